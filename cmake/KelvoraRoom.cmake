@@ -1,0 +1,30 @@
+# What every target of the project shares: warnings, sanitizers, the source root as include path.
+add_library(kelvora_options INTERFACE)
+target_include_directories(kelvora_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(kelvora_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual -Werror
+  # Pictures and positions are the same on every machine only if no compiler fuses a multiplication and an addition.
+  -ffp-contract=off)
+if(KELVORA_SANITIZE)
+  target_compile_options(kelvora_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kelvora_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# kelvora_room(NAME [rooms and libraries it includes or calls ...]): one static library from the .cpp files of this folder.
+function(kelvora_room name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  add_library(kelvora_${name} STATIC ${sources})
+  target_link_libraries(kelvora_${name} PUBLIC kelvora_options ${ARGN})
+endfunction()
+
+# kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder.
+function(kelvora_tests name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  add_executable(kelvora_${name}_tests ${sources})
+  target_link_libraries(kelvora_${name}_tests PRIVATE kelvora_options ${ARGN} GTest::gtest_main)
+  target_compile_definitions(kelvora_${name}_tests PRIVATE KELVORA_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+endfunction()

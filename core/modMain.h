@@ -1,0 +1,148 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "base/vector.h"
+#include "particles/clsParticle.h"
+#include "raster/colour.h"
+#include "simulation/clsPlayer.h"
+
+namespace kelvora {
+
+/// One line of the console on the canvas.
+struct ChatLine {
+  std::string text;
+  Colour colour;
+  std::int16_t size = 0;  ///< points
+};
+
+/// The captures that wait for one tail vertex to end.
+struct KillerTail {
+  std::int16_t owner = 0;  ///< playerIndex of the winner
+  std::string tailID;
+  std::vector<std::int16_t> victims;  ///< playerIndex of each loser, in order of arrival
+  std::string location;
+};
+
+/// A bearing as the pointer and the steering use it.
+struct Bearing {
+  float angle = 0;  ///< from the vertical, 350 to the full circle: 0 to 87.5
+  std::uint8_t quadrant = 0;
+};
+
+/// The world's state, shared by every room, and the routines that belong to no one room. Everything is touched by one
+/// thread only.
+namespace modMain {
+
+inline constexpr float worldSize = 100000;  ///< world units, on both axes from 0
+
+extern Vector mousePos;  ///< last mouse position on the canvas, canvas units
+extern clsPlayer localPlayer;
+extern std::int16_t opponentCount;        ///< used slots of `opponents`; only ever grows
+extern std::deque<clsPlayer> opponents;   ///< growing moves no player in memory
+extern double particleCount;
+extern std::vector<clsParticle> particles;
+extern std::int16_t steerAngle;     ///< 0 to 88, see Bearing
+extern std::int16_t steerQuadrant;  ///< 1 to 4, 0 before the first frame
+extern std::array<ChatLine, 8> chatLines;  ///< index 0 newest
+extern std::string debugText;
+extern std::array<std::string, 6> colourNames;
+extern double explosionCount;
+extern std::vector<clsParticle> explosionParticles;
+extern std::vector<KillerTail> killerTails;
+extern std::string roundMessage;
+extern std::int32_t frameTime;  ///< ms, average paint time
+extern std::array<std::int32_t, 101> frameTimes;  ///< ms, newest first
+extern bool survivalMode;
+extern Vector survivalOrigin;
+extern float survivalMaxDistance;
+extern std::int16_t netParticleCount;
+extern std::deque<clsParticle> netParticles;
+extern std::string centreMessage;
+extern std::int16_t centreMessageAge;  ///< frames at time scale 1; run out above 250
+extern std::array<std::string, 20> tips;
+extern std::int16_t nextTip;
+
+// Paint statics that live as long as the process.
+extern bool borderShrinking;
+extern std::uint8_t borderWidth;
+extern std::int16_t borderCounter;
+
+/// Puts every variable above back to its value at the start of the process.
+void clearWorld();
+
+// Start-up and loop (core/startUp.cpp, core/mainLoop.cpp).
+/// The program's entry; does not return.
+void startGame();
+/// Endless; one pass is one frame.
+void mainLoop();
+/// One pass of the loop without its DoEvents: what a connected frame does.
+void runFrame();
+/// frameTime / 10, at least 1: every per-frame speed is multiplied by it.
+double getTimeScale();
+
+// Helpers (core/worldState.cpp).
+float getDistance(Vector a, Vector b);
+bool isOnScreen(Vector worldPoint);
+Vector getLocalPosition();
+/// -1 for the local player, else a slot of `opponents`; an unknown node yields 0.
+std::int16_t getPlayerIndex(std::int16_t node);
+std::int16_t getServerNode(std::int16_t index);
+std::string getPlayerName(std::int16_t index);
+/// The player of an index: -1 local, else a slot; outside the slots RuntimeFault.
+clsPlayer& playerAt(std::int16_t index);
+void showCentreMessage(const std::string& text);
+void showNextTip();
+Vector getMousePos();
+void setMousePos(float x, float y);
+std::int16_t getSteerAngle();
+std::int16_t getSteerQuadrant();
+
+// Input (core/input.cpp).
+void requestPowerup(std::int16_t number);
+void toggleLocalBreaks();
+
+// Captures (simulation/killerTails.cpp).
+void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, float y);
+std::int16_t findKillerTail(std::int16_t owner, const std::string& tailID);
+void checkKillerTail(std::int16_t owner, const std::string& tailID);
+void executeKillerTail(std::int16_t index);
+void removeKillerTails(std::int16_t owner);
+void executeCapture(std::int16_t winnerNode, std::int16_t loserNode);
+void killTailOf(std::int16_t ownerIndex, double num);
+
+// Particles (particles/pools.cpp).
+void createParticleField();
+void addExplosion(Vector point, std::int16_t count);
+void removeExplosionParticle(std::int16_t index);
+bool isStarsMode();
+bool coinFlip();
+std::int16_t allocNetParticle();
+void receiveParticleNew(const std::string& id, std::int16_t kind, float x, float y, float dx, float dy);
+void receiveParticlePosition(const std::string& id, float x, float y);
+void receiveParticleRemove(const std::string& id);
+
+// The picture (rendering/).
+Vector getCanvasCentre();
+Vector worldToScreen(Vector worldPoint);
+Bearing getBearing(Vector from, Vector to);
+void paintFrame();
+void paintWorldBorder();
+void paintPointer();
+void addDebugText(const std::string& line);
+void paintTextLines();
+void paintCentreMessage();
+void paintActionIcons();
+void showStartLogo();
+void hideStartLogo();
+
+/// The part of a disconnection that lies in the world's state.
+void resetConnectionState();
+
+}  // namespace modMain
+
+}  // namespace kelvora

@@ -1,0 +1,36 @@
+#include "platform/control.h"
+
+#include <algorithm>
+
+namespace kelvora {
+
+void notifyPeer(Control& owner, PropertyId id) {
+  if (owner.peer) owner.peer->changed(id);
+}
+
+Control::Control(Control* container, Place place)
+    : Left(*this, PropertyId::Left, place.left),
+      Top(*this, PropertyId::Top, place.top),
+      Width(*this, PropertyId::Width, place.width),
+      Height(*this, PropertyId::Height, place.height),
+      Visible(*this, PropertyId::Visible, true),
+      container_(container) {
+  if (container_) container_->children_.push_back(this);
+}
+
+Control::~Control() {
+  if (container_) std::erase(container_->children_, this);
+  for (Control* child : children_) child->container_ = nullptr;
+}
+
+Control& Control::root() {
+  Control* control = this;
+  while (control->container_) control = control->container_;
+  return *control;
+}
+
+void Control::SetFocus() {
+  if (peer) peer->takeFocus();
+}
+
+}  // namespace kelvora

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "platform/control.h"
+
+namespace kelvora {
+
+/// One entry of a menu bar. Its container is the menu above it, or the form for the topmost row; a caption of "-" is a
+/// separator. Children stand in the order of their declaration.
+class MenuItem : public Control {
+ public:
+  enum class Design { Plain, Checked, Disabled };
+  MenuItem(Control* container, std::string caption, Design design = Design::Plain);
+
+  Property<std::string> Caption;
+  Property<bool> Checked;
+  Property<bool> Enabled;
+};
+
+}  // namespace kelvora

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <string>
+
+#include "platform/control.h"
+#include "raster/colour.h"
+#include "raster/font.h"
+#include "raster/picture.h"
+
+namespace kelvora {
+
+enum class Alignment { Left, Right, Centre };
+
+/// How a label is set at design time; colours and border can change later.
+struct LabelDesign {
+  Colour fore = RGB(0, 0, 0);
+  Colour back = RGB(255, 255, 255);
+  bool transparent = false;  ///< the background shows through; the label takes clicks all the same
+  bool border = false;       ///< BorderStyle 1
+  Alignment alignment = Alignment::Left;
+  FontSpec font = {};
+  bool autoSize = false;  ///< Width follows the caption
+  bool systemColours = false;  ///< the dialog's own text and background colours
+};
+
+class Label : public Control {
+ public:
+  Label(Control* container, Place place, std::string caption, LabelDesign design);
+
+  Property<std::string> Caption;
+  Property<Colour> ForeColor;
+  Property<Colour> BackColor;
+  Property<int> BorderStyle;  ///< 0 none, 1 a single line
+  Property<float> FontSize;   ///< points
+  const LabelDesign design;
+};
+
+class TextBox : public Control {
+ public:
+  struct Design {
+    Colour fore = RGB(0, 0, 0);
+    Colour back = RGB(255, 255, 255);
+    FontSpec font = {};
+    bool systemColours = true;  ///< the dialog's own colours in place of the two above
+  };
+  TextBox(Control* container, Place place, std::string text, Design design);
+  TextBox(Control* container, Place place, std::string text) : TextBox(container, place, std::move(text), Design{}) {}
+
+  Property<std::string> Text;  ///< a single line
+  Property<int> SelStart;      ///< caret position in characters, 0 before the first
+  const Design design;
+};
+
+class Button : public Control {
+ public:
+  enum class Role { Plain, Default, Cancel };  ///< Default answers Enter, Cancel answers Esc, anywhere on the form
+  Button(Control* container, Place place, std::string caption, Role role = Role::Plain);
+
+  Property<std::string> Caption;
+  const Role role;
+};
+
+/// A titled or plain box round other controls.
+class Frame : public Control {
+ public:
+  Frame(Control* container, Place place, std::string caption, Colour fore, Colour back, bool border);
+
+  const std::string Caption;
+  const Colour ForeColor;
+  const Colour BackColor;
+  const bool border;
+};
+
+/// A still picture at its own size.
+class Image : public Control {
+ public:
+  Image(Control* container, Place place);
+  Property<PicturePointer> Picture;
+};
+
+/// A filled circle or oval, the largest that fits its place.
+class Shape : public Control {
+ public:
+  Shape(Control* container, Place place, Colour fill);
+
+  const Colour FillColor;
+  Property<Colour> BorderColor;
+  Property<int> BorderStyle;  ///< 1 solid, 3 dotted (a border wider than 1 is always solid)
+  Property<int> BorderWidth;  ///< pixels
+};
+
+/// Fires its handler every Interval ms while the window system gets its turn.
+class IntervalTimer : public Control {
+ public:
+  IntervalTimer(Control* container, int intervalMs);
+  Property<int> Interval;  ///< ms
+  Property<bool> Enabled;
+  std::function<void()> Timer;
+};
+
+}  // namespace kelvora

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+
+namespace kelvora {
+
+/// Three bytes: colours of lines, texts and controls.
+struct Colour {
+  std::uint8_t red = 0;
+  std::uint8_t green = 0;
+  std::uint8_t blue = 0;
+
+  friend bool operator==(const Colour&, const Colour&) = default;
+};
+
+/// A colour from its three channels, each 0 to 255.
+constexpr Colour RGB(int red, int green, int blue) {
+  return {static_cast<std::uint8_t>(red), static_cast<std::uint8_t>(green), static_cast<std::uint8_t>(blue)};
+}
+
+/// One pixel in memory: 0x00RRGGBB, the top byte always 0.
+using Pixel = std::uint32_t;
+
+constexpr Pixel toPixel(Colour colour) {
+  return static_cast<Pixel>(colour.red) << 16 | static_cast<Pixel>(colour.green) << 8 | colour.blue;
+}
+
+}  // namespace kelvora

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "raster/font.h"
+#include "raster/picture.h"
+#include "raster/twips.h"
+
+namespace kelvora {
+
+/// How a raster copy joins source and destination.
+enum class RasterOperation : std::uint32_t {
+  SRCAND = 0x8800C6,    ///< destination AND source
+  SRCPAINT = 0xEE0086,  ///< destination OR source
+  SRCCOPY = 0xCC0020,   ///< source
+};
+using enum RasterOperation;
+
+/// The picture under construction: a 32-bit image in memory with the drawing operations of the game. Coordinates and
+/// lengths are twips, widths of lines are pixels. Everything is clipped to the image; nothing is antialiased but glyphs.
+/// The same calls give the same bytes on every machine, glyphs aside.
+class Surface {
+ public:
+  Colour BackColor = RGB(0, 0, 0);
+  Colour ForeColor = RGB(0, 0, 0);
+  Colour FillColor = RGB(0, 0, 0);
+  int DrawWidth = 1;  ///< pixels, 1 to 64 as far as drawing is concerned
+  FontSpec Font;
+  float FontSize = 9;  ///< points; what `Print` uses in place of the size in Font
+  float CurrentX = 0;  ///< twips, pen position of `Print`
+  float CurrentY = 0;  ///< twips
+
+  /// Gives the image a new size in pixels (negative counts as 0) and clears it as `Cls` does.
+  void resize(int width, int height);
+  int pixelWidth() const { return width_; }
+  int pixelHeight() const { return height_; }
+  std::span<const Pixel> pixels() const { return pixels_; }
+
+  /// The background that `Cls` restores at the top left corner; null for none. Clears at once.
+  void setBackground(PicturePointer picture);
+  const PicturePointer& background() const { return background_; }
+
+  /// Clears to BackColor or to the background and puts the pen at 0, 0.
+  void Cls();
+
+  /// A line in ForeColor, DrawWidth pixels wide with round ends, both end points included.
+  void Line(float x1, float y1, float x2, float y2);
+
+  /// A circle in `outline`, one pixel wide, filled with FillColor.
+  void Circle(float x, float y, float radius, Colour outline);
+
+  /// Copies the cell (sx, sy, w, h) of `source` to (x, y). What lies outside the source or the image is left out.
+  void PaintPicture(const Picture& source, float x, float y, float w, float h, float sx, float sy,
+                    RasterOperation operation);
+
+  /// Text at the pen in ForeColor, the background left as it is. A line break ("\r\n") goes down one line and back to
+  /// the column where this text began; at the end the pen stands at the start of the next line.
+  void Print(std::string_view text);
+
+  /// Width of a text in twips, as `Print` would set it in `font`.
+  static float textWidth(const FontSpec& font, std::string_view text);
+
+  /// Where glyphs come from; set once by the backend before anything is printed, and outliving all printing. Forgets
+  /// every glyph taken from an earlier source.
+  static void setGlyphSource(GlyphSource* source);
+
+ private:
+  int width_ = 0;
+  int height_ = 0;
+  std::vector<Pixel> pixels_;
+  PicturePointer background_;
+};
+
+}  // namespace kelvora

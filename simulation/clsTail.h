@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "base/vector.h"
+#include "platform/backend.h"
+#include "raster/colour.h"
+
+namespace kelvora {
+
+/// One vertex of a tail. It lives a little over two seconds of real time and belongs to its owner's `tails`.
+class clsTail {
+ public:
+  const std::string& tailID() const { return tailID_; }
+  void killer(bool) {}
+  bool looped() const { return false; }
+  void num(double value) { num_ = value; }
+  /// One step of ageing; True if the vertex has just ended and is gone from its owner's tail, this object with it.
+  bool age();
+  std::int16_t getAge() const { return age_; }
+  bool isCharged() const { return isCharged_; }
+  void isCharged(bool value) { isCharged_ = value; }
+  void isLong(bool) {}
+
+  void initTail(double num, std::int16_t ownerIndex, Vector position);
+  /// Fires the capture that waits for this vertex, then removes it from its owner's tail.
+  void expire();
+  const Vector& getPosition() const { return position_; }
+  /// The colour of the owner at this vertex's age, darker with every 10 ms.
+  Colour getColour(std::int16_t colour) const;
+
+  double num() const { return num_; }
+
+ private:
+  double num_ = 0;
+  std::int16_t age_ = 0;         // 10 ms units, dies above 200
+  std::int16_t ownerIndex_ = 0;  // playerIndex
+  Vector position_;              // world units
+  std::string tailID_;
+  bool isCharged_ = false;
+  Tick lastStep_ = 0;  // 0 until the first step
+};
+
+}  // namespace kelvora
