@@ -1,6 +1,7 @@
 #include "platform/backend.h"
 
 #include <cassert>
+#include <cstdlib>
 
 namespace kelvora {
 
@@ -23,7 +24,10 @@ void Randomize(float seed) { backend().randomize(seed); }
 
 void DoEvents(bool mayWait) { backend().doEvents(mayWait); }
 void MsgBox(const std::string& text) { backend().messageBox(text); }
-void endProcess() { backend().endProcess(); }
+void endProcess() {
+  backend().endProcess();
+  std::abort();  // not reached; the compiler does not believe a virtual function that it never returns
+}
 void SetCursorPos(int x, int y) { backend().placePointer(x, y); }
 std::string commandLine() { return backend().commandLine(); }
 std::string applicationPath() { return backend().applicationPath(); }
