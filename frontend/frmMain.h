@@ -104,6 +104,9 @@ class FrmMain : public Form {
   MenuItem mnuDirLineAlways{&mnuLine, "Always"};
   MenuItem mnuUpdates{&mnuMisc, "Check for updates on startup", MenuItem::Design::Checked};
 
+  std::array<std::string, 256> chatHistory;  ///< lines typed, index 0 newest
+  std::int16_t chatHistoryPosition = 0;      ///< current place in chatHistory
+
   /// Brings lblNetStatus up to date with the socket's state.
   void showConnectionState();
   /// True lights the two big buttons, False greys them; they take clicks either way.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +46,31 @@ void receiveFunds(std::int16_t node, double funds);
 void receivePowerupOn(std::int16_t node, std::int16_t item);
 void receivePowerupOff(std::int16_t node, std::int16_t item);
 void receiveChat(std::int16_t node, const std::string& text);
+
+// Chat (network/chat.cpp).
+extern std::uint8_t chatMode;            ///< 0 public, 1 private
+extern std::int16_t privateTargetIndex;  ///< playerIndex of the partner
+extern std::string privateTargetName;    ///< empty until a partner is chosen
+/// Takes one line from txtChat: a console command behind a tilde, else a chat line for the server.
+void sendChat(const std::string& text);
+/// Only the characters 32 to 127.
+std::string filterChatText(const std::string& text);
+void setChatMode(std::uint8_t mode);
+std::uint8_t getChatMode();
+void selectPrivateTarget(const std::string& name);
+/// -1 back, 1 forward through the lines typed, 0 stores the line of txtChat.
+void stepChatHistory(std::int16_t direction);
+/// `verb` or `verb:argument`, without the tilde (network/consoleCommands.cpp).
+void runConsoleCommand(const std::string& command);
+
+// Events of the chat controls, called by frmMain's handlers, which pass every key of txtChat on to the canvas
+// afterwards.
+void chatKeyDown(int KeyCode);
+void chatKeyPress(int KeyAscii);
+void privateLabelMouseDown(int Button);
+void privateLabelMouseUp();
+void nameMouseDown(std::int16_t index);  ///< lbUserName(index)
+void nameMouseUp(std::int16_t index);
 
 /// The first connected opponent of that name, case folded; 0 if there is none.
 std::int16_t indexFromName(const std::string& name);

@@ -97,6 +97,9 @@ class clsPlayer {
 
   // Powerups (store/powerupRules.cpp).
   std::int16_t totalPowerups() const;
+  /// The server's yes and its early end; a slot outside 0 to 5 is RuntimeFault in the first, ignored in the second.
+  void activatePowerup(std::int16_t slot);
+  void unactivatePowerup(std::int16_t slot);
   void tickPowerups();
 
  private:
