@@ -1,0 +1,69 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "network/netMan.h"
+#include "network/wire/wireFormat.h"
+#include "platform/headless/headlessBackend.h"
+
+namespace kelvora {
+
+/// One message on the wire.
+struct WireMessage {
+  std::int16_t id = 0;
+  std::vector<std::string> fields;
+
+  friend bool operator==(const WireMessage&, const WireMessage&) = default;
+};
+void PrintTo(const WireMessage& message, std::ostream* out);
+
+/// The messages of a run of whole frames. Bytes outside frames fail the test.
+std::vector<WireMessage> parseFrames(std::string_view bytes);
+
+/// The whole client on a machine without a screen, in the state at the start of the process: no form is loaded, the
+/// world is empty, the tick count is 1000000.
+class GameTest : public testing::Test {
+ protected:
+  GameTest();
+  ~GameTest() override;
+
+  /// The far end of the game's socket. Loads frmMain.
+  HeadlessSocket& server() { return machine.socketOf(frmMain->sock); }
+
+  /// The socket connects and the client sends its login; the connection stands (state 7), the local player is not
+  /// connected yet. What was sent is in sentFrames().
+  void connect(const std::string& name = "Ann", std::int16_t colour = 0);
+  /// `connect` and the server's yes: the local player is in the game at the place, and what was sent is forgotten.
+  void login(std::int16_t colour = 0, std::int16_t node = 7, float x = 50'000, float y = 50'000,
+             const std::string& name = "Ann");
+  /// An opponent joins, alive, in the next slot; the slot's number is returned.
+  std::int16_t join(std::int16_t node, std::int16_t colour, const std::string& name, float x = 50'000,
+                    float y = 50'000);
+
+  /// Moves the clocks on.
+  void tick(Tick ms) { machine.advance(ms); }
+  /// Lets queued events and due timers run.
+  void passEvents() { machine.doEvents(false); }
+  /// The server's bytes arrive in one read and are handled.
+  void serverSends(const std::string& bytes);
+  /// One message arrives and is handled.
+  void serverSends(std::int16_t id, const std::vector<std::string>& fields);
+
+  /// All messages sent so far on the game's socket.
+  std::vector<WireMessage> sentFrames() { return parseFrames(server().sent); }
+  void forgetSent() { server().sent.clear(); }
+
+  HeadlessBackend machine;
+};
+
+/// The pictures as the program finds them; a sheet that does not exist is a black one of the sheet's size.
+PicturePointer testPicture(const std::string& path);
+
+}  // namespace kelvora
