@@ -13,7 +13,7 @@ std::int16_t toInt16(double value);
 std::int32_t toInt32(double value);
 std::uint8_t toByte(double value);
 
-/// Narrowed to 32 bits; a finite value beyond the range, or one that is no number, is RuntimeFault "Overflow".
+/// Narrowed to 32 bits; a value beyond the range, infinite or no number is RuntimeFault "Overflow".
 float toSingle(double value);
 
 }  // namespace kelvora
