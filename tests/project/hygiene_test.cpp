@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/project/tree.h"
+
+namespace {
+
+const std::set<std::string> textual = {".h", ".cpp", ".md", ".txt", ".cmake", ".json", ".py", ".sh", ""};
+
+const std::vector<tree::File>& texts() {
+  static const std::vector<tree::File> files = [] {
+    auto found = tree::files(textual);
+    std::erase_if(found, [](const auto& file) { return file.text.find('\0') != std::string::npos; });
+    return found;
+  }();
+  return files;
+}
+
+/// The first line, counted from 1, that holds what the expression finds; 0 if none does.
+long lineOf(const tree::File& file, const std::regex& expression) {
+  std::smatch match;
+  if (!std::regex_search(file.text, match, expression)) return 0;
+  return 1 + std::count(file.text.begin(), match[0].first, '\n');
+}
+
+TEST(Hygiene, NothingIsLeftForLater) {
+  // Cut in two so that this file does not find itself.
+  const std::regex marks(std::string(R"(\b(TO)") + R"(DO|FIX)" + R"(ME)\b)");
+  for (const auto& file : texts()) EXPECT_EQ(lineOf(file, marks), 0) << file.path;
+}
+
+TEST(Hygiene, NoTestIsSwitchedOff) {
+  const std::regex marks(std::string(R"(\b(DIS)") + R"(ABLED_|GTEST_)" + R"(SKIP))");
+  for (const auto& file : texts()) EXPECT_EQ(lineOf(file, marks), 0) << file.path;
+}
+
+TEST(Hygiene, LinesHaveNoTabsNorBlanksAtTheirEnd) {
+  const std::regex tab(R"(\t)");
+  const std::regex trailing(R"([ \r]\n)");
+  for (const auto& file : texts()) {
+    EXPECT_EQ(lineOf(file, tab), 0) << file.path;
+    EXPECT_EQ(lineOf(file, trailing), 0) << file.path;
+  }
+}
+
+TEST(Hygiene, TextsEndWithOneLineBreak) {
+  for (const auto& file : texts()) {
+    if (file.text.empty()) continue;
+    EXPECT_TRUE(file.text.ends_with('\n')) << file.path;
+    EXPECT_FALSE(file.text.ends_with("\n\n")) << file.path;
+  }
+}
+
+TEST(Hygiene, HeadersAreIncludedOnce) {
+  for (const auto& file : tree::files({".h"})) EXPECT_TRUE(tree::startsWith(file.text, "#pragma once\n")) << file.path;
+}
+
+TEST(Hygiene, NoPathOfOneMachineIsWrittenDown) {
+  const std::regex home(R"(/(home|Users|root|work)/[A-Za-z])");
+  for (const auto& file : texts()) EXPECT_EQ(lineOf(file, home), 0) << file.path;
+}
+
+}  // namespace

@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/project/tree.h"
+
+namespace {
+
+/// What each room may include besides itself: other rooms, or single headers of them. docs/architecture.md shows the
+/// same rows. The rooms of the game call each other freely.
+const std::set<std::string> game = {"core",     "simulation",   "particles", "network", "rendering", "store",
+                                    "frontend", "network/wire", "platform",  "raster",  "base"};
+const std::map<std::string, std::set<std::string>> mayInclude = {
+    {"base", {}},
+    {"raster", {"base"}},
+    {"platform", {"raster", "base"}},
+    {"platform/pictures", {"raster", "base"}},
+    {"platform/headless", {"platform", "platform/pictures", "raster", "base"}},
+    {"platform/qt", {"platform", "platform/pictures", "raster", "base"}},
+    {"core", game},
+    {"simulation", game},
+    {"particles", game},
+    {"network", game},
+    {"network/wire", {"base"}},
+    {"rendering", game},
+    {"store", game},
+    {"frontend", game},
+    {"server", {"network/wire", "store/powerupTable.h", "base"}},
+    {"app", {"core", "server", "network/wire", "platform", "platform/qt", "platform/headless", "raster", "base"}},
+};
+const std::set<std::string> outsideTheRooms = {"tests", "bench", "tools", "assets", "docs", "cmake", "packaging"};
+
+std::string folderOf(const std::string& path) {
+  const auto slash = path.rfind('/');
+  return slash == std::string::npos ? "" : path.substr(0, slash);
+}
+
+bool isInARoom(const tree::File& file) { return !outsideTheRooms.contains(file.path.substr(0, file.path.find('/'))); }
+
+std::vector<std::string> includes(const tree::File& file, const std::string& pattern) {
+  static const std::string prefix = R"((?:^|\n)[ \t]*#[ \t]*include[ \t]*)";
+  const std::regex expression(prefix + pattern);
+  std::vector<std::string> found;
+  for (std::sregex_iterator match(file.text.begin(), file.text.end(), expression), end; match != end; ++match) {
+    found.push_back((*match)[1]);
+  }
+  return found;
+}
+
+const std::vector<tree::File>& sources() {
+  static const std::vector<tree::File> files = tree::files({".h", ".cpp"});
+  return files;
+}
+
+TEST(Includes, EveryFolderWithSourcesIsARoomOfTheTable) {
+  for (const auto& file : sources()) {
+    EXPECT_TRUE(!isInARoom(file) || mayInclude.contains(folderOf(file.path))) << file.path;
+  }
+}
+
+TEST(Includes, StayWithinWhatTheRoomMayInclude) {
+  int checked = 0;
+  for (const auto& file : sources()) {
+    const std::string room = folderOf(file.path);
+    if (!isInARoom(file) || !mayInclude.contains(room)) continue;
+    for (const auto& header : includes(file, R"re("([^"\n]+)")re")) {
+      const std::string other = folderOf(header);
+      const auto& allowed = mayInclude.at(room);
+      EXPECT_TRUE(other == room || allowed.contains(other) || allowed.contains(header))
+          << file.path << " includes " << header;
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 100);
+}
+
+TEST(Includes, AreRootedAtTheSourceFolder) {
+  for (const auto& file : sources()) {
+    for (const auto& header : includes(file, R"re("([^"\n]+)")re")) {
+      EXPECT_FALSE(tree::text(header).empty()) << file.path << " includes " << header;
+    }
+  }
+}
+
+TEST(Includes, ReachTheToolkitFromThePlatformsDesktopAlone) {
+  for (const auto& file : sources()) {
+    bool mayUseToolkit = false;
+    for (const char* folder : {"platform/qt/", "bench/", "tests/platform/", "tests/desktop/"}) {
+      mayUseToolkit = mayUseToolkit || tree::startsWith(file.path, folder);
+    }
+    if (mayUseToolkit) continue;
+    EXPECT_TRUE(includes(file, R"re([<"]((?:Q[A-Z]|Qt|SDL)[^>"\n]*)[>"])re").empty()) << file.path;
+  }
+}
+
+TEST(Includes, OfHeadersFormNoCircle) {
+  std::map<std::string, std::vector<std::string>> graph;
+  for (const auto& file : sources()) {
+    if (file.path.ends_with(".h")) graph[file.path] = includes(file, R"re("([^"\n]+)")re");
+  }
+  // A header whose includes have all been taken away can be taken away itself; what is left over stands in a circle.
+  bool progress = true;
+  while (progress) {
+    progress = std::erase_if(graph, [&graph](const auto& entry) {
+                 return std::ranges::none_of(entry.second, [&](const auto& other) { return graph.contains(other); });
+               }) > 0;
+  }
+  for (const auto& [header, others] : graph) ADD_FAILURE() << header << " stands in or above a circle of headers";
+}
+
+TEST(Includes, TableStandsInTheArchitecture) {
+  const std::string document = tree::text("docs/architecture.md");
+  for (const auto& [room, others] : mayInclude) {
+    std::string row = "| `" + room + "` |";
+    if (others == game) {
+      row += " the rooms of the game |";
+    } else if (others.empty()) {
+      row += " nothing |";
+    } else {
+      std::string list;
+      for (const auto& other : others) list += (list.empty() ? " `" : ", `") + other + "`";
+      row += list + " |";
+    }
+    EXPECT_NE(document.find(row), std::string::npos) << row;
+  }
+}
+
+}  // namespace
