@@ -24,27 +24,30 @@ struct PowerupState {
 /// positions. The fields are read and written by every room.
 class clsPlayer {
  public:
-  std::int16_t colour = 0;        ///< 0 to 5
-  std::int16_t playerIndex = 0;   ///< -1 for the local player, else the slot in `opponents`
-  std::int16_t serverNode = 0;    ///< the server's number for this player
+  std::int16_t colour = 0;       ///< 0 to 5
+  std::int16_t playerIndex = 0;  ///< -1 for the local player, else the slot in `opponents`
+  std::int16_t serverNode = 0;   ///< the server's number for this player
   std::string name;
-  Vector position;                ///< world units
-  Vector lastPosition;            ///< position at the start of the frame
-  Vector velocity;                ///< world units per frame, the time scale included
+  Vector position;      ///< world units
+  Vector lastPosition;  ///< position at the start of the frame
+  Vector velocity;      ///< world units per frame, the time scale included
   bool isConnected = false;
-  std::int32_t lag = 0;           ///< ms from the last ping to the last latency report
+  std::int32_t lag = 0;  ///< ms from the last ping to the last latency report
   std::int32_t reportedLag = 0;
-  Tick pingTick = 0;              ///< ms
-  float clockOffset = 0;          ///< seconds
+  Tick pingTick = 0;      ///< ms
+  float clockOffset = 0;  ///< seconds
   bool breaksOn = false;
   double positionReportInterval = 0;  ///< frames waited between position reports
   std::deque<Vector> positionQueue;   ///< received and not yet reached, the next target first
   /// The tail, oldest vertex first; a vertex's `num` is its index.
   std::deque<clsTail> tails;
+  /// Serial number of the oldest vertex. It rises as vertices leave the old end, so that none of the others need be
+  /// renumbered.
+  double tailBase = 0;
   bool alive = false;
   std::vector<std::int16_t> captures;  ///< colours captured in this life
   std::int16_t kills = 0;
-  float speed = 0;                ///< top speed, world units per frame at time scale 1
+  float speed = 0;  ///< top speed, world units per frame at time scale 1
   std::array<PowerupState, powerupSlotCount> powerups;
   std::int16_t powerSlotLimit = 0;
   bool awaitingFirstPosition = false;
@@ -53,8 +56,8 @@ class clsPlayer {
   Tick lastAgeTick = 0;      ///< ms, tick of the last ageing pass
   bool steering = false;     ///< `moveAsOpponent` has a velocity for its current target
   bool animFalling = false;
-  std::int16_t animFrame = 0;  ///< 0 to 3
-  std::int16_t animTick = 0;   ///< frames since the cell last changed
+  std::int16_t animFrame = 0;        ///< 0 to 3
+  std::int16_t animTick = 0;         ///< frames since the cell last changed
   std::int32_t lastPowerupTick = 0;  ///< whole second of the last powerup tick
 
   double tailCount() const { return static_cast<double>(tails.size()); }
@@ -97,6 +100,8 @@ class clsPlayer {
 
   // Powerups (store/powerupRules.cpp).
   std::int16_t totalPowerups() const;
+  /// Asks the server to start a powerup, the local player's only; refusals go to the console.
+  void requestActivatePowerup(std::int16_t slot);
   /// The server's yes and its early end; a slot outside 0 to 5 is RuntimeFault in the first, ignored in the second.
   void activatePowerup(std::int16_t slot);
   void unactivatePowerup(std::int16_t slot);
@@ -109,6 +114,8 @@ class clsPlayer {
   void dequeuePosition();
   void displayLag();
 
+  void paintBall(Vector centre);
+  void advanceAnimation();
   void paintTail();
   void paintChargedArc(Vector a, Vector b);
   void paintRadarBlip();

@@ -15,7 +15,7 @@ class clsTail {
   const std::string& tailID() const { return tailID_; }
   void killer(bool) {}
   bool looped() const { return false; }
-  void num(double value) { num_ = value; }
+  void num(double value);
   /// One step of ageing; True if the vertex has just ended and is gone from its owner's tail, this object with it.
   bool age();
   std::int16_t getAge() const { return age_; }
@@ -29,11 +29,13 @@ class clsTail {
   const Vector& getPosition() const { return position_; }
   /// The colour of the owner at this vertex's age, darker with every 10 ms.
   Colour getColour(std::int16_t colour) const;
-
-  double num() const { return num_; }
+  /// The vertex's index in its owner's tail.
+  double num() const;
 
  private:
-  double num_ = 0;
+  friend class clsPlayer;  // moves serials when a vertex leaves the middle of the tail
+
+  double serial_ = 0;            // num plus the owner's tailBase
   std::int16_t age_ = 0;         // 10 ms units, dies above 200
   std::int16_t ownerIndex_ = 0;  // playerIndex
   Vector position_;              // world units

@@ -1,0 +1,92 @@
+#include <cstdio>
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "rendering/frmGfx.h"
+#include "simulation/clsPlayer.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr std::int16_t localIndex = -1;
+
+}  // namespace
+
+void clsPlayer::init(std::int16_t newColour, std::int16_t index, std::int16_t node, const std::string& newName) {
+  colour = newColour;
+  playerIndex = index;
+  serverNode = node;
+  name = newName;
+  funds(10);
+  kills = 0;
+  alive = true;
+  isConnected = true;
+  speed = 300;
+  positionReportInterval = 3;
+  powerSlotLimit = 10;
+  awaitingFirstPosition = true;
+  for (PowerupState& powerup : powerups) {
+    powerup.count = 0;
+    powerup.active = false;
+  }
+  if (!breaksOn) toggleBreaks();
+  if (playerIndex == localIndex) modMain::createParticleField();
+}
+
+void clsPlayer::setAlive(bool isNowAlive) {
+  alive = isNowAlive;
+  if (!alive) {
+    breaksOn = true;
+  } else if (playerIndex == localIndex) {
+    modMain::showNextTip();
+  }
+}
+
+void clsPlayer::respawn() {
+  // Quirk Q-109: the position is not touched: the new life starts where the ghost was.
+  alive = true;
+  captures.clear();
+  PictureBox& strip = frmMain->picCaps[colour];
+  strip.Cls();
+  strip.Refresh();
+  breaksOn = true;
+  if (playerIndex == localIndex) modMain::showNextTip();
+}
+
+void clsPlayer::die() {
+  alive = false;
+  // Quirk Q-107: one explosion particle for each capture of this life; who has captured nobody leaves none.
+  if (captureCount() > 0) modMain::addExplosion(position, captureCount());
+}
+
+void clsPlayer::receiveCapture(std::int16_t victimColour) {
+  captures.push_back(victimColour);
+  kills = toInt16(kills + 1);
+  displayKills();
+  SheetImage& sheet = frmGfx->imgCaps;
+  const float width = sheet.Width / 6;
+  const float left = static_cast<float>(victimColour) * width;
+  PictureBox& strip = frmMain->picCaps[colour];
+  strip.PaintPicture(sheet.cells(), left, 0, width, sheet.Height, left, 0, SRCCOPY);
+  strip.Refresh();
+}
+
+void clsPlayer::displayKills() { frmMain->lblKills[colour].Caption = numberText(std::int32_t{kills}); }
+
+void clsPlayer::setKills(std::int16_t newKills) {
+  kills = newKills;
+  displayKills();
+}
+
+void clsPlayer::funds(double credits) {
+  funds_ = roundToEven(credits) + 0.0;  // no negative zero
+  if (playerIndex != localIndex) return;
+  char text[32];
+  std::snprintf(text, sizeof text, "%.15G", funds_);
+  frmMain->lblCredits.Caption = std::string(text);
+}
+
+}  // namespace kelvora

@@ -1,0 +1,75 @@
+#include <algorithm>
+#include <cstddef>
+
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/fontMan.h"
+
+namespace kelvora::modMain {
+
+// The server alone finds the loops. It names the winner, the loser and the vertex that closes the loop; here the
+// capture waits for that vertex to end, so that players see the tail finish its work.
+void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, float y) {
+  const std::int16_t winner = getPlayerIndex(winnerNode);
+  const std::int16_t loser = getPlayerIndex(loserNode);
+  const clsPlayer& player = playerAt(winner);
+  const double num = player.getTailNumByPos({x, y});
+  if (num == -1) {  // aged away, or never laid on this client
+    executeCapture(winnerNode, loserNode);
+    return;
+  }
+  const std::string location = "(" + numberText(x) + "," + numberText(y) + ")";
+  // Quirk Q-106: only the place is compared, so a second capture at the same coordinates joins the first one's winner.
+  const auto known = std::find_if(killerTails.begin(), killerTails.end(),
+                                  [&](const KillerTail& record) { return record.location == location; });
+  if (known != killerTails.end()) {
+    known->victims.push_back(loser);
+    return;
+  }
+  killerTails.push_back({winner, player.getTailID(num), {loser}, location});
+}
+
+std::int16_t findKillerTail(std::int16_t owner, const std::string& tailID) {
+  for (std::size_t i = 0; i < killerTails.size(); ++i) {
+    if (killerTails[i].owner == owner && killerTails[i].tailID == tailID) return static_cast<std::int16_t>(i);
+  }
+  return -1;
+}
+
+void checkKillerTail(std::int16_t owner, const std::string& tailID) {
+  const std::int16_t index = findKillerTail(owner, tailID);
+  if (index > -1) executeKillerTail(index);
+}
+
+void executeKillerTail(std::int16_t index) {
+  if (index < 0 || static_cast<std::size_t>(index) >= killerTails.size()) return;
+  const KillerTail& record = killerTails[static_cast<std::size_t>(index)];
+  const std::int16_t owner = record.owner;
+  for (const std::int16_t victim : record.victims) executeCapture(getServerNode(owner), getServerNode(victim));
+  removeKillerTails(owner);
+}
+
+void removeKillerTails(std::int16_t owner) {
+  // Quirk Q-104: every record of this owner goes, so when one of his captures lands his other waiting ones are dropped
+  // and their victims live on.
+  std::erase_if(killerTails, [owner](const KillerTail& record) { return record.owner == owner; });
+}
+
+void executeCapture(std::int16_t winnerNode, std::int16_t loserNode) {
+  const std::int16_t winner = getPlayerIndex(winnerNode);
+  const std::int16_t loser = getPlayerIndex(loserNode);
+  printChat(getPlayerName(winner) + " has captured " + getPlayerName(loser), 3);
+  // Quirk Q-108: nobody asks whether the loser is alive: a ghost can be captured again, and the winner scores.
+  clsPlayer& victim = playerAt(loser);
+  victim.die();
+  if (loser == -1) showCentreMessage("You have been captured!");
+  playerAt(winner).receiveCapture(victim.colour);
+  if (winner == -1) showCentreMessage("You have captured " + getPlayerName(loser));
+}
+
+void killTailOf(std::int16_t ownerIndex, double num) {
+  // Quirk Q-103: the upper bound is inclusive, unlike everywhere else; the slot behind the last one is a fault.
+  if (ownerIndex == -1 || (ownerIndex >= 0 && ownerIndex <= opponentCount)) playerAt(ownerIndex).killTail(num);
+}
+
+}  // namespace kelvora::modMain

@@ -1,0 +1,137 @@
+#include <algorithm>
+#include <cmath>
+
+#include "base/fault.h"
+#include "base/text.h"
+#include "core/modMain.h"
+#include "network/netMan.h"
+#include "network/wire/wireFormat.h"
+#include "simulation/clsPlayer.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr double brakeRate = 3;   // per frame and axis, at time scale 1
+constexpr float axisClamp = 300;  // displacement of one frame
+constexpr double turboFactor = 3;
+constexpr float wallInset = 1000;
+constexpr double pi = 3.14159;
+
+float scaled(float component, double factor) { return static_cast<float>(component * factor); }
+
+/// One axis of the velocity, a step nearer to 0 and never past it.
+float braked(float component, double step) {
+  if (component < 0) return std::min(static_cast<float>(component + step), 0.0F);
+  if (component > 0) return std::max(static_cast<float>(component - step), 0.0F);
+  return component;
+}
+
+/// Distance of the mouse from the canvas's centre as a part of full speed, at most 1.
+float throttle() {
+  const Vector centre = modMain::getCanvasCentre();
+  if (centre.y == 0) throw RuntimeFault("Division by zero");
+  // Quirk Q-096: half the canvas's height is the reach in both axes, so that full speed needs the same distance of the
+  // mouse in every direction, however wide the canvas is.
+  return std::min(modMain::getDistance(centre, modMain::mousePos) / centre.y, 1.0F);
+}
+
+/// Sets the velocity of one frame at time scale 1 from the bearing that the last paint found; left as it is for a
+/// bearing that does not exist, as before the first paint.
+void steer(Vector& velocity, float speed) {
+  const int angle = modMain::steerAngle;
+  const float radians = static_cast<float>((pi / 180) * (angle % 45));
+  const float tangent = static_cast<float>(std::tan(static_cast<double>(radians)));
+  // Quirk Q-090: |x| + |y| is the speed in every direction, so the ball is faster along the axes than on a diagonal;
+  // not sine and cosine, the field of speeds is a diamond.
+  float across;
+  if (angle >= 0 && angle < 45) {
+    across = static_cast<float>(tangent * 0.5 * speed);
+  } else if (angle >= 45 && angle < 90) {
+    across = static_cast<float>((tangent + 1.0) * speed * 0.5);
+  } else if (angle == 90) {  // no bearing reaches it
+    across = speed;
+  } else {
+    return;
+  }
+  const float along = speed - across;
+  // Quirk Q-092: the quadrant was found by the paint of the frame before; in the first frame it is 0 and steers
+  // nothing.
+  switch (modMain::steerQuadrant) {
+    case 1:
+      velocity = {across, -along};
+      break;
+    case 2:
+      velocity = {-across, -along};
+      break;
+    case 3:
+      velocity = {-across, along};
+      break;
+    case 4:
+      velocity = {across, along};
+      break;
+    default:
+      break;
+  }
+}
+
+/// Holds one axis inside the world. The bounds themselves are legal.
+void bounce(float& coordinate, float& speed) {
+  // Quirk Q-094: a player who flies over the edge lands 1000 units inside it, however small the step.
+  if (coordinate < 0) {
+    speed = std::fabs(speed);
+    coordinate = wallInset;
+  }
+  if (coordinate > modMain::worldSize) {
+    speed = -std::fabs(speed);
+    coordinate = modMain::worldSize - wallInset;
+  }
+}
+
+}  // namespace
+
+void clsPlayer::move() {
+  const double timeScale = modMain::getTimeScale();
+  if (breaksOn) {
+    // Quirk Q-095: a player who has come to rest under the brakes skips the frame with its report, so that a stopped
+    // player is silent.
+    if (velocity == Vector{}) return;
+    velocity = {braked(velocity.x, brakeRate * timeScale), braked(velocity.y, brakeRate * timeScale)};
+  }
+  lastPosition = position;
+
+  const bool turbo = powerups[turboSlot].active;
+  float topSpeed = throttle() * speed;
+  // Quirk Q-097: a captured player flies on as a ghost, at double speed.
+  if (!alive) topSpeed += topSpeed;
+  if (turbo) topSpeed = scaled(topSpeed, turboFactor);
+
+  if (!breaksOn) {
+    steer(velocity, topSpeed);
+    velocity = {scaled(velocity.x, timeScale), scaled(velocity.y, timeScale)};
+  }
+  // Quirk Q-093: the limit is on the displacement of one frame, not on speed in time: on a slow machine a frame moves
+  // the player no farther than on a fast one. Turbo alone escapes it.
+  if (!turbo) {
+    velocity = {std::clamp(velocity.x, -axisClamp, axisClamp), std::clamp(velocity.y, -axisClamp, axisClamp)};
+  }
+
+  Vector next{position.x + velocity.x, position.y + velocity.y};
+  bounce(next.x, velocity.x);
+  bounce(next.y, velocity.y);
+  position = next;
+
+  if (reportCounter < positionReportInterval) {
+    reportCounter += 1;
+  } else {
+    sendPosition();
+    reportCounter = 0;
+  }
+}
+
+void clsPlayer::sendPosition() {
+  if (awaitingFirstPosition) return;
+  netMan::sendMessage(wire::msgPositionReport, {numberText(position.x), numberText(position.y)});
+}
+
+}  // namespace kelvora

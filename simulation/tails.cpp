@@ -1,0 +1,141 @@
+#include <cstddef>
+
+#include "base/fault.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "core/modMain.h"
+#include "simulation/clsPlayer.h"
+#include "simulation/clsTail.h"
+#include "simulation/draws.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr Tick longestStep = 32001;  // ms; also tells a vertex that was never stepped, its tick being 0
+constexpr Tick shortestStep = 10;    // ms
+constexpr double stepUnit = 10;      // ms to one unit of age
+constexpr int oldestAge = 200;
+
+/// Serial number of the oldest vertex of a player; 0 where no such player exists.
+double serialBase(std::int16_t ownerIndex) {
+  if (ownerIndex == -1) return modMain::localPlayer.tailBase;
+  const std::size_t slot = static_cast<std::size_t>(ownerIndex);
+  return slot < modMain::opponents.size() ? modMain::opponents[slot].tailBase : 0;
+}
+
+}  // namespace
+
+void clsTail::num(double value) { serial_ = value + serialBase(ownerIndex_); }
+
+double clsTail::num() const { return serial_ - serialBase(ownerIndex_); }
+
+void clsTail::initTail(double newNum, std::int16_t ownerIndex, Vector position) {
+  ownerIndex_ = ownerIndex;
+  position_ = position;
+  age_ = 0;
+  num(newNum);
+  tailID_ = numberText(std::int32_t{ownerIndex}) + "-" + numberText(Timer()) + "-" +
+            numberText(std::int32_t{drawBelow(99999) + 10000});
+}
+
+bool clsTail::age() {
+  const Tick now = GetTickCount();
+  const Tick elapsed = now - lastStep_;
+  // Quirk Q-101: a gap above 32 seconds is not counted, and the first call, with the tick still 0, falls under the same
+  // test: it stamps the vertex and adds nothing.
+  if (elapsed >= longestStep) {
+    lastStep_ = now;
+    return false;
+  }
+  // Quirk Q-102: up to 10 ms nothing happens and the tick stays, so that the time counts in a later step; above it the
+  // step is rounded to the unit and the rest is lost.
+  if (elapsed <= shortestStep) return false;
+  age_ = static_cast<std::int16_t>(age_ + roundToEven(static_cast<double>(elapsed) / stepUnit));
+  lastStep_ = now;
+  if (age_ <= oldestAge) return false;
+  expire();  // this object is gone from here on
+  return true;
+}
+
+void clsTail::expire() {
+  const std::int16_t owner = ownerIndex_;
+  modMain::checkKillerTail(owner, tailID_);
+  modMain::killTailOf(owner, num());
+}
+
+void clsPlayer::addTail(Vector point) {
+  if (!alive) return;
+  const double count = tailCount();
+  clsTail& vertex = tails.emplace_back();
+  vertex.initTail(count, playerIndex, point);
+  if (powerups[chargedTailSlot].active) vertex.isCharged(true);
+}
+
+void clsPlayer::killTail(double num) {
+  if (!(num >= 0 && num < tailCount())) return;
+  const std::size_t index = static_cast<std::size_t>(num);
+  if (static_cast<double>(index) != num) return;
+  // The shorter end moves: the older vertices up by one with the base, or the newer ones down by one.
+  if (index < tails.size() / 2 || index == 0) {
+    for (std::size_t i = 0; i < index; ++i) tails[i].serial_ += 1;
+    tailBase += 1;
+  } else {
+    for (std::size_t i = index + 1; i < tails.size(); ++i) tails[i].serial_ -= 1;
+  }
+  tails.erase(tails.begin() + static_cast<std::ptrdiff_t>(index));
+}
+
+std::string clsPlayer::getTailID(double num) const {
+  if (!(num >= 0 && num < tailCount())) return {};
+  const std::size_t index = static_cast<std::size_t>(roundToEven(num));
+  if (index >= tails.size()) raiseSubscriptOutOfRange();
+  return tails[index].tailID();
+}
+
+double clsPlayer::getTailNumByID(const std::string& id) const {
+  double num = 0;
+  for (const clsTail& vertex : tails) {
+    if (vertex.tailID() == id) return num;
+    num += 1;
+  }
+  return -1;
+}
+
+double clsPlayer::getTailNumByPos(Vector point) const {
+  double num = 0;
+  for (const clsTail& vertex : tails) {
+    if (vertex.getPosition() == point) return num;
+    num += 1;
+  }
+  return -1;
+}
+
+// A vertex that ends leaves the tail while the pass walks it, and the pass starts over at the oldest. Starting over
+// changes nothing while the clock stands: every vertex before the removed one has had its step at this tick t, and a
+// second step at t does nothing, for either the first one set the vertex's tick to t, so that now 0 ms have elapsed, or
+// it found 10 ms or less, and finds the same again. (The branch for long gaps sets the tick to t as well, and the tick
+// count is never small enough for 0 ms to look long.) So the pass goes on where it is, with the vertex that has taken
+// the removed one's place, and really starts over only when the clock has moved since this walk began.
+void clsPlayer::ageTails() {
+  if (tails.empty()) return;
+  if (powerups[extendedTailSlot].active) return;
+  const Tick now = GetTickCount();
+  if (lastAgeTick == 0) lastAgeTick = now;
+  if (now - lastAgeTick <= 0) return;
+  Tick walkStart = now;
+  for (std::size_t i = 0; i < tails.size();) {
+    if (!tails[i].age()) {
+      ++i;
+      continue;
+    }
+    const Tick tick = GetTickCount();
+    if (tick != walkStart) {
+      walkStart = tick;
+      i = 0;
+    }
+  }
+  lastAgeTick = now;
+}
+
+}  // namespace kelvora
