@@ -35,7 +35,7 @@ class clsParticle {
   std::uint8_t type = 0;
   Vector position;
   std::uint8_t kind = 0;
-  float fieldWidth = 0;   ///< canvas size when the position was chosen
+  float fieldWidth = 0;  ///< canvas size when the position was chosen
   float fieldHeight = 0;
   Vector velocity;
   float maxSpeed = 0;
@@ -48,6 +48,12 @@ class clsParticle {
   bool stepSet = false;
   bool blink = false;
   std::int16_t age = 0;
+
+ private:
+  /// Counts one paint of an explosion particle; True if it is not to be drawn. It may have left its pool.
+  bool isWaiting();
+  void paintBackground(Vector place) const;
+  void paintSpriteAt(Vector place, bool exchanged) const;
 };
 
 }  // namespace kelvora

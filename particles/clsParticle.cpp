@@ -1,0 +1,177 @@
+#include "particles/clsParticle.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/numbers.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "simulation/draws.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr float backgroundSpeed = 15;
+constexpr float explosionSpeed = 100;
+constexpr float slowestBlast = 10;
+constexpr float blastFactor = 15;
+constexpr float wrapInset = 300;
+constexpr float arrivalDistance = 500;
+constexpr float jumpDistance = 10000;
+constexpr double glideFrames = 7;
+
+// Quirk Q-116: a sign is negative 501 times in 1000, the flip of a coin True 4999 times in 10000.
+float withDrawnSign(float value) { return drawBelow(1000) < 501 ? -value : value; }
+
+float scatterOffset() {
+  const float offset = static_cast<float>(drawBelow(500));
+  return modMain::coinFlip() ? -offset : offset;
+}
+
+float glideStep(float target, float from) {
+  const float step = static_cast<float>((static_cast<double>(target) - from) / glideFrames);
+  if (step != 0) return step;
+  return target < from ? -1.0F : 1.0F;
+}
+
+}  // namespace
+
+void clsParticle::initNormal(double number, const std::string& newId, std::int16_t newKind, float x, float y, float dx,
+                             float dy) {
+  num_ = number;
+  id = newId;
+  type = static_cast<std::uint8_t>(ParticleType::Network);
+  kind = toByte(newKind);
+  position = {x, y};
+  velocity = {dx, dy};
+  spawned = true;
+  hasPosition = false;
+  positionQueue.clear();
+}
+
+void clsParticle::init(double number, std::uint8_t newType, float x, float y) {
+  num_ = number;
+  type = newType;
+  const bool isBackground = type == static_cast<std::uint8_t>(ParticleType::Background);
+  const bool isExplosion = type == static_cast<std::uint8_t>(ParticleType::Explosion);
+  const bool isReserved = type == static_cast<std::uint8_t>(ParticleType::Reserved);
+  if (isBackground) {
+    red = static_cast<std::uint8_t>(drawBelow(255));
+    green = static_cast<std::uint8_t>(drawBelow(255));
+    blue = static_cast<std::uint8_t>(drawBelow(255));
+    depth = static_cast<std::int16_t>(drawBelow(15) + 2);
+  }
+  if (isExplosion) kind = static_cast<std::uint8_t>(drawBelow(10));
+  if (isBackground) maxSpeed = backgroundSpeed;
+  if (isExplosion) maxSpeed = explosionSpeed;
+  if (isBackground) choosePosition();
+  if (isExplosion || isReserved) position = {x, y};
+  if (!isReserved) chooseVelocity();
+}
+
+void clsParticle::choosePosition() {
+  fieldWidth = frmMain->canvas.Width;
+  fieldHeight = frmMain->canvas.Height;
+  float across = static_cast<float>(drawBelow(fieldWidth));
+  float down = static_cast<float>(drawBelow(fieldHeight));
+  across = withDrawnSign(across);
+  down = withDrawnSign(down);
+  const Vector centre = modMain::getLocalPosition();
+  position = {centre.x - across, centre.y - down};
+}
+
+void clsParticle::chooseVelocity() {
+  const auto component = [this] {
+    return withDrawnSign(static_cast<float>(std::floor(static_cast<double>(Rnd()) * maxSpeed + 1)));
+  };
+  velocity.x = component();
+  velocity.y = component();
+  if (type != static_cast<std::uint8_t>(ParticleType::Explosion)) return;
+  if (std::fabs(velocity.x) < slowestBlast) velocity.x *= blastFactor;
+  if (std::fabs(velocity.y) < slowestBlast) velocity.y *= blastFactor;
+}
+
+void clsParticle::wrap() {
+  if (type != static_cast<std::uint8_t>(ParticleType::Background)) return;
+  const Vector centre = modMain::getLocalPosition();
+  if (std::fabs(centre.x - position.x) > fieldWidth) {
+    const float far = fieldWidth - wrapInset;
+    position.x = centre.x < position.x ? centre.x - far : centre.x + far;
+    scatter();
+  }
+  if (std::fabs(centre.y - position.y) > fieldHeight) {
+    const float far = fieldHeight - wrapInset;
+    position.y = centre.y < position.y ? centre.y - far : centre.y + far;
+    scatter();
+  }
+}
+
+void clsParticle::scatter() {
+  position.x += scatterOffset();
+  position.y += scatterOffset();
+  depth = static_cast<std::int16_t>(drawBelow(15) + 1);
+}
+
+void clsParticle::move() {
+  velocity.x = std::max(std::min(velocity.x, maxSpeed), -maxSpeed);
+  velocity.y = std::max(std::min(velocity.y, maxSpeed), -maxSpeed);
+  // Quirk Q-117: depth 15 stands still and depth 16 drifts slowly backwards.
+  const float factor = static_cast<float>((1.0 / 15) * (15 - depth));
+  const double timeScale = modMain::getTimeScale();
+  position.x = static_cast<float>(position.x + velocity.x * timeScale * factor);
+  position.y = static_cast<float>(position.y + velocity.y * timeScale * factor);
+}
+
+void clsParticle::moveNormal() {
+  if (positionQueue.empty()) return;
+  if (!hasPosition) {
+    hasPosition = true;
+    position = positionQueue.back();
+    return;
+  }
+  if (velocity.x == 0 || velocity.y == 0) stepSet = false;
+  while (!positionQueue.empty() && !modMain::isOnScreen(positionQueue.front())) {
+    position = positionQueue.front();
+    positionQueue.pop_front();
+    stepSet = false;
+  }
+  if (positionQueue.empty()) return;
+
+  const float distance = modMain::getDistance(position, positionQueue.front());
+  if (distance < arrivalDistance) {
+    position = positionQueue.front();
+    positionQueue.pop_front();
+    stepSet = false;
+    if (positionQueue.empty()) return;
+  } else if (distance > jumpDistance) {
+    position = positionQueue.front();
+    positionQueue.pop_front();
+    return;
+  }
+  if (!stepSet) {
+    const Vector target = positionQueue.front();
+    velocity = {glideStep(target.x, position.x), glideStep(target.y, position.y)};
+    stepSet = true;
+  }
+  const double timeScale = modMain::getTimeScale();
+  velocity = {toSingle(velocity.x * timeScale), toSingle(velocity.y * timeScale)};
+  // Quirk Q-118: the limit was never given a value and is 0: to the right and downward the server's particles move by
+  // jumps alone.
+  constexpr float limit = 0;
+  if (velocity.x > limit) velocity.x = limit;
+  if (velocity.y > limit) velocity.y = limit;
+  position = {position.x + velocity.x, position.y + velocity.y};
+}
+
+void clsParticle::queuePosition(Vector point) {
+  if (!(point.x >= 0 && point.x <= modMain::worldSize && point.y >= 0 && point.y <= modMain::worldSize)) return;
+  if (!hasPosition) {
+    hasPosition = true;
+    position = point;
+    return;
+  }
+  positionQueue.push_back(point);
+}
+
+}  // namespace kelvora

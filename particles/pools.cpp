@@ -1,0 +1,79 @@
+#include <cstddef>
+
+#include "base/numbers.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "particles/clsParticle.h"
+#include "simulation/draws.h"
+
+namespace kelvora::modMain {
+
+namespace {
+
+constexpr std::size_t fieldSize = 150;
+
+/// Null if no particle has this id.
+clsParticle* findNetParticle(const std::string& id) {
+  for (std::int16_t i = 0; i < netParticleCount; ++i) {
+    clsParticle& particle = netParticles[static_cast<std::size_t>(i)];
+    if (particle.id == id) return &particle;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void createParticleField() {
+  particleCount = fieldSize;
+  particles.assign(fieldSize + 1, {});  // the slot behind the last particle exists and stays empty
+  for (std::size_t i = 0; i < fieldSize; ++i) {
+    particles[i].init(static_cast<double>(i), static_cast<std::uint8_t>(ParticleType::Background), 0, 0);
+  }
+}
+
+void addExplosion(Vector point, std::int16_t count) {
+  for (int i = 0; i < count; ++i) {
+    explosionParticles.emplace_back().init(explosionCount, static_cast<std::uint8_t>(ParticleType::Explosion), point.x,
+                                           point.y);
+    explosionCount += 1;
+  }
+}
+
+void removeExplosionParticle(std::int16_t index) {
+  if (index >= 0 && static_cast<std::size_t>(index) < explosionParticles.size()) {
+    explosionParticles.erase(explosionParticles.begin() + index);
+  }
+  explosionCount = 0;
+  for (clsParticle& particle : explosionParticles) {
+    particle.num(explosionCount);
+    explosionCount += 1;
+  }
+}
+
+bool isStarsMode() { return frmMain->mnuQuarkStars.Checked; }
+
+bool coinFlip() { return drawBelow(10000) + 1 < 5000; }
+
+std::int16_t allocNetParticle() {
+  // Quirk Q-120: a slot whose particle was removed is never taken again; the pool only grows.
+  const std::int16_t slot = netParticleCount;
+  netParticleCount = toInt16(slot + 1);
+  netParticles.resize(static_cast<std::size_t>(netParticleCount));
+  return slot;
+}
+
+void receiveParticleNew(const std::string& id, std::int16_t kind, float x, float y, float dx, float dy) {
+  const std::int16_t slot = allocNetParticle();
+  netParticles[static_cast<std::size_t>(slot)].initNormal(netParticleCount, id, kind, x, y, dx, dy);
+}
+
+void receiveParticlePosition(const std::string& id, float x, float y) {
+  if (clsParticle* particle = findNetParticle(id)) particle->queuePosition({x, y});
+}
+
+void receiveParticleRemove(const std::string& id) {
+  // Quirk Q-121: the mark is read by nobody: the particle goes on along its queue and is painted where it stops.
+  if (clsParticle* particle = findNetParticle(id)) particle->spawned = false;
+}
+
+}  // namespace kelvora::modMain
