@@ -1,0 +1,57 @@
+#include "base/fault.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "simulation/clsPlayer.h"
+#include "simulation/draws.h"
+
+namespace kelvora {
+
+namespace {
+
+/// Where the beam from `from` through `to` ends: a point on the world's edge.
+Vector laserHit(Vector from, Vector to) {
+  constexpr double size = modMain::worldSize;
+  const double slope = (static_cast<double>(to.y) - from.y) / (static_cast<double>(to.x) - from.x);
+  const float offset = static_cast<float>(to.y - to.x * slope);
+  const Vector candidates[] = {{static_cast<float>(-offset / slope), 0},
+                               {0, offset},
+                               {static_cast<float>((size - offset) / slope), modMain::worldSize},
+                               {modMain::worldSize, static_cast<float>(size * slope + offset)}};
+  // Quirk Q-131: each candidate is tested against one bound only, the last valid one wins, and a beam without any ends
+  // at the world's origin.
+  const bool inside[] = {candidates[0].x >= 0, candidates[1].y >= 0, candidates[2].x <= modMain::worldSize,
+                         candidates[3].y <= modMain::worldSize};
+  Vector hit;
+  for (int i = 0; i < 4; ++i) {
+    const Vector& point = candidates[i];
+    const bool behindX = from.x <= to.x ? point.x < from.x : point.x > from.x;
+    const bool behindY = from.y <= to.y ? point.y < from.y : point.y > from.y;
+    if (inside[i] && !behindX && !behindY) hit = point;
+  }
+  return hit;
+}
+
+}  // namespace
+
+void clsPlayer::paintLaser() {
+  Vector from = lastPosition;
+  if (from == position) return;
+  if (from.x == position.x) {
+    from.x += 1;
+  } else if (from.y == position.y) {
+    from.y += 1;
+  }
+  const Vector begin = modMain::worldToScreen(position);
+  const Vector end = modMain::worldToScreen(laserHit(from, position));
+  const int width = drawBelow(5) + 3;
+  PictureBox& canvas = frmMain->canvas;
+  const auto beam = [&] { canvas.Line(begin.x, begin.y, end.x, end.y); };
+  canvas.DrawWidth = width;
+  canvas.ForeColor = RGB(255, 255, 255);
+  resumeNext(beam);
+  canvas.DrawWidth = 2;
+  canvas.ForeColor = RGB(0, 255, 0);
+  resumeNext(beam);
+}
+
+}  // namespace kelvora

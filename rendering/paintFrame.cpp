@@ -1,0 +1,76 @@
+#include <algorithm>
+#include <cstddef>
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "particles/clsParticle.h"
+#include "simulation/clsPlayer.h"
+
+namespace kelvora::modMain {
+
+namespace {
+
+/// Paints a pool whose particles may leave it while they are painted.
+template <class Pool, class Count>
+void paintPool(Pool& pool, const Count& count) {
+  const Count last = count;
+  for (Count i = 0; i < last; ++i) {
+    // Quirk Q-123: a particle that leaves the pool in its own paint pulls the next one into its place, which is skipped
+    // in this frame.
+    if (i < count) pool[static_cast<std::size_t>(i)].paintSelf();
+  }
+}
+
+/// Takes the newest paint time and gives the new average.
+std::int32_t averageFrameTime(std::int32_t newest) {
+  std::copy_backward(frameTimes.begin(), frameTimes.end() - 1, frameTimes.end());
+  frameTimes[0] = newest;
+  double sum = 0;
+  for (const std::int32_t time : frameTimes) sum += time;
+  return toInt32(sum / 101.0);
+}
+
+}  // namespace
+
+void addDebugText(const std::string& line) {
+  debugText += line;
+  debugText += "\r\n";
+}
+
+// The order of painting is the order of the layers, lowest first.
+void paintFrame() {
+  PictureBox& canvas = frmMain->canvas;
+  PictureBox& radar = frmMain->picRadar;
+  canvas.Cls();
+  radar.Cls();
+  debugText.clear();
+  const Tick begin = GetTickCount();
+
+  if (localPlayer.isConnected && !localPlayer.isAlive()) localPlayer.paintSelf();
+  paintPool(particles, particleCount);
+  paintPool(explosionParticles, explosionCount);
+  paintPool(netParticles, netParticleCount);
+  for (std::int16_t i = 0; i < opponentCount; ++i) {
+    clsPlayer& opponent = playerAt(i);
+    if (opponent.isConnected) opponent.paintSelf();
+  }
+  paintWorldBorder();
+  paintActionIcons();
+  paintPointer();
+  if (localPlayer.isConnected && localPlayer.isAlive()) localPlayer.paintSelf();
+
+  const std::int32_t average = averageFrameTime(toInt32(static_cast<double>(GetTickCount() - begin)));
+  // Quirk Q-126: the time shown is the average before this frame.
+  addDebugText("Paint Time:" + formatThreeDigits(frameTime));
+  paintTextLines();
+  paintCentreMessage();
+  canvas.Refresh();
+  radar.Refresh();
+  // Quirk Q-139: the measured time leaves out the texts and the showing of the picture, though it drives the time
+  // scale.
+  frameTime = average;
+}
+
+}  // namespace kelvora::modMain

@@ -1,0 +1,108 @@
+#include <cstddef>
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "rendering/frmGfx.h"
+#include "rendering/sprites.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr float leftMargin = 60;
+constexpr float lineSpacing = 400;
+constexpr std::size_t paintedLines = 7;
+constexpr int darkeningPerLine = 30;
+constexpr std::int16_t smallestSize = 9;
+constexpr int oldestMessage = 250;
+constexpr std::uint8_t unsetGrey = 50;
+
+std::uint8_t darkened(std::uint8_t channel, int amount) {
+  // Quirk Q-136: a channel at or below the amount keeps its value, so that no line gets black.
+  return static_cast<std::uint8_t>(channel > amount ? channel - amount : channel);
+}
+
+void printAt(PictureBox& canvas, float x, float y, Colour colour, const std::string& text) {
+  canvas.CurrentX = x;
+  canvas.CurrentY = y;
+  canvas.ForeColor = colour;
+  canvas.Print(text);
+}
+
+}  // namespace
+
+namespace modMain {
+
+void paintTextLines() {
+  PictureBox& canvas = frmMain->canvas;
+  float y = canvas.Height;
+  const std::int16_t ownSize = toInt16(canvas.FontSize);
+  for (std::size_t i = 0; i < paintedLines; ++i) {
+    const ChatLine& line = chatLines[i];
+    Colour colour = line.colour;
+    if (colour == Colour{}) colour = {unsetGrey, unsetGrey, unsetGrey};
+    const int amount = static_cast<int>(i) * darkeningPerLine;
+    colour = {darkened(colour.red, amount), darkened(colour.green, amount), darkened(colour.blue, amount)};
+    y -= lineSpacing;
+    canvas.FontSize = line.size < smallestSize ? smallestSize : line.size;
+    printAt(canvas, leftMargin, y, colour, line.text);
+  }
+  canvas.FontSize = ownSize;
+  printAt(canvas, leftMargin, 0, RGB(0, 255, 255), debugText);
+}
+
+void paintCentreMessage() {
+  if (centreMessageAge > oldestMessage) return;
+  const double timeScale = getTimeScale();
+  centreMessageAge = toInt16(timeScale >= 1 ? roundToEven(centreMessageAge + timeScale) : centreMessageAge + 1);
+  if (centreMessageAge > oldestMessage) return;
+  PictureBox& canvas = frmMain->canvas;
+  Label& measure = frmMain->lblTmp;
+  const float y = canvas.Height / 2 - 500;
+  const float centre = canvas.Width / 2;
+  // Quirk Q-134: the width is the one in the label's small font, and the divisor is 2.3 in place of 2: the text stands
+  // left of the true centre.
+  if (!(measure.Caption == centreMessage)) {
+    measure.Caption = centreMessage;
+    measure.Width = Surface::textWidth(measure.design.font, centreMessage);
+  }
+  const float x = static_cast<float>((centre - measure.Width + centre) / 2.3);
+  const float ownSize = canvas.FontSize;
+  canvas.FontSize = ownSize + 3;
+  printAt(canvas, x, y, RGB(0, 255 - centreMessageAge, 0), centreMessage);
+  canvas.FontSize = ownSize;
+}
+
+void paintActionIcons() {
+  auto& icons = frmGfx->imgAction;
+  PictureBox& canvas = frmMain->canvas;
+  const int count = icons.UBound;
+  const float width = icons[0].Width;
+  const float height = icons[0].Height;
+  const float y = canvas.Height - 1500;
+  // Quirk Q-135: the start allows 50 a gap and the step takes 25, so the row ends short of the right edge.
+  float x = canvas.Width - static_cast<float>(count) * (width + 50);
+  for (int i = 1; i <= count; ++i) {
+    paintSprite(canvas, {icons[0], 0, 0}, {icons[i], 0, 0}, {x, y, width, height});
+    x += width + 25;
+  }
+}
+
+}  // namespace modMain
+
+void clsPlayer::paintPowerupCounts() {
+  PictureBox& canvas = frmMain->canvas;
+  auto& icons = frmGfx->imgAction;
+  const float width = icons[0].Width;
+  const float height = icons[0].Height;
+  const float left = canvas.Width - (width + 50) * static_cast<float>(icons.UBound);
+  float x = left;
+  for (const PowerupState& powerup : powerups) {
+    printAt(canvas, x, canvas.Height - (height + 150), RGB(0, 255, 255), numberText(std::int32_t{powerup.count}));
+    x += width + 25;
+  }
+}
+
+}  // namespace kelvora

@@ -1,0 +1,98 @@
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "base/numbers.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "simulation/clsPlayer.h"
+#include "simulation/clsTail.h"
+#include "simulation/draws.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr double thinnest = 1;  // pixels
+constexpr double widest = 30;
+
+/// How far one end of an arc's stroke lies from the other on one axis.
+float strokeOffset() {
+  const int distance = drawBelow(500) + 10;
+  return static_cast<float>(modMain::coinFlip() ? -distance : distance);
+}
+
+}  // namespace
+
+Colour clsTail::getColour(std::int16_t colour) const {
+  const int value = 255 - age_;
+  switch (colour) {
+    case 0:
+      return RGB(value, 0, 0);
+    case 1:
+      return RGB(value, value, 0);
+    case 2:
+      return RGB(0, value, 0);
+    case 3:
+      return RGB(0, value, value);
+    case 4:
+      return RGB(0, 0, value);
+    case 5:
+      return RGB(value, 0, value);
+    default:
+      return RGB(0, 0, 0);
+  }
+}
+
+// A capture can fire in the middle of the walk; it changes players and messages but no tail.
+void clsPlayer::paintTail() {
+  ageTails();
+  PictureBox& canvas = frmMain->canvas;
+  for (std::size_t i = tails.size(); i-- > 1;) {
+    const clsTail& newer = tails[i];
+    const clsTail& older = tails[i - 1];
+    // Quirk Q-132: the newer end alone decides, so at the canvas's edge a tail stops one segment short.
+    if (modMain::isOnScreen(newer.getPosition())) {
+      const Vector a = modMain::worldToScreen(newer.getPosition());
+      const Vector b = modMain::worldToScreen(older.getPosition());
+      canvas.ForeColor = newer.getColour(colour);
+      canvas.DrawWidth = static_cast<int>(std::clamp(roundToEven(static_cast<double>(i) / 10), thinnest, widest));
+      canvas.Line(a.x, a.y, b.x, b.y);
+      canvas.DrawWidth = 1;
+      if (newer.isCharged()) paintChargedArc(newer.getPosition(), older.getPosition());
+    }
+    // Quirk Q-105: always owner 0, whoever's tail this is: a capture by the player in slot 0 lands at the next paint,
+    // all others when their vertex ends.
+    modMain::checkKillerTail(0, older.tailID());
+  }
+}
+
+void clsPlayer::paintChargedArc(Vector a, Vector b) {
+  a = modMain::worldToScreen(a);
+  b = modMain::worldToScreen(b);
+  if (a.x == b.x) a.x += 1;
+  const double slope = (static_cast<double>(a.y) - b.y) / (static_cast<double>(a.x) - b.x);
+  const float offset = static_cast<float>(a.y - a.x * slope);
+  const float low = a.x < b.x ? a.x : b.x;
+  const float high = a.x < b.x ? b.x : a.x;
+
+  // Quirk Q-130: the inner draw is the outer one's argument and no factor, so the lightning starts at the segment's
+  // left end or a unit beside it, and a negative argument restarts the generator.
+  const float argument = Rnd() * high;
+  Vector start;
+  start.x = std::floor(Rnd(argument) + low);
+  start.y = static_cast<float>(start.x * slope + offset);
+  PictureBox& canvas = frmMain->canvas;
+  for (int i = 0; i < 4; ++i) {
+    const float dx = strokeOffset();
+    const float dy = strokeOffset();
+    const Vector end{start.x + dx, start.y + dy};
+    const int grey = 255 - i * 60;
+    canvas.ForeColor = RGB(grey, grey, grey);
+    canvas.DrawWidth = 1;
+    canvas.Line(start.x, start.y, end.x, end.y);
+    start = end;
+  }
+}
+
+}  // namespace kelvora
