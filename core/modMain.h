@@ -78,6 +78,9 @@ void clearWorld();
 // Start-up and loop (core/startUp.cpp, core/mainLoop.cpp).
 /// The program's entry; does not return.
 void startGame();
+/// The tables colourNames and tips as the game has them.
+void fillColourNames();
+void fillTips();
 /// Endless; one pass is one frame.
 void mainLoop();
 /// One pass of the loop without its DoEvents: what a connected frame does.

@@ -11,7 +11,9 @@ namespace kelvora {
 class FrmConnect : public Form {
  public:
   FrmConnect();
+  /// Fills in what was typed last and places the dialog on the main window.
   void load() override;
+  void unloading() override;
 
   std::int16_t colour = 0;  ///< chosen colour, 0 to 5
 
@@ -40,8 +42,8 @@ class FrmConnect : public Form {
 
  private:
   static inline const LabelDesign caption{.alignment = Alignment::Right, .systemColours = true};
-  static constexpr Colour circleColours[6] = {RGB(255, 0, 0), RGB(255, 255, 0), RGB(0, 255, 0),
-                                              RGB(0, 255, 255), RGB(0, 0, 255), RGB(255, 0, 255)};
+  static constexpr Colour circleColours[6] = {RGB(255, 0, 0),   RGB(255, 255, 0), RGB(0, 255, 0),
+                                              RGB(0, 255, 255), RGB(0, 0, 255),   RGB(255, 0, 255)};
 
   void loadLastLogin();
   void saveLastLogin();

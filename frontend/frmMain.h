@@ -38,12 +38,8 @@ class FrmMain : public Form {
                  "",
                  {.fore = yellow, .transparent = true, .alignment = Alignment::Centre, .font = panelFont}};
   }};
-  ControlArray<PictureBox, 6> picCaps{[this](int i) {
-    return PictureBox{&frmUsers, {660, row(i, 600), 975, 165}};
-  }};
-  ControlArray<Image, 6> imgUserColor{[this](int i) {
-    return Image{&frmUsers, {0, row(i, 300), 315, 315}};
-  }};
+  ControlArray<PictureBox, 6> picCaps{[this](int i) { return PictureBox{&frmUsers, {660, row(i, 600), 975, 165}}; }};
+  ControlArray<Image, 6> imgUserColor{[this](int i) { return Image{&frmUsers, {0, row(i, 300), 315, 315}}; }};
 
   Label Label2{this,
                {11700, 3960, 1515, 735},
@@ -75,10 +71,7 @@ class FrmMain : public Form {
                      {60, 60, 1335, 255},
                      "Disconnected",
                      {.back = RGB(255, 128, 128), .border = true, .alignment = Alignment::Centre, .font = panelFont}};
-  Label lblLag{&frame_Status,
-               {1500, 60, 1035, 255},
-               "0",
-               {.fore = paleGreen, .back = black, .font = panelFontBold}};
+  Label lblLag{&frame_Status, {1500, 60, 1035, 255}, "0", {.fore = paleGreen, .back = black, .font = panelFontBold}};
   IntervalTimer tmrCheckNetStatus{this, 1000};
 
   Winsock sock;
@@ -117,21 +110,30 @@ class FrmMain : public Form {
  private:
   static constexpr float row(int colour, float top) { return top + 540.0F * static_cast<float>(colour); }
 
+  void loadPictures();
   void connectHandlers();
   void connectMenu();
   void connectSocket();
-  void loadSettings();
+  void readSocket();
   void openConnectDialog();
   void resizeControls();
+
+  /// One of the directional line's three items becomes the checked one.
+  void checkDirectionalLine(const MenuItem& item);
+  /// The settings of Stars and Quarks exclude each other; one of the two is always checked.
+  void clickBackgroundObjects(MenuItem& clicked, MenuItem& other);
+  void clickDirectionalLine(MenuItem& clicked);
+  const char* menuWord(const MenuItem& item) const;
 
   // Input on the canvas (core/input.cpp).
   void canvasKeyDown(int KeyCode);
   void canvasKeyPress(int KeyAscii);
   void canvasMouseDown(int Button);
   void canvasMouseMove(int Button, float X, float Y);
+  /// Keeps the pointer inside the canvas: near an edge it is put back inward.
+  void confinePointer(float X, float Y);
 
   bool isLockMouse_ = false;
-  std::string receiveBuffer_;
 };
 
 extern FormSlot<FrmMain> frmMain;

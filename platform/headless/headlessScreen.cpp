@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/pictureBox.h"
+
 namespace kelvora {
 
 HeadlessPeer::HeadlessPeer(std::shared_ptr<HeadlessScreen> screen, Control& control)
@@ -15,6 +17,9 @@ HeadlessPeer::~HeadlessPeer() {
 }
 
 void HeadlessPeer::changed(PropertyId id) {
+  if (id == PropertyId::Width || id == PropertyId::Height) {
+    if (auto* picture = dynamic_cast<PictureBox*>(&control_)) picture->fitImage();
+  }
   if (id == PropertyId::Interval || id == PropertyId::Enabled) restartTimer();
   if (id != PropertyId::Visible || screen_->machine == nullptr) return;
   const auto* form = dynamic_cast<const Form*>(&control_);

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
 #include "rendering/frmGfx.h"
 
@@ -62,6 +63,10 @@ GameTest::GameTest() {
   installBackend(&machine);
   modMain::clearWorld();
   netMan::clear();
+  modMain::fillColourNames();
+  modMain::fillTips();
+  fontMan::initFonts();
+  machine.journal.clear();
 }
 
 GameTest::~GameTest() {

@@ -27,8 +27,9 @@ void PrintTo(const WireMessage& message, std::ostream* out);
 /// The messages of a run of whole frames. Bytes outside frames fail the test.
 std::vector<WireMessage> parseFrames(std::string_view bytes);
 
-/// The whole client on a machine without a screen, in the state at the start of the process: no form is loaded, the
-/// world is empty, the tick count is 1000000.
+/// The whole client on a machine without a screen: no form is loaded, the world is empty, the tables of names and tips
+/// are filled, the fonts are the default ones, the tick count is 1000000. Timers run and the focus is kept only on a
+/// form that has been shown.
 class GameTest : public testing::Test {
  protected:
   GameTest();

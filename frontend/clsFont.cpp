@@ -1,0 +1,71 @@
+#include "frontend/clsFont.h"
+
+#include <cstddef>
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "platform/backend.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr const char* section = "fonts";
+
+constexpr Colour defaultColours[] = {
+    RGB(128, 255, 128),  // public chat
+    RGB(255, 255, 255),  // private chat, sent
+    RGB(255, 0, 255),    // private chat, received
+    RGB(255, 255, 0),    // server message
+    RGB(255, 0, 0),      // error message
+};
+
+std::uint8_t readChannel(const std::string& key, std::uint8_t fallback) {
+  return toByte(strictNumber(GetSetting(section, key, numberText(std::int32_t{fallback}))));
+}
+
+}  // namespace
+
+void clsFont::init(std::int16_t newPurpose) {
+  purpose = newPurpose;
+  loadSettings();
+}
+
+void clsFont::loadSettings() {
+  const Colour fallback = defaultColours[static_cast<std::size_t>(purpose)];
+  size = toInt16(strictNumber(GetSetting(section, key("size"), "9")));
+  red = readChannel(key("colorR"), fallback.red);
+  green = readChannel(key("colorG"), fallback.green);
+  blue = readChannel(key("colorB"), fallback.blue);
+  family = GetSetting(section, key("family"), "Comic Sans MS");
+}
+
+void clsFont::setColour(std::uint8_t channel, std::uint8_t value) {
+  const char* name = nullptr;
+  switch (channel) {
+    case 0:
+      red = value;
+      name = "colorR";
+      break;
+    case 1:
+      green = value;
+      name = "colorG";
+      break;
+    case 2:
+      blue = value;
+      name = "colorB";
+      break;
+    default:
+      return;
+  }
+  SaveSetting(section, key(name), numberText(std::int32_t{value}));
+}
+
+void clsFont::updateSize(std::int16_t newSize) {
+  size = newSize;
+  SaveSetting(section, key("size"), numberText(std::int32_t{size}));
+}
+
+std::string clsFont::key(const char* name) const { return numberText(std::int32_t{purpose}) + name; }
+
+}  // namespace kelvora

@@ -1,0 +1,143 @@
+#include "frontend/frmMain.h"
+
+#include "base/text.h"
+#include "frontend/frmConnect.h"
+#include "network/netMan.h"
+#include "platform/backend.h"
+#include "rendering/frmGfx.h"
+
+namespace kelvora {
+
+FormSlot<FrmMain> frmMain;
+
+namespace {
+
+constexpr const char* stateNames[] = {"Closed",    "Open",     "Listening",  "Connection pending",
+                                      "Resolving", "Resolved", "Connecting", "Connected",
+                                      "Closing",   "Error"};
+
+Colour stateColour(int state) {
+  switch (state) {
+    case sckConnected:
+      return RGB(128, 255, 128);
+    case sckResolvingHost:
+    case sckHostResolved:
+    case sckConnecting:
+      return RGB(255, 192, 128);
+    case sckClosed:
+    case sckClosing:
+      return RGB(255, 128, 128);
+    default:
+      return RGB(128, 128, 128);
+  }
+}
+
+}  // namespace
+
+FrmMain::FrmMain()
+    : Form("Kelvora", {.clientWidth = 13410, .clientHeight = 10050, .border = Border::Sizable, .back = black}) {
+  canvas.MousePointer = 99;
+  lblTmp.Visible = false;
+  txtChat.TabIndex = 0;
+  loadPictures();
+  connectHandlers();
+  connectMenu();
+  connectSocket();
+}
+
+void FrmMain::loadPictures() {
+  const std::string assets = applicationPath() + "/assets/";
+  picRadar.setPicture(LoadPicture(assets + "radarGrid.png"));
+  for (int colour = 0; colour <= imgUserColor.UBound; ++colour) {
+    imgUserColor[colour].Picture = LoadPicture(assets + "userColor" + std::to_string(colour) + ".png");
+  }
+}
+
+void FrmMain::connectHandlers() {
+  Resize = [this] { resizeControls(); };
+
+  canvas.KeyDown = [this](int KeyCode, int) { canvasKeyDown(KeyCode); };
+  canvas.KeyPress = [this](int KeyAscii) { canvasKeyPress(KeyAscii); };
+  canvas.MouseDown = [this](int Button, int, float, float) { canvasMouseDown(Button); };
+  canvas.MouseMove = [this](int Button, int, float X, float Y) { canvasMouseMove(Button, X, Y); };
+  canvas.MouseUp = [this](int, int, float, float) { isLockMouse_ = false; };
+  lbcConnect.Click = [this] { openConnectDialog(); };
+
+  for (int colour = 0; colour <= lbUserName.UBound; ++colour) {
+    const auto index = static_cast<std::int16_t>(colour);
+    lbUserName[colour].MouseDown = [index](int, int, float, float) { netMan::nameMouseDown(index); };
+    lbUserName[colour].MouseUp = [index](int, int, float, float) { netMan::nameMouseUp(index); };
+  }
+  lblPrivChat.MouseDown = [](int Button, int, float, float) { netMan::privateLabelMouseDown(Button); };
+  lblPrivChat.MouseUp = [](int, int, float, float) { netMan::privateLabelMouseUp(); };
+
+  txtChat.KeyDown = [this](int KeyCode, int Shift) {
+    netMan::chatKeyDown(KeyCode);
+    canvas.KeyDown(KeyCode, Shift);
+  };
+  txtChat.KeyPress = [](int KeyAscii) { netMan::chatKeyPress(KeyAscii); };
+
+  btnSpawn.Click = [] { netMan::requestSpawn(); };
+  tmrCheckNetStatus.Timer = [this] { showConnectionState(); };
+}
+
+void FrmMain::connectSocket() {
+  sock.onConnect = [this] {
+    showConnectionState();
+    netMan::sendLogin();
+  };
+  sock.onClose = [this] {
+    netMan::disconnectFromServer();
+    showConnectionState();
+  };
+  sock.onDataArrival = [this] { readSocket(); };
+}
+
+void FrmMain::readSocket() {
+  std::string receiveBuffer;
+  for (std::string portion = sock.GetData(); !portion.empty(); portion = sock.GetData()) receiveBuffer += portion;
+  netMan::receiveData(receiveBuffer);
+}
+
+// Quirk Q-036: nothing is sent, saved or closed in order; the server finds out by itself.
+void FrmMain::unloading() { endProcess(); }
+
+void FrmMain::openConnectDialog() {
+  if (frmConnect.isVisible()) {  // it stands there modeless, from the start or from a disconnection
+    frmConnect->SetFocus();
+    return;
+  }
+  frmConnect->Show(Modality::Modal);
+}
+
+void FrmMain::showConnectionState() {
+  const int state = sock.State();
+  lblNetStatus.Caption = stateNames[state];
+  lblNetStatus.BackColor = stateColour(state);
+}
+
+void FrmMain::setButtonsState(bool enabled) {
+  // Quirk Q-037: a grey button is grey and nothing else, it takes clicks as ever.
+  const int face = enabled ? 1 : 0;
+  btnSpawn.setPicture(frmGfx->imgBtnPlay[face].Picture);
+  btnShop.setPicture(frmGfx->imgBtnStore[face].Picture);
+}
+
+void FrmMain::resizeControls() {
+  // Quirk Q-038: there is no smallest size. In a window too small for it the canvas keeps its last size, and the rest
+  // is put where it belongs beside that.
+  resumeNext([this] { canvas.Width = Width - 2165; });
+  resumeNext([this] { canvas.Height = Height - 1755; });
+  resumeNext([this] { frmUsers.Left = canvas.Width + 105; });
+  resumeNext([this] { Label2.Left = canvas.Width + 225; });
+  resumeNext([this] { lblCredits.Left = canvas.Width + 285; });
+  resumeNext([this] { btnShop.Left = canvas.Width + 225; });
+  resumeNext([this] { btnSpawn.Left = canvas.Width + 225; });
+  resumeNext([this] { Label3.Left = canvas.Width + 45; });
+  resumeNext([this] { picRadar.Left = canvas.Width + 105; });
+  resumeNext([this] { lblPrivChat.Top = canvas.Height + 105; });
+  resumeNext([this] { txtChat.Top = lblPrivChat.Top; });
+  resumeNext([this] { frame_Status.Top = canvas.Height + 465; });
+}
+
+}  // namespace kelvora

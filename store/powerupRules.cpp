@@ -1,0 +1,105 @@
+#include <array>
+#include <cstddef>
+
+#include "base/fault.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/fontMan.h"
+#include "network/netMan.h"
+#include "network/wire/wireFormat.h"
+#include "platform/backend.h"
+#include "simulation/clsPlayer.h"
+
+namespace kelvora {
+
+namespace {
+
+struct PowerupRule {
+  std::int16_t seconds;      ///< of one activation
+  bool runs;                 ///< `active` is set; the pulse is over at once
+  const char* announcement;  ///< centre message
+  const char* collapse;      ///< behind the player's name at an early end; null for no line
+};
+
+constexpr std::array<PowerupRule, powerupSlotCount> rules{{
+    {15, true, "Shields up", "'s shield has collapsed!!"},
+    {5, true, "Turbo Boost", "'s turbo has shorted out!!"},
+    {5, true, "Charged Tail", "'s charged tails ended abruptly!!"},
+    {5, true, "Extended Tail", "'s long tails ended abruptly!!"},
+    {1, true, "Laser Blast", "'s laser has shorted out!!"},
+    {0, false, "Electro-Magnetic Pulse", nullptr},
+}};
+
+constexpr std::int16_t errorLine = 4;
+constexpr std::int16_t plainLine = 5;
+
+bool isSlot(std::int16_t slot) { return 0 <= slot && slot < powerupSlotCount; }
+
+std::size_t slotIndex(std::int16_t slot) {
+  if (!isSlot(slot)) raiseSubscriptOutOfRange();
+  return static_cast<std::size_t>(slot);
+}
+
+}  // namespace
+
+std::int16_t clsPlayer::totalPowerups() const {
+  std::int32_t total = 0;
+  for (const PowerupState& powerup : powerups) total += powerup.count;
+  return toInt16(total);
+}
+
+void clsPlayer::requestActivatePowerup(std::int16_t slot) {
+  const PowerupState& powerup = powerups[slotIndex(slot)];
+  if (powerup.active) {
+    printChat("That ability isn't ready yet.", errorLine);
+    return;
+  }
+  // Quirk Q-044: the dead are told that they cannot, and then it is asked for all the same.
+  if (!alive) printChat("You can't use abilities in your current state (ie:dead).", errorLine);
+  // Quirk Q-045: the warning comes ahead of the look at the stock, so it is given with no pulse to fire, too.
+  if (slot == pulseSlot && !powerups[shieldSlot].active) {
+    printChat("Refusing to activate EMP, doing so without your shield active will kill you too!!!", plainLine);
+    return;
+  }
+  if (powerup.count > 0) netMan::sendMessage(wire::msgActivateRequest, {numberText(std::int32_t{slot})});
+}
+
+void clsPlayer::activatePowerup(std::int16_t slot) {
+  const std::size_t index = slotIndex(slot);
+  PowerupState& powerup = powerups[index];
+  if (powerup.active) return;
+  // Quirk Q-046: the server's word counts; an activation without stock runs like any other.
+  if (powerup.count > 0)
+    --powerup.count;
+  else
+    powerup.count = 0;
+  powerup.timeLeft = rules[index].seconds;
+  powerup.active = rules[index].runs;
+  if (playerIndex == -1) modMain::showCentreMessage(rules[index].announcement);
+}
+
+void clsPlayer::unactivatePowerup(std::int16_t slot) {
+  if (!isSlot(slot)) return;
+  const std::size_t index = slotIndex(slot);
+  powerups[index].active = false;
+  if (rules[index].collapse != nullptr) printChat(name + rules[index].collapse, plainLine);
+}
+
+void clsPlayer::tickPowerups() {
+  const std::int32_t now = toInt32(Timer());
+  // Quirk Q-047: past midnight the difference is negative until the clock has caught up, and all timers stand still.
+  if (now - lastPowerupTick < 1) return;
+  lastPowerupTick = now;
+  for (PowerupState& powerup : powerups) {
+    if (!powerup.active) continue;
+    --powerup.timeLeft;
+    if (powerup.timeLeft > 0) continue;
+    powerup.active = false;
+    if (playerIndex != -1) continue;
+    printChat("Powerup faded...", plainLine);
+    modMain::showCentreMessage("Powerup faded");
+  }
+}
+
+}  // namespace kelvora
