@@ -1,0 +1,144 @@
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/fontMan.h"
+#include "frontend/frmMain.h"
+#include "network/netMan.h"
+#include "network/wire/wireFormat.h"
+
+namespace kelvora::netMan {
+
+std::uint8_t chatMode = 0;
+std::int16_t privateTargetIndex = 0;
+std::string privateTargetName;
+
+namespace {
+
+const std::string privatePrefix = "(private) ";
+constexpr Colour privateBack = RGB(128, 128, 255);
+
+void setChatText(const std::string& text) {
+  frmMain->txtChat.Text = text;
+  frmMain->txtChat.SelStart = static_cast<int>(text.size());
+}
+
+}  // namespace
+
+void sendChat(const std::string& text) {
+  if (text.empty()) return;
+  if (text.front() == '~') return runConsoleCommand(text.substr(1));
+  // Quirk Q-076: a line of which nothing is left is sent all the same.
+  std::string line = filterChatText(text);
+  std::int16_t target = -1;
+  if (chatMode == 1) {
+    // Quirk Q-077: for a partner who has gone this is node 0, whoever that is.
+    target = modMain::getServerNode(privateTargetIndex);
+    line = privatePrefix + line;
+  }
+  sendMessage(wire::msgChat, {numberText(std::int32_t{target}), line});
+}
+
+void receiveChat(std::int16_t node, const std::string& text) {
+  const std::int16_t index = modMain::getPlayerIndex(node);
+  const std::string name = modMain::getPlayerName(index);
+  std::int16_t lineType = 0;
+  if (lowerCase(text.substr(0, privatePrefix.size())) == privatePrefix) {
+    if (index == -1) {
+      lineType = 1;
+    } else {
+      // Quirk Q-078: whoever writes in private becomes the partner, and the next line typed goes to him alone.
+      privateTargetIndex = index;
+      privateTargetName = name;
+      setChatMode(1);
+      lineType = 2;
+    }
+  }
+  printChat("[" + name + "] " + text, lineType);
+}
+
+std::string filterChatText(const std::string& text) {
+  std::string kept;
+  std::ranges::copy_if(text, std::back_inserter(kept), [](unsigned char c) { return c >= 32 && c < 128; });
+  return kept;
+}
+
+void setChatMode(std::uint8_t mode) {
+  Label& label = frmMain->lblPrivChat;
+  if (mode != 1) {
+    chatMode = 0;
+    label.Caption = "Public Chat";
+    label.BackColor = white;
+  } else if (!privateTargetName.empty()) {
+    chatMode = 1;
+    label.Caption = privateTargetName;
+    label.BackColor = privateBack;
+  }
+}
+
+std::uint8_t getChatMode() { return chatMode; }
+
+void selectPrivateTarget(const std::string& name) {
+  privateTargetName = name;
+  // Quirk Q-079: a name that no opponent has, the own one too, is shown as the partner while the lines go to the first
+  // opponent.
+  privateTargetIndex = indexFromName(name);
+  setChatMode(1);
+}
+
+void stepChatHistory(std::int16_t direction) {
+  std::array<std::string, 256>& history = frmMain->chatHistory;
+  std::int16_t& position = frmMain->chatHistoryPosition;
+  const auto entry = [&] { return history[static_cast<std::size_t>(position)]; };
+  if (direction == -1) {
+    position = static_cast<std::int16_t>(std::min(position + 1, 255));
+    // Quirk Q-080: the way back adds a blank to the line, the way forward does not.
+    setChatText(entry() + " ");
+  } else if (direction == 1) {
+    if (position == 0) return setChatText("");
+    --position;
+    setChatText(entry());
+  } else if (direction == 0) {
+    // Quirk Q-081: entry 0 is written in every round of this loop, so that entry 1 ends up with the new line as well
+    // and the line before it is lost. The position stays where it is.
+    for (std::size_t n = history.size() - 1; n >= 1; --n) {
+      history[n] = history[n - 1];
+      history[0] = frmMain->txtChat.Text;
+    }
+  }
+}
+
+void chatKeyDown(int KeyCode) {
+  constexpr int keyReturn = 13;
+  constexpr int keyUp = 38;
+  constexpr int keyDown = 40;
+  if (KeyCode == keyUp) stepChatHistory(-1);
+  if (KeyCode == keyDown) stepChatHistory(1);
+  if (KeyCode == keyReturn) stepChatHistory(0);
+}
+
+void chatKeyPress(int KeyAscii) {
+  if (KeyAscii != 13) return;
+  sendChat(frmMain->txtChat.Text);
+  frmMain->txtChat.Text = "";
+}
+
+void privateLabelMouseDown(int Button) {
+  if (Button == 1) frmMain->lblPrivChat.BorderStyle = 1;
+}
+
+void privateLabelMouseUp() {
+  frmMain->lblPrivChat.BorderStyle = 0;
+  setChatMode(chatMode != 0 ? 0 : 1);
+}
+
+void nameMouseDown(std::int16_t index) { frmMain->lbUserName[index].BorderStyle = 1; }
+
+void nameMouseUp(std::int16_t index) {
+  frmMain->lbUserName[index].BorderStyle = 0;
+  selectPrivateTarget(frmMain->lbUserName[index].Caption);
+}
+
+}  // namespace kelvora::netMan

@@ -1,0 +1,80 @@
+// The messages that concern one player by his node.
+
+#include "base/fault.h"
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "network/netMan.h"
+
+namespace kelvora::netMan {
+
+using modMain::localPlayer;
+using modMain::opponentCount;
+
+namespace {
+
+bool isKnownOpponent(std::int16_t index) { return index >= 0 && index < opponentCount; }
+
+/// The player of a node, or null if the client has no such player. A node that is nobody's is taken for the first
+/// opponent, as getPlayerIndex has it.
+clsPlayer* findPlayer(std::int16_t node) {
+  const std::int16_t index = modMain::getPlayerIndex(node);
+  if (index == -1) return &localPlayer;
+  return isKnownOpponent(index) ? &modMain::playerAt(index) : nullptr;
+}
+
+}  // namespace
+
+void receivePosition(std::int16_t node, float x, float y) {
+  clsPlayer* player = findPlayer(node);
+  const Vector point{x, y};
+  if (player == &localPlayer) {
+    if (localPlayer.position != point) localPlayer.addTail(point);
+  } else if (player) {
+    player->queuePosition(point);
+  }
+}
+
+void receiveVelocity(std::int16_t node, float vx, float vy) {
+  clsPlayer* player = findPlayer(node);
+  if (player && player != &localPlayer) player->setVelocity({vx, vy});
+}
+
+void receiveAliveState(std::int16_t node, std::int16_t alive) {
+  const std::int16_t index = modMain::getPlayerIndex(node);
+  if (index >= opponentCount) return;
+  // Quirk Q-068: for an opponent the slot past the last one is asked for in place of his own. There is none, so this
+  // message never changes an opponent.
+  if (index != -1) raiseSubscriptOutOfRange();
+  localPlayer.setAlive(alive != 0);
+}
+
+void receiveFunds(std::int16_t node, double funds) {
+  if (clsPlayer* player = findPlayer(node)) player->funds(funds);
+}
+
+void receiveRespawn(std::int16_t node) {
+  clsPlayer* player = findPlayer(node);
+  if (!player) return;
+  player->respawn();
+  if (player == &localPlayer) frmMain->setButtonsState(false);
+}
+
+void receivePowerupOn(std::int16_t node, std::int16_t item) {
+  if (clsPlayer* player = findPlayer(node)) player->activatePowerup(item);
+}
+
+void receivePowerupOff(std::int16_t node, std::int16_t item) {
+  if (clsPlayer* player = findPlayer(node)) player->unactivatePowerup(item);
+}
+
+std::int16_t indexFromName(const std::string& name) {
+  const std::string wanted = lowerCase(name);
+  for (std::int16_t i = 0; i < opponentCount; ++i) {
+    const clsPlayer& opponent = modMain::playerAt(i);
+    if (opponent.isConnected && lowerCase(opponent.name) == wanted) return i;
+  }
+  return 0;
+}
+
+}  // namespace kelvora::netMan

@@ -1,0 +1,51 @@
+#include "base/fault.h"
+#include "frontend/frmMain.h"
+#include "network/dispatch.h"
+#include "network/messageQueue.h"
+#include "network/netMan.h"
+#include "network/wire/wireFormat.h"
+
+namespace kelvora::netMan {
+
+// Quirk Q-062: the queue outlives a connection. An entry that waits for its end gets it from the next server.
+MessageQueue messageQueue;
+
+void sendMessage(std::int16_t id, const std::vector<std::string>& fields) {
+  if (frmMain->sock.State() == sckConnected) frmMain->sock.SendData(wire::buildFrame(id, fields));
+}
+
+void receiveData(std::string_view data) {
+  // Quirk Q-063: what precedes a frame's end counts from the start of this read. A frame that two reads share loses the
+  // part ahead of the split, and the first byte behind it is taken for the id.
+  std::size_t textStart = 0;
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    if (data[i] == wire::frameStart) {
+      messageQueue.startEntry();
+      textStart = i + 1;
+    } else if (data[i] == wire::frameEnd) {
+      // Quirk Q-064: the text collected is not emptied at a frame's end, so that a second end byte without a start adds
+      // the whole frame to its entry once more.
+      messageQueue.append(data.substr(textStart, i + 1 - textStart));
+    }
+  }
+  processMessages();
+}
+
+void processMessages() {
+  std::int16_t id = 0;
+  while (const auto taken = messageQueue.takeFirstReady()) {
+    MessageFields fields;
+    // Quirk Q-065: an entry of an end byte alone has no id. The one handled before it in this call stands, and its
+    // handler runs without any field.
+    if (!taken->text.empty()) {
+      id = static_cast<unsigned char>(taken->text.front());
+      fields = MessageFields(std::string_view(taken->text).substr(1));
+    }
+    if (const Route* route = findRoute(id)) resumeNext([&] { route->handle(fields); });
+    // Quirk Q-066: the number is the one of before the handler. If messages were handled meanwhile, under a message
+    // box, another entry may stand there now and is lost.
+    messageQueue.remove(taken->index);
+  }
+}
+
+}  // namespace kelvora::netMan

@@ -1,0 +1,153 @@
+#include "base/fault.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/fontMan.h"
+#include "frontend/frmConnect.h"
+#include "frontend/frmMain.h"
+#include "network/messageQueue.h"
+#include "network/netMan.h"
+#include "network/wire/wireFormat.h"
+#include "platform/backend.h"
+
+namespace kelvora {
+
+namespace netMan {
+
+using modMain::localPlayer;
+using modMain::opponentCount;
+using modMain::opponents;
+
+std::string playerName;
+std::string serverPassword;
+std::int16_t preferredColour = 0;
+
+namespace {
+
+constexpr Colour ownNameBack = RGB(128, 0, 0);
+
+const std::string& colourName(std::int16_t colour) {
+  if (colour < 0 || colour >= static_cast<std::int16_t>(modMain::colourNames.size())) raiseSubscriptOutOfRange();
+  return modMain::colourNames[static_cast<std::size_t>(colour)];
+}
+
+bool hasPlayerRow(std::int16_t colour) { return colour >= 0 && colour <= frmMain->lbUserName.UBound; }
+
+}  // namespace
+
+void clear() {
+  playerName.clear();
+  serverPassword.clear();
+  preferredColour = 0;
+  chatMode = 0;
+  privateTargetIndex = 0;
+  privateTargetName.clear();
+  messageQueue = MessageQueue{};
+}
+
+void connectToServer(const std::string& name, const std::string& address, std::int16_t port,
+                     const std::string& password, std::int16_t colour) {
+  playerName = name;
+  serverPassword = password;
+  preferredColour = colour;
+  Winsock& sock = frmMain->sock;
+  if (sock.State() > sckClosed) sock.Close();
+  sock.RemoteHost = address;
+  sock.RemotePort = port;
+  if (sock.State() != sckClosed) sock.Close();
+  sock.Connect();
+  // Quirk Q-069: the menu speaks of a connection before there is one, and a failure does not change it back.
+  frmMain->mnuFileConnect.Enabled = false;
+  frmMain->mnuFileDisconnect.Enabled = true;
+}
+
+void disconnectFromServer() {
+  resumeNext([] {
+    if (frmMain->sock.State() > sckClosed) frmMain->sock.Close();
+  });
+  resumeNext([] { frmMain->mnuFileConnect.Enabled = true; });
+  resumeNext([] { frmMain->mnuFileDisconnect.Enabled = false; });
+  resumeNext(modMain::resetConnectionState);
+  resumeNext(modMain::showStartLogo);
+}
+
+void sendLogin() {
+  sendMessage(wire::msgLogin,
+              {playerName, serverPassword, numberText(std::int32_t{preferredColour}), appVersionText()});
+}
+
+void requestSpawn() {
+  sendMessage(wire::msgSpawnRequest, {""});
+  // Quirk Q-070: the line is printed also when there is no server to ask.
+  printChat("Requesting spawn permission from the server...", 5);
+}
+
+void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y) {
+  localPlayer.init(colour, -1, node, name);
+  localPlayer.queuePosition({x, y});
+  // Quirk Q-071: init has made the field already, round the old position. This is the second one.
+  modMain::createParticleField();
+  localPlayer.isConnected = true;
+  // Quirk Q-072: a colour that has no name ends the login here. The player is in the game with the title over it.
+  printChat("Login accepted, " + name + " you are assigned the color " + colourName(colour), 3);
+  modMain::showCentreMessage("Capture your opponents in a loop of your tail");
+  for (int i = 0; i <= frmMain->lbUserName.UBound; ++i) {
+    Label& label = frmMain->lbUserName[i];
+    if (i == colour) label.Caption = name;
+    label.BackColor = i == colour ? ownNameBack : black;
+  }
+  modMain::hideStartLogo();
+}
+
+void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::string& name, float x, float y,
+                         std::int16_t alive, std::int16_t kills) {
+  // A join that failed half way has left a slot that does not count; it is made anew.
+  opponents.resize(static_cast<std::size_t>(opponentCount));
+  clsPlayer& newcomer = opponents.emplace_back();
+  newcomer.init(colour, opponentCount, node, name);
+  newcomer.queuePosition({x, y});
+  newcomer.setAlive(alive == 1);
+  newcomer.setKills(kills);
+  // Quirk Q-073: a newcomer always takes the next new slot. Those of players who left stay unused for good.
+  opponentCount = toInt16(opponentCount + 1.0);
+  if (hasPlayerRow(colour)) frmMain->lbUserName[colour].Caption = name;
+  printChat("The player " + name + " has joined as " + colourName(colour), 3);
+}
+
+void receivePlayerLeft(std::int16_t node) {
+  // Quirk Q-074: a node that is nobody's is taken for the first opponent, who then counts as gone.
+  const std::int16_t index = modMain::getPlayerIndex(node);
+  if (index < 0 || index >= opponentCount) return;
+  clsPlayer& player = modMain::playerAt(index);
+  printChat(player.name + " has disconnected.", 3);
+  player.isConnected = false;
+  if (!hasPlayerRow(player.colour)) return;
+  frmMain->lbUserName[player.colour].Caption = "";
+  frmMain->lblKills[player.colour].Caption = "";
+  frmMain->picCaps[player.colour].Cls();
+}
+
+void receiveRoundOver(const std::string& text) {
+  localPlayer.setAlive(false);
+  for (std::int16_t i = 0; i < opponentCount; ++i) modMain::playerAt(i).setAlive(false);
+  modMain::roundMessage = text;
+  printChat(text, 3);
+  frmMain->setButtonsState(true);
+}
+
+}  // namespace netMan
+
+void modMain::resetConnectionState() {
+  localPlayer.isConnected = false;
+  for (std::int16_t i = 0; i < opponentCount; ++i) playerAt(i).isConnected = false;
+  // A server may have given a colour that has no label; the dialog is offered all the same.
+  // Quirk Q-075: only the own name goes. Those of the others stay on the list.
+  resumeNext([] {
+    Label& label = frmMain->lbUserName[localPlayer.colour];
+    label.BackColor = black;
+    label.Caption = "";
+  });
+  frmConnect->Show(Form::Modality::Modeless);
+}
+
+}  // namespace kelvora
