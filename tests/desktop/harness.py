@@ -1,0 +1,396 @@
+"""Drives the real program: a virtual display with a small window manager, the client with settings of its own, the real
+server or a scripted one, the mouse and the keys. Everything stays on this machine, and everything that is started here is
+ended here."""
+
+import os
+import re
+import shutil
+import signal
+import socket
+import subprocess
+import tempfile
+import time
+import unittest
+
+CLIENT = os.environ["KELVORA_CLIENT"]
+SERVER = os.environ["KELVORA_SERVER"]
+
+TITLE = "Kelvora v1.2.1"
+TWIPS = 15  # to a pixel
+CLIENT_AREA = (894, 670)  # pixels of the main window below its menu, as designed
+# What the canvas leaves of the client area, in pixels, at any size of the window.
+BESIDE_CANVAS = (131, 62)
+
+START, END, SEPARATOR = 128, 129, 130
+POSITION_REPORT, PING, PING_REPLY, POSITION, LOGIN, LOGIN_DENIED, LOGIN_ACCEPTED, PLAYER_JOINED = range(131, 139)
+CHAT, SERVER_TEXT = 144, 162
+
+
+def wait_for(condition, what, seconds=10.0, pause=0.05):
+    """The first true result of `condition`; fails the test when there is none in time."""
+    deadline = time.monotonic() + seconds
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > deadline:
+            raise AssertionError(f"not within {seconds} s: {what}")
+        time.sleep(pause)
+
+
+def stop(process):
+    if process.poll() is None:
+        process.terminate()
+        try:
+            process.wait(5)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+class Picture:
+    """A picture of the whole screen."""
+
+    def __init__(self, ppm):
+        header = re.match(rb"P6\s+(\d+)\s+(\d+)\s+255\s", ppm)
+        self.width, self.height = int(header[1]), int(header[2])
+        self.ppm = ppm
+        self.bytes = ppm[header.end():]
+
+    def pixel(self, x, y):
+        at = (y * self.width + x) * 3
+        return tuple(self.bytes[at:at + 3])
+
+    def save(self, path):
+        with open(path, "wb") as file:
+            file.write(self.ppm)
+
+
+class Display:
+    """A screen of 1280 by 1024 with openbox, on a display number that was free."""
+
+    def __init__(self):
+        self.folder = tempfile.mkdtemp(prefix="kelvora-display-")
+        reader, writer = os.pipe()
+        self.xvfb = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-noreset"],
+            pass_fds=[writer], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(writer)
+        with os.fdopen(reader) as stream:
+            number = stream.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        self.environment = dict(os.environ, DISPLAY=f":{number}", HOME=self.folder, LC_ALL="C.UTF-8",
+                                XDG_CONFIG_HOME=self.folder, XDG_CACHE_HOME=self.folder, XDG_RUNTIME_DIR=self.folder)
+        for name in ("WAYLAND_DISPLAY", "XAUTHORITY", "SESSION_MANAGER", "KELVORA_FRAME_MS"):
+            self.environment.pop(name, None)
+        self.manager = subprocess.Popen(["openbox", "--sm-disable"], env=self.environment, stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_for(lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+
+    def close(self):
+        stop(self.manager)
+        stop(self.xvfb)
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def run(self, *command):
+        return subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                              timeout=20).stdout
+
+    def xdotool(self, *arguments):
+        return self.run("xdotool", *[str(argument) for argument in arguments])
+
+    def picture(self):
+        return Picture(subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"], env=self.environment,
+                                      stdin=subprocess.DEVNULL, capture_output=True, timeout=20, check=True).stdout)
+
+
+class Window:
+    """A window of the client: its place on the screen, without the window manager's frame."""
+
+    def __init__(self, display, identifier):
+        self.display = display
+        self.identifier = identifier
+
+    def geometry(self):
+        """Left, top, width and height in pixels of the screen."""
+        text = self.display.run("xwininfo", "-id", self.identifier)
+        keys = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+        return tuple(int(re.search(key + r":\s+(-?\d+)", text)[1]) for key in keys)
+
+    def is_shown(self):
+        return "IsViewable" in self.display.run("xwininfo", "-id", self.identifier)
+
+    def activate(self):
+        self.display.xdotool("windowactivate", "--sync", self.identifier)
+
+    def click(self, x, y, button=1):
+        left, top = self.geometry()[:2]
+        self.display.xdotool("mousemove", left + x, top + y, "click", button)
+
+
+class Client:
+    """The real client, with a folder of settings of its own unless it is handed one of an earlier run."""
+
+    def __init__(self, display, frame_ms="10", config=None, arguments=("nosound", "nomusic")):
+        self.display = display
+        self.own_config = config is None
+        self.config = config or tempfile.mkdtemp(prefix="kelvora-settings-")
+        environment = dict(display.environment, XDG_CONFIG_HOME=self.config, HOME=self.config, QT_QPA_PLATFORM="xcb",
+                           # The update check goes to a port of this machine that nobody listens on.
+                           KELVORA_WEB_HOST="127.0.0.1:9")
+        if frame_ms is not None:
+            environment["KELVORA_FRAME_MS"] = frame_ms
+        self.log = tempfile.TemporaryFile()
+        self.process = subprocess.Popen([CLIENT, *arguments], env=environment, stdin=subprocess.DEVNULL,
+                                        stdout=self.log, stderr=subprocess.STDOUT)
+        self.window = self.wait_for_window(TITLE)
+        # The menu is what the window has above the designed client area.
+        self.menu = self.window.geometry()[3] - CLIENT_AREA[1]
+
+    def close(self):
+        stop(self.process)
+        if self.own_config:
+            shutil.rmtree(self.config, ignore_errors=True)
+        self.log.close()
+
+    def output(self):
+        self.log.seek(0)
+        return self.log.read().decode(errors="replace")
+
+    def windows(self):
+        """The client's visible windows by title."""
+        found = {}
+        for identifier in self.display.xdotool("search", "--onlyvisible", "--pid", self.process.pid).split():
+            title = self.display.xdotool("getwindowname", identifier).strip()
+            if title and Window(self.display, identifier).is_shown():
+                found[title] = Window(self.display, identifier)
+        return found
+
+    def wait_for_window(self, title):
+        def find():
+            if self.process.poll() is not None:
+                raise AssertionError(f"the client ended with {self.process.returncode}: {self.output()}")
+            return self.windows().get(title)
+        return wait_for(find, f"the window '{title}'")
+
+    def wait_for_other_window(self):
+        """A window that is neither the main one nor the connect dialog: a message box."""
+        def find():
+            return [window for title, window in self.windows().items() if title not in (TITLE, "Connect")]
+        return wait_for(find, "a message box")[0]
+
+    def connect(self, port, name="Ann", address="127.0.0.1", password="", circle=None):
+        """Fills the connect dialog in and presses Enter. `circle` is the colour to click on, 0 to 5."""
+        dialog = self.wait_for_window("Connect")
+        dialog.activate()
+        # Places of the boxes in twips: 1740 from the left, rows 360 apart.
+        for row, text in enumerate((name, address, str(port), password)):
+            dialog.click(1740 // TWIPS + 20, (180 + 360 * row) // TWIPS + 9)
+            self.display.xdotool("key", "ctrl+a", "key", "BackSpace")
+            if text:
+                self.display.xdotool("type", "--delay", "5", text)
+        if circle is not None:
+            dialog.click((1860 + 300 * circle + 97) // TWIPS, (1620 + 127) // TWIPS)
+        self.display.xdotool("key", "Return")
+
+    def canvas_size(self):
+        """Pixels."""
+        _, _, width, height = self.window.geometry()
+        return width - BESIDE_CANVAS[0], height - self.menu - BESIDE_CANVAS[1]
+
+    def on_screen(self, x, y):
+        """Where a pixel of the client area stands on the screen."""
+        left, top, _, _ = self.window.geometry()
+        return left + x, top + self.menu + y
+
+    def mouse_to(self, x, y):
+        """Moves the mouse to a pixel of the canvas. It goes by a neighbour, so that the last step is always a move."""
+        left, top = self.on_screen(x, y)
+        self.display.xdotool("mousemove", left + 1, top + 1, "mousemove", left, top)
+
+    def right_click(self):
+        self.display.xdotool("click", 3)
+
+    def resize(self, width, height):
+        """Gives the client area below the menu another size, in pixels."""
+        self.display.xdotool("windowsize", self.window.identifier, width, height + self.menu)
+        wait_for(lambda: self.window.geometry()[2:] == (width, height + self.menu), "the new size")
+
+    def status_colour(self, picture=None):
+        """The background of the connection's label, read near its corner where it has no text."""
+        height = self.canvas_size()[1]
+        # The status bar begins 465 twips below the canvas, the label 60 twips inside it.
+        x, y = self.on_screen(4 + 4, height + (465 + 60) // TWIPS + 4)
+        return (picture or self.display.picture()).pixel(x, y)
+
+    def wait_for_status(self, colour):
+        wait_for(lambda: self.status_colour() == colour, f"the label in {colour}")
+
+    def cpu_seconds(self):
+        with open(f"/proc/{self.process.pid}/stat") as file:
+            fields = file.read().rpartition(")")[2].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+class Server:
+    """The real server on a free port."""
+
+    def __init__(self, *arguments):
+        self.port = free_port()
+        self.process = subprocess.Popen([SERVER, "--bind", "127.0.0.1", "--port", str(self.port), *arguments],
+                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+        wait_for(self.answers, "the server's port")
+
+    def answers(self):
+        try:
+            socket.create_connection(("127.0.0.1", self.port), 1).close()
+            return True
+        except OSError:
+            return False
+
+    def close(self):
+        stop(self.process)
+
+
+class Line:
+    """One connection, with whole frames going out and coming in."""
+
+    def __init__(self, connection):
+        self.socket = connection
+        self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        self.received = b""
+
+    def close(self):
+        self.socket.close()
+
+    def send_bytes(self, data):
+        self.socket.sendall(data)
+
+    def send(self, identifier, *fields):
+        self.send_bytes(frame(identifier, *fields))
+
+    def recv_bytes(self, seconds=5.0):
+        """The bytes of the next frame, delimiters included; None once the other side has closed."""
+        deadline = time.monotonic() + seconds
+        while END not in self.received:
+            self.socket.settimeout(max(deadline - time.monotonic(), 0.001))
+            try:
+                data = self.socket.recv(65536)
+            except socket.timeout:
+                raise AssertionError(f"no frame within {seconds} s, but {self.received!r}") from None
+            except ConnectionResetError:
+                data = b""
+            if not data:
+                return None
+            self.received += data
+        whole, _, self.received = self.received.partition(bytes([END]))
+        return whole + bytes([END])
+
+    def recv_frame(self, seconds=5.0):
+        """The id and the fields of the next frame; None once the other side has closed."""
+        data = self.recv_bytes(seconds)
+        if data is None:
+            return None
+        assert data[0] == START, data
+        return data[1], data[2:-1].split(bytes([SEPARATOR]))
+
+    def frames_during(self, seconds):
+        """Every frame that comes in this time."""
+        frames = []
+        deadline = time.monotonic() + seconds
+        while (left := deadline - time.monotonic()) > 0:
+            try:
+                received = self.recv_frame(left)
+            except AssertionError:
+                break
+            if received is None:
+                break
+            frames.append(received)
+        return frames
+
+    def report(self, seconds=5.0):
+        """The next position report as a pair of numbers; other frames are passed over."""
+        while True:
+            identifier, fields = self.recv_frame(seconds)
+            if identifier == POSITION_REPORT:
+                return float(fields[0]), float(fields[1])
+
+
+def frame(identifier, *fields):
+    texts = [field if isinstance(field, bytes) else str(field).encode("cp1252") for field in fields]
+    return bytes([START, identifier]) + bytes([SEPARATOR]).join(texts) + bytes([END])
+
+
+class ScriptedServer:
+    """A server that does what the test says."""
+
+    def __init__(self):
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.port = self.listener.getsockname()[1]
+        self.lines = []
+
+    def accept(self, seconds=10.0):
+        self.listener.settimeout(seconds)
+        self.lines.append(Line(self.listener.accept()[0]))
+        return self.lines[-1]
+
+    def close(self):
+        for line in self.lines:
+            line.close()
+        self.listener.close()
+
+
+class DesktopTest(unittest.TestCase):
+    """One display for all tests of a class; a client and servers of its own for each test."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.display = Display()
+        cls.addClassCleanup(cls.display.close)
+
+    def start_client(self, **options):
+        client = Client(self.display, **options)
+        self.addCleanup(client.close)
+        return client
+
+    def start_server(self, *arguments):
+        server = Server(*arguments)
+        self.addCleanup(server.close)
+        return server
+
+    def scripted_server(self):
+        server = ScriptedServer()
+        self.addCleanup(server.close)
+        return server
+
+    def log_in(self, client=None, colour=0, x=50000, y=50000, name="Ann"):
+        """A client in the game of a scripted server, with its brakes on: the client and its connection."""
+        client = client or self.start_client()
+        server = self.scripted_server()
+        client.connect(server.port, name=name)
+        line = server.accept()
+        self.assertEqual(line.recv_frame()[0], LOGIN)
+        line.send(LOGIN_ACCEPTED, colour, 7, x, y)
+        # The answer to a ping tells that the login has been taken in; a report follows it.
+        line.send(PING, 1)
+        self.assertEqual(line.recv_frame()[0], PING_REPLY)
+        self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
+        return client, line
+
+    def run(self, result=None):
+        # A hanging process must not hold the whole run: the alarm breaks whatever waits.
+        def late(*_):
+            raise AssertionError("the test took longer than 90 s")
+        signal.signal(signal.SIGALRM, late)
+        signal.alarm(90)
+        try:
+            return super().run(result)
+        finally:
+            signal.alarm(0)

@@ -1,0 +1,72 @@
+"""The rules of steering, worked out anew from what the game promises, for comparison with what the program reports."""
+
+import math
+import struct
+
+TOP_SPEED = 300.0
+WORLD = 100000.0
+
+
+def f32(value):
+    return struct.unpack("f", struct.pack("f", value))[0]
+
+
+def centre(canvas):
+    """The middle of a canvas of so many pixels, in twips, each coordinate rounded down."""
+    return (canvas[0] * 15) // 2, (canvas[1] * 15) // 2
+
+
+def bearing(canvas, pixel):
+    """Angle and quadrant of a pixel of the canvas as its middle sees it. 350 make the full circle."""
+    cx, cy = centre(canvas)
+    x, y = pixel[0] * 15, pixel[1] * 15
+    fx, fy = float(x - cx), float(cy - y)
+    if fy == 0:
+        fy = f32(0.0001)
+    angle = f32(abs(f32(math.atan(fx / fy)) * 350.0 / 6.283185308))
+    if x > cx and y < cy:
+        return angle, 1
+    if x > cx and y > cy:
+        return angle, 4
+    if x < cx and y < cy:
+        return angle, 2
+    if x < cx and y > cy:
+        return angle, 3
+    return angle, 1  # on the lines through the middle, whichever side
+
+
+def velocity(canvas, pixel, factor=1.0):
+    """World units that one frame moves the player who steers by this pixel, at the design pace."""
+    cx, cy = centre(canvas)
+    distance = math.hypot(pixel[0] * 15 - cx, pixel[1] * 15 - cy)
+    s = min(distance / cy, 1.0) * TOP_SPEED * factor
+    angle, quadrant = bearing(canvas, pixel)
+    steer = round(angle)
+    t = math.tan(3.14159 / 180 * (steer % 45))
+    h = t * 0.5 * s if steer < 45 else (t + 1.0) * s * 0.5
+    x = h if quadrant in (1, 4) else -h
+    y = -(s - h) if quadrant in (1, 2) else s - h
+    return max(-300.0, min(300.0, x)), max(-300.0, min(300.0, y))
+
+
+def step(position, v):
+    """The next position: a player who would leave the world stands 1000 inside it."""
+    result = []
+    for coordinate, change in zip(position, v):
+        coordinate += change
+        if coordinate < 0:
+            coordinate = 1000.0
+        if coordinate > WORLD:
+            coordinate = WORLD - 1000.0
+        result.append(coordinate)
+    return tuple(result)
+
+
+def reports(position, v, count):
+    """The positions of the next reports: one in every fourth frame."""
+    found = []
+    for frame in range(1, 4 * count + 1):
+        position = step(position, v)
+        if frame % 4 == 0:
+            found.append(position)
+    return found

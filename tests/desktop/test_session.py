@@ -1,0 +1,171 @@
+"""From the connect dialog to the game and back: what goes over the wire and what the player sees of it."""
+
+import datetime
+import time
+import unittest
+
+import harness
+from harness import (CHAT, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION_REPORT,
+                     frame)
+
+GREEN, RED, GREY = (128, 255, 128), (255, 128, 128), (128, 128, 128)
+
+
+class Session(harness.DesktopTest):
+
+    def test_login_is_one_frame_with_name_password_colour_and_version(self):
+        server = self.scripted_server()
+        self.start_client().connect(server.port, name="Ann", circle=2)
+        self.assertEqual(server.accept().recv_bytes(), bytes([128, 135]) + b"Ann" + bytes([130, 130]) + b"2" +
+                         bytes([130]) + b"1.2.1" + bytes([129]))
+
+    def test_login_carries_the_password(self):
+        server = self.scripted_server()
+        self.start_client().connect(server.port, name="Bob", password="open up", circle=5)
+        self.assertEqual(server.accept().recv_bytes(), frame(LOGIN, "Bob", "open up", 5, "1.2.1"))
+
+    def test_label_turns_green_with_the_connection_and_red_without(self):
+        client = self.start_client()
+        client.wait_for_status(RED)
+        server = self.scripted_server()
+        client.connect(server.port)
+        line = server.accept()
+        line.recv_frame()
+        client.wait_for_status(GREEN)
+        line.close()
+        client.wait_for_status(RED)
+
+    def test_ping_is_answered_with_the_time_of_day_and_one_report(self):
+        client, line = self.log_in(x=1234.5, y=67890)
+        line.send(PING, 99)
+        identifier, fields = line.recv_frame()
+        self.assertEqual((identifier, len(fields)), (PING_REPLY, 1))
+        now = datetime.datetime.now()
+        seconds = now.hour * 3600 + now.minute * 60 + now.second
+        self.assertLess((seconds - float(fields[0]) + 2) % 86400, 5)
+        self.assertEqual(line.recv_frame(), (POSITION_REPORT, [b"1234.5", b"67890"]))
+        # The brakes are on and nothing moves: no other report comes.
+        self.assertEqual(line.frames_during(0.5), [])
+
+    def test_ping_before_the_login_is_not_answered(self):
+        server = self.scripted_server()
+        self.start_client().connect(server.port)
+        line = server.accept()
+        line.recv_frame()
+        line.send(PING, 1)
+        self.assertEqual(line.frames_during(0.5), [])
+
+    def test_frame_that_is_split_inside_its_fields_is_lost(self):
+        client, line = self.log_in()
+        line.send_bytes(bytes([128, PING]) + b"1")
+        time.sleep(0.3)
+        line.send_bytes(b"2" + bytes([129]))
+        self.assertEqual(line.frames_during(0.5), [])
+        line.send(PING, 12)
+        self.assertEqual([identifier for identifier, _ in line.frames_during(0.5)], [PING_REPLY, POSITION_REPORT])
+
+    def test_frame_that_is_split_behind_its_start_is_whole(self):
+        client, line = self.log_in()
+        line.send_bytes(bytes([128]))
+        time.sleep(0.3)
+        line.send_bytes(bytes([PING]) + b"12" + bytes([129]))
+        self.assertEqual([identifier for identifier, _ in line.frames_during(0.5)], [PING_REPLY, POSITION_REPORT])
+
+    def test_two_frames_at_once_are_both_answered(self):
+        client, line = self.log_in()
+        line.send_bytes(frame(PING, 1) + frame(PING, 2))
+        self.assertEqual([identifier for identifier, _ in line.frames_during(0.5)],
+                         [PING_REPLY, POSITION_REPORT] * 2)
+
+    def test_refused_connection_shows_the_grey_error(self):
+        client = self.start_client()
+        client.connect(harness.free_port())
+        client.wait_for_status(GREY)
+        self.assertNotIn("Connect", client.windows())
+
+    def test_server_that_goes_away_brings_the_dialog_back(self):
+        client, line = self.log_in()
+        self.assertNotIn("Connect", client.windows())
+        line.close()
+        client.wait_for_window("Connect")
+        client.wait_for_status(RED)
+
+    def test_denied_login_shows_a_box_and_then_the_dialog(self):
+        client = self.start_client()
+        server = self.scripted_server()
+        client.connect(server.port)
+        line = server.accept()
+        line.recv_frame()
+        line.send(LOGIN_DENIED, "the arena is full")
+        box = client.wait_for_other_window()
+        self.assertNotIn("Connect", client.windows())
+        box.activate()
+        self.display.xdotool("key", "Return")
+        self.assertIsNone(line.recv_frame())
+        client.wait_for_window("Connect")
+
+    def test_player_can_come_back_after_the_server_went_away(self):
+        client, line = self.log_in(name="Ann")
+        line.close()
+        client.wait_for_window("Connect")
+        client, line = self.log_in(client, name="Zoe", x=40000, y=30000)
+        line.send(PING, 1)
+        line.recv_frame()
+        self.assertEqual(line.recv_frame(), (POSITION_REPORT, [b"40000", b"30000"]))
+
+    def test_chat_line_is_sent_on_enter(self):
+        client, line = self.log_in()
+        client.mouse_to(300, 300)
+        self.display.xdotool("click", 1, "type", "--delay", "20", "hello there")
+        self.display.xdotool("key", "Return")
+        self.assertEqual(line.recv_frame(), (CHAT, [b"-1", b"hello there"]))
+
+    def test_closing_the_window_ends_the_process_at_once_and_sends_nothing(self):
+        client, line = self.log_in()
+        client.window.activate()
+        self.display.xdotool("key", "alt+F4")
+        self.assertIsNone(line.recv_frame())
+        self.assertEqual(client.process.wait(2), 0)
+
+
+class RealServer(harness.DesktopTest):
+
+    def test_client_is_seen_by_another_player(self):
+        server = self.start_server()
+        other = harness.Line(harness.socket.create_connection(("127.0.0.1", server.port), 5))
+        self.addCleanup(other.close)
+        other.send(LOGIN, "Watcher", "", 1, "1.2.1")
+
+        def next_of(wanted):
+            while True:
+                identifier, fields = other.recv_frame(10)
+                if identifier == wanted:
+                    return fields
+        next_of(LOGIN_ACCEPTED)
+        client = self.start_client()
+        client.connect(server.port, name="Ann")
+        while True:
+            joined = next_of(PLAYER_JOINED)
+            if joined[2] == b"Ann":
+                break
+        client.wait_for_status(GREEN)
+        # The ball flies off once the brakes are released, and the other player hears of it.
+        client.mouse_to(600, 200)
+        client.right_click()
+        seen = set()
+        while len(seen) < 5:
+            node, x, y = next_of(harness.POSITION)[:3]
+            if node == joined[0]:
+                seen.add((x, y))
+
+    def test_dialog_comes_back_when_the_real_server_ends(self):
+        server = self.start_server()
+        client = self.start_client()
+        client.connect(server.port)
+        client.wait_for_status(GREEN)
+        server.close()
+        client.wait_for_window("Connect")
+
+
+if __name__ == "__main__":
+    unittest.main()

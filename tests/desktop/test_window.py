@@ -1,0 +1,153 @@
+"""What stands on the screen: the ball in the middle, the world's border, the window's layout at other sizes, and what the
+next start remembers."""
+
+import shutil
+import tempfile
+import time
+import unittest
+
+import harness
+from harness import LOGIN, frame
+
+BLACK = (0, 0, 0)
+# What the border pulses through, pale to pure red.
+BORDER = {(255, v, v) for v in (0, 50, 100, 150)}
+
+
+class Canvas(harness.DesktopTest):
+
+    def middle(self, client):
+        """The mean colour of the middle of the canvas."""
+        width, height = client.canvas_size()
+        x, y = client.on_screen(width // 2, height // 2)
+        picture = self.display.picture()
+        block = [picture.pixel(x + dx, y + dy) for dx in range(-4, 5) for dy in range(-4, 5)]
+        return [sum(pixel[channel] for pixel in block) / len(block) for channel in range(3)]
+
+    def assert_ball(self, client, colour):
+        """The ball of a primary colour stands in the middle: 0 red, 1 green, 2 blue of the pixel."""
+        mean = self.middle(client)
+        others = [mean[channel] for channel in range(3) if channel != colour]
+        self.assertGreater(mean[colour], 60, mean)
+        self.assertGreater(mean[colour], 1.3 * max(others), mean)
+
+    def test_ball_in_its_colour_stands_in_the_middle(self):
+        for number, channel in ((0, 0), (2, 1), (4, 2)):
+            with self.subTest(colour=number):
+                client, line = self.log_in(colour=number)
+                client.mouse_to(100, 100)
+                time.sleep(0.3)
+                self.assert_ball(client, channel)
+                client.close()
+
+    def test_ball_stays_in_the_middle_while_it_flies(self):
+        client, line = self.log_in(colour=2)
+        client.mouse_to(600, 200)
+        client.right_click()
+        for _ in range(10):
+            line.report()
+        self.assert_ball(client, 1)
+
+    def test_ball_stands_in_the_middle_of_a_resized_window(self):
+        client = self.start_client()
+        client.resize(1100, 800)
+        client, line = self.log_in(client, colour=2)
+        client.mouse_to(100, 100)
+        time.sleep(0.3)
+        self.assertEqual(client.canvas_size(), (969, 738))
+        self.assert_ball(client, 1)
+
+    def test_border_comes_into_view(self):
+        # 2000 from the right edge: c.x + 2000 = 7722 twips, pixel 515 of the canvas.
+        client, line = self.log_in(x=98000, y=50000)
+        client.mouse_to(100, 100)
+        time.sleep(0.3)
+        picture = self.display.picture()
+        rows = range(150, 450, 10)
+        for row in rows:
+            self.assertIn(picture.pixel(*client.on_screen(515, row)), BORDER, row)
+        # Beyond it there is nothing.
+        outside = [picture.pixel(*client.on_screen(x, row)) for row in rows for x in (530, 560, 600)]
+        self.assertEqual(set(outside), {BLACK})
+
+    def test_border_is_not_in_view_in_the_middle_of_the_world(self):
+        client, line = self.log_in()
+        client.mouse_to(100, 100)
+        time.sleep(0.3)
+        picture = self.display.picture()
+        for column in (100, 248, 515, 700):
+            pixels = [picture.pixel(*client.on_screen(column, row)) for row in range(150, 450, 10)]
+            self.assertLess(sum(pixel in BORDER for pixel in pixels), 5, column)
+
+
+class Layout(harness.DesktopTest):
+
+    def test_window_has_its_title_and_size(self):
+        client = self.start_client()
+        _, _, width, height = client.window.geometry()
+        self.assertEqual(width, 894)
+        # The menu above the designed area is one row of text.
+        self.assertIn(height - 670, range(15, 45))
+
+    def test_connect_dialog_stands_open_at_the_start(self):
+        client = self.start_client()
+        dialog = client.wait_for_window("Connect")
+        # 3945 by 2925 twips.
+        self.assertEqual(dialog.geometry()[2:], (263, 195))
+
+    def test_status_bar_and_panel_follow_the_window(self):
+        client = self.start_client()
+        # Away with the dialog, so that it covers nothing.
+        dialog = client.wait_for_window("Connect")
+        dialog.click((1260 + 700) // harness.TWIPS, (2460 + 180) // harness.TWIPS)
+        harness.wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
+        client.wait_for_status((255, 128, 128))
+        client.resize(1150, 820)
+        self.assertEqual(client.canvas_size(), (1019, 758))
+        client.wait_for_status((255, 128, 128))
+        # The chat's box (64, 0, 64) moved down with the canvas: 105 twips below it, 1440 from the left, 360 high.
+        x, y = client.on_screen(1440 // 15 + 20, 758 + 105 // 15 + 360 // 15 // 2)
+        self.assertEqual(self.display.picture().pixel(x, y), (64, 0, 64))
+        # Its old place, 9225 twips from the top, belongs to the canvas now.
+        x, y = client.on_screen(1440 // 15 + 20, 9225 // 15 + 12)
+        self.assertNotEqual(self.display.picture().pixel(x, y), (64, 0, 64))
+
+    def test_window_too_small_for_the_canvas_does_no_harm(self):
+        client, line = self.log_in()
+        client.resize(120, 60)
+        line.send(harness.PING, 1)
+        self.assertEqual(line.recv_frame()[0], harness.PING_REPLY)
+        client.resize(894, 670)
+        line.send(harness.PING, 2)
+        self.assertEqual(line.recv_frame()[0], harness.POSITION_REPORT)
+
+
+class Settings(harness.DesktopTest):
+
+    def test_login_comes_back_at_the_next_start(self):
+        config = tempfile.mkdtemp(prefix="kelvora-settings-")
+        self.addCleanup(shutil.rmtree, config, ignore_errors=True)
+        server = self.scripted_server()
+        client = self.start_client(config=config)
+        client.connect(server.port, name="Zoe", password="hush", circle=3)
+        server.accept().recv_frame()
+        client.close()
+        client = self.start_client(config=config)
+        client.wait_for_window("Connect").activate()
+        self.display.xdotool("key", "Return")
+        self.assertEqual(server.accept().recv_bytes(), frame(LOGIN, "Zoe", "hush", 3, "1.2.1"))
+
+    def test_first_start_offers_this_machine_and_port_2010(self):
+        client = self.start_client()
+        dialog = client.wait_for_window("Connect")
+        dialog.activate()
+        # An empty name is refused with a box; the dialog stays.
+        self.display.xdotool("key", "Return")
+        box = client.wait_for_other_window()
+        box.activate()
+        self.display.xdotool("key", "Return")
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the box's end")
+
+
+if __name__ == "__main__":
+    unittest.main()
