@@ -1,0 +1,1 @@
+"""Drawing of the game's pictures, large and then reduced."""

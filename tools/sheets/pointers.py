@@ -1,0 +1,77 @@
+"""The mouse pointer in twelve directions and the edge arrows of the six colours in eight."""
+
+import numpy as np
+
+from . import palette, shapes
+from .paint import Layer, blank, cut, matte_picture, paste, smooth
+
+# A pointer cell begins at frame * 367 twips and is 367 twips, 24 pixels, wide and high.
+POINTER_TWIPS = 367
+
+
+def pointer_cell(frame):
+    size = 24
+    layer = Layer(size, size)
+    x, y = shapes.turned(*layer.centred(size / 2, size / 2), frame * np.pi / 6)
+    head = [(0, -11.2), (8.6, 9.4), (0, 5.2), (-8.6, 9.4)]
+    outline = shapes.polygon(x, y, head) - 0.4
+    inner = shapes.polygon(x, y, head) + 1.3
+    layer.fill(outline, palette.rgb(6, 26, 40))
+    shade = smooth(-10, 10, y)[..., None]
+    tone = palette.rgb(255, 255, 255) * (1 - shade) + palette.rgb(60, 200, 255) * shade
+    layer.fill(inner, tone * np.where(x < 0, 1.0, 0.68)[..., None])
+    layer.within(outline)
+    return layer
+
+
+def pointer_sheet():
+    sheet = blank(294, 49)
+    sheet[24:] = 255
+    for frame in range(12):
+        layer = pointer_cell(frame)
+        matte = layer.matte()
+        left = int(frame * POINTER_TWIPS / 15 + 0.5)
+        paste(sheet, cut(layer.picture(), matte), left)
+        paste(sheet, matte_picture(matte), left, 24)
+    return {"arrows": sheet}
+
+
+# Quarter and eighth turns clockwise from straight up, by frame: up, right, down, left, then the four corners.
+EDGE_TURNS = [0, 2, 4, 6, 7, 1, 5, 3]
+
+
+def edge_cell(colour, frame):
+    size = 18
+    layer = Layer(size, size)
+    turn = EDGE_TURNS[frame] * np.pi / 4
+    x, y = shapes.turned(*layer.centred(size / 2, size / 2), turn)
+    if frame >= 4:
+        y = y - 1.2
+    head = [(0, -8.2), (8.2, 1.0), (3.6, 1.0), (3.6, 7.8), (-3.6, 7.8), (-3.6, 1.0), (-8.2, 1.0)]
+    outline = shapes.polygon(x, y, head) - 0.5
+    inner = shapes.polygon(x, y, head) + 0.9
+    base = palette.PLAYERS[colour]
+    layer.fill(outline, 1 - (1 - base) * 0.35)
+    shade = smooth(-9, 9, y)[..., None]
+    layer.fill(inner, base * (1.0 - 0.4 * shade))
+    light = palette.SIGNS_LIGHT[colour]
+    # The sign stays upright whichever way the arrow points.
+    sx, sy = shapes.turned(x, y + 1.3, -turn)
+    layer.fill(palette.sign(colour, sx, sy, 2.9), (1, 1, 1) if light else base * 0.12)
+    layer.within(outline)
+    return layer
+
+
+def edge_sheets():
+    sheets = {}
+    for colour in range(6):
+        sheet = blank(144, 18)
+        mattes = blank(144, 18, 255)
+        for frame in range(8):
+            layer = edge_cell(colour, frame)
+            matte = layer.matte()
+            paste(sheet, cut(layer.picture(), matte), frame * 18)
+            paste(mattes, matte_picture(matte), frame * 18)
+        sheets[f"opponentArrow{colour}"] = sheet
+        sheets["opponentArrowMatte"] = mattes
+    return sheets
