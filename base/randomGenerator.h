@@ -13,8 +13,8 @@ class RandomGenerator {
   /// The next number, at least 0 and below 1.
   float next();
 
-  /// With a positive argument the next number, with 0 the last one again; a negative argument restarts the sequence from
-  /// that argument, so that equal arguments give equal numbers.
+  /// With a positive argument the next number, with 0 the last one again; a negative argument restarts the sequence
+  /// from that argument, so that equal arguments give equal numbers.
   float next(float argument);
 
  private:

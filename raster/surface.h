@@ -19,8 +19,8 @@ enum class RasterOperation : std::uint32_t {
 using enum RasterOperation;
 
 /// The picture under construction: a 32-bit image in memory with the drawing operations of the game. Coordinates and
-/// lengths are twips, widths of lines are pixels. Everything is clipped to the image; nothing is antialiased but glyphs.
-/// The same calls give the same bytes on every machine, glyphs aside.
+/// lengths are twips, widths of lines are pixels. Everything is clipped to the image; nothing is antialiased but
+/// glyphs. The same calls give the same bytes on every machine, glyphs aside.
 class Surface {
  public:
   Colour BackColor = RGB(0, 0, 0);
@@ -45,21 +45,28 @@ class Surface {
   /// Clears to BackColor or to the background and puts the pen at 0, 0.
   void Cls();
 
-  /// A line in ForeColor, DrawWidth pixels wide with round ends, both end points included.
+  /// A line in ForeColor, DrawWidth pixels wide with round ends, both end points included; from which end it is drawn
+  /// makes no difference. Width 1 has the pixel nearest to the line in each column (row, if steep), halves downward
+  /// (rightward). A greater width w has the pixels whose centres lie within w / 2 of the segment between the centres of
+  /// the two end pixels; for an even w that segment is moved half a pixel up and left.
   void Line(float x1, float y1, float x2, float y2);
 
-  /// A circle in `outline`, one pixel wide, filled with FillColor.
+  /// A circle in `outline`, one pixel wide, filled with FillColor: the pixels nearer than the radius plus half a pixel,
+  /// of which those with a neighbour outside (left, right, above or below) are the outline. A radius that rounds to 0
+  /// is one pixel, a negative one nothing.
   void Circle(float x, float y, float radius, Colour outline);
 
-  /// Copies the cell (sx, sy, w, h) of `source` to (x, y). What lies outside the source or the image is left out.
+  /// Copies the cell (sx, sy, w, h) of `source` to (x, y), each number turned into pixels by itself. What lies outside
+  /// the source or the image is left out.
   void PaintPicture(const Picture& source, float x, float y, float w, float h, float sx, float sy,
                     RasterOperation operation);
 
   /// Text at the pen in ForeColor, the background left as it is. A line break ("\r\n") goes down one line and back to
-  /// the column where this text began; at the end the pen stands at the start of the next line.
+  /// the column where this text began; at the end the pen stands at the left border, one line below the last. Without a
+  /// glyph source nothing is printed and the pen stays.
   void Print(std::string_view text);
 
-  /// Width of a text in twips, as `Print` would set it in `font`.
+  /// Width of a text (of its widest line) in twips, as `Print` would set it in `font`; 0 without a glyph source.
   static float textWidth(const FontSpec& font, std::string_view text);
 
   /// Where glyphs come from; set once by the backend before anything is printed, and outliving all printing. Forgets
@@ -67,10 +74,19 @@ class Surface {
   static void setGlyphSource(GlyphSource* source);
 
  private:
+  struct PixelPoint {
+    int x;
+    int y;
+  };
+  void drawThick(PixelPoint from, PixelPoint to, int width, Pixel pixel);
+  void drawGlyph(const Glyph& glyph, PixelPoint corner, Pixel ink);
+
   int width_ = 0;
   int height_ = 0;
   std::vector<Pixel> pixels_;
   PicturePointer background_;
+  std::vector<int> leftEdge_;  ///< room for the spans of one thick line, an entry a row
+  std::vector<int> rightEdge_;
 };
 
 }  // namespace kelvora

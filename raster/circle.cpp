@@ -1,0 +1,52 @@
+#include <algorithm>
+
+#include "raster/spans.h"
+#include "raster/surface.h"
+
+// The disc of radius r pixels has the pixels nearer than r + 1/2 to its centre: dx dx + dy dy <= r r + r in whole
+// numbers. Its outline are those of its pixels that have one of their four neighbours outside.
+
+namespace kelvora {
+namespace {
+
+// How far the disc's row reaches to either side of the centre; -1 above and below the disc.
+int rowReach(std::int64_t limit, std::int64_t row) {
+  const std::int64_t rest = limit - row * row;
+  return rest < 0 ? -1 : static_cast<int>(wholeRoot(rest));
+}
+
+}  // namespace
+
+void Surface::Circle(float x, float y, float radius, Colour outline) {
+  const int centreX = toPixels(x);
+  const int centreY = toPixels(y);
+  const int reach = toPixels(radius);
+  if (reach < 0 || centreX + reach < 0 || centreX - reach >= width_) return;
+  const std::int64_t limit = std::int64_t{reach} * reach + reach;
+  const SpanFiller rim(toPixel(outline));
+  const SpanFiller inside(toPixel(FillColor));
+  const bool isPlain = outline == FillColor;
+  const int first = std::max(0, centreY - reach);
+  const int last = std::min(height_ - 1, centreY + reach);
+  for (int row = first; row <= last; ++row) {
+    Pixel* const line = pixels_.data() + std::ptrdiff_t{row} * width_;
+    const auto fill = [&](const SpanFiller& filler, int left, int right) {
+      left = std::max(left, 0);
+      right = std::min(right, width_ - 1);
+      if (left <= right) filler.fill(line + left, right - left + 1);
+    };
+    const std::int64_t distance = std::abs(row - centreY);
+    const int end = rowReach(limit, distance);
+    if (isPlain) {
+      fill(rim, centreX - end, centreX + end);
+      continue;
+    }
+    // The outline is where the next row outward has ended, and the row's last pixel in any case.
+    const int rimStart = std::min(end, rowReach(limit, distance + 1) + 1);
+    fill(rim, centreX - end, centreX - rimStart);
+    fill(inside, centreX - rimStart + 1, centreX + rimStart - 1);
+    fill(rim, centreX + rimStart, centreX + end);
+  }
+}
+
+}  // namespace kelvora
