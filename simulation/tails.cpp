@@ -119,6 +119,8 @@ double clsPlayer::getTailNumByPos(Vector point) const {
 // the removed one's place, and really starts over only when the clock has moved since this walk began.
 void clsPlayer::ageTails() {
   if (tails.empty()) return;
+  // Quirk Q-100: no tick moves while the tail is extended, so the first pass behind it counts the whole time at once,
+  // and a tail extended for more than two seconds ends in one frame.
   if (powerups[extendedTailSlot].active) return;
   const Tick now = GetTickCount();
   if (lastAgeTick == 0) lastAgeTick = now;
