@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "raster/surface.h"
+#include "referenceSurface.h"
+
+namespace kelvora {
+namespace {
+
+float twips(int pixels) { return static_cast<float>(pixels * twipsPerPixel); }
+
+Picture picture(int width, int height, std::vector<Pixel> pixels) { return {width, height, std::move(pixels)}; }
+
+std::vector<Pixel> pixelsOf(const Surface& surface) { return {surface.pixels().begin(), surface.pixels().end()}; }
+
+TEST(RasterOperations, HaveTheirPublishedValues) {
+  EXPECT_EQ(static_cast<unsigned>(SRCAND), 0x8800C6U);
+  EXPECT_EQ(static_cast<unsigned>(SRCPAINT), 0xEE0086U);
+  EXPECT_EQ(static_cast<unsigned>(SRCCOPY), 0xCC0020U);
+}
+
+TEST(RasterOperations, JoinSourceAndDestinationBitByBit) {
+  const Picture source = picture(1, 1, {0x0F3355});
+  const auto joined = [&](RasterOperation operation) {
+    Surface surface;
+    surface.BackColor = RGB(0xFF, 0x0F, 0x36);
+    surface.resize(1, 1);
+    surface.PaintPicture(source, 0, 0, 15, 15, 0, 0, operation);
+    return surface.pixels()[0];
+  };
+  EXPECT_EQ(joined(SRCAND), 0x0F0314U);
+  EXPECT_EQ(joined(SRCPAINT), 0xFF3F77U);
+  EXPECT_EQ(joined(SRCCOPY), 0x0F3355U);
+}
+
+// A matte, white outside the shape and black inside, and its image, black outside: a plus sign of three by three.
+const Picture matte = picture(3, 3, {0xFFFFFF, 0, 0xFFFFFF, 0, 0, 0, 0xFFFFFF, 0, 0xFFFFFF});
+Picture plus(Pixel colour) { return picture(3, 3, {0, colour, 0, colour, colour, colour, 0, colour, 0}); }
+
+void paintSprite(Surface& surface, const Picture& image, int x, int y) {
+  surface.PaintPicture(matte, twips(x), twips(y), 45, 45, 0, 0, SRCAND);
+  surface.PaintPicture(image, twips(x), twips(y), 45, 45, 0, 0, SRCPAINT);
+}
+
+TEST(SpriteStep, LaterSpritePunchesItsOwnHoleAndNoColoursMix) {
+  constexpr Pixel red = 0xFF0000;
+  constexpr Pixel blue = 0x0000FF;
+  constexpr Pixel grey = 0x404040;
+  Surface surface;
+  surface.BackColor = RGB(0x40, 0x40, 0x40);
+  surface.resize(4, 3);
+  paintSprite(surface, plus(red), 0, 0);
+  paintSprite(surface, plus(blue), 1, 0);
+  const std::vector<Pixel> expected = {grey, red,  blue, grey,  //
+                                       red,  blue, blue, blue,  //
+                                       grey, red,  blue, grey};
+  EXPECT_EQ(pixelsOf(surface), expected);
+}
+
+TEST(SpriteStep, IsClippedAtTheImage) {
+  constexpr Pixel red = 0xFF0000;
+  Surface surface;
+  surface.BackColor = RGB(0x40, 0x40, 0x40);
+  surface.resize(3, 3);
+  paintSprite(surface, plus(red), -1, -1);
+  paintSprite(surface, plus(0x00FF00), 2, 2);
+  const std::vector<Pixel> expected = {red,      red,      0x404040,  //
+                                       red,      0x404040, 0x404040,  //
+                                       0x404040, 0x404040, 0x404040};
+  EXPECT_EQ(pixelsOf(surface), expected);
+}
+
+TEST(SpriteStep, ExchangedMakesABrightPatchWithTheImageInsideItsShape) {
+  constexpr Pixel colour = 0x20F030;
+  Surface surface;
+  surface.BackColor = RGB(0xFF, 0xFF, 0xFF);
+  surface.resize(3, 1);
+  const Picture patchMatte = picture(3, 1, {0xFFFFFF, 0, 0xFFFFFF});
+  const Picture patchImage = picture(3, 1, {0, colour, 0});
+  surface.PaintPicture(patchMatte, 0, 0, 45, 15, 0, 0, SRCPAINT);
+  surface.PaintPicture(patchImage, 0, 0, 45, 15, 0, 0, SRCAND);
+  // The matte makes its outside white, whatever was there; the image then keeps only what it has itself.
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{0, colour, 0}));
+}
+
+TEST(PaintPicture, TakesACellOfTheSheet) {
+  Surface surface;
+  surface.resize(3, 2);
+  const Picture sheet = picture(4, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
+  surface.PaintPicture(sheet, twips(1), 0, twips(2), twips(2), twips(2), twips(1), SRCCOPY);
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{0, 7, 8, 0, 11, 12}));
+}
+
+TEST(PaintPicture, TurnsEachNumberIntoPixelsByItself) {
+  Surface surface;
+  surface.resize(4, 1);
+  const Picture sheet = picture(5, 1, {1, 2, 3, 4, 5});
+  // 7.5 is pixel 1; a width of 37.4 is 2 pixels, though its right edge at 44.9 would be pixel 3; 22.5 is pixel 2.
+  surface.PaintPicture(sheet, 7.5F, 0, 37.4F, 15, 22.5F, 0, SRCCOPY);
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{0, 3, 4, 0}));
+}
+
+TEST(PaintPicture, LeavesOutWhatLiesOutsideTheSource) {
+  Surface surface;
+  surface.BackColor = RGB(0, 0, 99);
+  surface.resize(5, 1);
+  const Picture sheet = picture(2, 1, {1, 2});
+  surface.PaintPicture(sheet, 0, 0, twips(5), 15, twips(-2), 0, SRCCOPY);
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{99, 99, 1, 2, 99}));
+}
+
+TEST(PaintPicture, WithoutAnExtentChangesNothing) {
+  Surface surface;
+  surface.resize(3, 3);
+  const Picture sheet = picture(2, 2, {1, 2, 3, 4});
+  surface.PaintPicture(sheet, 0, 0, 0, 30, 0, 0, SRCCOPY);
+  surface.PaintPicture(sheet, 30, 30, -30, -30, 0, 0, SRCCOPY);
+  surface.PaintPicture(Picture{}, 0, 0, 30, 30, 0, 0, SRCCOPY);
+  surface.PaintPicture(sheet, -3e38F, 3e38F, 3e38F, 3e38F, 3e38F, -3e38F, SRCCOPY);
+  EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(9, 0));
+}
+
+TEST(PaintPicture, AgreesWithItsDefinitionForAllCellsAndOperations) {
+  std::mt19937 draws(5);
+  const auto between = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws); };
+  Picture sheet{29, 17, {}};
+  for (int i = 0; i < 29 * 17; ++i) sheet.pixels.push_back(static_cast<Pixel>(draws()) & 0xFFFFFF);
+  Surface surface;
+  surface.BackColor = RGB(0x5A, 0xC3, 0x0F);
+  surface.resize(37, 23);
+  ReferenceSurface reference(37, 23, 0x5AC30F);
+  for (int i = 0; i < 5000; ++i) {
+    const int x = between(-25, 40);
+    const int y = between(-25, 30);
+    const int w = between(-3, 35);
+    const int h = between(-3, 25);
+    const int sx = between(-12, 32);
+    const int sy = between(-12, 20);
+    const RasterOperation operation = i % 3 == 0 ? SRCAND : i % 3 == 1 ? SRCPAINT : SRCCOPY;
+    surface.PaintPicture(sheet, twips(x), twips(y), twips(w), twips(h), twips(sx), twips(sy), operation);
+    reference.copy(sheet, x, y, w, h, sx, sy, operation);
+    ASSERT_EQ(difference(surface, reference), "") << "copy " << i;
+  }
+}
+
+}  // namespace
+}  // namespace kelvora

@@ -1,0 +1,91 @@
+#include "raster/surface.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+
+namespace kelvora {
+namespace {
+
+std::vector<Pixel> pixelsOf(const Surface& surface) { return {surface.pixels().begin(), surface.pixels().end()}; }
+
+TEST(ToPixels, TakesTheNearestPixelHalvesUpward) {
+  EXPECT_EQ(toPixels(0), 0);
+  EXPECT_EQ(toPixels(7.4), 0);
+  EXPECT_EQ(toPixels(7.5), 1);
+  EXPECT_EQ(toPixels(-7.5), 0);
+  EXPECT_EQ(toPixels(-7.6), -1);
+  EXPECT_EQ(toPixels(11445), 763);
+  EXPECT_EQ(toPixels(9120), 608);
+}
+
+TEST(ToPixels, HoldsFarValuesAtAMillion) {
+  EXPECT_EQ(toPixels(1e30), 1000000);
+  EXPECT_EQ(toPixels(-1e30), -1000000);
+  EXPECT_EQ(toPixels(std::numeric_limits<double>::quiet_NaN()), -1000000);
+}
+
+TEST(Colour, IsThreeBytesOfAPixel) { EXPECT_EQ(toPixel(RGB(0x12, 0x34, 0x56)), 0x123456U); }
+
+TEST(Cls, ClearsToTheBackgroundColourAndMovesThePen) {
+  Surface surface;
+  surface.resize(3, 2);
+  surface.BackColor = RGB(1, 2, 3);
+  surface.CurrentX = 500;
+  surface.CurrentY = 600;
+  surface.Cls();
+  EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(6, 0x010203));
+  EXPECT_EQ(surface.CurrentX, 0);
+  EXPECT_EQ(surface.CurrentY, 0);
+}
+
+TEST(Cls, RestoresTheBackgroundPictureAtTheTopLeft) {
+  Surface surface;
+  surface.BackColor = RGB(0, 0, 9);
+  surface.resize(3, 3);
+  surface.setBackground(std::make_shared<const Picture>(Picture{2, 2, {1, 2, 3, 4}}));
+  const std::vector<Pixel> expected = {1, 2, 9, 3, 4, 9, 9, 9, 9};
+  EXPECT_EQ(pixelsOf(surface), expected) << "clears at once";
+  surface.Line(0, 0, 30, 30);
+  surface.Cls();
+  EXPECT_EQ(pixelsOf(surface), expected);
+}
+
+TEST(Cls, CutsABackgroundThatIsTooLarge) {
+  Surface surface;
+  surface.resize(2, 1);
+  surface.setBackground(std::make_shared<const Picture>(Picture{3, 2, {1, 2, 3, 4, 5, 6}}));
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{1, 2}));
+}
+
+TEST(Cls, KnowsNoBackgroundAfterItWasTakenAway) {
+  Surface surface;
+  surface.resize(1, 1);
+  surface.setBackground(std::make_shared<const Picture>(Picture{1, 1, {7}}));
+  surface.setBackground(nullptr);
+  EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>{0});
+  EXPECT_EQ(surface.background(), nullptr);
+}
+
+TEST(Resize, GivesAClearedImage) {
+  Surface surface;
+  surface.BackColor = RGB(0, 0, 5);
+  surface.resize(2, 2);
+  surface.Line(0, 0, 15, 15);
+  surface.resize(3, 1);
+  EXPECT_EQ(surface.pixelWidth(), 3);
+  EXPECT_EQ(surface.pixelHeight(), 1);
+  EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(3, 5));
+}
+
+TEST(Resize, CountsNegativeSizesAsNone) {
+  Surface surface;
+  surface.resize(-5, 10);
+  EXPECT_EQ(surface.pixelWidth(), 0);
+  EXPECT_EQ(surface.pixelHeight(), 10);
+  EXPECT_TRUE(surface.pixels().empty());
+}
+
+}  // namespace
+}  // namespace kelvora
