@@ -20,6 +20,7 @@ Form::Form(std::string caption, Design formDesign)
 void Form::Show(Modality modality) {
   if (modality == Modality::Modal && Visible) throw RuntimeFault("Form already displayed; can't show modally");
   if (!peer) backend().realize(*this);
+  modality_ = modality;
   Visible = true;
   if (modality == Modality::Modal) backend().runModal(*this);
 }
@@ -32,7 +33,13 @@ void Form::clientResized(float clientWidth, float clientHeight) {
   if (Resize) Resize();
 }
 
+void Form::closedByUser() {
+  unloading();
+  if (unload) unload();
+}
+
 void retireForm(std::unique_ptr<Form> form) {
+  form->unloaded_ = true;
   form->Hide();
   retiredForms.push_back(std::move(form));
 }

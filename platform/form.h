@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -38,12 +39,29 @@ class Form : public Control {
 
   std::function<void()> Resize;
 
-  /// Shows the window. Modal returns when it has been hidden or unloaded; a modal show of a visible form is RuntimeFault.
+  /// Shows the window. Modal returns when it has been hidden or unloaded; a modal show of a visible form is
+  /// RuntimeFault.
   void Show(Modality modality = Modality::Modeless);
   void Hide();
 
   /// The user or the window manager gave the window another size: client area in twips. Runs Resize.
   void clientResized(float clientWidth, float clientHeight);
+  /// The user closed the window: runs `unloading`, then unloads the form.
+  void closedByUser();
+
+  /// How the form was last shown; set before it becomes visible.
+  Modality modality() const { return modality_; }
+  /// True from the unload on. The form takes no more events.
+  bool isUnloaded() const { return unloaded_; }
+
+  /// Unloads the form by its name; set by its slot.
+  std::function<void()> unload;
+
+ private:
+  friend void retireForm(std::unique_ptr<Form> form);
+
+  Modality modality_ = Modality::Modeless;
+  bool unloaded_ = false;
 };
 
 /// A form by its name: it comes into being, and loads, the first time that it is touched, and again after an unload.
@@ -53,6 +71,7 @@ class FormSlot {
   FormType& operator*() {
     if (!form_) {
       form_ = std::make_unique<FormType>();
+      form_->Form::unload = [this] { unload(); };
       form_->load();
     }
     return *form_;

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "raster/picture.h"
+
+namespace kelvora {
+
+using FileBytes = std::vector<unsigned char>;
+
+inline constexpr std::uint32_t maximumPictureSide = 8192;  ///< pixels
+
+/// Nothing if the bytes are no whole, undamaged picture of that kind within the bounds.
+std::optional<Picture> decodePng(const FileBytes& bytes);
+std::optional<Picture> decodeJpeg(const FileBytes& bytes);
+
+}  // namespace kelvora

@@ -1,0 +1,23 @@
+#include "platform/qt/framePacer.h"
+
+#include <charconv>
+
+namespace kelvora {
+
+FramePacer::TimePoint FramePacer::passEnd(TimePoint now) {
+  constexpr int framesToMakeUp = 3;
+  TimePoint end = lastEnd_ ? *lastEnd_ + frame_ : now + frame_;
+  if (now - end > framesToMakeUp * frame_) end = now;
+  lastEnd_ = end;
+  return end;
+}
+
+std::optional<std::chrono::milliseconds> frameFromText(std::string_view text) {
+  unsigned milliseconds = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, milliseconds);
+  if (error != std::errc{} || stop != end || milliseconds < 1 || milliseconds > 1000) return std::nullopt;
+  return std::chrono::milliseconds(milliseconds);
+}
+
+}  // namespace kelvora

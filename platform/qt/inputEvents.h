@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+namespace kelvora {
+
+class Control;
+
+/// 1 Shift, 2 Ctrl, 4 Alt.
+int shiftBits(Qt::KeyboardModifiers modifiers);
+/// 1 left, 2 right, 4 middle.
+int buttonBits(Qt::MouseButtons buttons);
+/// The Windows virtual key code, or 0 for a key that has none.
+int virtualKeyCode(Qt::Key key, bool onKeypad);
+
+/// KeyDown, then KeyPress once for each byte of code page 1252 that the key typed.
+void raiseKey(Control& control, const QKeyEvent& event);
+/// KeyPress for each byte of a composed text.
+void raiseComposedText(Control& control, const QInputMethodEvent& event);
+
+void raiseMouseDown(Control& control, const QMouseEvent& event);
+void raiseMouseMove(Control& control, const QMouseEvent& event);
+/// MouseUp, then for the left button inside the control Click.
+void raiseMouseUp(Control& control, const QMouseEvent& event, bool inside);
+void raiseDoubleClick(Control& control, const QMouseEvent& event);
+
+}  // namespace kelvora

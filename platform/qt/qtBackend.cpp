@@ -1,0 +1,57 @@
+#include "platform/qt/qtBackend.h"
+
+#include <QApplication>
+#include <clocale>
+#include <exception>
+#include <string>
+
+#include "platform/qt/codePage.h"
+#include "platform/qt/handlerCall.h"
+#include "platform/qt/qtDesktop.h"
+#include "platform/qt/qtFonts.h"
+#include "platform/qt/qtGlyphs.h"
+#include "raster/surface.h"
+
+namespace kelvora {
+
+namespace {
+
+std::string joinedArguments(int argc, char** argv) {
+  QString line;
+  for (int i = 1; i < argc; ++i) line += (i > 1 ? " " : "") + QString::fromLocal8Bit(argv[i]);
+  return toBytes(line);
+}
+
+/// The game places the mouse pointer, which only the X window system lets a program do.
+void preferX11() {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
+    qputenv("QT_QPA_PLATFORM", "xcb");
+  }
+}
+
+}  // namespace
+
+int runDesktop(int argc, char** argv, void (*game)()) {
+  const std::string commandLine = joinedArguments(argc, argv);
+  preferX11();
+  QApplication application(argc, argv);
+  // The toolkit takes over the user's locale; numbers in texts keep their point.
+  std::setlocale(LC_NUMERIC, "C");
+  QApplication::setApplicationName("kelvora");
+  QApplication::setDesktopFileName("kelvora");
+  QApplication::setQuitOnLastWindowClosed(false);
+  installFontSubstitutes();
+
+  QtGlyphSource glyphs;
+  Surface::setGlyphSource(&glyphs);
+  QtDesktop desktop(commandLine);
+  installBackend(&desktop);
+  try {
+    game();
+  } catch (const std::exception& fault) {
+    reportFault(fault.what());
+  }
+  return 0;
+}
+
+}  // namespace kelvora

@@ -1,0 +1,84 @@
+#include "platform/qt/qtDesktop.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QFile>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QTime>
+#include <cstdlib>
+
+#include "platform/form.h"
+#include "platform/pictures/pictureFile.h"
+#include "platform/qt/codePage.h"
+#include "platform/qt/handlerCall.h"
+#include "platform/qt/qtForm.h"
+#include "platform/qt/qtSocket.h"
+#include "platform/qt/widgetPeer.h"
+
+namespace kelvora {
+
+QtDesktop::QtDesktop(std::string commandLine)
+    : commandLine_(std::move(commandLine)), settings_(QtSettings::defaultPath()) {
+  sinceStart_.start();
+  if (const auto frame = frameFromText(qgetenv("KELVORA_FRAME_MS").toStdString())) pacer_.emplace(*frame);
+  wakeUp_.setSingleShot(true);
+  wakeUp_.setTimerType(Qt::PreciseTimer);
+}
+
+Tick QtDesktop::tickCount() {
+  constexpr Tick first = 1'000'000;
+  return first + sinceStart_.elapsed();
+}
+
+float QtDesktop::secondsSinceMidnight() {
+  return static_cast<float>(QTime::currentTime().msecsSinceStartOfDay()) / 1000.0F;
+}
+
+void QtDesktop::messageBox(const std::string& text) {
+  const HandlerScope scope;
+  QMessageBox box(QMessageBox::NoIcon, "Kelvora", toQString(text).replace("\r\n", "\n"), QMessageBox::Ok,
+                  QApplication::activeWindow());
+  box.setTextFormat(Qt::PlainText);
+  box.exec();
+}
+
+void QtDesktop::endProcess() { std::_Exit(0); }
+
+void QtDesktop::placePointer(int x, int y) { QCursor::setPos(x, y); }
+
+/// Beside the program, or where an installation puts it, or the source folder of a build tree.
+std::string QtDesktop::applicationPath() {
+  if (const QByteArray chosen = qgetenv("KELVORA_DATA"); !chosen.isEmpty()) return chosen.toStdString();
+  const QString program = QCoreApplication::applicationDirPath();
+  for (const QString& folder : {program, program + "/../share/kelvora"}) {
+    if (QFileInfo::exists(folder + "/assets"))
+      return QFile::encodeName(QFileInfo(folder).canonicalFilePath()).toStdString();
+  }
+  return KELVORA_DATA_FOLDER;
+}
+
+PicturePointer QtDesktop::loadPicture(const std::string& path) { return loadPictureFile(path); }
+
+std::string QtDesktop::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
+  return settings_.read(section, key, fallback);
+}
+
+void QtDesktop::writeSetting(const std::string& section, const std::string& key, const std::string& value) {
+  settings_.write(section, key, value);
+}
+
+std::unique_ptr<SocketPeer> QtDesktop::createSocket(Winsock& socket) { return std::make_unique<QtSocket>(socket); }
+
+void QtDesktop::realize(Form& form) {
+  auto peer = std::make_unique<FormPeer>(form);
+  realizeChildren(form, peer->window().client());
+  form.peer = std::move(peer);
+}
+
+std::string QtDesktop::webHost() {
+  const QByteArray chosen = qgetenv("KELVORA_WEB_HOST");
+  return chosen.isEmpty() ? KELVORA_DEFAULT_WEB_HOST : chosen.toStdString();
+}
+
+}  // namespace kelvora

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <optional>
+#include <string>
+
+#include "base/randomGenerator.h"
+#include "platform/backend.h"
+#include "platform/qt/framePacer.h"
+#include "platform/qt/qtSettings.h"
+
+namespace kelvora {
+
+/// The desktop behind the seam. Needs a QApplication that outlives it. A name of the file system (applicationPath,
+/// loadPicture) is in the file system's own bytes, not in code page 1252.
+class QtDesktop : public Backend {
+ public:
+  /// `commandLine`: the arguments behind the program's name, joined by blanks.
+  explicit QtDesktop(std::string commandLine);
+
+  Tick tickCount() override;
+  float secondsSinceMidnight() override;
+  float random() override { return generator_.next(); }
+  float random(float argument) override { return generator_.next(argument); }
+  void randomize(float seed) override { generator_.randomize(seed); }
+
+  void doEvents(bool mayWait) override;
+  void messageBox(const std::string& text) override;
+  [[noreturn]] void endProcess() override;
+  void placePointer(int x, int y) override;
+  std::string commandLine() override { return commandLine_; }
+  std::string applicationPath() override;
+  PicturePointer loadPicture(const std::string& path) override;
+
+  std::string readSetting(const std::string& section, const std::string& key, const std::string& fallback) override;
+  void writeSetting(const std::string& section, const std::string& key, const std::string& value) override;
+
+  std::unique_ptr<SocketPeer> createSocket(Winsock& socket) override;
+  void realize(Form& form) override;
+  void runModal(Form& form) override;
+  std::string webHost() override;
+
+ private:
+  void serveUntil(FramePacer::TimePoint end);
+
+  std::string commandLine_;
+  QElapsedTimer sinceStart_;
+  RandomGenerator generator_;
+  QtSettings settings_;
+  std::optional<FramePacer> pacer_;
+  QTimer wakeUp_;
+};
+
+}  // namespace kelvora

@@ -1,0 +1,47 @@
+#include "platform/qt/qtFonts.h"
+
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QStringList>
+#include <cmath>
+
+#include "platform/qt/codePage.h"
+
+namespace kelvora {
+
+namespace {
+
+void substitute(const QString& family, const QStringList& substitutes) {
+  if (!QFontDatabase::hasFamily(family)) QFont::insertSubstitutions(family, substitutes);
+}
+
+}  // namespace
+
+void installFontSubstitutes() {
+  substitute("Comic Sans MS", {"Comic Neue", "Comic Relief", "DejaVu Sans"});
+  substitute("Kristen ITC", {"Dustismo", "Comic Neue", "DejaVu Sans"});
+  substitute("MS Sans Serif", {"Liberation Sans", "Arimo", "Arial", "Nimbus Sans", "DejaVu Sans"});
+}
+
+QFont toQFont(const FontSpec& font) { return toQFont(font, font.size); }
+
+QFont toQFont(const FontSpec& font, float points) {
+  QFont result(toQString(font.family));
+  const float pixels = std::round(points * 96 / 72);
+  result.setPixelSize(pixels >= 1 && pixels <= 200 ? static_cast<int>(pixels) : 12);
+  result.setBold(font.bold);
+  result.setHintingPreference(QFont::PreferFullHinting);
+  return result;
+}
+
+QFont fittingFont(QFont font, const QString& text, QSize room) {
+  const int smallest = font.pixelSize() * 3 / 4;
+  for (int size = font.pixelSize(); size > smallest; --size) {
+    font.setPixelSize(size);
+    const QFontMetrics metrics(font);
+    if (metrics.horizontalAdvance(text) <= room.width() && metrics.height() <= room.height()) break;
+  }
+  return font;
+}
+
+}  // namespace kelvora

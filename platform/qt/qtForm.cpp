@@ -1,0 +1,211 @@
+#include "platform/qt/qtForm.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QScreen>
+#include <QWindow>
+#include <algorithm>
+
+#include "platform/qt/codePage.h"
+#include "platform/qt/handlerCall.h"
+#include "platform/qt/widgetPeer.h"
+#include "platform/widgets.h"
+#include "raster/twips.h"
+
+namespace kelvora {
+
+namespace {
+
+/// The first form of the program; the others stay in front of it.
+QPointer<FormWindow> mainWindow;
+
+class ClientArea : public QWidget {
+ public:
+  ClientArea(const Form& form, FormPeer& peer, QWidget* parent) : QWidget(parent), peer_(peer) {
+    setAutoFillBackground(true);
+    if (form.design.systemColours) return;
+    QPalette colours = palette();
+    colours.setColor(QPalette::Window, toQColor(form.design.back));
+    setPalette(colours);
+  }
+
+ protected:
+  void resizeEvent(QResizeEvent*) override { peer_.clientResized(size()); }
+
+ private:
+  FormPeer& peer_;
+};
+
+QSize clientSize(const Form& form) {
+  return {toPixels(form.Width - Form::frameWidth), toPixels(form.Height - Form::frameHeight)};
+}
+
+Qt::WindowFlags formWindowFlags(const Form& form) {
+  if (form.design.border == Form::Border::Sizable) return Qt::Window;
+  return Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+         Qt::WindowCloseButtonHint;
+}
+
+template <class Visit>
+void visitControls(Control& container, const Visit& visit) {
+  for (Control* child : container.children()) {
+    visit(*child);
+    visitControls(*child, visit);
+  }
+}
+
+}  // namespace
+
+FormWindow::FormWindow(Form& form, FormPeer& peer)
+    : QMainWindow(nullptr, formWindowFlags(form)), form_(form), peer_(peer), client_(new ClientArea(form, peer, this)) {
+  setCentralWidget(client_);
+  setWindowTitle(toQString(form.Caption.get()));
+}
+
+void FormWindow::resizeClient(QSize client) {
+  ensurePolished();
+  QSize whole = client;
+  if (auto* bar = findChild<QMenuBar*>(QString(), Qt::FindDirectChildrenOnly); bar && !bar->isNativeMenuBar()) {
+    bar->ensurePolished();
+    whole.rheight() += bar->heightForWidth(client.width());
+  }
+  if (form_.design.border == Form::Border::Fixed) {
+    setFixedSize(whole);
+  } else {
+    resize(whole);
+  }
+}
+
+void FormWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();  // the unload hides the window
+  if (takesEvents(form_)) runHandler([this] { form_.closedByUser(); });
+}
+
+void FormWindow::moveEvent(QMoveEvent*) { peer_.moved(); }
+
+void FormWindow::keyPressEvent(QKeyEvent* event) {
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  const bool escape = event->key() == Qt::Key_Escape;
+  event->setAccepted((enter || escape) && peer_.answerKey(enter));
+}
+
+FormPeer::FormPeer(Form& form) : form_(form), window_(std::make_unique<FormWindow>(form, *this)) {
+  if (!mainWindow) mainWindow = window_.get();
+  placedByGame_ = form.Left != 0.0F || form.Top != 0.0F;
+  realizeMenu(form, *window_);
+  window_->resizeClient(clientSize(form));
+}
+
+void FormPeer::changed(PropertyId id) {
+  switch (id) {
+    case PropertyId::Caption:
+      window_->setWindowTitle(toQString(form_.Caption.get()));
+      break;
+    case PropertyId::Left:
+    case PropertyId::Top:
+      placedByGame_ = true;
+      window_->move(toPixels(form_.Left), toPixels(form_.Top));
+      break;
+    case PropertyId::Width:
+    case PropertyId::Height:
+      window_->resizeClient(clientSize(form_));
+      break;
+    case PropertyId::Visible:
+      form_.Visible ? showWindow() : window_->hide();
+      break;
+    default:
+      break;
+  }
+}
+
+void FormPeer::takeFocus() {
+  window_->raise();
+  window_->activateWindow();
+}
+
+void FormPeer::showWindow() {
+  const bool modal = form_.modality() == Form::Modality::Modal;
+  window_->setWindowModality(modal ? Qt::ApplicationModal : Qt::NonModal);
+  if (!window_->isVisible() && window_.get() != mainWindow) {
+    window_->winId();  // the native window must be there to be told whose dialog it is
+    QWidget* active = QApplication::activeWindow();
+    QWidget* owner = modal && active && active != window_.get() ? active : mainWindow.data();
+    if (owner && owner->windowHandle()) window_->windowHandle()->setTransientParent(owner->windowHandle());
+  }
+  if (!shownBefore_) {
+    orderTabs();
+    placeWindow();
+  }
+  shownBefore_ = true;
+  window_->show();
+  takeFocus();
+}
+
+/// A form that the game has not placed stands in the middle: of the screen, or of the main window. Its place is known
+/// at once, not only when the window manager has answered.
+void FormPeer::placeWindow() {
+  if (placedByGame_) {
+    window_->move(toPixels(form_.Left), toPixels(form_.Top));
+    return;
+  }
+  const QSize outer(toPixels(form_.Width), toPixels(form_.Height));
+  const QRect screen = window_->screen()->availableGeometry();
+  const bool isMain = window_.get() == mainWindow;
+  const QPoint centre = isMain || !mainWindow ? screen.center() : mainWindow->frameGeometry().center();
+  QPoint corner = centre - QPoint(outer.width() / 2, outer.height() / 2);
+  corner.setX(std::max(std::min(corner.x(), screen.right() - outer.width()), screen.left()));
+  corner.setY(std::max(std::min(corner.y(), screen.bottom() - outer.height()), screen.top()));
+  window_->move(corner);
+  form_.Left.adopt(static_cast<float>(corner.x() * twipsPerPixel));
+  form_.Top.adopt(static_cast<float>(corner.y() * twipsPerPixel));
+}
+
+/// Tabbing follows TabIndex; the lowest one has the focus when the form comes up.
+void FormPeer::orderTabs() {
+  std::vector<Control*> order;
+  visitControls(form_, [&order](Control& control) {
+    const auto* peer = dynamic_cast<WidgetPeer*>(control.peer.get());
+    if (control.TabIndex >= 0 && peer && peer->widget()->focusPolicy() != Qt::NoFocus) order.push_back(&control);
+  });
+  std::stable_sort(order.begin(), order.end(), [](Control* a, Control* b) { return a->TabIndex < b->TabIndex; });
+  QWidget* previous = nullptr;
+  for (const Control* control : order) {
+    QWidget* widget = dynamic_cast<WidgetPeer&>(*control->peer).widget();
+    if (previous) QWidget::setTabOrder(previous, widget);
+    if (!previous) widget->setFocus(Qt::OtherFocusReason);
+    previous = widget;
+  }
+}
+
+void FormPeer::clientResized(QSize client) {
+  if (client == clientSize(form_) || !takesEvents(form_)) return;
+  runHandler([this, client] {
+    form_.clientResized(static_cast<float>(client.width() * twipsPerPixel),
+                        static_cast<float>(client.height() * twipsPerPixel));
+  });
+}
+
+void FormPeer::moved() {
+  if (!window_ || !window_->isVisible()) return;
+  const QPoint corner = window_->pos();
+  // A place between two pixels stays as the game gave it as long as the window has not moved.
+  if (corner == QPoint(toPixels(form_.Left), toPixels(form_.Top))) return;
+  form_.Left.adopt(static_cast<float>(corner.x() * twipsPerPixel));
+  form_.Top.adopt(static_cast<float>(corner.y() * twipsPerPixel));
+}
+
+bool FormPeer::answerKey(bool enter) {
+  const Button::Role role = enter ? Button::Role::Default : Button::Role::Cancel;
+  Button* answer = nullptr;
+  visitControls(form_, [&answer, role](Control& control) {
+    auto* button = dynamic_cast<Button*>(&control);
+    if (button && button->role == role && button->Visible) answer = button;
+  });
+  if (!answer) return false;
+  answer->SetFocus();
+  raiseEvent(*answer, answer->Click);
+  return true;
+}
+
+}  // namespace kelvora

@@ -1,0 +1,85 @@
+#include <QFontMetrics>
+#include <QPainter>
+
+#include "platform/qt/codePage.h"
+#include "platform/qt/qtFonts.h"
+#include "platform/qt/widgetPeer.h"
+#include "platform/widgets.h"
+#include "raster/surface.h"
+
+namespace kelvora {
+
+namespace {
+
+class LabelWidget : public ControlWidget {
+ public:
+  LabelWidget(Label& label, QWidget* parent) : ControlWidget(label, parent), label_(label) {}
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    const LabelDesign& design = label_.design;
+    if (!design.transparent) {
+      painter.fillRect(rect(), design.systemColours ? palette().color(QPalette::Window) : toQColor(label_.BackColor));
+    }
+    QRect inside = rect();
+    if (label_.BorderStyle != 0) {
+      painter.setPen(design.systemColours ? palette().color(QPalette::Mid) : QColor(Qt::gray));
+      painter.drawRect(rect().adjusted(0, 0, -1, -1));
+      inside.adjust(1, 1, -1, -1);
+    }
+    painter.setPen(design.systemColours ? palette().color(QPalette::WindowText) : toQColor(label_.ForeColor));
+    const QString text = toQString(label_.Caption.get());
+    painter.setFont(fittingFont(toQFont(design.font, label_.FontSize), text, inside.size()));
+    painter.drawText(inside, Qt::AlignTop | horizontal(painter.fontMetrics(), text, inside.size()), text);
+  }
+
+ private:
+  /// A text that is too wide or high for one line is broken into lines where there is room for them.
+  int horizontal(const QFontMetrics& metrics, const QString& text, QSize room) const {
+    const bool wrap = metrics.horizontalAdvance(text) > room.width() && room.height() >= 2 * metrics.lineSpacing();
+    const int flags = Qt::TextExpandTabs | (wrap ? Qt::TextWordWrap : 0);
+    switch (label_.design.alignment) {
+      case Alignment::Right:
+        return flags | Qt::AlignRight;
+      case Alignment::Centre:
+        return flags | Qt::AlignHCenter;
+      default:
+        return flags | Qt::AlignLeft;
+    }
+  }
+
+  Label& label_;
+};
+
+class LabelPeer : public WidgetPeer {
+ public:
+  LabelPeer(Label& label, QWidget* parent) : WidgetPeer(label, new LabelWidget(label, parent)), label_(label) {
+    followCaption();
+  }
+
+ protected:
+  void show(PropertyId id) override {
+    if (id == PropertyId::Caption || id == PropertyId::FontSize) followCaption();
+    widget()->update();
+  }
+
+ private:
+  void followCaption() {
+    if (!label_.design.autoSize) return;
+    FontSpec font = label_.design.font;
+    font.size = label_.FontSize;
+    label_.Width.adopt(Surface::textWidth(font, label_.Caption.get()));
+    widget()->setGeometry(pixelPlace(label_));
+  }
+
+  Label& label_;
+};
+
+}  // namespace
+
+std::unique_ptr<WidgetPeer> makePeer(Label& label, QWidget* parent) {
+  return std::make_unique<LabelPeer>(label, parent);
+}
+
+}  // namespace kelvora

@@ -1,0 +1,90 @@
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "platform/pictureBox.h"
+#include "platform/qt/inputEvents.h"
+#include "platform/qt/widgetPeer.h"
+
+namespace kelvora {
+
+namespace {
+
+class PictureBoxWidget : public ControlWidget {
+ public:
+  PictureBoxWidget(PictureBox& box, QWidget* parent) : ControlWidget(box, parent), box_(box) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setFocusPolicy(box.TabIndex >= 0 ? Qt::StrongFocus : Qt::ClickFocus);
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QPainter painter(this);
+    const QImage image(reinterpret_cast<const uchar*>(box_.pixels().data()), box_.pixelWidth(), box_.pixelHeight(),
+                       QImage::Format_RGB32);
+    painter.drawImage(event->rect(), image, event->rect());
+  }
+
+  void mousePressEvent(QMouseEvent* event) override {
+    if (takesKeys()) setFocus(Qt::MouseFocusReason);
+    ControlWidget::mousePressEvent(event);
+  }
+
+  void mouseMoveEvent(QMouseEvent* event) override {
+    // Quirk Q-020: a picture hears of no movement outside its edges, not even while a button is held. A fast mouse
+    // thus escapes the confinement of the canvas, which lives on these events.
+    if (!rect().contains(event->position().toPoint())) return;
+    ControlWidget::mouseMoveEvent(event);
+  }
+
+  void keyPressEvent(QKeyEvent* event) override {
+    event->ignore();  // Enter and Esc may have a meaning for the form
+    raiseKey(box_, *event);
+  }
+
+  void inputMethodEvent(QInputMethodEvent* event) override { raiseComposedText(box_, *event); }
+
+ private:
+  bool takesKeys() const { return box_.KeyDown || box_.KeyPress; }
+
+  PictureBox& box_;
+};
+
+class PictureBoxPeer : public WidgetPeer {
+ public:
+  PictureBoxPeer(PictureBox& box, QWidget* parent) : WidgetPeer(box, new PictureBoxWidget(box, parent)), box_(box) {
+    box_.fitImage();
+    showPointer();
+  }
+
+  /// Now, not at the next turn of the event loop: the frame is finished and the next one begins.
+  void present() override {
+    if (widget()) widget()->repaint();
+  }
+
+ protected:
+  void show(PropertyId id) override {
+    if (id == PropertyId::MousePointer) showPointer();
+    if (id == PropertyId::Width || id == PropertyId::Height) {
+      box_.fitImage();
+      widget()->update();
+    }
+  }
+
+ private:
+  void showPointer() {
+    constexpr int invisible = 99;
+    widget()->setCursor(box_.MousePointer == invisible ? Qt::BlankCursor : Qt::ArrowCursor);
+  }
+
+  PictureBox& box_;
+};
+
+}  // namespace
+
+std::unique_ptr<WidgetPeer> makePeer(PictureBox& pictureBox, QWidget* parent) {
+  return std::make_unique<PictureBoxPeer>(pictureBox, parent);
+}
+
+}  // namespace kelvora

@@ -1,0 +1,157 @@
+#include "platform/qt/qtSocket.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+#include <QNetworkProxy>
+#include <algorithm>
+#include <functional>
+
+#include "platform/qt/codePage.h"
+#include "platform/qt/handlerCall.h"
+
+namespace kelvora {
+
+/// One connection from its start to its end. What is noted here and not yet told dies with it, so that a socket that
+/// was closed and opened again hears nothing of its past.
+struct QtSocket::Connection {
+  QTcpSocket wire;
+  bool isConnected = false;      ///< it stood at some time
+  bool isClosed = false;         ///< the other side closed it
+  bool isBroken = false;         ///< it failed
+  bool hasNews = false;          ///< bytes have come since the last data event
+  bool isTellingQueued = false;  ///< a turn of the event loop will tell the game
+  bool isDropped = false;        ///< the game has no interest in it any more
+  qint64 told = 0;               ///< bytes that the game may take
+
+  /// Frees the connection at a later turn of the event loop, since this one may have been started by its wire.
+  static void retire(Connection* connection) {
+    if (qApp) {
+      QMetaObject::invokeMethod(
+          qApp, [connection] { delete connection; }, Qt::QueuedConnection);
+    } else {
+      delete connection;
+    }
+  }
+};
+
+namespace {
+
+void runEvent(const std::function<void()>& event) {
+  if (event) runHandler([handler = event] { handler(); });
+}
+
+}  // namespace
+
+QtSocket::~QtSocket() { drop(); }
+
+void QtSocket::connect(const std::string& host, int port) {
+  drop();
+  constexpr int highestPort = 65535;
+  if (port < 1 || port > highestPort) {
+    state_ = sckError;
+    return;
+  }
+  connection_ = std::shared_ptr<Connection>(new Connection, &Connection::retire);
+  state_ = sckResolvingHost;
+  Connection& connection = *connection_;
+  QTcpSocket& wire = connection.wire;
+  wire.setProxy(QNetworkProxy::NoProxy);
+  wire.setReadBufferSize(readBufferSize);
+  QObject::connect(&wire, &QTcpSocket::hostFound, &wire, [this] {
+    if (state_ == sckResolvingHost) state_ = sckConnecting;
+  });
+  QObject::connect(&wire, &QTcpSocket::connected, &wire, [this, &connection] {
+    connection.wire.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    connection.isConnected = true;
+    note();
+  });
+  QObject::connect(&wire, &QTcpSocket::readyRead, &wire, [this, &connection] {
+    connection.hasNews = true;
+    note();
+  });
+  QObject::connect(&wire, &QTcpSocket::disconnected, &wire, [this, &connection] {
+    connection.isClosed = true;
+    note();
+  });
+  QObject::connect(&wire, &QTcpSocket::errorOccurred, &wire, [this, &connection](QAbstractSocket::SocketError error) {
+    if (error == QAbstractSocket::RemoteHostClosedError) return;  // the orderly end; `disconnected` follows
+    connection.isBroken = true;
+    note();
+  });
+  wire.connectToHost(toQString(host), static_cast<quint16>(port));
+}
+
+void QtSocket::close() {
+  drop();
+  state_ = sckClosed;
+}
+
+void QtSocket::send(std::string_view data) {
+  if (!connection_ || connection_->wire.state() != QAbstractSocket::ConnectedState) return;
+  QTcpSocket& wire = connection_->wire;
+  if (wire.bytesToWrite() + static_cast<qint64>(data.size()) > writeBufferLimit) {
+    fail();
+    return;
+  }
+  wire.write(data.data(), static_cast<qint64>(data.size()));
+}
+
+std::string QtSocket::take() {
+  if (!connection_) return {};
+  const QByteArray portion = connection_->wire.read(std::min(connection_->told, portionSize));
+  connection_->told -= portion.size();
+  return portion.toStdString();
+}
+
+void QtSocket::note() {
+  if (!connection_ || connection_->isTellingQueued) return;
+  connection_->isTellingQueued = true;
+  const std::weak_ptr<Connection> noted = connection_;
+  QMetaObject::invokeMethod(
+      &connection_->wire,
+      [this, noted] {
+        if (noted.lock()) tell();
+      },
+      Qt::QueuedConnection);
+}
+
+/// Tells the game one thing: the connection, then a portion of the bytes, and the end when none are left. A handler may
+/// have dropped the connection, and deleted this object with it.
+void QtSocket::tell() {
+  const std::shared_ptr<Connection> connection = connection_;
+  connection->isTellingQueued = false;
+  if (connection->isConnected && state_ != sckConnected) {
+    state_ = sckConnected;
+    if (connection->hasNews || connection->isClosed || connection->isBroken) note();
+    runEvent(owner_.onConnect);
+  } else if (connection->hasNews && connection->wire.bytesAvailable() > 0) {
+    const qint64 portion = std::min(connection->wire.bytesAvailable(), portionSize);
+    connection->hasNews = false;
+    connection->told = portion;
+    runEvent(owner_.onDataArrival);
+    if (connection->isDropped) return;
+    // A handler that leaves its bytes alone is not told of them again before others come.
+    if (connection->told < portion && connection->wire.bytesAvailable() > 0) connection->hasNews = true;
+    if (connection->hasNews || connection->isClosed || connection->isBroken) note();
+  } else if (connection->isBroken) {
+    fail();
+  } else if (connection->isClosed && state_ != sckClosing) {
+    state_ = sckClosing;
+    runEvent(owner_.onClose);
+  }
+}
+
+void QtSocket::fail() {
+  drop();
+  state_ = sckError;
+}
+
+void QtSocket::drop() {
+  if (!connection_) return;
+  connection_->isDropped = true;
+  connection_->wire.disconnect();
+  connection_->wire.abort();
+  connection_.reset();
+}
+
+}  // namespace kelvora

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QTcpSocket>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/winsock.h"
+
+namespace kelvora {
+
+/// A TCP connection over Qt. The game's events are never raised from within the toolkit's own: what happens on the wire
+/// is noted and told at the next turn of the event loop, so that a handler may close, reopen or delete its socket.
+class QtSocket : public SocketPeer {
+ public:
+  static constexpr qint64 readBufferSize = 256 * 1024;         ///< bytes; beyond it the other side has to wait
+  static constexpr qint64 portionSize = 64 * 1024;             ///< bytes told by one event
+  static constexpr qint64 writeBufferLimit = 4 * 1024 * 1024;  ///< bytes unsent; beyond it the connection is given up
+
+  explicit QtSocket(Winsock& owner) : owner_(owner) {}
+  ~QtSocket() override;
+
+  int state() const override { return state_; }
+  void connect(const std::string& host, int port) override;
+  void close() override;
+  void send(std::string_view data) override;
+  std::string take() override;
+
+ private:
+  struct Connection;
+
+  void note();
+  void tell();
+  void fail();
+  void drop();
+
+  Winsock& owner_;
+  int state_ = sckClosed;
+  std::shared_ptr<Connection> connection_;
+};
+
+}  // namespace kelvora

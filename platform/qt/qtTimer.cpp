@@ -1,0 +1,37 @@
+#include <QTimer>
+
+#include "platform/qt/handlerCall.h"
+#include "platform/qt/widgetPeer.h"
+#include "platform/widgets.h"
+
+namespace kelvora {
+
+namespace {
+
+class TimerPeer : public Peer {
+ public:
+  explicit TimerPeer(IntervalTimer& timer) : timer_(timer) {
+    QObject::connect(&ticker_, &QTimer::timeout, &ticker_, [this] { raiseEvent(timer_, timer_.Timer); });
+    follow();
+  }
+
+  void changed(PropertyId) override { follow(); }
+
+ private:
+  void follow() {
+    if (timer_.Enabled && timer_.Interval > 0) {
+      ticker_.start(timer_.Interval);
+    } else {
+      ticker_.stop();
+    }
+  }
+
+  IntervalTimer& timer_;
+  QTimer ticker_;
+};
+
+}  // namespace
+
+std::unique_ptr<Peer> makePeer(IntervalTimer& timer) { return std::make_unique<TimerPeer>(timer); }
+
+}  // namespace kelvora

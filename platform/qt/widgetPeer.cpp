@@ -1,0 +1,87 @@
+#include "platform/qt/widgetPeer.h"
+
+#include <QMouseEvent>
+
+#include "platform/pictureBox.h"
+#include "platform/qt/inputEvents.h"
+#include "platform/widgets.h"
+#include "raster/twips.h"
+
+namespace kelvora {
+
+QRect pixelPlace(const Control& control) {
+  return {toPixels(control.Left), toPixels(control.Top), toPixels(control.Width), toPixels(control.Height)};
+}
+
+ControlWidget::ControlWidget(Control& control, QWidget* parent) : QWidget(parent), control_(control) {
+  setMouseTracking(true);
+}
+
+void ControlWidget::mousePressEvent(QMouseEvent* event) { raiseMouseDown(control_, *event); }
+void ControlWidget::mouseMoveEvent(QMouseEvent* event) { raiseMouseMove(control_, *event); }
+void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
+  raiseMouseUp(control_, *event, rect().contains(event->position().toPoint()));
+}
+void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) { raiseDoubleClick(control_, *event); }
+
+WidgetPeer::WidgetPeer(Control& control, QWidget* widget) : control_(control), widget_(widget) {
+  widget_->setGeometry(pixelPlace(control));
+  widget_->setVisible(control.Visible);
+}
+
+WidgetPeer::~WidgetPeer() { delete widget_.data(); }
+
+void WidgetPeer::changed(PropertyId id) {
+  if (!widget_) return;
+  switch (id) {
+    case PropertyId::Left:
+    case PropertyId::Top:
+    case PropertyId::Width:
+    case PropertyId::Height:
+      widget_->setGeometry(pixelPlace(control_));
+      break;
+    case PropertyId::Visible:
+      widget_->setVisible(control_.Visible);
+      return;
+    default:
+      break;
+  }
+  show(id);
+}
+
+void WidgetPeer::takeFocus() {
+  if (!widget_) return;
+  if (widget_->window()->isVisible()) widget_->activateWindow();
+  widget_->setFocus(Qt::OtherFocusReason);
+}
+
+namespace {
+
+template <class Kind>
+bool realizeAs(Control& control, QWidget* parent) {
+  auto* kind = dynamic_cast<Kind*>(&control);
+  if (!kind) return false;
+  auto peer = makePeer(*kind, parent);
+  QWidget* widget = peer->widget();
+  control.peer = std::move(peer);
+  realizeChildren(control, widget);
+  return true;
+}
+
+}  // namespace
+
+void realizeChildren(Control& container, QWidget* parent) {
+  for (Control* child : container.children()) {
+    if (auto* timer = dynamic_cast<IntervalTimer*>(child)) {
+      timer->peer = makePeer(*timer);
+      continue;
+    }
+    // Menu items are none of these: the form's own peer makes the menu bar.
+    [[maybe_unused]] const bool isWidget = realizeAs<Label>(*child, parent) || realizeAs<TextBox>(*child, parent) ||
+                                           realizeAs<Button>(*child, parent) || realizeAs<Frame>(*child, parent) ||
+                                           realizeAs<Image>(*child, parent) || realizeAs<Shape>(*child, parent) ||
+                                           realizeAs<PictureBox>(*child, parent);
+  }
+}
+
+}  // namespace kelvora
