@@ -125,6 +125,7 @@ void receivePlayerLeft(std::int16_t node) {
   frmMain->lbUserName[player.colour].Caption = "";
   frmMain->lblKills[player.colour].Caption = "";
   frmMain->picCaps[player.colour].Cls();
+  frmMain->picCaps[player.colour].Refresh();
 }
 
 void receiveRoundOver(const std::string& text) {
@@ -141,7 +142,6 @@ void modMain::resetConnectionState() {
   localPlayer.isConnected = false;
   for (std::int16_t i = 0; i < opponentCount; ++i) playerAt(i).isConnected = false;
   // A server may have given a colour that has no label; the dialog is offered all the same.
-  // Quirk Q-075: only the own name goes. Those of the others stay on the list.
   resumeNext([] {
     Label& label = frmMain->lbUserName[localPlayer.colour];
     label.BackColor = black;

@@ -1,0 +1,260 @@
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+constexpr int keyReturn = 13;
+constexpr int keyUp = 38;
+constexpr int keyDown = 40;
+constexpr Colour publicBack = RGB(255, 255, 255);
+constexpr Colour privateBack = RGB(128, 128, 255);
+
+/// Ann is the local player with node 7; Bob (9) and Cat (11) are there.
+class Chat : public GameTest {
+ protected:
+  Chat() {
+    login(0, 7);
+    join(9, 1, "Bob");
+    join(11, 2, "Cat");
+    modMain::chatLines = {};
+  }
+  void key(int code) { frmMain->txtChat.KeyDown(code, 0); }
+  /// Types a line and Enter.
+  void enter(const std::string& line) {
+    frmMain->txtChat.Text = line;
+    key(keyReturn);
+    frmMain->txtChat.KeyPress(keyReturn);
+  }
+  const std::string& entryText() { return frmMain->txtChat.Text; }
+  std::vector<WireMessage> chats() { return sentFrames(); }
+  const ChatLine& lastLine() { return modMain::chatLines[0]; }
+  static WireMessage chat(const std::string& target, const std::string& text) {
+    return {wire::msgChat, {target, text}};
+  }
+};
+
+TEST_F(Chat, ALineGoesToEverybodyAndIsNotShownYet) {
+  enter("hello there");
+  EXPECT_EQ(chats(), std::vector<WireMessage>{chat("-1", "hello there")});
+  EXPECT_EQ(entryText(), "");
+  EXPECT_EQ(lastLine().text, "");
+}
+
+TEST_F(Chat, AnEmptyLineIsNotSent) {
+  enter("");
+  EXPECT_TRUE(chats().empty());
+}
+
+TEST_F(Chat, OtherCharactersDoNotSend) {
+  frmMain->txtChat.Text = "hello";
+  frmMain->txtChat.KeyPress('x');
+  EXPECT_TRUE(chats().empty());
+  EXPECT_EQ(entryText(), "hello");
+}
+
+TEST_F(Chat, OnlyCharactersFrom32To127AreKept) {
+  std::string all;
+  std::string kept;
+  for (int c = 0; c < 256; ++c) {
+    all += static_cast<char>(c);
+    if (c >= 32 && c <= 127) kept += static_cast<char>(c);
+  }
+  EXPECT_EQ(netMan::filterChatText(all), kept);
+  enter(
+      "a\x82"
+      "b\x81"
+      "c\xE9");
+  EXPECT_EQ(chats(), std::vector<WireMessage>{chat("-1", "abc")});
+}
+
+TEST_F(Chat, Q076ALineOfWhichNothingIsLeftIsSentAllTheSame) {
+  enter("\xE9\xE9");
+  netMan::selectPrivateTarget("Bob");
+  enter("\xE9");
+  EXPECT_EQ(chats(), (std::vector<WireMessage>{chat("-1", ""), chat("9", "(private) ")}));
+}
+
+TEST_F(Chat, APrivateLineGoesToThePartner) {
+  netMan::selectPrivateTarget("cat");
+  enter("psst");
+  EXPECT_EQ(chats(), std::vector<WireMessage>{chat("11", "(private) psst")});
+}
+
+TEST_F(Chat, Q077APrivateLineToOneWhoHasGoneGoesToNode0) {
+  netMan::selectPrivateTarget("Cat");
+  serverSends(wire::msgPlayerLeft, {"11"});
+  enter("still there?");
+  EXPECT_EQ(chats(), std::vector<WireMessage>{chat("0", "(private) still there?")});
+}
+
+TEST_F(Chat, WithoutConnectionTheLineIsGoneButKeptInTheHistory) {
+  netMan::disconnectFromServer();
+  modMain::chatLines = {};
+  enter("anyone?");
+  EXPECT_TRUE(server().sent.empty());
+  EXPECT_EQ(lastLine().text, "");
+  EXPECT_EQ(frmMain->chatHistory[0], "anyone?");
+}
+
+TEST_F(Chat, PublicLinesAreOfTypeZeroTheOwnOneToo) {
+  serverSends(wire::msgChat, {"9", "hi all"});
+  EXPECT_EQ(lastLine().text, "[Bob] hi all");
+  EXPECT_EQ(lastLine().colour, RGB(128, 255, 128));
+  serverSends(wire::msgChat, {"7", "hi Bob"});
+  EXPECT_EQ(lastLine().text, "[Ann] hi Bob");
+  EXPECT_EQ(lastLine().colour, RGB(128, 255, 128));
+}
+
+TEST_F(Chat, TheEchoOfTheOwnPrivateLineIsOfTypeOne) {
+  serverSends(wire::msgChat, {"7", "(private) psst"});
+  EXPECT_EQ(lastLine().text, "[Ann] (private) psst");
+  EXPECT_EQ(lastLine().colour, RGB(255, 255, 255));
+  EXPECT_EQ(netMan::getChatMode(), 0) << "only others become the partner";
+}
+
+TEST_F(Chat, Q078WhoWritesInPrivateBecomesThePartner) {
+  serverSends(wire::msgChat, {"11", "(private) psst"});
+  EXPECT_EQ(lastLine().text, "[Cat] (private) psst");
+  EXPECT_EQ(lastLine().colour, RGB(255, 0, 255));
+  EXPECT_EQ(netMan::privateTargetIndex, 1);
+  EXPECT_EQ(netMan::privateTargetName, "Cat");
+  EXPECT_EQ(frmMain->lblPrivChat.Caption.get(), "Cat");
+  enter("what?");
+  EXPECT_EQ(chats(), std::vector<WireMessage>{chat("11", "(private) what?")});
+}
+
+TEST_F(Chat, ThePrefixCountsInAnyCaseAndOnlyInFront) {
+  serverSends(wire::msgChat, {"9", "(PRIVATE) PSST"});
+  EXPECT_EQ(lastLine().colour, RGB(255, 0, 255));
+  serverSends(wire::msgChat, {"9", "(private)psst"});
+  EXPECT_EQ(lastLine().colour, RGB(128, 255, 128));
+  serverSends(wire::msgChat, {"9", "x(private) psst"});
+  EXPECT_EQ(lastLine().colour, RGB(128, 255, 128));
+}
+
+TEST_F(Chat, ModesAreShownOnTheLabel) {
+  Label& label = frmMain->lblPrivChat;
+  netMan::selectPrivateTarget("Bob");
+  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(label.Caption.get(), "Bob");
+  EXPECT_EQ(label.BackColor.get(), privateBack);
+  netMan::setChatMode(2);
+  EXPECT_EQ(netMan::getChatMode(), 0) << "any mode other than 1 is public";
+  EXPECT_EQ(label.Caption.get(), "Public Chat");
+  EXPECT_EQ(label.BackColor.get(), publicBack);
+}
+
+TEST_F(Chat, ClicksOnTheModeLabelChangeTheMode) {
+  Label& label = frmMain->lblPrivChat;
+  label.BorderStyle = 0;
+  label.MouseDown(2, 0, 0, 0);
+  EXPECT_EQ(label.BorderStyle.get(), 0);
+  label.MouseDown(1, 0, 0, 0);
+  EXPECT_EQ(label.BorderStyle.get(), 1);
+  label.MouseUp(2, 0, 0, 0);
+  EXPECT_EQ(label.BorderStyle.get(), 0);
+  EXPECT_EQ(netMan::getChatMode(), 0) << "no partner has been chosen";
+  EXPECT_EQ(label.Caption.get(), "Public Chat");
+
+  netMan::selectPrivateTarget("Bob");
+  label.MouseUp(1, 0, 0, 0);
+  EXPECT_EQ(netMan::getChatMode(), 0);
+  label.MouseUp(1, 0, 0, 0);
+  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(label.Caption.get(), "Bob");
+}
+
+TEST_F(Chat, AClickOnANameChoosesThePartner) {
+  Label& name = frmMain->lbUserName[2];
+  const Colour back = name.BackColor;
+  const Colour fore = name.ForeColor;
+  name.MouseDown(2, 0, 0, 0);
+  EXPECT_EQ(name.BorderStyle.get(), 1);
+  EXPECT_EQ(netMan::getChatMode(), 0);
+  name.MouseUp(2, 0, 0, 0);
+  EXPECT_EQ(name.BorderStyle.get(), 0);
+  EXPECT_EQ(name.BackColor.get(), back);
+  EXPECT_EQ(name.ForeColor.get(), fore);
+  EXPECT_EQ(netMan::privateTargetName, "Cat");
+  EXPECT_EQ(netMan::privateTargetIndex, 1);
+  EXPECT_EQ(netMan::getChatMode(), 1);
+}
+
+TEST_F(Chat, Q079AClickOnTheOwnNameSendsToTheFirstOpponent) {
+  frmMain->lbUserName[0].MouseUp(1, 0, 0, 0);
+  EXPECT_EQ(frmMain->lblPrivChat.Caption.get(), "Ann");
+  enter("me?");
+  EXPECT_EQ(chats(), std::vector<WireMessage>{chat("9", "(private) me?")});
+}
+
+TEST_F(Chat, ModeAndPartnerSurviveADisconnection) {
+  netMan::selectPrivateTarget("Cat");
+  netMan::disconnectFromServer();
+  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(netMan::privateTargetName, "Cat");
+  EXPECT_EQ(netMan::privateTargetIndex, 1);
+  EXPECT_EQ(frmMain->lblPrivChat.Caption.get(), "Cat");
+}
+
+TEST_F(Chat, Q081TheNewLineTakesTheTwoNewestPlaces) {
+  enter("one");
+  EXPECT_EQ(frmMain->chatHistory[0], "one");
+  EXPECT_EQ(frmMain->chatHistory[1], "one");
+  EXPECT_EQ(frmMain->chatHistory[2], "");
+  enter("two");
+  EXPECT_EQ(frmMain->chatHistory[0], "two");
+  EXPECT_EQ(frmMain->chatHistory[1], "two");
+  EXPECT_EQ(frmMain->chatHistory[2], "one");
+  EXPECT_EQ(frmMain->chatHistory[3], "");
+}
+
+TEST_F(Chat, Q080UpAddsABlankAndDownDoesNot) {
+  enter("one");
+  enter("two");
+  enter("three");
+  key(keyUp);
+  EXPECT_EQ(entryText(), "three ");
+  EXPECT_EQ(frmMain->txtChat.SelStart.get(), 6);
+  key(keyUp);
+  EXPECT_EQ(entryText(), "two ");
+  key(keyDown);
+  EXPECT_EQ(entryText(), "three");
+  EXPECT_EQ(frmMain->txtChat.SelStart.get(), 5);
+}
+
+TEST_F(Chat, Q081ThePositionStaysWhereItWasAfterEnter) {
+  enter("one");
+  enter("two");
+  key(keyUp);
+  enter("three");
+  EXPECT_EQ(frmMain->chatHistoryPosition, 1);
+  key(keyUp);
+  EXPECT_EQ(entryText(), "two ") << "places: three, three, two, one";
+}
+
+TEST_F(Chat, TheHistoryEndsAtBothSides) {
+  enter("one");
+  key(keyDown);
+  EXPECT_EQ(entryText(), "");
+  EXPECT_EQ(frmMain->chatHistoryPosition, 0);
+  frmMain->chatHistory[255] = "oldest";
+  for (int i = 0; i < 300; ++i) key(keyUp);
+  EXPECT_EQ(frmMain->chatHistoryPosition, 255);
+  EXPECT_EQ(entryText(), "oldest ");
+  frmMain->txtChat.Text = "typed";
+  for (int i = 0; i < 255; ++i) key(keyDown);
+  EXPECT_EQ(frmMain->chatHistoryPosition, 0);
+  EXPECT_EQ(entryText(), "one");
+  key(keyDown);
+  EXPECT_EQ(entryText(), "");
+}
+
+TEST_F(Chat, EveryKeyGoesOnToTheCanvas) {
+  std::vector<int> seen;
+  frmMain->canvas.KeyDown = [&](int code, int) { seen.push_back(code); };
+  for (const int code : {keyUp, keyDown, keyReturn, 112, 65}) key(code);
+  EXPECT_EQ(seen, (std::vector<int>{keyUp, keyDown, keyReturn, 112, 65}));
+}
+
+}  // namespace
+}  // namespace kelvora

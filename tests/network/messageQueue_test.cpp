@@ -1,0 +1,126 @@
+#include "network/messageQueue.h"
+
+#include <gtest/gtest.h>
+
+#include "base/fault.h"
+
+namespace kelvora {
+namespace {
+
+TEST(MessageQueue, Q061AnEndBeforeTheFirstStartIsAFault) {
+  MessageQueue queue;
+  EXPECT_THROW(queue.append("\x81"), RuntimeFault);
+  EXPECT_EQ(queue.messageCount(), 0);
+}
+
+TEST(MessageQueue, Q061AnEndBehindTheLastEntryGoesWhereNothingReads) {
+  MessageQueue queue;
+  queue.startEntry();
+  queue.append("\xA2\x81");
+  queue.remove(queue.takeFirstReady()->index);
+  EXPECT_EQ(queue.messageCount(), 0);
+  queue.append("\x81");
+  EXPECT_EQ(queue.messageCount(), 0);
+  EXPECT_FALSE(queue.takeFirstReady());
+}
+
+TEST(MessageQueue, EntriesWithoutEndAreSkippedAndStay) {
+  MessageQueue queue;
+  queue.startEntry();
+  queue.startEntry();
+  queue.startEntry();
+  queue.append("abc\x81");
+  const auto taken = queue.takeFirstReady();
+  ASSERT_TRUE(taken);
+  EXPECT_EQ(taken->index, 3U);
+  EXPECT_EQ(taken->text, "abc");
+  EXPECT_EQ(queue.text(3), "abc") << "the entry under way keeps its place";
+  queue.remove(3);
+  EXPECT_EQ(queue.messageCount(), 2);
+  queue.append("late\x81");
+  EXPECT_EQ(queue.takeFirstReady()->index, 2U) << "the newest entry can still be completed";
+}
+
+TEST(MessageQueue, AnEntryUnderWayCanBecomeReadyAgain) {
+  MessageQueue queue;
+  queue.startEntry();
+  queue.append("a\x81");
+  EXPECT_EQ(queue.takeFirstReady()->text, "a");
+  EXPECT_FALSE(queue.takeFirstReady());
+  queue.append("b\x81");
+  EXPECT_EQ(queue.takeFirstReady()->text, "ab");
+}
+
+TEST(MessageQueue, RemovesByNumberAlsoInFrontOfEntriesUnderWay) {
+  MessageQueue queue;
+  for (const char* text : {"", "x\x81", "", "y\x81"}) {
+    queue.startEntry();
+    if (*text) queue.append(text);
+  }
+  EXPECT_EQ(queue.takeFirstReady()->index, 2U);
+  EXPECT_EQ(queue.takeFirstReady()->index, 4U);
+  queue.remove(1);
+  EXPECT_EQ(queue.messageCount(), 3);
+  EXPECT_EQ(queue.text(1), "x");
+  EXPECT_EQ(queue.text(2), "");
+  EXPECT_EQ(queue.text(3), "y");
+  queue.remove(4);
+  queue.remove(0);
+  EXPECT_EQ(queue.messageCount(), 3);
+  EXPECT_THROW(queue.text(4), RuntimeFault);
+}
+
+TEST(MessageQueue, ALongEntryKeepsItsFirstMebibyteAndItsEnd) {
+  MessageQueue queue;
+  queue.startEntry();
+  std::string text(MessageQueue::entryLimit + 5, 'x');
+  text += '\x81';
+  queue.append(text);
+  EXPECT_EQ(queue.text(1).size(), MessageQueue::entryLimit + 1);
+  for (int i = 0; i < 1000; ++i) queue.append("more\x81");
+  EXPECT_EQ(queue.text(1).size(), MessageQueue::entryLimit + 1);
+  const auto taken = queue.takeFirstReady();
+  ASSERT_TRUE(taken);
+  EXPECT_EQ(taken->text, std::string(MessageQueue::entryLimit, 'x'));
+}
+
+TEST(MessageQueue, AnEntryOfExactlyTheLimitIsWhole) {
+  MessageQueue queue;
+  queue.startEntry();
+  queue.append(std::string(MessageQueue::entryLimit, 'x') + '\x81');
+  EXPECT_EQ(queue.takeFirstReady()->text.size(), MessageQueue::entryLimit);
+}
+
+TEST(MessageQueue, BeyondTheTotalNoEntryTakesText) {
+  MessageQueue queue;
+  const std::string half = std::string(MessageQueue::entryLimit / 2 - 1, 'x') + '\x81';
+  for (int i = 0; i < 128; ++i) {
+    queue.startEntry();
+    queue.append(half);
+  }
+  queue.startEntry();
+  queue.append("one too many\x81");
+  EXPECT_EQ(queue.text(129), "");
+  for (int i = 0; i < 128; ++i) queue.remove(queue.takeFirstReady()->index);
+  EXPECT_FALSE(queue.takeFirstReady());
+  queue.append("room again\x81");
+  EXPECT_EQ(queue.takeFirstReady()->text, "room again");
+}
+
+// With a cost that grows by what is parked this would be some ten thousand million steps.
+TEST(MessageQueue, ParkedEntriesCostNothing) {
+  MessageQueue queue;
+  for (int i = 0; i < 500'000; ++i) queue.startEntry();
+  for (int i = 0; i < 50'000; ++i) {
+    queue.startEntry();
+    queue.append("z\x81");
+    const auto taken = queue.takeFirstReady();
+    ASSERT_TRUE(taken);
+    ASSERT_EQ(taken->index, 500'001U);
+    queue.remove(taken->index);
+  }
+  EXPECT_EQ(queue.messageCount(), 500'000);
+}
+
+}  // namespace
+}  // namespace kelvora

@@ -1,0 +1,291 @@
+#include "frontend/frmConnect.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+using modMain::localPlayer;
+using modMain::opponents;
+
+class Session : public GameTest {
+ protected:
+  const ChatLine& lastLine() { return modMain::chatLines[0]; }
+  static constexpr Colour serverLine = RGB(255, 255, 0);
+};
+
+TEST_F(Session, ConnectingStoresTheLoginAndDialsTheServer) {
+  netMan::connectToServer("Ann", "game.test", 2011, "secret", 4);
+  EXPECT_EQ(netMan::playerName, "Ann");
+  EXPECT_EQ(netMan::serverPassword, "secret");
+  EXPECT_EQ(netMan::preferredColour, 4);
+  EXPECT_EQ(server().connects, (std::vector<std::pair<std::string, int>>{{"game.test", 2011}}));
+  EXPECT_FALSE(frmMain->mnuFileConnect.Enabled);
+  EXPECT_TRUE(frmMain->mnuFileDisconnect.Enabled);
+}
+
+TEST_F(Session, TheLoginGoesOutWhenTheConnectionStands) {
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "pw", 2);
+  EXPECT_TRUE(server().sent.empty());
+  server().acceptConnection();
+  passEvents();
+  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgLogin, {"Ann", "pw", "2", "1.2.1"}}}));
+  EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Connected");
+  EXPECT_FALSE(localPlayer.isConnected);
+}
+
+TEST_F(Session, AnAcceptedLoginPutsThePlayerIntoTheGame) {
+  frmMain->lbUserName[1].BackColor = RGB(128, 0, 0);
+  frmMain->lbcConnect.Visible = true;
+  connect("Ann", 0);
+  serverSends(wire::msgLoginAccepted, {"3", "7", "1000", "2000"});
+  EXPECT_EQ(localPlayer.playerIndex, -1);
+  EXPECT_EQ(localPlayer.serverNode, 7);
+  EXPECT_EQ(localPlayer.colour, 3);
+  EXPECT_EQ(localPlayer.position, (Vector{1000, 2000}));
+  EXPECT_FALSE(localPlayer.awaitingFirstPosition);
+  EXPECT_TRUE(localPlayer.isConnected);
+  EXPECT_TRUE(localPlayer.alive);
+  EXPECT_EQ(lastLine().text, "Login accepted, Ann you are assigned the color Cyan");
+  EXPECT_EQ(lastLine().colour, serverLine);
+  EXPECT_EQ(modMain::centreMessage, "Capture your opponents in a loop of your tail");
+  EXPECT_EQ(frmMain->lbUserName[3].Caption.get(), "Ann");
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(frmMain->lbUserName[i].BackColor.get(), i == 3 ? RGB(128, 0, 0) : RGB(0, 0, 0)) << i;
+  }
+  EXPECT_FALSE(frmMain->lbcConnect.Visible);
+}
+
+TEST_F(Session, Q071TheFieldIsMadeTwiceAtLogin) {
+  connect();
+  // A background particle takes three draws for its colour, one for its depth, four for its place and four for its
+  // velocity; 150 of them are a field. After two fields the generator is 2 * 150 * 12 draws on.
+  RandomGenerator expected = machine.generator;
+  serverSends(wire::msgLoginAccepted, {"0", "7", "50000", "50000"});
+  for (int i = 0; i < 2 * 150 * 12; ++i) expected.next();
+  EXPECT_EQ(machine.generator.next(), expected.next());
+  EXPECT_EQ(modMain::particleCount, 150);
+}
+
+TEST_F(Session, Q072AColourWithoutANameLeavesTheRestOfTheLoginOut) {
+  frmMain->lbcConnect.Visible = true;
+  connect();
+  serverSends(wire::msgLoginAccepted, {"6", "7", "1000", "2000"});
+  EXPECT_TRUE(localPlayer.isConnected);
+  EXPECT_EQ(localPlayer.position, (Vector{1000, 2000}));
+  EXPECT_EQ(lastLine().text, "");
+  EXPECT_EQ(modMain::centreMessage, "");
+  EXPECT_TRUE(frmMain->lbcConnect.Visible);
+
+  netMan::disconnectFromServer();
+  EXPECT_TRUE(frmConnect.isVisible()) << "the dialog is offered all the same";
+}
+
+TEST_F(Session, APlayerWhoJoinsIsShownAndTold) {
+  login();
+  serverSends(wire::msgPlayerJoined, {"9", "2", "Bob", "300", "400", "1", "5"});
+  EXPECT_EQ(modMain::opponentCount, 1);
+  EXPECT_TRUE(opponents[0].isConnected);
+  EXPECT_TRUE(opponents[0].alive);
+  EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "Bob");
+  EXPECT_EQ(frmMain->lblKills[2].Caption.get(), "5");
+  EXPECT_EQ(lastLine().text, "The player Bob has joined as Green");
+  EXPECT_EQ(lastLine().colour, serverLine);
+}
+
+TEST_F(Session, OnlyTheAliveStateOneIsAlive) {
+  login();
+  int expectedCount = 0;
+  for (const char* alive : {"0", "2", "-1"}) {
+    serverSends(wire::msgPlayerJoined, {"9", "2", "Bob", "300", "400", alive, "5"});
+    ASSERT_EQ(modMain::opponentCount, ++expectedCount);
+    EXPECT_FALSE(opponents.back().alive) << alive;
+  }
+}
+
+TEST_F(Session, AJoinThatFailsDoesNotCount) {
+  login();
+  serverSends(wire::msgPlayerJoined, {"9", "6", "Odd", "300", "400", "1", "5"});
+  EXPECT_EQ(modMain::opponentCount, 0) << "there is no kills label for the colour";
+  EXPECT_EQ(join(10, 2, "Bob"), 0);
+  EXPECT_EQ(opponents.size(), 1U);
+  EXPECT_EQ(opponents[0].name, "Bob");
+}
+
+TEST_F(Session, APlayerWhoLeavesIsClearedFromTheList) {
+  login();
+  join(9, 2, "Bob");
+  frmMain->picCaps[2].ForeColor = RGB(255, 0, 0);
+  frmMain->picCaps[2].DrawWidth = 5;
+  frmMain->picCaps[2].Line(0, 0, 900, 150);
+  serverSends(wire::msgPlayerLeft, {"9"});
+  EXPECT_FALSE(opponents[0].isConnected);
+  EXPECT_EQ(modMain::opponentCount, 1);
+  EXPECT_EQ(lastLine().text, "Bob has disconnected.");
+  EXPECT_EQ(lastLine().colour, serverLine);
+  EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "");
+  EXPECT_EQ(frmMain->lblKills[2].Caption.get(), "");
+  for (const Pixel pixel : frmMain->picCaps[2].pixels()) ASSERT_EQ(pixel & 0xFFFFFF, 0U);
+}
+
+TEST_F(Session, Q074AnUnknownLeaverIsTakenForTheFirstOpponent) {
+  login();
+  join(9, 2, "Bob");
+  join(10, 3, "Cat");
+  serverSends(wire::msgPlayerLeft, {"99"});
+  EXPECT_FALSE(opponents[0].isConnected);
+  EXPECT_TRUE(opponents[1].isConnected);
+  EXPECT_EQ(lastLine().text, "Bob has disconnected.");
+}
+
+TEST_F(Session, TheOwnNodeCannotLeave) {
+  login(0, 7);
+  join(9, 2, "Bob");
+  serverSends(wire::msgPlayerLeft, {"7"});
+  EXPECT_TRUE(localPlayer.isConnected);
+  EXPECT_TRUE(opponents[0].isConnected);
+}
+
+TEST_F(Session, ASpawnRequestIsSentAndTold) {
+  login();
+  frmMain->btnSpawn.Click();
+  EXPECT_EQ(server().sent, "\x80\x98\x81");
+  EXPECT_EQ(lastLine().text, "Requesting spawn permission from the server...");
+  EXPECT_EQ(lastLine().colour, RGB(255, 255, 255));
+}
+
+TEST_F(Session, Q070ASpawnRequestWithoutConnectionIsToldAndNotSent) {
+  frmMain->btnSpawn.Click();
+  EXPECT_EQ(lastLine().text, "Requesting spawn permission from the server...");
+  EXPECT_TRUE(server().sent.empty());
+}
+
+TEST_F(Session, TheEndOfARoundKillsEverybodyAndLightsTheButtons) {
+  login();
+  join(9, 2, "Bob");
+  join(10, 3, "Cat");
+  serverSends(wire::msgRoundOver, {"Round over"});
+  EXPECT_FALSE(localPlayer.alive);
+  EXPECT_FALSE(opponents[0].alive);
+  EXPECT_FALSE(opponents[1].alive);
+  EXPECT_EQ(modMain::roundMessage, "Round over");
+  EXPECT_EQ(lastLine().text, "Round over");
+  EXPECT_EQ(lastLine().colour, serverLine);
+}
+
+TEST_F(Session, DisconnectingOffersTheDialogAndTheTitle) {
+  login(1, 7);
+  join(9, 2, "Bob");
+  netMan::disconnectFromServer();
+  EXPECT_EQ(frmMain->sock.State(), sckClosed);
+  EXPECT_TRUE(frmMain->mnuFileConnect.Enabled);
+  EXPECT_FALSE(frmMain->mnuFileDisconnect.Enabled);
+  EXPECT_FALSE(localPlayer.isConnected);
+  EXPECT_FALSE(opponents[0].isConnected);
+  EXPECT_EQ(frmMain->lbUserName[1].BackColor.get(), RGB(0, 0, 0));
+  EXPECT_EQ(frmMain->lbUserName[1].Caption.get(), "");
+  EXPECT_TRUE(frmConnect.isVisible());
+  EXPECT_TRUE(frmMain->lbcConnect.Visible);
+  EXPECT_EQ(frmMain->canvas.MousePointer.get(), 0);
+}
+
+TEST_F(Session, TheWorldsPartOfADisconnectionLeavesTheOthersNames) {
+  login(1, 7);
+  join(9, 2, "Bob");
+  modMain::resetConnectionState();
+  EXPECT_EQ(frmMain->lbUserName[1].Caption.get(), "");
+  EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "Bob");
+}
+
+TEST_F(Session, Q073OldOpponentsKeepTheirSlots) {
+  login();
+  join(9, 2, "Bob");
+  netMan::disconnectFromServer();
+  login();
+  EXPECT_EQ(modMain::opponentCount, 1);
+  EXPECT_EQ(join(9, 2, "Bob"), 1);
+  EXPECT_EQ(modMain::opponentCount, 2);
+  EXPECT_FALSE(opponents[0].isConnected);
+  EXPECT_TRUE(opponents[1].isConnected);
+}
+
+TEST_F(Session, ADeniedLoginShowsTheReasonAndDisconnects) {
+  connect();
+  serverSends(wire::msgLoginDenied, {""});
+  EXPECT_EQ(machine.messageBoxes, std::vector<std::string>{"Login denied: \n"});
+  EXPECT_EQ(frmMain->sock.State(), sckClosed);
+  EXPECT_TRUE(frmConnect.isVisible());
+}
+
+TEST_F(Session, ReconnectingWhileConnectedClosesFirstWithoutAWord) {
+  login();
+  join(9, 2, "Bob");
+  modMain::chatLines = {};
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  EXPECT_EQ(server().closes, 1);
+  EXPECT_EQ(server().connects.size(), 2U);
+  EXPECT_EQ(lastLine().text, "");
+  EXPECT_TRUE(opponents[0].isConnected);
+  EXPECT_TRUE(machine.messageBoxes.empty());
+}
+
+TEST_F(Session, AFailedSocketCanConnectAgain) {
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  server().refuse();
+  passEvents();
+  EXPECT_EQ(frmMain->sock.State(), sckError);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  EXPECT_EQ(server().connects.size(), 2U);
+}
+
+TEST_F(Session, Q069AFailedConnectionLeavesTheMenuAsItIs) {
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  server().refuse();
+  passEvents();
+  EXPECT_FALSE(frmMain->mnuFileConnect.Enabled);
+  EXPECT_TRUE(frmMain->mnuFileDisconnect.Enabled);
+  EXPECT_FALSE(frmConnect.isVisible());
+  tick(1000);
+  passEvents();
+  EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Error");
+  frmMain->lbcConnect.Click();
+  EXPECT_EQ(machine.modalForms.size(), 1U) << "the title still opens the dialog";
+}
+
+TEST_F(Session, TheServersHangUpDisconnectsWithoutAWord) {
+  login();
+  modMain::chatLines = {};
+  server().closeByServer();
+  passEvents();
+  EXPECT_FALSE(localPlayer.isConnected);
+  EXPECT_TRUE(frmConnect.isVisible());
+  EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Closed");
+  EXPECT_TRUE(machine.messageBoxes.empty());
+  EXPECT_EQ(lastLine().text, "");
+}
+
+struct StateRow {
+  int state;
+  const char* name;
+  Colour colour;
+};
+constexpr StateRow stateRows[] = {
+    {0, "Closed", RGB(255, 128, 128)},     {1, "Open", RGB(128, 128, 128)},
+    {2, "Listening", RGB(128, 128, 128)},  {3, "Connection pending", RGB(128, 128, 128)},
+    {4, "Resolving", RGB(255, 192, 128)},  {5, "Resolved", RGB(255, 192, 128)},
+    {6, "Connecting", RGB(255, 192, 128)}, {7, "Connected", RGB(128, 255, 128)},
+    {8, "Closing", RGB(255, 128, 128)},    {9, "Error", RGB(128, 128, 128)},
+};
+
+TEST_F(Session, EachStateHasItsNameAndColour) {
+  EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Disconnected");
+  EXPECT_EQ(frmMain->lblNetStatus.BackColor.get(), RGB(255, 128, 128));
+  for (const StateRow& row : stateRows) {
+    server().setState(row.state);
+    frmMain->showConnectionState();
+    EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), row.name);
+    EXPECT_EQ(frmMain->lblNetStatus.BackColor.get(), row.colour) << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace kelvora
