@@ -238,6 +238,7 @@ TEST_F(Session, AFailedSocketCanConnectAgain) {
 }
 
 TEST_F(Session, Q069AFailedConnectionLeavesTheMenuAsItIs) {
+  frmMain->Show();
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
   server().refuse();
   passEvents();
