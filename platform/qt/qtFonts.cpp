@@ -19,7 +19,7 @@ void substitute(const QString& family, const QStringList& substitutes) {
 
 void installFontSubstitutes() {
   substitute("Comic Sans MS", {"Comic Neue", "Comic Relief", "DejaVu Sans"});
-  substitute("Kristen ITC", {"Dustismo", "Comic Neue", "DejaVu Sans"});
+  substitute("Kristen ITC", {"Comic Neue", "Comic Relief", "DejaVu Sans"});
   substitute("MS Sans Serif", {"Liberation Sans", "Arimo", "Arial", "Nimbus Sans", "DejaVu Sans"});
 }
 

@@ -1,0 +1,4 @@
+#include "core/modMain.h"
+#include "platform/qt/qtBackend.h"
+
+int main(int argc, char** argv) { return kelvora::runDesktop(argc, argv, kelvora::modMain::startGame); }

@@ -1,0 +1,155 @@
+#include "platform/pictures/pictureFile.h"
+
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <jpeglib.h>
+
+#include "base/fault.h"
+
+namespace kelvora {
+namespace {
+
+/// A folder for the files of one test, gone with it.
+class PictureFile : public ::testing::Test {
+ protected:
+  PictureFile() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "kelvora-picture-XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+  }
+  ~PictureFile() override { std::filesystem::remove_all(folder_); }
+
+  std::string pathOf(const std::string& name) const { return (folder_ / name).string(); }
+
+  std::string write(const std::string& name, const std::string& bytes) const {
+    std::ofstream(pathOf(name), std::ios::binary) << bytes;
+    return pathOf(name);
+  }
+
+  /// `channels` bytes a pixel: 3 red, green, blue; 4 with opacity behind them.
+  std::string writePng(const std::string& name, unsigned width, unsigned height,
+                       const std::vector<unsigned char>& samples, int channels = 3) const {
+    png_image image;
+    std::memset(&image, 0, sizeof image);
+    image.version = PNG_IMAGE_VERSION;
+    image.width = width;
+    image.height = height;
+    image.format = channels == 4 ? PNG_FORMAT_RGBA : PNG_FORMAT_RGB;
+    EXPECT_NE(png_image_write_to_file(&image, pathOf(name).c_str(), 0, samples.data(), 0, nullptr), 0);
+    return pathOf(name);
+  }
+
+  std::string writeJpeg(const std::string& name, unsigned width, unsigned height, Colour colour) const {
+    jpeg_compress_struct encoder;
+    jpeg_error_mgr errors;
+    encoder.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&encoder);
+    std::FILE* file = std::fopen(pathOf(name).c_str(), "wb");
+    jpeg_stdio_dest(&encoder, file);
+    encoder.image_width = width;
+    encoder.image_height = height;
+    encoder.input_components = 3;
+    encoder.in_color_space = JCS_RGB;
+    jpeg_set_defaults(&encoder);
+    jpeg_set_quality(&encoder, 100, TRUE);
+    jpeg_start_compress(&encoder, TRUE);
+    std::vector<JSAMPLE> row;
+    for (unsigned x = 0; x < width; ++x) row.insert(row.end(), {colour.red, colour.green, colour.blue});
+    for (unsigned y = 0; y < height; ++y) {
+      JSAMPROW rows[] = {row.data()};
+      jpeg_write_scanlines(&encoder, rows, 1);
+    }
+    jpeg_finish_compress(&encoder);
+    jpeg_destroy_compress(&encoder);
+    std::fclose(file);
+    return pathOf(name);
+  }
+
+  static std::string contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+TEST_F(PictureFile, ReadsPngPixelByPixel) {
+  const std::string path = writePng("a.png", 2, 2, {255, 0, 0, 0, 255, 0, 0, 0, 255, 1, 2, 3});
+  const PicturePointer picture = loadPictureFile(path);
+  EXPECT_EQ(picture->width, 2);
+  EXPECT_EQ(picture->height, 2);
+  EXPECT_EQ(picture->pixels, (std::vector<Pixel>{0xFF0000, 0x00FF00, 0x0000FF, 0x010203}));
+}
+
+TEST_F(PictureFile, PutsTransparentPngPixelsOnBlack) {
+  const std::string path = writePng("a.png", 2, 1, {200, 100, 50, 0, 200, 100, 50, 255}, 4);
+  EXPECT_EQ(loadPictureFile(path)->pixels, (std::vector<Pixel>{0x000000, 0xC86432}));
+}
+
+TEST_F(PictureFile, ReadsJpeg) {
+  const PicturePointer picture = loadPictureFile(writeJpeg("a.jpg", 20, 10, RGB(255, 255, 255)));
+  EXPECT_EQ(picture->width, 20);
+  EXPECT_EQ(picture->height, 10);
+  EXPECT_EQ(picture->pixels, std::vector<Pixel>(200, 0xFFFFFF));
+}
+
+TEST_F(PictureFile, TellsTheKindByTheContentNotTheName) {
+  EXPECT_EQ(loadPictureFile(writePng("logo.jpg", 1, 1, {9, 8, 7}))->pixels, (std::vector<Pixel>{0x090807}));
+}
+
+TEST_F(PictureFile, RefusesAMissingFile) { EXPECT_THROW(loadPictureFile(pathOf("none.png")), RuntimeFault); }
+
+TEST_F(PictureFile, RefusesAFolder) { EXPECT_THROW(loadPictureFile(pathOf(".")), RuntimeFault); }
+
+TEST_F(PictureFile, RefusesOtherContent) {
+  EXPECT_THROW(loadPictureFile(write("empty.png", "")), RuntimeFault);
+  EXPECT_THROW(loadPictureFile(write("text.png", "no picture at all")), RuntimeFault);
+}
+
+TEST_F(PictureFile, RefusesEveryTruncationOfAPng) {
+  const std::string whole = contents(writePng("a.png", 2, 2, {255, 0, 0, 0, 255, 0, 0, 0, 255, 1, 2, 3}));
+  // The last 12 bytes are the end mark, behind the picture's own data.
+  for (std::size_t length = 0; length + 12 < whole.size(); ++length) {
+    EXPECT_THROW(loadPictureFile(write("cut.png", whole.substr(0, length))), RuntimeFault) << length << " bytes";
+  }
+}
+
+TEST_F(PictureFile, RefusesEveryTruncationOfAJpeg) {
+  const std::string whole = contents(writeJpeg("a.jpg", 40, 40, RGB(10, 200, 30)));
+  for (std::size_t length = 0; length + 2 < whole.size(); ++length) {
+    EXPECT_THROW(loadPictureFile(write("cut.jpg", whole.substr(0, length))), RuntimeFault) << length << " bytes";
+  }
+}
+
+TEST_F(PictureFile, SurvivesEveryDamagedByte) {
+  const std::string sheets[] = {contents(writePng("a.png", 2, 2, {255, 0, 0, 0, 255, 0, 0, 0, 255, 1, 2, 3})),
+                                contents(writeJpeg("a.jpg", 9, 9, RGB(10, 200, 30)))};
+  for (const std::string& whole : sheets) {
+    for (std::size_t place = 0; place < whole.size(); ++place) {
+      std::string damaged = whole;
+      damaged[place] = static_cast<char>(~damaged[place]);
+      try {
+        const PicturePointer picture = loadPictureFile(write("damaged", damaged));
+        EXPECT_EQ(picture->pixels.size(), static_cast<std::size_t>(picture->width * picture->height));
+      } catch (const RuntimeFault&) {  // refused, which is as good
+      }
+    }
+  }
+}
+
+TEST_F(PictureFile, RefusesMoreThan8192PixelsOnASide) {
+  EXPECT_EQ(loadPictureFile(writePng("wide.png", 8192, 1, std::vector<unsigned char>(8192 * 3)))->width, 8192);
+  EXPECT_THROW(loadPictureFile(writePng("wider.png", 8193, 1, std::vector<unsigned char>(8193 * 3))), RuntimeFault);
+  EXPECT_THROW(loadPictureFile(writeJpeg("high.jpg", 1, 8193, RGB(0, 0, 0))), RuntimeFault);
+}
+
+}  // namespace
+}  // namespace kelvora
