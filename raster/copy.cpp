@@ -20,12 +20,22 @@ Stretch clipped(Stretch stretch, int targetSize, int sourceSize) {
   return stretch;
 }
 
-// Plain loops over rows: the compiler turns them into vector code.
+// Plain loops over rows: the compiler turns them into vector code. Blocks of which the last overlaps the one before, as
+// spans are filled, took three times as long: each waits for the store before it.
 template <class Join>
 void joinRows(Pixel* target, std::ptrdiff_t targetPitch, const Pixel* source, std::ptrdiff_t sourcePitch, int width,
               int height, Join join) {
   for (int row = 0; row < height; ++row) {
     for (std::ptrdiff_t i = 0; i < width; ++i) target[i] = join(target[i], source[i]);
+    target += targetPitch;
+    source += sourcePitch;
+  }
+}
+
+void copyRows(Pixel* target, std::ptrdiff_t targetPitch, const Pixel* source, std::ptrdiff_t sourcePitch, int width,
+              int height) {
+  for (int row = 0; row < height; ++row) {
+    std::copy_n(source, width, target);
     target += targetPitch;
     source += sourcePitch;
   }
@@ -47,7 +57,7 @@ void Surface::PaintPicture(const Picture& source, float x, float y, float w, flo
     case SRCPAINT:
       return join([](Pixel below, Pixel above) { return below | above; });
     case SRCCOPY:
-      return join([](Pixel, Pixel above) { return above; });
+      return copyRows(to, width_, from, source.width, across.count, down.count);
   }
 }
 

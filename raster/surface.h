@@ -85,8 +85,6 @@ class Surface {
   int height_ = 0;
   std::vector<Pixel> pixels_;
   PicturePointer background_;
-  std::vector<int> leftEdge_;  ///< room for the spans of one thick line, an entry a row
-  std::vector<int> rightEdge_;
 };
 
 }  // namespace kelvora
