@@ -49,8 +49,6 @@ FrmConnect::FrmConnect()
 
 void FrmConnect::load() { loadLastLogin(); }
 
-void FrmConnect::unloading() { frmConnect.unload(); }
-
 void FrmConnect::loadLastLogin() {
   txtPlayerName.Text = GetSetting(section, "player name", "");
   txtServerAddress.Text = GetSetting(section, "server address", "127.0.0.1");

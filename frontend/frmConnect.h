@@ -13,7 +13,6 @@ class FrmConnect : public Form {
   FrmConnect();
   /// Fills in what was typed last and places the dialog on the main window.
   void load() override;
-  void unloading() override;
 
   std::int16_t colour = 0;  ///< chosen colour, 0 to 5
 

@@ -64,7 +64,7 @@ class GameTest : public testing::Test {
   HeadlessBackend machine;
 };
 
-/// The pictures as the program finds them; a sheet that does not exist is a black one of the sheet's size.
+/// The program's own pictures, each file read once for all tests.
 PicturePointer testPicture(const std::string& path);
 
 }  // namespace kelvora

@@ -1,0 +1,220 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "base/fault.h"
+#include "frontend/frmConnect.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+class MainLoop : public GameTest {
+ protected:
+  int doEventsBefore = 0;
+
+  /// Runs the loop and ends it in the DoEvents of the given pass.
+  void runPasses(int passes) {
+    machine.onDoEvents = [this, last = machine.doEventsCount + passes] {
+      if (machine.doEventsCount == last) throw ProcessEnded{};
+    };
+    EXPECT_THROW(modMain::mainLoop(), ProcessEnded);
+    machine.onDoEvents = nullptr;
+  }
+};
+
+TEST_F(MainLoop, WithoutAConnectionAPassIsDoEventsAlone) {
+  frmMain->canvas.Line(0, 0, 3000, 3000);
+  const std::vector<Pixel> before(frmMain->canvas.pixels().begin(), frmMain->canvas.pixels().end());
+  modMain::localPlayer.isConnected = true;
+  modMain::localPlayer.breaksOn = true;
+  modMain::localPlayer.velocity = {100, 100};
+  modMain::debugText = "untouched";
+  modMain::frameTimes[0] = 5;
+  runPasses(3);
+  EXPECT_EQ(machine.doEventsCount, 3);
+  EXPECT_EQ(modMain::localPlayer.position, (Vector{0, 0}));
+  EXPECT_EQ(modMain::debugText, "untouched");
+  EXPECT_EQ(modMain::frameTimes[0], 5);
+  EXPECT_EQ(modMain::frameTimes[1], 0);
+  EXPECT_TRUE(modMain::opponents.empty());
+  EXPECT_TRUE(modMain::particles.empty());
+  EXPECT_TRUE(modMain::explosionParticles.empty());
+  EXPECT_TRUE(modMain::netParticles.empty());
+  EXPECT_TRUE(std::equal(before.begin(), before.end(), frmMain->canvas.pixels().begin()));
+}
+
+TEST_F(MainLoop, EveryStateButSevenIsIdle) {
+  for (int state = 0; state <= 9; ++state) {
+    modMain::debugText.clear();
+    server().setState(state);
+    runPasses(1);
+    EXPECT_EQ(modMain::debugText.empty(), state != 7) << state;
+  }
+}
+
+TEST_F(MainLoop, MayWaitForEventsOnlyWithoutAConnection) {
+  runPasses(1);
+  EXPECT_TRUE(machine.lastMayWait);
+  server().setState(sckConnected);
+  runPasses(1);
+  EXPECT_FALSE(machine.lastMayWait);
+}
+
+TEST_F(MainLoop, PaintsBetweenTheConnectionAndTheLoginButMovesNobody) {
+  connect();
+  ASSERT_FALSE(modMain::localPlayer.isConnected);
+  modMain::localPlayer.velocity = {100, 100};
+  modMain::localPlayer.breaksOn = true;
+  modMain::runFrame();
+  EXPECT_NE(modMain::debugText.find("Paint Time:"), std::string::npos);
+  EXPECT_EQ(modMain::localPlayer.position, (Vector{0, 0}));
+}
+
+TEST_F(MainLoop, PaintsWithNoOpponents) {
+  login();
+  ASSERT_EQ(modMain::opponentCount, 0);
+  modMain::runFrame();
+  EXPECT_NE(modMain::debugText.find("Paint Time:"), std::string::npos);
+}
+
+TEST_F(MainLoop, MovesTheLocalPlayerAndTicksItsPowerups) {
+  login();
+  clsPlayer& player = modMain::localPlayer;
+  player.velocity = {100, -50};  // the brakes are on: each axis loses 3 in a frame
+  player.powerups[shieldSlot] = {1, 15, true};
+  modMain::runFrame();
+  EXPECT_EQ(player.position, (Vector{50'097, 49'953}));
+  EXPECT_EQ(player.powerups[shieldSlot].timeLeft, 14);
+}
+
+TEST_F(MainLoop, TicksThePowerupsOfConnectedOpponents) {
+  login();
+  join(8, 1, "Bob");
+  join(9, 2, "Cat");
+  modMain::opponents[0].powerups[turboSlot] = {0, 5, true};
+  modMain::opponents[1].powerups[turboSlot] = {0, 5, true};
+  modMain::opponents[1].isConnected = false;
+  modMain::runFrame();
+  EXPECT_EQ(modMain::opponents[0].powerups[turboSlot].timeLeft, 4);
+  EXPECT_EQ(modMain::opponents[1].powerups[turboSlot].timeLeft, 5);
+}
+
+TEST_F(MainLoop, SkipsAPlayerWhoLeftDuringDoEvents) {
+  login();
+  join(8, 1, "Bob");
+  join(9, 2, "Cat");
+  clsPlayer& bob = modMain::opponents[0];
+  clsPlayer& cat = modMain::opponents[1];
+  bob.powerups[turboSlot] = cat.powerups[turboSlot] = {0, 5, true};
+  machine.onDoEvents = [this] {
+    if (machine.doEventsCount == 1 + doEventsBefore)
+      server().deliver(
+          "\x80\x8C"
+          "8\x81");  // player 8 left
+    if (machine.doEventsCount == 2 + doEventsBefore) throw ProcessEnded{};
+    tick(1000);
+  };
+  doEventsBefore = machine.doEventsCount;
+  EXPECT_THROW(modMain::mainLoop(), ProcessEnded);
+  EXPECT_EQ(modMain::opponentCount, 2);
+  EXPECT_EQ(modMain::opponents.size(), 2U);
+  EXPECT_FALSE(bob.isConnected);
+  EXPECT_EQ(bob.powerups[turboSlot].timeLeft, 4) << "one frame, then gone";
+  EXPECT_EQ(cat.powerups[turboSlot].timeLeft, 3) << "two frames";
+}
+
+TEST_F(MainLoop, InTheStarsSettingBackgroundParticlesAreWrappedButDoNotMove) {
+  login();
+  modMain::particleCount = 2;
+  modMain::particles.assign(2, clsParticle{});
+  for (clsParticle& particle : modMain::particles) {
+    particle.position = {50'000, 50'000};
+    particle.velocity = {7, 7};
+    particle.fieldWidth = 11'445;
+    particle.fieldHeight = 9'120;
+  }
+  modMain::particles[1].position.x = 50'000 - 60'000;  // fallen far behind
+  ASSERT_TRUE(frmMain->mnuQuarkStars.Checked);
+  modMain::runFrame();
+  EXPECT_EQ(modMain::particles[0].position, (Vector{50'000, 50'000}));
+  EXPECT_NE(modMain::particles[1].position.x, -10'000);
+
+  frmMain->mnuQuarkStars.Checked = false;
+  modMain::runFrame();
+  EXPECT_NE(modMain::particles[0].position, (Vector{50'000, 50'000}));
+}
+
+TEST_F(MainLoop, ATimeScaleIsATenthOfTheFrameTime) {
+  modMain::frameTime = 15;
+  EXPECT_EQ(modMain::getTimeScale(), 1.5);
+  modMain::frameTime = 11;
+  EXPECT_EQ(modMain::getTimeScale(), 1.1);
+  modMain::frameTime = 200;
+  EXPECT_EQ(modMain::getTimeScale(), 20.0);
+}
+
+TEST_F(MainLoop, Q033TheTimeScaleNeverFallsBelowOne) {
+  for (std::int32_t frameTime = 0; frameTime <= 10; ++frameTime) {
+    modMain::frameTime = frameTime;
+    EXPECT_EQ(modMain::getTimeScale(), 1.0) << frameTime;
+  }
+}
+
+TEST_F(MainLoop, TheFirstFrameRunsAtTimeScaleOne) {
+  login();
+  EXPECT_EQ(modMain::frameTime, 0);
+  EXPECT_EQ(modMain::getTimeScale(), 1.0);
+}
+
+TEST_F(MainLoop, EventsRunOnlyInDoEventsAtTheEndOfThePass) {
+  login();
+  server().deliver(
+      "\x80\x8A"
+      "8\x82"
+      "1\x82"
+      "Bob\x82"
+      "100\x82"
+      "100\x82"
+      "1\x82"
+      "0\x81");  // Bob joins as player 8
+  modMain::runFrame();
+  EXPECT_EQ(modMain::opponentCount, 0);
+  passEvents();
+  EXPECT_EQ(modMain::opponentCount, 1);
+}
+
+TEST_F(MainLoop, FreesUnloadedFormsBehindDoEvents) {
+  frmConnect->Show();
+  machine.post([] { frmConnect.unload(); });
+  runPasses(2);
+  EXPECT_FALSE(frmConnect.isLoaded());
+}
+
+TEST_F(MainLoop, NothingCatchesAFault) {
+  machine.post([] { raiseOverflow(); });
+  EXPECT_THROW(modMain::mainLoop(), RuntimeFault);
+}
+
+TEST_F(MainLoop, Q036ClosingTheWindowEndsTheProcessWithNoWordToTheServer) {
+  login();
+  frmMain->Show();
+  machine.journal.clear();
+  EXPECT_THROW(frmMain->closedByUser(), ProcessEnded);
+  EXPECT_TRUE(server().sent.empty());
+  EXPECT_EQ(server().closes, 0);
+  EXPECT_EQ(frmMain->sock.State(), sckConnected);
+  EXPECT_EQ(machine.journal, std::vector<std::string>{"end"});
+}
+
+TEST_F(MainLoop, ExitEndsTheProcessAsAbruptly) {
+  login();
+  machine.journal.clear();
+  EXPECT_THROW(frmMain->mnuFileExit.Click(), ProcessEnded);
+  EXPECT_TRUE(server().sent.empty());
+  EXPECT_EQ(server().closes, 0);
+  EXPECT_EQ(machine.journal, std::vector<std::string>{"end"});
+}
+
+}  // namespace
+}  // namespace kelvora

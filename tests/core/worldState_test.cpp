@@ -1,0 +1,231 @@
+#include <gtest/gtest.h>
+
+#include "base/fault.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+using modMain::getDistance;
+using modMain::getPlayerIndex;
+using modMain::getPlayerName;
+using modMain::getServerNode;
+using modMain::isOnScreen;
+
+class WorldState : public GameTest {
+ protected:
+  void addOpponent(std::int16_t node, const std::string& name, bool isConnected = true) {
+    clsPlayer& opponent = modMain::opponents.emplace_back();
+    opponent.playerIndex = modMain::opponentCount++;
+    opponent.serverNode = node;
+    opponent.name = name;
+    opponent.isConnected = isConnected;
+  }
+};
+
+TEST_F(WorldState, TheLocalPlayersNodeIsMinusOne) {
+  modMain::localPlayer.serverNode = 7;
+  EXPECT_EQ(getPlayerIndex(7), -1);
+}
+
+TEST_F(WorldState, BeforeTheFirstLoginNodeZeroCountsAsTheLocalPlayer) { EXPECT_EQ(getPlayerIndex(0), -1); }
+
+TEST_F(WorldState, AnIndexIsTheFirstConnectedSlotOfTheNode) {
+  modMain::localPlayer.serverNode = 7;
+  addOpponent(3, "gone", false);
+  addOpponent(4, "other");
+  addOpponent(3, "back");
+  addOpponent(3, "twin");
+  EXPECT_EQ(getPlayerIndex(3), 2);
+  EXPECT_EQ(getPlayerIndex(4), 1);
+}
+
+TEST_F(WorldState, Q030NobodysNodeYieldsZero) {
+  modMain::localPlayer.serverNode = 7;
+  EXPECT_EQ(getPlayerIndex(99), 0) << "with no opponent at all";
+  addOpponent(3, "Bob");
+  addOpponent(4, "Cat");
+  EXPECT_EQ(getPlayerIndex(99), 0);
+}
+
+TEST_F(WorldState, AMessageForNobodyIsIgnoredWhileThereAreNoOpponents) {
+  login(0, 7);
+  serverSends(wire::msgPowerupOn, {"99", "0"});
+  EXPECT_FALSE(modMain::localPlayer.powerups[shieldSlot].active);
+  EXPECT_TRUE(modMain::opponents.empty());
+}
+
+TEST_F(WorldState, TheServerNodeOfAnIndex) {
+  modMain::localPlayer.serverNode = 7;
+  addOpponent(3, "Bob");
+  addOpponent(4, "Cat");
+  EXPECT_EQ(getServerNode(-1), 7);
+  EXPECT_EQ(getServerNode(0), 3);
+  EXPECT_EQ(getServerNode(1), 4);
+  EXPECT_EQ(getServerNode(2), 0);
+  EXPECT_EQ(getServerNode(-2), 0);
+}
+
+TEST_F(WorldState, Q031APlayerWhoHasGoneIsTakenForNodeZero) {
+  addOpponent(3, "Bob", false);
+  EXPECT_EQ(getServerNode(0), 0);
+}
+
+TEST_F(WorldState, TheNameOfAnIndex) {
+  modMain::localPlayer.name = "Ann";
+  addOpponent(3, "Bob");
+  addOpponent(4, "Cat", false);
+  EXPECT_EQ(getPlayerName(-1), "Ann");
+  EXPECT_EQ(getPlayerName(0), "Bob");
+  EXPECT_EQ(getPlayerName(1), "Cat") << "connected or not";
+  EXPECT_EQ(getPlayerName(2), "");
+  EXPECT_EQ(getPlayerName(500), "");
+}
+
+TEST_F(WorldState, APlayerOutsideTheSlotsIsAFault) {
+  addOpponent(3, "Bob");
+  EXPECT_EQ(&modMain::playerAt(-1), &modMain::localPlayer);
+  EXPECT_EQ(&modMain::playerAt(0), &modMain::opponents[0]);
+  EXPECT_THROW(modMain::playerAt(1), RuntimeFault);
+  EXPECT_THROW(modMain::playerAt(-2), RuntimeFault);
+}
+
+TEST_F(WorldState, Distance) {
+  EXPECT_EQ(getDistance({0, 0}, {3, 4}), 5.0F);
+  EXPECT_EQ(getDistance({10, -4}, {-2, 1}), 13.0F);
+  EXPECT_EQ(getDistance({7, 7}, {7, 7}), 0.0F);
+  EXPECT_EQ(getDistance({0, 0}, {100'000, 100'000}), 141'421.36F);
+}
+
+TEST_F(WorldState, TheScreenEndsAtTheCanvasEdgeAndTheEdgeBelongsToIt) {
+  // The local player is at the canvas's centre: at the design size (5722, 4560) of 11445 by 9120.
+  modMain::localPlayer.position = {50'000, 50'000};
+  const float left = 50'000 - 5'722;
+  const float top = 50'000 - 4'560;
+  const float right = left + 11'445;
+  const float bottom = top + 9'120;
+  EXPECT_TRUE(isOnScreen({left, 50'000}));
+  EXPECT_TRUE(isOnScreen({right, 50'000}));
+  EXPECT_TRUE(isOnScreen({50'000, top}));
+  EXPECT_TRUE(isOnScreen({50'000, bottom}));
+  EXPECT_TRUE(isOnScreen({left, top}));
+  EXPECT_TRUE(isOnScreen({right, bottom}));
+  EXPECT_FALSE(isOnScreen({left - 1, 50'000}));
+  EXPECT_FALSE(isOnScreen({right + 1, 50'000}));
+  EXPECT_FALSE(isOnScreen({50'000, top - 1}));
+  EXPECT_FALSE(isOnScreen({50'000, bottom + 1}));
+}
+
+TEST_F(WorldState, ACentreMessageStartsItsAgeAnew) {
+  modMain::centreMessageAge = 200;
+  modMain::showCentreMessage("Hello");
+  EXPECT_EQ(modMain::centreMessage, "Hello");
+  EXPECT_EQ(modMain::centreMessageAge, 0);
+}
+
+TEST_F(WorldState, Q032FourteenOfTwentyTipsAreBlank) {
+  modMain::showNextTip();
+  EXPECT_EQ(modMain::centreMessage, "Right-Click to release or engage breaks");
+  for (int i = 1; i < 6; ++i) {
+    modMain::showNextTip();
+    EXPECT_NE(modMain::centreMessage, "") << i;
+  }
+  for (int i = 6; i < 20; ++i) {
+    modMain::centreMessageAge = 99;
+    modMain::showCentreMessage("something else");
+    modMain::showNextTip();
+    EXPECT_EQ(modMain::centreMessage, "") << i;
+  }
+  EXPECT_EQ(modMain::nextTip, 0);
+  modMain::showNextTip();
+  EXPECT_EQ(modMain::centreMessage, "Right-Click to release or engage breaks");
+  EXPECT_EQ(modMain::nextTip, 1);
+}
+
+TEST_F(WorldState, TheTipsGoOnWhereTheyWereAfterAReconnection) {
+  modMain::showNextTip();
+  modMain::showNextTip();
+  connect();
+  netMan::disconnectFromServer();
+  connect();
+  EXPECT_EQ(modMain::nextTip, 2);
+}
+
+TEST_F(WorldState, OpponentsKeepTheirSlotsOverAReconnection) {
+  login();
+  join(8, 1, "Bob");
+  join(9, 2, "Cat");
+  netMan::disconnectFromServer();
+  EXPECT_FALSE(modMain::localPlayer.isConnected);
+  login();
+  EXPECT_EQ(modMain::opponentCount, 2);
+  EXPECT_FALSE(modMain::opponents[0].isConnected);
+  EXPECT_FALSE(modMain::opponents[1].isConnected);
+  modMain::opponents[0].powerups[turboSlot] = {0, 5, true};
+  modMain::runFrame();
+  EXPECT_EQ(modMain::opponents[0].powerups[turboSlot].timeLeft, 5) << "the loop skips the old slots";
+  EXPECT_EQ(join(8, 1, "Bob"), 2);
+}
+
+TEST_F(WorldState, ANewPlayerIsAllZero) {
+  const clsPlayer player;
+  EXPECT_FALSE(player.isConnected);
+  EXPECT_FALSE(player.alive);
+  EXPECT_FALSE(player.breaksOn);
+  EXPECT_FALSE(player.awaitingFirstPosition);
+  EXPECT_EQ(player.serverNode, 0);
+  EXPECT_EQ(player.playerIndex, 0);
+  EXPECT_EQ(player.colour, 0);
+  EXPECT_EQ(player.name, "");
+  EXPECT_EQ(player.position, (Vector{0, 0}));
+  EXPECT_EQ(player.speed, 0);
+  EXPECT_EQ(player.positionReportInterval, 0);
+  EXPECT_EQ(player.funds(), 0);
+  EXPECT_EQ(player.powerSlotLimit, 0);
+  EXPECT_EQ(player.tailCount(), 0);
+  EXPECT_EQ(player.totalPowerups(), 0);
+}
+
+TEST_F(WorldState, Q048KillerAndIsLongOfATailChangeNothing) {
+  clsTail tail;
+  tail.initTail(3, -1, {10, 20});
+  const std::string id = tail.tailID();
+  tail.killer(true);
+  tail.isLong(true);
+  EXPECT_FALSE(tail.looped());
+  EXPECT_FALSE(tail.isCharged());
+  EXPECT_EQ(tail.num(), 3);
+  EXPECT_EQ(tail.getAge(), 0);
+  EXPECT_EQ(tail.tailID(), id);
+  EXPECT_EQ(tail.getPosition(), (Vector{10, 20}));
+}
+
+TEST_F(WorldState, AccessorsReadWhatIsStored) {
+  modMain::setMousePos(12, 34);
+  EXPECT_EQ(modMain::getMousePos(), (Vector{12, 34}));
+  modMain::steerAngle = 45;
+  modMain::steerQuadrant = 3;
+  EXPECT_EQ(modMain::getSteerAngle(), 45);
+  EXPECT_EQ(modMain::getSteerQuadrant(), 3);
+  modMain::localPlayer.position = {1, 2};
+  EXPECT_EQ(modMain::getLocalPosition(), (Vector{1, 2}));
+}
+
+TEST_F(WorldState, ClearingPutsEverythingBack) {
+  addOpponent(3, "Bob");
+  modMain::localPlayer.name = "Ann";
+  modMain::nextTip = 4;
+  modMain::frameTime = 17;
+  modMain::chatLines[0].text = "line";
+  modMain::clearWorld();
+  EXPECT_EQ(modMain::opponentCount, 0);
+  EXPECT_TRUE(modMain::opponents.empty());
+  EXPECT_EQ(modMain::localPlayer.name, "");
+  EXPECT_EQ(modMain::nextTip, 0);
+  EXPECT_EQ(modMain::frameTime, 0);
+  EXPECT_EQ(modMain::chatLines[0].text, "");
+  EXPECT_EQ(modMain::colourNames[0], "");
+}
+
+}  // namespace
+}  // namespace kelvora

@@ -1,0 +1,273 @@
+#include <gtest/gtest.h>
+
+#include "base/fault.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+class PowerupRules : public GameTest {
+ protected:
+  PowerupRules() { login(0, 7); }
+
+  clsPlayer& player() { return modMain::localPlayer; }
+  static const std::string& lastLine() { return modMain::chatLines[0].text; }
+  static Colour lastColour() { return modMain::chatLines[0].colour; }
+  /// Marks the console and the centre message, so that the next text shows.
+  static void forgetTexts() {
+    modMain::chatLines = {};
+    modMain::showCentreMessage("");
+  }
+  void nextSecond(clsPlayer& who) {
+    tick(1000);
+    who.tickPowerups();
+  }
+};
+
+constexpr Colour white = RGB(255, 255, 255);
+constexpr Colour errorRed = RGB(255, 0, 0);
+
+TEST_F(PowerupRules, TheTableOfActivation) {
+  struct Row {
+    std::int16_t slot;
+    std::int16_t seconds;
+    bool active;
+    const char* message;
+  };
+  for (const Row& row :
+       {Row{0, 15, true, "Shields up"}, Row{1, 5, true, "Turbo Boost"}, Row{2, 5, true, "Charged Tail"},
+        Row{3, 5, true, "Extended Tail"}, Row{4, 1, true, "Laser Blast"}, Row{5, 0, false, "Electro-Magnetic Pulse"}}) {
+    forgetTexts();
+    PowerupState& powerup = player().powerups[static_cast<std::size_t>(row.slot)];
+    powerup = {3, 99, false};
+    player().activatePowerup(row.slot);
+    EXPECT_EQ(powerup.count, 2) << row.slot;
+    EXPECT_EQ(powerup.timeLeft, row.seconds) << row.slot;
+    EXPECT_EQ(powerup.active, row.active) << row.slot;
+    EXPECT_EQ(modMain::centreMessage, row.message);
+  }
+}
+
+TEST_F(PowerupRules, TheTotalIsTheSumOfTheStock) {
+  EXPECT_EQ(player().totalPowerups(), 0);
+  for (std::size_t i = 0; i < 6; ++i) player().powerups[i].count = static_cast<std::int16_t>(i + 1);
+  EXPECT_EQ(player().totalPowerups(), 21);
+}
+
+TEST_F(PowerupRules, ARequestGoesOutWithStock) {
+  player().powerups[turboSlot].count = 1;
+  player().requestActivatePowerup(1);
+  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {"1"}}}));
+  EXPECT_EQ(player().powerups[turboSlot].count, 1) << "the server decides";
+  EXPECT_FALSE(player().powerups[turboSlot].active);
+}
+
+TEST_F(PowerupRules, WithoutStockNothingIsSaidAndNothingSent) {
+  forgetTexts();
+  player().requestActivatePowerup(1);
+  EXPECT_TRUE(server().sent.empty());
+  EXPECT_EQ(lastLine(), "");
+}
+
+TEST_F(PowerupRules, ARunningPowerupIsNotReady) {
+  player().powerups[shieldSlot] = {2, 10, true};
+  player().requestActivatePowerup(0);
+  EXPECT_EQ(lastLine(), "That ability isn't ready yet.");
+  EXPECT_EQ(lastColour(), errorRed);
+  EXPECT_TRUE(server().sent.empty());
+}
+
+TEST_F(PowerupRules, Q044TheDeadAreWarnedAndAskAllTheSame) {
+  player().alive = false;
+  player().powerups[turboSlot].count = 1;
+  player().requestActivatePowerup(1);
+  EXPECT_EQ(lastLine(), "You can't use abilities in your current state (ie:dead).");
+  EXPECT_EQ(lastColour(), errorRed);
+  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {"1"}}}));
+}
+
+TEST_F(PowerupRules, Q045APulseWithoutAShieldIsRefusedEvenWithNoneInStock) {
+  for (const std::int16_t count : {std::int16_t{0}, std::int16_t{2}}) {
+    forgetTexts();
+    player().powerups[pulseSlot].count = count;
+    frmMain->canvas.KeyDown(117, 0);
+    EXPECT_EQ(lastLine(), "Refusing to activate EMP, doing so without your shield active will kill you too!!!");
+    EXPECT_EQ(lastColour(), white);
+    EXPECT_TRUE(server().sent.empty());
+  }
+}
+
+TEST_F(PowerupRules, APulseBehindAShieldIsAskedFor) {
+  player().powerups[shieldSlot].active = true;
+  player().powerups[pulseSlot].count = 1;
+  player().requestActivatePowerup(5);
+  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {"5"}}}));
+}
+
+TEST_F(PowerupRules, ADeadPlayersPulseGetsBothTexts) {
+  player().alive = false;
+  player().requestActivatePowerup(5);
+  EXPECT_EQ(modMain::chatLines[1].text, "You can't use abilities in your current state (ie:dead).");
+  EXPECT_EQ(lastLine(), "Refusing to activate EMP, doing so without your shield active will kill you too!!!");
+}
+
+TEST_F(PowerupRules, ASecondMessageForARunningSlotChangesNothing) {
+  player().powerups[turboSlot].count = 2;
+  serverSends(156, {"7", "1"});
+  EXPECT_EQ(player().powerups[turboSlot].count, 1);
+  nextSecond(player());
+  ASSERT_EQ(player().powerups[turboSlot].timeLeft, 4);
+  forgetTexts();
+  serverSends(156, {"7", "1"});
+  EXPECT_EQ(player().powerups[turboSlot].count, 1);
+  EXPECT_EQ(player().powerups[turboSlot].timeLeft, 4);
+  EXPECT_EQ(modMain::centreMessage, "");
+}
+
+TEST_F(PowerupRules, Q046WithoutStockTheServersWordCounts) {
+  serverSends(156, {"7", "3"});
+  EXPECT_EQ(player().powerups[extendedTailSlot].count, 0);
+  EXPECT_TRUE(player().powerups[extendedTailSlot].active);
+  EXPECT_EQ(player().powerups[extendedTailSlot].timeLeft, 5);
+}
+
+TEST_F(PowerupRules, AnOpponentsPowerupRunsInSilence) {
+  const std::int16_t bob = join(8, 1, "Bob");
+  clsPlayer& opponent = modMain::playerAt(bob);
+  opponent.powerups[turboSlot].count = 1;
+  forgetTexts();
+  serverSends(156, {"8", "1"});
+  EXPECT_EQ(opponent.powerups[turboSlot].count, 0);
+  EXPECT_TRUE(opponent.powerups[turboSlot].active);
+  EXPECT_EQ(modMain::centreMessage, "");
+  for (int second = 0; second < 5; ++second) nextSecond(opponent);
+  EXPECT_FALSE(opponent.powerups[turboSlot].active);
+  EXPECT_EQ(modMain::centreMessage, "");
+  EXPECT_EQ(lastLine(), "");
+}
+
+TEST_F(PowerupRules, AnOpponentsPulseIsNotAnnounced) {
+  join(8, 1, "Bob");
+  forgetTexts();
+  serverSends(156, {"8", "5"});
+  EXPECT_EQ(modMain::centreMessage, "");
+  serverSends(156, {"7", "5"});
+  EXPECT_EQ(modMain::centreMessage, "Electro-Magnetic Pulse");
+}
+
+TEST_F(PowerupRules, ASlotOutsideTheSixIsAFaultInTheActivationAlone) {
+  EXPECT_THROW(player().activatePowerup(6), RuntimeFault);
+  EXPECT_THROW(player().activatePowerup(-1), RuntimeFault);
+  forgetTexts();
+  player().unactivatePowerup(6);
+  player().unactivatePowerup(-1);
+  EXPECT_EQ(lastLine(), "");
+}
+
+TEST_F(PowerupRules, ATickIsOneWholeSecond) {
+  machine.seconds = 1000;
+  player().powerups[shieldSlot] = {0, 15, true};
+  player().tickPowerups();
+  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 14);
+  tick(400);  // 1000.4 is still 1000
+  player().tickPowerups();
+  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 14);
+  tick(200);  // 1000.6 is 1001
+  player().tickPowerups();
+  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 13);
+  EXPECT_EQ(player().lastPowerupTick, 1001);
+  tick(5000);  // however many seconds have passed, it is one tick
+  player().tickPowerups();
+  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 12);
+}
+
+TEST_F(PowerupRules, HalfSecondsRoundToTheEvenOne) {
+  player().powerups[shieldSlot] = {0, 15, true};
+  machine.seconds = 1000.5;
+  player().tickPowerups();
+  EXPECT_EQ(player().lastPowerupTick, 1000);
+  machine.seconds = 1001.5;
+  player().tickPowerups();
+  EXPECT_EQ(player().lastPowerupTick, 1002);
+}
+
+TEST_F(PowerupRules, TheLaserEndsAtTheNextTick) {
+  player().tickPowerups();
+  player().powerups[laserSlot].count = 1;
+  player().activatePowerup(4);
+  player().tickPowerups();
+  EXPECT_TRUE(player().powerups[laserSlot].active) << "still the same second";
+  forgetTexts();
+  nextSecond(player());
+  EXPECT_FALSE(player().powerups[laserSlot].active);
+  EXPECT_EQ(lastLine(), "Powerup faded...");
+  EXPECT_EQ(lastColour(), white);
+  EXPECT_EQ(modMain::centreMessage, "Powerup faded");
+}
+
+TEST_F(PowerupRules, IdleSlotsDoNotTick) {
+  player().powerups[turboSlot] = {1, 5, false};
+  nextSecond(player());
+  EXPECT_EQ(player().powerups[turboSlot].timeLeft, 5);
+}
+
+TEST_F(PowerupRules, Q047TimersStandStillAfterMidnight) {
+  machine.seconds = 86'399;
+  player().tickPowerups();
+  player().powerups[shieldSlot] = {0, 15, true};
+  machine.seconds = 0;
+  for (int second = 0; second < 100; ++second) nextSecond(player());
+  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 15);
+  machine.seconds = 86'400;
+  player().tickPowerups();
+  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 14);
+}
+
+TEST_F(PowerupRules, AnEarlyEndIsTold) {
+  struct Row {
+    const char* slot;
+    const char* line;
+  };
+  for (const Row& row :
+       {Row{"0", "Ann's shield has collapsed!!"}, Row{"1", "Ann's turbo has shorted out!!"},
+        Row{"2", "Ann's charged tails ended abruptly!!"}, Row{"3", "Ann's long tails ended abruptly!!"},
+        Row{"4", "Ann's laser has shorted out!!"}, Row{"5", ""}}) {
+    forgetTexts();
+    PowerupState& powerup = player().powerups[static_cast<std::size_t>(row.slot[0] - '0')];
+    powerup = {2, 4, true};
+    serverSends(161, {"7", row.slot});
+    EXPECT_FALSE(powerup.active) << row.slot;
+    EXPECT_EQ(powerup.timeLeft, 4) << "the time stays";
+    EXPECT_EQ(powerup.count, 2);
+    EXPECT_EQ(lastLine(), row.line);
+    if (row.line[0] != '\0') {
+      EXPECT_EQ(lastColour(), white);
+    }
+  }
+}
+
+TEST_F(PowerupRules, AnOpponentsEarlyEndIsToldToo) {
+  join(8, 1, "Bob");
+  serverSends(161, {"8", "0"});
+  EXPECT_EQ(lastLine(), "Bob's shield has collapsed!!");
+}
+
+TEST_F(PowerupRules, Q049ARunningPowerupSurvivesDeathAndRespawn) {
+  player().powerups[shieldSlot] = {0, 10, true};
+  player().die();
+  EXPECT_TRUE(player().powerups[shieldSlot].active);
+  player().respawn();
+  EXPECT_TRUE(player().powerups[shieldSlot].active);
+  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 10);
+}
+
+TEST_F(PowerupRules, ANewLoginEndsThemAndLeavesTheTime) {
+  player().powerups[shieldSlot] = {3, 10, true};
+  player().init(0, -1, 7, "Ann");
+  EXPECT_FALSE(player().powerups[shieldSlot].active);
+  EXPECT_EQ(player().powerups[shieldSlot].count, 0);
+  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 10);
+}
+
+}  // namespace
+}  // namespace kelvora
