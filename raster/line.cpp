@@ -210,11 +210,9 @@ void Surface::drawThick(PixelPoint from, PixelPoint to, int width, Pixel pixel) 
   if (rise > 0) {
     const std::int64_t square = run * run + rise * rise;
     const std::int64_t widthSquare = std::int64_t{width} * width;
-    const std::int64_t dividend = widthSquare * run * run;
-    const std::int64_t root = wholeRoot(dividend / square);
-    const bool isExact = root * root * square == dividend;
-    const auto low = static_cast<int>(root);
-    const int high = isExact ? low : low + 1;
+    // The whole numbers on either side of it. Where it is whole itself, arc and edge agree on its row.
+    const auto low = static_cast<int>(wholeRoot(widthSquare * run * run / square));
+    const int high = low + 1;
     normalFloor = run >= 0 ? low : -high;
     normalCeiling = run >= 0 ? high : -low;
     // |cross product| <= w |segment|, squared, in half pixels.
