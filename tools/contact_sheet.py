@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Shows the sheets as the game puts them up: enlarged, over stars, with the shield, and with the raster operations
-exchanged as for a dead player. Writes one picture to look at: contact_sheet.py OUTPUT.png"""
+exchanged as for a dead player. Writes PREFIX-stage.png, PREFIX-bar.png (four times enlarged) and
+PREFIX-plain.png (at size): contact_sheet.py PREFIX"""
 
 import pathlib
 import sys
@@ -70,7 +71,6 @@ def bar():
     for colour in range(6):
         left = int(colour * 960 / 7 / 15 + 0.5)
         sprite(grid, 8 + colour * 16, 20 + colour * 9, blips[:, 55:64], blips[:, left : left + 9])
-    canvas[96 - 0 : 96, :] = 0
     canvas[4:97, 300:417] = grid
     canvas[104:144, 4:102], canvas[104:144, 104:202] = load("btnPlay0"), load("btnPlay1")
     canvas[146:186, 4:102], canvas[146:186, 104:202] = load("btnStore0"), load("btnStore1")

@@ -3,8 +3,11 @@
 
 import argparse
 import pathlib
+import sys
 
-from sheets import icons, panel, players, pointers
+sys.dont_write_bytecode = True  # the source tree holds sources only
+
+from sheets import icons, logo, panel, players, pointers
 from sheets.paint import save
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -43,12 +46,8 @@ def main():
         for name, picture in sorted(sheets().items()):
             save(assets / f"{name}.png", picture)
     if options.only in (None, "logo"):
-        from sheets import logo
-
         logo.draw(options.output / "kelvora.jpg")
     if options.only in (None, "icon"):
-        from sheets import logo
-
         logo.draw_icons(assets)
 
 

@@ -123,7 +123,7 @@ def pulse(e):
 
 DRAWINGS = [shield, turbo, charged, extended, laser, pulse]
 
-# Digits three by five pixels, for the key that fires the powerup.
+# Letters three by five pixels, for the key that fires the powerup.
 PIXEL_FONT = {
     "F": "### #.. ##. #.. #..",
     "1": ".#. ##. .#. .#. ###",

@@ -1,7 +1,7 @@
 """The title picture and the application's icon."""
 
 import numpy as np
-from PIL import Image, ImageFilter
+from PIL import Image, ImageFilter, ImageFont
 
 from . import palette, shapes
 from .paint import Layer, display, linear, noise, smooth
@@ -50,13 +50,13 @@ class Tail:
         self.half = (thin + (thick - thin) * self.along) / 2
 
     def paint(self, layer, colour, reach=7.0):
-        fade = 0.22 + 0.78 * self.along
+        fade = 0.16 + 0.84 * self.along
         near = self.distance < 100
         layer.add(np.exp(-np.clip(self.distance, 0, None) / reach) * 0.28 * fade * near, colour)
         depth = np.clip(-self.distance / np.maximum(self.half, 0.3), 0, 1)
-        body = colour * (0.45 + 0.55 * depth)[..., None] * fade[..., None]
-        hot = (depth**3 * 0.55 * fade)[..., None]
-        layer.fill(self.distance, np.clip(body * (1 - hot) + hot, 0, 1))
+        hot = (depth**2 * 0.62)[..., None]
+        body = colour * (0.72 + 0.28 * depth)[..., None]
+        layer.fill(self.distance, np.clip(body * (1 - hot) + hot, 0, 1), fade)
 
 
 def player_ball(layer, cx, cy, radius, colour):
@@ -65,11 +65,13 @@ def player_ball(layer, cx, cy, radius, colour):
     outside = np.clip(np.hypot(x, y) - radius, 0, None)
     layer.add(np.exp(-outside / (radius * 0.42)) * 0.50, base)
     orb(layer, cx, cy, radius, base, turn=0.6 * colour, life=0.9)
+    gloss(layer, cx, cy, radius, 0.85)
+    if radius < 6:
+        return
     mark = palette.sign(colour, x, y, radius * 0.38)
     light = palette.SIGNS_LIGHT[colour]
     layer.fill(mark - radius * 0.05, base * 0.3 if light else 1 - (1 - base) * 0.3, 0.6, soft=radius * 0.07)
     layer.fill(mark, 1 - (1 - base) * 0.12 if light else base * 0.2, soft=radius * 0.04)
-    gloss(layer, cx, cy, radius, 0.85)
 
 
 def space(layer):
@@ -98,26 +100,23 @@ def space(layer):
 
 
 def arena(layer):
-    """The floor of the arena in perspective, with the glowing border of the world at its far side."""
-    horizon, x, y = 300.0, layer.x, layer.y
-    below = y > horizon + 1
-    depth = np.where(below, 9000.0 / np.maximum(y - horizon, 1.0), 1e9)
-    across = (x - 381.5) * depth / 300.0
-    spacing = 60.0
-    width_x, width_z = depth / 300.0 * 0.8, depth * depth / 9000.0 * 0.8
-    gx = np.abs((across / spacing + 0.5) % 1 - 0.5) * spacing
-    gz = np.abs((depth / spacing * 2.5 + 0.5) % 1 - 0.5) * spacing / 2.5
-    line = np.maximum(np.exp(-np.square(gx / width_x)), np.exp(-np.square(gz / width_z)))
-    near = smooth(horizon + 60, HEIGHT + 60, y) * below
-    layer.add(line * near * 0.07, palette.rgb(90, 130, 255))
+    """The arena from above: a faint grid, and the glowing border of the world round the picture."""
+    x, y = layer.centred(WIDTH / 2, HEIGHT / 2 + 40)
+    spacing = 58.0
+    gx = np.abs((x / spacing + 0.5) % 1 - 0.5) * spacing
+    gy = np.abs((y / spacing + 0.5) % 1 - 0.5) * spacing
+    line = np.maximum(np.exp(-np.square(gx / 0.6)), np.exp(-np.square(gy / 0.6)))
+    near = np.exp(-np.square(x / 330) - np.square(y / 240))
+    layer.add(line * (0.008 + 0.03 * near), palette.rgb(90, 130, 255))
+    border = np.abs(shapes.box(layer.x - WIDTH / 2, layer.y - HEIGHT / 2, WIDTH / 2 - 5, HEIGHT / 2 - 5))
+    layer.add(np.exp(-border / 5.0) * 0.22, palette.rgb(255, 30, 20))
+    layer.fill(border - 1.5, palette.rgb(255, 60, 60))
 
 
 def title(layer):
     """KELVORA, its O a tail that has closed round a ball."""
     size, cy, gap = 128, 96, 8
     s = layer.scale
-    from PIL import ImageFont
-
     face = ImageFont.truetype(FONT, size * s)
     letters = "KELVORA"
     ring_width = 104.0
@@ -143,13 +142,13 @@ def title(layer):
     edge = np.clip(mask - blurred(mask, 1.1 * s), 0, 1)
     layer.add(edge * 0.8, palette.rgb(200, 235, 255))
 
-    cx, radius = ring_x, 42.0
+    cx, radius = ring_x, 40.0
     start = -0.55
     turns = np.linspace(start - 2 * np.pi * 1.04, start, 40)
     points = [(cx + radius * np.sin(a), cy + 1 - radius * np.cos(a)) for a in turns]
-    Tail(layer, points, 5.0, 17.0, steps=4).paint(layer, palette.PLAYERS[3], reach=6.0)
-    player_ball(layer, cx, cy + 1, 19.0, 0)
-    player_ball(layer, points[-1][0], points[-1][1], 15.0, 3)
+    Tail(layer, points, 13.0, 21.0, steps=4).paint(layer, palette.PLAYERS[3], reach=6.0)
+    player_ball(layer, cx, cy + 1, 17.0, 0)
+    player_ball(layer, points[-1][0], points[-1][1], 17.0, 3)
 
 
 def scene(layer):
@@ -165,11 +164,11 @@ def scene(layer):
     for colour, points, thin, thick in tails:
         Tail(layer, points, thin, thick).paint(layer, palette.PLAYERS[colour])
         balls.append((points[-1], 15 + thick * 0.55, colour))
-    loop = [(300, 330), (318, 384), (344, 440), (404, 492), (486, 504), (566, 470), (606, 400), (590, 316), (530, 258)]
-    loop += [(454, 238), (384, 258), (338, 312), (318, 352), (288, 396)]
+    loop = [(262, 318), (306, 366), (346, 436), (404, 492), (486, 504), (566, 470), (606, 400), (590, 316), (530, 258)]
+    loop += [(454, 238), (384, 258), (336, 312), (312, 360), (298, 402), (294, 436)]
     Tail(layer, loop, 5, 17, reach=34).paint(layer, palette.PLAYERS[3], reach=10.0)
     # The flash where the loop closes.
-    cx, cy = 311, 366
+    cx, cy = 307, 367
     x, y = layer.centred(cx, cy)
     r = np.hypot(x, y)
     angle = np.arctan2(y, x)
@@ -180,7 +179,7 @@ def scene(layer):
     layer.add(np.exp(-np.square(x / 120) - np.square(y / 110)) * 0.06, palette.PLAYERS[3])
     for (bx, by), radius, colour in balls:
         player_ball(layer, bx, by, radius, colour)
-    player_ball(layer, 284, 402, 0.1, 3)
+    player_ball(layer, 294, 438, 25, 3)
 
 
 def connect_plate(layer):
@@ -196,12 +195,12 @@ def connect_plate(layer):
     layer.fill(plate + 2.2, palette.rgb(34, 150, 66) * (1 - down) + palette.rgb(8, 58, 26) * down)
     sheen = shapes.box(x, y + 14.5, 108, 12.5, 10)
     layer.fill(np.maximum(sheen, plate + 3.5), palette.rgb(110, 230, 140), 0.30, soft=3)
-    mask = text_mask(layer, "Connect to server", 23.5, cx + 16, cy)
+    mask = text_mask(layer, "Connect to server", 20.5, cx + 17, cy)
     s = layer.scale
     shade = np.roll(np.roll(mask, int(1.5 * s), axis=0), int(1.5 * s), axis=1)
     layer.fill(0.5 - shade, (0, 0.1, 0.02), 0.8)
-    triangle = shapes.polygon(x + 95, y, [(-7, -11), (12, 0), (-7, 11)]) - 1.5
-    layer.fill(shapes.polygon(x + 93.5, y - 1.5, [(-7, -11), (12, 0), (-7, 11)]) - 1.5, (0, 0.1, 0.02), 0.8)
+    triangle = shapes.polygon(x + 88, y, [(-6, -9.5), (10, 0), (-6, 9.5)]) - 1.5
+    layer.fill(shapes.polygon(x + 86.5, y - 1.5, [(-6, -9.5), (10, 0), (-6, 9.5)]) - 1.5, (0, 0.1, 0.02), 0.8)
     layer.fill(triangle, (1, 1, 1))
     layer.light = layer.light * (1 - mask[..., None]) + mask[..., None]
 
@@ -228,11 +227,11 @@ def icon(size):
     layer.fill(tile + 1.6 * u, palette.rgb(26, 34, 84) * (1 - down) + palette.rgb(6, 6, 22) * down)
     start = 0.85
     turns = np.linspace(start - 2 * np.pi * 1.06, start, 48)
-    radius = 20.0 * u
+    radius, bold = 20.0 * u, size <= 32
     points = [(size / 2 + radius * np.sin(a), size / 2 - radius * np.cos(a)) for a in turns]
-    Tail(layer, points, 3 * u, 8.5 * u, reach=10 * u, steps=4).paint(layer, palette.PLAYERS[3], reach=2.5 * u)
-    player_ball(layer, size / 2, size / 2, 11.0 * u, 0)
-    player_ball(layer, points[-1][0], points[-1][1], 8.5 * u, 3)
+    Tail(layer, points, (6 if bold else 3.5) * u, (11 if bold else 9) * u, reach=10 * u, steps=4).paint(layer, palette.PLAYERS[3], reach=2.5 * u)
+    player_ball(layer, size / 2, size / 2, (12.5 if bold else 11) * u, 0)
+    player_ball(layer, points[-1][0], points[-1][1], (10 if bold else 8.5) * u, 3)
     alpha = layer.reduced((tile < 0).astype(float))
     light = layer.reduced(np.clip(layer.light, 0, 1) * (tile < 0)[..., None])
     colours = display(light / np.maximum(alpha, 1e-6)[..., None])

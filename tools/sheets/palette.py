@@ -15,11 +15,11 @@ def rgb(*channels):
 
 # By colour number: red, yellow, green, cyan, blue, purple.
 PLAYERS = [
-    rgb(232, 22, 26),
+    rgb(248, 42, 34),
     rgb(255, 222, 20),
     rgb(36, 190, 40),
-    rgb(70, 238, 250),
-    rgb(36, 70, 240),
+    rgb(26, 208, 224),
+    rgb(28, 56, 228),
     rgb(186, 62, 240),
 ]
 

@@ -39,7 +39,7 @@ def radar_blips():
         base = palette.PLAYERS[cell]
         layer.fill(shapes.circle(x, y, 3.5), base)
         light = palette.SIGNS_LIGHT[cell]
-        layer.fill(palette.sign(cell, x, y, 2.0), 1 - (1 - base) * 0.15 if light else base * 0.1)
+        layer.fill(palette.sign(cell, x, y, 2.2 if light else 2.5), 1 - (1 - base) * 0.15 if light else base * 0.1)
         paste(sheet, cut(layer.picture(), matte), left)
     return {"radarBlips": sheet}
 
@@ -47,12 +47,15 @@ def radar_blips():
 def caps():
     sheet = blank(65, 11)
     for colour, base in enumerate(palette.PLAYERS):
-        layer = Layer(10, 11)
-        x, y = layer.centred(5.0, 5.5)
-        layer.fill(shapes.circle(x, y, 4.9), base * np.clip(1.05 - 0.08 * (y + 4)[..., None], 0, 1))
+        # A pixel of black on either side: neighbouring cells share a column.
+        layer = Layer(11, 11)
+        x, y = layer.centred(5.5, 5.5)
+        layer.fill(shapes.circle(x, y, 4.5), base * np.clip(1.05 - 0.08 * (y + 4)[..., None], 0, 1))
         light = palette.SIGNS_LIGHT[colour]
-        layer.fill(palette.sign(colour, x, y, 2.7), 1 - (1 - base) * 0.1 if light else base * 0.12)
-        paste(sheet, layer.picture(), int(colour * 975 / 6 / 15 + 0.5))
+        layer.fill(palette.sign(colour, x, y, 2.7 if light else 3.2), 1 - (1 - base) * 0.1 if light else base * 0.12)
+        left = int(colour * 975 / 6 / 15 + 0.5)
+        spot = sheet[:, left : left + 11]
+        spot[...] = np.maximum(spot, layer.picture())
     return {"caps": sheet}
 
 
@@ -69,11 +72,11 @@ def button(text, base, lit, symbol):
     sheen = shapes.box(x, y + 9, 44, 7.5, 6)
     layer.fill(np.maximum(sheen, plate + 3.2), base * (0.95 if lit else 0.7), 0.40 if lit else 0.2, soft=2)
     ink = palette.rgb(255, 255, 255) if lit else palette.rgb(150, 150, 150)
-    mask = text_mask(layer, text, 19, 58, 19.5)
+    mask = text_mask(layer, text, 17, 60.5, 19.5)
     shadow = np.roll(np.roll(mask, layer.scale, axis=0), layer.scale, axis=1)
-    symbol_distance = symbol(*layer.centred(21, 20))
+    symbol_distance = symbol(*layer.centred(20, 20))
     layer.fill(0.5 - shadow, base * 0.12, 0.8)
-    layer.fill(symbol(*layer.centred(22, 21)), base * 0.12, 0.8)
+    layer.fill(symbol(*layer.centred(21, 21)), base * 0.12, 0.8)
     if lit:
         layer.add(np.exp(-np.clip(symbol_distance, 0, None) / 2.0) * 0.25 * (plate < -2), base)
     layer.light = layer.light * (1 - mask[..., None]) + mask[..., None] * np.power(ink, 2.2)
@@ -83,17 +86,17 @@ def button(text, base, lit, symbol):
 
 def spawn_symbol(x, y):
     """A ball with rays: somebody appears."""
-    core = shapes.circle(x, y, 4.6)
+    core = shapes.circle(x, y, 4.2)
     rays = np.inf
     for i in range(8):
         u, v = shapes.turned(x, y, i * np.pi / 4)
-        rays = np.minimum(rays, shapes.segment(u, v, (0, -7.4), (0, -10.2), 2.0))
+        rays = np.minimum(rays, shapes.segment(u, v, (0, -7.0), (0, -9.2), 2.0))
     return np.minimum(core, rays)
 
 
 def store_symbol(x, y):
     """A shopping bag."""
-    bag = shapes.polygon(x, y, [(-8, -3.5), (8, -3.5), (9, 10), (-9, 10)]) - 0.8
+    bag = shapes.polygon(x, y, [(-7, -3), (7, -3), (8, 9), (-8, 9)]) - 0.8
     handle = np.maximum(shapes.ring(x, y + 4, 4.6, 1.9), y + 4)
     notch = shapes.circle(np.abs(x) - 4.0, y + 0.2, 1.1)
     return np.minimum(np.maximum(bag, -notch), handle)
@@ -111,13 +114,12 @@ def radar_grid():
     """Ten by ten squares of the world, a stronger cross in the middle, a frame round all."""
     width, height = 117, 93
     sheet = blank(width, height)
-    sheet[...] = (2, 5, 3)
     for i in range(1, 10):
-        tone = (34, 46, 36) if i == 5 else (20, 27, 21)
+        tone = (62, 62, 62) if i == 5 else (32, 32, 32)
         sheet[:, int(i * width / 10 + 0.5)] = tone
         sheet[int(i * height / 10 + 0.5), :] = tone
-    sheet[[0, -1], :] = (92, 112, 96)
-    sheet[:, [0, -1]] = (92, 112, 96)
+    sheet[[0, -1], :] = (110, 110, 110)
+    sheet[:, [0, -1]] = (110, 110, 110)
     return {"radarGrid": sheet}
 
 

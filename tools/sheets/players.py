@@ -49,7 +49,7 @@ def player_cell(colour, frame):
     halo = np.exp(-np.clip(np.hypot(x, y) - radius, 0, None) / 0.9)
     layer.add(halo * (0.30 + 0.20 * life), base)
     orb(layer, c, c, radius, base, turn=0.32 * frame, life=life)
-    size = 6.6 + 0.35 * frame
+    size = 7.3 + 0.35 * frame
     mark = palette.sign(colour, x, y, size)
     if palette.SIGNS_LIGHT[colour]:
         layer.add(np.exp(-np.clip(mark, 0, None) / 1.6) * (0.25 + 0.3 * life) * (np.hypot(x, y) < radius), base)
@@ -83,7 +83,7 @@ def shield_cell(frame):
     layer = Layer(CELL, CELL)
     c = CELL / 2
     x, y = layer.centred(c, c)
-    radius = 21.6 + 0.25 * frame
+    radius = 21.2 + 0.25 * frame
     r = np.hypot(x, y)
     angle = np.arctan2(y, x)
     outer = shapes.ring(x, y, radius, 4.4)

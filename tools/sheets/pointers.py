@@ -36,7 +36,7 @@ def pointer_sheet():
     return {"arrows": sheet}
 
 
-# Quarter and eighth turns clockwise from straight up, by frame: up, right, down, left, then the four corners.
+# Eighth turns clockwise from straight up, by frame: up, right, down, left, then the four corners.
 EDGE_TURNS = [0, 2, 4, 6, 7, 1, 5, 3]
 
 
@@ -44,20 +44,26 @@ def edge_cell(colour, frame):
     size = 18
     layer = Layer(size, size)
     turn = EDGE_TURNS[frame] * np.pi / 4
-    x, y = shapes.turned(*layer.centred(size / 2, size / 2), turn)
-    if frame >= 4:
-        y = y - 1.2
-    head = [(0, -8.2), (8.2, 1.0), (3.6, 1.0), (3.6, 7.8), (-3.6, 7.8), (-3.6, 1.0), (-8.2, 1.0)]
+    corner = frame >= 4
+    # The straight and the corner arrow are two drawings, so that both fill the cell; quarter turns do the rest.
+    quarter = turn + (np.pi / 4 if corner else 0)
+    x, y = shapes.turned(*layer.centred(size / 2, size / 2), quarter)
+    if corner:
+        head = [(-8, -8), (6.4, -8), (1.6, -3.2), (8, 3.2), (3.2, 8), (-3.2, 1.6), (-8, 6.4)]
+        middle = (-3.4, -3.4)
+    else:
+        head = [(0, -8.3), (8.3, 1.4), (3.9, 1.4), (3.9, 8.0), (-3.9, 8.0), (-3.9, 1.4), (-8.3, 1.4)]
+        middle = (0, -1.4)
     outline = shapes.polygon(x, y, head) - 0.5
-    inner = shapes.polygon(x, y, head) + 0.9
+    inner = shapes.polygon(x, y, head) + 0.7
     base = palette.PLAYERS[colour]
-    layer.fill(outline, 1 - (1 - base) * 0.35)
-    shade = smooth(-9, 9, y)[..., None]
-    layer.fill(inner, base * (1.0 - 0.4 * shade))
+    layer.fill(outline, base * 0.42)
+    shade = smooth(-9, 9, y + (x if corner else 0))[..., None]
+    layer.fill(inner, np.clip(base * (1.08 - 0.3 * shade), 0, 1))
     light = palette.SIGNS_LIGHT[colour]
     # The sign stays upright whichever way the arrow points.
-    sx, sy = shapes.turned(x, y + 1.3, -turn)
-    layer.fill(palette.sign(colour, sx, sy, 2.9), (1, 1, 1) if light else base * 0.12)
+    sx, sy = shapes.turned(x - middle[0], y - middle[1], -quarter)
+    layer.fill(palette.sign(colour, sx, sy, 2.8), (1, 1, 1) if light else base * 0.1)
     layer.within(outline)
     return layer
 

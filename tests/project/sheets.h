@@ -1,0 +1,66 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "platform/pictures/pictureFile.h"
+#include "raster/twips.h"
+
+/// Looks at the drawn pictures as the paint code does: cells found in twips, mattes beside images.
+namespace sheets {
+
+inline constexpr kelvora::Pixel blackPixel = 0x000000;
+inline constexpr kelvora::Pixel whitePixel = 0xFFFFFF;
+
+inline kelvora::PicturePointer load(const std::string& name) {
+  return kelvora::loadPictureFile(std::string(KELVORA_SOURCE_DIR) + "/assets/" + name + ".png");
+}
+
+/// A copy of the rectangle that begins at `x`, `y` and is `width` by `height`, all twips.
+inline kelvora::Picture cell(const kelvora::Picture& sheet, double x, double y, double width, double height) {
+  kelvora::Picture result{kelvora::toPixels(width), kelvora::toPixels(height), {}};
+  for (int row = 0; row < result.height; ++row)
+    for (int column = 0; column < result.width; ++column)
+      result.pixels.push_back(sheet.pixels.at(
+          static_cast<std::size_t>((kelvora::toPixels(y) + row) * sheet.width + kelvora::toPixels(x) + column)));
+  return result;
+}
+
+inline kelvora::Pixel at(const kelvora::Picture& picture, int x, int y) {
+  return picture.pixels.at(static_cast<std::size_t>(y * picture.width + x));
+}
+
+inline double red(kelvora::Pixel pixel) { return pixel >> 16 & 255; }
+inline double green(kelvora::Pixel pixel) { return pixel >> 8 & 255; }
+inline double blue(kelvora::Pixel pixel) { return pixel & 255; }
+
+/// How bright a pixel is to the eye, 0 to 255.
+inline double luma(kelvora::Pixel pixel) { return 0.299 * red(pixel) + 0.587 * green(pixel) + 0.114 * blue(pixel); }
+
+/// The hue of the whole picture in degrees, red 0, green 120, blue 240: greys count nothing, strong colours most.
+inline double meanHue(const kelvora::Picture& picture) {
+  double alpha = 0;
+  double beta = 0;
+  for (const auto pixel : picture.pixels) {
+    alpha += red(pixel) - (green(pixel) + blue(pixel)) / 2;
+    beta += (green(pixel) - blue(pixel)) * std::numbers::sqrt3 / 2;
+  }
+  const double degrees = std::atan2(beta, alpha) * 180 / std::numbers::pi;
+  return degrees < 0 ? degrees + 360 : degrees;
+}
+
+/// The way round the colour circle from one hue to another, 0 to 180 degrees.
+inline double hueDistance(double a, double b) {
+  const double way = std::fabs(a - b);
+  return std::min(way, 360 - way);
+}
+
+/// Share of the pixels with this value, 0 to 1.
+inline double share(const kelvora::Picture& picture, kelvora::Pixel value) {
+  return static_cast<double>(std::ranges::count(picture.pixels, value)) / static_cast<double>(picture.pixels.size());
+}
+
+}  // namespace sheets
