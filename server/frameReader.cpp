@@ -1,0 +1,25 @@
+#include "server/frameReader.h"
+
+#include "network/wire/wireFormat.h"
+
+namespace kelvora::server {
+
+bool FrameReader::read(std::string_view bytes, const std::function<void(std::string_view text)>& handle) {
+  for (const char byte : bytes) {
+    if (isOpen_ == (byte == wire::frameStart)) return false;
+    if (!isOpen_) {
+      isOpen_ = true;
+    } else if (byte == wire::frameEnd) {
+      handle(text_);
+      text_.clear();
+      isOpen_ = false;
+    } else if (text_.size() == longestFrame) {
+      return false;
+    } else {
+      text_ += byte;
+    }
+  }
+  return true;
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <asio/io_context.hpp>
+#include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "server/arena.h"
+#include "server/connection.h"
+#include "server/options.h"
+
+namespace kelvora::server {
+
+/// The arena on the network. Everything runs on the one thread that runs the context.
+class GameServer : private ArenaOutput {
+ public:
+  static constexpr std::size_t mostConnections = 64;
+
+  /// Listens at once; an address that is no good throws std::system_error.
+  GameServer(asio::io_context& context, const Options& options, std::function<void(const std::string&)> log);
+
+  /// "127.0.0.1:2010"
+  std::string endpointText() const;
+  std::uint16_t port() const { return acceptor_.local_endpoint().port(); }
+  /// Closes everything, so that the context runs out of work.
+  void stop();
+
+ private:
+  void send(ClientId client, const std::string& frame) override;
+  void hangUp(ClientId client) override;
+  void log(const std::string& line) override { log_(line); }
+
+  void acceptMore();
+  void welcome(asio::ip::tcp::socket socket);
+  void tickMore();
+  Millis now() const;
+
+  std::function<void(const std::string&)> log_;
+  asio::ip::tcp::acceptor acceptor_;
+  asio::steady_timer timer_;
+  const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+  Arena arena_;
+  std::map<ClientId, std::shared_ptr<Connection>> connections_;
+  std::map<ClientId, Millis> hungUp_;  // since when
+  ClientId lastClient_ = 0;
+  bool isAccepting_ = true;
+  bool stopped_ = false;
+};
+
+}  // namespace kelvora::server
