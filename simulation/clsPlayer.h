@@ -97,6 +97,8 @@ class clsPlayer {
 
   // Painting (rendering/playerPainting.cpp).
   void paintSelf();
+  /// Lightning along a segment of the world, new at every call.
+  void paintChargedArc(Vector a, Vector b);
 
   // Powerups (store/powerupRules.cpp).
   std::int16_t totalPowerups() const;
@@ -117,7 +119,6 @@ class clsPlayer {
   void paintBall(Vector centre);
   void advanceAnimation();
   void paintTail();
-  void paintChargedArc(Vector a, Vector b);
   void paintRadarBlip();
   void paintOffscreenArrow();
   void paintLaser();

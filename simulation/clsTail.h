@@ -13,6 +13,7 @@ namespace kelvora {
 class clsTail {
  public:
   const std::string& tailID() const { return tailID_; }
+  // Quirk Q-048: killer and isLong take a value and keep nothing; no vertex is ever looped.
   void killer(bool) {}
   bool looped() const { return false; }
   void num(double value);
