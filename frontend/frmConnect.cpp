@@ -80,6 +80,7 @@ void FrmConnect::colourRowMouseDown(float X, float Y) {
   const float y = Y + lblShapeSelect.Top;
   for (int i = 0; i <= shpUserColor.UBound; ++i) {
     Shape& circle = shpUserColor[i];
+    // Quirk Q-051: also when the press meets none of them: then no circle is marked, and the old colour still holds.
     unmark(circle);
     const bool across = circle.Left <= x && x <= circle.Left + circle.Width;
     const bool down = circle.Top <= y && y <= circle.Top + circle.Height;

@@ -31,7 +31,7 @@ class FrmConnect : public Form {
   /// Lies over the circles and takes their clicks.
   Label lblShapeSelect{this, {1740, 1620, 1935, 255}, "", {.transparent = true, .border = true, .systemColours = true}};
   Button cmdConnect{this, {480, 1980, 1455, 375}, "Connect", Button::Role::Default};
-  /// Answers Esc, in place of cmdCancel.
+  // Quirk Q-050: Esc is answered by the list of servers, not by cmdCancel.
   Button cmdGetList{this, {2040, 1980, 1455, 375}, "Get List", Button::Role::Cancel};
   Button cmdCancel{this, {1260, 2460, 1455, 375}, "Cancel"};
 

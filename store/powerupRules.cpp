@@ -93,6 +93,7 @@ void clsPlayer::tickPowerups() {
   lastPowerupTick = now;
   for (PowerupState& powerup : powerups) {
     if (!powerup.active) continue;
+    // Quirk Q-049: time ends a powerup, death does not: it runs on for the ghost and into the next life.
     --powerup.timeLeft;
     if (powerup.timeLeft > 0) continue;
     powerup.active = false;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 
 namespace kelvora {
@@ -89,6 +90,17 @@ constexpr BlockLetter letters[] = {
 
 constexpr std::string_view unknownLetter = "####/#..#/#..#/#..#/#..#/#..#/####";
 constexpr std::string_view blankLetter = ".../.../.../.../.../.../...";
+
+constexpr bool isWholeGrid(std::string_view rows) {
+  const std::size_t columns = rows.find('/');
+  if (rows.size() != gridRows * (columns + 1) - 1) return false;
+  for (std::size_t at = columns; at < rows.size(); at += columns + 1) {
+    if (rows[at] != '/') return false;
+  }
+  return true;
+}
+static_assert(std::all_of(std::begin(letters), std::end(letters),
+                          [](const BlockLetter& letter) { return isWholeGrid(letter.rows); }));
 
 std::string_view rowsOf(unsigned char character) {
   if (character == ' ' || character == 160) return blankLetter;

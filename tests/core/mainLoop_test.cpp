@@ -131,6 +131,7 @@ TEST_F(MainLoop, InTheStarsSettingBackgroundParticlesAreWrappedButDoNotMove) {
   for (clsParticle& particle : modMain::particles) {
     particle.position = {50'000, 50'000};
     particle.velocity = {7, 7};
+    particle.maxSpeed = 15;
     particle.fieldWidth = 11'445;
     particle.fieldHeight = 9'120;
   }
@@ -142,7 +143,30 @@ TEST_F(MainLoop, InTheStarsSettingBackgroundParticlesAreWrappedButDoNotMove) {
 
   frmMain->mnuQuarkStars.Checked = false;
   modMain::runFrame();
-  EXPECT_NE(modMain::particles[0].position, (Vector{50'000, 50'000}));
+  EXPECT_EQ(modMain::particles[0].position, (Vector{50'007, 50'007}));
+}
+
+// The canvas's centre (5722, 4560) shows the local player; 2000 units to the right lie at pixel (515, 304).
+TEST_F(MainLoop, ParticlesAreShownOneStepBehind) {
+  login();
+  frmMain->mnuQuarkStars.Checked = false;
+  modMain::particleCount = 1;
+  modMain::particles.assign(1, clsParticle{});
+  clsParticle& particle = modMain::particles[0];
+  particle.position = {52'000, 50'000};
+  particle.velocity = {3000, 0};
+  particle.maxSpeed = 3000;
+  particle.fieldWidth = 11'445;
+  particle.fieldHeight = 9'120;
+  particle.red = particle.green = particle.blue = 255;
+  modMain::runFrame();
+  const auto pixel = [](int x, int y) {
+    const PictureBox& canvas = frmMain->canvas;
+    return canvas.pixels()[static_cast<std::size_t>(y * canvas.pixelWidth() + x)];
+  };
+  EXPECT_EQ(particle.position, (Vector{55'000, 50'000}));
+  EXPECT_EQ(pixel(515, 304), toPixel(RGB(255, 255, 255)));
+  EXPECT_EQ(pixel(715, 304), toPixel(RGB(0, 0, 0)));
 }
 
 TEST_F(MainLoop, ATimeScaleIsATenthOfTheFrameTime) {
