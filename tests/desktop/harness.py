@@ -3,6 +3,7 @@ server or a scripted one, the mouse and the keys. Everything stays on this machi
 ended here."""
 
 import os
+import random
 import re
 import shutil
 import signal
@@ -48,9 +49,17 @@ def stop(process):
             process.wait()
 
 
+def listener():
+    """A socket that listens on a free port; the connect dialog takes none from 32767 on."""
+    while True:
+        try:
+            return socket.create_server(("127.0.0.1", random.randrange(20000, 32000)))
+        except OSError:
+            pass
+
+
 def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
+    with listener() as probe:
         return probe.getsockname()[1]
 
 
@@ -332,7 +341,7 @@ class ScriptedServer:
     """A server that does what the test says."""
 
     def __init__(self):
-        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.listener = listener()
         self.port = self.listener.getsockname()[1]
         self.lines = []
 
