@@ -1,6 +1,8 @@
 #include "platform/qt/qtBackend.h"
 
 #include <QApplication>
+#include <QFile>
+#include <QIcon>
 #include <clocale>
 #include <exception>
 #include <string>
@@ -29,6 +31,15 @@ void preferX11() {
   }
 }
 
+/// The program's icon in all its sizes, as far as they are there.
+QIcon programIcon(const std::string& applicationPath) {
+  QIcon icon;
+  for (const int size : {16, 32, 48, 64, 128, 256}) {
+    icon.addFile(QFile::decodeName(applicationPath.c_str()) + QString("/assets/icon-%1.png").arg(size));
+  }
+  return icon;
+}
+
 }  // namespace
 
 int runDesktop(int argc, char** argv, void (*game)()) {
@@ -45,6 +56,7 @@ int runDesktop(int argc, char** argv, void (*game)()) {
   QtGlyphSource glyphs;
   Surface::setGlyphSource(&glyphs);
   QtDesktop desktop(commandLine);
+  QApplication::setWindowIcon(programIcon(desktop.applicationPath()));
   installBackend(&desktop);
   try {
     game();

@@ -203,7 +203,6 @@ bool FormPeer::answerKey(bool enter) {
     if (button && button->role == role && button->Visible) answer = button;
   });
   if (!answer) return false;
-  answer->SetFocus();
   raiseEvent(*answer, answer->Click);
   return true;
 }

@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QMessageBox>
+#include <algorithm>
+#include <chrono>
+
+#include "base/fault.h"
+#include "desktopTest.h"
+#include "formProbe.h"
+#include "platform/backend.h"
+#include "platform/qt/handlerCall.h"
+#include "platform/qt/qtDesktop.h"
+#include "platform/qt/qtGlyphs.h"
+
+namespace kelvora {
+namespace {
+
+/// Sets an environment variable as long as it lives.
+class Environment {
+ public:
+  Environment(const char* name, const char* value) : name_(name) { qputenv(name, value); }
+  ~Environment() { qunsetenv(name_); }
+  Environment(const Environment&) = delete;
+  Environment& operator=(const Environment&) = delete;
+
+ private:
+  const char* name_;
+};
+
+TEST(Desktop, ClockStartsAtAMillionAndNeverFalls) {
+  QtDesktop desktop("");
+  Tick last = desktop.tickCount();
+  EXPECT_GE(last, 1'000'000);
+  EXPECT_LT(last, 1'001'000);
+  for (int i = 0; i < 1000; ++i) {
+    const Tick now = desktop.tickCount();
+    EXPECT_GE(now, last);
+    last = now;
+  }
+}
+
+TEST(Desktop, SecondsSinceMidnightStayWithinADay) {
+  EXPECT_GE(Timer(), 0.0F);
+  EXPECT_LT(Timer(), 86400.0F);
+}
+
+TEST(Desktop, CommandLineIsWhatStandsBehindTheProgram) { EXPECT_EQ(commandLine(), "NoSound"); }
+
+TEST(Desktop, DataFolderOfTheEnvironmentWins) {
+  EXPECT_EQ(applicationPath(), KELVORA_SOURCE_DIR);
+  const Environment chosen("KELVORA_DATA", "/somewhere/else");
+  EXPECT_EQ(applicationPath(), "/somewhere/else");
+}
+
+TEST(Desktop, WebHostOfTheEnvironmentWins) {
+  EXPECT_FALSE(webHost().empty());
+  const Environment chosen("KELVORA_WEB_HOST", "127.0.0.1:8080");
+  EXPECT_EQ(webHost(), "127.0.0.1:8080");
+}
+
+TEST(Desktop, PacedPassesLastTheirFrameAndServeEvents) {
+  const Environment frame("KELVORA_FRAME_MS", "4");
+  QtDesktop desktop("");
+  int ticks = 0;
+  QTimer ticker;
+  QObject::connect(&ticker, &QTimer::timeout, &ticker, [&ticks] { ++ticks; });
+  ticker.start(1);
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 10; ++i) desktop.doEvents(false);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(40));
+  EXPECT_GT(ticks, 10) << "more than one event a pass";
+}
+
+TEST(Desktop, MessageBoxShowsPlainTextAndLetsEventsGoOn) {
+  QString text;
+  QString title;
+  Qt::TextFormat format = Qt::RichText;
+  QTimer::singleShot(0, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_NE(box, nullptr);
+    text = box->text();
+    title = box->windowTitle();
+    format = box->textFormat();
+    box->accept();
+  });
+  MsgBox("Login denied: \r\n<b>full\x80</b>");
+  EXPECT_EQ(text, QString::fromUtf16(u"Login denied: \n<b>full\u20AC</b>"));
+  EXPECT_EQ(title, "Kelvora");
+  EXPECT_EQ(format, Qt::PlainText);
+}
+
+TEST(DesktopDeathTest, AFaultInAHandlerEndsTheProgramWithABox) {
+  ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        FormProbe form;
+        form.Show();
+        form.box.Click = [] { raiseSubscriptOutOfRange(); };
+        QTimer answer;
+        QObject::connect(&answer, &QTimer::timeout, &answer, [] {
+          auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+          if (box && box->windowTitle() == "Kelvora" && box->text() == "Run-time error: Subscript out of range") {
+            box->accept();
+          }
+        });
+        answer.start(1);
+        sendMouse(form.box, QEvent::MouseButtonRelease, {1, 1}, Qt::LeftButton, Qt::NoButton);
+      },
+      ::testing::ExitedWithCode(1), "Run-time error: Subscript out of range");
+}
+
+TEST(DesktopDeathTest, EndProcessEndsAtOnce) {
+  ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(endProcess(), ::testing::ExitedWithCode(0), "");
+}
+
+TEST(QtGlyphs, LettersHaveInkWithinTheirLine) {
+  QtGlyphSource source;
+  const FontSpec font{"Comic Sans MS", 9, true};
+  const int line = source.lineHeight(font);
+  EXPECT_GE(line, 12);
+  for (const unsigned char letter : std::initializer_list<unsigned char>{'A', 'g', 'W', 0x80, 0xE9}) {
+    const Glyph glyph = source.glyph(font, letter);
+    ASSERT_EQ(glyph.coverage.size(), static_cast<std::size_t>(glyph.width * glyph.height));
+    EXPECT_GT(*std::max_element(glyph.coverage.begin(), glyph.coverage.end()), 200) << "fully covered somewhere";
+    EXPECT_GT(glyph.advance, 2);
+    EXPECT_GE(glyph.top, -2);
+    EXPECT_LE(glyph.top + glyph.height, line + 2);
+  }
+}
+
+TEST(QtGlyphs, BlankAndControlCharactersHaveWidthButNoInk) {
+  QtGlyphSource source;
+  for (const unsigned char letter : std::initializer_list<unsigned char>{' ', '\t', 0x81}) {
+    const Glyph glyph = source.glyph({}, letter);
+    EXPECT_TRUE(glyph.coverage.empty());
+    EXPECT_GT(glyph.advance, 0);
+  }
+}
+
+TEST(QtGlyphs, MorePointsAreLarger) {
+  QtGlyphSource source;
+  EXPECT_GT(source.lineHeight({"Comic Sans MS", 16, true}), source.lineHeight({"Comic Sans MS", 9, true}));
+  EXPECT_GT(source.glyph({"Comic Sans MS", 16, true}, 'M').advance,
+            source.glyph({"Comic Sans MS", 9, true}, 'M').advance);
+}
+
+}  // namespace
+}  // namespace kelvora

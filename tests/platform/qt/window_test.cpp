@@ -1,0 +1,205 @@
+#include <gtest/gtest.h>
+
+#include <QMenu>
+#include <QMenuBar>
+#include <memory>
+
+#include "base/fault.h"
+#include "desktopTest.h"
+#include "formProbe.h"
+#include "platform/backend.h"
+
+namespace kelvora {
+namespace {
+
+using Notes = std::vector<std::string>;
+
+class Window : public ::testing::Test {
+ protected:
+  Window() { FormProbe::unloadings().clear(); }
+
+  FormSlot<FormProbe> slot_;
+};
+
+TEST_F(Window, ClientAreaHasTheDesignedSizeBesideTheMenuBar) {
+  slot_->Show();
+  FormWindow& window = windowOf(*slot_);
+  EXPECT_EQ(window.client()->size(), QSize(400, 300));
+  EXPECT_GT(window.menuBar()->height(), 0);
+  EXPECT_EQ(window.height(), 300 + window.menuBar()->height());
+  EXPECT_EQ(slot_->notes, Notes{}) << "the designed size is no new size";
+}
+
+TEST_F(Window, ControlsStandAtTheirPixels) {
+  slot_->Show();
+  EXPECT_EQ(widgetOf(slot_->box).geometry(), QRect(100, 40, 200, 100));
+  slot_->box.Left = 22.4F;  // 1.49 pixels
+  slot_->box.Top = 22.5F;   // 1.5 pixels: halves upward
+  EXPECT_EQ(widgetOf(slot_->box).geometry().topLeft(), QPoint(1, 2));
+}
+
+TEST_F(Window, NewSizeIsToldInTwips) {
+  slot_->Show();
+  FormWindow& window = windowOf(*slot_);
+  window.resize(500, 310 + window.menuBar()->height());
+  ASSERT_TRUE(serveUntil([this] { return !slot_->notes.empty(); }));
+  EXPECT_EQ(slot_->notes.back(), "Resize");
+  EXPECT_EQ(slot_->Width, 7500.0F + 200.0F);
+  EXPECT_EQ(slot_->Height, 4650.0F + 825.0F);
+}
+
+TEST_F(Window, PictureFollowsItsControlsSize) {
+  slot_->Show();
+  slot_->box.Width = 1515;
+  slot_->box.Height = 30;
+  EXPECT_EQ(widgetOf(slot_->box).size(), QSize(101, 2));
+  EXPECT_EQ(slot_->box.pixelWidth(), 101);
+  EXPECT_EQ(slot_->box.pixelHeight(), 2);
+}
+
+TEST_F(Window, PictureShowsItsPixelsAtOnce) {
+  slot_->Show();
+  DoEvents();
+  slot_->box.BackColor = RGB(1, 200, 3);
+  slot_->box.Cls();
+  slot_->box.Refresh();
+  EXPECT_EQ(widgetOf(slot_->box).grab().toImage().pixelColor(5, 5), QColor(1, 200, 3));
+}
+
+TEST_F(Window, PointerCanBeMadeInvisible) {
+  slot_->Show();
+  EXPECT_EQ(widgetOf(slot_->box).cursor().shape(), Qt::ArrowCursor);
+  slot_->box.MousePointer = 99;
+  EXPECT_EQ(widgetOf(slot_->box).cursor().shape(), Qt::BlankCursor);
+  slot_->box.MousePointer = 0;
+  EXPECT_EQ(widgetOf(slot_->box).cursor().shape(), Qt::ArrowCursor);
+}
+
+TEST_F(Window, PlaceIsTheOuterCorner) {
+  slot_->Left = 1500;
+  slot_->Top = 750;
+  slot_->Show();
+  EXPECT_EQ(windowOf(*slot_).pos(), QPoint(100, 50));
+  DoEvents();
+  windowOf(*slot_).move(120, 60);
+  ASSERT_TRUE(serveUntil([this] { return slot_->Left == 1800.0F; }));
+  EXPECT_EQ(slot_->Top, 900.0F);
+}
+
+TEST_F(Window, AFormThatIsNotPlacedKnowsItsPlaceAtOnce) {
+  slot_->Show();
+  EXPECT_EQ(QPoint(static_cast<int>(slot_->Left / 15), static_cast<int>(slot_->Top / 15)), windowOf(*slot_).pos());
+  EXPECT_GT(slot_->Left, 0.0F);
+}
+
+TEST_F(Window, LowestTabIndexHasTheFocusFirst) {
+  slot_->Show();
+  EXPECT_EQ(windowOf(*slot_).focusWidget(), &widgetOf(slot_->second));
+  EXPECT_EQ(widgetOf(slot_->second).nextInFocusChain(), &widgetOf(slot_->first));
+  slot_->first.SetFocus();
+  EXPECT_EQ(windowOf(*slot_).focusWidget(), &widgetOf(slot_->first));
+}
+
+TEST_F(Window, OnlyAPictureThatListensToKeysTakesTheFocus) {
+  slot_->Show();
+  slot_->box.KeyDown = nullptr;
+  slot_->box.KeyPress = nullptr;
+  sendMouse(slot_->box, QEvent::MouseButtonPress, {1, 1}, Qt::LeftButton, Qt::LeftButton);
+  EXPECT_EQ(windowOf(*slot_).focusWidget(), &widgetOf(slot_->second));
+  slot_->box.KeyPress = [](int) {};
+  sendMouse(slot_->box, QEvent::MouseButtonPress, {1, 1}, Qt::LeftButton, Qt::LeftButton);
+  EXPECT_EQ(windowOf(*slot_).focusWidget(), &widgetOf(slot_->box));
+}
+
+TEST_F(Window, MenuShowsStateAndLeavesItToTheHandler) {
+  slot_->Show();
+  const QList<QAction*> bar = windowOf(*slot_).menuBar()->actions();
+  ASSERT_EQ(bar.size(), 1);
+  const QList<QAction*> items = bar[0]->menu()->actions();
+  ASSERT_EQ(items.size(), 3);
+  EXPECT_EQ(items[0]->text(), "Ticked");
+  EXPECT_TRUE(items[0]->isChecked());
+  EXPECT_TRUE(items[1]->isSeparator());
+  EXPECT_FALSE(items[2]->isEnabled());
+  items[0]->trigger();
+  EXPECT_EQ(slot_->notes, Notes{"item"});
+  EXPECT_TRUE(items[0]->isChecked()) << "the handler has not inverted it";
+  slot_->item.Checked = false;
+  EXPECT_FALSE(items[0]->isChecked());
+  slot_->off.Enabled = true;
+  EXPECT_TRUE(items[2]->isEnabled());
+}
+
+TEST_F(Window, ClosingUnloadsTheForm) {
+  slot_->Show();
+  FormProbe* form = &*slot_;
+  windowOf(*form).close();
+  EXPECT_EQ(FormProbe::unloadings(), Notes{"unloading"});
+  EXPECT_FALSE(slot_.isLoaded());
+  EXPECT_FALSE(windowOf(*form).isVisible()) << "hidden, and still in memory";
+  EXPECT_TRUE(form->isUnloaded());
+  DoEvents();
+}
+
+TEST_F(Window, AnUnloadedFormTakesNoMoreEvents) {
+  slot_->Show();
+  FormProbe* form = &*slot_;
+  bool ticked = false;
+  form->timer.Timer = [&ticked] { ticked = true; };
+  ASSERT_TRUE(serveUntil([&ticked] { return ticked; }));
+  ticked = false;
+  slot_.unload();
+  const QDeadlineTimer while_(20);
+  serveUntil([&while_] { return while_.hasExpired(); });
+  EXPECT_FALSE(ticked);
+  form->notes.clear();
+  sendMouse(form->box, QEvent::MouseMove, {1, 1}, Qt::NoButton, Qt::NoButton);
+  EXPECT_EQ(form->notes, Notes{});
+  DoEvents();
+}
+
+TEST_F(Window, TimerFollowsItsProperties) {
+  slot_->Show();
+  int ticks = 0;
+  slot_->timer.Timer = [&ticks] { ++ticks; };
+  ASSERT_TRUE(serveUntil([&ticks] { return ticks > 2; }));
+  slot_->timer.Enabled = false;
+  const int before = ticks;
+  const QDeadlineTimer while_(20);
+  serveUntil([&while_] { return while_.hasExpired(); });
+  EXPECT_EQ(ticks, before);
+}
+
+TEST_F(Window, ModalShowReturnsWhenTheFormIsHidden) {
+  bool wasModal = false;
+  QTimer::singleShot(0, [this, &wasModal] {
+    wasModal = windowOf(*slot_).windowModality() == Qt::ApplicationModal;
+    EXPECT_THROW(slot_->Show(Form::Modality::Modal), RuntimeFault);
+    slot_->Hide();
+  });
+  slot_->Show(Form::Modality::Modal);
+  EXPECT_TRUE(wasModal);
+  EXPECT_FALSE(slot_->Visible);
+}
+
+TEST_F(Window, ModalShowReturnsWhenTheFormIsUnloaded) {
+  QTimer::singleShot(0, [this] { slot_.unload(); });
+  slot_->Show(Form::Modality::Modal);
+  EXPECT_FALSE(slot_.isLoaded());
+  DoEvents();
+}
+
+TEST_F(Window, AutoSizeLabelIsAsWideAsItsText) {
+  Form form("", {.clientWidth = 1500, .clientHeight = 1500});
+  Label label(&form, {0, 0, 45, 195}, "", {.font = {"Comic Sans MS", 9, true}, .autoSize = true});
+  form.Show();
+  EXPECT_EQ(label.Width, 0.0F);
+  label.Caption = "Round over";
+  EXPECT_EQ(label.Width, Surface::textWidth({"Comic Sans MS", 9, true}, "Round over"));
+  const float small = label.Width;
+  label.FontSize = 16;
+  EXPECT_GT(label.Width, small);
+}
+
+}  // namespace
+}  // namespace kelvora
