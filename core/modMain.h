@@ -42,12 +42,12 @@ inline constexpr float worldSize = 100000;  ///< world units, on both axes from 
 
 extern Vector mousePos;  ///< last mouse position on the canvas, canvas units
 extern clsPlayer localPlayer;
-extern std::int16_t opponentCount;        ///< used slots of `opponents`; only ever grows
-extern std::deque<clsPlayer> opponents;   ///< growing moves no player in memory
+extern std::int16_t opponentCount;       ///< used slots of `opponents`; only ever grows
+extern std::deque<clsPlayer> opponents;  ///< growing moves no player in memory
 extern double particleCount;
 extern std::vector<clsParticle> particles;
-extern std::int16_t steerAngle;     ///< 0 to 88, see Bearing
-extern std::int16_t steerQuadrant;  ///< 1 to 4, 0 before the first frame
+extern std::int16_t steerAngle;            ///< 0 to 88, see Bearing
+extern std::int16_t steerQuadrant;         ///< 1 to 4, 0 before the first frame
 extern std::array<ChatLine, 8> chatLines;  ///< index 0 newest
 extern std::string debugText;
 extern std::array<std::string, 6> colourNames;
@@ -55,7 +55,7 @@ extern double explosionCount;
 extern std::vector<clsParticle> explosionParticles;
 extern std::vector<KillerTail> killerTails;
 extern std::string roundMessage;
-extern std::int32_t frameTime;  ///< ms, average paint time
+extern std::int32_t frameTime;                    ///< ms, average paint time
 extern std::array<std::int32_t, 101> frameTimes;  ///< ms, newest first
 extern bool survivalMode;
 extern Vector survivalOrigin;
