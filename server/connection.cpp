@@ -32,11 +32,8 @@ void Connection::close(const std::string& reason) {
   if (std::exchange(closed_, true)) return;
   asio::error_code ignored;
   socket_.close(ignored);
-  asio::post(socket_.get_executor(), [self = shared_from_this(), reason] {
-    // The handlers may hold the last thing that keeps their owner's table consistent, so they are let go first.
-    const auto onClosed = std::exchange(self->handlers_, {}).onClosed;
-    onClosed(self->client_, reason);
-  });
+  asio::post(socket_.get_executor(),
+             [self = shared_from_this(), reason] { self->handlers_.onClosed(self->client_, reason); });
 }
 
 void Connection::readMore() {

@@ -29,7 +29,6 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void send(const std::string& frame);
   /// Ends the sending once the queue is empty. The client has until the next `close` to end the connection itself.
   void hangUp();
-  bool isHangingUp() const { return hangingUp_; }
   void close(const std::string& reason);
 
  private:

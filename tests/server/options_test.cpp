@@ -1,0 +1,51 @@
+#include "server/options.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace kelvora::server {
+namespace {
+
+Options parse(std::vector<const char*> arguments) { return parseOptions(arguments); }
+
+TEST(ServerOptions, HaveDefaults) {
+  const Options options = parse({});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.address, "127.0.0.1");
+  EXPECT_EQ(options.port, 2010);
+  EXPECT_EQ(options.password, "");
+  EXPECT_FALSE(options.help);
+  EXPECT_FALSE(options.version);
+}
+
+TEST(ServerOptions, AreReadInBothSpellings) {
+  for (const auto& options : {parse({"--address", "::1", "--port", "0", "--password", "a b"}),
+                              parse({"--address=::1", "--port=0", "--password=a b"})}) {
+    EXPECT_EQ(options.error, "");
+    EXPECT_EQ(options.address, "::1");
+    EXPECT_EQ(options.port, 0);
+    EXPECT_EQ(options.password, "a b");
+  }
+  EXPECT_TRUE(parse({"--help"}).help);
+  EXPECT_TRUE(parse({"--version"}).version);
+  EXPECT_EQ(parse({"--password=a=b"}).password, "a=b");
+}
+
+TEST(ServerOptions, ThatMakeNoSenseAreTold) {
+  EXPECT_NE(parse({"--prot", "1"}).error, "");
+  EXPECT_NE(parse({"2010"}).error, "");
+  EXPECT_NE(parse({"--port"}).error, "");
+  for (const char* port : {"", "x", "12x", "-1", "65536"}) EXPECT_NE(parse({"--port", port}).error, "") << port;
+}
+
+TEST(ServerOptions, TheVersionIsThatOfTheGame) { EXPECT_EQ(versionText(), "1.2.1"); }
+
+TEST(ServerOptions, TheHelpNamesEachOption) {
+  for (const char* option : {"--address", "--port", "--password", "--help", "--version"}) {
+    EXPECT_NE(helpText().find(option), std::string::npos) << option;
+  }
+}
+
+}  // namespace
+}  // namespace kelvora::server
