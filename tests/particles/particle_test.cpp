@@ -1,0 +1,320 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "base/fault.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+constexpr std::uint8_t background = 0;
+constexpr std::uint8_t network = 1;
+constexpr std::uint8_t explosion = 2;
+constexpr std::uint8_t reserved = 3;
+
+// The local player stands at (50000, 50000); the canvas is 11445 by 9120.
+class Particles : public GameTest {
+ protected:
+  Particles() { modMain::localPlayer.position = {50000, 50000}; }
+  void script(std::initializer_list<float> draws) { machine.scriptedDraws.assign(draws); }
+  clsParticle particle;
+};
+
+TEST_F(Particles, ABackgroundParticleDrawsColourDepthPlaceAndVelocityInThisOrder) {
+  // Colour 0, 127, 254; depth Int(.5 * 15) + 2 = 9; place Int(.1 * 11445) = 1144 and Int(.2 * 9120) = 1824, signs minus
+  // and plus; velocity Int(.5 * 15 + 1) = 8 plus, Int(.9 * 15 + 1) = 14 minus.
+  script({0, 0.5F, 0.999F, 0.5F, 0.1F, 0.2F, 0.5F, 0.6F, 0.5F, 0.7F, 0.9F, 0.3F});
+  particle.init(5, background, 1, 2);
+  EXPECT_TRUE(machine.scriptedDraws.empty());
+  EXPECT_EQ(particle.num_, 5);
+  EXPECT_EQ(particle.red, 0);
+  EXPECT_EQ(particle.green, 127);
+  EXPECT_EQ(particle.blue, 254);
+  EXPECT_EQ(particle.depth, 9);
+  EXPECT_EQ(particle.maxSpeed, 15);
+  EXPECT_EQ(particle.position, (Vector{50000 + 1144, 50000 - 1824})) << "the player's place less the drawn offset";
+  EXPECT_EQ(particle.velocity, (Vector{8, -14}));
+  EXPECT_EQ(particle.fieldWidth, 11445);
+  EXPECT_EQ(particle.fieldHeight, 9120);
+}
+
+TEST_F(Particles, DepthAtCreationRunsFromTwoToSixteen) {
+  script({0, 0, 0, 0});
+  particle.init(0, background, 0, 0);
+  EXPECT_EQ(particle.depth, 2);
+  script({0, 0, 0, 0.9999F});
+  particle.init(0, background, 0, 0);
+  EXPECT_EQ(particle.depth, 16);
+}
+
+TEST_F(Particles, AnExplosionParticleDrawsItsKindAndFliesOut) {
+  // Kind 9; Int(.5 * 100 + 1) = 51 minus; Int(.05 * 100 + 1) = 6 plus, slower than 10, so 90.
+  script({0.95F, 0.5F, 0, 0.05F, 0.9F});
+  particle.init(3, explosion, 100, 200);
+  EXPECT_TRUE(machine.scriptedDraws.empty());
+  EXPECT_EQ(particle.kind, 9);
+  EXPECT_EQ(particle.maxSpeed, 100);
+  EXPECT_EQ(particle.depth, 0);
+  EXPECT_EQ(particle.position, (Vector{100, 200}));
+  EXPECT_EQ(particle.velocity, (Vector{-51, 90}));
+}
+
+TEST_F(Particles, ASpeedOfTenIsNotRaised) {
+  script({0, 0.095F, 0.9F, 0.085F, 0});
+  particle.init(3, explosion, 0, 0);
+  EXPECT_EQ(particle.velocity, (Vector{10, -135}));
+}
+
+TEST_F(Particles, AReservedParticleTakesAPlaceAndDrawsNothing) {
+  script({0.5F});
+  particle.velocity = {3, 4};
+  particle.init(3, reserved, 100, 200);
+  EXPECT_EQ(machine.scriptedDraws.size(), 1U);
+  EXPECT_EQ(particle.position, (Vector{100, 200}));
+  EXPECT_EQ(particle.velocity, (Vector{3, 4}));
+}
+
+TEST_F(Particles, ANetworkTypeKeepsItsPlaceAndSpeedLimit) {
+  particle.position = {7, 8};
+  particle.maxSpeed = 15;
+  script({0.5F, 0.9F, 0.5F, 0.9F});
+  particle.init(3, network, 100, 200);
+  EXPECT_EQ(particle.position, (Vector{7, 8}));
+  EXPECT_EQ(particle.velocity, (Vector{8, 8}));
+}
+
+TEST_F(Particles, Q116TheTwoLikeDrawsDiffer) {
+  // A sign is negative up to 500 of 1000.
+  particle.maxSpeed = 0;
+  script({0, 0.5009F, 0, 0.5011F});
+  particle.chooseVelocity();
+  EXPECT_EQ(particle.velocity, (Vector{-1, 1}));
+  // A coin is True up to 4999 of 10000.
+  script({0.49985F});
+  EXPECT_TRUE(modMain::coinFlip());
+  script({0.4999F, 0.5F});
+  EXPECT_FALSE(modMain::coinFlip());
+  EXPECT_FALSE(modMain::coinFlip());
+}
+
+TEST_F(Particles, AParticleOneFieldAwayIsNotWrappedAndOneUnitMoreIs) {
+  particle.fieldWidth = 11445;
+  particle.fieldHeight = 9120;
+  particle.depth = 3;
+  for (const float side : {-1.0F, 1.0F}) {
+    particle.position = {50000 + side * 11445, 50000 + side * 9120};
+    const Vector before = particle.position;
+    particle.wrap();
+    EXPECT_EQ(particle.position, before);
+
+    // Scatter: Int(.1 * 500) = 50 plus on x, Int(.2 * 500) = 100 minus on y, depth Int(.4 * 15) + 1 = 7.
+    particle.position = {50000 + side * 11446, 50000};
+    script({0.1F, 0.9F, 0.2F, 0.1F, 0.4F});
+    particle.wrap();
+    EXPECT_TRUE(machine.scriptedDraws.empty());
+    EXPECT_EQ(particle.position, (Vector{50000 - side * 11145 + 50, 49900}));
+    EXPECT_EQ(particle.depth, 7);
+
+    particle.position = {50000, 50000 + side * 9121};
+    script({0.1F, 0.9F, 0.2F, 0.1F, 0.4F});
+    particle.wrap();
+    EXPECT_EQ(particle.position, (Vector{50050, 50000 - side * 8820 - 100}));
+  }
+}
+
+TEST_F(Particles, FarOutOnBothAxesScattersTwice) {
+  particle.fieldWidth = 11445;
+  particle.fieldHeight = 9120;
+  particle.position = {0, 0};
+  script({0.1F, 0.9F, 0.1F, 0.9F, 0, 0.2F, 0.9F, 0.2F, 0.9F, 0.999F});
+  particle.wrap();
+  EXPECT_TRUE(machine.scriptedDraws.empty());
+  EXPECT_EQ(particle.position, (Vector{50000 + 11145 + 150, 50000 + 8820 + 100}));
+  EXPECT_EQ(particle.depth, 15);
+}
+
+TEST_F(Particles, OnlyTheBackgroundIsWrapped) {
+  for (const std::uint8_t type : {network, explosion, reserved}) {
+    particle.type = type;
+    particle.position = {0, 0};
+    particle.wrap();
+    EXPECT_EQ(particle.position, (Vector{0, 0}));
+  }
+}
+
+TEST_F(Particles, TheFieldSizeIsTheCanvassAtCreation) {
+  particle.choosePosition();
+  frmMain->canvas.Width = 2000;
+  EXPECT_EQ(particle.fieldWidth, 11445) << "not refreshed";
+}
+
+TEST_F(Particles, MotionFollowsDepthAndTimeScale) {
+  particle.maxSpeed = 15;
+  particle.velocity = {15, -15};
+  particle.depth = 1;
+  particle.move();
+  EXPECT_FLOAT_EQ(particle.position.x, 14) << "14/15 of 15";
+  EXPECT_FLOAT_EQ(particle.position.y, -14);
+  modMain::frameTime = 20;
+  particle.move();
+  EXPECT_FLOAT_EQ(particle.position.x, 42);
+}
+
+TEST_F(Particles, Q117Depth15StandsAndDepth16DriftsBackwards) {
+  particle.maxSpeed = 15;
+  particle.velocity = {15, -15};
+  particle.depth = 15;
+  particle.move();
+  EXPECT_EQ(particle.position, (Vector{0, 0}));
+  particle.depth = 16;
+  particle.move();
+  EXPECT_FLOAT_EQ(particle.position.x, -1);
+  EXPECT_FLOAT_EQ(particle.position.y, 1);
+}
+
+TEST_F(Particles, TheVelocityIsHeldAtTheLimit) {
+  particle.maxSpeed = 100;
+  particle.velocity = {150, -135};
+  particle.move();
+  EXPECT_EQ(particle.velocity, (Vector{100, -100}));
+  EXPECT_EQ(particle.position, (Vector{100, -100}));
+  particle.maxSpeed = 0;
+  particle.move();
+  EXPECT_EQ(particle.velocity, (Vector{0, 0}));
+}
+
+class NetParticles : public Particles {
+ protected:
+  NetParticles() {
+    particle.initNormal(1, "n", 4, 50000, 50000, 0, 0);
+    particle.hasPosition = true;
+  }
+};
+
+TEST_F(NetParticles, InitNormalStoresWhatTheServerSays) {
+  clsParticle fresh;
+  fresh.initNormal(3, "abc", 255, 10, 20, 30, 40);
+  EXPECT_EQ(fresh.num_, 3);
+  EXPECT_EQ(fresh.id, "abc");
+  EXPECT_EQ(fresh.kind, 255);
+  EXPECT_EQ(fresh.type, network);
+  EXPECT_EQ(fresh.position, (Vector{10, 20}));
+  EXPECT_EQ(fresh.velocity, (Vector{30, 40}));
+  EXPECT_TRUE(fresh.spawned);
+  EXPECT_FALSE(fresh.hasPosition);
+  EXPECT_TRUE(fresh.positionQueue.empty());
+  EXPECT_EQ(fresh.maxSpeed, 0);
+  EXPECT_EQ(fresh.depth, 0);
+  EXPECT_THROW(fresh.initNormal(3, "abc", 256, 0, 0, 0, 0), RuntimeFault);
+  EXPECT_THROW(fresh.initNormal(3, "abc", -1, 0, 0, 0, 0), RuntimeFault);
+}
+
+TEST_F(NetParticles, TheFirstPositionSnapsAndIsNotQueued) {
+  particle.hasPosition = false;
+  particle.queuePosition({90000, 100});
+  EXPECT_EQ(particle.position, (Vector{90000, 100}));
+  EXPECT_TRUE(particle.positionQueue.empty());
+  particle.queuePosition({90001, 100});
+  EXPECT_EQ(particle.positionQueue.size(), 1U);
+}
+
+TEST_F(NetParticles, PositionsOutsideTheWorldAreDropped) {
+  for (const Vector outside : {Vector{-1, 5}, Vector{5, -1}, Vector{100001, 5}, Vector{5, 100001}}) {
+    particle.queuePosition(outside);
+  }
+  EXPECT_TRUE(particle.positionQueue.empty());
+  particle.queuePosition({0, 100000});
+  EXPECT_EQ(particle.positionQueue.size(), 1U);
+}
+
+TEST_F(NetParticles, WithoutAPositionTheNewestEntryIsTakenAndTheQueueStays) {
+  particle.hasPosition = false;
+  particle.positionQueue = {{1, 1}, {2, 2}};
+  particle.moveNormal();
+  EXPECT_TRUE(particle.hasPosition);
+  EXPECT_EQ(particle.position, (Vector{2, 2}));
+  EXPECT_EQ(particle.positionQueue.size(), 2U);
+}
+
+TEST_F(NetParticles, NearPointsAreTakenOneAFrame) {
+  particle.positionQueue = {{49800, 49800}, {49600, 49600}, {49400, 49400}};
+  particle.moveNormal();
+  // Jumps to the first, and the step towards the second begins in the same frame: -200 / 7.
+  EXPECT_EQ(particle.positionQueue.size(), 2U);
+  EXPECT_NEAR(particle.position.x, 49800 - 200 / 7.0, 0.01);
+  particle.moveNormal();
+  EXPECT_EQ(particle.positionQueue.size(), 1U);
+  EXPECT_NEAR(particle.position.x, 49600 - 200 / 7.0, 0.01);
+}
+
+TEST_F(NetParticles, TheLastNearPointIsReachedExactly) {
+  particle.positionQueue = {{50300, 50300}};
+  particle.moveNormal();
+  EXPECT_EQ(particle.position, (Vector{50300, 50300}));
+  EXPECT_TRUE(particle.positionQueue.empty());
+}
+
+TEST_F(NetParticles, PointsOffTheCanvasAreTakenInOneFrameWithoutAStep) {
+  particle.positionQueue = {{10000, 10000}, {90000, 90000}};
+  particle.velocity = {-5, -5};
+  particle.stepSet = true;
+  particle.moveNormal();
+  EXPECT_EQ(particle.position, (Vector{90000, 90000}));
+  EXPECT_TRUE(particle.positionQueue.empty());
+  EXPECT_FALSE(particle.stepSet);
+}
+
+TEST_F(NetParticles, Above10000TheFrameEndsWithAJump) {
+  particle.position = {40000, 40000};
+  particle.positionQueue = {{50000, 50000}, {49000, 49000}};
+  particle.moveNormal();
+  EXPECT_EQ(particle.position, (Vector{50000, 50000}));
+  EXPECT_EQ(particle.positionQueue.size(), 1U);
+}
+
+TEST_F(NetParticles, Exactly500And10000TakeTheStep) {
+  particle.positionQueue = {{49700, 49600}};
+  particle.moveNormal();
+  EXPECT_EQ(particle.positionQueue.size(), 1U);
+  EXPECT_NEAR(particle.position.x, 50000 - 300 / 7.0, 0.01);
+  particle.stepSet = false;
+  particle.position = {56000, 58000};
+  particle.positionQueue = {{50000, 50000}};
+  particle.moveNormal();
+  EXPECT_EQ(particle.positionQueue.size(), 1U);
+  EXPECT_NEAR(particle.position.y, 58000 - 8000 / 7.0, 0.01);
+}
+
+TEST_F(NetParticles, Q118RightwardAndDownwardStepsAreCutToZero) {
+  particle.positionQueue = {{52100, 47900}};
+  particle.moveNormal();
+  EXPECT_EQ(particle.velocity, (Vector{0, -300}));
+  EXPECT_EQ(particle.position, (Vector{50000, 49700}));
+  particle.position = {50000, 50000};
+  particle.stepSet = false;
+  particle.positionQueue = {{47900, 52100}};
+  particle.moveNormal();
+  EXPECT_EQ(particle.position, (Vector{49700, 50000}));
+}
+
+TEST_F(NetParticles, AStepWithAZeroIsComputedAnew) {
+  particle.positionQueue = {{50000, 47900}};
+  particle.moveNormal();
+  // dx is 0, so +1, which the limit cuts to 0; in the next frame the step is not trusted.
+  EXPECT_EQ(particle.position, (Vector{50000, 49700}));
+  particle.moveNormal();
+  EXPECT_NEAR(particle.velocity.y, -1800 / 7.0, 0.01);
+}
+
+TEST_F(NetParticles, TheStoredStepIsScaledAgainInEveryFrame) {
+  particle.positionQueue = {{47900, 47900}};
+  modMain::frameTime = 15;
+  particle.moveNormal();
+  EXPECT_EQ(particle.velocity, (Vector{-450, -450}));
+  particle.moveNormal();
+  EXPECT_EQ(particle.velocity, (Vector{-675, -675})) << "the stored step is scaled again";
+}
+
+}  // namespace
+}  // namespace kelvora

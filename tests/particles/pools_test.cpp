@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "base/fault.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+class Pools : public GameTest {};
+
+TEST_F(Pools, TheFieldHas150ParticlesRoundThePlayerAndAnEmptySlot) {
+  modMain::localPlayer.position = {30000, 70000};
+  modMain::createParticleField();
+  EXPECT_EQ(modMain::particleCount, 150);
+  ASSERT_EQ(modMain::particles.size(), 151U);
+  for (std::size_t i = 0; i < 150; ++i) {
+    const clsParticle& particle = modMain::particles[i];
+    EXPECT_EQ(particle.num_, static_cast<double>(i));
+    EXPECT_EQ(particle.type, 0);
+    EXPECT_LE(std::fabs(particle.position.x - 30000), 11445);
+    EXPECT_LE(std::fabs(particle.position.y - 70000), 9120);
+    EXPECT_GE(particle.depth, 2);
+    EXPECT_LE(particle.depth, 16);
+    EXPECT_LE(std::fabs(particle.velocity.x), 15);
+    EXPECT_GE(std::fabs(particle.velocity.x), 1);
+  }
+  EXPECT_EQ(modMain::particles[150].maxSpeed, 0) << "never initialised";
+}
+
+TEST_F(Pools, ANewFieldTakesThePlaceOfTheOld) {
+  modMain::createParticleField();
+  modMain::particles[3].type = 1;
+  modMain::particles[3].positionQueue = {{1, 1}};
+  modMain::createParticleField();
+  EXPECT_EQ(modMain::particles[3].type, 0);
+  EXPECT_TRUE(modMain::particles[3].positionQueue.empty());
+}
+
+TEST_F(Pools, AnExplosionHasOneParticleForEachCount) {
+  modMain::addExplosion({100, 200}, 2);
+  modMain::addExplosion({300, 400}, 1);
+  ASSERT_EQ(modMain::explosionCount, 3);
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(modMain::explosionParticles[i].num_, static_cast<double>(i));
+    EXPECT_EQ(modMain::explosionParticles[i].type, 2);
+  }
+  EXPECT_EQ(modMain::explosionParticles[1].position, (Vector{100, 200}));
+  EXPECT_EQ(modMain::explosionParticles[2].position, (Vector{300, 400}));
+  modMain::addExplosion({0, 0}, 0);
+  EXPECT_EQ(modMain::explosionCount, 3);
+}
+
+TEST_F(Pools, ARemovalKeepsTheOrderAndRenumbers) {
+  for (float x = 0; x < 4; ++x) modMain::addExplosion({x, 0}, 1);
+  modMain::removeExplosionParticle(1);
+  ASSERT_EQ(modMain::explosionCount, 3);
+  const float expected[] = {0, 2, 3};
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(modMain::explosionParticles[i].position.x, expected[i]);
+    EXPECT_EQ(modMain::explosionParticles[i].num_, static_cast<double>(i));
+  }
+  modMain::removeExplosionParticle(3);
+  modMain::removeExplosionParticle(-1);
+  EXPECT_EQ(modMain::explosionCount, 3) << "nobody has that number";
+}
+
+TEST_F(Pools, StarsModeIsTheMenusCheckMark) {
+  EXPECT_TRUE(modMain::isStarsMode());
+  frmMain->mnuQuarkStars.Checked = false;
+  EXPECT_FALSE(modMain::isStarsMode());
+}
+
+TEST_F(Pools, InStarsModeTheFieldStandsInAFrameAndInQuarksModeItDrifts) {
+  login();
+  modMain::localPlayer.velocity = {};
+  std::vector<Vector> before;
+  for (const clsParticle& particle : modMain::particles) before.push_back(particle.position);
+  modMain::runFrame();
+  for (std::size_t i = 0; i < 150; ++i) EXPECT_EQ(modMain::particles[i].position, before[i]);
+  frmMain->mnuQuarkStars.Checked = false;
+  modMain::runFrame();
+  for (std::size_t i = 0; i < 150; ++i) {
+    EXPECT_EQ(modMain::particles[i].position == before[i], modMain::particles[i].depth == 15) << i;
+  }
+}
+
+TEST_F(Pools, Q120ASlotIsNeverTakenAgain) {
+  modMain::receiveParticleNew("a", 1, 10, 20, 1, 2);
+  modMain::receiveParticleRemove("a");
+  modMain::receiveParticleNew("b", 2, 30, 40, 0, 0);
+  ASSERT_EQ(modMain::netParticleCount, 2);
+  EXPECT_EQ(modMain::netParticles[0].id, "a");
+  EXPECT_EQ(modMain::netParticles[1].id, "b");
+  EXPECT_EQ(modMain::netParticles[0].num_, 1) << "the count after the growth";
+  EXPECT_EQ(modMain::netParticles[1].num_, 2);
+  EXPECT_EQ(modMain::allocNetParticle(), 2);
+  EXPECT_EQ(modMain::netParticleCount, 3);
+}
+
+TEST_F(Pools, TheNumberOfServerParticlesIsBoundedByItsType) {
+  modMain::netParticleCount = 32767;
+  EXPECT_THROW(modMain::allocNetParticle(), RuntimeFault);
+}
+
+TEST_F(Pools, AMoveFindsTheFirstOfItsId) {
+  modMain::receiveParticleNew("a", 1, 10, 20, 0, 0);
+  modMain::receiveParticleNew("b", 1, 10, 20, 0, 0);
+  modMain::receiveParticleNew("b", 1, 10, 20, 0, 0);
+  modMain::receiveParticlePosition("b", 50, 60);
+  modMain::receiveParticlePosition("c", 70, 80);
+  EXPECT_EQ(modMain::netParticles[0].position, (Vector{10, 20}));
+  EXPECT_EQ(modMain::netParticles[1].position, (Vector{50, 60}));
+  EXPECT_EQ(modMain::netParticles[2].position, (Vector{10, 20}));
+}
+
+TEST_F(Pools, Q121ARemovedParticleGoesOnAlongItsQueue) {
+  modMain::localPlayer.position = {50000, 50000};
+  modMain::receiveParticleNew("a", 1, 50000, 50000, 0, 0);
+  modMain::receiveParticlePosition("a", 50000, 50000);
+  modMain::receiveParticleRemove("a");
+  EXPECT_FALSE(modMain::netParticles[0].spawned);
+  modMain::receiveParticlePosition("a", 50100, 50100);
+  modMain::netParticles[0].moveNormal();
+  EXPECT_EQ(modMain::netParticles[0].position, (Vector{50100, 50100}));
+}
+
+TEST_F(Pools, TheServersMessagesReachThePool) {
+  login();
+  serverSends(wire::msgParticleAdd, {"q1", "5", "50000", "50010", "0", "0"});
+  ASSERT_EQ(modMain::netParticleCount, 1);
+  EXPECT_EQ(modMain::netParticles[0].kind, 5);
+  serverSends(wire::msgParticleMove, {"q1", "90000", "90"});
+  EXPECT_EQ(modMain::netParticles[0].position, (Vector{90000, 90})) << "the first one snaps, however far";
+  EXPECT_TRUE(modMain::netParticles[0].positionQueue.empty());
+  serverSends(wire::msgParticleRemove, {"q1"});
+  EXPECT_FALSE(modMain::netParticles[0].spawned);
+}
+
+TEST_F(Pools, AFieldTurnedIntoBallsKeepsDriftingAndIsNotWrapped) {
+  frmMain->mnuQuarkStars.Checked = false;
+  modMain::localPlayer.position = {50000, 50000};
+  modMain::createParticleField();
+  clsParticle& particle = modMain::particles[0];
+  particle.init(0, 1, particle.position.x, particle.position.y);
+  EXPECT_NE(particle.velocity, (Vector{0, 0}));
+  particle.depth = 0;
+  particle.position = {0, 0};
+  particle.wrap();
+  particle.move();
+  EXPECT_EQ(particle.position, particle.velocity);
+}
+
+}  // namespace
+}  // namespace kelvora
