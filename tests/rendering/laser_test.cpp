@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+
+#include "tests/rendering/paintTest.h"
+
+namespace kelvora {
+namespace {
+
+// The canvas shows 5722 units to each side of the player and 4560 above and below.
+class Laser : public PaintTest {
+ protected:
+  Laser() {
+    canvas().BackColor = RGB(0, 0, 0);
+    local = &placeLocal();
+    local->powerups[laserSlot].active = true;
+  }
+  /// Paints with the last frame's flight along (dx, dy).
+  void flyAndPaint(float dx, float dy) {
+    local->lastPosition = {local->position.x - dx, local->position.y - dy};
+    canvas().Cls();
+    local->paintSelf();
+  }
+  /// The green core within a pixel of a place, seen from the player.
+  bool isBeamAt(double dx, double dy) {
+    const int column = toPixels(5722 + dx);
+    const int row = toPixels(4560 + dy);
+    for (int i = 0; i < 9; ++i) {
+      if (pixelAt(canvas(), column + i % 3 - 1, row + i / 3 - 1) == RGB(0, 255, 0)) return true;
+    }
+    return false;
+  }
+  clsPlayer* local;
+};
+
+struct Flight {
+  float dx, dy;
+  double ahead[2];   // a place on the beam
+  double behind[2];  // the opposite one
+};
+
+class LaserDirections : public Laser, public testing::WithParamInterface<Flight> {};
+
+TEST_P(LaserDirections, TheBeamLeavesAlongTheFlightAndNotBehind) {
+  const Flight& flight = GetParam();
+  flyAndPaint(flight.dx, flight.dy);
+  EXPECT_TRUE(isBeamAt(flight.ahead[0], flight.ahead[1]));
+  EXPECT_FALSE(isBeamAt(flight.behind[0], flight.behind[1]));
+}
+
+// Straight flights are tilted by one unit: 300 up with a.x + 1 runs 1 to the left in 300, 10 in 3000. Straight right:
+// a.y + 1 runs 1 up in 300.
+INSTANTIATE_TEST_SUITE_P(
+    Eight, LaserDirections,
+    testing::Values(Flight{0, -300, {-10, -3000}, {10, 3000}}, Flight{200, -200, {3000, -3000}, {-3000, 3000}},
+                    Flight{300, 0, {3000, -10}, {-3000, 10}}, Flight{200, 200, {3000, 3000}, {-3000, -3000}},
+                    Flight{0, 300, {-10, 3000}, {10, -3000}}, Flight{-200, 200, {-3000, 3000}, {3000, -3000}},
+                    Flight{-300, 0, {-3000, -10}, {3000, 10}}, Flight{-200, -200, {-3000, -3000}, {3000, 3000}}));
+
+TEST_F(Laser, APlayerAtRestHasNoBeamAndDrawsNoNumber) {
+  machine.scriptedDraws = {0.5F};
+  flyAndPaint(0, 0);
+  EXPECT_EQ(countPixels(canvas(), RGB(0, 255, 0)), 0);
+  EXPECT_EQ(machine.scriptedDraws.size(), 1U);
+}
+
+TEST_F(Laser, AGreenCoreLiesOnAWhiteBeamOfRandomWidth) {
+  const struct {
+    float draw;
+    int width;
+  } table[] = {{0, 3}, {0.2F, 4}, {0.4F, 5}, {0.6F, 6}, {0.8F, 7}, {0.99F, 7}};
+  for (const auto& [draw, width] : table) {
+    machine.scriptedDraws = {draw};
+    flyAndPaint(300, 0);
+    // At 2250 to the right, between ball and edge, in a column.
+    int whites = 0;
+    int greens = 0;
+    for (int row = 280; row < 328; ++row) {
+      const Colour colour = pixelAt(canvas(), toPixels(5722 + 2250), row);
+      whites += colour == RGB(255, 255, 255) ? 1 : 0;
+      greens += colour == RGB(0, 255, 0) ? 1 : 0;
+    }
+    EXPECT_EQ(greens, 2);
+    EXPECT_EQ(whites + greens, width) << draw;
+  }
+}
+
+TEST_F(Laser, TheBeamEndsAtTheWorldsEdge) {
+  local->position = {50000, 3000};
+  flyAndPaint(-200, -200);
+  EXPECT_TRUE(isBeamAt(-2900, -2900));
+  EXPECT_FALSE(isBeamAt(-3200, -3200)) << "beyond the upper edge at 3000";
+  local->position = {97000, 50000};
+  flyAndPaint(200, 200);
+  EXPECT_TRUE(isBeamAt(2900, 2900));
+  EXPECT_FALSE(isBeamAt(3200, 3200)) << "beyond the right edge";
+}
+
+TEST_F(Laser, Q131ACandidateIsTestedAgainstOneBoundAlone) {
+  // From (99000, 50000) down to the right: slope 1, offset -49000. The upper edge is met at (49000, 0) and the left one
+  // at (0, -49000), both behind. The lower edge is met at x 149000, above the bound; the right edge at (100000, 51000).
+  local->position = {99000, 50000};
+  flyAndPaint(200, 200);
+  EXPECT_TRUE(isBeamAt(900, 900));
+  EXPECT_FALSE(isBeamAt(1300, 1300));
+  // Down to the left from (1000, 50000): slope -1, offset 51000. The left edge is met at (0, 51000); the lower one at
+  // x -49000, outside the world but only tested against 100000: it is the later candidate and wins.
+  local->position = {1000, 50000};
+  flyAndPaint(-200, 200);
+  EXPECT_TRUE(isBeamAt(-900, 900));
+  EXPECT_TRUE(isBeamAt(-3000, 3000)) << "on beyond the left edge";
+}
+
+TEST_F(Laser, Q131ABeamWithoutAnyHitEndsAtTheOrigin) {
+  // A step to the left and up on the world's very corner leaves no candidate in front of the player: with the position
+  // itself outside the world, at (-50, 20) from (-40, 30), slope 1, offset 70: (-70, 0) lies left of 0 and (0, 70)
+  // behind; (99930, 100000) and (100000, 100070) behind.
+  local->position = {-1050, 20};
+  flyAndPaint(-10, -10);
+  // The origin lies 1050 to the right and 20 up.
+  EXPECT_TRUE(isBeamAt(900, -17));
+  EXPECT_FALSE(isBeamAt(-900, -900));
+}
+
+TEST_F(Laser, OpponentsBeamAsWell) {
+  local->isConnected = false;
+  clsPlayer& other = placeOpponent(2, 50000, 50000);
+  other.powerups[laserSlot].active = true;
+  other.lastPosition = {49800, 49800};
+  canvas().Cls();
+  other.paintSelf();
+  EXPECT_TRUE(isBeamAt(3000, 3000));
+}
+
+TEST_F(Laser, WithoutThePowerupThereIsNoBeam) {
+  local->powerups[laserSlot].active = false;
+  flyAndPaint(300, 0);
+  EXPECT_EQ(countPixels(canvas(), RGB(0, 255, 0)), 0);
+}
+
+}  // namespace
+}  // namespace kelvora

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cmath>
+#include <ostream>
+#include <string>
+
+#include "raster/surface.h"
+#include "rendering/frmGfx.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+
+inline void PrintTo(const Colour& colour, std::ostream* out) {
+  *out << "RGB(" << int{colour.red} << ", " << int{colour.green} << ", " << int{colour.blue} << ")";
+}
+
+inline void PrintTo(const Vector& point, std::ostream* out) { *out << "(" << point.x << ", " << point.y << ")"; }
+
+/// The pixel at a column and row; black outside.
+inline Colour pixelAt(const Surface& surface, int column, int row) {
+  if (column < 0 || row < 0 || column >= surface.pixelWidth() || row >= surface.pixelHeight()) return {};
+  const Pixel pixel = surface.pixels()[static_cast<std::size_t>(row) * static_cast<std::size_t>(surface.pixelWidth()) +
+                                       static_cast<std::size_t>(column)];
+  return RGB(static_cast<int>(pixel >> 16), static_cast<int>(pixel >> 8 & 255), static_cast<int>(pixel & 255));
+}
+
+/// The pixel that a place in twips falls on.
+inline Colour pixelAt(const Surface& surface, double x, double y) { return pixelAt(surface, toPixels(x), toPixels(y)); }
+
+/// How many pixels of the surface have the colour.
+inline int countPixels(const Surface& surface, Colour colour) {
+  int count = 0;
+  for (const Pixel pixel : surface.pixels()) count += pixel == toPixel(colour) ? 1 : 0;
+  return count;
+}
+
+/// Sheets whose every cell is one plain colour, so that a painted pixel tells its sheet and cell: images have
+/// 16 * (column + 1) as red, the sheet's own green and no blue, mattes have 16 * (column + 1) as blue alone. On a white
+/// surface a sprite painted in the right order is the image's red and green with the matte's blue; the exchanged
+/// operations leave the image alone.
+PicturePointer plainSheet(const std::string& path);
+
+/// The colour of a sprite on white: what the matte left of it and the image in it.
+constexpr Colour spriteOnWhite(int cell, int sheetGreen, int matteCell) {
+  return RGB(16 * (cell + 1), sheetGreen, 16 * (matteCell + 1));
+}
+/// The same with the operations exchanged.
+constexpr Colour exchangedOnWhite(int cell, int sheetGreen) { return RGB(16 * (cell + 1), sheetGreen, 0); }
+
+inline constexpr int playerGreen = 16;  // plus the colour number
+inline constexpr int arrowGreen = 32;   // plus the colour number
+inline constexpr int shieldGreen = 64;
+inline constexpr int ballsGreen = 80;
+inline constexpr int pointerGreen = 96;
+inline constexpr int blipGreen = 112;
+inline constexpr int iconGreen = 128;  // plus the slot
+
+/// The client with plain sheets, on a white canvas and radar.
+class PaintTest : public GameTest {
+ protected:
+  PaintTest();
+
+  PictureBox& canvas() { return frmMain->canvas; }
+  PictureBox& radar() { return frmMain->picRadar; }
+  /// The local player in the game at a place, red, alive, brakes off, with nobody else and no particles.
+  clsPlayer& placeLocal(float x = 50000, float y = 50000);
+  /// An opponent in the next slot.
+  clsPlayer& placeOpponent(std::int16_t colour, float x, float y);
+};
+
+}  // namespace kelvora

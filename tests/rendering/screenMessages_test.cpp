@@ -1,0 +1,230 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/rendering/paintTest.h"
+
+namespace kelvora {
+namespace {
+
+// Every character is a full block of 6 by 10 pixels, so a printed text is a plain rectangle; the font's size is noted.
+class Blocks : public GlyphSource {
+ public:
+  Glyph glyph(const FontSpec& font, unsigned char) override {
+    sizes.push_back(font.size);
+    return {0, 0, 6, 10, 6, std::vector<std::uint8_t>(60, 255)};
+  }
+  int lineHeight(const FontSpec&) override { return 14; }
+  std::vector<float> sizes;
+};
+
+class ScreenMessages : public PaintTest {
+ protected:
+  ScreenMessages() {
+    Surface::setGlyphSource(&blocks);
+    canvas().BackColor = RGB(0, 0, 0);
+    canvas().Cls();
+  }
+  ~ScreenMessages() override { Surface::setGlyphSource(nullptr); }
+  /// The first pixel of the line's first character; line 0 is the newest.
+  Colour lineColour(int line) { return pixelAt(canvas(), 60.0, 9120 - 400.0 * (line + 1)); }
+  void setLine(std::size_t index, Colour colour, std::int16_t size = 9) {
+    modMain::chatLines[index] = {"xx", colour, size};
+  }
+  Blocks blocks;
+};
+
+TEST_F(ScreenMessages, SevenLinesStandFromTheBottomUp) {
+  for (std::size_t i = 0; i < 8; ++i) setLine(i, RGB(255, 255, 255));
+  modMain::paintTextLines();
+  for (int line = 0; line < 7; ++line) EXPECT_NE(lineColour(line), Colour{}) << line;
+  EXPECT_EQ(lineColour(7), Colour{}) << "the eighth is not painted";
+  // 9120 - 400 = 8720, row 581; 60 twips are pixel 4; two characters of 6.
+  EXPECT_EQ(pixelAt(canvas(), 3, 581), Colour{});
+  EXPECT_NE(pixelAt(canvas(), 4, 581), Colour{});
+  EXPECT_NE(pixelAt(canvas(), 15, 590), Colour{});
+  EXPECT_EQ(pixelAt(canvas(), 16, 590), Colour{});
+  EXPECT_EQ(pixelAt(canvas(), 4, 580), Colour{});
+}
+
+TEST_F(ScreenMessages, ALineDarkensBy30WithEachStep) {
+  for (std::size_t i = 0; i < 7; ++i) setLine(i, RGB(255, 255, 255));
+  modMain::paintTextLines();
+  for (int line = 0; line < 7; ++line) {
+    const int grey = 255 - 30 * line;  // 75 at the last
+    EXPECT_EQ(lineColour(line), RGB(grey, grey, grey)) << line;
+  }
+}
+
+TEST_F(ScreenMessages, Q136AChannelAtOrBelowTheStepKeepsItsValue) {
+  setLine(1, RGB(10, 200, 30));
+  setLine(3, RGB(90, 91, 89));
+  modMain::paintTextLines();
+  EXPECT_EQ(lineColour(1), RGB(10, 170, 30));
+  EXPECT_EQ(lineColour(3), RGB(90, 1, 89));
+}
+
+TEST_F(ScreenMessages, AnUnsetColourIsDarkGrey) {
+  for (std::size_t i = 0; i < 3; ++i) setLine(i, {});
+  modMain::paintTextLines();
+  EXPECT_EQ(lineColour(0), RGB(50, 50, 50));
+  EXPECT_EQ(lineColour(1), RGB(20, 20, 20));
+  EXPECT_EQ(lineColour(2), RGB(50, 50, 50)) << "50 is not above 60";
+}
+
+TEST_F(ScreenMessages, TheSmallestSizeIsNine) {
+  canvas().FontSize = 11;
+  const std::int16_t sizes[] = {0, -4, 8, 9, 10, 14, 30};
+  for (std::size_t i = 0; i < 7; ++i) setLine(i, RGB(255, 255, 255), sizes[i]);
+  modMain::paintTextLines();
+  EXPECT_EQ(std::vector<float>(blocks.sizes.begin(), blocks.sizes.begin() + 1), std::vector<float>{9});
+  std::map<float, int> seen;
+  for (const float size : blocks.sizes) ++seen[size];
+  EXPECT_EQ(seen, (std::map<float, int>{{9, 1}, {10, 1}, {14, 1}, {30, 1}})) << "each glyph is taken once";
+  EXPECT_EQ(canvas().FontSize, 11) << "as before";
+}
+
+TEST_F(ScreenMessages, TheRememberedSizeIsAWholeNumber) {
+  canvas().FontSize = 9.75F;
+  modMain::paintTextLines();
+  EXPECT_EQ(canvas().FontSize, 10);
+}
+
+TEST_F(ScreenMessages, TheDebugTextRunsDownFromTheTopInCyan) {
+  modMain::debugText.clear();
+  modMain::addDebugText("one");
+  modMain::addDebugText("two");
+  EXPECT_EQ(modMain::debugText, "one\r\ntwo\r\n");
+  modMain::paintTextLines();
+  EXPECT_EQ(pixelAt(canvas(), 4, 0), cyan);
+  EXPECT_EQ(pixelAt(canvas(), 4, 14), cyan);
+  EXPECT_EQ(pixelAt(canvas(), 21, 23), cyan) << "18 pixels wide";
+  EXPECT_EQ(pixelAt(canvas(), 22, 23), Colour{});
+  EXPECT_EQ(pixelAt(canvas(), 4, 28), Colour{});
+}
+
+TEST_F(ScreenMessages, OnAShortCanvasTheUpperLinesAreCut) {
+  canvas().Height = 1000;
+  for (std::size_t i = 0; i < 7; ++i) setLine(i, RGB(255, 255, 255));
+  modMain::debugText.clear();
+  modMain::paintTextLines();
+  EXPECT_NE(pixelAt(canvas(), 60.0, 600.0), Colour{});
+  EXPECT_NE(pixelAt(canvas(), 60.0, 200.0), Colour{});
+}
+
+TEST_F(ScreenMessages, Q134TheCentreMessageStandsLeftOfTheMiddle) {
+  modMain::showCentreMessage("abcd");
+  modMain::paintCentreMessage();
+  // Four characters of 6 pixels are 360 twips by the label's font; (5722.5 - 360 + 5722.5) / 2.3 = 4819.57, pixel 321.
+  // The row: 4560 - 500 = 4060, 271.
+  const Colour fresh = RGB(0, 254, 0);
+  EXPECT_EQ(pixelAt(canvas(), 321, 271), fresh);
+  EXPECT_EQ(pixelAt(canvas(), 320, 271), Colour{});
+  EXPECT_EQ(pixelAt(canvas(), 321, 270), Colour{});
+  EXPECT_EQ(pixelAt(canvas(), 344, 280), fresh);
+  EXPECT_EQ(pixelAt(canvas(), 345, 280), Colour{});
+  EXPECT_EQ(frmMain->lblTmp.Caption.get(), "abcd");
+}
+
+TEST_F(ScreenMessages, TheCentreMessageIsThreePointsLarger) {
+  canvas().FontSize = 9;
+  frmMain->lblTmp.Caption = "x";
+  modMain::showCentreMessage("x");
+  modMain::paintCentreMessage();
+  EXPECT_EQ(blocks.sizes, (std::vector<float>{12}));
+  EXPECT_EQ(canvas().FontSize, 9);
+}
+
+TEST_F(ScreenMessages, TheCentreMessageFadesAndEnds) {
+  modMain::showCentreMessage("abcd");
+  modMain::paintCentreMessage();
+  EXPECT_EQ(modMain::centreMessageAge, 1);
+  modMain::centreMessageAge = 249;
+  canvas().Cls();
+  modMain::paintCentreMessage();
+  EXPECT_EQ(modMain::centreMessageAge, 250);
+  EXPECT_EQ(pixelAt(canvas(), 321, 271), RGB(0, 5, 0));
+  canvas().Cls();
+  modMain::paintCentreMessage();
+  EXPECT_EQ(modMain::centreMessageAge, 251);
+  EXPECT_EQ(pixelAt(canvas(), 321, 271), Colour{});
+  modMain::paintCentreMessage();
+  EXPECT_EQ(modMain::centreMessageAge, 251) << "it ages no more";
+}
+
+TEST_F(ScreenMessages, TheMessagesAgeGrowsByTheTimeScaleRoundedToEven) {
+  modMain::showCentreMessage("abcd");
+  modMain::frameTime = 15;
+  modMain::paintCentreMessage();
+  EXPECT_EQ(modMain::centreMessageAge, 2) << "1.5";
+  modMain::paintCentreMessage();
+  EXPECT_EQ(modMain::centreMessageAge, 4) << "3.5";
+  modMain::frameTime = 25;
+  modMain::paintCentreMessage();
+  EXPECT_EQ(modMain::centreMessageAge, 6) << "6.5";
+}
+
+TEST_F(ScreenMessages, ANewMessageIsAtFullBrightnessAtOnce) {
+  modMain::showCentreMessage("abcd");
+  for (int frame = 0; frame < 100; ++frame) modMain::paintCentreMessage();
+  modMain::showCentreMessage("abcde");
+  canvas().Cls();
+  modMain::paintCentreMessage();
+  // (11445 - 450) / 2.3 = 4780.4, pixel 319.
+  EXPECT_EQ(pixelAt(canvas(), 319, 271), RGB(0, 254, 0));
+}
+
+TEST_F(ScreenMessages, Q135TheIconRowEndsShortOfTheRightEdge) {
+  canvas().BackColor = RGB(255, 255, 255);
+  canvas().Cls();
+  modMain::paintActionIcons();
+  // Icons of 615 by 630 every 640 units from 11445 - 6 * 665 = 7455, at 7620: the last ends at 7455 + 5 * 640 + 615 =
+  // 11270.
+  for (int slot = 0; slot < 6; ++slot) {
+    const double left = 7455 + 640.0 * slot;
+    const Colour icon = RGB(16, iconGreen + slot, 16);
+    EXPECT_EQ(pixelAt(canvas(), left + 8, 7620.0), icon) << slot;
+    EXPECT_EQ(pixelAt(canvas(), left + 600, 7620.0 + 615), icon) << slot;
+    EXPECT_EQ(countPixels(canvas(), icon), 41 * 42) << slot;
+  }
+  EXPECT_EQ(pixelAt(canvas(), 11270.0 + 15, 7800.0), RGB(255, 255, 255));
+  EXPECT_EQ(pixelAt(canvas(), 8000.0, 7605.0), RGB(255, 255, 255));
+}
+
+TEST_F(ScreenMessages, OnANarrowCanvasTheRowIsClipped) {
+  canvas().Width = 2000;
+  canvas().BackColor = RGB(255, 255, 255);
+  canvas().Cls();
+  modMain::paintActionIcons();
+  // It starts at 2000 - 3990 = -1990; icon 4 at -70 is cut, icon 5 at 570 is whole.
+  EXPECT_EQ(countPixels(canvas(), RGB(16, iconGreen, 16)), 0);
+  EXPECT_EQ(pixelAt(canvas(), 0.0, 7700.0), RGB(16, iconGreen + 3, 16));
+  EXPECT_EQ(countPixels(canvas(), RGB(16, iconGreen + 4, 16)), 41 * 42);
+}
+
+TEST_F(ScreenMessages, TheStockNumbersStandUnderTheIcons) {
+  clsPlayer& player = placeLocal();
+  for (std::size_t i = 0; i < 6; ++i) player.powerups[i].count = static_cast<std::int16_t>(i == 3 ? 12 : i);
+  player.alive = false;  // dead or alive
+  canvas().Cls();
+  player.paintSelf();
+  // At y 9120 - 780 = 8340, row 556.
+  for (int slot = 0; slot < 6; ++slot) {
+    const int left = toPixels(7455 + 640.0 * slot);
+    EXPECT_EQ(pixelAt(canvas(), left, 556), cyan) << slot;
+    EXPECT_EQ(pixelAt(canvas(), left - 1, 556), Colour{}) << "no blank in front";
+    EXPECT_EQ(pixelAt(canvas(), left, 555), Colour{});
+    EXPECT_EQ(pixelAt(canvas(), left + 6, 556) == cyan, slot == 3) << "two digits";
+  }
+}
+
+TEST_F(ScreenMessages, OpponentsHaveNoStockNumbers) {
+  placeLocal();
+  placeOpponent(1, 50000, 50000).paintSelf();
+  EXPECT_EQ(countPixels(canvas(), RGB(0, 255, 255)), 0);
+}
+
+}  // namespace
+}  // namespace kelvora

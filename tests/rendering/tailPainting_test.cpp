@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+
+#include "tests/rendering/paintTest.h"
+
+namespace kelvora {
+namespace {
+
+class TailPainting : public PaintTest {
+ protected:
+  TailPainting() {
+    canvas().BackColor = RGB(0, 0, 0);
+    local = &placeLocal();
+  }
+  /// A vertex at a place of the canvas.
+  void lay(double x, double y) {
+    local->addTail({static_cast<float>(50000 - 5722 + x), static_cast<float>(50000 - 4560 + y)});
+  }
+  void paint() {
+    canvas().Cls();
+    local->paintSelf();
+  }
+  /// Pixels of a colour in one column.
+  int thicknessAt(double x, Colour colour) {
+    int count = 0;
+    for (int row = 0; row < canvas().pixelHeight(); ++row) {
+      count += pixelAt(canvas(), toPixels(x), row) == colour ? 1 : 0;
+    }
+    return count;
+  }
+  clsPlayer* local;
+};
+
+TEST_F(TailPainting, TheColourDarkensWithTheAge) {
+  struct Row {
+    std::int16_t colour;
+    Colour fresh, aged;
+  };
+  const Row table[] = {{0, RGB(255, 0, 0), RGB(155, 0, 0)}, {1, RGB(255, 255, 0), RGB(155, 155, 0)},
+                       {2, RGB(0, 255, 0), RGB(0, 155, 0)}, {3, RGB(0, 255, 255), RGB(0, 155, 155)},
+                       {4, RGB(0, 0, 255), RGB(0, 0, 155)}, {5, RGB(255, 0, 255), RGB(155, 0, 155)},
+                       {6, RGB(0, 0, 0), RGB(0, 0, 0)},     {-1, RGB(0, 0, 0), RGB(0, 0, 0)}};
+  lay(100, 100);
+  const clsTail& vertex = local->tails[0];
+  for (const Row& row : table) EXPECT_EQ(vertex.getColour(row.colour), row.fresh) << row.colour;
+  paint();
+  tick(10);
+  paint();
+  tick(1000);
+  paint();
+  ASSERT_EQ(vertex.getAge(), 100);
+  for (const Row& row : table) EXPECT_EQ(vertex.getColour(row.colour), row.aged) << row.colour;
+}
+
+TEST_F(TailPainting, AtTwoHundredAFifthOfTheColourIsLeft) {
+  lay(100, 100);
+  paint();
+  tick(10);
+  paint();
+  tick(2000);
+  paint();
+  EXPECT_EQ(local->tails[0].getColour(0), RGB(55, 0, 0));
+}
+
+TEST_F(TailPainting, EachVertexIsJoinedToTheOneBeforeAndNoneToTheBall) {
+  lay(1500, 1500);
+  lay(3000, 1500);
+  lay(3000, 3000);
+  paint();
+  const Colour red = RGB(255, 0, 0);
+  EXPECT_EQ(pixelAt(canvas(), 2250.0, 1500.0), red);
+  EXPECT_EQ(pixelAt(canvas(), 3000.0, 2250.0), red);
+  EXPECT_EQ(pixelAt(canvas(), (3000 + 5722) / 2.0, (3000 + 4560) / 2.0), Colour{});
+  EXPECT_EQ(pixelAt(canvas(), 2250.0, 2250.0), Colour{}) << "the first and the last are not joined";
+}
+
+TEST_F(TailPainting, ATailOfOneVertexDrawsNothing) {
+  lay(1500, 1500);
+  paint();
+  EXPECT_EQ(pixelAt(canvas(), 1500.0, 1500.0), Colour{});
+}
+
+TEST_F(TailPainting, Q132TheNewerEndAloneDecides) {
+  lay(1500, 1500);
+  lay(-15, 1500);
+  lay(1500, 3000);
+  paint();
+  EXPECT_EQ(pixelAt(canvas(), 750.0, 1500.0), Colour{}) << "newer end off the canvas";
+  EXPECT_EQ(pixelAt(canvas(), 742.0, 2250.0), RGB(255, 0, 0)) << "older end off the canvas";
+}
+
+TEST_F(TailPainting, AnEndExactlyOnTheEdgeIsOnTheCanvas) {
+  lay(1500, 1500);
+  lay(0, 1500);
+  paint();
+  EXPECT_EQ(pixelAt(canvas(), 750.0, 1500.0), RGB(255, 0, 0));
+}
+
+TEST_F(TailPainting, TheSegmentHasTheNewerVertexsColour) {
+  lay(1500, 1500);
+  paint();
+  tick(10);
+  paint();
+  tick(500);
+  lay(3000, 1500);
+  paint();
+  ASSERT_EQ(local->tails[0].getAge(), 50);
+  EXPECT_EQ(pixelAt(canvas(), 1530.0, 1500.0), RGB(255, 0, 0));
+}
+
+// Vertex i is i / 10 wide, ties to even, 1 to 30: a segment of its own at the top of the canvas is measured for each.
+TEST_F(TailPainting, TheWidthGrowsWithTheIndex) {
+  const std::array<std::array<int, 2>, 12> table{{{1, 1},
+                                                  {14, 1},
+                                                  {15, 2},
+                                                  {25, 2},
+                                                  {26, 3},
+                                                  {35, 4},
+                                                  {104, 10},
+                                                  {105, 10},
+                                                  {106, 11},
+                                                  {294, 29},
+                                                  {295, 30},
+                                                  {400, 30}}};
+  for (const auto& [index, width] : table) {
+    local->tails.clear();
+    for (int i = 0; i < index - 1; ++i) lay(-5000, -5000);
+    lay(1500, 1500);
+    lay(3000, 1500);
+    paint();
+    EXPECT_EQ(thicknessAt(2250, RGB(255, 0, 0)), width) << "vertex " << index;
+    EXPECT_EQ(canvas().DrawWidth, 1);
+  }
+}
+
+TEST_F(TailPainting, VerticesThatEndInThisFrameAreNotDrawn) {
+  lay(1500, 1500);
+  lay(3000, 1500);
+  paint();
+  tick(10);
+  paint();
+  tick(2020);
+  paint();
+  EXPECT_EQ(pixelAt(canvas(), 2250.0, 1500.0), Colour{});
+}
+
+TEST_F(TailPainting, OpponentsTailsLookTheSame) {
+  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  local->isConnected = false;
+  other.addTail({47000, 47000});
+  other.addTail({48500, 47000});
+  canvas().Cls();
+  other.paintSelf();
+  EXPECT_EQ(pixelAt(canvas(), 5722 - 2250.0, 4560 - 3000.0), RGB(0, 255, 255));
+}
+
+class ChargedArc : public TailPainting {
+ protected:
+  /// A charged segment from (x1, y1) to (x2, y2) of the canvas.
+  void layCharged(double x1, double y1, double x2, double y2) {
+    machine.scriptedDraws = {0, 0};  // the two ids
+    lay(x1, y1);
+    lay(x2, y2);
+    local->tails[1].isCharged(true);
+  }
+  /// Draws of one stroke: distance and sign on both axes. A sign draw below .4999 is a minus.
+  void stroke(float dx, float signX, float dy, float signY) {
+    for (const float draw : {dx, signX, dy, signY}) machine.scriptedDraws.push_back(draw);
+  }
+};
+
+TEST_F(ChargedArc, FourStrokesFromTheLeftEndWhiteToGrey) {
+  layCharged(1500, 3000, 6000, 3000);
+  machine.scriptedDraws.push_back(0.5F);  // the argument: 3000, positive, so the outer draw is a fresh one
+  // Int(.5 * 500) + 10 = 260, each time to the right and up; the outer draw comes from the generator and is below 1.
+  for (int i = 0; i < 4; ++i) stroke(0.5F, 0.9F, 0.5F, 0.1F);
+  paint();
+  const int greys[] = {255, 195, 135, 75};
+  for (int i = 0; i < 4; ++i) {
+    const double x = 1500 + 260 * i + 130;
+    const double y = 3000 - 260 * i - 130;
+    const int grey = greys[i];
+    EXPECT_EQ(pixelAt(canvas(), x, y), RGB(grey, grey, grey)) << "stroke " << i;
+  }
+  EXPECT_EQ(pixelAt(canvas(), 1500 + 260 * 4 + 60.0, 3000 - 260 * 4 - 60.0), Colour{}) << "no fifth";
+}
+
+TEST_F(ChargedArc, TheLeftEndIsTheSmallerXWhicheverIsNewer) {
+  layCharged(6000, 3000, 1500, 3000);
+  machine.scriptedDraws.push_back(0.5F);
+  stroke(0.9F, 0.1F, 0.9F, 0.9F);  // 460 to the left and down
+  for (int i = 0; i < 3; ++i) stroke(0, 0.9F, 0, 0.9F);
+  paint();
+  EXPECT_EQ(pixelAt(canvas(), 1500 - 230.0, 3000 + 230.0), RGB(255, 255, 255));
+}
+
+TEST_F(ChargedArc, Q130TheStartIsTheLeftEndOrOneBesideIt) {
+  // With the inner draw 0 the argument is 0, which gives the generator's last number again, below 1 as always.
+  layCharged(1500, 1500, 6000, 6000);
+  machine.scriptedDraws.push_back(0);
+  stroke(0.5F, 0.9F, 0.5F, 0.1F);
+  for (int i = 0; i < 3; ++i) stroke(0, 0.9F, 0, 0.9F);
+  paint();
+  EXPECT_EQ(pixelAt(canvas(), 1500 + 130.0, 1500 - 130.0), RGB(255, 255, 255)) << "the left end, not along the segment";
+}
+
+TEST_F(ChargedArc, Q130ANegativeArgumentRestartsTheGenerator) {
+  // The number that the generator gives after an arc whose right end stands at x on the canvas.
+  const auto numberAfter = [this](float x) {
+    machine.generator.randomize(1);
+    machine.scriptedDraws = {0.5F};
+    for (int i = 0; i < 4; ++i) stroke(0, 0.9F, 0, 0.9F);
+    const float left = 50000 - 5722;
+    local->paintChargedArc({left - 3000, 50000}, {left + x, 50000});
+    return machine.generator.next();
+  };
+  RandomGenerator walking;
+  walking.randomize(1);
+  walking.next();
+  EXPECT_EQ(numberAfter(1000), walking.next()) << "a positive argument takes the next number";
+  RandomGenerator restarted;
+  restarted.next(-500.0F);
+  EXPECT_EQ(numberAfter(-1000), restarted.next()) << ".5 * -1000";
+}
+
+TEST_F(ChargedArc, AVerticalSegmentIsShiftedByOneUnit) {
+  layCharged(3000, 1500, 3000, 6000);
+  machine.scriptedDraws.push_back(0.5F);
+  stroke(0.5F, 0.9F, 0.5F, 0.9F);
+  for (int i = 0; i < 3; ++i) stroke(0, 0.9F, 0, 0.9F);
+  paint();
+  // The newer end moves to 3001, so the left end is the older one at (3000, 1500), and one unit to the right is 4500
+  // down.
+  EXPECT_EQ(pixelAt(canvas(), 3000 + 130.0, 1500 + 130.0), RGB(255, 255, 255));
+}
+
+TEST_F(ChargedArc, AnUnchargedSegmentHasNoLightningAndDrawsNoNumbers) {
+  machine.scriptedDraws = {0, 0};
+  lay(1500, 3000);
+  lay(6000, 3000);
+  machine.scriptedDraws = {0.25F};
+  paint();
+  EXPECT_EQ(machine.scriptedDraws.size(), 1U);
+}
+
+}  // namespace
+}  // namespace kelvora
