@@ -253,8 +253,8 @@ class Server:
 
     def __init__(self, *arguments):
         self.port = free_port()
-        self.process = subprocess.Popen([SERVER, "--bind", "127.0.0.1", "--port", str(self.port), *arguments],
-                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+        self.process = subprocess.Popen([SERVER, "--address", "127.0.0.1", "--port", str(self.port), *arguments],
+                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         wait_for(self.answers, "the server's port")
 
     def answers(self):

@@ -96,6 +96,7 @@ class Session(harness.DesktopTest):
         client.connect(server.port)
         line = server.accept()
         line.recv_frame()
+        harness.wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
         line.send(LOGIN_DENIED, "the arena is full")
         box = client.wait_for_other_window()
         self.assertNotIn("Connect", client.windows())
