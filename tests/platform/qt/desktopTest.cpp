@@ -1,4 +1,4 @@
-#include "desktopTest.h"
+#include "tests/platform/qt/desktopTest.h"
 
 #include <QApplication>
 #include <memory>

@@ -6,12 +6,12 @@
 #include <chrono>
 
 #include "base/fault.h"
-#include "desktopTest.h"
-#include "formProbe.h"
 #include "platform/backend.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtGlyphs.h"
+#include "tests/platform/qt/desktopTest.h"
+#include "tests/platform/qt/formProbe.h"
 
 namespace kelvora {
 namespace {

@@ -3,8 +3,8 @@
 #include <QLineEdit>
 #include <memory>
 
-#include "formProbe.h"
 #include "platform/qt/inputEvents.h"
+#include "tests/platform/qt/formProbe.h"
 
 namespace kelvora {
 namespace {

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "base/fault.h"
-#include "desktopTest.h"
 #include "platform/backend.h"
 #include "platform/qt/qtSocket.h"
 #include "platform/winsock.h"
+#include "tests/platform/qt/desktopTest.h"
 
 namespace kelvora {
 namespace {

@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "base/fault.h"
-#include "desktopTest.h"
-#include "formProbe.h"
 #include "platform/backend.h"
+#include "tests/platform/qt/desktopTest.h"
+#include "tests/platform/qt/formProbe.h"
 
 namespace kelvora {
 namespace {
