@@ -52,7 +52,7 @@ std::optional<MessageQueue::Taken> MessageQueue::takeFirstReady() {
   return Taken{parkedCount_ + 1, entry};
 }
 
-void MessageQueue::remove(std::size_t index) {
+void MessageQueue::removeMessage(std::size_t index) {
   if (index < 1 || index > count()) return;
   totalBytes_ -= text(index).size();
   if (index > parkedCount_) {

@@ -40,7 +40,7 @@ class MessageQueue {
   /// until it is removed, and is ready no longer unless another end byte stands there.
   std::optional<Taken> takeFirstReady();
   /// Removes whatever entry has this number now; the ones behind it move up. No such entry: nothing happens.
-  void remove(std::size_t index);
+  void removeMessage(std::size_t index);
 
  private:
   static bool isReady(std::string_view text);

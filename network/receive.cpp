@@ -44,7 +44,7 @@ void processMessages() {
     if (const Route* route = findRoute(id)) resumeNext([&] { route->handle(fields); });
     // Quirk Q-066: the number is the one of before the handler. If messages were handled meanwhile, under a message
     // box, another entry may stand there now and is lost.
-    messageQueue.remove(taken->index);
+    messageQueue.removeMessage(taken->index);
   }
 }
 

@@ -15,8 +15,7 @@ namespace kelvora::server {
 /// One connection, whether its player is logged in or not. Never used twice.
 using ClientId = std::uint32_t;
 
-/// What the arena does to the outside world. It may be called at any time during a call of the arena, and does not call
-/// back.
+/// What the arena does to the outside world, from within its calls. It must not call back.
 class ArenaOutput {
  public:
   virtual ~ArenaOutput() = default;
@@ -55,7 +54,6 @@ class Arena {
 
  private:
   using Fields = std::vector<std::string_view>;
-
   struct Player {
     std::int16_t node;
     std::int16_t colour;
@@ -81,7 +79,6 @@ class Arena {
   void pingReply(ClientId client, Player& player, Millis now);
   void chat(ClientId client, Player& player, const Fields& fields, Millis now);
   void spawn(ClientId client, Player& player, Millis now);
-
   bool isColourFree(std::int16_t colour) const;
   std::int16_t chooseColour(std::string_view preferred) const;
   std::int16_t nextNode();

@@ -17,7 +17,7 @@ TEST(MessageQueue, Q061AnEndBehindTheLastEntryGoesWhereNothingReads) {
   MessageQueue queue;
   queue.startEntry();
   queue.append("\xA2\x81");
-  queue.remove(queue.takeFirstReady()->index);
+  queue.removeMessage(queue.takeFirstReady()->index);
   EXPECT_EQ(queue.messageCount(), 0);
   queue.append("\x81");
   EXPECT_EQ(queue.messageCount(), 0);
@@ -35,7 +35,7 @@ TEST(MessageQueue, EntriesWithoutEndAreSkippedAndStay) {
   EXPECT_EQ(taken->index, 3U);
   EXPECT_EQ(taken->text, "abc");
   EXPECT_EQ(queue.text(3), "abc") << "the entry under way keeps its place";
-  queue.remove(3);
+  queue.removeMessage(3);
   EXPECT_EQ(queue.messageCount(), 2);
   queue.append("late\x81");
   EXPECT_EQ(queue.takeFirstReady()->index, 2U) << "the newest entry can still be completed";
@@ -59,13 +59,13 @@ TEST(MessageQueue, RemovesByNumberAlsoInFrontOfEntriesUnderWay) {
   }
   EXPECT_EQ(queue.takeFirstReady()->index, 2U);
   EXPECT_EQ(queue.takeFirstReady()->index, 4U);
-  queue.remove(1);
+  queue.removeMessage(1);
   EXPECT_EQ(queue.messageCount(), 3);
   EXPECT_EQ(queue.text(1), "x");
   EXPECT_EQ(queue.text(2), "");
   EXPECT_EQ(queue.text(3), "y");
-  queue.remove(4);
-  queue.remove(0);
+  queue.removeMessage(4);
+  queue.removeMessage(0);
   EXPECT_EQ(queue.messageCount(), 3);
   EXPECT_THROW(queue.text(4), RuntimeFault);
 }
@@ -101,7 +101,7 @@ TEST(MessageQueue, BeyondTheTotalNoEntryTakesText) {
   queue.startEntry();
   queue.append("one too many\x81");
   EXPECT_EQ(queue.text(129), "");
-  for (int i = 0; i < 128; ++i) queue.remove(queue.takeFirstReady()->index);
+  for (int i = 0; i < 128; ++i) queue.removeMessage(queue.takeFirstReady()->index);
   EXPECT_FALSE(queue.takeFirstReady());
   queue.append("room again\x81");
   EXPECT_EQ(queue.takeFirstReady()->text, "room again");
@@ -117,7 +117,7 @@ TEST(MessageQueue, ParkedEntriesCostNothing) {
     const auto taken = queue.takeFirstReady();
     ASSERT_TRUE(taken);
     ASSERT_EQ(taken->index, 500'001U);
-    queue.remove(taken->index);
+    queue.removeMessage(taken->index);
   }
   EXPECT_EQ(queue.messageCount(), 500'000);
 }
