@@ -1,0 +1,180 @@
+#include <benchmark/benchmark.h>
+
+#include <QGuiApplication>
+#include <chrono>
+#include <cmath>
+#include <random>
+#include <string>
+
+#include "bench/painterReplay.h"
+#include "bench/surfaceRecorder.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "platform/headless/headlessBackend.h"
+#include "platform/qt/qtFonts.h"
+#include "platform/qt/qtGlyphs.h"
+#include "rendering/frmGfx.h"
+
+// A whole frame by the game's own painters against the same list of drawing calls done by the desktop's painter, both
+// in memory. The game's time has everything that a frame does beside drawing: ageing, tests, texts made.
+
+namespace {
+
+using namespace kelvora;
+using namespace kelvora::bench;
+using Clock = std::chrono::steady_clock;
+
+enum class Texts { None, Full };
+
+/// A world on a machine without a screen.
+class Scene {
+ public:
+  Scene(bool heavy, Texts texts) {
+    machine.path = KELVORA_SOURCE_DIR;
+    installBackend(&machine);
+    if (texts == Texts::Full) {
+      Surface::setGlyphSource(&glyphs);
+    } else {
+      Surface::setGlyphSource(nullptr);  // prints nothing
+    }
+    modMain::clearWorld();
+    machine.generator.randomize(1);
+    clsPlayer& local = modMain::localPlayer;
+    local.position = {50000, 50000};
+    local.init(0, -1, 1, "Ann");
+    modMain::mousePos = {8000, 3000};
+    modMain::centreMessageAge = 251;
+    if (heavy) fill();
+    if (texts == Texts::Full) write();
+    paint();
+  }
+  ~Scene() {
+    frmMain.unload();
+    frmGfx.unload();
+    releaseUnloadedForms();
+    Surface::setGlyphSource(nullptr);
+    installBackend(nullptr);
+  }
+
+  /// One frame. The clock stands, but every tail has its ageing pass.
+  void paint() {
+    modMain::localPlayer.lastAgeTick = machine.ticks - 1;
+    for (clsPlayer& player : modMain::opponents) player.lastAgeTick = machine.ticks - 1;
+    modMain::centreMessageAge = messageAge;
+    modMain::paintFrame();
+    modMain::frameTime = 0;
+  }
+
+  std::vector<DrawingCall> record() {
+    SurfaceRecorder recorder;
+    paint();
+    return recorder.calls;
+  }
+
+ private:
+  /// Six players with tails of 300 vertices on the canvas, shields up, the world's upper edge in sight.
+  void fill() {
+    std::mt19937 draws(42);
+    clsPlayer& local = modMain::localPlayer;
+    local.position = {50000, 2000};
+    modMain::createParticleField();
+    for (std::int16_t i = 0; i < 5; ++i) {
+      clsPlayer& player = modMain::opponents.emplace_back();
+      player.init(static_cast<std::int16_t>(i + 1), i, static_cast<std::int16_t>(i + 2), "Bob");
+      player.awaitingFirstPosition = false;
+      ++modMain::opponentCount;
+    }
+    layTail(local, draws);
+    for (clsPlayer& player : modMain::opponents) layTail(player, draws);
+    local.position = {50000, 2000};
+  }
+
+  /// A wandering course over the canvas, 250 units a step, with the player at its end.
+  void layTail(clsPlayer& player, std::mt19937& draws) {
+    std::uniform_real_distribution<float> places(-4000, 4000);
+    std::uniform_real_distribution<float> turns(-0.3F, 0.3F);
+    const Vector middle{50000, 2000};
+    Vector place{middle.x + places(draws), middle.y + places(draws)};
+    float heading = turns(draws) * 10;
+    for (int i = 0; i < 300; ++i) {
+      heading += turns(draws);
+      Vector next{place.x + 250 * std::cos(heading), place.y + 250 * std::sin(heading)};
+      if (std::fabs(next.x - middle.x) > 5600 || std::fabs(next.y - middle.y) > 4400) {
+        heading += 2;
+        next = place;
+      }
+      place = next;
+      player.addTail(place);
+    }
+    if (player.playerIndex >= 0) player.position = place;
+    player.powerups[shieldSlot].active = true;
+  }
+
+  void write() {
+    for (std::size_t i = 0; i < modMain::chatLines.size(); ++i) {
+      modMain::chatLines[i] = {"Ann: that was a close one, see you at the next corner", RGB(200, 220, 255), 10};
+    }
+    modMain::showCentreMessage("Capture your opponents in a loop of your tail");
+    messageAge = 0;
+  }
+
+  HeadlessBackend machine;
+  QtGlyphSource glyphs;
+  std::int16_t messageAge = 251;
+};
+
+double seconds(Clock::duration time) { return std::chrono::duration<double>(time).count(); }
+
+/// Both in turn, so that whatever else the machine does meets both; the times and their ratio are counters.
+void frames(benchmark::State& state, bool heavy, Texts texts) {
+  Scene scene(heavy, texts);
+  std::vector<DrawingCall> calls = scene.record();
+  if (texts == Texts::None) {
+    std::erase_if(calls, [](const DrawingCall& call) { return std::holds_alternative<PrintCall>(call.what); });
+  }
+  PainterReplay peer(calls);
+  peer.draw();
+  Clock::duration game{};
+  Clock::duration painter{};
+  for (auto unused : state) {
+    const auto begin = Clock::now();
+    scene.paint();
+    benchmark::ClobberMemory();
+    const auto middle = Clock::now();
+    peer.draw();
+    benchmark::ClobberMemory();
+    painter += Clock::now() - middle;
+    game += middle - begin;
+  }
+  const double count = static_cast<double>(state.iterations());
+  state.counters["calls"] = static_cast<double>(calls.size());
+  state.counters["game_us"] = seconds(game) / count * 1e6;
+  state.counters["painter_us"] = seconds(painter) / count * 1e6;
+  state.counters["ratio"] = seconds(painter) / seconds(game);
+  if (const char* folder = std::getenv("KELVORA_BENCH_PICTURES")) {
+    const PictureBox& canvas = frmMain->canvas;
+    const std::string name =
+        std::string(folder) + (heavy ? "/heavy" : "/light") + (texts == Texts::Full ? "-text" : "");
+    peer.image(canvas).save(QString::fromStdString(name + "-painter.png"));
+    const QImage own(reinterpret_cast<const uchar*>(canvas.pixels().data()), canvas.pixelWidth(), canvas.pixelHeight(),
+                     QImage::Format_RGB32);
+    own.save(QString::fromStdString(name + "-game.png"));
+  }
+}
+
+BENCHMARK_CAPTURE(frames, light, false, Texts::None)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frames, heavy, true, Texts::None)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frames, lightWithTexts, false, Texts::Full)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frames, heavyWithTexts, true, Texts::Full)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QGuiApplication application(argc, argv);
+  kelvora::installFontSubstitutes();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}
