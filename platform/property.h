@@ -7,8 +7,26 @@ namespace kelvora {
 
 /// Names the property that changed when a control tells its peer.
 enum class PropertyId : std::uint8_t {
-  Left, Top, Width, Height, Visible, Enabled, Caption, Text, SelStart, BackColor, ForeColor, BorderStyle, BorderWidth,
-  BorderColor, Picture, MousePointer, Checked, FontSize, Value, Interval,
+  Left,
+  Top,
+  Width,
+  Height,
+  Visible,
+  Enabled,
+  Caption,
+  Text,
+  SelStart,
+  BackColor,
+  ForeColor,
+  BorderStyle,
+  BorderWidth,
+  BorderColor,
+  Picture,
+  MousePointer,
+  Checked,
+  FontSize,
+  Value,
+  Interval,
 };
 
 class Control;

@@ -19,7 +19,7 @@ struct LabelDesign {
   bool border = false;       ///< BorderStyle 1
   Alignment alignment = Alignment::Left;
   FontSpec font = {};
-  bool autoSize = false;  ///< Width follows the caption
+  bool autoSize = false;       ///< Width follows the caption
   bool systemColours = false;  ///< the dialog's own text and background colours
 };
 

@@ -12,8 +12,16 @@ class Winsock;
 
 /// States of a socket, numbered as the connection label names them.
 enum SocketState : int {
-  sckClosed, sckOpen, sckListening, sckConnectionPending, sckResolvingHost, sckHostResolved, sckConnecting, sckConnected,
-  sckClosing, sckError,
+  sckClosed,
+  sckOpen,
+  sckListening,
+  sckConnectionPending,
+  sckResolvingHost,
+  sckHostResolved,
+  sckConnecting,
+  sckConnected,
+  sckClosing,
+  sckError,
 };
 
 /// The backend's side of a socket.

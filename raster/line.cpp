@@ -232,7 +232,7 @@ void Surface::drawThick(PixelPoint from, PixelPoint to, int width, Pixel pixel) 
     if (rise == 0 || straight > lastRow) return Side{sign, straight, lower, SteppedQuotient(0, 0, 1)};
     const std::int64_t down = 2 * (std::int64_t{std::max(straight, firstRow)} - from.y) + e;
     const std::int64_t roundUp = sign < 0 ? 4 * rise - 1 : 0;
-    const std::int64_t dividend = down * 2 * run + sign * limit - e * 2 * rise + roundUp + from.x * 4 * rise;
+    const std::int64_t dividend = down * 2 * run + sign * limit - 2 * rise * e + roundUp + 4 * rise * from.x;
     return Side{sign, straight, lower, SteppedQuotient(dividend, 4 * run, 4 * rise)};
   };
   Side left = makeSide(-1, normalFloor, normalCeiling);
