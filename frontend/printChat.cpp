@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
+#include <utility>
 
 #include "base/text.h"
 #include "core/modMain.h"
@@ -12,23 +14,29 @@ namespace {
 constexpr std::size_t longestLine = 90;    // characters
 constexpr std::size_t shortestSplit = 80;  // characters, the blank included
 
+void pushLine(std::string text, std::int16_t lineType) {
+  auto& lines = modMain::chatLines;
+  std::move_backward(lines.begin(), lines.end() - 1, lines.end());
+  lines.front() = {std::move(text), fontMan::getFontColour(lineType), fontMan::getFontSize(lineType)};
+}
+
 }  // namespace
 
 void printChat(const std::string& text, std::int16_t lineType) {
   const std::string trimmed = trimBlanks(text);
-  auto& lines = modMain::chatLines;
-  std::move_backward(lines.begin(), lines.end() - 1, lines.end());
-  ChatLine& line = lines.front();
-  line = {{}, fontMan::getFontColour(lineType), fontMan::getFontSize(lineType)};
-  if (trimmed.size() <= longestLine) {
-    line.text = trimmed;
-    return;
+  std::string_view rest = trimmed;
+  std::string_view mark;
+  while (mark.size() + rest.size() > longestLine) {
+    // Where a line ends depends on its first 90 characters alone, so the rest of a long text is not copied every time.
+    const std::string window = std::string(mark).append(rest.substr(0, longestLine + 1));
+    std::string first = splitChatLine(window).first;
+    rest.remove_prefix(first.size() - mark.size());
+    pushLine(std::move(first), lineType);
+    // Quirk Q-043: a continuation is printed as " > " and the rest, like any text, so it loses the blank ahead of its
+    // mark, and the mark counts among the characters of its line.
+    mark = "> ";
   }
-  const auto [first, rest] = splitChatLine(trimmed);
-  line.text = first;
-  // Quirk Q-043: the continuation is printed like any text, so it loses the blank ahead of its mark, and the mark
-  // counts among the characters of its line.
-  printChat(" > " + rest, lineType);
+  pushLine(std::string(mark).append(rest), lineType);
 }
 
 std::pair<std::string, std::string> splitChatLine(const std::string& text) {
