@@ -88,21 +88,10 @@ constexpr unsigned char lowerByte(unsigned char character) {
   return character == 0x9F ? static_cast<unsigned char>(0xFF) : character;
 }
 
-constexpr int significantDigits = 7;
-
-}  // namespace
-
-std::string trimBlanks(std::string_view text) { return std::string(withoutBlanks(text)); }
-
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& character : lower) character = static_cast<char>(lowerByte(static_cast<unsigned char>(character)));
-  return lower;
-}
-
-std::string numberText(float value) {
+template <class Real>
+std::string decimalText(Real value, int significantDigits) {
   if (!std::isfinite(value)) raiseOverflow();
-  if (value == 0.0F) return "0";
+  if (value == Real{0}) return "0";
   // "d.dddddde+xx", rounded from the exact value.
   std::array<char, 32> buffer{};
   const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
@@ -116,7 +105,7 @@ std::string numberText(float value) {
   std::string digits(1, scientific.front());
   digits += scientific.substr(2, mark - 2);
   digits.erase(digits.find_last_not_of('0') + 1);
-  std::string text = value < 0.0F ? "-" : "";
+  std::string text = value < Real{0} ? "-" : "";
   if (exponent >= significantDigits || exponent < -significantDigits) {
     text += digits.front();
     if (digits.size() > 1) text.append(".").append(digits, 1);
@@ -128,6 +117,18 @@ std::string numberText(float value) {
   return text.append(digits, 0, whole).append(".").append(digits, whole);
 }
 
+}  // namespace
+
+std::string trimBlanks(std::string_view text) { return std::string(withoutBlanks(text)); }
+
+std::string lowerCase(std::string_view text) {
+  std::string lower(text);
+  for (char& character : lower) character = static_cast<char>(lowerByte(static_cast<unsigned char>(character)));
+  return lower;
+}
+
+std::string numberText(float value) { return decimalText(value, 7); }
+std::string numberText(double value) { return decimalText(value, 15); }
 std::string numberText(std::int32_t value) { return std::to_string(value); }
 
 double readNumber(std::string_view text) {

@@ -18,6 +18,8 @@ std::string lowerCase(std::string_view text);
 /// fraction (".5"), "1.234568E+07" from ten million on and "1.5E-08" below a ten millionth. A value that is infinite or
 /// no number is RuntimeFault "Overflow".
 std::string numberText(float value);
+/// The same with at most 15 digits, exponents from 1E+15 on and below the 15th decimal.
+std::string numberText(double value);
 std::string numberText(std::int32_t value);
 
 /// Number text read from the left: leading blanks skipped, sign, digits, point and digits, exponent, up to the first

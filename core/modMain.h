@@ -149,3 +149,7 @@ void resetConnectionState();
 }  // namespace modMain
 
 }  // namespace kelvora
+// The store (store/store.cpp).
+/// Opens the store's window over the running game, connected or not, alive or not.
+void openStore();
+

@@ -1,6 +1,7 @@
 #include "frontend/frmMain.h"
 
 #include "base/text.h"
+#include "core/modMain.h"
 #include "frontend/frmConnect.h"
 #include "network/netMan.h"
 #include "platform/backend.h"
@@ -77,6 +78,7 @@ void FrmMain::connectHandlers() {
   };
   txtChat.KeyPress = [](int KeyAscii) { netMan::chatKeyPress(KeyAscii); };
 
+  btnShop.Click = [] { modMain::openStore(); };
   btnSpawn.Click = [] { netMan::requestSpawn(); };
   tmrCheckNetStatus.Timer = [this] { showConnectionState(); };
 }

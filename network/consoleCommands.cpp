@@ -37,6 +37,8 @@ struct Verb {
   std::string_view name;
   void (*run)(const Pieces& pieces);
 };
+void showStore(const Pieces&) { modMain::openStore(); }
+
 
 constexpr Verb verbs[] = {
     {"?", listVerbs},
@@ -52,6 +54,7 @@ Pieces split(const std::string& command) {
       pieces.back() += c;
     }
   }
+    {"showstore", showStore},
   return pieces;
 }
 

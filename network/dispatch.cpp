@@ -10,6 +10,7 @@
 #include "network/netMan.h"
 #include "network/wire/wireFormat.h"
 #include "platform/backend.h"
+#include "store/frmPowerups.h"
 
 namespace kelvora::netMan {
 
@@ -44,6 +45,11 @@ void latencyReport(Fields f) {
   if (localPlayer.isConnected) localPlayer.receiveLatencyReport(f.int32(0));
 }
 
+void storeDenied(Fields f) {
+  if (!frmPowerups.isVisible()) return;
+  resumeNext([&] { frmPowerups->lblWinners.Caption = f.text(0); });
+}
+
 // Quirk Q-067: a row reads all its fields before it acts, so that a message with too few of them, or with one number
 // too large, does nothing at all.
 constexpr Route table[] = {
@@ -63,10 +69,14 @@ constexpr Route table[] = {
     {wire::msgTailCapture, [](Fields f) { modMain::addKillerTail(f.int16(0), f.int16(1), f.single(2), f.single(3)); }},
     {wire::msgFunds, [](Fields f) { receiveFunds(f.int16(0), f.real(1)); }},
     {wire::msgRoundOver, [](Fields f) { receiveRoundOver(f.text(0)); }},
+    {wire::msgBuyDenied, storeDenied},
+    {wire::msgBuyAccepted, [](Fields f) { localPlayer.purchaseAccepted(f.int16(0), f.int16(1), f.real(2)); }},
     {wire::msgSpawnDenied, [](Fields) { MsgBox("Respawn request denied from server"); }},
     {wire::msgRespawn, [](Fields f) { receiveRespawn(f.int16(0)); }},
     {wire::msgPowerupOn, [](Fields f) { receivePowerupOn(f.int16(0), f.int16(1)); }},
     {wire::msgAliveState, [](Fields f) { receiveAliveState(f.int16(0), f.int16(1)); }},
+    {wire::msgSellDenied, storeDenied},
+    {wire::msgSellAccepted, [](Fields f) { localPlayer.sellItemAccepted(f.int16(0), f.int16(1), f.real(2)); }},
     {wire::msgPowerupOff, [](Fields f) { receivePowerupOff(f.int16(0), f.int16(1)); }},
     {wire::msgServerText, [](Fields f) { printChat(f.text(0), 3); }},
     {wire::msgParticleAdd,

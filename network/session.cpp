@@ -9,6 +9,7 @@
 #include "network/netMan.h"
 #include "network/wire/wireFormat.h"
 #include "platform/backend.h"
+#include "store/frmPowerups.h"
 
 namespace kelvora {
 
@@ -129,6 +130,8 @@ void receivePlayerLeft(std::int16_t node) {
 }
 
 void receiveRoundOver(const std::string& text) {
+  // Quirk Q-206: who stands in the store when the round ends never hears of it: he lives on, and no text is kept.
+  if (frmPowerups.isVisible()) return;
   localPlayer.setAlive(false);
   for (std::int16_t i = 0; i < opponentCount; ++i) modMain::playerAt(i).setAlive(false);
   modMain::roundMessage = text;

@@ -14,6 +14,7 @@ Control::Control(Control* container, Place place)
       Width(*this, PropertyId::Width, place.width),
       Height(*this, PropertyId::Height, place.height),
       Visible(*this, PropertyId::Visible, true),
+      ToolTipText(*this, PropertyId::ToolTipText),
       container_(container) {
   if (container_) container_->children_.push_back(this);
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -59,6 +60,7 @@ class Control {
   Extent Width;
   Extent Height;
   Property<bool> Visible;
+  Property<std::string> ToolTipText;  ///< shown while the pointer rests on the control; empty for none
 
   std::function<void()> Click;
   std::function<void(int Button, int Shift, float X, float Y)> MouseDown;

@@ -40,6 +40,8 @@ class Form : public Control {
   std::function<void()> Resize;
 
   /// Shows the window. Modal returns when it has been hidden or unloaded; a modal show of a visible form is
+  /// The window has got the focus, at its first showing too.
+  std::function<void()> Activate;
   /// RuntimeFault.
   void Show(Modality modality = Modality::Modeless);
   void Hide();

@@ -27,6 +27,7 @@ enum class PropertyId : std::uint8_t {
   FontSize,
   Value,
   Interval,
+  ToolTipText,
 };
 
 class Control;

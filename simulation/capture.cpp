@@ -1,11 +1,12 @@
-#include <cstdio>
-
+#include "audio/soundMan.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
 #include "simulation/clsPlayer.h"
+#include "store/frmPowerups.h"
+#include "store/powerupTable.h"
 
 namespace kelvora {
 
@@ -20,13 +21,13 @@ void clsPlayer::init(std::int16_t newColour, std::int16_t index, std::int16_t no
   playerIndex = index;
   serverNode = node;
   name = newName;
-  funds(10);
+  funds(startFunds);
   kills = 0;
   alive = true;
   isConnected = true;
   speed = 300;
   positionReportInterval = 3;
-  powerSlotLimit = 10;
+  powerSlotLimit = startCapacity;
   awaitingFirstPosition = true;
   for (PowerupState& powerup : powerups) {
     powerup.count = 0;
@@ -49,6 +50,7 @@ void clsPlayer::respawn() {
   // Quirk Q-109: the position is not touched: the new life starts where the ghost was.
   alive = true;
   captures.clear();
+  if (playerIndex == localIndex && frmPowerups.isVisible()) frmPowerups.unload();
   PictureBox& strip = frmMain->picCaps[colour];
   strip.Cls();
   strip.Refresh();
@@ -84,9 +86,7 @@ void clsPlayer::setKills(std::int16_t newKills) {
 void clsPlayer::funds(double credits) {
   funds_ = roundToEven(credits) + 0.0;  // no negative zero
   if (playerIndex != localIndex) return;
-  char text[32];
-  std::snprintf(text, sizeof text, "%.15G", funds_);
-  frmMain->lblCredits.Caption = std::string(text);
+  frmMain->lblCredits.Caption = numberText(funds_);
 }
 
 }  // namespace kelvora

@@ -111,6 +111,19 @@ class clsPlayer {
 
  private:
   void sendPosition();
+  // The store (store/store.cpp).
+  /// Fills the store's window in; the local player's alone.
+  void populatePowerupsForm();
+  /// Requests to the server; an item is a powerup slot.
+  void purchaseItem(std::int16_t item);
+  void sellItem(std::int16_t item);
+  /// The server's answers: the item's new stock and the new balance. A purchase of an item outside 0 to 5 is
+  /// RuntimeFault once the balance has been set.
+  void purchaseAccepted(std::int16_t item, std::int16_t stock, double funds);
+  void sellItemAccepted(std::int16_t item, std::int16_t stock, double funds);
+  /// Brings the store's window up to date, if it is visible, with a text at its bottom.
+  void showStoreStatus(const std::string& text);
+
   void sendVelocity();
   void ageTails();
   void dequeuePosition();

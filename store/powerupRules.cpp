@@ -1,6 +1,6 @@
-#include <array>
 #include <cstddef>
 
+#include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -10,29 +10,15 @@
 #include "network/wire/wireFormat.h"
 #include "platform/backend.h"
 #include "simulation/clsPlayer.h"
+#include "store/powerupTable.h"
 
 namespace kelvora {
 
 namespace {
 
-struct PowerupRule {
-  std::int16_t seconds;      ///< of one activation
-  bool runs;                 ///< `active` is set; the pulse is over at once
-  const char* announcement;  ///< centre message
-  const char* collapse;      ///< behind the player's name at an early end; null for no line
-};
-
-constexpr std::array<PowerupRule, powerupSlotCount> rules{{
-    {15, true, "Shields up", "'s shield has collapsed!!"},
-    {5, true, "Turbo Boost", "'s turbo has shorted out!!"},
-    {5, true, "Charged Tail", "'s charged tails ended abruptly!!"},
-    {5, true, "Extended Tail", "'s long tails ended abruptly!!"},
-    {1, true, "Laser Blast", "'s laser has shorted out!!"},
-    {0, false, "Electro-Magnetic Pulse", nullptr},
-}};
-
 constexpr std::int16_t errorLine = 4;
 constexpr std::int16_t plainLine = 5;
+constexpr std::int16_t firstSound = 3;  // of the powerups, in the order of their slots
 
 bool isSlot(std::int16_t slot) { return 0 <= slot && slot < powerupSlotCount; }
 
@@ -74,16 +60,21 @@ void clsPlayer::activatePowerup(std::int16_t slot) {
     --powerup.count;
   else
     powerup.count = 0;
-  powerup.timeLeft = rules[index].seconds;
-  powerup.active = rules[index].runs;
-  if (playerIndex == -1) modMain::showCentreMessage(rules[index].announcement);
+  powerup.timeLeft = powerupTable[index].seconds;
+  powerup.active = powerupTable[index].runs;
+  if (playerIndex != -1) return;
+  modMain::showCentreMessage(powerupTable[index].announcement);
+  soundMan::playSound(static_cast<std::int16_t>(slot + firstSound));
 }
 
 void clsPlayer::unactivatePowerup(std::int16_t slot) {
   if (!isSlot(slot)) return;
   const std::size_t index = slotIndex(slot);
   powerups[index].active = false;
-  if (rules[index].collapse != nullptr) printChat(name + rules[index].collapse, plainLine);
+  if (powerupTable[index].collapse != nullptr) printChat(name + powerupTable[index].collapse, plainLine);
+  // Quirk Q-180: the powerup's own number, not that of its sound: the end of the turbo silences the bounce and leaves
+  // the turbo's sound running.
+  soundMan::stopSound(slot);
 }
 
 void clsPlayer::tickPowerups() {

@@ -1,9 +1,48 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
+
 namespace kelvora {
 
 /// Powerup slots, numbered as on the wire.
 enum PowerupSlot : int { shieldSlot, turboSlot, chargedTailSlot, extendedTailSlot, laserSlot, pulseSlot };
 inline constexpr int powerupSlotCount = 6;
+
+inline constexpr std::int16_t startCapacity = 10;  ///< powerups that a player can hold, of all kinds together
+inline constexpr double startFunds = 10;           ///< credits
+
+/// One kind of powerup: its rules, and what the store says of it. Client and server read the same rows.
+struct Powerup {
+  const char* name;    ///< in the store
+  std::int16_t price;  ///< credits
+  const char* description;
+  std::int16_t seconds;      ///< of one activation
+  bool runs;                 ///< `active` is set; the pulse is over at once
+  const char* announcement;  ///< centre message
+  const char* collapse;      ///< behind the player's name at an early end; null for no line
+};
+
+inline constexpr std::array<Powerup, powerupSlotCount> powerupTable{{
+    {"Shield", 20,
+     "Protects you from charged tails, lasers, and EMP's for 15 seconds.  Warning: EMP's will disable the shield.", 15,
+     true, "Shields up", "'s shield has collapsed!!"},
+    {"Turbo Boost", 10, "Vastly increases your speed.  Lasts for 5 seconds.", 5, true, "Turbo Boost",
+     "'s turbo has shorted out!!"},
+    {"Charged Tail", 30,
+     "Your tail will be electrically charged.  Any opponents who come in contact with it will perish.  Lasts for 5 "
+     "seconds.",
+     5, true, "Charged Tail", "'s charged tails ended abruptly!!"},
+    {"Extra Long Tail", 20,
+     "Your tail will extend far longer than normal.  This will make it easier to entrap your opponents.  Lasts for 5 "
+     "seconds.",
+     5, true, "Extended Tail", "'s long tails ended abruptly!!"},
+    {"Laser Beam", 20, "A one second beam that will attack anything in it's path.", 1, true, "Laser Blast",
+     "'s laser has shorted out!!"},
+    {"EMP", 70,
+     "An electromagnetic pulse that will attack all near you.  Warning: You will be affected as well, you must be "
+     "shielded when you use this!",
+     0, false, "Electro-Magnetic Pulse", nullptr},
+}};
 
 }  // namespace kelvora

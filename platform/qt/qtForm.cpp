@@ -77,6 +77,12 @@ void FormWindow::resizeClient(QSize client) {
   }
 }
 
+bool FormWindow::event(QEvent* event) {
+  const bool handled = QMainWindow::event(event);
+  if (event->type() == QEvent::WindowActivate) raiseEvent(form_, form_.Activate);
+  return handled;
+}
+
 void FormWindow::closeEvent(QCloseEvent* event) {
   event->ignore();  // the unload hides the window
   if (takesEvents(form_)) runHandler([this] { form_.closedByUser(); });

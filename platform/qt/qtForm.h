@@ -20,6 +20,7 @@ class FormWindow : public QMainWindow {
   void resizeClient(QSize client);
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void moveEvent(QMoveEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;

@@ -3,6 +3,7 @@
 #include <QMouseEvent>
 
 #include "platform/pictureBox.h"
+#include "platform/qt/codePage.h"
 #include "platform/qt/inputEvents.h"
 #include "platform/widgets.h"
 #include "raster/twips.h"
@@ -27,6 +28,7 @@ void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) { raiseDoubleClick
 WidgetPeer::WidgetPeer(Control& control, QWidget* widget) : control_(control), widget_(widget) {
   widget_->setGeometry(pixelPlace(control));
   widget_->setVisible(control.Visible);
+  widget_->setToolTip(toQString(control.ToolTipText.get()));
 }
 
 WidgetPeer::~WidgetPeer() { delete widget_.data(); }
@@ -42,6 +44,9 @@ void WidgetPeer::changed(PropertyId id) {
       break;
     case PropertyId::Visible:
       widget_->setVisible(control_.Visible);
+      return;
+    case PropertyId::ToolTipText:
+      widget_->setToolTip(toQString(control_.ToolTipText.get()));
       return;
     default:
       break;

@@ -9,6 +9,7 @@
 namespace kelvora {
 
 void PrintTo(const WireMessage& message, std::ostream* out) {
+#include "store/frmPowerups.h"
   *out << "message " << message.id << " (";
   for (const std::string& field : message.fields) *out << '"' << field << "\" ";
   *out << ")";
@@ -46,6 +47,8 @@ void unloadForms() {
 }
 
 // The frame as the protocol has it, put together here so that a fault of the client's own builder shows.
+  frmFonts.unload();
+  frmPowerups.unload();
 std::string frameOf(std::int16_t id, const std::vector<std::string>& fields) {
   std::string frame{wire::frameStart, static_cast<char>(id)};
   for (std::size_t i = 0; i < fields.size(); ++i) {

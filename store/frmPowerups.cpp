@@ -1,0 +1,65 @@
+#include "store/frmPowerups.h"
+
+#include "base/text.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "platform/backend.h"
+
+namespace kelvora {
+
+FormSlot<FrmPowerups> frmPowerups;
+
+namespace {
+
+constexpr Colour affordable = RGB(255, 255, 255);
+constexpr Colour tooDear = RGB(128, 95, 95);
+constexpr float offsetFromMain = 120;  // twips
+
+}  // namespace
+
+FrmPowerups::FrmPowerups() : Form("Powerups", {.clientWidth = 11370, .clientHeight = 9060, .border = Border::Fixed}) {
+  const std::string assets = applicationPath() + "/assets/";
+  imgBackground.Picture = LoadPicture(assets + "store.png");
+  int tabIndex = 0;
+  for (int i = 0; i < powerupSlotCount; ++i) {
+    const auto item = static_cast<std::int16_t>(i);
+    const auto buy = [item] { modMain::localPlayer.purchaseItem(item); };
+    picPowerup[i].setPicture(LoadPicture(assets + "storeItem" + std::to_string(i) + ".png"));
+    picPowerup[i].ToolTipText = "Click to purchase this item";
+    picPowerup[i].Click = buy;
+    cmdBuy[i].Click = buy;
+    cmdSell[i].Click = [item] { modMain::localPlayer.sellItem(item); };
+    cmdBuy[i].TabIndex = tabIndex++;
+    cmdSell[i].TabIndex = tabIndex++;
+  }
+  cmdDone.TabIndex = tabIndex;
+  cmdDone.Click = [] { frmPowerups.unload(); };
+  Activate = [this] { place(); };
+}
+
+void FrmPowerups::load() { place(); }
+
+void FrmPowerups::place() {
+  Top = frmMain->Top + offsetFromMain;
+  Left = frmMain->Left + offsetFromMain;
+}
+
+void FrmPowerups::init(double funds) {
+  funds_ = funds;
+  lblFunds.Caption = numberText(funds);
+  colourPrices();
+}
+
+void FrmPowerups::have(std::int16_t item, std::int16_t count) {
+  lblCurrentStock[item].Caption = numberText(std::int32_t{count});
+  stock_[static_cast<std::size_t>(item)] = count;
+}
+
+void FrmPowerups::colourPrices() {
+  for (int i = 0; i <= lblItemCost.UBound; ++i) {
+    const bool isTooDear = readNumber(lblFunds.Caption.get()) < readNumber(lblItemCost[i].Caption.get());
+    lblItemCost[i].BackColor = isTooDear ? tooDear : affordable;
+  }
+}
+
+}  // namespace kelvora

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "frontend/theme.h"
+#include "platform/form.h"
+#include "platform/pictureBox.h"
+#include "platform/widgets.h"
+#include "store/powerupTable.h"
+
+namespace kelvora {
+
+/// The store: a row for each powerup with its price and the player's stock. What it shows is a display: the server has
+/// the prices, the balance and the stock. Places are twips in its client area, on the panels of its background picture.
+class FrmPowerups : public Form {
+ public:
+  FrmPowerups();
+  /// Places the window on the main one, as every Activate does.
+  void load() override;
+
+  /// Fills in the balance and colours the prices.
+  void init(double funds);
+  /// Fills in the stock of one item; an item outside 0 to 5 is RuntimeFault.
+  void have(std::int16_t item, std::int16_t count);
+  /// Marks what costs more than the balance on the screen. It can be asked for all the same.
+  void colourPrices();
+
+  Image imgBackground{this, {0, 0, 11415, 9090}};
+
+  Label Label6{this, {8010, 120, 1500, 240}, "Capacity", heading(Alignment::Centre)};
+  Label lblCapacity{this, {8010, 390, 1500, 270}, "0 / 25", balance()};
+  Label lblCredits{this, {9630, 120, 1500, 240}, "Credits", balance()};
+  Label lblFunds{this, {9630, 390, 1500, 270}, "0", balance()};
+
+  Label Label2{this, {360, 780, 2760, 240}, "Item", heading(Alignment::Left)};
+  Label Label3{this, {3300, 780, 1080, 240}, "Cost", heading(Alignment::Centre)};
+  Label Label4{this, {4680, 780, 4860, 240}, "Description", heading(Alignment::Left)};
+  Label Label5{this, {9840, 780, 1080, 240}, "Current", heading(Alignment::Centre)};
+
+  ControlArray<PictureBox, powerupSlotCount> picPowerup{[this](int i) {
+    return PictureBox{this, {360, row(i, 142), 855, 855}};
+  }};
+  ControlArray<Label, powerupSlotCount> lblItemName{[this](int i) {
+    return Label{this,
+                 {1380, row(i, 450), 1800, 255},
+                 ware(i).name,
+                 {.fore = yellow, .transparent = true, .font = panelFontBold}};
+  }};
+  ControlArray<Label, powerupSlotCount> lblItemCost{[this](int i) {
+    return Label{this,
+                 {3300, row(i, 165), 1080, 255},
+                 std::to_string(ware(i).price),
+                 {.back = white, .alignment = Alignment::Centre, .font = panelFontBold}};
+  }};
+  ControlArray<Button, powerupSlotCount> cmdBuy{[this](int i) {
+    return Button{this, {3300, row(i, 510), 1080, 405}, "Buy"};
+  }};
+  ControlArray<Label, powerupSlotCount> lblItemDescription{[this](int i) {
+    return Label{this,
+                 {4680, row(i, 180), 4860, 840},
+                 ware(i).description,
+                 {.fore = white, .transparent = true, .font = panelFont}};
+  }};
+  ControlArray<Label, powerupSlotCount> lblCurrentStock{[this](int i) {
+    return Label{this,
+                 {9840, row(i, 165), 1080, 255},
+                 "0",
+                 {.fore = white, .transparent = true, .alignment = Alignment::Centre, .font = panelFontBold}};
+  }};
+  ControlArray<Button, powerupSlotCount> cmdSell{[this](int i) {
+    return Button{this, {9840, row(i, 510), 1080, 405}, "Sell"};
+  }};
+
+  Label lblWinners{this, {360, 8130, 8940, 660}, "", {.fore = yellow, .transparent = true, .font = panelFontBold}};
+  Button cmdDone{this, {9840, 8250, 1080, 420}, "Done"};
+
+ private:
+  static constexpr float row(int item, float top) { return 1080 + 1140.0F * static_cast<float>(item) + top; }
+  static const Powerup& ware(int item) { return powerupTable[static_cast<std::size_t>(item)]; }
+  static LabelDesign heading(Alignment alignment) {
+    return {.fore = white, .transparent = true, .alignment = alignment, .font = panelFontBold};
+  }
+  static LabelDesign balance() {
+    return {.fore = yellow, .transparent = true, .alignment = Alignment::Centre, .font = chatFont};
+  }
+
+  void place();
+
+  // The screen is read from the labels; these are only kept.
+  double funds_ = 0;
+  std::array<std::int16_t, powerupSlotCount> stock_{};
+};
+
+extern FormSlot<FrmPowerups> frmPowerups;
+
+}  // namespace kelvora
