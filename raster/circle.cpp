@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 
 #include "raster/spans.h"
 #include "raster/surface.h"
@@ -9,9 +11,25 @@
 namespace kelvora {
 namespace {
 
+// Reaches of the rows of the small discs: nearly every circle of the game is a particle of one or two pixels.
+constexpr int largestSmall = 7;
+using Reaches = std::array<std::array<int, largestSmall + 2>, largestSmall + 1>;
+constexpr Reaches smallReaches = [] {
+  Reaches reaches{};
+  for (int radius = 0; radius <= largestSmall; ++radius) {
+    for (int row = 0; row <= largestSmall + 1; ++row) {
+      int reach = -1;
+      while ((reach + 1) * (reach + 1) + row * row <= radius * radius + radius) ++reach;
+      reaches.at(static_cast<std::size_t>(radius)).at(static_cast<std::size_t>(row)) = reach;
+    }
+  }
+  return reaches;
+}();
+
 // How far the disc's row reaches to either side of the centre; -1 above and below the disc.
-int rowReach(std::int64_t limit, std::int64_t row) {
-  const std::int64_t rest = limit - row * row;
+int rowReach(std::int64_t radius, std::int64_t row) {
+  if (radius <= largestSmall) return smallReaches[static_cast<std::size_t>(radius)][static_cast<std::size_t>(row)];
+  const std::int64_t rest = radius * radius + radius - row * row;
   return rest < 0 ? -1 : static_cast<int>(wholeRoot(rest));
 }
 
@@ -22,12 +40,13 @@ void Surface::Circle(float x, float y, float radius, Colour outline) {
   const int centreY = toPixels(y);
   const int reach = toPixels(radius);
   if (reach < 0 || centreX + reach < 0 || centreX - reach >= width_) return;
-  const std::int64_t limit = std::int64_t{reach} * reach + reach;
   const SpanFiller rim(toPixel(outline));
   const SpanFiller inside(toPixel(FillColor));
   const bool isPlain = outline == FillColor;
   const int first = std::max(0, centreY - reach);
   const int last = std::min(height_ - 1, centreY + reach);
+  if (first > last) return;
+  touch(centreX - reach, first, centreX + reach, last);
   for (int row = first; row <= last; ++row) {
     Pixel* const line = pixels_.data() + std::ptrdiff_t{row} * width_;
     const auto fill = [&](const SpanFiller& filler, int left, int right) {
@@ -36,13 +55,13 @@ void Surface::Circle(float x, float y, float radius, Colour outline) {
       if (left <= right) filler.fill(line + left, right - left + 1);
     };
     const std::int64_t distance = std::abs(row - centreY);
-    const int end = rowReach(limit, distance);
+    const int end = rowReach(reach, distance);
     if (isPlain) {
       fill(rim, centreX - end, centreX + end);
       continue;
     }
     // The outline is where the next row outward has ended, and the row's last pixel in any case.
-    const int rimStart = std::min(end, rowReach(limit, distance + 1) + 1);
+    const int rimStart = std::min(end, rowReach(reach, distance + 1) + 1);
     fill(rim, centreX - end, centreX - rimStart);
     fill(inside, centreX - rimStart + 1, centreX + rimStart - 1);
     fill(rim, centreX + rimStart, centreX + end);

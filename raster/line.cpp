@@ -174,6 +174,8 @@ void Surface::Line(float x1, float y1, float x2, float y2) {
   const int below = width - 1 - above;
   if (std::max(from.x, to.x) + below < 0 || std::min(from.x, to.x) - above >= width_) return;
   if (std::max(from.y, to.y) + below < 0 || std::min(from.y, to.y) - above >= height_) return;
+  touch(std::min(from.x, to.x) - above, std::min(from.y, to.y) - above, std::max(from.x, to.x) + below,
+        std::max(from.y, to.y) + below);
   if (width > 1) {
     drawThick(from, to, width, pixel);
     return;

@@ -33,6 +33,8 @@ void Surface::drawGlyph(const Glyph& glyph, PixelPoint corner, Pixel ink) {
   const int endColumn = std::min(glyph.width, width_ - corner.x);
   const int firstRow = std::max(0, -corner.y);
   const int endRow = std::min(glyph.height, height_ - corner.y);
+  if (firstColumn >= endColumn || firstRow >= endRow) return;
+  touch(corner.x + firstColumn, corner.y + firstRow, corner.x + endColumn - 1, corner.y + endRow - 1);
   for (int row = firstRow; row < endRow; ++row) {
     const std::uint8_t* const coverage = glyph.coverage.data() + std::ptrdiff_t{row} * glyph.width;
     Pixel* const line = pixels_.data() + std::ptrdiff_t{corner.y + row} * width_;

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
+#include <random>
+#include <vector>
 
 namespace kelvora {
 namespace {
@@ -66,6 +69,43 @@ TEST(Cls, KnowsNoBackgroundAfterItWasTakenAway) {
   surface.setBackground(nullptr);
   EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>{0});
   EXPECT_EQ(surface.background(), nullptr);
+}
+
+// Only what was drawn on is cleared, so every operation must leave its mark wherever it draws.
+TEST(Cls, ClearsWhateverWasDrawnWherever) {
+  auto sheet = std::make_shared<Picture>(Picture{49, 49, std::vector<Pixel>(49 * 49, 0x123456)});
+  auto background = std::make_shared<Picture>(Picture{100, 50, std::vector<Pixel>(100 * 50, 0x070809)});
+  std::mt19937 draws(3);
+  const auto place = [&draws] { return static_cast<float>(static_cast<int>(draws() % 4500) - 500); };
+  for (const bool withBackground : {false, true}) {
+    Surface surface;
+    surface.resize(203, 131);
+    surface.ForeColor = RGB(1, 2, 3);
+    surface.FillColor = RGB(4, 5, 6);
+    surface.BackColor = RGB(0, 9, 0);
+    if (withBackground) surface.setBackground(background);
+    surface.Cls();
+    const std::vector<Pixel> clear(surface.pixels().begin(), surface.pixels().end());
+    for (int round = 0; round < 2000; ++round) {
+      surface.DrawWidth = round % 65;
+      switch (round % 4) {
+        case 0:
+          surface.Line(place(), place(), place(), place());
+          break;
+        case 1:
+          surface.Circle(place(), place(), place() / 10, RGB(7, 7, 7));
+          break;
+        case 2:
+          surface.PaintPicture(*sheet, place(), place(), 735, 735, 0, 0, SRCCOPY);
+          break;
+        default:
+          surface.PaintPicture(*sheet, place(), place(), 735, 735, place() / 9, 0, SRCPAINT);
+          break;
+      }
+      surface.Cls();
+      ASSERT_TRUE(std::equal(clear.begin(), clear.end(), surface.pixels().begin())) << "round " << round;
+    }
+  }
 }
 
 TEST(Resize, GivesAClearedImage) {
