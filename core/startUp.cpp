@@ -1,3 +1,4 @@
+#include "audio/soundMan.h"
 #include "core/modMain.h"
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
@@ -27,6 +28,11 @@ void startGame() {
   Randomize(Timer());
   fillColourNames();
   fillTips();
+  if (!soundMan::isOnCommandLine("nosound")) soundMan::initAudio();
+  if (!soundMan::isOnCommandLine("nomusic")) {
+    soundMan::startMusic();
+    soundMan::nextMusic();
+  }
   fontMan::initFonts();
   window.Show();
   window.showConnectionState();

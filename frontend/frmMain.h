@@ -118,6 +118,8 @@ class FrmMain : public Form {
   void openConnectDialog();
   void resizeControls();
 
+  /// Starts or ends the music.
+  void clickMusic();
   /// One of the directional line's three items becomes the checked one.
   void checkDirectionalLine(const MenuItem& item);
   /// The settings of Stars and Quarks exclude each other; one of the two is always checked.

@@ -1,3 +1,5 @@
+#include "audio/frmMusic.h"
+#include "audio/soundMan.h"
 #include "base/text.h"
 #include "frontend/frmMain.h"
 #include "network/netMan.h"
@@ -39,7 +41,7 @@ void FrmMain::connectMenu() {
   mnuFileConnect.Click = [this] { openConnectDialog(); };
   mnuFileDisconnect.Click = [] { netMan::disconnectFromServer(); };
   mnuFileExit.Click = [] { endProcess(); };
-  mnuAudioMusic.Click = [this] { clickSwitch(mnuAudioMusic, "audio", "music"); };
+  mnuAudioMusic.Click = [this] { clickMusic(); };
   mnuAudioSfx.Click = [this] { clickSwitch(mnuAudioSfx, "audio", "sfx"); };
   mnuUpdates.Click = [this] { clickSwitch(mnuUpdates, "misc", "updates"); };
   mnuQuarkStars.Click = [this] { clickBackgroundObjects(mnuQuarkStars, mnuQuarkQuarks); };
@@ -47,6 +49,17 @@ void FrmMain::connectMenu() {
   for (MenuItem* item : {&mnuDirLineNever, &mnuDirLineClick, &mnuDirLineAlways}) {
     item->Click = [this, item] { clickDirectionalLine(*item); };
   }
+}
+
+void FrmMain::clickMusic() {
+  mnuAudioMusic.Checked = !mnuAudioMusic.Checked;
+  if (mnuAudioMusic.Checked) {
+    soundMan::startMusic();
+    soundMan::nextMusic();
+  } else {
+    frmMusic.unload();
+  }
+  SaveSetting("audio", "music", booleanText(mnuAudioMusic.Checked));
 }
 
 void FrmMain::checkDirectionalLine(const MenuItem& item) {

@@ -1,5 +1,7 @@
 #include <vector>
 
+#include "audio/frmMusic.h"
+#include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -24,6 +26,8 @@ void listVerbs(const Pieces&) {
   MsgBox("?,playsound,reloadsounds,showmusic,hidemusic,unloadmusic,loadmusic,playmusic,quarktype,showstore");
 }
 
+std::int16_t numberArgument(const Pieces& pieces) { return toInt16(readNumber(argument(pieces))); }
+
 void quarkType(const Pieces& pieces) {
   const std::uint8_t type = toByte(readNumber(argument(pieces)));
   for (double i = 0; i < modMain::particleCount; ++i) {
@@ -33,16 +37,24 @@ void quarkType(const Pieces& pieces) {
   }
 }
 
+void showStore(const Pieces&) { modMain::openStore(); }
+
 struct Verb {
   std::string_view name;
   void (*run)(const Pieces& pieces);
 };
-void showStore(const Pieces&) { modMain::openStore(); }
-
 
 constexpr Verb verbs[] = {
     {"?", listVerbs},
+    {"playsound", [](const Pieces& pieces) { soundMan::playSound(numberArgument(pieces)); }},
+    {"reloadsounds", [](const Pieces&) { soundMan::reloadSounds(); }},
+    {"showmusic", [](const Pieces&) { frmMusic->Show(); }},
+    {"hidemusic", [](const Pieces&) { frmMusic->Hide(); }},
+    {"unloadmusic", [](const Pieces&) { frmMusic.unload(); }},
+    {"loadmusic", [](const Pieces&) { soundMan::startMusic(); }},
+    {"playmusic", [](const Pieces& pieces) { soundMan::playMusic(numberArgument(pieces)); }},
     {"quarktype", quarkType},
+    {"showstore", showStore},
 };
 
 Pieces split(const std::string& command) {
@@ -54,7 +66,6 @@ Pieces split(const std::string& command) {
       pieces.back() += c;
     }
   }
-    {"showstore", showStore},
   return pieces;
 }
 

@@ -12,6 +12,8 @@ namespace kelvora {
 
 class Form;
 class Control;
+class SoundPeer;
+class MusicPeer;
 
 /// Milliseconds; wide enough never to wrap.
 using Tick = std::int64_t;
@@ -40,6 +42,8 @@ class Backend {
   virtual void writeSetting(const std::string& section, const std::string& key, const std::string& value) = 0;
 
   virtual std::unique_ptr<SocketPeer> createSocket(Winsock& socket) = 0;
+  virtual std::unique_ptr<SoundPeer> createSound() = 0;
+  virtual std::unique_ptr<MusicPeer> createMusic() = 0;
   /// Gives the form and everything on it their peers, if the backend has any.
   virtual void realize(Form& form) = 0;
   /// Runs events until the form is no longer visible.

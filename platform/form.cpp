@@ -40,6 +40,7 @@ void Form::closedByUser() {
 
 void retireForm(std::unique_ptr<Form> form) {
   form->unloaded_ = true;
+  form->unloaded();
   form->Hide();
   retiredForms.push_back(std::move(form));
 }

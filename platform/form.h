@@ -36,12 +36,14 @@ class Form : public Control {
   virtual void load() {}
   /// The user closed the window; the form is unloaded when this returns, unless it ended the process.
   virtual void unloading() {}
+  /// Runs when the form has been unloaded, by whomever; it stays in memory for a while.
+  virtual void unloaded() {}
 
   std::function<void()> Resize;
-
-  /// Shows the window. Modal returns when it has been hidden or unloaded; a modal show of a visible form is
   /// The window has got the focus, at its first showing too.
   std::function<void()> Activate;
+
+  /// Shows the window. Modal returns when it has been hidden or unloaded; a modal show of a visible form is
   /// RuntimeFault.
   void Show(Modality modality = Modality::Modeless);
   void Hide();

@@ -13,6 +13,7 @@ namespace kelvora {
 namespace {
 
 constexpr std::int16_t localIndex = -1;
+constexpr std::int16_t captureSound = 0;
 
 }  // namespace
 
@@ -49,8 +50,8 @@ void clsPlayer::setAlive(bool isNowAlive) {
 void clsPlayer::respawn() {
   // Quirk Q-109: the position is not touched: the new life starts where the ghost was.
   alive = true;
-  captures.clear();
   if (playerIndex == localIndex && frmPowerups.isVisible()) frmPowerups.unload();
+  captures.clear();
   PictureBox& strip = frmMain->picCaps[colour];
   strip.Cls();
   strip.Refresh();
@@ -60,6 +61,7 @@ void clsPlayer::respawn() {
 
 void clsPlayer::die() {
   alive = false;
+  if (modMain::isOnScreen(position)) soundMan::playSound(captureSound);
   // Quirk Q-107: one explosion particle for each capture of this life; who has captured nobody leaves none.
   if (captureCount() > 0) modMain::addExplosion(position, captureCount());
 }

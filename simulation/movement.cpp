@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/text.h"
 #include "core/modMain.h"
@@ -17,6 +18,7 @@ constexpr float axisClamp = 300;  // displacement of one frame
 constexpr double turboFactor = 3;
 constexpr float wallInset = 1000;
 constexpr double pi = 3.14159;
+constexpr std::int16_t bounceSound = 1;
 
 float scaled(float component, double factor) { return static_cast<float>(component * factor); }
 
@@ -75,14 +77,20 @@ void steer(Vector& velocity, float speed) {
   }
 }
 
-/// Holds one axis inside the world. The bounds themselves are legal.
-void bounce(float& coordinate, float& speed) {
+void soundBounce(Vector point) {
+  if (modMain::isOnScreen(point)) soundMan::playSound(bounceSound);
+}
+
+/// Holds one axis of a point inside the world; each edge that it crosses is heard. The bounds themselves are legal.
+void bounce(const Vector& point, float& coordinate, float& speed) {
   // Quirk Q-094: a player who flies over the edge lands 1000 units inside it, however small the step.
   if (coordinate < 0) {
+    soundBounce(point);
     speed = std::fabs(speed);
     coordinate = wallInset;
   }
   if (coordinate > modMain::worldSize) {
+    soundBounce(point);
     speed = -std::fabs(speed);
     coordinate = modMain::worldSize - wallInset;
   }
@@ -117,8 +125,8 @@ void clsPlayer::move() {
   }
 
   Vector next{position.x + velocity.x, position.y + velocity.y};
-  bounce(next.x, velocity.x);
-  bounce(next.y, velocity.y);
+  bounce(next, next.x, velocity.x);
+  bounce(next, next.y, velocity.y);
   position = next;
 
   if (reportCounter < positionReportInterval) {

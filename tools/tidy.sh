@@ -14,7 +14,7 @@ fi
 
 stamps=build/tidy
 mkdir -p "$stamps"
-rooms=(app base core frontend network particles platform raster rendering server simulation store)
+rooms=(app audio base core frontend network particles platform raster rendering server simulation store)
 common=$({ cat .clang-tidy; find "${rooms[@]}" -name '*.h' -print0 | sort -z | xargs -0 cat; } | sha256sum)
 
 tidy_one() {

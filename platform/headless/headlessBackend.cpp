@@ -4,6 +4,7 @@
 #include <cassert>
 
 #include "platform/headless/blockGlyphs.h"
+#include "platform/headless/headlessAudio.h"
 #include "platform/headless/headlessScreen.h"
 #include "platform/pictures/pictureFile.h"
 #include "raster/surface.h"
@@ -116,6 +117,10 @@ void HeadlessBackend::writeSetting(const std::string& section, const std::string
 std::unique_ptr<SocketPeer> HeadlessBackend::createSocket(Winsock& socket) {
   return std::make_unique<HeadlessSocket>(screen_, socket);
 }
+
+std::unique_ptr<SoundPeer> HeadlessBackend::createSound() { return std::make_unique<HeadlessSound>(screen_); }
+
+std::unique_ptr<MusicPeer> HeadlessBackend::createMusic() { return std::make_unique<HeadlessMusic>(screen_); }
 
 void HeadlessBackend::realize(Form& form) { givePeers(screen_, form); }
 

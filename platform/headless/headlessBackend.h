@@ -4,11 +4,13 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "base/randomGenerator.h"
+#include "platform/audio.h"
 #include "platform/backend.h"
 #include "platform/headless/headlessSocket.h"
 
@@ -35,6 +37,8 @@ class HeadlessBackend : public Backend {
   std::string path = "/kelvora";  ///< the program's folder
   std::string host = "web.invalid";
   std::map<std::pair<std::string, std::string>, std::string> settings;  ///< by section and key
+  std::set<std::string> missingFiles;  ///< paths of sounds and tracks that are not there
+  int playState = psReady;             ///< of the music player; follows its commands until it is set
   /// Gives the picture of a path in place of the file.
   std::function<PicturePointer(const std::string& path)> pictureSource;
 
@@ -54,6 +58,8 @@ class HeadlessBackend : public Backend {
   std::vector<std::string> modalForms;  ///< captions
   std::vector<std::pair<int, int>> pointerPlacements;
   std::vector<float> seeds;
+  std::vector<std::string> soundCommands;  ///< "bounce.wav play": what each effect's device was told, in order
+  std::vector<std::string> tracks;         ///< paths that the music player was given
   int doEventsCount = 0;
   bool lastMayWait = false;  ///< the argument of the last DoEvents
   /// In order: "read section/key", "write section/key=text", "picture path", "randomize", "show caption",
@@ -80,6 +86,8 @@ class HeadlessBackend : public Backend {
   std::string readSetting(const std::string& section, const std::string& key, const std::string& fallback) override;
   void writeSetting(const std::string& section, const std::string& key, const std::string& value) override;
   std::unique_ptr<SocketPeer> createSocket(Winsock& socket) override;
+  std::unique_ptr<SoundPeer> createSound() override;
+  std::unique_ptr<MusicPeer> createMusic() override;
   void realize(Form& form) override;
   void runModal(Form& form) override;
   std::string webHost() override { return host; }

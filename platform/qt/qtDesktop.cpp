@@ -12,6 +12,7 @@
 #include "platform/pictures/pictureFile.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/handlerCall.h"
+#include "platform/qt/mixedAudio.h"
 #include "platform/qt/qtForm.h"
 #include "platform/qt/qtSocket.h"
 #include "platform/qt/widgetPeer.h"
@@ -69,6 +70,10 @@ void QtDesktop::writeSetting(const std::string& section, const std::string& key,
 }
 
 std::unique_ptr<SocketPeer> QtDesktop::createSocket(Winsock& socket) { return std::make_unique<QtSocket>(socket); }
+
+std::unique_ptr<SoundPeer> QtDesktop::createSound() { return std::make_unique<MixedSound>(mixer_); }
+
+std::unique_ptr<MusicPeer> QtDesktop::createMusic() { return std::make_unique<MixedMusic>(mixer_); }
 
 void QtDesktop::realize(Form& form) {
   auto peer = std::make_unique<FormPeer>(form);

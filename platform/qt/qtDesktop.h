@@ -9,6 +9,7 @@
 #include "platform/backend.h"
 #include "platform/qt/framePacer.h"
 #include "platform/qt/qtSettings.h"
+#include "platform/qt/soundMixer.h"
 
 namespace kelvora {
 
@@ -37,6 +38,8 @@ class QtDesktop : public Backend {
   void writeSetting(const std::string& section, const std::string& key, const std::string& value) override;
 
   std::unique_ptr<SocketPeer> createSocket(Winsock& socket) override;
+  std::unique_ptr<SoundPeer> createSound() override;
+  std::unique_ptr<MusicPeer> createMusic() override;
   void realize(Form& form) override;
   void runModal(Form& form) override;
   std::string webHost() override;
@@ -48,6 +51,7 @@ class QtDesktop : public Backend {
   QElapsedTimer sinceStart_;
   RandomGenerator generator_;
   QtSettings settings_;
+  std::shared_ptr<SoundMixer> mixer_ = std::make_shared<SoundMixer>();
   std::optional<FramePacer> pacer_;
   QTimer wakeUp_;
 };

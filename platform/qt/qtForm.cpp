@@ -17,7 +17,7 @@ namespace kelvora {
 
 namespace {
 
-/// The first form of the program; the others stay in front of it.
+/// The first form that the program has shown; the others stay in front of it.
 QPointer<FormWindow> mainWindow;
 
 class ClientArea : public QWidget {
@@ -97,7 +97,6 @@ void FormWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 FormPeer::FormPeer(Form& form) : form_(form), window_(std::make_unique<FormWindow>(form, *this)) {
-  if (!mainWindow) mainWindow = window_.get();
   placedByGame_ = form.Left != 0.0F || form.Top != 0.0F;
   realizeMenu(form, *window_);
   window_->resizeClient(clientSize(form));
@@ -131,6 +130,7 @@ void FormPeer::takeFocus() {
 }
 
 void FormPeer::showWindow() {
+  if (!mainWindow) mainWindow = window_.get();
   const bool modal = form_.modality() == Form::Modality::Modal;
   window_->setWindowModality(modal ? Qt::ApplicationModal : Qt::NonModal);
   if (!window_->isVisible() && window_.get() != mainWindow) {

@@ -12,8 +12,8 @@ namespace {
 
 /// What each room may include besides itself: other rooms, or single headers of them. docs/architecture.md shows the
 /// same rows. The rooms of the game call each other freely.
-const std::set<std::string> game = {"core",     "simulation",   "particles", "network", "rendering", "store",
-                                    "frontend", "network/wire", "platform",  "raster",  "base"};
+const std::set<std::string> game = {"core",  "simulation", "particles",    "network",  "rendering", "store",
+                                    "audio", "frontend",   "network/wire", "platform", "raster",    "base"};
 const std::map<std::string, std::set<std::string>> mayInclude = {
     {"base", {}},
     {"raster", {"base"}},
@@ -28,6 +28,7 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"network/wire", {"base"}},
     {"rendering", game},
     {"store", game},
+    {"audio", game},
     {"frontend", game},
     {"server", {"network/wire", "store/powerupTable.h", "base"}},
     {"app", {"core", "server", "network/wire", "platform", "platform/qt", "platform/headless", "raster", "base"}},

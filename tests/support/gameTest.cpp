@@ -2,14 +2,17 @@
 
 #include <ostream>
 
+#include "audio/frmMusic.h"
+#include "audio/frmSound.h"
+#include "audio/soundMan.h"
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
 #include "rendering/frmGfx.h"
+#include "store/frmPowerups.h"
 
 namespace kelvora {
 
 void PrintTo(const WireMessage& message, std::ostream* out) {
-#include "store/frmPowerups.h"
   *out << "message " << message.id << " (";
   for (const std::string& field : message.fields) *out << '"' << field << "\" ";
   *out << ")";
@@ -40,15 +43,17 @@ std::vector<WireMessage> parseFrames(std::string_view bytes) {
 namespace {
 
 void unloadForms() {
+  frmMusic.unload();
+  frmSound.unload();
   frmConnect.unload();
+  frmFonts.unload();
+  frmPowerups.unload();
   frmMain.unload();
   frmGfx.unload();
   releaseUnloadedForms();
 }
 
 // The frame as the protocol has it, put together here so that a fault of the client's own builder shows.
-  frmFonts.unload();
-  frmPowerups.unload();
 std::string frameOf(std::int16_t id, const std::vector<std::string>& fields) {
   std::string frame{wire::frameStart, static_cast<char>(id)};
   for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -66,6 +71,7 @@ GameTest::GameTest() {
   installBackend(&machine);
   modMain::clearWorld();
   netMan::clear();
+  soundMan::clear();
   modMain::fillColourNames();
   modMain::fillTips();
   fontMan::initFonts();

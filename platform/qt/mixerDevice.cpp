@@ -1,0 +1,104 @@
+#include "platform/qt/mixerDevice.h"
+
+#include <SDL.h>
+#include <SDL_mixer.h>
+#include <dlfcn.h>
+
+namespace kelvora {
+
+namespace {
+
+constexpr int sampleRate = 44100;  // of all our files
+constexpr int speakers = 2;
+constexpr int blockSamples = 1024;  // 23 ms: the longest wait for the mixing of a new sound
+
+void ignoreLog(void*, int, SDL_LogPriority, const char*) {}
+void ignoreAlsa(const char*, int, const char*, int, const char*, ...) {}
+
+/// A machine without a sound device is no news for the terminal.
+void keepQuiet() {
+  SDL_LogSetOutputFunction(ignoreLog, nullptr);
+  using Report = void (*)(const char*, int, const char*, int, const char*, ...);
+  using SetReport = int (*)(Report);
+  if (void* found = dlsym(RTLD_DEFAULT, "snd_lib_error_set_handler")) reinterpret_cast<SetReport>(found)(ignoreAlsa);
+}
+
+}  // namespace
+
+MixerDevice::MixerDevice() {
+  keepQuiet();
+  SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  SDL_SetHint(SDL_HINT_APP_NAME, "Kelvora");
+  if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) return;
+  isOpen_ = Mix_OpenAudioDevice(sampleRate, AUDIO_S16SYS, speakers, blockSamples, nullptr, 0) == 0;
+  if (!isOpen_) {
+    SDL_QuitSubSystem(SDL_INIT_AUDIO);
+    return;
+  }
+  Mix_Init(MIX_INIT_MP3);
+  Mix_AllocateChannels(0);
+}
+
+MixerDevice::~MixerDevice() {
+  if (!isOpen_) return;
+  stopMusic();
+  for (int channel = 0; channel < static_cast<int>(effects_.size()); ++channel) freeEffect(channel);
+  Mix_CloseAudio();
+  Mix_Quit();
+  SDL_QuitSubSystem(SDL_INIT_AUDIO);
+}
+
+Mix_Chunk* MixerDevice::effect(int channel) const {
+  const auto index = static_cast<std::size_t>(channel);
+  return index < effects_.size() ? effects_[index] : nullptr;
+}
+
+void MixerDevice::loadEffect(int channel, const std::string& file) {
+  if (!isOpen_) return;
+  freeEffect(channel);
+  const auto index = static_cast<std::size_t>(channel);
+  if (index >= effects_.size()) {
+    effects_.resize(index + 1);
+    Mix_AllocateChannels(channel + 1);
+  }
+  effects_[index] = Mix_LoadWAV(file.c_str());
+}
+
+void MixerDevice::freeEffect(int channel) {
+  if (effect(channel) == nullptr) return;
+  stopEffect(channel);
+  Mix_FreeChunk(effects_[static_cast<std::size_t>(channel)]);
+  effects_[static_cast<std::size_t>(channel)] = nullptr;
+  silence(channel, false);
+}
+
+void MixerDevice::silence(int channel, bool silent) {
+  if (channel < static_cast<int>(effects_.size())) Mix_Volume(channel, silent ? 0 : MIX_MAX_VOLUME);
+}
+
+void MixerDevice::startEffect(int channel) {
+  if (Mix_Chunk* chunk = effect(channel)) Mix_PlayChannel(channel, chunk, 0);
+}
+
+void MixerDevice::stopEffect(int channel) {
+  if (effect(channel) != nullptr) Mix_HaltChannel(channel);
+}
+
+bool MixerDevice::startMusic(const std::string& file) {
+  stopMusic();
+  if (!isOpen_) return false;
+  Mix_Music* music = Mix_LoadMUS(file.c_str());
+  music_ = music;
+  return music != nullptr && Mix_PlayMusic(music, 0) == 0;
+}
+
+void MixerDevice::stopMusic() {
+  if (music_ == nullptr) return;
+  Mix_HaltMusic();
+  Mix_FreeMusic(static_cast<Mix_Music*>(music_));
+  music_ = nullptr;
+}
+
+bool MixerDevice::isMusicPlaying() { return Mix_PlayingMusic() != 0; }
+
+}  // namespace kelvora

@@ -1,0 +1,119 @@
+#include "platform/qt/soundMixer.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "platform/qt/mixerDevice.h"
+
+namespace kelvora {
+
+SoundMixer::~SoundMixer() {
+  {
+    const std::lock_guard lock(mutex_);
+    closing_ = true;
+  }
+  arrived_.notify_one();
+  if (thread_.joinable()) thread_.join();
+}
+
+bool SoundMixer::post(std::function<void(MixerDevice&)> run, Clock::time_point latest) {
+  if (!thread_.joinable()) {
+    try {
+      thread_ = std::thread([this] { work(); });
+    } catch (const std::system_error&) {
+      return false;
+    }
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    commands_.push_back({std::move(run), latest});
+  }
+  arrived_.notify_one();
+  return true;
+}
+
+void SoundMixer::work() {
+  MixerDevice device;
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    arrived_.wait(lock, [this] { return closing_ || !commands_.empty(); });
+    if (closing_) return;
+    const Command command = std::move(commands_.front());
+    commands_.pop_front();
+    lock.unlock();
+    if (Clock::now() <= command.latest) command.run(device);
+    lock.lock();
+  }
+}
+
+int SoundMixer::openEffect(const std::string& file) {
+  const auto free = std::find(channels_.begin(), channels_.end(), false);
+  const int channel = static_cast<int>(free - channels_.begin());
+  if (free == channels_.end()) {
+    channels_.push_back(true);
+  } else {
+    *free = true;
+  }
+  post([channel, file](MixerDevice& device) { device.loadEffect(channel, file); });
+  return channel;
+}
+
+void SoundMixer::closeEffect(int channel) {
+  channels_[static_cast<std::size_t>(channel)] = false;
+  post([channel](MixerDevice& device) { device.freeEffect(channel); });
+}
+
+void SoundMixer::silenceEffect(int channel, bool silent) {
+  post([channel, silent](MixerDevice& device) { device.silence(channel, silent); });
+}
+
+void SoundMixer::startEffect(int channel) {
+  post([channel](MixerDevice& device) { device.startEffect(channel); }, Clock::now() + patience);
+}
+
+void SoundMixer::stopEffect(int channel) {
+  post([channel](MixerDevice& device) { device.stopEffect(channel); });
+}
+
+bool SoundMixer::noteMusic(int track, int state) {
+  const std::lock_guard lock(mutex_);
+  if (track != track_) return false;
+  musicState_ = state;
+  return true;
+}
+
+void SoundMixer::startMusic(const std::string& file) {
+  int track = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    track = ++track_;
+    musicState_ = psTransitioning;
+  }
+  const bool posted = post([this, track, file](MixerDevice& device) {
+    if (!noteMusic(track, psTransitioning)) return;
+    const bool plays = device.startMusic(file);
+    noteMusic(track, plays ? psPlaying : psStopped);
+  });
+  if (!posted) noteMusic(track, psStopped);
+}
+
+void SoundMixer::stopMusic() {
+  {
+    const std::lock_guard lock(mutex_);
+    ++track_;
+    if (musicState_ == psReady) return;
+    musicState_ = psStopped;
+  }
+  post([](MixerDevice& device) { device.stopMusic(); });
+}
+
+int SoundMixer::musicState() const {
+  {
+    const std::lock_guard lock(mutex_);
+    if (musicState_ != psPlaying) return musicState_;
+  }
+  return MixerDevice::isMusicPlaying() ? psPlaying : psStopped;
+}
+
+}  // namespace kelvora

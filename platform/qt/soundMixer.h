@@ -1,0 +1,66 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/audio.h"
+
+namespace kelvora {
+
+class MixerDevice;
+
+/// Hands everything that sounds to a thread of its own, which opens the sound device and commands it: no call waits for
+/// the machine. Neither thread nor device exists before the first file is opened. The game's code runs on none of its
+/// threads.
+class SoundMixer {
+ public:
+  /// An effect that could not be started within this time is left out: late, it would only confuse.
+  static constexpr std::chrono::milliseconds patience{500};
+
+  SoundMixer() = default;
+  ~SoundMixer();
+  SoundMixer(const SoundMixer&) = delete;
+  SoundMixer& operator=(const SoundMixer&) = delete;
+
+  /// Reads the wave file; the channel that it gets is its own until it is closed.
+  int openEffect(const std::string& file);
+  void closeEffect(int channel);
+  void silenceEffect(int channel, bool silent);
+  void startEffect(int channel);
+  void stopEffect(int channel);
+
+  void startMusic(const std::string& file);
+  void stopMusic();
+  /// A PlayState; psTransitioning between the command and the first sound.
+  int musicState() const;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  struct Command {
+    std::function<void(MixerDevice&)> run;
+    Clock::time_point latest;
+  };
+
+  /// False if the machine has no thread left.
+  bool post(std::function<void(MixerDevice&)> run, Clock::time_point latest = Clock::time_point::max());
+  void work();
+  /// Sets what the track is doing, unless another one has been asked for since.
+  bool noteMusic(int track, int state);
+
+  std::vector<bool> channels_;  ///< taken or free
+  mutable std::mutex mutex_;    ///< of everything below; never held while the device is called
+  std::condition_variable arrived_;
+  std::deque<Command> commands_;
+  bool closing_ = false;
+  int track_ = 0;  ///< counts what the music was told
+  int musicState_ = psReady;
+  std::thread thread_;
+};
+
+}  // namespace kelvora
