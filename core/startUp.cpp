@@ -3,6 +3,7 @@
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
 #include "frontend/frmMain.h"
+#include "frontend/updateCheck.h"
 #include "platform/backend.h"
 
 namespace kelvora::modMain {
@@ -37,6 +38,7 @@ void startGame() {
   window.Show();
   window.showConnectionState();
   window.setButtonsState(false);
+  if (window.mnuUpdates.Checked) updateCheck::checkForUpdates();
   showStartLogo();
   frmConnect->Show();
   mainLoop();

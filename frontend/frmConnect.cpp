@@ -4,6 +4,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "frontend/frmGameFind.h"
 #include "frontend/frmMain.h"
 #include "network/netMan.h"
 #include "platform/backend.h"
@@ -44,6 +45,7 @@ FrmConnect::FrmConnect()
 
   lblShapeSelect.MouseDown = [this](int, int, float X, float Y) { colourRowMouseDown(X, Y); };
   cmdConnect.Click = [this] { cmdConnect_Click(); };
+  cmdGetList.Click = [] { frmGameFind->Show(Modality::Modal); };
   cmdCancel.Click = [] { frmConnect.unload(); };
 }
 

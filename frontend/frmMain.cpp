@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "core/modMain.h"
 #include "frontend/frmConnect.h"
+#include "frontend/updateCheck.h"
 #include "network/netMan.h"
 #include "platform/backend.h"
 #include "rendering/frmGfx.h"
@@ -93,6 +94,9 @@ void FrmMain::connectSocket() {
     showConnectionState();
   };
   sock.onDataArrival = [this] { readSocket(); };
+  sockUpdates.onConnect = [] { updateCheck::connected(); };
+  sockUpdates.onDataArrival = [] { updateCheck::dataArrived(); };
+  sockUpdates.onClose = [] { updateCheck::closedByHost(); };
 }
 
 void FrmMain::readSocket() {

@@ -76,6 +76,7 @@ class FrmMain : public Form {
 
   Winsock sock;
   Winsock sockUpdates;
+  std::string updateBuffer;  ///< what the update check has received so far
 
   MenuItem mnuFile{this, "File"};
   MenuItem mnuFileConnect{&mnuFile, "Connect to server"};

@@ -28,6 +28,8 @@ enum class PropertyId : std::uint8_t {
   Value,
   Interval,
   ToolTipText,
+  Cells,
+  CurrentCell,
 };
 
 class Control;

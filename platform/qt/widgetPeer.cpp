@@ -2,6 +2,8 @@
 
 #include <QMouseEvent>
 
+#include "platform/checkBox.h"
+#include "platform/grid.h"
 #include "platform/pictureBox.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/inputEvents.h"
@@ -85,7 +87,8 @@ void realizeChildren(Control& container, QWidget* parent) {
     [[maybe_unused]] const bool isWidget = realizeAs<Label>(*child, parent) || realizeAs<TextBox>(*child, parent) ||
                                            realizeAs<Button>(*child, parent) || realizeAs<Frame>(*child, parent) ||
                                            realizeAs<Image>(*child, parent) || realizeAs<Shape>(*child, parent) ||
-                                           realizeAs<PictureBox>(*child, parent);
+                                           realizeAs<PictureBox>(*child, parent) || realizeAs<CheckBox>(*child, parent) ||
+                                           realizeAs<Grid>(*child, parent);
   }
 }
 

@@ -10,7 +10,9 @@
 namespace kelvora {
 
 class Button;
+class CheckBox;
 class Frame;
+class Grid;
 class Image;
 class IntervalTimer;
 class Label;
@@ -66,6 +68,8 @@ std::unique_ptr<WidgetPeer> makePeer(Button& button, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(Frame& frame, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(Image& image, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(Shape& shape, QWidget* parent);
+std::unique_ptr<WidgetPeer> makePeer(CheckBox& box, QWidget* parent);
+std::unique_ptr<WidgetPeer> makePeer(Grid& grid, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(PictureBox& pictureBox, QWidget* parent);
 std::unique_ptr<Peer> makePeer(IntervalTimer& timer);
 

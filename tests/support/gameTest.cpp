@@ -7,6 +7,8 @@
 #include "audio/soundMan.h"
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
+#include "frontend/frmGameFind.h"
+#include "frontend/updateCheck.h"
 #include "rendering/frmGfx.h"
 #include "store/frmPowerups.h"
 
@@ -45,6 +47,7 @@ namespace {
 void unloadForms() {
   frmMusic.unload();
   frmSound.unload();
+  frmGameFind.unload();
   frmConnect.unload();
   frmFonts.unload();
   frmPowerups.unload();
@@ -71,6 +74,7 @@ GameTest::GameTest() {
   installBackend(&machine);
   modMain::clearWorld();
   netMan::clear();
+  updateCheck::clear();
   soundMan::clear();
   modMain::fillColourNames();
   modMain::fillTips();

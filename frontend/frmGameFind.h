@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/checkBox.h"
+#include "platform/form.h"
+#include "platform/grid.h"
+#include "platform/widgets.h"
+#include "platform/winsock.h"
+
+namespace kelvora {
+
+/// One server of the published list.
+struct hostEntry {
+  std::string address;
+  std::int16_t port = 0;
+  bool passwordRequired = false;
+  std::string notes;
+  std::int16_t players = 0;
+  std::int16_t maxPlayers = 0;
+};
+
+/// Lists the servers that have published themselves on the web host, and connects to the one that is double-clicked.
+/// Places are twips in its client area.
+class FrmGameFind : public Form {
+ public:
+  FrmGameFind();
+  /// Starts the first fetch.
+  void load() override;
+  /// A fetch that is under way is given up.
+  void unloaded() override;
+
+  std::int16_t hostCount = 0;
+  std::vector<hostEntry> hosts = std::vector<hostEntry>(1);  ///< from 1 to hostCount; element 0 stays empty
+  std::string hostBuffer;                                    ///< answer received so far, at most `longestAnswer` bytes
+
+  Label lblHeader{this, {120, 120, 5055, 255}, "", {.systemColours = true}};
+  Button cmdRefresh{this, {5340, 120, 1455, 255}, "Refresh"};
+  CheckBox chkPassword{this, {6840, 120, 2535, 255}, "Include password protected", 0};
+  CheckBox chkEmpty{this, {6840, 420, 2535, 255}, "Include empty hosts", 1};
+  CheckBox chkFull{this, {6840, 720, 2535, 255}, "Include full hosts", 0};
+  Grid grid{this, {60, 1080, 9435, 4815}};
+  Label lblStatus{this, {60, 5940, 9375, 315}, "", {.systemColours = true}};
+
+  Winsock websock;
+
+  /// Starts a new fetch; one that is under way is given up.
+  void requestHostList();
+  /// Reads `hostBuffer` into `hosts` and shows them. A number that does not fit, a password flag that is no number and
+  /// a record too many are RuntimeFault.
+  void parseHostList();
+  void initGrid();
+  void fillGrid();
+
+ private:
+  void sendRequest();
+  void readAnswer();
+  void takeField(hostEntry& host, int fieldIndex, const std::string& text);
+  void connectToChosen();
+};
+
+extern FormSlot<FrmGameFind> frmGameFind;
+
+}  // namespace kelvora

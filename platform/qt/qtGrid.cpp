@@ -1,0 +1,178 @@
+#include <QAbstractTableModel>
+#include <QFontMetrics>
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QTableView>
+#include <QTimer>
+
+#include "platform/grid.h"
+#include "platform/qt/codePage.h"
+#include "platform/qt/handlerCall.h"
+#include "platform/qt/qtFonts.h"
+#include "platform/qt/widgetPeer.h"
+#include "raster/twips.h"
+
+namespace kelvora {
+
+namespace {
+
+/// Control characters would break a cell into lines.
+QString cellText(const std::string& text) {
+  QString line = toQString(text);
+  for (QChar& character : line) {
+    if (character.unicode() < u' ') character = u' ';
+  }
+  return line;
+}
+
+Qt::Alignment toQAlignment(int alignment) {
+  constexpr Qt::Alignment across[] = {Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight};
+  constexpr Qt::Alignment down[] = {Qt::AlignTop, Qt::AlignVCenter, Qt::AlignBottom};
+  constexpr int asTheTextLies = 9;
+  if (alignment == asTheTextLies) return Qt::AlignLeft | Qt::AlignVCenter;
+  return across[alignment / 3] | down[alignment % 3];
+}
+
+/// The grid's cells as the view saw them last: the fixed row is the view's heading, the others are its rows.
+class GridModel : public QAbstractTableModel {
+ public:
+  GridModel(const Grid& grid, QObject* parent) : QAbstractTableModel(parent), grid_(grid) {}
+
+  void reload() {
+    beginResetModel();
+    rows_ = grid_.Rows;
+    columns_ = grid_.Cols;
+    fixedRows_ = grid_.FixedRows;
+    endResetModel();
+  }
+
+  int fixedRows() const { return fixedRows_; }
+  int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : rows_ - fixedRows_; }
+  int columnCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : columns_; }
+
+  QVariant data(const QModelIndex& index, int role) const override {
+    const int row = index.row() + fixedRows_;
+    if (index.column() < grid_.FixedCols && role == Qt::BackgroundRole) return QPalette().brush(QPalette::Button);
+    return cell(row, index.column(), role);
+  }
+
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
+    return orientation == Qt::Horizontal && fixedRows_ > 0 ? cell(0, section, role) : QVariant();
+  }
+
+ private:
+  /// The grid may have changed since the view has asked how large it is.
+  QVariant cell(int row, int column, int role) const {
+    if (row >= grid_.Rows || column >= grid_.Cols) return {};
+    if (role == Qt::DisplayRole) return cellText(grid_.TextMatrix(row, column));
+    if (role == Qt::TextAlignmentRole) return QVariant(toQAlignment(grid_.ColAlignment(column)));
+    return {};
+  }
+
+  const Grid& grid_;
+  int rows_ = 0;
+  int columns_ = 0;
+  int fixedRows_ = 0;
+};
+
+class TableView : public QTableView {
+ public:
+  TableView(Grid& grid, QWidget* parent) : QTableView(parent), grid_(grid), model_(new GridModel(grid, this)) {
+    setFont(toQFont(FontSpec{}));
+    setFocusPolicy(grid.TabIndex >= 0 ? Qt::StrongFocus : Qt::ClickFocus);
+    setTabKeyNavigation(false);
+    setEditTriggers(NoEditTriggers);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setHorizontalScrollMode(ScrollPerPixel);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(1);
+    verticalHeader()->setDefaultSectionSize(QFontMetrics(font()).height() + rowMargin);
+    horizontalHeader()->setFont(font());
+    horizontalHeader()->setMinimumSectionSize(1);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->viewport()->installEventFilter(this);
+    setModel(model_);
+    reload();
+  }
+
+  /// Shows the grid at the next turn of the event loop, however many changes are made until then.
+  void reloadSoon() {
+    if (isReloadQueued_) return;
+    isReloadQueued_ = true;
+    QTimer::singleShot(0, this, [this] { reload(); });
+  }
+
+  void showCurrentCell() {
+    if (isReloadQueued_) return;
+    const QModelIndex cell = model_->index(grid_.Row - model_->fixedRows(), grid_.Col);
+    isShowing_ = true;
+    setCurrentIndex(cell);
+    isShowing_ = false;
+  }
+
+ protected:
+  void currentChanged(const QModelIndex& current, const QModelIndex& previous) override {
+    QTableView::currentChanged(current, previous);
+    if (!isShowing_ && !isReloadQueued_ && current.isValid()) {
+      grid_.adoptCell(current.row() + model_->fixedRows(), current.column());
+    }
+  }
+
+  void mouseDoubleClickEvent(QMouseEvent* event) override { raiseDoubleClickOf(*event); }
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (watched == horizontalHeader()->viewport() && event->type() == QEvent::MouseButtonDblClick) {
+      raiseDoubleClickOf(static_cast<const QMouseEvent&>(*event));
+      return true;
+    }
+    return QTableView::eventFilter(watched, event);
+  }
+
+ private:
+  static constexpr int rowMargin = 6;  // pixels
+
+  void raiseDoubleClickOf(const QMouseEvent& event) {
+    if (event.button() == Qt::LeftButton) raiseEvent(grid_, grid_.DblClick);
+  }
+
+  void reload() {
+    isReloadQueued_ = false;
+    isShowing_ = true;
+    model_->reload();
+    isShowing_ = false;
+    horizontalHeader()->setVisible(grid_.FixedRows > 0);
+    for (int column = 0; column < grid_.Cols; ++column) setColumnWidth(column, toPixels(grid_.ColWidth(column)));
+    showCurrentCell();
+  }
+
+  Grid& grid_;
+  GridModel* model_;
+  bool isReloadQueued_ = false;
+  bool isShowing_ = false;
+};
+
+class GridPeer : public WidgetPeer {
+ public:
+  GridPeer(Grid& grid, QWidget* parent) : GridPeer(grid, new TableView(grid, parent)) {}
+
+ protected:
+  void show(PropertyId id) override {
+    if (id == PropertyId::Cells) view_->reloadSoon();
+    if (id == PropertyId::CurrentCell) view_->showCurrentCell();
+  }
+
+ private:
+  GridPeer(Grid& grid, TableView* view) : WidgetPeer(grid, view), view_(view) {}
+
+  TableView* view_;
+};
+
+}  // namespace
+
+std::unique_ptr<WidgetPeer> makePeer(Grid& grid, QWidget* parent) { return std::make_unique<GridPeer>(grid, parent); }
+
+}  // namespace kelvora
