@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -48,6 +49,8 @@ void latencyReport(Fields f) {
 void storeDenied(Fields f) {
   if (!frmPowerups.isVisible()) return;
   resumeNext([&] { frmPowerups->lblWinners.Caption = f.text(0); });
+  constexpr std::int16_t errorSound = 2;
+  soundMan::playSound(errorSound);
 }
 
 // Quirk Q-067: a row reads all its fields before it acts, so that a message with too few of them, or with one number

@@ -29,52 +29,52 @@ class FrmPowerups : public Form {
 
   Image imgBackground{this, {0, 0, 11415, 9090}};
 
-  Label Label6{this, {8010, 120, 1500, 240}, "Capacity", heading(Alignment::Centre)};
-  Label lblCapacity{this, {8010, 390, 1500, 270}, "0 / 25", balance()};
-  Label lblCredits{this, {9630, 120, 1500, 240}, "Credits", balance()};
-  Label lblFunds{this, {9630, 390, 1500, 270}, "0", balance()};
+  Label Label6{this, {8010, 120, 1500, 255}, "Capacity", total(white)};
+  Label lblCapacity{this, {8010, 375, 1500, 270}, "0 / 25", total(yellow)};
+  Label lblCredits{this, {9630, 120, 1500, 255}, "Credits", total(white)};
+  Label lblFunds{this, {9630, 375, 1500, 270}, "0", total(yellow)};
 
-  Label Label2{this, {360, 780, 2760, 240}, "Item", heading(Alignment::Left)};
+  Label Label2{this, {300, 780, 2760, 240}, "Item", heading(Alignment::Left)};
   Label Label3{this, {3300, 780, 1080, 240}, "Cost", heading(Alignment::Centre)};
   Label Label4{this, {4680, 780, 4860, 240}, "Description", heading(Alignment::Left)};
   Label Label5{this, {9840, 780, 1080, 240}, "Current", heading(Alignment::Centre)};
 
   ControlArray<PictureBox, powerupSlotCount> picPowerup{[this](int i) {
-    return PictureBox{this, {360, row(i, 142), 855, 855}};
+    return PictureBox{this, {300, row(i, 105), 855, 855}};
   }};
   ControlArray<Label, powerupSlotCount> lblItemName{[this](int i) {
     return Label{this,
-                 {1380, row(i, 450), 1800, 255},
+                 {1350, row(i, 405), 1800, 255},
                  ware(i).name,
                  {.fore = yellow, .transparent = true, .font = panelFontBold}};
   }};
   ControlArray<Label, powerupSlotCount> lblItemCost{[this](int i) {
     return Label{this,
-                 {3300, row(i, 165), 1080, 255},
+                 {3300, row(i, 120), 1080, 255},
                  std::to_string(ware(i).price),
                  {.back = white, .alignment = Alignment::Centre, .font = panelFontBold}};
   }};
   ControlArray<Button, powerupSlotCount> cmdBuy{[this](int i) {
-    return Button{this, {3300, row(i, 510), 1080, 405}, "Buy"};
+    return Button{this, {3300, row(i, 480), 1080, 450}, "Buy"};
   }};
   ControlArray<Label, powerupSlotCount> lblItemDescription{[this](int i) {
     return Label{this,
-                 {4680, row(i, 180), 4860, 840},
+                 {4680, row(i, 195), 4860, 825},
                  ware(i).description,
                  {.fore = white, .transparent = true, .font = panelFont}};
   }};
   ControlArray<Label, powerupSlotCount> lblCurrentStock{[this](int i) {
     return Label{this,
-                 {9840, row(i, 165), 1080, 255},
+                 {9840, row(i, 120), 1080, 255},
                  "0",
                  {.fore = white, .transparent = true, .alignment = Alignment::Centre, .font = panelFontBold}};
   }};
   ControlArray<Button, powerupSlotCount> cmdSell{[this](int i) {
-    return Button{this, {9840, row(i, 510), 1080, 405}, "Sell"};
+    return Button{this, {9840, row(i, 480), 1080, 450}, "Sell"};
   }};
 
-  Label lblWinners{this, {360, 8130, 8940, 660}, "", {.fore = yellow, .transparent = true, .font = panelFontBold}};
-  Button cmdDone{this, {9840, 8250, 1080, 420}, "Done"};
+  Label lblWinners{this, {300, 8160, 9240, 690}, "", {.fore = yellow, .transparent = true, .font = panelFontBold}};
+  Button cmdDone{this, {9840, 8250, 1080, 480}, "Done"};
 
  private:
   static constexpr float row(int item, float top) { return 1080 + 1140.0F * static_cast<float>(item) + top; }
@@ -82,8 +82,8 @@ class FrmPowerups : public Form {
   static LabelDesign heading(Alignment alignment) {
     return {.fore = white, .transparent = true, .alignment = alignment, .font = panelFontBold};
   }
-  static LabelDesign balance() {
-    return {.fore = yellow, .transparent = true, .alignment = Alignment::Centre, .font = chatFont};
+  static LabelDesign total(Colour colour) {
+    return {.fore = colour, .transparent = true, .alignment = Alignment::Centre, .font = chatFont};
   }
 
   void place();

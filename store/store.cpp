@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/text.h"
 #include "core/modMain.h"
@@ -16,6 +17,8 @@ namespace kelvora {
 namespace {
 
 constexpr std::int16_t serverLine = 3;
+constexpr std::int16_t shoppingMusic = 0;
+constexpr std::int16_t errorSound = 2;
 
 bool isSlot(std::int16_t item) { return 0 <= item && item < powerupSlotCount; }
 
@@ -25,6 +28,7 @@ void modMain::openStore() {
   frmPowerups->lblWinners.Caption = roundMessage;
   localPlayer.populatePowerupsForm();
   frmPowerups->Show();
+  soundMan::playMusic(shoppingMusic);
 }
 
 void clsPlayer::populatePowerupsForm() {
@@ -42,6 +46,7 @@ void clsPlayer::purchaseItem(std::int16_t item) {
     return;
   }
   showStoreStatus("Cannot purchase powerup, you have no where to store it.  Check your capacity, consider selling.");
+  soundMan::playSound(errorSound);
 }
 
 void clsPlayer::sellItem(std::int16_t item) {

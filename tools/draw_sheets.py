@@ -7,7 +7,7 @@ import sys
 
 sys.dont_write_bytecode = True  # the source tree holds sources only
 
-from sheets import icons, logo, panel, players, pointers
+from sheets import backdrop, icons, logo, panel, players, pointers
 from sheets.paint import save
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -28,6 +28,7 @@ def sheets():
         panel.null,
         icons.action_icons,
         icons.store_pictures,
+        backdrop.backdrop,
     ]
     result = {}
     for drawing in drawings:

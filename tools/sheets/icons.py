@@ -3,7 +3,7 @@
 import numpy as np
 
 from . import palette, shapes
-from .paint import Layer, cut, matte_picture, noise, smooth
+from .paint import Layer, cut, matte_picture, smooth
 from .players import gloss, orb
 
 ACCENTS = [
@@ -168,15 +168,5 @@ def action_icons():
 
 
 def store_pictures():
-    """The item pictures of the store window and its backdrop, a quiet star field."""
-    sheets = {f"storeItem{slot}": drawn(slot, 57, 57).picture() for slot in range(6)}
-    layer = Layer(761, 606, 1)
-    mist = np.clip(noise(layer.x / 190, layer.y / 190, 5, 4), 0, 2)
-    layer.add(mist * 0.02, palette.rgb(60, 90, 255))
-    layer.add(np.clip(noise(layer.x / 150 + 9, layer.y / 150 + 4, 6, 4), 0, 2) * 0.012, palette.rgb(200, 60, 255))
-    sheets["store"] = layer.picture()
-    random = np.random.RandomState(8)
-    for _ in range(420):
-        x, y = random.randint(0, 761), random.randint(0, 606)
-        sheets["store"][y, x] = np.maximum(sheets["store"][y, x], int(20 + 120 * random.uniform() ** 3))
-    return sheets
+    """The item pictures of the store window."""
+    return {f"storeItem{slot}": drawn(slot, 57, 57).picture() for slot in range(6)}
