@@ -1,9 +1,12 @@
 #include "frontend/clsFont.h"
 
 #include <cstddef>
+#include <iterator>
 
+#include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "frontend/frmFonts.h"
 #include "platform/backend.h"
 
 namespace kelvora {
@@ -32,12 +35,23 @@ void clsFont::init(std::int16_t newPurpose) {
 }
 
 void clsFont::loadSettings() {
+  if (purpose < 0 || static_cast<std::size_t>(purpose) >= std::size(defaultColours)) raiseSubscriptOutOfRange();
   const Colour fallback = defaultColours[static_cast<std::size_t>(purpose)];
   size = toInt16(strictNumber(GetSetting(section, key("size"), "9")));
   red = readChannel(key("colorR"), fallback.red);
   green = readChannel(key("colorG"), fallback.green);
   blue = readChannel(key("colorB"), fallback.blue);
+  // Quirk Q-141: a family can stand in the store, but nobody uses it and the dialog has no choice of it.
   family = GetSetting(section, key("family"), "Comic Sans MS");
+}
+
+void clsFont::showToForm() {
+  if (purpose < 0 || purpose > decltype(FrmFonts::sldSize)::UBound) return;
+  FrmFonts& form = *frmFonts;
+  form.lblFontColor[purpose].BackColor = getColour();
+  form.sldSize[purpose].Value = size;
+  form.lblFontDemo[purpose].FontSize = size;
+  form.lblFontDemo[purpose].ForeColor = getColour();
 }
 
 void clsFont::setColour(std::uint8_t channel, std::uint8_t value) {
@@ -59,11 +73,13 @@ void clsFont::setColour(std::uint8_t channel, std::uint8_t value) {
       return;
   }
   SaveSetting(section, key(name), numberText(std::int32_t{value}));
+  if (frmFonts.isVisible()) showToForm();
 }
 
 void clsFont::updateSize(std::int16_t newSize) {
   size = newSize;
   SaveSetting(section, key("size"), numberText(std::int32_t{size}));
+  if (frmFonts.isVisible()) showToForm();
 }
 
 std::string clsFont::key(const char* name) const { return numberText(std::int32_t{purpose}) + name; }

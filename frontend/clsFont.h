@@ -10,13 +10,15 @@ namespace kelvora {
 /// Colour and size of one purpose of text, kept in the settings store.
 class clsFont {
  public:
-  /// Takes up the purpose, 0 to 4, and reads its settings.
+  /// Takes up the purpose, 0 to 4, and reads its settings; any other has no defaults and is RuntimeFault.
   void init(std::int16_t purpose);
   /// A stored value that is no number, or that is out of range, is RuntimeFault.
   void loadSettings();
-  /// Channel 0 red, 1 green, 2 blue; any other changes nothing. Saved at once.
+  /// Brings this purpose's row of the dialog up to date. Loads the dialog.
+  void showToForm();
+  /// Channel 0 red, 1 green, 2 blue; any other changes nothing. Saved and shown at once.
   void setColour(std::uint8_t channel, std::uint8_t value);
-  /// Points. Saved at once.
+  /// Points. Saved and shown at once.
   void updateSize(std::int16_t size);
   Colour getColour() const { return {red, green, blue}; }
   std::int16_t getSize() const { return size; }

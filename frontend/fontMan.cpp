@@ -29,6 +29,10 @@ void setFontSize(std::int16_t purpose, std::int16_t size) {
   if (isPurpose(purpose)) fontOf(purpose).updateSize(size);
 }
 
+void showFontsToForm() {
+  for (clsFont& font : fonts) font.showToForm();
+}
+
 Colour getFontColour(std::int16_t type) {
   if (type >= purposeCount) return RGB(255, 255, 255);
   return isPurpose(type) ? fontOf(type).getColour() : Colour{};

@@ -30,6 +30,8 @@ void initFonts();
 /// A purpose outside 0 to 4 is ignored.
 void setFontColour(std::int16_t purpose, std::uint8_t channel, std::uint8_t value);
 void setFontSize(std::int16_t purpose, std::int16_t size);
+/// Brings the whole dialog up to date. Loads it.
+void showFontsToForm();
 /// Of a line type: white and 0 from type 5 on, black and 0 below type 0.
 Colour getFontColour(std::int16_t type);
 std::int16_t getFontSize(std::int16_t type);

@@ -1,6 +1,7 @@
 #include "audio/frmMusic.h"
 #include "audio/soundMan.h"
 #include "base/text.h"
+#include "frontend/frmFonts.h"
 #include "frontend/frmMain.h"
 #include "network/netMan.h"
 #include "platform/backend.h"
@@ -43,6 +44,7 @@ void FrmMain::connectMenu() {
   mnuFileExit.Click = [] { endProcess(); };
   mnuAudioMusic.Click = [this] { clickMusic(); };
   mnuAudioSfx.Click = [this] { clickSwitch(mnuAudioSfx, "audio", "sfx"); };
+  mnuFonts.Click = [] { frmFonts->Show(); };
   mnuUpdates.Click = [this] { clickSwitch(mnuUpdates, "misc", "updates"); };
   mnuQuarkStars.Click = [this] { clickBackgroundObjects(mnuQuarkStars, mnuQuarkQuarks); };
   mnuQuarkQuarks.Click = [this] { clickBackgroundObjects(mnuQuarkQuarks, mnuQuarkStars); };

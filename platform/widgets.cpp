@@ -1,5 +1,6 @@
 #include "platform/widgets.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kelvora {
@@ -33,6 +34,14 @@ Shape::Shape(Control* container, Place place, Colour fill)
       BorderColor(*this, PropertyId::BorderColor),
       BorderStyle(*this, PropertyId::BorderStyle, 1),
       BorderWidth(*this, PropertyId::BorderWidth, 1) {}
+
+Slider::Slider(Control* container, Place place, int min, int max)
+    : Control(container, place), Min(min), Max(max), Value(*this) {}
+
+Slider::Position& Slider::Position::operator=(int value) {
+  Property::operator=(std::clamp(value, slider_.Min, slider_.Max));
+  return *this;
+}
 
 IntervalTimer::IntervalTimer(Control* container, int intervalMs)
     : Control(container, {}),

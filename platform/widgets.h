@@ -89,6 +89,30 @@ class Shape : public Control {
   Property<int> BorderWidth;  ///< pixels
 };
 
+/// A handle on a horizontal scale of whole numbers, which the user moves in steps of 1. A Value beyond an end is held
+/// at that end. The two events are the user's alone: Scroll at each step of a drag, Change at its end and at every
+/// other move; assigning Value raises neither.
+class Slider : public Control {
+ public:
+  class Position : public Property<int> {
+   public:
+    Position(Slider& owner) : Property(owner, PropertyId::Value, owner.Min), slider_(owner) {}
+    Position& operator=(int value);
+
+   private:
+    const Slider& slider_;
+  };
+
+  Slider(Control* container, Place place, int min, int max);
+
+  const int Min;
+  const int Max;
+  Position Value;
+
+  std::function<void()> Change;
+  std::function<void()> Scroll;
+};
+
 /// Fires its handler every Interval ms while the window system gets its turn.
 class IntervalTimer : public Control {
  public:

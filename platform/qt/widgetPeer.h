@@ -18,6 +18,7 @@ class IntervalTimer;
 class Label;
 class PictureBox;
 class Shape;
+class Slider;
 class TextBox;
 
 inline QColor toQColor(Colour colour) { return {colour.red, colour.green, colour.blue}; }
@@ -68,6 +69,7 @@ std::unique_ptr<WidgetPeer> makePeer(Button& button, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(Frame& frame, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(Image& image, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(Shape& shape, QWidget* parent);
+std::unique_ptr<WidgetPeer> makePeer(Slider& slider, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(CheckBox& box, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(Grid& grid, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(PictureBox& pictureBox, QWidget* parent);

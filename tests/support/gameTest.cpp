@@ -9,6 +9,7 @@
 #include "frontend/frmConnect.h"
 #include "frontend/frmGameFind.h"
 #include "frontend/updateCheck.h"
+#include "frontend/frmFonts.h"
 #include "rendering/frmGfx.h"
 #include "store/frmPowerups.h"
 
