@@ -118,6 +118,13 @@ void removeKillerTails(std::int16_t owner);
 void executeCapture(std::int16_t winnerNode, std::int16_t loserNode);
 void killTailOf(std::int16_t ownerIndex, double num);
 
+// The survival mode (simulation/survival.cpp). Nothing in the game turns it on.
+bool isSurvivalMode();
+/// Ends the run once for every background particle that touches the local player.
+void checkSurvival();
+/// Turns the mode off and tells the record on the console.
+void endSurvival();
+
 // Particles (particles/pools.cpp).
 void createParticleField();
 void addExplosion(Vector point, std::int16_t count);
@@ -139,9 +146,15 @@ void paintPointer();
 void addDebugText(const std::string& line);
 void paintTextLines();
 void paintCentreMessage();
+/// Takes the record of the running survival mode and ties the local player to its start by a line.
+void paintSurvival();
 void paintActionIcons();
 void showStartLogo();
 void hideStartLogo();
+
+// The store (store/store.cpp).
+/// Opens the store's window over the running game, connected or not, alive or not.
+void openStore();
 
 /// The part of a disconnection that lies in the world's state.
 void resetConnectionState();
@@ -149,7 +162,3 @@ void resetConnectionState();
 }  // namespace modMain
 
 }  // namespace kelvora
-// The store (store/store.cpp).
-/// Opens the store's window over the running game, connected or not, alive or not.
-void openStore();
-

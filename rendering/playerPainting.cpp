@@ -31,6 +31,7 @@ void clsPlayer::paintSelf() {
   Vector place;
   if (playerIndex == localIndex) {
     place = modMain::getCanvasCentre();
+    if (modMain::isSurvivalMode()) modMain::paintSurvival();
   } else {
     place = modMain::worldToScreen(position);
     if (isOutside(place, form.canvas)) {
@@ -47,6 +48,8 @@ void clsPlayer::paintSelf() {
   if (breaksOn) modMain::addDebugText("Breaks on, right-click to release");
   paintPowerupCounts();
 }
+
+float clsPlayer::getWidth() const { return std::floor(frmGfx->imgPlayer[0].Width / 4); }
 
 void clsPlayer::paintBall(Vector centre) {
   PictureBox& canvas = frmMain->canvas;

@@ -70,6 +70,8 @@ class clsPlayer {
   void respawn();
   void die();
   bool isAlive() const { return alive; }
+  /// Of the ball's cell, canvas units.
+  float getWidth() const;
   void receiveCapture(std::int16_t colour);
   void displayKills();
   void setKills(std::int16_t kills);
@@ -109,8 +111,6 @@ class clsPlayer {
   void unactivatePowerup(std::int16_t slot);
   void tickPowerups();
 
- private:
-  void sendPosition();
   // The store (store/store.cpp).
   /// Fills the store's window in; the local player's alone.
   void populatePowerupsForm();
@@ -124,6 +124,8 @@ class clsPlayer {
   /// Brings the store's window up to date, if it is visible, with a text at its bottom.
   void showStoreStatus(const std::string& text);
 
+ private:
+  void sendPosition();
   void sendVelocity();
   void ageTails();
   void dequeuePosition();

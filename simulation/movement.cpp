@@ -107,6 +107,8 @@ void clsPlayer::move() {
     velocity = {braked(velocity.x, brakeRate * timeScale), braked(velocity.y, brakeRate * timeScale)};
   }
   lastPosition = position;
+  // Quirk Q-154: a player at rest under the brakes has returned above, so nothing can touch him.
+  if (modMain::isSurvivalMode()) modMain::checkSurvival();
 
   const bool turbo = powerups[turboSlot].active;
   float topSpeed = throttle() * speed;
