@@ -9,9 +9,9 @@ namespace kelvora {
 
 namespace {
 
-// A tile is 64 by 8 pixels: a frame with little on it is mostly untouched, and clearing it costs a tenth of a full
+// A tile is 32 by 8 pixels: a frame with little on it is mostly untouched, and clearing it costs a tenth of a full
 // clear.
-constexpr int tileWidthBits = 6;
+constexpr int tileWidthBits = 5;
 constexpr int tileHeightBits = 3;
 
 constexpr int tilesFor(int pixels, int bits) { return (pixels + (1 << bits) - 1) >> bits; }
