@@ -1,6 +1,6 @@
-"""Drives the real program: a virtual display with a small window manager, the client with settings of its own, the real
-server or a scripted one, the mouse and the keys. Everything stays on this machine, and everything that is started here is
-ended here."""
+"""Drives the real program: a virtual display with a small window manager, the client with settings of its own, the
+real server or a scripted one, the mouse and the keys. Everything stays on this machine, and everything that is started here
+is ended here."""
 
 import os
 import random
@@ -151,7 +151,7 @@ class Client:
         self.display = display
         self.own_config = config is None
         self.config = config or tempfile.mkdtemp(prefix="kelvora-settings-")
-        environment = dict(display.environment, XDG_CONFIG_HOME=self.config, HOME=self.config, QT_QPA_PLATFORM="xcb",
+        environment = dict(display.environment, XDG_CONFIG_HOME=self.config, HOME=self.config, QT_QPA_PLATFORM="xcb", SDL_AUDIODRIVER="dummy",
                            # The update check goes to a port of this machine that nobody listens on.
                            KELVORA_WEB_HOST="127.0.0.1:9")
         if frame_ms is not None:

@@ -1,5 +1,5 @@
-"""The pace and what it costs. Other work on the machine disturbs these, so that each may try three times: what is required
-is that the program can keep the pace, and no disturbance makes a program faster or cheaper than it is."""
+"""The pace and what it costs. Other work on the machine disturbs these, so that each may try three times: what is
+required is that the program can keep the pace, and no disturbance makes a program faster or cheaper than it is."""
 
 import time
 import unittest

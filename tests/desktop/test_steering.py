@@ -1,5 +1,5 @@
-"""The mouse steers the ball: velocities, brakes and the edges of the world, read from the reports that the client sends and
-compared with what the rules give."""
+"""The mouse steers the ball: velocities, brakes and the edges of the world, read from the reports that the client sends
+and compared with what the rules give."""
 
 import unittest
 
@@ -10,8 +10,8 @@ import rules
 class Flight(harness.DesktopTest):
 
     def fly(self, pixel, start=(50000, 50000), count=6, size=None):
-        """Reports of a client that steers by this pixel of the canvas. Each is compared with the one that the rules give
-        four frames after the report before it."""
+        """Reports of a client that steers by this pixel of the canvas. Each is compared with the one that the rules
+        give four frames after the report before it."""
         client = self.start_client()
         if size:
             client.resize(*size)
@@ -94,8 +94,8 @@ class Steering(Flight):
         line.frames_during(1.5)
         line.send(harness.PING, 1)
         last = line.report()
-        # From 9.164 and -140.112: along x 6.164 + 3.164 + 0.164 = 9.49, along y the 46 steps from 137.112 down to 2.112,
-        # 46 * (137.112 + 2.112) / 2 = 3202.15. Before them came a whole number of free frames.
+        # From 9.164 and -140.112: along x 6.164 + 3.164 + 0.164 = 9.49, along y the 46 steps from 137.112 down to
+        # 2.112, 46 * (137.112 + 2.112) / 2 = 3202.15. Before them came a whole number of free frames.
         free = (first[1] - last[1] - 3202.15) / 140.112
         self.assertAlmostEqual(free, round(free), delta=0.01)
         self.assertAlmostEqual(last[0] - first[0], round(free) * 9.164 + 9.49, delta=0.2)

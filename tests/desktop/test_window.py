@@ -1,5 +1,5 @@
-"""What stands on the screen: the ball in the middle, the world's border, the window's layout at other sizes, and what the
-next start remembers."""
+"""What stands on the screen: the ball in the middle, the world's border, the window's layout at other sizes, and what
+the next start remembers."""
 
 import shutil
 import tempfile
