@@ -43,14 +43,12 @@ class FrmPowerups : public Form {
     return PictureBox{this, {300, row(i, 105), 855, 855}};
   }};
   ControlArray<Label, powerupSlotCount> lblItemName{[this](int i) {
-    return Label{this,
-                 {1350, row(i, 405), 1800, 255},
-                 ware(i).name,
-                 {.fore = yellow, .transparent = true, .font = panelFontBold}};
+    return Label{
+        this, {1350, row(i, 405), 1800, 255}, ware(i).name, {.fore = yellow, .transparent = true, .font = chatFont}};
   }};
   ControlArray<Label, powerupSlotCount> lblItemCost{[this](int i) {
     return Label{this,
-                 {3300, row(i, 120), 1080, 255},
+                 {3300, row(i, 150), 1080, 225},
                  std::to_string(ware(i).price),
                  {.back = white, .alignment = Alignment::Centre, .font = panelFontBold}};
   }};
@@ -59,13 +57,13 @@ class FrmPowerups : public Form {
   }};
   ControlArray<Label, powerupSlotCount> lblItemDescription{[this](int i) {
     return Label{this,
-                 {4680, row(i, 195), 4860, 825},
+                 {4680, row(i, 195), 5055, 810},
                  ware(i).description,
                  {.fore = white, .transparent = true, .font = panelFont}};
   }};
   ControlArray<Label, powerupSlotCount> lblCurrentStock{[this](int i) {
     return Label{this,
-                 {9840, row(i, 120), 1080, 255},
+                 {9840, row(i, 150), 1080, 225},
                  "0",
                  {.fore = white, .transparent = true, .alignment = Alignment::Centre, .font = panelFontBold}};
   }};
@@ -73,7 +71,7 @@ class FrmPowerups : public Form {
     return Button{this, {9840, row(i, 480), 1080, 450}, "Sell"};
   }};
 
-  Label lblWinners{this, {300, 8160, 9240, 690}, "", {.fore = yellow, .transparent = true, .font = panelFontBold}};
+  Label lblWinners{this, {360, 8220, 9240, 600}, "", {.fore = yellow, .transparent = true, .font = chatFont}};
   Button cmdDone{this, {9840, 8250, 1080, 480}, "Done"};
 
  private:

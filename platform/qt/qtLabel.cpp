@@ -30,11 +30,20 @@ class LabelWidget : public ControlWidget {
     }
     painter.setPen(design.systemColours ? palette().color(QPalette::WindowText) : toQColor(label_.ForeColor));
     const QString text = toQString(label_.Caption.get());
-    painter.setFont(fittingFont(toQFont(design.font, label_.FontSize), text, inside.size()));
+    painter.setFont(toQFont(design.font, label_.FontSize));
+    if (!fitsInLines(painter.fontMetrics(), text, inside.size())) {
+      painter.setFont(fittingFont(painter.font(), text, inside.size()));
+    }
     painter.drawText(inside, Qt::AlignTop | horizontal(painter.fontMetrics(), text, inside.size()), text);
   }
 
  private:
+  static bool fitsInLines(const QFontMetrics& metrics, const QString& text, QSize room) {
+    if (room.height() < 2 * metrics.lineSpacing()) return false;
+    const QRect lines = metrics.boundingRect(QRect(QPoint(), room), Qt::TextExpandTabs | Qt::TextWordWrap, text);
+    return lines.width() <= room.width() && lines.height() <= room.height();
+  }
+
   /// A text that is too wide or high for one line is broken into lines where there is room for them.
   int horizontal(const QFontMetrics& metrics, const QString& text, QSize room) const {
     const bool wrap = metrics.horizontalAdvance(text) > room.width() && room.height() >= 2 * metrics.lineSpacing();

@@ -59,7 +59,8 @@ def backdrop():
         fade = np.clip(1 - (layer.x - row[0]) / 200, 0, 1) ** 2
         layer.add(fade * (box(layer, row, 1.0) < 0) * 0.06, accent)
         left, right = row[0] + ITEM[0], row[0] + ITEM[1]
-        frame = box(layer, (left - 2, row[1] + 5, right + 2, row[3] - 5), corner=11)
-        layer.fill(frame, accent * 0.45)
+        cell = (left - 3, row[1] + 4, right + 3, row[3] - 4)
+        layer.fill(box(layer, cell, corner=4), accent * 0.4)
+        layer.fill(box(layer, cell, 1.0, corner=4), (0, 0, 0))
     lettering(layer)
     return {"store": np.rint(display(layer.reduced(layer.light)) * 255).astype(np.uint8)}
