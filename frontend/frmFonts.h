@@ -28,7 +28,7 @@ class FrmFonts : public Form {
                  "This is a sample of the font.",
                  {.fore = white, .back = black, .font = canvasFont}};
   }};
-  ControlArray<Slider, 5> sldSize{[this](int i) { return Slider{this, {2280, row(i, 0), 2400, 360}, 9, 16}; }};
+  ControlArray<Slider, 5> sldSize{[this](int i) { return Slider{this, {2280, row(i, 45), 2400, 360}, 9, 16}; }};
   ControlArray<Label, 5> lblFontColor{[this](int i) {
     return Label{this, {4920, row(i, 225), 615, 315}, "", {.back = white}};
   }};

@@ -1,3 +1,4 @@
+#include <QApplication>
 #include <QSignalBlocker>
 #include <QSlider>
 
@@ -12,6 +13,10 @@ namespace {
 class SliderWidget : public QSlider {
  public:
   SliderWidget(Slider& slider, QWidget* parent) : QSlider(Qt::Horizontal, parent), slider_(slider) {
+    // The user's own shades in place of the form's: black marks do not show on black.
+    QPalette colours = palette();
+    colours.setColor(QPalette::Window, QApplication::palette().color(QPalette::Window));
+    setPalette(colours);
     setRange(slider.Min, slider.Max);
     setSingleStep(1);
     setPageStep(1);
