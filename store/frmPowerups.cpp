@@ -39,6 +39,8 @@ FrmPowerups::FrmPowerups() : Form("Powerups", {.clientWidth = 11370, .clientHeig
 
 void FrmPowerups::load() { place(); }
 
+// Quirk Q-207: every Activate places the window again, so that it cannot be left anywhere else: it jumps back as soon
+// as it gets the focus.
 void FrmPowerups::place() {
   Top = frmMain->Top + offsetFromMain;
   Left = frmMain->Left + offsetFromMain;

@@ -54,6 +54,19 @@ TEST(NumberText, HasNoZeroBeforeThePoint) {
   EXPECT_EQ(numberText(0.0625F), ".0625");
 }
 
+TEST(NumberText, KeepsFifteenDigitsOfADouble) {
+  EXPECT_EQ(numberText(0.0), "0");
+  EXPECT_EQ(numberText(-0.0), "0");
+  EXPECT_EQ(numberText(27.75), "27.75");
+  EXPECT_EQ(numberText(-0.5), "-.5");
+  EXPECT_EQ(numberText(123456789.0), "123456789");
+  EXPECT_EQ(numberText(1.0 / 3.0), ".333333333333333");
+  EXPECT_EQ(numberText(999999999999999.0), "999999999999999");
+  EXPECT_EQ(numberText(1e15), "1E+15");
+  EXPECT_EQ(numberText(-2.5e100), "-2.5E+100");
+  EXPECT_THROW(numberText(std::numeric_limits<double>::infinity()), RuntimeFault);
+}
+
 TEST(NumberText, KeepsSevenSignificantDigits) {
   EXPECT_EQ(numberText(1.1F), "1.1");
   EXPECT_EQ(numberText(12345.678F), "12345.68");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "audio/soundMan.h"
 #include "base/fault.h"
 #include "tests/support/gameTest.h"
 
@@ -48,6 +49,31 @@ TEST_F(PowerupRules, TheTableOfActivation) {
   }
 }
 
+TEST_F(PowerupRules, TheTableOfKeysAndSounds) {
+  soundMan::initAudio();
+  join(8, 1, "Bob");
+  struct Row {
+    int key;
+    const char* sound;
+  };
+  // F1 to F6; the pulse is let out by a shield.
+  const Row rows[] = {{112, "puShield.wav"},   {113, "puTurbo.wav"}, {114, "puChargedTail.wav"},
+                      {115, "puLongTail.wav"}, {116, "puLaser.wav"}, {117, "puMissile.wav"}};
+  for (PowerupState& powerup : player().powerups) powerup.count = 1;
+  for (int slot = 0; slot < 6; ++slot) {
+    const std::string number = std::to_string(slot);
+    forgetSent();
+    (slot % 2 == 0 ? frmMain->canvas.KeyDown : frmMain->txtChat.KeyDown)(rows[slot].key, 0);
+    EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {number}}}));
+    machine.soundCommands.clear();
+    serverSends(156, {"8", number});
+    EXPECT_TRUE(machine.soundCommands.empty()) << "an opponent's is not heard";
+    serverSends(156, {"7", number});
+    ASSERT_FALSE(machine.soundCommands.empty());
+    EXPECT_EQ(machine.soundCommands.back(), std::string(rows[slot].sound) + " play");
+  }
+}
+
 TEST_F(PowerupRules, TheTotalIsTheSumOfTheStock) {
   EXPECT_EQ(player().totalPowerups(), 0);
   for (std::size_t i = 0; i < 6; ++i) player().powerups[i].count = static_cast<std::int16_t>(i + 1);
@@ -71,7 +97,7 @@ TEST_F(PowerupRules, WithoutStockNothingIsSaidAndNothingSent) {
 
 TEST_F(PowerupRules, ARunningPowerupIsNotReady) {
   player().powerups[shieldSlot] = {2, 10, true};
-  player().requestActivatePowerup(0);
+  frmMain->canvas.KeyDown(112, 0);
   EXPECT_EQ(lastLine(), "That ability isn't ready yet.");
   EXPECT_EQ(lastColour(), errorRed);
   EXPECT_TRUE(server().sent.empty());
