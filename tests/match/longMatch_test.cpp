@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <cmath>
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "base/text.h"
+#include "network/wire/wireFormat.h"
+#include "rendering/frmGfx.h"
+#include "server/arena.h"
+#include "server/frameReader.h"
+#include "tests/support/gameTest.h"
+
+// A long match: the real client, the real rules of the server and five other players, in one process and on a clock
+// that is set by hand, so that half an hour of play takes seconds.
+
+namespace kelvora {
+namespace {
+
+constexpr Tick frameLength = 10;  // ms, the design pace
+constexpr int framesPerMinute = 6000;
+constexpr int framesPerReport = 4;
+constexpr int restLength = 600;  // frames at the end of a minute
+constexpr server::ClientId ourClient = 1;
+
+/// Flies smooth curves over the world, rests at the end of every minute, and reports as a client does.
+class Pilot {
+ public:
+  Pilot(int number, Vector start) : phase_(static_cast<float>(number)), place_(start) {}
+
+  void fly(int frame) {
+    const float turn = phase_ + static_cast<float>(frame) * 0.004F;
+    place_.x = std::clamp(place_.x + 180 * std::cos(turn), 0.0F, modMain::worldSize);
+    place_.y = std::clamp(place_.y + 180 * std::sin(turn * (1 + phase_ / 10)), 0.0F, modMain::worldSize);
+  }
+  std::string report() const {
+    return static_cast<char>(wire::msgPositionReport) + numberText(place_.x) + wire::fieldSeparator +
+           numberText(place_.y);
+  }
+
+ private:
+  float phase_;
+  Vector place_;
+};
+
+class LongMatch : public GameTest, public server::ArenaOutput {
+ protected:
+  LongMatch() { frmMain->Show(); }
+
+  /// Our bytes go to the arena's rules, frame by frame, and its answers wait until the network's turn.
+  void relay() {
+    std::string& sent = server().sent;
+    EXPECT_TRUE(reader_.read(sent, [this](std::string_view text) { arena_.received(ourClient, text, now()); }));
+    forgetSent();
+    server().sendings.clear();
+    if (!toUs_.empty()) server().deliver(std::move(toUs_));
+    toUs_.clear();
+  }
+
+  void join() {
+    arena_.connected(ourClient, now());
+    connect("Ann");
+    relay();
+    passEvents();
+    for (server::ClientId other = 2; other <= 6; ++other) {
+      arena_.connected(other, now());
+      const std::string name = "P" + std::to_string(other);
+      arena_.received(other, static_cast<char>(wire::msgLogin) + name + "\x82\x82" + "0\x82" + appVersionText(), now());
+    }
+    relay();
+    passEvents();
+    ASSERT_TRUE(modMain::localPlayer.isConnected);
+    ASSERT_EQ(modMain::opponentCount, 5);
+    for (int i = 0; i < 5; ++i) pilots_.emplace_back(i, modMain::opponents[static_cast<std::size_t>(i)].position);
+    modMain::localPlayer.toggleBreaks();
+  }
+
+  void playFrame(int frame) {
+    const bool rests = (frame - 1) % framesPerMinute >= framesPerMinute - restLength;
+    for (server::ClientId other = 2; other <= 6; ++other) {
+      Pilot& pilot = pilots_[other - 2];
+      if (!rests) {
+        pilot.fly(frame);
+        if (frame % framesPerReport == 0) arena_.received(other, pilot.report(), now());
+      }
+      if (frame % 700 == 0)
+        arena_.received(other, static_cast<char>(wire::msgChat) + std::string("-1\x82hello"), now());
+    }
+    const float turn = static_cast<float>(frame) * 0.003F;
+    frmMain->canvas.MouseMove(0, 0, 5722 + 5000 * std::cos(turn), 4560 + 4000 * std::sin(turn));
+    if (frame % 900 == 0) netMan::sendChat("still here");
+    modMain::runFrame();
+    arena_.tick(now());
+    relay();
+    tick(frameLength);
+    passEvents();
+    machine.journal.clear();
+    machine.soundCommands.clear();
+  }
+
+  /// Everybody has rested for a while: every opponent stands where the server's last word put him, and our
+  /// own tail ends there.
+  void expectNoDrift() {
+    const clsPlayer& local = modMain::localPlayer;
+    EXPECT_EQ(local.tails.back().getPosition(), lastRelayed_[local.serverNode]);
+    for (int i = 0; i < 5; ++i) {
+      const clsPlayer& opponent = modMain::opponents[static_cast<std::size_t>(i)];
+      EXPECT_EQ(opponent.position, lastRelayed_[opponent.serverNode]) << opponent.name;
+      EXPECT_EQ(opponent.positionQueueCount(), 0);
+    }
+  }
+
+  server::Millis now() const { return machine.ticks; }
+  using Millis = server::Millis;
+
+  void send(server::ClientId client, const std::string& frame) override {
+    if (client != ourClient) return;
+    toUs_ += frame;
+    const WireMessage message = parseFrames(frame).front();
+    if (message.id == wire::msgPosition) {
+      lastRelayed_[static_cast<std::int16_t>(readNumber(message.fields[0]))] = {
+          static_cast<float>(readNumber(message.fields[1])), static_cast<float>(readNumber(message.fields[2]))};
+      ++relayed_;
+    }
+  }
+  void hangUp(server::ClientId client) override { ADD_FAILURE() << "client " << client << " was hung up on"; }
+  void log(const std::string&) override {}
+
+  server::Arena arena_{*this, appVersionText(), "", 1};
+  server::FrameReader reader_;
+  std::vector<Pilot> pilots_;
+  std::string toUs_;
+  std::map<std::int16_t, Vector> lastRelayed_;
+  int relayed_ = 0;
+};
+
+TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndTrue) {
+  join();
+  constexpr int minutes = 30;
+  std::vector<std::size_t> heapByMinute;
+  double longestTail = 0;
+  std::size_t longestQueue = 0;
+  for (int frame = 1; frame <= minutes * framesPerMinute; ++frame) {
+    playFrame(frame);
+    longestTail = std::max(longestTail, modMain::localPlayer.tailCount());
+    for (const clsPlayer& opponent : modMain::opponents) {
+      longestTail = std::max(longestTail, opponent.tailCount());
+      longestQueue = std::max(longestQueue, opponent.positionQueue.size());
+    }
+    if (frame % framesPerMinute == 0) {
+      expectNoDrift();
+      heapByMinute.push_back(mallinfo2().uordblks);
+    }
+  }
+  // Everybody reports 25 times a second, the others for 54 seconds of a minute, we for all of it and once more for each
+  // ping.
+  EXPECT_GE(relayed_, minutes * 25 * (60 + 5 * 54));
+  EXPECT_LE(relayed_, minutes * 25 * (60 + 5 * 54) + minutes * 6);
+  // A vertex dies above 200 units of 10 ms, counted from its second ageing, and a player lays at most one in a frame
+  // and one more for a point that is reached in it.
+  EXPECT_LE(longestTail, 2 * 205);
+  EXPECT_GT(longestTail, 40);
+  EXPECT_EQ(modMain::particleCount, 150);
+  EXPECT_EQ(modMain::explosionCount, 0);
+  EXPECT_LT(longestQueue, 400U);
+  EXPECT_EQ(modMain::opponentCount, 5);
+  // The heap of the last minute is that of the fifth: nothing is kept that grows with time.
+  const auto early = static_cast<double>(heapByMinute[4]);
+  EXPECT_NEAR(static_cast<double>(heapByMinute.back()), early, early * 0.02);
+}
+
+}  // namespace
+}  // namespace kelvora
