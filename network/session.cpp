@@ -52,6 +52,8 @@ void connectToServer(const std::string& name, const std::string& address, std::i
   serverPassword = password;
   preferredColour = colour;
   Winsock& sock = frmMain->sock;
+  // Quirk Q-240: closing here ends the socket and not the session: the old opponents stay connected. One whose node the
+  // new server gives to somebody else is found before the newcomer, and gets his messages.
   if (sock.State() > sckClosed) sock.Close();
   sock.RemoteHost = address;
   sock.RemotePort = port;
@@ -62,6 +64,7 @@ void connectToServer(const std::string& name, const std::string& address, std::i
   frmMain->mnuFileDisconnect.Enabled = true;
 }
 
+// The world's part leaves the opponents' names on the panel; the title empties all six, so that none is left behind.
 void disconnectFromServer() {
   resumeNext([] {
     if (frmMain->sock.State() > sckClosed) frmMain->sock.Close();
@@ -121,6 +124,7 @@ void receivePlayerLeft(std::int16_t node) {
   if (index < 0 || index >= opponentCount) return;
   clsPlayer& player = modMain::playerAt(index);
   printChat(player.name + " has disconnected.", 3);
+  // Quirk Q-228: his tail stays as it is. It ages while it is painted, and who has gone is not painted.
   player.isConnected = false;
   if (!hasPlayerRow(player.colour)) return;
   frmMain->lbUserName[player.colour].Caption = "";

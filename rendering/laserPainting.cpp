@@ -36,6 +36,8 @@ Vector laserHit(Vector from, Vector to) {
 void clsPlayer::paintLaser() {
   Vector from = lastPosition;
   if (from == position) return;
+  // Quirk Q-241: a straight flight is tilted by one unit so that it has a slope, and the beam leans by that unit in
+  // every length of the last frame's flight.
   if (from.x == position.x) {
     from.x += 1;
   } else if (from.y == position.y) {

@@ -34,6 +34,7 @@ void clsPlayer::paintSelf() {
     if (modMain::isSurvivalMode()) modMain::paintSurvival();
   } else {
     place = modMain::worldToScreen(position);
+    // Quirk Q-242: out of sight the ball's animation stands still, and goes on from there.
     if (isOutside(place, form.canvas)) {
       paintOffscreenArrow();
       return;
@@ -77,6 +78,7 @@ void clsPlayer::advanceAnimation() {
   if (animTick < framesPerCell) return;
   animTick = 0;
   animFrame = static_cast<std::int16_t>(animFalling ? animFrame - 1 : animFrame + 1);
+  // Quirk Q-244: turning round takes a change of its own, so that the first and the last cell last twice.
   if (animFrame > lastBallCell) {
     animFalling = true;
     animFrame = lastBallCell;

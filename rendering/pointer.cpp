@@ -1,3 +1,5 @@
+#include "rendering/pointer.h"
+
 #include <cmath>
 
 #include "base/numbers.h"
@@ -8,9 +10,6 @@
 
 namespace kelvora::modMain {
 
-namespace {
-
-/// Cell of the pointer sheet; the twelve run clockwise from straight up.
 int pointerFrame(const Bearing& bearing) {
   static constexpr int frames[4][4] = {{0, 1, 2, 3}, {0, 11, 10, 9}, {6, 7, 8, 9}, {6, 5, 4, 3}};
   // Quirk Q-128: the bands are 15, 25, 20 and the rest wide.
@@ -20,8 +19,6 @@ int pointerFrame(const Bearing& bearing) {
   if (bearing.angle < 15) band = 0;
   return frames[bearing.quadrant - 1][band];
 }
-
-}  // namespace
 
 // The pointer's bearing is the steering: `move` reads in the next frame what was found here.
 void paintPointer() {

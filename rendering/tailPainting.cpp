@@ -45,6 +45,9 @@ Colour clsTail::getColour(std::int16_t colour) const {
 }
 
 // A capture can fire in the middle of the walk; it changes players and messages but no tail.
+//
+// Quirk Q-243: painting alone ages a tail and fires its captures. The tail of a player who is not painted stands still,
+// and with it the captures that wait for its end.
 void clsPlayer::paintTail() {
   ageTails();
   PictureBox& canvas = frmMain->canvas;

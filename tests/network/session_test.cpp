@@ -1,4 +1,9 @@
+#include <array>
+#include <cmath>
+#include <memory>
+
 #include "frontend/frmConnect.h"
+#include "rendering/frmGfx.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
@@ -31,6 +36,34 @@ TEST_F(Session, TheLoginGoesOutWhenTheConnectionStands) {
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgLogin, {"Ann", "pw", "2", "1.2.1"}}}));
   EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Connected");
   EXPECT_FALSE(localPlayer.isConnected);
+}
+
+// Notes, whenever a label is given the text "Connected", whether anything has been sent by then.
+class CaptionWatch : public Peer {
+ public:
+  CaptionWatch(Label& label, HeadlessSocket& server, std::vector<bool>& sentBefore)
+      : label_(label), server_(server), sentBefore_(sentBefore) {}
+  void changed(PropertyId) override {
+    if (label_.Caption.get() == "Connected") sentBefore_.push_back(!server_.sent.empty());
+  }
+
+ private:
+  Label& label_;
+  HeadlessSocket& server_;
+  std::vector<bool>& sentBefore_;
+};
+
+TEST_F(Session, TheStateIsShownBeforeTheLoginGoesOut) {
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  std::vector<bool> sentBefore;
+  Label& label = frmMain->lblNetStatus;
+  label.peer = std::make_unique<CaptionWatch>(label, server(), sentBefore);
+  server().acceptConnection();
+  passEvents();
+  label.peer.reset();
+  ASSERT_FALSE(sentBefore.empty());
+  EXPECT_FALSE(sentBefore.front());
+  EXPECT_FALSE(server().sent.empty());
 }
 
 TEST_F(Session, AnAcceptedLoginPutsThePlayerIntoTheGame) {
@@ -66,6 +99,18 @@ TEST_F(Session, Q071TheFieldIsMadeTwiceAtLogin) {
   EXPECT_EQ(modMain::particleCount, 150);
 }
 
+TEST_F(Session, TheFieldOfTheLoginLiesRoundTheNewPlace) {
+  connect();
+  serverSends(wire::msgLoginAccepted, {"0", "7", "90000", "80000"});
+  ASSERT_EQ(modMain::particleCount, 150);
+  for (std::size_t i = 0; i < 150; ++i) {
+    const Vector place = modMain::particles[i].getPosition();
+    // A canvas's width and height to each side; the place of before the login was 0, 0.
+    EXPECT_LE(std::fabs(place.x - 90'000), 11'445) << i;
+    EXPECT_LE(std::fabs(place.y - 80'000), 9'120) << i;
+  }
+}
+
 TEST_F(Session, Q072AColourWithoutANameLeavesTheRestOfTheLoginOut) {
   frmMain->lbcConnect.Visible = true;
   connect();
@@ -90,6 +135,20 @@ TEST_F(Session, APlayerWhoJoinsIsShownAndTold) {
   EXPECT_EQ(frmMain->lblKills[2].Caption.get(), "5");
   EXPECT_EQ(lastLine().text, "The player Bob has joined as Green");
   EXPECT_EQ(lastLine().colour, serverLine);
+}
+
+TEST_F(Session, APlayerWhoJoinsIsNamedOnTheLabelOfHisColour) {
+  login();
+  const char* const names[] = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"};
+  for (int colour = 0; colour < 6; ++colour) {
+    const std::string name = "Bob" + std::to_string(colour);
+    join(static_cast<std::int16_t>(20 + colour), static_cast<std::int16_t>(colour), name);
+    EXPECT_EQ(frmMain->lbUserName[colour].Caption.get(), name);
+    EXPECT_EQ(lastLine().text, "The player " + name + " has joined as " + names[colour]);
+  }
+  for (int colour = 0; colour < 6; ++colour) {
+    EXPECT_EQ(frmMain->lbUserName[colour].Caption.get(), "Bob" + std::to_string(colour)) << "no other label changed";
+  }
 }
 
 TEST_F(Session, OnlyTheAliveStateOneIsAlive) {
@@ -163,6 +222,7 @@ TEST_F(Session, TheEndOfARoundKillsEverybodyAndLightsTheButtons) {
   login();
   join(9, 2, "Bob");
   join(10, 3, "Cat");
+  frmMain->setButtonsState(false);
   serverSends(wire::msgRoundOver, {"Round over"});
   EXPECT_FALSE(localPlayer.alive);
   EXPECT_FALSE(opponents[0].alive);
@@ -170,11 +230,15 @@ TEST_F(Session, TheEndOfARoundKillsEverybodyAndLightsTheButtons) {
   EXPECT_EQ(modMain::roundMessage, "Round over");
   EXPECT_EQ(lastLine().text, "Round over");
   EXPECT_EQ(lastLine().colour, serverLine);
+  EXPECT_EQ(frmMain->btnSpawn.background(), frmGfx->imgBtnPlay[1].Picture.get());
+  EXPECT_EQ(frmMain->btnShop.background(), frmGfx->imgBtnStore[1].Picture.get());
 }
 
 TEST_F(Session, DisconnectingOffersTheDialogAndTheTitle) {
   login(1, 7);
-  join(9, 2, "Bob");
+  for (const std::int16_t colour : std::to_array<std::int16_t>({0, 2, 3, 4, 5})) {
+    join(static_cast<std::int16_t>(20 + colour), colour, "Bob");
+  }
   netMan::disconnectFromServer();
   EXPECT_EQ(frmMain->sock.State(), sckClosed);
   EXPECT_TRUE(frmMain->mnuFileConnect.Enabled);
@@ -182,7 +246,7 @@ TEST_F(Session, DisconnectingOffersTheDialogAndTheTitle) {
   EXPECT_FALSE(localPlayer.isConnected);
   EXPECT_FALSE(opponents[0].isConnected);
   EXPECT_EQ(frmMain->lbUserName[1].BackColor.get(), RGB(0, 0, 0));
-  EXPECT_EQ(frmMain->lbUserName[1].Caption.get(), "");
+  for (Label& name : frmMain->lbUserName) EXPECT_EQ(name.Caption.get(), "");
   EXPECT_TRUE(frmConnect.isVisible());
   EXPECT_TRUE(frmMain->lbcConnect.Visible);
   EXPECT_EQ(frmMain->canvas.MousePointer.get(), 0);
@@ -226,6 +290,25 @@ TEST_F(Session, ReconnectingWhileConnectedClosesFirstWithoutAWord) {
   EXPECT_EQ(lastLine().text, "");
   EXPECT_TRUE(opponents[0].isConnected);
   EXPECT_TRUE(machine.messageBoxes.empty());
+}
+
+TEST_F(Session, Q240AnOldOpponentAnswersForANodeGivenAnew) {
+  login();
+  join(9, 2, "Bob");
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  server().acceptConnection();
+  passEvents();
+  serverSends(wire::msgLoginAccepted, {"0", "7", "50000", "50000"});
+  EXPECT_EQ(join(9, 3, "Cat"), 1);
+  ASSERT_TRUE(opponents[0].isConnected);
+  serverSends(wire::msgPosition, {"9", "21000", "22000"});
+  EXPECT_EQ(opponents[0].positionQueueCount(), 1) << "Bob of the old server glides";
+  EXPECT_EQ(opponents[1].positionQueueCount(), 0);
+  serverSends(wire::msgPlayerLeft, {"9"});
+  EXPECT_EQ(lastLine().text, "Bob has disconnected.");
+  EXPECT_TRUE(opponents[1].isConnected);
+  serverSends(wire::msgPosition, {"9", "21000", "22000"});
+  EXPECT_EQ(opponents[1].positionQueueCount(), 1) << "once the old one is gone, the newcomer is found";
 }
 
 TEST_F(Session, AFailedSocketCanConnectAgain) {

@@ -83,7 +83,9 @@ TEST_F(StartLogo, ShowsThePictureAndEmptiesThePanel) {
   machine.path = "/somewhere";
   frmMain->lbUserName[2].Caption = "Ann";
   frmMain->lbUserName[2].BackColor = RGB(128, 0, 0);
+  frmMain->picCaps[4].ForeColor = RGB(255, 0, 0);
   frmMain->picCaps[4].Line(0, 0, 500, 0);
+  ASSERT_GT(countPixels(frmMain->picCaps[4], RGB(255, 0, 0)), 30);
   frmMain->canvas.MousePointer = 99;
   frmMain->lbcConnect.Visible = false;
   machine.pictureSource = [&](const std::string& path) {

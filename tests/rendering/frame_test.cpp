@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
+#include <memory>
 
 #include "tests/rendering/paintTest.h"
 
@@ -18,6 +20,7 @@ TEST_F(Frames, AnEmptyWorldStillHasBorderIconsPointerAndTexts) {
   EXPECT_EQ(pixelAt(canvas(), 1000.0, 1000.0).green, pointerGreen);
   EXPECT_EQ(pixelAt(canvas(), 11445 - 6 * 665 + 300.0, 9120 - 1500 + 300.0).green, iconGreen);
   EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
+  EXPECT_GT(countPixels(canvas(), cyan), 100) << "and its letters";
 }
 
 TEST_F(Frames, TheBallLiesOverThePointerAndAGhostUnderEverything) {
@@ -67,6 +70,168 @@ TEST_F(Frames, ThePoolsArePaintedBackgroundExplosionsNetwork) {
   EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), spriteOnWhite(4, ballsGreen, 0));
 }
 
+TEST_F(Frames, ADeadOpponentIsPaintedToo) {
+  placeLocal(30000, 50000);
+  placeOpponent(3, 31000, 50000).alive = false;
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 5722 + 1000.0, 4560.0), exchangedOnWhite(0, playerGreen + 3));
+}
+
+TEST_F(Frames, AGhostLiesUnderTheParticles) {
+  placeLocal().alive = false;
+  modMain::mousePos = {1000, 1000};
+  modMain::particles.resize(1);
+  modMain::particles[0].depth = 1;
+  modMain::particles[0].position = {50000, 50000};
+  modMain::particleCount = 1;
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0), RGB(190, 190, 190));
+  EXPECT_EQ(pixelAt(canvas(), 5722.0 + 200, 4560.0), exchangedOnWhite(0, playerGreen));
+}
+
+TEST_F(Frames, ExplosionsLieOverTheFieldAndUnderTheServersParticles) {
+  machine.seconds = 0.5;  // rounds to 0, the one time at which they are drawn
+  placeLocal(30000, 50000);
+  modMain::particles.resize(1);
+  modMain::particles[0].depth = 1;
+  modMain::particles[0].position = {31000, 50000};
+  modMain::particleCount = 1;
+  const double star = 5722 + .95 * 1000;  // pulled by a twentieth
+  modMain::paintFrame();
+  ASSERT_EQ(pixelAt(canvas(), star, 4560.0), RGB(190, 190, 190));
+  modMain::addExplosion({31100, 50100}, 1);
+  modMain::explosionParticles[0].kind = 2;
+  modMain::paintFrame();
+  ASSERT_EQ(pixelAt(canvas(), star, 4560.0).red, 16 * 3) << "the explosion's ball, over the star";
+  modMain::receiveParticleNew("n", 6, 31100, 50100, 0, 0);
+  modMain::explosionParticles[0].blink = false;
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), star, 4560.0).red, 16 * 7) << "the server's, over both";
+}
+
+TEST_F(Frames, AnOpponentLiesOverTheServersParticles) {
+  placeLocal(30000, 50000);
+  modMain::receiveParticleNew("n", 4, 31000, 50000, 0, 0);
+  modMain::paintFrame();
+  ASSERT_EQ(pixelAt(canvas(), 5722 + 900.0, 4560 - 100.0).green, ballsGreen);
+  placeOpponent(3, 31000, 50000);
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 5722 + 900.0, 4560 - 100.0).green, playerGreen + 3);
+}
+
+TEST_F(Frames, TheBorderLiesOverOpponents) {
+  placeLocal(2000, 50000);
+  placeOpponent(3, 0, 50000);
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 3722.0, 4560.0), RGB(255, 0, 0));
+  EXPECT_EQ(pixelAt(canvas(), 3722.0 + 150, 4560.0).green, playerGreen + 3);
+}
+
+TEST_F(Frames, TheIconsLieOverTheBorder) {
+  // The world's lower edge at 7900, across the icons at 7620 to 8250.
+  placeLocal(50000, 100000 - (7900 - 4560));
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 7000.0, 7900.0), RGB(255, 0, 0));
+  EXPECT_EQ(pixelAt(canvas(), 7600.0, 7900.0), RGB(16, iconGreen, 0));
+}
+
+TEST_F(Frames, ThePointerLiesOverTheIcons) {
+  placeLocal();
+  modMain::mousePos = {7700, 7900};
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 7700.0, 7900.0).green, pointerGreen);
+}
+
+class FrameTexts : public Frames {
+ protected:
+  FrameTexts() {
+    Surface::setGlyphSource(&blocks);
+    // So low that the centre message at 1500 - 500 meets the console's line 4 at 3000 - 5 * 400, and line 3 at 1400 the
+    // ball round 1500.
+    canvas().Height = 3000;
+    placeLocal(30000, 50000);
+    for (ChatLine& line : modMain::chatLines) line = {std::string(90, 'x'), RGB(255, 255, 255), 9};
+  }
+  ~FrameTexts() override { Surface::setGlyphSource(nullptr); }
+  Blocks blocks;
+};
+
+TEST_F(FrameTexts, TheConsoleLiesOverTheLivingLocalPlayer) {
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 5722.0, 1400.0 + 30), RGB(165, 165, 165)) << "255 less 3 * 30";
+  EXPECT_EQ(pixelAt(canvas(), 5722.0, 1400.0 + 200).green, playerGreen) << "below the line's ten pixels";
+}
+
+TEST_F(FrameTexts, TheCentreMessageLiesOverTheConsole) {
+  modMain::showCentreMessage("abcd");
+  modMain::paintFrame();
+  // At pixel 321, as on any canvas of this width, 24 pixels wide.
+  EXPECT_EQ(pixelAt(canvas(), 330, 69), RGB(0, 254, 0));
+  EXPECT_EQ(pixelAt(canvas(), 310, 69), RGB(135, 135, 135));
+}
+
+TEST_F(Frames, TheRadarIsClearedForEachFrame) {
+  clsPlayer& player = placeLocal(25000, 50000);
+  modMain::paintFrame();
+  // (438, 698): column 29, row 47; at 75000 (1316, 698): column 88.
+  EXPECT_EQ(pixelAt(radar(), 29, 5), RGB(128, 128, 128));
+  player.position.x = 75000;
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(radar(), 29, 5), white);
+  EXPECT_EQ(pixelAt(radar(), 30, 45), white) << "nor is the dot of before";
+  EXPECT_EQ(pixelAt(radar(), 88, 5), RGB(128, 128, 128));
+}
+
+class CountingPeer : public Peer {
+ public:
+  explicit CountingPeer(int& count) : count_(count) {}
+  void changed(PropertyId) override {}
+  void present() override { ++count_; }
+
+ private:
+  int& count_;
+};
+
+TEST_F(Frames, EachFrameIsShownOnceOnEachSurface) {
+  placeLocal();
+  placeOpponent(3, 50000, 50000);
+  int canvasShown = 0;
+  int radarShown = 0;
+  canvas().peer = std::make_unique<CountingPeer>(canvasShown);
+  radar().peer = std::make_unique<CountingPeer>(radarShown);
+  for (int frame = 1; frame <= 3; ++frame) {
+    modMain::paintFrame();
+    EXPECT_EQ(canvasShown, frame);
+    EXPECT_EQ(radarShown, frame);
+  }
+  canvas().peer.reset();
+  radar().peer.reset();
+}
+
+TEST_F(Frames, TheSpareParticlesLieOverTheBackgroundAndUnderTheExplosions) {
+  placeLocal();
+  modMain::localPlayer.isConnected = false;
+  frmMain->mnuQuarkStars.Checked = false;
+  modMain::particles.resize(1);
+  clsParticle& quark = modMain::particles[0];
+  quark.depth = 1;
+  quark.position = {50000 - 150, 50000 - 150};
+  quark.red = 255;
+  modMain::particleCount = 1;
+  modMain::spareParticles = modMain::particles;
+  modMain::spareParticles[0].red = 0;
+  modMain::spareParticles[0].green = 255;
+  modMain::spareParticleCount = 1;
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), RGB(0, 245, 0)) << "dimmed by 10 for its depth";
+
+  machine.seconds = 0;  // the one time of day at which an explosion is seen
+  modMain::addExplosion({50000, 50000}, 1);
+  modMain::explosionParticles[0].kind = 4;
+  modMain::paintFrame();
+  EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), RGB(16 * 5, ballsGreen, 0)) << "its ball, kind 4";
+}
+
 TEST_F(Frames, Q123AParticleThatLeavesSkipsTheNextOne) {
   placeLocal();
   modMain::addExplosion({50000, 50000}, 3);
@@ -88,6 +253,16 @@ TEST_F(Frames, TheDebugTextOfANormalFrame) {
   modMain::localPlayer.breaksOn = false;
   modMain::paintFrame();
   EXPECT_EQ(modMain::debugText, "Location: 12.346   .500\r\nPaint Time:000\r\n");
+}
+
+TEST_F(Frames, Q220TheBrakesAreSpeltBreaks) {
+  EXPECT_EQ(modMain::tips[0], "Right-Click to release or engage breaks");
+  clsPlayer& player = placeLocal();
+  player.breaksOn = false;
+  player.toggleBreaks();
+  EXPECT_TRUE(player.breaksOn);
+  modMain::paintFrame();
+  EXPECT_NE(modMain::debugText.find("\r\nBreaks on, right-click to release\r\n"), std::string::npos);
 }
 
 TEST_F(Frames, ADeadLocalPlayerStillHasHisLocationLine) {

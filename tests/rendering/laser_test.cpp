@@ -55,6 +55,43 @@ INSTANTIATE_TEST_SUITE_P(
                     Flight{0, 300, {-10, 3000}, {10, -3000}}, Flight{-200, 200, {-3000, 3000}, {3000, -3000}},
                     Flight{-300, 0, {-3000, -10}, {3000, 10}}, Flight{-200, -200, {-3000, -3000}, {3000, 3000}}));
 
+TEST_F(Laser, Q241StraightFlightsLeanByOneUnit) {
+  // 100 units a frame: the beam leans by 1 in 100, and 40 or 50 units over the 4000 and 5000 to the edge, 2 pixels and
+  // more: flights up and down to the left, flights to the right and left upward.
+  local->position = {50000, 50000};
+  flyAndPaint(0, -100);
+  EXPECT_TRUE(isBeamAt(-40, -4000));
+  EXPECT_FALSE(isBeamAt(0, -4000));
+  flyAndPaint(0, 100);
+  EXPECT_TRUE(isBeamAt(-40, 4000));
+  EXPECT_FALSE(isBeamAt(0, 4000));
+  flyAndPaint(100, 0);
+  EXPECT_TRUE(isBeamAt(5000, -50));
+  EXPECT_FALSE(isBeamAt(5000, 0));
+  flyAndPaint(-100, 0);
+  EXPECT_TRUE(isBeamAt(-5000, -50));
+  EXPECT_FALSE(isBeamAt(-5000, 0));
+}
+
+TEST_F(Laser, TheTailLiesUnderTheBeamAndTheBeamUnderTheBall) {
+  // Two tails of two vertices, each from above down across the beam: at 2250 to the right, and through the ball.
+  const Vector place = local->position;
+  const auto paintAcross = [&](float dx) {
+    local->tails.clear();
+    local->addTail({place.x + dx, place.y - 1500});
+    local->addTail({place.x + dx, place.y + 1500});
+    machine.scriptedDraws = {0};
+    flyAndPaint(3000, 3);  // flat enough to stay on the row next to the centre's
+    EXPECT_EQ(pixelAt(canvas(), 5722.0 + dx, 4560 - 900.0), RGB(255, 0, 0)) << "the tail is there";
+  };
+  paintAcross(2250);
+  EXPECT_TRUE(isBeamAt(2200, 0));
+  EXPECT_EQ(pixelAt(canvas(), 5722 + 2250.0, 4560.0), RGB(0, 255, 0));
+  paintAcross(150);
+  EXPECT_EQ(pixelAt(canvas(), 5722 + 150.0, 4560.0), RGB(16, playerGreen, 0)) << "the ball on the beam";
+  EXPECT_EQ(pixelAt(canvas(), 5722 + 150.0, 4560 - 300.0), RGB(16, playerGreen, 0)) << "the ball on the tail";
+}
+
 TEST_F(Laser, APlayerAtRestHasNoBeamAndDrawsNoNumber) {
   machine.scriptedDraws = {0.5F};
   flyAndPaint(0, 0);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "raster/surface.h"
 #include "rendering/frmGfx.h"
@@ -54,6 +55,17 @@ inline constexpr int ballsGreen = 80;
 inline constexpr int pointerGreen = 96;
 inline constexpr int blipGreen = 112;
 inline constexpr int iconGreen = 128;  // plus the slot
+
+/// Every character is a full block of 6 by 10 pixels, so a printed text is a plain rectangle; the font's size is noted.
+class Blocks : public GlyphSource {
+ public:
+  Glyph glyph(const FontSpec& font, unsigned char) override {
+    sizes.push_back(font.size);
+    return {0, 0, 6, 10, 6, std::vector<std::uint8_t>(60, 255)};
+  }
+  int lineHeight(const FontSpec&) override { return 14; }
+  std::vector<float> sizes;
+};
 
 /// The client with plain sheets, on a white canvas and radar.
 class PaintTest : public GameTest {

@@ -102,7 +102,7 @@ TEST_F(PlayerPainting, ADeadOpponentOnTheCanvasIsAGhostToo) {
   EXPECT_EQ(centre(), exchangedOnWhite(0, playerGreen + 3));
 }
 
-TEST_F(PlayerPainting, TheAnimationRunsForwardAndBack) {
+TEST_F(PlayerPainting, Q244TheAnimationRunsForwardAndBackAndItsEndsLastTwice) {
   std::vector<int> cells{local->animFrame};
   for (int change = 0; change < 11; ++change) cells.push_back(cellAfter(*local, 10));
   EXPECT_EQ(cells, (std::vector<int>{0, 1, 2, 3, 3, 2, 1, 0, 0, 1, 2, 3}));
@@ -123,15 +123,31 @@ TEST_F(PlayerPainting, ACellLastsShorterAtAHigherTimeScale) {
   EXPECT_EQ(cellAfter(*local, 1), 3);
 }
 
-TEST_F(PlayerPainting, AnUnseenOpponentsAnimationStands) {
-  clsPlayer& other = placeOpponent(3, 10000, 50000);
-  EXPECT_EQ(cellAfter(other, 25), 0);
-  EXPECT_EQ(other.animTick, 0);
+TEST_F(PlayerPainting, Q242AnUnseenOpponentsAnimationStands) {
+  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  EXPECT_EQ(cellAfter(other, 14), 1);
+  other.position.x = 10000;
+  EXPECT_EQ(cellAfter(other, 25), 1);
+  EXPECT_EQ(other.animTick, 4);
+  other.position.x = 50000;
+  EXPECT_EQ(cellAfter(other, 5), 1);
+  EXPECT_EQ(cellAfter(other, 1), 2) << "it goes on where it stood";
 }
 
-TEST_F(PlayerPainting, TheLocalBallNeverGoesThroughTheOffscreenTest) {
+TEST_F(PlayerPainting, AGhostsBallIsAnimatedToo) {
+  local->alive = false;
+  EXPECT_EQ(cellAfter(*local, 10), 1);
+  paint(*local);
+  EXPECT_EQ(centre(), exchangedOnWhite(1, playerGreen));
+  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  other.alive = false;
+  EXPECT_EQ(cellAfter(other, 10), 1);
+}
+
+TEST_F(PlayerPainting, TheLocalBallIsAnimatedOnACanvasOfNoSize) {
   canvas().Width = 0;
-  EXPECT_EQ(cellAfter(*local, 10), 1) << "the animation goes on";
+  canvas().Height = 0;
+  EXPECT_EQ(cellAfter(*local, 10), 1);
 }
 
 TEST_F(PlayerPainting, ExactlyInTheCornerAnOpponentHasHisBall) {
@@ -156,6 +172,8 @@ class ArrowTable : public PlayerPainting, public testing::WithParamInterface<Arr
 TEST_P(ArrowTable, Q138TheArrowStandsOnTheEdge) {
   const ArrowRow& row = GetParam();
   clsPlayer& other = placeOpponent(4, 50000 - 5722 + row.screen.x, 50000 - 4560 + row.screen.y);
+  // The image is larger than the control by an arrow, so that one just beyond its right or lower edge is seen.
+  canvas().resize(763 + 18, 608 + 18);
   paint(other);
   if (row.frame < 0) {
     EXPECT_EQ(other.animTick, 1) << "a ball";
@@ -175,6 +193,13 @@ INSTANTIATE_TEST_SUITE_P(Places, ArrowTable,
                                          ArrowRow{{11455, -10}, 5, 745, 0}, ArrowRow{{11455, 9130}, 7, 745, 590},
                                          ArrowRow{{6000, -10}, 0, 400, 0}, ArrowRow{{6000, 9130}, 2, 400, 590},
                                          ArrowRow{{6000, 3000}, -1, 0, 0}));
+
+// A coordinate exactly on the canvas's edge is within it: these stand on an edge and no corner.
+INSTANTIATE_TEST_SUITE_P(Bounds, ArrowTable,
+                         testing::Values(ArrowRow{{0, -10}, 0, 0, 0}, ArrowRow{{11445, -10}, 0, 763, 0},
+                                         ArrowRow{{0, 9130}, 2, 0, 590}, ArrowRow{{11445, 9130}, 2, 763, 590},
+                                         ArrowRow{{-10, 0}, 3, 0, 0}, ArrowRow{{-10, 9120}, 3, 0, 608},
+                                         ArrowRow{{11455, 0}, 1, 745, 0}, ArrowRow{{11455, 9120}, 1, 745, 608}));
 
 TEST_F(PlayerPainting, TheArrowHasTheOpponentsColour) {
   for (std::int16_t colour = 0; colour < 6; ++colour) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "rendering/pointer.h"
 #include "tests/rendering/paintTest.h"
 
 namespace kelvora {
@@ -49,6 +50,35 @@ TEST_P(PointerTable, Q128TheFrameFollowsTheBandsOfTheQuadrant) {
 INSTANTIATE_TEST_SUITE_P(Quadrants, PointerTable,
                          testing::Values(Row{1, {0, 1, 2, 3}}, Row{4, {6, 5, 4, 3}}, Row{3, {6, 7, 8, 9}},
                                          Row{2, {0, 11, 10, 9}}));
+
+TEST_P(PointerTable, AnAngleOnABoundFallsInTheBandAbove) {
+  const auto& [quadrant, frames] = GetParam();
+  const float bounds[] = {15, 40, 60};
+  for (int i = 0; i < 3; ++i) {
+    const auto number = static_cast<std::uint8_t>(quadrant);
+    EXPECT_EQ(modMain::pointerFrame({bounds[i], number}), frames[i + 1]) << bounds[i];
+    EXPECT_EQ(modMain::pointerFrame({std::nextafter(bounds[i], 0.0F), number}), frames[i]) << "just below";
+  }
+}
+
+TEST_F(Pointer, TheMouseCanStandAtExactlyForty) {
+  // 1091 to the right and 1248.75 up.
+  modMain::mousePos = {6813, 3311.25F};
+  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::mousePos).angle, 40);
+  EXPECT_EQ(paintedFrame(), 2);
+  EXPECT_EQ(modMain::steerQuadrant, 1);
+}
+
+TEST_F(Pointer, AHalfIsRoundedToTheEvenAngle) {
+  modMain::mousePos = {5872.25F, 3583};
+  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::mousePos).angle, 8.5F);
+  modMain::paintPointer();
+  EXPECT_EQ(modMain::getSteerAngle(), 8);
+  modMain::mousePos = {6008.25F, 4481};
+  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::mousePos).angle, 72.5F);
+  modMain::paintPointer();
+  EXPECT_EQ(modMain::getSteerAngle(), 72);
+}
 
 TEST_F(Pointer, TheSteeringAngleIsRounded) {
   point(30.4, 1);

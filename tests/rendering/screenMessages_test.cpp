@@ -9,17 +9,6 @@
 namespace kelvora {
 namespace {
 
-// Every character is a full block of 6 by 10 pixels, so a printed text is a plain rectangle; the font's size is noted.
-class Blocks : public GlyphSource {
- public:
-  Glyph glyph(const FontSpec& font, unsigned char) override {
-    sizes.push_back(font.size);
-    return {0, 0, 6, 10, 6, std::vector<std::uint8_t>(60, 255)};
-  }
-  int lineHeight(const FontSpec&) override { return 14; }
-  std::vector<float> sizes;
-};
-
 class ScreenMessages : public PaintTest {
  protected:
   ScreenMessages() {

@@ -146,6 +146,29 @@ TEST_F(TailPainting, VerticesThatEndInThisFrameAreNotDrawn) {
   EXPECT_EQ(pixelAt(canvas(), 2250.0, 1500.0), Colour{});
 }
 
+TEST_F(TailPainting, Q243ATailNeitherAgesNorFiresUnlessItIsPainted) {
+  // The capture of the opponent waits for the local player's older vertex, which lives for 2 s and a little.
+  clsPlayer& victim = placeOpponent(3, 10000, 10000);
+  lay(1500, 1500);
+  lay(3000, 1500);
+  paint();
+  tick(10);
+  paint();
+  const Vector corner = local->tails[0].getPosition();
+  modMain::addKillerTail(local->serverNode, victim.serverNode, corner.x, corner.y);
+  ASSERT_EQ(modMain::killerTails.size(), 1U);
+  for (int frame = 0; frame < 100; ++frame) {
+    tick(100);
+    victim.paintSelf();
+  }
+  EXPECT_EQ(local->tails.size(), 2U) << "ten seconds later";
+  EXPECT_EQ(local->tails[0].getAge(), 0);
+  EXPECT_TRUE(victim.alive);
+  paint();
+  EXPECT_TRUE(local->tails.empty());
+  EXPECT_FALSE(victim.alive);
+}
+
 TEST_F(TailPainting, OpponentsTailsLookTheSame) {
   clsPlayer& other = placeOpponent(3, 50000, 50000);
   local->isConnected = false;
