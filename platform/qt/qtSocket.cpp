@@ -120,7 +120,7 @@ void QtSocket::note() {
 void QtSocket::tell() {
   const std::shared_ptr<Connection> connection = connection_;
   connection->isTellingQueued = false;
-  if (connection->isConnected && state_ != sckConnected) {
+  if (connection->isConnected && state_ < sckConnected) {
     state_ = sckConnected;
     if (connection->hasNews || connection->isClosed || connection->isBroken) note();
     runEvent(owner_.onConnect);

@@ -249,6 +249,20 @@ TEST_F(Socket, MayBeDeletedInItsOwnEvents) {
   serveFor(20);
 }
 
+TEST_F(Socket, TheEndToldWithinAnotherEventIsTheEnd) {
+  connect();
+  socket_->onDataArrival = [this] {
+    socket_->GetData();
+    EXPECT_TRUE(serveUntil([this] { return socket_->State() == sckClosing; })) << "as under a message box";
+  };
+  other_->write("denied");
+  other_->close();
+  ASSERT_TRUE(serveUntil([this] { return socket_->State() == sckClosing; }));
+  serveFor(20);
+  EXPECT_EQ(socket_->State(), 8);
+  EXPECT_EQ(events_, (Events{"Connect 7", "Close 8"})) << "it is not told again that the connection stands";
+}
+
 TEST_F(Socket, ClosingInCloseEventLeavesItClosed) {
   socket_->onClose = [this] { socket_->Close(); };
   connect();
