@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "audio/frmMusic.h"
+#include "audio/frmSound.h"
+#include "audio/soundMan.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+
+/// A client whose devices note down what they are told.
+class AudioTest : public GameTest {
+ protected:
+  /// The effects are open, the tracks have their names, and what that took is forgotten.
+  void openSounds() {
+    soundMan::initAudio();
+    machine.soundCommands.clear();
+  }
+  /// What playing an effect tells its device.
+  static std::vector<std::string> playing(const std::string& file) {
+    return {file + " Silent False", file + " prev", file + " play"};
+  }
+  static std::vector<std::string> stopping(const std::string& file) {
+    return {file + " Silent True", file + " prev", file + " stop"};
+  }
+  /// The path of a track: 0 the store's, 1 to 5 the rotation.
+  std::string track(int number) const {
+    const std::string name = number == 0 ? "music_shopping" : "music" + std::to_string(number);
+    return machine.path + "/sounds/" + name + ".mp3";
+  }
+  /// The player says what it is doing, and the timer looks.
+  void tickMusic(int playState) {
+    machine.playState = playState;
+    tick(2000);
+    passEvents();
+  }
+  void enter(const std::string& line) { netMan::sendChat(line); }
+};
+
+}  // namespace kelvora

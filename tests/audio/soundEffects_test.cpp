@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+
+#include "base/fault.h"
+#include "tests/audio/audioTest.h"
+
+namespace kelvora {
+namespace {
+
+constexpr std::array<const char*, 9> files = {
+    "capture.wav",       "bounce.wav",     "error.wav",   "puShield.wav",  "puTurbo.wav",
+    "puChargedTail.wav", "puLongTail.wav", "puLaser.wav", "puMissile.wav",
+};
+
+class SoundEffects : public AudioTest {};
+
+TEST_F(SoundEffects, AreNineOpenDevices) {
+  soundMan::initAudio();
+  ASSERT_EQ(frmSound->lastIndex(), 8);
+  for (int slot = 0; slot <= 8; ++slot) {
+    SoundDevice& device = frmSound->mm(slot);
+    EXPECT_EQ(device.FileName, machine.path + "/sounds/" + files[static_cast<std::size_t>(slot)]);
+    EXPECT_TRUE(std::filesystem::exists(device.FileName)) << device.FileName;
+    EXPECT_FALSE(device.Notify);
+    EXPECT_TRUE(device.Wait);
+    EXPECT_FALSE(device.Shareable);
+    EXPECT_EQ(device.DeviceType, "WaveAudio");
+    EXPECT_TRUE(device.isOpen());
+  }
+  std::vector<std::string> opened;
+  for (const char* file : files) opened.push_back(std::string(file) + " open");
+  EXPECT_EQ(machine.soundCommands, opened);
+}
+
+TEST_F(SoundEffects, RewindAndStartTheDeviceOfTheirSlot) {
+  openSounds();
+  for (std::int16_t slot = 0; slot <= 8; ++slot) {
+    machine.soundCommands.clear();
+    soundMan::playSound(slot);
+    EXPECT_EQ(machine.soundCommands, playing(files[static_cast<std::size_t>(slot)])) << slot;
+  }
+}
+
+TEST_F(SoundEffects, OutsideTheirNumbersDoNothing) {
+  openSounds();
+  for (const std::int16_t slot : std::initializer_list<std::int16_t>{9, -1, 32767, -32768}) {
+    EXPECT_NO_THROW(soundMan::playSound(slot));
+    EXPECT_NO_THROW(soundMan::stopSound(slot));
+  }
+  EXPECT_TRUE(machine.soundCommands.empty());
+}
+
+TEST_F(SoundEffects, AreSwitchedOffByTheMenu) {
+  openSounds();
+  frmMain->mnuAudioSfx.Click();
+  soundMan::playSound(2);
+  EXPECT_TRUE(machine.soundCommands.empty());
+  frmMain->mnuAudioSfx.Click();
+  soundMan::playSound(2);
+  EXPECT_EQ(machine.soundCommands, playing("error.wav"));
+}
+
+TEST_F(SoundEffects, AreSwitchedOffByTheCommandLineInAnyCase) {
+  openSounds();
+  for (const char* line : {"NoSound", "nosound", "-NOSOUND", "some xnosoundx thing"}) {
+    machine.commandLineText = line;
+    soundMan::playSound(0);
+    EXPECT_TRUE(machine.soundCommands.empty()) << line;
+  }
+  machine.commandLineText = "no sound nomusic";
+  soundMan::playSound(0);
+  EXPECT_EQ(machine.soundCommands, playing("capture.wav"));
+}
+
+TEST_F(SoundEffects, AreStoppedWhateverTheSwitchesSay) {
+  openSounds();
+  machine.commandLineText = "nosound";
+  frmMain->mnuAudioSfx.Checked = false;
+  for (std::int16_t slot = 0; slot <= 8; ++slot) {
+    machine.soundCommands.clear();
+    soundMan::stopSound(slot);
+    EXPECT_EQ(machine.soundCommands, stopping(files[static_cast<std::size_t>(slot)])) << slot;
+  }
+}
+
+TEST_F(SoundEffects, StaySilentFromTheStopToTheNextPlay) {
+  openSounds();
+  soundMan::playSound(4);
+  soundMan::stopSound(4);
+  EXPECT_TRUE(frmSound->mm(4).Silent());
+  soundMan::playSound(5);
+  EXPECT_TRUE(frmSound->mm(4).Silent());
+  EXPECT_FALSE(frmSound->mm(5).Silent());
+  soundMan::playSound(4);
+  EXPECT_FALSE(frmSound->mm(4).Silent());
+}
+
+TEST_F(SoundEffects, WithoutTheirFileFailUnseen) {
+  machine.missingFiles.insert(machine.path + "/sounds/puLaser.wav");
+  EXPECT_NO_THROW(openSounds());
+  EXPECT_FALSE(frmSound->mm(7).isOpen());
+  EXPECT_TRUE(frmSound->mm(8).isOpen());
+  EXPECT_NO_THROW(soundMan::playSound(7));
+  EXPECT_NO_THROW(soundMan::stopSound(7));
+  EXPECT_TRUE(machine.soundCommands.empty());
+  EXPECT_TRUE(machine.messageBoxes.empty());
+}
+
+TEST_F(SoundEffects, ThatWereNeverOpenedFailUnseen) {
+  for (std::int16_t slot = 0; slot <= 8; ++slot) {
+    EXPECT_NO_THROW(soundMan::playSound(slot));
+    EXPECT_NO_THROW(soundMan::stopSound(slot));
+  }
+  EXPECT_EQ(frmSound->lastIndex(), 0) << "the form itself brings one device";
+  EXPECT_TRUE(machine.soundCommands.empty());
+}
+
+TEST_F(SoundEffects, AreReloadedFromTheSecondOn) {
+  openSounds();
+  soundMan::reloadSounds();
+  EXPECT_EQ(frmSound->lastIndex(), 8);
+  std::vector<std::string> opened;
+  for (std::size_t slot = 1; slot < files.size(); ++slot) opened.push_back(std::string(files[slot]) + " open");
+  EXPECT_EQ(machine.soundCommands, opened) << "the first one is open already";
+  machine.soundCommands.clear();
+  soundMan::playSound(0);
+  soundMan::playSound(8);
+  EXPECT_EQ(machine.soundCommands.size(), 6U);
+}
+
+TEST_F(SoundEffects, ReloadFindsAFileThatHasCome) {
+  machine.missingFiles.insert(machine.path + "/sounds/capture.wav");
+  openSounds();
+  machine.missingFiles.clear();
+  soundMan::reloadSounds();
+  EXPECT_TRUE(frmSound->mm(0).isOpen());
+}
+
+TEST_F(SoundEffects, FormHasItsTitleAndIsNeverShown) {
+  openSounds();
+  soundMan::playSound(0);
+  EXPECT_EQ(frmSound->Caption.get(), "Sound Manager");
+  EXPECT_TRUE(frmSound.isLoaded());
+  EXPECT_FALSE(frmSound.isVisible());
+}
+
+TEST_F(SoundEffects, DeviceRefusesWhatMakesNoSense) {
+  SoundDevice device;
+  EXPECT_THROW(device.Command("play"), RuntimeFault) << "not open";
+  device.FileName = "/a/b.wav";
+  device.Command("open");
+  EXPECT_THROW(device.Command("open"), RuntimeFault);
+  EXPECT_THROW(device.Command("dance"), RuntimeFault);
+  EXPECT_EQ(machine.soundCommands, std::vector<std::string>{"b.wav open"});
+}
+
+}  // namespace
+}  // namespace kelvora

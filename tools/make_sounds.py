@@ -1,0 +1,50 @@
+#!/usr/bin/python3
+"""Synthesises every sound and every piece of music of the game. See README.md beside this file."""
+
+import argparse
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+sys.dont_write_bytecode = True  # the source tree holds sources only
+
+from sounds import effects, music
+from sounds.synth import write_wave
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BIT_RATE = 96  # kbit/s: each piece stays below a megabyte
+
+
+def make_effects(folder):
+    for name, samples in effects.all_effects():
+        write_wave(folder / f"{name}.wav", samples)
+        print(folder / f"{name}.wav")
+
+
+def make_music(folder, chosen):
+    for name, samples in music.all_pieces(chosen):
+        with tempfile.TemporaryDirectory() as temporary:
+            wave = pathlib.Path(temporary) / "piece.wav"
+            write_wave(wave, samples)
+            target = folder / f"{name}.mp3"
+            options = ["--quiet", "-q", "2", "-m", "j", "-b", str(BIT_RATE), "--resample", "44.1", "--lowpass", "14"]
+            subprocess.run(["lame", *options, str(wave), str(target)], check=True)
+        print(target)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--only", choices=["effects", "music"])
+    parser.add_argument("--piece", help="one piece of music by its name")
+    parser.add_argument("--output", type=pathlib.Path, default=ROOT / "sounds")
+    arguments = parser.parse_args()
+    arguments.output.mkdir(parents=True, exist_ok=True)
+    if arguments.only != "music" and not arguments.piece:
+        make_effects(arguments.output)
+    if arguments.only != "effects":
+        make_music(arguments.output, arguments.piece)
+
+
+if __name__ == "__main__":
+    main()
