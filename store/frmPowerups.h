@@ -48,7 +48,7 @@ class FrmPowerups : public Form {
   }};
   ControlArray<Label, powerupSlotCount> lblItemCost{[this](int i) {
     return Label{this,
-                 {3300, row(i, 150), 1080, 225},
+                 {3300, row(i, 135), 1080, 255},
                  std::to_string(ware(i).price),
                  {.back = white, .alignment = Alignment::Centre, .font = panelFontBold}};
   }};
@@ -63,7 +63,7 @@ class FrmPowerups : public Form {
   }};
   ControlArray<Label, powerupSlotCount> lblCurrentStock{[this](int i) {
     return Label{this,
-                 {9840, row(i, 150), 1080, 225},
+                 {9840, row(i, 135), 1080, 255},
                  "0",
                  {.fore = white, .transparent = true, .alignment = Alignment::Centre, .font = panelFontBold}};
   }};

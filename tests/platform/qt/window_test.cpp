@@ -68,6 +68,51 @@ TEST_F(Window, PictureShowsItsPixelsAtOnce) {
 
 TEST_F(Window, PointerCanBeMadeInvisible) {
   slot_->Show();
+TEST_F(Window, ActivateComesWithTheFocus) {
+  slot_->Activate = [this] { slot_->note("Activate"); };
+  slot_->Show();
+  // What the window system says when a window gets the focus and when it loses it.
+  const auto tell = [this](QEvent::Type type) {
+    slot_->notes.clear();
+    QEvent event(type);
+    QCoreApplication::sendEvent(&windowOf(*slot_), &event);
+    return slot_->notes;
+  };
+  EXPECT_EQ(tell(QEvent::WindowActivate), Notes{"Activate"});
+  EXPECT_EQ(tell(QEvent::WindowDeactivate), Notes{});
+  EXPECT_EQ(tell(QEvent::WindowActivate), Notes{"Activate"}) << "every time";
+}
+
+TEST_F(Window, LabelBreaksLinesBeforeItsFontShrinks) {
+  Form form("Lines", {.clientWidth = 6000, .clientHeight = 4500});
+  const LabelDesign design{.fore = RGB(255, 255, 255), .back = RGB(0, 0, 0)};
+  Label broken{&form, {0, 0, 1500, 600}, "narrow extraordinarily", design};
+  Label alone{&form, {0, 900, 1500, 600}, "extraordinarily", design};
+  form.Show();
+  // The last column with ink: the second line is the longer one, and as long as it is alone.
+  const auto inkEnd = [](Label& label) {
+    const QImage image = widgetOf(label).grab().toImage();
+    int end = 0;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = end; x < image.width(); ++x) {
+        if (image.pixelColor(x, y).lightness() > 64) end = x;
+      }
+    }
+    return end;
+  };
+  EXPECT_GT(inkEnd(alone), 40);
+  EXPECT_EQ(inkEnd(broken), inkEnd(alone));
+}
+
+TEST_F(Window, ToolTipFollowsItsProperty) {
+  slot_->box.ToolTipText = "before";
+  slot_->Show();
+  EXPECT_EQ(widgetOf(slot_->box).toolTip(), QString("before"));
+  slot_->box.ToolTipText = "after";
+  EXPECT_EQ(widgetOf(slot_->box).toolTip(), QString("after"));
+  EXPECT_EQ(widgetOf(slot_->okay).toolTip(), QString());
+}
+
   EXPECT_EQ(widgetOf(slot_->box).cursor().shape(), Qt::ArrowCursor);
   slot_->box.MousePointer = 99;
   EXPECT_EQ(widgetOf(slot_->box).cursor().shape(), Qt::BlankCursor);

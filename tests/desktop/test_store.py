@@ -1,0 +1,214 @@
+"""The store in its real window: buying, selling, refusals, its place and its end; and the keys that fire what it sells."""
+
+import time
+import unittest
+
+import harness
+from harness import TWIPS
+
+FUNDS, BUY_REQUEST, BUY_DENIED, BUY_ACCEPTED = range(148, 152)
+RESPAWN, ACTIVATE_REQUEST, POWERUP_ON = 154, 155, 156
+SELL_REQUEST, SELL_DENIED, SELL_ACCEPTED = range(158, 161)
+
+WHITE = (255, 255, 255)
+TOO_DEAR = (128, 95, 95)
+YELLOW = (255, 255, 0)
+
+# The window's places in pixels of its client area: left, top, width and height, of the first of six rows.
+ROW = 76
+PICTURE = (20, 79, 57, 57)
+PRICE = (220, 81, 72, 17)
+BUY = (220, 104, 72, 30)
+STOCK = (656, 81, 72, 17)
+SELL = (656, 104, 72, 30)
+FUNDS_LABEL = (642, 25, 100, 18)
+CAPACITY_LABEL = (534, 25, 100, 18)
+STATUS = (24, 548, 616, 40)
+DONE = (656, 550, 72, 32)
+
+
+class StoreWindow:
+    """The open store: clicks by item, and what stands on the screen."""
+
+    def __init__(self, client):
+        self.client = client
+        width, _ = client.canvas_size()
+        # btnShop stands 225 twips beside the canvas, 4800 from the top.
+        left, top = client.on_screen(width + 225 // TWIPS + 49, 4800 // TWIPS + 20)
+        client.display.xdotool("mousemove", left, top, "click", 1)
+        self.window = client.wait_for_window("Powerups")
+
+    def click(self, place, item=0):
+        left, top, width, height = place
+        self.window.click(left + width // 2, top + ROW * item + height // 2)
+
+    def pixels(self, place, item=0):
+        """The pixels of a place on the screen, row by row."""
+        window_left, window_top = self.window.geometry()[:2]
+        left, top, width, height = place
+        left, top = window_left + left, window_top + top + ROW * item
+        picture = self.client.display.picture()
+        return [picture.pixel(x, y) for y in range(top, top + height) for x in range(left, left + width)]
+
+    def wait_for_change(self, place, before, item=0):
+        return harness.wait_for(lambda: (now := self.pixels(place, item)) != before and now, f"a change at {place}")
+
+    def price_colour(self, item):
+        return self.pixels((PRICE[0] + 2, PRICE[1] + 2, 1, 1), item)[0]
+
+    def wait_for_prices(self, colours):
+        harness.wait_for(lambda: [self.price_colour(item) for item in range(6)] == colours, f"prices in {colours}")
+
+    def wait_for_status(self):
+        harness.wait_for(lambda: YELLOW in self.pixels(STATUS), "a text at the bottom")
+
+    def wait_for_end(self):
+        harness.wait_for(lambda: "Powerups" not in self.client.windows(), "the store's end")
+
+
+class Store(harness.DesktopTest):
+
+    def open(self, funds=10):
+        """The store over a game that has begun, and the line to its server."""
+        client, line = self.log_in()
+        line.send(FUNDS, 7, funds)
+        return StoreWindow(client), line
+
+    def test_window_has_its_size_and_stands_on_the_main_one(self):
+        store, line = self.open()
+        left, top, width, height = store.window.geometry()
+        self.assertEqual((width, height), (758, 604))
+        main = store.client.window
+        harness.wait_for(lambda: (store.window.geometry()[0] - main.geometry()[0],
+                                  store.window.geometry()[1] - main.geometry()[1]) == (8, 8), "the store's place")
+
+    def test_prices_are_coloured_by_the_balance(self):
+        store, line = self.open(funds=20)
+        store.wait_for_prices([WHITE, WHITE, TOO_DEAR, WHITE, WHITE, TOO_DEAR])
+        line.send(BUY_ACCEPTED, 1, 1, 10)
+        store.wait_for_prices([TOO_DEAR, WHITE] + 4 * [TOO_DEAR])
+
+    def test_buttons_and_pictures_buy(self):
+        store, line = self.open()
+        for item in range(6):
+            store.click(BUY, item)
+            self.assertEqual(line.recv_frame(), (BUY_REQUEST, [str(item).encode()]))
+            store.click(PICTURE, item)
+            self.assertEqual(line.recv_frame(), (BUY_REQUEST, [str(item).encode()]))
+
+    def test_purchase_shows_in_the_row_and_in_the_totals(self):
+        store, line = self.open(funds=100)
+        before = [store.pixels(place, item) for place, item in
+                  ((STOCK, 4), (FUNDS_LABEL, 0), (CAPACITY_LABEL, 0), (STOCK, 3))]
+        store.click(BUY, 4)
+        line.recv_frame()
+        line.send(BUY_ACCEPTED, 4, 1, 80)
+        store.wait_for_status()
+        self.assertNotEqual(store.pixels(STOCK, 4), before[0])
+        self.assertNotEqual(store.pixels(FUNDS_LABEL), before[1])
+        self.assertNotEqual(store.pixels(CAPACITY_LABEL), before[2])
+        self.assertEqual(store.pixels(STOCK, 3), before[3], "another row")
+
+    def test_selling(self):
+        store, line = self.open()
+        line.send(BUY_ACCEPTED, 2, 1, 0)
+        store.wait_for_status()
+        one = store.pixels(STOCK, 2)
+        store.click(SELL, 2)
+        self.assertEqual(line.recv_frame(), (SELL_REQUEST, [b"2"]))
+        line.send(SELL_ACCEPTED, 2, 0, 15)
+        store.wait_for_change(STOCK, one, 2)
+        store.wait_for_prices([TOO_DEAR, WHITE] + 4 * [TOO_DEAR])
+
+    def test_refusals_of_the_server_stand_at_the_bottom(self):
+        store, line = self.open()
+        self.assertNotIn(YELLOW, store.pixels(STATUS))
+        line.send(BUY_DENIED, "You cannot afford that.")
+        store.wait_for_status()
+        first = store.pixels(STATUS)
+        line.send(SELL_DENIED, "You have nothing to sell.")
+        store.wait_for_change(STATUS, first)
+
+    def test_full_store_room_is_refused_without_the_server(self):
+        store, line = self.open()
+        line.send(BUY_ACCEPTED, 0, 10, 500)
+        store.wait_for_status()
+        before = store.pixels(STATUS)
+        store.click(BUY, 1)
+        after = store.wait_for_change(STATUS, before)
+        self.assertGreater(after.count(YELLOW), 2 * before.count(YELLOW), "the long text of the refusal")
+        self.assertEqual(line.frames_during(0.5), [])
+
+    def test_item_has_a_tool_tip(self):
+        store, line = self.open()
+        left, top = store.window.geometry()[:2]
+        x, y = left + PICTURE[0] + 28, top + PICTURE[1] + 28
+        below = (PICTURE[0] + 28, PICTURE[1] + 28, 120, 50)
+        self.display.xdotool("mousemove", left + 400, top + 20)
+        time.sleep(0.3)
+        before = store.pixels(below)
+        self.display.xdotool("mousemove", x - 1, y, "mousemove", x, y)
+        harness.wait_for(lambda: sum(a != b for a, b in zip(store.pixels(below), before)) > 500, "the tool tip")
+
+    def test_done_and_a_respawn_close_it(self):
+        store, line = self.open()
+        store.click(DONE)
+        store.wait_for_end()
+        store = StoreWindow(store.client)
+        line.send(RESPAWN, 7)
+        store.wait_for_end()
+
+    def test_game_goes_on_behind_it(self):
+        client, line = self.log_in()
+        client.mouse_to(600, 200)
+        client.right_click()
+        line.report()
+        StoreWindow(client)
+        places = {line.report() for _ in range(20)}
+        self.assertGreater(len(places), 10)
+
+    def test_it_jumps_back_when_it_gets_the_focus(self):
+        store, line = self.open()
+        home = store.window.geometry()[:2]
+        self.display.xdotool("windowmove", store.window.identifier, home[0] + 200, home[1] + 150)
+        harness.wait_for(lambda: store.window.geometry()[0] > home[0] + 150, "the move")
+        store.client.window.activate()
+        time.sleep(0.3)
+        self.assertGreater(store.window.geometry()[0], home[0] + 150)
+        store.window.activate()
+        harness.wait_for(lambda: store.window.geometry()[:2] == home, "the store's place")
+
+
+class Keys(harness.DesktopTest):
+
+    def fire_all(self, client, line):
+        for item in range(6):
+            line.send(BUY_ACCEPTED, item, 1, 0)
+        time.sleep(0.3)
+        for item in range(5):
+            self.display.xdotool("key", f"F{item + 1}")
+            self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [str(item).encode()]))
+        # The pulse goes off behind a shield only.
+        self.display.xdotool("key", "F6")
+        self.assertEqual(line.frames_during(0.5), [])
+        line.send(POWERUP_ON, 7, 0)
+        time.sleep(0.3)
+        self.display.xdotool("key", "F6")
+        self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [b"5"]))
+
+    def test_powerups_fire_from_the_canvas(self):
+        client, line = self.log_in()
+        client.mouse_to(300, 300)
+        self.display.xdotool("click", 1)
+        self.fire_all(client, line)
+
+    def test_powerups_fire_from_the_chat_box(self):
+        client, line = self.log_in()
+        # txtChat stands 1440 twips from the left, 105 below the canvas.
+        x, y = client.on_screen(1440 // TWIPS + 100, client.canvas_size()[1] + 105 // TWIPS + 12)
+        self.display.xdotool("mousemove", x, y, "click", 1)
+        self.fire_all(client, line)
+
+
+if __name__ == "__main__":
+    unittest.main()
