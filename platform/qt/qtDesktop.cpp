@@ -33,7 +33,7 @@ Tick QtDesktop::tickCount() {
 }
 
 float QtDesktop::secondsSinceMidnight() {
-  return static_cast<float>(QTime::currentTime().msecsSinceStartOfDay()) / 1000.0F;
+  return static_cast<float>(QTime::currentTime().msecsSinceStartOfDay() / 1000.0);
 }
 
 void QtDesktop::messageBox(const std::string& text) {

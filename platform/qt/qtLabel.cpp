@@ -34,7 +34,8 @@ class LabelWidget : public ControlWidget {
     if (!fitsInLines(painter.fontMetrics(), text, inside.size())) {
       painter.setFont(fittingFont(painter.font(), text, inside.size()));
     }
-    painter.drawText(inside, Qt::AlignTop | horizontal(painter.fontMetrics(), text, inside.size()), text);
+    const QFontMetrics metrics = painter.fontMetrics();
+    painter.drawText(inside, vertical(metrics, inside.size()) | horizontal(metrics, text, inside.size()), text);
   }
 
  private:
@@ -42,6 +43,11 @@ class LabelWidget : public ControlWidget {
     if (room.height() < 2 * metrics.lineSpacing()) return false;
     const QRect lines = metrics.boundingRect(QRect(QPoint(), room), Qt::TextExpandTabs | Qt::TextWordWrap, text);
     return lines.width() <= room.width() && lines.height() <= room.height();
+  }
+
+  /// A single line stands in the middle, beside the text boxes of its row; a heading and a paragraph begin at the top.
+  static Qt::AlignmentFlag vertical(const QFontMetrics& metrics, QSize room) {
+    return room.height() < 2 * metrics.lineSpacing() ? Qt::AlignVCenter : Qt::AlignTop;
   }
 
   /// A text that is too wide or high for one line is broken into lines where there is room for them.

@@ -15,7 +15,8 @@ class PictureBoxWidget : public ControlWidget {
   PictureBoxWidget(PictureBox& box, QWidget* parent) : ControlWidget(box, parent), box_(box) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
-    setFocusPolicy(box.TabIndex >= 0 ? Qt::StrongFocus : Qt::ClickFocus);
+    // A click on a picture without keys leaves the focus where it is; mousePressEvent takes it for the others.
+    setFocusPolicy(box.TabIndex >= 0 ? Qt::TabFocus : Qt::NoFocus);
   }
 
  protected:

@@ -56,6 +56,18 @@ TEST_F(Input, Q020PictureHearsOfNoMoveOutside) {
   EXPECT_EQ(form_.notes, Notes{"box up 1 0 -15 750"});
 }
 
+TEST_F(Input, Q225AMouseThatLeavesIsNotHeardOf) {
+  sendMouse(form_.box, QEvent::MouseMove, {199, 99}, Qt::NoButton, Qt::NoButton);
+  form_.notes.clear();
+  QEvent leave(QEvent::Leave);
+  QCoreApplication::sendEvent(&widgetOf(form_.box), &leave);
+  EXPECT_EQ(form_.notes, Notes{});
+}
+
+TEST_F(Input, Q229ATextBoxShowsWhatIsTyped) {
+  EXPECT_EQ(dynamic_cast<QLineEdit&>(widgetOf(form_.first)).echoMode(), QLineEdit::Normal);
+}
+
 TEST_F(Input, SecondPressOfAPairIsAPress) {
   sendMouse(form_.box, QEvent::MouseButtonDblClick, {1, 1}, Qt::RightButton, Qt::RightButton);
   EXPECT_EQ(form_.notes, Notes{"box down 2 0 15 15"});

@@ -2,10 +2,12 @@
 
 #include <QMenu>
 #include <QMenuBar>
+#include <QTest>
 #include <memory>
 
 #include "base/fault.h"
 #include "platform/backend.h"
+#include "platform/qt/qtFonts.h"
 #include "tests/platform/qt/desktopTest.h"
 #include "tests/platform/qt/formProbe.h"
 
@@ -66,8 +68,6 @@ TEST_F(Window, PictureShowsItsPixelsAtOnce) {
   EXPECT_EQ(widgetOf(slot_->box).grab().toImage().pixelColor(5, 5), QColor(1, 200, 3));
 }
 
-TEST_F(Window, PointerCanBeMadeInvisible) {
-  slot_->Show();
 TEST_F(Window, ActivateComesWithTheFocus) {
   slot_->Activate = [this] { slot_->note("Activate"); };
   slot_->Show();
@@ -113,6 +113,8 @@ TEST_F(Window, ToolTipFollowsItsProperty) {
   EXPECT_EQ(widgetOf(slot_->okay).toolTip(), QString());
 }
 
+TEST_F(Window, PointerCanBeMadeInvisible) {
+  slot_->Show();
   EXPECT_EQ(widgetOf(slot_->box).cursor().shape(), Qt::ArrowCursor);
   slot_->box.MousePointer = 99;
   EXPECT_EQ(widgetOf(slot_->box).cursor().shape(), Qt::BlankCursor);
@@ -154,6 +156,59 @@ TEST_F(Window, OnlyAPictureThatListensToKeysTakesTheFocus) {
   slot_->box.KeyPress = [](int) {};
   sendMouse(slot_->box, QEvent::MouseButtonPress, {1, 1}, Qt::LeftButton, Qt::LeftButton);
   EXPECT_EQ(windowOf(*slot_).focusWidget(), &widgetOf(slot_->box));
+}
+
+// The press comes in by way of the window system, as a player's does: only then the toolkit moves the focus by itself.
+TEST_F(Window, AClickOnAPictureWithoutKeysLeavesTheFocus) {
+  Form form("Pictures", {.clientWidth = 3000, .clientHeight = 3000});
+  PictureBox silent(&form, {0, 0, 1500, 1500});
+  PictureBox listening(&form, {1500, 0, 1500, 1500});
+  TextBox entry(&form, {0, 1500, 1500, 300}, "");
+  entry.TabIndex = 0;
+  int clicks = 0;
+  silent.Click = [&clicks] { ++clicks; };
+  listening.KeyPress = [](int) {};
+  form.Show();
+  FormWindow& window = windowOf(form);
+  ASSERT_EQ(window.focusWidget(), &widgetOf(entry));
+  const auto click = [&window](PictureBox& picture) {
+    const QPoint place = widgetOf(picture).mapTo(&window, QPoint(10, 10));
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+  };
+  click(silent);
+  EXPECT_EQ(clicks, 1) << "it is a click all the same";
+  EXPECT_EQ(window.focusWidget(), &widgetOf(entry));
+  click(listening);
+  EXPECT_EQ(window.focusWidget(), &widgetOf(listening));
+  click(silent);
+  EXPECT_EQ(window.focusWidget(), &widgetOf(listening));
+}
+
+/// The first row of a widget's picture that is not plain background; -1 for none.
+int inkTop(QWidget& widget) {
+  const QImage image = widget.grab().toImage();
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      if (image.pixel(x, y) != image.pixel(0, 0)) return y;
+    }
+  }
+  return -1;
+}
+
+TEST_F(Window, ALineStandsInTheMiddleOfItsLabelAndAHeadingAtTheTop) {
+  const FontSpec font{"Comic Sans MS", 9, true};
+  const int line = QFontMetrics(toQFont(font)).height();
+  const auto twips = [](int pixels) { return static_cast<float>(pixels * 15); };
+  Form form("Labels", {.clientWidth = 3000, .clientHeight = 3000});
+  const LabelDesign design{.fore = RGB(255, 255, 255), .back = RGB(0, 0, 0), .font = font};
+  Label single(&form, {0, 0, 1500, twips(line)}, "Heading", design);
+  Label low(&form, {0, 600, 1500, twips(line + 8)}, "Heading", design);
+  Label high(&form, {0, 1500, 1500, twips(3 * line)}, "Heading", design);
+  form.Show();
+  const int top = inkTop(widgetOf(high));
+  ASSERT_GE(top, 0);
+  EXPECT_EQ(inkTop(widgetOf(single)), top);
+  EXPECT_EQ(inkTop(widgetOf(low)), top + 4);
 }
 
 TEST_F(Window, MenuShowsStateAndLeavesItToTheHandler) {
