@@ -22,13 +22,16 @@ void runFrame() {
     opponent.tickPowerups();
   }
 
-  // Particles move after the picture: they are always shown one step behind the players.
+  // Quirk Q-221: particles move after the picture, so they are always shown one step behind the players.
   paintFrame();
 
   const bool particlesMove = !isStarsMode();
   for (std::size_t i = 0, count = static_cast<std::size_t>(particleCount); i < count; ++i) {
     particles[i].wrap();
     if (particlesMove) particles[i].move();
+  }
+  for (std::size_t i = 0, count = static_cast<std::size_t>(spareParticleCount); i < count; ++i) {
+    spareParticles[i].move();
   }
   for (std::size_t i = 0, count = static_cast<std::size_t>(explosionCount); i < count; ++i) {
     explosionParticles[i].move();

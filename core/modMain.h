@@ -40,6 +40,7 @@ namespace modMain {
 
 inline constexpr float worldSize = 100000;  ///< world units, on both axes from 0
 
+// Quirk Q-225: it keeps its last value when the mouse leaves the canvas, and the ball flies on towards that point.
 extern Vector mousePos;  ///< last mouse position on the canvas, canvas units
 extern clsPlayer localPlayer;
 extern std::int16_t opponentCount;       ///< used slots of `opponents`; only ever grows
@@ -51,6 +52,9 @@ extern std::int16_t steerQuadrant;         ///< 1 to 4, 0 before the first frame
 extern std::array<ChatLine, 8> chatLines;  ///< index 0 newest
 extern std::string debugText;
 extern std::array<std::string, 6> colourNames;
+// Quirk Q-236: a list that is walked, moved and painted in every frame, and never filled.
+extern double spareParticleCount;
+extern std::vector<clsParticle> spareParticles;
 extern double explosionCount;
 extern std::vector<clsParticle> explosionParticles;
 extern std::vector<KillerTail> killerTails;

@@ -17,6 +17,8 @@ std::int16_t steerQuadrant = 0;
 std::array<ChatLine, 8> chatLines;
 std::string debugText;
 std::array<std::string, 6> colourNames;
+double spareParticleCount = 0;
+std::vector<clsParticle> spareParticles;
 double explosionCount = 0;
 std::vector<clsParticle> explosionParticles;
 std::vector<KillerTail> killerTails;
@@ -49,6 +51,8 @@ void clearWorld() {
   chatLines = {};
   debugText.clear();
   colourNames = {};
+  spareParticleCount = 0;
+  spareParticles.clear();
   explosionCount = 0;
   explosionParticles.clear();
   killerTails.clear();
@@ -84,6 +88,7 @@ bool isOnScreen(Vector worldPoint) {
 Vector getLocalPosition() { return localPlayer.position; }
 
 std::int16_t getPlayerIndex(std::int16_t node) {
+  // Quirk Q-222: nobody asks whether he is in the game, so that before the first login node 0 is the local player.
   if (node == localPlayer.serverNode) return -1;
   for (std::int16_t index = 0; index < opponentCount; ++index) {
     const clsPlayer& opponent = playerAt(index);

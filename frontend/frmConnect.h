@@ -22,7 +22,9 @@ class FrmConnect : public Form {
   TextBox txtServerAddress{this, {1740, 540, 2055, 285}, "127.0.0.1"};
   Label Label3{this, {120, 900, 1455, 285}, "Server Port:", caption};
   TextBox txtServerPort{this, {1740, 900, 915, 285}, "2010"};
+  // Quirk Q-230: the one caption without a colon.
   Label Label4{this, {120, 1260, 1455, 285}, "Server Password", caption};
+  // Quirk Q-229: the password is shown as it is typed, and stored so.
   TextBox txtServerPassword{this, {1740, 1260, 2055, 285}, ""};
   Label Label5{this, {120, 1620, 1455, 285}, "Preferred Color:", caption};
   ControlArray<Shape, 6> shpUserColor{[this](int i) {

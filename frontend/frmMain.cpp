@@ -142,6 +142,7 @@ void FrmMain::resizeControls() {
   resumeNext([this] { Label3.Left = canvas.Width + 45; });
   resumeNext([this] { picRadar.Left = canvas.Width + 105; });
   resumeNext([this] { lblPrivChat.Top = canvas.Height + 105; });
+  // Quirk Q-234: the chat entry and the status bar follow the height alone; in a wide window they end where they did.
   resumeNext([this] { txtChat.Top = lblPrivChat.Top; });
   resumeNext([this] { frame_Status.Top = canvas.Height + 465; });
 }

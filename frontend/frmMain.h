@@ -67,6 +67,7 @@ class FrmMain : public Form {
                   {.fore = cyan, .back = RGB(64, 0, 64), .font = chatFont, .systemColours = false}};
 
   Frame frame_Status{this, {0, 9600, 13215, 375}, "", white, black, false};
+  // Quirk Q-235: none of the ten states is called Disconnected; the text goes with the first update.
   Label lblNetStatus{&frame_Status,
                      {60, 60, 1335, 255},
                      "Disconnected",
@@ -93,6 +94,7 @@ class FrmMain : public Form {
   MenuItem mnuQuarkQuarks{&mnuQuark, "Quarks"};
   MenuItem mnuMisc{&mnuSettings, "Misc"};
   MenuItem mnuLine{&mnuMisc, "Directional Line Visible"};
+  // Quirk Q-233: the design checks Never, an empty store Only while clicking.
   MenuItem mnuDirLineNever{&mnuLine, "Never", MenuItem::Design::Checked};
   MenuItem mnuDirLineClick{&mnuLine, "Only while clicking"};
   MenuItem mnuDirLineAlways{&mnuLine, "Always"};

@@ -29,6 +29,8 @@ void receivePosition(std::int16_t node, float x, float y) {
   clsPlayer* player = findPlayer(node);
   const Vector point{x, y};
   if (player == &localPlayer) {
+    // Quirk Q-227: the own position comes back to lay the tail, which thus trails behind the ball by the way to the
+    // server; the ball itself obeys the mouse alone.
     if (localPlayer.position != point) localPlayer.addTail(point);
   } else if (player) {
     player->queuePosition(point);

@@ -50,6 +50,7 @@ void paintFrame() {
 
   if (localPlayer.isConnected && !localPlayer.isAlive()) localPlayer.paintSelf();
   paintPool(particles, particleCount);
+  paintPool(spareParticles, spareParticleCount);
   paintPool(explosionParticles, explosionCount);
   paintPool(netParticles, netParticleCount);
   for (std::int16_t i = 0; i < opponentCount; ++i) {

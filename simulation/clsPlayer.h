@@ -36,6 +36,7 @@ class clsPlayer {
   std::int32_t reportedLag = 0;
   Tick pingTick = 0;      ///< ms
   float clockOffset = 0;  ///< seconds
+  // Quirk Q-220: brakes are spelt "breaks" wherever the game names them, in its names as in its texts.
   bool breaksOn = false;
   double positionReportInterval = 0;  ///< frames waited between position reports
   std::deque<Vector> positionQueue;   ///< received and not yet reached, the next target first
@@ -60,6 +61,7 @@ class clsPlayer {
   std::int16_t animTick = 0;         ///< frames since the cell last changed
   std::int32_t lastPowerupTick = 0;  ///< whole second of the last powerup tick
 
+  Vector getPosition() const { return position; }
   double tailCount() const { return static_cast<double>(tails.size()); }
   double positionQueueCount() const { return static_cast<double>(positionQueue.size()); }
   std::int16_t captureCount() const { return static_cast<std::int16_t>(captures.size()); }

@@ -17,6 +17,7 @@ constexpr double brakeRate = 3;   // per frame and axis, at time scale 1
 constexpr float axisClamp = 300;  // displacement of one frame
 constexpr double turboFactor = 3;
 constexpr float wallInset = 1000;
+// Quirk Q-237: a pi of five decimals, which the third decimal of a velocity shows.
 constexpr double pi = 3.14159;
 constexpr std::int16_t bounceSound = 1;
 

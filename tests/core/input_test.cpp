@@ -74,7 +74,7 @@ TEST_F(Input, TypingOnTheCanvasGoesToTheChatLine) {
   EXPECT_EQ(frmMain->txtChat.SelStart, 1);
 }
 
-TEST_F(Input, TypingAppendsToWhatStandsInTheChatLine) {
+TEST_F(Input, Q226TypingAppendsAtTheEndWhereverTheCaretStands) {
   frmMain->txtChat.Text = "hell";
   frmMain->txtChat.SelStart = 0;
   canvas().KeyPress('o');
@@ -177,6 +177,29 @@ TEST_F(Input, AnEdgeReachesJustUnderThirtyUnitsInward) {
   EXPECT_EQ(machine.pointerPlacements.size(), 4U);
 }
 
+// 29 units are 1.95 pixels, rounded to 2.
+TEST_F(Input, Q224TwoPixelsFromAnEdgeThePointerIsPushedThirtyPixels) {
+  move(left, 29, 5000);
+  EXPECT_EQ(machine.pointerPlacements, (Placements{{2 + 30, 382}}));
+}
+
+// 22.5 units are 22, to even, and then 1.48 pixels; rounded once they would be 1.51 pixels, and 2.
+TEST_F(Input, Q238ThePlaceIsRoundedToUnitsAndThenToPixels) {
+  move(left, 22.5F, 5000);
+  EXPECT_EQ(machine.pointerPlacements, (Placements{{31, 382}}));
+}
+
+TEST_F(Input, Q225TheBallFliesOnTowardsTheLastPointThatWasSeen) {
+  login();
+  modMain::localPlayer.breaksOn = false;
+  move(0, 5722, 0);  // straight up, and then the mouse is gone
+  modMain::runFrame();
+  const Vector start = modMain::localPlayer.position;
+  for (int frame = 0; frame < 5; ++frame) modMain::runFrame();
+  EXPECT_EQ(modMain::mousePos, (Vector{5722, 0}));
+  EXPECT_EQ(modMain::localPlayer.position, (Vector{start.x, start.y - 5 * 300}));
+}
+
 TEST_F(Input, Q035ACornerPlacesThePointerTwice) {
   move(left, 10, 10);
   EXPECT_EQ(machine.pointerPlacements, (Placements{{31, 46}, {31, 76}}));
@@ -196,7 +219,7 @@ TEST_F(Input, Q034TheWayToPixelsIsThatOfTheDesignWindowAtAnySize) {
   EXPECT_EQ(machine.pointerPlacements, (Placements{{31, 382}}));
 }
 
-TEST_F(Input, WhatIsStoredIsWhereTheMouseWasAndNotWhereItIsPut) {
+TEST_F(Input, Q223WhatIsStoredIsWhereTheMouseWasAndNotWhereItIsPut) {
   move(left, 10, 10);
   EXPECT_EQ(modMain::mousePos, (Vector{10, 10}));
 }

@@ -147,7 +147,7 @@ TEST_F(MainLoop, InTheStarsSettingBackgroundParticlesAreWrappedButDoNotMove) {
 }
 
 // The canvas's centre (5722, 4560) shows the local player; 2000 units to the right lie at pixel (515, 304).
-TEST_F(MainLoop, ParticlesAreShownOneStepBehind) {
+TEST_F(MainLoop, Q221ParticlesAreShownOneStepBehind) {
   login();
   frmMain->mnuQuarkStars.Checked = false;
   modMain::particleCount = 1;
@@ -167,6 +167,137 @@ TEST_F(MainLoop, ParticlesAreShownOneStepBehind) {
   EXPECT_EQ(particle.position, (Vector{55'000, 50'000}));
   EXPECT_EQ(pixel(515, 304), toPixel(RGB(255, 255, 255)));
   EXPECT_EQ(pixel(715, 304), toPixel(RGB(0, 0, 0)));
+}
+
+TEST_F(MainLoop, ThePictureIsPaintedBehindTheMoves) {
+  login();
+  modMain::localPlayer.velocity = {100, -50};  // the brakes are on: each axis loses 3 in a frame
+  modMain::runFrame();
+  EXPECT_EQ(modMain::debugText.substr(0, 26), "Location: 50.097   49.953\r");
+}
+
+TEST_F(MainLoop, TurboFliesInTheFrameInWhichItsTimeRunsOut) {
+  login();
+  clsPlayer& player = modMain::localPlayer;
+  player.breaksOn = false;
+  player.powerups[turboSlot] = {0, 1, true};
+  modMain::mousePos = {5722, 0};  // full speed
+  modMain::steerAngle = 0;
+  modMain::steerQuadrant = 1;
+  modMain::runFrame();
+  EXPECT_EQ(player.position, (Vector{50'000, 49'100}));
+  EXPECT_FALSE(player.powerups[turboSlot].active);
+}
+
+TEST_F(MainLoop, MovesTheOpponents) {
+  login();
+  join(8, 1, "Bob");
+  clsPlayer& bob = modMain::opponents[0];
+  bob.awaitingFirstPosition = false;
+  bob.queuePosition({90'000, 80'000});  // out of sight: he is there at once
+  modMain::runFrame();
+  EXPECT_EQ(bob.position, (Vector{90'000, 80'000}));
+}
+
+// The right edge of the canvas lies 5723 units from its centre, where the local player is. He moves 150 to the right,
+// and by that a point 5800 from his old place comes into sight, where an opponent glides and does not jump.
+TEST_F(MainLoop, TheLocalPlayerMovesBeforeTheOpponents) {
+  login();
+  join(8, 1, "Bob", 52'000, 49'850);
+  clsPlayer& bob = modMain::opponents[0];
+  bob.awaitingFirstPosition = false;
+  bob.position = {52'000, 49'850};
+  bob.queuePosition({55'800, 49'850});
+  modMain::localPlayer.breaksOn = false;
+  modMain::mousePos = {5722, 0};
+  modMain::steerAngle = 45;
+  modMain::steerQuadrant = 1;
+  modMain::runFrame();
+  ASSERT_EQ(modMain::localPlayer.position, (Vector{50'150, 49'850}));
+  EXPECT_EQ(bob.position, (Vector{52'300, 49'851})) << "3800 / 7, cut to 300, and the side step of 1";
+}
+
+TEST_F(MainLoop, BackgroundParticlesAreWrappedBeforeTheyMove) {
+  login();
+  frmMain->mnuQuarkStars.Checked = false;
+  modMain::particleCount = 1;
+  modMain::particles.assign(1, clsParticle{});
+  clsParticle& particle = modMain::particles[0];
+  particle.position = {50'000 - 11'440, 50'000};  // 5 units inside the field
+  particle.velocity = {-10, 0};
+  particle.maxSpeed = 15;
+  particle.fieldWidth = 11'445;
+  particle.fieldHeight = 9'120;
+  modMain::runFrame();
+  EXPECT_EQ(particle.position, (Vector{50'000 - 11'450, 50'000})) << "outside, until the next frame wraps it";
+}
+
+TEST_F(MainLoop, MovesTheExplosions) {
+  login();
+  modMain::explosionCount = 1;
+  modMain::explosionParticles.assign(1, clsParticle{});
+  clsParticle& particle = modMain::explosionParticles[0];
+  particle.type = static_cast<std::uint8_t>(ParticleType::Explosion);
+  particle.position = {50'000, 50'000};
+  particle.velocity = {50, -60};
+  particle.maxSpeed = 100;
+  ASSERT_TRUE(frmMain->mnuQuarkStars.Checked) << "which holds the background alone";
+  modMain::runFrame();
+  EXPECT_EQ(particle.position, (Vector{50'050, 49'940}));
+}
+
+TEST_F(MainLoop, MovesTheServersParticles) {
+  login();
+  modMain::receiveParticleNew("n", 4, 50'000, 50'000, 0, 0);
+  ASSERT_EQ(modMain::netParticleCount, 1);
+  clsParticle& particle = modMain::netParticles[0];
+  particle.hasPosition = true;
+  particle.positionQueue = {{90'000, 80'000}};  // out of sight: it is there at once
+  modMain::runFrame();
+  EXPECT_EQ(particle.position, (Vector{90'000, 80'000}));
+}
+
+TEST_F(MainLoop, Q236TheSpareParticlesAreWalkedAndNeverFilled) {
+  login();
+  join(8, 1, "Bob");
+  modMain::addExplosion({50'000, 50'000}, 3);
+  modMain::receiveParticleNew("n", 4, 50'000, 50'000, 0, 0);
+  modMain::runFrame();
+  EXPECT_EQ(modMain::spareParticleCount, 0);
+  EXPECT_TRUE(modMain::spareParticles.empty());
+
+  modMain::spareParticleCount = 1;
+  modMain::spareParticles.assign(1, clsParticle{});
+  modMain::spareParticles[0].position = {50'000, 50'000};
+  modMain::spareParticles[0].velocity = {7, -8};
+  modMain::spareParticles[0].maxSpeed = 15;
+  modMain::runFrame();
+  EXPECT_EQ(modMain::spareParticles[0].position, (Vector{50'007, 49'992}));
+}
+
+// A frame of a world with the local player alone reads the clock twice, where the painting begins and where it ends.
+class SlowPaint : public HeadlessBackend {
+ public:
+  Tick paintTime = 0;
+  Tick tickCount() override { return ticks += paintTime; }
+};
+
+TEST_F(MainLoop, TheFirstFrameRunsAtTimeScaleOneHoweverSlowItsPainting) {
+  login();
+  modMain::particleCount = 0;
+  SlowPaint slow;
+  slow.pictureSource = machine.pictureSource;
+  slow.path = machine.path;
+  slow.paintTime = 2020;
+  installBackend(&slow);
+  clsPlayer& player = modMain::localPlayer;
+  player.velocity = {100, -50};
+  modMain::runFrame();
+  EXPECT_EQ(player.velocity, (Vector{97, -47})) << "the brakes take 3 at time scale 1";
+  EXPECT_EQ(modMain::frameTime, 20) << "2020 / 101, for the frames to come";
+  modMain::runFrame();
+  EXPECT_EQ(player.velocity, (Vector{91, -41}));
+  installBackend(&machine);
 }
 
 TEST_F(MainLoop, ATimeScaleIsATenthOfTheFrameTime) {

@@ -28,7 +28,7 @@ TEST_F(WorldState, TheLocalPlayersNodeIsMinusOne) {
   EXPECT_EQ(getPlayerIndex(7), -1);
 }
 
-TEST_F(WorldState, BeforeTheFirstLoginNodeZeroCountsAsTheLocalPlayer) { EXPECT_EQ(getPlayerIndex(0), -1); }
+TEST_F(WorldState, Q222BeforeTheFirstLoginNodeZeroCountsAsTheLocalPlayer) { EXPECT_EQ(getPlayerIndex(0), -1); }
 
 TEST_F(WorldState, AnIndexIsTheFirstConnectedSlotOfTheNode) {
   modMain::localPlayer.serverNode = 7;
@@ -209,12 +209,15 @@ TEST_F(WorldState, AccessorsReadWhatIsStored) {
   EXPECT_EQ(modMain::getSteerQuadrant(), 3);
   modMain::localPlayer.position = {1, 2};
   EXPECT_EQ(modMain::getLocalPosition(), (Vector{1, 2}));
+  EXPECT_EQ(modMain::localPlayer.getPosition(), (Vector{1, 2}));
 }
 
 TEST_F(WorldState, ClearingPutsEverythingBack) {
   addOpponent(3, "Bob");
   modMain::localPlayer.name = "Ann";
   modMain::nextTip = 4;
+  modMain::spareParticleCount = 1;
+  modMain::spareParticles.resize(1);
   modMain::frameTime = 17;
   modMain::chatLines[0].text = "line";
   modMain::clearWorld();
@@ -222,6 +225,8 @@ TEST_F(WorldState, ClearingPutsEverythingBack) {
   EXPECT_TRUE(modMain::opponents.empty());
   EXPECT_EQ(modMain::localPlayer.name, "");
   EXPECT_EQ(modMain::nextTip, 0);
+  EXPECT_EQ(modMain::spareParticleCount, 0);
+  EXPECT_TRUE(modMain::spareParticles.empty());
   EXPECT_EQ(modMain::frameTime, 0);
   EXPECT_EQ(modMain::chatLines[0].text, "");
   EXPECT_EQ(modMain::colourNames[0], "");

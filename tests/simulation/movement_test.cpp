@@ -62,6 +62,17 @@ INSTANTIATE_TEST_SUITE_P(Angles, MovementSteering,
                                          SteerCase{45, 150}, SteerCase{60, 190.1923F}, SteerCase{88, 289.8770F},
                                          SteerCase{90, 300}));
 
+// With all decimals of pi the shares would be 144.8533 and 289.8773: tan 44 = 0.9656888, tan 43 = 0.9325151. The game's
+// pi is 2.654e-6 short, which takes 0.00019 and 0.00018 off them.
+TEST_F(Movement, Q237PiHasFiveDecimals) {
+  steer(44, 1);
+  player.move();
+  EXPECT_NEAR(player.velocity.x, 144.85313, 0.00005);
+  steer(88, 1);
+  player.move();
+  EXPECT_NEAR(player.velocity.x, 289.87708, 0.00005);
+}
+
 TEST_F(Movement, Q090SpeedIsTheSumOfBothAxes) {
   for (std::int16_t angle = 0; angle <= 88; ++angle) {
     steer(angle, 4);

@@ -94,7 +94,7 @@ TEST_F(Tails, AVertexUnderTheChargedTailStaysCharged) {
   EXPECT_TRUE(player.tails[1].isCharged());
 }
 
-TEST_F(Tails, TheServersEchoGrowsTheLocalTail) {
+TEST_F(Tails, Q227TheServersEchoGrowsTheLocalTailAndMovesNothing) {
   login(0, 7, 50000, 50000);
   serverSends(wire::msgPosition, {"7", "50000", "50000"});
   EXPECT_EQ(player.tailCount(), 0) << "equal to the position: nothing";
@@ -102,6 +102,29 @@ TEST_F(Tails, TheServersEchoGrowsTheLocalTail) {
   ASSERT_EQ(player.tailCount(), 1);
   EXPECT_EQ(player.tails[0].getPosition(), (Vector{50000, 50100}));
   EXPECT_EQ(player.position, (Vector{50000, 50000}));
+  EXPECT_EQ(player.positionQueueCount(), 0);
+  player.breaksOn = false;
+  modMain::runFrame();
+  EXPECT_EQ(player.tailCount(), 1) << "a frame of his own lays none";
+}
+
+TEST_F(Tails, Q228TheTailOfAPlayerWhoLeftStaysFrozen) {
+  login(0, 7, 50000, 50000);
+  clsPlayer& bob = modMain::playerAt(join(8, 1, "Bob"));
+  bob.addTail({51000, 50000});
+  for (int frame = 0; frame < 3; ++frame) {
+    modMain::runFrame();
+    tick(100);
+  }
+  const std::int16_t age = bob.tails[0].getAge();
+  EXPECT_GT(age, 0);
+  serverSends(wire::msgPlayerLeft, {"8"});
+  for (int frame = 0; frame < 100; ++frame) {
+    modMain::runFrame();
+    tick(100);
+  }
+  ASSERT_EQ(bob.tailCount(), 1) << "ten seconds, where two are a tail's life";
+  EXPECT_EQ(bob.tails[0].getAge(), age);
 }
 
 TEST_F(Tails, Q101TheFirstPassOnlySetsTheTicksAndTheSecondStampsTheVertices) {
