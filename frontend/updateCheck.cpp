@@ -53,7 +53,8 @@ void dataArrived() {
   FrmMain& window = *frmMain;
   if (appendAnswer(window.updateBuffer, readArrived(window.sockUpdates))) return;
   window.sockUpdates.Close();
-  window.updateBuffer = std::string();
+  window.updateBuffer.clear();
+  window.updateBuffer.shrink_to_fit();
 }
 
 void closedByHost() {

@@ -60,7 +60,7 @@ class Grid : public Control {
   void adoptCell(int row, int column);
 
  private:
-  static constexpr float designWidth = 960;  // twips
+  static constexpr float designWidth = 1080;  // twips; the longest word of a list, "REQUIRED", fits
   static constexpr int designAlignment = 9;
   struct Column {
     float width = designWidth;

@@ -107,11 +107,7 @@ class TableView : public QTableView {
   }
 
   void showCurrentCell() {
-    if (isReloadQueued_) return;
-    const QModelIndex cell = model_->index(grid_.Row - model_->fixedRows(), grid_.Col);
-    isShowing_ = true;
-    setCurrentIndex(cell);
-    isShowing_ = false;
+    if (!isReloadQueued_) moveTo(QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
   }
 
  protected:
@@ -146,7 +142,14 @@ class TableView : public QTableView {
     isShowing_ = false;
     horizontalHeader()->setVisible(grid_.FixedRows > 0);
     for (int column = 0; column < grid_.Cols; ++column) setColumnWidth(column, toPixels(grid_.ColWidth(column)));
-    showCurrentCell();
+    // Nothing is marked before the user or the game chooses.
+    moveTo(QItemSelectionModel::NoUpdate);
+  }
+
+  void moveTo(QItemSelectionModel::SelectionFlags marking) {
+    isShowing_ = true;
+    selectionModel()->setCurrentIndex(model_->index(grid_.Row - model_->fixedRows(), grid_.Col), marking);
+    isShowing_ = false;
   }
 
   Grid& grid_;

@@ -18,6 +18,8 @@ SERVER = os.environ["KELVORA_SERVER"]
 
 TITLE = "Kelvora v1.2.1"
 TWIPS = 15  # to a pixel
+# The update check of every start goes to a port of this machine that nobody listens on.
+CLOSED_PORT = "127.0.0.1:9"
 CLIENT_AREA = (894, 670)  # pixels of the main window below its menu, as designed
 # What the canvas leaves of the client area, in pixels, at any size of the window.
 BESIDE_CANVAS = (131, 62)
@@ -147,13 +149,12 @@ class Window:
 class Client:
     """The real client, with a folder of settings of its own unless it is handed one of an earlier run."""
 
-    def __init__(self, display, frame_ms="10", config=None, arguments=("nosound", "nomusic")):
+    def __init__(self, display, frame_ms="10", config=None, arguments=("nosound", "nomusic"), web_host=CLOSED_PORT):
         self.display = display
         self.own_config = config is None
         self.config = config or tempfile.mkdtemp(prefix="kelvora-settings-")
         environment = dict(display.environment, XDG_CONFIG_HOME=self.config, HOME=self.config, QT_QPA_PLATFORM="xcb", SDL_AUDIODRIVER="dummy",
-                           # The update check goes to a port of this machine that nobody listens on.
-                           KELVORA_WEB_HOST="127.0.0.1:9")
+                           KELVORA_WEB_HOST=web_host)
         if frame_ms is not None:
             environment["KELVORA_FRAME_MS"] = frame_ms
         self.log = tempfile.TemporaryFile()
@@ -241,6 +242,11 @@ class Client:
 
     def wait_for_status(self, colour):
         wait_for(lambda: self.status_colour() == colour, f"the label in {colour}")
+
+    def memory(self):
+        """Bytes that the process holds."""
+        with open(f"/proc/{self.process.pid}/statm") as file:
+            return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
 
     def cpu_seconds(self):
         with open(f"/proc/{self.process.pid}/stat") as file:

@@ -1,0 +1,315 @@
+"""What the client asks the web host, the list of servers and the newest version, and what it makes of a host that is
+down, slow, broken or endless."""
+
+import random
+import socket
+import time
+import unittest
+
+import harness
+from harness import LOGIN, TWIPS
+
+FINDER = "Game Finder"
+BOX = "Kelvora"
+UPDATE_FILE = b"HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\ntvqver:%s\r\n"
+# Places in the finder's client area, in pixels.
+REFRESH = ((5340 + 700) // TWIPS, (120 + 127) // TWIPS)
+BOXES = {name: (6840 // TWIPS + 8, (top + 127) // TWIPS) for name, top in
+         (("password", 120), ("empty", 420), ("full", 720))}
+GRID = (60 // TWIPS, 1080 // TWIPS)
+ROW_HEIGHT = 18
+
+
+def record(port, address="127.0.0.1", flag="0", notes="friendly game", players="3|8"):
+    return f"[{address}|{port}|{flag}|{notes}|{players}]".encode()
+
+
+class Request:
+    """One connection of the client, with the head of its request read."""
+
+    def __init__(self, connection):
+        self.connection = connection
+        connection.settimeout(10)
+        self.head = b""
+        while not self.head.endswith(b"\r\n\r\n"):
+            data = connection.recv(4096)
+            if not data:
+                break
+            self.head += data
+
+    def send(self, data):
+        self.connection.sendall(data)
+
+    def close(self):
+        self.connection.close()
+
+    def is_closed(self):
+        try:
+            return self.connection.recv(1) == b""
+        except ConnectionResetError:
+            return True
+
+    def send_for_ever(self, portion):
+        """Until the client has closed the connection: the bytes it has cost."""
+        sent = 0
+        try:
+            while True:
+                self.send(portion)
+                sent += len(portion)
+        except OSError:
+            return sent
+
+
+class WebHost:
+    """A web host that does what the test says."""
+
+    def __init__(self, port=0):
+        self.listener = socket.create_server(("127.0.0.1", port))
+        self.port = self.listener.getsockname()[1]
+        self.name = f"127.0.0.1:{self.port}"
+        self.requests = []
+
+    def request_for(self, path, seconds=10.0):
+        """The next request for the path; other ones are left without an answer."""
+        self.listener.settimeout(seconds)
+        while True:
+            request = Request(self.listener.accept()[0])
+            self.requests.append(request)
+            if path in request.head:
+                return request
+
+    def close(self):
+        for request in self.requests:
+            request.close()
+        self.listener.close()
+
+
+class WebTest(harness.DesktopTest):
+
+    def web_host(self, port=0):
+        host = WebHost(port)
+        self.addCleanup(host.close)
+        return host
+
+    def list_request(self, host):
+        return host.request_for(b"gethosts.php")
+
+    def open_finder(self, client):
+        dialog = client.wait_for_window("Connect")
+        dialog.activate()
+        # A name to log in with, then Esc, which the finder answers.
+        dialog.click(1740 // TWIPS + 20, 180 // TWIPS + 9)
+        self.display.xdotool("key", "ctrl+a", "type", "Ann")
+        self.display.xdotool("key", "Escape")
+        return client.wait_for_window(FINDER)
+
+    def start_finder(self, host):
+        client = self.start_client(web_host=host.name)
+        return client, self.open_finder(client)
+
+    def double_click(self, finder, row):
+        """On a row of the list, counted from 0 below the heading."""
+        left, top = finder.geometry()[:2]
+        x, y = GRID[0] + 40, GRID[1] + ROW_HEIGHT * (row + 1) + ROW_HEIGHT // 2
+        self.display.xdotool("mousemove", left + x, top + y, "click", "--repeat", 2, "--delay", 60, 1)
+
+    def wait_for_row(self, finder, row):
+        """Text stands in the row, on whatever background."""
+        def find():
+            left, top = finder.geometry()[:2]
+            picture = self.display.picture()
+            y = top + GRID[1] + ROW_HEIGHT * (row + 1)
+            colours = {picture.pixel(left + GRID[0] + x, y + dy) for x in range(4, 120) for dy in range(4, 16)}
+            return max(map(sum, colours)) - min(map(sum, colours)) > 300
+        harness.wait_for(find, f"row {row} of the list")
+
+    def assert_alive(self, client, finder, host):
+        """The finder still works: a new fetch, and a double-click that connects."""
+        server = self.scripted_server()
+        finder.click(*REFRESH)
+        self.list_request(host).send(record(server.port) + b"-END-")
+        self.wait_for_row(finder, 0)
+        self.double_click(finder, 0)
+        self.assertEqual(server.accept().recv_frame()[0], LOGIN)
+
+    def answer_box(self, box):
+        box.activate()
+        self.display.xdotool("key", "Return")
+
+
+class Finder(WebTest):
+
+    def test_second_of_two_listed_servers_is_connected_by_a_double_click(self):
+        host, first, second = self.web_host(), self.scripted_server(), self.scripted_server()
+        client, finder = self.start_finder(host)
+        self.assertEqual(finder.geometry()[2:], (635, 419))
+        request = self.list_request(host)
+        self.assertTrue(request.head.startswith(
+            b"GET /games/kelvora/gethosts.php?version=1.2.1&password=0&full=0&empty=1 HTTP/1.1\r\n"
+            b"Host: " + host.name.encode() + b"\r\nUser-Agent: Mozilla/5.0 "), request.head)
+        request.send(b"HTTP/1.1 200 OK\r\n\r\n" + record(first.port) + record(second.port, flag="1") + b"-END-")
+        self.assertTrue(request.is_closed())
+        self.wait_for_row(finder, 1)
+        self.double_click(finder, 1)
+        identifier, fields = second.accept().recv_frame()
+        self.assertEqual((identifier, fields[0]), (LOGIN, b"Ann"))
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE}, "the end of both dialogs")
+
+    def test_real_server_is_joined_from_the_list(self):
+        host, server = self.web_host(), self.start_server()
+        client, finder = self.start_finder(host)
+        self.list_request(host).send(record(server.port) + b"-END-")
+        self.wait_for_row(finder, 0)
+        self.double_click(finder, 0)
+        client.wait_for_status((128, 255, 128))
+
+    def test_every_box_asks_anew_with_its_new_value(self):
+        host = self.web_host()
+        client, finder = self.start_finder(host)
+        self.list_request(host)
+        flags = {"password": 0, "full": 0, "empty": 1}
+        for name in ("password", "empty", "full", "password"):
+            flags[name] = 1 - flags[name]
+            left, top = finder.geometry()[:2]
+            x, y = BOXES[name]
+            # The host answers when it pleases: here after the button has been let go.
+            self.display.xdotool("mousemove", left + x, top + y, "click", 1)
+            query = "password={password}&full={full}&empty={empty} HTTP/1.1".format(**flags).encode()
+            self.assertIn(query, self.list_request(host).head)
+
+    def test_host_that_is_down_can_be_asked_again(self):
+        port = harness.free_port()
+        client = self.start_client(web_host=f"127.0.0.1:{port}")
+        finder = self.open_finder(client)
+        time.sleep(0.5)
+        self.assert_alive(client, finder, self.web_host(port))
+
+    def test_slow_host_is_waited_for(self):
+        host, server = self.web_host(), self.scripted_server()
+        client, finder = self.start_finder(host)
+        request = self.list_request(host)
+        request.connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        for byte in record(server.port) + b"-END-":
+            request.send(bytes([byte]))
+            time.sleep(0.03)
+        self.wait_for_row(finder, 0)
+        self.double_click(finder, 0)
+        self.assertEqual(server.accept().recv_frame()[0], LOGIN)
+
+    def test_host_that_closes_early_can_be_asked_again(self):
+        host = self.web_host()
+        client, finder = self.start_finder(host)
+        request = self.list_request(host)
+        request.send(record(2010))
+        request.close()
+        time.sleep(0.3)
+        self.assert_alive(client, finder, host)
+
+    def test_garbage_does_no_harm(self):
+        host = self.web_host()
+        client, finder = self.start_finder(host)
+        request = self.list_request(host)
+        request.send(random.Random(1).randbytes(300_000))
+        time.sleep(0.3)
+        self.assert_alive(client, finder, host)
+
+    def test_host_that_never_ends_is_left(self):
+        host = self.web_host()
+        client, finder = self.start_finder(host)
+        before = client.memory()
+        sent = self.list_request(host).send_for_ever(b"[" * 65536)
+        # A mebibyte, and what lies in the buffers of the two sides' systems.
+        self.assertLess(sent, 24 * 1024 * 1024)
+        self.assertLess(client.memory() - before, 32 * 1024 * 1024)
+        self.assert_alive(client, finder, host)
+
+    def test_bad_records_end_the_program_with_its_box(self):
+        for bad in (record(2010, flag=""), record(2010, flag="yes"), record(70000), b"[" * 32768):
+            with self.subTest(bad=bad[:60]):
+                host = self.web_host()
+                client, finder = self.start_finder(host)
+                self.list_request(host).send(bad + b"-END-")
+                self.answer_box(client.wait_for_window(BOX))
+                self.assertEqual(client.process.wait(5), 1)
+                self.assertIn("Run-time error", client.output())
+                client.close()
+
+    def test_double_click_on_an_empty_list_is_refused_and_ends_the_finder(self):
+        host = self.web_host()
+        client, finder = self.start_finder(host)
+        self.list_request(host).send(b"-END-")
+        time.sleep(0.5)
+        self.double_click(finder, 0)
+        box = client.wait_for_window(BOX)
+        self.assertIn(FINDER, client.windows())
+        self.answer_box(box)
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the finder's end")
+
+    def test_closing_the_finder_gives_the_fetch_up(self):
+        host = self.web_host()
+        client, finder = self.start_finder(host)
+        request = self.list_request(host)
+        finder.activate()
+        self.display.xdotool("key", "alt+F4")
+        self.assertTrue(request.is_closed())
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the finder's end")
+
+
+class Updates(WebTest):
+
+    def start_check(self):
+        host = self.web_host()
+        client = self.start_client(web_host=host.name)
+        return host, client, host.request_for(b"ver.txt")
+
+    def assert_no_box(self, client):
+        time.sleep(0.7)
+        self.assertIsNone(client.process.poll())
+        self.assertEqual(set(client.windows()), {harness.TITLE, "Connect"})
+
+    def test_another_version_is_told(self):
+        host, client, request = self.start_check()
+        self.assertEqual(request.head, f"GET http://{host.name}/games/kelvora/ver.txt HTTP/1.0\r\n\r\n".encode())
+        request.send(UPDATE_FILE % b"1.3.0")
+        self.assert_no_box(client)  # until the host closes
+        request.close()
+        self.answer_box(client.wait_for_window(BOX))
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the box's end")
+
+    def test_same_version_is_not_told(self):
+        host, client, request = self.start_check()
+        request.send(UPDATE_FILE % b"1.2.1")
+        request.close()
+        self.assert_no_box(client)
+
+    def test_slow_host_is_waited_for(self):
+        host, client, request = self.start_check()
+        for byte in UPDATE_FILE % b"1.3.0":
+            request.send(bytes([byte]))
+            time.sleep(0.01)
+        request.close()
+        client.wait_for_window(BOX)
+
+    def test_host_without_a_version_is_passed_over(self):
+        for answer in (b"", b"HTTP/1.0 404 Not Found\r\n\r\n", random.Random(2).randbytes(300_000)):
+            with self.subTest(answer=answer[:20]):
+                host, client, request = self.start_check()
+                request.send(answer)
+                request.close()
+                self.assert_no_box(client)
+                client.close()
+
+    def test_host_that_never_ends_is_left(self):
+        host, client, request = self.start_check()
+        before = client.memory()
+        self.assertLess(request.send_for_ever(b"tvqver:1.3.0\r\n" * 5000), 24 * 1024 * 1024)
+        self.assertLess(client.memory() - before, 32 * 1024 * 1024)
+        self.assert_no_box(client)
+
+    def test_game_goes_on_while_the_host_is_silent(self):
+        host, client, request = self.start_check()
+        self.log_in(client)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,243 @@
+#include "frontend/updateCheck.h"
+
+#include <gtest/gtest.h>
+
+#include "base/fault.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+using Boxes = std::vector<std::string>;
+
+class UpdateCheck : public GameTest {
+ protected:
+  HeadlessSocket& host() { return machine.socketOf(frmMain->sockUpdates); }
+  void startCheck() {
+    updateCheck::checkForUpdates();
+    host().acceptConnection();
+    passEvents();
+  }
+  /// A whole check that ends with the host's close.
+  void answer(const std::string& text) {
+    startCheck();
+    host().deliver(text);
+    host().closeByServer();
+    passEvents();
+  }
+  static Boxes boxOf(const std::string& version) {
+    return {"The version " + version +
+            " is available to download\nfrom web.invalid.  You can only connect to \nservers running the same version "
+            "as you.  Please update."};
+  }
+  /// Starts the game up to its first DoEvents.
+  void startGame() {
+    machine.onDoEvents = [] { throw ProcessEnded{}; };
+    EXPECT_THROW(modMain::startGame(), ProcessEnded);
+    machine.onDoEvents = nullptr;
+  }
+};
+
+TEST_F(UpdateCheck, ConnectsToTheWebHostAtPort80) {
+  updateCheck::checkForUpdates();
+  EXPECT_EQ(host().connects, (std::vector<std::pair<std::string, int>>{{"web.invalid", 80}}));
+  EXPECT_EQ(frmMain->sockUpdates.RemoteHost, "web.invalid");
+  EXPECT_EQ(frmMain->sockUpdates.RemotePort, 80);
+}
+
+TEST_F(UpdateCheck, ConnectsToTheWebHostsOwnPort) {
+  machine.host = "127.0.0.1:8123";
+  updateCheck::checkForUpdates();
+  EXPECT_EQ(host().connects, (std::vector<std::pair<std::string, int>>{{"127.0.0.1", 8123}}));
+}
+
+TEST_F(UpdateCheck, RunsOnceInARunOfTheProgram) {
+  updateCheck::checkForUpdates();
+  frmMain->sockUpdates.Close();
+  updateCheck::checkForUpdates();
+  EXPECT_EQ(host().connects.size(), 1U);
+  EXPECT_EQ(frmMain->sockUpdates.State(), sckClosed);
+}
+
+TEST_F(UpdateCheck, ClosesASocketThatIsNotClosed) {
+  host().setState(sckError);
+  updateCheck::checkForUpdates();
+  EXPECT_EQ(host().closes, 1);
+  EXPECT_EQ(host().connects.size(), 1U);
+}
+
+TEST_F(UpdateCheck, AFaultInItsStepsEndsItInSilence) {
+  machine.settings[{"audio", "music"}] = "maybe";  // the window cannot load
+  EXPECT_NO_THROW(updateCheck::checkForUpdates());
+  machine.settings.clear();
+  updateCheck::checkForUpdates();
+  EXPECT_TRUE(host().connects.empty()) << "it counts as made";
+}
+
+TEST_F(UpdateCheck, SendsTheRequestLineAlone) {
+  startCheck();
+  EXPECT_EQ(host().sendings, Boxes{"GET http://web.invalid/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
+}
+
+TEST_F(UpdateCheck, NamesAPortThatIsNot80InTheRequestButNotInTheBox) {
+  machine.host = "web.invalid:8123";
+  answer("tvqver:1.2.2\n");
+  EXPECT_EQ(host().sendings, Boxes{"GET http://web.invalid:8123/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
+  EXPECT_EQ(machine.messageBoxes, boxOf("1.2.2"));
+}
+
+TEST_F(UpdateCheck, ANewConnectionEmptiesTheBuffer) {
+  frmMain->updateBuffer = "tvqver:9.9.9\n";
+  startCheck();
+  EXPECT_EQ(frmMain->updateBuffer, "");
+}
+
+TEST_F(UpdateCheck, CollectsAnAnswerInPieces) {
+  startCheck();
+  host().deliverInReads({"HTTP/1.0 200 OK\r\n\r\ntvq", "ver:1.", "2.", "3\r\n"});
+  passEvents();
+  EXPECT_EQ(frmMain->updateBuffer, "HTTP/1.0 200 OK\r\n\r\ntvqver:1.2.3\r\n");
+  EXPECT_TRUE(machine.messageBoxes.empty()) << "it is read when the host closes";
+  host().closeByServer();
+  passEvents();
+  EXPECT_EQ(machine.messageBoxes, boxOf("1.2.3"));
+}
+
+TEST_F(UpdateCheck, ClosesItsSocketAfterTheBox) {
+  startCheck();
+  int stateUnderTheBox = -1;
+  machine.onMessageBox = [&](const std::string&) { stateUnderTheBox = frmMain->sockUpdates.State(); };
+  host().deliver("tvqver:1.2.2\n");
+  host().closeByServer();
+  passEvents();
+  EXPECT_EQ(stateUnderTheBox, sckClosing);
+  EXPECT_EQ(frmMain->sockUpdates.State(), sckClosed);
+  EXPECT_EQ(host().closes, 1);
+}
+
+TEST_F(UpdateCheck, SaysNothingAboutTheSameVersion) {
+  answer("HTTP/1.0 200 OK\r\nServer: x\r\n\r\ntvqver:1.2.1\r\n");
+  EXPECT_TRUE(machine.messageBoxes.empty());
+  EXPECT_EQ(frmMain->sockUpdates.State(), sckClosed);
+}
+
+TEST_F(UpdateCheck, TellsOfAnotherVersionInThreeLines) {
+  answer("HTTP/1.0 200 OK\r\n\r\ntvqver:1.3.0\r\n");
+  ASSERT_EQ(machine.messageBoxes, boxOf("1.3.0"));
+  EXPECT_EQ(std::count(machine.messageBoxes[0].begin(), machine.messageBoxes[0].end(), '\n'), 2);
+}
+
+TEST_F(UpdateCheck, TheVersionEndsAtEitherLineBreak) {
+  for (const char* text : {"tvqver:1.2.1\n5", "tvqver:1.2.1\r5", "tvqver:1.2.1\r\n5", "5tvqver:1.2.1\n\ntvqver:2\n"}) {
+    updateCheck::parseUpdateFile(text);
+    EXPECT_TRUE(machine.messageBoxes.empty()) << text;
+  }
+}
+
+TEST_F(UpdateCheck, Q170AFileWithoutALineBreakLosesItsLastCharacter) {
+  updateCheck::parseUpdateFile("tvqver:1.2.1");
+  EXPECT_EQ(machine.messageBoxes, boxOf("1.2."));
+  machine.messageBoxes.clear();
+  // The last character is not read, and what stands ahead of it is this version.
+  updateCheck::parseUpdateFile("tvqver:1.2.13");
+  EXPECT_TRUE(machine.messageBoxes.empty());
+}
+
+TEST_F(UpdateCheck, Q170TheFirstCharacterIsReadEvenIfItIsTheLast) {
+  updateCheck::parseUpdateFile("tvqver:7");
+  EXPECT_EQ(machine.messageBoxes, boxOf("7"));
+}
+
+TEST_F(UpdateCheck, Q171BlanksAndLettersAreLeftOut) {
+  updateCheck::parseUpdateFile("tvqver: 1.2.1\n");
+  updateCheck::parseUpdateFile("tvqver:1.2.1b\n");
+  updateCheck::parseUpdateFile("tvqver:v1-.x2.\t1 \r\n");
+  EXPECT_TRUE(machine.messageBoxes.empty());
+  updateCheck::parseUpdateFile("tvqver:10.20.30\n");
+  EXPECT_EQ(machine.messageBoxes, boxOf("10.20.30"));
+}
+
+TEST_F(UpdateCheck, Q172AnOlderVersionIsAnnouncedToo) {
+  updateCheck::parseUpdateFile("tvqver:1.0.0\n");
+  EXPECT_EQ(machine.messageBoxes, boxOf("1.0.0"));
+}
+
+TEST_F(UpdateCheck, Q172AVersionWithoutDigitsIsAnnouncedToo) {
+  for (const char* text : {"tvqver:\n", "tvqver:none\n", "tvqver:"}) {
+    machine.messageBoxes.clear();
+    updateCheck::parseUpdateFile(text);
+    EXPECT_EQ(machine.messageBoxes, boxOf("")) << text;
+    EXPECT_EQ(machine.messageBoxes.at(0).find("The version  is available to download\n"), 0U);
+  }
+}
+
+TEST_F(UpdateCheck, Q172ZerosInFrontMakeAnotherVersion) {
+  updateCheck::parseUpdateFile("tvqver:1.2.01\n");
+  EXPECT_EQ(machine.messageBoxes, boxOf("1.2.01"));
+}
+
+TEST_F(UpdateCheck, SaysNothingWithoutTheMarker) {
+  for (const char* text : {"", "1.2.2\n", "TVQVER:1.2.2\n", "tvqver 1.2.2\n", "HTTP/1.0 404 Not Found\r\n\r\n"}) {
+    updateCheck::parseUpdateFile(text);
+  }
+  EXPECT_TRUE(machine.messageBoxes.empty());
+}
+
+TEST_F(UpdateCheck, AHostThatCannotBeReachedIsPassedOverInSilence) {
+  updateCheck::checkForUpdates();
+  host().refuse();
+  passEvents();
+  EXPECT_EQ(frmMain->sockUpdates.State(), sckError);
+  EXPECT_TRUE(machine.messageBoxes.empty());
+}
+
+TEST_F(UpdateCheck, AHostThatNeverClosesIsNotHeard) {
+  startCheck();
+  host().deliver("tvqver:1.2.2\r\n");
+  for (int i = 0; i < 100; ++i) passEvents();
+  EXPECT_TRUE(machine.messageBoxes.empty());
+}
+
+TEST_F(UpdateCheck, AHostThatNeverEndsIsLeftAndForgotten) {
+  startCheck();
+  const std::string portion(64 * 1024, 'x');
+  host().deliver("tvqver:1.2.2\r\n");
+  for (int i = 0; i < 15; ++i) host().deliver(portion);
+  passEvents();
+  EXPECT_EQ(frmMain->sockUpdates.State(), sckConnected);
+  EXPECT_EQ(frmMain->updateBuffer.size(), 15 * portion.size() + 14);
+  host().deliver(portion);
+  passEvents();
+  EXPECT_EQ(frmMain->sockUpdates.State(), sckClosed);
+  EXPECT_LT(frmMain->updateBuffer.capacity(), 1024U);
+  EXPECT_TRUE(machine.messageBoxes.empty());
+}
+
+TEST_F(UpdateCheck, IsMadeAtTheStartIfItsMenuItemIsChecked) {
+  startGame();
+  EXPECT_EQ(host().connects.size(), 1U);
+}
+
+TEST_F(UpdateCheck, IsNotMadeAtTheStartIfItsMenuItemIsUnchecked) {
+  machine.settings[{"misc", "updates"}] = "False";
+  startGame();
+  EXPECT_TRUE(host().connects.empty());
+  frmMain->mnuUpdates.Click();
+  EXPECT_TRUE(frmMain->mnuUpdates.Checked);
+  EXPECT_TRUE(host().connects.empty()) << "the choice takes effect at the next start";
+}
+
+TEST_F(UpdateCheck, GoesItsWayBesideTheGame) {
+  login();
+  startCheck();
+  host().deliver("tvqver:1.2.2\n");
+  serverSends(wire::msgPing, {"1"});
+  EXPECT_EQ(sentFrames().at(0).id, wire::msgPingReply);
+  host().closeByServer();
+  passEvents();
+  EXPECT_EQ(machine.messageBoxes, boxOf("1.2.2"));
+  EXPECT_EQ(frmMain->sock.State(), sckConnected);
+}
+
+}  // namespace
+}  // namespace kelvora
