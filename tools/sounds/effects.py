@@ -21,16 +21,16 @@ def mixed(length, *layers):
 
 def capture():
     """A net that closes: a rush of air upwards, then a bright falling figure over a soft thump."""
-    time = seconds(0.22)
-    rush = band(noise(len(time), 11), 900, 5000) * (time / time[-1]) ** 2 * swell(time, 0.05, 0.03)
+    time = seconds(0.14)
+    rush = band(noise(len(time), 11), 900, 5000) * (0.3 + 0.7 * time / time[-1]) * swell(time, 0.02, 0.03)
     tones = []
     for step, frequency in enumerate((1174.7, 880.0, 587.3)):
         time = seconds(0.3)
         tone = harmonics(frequency, (1, 0.35, 0.12), time) * strike(time, 0.004, 0.09)
-        tones.append((0.18 + 0.085 * step, 0.5 * tone))
+        tones.append((0.1 + 0.085 * step, 0.5 * tone))
     time = seconds(0.35)
     thump = np.sin(phase(sweep(190, 60, time))) * strike(time, 0.004, 0.1)
-    return mixed(0.75, (0, 0.5 * rush), *tones, (0.35, 0.7 * thump))
+    return mixed(0.66, (0, 0.5 * rush), *tones, (0.27, 0.7 * thump))
 
 
 def bounce():
@@ -117,7 +117,7 @@ def missile():
     body = band(noise(len(time), 15), 60, 900) * strike(time, 0.006, 0.28)
     frequency = sweep(900, 240, time, 3)
     ring = np.sin(phase(frequency)) * np.sin(2 * np.pi * 57 * time) * strike(time, 0.05, 0.35)
-    return 1.1 * bang + 1.3 * body + 0.45 * ring
+    return 0.9 * bang + 1.3 * body + 0.45 * ring
 
 
 def finished(samples):

@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QWindow>
+#include <algorithm>
+#include <memory>
+
+#include "audio/frmMusic.h"
+#include "audio/frmSound.h"
+#include "audio/soundMan.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "platform/qt/qtDesktop.h"
+#include "platform/qt/qtGlyphs.h"
+#include "raster/surface.h"
+#include "rendering/frmGfx.h"
+#include "tests/platform/sound/recording.h"
+
+namespace kelvora {
+namespace {
+
+/// The game on the real desktop, without a screen, with its own effects and with tracks of half a second.
+class SoundingGame : public ::testing::Test {
+ protected:
+  SoundingGame() {
+    namespace fs = std::filesystem;
+    const fs::path source = KELVORA_SOURCE_DIR;
+    fs::create_directory_symlink(source / "assets", folder_.path() / "assets");
+    fs::create_directory(folder_.path() / "sounds");
+    for (const auto& entry : fs::directory_iterator(source / "sounds")) {
+      const fs::path copy = folder_.path() / "sounds" / entry.path().filename();
+      fs::copy_file(entry.path(), copy);
+      if (copy.extension() == ".mp3") fs::resize_file(copy, 6'000);  // 96 kbit/s
+    }
+    environment_.set("QT_QPA_PLATFORM", "offscreen");
+    environment_.set("KELVORA_DATA", folder_.path().string());
+    environment_.set("XDG_CONFIG_HOME", folder_.path().string());
+    application_ = std::make_unique<QApplication>(argumentCount_, arguments_);
+    Surface::setGlyphSource(&glyphs_);
+    desktop_ = std::make_unique<QtDesktop>("");
+    installBackend(desktop_.get());
+    modMain::clearWorld();
+    soundMan::clear();
+  }
+  ~SoundingGame() override {
+    frmMusic.unload();
+    frmSound.unload();
+    frmMain.unload();
+    frmGfx.unload();
+    releaseUnloadedForms();
+    installBackend(nullptr);
+    Surface::setGlyphSource(nullptr);
+  }
+
+  bool play(const std::function<bool()>& isDone) {
+    return waitFor([&isDone] {
+      QCoreApplication::processEvents();
+      return isDone();
+    });
+  }
+  bool isHeard() {
+    const Samples heard = recording_.left();
+    return std::any_of(heard.begin(), heard.end(), [](int sample) { return std::abs(sample) > 1'000; });
+  }
+
+ private:
+  TemporaryFolder folder_;
+  Recording recording_{folder_.path() / "device.raw"};
+  ScopedEnvironment environment_;
+  int argumentCount_ = 1;
+  char name_[8] = "kelvora";
+  char* arguments_[2] = {name_, nullptr};
+  std::unique_ptr<QApplication> application_;
+  QtGlyphSource glyphs_;
+  std::unique_ptr<QtDesktop> desktop_;
+};
+
+TEST_F(SoundingGame, PlaysEveryEffectAloud) {
+  soundMan::initAudio();
+  soundMan::playSound(0);
+  EXPECT_TRUE(play([this] { return isHeard(); }));
+  for (int slot = 0; slot <= 8; ++slot) EXPECT_TRUE(frmSound->mm(slot).isOpen()) << slot;
+}
+
+TEST_F(SoundingGame, MusicGoesOnFromTrackToTrackWithItsWindowHidden) {
+  soundMan::initAudio();
+  soundMan::startMusic();
+  frmMusic->tmrNext.Interval = 20;
+  soundMan::currentMusic = 4;
+  soundMan::nextMusic();
+  EXPECT_EQ(frmMusic->player.Caption.get(), "music5.mp3");
+  EXPECT_TRUE(play([] { return soundMan::currentMusic == 1; }));
+  EXPECT_TRUE(play([] { return soundMan::currentMusic == 2; }));
+  EXPECT_EQ(frmMusic->player.Caption.get(), "music2.mp3");
+  EXPECT_FALSE(frmMusic.isVisible());
+  EXPECT_TRUE(isHeard());
+}
+
+TEST_F(SoundingGame, MainWindowIsTheOwnerThoughTheMusicCameFirst) {
+  soundMan::startMusic();
+  frmMain->Show();
+  frmMusic->Show();
+  const QWindow* main = nullptr;
+  const QWindow* music = nullptr;
+  for (const QWindow* window : QGuiApplication::topLevelWindows()) {
+    if (window->title() == "Kelvora") main = window;
+    if (window->title() == "Music Control") music = window;
+  }
+  ASSERT_NE(main, nullptr);
+  ASSERT_NE(music, nullptr);
+  EXPECT_EQ(main->transientParent(), nullptr);
+  EXPECT_EQ(music->transientParent(), main);
+}
+
+}  // namespace
+}  // namespace kelvora

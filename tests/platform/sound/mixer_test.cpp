@@ -1,0 +1,313 @@
+#include <SDL.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+
+#include "platform/qt/mixedAudio.h"
+#include "tests/platform/sound/recording.h"
+
+namespace kelvora {
+namespace {
+
+/// The mixer's arithmetic may miss a sample by this much.
+constexpr int tolerance = 2;
+
+bool isNear(int sample, int expected) { return std::abs(sample - expected) <= tolerance; }
+
+Samples constant(double seconds, std::int16_t value) {
+  return Samples(static_cast<std::size_t>(seconds * sampleRate), value);
+}
+
+bool contains(const Samples& samples, int value) {
+  return std::any_of(samples.begin(), samples.end(), [value](int sample) { return isNear(sample, value); });
+}
+
+std::size_t firstSound(const Samples& samples, std::size_t from = 0) {
+  while (from < samples.size() && samples[from] == 0) ++from;
+  return from;
+}
+
+bool isSilentOfLate(const Samples& samples) {
+  constexpr std::size_t window = 4096;
+  return samples.size() > window && std::all_of(samples.end() - window, samples.end(), [](int s) { return s == 0; });
+}
+
+class Mixer : public ::testing::Test {
+ protected:
+  std::string wave(const std::string& name, const Samples& samples) {
+    const auto file = folder.path() / name;
+    writeWave(file, samples);
+    return file.string();
+  }
+
+  TemporaryFolder folder;
+  Recording recording{folder.path() / "device.raw"};
+  SoundMixer mixer;
+};
+
+TEST_F(Mixer, PlaysAnEffectFromItsFirstSampleToItsLastOnBothSides) {
+  Samples shape;
+  for (int i = 0; i < 3000; ++i) shape.push_back(static_cast<std::int16_t>(i == 0 ? 12'000 : 9'000 - 7 * i % 8'000));
+  mixer.startEffect(mixer.openEffect(wave("shape.wav", shape)));
+  ASSERT_TRUE(waitFor([&] { return recording.left().size() > firstSound(recording.left()) + 5'000; }));
+  for (const Samples& speaker : {recording.left(), recording.right()}) {
+    const std::size_t start = firstSound(speaker);
+    for (std::size_t i = 0; i < shape.size(); ++i) {
+      ASSERT_TRUE(isNear(speaker[start + i], shape[i])) << i << ": " << speaker[start + i] << " for " << shape[i];
+    }
+    for (std::size_t i = shape.size(); i < 4'000; ++i) ASSERT_EQ(speaker[start + i], 0) << i;
+  }
+}
+
+TEST_F(Mixer, RestartsAPlayingEffectAtOnce) {
+  Samples marked = constant(5, 1'000);
+  marked.front() = 20'000;
+  const int effect = mixer.openEffect(wave("marked.wav", marked));
+  mixer.startEffect(effect);
+  ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 1'000); }));
+  mixer.startEffect(effect);
+  const auto isMark = [](int sample) { return isNear(sample, 20'000); };
+  ASSERT_TRUE(waitFor([&] {
+    const Samples heard = recording.left();
+    return std::count_if(heard.begin(), heard.end(), isMark) == 2;
+  }));
+  const Samples heard = recording.left();
+  const auto first = std::find_if(heard.begin(), heard.end(), isMark);
+  const auto second = std::find_if(first + 1, heard.end(), isMark);
+  EXPECT_LT(second - first, 4 * sampleRate) << "long before its end";
+  EXPECT_TRUE(std::all_of(first + 1, second, [](int sample) { return isNear(sample, 1'000); })) << "without a gap";
+}
+
+TEST_F(Mixer, LetsEffectsSoundOverOneAnother) {
+  const int low = mixer.openEffect(wave("low.wav", constant(5, 3'000)));
+  const int high = mixer.openEffect(wave("high.wav", constant(0.1, 5'000)));
+  mixer.startEffect(low);
+  ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 3'000); }));
+  mixer.startEffect(high);
+  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 8'000); }));
+  EXPECT_TRUE(waitFor([&] { return isNear(recording.left().back(), 3'000); })) << "the first one runs on";
+}
+
+TEST_F(Mixer, IsSilentAfterAStop) {
+  const int effect = mixer.openEffect(wave("long.wav", constant(30, 3'000)));
+  mixer.startEffect(effect);
+  ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 3'000); }));
+  mixer.stopEffect(effect);
+  EXPECT_TRUE(waitFor([&] { return isSilentOfLate(recording.left()); }));
+}
+
+TEST_F(Mixer, DoesNotLetASilencedEffectBeHeard) {
+  const int silenced = mixer.openEffect(wave("silenced.wav", constant(30, 3'000)));
+  const int other = mixer.openEffect(wave("other.wav", constant(0.3, 5'000)));
+  mixer.silenceEffect(silenced, true);
+  mixer.startEffect(silenced);
+  mixer.startEffect(other);
+  ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 5'000) && isSilentOfLate(recording.left()); }));
+  for (const int sample : recording.left()) ASSERT_TRUE(sample == 0 || isNear(sample, 5'000)) << sample;
+  mixer.silenceEffect(silenced, false);
+  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 3'000); }));
+}
+
+TEST_F(Mixer, GivesAChannelOnAfterItsClose) {
+  const int first = mixer.openEffect(wave("first.wav", constant(30, 3'000)));
+  const int second = mixer.openEffect(wave("second.wav", constant(30, 4'000)));
+  EXPECT_NE(first, second);
+  mixer.startEffect(first);
+  ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 3'000); }));
+  mixer.silenceEffect(first, true);
+  mixer.closeEffect(first);
+  EXPECT_TRUE(waitFor([&] { return isSilentOfLate(recording.left()); }));
+  const int third = mixer.openEffect(wave("third.wav", constant(30, 5'000)));
+  EXPECT_EQ(third, first);
+  mixer.startEffect(third);
+  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); })) << "and not silent as its forerunner was";
+}
+
+TEST_F(Mixer, DropsAnEffectThatIsNoSound) {
+  const auto file = folder.path() / "broken.wav";
+  std::ofstream(file) << "RIFF....WAVE and then nothing of the kind";
+  const int broken = mixer.openEffect(file.string());
+  const int whole = mixer.openEffect(wave("whole.wav", constant(0.1, 5'000)));
+  mixer.startEffect(broken);
+  mixer.stopEffect(broken);
+  mixer.startEffect(whole);
+  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); }));
+}
+
+TEST_F(Mixer, TellsWhenATrackPlaysAndWhenItHasEnded) {
+  EXPECT_EQ(mixer.musicState(), psReady);
+  mixer.startMusic(wave("track.wav", constant(0.4, 2'000)));
+  EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psPlaying; }));
+  EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psStopped; }));
+  EXPECT_TRUE(contains(recording.left(), 2'000));
+}
+
+TEST_F(Mixer, PlaysOneTrackAtATime) {
+  mixer.startMusic(wave("one.wav", constant(30, 2'000)));
+  ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 2'000); }));
+  mixer.startMusic(wave("two.wav", constant(30, 7'000)));
+  EXPECT_NE(mixer.musicState(), psStopped) << "the change of tracks is no end of one";
+  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 7'000); }));
+  EXPECT_FALSE(contains(recording.left(), 9'000));
+  EXPECT_EQ(mixer.musicState(), psPlaying);
+}
+
+TEST_F(Mixer, StopsTheMusicAtOnce) {
+  mixer.startMusic(wave("endless.wav", constant(60, 2'000)));
+  ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 2'000); }));
+  mixer.stopMusic();
+  EXPECT_EQ(mixer.musicState(), psStopped);
+  EXPECT_TRUE(waitFor([&] { return isSilentOfLate(recording.left()); }));
+}
+
+TEST_F(Mixer, ATrackThatCannotBePlayedCountsAsStopped) {
+  mixer.startMusic((folder.path() / "nowhere.mp3").string());
+  EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psStopped; }));
+  const auto broken = folder.path() / "broken.mp3";
+  std::ofstream(broken) << "no music";
+  mixer.startMusic(broken.string());
+  EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psStopped; }));
+}
+
+TEST_F(Mixer, HasTheCodecOfTheGamesTracks) {
+  mixer.startMusic(KELVORA_SOURCE_DIR "/sounds/music1.mp3");
+  EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psPlaying; }));
+  EXPECT_TRUE(waitFor([&] {
+    const Samples heard = recording.left();
+    return std::any_of(heard.begin(), heard.end(), [](int sample) { return std::abs(sample) > 1'000; });
+  }));
+}
+
+TEST_F(Mixer, LeavesSignalsAndTheScreenAlone) {
+  mixer.startEffect(mixer.openEffect(wave("some.wav", constant(0.1, 5'000))));
+  ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); }));
+  for (const int signal : {SIGINT, SIGTERM}) {
+    struct sigaction action {};
+    sigaction(signal, nullptr, &action);
+    EXPECT_EQ(action.sa_handler, SIG_DFL) << signal;
+  }
+  EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0U);
+}
+
+TEST_F(Mixer, MakesNoDeviceBeforeTheFirstFile) {
+  EXPECT_EQ(mixer.musicState(), psReady);
+  mixer.stopMusic();
+  EXPECT_EQ(mixer.musicState(), psReady);
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "device.raw"));
+}
+
+/// A device whose opening hangs until somebody reads from it, and which breaks when nobody does any more.
+class HangingDevice : public Mixer {
+ protected:
+  HangingDevice() {
+    std::signal(SIGPIPE, SIG_IGN);
+    EXPECT_EQ(mkfifo(pipe_.c_str(), 0600), 0);
+  }
+  ~HangingDevice() override { std::signal(SIGPIPE, SIG_DFL); }
+
+  void beginReading() { reader_ = open(pipe_.c_str(), O_RDONLY | O_NONBLOCK); }
+  /// Reads on and tells whether anything but silence came.
+  bool readSound() {
+    std::array<char, 65536> bytes{};
+    const ssize_t count = read(reader_, bytes.data(), bytes.size());
+    received_ += std::max<ssize_t>(count, 0);
+    return std::any_of(bytes.begin(), bytes.end(), [](char byte) { return byte != 0; });
+  }
+  ssize_t received() const { return received_; }
+  void breakDevice() { close(reader_); }
+
+ private:
+  const std::string pipe_ = (folder.path() / "device.raw").string();
+  int reader_ = -1;
+  ssize_t received_ = 0;
+};
+
+TEST_F(HangingDevice, HoldsNobodyUpAndLateEffectsAreLeftOut) {
+  const std::string file = wave("effect.wav", constant(0.2, 5'000));
+  const auto start = std::chrono::steady_clock::now();
+  int effect = 0;
+  for (int i = 0; i < 9; ++i) effect = mixer.openEffect(file);
+  mixer.silenceEffect(effect, false);
+  mixer.startEffect(effect);
+  mixer.startMusic((folder.path() / "nowhere.mp3").string());
+  EXPECT_EQ(mixer.musicState(), psTransitioning);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, SoundMixer::patience / 2);
+
+  std::this_thread::sleep_until(start + 2 * SoundMixer::patience);
+  EXPECT_EQ(mixer.musicState(), psTransitioning);
+  beginReading();
+  bool heard = false;
+  EXPECT_TRUE(waitFor([&] {
+    heard = readSound() || heard;
+    return received() > sampleRate * 4 / 2;
+  }));
+  EXPECT_FALSE(heard);
+  EXPECT_EQ(mixer.musicState(), psStopped);
+  mixer.startEffect(effect);
+  EXPECT_TRUE(waitFor([&] { return readSound(); })) << "from now on all is well";
+  breakDevice();
+}
+
+TEST_F(HangingDevice, ThatVanishesInPlayDoesNoHarm) {
+  const int effect = mixer.openEffect(wave("effect.wav", constant(0.3, 5'000)));
+  beginReading();
+  mixer.startMusic(wave("track.wav", constant(0.6, 2'000)));
+  ASSERT_TRUE(waitFor([&] { return readSound(); }));
+  breakDevice();
+  for (int i = 0; i < 20; ++i) {
+    mixer.startEffect(effect);
+    mixer.stopEffect(effect);
+  }
+  EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psStopped; })) << "the track runs out unheard";
+}
+
+/// Machines without sound, of the several kinds that there are.
+class SilentMachine : public ::testing::TestWithParam<const char*> {
+ protected:
+  SilentMachine() {
+    environment.set("SDL_AUDIODRIVER", GetParam());
+    environment.set("AUDIODEV", "there-is-no-such-card");
+  }
+  ScopedEnvironment environment;
+};
+
+TEST_P(SilentMachine, HasNoWordForIt) {
+  ::testing::internal::CaptureStdout();
+  ::testing::internal::CaptureStderr();
+  bool settled = false;
+  {
+    SoundMixer mixer;
+    const int effect = mixer.openEffect(KELVORA_SOURCE_DIR "/sounds/bounce.wav");
+    mixer.startEffect(effect);
+    mixer.silenceEffect(effect, true);
+    mixer.stopEffect(effect);
+    mixer.startMusic(KELVORA_SOURCE_DIR "/sounds/no-such-track.mp3");
+    settled = waitFor([&] { return mixer.musicState() == psStopped; });
+    mixer.closeEffect(effect);
+  }
+  EXPECT_TRUE(settled);
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Drivers, SilentMachine, ::testing::Values("alsa", "dummy", "no-such-driver"),
+                         [](const auto& instance) { return "Number" + std::to_string(instance.index); });
+
+TEST(MixedSound, OpensWaveFilesAlone) {
+  const auto mixer = std::make_shared<SoundMixer>();
+  ScopedEnvironment environment;
+  environment.set("SDL_AUDIODRIVER", "dummy");
+  EXPECT_TRUE(MixedSound(mixer).open(KELVORA_SOURCE_DIR "/sounds/bounce.wav"));
+  EXPECT_FALSE(MixedSound(mixer).open(KELVORA_SOURCE_DIR "/sounds/nowhere.wav"));
+  EXPECT_FALSE(MixedSound(mixer).open(KELVORA_SOURCE_DIR "/sounds"));
+  EXPECT_FALSE(MixedSound(mixer).open(KELVORA_SOURCE_DIR "/sounds/music1.mp3"));
+  EXPECT_FALSE(MixedSound(mixer).open(""));
+}
+
+}  // namespace
+}  // namespace kelvora

@@ -1,0 +1,124 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace kelvora {
+
+using Samples = std::vector<std::int16_t>;
+
+inline constexpr int sampleRate = 44100;
+
+/// Sets environment variables and puts them back at its end.
+class ScopedEnvironment {
+ public:
+  ScopedEnvironment() = default;
+  ~ScopedEnvironment() {
+    for (const auto& [name, value] : before_) {
+      value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
+    }
+  }
+  ScopedEnvironment(const ScopedEnvironment&) = delete;
+  ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
+
+  void set(const std::string& name, const std::string& value) {
+    const char* old = std::getenv(name.c_str());
+    before_.emplace(name, old ? std::optional<std::string>(old) : std::nullopt);
+    setenv(name.c_str(), value.c_str(), 1);
+  }
+
+ private:
+  std::map<std::string, std::optional<std::string>> before_;
+};
+
+/// A folder of its own that is gone afterwards.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "kelvora-sound-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+  }
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// Looks again and again, for ten seconds at most.
+inline bool waitFor(const std::function<bool()>& isDone) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!isDone()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return true;
+}
+
+/// Writes a wave file: one channel, 16 bits, 44100 samples a second.
+inline void writeWave(const std::filesystem::path& file, const Samples& samples) {
+  std::ofstream out(file, std::ios::binary);
+  const auto number = [&out](std::size_t value, int bytes) {
+    for (int i = 0; i < bytes; ++i) out.put(static_cast<char>(value >> (8 * i)));
+  };
+  const std::size_t size = samples.size() * 2;
+  out << "RIFF";
+  number(36 + size, 4);
+  out << "WAVEfmt ";
+  number(16, 4);
+  number(1, 2);
+  number(1, 2);
+  number(sampleRate, 4);
+  number(sampleRate * 2, 4);
+  number(2, 2);
+  number(16, 2);
+  out << "data";
+  number(size, 4);
+  for (const std::int16_t sample : samples) number(static_cast<std::uint16_t>(sample), 2);
+}
+
+/// The sound device is a file; `left()` and `right()` are what it has received so far.
+class Recording {
+ public:
+  explicit Recording(const std::filesystem::path& file) : file_(file) {
+    environment_.set("SDL_AUDIODRIVER", "disk");
+    environment_.set("SDL_DISKAUDIOFILE", file.string());
+  }
+
+  Samples left() const { return speaker(0); }
+  Samples right() const { return speaker(1); }
+
+ private:
+  Samples speaker(std::size_t which) const {
+    std::ifstream in(file_, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    Samples samples;
+    for (std::size_t at = 2 * which; at + 4 <= bytes.size() + 2 * which; at += 4) {
+      const auto low = static_cast<unsigned char>(bytes[at]);
+      const auto high = static_cast<unsigned char>(bytes[at + 1]);
+      samples.push_back(static_cast<std::int16_t>(low | (high << 8)));
+    }
+    return samples;
+  }
+
+  std::filesystem::path file_;
+  ScopedEnvironment environment_;
+};
+
+}  // namespace kelvora
