@@ -32,6 +32,13 @@ TEST_F(ConnectionState, EveryStateHasItsNameAndColour) {
   }
 }
 
+TEST_F(ConnectionState, Q235IsCalledDisconnectedUntilTheFirstUpdate) {
+  EXPECT_EQ(shownState(), "Disconnected");
+  EXPECT_EQ(frmMain->sock.State(), sckClosed);
+  frmMain->showConnectionState();
+  EXPECT_EQ(shownState(), "Closed");
+}
+
 TEST_F(ConnectionState, IsRefreshedEverySecond) {
   frmMain->Show();
   server().setState(sckConnecting);

@@ -110,6 +110,34 @@ TEST_F(ConnectDialog, Q050EnterConnectsAndEscapeOpensTheFinder) {
   EXPECT_EQ(f.cmdCancel.role, Button::Role::Plain);
 }
 
+TEST_F(ConnectDialog, Q050TheButtonThatEscapeClicksOpensTheFinder) {
+  const Button* answer = nullptr;
+  for (const Control* control : frmConnect->children()) {
+    const auto* button = dynamic_cast<const Button*>(control);
+    if (button && button->role == Button::Role::Cancel) answer = button;
+  }
+  ASSERT_EQ(answer, &frmConnect->cmdGetList);
+  answer->Click();
+  EXPECT_EQ(machine.modalForms, std::vector<std::string>{"Game Finder"});
+  EXPECT_TRUE(frmConnect.isLoaded());
+}
+
+TEST_F(ConnectDialog, Q229ThePasswordIsStoredAsItIsTyped) {
+  frmConnect->txtServerPassword.Text = "S3cret pass";
+  connectWith("Ann", "arena.test", "3000");
+  EXPECT_EQ(stored("server password"), "S3cret pass");
+  EXPECT_EQ(frmConnect->txtServerPassword.Text.get(), "S3cret pass") << "and comes back so";
+}
+
+TEST_F(ConnectDialog, Q230ThePasswordsCaptionAloneHasNoColon) {
+  std::vector<std::string> without;
+  for (const Label* label :
+       {&frmConnect->Label1, &frmConnect->Label2, &frmConnect->Label3, &frmConnect->Label4, &frmConnect->Label5}) {
+    if (!label->Caption.get().ends_with(':')) without.push_back(label->Caption);
+  }
+  EXPECT_EQ(without, std::vector<std::string>{"Server Password"});
+}
+
 TEST_F(ConnectDialog, TheCirclesAsDesigned) {
   FrmConnect f;
   const Colour fills[] = {RGB(255, 0, 0),   RGB(255, 255, 0), RGB(0, 255, 0),
@@ -242,8 +270,8 @@ TEST_F(ConnectDialog, PendingEventsRunOnceBeforeTheDialogGoes) {
   EXPECT_FALSE(frmConnect.isLoaded());
 }
 
-TEST_F(ConnectDialog, PortsOutsideTheRangeAreRefused) {
-  for (const char* port : {"0", "-5", "32767", "abc", "", "99999"}) {
+TEST_F(ConnectDialog, Q231PortsFrom32767UpAreRefusedLikeNumbersThatAreNoPorts) {
+  for (const char* port : {"0", "-5", "32767", "40000", "65535", "abc", "", "99999"}) {
     machine.messageBoxes.clear();
     connectWith("Ann", "arena.test", port);
     EXPECT_EQ(machine.messageBoxes, std::vector<std::string>{"Invalid server port number"}) << port;
@@ -252,12 +280,13 @@ TEST_F(ConnectDialog, PortsOutsideTheRangeAreRefused) {
   }
 }
 
-TEST_F(ConnectDialog, PortsInsideTheRangeAreRoundedToEven) {
+TEST_F(ConnectDialog, Q232APortMayHaveAFractionAndIsRoundedToEvenBehindTheCheck) {
   struct Row {
     const char* text;
     int port;
   };
-  for (const Row& row : {Row{"1", 1}, Row{"32766", 32766}, Row{"2010.5", 2010}, Row{"2011.5", 2012}, Row{"80x", 80}}) {
+  for (const Row& row :
+       {Row{"1", 1}, Row{"32766", 32766}, Row{"2010.5", 2010}, Row{"2011.5", 2012}, Row{"80x", 80}, Row{"0.3", 0}}) {
     connectWith("Ann", "arena.test", row.text);
     ASSERT_FALSE(server().connects.empty());
     EXPECT_EQ(server().connects.back().second, row.port) << row.text;

@@ -4,6 +4,7 @@
 
 #include "frontend/frmConnect.h"
 #include "rendering/frmGfx.h"
+#include "store/frmPowerups.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
@@ -189,6 +190,24 @@ TEST_F(MainWindow, Q037AGreySpawnButtonTakesClicks) {
   EXPECT_EQ(server().sent, "\x80\x98\x81");
   EXPECT_EQ(lines()[0], "Requesting spawn permission from the server...");
   EXPECT_EQ(modMain::chatLines[0].colour, white);
+}
+
+TEST_F(MainWindow, Q037TheShopOpensInEitherState) {
+  for (const bool lit : {false, true}) {
+    frmMain->setButtonsState(lit);
+    frmMain->btnShop.Click();
+    EXPECT_TRUE(frmPowerups.isVisible()) << lit;
+    frmPowerups.unload();
+  }
+}
+
+TEST_F(MainWindow, Q234TheChatEntryAndTheStatusBarKeepTheirWidths) {
+  frmMain->clientResized(20'000, 12'000);
+  ASSERT_EQ(frmMain->canvas.Width.get(), 18'035);
+  EXPECT_EQ(frmMain->txtChat.Width.get(), 10'035);
+  EXPECT_EQ(frmMain->txtChat.Left.get(), 1440);
+  EXPECT_EQ(frmMain->frame_Status.Width.get(), 13'215);
+  EXPECT_EQ(frmMain->frame_Status.Left.get(), 0);
 }
 
 TEST_F(MainWindow, ResizingMovesWhatStandsBesideAndBelowTheCanvas) {

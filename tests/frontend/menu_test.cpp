@@ -90,6 +90,13 @@ TEST_F(Menu, AnEmptyStoreGivesTheDefaults) {
   EXPECT_TRUE(machine.settings.empty()) << "reading stores nothing";
 }
 
+TEST_F(Menu, Q233TheDesignOfTheLineIsNeverAndItsDefaultClick) {
+  const FrmMain designed;  // not loaded
+  EXPECT_TRUE(designed.mnuDirLineNever.Checked.get());
+  EXPECT_FALSE(designed.mnuDirLineClick.Checked.get());
+  EXPECT_EQ(line(), "-x-");
+}
+
 TEST_F(Menu, StoredSettingsAreTakenUp) {
   store("audio", "music", "False");
   store("audio", "sfx", "False");
