@@ -1,13 +1,12 @@
 #include "server/arena.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <limits>
 #include <utility>
 
 #include "base/text.h"
 #include "network/wire/wireFormat.h"
+#include "server/wholeNumber.h"
 
 namespace kelvora::server {
 
@@ -22,23 +21,8 @@ bool isControl(char c) {
   return code < 32 || code == 127;
 }
 
-/// The whole text as one finite number.
-std::optional<double> number(std::string_view text) {
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc{} || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
-  return value;
-}
-
-std::optional<std::int16_t> integer(std::string_view text) {
-  std::int16_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return value;
-}
-
 bool isCoordinate(std::string_view text) {
-  const auto value = number(text);
+  const auto value = wholeNumber<double>(text);
   return value && *value >= 0 && *value <= worldSize;
 }
 
@@ -52,8 +36,8 @@ std::string printable(std::string_view text) {
 
 }  // namespace
 
-Arena::Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed)
-    : output_(output), version_(std::move(version)), password_(std::move(password)), random_(seed) {}
+Arena::Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed, int income)
+    : output_(output), version_(std::move(version)), password_(std::move(password)), income_(income), random_(seed) {}
 
 void Arena::connected(ClientId client, Millis now) { clients_.insert({client, Client{now, std::nullopt}}); }
 
@@ -86,6 +70,11 @@ void Arena::received(ClientId client, std::string_view text, Millis now) {
       return chat(client, player, fields, now);
     case wire::msgSpawnRequest:
       return spawn(client, player, now);
+    case wire::msgBuyRequest:
+    case wire::msgSellRequest:
+      return buyOrSell(client, player, id == wire::msgSellRequest, fields, now);
+    case wire::msgActivateRequest:
+      return activate(client, player, fields, now);
     default:
       return;
   }
@@ -106,6 +95,7 @@ void Arena::tick(Millis now) {
       player->pingSent = now;
       sendTo(client, wire::msgPing, {std::to_string(now / 1000)});
     }
+    if (player) payIncome(client, *player, now);
     ++it;
   }
 }
@@ -123,6 +113,7 @@ void Arena::login(ClientId client, const Fields& fields, Millis now) {
                 .name = trimBlanks(fields[0]),
                 .x = randomCoordinate(),
                 .y = randomCoordinate(),
+                .paidUntil = now,
                 .nextPing = now + firstPingDelay};
   output_.log(printable(player.name) + " joined as " + colourNames[player.colour] + ", node " +
               std::to_string(player.node));
@@ -133,6 +124,7 @@ void Arena::login(ClientId client, const Fields& fields, Millis now) {
     sendJoined(client, *state.player);
     sendJoined(other, player);
   }
+  sendFunds(client, player);
   clients_.at(client).player = std::move(player);
 }
 
@@ -164,7 +156,7 @@ void Arena::pingReply(ClientId client, Player& player, Millis now) {
 
 void Arena::chat(ClientId client, Player& player, const Fields& fields, Millis now) {
   if (fields.size() != 2 || !player.requests.allows(now)) return;
-  const auto target = integer(fields[0]);
+  const auto target = wholeNumber<std::int16_t>(fields[0]);
   if (!target) return;
   std::string text(fields[1]);
   std::erase_if(text, isControl);
@@ -201,7 +193,7 @@ bool Arena::isColourFree(std::int16_t colour) const {
 }
 
 std::int16_t Arena::chooseColour(std::string_view preferred) const {
-  const auto wish = integer(preferred);
+  const auto wish = wholeNumber<std::int16_t>(preferred);
   if (wish && *wish >= 0 && *wish < colourCount && isColourFree(*wish)) return *wish;
   std::int16_t colour = 0;
   while (!isColourFree(colour)) ++colour;

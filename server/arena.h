@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "server/inventory.h"
 #include "server/rateLimit.h"
 
 namespace kelvora::server {
@@ -35,10 +36,11 @@ class Arena {
   static constexpr Millis firstPingDelay = 1'000;
   static constexpr Millis pingInterval = 12'000;
   static constexpr double positionsPerSecond = 100;  ///< relayed of one player; the others are dropped
-  static constexpr double requestsPerSecond = 10;    ///< chat lines and spawn requests of one player together
+  static constexpr double requestsPerSecond = 10;    ///< of one player: chat, store, spawns and powerups together
 
-  /// `version` is the one that a client must have; an empty `password` admits everybody.
-  Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed);
+  /// `version` is the one that a client must have; an empty `password` admits everybody; `income` is in credits a
+  /// minute, for every player while he is alive.
+  Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed, int income = defaultIncome);
 
   void connected(ClientId client, Millis now);
   /// One frame's text, id and fields. What makes no sense is dropped.
@@ -50,6 +52,8 @@ class Arena {
 
   /// Ends a player's life or gives it back; everybody is told.
   void setAlive(std::int16_t node, bool alive);
+  /// Ends a running powerup before its time; everybody is told. One that is not running is left alone.
+  void endPowerup(std::int16_t node, int item, Millis now);
   std::size_t playerCount() const;
 
  private:
@@ -62,6 +66,8 @@ class Arena {
     std::string y;
     bool alive = true;
     std::int16_t kills = 0;
+    Inventory inventory{};
+    Millis paidUntil = 0;
     Millis nextPing = 0;
     std::optional<Millis> pingSent = std::nullopt;  ///< of the ping that waits for its answer
     RateLimit positions{positionsPerSecond, 50};
@@ -79,6 +85,10 @@ class Arena {
   void pingReply(ClientId client, Player& player, Millis now);
   void chat(ClientId client, Player& player, const Fields& fields, Millis now);
   void spawn(ClientId client, Player& player, Millis now);
+  void buyOrSell(ClientId client, Player& player, bool isSale, const Fields& fields, Millis now);
+  void activate(ClientId client, Player& player, const Fields& fields, Millis now);
+  void payIncome(ClientId client, Player& player, Millis now);
+  void sendFunds(ClientId client, const Player& player);
   bool isColourFree(std::int16_t colour) const;
   std::int16_t chooseColour(std::string_view preferred) const;
   std::int16_t nextNode();
@@ -91,6 +101,7 @@ class Arena {
   ArenaOutput& output_;
   const std::string version_;
   const std::string password_;
+  const int income_;
   std::mt19937 random_;
   std::map<ClientId, Client> clients_;
   std::int16_t lastNode_ = 0;

@@ -1,9 +1,10 @@
 #include "server/gameServer.h"
 
 #include <random>
-#include <sstream>
 #include <utility>
 #include <vector>
+
+#include "server/listen.h"
 
 namespace kelvora::server {
 
@@ -12,33 +13,34 @@ namespace {
 constexpr auto tickInterval = std::chrono::milliseconds(100);
 constexpr Millis goodbyeTime = 2'000;  // for a client to take the last words
 
-asio::ip::tcp::endpoint resolve(asio::io_context& context, const Options& options) {
-  asio::ip::tcp::resolver resolver(context);
-  return resolver.resolve(options.address, std::to_string(options.port)).begin()->endpoint();
+std::unique_ptr<WebServer> startWeb(const Options& options) {
+  if (!options.webPort) return nullptr;
+  const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
+  return std::make_unique<WebServer>(address, *options.webPort, versionText());
 }
 
 }  // namespace
 
 GameServer::GameServer(asio::io_context& context, const Options& options, std::function<void(const std::string&)> log)
-    : log_(std::move(log)),
-      acceptor_(context, resolve(context, options)),
+    : options_(options),
+      log_(std::move(log)),
+      acceptor_(listenOn(context, options.address, options.port)),
       timer_(context),
-      arena_(*this, versionText(), options.password, std::random_device{}()) {
+      arena_(*this, versionText(), options.password, std::random_device{}(), options.income),
+      web_(startWeb(options)) {
+  publish();
   acceptMore();
   tickMore();
 }
 
-std::string GameServer::endpointText() const {
-  std::ostringstream text;
-  text << acceptor_.local_endpoint();
-  return text.str();
-}
+std::string GameServer::endpointText() const { return kelvora::server::endpointText(acceptor_); }
 
 void GameServer::stop() {
   stopped_ = true;
   asio::error_code ignored;
   acceptor_.close(ignored);
   timer_.cancel();
+  web_.reset();
   for (const auto& [client, connection] : connections_) connection->close("the server ends");
 }
 
@@ -68,15 +70,19 @@ void GameServer::acceptMore() {
 void GameServer::welcome(asio::ip::tcp::socket socket) {
   if (connections_.size() >= mostConnections) return;  // the socket closes with this scope
   const ClientId client = ++lastClient_;
-  const Connection::Handlers handlers{
-      .onFrame = [this](ClientId from, std::string_view text) { arena_.received(from, text, now()); },
-      .onClosed =
-          [this](ClientId gone, const std::string& reason) {
-            connections_.erase(gone);
-            hungUp_.erase(gone);
-            log_("client " + std::to_string(gone) + " closed: " + reason);
-            arena_.disconnected(gone);
-          }};
+  const Connection::Handlers handlers{.onFrame =
+                                          [this](ClientId from, std::string_view text) {
+                                            arena_.received(from, text, now());
+                                            publish();
+                                          },
+                                      .onClosed =
+                                          [this](ClientId gone, const std::string& reason) {
+                                            connections_.erase(gone);
+                                            hungUp_.erase(gone);
+                                            log_("client " + std::to_string(gone) + " closed: " + reason);
+                                            arena_.disconnected(gone);
+                                            publish();
+                                          }};
   const auto connection = std::make_shared<Connection>(std::move(socket), client, handlers);
   connections_.emplace(client, connection);
   arena_.connected(client, now());
@@ -88,12 +94,24 @@ void GameServer::tickMore() {
   timer_.async_wait([this](asio::error_code error) {
     if (error || stopped_) return;
     arena_.tick(now());
+    if (web_) web_->dropOverdue(WebServer::Clock::now());
     for (const auto& [client, since] : hungUp_) {
       if (now() - since >= goodbyeTime) connections_.at(client)->close("hung up on");
     }
     if (!std::exchange(isAccepting_, true)) acceptMore();
     tickMore();
   });
+}
+
+void GameServer::publish() {
+  if (!web_ || publishedPlayers_ == arena_.playerCount()) return;
+  publishedPlayers_ = arena_.playerCount();
+  web_->publish({.address = options_.publicAddress.empty() ? options_.address : options_.publicAddress,
+                 .port = port(),
+                 .passwordRequired = !options_.password.empty(),
+                 .notes = options_.notes,
+                 .players = *publishedPlayers_,
+                 .maxPlayers = Arena::colourCount});
 }
 
 Millis GameServer::now() const {

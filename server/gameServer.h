@@ -7,15 +7,17 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "server/arena.h"
 #include "server/connection.h"
 #include "server/options.h"
+#include "server/webServer.h"
 
 namespace kelvora::server {
 
-/// The arena on the network. Everything runs on the one thread that runs the context.
+/// The arena on the network. Everything but the web server runs on the one thread that runs the context.
 class GameServer : private ArenaOutput {
  public:
   static constexpr std::size_t mostConnections = 64;
@@ -25,6 +27,8 @@ class GameServer : private ArenaOutput {
 
   /// "127.0.0.1:2010"
   std::string endpointText() const;
+  /// The same of the web server; empty if none was asked for.
+  std::string webEndpointText() const { return web_ ? web_->endpointText() : ""; }
   std::uint16_t port() const { return acceptor_.local_endpoint().port(); }
   /// Closes everything, so that the context runs out of work.
   void stop();
@@ -37,16 +41,21 @@ class GameServer : private ArenaOutput {
   void acceptMore();
   void welcome(asio::ip::tcp::socket socket);
   void tickMore();
+  /// Tells the web server how many players there are, if that has changed.
+  void publish();
   Millis now() const;
 
+  const Options options_;
   std::function<void(const std::string&)> log_;
   asio::ip::tcp::acceptor acceptor_;
   asio::steady_timer timer_;
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   Arena arena_;
+  std::unique_ptr<WebServer> web_;  // null if none was asked for
   std::map<ClientId, std::shared_ptr<Connection>> connections_;
   std::map<ClientId, Millis> hungUp_;  // since when
   ClientId lastClient_ = 0;
+  std::optional<std::size_t> publishedPlayers_;
   bool isAccepting_ = true;
   bool stopped_ = false;
 };

@@ -1,9 +1,9 @@
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>
 #include <csignal>
+#include <exception>
 #include <iostream>
 #include <span>
-#include <system_error>
 
 #include "server/gameServer.h"
 #include "server/options.h"
@@ -31,13 +31,13 @@ int main(int argc, char** argv) {
     signals.async_wait([&](asio::error_code error, int) {
       if (!error) server.stop();
     });
+    if (options.webPort) std::cout << "web on " << server.webEndpointText() << std::endl;
     std::cout << "listening on " << server.endpointText() << std::endl;
     context.run();
     std::cerr << "ended" << std::endl;
     return 0;
-  } catch (const std::system_error& error) {
-    std::cerr << "kelvora-server: cannot listen on " << options.address << ":" << options.port << ": "
-              << error.code().message() << "\n";
+  } catch (const std::exception& error) {
+    std::cerr << "kelvora-server: " << error.what() << "\n";
     return 1;
   }
 }

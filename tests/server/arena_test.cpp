@@ -1,88 +1,12 @@
-#include "server/arena.h"
-
-#include <gtest/gtest.h>
-
-#include <set>
-
-#include "network/wire/wireFormat.h"
+#include "tests/server/arenaTest.h"
 
 namespace kelvora::server {
 namespace {
 
-using Fields = std::vector<std::string>;
-
-struct Message {
-  int id = 0;
-  Fields fields;
-
-  friend bool operator==(const Message&, const Message&) = default;
-};
-
-void PrintTo(const Message& message, std::ostream* out) {
-  *out << message.id << " (";
-  for (const std::string& field : message.fields) *out << '"' << field << "\" ";
-  *out << ")";
-}
-
-/// An arena whose clients are lists of what they got.
-class ArenaTest : public testing::Test, private ArenaOutput {
- protected:
-  static constexpr ClientId ann = 1;
-  static constexpr ClientId bob = 2;
-  static constexpr ClientId cat = 3;
-
-  std::map<ClientId, std::vector<Message>> got;
-  std::set<ClientId> hungUp;
-  std::vector<std::string> logged;
-  Millis now = 5'000;
-  Arena arena{*this, "1.2.1", "", 1};
-  Arena locked{*this, "1.2.1", "sesame", 1};
-
-  void say(ClientId client, std::int16_t id, const Fields& fields) {
-    const std::string frame = wire::buildFrame(id, fields);
-    arena.received(client, frame.substr(1, frame.size() - 2), now);
-  }
-  /// Logs a client in and forgets what everybody got by that.
-  std::int16_t login(ClientId client, const std::string& name, const std::string& colour = "0") {
-    arena.connected(client, now);
-    say(client, wire::msgLogin, {name, "", colour, "1.2.1"});
-    const std::int16_t node = static_cast<std::int16_t>(std::stoi(got[client].at(0).fields.at(1)));
-    got.clear();
-    return node;
-  }
-  /// The reason why a login is refused; empty if it was not.
-  std::string refusal(Arena& where, const Fields& fields) {
-    constexpr ClientId stranger = 99;
-    got.erase(stranger);
-    hungUp.clear();
-    where.connected(stranger, now);
-    const std::string frame = wire::buildFrame(wire::msgLogin, fields);
-    where.received(stranger, frame.substr(1, frame.size() - 2), now);
-    const Message answer = got[stranger].at(0);
-    if (answer.id != wire::msgLoginDenied) return {};
-    EXPECT_EQ(got[stranger].size(), 1U);
-    EXPECT_TRUE(hungUp.contains(stranger));
-    return answer.fields.at(0);
-  }
-
- private:
-  void send(ClientId client, const std::string& frame) override {
-    ASSERT_EQ(frame.front(), wire::frameStart);
-    ASSERT_EQ(frame.back(), wire::frameEnd);
-    Message message{static_cast<unsigned char>(frame[1]), {}};
-    for (const std::string_view field : wire::splitFields(std::string_view(frame).substr(2, frame.size() - 3))) {
-      message.fields.emplace_back(field);
-    }
-    got[client].push_back(std::move(message));
-  }
-  void hangUp(ClientId client) override { hungUp.insert(client); }
-  void log(const std::string& line) override { logged.push_back(line); }
-};
-
 TEST_F(ArenaTest, ALoginIsAcceptedWithColourNodeAndPlace) {
   arena.connected(ann, now);
   say(ann, wire::msgLogin, {"Ann", "whatever", "4", "1.2.1"});
-  ASSERT_EQ(got[ann].size(), 1U);
+  ASSERT_EQ(got[ann].size(), 2U);
   const Message& accepted = got[ann][0];
   EXPECT_EQ(accepted.id, wire::msgLoginAccepted);
   ASSERT_EQ(accepted.fields.size(), 4U);
@@ -92,6 +16,7 @@ TEST_F(ArenaTest, ALoginIsAcceptedWithColourNodeAndPlace) {
     EXPECT_GE(std::stoi(accepted.fields[axis]), 10'000);
     EXPECT_LE(std::stoi(accepted.fields[axis]), 90'000);
   }
+  EXPECT_EQ(got[ann][1], (Message{wire::msgFunds, {"1", "10"}}));
   EXPECT_EQ(arena.playerCount(), 1U);
 }
 
@@ -101,9 +26,10 @@ TEST_F(ArenaTest, NewcomersAndPlayersLearnOfEachOther) {
   got.clear();
   arena.connected(bob, now);
   say(bob, wire::msgLogin, {"Bob", "", "2", "1.2.1"});
-  ASSERT_EQ(got[bob].size(), 2U);
+  ASSERT_EQ(got[bob].size(), 3U);
   EXPECT_EQ(got[bob][0].id, wire::msgLoginAccepted);
   EXPECT_EQ(got[bob][1], (Message{wire::msgPlayerJoined, {"1", "0", "Ann", "123.5", "1.5E+04", "1", "0"}}));
+  EXPECT_EQ(got[bob][2], (Message{wire::msgFunds, {"2", "10"}})) << "his own, and nobody else's";
   const Fields& start = got[bob][0].fields;
   EXPECT_EQ(got[ann], (std::vector<Message>{{wire::msgPlayerJoined, {"2", "2", "Bob", start[2], start[3], "1", "0"}}}));
 }

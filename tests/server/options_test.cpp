@@ -15,6 +15,11 @@ TEST(ServerOptions, HaveDefaults) {
   EXPECT_EQ(options.address, "127.0.0.1");
   EXPECT_EQ(options.port, 2010);
   EXPECT_EQ(options.password, "");
+  EXPECT_EQ(options.income, 5);
+  EXPECT_FALSE(options.webPort.has_value());
+  EXPECT_EQ(options.webAddress, "");
+  EXPECT_EQ(options.publicAddress, "");
+  EXPECT_EQ(options.notes, "");
   EXPECT_FALSE(options.help);
   EXPECT_FALSE(options.version);
 }
@@ -32,17 +37,38 @@ TEST(ServerOptions, AreReadInBothSpellings) {
   EXPECT_EQ(parse({"--password=a=b"}).password, "a=b");
 }
 
+TEST(ServerOptions, ReachTheWebServerAndTheIncome) {
+  const Options options = parse({"--web-port", "8080", "--web-address=0.0.0.0", "--public-address", "play.example",
+                                 "--notes", "a = b", "--income=0"});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.webPort, 8080);
+  EXPECT_EQ(options.webAddress, "0.0.0.0");
+  EXPECT_EQ(options.publicAddress, "play.example");
+  EXPECT_EQ(options.notes, "a = b");
+  EXPECT_EQ(options.income, 0);
+  EXPECT_EQ(options.port, 2010);
+  EXPECT_EQ(parse({"--income", "6000"}).error, "");
+}
+
 TEST(ServerOptions, ThatMakeNoSenseAreTold) {
   EXPECT_NE(parse({"--prot", "1"}).error, "");
   EXPECT_NE(parse({"2010"}).error, "");
   EXPECT_NE(parse({"--port"}).error, "");
+  for (const char* option : {"--web-port", "--web-address", "--public-address", "--notes", "--income"}) {
+    EXPECT_NE(parse({option}).error.find(option), std::string::npos) << option;
+  }
+  for (const char* income : {"", "x", "5x", "-1", "6001", "5.5"}) {
+    EXPECT_NE(parse({"--income", income}).error, "") << income;
+  }
+  for (const char* port : {"", "x", "-1", "65536"}) EXPECT_NE(parse({"--web-port", port}).error, "") << port;
   for (const char* port : {"", "x", "12x", "-1", "65536"}) EXPECT_NE(parse({"--port", port}).error, "") << port;
 }
 
 TEST(ServerOptions, TheVersionIsThatOfTheGame) { EXPECT_EQ(versionText(), "1.2.1"); }
 
 TEST(ServerOptions, TheHelpNamesEachOption) {
-  for (const char* option : {"--address", "--port", "--password", "--help", "--version"}) {
+  for (const char* option : {"--address", "--port", "--password", "--income", "--web-port", "--web-address",
+                             "--public-address", "--notes", "--help", "--version"}) {
     EXPECT_NE(helpText().find(option), std::string::npos) << option;
   }
 }

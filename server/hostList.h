@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kelvora::server {
+
+/// What the list of published games says of a server.
+struct HostEntry {
+  std::string address;
+  std::uint16_t port = 0;
+  bool passwordRequired = false;
+  std::string notes;
+  std::size_t players = 0;
+  std::size_t maxPlayers = 0;
+};
+
+/// What a client asks the list for.
+struct HostQuery {
+  std::string version;
+  bool withPassword = true;  ///< hosts that ask for a password, too
+  bool withFull = true;
+  bool withEmpty = true;
+};
+
+bool matches(const HostEntry& host, std::string_view version, const HostQuery& query);
+
+/// "[address|port|password|notes|players|maxPlayers]", the password being 0 or 1. What a record is made of, and what
+/// would end the list too early, is taken out of the texts.
+std::string hostRecord(const HostEntry& host);
+
+/// The body of the answer: one record, or none if the host does not match, and the end mark.
+std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query);
+
+/// The body of the file that clients compare their version with.
+std::string updateFile(std::string_view version);
+
+/// The path within the host: "http://host:80/a" is "/a", and "/a" stays. "/" for an absolute address without a path.
+std::string_view pathOf(std::string_view target);
+
+}  // namespace kelvora::server

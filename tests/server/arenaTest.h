@@ -1,0 +1,87 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "network/wire/wireFormat.h"
+#include "server/arena.h"
+
+namespace kelvora::server {
+
+using Fields = std::vector<std::string>;
+
+struct Message {
+  int id = 0;
+  Fields fields;
+
+  friend bool operator==(const Message&, const Message&) = default;
+};
+
+inline void PrintTo(const Message& message, std::ostream* out) {
+  *out << message.id << " (";
+  for (const std::string& field : message.fields) *out << '"' << field << "\" ";
+  *out << ")";
+}
+
+/// An arena whose clients are lists of what they got.
+class ArenaTest : public testing::Test, private ArenaOutput {
+ protected:
+  static constexpr ClientId ann = 1;
+  static constexpr ClientId bob = 2;
+  static constexpr ClientId cat = 3;
+
+  std::map<ClientId, std::vector<Message>> got;
+  std::set<ClientId> hungUp;
+  std::vector<std::string> logged;
+  Millis now = 5'000;
+  Arena arena;
+  Arena locked{*this, "1.2.1", "sesame", 1};
+
+  explicit ArenaTest(int income = 0) : arena(*this, "1.2.1", "", 1, income) {}
+
+  void say(ClientId client, std::int16_t id, const Fields& fields) {
+    const std::string frame = wire::buildFrame(id, fields);
+    arena.received(client, frame.substr(1, frame.size() - 2), now);
+  }
+  /// Logs a client in and forgets what everybody got by that.
+  std::int16_t login(ClientId client, const std::string& name, const std::string& colour = "0") {
+    arena.connected(client, now);
+    say(client, wire::msgLogin, {name, "", colour, "1.2.1"});
+    const std::int16_t node = static_cast<std::int16_t>(std::stoi(got[client].at(0).fields.at(1)));
+    got.clear();
+    return node;
+  }
+  /// The reason why a login is refused; empty if it was not.
+  std::string refusal(Arena& where, const Fields& fields) {
+    constexpr ClientId stranger = 99;
+    got.erase(stranger);
+    hungUp.clear();
+    where.connected(stranger, now);
+    const std::string frame = wire::buildFrame(wire::msgLogin, fields);
+    where.received(stranger, frame.substr(1, frame.size() - 2), now);
+    const Message answer = got[stranger].at(0);
+    if (answer.id != wire::msgLoginDenied) return {};
+    EXPECT_EQ(got[stranger].size(), 1U);
+    EXPECT_TRUE(hungUp.contains(stranger));
+    return answer.fields.at(0);
+  }
+
+ private:
+  void send(ClientId client, const std::string& frame) override {
+    ASSERT_EQ(frame.front(), wire::frameStart);
+    ASSERT_EQ(frame.back(), wire::frameEnd);
+    Message message{static_cast<unsigned char>(frame[1]), {}};
+    for (const std::string_view field : wire::splitFields(std::string_view(frame).substr(2, frame.size() - 3))) {
+      message.fields.emplace_back(field);
+    }
+    got[client].push_back(std::move(message));
+  }
+  void hangUp(ClientId client) override { hungUp.insert(client); }
+  void log(const std::string& line) override { logged.push_back(line); }
+};
+
+}  // namespace kelvora::server
