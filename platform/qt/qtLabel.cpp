@@ -35,7 +35,13 @@ class LabelWidget : public ControlWidget {
       painter.setFont(fittingFont(painter.font(), text, inside.size()));
     }
     const QFontMetrics metrics = painter.fontMetrics();
-    painter.drawText(inside, vertical(metrics, inside.size()) | horizontal(metrics, text, inside.size()), text);
+    const int aligned = horizontal(metrics, text, inside.size());
+    if (inside.height() < 2 * metrics.lineSpacing()) {
+      // A single line stands in the middle, an odd pixel above it, as in the text boxes of its row.
+      inside.setTop(inside.top() + (inside.height() - metrics.height() + 1) / 2);
+    }
+    // A heading and a paragraph begin at the top.
+    painter.drawText(inside, Qt::AlignTop | aligned, text);
   }
 
  private:
@@ -43,11 +49,6 @@ class LabelWidget : public ControlWidget {
     if (room.height() < 2 * metrics.lineSpacing()) return false;
     const QRect lines = metrics.boundingRect(QRect(QPoint(), room), Qt::TextExpandTabs | Qt::TextWordWrap, text);
     return lines.width() <= room.width() && lines.height() <= room.height();
-  }
-
-  /// A single line stands in the middle, beside the text boxes of its row; a heading and a paragraph begin at the top.
-  static Qt::AlignmentFlag vertical(const QFontMetrics& metrics, QSize room) {
-    return room.height() < 2 * metrics.lineSpacing() ? Qt::AlignVCenter : Qt::AlignTop;
   }
 
   /// A text that is too wide or high for one line is broken into lines where there is room for them.
