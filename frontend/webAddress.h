@@ -27,7 +27,7 @@ WebAddress parseWebAddress(std::string_view text);
 WebAddress webAddress();
 
 /// Bytes that are kept of one answer of the web host; a host that never ends costs no more memory than this.
-inline constexpr std::size_t longestAnswer = 1024 * 1024;
+inline constexpr std::size_t longestAnswer = std::size_t{1024} * 1024;
 
 /// What a data event has brought, read in fewer than 50 steps and only while the socket is connected.
 std::string readArrived(Winsock& socket);
