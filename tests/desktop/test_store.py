@@ -179,6 +179,27 @@ class Store(harness.DesktopTest):
         harness.wait_for(lambda: store.window.geometry()[:2] == home, "the store's place")
 
 
+class RealServer(harness.DesktopTest):
+
+    def test_ten_credits_buy_a_turbo_and_a_second_one_is_refused(self):
+        server = self.start_server()
+        client = self.start_client()
+        client.connect(server.port)
+        client.wait_for_status((128, 255, 128))
+        client.mouse_to(300, 300)
+        store = StoreWindow(client)
+        # Ten credits pay for the turbo alone.
+        store.wait_for_prices([TOO_DEAR, WHITE] + 4 * [TOO_DEAR])
+        none = store.pixels(STOCK, 1)
+        store.click(BUY, 1)
+        one = store.wait_for_change(STOCK, none, 1)
+        store.wait_for_prices(6 * [TOO_DEAR])
+        bought = store.pixels(STATUS)
+        store.click(BUY, 1)
+        store.wait_for_change(STATUS, bought)
+        self.assertEqual(store.pixels(STOCK, 1), one)
+
+
 class Keys(harness.DesktopTest):
 
     def fire_all(self, client, line):
