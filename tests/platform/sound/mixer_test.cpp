@@ -45,12 +45,19 @@ class Mixer : public ::testing::Test {
     return file.string();
   }
 
+  /// Effects do not wait long for a device; these tests do, however busy the machine is.
+  void awaitDevice() {
+    mixer.startMusic((folder.path() / "nowhere.mp3").string());
+    ASSERT_TRUE(waitFor([this] { return mixer.musicState() == psStopped; }));
+  }
+
   TemporaryFolder folder;
   Recording recording{folder.path() / "device.raw"};
   SoundMixer mixer;
 };
 
 TEST_F(Mixer, PlaysAnEffectFromItsFirstSampleToItsLastOnBothSides) {
+  awaitDevice();
   Samples shape;
   for (int i = 0; i < 3000; ++i) shape.push_back(static_cast<std::int16_t>(i == 0 ? 12'000 : 9'000 - 7 * i % 8'000));
   mixer.startEffect(mixer.openEffect(wave("shape.wav", shape)));
@@ -65,7 +72,8 @@ TEST_F(Mixer, PlaysAnEffectFromItsFirstSampleToItsLastOnBothSides) {
 }
 
 TEST_F(Mixer, RestartsAPlayingEffectAtOnce) {
-  Samples marked = constant(5, 1'000);
+  awaitDevice();
+  Samples marked = constant(20, 1'000);
   marked.front() = 20'000;
   const int effect = mixer.openEffect(wave("marked.wav", marked));
   mixer.startEffect(effect);
@@ -79,12 +87,13 @@ TEST_F(Mixer, RestartsAPlayingEffectAtOnce) {
   const Samples heard = recording.left();
   const auto first = std::find_if(heard.begin(), heard.end(), isMark);
   const auto second = std::find_if(first + 1, heard.end(), isMark);
-  EXPECT_LT(second - first, 4 * sampleRate) << "long before its end";
+  EXPECT_LT(second - first, 19 * sampleRate) << "long before its end";
   EXPECT_TRUE(std::all_of(first + 1, second, [](int sample) { return isNear(sample, 1'000); })) << "without a gap";
 }
 
 TEST_F(Mixer, LetsEffectsSoundOverOneAnother) {
-  const int low = mixer.openEffect(wave("low.wav", constant(5, 3'000)));
+  awaitDevice();
+  const int low = mixer.openEffect(wave("low.wav", constant(20, 3'000)));
   const int high = mixer.openEffect(wave("high.wav", constant(0.1, 5'000)));
   mixer.startEffect(low);
   ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 3'000); }));
@@ -94,6 +103,7 @@ TEST_F(Mixer, LetsEffectsSoundOverOneAnother) {
 }
 
 TEST_F(Mixer, IsSilentAfterAStop) {
+  awaitDevice();
   const int effect = mixer.openEffect(wave("long.wav", constant(30, 3'000)));
   mixer.startEffect(effect);
   ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 3'000); }));
@@ -102,6 +112,7 @@ TEST_F(Mixer, IsSilentAfterAStop) {
 }
 
 TEST_F(Mixer, DoesNotLetASilencedEffectBeHeard) {
+  awaitDevice();
   const int silenced = mixer.openEffect(wave("silenced.wav", constant(30, 3'000)));
   const int other = mixer.openEffect(wave("other.wav", constant(0.3, 5'000)));
   mixer.silenceEffect(silenced, true);
@@ -114,6 +125,7 @@ TEST_F(Mixer, DoesNotLetASilencedEffectBeHeard) {
 }
 
 TEST_F(Mixer, GivesAChannelOnAfterItsClose) {
+  awaitDevice();
   const int first = mixer.openEffect(wave("first.wav", constant(30, 3'000)));
   const int second = mixer.openEffect(wave("second.wav", constant(30, 4'000)));
   EXPECT_NE(first, second);
@@ -129,6 +141,7 @@ TEST_F(Mixer, GivesAChannelOnAfterItsClose) {
 }
 
 TEST_F(Mixer, DropsAnEffectThatIsNoSound) {
+  awaitDevice();
   const auto file = folder.path() / "broken.wav";
   std::ofstream(file) << "RIFF....WAVE and then nothing of the kind";
   const int broken = mixer.openEffect(file.string());
@@ -141,7 +154,7 @@ TEST_F(Mixer, DropsAnEffectThatIsNoSound) {
 
 TEST_F(Mixer, TellsWhenATrackPlaysAndWhenItHasEnded) {
   EXPECT_EQ(mixer.musicState(), psReady);
-  mixer.startMusic(wave("track.wav", constant(0.4, 2'000)));
+  mixer.startMusic(wave("track.wav", constant(1.5, 2'000)));
   EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psPlaying; }));
   EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psStopped; }));
   EXPECT_TRUE(contains(recording.left(), 2'000));
@@ -184,6 +197,7 @@ TEST_F(Mixer, HasTheCodecOfTheGamesTracks) {
 }
 
 TEST_F(Mixer, LeavesSignalsAndTheScreenAlone) {
+  awaitDevice();
   mixer.startEffect(mixer.openEffect(wave("some.wav", constant(0.1, 5'000))));
   ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); }));
   for (const int signal : {SIGINT, SIGTERM}) {
@@ -236,9 +250,10 @@ TEST_F(HangingDevice, HoldsNobodyUpAndLateEffectsAreLeftOut) {
   mixer.startEffect(effect);
   mixer.startMusic((folder.path() / "nowhere.mp3").string());
   EXPECT_EQ(mixer.musicState(), psTransitioning);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, SoundMixer::patience / 2);
+  const auto posted = std::chrono::steady_clock::now();
+  EXPECT_LT(posted - start, std::chrono::seconds(2)) << "the device's opening takes as long as nobody reads";
 
-  std::this_thread::sleep_until(start + 2 * SoundMixer::patience);
+  std::this_thread::sleep_until(posted + 2 * SoundMixer::patience);
   EXPECT_EQ(mixer.musicState(), psTransitioning);
   beginReading();
   bool heard = false;
