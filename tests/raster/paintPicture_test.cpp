@@ -3,7 +3,7 @@
 #include <random>
 
 #include "raster/surface.h"
-#include "referenceSurface.h"
+#include "tests/raster/referenceSurface.h"
 
 namespace kelvora {
 namespace {

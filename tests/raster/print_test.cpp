@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "raster/surface.h"
-#include "referenceSurface.h"
+#include "tests/raster/referenceSurface.h"
 
 namespace kelvora {
 namespace {

@@ -1,4 +1,4 @@
-#include "referenceSurface.h"
+#include "tests/raster/referenceSurface.h"
 
 #include <algorithm>
 #include <cstdlib>
