@@ -29,7 +29,7 @@ POSITION_REPORT, PING, PING_REPLY, POSITION, LOGIN, LOGIN_DENIED, LOGIN_ACCEPTED
 CHAT, SERVER_TEXT = 144, 162
 
 
-def wait_for(condition, what, seconds=10.0, pause=0.05):
+def wait_for(condition, what, seconds=20.0, pause=0.05):
     """The first true result of `condition`; fails the test when there is none in time."""
     deadline = time.monotonic() + seconds
     while True:
@@ -291,7 +291,7 @@ class Line:
     def send(self, identifier, *fields):
         self.send_bytes(frame(identifier, *fields))
 
-    def recv_bytes(self, seconds=5.0):
+    def recv_bytes(self, seconds=10.0):
         """The bytes of the next frame, delimiters included; None once the other side has closed."""
         deadline = time.monotonic() + seconds
         while END not in self.received:
@@ -308,7 +308,7 @@ class Line:
         whole, _, self.received = self.received.partition(bytes([END]))
         return whole + bytes([END])
 
-    def recv_frame(self, seconds=5.0):
+    def recv_frame(self, seconds=10.0):
         """The id and the fields of the next frame; None once the other side has closed."""
         data = self.recv_bytes(seconds)
         if data is None:
@@ -330,7 +330,7 @@ class Line:
             frames.append(received)
         return frames
 
-    def report(self, seconds=5.0):
+    def report(self, seconds=10.0):
         """The next position report as a pair of numbers; other frames are passed over."""
         while True:
             identifier, fields = self.recv_frame(seconds)
@@ -351,7 +351,7 @@ class ScriptedServer:
         self.port = self.listener.getsockname()[1]
         self.lines = []
 
-    def accept(self, seconds=10.0):
+    def accept(self, seconds=20.0):
         self.listener.settimeout(seconds)
         self.lines.append(Line(self.listener.accept()[0]))
         return self.lines[-1]

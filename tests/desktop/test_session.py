@@ -139,7 +139,7 @@ class RealServer(harness.DesktopTest):
 
         def next_of(wanted):
             while True:
-                identifier, fields = other.recv_frame(10)
+                identifier, fields = other.recv_frame(20)
                 if identifier == wanted:
                     return fields
         next_of(LOGIN_ACCEPTED)
