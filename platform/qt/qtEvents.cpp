@@ -28,8 +28,11 @@ void QtDesktop::doEvents(bool mayWait) {
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
   } else if (pacer_ && isOutermost) {
     serveUntil(pacer_->passEnd(FramePacer::TimePoint::clock::now()));
-  } else {
+  } else if (isOutermost) {
     servePending();
+  } else {
+    // What is waiting now and no more: the answers to it belong to the frame loop, behind the handler that asked.
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
   }
 }
 
