@@ -52,7 +52,8 @@ TEST_F(Music, OfTheStoreLeavesTheRotationWhereItWas) {
 TEST_F(Music, OutsideTheTracksDoesNothing) {
   openSounds();
   soundMan::playMusic(2);
-  for (const std::int16_t index : std::initializer_list<std::int16_t>{6, -1, 32767, -32768}) EXPECT_NO_THROW(soundMan::playMusic(index));
+  for (const std::int16_t index : std::initializer_list<std::int16_t>{6, -1, 32767, -32768})
+    EXPECT_NO_THROW(soundMan::playMusic(index));
   EXPECT_EQ(machine.tracks.size(), 1U);
   EXPECT_EQ(soundMan::currentMusic, 2);
 }
