@@ -40,12 +40,14 @@ MixerDevice::MixerDevice() {
 }
 
 MixerDevice::~MixerDevice() {
-  if (!isOpen_) return;
-  stopMusic();
-  for (int channel = 0; channel < static_cast<int>(effects_.size()); ++channel) freeEffect(channel);
-  Mix_CloseAudio();
-  Mix_Quit();
-  SDL_QuitSubSystem(SDL_INIT_AUDIO);
+  if (isOpen_) {
+    stopMusic();
+    for (int channel = 0; channel < static_cast<int>(effects_.size()); ++channel) freeEffect(channel);
+    Mix_CloseAudio();
+    Mix_Quit();
+    SDL_QuitSubSystem(SDL_INIT_AUDIO);
+  }
+  SDL_TLSCleanup();  // what SDL keeps for each thread; it knows of the end of its own alone
 }
 
 Mix_Chunk* MixerDevice::effect(int channel) const {
