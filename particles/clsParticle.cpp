@@ -50,7 +50,7 @@ void clsParticle::initNormal(double number, const std::string& newId, std::int16
   positionQueue.clear();
 }
 
-void clsParticle::init(double number, std::uint8_t newType, float x, float y) {
+void clsParticle::init(double number, std::uint8_t newType, float x, float y, std::int16_t a, std::int16_t b) {
   num_ = number;
   type = newType;
   const bool isBackground = type == static_cast<std::uint8_t>(ParticleType::Background);
@@ -62,15 +62,24 @@ void clsParticle::init(double number, std::uint8_t newType, float x, float y) {
     blue = static_cast<std::uint8_t>(drawBelow(255));
     depth = static_cast<std::int16_t>(drawBelow(15) + 2);
   }
-  if (isExplosion) kind = static_cast<std::uint8_t>(drawBelow(10));
+  if (isExplosion) {
+    kind = static_cast<std::uint8_t>(drawBelow(10));
+    first = 10;
+  }
+  if (isReserved) first = a;
   if (isBackground) maxSpeed = backgroundSpeed;
   if (isExplosion) maxSpeed = explosionSpeed;
   if (isBackground) choosePosition();
   if (isExplosion || isReserved) position = {x, y};
-  if (!isReserved) chooseVelocity();
+  if (isReserved) {
+    second = b;
+  } else {
+    chooseVelocity();
+  }
 }
 
 void clsParticle::choosePosition() {
+  // Quirk Q-262: the field is as large as the canvas was at this moment; a window made larger later keeps it.
   fieldWidth = frmMain->canvas.Width;
   fieldHeight = frmMain->canvas.Height;
   float across = static_cast<float>(drawBelow(fieldWidth));
@@ -130,10 +139,11 @@ void clsParticle::moveNormal() {
     position = positionQueue.back();
     return;
   }
+  previousPosition = position;
   if (velocity.x == 0 || velocity.y == 0) stepSet = false;
   while (!positionQueue.empty() && !modMain::isOnScreen(positionQueue.front())) {
     position = positionQueue.front();
-    positionQueue.pop_front();
+    dropQueuedPosition();
     stepSet = false;
   }
   if (positionQueue.empty()) return;
@@ -141,12 +151,13 @@ void clsParticle::moveNormal() {
   const float distance = modMain::getDistance(position, positionQueue.front());
   if (distance < arrivalDistance) {
     position = positionQueue.front();
-    positionQueue.pop_front();
+    dropQueuedPosition();
     stepSet = false;
     if (positionQueue.empty()) return;
   } else if (distance > jumpDistance) {
+    // Quirk Q-115: like an opponent's, a jump keeps the step.
     position = positionQueue.front();
-    positionQueue.pop_front();
+    dropQueuedPosition();
     return;
   }
   if (!stepSet) {
@@ -154,6 +165,7 @@ void clsParticle::moveNormal() {
     velocity = {glideStep(target.x, position.x), glideStep(target.y, position.y)};
     stepSet = true;
   }
+  // Quirk Q-111: as with the opponents the stored step itself is scaled, in every frame anew.
   const double timeScale = modMain::getTimeScale();
   velocity = {toSingle(velocity.x * timeScale), toSingle(velocity.y * timeScale)};
   // Quirk Q-118: the limit was never given a value and is 0: to the right and downward the server's particles move by

@@ -64,6 +64,7 @@ std::int16_t allocNetParticle() {
 
 void receiveParticleNew(const std::string& id, std::int16_t kind, float x, float y, float dx, float dy) {
   const std::int16_t slot = allocNetParticle();
+  // Quirk Q-263: the number given is the count after the growth, so these particles are numbered from 1.
   netParticles[static_cast<std::size_t>(slot)].initNormal(netParticleCount, id, kind, x, y, dx, dy);
 }
 

@@ -84,6 +84,25 @@ TEST_F(Particles, ANetworkTypeKeepsItsPlaceAndSpeedLimit) {
   EXPECT_EQ(particle.velocity, (Vector{8, 8}));
 }
 
+TEST_F(Particles, Q266TheNumberCanBeSetInTwoWays) {
+  particle.setNum(4);
+  EXPECT_EQ(particle.num_, 4);
+  particle.num(5);
+  EXPECT_EQ(particle.num_, 5);
+}
+
+TEST_F(Particles, Q267TwoNumbersAreKeptForNobody) {
+  particle.init(0, reserved, 0, 0, 7, -8);
+  EXPECT_EQ(particle.first, 7);
+  EXPECT_EQ(particle.second, -8);
+  particle.init(0, background, 0, 0, 1, 2);
+  EXPECT_EQ(particle.first, 7);
+  EXPECT_EQ(particle.second, -8);
+  particle.init(0, explosion, 0, 0, 1, 2);
+  EXPECT_EQ(particle.first, 10);
+  EXPECT_EQ(particle.second, -8);
+}
+
 TEST_F(Particles, Q116TheTwoLikeDrawsDiffer) {
   // A sign is negative up to 500 of 1000.
   particle.maxSpeed = 0;
@@ -173,6 +192,24 @@ TEST_F(Particles, Q117Depth15StandsAndDepth16DriftsBackwards) {
   EXPECT_FLOAT_EQ(particle.position.y, 1);
 }
 
+TEST_F(Particles, TheLimitHoldsOnBothAxesAndBothSides) {
+  particle.maxSpeed = 15;
+  for (const Vector fast : {Vector{20, 20}, Vector{-20, -20}, Vector{20, -20}, Vector{-20, 20}}) {
+    particle.velocity = fast;
+    particle.move();
+    EXPECT_EQ(particle.velocity, (Vector{fast.x * 0.75F, fast.y * 0.75F}));
+  }
+}
+
+TEST_F(Particles, AnotherTypeKeepsTheDepth) {
+  particle.init(0, background, 0, 0);
+  particle.depth = 9;
+  for (const std::uint8_t type : {network, explosion, reserved}) {
+    particle.init(0, type, 0, 0);
+    EXPECT_EQ(particle.depth, 9);
+  }
+}
+
 TEST_F(Particles, TheVelocityIsHeldAtTheLimit) {
   particle.maxSpeed = 100;
   particle.velocity = {150, -135};
@@ -210,6 +247,13 @@ TEST_F(NetParticles, InitNormalStoresWhatTheServerSays) {
   EXPECT_THROW(fresh.initNormal(3, "abc", -1, 0, 0, 0, 0), RuntimeFault);
 }
 
+TEST_F(NetParticles, InitNormalEmptiesTheQueue) {
+  particle.positionQueue = {{1, 1}, {2, 2}};
+  particle.initNormal(3, "abc", 5, 10, 20, 0, 0);
+  EXPECT_TRUE(particle.positionQueue.empty());
+  EXPECT_FALSE(particle.hasPosition);
+}
+
 TEST_F(NetParticles, TheFirstPositionSnapsAndIsNotQueued) {
   particle.hasPosition = false;
   particle.queuePosition({90000, 100});
@@ -235,6 +279,15 @@ TEST_F(NetParticles, WithoutAPositionTheNewestEntryIsTakenAndTheQueueStays) {
   EXPECT_TRUE(particle.hasPosition);
   EXPECT_EQ(particle.position, (Vector{2, 2}));
   EXPECT_EQ(particle.positionQueue.size(), 2U);
+}
+
+TEST_F(NetParticles, Q267ThePreviousPositionIsKeptForNobody) {
+  particle.position = {49000, 48000};
+  particle.positionQueue = {{48900, 47900}};
+  particle.moveNormal();
+  EXPECT_EQ(particle.previousPosition, (Vector{49000, 48000}));
+  particle.moveNormal();
+  EXPECT_EQ(particle.previousPosition, (Vector{49000, 48000})) << "an empty queue ends the frame before";
 }
 
 TEST_F(NetParticles, NearPointsAreTakenOneAFrame) {

@@ -99,6 +99,17 @@ TEST_F(Pools, Q120ASlotIsNeverTakenAgain) {
   EXPECT_EQ(modMain::netParticleCount, 3);
 }
 
+TEST_F(Pools, Q263ServerParticlesAreNumberedFromOneAndTheOthersFromZero) {
+  for (const char* id : {"a", "b"}) modMain::receiveParticleNew(id, 1, 10, 20, 0, 0);
+  modMain::addExplosion({10, 20}, 2);
+  modMain::createParticleField();
+  for (std::size_t i = 0; i < 2; ++i) {
+    EXPECT_EQ(modMain::netParticles[i].num_, static_cast<double>(i) + 1);
+    EXPECT_EQ(modMain::explosionParticles[i].num_, static_cast<double>(i));
+    EXPECT_EQ(modMain::particles[i].num_, static_cast<double>(i));
+  }
+}
+
 TEST_F(Pools, TheNumberOfServerParticlesIsBoundedByItsType) {
   modMain::netParticleCount = 32767;
   EXPECT_THROW(modMain::allocNetParticle(), RuntimeFault);
@@ -136,6 +147,14 @@ TEST_F(Pools, TheServersMessagesReachThePool) {
   EXPECT_TRUE(modMain::netParticles[0].positionQueue.empty());
   serverSends(wire::msgParticleRemove, {"q1"});
   EXPECT_FALSE(modMain::netParticles[0].spawned);
+}
+
+TEST_F(Pools, TheServersParticlesOutliveTheConnection) {
+  login();
+  serverSends(wire::msgParticleAdd, {"q1", "5", "50000", "50010", "0", "0"});
+  netMan::disconnectFromServer();
+  EXPECT_EQ(modMain::netParticleCount, 1);
+  EXPECT_EQ(modMain::netParticles[0].id, "q1");
 }
 
 TEST_F(Pools, AFieldTurnedIntoBallsKeepsDriftingAndIsNotWrapped) {
