@@ -108,6 +108,7 @@ void clsPlayer::moveAsOpponent() {
 void clsPlayer::receivePing(std::int32_t value) {
   pingTick = GetTickCount();
   const float now = Timer();
+  // Quirk Q-261: how far the server's clock is off is worked out at each ping, and nobody reads it.
   clockOffset = toSingle(static_cast<double>(now) - value);
   netMan::sendMessage(wire::msgPingReply, {numberText(Timer())});
   sendPosition();
@@ -121,6 +122,7 @@ void clsPlayer::receiveLatencyReport(std::int32_t value) {
 
 void clsPlayer::displayLag() { frmMain->lblLag.Caption = numberText(lag) + "/" + numberText(reportedLag); }
 
+// Quirk Q-260: velocities are taken from the server, but nothing calls this, so no client is ever their source.
 void clsPlayer::sendVelocity() {
   netMan::sendMessage(wire::msgVelocityReport, {numberText(velocity.x), numberText(velocity.y)});
 }
