@@ -129,6 +129,7 @@ void privateLabelMouseDown(int Button) {
   if (Button == 1) frmMain->lblPrivChat.BorderStyle = 1;
 }
 
+// Quirk Q-265: the left button alone presses the label, but letting go of any button changes the mode.
 void privateLabelMouseUp() {
   frmMain->lblPrivChat.BorderStyle = 0;
   setChatMode(chatMode != 0 ? 0 : 1);
