@@ -42,6 +42,7 @@ void paintTextLines() {
   for (std::size_t i = 0; i < paintedLines; ++i) {
     const ChatLine& line = chatLines[i];
     Colour colour = line.colour;
+    // Quirk Q-264: black stands for a line that was never filled, and a font set to black is painted grey with it.
     if (colour == Colour{}) colour = {unsetGrey, unsetGrey, unsetGrey};
     const int amount = static_cast<int>(i) * darkeningPerLine;
     colour = {darkened(colour.red, amount), darkened(colour.green, amount), darkened(colour.blue, amount)};
