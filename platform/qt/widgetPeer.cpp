@@ -87,8 +87,8 @@ void realizeChildren(Control& container, QWidget* parent) {
     [[maybe_unused]] const bool isWidget = realizeAs<Label>(*child, parent) || realizeAs<TextBox>(*child, parent) ||
                                            realizeAs<Button>(*child, parent) || realizeAs<Frame>(*child, parent) ||
                                            realizeAs<Image>(*child, parent) || realizeAs<Shape>(*child, parent) ||
-                                           realizeAs<Slider>(*child, parent) || realizeAs<PictureBox>(*child, parent) || realizeAs<CheckBox>(*child, parent) ||
-                                           realizeAs<Grid>(*child, parent);
+                                           realizeAs<Slider>(*child, parent) || realizeAs<PictureBox>(*child, parent) ||
+                                           realizeAs<CheckBox>(*child, parent) || realizeAs<Grid>(*child, parent);
   }
 }
 

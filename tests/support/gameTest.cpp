@@ -7,9 +7,9 @@
 #include "audio/soundMan.h"
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
+#include "frontend/frmFonts.h"
 #include "frontend/frmGameFind.h"
 #include "frontend/updateCheck.h"
-#include "frontend/frmFonts.h"
 #include "rendering/frmGfx.h"
 #include "store/frmPowerups.h"
 
