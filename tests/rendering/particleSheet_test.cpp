@@ -20,12 +20,12 @@ TEST_F(ParticleSheet, TheCellsSizeIsRoundedDown) {
   frmGfx->imgBalls.Height = 315.9F;
   clsParticle ball;
   ball.type = static_cast<std::uint8_t>(ParticleType::Network);
-  ball.position = {50000 - 5722 + 3015, 50000 - 4560 + 3015};
+  ball.position = {50000 - 5722 + 3023, 50000 - 4560 + 3023};
   ball.paintSelf();
-  // 3015 - 315 = 2700 is where pixel 180 begins; 3015 - 315.9 = 2699.1 would be in pixel 179.
-  EXPECT_EQ(pixelAt(canvas(), 179, 190), RGB(255, 255, 255));
-  EXPECT_EQ(pixelAt(canvas(), 190, 179), RGB(255, 255, 255));
-  EXPECT_EQ(pixelAt(canvas(), 180, 180), spriteOnWhite(0, ballsGreen, 0));
+  // 3023 - 315 = 2708 is nearest to pixel 181, 3023 - 315.9 = 2707.1 would be nearest to 180.
+  EXPECT_EQ(pixelAt(canvas(), 180, 190), RGB(255, 255, 255));
+  EXPECT_EQ(pixelAt(canvas(), 190, 180), RGB(255, 255, 255));
+  EXPECT_EQ(pixelAt(canvas(), 181, 181), spriteOnWhite(0, ballsGreen, 0));
 }
 
 TEST_F(ParticleSheet, TheParticleWhoseTimeIsUpLeavesAndNoOther) {
