@@ -1,0 +1,198 @@
+"""Two real clients in one game: what each sees of the other, whom a chat line reaches, and a capture on both screens."""
+
+import socket
+import threading
+import time
+
+import harness
+from harness import wait_for
+
+CHAT, POSITION, JOINED, TAIL_CAPTURE = 144, 134, 138, 141
+RADAR = (772, 460, 117, 93)  # left, top, width, height in pixels of the client area
+CONSOLE = (4, 582, 500, 20)  # the newest line
+PUBLIC, PRIVATE_SENT, PRIVATE_RECEIVED, SERVER = (128, 255, 128), (255, 255, 255), (255, 0, 255), (255, 255, 0)
+CENTRE_MESSAGE = (150, 270, 500, 30)
+
+
+def is_red(pixel):
+    return pixel[0] > 120 and pixel[1] < 100 and pixel[2] < 100
+
+
+def is_cyan(pixel):
+    return pixel[0] < 110 and pixel[1] > 110 and pixel[2] > 110
+
+
+def is_green(pixel):
+    return pixel[1] > 60 and pixel[0] == 0 and pixel[2] == 0
+
+
+def count(client, picture, area, test):
+    left, top = client.on_screen(area[0], area[1])
+    return sum(test(picture.pixel(left + x, top + y)) for y in range(area[3]) for x in range(area[2]))
+
+
+class Company(harness.DesktopTest):
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.other_display = harness.Display()
+        cls.addClassCleanup(cls.other_display.close)
+
+    def two_clients(self):
+        ann = self.start_client()
+        bob = harness.Client(self.other_display)
+        self.addCleanup(bob.close)
+        return ann, bob
+
+    def expect_on_screen(self, client, area, test, what, least=3):
+        wait_for(lambda: count(client, client.display.picture(), area, test) >= least, what)
+
+    def expect_line(self, client, colour, what):
+        self.expect_on_screen(client, CONSOLE, lambda pixel: pixel == colour, what, least=20)
+
+    def expect_radar_dot(self, client, place, test, what):
+        left, top, width, height = RADAR
+        x, y = left + int(place[0] * width / 100000), top + int(place[1] * height / 100000)
+        area = (max(left, x - 4), max(top, y - 4), 9, 9)
+        self.expect_on_screen(client, area, test, what)
+
+
+class OnTheRealServer(Company):
+
+    def setUp(self):
+        self.server = self.start_server()
+        self.spy = harness.Line(socket.create_connection(("127.0.0.1", self.server.port)))
+        self.addCleanup(self.spy.close)
+        self.spy.send(harness.LOGIN, "Spy", "", 5, "1.2.1")
+        self.assertEqual(self.spy.recv_frame()[0], harness.LOGIN_ACCEPTED)
+        self.ann, self.bob = self.two_clients()
+        self.players = {}
+        self.ann.connect(self.server.port, name="Ann", circle=0)
+        self.await_player("Ann")
+        self.bob.connect(self.server.port, name="Bob", circle=3)
+        self.await_player("Bob")
+
+    def await_frame(self, wanted):
+        while True:
+            identifier, fields = self.spy.recv_frame(20)
+            if wanted(identifier, fields):
+                return fields
+
+    def await_player(self, name):
+        fields = self.await_frame(lambda identifier, fields: identifier == JOINED and fields[2] == name.encode())
+        self.players[name] = (fields[0], (float(fields[3]), float(fields[4])))
+
+    def test_each_sees_the_other_where_his_reports_put_him(self):
+        self.expect_radar_dot(self.ann, self.players["Bob"][1], is_cyan, "Bob's dot on Ann's radar")
+        self.expect_radar_dot(self.bob, self.players["Ann"][1], is_red, "Ann's dot on Bob's radar")
+        self.bob.mouse_to(700, 250)
+        self.bob.right_click()
+        node, start = self.players["Bob"]
+
+        def is_far(identifier, fields):
+            return identifier == POSITION and fields[0] == node and abs(float(fields[1]) - start[0]) > 15000
+        self.await_frame(is_far)
+        self.bob.right_click()
+        last = None
+        while True:  # He rolls out for a second; from then on he only answers pings.
+            frames = [fields for identifier, fields in self.spy.frames_during(1.0)
+                      if identifier == POSITION and fields[0] == node]
+            last = (float(frames[-1][1]), float(frames[-1][2])) if frames else last
+            if len(frames) < 3 and last:
+                break
+        self.expect_radar_dot(self.ann, last, is_cyan, "Bob's dot at his new place")
+
+    def test_a_public_line_reaches_everybody(self):
+        self.ann.window.activate()
+        self.display.xdotool("type", "--delay", "5", "hello all")
+        self.display.xdotool("key", "Return")
+        fields = self.await_frame(lambda identifier, fields: identifier == CHAT)
+        self.assertEqual(fields, [self.players["Ann"][0], b"hello all"])
+        self.expect_line(self.ann, PUBLIC, "the line on Ann's screen")
+        self.expect_line(self.bob, PUBLIC, "the line on Bob's screen")
+
+    def test_a_private_line_reaches_whom_it_should(self):
+        # Bob is cyan, row 3 of the players' list.
+        self.ann.window.click((11580 + 360) // 15 + 20, self.ann.menu + (60 + 300 + 3 * 540) // 15 + 8)
+        self.ann.window.click(300, self.ann.menu + 9225 // 15 + 10)
+        self.display.xdotool("type", "--delay", "5", "psst")
+        self.display.xdotool("key", "Return")
+        self.expect_line(self.ann, PRIVATE_SENT, "the echo on Ann's screen")
+        self.expect_line(self.bob, PRIVATE_RECEIVED, "the line on Bob's screen")
+        self.assertEqual([fields for identifier, fields in self.spy.frames_during(0.5) if identifier == CHAT], [])
+
+
+class OnAScriptedServer(Company):
+    """A server in the test, which knows both places and sends both clients what it likes."""
+
+    def setUp(self):
+        self.ann, self.bob = self.two_clients()
+        server = self.scripted_server()
+        self.lines = []
+        for client, name, colour, x in ((self.ann, "Ann", 0, 50000), (self.bob, "Bob", 3, 51500)):
+            client.connect(server.port, name=name)
+            line = server.accept()
+            self.assertEqual(line.recv_frame()[0], harness.LOGIN)
+            line.send(harness.LOGIN_ACCEPTED, colour, colour + 1, x, 50000)
+            self.lines.append(line)
+        self.lines[0].send(JOINED, 4, 3, "Bob", 51500, 50000, 1, 0)
+        self.lines[1].send(JOINED, 1, 0, "Ann", 50000, 50000, 1, 0)
+
+    def relay_bob(self, stop, reports):
+        while not stop.is_set():
+            try:
+                received = self.lines[1].recv_frame(0.2)
+            except AssertionError:
+                continue
+            if received and received[0] == harness.POSITION_REPORT:
+                for line in self.lines:
+                    line.send(POSITION, 4, *received[1])
+                reports.append((time.monotonic(), float(received[1][0]), float(received[1][1])))
+
+    def test_the_ball_and_the_tail_are_where_the_reports_were(self):
+        # 40 pixels to the right and 20 up: slowly, so that the ball stays in view.
+        self.bob.mouse_to(763 // 2 + 40, 304 - 20)
+        stop, reports = threading.Event(), []
+        relay = threading.Thread(target=self.relay_bob, args=(stop, reports))
+        relay.start()
+        try:
+            self.bob.right_click()
+            wait_for(lambda: len(reports) > 25, "a second of flight")
+            self.bob.right_click()
+            for _ in range(5):
+                picture = self.display.picture()
+                now = time.monotonic()
+                # Laid long enough ago to be shown, and young enough to live: a vertex has two seconds.
+                alive = [(x, y) for at, x, y in reports if 0.4 < now - at < 1.2]
+                if alive and self.tail_at(picture, alive[len(alive) // 2]):
+                    break
+            else:
+                self.fail("no tail where the reports were")
+            wait_for(lambda: time.monotonic() - reports[-1][0] > 1.5, "rest")
+        finally:
+            stop.set()
+            relay.join()
+        _, x, y = reports[-1]
+        left, top = round(763 / 2 + (x - 50000) / 15), round(608 / 2 + (y - 50000) / 15)
+        self.expect_on_screen(self.ann, (left - 20, top - 20, 40, 40), is_cyan, "Bob's ball on Ann's canvas", least=300)
+
+    def tail_at(self, picture, place):
+        left, top = round(763 / 2 + (place[0] - 50000) / 15), round(608 / 2 + (place[1] - 50000) / 15)
+
+        def is_tail(pixel):
+            return pixel[0] == 0 and pixel[1] == pixel[2] and pixel[1] >= 55
+        return count(self.ann, picture, (left - 2, top - 2, 5, 5), is_tail) > 0
+
+    def test_a_capture_plays_out_on_both(self):
+        for line in self.lines:
+            line.send(TAIL_CAPTURE, 4, 1, 1, 1)
+        for client, name in ((self.ann, "Ann"), (self.bob, "Bob")):
+            self.expect_line(client, SERVER, f"the words on {name}'s console")
+            self.expect_on_screen(client, CENTRE_MESSAGE, is_green, f"the message amid {name}'s canvas", least=20)
+            # The winner's strip, row 3, has a red mark in its first cell.
+            strip = ((11580 + 660) // 15, (60 + 600 + 3 * 540) // 15, 11, 11)
+            self.expect_on_screen(client, strip, is_red, f"the mark in {name}'s list")
+        # Ann flies on as a ghost: her red ball is gone from the middle of her canvas.
+        self.assertLess(count(self.ann, self.display.picture(), (361, 284, 40, 40), is_red), 50)
+        self.assertGreater(count(self.bob, self.other_display.picture(), (361, 284, 40, 40), is_cyan), 300)
