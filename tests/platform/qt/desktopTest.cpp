@@ -26,6 +26,7 @@ class DesktopEnvironment : public ::testing::Environment {
     installBackend(nullptr);
     Surface::setGlyphSource(nullptr);
     desktop_.reset();
+    QCoreApplication::sendPostedEvents();  // connections of the last test that wait to be freed
     application_.reset();
   }
 
