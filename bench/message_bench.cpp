@@ -1,0 +1,52 @@
+#include <benchmark/benchmark.h>
+
+#include <string>
+
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "network/netMan.h"
+#include "network/wire/wireFormat.h"
+#include "platform/headless/headlessBackend.h"
+#include "rendering/frmGfx.h"
+
+// One large read of position messages, from its bytes to the opponent's queue. The time of a message is to be the same
+// however many come at once.
+
+namespace {
+
+using namespace kelvora;
+
+void positions(benchmark::State& state) {
+  HeadlessBackend machine;
+  machine.path = KELVORA_SOURCE_DIR;
+  installBackend(&machine);
+  modMain::clearWorld();
+  netMan::clear();
+  modMain::opponents.emplace_back();
+  modMain::opponentCount = 1;
+  clsPlayer& opponent = modMain::opponents.front();
+  opponent.serverNode = 2;
+  opponent.isConnected = true;
+  modMain::localPlayer.serverNode = 1;
+  std::string bytes;
+  for (int i = 0; i < state.range(0); ++i) {
+    bytes += wire::buildFrame(wire::msgPosition, {"2", std::to_string(20000 + i % 5000) + ".25", "31234.56"});
+  }
+  for (auto _ : state) {
+    opponent.positionQueue.clear();
+    netMan::receiveData(bytes);
+    if (opponent.positionQueue.size() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("lost some");
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+  modMain::clearWorld();
+  netMan::clear();
+  frmMain.unload();
+  frmGfx.unload();
+  releaseUnloadedForms();
+  installBackend(nullptr);
+}
+BENCHMARK(positions)->RangeMultiplier(10)->Range(100, 100'000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
