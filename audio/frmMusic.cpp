@@ -1,6 +1,7 @@
 #include "audio/frmMusic.h"
 
 #include "audio/soundMan.h"
+#include "base/fault.h"
 #include "platform/backend.h"
 
 namespace kelvora {
@@ -8,6 +9,8 @@ namespace kelvora {
 FormSlot<FrmMusic> frmMusic;
 
 FrmMusic::FrmMusic() : Form("Music Control", {.clientWidth = 4470, .clientHeight = 645, .systemColours = true}) {
+  // Quirk Q-271: the timer runs after startMusic alone. A track that is asked for after an unload loads this form anew
+  // and is followed by none.
   tmrNext.Enabled = false;
   tmrNext.Timer = [this] { tmrNext_Timer(); };
 }
@@ -16,8 +19,8 @@ FrmMusic::FrmMusic() : Form("Music Control", {.clientWidth = 4470, .clientHeight
 void FrmMusic::load() { backend().realize(*this); }
 
 void FrmMusic::unloaded() {
-  tmrNext.Enabled = false;
-  player.URL("");
+  resumeNext([this] { tmrNext.Enabled = false; });
+  resumeNext([this] { player.URL(""); });
 }
 
 void FrmMusic::tmrNext_Timer() {

@@ -1,5 +1,6 @@
 #include "audio/frmMusic.h"
 #include "audio/soundMan.h"
+#include "base/fault.h"
 #include "base/text.h"
 #include "frontend/frmFonts.h"
 #include "frontend/frmMain.h"
@@ -54,14 +55,14 @@ void FrmMain::connectMenu() {
 }
 
 void FrmMain::clickMusic() {
-  mnuAudioMusic.Checked = !mnuAudioMusic.Checked;
+  resumeNext([this] { mnuAudioMusic.Checked = !mnuAudioMusic.Checked; });
   if (mnuAudioMusic.Checked) {
-    soundMan::startMusic();
-    soundMan::nextMusic();
+    resumeNext([] { soundMan::startMusic(); });
+    resumeNext([] { soundMan::nextMusic(); });
   } else {
-    frmMusic.unload();
+    resumeNext([] { frmMusic.unload(); });
   }
-  SaveSetting("audio", "music", booleanText(mnuAudioMusic.Checked));
+  resumeNext([this] { SaveSetting("audio", "music", booleanText(mnuAudioMusic.Checked)); });
 }
 
 void FrmMain::checkDirectionalLine(const MenuItem& item) {
