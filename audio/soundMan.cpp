@@ -41,6 +41,13 @@ void command(std::int16_t slot, const char* word) {
   resumeNext([slot, word] { frmSound->mm(slot).Command(word); });
 }
 
+std::int16_t drawnTrack() {
+  // Quirk Q-183: the draw gives 0 to 4 and the 0 becomes a 1, so that the music begins with the second track twice as
+  // often as with the third, the fourth or the fifth, and never with the first.
+  const float draw = 5 * Rnd();
+  return std::clamp<std::int16_t>(static_cast<std::int16_t>(draw), 1, lastTrack);
+}
+
 }  // namespace
 
 void clear() {
@@ -63,6 +70,7 @@ void initAudio() {
 }
 
 void reloadSounds() {
+  // Quirk Q-278: the first device stays and is open already, so that its file is not read again.
   while (frmSound->lastIndex() > 0) frmSound->unloadDevice();
   // Quirk Q-182: nobody looks at the command line here, so a client started without sound gets the names of its tracks
   // after all, and with them its music.
@@ -85,11 +93,9 @@ void stopSound(std::int16_t slot) {
 
 void startMusic() {
   if (!frmMain->mnuAudioMusic.Checked) return;
-  frmMusic->tmrNext.Enabled = true;
-  // Quirk Q-183: the draw gives 0 to 4 and the 0 becomes a 1, so that the music begins with the second track twice as
-  // often as with the third, the fourth or the fifth, and never with the first.
-  const float draw = 5 * Rnd();
-  currentMusic = std::clamp<std::int16_t>(static_cast<std::int16_t>(draw), 1, lastTrack);
+  resumeNext([] { *frmMusic; });
+  resumeNext([] { frmMusic->tmrNext.Enabled = true; });
+  resumeNext([] { currentMusic = drawnTrack(); });
 }
 
 void playMusic(std::int16_t index) {
@@ -104,6 +110,8 @@ void playMusic(std::int16_t index) {
 }
 
 void nextMusic() {
+  // Quirk Q-277: so the store falls silent once its own track has ended, and music that is switched on in it is not
+  // heard.
   if (frmPowerups.isVisible()) return;
   playMusic(currentMusic + 1 > lastTrack ? std::int16_t{1} : static_cast<std::int16_t>(currentMusic + 1));
 }

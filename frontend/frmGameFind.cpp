@@ -164,6 +164,7 @@ void FrmGameFind::connectToChosen() {
   grid.Col = 1;
   frmConnect->txtServerPort.Text = grid.Text();
   DoEvents();
+  // Quirk Q-272: the password is what stands in the connect dialog, also for a server that is marked "REQUIRED".
   frmConnect->cmdConnect_Click();
   // Quirk Q-167: refused or not, the finder goes.
   frmGameFind.unload();

@@ -45,6 +45,7 @@ void checkForUpdates() {
 
 void connected() {
   frmMain->updateBuffer.clear();
+  // Quirk Q-279: the file is asked for by its whole address, as one asks a proxy, and with no header line.
   frmMain->sockUpdates.SendData("GET http://" + webAddress().authority() + "/games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
 }
 
@@ -66,6 +67,7 @@ void closedByHost() {
 
 void parseUpdateFile(const std::string& text) {
   constexpr std::string_view marker = "tvqver:";
+  // Quirk Q-280: the headers of the answer are searched like the file, and the first marker counts.
   const std::size_t found = text.find(marker);
   if (found == std::string::npos) return;
   const std::string version = versionAt(text, found + marker.size());

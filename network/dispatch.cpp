@@ -47,6 +47,7 @@ void latencyReport(Fields f) {
 }
 
 void storeDenied(Fields f) {
+  // Quirk Q-274: a refusal that comes after the window has closed is lost; a purchase has its line in the console.
   if (!frmPowerups.isVisible()) return;
   resumeNext([&] { frmPowerups->lblWinners.Caption = f.text(0); });
   constexpr std::int16_t errorSound = 2;

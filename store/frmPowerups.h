@@ -86,7 +86,7 @@ class FrmPowerups : public Form {
 
   void place();
 
-  // The screen is read from the labels; these are only kept.
+  // Quirk Q-276: the screen is read from the labels; these are kept for nobody.
   double funds_ = 0;
   std::array<std::int16_t, powerupSlotCount> stock_{};
 };

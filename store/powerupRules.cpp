@@ -71,6 +71,7 @@ void clsPlayer::unactivatePowerup(std::int16_t slot) {
   if (!isSlot(slot)) return;
   const std::size_t index = slotIndex(slot);
   powerups[index].active = false;
+  // Quirk Q-273: nobody asks whether it was running, nor whose it is; the start of an opponent's is not told.
   if (powerupTable[index].collapse != nullptr) printChat(name + powerupTable[index].collapse, plainLine);
   // Quirk Q-180: the powerup's own number, not that of its sound: the end of the turbo silences the bounce and leaves
   // the turbo's sound running.
@@ -78,9 +79,12 @@ void clsPlayer::unactivatePowerup(std::int16_t slot) {
 }
 
 void clsPlayer::tickPowerups() {
+  // Quirk Q-268: the seconds are those of the clock, not of the powerup: what is left of the one in which it starts is
+  // its first tick, and the laser can end a moment after it has begun.
   const std::int32_t now = toInt32(Timer());
   // Quirk Q-047: past midnight the difference is negative until the clock has caught up, and all timers stand still.
   if (now - lastPowerupTick < 1) return;
+  // Quirk Q-269: however many seconds have passed since the last look, they are one tick.
   lastPowerupTick = now;
   for (PowerupState& powerup : powerups) {
     if (!powerup.active) continue;

@@ -28,6 +28,7 @@ void modMain::openStore() {
   frmPowerups->lblWinners.Caption = roundMessage;
   localPlayer.populatePowerupsForm();
   frmPowerups->Show();
+  // Quirk Q-270: nothing ends this track when the store closes; it plays to its end, and then the rotation goes on.
   soundMan::playMusic(shoppingMusic);
 }
 
@@ -80,6 +81,7 @@ void clsPlayer::showStoreStatus(const std::string& text) {
     const std::int32_t count = powerups[static_cast<std::size_t>(i)].count;
     frmPowerups->lblCurrentStock[i].Caption = numberText(count);
   }
+  // Quirk Q-275: without the fraction, which a newly filled window shows.
   frmPowerups->lblFunds.Caption = numberText(std::floor(funds_));
   frmPowerups->lblCapacity.Caption =
       numberText(std::int32_t{totalPowerups()}) + " / " + numberText(std::int32_t{powerSlotLimit});

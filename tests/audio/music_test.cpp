@@ -160,7 +160,7 @@ TEST_F(Music, WithoutItsFileMovesOnAtTheNextTick) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(Music, RestsWhileTheStoreIsOpen) {
+TEST_F(Music, Q277RestsWhileTheStoreIsOpenAlsoWhenItsOwnTrackHasEnded) {
   openSounds();
   start(0.5F);
   ASSERT_EQ(soundMan::currentMusic, 3);
@@ -215,6 +215,21 @@ TEST_F(Music, IsStartedByTickingTheMenuFromTheSecondTrackToTheFifth) {
     EXPECT_EQ((machine.settings[{"audio", "music"}]), "True");
     EXPECT_TRUE(frmMusic->tmrNext.Enabled);
   }
+}
+
+TEST_F(Music, Q277SwitchedOnInTheStoreItIsHeardOutsideAlone) {
+  openSounds();
+  login();
+  frmMain->mnuAudioMusic.Checked = false;
+  modMain::openStore();
+  EXPECT_TRUE(machine.tracks.empty());
+  machine.scriptedDraws = {0.5F};
+  frmMain->mnuAudioMusic.Click();
+  tickMusic(psReady);
+  EXPECT_TRUE(machine.tracks.empty());
+  frmPowerups->cmdDone.Click();
+  tickMusic(psReady);
+  EXPECT_EQ(machine.tracks, std::vector<std::string>{track(3)});
 }
 
 TEST_F(Music, Q184WithNomusicTickingTheMenuOnlyStartsTheTimer) {

@@ -93,12 +93,15 @@ TEST_F(SoundConsole, UnloadingEndsTheMusicForGood) {
   EXPECT_NO_THROW(enter("~unloadmusic"));
 }
 
-TEST_F(SoundConsole, ATrackAfterTheUnloadIsNotFollowed) {
+TEST_F(SoundConsole, Q271ATrackAfterTheUnloadIsNotFollowed) {
   enter("~unloadmusic");
   enter("~playmusic:2");
   EXPECT_EQ(machine.tracks, std::vector<std::string>{track(2)});
   tickMusic(psStopped);
   EXPECT_EQ(machine.tracks.size(), 1U);
+  enter("~loadmusic");
+  tickMusic(psStopped);
+  EXPECT_EQ(machine.tracks.size(), 2U) << "the timer runs again";
 }
 
 TEST_F(SoundConsole, LoadingPreparesTheRotationAndTheTimerStartsIt) {

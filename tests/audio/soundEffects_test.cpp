@@ -117,7 +117,7 @@ TEST_F(SoundEffects, ThatWereNeverOpenedFailUnseen) {
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
-TEST_F(SoundEffects, AreReloadedFromTheSecondOn) {
+TEST_F(SoundEffects, Q278AreReloadedFromTheSecondOn) {
   openSounds();
   soundMan::reloadSounds();
   EXPECT_EQ(frmSound->lastIndex(), 8);

@@ -268,6 +268,19 @@ TEST_F(GameFinder, CollectsAnAnswerInManyPieces) {
   EXPECT_EQ(entry(1).address, "192.0.2.7");
 }
 
+TEST_F(GameFinder, Q281WhatIsBeyondFortyNineReadsWaitsForMore) {
+  *frmGameFind;
+  request();
+  // 13 bytes a read: the mark begins in the 49th and ends in the 50th.
+  host().deliver("[a|1|0|n|1|2]" + std::string(48 * 13 - 2, 'x') + "-END-", 13);
+  passEvents();
+  EXPECT_EQ(frmGameFind->hostBuffer.size(), 49U * 13U);
+  EXPECT_EQ(status(), "Requesting list...");
+  host().deliver(" ");
+  passEvents();
+  EXPECT_EQ(status(), "Done");
+}
+
 TEST_F(GameFinder, FindsTheEndMarkWhereverItIsSplit) {
   const std::string mark = "-END-";
   for (std::size_t at = 0; at <= mark.size(); ++at) {
@@ -429,7 +442,7 @@ class GameFinderChoice : public GameFinder {
   }
 };
 
-TEST_F(GameFinderChoice, ADoubleClickConnectsToTheChosenServer) {
+TEST_F(GameFinderChoice, Q272AServerThatAsksForAPasswordIsConnectedWithTheOneOfTheDialog) {
   list("[192.0.2.7|2010|0|friendly game|3|8][arena.test|3000|1||0|6]-END-");
   frmGameFind->Show();
   frmGameFind->grid.adoptCell(2, 4);
@@ -440,7 +453,17 @@ TEST_F(GameFinderChoice, ADoubleClickConnectsToTheChosenServer) {
   EXPECT_EQ(netMan::preferredColour, 4);
   EXPECT_FALSE(frmGameFind.isLoaded());
   EXPECT_FALSE(frmConnect.isLoaded());
-  EXPECT_TRUE(machine.messageBoxes.empty()) << "a server that asks for a password gets no prompt";
+  EXPECT_TRUE(machine.messageBoxes.empty()) << "nothing is asked";
+  EXPECT_EQ(machine.modalForms, std::vector<std::string>{});
+}
+
+TEST_F(GameFinderChoice, Q272NoPasswordIsAskedForEvenIfThereIsNone) {
+  frmConnect->txtServerPassword.Text = "";
+  list("[arena.test|3000|1||0|6]-END-");
+  frmGameFind->grid.DblClick();
+  EXPECT_EQ(server().connects, (std::vector<std::pair<std::string, int>>{{"arena.test", 3000}}));
+  EXPECT_EQ(netMan::serverPassword, "");
+  EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
 TEST_F(GameFinderChoice, TheFirstServerIsChosenUntilThePlayerChoosesAnother) {

@@ -74,7 +74,7 @@ TEST_F(UpdateCheck, AFaultInItsStepsEndsItInSilence) {
   EXPECT_TRUE(host().connects.empty()) << "it counts as made";
 }
 
-TEST_F(UpdateCheck, SendsTheRequestLineAlone) {
+TEST_F(UpdateCheck, Q279AsksForTheWholeAddressInTheRequestLineAlone) {
   startCheck();
   EXPECT_EQ(host().sendings, Boxes{"GET http://web.invalid/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
 }
@@ -174,6 +174,11 @@ TEST_F(UpdateCheck, Q172AVersionWithoutDigitsIsAnnouncedToo) {
 TEST_F(UpdateCheck, Q172ZerosInFrontMakeAnotherVersion) {
   updateCheck::parseUpdateFile("tvqver:1.2.01\n");
   EXPECT_EQ(machine.messageBoxes, boxOf("1.2.01"));
+}
+
+TEST_F(UpdateCheck, Q280TheFirstMarkerCountsAlsoInTheHeaders) {
+  answer("HTTP/1.0 404 Not Found\r\nX-Version: tvqver:1.3.0\r\n\r\ntvqver:1.2.1\r\n");
+  EXPECT_EQ(machine.messageBoxes, boxOf("1.3.0"));
 }
 
 TEST_F(UpdateCheck, SaysNothingWithoutTheMarker) {

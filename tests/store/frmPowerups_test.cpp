@@ -156,7 +156,7 @@ TEST_F(StoreWindow, APriceOfExactlyTheFundsStaysWhite) {
   EXPECT_EQ(prices(), "dddddd");
 }
 
-TEST_F(StoreWindow, ColoursAreReadFromTheLabels) {
+TEST_F(StoreWindow, Q276ColoursAreReadFromTheLabelsAndNotFromTheCopies) {
   frmPowerups->init(70);
   frmPowerups->lblFunds.Caption = " 12.5 credits";
   frmPowerups->lblItemCost[1].Caption = "12.6";

@@ -202,9 +202,31 @@ TEST_F(PowerupRules, ATickIsOneWholeSecond) {
   player().tickPowerups();
   EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 13);
   EXPECT_EQ(player().lastPowerupTick, 1001);
-  tick(5000);  // however many seconds have passed, it is one tick
+}
+
+TEST_F(PowerupRules, Q268APartOfTheFirstSecondIsLost) {
+  machine.seconds = 1000.4;
   player().tickPowerups();
-  EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 12);
+  player().activatePowerup(turboSlot);  // five seconds
+  tick(200);                            // 1000.6 is the second 1001
+  player().tickPowerups();
+  EXPECT_EQ(player().powerups[turboSlot].timeLeft, 4) << "a whole second for a fifth of one";
+  for (int second = 0; second < 3; ++second) nextSecond(player());
+  EXPECT_TRUE(player().powerups[turboSlot].active) << "at 1003.6";
+  nextSecond(player());
+  EXPECT_FALSE(player().powerups[turboSlot].active) << "at 1004.6, after 4.2 seconds";
+}
+
+TEST_F(PowerupRules, Q269APauseOfSeveralSecondsIsOneTick) {
+  machine.seconds = 1000;
+  player().tickPowerups();
+  player().activatePowerup(turboSlot);
+  tick(60'000);
+  player().tickPowerups();
+  EXPECT_EQ(player().powerups[turboSlot].timeLeft, 4);
+  player().tickPowerups();
+  EXPECT_EQ(player().powerups[turboSlot].timeLeft, 4) << "the pause is not made up for";
+  EXPECT_EQ(player().lastPowerupTick, 1060);
 }
 
 TEST_F(PowerupRules, HalfSecondsRoundToTheEvenOne) {
@@ -272,10 +294,17 @@ TEST_F(PowerupRules, AnEarlyEndIsTold) {
   }
 }
 
-TEST_F(PowerupRules, AnOpponentsEarlyEndIsToldToo) {
-  join(8, 1, "Bob");
+TEST_F(PowerupRules, Q273AnEarlyEndIsToldOfAnOpponentAndOfWhatDidNotRun) {
+  clsPlayer& opponent = modMain::playerAt(join(8, 1, "Bob"));
+  opponent.activatePowerup(shieldSlot);
+  forgetTexts();
   serverSends(161, {"8", "0"});
+  EXPECT_FALSE(opponent.powerups[shieldSlot].active);
   EXPECT_EQ(lastLine(), "Bob's shield has collapsed!!");
+  EXPECT_EQ(modMain::centreMessage, "");
+  ASSERT_FALSE(player().powerups[laserSlot].active);
+  serverSends(161, {"7", "4"});
+  EXPECT_EQ(lastLine(), "Ann's laser has shorted out!!");
 }
 
 TEST_F(PowerupRules, Q049ARunningPowerupSurvivesDeathAndRespawn) {

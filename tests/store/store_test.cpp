@@ -73,8 +73,21 @@ TEST_F(Store, ItPlaysTheShoppingMusic) {
   machine.tracks.clear();
   modMain::openStore();
   EXPECT_EQ(machine.tracks, std::vector<std::string>{machine.path + "/sounds/music_shopping.mp3"});
+}
+
+TEST_F(Store, Q270ClosingItDoesNotStopTheShoppingMusic) {
+  modMain::openStore();
+  const std::size_t started = machine.tracks.size();
   frmPowerups->cmdDone.Click();
-  EXPECT_EQ(machine.tracks.size(), 1U) << "the track plays on to its end";
+  EXPECT_FALSE(frmPowerups.isLoaded());
+  EXPECT_EQ(machine.playState, psPlaying);
+  EXPECT_EQ(machine.tracks.size(), started) << "nothing takes its place";
+  // The same when a new life closes it.
+  modMain::openStore();
+  serverSends(154, {"7"});
+  EXPECT_FALSE(frmPowerups.isLoaded());
+  EXPECT_EQ(machine.playState, psPlaying);
+  EXPECT_EQ(machine.tracks.back(), machine.path + "/sounds/music_shopping.mp3");
 }
 
 TEST_F(Store, OpeningItOnceMoreFillsItInAnew) {
@@ -211,10 +224,18 @@ TEST_F(Store, Q204ASaleIsNotRoundedAndTheMainWindowKeepsTheOldBalance) {
   EXPECT_EQ(shownCapacity(), "2 / 10");
   EXPECT_EQ(lastLine(), "") << "no line, unlike a purchase";
 
-  modMain::openStore();
-  EXPECT_EQ(shownFunds(), "27.75") << "a new filling shows it as it is";
   serverSends(148, {"7", "27.75"});
   EXPECT_EQ(mainCredits(), "28");
+}
+
+TEST_F(Store, Q275AFractionOfACreditIsShownByANewFillingAlone) {
+  modMain::openStore();
+  serverSends(160, {"0", "2", "27.75"});
+  EXPECT_EQ(shownFunds(), "27");
+  modMain::openStore();
+  EXPECT_EQ(shownFunds(), "27.75");
+  localPlayer.showStoreStatus("text");
+  EXPECT_EQ(shownFunds(), "27");
 }
 
 TEST_F(Store, Q205ASaleOfNoItemIsToldAllTheSame) {
@@ -246,7 +267,7 @@ TEST_F(Store, ARefusalIsShownAndHeard) {
   }
 }
 
-TEST_F(Store, ARefusalWithTheWindowClosedIsSilent) {
+TEST_F(Store, Q274ARefusalWithTheWindowClosedIsSilent) {
   serverSends(150, {"no"});
   serverSends(159, {"no"});
   EXPECT_TRUE(machine.soundCommands.empty());
