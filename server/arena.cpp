@@ -36,8 +36,9 @@ std::string printable(std::string_view text) {
 
 }  // namespace
 
-Arena::Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed, int income)
-    : output_(output), version_(std::move(version)), password_(std::move(password)), income_(income), random_(seed) {}
+Arena::Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed,
+             const ArenaRules& rules)
+    : output_(output), version_(std::move(version)), password_(std::move(password)), rules_(rules), random_(seed) {}
 
 void Arena::connected(ClientId client, Millis now) { clients_.insert({client, Client{now, std::nullopt}}); }
 
@@ -185,6 +186,29 @@ void Arena::setAlive(std::int16_t node, bool alive) {
 std::size_t Arena::playerCount() const {
   return static_cast<std::size_t>(
       std::ranges::count_if(clients_, [](const auto& entry) { return entry.second.player.has_value(); }));
+}
+
+std::vector<PlayerView> Arena::players(Millis now) const {
+  std::vector<PlayerView> views;
+  for (const auto& [client, state] : clients_) {
+    if (!state.player) continue;
+    const Player& player = *state.player;
+    PlayerView& view = views.emplace_back();
+    view.client = client;
+    view.node = player.node;
+    view.colour = player.colour;
+    view.name = player.name;
+    view.isAlive = player.alive;
+    view.position = {wholeNumber<double>(player.x).value_or(0), wholeNumber<double>(player.y).value_or(0)};
+    for (int item = 0; item < powerupSlotCount; ++item) {
+      const auto slot = static_cast<std::size_t>(item);
+      view.isRunning[slot] = player.inventory.isRunning(item, now);
+      view.stock[slot] = player.inventory.stock(item);
+    }
+    view.funds = player.inventory.funds();
+    view.kills = player.kills;
+  }
+  return views;
 }
 
 bool Arena::isColourFree(std::int16_t colour) const {

@@ -8,13 +8,12 @@
 #include <string_view>
 #include <vector>
 
+#include "server/arenaRules.h"
 #include "server/inventory.h"
+#include "server/playerView.h"
 #include "server/rateLimit.h"
 
 namespace kelvora::server {
-
-/// One connection, whether its player is logged in or not. Never used twice.
-using ClientId = std::uint32_t;
 
 /// What the arena does to the outside world, from within its calls. It must not call back.
 class ArenaOutput {
@@ -38,9 +37,9 @@ class Arena {
   static constexpr double positionsPerSecond = 100;  ///< relayed of one player; the others are dropped
   static constexpr double requestsPerSecond = 10;    ///< of one player: chat, store, spawns and powerups together
 
-  /// `version` is the one that a client must have; an empty `password` admits everybody; `income` is in credits a
-  /// minute, for every player while he is alive.
-  Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed, int income = defaultIncome);
+  /// `version` is the one that a client must have; an empty `password` admits everybody.
+  Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed,
+        const ArenaRules& rules = {});
 
   void connected(ClientId client, Millis now);
   /// One frame's text, id and fields. What makes no sense is dropped.
@@ -55,6 +54,10 @@ class Arena {
   /// Ends a running powerup before its time; everybody is told. One that is not running is left alone.
   void endPowerup(std::int16_t node, int item, Millis now);
   std::size_t playerCount() const;
+  /// Everybody who is in, in the order of their connections.
+  std::vector<PlayerView> players(Millis now) const;
+  /// False in the intermission between two rounds, in which everybody is dead.
+  bool isRoundRunning() const { return true; }
 
  private:
   using Fields = std::vector<std::string_view>;
@@ -101,7 +104,7 @@ class Arena {
   ArenaOutput& output_;
   const std::string version_;
   const std::string password_;
-  const int income_;
+  const ArenaRules rules_;
   std::mt19937 random_;
   std::map<ClientId, Client> clients_;
   std::int16_t lastNode_ = 0;

@@ -38,7 +38,7 @@ void Arena::endPowerup(std::int16_t node, int item, Millis now) {
 
 void Arena::payIncome(ClientId client, Player& player, Millis now) {
   const Millis time = now - std::exchange(player.paidUntil, now);
-  if (player.alive && player.inventory.earn(income_, time)) sendFunds(client, player);
+  if (player.alive && player.inventory.earn(rules_.incomePerMinute, time)) sendFunds(client, player);
 }
 
 void Arena::sendFunds(ClientId client, const Player& player) {

@@ -26,7 +26,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
       log_(std::move(log)),
       acceptor_(listenOn(context, options.address, options.port)),
       timer_(context),
-      arena_(*this, versionText(), options.password, std::random_device{}(), options.income),
+      arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),
       web_(startWeb(options)) {
   publish();
   acceptMore();

@@ -9,9 +9,6 @@
 
 namespace kelvora::server {
 
-/// Credits a minute that a living player earns, unless the command line says otherwise.
-inline constexpr int defaultIncome = 5;
-
 /// What one player owns: his credits, the powerups in stock, and those that run. Items are powerup slots; any number
 /// may be passed for one.
 class Inventory {

@@ -1,42 +1,54 @@
 #include "server/options.h"
 
+#include <algorithm>
 #include <string_view>
 
-#include "server/wholeNumber.h"
+#include "server/configFile.h"
+#include "server/optionTable.h"
 
 namespace kelvora::server {
 
 namespace {
 
-constexpr int highestIncome = 6'000;
+const Option* find(std::string_view name) {
+  const auto table = optionTable();
+  const auto found = std::ranges::find(table, name, &Option::name);
+  return found == table.end() || name.empty() ? nullptr : &*found;
+}
 
-/// Takes the value of an option; what is wrong with it goes into `error`.
-void take(Options& options, std::string_view name, const std::string& value) {
-  if (name == "--address") {
-    options.address = value;
-  } else if (name == "--password") {
-    options.password = value;
-  } else if (name == "--web-address") {
-    options.webAddress = value;
-  } else if (name == "--public-address") {
-    options.publicAddress = value;
-  } else if (name == "--notes") {
-    options.notes = value;
-  } else if (name == "--income") {
-    options.income = wholeNumber<int>(value).value_or(-1);
-    if (options.income < 0 || options.income > highestIncome) {
-      options.error = "the income must be a number from 0 to " + std::to_string(highestIncome);
+/// Takes one setting of the file; the answer is what is wrong with it.
+std::string takeLine(Options& options, std::string_view name, const std::string& value) {
+  const Option* option = find(name);
+  if (option == nullptr) return "unknown option \"" + std::string(name) + "\"";
+  if (name == "config" || std::holds_alternative<Option::Switch>(option->target)) {
+    return std::string(name) + " is for the command line alone";
+  }
+  const std::string complaint = setOption(options, *option, value);
+  return complaint.empty() ? complaint : std::string(name) + " " + complaint;
+}
+
+void takeArguments(Options& options, std::span<const char* const> arguments) {
+  for (std::size_t i = 0; i < arguments.size() && options.error.empty(); ++i) {
+    const std::string_view argument = arguments[i];
+    const std::size_t equals = std::min(argument.find('='), argument.size());
+    const std::string name(argument.substr(0, equals));
+    const Option* option = name.starts_with("--") ? find(std::string_view(name).substr(2)) : nullptr;
+    if (option == nullptr) {
+      options.error = "unknown option " + name;
+      return;
     }
-  } else if (name == "--port" || name == "--web-port") {
-    const auto port = wholeNumber<std::uint16_t>(value);
-    if (!port) options.error = "the port must be a number from 0 to 65535";
-    if (name == "--port") {
-      options.port = port.value_or(0);
-    } else {
-      options.webPort = port;
+    std::string value;
+    if (equals < argument.size()) {
+      value = argument.substr(equals + 1);
+    } else if (!std::holds_alternative<Option::Switch>(option->target)) {
+      if (++i == arguments.size()) {
+        options.error = name + " needs a value";
+        return;
+      }
+      value = arguments[i];
     }
-  } else {
-    options.error = "unknown option " + std::string(name);
+    const std::string complaint = setOption(options, *option, value);
+    if (!complaint.empty()) options.error = name + " " + complaint;
   }
 }
 
@@ -44,39 +56,31 @@ void take(Options& options, std::string_view name, const std::string& value) {
 
 Options parseOptions(std::span<const char* const> arguments) {
   Options options;
-  for (std::size_t i = 0; i < arguments.size() && options.error.empty(); ++i) {
-    const std::string_view argument = arguments[i];
-    const std::size_t equals = argument.find('=');
-    if (argument == "--help") {
-      options.help = true;
-    } else if (argument == "--version") {
-      options.version = true;
-    } else if (equals != std::string_view::npos) {
-      take(options, argument.substr(0, equals), std::string(argument.substr(equals + 1)));
-    } else if (i + 1 < arguments.size()) {
-      take(options, argument, arguments[++i]);
-    } else {
-      take(options, argument, "");
-      if (!options.error.starts_with("unknown")) options.error = std::string(argument) + " needs a value";
-    }
-  }
-  return options;
+  takeArguments(options, arguments);
+  if (!options.error.empty() || options.config.empty()) return options;
+  Options withFile;
+  withFile.error = readConfigFile(
+      options.config, [&](std::string_view name, const std::string& value) { return takeLine(withFile, name, value); });
+  takeArguments(withFile, arguments);
+  return withFile;
 }
 
 std::string helpText() {
-  return "Usage: kelvora-server [options]\n"
-         "Runs an arena for up to six players until it gets SIGINT or SIGTERM.\n"
-         "\n"
-         "  --address ADDRESS         where to listen (127.0.0.1)\n"
-         "  --port PORT               TCP port, 0 for any free one (2010)\n"
-         "  --password PASSWORD       what players must give to get in (none)\n"
-         "  --income CREDITS          what a living player earns a minute (5)\n"
-         "  --web-port PORT           serve the list of games and the update file by HTTP on this port (not at all)\n"
-         "  --web-address ADDRESS     where to listen for that (as --address)\n"
-         "  --public-address ADDRESS  what the list gives as the address of this server (as --address)\n"
-         "  --notes TEXT              what the list says about this server (nothing)\n"
-         "  --help                    this text\n"
-         "  --version                 the version, which is also the one that clients must have\n";
+  std::string text =
+      "Usage: kelvora-server [options]\n"
+      "Runs an arena for up to six players until it gets SIGINT or SIGTERM.\n";
+  std::size_t width = 0;
+  for (const Option& option : optionTable()) width = std::max(width, option.name.size() + option.valueName.size() + 3);
+  for (const Option& option : optionTable()) {
+    if (option.name.empty()) {
+      text += "\n" + std::string(option.help) + "\n";
+      continue;
+    }
+    std::string left = "--" + std::string(option.name) + " " + std::string(option.valueName);
+    left.resize(width, ' ');
+    text += "  " + left + "  " + std::string(option.help) + "\n";
+  }
+  return text;
 }
 
 std::string versionText() { return KELVORA_SERVER_VERSION; }

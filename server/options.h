@@ -5,26 +5,28 @@
 #include <span>
 #include <string>
 
-#include "server/inventory.h"
+#include "server/arenaRules.h"
 
 namespace kelvora::server {
 
-/// What the command line asks for.
+/// What the command line and the configuration file ask for.
 struct Options {
   std::string address = "127.0.0.1";
   std::uint16_t port = 2010;  ///< 0 for any free one
   std::string password;       ///< empty: none is asked for
-  int income = defaultIncome;
+  ArenaRules rules;
   std::optional<std::uint16_t> webPort;  ///< none: no web server; 0 for any free one
   std::string webAddress;                ///< empty: `address`
   std::string publicAddress;             ///< empty: `address`
   std::string notes;
+  std::string config;  ///< the file that was read; empty: none
   bool help = false;
   bool version = false;
-  std::string error;  ///< why the command line makes no sense; empty if it does
+  std::string error;  ///< why all this makes no sense; empty if it does
 };
 
-/// `arguments` without the program's name; "--port 2010" and "--port=2010" are the same.
+/// `arguments` without the program's name; "--port 2010" and "--port=2010" are the same. The configuration file, if
+/// they name one, is read first, wherever its name stands among them: what they say themselves wins.
 Options parseOptions(std::span<const char* const> arguments);
 
 std::string helpText();

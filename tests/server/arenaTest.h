@@ -41,7 +41,7 @@ class ArenaTest : public testing::Test, private ArenaOutput {
   Arena arena;
   Arena locked{*this, "1.2.1", "sesame", 1};
 
-  explicit ArenaTest(int income = 0) : arena(*this, "1.2.1", "", 1, income) {}
+  explicit ArenaTest(const ArenaRules& rules = {.incomePerMinute = 0}) : arena(*this, "1.2.1", "", 1, rules) {}
 
   void say(ClientId client, std::int16_t id, const Fields& fields) {
     const std::string frame = wire::buildFrame(id, fields);

@@ -8,7 +8,7 @@ using Everything = std::map<ClientId, std::vector<Message>>;
 /// At sixty credits a minute: one for every second alive.
 class EconomyTest : public ArenaTest {
  protected:
-  EconomyTest() : ArenaTest(60) {}
+  EconomyTest() : ArenaTest({.incomePerMinute = 60}) {}
 
   void live(Millis time) {
     now += time;
@@ -241,7 +241,7 @@ TEST_F(EconomyTest, TheDeadEarnNothingEvenAfterwards) {
 
 class DefaultIncomeTest : public ArenaTest {
  protected:
-  DefaultIncomeTest() : ArenaTest(defaultIncome) {}
+  DefaultIncomeTest() : ArenaTest(ArenaRules{}) {}
 };
 
 TEST_F(DefaultIncomeTest, PaysACreditEveryTwelveSeconds) {

@@ -15,7 +15,7 @@ TEST(ServerOptions, HaveDefaults) {
   EXPECT_EQ(options.address, "127.0.0.1");
   EXPECT_EQ(options.port, 2010);
   EXPECT_EQ(options.password, "");
-  EXPECT_EQ(options.income, 5);
+  EXPECT_EQ(options.rules.incomePerMinute, 5);
   EXPECT_FALSE(options.webPort.has_value());
   EXPECT_EQ(options.webAddress, "");
   EXPECT_EQ(options.publicAddress, "");
@@ -45,7 +45,7 @@ TEST(ServerOptions, ReachTheWebServerAndTheIncome) {
   EXPECT_EQ(options.webAddress, "0.0.0.0");
   EXPECT_EQ(options.publicAddress, "play.example");
   EXPECT_EQ(options.notes, "a = b");
-  EXPECT_EQ(options.income, 0);
+  EXPECT_EQ(options.rules.incomePerMinute, 0);
   EXPECT_EQ(options.port, 2010);
   EXPECT_EQ(parse({"--income", "6000"}).error, "");
 }
@@ -54,7 +54,9 @@ TEST(ServerOptions, ThatMakeNoSenseAreTold) {
   EXPECT_NE(parse({"--prot", "1"}).error, "");
   EXPECT_NE(parse({"2010"}).error, "");
   EXPECT_NE(parse({"--port"}).error, "");
-  for (const char* option : {"--web-port", "--web-address", "--public-address", "--notes", "--income"}) {
+  for (const char* option :
+       {"--web-port", "--web-address", "--public-address", "--notes", "--income", "--round-seconds",
+        "--captures-to-win", "--intermission", "--respawn-wait", "--speed-limit"}) {
     EXPECT_NE(parse({option}).error.find(option), std::string::npos) << option;
   }
   for (const char* income : {"", "x", "5x", "-1", "6001", "5.5"}) {
@@ -64,10 +66,33 @@ TEST(ServerOptions, ThatMakeNoSenseAreTold) {
   for (const char* port : {"", "x", "12x", "-1", "65536"}) EXPECT_NE(parse({"--port", port}).error, "") << port;
 }
 
+TEST(ServerOptions, SetTheRules) {
+  const ArenaRules usual = parse({}).rules;
+  EXPECT_EQ(usual.roundMs, 180'000);
+  EXPECT_EQ(usual.captureGoal, 10);
+  EXPECT_EQ(usual.intermissionMs, 12'000);
+  EXPECT_EQ(usual.respawnWaitMs, 3'000);
+  EXPECT_EQ(usual.speedFactor, 3);
+  const Options options = parse({"--round-seconds", "60", "--captures-to-win=0", "--intermission", "5",
+                                 "--respawn-wait=0", "--speed-limit", "10"});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.rules.roundMs, 60'000);
+  EXPECT_EQ(options.rules.captureGoal, 0);
+  EXPECT_EQ(options.rules.intermissionMs, 5'000);
+  EXPECT_EQ(options.rules.respawnWaitMs, 0);
+  EXPECT_EQ(options.rules.speedFactor, 10);
+  for (const char* option :
+       {"--round-seconds", "--captures-to-win", "--intermission", "--respawn-wait", "--speed-limit"}) {
+    for (const char* value : {"", "x", "-1", "1.5", "86401"}) EXPECT_NE(parse({option, value}).error, "") << option;
+  }
+  EXPECT_NE(parse({"--round-seconds", "0"}).error, "") << "a round takes some time";
+}
+
 TEST(ServerOptions, TheVersionIsThatOfTheGame) { EXPECT_EQ(versionText(), "1.2.1"); }
 
 TEST(ServerOptions, TheHelpNamesEachOption) {
-  for (const char* option : {"--address", "--port", "--password", "--income", "--web-port", "--web-address",
+  for (const char* option : {"--address", "--port", "--password", "--income", "--round-seconds", "--captures-to-win",
+                             "--intermission", "--respawn-wait", "--speed-limit", "--web-port", "--web-address",
                              "--public-address", "--notes", "--help", "--version"}) {
     EXPECT_NE(helpText().find(option), std::string::npos) << option;
   }
