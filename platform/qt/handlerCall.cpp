@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "platform/backend.h"
 #include "platform/form.h"
 #include "platform/qt/codePage.h"
 
@@ -30,6 +31,8 @@ void reportFault(const char* what) {
   if (qobject_cast<QApplication*>(QCoreApplication::instance())) {
     QMessageBox box(QMessageBox::Critical, "Kelvora", toQString(text), QMessageBox::Ok, QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(
+        toQString("Kelvora " + appVersionText() + " has to end. If you report this, add what you did last."));
     box.exec();
   }
   std::_Exit(1);

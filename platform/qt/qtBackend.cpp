@@ -9,6 +9,7 @@
 
 #include "platform/qt/codePage.h"
 #include "platform/qt/handlerCall.h"
+#include "platform/qt/programArguments.h"
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"
@@ -43,6 +44,7 @@ QIcon programIcon(const std::string& applicationPath) {
 }  // namespace
 
 int runDesktop(int argc, char** argv, void (*game)()) {
+  if (answersArguments(argc, argv)) return 0;
   const std::string commandLine = joinedArguments(argc, argv);
   preferX11();
   QApplication application(argc, argv);

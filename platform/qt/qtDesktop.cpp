@@ -2,8 +2,6 @@
 
 #include <QApplication>
 #include <QCursor>
-#include <QFile>
-#include <QFileInfo>
 #include <QMessageBox>
 #include <QTime>
 #include <cstdlib>
@@ -11,6 +9,7 @@
 #include "platform/form.h"
 #include "platform/pictures/pictureFile.h"
 #include "platform/qt/codePage.h"
+#include "platform/qt/dataFolder.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/mixedAudio.h"
 #include "platform/qt/qtForm.h"
@@ -48,16 +47,7 @@ void QtDesktop::endProcess() { std::_Exit(0); }
 
 void QtDesktop::placePointer(int x, int y) { QCursor::setPos(x, y); }
 
-/// Beside the program, or where an installation puts it, or the source folder of a build tree.
-std::string QtDesktop::applicationPath() {
-  if (const QByteArray chosen = qgetenv("KELVORA_DATA"); !chosen.isEmpty()) return chosen.toStdString();
-  const QString program = QCoreApplication::applicationDirPath();
-  for (const QString& folder : {program, program + "/../share/kelvora"}) {
-    if (QFileInfo::exists(folder + "/assets"))
-      return QFile::encodeName(QFileInfo(folder).canonicalFilePath()).toStdString();
-  }
-  return KELVORA_DATA_FOLDER;
-}
+std::string QtDesktop::applicationPath() { return dataFolder(); }
 
 PicturePointer QtDesktop::loadPicture(const std::string& path) { return loadPictureFile(path); }
 

@@ -1,0 +1,46 @@
+#include "platform/qt/programArguments.h"
+
+#include <QCoreApplication>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "platform/backend.h"
+#include "platform/qt/dataFolder.h"
+#include "platform/qt/qtSettings.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr const char* helpText =
+    "Usage: kelvora [nosound] [nomusic]\n"
+    "The client of an arena game for up to six players.\n"
+    "\n"
+    "  nosound    no sound effects\n"
+    "  nomusic    no music\n"
+    "  --version  the version, and where the program finds its files\n"
+    "  --help     this text\n"
+    "\n"
+    "Environment:\n"
+    "  KELVORA_FRAME_MS  milliseconds that a frame is to take; 10 is the game's pace (as fast as it goes)\n"
+    "  KELVORA_DATA      the folder that holds assets and sounds (found by itself)\n"
+    "  KELVORA_WEB_HOST  host, or host:port, that lists games and tells of updates\n";
+
+}  // namespace
+
+bool answersArguments(int argc, char** argv) {
+  if (argc != 2) return false;
+  const std::string_view argument = argv[1];
+  if (argument == "--help") {
+    std::fputs(helpText, stdout);
+    return true;
+  }
+  if (argument != "--version") return false;
+  const QCoreApplication application(argc, argv);
+  std::printf("kelvora %s\npictures and sounds: %s\nsettings: %s\n", appVersionText().c_str(), dataFolder().c_str(),
+              QtSettings::defaultPath().c_str());
+  return true;
+}
+
+}  // namespace kelvora

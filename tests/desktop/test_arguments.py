@@ -1,0 +1,69 @@
+"""What the program answers on its command line without starting the game, and where it finds its files."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+CLIENT = pathlib.Path(os.environ["KELVORA_CLIENT"])
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+
+
+def answer(client, *arguments, **environment):
+    # Without a display: an answer needs none.
+    kept = {name: os.environ[name] for name in ("PATH", "HOME", "LSAN_OPTIONS") if name in os.environ}
+    done = subprocess.run([client, *arguments], env=dict(kept, **environment), stdin=subprocess.DEVNULL,
+                          capture_output=True, text=True, timeout=30)
+    return done.returncode, done.stdout.splitlines()
+
+
+class Arguments(unittest.TestCase):
+
+    def test_version_tells_the_version_and_the_folders(self):
+        status, lines = answer(CLIENT, "--version", XDG_CONFIG_HOME="/tmp/settings of mine")
+        self.assertEqual(status, 0)
+        self.assertRegex(lines[0], r"^kelvora \d+\.\d+\.\d+$")
+        self.assertEqual(lines[1], f"pictures and sounds: {PROJECT}")
+        self.assertEqual(lines[2], "settings: /tmp/settings of mine/kelvora/kelvora.ini")
+
+    def test_help_names_every_variable_of_the_readme(self):
+        status, lines = answer(CLIENT, "--help")
+        self.assertEqual(status, 0)
+        readme = (PROJECT / "README.md").read_text()
+        for variable in ("KELVORA_FRAME_MS", "KELVORA_DATA", "KELVORA_WEB_HOST"):
+            self.assertIn(f"`{variable}`", readme)
+            self.assertTrue(any(variable in line for line in lines), variable)
+
+
+class Places(unittest.TestCase):
+    """The program goes with its files: beside them, in an installed tree, in one that was moved, or where it is told."""
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kelvora places "))
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def found(self, client, **environment):
+        return answer(client, "--version", **environment)[1][1].removeprefix("pictures and sounds: ")
+
+    def test_beside_the_program(self):
+        shutil.copy(CLIENT, self.folder)
+        (self.folder / "assets").mkdir()
+        self.assertEqual(self.found(self.folder / "kelvora"), str(self.folder))
+
+    def test_in_an_installed_tree_and_after_it_was_moved(self):
+        tree = self.folder / "tree"
+        for folder in ("games", "share/kelvora/assets"):
+            (tree / folder).mkdir(parents=True)
+        shutil.copy(CLIENT, tree / "games")
+        self.assertEqual(self.found(tree / "games/kelvora"), str(tree / "share/kelvora"))
+        moved = tree.rename(self.folder / "moved tree")
+        self.assertEqual(self.found(moved / "games/kelvora"), str(moved / "share/kelvora"))
+
+    def test_where_the_environment_says(self):
+        self.assertEqual(self.found(CLIENT, KELVORA_DATA=str(self.folder)), str(self.folder))
+
+
+if __name__ == "__main__":
+    unittest.main()
