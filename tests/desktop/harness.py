@@ -255,23 +255,25 @@ class Client:
 
 
 class Server:
-    """The real server on a free port."""
+    """The real server on a free port; `web_host` is where it serves its list, if it is told to."""
 
     def __init__(self, *arguments):
         self.port = free_port()
+        self.web_host = None
         self.process = subprocess.Popen([SERVER, "--address", "127.0.0.1", "--port", str(self.port), *arguments],
-                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        wait_for(self.answers, "the server's port")
-
-    def answers(self):
-        try:
-            socket.create_connection(("127.0.0.1", self.port), 1).close()
-            return True
-        except OSError:
-            return False
+                                        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                        text=True)
+        for line in self.process.stdout:
+            if line.startswith("web on "):
+                self.web_host = line.split()[-1]
+            if line.startswith("listening on "):
+                return
+        self.close()
+        raise AssertionError("the server ended at once")
 
     def close(self):
         stop(self.process)
+        self.process.stdout.close()
 
 
 class Line:

@@ -113,15 +113,24 @@ class WebTest(harness.DesktopTest):
         x, y = GRID[0] + 40, GRID[1] + ROW_HEIGHT * (row + 1) + ROW_HEIGHT // 2
         self.display.xdotool("mousemove", left + x, top + y, "click", "--repeat", 2, "--delay", 60, 1)
 
-    def wait_for_row(self, finder, row):
+    def has_row(self, finder, row):
         """Text stands in the row, on whatever background."""
-        def find():
-            left, top = finder.geometry()[:2]
-            picture = self.display.picture()
-            y = top + GRID[1] + ROW_HEIGHT * (row + 1)
-            colours = {picture.pixel(left + GRID[0] + x, y + dy) for x in range(4, 120) for dy in range(4, 16)}
-            return max(map(sum, colours)) - min(map(sum, colours)) > 300
-        harness.wait_for(find, f"row {row} of the list")
+        left, top = finder.geometry()[:2]
+        picture = self.display.picture()
+        y = top + GRID[1] + ROW_HEIGHT * (row + 1)
+        colours = {picture.pixel(left + GRID[0] + x, y + dy) for x in range(4, 120) for dy in range(4, 16)}
+        return max(map(sum, colours)) - min(map(sum, colours)) > 300
+
+    def wait_for_row(self, finder, row):
+        harness.wait_for(lambda: self.has_row(finder, row), f"row {row} of the list")
+
+    def wait_for_no_row(self, finder, row):
+        harness.wait_for(lambda: not self.has_row(finder, row), f"the end of row {row} of the list")
+
+    def click_box(self, finder, name):
+        left, top = finder.geometry()[:2]
+        x, y = BOXES[name]
+        self.display.xdotool("mousemove", left + x, top + y, "click", 1)
 
     def assert_alive(self, client, finder, host):
         """The finder still works: a new fetch, and a double-click that connects."""
@@ -170,10 +179,8 @@ class Finder(WebTest):
         flags = {"password": 0, "full": 0, "empty": 1}
         for name in ("password", "empty", "full", "password"):
             flags[name] = 1 - flags[name]
-            left, top = finder.geometry()[:2]
-            x, y = BOXES[name]
             # The host answers when it pleases: here after the button has been let go.
-            self.display.xdotool("mousemove", left + x, top + y, "click", 1)
+            self.click_box(finder, name)
             query = "password={password}&full={full}&empty={empty} HTTP/1.1".format(**flags).encode()
             self.assertIn(query, self.list_request(host).head)
 
@@ -309,6 +316,84 @@ class Updates(WebTest):
     def test_game_goes_on_while_the_host_is_silent(self):
         host, client, request = self.start_check()
         self.log_in(client)
+
+
+class OwnWebHost(WebTest):
+    """The web host that the real server brings."""
+
+    def change_box(self, finder, name):
+        """A host as near as this one answers between press and release, and hears the old value; then the new one."""
+        self.click_box(finder, name)
+        finder.click(*REFRESH)
+
+    def test_server_lists_itself_and_is_joined(self):
+        server = self.start_server("--web-port", "0", "--notes", "friendly game")
+        client = self.start_client(web_host=server.web_host)
+        finder = self.open_finder(client)
+        self.wait_for_row(finder, 0)
+        self.assertFalse(self.has_row(finder, 1))
+        self.assertNotIn(BOX, client.windows())  # the versions agree
+        self.double_click(finder, 0)
+        client.wait_for_status((128, 255, 128))
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE}, "the end of both dialogs")
+
+    def test_empty_server_is_left_out_until_somebody_plays(self):
+        server = self.start_server("--web-port", "0")
+        client = self.start_client(web_host=server.web_host)
+        finder = self.open_finder(client)
+        self.wait_for_row(finder, 0)
+        self.change_box(finder, "empty")
+        self.wait_for_no_row(finder, 0)
+        with socket.create_connection(("127.0.0.1", server.port)) as connection:
+            player = harness.Line(connection)
+            player.send(LOGIN, "Bob", "", 0, "1.2.1")
+            self.assertEqual(player.recv_frame()[0], harness.LOGIN_ACCEPTED)
+            finder.click(*REFRESH)
+            self.wait_for_row(finder, 0)
+
+    def test_server_with_a_password_is_left_out_until_asked_for_and_gets_no_prompt(self):
+        server = self.start_server("--web-port", "0", "--password", "open up")
+        client = self.start_client(web_host=server.web_host)
+        finder = self.open_finder(client)
+        finder.activate()
+        self.wait_for_row(finder, -1)  # the heading, the one row of a list without servers
+        self.assertFalse(self.has_row(finder, 0))
+        self.change_box(finder, "password")
+        self.wait_for_row(finder, 0)
+        self.double_click(finder, 0)
+        # The empty password of the connect dialog is refused.
+        self.answer_box(client.wait_for_window(BOX))
+        client.wait_for_status((255, 128, 128))
+
+    def update_answer(self, host, server):
+        """Hands the client's request on to the server: the request, and the server's whole answer."""
+        request = host.request_for(b"ver.txt")
+        name, port = server.web_host.split(":")
+        with socket.create_connection((name, int(port)), 10) as upstream:
+            upstream.sendall(request.head)
+            answer = b""
+            while data := upstream.recv(4096):
+                answer += data
+        self.assertTrue(answer.endswith(b"\r\n\r\ntvqver:1.2.1\n"), answer)
+        return request, answer
+
+    def test_its_version_is_the_clients(self):
+        host, server = self.web_host(), self.start_server("--web-port", "0")
+        client = self.start_client(web_host=host.name)
+        request, answer = self.update_answer(host, server)
+        request.send(answer)
+        request.close()
+        time.sleep(0.7)
+        self.assertEqual(set(client.windows()), {harness.TITLE, "Connect"})
+
+    def test_another_version_in_its_answer_is_told(self):
+        host, server = self.web_host(), self.start_server("--web-port", "0")
+        client = self.start_client(web_host=host.name)
+        request, answer = self.update_answer(host, server)
+        request.send(answer.replace(b"1.2.1", b"1.2.2"))
+        request.close()
+        self.answer_box(client.wait_for_window(BOX))
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the box's end")
 
 
 if __name__ == "__main__":
