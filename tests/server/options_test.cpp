@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+#include <sstream>
+#include <string_view>
 #include <vector>
+
+#include "server/optionTable.h"
 
 namespace kelvora::server {
 namespace {
@@ -81,9 +86,12 @@ TEST(ServerOptions, SetTheRules) {
   EXPECT_EQ(options.rules.intermissionMs, 5'000);
   EXPECT_EQ(options.rules.respawnWaitMs, 0);
   EXPECT_EQ(options.rules.speedFactor, 10);
-  for (const char* option :
-       {"--round-seconds", "--captures-to-win", "--intermission", "--respawn-wait", "--speed-limit"}) {
+  for (const char* option : {"--round-seconds", "--captures-to-win", "--intermission", "--respawn-wait"}) {
     for (const char* value : {"", "x", "-1", "1.5", "86401"}) EXPECT_NE(parse({option, value}).error, "") << option;
+  }
+  EXPECT_EQ(parse({"--speed-limit", "1.5"}).rules.speedFactor, 1.5);
+  for (const char* value : {"", "x", "-0.5", "1000.5", "nan", "inf", "1,5"}) {
+    EXPECT_NE(parse({"--speed-limit", value}).error, "") << value;
   }
   EXPECT_NE(parse({"--round-seconds", "0"}).error, "") << "a round takes some time";
 }
@@ -93,9 +101,52 @@ TEST(ServerOptions, TheVersionIsThatOfTheGame) { EXPECT_EQ(versionText(), "1.2.1
 TEST(ServerOptions, TheHelpNamesEachOption) {
   for (const char* option : {"--address", "--port", "--password", "--income", "--round-seconds", "--captures-to-win",
                              "--intermission", "--respawn-wait", "--speed-limit", "--web-port", "--web-address",
-                             "--public-address", "--notes", "--help", "--version"}) {
+                             "--public-address", "--notes", "--config", "--help", "--version"}) {
     EXPECT_NE(helpText().find(option), std::string::npos) << option;
   }
+}
+
+TEST(ServerOptions, HelpFitsATerminalOf120Columns) {
+  std::istringstream lines(helpText());
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 120U) << line;
+}
+
+TEST(ServerOptions, NoNameStandsTwiceInTheTable) {
+  std::set<std::string_view> names;
+  for (const Option& option : optionTable()) {
+    EXPECT_TRUE(option.name.empty() || names.insert(option.name).second) << option.name;
+  }
+}
+
+TEST(ServerOptions, TextsHaveALongestLength) {
+  const std::string longest(200, 'n');
+  EXPECT_EQ(parse({"--notes", longest.c_str()}).notes, longest);
+  EXPECT_EQ(parse({"--notes", (longest + "n").c_str()}).error, "--notes must not be longer than 200 bytes");
+  EXPECT_EQ(parse({"--config", ""}).error, "--config must not be empty");
+}
+
+TEST(ServerOptions, SwitchesTakeNoValue) {
+  EXPECT_EQ(parse({"--help=yes"}).error, "--help must stand alone");
+  EXPECT_EQ(parse({"--help", "--port", "1"}).port, 1);
+}
+
+TEST(ServerOptions, AWordIsOneOfThoseOfTheRow) {
+  Options options;
+  const Option row{"colour", "red|green|blue", "",
+                   Option::Word{[](Options& o, int index) { o.port = static_cast<std::uint16_t>(index); }}};
+  EXPECT_EQ(setOption(options, row, "green"), "");
+  EXPECT_EQ(options.port, 1);
+  EXPECT_EQ(setOption(options, row, "blue"), "");
+  EXPECT_EQ(options.port, 2);
+  for (const char* value : {"", "gree", "greens", "red|green", "|"}) {
+    EXPECT_EQ(setOption(options, row, value), "must be one of red|green|blue") << value;
+  }
+  EXPECT_EQ(options.port, 2);
+}
+
+TEST(ServerOptions, HeadingsAreNoOptions) {
+  EXPECT_EQ(parse({"--", "x"}).error, "unknown option --");
+  EXPECT_EQ(parse({"--=x"}).error, "unknown option --");
 }
 
 }  // namespace
