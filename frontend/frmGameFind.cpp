@@ -22,6 +22,8 @@ FrmGameFind::FrmGameFind()
   for (CheckBox* box : {&chkPassword, &chkEmpty, &chkFull}) {
     // Quirk Q-160: the press starts the fetch before it has changed the box, whose value is read when the connection
     // stands: a host that answers while the button is still held hears the old one.
+    // Quirk Q-282: nothing but a press does: the keys change a box and fetch nothing, the right button does the
+    // reverse.
     box->MouseDown = [this](int, int, float, float) { requestHostList(); };
   }
   grid.DblClick = [this] { connectToChosen(); };

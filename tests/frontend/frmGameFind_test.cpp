@@ -189,6 +189,20 @@ TEST_F(GameFinder, Q160TheBoxesAreReadWhenTheConnectionStands) {
   EXPECT_NE(host().sendings.back().find("&full=1&"), std::string::npos);
 }
 
+TEST_F(GameFinder, Q282AnyPressOnABoxFetchesAndTheKeysDoNot) {
+  FrmGameFind& finder = *frmGameFind;
+  ASSERT_EQ(host().connects.size(), 1U);
+  for (CheckBox* box : {&finder.chkPassword, &finder.chkEmpty, &finder.chkFull}) {
+    box->Value = 1 - box->Value;
+    if (box->Click) box->Click();
+  }
+  EXPECT_EQ(host().connects.size(), 1U);
+  constexpr int rightButton = 2;
+  finder.chkFull.MouseDown(rightButton, 0, 15, 15);
+  EXPECT_EQ(host().connects.size(), 2U);
+  EXPECT_EQ(finder.chkFull.Value.get(), 1);
+}
+
 TEST_F(GameFinder, ReadsARecordsSixFields) {
   list("HTTP/1.1 200 OK\r\n\r\n[192.0.2.7|2010|0|friendly game|3|8]-END-");
   ASSERT_EQ(frmGameFind->hostCount, 1);
@@ -352,6 +366,7 @@ TEST_F(GameFinder, Q165AFlagThatIsNoNumberIsAFault) {
     request();
     host().deliver(std::string("[a|1|") + flag + "|n|1|2]-END-");
     EXPECT_THROW(passEvents(), RuntimeFault) << flag;
+    EXPECT_EQ(status(), "Processing data...");
   }
 }
 
