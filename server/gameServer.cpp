@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "network/wire/wireFormat.h"
 #include "server/listen.h"
 
 namespace kelvora::server {
@@ -35,13 +36,29 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
 
 std::string GameServer::endpointText() const { return kelvora::server::endpointText(acceptor_); }
 
-void GameServer::stop() {
-  stopped_ = true;
+void GameServer::stop(std::function<void()> whenDone) {
+  if (std::exchange(stopped_, true)) return closeAll();
+  whenStopped_ = std::move(whenDone);
   asio::error_code ignored;
   acceptor_.close(ignored);
-  timer_.cancel();
   web_.reset();
+  const std::string goodbye = wire::buildFrame(wire::msgServerText, {"The server is shutting down."});
+  for (const PlayerView& player : arena_.players(now())) send(player.client, goodbye);
+  for (const auto& [client, connection] : connections_) connection->hangUp();
+  timer_.expires_after(std::chrono::milliseconds(goodbyeTime));
+  timer_.async_wait([this](asio::error_code error) {
+    if (!error) closeAll();
+  });
+  if (connections_.empty()) finishStop();
+}
+
+void GameServer::closeAll() {
   for (const auto& [client, connection] : connections_) connection->close("the server ends");
+}
+
+void GameServer::finishStop() {
+  timer_.cancel();
+  if (const auto whenDone = std::exchange(whenStopped_, {})) whenDone();
 }
 
 void GameServer::send(ClientId client, const std::string& frame) {
@@ -82,6 +99,7 @@ void GameServer::welcome(asio::ip::tcp::socket socket) {
                                             log_("client " + std::to_string(gone) + " closed: " + reason);
                                             arena_.disconnected(gone);
                                             publish();
+                                            if (stopped_ && connections_.empty()) finishStop();
                                           }};
   const auto connection = std::make_shared<Connection>(std::move(socket), client, handlers);
   connections_.emplace(client, connection);

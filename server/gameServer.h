@@ -30,8 +30,9 @@ class GameServer : private ArenaOutput {
   /// The same of the web server; empty if none was asked for.
   std::string webEndpointText() const { return web_ ? web_->endpointText() : ""; }
   std::uint16_t port() const { return acceptor_.local_endpoint().port(); }
-  /// Closes everything, so that the context runs out of work.
-  void stop();
+  /// Tells the players, and closes everything once they have heard it or had two seconds to, so that the context runs
+  /// out of work; then calls `whenDone`. A second call closes everything at once.
+  void stop(std::function<void()> whenDone = {});
 
  private:
   void send(ClientId client, const std::string& frame) override;
@@ -41,6 +42,8 @@ class GameServer : private ArenaOutput {
   void acceptMore();
   void welcome(asio::ip::tcp::socket socket);
   void tickMore();
+  void closeAll();
+  void finishStop();
   /// Tells the web server how many players there are, if that has changed.
   void publish();
   Millis now() const;
@@ -58,6 +61,7 @@ class GameServer : private ArenaOutput {
   std::optional<std::size_t> publishedPlayers_;
   bool isAccepting_ = true;
   bool stopped_ = false;
+  std::function<void()> whenStopped_;
 };
 
 }  // namespace kelvora::server

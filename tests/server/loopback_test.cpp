@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <asio/post.hpp>
+#include <chrono>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -174,37 +175,117 @@ TEST(ServerConnection, AClientThatNeverReadsIsDropped) {
   context.run();
 }
 
-TEST(ServerProgram, TellsItsPortAndEndsCleanly) {
-  for (const int signal : {SIGTERM, SIGINT}) {
-    int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
-    const pid_t process = ::fork();
-    if (process == 0) {
-      ::dup2(ends[1], STDOUT_FILENO);
-      ::close(ends[0]);
+/// The program itself, on ports of its own choice.
+class Program {
+ public:
+  explicit Program(std::vector<std::string> arguments) {
+    EXPECT_EQ(::pipe(ends_), 0);
+    process_ = ::fork();
+    if (process_ == 0) {
+      ::dup2(ends_[1], STDOUT_FILENO);
+      ::close(ends_[0]);
       ::close(STDERR_FILENO);
-      ::execl(KELVORA_SERVER_PROGRAM, "kelvora-server", "--port", "0", nullptr);
+      std::vector<char*> words = {const_cast<char*>("kelvora-server")};
+      for (std::string& argument : arguments) words.push_back(argument.data());
+      words.push_back(nullptr);
+      ::execv(KELVORA_SERVER_PROGRAM, words.data());
       ::_exit(127);
     }
-    ::close(ends[1]);
-    std::string line;
-    for (char byte = 0; byte != '\n' && ::read(ends[0], &byte, 1) == 1;) line += byte;
-    ASSERT_TRUE(line.starts_with("listening on 127.0.0.1:")) << line;
+    ::close(ends_[1]);
+  }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+  ~Program() { ::close(ends_[0]); }
+
+  std::string line() {
+    std::string text;
+    for (char byte = 0; byte != '\n' && ::read(ends_[0], &byte, 1) == 1;) text += byte;
+    return text;
+  }
+  /// What the line about the port says, which must be the next one.
+  std::uint16_t port() {
+    const std::string text = line();
+    EXPECT_TRUE(text.starts_with("listening on 127.0.0.1:")) << text;
+    return static_cast<std::uint16_t>(std::stoi(text.substr(text.rfind(':') + 1)));
+  }
+  void signal(int number) const { ::kill(process_, number); }
+  /// Its exit status, once it has ended; -1 if it did not end by itself.
+  int status() const {
+    int status = 0;
+    EXPECT_EQ(::waitpid(process_, &status, 0), process_);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  int ends_[2] = {};
+  pid_t process_ = 0;
+};
+
+TEST(ServerProgram, TellsItsPortAndTakesLeaveAtItsEnd) {
+  for (const int signal : {SIGTERM, SIGINT}) {
+    Program program({"--port", "0"});
     {
-      Client ann(static_cast<std::uint16_t>(std::stoi(line.substr(line.rfind(':') + 1))));
+      Client ann(program.port());
       ann.login("Ann");
       EXPECT_EQ(ann.readUntil(wire::msgFunds),
                 "1\x82"
                 "10");
-      ::kill(process, signal);
+      program.signal(signal);
+      EXPECT_EQ(ann.readUntil(wire::msgServerText), "The server is shutting down.");
       EXPECT_TRUE(ann.isCutOff());
     }
-    int status = 0;
-    ASSERT_EQ(::waitpid(process, &status, 0), process);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
-    ::close(ends[0]);
+    EXPECT_EQ(program.status(), 0);
   }
+}
+
+TEST(ServerProgram, WhoIsNotInHearsNothingOfTheEnd) {
+  Program program({"--port", "0"});
+  {
+    Client stranger(program.port());
+    stranger.login("Ann", "0.1");  // so that it is in the server's hands, and stays on the line
+    EXPECT_NE(stranger.readUntil(wire::msgLoginDenied), "nothing");
+    program.signal(SIGTERM);
+    EXPECT_TRUE(stranger.isCutOff());
+  }
+  EXPECT_EQ(program.status(), 0);
+}
+
+TEST(ServerProgram, AClientThatStaysHoldsTheEndUpForTwoSeconds) {
+  Program program({"--port", "0"});
+  Client ann(program.port());
+  ann.login("Ann");
+  ann.readUntil(wire::msgFunds);
+  const auto start = std::chrono::steady_clock::now();
+  program.signal(SIGTERM);
+  EXPECT_EQ(program.status(), 0);
+  const auto time = std::chrono::steady_clock::now() - start;
+  EXPECT_GE(time, std::chrono::milliseconds(1'900));
+  EXPECT_LT(time, std::chrono::seconds(5));
+}
+
+TEST(ServerProgram, TheSecondSignalEndsAtOnce) {
+  Program program({"--port", "0"});
+  Client ann(program.port());
+  ann.login("Ann");
+  ann.readUntil(wire::msgFunds);
+  const auto start = std::chrono::steady_clock::now();
+  program.signal(SIGTERM);
+  EXPECT_EQ(ann.readUntil(wire::msgServerText), "The server is shutting down.");
+  program.signal(SIGINT);
+  EXPECT_EQ(program.status(), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1'800));
+}
+
+TEST(ServerProgram, WithoutSenseEndsWithTwo) {
+  EXPECT_EQ(Program({"--prot", "1"}).status(), 2);
+  EXPECT_EQ(Program({"--config", "/no/such/file"}).status(), 2);
+  EXPECT_EQ(Program({"--address", "no.such.address.invalid"}).status(), 1);
+  Program help({"--help"});
+  EXPECT_EQ(help.line(), "Usage: kelvora-server [options]\n");
+  EXPECT_EQ(help.status(), 0);
+  Program version({"--version"});
+  EXPECT_EQ(version.line(), "kelvora-server 1.2.1\n");
+  EXPECT_EQ(version.status(), 0);
 }
 
 }  // namespace
