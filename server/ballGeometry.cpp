@@ -1,0 +1,49 @@
+#include "server/ballGeometry.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr double worldSize = 100'000;
+
+Place operator-(Place a, Place b) { return {a.x - b.x, a.y - b.y}; }
+double dot(Place a, Place b) { return a.x * b.x + a.y * b.y; }
+double cross(Place a, Place b) { return a.x * b.y - a.y * b.x; }
+
+double distanceToWay(Place place, Place a, Place b) {
+  const Place way = b - a;
+  const double length = dot(way, way);
+  const double part = length > 0 ? std::clamp(dot(place - a, way) / length, 0.0, 1.0) : 0;
+  return distanceOf(place, {a.x + part * way.x, a.y + part * way.y});
+}
+
+/// Whether each way has the ends of the other on both its sides. Ways that only touch are seen by their ends.
+bool areAcross(Place a, Place b, Place c, Place d) {
+  return cross(b - a, c - a) * cross(b - a, d - a) < 0 && cross(d - c, a - c) * cross(d - c, b - c) < 0;
+}
+
+/// How often `along` can be gone from there until the axis leaves the world.
+double stepsToEdge(double from, double along) {
+  if (along > 0) return (worldSize - from) / along;
+  if (along < 0) return -from / along;
+  return HUGE_VAL;
+}
+
+}  // namespace
+
+double distanceOf(Place a, Place b) { return std::hypot(a.x - b.x, a.y - b.y); }
+
+double distanceOfWays(Place a, Place b, Place c, Place d) {
+  if (areAcross(a, b, c, d)) return 0;
+  return std::min({distanceToWay(a, c, d), distanceToWay(b, c, d), distanceToWay(c, a, b), distanceToWay(d, a, b)});
+}
+
+Place worldEdge(Place from, Place along) {
+  const double steps = std::min(stepsToEdge(from.x, along.x), stepsToEdge(from.y, along.y));
+  return {from.x + steps * along.x, from.y + steps * along.y};
+}
+
+}  // namespace kelvora::server
