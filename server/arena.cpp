@@ -42,23 +42,13 @@ Arena::Arena(ArenaOutput& output, std::string version, std::string password, std
 
 void Arena::connected(ClientId client, Millis now) { clients_.insert({client, Client{now, std::nullopt}}); }
 
-void Arena::disconnected(ClientId client) {
-  const auto found = clients_.find(client);
-  if (found == clients_.end()) return;
-  const std::optional<Player> player = std::move(found->second.player);
-  clients_.erase(found);
-  if (!player) return;
-  output_.log(printable(player->name) + " left");
-  sendToAll(wire::msgPlayerLeft, {std::to_string(player->node)});
-}
-
 void Arena::received(ClientId client, std::string_view text, Millis now) {
   const auto found = clients_.find(client);
   if (found == clients_.end() || text.empty()) return;
   const Fields fields = wire::splitFields(text.substr(1));
   const int id = static_cast<unsigned char>(text.front());
   if (!found->second.player) {
-    if (id == wire::msgLogin) login(client, fields, now);
+    if (id == wire::msgLogin && found->second.login.empty()) login(client, text, now);
     return;
   }
   Player& player = *found->second.player;
@@ -82,10 +72,12 @@ void Arena::received(ClientId client, std::string_view text, Millis now) {
 }
 
 void Arena::tick(Millis now) {
+  retryLogins(now);
   for (auto it = clients_.begin(); it != clients_.end();) {
     const ClientId client = it->first;
-    auto& [since, player] = it->second;
-    if (!player && now - since >= loginTimeLimit) {
+    std::optional<Player>& player = it->second.player;
+    if (!player && now - it->second.since >= loginTimeLimit) {
+      if (!it->second.login.empty()) sendTo(client, wire::msgLoginDenied, {"The arena is full."});
       output_.log("client " + std::to_string(client) + " did not log in in time");
       output_.hangUp(client);
       it = clients_.erase(it);
@@ -99,88 +91,6 @@ void Arena::tick(Millis now) {
     if (player) payIncome(client, *player, now);
     ++it;
   }
-}
-
-void Arena::login(ClientId client, const Fields& fields, Millis now) {
-  if (const std::string reason = refusal(fields); !reason.empty()) {
-    output_.log("client " + std::to_string(client) + " refused: " + reason);
-    sendTo(client, wire::msgLoginDenied, {reason});
-    output_.hangUp(client);
-    clients_.erase(client);
-    return;
-  }
-  Player player{.node = nextNode(),
-                .colour = chooseColour(fields[2]),
-                .name = trimBlanks(fields[0]),
-                .x = randomCoordinate(),
-                .y = randomCoordinate(),
-                .paidUntil = now,
-                .nextPing = now + firstPingDelay};
-  output_.log(printable(player.name) + " joined as " + colourNames[player.colour] + ", node " +
-              std::to_string(player.node));
-  sendTo(client, wire::msgLoginAccepted,
-         {std::to_string(player.colour), std::to_string(player.node), player.x, player.y});
-  for (const auto& [other, state] : clients_) {
-    if (!state.player) continue;
-    sendJoined(client, *state.player);
-    sendJoined(other, player);
-  }
-  sendFunds(client, player);
-  clients_.at(client).player = std::move(player);
-}
-
-std::string Arena::refusal(const Fields& fields) const {
-  if (fields.size() != 4) return "The login is not readable. A name or password must not contain special characters.";
-  const std::string_view name = fields[0];
-  if (fields[3] != version_) return "This server needs version " + version_ + " of the game.";
-  if (!password_.empty() && fields[1] != password_) return "Wrong password.";
-  if (trimBlanks(name).empty()) return "A name is needed.";
-  if (name.size() > longestName) return "The name is longer than " + std::to_string(longestName) + " characters.";
-  if (std::ranges::any_of(name, isControl)) return "The name contains control characters.";
-  if (playerCount() == colourCount) return "The arena is full.";
-  return {};
-}
-
-void Arena::position(Player& player, const Fields& fields, Millis now) {
-  if (fields.size() != 2 || !isCoordinate(fields[0]) || !isCoordinate(fields[1])) return;
-  if (!player.positions.allows(now)) return;
-  player.x = fields[0];
-  player.y = fields[1];
-  // The sender gets the same text: his tail grows from the echo, and others must find its points by their coordinates.
-  sendToAll(wire::msgPosition, {std::to_string(player.node), player.x, player.y});
-}
-
-void Arena::pingReply(ClientId client, Player& player, Millis now) {
-  if (!player.pingSent) return;
-  sendTo(client, wire::msgLatencyReport, {std::to_string(now - *std::exchange(player.pingSent, std::nullopt))});
-}
-
-void Arena::chat(ClientId client, Player& player, const Fields& fields, Millis now) {
-  if (fields.size() != 2 || !player.requests.allows(now)) return;
-  const auto target = wholeNumber<std::int16_t>(fields[0]);
-  if (!target) return;
-  std::string text(fields[1]);
-  std::erase_if(text, isControl);
-  const std::vector<std::string> line = {std::to_string(player.node), text};
-  if (*target == -1) return sendToAll(wire::msgChat, line);
-  const auto addressee = findNode(*target);
-  if (addressee == clients_.end()) return sendTo(client, wire::msgServerText, {"That player is not here."});
-  sendTo(addressee->first, wire::msgChat, line);
-  if (addressee->first != client) sendTo(client, wire::msgChat, line);
-}
-
-void Arena::spawn(ClientId client, Player& player, Millis now) {
-  if (!player.requests.allows(now)) return;
-  if (player.alive) return sendTo(client, wire::msgSpawnDenied, {""});
-  player.alive = true;
-  sendToAll(wire::msgRespawn, {std::to_string(player.node)});
-}
-
-void Arena::setAlive(std::int16_t node, bool alive) {
-  const auto found = findNode(node);
-  if (found == clients_.end()) return;
-  found->second.player->alive = alive;
-  sendToAll(wire::msgAliveState, {std::to_string(node), alive ? "1" : "0"});
 }
 
 std::size_t Arena::playerCount() const {
@@ -211,33 +121,6 @@ std::vector<PlayerView> Arena::players(Millis now) const {
   return views;
 }
 
-bool Arena::isColourFree(std::int16_t colour) const {
-  return std::ranges::none_of(
-      clients_, [&](const auto& entry) { return entry.second.player && entry.second.player->colour == colour; });
-}
-
-std::int16_t Arena::chooseColour(std::string_view preferred) const {
-  const auto wish = wholeNumber<std::int16_t>(preferred);
-  if (wish && *wish >= 0 && *wish < colourCount && isColourFree(*wish)) return *wish;
-  std::int16_t colour = 0;
-  while (!isColourFree(colour)) ++colour;
-  return colour;
-}
-
-std::int16_t Arena::nextNode() {
-  // Never 0, which clients take for a player who has gone; and not soon again, since messages about one who left may
-  // still be on their way.
-  do {
-    lastNode_ = lastNode_ == std::numeric_limits<std::int16_t>::max() ? std::int16_t{1}
-                                                                      : static_cast<std::int16_t>(lastNode_ + 1);
-  } while (findNode(lastNode_) != clients_.end());
-  return lastNode_;
-}
-
-std::string Arena::randomCoordinate() {
-  return std::to_string(std::uniform_int_distribution(startInset, static_cast<int>(worldSize) - startInset)(random_));
-}
-
 std::map<ClientId, Arena::Client>::iterator Arena::findNode(std::int16_t node) {
   return std::ranges::find_if(
       clients_, [&](const auto& entry) { return entry.second.player && entry.second.player->node == node; });
@@ -252,12 +135,6 @@ void Arena::sendToAll(std::int16_t id, const std::vector<std::string>& fields) {
 
 void Arena::sendTo(ClientId client, std::int16_t id, const std::vector<std::string>& fields) {
   output_.send(client, wire::buildFrame(id, fields));
-}
-
-void Arena::sendJoined(ClientId client, const Player& player) {
-  sendTo(client, wire::msgPlayerJoined,
-         {std::to_string(player.node), std::to_string(player.colour), player.name, player.x, player.y,
-          player.alive ? "1" : "0", std::to_string(player.kills)});
 }
 
 }  // namespace kelvora::server

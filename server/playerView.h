@@ -12,6 +12,10 @@ namespace kelvora::server {
 /// One connection, whether its player is logged in or not. Never used twice.
 using ClientId = std::uint32_t;
 
+/// Connections from here on are bots of the server's own: they make room for people.
+inline constexpr ClientId firstBotClient = 0x8000'0000;
+constexpr bool isBot(ClientId client) { return client >= firstBotClient; }
+
 /// A place in world units, 0 to 100000 on each axis.
 struct Place {
   double x = 0;

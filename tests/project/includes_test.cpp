@@ -30,7 +30,8 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"store", game},
     {"audio", game},
     {"frontend", game},
-    {"server", {"network/wire", "store/powerupTable.h", "base"}},
+    {"server", {"server/bots", "network/wire", "store/powerupTable.h", "base"}},
+    {"server/bots", {"server", "network/wire", "store/powerupTable.h", "base"}},
     {"app", {"core", "server", "network/wire", "platform", "platform/qt", "platform/headless", "raster", "base"}},
 };
 const std::set<std::string> outsideTheRooms = {"tests", "bench", "tools", "assets", "docs", "cmake", "packaging"};

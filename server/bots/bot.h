@@ -1,0 +1,60 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "server/bots/chatter.h"
+#include "server/bots/flight.h"
+#include "server/bots/mind.h"
+#include "server/bots/sight.h"
+
+namespace kelvora::server {
+
+/// A player without a person. To the arena it is a client like any other: it gets the arena's frames and answers with
+/// texts of its own, at the pace and within the limits of the real ones.
+class Bot {
+ public:
+  using Say = std::function<void(const std::string& text)>;  ///< one frame's text, id and fields
+
+  Bot(std::string name, SkillLevel level, std::uint32_t seed);
+
+  const std::string& name() const { return name_; }
+  SkillLevel level() const { return level_; }
+
+  /// The login's text.
+  std::string login(const std::string& password, int colour, const std::string& version) const;
+  /// A frame that the arena sends it. It answers at the next tick.
+  void hear(std::string_view frame, Millis now);
+  /// What it does in 40 ms. `self` is what the arena knows of it.
+  void tick(const Sight& sight, const PlayerView& self, Millis now, const Say& say);
+
+ private:
+  struct Doom {  // a capture of this bot that has yet to land
+    std::int16_t winner;
+    Place vertex;
+  };
+
+  void begin(double x, double y, Millis now);
+  void die(Millis now);
+  void rise(Millis now);
+  void awaitDoom(const Sight& sight, Millis now);
+  void act(const BotView& view, const Say& say);
+  void beDead(const BotView& view, const Say& say);
+
+  const std::string name_;
+  const SkillLevel level_;
+  Mind mind_;
+  Chatter chatter_;
+  std::optional<Flight> flight_;  // once logged in
+  std::int16_t node_ = 0;
+  bool isAlive_ = true;
+  std::vector<Doom> dooms_;
+  bool owesPingReply_ = false;
+  Millis brakesUntil_ = 0;
+  Millis spawnAt_ = 0;  // when to ask for the next life
+  Millis nextBuy_ = 0;
+};
+
+}  // namespace kelvora::server

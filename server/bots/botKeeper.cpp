@@ -1,0 +1,125 @@
+#include "server/bots/botKeeper.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "base/text.h"
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr Millis longestDelay = 200;  // after which missed steps are not made up for
+
+constexpr std::array names = {"Quillon", "Bramble", "Tindra", "Oskavel", "Marrow",  "Fennick", "Lumo", "Wexley",
+                              "Zephine", "Gorbal",  "Pimm",   "Sarrin",  "Dovetta", "Kestor",  "Ullo", "Hesper"};
+
+/// The level of a seat: easy ones and stronger ones take turns, so that there is somebody for everybody.
+SkillLevel levelOf(SkillLevel skill, std::size_t seat) {
+  constexpr std::array mixture = {SkillLevel::easy, SkillLevel::normal, SkillLevel::hard};
+  return skill == SkillLevel::mixed ? mixture[seat % mixture.size()] : skill;
+}
+
+}  // namespace
+
+BotKeeper::BotKeeper(Arena& arena, BotWishes wishes, std::string password, std::string version, std::uint32_t seed)
+    : arena_(arena), wishes_(wishes), password_(std::move(password)), version_(std::move(version)), random_(seed) {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(std::clamp(wishes.count, 0, BotWishes::most)); ++i) {
+    seats_.push_back({.level = levelOf(wishes.skill, i)});
+  }
+}
+
+void BotKeeper::hear(ClientId client, std::string_view frame, Millis now) {
+  if (Seat* seat = find(client); seat && seat->bot) seat->bot->hear(frame, now);
+}
+
+void BotKeeper::hangUp(ClientId client) {
+  if (Seat* seat = find(client)) seat->isHungUp = true;
+}
+
+void BotKeeper::tick(Millis now) {
+  if (seats_.empty() || now < next_) return;
+  if (now - next_ > longestDelay) next_ = now;
+  for (; next_ <= now; next_ += Sight::step) step(now);
+}
+
+void BotKeeper::step(Millis now) {
+  sight_.add(arena_.players(now), now);
+  if (people() == 0) {
+    for (Seat& seat : seats_) leave(seat, now);
+    sight_.clear();
+    return;
+  }
+  makeRoom(now);
+  fill(now);
+  for (Seat& seat : seats_) {
+    const PlayerView* self = seat.bot ? sight_.player(seat.client) : nullptr;
+    if (!self) continue;
+    seat.bot->tick(sight_, *self, now, [&](const std::string& text) { arena_.received(seat.client, text, now); });
+  }
+}
+
+void BotKeeper::makeRoom(Millis now) {
+  const std::vector<std::int16_t> wanted = arena_.wantedColours();
+  for (Seat& seat : seats_) {
+    const PlayerView* self = seat.bot ? sight_.player(seat.client) : nullptr;
+    if (seat.isHungUp || (self && std::ranges::find(wanted, self->colour) != wanted.end())) leave(seat, now);
+  }
+}
+
+void BotKeeper::fill(Millis now) {
+  const std::size_t places = Arena::colourCount - std::min<std::size_t>(people(), Arena::colourCount);
+  const std::size_t target = std::min(seats_.size(), places);
+  for (auto seat = seats_.rbegin(); seat != seats_.rend() && count() > target; ++seat) leave(*seat, now);
+  if (count() >= target || now < nextArrival_ || !arena_.wantedColours().empty()) return;
+  const auto free = std::ranges::find_if(seats_, [&](const Seat& seat) { return !seat.bot && now >= seat.backAt; });
+  if (free == seats_.end()) return;
+  seat(*free, now);
+  nextArrival_ = now + std::uniform_int_distribution(300, 1'200)(random_);
+}
+
+void BotKeeper::seat(Seat& seat, Millis now) {
+  seat.name = freshName();
+  seat.client = ++lastClient_;
+  seat.isHungUp = false;
+  seat.bot.emplace(seat.name, seat.level, static_cast<std::uint32_t>(random_()));
+  arena_.connected(seat.client, now);
+  const int colour = std::uniform_int_distribution(0, Arena::colourCount - 1)(random_);
+  arena_.received(seat.client, seat.bot->login(password_, colour, version_), now);
+}
+
+void BotKeeper::leave(Seat& seat, Millis now) {
+  if (!seat.bot) return;
+  seat.bot.reset();
+  seat.backAt = now + std::uniform_int_distribution(2'000, 5'000)(random_);
+  arena_.disconnected(seat.client);
+}
+
+BotKeeper::Seat* BotKeeper::find(ClientId client) {
+  const auto found = std::ranges::find(seats_, client, &Seat::client);
+  return found == seats_.end() ? nullptr : &*found;
+}
+
+std::size_t BotKeeper::count() const {
+  return static_cast<std::size_t>(std::ranges::count_if(seats_, [](const Seat& seat) { return seat.bot.has_value(); }));
+}
+
+std::size_t BotKeeper::people() const {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(sight_.players(), [](const PlayerView& player) { return !isBot(player.client); }));
+}
+
+std::string BotKeeper::freshName() const {
+  const auto isTaken = [&](const char* name) {
+    const auto isSame = [&](const auto& entry) { return lowerCase(entry.name) == lowerCase(name); };
+    return std::ranges::any_of(sight_.players(), isSame) || std::ranges::any_of(seats_, isSame);
+  };
+  std::vector<std::string> free;
+  for (const char* name : names) {
+    if (!isTaken(name)) free.emplace_back(name);
+  }
+  return free[std::uniform_int_distribution(std::size_t{0}, free.size() - 1)(random_)];
+}
+
+}  // namespace kelvora::server

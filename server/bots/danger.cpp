@@ -1,0 +1,109 @@
+// How a bot gets out of what others are about to do to it.
+
+#include <algorithm>
+#include <limits>
+
+#include "server/bots/mind.h"
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr double nearby = 12'000;   // world units
+constexpr double warning = 400;     // ms before a loop closes
+constexpr Millis calm = 600;        // ms without danger after which the next one is a new one
+constexpr double ballRadius = 450;  // world units, with some air around it
+constexpr int directions = 16;
+
+double safeDistance(std::span<const Place> tail, Place head, Place point) {
+  double least = length(head - point);
+  for (const Place& corner : tail) least = std::min(least, length(corner - point));
+  return least;
+}
+
+}  // namespace
+
+bool Mind::flee(const BotView& view) {
+  const Seen* threat = nullptr;
+  std::optional<Closing> soonest;
+  Place head;
+  const Place own = towards(angle_) * (speed(view) * 0.75);
+  for (const Seen& other : view.others) {
+    if (!other.isAlive || skill_.alertness <= 0 || length(other.position - view.position) > nearby) continue;
+    const double pace = flightLength(other.velocity);
+    if (pace < 5) continue;
+    const double late = static_cast<double>(view.delay);
+    const Place now = foreseen(other, late, true);
+    for (const auto& [earliest, latest] : {std::pair{0.0, 180.0}, {180.0, warning}}) {
+      const auto closing = soonestClosing(other.tail, now, pace, view.position + own * ((earliest + latest) / 2),
+                                          earliest, latest, other.isRunning[extendedTailSlot]);
+      if (!closing || (soonest && soonest->ms <= closing->ms)) continue;
+      soonest = closing;
+      threat = &other;
+      head = now;
+      break;
+    }
+  }
+  if (!threat) {
+    if (view.now - calmSince_ > calm) noticed_ = false;
+    return false;
+  }
+  if (!noticed_ && view.now - calmSince_ > calm) noticed_ = chance(skill_.alertness);
+  calmSince_ = view.now;
+  if (!noticed_) return false;
+  // Who closes a loop first need not flee.
+  if (skill_.foreseesTurns && closeLoop(view)) return true;
+  isFleeing_ = true;
+  double best = -std::numeric_limits<double>::max();
+  double way = angle_;
+  const double step = topSpeed * throttle() * 0.75 * (view.isRunning[turboSlot] ? 3 : 1) * (soonest->ms + 80);
+  for (int i = 0; i < directions; ++i) {
+    const double angle = angle_ + i * 2 * M_PI / directions;
+    const Place there = view.position + towards(angle) * step;
+    double worth = safeDistance(threat->tail.subspan(soonest->vertex), head, there);
+    if (isInside(threat->tail, head, *soonest, there)) worth = -worth - worldEnd;
+    worth -= 300 * std::fabs(wrapped(angle - angle_));
+    if (there.x < 0 || there.x > worldEnd || there.y < 0 || there.y > worldEnd) worth -= 5'000;
+    if (worth <= best) continue;
+    best = worth;
+    way = angle;
+  }
+  loop_.reset();
+  steer(view, way, throttle());
+  return true;
+}
+
+void Mind::avoidCharges(const BotView& view) {
+  if (skill_.alertness <= 0 || view.isRunning[shieldSlot]) return;
+  const double reach = speed(view) * 0.75 * 200;
+  const auto isDeadly = [&](double angle) {
+    const Place there = view.position + towards(angle) * (reach + ballRadius);
+    for (const Seen& other : view.others) {
+      if (!other.isAlive || length(other.position - view.position) > 40'000) continue;
+      if (other.isTailCharged) {
+        for (std::size_t i = 0; i + 1 < other.tail.size(); ++i) {
+          if (cross(view.position, there, other.tail[i], other.tail[i + 1])) return true;
+        }
+      }
+      if (other.isRunning[laserSlot]) {
+        const double pace = length(other.velocity);
+        if (pace < 1) continue;
+        const Place end = other.position + other.velocity * (2 * worldEnd / pace);
+        if (cross(view.position, there, other.position, end)) return true;
+      }
+    }
+    return false;
+  };
+  const bool anything = std::ranges::any_of(view.others, [](const Seen& other) {
+    return other.isAlive && (other.isTailCharged || other.isRunning[laserSlot]);
+  });
+  if (!anything || !isDeadly(wanted_)) return;
+  for (int i = 1; i <= directions / 2; ++i) {
+    for (const double side : {1.0, -1.0}) {
+      const double angle = wanted_ + side * i * 2 * M_PI / directions;
+      if (!isDeadly(angle)) return steer(view, angle, throttle_);
+    }
+  }
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,66 @@
+#include "server/bots/flight.h"
+
+#include <algorithm>
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr float worldEnd = 100'000;
+constexpr float wallInset = 1'000;
+constexpr float axisClamp = 300;
+constexpr float brakeRate = 3;
+constexpr int framesBetweenReports = 3;
+constexpr double degree = M_PI / 180;
+constexpr double steepest = 88;  // the bearing of a mouse straight to the side, in 350 to the circle
+
+/// The velocity of one frame. A mouse chooses a whole number of 0 to 88 in each quadrant, and with it the horizontal
+/// axis's share of the speed; here the share is known and the number is found.
+Vector steered(double angle, double speed) {
+  const Place way = towards(angle);
+  const double share = std::fabs(way.x) / flightLength(way);
+  const double exact = share < 0.5 ? std::atan(2 * share) / degree : 45 + std::atan(2 * share - 1) / degree;
+  const double bearing = std::min(std::round(exact), steepest);
+  const double across =
+      bearing < 45 ? std::tan(bearing * degree) * 0.5 * speed : (std::tan((bearing - 45) * degree) + 1) * 0.5 * speed;
+  return {static_cast<float>(std::copysign(across, way.x)), static_cast<float>(std::copysign(speed - across, way.y))};
+}
+
+float braked(float component) {
+  return component < 0 ? std::min(component + brakeRate, 0.0F) : std::max(component - brakeRate, 0.0F);
+}
+
+void bounce(float& coordinate, float& speed) {
+  if (coordinate < 0) {
+    speed = std::fabs(speed);
+    coordinate = wallInset;
+  } else if (coordinate > worldEnd) {
+    speed = -std::fabs(speed);
+    coordinate = worldEnd - wallInset;
+  }
+}
+
+}  // namespace
+
+bool Flight::step(double angle, double throttle, bool isAlive, bool hasTurbo) {
+  if (brakes_) {
+    if (velocity_ == Vector{}) return false;
+    velocity_ = {braked(velocity_.x), braked(velocity_.y)};
+  } else {
+    velocity_ = steered(angle, std::clamp(throttle, 0.0, 1.0) * topStep * (isAlive ? 1 : 2) * (hasTurbo ? 3 : 1));
+  }
+  if (!hasTurbo) {
+    velocity_ = {std::clamp(velocity_.x, -axisClamp, axisClamp), std::clamp(velocity_.y, -axisClamp, axisClamp)};
+  }
+  position_ = {position_.x + velocity_.x, position_.y + velocity_.y};
+  bounce(position_.x, velocity_.x);
+  bounce(position_.y, velocity_.y);
+  if (framesSinceReport_ < framesBetweenReports) {
+    ++framesSinceReport_;
+    return false;
+  }
+  framesSinceReport_ = 0;
+  return true;
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,51 @@
+#include "server/bots/mind.h"
+
+#include <algorithm>
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr double thinkStep = 40;  // ms
+
+}  // namespace
+
+Intent Mind::think(const BotView& view) {
+  brakes_ = false;
+  isClosing_ = false;
+  isFleeing_ = false;
+  if (!view.isAlive) {
+    loop_.reset();
+    wander(view, 0.4);
+  } else if (!flee(view)) {
+    hunt(view);
+  }
+  if (view.isAlive) avoidCharges(view);
+  // The hand: it errs a little, slowly changing how, and cannot turn at once.
+  wobble_ += -0.1 * wobble_ + std::normal_distribution(0.0, 0.45 * skill_.wobble)(random_);
+  const double most = skill_.turnRate * thinkStep / 1000;
+  angle_ = wrapped(angle_ + std::clamp(wrapped(wanted_ + wobble_ - angle_), -most, most));
+  return {.angle = angle_,
+          .throttle = throttle_,
+          .brakes = brakes_,
+          .powerup = view.isAlive ? choosePowerup(view) : std::nullopt};
+}
+
+void Mind::forget() {
+  loop_.reset();
+  prey_ = 0;
+  goal_.reset();
+  restsUntil_ = 0;
+  noticed_ = false;
+}
+
+void Mind::steer(const BotView&, double angle, double throttle) {
+  wanted_ = angle;
+  throttle_ = throttle;
+}
+
+double Mind::speed(const BotView& view) const {
+  return topSpeed * skill_.throttle * (view.isRunning[turboSlot] ? 3 : 1);
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,85 @@
+#include "server/bots/sight.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "server/bots/plane.h"
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr std::size_t stretch = 3;  // pictures over which a velocity is taken
+constexpr std::size_t mostPictures = 24;
+constexpr Millis chargeLasts = 2'200;
+constexpr double sharpestTurn = 0.02;  // radians per ms
+constexpr double slowest = 2;          // world units per ms, below which a turn is not seen
+
+}  // namespace
+
+void Sight::add(std::vector<PlayerView> players, Millis now) {
+  std::erase_if(charged_, [&](const auto& entry) { return now - entry.second > chargeLasts; });
+  for (const PlayerView& player : players) {
+    if (player.isRunning[chargedTailSlot]) charged_[player.node] = now;
+  }
+  pictures_.push_front(std::move(players));
+  if (pictures_.size() > mostPictures) pictures_.pop_back();
+}
+
+void Sight::clear() {
+  pictures_.clear();
+  charged_.clear();
+}
+
+const PlayerView* Sight::player(ClientId client) const {
+  if (pictures_.empty()) return nullptr;
+  const auto found = std::ranges::find(pictures_.front(), client, &PlayerView::client);
+  return found == pictures_.front().end() ? nullptr : &*found;
+}
+
+const PlayerView* Sight::findNode(std::size_t picture, std::int16_t node) const {
+  const auto found = std::ranges::find(pictures_[picture], node, &PlayerView::node);
+  return found == pictures_[picture].end() ? nullptr : &*found;
+}
+
+BotView Sight::viewOf(const PlayerView& self, Millis delay, Millis now) const {
+  BotView view{.now = now,
+               .isAlive = self.isAlive,
+               .position = self.position,
+               .tail = self.tail,
+               .isRunning = self.isRunning,
+               .stock = self.stock,
+               .funds = self.funds,
+               .others = {}};
+  const std::size_t late = std::min(static_cast<std::size_t>(delay / step), pictures_.size() - 1);
+  view.delay = static_cast<Millis>(late) * step;
+  for (const PlayerView& player : pictures_[late]) {
+    // Who has left since is seen no more.
+    if (player.node == self.node || !findNode(0, player.node)) continue;
+    Seen seen{.node = player.node,
+              .isAlive = player.isAlive,
+              .position = player.position,
+              .velocity = {},
+              .tail = player.tail,
+              .isTailCharged = charged_.contains(player.node),
+              .isRunning = player.isRunning};
+    if (late + 2 * stretch < pictures_.size()) {
+      const PlayerView* before = findNode(late + stretch, player.node);
+      const PlayerView* longBefore = findNode(late + 2 * stretch, player.node);
+      constexpr double time = static_cast<double>(stretch) * static_cast<double>(step);
+      if (before && longBefore) {
+        const Place way = (player.position - before->position) * (1 / time);
+        const Place wayBefore = (before->position - longBefore->position) * (1 / time);
+        if (length(way) > slowest && length(wayBefore) > slowest) {
+          seen.turn = std::clamp(wrapped(angleOf(way) - angleOf(wayBefore)) / time, -sharpestTurn, sharpestTurn);
+        }
+        // What was measured is the way half a stretch ago.
+        seen.velocity = rotated(way, seen.turn * time / 2);
+      }
+    }
+    view.others.push_back(seen);
+  }
+  return view;
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,70 @@
+#include "server/bots/skill.h"
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr Skill easySkill{.throttle = 0.6,
+                          .reaction = 600,
+                          .turnRate = 6,
+                          .wobble = 0.3,
+                          .smallestLoop = 3'200,
+                          .largestLoop = 4'000,
+                          .foresight = 0.2,
+                          .foreseesTurns = false,
+                          .alertness = 0,
+                          .shortestRest = 2'500,
+                          .longestRest = 6'000,
+                          .restThrottle = 0.2,
+                          .uses = {false, true, false, false, false, false}};
+
+constexpr Skill normalSkill{.throttle = 0.85,
+                            .reaction = 280,
+                            .turnRate = 12,
+                            .wobble = 0.12,
+                            .smallestLoop = 2'400,
+                            .largestLoop = 3'600,
+                            .foresight = 0.8,
+                            .foreseesTurns = false,
+                            .alertness = 0.5,
+                            .shortestRest = 600,
+                            .longestRest = 2'000,
+                            .restThrottle = 0.5,
+                            .uses = {true, true, true, false, true, false}};
+
+constexpr Skill hardSkill{.throttle = 1,
+                          .reaction = 120,
+                          .turnRate = 24,
+                          .wobble = 0.03,
+                          .smallestLoop = 1'800,
+                          .largestLoop = 3'000,
+                          .foresight = 1,
+                          .foreseesTurns = true,
+                          .alertness = 0.9,
+                          .shortestRest = 0,
+                          .longestRest = 200,
+                          .restThrottle = 0.9,
+                          .uses = {true, true, true, true, true, true}};
+
+}  // namespace
+
+std::optional<SkillLevel> skillLevel(std::string_view word) {
+  if (word == "easy") return SkillLevel::easy;
+  if (word == "normal") return SkillLevel::normal;
+  if (word == "hard") return SkillLevel::hard;
+  if (word == "mixed") return SkillLevel::mixed;
+  return std::nullopt;
+}
+
+const Skill& skillOf(SkillLevel level) {
+  switch (level) {
+    case SkillLevel::easy:
+      return easySkill;
+    case SkillLevel::hard:
+      return hardSkill;
+    default:
+      return normalSkill;
+  }
+}
+
+}  // namespace kelvora::server
