@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Shows the sheets as the game puts them up: enlarged, over stars, with the shield, and with the raster operations
 exchanged as for a dead player. Writes PREFIX-stage.png, PREFIX-bar.png (four times enlarged) and
-PREFIX-plain.png (at size): contact_sheet.py PREFIX"""
+PREFIX-plain.png (at size): contact_sheet.py PREFIX [ASSETS]"""
 
 import pathlib
 import sys
@@ -9,7 +9,7 @@ import sys
 import numpy as np
 from PIL import Image
 
-ASSETS = pathlib.Path(__file__).resolve().parent.parent / "assets"
+ASSETS = pathlib.Path(sys.argv[2]) if len(sys.argv) > 2 else pathlib.Path(__file__).resolve().parent.parent / "assets"
 
 
 def load(name):

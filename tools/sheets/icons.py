@@ -35,7 +35,7 @@ class Easel:
 
     def ball(self, x, y, radius, colour):
         cx, cy = self.cx + x * self.unit, self.cy + y * self.unit
-        orb(self.layer, cx, cy, radius * self.unit, colour, veins=False, life=0.7)
+        orb(self.layer, cx, cy, radius * self.unit, colour, life=0.7)
         gloss(self.layer, cx, cy, radius * self.unit, 0.7)
 
     def plate(self, inset=0.0):

@@ -64,7 +64,7 @@ def player_ball(layer, cx, cy, radius, colour):
     x, y = layer.centred(cx, cy)
     outside = np.clip(np.hypot(x, y) - radius, 0, None)
     layer.add(np.exp(-outside / (radius * 0.42)) * 0.50, base)
-    orb(layer, cx, cy, radius, base, turn=0.6 * colour, life=0.9)
+    orb(layer, cx, cy, radius, base, life=0.9, plasma=0.6 * colour)
     gloss(layer, cx, cy, radius, 0.85)
     if radius < 6:
         return
@@ -92,11 +92,11 @@ def space(layer):
         row, column = random.randint(0, light.shape[0] - s), random.randint(0, light.shape[1] - s)
         light[row : row + s, column : column + s] += 0.02 + 0.9 * random.uniform() ** 7
     layer.add(light, palette.rgb(225, 232, 255))
-    for _ in range(16):
-        cx, cy, power = random.uniform(0, WIDTH), random.uniform(0, HEIGHT), random.uniform(0.25, 0.8)
+    for _ in range(15):
+        cx, cy, power = random.uniform(40, WIDTH - 40), random.uniform(180, HEIGHT - 40), random.uniform(0.15, 0.6)
         dx, dy = np.abs(x - cx), np.abs(y - cy)
-        cross = np.exp(-dx / 5 - dy / 0.7) + np.exp(-dy / 5 - dx / 0.7)
-        layer.add(cross * power, palette.rgb(200, 220, 255))
+        cross = np.exp(-dx / 3.2 - dy / 0.6) + np.exp(-dy / 3.2 - dx / 0.6)
+        layer.add((cross + np.exp(-np.hypot(dx, dy) / 1.6)) * power, palette.rgb(200, 220, 255))
 
 
 def arena(layer):
@@ -134,13 +134,15 @@ def title(layer):
     layer.light *= (1 - 0.75 * blurred(mask, 9 * s))[..., None]
     layer.add(blurred(mask, 14 * s) * 0.42, palette.rgb(50, 110, 255))
     layer.add(blurred(mask, 4 * s) * 0.25, palette.rgb(60, 180, 255))
-    down = np.clip((layer.y - cy + 46) / 92, 0, 1)[..., None]
-    upper = palette.rgb(255, 255, 255) * (1 - down * 2) + palette.rgb(110, 205, 255) * down * 2
-    lower = palette.rgb(24, 86, 214) * (2 - down * 2) + palette.rgb(150, 225, 255) * (down * 2 - 1)
-    metal = np.clip(np.where(down < 0.5, upper, lower), 0, 1)
-    layer.light = layer.light * (1 - mask[..., None]) + linear(metal) * mask[..., None]
-    edge = np.clip(mask - blurred(mask, 1.1 * s), 0, 1)
-    layer.add(edge * 0.8, palette.rgb(200, 235, 255))
+    # Light from above; the rim catches it on every letter's upper edge and lets go on the lower one.
+    down = smooth(-44, 48, layer.y - cy)[..., None]
+    face_light = palette.rgb(240, 250, 255) * (1 - down) + palette.rgb(44, 128, 255) * down
+    layer.light = layer.light * (1 - mask[..., None]) + linear(face_light) * mask[..., None]
+    soft = blurred(mask, 1.3 * s)
+    slope = np.gradient(soft, axis=0) * s
+    layer.add(np.clip(slope, 0, 1) * mask * 0.9, palette.rgb(255, 255, 255))
+    layer.light *= (1 - np.clip(-slope, 0, 1) * mask * 0.75)[..., None]
+    layer.add(np.clip(mask - soft, 0, 1) * 0.35, palette.rgb(180, 225, 255))
 
     cx, radius = ring_x, 40.0
     start = -0.55
@@ -149,6 +151,17 @@ def title(layer):
     Tail(layer, points, 13.0, 21.0, steps=4).paint(layer, palette.PLAYERS[3], reach=6.0)
     player_ball(layer, cx, cy + 1, 17.0, 0)
     player_ball(layer, points[-1][0], points[-1][1], 17.0, 3)
+
+
+def captions(layer):
+    """What the game is about below its name, and what a hand has to know at the lower edge."""
+    for text, size, cx, cy, spacing, tone in (
+        ("CATCH YOUR OPPONENTS IN A LOOP OF YOUR TAIL", 15, WIDTH / 2, 167, 2.6, (176, 212, 255)),
+        ("Mouse: steer     Right button: brakes     F1 to F6: powerups", 13, 312, 583, 0, (150, 172, 220)),
+    ):
+        mask = text_mask(layer, text, size, cx, cy, spacing=spacing)
+        layer.light *= (1 - 0.8 * blurred(mask, 2.5 * layer.scale))[..., None]
+        layer.light = layer.light * (1 - mask[..., None]) + linear(palette.rgb(*tone)) * mask[..., None]
 
 
 def scene(layer):
@@ -173,7 +186,7 @@ def scene(layer):
     r = np.hypot(x, y)
     angle = np.arctan2(y, x)
     rays = 0.5 + 0.5 * np.cos(8 * angle + 0.6)
-    layer.add(np.exp(-r / 9) * 0.9 + np.exp(-r / 22) * rays**6 * 0.8, palette.rgb(235, 250, 255))
+    layer.add(np.exp(-r / 8) * 1.1 + np.exp(-r / 17) * rays**5 * 0.7, palette.rgb(190, 244, 255))
     # What is inside is caught: it glows in the catcher's colour.
     x, y = layer.centred(470, 370)
     layer.add(np.exp(-np.square(x / 120) - np.square(y / 110)) * 0.06, palette.PLAYERS[3])
@@ -211,6 +224,7 @@ def draw(path):
     arena(layer)
     scene(layer)
     title(layer)
+    captions(layer)
     connect_plate(layer)
     picture = layer.picture()
     Image.fromarray(picture, "RGB").save(path, quality=93, subsampling=0, optimize=True, progressive=False)

@@ -13,18 +13,19 @@ def rgb(*channels):
     return np.array(channels, dtype=float) / 255.0
 
 
-# By colour number: red, yellow, green, cyan, blue, purple.
+# By colour number: red, yellow, green, cyan, blue, purple. Whoever confuses two hues finds them far apart in lightness:
+# red is darker than green, green than cyan, blue than purple.
 PLAYERS = [
-    rgb(248, 42, 34),
-    rgb(255, 222, 20),
-    rgb(36, 190, 40),
-    rgb(26, 208, 224),
-    rgb(28, 56, 228),
-    rgb(186, 62, 240),
+    rgb(222, 10, 20),
+    rgb(255, 224, 28),
+    rgb(30, 176, 40),
+    rgb(80, 232, 248),
+    rgb(30, 56, 236),
+    rgb(204, 104, 255),
 ]
 
 # What the sign on the ball is drawn in: light on dark colours, dark on light ones.
-SIGNS_LIGHT = [True, False, True, False, True, False]
+SIGNS_LIGHT = [True, False, False, False, True, False]
 
 # Round the colour circle, by the kind of a particle: red, orange, yellow, lime, green, spring green, cyan, azure, blue,
 # violet, magenta.

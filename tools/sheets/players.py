@@ -6,36 +6,56 @@ from . import palette, shapes
 from .paint import Layer, blank, cut, matte_picture, noise, paste, smooth
 
 CELL = 49
-RADII = [16.6, 17.3, 18.0, 18.6]
+# The ball breathes: radius by frame.
+RADII = [17.0, 17.5, 18.1, 18.8]
+GLOW = 2.6  # pixels of light round the ball that belong to the sprite
 
 
-def orb(layer, cx, cy, radius, colour, turn=0.0, life=0.5, veins=True):
-    """A glossy ball of light: dark limb, turning filaments, a bright heart and a window of reflected light."""
+def orb(layer, cx, cy, radius, colour, life=0.5, plasma=None):
+    """A ball of lit glass: dark towards the lower right, with light that gathers again at that rim. `plasma` turns
+    clouds in its inside by so many radians."""
     x, y = layer.centred(cx, cy)
     r = np.hypot(x, y) / radius
     inside = shapes.circle(x, y, radius)
     height = np.sqrt(np.clip(1 - r * r, 0, 1))
-    light = np.clip((-0.45 * x - 0.6 * y) / radius + 0.75 * height, 0, 1)
-    body = colour[None, None, :] * (0.30 + 0.62 * light)[..., None]
-    layer.fill(inside, np.clip(body, 0, 1))
-    if veins:
-        swirl_x, swirl_y = shapes.turned(x, y, turn + 1.1 * (1 - r))
-        bulge = 1.0 + 0.35 * r * r
-        field = noise(swirl_x / radius * 2.1 * bulge + 20, swirl_y / radius * 2.1 * bulge + 20, 11)
-        vein = np.exp(-np.square(field / 0.16)) * np.clip(1 - r, 0, 1) ** 0.35 * (r < 1)
-        layer.add(vein * (0.28 + 0.25 * life), np.clip(colour + 0.25, 0, 1))
-    rim = smooth(0.72, 0.97, r) * (r < 1)
-    layer.add(rim * (0.30 + 0.25 * life) * (0.55 + 0.45 * np.clip((x + y) / (1.3 * radius), -1, 1)), colour)
+    light = np.clip((-0.42 * x - 0.58 * y) / radius + 0.70 * height, 0, 1)
+    lively = np.clip(colour * 1.15 + 0.10, 0, 1)
+    tone = (0.44 + 0.64 * light)[..., None]
+    layer.fill(inside, np.clip(colour ** (1.5 - 0.5 * tone) * tone, 0, 1), soft=0.8)
+    # Light gathers where it leaves the glass, opposite to where it came in.
+    behind = np.clip((0.60 * x + 0.80 * y) / radius, 0, 1)
+    layer.add(behind**1.5 * np.clip(r, 0, 1) ** 3 * (r < 1) * (0.30 + 0.28 * life), lively)
+    if plasma is not None:
+        # What turns inside is seen through the curve of the glass, and fades towards its edge.
+        u, v = shapes.turned(x / radius, y / radius, plasma + 1.1 * (1 - r))
+        field = noise(u * 1.9 + 20, v * 1.9 + 20, 11, 2)
+        edge = 1 - smooth(0.66, 1.0, r)
+        layer.light *= (1 - 0.50 * smooth(0.0, 0.7, -field) * edge)[..., None]
+        layer.add(smooth(0.05, 0.9, field) * edge * (0.22 + 0.30 * life), lively)
+    layer.light *= (1 - 0.40 * smooth(0.80, 1.0, r) * (r < 1) * (1 - behind))[..., None]
     return r
 
 
 def gloss(layer, cx, cy, radius, strength=1.0):
-    """The reflection at the upper left."""
-    x, y = layer.centred(cx - 0.33 * radius, cy - 0.52 * radius)
-    u, v = shapes.turned(x, y, -0.55)
-    spot = np.exp(-(np.square(u / (0.36 * radius)) + np.square(v / (0.19 * radius))) * 1.6)
-    inside = shapes.circle(layer.x - cx, layer.y - cy, radius) < 0
-    layer.add(spot * inside * strength, (1, 1, 1))
+    """The reflection at the upper left: a window of light with a clear lower edge."""
+    x, y = layer.centred(cx - 0.30 * radius, cy - 0.52 * radius)
+    u, v = shapes.turned(x, y, -0.52)
+    spot = np.hypot(u / (0.46 * radius), v / (0.22 * radius))
+    inside = shapes.circle(layer.x - cx, layer.y - cy, radius * 0.95) < 0
+    layer.add((1 - smooth(0.35, 1.15, spot)) * smooth(1.3, -0.9, v / (0.22 * radius)) * inside * strength, (1, 1, 1))
+
+
+def marked(layer, colour, cx, cy, size, edge=0.55, strength=1.0):
+    """The sign of a player on his ball, set off from it by an edge of the other lightness."""
+    base = palette.PLAYERS[colour]
+    mark = palette.sign(colour, *layer.centred(cx, cy), size)
+    if palette.SIGNS_LIGHT[colour]:
+        layer.fill(mark - edge * size / 5, base * 0.20, 0.85, soft=0.12 * size)
+        layer.fill(mark, 1 - (1 - base) * 0.14 * (2 - strength), soft=0.07 * size)
+    else:
+        layer.fill(mark - edge * size / 5, 1 - (1 - base) * 0.45, 0.60, soft=0.16 * size)
+        layer.fill(mark, base * 0.13 * (2 - strength), soft=0.07 * size)
+    return mark
 
 
 def player_cell(colour, frame):
@@ -45,21 +65,13 @@ def player_cell(colour, frame):
     radius = RADII[frame]
     life = frame / 3
     x, y = layer.centred(c, c)
-    # A thin halo hugs the ball; it is part of the shape, so it needs no mixing with what lies behind.
-    halo = np.exp(-np.clip(np.hypot(x, y) - radius, 0, None) / 0.9)
-    layer.add(halo * (0.30 + 0.20 * life), base)
-    orb(layer, c, c, radius, base, turn=0.32 * frame, life=life)
-    size = 7.3 + 0.35 * frame
-    mark = palette.sign(colour, x, y, size)
-    if palette.SIGNS_LIGHT[colour]:
-        layer.add(np.exp(-np.clip(mark, 0, None) / 1.6) * (0.25 + 0.3 * life) * (np.hypot(x, y) < radius), base)
-        layer.fill(mark - 0.9, base * 0.35, 0.55, soft=1.2)
-        layer.fill(mark, 1 - (1 - base) * (0.22 - 0.12 * life), soft=0.7)
-    else:
-        layer.fill(mark - 0.9, 1 - (1 - base) * 0.3, 0.45 + 0.35 * life, soft=1.2)
-        layer.fill(mark, base * (0.20 + 0.06 * life), soft=0.7)
-    gloss(layer, c, c, radius, 0.85)
-    layer.within(shapes.circle(x, y, radius + 1.1))
+    # The glow runs out to black where the shape ends: on the black canvas the ball has no edge but light.
+    out = np.hypot(x, y) - radius
+    layer.add(np.clip(1 - out / GLOW, 0, 1) ** 2 * (0.30 + 0.30 * life), base)
+    orb(layer, c, c, radius, base, life=life, plasma=0.30 * frame)
+    marked(layer, colour, c, c, 8.8 + 0.3 * frame, strength=0.7 + 0.3 * life)
+    gloss(layer, c, c, radius, 0.75)
+    layer.within(shapes.circle(x, y, radius + GLOW))
     return layer
 
 
@@ -116,11 +128,13 @@ def small_balls():
     for kind, colour in enumerate(palette.PARTICLES):
         layer = Layer(size, size)
         c = size / 2
-        orb(layer, c, c, 8.6, colour, life=0.6, veins=False)
         x, y = layer.centred(c, c)
-        layer.add(np.exp(-np.square(np.hypot(x + 1, y + 1) / 4.2)) * 0.35, np.clip(colour + 0.35, 0, 1))
-        gloss(layer, c, c, 8.6, 0.9)
-        layer.within(shapes.circle(x, y, 9.0))
+        out = np.hypot(x, y) - 8.2
+        layer.add(np.clip(1 - out / 1.8, 0, 1) ** 2 * 0.35, colour)
+        orb(layer, c, c, 8.2, colour, life=0.6)
+        layer.add(np.exp(-np.square(np.hypot(x + 0.5, y + 0.5) / 3.6)) * 0.30, 1 - (1 - colour) * 0.6)
+        gloss(layer, c, c, 8.2, 0.85)
+        layer.within(shapes.circle(x, y, 10.0))
         matte = layer.matte()
         paste(sheet, cut(layer.picture(), matte), kind * size)
     return {"balls": sheet, "ballMatte": matte_picture(matte)}
@@ -131,11 +145,8 @@ def swatches():
     for colour, base in enumerate(palette.PLAYERS):
         layer = Layer(21, 21)
         c = 10.5
-        x, y = layer.centred(c, c)
-        orb(layer, c, c, 9.4, base, life=0.8, veins=False)
-        mark = palette.sign(colour, x, y, 4.6)
-        light = palette.SIGNS_LIGHT[colour]
-        layer.fill(mark, 1 - (1 - base) * 0.12 if light else base * 0.2, soft=0.4)
-        gloss(layer, c, c, 9.4, 0.6)
+        orb(layer, c, c, 9.4, base, life=0.8)
+        marked(layer, colour, c, c, 4.9, edge=0.3)
+        gloss(layer, c, c, 9.4, 0.45)
         sheets[f"userColor{colour}"] = layer.picture()
     return sheets

@@ -63,7 +63,7 @@ def edge_cell(colour, frame):
     light = palette.SIGNS_LIGHT[colour]
     # The sign stays upright whichever way the arrow points.
     sx, sy = shapes.turned(x - middle[0], y - middle[1], -quarter)
-    layer.fill(palette.sign(colour, sx, sy, 2.8), (1, 1, 1) if light else base * 0.1)
+    layer.fill(palette.sign(colour, sx, sy, 3.3), (1, 1, 1) if light else base * 0.1)
     layer.within(outline)
     return layer
 
