@@ -1,44 +1,20 @@
 #include "server/arena.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
-#include "base/text.h"
 #include "network/wire/wireFormat.h"
-#include "server/wholeNumber.h"
 
 namespace kelvora::server {
 
-namespace {
-
-constexpr double worldSize = 100'000;
-constexpr int startInset = 10'000;  // world units from every edge
-constexpr const char* colourNames[Arena::colourCount] = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"};
-
-bool isControl(char c) {
-  const auto code = static_cast<unsigned char>(c);
-  return code < 32 || code == 127;
-}
-
-bool isCoordinate(std::string_view text) {
-  const auto value = wholeNumber<double>(text);
-  return value && *value >= 0 && *value <= worldSize;
-}
-
-std::string printable(std::string_view text) {
-  std::string line(text);
-  for (char& c : line) {
-    if (isControl(c) || static_cast<unsigned char>(c) > 127) c = '?';
-  }
-  return line;
-}
-
-}  // namespace
-
 Arena::Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed,
              const ArenaRules& rules)
-    : output_(output), version_(std::move(version)), password_(std::move(password)), rules_(rules), random_(seed) {}
+    : output_(output),
+      version_(std::move(version)),
+      password_(std::move(password)),
+      rules_(rules),
+      random_(seed),
+      clock_(rules.roundMs, rules.intermissionMs) {}
 
 void Arena::connected(ClientId client, Millis now) { clients_.insert({client, Client{now, std::nullopt}}); }
 
@@ -51,7 +27,11 @@ void Arena::received(ClientId client, std::string_view text, Millis now) {
     if (id == wire::msgLogin && found->second.login.empty()) login(client, text, now);
     return;
   }
-  Player& player = *found->second.player;
+  handle(client, *found->second.player, id, fields, now);
+  endRoundIfWon();
+}
+
+void Arena::handle(ClientId client, Player& player, int id, const Fields& fields, Millis now) {
   switch (id) {
     case wire::msgPositionReport:
       return position(player, fields, now);
@@ -72,6 +52,8 @@ void Arena::received(ClientId client, std::string_view text, Millis now) {
 }
 
 void Arena::tick(Millis now) {
+  pending_.prune(now);
+  letLeaversGo();
   retryLogins(now);
   for (auto it = clients_.begin(); it != clients_.end();) {
     const ClientId client = it->first;
@@ -88,9 +70,16 @@ void Arena::tick(Millis now) {
       player->pingSent = now;
       sendTo(client, wire::msgPing, {std::to_string(now / 1000)});
     }
-    if (player) payIncome(client, *player, now);
+    if (player) {
+      payIncome(*player, now);
+      player->tail.prune(now);
+    }
     ++it;
   }
+  strikeAll(now);
+  endRoundIfWon();
+  passTime(now);
+  respawnWhoIsDue(now);
 }
 
 std::size_t Arena::playerCount() const {
@@ -108,8 +97,9 @@ std::vector<PlayerView> Arena::players(Millis now) const {
     view.node = player.node;
     view.colour = player.colour;
     view.name = player.name;
-    view.isAlive = player.alive;
-    view.position = {wholeNumber<double>(player.x).value_or(0), wholeNumber<double>(player.y).value_or(0)};
+    view.isAlive = player.isAlive;
+    view.position = player.spot.place();
+    for (const Tail::Vertex& vertex : player.tail.vertices()) view.tail.push_back(vertex.spot.place());
     for (int item = 0; item < powerupSlotCount; ++item) {
       const auto slot = static_cast<std::size_t>(item);
       view.isRunning[slot] = player.inventory.isRunning(item, now);
@@ -117,8 +107,21 @@ std::vector<PlayerView> Arena::players(Millis now) const {
     }
     view.funds = player.inventory.funds();
     view.kills = player.kills;
+    view.roundCaptures = player.roundCaptures;
   }
   return views;
+}
+
+bool Arena::hasPeople() const {
+  return std::ranges::any_of(clients_, [](const auto& entry) { return entry.second.player && !isBot(entry.first); });
+}
+
+std::vector<Player*> Arena::inGame() {
+  std::vector<Player*> players;
+  for (auto& [client, state] : clients_) {
+    if (state.player) players.push_back(&*state.player);
+  }
+  return players;
 }
 
 std::map<ClientId, Arena::Client>::iterator Arena::findNode(std::int16_t node) {

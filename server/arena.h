@@ -74,6 +74,7 @@ class Arena {
   void letGo(Player&& player);
   void letLeaversGo();
 
+  void handle(ClientId client, Player& player, int id, const Fields& fields, Millis now);
   void pingReply(ClientId client, Player& player, Millis now);
   void chat(ClientId client, Player& player, const Fields& fields, Millis now);
 
@@ -117,12 +118,13 @@ class Arena {
   void payIncome(Player& player, Millis now);
   /// Gives credits; everybody is told.
   void credit(Player& player, Entry entry, std::int64_t amount);
-  void sendFunds(const Player& player);
+  /// To everybody; a trade has told the trader already.
+  void sendFunds(const Player& player, std::optional<ClientId> trader = std::nullopt);
+  static std::vector<std::string> fundsOf(const Player& player);
 
   bool hasPeople() const;
   std::vector<Player*> inGame();
   std::map<ClientId, Client>::iterator findNode(std::int16_t node);
-  static std::string printable(std::string_view text);
   void sendToAll(std::int16_t id, const std::vector<std::string>& fields);
   void sendTo(ClientId client, std::int16_t id, const std::vector<std::string>& fields);
 

@@ -28,7 +28,7 @@ std::string Inventory::buy(int item) {
   if (funds_ < powerup.price) {
     return std::string(powerup.name) + " costs " + credits(powerup.price) + ". You have " + credits(funds_) + ".";
   }
-  funds_ -= powerup.price;
+  book(Entry::purchase, -powerup.price);
   ++stock_[slot(item)];
   return {};
 }
@@ -39,7 +39,7 @@ std::string Inventory::sell(int item) {
     return std::string("You have nothing to sell of this kind: ") + powerupTable[slot(item)].name + ".";
   }
   --stock_[slot(item)];
-  funds_ += resaleValue(item);
+  book(Entry::sale, resaleValue(item));
   return {};
 }
 
@@ -58,12 +58,16 @@ bool Inventory::end(int item, Millis now) {
 
 bool Inventory::isRunning(int item, Millis now) const { return isItem(item) && now < runsUntil_[slot(item)]; }
 
-bool Inventory::earn(int creditsPerMinute, Millis time) {
+std::int64_t Inventory::earned(int creditsPerMinute, Millis time) {
   earned_ += creditsPerMinute * time;
   const Millis whole = earned_ / minute;
   earned_ %= minute;
-  funds_ += whole;
-  return whole != 0;
+  return whole;
+}
+
+void Inventory::book(Entry entry, std::int64_t amount) {
+  ledger_[static_cast<std::size_t>(entry)] += amount;
+  funds_ += amount;
 }
 
 }  // namespace kelvora::server

@@ -9,11 +9,19 @@
 
 namespace kelvora::server {
 
+/// What credits come from and go to.
+enum class Entry { start, income, capture, survival, purchase, sale };
+inline constexpr std::size_t entryCount = 6;
+
 /// What one player owns: his credits, the powerups in stock, and those that run. Items are powerup slots; any number
 /// may be passed for one.
 class Inventory {
  public:
   std::int64_t funds() const { return funds_; }  ///< credits
+  /// The only way in which funds change; `amount` is below 0 for what goes out.
+  void book(Entry entry, std::int64_t amount);
+  /// All that has been booked as that.
+  std::int64_t booked(Entry entry) const { return ledger_[static_cast<std::size_t>(entry)]; }
   int stock(int item) const;
   int totalStock() const;
 
@@ -33,13 +41,17 @@ class Inventory {
   /// A powerup runs for the seconds of the table and then stops by itself.
   bool isRunning(int item, Millis now) const;
 
-  /// Credits for time spent alive. True if the funds have changed: they grow by whole credits, parts of one are kept.
-  bool earn(int creditsPerMinute, Millis time);
+  /// The end of its running time; a time that has passed if it is not running.
+  Millis runsUntil(int item) const { return isItem(item) ? runsUntil_[static_cast<std::size_t>(item)] : 0; }
+
+  /// The whole credits due for time spent alive; parts of one are kept for the next time.
+  std::int64_t earned(int creditsPerMinute, Millis time);
 
  private:
   static bool isItem(int item) { return item >= 0 && item < powerupSlotCount; }
 
   std::int64_t funds_ = static_cast<std::int64_t>(startFunds);
+  std::array<std::int64_t, entryCount> ledger_{funds_};
   Millis earned_ = 0;  // sixty-thousandths of a credit
   std::array<int, powerupSlotCount> stock_{};
   std::array<Millis, powerupSlotCount> runsUntil_{};

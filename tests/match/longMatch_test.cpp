@@ -142,7 +142,7 @@ class LongMatch : public GameTest, public server::ArenaOutput {
   void hangUp(server::ClientId client) override { ADD_FAILURE() << "client " << client << " was hung up on"; }
   void log(const std::string&) override {}
 
-  server::Arena arena_{*this, appVersionText(), "", 1};
+  server::Arena arena_{*this, appVersionText(), "", 1, {.roundMs = 1000 * 3600, .speedFactor = 0}};
   server::FrameReader reader_;
   std::vector<Pilot> pilots_;
   std::string toUs_;

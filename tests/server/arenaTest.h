@@ -27,6 +27,16 @@ inline void PrintTo(const Message& message, std::ostream* out) {
   *out << ")";
 }
 
+/// Rules in whose way nothing comes: a round without end, any speed, no income.
+inline const ArenaRules quietRules{
+    .roundMs = 1'000'000'000'000, .captureGoal = 0, .incomePerMinute = 0, .speedFactor = 0};
+
+inline ArenaRules quietRulesWithIncome(int income) {
+  ArenaRules rules = quietRules;
+  rules.incomePerMinute = income;
+  return rules;
+}
+
 /// An arena whose clients are lists of what they got.
 class ArenaTest : public testing::Test, private ArenaOutput {
  protected:
@@ -41,7 +51,7 @@ class ArenaTest : public testing::Test, private ArenaOutput {
   Arena arena;
   Arena locked{*this, "1.2.1", "sesame", 1};
 
-  explicit ArenaTest(const ArenaRules& rules = {.incomePerMinute = 0}) : arena(*this, "1.2.1", "", 1, rules) {}
+  explicit ArenaTest(const ArenaRules& rules = quietRules) : arena(*this, "1.2.1", "", 1, rules) {}
 
   void say(ClientId client, std::int16_t id, const Fields& fields) {
     const std::string frame = wire::buildFrame(id, fields);
@@ -55,6 +65,40 @@ class ArenaTest : public testing::Test, private ArenaOutput {
     got.clear();
     return node;
   }
+  void report(ClientId client, int x, int y) {
+    say(client, wire::msgPositionReport, {std::to_string(x), std::to_string(y)});
+  }
+  /// Flies a square of 2000 units round the place; the last side crosses the first one.
+  void circle(ClientId client, int x, int y) {
+    report(client, x - 1'200, y - 1'000);
+    report(client, x + 1'000, y - 1'000);
+    report(client, x + 1'000, y + 1'000);
+    report(client, x - 1'000, y + 1'000);
+    report(client, x - 1'000, y - 1'200);
+  }
+  /// One captures the other, in the middle of the world, and everybody forgets what he got by that.
+  void capture(ClientId winner, ClientId loser) {
+    report(loser, 50'000, 50'000);
+    circle(winner, 50'000, 50'000);
+    EXPECT_FALSE(view(loser).isAlive);
+    got.clear();
+  }
+  PlayerView view(ClientId client) {
+    for (const PlayerView& player : arena.players(now)) {
+      if (player.client == client) return player;
+    }
+    ADD_FAILURE() << "client " << client << " is not in";
+    return {};
+  }
+  /// Of the messages to a client those with that id.
+  std::vector<Fields> all(ClientId client, int id) {
+    std::vector<Fields> found;
+    for (const Message& message : got[client]) {
+      if (message.id == id) found.push_back(message.fields);
+    }
+    return found;
+  }
+  void pass(Millis time) { arena.tick(now += time); }
   /// The reason why a login is refused; empty if it was not.
   std::string refusal(Arena& where, const Fields& fields) {
     constexpr ClientId stranger = 99;

@@ -26,12 +26,14 @@ TEST_F(ArenaTest, NewcomersAndPlayersLearnOfEachOther) {
   got.clear();
   arena.connected(bob, now);
   say(bob, wire::msgLogin, {"Bob", "", "2", "1.2.1"});
-  ASSERT_EQ(got[bob].size(), 3U);
+  ASSERT_EQ(got[bob].size(), 4U);
   EXPECT_EQ(got[bob][0].id, wire::msgLoginAccepted);
   EXPECT_EQ(got[bob][1], (Message{wire::msgPlayerJoined, {"1", "0", "Ann", "123.5", "1.5E+04", "1", "0"}}));
-  EXPECT_EQ(got[bob][2], (Message{wire::msgFunds, {"2", "10"}})) << "his own, and nobody else's";
+  EXPECT_EQ(got[bob][2], (Message{wire::msgFunds, {"1", "10"}}));
+  EXPECT_EQ(got[bob][3], (Message{wire::msgFunds, {"2", "10"}}));
   const Fields& start = got[bob][0].fields;
-  EXPECT_EQ(got[ann], (std::vector<Message>{{wire::msgPlayerJoined, {"2", "2", "Bob", start[2], start[3], "1", "0"}}}));
+  EXPECT_EQ(got[ann], (std::vector<Message>{{wire::msgPlayerJoined, {"2", "2", "Bob", start[2], start[3], "1", "0"}},
+                                            {wire::msgFunds, {"2", "10"}}}));
 }
 
 TEST_F(ArenaTest, ATakenColourIsReplacedByAFreeOne) {
@@ -261,28 +263,18 @@ TEST_F(ArenaTest, AFloodOfChatIsThinnedOut) {
   EXPECT_EQ(got[ann].size(), 30U);
 }
 
-TEST_F(ArenaTest, OnlyTheDeadRespawn) {
+TEST_F(ArenaTest, NewcomersLearnWhoIsDeadAndOfTheKills) {
   login(ann, "Ann");
-  login(bob, "Bob");
-  say(ann, wire::msgSpawnRequest, {""});
-  EXPECT_EQ(got, (std::map<ClientId, std::vector<Message>>{{ann, {{wire::msgSpawnDenied, {""}}}}}));
-  got.clear();
-  arena.setAlive(1, false);
-  say(ann, wire::msgSpawnRequest, {""});
-  const std::vector<Message> expected{{wire::msgAliveState, {"1", "0"}}, {wire::msgRespawn, {"1"}}};
-  EXPECT_EQ(got, (std::map<ClientId, std::vector<Message>>{{ann, expected}, {bob, expected}}));
-  got.clear();
-  say(ann, wire::msgSpawnRequest, {""});
-  EXPECT_EQ(got[ann].at(0).id, wire::msgSpawnDenied);
-}
-
-TEST_F(ArenaTest, NewcomersLearnWhoIsDead) {
-  login(ann, "Ann");
-  arena.setAlive(1, false);
-  got.clear();
+  login(cat, "Cat");
+  capture(cat, ann);
   arena.connected(bob, now);
   say(bob, wire::msgLogin, {"Bob", "", "2", "1.2.1"});
-  EXPECT_EQ(got[bob].at(1).fields.at(5), "0");
+  const auto joined = all(bob, wire::msgPlayerJoined);
+  ASSERT_EQ(joined.size(), 2U);
+  EXPECT_EQ(joined[0].at(5), "0");
+  EXPECT_EQ(joined[0].at(6), "0");
+  EXPECT_EQ(joined[1].at(5), "1");
+  EXPECT_EQ(joined[1].at(6), "1");
 }
 
 TEST_F(ArenaTest, UnknownMessagesAndClientsAreIgnored) {

@@ -2,16 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace kelvora::server {
 namespace {
 
-constexpr Millis minute = 60'000;
 constexpr Millis start = 1'000'000;
 
 /// One with that many credits, of which it began with 10.
 Inventory withFunds(int credits) {
   Inventory inventory;
-  inventory.earn(credits - 10, minute);
+  inventory.book(Entry::capture, credits - 10);
   EXPECT_EQ(inventory.funds(), credits);
   return inventory;
 }
@@ -143,22 +144,37 @@ TEST(Inventory, ARunningPowerupCanBeEndedEarly) {
 
 TEST(Inventory, EarnsWholeCreditsAndKeepsTheRest) {
   Inventory inventory;
-  EXPECT_FALSE(inventory.earn(5, 11'999));
-  EXPECT_EQ(inventory.funds(), 10);
-  EXPECT_TRUE(inventory.earn(5, 1));  // 12 s at five a minute
-  EXPECT_EQ(inventory.funds(), 11);
-  EXPECT_TRUE(inventory.earn(5, 600'000));
-  EXPECT_EQ(inventory.funds(), 61);
-  EXPECT_FALSE(inventory.earn(0, 600'000));
-  EXPECT_EQ(inventory.funds(), 61);
+  EXPECT_EQ(inventory.earned(5, 11'999), 0);
+  EXPECT_EQ(inventory.earned(5, 1), 1) << "12 s at five a minute";
+  EXPECT_EQ(inventory.earned(5, 600'000), 50);
+  EXPECT_EQ(inventory.earned(0, 600'000), 0);
 }
 
 TEST(Inventory, NothingIsLostWhereAMinuteDoesNotDivideEvenly) {
   Inventory inventory;
-  int changes = 0;
-  for (int i = 0; i < 600; ++i) changes += inventory.earn(7, 100) ? 1 : 0;
-  EXPECT_EQ(inventory.funds(), 17);
-  EXPECT_EQ(changes, 7);
+  std::vector<int> times;
+  for (int i = 1; i <= 600; ++i) {
+    if (inventory.earned(7, 100) == 1) times.push_back(i);
+  }
+  // A seventh of a minute is 8571.4 ms.
+  EXPECT_EQ(times, (std::vector<int>{86, 172, 258, 343, 429, 515, 600}));
+}
+
+TEST(Inventory, WhatIsBookedAddsUpToTheFunds) {
+  Inventory inventory;
+  EXPECT_EQ(inventory.booked(Entry::start), 10);
+  inventory.book(Entry::income, 15);
+  inventory.book(Entry::capture, 20);
+  inventory.book(Entry::survival, 10);
+  ASSERT_EQ(inventory.buy(0), "");
+  ASSERT_EQ(inventory.buy(1), "");
+  ASSERT_EQ(inventory.sell(0), "");
+  EXPECT_EQ(inventory.booked(Entry::income), 15);
+  EXPECT_EQ(inventory.booked(Entry::capture), 20);
+  EXPECT_EQ(inventory.booked(Entry::survival), 10);
+  EXPECT_EQ(inventory.booked(Entry::purchase), -30);
+  EXPECT_EQ(inventory.booked(Entry::sale), 10);
+  EXPECT_EQ(inventory.funds(), 35);
 }
 
 }  // namespace

@@ -30,6 +30,7 @@ class Loopback : public testing::Test {
   static Options anyPort() {
     Options options;
     options.port = 0;
+    options.rules.speedFactor = 0;
     return options;
   }
 

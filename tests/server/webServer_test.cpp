@@ -287,6 +287,7 @@ class GameWithWeb : public testing::Test {
   static Options options() {
     Options options;
     options.port = 0;
+    options.rules.speedFactor = 0;
     options.webPort = 0;
     options.publicAddress = "play.example";
     options.notes = "for all";

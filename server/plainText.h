@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kelvora::server {
+
+inline bool isControl(char c) {
+  const auto code = static_cast<unsigned char>(c);
+  return code < 32 || code == 127;
+}
+
+/// For the log: what is not plain ASCII is a question mark.
+inline std::string printable(std::string_view text) {
+  std::string line(text);
+  for (char& c : line) {
+    if (isControl(c) || static_cast<unsigned char>(c) > 127) c = '?';
+  }
+  return line;
+}
+
+}  // namespace kelvora::server
