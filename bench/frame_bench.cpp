@@ -1,13 +1,14 @@
 #include <benchmark/benchmark.h>
 
 #include <QGuiApplication>
-#include <chrono>
 #include <cmath>
 #include <random>
 #include <string>
 
 #include "bench/painterReplay.h"
 #include "bench/surfaceRecorder.h"
+#include "bench/surfaceReplay.h"
+#include "bench/turns.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
 #include "platform/headless/headlessBackend.h"
@@ -15,14 +16,14 @@
 #include "platform/qt/qtGlyphs.h"
 #include "rendering/frmGfx.h"
 
-// A whole frame by the game's own painters against the same list of drawing calls done by the desktop's painter, both
-// in memory. The game's time has everything that a frame does beside drawing: ageing, tests, texts made.
+// The drawing calls of a whole frame, noted once and then done again and again by the game's surface and by the
+// desktop's painter, both in memory. The game's own frame, with everything that it does beside drawing (ageing, tests,
+// texts made), is measured between them.
 
 namespace {
 
 using namespace kelvora;
 using namespace kelvora::bench;
-using Clock = std::chrono::steady_clock;
 
 enum class Texts { None, Full };
 
@@ -123,49 +124,74 @@ class Scene {
   std::int16_t messageAge = 251;
 };
 
-double seconds(Clock::duration time) { return std::chrono::duration<double>(time).count(); }
+enum Piece : std::size_t { Drawing, Painter, Frame };
 
-/// Both in turn, so that whatever else the machine does meets both; the times and their ratio are counters.
+/// Argument 0: frames a slice. Counters, all microseconds a frame: the list by the game's surface and by the desktop's
+/// painter, their ratio, the game's whole frame, and what of it is not drawing.
 void frames(benchmark::State& state, bool heavy, Texts texts) {
   Scene scene(heavy, texts);
   std::vector<DrawingCall> calls = scene.record();
   if (texts == Texts::None) {
     std::erase_if(calls, [](const DrawingCall& call) { return std::holds_alternative<PrintCall>(call.what); });
   }
+  SurfaceReplay own(calls);
   PainterReplay peer(calls);
+  own.draw();
   peer.draw();
-  Clock::duration game{};
-  Clock::duration painter{};
+  const int slice = static_cast<int>(state.range(0));
+  Turns turns(3);
   for (auto unused : state) {
-    const auto begin = Clock::now();
-    scene.paint();
-    benchmark::ClobberMemory();
-    const auto middle = Clock::now();
-    peer.draw();
-    benchmark::ClobberMemory();
-    painter += Clock::now() - middle;
-    game += middle - begin;
+    turns.measure(Drawing, slice, [&] { own.draw(); });
+    turns.measure(Painter, slice, [&] { peer.draw(); });
+    turns.measure(Frame, slice, [&] { scene.paint(); });
   }
-  const double count = static_cast<double>(state.iterations());
   state.counters["calls"] = static_cast<double>(calls.size());
-  state.counters["game_us"] = seconds(game) / count * 1e6;
-  state.counters["painter_us"] = seconds(painter) / count * 1e6;
-  state.counters["ratio"] = seconds(painter) / seconds(game);
+  state.counters["surface_us"] = turns.microseconds(Drawing);
+  state.counters["painter_us"] = turns.microseconds(Painter);
+  state.counters["ratio"] = turns.ratio(Painter, Drawing);
+  state.counters["frame_us"] = turns.microseconds(Frame);
+  state.counters["logic_us"] = turns.microseconds(Frame) - turns.microseconds(Drawing);
   if (const char* folder = std::getenv("KELVORA_BENCH_PICTURES")) {
     const PictureBox& canvas = frmMain->canvas;
     const std::string name =
         std::string(folder) + (heavy ? "/heavy" : "/light") + (texts == Texts::Full ? "-text" : "");
     peer.image(canvas).save(QString::fromStdString(name + "-painter.png"));
-    const QImage own(reinterpret_cast<const uchar*>(canvas.pixels().data()), canvas.pixelWidth(), canvas.pixelHeight(),
-                     QImage::Format_RGB32);
-    own.save(QString::fromStdString(name + "-game.png"));
+    const Surface& picture = own.image(canvas);
+    const QImage image(reinterpret_cast<const uchar*>(picture.pixels().data()), picture.pixelWidth(),
+                       picture.pixelHeight(), QImage::Format_RGB32);
+    image.save(QString::fromStdString(name + "-surface.png"));
   }
 }
 
-BENCHMARK_CAPTURE(frames, light, false, Texts::None)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(frames, heavy, true, Texts::None)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(frames, lightWithTexts, false, Texts::Full)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(frames, heavyWithTexts, true, Texts::Full)->Unit(benchmark::kMicrosecond);
+/// The calls of one kind alone, by its place in DrawingCall: 1 lines, 2 circles, 3 copies, 4 texts; 0 for all but the
+/// texts, clearing first.
+void kinds(benchmark::State& state, bool heavy) {
+  Scene scene(heavy, Texts::Full);
+  std::vector<DrawingCall> calls = scene.record();
+  const auto kind = static_cast<std::size_t>(state.range(0));
+  std::erase_if(calls, [&](const DrawingCall& call) {
+    return kind == 0 ? std::holds_alternative<PrintCall>(call.what) : call.what.index() != kind;
+  });
+  SurfaceReplay own(calls);
+  PainterReplay peer(calls);
+  const int slice = heavy ? 1 : 10;
+  Turns turns(2);
+  for (auto unused : state) {
+    turns.measure(Drawing, slice, [&] { own.draw(); });
+    turns.measure(Painter, slice, [&] { peer.draw(); });
+  }
+  state.counters["calls"] = static_cast<double>(calls.size());
+  state.counters["surface_us"] = turns.microseconds(Drawing);
+  state.counters["painter_us"] = turns.microseconds(Painter);
+  state.counters["ratio"] = turns.ratio(Painter, Drawing);
+}
+BENCHMARK_CAPTURE(kinds, light, false)->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(kinds, heavy, true)->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
+
+BENCHMARK_CAPTURE(frames, light, false, Texts::None)->Arg(10)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frames, heavy, true, Texts::None)->Arg(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frames, lightWithTexts, false, Texts::Full)->Arg(2)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frames, heavyWithTexts, true, Texts::Full)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 
