@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <type_traits>
+#include <utility>
 
 #include "raster/spans.h"
 #include "raster/surface.h"
@@ -33,6 +35,17 @@ int rowReach(std::int64_t radius, std::int64_t row) {
   return rest < 0 ? -1 : static_cast<int>(wholeRoot(rest));
 }
 
+// A whole small disc of one colour: the game paints hundreds a frame, too small for loops to pay.
+template <int radius, int... rows>
+void fillDisc(Pixel* centre, std::ptrdiff_t pitch, Pixel pixel, std::integer_sequence<int, rows...>) {
+  const auto fillRow = [&]<int row>(std::integral_constant<int, row>) {
+    constexpr int reach = smallReaches[radius][static_cast<std::size_t>(row < 0 ? -row : row)];
+    Pixel* const line = centre + row * pitch - reach;
+    for (int i = 0; i <= 2 * reach; ++i) line[i] = pixel;
+  };
+  (fillRow(std::integral_constant<int, rows - radius>{}), ...);
+}
+
 }  // namespace
 
 void Surface::Circle(float x, float y, float radius, Colour outline) {
@@ -40,9 +53,16 @@ void Surface::Circle(float x, float y, float radius, Colour outline) {
   const int centreY = toPixels(y);
   const int reach = toPixels(radius);
   if (reach < 0 || centreX + reach < 0 || centreX - reach >= width_) return;
+  const bool isPlain = outline == FillColor;
+  const bool isWhole = centreX >= reach && centreX + reach < width_ && centreY >= reach && centreY + reach < height_;
+  if (isPlain && isWhole && (reach == 1 || reach == 2)) {
+    touch(centreX - reach, centreY - reach, centreX + reach, centreY + reach);
+    Pixel* const centre = pixels_.data() + std::ptrdiff_t{centreY} * width_ + centreX;
+    if (reach == 1) return fillDisc<1>(centre, width_, toPixel(outline), std::make_integer_sequence<int, 3>{});
+    return fillDisc<2>(centre, width_, toPixel(outline), std::make_integer_sequence<int, 5>{});
+  }
   const SpanFiller rim(toPixel(outline));
   const SpanFiller inside(toPixel(FillColor));
-  const bool isPlain = outline == FillColor;
   const int first = std::max(0, centreY - reach);
   const int last = std::min(height_ - 1, centreY + reach);
   if (first > last) return;

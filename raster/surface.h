@@ -82,16 +82,16 @@ class Surface {
   /// Notes that the pixels from (left, top) to (right, bottom) are about to be drawn on; clipped here.
   void touch(int left, int top, int right, int bottom);
   void touchAll();
-  void clearRows(int firstRow, int endRow, int firstColumn, int endColumn);
   void drawThick(PixelPoint from, PixelPoint to, int width, Pixel pixel);
   void drawGlyph(const Glyph& glyph, PixelPoint corner, Pixel ink);
 
   int width_ = 0;
   int height_ = 0;
   std::vector<Pixel> pixels_;
-  // One flag a tile, row by row: something was drawn there since the last Cls. What was not touched is clear already.
-  std::vector<std::uint8_t> touched_;
-  int tilesAcross_ = 0;
+  // One bit a tile, each row of tiles in whole words: something was drawn there since the last Cls. What was not
+  // touched is clear already.
+  std::vector<std::uint64_t> touched_;
+  int wordsAcross_ = 0;
   Pixel clearedTo_ = 0;
   PicturePointer background_;
 };

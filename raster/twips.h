@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cmath>
+#include <bit>
+#include <cstdint>
 
 namespace kelvora {
 
@@ -11,10 +12,15 @@ inline constexpr int twipsPerPixel = 15;
 /// into pixels. Values far outside any surface are held at a million pixels, so that later sums cannot overflow.
 inline int toPixels(double twips) {
   constexpr double limit = 1'000'000.0;
-  const double pixels = std::floor(twips / twipsPerPixel + 0.5);
-  if (!(pixels > -limit)) return static_cast<int>(-limit);
-  if (pixels > limit) return static_cast<int>(limit);
-  return static_cast<int>(pixels);
+  // A hair that lifts the halves over the middle, and what the product by a fraction has lost of them; the next single
+  // precision number beside a half is thirty times farther off.
+  constexpr double hair = 0x1p-30;
+  // Where doubles lie one apart: adding it rounds to the nearest whole number, which stands in the lowest bits then.
+  constexpr double wholeNumbers = 0x1.8p52;
+  double pixels = twips * (1.0 / twipsPerPixel) + hair;
+  pixels = pixels > -limit ? pixels : -limit;
+  pixels = pixels < limit ? pixels : limit;
+  return static_cast<int>(static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(pixels + wholeNumbers)));
 }
 
 }  // namespace kelvora

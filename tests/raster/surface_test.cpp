@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <random>
@@ -23,7 +24,19 @@ TEST(ToPixels, TakesTheNearestPixelHalvesUpward) {
   EXPECT_EQ(toPixels(9120), 608);
 }
 
+TEST(ToPixels, RoundsEveryHalfUpwardAndTheNumbersBesideItToTheirSides) {
+  for (int pixel = -70'000; pixel <= 70'000; ++pixel) {
+    const float half = static_cast<float>(pixel) * 15 - 7.5F;
+    ASSERT_EQ(toPixels(half), pixel);
+    ASSERT_EQ(toPixels(std::nextafter(half, 1e9F)), pixel) << pixel;
+    ASSERT_EQ(toPixels(std::nextafter(half, -1e9F)), pixel - 1) << pixel;
+  }
+}
+
 TEST(ToPixels, HoldsFarValuesAtAMillion) {
+  EXPECT_EQ(toPixels(14'999'985), 999'999);
+  EXPECT_EQ(toPixels(-14'999'985), -999'999);
+
   EXPECT_EQ(toPixels(1e30), 1000000);
   EXPECT_EQ(toPixels(-1e30), -1000000);
   EXPECT_EQ(toPixels(std::numeric_limits<double>::quiet_NaN()), -1000000);
