@@ -95,18 +95,21 @@ def shield_cell(frame):
     layer = Layer(CELL, CELL)
     c = CELL / 2
     x, y = layer.centred(c, c)
-    radius = 21.2 + 0.25 * frame
+    radius = 21.0 + 0.25 * frame
     r = np.hypot(x, y)
     angle = np.arctan2(y, x)
-    outer = shapes.ring(x, y, radius, 4.4)
-    across = (r - radius) / 2.2
-    layer.fill(outer, palette.rgb(20, 70, 120))
-    layer.add(np.exp(-np.square(across / 0.55)) * (outer < 0), palette.rgb(90, 200, 255))
+    outer = shapes.ring(x, y, radius, 4.2)
+    across = (r - radius) / 2.1
+    # Outside the light runs out to black, as with the balls; inside the ball begins.
+    layer.add(np.clip(1 - outer / 1.2, 0, 1) ** 2 * 0.30, palette.rgb(40, 120, 255))
+    layer.fill(outer, palette.rgb(20, 74, 140), soft=0.8)
+    layer.add(np.exp(-np.square(across / 0.55)) * (outer < 0), palette.rgb(70, 190, 255))
     # Six bright arcs wander round the ring while it breathes.
     arcs = 0.5 + 0.5 * np.cos(6 * (angle - frame * np.pi / 12))
-    layer.add(np.exp(-np.square(across / 0.42)) * arcs**3 * (0.75 + 0.08 * frame), palette.rgb(255, 255, 255))
-    layer.light *= (outer < 0)[..., None]
-    layer.within(outer)
+    layer.add(np.exp(-np.square(across / 0.42)) * arcs**3 * (0.80 + 0.10 * frame), palette.rgb(255, 255, 255))
+    shape = np.where(r < radius, outer, outer - 1.0)
+    layer.light *= (shape < 0)[..., None]
+    layer.within(shape)
     return layer
 
 
