@@ -24,10 +24,7 @@ class ClientArea : public QWidget {
  public:
   ClientArea(const Form& form, FormPeer& peer, QWidget* parent) : QWidget(parent), peer_(peer) {
     setAutoFillBackground(true);
-    if (form.design.systemColours) return;
-    QPalette colours = palette();
-    colours.setColor(QPalette::Window, toQColor(form.design.back));
-    setPalette(colours);
+    setPalette(formPalette(form));
   }
 
  protected:
@@ -56,6 +53,14 @@ void visitControls(Control& container, const Visit& visit) {
 }
 
 }  // namespace
+
+QPalette formPalette(const Form& form) {
+  if (form.design.systemColours) return QApplication::palette();
+  QPalette colours(QColor(54, 60, 92), toQColor(form.design.back));
+  colours.setColor(QPalette::Highlight, QColor(52, 104, 196));
+  colours.setColor(QPalette::HighlightedText, Qt::white);
+  return colours;
+}
 
 FormWindow::FormWindow(Form& form, FormPeer& peer)
     : QMainWindow(nullptr, formWindowFlags(form)), form_(form), peer_(peer), client_(new ClientArea(form, peer, this)) {

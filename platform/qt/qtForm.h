@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPalette>
 #include <QPointer>
 #include <memory>
 
@@ -55,6 +56,10 @@ class FormPeer : public Peer {
   bool placedByGame_ = false;
   bool shownBefore_ = false;
 };
+
+/// Shades of the native controls of a form that has a background of its own, which is dark. A dialog in the desktop's
+/// colours takes the user's.
+QPalette formPalette(const Form& form);
 
 /// Fills the window's menu bar with the menu items that stand on the form, if there are any.
 void realizeMenu(Form& form, FormWindow& window);

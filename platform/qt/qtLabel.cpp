@@ -1,5 +1,4 @@
 #include <QFontMetrics>
-#include <QPainter>
 
 #include "platform/qt/codePage.h"
 #include "platform/qt/qtFonts.h"
@@ -24,8 +23,7 @@ class LabelWidget : public ControlWidget {
     }
     QRect inside = rect();
     if (label_.BorderStyle != 0) {
-      painter.setPen(design.systemColours ? palette().color(QPalette::Mid) : QColor(Qt::gray));
-      painter.drawRect(rect().adjusted(0, 0, -1, -1));
+      drawBorder(painter, rect(), design.systemColours ? palette().color(QPalette::Mid) : QColor(Qt::gray));
       inside.adjust(1, 1, -1, -1);
     }
     painter.setPen(design.systemColours ? palette().color(QPalette::WindowText) : toQColor(label_.ForeColor));

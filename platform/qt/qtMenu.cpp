@@ -57,6 +57,7 @@ void addItems(Control& container, Menu& menu) {
       action = menu.addAction(QString());
     } else {
       QMenu* submenu = menu.addMenu(QString());
+      submenu->setPalette(menu.palette());
       addItems(*item, *submenu);
       action = submenu->menuAction();
     }
@@ -70,6 +71,14 @@ void addItems(Control& container, Menu& menu) {
 void realizeMenu(Form& form, FormWindow& window) {
   for (Control* child : form.children()) {
     if (!dynamic_cast<MenuItem*>(child)) continue;
+    QPalette colours = formPalette(form);
+    if (!form.design.systemColours) {
+      // A menu stands out from the window below it, and what is disabled in it has no light edge.
+      const QColor ground(28, 31, 48);
+      for (const auto role : {QPalette::Window, QPalette::Base}) colours.setColor(role, ground);
+      colours.setColor(QPalette::Disabled, QPalette::Light, ground);
+    }
+    window.menuBar()->setPalette(colours);
     addItems(form, *window.menuBar());
     return;
   }

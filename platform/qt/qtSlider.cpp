@@ -13,9 +13,10 @@ namespace {
 class SliderWidget : public QSlider {
  public:
   SliderWidget(Slider& slider, QWidget* parent) : QSlider(Qt::Horizontal, parent), slider_(slider) {
-    // The user's own shades in place of the form's: black marks do not show on black.
+    // Marks and edges are shades of these two: of a black window's own they would be black.
     QPalette colours = palette();
     colours.setColor(QPalette::Window, QApplication::palette().color(QPalette::Window));
+    colours.setColor(QPalette::Highlight, QColor(120, 168, 248));
     setPalette(colours);
     setRange(slider.Min, slider.Max);
     setSingleStep(1);

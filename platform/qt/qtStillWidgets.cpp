@@ -1,4 +1,4 @@
-#include <QPainter>
+#include <QChildEvent>
 #include <algorithm>
 
 #include "platform/qt/codePage.h"
@@ -11,20 +11,20 @@ namespace kelvora {
 
 namespace {
 
-class FrameWidget : public ControlWidget {
+/// A frame's line and title. They lie over the frame's controls, so that a picture at the edge does not cut the line.
+class FrameLine : public QWidget {
  public:
-  FrameWidget(Frame& frame, QWidget* parent) : ControlWidget(frame, parent), frame_(frame) {}
+  FrameLine(Frame& frame, QWidget* parent) : QWidget(parent), frame_(frame) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+  }
 
  protected:
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
-    painter.fillRect(rect(), toQColor(frame_.BackColor));
-    if (!frame_.border) return;
     painter.setFont(toQFont(FontSpec{}));
     const QString title = toQString(frame_.Caption);
     const QFontMetrics metrics = painter.fontMetrics();
-    painter.setPen(Qt::gray);
-    painter.drawRect(QRect(0, metrics.height() / 2, width() - 1, height() - 1 - metrics.height() / 2));
+    drawBorder(painter, rect().adjusted(0, metrics.height() / 2, 0, 0), Qt::gray);
     if (title.isEmpty()) return;
     constexpr int indent = 8;
     const QRect place(indent, 0, metrics.horizontalAdvance(title) + 4, metrics.height());
@@ -35,6 +35,28 @@ class FrameWidget : public ControlWidget {
 
  private:
   Frame& frame_;
+};
+
+class FrameWidget : public ControlWidget {
+ public:
+  FrameWidget(Frame& frame, QWidget* parent) : ControlWidget(frame, parent), frame_(frame) {
+    if (frame.border) line_ = new FrameLine(frame, this);
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), toQColor(frame_.BackColor)); }
+
+  void resizeEvent(QResizeEvent*) override {
+    if (line_) line_->setGeometry(rect());
+  }
+
+  void childEvent(QChildEvent* event) override {
+    if (line_ && event->added() && event->child() != line_) line_->raise();
+  }
+
+ private:
+  Frame& frame_;
+  FrameLine* line_ = nullptr;
 };
 
 class ImageWidget : public ControlWidget {

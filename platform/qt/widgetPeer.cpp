@@ -16,6 +16,13 @@ QRect pixelPlace(const Control& control) {
   return {toPixels(control.Left), toPixels(control.Top), toPixels(control.Width), toPixels(control.Height)};
 }
 
+void drawBorder(QPainter& painter, const QRect& place, const QColor& colour) {
+  painter.fillRect(QRect(place.left(), place.top(), place.width(), 1), colour);
+  painter.fillRect(QRect(place.left(), place.bottom(), place.width(), 1), colour);
+  painter.fillRect(QRect(place.left(), place.top(), 1, place.height()), colour);
+  painter.fillRect(QRect(place.right(), place.top(), 1, place.height()), colour);
+}
+
 ControlWidget::ControlWidget(Control& control, QWidget* parent) : QWidget(parent), control_(control) {
   setMouseTracking(true);
 }

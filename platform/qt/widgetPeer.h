@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPainter>
 #include <QPointer>
 #include <QWidget>
 #include <memory>
@@ -25,6 +26,10 @@ inline QColor toQColor(Colour colour) { return {colour.red, colour.green, colour
 
 /// The place of a control in pixels of its container.
 QRect pixelPlace(const Control& control);
+
+/// A line of one pixel along the inside of `place`. It is whole on a screen of any scale; of the line that a pen draws
+/// there, the left and the upper one lie half outside.
+void drawBorder(QPainter& painter, const QRect& place, const QColor& colour);
 
 /// A widget for a control that the game draws or that the desktop has no native counterpart for. Turns the mouse into
 /// the control's events; while a button is held moves and the release come from outside too.
