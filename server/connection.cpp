@@ -1,5 +1,6 @@
 #include "server/connection.h"
 
+#include <algorithm>
 #include <asio/buffer.hpp>
 #include <asio/post.hpp>
 #include <asio/write.hpp>
@@ -7,12 +8,22 @@
 
 namespace kelvora::server {
 
+namespace {
+
+constexpr int systemBuffer = 64 << 10;  // bytes
+constexpr auto burst = std::chrono::milliseconds(500);
+
+}  // namespace
+
 Connection::Connection(asio::ip::tcp::socket socket, ClientId client, Handlers handlers)
-    : socket_(std::move(socket)), client_(client), handlers_(std::move(handlers)) {}
+    : socket_(std::move(socket)), client_(client), handlers_(std::move(handlers)), pause_(socket_.get_executor()) {}
 
 void Connection::start() {
   asio::error_code ignored;
   socket_.set_option(asio::ip::tcp::no_delay(true), ignored);
+  // What the system keeps for a client that does not read, or does not stop sending, is bounded as well.
+  socket_.set_option(asio::socket_base::send_buffer_size(systemBuffer), ignored);
+  socket_.set_option(asio::socket_base::receive_buffer_size(systemBuffer), ignored);
   readMore();
 }
 
@@ -32,6 +43,7 @@ void Connection::close(const std::string& reason) {
   if (std::exchange(closed_, true)) return;
   asio::error_code ignored;
   socket_.close(ignored);
+  pause_.cancel();
   asio::post(socket_.get_executor(),
              [self = shared_from_this(), reason] { self->handlers_.onClosed(self->client_, reason); });
 }
@@ -50,8 +62,18 @@ void Connection::readMore() {
           if (self->closed_) return;
           if (!isSound && !self->hangingUp_) return self->close("does not speak the protocol");
         }
-        self->readMore();
+        self->readMoreAfter(size);
       });
+}
+
+void Connection::readMoreAfter(std::size_t size) {
+  lastHeard_ = Clock::now();
+  paidUntil_ = std::max(paidUntil_, lastHeard_ - burst) + std::chrono::microseconds(size * 1'000'000 / bytesPerSecond);
+  if (paidUntil_ <= lastHeard_) return readMore();
+  pause_.expires_at(paidUntil_);
+  pause_.async_wait([self = shared_from_this()](asio::error_code) {
+    if (!self->closed_) self->readMore();
+  });
 }
 
 void Connection::writeMore() {

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -14,7 +16,11 @@ namespace kelvora::server {
 /// One client's socket. It lives until the last of its operations has come back.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
-  static constexpr std::size_t longestQueue = std::size_t{1} << 20;  ///< bytes not yet taken by the client
+  using Clock = std::chrono::steady_clock;
+  static constexpr std::size_t longestQueue = std::size_t{256} << 10;  ///< bytes not yet taken by the client
+  /// Bytes taken from the client, with bursts of half a second's worth: more than a hundred times what the game sends.
+  /// Who sends more waits.
+  static constexpr std::size_t bytesPerSecond = std::size_t{64} << 10;
 
   struct Handlers {
     std::function<void(ClientId client, std::string_view text)> onFrame;
@@ -30,16 +36,24 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Ends the sending once the queue is empty. The client has until the next `close` to end the connection itself.
   void hangUp();
   void close(const std::string& reason);
+  /// When the client last sent anything.
+  Clock::time_point lastHeard() const { return lastHeard_; }
 
  private:
   void readMore();
+  /// Reads on at once, or as soon as so many bytes more may be taken.
+  void readMoreAfter(std::size_t size);
   void writeMore();
 
   asio::ip::tcp::socket socket_;
   const ClientId client_;
   Handlers handlers_;
   FrameReader reader_;
-  std::array<char, 8192> arrived_;
+  // Small, so that those who flood the server take turns with those who do not.
+  std::array<char, 2048> arrived_;
+  asio::steady_timer pause_;
+  Clock::time_point lastHeard_ = Clock::now();
+  Clock::time_point paidUntil_;
   std::string underWay_;  // handed to the socket
   std::string queued_;    // behind it
   bool hangingUp_ = false;

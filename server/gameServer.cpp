@@ -1,6 +1,8 @@
 #include "server/gameServer.h"
 
+#include <algorithm>
 #include <random>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -11,7 +13,7 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr auto tickInterval = std::chrono::milliseconds(100);
+constexpr auto tickInterval = std::chrono::milliseconds(40);
 constexpr Millis goodbyeTime = 2'000;  // for a client to take the last words
 
 std::unique_ptr<WebServer> startWeb(const Options& options) {
@@ -85,26 +87,48 @@ void GameServer::acceptMore() {
 }
 
 void GameServer::welcome(asio::ip::tcp::socket socket) {
-  if (connections_.size() >= mostConnections) return;  // the socket closes with this scope
+  asio::error_code error;
+  const auto peer = socket.remote_endpoint(error);
+  if (error) return;  // gone already; the socket closes with this scope
+  const std::string network = networkOf(peer.address());
+  if (!door_.admits(network, now())) return log_("turned away " + network + ": too many connections");
+  if (connections_.size() >= mostConnections && !makeRoom()) {
+    door_.left(network);
+    return log_("turned away " + network + ": no room");
+  }
   const ClientId client = ++lastClient_;
-  const Connection::Handlers handlers{.onFrame =
-                                          [this](ClientId from, std::string_view text) {
-                                            arena_.received(from, text, now());
-                                            publish();
-                                          },
-                                      .onClosed =
-                                          [this](ClientId gone, const std::string& reason) {
-                                            connections_.erase(gone);
-                                            hungUp_.erase(gone);
-                                            log_("client " + std::to_string(gone) + " closed: " + reason);
-                                            arena_.disconnected(gone);
-                                            publish();
-                                            if (stopped_ && connections_.empty()) finishStop();
-                                          }};
+  const Connection::Handlers handlers{
+      .onFrame =
+          [this](ClientId from, std::string_view text) {
+            arena_.received(from, text, now());
+            publish();
+          },
+      .onClosed = [this, network](ClientId gone, const std::string& reason) { closed(gone, network, reason); }};
   const auto connection = std::make_shared<Connection>(std::move(socket), client, handlers);
   connections_.emplace(client, connection);
+  log_("client " + std::to_string(client) + " comes from " + peer.address().to_string());
   arena_.connected(client, now());
   connection->start();
+}
+
+void GameServer::closed(ClientId client, const std::string& network, const std::string& reason) {
+  connections_.erase(client);
+  hungUp_.erase(client);
+  door_.left(network);
+  log_("client " + std::to_string(client) + " closed: " + reason);
+  arena_.disconnected(client);
+  publish();
+  if (stopped_ && connections_.empty()) finishStop();
+}
+
+bool GameServer::makeRoom() {
+  std::set<ClientId> players;
+  for (const PlayerView& player : arena_.players(now())) players.insert(player.client);
+  const auto oldest =
+      std::ranges::find_if(connections_, [&](const auto& entry) { return !players.contains(entry.first); });
+  if (oldest == connections_.end()) return false;
+  oldest->second->close("makes room");
+  return true;
 }
 
 void GameServer::tickMore() {
@@ -113,6 +137,10 @@ void GameServer::tickMore() {
     if (error || stopped_) return;
     arena_.tick(now());
     if (web_) web_->dropOverdue(WebServer::Clock::now());
+    const auto quietSince = Connection::Clock::now() - longestSilence;
+    for (const auto& [client, connection] : connections_) {
+      if (connection->lastHeard() < quietSince) connection->close("silent for too long");
+    }
     for (const auto& [client, since] : hungUp_) {
       if (now() - since >= goodbyeTime) connections_.at(client)->close("hung up on");
     }

@@ -12,6 +12,7 @@
 
 #include "server/arena.h"
 #include "server/connection.h"
+#include "server/door.h"
 #include "server/options.h"
 #include "server/webServer.h"
 
@@ -21,6 +22,7 @@ namespace kelvora::server {
 class GameServer : private ArenaOutput {
  public:
   static constexpr std::size_t mostConnections = 64;
+  static constexpr std::chrono::seconds longestSilence{120};  ///< the game sends its position all the time
 
   /// Listens at once; an address that is no good throws std::system_error.
   GameServer(asio::io_context& context, const Options& options, std::function<void(const std::string&)> log);
@@ -41,6 +43,9 @@ class GameServer : private ArenaOutput {
 
   void acceptMore();
   void welcome(asio::ip::tcp::socket socket);
+  void closed(ClientId client, const std::string& network, const std::string& reason);
+  /// Of the connections that have not logged in, closes the oldest; false if there is none.
+  bool makeRoom();
   void tickMore();
   void closeAll();
   void finishStop();
@@ -57,6 +62,7 @@ class GameServer : private ArenaOutput {
   std::unique_ptr<WebServer> web_;  // null if none was asked for
   std::map<ClientId, std::shared_ptr<Connection>> connections_;
   std::map<ClientId, Millis> hungUp_;  // since when
+  Door door_;
   ClientId lastClient_ = 0;
   std::optional<std::size_t> publishedPlayers_;
   bool isAccepting_ = true;

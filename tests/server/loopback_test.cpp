@@ -107,12 +107,12 @@ TEST_F(Loopback, AFloodIsThinnedOutAndTheServerStaysThere) {
   bob.login("Bob");
   bob.readUntil(wire::msgLoginAccepted);
   std::string flood;
-  for (int i = 0; i < 20'000; ++i) flood += wire::buildFrame(wire::msgPositionReport, {"1", "2"});
+  for (int i = 0; i < 8'000; ++i) flood += wire::buildFrame(wire::msgPositionReport, {"1", "2"});
   ann.write(flood);
   ann.say(wire::msgChat, {"-1", "end"});
   bob.readUntil(wire::msgChat);
   EXPECT_GE(bob.skipped, 50);
-  EXPECT_LT(bob.skipped, 5'000) << "a burst, and a hundred for each second that this took";
+  EXPECT_LT(bob.skipped, 2'000) << "a burst, and a hundred for each second that this took";
 }
 
 TEST_F(Loopback, EarlyHangUpsDisturbNobody) {
@@ -145,15 +145,6 @@ TEST_F(Loopback, WhatIsNoFrameEndsTheConnection) {
     EXPECT_EQ(stranger.read(), "");
     EXPECT_TRUE(stranger.isCutOff());
   }
-}
-
-TEST_F(Loopback, TheSixtyFifthConnectionIsClosedAtOnce) {
-  std::vector<std::unique_ptr<Client>> crowd;
-  for (int i = 0; i < 64; ++i) crowd.push_back(std::make_unique<Client>(port()));
-  Client oneTooMany(port());
-  EXPECT_TRUE(oneTooMany.isCutOff());
-  crowd[63]->login("Last");
-  EXPECT_NE(crowd[63]->readUntil(wire::msgLoginAccepted), "nothing");
 }
 
 TEST(ServerConnection, AClientThatNeverReadsIsDropped) {

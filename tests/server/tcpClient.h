@@ -18,11 +18,14 @@ namespace kelvora::server {
 /// A blocking client on the loopback interface that gives up after five seconds of silence.
 class TcpClient {
  public:
-  explicit TcpClient(std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
+  /// `host` is the last byte of the address that it comes from, 127.0.0.`host`.
+  explicit TcpClient(std::uint16_t port, std::uint32_t host = 1) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
     const timeval patience{5, 0};
     ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     sockaddr_in address{};
     address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK - 1 + host);
+    EXPECT_EQ(::bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     EXPECT_EQ(::connect(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
@@ -36,6 +39,17 @@ class TcpClient {
   bool tryWrite(const std::string& bytes) {
     return ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
   }
+  /// Writes what the other side takes at once, and says how many bytes that were; -1 if the connection has ended.
+  ssize_t push(const std::string& bytes) {
+    return ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  }
+  /// What the other side does not take, this one does not take either.
+  void keepLittleUnsent() {
+    const int size = 16 << 10;
+    ::setsockopt(socket_, SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
+  }
+  /// Ends the sending; the server then ends the rest.
+  void finish() { ::shutdown(socket_, SHUT_WR); }
   /// Everything up to the end of the connection, which must come.
   std::string readToEnd() {
     std::string all;
