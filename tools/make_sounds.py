@@ -9,11 +9,11 @@ import tempfile
 
 sys.dont_write_bytecode = True  # the source tree holds sources only
 
-from sounds import effects, music
+from sounds import effects, pieces
 from sounds.synth import write_wave
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-BIT_RATE = 96  # kbit/s: each piece stays below a megabyte
+BIT_RATE = 112  # kbit/s on the average: a piece takes about a megabyte
 
 
 def make_effects(folder):
@@ -23,12 +23,12 @@ def make_effects(folder):
 
 
 def make_music(folder, chosen):
-    for name, samples in music.all_pieces(chosen):
+    for name, samples in pieces.all_pieces(chosen):
         with tempfile.TemporaryDirectory() as temporary:
             wave = pathlib.Path(temporary) / "piece.wav"
             write_wave(wave, samples)
             target = folder / f"{name}.mp3"
-            options = ["--quiet", "-q", "2", "-m", "j", "-b", str(BIT_RATE), "--resample", "44.1", "--lowpass", "14"]
+            options = ["--quiet", "-q", "2", "-m", "j", "--abr", str(BIT_RATE), "--scale", "1.0001", "--lowpass", "16"]
             subprocess.run(["lame", *options, str(wave), str(target)], check=True)
         print(target)
 

@@ -5,7 +5,7 @@
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libasio-dev libmicrohttpd-dev
   libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-format clang-tidy python3
-  xvfb xdotool openbox x11-utils imagemagick"
+  python3-numpy mpg123 xvfb xdotool openbox x11-utils imagemagick"
 
 say() { printf '==> %s\n' "$*"; }
 fail() {

@@ -12,9 +12,14 @@ def seconds(length):
     return np.arange(int(round(length * RATE))) / RATE
 
 
-def phase(frequency):
+def frequency(note):
+    """Of a note by its number; 69 is the a of 440."""
+    return 440 * 2 ** ((note - 69) / 12)
+
+
+def phase(pitch):
     """The phase of a tone whose frequency is given sample by sample."""
-    return 2 * np.pi * np.cumsum(frequency) / RATE
+    return 2 * np.pi * np.cumsum(pitch) / RATE
 
 
 def sweep(start, end, time, speed=4.0):
@@ -23,27 +28,74 @@ def sweep(start, end, time, speed=4.0):
     return start * (end / start) ** progress
 
 
-def harmonics(frequency, amplitudes, time):
+def harmonics(pitch, amplitudes, time):
     """A steady tone from its partials, those beyond 16 kHz left out."""
-    result = np.zeros_like(time)
-    for number, amplitude in enumerate(amplitudes, start=1):
-        if amplitude and frequency * number < 16000:
-            result += amplitude * np.sin(2 * np.pi * frequency * number * time)
+    return partials(2 * np.pi * pitch * time,
+                    [a if pitch * n < 16000 else 0 for n, a in enumerate(amplitudes, start=1)])
+
+
+def partials(turn, gains):
+    """A tone of a given phase from the gains of its partials, each a number or one for every sample."""
+    step = np.exp(1j * turn)
+    wheel = np.ones_like(step)
+    result = np.zeros(len(turn))
+    for gain in gains:
+        wheel = wheel * step
+        if np.ndim(gain) or gain:
+            result += gain * wheel.imag
     return result
+
+
+def saw(pitch, time, cut, resonance=0.0, start=0.0, odd=False):
+    """A sawtooth (or a square, of odd partials alone) behind a low-pass filter of two poles, without aliases.
+
+    Pitch and cut-off frequency are numbers or one for every sample; start is the phase at the beginning."""
+    pitch = np.broadcast_to(np.asarray(pitch, float), time.shape)
+    cut = np.broadcast_to(np.asarray(cut, float), time.shape)
+    ratio = pitch / cut
+    fourth = ratio**4
+    last = int(min(14000 / pitch.max(), 6 * cut.max() / pitch.min(), 90)) + 1
+    gains = []
+    for number in range(1, last + 1):
+        if odd and number % 2 == 0:
+            gains.append(0)
+            continue
+        gain = 1 / (number * np.sqrt(1 + number**4 * fourth))
+        if resonance:
+            gain = gain * (1 + resonance / (1 + ((number * ratio - 1) / 0.22) ** 2))
+        gains.append(gain)
+    return partials(phase(pitch) + start, gains)
 
 
 def noise(count, seed):
     return np.random.default_rng(seed).uniform(-1, 1, count)
 
 
-def band(samples, low, high):
+def band(samples, low, high, order=4):
     """Lets pass what lies between two frequencies, with soft shoulders."""
     spectrum = np.fft.rfft(samples)
-    frequency = np.fft.rfftfreq(len(samples), 1 / RATE)
-    gain = 1 / (1 + (frequency / high) ** 4)
+    bins = np.fft.rfftfreq(len(samples), 1 / RATE)
+    gain = 1 / (1 + (bins / high) ** order)
     if low > 0:
-        gain *= 1 - 1 / (1 + (frequency / low) ** 4)
+        gain *= 1 - 1 / (1 + (bins / low) ** order)
     return np.fft.irfft(spectrum * gain, len(samples))
+
+
+def moving_band(samples, centre, octaves):
+    """Lets pass a band whose centre moves: a frequency for every sample, and the band's width in octaves."""
+    frame, hop = 1024, 256
+    padded = np.concatenate([np.zeros(frame), samples, np.zeros(2 * frame)])
+    starts = np.arange(0, len(padded) - frame, hop)
+    window = np.sin(np.pi * (np.arange(frame) + 0.5) / frame)
+    frames = padded[starts[:, None] + np.arange(frame)] * window
+    middles = np.clip(starts - frame // 2, 0, len(samples) - 1)
+    bins = np.maximum(np.fft.rfftfreq(frame, 1 / RATE), 20)
+    distance = np.log2(bins[None, :] / centre[middles][:, None]) / (octaves / 2)
+    frames = np.fft.irfft(np.fft.rfft(frames) * np.exp(-0.5 * distance**2), frame) * window
+    result = np.zeros(len(padded))
+    for start, part in zip(starts, frames):
+        result[start:start + frame] += part
+    return result[frame:frame + len(samples)] * 0.5
 
 
 def strike(time, attack, decay):
@@ -63,19 +115,9 @@ def faded(samples, start=0.003, end=0.02):
     """Begins and ends in silence, so that nothing clicks."""
     result = samples.copy()
     first, last = int(start * RATE), int(end * RATE)
-    result[:first] *= np.sin(np.linspace(0, np.pi / 2, first)) ** 2
-    result[-last:] *= np.cos(np.linspace(0, np.pi / 2, last)) ** 2
+    result[..., :first] *= np.sin(np.linspace(0, np.pi / 2, first)) ** 2
+    result[..., -last:] *= np.cos(np.linspace(0, np.pi / 2, last)) ** 2
     return result
-
-
-def loudness(samples):
-    """Root mean square of the loudest tenth of a second, as far as it is heard: lows and highs count less."""
-    heard = band(samples, 150, 6000)
-    window = int(0.1 * RATE)
-    energy = np.cumsum(np.concatenate([[0.0], heard**2]))
-    if len(heard) <= window:
-        return np.sqrt(energy[-1] / window)
-    return np.sqrt(np.max(energy[window:] - energy[:-window]) / window)
 
 
 def rounded_off(samples, ceiling):
@@ -85,6 +127,27 @@ def rounded_off(samples, ceiling):
     over = np.maximum(size - knee, 0)
     room = ceiling - knee
     return np.sign(samples) * (np.minimum(size, knee) + room * np.tanh(over / room))
+
+
+def room_response(length, seed, low=180, high=6000):
+    """How a room answers: a few early reflections, then noise whose highs die first; 60 dB down after its length."""
+    time = seconds(length)
+    grain = noise(len(time), seed)
+    bright = band(grain, 1400, high) * np.exp(-6.9 * time / (0.55 * length))
+    dark = band(grain, low, 1400) * np.exp(-6.9 * time / length)
+    answer = (bright + dark) * np.clip(time / 0.02, 0, 1)
+    chance = np.random.default_rng(seed + 1000)
+    for place in chance.uniform(0.007, 0.045, 7):
+        answer[int(place * RATE)] += chance.choice([-1, 1]) * 1.6 * np.exp(-place / 0.03)
+    answer = band(answer, low, high)
+    return answer / np.sqrt(np.sum(answer**2))
+
+
+def convolved(samples, response):
+    """Both, one after the other, at full length."""
+    count = len(samples) + len(response) - 1
+    size = 1 << (count - 1).bit_length()
+    return np.fft.irfft(np.fft.rfft(samples, size) * np.fft.rfft(response, size), size)[:count]
 
 
 def write_wave(path, samples):

@@ -30,7 +30,7 @@ class SoundingGame : public ::testing::Test {
     for (const auto& entry : fs::directory_iterator(source / "sounds")) {
       const fs::path copy = folder_.path() / "sounds" / entry.path().filename();
       fs::copy_file(entry.path(), copy);
-      if (copy.extension() == ".mp3") fs::resize_file(copy, 6'000);  // 96 kbit/s
+      if (copy.extension() == ".mp3") fs::resize_file(copy, 6'000);  // about 112 kbit/s
     }
     environment_.set("QT_QPA_PLATFORM", "offscreen");
     environment_.set("KELVORA_DATA", folder_.path().string());
