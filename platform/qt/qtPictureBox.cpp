@@ -1,7 +1,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <cmath>
 
 #include "platform/pictureBox.h"
 #include "platform/qt/inputEvents.h"
@@ -25,9 +24,7 @@ class PictureBoxWidget : public ControlWidget {
     QPainter painter(this);
     const QImage image(reinterpret_cast<const uchar*>(box_.pixels().data()), box_.pixelWidth(), box_.pixelHeight(),
                        QImage::Format_RGB32);
-    // On a screen whose scale is no whole number, pixels of the game would be one or two of the screen's by chance.
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, devicePixelRatio() != std::floor(devicePixelRatio()));
-    painter.drawImage(event->rect(), image, event->rect());
+    drawPixels(painter, image, event->rect());
   }
 
   void mousePressEvent(QMouseEvent* event) override {

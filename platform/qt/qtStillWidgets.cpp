@@ -68,9 +68,9 @@ class ImageWidget : public ControlWidget {
     const PicturePointer& picture = image_.Picture.get();
     if (!picture) return;
     QPainter painter(this);
-    painter.drawImage(0, 0,
-                      QImage(reinterpret_cast<const uchar*>(picture->pixels.data()), picture->width, picture->height,
-                             QImage::Format_RGB32));
+    const QImage image(reinterpret_cast<const uchar*>(picture->pixels.data()), picture->width, picture->height,
+                       QImage::Format_RGB32);
+    drawPixels(painter, image, image.rect());
   }
 
  private:

@@ -1,6 +1,7 @@
 #include "platform/qt/widgetPeer.h"
 
 #include <QMouseEvent>
+#include <cmath>
 
 #include "platform/checkBox.h"
 #include "platform/grid.h"
@@ -21,6 +22,12 @@ void drawBorder(QPainter& painter, const QRect& place, const QColor& colour) {
   painter.fillRect(QRect(place.left(), place.bottom(), place.width(), 1), colour);
   painter.fillRect(QRect(place.left(), place.top(), 1, place.height()), colour);
   painter.fillRect(QRect(place.right(), place.top(), 1, place.height()), colour);
+}
+
+void drawPixels(QPainter& painter, const QImage& picture, const QRect& part) {
+  const double scale = painter.deviceTransform().m11();
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, scale != std::floor(scale));
+  painter.drawImage(part, picture, part);
 }
 
 ControlWidget::ControlWidget(Control& control, QWidget* parent) : QWidget(parent), control_(control) {

@@ -31,6 +31,10 @@ QRect pixelPlace(const Control& control);
 /// there, the left and the upper one lie half outside.
 void drawBorder(QPainter& painter, const QRect& place, const QColor& colour);
 
+/// Copies `part` of the picture to the same place. Where the screen's scale is no whole number, its pixels are blended;
+/// otherwise each would be one or two of the screen's by chance.
+void drawPixels(QPainter& painter, const QImage& picture, const QRect& part);
+
 /// A widget for a control that the game draws or that the desktop has no native counterpart for. Turns the mouse into
 /// the control's events; while a button is held moves and the release come from outside too.
 class ControlWidget : public QWidget {
