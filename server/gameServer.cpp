@@ -1,6 +1,7 @@
 #include "server/gameServer.h"
 
 #include <algorithm>
+#include <asio/post.hpp>
 #include <random>
 #include <set>
 #include <utility>
@@ -19,7 +20,16 @@ constexpr Millis goodbyeTime = 2'000;  // for a client to take the last words
 std::unique_ptr<WebServer> startWeb(const Options& options) {
   if (!options.webPort) return nullptr;
   const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
-  return std::make_unique<WebServer>(address, *options.webPort, versionText());
+  return std::make_unique<WebServer>(address, *options.webPort, versionText(), options.listKey);
+}
+
+/// Its words go to the log on the context's thread.
+std::unique_ptr<Publisher> startPublisher(asio::io_context& context, const Options& options,
+                                          const std::function<void(const std::string&)>& log) {
+  if (options.publishUrl.empty()) return nullptr;
+  return std::make_unique<Publisher>(
+      options.publishUrl, options.publishKey, versionText(),
+      [&context, log](const std::string& line) { asio::post(context, [log, line] { log(line); }); });
 }
 
 }  // namespace
@@ -30,7 +40,8 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
       acceptor_(listenOn(context, options.address, options.port)),
       timer_(context),
       arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),
-      web_(startWeb(options)) {
+      web_(startWeb(options)),
+      publisher_(startPublisher(context, options, log_)) {
   publish();
   acceptMore();
   tickMore();
@@ -44,6 +55,7 @@ void GameServer::stop(std::function<void()> whenDone) {
   asio::error_code ignored;
   acceptor_.close(ignored);
   web_.reset();
+  if (publisher_) publisher_->signOff();
   const std::string goodbye = wire::buildFrame(wire::msgServerText, {"The server is shutting down."});
   for (const PlayerView& player : arena_.players(now())) send(player.client, goodbye);
   for (const auto& [client, connection] : connections_) connection->hangUp();
@@ -150,14 +162,17 @@ void GameServer::tickMore() {
 }
 
 void GameServer::publish() {
-  if (!web_ || publishedPlayers_ == arena_.playerCount()) return;
+  if ((!web_ && !publisher_) || stopped_ || publishedPlayers_ == arena_.playerCount()) return;
   publishedPlayers_ = arena_.playerCount();
-  web_->publish({.address = options_.publicAddress.empty() ? options_.address : options_.publicAddress,
+  HostEntry host{.address = options_.publicAddress,
                  .port = port(),
                  .passwordRequired = !options_.password.empty(),
                  .notes = options_.notes,
                  .players = *publishedPlayers_,
-                 .maxPlayers = Arena::colourCount});
+                 .maxPlayers = Arena::colourCount};
+  if (publisher_) publisher_->publish(host);  // without an address it is the one that the list sees it come from
+  if (host.address.empty()) host.address = options_.address;
+  if (web_) web_->publish(std::move(host));
 }
 
 Millis GameServer::now() const {

@@ -14,6 +14,7 @@
 #include "server/connection.h"
 #include "server/door.h"
 #include "server/options.h"
+#include "server/publisher.h"
 #include "server/webServer.h"
 
 namespace kelvora::server {
@@ -49,7 +50,7 @@ class GameServer : private ArenaOutput {
   void tickMore();
   void closeAll();
   void finishStop();
-  /// Tells the web server how many players there are, if that has changed.
+  /// Tells the lists how many players there are, if that has changed.
   void publish();
   Millis now() const;
 
@@ -59,7 +60,8 @@ class GameServer : private ArenaOutput {
   asio::steady_timer timer_;
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   Arena arena_;
-  std::unique_ptr<WebServer> web_;  // null if none was asked for
+  std::unique_ptr<WebServer> web_;        // null if none was asked for
+  std::unique_ptr<Publisher> publisher_;  // likewise
   std::map<ClientId, std::shared_ptr<Connection>> connections_;
   std::map<ClientId, Millis> hungUp_;  // since when
   Door door_;

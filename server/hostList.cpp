@@ -8,7 +8,9 @@ namespace {
 
 constexpr std::string_view endMark = "-END-";
 
-/// Clients look for the end mark anywhere, and cut records at these characters wherever they stand.
+}  // namespace
+
+// Clients look for the end mark anywhere, and cut records at these characters wherever they stand.
 std::string recordText(std::string_view text) {
   std::string field(text);
   std::ranges::replace_if(
@@ -22,8 +24,6 @@ std::string recordText(std::string_view text) {
   return field;
 }
 
-}  // namespace
-
 bool matches(const HostEntry& host, std::string_view version, const HostQuery& query) {
   return query.version == version && (query.withPassword || !host.passwordRequired) &&
          (query.withFull || host.players < host.maxPlayers) && (query.withEmpty || host.players > 0);
@@ -35,9 +35,10 @@ std::string hostRecord(const HostEntry& host) {
          "]";
 }
 
-std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query) {
+std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query,
+                     const std::string& others) {
   const std::string records = matches(host, version, query) ? hostRecord(host) + "\n" : "";
-  return records + std::string(endMark) + "\n";
+  return records + others + std::string(endMark) + "\n";
 }
 
 std::string updateFile(std::string_view version) {

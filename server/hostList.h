@@ -25,14 +25,17 @@ struct HostQuery {
   bool withEmpty = true;
 };
 
+/// Without what a record is made of, and what would end the list too early; blanks stand in its place.
+std::string recordText(std::string_view text);
+
 bool matches(const HostEntry& host, std::string_view version, const HostQuery& query);
 
-/// "[address|port|password|notes|players|maxPlayers]", the password being 0 or 1. What a record is made of, and what
-/// would end the list too early, is taken out of the texts.
+/// "[address|port|password|notes|players|maxPlayers]", the password being 0 or 1.
 std::string hostRecord(const HostEntry& host);
 
-/// The body of the answer: one record, or none if the host does not match, and the end mark.
-std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query);
+/// The body of the answer: the record of the host if that matches, the lines of the others, and the end mark.
+std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query,
+                     const std::string& others = {});
 
 /// The body of the file that clients compare their version with.
 std::string updateFile(std::string_view version);

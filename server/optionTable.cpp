@@ -57,6 +57,13 @@ const std::array table = {
     Option{"notes", "TEXT", "what the list says about this server (nothing)",
            Text([](Options& o) -> std::string& { return o.notes; }), 0, longestNotes},
 
+    Option{"list-key", "KEY", "what other servers must give to be in the list served here (none)",
+           Text([](Options& o) -> std::string& { return o.listKey; }), 0, longestText},
+    Option{"publish", "URL", "the host of a list where this server announces itself, http://HOST:PORT (none)",
+           Text([](Options& o) -> std::string& { return o.publishUrl; }), 0, longestText},
+    Option{"publish-key", "KEY", "the key of that list (none)",
+           Text([](Options& o) -> std::string& { return o.publishKey; }), 0, longestText},
+
     heading("Besides:"),
     Option{"config", "FILE", "read options from lines \"name = value\"; the command line wins (none)",
            Text([](Options& o) -> std::string& { return o.config; }), 1, longestPath},

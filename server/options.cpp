@@ -52,9 +52,7 @@ void takeArguments(Options& options, std::span<const char* const> arguments) {
   }
 }
 
-}  // namespace
-
-Options parseOptions(std::span<const char* const> arguments) {
+Options parse(std::span<const char* const> arguments) {
   Options options;
   takeArguments(options, arguments);
   if (!options.error.empty() || options.config.empty()) return options;
@@ -63,6 +61,17 @@ Options parseOptions(std::span<const char* const> arguments) {
       options.config, [&](std::string_view name, const std::string& value) { return takeLine(withFile, name, value); });
   takeArguments(withFile, arguments);
   return withFile;
+}
+
+}  // namespace
+
+Options parseOptions(std::span<const char* const> arguments) {
+  Options options = parse(arguments);
+  const std::string& url = options.publishUrl;
+  if (options.error.empty() && !url.empty() && !url.starts_with("http://") && !url.starts_with("https://")) {
+    options.error = "the address to publish at must begin with http:// or https://";
+  }
+  return options;
 }
 
 std::string helpText() {

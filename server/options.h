@@ -19,6 +19,9 @@ struct Options {
   std::string webAddress;                ///< empty: `address`
   std::string publicAddress;             ///< empty: `address`
   std::string notes;
+  std::string listKey;     ///< that others must give to be listed here; empty: none
+  std::string publishUrl;  ///< of the list's host; empty: no list but its own
+  std::string publishKey;
   std::string config;  ///< the file that was read; empty: none
   bool help = false;
   bool version = false;

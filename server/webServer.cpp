@@ -3,12 +3,17 @@
 #include <microhttpd.h>
 #include <sys/socket.h>
 
+#include <asio/ip/tcp.hpp>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 
+#include "server/announcement.h"
+#include "server/door.h"
+#include "server/hostRegistry.h"
 #include "server/listen.h"
 
 namespace kelvora::server {
@@ -18,7 +23,10 @@ namespace {
 struct Answer {
   unsigned int status = MHD_HTTP_OK;
   std::string body;
+  const char* methods = "GET, HEAD";  ///< that are allowed, if this one was not
 };
+
+constexpr std::string_view bearer = "Bearer ";
 
 /// A value of the query; empty if it is not there.
 std::string argument(MHD_Connection* connection, std::string_view name) {
@@ -35,6 +43,52 @@ HostQuery hostQuery(MHD_Connection* connection) {
           .withEmpty = argument(connection, "empty") != "0"};
 }
 
+std::string authorization(MHD_Connection* connection) {
+  const char* value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_AUTHORIZATION);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+/// In a time that does not tell where they differ.
+bool isSame(std::string_view one, std::string_view other) {
+  if (one.size() != other.size()) return false;
+  int difference = 0;
+  for (std::size_t i = 0; i < one.size(); ++i) difference |= one[i] ^ other[i];
+  return difference == 0;
+}
+
+asio::ip::address peerOf(MHD_Connection* connection) {
+  const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+  if (info == nullptr || info->client_addr == nullptr) return {};
+  asio::ip::tcp::endpoint peer;
+  const bool isV6 = info->client_addr->sa_family == AF_INET6;
+  std::memcpy(peer.data(), info->client_addr, isV6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in));
+  return peer.address();
+}
+
+/// An IPv4 address in IPv6 clothes as the IPv4 address, and no interface behind the address.
+std::string addressText(const asio::ip::address& address) {
+  if (address.is_v4()) return address.to_string();
+  const asio::ip::address_v6 bare(address.to_v6().to_bytes());
+  return bare.is_v4_mapped() ? asio::ip::make_address_v4(asio::ip::v4_mapped, bare).to_string() : bare.to_string();
+}
+
+Answer answerOf(HostRegistry::Answer answer) {
+  switch (answer) {
+    case HostRegistry::Answer::anothers:
+      return {MHD_HTTP_CONFLICT, "That address and port have been published by another host.\n"};
+    case HostRegistry::Answer::tooManyOfNetwork:
+      return {MHD_HTTP_TOO_MANY_REQUESTS, "Too many servers have been published from your address.\n"};
+    case HostRegistry::Answer::full:
+      return {MHD_HTTP_SERVICE_UNAVAILABLE, "The list is full.\n"};
+    default:
+      return {MHD_HTTP_OK, "Done.\n"};
+  }
+}
+
+Millis millis(WebServer::Clock::time_point time) {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
+}
+
 MHD_Result queue(MHD_Connection* connection, const Answer& answer) {
   MHD_Response* response = MHD_create_response_from_buffer(answer.body.size(), const_cast<char*>(answer.body.data()),
                                                            MHD_RESPMEM_MUST_COPY);  // copied, so not written to
@@ -44,7 +98,7 @@ MHD_Result queue(MHD_Connection* connection, const Answer& answer) {
   // A client that asked to keep the connection sends nothing more on it; the update check waits for its end.
   MHD_add_response_header(response, MHD_HTTP_HEADER_CONNECTION, "close");
   if (answer.status == MHD_HTTP_METHOD_NOT_ALLOWED)
-    MHD_add_response_header(response, MHD_HTTP_HEADER_ALLOW, "GET, HEAD");
+    MHD_add_response_header(response, MHD_HTTP_HEADER_ALLOW, answer.methods);
   const MHD_Result result = MHD_queue_response(connection, answer.status, response);
   MHD_destroy_response(response);
   return result;
@@ -54,16 +108,39 @@ MHD_Result queue(MHD_Connection* connection, const Answer& answer) {
 
 struct WebServer::State {
   const std::string version;
+  const std::string key;
   std::string endpoint;
   MHD_Daemon* daemon = nullptr;
 
   std::mutex mutex;  // of what follows
   HostEntry host;
+  HostRegistry registry;
   std::map<MHD_socket, Clock::time_point> connections;  // by their sockets, since when
 
-  explicit State(std::string itsVersion) : version(std::move(itsVersion)) {}
+  State(std::string itsVersion, std::string itsKey) : version(std::move(itsVersion)), key(std::move(itsKey)) {}
+
+  Answer announce(MHD_Connection* connection, bool isGoodbye) {
+    if (!key.empty() && !isSame(authorization(connection), std::string(bearer) + key)) {
+      return {MHD_HTTP_FORBIDDEN, "This list asks for its key.\n"};
+    }
+    Announcement announcement;
+    const std::string fault =
+        readAnnouncement([connection](std::string_view name) { return argument(connection, name); }, announcement);
+    if (!fault.empty()) return {MHD_HTTP_BAD_REQUEST, "This is not fit for the list: " + fault + "\n"};
+    const asio::ip::address peer = peerOf(connection);
+    if (announcement.host.address.empty()) announcement.host.address = addressText(peer);
+    const Millis now = millis(Clock::now());
+    const std::lock_guard lock(mutex);
+    return answerOf(isGoodbye ? registry.withdraw(networkOf(peer), announcement.host, now)
+                              : registry.announce(networkOf(peer), announcement, now));
+  }
 
   Answer answer(MHD_Connection* connection, std::string_view method, std::string_view target) {
+    if (pathOf(target) == publishPath) {
+      if (method == MHD_HTTP_METHOD_POST) return announce(connection, false);
+      if (method == MHD_HTTP_METHOD_DELETE) return announce(connection, true);
+      return {MHD_HTTP_METHOD_NOT_ALLOWED, "Servers publish themselves here.\n", "POST, DELETE"};
+    }
     if (method != MHD_HTTP_METHOD_GET && method != MHD_HTTP_METHOD_HEAD) {
       return {MHD_HTTP_METHOD_NOT_ALLOWED, "Only GET is served here.\n"};
     }
@@ -72,7 +149,7 @@ struct WebServer::State {
     if (path != "/games/kelvora/gethosts.php") return {MHD_HTTP_NOT_FOUND, "There is nothing here.\n"};
     const HostQuery query = hostQuery(connection);
     const std::lock_guard lock(mutex);
-    return {MHD_HTTP_OK, hostList(host, version, query)};
+    return {MHD_HTTP_OK, hostList(host, version, query, registry.records(query, millis(Clock::now())))};
   }
 
   // The two calls from the daemon's thread.
@@ -97,8 +174,8 @@ struct WebServer::State {
   }
 };
 
-WebServer::WebServer(const std::string& address, std::uint16_t port, std::string version)
-    : state_(std::make_unique<State>(std::move(version))) {
+WebServer::WebServer(const std::string& address, std::uint16_t port, std::string version, std::string key)
+    : state_(std::make_unique<State>(std::move(version), std::move(key))) {
   asio::io_context context;
   asio::ip::tcp::acceptor acceptor = listenOn(context, address, port);
   acceptor.native_non_blocking(true);

@@ -9,8 +9,9 @@
 
 namespace kelvora::server {
 
-/// Serves the list of published games, which is this one alone, and the update file over HTTP, on a thread of its own.
-/// It answers one request a connection and reads no bodies. All calls are for one other thread.
+/// Serves the list of published games - this one, and those that announce themselves here - and the update file over
+/// HTTP, on a thread of its own. It answers one request a connection and reads no bodies. All calls are for one other
+/// thread.
 class WebServer {
  public:
   using Clock = std::chrono::steady_clock;
@@ -18,8 +19,9 @@ class WebServer {
   static constexpr std::size_t longestRequest = 4096;  ///< bytes, about, that a connection's memory holds
   static constexpr std::chrono::seconds timeLimit{5};  ///< of a connection from its first to its last byte
 
-  /// Listens at once; an address that is no good throws std::system_error. Port 0 is any free one.
-  WebServer(const std::string& address, std::uint16_t port, std::string version);
+  /// Listens at once; an address that is no good throws std::system_error. Port 0 is any free one. Who announces
+  /// himself must give the key, unless it is empty.
+  WebServer(const std::string& address, std::uint16_t port, std::string version, std::string key = {});
   /// Cuts off who is still connected.
   ~WebServer();
   WebServer(const WebServer&) = delete;

@@ -3,7 +3,7 @@
 
 # What the game needs to be built and played, and what the checks need besides.
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libasio-dev libmicrohttpd-dev
-  libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
+  libcurl4-openssl-dev libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-format clang-tidy python3
   python3-numpy mpg123 xvfb xdotool openbox x11-utils imagemagick"
 
