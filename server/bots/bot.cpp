@@ -12,6 +12,7 @@ namespace {
 
 constexpr int framesPerTick = 4;
 constexpr Millis askAgain = 5'000;
+constexpr Millis vertexLife = 2'000;
 
 std::string text(std::int16_t id, const std::vector<std::string>& fields) {
   const std::string frame = wire::buildFrame(id, fields);
@@ -44,7 +45,10 @@ void Bot::hear(std::string_view frame, Millis now) {
       return;
     case wire::msgTailCapture:
       if (fields.size() < 4) return;
-      if (isMine(0) && !isMine(1)) chatter_.notice(Occasion::capture, now);
+      if (isMine(0) && !isMine(1)) {
+        chatter_.notice(Occasion::capture, now);
+        mind_.triumph(now);
+      }
       if (isMine(1)) dooms_.push_back({number(fields[0]), {readNumber(fields[2]), readNumber(fields[3])}});
       return;
     case wire::msgRoundOver:
@@ -87,14 +91,19 @@ void Bot::rise(Millis now) {
 }
 
 void Bot::awaitDoom(const Sight& sight, Millis now) {
-  // A client shows a capture when the point of the tail that it names is gone; until then its player flies on.
-  const auto hasLanded = [&](const Doom& doom) {
+  // A client shows a capture when the point of the tail that it names ends, and at once if there is none; until then
+  // its player flies on. A winner who dies meanwhile changes nothing.
+  for (Doom& doom : dooms_) {
     const auto& players = sight.players();
     const auto winner = std::ranges::find(players, doom.winner, &PlayerView::node);
-    return winner == players.end() ||
-           std::ranges::none_of(winner->tail, [&](Place point) { return length(point - doom.vertex) < 0.01; });
-  };
-  if (!std::ranges::any_of(dooms_, hasLanded)) return;
+    if (winner == players.end()) continue;
+    const auto vertex =
+        std::ranges::find_if(winner->tail, [&](Place point) { return length(point - doom.vertex) < 0.01; });
+    if (vertex == winner->tail.end()) continue;
+    const Millis age = winner->isRunning[extendedTailSlot] ? 0 : (winner->tail.end() - vertex - 1) * Sight::step;
+    doom.landsAt = now + vertexLife - age;
+  }
+  if (!std::ranges::any_of(dooms_, [&](const Doom& doom) { return now >= doom.landsAt; })) return;
   chatter_.notice(Occasion::captured, now);
   die(now);
 }
@@ -131,7 +140,7 @@ void Bot::beDead(const BotView& view, const Say& say) {
   }
   if (view.now >= spawnAt_) {
     spawnAt_ = view.now + askAgain;
-    say(text(wire::msgSpawnRequest, {}));
+    say(text(wire::msgSpawnRequest, {""}));
   }
 }
 

@@ -34,6 +34,7 @@ class Bot {
   struct Doom {  // a capture of this bot that has yet to land
     std::int16_t winner;
     Place vertex;
+    Millis landsAt = 0;
   };
 
   void begin(double x, double y, Millis now);

@@ -15,10 +15,10 @@ struct Seen {
   std::int16_t node = 0;
   bool isAlive = false;
   Place position;
-  Place velocity;               ///< world units per ms
-  double turn = 0;              ///< radians per ms by which the velocity's direction changes
+  Place velocity;                 ///< world units per ms
+  double turn = 0;                ///< radians per ms by which the velocity's direction changes
   std::span<const Place> tail{};  ///< the oldest first
-  bool isTailCharged = false;   ///< some of it at least
+  bool isTailCharged = false;     ///< some of it at least
   std::array<bool, powerupSlotCount> isRunning{};
 };
 

@@ -42,7 +42,7 @@ std::optional<Closing> soonestClosing(std::span<const Place> tail, Place head, d
     const double ms = flightLength(tail[i] - head) / speed;
     if (!isExtended && age + ms > tailLife) break;
     // A loop needs more than a turn on the spot.
-    if (i + 3 > tail.size() || ms < earliest || ms > (best ? best->ms : latest)) continue;
+    if (i + 3 > tail.size() || ms < earliest || ms > latest || (best && ms >= best->ms)) continue;
     if (isOdd != rayMeets(prey, tail[i], head)) best = Closing{i, tail[i], ms};
   }
   if (best && best->vertex > 0) {

@@ -28,8 +28,8 @@ const Seen* find(const BotView& view, std::int16_t node) {
 }  // namespace
 
 void Mind::hunt(const BotView& view) {
-  if (skill_.foreseesTurns && closeLoop(view)) return;
   if (view.now < restsUntil_) return rest(view);
+  if (skill_.foreseesTurns && closeLoop(view)) return;
   if (loop_) {
     if (find(view, loop_->prey)) return flyLoop(view);
     endLoop(view);
@@ -86,8 +86,10 @@ void Mind::approach(const BotView& view, const Seen& prey) {
   const Place way = centre - view.position;
   if (length(way) < 1.15 * radius) {
     const double side = cross(towards(angle_), way) < 0 ? -1 : 1;
+    const Place miss = towards(between(-M_PI, M_PI)) * (between(0, skill_.aimError) * radius);
     loop_ = Loop{.prey = prey.node,
-                 .centre = centre,
+                 .centre = centre + miss,
+                 .miss = miss,
                  .radius = radius,
                  .side = side,
                  .lastAngle = angleOf(view.position - centre),
@@ -112,8 +114,8 @@ void Mind::flyLoop(const BotView& view) {
     const double left = roundTrip(loop.radius, pace) * std::max(0.1, 1 - loop.swept / (2 * M_PI));
     const Place wish =
         foreseen(prey, (left + static_cast<double>(view.delay)) * skill_.foresight, skill_.foreseesTurns);
-    const Place shift = heldInside(wish, loop.radius) - loop.centre;
-    const double most = 0.15 * loop.radius;
+    const Place shift = heldInside(wish + loop.miss, loop.radius) - loop.centre;
+    const double most = (skill_.foreseesTurns ? 0.15 : 0.06) * loop.radius;
     loop.centre = loop.centre + shift * std::min(1.0, most / std::max(1.0, length(shift)));
   }
   const Place arm = view.position - loop.centre;

@@ -31,6 +31,14 @@ Intent Mind::think(const BotView& view) {
           .powerup = view.isAlive ? choosePowerup(view) : std::nullopt};
 }
 
+void Mind::triumph(Millis now) {
+  loop_.reset();
+  goal_.reset();
+  prey_ = 0;
+  restsStill_ = false;
+  restsUntil_ = now + static_cast<Millis>(between(0.7, 1.5) * static_cast<double>(skill_.triumph));
+}
+
 void Mind::forget() {
   loop_.reset();
   prey_ = 0;

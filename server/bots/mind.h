@@ -26,6 +26,8 @@ class Mind {
   Intent think(const BotView& view);
   /// What to buy with the credits at hand; nothing if there is no need or no money.
   std::optional<int> wantsToBuy(const BotView& view);
+  /// It has captured somebody, which it enjoys for a while.
+  void triumph(Millis now);
   /// For a new life: nothing of the old one is gone on with.
   void forget();
 
@@ -36,6 +38,7 @@ class Mind {
   struct Loop {
     std::int16_t prey;
     Place centre;
+    Place miss;  // by which the centre is off
     double radius;
     double side;       // 1 or -1, the sense of turning
     double swept = 0;  // radians

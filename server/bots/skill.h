@@ -24,10 +24,12 @@ struct Skill {
   double smallestLoop;  ///< radius of the circle flown around an opponent, world units
   double largestLoop;
   double foresight;     ///< part of an opponent's way that is reckoned with, 0 to 1
+  double aimError;      ///< by which a circle misses the opponent, as a part of its radius at the most
   bool foreseesTurns;   ///< reckons with circles, too, and closes whatever loop there is to close
   double alertness;     ///< chance to notice a loop that is about to close around it
   Millis shortestRest;  ///< between two attempts
   Millis longestRest;
+  Millis triumph;                           ///< how long it enjoys a capture before it goes on
   double restThrottle;                      ///< while it rests
   std::array<bool, powerupSlotCount> uses;  ///< the powerups that it knows how to use
 };
