@@ -14,6 +14,7 @@ from sounds.synth import write_wave
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BIT_RATE = 112  # kbit/s on the average: a piece takes about a megabyte
+SCALE = 1 / 0.95  # the encoder turns everything down to 0.95 at a bit rate on the average
 
 
 def make_effects(folder):
@@ -28,8 +29,8 @@ def make_music(folder, chosen):
             wave = pathlib.Path(temporary) / "piece.wav"
             write_wave(wave, samples)
             target = folder / f"{name}.mp3"
-            options = ["--quiet", "-q", "2", "-m", "j", "--abr", str(BIT_RATE), "--scale", "1.0001", "--lowpass", "16"]
-            subprocess.run(["lame", *options, str(wave), str(target)], check=True)
+            options = ["-q", "2", "-m", "j", "--abr", f"{BIT_RATE}", "--scale", f"{SCALE:.4f}", "--lowpass", "16"]
+            subprocess.run(["lame", "--quiet", *options, str(wave), str(target)], check=True)
         print(target)
 
 

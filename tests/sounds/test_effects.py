@@ -1,4 +1,4 @@
-"""The nine effects: their files, how loud and how clean they are, that each is its own and has the shape of what it means."""
+"""The nine effects: their files, how loud and how clean they are, and that each has the shape of what it means."""
 
 import itertools
 import pathlib
@@ -18,11 +18,6 @@ class Measured(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.sounds = {name: effect(name) for name in EFFECTS}
-
-    def each(self):
-        for name, samples in self.sounds.items():
-            with self.subTest(name):
-                yield name, samples
 
     def part(self, name, first, last):
         """From one second to another."""
@@ -72,10 +67,11 @@ class Files(Measured):
                 self.assertEqual((file.getnchannels(), file.getsampwidth(), file.getframerate()), (1, 2, 44100))
 
     def test_last_as_long_as_their_kind_should(self):
-        for name, samples in self.each():
-            shortest, longest = self.SECONDS[name]
-            self.assertGreaterEqual(len(samples) / RATE, shortest)
-            self.assertLessEqual(len(samples) / RATE, longest)
+        for name, samples in self.sounds.items():
+            with self.subTest(name):
+                shortest, longest = self.SECONDS[name]
+                self.assertGreaterEqual(len(samples) / RATE, shortest)
+                self.assertLessEqual(len(samples) / RATE, longest)
 
     def test_are_what_the_program_makes(self):
         # One step of 16 bits may differ where another version of the mathematics rounds otherwise.
@@ -102,33 +98,39 @@ class Levels(Measured):
              "puLaser": -14.5, "capture": -13.5, "puMissile": -13.5}
 
     def test_are_heard_as_loud_as_their_kind_should(self):
-        for name, samples in self.each():
-            self.assertAlmostEqual(loudness.loudest(samples), self.HEARD[name], delta=0.5)
+        for name, samples in self.sounds.items():
+            with self.subTest(name):
+                self.assertAlmostEqual(loudness.loudest(samples), self.HEARD[name], delta=0.5)
 
     def test_stay_five_below_full_scale(self):
-        for _, samples in self.each():
-            self.assertLessEqual(measures.peak(samples), -5)
+        for name, samples in self.sounds.items():
+            with self.subTest(name):
+                self.assertLessEqual(measures.peak(samples), -5)
 
     def test_are_nowhere_flattened(self):
-        for _, samples in self.each():
-            top = np.abs(samples) > 0.999 * np.max(np.abs(samples))
-            longest = max((len(list(run)) for high, run in itertools.groupby(top) if high), default=0)
-            self.assertLess(longest, 12, "a quarter of a millisecond at the very top")
+        for name, samples in self.sounds.items():
+            with self.subTest(name):
+                top = np.abs(samples) > 0.999 * np.max(np.abs(samples))
+                longest = max((len(list(run)) for high, run in itertools.groupby(top) if high), default=0)
+                self.assertLess(longest, 12, "a quarter of a millisecond at the very top")
 
     def test_carry_no_direct_current(self):
-        for _, samples in self.each():
-            self.assertLess(abs(np.mean(samples)), 1e-4)
+        for name, samples in self.sounds.items():
+            with self.subTest(name):
+                self.assertLess(abs(np.mean(samples)), 1e-4)
 
     def test_begin_and_end_at_zero_without_a_click(self):
-        for _, samples in self.each():
-            self.assertEqual(samples[0], 0)
-            self.assertEqual(samples[-1], 0)
-            self.assertLess(np.max(np.abs(samples[:10])), 0.05)
-            self.assertLess(measures.peak(samples[-RATE // 500:]), -60, "the last two milliseconds")
+        for name, samples in self.sounds.items():
+            with self.subTest(name):
+                self.assertEqual(samples[0], 0)
+                self.assertEqual(samples[-1], 0)
+                self.assertLess(np.max(np.abs(samples[:10])), 0.05)
+                self.assertLess(measures.peak(samples[-RATE // 500:]), -60, "the last two milliseconds")
 
     def test_are_heard_within_fifty_milliseconds(self):
-        for _, samples in self.each():
-            self.assertLess(np.argmax(np.abs(samples) > 0.02) / RATE, 0.05)
+        for name, samples in self.sounds.items():
+            with self.subTest(name):
+                self.assertLess(np.argmax(np.abs(samples) > 0.02) / RATE, 0.05)
 
 
 class Kinds(Measured):
@@ -138,7 +140,8 @@ class Kinds(Measured):
                 self.assertGreater(measures.distance(self.sounds[one], self.sounds[other]), 8)
 
     def test_do_not_resemble_each_other_as_waves(self):
-        spectra = {name: np.fft.rfft(samples, 1 << 18) / np.linalg.norm(samples) for name, samples in self.sounds.items()}
+        spectra = {name: np.fft.rfft(samples, 1 << 18) / np.linalg.norm(samples)
+                   for name, samples in self.sounds.items()}
         for one, other in itertools.combinations(EFFECTS, 2):
             with self.subTest(f"{one} {other}"):
                 likeness = np.max(np.abs(np.fft.irfft(spectra[one] * spectra[other].conj())))

@@ -1,5 +1,7 @@
 """How loud something is heard: ITU-R BS.1770 with the gates of EBU R 128, in LUFS."""
 
+import functools
+
 import numpy as np
 
 from sounds.synth import RATE
@@ -10,8 +12,11 @@ def _biquad(bins, b, a):
     return (b[0] + b[1] * z + b[2] * z**2) / (a[0] + a[1] * z + a[2] * z**2)
 
 
-def ear(bins):
-    """What the standard's filter makes of each frequency: a shelf that lifts the highs, and the lowest taken away."""
+@functools.lru_cache(maxsize=3)
+def ear(size):
+    """What the standard's filter makes of each frequency of so many samples: a shelf that lifts the highs, and the
+    lowest taken away."""
+    bins = np.fft.rfftfreq(size, 1 / RATE)
     k = np.tan(np.pi * 1681.974450955533 / RATE)
     quality, high = 0.7071752369554196, 10 ** (3.999843853973347 / 20)
     middle = high**0.4996667741545416
@@ -27,8 +32,7 @@ def heard(samples):
     rows = np.atleast_2d(samples)
     count = rows.shape[1]
     size = 1 << (count + RATE // 2).bit_length()
-    gain = ear(np.fft.rfftfreq(size, 1 / RATE))
-    return np.array([np.fft.irfft(np.fft.rfft(row, size) * gain, size)[:count] for row in rows])
+    return np.array([np.fft.irfft(np.fft.rfft(row, size) * ear(size), size)[:count] for row in rows])
 
 
 def powers(samples, window, step):
