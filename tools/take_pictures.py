@@ -1,0 +1,325 @@
+#!/usr/bin/python3
+"""Takes the pictures of docs/images: plays the real program against the real server on a virtual screen. See README.md
+beside this file. take_pictures.py [--build build/release] [--output docs/images] [--only start,fight,store,finder]"""
+
+import argparse
+import contextlib
+import io
+import math
+import os
+import pathlib
+import random
+import re
+import socket
+import subprocess
+import sys
+import threading
+import time
+
+from PIL import Image
+
+sys.dont_write_bytecode = True  # the source tree holds sources only
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+
+TAIL_CAPTURE, SPAWN_REQUEST, RESPAWN = 141, 152, 154
+CANVAS = (763, 608)  # pixels, as designed
+EDGE = 9000  # world units; the pictures show no edge
+ITEMS = {"shield": 0, "charged": 2, "laser": 4}
+
+
+class Tap:
+    """Stands between the client and the server: hands everything on, a whole frame at a time, and knows who is where."""
+
+    def __init__(self, server_port):
+        self.server_port = server_port
+        self.listener = harness.listener()
+        self.port = self.listener.getsockname()[1]
+        self.me, self.alive = None, True
+        self.others = {}  # by node: x, y, alive
+        threading.Thread(target=self.run, daemon=True).start()
+
+    def run(self):
+        client = self.listener.accept()[0]
+        server = socket.create_connection(("127.0.0.1", self.server_port))
+        threading.Thread(target=self.copy, args=(server, client, self.from_server), daemon=True).start()
+        self.copy(client, server, self.from_client)
+
+    def copy(self, source, target, watch):
+        kept = b""
+        with contextlib.suppress(OSError):  # either side may end first
+            while data := source.recv(65536):
+                whole, end, kept = (kept + data).rpartition(bytes([harness.END]))
+                for piece in whole.split(bytes([harness.END])):
+                    if len(piece) > 1:
+                        watch(piece[1], piece[2:].split(bytes([harness.SEPARATOR])))
+                target.sendall(whole + end)
+        target.close()
+
+    def from_client(self, identifier, fields):
+        if identifier == harness.POSITION_REPORT:
+            self.me = float(fields[0]), float(fields[1])
+
+    def from_server(self, identifier, fields):
+        if identifier == harness.LOGIN_ACCEPTED:
+            self.node, self.me = fields[1], (float(fields[2]), float(fields[3]))
+        elif identifier == harness.PLAYER_JOINED:
+            self.others[fields[0]] = [float(fields[3]), float(fields[4]), fields[5] == b"1"]
+        elif identifier == harness.POSITION and fields[0] in self.others:
+            self.others[fields[0]][:2] = float(fields[1]), float(fields[2])
+        elif identifier in (TAIL_CAPTURE, RESPAWN):
+            node, lives = (fields[1], False) if identifier == TAIL_CAPTURE else (fields[0], True)
+            if node == self.node:
+                self.alive = lives
+            elif node in self.others:
+                self.others[node][2] = lives
+
+    def in_sight(self):
+        """Living opponents whose ball is well inside the canvas."""
+        return sum(alive and abs(x - self.me[0]) < 5000 and abs(y - self.me[1]) < 3800
+                   for x, y, alive in list(self.others.values()))
+
+
+class Pilot(threading.Thread):
+    """Flies to a player and draws loops beside him, for servers that have no bots of their own."""
+
+    PACE, INTERVAL = 18.0, 0.04  # world units a ms, seconds between two reports
+
+    def __init__(self, port, name, colour, tap, words):
+        super().__init__(daemon=True)
+        self.tap, self.words, self.turn = tap, words, random.choice((-1, 1))
+        self.side, self.radius = colour * 1.26, 900 + 90 * colour
+        self.line = harness.Line(socket.create_connection(("127.0.0.1", port)))
+        self.line.send(harness.LOGIN, name, "", colour, "1.2.1")
+        identifier, fields = self.line.recv_frame()
+        assert identifier == harness.LOGIN_ACCEPTED, fields
+        self.x, self.y = float(fields[2]), float(fields[3])
+        self.heading = 0.0
+        self.start()
+
+    def run(self):
+        with contextlib.suppress(OSError):  # until the server ends
+            self.fly()
+
+    def fly(self):
+        began = asked = time.monotonic()
+        while True:
+            if time.monotonic() - asked > 2:  # whoever is dead comes back
+                self.line.send(SPAWN_REQUEST, "")
+                asked = time.monotonic()
+            for identifier, _ in self.line.frames_during(self.INTERVAL):
+                if identifier == harness.PING:
+                    self.line.send(harness.PING_REPLY, f"{time.time() % 86400:.2f}")
+            # Round a place of his own beside the player: turned towards it from afar, along its circle near by.
+            cx = self.tap.me[0] + 3500 * math.cos(self.side) - self.x
+            cy = self.tap.me[1] + 2800 * math.sin(self.side) - self.y
+            way = math.hypot(cx, cy)
+            lean = math.pi / 2 * min(1.0, self.radius / max(way, 1.0)) ** 2
+            wanted = math.atan2(cy, cx) + self.turn * lean
+            off = (wanted - self.heading + math.pi) % (2 * math.pi) - math.pi
+            self.heading += max(-0.35, min(0.35, off))
+            step = self.PACE * self.INTERVAL * 1000
+            self.x = min(max(self.x + step * math.cos(self.heading), 500), 99500)
+            self.y = min(max(self.y + step * math.sin(self.heading), 500), 99500)
+            self.line.send(harness.POSITION_REPORT, f"{self.x:.2f}", f"{self.y:.2f}")
+            if self.words and time.monotonic() - began > 9:
+                self.line.send(harness.CHAT, -1, self.words)
+                self.words = ""
+
+
+class Camera:
+    def __init__(self, display, client, output):
+        self.display, self.client, self.output = display, client, output
+
+    def shot(self):
+        """The main window with its frame, and what stands on it."""
+        whole = Image.open(io.BytesIO(self.display.picture().ppm)).convert("RGB")
+        left, top, width, height = self.client.window.geometry()
+        text = self.display.run("xprop", "-id", self.client.window.identifier, "_NET_FRAME_EXTENTS")
+        sides = [int(side) for side in re.findall(r"\d+", text.partition("=")[2])]
+        before, after, above, below = sides if len(sides) == 4 else (0, 0, 0, 0)
+        return whole.crop((left - before, top - above, left + width + after, top + height + below))
+
+    def keep(self, name, picture):
+        picture.save(self.output / f"{name}.png", optimize=True)
+        print(self.output / f"{name}.png")
+
+
+def bots(count):
+    """The options that fill a server with players."""
+    text = subprocess.run([harness.SERVER, "--help"], capture_output=True, text=True).stdout
+    return ["--bots", str(count)] if re.search(r"^\s*--bots\b", text, re.M) else []
+
+
+def shop(client, camera, wanted):
+    """Buys a few powerups, keeps a picture of the open store and leaves it."""
+    display = camera.display
+    left, top = client.on_screen(CANVAS[0] + 15 + 49, 320 + 20)
+    display.xdotool("mousemove", left, top, "click", 1)
+    store = client.wait_for_window("Powerups")
+    time.sleep(0.5)
+    for item in ITEMS.values():
+        store.click(256, 119 + 76 * item)
+        time.sleep(0.4)
+    display.xdotool("mousemove", left, 5)
+    time.sleep(0.4)
+    if "store" in wanted:
+        camera.keep("store", camera.shot())
+    store.click(692, 566)
+
+
+def fight(client, camera, tap):
+    """Flies loops and keeps the fullest picture of three quarters of a minute."""
+    display, best, best_score = camera.display, None, -1.0
+    middle = CANVAS[0] // 2, CANVAS[1] // 2
+    client.mouse_to(middle[0] + 60, middle[1])
+    client.right_click()
+    began = time.monotonic()
+    fired = dict.fromkeys(ITEMS, -99.0)  # seconds
+    asked = moved = stood = 0.0
+    place = tap.me
+    while (now := time.monotonic() - began) < 45:
+        # Away from the world's edges, towards the nearest opponent while he is far, in loops when he is near.
+        near = min(((x - tap.me[0], y - tap.me[1]) for x, y, alive in list(tap.others.values()) if alive),
+                   key=lambda way: math.hypot(*way), default=(1.0, 0.0))
+        if not all(EDGE < coordinate < 100000 - EDGE for coordinate in tap.me):
+            near = 50000 - tap.me[0], 50000 - tap.me[1]
+        far = math.hypot(*near)
+        angle = math.atan2(near[1], near[0]) if far > 6500 else now * 2.6
+        reach = 180 if far > 6500 else 88
+        client.mouse_to(middle[0] + int(reach * math.cos(angle)), middle[1] + int(reach * math.sin(angle)))
+        if not tap.alive and now - asked > 1.5:  # btnSpawn
+            left, top = client.on_screen(CANVAS[0] + 15 + 49, 384 + 20)
+            display.xdotool("mousemove", left, top, "click", 1)
+            asked = now
+        if tap.me != place:
+            place, moved = tap.me, now
+        elif tap.alive and now - moved > 1:  # a respawn has put the brakes on
+            client.right_click()
+            moved = stood = now
+        seen = tap.in_sight()
+        if now - moved > 0.4 or not tap.alive:
+            stood = now
+        if seen >= 2 and tap.alive and now - stood > 1.5:
+            for name, item in ITEMS.items():
+                if fired[name] < 0 and now > 6:
+                    display.xdotool("key", f"F{item + 1}")
+                    fired[name] = now
+            inside = all(EDGE < coordinate < 100000 - EDGE for coordinate in tap.me)
+            score = seen + 2 * inside + (0.3 < now - fired["charged"] < 4.5) + (now - fired["shield"] < 14)
+            if now > 4 and score > best_score:
+                best, best_score = camera.shot(), score
+        time.sleep(0.08)
+    if best is None:
+        sys.exit("nobody came near; try once more")
+    camera.keep("fight", best)
+
+
+def play(display, output, wanted):
+    crew = bots(5)
+    # One long round; credits enough for a visit to the store.
+    server = harness.Server("--income", "6000", "--captures-to-win", "0", "--round-seconds", "600", *crew)
+    tap = Tap(server.port)
+    client = harness.Client(display)
+    camera = Camera(display, client, output)
+    try:
+        dialog = client.wait_for_window("Connect")
+        dialog.activate()
+        dialog.click(1740 // 15 + 20, 180 // 15 + 9)
+        display.xdotool("type", "--delay", "5", "Ann")
+        time.sleep(0.5)
+        if "start" in wanted:
+            camera.keep("start", camera.shot())
+        if wanted & {"fight", "store"}:
+            client.connect(tap.port, name="Ann", circle=3)
+            harness.wait_for(lambda: tap.me, "the login")
+            if not crew:
+                names = (("Bea", 0, "nice loop!"), ("Carl", 1, ""), ("Dora", 2, "got you next time"), ("Emil", 4, ""), ("Finn", 5, ""))
+                for name, colour, words in names:
+                    Pilot(server.port, name, colour, tap, words)
+            time.sleep(2.5)  # credits come in
+            shop(client, camera, wanted)
+            if "fight" in wanted:
+                fight(client, camera, tap)
+    finally:
+        client.close()
+        server.close()
+
+
+class HostList:
+    """A web host with the records of several servers, each as its own server tells it."""
+
+    def __init__(self, ports):
+        self.ports = ports
+        self.listener = harness.listener()
+        self.address = "127.0.0.1:%d" % self.listener.getsockname()[1]
+        threading.Thread(target=self.run, daemon=True).start()
+
+    def record(self, port, request):
+        with socket.create_connection(("127.0.0.1", port)) as line:
+            line.sendall(request)
+            answer = b""
+            while data := line.recv(4096):
+                answer += data
+        return b"".join(re.findall(rb"\[[^\]]*\]", answer))
+
+    def run(self):
+        while True:
+            line = self.listener.accept()[0]
+            with line:
+                request = line.recv(4096)
+                if b"gethosts" not in request:
+                    continue
+                records = b"".join(self.record(port, request) for port in self.ports)
+                line.sendall(b"HTTP/1.1 200 OK\r\n\r\n" + records + b"-END-")
+                time.sleep(0.3)
+
+
+def find(display, output):
+    servers, web_ports = [], []
+    for notes, address, options in (("Friendly game, everybody welcome", "192.0.2.7", bots(5)),
+                                    ("Long tails only", "198.51.100.23", bots(3)),
+                                    ("Practice, be kind to beginners", "203.0.113.80", [])):
+        web_ports.append(harness.free_port())
+        servers.append(harness.Server("--web-port", str(web_ports[-1]), "--notes", notes, "--public-address", address,
+                                      *options))
+    time.sleep(2)
+    client = harness.Client(display, web_host=HostList(web_ports).address)
+    camera = Camera(display, client, output)
+    try:
+        client.wait_for_window("Connect").activate()
+        display.xdotool("key", "Escape")
+        client.wait_for_window("Game Finder")
+        time.sleep(2)
+        camera.keep("finder", camera.shot())
+    finally:
+        client.close()
+        for server in servers:
+            server.close()
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--build", type=pathlib.Path, default=ROOT / "build" / "release", help="where the programs are")
+    parser.add_argument("--output", type=pathlib.Path, default=ROOT / "docs" / "images")
+    parser.add_argument("--only", default="start,fight,store,finder", help="names of pictures, with commas")
+    options = parser.parse_args()
+    os.environ["KELVORA_CLIENT"] = str(options.build / "kelvora")
+    os.environ["KELVORA_SERVER"] = str(options.build / "kelvora-server")
+    os.environ["KELVORA_DATA"] = str(ROOT)
+    global harness
+    import harness  # reads the two names above
+    options.output.mkdir(parents=True, exist_ok=True)
+    wanted = set(options.only.split(","))
+    display = harness.Display()
+    try:
+        if wanted & {"start", "fight", "store"}:
+            play(display, options.output, wanted)
+        if "finder" in wanted:
+            find(display, options.output)
+    finally:
+        display.close()
+
+
+if __name__ == "__main__":
+    main()
