@@ -1,0 +1,115 @@
+// What the arena's rules cost, without sockets: a report of a position by the length of the tail that it is tested
+// against and the number of opponents, and a tick by the number of bots.
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "network/wire/wireFormat.h"
+#include "server/arena.h"
+#include "server/bots/botKeeper.h"
+
+namespace {
+
+using namespace kelvora;
+using namespace kelvora::server;
+
+/// Counts what is sent, and lets the bots hear it if there are some.
+struct Output : ArenaOutput {
+  void send(ClientId client, const std::string& frame) override {
+    bytes += frame.size();
+    if (keeper != nullptr && client >= firstBotClient) keeper->hear(client, frame, now);
+  }
+  void hangUp(ClientId client) override {
+    if (keeper != nullptr && client >= firstBotClient) keeper->hangUp(client);
+  }
+  void log(const std::string& /*line*/) override {}
+
+  std::size_t bytes = 0;
+  BotKeeper* keeper = nullptr;
+  Millis now = 0;
+};
+
+std::string text(std::int16_t id, const std::vector<std::string>& fields) {
+  const std::string frame = wire::buildFrame(id, fields);
+  return frame.substr(1, frame.size() - 2);
+}
+
+void login(Arena& arena, ClientId client, Millis now) {
+  arena.connected(client, now);
+  arena.received(client, text(wire::msgLogin, {"P" + std::to_string(client), "", "0", "1.2.1"}), now);
+}
+
+/// A round without an end, as a capture or its end would change what is measured.
+ArenaRules endlessRound() {
+  ArenaRules rules;
+  rules.roundMs = Millis{1} << 60;
+  rules.captureGoal = 0;
+  return rules;
+}
+
+std::string reportOf(double x, double y) {
+  return text(wire::msgPositionReport, {std::to_string(x), std::to_string(y)});
+}
+
+/// `range(0)` vertices in the tail of the one who reports, `range(1)` opponents beside his curve. It crosses itself in
+/// most steps.
+void report(benchmark::State& state) {
+  Output output;
+  Arena arena(output, "1.2.1", "", 1, endlessRound());
+  const auto opponents = static_cast<ClientId>(state.range(1));
+  Millis now = 1'000;
+  for (ClientId client = 1; client <= opponents + 1; ++client) login(arena, client, now);
+  // A tail of this age is as long as it gets; the opponents stand in a corner of the world.
+  const double interval = 2'000.0 / static_cast<double>(state.range(0));
+  now += 2'000;
+  for (ClientId client = 2; client <= opponents + 1; ++client) arena.received(client, reportOf(99'000, 99'000), now);
+  std::vector<std::string> curve;
+  for (int i = 0; i < 4'096; ++i) {
+    const double angle = 0.17 * 50 / static_cast<double>(state.range(0)) * i;
+    curve.push_back(reportOf(30'000 + 3'000 * std::sin(angle), 30'000 + 3'000 * std::sin(1.618 * angle)));
+  }
+  double time = static_cast<double>(now);
+  std::size_t next = 0;
+  const auto step = [&] {
+    time += interval;
+    arena.received(1, curve[next++ % curve.size()], static_cast<Millis>(time));
+  };
+  for (int i = 0; i < 2 * state.range(0); ++i) step();
+  const std::size_t before = output.bytes;
+  for (auto _ : state) step();
+  if (output.bytes - before < static_cast<std::size_t>(state.iterations()) * 10) state.SkipWithError("not relayed");
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(report)
+    ->ArgNames({"tail", "opponents"})
+    ->ArgsProduct({{25, 50, 100, 190}, {5}})
+    ->Complexity(benchmark::oN)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(report)->ArgNames({"tail", "opponents"})->ArgsProduct({{50}, {0, 1, 5}})->Unit(benchmark::kMicrosecond);
+
+/// 40 ms of an arena with one person, who flies nowhere, and `range(0)` bots.
+void tick(benchmark::State& state) {
+  Output output;
+  Arena arena(output, "1.2.1", "", 1);
+  BotKeeper keeper(arena, {.count = static_cast<int>(state.range(0))}, "", "1.2.1", 1);
+  output.keeper = &keeper;
+  Millis now = 1'000;
+  login(arena, 1, now);
+  const auto step = [&] {
+    output.now = now += 40;
+    arena.received(1, reportOf(50'000, 50'000), now);
+    arena.tick(now);
+    keeper.tick(now);
+  };
+  for (int i = 0; i < 1'000; ++i) step();  // till all the bots are in
+  if (keeper.count() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("bots are missing");
+  for (auto _ : state) step();
+}
+BENCHMARK(tick)->ArgName("bots")->DenseRange(0, 5)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
