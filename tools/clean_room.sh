@@ -1,0 +1,115 @@
+#!/usr/bin/env bash
+# Proves that no step of an installation is missing, in a Debian 12 made for it that has nothing else. As root:
+#   tools/clean_room.sh check     clones the project into it and runs ./check there, as a user who may use sudo
+#   tools/clean_room.sh package   builds the packages here, installs them there, starts server and client with a login,
+#                                 installs them once more, removes them, and looks for what they left behind
+# The room is a folder, KELVORA_ROOM (/var/tmp/kelvora-room), made anew each time; the base system is kept beside it.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=tools/setup.sh
+source tools/setup.sh
+
+room=${KELVORA_ROOM:-/var/tmp/kelvora-room}
+user=player
+mirror=${KELVORA_MIRROR:-http://deb.debian.org/debian}
+
+[ "$(id -u)" -eq 0 ] || fail "A system of its own can be made by root only: sudo tools/clean_room.sh"
+install_packages debootstrap
+
+close_room() {
+  for folder in dev/shm dev/pts dev proc; do umount -l "$room/$folder" 2>/dev/null || true; done
+}
+trap close_room EXIT
+
+open_room() {
+  if [ ! -f "$room.tar" ]; then
+    say "Fetching a Debian 12"
+    rm -rf "$room.new"
+    debootstrap --variant=minbase bookworm "$room.new" "$mirror" >/dev/null
+    tar -C "$room.new" -cf "$room.tar" . && rm -rf "$room.new"
+  fi
+  close_room
+  rm -rf --one-file-system "$room"
+  mkdir -p "$room"
+  tar -C "$room" -xf "$room.tar"
+  cp /etc/resolv.conf "$room/etc/resolv.conf"
+  printf '#!/bin/sh\nexit 101\n' >"$room/usr/sbin/policy-rc.d"  # no services are started in here
+  chmod 755 "$room/usr/sbin/policy-rc.d"
+  mount -t proc proc "$room/proc"
+  mount --rbind /dev "$room/dev" && mount --make-rslave "$room/dev"
+}
+
+# inside USER COMMAND...: runs a command in the room with a bare environment.
+inside() {
+  local who=$1
+  shift
+  chroot "$room" /usr/bin/env -i PATH=/usr/local/bin:/usr/bin:/bin:/usr/local/games:/usr/games:/usr/sbin:/sbin \
+    DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 HOME="$([ "$who" = root ] && echo /root || echo "/home/$who")" \
+    setpriv --reuid "$who" --regid "$who" --init-groups "$@"
+}
+
+check_clone() {
+  open_room
+  say "A user with sudo, and a clone"
+  inside root apt-get -q update >/dev/null
+  inside root apt-get -q install -y --no-install-recommends sudo git ca-certificates >/dev/null 2>&1
+  inside root useradd --create-home --shell /bin/bash "$user"
+  echo "$user ALL=(ALL) NOPASSWD: ALL" >"$room/etc/sudoers.d/$user"
+  git clone --quiet --bare . "$room/home/$user/kelvora.git"
+  inside root chown -R "$user:" "/home/$user"
+  inside "$user" bash -c 'cd ~ && git clone --quiet kelvora.git "a clone" && cd "a clone" && ./check'
+}
+
+# Run in the room: from the packages alone to a login.
+log_in_from_packages() {
+  kelvora-server --port 2010 >/tmp/server.out 2>/tmp/server.err &
+  server=$!
+  Xvfb :77 -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
+  screen=$!
+  export DISPLAY=:77 KELVORA_FRAME_MS=10 QT_LOGGING_RULES='*=false'
+  for _ in $(seq 50); do xdotool getdisplaygeometry >/dev/null 2>&1 && break; sleep 0.1; done
+  openbox >/dev/null 2>&1 &
+  manager=$!
+  local command
+  command=$(sed -n 's/^Exec=//p' /usr/share/applications/kelvora.desktop)
+  $command &
+  client=$!
+  dialog=$(timeout 30 xdotool search --sync --onlyvisible --name '^Connect' | head -n 1)
+  xdotool windowactivate --sync "$dialog" key --clearmodifiers ctrl+a type --delay 50 Newcomer
+  xdotool key Return
+  for _ in $(seq 100); do grep -q 'Newcomer joined' /tmp/server.err && break; sleep 0.1; done
+  status=0
+  grep 'Newcomer joined' /tmp/server.err || { status=1; cat /tmp/server.out /tmp/server.err; }
+  kill "$client" "$manager" "$server" "$screen" 2>/dev/null || true
+  wait 2>/dev/null
+  return "$status"
+}
+
+check_packages() {
+  tools/package.sh
+  open_room
+  cp build/package/packages/*.deb "$room/tmp/"
+  say "Installing the packages in the room"
+  inside root apt-get -q update >/dev/null
+  inside root bash -c 'apt-get -q install -y --no-install-recommends /tmp/kelvora_*.deb /tmp/kelvora-server_*.deb >/tmp/apt.log 2>&1' ||
+    { cat "$room/tmp/apt.log"; fail "The packages could not be installed."; }
+  inside root ldd /usr/games/kelvora /usr/games/kelvora-server | grep 'not found' && fail "A library is missing."
+  say "What the game needs no more than a display for"
+  inside root bash -c 'apt-get -q install -y --no-install-recommends xvfb xdotool openbox >/tmp/apt.log 2>&1'
+  inside root useradd --create-home "$user"
+  say "A server, the client from its desktop entry, and a login"
+  inside "$user" bash -c "$(declare -f log_in_from_packages); log_in_from_packages" || fail "The login did not happen."
+  say "Installing them once more, as an upgrade does, then removing them"
+  inside root bash -c 'dpkg -i /tmp/kelvora_*.deb /tmp/kelvora-server_*.deb >/dev/null'
+  inside root bash -c 'dpkg --purge kelvora kelvora-server >/dev/null 2>/tmp/purge.log; cat /tmp/purge.log'
+  local left
+  left=$(inside root bash -c 'find / -xdev -iname "*kelvora*" -not -path "/tmp/*" -not -path "/proc/*" -not -path "/home/*/.config/*"')
+  [ -z "$left" ] || fail "Left behind: $left"
+  say "Nothing was left behind"
+}
+
+case ${1:-} in
+  check) check_clone ;;
+  package) check_packages ;;
+  *) fail "Usage: tools/clean_room.sh check|package" ;;
+esac

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Builds the Debian packages kelvora and kelvora-server into build/package/packages.
+set -uo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
+# shellcheck source=tools/setup.sh
+source tools/setup.sh
+
+# shellcheck disable=SC2086
+install_packages $play_packages dpkg-dev file
+
+# The time in the packages is that of the last change, so that the same sources give the same packages.
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
+export SOURCE_DATE_EPOCH
+umask 022
+configure package
+say "Building"
+cmake --build --preset package || fail "The build failed; its own words stand above."
+say "Packing"
+rm -rf build/package/packages
+(cd build/package && cpack) || fail "The packages could not be made; see above."
+ls -l build/package/packages/*.deb
