@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 
 #include "raster/surface.h"
 
@@ -20,47 +22,70 @@ Stretch clipped(Stretch stretch, int targetSize, int sourceSize) {
   return stretch;
 }
 
-// Plain loops over rows: the compiler turns them into vector code. Blocks of which the last overlaps the one before, as
-// spans are filled, took three times as long: each waits for the store before it.
-template <class Join>
-inline void joinRowsOf(Pixel* target, std::ptrdiff_t targetPitch, const Pixel* source, std::ptrdiff_t sourcePitch,
-                       int width, int height, Join join) {
-  for (int row = 0; row < height; ++row) {
-    for (std::ptrdiff_t i = 0; i < width; ++i) target[i] = join(target[i], source[i]);
-    target += targetPitch;
-    source += sourcePitch;
+// What is copied from where to where; the pitches are the pixels from one row to the next.
+struct Rows {
+  Pixel* target;
+  std::ptrdiff_t targetPitch;
+  const Pixel* source;
+  std::ptrdiff_t sourcePitch;
+  int width;
+  int height;
+};
+
+// Eight pixels: one register of a machine with wide ones (AVX2), two of any other.
+constexpr int blockWidth = 8;
+using Block [[gnu::vector_size(blockWidth * sizeof(Pixel))]] = Pixel;
+
+// By reference, because a wide value is returned in another way on every machine.
+template <RasterOperation operation, class Value>
+[[gnu::always_inline]] inline void join(Value& result, const Pixel* target, const Pixel* source) {
+  std::memcpy(&result, source, sizeof(Value));
+  if constexpr (operation == SRCCOPY) return;
+  Value below;
+  std::memcpy(&below, target, sizeof(Value));
+  if constexpr (operation == SRCAND) result &= below;
+  if constexpr (operation == SRCPAINT) result |= below;
+}
+
+// Whole blocks, of which the last overlaps the one before; joining twice what they share changes nothing. That last
+// block is read before the row is written: reading what has just been stored across two stores waits for both.
+template <RasterOperation operation>
+[[gnu::always_inline]] inline void joinBlocks(Rows rows) {
+  const std::ptrdiff_t last = rows.width - blockWidth;
+  for (; rows.height > 0; --rows.height, rows.target += rows.targetPitch, rows.source += rows.sourcePitch) {
+    Block end;
+    join<operation>(end, rows.target + last, rows.source + last);
+    for (std::ptrdiff_t i = 0; i < last; i += blockWidth) {
+      Block block;
+      join<operation>(block, rows.target + i, rows.source + i);
+      std::memcpy(rows.target + i, &block, sizeof(Block));
+    }
+    std::memcpy(rows.target + last, &end, sizeof(Block));
   }
 }
 
 #if defined(__x86_64__)
-// The same with twice as wide registers, for the machines that have them: two thirds of the time.
-template <class Join>
-[[gnu::target("avx2")]] void joinRowsWide(Pixel* target, std::ptrdiff_t targetPitch, const Pixel* source,
-                                          std::ptrdiff_t sourcePitch, int width, int height, Join join) {
-  for (int row = 0; row < height; ++row) {
-    for (std::ptrdiff_t i = 0; i < width; ++i) target[i] = join(target[i], source[i]);
-    target += targetPitch;
-    source += sourcePitch;
-  }
+template <RasterOperation operation>
+[[gnu::target("avx2")]] void joinBlocksWide(const Rows& rows) {
+  joinBlocks<operation>(rows);
 }
 const bool hasWideRegisters = __builtin_cpu_supports("avx2") != 0;
+#else
+template <RasterOperation operation>
+void joinBlocksWide(const Rows&) {}
+constexpr bool hasWideRegisters = false;
 #endif
 
-template <class Join>
-void joinRows(Pixel* target, std::ptrdiff_t targetPitch, const Pixel* source, std::ptrdiff_t sourcePitch, int width,
-              int height, Join join) {
-#if defined(__x86_64__)
-  if (hasWideRegisters) return joinRowsWide(target, targetPitch, source, sourcePitch, width, height, join);
-#endif
-  joinRowsOf(target, targetPitch, source, sourcePitch, width, height, join);
-}
-
-void copyRows(Pixel* target, std::ptrdiff_t targetPitch, const Pixel* source, std::ptrdiff_t sourcePitch, int width,
-              int height) {
-  for (int row = 0; row < height; ++row) {
-    std::copy_n(source, width, target);
-    target += targetPitch;
-    source += sourcePitch;
+template <RasterOperation operation>
+void joinRows(const Rows& rows) {
+  if (rows.width >= blockWidth) return hasWideRegisters ? joinBlocksWide<operation>(rows) : joinBlocks<operation>(rows);
+  for (int row = 0; row < rows.height; ++row) {
+    for (int i = 0; i < rows.width; ++i) {
+      Pixel* const target = rows.target + row * rows.targetPitch + i;
+      Pixel pixel;
+      join<operation>(pixel, target, rows.source + row * rows.sourcePitch + i);
+      *target = pixel;
+    }
   }
 }
 
@@ -72,16 +97,19 @@ void Surface::PaintPicture(const Picture& source, float x, float y, float w, flo
   const Stretch down = clipped({toPixels(y), toPixels(sy), toPixels(h)}, height_, source.height);
   if (across.count <= 0 || down.count <= 0) return;
   touch(across.target, down.target, across.target + across.count - 1, down.target + down.count - 1);
-  Pixel* const to = pixels_.data() + std::ptrdiff_t{down.target} * width_ + across.target;
-  const Pixel* const from = source.pixels.data() + std::ptrdiff_t{down.source} * source.width + across.source;
-  const auto join = [&](auto pair) { joinRows(to, width_, from, source.width, across.count, down.count, pair); };
+  const Rows rows{pixels_.data() + std::ptrdiff_t{down.target} * width_ + across.target,
+                  width_,
+                  source.pixels.data() + std::ptrdiff_t{down.source} * source.width + across.source,
+                  source.width,
+                  across.count,
+                  down.count};
   switch (operation) {
     case SRCAND:
-      return join([](Pixel below, Pixel above) { return below & above; });
+      return joinRows<SRCAND>(rows);
     case SRCPAINT:
-      return join([](Pixel below, Pixel above) { return below | above; });
+      return joinRows<SRCPAINT>(rows);
     case SRCCOPY:
-      return copyRows(to, width_, from, source.width, across.count, down.count);
+      return joinRows<SRCCOPY>(rows);
   }
 }
 
