@@ -148,7 +148,7 @@ class Camera:
 def bots(count):
     """The options that fill a server with players."""
     text = subprocess.run([harness.SERVER, "--help"], capture_output=True, text=True).stdout
-    return ["--bots", str(count)] if re.search(r"^\s*--bots\b", text, re.M) else []
+    return ["--bots", str(count), "--skill", "easy"] if re.search(r"^\s*--bots\b", text, re.M) else []
 
 
 def shop(client, camera, wanted):
@@ -169,7 +169,7 @@ def shop(client, camera, wanted):
 
 
 def fight(client, camera, tap):
-    """Flies loops and keeps the fullest picture of three quarters of a minute."""
+    """Flies loops and keeps the fullest picture of a minute and a half."""
     display, best, best_score = camera.display, None, -1.0
     middle = CANVAS[0] // 2, CANVAS[1] // 2
     client.mouse_to(middle[0] + 60, middle[1])
@@ -178,7 +178,7 @@ def fight(client, camera, tap):
     fired = dict.fromkeys(ITEMS, -99.0)  # seconds
     asked = moved = stood = 0.0
     place = tap.me
-    while (now := time.monotonic() - began) < 45:
+    while (now := time.monotonic() - began) < 90:
         # Away from the world's edges, towards the nearest opponent while he is far, in loops when he is near.
         near = min(((x - tap.me[0], y - tap.me[1]) for x, y, alive in list(tap.others.values()) if alive),
                    key=lambda way: math.hypot(*way), default=(1.0, 0.0))
@@ -200,9 +200,9 @@ def fight(client, camera, tap):
         seen = tap.in_sight()
         if now - moved > 0.4 or not tap.alive:
             stood = now
-        if seen >= 2 and tap.alive and now - stood > 1.5:
+        if seen >= 1 and tap.alive and now - stood > 1.0:
             for name, item in ITEMS.items():
-                if fired[name] < 0 and now > 6:
+                if fired[name] < 0 and now > 6 and seen >= 2:
                     display.xdotool("key", f"F{item + 1}")
                     fired[name] = now
             inside = all(EDGE < coordinate < 100000 - EDGE for coordinate in tap.me)
