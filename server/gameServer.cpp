@@ -40,6 +40,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
       acceptor_(listenOn(context, options.address, options.port)),
       timer_(context),
       arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),
+      bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
       web_(startWeb(options)),
       publisher_(startPublisher(context, options, log_)) {
   publish();
@@ -76,10 +77,12 @@ void GameServer::finishStop() {
 }
 
 void GameServer::send(ClientId client, const std::string& frame) {
+  if (isBot(client)) return bots_.hear(client, frame, now());
   if (const auto found = connections_.find(client); found != connections_.end()) found->second->send(frame);
 }
 
 void GameServer::hangUp(ClientId client) {
+  if (isBot(client)) return bots_.hangUp(client);
   const auto found = connections_.find(client);
   if (found == connections_.end()) return;
   found->second->hangUp();
@@ -148,6 +151,8 @@ void GameServer::tickMore() {
   timer_.async_wait([this](asio::error_code error) {
     if (error || stopped_) return;
     arena_.tick(now());
+    bots_.tick(now());
+    publish();  // a login may have waited for a bot to go
     if (web_) web_->dropOverdue(WebServer::Clock::now());
     const auto quietSince = Connection::Clock::now() - longestSilence;
     for (const auto& [client, connection] : connections_) {
@@ -162,8 +167,12 @@ void GameServer::tickMore() {
 }
 
 void GameServer::publish() {
-  if ((!web_ && !publisher_) || stopped_ || publishedPlayers_ == arena_.playerCount()) return;
-  publishedPlayers_ = arena_.playerCount();
+  if ((!web_ && !publisher_) || stopped_) return;
+  const auto players = arena_.players(now());
+  const auto isPerson = [](const PlayerView& player) { return !isBot(player.client); };
+  const auto people = static_cast<std::size_t>(std::ranges::count_if(players, isPerson));
+  if (publishedPlayers_ == people) return;
+  publishedPlayers_ = people;
   HostEntry host{.address = options_.publicAddress,
                  .port = port(),
                  .passwordRequired = !options_.password.empty(),

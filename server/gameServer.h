@@ -11,6 +11,7 @@
 #include <string>
 
 #include "server/arena.h"
+#include "server/bots/botKeeper.h"
 #include "server/connection.h"
 #include "server/door.h"
 #include "server/options.h"
@@ -60,13 +61,14 @@ class GameServer : private ArenaOutput {
   asio::steady_timer timer_;
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   Arena arena_;
+  BotKeeper bots_;
   std::unique_ptr<WebServer> web_;        // null if none was asked for
   std::unique_ptr<Publisher> publisher_;  // likewise
   std::map<ClientId, std::shared_ptr<Connection>> connections_;
   std::map<ClientId, Millis> hungUp_;  // since when
   Door door_;
   ClientId lastClient_ = 0;
-  std::optional<std::size_t> publishedPlayers_;
+  std::optional<std::size_t> publishedPlayers_;  // people: bots make room for them
   bool isAccepting_ = true;
   bool stopped_ = false;
   std::function<void()> whenStopped_;

@@ -46,6 +46,10 @@ const std::array table = {
            Whole([](Options& o, int value) { o.rules.incomePerMinute = value; }), 0, 6'000},
     Option{"speed-limit", "FACTOR", "how many times the game's own speed a player may keep up, 0 for any (3)",
            Decimal([](Options& o, double value) { o.rules.speedFactor = value; }), 0, 1'000},
+    Option{"bots", "COUNT", "opponents that the server itself plays, while there are people in (0)",
+           Whole([](Options& o, int value) { o.bots.count = value; }), 0, BotWishes::most},
+    Option{"skill", "easy|normal|hard|mixed", "how well they play (mixed)",
+           Option::Word{[](Options& o, int index) { o.bots.skill = static_cast<SkillLevel>(index); }}},
 
     heading("The list of games:"),
     Option{"web-port", "PORT", "serve the list and the update file by HTTP on this port (not at all)",

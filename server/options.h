@@ -6,6 +6,7 @@
 #include <string>
 
 #include "server/arenaRules.h"
+#include "server/bots/botWishes.h"
 
 namespace kelvora::server {
 
@@ -15,6 +16,7 @@ struct Options {
   std::uint16_t port = 2010;  ///< 0 for any free one
   std::string password;       ///< empty: none is asked for
   ArenaRules rules;
+  BotWishes bots;
   std::optional<std::uint16_t> webPort;  ///< none: no web server; 0 for any free one
   std::string webAddress;                ///< empty: `address`
   std::string publicAddress;             ///< empty: `address`

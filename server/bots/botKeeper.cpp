@@ -10,6 +10,8 @@ namespace kelvora::server {
 
 namespace {
 
+static_assert(BotWishes::most < Arena::colourCount);
+
 constexpr Millis longestDelay = 200;  // after which missed steps are not made up for
 
 constexpr std::array names = {"Quillon", "Bramble", "Tindra", "Oskavel", "Marrow",  "Fennick", "Lumo", "Wexley",

@@ -8,16 +8,9 @@
 
 #include "server/arena.h"
 #include "server/bots/bot.h"
+#include "server/bots/botWishes.h"
 
 namespace kelvora::server {
-
-/// What the operator asks for.
-struct BotWishes {
-  static constexpr int most = Arena::colourCount - 1;
-
-  int count = 0;  ///< 0 to `most`
-  SkillLevel skill = SkillLevel::mixed;
-};
 
 /// Fills an arena up with bots while there are people in it. They come one by one after the first person, make room for
 /// other people, and leave with the last one.
@@ -33,7 +26,7 @@ class BotKeeper {
   /// To be called at least every 40 ms; the bots act that often, however often it is called.
   void tick(Millis now);
 
-  /// Bots that are in.
+  /// Bots that are in or on their way.
   std::size_t count() const;
 
  private:

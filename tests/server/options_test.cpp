@@ -96,12 +96,25 @@ TEST(ServerOptions, SetTheRules) {
   EXPECT_NE(parse({"--round-seconds", "0"}).error, "") << "a round takes some time";
 }
 
+TEST(ServerOptions, AskForBots) {
+  EXPECT_EQ(parse({}).bots.count, 0);
+  EXPECT_EQ(parse({}).bots.skill, SkillLevel::mixed);
+  EXPECT_EQ(parse({"--bots", "5"}).bots.count, 5);
+  for (const char* count : {"", "x", "-1", "6"}) EXPECT_NE(parse({"--bots", count}).error, "") << count;
+  EXPECT_EQ(parse({"--skill", "easy"}).bots.skill, SkillLevel::easy);
+  EXPECT_EQ(parse({"--skill", "normal"}).bots.skill, SkillLevel::normal);
+  EXPECT_EQ(parse({"--skill", "hard"}).bots.skill, SkillLevel::hard);
+  EXPECT_EQ(parse({"--skill", "mixed"}).bots.skill, SkillLevel::mixed);
+  for (const char* skill : {"", "Easy", "harder", "easy|normal"})
+    EXPECT_NE(parse({"--skill", skill}).error, "") << skill;
+}
+
 TEST(ServerOptions, TheVersionIsThatOfTheGame) { EXPECT_EQ(versionText(), "1.2.1"); }
 
 TEST(ServerOptions, TheHelpNamesEachOption) {
   for (const char* option : {"--address", "--port", "--password", "--income", "--round-seconds", "--captures-to-win",
-                             "--intermission", "--respawn-wait", "--speed-limit", "--web-port", "--web-address",
-                             "--public-address", "--notes", "--config", "--help", "--version"}) {
+                             "--intermission", "--respawn-wait", "--speed-limit", "--bots", "--skill", "--web-port",
+                             "--web-address", "--public-address", "--notes", "--config", "--help", "--version"}) {
     EXPECT_NE(helpText().find(option), std::string::npos) << option;
   }
 }
