@@ -59,6 +59,7 @@ class ArenaTest : public testing::Test, private ArenaOutput {
   }
   /// Logs a client in and forgets what everybody got by that.
   std::int16_t login(ClientId client, const std::string& name, const std::string& colour = "0") {
+    got.clear();
     arena.connected(client, now);
     say(client, wire::msgLogin, {name, "", colour, "1.2.1"});
     const std::int16_t node = static_cast<std::int16_t>(std::stoi(got[client].at(0).fields.at(1)));

@@ -1,0 +1,193 @@
+// Scripted players fight by the rules of the server, and what it tells each of them is played to a real client:
+// whatever the server has decided, every client comes to see.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <random>
+#include <string>
+
+#include "base/text.h"
+#include "network/wire/wireFormat.h"
+#include "server/arena.h"
+#include "tests/match/replay.h"
+
+namespace kelvora {
+namespace {
+
+using server::ClientId;
+using server::Millis;
+using server::PlayerView;
+
+constexpr Millis reportInterval = 40;
+
+/// Circles round somebody else for a while and then round the next, buys and fires what it can, and asks for a
+/// respawn whenever it is dead.
+struct Fighter {
+  ClientId client = 0;
+  bool isIn = false;  ///< a login may have to wait for somebody to be gone
+  double x = 0;
+  double y = 0;
+  double angle = 0;
+  double radius = 3'000;
+  ClientId prey = 0;
+  Millis changesAt = 0;
+  Millis asksAt = 0;
+};
+
+class Melee : private server::ArenaOutput {
+ public:
+  Melee(unsigned seed, const server::ArenaRules& rules) : random_(seed), arena_(*this, "1.2.1", "", seed, rules) {}
+
+  Recording recording;
+  int captures = 0;
+  int instantKills = 0;
+  int rounds = 0;
+  int refusals = 0;
+  int lingered = 0;
+
+  std::vector<PlayerView> players() { return arena_.players(now_); }
+
+  void join() {
+    const ClientId client = ++lastClient_;
+    arena_.connected(client, now_);
+    say(client, wire::msgLogin, {"P" + std::to_string(client), "", "0", "1.2.1"});
+    fighters_.push_back({.client = client});
+  }
+  void leave() {
+    if (fighters_.empty()) return;
+    const std::size_t index = draw(0, static_cast<int>(fighters_.size()) - 1);
+    const auto left = lefts_;
+    arena_.disconnected(fighters_[index].client);
+    lingered += left == lefts_ ? 1 : 0;
+    fighters_.erase(fighters_.begin() + static_cast<std::ptrdiff_t>(index));
+  }
+
+  void pass(Millis time, double joinsAMinute) {
+    for (const Millis end = now_ + time; now_ < end; now_ += reportInterval) {
+      const std::vector<PlayerView> views = players();
+      for (Fighter& fighter : fighters_) act(fighter, views);
+      arena_.tick(now_);
+      if (chance(joinsAMinute / 1'500)) leave();
+      if (fighters_.size() < 6 && chance(0.02)) join();
+    }
+  }
+
+  /// Nobody does anything until whoever has gone is told to have left.
+  void settle() {
+    for (const Millis end = now_ + 15'000; now_ < end; now_ += reportInterval) arena_.tick(now_);
+  }
+
+ private:
+  std::size_t draw(int least, int most) {
+    return static_cast<std::size_t>(std::uniform_int_distribution(least, most)(random_));
+  }
+  bool chance(double share) { return std::bernoulli_distribution(share)(random_); }
+
+  void say(ClientId client, std::int16_t id, const std::vector<std::string>& fields) {
+    const std::string frame = wire::buildFrame(id, fields);
+    arena_.received(client, std::string_view(frame).substr(1, frame.size() - 2), now_);
+  }
+
+  void act(Fighter& fighter, const std::vector<PlayerView>& views) {
+    const auto self = std::ranges::find(views, fighter.client, &PlayerView::client);
+    if (self == views.end()) return;
+    if (!fighter.isIn) {
+      fighter.isIn = true;
+      fighter.x = self->position.x;
+      fighter.y = self->position.y;
+    }
+    if (now_ >= fighter.changesAt) {
+      fighter.changesAt = now_ + static_cast<Millis>(draw(1'000, 8'000));
+      fighter.prey = views[draw(0, static_cast<int>(views.size()) - 1)].client;
+      fighter.radius = static_cast<double>(draw(500, 5'000));
+    }
+    fly(fighter, *self, views);
+    if (!self->isAlive && now_ >= fighter.asksAt) {
+      fighter.asksAt = now_ + 1'500;
+      say(fighter.client, wire::msgSpawnRequest, {""});
+    }
+    if (chance(0.02)) say(fighter.client, wire::msgBuyRequest, {std::to_string(draw(0, 5))});
+    if (chance(0.005)) say(fighter.client, wire::msgSellRequest, {std::to_string(draw(0, 5))});
+    const auto item = draw(0, 5);
+    if (self->stock[item] > 0 && chance(0.1)) say(fighter.client, wire::msgActivateRequest, {std::to_string(item)});
+  }
+
+  void fly(Fighter& fighter, const PlayerView& self, const std::vector<PlayerView>& views) {
+    const auto prey = std::ranges::find(views, fighter.prey, &PlayerView::client);
+    double stepLeft = 1'200;  // both axes together, in four frames
+    if (self.isRunning[turboSlot]) stepLeft *= 3;
+    double goalX = fighter.x;
+    double goalY = fighter.y;
+    if (prey == views.end() || prey->client == fighter.client) {
+      if (chance(0.5)) return;  // stands
+      stepLeft /= 4;
+      goalX += 1'000 * std::cos(fighter.angle);
+      goalY += 1'000 * std::sin(fighter.angle);
+      fighter.angle += 0.05;
+    } else {
+      fighter.angle += 0.8 * stepLeft / (1.3 * fighter.radius);
+      goalX = prey->position.x + fighter.radius * std::cos(fighter.angle);
+      goalY = prey->position.y + fighter.radius * std::sin(fighter.angle);
+    }
+    const double wayX = goalX - fighter.x;
+    const double wayY = goalY - fighter.y;
+    const double part = std::min(1.0, stepLeft / std::max(1.0, std::abs(wayX) + std::abs(wayY)));
+    fighter.x = std::clamp(fighter.x + part * wayX, 0.0, 100'000.0);
+    fighter.y = std::clamp(fighter.y + part * wayY, 0.0, 100'000.0);
+    say(fighter.client, wire::msgPositionReport,
+        {numberText(static_cast<float>(fighter.x)), numberText(static_cast<float>(fighter.y))});
+  }
+
+  void send(ClientId client, const std::string& frame) override {
+    recording.add(client, now_, frame);
+    const int id = static_cast<unsigned char>(frame[1]);
+    if (id == wire::msgPlayerLeft) ++lefts_;
+    if (fighters_.empty() || client != fighters_.front().client) return;
+    if (id == wire::msgTailCapture) ++(frame.find("-1000000") == std::string::npos ? captures : instantKills);
+    if (id == wire::msgRoundOver) ++rounds;
+    if (id == wire::msgSpawnDenied) ++refusals;
+  }
+  void hangUp(ClientId client) override { ADD_FAILURE() << "client " << client << " was hung up on"; }
+  void log(const std::string&) override {}
+
+  std::mt19937 random_;
+  Millis now_ = 1'000;
+  int lefts_ = 0;
+  ClientId lastClient_ = 0;
+  std::vector<Fighter> fighters_;
+  server::Arena arena_;
+};
+
+const server::ArenaRules lively{.roundMs = 60'000, .captureGoal = 12, .intermissionMs = 5'000, .incomePerMinute = 120};
+
+class RulesReplay : public testing::TestWithParam<unsigned> {};
+
+TEST_P(RulesReplay, EveryClientSeesWhatTheServerHasDecided) {
+  Melee melee(GetParam(), lively);
+  for (int i = 0; i < 6; ++i) melee.join();
+  melee.pass(180'000, 4);
+  melee.settle();
+  EXPECT_GT(melee.captures, 20);
+  EXPECT_GT(melee.instantKills, 5);
+  EXPECT_GE(melee.rounds, 2);
+  EXPECT_EQ(melee.refusals, 0);
+  const auto players = melee.players();
+  ASSERT_GE(players.size(), 4U);
+  const ReplayLine lines[] = {{},
+                              {.latencyFrames = 1},
+                              {.latencyFrames = 10, .jitterFrames = 20},
+                              {.frameMs = 30},
+                              {.latencyFrames = 20},
+                              {.latencyFrames = 2, .frameMs = 60}};
+  for (std::size_t i = 0; i < players.size(); ++i) {
+    expectTrueReplay(melee.recording, players[i].client, players, lines[i % std::size(lines)]);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RulesReplay, testing::Values(1U, 2U, 3U));
+
+}  // namespace
+}  // namespace kelvora
