@@ -255,12 +255,14 @@ class Client:
 
 
 class Server:
-    """The real server on a free port; `web_host` is where it serves its list, if it is told to."""
+    """The real server on a free port; `web_host` is where it serves its list, if it is told to. A client without a pace
+    flies many times as fast as the game is meant to, so there is no limit of speed."""
 
     def __init__(self, *arguments):
         self.port = free_port()
         self.web_host = None
-        self.process = subprocess.Popen([SERVER, "--address", "127.0.0.1", "--port", str(self.port), *arguments],
+        self.process = subprocess.Popen([SERVER, "--address", "127.0.0.1", "--port", str(self.port), "--speed-limit", "0",
+                                         *arguments],
                                         stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                                         text=True)
         for line in self.process.stdout:

@@ -161,14 +161,16 @@ class Melee : private server::ArenaOutput {
   server::Arena arena_;
 };
 
-const server::ArenaRules lively{.roundMs = 60'000, .captureGoal = 12, .intermissionMs = 5'000, .incomePerMinute = 120};
+// Without a wait, so that nothing but the landing of his capture holds a loser back.
+const server::ArenaRules lively{
+    .roundMs = 50'000, .captureGoal = 12, .intermissionMs = 5'000, .respawnWaitMs = 0, .incomePerMinute = 120};
 
 class RulesReplay : public testing::TestWithParam<unsigned> {};
 
 TEST_P(RulesReplay, EveryClientSeesWhatTheServerHasDecided) {
   Melee melee(GetParam(), lively);
   for (int i = 0; i < 6; ++i) melee.join();
-  melee.pass(180'000, 4);
+  melee.pass(110'000, 6);
   melee.settle();
   EXPECT_GT(melee.captures, 20);
   EXPECT_GT(melee.instantKills, 5);
@@ -187,7 +189,7 @@ TEST_P(RulesReplay, EveryClientSeesWhatTheServerHasDecided) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RulesReplay, testing::Values(1U, 2U, 3U));
+INSTANTIATE_TEST_SUITE_P(Seeds, RulesReplay, testing::Values(1U, 2U));
 
 }  // namespace
 }  // namespace kelvora
