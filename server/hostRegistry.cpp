@@ -4,7 +4,8 @@
 
 namespace kelvora::server {
 
-HostRegistry::Answer HostRegistry::announce(const std::string& network, const Announcement& announcement, Millis now) {
+HostRegistry::Answer HostRegistry::announce(const std::string& network, const Announcement& announcement, Millis now,
+                                            bool isTrusted) {
   forget(now);
   const Key key{announcement.host.address, announcement.host.port};
   if (const auto found = hosts_.find(key); found != hosts_.end()) {
@@ -15,7 +16,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
   if (hosts_.size() >= mostHosts) return Answer::full;
   const auto ofNetwork =
       std::ranges::count_if(hosts_, [&](const auto& entry) { return entry.second.network == network; });
-  if (static_cast<std::size_t>(ofNetwork) >= mostOfNetwork) return Answer::tooManyOfNetwork;
+  if (!isTrusted && static_cast<std::size_t>(ofNetwork) >= mostOfNetwork) return Answer::tooManyOfNetwork;
   hosts_.insert({key, {network, announcement, now}});
   return Answer::done;
 }

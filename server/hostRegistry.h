@@ -16,12 +16,12 @@ class HostRegistry {
  public:
   static constexpr Millis lifetime = 3'600'000;
   static constexpr std::size_t mostHosts = 1000;
-  static constexpr std::size_t mostOfNetwork = 32;  ///< announced by one host
+  static constexpr std::size_t mostOfNetwork = 32;  ///< announced by one host, unless it is trusted
 
   enum class Answer { done, anothers, tooManyOfNetwork, full };
 
   /// `network` tells who announces; the entry's address must not be empty.
-  Answer announce(const std::string& network, const Announcement& announcement, Millis now);
+  Answer announce(const std::string& network, const Announcement& announcement, Millis now, bool isTrusted = false);
   /// Takes the entry of that address and port back; it is no matter whether there is one.
   Answer withdraw(const std::string& network, const HostEntry& host, Millis now);
   /// The records that match, a line each.

@@ -132,7 +132,7 @@ struct WebServer::State {
     const Millis now = millis(Clock::now());
     const std::lock_guard lock(mutex);
     return answerOf(isGoodbye ? registry.withdraw(networkOf(peer), announcement.host, now)
-                              : registry.announce(networkOf(peer), announcement, now));
+                              : registry.announce(networkOf(peer), announcement, now, !key.empty()));
   }
 
   Answer answer(MHD_Connection* connection, std::string_view method, std::string_view target) {

@@ -61,6 +61,7 @@ TEST(HostRegistry, OneHostHasThirtyTwoEntries) {
   EXPECT_EQ(registry.announce("a", of("x", 33), 0), Answer::tooManyOfNetwork);
   EXPECT_EQ(registry.announce("a", of("x", 32, 5), 0), Answer::done) << "those it has may change";
   EXPECT_EQ(registry.announce("b", of("x", 33), 0), Answer::done);
+  EXPECT_EQ(registry.announce("a", of("x", 34), 0, true), Answer::done) << "trusted";
 }
 
 TEST(HostRegistry, HoldsAThousandEntriesAndAClientTakesThem) {

@@ -177,6 +177,18 @@ TEST_F(Publishing, OneAddressHasThirtyTwoEntries) {
   EXPECT_EQ(announce(33, 11), 200);
 }
 
+TEST_F(Publishing, WhoHasTheKeyHasAsManyAsHeLikes) {
+  const RunningServer list(this->list("k"));
+  for (int port = 1; port <= 40; ++port) {
+    const std::string one = "version=1.2.1&address=play.example&port=" + std::to_string(port);
+    EXPECT_EQ(
+        ask(list.webPort(), request("POST", one + query.substr(query.find("&password")), "Authorization: Bearer k\r\n"))
+            .status,
+        200)
+        << port;
+  }
+}
+
 TEST_F(Publishing, EvilAnnouncementsAreRefused) {
   const RunningServer list(this->list());
   const std::string head = "version=1.2.1&address=play.example&port=2010&password=0&players=3&max=6&notes=";

@@ -1,0 +1,148 @@
+#!/usr/bin/env python3
+"""What a server costs the machine: real processes, real sockets of the loopback interface.
+
+    bench/arena_load.py build/release/kelvora-server [--seconds 20] [--arenas 100] [--bots 5]
+
+First one arena with six clients, each of whom reports 25 positions a second and answers every ping; then as many arenas
+as --arenas says, each a process of its own with bots and one such client. Processor time is that of the server processes
+alone, as the system counts it, in percent of one core; memory is what they have in it (RSS), and what of that they do
+not share (PSS). It ends by itself, and takes its servers with it.
+"""
+
+import argparse
+import math
+import os
+import socket
+import subprocess
+import time
+
+START, END, SEPARATOR = b"\x80", b"\x81", b"\x82"
+LOGIN, REPORT, PING, PING_REPLY = 135, 131, 132, 133
+
+
+def frame(message, *fields):
+    return START + bytes([message]) + SEPARATOR.join(field.encode("latin-1") for field in fields) + END
+
+
+class Player:
+    """Flies circles at the game's own speed, and reads all it is told."""
+
+    def __init__(self, port, number):
+        self.socket = socket.create_connection(("127.0.0.1", port))
+        self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        self.socket.sendall(frame(LOGIN, f"Load{number}", "", str(number % 6), "1.2.1"))
+        self.socket.setblocking(False)
+        self.rest = b""
+        self.frames = self.pings = self.reports = 0
+        self.centre = None
+        self.angle = number
+
+    def read(self):
+        try:
+            while data := self.socket.recv(65536):
+                self.rest += data
+        except BlockingIOError:
+            pass
+        *whole, self.rest = self.rest.split(END)
+        for text in whole:
+            self.frames += 1
+            if text[1] == PING:
+                self.pings += 1
+                self.socket.sendall(frame(PING_REPLY, f"{time.time() % 86400:.3f}"))
+            elif self.centre is None and text.count(SEPARATOR) == 3:
+                # The first with four fields is the answer to the login: colour, node, x, y.
+                x, y = (float(field) for field in text.split(SEPARATOR)[2:])
+                self.centre = (x - 2000 * math.cos(self.angle), y - 2000 * math.sin(self.angle))
+
+    def report(self):
+        if self.centre is None:
+            return
+        self.angle += 0.3  # 600 units in 40 ms, half the full speed
+        self.reports += 1
+        x, y = (self.centre[0] + 2000 * math.cos(self.angle), self.centre[1] + 2000 * math.sin(self.angle))
+        self.socket.sendall(frame(REPORT, f"{x:.3f}", f"{y:.3f}"))
+
+
+class Server:
+    def __init__(self, program, bots):
+        words = [program, "--port", "0"] + (["--bots", str(bots)] if bots else [])
+        self.process = subprocess.Popen(words, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.port = int(self.process.stdout.readline().rsplit(":", 1)[1])
+
+    def seconds(self):
+        """Processor time since its start."""
+        with open(f"/proc/{self.process.pid}/schedstat", encoding="ascii") as file:
+            main = int(file.read().split()[0]) / 1e9
+        threads = 0.0
+        for thread in os.listdir(f"/proc/{self.process.pid}/task"):
+            with open(f"/proc/{self.process.pid}/task/{thread}/schedstat", encoding="ascii") as file:
+                threads += int(file.read().split()[0]) / 1e9
+        return max(main, threads)
+
+    def memory(self):
+        """RSS and PSS in KiB."""
+        with open(f"/proc/{self.process.pid}/smaps_rollup", encoding="ascii") as file:
+            lines = {line.split(":")[0]: line.split()[1] for line in file.readlines()[1:]}
+        return int(lines["Rss"]), int(lines["Pss"])
+
+    def end(self):
+        self.process.terminate()
+        self.process.wait(10)
+
+
+def play(players, seconds):
+    """All report 25 times a second, spread evenly over each 40 ms."""
+    begin = time.monotonic()
+    step = 0
+    while (now := time.monotonic()) < begin + seconds:
+        player = players[step % len(players)]
+        player.read()
+        player.report()
+        step += 1
+        due = begin + step * 0.04 / len(players)
+        if due > now:
+            time.sleep(due - now)
+    return time.monotonic() - begin
+
+
+def measure(program, arenas, people, bots, seconds):
+    servers = []
+    try:
+        for _ in range(arenas):
+            servers.append(Server(program, bots))
+        players = [Player(server.port, number) for server in servers for number in range(people)]
+        play(players, 10)  # till all the bots are in
+        for player in players:
+            player.frames = player.reports = player.pings = 0
+        before = [server.seconds() for server in servers]
+        taken = play(players, seconds)
+        used = [server.seconds() - start for server, start in zip(servers, before)]
+        memory = [server.memory() for server in servers]
+        rate = sum(player.reports for player in players) / len(players) / taken
+        heard = sum(player.frames for player in players) / len(players) / taken
+        pings = sum(player.pings for player in players) / len(players) / taken * 60
+        print(f"{arenas} arena(s) of {people} client(s) and {bots} bot(s), {taken:.1f} s: "
+              f"{rate:.1f} reports a second, {pings:.1f} pings a minute and {heard:.1f} messages a second a client")
+        print(f"  processor: {100 * sum(used) / taken:.2f} % of a core in all, "
+              f"{100 * max(used) / taken:.2f} % the busiest")
+        print(f"  memory: {sum(rss for rss, _ in memory) / 1024:.1f} MiB in all (RSS), "
+              f"{sum(pss for _, pss in memory) / 1024:.1f} MiB with what is shared counted once (PSS), "
+              f"{max(rss for rss, _ in memory) / 1024:.1f} MiB the largest (RSS)")
+    finally:
+        for server in servers:
+            server.end()
+
+
+def main():
+    arguments = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    arguments.add_argument("program")
+    arguments.add_argument("--seconds", type=float, default=20)
+    arguments.add_argument("--arenas", type=int, default=100)
+    arguments.add_argument("--bots", type=int, default=5)
+    chosen = arguments.parse_args()
+    measure(chosen.program, 1, 6, 0, chosen.seconds)
+    measure(chosen.program, chosen.arenas, 1, chosen.bots, chosen.seconds)
+
+
+if __name__ == "__main__":
+    main()
