@@ -48,7 +48,7 @@ void takeArguments(Options& options, std::span<const char* const> arguments) {
       value = arguments[i];
     }
     const std::string complaint = setOption(options, *option, value);
-    if (!complaint.empty()) options.error = name + " " + complaint;
+    if (!complaint.empty()) options.error.append(name).append(" ").append(complaint);
   }
 }
 
