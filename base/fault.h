@@ -17,6 +17,7 @@ class RuntimeFault : public std::runtime_error {
 [[noreturn]] void raiseSubscriptOutOfRange();
 [[noreturn]] void raiseTypeMismatch();
 [[noreturn]] void raiseInvalidPropertyValue();
+[[noreturn]] void raiseOutOfMemory();
 
 /// Runs one statement and swallows its fault; the caller goes on with its next statement. Other exceptions pass.
 template <class Statement>

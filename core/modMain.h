@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -75,6 +76,19 @@ extern std::int16_t nextTip;
 extern bool borderShrinking;
 extern std::uint8_t borderWidth;
 extern std::int16_t borderCounter;
+
+// What a server can make the client keep, all in all: far beyond any game, so that one of ill will cannot fill the
+// memory, nor make a frame last for ever. What would go beyond is dropped, or is a fault of its message.
+inline constexpr std::size_t mostTailVertices = 250'000;       ///< of all players
+inline constexpr std::size_t mostQueuedPositions = 1'000'000;  ///< of all players and network particles
+inline constexpr std::size_t mostKillerTails = 1'000;
+inline constexpr std::size_t mostVictims = 1'000;  ///< of one killer tail
+inline constexpr std::size_t mostExplosionParticles = 1'000;
+inline constexpr std::size_t mostNameBytes = std::size_t{16} << 20;  ///< of opponents and network particles
+extern std::size_t queuedPositions;
+extern std::size_t nameBytes;
+/// Counts a name that is kept for good; RuntimeFault "Out of memory" beyond the limit.
+void keepName(const std::string& name);
 
 /// Puts every variable above back to its value at the start of the process.
 void clearWorld();

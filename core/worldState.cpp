@@ -35,6 +35,9 @@ std::int16_t centreMessageAge = 0;
 std::array<std::string, 20> tips;
 std::int16_t nextTip = 0;
 
+std::size_t queuedPositions = 0;
+std::size_t nameBytes = 0;
+
 bool borderShrinking = false;
 std::uint8_t borderWidth = 0;
 std::int16_t borderCounter = 0;
@@ -68,9 +71,16 @@ void clearWorld() {
   centreMessageAge = 0;
   tips = {};
   nextTip = 0;
+  queuedPositions = 0;
+  nameBytes = 0;
   borderShrinking = false;
   borderWidth = 0;
   borderCounter = 0;
+}
+
+void keepName(const std::string& name) {
+  if (name.size() > mostNameBytes - nameBytes) raiseOutOfMemory();
+  nameBytes += name.size();
 }
 
 float getDistance(Vector a, Vector b) {

@@ -105,6 +105,7 @@ void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::str
 
 void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::string& name, float x, float y,
                          std::int16_t alive, std::int16_t kills) {
+  modMain::keepName(name);
   // A join that failed half way has left a slot that does not count; it is made anew.
   opponents.resize(static_cast<std::size_t>(opponentCount));
   clsPlayer& newcomer = opponents.emplace_back();

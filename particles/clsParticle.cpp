@@ -183,7 +183,14 @@ void clsParticle::queuePosition(Vector point) {
     position = point;
     return;
   }
+  if (modMain::queuedPositions >= modMain::mostQueuedPositions) return;
   positionQueue.push_back(point);
+  ++modMain::queuedPositions;
+}
+
+void clsParticle::dropQueuedPosition() {
+  positionQueue.pop_front();
+  if (modMain::queuedPositions > 0) --modMain::queuedPositions;
 }
 
 }  // namespace kelvora

@@ -57,7 +57,7 @@ class clsParticle {
 
  private:
   /// Takes the oldest of the server's positions away.
-  void dropQueuedPosition() { positionQueue.pop_front(); }
+  void dropQueuedPosition();
   /// Counts one paint of an explosion particle; True if it is not to be drawn. It may have left its pool.
   bool isWaiting();
   void paintBackground(Vector place) const;

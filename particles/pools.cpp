@@ -32,7 +32,7 @@ void createParticleField() {
 }
 
 void addExplosion(Vector point, std::int16_t count) {
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count && explosionParticles.size() < mostExplosionParticles; ++i) {
     explosionParticles.emplace_back().init(explosionCount, static_cast<std::uint8_t>(ParticleType::Explosion), point.x,
                                            point.y);
     explosionCount += 1;
@@ -63,6 +63,7 @@ std::int16_t allocNetParticle() {
 }
 
 void receiveParticleNew(const std::string& id, std::int16_t kind, float x, float y, float dx, float dy) {
+  keepName(id);
   const std::int16_t slot = allocNetParticle();
   // Quirk Q-263: the number given is the count after the growth, so these particles are numbered from 1.
   netParticles[static_cast<std::size_t>(slot)].initNormal(netParticleCount, id, kind, x, y, dx, dy);

@@ -23,7 +23,16 @@ float Rnd(float argument) { return backend().random(argument); }
 void Randomize(float seed) { backend().randomize(seed); }
 
 void DoEvents(bool mayWait) { backend().doEvents(mayWait); }
-void MsgBox(const std::string& text) { backend().messageBox(text); }
+void MsgBox(const std::string& text) {
+  constexpr int mostBoxes = 16;
+  static int standing = 0;
+  if (standing == mostBoxes) return;
+  struct Box {
+    Box() { ++standing; }
+    ~Box() { --standing; }
+  } box;
+  backend().messageBox(text);
+}
 void endProcess() {
   backend().endProcess();
   std::abort();  // not reached; the compiler does not believe a virtual function that it never returns

@@ -66,7 +66,8 @@ void Randomize(float seed);
 /// Gives the window system its turn: events of mouse, keys, sockets and timers run here. With `mayWait` it may sleep
 /// until there is one.
 void DoEvents(bool mayWait = false);
-/// A message with one button; events go on while it stands.
+/// A message with one button; events go on while it stands. Each box that an event puts up over another one takes some
+/// of the stack, so that over sixteen no other is shown.
 void MsgBox(const std::string& text);
 /// Ends the process at once: nothing is sent, saved or torn down.
 [[noreturn]] void endProcess();

@@ -1,4 +1,5 @@
 #include "audio/soundMan.h"
+#include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "core/modMain.h"
@@ -67,6 +68,7 @@ void clsPlayer::die() {
 }
 
 void clsPlayer::receiveCapture(std::int16_t victimColour) {
+  if (captures.size() >= 32767) raiseOverflow();  // captureCount has 16 bits
   captures.push_back(victimColour);
   kills = toInt16(kills + 1);
   displayKills();

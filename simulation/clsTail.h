@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -33,7 +34,18 @@ class clsTail {
   /// The vertex's index in its owner's tail.
   double num() const;
 
+  /// Vertices that there are, of whomever.
+  static std::size_t count() { return Counted::count; }
+
  private:
+  struct Counted {
+    Counted() { ++count; }
+    Counted(const Counted&) { ++count; }
+    Counted& operator=(const Counted&) = default;
+    ~Counted() { --count; }
+    static inline std::size_t count = 0;
+  };
+
   friend class clsPlayer;  // moves serials when a vertex leaves the middle of the tail
 
   double serial_ = 0;            // num plus the owner's tailBase
@@ -43,6 +55,7 @@ class clsTail {
   std::string tailID_;
   bool isCharged_ = false;
   Tick lastStep_ = 0;  // 0 until the first step
+  [[no_unique_address]] Counted counted_;
 };
 
 }  // namespace kelvora

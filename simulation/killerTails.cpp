@@ -22,6 +22,12 @@ void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, flo
   // Quirk Q-106: only the place is compared, so a second capture at the same coordinates joins the first one's winner.
   const auto known = std::find_if(killerTails.begin(), killerTails.end(),
                                   [&](const KillerTail& record) { return record.location == location; });
+  const bool isFull =
+      known == killerTails.end() ? killerTails.size() >= mostKillerTails : known->victims.size() >= mostVictims;
+  if (isFull) {
+    executeCapture(winnerNode, loserNode);
+    return;
+  }
   if (known != killerTails.end()) {
     known->victims.push_back(loser);
     return;

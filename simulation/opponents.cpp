@@ -51,10 +51,15 @@ void clsPlayer::queuePosition(Vector point) {
     position = point;
     return;
   }
+  if (modMain::queuedPositions >= modMain::mostQueuedPositions) return;
   positionQueue.push_back(point);
+  ++modMain::queuedPositions;
 }
 
-void clsPlayer::dequeuePosition() { positionQueue.pop_front(); }
+void clsPlayer::dequeuePosition() {
+  positionQueue.pop_front();
+  if (modMain::queuedPositions > 0) --modMain::queuedPositions;
+}
 
 void clsPlayer::moveAsOpponent() {
   if (positionQueue.empty()) return;

@@ -65,7 +65,7 @@ void clsTail::expire() {
 }
 
 void clsPlayer::addTail(Vector point) {
-  if (!alive) return;
+  if (!alive || clsTail::count() >= modMain::mostTailVertices) return;
   const double count = tailCount();
   clsTail& vertex = tails.emplace_back();
   vertex.initTail(count, playerIndex, point);

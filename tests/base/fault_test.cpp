@@ -18,6 +18,7 @@ TEST(Fault, HasOneWordingForEachCause) {
   EXPECT_EQ(wording(raiseSubscriptOutOfRange), "Subscript out of range");
   EXPECT_EQ(wording(raiseTypeMismatch), "Type mismatch");
   EXPECT_EQ(wording(raiseInvalidPropertyValue), "Invalid property value");
+  EXPECT_EQ(wording(raiseOutOfMemory), "Out of memory");
 }
 
 TEST(ResumeNext, SkipsAFailingStatementAndRunsTheNext) {

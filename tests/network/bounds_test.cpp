@@ -1,0 +1,132 @@
+// What a server of ill will can make the client keep is bounded, and so is what it costs a frame.
+
+#include <gtest/gtest.h>
+
+#include "base/fault.h"
+#include "network/messageQueue.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+using modMain::localPlayer;
+
+class Bounds : public GameTest {
+ protected:
+  Bounds() { login(); }
+  static std::string frame(std::int16_t id, const std::vector<std::string>& fields) {
+    return wire::buildFrame(id, fields);
+  }
+  static std::string repeated(const std::string& text, std::size_t count) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i) all += text;
+    return all;
+  }
+};
+
+TEST_F(Bounds, ATailTakesNoMoreThanAQuarterOfAMillionVertices) {
+  localPlayer.powerups[extendedTailSlot].active = true;
+  const std::string echo = frame(wire::msgPosition, {"7", "1", "1"});
+  for (int i = 0; i < 6; ++i) serverSends(repeated(echo, 50'000));
+  EXPECT_EQ(localPlayer.tailCount(), 250'000);
+  EXPECT_EQ(clsTail::count(), 250'000U);
+  localPlayer.killTail(0);
+  serverSends(echo);
+  EXPECT_EQ(localPlayer.tailCount(), 250'000) << "what has gone makes room";
+}
+
+TEST_F(Bounds, TheVerticesOfAllPlayersCountTogether) {
+  const std::size_t before = clsTail::count();
+  {
+    clsPlayer player;
+    player.alive = true;
+    player.addTail({1, 1});
+    const clsPlayer copy = player;
+    EXPECT_EQ(clsTail::count(), before + 2);
+  }
+  EXPECT_EQ(clsTail::count(), before);
+}
+
+TEST_F(Bounds, AMillionPositionsWaitAtTheMost) {
+  join(8, 1, "Bob");
+  serverSends(wire::msgParticleAdd, {"p", "0", "1", "1", "0", "0"});
+  serverSends(wire::msgParticleMove, {"p", "2", "2"});
+  const std::string positions = repeated(frame(wire::msgPosition, {"8", "50001", "50001"}), 100'000);
+  for (int i = 0; i < 11; ++i) serverSends(positions);
+  clsPlayer& bob = modMain::opponents[0];
+  const double particles = static_cast<double>(modMain::netParticles[0].positionQueue.size());
+  EXPECT_EQ(bob.positionQueueCount() + particles, 1'000'000);
+  serverSends(wire::msgParticleMove, {"p", "3", "3"});
+  EXPECT_EQ(static_cast<double>(modMain::netParticles[0].positionQueue.size()), particles);
+  bob.moveAsOpponent();
+  EXPECT_EQ(bob.positionQueueCount() + particles, 999'999) << "one was near, and is reached";
+  serverSends(positions);
+  EXPECT_EQ(bob.positionQueueCount() + particles, 1'000'000) << "what was reached makes room";
+}
+
+TEST_F(Bounds, AThousandVerticesHaveACaptureWaiting) {
+  join(8, 1, "Bob");
+  for (int i = 0; i < 1'001; ++i) localPlayer.addTail({static_cast<float>(i), 0});
+  for (int i = 0; i < 1'000; ++i) serverSends(wire::msgTailCapture, {"7", "8", std::to_string(i), "0"});
+  EXPECT_EQ(modMain::killerTails.size(), 1'000U);
+  EXPECT_EQ(localPlayer.kills, 0);
+  serverSends(wire::msgTailCapture, {"7", "8", "1000", "0"});
+  EXPECT_EQ(modMain::killerTails.size(), 1'000U);
+  EXPECT_EQ(localPlayer.kills, 1) << "the one beyond lands at once";
+}
+
+TEST_F(Bounds, AVertexHasAThousandVictims) {
+  join(8, 1, "Bob");
+  localPlayer.addTail({1, 2});
+  const std::string capture = frame(wire::msgTailCapture, {"7", "8", "1", "2"});
+  serverSends(repeated(capture, 1'000));
+  EXPECT_EQ(modMain::killerTails.at(0).victims.size(), 1'000U);
+  EXPECT_EQ(localPlayer.kills, 0);
+  serverSends(capture);
+  EXPECT_EQ(modMain::killerTails.at(0).victims.size(), 1'000U);
+  EXPECT_EQ(localPlayer.kills, 1);
+}
+
+TEST_F(Bounds, AThousandSparksFlyAtTheMost) {
+  modMain::addExplosion({1, 1}, 600);
+  modMain::addExplosion({1, 1}, 600);
+  EXPECT_EQ(modMain::explosionCount, 1'000);
+  EXPECT_EQ(modMain::explosionParticles.size(), 1'000U);
+}
+
+TEST_F(Bounds, CapturesOfALifeAreCountedInSixteenBits) {
+  localPlayer.captures.assign(32'767, 1);
+  EXPECT_EQ(localPlayer.captureCount(), 32'767);
+  EXPECT_THROW(localPlayer.receiveCapture(1), RuntimeFault);
+  EXPECT_EQ(localPlayer.captures.size(), 32'767U);
+}
+
+TEST_F(Bounds, NamesThatStayAreSixteenMebibytesInAll) {
+  const std::string name(1'000'000, 'x');
+  for (int i = 0; i < 20; ++i) {
+    serverSends(wire::msgPlayerJoined, {std::to_string(i + 10), "1", name, "1", "1", "1", "0"});
+  }
+  EXPECT_EQ(modMain::opponentCount, 16);
+  serverSends(wire::msgParticleAdd, {name, "0", "1", "1", "0", "0"});
+  EXPECT_EQ(modMain::netParticleCount, 0);
+  serverSends(wire::msgPlayerJoined, {"99", "1", "Bob", "1", "1", "1", "0"});
+  EXPECT_EQ(modMain::opponentCount, 17) << "the usual ones still fit";
+}
+
+TEST_F(Bounds, SixteenBoxesStandOverOneAnother) {
+  int standing = 0;
+  int most = 0;
+  machine.onMessageBox = [&](const std::string&) {
+    most = std::max(most, ++standing);
+    if (machine.messageBoxes.size() < 100) serverSends(wire::msgSpawnDenied, {""});
+    --standing;
+  };
+  serverSends(wire::msgSpawnDenied, {""});
+  EXPECT_EQ(most, 16);
+  EXPECT_EQ(machine.messageBoxes.size(), 16U);
+  serverSends(wire::msgServerText, {"goes on"});
+  EXPECT_EQ(modMain::chatLines[0].text, "goes on");
+}
+
+}  // namespace
+}  // namespace kelvora
