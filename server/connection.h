@@ -18,9 +18,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
  public:
   using Clock = std::chrono::steady_clock;
   static constexpr std::size_t longestQueue = std::size_t{256} << 10;  ///< bytes not yet taken by the client
-  /// Bytes taken from the client, with bursts of half a second's worth: more than a hundred times what the game sends.
+  /// Bytes taken from the client, with bursts of half a second's worth: more than fifty times what the game sends.
   /// Who sends more waits.
-  static constexpr std::size_t bytesPerSecond = std::size_t{64} << 10;
+  static constexpr std::size_t bytesPerSecond = std::size_t{32} << 10;
 
   struct Handlers {
     std::function<void(ClientId client, std::string_view text)> onFrame;
@@ -50,7 +50,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Handlers handlers_;
   FrameReader reader_;
   // Small, so that those who flood the server take turns with those who do not.
-  std::array<char, 2048> arrived_;
+  std::array<char, 512> arrived_;
   asio::steady_timer pause_;
   Clock::time_point lastHeard_ = Clock::now();
   Clock::time_point paidUntil_;
