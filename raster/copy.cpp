@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "raster/spans.h"
 #include "raster/surface.h"
 
 namespace kelvora {
@@ -31,10 +32,6 @@ struct Rows {
   int width;
   int height;
 };
-
-// Eight pixels: one register of a machine with wide ones (AVX2), two of any other.
-constexpr int blockWidth = 8;
-using Block [[gnu::vector_size(blockWidth * sizeof(Pixel))]] = Pixel;
 
 // By reference, because a wide value is returned in another way on every machine.
 template <RasterOperation operation, class Value>
@@ -69,11 +66,9 @@ template <RasterOperation operation>
 [[gnu::target("avx2")]] void joinBlocksWide(const Rows& rows) {
   joinBlocks<operation>(rows);
 }
-const bool hasWideRegisters = __builtin_cpu_supports("avx2") != 0;
 #else
 template <RasterOperation operation>
 void joinBlocksWide(const Rows&) {}
-constexpr bool hasWideRegisters = false;
 #endif
 
 template <RasterOperation operation>

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -18,9 +19,14 @@ namespace {
 
 constexpr int widestPen = 64;
 
+// Rows of an arc and of an edge are worked out so many at a time: nearly always one block does, so that the processor
+// need not guess how many there are.
+constexpr int arcBlock = 32;
+constexpr int edgeBlock = 32;
+
 // The pen's disc row by row from its top: how far the row reaches to the right of the pen's pixel. To the left it
-// reaches as far plus e. A disc of width w has w rows.
-using Disc = std::array<std::int8_t, widestPen>;
+// reaches as far plus e. A disc of width w has w rows; behind them stand zeros up to a whole block.
+using Disc = std::array<std::int8_t, widestPen + arcBlock>;
 
 constexpr std::array<Disc, widestPen + 1> makeDiscs() {
   std::array<Disc, widestPen + 1> discs{};
@@ -38,73 +44,104 @@ constexpr std::array<Disc, widestPen + 1> makeDiscs() {
 
 constexpr std::array<Disc, widestPen + 1> discs = makeDiscs();
 
-// A quotient that moves by the same amount from row to row, rounded down. No branch: its steps are hard to foresee.
-class SteppedQuotient {
- public:
-  SteppedQuotient(std::int64_t dividend, std::int64_t step, std::int64_t divisor)
-      : divisor_(divisor), wholeStep_(floorDivide(step, divisor)), restStep_(step - wholeStep_ * divisor) {
-    const std::int64_t quotient = floorDivide(dividend, divisor);
-    lack_ = dividend - quotient * divisor - divisor;
-    value_ = static_cast<int>(quotient);
-  }
-  int value() const { return value_; }
-  void advance() {
-    lack_ += restStep_;
-    const std::int64_t stay = lack_ >> 63;  // -1 while the rest lacks something to the next whole, else 0
-    lack_ -= divisor_ & ~stay;
-    value_ += static_cast<int>(wholeStep_ + 1 + stay);
-  }
-
- private:
-  std::int64_t divisor_;
-  std::int64_t wholeStep_;
-  std::int64_t restStep_;
-  std::int64_t lack_;  // rest - divisor: -divisor to -1
-  int value_;
+// The image and the colour of a line.
+struct Target {
+  Pixel* pixels;
+  int width;
+  int height;
+  Pixel pixel;
 };
 
-// The side of a disc, a row at a time.
-class Arc {
- public:
-  // `rowsDown` counts from the top of the disc, `middle` is the pixel the reach is counted from, sign -1 is left.
-  Arc(const Disc& disc, int rowsDown, int middle, int sign)
-      : reach_(&disc[static_cast<std::size_t>(rowsDown)]), middle_(middle), sign_(sign) {}
-  int value() const { return middle_ + sign_ * *reach_; }
-  void advance() { ++reach_; }
-
- private:
-  const std::int8_t* reach_;
-  int middle_;
-  int sign_;
+struct End {
+  int x;
+  int y;
 };
 
-// Rows of an image that are filled from one side to the other; the sides are Arc or SteppedQuotient.
-class RowFiller {
- public:
-  RowFiller(Pixel* pixels, int width, Pixel pixel) : pixels_(pixels), width_(width), filler_(pixel) {}
+// Rows of a thick line that are worked out before they are filled; behind them is room for the rest of a block.
+constexpr int bandRows = 128;
+using BandSide = std::array<int, bandRows + std::max(arcBlock, edgeBlock)>;
 
-  template <class Left, class Right>
-  void fill(int firstRow, int endRow, Left& left, Right& right) const {
-    Left leftSide = left;  // local copies, so that the stores cannot be taken to change them
-    Right rightSide = right;
-    const SpanFiller filler = filler_;
-    const int lastColumn = static_cast<int>(width_) - 1;
-    Pixel* line = pixels_ + std::ptrdiff_t{firstRow} * width_;
-    for (int row = firstRow; row < endRow; ++row, line += width_) {
-      const int start = std::max(0, leftSide.value());
-      const int end = std::min(lastColumn, rightSide.value());
-      if (start <= end) filler.fill(line + start, end - start + 1);
-      leftSide.advance();
-      rightSide.advance();
+// A straight edge: in row r it lies at (start + (r - firstRow) step) / divisor, rounded down. It is followed in 32
+// binary places, which lose less than 129 units in a band of rows; 256 units are added for that, so that no whole
+// number is missed. None is reached too early either: the divisor is below 2^23, so what is not whole lacks at least
+// 512 units.
+class Edge {
+ public:
+  Edge() = default;
+  Edge(int firstRow, std::int64_t start, std::int64_t step, std::int64_t divisor)
+      : firstRow_(firstRow),
+        start_(start),
+        step_(step),
+        divisor_(divisor),
+        inverse_(1.0 / static_cast<double>(divisor)) {
+    placesPerRow_ = places(step);
+  }
+
+  /// Writes whole blocks.
+  void trace(int row, int endRow, int* column) const {
+    constexpr std::int64_t lift = 256;
+    auto value = static_cast<std::uint64_t>(places(start_ + (row - firstRow_) * step_) + lift);
+    const auto step = static_cast<std::uint64_t>(placesPerRow_);
+    for (; row < endRow; row += edgeBlock, column += edgeBlock) {
+      for (int i = 0; i < edgeBlock; ++i) {
+        column[i] = static_cast<int>(static_cast<std::uint32_t>(value >> 32));
+        value += step;
+      }
     }
-    left = leftSide;
-    right = rightSide;
   }
 
  private:
-  Pixel* pixels_;
-  std::ptrdiff_t width_;
-  SpanFiller filler_;
+  // dividend / divisor in units of 2^-32, at most a unit too low.
+  std::int64_t places(std::int64_t dividend) const {
+    auto quotient = static_cast<std::int64_t>(static_cast<double>(dividend) * inverse_);
+    std::int64_t rest = dividend - quotient * divisor_;
+    while (rest < 0) {
+      rest += divisor_;
+      --quotient;
+    }
+    while (rest >= divisor_) {
+      rest -= divisor_;
+      ++quotient;
+    }
+    constexpr double one = 0x1p32;
+    return quotient * (std::int64_t{1} << 32) + static_cast<std::int64_t>(static_cast<double>(rest) * inverse_ * one);
+  }
+
+  int firstRow_ = 0;
+  std::int64_t start_ = 0;
+  std::int64_t step_ = 0;
+  std::int64_t divisor_ = 1;
+  double inverse_ = 1;
+  std::int64_t placesPerRow_ = 0;
+};
+
+// One side of a thick line: from top to bottom an arc of the upper disc, a straight edge and an arc of the lower disc.
+struct Side {
+  int straight;  // first row of the edge
+  int lower;     // first row of the lower arc
+  // Where the discs' tops are and from which column their reaches count; sign -1 is left.
+  int upperTop;
+  int lowerTop;
+  int upperMiddle;
+  int lowerMiddle;
+  int sign;
+  Edge edge;
+
+  // The pixels at which the rows end. What a block writes too much is behind it and written after it.
+  void trace(const Disc& disc, int firstRow, int endRow, BandSide& columns) const {
+    const auto arc = [&](int first, int end, int top, int middle) {
+      for (int row = first; row < end; row += arcBlock) {
+        const std::int8_t* const reach = disc.data() + (row - top);
+        int* const column = columns.data() + (row - firstRow);
+        for (int i = 0; i < arcBlock; ++i) column[i] = middle + sign * reach[i];
+      }
+    };
+    arc(firstRow, std::min({straight, lower, endRow}), upperTop, upperMiddle);
+    const int edgeStart = std::max(firstRow, straight);
+    const int edgeEnd = std::min(lower, endRow);
+    if (edgeStart < edgeEnd) edge.trace(edgeStart, edgeEnd, columns.data() + (edgeStart - firstRow));
+    arc(std::max(firstRow, lower), endRow, lowerTop, lowerMiddle);
+  }
 };
 
 // One axis of a thin line's walk: along it the line takes a step a pixel ("major") or now and then ("minor").
@@ -163,6 +200,98 @@ void drawThin(Pixel* pixels, Pixel pixel, Axis major, Axis minor) {
   }
 }
 
+// Compiled twice, with wide registers and without. A tail is thousands of short lines, all different, and wrong guesses
+// of the processor were what they cost: so every row's ends are worked out first, in blocks without a branch, and then
+// the rows are filled. The edges lie at the normal n of length w: each starts beside the upper end at height n.y and
+// ends beside the lower one.
+[[gnu::always_inline]] inline void drawThick(const Target& target, End from, End to, int width) {
+  if (to.y < from.y || (to.y == from.y && to.x < from.x)) std::swap(from, to);
+  const int e = 1 - width % 2;
+  const int above = width / 2;
+  const int below = width - 1 - above;
+  const int firstRow = std::max(0, from.y - above);
+  const int endRow = std::min(target.height - 1, to.y + below) + 1;
+  const Disc& disc = discs[static_cast<std::size_t>(width)];
+  const std::int64_t run = to.x - from.x;
+  const std::int64_t rise = to.y - from.y;
+
+  // The height of the left normal, -w to w: w run / length. A level line's edges are its top and bottom rows, which the
+  // arcs hold already.
+  int normalFloor = width;
+  int normalCeiling = width;
+  std::int64_t limit = 0;
+  if (rise > 0) {
+    const std::int64_t square = run * run + rise * rise;
+    const double length = std::sqrt(static_cast<double>(square));
+    const std::int64_t product = width * std::abs(run);
+    // The whole numbers on either side of it. Where it is whole itself, arc and edge agree on its row.
+    auto low = static_cast<std::int64_t>(static_cast<double>(product) / length);
+    while (low * low * square > product * product) --low;
+    while ((low + 1) * (low + 1) * square <= product * product) ++low;
+    const auto lowRow = static_cast<int>(low);
+    normalFloor = run >= 0 ? lowRow : -lowRow - 1;
+    normalCeiling = run >= 0 ? lowRow + 1 : -lowRow;
+    // |cross product| <= w |segment|, squared, in half pixels.
+    const std::int64_t limitSquare = std::int64_t{4} * width * width * square;
+    limit = static_cast<std::int64_t>(2 * width * length);
+    while (limit * limit > limitSquare) --limit;
+    while ((limit + 1) * (limit + 1) <= limitSquare) ++limit;
+  }
+
+  const auto makeSide = [&](int sign, int floorHeight, int ceilingHeight) {
+    const int shift = sign < 0 ? e : 0;
+    Side side{from.y + static_cast<int>(floorDivide(floorHeight - e, 2)) + 1,
+              to.y - static_cast<int>(floorDivide(e - ceilingHeight, 2)),
+              from.y - above,
+              to.y - above,
+              from.x - shift,
+              to.x - shift,
+              sign,
+              {}};
+    if (rise == 0 || side.straight >= endRow) return side;
+    const std::int64_t down = 2 * (std::int64_t{std::max(side.straight, firstRow)} - from.y) + e;
+    const std::int64_t roundUp = sign < 0 ? 4 * rise - 1 : 0;
+    const std::int64_t start = down * 2 * run + sign * limit - 2 * rise * e + roundUp + 4 * rise * from.x;
+    side.edge = Edge(std::max(side.straight, firstRow), start, 4 * run, 4 * rise);
+    return side;
+  };
+  const Side left = makeSide(-1, normalFloor, normalCeiling);
+  const Side right = makeSide(1, -normalCeiling, -normalFloor);
+
+  const SpanFiller filler(target.pixel);
+  const int lastColumn = target.width - 1;
+  const bool isClipped = std::min(from.x, to.x) - above < 0 || std::max(from.x, to.x) + below > lastColumn;
+  BandSide leftColumns;
+  BandSide rightColumns;
+  Pixel* line = target.pixels + std::ptrdiff_t{firstRow} * target.width;
+  for (int row = firstRow; row < endRow; row += bandRows) {
+    const int end = std::min(row + bandRows, endRow);
+    left.trace(disc, row, end, leftColumns);
+    right.trace(disc, row, end, rightColumns);
+    if (isClipped) {
+      for (int i = 0; i < end - row; ++i) {
+        leftColumns[static_cast<std::size_t>(i)] = std::max(leftColumns[static_cast<std::size_t>(i)], 0);
+        rightColumns[static_cast<std::size_t>(i)] = std::min(rightColumns[static_cast<std::size_t>(i)], lastColumn);
+      }
+    }
+    const int* leftColumn = leftColumns.data();
+    const int* rightColumn = rightColumns.data();
+    for (int i = 0; i < end - row; ++i, line += target.width) {
+      filler.fill(line + leftColumn[i], std::ptrdiff_t{rightColumn[i]} - leftColumn[i] + 1);
+    }
+  }
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]] void drawThickWide(const Target& target, End from, End to, int width) {
+  drawThick(target, from, to, width);
+}
+#else
+void drawThickWide(const Target&, End, End, int) {}
+#endif
+
+void drawThickNarrow(const Target& target, End from, End to, int width) { drawThick(target, from, to, width); }
+
 }  // namespace
 
 void Surface::Line(float x1, float y1, float x2, float y2) {
@@ -177,7 +306,9 @@ void Surface::Line(float x1, float y1, float x2, float y2) {
   touch(std::min(from.x, to.x) - above, std::min(from.y, to.y) - above, std::max(from.x, to.x) + below,
         std::max(from.y, to.y) + below);
   if (width > 1) {
-    drawThick(from, to, width, pixel);
+    const Target target{pixels_.data(), width_, height_, pixel};
+    const auto draw = hasWideRegisters ? drawThickWide : drawThickNarrow;
+    draw(target, {from.x, from.y}, {to.x, to.y}, width);
     return;
   }
   const Axis across{from.x, to.x, width_, 1};
@@ -187,84 +318,6 @@ void Surface::Line(float x1, float y1, float x2, float y2) {
     drawThin(pixels_.data(), pixel, across, down);
   } else {
     drawThin(pixels_.data(), pixel, down, across);
-  }
-}
-
-// Each side of the shape is, from top to bottom, an arc of the upper disc, a straight edge and an arc of the lower
-// disc. The edge lies at the normal n of length w; it starts beside the upper end at height n.y and ends beside the
-// lower one.
-void Surface::drawThick(PixelPoint from, PixelPoint to, int width, Pixel pixel) {
-  if (to.y < from.y || (to.y == from.y && to.x < from.x)) std::swap(from, to);
-  const int e = 1 - width % 2;
-  const int above = width / 2;
-  const int below = width - 1 - above;
-  const int firstRow = std::max(0, from.y - above);
-  const int lastRow = std::min(height_ - 1, to.y + below);
-  const Disc& disc = discs[static_cast<std::size_t>(width)];
-  const std::int64_t run = to.x - from.x;
-  const std::int64_t rise = to.y - from.y;
-
-  // The height of the left normal, -w to w: w run / length. A level line's edges are its top and bottom rows, which the
-  // arcs hold already.
-  int normalFloor = width;
-  int normalCeiling = width;
-  std::int64_t limit = 0;
-  if (rise > 0) {
-    const std::int64_t square = run * run + rise * rise;
-    const std::int64_t widthSquare = std::int64_t{width} * width;
-    // The whole numbers on either side of it. Where it is whole itself, arc and edge agree on its row.
-    const auto low = static_cast<int>(wholeRoot(widthSquare * run * run / square));
-    const int high = low + 1;
-    normalFloor = run >= 0 ? low : -high;
-    normalCeiling = run >= 0 ? high : -low;
-    // |cross product| <= w |segment|, squared, in half pixels.
-    limit = wholeRoot(4 * widthSquare * square);
-  }
-
-  // Where the arcs of the two sides end and start, and the edges between them.
-  struct Side {
-    int sign;      // -1 left, 1 right
-    int straight;  // first row of the edge
-    int lower;     // first row of the lower arc
-    SteppedQuotient edge;
-  };
-  const auto makeSide = [&](int sign, int floorHeight, int ceilingHeight) {
-    const int straight = from.y + static_cast<int>(floorDivide(floorHeight - e, 2)) + 1;
-    const int lower = to.y - static_cast<int>(floorDivide(e - ceilingHeight, 2));
-    if (rise == 0 || straight > lastRow) return Side{sign, straight, lower, SteppedQuotient(0, 0, 1)};
-    const std::int64_t down = 2 * (std::int64_t{std::max(straight, firstRow)} - from.y) + e;
-    const std::int64_t roundUp = sign < 0 ? 4 * rise - 1 : 0;
-    const std::int64_t dividend = down * 2 * run + sign * limit - 2 * rise * e + roundUp + 4 * rise * from.x;
-    return Side{sign, straight, lower, SteppedQuotient(dividend, 4 * run, 4 * rise)};
-  };
-  Side left = makeSide(-1, normalFloor, normalCeiling);
-  Side right = makeSide(1, -normalCeiling, -normalFloor);
-
-  const RowFiller rows(pixels_.data(), width_, pixel);
-  for (int row = firstRow; row <= lastRow;) {
-    int end = lastRow + 1;
-    for (const int border : {left.straight, left.lower, right.straight, right.lower}) {
-      if (border > row) end = std::min(end, border);
-    }
-    const auto arc = [&](const Side& side) {
-      const PixelPoint centre = row < side.lower ? from : to;
-      return Arc(disc, row - centre.y + above, centre.x - (side.sign < 0 ? e : 0), side.sign);
-    };
-    const auto isStraight = [&](const Side& side) { return row >= side.straight && row < side.lower; };
-    const auto fillTo = [&](auto&& rightSide) {
-      if (isStraight(left)) {
-        rows.fill(row, end, left.edge, rightSide);
-      } else {
-        Arc leftSide = arc(left);
-        rows.fill(row, end, leftSide, rightSide);
-      }
-    };
-    if (isStraight(right)) {
-      fillTo(right.edge);
-    } else {
-      fillTo(arc(right));
-    }
-    row = end;
   }
 }
 

@@ -24,48 +24,58 @@ inline std::int64_t wholeRoot(std::int64_t value) {
   return root;
 }
 
-namespace detail {
+/// Eight pixels: one register of a machine with wide ones (AVX2), two of any other.
+inline constexpr int blockWidth = 8;
+using Block [[gnu::vector_size(blockWidth * sizeof(Pixel))]] = Pixel;
 
-/// Stores `count` equal pixels, four at a time as far as the compiler knows the machine.
-template <std::size_t count>
-inline void storeBlock(Pixel* target, const std::array<Pixel, 16>& block) {
-  std::memcpy(target, block.data(), count * sizeof(Pixel));
-}
-
-}  // namespace detail
+/// What is inlined into a function for such machines uses their registers; this tells whether to call it.
+#if defined(__x86_64__)
+inline const bool hasWideRegisters = __builtin_cpu_supports("avx2") != 0;
+#else
+inline constexpr bool hasWideRegisters = false;
+#endif
 
 /// One colour, ready to be laid down in spans. The spans of the game are short, 2 to 60 pixels as a rule: whole blocks,
 /// of which the last overlaps the one before, are faster than a loop with a remainder.
 class SpanFiller {
  public:
-  explicit SpanFiller(Pixel pixel) { block_.fill(pixel); }
+  explicit SpanFiller(Pixel pixel) {
+    for (int i = 0; i < blockWidth; ++i) block_[i] = pixel;
+  }
 
   /// Fills `count` pixels from `target` on; `count` of 0 or less fills none.
-  void fill(Pixel* target, std::ptrdiff_t count) const {
-    using detail::storeBlock;
-    if (count > 32) {
-      Pixel* const last = target + count - 16;
-      for (; target < last; target += 16) storeBlock<16>(target, block_);
-      storeBlock<16>(last, block_);
-    } else if (count >= 16) {
-      storeBlock<16>(target, block_);
-      storeBlock<16>(target + count - 16, block_);
-    } else if (count >= 4) {
+  [[gnu::always_inline]] void fill(Pixel* target, std::ptrdiff_t count) const {
+    const std::ptrdiff_t last = count - blockWidth;
+    if (last > 3 * blockWidth) {
+      Pixel* const end = target + last;
+      for (; target < end; target += blockWidth) store<blockWidth>(target);
+      store<blockWidth>(end);
+    } else if (last > blockWidth) {
       // Four stores whatever the count: a wrong guess of the processor costs more than a store.
-      const std::ptrdiff_t last = count - 4;
-      storeBlock<4>(target, block_);
-      storeBlock<4>(target + (last < 4 ? last : 4), block_);
-      storeBlock<4>(target + (last < 8 ? last : 8), block_);
-      storeBlock<4>(target + last, block_);
+      store<blockWidth>(target);
+      store<blockWidth>(target + (last < blockWidth ? last : blockWidth));
+      store<blockWidth>(target + (last < 2 * blockWidth ? last : 2 * blockWidth));
+      store<blockWidth>(target + last);
+    } else if (last >= 0) {
+      store<blockWidth>(target);
+      store<blockWidth>(target + last);
+    } else if (count >= blockWidth / 2) {
+      store<blockWidth / 2>(target);
+      store<blockWidth / 2>(target + count - blockWidth / 2);
     } else if (count > 0) {
-      target[0] = block_[0];
-      target[count / 2] = block_[0];
-      target[count - 1] = block_[0];
+      store<1>(target);
+      store<1>(target + count / 2);
+      store<1>(target + count - 1);
     }
   }
 
  private:
-  std::array<Pixel, 16> block_{};
+  template <std::size_t count>
+  [[gnu::always_inline]] void store(Pixel* target) const {
+    std::memcpy(target, &block_, count * sizeof(Pixel));
+  }
+
+  Block block_;
 };
 
 }  // namespace kelvora

@@ -12,10 +12,10 @@ namespace kelvora {
 
 namespace {
 
-// A tile is 16 by 4 pixels: a frame with little on it is mostly untouched, and clearing it costs a small part of a full
+// A tile is 16 by 8 pixels: a frame with little on it is mostly untouched, and clearing it costs a small part of a full
 // clear.
 constexpr int tileWidthBits = 4;
-constexpr int tileHeightBits = 2;
+constexpr int tileHeightBits = 3;
 constexpr int wordBits = 6;  // of the number of tiles in a word
 
 // Pixels that are cleared faster by a few stores of our own than by a call of the C library.
@@ -36,10 +36,8 @@ struct Rectangle {
 [[gnu::target("avx2")]] void fillWide(Pixel* target, std::ptrdiff_t count, Pixel pixel) {
   for (std::ptrdiff_t i = 0; i < count; ++i) target[i] = pixel;
 }
-const bool hasWideRegisters = __builtin_cpu_supports("avx2") != 0;
 #else
 void fillWide(Pixel*, std::ptrdiff_t, Pixel) {}
-constexpr bool hasWideRegisters = false;
 #endif
 
 void fillLong(Pixel* target, std::ptrdiff_t count, Pixel pixel) {

@@ -82,7 +82,6 @@ class Surface {
   /// Notes that the pixels from (left, top) to (right, bottom) are about to be drawn on; clipped here.
   void touch(int left, int top, int right, int bottom);
   void touchAll();
-  void drawThick(PixelPoint from, PixelPoint to, int width, Pixel pixel);
   void drawGlyph(const Glyph& glyph, PixelPoint corner, Pixel ink);
 
   int width_ = 0;
