@@ -69,7 +69,7 @@ void Arena::pulse(Player& owner, Millis now) {
     return !player->isAlive || distanceOf(player->spot.place(), owner.spot.place()) > pulseRadius;
   });
   // He himself comes last, so that he is alive while the others die by him.
-  std::ranges::stable_partition(near, [&](const Player* player) { return player != &owner; });
+  std::stable_partition(near.begin(), near.end(), [&](const Player* player) { return player != &owner; });
   for (Player* player : near) {
     if (isVulnerable(*player, now)) {
       kill(owner, *player, std::nullopt, now);
