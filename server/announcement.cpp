@@ -62,7 +62,7 @@ std::string readAnnouncement(const std::function<std::string(std::string_view na
   HostEntry& host = announcement.host;
   host.address = value("address");
   if (host.address.size() > longestAddress || !consistsOf(host.address, ".:-")) return "address";
-  const auto port = number(value("port"), 1, 65'535);
+  const auto port = number(value("port"), 1, highestListedPort);
   if (!port) return "port";
   host.port = *port;
   const auto password = number(value("password"), 0, 1);

@@ -25,7 +25,7 @@ std::string recordText(std::string_view text) {
 }
 
 bool matches(const HostEntry& host, std::string_view version, const HostQuery& query) {
-  return query.version == version && (query.withPassword || !host.passwordRequired) &&
+  return query.version == version && host.port <= highestListedPort && (query.withPassword || !host.passwordRequired) &&
          (query.withFull || host.players < host.maxPlayers) && (query.withEmpty || host.players > 0);
 }
 

@@ -7,6 +7,9 @@
 
 namespace kelvora::server {
 
+/// The highest port that a list can name. Clients take none from 32767 on, and end if they read one beyond it.
+inline constexpr std::uint16_t highestListedPort = 32'766;
+
 /// What the list of published games says of a server.
 struct HostEntry {
   std::string address;

@@ -68,6 +68,17 @@ TEST(HostList, EachFlagHidesItsOwnKindOfHost) {
   }
 }
 
+// A client reads ports as 16 bits with a sign; one beyond that ends it.
+TEST(HostList, APortThatClientsCannotTakeIsNotListed) {
+  HostEntry entry = host(false, 3);
+  entry.port = 32'766;
+  EXPECT_TRUE(matches(entry, "1.2.1", {.version = "1.2.1"}));
+  for (const int port : {32'767, 32'768, 65'535}) {
+    entry.port = static_cast<std::uint16_t>(port);
+    EXPECT_EQ(hostList(entry, "1.2.1", {.version = "1.2.1"}), "-END-\n") << port;
+  }
+}
+
 TEST(HostList, TheUpdateFileEndsWithALineBreak) { EXPECT_EQ(updateFile("1.2.1"), "tvqver:1.2.1\n"); }
 
 TEST(HostList, ThePathOfAnAbsoluteAddressStandsBehindTheHost) {

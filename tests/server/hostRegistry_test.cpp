@@ -104,7 +104,7 @@ std::string read(std::string query, Announcement& announcement) {
 TEST(Announcement, ComesBackFromItsQuery) {
   const Announcement sent{"1.2.1",
                           {.address = "2001:db8::7",
-                           .port = 65'535,
+                           .port = 32'766,
                            .passwordRequired = true,
                            .notes = "50% + 1 & more = f\xFCr alle?#/",
                            .players = 5,
@@ -146,6 +146,8 @@ TEST(Announcement, WhatIsUnfitForAListIsRefusedByName) {
       {"port", "", false},
       {"port", "0", false},
       {"port", "1", true},
+      {"port", "32766", true},
+      {"port", "32767", false},
       {"port", "65536", false},
       {"port", "-1", false},
       {"port", "1x", false},

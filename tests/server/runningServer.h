@@ -1,7 +1,10 @@
 #pragma once
 
+#include <asio/io_context.hpp>
+#include <asio/ip/tcp.hpp>
 #include <asio/post.hpp>
 #include <mutex>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -9,6 +12,20 @@
 #include "server/gameServer.h"
 
 namespace kelvora::server {
+
+/// A free port of the loopback interface that a list may name; the system's own choice would be too high.
+inline std::uint16_t freeListedPort() {
+  static std::mt19937 random(std::random_device{}());
+  for (;;) {
+    const auto port = std::uniform_int_distribution<std::uint16_t>(20'000, highestListedPort)(random);
+    asio::io_context context;
+    asio::ip::tcp::acceptor probe(context);
+    asio::error_code error;
+    probe.open(asio::ip::tcp::v4(), error);
+    probe.bind({asio::ip::address_v4::loopback(), port}, error);
+    if (!error) return port;
+  }
+}
 
 /// The server on free ports of the loopback interface, on a thread of its own.
 class RunningServer {
@@ -37,7 +54,7 @@ class RunningServer {
 
  private:
   static Options onAnyPort(Options options) {
-    options.port = 0;
+    options.port = freeListedPort();
     if (options.webPort) options.webPort = 0;
     return options;
   }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "server/gameServer.h"
+#include "tests/server/runningServer.h"
 #include "tests/server/tcpClient.h"
 
 namespace kelvora::server {
@@ -286,7 +287,7 @@ class GameWithWeb : public testing::Test {
  private:
   static Options options() {
     Options options;
-    options.port = 0;
+    options.port = freeListedPort();
     options.rules.speedFactor = 0;
     options.webPort = 0;
     options.publicAddress = "play.example";
@@ -342,12 +343,14 @@ TEST_F(GameWithWeb, TheGameGoesOnWhileTheWebServerIsFlooded) {
 TEST(ServerProgram, TellsBothItsPortsAndEndsWithRequestsUnderWay) {
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);
+  const std::string chosen = std::to_string(freeListedPort());
   const pid_t process = ::fork();
   if (process == 0) {
     ::dup2(ends[1], STDOUT_FILENO);
     ::close(ends[0]);
     ::close(STDERR_FILENO);
-    ::execl(KELVORA_SERVER_PROGRAM, "kelvora-server", "--port", "0", "--web-port", "0", "--notes", "x", nullptr);
+    ::execl(KELVORA_SERVER_PROGRAM, "kelvora-server", "--port", chosen.c_str(), "--web-port", "0", "--notes", "x",
+            nullptr);
     ::_exit(127);
   }
   ::close(ends[1]);
