@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 
 #include "base/fault.h"
 
@@ -161,15 +160,16 @@ std::string formatThreeDigits(std::int32_t value) {
 
 std::string formatThousands(double value) {
   if (!std::isfinite(value)) raiseOverflow();
-  constexpr std::size_t decimals = 3;
-  double magnitude = std::fabs(value);
-  // Only odd sixteenths lie exactly half-way between two thousandths; these go away from zero.
+  constexpr int decimals = 3;
+  const double magnitude = std::fabs(value);
+  // Only odd sixteenths lie exactly half-way between two thousandths; these go away from zero. Their fourth decimal is
+  // the last, a 5, and the third one a 2 or a 7, so that one more there never carries.
   const bool isHalfway = std::fmod(magnitude * 16.0, 2.0) == 1.0;
-  if (isHalfway) magnitude = std::nextafter(magnitude, std::numeric_limits<double>::infinity());
   std::array<char, 400> buffer{};
-  const auto result =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude, std::chars_format::fixed, decimals);
-  const std::string_view plain(buffer.data(), static_cast<std::size_t>(result.ptr - buffer.data()));
+  auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude, std::chars_format::fixed,
+                                    decimals + (isHalfway ? 1 : 0));
+  if (isHalfway) ++*(--end - 1);
+  const std::string_view plain(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
   const std::size_t wholeDigits = plain.size() - decimals - 1;
   std::string text;
   if (plain.find_first_of("123456789") != std::string_view::npos && value < 0.0) text = "-";

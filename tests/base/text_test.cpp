@@ -268,6 +268,7 @@ TEST(FormatThousands, SendsHalvesAwayFromZero) {
   EXPECT_EQ(formatThousands(0.0625), ".063");
   EXPECT_EQ(formatThousands(0.1875), ".188");
   EXPECT_EQ(formatThousands(-0.0625), "-.063");
+  EXPECT_EQ(formatThousands(562949953421311.9375), "562,949,953,421,311.938") << "the next double is whole";
 }
 
 TEST(FormatThousands, SignsNegativeNumbersButNoZero) {
