@@ -110,8 +110,13 @@ std::string_view rowsOf(unsigned char character) {
   return unknownLetter;
 }
 
-// Pixels of the em square at 96 dots to the inch.
-int emPixels(const FontSpec& font) { return std::max(4, static_cast<int>(std::lround(font.size * 96.0F / 72.0F))); }
+// Pixels of the em square at 96 dots to the inch. A size that no letter can be read in, which only settings hold that
+// somebody has tampered with, is the desktop's 12 pixels here as well.
+int emPixels(const FontSpec& font) {
+  constexpr float largest = 200;
+  const float pixels = font.size * 96.0F / 72.0F;
+  return pixels <= largest ? std::max(4, static_cast<int>(std::lround(pixels))) : 12;
+}
 
 }  // namespace
 

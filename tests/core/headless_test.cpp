@@ -179,5 +179,13 @@ TEST_F(Headless, GlyphsDifferByCharacterSizeAndWeight) {
   EXPECT_EQ(std::count(blank.coverage.begin(), blank.coverage.end(), 0), std::ssize(blank.coverage));
 }
 
+TEST_F(Headless, NoLetterIsLargerThanThePicture) {
+  BlockGlyphs face;
+  const auto height = [&](float points) { return face.glyph({"Any", points, false}, 'A').height; };
+  EXPECT_EQ(height(9), 9) << "12 pixels, of which a capital takes three quarters";
+  EXPECT_EQ(height(150), 150);
+  EXPECT_EQ(height(32767), 9) << "a size out of tampered settings";
+}
+
 }  // namespace
 }  // namespace kelvora
