@@ -5,7 +5,7 @@ target_compile_options(kelvora_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
   -Woverloaded-virtual -Werror
   # g++ 12 sees overlapping copies in any optimised `"text" + std::string`.
-  $<$<NOT:$<CONFIG:Debug>>:-Wno-restrict>
+  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-restrict>
   # Pictures and positions are the same on every machine only if no compiler fuses a multiplication and an addition.
   -ffp-contract=off)
 if(KELVORA_SANITIZE)
@@ -14,6 +14,18 @@ if(KELVORA_SANITIZE)
     # The instrumented code of the library's own headers looks uninitialised to g++ 12; the plain builds keep the warning.
     -Wno-maybe-uninitialized)
   target_link_options(kelvora_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+option(KELVORA_FUZZ "Build the fuzz targets, guided by coverage and with the sanitizers (clang alone)" OFF)
+if(KELVORA_FUZZ)
+  target_compile_options(kelvora_options INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kelvora_options INTERFACE -fsanitize=address,undefined)
+endif()
+option(KELVORA_FUZZ_COVERAGE "Count the lines that fuzz targets reach" OFF)
+if(KELVORA_FUZZ_COVERAGE)
+  target_compile_options(kelvora_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+  target_link_options(kelvora_options INTERFACE -fprofile-instr-generate)
 endif()
 
 # kelvora_room(NAME [rooms and libraries it includes or calls ...]): one static library from the .cpp files of this folder.

@@ -1,0 +1,104 @@
+// The server's configuration file, its command line, and announcements to its list.
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "server/announcement.h"
+#include "server/configFile.h"
+#include "server/hostList.h"
+#include "server/hostRegistry.h"
+#include "server/options.h"
+#include "tests/fuzz/input.h"
+
+namespace kelvora::server {
+namespace {
+
+using fuzz::Input;
+using fuzz::require;
+
+void configFile(Input input) {
+  int taken = 0;
+  const std::string complaint =
+      readConfig(input.rest(), "a.conf", [&](std::string_view name, const std::string& value) {
+        ++taken;
+        require(name.find('\n') == std::string_view::npos && value.find('\n') == std::string::npos);
+        return name == "refused" ? std::string("no") : std::string();
+      });
+  require(complaint.empty() || complaint.starts_with("a.conf:"));
+}
+
+/// The texts of the input, one a line, as arguments; a file is not read.
+void commandLine(Input input) {
+  std::vector<std::string> texts;
+  while (!input.isEmpty()) texts.emplace_back(input.upTo('\n'));
+  std::vector<const char*> arguments;
+  for (const std::string& text : texts) {
+    if (text.find("config") != std::string::npos) return;
+    arguments.push_back(text.c_str());
+  }
+  const Options options = parseOptions(arguments);
+  if (!options.error.empty()) return;
+  require(options.rules.roundMs >= 1'000 && options.rules.captureGoal >= 0 && options.rules.intermissionMs >= 0);
+  require(options.rules.respawnWaitMs >= 0 && options.rules.incomePerMinute >= 0 && options.rules.speedFactor >= 0);
+  require(options.notes.size() <= 200 && options.password.size() <= 255);
+}
+
+/// Whatever is announced, the list that comes of it is whole records, one for each host, that no client trips over.
+void announcements(Input input) {
+  HostRegistry registry;
+  Millis now = 0;
+  HostQuery query{.version = "1.2.1"};
+  while (!input.isEmpty()) {
+    const std::uint8_t flags = input.byte();
+    Announcement announcement;
+    const std::string complaint = readAnnouncement(
+        [&](std::string_view name) {
+          if (name == "version" && (flags & 1) != 0) return std::string("1.2.1");
+          return std::string(input.upTo('\n'));
+        },
+        announcement);
+    now += Millis{flags} * 1'000;
+    if (!complaint.empty()) continue;
+    if (announcement.host.address.empty()) announcement.host.address = "192.0.2.1";
+    const std::string network = "10.0.0." + std::to_string(flags >> 4);
+    if ((flags & 2) != 0) {
+      registry.withdraw(network, announcement.host, now);
+    } else {
+      registry.announce(network, announcement, now);
+    }
+  }
+  const std::string list = hostList({}, "none", query, registry.records(query, now));
+  require(list.size() <= std::size_t{1} << 20 && list.find("-END-") == list.size() - 6);
+  std::size_t records = 0;
+  for (Input lines(list.data(), list.size()); !lines.isEmpty(); ++records) {
+    const std::string_view line = lines.upTo('\n');
+    if (line == "-END-") break;
+    require(line.size() > 2 && line.front() == '[' && line.back() == ']');
+    Input fields(line.data() + 1, line.size() - 2);
+    std::vector<std::string> texts;
+    while (!fields.isEmpty()) texts.emplace_back(fields.upTo('|'));
+    require(texts.size() == 6 && (texts[2] == "0" || texts[2] == "1"));
+    require(std::stoi(texts[1]) <= 32'767);  // clients read a port as 16 bits with a sign, and end if it is none
+  }
+  require(records <= registry.size());
+}
+
+}  // namespace
+}  // namespace kelvora::server
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace kelvora::server;
+  kelvora::fuzz::Input input(data, size);
+  switch (input.byte() % 3) {
+    case 0:
+      configFile(input);
+      break;
+    case 1:
+      commandLine(input);
+      break;
+    default:
+      announcements(input);
+  }
+  return 0;
+}

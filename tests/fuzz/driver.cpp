@@ -1,0 +1,155 @@
+// Runs a fuzz target without a fuzzer: replays files, and with --seconds or --runs goes on with mutations of them. The
+// input that a run ends with by a crash is left in crash-<program> in the current folder.
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+// The sanitizers', where they are.
+extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t longestInput = 4096;
+
+std::string current;
+std::string crashFile;
+
+// Called when the process ends badly: nothing here may rely on more than the text that is there.
+void leaveInput() {
+  std::ofstream(crashFile, std::ios::binary) << current;
+  std::cerr << "The input is left in " << fs::absolute(crashFile).string() << "\n";
+}
+
+void die(int signal) {
+  leaveInput();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+void run(std::string input) {
+  current = std::move(input);
+  std::vector<std::uint8_t> bytes(current.begin(), current.end());
+  LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+}
+
+class Mutator {
+ public:
+  Mutator(const std::vector<std::string>& corpus, std::uint32_t seed) : corpus_(corpus), random_(seed) {}
+
+  std::string next() {
+    std::string input = any();
+    for (std::size_t i = below(6) + 1; i > 0; --i) mutate(input);
+    input.resize(std::min(input.size(), longestInput));
+    return input;
+  }
+
+ private:
+  std::size_t below(std::size_t end) { return std::uniform_int_distribution<std::size_t>(0, end - 1)(random_); }
+  const std::string& any() { return corpus_[below(corpus_.size())]; }
+  char byte() {
+    // Those that mean something in the protocols stand among them more often.
+    static constexpr std::string_view liked = "\x80\x81\x82\xFF\n|[]:~019.-eE ";
+    return below(2) == 0 ? liked[below(liked.size())] : static_cast<char>(below(256));
+  }
+  void mutate(std::string& input) {
+    const std::size_t at = below(input.size() + 1);
+    const std::size_t length = std::min(below(16) + 1, input.size() - at);
+    switch (below(6)) {
+      case 0:
+        input.insert(at, 1, byte());
+        break;
+      case 1:
+        input.erase(at, length);
+        break;
+      case 2:
+        if (length > 0) input[at] = byte();
+        break;
+      case 3:
+        input.insert(at, std::string(input, at, length));
+        break;
+      case 4: {  // the end of another one
+        const std::string& other = any();
+        input.replace(at, std::string::npos, other, below(other.size() + 1));
+        break;
+      }
+      default: {  // a piece of another one
+        const std::string& other = any();
+        input.insert(at, other, below(other.size() + 1), below(64));
+      }
+    }
+  }
+
+  const std::vector<std::string>& corpus_;
+  std::mt19937 random_;
+};
+
+std::vector<fs::path> filesOf(const fs::path& path) {
+  if (!fs::is_directory(path)) return {path};
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::directory_iterator(path)) files.push_back(entry.path());
+  std::ranges::sort(files);
+  return files;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  double seconds = 0;
+  std::uint64_t runs = 0;
+  std::uint32_t seed = 1;
+  std::vector<std::string> corpus;
+  crashFile = "crash-" + fs::path(argv[0]).filename().string();
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    const bool isOption = argument.starts_with("--");
+    if (isOption && ++i == argc) {
+      std::cerr << "Usage: " << argv[0] << " [--seconds S | --runs N] [--seed N] FILE|FOLDER...\n";
+      return 2;
+    }
+    if (argument == "--seconds") seconds = std::atof(argv[i]);
+    if (argument == "--runs") runs = std::strtoull(argv[i], nullptr, 10);
+    if (argument == "--seed") seed = static_cast<std::uint32_t>(std::strtoul(argv[i], nullptr, 10));
+    if (isOption) continue;
+    for (const fs::path& file : filesOf(argument)) {
+      std::ifstream stream(file, std::ios::binary);
+      if (!stream) {
+        std::cerr << "cannot read " << file << "\n";
+        return 2;
+      }
+      corpus.emplace_back(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+    }
+  }
+  if (corpus.empty()) {
+    std::cerr << "There is nothing to replay.\n";
+    return 2;
+  }
+  if (__sanitizer_set_death_callback != nullptr) __sanitizer_set_death_callback(leaveInput);
+  for (const int signal : {SIGILL, SIGABRT, SIGTRAP}) std::signal(signal, die);
+  if (__sanitizer_set_death_callback == nullptr) std::signal(SIGSEGV, die);
+
+  for (const std::string& input : corpus) run(input);
+  std::cout << corpus.size() << " inputs replayed\n";
+  if (seconds == 0 && runs == 0) return 0;
+  Mutator mutator(corpus, seed);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+  std::uint64_t done = 0;
+  for (; runs != 0 ? done < runs : std::chrono::steady_clock::now() < end; ++done) run(mutator.next());
+  std::cout << done << " mutations, seed " << seed << "\n";
+}

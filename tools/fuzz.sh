@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# tools/fuzz.sh [TARGET|all] [MINUTES]: fuzzes, guided by coverage, with the sanitizers. What it finds new is kept in
+# build/fuzz/found/TARGET, and what ends a run badly in build/fuzz/crashes. Needs clang 16 or newer.
+# tools/fuzz.sh --coverage: the lines that the corpus reaches, by room. tools/fuzz.sh --merge [TARGET|all]: takes into
+# tests/fuzz/corpus what reaches something new.
+set -uo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
+# shellcheck source=tools/setup.sh
+source tools/setup.sh
+
+all_targets=$(cd tests/fuzz && ls -- *_fuzz.cpp | sed 's/_fuzz\.cpp$//')
+for version in '' -19 -18 -17 -16; do
+  command -v "clang++$version" >/dev/null || continue
+  [ "$("clang++$version" -dumpversion | cut -d. -f1)" -ge 16 ] && break
+done
+command -v "clang++$version" >/dev/null && [ "$("clang++$version" -dumpversion | cut -d. -f1)" -ge 16 ] ||
+  fail "This takes clang 16 or newer: apt-get install clang-16 libclang-rt-16-dev llvm-16"
+
+# build FOLDER CMAKE-ARGUMENTS...: builds all targets.
+build() {
+  local folder=$1 target list=()
+  shift
+  for target in $all_targets; do list+=("kelvora_fuzz_$target"); done
+  cmake --preset fuzz -B "$folder" -DCMAKE_CXX_COMPILER="clang++$version" "$@" >/dev/null ||
+    fail "cmake could not configure $folder."
+  cmake --build "$folder" --target "${list[@]}" || fail "The build failed; its own words stand above."
+}
+
+# coverage of all that the corpus reaches, a line a room
+coverage() {
+  local folder=build/fuzz-coverage target objects=() room
+  build "$folder" -DKELVORA_FUZZ_COVERAGE=ON
+  rm -f "$folder"/*.profraw
+  for target in $all_targets; do
+    LLVM_PROFILE_FILE="$folder/$target.profraw" "$folder/tests/kelvora_fuzz_$target" -runs=0 \
+      "tests/fuzz/corpus/$target" $([ -d "build/fuzz/found/$target" ] && echo "build/fuzz/found/$target") \
+      >"$folder/$target.log" 2>&1 || fail "$target ends badly: see $folder/$target.log"
+    objects+=(-object "$folder/tests/kelvora_fuzz_$target")
+  done
+  "llvm-profdata$version" merge -o "$folder/all.profdata" "$folder"/*.profraw
+  for room in base network simulation particles core rendering raster store audio frontend platform server; do
+    printf '%-12s' "$room"
+    "llvm-cov$version" report "${objects[@]}" -instr-profile "$folder/all.profdata" "$PWD/$room" |
+      awk '/^TOTAL/ { printf "%6d of %6d lines  %s\n", $8 - $9, $8, $10 }'
+  done
+}
+
+case ${1:-all} in
+  --coverage)
+    coverage
+    exit
+    ;;
+  --merge)
+    targets=${2:-all}
+    [ "$targets" = all ] && targets=$all_targets
+    for target in $targets; do
+      build/fuzz/tests/kelvora_fuzz_"$target" -merge=1 -max_len=1024 "tests/fuzz/corpus/$target" \
+        "build/fuzz/found/$target" 2>&1 | grep -E 'MERGE-OUTER.*(new|Merge)' | tail -n 1
+    done
+    exit
+    ;;
+esac
+
+targets=${1:-all}
+[ "$targets" = all ] && targets=$all_targets
+minutes=${2:-10}
+build build/fuzz
+mkdir -p build/fuzz/crashes
+status=0
+for target in $targets; do
+  [ -f "tests/fuzz/${target}_fuzz.cpp" ] || fail "There is no target $target, but these:" $all_targets
+  mkdir -p "build/fuzz/found/$target"
+  say "$target for $minutes minutes"
+  build/fuzz/tests/kelvora_fuzz_"$target" -max_total_time=$((minutes * 60)) -timeout=25 -rss_limit_mb=2048 \
+    -max_len=4096 -print_final_stats=1 -artifact_prefix="build/fuzz/crashes/$target-" \
+    "build/fuzz/found/$target" "tests/fuzz/corpus/$target" || status=1
+done
+exit $status
