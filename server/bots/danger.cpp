@@ -10,7 +10,7 @@ namespace kelvora::server {
 namespace {
 
 constexpr double nearby = 12'000;   // world units
-constexpr double warning = 400;     // ms before a loop closes
+constexpr double warning = 600;     // ms before a loop closes
 constexpr Millis calm = 600;        // ms without danger after which the next one is a new one
 constexpr double ballRadius = 450;  // world units, with some air around it
 constexpr int directions = 16;
@@ -27,14 +27,14 @@ bool Mind::flee(const BotView& view) {
   const Seen* threat = nullptr;
   std::optional<Closing> soonest;
   Place head;
-  const Place own = towards(angle_) * (speed(view) * 0.75);
+  const Place own = towards(angle_) * (topSpeed * throttle_ * (view.isRunning[turboSlot] ? 3 : 1) * 0.75);
   for (const Seen& other : view.others) {
     if (!other.isAlive || skill_.alertness <= 0 || length(other.position - view.position) > nearby) continue;
     const double pace = flightLength(other.velocity);
     if (pace < 5) continue;
     const double late = static_cast<double>(view.delay);
     const Place now = foreseen(other, late, true);
-    for (const auto& [earliest, latest] : {std::pair{0.0, 180.0}, {180.0, warning}}) {
+    for (const auto& [earliest, latest] : {std::pair{0.0, 180.0}, {180.0, 360.0}, {360.0, warning}}) {
       const auto closing = soonestClosing(other.tail, now, pace, view.position + own * ((earliest + latest) / 2),
                                           earliest, latest, other.isRunning[extendedTailSlot]);
       if (!closing || (soonest && soonest->ms <= closing->ms)) continue;
@@ -69,7 +69,7 @@ bool Mind::flee(const BotView& view) {
     way = angle;
   }
   loop_.reset();
-  steer(view, way, throttle());
+  steer(way, throttle());
   return true;
 }
 
@@ -101,7 +101,7 @@ void Mind::avoidCharges(const BotView& view) {
   for (int i = 1; i <= directions / 2; ++i) {
     for (const double side : {1.0, -1.0}) {
       const double angle = wanted_ + side * i * 2 * M_PI / directions;
-      if (!isDeadly(angle)) return steer(view, angle, throttle_);
+      if (!isDeadly(angle)) return steer(angle, throttle_);
     }
   }
 }

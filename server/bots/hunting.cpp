@@ -72,7 +72,7 @@ bool Mind::closeLoop(const BotView& view) {
   }
   if (!best) return false;
   isClosing_ = true;
-  steer(view, angleOf(best->gate - view.position), throttle());
+  steer(angleOf(best->gate - view.position), throttle());
   return true;
 }
 
@@ -102,7 +102,7 @@ void Mind::approach(const BotView& view, const Seen& prey) {
     ms = std::min(longestFlight,
                   roundTrip(radius, pace) + flightLength(heldInside(placeIn(ms), radius) - view.position) / pace);
   }
-  steer(view, angleOf(heldInside(placeIn(ms), radius) - view.position), throttle());
+  steer(angleOf(heldInside(placeIn(ms), radius) - view.position), throttle());
 }
 
 void Mind::flyLoop(const BotView& view) {
@@ -130,13 +130,13 @@ void Mind::flyLoop(const BotView& view) {
         soonestClosing(view.tail, view.position, pace, loop.centre, 0, 700, view.isRunning[extendedTailSlot]);
     if (closing) {
       isClosing_ = true;
-      return steer(view, angleOf(closing->gate - view.position), throttle());
+      return steer(angleOf(closing->gate - view.position), throttle());
     }
   }
   // Along the circle, leaning inwards by half of what the next step turns, and back to the circle from beside it.
   const double error = (length(arm) - loop.radius) / loop.radius;
   const double lean = pace * 40 * 0.75 / loop.radius / 2 + std::clamp(1.5 * error, -1.0, 1.2);
-  steer(view, angle + loop.side * (M_PI / 2 + lean), throttle());
+  steer(angle + loop.side * (M_PI / 2 + lean), throttle());
 }
 
 void Mind::endLoop(const BotView& view) {

@@ -47,7 +47,7 @@ void Mind::forget() {
   noticed_ = false;
 }
 
-void Mind::steer(const BotView&, double angle, double throttle) {
+void Mind::steer(double angle, double throttle) {
   wanted_ = angle;
   throttle_ = throttle;
 }

@@ -68,7 +68,7 @@ class Mind {
   std::optional<int> choosePowerup(const BotView& view);
   bool has(const BotView& view, int item) const;
 
-  void steer(const BotView& view, double angle, double throttle);
+  void steer(double angle, double throttle);
 
   const Skill& skill_;
   std::mt19937 random_;

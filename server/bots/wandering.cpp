@@ -9,7 +9,7 @@ void Mind::wander(const BotView& view, double throttle) {
     constexpr double margin = 8'000;
     goal_ = Place{between(margin, worldEnd - margin), between(margin, worldEnd - margin)};
   }
-  steer(view, angleOf(*goal_ - view.position), throttle);
+  steer(angleOf(*goal_ - view.position), throttle);
 }
 
 void Mind::rest(const BotView& view) {
