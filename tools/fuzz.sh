@@ -54,8 +54,14 @@ case ${1:-all} in
     targets=${2:-all}
     [ "$targets" = all ] && targets=$all_targets
     for target in $targets; do
-      build/fuzz/tests/kelvora_fuzz_"$target" -merge=1 -max_len=1024 "tests/fuzz/corpus/$target" \
-        "build/fuzz/found/$target" 2>&1 | grep -E 'MERGE-OUTER.*(new|Merge)' | tail -n 1
+      corpus=tests/fuzz/corpus/$target
+      build/fuzz/tests/kelvora_fuzz_"$target" -set_cover_merge=1 -use_counters=0 -max_len=1024 "$corpus" \
+        "build/fuzz/found/$target" >"build/fuzz/$target-merge.log" 2>&1 ||
+        fail "$target could not be merged: see build/fuzz/$target-merge.log"
+      for file in "$corpus"/*; do
+        [[ $file == *.input ]] || mv "$file" "$corpus/$(basename "$file" | cut -c 1-12).input"
+      done
+      say "$target: $(find "$corpus" -type f | wc -l) inputs"
     done
     exit
     ;;
