@@ -12,6 +12,7 @@ namespace {
 
 constexpr double worldSize = 100'000;
 constexpr Millis newStartAfter = 1'000;
+constexpr Millis longestStep = 80;  // of flight, twice the time between two reports at the design pace
 constexpr double turboFactor = 3;
 constexpr double ghostFactor = 2;
 
@@ -56,9 +57,14 @@ void Arena::position(Player& player, const Fields& fields, Millis now) {
 bool Arena::isWithinReach(Player& player, double distance, Millis now) const {
   if (rules_.speedFactor <= 0) return true;
   double speed = SpeedLimit::designSpeed * rules_.speedFactor;
-  if (player.inventory.isRunning(turboSlot, now)) speed *= turboFactor;
+  Millis step = longestStep;
+  if (player.inventory.isRunning(turboSlot, now)) {
+    speed *= turboFactor;
+    // A client's frame goes no further than its design, however long it takes, but under a turbo it does.
+    step += now - player.lastReport;
+  }
   if (!player.isAlive) speed *= ghostFactor;
-  return player.speed.allows(distance, speed, now);
+  return distance <= speed * static_cast<double>(step) && player.speed.allows(distance, speed, now);
 }
 
 void Arena::captureEnclosed(Player& winner, Millis now) {

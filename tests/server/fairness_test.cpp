@@ -33,22 +33,42 @@ class FairnessTest : public ArenaTest {
   }
 };
 
+TEST_F(FairnessTest, AStepIsNoFurtherThanTwoReportsApart) {
+  begin();
+  report(ann, 0, 0);
+  EXPECT_FALSE(moves(3'600, 3'601)) << "90 units a ms, both axes together, for 80 ms";
+  EXPECT_TRUE(moves(3'600, 3'600));
+  now += 5'000;
+  EXPECT_TRUE(moves(3'600, 3'600));
+  now += 999;
+  EXPECT_FALSE(moves(10'801, 3'600)) << "nor is it after a pause: frames do not grow with it";
+  EXPECT_TRUE(moves(10'800, 3'600));
+}
+
+TEST_F(FairnessTest, ABounceAtFullSpeedIsNoJump) {
+  begin();
+  ASSERT_TRUE(moves(200, 200));
+  // Slow frames go 300 units on each axis; the first throws the ball back from both walls, and three follow.
+  EXPECT_TRUE(moves(1'900, 1'900));
+}
+
 TEST_F(FairnessTest, ASecondsWorthMayBeGoneAtOnce) {
   begin();
-  report(ann, 1, 0);
-  now += 999;
-  EXPECT_FALSE(moves(45'001, 45'001)) << "90001 units on both axes together";
-  EXPECT_TRUE(moves(45'001, 45'000));
-  EXPECT_FALSE(moves(45'002, 45'000));
+  // 90000 units: twelve of the longest steps and a half.
+  for (int i = 1; i <= 12; ++i) EXPECT_TRUE(moves(7'200 * i, 0)) << i;
+  EXPECT_FALSE(moves(86'400, 3'601));
+  EXPECT_TRUE(moves(86'400, 3'600));
+  EXPECT_FALSE(moves(86'400, 3'601));
 }
 
 TEST_F(FairnessTest, ThenItIsTheSpeedThatCounts) {
   begin();
-  ASSERT_TRUE(moves(45'000, 45'000));
-  now += 100;
-  EXPECT_FALSE(moves(54'001, 45'000)) << "9000 units in a tenth of a second";
-  EXPECT_TRUE(moves(54'000, 45'000));
-  EXPECT_EQ(view(ann).position, (Place{54'000, 45'000}));
+  for (int i = 1; i <= 12; ++i) ASSERT_TRUE(moves(7'200 * i, 0));
+  ASSERT_TRUE(moves(86'400, 3'600));
+  now += 10;
+  EXPECT_FALSE(moves(86'400, 4'501)) << "900 units in a hundredth of a second";
+  EXPECT_TRUE(moves(86'400, 4'500));
+  EXPECT_EQ(view(ann).position, (Place{86'400, 4'500}));
 }
 
 TEST_F(FairnessTest, FullSpeedIsNeverRefused) {
@@ -59,7 +79,7 @@ TEST_F(FairnessTest, FullSpeedIsNeverRefused) {
   }
 }
 
-TEST_F(FairnessTest, TurboAndDeathMakeFaster) {
+TEST_F(FairnessTest, TurboMakesFaster) {
   login(ann, "Ann");
   login(bob, "Bob", "1");
   pass(20'000);
@@ -67,31 +87,34 @@ TEST_F(FairnessTest, TurboAndDeathMakeFaster) {
   pass(2'000);
   say(ann, wire::msgBuyRequest, {"1"});
   say(ann, wire::msgActivateRequest, {"1"});
-  pass(1'000);
-  EXPECT_TRUE(moves(100'000, 100'000)) << "of 270000";
-  EXPECT_FALSE(moves(100'000, 0)) << "which leaves 70000";
-  EXPECT_TRUE(moves(100'000, 30'000));
-  pass(10'000);
-  report(ann, 50'000, 50'000);
-  pass(1'000);
-  circle(bob, 50'000, 50'000);
+  report(ann, 0, 0);
+  EXPECT_FALSE(moves(21'601, 0)) << "270 units a ms for 80 ms";
+  EXPECT_TRUE(moves(21'600, 0));
+  now += 200;
+  EXPECT_FALSE(moves(97'201, 0)) << "on a slow machine a turbo's frames are longer, here by 200 ms";
+  EXPECT_TRUE(moves(97'200, 0));
+}
+
+TEST_F(FairnessTest, DeathMakesFasterToo) {
+  begin();
+  for (const auto& [x, y] : {std::pair{200, 0}, {2'000, 0}, {2'000, 2'000}, {1'000, 2'000}}) report(bob, x, y);
+  report(ann, 1'500, 1'000);
+  report(bob, 1'000, 0);
   ASSERT_FALSE(view(ann).isAlive);
-  pass(1'000);
-  EXPECT_TRUE(moves(100'000, 100'000));
-  EXPECT_FALSE(moves(100'000, 19'999)) << "80001 of 80000 that are left";
-  EXPECT_TRUE(moves(100'000, 20'000));
+  now += 1'000;
+  report(ann, 1'500, 1'000);
+  EXPECT_FALSE(moves(15'901, 1'000)) << "180 units a ms for 80 ms";
+  EXPECT_TRUE(moves(15'900, 1'000));
 }
 
 TEST_F(FairnessTest, AfterASecondOfRefusalsAPlayerBeginsAnew) {
   begin();
-  ASSERT_TRUE(moves(45'000, 45'000));
-  now += 10;
-  report(ann, 45'010, 45'000);
+  report(ann, 0, 0);
+  report(ann, 10, 0);
   ASSERT_EQ(view(ann).tail.size(), 2U);
-  for (int i = 0; i < 9; ++i) {
+  for (int i = 1; i <= 9; ++i) {
     now += 100;
-    // Further away than what has come together until then: 900 units after the last one, and 9000 each time.
-    EXPECT_FALSE(moves(45'010 + 10'000 + 5'000 * i, 50'000 + 5'000 * i)) << i;
+    EXPECT_FALSE(moves(10'000 * i, 50'000)) << i;
   }
   now += 99;
   EXPECT_FALSE(moves(100'000, 100'000)) << "999 ms after the last accepted one";
@@ -111,30 +134,22 @@ TEST_F(FairnessTest, APauseAloneLosesNoTail) {
 
 TEST_F(FairnessTest, ALeapCapturesNobody) {
   begin();
-  report(bob, 50'000, 50'000);
-  // Three sides of a square, and a leap that would close it.
-  report(ann, 20'000, 20'000);
-  now += 1'100;
-  report(ann, 20'000, 60'000);
-  now += 300;
-  report(ann, 60'000, 60'000);
-  now += 300;
-  report(ann, 60'000, 20'000);
+  report(bob, 5'000, 5'000);
+  // Three sides of a square round him, and a leap that would close it.
+  for (const auto& [x, y] : {std::pair{1'000, 1'000}, {7'000, 1'000}, {7'000, 7'000}, {1'000, 7'000}})
+    report(ann, x, y);
   ASSERT_EQ(view(ann).tail.size(), 4U);
-  got.clear();
-  now += 100;
-  report(ann, 10'000, 20'000);
-  EXPECT_TRUE(got.empty());
+  EXPECT_FALSE(moves(3'000, 0)) << "2000 and 7000 units";
   EXPECT_TRUE(view(bob).isAlive);
+  EXPECT_TRUE(moves(2'000, 1'000)) << "no leap";
+  EXPECT_FALSE(view(bob).isAlive);
 }
 
 TEST_F(FairnessTest, TheFirstStepIsLimitedToo) {
   login(ann, "Ann");
-  const Place start = view(ann).position;
-  const int x = start.x > 50'000 ? 0 : 100'000;
-  const int y = start.y > 50'000 ? 0 : 100'000;
-  const bool isFar = std::abs(start.x - x) + std::abs(start.y - y) > 90'000;
-  EXPECT_EQ(moves(x, y), !isFar);
+  const Place start = view(ann).position;  // at least 10000 units from every edge
+  EXPECT_FALSE(moves(static_cast<int>(start.x) + 7'201, static_cast<int>(start.y)));
+  EXPECT_TRUE(moves(static_cast<int>(start.x) + 7'200, static_cast<int>(start.y)));
 }
 
 class NoLimitTest : public FairnessTest {
