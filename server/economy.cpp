@@ -23,12 +23,12 @@ void Arena::activate(ClientId client, Player& player, const Fields& fields, Mill
   const auto item = fields.size() == 1 ? wholeNumber<std::int16_t>(fields[0]) : std::nullopt;
   if (!item || !player.requests.allows(now)) return;
   Inventory& inventory = player.inventory;
-  // A client that is dead or has none left needs no answer. But his own timer counts changes of the clock's second, and
-  // so ends up to a second before this one.
-  if (inventory.isRunning(*item, now)) {
-    return sendTo(client, wire::msgServerText, {"That ability isn't ready yet."});
-  }
-  if (!player.isAlive || !inventory.start(*item, now)) return;
+  const auto refuse = [&](const char* why) { sendTo(client, wire::msgServerText, {why}); };
+  // Clients ask for little of this. But they show a capture only when it lands, and their own timers count changes of
+  // the clock's second, and so end up to a second before these.
+  if (!player.isAlive) return refuse("You are out, and cannot use abilities until you are respawned.");
+  if (inventory.isRunning(*item, now)) return refuse("That ability isn't ready yet.");
+  if (!inventory.start(*item, now)) return refuse("You have none of that ability left.");
   sendToAll(wire::msgPowerupOn, {std::to_string(player.node), std::to_string(*item)});
   if (*item == extendedTailSlot) {
     player.tail.prune(now);

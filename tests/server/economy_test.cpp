@@ -148,13 +148,17 @@ TEST_F(EconomyTest, APowerupThatStartsIsToldToEverybody) {
 TEST_F(EconomyTest, WithoutStockOrLifeOrSlotNothingStarts) {
   begin(100);
   buy("1");
-  say(ann, wire::msgActivateRequest, {"0"});
-  say(ann, wire::msgActivateRequest, {"6"});
-  say(ann, wire::msgActivateRequest, {"-1"});
-  EXPECT_TRUE(got.empty());
+  for (const char* item : {"0", "6", "-1"}) {
+    got.clear();
+    say(ann, wire::msgActivateRequest, {item});
+    EXPECT_EQ(got, (Everything{{ann, {{wire::msgServerText, {"You have none of that ability left."}}}}})) << item;
+  }
   capture(bob, ann);
   say(ann, wire::msgActivateRequest, {"1"});
-  EXPECT_TRUE(got.empty());
+  EXPECT_EQ(
+      got,
+      (Everything{{ann, {{wire::msgServerText, {"You are out, and cannot use abilities until you are respawned."}}}}}));
+  got.clear();
   EXPECT_EQ(sell("1").id, wire::msgSellAccepted) << "nothing was used up";
 }
 
