@@ -22,6 +22,11 @@ class RoundClock {
     isRunning_ = !isRunning_;
     left_ = isRunning_ ? roundMs_ : intermissionMs_;
   }
+  /// Begins a round, whatever there is now.
+  void beginAnew() {
+    isRunning_ = true;
+    left_ = roundMs_;
+  }
 
  private:
   Millis roundMs_;

@@ -51,6 +51,9 @@ void Arena::endRound() {
   }
   clock_.turnOver();
   sendToAll(wire::msgRoundOver, {result});
+  if (clock_.left() > 0) {
+    sendToAll(wire::msgServerText, {"The next round begins in " + secondsText(clock_.left()) + "."});
+  }
   // A client whose store is open takes no notice of that, but of this.
   for (const auto& [client, state] : clients_) {
     if (state.player) sendDead(client, *state.player);
@@ -71,7 +74,7 @@ std::string Arena::roundResult() const {
 void Arena::beginRound() {
   clock_.turnOver();
   for (Player* player : inGame()) player->roundCaptures = 0;
-  sendToAll(wire::msgServerText, {"A new round has begun."});
+  sendToAll(wire::msgServerText, {"A new round has begun. Press Spawn to play."});
 }
 
 void Arena::sendDead(ClientId client, const Player& player) {

@@ -33,6 +33,8 @@ void Arena::login(ClientId client, std::string_view text, Millis now) {
     clients_.at(client).login = text;
     return;
   }
+  // Nobody is there to finish the round of those who have gone.
+  if (playerCount() == 0) clock_.beginAnew();
   Player player{.node = nextNode(),
                 .colour = chooseColour(fields[2]),
                 .name = trimBlanks(fields[0]),

@@ -46,6 +46,7 @@ TEST_F(RoundsTest, ARoundEndsWhenItsTimeIsUp) {
   EXPECT_EQ(result(), "The round is over. Nobody has captured anybody.");
   for (const ClientId client : {ann, bob, cat}) {
     EXPECT_EQ(all(client, wire::msgRoundOver).size(), 1U);
+    EXPECT_EQ(all(client, wire::msgServerText), (std::vector<Fields>{{"The next round begins in 10 seconds."}}));
     EXPECT_EQ(all(client, wire::msgAliveState), (std::vector<Fields>{{std::to_string(client), "0"}}))
         << "his own, for a client that has its store open";
     EXPECT_EQ(got[client].back().id, wire::msgAliveState);
@@ -123,8 +124,8 @@ TEST_F(RoundsTest, NobodyLivesInTheIntermissionAndRequestsWaitForItsEnd) {
   got.clear();
   pass(1);
   EXPECT_TRUE(arena.isRoundRunning());
-  EXPECT_EQ(got[bob],
-            (std::vector<Message>{{wire::msgServerText, {"A new round has begun."}}, {wire::msgRespawn, {"1"}}}));
+  EXPECT_EQ(got[bob], (std::vector<Message>{{wire::msgServerText, {"A new round has begun. Press Spawn to play."}},
+                                            {wire::msgRespawn, {"1"}}}));
   EXPECT_FALSE(view(bob).isAlive);
   say(bob, wire::msgSpawnRequest, {""});
   EXPECT_TRUE(view(bob).isAlive) << "from then on at once";
@@ -174,19 +175,27 @@ TEST_F(RoundsTest, ANewcomerOfAnIntermissionIsDeadAndKnowsWhenItEnds) {
   EXPECT_FALSE(view(4).isAlive);
 }
 
-TEST_F(RoundsTest, TheClockStandsWhileNobodyIsIn) {
+TEST_F(RoundsTest, WhoComesIntoAnEmptyArenaBeginsARound) {
   begin();
   pass(50'000);
   for (const ClientId client : {ann, bob, cat}) arena.disconnected(client);
   pass(500'000);
   login(cat, "Cat");
-  pass(9'999);
+  pass(59'999);
   EXPECT_TRUE(arena.isRoundRunning());
   pass(1);
   EXPECT_FALSE(arena.isRoundRunning());
   arena.disconnected(cat);
   pass(500'000);
-  EXPECT_FALSE(arena.isRoundRunning()) << "nor does an intermission end";
+  EXPECT_FALSE(arena.isRoundRunning()) << "the clock stands while nobody is in";
+  login(ann, "Ann");
+  EXPECT_TRUE(arena.isRoundRunning()) << "nobody has to wait for the end of an intermission that was others'";
+  EXPECT_TRUE(view(ann).isAlive);
+  login(bob, "Bob");
+  pass(59'999);
+  EXPECT_TRUE(arena.isRoundRunning()) << "the second one has not begun it again";
+  pass(1);
+  EXPECT_FALSE(arena.isRoundRunning());
 }
 
 TEST_F(RoundsTest, BotsDoNotMakeItGo) {
