@@ -25,8 +25,9 @@ std::string recordText(std::string_view text) {
 }
 
 bool matches(const HostEntry& host, std::string_view version, const HostQuery& query) {
-  return query.version == version && host.port <= highestListedPort && (query.withPassword || !host.passwordRequired) &&
-         (query.withFull || host.players < host.maxPlayers) && (query.withEmpty || host.players > 0);
+  return query.version == version && host.port > 0 && host.port <= highestListedPort &&
+         (query.withPassword || !host.passwordRequired) && (query.withFull || host.players < host.maxPlayers) &&
+         (query.withEmpty || host.players > 0);
 }
 
 std::string hostRecord(const HostEntry& host) {

@@ -33,6 +33,10 @@ TEST(HostList, EndsWithTheEndMarkWhetherOrNotThereIsARecord) {
   EXPECT_EQ(hostList(host(false, 3), "1.2.1", {.version = "1.2.0"}), "-END-\n");
 }
 
+TEST(HostList, NothingIsListedBeforeTheFirstWordAboutIt) {
+  EXPECT_EQ(hostList(HostEntry{}, "1.2.1", {.version = "1.2.1"}), "-END-\n");
+}
+
 TEST(HostList, OnlyTheVeryVersionMatches) {
   for (const char* version : {"", "1.2", "1.2.10", "1.2.1 ", "01.2.1"}) {
     EXPECT_FALSE(matches(host(false, 3), "1.2.1", {.version = version})) << version;
