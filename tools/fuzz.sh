@@ -28,7 +28,7 @@ build() {
 
 # coverage of all that the corpus reaches, a line a room
 coverage() {
-  local folder=build/fuzz-coverage target objects=() room
+  local folder=build/fuzz-coverage target objects=()
   build "$folder" -DKELVORA_FUZZ_COVERAGE=ON
   rm -f "$folder"/*.profraw
   for target in $all_targets; do
@@ -38,11 +38,17 @@ coverage() {
     objects+=(-object "$folder/tests/kelvora_fuzz_$target")
   done
   "llvm-profdata$version" merge -o "$folder/all.profdata" "$folder"/*.profraw
-  for room in base network simulation particles core rendering raster store audio frontend platform server; do
-    printf '%-12s' "$room"
-    "llvm-cov$version" report "${objects[@]}" -instr-profile "$folder/all.profdata" "$PWD/$room" |
-      awk '/^TOTAL/ { printf "%6d of %6d lines  %s\n", $8 - $9, $8, $10 }'
-  done
+  "llvm-cov$version" export -summary-only "${objects[@]}" -instr-profile "$folder/all.profdata" | python3 -c '
+import json, os, sys
+rooms = {}
+for file in json.load(sys.stdin)["data"][0]["files"]:
+    path = os.path.relpath(os.path.realpath(file["filename"]))
+    lines = rooms.setdefault(os.path.dirname(path), [0, 0])
+    lines[0] += file["summary"]["lines"]["covered"]
+    lines[1] += file["summary"]["lines"]["count"]
+for room, (covered, count) in sorted(rooms.items()):
+    if not room.startswith(("tests", "..")):
+        print(f"{room:20} {covered:5} of {count:5} lines {100 * covered / count:5.1f} %")'
 }
 
 case ${1:-all} in
