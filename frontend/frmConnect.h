@@ -27,6 +27,8 @@ class FrmConnect : public Form {
   // Quirk Q-229: the password is shown as it is typed, and stored so.
   TextBox txtServerPassword{this, {1740, 1260, 2055, 285}, ""};
   Label Label5{this, {120, 1620, 1455, 285}, "Preferred Color:", caption};
+  /// The circles' borders are black: their ground is lighter than the dialog.
+  Label colourGround{this, {1740, 1620, 1935, 255}, "", {.back = RGB(150, 156, 182)}};
   ControlArray<Shape, 6> shpUserColor{[this](int i) {
     return Shape{this, {1860 + 300.0F * static_cast<float>(i), 1620, 195, 255}, circleColours[i]};
   }};

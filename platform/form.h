@@ -23,7 +23,7 @@ class Form : public Control {
     float clientHeight = 0;  ///< twips
     Border border = Border::Fixed;
     Colour back = RGB(0, 0, 0);
-    bool systemColours = false;  ///< the dialog's own background in place of `back`
+    bool systemColours = false;  ///< the background of all dialogs in place of `back`
   };
   enum class Modality { Modeless, Modal };
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/qt/codePage.h"
+#include "platform/qt/gameLooks.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/programArguments.h"
 #include "platform/qt/qtDesktop.h"
@@ -54,6 +55,7 @@ int runDesktop(int argc, char** argv, void (*game)()) {
   QApplication::setDesktopFileName("kelvora");
   QApplication::setQuitOnLastWindowClosed(false);
   installFontSubstitutes();
+  installGameLooks();
 
   QtGlyphSource glyphs;
   Surface::setGlyphSource(&glyphs);

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "platform/qt/codePage.h"
+#include "platform/qt/gameLooks.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
@@ -55,11 +56,7 @@ void visitControls(Control& container, const Visit& visit) {
 }  // namespace
 
 QPalette formPalette(const Form& form) {
-  if (form.design.systemColours) return QApplication::palette();
-  QPalette colours(QColor(54, 60, 92), toQColor(form.design.back));
-  colours.setColor(QPalette::Highlight, QColor(52, 104, 196));
-  colours.setColor(QPalette::HighlightedText, Qt::white);
-  return colours;
+  return form.design.systemColours ? QApplication::palette() : gamePalette(toQColor(form.design.back));
 }
 
 FormWindow::FormWindow(Form& form, FormPeer& peer)

@@ -57,8 +57,7 @@ class FormPeer : public Peer {
   bool shownBefore_ = false;
 };
 
-/// Shades of the native controls of a form that has a background of its own, which is dark. A dialog in the desktop's
-/// colours takes the user's.
+/// Shades of the native controls of a form: of its own background, or those of all dialogs.
 QPalette formPalette(const Form& form);
 
 /// Fills the window's menu bar with the menu items that stand on the form, if there are any.

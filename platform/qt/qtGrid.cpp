@@ -40,9 +40,10 @@ class GridModel : public QAbstractTableModel {
 
   void reload() {
     beginResetModel();
-    rows_ = grid_.Rows;
-    columns_ = grid_.Cols;
-    fixedRows_ = grid_.FixedRows;
+    const bool blank = isBlank();
+    rows_ = blank ? 0 : grid_.Rows;
+    columns_ = blank ? 0 : grid_.Cols;
+    fixedRows_ = blank ? 0 : grid_.FixedRows;
     endResetModel();
   }
 
@@ -61,6 +62,14 @@ class GridModel : public QAbstractTableModel {
   }
 
  private:
+  /// Cells that say nothing at all are not shown: a list that has not come yet is an empty field.
+  bool isBlank() const {
+    for (int row = 0; row < grid_.Rows; ++row)
+      for (int column = 0; column < grid_.Cols; ++column)
+        if (!grid_.TextMatrix(row, column).empty()) return false;
+    return true;
+  }
+
   /// The grid may have changed since the view has asked how large it is.
   QVariant cell(int row, int column, int role) const {
     if (row >= grid_.Rows || column >= grid_.Cols) return {};

@@ -1,4 +1,3 @@
-#include <QApplication>
 #include <QSignalBlocker>
 #include <QSlider>
 
@@ -13,9 +12,9 @@ namespace {
 class SliderWidget : public QSlider {
  public:
   SliderWidget(Slider& slider, QWidget* parent) : QSlider(Qt::Horizontal, parent), slider_(slider) {
-    // Marks and edges are shades of these two: of a black window's own they would be black.
+    // Marks and edges are shades of these two: of a dark window's own they would be dark.
     QPalette colours = palette();
-    colours.setColor(QPalette::Window, QApplication::palette().color(QPalette::Window));
+    colours.setColor(QPalette::Window, QColor(239, 239, 239));
     colours.setColor(QPalette::Highlight, QColor(120, 168, 248));
     setPalette(colours);
     setRange(slider.Min, slider.Max);

@@ -4,9 +4,11 @@
 #include <QImage>
 #include <QMenu>
 #include <QMenuBar>
+#include <QStyle>
 #include <cmath>
 
 #include "platform/pictureBox.h"
+#include "platform/qt/gameLooks.h"
 #include "tests/platform/qt/formProbe.h"
 
 namespace kelvora {
@@ -89,12 +91,32 @@ TEST_F(Looks, DarkFormHasDarkControls) {
   }
 }
 
-TEST_F(Looks, DialogOfTheDesktopHasItsColours) {
+TEST_F(Looks, DialogWithoutColoursOfItsOwnHasThoseOfAll) {
   LooksForm dialog(true);
   dialog.Show();
   EXPECT_EQ(widgetOf(dialog.button).palette().color(QPalette::Button), QApplication::palette().color(QPalette::Button));
   EXPECT_EQ(windowOf(dialog).menuBar()->palette().color(QPalette::Window),
             QApplication::palette().color(QPalette::Window));
+}
+
+TEST(GameLooks, EveryDialogIsDarkAndLegible) {
+  const QPalette before = QApplication::palette();
+  const QFont font = QApplication::font();
+  installGameLooks();
+  const QPalette colours = QApplication::palette();
+  for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button})
+    EXPECT_LT(colours.color(role).lightness(), 110) << role;
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    EXPECT_GT(colours.color(role).lightness(), 220) << role;
+    EXPECT_GT(colours.color(role).lightness(), colours.color(QPalette::Disabled, role).lightness() + 80) << role;
+  }
+  // Fields and buttons stand out from the dialog.
+  const int ground = colours.color(QPalette::Window).lightness();
+  EXPECT_LT(colours.color(QPalette::Base).lightness(), ground - 30);
+  EXPECT_GT(colours.color(QPalette::Button).lightness(), ground + 30);
+  EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_DialogButtonBox_ButtonsHaveIcons), 0);
+  QApplication::setPalette(before);
+  QApplication::setFont(font);
 }
 
 TEST_F(Looks, PixelsOfTheGameKeepTheirShareAtABrokenScale) {

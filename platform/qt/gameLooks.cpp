@@ -1,0 +1,53 @@
+#include "platform/qt/gameLooks.h"
+
+#include <QApplication>
+#include <QProxyStyle>
+
+#include "platform/qt/qtFonts.h"
+#include "platform/widgets.h"
+
+namespace kelvora {
+
+namespace {
+
+class GameStyle : public QProxyStyle {
+ public:
+  GameStyle() : QProxyStyle("Fusion") {}
+
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* answer) const override {
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
+    return QProxyStyle::styleHint(hint, option, widget, answer);
+  }
+};
+
+}  // namespace
+
+QPalette gamePalette(const QColor& ground) {
+  const QColor quiet(120, 126, 152);
+  // Buttons are a step lighter than what they stand on.
+  const QColor raised(54 + ground.red() / 2, 60 + ground.green() / 2, 92 + ground.blue() / 2);
+  QPalette colours(raised, ground);
+  colours.setColor(QPalette::Mid, QColor(104, 110, 146));
+  colours.setColor(QPalette::Highlight, QColor(52, 104, 196));
+  colours.setColor(QPalette::HighlightedText, Qt::white);
+  colours.setColor(QPalette::ToolTipBase, QColor(54, 60, 92));
+  colours.setColor(QPalette::ToolTipText, Qt::white);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    colours.setColor(role, QColor(238, 241, 250));
+    colours.setColor(QPalette::Disabled, role, quiet);
+  }
+  return colours;
+}
+
+void installGameLooks() {
+  QApplication::setStyle(new GameStyle);
+  // Dialogs are less dark than the game's windows: fields and boxes have to stand out from their ground.
+  QPalette colours = gamePalette(QColor(46, 51, 78));
+  colours.setColor(QPalette::Base, QColor(13, 15, 27));
+  colours.setColor(QPalette::AlternateBase, QColor(20, 22, 38));
+  QApplication::setPalette(colours);
+  QApplication::setFont(toQFont(FontSpec{}));
+}
+
+}  // namespace kelvora
