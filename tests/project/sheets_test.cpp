@@ -266,6 +266,14 @@ TEST(Sheets, PointerFramesRunClockwiseFromStraightUp) {
   }
 }
 
+TEST(Sheets, NoTurnOfThePointerCutsACornerOff) {
+  const auto area = [](int frame) {
+    const auto matte = pointerCell(frame, 1);
+    return share(matte, blackPixel) * static_cast<double>(matte.pixels.size());
+  };
+  for (int frame = 1; frame < 12; ++frame) EXPECT_NEAR(area(frame), area(0), 0.02 * area(0)) << frame;
+}
+
 int countInside(const Picture& matte, int x, int y, int stepX, int stepY) {
   int count = 0;
   for (int i = 0; i < 18; ++i) count += at(matte, x + i * stepX, y + i * stepY) == blackPixel ? 1 : 0;

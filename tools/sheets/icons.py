@@ -10,7 +10,7 @@ ACCENTS = [
     palette.rgb(80, 190, 255),
     palette.rgb(255, 150, 30),
     palette.rgb(255, 240, 90),
-    palette.rgb(90, 230, 90),
+    palette.rgb(255, 84, 120),
     palette.rgb(60, 255, 90),
     palette.rgb(210, 110, 255),
 ]
@@ -94,8 +94,8 @@ def extended(e):
     line, widths = tail_line(points, 0.06, 0.24)
     trail = shapes.stroke(e.x, e.y, line, widths)
     e.glow(trail, ACCENTS[3], 0.06, 0.25)
-    e.fill(trail, palette.rgb(40, 200, 50))
-    e.ball(0.46, -0.46, 0.28, palette.PLAYERS[2])
+    e.fill(trail, palette.rgb(255, 60, 96))
+    e.ball(0.46, -0.46, 0.28, palette.PLAYERS[0])
 
 
 def laser(e):
@@ -123,28 +123,28 @@ def pulse(e):
 
 DRAWINGS = [shield, turbo, charged, extended, laser, pulse]
 
-# Letters three by five pixels, for the key that fires the powerup.
+# Letters four by seven pixels, for the key that fires the powerup.
 PIXEL_FONT = {
-    "F": "### #.. ##. #.. #..",
-    "1": ".#. ##. .#. .#. ###",
-    "2": "##. ..# .#. #.. ###",
-    "3": "##. ..# .#. ..# ##.",
-    "4": "#.# #.# ### ..# ..#",
-    "5": "### #.. ##. ..# ##.",
-    "6": ".## #.. ### #.# ###",
+    "F": "#### #... #... ###. #... #... #...",
+    "1": ".#.. ##.. .#.. .#.. .#.. .#.. ###.",
+    "2": ".##. #..# ...# ..#. .#.. #... ####",
+    "3": "###. ...# ...# .##. ...# ...# ###.",
+    "4": "..#. .##. #.#. #.#. #### ..#. ..#.",
+    "5": "#### #... ###. ...# ...# #..# .##.",
+    "6": ".##. #... #... ###. #..# #..# .##.",
 }
 
 
 def key_label(picture, text, left, top):
     """Writes the key pixel by pixel on a dark ground: at this size averaged letters would be a blur."""
-    width = 4 * len(text) + 1
-    ground = picture[top - 1 : top + 6, left - 1 : left - 1 + width]
-    ground[...] = ground // 4
+    width = 5 * len(text) + 1
+    ground = picture[top - 1 : top + 8, left - 1 : left - 1 + width]
+    ground[...] = ground // 5
     for index, letter in enumerate(text):
         for row, bits in enumerate(PIXEL_FONT[letter].split()):
             for column, bit in enumerate(bits):
                 if bit == "#":
-                    picture[top + row, left + 4 * index + column] = (200, 235, 255)
+                    picture[top + row, left + 5 * index + column] = (226, 242, 255)
 
 
 def drawn(slot, width, height):
@@ -161,7 +161,7 @@ def action_icons():
         layer = drawn(slot, 41, 42)
         matte = layer.matte()
         picture = cut(layer.picture(), matte)
-        key_label(picture, f"F{slot + 1}", 6, 6)
+        key_label(picture, f"F{slot + 1}", 5, 5)
         sheets[f"action{slot + 1}"] = cut(picture, matte)
         sheets["action0"] = matte_picture(matte)
     return sheets

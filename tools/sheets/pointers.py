@@ -13,13 +13,14 @@ def pointer_cell(frame):
     size = 24
     layer = Layer(size, size)
     x, y = shapes.turned(*layer.centred(size / 2, size / 2), frame * np.pi / 6)
-    head = [(0, -11.2), (8.6, 9.4), (0, 5.2), (-8.6, 9.4)]
+    # Its corners lie on the circle that the cell holds, so that no turn cuts one off.
+    head = [(0, -11.1), (7.6, 9.0), (0, 6.0), (-7.6, 9.0)]
     outline = shapes.polygon(x, y, head) - 0.4
-    inner = shapes.polygon(x, y, head) + 1.3
-    layer.fill(outline, palette.rgb(6, 26, 40))
+    inner = shapes.polygon(x, y, head) + 1.1
+    layer.fill(outline, palette.rgb(0, 96, 150))
     shade = smooth(-10, 10, y)[..., None]
-    tone = palette.rgb(255, 255, 255) * (1 - shade) + palette.rgb(60, 200, 255) * shade
-    layer.fill(inner, tone * np.where(x < 0, 1.0, 0.68)[..., None])
+    tone = palette.rgb(255, 255, 255) * (1 - shade) + palette.rgb(96, 216, 255) * shade
+    layer.fill(inner, tone * np.where(x < 0, 1.0, 0.80)[..., None])
     layer.within(outline)
     return layer
 
