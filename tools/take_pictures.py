@@ -22,10 +22,11 @@ sys.dont_write_bytecode = True  # the source tree holds sources only
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tests" / "desktop"))
 
-TAIL_CAPTURE, SPAWN_REQUEST, RESPAWN = 141, 152, 154
+TAIL_CAPTURE, FUNDS, SPAWN_REQUEST, RESPAWN = 141, 148, 152, 154
 CANVAS = (763, 608)  # pixels, as designed
 EDGE = 9000  # world units; the pictures show no edge
 ITEMS = {"shield": 0, "charged": 2, "laser": 4}
+WANTED_FUNDS = 75  # credits, for one of each
 
 
 class Tap:
@@ -35,7 +36,7 @@ class Tap:
         self.server_port = server_port
         self.listener = harness.listener()
         self.port = self.listener.getsockname()[1]
-        self.me, self.alive = None, True
+        self.me, self.alive, self.funds = None, True, 10.0
         self.others = {}  # by node: x, y, alive
         threading.Thread(target=self.run, daemon=True).start()
 
@@ -67,6 +68,8 @@ class Tap:
             self.others[fields[0]] = [float(fields[3]), float(fields[4]), fields[5] == b"1"]
         elif identifier == harness.POSITION and fields[0] in self.others:
             self.others[fields[0]][:2] = float(fields[1]), float(fields[2])
+        elif identifier == FUNDS and fields[0] == self.node:
+            self.funds = float(fields[1])
         elif identifier in (TAIL_CAPTURE, RESPAWN):
             node, lives = (fields[1], False) if identifier == TAIL_CAPTURE else (fields[0], True)
             if node == self.node:
@@ -81,7 +84,7 @@ class Tap:
 
 
 class Pilot(threading.Thread):
-    """Flies to a player and draws loops beside him, for servers that have no bots of their own."""
+    """Flies to a player and draws loops beside him."""
 
     PACE, INTERVAL = 18.0, 0.04  # world units a ms, seconds between two reports
 
@@ -168,57 +171,90 @@ def shop(client, camera, wanted):
     store.click(692, 566)
 
 
-def fight(client, camera, tap):
-    """Flies loops and keeps the fullest picture of a minute and a half."""
-    display, best, best_score = camera.display, None, -1.0
-    middle = CANVAS[0] // 2, CANVAS[1] // 2
-    client.mouse_to(middle[0] + 60, middle[1])
-    client.right_click()
-    began = time.monotonic()
-    fired = dict.fromkeys(ITEMS, -99.0)  # seconds
-    asked = moved = stood = 0.0
-    place = tap.me
-    while (now := time.monotonic() - began) < 90:
-        # Away from the world's edges, towards the nearest opponent while he is far, in loops when he is near.
+def liveliness(picture):
+    """How much of the canvas is in strong colours: tails, balls, lightning and explosions."""
+    saturation, value = picture.crop((0, 60, CANVAS[0], CANVAS[1])).convert("HSV").split()[1:]
+    pairs = zip(saturation.getdata(), value.getdata())
+    return sum(s > 90 and v > 90 for s, v in pairs) / 4000
+
+
+class Flight:
+    """Steers the player: to the nearest opponent while he is far, in loops when he is near."""
+
+    def __init__(self, client, tap):
+        self.client, self.tap, self.display = client, tap, client.display
+        self.began = time.monotonic()
+        self.asked = self.moved = self.stood = 0.0
+        self.place = tap.me
+        self.middle = CANVAS[0] // 2, CANVAS[1] // 2
+        client.mouse_to(self.middle[0] + 60, self.middle[1])
+        client.right_click()
+
+    def is_inside(self):
+        return all(EDGE < coordinate < 100000 - EDGE for coordinate in self.tap.me)
+
+    def turn(self):
+        """One move of the mouse; returns the seconds since the start."""
+        tap, now = self.tap, time.monotonic() - self.began
         near = min(((x - tap.me[0], y - tap.me[1]) for x, y, alive in list(tap.others.values()) if alive),
                    key=lambda way: math.hypot(*way), default=(1.0, 0.0))
-        if not all(EDGE < coordinate < 100000 - EDGE for coordinate in tap.me):
+        if not self.is_inside():
             near = 50000 - tap.me[0], 50000 - tap.me[1]
         far = math.hypot(*near)
         angle = math.atan2(near[1], near[0]) if far > 6500 else now * 2.6
         reach = 180 if far > 6500 else 88
-        client.mouse_to(middle[0] + int(reach * math.cos(angle)), middle[1] + int(reach * math.sin(angle)))
-        if not tap.alive and now - asked > 1.5:  # btnSpawn
-            left, top = client.on_screen(CANVAS[0] + 15 + 49, 384 + 20)
-            display.xdotool("mousemove", left, top, "click", 1)
-            asked = now
-        if tap.me != place:
-            place, moved = tap.me, now
-        elif tap.alive and now - moved > 1:  # a respawn has put the brakes on
-            client.right_click()
-            moved = stood = now
+        self.client.mouse_to(self.middle[0] + int(reach * math.cos(angle)),
+                             self.middle[1] + int(reach * math.sin(angle)))
+        if not tap.alive and now - self.asked > 1.5:  # btnSpawn
+            left, top = self.client.on_screen(CANVAS[0] + 15 + 49, 384 + 20)
+            self.display.xdotool("mousemove", left, top, "click", 1)
+            self.asked = now
+        if tap.me != self.place:
+            self.place, self.moved = tap.me, now
+        elif tap.alive and now - self.moved > 1:  # a respawn has put the brakes on
+            self.client.right_click()
+            self.moved = self.stood = now
+        if now - self.moved > 0.4 or not tap.alive:
+            self.stood = now
+        return now
+
+
+def earn(client, tap):
+    """Flies about until there is enough to spend."""
+    flight = Flight(client, tap)
+    while tap.funds < WANTED_FUNDS and flight.turn() < 60:
+        time.sleep(0.08)
+
+
+def fight(client, camera, tap):
+    """Flies loops and keeps the liveliest picture of a minute."""
+    display, best, best_score = camera.display, None, -1.0
+    flight = Flight(client, tap)
+    fired = dict.fromkeys(ITEMS, -99.0)  # seconds
+    while (now := flight.turn()) < 60:
         seen = tap.in_sight()
-        if now - moved > 0.4 or not tap.alive:
-            stood = now
-        if seen >= 1 and tap.alive and now - stood > 1.0:
+        if seen >= 1 and tap.alive and now - flight.stood > 0.8:
+            # The laser lasts a second: it waits until there is somebody to see it.
             for name, item in ITEMS.items():
-                if fired[name] < 0 and now > 6 and seen >= 2:
+                if fired[name] < 0 and now > 4 and seen >= (3 if name == "laser" and now < 40 else 2):
                     display.xdotool("key", f"F{item + 1}")
                     fired[name] = now
-            inside = all(EDGE < coordinate < 100000 - EDGE for coordinate in tap.me)
-            score = seen + 2 * inside + (0.3 < now - fired["charged"] < 4.5) + (now - fired["shield"] < 14)
+            picture = camera.shot()
+            score = seen + 2 * flight.is_inside() + liveliness(picture)
+            score += (0.1 < now - fired["laser"] < 1.1) + (now - fired["charged"] < 4.5) + (now - fired["shield"] < 14)
             if now > 4 and score > best_score:
-                best, best_score = camera.shot(), score
-        time.sleep(0.08)
+                best, best_score = picture, score
+        time.sleep(0.05)
     if best is None:
         sys.exit("nobody came near; try once more")
     camera.keep("fight", best)
 
 
 def play(display, output, wanted):
-    crew = bots(5)
-    # One long round; credits enough for a visit to the store.
-    server = harness.Server("--income", "6000", "--captures-to-win", "0", "--round-seconds", "600", *crew)
+    # Three of the server's own bots, and two pilots who stay close by.
+    crew = bots(3)
+    # One long round; credits soon enough for a visit to the store.
+    server = harness.Server("--income", "200", "--captures-to-win", "0", "--round-seconds", "600", *crew)
     tap = Tap(server.port)
     client = harness.Client(display)
     camera = Camera(display, client, output)
@@ -233,11 +269,11 @@ def play(display, output, wanted):
         if wanted & {"fight", "store"}:
             client.connect(tap.port, name="Ann", circle=3)
             harness.wait_for(lambda: tap.me, "the login")
-            if not crew:
-                names = (("Bea", 0, "nice loop!"), ("Carl", 1, ""), ("Dora", 2, "got you next time"), ("Emil", 4, ""), ("Finn", 5, ""))
-                for name, colour, words in names:
-                    Pilot(server.port, name, colour, tap, words)
-            time.sleep(2.5)  # credits come in
+            crowd = (("Bea", 1, "nice loop!"), ("Carl", 5, "got you next time"), ("Dora", 2, ""), ("Emil", 4, ""),
+                     ("Finn", 0, ""))
+            for name, colour, words in crowd[:2 if crew else 5]:
+                Pilot(server.port, name, colour, tap, words)
+            earn(client, tap)
             shop(client, camera, wanted)
             if "fight" in wanted:
                 fight(client, camera, tap)
@@ -275,22 +311,43 @@ class HostList:
                 time.sleep(0.3)
 
 
+class Guest(threading.Thread):
+    """Somebody who is logged in and does nothing, so that a list counts him."""
+
+    def __init__(self, port, colour):
+        super().__init__(daemon=True)
+        self.line = harness.Line(socket.create_connection(("127.0.0.1", port)))
+        self.line.send(harness.LOGIN, f"Guest{colour}", "", colour, "1.2.1")
+        self.start()
+
+    def run(self):
+        with contextlib.suppress(OSError):  # until the server ends
+            while frame := self.line.recv_frame(60):
+                if frame[0] == harness.PING:
+                    self.line.send(harness.PING_REPLY, f"{time.time() % 86400:.2f}")
+
+
 def find(display, output):
     servers, web_ports = [], []
-    for notes, address, options in (("Friendly game, everybody welcome", "192.0.2.7", bots(5)),
-                                    ("Long tails only", "198.51.100.23", bots(3)),
-                                    ("Practice, be kind to beginners", "203.0.113.80", [])):
+    for notes, address, guests, options in (
+            ("Friendly game, everybody welcome", "192.0.2.7", 4, []),
+            ("Long tails only", "198.51.100.23", 2, []),
+            ("Our club, ask for the word", "198.51.100.140", 0, ["--password", "loop"]),
+            ("Practice against bots, be kind to beginners", "203.0.113.80", 1, bots(3))):
         web_ports.append(harness.free_port())
         servers.append(harness.Server("--web-port", str(web_ports[-1]), "--notes", notes, "--public-address", address,
                                       *options))
+        for colour in range(guests):
+            Guest(servers[-1].port, colour)
     time.sleep(2)
     client = harness.Client(display, web_host=HostList(web_ports).address)
     camera = Camera(display, client, output)
     try:
         client.wait_for_window("Connect").activate()
         display.xdotool("key", "Escape")
-        client.wait_for_window("Game Finder")
-        time.sleep(2)
+        finder = client.wait_for_window("Game Finder")
+        finder.click(6840 // 15 + 8, 120 // 15 + 8)  # chkPassword
+        time.sleep(2.5)
         camera.keep("finder", camera.shot())
     finally:
         client.close()
