@@ -46,7 +46,21 @@ void fillDisc(Pixel* centre, std::ptrdiff_t pitch, Pixel pixel, std::integer_seq
   (fillRow(std::integral_constant<int, rows - radius>{}), ...);
 }
 
+void fillSmallDisc(Pixel* centre, int radius, std::ptrdiff_t pitch, Pixel pixel) {
+  if (radius == 1) return fillDisc<1>(centre, pitch, pixel, std::make_integer_sequence<int, 3>{});
+  fillDisc<2>(centre, pitch, pixel, std::make_integer_sequence<int, 5>{});
+}
+
+constexpr std::size_t mostSmallDiscs = 1024;
+
 }  // namespace
+
+void Surface::clearSmallDiscs() {
+  for (const SmallDisc& disc : smallDiscs_) {
+    fillSmallDisc(pixels_.data() + disc.centre, disc.radius, width_, clearedTo_);
+  }
+  smallDiscs_.clear();
+}
 
 void Surface::Circle(float x, float y, float radius, Colour outline) {
   const int centreX = toPixels(x);
@@ -56,10 +70,13 @@ void Surface::Circle(float x, float y, float radius, Colour outline) {
   const bool isPlain = outline == FillColor;
   const bool isWhole = centreX >= reach && centreX + reach < width_ && centreY >= reach && centreY + reach < height_;
   if (isPlain && isWhole && (reach == 1 || reach == 2)) {
-    touch(centreX - reach, centreY - reach, centreX + reach, centreY + reach);
-    Pixel* const centre = pixels_.data() + std::ptrdiff_t{centreY} * width_ + centreX;
-    if (reach == 1) return fillDisc<1>(centre, width_, toPixel(outline), std::make_integer_sequence<int, 3>{});
-    return fillDisc<2>(centre, width_, toPixel(outline), std::make_integer_sequence<int, 5>{});
+    const SmallDisc disc{centreY * width_ + centreX, reach};
+    if (background_ || smallDiscs_.size() == mostSmallDiscs) {
+      touch(centreX - reach, centreY - reach, centreX + reach, centreY + reach);
+    } else {
+      smallDiscs_.push_back(disc);
+    }
+    return fillSmallDisc(pixels_.data() + disc.centre, reach, width_, toPixel(outline));
   }
   const SpanFiller rim(toPixel(outline));
   const SpanFiller inside(toPixel(FillColor));

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "raster/copyRows.h"
 #include "raster/spans.h"
 #include "raster/surface.h"
 
@@ -23,16 +24,6 @@ Stretch clipped(Stretch stretch, int targetSize, int sourceSize) {
   return stretch;
 }
 
-// What is copied from where to where; the pitches are the pixels from one row to the next.
-struct Rows {
-  Pixel* target;
-  std::ptrdiff_t targetPitch;
-  const Pixel* source;
-  std::ptrdiff_t sourcePitch;
-  int width;
-  int height;
-};
-
 // By reference, because a wide value is returned in another way on every machine.
 template <RasterOperation operation, class Value>
 [[gnu::always_inline]] inline void join(Value& result, const Pixel* target, const Pixel* source) {
@@ -46,8 +37,9 @@ template <RasterOperation operation, class Value>
 
 // Whole blocks, of which the last overlaps the one before; joining twice what they share changes nothing. That last
 // block is read before the row is written: reading what has just been stored across two stores waits for both.
-template <RasterOperation operation>
+template <RasterOperation operation, class Block>
 [[gnu::always_inline]] inline void joinBlocks(Rows rows) {
+  constexpr auto blockWidth = static_cast<std::ptrdiff_t>(sizeof(Block) / sizeof(Pixel));
   const std::ptrdiff_t last = rows.width - blockWidth;
   for (; rows.height > 0; --rows.height, rows.target += rows.targetPitch, rows.source += rows.sourcePitch) {
     Block end;
@@ -62,18 +54,26 @@ template <RasterOperation operation>
 }
 
 #if defined(__x86_64__)
+using WideBlock [[gnu::vector_size(2 * sizeof(Block))]] = Pixel;
+const bool hasWidestRegisters = __builtin_cpu_supports("avx512f") != 0;
+
 template <RasterOperation operation>
-[[gnu::target("avx2")]] void joinBlocksWide(const Rows& rows) {
-  joinBlocks<operation>(rows);
+[[gnu::target("avx512f")]] void joinWidest(const Rows& rows) {
+  joinBlocks<operation, WideBlock>(rows);
 }
-#else
 template <RasterOperation operation>
-void joinBlocksWide(const Rows&) {}
+[[gnu::target("avx2")]] void joinWide(const Rows& rows) {
+  joinBlocks<operation, Block>(rows);
+}
 #endif
 
 template <RasterOperation operation>
 void joinRows(const Rows& rows) {
-  if (rows.width >= blockWidth) return hasWideRegisters ? joinBlocksWide<operation>(rows) : joinBlocks<operation>(rows);
+#if defined(__x86_64__)
+  if (hasWidestRegisters && rows.width >= 2 * blockWidth) return joinWidest<operation>(rows);
+  if (hasWideRegisters && rows.width >= blockWidth) return joinWide<operation>(rows);
+#endif
+  if (rows.width >= blockWidth) return joinBlocks<operation, Block>(rows);
   for (int row = 0; row < rows.height; ++row) {
     for (int i = 0; i < rows.width; ++i) {
       Pixel* const target = rows.target + row * rows.targetPitch + i;
@@ -85,6 +85,8 @@ void joinRows(const Rows& rows) {
 }
 
 }  // namespace
+
+void copyRows(const Rows& rows) { joinRows<SRCCOPY>(rows); }
 
 void Surface::PaintPicture(const Picture& source, float x, float y, float w, float h, float sx, float sy,
                            RasterOperation operation) {
@@ -104,7 +106,7 @@ void Surface::PaintPicture(const Picture& source, float x, float y, float w, flo
     case SRCPAINT:
       return joinRows<SRCPAINT>(rows);
     case SRCCOPY:
-      return joinRows<SRCCOPY>(rows);
+      return copyRows(rows);
   }
 }
 

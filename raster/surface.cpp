@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include "raster/copyRows.h"
 #include "raster/spans.h"
 
 namespace kelvora {
@@ -16,10 +17,14 @@ namespace {
 // clear.
 constexpr int tileWidthBits = 4;
 constexpr int tileHeightBits = 3;
-constexpr int wordBits = 6;  // of the number of tiles in a word
+constexpr int tileHeight = 1 << tileHeightBits;
+constexpr int wordTiles = 64;  // tiles that one word of bits stands for
+constexpr int wordWidthBits = tileWidthBits + 6;
 
 // Pixels that are cleared faster by a few stores of our own than by a call of the C library.
 constexpr int longestShortRun = 64;
+
+constexpr int mostScatteredTiles = 16;  // of a word
 
 constexpr int roundedUp(int count, int bits) { return (count + (1 << bits) - 1) >> bits; }
 
@@ -61,15 +66,37 @@ void clearRows(Rectangle area, Pixel pixel, const SpanFiller& filler) {
   }
 }
 
-// `column` and `row` are the area's place in the image, whose top left corner is the picture's.
-void restoreRows(Rectangle area, int column, int row, const Picture& picture, const SpanFiller& filler) {
-  for (; area.height > 0; --area.height, area.corner += area.pitch, ++row) {
-    const int shown = row < picture.height ? std::clamp(picture.width - column, 0, area.width) : 0;
-    if (shown > 0) {
-      std::copy_n(picture.pixels.data() + std::ptrdiff_t{row} * picture.width + column, shown, area.corner);
-    }
-    filler.fill(area.corner + shown, area.width - shown);
+// Whole tiles, one bit each from `corner` on to the right. Scattered ones, as particles leave them: to clear them one
+// by one, always the same stores, is cheaper than to guess where runs of them end.
+[[gnu::always_inline]] inline void clearTiles(std::uint64_t tiles, Pixel* corner, std::ptrdiff_t pitch, Pixel pixel) {
+  const SpanFiller filler(pixel);
+  for (; tiles != 0; tiles &= tiles - 1) {
+    Pixel* line = corner + (std::ptrdiff_t{std::countr_zero(tiles)} << tileWidthBits);
+    for (int row = 0; row < tileHeight; ++row, line += pitch) filler.fill(line, 1 << tileWidthBits);
   }
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]] void clearTilesWide(std::uint64_t tiles, Pixel* corner, std::ptrdiff_t pitch, Pixel pixel) {
+  clearTiles(tiles, corner, pitch, pixel);
+}
+#else
+void clearTilesWide(std::uint64_t, Pixel*, std::ptrdiff_t, Pixel) {}
+#endif
+void clearTilesNarrow(std::uint64_t tiles, Pixel* corner, std::ptrdiff_t pitch, Pixel pixel) {
+  clearTiles(tiles, corner, pitch, pixel);
+}
+
+// `column` and `row` are the area's place in the image, whose top left corner is the picture's.
+void restoreRows(Rectangle area, int column, int row, const Picture& picture, Pixel pixel, const SpanFiller& filler) {
+  const int width = std::clamp(picture.width - column, 0, area.width);
+  const int height = width > 0 ? std::clamp(picture.height - row, 0, area.height) : 0;
+  if (height > 0) {
+    const Pixel* const source = picture.pixels.data() + std::ptrdiff_t{row} * picture.width + column;
+    copyRows({area.corner, area.pitch, source, picture.width, width, height});
+  }
+  clearRows({area.corner + width, area.pitch, area.width - width, height}, pixel, filler);
+  clearRows({area.corner + height * area.pitch, area.pitch, area.width, area.height - height}, pixel, filler);
 }
 
 }  // namespace
@@ -78,15 +105,17 @@ void Surface::resize(int width, int height) {
   width_ = std::max(0, width);
   height_ = std::max(0, height);
   pixels_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
-  wordsAcross_ = roundedUp(roundedUp(width_, tileWidthBits), wordBits);
+  wordsAcross_ = roundedUp(width_, wordWidthBits);
   touched_.resize(static_cast<std::size_t>(wordsAcross_) *
                   static_cast<std::size_t>(roundedUp(height_, tileHeightBits)));
+  smallDiscs_.clear();
   touchAll();
   Cls();
 }
 
 void Surface::setBackground(PicturePointer picture) {
   background_ = std::move(picture);
+  smallDiscs_.clear();
   touchAll();
   Cls();
 }
@@ -94,14 +123,21 @@ void Surface::setBackground(PicturePointer picture) {
 void Surface::touch(int left, int top, int right, int bottom) {
   const int firstTile = std::max(0, left) >> tileWidthBits;
   const int lastTile = std::min(right, width_ - 1) >> tileWidthBits;
+  const int firstRow = std::max(0, top) >> tileHeightBits;
   const int lastRow = std::min(bottom, height_ - 1) >> tileHeightBits;
-  if (lastTile < firstTile) return;
-  const int firstWord = firstTile >> wordBits;
-  const int lastWord = lastTile >> wordBits;
-  const std::uint64_t fromFirst = ~std::uint64_t{0} << (firstTile & 63);
-  const std::uint64_t upToLast = ~std::uint64_t{0} >> (63 - (lastTile & 63));
-  for (int row = std::max(0, top) >> tileHeightBits; row <= lastRow; ++row) {
-    std::uint64_t* const words = touched_.data() + std::ptrdiff_t{row} * wordsAcross_;
+  if (lastTile < firstTile || lastRow < firstRow) return;
+  const int firstWord = firstTile / wordTiles;
+  const int lastWord = lastTile / wordTiles;
+  const std::uint64_t fromFirst = ~std::uint64_t{0} << (firstTile % wordTiles);
+  const std::uint64_t upToLast = ~std::uint64_t{0} >> (wordTiles - 1 - lastTile % wordTiles);
+  std::uint64_t* words = touched_.data() + std::ptrdiff_t{firstRow} * wordsAcross_;
+  if (firstWord == lastWord && lastRow - firstRow <= 1) {
+    // One row of tiles or two, as with every particle: nothing to guess.
+    words[firstWord] |= fromFirst & upToLast;
+    words[firstWord + (lastRow - firstRow) * wordsAcross_] |= fromFirst & upToLast;
+    return;
+  }
+  for (int row = firstRow; row <= lastRow; ++row, words += wordsAcross_) {
     if (firstWord == lastWord) {
       words[firstWord] |= fromFirst & upToLast;
       continue;
@@ -115,32 +151,60 @@ void Surface::touch(int left, int top, int right, int bottom) {
 // Bits beyond the image's last tile are set along: what they stand for is clipped away.
 void Surface::touchAll() { std::fill(touched_.begin(), touched_.end(), ~std::uint64_t{0}); }
 
+void Surface::clearTouched(int row, std::uint64_t* words) {
+  const int height = std::min(tileHeight, height_ - row);
+  Pixel* const line = pixels_.data() + std::ptrdiff_t{row} * width_;
+  for (int firstTile = 0; firstTile << tileWidthBits < width_; firstTile += wordTiles) {
+    std::uint64_t tiles = std::exchange(*words++, 0);
+    if (tiles == 0) continue;
+    const int endTile = firstTile + wordTiles - std::countl_zero(tiles);
+    const bool areWhole = endTile << tileWidthBits <= width_ && height == tileHeight;
+    if (!background_ && areWhole && std::popcount(tiles) <= mostScatteredTiles) {
+      const auto clear = hasWideRegisters ? clearTilesWide : clearTilesNarrow;
+      clear(tiles, line + (firstTile << tileWidthBits), width_, clearedTo_);
+      continue;
+    }
+    const SpanFiller filler(clearedTo_);
+    while (tiles != 0) {
+      const int first = std::countr_zero(tiles);
+      const int count = std::countr_one(tiles >> first);
+      tiles &= count == wordTiles ? 0 : ~(((std::uint64_t{1} << count) - 1) << first);
+      const int column = (firstTile + first) << tileWidthBits;
+      const Rectangle area{line + column, width_, std::min(count << tileWidthBits, width_ - column), height};
+      if (background_) {
+        restoreRows(area, column, row, *background_, clearedTo_, filler);
+      } else {
+        clearRows(area, clearedTo_, filler);
+      }
+    }
+  }
+}
+
 void Surface::Cls() {
   if (const Pixel pixel = toPixel(BackColor); pixel != clearedTo_) {
     clearedTo_ = pixel;
     touchAll();
   }
-  const SpanFiller filler(clearedTo_);
-  std::uint64_t* word = touched_.data();
-  for (int row = 0; row < height_; row += 1 << tileHeightBits) {
-    for (int wordNumber = 0; wordNumber < wordsAcross_; ++wordNumber) {
-      std::uint64_t tiles = std::exchange(*word++, 0);
-      while (tiles != 0) {
-        const int first = std::countr_zero(tiles);
-        const int count = std::countr_one(tiles >> first);
-        tiles &= count == 64 ? 0 : ~(((std::uint64_t{1} << count) - 1) << first);
-        const int column = ((wordNumber << wordBits) + first) << tileWidthBits;
-        const Rectangle area{pixels_.data() + std::ptrdiff_t{row} * width_ + column, width_,
-                             std::min(count << tileWidthBits, width_ - column),
-                             std::min(1 << tileHeightBits, height_ - row)};
-        if (background_) {
-          restoreRows(area, column, row, *background_, filler);
-        } else {
-          clearRows(area, clearedTo_, filler);
-        }
-      }
+  const auto isFull = [this](const std::uint64_t* words) {
+    const std::uint64_t beyond = ~std::uint64_t{1} << (roundedUp(width_, tileWidthBits) - 1) % wordTiles;
+    return std::all_of(words, words + wordsAcross_ - 1, [](std::uint64_t tiles) { return ~tiles == 0; }) &&
+           ~(words[wordsAcross_ - 1] | beyond) == 0;
+  };
+  for (int row = 0; row < height_ && width_ > 0;) {
+    std::uint64_t* words = touched_.data() + std::ptrdiff_t{row >> tileHeightBits} * wordsAcross_;
+    int end = row;
+    for (; !background_ && end < height_ && isFull(words); end += tileHeight)
+      words = std::fill_n(words, wordsAcross_, 0);
+    if (end == row) {
+      clearTouched(row, words);
+      row += tileHeight;
+    } else {
+      end = std::min(end, height_);
+      fillLong(pixels_.data() + std::ptrdiff_t{row} * width_, std::ptrdiff_t{end - row} * width_, clearedTo_);
+      row = end;
     }
   }
+  clearSmallDiscs();
   CurrentX = 0;
   CurrentY = 0;
 }

@@ -82,6 +82,9 @@ class Surface {
   /// Notes that the pixels from (left, top) to (right, bottom) are about to be drawn on; clipped here.
   void touch(int left, int top, int right, int bottom);
   void touchAll();
+  /// Clears the touched tiles of the row of tiles that begins with pixel row `row`, and forgets them.
+  void clearTouched(int row, std::uint64_t* words);
+  void clearSmallDiscs();
   void drawGlyph(const Glyph& glyph, PixelPoint corner, Pixel ink);
 
   int width_ = 0;
@@ -92,6 +95,13 @@ class Surface {
   std::vector<std::uint64_t> touched_;
   int wordsAcross_ = 0;
   Pixel clearedTo_ = 0;
+  /// A disc of one or two pixels' radius drawn since the last Cls without touching a tile: it is cleared as it was
+  /// drawn, for a particle is a small part of its tiles.
+  struct SmallDisc {
+    int centre;  // index of the pixel
+    int radius;
+  };
+  std::vector<SmallDisc> smallDiscs_;
   PicturePointer background_;
 };
 

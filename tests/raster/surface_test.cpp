@@ -121,6 +121,68 @@ TEST(Cls, ClearsWhateverWasDrawnWherever) {
   }
 }
 
+TEST(Cls, ClearsParticlesHoweverMany) {
+  for (const int count : {1, 1024, 1025, 5000}) {
+    Surface surface;
+    surface.resize(101, 57);
+    surface.FillColor = RGB(9, 9, 9);
+    std::mt19937 draws(5);
+    for (int i = 0; i < count; ++i) {
+      const auto x = static_cast<float>(draws() % 1600);
+      const auto y = static_cast<float>(draws() % 900);
+      surface.Circle(x, y, static_cast<float>(draws() % 45), RGB(9, 9, 9));
+    }
+    EXPECT_NE(pixelsOf(surface), std::vector<Pixel>(101 * 57, 0)) << count;
+    surface.Cls();
+    EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(101 * 57, 0)) << count;
+  }
+}
+
+TEST(Cls, RestoresThePictureUnderParticles) {
+  auto background = std::make_shared<Picture>(Picture{20, 10, std::vector<Pixel>(200, 0x070809)});
+  Surface surface;
+  surface.resize(20, 10);
+  surface.FillColor = RGB(9, 9, 9);
+  surface.Circle(150, 75, 30, RGB(9, 9, 9));
+  surface.setBackground(background);
+  EXPECT_EQ(pixelsOf(surface), background->pixels);
+  surface.Circle(150, 75, 30, RGB(9, 9, 9));
+  EXPECT_NE(pixelsOf(surface), background->pixels);
+  surface.Cls();
+  EXPECT_EQ(pixelsOf(surface), background->pixels);
+}
+
+TEST(Cls, ClearsWideImagesDrawnOnWhollyAndInPart) {
+  for (const int width : {1024, 1025, 2047, 2100}) {
+    Surface surface;
+    surface.resize(width, 21);
+    surface.BackColor = RGB(0, 3, 0);
+    surface.Cls();
+    surface.DrawWidth = 64;
+    const std::vector<Pixel> clear(static_cast<std::size_t>(width) * 21, 0x000300);
+    surface.Line(0, 150, static_cast<float>(width * 15), 150);  // all of it
+    surface.Cls();
+    EXPECT_EQ(pixelsOf(surface), clear) << width;
+    surface.DrawWidth = 5;
+    surface.Line(0, 150, static_cast<float>(width * 15), 150);  // the middle rows
+    surface.Cls();
+    EXPECT_EQ(pixelsOf(surface), clear) << width;
+    surface.Line(15000, 0, 15900, 300);  // across the 1024th column
+    surface.Cls();
+    EXPECT_EQ(pixelsOf(surface), clear) << width;
+  }
+}
+
+TEST(Resize, ForgetsWhatWasDrawnBefore) {
+  Surface surface;
+  surface.resize(40, 40);
+  surface.FillColor = RGB(9, 9, 9);
+  surface.Circle(555, 555, 30, RGB(9, 9, 9));  // its place is outside what comes
+  surface.resize(3, 2);
+  surface.Cls();
+  EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(6, 0));
+}
+
 TEST(Resize, GivesAClearedImage) {
   Surface surface;
   surface.BackColor = RGB(0, 0, 5);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+#include "raster/colour.h"
+
+namespace kelvora {
+
+/// What is copied from where to where; the pitches are the pixels from one row to the next.
+struct Rows {
+  Pixel* target;
+  std::ptrdiff_t targetPitch;
+  const Pixel* source;
+  std::ptrdiff_t sourcePitch;
+  int width;
+  int height;
+};
+
+/// Source and target must not overlap.
+void copyRows(const Rows& rows);
+
+}  // namespace kelvora
