@@ -138,6 +138,16 @@ TEST_F(TablePeer, WithoutAFixedRowTheFirstIsARowLikeAnyOther) {
   EXPECT_EQ(cell(0, 1), "Port");
 }
 
+TEST_F(TablePeer, CellsWithoutAWordAreNotShown) {
+  form_.grid.Rows = 0;
+  form_.grid.AddItem("\t\t");
+  form_.grid.AddItem("\t\t");
+  EXPECT_TRUE(serveUntil([this] { return view().model()->columnCount() == 0; }));
+  EXPECT_EQ(view().model()->rowCount(), 0);
+  form_.grid.AddItem("\t\tword");
+  EXPECT_TRUE(serveUntil([this] { return view().model()->rowCount() == 3; })) << "one word shows them all";
+}
+
 TEST_F(TablePeer, ManyRowsAreShownAtOnce) {
   for (int i = 0; i < 32'000; ++i) form_.grid.AddItem("x\t1\ty");
   EXPECT_TRUE(serveUntil([this] { return view().model()->rowCount() == 32'002; }));
