@@ -1,0 +1,136 @@
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstdint>
+#include <string>
+
+#include "bench/turns.h"
+#include "core/modMain.h"
+#include "frontend/frmMain.h"
+#include "platform/headless/headlessBackend.h"
+#include "rendering/frmGfx.h"
+
+// What a very long tail costs: an extended tail, or a server that sends many positions at once. Argument 0: vertices.
+// Every figure is the median of a single frame or search, so that a pause would show.
+
+namespace {
+
+using namespace kelvora;
+using kelvora::bench::Turns;
+
+/// An opponent far out of sight with a tail of that many vertices, each at a place of its own.
+class LongTail {
+ public:
+  explicit LongTail(std::int64_t vertices) {
+    machine.path = KELVORA_SOURCE_DIR;
+    installBackend(&machine);
+    modMain::clearWorld();
+    machine.generator.randomize(1);
+    modMain::localPlayer.position = {90000, 90000};
+    clsPlayer& player = modMain::opponents.emplace_back();
+    modMain::opponentCount = 1;
+    player.init(1, 0, 2, "Bob");
+    player.position = {10000, 10000};
+    lay(vertices);
+    player.lastAgeTick = machine.ticks - 1;
+  }
+  LongTail(const LongTail&) = delete;
+  LongTail& operator=(const LongTail&) = delete;
+  ~LongTail() {
+    modMain::clearWorld();
+    frmMain.unload();
+    frmGfx.unload();
+    releaseUnloadedForms();
+    installBackend(nullptr);
+  }
+
+  void lay(std::int64_t vertices) {
+    for (std::int64_t i = 0; i < vertices; ++i) owner().addTail(place(i));
+  }
+  static Vector place(std::int64_t i) {
+    return {static_cast<float>(i % 300) * 100, static_cast<float>(std::floor(static_cast<double>(i) / 300)) * 10};
+  }
+  static clsPlayer& owner() { return modMain::opponents.front(); }
+
+  HeadlessBackend machine;
+};
+
+void reportMilliseconds(benchmark::State& state, const Turns& turns) {
+  state.counters["ms"] = turns.microseconds(0) / 1000;
+  state.counters["ns_a_vertex"] = turns.microseconds(0) * 1000 / static_cast<double>(state.range(0));
+}
+
+// The clock stands: no vertex ages, the tail is only walked and found to be out of sight.
+void paintUnseenTail(benchmark::State& state) {
+  LongTail tail(state.range(0));
+  Turns turns(1);
+  for (auto unused : state) turns.measure(0, 1, [&] { tail.owner().paintSelf(); });
+  reportMilliseconds(state, turns);
+}
+
+// Every vertex takes a step of two units in every frame; before they end, all are laid anew.
+void ageTail(benchmark::State& state) {
+  LongTail tail(state.range(0));
+  Turns turns(1);
+  int frame = 0;
+  for (auto unused : state) {
+    if (frame++ % 90 == 0) {
+      tail.owner().tails.clear();
+      tail.owner().tailBase = 0;
+      tail.lay(state.range(0));
+      tail.machine.advance(20);
+      tail.owner().paintSelf();
+    }
+    tail.machine.advance(20);
+    turns.measure(0, 1, [&] { tail.owner().paintSelf(); });
+    if (tail.owner().tails.size() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("some have ended");
+  }
+  reportMilliseconds(state, turns);
+}
+
+// The clock stands and six captures wait for other vertices: each vertex is compared with each of them.
+void paintTailWithCapturesWaiting(benchmark::State& state) {
+  LongTail tail(state.range(0));
+  for (int i = 0; i < 6; ++i) modMain::killerTails.push_back({0, "0-nowhere-" + std::to_string(i), {0}, ""});
+  Turns turns(1);
+  for (auto unused : state) turns.measure(0, 1, [&] { tail.owner().paintSelf(); });
+  reportMilliseconds(state, turns);
+  modMain::killerTails.clear();
+}
+
+// All vertices end in one frame, as they do behind an extended tail of more than two seconds.
+void endWholeTail(benchmark::State& state) {
+  LongTail tail(0);  // with a first pass behind it
+  Turns turns(1);
+  for (auto unused : state) {
+    tail.lay(state.range(0));
+    tail.machine.advance(20);
+    tail.owner().paintSelf();
+    tail.machine.advance(5000);
+    turns.measure(0, 1, [&] { tail.owner().paintSelf(); });
+    if (!tail.owner().tails.empty()) state.SkipWithError("some have not ended");
+  }
+  reportMilliseconds(state, turns);
+}
+
+// The place that the server names is the newest vertex's, the last to be looked at.
+void findByPosition(benchmark::State& state) {
+  LongTail tail(state.range(0));
+  const Vector newest = tail.place(state.range(0) - 1);
+  double found = 0;
+  Turns turns(1);
+  for (auto unused : state) turns.measure(0, 1, [&] { found += tail.owner().getTailNumByPos(newest); });
+  if (found <= 0) state.SkipWithError("not found");
+  reportMilliseconds(state, turns);
+}
+
+constexpr auto unit = benchmark::kMillisecond;
+BENCHMARK(paintUnseenTail)->Arg(1000)->Arg(10'000)->Arg(100'000)->Unit(unit);
+BENCHMARK(ageTail)->Arg(1000)->Arg(10'000)->Arg(100'000)->Unit(unit);
+BENCHMARK(paintTailWithCapturesWaiting)->Arg(1000)->Arg(10'000)->Arg(100'000)->Unit(unit);
+BENCHMARK(endWholeTail)->Arg(1000)->Arg(10'000)->Arg(100'000)->Unit(unit);
+BENCHMARK(findByPosition)->Arg(1000)->Arg(10'000)->Arg(100'000)->Unit(unit);
+
+}  // namespace
+
+BENCHMARK_MAIN();
