@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <cmath>
+#include <cstring>
 #include <random>
 #include <string>
 
@@ -185,6 +186,41 @@ void kinds(benchmark::State& state, bool heavy) {
   state.counters["painter_us"] = turns.microseconds(Painter);
   state.counters["ratio"] = turns.ratio(Painter, Drawing);
 }
+/// The heavy frame's list on a canvas of the design size and on a large one. Arguments: its size in pixels. The drawing
+/// takes as long on either; what grows are the pixels cleared, of a whole canvas at most, and those shown. Showing
+/// copies the image once, as memcpy does.
+void canvasSize(benchmark::State& state) {
+  enum Part : std::size_t { Draw, Clear, ClearAll, Show, Parts };
+  Scene scene(true, Texts::None);
+  std::vector<DrawingCall> calls = scene.record();
+  const Surface* const canvas = &frmMain->canvas;
+  std::erase_if(calls, [&](const DrawingCall& call) {
+    return call.surface != canvas || std::holds_alternative<PrintCall>(call.what) ||
+           std::holds_alternative<ClearCall>(call.what);
+  });
+  SurfaceReplay list(calls, static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+  Surface& target = list.image(*canvas);
+  std::vector<Pixel> shown(target.pixels().size());
+  Turns turns(Parts);
+  for (auto unused : state) {
+    turns.measure(Draw, 1, [&] { list.draw(); });
+    turns.measure(Clear, 1, [&] { target.Cls(); });
+    target.DrawWidth = 64;
+    for (int y = 0; y < target.pixelHeight() + 32; y += 32) {
+      const auto height = static_cast<float>(y * twipsPerPixel);
+      target.Line(0, height, static_cast<float>(target.pixelWidth() * twipsPerPixel), height);
+    }
+    turns.measure(ClearAll, 1, [&] { target.Cls(); });
+    turns.measure(Show, 1, [&] { std::memcpy(shown.data(), target.pixels().data(), target.pixels().size_bytes()); });
+  }
+  state.counters["draw_us"] = turns.microseconds(Draw);
+  state.counters["clear_us"] = turns.microseconds(Clear);
+  state.counters["clearAll_us"] = turns.microseconds(ClearAll);
+  state.counters["show_us"] = turns.microseconds(Show);
+  state.counters["megapixels"] = static_cast<double>(shown.size()) / 1e6;
+}
+BENCHMARK(canvasSize)->Args({763, 608})->Args({1920, 1080})->Args({3840, 2160})->Unit(benchmark::kMicrosecond);
+
 BENCHMARK_CAPTURE(kinds, light, false)->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(kinds, heavy, true)->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
 

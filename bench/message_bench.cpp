@@ -34,6 +34,7 @@ void positions(benchmark::State& state) {
   }
   for (auto _ : state) {
     opponent.positionQueue.clear();
+    modMain::queuedPositions = 0;
     netMan::receiveData(bytes);
     if (opponent.positionQueue.size() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("lost some");
   }

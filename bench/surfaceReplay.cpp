@@ -42,6 +42,10 @@ SurfaceReplay::SurfaceReplay(const std::vector<DrawingCall>& calls) {
   for (const DrawingCall& call : calls) steps_.push_back({&targetFor(*call.surface), call.what});
 }
 
+SurfaceReplay::SurfaceReplay(const std::vector<DrawingCall>& calls, int width, int height) : SurfaceReplay(calls) {
+  for (auto& [surface, target] : targets_) target->resize(width, height);
+}
+
 Surface& SurfaceReplay::targetFor(const Surface& surface) {
   auto& target = targets_[&surface];
   if (!target) {

@@ -14,8 +14,10 @@ namespace kelvora::bench {
 class SurfaceReplay {
  public:
   explicit SurfaceReplay(const std::vector<DrawingCall>& calls);
+  /// All on images of this size in place of their own.
+  SurfaceReplay(const std::vector<DrawingCall>& calls, int width, int height);
   void draw();
-  const Surface& image(const Surface& surface) const { return *targets_.at(&surface); }
+  Surface& image(const Surface& surface) const { return *targets_.at(&surface); }
 
  private:
   struct Step {
