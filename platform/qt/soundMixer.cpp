@@ -33,9 +33,21 @@ bool SoundMixer::post(std::function<void(MixerDevice&)> run, Clock::time_point l
   return true;
 }
 
+void SoundMixer::await() {
+  {
+    const std::lock_guard lock(mutex_);
+    isAwaited_ = true;
+  }
+  arrived_.notify_one();
+}
+
 void SoundMixer::work() {
-  MixerDevice device;
   std::unique_lock lock(mutex_);
+  arrived_.wait_for(lock, calm, [this] { return closing_ || isAwaited_; });
+  if (closing_) return;
+  lock.unlock();
+  MixerDevice device;
+  lock.lock();
   for (;;) {
     arrived_.wait(lock, [this] { return closing_ || !commands_.empty(); });
     if (closing_) return;
@@ -69,6 +81,7 @@ void SoundMixer::silenceEffect(int channel, bool silent) {
 }
 
 void SoundMixer::startEffect(int channel) {
+  await();
   post([channel](MixerDevice& device) { device.startEffect(channel); }, Clock::now() + patience);
 }
 
@@ -89,6 +102,7 @@ void SoundMixer::startMusic(const std::string& file) {
     const std::lock_guard lock(mutex_);
     track = ++track_;
     musicState_ = psTransitioning;
+    isAwaited_ = true;
   }
   const bool posted = post([this, track, file](MixerDevice& device) {
     if (!noteMusic(track, psTransitioning)) return;

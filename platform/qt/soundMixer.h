@@ -16,12 +16,14 @@ namespace kelvora {
 class MixerDevice;
 
 /// Hands everything that sounds to a thread of its own, which opens the sound device and commands it: no call waits for
-/// the machine. Neither thread nor device exists before the first file is opened. The game's code runs on none of its
-/// threads.
+/// the machine. Neither thread nor device exists before the first file is opened, and files alone open the device a
+/// little later, so that it does not hold up the windows of the start. The game's code runs on none of its threads.
 class SoundMixer {
  public:
   /// An effect that could not be started within this time is left out: late, it would only confuse.
   static constexpr std::chrono::milliseconds patience{500};
+  /// So long the device is left closed while nothing is to be heard.
+  static constexpr std::chrono::milliseconds calm{400};
 
   SoundMixer() = default;
   ~SoundMixer();
@@ -49,6 +51,8 @@ class SoundMixer {
 
   /// False if the machine has no thread left.
   bool post(std::function<void(MixerDevice&)> run, Clock::time_point latest = Clock::time_point::max());
+  /// Something is to be heard: the device is opened now.
+  void await();
   void work();
   /// Sets what the track is doing, unless another one has been asked for since.
   bool noteMusic(int track, int state);
@@ -58,7 +62,8 @@ class SoundMixer {
   std::condition_variable arrived_;
   std::deque<Command> commands_;
   bool closing_ = false;
-  int track_ = 0;  ///< counts what the music was told
+  bool isAwaited_ = false;  ///< something is to be heard
+  int track_ = 0;           ///< counts what the music was told
   int musicState_ = psReady;
   std::thread thread_;
 };
