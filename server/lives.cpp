@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "network/wire/wireFormat.h"
 #include "server/arena.h"
@@ -19,6 +20,7 @@ void Arena::kill(Player& winner, Player& loser, const std::optional<Spot>& verte
   loser.isAlive = false;
   loser.tail.clear();
   loser.wantsRespawn = false;
+  loser.isOffered = false;
   loser.respawnAt = now + rules_.respawnWaitMs;
   if (winner.kills < std::numeric_limits<std::int16_t>::max()) ++winner.kills;
   if (vertex) {
@@ -49,8 +51,15 @@ Millis Arena::respawnWait(const Player& player, Millis now) const {
 }
 
 void Arena::respawnWhoIsDue(Millis now) {
-  for (Player* player : inGame()) {
-    if (player->wantsRespawn && respawnWait(*player, now) == 0) respawn(*player);
+  for (auto& [client, state] : clients_) {
+    if (!state.player || state.player->isAlive || respawnWait(*state.player, now) > 0) continue;
+    Player& player = *state.player;
+    if (player.wantsRespawn) {
+      respawn(player);
+    } else if (!std::exchange(player.isOffered, true)) {
+      // Nothing else on a ghost's screen tells him, and his button stays grey.
+      sendTo(client, wire::msgServerText, {"Press Spawn for a new life."});
+    }
   }
 }
 

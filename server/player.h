@@ -26,6 +26,7 @@ struct Player {
   bool isAlive = true;
   Millis respawnAt = 0;          ///< not before, once he is dead
   bool wantsRespawn = false;     ///< he has asked for it and waits
+  bool isOffered = true;         ///< he knows that he may ask for it
   std::int16_t kills = 0;        ///< as clients count them
   int roundCaptures = 0;         ///< of others, in this round
   std::int64_t lastCapture = 0;  ///< its number among all captures

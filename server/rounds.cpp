@@ -47,6 +47,7 @@ void Arena::endRound() {
   }
   for (Player* player : inGame()) {
     player->isAlive = false;
+    player->isOffered = true;  // the next round's first words do that
     player->tail.clear();
   }
   clock_.turnOver();

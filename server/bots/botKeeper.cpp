@@ -17,9 +17,11 @@ constexpr Millis longestDelay = 200;  // after which missed steps are not made u
 constexpr std::array names = {"Quillon", "Bramble", "Tindra", "Oskavel", "Marrow",  "Fennick", "Lumo", "Wexley",
                               "Zephine", "Gorbal",  "Pimm",   "Sarrin",  "Dovetta", "Kestor",  "Ullo", "Hesper"};
 
-/// The level of a seat: easy ones and stronger ones take turns, so that there is somebody for everybody.
+/// The level of a seat: easy ones and stronger ones take turns, so that there is somebody for everybody. The hard one
+/// comes fourth: three bots are what a newcomer meets, and a hard one among them would win his every round.
 SkillLevel levelOf(SkillLevel skill, std::size_t seat) {
-  constexpr std::array mixture = {SkillLevel::easy, SkillLevel::normal, SkillLevel::hard};
+  constexpr std::array mixture = {SkillLevel::easy, SkillLevel::normal, SkillLevel::easy, SkillLevel::hard,
+                                  SkillLevel::normal};
   return skill == SkillLevel::mixed ? mixture[seat % mixture.size()] : skill;
 }
 

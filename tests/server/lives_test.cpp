@@ -53,6 +53,28 @@ TEST_F(LivesTest, WithoutARequestNobodyIsRespawned) {
   capture(bob, ann);
   for (int i = 0; i < 100; ++i) pass(1'000);
   EXPECT_TRUE(all(ann, wire::msgRespawn).empty());
+}
+
+TEST_F(LivesTest, AGhostIsToldOnceWhenHeMayAskForANewLife) {
+  begin();
+  capture(bob, ann);
+  pass(2'999);
+  EXPECT_TRUE(all(ann, wire::msgServerText).empty());
+  pass(1);
+  EXPECT_EQ(all(ann, wire::msgServerText), (std::vector<Fields>{{"Press Spawn for a new life."}}));
+  EXPECT_TRUE(all(bob, wire::msgServerText).empty());
+  pass(10'000);
+  EXPECT_EQ(all(ann, wire::msgServerText).size(), 1U);
+}
+
+TEST_F(LivesTest, WhoHasAskedForANewLifeIsNotToldToAsk) {
+  begin();
+  capture(bob, ann);
+  say(ann, wire::msgSpawnRequest, {""});
+  got.clear();
+  pass(3'000);
+  EXPECT_EQ(all(ann, wire::msgRespawn).size(), 1U);
+  pass(10'000);
   EXPECT_TRUE(all(ann, wire::msgServerText).empty());
 }
 
