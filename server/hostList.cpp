@@ -38,7 +38,7 @@ std::string hostRecord(const HostEntry& host) {
 
 std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query,
                      const std::string& others) {
-  const std::string records = matches(host, version, query) ? hostRecord(host) + "\n" : "";
+  const std::string records = matches(host, version, query) ? hostRecord(host) : "";
   return records + others + std::string(endMark) + "\n";
 }
 

@@ -36,7 +36,8 @@ bool matches(const HostEntry& host, std::string_view version, const HostQuery& q
 /// "[address|port|password|notes|players|maxPlayers]", the password being 0 or 1.
 std::string hostRecord(const HostEntry& host);
 
-/// The body of the answer: the record of the host if that matches, the lines of the others, and the end mark.
+/// The body of the answer: the record of the host if that matches, the records of the others, and the end mark. Nothing
+/// stands between two records: clients would take it for the beginning of the next address.
 std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query,
                      const std::string& others = {});
 

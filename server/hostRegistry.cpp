@@ -32,13 +32,13 @@ HostRegistry::Answer HostRegistry::withdraw(const std::string& network, const Ho
 
 std::string HostRegistry::records(const HostQuery& query, Millis now) {
   forget(now);
-  std::string lines;
+  std::string records;
   for (const auto& [key, host] : hosts_) {
     if (matches(host.announcement.host, host.announcement.version, query)) {
-      lines += hostRecord(host.announcement.host) + "\n";
+      records += hostRecord(host.announcement.host);
     }
   }
-  return lines;
+  return records;
 }
 
 void HostRegistry::forget(Millis now) {

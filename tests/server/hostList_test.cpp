@@ -29,7 +29,7 @@ TEST(HostList, TextsCannotBreakTheRecordOrTheList) {
 }
 
 TEST(HostList, EndsWithTheEndMarkWhetherOrNotThereIsARecord) {
-  EXPECT_EQ(hostList(host(false, 3), "1.2.1", {.version = "1.2.1"}), "[192.0.2.7|2010|0|friendly game|3|6]\n-END-\n");
+  EXPECT_EQ(hostList(host(false, 3), "1.2.1", {.version = "1.2.1"}), "[192.0.2.7|2010|0|friendly game|3|6]-END-\n");
   EXPECT_EQ(hostList(host(false, 3), "1.2.1", {.version = "1.2.0"}), "-END-\n");
 }
 

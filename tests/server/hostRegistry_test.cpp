@@ -22,9 +22,9 @@ constexpr Millis hour = 3'600'000;
 TEST(HostRegistry, KeepsAnEntryForAnHourAfterItsLastAnnouncement) {
   HostRegistry registry;
   EXPECT_EQ(registry.announce("a", of("192.0.2.7", 2010), 1'000), Answer::done);
-  EXPECT_EQ(registry.records(all, 1'000 + hour - 1), "[192.0.2.7|2010|0|n|3|6]\n");
+  EXPECT_EQ(registry.records(all, 1'000 + hour - 1), "[192.0.2.7|2010|0|n|3|6]");
   EXPECT_EQ(registry.announce("a", of("192.0.2.7", 2010, 4), 500'000), Answer::done);
-  EXPECT_EQ(registry.records(all, 1'000 + hour), "[192.0.2.7|2010|0|n|4|6]\n");
+  EXPECT_EQ(registry.records(all, 1'000 + hour), "[192.0.2.7|2010|0|n|4|6]");
   EXPECT_EQ(registry.records(all, 500'000 + hour), "");
   EXPECT_EQ(registry.size(), 0U);
 }
@@ -34,10 +34,10 @@ TEST(HostRegistry, ListsWhatTheQueryLetsPass) {
   registry.announce("a", of("one.example", 1, 0), 0);
   registry.announce("a", of("two.example", 2, 6), 0);
   registry.announce("a", of("old.example", 3, 3, "1.2.0"), 0);
-  EXPECT_EQ(registry.records(all, 0), "[one.example|1|0|n|0|6]\n[two.example|2|0|n|6|6]\n");
-  EXPECT_EQ(registry.records({.version = "1.2.1", .withFull = false}, 0), "[one.example|1|0|n|0|6]\n");
-  EXPECT_EQ(registry.records({.version = "1.2.1", .withEmpty = false}, 0), "[two.example|2|0|n|6|6]\n");
-  EXPECT_EQ(registry.records({.version = "1.2.0"}, 0), "[old.example|3|0|n|3|6]\n");
+  EXPECT_EQ(registry.records(all, 0), "[one.example|1|0|n|0|6][two.example|2|0|n|6|6]");
+  EXPECT_EQ(registry.records({.version = "1.2.1", .withFull = false}, 0), "[one.example|1|0|n|0|6]");
+  EXPECT_EQ(registry.records({.version = "1.2.1", .withEmpty = false}, 0), "[two.example|2|0|n|6|6]");
+  EXPECT_EQ(registry.records({.version = "1.2.0"}, 0), "[old.example|3|0|n|3|6]");
 }
 
 TEST(HostRegistry, OnlyWhoAnnouncedAnEntryChangesItOrTakesItBack) {
@@ -45,10 +45,10 @@ TEST(HostRegistry, OnlyWhoAnnouncedAnEntryChangesItOrTakesItBack) {
   registry.announce("a", of("192.0.2.7", 2010), 0);
   EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2010, 6), 1), Answer::anothers);
   EXPECT_EQ(registry.withdraw("b", of("192.0.2.7", 2010).host, 1), Answer::anothers);
-  EXPECT_EQ(registry.records(all, 1), "[192.0.2.7|2010|0|n|3|6]\n");
+  EXPECT_EQ(registry.records(all, 1), "[192.0.2.7|2010|0|n|3|6]");
   EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2011), 1), Answer::done) << "another port is another server";
   EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done);
-  EXPECT_EQ(registry.records(all, 1), "[192.0.2.7|2011|0|n|3|6]\n");
+  EXPECT_EQ(registry.records(all, 1), "[192.0.2.7|2011|0|n|3|6]");
   EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done) << "it is gone already";
   EXPECT_EQ(registry.announce("c", of("192.0.2.7", 2011), 1 + hour), Answer::done) << "the hour is over";
 }

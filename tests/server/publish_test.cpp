@@ -61,7 +61,7 @@ class Publishing : public testing::Test {
         .body;
   }
   static std::string own(const RunningServer& list) {
-    return "[list.example|" + std::to_string(list.port()) + "|0||0|6]\n";
+    return "[list.example|" + std::to_string(list.port()) + "|0||0|6]";
   }
   /// Waits for a line of the log, for five seconds.
   static bool logs(const RunningServer& server, const std::string& start) {
@@ -81,7 +81,7 @@ TEST_F(Publishing, AServerIsInTheListUntilItEnds) {
   {
     const RunningServer arena(publishing(list));
     EXPECT_TRUE(logs(arena, "published at " + urlOf(list)));
-    EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(arena.port()) + "|0|of all|0|6]\n-END-\n");
+    EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(arena.port()) + "|0|of all|0|6]-END-\n");
   }
   EXPECT_EQ(listOf(list), own(list) + "-END-\n") << "it has signed off";
 }
@@ -94,7 +94,7 @@ TEST_F(Publishing, WithoutAPublicAddressItIsTheOneThatTheListSees) {
   options.publishUrl += "//";
   const RunningServer arena(options);
   EXPECT_TRUE(logs(arena, "published at " + urlOf(list)));
-  EXPECT_EQ(listOf(list), own(list) + "[127.0.0.1|" + std::to_string(arena.port()) + "|1|of all|0|6]\n-END-\n");
+  EXPECT_EQ(listOf(list), own(list) + "[127.0.0.1|" + std::to_string(arena.port()) + "|1|of all|0|6]-END-\n");
 }
 
 TEST_F(Publishing, ManyArenasShareOneList) {
@@ -116,7 +116,7 @@ TEST_F(Publishing, AListWithAKeyAsksForIt) {
   EXPECT_TRUE(logs(without, "cannot publish at " + urlOf(list) + ": status 403, This list asks for its key."));
   EXPECT_TRUE(logs(wrong, "cannot publish at " + urlOf(list) + ": status 403"));
   EXPECT_TRUE(logs(right, "published at "));
-  EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(right.port()) + "|0|of all|0|6]\n-END-\n");
+  EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(right.port()) + "|0|of all|0|6]-END-\n");
   EXPECT_EQ(ask(list.webPort(), request("POST", query, "Authorization: Bearer open sesame\r\n")).status, 200);
   for (const char* header : {"", "Authorization: open sesame\r\n", "Authorization: Bearer \r\n",
                              "Authorization: Bearer open sesame2\r\n", "Authorization: Basic b3Blbg==\r\n"}) {
@@ -158,7 +158,7 @@ TEST_F(Publishing, OnlyWhoPublishedAnEntryTouchesIt) {
   EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).status, 200);
   EXPECT_EQ(ask(list.webPort(), request("POST", query), 11).status, 409);
   EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 11).status, 409);
-  EXPECT_EQ(listOf(list), own(list) + "[play.example|2010|0|n|3|6]\n-END-\n");
+  EXPECT_EQ(listOf(list), own(list) + "[play.example|2010|0|n|3|6]-END-\n");
   EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 10).status, 200);
   EXPECT_EQ(listOf(list), own(list) + "-END-\n");
 }

@@ -55,7 +55,7 @@ Response ask(std::uint16_t port, const std::string& request) {
   return {all.substr(0, all.find("\r\n")), all.substr(0, end), all.substr(end + 4)};
 }
 
-constexpr auto listOfThis = "[192.0.2.7|2010|0|friendly game|3|6]\n-END-\n";
+constexpr auto listOfThis = "[192.0.2.7|2010|0|friendly game|3|6]-END-\n";
 
 class WebServerTest : public testing::Test {
  protected:
@@ -281,7 +281,7 @@ class GameWithWeb : public testing::Test {
   /// The list with everything in it.
   std::string list() const { return ask(webPort_, listRequest("version=1.2.1&password=1&full=1&empty=1")).body; }
   std::string expected(int players) const {
-    return "[play.example|" + std::to_string(port_) + "|0|for all|" + std::to_string(players) + "|6]\n-END-\n";
+    return "[play.example|" + std::to_string(port_) + "|0|for all|" + std::to_string(players) + "|6]-END-\n";
   }
 
  private:
@@ -364,7 +364,7 @@ TEST(ServerProgram, TellsBothItsPortsAndEndsWithRequestsUnderWay) {
   ASSERT_TRUE(web.starts_with("web on 127.0.0.1:")) << web;
   ASSERT_TRUE(game.starts_with("listening on 127.0.0.1:")) << game;
   EXPECT_EQ(ask(portOf(web), listRequest("version=1.2.1&password=0&full=0&empty=1")).body,
-            "[127.0.0.1|" + std::to_string(portOf(game)) + "|0|x|0|6]\n-END-\n");
+            "[127.0.0.1|" + std::to_string(portOf(game)) + "|0|x|0|6]-END-\n");
   TcpClient half(portOf(web));
   half.write("GET /games");
   EXPECT_EQ(ask(portOf(web), updateRequest).body, "tvqver:1.2.1\n");
