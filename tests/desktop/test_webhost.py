@@ -7,7 +7,7 @@ import time
 import unittest
 
 import harness
-from harness import LOGIN, TWIPS
+from harness import LOGIN, PLAYER_JOINED, TWIPS
 
 FINDER = "Game Finder"
 BOX = "Kelvora"
@@ -336,6 +336,25 @@ class OwnWebHost(WebTest):
         self.double_click(finder, 0)
         client.wait_for_status((128, 255, 128))
         harness.wait_for(lambda: set(client.windows()) == {harness.TITLE}, "the end of both dialogs")
+
+    def test_second_server_of_its_list_is_joined(self):
+        server = self.start_server("--web-port", "0")
+        other = self.start_server("--publish", f"http://{server.web_host}")
+        client = self.start_client(web_host=server.web_host)
+        finder = self.open_finder(client)
+        for _ in range(20):
+            if self.has_row(finder, 1):
+                break
+            finder.click(*REFRESH)
+            time.sleep(0.5)
+        self.double_click(finder, 1)
+        client.wait_for_status((128, 255, 128))
+        with socket.create_connection(("127.0.0.1", other.port)) as connection:
+            player = harness.Line(connection)
+            player.send(LOGIN, "Bob", "", 5, "1.2.1")
+            self.assertEqual(player.recv_frame()[0], harness.LOGIN_ACCEPTED)
+            identifier, fields = player.recv_frame()
+            self.assertEqual((identifier, fields[2]), (PLAYER_JOINED, b"Ann"))
 
     def test_empty_server_is_left_out_until_somebody_plays(self):
         server = self.start_server("--web-port", "0")
