@@ -71,11 +71,11 @@ void announcements(Input input) {
   const std::string list = hostList({}, "none", query, registry.records(query, now));
   require(list.size() <= std::size_t{1} << 20 && list.find("-END-") == list.size() - 6);
   std::size_t records = 0;
-  for (Input lines(list.data(), list.size()); !lines.isEmpty(); ++records) {
-    const std::string_view line = lines.upTo('\n');
-    if (line == "-END-") break;
-    require(line.size() > 2 && line.front() == '[' && line.back() == ']');
-    Input fields(line.data() + 1, line.size() - 2);
+  for (Input rest(list.data(), list.size()); !rest.isEmpty(); ++records) {
+    const std::string_view record = rest.upTo(']');  // without the bracket
+    if (record == "-END-\n") break;
+    require(record.size() > 1 && record.front() == '[');
+    Input fields(record.data() + 1, record.size() - 1);
     std::vector<std::string> texts;
     while (!fields.isEmpty()) texts.emplace_back(fields.upTo('|'));
     require(texts.size() == 6 && (texts[2] == "0" || texts[2] == "1"));
