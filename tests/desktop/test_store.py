@@ -169,14 +169,23 @@ class Store(harness.DesktopTest):
 
     def test_it_jumps_back_when_it_gets_the_focus(self):
         store, line = self.open()
-        home = store.window.geometry()[:2]
+        home = self.resting_place(store.window)
         self.display.xdotool("windowmove", store.window.identifier, home[0] + 200, home[1] + 150)
         harness.wait_for(lambda: store.window.geometry()[0] > home[0] + 150, "the move")
+        self.resting_place(store.window)  # the client hears of the move a little later
         store.client.window.activate()
-        time.sleep(0.3)
-        self.assertGreater(store.window.geometry()[0], home[0] + 150)
+        self.assertGreater(self.resting_place(store.window)[0], home[0] + 150)
         store.window.activate()
         harness.wait_for(lambda: store.window.geometry()[:2] == home, "the store's place")
+
+    def resting_place(self, window):
+        """Where a window stands once it has stood there for half a second."""
+        place, since = window.geometry()[:2], time.monotonic()
+        while time.monotonic() - since < 0.5:
+            time.sleep(0.05)
+            if (now := window.geometry()[:2]) != place:
+                place, since = now, time.monotonic()
+        return place
 
 
 class RealServer(harness.DesktopTest):
