@@ -13,7 +13,7 @@ namespace kelvora {
 
 namespace {
 
-constexpr const char* section = "fonts";
+constexpr const char* fontsSection = "fonts";
 
 constexpr Colour defaultColours[] = {
     RGB(128, 255, 128),  // public chat
@@ -24,7 +24,7 @@ constexpr Colour defaultColours[] = {
 };
 
 std::uint8_t readChannel(const std::string& key, std::uint8_t fallback) {
-  return toByte(strictNumber(GetSetting(section, key, numberText(std::int32_t{fallback}))));
+  return toByte(strictNumber(GetSetting(fontsSection, key, numberText(std::int32_t{fallback}))));
 }
 
 }  // namespace
@@ -37,12 +37,12 @@ void clsFont::init(std::int16_t newPurpose) {
 void clsFont::loadSettings() {
   if (purpose < 0 || static_cast<std::size_t>(purpose) >= std::size(defaultColours)) raiseSubscriptOutOfRange();
   const Colour fallback = defaultColours[static_cast<std::size_t>(purpose)];
-  size = toInt16(strictNumber(GetSetting(section, key("size"), "9")));
+  size = toInt16(strictNumber(GetSetting(fontsSection, key("size"), "9")));
   red = readChannel(key("colorR"), fallback.red);
   green = readChannel(key("colorG"), fallback.green);
   blue = readChannel(key("colorB"), fallback.blue);
   // Quirk Q-141: a family can stand in the store, but nobody uses it and the dialog has no choice of it.
-  family = GetSetting(section, key("family"), "Comic Sans MS");
+  family = GetSetting(fontsSection, key("family"), "Comic Sans MS");
 }
 
 void clsFont::showToForm() {
@@ -72,13 +72,13 @@ void clsFont::setColour(std::uint8_t channel, std::uint8_t value) {
     default:
       return;
   }
-  SaveSetting(section, key(name), numberText(std::int32_t{value}));
+  SaveSetting(fontsSection, key(name), numberText(std::int32_t{value}));
   if (frmFonts.isVisible()) showToForm();
 }
 
 void clsFont::updateSize(std::int16_t newSize) {
   size = newSize;
-  SaveSetting(section, key("size"), numberText(std::int32_t{size}));
+  SaveSetting(fontsSection, key("size"), numberText(std::int32_t{size}));
   if (frmFonts.isVisible()) showToForm();
 }
 

@@ -15,7 +15,7 @@ FormSlot<FrmConnect> frmConnect;
 
 namespace {
 
-constexpr const char* section = "last login";
+constexpr const char* loginSection = "last login";
 
 // Borders of a circle: marked, or as all the others.
 constexpr int solidBorder = 1;
@@ -52,22 +52,22 @@ FrmConnect::FrmConnect()
 void FrmConnect::load() { loadLastLogin(); }
 
 void FrmConnect::loadLastLogin() {
-  txtPlayerName.Text = GetSetting(section, "player name", "");
-  txtServerAddress.Text = GetSetting(section, "server address", "127.0.0.1");
-  txtServerPort.Text = GetSetting(section, "server port", "2010");
-  txtServerPassword.Text = GetSetting(section, "server password", "");
-  const std::int16_t stored = toInt16(strictNumber(GetSetting(section, "player color", "0")));
+  txtPlayerName.Text = GetSetting(loginSection, "player name", "");
+  txtServerAddress.Text = GetSetting(loginSection, "server address", "127.0.0.1");
+  txtServerPort.Text = GetSetting(loginSection, "server port", "2010");
+  txtServerPassword.Text = GetSetting(loginSection, "server password", "");
+  const std::int16_t stored = toInt16(strictNumber(GetSetting(loginSection, "player color", "0")));
   if (0 <= stored && stored <= shpUserColor.UBound) selectColour(stored);
   Top = frmMain->Top + 3660;
   Left = frmMain->Left + 6435;
 }
 
 void FrmConnect::saveLastLogin() {
-  SaveSetting(section, "player name", txtPlayerName.Text);
-  SaveSetting(section, "server address", txtServerAddress.Text);
-  SaveSetting(section, "server port", txtServerPort.Text);
-  SaveSetting(section, "server password", txtServerPassword.Text);
-  SaveSetting(section, "player color", numberText(std::int32_t{colour}));
+  SaveSetting(loginSection, "player name", txtPlayerName.Text);
+  SaveSetting(loginSection, "server address", txtServerAddress.Text);
+  SaveSetting(loginSection, "server port", txtServerPort.Text);
+  SaveSetting(loginSection, "server password", txtServerPassword.Text);
+  SaveSetting(loginSection, "player color", numberText(std::int32_t{colour}));
 }
 
 void FrmConnect::selectColour(std::int16_t index) {

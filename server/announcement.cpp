@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::size_t longestVersion = 16;
 constexpr std::size_t longestAddress = 255;
-constexpr std::size_t longestNotes = 200;
 constexpr std::uint16_t mostPlaces = 1'000;
 
 bool isLetterOrDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 namespace kelvora::server {
 
 inline constexpr std::string_view publishPath = "/games/kelvora/publish";
+inline constexpr std::size_t longestNotes = 200;  ///< bytes
 
 /// What a server tells a list about itself. An empty address means the one that the announcement comes from.
 struct Announcement {

@@ -7,8 +7,6 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr double worldSize = 100'000;
-
 Place operator-(Place a, Place b) { return {a.x - b.x, a.y - b.y}; }
 double dot(Place a, Place b) { return a.x * b.x + a.y * b.y; }
 double cross(Place a, Place b) { return a.x * b.y - a.y * b.x; }

@@ -15,12 +15,12 @@ std::size_t slot(int item) { return static_cast<std::size_t>(item); }
 
 }  // namespace
 
-int Inventory::stock(int item) const { return isItem(item) ? stock_[slot(item)] : 0; }
+int Inventory::stock(int item) const { return isSlot(item) ? stock_[slot(item)] : 0; }
 
 int Inventory::totalStock() const { return std::accumulate(stock_.begin(), stock_.end(), 0); }
 
 std::string Inventory::buy(int item) {
-  if (!isItem(item)) return "The store has no such powerup.";
+  if (!isSlot(item)) return "The store has no such powerup.";
   const Powerup& powerup = powerupTable[slot(item)];
   if (totalStock() >= startCapacity) {
     return "You cannot carry more than " + std::to_string(startCapacity) + " powerups. Use or sell one first.";
@@ -34,7 +34,7 @@ std::string Inventory::buy(int item) {
 }
 
 std::string Inventory::sell(int item) {
-  if (!isItem(item)) return "The store has no such powerup.";
+  if (!isSlot(item)) return "The store has no such powerup.";
   if (stock_[slot(item)] == 0) {
     return std::string("You have nothing to sell of this kind: ") + powerupTable[slot(item)].name + ".";
   }
@@ -56,7 +56,7 @@ bool Inventory::end(int item, Millis now) {
   return true;
 }
 
-bool Inventory::isRunning(int item, Millis now) const { return isItem(item) && now < runsUntil_[slot(item)]; }
+bool Inventory::isRunning(int item, Millis now) const { return isSlot(item) && now < runsUntil_[slot(item)]; }
 
 std::int64_t Inventory::earned(int creditsPerMinute, Millis time) {
   earned_ += creditsPerMinute * time;

@@ -42,14 +42,12 @@ class Inventory {
   bool isRunning(int item, Millis now) const;
 
   /// The end of its running time; a time that has passed if it is not running.
-  Millis runsUntil(int item) const { return isItem(item) ? runsUntil_[static_cast<std::size_t>(item)] : 0; }
+  Millis runsUntil(int item) const { return isSlot(item) ? runsUntil_[static_cast<std::size_t>(item)] : 0; }
 
   /// The whole credits due for time spent alive; parts of one are kept for the next time.
   std::int64_t earned(int creditsPerMinute, Millis time);
 
  private:
-  static bool isItem(int item) { return item >= 0 && item < powerupSlotCount; }
-
   std::int64_t funds_ = static_cast<std::int64_t>(startFunds);
   std::array<std::int64_t, entryCount> ledger_{funds_};
   Millis earned_ = 0;  // sixty-thousandths of a credit

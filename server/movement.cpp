@@ -10,7 +10,6 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr double worldSize = 100'000;
 constexpr Millis newStartAfter = 1'000;
 constexpr Millis longestStep = 80;  // of flight, twice the time between two reports at the design pace
 constexpr double turboFactor = 3;

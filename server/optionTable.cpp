@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "server/announcement.h"
 #include "server/wholeNumber.h"
 
 namespace kelvora::server {
@@ -12,7 +13,6 @@ constexpr int highestPort = 65'535;
 constexpr int longestText = 255;     // bytes
 constexpr int longestTime = 86'400;  // seconds
 constexpr int longestPath = 4'096;   // bytes
-constexpr int longestNotes = 200;    // bytes
 
 using Text = Option::Text;
 using Whole = Option::Whole;
@@ -59,7 +59,7 @@ const std::array table = {
     Option{"public-address", "ADDRESS", "what the list gives as the address of this server (as --address)",
            Text([](Options& o) -> std::string& { return o.publicAddress; }), 0, longestText},
     Option{"notes", "TEXT", "what the list says about this server (nothing)",
-           Text([](Options& o) -> std::string& { return o.notes; }), 0, longestNotes},
+           Text([](Options& o) -> std::string& { return o.notes; }), 0, int{longestNotes}},
 
     Option{"list-key", "KEY", "what other servers must give to be in the list served here (none)",
            Text([](Options& o) -> std::string& { return o.listKey; }), 0, longestText},

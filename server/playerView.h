@@ -16,7 +16,9 @@ using ClientId = std::uint32_t;
 inline constexpr ClientId firstBotClient = 0x8000'0000;
 constexpr bool isBot(ClientId client) { return client >= firstBotClient; }
 
-/// A place in world units, 0 to 100000 on each axis.
+inline constexpr double worldSize = 100'000;  ///< world units, on both axes from 0
+
+/// A place in world units.
 struct Place {
   double x = 0;
   double y = 0;

@@ -15,7 +15,6 @@ namespace kelvora::server {
 namespace {
 
 constexpr int startInset = 10'000;  // world units from every edge
-constexpr int worldSize = 100'000;
 constexpr const char* colourNames[Arena::colourCount] = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"};
 
 }  // namespace
@@ -115,7 +114,7 @@ std::int16_t Arena::nextNode() {
 }
 
 Spot Arena::startSpot() {
-  std::uniform_int_distribution coordinate(startInset, worldSize - startInset);
+  std::uniform_int_distribution coordinate(startInset, static_cast<int>(worldSize) - startInset);
   const int x = coordinate(random_);
   const int y = coordinate(random_);
   return spotOf(std::to_string(x), std::to_string(y), {static_cast<float>(x), static_cast<float>(y)});

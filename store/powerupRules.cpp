@@ -20,8 +20,6 @@ constexpr std::int16_t errorLine = 4;
 constexpr std::int16_t plainLine = 5;
 constexpr std::int16_t firstSound = 3;  // of the powerups, in the order of their slots
 
-bool isSlot(std::int16_t slot) { return 0 <= slot && slot < powerupSlotCount; }
-
 std::size_t slotIndex(std::int16_t slot) {
   if (!isSlot(slot)) raiseSubscriptOutOfRange();
   return static_cast<std::size_t>(slot);

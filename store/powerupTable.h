@@ -8,6 +8,7 @@ namespace kelvora {
 /// Powerup slots, numbered as on the wire.
 enum PowerupSlot : int { shieldSlot, turboSlot, chargedTailSlot, extendedTailSlot, laserSlot, pulseSlot };
 inline constexpr int powerupSlotCount = 6;
+constexpr bool isSlot(int number) { return 0 <= number && number < powerupSlotCount; }
 
 inline constexpr std::int16_t startCapacity = 10;  ///< powerups that a player can hold, of all kinds together
 inline constexpr double startFunds = 10;           ///< credits

@@ -20,8 +20,6 @@ constexpr std::int16_t serverLine = 3;
 constexpr std::int16_t shoppingMusic = 0;
 constexpr std::int16_t errorSound = 2;
 
-bool isSlot(std::int16_t item) { return 0 <= item && item < powerupSlotCount; }
-
 }  // namespace
 
 void modMain::openStore() {

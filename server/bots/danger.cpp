@@ -9,10 +9,10 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr double nearby = 12'000;   // world units
-constexpr double warning = 600;     // ms before a loop closes
-constexpr Millis calm = 600;        // ms without danger after which the next one is a new one
-constexpr double ballRadius = 450;  // world units, with some air around it
+constexpr double nearby = 12'000;    // world units
+constexpr double warning = 600;      // ms before a loop closes
+constexpr Millis calm = 600;         // ms without danger after which the next one is a new one
+constexpr double ballWithAir = 450;  // world units
 constexpr int directions = 16;
 
 double safeDistance(std::span<const Place> tail, Place head, Place point) {
@@ -61,9 +61,9 @@ bool Mind::flee(const BotView& view) {
     const double angle = angle_ + i * 2 * M_PI / directions;
     const Place there = view.position + towards(angle) * step;
     double worth = safeDistance(threat->tail.subspan(soonest->vertex), head, there);
-    if (isInside(threat->tail, head, *soonest, there)) worth = -worth - worldEnd;
+    if (isInside(threat->tail, head, *soonest, there)) worth = -worth - worldSize;
     worth -= 300 * std::fabs(wrapped(angle - angle_));
-    if (there.x < 0 || there.x > worldEnd || there.y < 0 || there.y > worldEnd) worth -= 5'000;
+    if (there.x < 0 || there.x > worldSize || there.y < 0 || there.y > worldSize) worth -= 5'000;
     if (worth <= best) continue;
     best = worth;
     way = angle;
@@ -77,7 +77,7 @@ void Mind::avoidCharges(const BotView& view) {
   if (skill_.alertness <= 0 || view.isRunning[shieldSlot]) return;
   const double reach = speed(view) * 0.75 * 200;
   const auto isDeadly = [&](double angle) {
-    const Place there = view.position + towards(angle) * (reach + ballRadius);
+    const Place there = view.position + towards(angle) * (reach + ballWithAir);
     for (const Seen& other : view.others) {
       if (!other.isAlive || length(other.position - view.position) > 40'000) continue;
       if (other.isTailCharged) {
@@ -88,7 +88,7 @@ void Mind::avoidCharges(const BotView& view) {
       if (other.isRunning[laserSlot]) {
         const double pace = length(other.velocity);
         if (pace < 1) continue;
-        const Place end = other.position + other.velocity * (2 * worldEnd / pace);
+        const Place end = other.position + other.velocity * (2 * worldSize / pace);
         if (cross(view.position, there, other.position, end)) return true;
       }
     }

@@ -6,7 +6,7 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr float worldEnd = 100'000;
+constexpr auto worldEnd = static_cast<float>(worldSize);
 constexpr float wallInset = 1'000;
 constexpr float axisClamp = 300;
 constexpr float brakeRate = 3;

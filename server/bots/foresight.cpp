@@ -14,7 +14,7 @@ bool rayMeets(Place point, Place a, Place b) {
 
 double inTheWorld(double coordinate) {
   if (coordinate < 0) return -coordinate;
-  if (coordinate > worldEnd) return 2 * worldEnd - coordinate;
+  if (coordinate > worldSize) return 2 * worldSize - coordinate;
   return coordinate;
 }
 
@@ -28,7 +28,7 @@ Place foreseen(const Seen& player, double ms, bool turns) {
     way = rotated(way, turn / 2) * (std::sin(turn / 2) / (turn / 2));
   }
   const Place place = player.position + way;
-  return {std::clamp(inTheWorld(place.x), 0.0, worldEnd), std::clamp(inTheWorld(place.y), 0.0, worldEnd)};
+  return {std::clamp(inTheWorld(place.x), 0.0, worldSize), std::clamp(inTheWorld(place.y), 0.0, worldSize)};
 }
 
 std::optional<Closing> soonestClosing(std::span<const Place> tail, Place head, double speed, Place prey,

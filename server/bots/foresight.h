@@ -8,7 +8,6 @@
 
 namespace kelvora::server {
 
-inline constexpr double worldEnd = 100'000;
 /// World units per ms at full speed, both axes together.
 inline constexpr double topSpeed = 30;
 /// The ms for which a tail can be counted on; its points last a little longer.

@@ -17,7 +17,7 @@ constexpr Millis loopPatience = 2'600;
 double roundTrip(double radius, double speed) { return 8 * radius / speed; }
 
 Place heldInside(Place place, double margin) {
-  return {std::clamp(place.x, margin, worldEnd - margin), std::clamp(place.y, margin, worldEnd - margin)};
+  return {std::clamp(place.x, margin, worldSize - margin), std::clamp(place.y, margin, worldSize - margin)};
 }
 
 const Seen* find(const BotView& view, std::int16_t node) {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr double pulseReach = 4'000;  // world units, less than the pulse's
 constexpr double laserReach = 20'000;
-constexpr double ballRadius = 300;
+constexpr double laserHalfWidth = 300;  // of a beam that surely meets the ball
 
 }  // namespace
 
@@ -48,7 +48,7 @@ std::optional<int> Mind::choosePowerup(const BotView& view) {
     const Place beam = towards(angle_);
     const bool isAligned = isNear(laserReach, [&](const Seen& other) {
       const Place way = foreseen(other, static_cast<double>(view.delay) + 60, skill_.foreseesTurns) - view.position;
-      return isBare(other) && dot(beam, way) > 0 && std::fabs(cross(beam, way)) < ballRadius;
+      return isBare(other) && dot(beam, way) > 0 && std::fabs(cross(beam, way)) < laserHalfWidth;
     });
     if (isAligned) return use(laserSlot);
   }
