@@ -3,19 +3,17 @@
 #include <algorithm>
 #include <cmath>
 
+#include "server/plane.h"
+
 namespace kelvora::server {
 
 namespace {
 
-Place operator-(Place a, Place b) { return {a.x - b.x, a.y - b.y}; }
-double dot(Place a, Place b) { return a.x * b.x + a.y * b.y; }
-double cross(Place a, Place b) { return a.x * b.y - a.y * b.x; }
-
 double distanceToWay(Place place, Place a, Place b) {
   const Place way = b - a;
-  const double length = dot(way, way);
-  const double part = length > 0 ? std::clamp(dot(place - a, way) / length, 0.0, 1.0) : 0;
-  return distanceOf(place, {a.x + part * way.x, a.y + part * way.y});
+  const double square = dot(way, way);
+  const double part = square > 0 ? std::clamp(dot(place - a, way) / square, 0.0, 1.0) : 0;
+  return length(place - (a + way * part));
 }
 
 /// Whether each way has the ends of the other on both its sides. Ways that only touch are seen by their ends.
@@ -32,8 +30,6 @@ double stepsToEdge(double from, double along) {
 
 }  // namespace
 
-double distanceOf(Place a, Place b) { return std::hypot(a.x - b.x, a.y - b.y); }
-
 double distanceOfWays(Place a, Place b, Place c, Place d) {
   if (areAcross(a, b, c, d)) return 0;
   return std::min({distanceToWay(a, c, d), distanceToWay(b, c, d), distanceToWay(c, a, b), distanceToWay(d, a, b)});
@@ -41,7 +37,7 @@ double distanceOfWays(Place a, Place b, Place c, Place d) {
 
 Place worldEdge(Place from, Place along) {
   const double steps = std::min(stepsToEdge(from.x, along.x), stepsToEdge(from.y, along.y));
-  return {from.x + steps * along.x, from.y + steps * along.y};
+  return from + along * steps;
 }
 
 }  // namespace kelvora::server

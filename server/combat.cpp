@@ -5,6 +5,7 @@
 #include "network/wire/wireFormat.h"
 #include "server/arena.h"
 #include "server/ballGeometry.h"
+#include "server/plane.h"
 
 namespace kelvora::server {
 
@@ -66,7 +67,7 @@ void Arena::strike(const std::vector<Hit>& hits, Millis now) {
 void Arena::pulse(Player& owner, Millis now) {
   std::vector<Player*> near = inGame();
   std::erase_if(near, [&](const Player* player) {
-    return !player->isAlive || distanceOf(player->spot.place(), owner.spot.place()) > pulseRadius;
+    return !player->isAlive || length(player->spot.place() - owner.spot.place()) > pulseRadius;
   });
   // He himself comes last, so that he is alive while the others die by him.
   std::stable_partition(near.begin(), near.end(), [&](const Player* player) { return player != &owner; });

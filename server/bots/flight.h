@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/vector.h"
-#include "server/bots/plane.h"
+#include "server/plane.h"
 
 namespace kelvora::server {
 

@@ -4,7 +4,7 @@
 #include <span>
 
 #include "server/bots/botView.h"
-#include "server/bots/plane.h"
+#include "server/plane.h"
 
 namespace kelvora::server {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "server/bots/plane.h"
+#include "server/plane.h"
 
 namespace kelvora::server {
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "server/bots/chatter.h"
-#include "server/bots/plane.h"
+#include "server/plane.h"
 
 namespace kelvora::server {
 namespace {
