@@ -4,9 +4,11 @@
 
 namespace kelvora::server {
 
+bool FrameReader::isLogin() const { return !text_.empty() && text_.front() == static_cast<char>(wire::msgLogin); }
+
 bool FrameReader::read(std::string_view bytes, const std::function<void(std::string_view text)>& handle) {
   for (const char byte : bytes) {
-    if (isOpen_ == (byte == wire::frameStart)) return false;
+    if (isOpen_ == (byte == wire::frameStart) && !isLogin()) return false;
     if (!isOpen_) {
       isOpen_ = true;
     } else if (byte == wire::frameEnd) {

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "base/codePage.h"
+#include "network/wire/wireFormat.h"
 #include "server/announcement.h"
 #include "server/wholeNumber.h"
 
@@ -15,6 +17,7 @@ constexpr int longestTime = 86'400;  // seconds
 constexpr int longestPath = 4'096;   // bytes
 
 using Text = Option::Text;
+using Letters = Option::Letters;
 using Whole = Option::Whole;
 using Decimal = Option::Decimal;
 using Switch = Option::Switch;
@@ -31,7 +34,7 @@ const std::array table = {
     Option{"port", "PORT", "TCP port, 0 for any free one (2010)",  //
            Whole([](Options& o, int value) { o.port = static_cast<std::uint16_t>(value); }), 0, highestPort},
     Option{"password", "PASSWORD", "what players must give to get in (none)",
-           Text([](Options& o) -> std::string& { return o.password; }), 0, longestText},
+           Letters{[](Options& o) -> std::string& { return o.password; }, true}, 0, longestText},
 
     heading("The game:"),
     Option{"round-seconds", "SECONDS", "how long a round is played (180)",
@@ -59,7 +62,7 @@ const std::array table = {
     Option{"public-address", "ADDRESS", "what the list gives as the address of this server (as --address)",
            Text([](Options& o) -> std::string& { return o.publicAddress; }), 0, longestText},
     Option{"notes", "TEXT", "what the list says about this server (nothing)",
-           Text([](Options& o) -> std::string& { return o.notes; }), 0, int{longestNotes}},
+           Letters{[](Options& o) -> std::string& { return o.notes; }, false}, 0, int{longestNotes}},
 
     Option{"list-key", "KEY", "what other servers must give to be in the list served here (none)",
            Text([](Options& o) -> std::string& { return o.listKey; }), 0, longestText},
@@ -98,6 +101,14 @@ struct Set {
     if (value.size() < static_cast<std::size_t>(option.lowest)) return "must not be empty";
     target(options) = value;
     return {};
+  }
+  std::string operator()(const Letters& letters) const {
+    const auto bytes = codePageFromUtf8(value);
+    if (!bytes) return "must be UTF-8 text in letters that the game has, those of code page 1252";
+    if (letters.inLogins &&
+        bytes->find_first_of({wire::frameStart, wire::frameEnd, wire::fieldSeparator}) != bytes->npos)
+      return "must not contain a euro sign or a low quotation mark, which no player can send";
+    return Set{options, option, *bytes}(letters.target);
   }
   std::string operator()(Whole set) const {
     const auto number = wholeNumber<int>(value);

@@ -64,7 +64,11 @@ void Arena::login(ClientId client, std::string_view text, Millis now) {
 }
 
 std::string Arena::refusal(ClientId client, const Fields& fields) const {
-  if (fields.size() != 4) return "The login is not readable. A name or password must not contain special characters.";
+  // The euro sign and the low quotation mark have the numbers of delimiters.
+  if (fields.size() != 4 ||
+      std::ranges::any_of(fields, [](std::string_view field) { return field.find(wire::frameStart) != field.npos; })) {
+    return "The login is not readable. Neither name nor password may contain a euro sign or a low quotation mark.";
+  }
   const std::string_view name = fields[0];
   if (fields[3] != version_) return "This server needs version " + version_ + " of the game.";
   if (!password_.empty() && fields[1] != password_) return "Wrong password.";

@@ -81,12 +81,16 @@ TEST_F(ArenaTest, RefusesWithAReason) {
   EXPECT_NE(refusal(arena, {std::string(33, 'a'), "", "0", "1.2.1"}).find("longer than 32"), std::string::npos);
   EXPECT_NE(refusal(arena, {"A\nnn", "", "0", "1.2.1"}).find("control"), std::string::npos);
   EXPECT_NE(refusal(arena, {"A\x7Fnn", "", "0", "1.2.1"}).find("control"), std::string::npos);
+  EXPECT_NE(refusal(arena, {"A\x9Dnn", "", "0", "1.2.1"}).find("control"), std::string::npos) << "no letter";
+  EXPECT_NE(refusal(arena, {"A\x80nn", "", "0", "1.2.1"}).find("euro sign"), std::string::npos);
+  EXPECT_NE(refusal(locked, {"Ann", "sesame\x80", "0", "1.2.1"}).find("euro sign"), std::string::npos);
   EXPECT_NE(refusal(locked, {"Ann", "Sesame", "0", "1.2.1"}).find("password"), std::string::npos);
   EXPECT_EQ(arena.playerCount(), 0U);
 }
 
 TEST_F(ArenaTest, AdmitsAtTheLimits) {
   EXPECT_EQ(refusal(arena, {std::string(32, 'a'), "", "0", "1.2.1"}), "");
+  EXPECT_EQ(refusal(arena, {"\x83\x8A\x9F\xA0\xFF", "", "0", "1.2.1"}), "");
   EXPECT_EQ(refusal(locked, {"\xC4nn", "sesame", "0", "1.2.1"}), "");
 }
 

@@ -52,10 +52,26 @@ TEST_F(FrameReaderTest, RefusesAStartWithinAFrame) {
            "a\x80"));
 }
 
+TEST_F(FrameReaderTest, ALoginKeepsTheStartsThatSomebodyTyped) {
+  // "A" and a euro sign as the name.
+  EXPECT_TRUE(
+      read("\x80\x87"
+           "A\x80\x82\x82"
+           "2\x82"
+           "1.2.1\x81\x80\x98\x81"));
+  EXPECT_EQ(texts, (Texts{"\x87"
+                          "A\x80\x82\x82"
+                          "2\x82"
+                          "1.2.1",
+                          "\x98"}));
+  EXPECT_FALSE(read("\x80\x80")) << "no login yet";
+}
+
 TEST_F(FrameReaderTest, RefusesWhatIsTooLong) {
   EXPECT_TRUE(read('\x80' + std::string(4096, 'x') + '\x81'));
   EXPECT_EQ(texts.at(0).size(), 4096U);
   EXPECT_FALSE(read('\x80' + std::string(4097, 'x')));
+  EXPECT_FALSE(FrameReader{}.read("\x80\x87" + std::string(4096, '\x80'), [](std::string_view) { FAIL(); }));
 }
 
 }  // namespace

@@ -100,6 +100,16 @@ TEST_F(Loopback, ARefusedClientGetsTheReasonAndThenTheEnd) {
   EXPECT_TRUE(ann.isCutOff());
 }
 
+// The bytes 128 to 130, which a player can type as a euro sign, paste, and type as a low quotation mark.
+TEST_F(Loopback, ADelimiterInANameIsRefusedWithAReason) {
+  for (const char* name : {"A\x80nn", "A\x81nn", "A\x82nn", "\x80\x80", "\x82\x82\x82", "\x80\x87"}) {
+    Client ann(port());
+    ann.login(name);
+    EXPECT_NE(ann.readUntil(wire::msgLoginDenied).find("euro sign"), std::string::npos) << name;
+    EXPECT_TRUE(ann.isCutOff());
+  }
+}
+
 TEST_F(Loopback, AFloodIsThinnedOutAndTheServerStaysThere) {
   Client ann(port());
   Client bob(port());
@@ -139,7 +149,7 @@ TEST_F(Loopback, EarlyHangUpsDisturbNobody) {
 
 TEST_F(Loopback, WhatIsNoFrameEndsTheConnection) {
   for (const std::string& bytes :
-       {std::string("GET / HTTP/1.0\r\n\r\n"), std::string("\x80\x87\x80"), '\x80' + std::string(4097, 'x')}) {
+       {std::string("GET / HTTP/1.0\r\n\r\n"), std::string("\x80\x90\x80"), '\x80' + std::string(4097, 'x')}) {
     Client stranger(port());
     stranger.write(bytes);
     EXPECT_EQ(stranger.read(), "");

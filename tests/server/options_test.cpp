@@ -29,6 +29,27 @@ TEST(ServerOptions, HaveDefaults) {
   EXPECT_FALSE(options.version);
 }
 
+TEST(ServerOptions, TextsAreKeptInTheLettersOfTheGame) {
+  const Options options = parse({"--password", "\u00D6ffne dich", "--notes", "f\u00FCr alle, 5 \u20AC"});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.password,
+            "\xD6"
+            "ffne dich");
+  EXPECT_EQ(options.notes, "f\xFCr alle, 5 \x80");
+  EXPECT_EQ(parse({"--notes", "\u043C\u0438\u0440"}).error,
+            "--notes must be UTF-8 text in letters that the game has, those of code page 1252");
+  EXPECT_EQ(parse({"--password", "\xD6"}).error,
+            "--password must be UTF-8 text in letters that the game has, those of code page 1252");
+}
+
+TEST(ServerOptions, APasswordThatNoLoginCanCarryIsRefused) {
+  for (const char* password : {"5 \u20AC", "\u201Aso\u2018", "\u0081"}) {
+    EXPECT_EQ(parse({"--password", password}).error,
+              "--password must not contain a euro sign or a low quotation mark, which no player can send");
+  }
+  EXPECT_EQ(parse({"--password", "\u201Eso\u201C"}).error, "") << "the double ones are letters like others";
+}
+
 TEST(ServerOptions, AreReadInBothSpellings) {
   for (const auto& options : {parse({"--address", "::1", "--port", "0", "--password", "a b"}),
                               parse({"--address=::1", "--port=0", "--password=a b"})}) {

@@ -1,0 +1,27 @@
+#include "base/codePage.h"
+
+namespace kelvora {
+
+std::optional<std::string> codePageFromUtf8(std::string_view text) {
+  std::string result;
+  std::size_t i = 0;
+  while (i < text.size()) {
+    const auto lead = static_cast<unsigned char>(text[i++]);
+    // Every letter of the code page takes one to three bytes; a byte in the middle, and a longer one, has none.
+    const std::size_t more = lead < 0x80 ? 0 : lead < 0xE0 ? 1 : 2;
+    if ((lead >= 0x80 && lead < 0xC0) || lead >= 0xF0 || text.size() - i < more) return std::nullopt;
+    char32_t code = more == 0 ? lead : lead & (more == 1 ? 0x1FU : 0x0FU);
+    for (std::size_t n = 0; n < more; ++n) {
+      const auto next = static_cast<unsigned char>(text[i++]);
+      if ((next & 0xC0U) != 0x80) return std::nullopt;
+      code = code << 6U | (next & 0x3FU);
+    }
+    const bool isShortest = more == 0 || code >= (more == 1 ? 0x80U : 0x800U);
+    const std::optional<char> byte = toCodePage(code);
+    if (!isShortest || !byte) return std::nullopt;
+    result += *byte;
+  }
+  return result;
+}
+
+}  // namespace kelvora
