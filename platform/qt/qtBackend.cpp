@@ -5,6 +5,7 @@
 #include <QIcon>
 #include <clocale>
 #include <exception>
+#include <optional>
 #include <string>
 
 #include "platform/qt/codePage.h"
@@ -14,6 +15,7 @@
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"
+#include "platform/qt/windowSystem.h"
 #include "raster/surface.h"
 
 namespace kelvora {
@@ -24,13 +26,6 @@ std::string joinedArguments(int argc, char** argv) {
   QString line;
   for (int i = 1; i < argc; ++i) line += (i > 1 ? " " : "") + QString::fromLocal8Bit(argv[i]);
   return toBytes(line);
-}
-
-/// The game places the mouse pointer, which only the X window system lets a program do.
-void preferX11() {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
-    qputenv("QT_QPA_PLATFORM", "xcb");
-  }
 }
 
 /// The program's icon in all its sizes, as far as they are there.
@@ -47,8 +42,11 @@ QIcon programIcon(const std::string& applicationPath) {
 int runDesktop(int argc, char** argv, void (*game)()) {
   if (answersArguments(argc, argv)) return 0;
   const std::string commandLine = joinedArguments(argc, argv);
-  preferX11();
+  chooseWindowSystem();
+  std::optional<ScreenSearch> search(std::in_place);
   QApplication application(argc, argv);
+  search.reset();
+  tellWhatIsMissing();
   // The toolkit takes over the user's locale; numbers in texts keep their point.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setApplicationName("kelvora");

@@ -39,6 +39,12 @@ QSize clientSize(const Form& form) {
   return {toPixels(form.Width - Form::frameWidth), toPixels(form.Height - Form::frameHeight)};
 }
 
+/// The one that shows the middle of the window, or else the one that the window counts as its own.
+QScreen* screenOf(const QWidget& window) {
+  QScreen* shown = QGuiApplication::screenAt(window.frameGeometry().center());
+  return shown ? shown : window.screen();
+}
+
 Qt::WindowFlags formWindowFlags(const Form& form) {
   if (form.design.border == Form::Border::Sizable) return Qt::Window;
   return Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
@@ -150,23 +156,29 @@ void FormPeer::showWindow() {
   takeFocus();
 }
 
-/// A form that the game has not placed stands in the middle: of the screen, or of the main window. Its place is known
-/// at once, not only when the window manager has answered.
+/// A form that the game has not placed stands in the middle: of the screen, or of the main window. None begins where it
+/// cannot be seen: it is kept on the screen that the game is on, and a window that can be resized begins no larger than
+/// it. The place is known at once, not only when the window manager has answered.
 void FormPeer::placeWindow() {
-  if (placedByGame_) {
-    window_->move(toPixels(form_.Left), toPixels(form_.Top));
-    return;
+  const bool isMain = !mainWindow || window_.get() == mainWindow;
+  const QRect screen = (isMain ? window_->screen() : screenOf(*mainWindow))->availableGeometry();
+  const QSize frame(toPixels(Form::frameWidth), toPixels(Form::frameHeight));
+  QSize client = clientSize(form_);
+  if (form_.design.border == Form::Border::Sizable) {
+    client = client.boundedTo(screen.size() - frame);
+    if (client != clientSize(form_)) window_->resizeClient(client);
   }
-  const QSize outer(toPixels(form_.Width), toPixels(form_.Height));
-  const QRect screen = window_->screen()->availableGeometry();
-  const bool isMain = window_.get() == mainWindow;
-  const QPoint centre = isMain || !mainWindow ? screen.center() : mainWindow->frameGeometry().center();
-  QPoint corner = centre - QPoint(outer.width() / 2, outer.height() / 2);
-  corner.setX(std::max(std::min(corner.x(), screen.right() - outer.width()), screen.left()));
-  corner.setY(std::max(std::min(corner.y(), screen.bottom() - outer.height()), screen.top()));
-  window_->move(corner);
-  form_.Left.adopt(static_cast<float>(corner.x() * twipsPerPixel));
-  form_.Top.adopt(static_cast<float>(corner.y() * twipsPerPixel));
+  const QSize outer = client + frame;
+  const QPoint centre = isMain ? screen.center() : mainWindow->frameGeometry().center();
+  QPoint corner(toPixels(form_.Left), toPixels(form_.Top));
+  if (!placedByGame_) corner = centre - QPoint(outer.width() / 2, outer.height() / 2);
+  const QPoint inside(std::clamp(corner.x(), screen.left(), std::max(screen.right() - outer.width(), screen.left())),
+                      std::clamp(corner.y(), screen.top(), std::max(screen.bottom() - outer.height(), screen.top())));
+  window_->move(inside);
+  // A place between two pixels stays as the game gave it.
+  if (placedByGame_ && inside == corner) return;
+  form_.Left.adopt(static_cast<float>(inside.x() * twipsPerPixel));
+  form_.Top.adopt(static_cast<float>(inside.y() * twipsPerPixel));
 }
 
 /// Tabbing follows TabIndex; the lowest one has the focus when the form comes up.

@@ -13,11 +13,19 @@ namespace kelvora {
 
 namespace {
 
-/// What a line can hold: the characters of code page 1252 without the control characters.
+/// What a line can hold: the characters of code page 1252 without the control characters. Where the lines of a longer
+/// text met, or a tab stood, there is a blank, though not at the ends.
 QString cleaned(const QString& text) {
-  std::string bytes = toBytes(text);
-  std::erase_if(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 32; });
-  return toQString(bytes);
+  std::string line;
+  bool isBroken = false;
+  for (const char byte : toBytes(text)) {
+    isBroken = isBroken || byte == '\n' || byte == '\t';
+    if (static_cast<unsigned char>(byte) < 32) continue;
+    if (isBroken && !line.empty()) line += ' ';
+    isBroken = false;
+    line += byte;
+  }
+  return toQString(line);
 }
 
 class LineEdit : public QLineEdit {

@@ -1,6 +1,7 @@
 #include "platform/qt/widgetPeer.h"
 
 #include <QMouseEvent>
+#include <QPaintEngine>
 #include <cmath>
 
 #include "platform/checkBox.h"
@@ -24,10 +25,25 @@ void drawBorder(QPainter& painter, const QRect& place, const QColor& colour) {
   painter.fillRect(QRect(place.right(), place.top(), 1, place.height()), colour);
 }
 
+namespace {
+
+/// Whether what is painted on may show what lies behind it: windows under Wayland, not those of X11.
+bool isSeeThrough(const QPainter& painter) {
+  const QPaintDevice* device = painter.paintEngine()->paintDevice();
+  return device->devType() == QInternal::Image && static_cast<const QImage*>(device)->hasAlphaChannel();
+}
+
+}  // namespace
+
 void drawPixels(QPainter& painter, const QImage& picture, const QRect& part) {
   const double scale = painter.deviceTransform().m11();
   painter.setRenderHint(QPainter::SmoothPixmapTransform, scale != std::floor(scale));
-  painter.drawImage(part, picture, part);
+  if (!isSeeThrough(painter)) {
+    painter.drawImage(part, picture, part);
+    return;
+  }
+  // The highest byte of the game's pixels is 0, which would be copied as "nothing here".
+  painter.drawImage(part, picture.copy(part).convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
 ControlWidget::ControlWidget(Control& control, QWidget* parent) : QWidget(parent), control_(control) {

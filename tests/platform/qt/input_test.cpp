@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <memory>
 
@@ -127,9 +129,47 @@ TEST_F(Input, CharactersOutsideTheCodePageAreDropped) {
   edit.setCursorPosition(3);
   edit.insert(QString::fromUtf16(u"\u0416\u20AC\r\n!"));
   emit edit.textEdited(edit.text());
-  EXPECT_EQ(form_.first.Text.get(), "one\x80!");
-  EXPECT_EQ(edit.text(), QString::fromUtf16(u"one\u20AC!"));
-  EXPECT_EQ(form_.first.SelStart, 5);
+  EXPECT_EQ(form_.first.Text.get(), "one\x80 !");
+  EXPECT_EQ(edit.text(), QString::fromUtf16(u"one\u20AC !"));
+  EXPECT_EQ(form_.first.SelStart, 6);
+}
+
+TEST_F(Input, PastedLinesBecomeOne) {
+  auto& edit = dynamic_cast<QLineEdit&>(widgetOf(form_.first));
+  const auto pasted = [&](const QString& text) {
+    edit.selectAll();
+    QGuiApplication::clipboard()->setText(text);
+    edit.paste();
+    return form_.first.Text.get();
+  };
+  EXPECT_EQ(pasted("games.example.org\n"), "games.example.org");
+  EXPECT_EQ(pasted("\n\tone\n\n\ttwo\tthree\n"), "one two three");
+  EXPECT_EQ(pasted(QString::fromUtf16(u"x\U0001F600y\u4E2Dz\x1b[31m")), "xyz[31m");
+  // Accents that stand apart, as some systems write them.
+  EXPECT_EQ(pasted(QString::fromUtf16(u"Rene\u0301 A\u030Angstro\u0308m e\u0328")), "Ren\xE9 \xC5ngstr\xF6m ");
+  const std::string longText(100'000, 'a');
+  EXPECT_EQ(pasted(QString::fromStdString(longText)).size(), 32'767U) << "as much as a line takes";
+}
+
+// What an input method sends when it has composed something, with the focus on the picture and on the box.
+TEST_F(Input, ComposedTextIsTypedText) {
+  const auto compose = [](QWidget& widget, const QString& preedit, const QString& committed) {
+    QInputMethodEvent event(preedit, {});
+    event.setCommitString(committed);
+    QCoreApplication::sendEvent(&widget, &event);
+  };
+  QInputMethodQueryEvent question(Qt::ImEnabled);
+  QCoreApplication::sendEvent(&widgetOf(form_.box), &question);
+  EXPECT_TRUE(question.value(Qt::ImEnabled).toBool()) << "or no input method would speak to the picture";
+  compose(widgetOf(form_.box), "`e", "");
+  EXPECT_EQ(form_.notes, Notes{}) << "nothing is typed until it is whole";
+  compose(widgetOf(form_.box), "", QString::fromUtf16(u"\u00E8\u4E2D\U0001F600!"));
+  EXPECT_EQ(form_.notes, (Notes{"box press 232", "box press 33"}));
+  form_.notes.clear();
+  compose(widgetOf(form_.first), "", QString::fromUtf16(u"\u00E8\u4E2D\U0001F600!"));
+  EXPECT_EQ(form_.notes, (Notes{"first press 232", "first press 33"}));
+  EXPECT_EQ(form_.first.Text.get(), "\xE8!one");
+  EXPECT_EQ(form_.first.SelStart, 2);
 }
 
 TEST_F(Input, CaretFollowsSelStartAndTheUser) {
