@@ -8,7 +8,7 @@
 
 #include "platform/form.h"
 #include "platform/pictures/pictureFile.h"
-#include "platform/qt/codePage.h"
+#include "platform/qt/boxText.h"
 #include "platform/qt/dataFolder.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/mixedAudio.h"
@@ -37,8 +37,7 @@ float QtDesktop::secondsSinceMidnight() {
 
 void QtDesktop::messageBox(const std::string& text) {
   const HandlerScope scope;
-  QMessageBox box(QMessageBox::NoIcon, "Kelvora", toQString(text).replace("\r\n", "\n"), QMessageBox::Ok,
-                  QApplication::activeWindow());
+  QMessageBox box(QMessageBox::NoIcon, "Kelvora", boxText(text), QMessageBox::Ok, QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
   box.exec();
 }
