@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <memory>
@@ -201,6 +202,35 @@ TEST_F(Socket, AServerThatNeverReadsIsGivenUp) {
   EXPECT_EQ(socket_->State(), 9);
   serveFor(20);
   EXPECT_EQ(events_, Events{"Connect 7"});
+}
+
+TEST_F(Socket, AThousandConnectionsLeaveNothingOpen) {
+  const auto descriptors = [] { return QDir("/proc/self/fd").entryList(QDir::Files | QDir::System).size(); };
+  socket_->onClose = [this] {
+    events_.emplace_back("Close");
+    socket_->Close();
+  };
+  const auto comeAndGo = [&](int i) {
+    events_.clear();
+    connect();
+    // Some ends are orderly, some are resets, some come in the middle of what is sent, some from this side.
+    if (i % 2 == 0) other_->write("\x80\x86half", 6);
+    if (i % 4 == 3) {
+      socket_->Close();
+    } else if (i % 4 == 2) {
+      other_->abort();
+    } else {
+      other_->disconnectFromHost();
+    }
+    ASSERT_TRUE(serveUntil([this] { return socket_->State() == sckClosed || socket_->State() == sckError; })) << i;
+    socket_->Close();
+    other_->deleteLater();
+    serveFor(0);
+  };
+  for (int i = 0; i < 8; ++i) comeAndGo(i);
+  const auto before = descriptors();
+  for (int i = 0; i < 1'000; ++i) comeAndGo(i);
+  EXPECT_LE(descriptors(), before + 2) << "one connection may be on its way out";
 }
 
 TEST_F(Socket, CloseDropsWhatIsStillToBeTold) {
