@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
@@ -38,6 +39,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void close(const std::string& reason);
   /// When the client last sent anything.
   Clock::time_point lastHeard() const { return lastHeard_; }
+  /// The server could not listen for this long.
+  void excuse(Clock::duration time) { lastHeard_ = std::min(lastHeard_ + time, Clock::now()); }
 
  private:
   void readMore();

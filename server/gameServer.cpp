@@ -155,7 +155,9 @@ void GameServer::tickMore() {
     publish();  // a login may have waited for a bot to go
     if (web_) web_->dropOverdue(WebServer::Clock::now());
     const auto quietSince = Connection::Clock::now() - longestSilence;
+    const auto stop = stallWatch_.stop(Connection::Clock::now());
     for (const auto& [client, connection] : connections_) {
+      connection->excuse(stop);
       if (connection->lastHeard() < quietSince) connection->close("silent for too long");
     }
     for (const auto& [client, since] : hungUp_) {

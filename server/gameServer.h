@@ -16,6 +16,7 @@
 #include "server/door.h"
 #include "server/options.h"
 #include "server/publisher.h"
+#include "server/stallWatch.h"
 #include "server/webServer.h"
 
 namespace kelvora::server {
@@ -24,6 +25,8 @@ namespace kelvora::server {
 class GameServer : private ArenaOutput {
  public:
   static constexpr std::size_t mostConnections = 64;
+  /// Files that may have to be open at a time: the connections of game and list, and what the process itself has.
+  static constexpr std::size_t descriptors = mostConnections + WebServer::mostConnections + 64;
   static constexpr std::chrono::seconds longestSilence{120};  ///< the game sends its position all the time
 
   /// Listens at once; an address that is no good throws std::system_error.
@@ -67,6 +70,7 @@ class GameServer : private ArenaOutput {
   std::map<ClientId, std::shared_ptr<Connection>> connections_;
   std::map<ClientId, Millis> hungUp_;  // since when
   Door door_;
+  StallWatch stallWatch_;
   ClientId lastClient_ = 0;
   std::optional<std::size_t> publishedPlayers_;  // people: bots make room for them
   bool isAccepting_ = true;

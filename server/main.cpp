@@ -1,3 +1,6 @@
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>
 #include <chrono>
@@ -7,6 +10,7 @@
 #include <functional>
 #include <iostream>
 #include <span>
+#include <string>
 
 #include "server/gameServer.h"
 #include "server/log.h"
@@ -19,6 +23,23 @@ namespace {
 Millis steadyMillis() {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
       .count();
+}
+
+std::string signalName(int signal) {
+  if (signal == SIGHUP) return "SIGHUP";
+  return signal == SIGINT ? "SIGINT" : "SIGTERM";
+}
+
+/// Sees to it that as many files may be open as the server can need, if the system lets it, and tells how many may.
+std::size_t provideDescriptors() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return GameServer::descriptors;
+  if (limit.rlim_cur < GameServer::descriptors) {
+    limit.rlim_cur = std::min<rlim_t>(GameServer::descriptors, limit.rlim_max);
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+  }
+  return limit.rlim_cur;
 }
 
 }  // namespace
@@ -38,16 +59,22 @@ int main(int argc, char** argv) {
     return 0;
   }
   std::signal(SIGPIPE, SIG_IGN);  // so that the game goes on if nobody reads the log any more
+  std::signal(SIGXFSZ, SIG_IGN);  // likewise if its file may not grow
   try {
     asio::io_context context(1);
     Log logFile(std::cerr, !isLoggingToJournal());
     const auto log = [&](const std::string& line) { logFile.write(line, steadyMillis(), std::time(nullptr)); };
+    if (const std::size_t most = provideDescriptors(); most < GameServer::descriptors) {
+      log("only " + std::to_string(most) + " files may be open: not everybody can be let in who should be");
+    }
     GameServer server(context, options, log);
     asio::signal_set signals(context, SIGINT, SIGTERM);
+    // The terminal is gone; who starts the server with nohup does not want it to end then.
+    if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) signals.add(SIGHUP);
     std::function<void()> awaitSignal = [&] {
       signals.async_wait([&](asio::error_code error, int signal) {
         if (error) return;
-        log(signal == SIGINT ? "SIGINT: shutting down" : "SIGTERM: shutting down");
+        log(signalName(signal) + ": shutting down");
         awaitSignal();
         server.stop([&] { signals.cancel(); });
       });

@@ -37,5 +37,28 @@ TEST(ServerLog, AFloodOfLinesIsCutAndCounted) {
   EXPECT_EQ(out.str(), "y\n");
 }
 
+/// A disk without room.
+class FullDisk : public std::stringbuf {
+ public:
+  bool isFull = true;
+
+ protected:
+  int_type overflow(int_type byte) override { return isFull ? traits_type::eof() : std::stringbuf::overflow(byte); }
+  std::streamsize xsputn(const char* text, std::streamsize size) override {
+    return isFull ? 0 : std::stringbuf::xsputn(text, size);
+  }
+};
+
+TEST(ServerLog, GoesOnAfterAFullDisk) {
+  FullDisk disk;
+  std::ostream out(&disk);
+  Log log(out, true);
+  log.write("lost", 0, moment);
+  EXPECT_EQ(disk.str(), "");
+  disk.isFull = false;
+  log.write("kept", 0, moment);
+  EXPECT_EQ(disk.str(), "2001-09-09T01:46:40Z kept\n");
+}
+
 }  // namespace
 }  // namespace kelvora::server
