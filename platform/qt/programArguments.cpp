@@ -8,6 +8,7 @@
 #include "platform/backend.h"
 #include "platform/qt/dataFolder.h"
 #include "platform/qt/qtSettings.h"
+#include "platform/qt/soundModule.h"
 
 namespace kelvora {
 
@@ -38,8 +39,9 @@ bool answersArguments(int argc, char** argv) {
   }
   if (argument != "--version") return false;
   const QCoreApplication application(argc, argv);
-  std::printf("kelvora %s\npictures and sounds: %s\nsettings: %s\n", appVersionText().c_str(), dataFolder().c_str(),
-              QtSettings::defaultPath().c_str());
+  const std::string module = soundModulePath();
+  std::printf("kelvora %s\npictures and sounds: %s\nsettings: %s\nsound module: %s\n", appVersionText().c_str(),
+              dataFolder().c_str(), QtSettings::defaultPath().c_str(), module.empty() ? "missing" : module.c_str());
   return true;
 }
 

@@ -1,8 +1,6 @@
 #include "platform/qt/qtBackend.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QIcon>
 #include <clocale>
 #include <exception>
 #include <optional>
@@ -11,7 +9,9 @@
 #include "platform/qt/codePage.h"
 #include "platform/qt/gameLooks.h"
 #include "platform/qt/handlerCall.h"
+#include "platform/qt/processFaults.h"
 #include "platform/qt/programArguments.h"
+#include "platform/qt/programIcon.h"
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"
@@ -26,15 +26,6 @@ std::string joinedArguments(int argc, char** argv) {
   QString line;
   for (int i = 1; i < argc; ++i) line += (i > 1 ? " " : "") + QString::fromLocal8Bit(argv[i]);
   return toBytes(line);
-}
-
-/// The program's icon in all its sizes, as far as they are there.
-QIcon programIcon(const std::string& applicationPath) {
-  QIcon icon;
-  for (const int size : {16, 32, 48, 64, 128, 256}) {
-    icon.addFile(QFile::decodeName(applicationPath.c_str()) + QString("/assets/icon-%1.png").arg(size));
-  }
-  return icon;
 }
 
 }  // namespace
@@ -58,8 +49,9 @@ int runDesktop(int argc, char** argv, void (*game)()) {
   QtGlyphSource glyphs;
   Surface::setGlyphSource(&glyphs);
   QtDesktop desktop(commandLine);
-  QApplication::setWindowIcon(programIcon(desktop.applicationPath()));
+  setProgramIconLater(desktop.applicationPath());
   installBackend(&desktop);
+  outliveFaults();
   try {
     game();
   } catch (const std::exception& fault) {

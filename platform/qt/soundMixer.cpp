@@ -1,10 +1,11 @@
 #include "platform/qt/soundMixer.h"
 
 #include <algorithm>
+#include <memory>
 #include <system_error>
 #include <utility>
 
-#include "platform/qt/mixerDevice.h"
+#include "platform/sound/mixerDevice.h"
 
 namespace kelvora {
 
@@ -46,15 +47,16 @@ void SoundMixer::work() {
   arrived_.wait_for(lock, calm, [this] { return closing_ || isAwaited_; });
   if (closing_) return;
   lock.unlock();
-  MixerDevice device;
+  const std::unique_ptr<MixerDevice> device = openMixerDevice(module_);
   lock.lock();
+  device_ = device.get();
   for (;;) {
     arrived_.wait(lock, [this] { return closing_ || !commands_.empty(); });
     if (closing_) return;
     const Command command = std::move(commands_.front());
     commands_.pop_front();
     lock.unlock();
-    if (Clock::now() <= command.latest) command.run(device);
+    if (Clock::now() <= command.latest) command.run(*device);
     lock.lock();
   }
 }
@@ -102,7 +104,6 @@ void SoundMixer::startMusic(const std::string& file) {
     const std::lock_guard lock(mutex_);
     track = ++track_;
     musicState_ = psTransitioning;
-    isAwaited_ = true;
   }
   const bool posted = post([this, track, file](MixerDevice& device) {
     if (!noteMusic(track, psTransitioning)) return;
@@ -123,11 +124,13 @@ void SoundMixer::stopMusic() {
 }
 
 int SoundMixer::musicState() const {
+  const MixerDevice* device = nullptr;
   {
     const std::lock_guard lock(mutex_);
     if (musicState_ != psPlaying) return musicState_;
+    device = device_;
   }
-  return MixerDevice::isMusicPlaying() ? psPlaying : psStopped;
+  return device->isMusicPlaying() ? psPlaying : psStopped;
 }
 
 }  // namespace kelvora

@@ -7,25 +7,29 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/audio.h"
+#include "platform/qt/soundModule.h"
 
 namespace kelvora {
 
 class MixerDevice;
 
-/// Hands everything that sounds to a thread of its own, which opens the sound device and commands it: no call waits for
-/// the machine. Neither thread nor device exists before the first file is opened, and files alone open the device a
-/// little later, so that it does not hold up the windows of the start. The game's code runs on none of its threads.
+/// Hands everything that sounds to a thread of its own, which loads the sound module, opens the device and commands it:
+/// no call waits for the machine. Neither thread nor device exists before the first file is opened, and files and music
+/// open the device a little later, so that it does not hold up the windows of the start. The game's code runs on none
+/// of its threads.
 class SoundMixer {
  public:
   /// An effect that could not be started within this time is left out: late, it would only confuse.
   static constexpr std::chrono::milliseconds patience{500};
-  /// So long the device is left closed while nothing is to be heard.
+  /// So long the device is left closed after the first file, unless an effect is to be heard.
   static constexpr std::chrono::milliseconds calm{400};
 
-  SoundMixer() = default;
+  /// `module`: the file with the mixer device. Without it, as without a sound device, nothing sounds.
+  explicit SoundMixer(std::string module = soundModulePath()) : module_(std::move(module)) {}
   ~SoundMixer();
   SoundMixer(const SoundMixer&) = delete;
   SoundMixer& operator=(const SoundMixer&) = delete;
@@ -51,19 +55,21 @@ class SoundMixer {
 
   /// False if the machine has no thread left.
   bool post(std::function<void(MixerDevice&)> run, Clock::time_point latest = Clock::time_point::max());
-  /// Something is to be heard: the device is opened now.
+  /// An effect is to be heard: the device is opened now.
   void await();
   void work();
   /// Sets what the track is doing, unless another one has been asked for since.
   bool noteMusic(int track, int state);
 
+  const std::string module_;
   std::vector<bool> channels_;  ///< taken or free
   mutable std::mutex mutex_;    ///< of everything below; never held while the device is called
   std::condition_variable arrived_;
   std::deque<Command> commands_;
   bool closing_ = false;
-  bool isAwaited_ = false;  ///< something is to be heard
-  int track_ = 0;           ///< counts what the music was told
+  bool isAwaited_ = false;               ///< an effect is to be heard
+  const MixerDevice* device_ = nullptr;  ///< once it is open; lives as long as the thread
+  int track_ = 0;                        ///< counts what the music was told
   int musicState_ = psReady;
   std::thread thread_;
 };

@@ -19,6 +19,12 @@ def answer(client, *arguments, **environment):
     return done.returncode, done.stdout.splitlines()
 
 
+def sound_module(client):
+    """Where a client finds it, or None."""
+    found = answer(client, "--version")[1][3].removeprefix("sound module: ")
+    return None if found == "missing" else pathlib.Path(found)
+
+
 class Arguments(unittest.TestCase):
 
     def test_version_tells_the_version_and_the_folders(self):
@@ -27,6 +33,8 @@ class Arguments(unittest.TestCase):
         self.assertRegex(lines[0], r"^kelvora \d+\.\d+\.\d+$")
         self.assertEqual(lines[1], f"pictures and sounds: {PROJECT}")
         self.assertEqual(lines[2], "settings: /tmp/settings of mine/kelvora/kelvora.ini")
+        self.assertEqual(lines[3], f"sound module: {sound_module(CLIENT)}")
+        self.assertTrue(sound_module(CLIENT).is_file())
 
     def test_help_names_every_variable_of_the_readme(self):
         status, lines = answer(CLIENT, "--help")
@@ -60,6 +68,19 @@ class Places(unittest.TestCase):
         self.assertEqual(self.found(tree / "games/kelvora"), str(tree / "share/kelvora"))
         moved = tree.rename(self.folder / "moved tree")
         self.assertEqual(self.found(moved / "games/kelvora"), str(moved / "share/kelvora"))
+
+    def test_the_sound_module_goes_along(self):
+        module = sound_module(CLIENT)
+        place = module.relative_to(CLIENT.parent)  # "lib/...", as an installation has it
+        tree = self.folder / "tree"
+        for folder in ("games", place.parent):
+            (tree / folder).mkdir(parents=True)
+        shutil.copy(CLIENT, tree / "games")
+        self.assertIsNone(sound_module(tree / "games/kelvora"))
+        shutil.copy(module, tree / place)
+        self.assertEqual(sound_module(tree / "games/kelvora"), tree / place)
+        moved = tree.rename(self.folder / "moved tree")
+        self.assertEqual(sound_module(moved / "games/kelvora"), moved / place)
 
     def test_where_the_environment_says(self):
         self.assertEqual(self.found(CLIENT, KELVORA_DATA=str(self.folder)), str(self.folder))

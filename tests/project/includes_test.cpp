@@ -20,7 +20,8 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"platform", {"raster", "base"}},
     {"platform/pictures", {"raster", "base"}},
     {"platform/headless", {"platform", "platform/pictures", "raster", "base"}},
-    {"platform/qt", {"platform", "platform/pictures", "raster", "base"}},
+    {"platform/sound", {}},
+    {"platform/qt", {"platform", "platform/pictures", "platform/sound", "raster", "base"}},
     {"core", game},
     {"simulation", game},
     {"particles", game},
@@ -91,7 +92,7 @@ TEST(Includes, AreRootedAtTheSourceFolder) {
 TEST(Includes, ReachTheToolkitFromThePlatformsDesktopAlone) {
   for (const auto& file : sources()) {
     bool mayUseToolkit = false;
-    for (const char* folder : {"platform/qt/", "bench/", "tests/platform/", "tests/desktop/"}) {
+    for (const char* folder : {"platform/qt/", "platform/sound/", "bench/", "tests/platform/", "tests/desktop/"}) {
       mayUseToolkit = mayUseToolkit || tree::startsWith(file.path, folder);
     }
     if (mayUseToolkit) continue;

@@ -1,8 +1,10 @@
-#include "platform/qt/mixerDevice.h"
-
 #include <SDL.h>
 #include <SDL_mixer.h>
 #include <dlfcn.h>
+
+#include <vector>
+
+#include "platform/sound/mixerDevice.h"
 
 namespace kelvora {
 
@@ -23,9 +25,32 @@ void keepQuiet() {
   if (void* found = dlsym(RTLD_DEFAULT, "snd_lib_error_set_handler")) reinterpret_cast<SetReport>(found)(ignoreAlsa);
 }
 
-}  // namespace
+/// Mixed by SDL, in a format that all our files have.
+class SdlMixerDevice final : public MixerDevice {
+ public:
+  SdlMixerDevice();
+  ~SdlMixerDevice() override;
+  SdlMixerDevice(const SdlMixerDevice&) = delete;
+  SdlMixerDevice& operator=(const SdlMixerDevice&) = delete;
 
-MixerDevice::MixerDevice() {
+  void loadEffect(int channel, const std::string& file) override;
+  void freeEffect(int channel) override;
+  void silence(int channel, bool silent) override;
+  void startEffect(int channel) override;
+  void stopEffect(int channel) override;
+  bool startMusic(const std::string& file) override;
+  void stopMusic() override;
+  bool isMusicPlaying() const override { return Mix_PlayingMusic() != 0; }
+
+ private:
+  Mix_Chunk* effect(int channel) const;
+
+  bool isOpen_ = false;
+  std::vector<Mix_Chunk*> effects_;  ///< by channel; null where nothing is loaded
+  Mix_Music* music_ = nullptr;
+};
+
+SdlMixerDevice::SdlMixerDevice() {
   keepQuiet();
   SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   SDL_SetHint(SDL_HINT_APP_NAME, "Kelvora");
@@ -39,7 +64,7 @@ MixerDevice::MixerDevice() {
   Mix_AllocateChannels(0);
 }
 
-MixerDevice::~MixerDevice() {
+SdlMixerDevice::~SdlMixerDevice() {
   if (isOpen_) {
     stopMusic();
     for (int channel = 0; channel < static_cast<int>(effects_.size()); ++channel) freeEffect(channel);
@@ -50,12 +75,12 @@ MixerDevice::~MixerDevice() {
   SDL_TLSCleanup();  // what SDL keeps for each thread; it knows of the end of its own alone
 }
 
-Mix_Chunk* MixerDevice::effect(int channel) const {
+Mix_Chunk* SdlMixerDevice::effect(int channel) const {
   const auto index = static_cast<std::size_t>(channel);
   return index < effects_.size() ? effects_[index] : nullptr;
 }
 
-void MixerDevice::loadEffect(int channel, const std::string& file) {
+void SdlMixerDevice::loadEffect(int channel, const std::string& file) {
   if (!isOpen_) return;
   freeEffect(channel);
   const auto index = static_cast<std::size_t>(channel);
@@ -66,7 +91,7 @@ void MixerDevice::loadEffect(int channel, const std::string& file) {
   effects_[index] = Mix_LoadWAV(file.c_str());
 }
 
-void MixerDevice::freeEffect(int channel) {
+void SdlMixerDevice::freeEffect(int channel) {
   if (effect(channel) == nullptr) return;
   stopEffect(channel);
   Mix_FreeChunk(effects_[static_cast<std::size_t>(channel)]);
@@ -74,33 +99,34 @@ void MixerDevice::freeEffect(int channel) {
   silence(channel, false);
 }
 
-void MixerDevice::silence(int channel, bool silent) {
+void SdlMixerDevice::silence(int channel, bool silent) {
   if (channel < static_cast<int>(effects_.size())) Mix_Volume(channel, silent ? 0 : MIX_MAX_VOLUME);
 }
 
-void MixerDevice::startEffect(int channel) {
+void SdlMixerDevice::startEffect(int channel) {
   if (Mix_Chunk* chunk = effect(channel)) Mix_PlayChannel(channel, chunk, 0);
 }
 
-void MixerDevice::stopEffect(int channel) {
+void SdlMixerDevice::stopEffect(int channel) {
   if (effect(channel) != nullptr) Mix_HaltChannel(channel);
 }
 
-bool MixerDevice::startMusic(const std::string& file) {
+bool SdlMixerDevice::startMusic(const std::string& file) {
   stopMusic();
   if (!isOpen_) return false;
-  Mix_Music* music = Mix_LoadMUS(file.c_str());
-  music_ = music;
-  return music != nullptr && Mix_PlayMusic(music, 0) == 0;
+  music_ = Mix_LoadMUS(file.c_str());
+  return music_ != nullptr && Mix_PlayMusic(music_, 0) == 0;
 }
 
-void MixerDevice::stopMusic() {
+void SdlMixerDevice::stopMusic() {
   if (music_ == nullptr) return;
   Mix_HaltMusic();
-  Mix_FreeMusic(static_cast<Mix_Music*>(music_));
+  Mix_FreeMusic(music_);
   music_ = nullptr;
 }
 
-bool MixerDevice::isMusicPlaying() { return Mix_PlayingMusic() != 0; }
+}  // namespace
 
 }  // namespace kelvora
+
+extern "C" kelvora::MixerDevice* kelvoraCreateMixerDevice() { return new kelvora::SdlMixerDevice; }

@@ -1,0 +1,19 @@
+#include "platform/qt/programIcon.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QIcon>
+#include <QTimer>
+
+namespace kelvora {
+
+void setProgramIconLater(const std::string& applicationPath) {
+  const QString files = QFile::decodeName(applicationPath.c_str()) + "/assets/icon-%1.png";
+  QTimer::singleShot(0, qApp, [files] {
+    QIcon icon;
+    for (const int size : {16, 32, 48, 64, 128, 256}) icon.addFile(files.arg(size));
+    QApplication::setWindowIcon(icon);
+  });
+}
+
+}  // namespace kelvora

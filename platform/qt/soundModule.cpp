@@ -1,0 +1,49 @@
+#include "platform/qt/soundModule.h"
+
+#include <dlfcn.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include "platform/sound/mixerDevice.h"
+
+namespace kelvora {
+
+namespace {
+
+class SilentDevice : public MixerDevice {
+ public:
+  void loadEffect(int, const std::string&) override {}
+  void freeEffect(int) override {}
+  void silence(int, bool) override {}
+  void startEffect(int) override {}
+  void stopEffect(int) override {}
+  bool startMusic(const std::string&) override { return false; }
+  void stopMusic() override {}
+  bool isMusicPlaying() const override { return false; }
+};
+
+}  // namespace
+
+std::string soundModulePath() {
+  namespace fs = std::filesystem;
+  std::error_code ignored;
+  const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+  // An installation's programs lie in a folder beside that of the modules. In a build tree those of the tests do, and
+  // the game itself a folder further up.
+  for (const fs::path& folder : {program / KELVORA_MODULES, program / "tests" / KELVORA_MODULES}) {
+    const fs::path module = (folder / "kelvora-sound.so").lexically_normal();
+    if (fs::exists(module, ignored)) return module.string();
+  }
+  return {};
+}
+
+std::unique_ptr<MixerDevice> openMixerDevice(const std::string& module) {
+  // An empty name would be the program itself, and one without a folder any library of the system.
+  void* library = module.starts_with('/') ? dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+  void* create = library ? dlsym(library, createMixerDeviceName) : nullptr;
+  if (!create) return std::make_unique<SilentDevice>();
+  return std::unique_ptr<MixerDevice>(reinterpret_cast<CreateMixerDevice*>(create)());
+}
+
+}  // namespace kelvora
