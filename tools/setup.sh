@@ -3,9 +3,9 @@
 
 # What the game needs to be built and played, and what the checks need besides.
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libasio-dev libmicrohttpd-dev
-  libcurl4-openssl-dev libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
+  libcurl4-openssl-dev libfontconfig-dev libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-format clang-tidy python3
-  python3-numpy mpg123 xvfb xdotool openbox x11-utils imagemagick"
+  python3-numpy mpg123 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils imagemagick"
 
 say() { printf '==> %s\n' "$*"; }
 fail() {

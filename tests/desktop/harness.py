@@ -84,13 +84,13 @@ class Picture:
 
 
 class Display:
-    """A screen of 1280 by 1024 with openbox, on a display number that was free."""
+    """A screen with openbox, on a display number that was free."""
 
-    def __init__(self):
+    def __init__(self, size="1280x1024"):
         self.folder = tempfile.mkdtemp(prefix="kelvora-display-")
         reader, writer = os.pipe()
         self.xvfb = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-noreset"],
+            ["Xvfb", "-displayfd", str(writer), "-screen", "0", f"{size}x24", "-nolisten", "tcp", "-noreset"],
             pass_fds=[writer], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(writer)
         with os.fdopen(reader) as stream:
@@ -123,11 +123,13 @@ class Display:
 
 
 class Window:
-    """A window of the client: its place on the screen, without the window manager's frame."""
+    """A window of the client: its place on the screen, without the window manager's frame. Places within it count the
+    window's own pixels, each of which has `scale` of the screen's on a side."""
 
-    def __init__(self, display, identifier):
+    def __init__(self, display, identifier, scale=1):
         self.display = display
         self.identifier = identifier
+        self.scale = scale
 
     def geometry(self):
         """Left, top, width and height in pixels of the screen."""
@@ -143,26 +145,29 @@ class Window:
 
     def click(self, x, y, button=1):
         left, top = self.geometry()[:2]
-        self.display.xdotool("mousemove", left + x, top + y, "click", button)
+        self.display.xdotool("mousemove", left + round(x * self.scale), top + round(y * self.scale), "click", button)
 
 
 class Client:
-    """The real client, with a folder of settings of its own unless it is handed one of an earlier run."""
+    """The real client, with a folder of settings of its own unless it is handed one of an earlier run. `environment` has
+    variables besides the usual ones, or None for one that is to be missing; `scale` is the screen's, if it has one."""
 
-    def __init__(self, display, frame_ms="10", config=None, arguments=("nosound", "nomusic"), web_host=CLOSED_PORT):
+    def __init__(self, display, frame_ms="10", config=None, arguments=("nosound", "nomusic"), web_host=CLOSED_PORT,
+                 environment=(), scale=1):
         self.display = display
+        self.scale = scale
         self.own_config = config is None
         self.config = config or tempfile.mkdtemp(prefix="kelvora-settings-")
-        environment = dict(display.environment, XDG_CONFIG_HOME=self.config, HOME=self.config, QT_QPA_PLATFORM="xcb", SDL_AUDIODRIVER="dummy",
-                           KELVORA_WEB_HOST=web_host)
-        if frame_ms is not None:
-            environment["KELVORA_FRAME_MS"] = frame_ms
+        variables = dict(display.environment, XDG_CONFIG_HOME=self.config, HOME=self.config, QT_QPA_PLATFORM="xcb",
+                         SDL_AUDIODRIVER="dummy", KELVORA_WEB_HOST=web_host, KELVORA_FRAME_MS=frame_ms)
+        variables.update(environment)
+        variables = {name: value for name, value in variables.items() if value is not None}
         self.log = tempfile.TemporaryFile()
-        self.process = subprocess.Popen([CLIENT, *arguments], env=environment, stdin=subprocess.DEVNULL,
+        self.process = subprocess.Popen([CLIENT, *arguments], env=variables, stdin=subprocess.DEVNULL,
                                         stdout=self.log, stderr=subprocess.STDOUT)
         self.window = self.wait_for_window(TITLE)
         # The menu is what the window has above the designed client area.
-        self.menu = self.window.geometry()[3] - CLIENT_AREA[1]
+        self.menu = round(self.window.geometry()[3] / scale) - CLIENT_AREA[1]
 
     def close(self):
         stop(self.process)
@@ -180,7 +185,7 @@ class Client:
         for identifier in self.display.xdotool("search", "--onlyvisible", "--pid", self.process.pid).split():
             title = self.display.xdotool("getwindowname", identifier).strip()
             if title and Window(self.display, identifier).is_shown():
-                found[title] = Window(self.display, identifier)
+                found[title] = Window(self.display, identifier, self.scale)
         return found
 
     def wait_for_window(self, title):
@@ -212,13 +217,13 @@ class Client:
 
     def canvas_size(self):
         """Pixels."""
-        _, _, width, height = self.window.geometry()
+        width, height = (round(pixels / self.scale) for pixels in self.window.geometry()[2:])
         return width - BESIDE_CANVAS[0], height - self.menu - BESIDE_CANVAS[1]
 
     def on_screen(self, x, y):
         """Where a pixel of the client area stands on the screen."""
         left, top, _, _ = self.window.geometry()
-        return left + x, top + self.menu + y
+        return left + round(x * self.scale), top + round((self.menu + y) * self.scale)
 
     def mouse_to(self, x, y):
         """Moves the mouse to a pixel of the canvas. It goes by a neighbour, so that the last step is always a move."""
@@ -369,9 +374,11 @@ class ScriptedServer:
 class DesktopTest(unittest.TestCase):
     """One display for all tests of a class; a client and servers of its own for each test."""
 
+    screen = "1280x1024"
+
     @classmethod
     def setUpClass(cls):
-        cls.display = Display()
+        cls.display = Display(cls.screen)
         cls.addClassCleanup(cls.display.close)
 
     def start_client(self, **options):

@@ -1,0 +1,180 @@
+"""What is typed is what appears, on keyboards of several countries: in names and passwords, in the chat line, by dead
+keys and with locks on. Letters that the game has no byte for are left out."""
+
+import unittest
+
+import harness
+from harness import CHAT, LOGIN, LOGIN_DENIED, PLAYER_JOINED, POSITION_REPORT, Line, frame, wait_for
+
+BUY_ACCEPTED, ACTIVATE = 151, 155
+# Keys by their place on the board, as the display numbers them.
+DIGIT_0, MINUS_PLACE, EQUALS_PLACE = "19", "20", "21"
+Q, W, E, Y, BRACKET_LEFT, SEMICOLON, APOSTROPHE, BACKQUOTE = "24", "25", "26", "29", "34", "47", "48", "49"
+DIGIT_2, DIGIT_7, SPACE, SHIFT, ALT_GR = "11", "16", "65", "50", "108"
+
+
+class Keyboard(harness.DesktopTest):
+
+    def layout(self, *words):
+        self.display.run("setxkbmap", *words)
+        self.addCleanup(self.display.run, "setxkbmap", "us")
+
+    def press(self, *keys):
+        for key in keys:
+            self.display.xdotool("key", key)
+
+    def with_key(self, held, *keys):
+        self.display.xdotool("keydown", held, *[word for key in keys for word in ("key", key)], "keyup", held)
+
+    def field(self, client, row):
+        """The focus goes to an emptied box of the connect dialog."""
+        dialog = client.wait_for_window("Connect")
+        dialog.activate()
+        dialog.click(1740 // harness.TWIPS + 20, (180 + 360 * row) // harness.TWIPS + 9)
+        self.display.xdotool("key", "ctrl+a", "key", "BackSpace")
+
+    def in_game(self):
+        client, line = self.log_in()
+        line.send(BUY_ACCEPTED, 0, 1, 0)
+        return client, line
+
+    def next_but_reports(self, line):
+        while (received := line.recv_frame())[0] == POSITION_REPORT:
+            pass
+        return received
+
+
+class Names(Keyboard):
+
+    def login_typed(self, *layout, keys):
+        """The login of a client into whose name the keys have gone."""
+        client = self.start_client()
+        server = self.scripted_server()
+        dialog = client.wait_for_window("Connect")
+        dialog.activate()
+        self.field(client, 2)
+        self.display.xdotool("type", str(server.port))
+        self.field(client, 0)
+        self.layout(*layout)
+        keys()
+        self.press("Return")
+        received = server.accept().recv_bytes()
+        client.close()
+        return received
+
+    def test_german(self):
+        def keys():
+            self.press(Y, SEMICOLON, BRACKET_LEFT, APOSTROPHE, MINUS_PLACE)
+            self.with_key(SHIFT, SEMICOLON)
+            self.press(EQUALS_PLACE, E)
+            self.with_key(ALT_GR, Q)
+        self.assertEqual(self.login_typed("de", keys=keys), frame(LOGIN, "z\u00F6\u00FC\u00E4\u00DF\u00D6\u00E9@", "", 0,
+                                                                  "1.2.1"))
+
+    def test_french(self):
+        def keys():
+            self.press(Q, DIGIT_2, DIGIT_7, DIGIT_0, BRACKET_LEFT, E)
+        self.assertEqual(self.login_typed("fr", keys=keys), frame(LOGIN, "a\u00E9\u00E8\u00E0\u00EA", "", 0, "1.2.1"))
+
+    def test_american_with_dead_keys(self):
+        def keys():
+            self.press(APOSTROPHE, E, APOSTROPHE, SPACE, BACKQUOTE, E, Q)
+        self.assertEqual(self.login_typed("us", "-variant", "intl", keys=keys), frame(LOGIN, "\u00E9'\u00E8q", "", 0,
+                                                                                      "1.2.1"))
+
+    def test_letters_that_the_game_lacks_are_left_out(self):
+        def keys():
+            self.press(Q, W, "1", SPACE, E)
+            self.press("2")
+        # Of three Cyrillic letters, two digits and a blank these stay.
+        self.assertEqual(self.login_typed("ru", keys=keys), frame(LOGIN, "1 2", "", 0, "1.2.1"))
+
+
+class WithTheServer(Keyboard):
+
+    def test_a_euro_sign_in_the_name_is_refused_with_words(self):
+        server = self.start_server()
+        client = self.start_client()
+        client.connect(server.port, name="")
+        # The empty name is refused by the dialog itself, which stays.
+        box = client.wait_for_other_window()
+        box.activate()
+        self.press("Return")
+        wait_for(lambda: len(client.windows()) == 2, "the box's end")
+        self.field(client, 0)
+        self.layout("de")
+        self.press(Y)
+        self.with_key(ALT_GR, E)
+        self.press("Return")
+        # Told in a box; behind it the dialog comes up anew.
+        box = client.wait_for_other_window()
+        box.activate()
+        self.press("Return")
+        wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the dialog")
+
+    def test_name_and_password_of_german_letters_get_in(self):
+        # The password as a terminal hands it over, in UTF-8.
+        server = self.start_server("--password", "\u00D6ffne")
+        client = self.start_client()
+        self.layout("de")
+        dialog = client.wait_for_window("Connect")
+        dialog.activate()
+        for row, text in ((2, str(server.port)), (3, "\u00D6ffne"), (0, "Z\u00F6e")):
+            self.field(client, row)
+            self.display.xdotool("type", "--delay", "20", text)
+        self.press("Return")
+        client.wait_for_status((128, 255, 128))
+        witness = Line(harness.socket.create_connection(("127.0.0.1", server.port)))
+        self.addCleanup(witness.close)
+        witness.send(LOGIN, "Bob", "\u00D6ffne", 1, "1.2.1")
+        while (received := witness.recv_frame())[0] != PLAYER_JOINED:
+            self.assertNotEqual(received[0], LOGIN_DENIED, received)
+        self.assertEqual(received[1][2], "Z\u00F6e".encode("cp1252"))
+
+
+class Chat(Keyboard):
+
+    def chat_typed(self, keys):
+        """The chat line that is sent for the keys, the first of which meet the picture."""
+        client, line = self.in_game()
+        client.window.activate()
+        client.mouse_to(300, 300)
+        self.display.xdotool("click", 1)
+        keys()
+        self.press("Return")
+        received = self.next_but_reports(line)
+        client.close()
+        return received
+
+    def test_dead_keys_work_over_the_picture(self):
+        def keys():
+            # The dead circumflex and a blank are a circumflex; the letter goes to the chat line, which has the focus
+            # then.
+            self.press(BACKQUOTE, SPACE, Y)
+            self.with_key(ALT_GR, Q)
+        self.layout("de")
+        self.assertEqual(self.chat_typed(keys), (CHAT, [b"-1", b"^z@"]))
+
+    def test_chat_leaves_out_what_is_not_ascii(self):
+        def keys():
+            self.press(SEMICOLON, "a", EQUALS_PLACE, E, "b")
+        self.layout("de")
+        self.assertEqual(self.chat_typed(keys), (CHAT, [b"-1", b"ab"]))
+
+    def test_powerups_are_fired_on_any_layout_and_with_any_lock(self):
+        client, line = self.in_game()
+        client.window.activate()
+        client.mouse_to(300, 300)
+        for layout in (("ru",), ("fr",), ("us", "-variant", "intl")):
+            with self.subTest(layout=layout):
+                self.layout(*layout)
+                self.press("Caps_Lock", "Num_Lock")
+                try:
+                    self.press("F1")
+                    self.assertEqual(self.next_but_reports(line), (ACTIVATE, [b"0"]))
+                finally:
+                    self.press("Caps_Lock", "Num_Lock")
+
+
+if __name__ == "__main__":
+    unittest.main()

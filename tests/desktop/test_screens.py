@@ -1,0 +1,310 @@
+"""Screens of all kinds: none at all, Wayland beside X11, small ones, scaled ones, two of them, and what a window manager
+does with the window: full screen, maximised, minimised."""
+
+import os
+import re
+import subprocess
+import time
+import unittest
+
+import harness
+import rules
+from harness import CLIENT, LOGIN, LOGIN_ACCEPTED, PING, POSITION_REPORT, TITLE, TWIPS, frame, wait_for
+
+MENU_GROUND = (28, 31, 48)
+
+
+class WindowSystem(harness.DesktopTest):
+
+    def answer(self, **environment):
+        kept = {name: os.environ[name] for name in ("PATH", "HOME", "LSAN_OPTIONS") if name in os.environ}
+        done = subprocess.run([CLIENT], env=dict(kept, **environment), stdin=subprocess.DEVNULL, capture_output=True,
+                              text=True, timeout=30)
+        return done.returncode, done.stderr.splitlines()
+
+    def test_without_a_screen_it_says_so_and_ends(self):
+        self.assertEqual(self.answer(), (1, ["kelvora: there is no screen to show a window on: neither DISPLAY nor "
+                                             "WAYLAND_DISPLAY is set. Start the game from a desktop."]))
+
+    def test_a_screen_that_does_not_answer_is_named(self):
+        # Nobody has display 59000.
+        status, lines = self.answer(DISPLAY=":59000")
+        self.assertEqual(status, 1)
+        self.assertIn("no window can be shown", lines[0])
+        self.assertIn("DISPLAY=:59000", lines[0])
+        self.assertTrue(all(line.startswith("kelvora: ") for line in lines), lines)
+
+    def test_x11_comes_before_wayland(self):
+        # A Wayland desktop that also has an X server. The window is found on the X server, or the client would not be
+        # there; of the Wayland desktop there is no more than its name.
+        client = self.start_client(environment={"QT_QPA_PLATFORM": None, "WAYLAND_DISPLAY": "wayland-0",
+                                                "XDG_SESSION_TYPE": "wayland"})
+        self.assertEqual(client.window.geometry()[2], 894)
+        self.assertEqual(client.output(), "")
+
+
+class Small(harness.DesktopTest):
+    screen = "640x480"
+
+    def assert_inside(self, window):
+        left, top, width, height = window.geometry()
+        self.assertGreaterEqual(min(left, top), 0)
+        self.assertLessEqual(left + width, 640)
+        self.assertLessEqual(top + height, 480)
+
+    def small_client(self):
+        client = self.start_client()
+        wait_for(lambda: "Connect" in client.windows(), "the dialog")
+        # The window is not of the designed size, so the menu is measured: a column where it has no text.
+        left, top = client.window.geometry()[:2]
+        picture = self.display.picture()
+        client.menu = 0
+        while picture.pixel(left + 250, top + client.menu) == MENU_GROUND:
+            client.menu += 1
+        self.assertIn(client.menu, range(15, 45))
+        return client
+
+    def test_windows_begin_on_the_screen(self):
+        client = self.small_client()
+        self.assert_inside(client.window)
+        self.assert_inside(client.windows()["Connect"])
+
+    def test_the_game_is_played_in_what_there_is(self):
+        client, line = self.log_in(self.small_client())
+        pixel = (100, 60)
+        client.mouse_to(*pixel)
+        client.right_click()
+        line.report()
+        before, after = line.report(), line.report()
+        [expected] = rules.reports(before, rules.velocity(client.canvas_size(), pixel), 1)
+        for axis in range(2):
+            self.assertAlmostEqual(after[axis], expected[axis], delta=0.1)
+
+    def test_a_window_larger_than_the_screen_can_be_moved_and_closed(self):
+        client, line = self.log_in(self.small_client())
+        client.resize(900, 700)
+        self.display.xdotool("windowmove", client.window.identifier, -200, -150)
+        wait_for(lambda: client.window.geometry()[0] < -100, "the move")
+        line.send(PING, 1)
+        self.assertEqual(line.recv_frame()[0], harness.PING_REPLY)
+        client.window.activate()
+        self.display.xdotool("key", "alt+F4")
+        self.assertEqual(client.process.wait(10), 0)
+
+
+class Scaled(harness.DesktopTest):
+    screen = "2200x1700"
+
+    def scaled_client(self, scale, **environment):
+        return self.start_client(scale=scale, environment=environment or {"QT_SCALE_FACTOR": str(scale)})
+
+    def assert_flies(self, client, pixel):
+        client, line = self.log_in(client)
+        client.mouse_to(*pixel)
+        client.right_click()
+        line.report()
+        before, after = line.report(), line.report()
+        [expected] = rules.reports(before, rules.velocity(client.canvas_size(), pixel), 1)
+        for axis in range(2):
+            self.assertAlmostEqual(after[axis], expected[axis], delta=0.1)
+
+    def test_the_window_grows_with_the_scale(self):
+        for scale in (1.5, 2):
+            with self.subTest(scale=scale):
+                client = self.scaled_client(scale)
+                self.assertAlmostEqual(client.window.geometry()[2], 894 * scale, delta=1)
+                self.assertAlmostEqual(client.wait_for_window("Connect").geometry()[2], 263 * scale, delta=1)
+                client.close()
+
+    def test_the_desktops_own_setting_is_followed(self):
+        # What desktops set for twice as many pixels.
+        self.display.run("xprop", "-root", "-format", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
+                         "Xft.dpi:\t192\n")
+        self.addCleanup(self.display.run, "xprop", "-root", "-remove", "RESOURCE_MANAGER")
+        client = self.scaled_client(2, QT_SCALE_FACTOR=None)
+        self.assertEqual(client.window.geometry()[2], 2 * 894)
+
+    def title_picture(self, client):
+        """The pixels of the canvas in rows, once nothing stands in front of it."""
+        dialog = client.wait_for_window("Connect")
+        dialog.click((1260 + 700) // TWIPS, (2460 + 180) // TWIPS)
+        wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
+        time.sleep(0.3)
+        left, top = client.on_screen(0, 0)
+        right, bottom = client.on_screen(*client.canvas_size())
+        picture = self.display.picture()
+        rows = [picture.bytes[(y * picture.width + left) * 3:(y * picture.width + right) * 3] for y in range(top, bottom)]
+        client.close()
+        return rows
+
+    def test_each_pixel_of_the_picture_is_four_at_scale_two(self):
+        single = self.title_picture(self.scaled_client(1))
+        double = self.title_picture(self.scaled_client(2))
+        self.assertEqual(len(double), 2 * len(single))
+        for y, row in enumerate(double):
+            pixels = (single[y // 2][x:x + 3] for x in range(0, len(single[0]), 3))
+            self.assertEqual(row, b"".join(pixel + pixel for pixel in pixels), y)
+
+    def test_the_mouse_steers_at_scale_two(self):
+        self.assert_flies(self.scaled_client(2), (401, 154))
+
+    def test_the_mouse_steers_at_scale_one_and_a_half(self):
+        # Of whole pixels of the screen.
+        self.assert_flies(self.scaled_client(1.5), (120, 60))
+
+    def test_the_pointer_is_put_where_the_rules_say(self):
+        for scale in (1, 1.5, 2):
+            with self.subTest(scale=scale):
+                client, line = self.log_in(self.scaled_client(scale))
+                left, top = client.window.geometry()[:2]
+                extents = self.display.run("xprop", "-id", client.window.identifier, "_NET_FRAME_EXTENTS")
+                border, _, title, _ = (int(number) for number in re.findall(r"\d+", extents))
+                # The corner of the frame and the mouse on it, both in the window's pixels. The mouse is 15 twips from
+                # the left edge of the canvas, so it is pushed right by 30 pixels, and down or up by what the fixed way
+                # from twips to pixels has against the real one.
+                corner = ((left - border) / scale, (top - title) / scale)
+                mouse = (1, 300)
+                x, y = client.on_screen(*mouse)
+                self.display.xdotool("mousemove", x + round(200 * scale), y, "mousedown", 1, "mousemove", x, y)
+                expected = (round((corner[0] + mouse[0]) * 15) * 916 / 13605 + 30,
+                            round((corner[1] + mouse[1]) * 15) * 916 / 13605 + 45)
+
+                def place():
+                    words = self.display.xdotool("getmouselocation").split()
+                    return [int(word.split(":")[1]) for word in words[:2]]
+                wait_for(lambda: place()[0] > x + 20 * scale, "the push", 5)
+                time.sleep(0.2)
+                self.display.xdotool("mouseup", 1)
+                # Rounded to the window's pixels, of which each has `scale` of the screen's.
+                for axis in range(2):
+                    self.assertAlmostEqual(place()[axis], expected[axis] * scale, delta=1.5 * scale)
+                client.close()
+
+    def test_clicks_meet_what_they_aim_at(self):
+        client = self.scaled_client(2)
+        server = self.scripted_server()
+        client.connect(server.port, name="Zoe", circle=4)
+        line = server.accept()
+        self.assertEqual(line.recv_bytes(), frame(LOGIN, "Zoe", "", 4, "1.2.1"))
+        line.send(LOGIN_ACCEPTED, 4, 7, 50000, 50000)
+        # The spawn button in its last pixels: 11700 and 5760 twips, 1620 by 765.
+        left, top = client.on_screen((11700 + 1620) // TWIPS - 2, (5760 + 765) // TWIPS - 2)
+        self.display.xdotool("mousemove", left, top, "click", 1)
+        while (received := line.recv_frame())[0] == POSITION_REPORT:
+            pass
+        self.assertEqual(received, (152, [b""]))
+
+
+class Two(harness.DesktopTest):
+    """Two screens beside each other."""
+    screen = "2560x1024"
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.display.run("xrandr", "--setmonitor", "left", "1280/300x1024/240+0+0", "screen")
+        cls.display.run("xrandr", "--setmonitor", "right", "1280/300x1024/240+1280+0", "none")
+
+    def dialog_over(self, left):
+        """Where the connect dialog comes up when the main window stands here: left and right edge."""
+        client = self.start_client()
+        dialog = client.wait_for_window("Connect")
+        dialog.click((1260 + 700) // TWIPS, (2460 + 180) // TWIPS)
+        wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
+        self.display.xdotool("windowmove", client.window.identifier, left, 100)
+        wait_for(lambda: abs(client.window.geometry()[0] - left) < 10, "the move")
+        time.sleep(0.2)
+        # The button on the title picture.
+        self.display.xdotool("mousemove", *client.on_screen(200 // TWIPS + 20, 5200 // TWIPS + 20), "click", 1)
+        dialog = client.wait_for_window("Connect")
+        edge, _, width, _ = dialog.geometry()
+        client.close()
+        return edge, edge + width
+
+    def test_the_game_begins_on_one_screen(self):
+        client = self.start_client()
+        left, _, width, _ = client.window.geometry()
+        self.assertGreaterEqual(left, 0)
+        self.assertLessEqual(left + width, 1280)
+
+    def test_dialogs_come_up_on_the_games_screen(self):
+        # 6435 twips, 429 pixels, right of the window's frame.
+        left, right = self.dialog_over(1500)
+        self.assertAlmostEqual(left, 1500 + 429, delta=10)
+
+    def test_dialogs_do_not_straddle_two_screens(self):
+        # The game's middle is at 750 + 447 = 1197, on the left screen; the dialog's own place would be from 1179 to
+        # 1442.
+        left, right = self.dialog_over(750)
+        self.assertLessEqual(right, 1280)
+        self.assertGreater(left, 750)
+
+    def test_the_mouse_is_kept_in_the_picture_on_the_right_screen(self):
+        client, line = self.log_in()
+        self.display.xdotool("windowmove", client.window.identifier, 1500, 100)
+        wait_for(lambda: client.window.geometry()[0] > 1400, "the move")
+        time.sleep(0.2)
+        x, y = client.on_screen(1, 300)
+        self.display.xdotool("mousemove", x + 200, y, "mousedown", 1, "mousemove", x, y)
+
+        def place():
+            return int(self.display.xdotool("getmouselocation").split()[0].split(":")[1])
+        wait_for(lambda: place() > x + 20, "the push", 5)
+        self.display.xdotool("mouseup", 1)
+        # 30 pixels, and a hundredth of the way from the left of all screens.
+        self.assertAlmostEqual(place(), x * 916 / 13605 * 15 + 30, delta=3)
+
+
+class States(harness.DesktopTest):
+
+    def change(self, client, change):
+        self.display.run("wmctrl", "-i", "-r", hex(int(client.window.identifier)), "-b", change)
+
+    def assert_there_and_back(self, state, largest):
+        client, line = self.log_in()
+        before = client.window.geometry()
+        self.change(client, "add," + state)
+        wait_for(lambda: client.window.geometry()[2] == 1280, "the large window")
+        self.assertEqual(client.window.geometry()[3], largest(client))
+        # The ball steers by the middle of the larger canvas, and the picture fills it.
+        pixel = (1000, 700)
+        client.mouse_to(*pixel)
+        client.right_click()
+        line.report()
+        first, second = line.report(), line.report()
+        [expected] = rules.reports(first, rules.velocity(client.canvas_size(), pixel), 1)
+        for axis in range(2):
+            self.assertAlmostEqual(second[axis], expected[axis], delta=0.1)
+        self.assertEqual(client.status_colour(), (128, 255, 128))
+        self.change(client, "remove," + state)
+        wait_for(lambda: client.window.geometry() == before, "the window as it was")
+        self.assertEqual(client.status_colour(), (128, 255, 128))
+
+    def test_full_screen_and_back(self):
+        self.assert_there_and_back("fullscreen", lambda client: 1024)
+
+    def test_maximised_and_back(self):
+        # The title stays above it.
+        self.assert_there_and_back("maximized_vert,maximized_horz", lambda client: 1024 - client.window.geometry()[1])
+
+    def test_the_game_goes_on_while_minimised(self):
+        client, line = self.log_in()
+        before = client.window.geometry()
+        client.mouse_to(600, 200)
+        client.right_click()
+        line.report()
+        self.display.xdotool("windowminimize", client.window.identifier)
+        wait_for(lambda: TITLE not in client.windows(), "the window's absence")
+        line.frames_during(0.2)
+        first, second = line.report(), line.report()
+        [expected] = rules.reports(first, rules.velocity((763, 608), (600, 200)), 1)
+        for axis in range(2):
+            self.assertAlmostEqual(second[axis], expected[axis], delta=0.1)
+        self.display.xdotool("windowactivate", client.window.identifier)
+        # The window manager lets it grow from its icon.
+        wait_for(lambda: TITLE in client.windows() and client.window.geometry() == before, "the window as it was")
+        wait_for(lambda: client.status_colour() == (128, 255, 128), "its picture")
+
+
+if __name__ == "__main__":
+    unittest.main()
