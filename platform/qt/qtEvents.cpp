@@ -13,6 +13,9 @@ namespace {
 /// Everything that is waiting, but no longer than this if more keeps coming.
 constexpr int longestService = 10;  // ms
 
+/// Handlers that ask for events run inside one another; a held key would bring them to the end of the stack.
+constexpr int deepestService = 40;  // handlers and loops; sixteen message boxes take two each
+
 void servePending() { QCoreApplication::processEvents(QEventLoop::AllEvents, longestService); }
 
 }  // namespace
@@ -30,7 +33,7 @@ void QtDesktop::doEvents(bool mayWait) {
     serveUntil(pacer_->passEnd(FramePacer::TimePoint::clock::now()));
   } else if (isOutermost) {
     servePending();
-  } else {
+  } else if (handlerDepth() <= deepestService) {
     // What is waiting now and no more: the answers to it belong to the frame loop, behind the handler that asked.
     QCoreApplication::processEvents(QEventLoop::AllEvents);
   }

@@ -72,6 +72,26 @@ TEST(Desktop, PacedPassesLastTheirFrameAndServeEvents) {
   EXPECT_GT(ticks, 10) << "more than one event a pass";
 }
 
+TEST(Desktop, HandlersThatAskForEventsNestToADepth) {
+  FormProbe form;
+  form.Show();
+  QObject context;  // what still waits at the end dies with it
+  int depth = 0;
+  int deepest = 0;
+  int calls = 0;
+  form.box.Click = [&] {
+    deepest = std::max(deepest, ++depth);
+    // The next click is waiting already, as when a key is held and its handler is slow.
+    if (++calls < 1'000) QTimer::singleShot(0, &context, [&] { raiseEvent(form.box, form.box.Click); });
+    DoEvents();
+    --depth;
+  };
+  raiseEvent(form.box, form.box.Click);
+  // A handler and its events take two of the forty; the last handler's events wait.
+  EXPECT_EQ(deepest, 21);
+  EXPECT_EQ(depth, 0);
+}
+
 TEST(Desktop, MessageBoxShowsPlainTextAndLetsEventsGoOn) {
   QString text;
   QString title;
