@@ -1,52 +1,71 @@
 #include "platform/qt/qtSettings.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QStringList>
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "platform/qt/codePage.h"
+#include "platform/qt/settingsDraft.h"
 
 namespace kelvora {
 
 namespace {
+
 QString keyPath(const std::string& section, const std::string& key) { return toQString(section + "/" + key); }
+
+QString pathName(const std::filesystem::path& path) { return QFile::decodeName(path.c_str()); }
+
+/// As all keys of the game are. Others, which only a damaged file has, may change their names when they are written.
+bool isPlain(const QString& key) {
+  return std::ranges::all_of(
+      key, [](QChar c) { return c == u' ' || c == u'/' || (c < QChar(128) && c.isLetterOrNumber()); });
+}
+
+bool holdsAll(const QSettings& copy, const QSettings& store) {
+  return std::ranges::all_of(store.allKeys(), [&](const QString& key) {
+    return key.isEmpty() || !isPlain(key) || (copy.contains(key) && copy.value(key) == store.value(key));
+  });
+}
+
 }  // namespace
 
 QtSettings::QtSettings(std::string path) : path_(std::move(path)) {}
 
 std::string QtSettings::read(const std::string& section, const std::string& key, const std::string& fallback) const {
-  const QSettings store(QFile::decodeName(path_.c_str()), QSettings::IniFormat);
+  const QSettings store(pathName(path_), QSettings::IniFormat);
   const QVariant value = store.value(keyPath(section, key));
   // A comma outside quotes in a file written by hand makes a list of what was meant as one text.
   if (value.typeId() == QMetaType::QStringList) return toBytes(value.toStringList().join(", "));
   return value.isValid() && value.canConvert<QString>() ? toBytes(value.toString()) : fallback;
 }
 
+// The toolkit replaces the file in one step, but on a disk that becomes full it does so with what it could write of it.
+// So it writes a draft, which is read back before it counts. Its status tells nothing: junk in the file is an error,
+// too.
 void QtSettings::write(const std::string& section, const std::string& key, const std::string& value) {
-  protect();
-  QSettings store(QFile::decodeName(path_.c_str()), QSettings::IniFormat);
+  makeFolder();
+  SettingsDraft draft(path_);
+  if (draft.path().empty()) return;
+  QSettings store(pathName(draft.path()), QSettings::IniFormat);
   store.setValue(keyPath(section, key), toQString(value));
   store.sync();
+  draft.rename();
+  if (holdsAll(QSettings(pathName(draft.path()), QSettings::IniFormat), store)) draft.publish();
 }
 
-/// The password of the last login lies in this file in clear text: nobody else may read it, from its first byte on.
-void QtSettings::protect() const {
+/// The password of the last login lies in this folder in clear text: nobody else may look into it.
+void QtSettings::makeFolder() const {
   const std::filesystem::path folder = std::filesystem::path(path_).parent_path();
   std::error_code ignored;
   std::filesystem::create_directories(folder.parent_path(), ignored);
   if (::mkdir(folder.c_str(), S_IRWXU) != 0) ::chmod(folder.c_str(), S_IRWXU);
-  const int file = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-  if (file < 0) return;
-  if (::fchmod(file, S_IRUSR | S_IWUSR) != 0) {  // somebody else's file: writing it fails just as quietly
-  }
-  ::close(file);
 }
 
 std::string QtSettings::defaultPath() {

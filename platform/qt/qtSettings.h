@@ -20,7 +20,7 @@ class QtSettings {
   static std::string defaultPath();
 
  private:
-  void protect() const;
+  void makeFolder() const;
 
   std::string path_;
 };

@@ -1,0 +1,317 @@
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <random>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "platform/qt/qtSettings.h"
+#include "platform/qt/settingsDraft.h"
+
+namespace kelvora {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+/// Memory that this process and those it starts have in common.
+template <class Content>
+class Shared {
+ public:
+  Shared()
+      : content_(static_cast<Content*>(
+            mmap(nullptr, sizeof(Content), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
+    new (content_) Content{};
+  }
+  ~Shared() { munmap(content_, sizeof(Content)); }
+  Shared(const Shared&) = delete;
+  Shared& operator=(const Shared&) = delete;
+  Content* operator->() const { return content_; }
+
+ private:
+  Content* content_;
+};
+
+/// Another run of the game, in a process of its own, that does what it is given and ends with status 0.
+class OtherRun {
+ public:
+  explicit OtherRun(const std::function<void()>& work) : process_(fork()) {
+    if (process_ != 0) return;
+    work();
+    _exit(0);
+  }
+  ~OtherRun() {
+    if (process_ > 0) kill();
+  }
+  OtherRun(const OtherRun&) = delete;
+  OtherRun& operator=(const OtherRun&) = delete;
+
+  void kill() {
+    ::kill(process_, SIGKILL);
+    status();
+  }
+  /// Waits for its end.
+  int status() {
+    int status = -1;
+    waitpid(process_, &status, 0);
+    process_ = -1;
+    return status;
+  }
+
+ private:
+  pid_t process_;
+};
+
+/// A store on which other runs, a full disk and kills work.
+class SettingsFaults : public ::testing::Test {
+ protected:
+  SettingsFaults() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "kelvora-faults-XXXXXX").string();
+    home_ = mkdtemp(pattern.data());
+  }
+  ~SettingsFaults() override { std::filesystem::remove_all(home_); }
+
+  std::string file() const { return home_ / "kelvora" / "kelvora.ini"; }
+  std::string lock() const { return file() + ".lock"; }
+
+  void write(const std::string& key, const std::string& value) { QtSettings(file()).write("misc", key, value); }
+  /// What a later run of the program reads: the same bytes under a name that this process has not seen.
+  std::string readInLaterRun(const std::string& key) {
+    const std::filesystem::path copy = home_ / ("later" + std::to_string(++copies_) + ".ini");
+    std::filesystem::copy_file(file(), copy);
+    return QtSettings(copy.string()).read("misc", key, "missing");
+  }
+
+  std::filesystem::path home_;
+
+ private:
+  int copies_ = 0;
+};
+
+constexpr std::size_t keyCount = 5;
+
+std::string keyName(std::size_t key) { return "key" + std::to_string(key); }
+
+/// Values of very different lengths, so that one that is cut off, or mixed with another, is none of them.
+std::string valueOf(int number) {
+  return std::to_string(number) + std::string(static_cast<std::size_t>(number * 37 % 900), 'x') + "!";
+}
+
+TEST_F(SettingsFaults, AKilledRunLosesNothingThatWasSavedAndLeavesNoHalves) {
+  struct Progress {
+    std::array<std::atomic<int>, keyCount> begun;
+    std::array<std::atomic<int>, keyCount> saved;
+    std::atomic<int> number;
+  };
+  Shared<Progress> progress;
+  write("before", "of old");
+  std::mt19937 random(20261121);
+  int interrupted = 0;
+  for (int round = 0; round < 40; ++round) {
+    OtherRun run([&] {
+      for (;;) {
+        const int number = ++progress->number;
+        const std::size_t key = static_cast<std::size_t>(number) % keyCount;
+        progress->begun[key] = number;
+        write(keyName(key), valueOf(number));
+        progress->saved[key] = number;
+      }
+    });
+    std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(0, 30'000)(random)));
+    run.kill();
+    ASSERT_EQ(readInLaterRun("before"), "of old");
+    for (std::size_t key = 0; key < keyCount; ++key) {
+      const std::string stored = readInLaterRun(keyName(key));
+      const int begun = progress->begun[key];
+      const int saved = progress->saved[key];
+      const std::string savedText = saved == 0 ? "missing" : valueOf(saved);
+      if (begun == saved) {
+        ASSERT_EQ(stored, savedText) << "round " << round;
+      } else {
+        ++interrupted;
+        ASSERT_TRUE(stored == savedText || stored == valueOf(begun)) << "round " << round << ": " << stored;
+        // Whichever it is, it is the saved one from now on.
+        progress->saved[key] = stored == savedText ? saved : begun;
+        progress->begun[key] = progress->saved[key].load();
+      }
+    }
+  }
+  EXPECT_GT(progress->number, 40) << "the runs came to write";
+  EXPECT_GT(interrupted, 5) << "and were killed while they did";
+  const auto start = Clock::now();
+  write("after", "all");
+  EXPECT_LT(Clock::now() - start, milliseconds(2'000));
+  EXPECT_EQ(readInLaterRun("after"), "all");
+}
+
+TEST_F(SettingsFaults, TwoRunsAtOnceKeepEachOthersValues) {
+  constexpr int rounds = 40;
+  write("before", "of old");
+  const auto writeAll = [&](const std::string& name) {
+    for (int number = 100; number < 100 + rounds; ++number) {
+      // All of one length: the file's size does not tell that another run has written.
+      write(name + std::to_string(number % 4), std::to_string(number));
+      write("shared", name + std::to_string(number));
+      std::this_thread::sleep_for(milliseconds(3));  // nobody's hand is faster
+    }
+  };
+  OtherRun ann([&] { writeAll("Ann"); });
+  OtherRun bob([&] { writeAll("Bob"); });
+  EXPECT_EQ(ann.status(), 0);
+  EXPECT_EQ(bob.status(), 0);
+  EXPECT_EQ(readInLaterRun("before"), "of old");
+  for (const std::string name : {"Ann", "Bob"}) {
+    for (int number = 100 + rounds - 4; number < 100 + rounds; ++number) {
+      EXPECT_EQ(readInLaterRun(name + std::to_string(number % 4)), std::to_string(number)) << name;
+    }
+  }
+  const std::string last = readInLaterRun("shared");
+  EXPECT_TRUE(last == "Ann139" || last == "Bob139") << last;
+}
+
+TEST_F(SettingsFaults, AWriteSeesWhatAnotherRunHasWrittenSince) {
+  write("name", "Ann");
+  write("port", "2010");
+  OtherRun other([&] { write("name", "Bob"); });
+  EXPECT_EQ(other.status(), 0);
+  write("port", "2011");
+  EXPECT_EQ(readInLaterRun("name"), "Bob");
+  EXPECT_EQ(readInLaterRun("port"), "2011");
+}
+
+TEST_F(SettingsFaults, WhatAKilledRunLeftHoldsNobodyUpAndIsSweptAway) {
+  write("before", "of old");
+  const std::filesystem::path left = file() + ".saving";
+  std::filesystem::create_directory(left);
+  std::ofstream(left / "7") << "[misc]\nafter=half";
+  std::ofstream(left / "7.lock") << "1\nkelvora\nanother-machine\n";
+  std::ofstream(file() + ".lock");  // of an older version, without the number of its process
+  const auto start = Clock::now();
+  write("after", "all");
+  EXPECT_LT(Clock::now() - start, milliseconds(2'000));
+  EXPECT_EQ(readInLaterRun("before"), "of old");
+  EXPECT_EQ(readInLaterRun("after"), "all");
+  EXPECT_FALSE(std::filesystem::exists(left));
+}
+
+TEST_F(SettingsFaults, ARunThatWritesIsWaitedForButNotForEver) {
+  write("before", "of old");
+  const Shared<std::atomic<bool>> isHeld;
+  OtherRun frozen([&] {
+    const SettingsDraft draft(file());
+    isHeld->store(true);
+    for (;;) pause();
+  });
+  while (!isHeld->load()) std::this_thread::yield();
+  const auto start = Clock::now();
+  write("after", "all");
+  EXPECT_GT(Clock::now() - start, milliseconds(500));
+  EXPECT_LT(Clock::now() - start, milliseconds(4'000));
+  EXPECT_EQ(readInLaterRun("after"), "all");
+}
+
+/// As a full disk does it: a file may not grow beyond so many bytes.
+void limitFiles(rlim_t bytes) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  limit.rlim_cur = bytes;
+  setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+TEST_F(SettingsFaults, AFullDiskKeepsWhatIsThere) {
+  write("name", "Ann");
+  write("long", std::string(3'000, 'x'));
+  for (const rlim_t room : {0U, 1U, 100U, 2'900U}) {
+    OtherRun run([&] {
+      limitFiles(room);
+      write("name", "Bob");
+      write("other", std::string(100, 'y'));
+    });
+    EXPECT_EQ(run.status(), 0) << room;
+    EXPECT_EQ(readInLaterRun("name"), "Ann") << room;
+    EXPECT_EQ(readInLaterRun("long"), std::string(3'000, 'x')) << room;
+    EXPECT_EQ(readInLaterRun("other"), "missing") << room;
+  }
+  write("name", "Eve");
+  EXPECT_EQ(readInLaterRun("name"), "Eve") << "once there is room again";
+}
+
+TEST_F(SettingsFaults, EveryAmountOfRoomStoresAllOrNothing) {
+  write("name", "Ann");
+  const auto size = std::filesystem::file_size(file());
+  for (rlim_t room = 0; room < size + 20; ++room) {
+    write("name", "Ann");
+    OtherRun run([&] {
+      limitFiles(room);
+      write("name", "Zacharias");
+    });
+    EXPECT_EQ(run.status(), 0) << room;
+    const std::string stored = readInLaterRun("name");
+    ASSERT_TRUE(stored == "Ann" || (stored == "Zacharias" && room + 6 > size)) << room << ": " << stored;
+  }
+}
+
+TEST_F(SettingsFaults, AnythingInTheFileLetsAValueBeStored) {
+  std::mt19937 random(7);
+  const std::string_view bits = "[]=%;,\"\\@()\n\n\r\x01 axmisc/General\xC3\x80";
+  for (int round = 0; round < 50; ++round) {
+    write("name", "Ann");
+    std::string junk;
+    for (int length = std::uniform_int_distribution(0, 60)(random); length > 0; --length) {
+      junk += bits[std::uniform_int_distribution(std::size_t{0}, bits.size() - 1)(random)];
+    }
+    std::ofstream(file()) << junk;
+    write("name", "Bob");
+    ASSERT_EQ(readInLaterRun("name"), "Bob") << round << ": " << junk;
+  }
+}
+
+TEST_F(SettingsFaults, ALinkToTheFileStaysALink) {
+  write("name", "Ann");
+  const std::filesystem::path real = home_ / "settings of mine";
+  std::filesystem::rename(file(), real);
+  std::filesystem::create_symlink(real, file());
+  write("name", "Bob");
+  EXPECT_TRUE(std::filesystem::is_symlink(file()));
+  EXPECT_EQ(readInLaterRun("name"), "Bob");
+}
+
+TEST_F(SettingsFaults, AValueIsReadAsItWasWrittenLast) {
+  for (int number = 100; number < 200; ++number) {
+    write("number", std::to_string(number));
+    ASSERT_EQ(QtSettings(file()).read("misc", "number", ""), std::to_string(number));
+  }
+}
+
+TEST_F(SettingsFaults, AFullDiskWithoutAStoreIsNoFault) {
+  OtherRun run([&] {
+    limitFiles(0);
+    write("name", "Ann");
+    if (QtSettings(file()).read("misc", "other", "default") != "default") _exit(1);
+  });
+  EXPECT_EQ(run.status(), 0);
+  write("name", "Bob");
+  EXPECT_EQ(readInLaterRun("name"), "Bob");
+}
+
+TEST_F(SettingsFaults, ADeviceInTheFilesPlaceIsNoFault) {
+  std::filesystem::create_directories(std::filesystem::path(file()).parent_path());
+  std::filesystem::create_symlink("/dev/full", file());
+  write("name", "Ann");
+  EXPECT_EQ(std::filesystem::read_symlink(file()), "/dev/full");
+}
+
+}  // namespace
+}  // namespace kelvora
