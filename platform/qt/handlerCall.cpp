@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "platform/backend.h"
 #include "platform/form.h"
@@ -15,12 +16,17 @@ namespace kelvora {
 namespace {
 int depth = 0;
 bool faultReported = false;
+std::string lastNote;
 }  // namespace
 
 int handlerDepth() { return depth; }
 
 HandlerScope::HandlerScope() { ++depth; }
-HandlerScope::~HandlerScope() { --depth; }
+HandlerScope::~HandlerScope() {
+  if (--depth == 0) lastNote.clear();
+}
+
+void noteForReport(std::string what) { lastNote = std::move(what); }
 
 bool isFaultReported() { return faultReported; }
 
@@ -31,8 +37,10 @@ void reportFault(const char* what) {
   if (qobject_cast<QApplication*>(QCoreApplication::instance())) {
     QMessageBox box(QMessageBox::Critical, "Kelvora", toQString(text), QMessageBox::Ok, QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
+    const std::string before = lastNote.empty() ? std::string() : "Just before: " + lastNote + ".\n";
     box.setInformativeText(
-        toQString("Kelvora " + appVersionText() + " has to end. If you report this, add what you did last."));
+        toQString(before + "Kelvora " + appVersionText() + " has to end. If you report this, add what you did last."));
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     box.exec();
   }
   std::_Exit(1);

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <functional>
+#include <string>
 
 namespace kelvora {
 
@@ -17,6 +18,10 @@ class HandlerScope {
   HandlerScope(const HandlerScope&) = delete;
   HandlerScope& operator=(const HandlerScope&) = delete;
 };
+
+/// What the game is about to deal with, in words for the error box of a fault that follows: the one who reports it need
+/// not know. Holds until another is noted or the outermost handler has ended.
+void noteForReport(std::string what);
 
 /// Shows the error box and ends the process with status 1. From then on no handler runs any more, so that nothing goes
 /// on behind the box.

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QFile>
 #include <QMessageBox>
 #include <QTime>
 #include <cstdlib>
@@ -9,6 +10,7 @@
 #include "platform/form.h"
 #include "platform/pictures/pictureFile.h"
 #include "platform/qt/boxText.h"
+#include "platform/qt/codePage.h"
 #include "platform/qt/dataFolder.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/mixedAudio.h"
@@ -51,6 +53,8 @@ std::string QtDesktop::applicationPath() { return dataFolder(); }
 PicturePointer QtDesktop::loadPicture(const std::string& path) { return loadPictureFile(path); }
 
 std::string QtDesktop::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
+  noteForReport("the setting \"" + key + "\" in section \"" + section + "\" of " +
+                toBytes(QFile::decodeName(QtSettings::defaultPath().c_str())));
   return settings_.read(section, key, fallback);
 }
 

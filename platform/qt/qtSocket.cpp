@@ -128,6 +128,8 @@ void QtSocket::tell() {
     const qint64 portion = std::min(connection->wire.bytesAvailable(), portionSize);
     connection->hasNews = false;
     connection->told = portion;
+    noteForReport("bytes that came from " + toBytes(connection->wire.peerName()) + ":" +
+                  std::to_string(connection->wire.peerPort()));
     runEvent(owner_.onDataArrival);
     if (connection->isDropped) return;
     // A handler that leaves its bytes alone is not told of them again before others come.

@@ -13,6 +13,8 @@ namespace kelvora {
 
 namespace {
 
+constexpr int longestCommand = 60;  // characters of one that are shown again
+
 /// What a line can hold: the characters of code page 1252 without the control characters. Where the lines of a longer
 /// text met, or a tab stood, there is a blank, though not at the ends.
 QString cleaned(const QString& text) {
@@ -49,6 +51,8 @@ class LineEdit : public QLineEdit {
     const bool goesToForm =
         event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Escape;
     if (goesToForm && formAnswers(*event)) return;
+    const bool isCommand = text().startsWith('~') && event->text() == "\r";
+    if (isCommand) noteForReport("the command " + toBytes(text().left(longestCommand)));
     raiseKey(box_, *event);
     QLineEdit::keyPressEvent(event);
   }

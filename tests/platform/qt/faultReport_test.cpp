@@ -1,0 +1,79 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+#include <cstdio>
+#include <cstdlib>
+
+#include "base/fault.h"
+#include "platform/backend.h"
+#include "platform/qt/codePage.h"
+#include "platform/qt/handlerCall.h"
+#include "platform/qt/qtSettings.h"
+#include "tests/platform/qt/formProbe.h"
+
+namespace kelvora {
+namespace {
+
+/// Answers the error box if its lower text is this one; otherwise ends with another status.
+void answerIf(const QString& told) {
+  QTimer::singleShot(0, qApp, [told] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (box && box->informativeText() == told) return box->accept();
+    if (box) std::fprintf(stderr, "the box says: %s\n", qPrintable(box->informativeText()));
+    std::_Exit(3);
+  });
+}
+
+QString ending() {
+  return toQString("Kelvora " + appVersionText() + " has to end. If you report this, add what you did last.");
+}
+
+class FaultReportDeathTest : public ::testing::Test {
+ protected:
+  FaultReportDeathTest() { ::testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+};
+
+TEST_F(FaultReportDeathTest, ASettingIsNamedWithItsFile) {
+  EXPECT_EXIT(
+      {
+        answerIf("Just before: the setting \"quarks\" in section \"misc\" of " +
+                 QString::fromStdString(QtSettings::defaultPath()) + ".\n" + ending());
+        runHandler([] {
+          GetSetting("misc", "quarks", "");
+          raiseTypeMismatch();
+        });
+      },
+      ::testing::ExitedWithCode(1), "Run-time error: Type mismatch");
+}
+
+TEST_F(FaultReportDeathTest, ACommandIsNamed) {
+  EXPECT_EXIT(
+      {
+        FormProbe form;
+        form.Show();
+        form.okay.Visible = false;  // no default button: Enter belongs to the box
+        form.first.Text = "~playsound";
+        form.first.KeyPress = [](int KeyAscii) {
+          if (KeyAscii == 13) raiseSubscriptOutOfRange();
+        };
+        answerIf("Just before: the command ~playsound.\n" + ending());
+        const HandlerScope events;  // those of a pass, in which keys come
+        sendKey(widgetOf(form.first), Qt::Key_Return, "\r");
+      },
+      ::testing::ExitedWithCode(1), "Run-time error: Subscript out of range");
+}
+
+TEST_F(FaultReportDeathTest, WhatIsOverIsNotNamed) {
+  EXPECT_EXIT(
+      {
+        runHandler([] { GetSetting("misc", "quarks", ""); });
+        answerIf(ending());
+        reportFault("Overflow");
+      },
+      ::testing::ExitedWithCode(1), "Run-time error: Overflow");
+}
+
+}  // namespace
+}  // namespace kelvora
