@@ -4,6 +4,7 @@
 #include <QCursor>
 #include <QFile>
 #include <QMessageBox>
+#include <QPixmapCache>
 #include <QTime>
 #include <cstdlib>
 
@@ -20,9 +21,18 @@
 
 namespace kelvora {
 
+namespace {
+
+/// KiB, of the pieces of buttons that the style keeps. It finds none of them again for a window that is made anew, as
+/// the store is at every visit, so that they would add up to the toolkit's own limit of 10 MiB.
+constexpr int mostStylePieces = 1024;
+
+}  // namespace
+
 QtDesktop::QtDesktop(std::string commandLine)
     : commandLine_(std::move(commandLine)), settings_(QtSettings::defaultPath()) {
   sinceStart_.start();
+  QPixmapCache::setCacheLimit(mostStylePieces);
   if (const auto frame = frameFromText(qgetenv("KELVORA_FRAME_MS").toStdString())) pacer_.emplace(*frame);
   wakeUp_.setSingleShot(true);
   wakeUp_.setTimerType(Qt::PreciseTimer);

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPixmapCache>
 #include <algorithm>
 #include <chrono>
 
@@ -38,6 +39,19 @@ TEST(Desktop, ClockStartsAtAMillionAndNeverFalls) {
     EXPECT_GE(now, last);
     last = now;
   }
+}
+
+TEST(Desktop, KeepsNoMoreThanAMegabyteOfWhatTheStyleHasDrawn) {
+  QPixmapCache::setCacheLimit(10'240);  // the toolkit's own
+  const QtDesktop desktop("");
+  QPixmapCache::clear();
+  QPixmap piece(256, 256);
+  piece.fill(Qt::red);  // 256 KiB
+  for (int i = 0; i < 20; ++i) QPixmapCache::insert(QString::number(i), piece.copy());
+  int kept = 0;
+  for (int i = 0; i < 20; ++i) kept += QPixmapCache::find(QString::number(i), nullptr) ? 1 : 0;
+  EXPECT_GE(kept, 1);
+  EXPECT_LE(kept, 4);
 }
 
 TEST(Desktop, SecondsSinceMidnightStayWithinADay) {
