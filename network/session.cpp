@@ -32,6 +32,13 @@ const std::string& colourName(std::int16_t colour) {
   return modMain::colourNames[static_cast<std::size_t>(colour)];
 }
 
+// Quirk Q-228: his tail stays as it is. It ages while it is painted, and who has gone is not painted. Once there are
+// half as many vertices as there can be, he takes his with him, so that the living never want for theirs.
+void letGo(clsPlayer& player) {
+  player.isConnected = false;
+  if (clsTail::count() > modMain::mostTailVertices / 2) player.tails.clear();
+}
+
 bool hasPlayerRow(std::int16_t colour) { return colour >= 0 && colour <= frmMain->lbUserName.UBound; }
 
 }  // namespace
@@ -125,8 +132,7 @@ void receivePlayerLeft(std::int16_t node) {
   if (index < 0 || index >= opponentCount) return;
   clsPlayer& player = modMain::playerAt(index);
   printChat(player.name + " has disconnected.", 3);
-  // Quirk Q-228: his tail stays as it is. It ages while it is painted, and who has gone is not painted.
-  player.isConnected = false;
+  letGo(player);
   if (!hasPlayerRow(player.colour)) return;
   frmMain->lbUserName[player.colour].Caption = "";
   frmMain->lblKills[player.colour].Caption = "";
@@ -148,7 +154,7 @@ void receiveRoundOver(const std::string& text) {
 
 void modMain::resetConnectionState() {
   localPlayer.isConnected = false;
-  for (std::int16_t i = 0; i < opponentCount; ++i) playerAt(i).isConnected = false;
+  for (std::int16_t i = 0; i < opponentCount; ++i) netMan::letGo(playerAt(i));
   // A server may have given a colour that has no label; the dialog is offered all the same.
   resumeNext([] {
     Label& label = frmMain->lbUserName[localPlayer.colour];

@@ -47,6 +47,26 @@ TEST_F(Bounds, TheVerticesOfAllPlayersCountTogether) {
   EXPECT_EQ(clsTail::count(), before);
 }
 
+TEST_F(Bounds, WhoLeavesBesideManyVerticesTakesHisTailWithHim) {
+  for (std::int16_t node = 8; node <= 10; ++node) {
+    clsPlayer& opponent = modMain::opponents.at(static_cast<std::size_t>(join(node, 1, "Bob")));
+    for (int i = 0; i < 1'000; ++i) opponent.addTail({1, 1});
+  }
+  for (int i = 0; i < 122'000; ++i) localPlayer.addTail({1, 1});
+  serverSends(wire::msgPlayerLeft, {"8"});
+  EXPECT_EQ(modMain::opponents[0].tailCount(), 1'000) << "125,000 are half of what there can be, and not more";
+  localPlayer.addTail({1, 1});
+  serverSends(wire::msgPlayerLeft, {"9"});
+  EXPECT_EQ(modMain::opponents[1].tailCount(), 0);
+  localPlayer.addTail({1, 1});
+  EXPECT_EQ(clsTail::count(), 124'002U);
+  for (int i = 0; i < 1'000; ++i) localPlayer.addTail({1, 1});
+  netMan::disconnectFromServer();
+  EXPECT_EQ(modMain::opponents[0].tailCount(), 0) << "when we leave, all have gone";
+  EXPECT_EQ(modMain::opponents[2].tailCount(), 1'000) << "the first one's vertices are enough";
+  EXPECT_EQ(localPlayer.tailCount(), 123'002) << "our own stays as it is";
+}
+
 TEST_F(Bounds, AMillionPositionsWaitAtTheMost) {
   join(8, 1, "Bob");
   serverSends(wire::msgParticleAdd, {"p", "0", "1", "1", "0", "0"});
