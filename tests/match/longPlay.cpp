@@ -1,0 +1,280 @@
+#include "tests/match/longPlay.h"
+
+#include <malloc.h>
+#include <unistd.h>
+
+#include <array>
+#include <cmath>
+#include <ctime>
+#include <fstream>
+#include <utility>
+
+#include "base/text.h"
+#include "frontend/frmConnect.h"
+#include "network/wire/wireFormat.h"
+#include "server/options.h"
+#include "store/frmPowerups.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr Tick frameLength = 10;          // ms
+constexpr std::size_t latency = 3;        // frames
+constexpr double midnight = 24.0 * 3600;  // seconds
+constexpr int second = LongPlay::framesPerSecond;
+constexpr int minute = LongPlay::framesPerMinute;
+constexpr int keyReturn = 13;
+constexpr int keyF1 = 112;
+constexpr server::Millis calmAfter = 4'000;   // after the end of a round nobody has a tail any more
+constexpr server::Millis calmEvery = 20'000;  // so often neither the store is open nor the window large
+const std::string password = "open sesame";
+
+/// Leaves the game's endless loop for as long as nobody plays.
+struct Rest {};
+
+std::int64_t threadTime() {
+  timespec time{};
+  ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+std::string frameOf(std::int16_t id, const std::vector<std::string>& fields) { return wire::buildFrame(id, fields); }
+
+/// Adds the ids of whole frames up.
+void count(std::string_view frames, std::map<int, int>& byId) {
+  for (std::size_t at = frames.find(wire::frameStart); at != std::string_view::npos;
+       at = frames.find(wire::frameStart, at + 1)) {
+    ++byId[static_cast<unsigned char>(frames[at + 1])];
+  }
+}
+
+/// By the sizes of the elements alone.
+std::int64_t bytesOf(const clsPlayer& player) {
+  return static_cast<std::int64_t>(sizeof(clsPlayer) + player.tails.size() * sizeof(clsTail) +
+                                   player.positionQueue.size() * sizeof(Vector));
+}
+
+}  // namespace
+
+LongPlay::LongPlay()
+    : arena_(*this, server::versionText(), password, 1,
+             {.intermissionMs = calmAfter + calmEvery + 2'000, .incomePerMinute = 60}),
+      keeper_(arena_, {.count = 5, .skill = server::SkillLevel::mixed}, password, server::versionText(), 2) {
+  machine.seconds = midnight - 300;
+  machine.onDoEvents = [this] { onPass(); };
+  machine.onMessageBox = [this](const std::string&) { ++boxes; };
+}
+
+void LongPlay::play(int frames) {
+  end_ = frame_ + frames;
+  passBegan_ = threadTime();
+  try {
+    if (frame_ == 0) modMain::startGame();
+    modMain::mainLoop();
+  } catch (const Rest&) {
+    isInPass_ = false;
+  }
+}
+
+void LongPlay::playToCalm() {
+  for (const int before = rounds_; rounds_ == before;) play(1);
+  play(calmAfter / frameLength);
+  while (!every(calmEvery / frameLength)) play(1);
+}
+
+// Between two passes of the client: its pass ends here, the world outside has its turn, and the next one begins.
+void LongPlay::onPass() {
+  if (std::exchange(isInPass_, true)) return;  // a dialog runs events on
+  clientTime_ += threadTime() - passBegan_;
+  ++passes_;
+  if (frame_ == end_) throw Rest{};
+  playFrame();
+  isInPass_ = false;
+  passBegan_ = threadTime();
+}
+
+void LongPlay::playFrame() {
+  ++frame_;
+  machine.advance(frameLength);
+  if (machine.seconds >= midnight) machine.seconds -= midnight;
+  act();
+  relay();
+  if (every(server::Sight::step / frameLength)) tickArena();
+  inject();
+  // What the machine has noted is nothing that the program keeps.
+  machine.journal.clear();
+  machine.soundCommands.clear();
+  machine.messageBoxes.clear();
+  machine.tracks.clear();
+  machine.pointerPlacements.clear();
+  server().connects.clear();
+}
+
+// What the player does.
+
+void LongPlay::act() {
+  if (every(30 * minute, 1)) logIn("a wrong one");
+  if (every(30 * minute, second)) logIn(password);
+  if (every(30 * minute, 0)) frmMain->mnuFileDisconnect.Click();
+  if (!modMain::localPlayer.isConnected || frmMain->sock.State() != sckConnected) return;
+  steer();
+  if (!modMain::localPlayer.alive && every(4 * second)) frmMain->btnSpawn.Click();
+  if (modMain::localPlayer.alive && modMain::localPlayer.breaksOn && every(second)) {
+    frmMain->canvas.MouseDown(2, 0, 0, 0);
+  }
+  trade();
+  if (every(7 * second)) typeLine("still here");
+  if (every(minute, 5 * second)) frmMain->lblPrivChat.MouseUp(1, 0, 0, 0);
+  if (every(minute, 55 * second)) typeLine("~quarktype:0");
+  if (every(2 * minute, minute + second)) frmMain->clientResized(20'000, 12'000);
+  if (every(2 * minute, minute + 10 * second)) frmMain->clientResized(13'410, 10'050);
+  if (every(minute, 30 * second)) frmMain->mnuQuarkStars.Click();
+  if (every(minute, 40 * second)) frmMain->mnuQuarkQuarks.Click();
+}
+
+// Circles of changing width, so that loops close round others now and then.
+void LongPlay::steer() {
+  const float time = static_cast<float>(frame_ % (100 * minute));
+  const float angle = time * 0.012F + std::sin(time * 0.0007F);
+  const Vector centre = modMain::getCanvasCentre();
+  frmMain->canvas.MouseMove(0, 0, centre.x * (1 + 0.9F * std::cos(angle)), centre.y * (1 + 0.9F * std::sin(angle)));
+}
+
+void LongPlay::trade() {
+  const int item = frame_ / (20 * second) % powerupSlotCount;
+  if (every(20 * second, 11 * second)) frmMain->btnShop.Click();
+  if (frmPowerups.isVisible()) {
+    if (every(20 * second, 12 * second)) frmPowerups->cmdBuy[item].Click();
+    if (every(40 * second, 33 * second)) frmPowerups->cmdSell[item].Click();
+    if (every(20 * second, 14 * second)) frmPowerups->cmdDone.Click();
+  }
+  if (every(20 * second, 16 * second)) frmMain->txtChat.KeyDown(keyF1 + item, 0);
+}
+
+void LongPlay::typeLine(const std::string& line) {
+  frmMain->txtChat.Text = line;
+  frmMain->txtChat.KeyDown(keyReturn, 0);
+  frmMain->txtChat.KeyPress(keyReturn);
+}
+
+void LongPlay::logIn(const std::string& itsPassword) {
+  frmConnect->txtPlayerName.Text = "Ann";
+  frmConnect->txtServerPassword.Text = itsPassword;
+  frmConnect->cmdConnect.Click();
+  server().acceptConnection();
+  ourClient_ = ++lastClient_;
+  reader_.emplace();
+  arena_.connected(ourClient_, now());
+}
+
+// The line between client and arena.
+
+void LongPlay::relay() {
+  const std::string bytes = std::exchange(server().sent, {});
+  server().sendings.clear();
+  if (ourClient_ == 0) return;
+  if (server().state() == sckClosed) return follow();
+  count(bytes, sent);
+  const bool isSound = reader_->read(bytes, [this](std::string_view text) {
+    // The arena is told of a report of the velocity as of any other message that it does not know.
+    arena_.received(ourClient_, text, now());
+  });
+  if (!isSound) ADD_FAILURE() << "the client sends what is no frame";
+  underWay_.push_back(std::exchange(toUs_, {}));
+  if (underWay_.size() <= latency) return;
+  const std::string arrived = std::move(underWay_.front());
+  underWay_.pop_front();
+  if (arrived.empty()) return;
+  count(arrived, received);
+  server().deliver(arrived);
+}
+
+/// The client has closed its socket.
+void LongPlay::follow() {
+  arena_.disconnected(std::exchange(ourClient_, 0));
+  toUs_.clear();
+  underWay_.clear();
+}
+
+void LongPlay::tickArena() {
+  arena_.tick(now());
+  keeper_.tick(now());
+  visit();
+}
+
+// Another person, who stays for half of every four minutes; a bot makes room for him.
+void LongPlay::visit() {
+  const auto say = [this](const std::string& text) { arena_.received(visitorClient_, text, now()); };
+  if (every(4 * minute, minute)) {
+    visitorClient_ = ++lastClient_;
+    visitor_.emplace("Visitor", server::SkillLevel::normal, visitorClient_);
+    sight_.clear();
+    arena_.connected(visitorClient_, now());
+    say(visitor_->login(password, 0, server::versionText()));
+  }
+  if (!visitor_) return;
+  sight_.add(arena_.players(now()), now());
+  if (const server::PlayerView* self = sight_.player(visitorClient_)) visitor_->tick(sight_, *self, now(), say);
+  if (every(4 * minute, 3 * minute)) {
+    visitor_.reset();
+    arena_.disconnected(visitorClient_);
+  }
+}
+
+// What a server may send and the arena does not.
+void LongPlay::inject() {
+  if (modMain::opponentCount == 0) return;
+  const std::string node = std::to_string(modMain::opponents.back().serverNode);
+  if (every(10 * second, 1)) toUs_ += frameOf(wire::msgVelocity, {node, "100", "-50"});
+  if (every(2 * minute, 90 * second)) toUs_ += frameOf(wire::msgSpawnDenied, {"Not now."});
+  if (every(minute, 4)) toUs_ += frameOf(wire::msgPowerupOff, {node, "0"});
+  if (every(10 * second, 2)) toUs_ += frameOf(wire::msgAliveState, {node, "1"});
+  if (every(10 * second, 3)) toUs_ += frameOf(wire::msgLatencyReport, {"30"});
+  const std::string particle = "n" + std::to_string(frame_ / (4 * minute));
+  if (every(4 * minute, 2 * minute)) {
+    toUs_ += frameOf(wire::msgParticleAdd, {particle, "1", "50000", "50000", "10", "10"});
+  }
+  if (frame_ % (4 * minute) > 2 * minute && every(second)) {
+    const std::string place = std::to_string(50'000 + frame_ % (4 * minute));
+    toUs_ += frameOf(wire::msgParticleMove, {particle, place, place});
+  }
+  if (every(4 * minute, 4 * minute - 1)) toUs_ += frameOf(wire::msgParticleRemove, {particle});
+}
+
+void LongPlay::send(server::ClientId client, const std::string& frame) {
+  if (server::isBot(client)) return keeper_.hear(client, frame, now());
+  if (client != ourClient_) {
+    if (visitor_ && client == visitorClient_) visitor_->hear(frame, now());
+    return;
+  }
+  const int id = static_cast<unsigned char>(frame[1]);
+  if (id == wire::msgTailCapture) ++captures_;
+  if (id == wire::msgRoundOver) ++rounds_;
+  toUs_ += frame;
+}
+
+void LongPlay::hangUp(server::ClientId client) {
+  // A client that is refused hangs up by itself.
+  if (server::isBot(client)) keeper_.hangUp(client);
+}
+
+LongPlay::Figures LongPlay::figures() {
+  Figures figures;
+  const auto heap = ::mallinfo2();
+  figures.heapBytes = static_cast<std::int64_t>(heap.uordblks + heap.hblkhd);
+  figures.keptBytes = bytesOf(modMain::localPlayer);
+  for (const clsPlayer& opponent : modMain::opponents) figures.keptBytes += bytesOf(opponent);
+  figures.keptBytes += static_cast<std::int64_t>(modMain::netParticles.size() * sizeof(clsParticle));
+  std::ifstream memory("/proc/self/statm");
+  std::int64_t pages = 0;
+  memory >> pages >> pages;
+  figures.residentBytes = pages * ::sysconf(_SC_PAGESIZE);
+  figures.slots = modMain::opponents.size();
+  figures.captures = captures_;
+  figures.rounds = rounds_;
+  figures.clientMicroseconds = static_cast<double>(std::exchange(clientTime_, 0)) / 1000 / std::exchange(passes_, 0);
+  return figures;
+}
+
+}  // namespace kelvora
