@@ -1,0 +1,207 @@
+"""What fails outside the program: the screen, the terminal, the sound, the fonts, the disk, the program's own files."""
+
+import pathlib
+import resource
+import shutil
+import signal
+import socket
+import subprocess
+import tempfile
+import time
+import unittest
+
+import harness
+from harness import wait_for
+
+PLAYER_LEFT = 140
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+EMPTY_FONTCONFIG = '<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd"><fontconfig></fontconfig>'
+
+
+def spy_on(server, name="Spy", colour=5):
+    spy = harness.Line(socket.create_connection(("127.0.0.1", server.port)))
+    spy.send(harness.LOGIN, name, "", colour, "1.2.1")
+    return spy
+
+
+def has_left(spy, node):
+    """Waits until the server tells that the player has left."""
+    while True:
+        identifier, fields = spy.recv_frame(20)
+        if identifier == PLAYER_LEFT and fields[0] == node:
+            return True
+
+
+class ClientFaults(harness.DesktopTest):
+
+    def in_game(self, client, server, spy):
+        """Logs the client in to the real server and returns its node."""
+        client.connect(server.port)
+        while True:
+            identifier, fields = spy.recv_frame(20)
+            if identifier == harness.PLAYER_JOINED and fields[2] == b"Ann":
+                return fields[0]
+
+    def settings(self, client):
+        return (pathlib.Path(client.config) / "kelvora" / "kelvora.ini").read_text()
+
+    def expect_play(self, client):
+        """The client gets into a game, and its ball answers the mouse."""
+        client, line = self.log_in(client)
+        client.mouse_to(700, 250)
+        client.right_click()
+        x = 50000
+        deadline = time.monotonic() + 20
+        while x < 52000 and time.monotonic() < deadline:
+            x = line.report()[0]
+        self.assertGreaterEqual(x, 52000)
+
+    def test_the_x_server_dies_in_play(self):
+        display = harness.Display()
+        self.addCleanup(display.close)
+        server = self.start_server()
+        spy = spy_on(server)
+        self.addCleanup(spy.close)
+        client = harness.Client(display)
+        self.addCleanup(client.close)
+        node = self.in_game(client, server, spy)
+        before = self.settings(client)
+        display.xvfb.kill()
+        self.assertEqual(client.process.wait(5), 1)
+        self.assertTrue(has_left(spy, node))
+        spy.send(harness.CHAT, -1, "still here")
+        while spy.recv_frame(10)[0] != harness.CHAT:
+            pass
+        self.assertEqual(self.settings(client), before)
+        self.assertIn("player%20name=Ann", before)
+
+    def test_signals_end_it_at_once_and_the_settings_stay(self):
+        server = self.start_server()
+        for sent in (signal.SIGHUP, signal.SIGTERM):
+            with self.subTest(signal=sent.name):
+                spy = spy_on(server)
+                client = self.start_client()
+                node = self.in_game(client, server, spy)
+                client.process.send_signal(sent)
+                self.assertEqual(client.process.wait(5), -sent)
+                self.assertTrue(has_left(spy, node))
+                self.assertIn("player%20name=Ann", self.settings(client))
+                spy.close()
+
+    def test_a_stopped_client_goes_on_where_it_was(self):
+        client, line = self.log_in()
+        client.mouse_to(700, 250)
+        client.right_click()
+        line.report()
+        client.process.send_signal(signal.SIGSTOP)
+        last = [fields for identifier, fields in line.frames_during(1.5) if identifier == harness.POSITION_REPORT]
+        before = float(last[-1][0]) if last else 50000.0
+        client.process.send_signal(signal.SIGCONT)
+        after = line.report()[0]
+        # At most 300 world units a frame, and a second and a half would be a hundred and fifty of them.
+        self.assertLess(after - before, 15000)
+        line.send(harness.PING, 1)
+        wait_for(lambda: line.recv_frame()[0] == harness.PING_REPLY, "the answer to a ping")
+
+    def test_no_fonts(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".conf") as config:
+            config.write(EMPTY_FONTCONFIG)
+            config.flush()
+            client = self.start_client(environment={"FONTCONFIG_FILE": config.name})
+            self.expect_play(client)
+            self.assertIsNone(client.process.poll())
+
+    def test_no_sound_device(self):
+        for driver in ("pulseaudio", "alsa", "there-is-none"):
+            with self.subTest(driver=driver):
+                client = self.start_client(environment={"SDL_AUDIODRIVER": driver}, arguments=())
+                self.expect_play(client)
+                self.assertEqual(client.output(), "")
+                client.close()
+
+    def test_a_sound_device_that_fails_in_play(self):
+        device = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": "/dev/full"}
+        client = self.start_client(environment=device, arguments=())
+        self.expect_play(client)
+        self.assertEqual(client.output(), "")
+
+    def test_no_sounds(self):
+        data = self.data()
+        shutil.rmtree(data / "sounds")
+        client = self.start_client(arguments=(), environment={"KELVORA_DATA": str(data)})
+        self.expect_play(client)
+        self.assertEqual(client.output(), "")
+
+    def test_broken_sounds(self):
+        data = self.data()
+        for index, file in enumerate(sorted((data / "sounds").iterdir())):
+            content = file.read_bytes()
+            file.write_bytes(content[:len(content) // 3 if index % 2 else 0])
+        client = self.start_client(arguments=(), environment={"KELVORA_DATA": str(data)})
+        self.expect_play(client)
+
+    def data(self):
+        """A copy of the program's files."""
+        data = pathlib.Path(tempfile.mkdtemp(prefix="kelvora-data-"))
+        self.addCleanup(shutil.rmtree, data)
+        for folder in ("assets", "sounds"):
+            shutil.copytree(PROJECT / folder, data / folder)
+        return data
+
+    def test_broken_pictures_are_named_in_the_error_box(self):
+        data = self.data()
+        sheet = data / "assets" / "radarGrid.png"
+        content = sheet.read_bytes()
+        for kind, spoil in (("missing", sheet.unlink), ("empty", lambda: sheet.write_bytes(b"")),
+                            ("cut off", lambda: sheet.write_bytes(content[:len(content) // 2]))):
+            with self.subTest(kind=kind):
+                spoil()
+                environment = dict(self.display.environment, KELVORA_DATA=str(data), QT_QPA_PLATFORM="xcb",
+                                   KELVORA_WEB_HOST=harness.CLOSED_PORT, XDG_CONFIG_HOME=str(data))
+                process = subprocess.Popen([harness.CLIENT, "nosound"], env=environment, stdin=subprocess.DEVNULL,
+                                           stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+                self.addCleanup(harness.stop, process)
+                self.addCleanup(process.stderr.close)
+                box = wait_for(lambda: self.display.xdotool("search", "--onlyvisible", "--pid", process.pid).split(),
+                               "the error box")[0]
+                self.display.xdotool("windowactivate", "--sync", box, "key", "Return")
+                self.assertEqual(process.wait(10), 1)
+                self.assertIn(str(sheet), process.stderr.read())
+
+    def test_settings_that_cannot_be_written(self):
+        home = pathlib.Path(tempfile.mkdtemp(prefix="kelvora-home-"))
+        self.addCleanup(shutil.rmtree, home)
+        (home / "kelvora").write_text("A file where the folder should be stops even the superuser.")
+        client = self.start_client(config=str(home))
+        self.expect_play(client)
+        self.assertEqual(client.output(), "")
+
+    def test_a_disk_without_room(self):
+        # Beyond 200 bytes no file grows, as on a full disk.
+        client = self.start_client()
+        resource.prlimit(client.process.pid, resource.RLIMIT_FSIZE, (200, 200))
+        self.expect_play(client)
+        self.assertIsNone(client.process.poll())
+
+    def test_nobody_reads_what_it_says_and_files_may_not_grow(self):
+        client = self.start_client()
+        for sent in (signal.SIGPIPE, signal.SIGXFSZ):
+            client.process.send_signal(sent)
+        self.expect_play(client)
+
+    def test_two_at_once_keep_what_each_has_saved(self):
+        server = self.scripted_server()
+        ann = self.start_client()
+        bob = self.start_client(config=ann.config)
+        ann.connect(server.port, name="Ann")
+        self.assertEqual(server.accept().recv_frame()[1][0], b"Ann")
+        bob.connect(server.port, name="Bob", address="localhost")
+        self.assertEqual(server.accept().recv_frame()[1][0], b"Bob")
+        text = self.settings(ann)
+        self.assertIn("player%20name=Bob", text)
+        self.assertIn("server%20address=localhost", text)
+        self.assertIn(f"server%20port={server.port}", text)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,135 @@
+"""What fails outside the server: signals, ports, files, descriptors, time."""
+
+import os
+import resource
+import signal
+import socket
+import subprocess
+import unittest
+
+import harness
+from harness import wait_for
+
+
+def cpu_seconds(pid):
+    with open(f"/proc/{pid}/stat") as file:
+        fields = file.read().rpartition(")")[2].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+class ServerFaults(unittest.TestCase):
+
+    def start(self, *arguments, **options):
+        port = harness.free_port()
+        options = dict(dict(stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True), **options)
+        process = subprocess.Popen([harness.SERVER, "--address", "127.0.0.1", "--port", str(port), *arguments], **options)
+        self.addCleanup(harness.stop, process)
+        for stream in (process.stdout, process.stderr):
+            if stream:
+                self.addCleanup(stream.close)
+        process.port = port
+
+        def is_listening():
+            with socket.socket() as probe:
+                return probe.connect_ex(("127.0.0.1", port)) == 0
+        wait_for(is_listening, "the server")
+        return process
+
+    def log_in(self, process, name="Ann", colour=0):
+        line = harness.Line(socket.create_connection(("127.0.0.1", process.port)))
+        self.addCleanup(line.close)
+        line.send(harness.LOGIN, name, "", colour, "1.2.1")
+        return line
+
+    def test_signals_end_it_with_a_word_to_the_players(self):
+        for sent in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            with self.subTest(signal=sent.name):
+                process = self.start("--bots", "3")
+                line = self.log_in(process)
+                self.assertEqual(line.recv_frame()[0], harness.LOGIN_ACCEPTED)
+                process.send_signal(sent)
+                frames = []
+                while received := line.recv_frame():
+                    frames.append(received)
+                self.assertIn((harness.SERVER_TEXT, [b"The server is shutting down."]), frames)
+                line.close()
+                self.assertEqual(process.wait(5), 0)
+
+    def test_a_hang_up_that_is_ignored_stays_so(self):
+        process = self.start(preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
+        process.send_signal(signal.SIGHUP)
+        self.assertEqual(self.log_in(process).recv_frame()[0], harness.LOGIN_ACCEPTED)
+
+    def test_a_port_in_use(self):
+        with socket.create_server(("127.0.0.1", 0)) as other:
+            port = other.getsockname()[1]
+            done = subprocess.run([harness.SERVER, "--address", "127.0.0.1", "--port", str(port)], capture_output=True,
+                                  stdin=subprocess.DEVNULL, text=True, timeout=20)
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.stderr, f"kelvora-server: cannot listen on 127.0.0.1:{port}: Address already in use\n")
+
+    def test_a_configuration_that_cannot_be_read(self):
+        for path, reason in (("/no/such/file", "No such file or directory"), ("/", "Is a directory")):
+            done = subprocess.run([harness.SERVER, "--config", path], capture_output=True, stdin=subprocess.DEVNULL,
+                                  text=True, timeout=20)
+            self.assertEqual(done.returncode, 2)
+            self.assertEqual(done.stderr.splitlines()[0], f"kelvora-server: cannot read {path}: {reason}")
+
+    def test_a_log_on_a_full_disk(self):
+        with open("/dev/full", "w") as full:
+            process = self.start(stdout=full, stderr=full)
+            self.assertEqual(self.log_in(process).recv_frame()[0], harness.LOGIN_ACCEPTED)
+            self.assertIsNone(process.poll())
+
+    def test_a_log_that_nobody_reads(self):
+        process = self.start()
+        process.stderr.close()
+        process.stdout.close()
+        for name in ("Ann", "Bob"):
+            line = self.log_in(process, name)
+            self.assertEqual(line.recv_frame()[0], harness.LOGIN_ACCEPTED)
+        self.assertIsNone(process.poll())
+
+    def test_no_descriptors_left(self):
+        process = self.start()
+        open_files = len(os.listdir(f"/proc/{process.pid}/fd"))
+        resource.prlimit(process.pid, resource.RLIMIT_NOFILE, (open_files + 1, open_files + 1))
+        ann = self.log_in(process)
+        self.assertEqual(ann.recv_frame()[0], harness.LOGIN_ACCEPTED)
+        bob = self.log_in(process, "Bob", 1)
+        before = cpu_seconds(process.pid)
+        bob_frames = bob.frames_during(1.0)
+        self.assertEqual(bob_frames, [])
+        self.assertLess(cpu_seconds(process.pid) - before, 0.25, "it does not spin")
+        ann.send(harness.CHAT, -1, "hello")
+        while ann.recv_frame()[0] != harness.CHAT:
+            pass
+        ann.close()
+        self.assertEqual(bob.recv_frame()[0], harness.LOGIN_ACCEPTED)
+
+    def test_it_raises_a_low_limit_of_descriptors(self):
+        hard = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
+        process = self.start(preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (20, hard)))
+        self.assertEqual(resource.prlimit(process.pid, resource.RLIMIT_NOFILE)[0], 160)
+
+    def test_it_says_that_it_may_open_too_few_files(self):
+        process = self.start(preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (40, 40)))
+        self.assertIn("only 40 files may be open", process.stderr.readline())
+
+    def test_a_stop_costs_nobody_the_game(self):
+        process = self.start("--bots", "2")
+        line = self.log_in(process)
+        place = line.recv_frame()[1][2:4]
+        process.send_signal(signal.SIGSTOP)
+        line.send(harness.POSITION_REPORT, *place)
+        line.frames_during(1.5)
+        process.send_signal(signal.SIGCONT)
+        line.send(harness.CHAT, -1, "hello")
+        frames = []
+        while not frames or frames[-1][0] != harness.CHAT:
+            frames.append(line.recv_frame())
+        self.assertLess(len(frames), 200, "what was missed is not made up for")
+
+
+if __name__ == "__main__":
+    unittest.main()
