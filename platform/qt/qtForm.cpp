@@ -4,6 +4,8 @@
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QWindow>
 #include <algorithm>
 
@@ -85,6 +87,18 @@ void FormWindow::resizeClient(QSize client) {
   }
 }
 
+void FormWindow::scrollClient(QSize client, QSize room) {
+  auto* view = new QScrollArea(this);
+  view->setFrameShape(QFrame::NoFrame);
+  view->setFocusPolicy(Qt::NoFocus);
+  client_->setFixedSize(client);
+  view->setWidget(takeCentralWidget());
+  setCentralWidget(view);
+  const int bar = view->verticalScrollBar()->sizeHint().width();
+  const QSize bars(client.height() > room.height() ? bar : 0, client.width() > room.width() ? bar : 0);
+  setFixedSize((client + bars).boundedTo(room));
+}
+
 bool FormWindow::event(QEvent* event) {
   const bool handled = QMainWindow::event(event);
   if (event->type() == QEvent::WindowActivate) raiseEvent(form_, form_.Activate);
@@ -157,18 +171,18 @@ void FormPeer::showWindow() {
 }
 
 /// A form that the game has not placed stands in the middle: of the screen, or of the main window. None begins where it
-/// cannot be seen: it is kept on the screen that the game is on, and a window that can be resized begins no larger than
-/// it. The place is known at once, not only when the window manager has answered.
+/// cannot be seen: it is kept on the screen that the game is on, and begins no larger than it. The place is known at
+/// once, not only when the window manager has answered.
 void FormPeer::placeWindow() {
   const bool isMain = !mainWindow || window_.get() == mainWindow;
   const QRect screen = (isMain ? window_->screen() : screenOf(*mainWindow))->availableGeometry();
   const QSize frame(toPixels(Form::frameWidth), toPixels(Form::frameHeight));
-  QSize client = clientSize(form_);
-  if (form_.design.border == Form::Border::Sizable) {
-    client = client.boundedTo(screen.size() - frame);
-    if (client != clientSize(form_)) window_->resizeClient(client);
-  }
-  const QSize outer = client + frame;
+  const QSize client = clientSize(form_);
+  const QSize room = screen.size() - frame;
+  const QSize seen = client.boundedTo(room);
+  if (seen != client && form_.design.border == Form::Border::Sizable) window_->resizeClient(seen);
+  if (seen != client && form_.design.border == Form::Border::Fixed) window_->scrollClient(client, room);
+  const QSize outer = seen + frame;
   const QPoint centre = isMain ? screen.center() : mainWindow->frameGeometry().center();
   QPoint corner(toPixels(form_.Left), toPixels(form_.Top));
   if (!placedByGame_) corner = centre - QPoint(outer.width() / 2, outer.height() / 2);

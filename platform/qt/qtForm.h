@@ -19,6 +19,8 @@ class FormWindow : public QMainWindow {
   QWidget* client() const { return client_; }
   /// Gives the client area its size in pixels; the menu bar comes on top of it.
   void resizeClient(QSize client);
+  /// For a client area of fixed size that has no room on the screen: a part of it is seen, with bars to move it.
+  void scrollClient(QSize client, QSize room);
 
  protected:
   bool event(QEvent* event) override;

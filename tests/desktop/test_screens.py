@@ -12,6 +12,9 @@ import rules
 from harness import CLIENT, LOGIN, LOGIN_ACCEPTED, PING, POSITION_REPORT, TITLE, TWIPS, frame, wait_for
 
 MENU_GROUND = (28, 31, 48)
+# The middle of the store's button "Done", as its distance from the lower right corner of the store, in twips: the store
+# has 11370 by 9060, the button begins at 9840 and 8250 and has 1080 by 480.
+DONE = (11370 - 9840 - 540, 9060 - 8250 - 240)
 
 
 class WindowSystem(harness.DesktopTest):
@@ -79,6 +82,23 @@ class Small(harness.DesktopTest):
         [expected] = rules.reports(before, rules.velocity(client.canvas_size(), pixel), 1)
         for axis in range(2):
             self.assertAlmostEqual(after[axis], expected[axis], delta=0.1)
+
+    def test_the_store_is_scrolled_to_its_last_button(self):
+        client, line = self.log_in(self.small_client())
+        client.window.activate()
+        client.mouse_to(200, 100)
+        self.display.xdotool("click", 1, "type", "~showstore")
+        self.display.xdotool("key", "Return")
+        store = client.wait_for_window("Powerups")
+        time.sleep(0.3)
+        self.assert_inside(store)
+        left, top, width, height = store.geometry()
+        # The wheel, downward and to the right: farther than it goes.
+        self.display.xdotool("mousemove", left + width // 2, top + height // 2, *["click", 5] * 10, *["click", 7] * 20)
+        # The button lies DONE twips from the lower right corner of the store, beside which the bars stand.
+        x, y = left + width - 14 - DONE[0] // TWIPS, top + height - 14 - DONE[1] // TWIPS
+        self.display.xdotool("mousemove", x, y, "click", 1)
+        wait_for(lambda: "Powerups" not in client.windows(), "the store's end")
 
     def test_a_window_larger_than_the_screen_can_be_moved_and_closed(self):
         client, line = self.log_in(self.small_client())
