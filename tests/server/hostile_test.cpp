@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -74,6 +75,10 @@ class Game {
   std::string y_;
 };
 
+std::ptrdiff_t openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+}
+
 constexpr Milliseconds oneTick(40);
 constexpr int steps = 40;
 
@@ -134,6 +139,75 @@ TEST_F(Hostile, FloodsOfTinyFramesFromSixtyAreHeldBack) {
   const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
   // Of each, half a second's worth at once and then the rate; the rest waits in the buffers of both sides.
   EXPECT_LT(static_cast<double>(flood.poured()), 60 * (Connection::bytesPerSecond * (seconds + 0.5) + (256 << 10)));
+}
+
+TEST_F(Hostile, StreamsWithoutAnEndAreCutOff) {
+  const std::string endless(1 << 16, 'x');
+  const std::string start(1, wire::frameStart);
+  const struct {
+    std::string first;
+    std::string portion;
+  } streams[] = {
+      {start + static_cast<char>(wire::msgChat), endless},
+      {start + static_cast<char>(wire::msgLogin), endless},
+      {start + static_cast<char>(wire::msgLogin), std::string(1 << 16, wire::frameStart)},
+      {"", std::string(1 << 16, wire::frameStart)},
+      {"", std::string(1 << 16, wire::frameEnd)},
+      {"", endless},
+      {login("Long") + start + static_cast<char>(wire::msgChat), endless},
+  };
+  const std::size_t before = residentMebibytes();
+  std::vector<std::unique_ptr<TcpClient>> clients;
+  for (std::uint32_t host = 10; const auto& stream : streams) {
+    clients.push_back(std::make_unique<Client>(port, host++));
+    clients.back()->keepLittleUnsent();
+    clients.back()->push(stream.first);
+  }
+  expectPlay([&](int) {
+    for (std::size_t i = 0; i < clients.size(); ++i) clients[i]->push(streams[i].portion);
+  });
+  for (std::size_t i = 0; i < clients.size(); ++i) {
+    // Whoever is cut off cannot go on to send a gigabyte.
+    EXPECT_LT(clients[i]->push(streams[i].portion), 0) << i;
+  }
+  EXPECT_LT(residentMebibytes(), before + 16);
+}
+
+TEST_F(Hostile, LeavingInTheMiddleOfAFrame) {
+  const std::string session = login("Half") + frame(wire::msgPositionReport, {"50000", "50000"});
+  int times = 0;
+  expectPlay([&](int i) {
+    if (times > i * 3) return;
+    // Every length from nothing to the whole of it, now with an orderly end and now with a reset.
+    TcpClient client(port, static_cast<std::uint32_t>(10 + times % 100));
+    client.push(session.substr(0, static_cast<std::size_t>(times) % (session.size() + 1)));
+    if (++times % 2 == 0) client.reset();
+  });
+  EXPECT_GT(times, static_cast<int>(session.size()));
+  Client late(port, 202);
+  late.login("Late");
+  EXPECT_NE(late.readUntil(wire::msgLoginAccepted), "nothing");
+}
+
+TEST_F(Hostile, AThousandPlayersComeAndGo) {
+  constexpr int comings = 1'000;
+  const auto comeAndGo = [&](int i) {
+    Client client(port, static_cast<std::uint32_t>(2 + i % 190));
+    client.login("Again");
+    EXPECT_NE(client.readUntil(wire::msgLoginAccepted), "nothing") << i;
+    if (i % 2 == 0) client.push(std::string(1, wire::frameStart) + static_cast<char>(wire::msgChat));
+    if (i % 3 == 0) client.reset();
+  };
+  int count = 0;
+  while (count < 100) comeAndGo(count++);
+  const std::size_t before = residentMebibytes();
+  const auto descriptors = openDescriptors();
+  expectPlay([&](int i) {
+    while (count < 100 + (comings - 100) * (i + 1) / steps && !HasFailure()) comeAndGo(count++);
+  });
+  EXPECT_EQ(count, comings);
+  EXPECT_LT(residentMebibytes(), before + 4);
+  EXPECT_LE(openDescriptors(), descriptors + 2) << "the last ones may be on their way out";
 }
 
 TEST_F(Hostile, HalfFramesAreWaitedForTenSecondsAndCostNothing) {
