@@ -1,0 +1,516 @@
+"""A server of ill will before the real window. Whatever it sends, the window answers, the process keeps within its
+memory, and afterwards a game is joined and played in the same process. The bounds stand in docs/reliability.md.
+
+KELVORA_HOSTILE_MIB is how much the endless streams send, 64 unless it is told; KELVORA_HOSTILE_RECONNECTS how often the
+client comes back, 60 unless it is told."""
+
+import os
+import re
+import socket
+import struct
+import threading
+import time
+import unittest
+
+import harness
+from harness import (CHAT, END, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION, SEPARATOR,
+                     START, frame, wait_for)
+from test_webhost import UPDATE_FILE, WebHost
+
+ENDLESS_MIB = int(os.environ.get("KELVORA_HOSTILE_MIB", "64"))
+RECONNECTS = int(os.environ.get("KELVORA_HOSTILE_RECONNECTS", "60"))
+MIB = 1 << 20
+PLAYER_LEFT, TAIL_CAPTURE, FUNDS, SPAWN_DENIED, RESPAWN, POWERUP_ON = 140, 141, 148, 153, 154, 156
+
+# What the process may come to hold beyond what it held in the game before, in MiB: of a stream that is no message the
+# socket's read buffer and the queue's share; of messages what the world may keep of them.
+STREAM_MIB, WORLD_MIB = 16, 128
+# However often the dialog has come and gone: the toolkit keeps 10 MiB of pictures of what it has painted.
+RECONNECT_MIB = 16
+# Seconds from a key to the chat line that it sends, on a machine that does other things as well.
+ANSWER = 10.0
+MOST_BOXES = 16
+
+GREEN, RED, GREY = (128, 255, 128), (255, 128, 128), (128, 128, 128)
+BOX = "Kelvora"
+SCREEN = (1280, 1024)
+SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "network")
+
+
+def client_messages():
+    """The messages that the client understands, read from its own table: the id with the types of its fields."""
+    with open(os.path.join(SOURCES, "wire", "wireFormat.h")) as file:
+        ids = {name: int(number) for name, number in re.findall(r"(msg\w+) = (\d+)", file.read())}
+    with open(os.path.join(SOURCES, "dispatch.cpp")) as file:
+        source = file.read()
+    table = source[source.index("constexpr Route table[]"):source.index("std::span<const Route> routes()")]
+    messages = {}
+    for row in table.split("{wire::")[1:]:
+        name, body = re.match(r"(msg\w+),\s*(.*)", row, re.S).groups()
+        handler = re.match(r"\w+", body)
+        if handler:
+            body = re.search(r"void %s\(Fields f\) \{(.*?)\n\}" % handler[0], source, re.S)[1]
+        found = re.findall(r"f\.(text|int16|int32|single|real)\((\d+)\)", body)
+        types = dict((int(index), kind) for kind, index in found)
+        messages[ids[name]] = [types[index] for index in range(len(types))]
+    return messages
+
+
+class Attack:
+    """Sends a portion again and again from a thread of its own, as fast as it is taken."""
+
+    def __init__(self, line, portion, total=None):
+        self.portion, self.total = portion, total
+        self.sent, self.seconds = 0, 0.0
+        self.stopping = False
+        self.error = None
+        # A socket object of its own: the reader changes the time limit of his all the while.
+        self.socket = line.socket.dup()
+        self.socket.settimeout(60)
+        self.thread = threading.Thread(target=self.run, daemon=True)
+        self.thread.start()
+
+    def run(self):
+        begin = time.monotonic()
+        try:
+            while not self.stopping and (self.total is None or self.sent < self.total):
+                self.socket.sendall(self.portion)
+                self.sent += len(self.portion)
+        except OSError as error:
+            self.error = error
+        self.seconds = time.monotonic() - begin
+
+    def is_over(self):
+        return not self.thread.is_alive()
+
+    def stop(self):
+        self.stopping = True
+        self.thread.join(70)
+        self.socket.close()
+        if self.error:
+            raise self.error
+
+
+class HostileTest(harness.DesktopTest):
+
+    def setUp(self):
+        self.longest = 0.0
+
+    # What holds under every attack.
+
+    def peak(self, client):
+        """MiB that the process has held at the most since `begin_attack`."""
+        with open(f"/proc/{client.process.pid}/status") as file:
+            return int(re.search(r"VmHWM:\s+(\d+)", file.read())[1]) / 1024
+
+    def begin_attack(self, client):
+        with open(f"/proc/{client.process.pid}/clear_refs", "w") as file:
+            file.write("5")
+        self.before = self.peak(client)
+        self.take_keys(client)
+
+    def take_keys(self, client):
+        """The chat line has the keys from here on."""
+        client.window.activate()
+        client.mouse_to(300, 300)
+        self.display.xdotool("click", 1)
+
+    def assert_answers(self, line):
+        """A key that is pressed now sends its line in time. Returns the ids of the frames that came with it."""
+        begin = time.monotonic()
+        self.display.xdotool("key", "x", "Return")
+        identifiers = []
+        while CHAT not in identifiers:
+            received = line.recv_frame(ANSWER)
+            self.assertIsNotNone(received, "the client has closed the line")
+            identifiers.append(received[0])
+        seconds = time.monotonic() - begin
+        self.longest = max(self.longest, seconds)
+        self.assertLess(seconds, ANSWER)
+        return identifiers
+
+    def await_all_read(self, line, answers=None):
+        """Until the client has taken in everything that was sent: it answers a ping again. Of the pings that two of its
+        reads share none is heard, so that there are several. Keys are answered all the while."""
+        answers = answers or self.assert_answers
+        line.send(PING, 1)
+        while PING_REPLY not in answers(line):
+            line.send(PING, 1)
+        line.frames_during(0.5)
+
+    def assert_within(self, client, mebibytes):
+        peak = self.peak(client)
+        self.figure = f"{peak - self.before:.1f} MiB more, keys answered within {self.longest:.2f} s"
+        print(f"[{self._testMethodName}: {self.figure}]", end=" ", flush=True)
+        self.assertLess(peak - self.before, mebibytes)
+        self.assertIsNone(client.process.poll())
+
+    def assert_plays_on(self, client, line=None):
+        """The same process joins a game of the real server, is seen there to fly, and has its chat heard."""
+        if line:
+            line.close()
+        server = self.start_server()
+        watcher = harness.Line(socket.create_connection(("127.0.0.1", server.port), 5))
+        self.addCleanup(watcher.close)
+        watcher.send(LOGIN, "Watcher", "", 1, "1.2.1")
+
+        def next_of(wanted):
+            while True:
+                received = watcher.recv_frame(20)
+                self.assertIsNotNone(received)
+                if received[0] == wanted:
+                    return received[1]
+        next_of(LOGIN_ACCEPTED)
+        client.connect(server.port, name="After")
+        joined = next_of(PLAYER_JOINED)
+        while joined[2] != b"After":
+            joined = next_of(PLAYER_JOINED)
+        client.wait_for_status(GREEN)
+        client.mouse_to(600, 200)
+        client.right_click()
+        places = set()
+        while len(places) < 5:
+            node, *place = next_of(POSITION)[:3]
+            if node == joined[0]:
+                places.add(tuple(place))
+        self.display.xdotool("click", 1, "key", "h", "Return")
+        while (chat := next_of(CHAT))[0] != joined[0]:
+            pass
+        self.assertEqual(chat[1], b"h")
+
+    # The attacks.
+
+    def endless(self, head, portion, mebibytes, length=ENDLESS_MIB):
+        client, line = self.log_in()
+        self.begin_attack(client)
+        line.send_bytes(head)
+        harness.signal.alarm(90 + ENDLESS_MIB // 4)
+        attack = Attack(line, portion, length * MIB)
+        self.assert_answers(line)
+        while not attack.is_over():
+            self.assert_answers(line)
+            time.sleep(0.2)
+        attack.stop()
+        print(f"[{attack.sent / MIB:.0f} MiB in {attack.seconds:.1f} s]", end=" ", flush=True)
+        self.await_all_read(line)
+        self.assert_answers(line)
+        self.assert_within(client, mebibytes)
+        self.assert_plays_on(client, line)
+
+    def test_endless_frame_starts(self):
+        self.endless(b"", bytes([START]) * 65536, STREAM_MIB)
+
+    def test_gigabyte_without_an_end(self):
+        self.endless(bytes([START, POSITION]), b"x" * 65536, STREAM_MIB)
+
+    def test_ends_that_repeat_their_frame(self):
+        # Each end adds to its entry all that the read has brought since the start, so that a little becomes much.
+        repeated = bytes([START, CHAT]) + b"7" + bytes([SEPARATOR]) + b"x" + bytes([END]) * 1000
+        self.endless(b"", repeated * 64, WORLD_MIB, ENDLESS_MIB / 64)
+
+    def test_forty_thousand_joins(self):
+        client, line = self.log_in()
+        self.begin_attack(client)
+        # All of them alive, in sight, and with a chat line each.
+        joins = b"".join(frame(PLAYER_JOINED, 8 + n % 30000, n % 6, f"Player {n}", 50000 + n % 4000, 50000 - n % 3000, 1, 0)
+                         for n in range(1000))
+        attack = Attack(line, joins, 40 * len(joins))
+        while not attack.is_over():
+            self.assert_answers(line)
+        attack.stop()
+        self.await_all_read(line)
+        self.assert_answers(line)
+        # Messages for the last of so many, and for nobody.
+        for node in (1007, 31000):
+            line.send_bytes(frame(POSITION, node, 50000, 50000) * 20000)
+            self.assert_answers(line)
+        self.await_all_read(line)
+        self.assert_within(client, WORLD_MIB)
+        self.assert_plays_on(client, line)
+
+    def test_nodes_and_colours_out_of_range(self):
+        client, line = self.log_in()
+        self.begin_attack(client)
+        odd = ["-32769", "-32768", "-1", "6", "255", "256", "32767", "32768", "65536", "99999999999"]
+        everything = b""
+        for number in odd:
+            everything += frame(PLAYER_JOINED, number, 1, "Node", 50100, 50100, 1, number)
+            everything += frame(PLAYER_JOINED, 9, number, "Colour", 50200, 50200, 1, 0)
+            everything += frame(TAIL_CAPTURE, 7, 9, 1, 1) + frame(RESPAWN, 9)
+            for identifier in (POSITION, PLAYER_LEFT, TAIL_CAPTURE, CHAT, FUNDS, RESPAWN, POWERUP_ON, 147, 157, 161):
+                everything += frame(identifier, number, number, 50000, 50000)
+                everything += frame(identifier, 9, number, number, number)
+        line.send_bytes(everything)
+        self.await_all_read(line)
+        self.assert_answers(line)
+        for number in odd:
+            # A colour that nobody has, taken back before a frame could paint it.
+            line.send_bytes(frame(LOGIN_ACCEPTED, number, 7, 50000, 50000) +
+                            frame(LOGIN_ACCEPTED, 0, number, 50000, 50000))
+            line.frames_during(0.05)
+            self.assertIsNone(client.process.poll(), number)
+        line.send_bytes(everything)
+        self.await_all_read(line)
+        self.assert_answers(line)
+        self.assert_within(client, WORLD_MIB)
+        self.assert_plays_on(client, line)
+
+    def test_no_number_and_infinity_in_every_field(self):
+        client, line = self.log_in()
+        self.begin_attack(client)
+        values = ["nan", "-nan", "inf", "-inf", "infinity", "1e999", "-1e999", "1e308", "-1e308", "3.4e38", "-3.4e38",
+                  "3.5e38", "1e-400", "1e-40", "2147483647", "-2147483648", "2147483648", "99999.99", "-1", "",
+                  "word", ".", "-", "+", "e5", "1e", "0x7f", "9" * 400, "." + "0" * 400 + "1"]
+        usual = {"text": "Bob", "int16": "1", "int32": "1", "single": "50010.5", "real": "5"}
+        count = 0
+        line.send(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
+        for identifier, types in client_messages().items():
+            for field, kind in enumerate(types):
+                if kind == "text":
+                    continue
+                for value in values:
+                    # Own node, an opponent's, nobody's; with the colour of a login it is another matter.
+                    for node in ("7", "8", "99") if types[0] == "int16" and identifier != LOGIN_ACCEPTED else ("1",):
+                        fields = [usual[kind] for kind in types]
+                        fields[0] = node
+                        fields[field] = value
+                        if (identifier, field, value) == (LOGIN_ACCEPTED, 0, "-1"):
+                            continue
+                        line.send(identifier, *fields)
+                        count += 1
+                # The frames between see to it that what came in is moved and painted.
+                line.frames_during(0.03)
+                self.assertIsNone(client.process.poll(), f"field {field} of {identifier}: {client.output()}")
+                self.assertEqual(client.output(), "", f"field {field} of {identifier}")
+        self.assertGreater(count, 3000)
+        self.await_all_read(line)
+        self.assert_answers(line)
+        self.assert_within(client, WORLD_MIB)
+        self.assert_plays_on(client, line)
+
+    def test_longest_texts(self):
+        client, line = self.log_in()
+        self.begin_attack(client)
+        for identifier, types in client_messages().items():
+            if identifier == LOGIN_DENIED or "text" not in types:
+                continue
+            for text in ("x" * 60000, "word " * 12000, "\n" * 60000):
+                usual = {"text": text, "int16": "1", "int32": "1", "single": "50010.5", "real": "5"}
+                # Alone, so that one read has the whole of it.
+                line.frames_during(0.1)
+                line.send(identifier, *[usual[kind] for kind in types])
+                self.assert_answers(line)
+        self.assert_within(client, WORLD_MIB)
+        self.assert_plays_on(client, line)
+
+    def boxes(self, client):
+        """The message boxes that stand, over one another: all windows but the main one."""
+        found = self.display.xdotool("search", "--onlyvisible", "--pid", client.process.pid, "--name", f"^{BOX}$")
+        return set(found.split()) - {client.window.identifier}
+
+    def close_boxes(self, client):
+        """One Enter a box, each of which must do its work in time."""
+        while before := len(self.boxes(client)):
+            self.display.xdotool("key", "Return")
+            begin = time.monotonic()
+            wait_for(lambda: len(self.boxes(client)) < before, "the end of a box", ANSWER)
+            self.longest = max(self.longest, time.monotonic() - begin)
+
+    def test_flood_while_a_box_stands(self):
+        client, line = self.log_in()
+        self.begin_attack(client)
+        line.send(SPAWN_DENIED)
+        wait_for(lambda: self.boxes(client), "a box")
+        flood = b"".join(frame(POSITION, 7, 50000 + n, 50000) + frame(CHAT, 7, "hello") + frame(SPAWN_DENIED) +
+                         frame(POSITION, 8, 50000, 50000 + n) + bytes([START]) for n in range(100))
+        flood += frame(PLAYER_JOINED, 8, 1, "Bob", 50000, 50000, 1, 0)
+        attack = Attack(line, flood, 8 * MIB)
+        while not attack.is_over():
+            time.sleep(0.1)
+        attack.stop()
+        # The keys are the box's now.
+        self.await_all_read(line, lambda line: [identifier for identifier, _ in line.frames_during(0.3)])
+        self.assertLessEqual(len(self.boxes(client)), MOST_BOXES)
+        self.close_boxes(client)
+        self.take_keys(client)
+        self.assert_answers(line)
+        self.assert_within(client, WORLD_MIB)
+        self.assert_plays_on(client, line)
+
+    def test_longest_box_stands_on_the_screen(self):
+        client = self.start_client()
+        for reason in ("x" * 60000, "word " * 12000, "\n" * 60000):
+            server = self.scripted_server()
+            client.connect(server.port)
+            line = server.accept()
+            line.recv_frame()
+            cpu = client.cpu_seconds()
+            line.send(LOGIN_DENIED, reason)
+            box = client.wait_for_other_window()
+            left, top, width, height = box.geometry()
+            self.assertGreaterEqual(min(left, top), 0)
+            self.assertLessEqual(left + width, SCREEN[0])
+            self.assertLessEqual(top + height, SCREEN[1])
+            box.activate()
+            self.display.xdotool("key", "Return")
+            client.wait_for_window("Connect")
+            self.assertLess(client.cpu_seconds() - cpu, 2.0)
+        self.assert_plays_on(client)
+
+    def test_capture_for_nobody(self):
+        client, line = self.log_in()
+        self.begin_attack(client)
+        captures = [frame(TAIL_CAPTURE, winner, loser, *place)
+                    for winner in (7, 8, 9, 99, -1, 0) for loser in (7, 8, 9, 99, -1, 0)
+                    for place in ((50000, 50000), (1, 1), (-5, 1e38), ("nan", ""))]
+        line.send_bytes(b"".join(captures))  # nobody is there
+        self.await_all_read(line)
+        self.assert_answers(line)
+        line.send(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
+        line.send(POSITION, 7, 50000.5, 50000)
+        everything = b"".join(captures) + b"".join(frame(TAIL_CAPTURE, 7, 99, 50000.5, 50000) for _ in range(100))
+        for node in (7, 8):
+            everything += frame(RESPAWN, node) + frame(PLAYER_LEFT, 99)
+        for _ in range(20):
+            line.send_bytes(everything)
+        self.await_all_read(line)
+        self.assert_answers(line)
+        self.assert_within(client, WORLD_MIB)
+        self.assert_plays_on(client, line)
+
+    def test_closing_in_mid_frame(self):
+        client = self.start_client()
+        whole = frame(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
+        for cut in (1, 2, 3, len(whole) - 1):
+            client, line = self.log_in(client)
+            line.send_bytes(whole[:cut])
+            line.close()
+            client.wait_for_window("Connect")
+        # What was missing comes from the next server, and does no more than be lost.
+        client, line = self.log_in(client)
+        line.send_bytes(whole[-1:] + whole[2:])
+        self.begin_attack(client)
+        self.await_all_read(line)
+        self.assert_answers(line)
+        # A reset is an end like any other.
+        line.send_bytes(whole[:5])
+        line.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+        line.close()
+        client.wait_for_window("Connect")
+        self.assert_within(client, STREAM_MIB)
+        self.assert_plays_on(client)
+
+    def disconnect(self, client):
+        """File, Disconnect: the item above it is greyed out and passed over."""
+        client.window.click(20, client.menu // 2)
+        self.display.xdotool("sleep", "0.3", "key", "Down", "key", "Return")
+        client.wait_for_window("Connect")
+
+    def test_server_that_never_speaks_is_left_for_another(self):
+        client = self.start_client()
+        silent = self.scripted_server()
+        client.connect(silent.port)
+        line = silent.accept()
+        line.recv_frame()
+        client.wait_for_status(GREEN)
+        self.begin_attack(client)
+        self.assert_answers(line)
+        client.resize(800, 600)
+        client.resize(*harness.CLIENT_AREA)
+        self.disconnect(client)
+        self.assertIsNone(line.recv_frame(5))
+        client.wait_for_status(RED)
+        self.assert_within(client, STREAM_MIB)
+        self.assert_plays_on(client)
+
+    def test_server_that_never_speaks_is_closed_with_the_window(self):
+        client = self.start_client()
+        silent = self.scripted_server()
+        client.connect(silent.port)
+        wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
+        client.window.activate()
+        self.display.xdotool("key", "alt+F4")
+        self.assertEqual(client.process.wait(5), 0)
+
+    def test_reconnections_leave_nothing_behind(self):
+        harness.signal.alarm(90 + RECONNECTS)
+        client = self.start_client()
+        server = self.scripted_server()
+        client.connect(server.port)
+
+        def come_back(times):
+            for n in range(times):
+                line = server.accept()
+                while (login := line.recv_frame()) is None:
+                    line.close()
+                    line = server.accept()
+                self.assertEqual(login[0], LOGIN)
+                line.send(LOGIN_ACCEPTED, n % 6, 7, 50000, 50000)
+                if n % 2:
+                    line.send_bytes(bytes([START, POSITION]) + b"8")
+                line.close()
+                server.lines.clear()
+
+        def descriptors():
+            return len(os.listdir(f"/proc/{client.process.pid}/fd"))
+        # The dialog comes up filled in and asks for no more than Enter, which is pressed all the while, also before the
+        # dialog has closed: what it has begun is then begun anew.
+        keys = harness.subprocess.Popen(["xdotool", "key", "--repeat", "1000000", "--repeat-delay", "80", "Return"],
+                                        env=self.display.environment)
+        self.addCleanup(harness.stop, keys)
+        come_back(20)
+        memory, open_before = client.memory(), descriptors()
+        begin = time.monotonic()
+        come_back(RECONNECTS)
+        seconds = time.monotonic() - begin
+        grown, opened = (client.memory() - memory) / MIB, descriptors() - open_before
+        harness.stop(keys)
+        print(f"[{RECONNECTS} in {seconds:.1f} s: {grown:.2f} MiB, {opened} descriptors]", end=" ", flush=True)
+        self.assertLess(grown, RECONNECT_MIB)
+        self.assertLessEqual(opened, 1)
+        self.assert_plays_on(client)
+
+    def test_login_in_a_colour_that_nobody_has_ends_the_program_with_its_box(self):
+        client, line = self.log_in()
+        line.send(LOGIN_ACCEPTED, 6, 7, 50000, 50000)
+        self.assert_fault(client, "Subscript out of range")
+
+    def assert_fault(self, client, what):
+        box = client.wait_for_other_window()
+        box.activate()
+        self.display.xdotool("key", "Return")
+        self.assertEqual(client.process.wait(5), 1)
+        self.assertEqual(client.output().strip(), f"kelvora: Run-time error: {what}")
+
+    def test_end_ahead_of_every_frame_ends_the_program_with_its_box(self):
+        client = self.start_client()
+        server = self.scripted_server()
+        client.connect(server.port)
+        line = server.accept()
+        line.recv_frame()
+        line.send_bytes(b"x" * MIB + bytes([END]))
+        self.assert_fault(client, "Subscript out of range")
+
+    def test_megabyte_of_a_version_from_the_web_host(self):
+        host = WebHost()
+        self.addCleanup(host.close)
+        client = self.start_client(web_host=host.name)
+        request = host.request_for(b"ver.txt")
+        cpu = client.cpu_seconds()
+        request.send(UPDATE_FILE % (b"1" * 1000000))
+        request.close()
+        box = client.wait_for_other_window()
+        left, top, width, height = box.geometry()
+        self.assertLessEqual(left + width, SCREEN[0])
+        self.assertLessEqual(top + height, SCREEN[1])
+        seconds = client.cpu_seconds() - cpu
+        print(f"[{seconds:.2f} s of the processor]", end=" ", flush=True)
+        self.assertLess(seconds, 1.5)
+        box.activate()
+        self.display.xdotool("key", "Return")
+        wait_for(lambda: BOX not in client.windows(), "the end of the box")
+        self.assert_plays_on(client)
+
+
+if __name__ == "__main__":
+    unittest.main()
