@@ -3,7 +3,7 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <ctime>
 #include <fstream>
@@ -49,10 +49,20 @@ void count(std::string_view frames, std::map<int, int>& byId) {
   }
 }
 
-/// By the sizes of the elements alone.
+/// What a deque takes of the heap: a table of eight and pieces of 512 bytes, each with the allocator's 16 bytes.
+template <class Element>
+std::int64_t bytesOf(const std::deque<Element>& elements) {
+  constexpr std::size_t inPiece = std::max<std::size_t>(512 / sizeof(Element), 1);
+  const std::size_t pieces = elements.size() / inPiece + 1;
+  return static_cast<std::int64_t>(8 * std::max<std::size_t>(pieces + 2, 8) + 16 +
+                                   pieces * (inPiece * sizeof(Element) + 16));
+}
+
+/// And the names of vertices, which are too long for the strings themselves.
 std::int64_t bytesOf(const clsPlayer& player) {
-  return static_cast<std::int64_t>(sizeof(clsPlayer) + player.tails.size() * sizeof(clsTail) +
-                                   player.positionQueue.size() * sizeof(Vector));
+  std::size_t names = 0;
+  for (const clsTail& vertex : player.tails) names += (vertex.tailID().capacity() + 1 + 8 + 15) / 16 * 16;
+  return bytesOf(player.tails) + bytesOf(player.positionQueue) + static_cast<std::int64_t>(names);
 }
 
 }  // namespace
@@ -263,9 +273,9 @@ LongPlay::Figures LongPlay::figures() {
   Figures figures;
   const auto heap = ::mallinfo2();
   figures.heapBytes = static_cast<std::int64_t>(heap.uordblks + heap.hblkhd);
-  figures.keptBytes = bytesOf(modMain::localPlayer);
+  figures.keptBytes = bytesOf(modMain::localPlayer) + bytesOf(modMain::opponents) + bytesOf(modMain::netParticles);
   for (const clsPlayer& opponent : modMain::opponents) figures.keptBytes += bytesOf(opponent);
-  figures.keptBytes += static_cast<std::int64_t>(modMain::netParticles.size() * sizeof(clsParticle));
+  for (const clsParticle& particle : modMain::netParticles) figures.keptBytes += bytesOf(particle.positionQueue);
   std::ifstream memory("/proc/self/statm");
   std::int64_t pages = 0;
   memory >> pages >> pages;

@@ -88,7 +88,6 @@ class LongPlay : public GameTest, private server::ArenaOutput {
   std::optional<server::FrameReader> reader_;
   std::string toUs_;
   std::deque<std::string> underWay_;  // what the arena sent, a frame's worth each
-  bool isHungUp_ = false;
   int frame_ = 0;
   int end_ = 0;
   bool isInPass_ = false;
