@@ -2,10 +2,10 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QDateTime>
 #include <QFile>
 #include <QMessageBox>
 #include <QPixmapCache>
-#include <QTime>
 #include <cstdlib>
 
 #include "platform/form.h"
@@ -43,8 +43,16 @@ Tick QtDesktop::tickCount() {
   return first + sinceStart_.elapsed();
 }
 
+// Every player asks in every frame, and asking the system for the local time looks a file up; within one second of the
+// clock the answer is worked out from the last one.
 float QtDesktop::secondsSinceMidnight() {
-  return static_cast<float>(QTime::currentTime().msecsSinceStartOfDay() / 1000.0);
+  constexpr qint64 second = 1000;
+  const qint64 now = QDateTime::currentMSecsSinceEpoch();
+  if (now / second != askedSecond_) {
+    askedSecond_ = now / second;
+    secondOfDay_ = QDateTime::fromSecsSinceEpoch(askedSecond_).time().msecsSinceStartOfDay() / second;
+  }
+  return static_cast<float>(static_cast<double>(secondOfDay_ * second + now % second) / second);
 }
 
 void QtDesktop::messageBox(const std::string& text) {

@@ -49,6 +49,8 @@ class QtDesktop : public Backend {
 
   std::string commandLine_;
   QElapsedTimer sinceStart_;
+  qint64 askedSecond_ = -1;  ///< of the system's clock, when the local time was last asked for
+  qint64 secondOfDay_ = 0;   ///< what it was
   RandomGenerator generator_;
   QtSettings settings_;
   std::shared_ptr<SoundMixer> mixer_ = std::make_shared<SoundMixer>();

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QPixmapCache>
+#include <QTime>
 #include <algorithm>
 #include <chrono>
 
@@ -57,6 +58,23 @@ TEST(Desktop, KeepsNoMoreThanAMegabyteOfWhatTheStyleHasDrawn) {
 TEST(Desktop, SecondsSinceMidnightStayWithinADay) {
   EXPECT_GE(Timer(), 0.0F);
   EXPECT_LT(Timer(), 86400.0F);
+}
+
+TEST(Desktop, SecondsSinceMidnightAreTheSystemsLocalTime) {
+  QtDesktop desktop("");
+  const auto start = std::chrono::steady_clock::now();
+  int compared = 0;
+  while (std::chrono::steady_clock::now() - start < std::chrono::milliseconds(1'100)) {
+    const int before = QTime::currentTime().msecsSinceStartOfDay();
+    const float seconds = desktop.secondsSinceMidnight();
+    const int after = QTime::currentTime().msecsSinceStartOfDay();
+    if (after < before) continue;  // midnight
+    // A float holds the second of a day to 1/128.
+    ASSERT_GE(seconds, before / 1000.0 - 0.008);
+    ASSERT_LE(seconds, after / 1000.0 + 0.008);
+    ++compared;
+  }
+  EXPECT_GT(compared, 100);
 }
 
 TEST(Desktop, CommandLineIsWhatStandsBehindTheProgram) { EXPECT_EQ(commandLine(), "NoSound"); }
