@@ -12,10 +12,16 @@ namespace kelvora {
 SettingsTurn::SettingsTurn(const std::string& folder)
     : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
   if (folder_ < 0) return;
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-  while (::flock(folder_, LOCK_EX | LOCK_NB) != 0 && std::chrono::steady_clock::now() < deadline) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  using std::chrono::milliseconds;
+  static bool isSomebodyHanging = false;  // and has been waited for
+  const auto deadline = std::chrono::steady_clock::now() + milliseconds(isSomebodyHanging ? 20 : 2'000);
+  const auto take = [this] { return ::flock(folder_, LOCK_EX | LOCK_NB) == 0; };
+  bool isTaken = take();
+  while (!isTaken && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(milliseconds(1));
+    isTaken = take();
   }
+  isSomebodyHanging = !isTaken;
 }
 
 SettingsTurn::~SettingsTurn() {
