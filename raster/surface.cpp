@@ -104,12 +104,14 @@ void restoreRows(Rectangle area, int column, int row, const Picture& picture, Pi
 void Surface::resize(int width, int height) {
   width_ = std::max(0, width);
   height_ = std::max(0, height);
-  pixels_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+  pixels_ = {};  // two large images at once would be one too many
+  pixels_ = PixelStore(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+  clearedTo_ = 0;
   wordsAcross_ = roundedUp(width_, wordWidthBits);
-  touched_.resize(static_cast<std::size_t>(wordsAcross_) *
-                  static_cast<std::size_t>(roundedUp(height_, tileHeightBits)));
+  touched_.assign(static_cast<std::size_t>(wordsAcross_) * static_cast<std::size_t>(roundedUp(height_, tileHeightBits)),
+                  0);
   smallDiscs_.clear();
-  touchAll();
+  if (background_) touchAll();
   Cls();
 }
 

@@ -7,6 +7,7 @@
 
 #include "raster/font.h"
 #include "raster/picture.h"
+#include "raster/pixelStore.h"
 #include "raster/twips.h"
 
 namespace kelvora {
@@ -37,7 +38,7 @@ class Surface {
   void resize(int width, int height);
   int pixelWidth() const { return width_; }
   int pixelHeight() const { return height_; }
-  std::span<const Pixel> pixels() const { return pixels_; }
+  std::span<const Pixel> pixels() const { return pixels_.all(); }
 
   /// The background that `Cls` restores at the top left corner; null for none. Clears at once.
   void setBackground(PicturePointer picture);
@@ -89,7 +90,7 @@ class Surface {
 
   int width_ = 0;
   int height_ = 0;
-  std::vector<Pixel> pixels_;
+  PixelStore pixels_;
   // One bit a tile, each row of tiles in whole words: something was drawn there since the last Cls. What was not
   // touched is clear already.
   std::vector<std::uint64_t> touched_;

@@ -1,6 +1,7 @@
 #include "platform/qt/gameLooks.h"
 
 #include <QApplication>
+#include <QIconEngine>
 #include <QProxyStyle>
 
 #include "platform/qt/qtFonts.h"
@@ -10,6 +11,25 @@ namespace kelvora {
 
 namespace {
 
+/// What the style draws at the end of a menu that has no room. Every menu asks for it and hardly any shows it, and to
+/// read it takes all of the toolkit's readers of pictures.
+class OverflowIcon : public QIconEngine {
+ public:
+  void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State state) override {
+    icon().paint(painter, place, Qt::AlignCenter, mode, state);
+  }
+  QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+    return icon().pixmap(size, mode, state);
+  }
+  QIconEngine* clone() const override { return new OverflowIcon; }
+
+ private:
+  static QIcon icon() {
+    const auto* style = qobject_cast<const QProxyStyle*>(QApplication::style());
+    return style ? style->baseStyle()->standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton) : QIcon();
+  }
+};
+
 class GameStyle : public QProxyStyle {
  public:
   GameStyle() : QProxyStyle("Fusion") {}
@@ -18,6 +38,11 @@ class GameStyle : public QProxyStyle {
                 QStyleHintReturn* answer) const override {
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
     return QProxyStyle::styleHint(hint, option, widget, answer);
+  }
+
+  QIcon standardIcon(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const override {
+    if (picture == SP_ToolBarHorizontalExtensionButton) return QIcon(new OverflowIcon);
+    return QProxyStyle::standardIcon(picture, option, widget);
   }
 };
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/qt/codePage.h"
+#include "platform/qt/fontsAhead.h"
 #include "platform/qt/gameLooks.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/processFaults.h"
@@ -35,7 +36,9 @@ int runDesktop(int argc, char** argv, void (*game)()) {
   const std::string commandLine = joinedArguments(argc, argv);
   chooseWindowSystem();
   std::optional<ScreenSearch> search(std::in_place);
+  std::optional<FontsAhead> fonts(std::in_place);
   QApplication application(argc, argv);
+  fonts.reset();
   search.reset();
   tellWhatIsMissing();
   // The toolkit takes over the user's locale; numbers in texts keep their point.

@@ -4,6 +4,8 @@
 #include <QImage>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
+#include <QProxyStyle>
 #include <QStyle>
 #include <cmath>
 
@@ -137,6 +139,25 @@ TEST_F(Looks, PixelsOfTheGameKeepTheirShareAtABrokenScale) {
   EXPECT_EQ(greys(shownAt(form_.box, 1)), 0);
   EXPECT_EQ(greys(shownAt(form_.box, 2)), 0);
   EXPECT_GT(greys(shownAt(form_.box, 1.5)), 15);
+}
+
+TEST(GameLooks, AMenuWithoutRoomHasTheStylesOwnMark) {
+  installGameLooks();
+  const QIcon mark = QApplication::style()->standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton);
+  const auto* style = qobject_cast<const QProxyStyle*>(QApplication::style());
+  ASSERT_NE(style, nullptr);
+  const QIcon own = style->baseStyle()->standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton);
+  ASSERT_FALSE(own.isNull());
+  EXPECT_FALSE(mark.isNull());
+  EXPECT_EQ(mark.pixmap(12, 12).toImage(), own.pixmap(12, 12).toImage());
+  QImage drawn(12, 12, QImage::Format_ARGB32_Premultiplied);
+  QImage expected = drawn;
+  for (auto [icon, image] : {std::pair(&mark, &drawn), std::pair(&own, &expected)}) {
+    image->fill(Qt::transparent);
+    QPainter painter(image);
+    icon->paint(&painter, image->rect());
+  }
+  EXPECT_EQ(drawn, expected);
 }
 
 }  // namespace

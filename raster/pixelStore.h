@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <span>
+
+#include "raster/picture.h"
+
+namespace kelvora {
+
+/// An image's pixels, black at first. The system hands out black memory by itself and only where it is touched, so that
+/// a large image costs nothing before it is drawn on.
+class PixelStore {
+ public:
+  PixelStore() = default;
+  explicit PixelStore(std::size_t size) : pixels_(static_cast<Pixel*>(std::calloc(size, sizeof(Pixel)))), size_(size) {
+    if (!pixels_ && size > 0) throw std::bad_alloc();
+  }
+
+  Pixel* data() { return pixels_.get(); }
+  std::span<const Pixel> all() const { return {pixels_.get(), size_}; }
+
+ private:
+  struct Release {
+    void operator()(Pixel* pixels) const { std::free(pixels); }
+  };
+
+  std::unique_ptr<Pixel[], Release> pixels_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace kelvora
