@@ -48,4 +48,10 @@ IntervalTimer::IntervalTimer(Control* container, int intervalMs)
       Interval(*this, PropertyId::Interval, intervalMs),
       Enabled(*this, PropertyId::Enabled, true) {}
 
+void IntervalTimer::wake() {
+  if (!isResting) return;
+  isResting = false;
+  notifyPeer(*this, PropertyId::Interval);
+}
+
 }  // namespace kelvora

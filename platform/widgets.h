@@ -120,6 +120,12 @@ class IntervalTimer : public Control {
   Property<int> Interval;  ///< ms
   Property<bool> Enabled;
   std::function<void()> Timer;
+
+  /// Tells that the handler will find nothing to do before `wake` is called. The desktop asks behind each tick, and
+  /// then spares the machine the ticks until then; the next one comes an interval after the waking.
+  std::function<bool()> mayRest;
+  void wake();
+  bool isResting = false;  ///< set by the peer
 };
 
 }  // namespace kelvora

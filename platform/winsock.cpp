@@ -9,6 +9,7 @@ Winsock::Winsock() : peer_(backend().createSocket(*this)) {}
 
 void Winsock::Connect() {
   if (State() != sckClosed) throw RuntimeFault("Wrong protocol or connection state for the requested transaction");
+  if (onStart) onStart();
   peer_->connect(RemoteHost, RemotePort);
 }
 

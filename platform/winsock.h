@@ -55,6 +55,7 @@ class Winsock {
   void SendData(std::string_view data);
   std::string GetData() { return peer_->take(); }
 
+  std::function<void()> onStart;  ///< inside Connect: from here on the state changes by itself
   std::function<void()> onConnect;
   std::function<void()> onClose;  ///< the other side closed
   std::function<void()> onDataArrival;

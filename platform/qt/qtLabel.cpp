@@ -74,6 +74,8 @@ class LabelPeer : public WidgetPeer {
 
  protected:
   void show(PropertyId id) override {
+    if (id == PropertyId::Caption && !note(caption_, label_.Caption.get())) return;
+    if (id == PropertyId::BackColor && !note(back_, label_.BackColor.get())) return;
     if (id == PropertyId::Caption || id == PropertyId::FontSize) followCaption();
     widget()->update();
   }
@@ -87,7 +89,17 @@ class LabelPeer : public WidgetPeer {
     widget()->setGeometry(pixelPlace(label_));
   }
 
+  /// The game says the same again and again, once a second or once a frame. True if it is something new.
+  template <class T>
+  static bool note(T& shown, const T& value) {
+    if (shown == value) return false;
+    shown = value;
+    return true;
+  }
+
   Label& label_;
+  std::string caption_ = label_.Caption.get();
+  Colour back_ = label_.BackColor.get();
 };
 
 }  // namespace

@@ -11,14 +11,22 @@ namespace {
 class TimerPeer : public Peer {
  public:
   explicit TimerPeer(IntervalTimer& timer) : timer_(timer) {
-    QObject::connect(&ticker_, &QTimer::timeout, &ticker_, [this] { raiseEvent(timer_, timer_.Timer); });
+    QObject::connect(&ticker_, &QTimer::timeout, &ticker_, [this] { tick(); });
     follow();
   }
 
   void changed(PropertyId) override { follow(); }
 
  private:
+  void tick() {
+    raiseEvent(timer_, timer_.Timer);
+    if (!timer_.mayRest || !timer_.mayRest()) return;
+    timer_.isResting = true;
+    ticker_.stop();
+  }
+
   void follow() {
+    timer_.isResting = false;
     if (timer_.Enabled && timer_.Interval > 0) {
       ticker_.start(timer_.Interval);
     } else {

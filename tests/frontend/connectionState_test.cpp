@@ -57,6 +57,20 @@ TEST_F(ConnectionState, IsRefreshedEverySecond) {
   EXPECT_EQ(shownState(), "Error");
 }
 
+TEST_F(ConnectionState, TimerMayRestOnlyWhereNoStateChangesByItself) {
+  for (int state = sckClosed; state <= sckError; ++state) {
+    server().setState(state);
+    EXPECT_EQ(frmMain->tmrCheckNetStatus.mayRest(), state == sckClosed || state == sckError) << state;
+  }
+}
+
+TEST_F(ConnectionState, TimerIsWokenByTheSocketThatConnects) {
+  frmMain->Show();
+  frmMain->tmrCheckNetStatus.isResting = true;
+  frmMain->sock.Connect();
+  EXPECT_FALSE(frmMain->tmrCheckNetStatus.isResting);
+}
+
 TEST_F(ConnectionState, IsRefreshedAtTheConnectionBeforeTheLoginGoesOut) {
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 2);
   server().acceptConnection();

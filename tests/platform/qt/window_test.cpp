@@ -270,6 +270,55 @@ TEST_F(Window, TimerFollowsItsProperties) {
   EXPECT_EQ(ticks, before);
 }
 
+TEST_F(Window, ATimerThatMayRestStandsUntilItIsWoken) {
+  slot_->Show();
+  int ticks = 0;
+  bool mayRest = false;
+  slot_->timer.Timer = [&ticks] { ++ticks; };
+  slot_->timer.mayRest = [&mayRest] { return mayRest; };
+  ASSERT_TRUE(serveUntil([&ticks] { return ticks > 2; }));
+  mayRest = true;
+  ASSERT_TRUE(serveUntil([this] { return slot_->timer.isResting; }));
+  const int before = ticks;
+  const QDeadlineTimer while_(20);
+  serveUntil([&while_] { return while_.hasExpired(); });
+  EXPECT_EQ(ticks, before);
+  mayRest = false;
+  slot_->timer.wake();
+  EXPECT_TRUE(serveUntil([&ticks, before] { return ticks > before + 2; }));
+  EXPECT_FALSE(slot_->timer.isResting);
+}
+
+/// Counts the paintings of a widget.
+class PaintCounter : public QObject {
+ public:
+  int paintings = 0;
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    paintings += event->type() == QEvent::Paint ? 1 : 0;
+    return QObject::eventFilter(watched, event);
+  }
+};
+
+TEST_F(Window, ALabelThatSaysTheSameAgainIsNotPaintedAgain) {
+  slot_->Show();
+  PaintCounter counter;
+  widgetOf(slot_->label).installEventFilter(&counter);
+  ASSERT_TRUE(serveUntil([&counter] { return counter.paintings > 0; }));
+  const auto paintingsOf = [&counter](const std::function<void()>& change) {
+    counter.paintings = 0;
+    change();
+    const QDeadlineTimer while_(20);
+    serveUntil([&while_] { return while_.hasExpired(); });
+    return counter.paintings;
+  };
+  paintingsOf([] {});  // what the showing still brings
+  EXPECT_EQ(paintingsOf([this] { slot_->label.Caption = "label"; }), 0);
+  EXPECT_EQ(paintingsOf([this] { slot_->label.Caption = "other"; }), 1);
+  EXPECT_EQ(paintingsOf([this] { slot_->label.Caption = "other"; }), 0);
+  EXPECT_EQ(paintingsOf([this] { slot_->label.BackColor = RGB(1, 2, 3); }), 1);
+  EXPECT_EQ(paintingsOf([this] { slot_->label.BackColor = RGB(1, 2, 3); }), 0);
+}
+
 TEST_F(Window, ModalShowReturnsWhenTheFormIsHidden) {
   bool wasModal = false;
   QTimer::singleShot(0, [this, &wasModal] {
