@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+// The mouse moves in the DoEvents that ends a pass; passes are counted from there, the first being the next one. The
+// pointer of that pass's picture stands where the mouse is, and its bearing is the steering of the second pass.
+// Every fourth pass reports.
+class Latency : public GameTest {
+ protected:
+  static constexpr float centreX = 11445.0F / 2;
+  static constexpr float centreY = 9120.0F / 2;
+  static constexpr int passesOfAReport = 4;
+
+  /// In the game and flying to the right at full speed, `passes` after a report.
+  void flyRight(int passes) {
+    login();
+    modMain::localPlayer.breaksOn = false;
+    moveMouse(centreX + 4800);
+    for (int i = 0; i < 2 * passesOfAReport; ++i) modMain::runFrame();
+    while (true) {
+      forgetSent();
+      modMain::runFrame();
+      if (!reports().empty()) break;
+    }
+    for (int i = 0; i < passes; ++i) modMain::runFrame();
+    forgetSent();
+  }
+
+  /// A little above the centre: exactly beside it the ball would fly the other way.
+  void moveMouse(float x) { frmMain->canvas.MouseMove(0, 0, x, centreY - 300); }
+
+  /// The x of the position reports since the last forgetting.
+  std::vector<std::string> reports() {
+    std::vector<std::string> places;
+    for (const WireMessage& message : sentFrames()) {
+      if (message.id == wire::msgPositionReport) places.push_back(message.fields[0]);
+    }
+    return places;
+  }
+
+  /// The pass, from 1 on, in which `hasHappened` first holds; 0 if it has not within twenty.
+  template <class Happened>
+  int passOf(const Happened& hasHappened) {
+    for (int pass = 1; pass <= 20; ++pass) {
+      modMain::runFrame();
+      if (hasHappened()) return pass;
+    }
+    return 0;
+  }
+
+  /// The brightest channel of the canvas within the pointer's cell round a place.
+  static int brightestNear(float x, float y) {
+    const auto& canvas = frmMain->canvas;
+    int brightest = 0;
+    for (int row = toPixels(y) - 20; row < toPixels(y) + 20; ++row) {
+      for (int column = toPixels(x) - 20; column < toPixels(x) + 20; ++column) {
+        const Pixel pixel = canvas.pixels()[static_cast<std::size_t>(row * canvas.pixelWidth() + column)];
+        brightest = std::max({brightest, static_cast<int>(pixel >> 16), static_cast<int>(pixel >> 8 & 0xFF),
+                              static_cast<int>(pixel & 0xFF)});
+      }
+    }
+    return brightest;
+  }
+};
+
+TEST_F(Latency, ThePictureOfTheNextPassShowsThePointerWhereTheMouseIs) {
+  flyRight(0);
+  const float left = centreX - 4800;
+  ASSERT_LT(brightestNear(left, centreY - 300), 150);
+  ASSERT_GT(brightestNear(centreX + 4800, centreY - 300), 150);
+  moveMouse(left);
+  EXPECT_EQ(passOf([&] { return brightestNear(left, centreY - 300) > 150; }), 1);
+}
+
+TEST_F(Latency, TheBallTurnsInTheSecondPass) {
+  flyRight(0);
+  moveMouse(centreX - 4800);
+  const float start = modMain::localPlayer.position.x;
+  modMain::runFrame();
+  const float first = modMain::localPlayer.position.x;
+  EXPECT_GT(first, start);
+  modMain::runFrame();
+  EXPECT_LT(modMain::localPlayer.position.x, first);
+}
+
+TEST_F(Latency, TheFirstReportOfTheTurnComesWithTheTurnOrUpToThreePassesLater) {
+  // `phase` passes after a report the mouse moves; the next one is sent 4 - phase passes later. One that is sent in the
+  // first pass does not know of the turn yet, and so the next one tells, in the fifth.
+  constexpr int expected[passesOfAReport] = {4, 3, 2, 5};
+  for (int phase = 0; phase < passesOfAReport; ++phase) {
+    flyRight(phase);
+    moveMouse(centreX - 4800);
+    EXPECT_EQ(passOf([&] {
+                const bool isLeftward = modMain::localPlayer.velocity.x < 0;
+                if (!isLeftward) forgetSent();
+                return isLeftward && !reports().empty();
+              }),
+              expected[phase])
+        << phase;
+  }
+}
+
+}  // namespace
+}  // namespace kelvora
