@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <utility>
+#include <vector>
 
 #include "base/text.h"
 #include "frontend/frmConnect.h"
@@ -49,20 +51,37 @@ void count(std::string_view frames, std::map<int, int>& byId) {
   }
 }
 
-/// What a deque takes of the heap: a table of eight and pieces of 512 bytes, each with the allocator's 16 bytes.
+/// What a deque takes of the heap: a table of eight and pieces of 512 bytes, each rounded up with the allocator's 8
+/// bytes.
 template <class Element>
 std::int64_t bytesOf(const std::deque<Element>& elements) {
   constexpr std::size_t inPiece = std::max<std::size_t>(512 / sizeof(Element), 1);
   const std::size_t pieces = elements.size() / inPiece + 1;
   return static_cast<std::int64_t>(8 * std::max<std::size_t>(pieces + 2, 8) + 16 +
-                                   pieces * (inPiece * sizeof(Element) + 16));
+                                   pieces * ((inPiece * sizeof(Element) + 8 + 15) / 16 * 16));
 }
 
-/// And the names of vertices, which are too long for the strings themselves.
+/// What a string takes of the heap.
+std::size_t bytesOf(const std::string& text) {
+  const bool isInside = text.capacity() <= std::string().capacity();
+  return isInside ? 0 : (text.capacity() + 1 + 8 + 15) / 16 * 16;
+}
+
 std::int64_t bytesOf(const clsPlayer& player) {
   std::size_t names = 0;
-  for (const clsTail& vertex : player.tails) names += (vertex.tailID().capacity() + 1 + 8 + 15) / 16 * 16;
+  for (const clsTail& vertex : player.tails) names += bytesOf(vertex.tailID());
   return bytesOf(player.tails) + bytesOf(player.positionQueue) + static_cast<std::int64_t>(names);
+}
+
+/// The allocator's stock of freed small pieces, seven of each size, counts as in use. Full it is always the same.
+void fillAllocatorStock() {
+  constexpr std::size_t smallest = 24, largest = 1032, step = 16;
+  std::vector<void*> pieces;
+  pieces.reserve(7 * (largest - smallest + step) / step);
+  for (std::size_t size = smallest; size <= largest; size += step) {
+    for (int i = 0; i < 7; ++i) pieces.push_back(std::malloc(size));
+  }
+  for (void* piece : pieces) std::free(piece);
 }
 
 }  // namespace
@@ -271,6 +290,7 @@ void LongPlay::hangUp(server::ClientId client) {
 
 LongPlay::Figures LongPlay::figures() {
   Figures figures;
+  fillAllocatorStock();
   const auto heap = ::mallinfo2();
   figures.heapBytes = static_cast<std::int64_t>(heap.uordblks + heap.hblkhd);
   figures.keptBytes = bytesOf(modMain::localPlayer) + bytesOf(modMain::opponents) + bytesOf(modMain::netParticles);

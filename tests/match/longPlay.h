@@ -27,8 +27,6 @@ class LongPlay : public GameTest, private server::ArenaOutput {
  public:
   static constexpr int framesPerSecond = 100;
   static constexpr int framesPerMinute = 60 * framesPerSecond;
-  /// Bytes that the allocator's own stock of small pieces, which counts as in use, comes and goes by.
-  static constexpr std::int64_t allocatorStock = 256 * 1024;
 
   LongPlay();
 
