@@ -1,5 +1,6 @@
 #include "platform/qt/programIcon.h"
 
+#include <malloc.h>
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
@@ -13,6 +14,7 @@ void setProgramIconLater(const std::string& applicationPath) {
     QIcon icon;
     for (const int size : {16, 32, 48, 64, 128, 256}) icon.addFile(files.arg(size));
     QApplication::setWindowIcon(icon);
+    malloc_trim(0);  // what the start has used and given back, about a megabyte, goes to the system
   });
 }
 

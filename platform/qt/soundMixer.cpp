@@ -26,11 +26,13 @@ bool SoundMixer::post(std::function<void(MixerDevice&)> run, Clock::time_point l
       return false;
     }
   }
+  bool isOpen = false;
   {
     const std::lock_guard lock(mutex_);
     commands_.push_back({std::move(run), latest});
+    isOpen = device_ != nullptr;
   }
-  arrived_.notify_one();
+  if (isOpen) arrived_.notify_one();  // before that a command alone wakes nobody
   return true;
 }
 
