@@ -4,13 +4,16 @@
     bench/start_figures.py build/release [--runs 9] [--seconds 5]
 
 Start and memory stand beside an empty window of Qt Widgets (kelvora_empty_window), both started in turn, medians of the
-runs. Then the processor's time of a client that is not connected; of a connected one at the pace of the game (10 ms a
-pass), in sight, covered and minimised; the length of an unpaced pass; and the time from a move of the mouse to the
-first position report that has turned. It ends by itself and takes what it has started with it.
+runs. Then the processor's time and the wake-ups of a client that is not connected; of a connected one at the pace of the
+game (10 ms a pass), in sight, covered and minimised; the time from a jump of the mouse to its picture on the screen and to
+the first position report that carries the turn; and the length of an unpaced pass. It ends by itself and takes what it has
+started with it.
 """
 
 import argparse
+import ctypes
 import os
+import re
 import signal
 import statistics
 import subprocess
@@ -70,7 +73,7 @@ def processor_seconds(pid):
 
 
 def start_once(display, command):
-    """Seconds to the window, RSS and PSS half a second later, processor seconds until then."""
+    """Seconds to the window, RSS and PSS some seconds later, processor seconds until then."""
     with tempfile.TemporaryDirectory() as folder:
         environment = dict(display.environment, XDG_CONFIG_HOME=folder, HOME=folder, QT_QPA_PLATFORM="xcb",
                            SDL_AUDIODRIVER="dummy", KELVORA_WEB_HOST=harness.CLOSED_PORT, KELVORA_FRAME_MS="10")
@@ -80,7 +83,7 @@ def start_once(display, command):
                                    stderr=subprocess.DEVNULL)
         try:
             shown = watch.next_window() - begin
-            time.sleep(0.5)
+            time.sleep(2.5)  # the sound comes behind the window
             return (shown, *memory(process.pid), processor_seconds(process.pid))
         finally:
             harness.stop(process)
@@ -106,11 +109,22 @@ def starts(display):
               f"   ratios {shown / floor[0]:.2f} {rss / floor[1]:.2f} {pss / floor[2]:.2f} {cpu / floor[3]:.2f}")
 
 
+def wake_ups(pid):
+    """How often the process's threads have waited so far."""
+    status = (Path(f"/proc/{pid}/task/{task}/status").read_text() for task in os.listdir(f"/proc/{pid}/task"))
+    return sum(int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", text, re.M)[1]) for text in status)
+
+
+def cost(pid, seconds=None):
+    """Percent of one core, and wake-ups a second, over the measuring time."""
+    begin, cpu, waits = time.monotonic(), processor_seconds(pid), wake_ups(pid)
+    time.sleep(seconds or OPTIONS.seconds)
+    length = time.monotonic() - begin
+    return (processor_seconds(pid) - cpu) / length * 100, (wake_ups(pid) - waits) / length
+
+
 def share(client):
-    """Percent of one core over the measuring time."""
-    begin, cpu = time.monotonic(), processor_seconds(client.process.pid)
-    time.sleep(OPTIONS.seconds)
-    return (processor_seconds(client.process.pid) - cpu) / (time.monotonic() - begin) * 100
+    return cost(client.process.pid)[0]
 
 
 def log_in(display, **options):
@@ -130,9 +144,27 @@ def reports_during(line, seconds):
 
 
 def idle(display):
+    """Nobody is connected. A field that has the focus has the toolkit's caret, which blinks; so it stands beside an empty
+    window, once with the focus and once without."""
+    seconds = max(20, OPTIONS.seconds)
     client = harness.Client(display)
     time.sleep(2)
-    print(f"not connected:   {share(client):.3f} % of a core")
+
+    def tell(what, pid):
+        percent, waits = cost(pid, seconds)
+        print(f"{what:44}{percent:8.4f} % of a core {waits:6.2f} wake-ups a second")
+
+    tell("not connected, caret in the connect dialog:", client.process.pid)
+    empty = subprocess.Popen([str((OPTIONS.build / "kelvora_empty_window").resolve()), "-geometry", "100x100+1100+850"],
+                             env=dict(display.environment, QT_QPA_PLATFORM="xcb"), stdin=subprocess.DEVNULL,
+                             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    time.sleep(2)
+    tell("not connected, in sight, without the focus:", client.process.pid)
+    tell("an empty window:", empty.pid)
+    display.xdotool("windowminimize", client.window.identifier)
+    time.sleep(1)
+    tell("not connected, minimised:", client.process.pid)
+    harness.stop(empty)
     client.close()
 
 
@@ -156,28 +188,74 @@ def paced(display):
     server.close()
 
 
+class Screen:
+    """The X server without a program in between: the mouse jumps and a pixel is read in a fraction of a millisecond."""
+
+    def __init__(self, display):
+        self.x11 = ctypes.CDLL("libX11.so.6")
+        self.xtst = ctypes.CDLL("libXtst.so.6")
+        self.x11.XOpenDisplay.restype = ctypes.c_void_p
+        self.x11.XGetImage.restype = ctypes.c_void_p
+        self.x11.XGetPixel.restype = ctypes.c_ulong
+        self.x11.XDefaultRootWindow.restype = ctypes.c_ulong
+        self.connection = ctypes.c_void_p(self.x11.XOpenDisplay(display.environment["DISPLAY"].encode()))
+        self.root = ctypes.c_ulong(self.x11.XDefaultRootWindow(self.connection))
+
+    def jump(self, x, y):
+        """Returns the time at which the server has moved the mouse."""
+        self.xtst.XTestFakeMotionEvent(self.connection, -1, x, y, ctypes.c_ulong(0))
+        self.x11.XSync(self.connection, 0)
+        return time.monotonic()
+
+    def brightest(self, x, y, reach):
+        """The brightest channel near a place."""
+        image = ctypes.c_void_p(self.x11.XGetImage(self.connection, self.root, x - reach, y - reach, 2 * reach, 2 * reach,
+                                                   ctypes.c_ulong(0xFFFFFF), 2))
+        pixels = [self.x11.XGetPixel(image, column, row) for row in range(0, 2 * reach, 2)
+                  for column in range(0, 2 * reach, 2)]
+        self.x11.XDestroyImage(image)
+        return max(max(pixel >> 16, pixel >> 8 & 255, pixel & 255) for pixel in pixels)
+
+    def close(self):
+        self.x11.XCloseDisplay(self.connection)
+
+
+def median_of(times):
+    return f"{statistics.median(times):.0f} ms ({min(times):.0f} to {max(times):.0f})"
+
+
 def latency(display):
-    """The ball flies towards the mouse; the mouse jumps to the other side."""
+    """The ball flies towards the mouse, which jumps to the other side and back; a little above the centre, since exactly
+    beside it the ball would fly the other way. By the rules a report goes out every fourth pass."""
     client, server, line = log_in(display)
-    client.mouse_to(700, 300)
+    client.mouse_to(700, 280)
     client.right_click()
-    times = []
-    side = 1
-    for _ in range(15):
-        time.sleep(0.3)
+    screen = Screen(display)
+    side, to_picture, to_report = 1, [], []
+    for turn in range(60):
+        time.sleep(0.25 + turn % 7 * 0.0057)  # at any moment of a pass and of a report's four
         line.frames_during(0.05)
+        step = abs(line.report()[0] - (before := line.report())[0])
         side = -side
-        before = line.report()
-        client.mouse_to(380 + side * 320, 300)
-        moved = time.monotonic()
+        place = client.on_screen(380 + side * 320, 280)
+        is_dark = screen.brightest(*place, 8) < 150  # a star may stand there
+        moved = screen.jump(*place)
+        if turn % 2:
+            if not is_dark:
+                continue
+            while screen.brightest(*place, 8) < 150:
+                pass
+            to_picture.append((time.monotonic() - moved) * 1000)
+            continue
         while True:
-            place = line.report()
-            if (place[0] - before[0]) * side > 0:
+            now = line.report()
+            if (now[0] - before[0]) * -side < 0.9 * step:  # not so far on as in four passes without a turn
                 break
-            before = place
-        times.append((time.monotonic() - moved) * 1000)
-    print(f"mouse to report: {statistics.median(times):.0f} ms at 10 ms a pass and 4 passes a report "
-          f"({min(times):.0f} to {max(times):.0f})")
+            before = now
+        to_report.append((time.monotonic() - moved) * 1000)
+    print(f"mouse to picture, on the screen:         {median_of(to_picture)} at 10 ms a pass")
+    print(f"mouse to the first report with the turn: {median_of(to_report)} at 10 ms a pass and 4 passes a report")
+    screen.close()
     line.close()
     client.close()
     server.close()
