@@ -90,7 +90,7 @@ LongPlay::LongPlay()
     : arena_(*this, server::versionText(), password, 1,
              {.intermissionMs = calmAfter + calmEvery + 2'000, .incomePerMinute = 60}),
       keeper_(arena_, {.count = 5, .skill = server::SkillLevel::mixed}, password, server::versionText(), 2) {
-  machine.seconds = midnight - 300;
+  machine.seconds = midnight / 2;
   machine.onDoEvents = [this] { onPass(); };
   machine.onMessageBox = [this](const std::string&) { ++boxes; };
 }
