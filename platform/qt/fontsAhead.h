@@ -4,8 +4,8 @@
 
 namespace kelvora {
 
-/// Reads the system's rules for fonts on a thread of its own, from its beginning to its end, while the toolkit connects to
-/// the screen: both take as long. The toolkit finds the rules read, or reads them itself if there is no thread.
+/// Reads the system's rules for fonts on a thread of its own, from its beginning to its end, while the toolkit connects
+/// to the screen: both take as long. The toolkit finds the rules read, or reads them itself if there is no thread.
 class FontsAhead {
  public:
   FontsAhead();
