@@ -82,9 +82,9 @@ void FrmMain::connectHandlers() {
   btnShop.Click = [] { modMain::openStore(); };
   btnSpawn.Click = [] { netMan::requestSpawn(); };
   tmrCheckNetStatus.Timer = [this] { showConnectionState(); };
-  // A socket that is closed or has failed stays so until it is told to connect.
+  // A socket that is closed or has failed stays so until it is told to connect or to close.
   tmrCheckNetStatus.mayRest = [this] { return sock.State() == sckClosed || sock.State() == sckError; };
-  sock.onStart = [this] { tmrCheckNetStatus.wake(); };
+  sock.onCommand = [this] { tmrCheckNetStatus.wake(); };
 }
 
 void FrmMain::connectSocket() {

@@ -9,8 +9,13 @@ Winsock::Winsock() : peer_(backend().createSocket(*this)) {}
 
 void Winsock::Connect() {
   if (State() != sckClosed) throw RuntimeFault("Wrong protocol or connection state for the requested transaction");
-  if (onStart) onStart();
+  if (onCommand) onCommand();
   peer_->connect(RemoteHost, RemotePort);
+}
+
+void Winsock::Close() {
+  if (onCommand) onCommand();
+  peer_->close();
 }
 
 void Winsock::SendData(std::string_view data) {

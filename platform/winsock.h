@@ -50,12 +50,12 @@ class Winsock {
   int State() const { return peer_->state(); }
   /// Starts to connect; a socket that is not closed is RuntimeFault.
   void Connect();
-  void Close() { peer_->close(); }
+  void Close();
   /// Queues bytes for sending; a socket that is not connected is RuntimeFault.
   void SendData(std::string_view data);
   std::string GetData() { return peer_->take(); }
 
-  std::function<void()> onStart;  ///< inside Connect: from here on the state changes by itself
+  std::function<void()> onCommand;  ///< inside Connect and Close, which alone end a state that is closed or an error
   std::function<void()> onConnect;
   std::function<void()> onClose;  ///< the other side closed
   std::function<void()> onDataArrival;

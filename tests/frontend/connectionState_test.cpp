@@ -71,6 +71,22 @@ TEST_F(ConnectionState, TimerIsWokenByTheSocketThatConnects) {
   EXPECT_FALSE(frmMain->tmrCheckNetStatus.isResting);
 }
 
+TEST_F(ConnectionState, TimerIsWokenByTheMenuThatEndsAFailure) {
+  frmMain->Show();
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  server().refuse();
+  passEvents();
+  tick(1000);
+  passEvents();
+  ASSERT_EQ(shownState(), "Error");
+  frmMain->tmrCheckNetStatus.isResting = true;
+  frmMain->mnuFileDisconnect.Click();
+  EXPECT_FALSE(frmMain->tmrCheckNetStatus.isResting) << "or the label would go on to say Error";
+  tick(1000);
+  passEvents();
+  EXPECT_EQ(shownState(), "Closed");
+}
+
 TEST_F(ConnectionState, IsRefreshedAtTheConnectionBeforeTheLoginGoesOut) {
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 2);
   server().acceptConnection();
