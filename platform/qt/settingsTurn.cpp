@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <thread>
 
@@ -15,7 +16,8 @@ SettingsTurn::SettingsTurn(const std::string& folder)
   using std::chrono::milliseconds;
   static bool isSomebodyHanging = false;  // and has been waited for
   const auto deadline = std::chrono::steady_clock::now() + milliseconds(isSomebodyHanging ? 20 : 2'000);
-  const auto take = [this] { return ::flock(folder_, LOCK_EX | LOCK_NB) == 0; };
+  // Network drives may know no locks of folders; nothing is won by waiting there.
+  const auto take = [this] { return ::flock(folder_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; };
   bool isTaken = take();
   while (!isTaken && std::chrono::steady_clock::now() < deadline) {
     std::this_thread::sleep_for(milliseconds(1));

@@ -83,7 +83,6 @@ class SettingsFaults : public ::testing::Test {
   ~SettingsFaults() override { std::filesystem::remove_all(home_); }
 
   std::string file() const { return home_ / "kelvora" / "kelvora.ini"; }
-  std::string lock() const { return file() + ".lock"; }
 
   void write(const std::string& key, const std::string& value) { QtSettings(file()).write("misc", key, value); }
   /// What a later run of the program reads: the same bytes under a name that this process has not seen.
