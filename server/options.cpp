@@ -77,7 +77,7 @@ Options parseOptions(std::span<const char* const> arguments) {
 std::string helpText() {
   std::string text =
       "Usage: kelvora-server [options]\n"
-      "Runs an arena for up to six players until it gets SIGINT or SIGTERM.\n";
+      "Runs an arena for up to six players until it gets SIGINT, SIGTERM or SIGHUP.\n";
   std::size_t width = 0;
   for (const Option& option : optionTable()) width = std::max(width, option.name.size() + option.valueName.size() + 3);
   for (const Option& option : optionTable()) {
