@@ -52,9 +52,11 @@ function(kelvora_tests name)
   add_executable(kelvora_${name}_tests ${sources})
   target_link_libraries(kelvora_${name}_tests PRIVATE kelvora_options ${ARGN} GTest::gtest_main)
   # What the tests call is built as the preset says; their own lines run once each, and are built as fast as can be.
-  target_compile_options(kelvora_${name}_tests PRIVATE -O0
+  target_compile_options(kelvora_${name}_tests PRIVATE -O0)
+  if(KELVORA_SANITIZE MATCHES undefined)
     # Checks of every pointer are a third of the compiler's work, and the address sanitizer finds most of the same.
-    $<$<BOOL:${KELVORA_SANITIZE}>:-fno-sanitize=null,alignment,vptr,object-size>)
+    target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,vptr,object-size)
+  endif()
   target_compile_definitions(kelvora_${name}_tests PRIVATE KELVORA_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
   set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS ${name})
