@@ -68,7 +68,10 @@ void QtDesktop::placePointer(int x, int y) { QCursor::setPos(x, y); }
 
 std::string QtDesktop::applicationPath() { return dataFolder(); }
 
-PicturePointer QtDesktop::loadPicture(const std::string& path) { return loadPictureFile(path); }
+PicturePointer QtDesktop::loadPicture(const std::string& path) {
+  noteForReport("the picture " + toBytes(QFile::decodeName(path.c_str())));
+  return loadPictureFile(path);
+}
 
 std::string QtDesktop::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
   noteForReport("the setting \"" + key + "\" in section \"" + section + "\" of " +

@@ -48,6 +48,18 @@ TEST_F(FaultReportDeathTest, ASettingIsNamedWithItsFile) {
       ::testing::ExitedWithCode(1), "Run-time error: Type mismatch");
 }
 
+TEST_F(FaultReportDeathTest, APictureIsNamedAndNotTheSettingBeforeIt) {
+  EXPECT_EXIT(
+      {
+        answerIf("Just before: the picture /nowhere/sheet.png.\n" + ending());
+        runHandler([] {
+          GetSetting("fonts", "0size", "");
+          LoadPicture("/nowhere/sheet.png");
+        });
+      },
+      ::testing::ExitedWithCode(1), "Run-time error: File not found: /nowhere/sheet.png");
+}
+
 TEST_F(FaultReportDeathTest, ACommandIsNamed) {
   EXPECT_EXIT(
       {
