@@ -148,14 +148,14 @@ def reports_during(line, seconds):
 
 def idle(display):
     """Nobody is connected. A field that has the focus has the toolkit's caret, which blinks; so it stands beside an empty
-    window, once with the focus and once without."""
+    window, once with the focus and once without. An open sound device wants to be fed, be it with silence."""
     seconds = max(20, OPTIONS.seconds)
     client = harness.Client(display)
     time.sleep(2)
 
     def tell(what, pid):
         percent, waits = cost(pid, seconds)
-        print(f"{what:44}{percent:8.4f} % of a core {waits:6.2f} wake-ups a second")
+        print(f"{what:48}{percent:8.4f} % of a core {waits:6.2f} wake-ups a second")
 
     tell("not connected, caret in the connect dialog:", client.process.pid)
     field = subprocess.Popen([str((OPTIONS.build / "kelvora_empty_window").resolve()), "field"],
@@ -175,6 +175,12 @@ def idle(display):
     tell("not connected, minimised:", client.process.pid)
     harness.stop(empty)
     client.close()
+    for what, words in (("effects on", ("nomusic",)), ("effects and music on", ())):
+        client = harness.Client(display, arguments=words)
+        display.xdotool("windowminimize", client.window.identifier)
+        time.sleep(3)
+        tell(f"not connected, minimised, {what}:", client.process.pid)
+        client.close()
 
 
 def paced(display):
