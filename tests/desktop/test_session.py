@@ -77,11 +77,24 @@ class Session(harness.DesktopTest):
         self.assertEqual([identifier for identifier, _ in line.frames_during(0.5)],
                          [PING_REPLY, POSITION_REPORT] * 2)
 
-    def test_refused_connection_shows_the_grey_error(self):
+    def refused_client(self):
         client = self.start_client()
         client.connect(harness.free_port())
         client.wait_for_status(GREY)
+        return client
+
+    def test_refused_connection_shows_the_grey_error(self):
+        client = self.refused_client()
         self.assertNotIn("Connect", client.windows())
+
+    def test_disconnect_in_the_menu_ends_the_error(self):
+        client = self.refused_client()
+        time.sleep(1.2)  # the label has been looked at once more since
+        client.window.activate()
+        client.window.click(20, client.menu // 2)
+        self.display.xdotool("sleep", "0.3", "key", "Down", "key", "Return")
+        client.wait_for_window("Connect")
+        client.wait_for_status(RED)
 
     def test_server_that_goes_away_brings_the_dialog_back(self):
         client, line = self.log_in()
