@@ -157,7 +157,7 @@ TEST_F(Hostile, StreamsWithoutAnEndAreCutOff) {
       {login("Long") + start + static_cast<char>(wire::msgChat), endless},
   };
   const std::size_t before = residentMebibytes();
-  std::vector<std::unique_ptr<TcpClient>> clients;
+  std::vector<std::unique_ptr<Client>> clients;
   for (std::uint32_t host = 10; const auto& stream : streams) {
     clients.push_back(std::make_unique<Client>(port, host++));
     clients.back()->keepLittleUnsent();
