@@ -20,7 +20,7 @@ void say(const QString& line) { std::fprintf(stderr, "kelvora: %s\n", qPrintable
   for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
     if (isNamed(variable)) named += QString("%1=%2").arg(variable, qEnvironmentVariable(variable));
   }
-  if (!isNamed("DISPLAY") && !isNamed("WAYLAND_DISPLAY")) {
+  if (named.isEmpty()) {
     say("there is no screen to show a window on: neither DISPLAY nor WAYLAND_DISPLAY is set. Start the game from a "
         "desktop.");
   } else {
