@@ -8,6 +8,10 @@ target_compile_options(kelvora_options INTERFACE
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-restrict>
   # Pictures and positions are the same on every machine only if no compiler fuses a multiplication and an addition.
   -ffp-contract=off)
+if(CMAKE_UNITY_BUILD)
+  # Sources that are read as one: what one of them declares is shadowed by another's locals.
+  target_compile_options(kelvora_options INTERFACE -Wno-shadow)
+endif()
 if(KELVORA_SANITIZE)
   target_compile_options(kelvora_options INTERFACE
     -fsanitize=${KELVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
@@ -58,6 +62,6 @@ function(kelvora_tests name)
     target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,vptr,object-size)
   endif()
   target_compile_definitions(kelvora_${name}_tests PRIVATE KELVORA_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
-  set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests UNITY_BUILD OFF)
   gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS ${name})
 endfunction()

@@ -33,6 +33,7 @@ open_room() {
   mkdir -p "$room"
   tar -C "$room" -xf "$room.tar"
   cp /etc/resolv.conf "$room/etc/resolv.conf"
+  printf '127.0.0.1 localhost %s\n' "$(uname -n)" >"$room/etc/hosts"
   printf '#!/bin/sh\nexit 101\n' >"$room/usr/sbin/policy-rc.d"  # no services are started in here
   chmod 755 "$room/usr/sbin/policy-rc.d"
   mount -t proc proc "$room/proc"
