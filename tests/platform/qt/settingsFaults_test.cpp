@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -322,11 +323,14 @@ TEST_F(SettingsFaults, AFullDiskWithoutAStoreIsNoFault) {
   EXPECT_EQ(readInLaterRun("name"), "Bob");
 }
 
-TEST_F(SettingsFaults, ADeviceInTheFilesPlaceIsNoFault) {
+TEST_F(SettingsFaults, WhatIsNoFileStaysInTheFilesPlace) {
   std::filesystem::create_directories(std::filesystem::path(file()).parent_path());
-  std::filesystem::create_symlink("/dev/full", file());
+  const std::filesystem::path node = home_ / "node";
+  ASSERT_EQ(mknod(node.c_str(), S_IFSOCK | S_IRUSR | S_IWUSR, 0), 0);
+  std::filesystem::create_symlink(node, file());
   write("name", "Ann");
-  EXPECT_EQ(std::filesystem::read_symlink(file()), "/dev/full");
+  EXPECT_EQ(std::filesystem::read_symlink(file()), node);
+  EXPECT_TRUE(std::filesystem::is_socket(node));
 }
 
 }  // namespace
