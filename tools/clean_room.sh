@@ -71,6 +71,8 @@ log_in_from_packages() {
   for _ in $(seq 50); do xdotool getdisplaygeometry >/dev/null 2>&1 && break; sleep 0.1; done
   openbox >/dev/null 2>&1 &
   manager=$!
+  # A window that asks to be shown while openbox is still starting never is.
+  until xdotool set_num_desktops 1 && [ "$(xdotool get_num_desktops)" = 1 ]; do sleep 0.1; done 2>/dev/null
   local command
   command=$(sed -n 's/^Exec=//p' /usr/share/applications/kelvora.desktop)
   $command &

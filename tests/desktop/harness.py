@@ -103,7 +103,12 @@ class Display:
             self.environment.pop(name, None)
         self.manager = subprocess.Popen(["openbox", "--sm-disable"], env=self.environment, stdin=subprocess.DEVNULL,
                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        wait_for(lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        wait_for(self.manager_answers, "the window manager")
+
+    def manager_answers(self):
+        """A window that asks to be shown while openbox is still starting never is: a wish has to come true first."""
+        self.xdotool("set_num_desktops", 1)
+        return self.xdotool("get_num_desktops").strip() == "1"
 
     def close(self):
         stop(self.manager)
