@@ -5,6 +5,7 @@ import resource
 import signal
 import socket
 import subprocess
+import time
 import unittest
 
 import harness
@@ -92,7 +93,13 @@ class ServerFaults(unittest.TestCase):
 
     def test_no_descriptors_left(self):
         process = self.start()
-        open_files = len(os.listdir(f"/proc/{process.pid}/fd"))
+        while " closed" not in process.stderr.readline():  # the connection that asked whether it listens
+            pass
+        counts = []
+        while len(counts) < 5:
+            counts.append(len(os.listdir(f"/proc/{process.pid}/fd")))
+            time.sleep(0.05)
+        open_files = min(counts)
         resource.prlimit(process.pid, resource.RLIMIT_NOFILE, (open_files + 1, open_files + 1))
         ann = self.log_in(process)
         self.assertEqual(ann.recv_frame()[0], harness.LOGIN_ACCEPTED)
