@@ -12,6 +12,7 @@
 #include "bench/turns.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
+#include "generated/sourceFolder.h"
 #include "platform/headless/headlessBackend.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"

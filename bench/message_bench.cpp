@@ -4,6 +4,7 @@
 
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
+#include "generated/sourceFolder.h"
 #include "network/netMan.h"
 #include "network/wire/wireFormat.h"
 #include "platform/headless/headlessBackend.h"

@@ -7,6 +7,7 @@
 #include "bench/turns.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
+#include "generated/sourceFolder.h"
 #include "platform/headless/headlessBackend.h"
 #include "rendering/frmGfx.h"
 

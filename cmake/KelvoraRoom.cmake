@@ -24,6 +24,10 @@ if(KELVORA_SANITIZE STREQUAL "thread")
   target_compile_options(kelvora_options INTERFACE -Wno-tsan)
 endif()
 
+# generated/sourceFolder.h: where tests and benchmarks find the project's files.
+configure_file(${CMAKE_SOURCE_DIR}/cmake/sourceFolder.h.in ${CMAKE_BINARY_DIR}/generated/sourceFolder.h @ONLY)
+target_include_directories(kelvora_options INTERFACE ${CMAKE_BINARY_DIR})
+
 option(KELVORA_FUZZ "Build the fuzz targets, guided by coverage and with the sanitizers (clang alone)" OFF)
 if(KELVORA_FUZZ)
   target_compile_options(kelvora_options INTERFACE
@@ -61,7 +65,6 @@ function(kelvora_tests name)
     # Checks of every pointer are a third of the compiler's work, and the address sanitizer finds most of the same.
     target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,vptr,object-size)
   endif()
-  target_compile_definitions(kelvora_${name}_tests PRIVATE KELVORA_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
   set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests UNITY_BUILD OFF)
   gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS ${name})
 endfunction()

@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "generated/sourceFolder.h"
 #include "tests/project/tree.h"
 
 namespace {

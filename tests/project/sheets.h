@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "generated/sourceFolder.h"
 #include "platform/pictures/pictureFile.h"
 #include "raster/twips.h"
 

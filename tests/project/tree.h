@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "generated/sourceFolder.h"
+
 /// Reads the project's own files for the tests of its rules.
 namespace tree {
 

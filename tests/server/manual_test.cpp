@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 
+#include "generated/sourceFolder.h"
 #include "server/configFile.h"
 #include "server/optionTable.h"
 

@@ -10,6 +10,7 @@
 #include "frontend/frmFonts.h"
 #include "frontend/frmGameFind.h"
 #include "frontend/updateCheck.h"
+#include "generated/sourceFolder.h"
 #include "rendering/frmGfx.h"
 #include "store/frmPowerups.h"
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "generated/sourceFolder.h"
 #include "platform/pictures/pictureFile.h"
 #include "tests/support/pngFile.h"
 

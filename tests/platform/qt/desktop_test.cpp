@@ -8,6 +8,7 @@
 #include <chrono>
 
 #include "base/fault.h"
+#include "generated/sourceFolder.h"
 #include "platform/backend.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/qtDesktop.h"

@@ -10,6 +10,7 @@
 #include "audio/soundMan.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
+#include "generated/sourceFolder.h"
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtGlyphs.h"
 #include "raster/surface.h"

@@ -8,6 +8,7 @@
 #include <array>
 #include <csignal>
 
+#include "generated/sourceFolder.h"
 #include "platform/qt/mixedAudio.h"
 #include "tests/platform/sound/recording.h"
 

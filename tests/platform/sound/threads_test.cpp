@@ -5,6 +5,7 @@
 #include <system_error>
 #include <thread>
 
+#include "generated/sourceFolder.h"
 #include "platform/qt/soundMixer.h"
 
 namespace kelvora {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "generated/sourceFolder.h"
 #include "tests/platform/sound/recording.h"
 
 namespace kelvora {
