@@ -33,7 +33,8 @@ inline std::vector<File> files(const std::set<std::string>& extensions) {
       if (isSkipped(entry->path())) entry.disable_recursion_pending();
       continue;
     }
-    if (!extensions.contains(entry->path().extension().string())) continue;
+    // In a linked worktree .git is a file, and tells where the repository is on this machine.
+    if (entry->path().filename() == ".git" || !extensions.contains(entry->path().extension().string())) continue;
     std::ifstream stream(entry->path(), std::ios::binary);
     found.push_back({entry->path().lexically_relative(root).generic_string(),
                      {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()}});
