@@ -20,7 +20,7 @@ Form::Form(std::string caption, Design formDesign)
 void Form::Show(Modality modality) {
   if (modality == Modality::Modal && Visible) throw RuntimeFault("Form already displayed; can't show modally");
   if (!peer) backend().realize(*this);
-  modality_ = modality;
+  if (!Visible) modality_ = modality;
   Visible = true;
   if (modality == Modality::Modal) backend().runModal(*this);
 }

@@ -44,7 +44,7 @@ class Form : public Control {
   std::function<void()> Activate;
 
   /// Shows the window. Modal returns when it has been hidden or unloaded; a modal show of a visible form is
-  /// RuntimeFault.
+  /// RuntimeFault. A modeless show of a visible form brings it to the front and leaves its modality alone.
   void Show(Modality modality = Modality::Modeless);
   void Hide();
 
@@ -53,7 +53,7 @@ class Form : public Control {
   /// The user closed the window: runs `unloading`, then unloads the form.
   void closedByUser();
 
-  /// How the form was last shown; set before it becomes visible.
+  /// Chosen by the show that makes the form visible, and kept until it is hidden.
   Modality modality() const { return modality_; }
   /// True from the unload on. The form takes no more events.
   bool isUnloaded() const { return unloaded_; }

@@ -99,6 +99,17 @@ TEST_F(Controls, AVisibleFormCannotBeShownModally) {
   EXPECT_TRUE(sampleForm.isVisible());
 }
 
+TEST_F(Controls, AFormKeepsItsModalityUntilItIsHidden) {
+  machine.onModal = [](Form& form) {
+    form.Show();
+    EXPECT_EQ(form.modality(), Form::Modality::Modal) << "shown again while it stands";
+  };
+  sampleForm->Show(Form::Modality::Modal);
+  EXPECT_EQ(machine.modalForms.size(), 1U);
+  sampleForm->Show();
+  EXPECT_EQ(sampleForm->modality(), Form::Modality::Modeless);
+}
+
 TEST_F(Controls, AModalShowReturnsWhenTheFormHasGone) {
   bool stood = false;
   machine.onModal = [&stood](Form& form) {

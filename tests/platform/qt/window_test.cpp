@@ -338,6 +338,27 @@ TEST_F(Window, ModalShowReturnsWhenTheFormIsUnloaded) {
   DoEvents();
 }
 
+TEST_F(Window, AModalFormThatIsShownAgainReleasesTheOthersWhenItGoes) {
+  Form main("Main", {.clientWidth = 3000, .clientHeight = 3000});
+  PictureBox picture(&main, {0, 0, 3000, 3000});
+  int clicks = 0;
+  picture.Click = [&clicks] { ++clicks; };
+  main.Show();
+  const auto click = [&main] {
+    QTest::mouseClick(windowOf(main).windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
+  };
+  QTimer::singleShot(0, [this, &click, &clicks] {
+    slot_->Show();
+    click();
+    EXPECT_EQ(clicks, 0) << "it is modal as before";
+    slot_.unload();
+  });
+  slot_->Show(Form::Modality::Modal);
+  click();
+  EXPECT_EQ(clicks, 1);
+  DoEvents();
+}
+
 TEST_F(Window, AutoSizeLabelIsAsWideAsItsText) {
   Form form("", {.clientWidth = 1500, .clientHeight = 1500});
   Label label(&form, {0, 0, 45, 195}, "", {.font = {"Comic Sans MS", 9, true}, .autoSize = true});
