@@ -8,6 +8,7 @@ SurfaceRecorder* recorder = nullptr;
 
 void note(const Surface* surface, decltype(DrawingCall::what) what) {
   recorder->calls.push_back({surface, std::move(what)});
+  if (recorder->onCall) recorder->onCall(recorder->calls.back());
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -48,6 +49,7 @@ class SurfaceRecorder {
   SurfaceRecorder& operator=(const SurfaceRecorder&) = delete;
   ~SurfaceRecorder();
   std::vector<DrawingCall> calls;
+  std::function<void(const DrawingCall&)> onCall;  ///< told of each call ahead of the drawing; may be empty
 };
 
 }  // namespace kelvora::bench

@@ -68,3 +68,15 @@ function(kelvora_tests name)
   set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests UNITY_BUILD OFF)
   gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS ${name})
 endfunction()
+
+# kelvora_record_surfaces(TARGET): the program can note its drawing calls (bench/surfaceRecorder.h). The linker puts the
+# recorder between the painters and the surface.
+function(kelvora_record_surfaces target)
+  target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/bench/surfaceRecorder.cpp)
+  target_link_options(${target} PRIVATE
+    -Wl,--wrap=_ZN7kelvora7Surface3ClsEv
+    -Wl,--wrap=_ZN7kelvora7Surface4LineEffff
+    -Wl,--wrap=_ZN7kelvora7Surface6CircleEfffNS_6ColourE
+    -Wl,--wrap=_ZN7kelvora7Surface12PaintPictureERKNS_7PictureEffffffNS_15RasterOperationE
+    -Wl,--wrap=_ZN7kelvora7Surface5PrintESt17basic_string_viewIcSt11char_traitsIcEE)
+endfunction()

@@ -199,6 +199,19 @@ TEST_F(MainLoop, MovesTheOpponents) {
   EXPECT_EQ(bob.position, (Vector{90'000, 80'000}));
 }
 
+// A charged tail with one second left: the vertex of this frame's step is still laid under it.
+TEST_F(MainLoop, OpponentsMoveBeforeTheirPowerupsTick) {
+  login();
+  join(8, 1, "Bob");
+  clsPlayer& bob = modMain::opponents[0];
+  bob.powerups[chargedTailSlot] = {0, 1, true};
+  bob.queuePosition({50'700, 51'400});
+  modMain::runFrame();
+  EXPECT_FALSE(bob.powerups[chargedTailSlot].active);
+  ASSERT_EQ(bob.tailCount(), 1);
+  EXPECT_TRUE(bob.tails[0].isCharged());
+}
+
 // The right edge of the canvas lies 5723 units from its centre, where the local player is. He moves 150 to the right,
 // and by that a point 5800 from his old place comes into sight, where an opponent glides and does not jump.
 TEST_F(MainLoop, TheLocalPlayerMovesBeforeTheOpponents) {

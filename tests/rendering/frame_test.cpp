@@ -55,6 +55,34 @@ TEST_F(Frames, ADeadLocalPlayerLiesUnderOpponents) {
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen + 3);
 }
 
+TEST_F(Frames, ADisconnectedPlayerIsNotPaintedDeadOrAlive) {
+  clsPlayer& player = placeLocal();
+  player.isConnected = false;
+  for (const bool alive : {false, true}) {
+    player.alive = alive;
+    modMain::paintFrame();
+    EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
+    EXPECT_EQ(player.animTick, 0);
+    EXPECT_EQ(countPixels(radar(), white), radar().pixelWidth() * radar().pixelHeight());
+  }
+}
+
+// The opponent in slot 0 captures in his own paint, when the places of the ghost and the living ball are behind and
+// ahead.
+TEST_F(Frames, APlayerWhoIsCapturedDuringThePaintIsMissingFromIt) {
+  clsPlayer& player = placeLocal();
+  clsPlayer& winner = placeOpponent(3, 53000, 50000);
+  winner.addTail({10000, 10000});
+  winner.addTail({10100, 10000});
+  modMain::addKillerTail(winner.serverNode, player.serverNode, 10000, 10000);
+  modMain::paintFrame();
+  ASSERT_FALSE(player.alive);
+  EXPECT_EQ(player.animTick, 0);
+  EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
+  modMain::paintFrame();
+  EXPECT_EQ(player.animTick, 1) << "a ghost from the next frame on";
+}
+
 TEST_F(Frames, ThePoolsArePaintedBackgroundExplosionsNetwork) {
   placeLocal();
   modMain::localPlayer.isConnected = false;
@@ -269,65 +297,6 @@ TEST_F(Frames, ADeadLocalPlayerStillHasHisLocationLine) {
   placeLocal(1000, 2000).alive = false;
   modMain::paintFrame();
   EXPECT_EQ(modMain::debugText, "Location: 1.000   2.000\r\nPaint Time:000\r\n");
-}
-
-// The clock moves on while the canvas is painted.
-class SlowPaint : public HeadlessBackend {
- public:
-  Tick paintTime = 0;
-  Tick tickCount() override { return ticks += paintTime; }
-};
-
-class FrameClock : public Frames {
- protected:
-  FrameClock() {
-    slow.pictureSource = plainSheet;
-    slow.path = machine.path;
-    installBackend(&slow);
-  }
-  ~FrameClock() override { installBackend(&machine); }
-  /// A frame of an empty world reads the clock twice, so it takes this time.
-  void paint(Tick ms) {
-    slow.paintTime = ms;
-    modMain::paintFrame();
-  }
-  SlowPaint slow;
-};
-
-TEST_F(FrameClock, TheAverageIsOver101Frames) {
-  paint(505);
-  EXPECT_EQ(modMain::frameTimes[0], 505);
-  EXPECT_EQ(modMain::frameTime, 5) << "505 / 101";
-  paint(0);
-  EXPECT_EQ(modMain::frameTimes[0], 0);
-  EXPECT_EQ(modMain::frameTimes[1], 505);
-  for (int frame = 2; frame <= 100; ++frame) paint(0);
-  EXPECT_EQ(modMain::frameTimes[100], 505);
-  EXPECT_EQ(modMain::frameTime, 5) << "still in the sum";
-  paint(0);
-  EXPECT_EQ(modMain::frameTime, 0) << "dropped";
-}
-
-TEST_F(FrameClock, TheAverageIsRoundedToTheNearest) {
-  paint(50);
-  EXPECT_EQ(modMain::frameTime, 0) << ".495";
-  paint(1);
-  EXPECT_EQ(modMain::frameTime, 1) << "51 / 101 is .505";
-  paint(101);
-  EXPECT_EQ(modMain::frameTime, 2) << "152 / 101 is 1.505";
-}
-
-TEST_F(FrameClock, ItClimbsToTheRealTimeOverAHundredFrames) {
-  for (int frame = 0; frame < 101; ++frame) paint(20);
-  EXPECT_EQ(modMain::frameTime, 20);
-  EXPECT_EQ(modMain::getTimeScale(), 2);
-}
-
-TEST_F(FrameClock, Q126TheTextShowsTheAverageBeforeThisFrame) {
-  paint(101 * 12);
-  EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
-  paint(0);
-  EXPECT_EQ(modMain::debugText, "Paint Time:012\r\n");
 }
 
 // Time passes whenever a glyph is asked for, so in the text layers alone.

@@ -230,6 +230,18 @@ TEST_F(PlayerPainting, TheRadarShowsTheWholeWorld) {
   EXPECT_EQ(pixelAt(radar(), 50, 74), white);
 }
 
+// In slot 0 a player's own paint carries out the captures of the tail, here of the player themself.
+TEST_F(PlayerPainting, TheTailIsPaintedBeforeTheDot) {
+  clsPlayer& other = placeOpponent(5, 50000, 50000);
+  other.addTail({10000, 10000});
+  other.addTail({10100, 10000});
+  modMain::addKillerTail(other.serverNode, other.serverNode, 10000, 10000);
+  paint(other);
+  ASSERT_FALSE(other.alive);
+  EXPECT_EQ(countPixels(radar(), white), radar().pixelWidth() * radar().pixelHeight()) << "no dot for the dead";
+  EXPECT_EQ(centre(), exchangedOnWhite(0, playerGreen + 5));
+}
+
 TEST_F(PlayerPainting, EachColourHasItsDot) {
   for (std::int16_t colour = 0; colour < 6; ++colour) {
     paint(placeOpponent(colour, 50000, 50000));

@@ -1,0 +1,164 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <variant>
+
+#include "bench/surfaceRecorder.h"
+#include "tests/rendering/paintTest.h"
+
+// What the paint time counts, and how it becomes the time scale.
+namespace kelvora {
+namespace {
+
+/// Every reading of the clock takes a while.
+class SlowClock : public HeadlessBackend {
+ public:
+  Tick perReading = 0;
+  Tick tickCount() override { return ticks += perReading; }
+};
+
+class FrameClock : public PaintTest {
+ protected:
+  FrameClock() {
+    modMain::mousePos = {1000, 1000};
+    slow.pictureSource = plainSheet;
+    slow.path = machine.path;
+    installBackend(&slow);
+  }
+  ~FrameClock() override { installBackend(&machine); }
+  /// A frame of an empty world reads the clock twice, so it takes this time.
+  void paint(Tick ms) {
+    slow.perReading = ms;
+    modMain::paintFrame();
+  }
+  SlowClock slow;
+};
+
+TEST_F(FrameClock, TheAverageIsOver101Frames) {
+  paint(505);
+  EXPECT_EQ(modMain::frameTimes[0], 505);
+  EXPECT_EQ(modMain::frameTime, 5) << "505 / 101";
+  paint(0);
+  EXPECT_EQ(modMain::frameTimes[0], 0);
+  EXPECT_EQ(modMain::frameTimes[1], 505);
+  for (int frame = 2; frame <= 100; ++frame) paint(0);
+  EXPECT_EQ(modMain::frameTimes[100], 505);
+  EXPECT_EQ(modMain::frameTime, 5) << "still in the sum";
+  paint(0);
+  EXPECT_EQ(modMain::frameTime, 0) << "dropped";
+}
+
+TEST_F(FrameClock, TheAverageIsRoundedToTheNearest) {
+  paint(50);
+  EXPECT_EQ(modMain::frameTime, 0) << ".495";
+  paint(1);
+  EXPECT_EQ(modMain::frameTime, 1) << "51 / 101 is .505";
+  paint(101);
+  EXPECT_EQ(modMain::frameTime, 2) << "152 / 101 is 1.505";
+}
+
+TEST_F(FrameClock, ItClimbsToTheRealTimeOverAHundredFrames) {
+  for (int frame = 0; frame < 101; ++frame) paint(20);
+  EXPECT_EQ(modMain::frameTime, 20);
+  EXPECT_EQ(modMain::getTimeScale(), 2);
+}
+
+TEST_F(FrameClock, Q126TheTextShowsTheAverageBeforeThisFrame) {
+  paint(101 * 12);
+  EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
+  paint(0);
+  EXPECT_EQ(modMain::debugText, "Paint Time:012\r\n");
+}
+
+TEST_F(FrameClock, TheCentreMessageAgesByTheTimeScaleBeforeThisFrame) {
+  modMain::showCentreMessage("abcd");
+  paint(101 * 20);  // the average becomes 20, a time scale of 2
+  EXPECT_EQ(modMain::centreMessageAge, 1);
+  paint(0);
+  EXPECT_EQ(modMain::centreMessageAge, 3);
+}
+
+/// Shows nothing; notes the frame time at each showing and lets time pass.
+class ShowingPeer : public Peer {
+ public:
+  ShowingPeer(Tick& clock, std::vector<std::int32_t>& frameTimes) : clock_(clock), frameTimes_(frameTimes) {}
+  void changed(PropertyId) override {}
+  void present() override {
+    clock_ += 10'000'000;
+    frameTimes_.push_back(modMain::frameTime);
+  }
+
+ private:
+  Tick& clock_;
+  std::vector<std::int32_t>& frameTimes_;
+};
+
+/// Each kind of work takes a time of its own, a power of ten, so that a paint time tells in its digits how often each
+/// was done while it was measured: lines, circles, copies, texts and readings of the clock. Clearing and showing a
+/// surface take far longer.
+class PaintTime : public FrameClock {
+ protected:
+  PaintTime() {
+    slow.perReading = 1'000'000;
+    recorder.onCall = [this](const bench::DrawingCall& call) { slow.ticks += durationOf(call); };
+    for (PictureBox* surface : {&canvas(), &radar()}) {
+      surface->peer = std::make_unique<ShowingPeer>(slow.ticks, shownFrameTimes);
+    }
+  }
+  ~PaintTime() override {
+    canvas().peer.reset();
+    radar().peer.reset();
+  }
+  static Tick durationOf(const bench::DrawingCall& call) {
+    if (std::holds_alternative<bench::LineCall>(call.what)) return 1;
+    if (std::holds_alternative<bench::CircleCall>(call.what)) return 100;
+    if (std::holds_alternative<bench::CopyCall>(call.what)) return 1'000;
+    if (std::holds_alternative<bench::PrintCall>(call.what)) return 100'000;
+    return 10'000'000;
+  }
+  static void addStar() {
+    modMain::particles.resize(1);
+    modMain::particles[0].position = {50000, 50000};
+    modMain::particles[0].depth = 1;
+    modMain::particleCount = 1;
+  }
+  std::int32_t paintAndMeasure() {
+    modMain::paintFrame();
+    return modMain::frameTimes[0];
+  }
+  std::vector<std::int32_t> shownFrameTimes;
+  bench::SurfaceRecorder recorder;
+};
+
+// The border has 4 lines, the icons 12 copies and the pointer 2. The end of the measurement is a reading of its own.
+TEST_F(PaintTime, CountsBorderIconsAndPointerInAnEmptyWorld) { EXPECT_EQ(paintAndMeasure(), 1'014'004); }
+
+// In addition: a star's circle; a ball of the server's with 2 copies; an opponent with 2 for his dot, 2 for his ball
+// and a reading for his tail's ageing; the local player with the same, the 2 lines of the crosshair and 6 stock
+// numbers.
+TEST_F(PaintTime, CountsTheWholeWorldAndNeitherClearingTextsNorShowing) {
+  placeLocal().addTail({51000, 50000});
+  placeOpponent(3, 52000, 50000).addTail({53000, 50000});
+  addStar();
+  modMain::receiveParticleNew("n", 4, 50000, 50000, 0, 0);
+  modMain::showCentreMessage("abcd");
+  EXPECT_EQ(paintAndMeasure(), 3'624'106);
+}
+
+// A ghost has no dot. It is the first thing painted.
+TEST_F(PaintTime, CountsAGhostThatIsPaintedFirst) {
+  clsPlayer& ghost = placeLocal();
+  ghost.addTail({51000, 50000});
+  ghost.alive = false;
+  EXPECT_EQ(paintAndMeasure(), 2'616'006);
+}
+
+TEST_F(PaintTime, TheNewAverageCountsOnceThePictureIsShown) {
+  paintAndMeasure();
+  paintAndMeasure();
+  // 1014004 / 101 is 10039.6.
+  EXPECT_EQ(shownFrameTimes, (std::vector<std::int32_t>{0, 0, 10'040, 10'040}));
+}
+
+}  // namespace
+}  // namespace kelvora
