@@ -81,6 +81,30 @@ TEST_F(Console, Q043TheMarkCountsAmongTheCharactersOfItsLine) {
   EXPECT_EQ(chatLines[3].text, "");
 }
 
+// "> " and 77 letters put the blank at place 80 of its line; one letter less puts it at 79.
+TEST_F(Console, Q043AContinuationSplitsAtABlankWithTheMarkCounted) {
+  const std::string whole(90, 'x');
+  printChat(whole + std::string(77, 'a') + " " + std::string(20, 'b'), 0);
+  EXPECT_EQ(chatLines[2].text, whole);
+  EXPECT_EQ(chatLines[1].text, "> " + std::string(77, 'a') + " ");
+  EXPECT_EQ(chatLines[0].text, "> " + std::string(20, 'b'));
+
+  printChat(whole + std::string(76, 'a') + " " + std::string(20, 'b'), 0);
+  EXPECT_EQ(chatLines[2].text, whole);
+  EXPECT_EQ(chatLines[1].text, "> " + std::string(76, 'a') + " " + std::string(11, 'b'));
+  EXPECT_EQ(chatLines[0].text, "> " + std::string(9, 'b'));
+}
+
+TEST_F(Console, AContinuationKeepsItsLeadingBlanks) {
+  printChat(std::string(90, 'x') + "   y", 0);
+  EXPECT_EQ(chatLines[1].text, std::string(90, 'x'));
+  EXPECT_EQ(chatLines[0].text, ">    y") << "the mark, its blank and the three of the text";
+
+  printChat(std::string(89, 'x') + "    y", 0);
+  EXPECT_EQ(chatLines[1].text, std::string(89, 'x') + " ") << "the split takes one of the blanks";
+  EXPECT_EQ(chatLines[0].text, ">    y");
+}
+
 TEST_F(Console, ABlankAtEightyToNinetyIsWhereALineSplits) {
   for (std::size_t p = 80; p <= 90; ++p) {
     const std::string text = std::string(p - 1, 'a') + " " + std::string(100 - p, 'b');

@@ -74,6 +74,12 @@ TEST_F(Chat, Q076ALineOfWhichNothingIsLeftIsSentAllTheSame) {
   EXPECT_EQ(chats(), (std::vector<WireMessage>{chat("-1", ""), chat("9", "(private) ")}));
 }
 
+TEST_F(Chat, ATildeBehindADroppedCharacterIsChat) {
+  enter("\xE9~?");
+  EXPECT_EQ(chats(), std::vector<WireMessage>{chat("-1", "~?")});
+  EXPECT_TRUE(machine.messageBoxes.empty()) << "the filter works after the look at the first character";
+}
+
 TEST_F(Chat, APrivateLineGoesToThePartner) {
   netMan::selectPrivateTarget("cat");
   enter("psst");
@@ -206,6 +212,20 @@ TEST_F(Chat, Q081TheNewLineTakesTheTwoNewestPlaces) {
   EXPECT_EQ(frmMain->chatHistory[1], "two");
   EXPECT_EQ(frmMain->chatHistory[2], "one");
   EXPECT_EQ(frmMain->chatHistory[3], "");
+}
+
+TEST_F(Chat, EmptyAndUntrimmedLinesAreStoredAsTheyAre) {
+  enter("one");
+  enter("");
+  EXPECT_EQ(frmMain->chatHistory[0], "");
+  EXPECT_EQ(frmMain->chatHistory[1], "");
+  EXPECT_EQ(frmMain->chatHistory[2], "one");
+  forgetSent();
+  enter("  two ");
+  EXPECT_EQ(frmMain->chatHistory[0], "  two ");
+  EXPECT_EQ(frmMain->chatHistory[2], "");
+  EXPECT_EQ(frmMain->chatHistory[3], "one");
+  EXPECT_EQ(chats(), std::vector<WireMessage>{chat("-1", "  two ")});
 }
 
 TEST_F(Chat, Q080UpAddsABlankAndDownDoesNot) {

@@ -208,6 +208,16 @@ TEST_F(Dispatch, AliveStateOfTheLocalPlayer) {
   EXPECT_TRUE(localPlayer.alive);
 }
 
+TEST_F(Dispatch, AnAliveStateOfTheLocalPlayerShowsTheNextTip) {
+  modMain::showCentreMessage("old");
+  serverSends(wire::msgAliveState, {"7", "0"});
+  EXPECT_EQ(modMain::centreMessage, "old");
+  serverSends(wire::msgAliveState, {"7", "1"});
+  EXPECT_EQ(modMain::centreMessage, "Right-Click to release or engage breaks");
+  serverSends(wire::msgAliveState, {"7", "1"});
+  EXPECT_EQ(modMain::centreMessage, "Hold down the mouse button to prevent mouse from leaving viewport");
+}
+
 TEST_F(Dispatch, Q068AliveStateNeverChangesAnOpponent) {
   serverSends(wire::msgAliveState, {"9", "0"});
   EXPECT_TRUE(opponents[0].alive);
@@ -272,8 +282,10 @@ TEST_F(GameTest, TooFewFieldsMeanNoEffectForAnyMessage) {
                                         {144, {"9"}},
                                         {141, {"7", "9", "3"}},
                                         {148, {"9"}},
+                                        {151, {"0", "2"}},
                                         {156, {"9"}},
                                         {157, {"7"}},
+                                        {160, {"0", "2"}},
                                         {161, {"9"}},
                                         {164, {"p", "1", "2", "3", "4"}},
                                         {165, {"p", "1"}}};
@@ -284,6 +296,8 @@ TEST_F(GameTest, TooFewFieldsMeanNoEffectForAnyMessage) {
   EXPECT_EQ(opponents[0].positionQueueCount(), 0);
   EXPECT_EQ(opponents[0].velocity, velocity);
   EXPECT_EQ(opponents[0].funds(), 10);
+  EXPECT_EQ(localPlayer.funds(), 10);
+  EXPECT_EQ(localPlayer.powerups[0].count, 0);
   EXPECT_FALSE(opponents[0].powerups[0].active);
   EXPECT_TRUE(modMain::killerTails.empty());
   EXPECT_TRUE(localPlayer.alive);

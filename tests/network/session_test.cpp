@@ -68,6 +68,7 @@ TEST_F(Session, TheStateIsShownBeforeTheLoginGoesOut) {
 
 TEST_F(Session, AnAcceptedLoginPutsThePlayerIntoTheGame) {
   frmMain->lbUserName[1].BackColor = RGB(128, 0, 0);
+  frmMain->lbUserName[1].Caption = "Bob";
   frmMain->lbcConnect.Visible = true;
   connect("Ann", 0);
   serverSends(wire::msgLoginAccepted, {"3", "7", "1000", "2000"});
@@ -81,8 +82,8 @@ TEST_F(Session, AnAcceptedLoginPutsThePlayerIntoTheGame) {
   EXPECT_EQ(lastLine().text, "Login accepted, Ann you are assigned the color Cyan");
   EXPECT_EQ(lastLine().colour, serverLine);
   EXPECT_EQ(modMain::centreMessage, "Capture your opponents in a loop of your tail");
-  EXPECT_EQ(frmMain->lbUserName[3].Caption.get(), "Ann");
   for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(frmMain->lbUserName[i].Caption.get(), i == 3 ? "Ann" : i == 1 ? "Bob" : "") << "others keep theirs " << i;
     EXPECT_EQ(frmMain->lbUserName[i].BackColor.get(), i == 3 ? RGB(128, 0, 0) : RGB(0, 0, 0)) << i;
   }
   EXPECT_FALSE(frmMain->lbcConnect.Visible);
@@ -186,6 +187,19 @@ TEST_F(Session, APlayerWhoLeavesIsClearedFromTheList) {
   for (const Pixel pixel : frmMain->picCaps[2].pixels()) ASSERT_EQ(pixel & 0xFFFFFF, 0U);
 }
 
+TEST_F(Session, APlayerWhoLeavesIsToldByTheirOwnName) {
+  login();
+  join(9, 2, "Bob");
+  join(10, 2, "Cat");
+  join(11, 3, "Dan");
+  ASSERT_EQ(frmMain->lbUserName[2].Caption.get(), "Cat") << "two of one colour share a label";
+  serverSends(wire::msgPlayerLeft, {"9"});
+  EXPECT_EQ(lastLine().text, "Bob has disconnected.");
+  EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "");
+  serverSends(wire::msgPlayerLeft, {"11"});
+  EXPECT_EQ(lastLine().text, "Dan has disconnected.");
+}
+
 TEST_F(Session, Q074AnUnknownLeaverIsTakenForTheFirstOpponent) {
   login();
   join(9, 2, "Bob");
@@ -199,9 +213,14 @@ TEST_F(Session, Q074AnUnknownLeaverIsTakenForTheFirstOpponent) {
 TEST_F(Session, TheOwnNodeCannotLeave) {
   login(0, 7);
   join(9, 2, "Bob");
+  modMain::chatLines = {};
+  frmMain->lblKills[0].Caption = "3";
   serverSends(wire::msgPlayerLeft, {"7"});
   EXPECT_TRUE(localPlayer.isConnected);
   EXPECT_TRUE(opponents[0].isConnected);
+  EXPECT_EQ(lastLine().text, "");
+  EXPECT_EQ(frmMain->lbUserName[0].Caption.get(), "Ann");
+  EXPECT_EQ(frmMain->lblKills[0].Caption.get(), "3");
 }
 
 TEST_F(Session, ASpawnRequestIsSentAndTold) {
@@ -210,6 +229,7 @@ TEST_F(Session, ASpawnRequestIsSentAndTold) {
   EXPECT_EQ(server().sent, "\x80\x98\x81");
   EXPECT_EQ(lastLine().text, "Requesting spawn permission from the server...");
   EXPECT_EQ(lastLine().colour, RGB(255, 255, 255));
+  EXPECT_EQ(lastLine().size, 0) << "no font styles this line";
 }
 
 TEST_F(Session, Q070ASpawnRequestWithoutConnectionIsToldAndNotSent) {
