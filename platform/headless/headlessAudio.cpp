@@ -20,7 +20,9 @@ void HeadlessSound::silence(bool silent) {
 }
 
 void HeadlessSound::note(const std::string& command) {
-  screen_->machine->soundCommands.push_back(file_.substr(file_.rfind('/') + 1) + " " + command);
+  HeadlessBackend& machine = *screen_->machine;
+  machine.soundCommands.push_back(file_.substr(file_.rfind('/') + 1) + " " + command);
+  machine.journal.push_back("sound " + machine.soundCommands.back());
 }
 
 HeadlessMusic::HeadlessMusic(std::shared_ptr<HeadlessScreen> screen) : screen_(std::move(screen)) {}
@@ -28,6 +30,7 @@ HeadlessMusic::HeadlessMusic(std::shared_ptr<HeadlessScreen> screen) : screen_(s
 void HeadlessMusic::play(const std::string& file) {
   HeadlessBackend& machine = *screen_->machine;
   machine.tracks.push_back(file);
+  machine.journal.push_back("track " + file);
   machine.playState = machine.missingFiles.contains(file) ? psStopped : psPlaying;
 }
 

@@ -62,8 +62,8 @@ class HeadlessBackend : public Backend {
   std::vector<std::string> tracks;         ///< paths that the music player was given
   int doEventsCount = 0;
   bool lastMayWait = false;  ///< the argument of the last DoEvents
-  /// In order: "read section/key", "write section/key=text", "picture path", "randomize", "show caption",
-  /// "hide caption", "modal caption", "box text", "DoEvents", "end".
+  /// In order: "read section/key", "write section/key=text", "picture path", "sound bounce.wav play", "track path",
+  /// "connect host:port", "randomize", "show caption", "hide caption", "modal caption", "box text", "DoEvents", "end".
   std::vector<std::string> journal;
 
   /// The control that asked for the keyboard focus last; null if it is gone.

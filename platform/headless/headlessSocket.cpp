@@ -17,6 +17,7 @@ HeadlessSocket::~HeadlessSocket() {
 
 void HeadlessSocket::connect(const std::string& host, int port) {
   connects.emplace_back(host, port);
+  screen_->machine->journal.push_back("connect " + host + ":" + std::to_string(port));
   state_ = sckConnecting;
 }
 

@@ -29,19 +29,26 @@ class StartUp : public GameTest {
 };
 
 TEST_F(StartUp, GoesStepByStepInItsOrder) {
+  machine.scriptedDraws = {0.5F};  // the second track, so that the third one is next
   start();
   std::vector<std::string> expected = {"read audio/music", "read audio/sfx",    "read misc/directionalLine",
                                        "read misc/quarks", "read misc/updates", "randomize"};
+  for (const std::string name :
+       {"capture", "bounce", "error", "puShield", "puTurbo", "puChargedTail", "puLongTail", "puLaser", "puMissile"}) {
+    expected.push_back("sound " + name + ".wav open");
+  }
+  expected.push_back("track " + machine.path + "/sounds/music3.mp3");
   for (const std::string purpose : {"0", "1", "2", "3", "4"}) {
     for (const std::string key : {"size", "colorR", "colorG", "colorB", "family"}) {
       expected.push_back("read fonts/" + purpose + key);
     }
   }
   for (const std::string& step :
-       {std::string("show Kelvora v1.2.1"), "picture " + machine.path + "/kelvora.jpg",
-        std::string("read last login/player name"), std::string("read last login/server address"),
-        std::string("read last login/server port"), std::string("read last login/server password"),
-        std::string("read last login/player color"), std::string("show Connect"), std::string("DoEvents")}) {
+       {std::string("show Kelvora v1.2.1"), std::string("connect web.invalid:80"),
+        "picture " + machine.path + "/kelvora.jpg", std::string("read last login/player name"),
+        std::string("read last login/server address"), std::string("read last login/server port"),
+        std::string("read last login/server password"), std::string("read last login/player color"),
+        std::string("show Connect"), std::string("DoEvents")}) {
     expected.push_back(step);
   }
   EXPECT_EQ(happenings(), expected);
