@@ -116,6 +116,13 @@ TEST_F(SoundEvents, Q180AnEarlyEndStopsTheSoundOfThePowerupsOwnNumber) {
   EXPECT_TRUE(frmSound->mm(1).Silent());
 }
 
+TEST_F(SoundEvents, AnEarlyEndOfAnOpponentsPowerupStopsASoundToo) {
+  const std::int16_t bob = join(3, 1, "Bob");
+  machine.soundCommands.clear();
+  modMain::playerAt(bob).unactivatePowerup(1);
+  EXPECT_EQ(machine.soundCommands, stopping("bounce.wav"));
+}
+
 TEST_F(SoundEvents, AnEndBeyondTheSlotsStopsNothing) {
   modMain::localPlayer.unactivatePowerup(6);
   modMain::localPlayer.unactivatePowerup(-1);

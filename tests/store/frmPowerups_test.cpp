@@ -95,6 +95,22 @@ TEST_F(StoreWindow, HeadingsAndDesignTexts) {
   }
 }
 
+TEST_F(StoreWindow, NumbersStandInTheMiddleOfTheirColumnsAndTextsAtTheLeft) {
+  FrmPowerups& f = *frmPowerups;
+  for (const Label* label : {&f.Label6, &f.lblCapacity, &f.lblCredits, &f.lblFunds, &f.Label3, &f.Label5}) {
+    EXPECT_EQ(label->design.alignment, Alignment::Centre) << label->Caption.get();
+  }
+  for (const Label* label : {&f.Label2, &f.Label4, &f.lblWinners}) {
+    EXPECT_EQ(label->design.alignment, Alignment::Left) << label->Caption.get();
+  }
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(f.lblItemCost[i].design.alignment, Alignment::Centre);
+    EXPECT_EQ(f.lblCurrentStock[i].design.alignment, Alignment::Centre);
+    EXPECT_EQ(f.lblItemName[i].design.alignment, Alignment::Left);
+    EXPECT_EQ(f.lblItemDescription[i].design.alignment, Alignment::Left);
+  }
+}
+
 TEST_F(StoreWindow, EverythingStandsInsideAndNothingCoversAnother) {
   FrmPowerups& form = *frmPowerups;
   for (const Control* a : form.children()) {

@@ -14,6 +14,8 @@ class PowerupRules : public GameTest {
   clsPlayer& player() { return modMain::localPlayer; }
   static const std::string& lastLine() { return modMain::chatLines[0].text; }
   static Colour lastColour() { return modMain::chatLines[0].colour; }
+  /// The lines that no font styles are white as well; their size tells them from the white ones of the fonts.
+  static bool isPlain() { return lastColour() == RGB(255, 255, 255) && modMain::chatLines[0].size == 0; }
   /// Marks the console and the centre message, so that the next text shows.
   static void forgetTexts() {
     modMain::chatLines = {};
@@ -25,7 +27,6 @@ class PowerupRules : public GameTest {
   }
 };
 
-constexpr Colour white = RGB(255, 255, 255);
 constexpr Colour errorRed = RGB(255, 0, 0);
 
 TEST_F(PowerupRules, TheTableOfActivation) {
@@ -118,7 +119,7 @@ TEST_F(PowerupRules, Q045APulseWithoutAShieldIsRefusedEvenWithNoneInStock) {
     player().powerups[pulseSlot].count = count;
     frmMain->canvas.KeyDown(117, 0);
     EXPECT_EQ(lastLine(), "Refusing to activate EMP, doing so without your shield active will kill you too!!!");
-    EXPECT_EQ(lastColour(), white);
+    EXPECT_TRUE(isPlain());
     EXPECT_TRUE(server().sent.empty());
   }
 }
@@ -249,8 +250,30 @@ TEST_F(PowerupRules, TheLaserEndsAtTheNextTick) {
   nextSecond(player());
   EXPECT_FALSE(player().powerups[laserSlot].active);
   EXPECT_EQ(lastLine(), "Powerup faded...");
-  EXPECT_EQ(lastColour(), white);
+  EXPECT_TRUE(isPlain());
   EXPECT_EQ(modMain::centreMessage, "Powerup faded");
+}
+
+TEST_F(PowerupRules, AllThatRunOutInOneTickAreTold) {
+  for (const std::size_t slot : {shieldSlot, turboSlot, laserSlot}) player().powerups[slot] = {0, 1, true};
+  player().powerups[extendedTailSlot] = {0, 2, true};
+  forgetTexts();
+  nextSecond(player());
+  for (const std::size_t slot : {shieldSlot, turboSlot, laserSlot})
+    EXPECT_FALSE(player().powerups[slot].active) << slot;
+  EXPECT_TRUE(player().powerups[extendedTailSlot].active);
+  EXPECT_EQ(player().powerups[extendedTailSlot].timeLeft, 1);
+  for (std::size_t line = 0; line < 3; ++line) EXPECT_EQ(modMain::chatLines[line].text, "Powerup faded...");
+  EXPECT_EQ(modMain::chatLines[3].text, "");
+}
+
+TEST_F(PowerupRules, NoSoundStopsWhenAPowerupFades) {
+  soundMan::initAudio();
+  for (int slot = 0; slot < powerupSlotCount; ++slot) player().powerups[static_cast<std::size_t>(slot)] = {0, 1, true};
+  machine.soundCommands.clear();
+  nextSecond(player());
+  ASSERT_EQ(lastLine(), "Powerup faded...");
+  EXPECT_TRUE(machine.soundCommands.empty());
 }
 
 TEST_F(PowerupRules, IdleSlotsDoNotTick) {
@@ -289,7 +312,7 @@ TEST_F(PowerupRules, AnEarlyEndIsTold) {
     EXPECT_EQ(powerup.count, 2);
     EXPECT_EQ(lastLine(), row.line);
     if (row.line[0] != '\0') {
-      EXPECT_EQ(lastColour(), white);
+      EXPECT_TRUE(isPlain());
     }
   }
 }

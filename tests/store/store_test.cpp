@@ -75,6 +75,14 @@ TEST_F(Store, ItPlaysTheShoppingMusic) {
   EXPECT_EQ(machine.tracks, std::vector<std::string>{machine.path + "/sounds/music_shopping.mp3"});
 }
 
+TEST_F(Store, OpeningItOnceMoreStartsTheTrackAnew) {
+  modMain::openStore();
+  machine.tracks.clear();
+  frmMain->btnShop.Click();
+  ASSERT_TRUE(frmPowerups.isVisible());
+  EXPECT_EQ(machine.tracks, std::vector<std::string>{machine.path + "/sounds/music_shopping.mp3"});
+}
+
 TEST_F(Store, Q270ClosingItDoesNotStopTheShoppingMusic) {
   modMain::openStore();
   const std::size_t started = machine.tracks.size();
