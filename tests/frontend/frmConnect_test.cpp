@@ -217,6 +217,13 @@ TEST_F(ConnectDialog, APressOnACircleChoosesItsColour) {
   }
 }
 
+TEST_F(ConnectDialog, EveryButtonChoosesAColour) {
+  for (const int button : {1, 2, 4}) {
+    frmConnect->lblShapeSelect.MouseDown(button, 0, 120.0F + 300.0F * static_cast<float>(button) + 100, 100);
+    EXPECT_EQ(frmConnect->colour, button) << "circle " << button;
+  }
+}
+
 TEST_F(ConnectDialog, BothEndsOfACircleBelongToIt) {
   // Circle 2 is 195 wide from 2460, and the label begins at 1740.
   press(720, 0);
@@ -285,8 +292,8 @@ TEST_F(ConnectDialog, Q232APortMayHaveAFractionAndIsRoundedToEvenBehindTheCheck)
     const char* text;
     int port;
   };
-  for (const Row& row :
-       {Row{"1", 1}, Row{"32766", 32766}, Row{"2010.5", 2010}, Row{"2011.5", 2012}, Row{"80x", 80}, Row{"0.3", 0}}) {
+  for (const Row& row : {Row{"1", 1}, Row{"32766", 32766}, Row{"32766.6", 32767}, Row{"2010.5", 2010},
+                         Row{"2011.5", 2012}, Row{"80x", 80}, Row{"0.3", 0}}) {
     connectWith("Ann", "arena.test", row.text);
     ASSERT_FALSE(server().connects.empty());
     EXPECT_EQ(server().connects.back().second, row.port) << row.text;
@@ -315,6 +322,14 @@ TEST_F(ConnectDialog, ABlankIsAName) {
   connectWith(" ", " ", "3000");
   EXPECT_TRUE(machine.messageBoxes.empty());
   EXPECT_EQ(netMan::playerName, " ");
+}
+
+TEST_F(ConnectDialog, ASeparatorInTheNameBreaksTheLoginIntoMoreFields) {
+  connectWith("An\x82n", "arena.test", "3000");
+  server().acceptConnection();
+  passEvents();
+  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgLogin, {"An", "n", "", "0", "1.2.1"}}}));
+  EXPECT_EQ(stored("player name"), "An\x82n");
 }
 
 TEST_F(ConnectDialog, Q042ARefusedAttemptHasSavedItsValues) {

@@ -159,6 +159,18 @@ TEST_F(MainWindow, TheChatEntryAndItsTarget) {
   EXPECT_EQ(frmMain->txtChat.TabIndex, 0);
 }
 
+TEST_F(MainWindow, TextsStandInTheMiddleButForNamesAndLag) {
+  FrmMain& f = *frmMain;
+  for (const Label* label : {&f.Label2, &f.lblCredits, &f.Label3, &f.lblPrivChat, &f.lblNetStatus}) {
+    EXPECT_EQ(label->design.alignment, Alignment::Centre) << label->Caption.get();
+  }
+  EXPECT_EQ(f.lblLag.design.alignment, Alignment::Left);
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(f.lbUserName[i].design.alignment, Alignment::Left);
+    EXPECT_EQ(f.lblKills[i].design.alignment, Alignment::Centre);
+  }
+}
+
 TEST_F(MainWindow, TheStatusBar) {
   EXPECT_EQ(frmMain->frame_Status.Caption, "");
   EXPECT_EQ(frmMain->frame_Status.BackColor, black);
