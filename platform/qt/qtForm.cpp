@@ -155,15 +155,16 @@ void FormPeer::showWindow() {
   if (!mainWindow) mainWindow = window_.get();
   const bool modal = form_.modality() == Form::Modality::Modal;
   window_->setWindowModality(modal ? Qt::ApplicationModal : Qt::NonModal);
+  if (!shownBefore_) {
+    orderTabs();
+    // Ahead of the native window: a place that it gets later is taken for that of the client area.
+    placeWindow();
+  }
   if (!window_->isVisible() && window_.get() != mainWindow) {
     window_->winId();  // the native window must be there to be told whose dialog it is
     QWidget* active = QApplication::activeWindow();
     QWidget* owner = modal && active && active != window_.get() ? active : mainWindow.data();
     if (owner && owner->windowHandle()) window_->windowHandle()->setTransientParent(owner->windowHandle());
-  }
-  if (!shownBefore_) {
-    orderTabs();
-    placeWindow();
   }
   shownBefore_ = true;
   window_->show();
@@ -183,9 +184,12 @@ void FormPeer::placeWindow() {
   if (seen != client && form_.design.border == Form::Border::Sizable) window_->resizeClient(seen);
   if (seen != client && form_.design.border == Form::Border::Fixed) window_->scrollClient(client, room);
   const QSize outer = seen + frame;
-  const QPoint centre = isMain ? screen.center() : mainWindow->frameGeometry().center();
   QPoint corner(toPixels(form_.Left), toPixels(form_.Top));
-  if (!placedByGame_) corner = centre - QPoint(outer.width() / 2, outer.height() / 2);
+  if (!placedByGame_) {
+    // The window manager's frames are as thick round one window as round the other.
+    const QSize margin = (isMain ? screen.size() - outer : mainWindow->size() - seen) / 2;
+    corner = (isMain ? screen.topLeft() : mainWindow->pos()) + QPoint(margin.width(), margin.height());
+  }
   const QPoint inside(std::clamp(corner.x(), screen.left(), std::max(screen.right() - outer.width(), screen.left())),
                       std::clamp(corner.y(), screen.top(), std::max(screen.bottom() - outer.height(), screen.top())));
   window_->move(inside);

@@ -30,14 +30,15 @@ CHAT, SERVER_TEXT = 144, 162
 
 
 def wait_for(condition, what, seconds=20.0, pause=0.05):
-    """The first true result of `condition`; fails the test when there is none in time."""
+    """The first true result of `condition`; fails the test when there is none in time. `what` names it, and may be a call
+    that does."""
     deadline = time.monotonic() + seconds
     while True:
         result = condition()
         if result:
             return result
         if time.monotonic() > deadline:
-            raise AssertionError(f"not within {seconds} s: {what}")
+            raise AssertionError(f"not within {seconds} s: {what() if callable(what) else what}")
         time.sleep(pause)
 
 
@@ -84,9 +85,10 @@ class Picture:
 
 
 class Display:
-    """A screen with openbox, on a display number that was free."""
+    """A screen with openbox, on a display number that was free. `border` and `padding` give the window manager's frames
+    other sizes than its own, in pixels."""
 
-    def __init__(self, size="1280x1024"):
+    def __init__(self, size="1280x1024", border=None, padding=None):
         self.folder = tempfile.mkdtemp(prefix="kelvora-display-")
         reader, writer = os.pipe()
         self.xvfb = subprocess.Popen(
@@ -101,9 +103,23 @@ class Display:
                                 XDG_CONFIG_HOME=self.folder, XDG_CACHE_HOME=self.folder, XDG_RUNTIME_DIR=self.folder)
         for name in ("WAYLAND_DISPLAY", "XAUTHORITY", "SESSION_MANAGER", "KELVORA_FRAME_MS"):
             self.environment.pop(name, None)
+        if border is not None:
+            self.choose_frame(border, padding)
         self.manager = subprocess.Popen(["openbox", "--sm-disable"], env=self.environment, stdin=subprocess.DEVNULL,
                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         wait_for(self.manager_answers, "the window manager")
+
+    def choose_frame(self, border, padding):
+        """A theme of the window manager's, named in a copy of its usual settings."""
+        theme = os.path.join(self.folder, ".themes", "Frame", "openbox-3")
+        os.makedirs(theme)
+        with open(os.path.join(theme, "themerc"), "w") as file:
+            file.write(f"border.width: {border}\npadding.height: {padding}\n")
+        with open("/etc/xdg/openbox/rc.xml") as file:
+            settings = file.read()
+        os.makedirs(os.path.join(self.folder, "openbox"))
+        with open(os.path.join(self.folder, "openbox", "rc.xml"), "w") as file:
+            file.write(re.sub(r"(<theme>\s*<name>)[^<]*", r"\1Frame", settings))
 
     def manager_answers(self):
         """A window that asks to be shown while openbox is still starting never is: a wish has to come true first."""
@@ -141,6 +157,13 @@ class Window:
         text = self.display.run("xwininfo", "-id", self.identifier)
         keys = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
         return tuple(int(re.search(key + r":\s+(-?\d+)", text)[1]) for key in keys)
+
+    def frame(self):
+        """The same of the frame that the window manager draws round it."""
+        left, top, width, height = self.geometry()
+        extents = self.display.run("xprop", "-id", self.identifier, "_NET_FRAME_EXTENTS")
+        before, after, above, below = (int(pixels) for pixels in re.findall(r"\d+", extents))
+        return left - before, top - above, width + before + after, height + above + below
 
     def is_shown(self):
         return "IsViewable" in self.display.run("xwininfo", "-id", self.identifier)
@@ -380,10 +403,11 @@ class DesktopTest(unittest.TestCase):
     """One display for all tests of a class; a client and servers of its own for each test."""
 
     screen = "1280x1024"
+    frame = {}  # sizes of the window manager's frames, if not its own
 
     @classmethod
     def setUpClass(cls):
-        cls.display = Display(cls.screen)
+        cls.display = Display(cls.screen, **cls.frame)
         cls.addClassCleanup(cls.display.close)
 
     def start_client(self, **options):
