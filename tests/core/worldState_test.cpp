@@ -97,6 +97,17 @@ TEST_F(WorldState, Distance) {
   EXPECT_EQ(getDistance({0, 0}, {100'000, 100'000}), 141'421.36F);
 }
 
+TEST_F(WorldState, ADistanceIsASingleOfSquaresInDouble) {
+  // Squares in single precision would make it 24582.998.
+  EXPECT_EQ(getDistance({0, 0}, {4'433, 24'180}), 24'583.0F);
+  // 499.9999957, nearer to 500 than to the single below it.
+  EXPECT_EQ(getDistance({0, 0}, {139.99998F, 480}), 500.0F);
+  // 2^24 + 1 is no single: the difference is narrowed to 2^24, and 16777216.9998 to an even number. With the wide
+  // difference it would be 16777217.9998, and so 16777218.
+  EXPECT_EQ(getDistance({16'777'216, 5'792}, {-1, 0}), 16'777'216.0F);
+  EXPECT_EQ(getDistance({0, 16'777'216}, {5'792, -1}), 16'777'216.0F);
+}
+
 TEST_F(WorldState, TheScreenEndsAtTheCanvasEdgeAndTheEdgeBelongsToIt) {
   // The local player is at the canvas's centre: at the design size (5722, 4560) of 11445 by 9120.
   modMain::localPlayer.position = {50'000, 50'000};

@@ -53,6 +53,20 @@ TEST_F(ParticleGlide, Q115AJumpKeepsTheOldStep) {
   EXPECT_EQ(particle.position, (Vector{49970, 49960})) << "not a seventh of the way to the next position";
 }
 
+// Taken in three ways: two off the canvas and a jump in the first frame, an arrival in the second.
+TEST_F(ParticleGlide, EveryPositionThatIsTakenIsGivenBack) {
+  for (const Vector point : {Vector{90000, 90000}, Vector{10000, 10000}, Vector{50100, 50000}, Vector{50200, 50000}}) {
+    particle.queuePosition(point);
+  }
+  ASSERT_EQ(modMain::queuedPositions, 4U);
+  particle.moveNormal();
+  EXPECT_EQ(particle.position, (Vector{50100, 50000}));
+  EXPECT_EQ(modMain::queuedPositions, 1U);
+  particle.moveNormal();
+  EXPECT_EQ(particle.position, (Vector{50200, 50000}));
+  EXPECT_EQ(modMain::queuedPositions, 0U);
+}
+
 TEST_F(ParticleGlide, AStepWithAZeroOnEitherAxisIsNotTrusted) {
   for (const Vector step : {Vector{-30, 0}, Vector{0, -30}}) {
     particle.stepSet = true;

@@ -178,6 +178,7 @@ TEST_F(Particles, MotionFollowsDepthAndTimeScale) {
   modMain::frameTime = 20;
   particle.move();
   EXPECT_FLOAT_EQ(particle.position.x, 42);
+  EXPECT_FLOAT_EQ(particle.position.y, -42);
 }
 
 TEST_F(Particles, Q117Depth15StandsAndDepth16DriftsBackwards) {

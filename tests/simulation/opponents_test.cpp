@@ -225,6 +225,32 @@ TEST_F(Opponents, TheFarEdgesStopAsWell) {
   EXPECT_EQ(other().velocity, (Vector{-150, -250}));
 }
 
+// A step to one unit beyond an edge is stopped, one to the edge itself is not.
+TEST_F(Opponents, TheEdgeItselfBelongsToTheWorld) {
+  const auto stepTo = [this](Vector point, Vector velocity) {
+    modMain::localPlayer.position = point;
+    other().position = {point.x - velocity.x, point.y - velocity.y};
+    other().positionQueue = {{point.x < 50000 ? 2000.0F : 98000.0F, point.y < 50000 ? 2000.0F : 98000.0F}};
+    other().steering = true;
+    other().velocity = velocity;
+    other().moveAsOpponent();
+  };
+  stepTo({-1, -1}, {-10, -20});
+  EXPECT_EQ(other().position, (Vector{0, 0}));
+  EXPECT_EQ(other().velocity, (Vector{10, 20}));
+  stepTo({-.25F, -.25F}, {-10, -20});
+  EXPECT_EQ(other().position, (Vector{0, 0}));
+  stepTo({0, 0}, {-10, -20});
+  EXPECT_EQ(other().position, (Vector{0, 0}));
+  EXPECT_EQ(other().velocity, (Vector{-10, -20}));
+  stepTo({100001, 100001}, {10, 20});
+  EXPECT_EQ(other().position, (Vector{100000, 100000}));
+  EXPECT_EQ(other().velocity, (Vector{-10, -20}));
+  stepTo({100000, 100000}, {10, 20});
+  EXPECT_EQ(other().position, (Vector{100000, 100000}));
+  EXPECT_EQ(other().velocity, (Vector{10, 20}));
+}
+
 TEST_F(Opponents, ADeadOpponentGlidesWithoutATail) {
   other().setAlive(false);
   other().queuePosition({50700, 51400});

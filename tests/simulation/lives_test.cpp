@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include "audio/soundMan.h"
+#include "base/fault.h"
+#include "tests/support/gameTest.h"
+
+// What a death does each time, and what a death, a round's end and a new login leave alone.
+namespace kelvora {
+namespace {
+
+// Ann is the local player, red, node 7; Bob stands beside her in slot 0, yellow, node 8. Every effect is open.
+class Lives : public GameTest {
+ protected:
+  Lives() {
+    login(0, 7);
+    join(8, 1, "Bob", 50500, 50000);
+    soundMan::initAudio();
+    machine.soundCommands.clear();
+  }
+  clsPlayer& ann() { return modMain::localPlayer; }
+  clsPlayer& bob() { return modMain::opponents[0]; }
+  /// Ann captures Bob at a place where no vertex is known, so at once.
+  void captureBob() { serverSends(wire::msgTailCapture, {"7", "8", "1", "1"}); }
+  const std::vector<std::string> captureSound{"capture.wav Silent False", "capture.wav prev", "capture.wav play"};
+};
+
+TEST_F(Lives, ADeadVictimDiesOnceMore) {
+  bob().captures = {2, 3};
+  captureBob();
+  ASSERT_FALSE(bob().alive);
+  ASSERT_EQ(modMain::explosionCount, 2);
+  ASSERT_EQ(machine.soundCommands, captureSound);
+  machine.soundCommands.clear();
+  captureBob();
+  EXPECT_EQ(modMain::explosionCount, 4);
+  EXPECT_EQ(machine.soundCommands, captureSound);
+}
+
+TEST_F(Lives, OneCaptureMakesOneExplosionParticle) {
+  bob().captures = {2};
+  bob().die();
+  EXPECT_EQ(modMain::explosionCount, 1);
+}
+
+TEST_F(Lives, ARoundsEndKillsWithoutSoundOrExplosion) {
+  for (clsPlayer* player : {&ann(), &bob()}) {
+    player->captures = {2, 3};
+    player->setAlive(false);
+    EXPECT_FALSE(player->alive);
+  }
+  EXPECT_TRUE(machine.soundCommands.empty());
+  EXPECT_EQ(modMain::explosionCount, 0);
+}
+
+TEST_F(Lives, InitKeepsFlightReportsAnimationAndCaptures) {
+  for (clsPlayer* player : {&ann(), &bob()}) {
+    player->velocity = {12, -7};
+    player->reportCounter = 2;
+    player->animFalling = true;
+    player->animFrame = 3;
+    player->animTick = 6;
+    player->captures = {2, 5};
+    player->init(player->colour, player->playerIndex, player->serverNode, player->name);
+    EXPECT_EQ(player->velocity, (Vector{12, -7}));
+    EXPECT_EQ(player->reportCounter, 2);
+    EXPECT_TRUE(player->animFalling);
+    EXPECT_EQ(player->animFrame, 3);
+    EXPECT_EQ(player->animTick, 6);
+    EXPECT_EQ(player->captures, (std::vector<std::int16_t>{2, 5}));
+  }
+}
+
+TEST_F(Lives, KillsAreCountedInSixteenBits) {
+  ann().setKills(32766);
+  captureBob();
+  EXPECT_EQ(ann().kills, 32767);
+  EXPECT_THROW(ann().receiveCapture(4), RuntimeFault);
+  EXPECT_EQ(ann().kills, 32767);
+  EXPECT_EQ(ann().captures, (std::vector<std::int16_t>{1, 4})) << "the capture is noted before it is counted";
+  EXPECT_EQ(frmMain->lblKills[0].Caption.get(), "32767");
+}
+
+TEST_F(Lives, TheLagIsCountedInThirtyTwoBits) {
+  serverSends(wire::msgPing, {"1000"});
+  tick(2'147'483'647);
+  ann().receiveLatencyReport(41);
+  EXPECT_EQ(ann().lag, 2'147'483'647);
+  tick(1);
+  EXPECT_THROW(ann().receiveLatencyReport(42), RuntimeFault);
+  EXPECT_EQ(ann().lag, 2'147'483'647);
+  EXPECT_EQ(ann().reportedLag, 41);
+  EXPECT_EQ(frmMain->lblLag.Caption.get(), "2147483647/41");
+}
+
+}  // namespace
+}  // namespace kelvora
