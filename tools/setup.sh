@@ -4,13 +4,26 @@
 # What the game needs to be built and played, and what the checks need besides.
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libasio-dev libmicrohttpd-dev
   libcurl4-openssl-dev libfontconfig-dev libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
-check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-format clang-tidy python3
+check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 clang-format-14 clang-tidy-14 python3
   python3-numpy mpg123 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils imagemagick"
 
 say() { printf '==> %s\n' "$*"; }
 fail() {
   printf '%s\n' "" "$@" >&2
   exit 1
+}
+
+# clang_tool NAME: the command clang++, clang-format or clang-tidy in version 14. Each version finds other things and lays
+# out a little differently, so one version decides, and without it nothing passes.
+clang_tool() {
+  local name
+  for name in "$1-14" "$1"; do
+    if command -v "$name" >/dev/null && "$name" --version | grep -q 'version 14\.'; then
+      echo "$name"
+      return
+    fi
+  done
+  fail "$1 14 is needed and missing. Debian 12 and Ubuntu 24.04 have it; ./check installs it."
 }
 
 # missing_packages NAME...: those that dpkg does not have, one a line.

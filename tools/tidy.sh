@@ -3,22 +3,19 @@
 # or .clang-tidy changes.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
+# shellcheck source=tools/setup.sh
+source tools/setup.sh
 jobs=${1:-$(nproc)}
 
-# Each version finds other things, so one version decides.
-tidy=$(command -v clang-tidy-14 || command -v clang-tidy)
-if ! "$tidy" --version | grep -q 'version 14\.'; then
-  echo "The checks are those of clang-tidy 14, which this machine does not have; leaving them out."
-  exit 0
-fi
+tidy=$(clang_tool clang-tidy) || exit 1
 
 # Most of the time goes to the library's headers: a dozen sources of a room are read as one, and share them. Names that
 # two sources of a room keep to themselves must differ for that.
 folder=build/tidy
 output=$(cmake --preset release -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=12 \
   -DKELVORA_TESTS=OFF -DKELVORA_BENCH=OFF 2>&1) || { echo "$output"; exit 1; }
-rooms=(app audio base core frontend network particles platform raster rendering server simulation store)
-common=$({ cat .clang-tidy; find "${rooms[@]}" -name '*.h' -print0 | sort -z | xargs -0 cat; } | sha256sum)
+headers() { find . \( -name 'build*' -o -name tests -o -name bench \) -prune -o -name '*.h' -print0 | sort -z; }
+common=$({ cat .clang-tidy; headers | xargs -0 cat; } | sha256sum)
 
 tidy_one() {
   local file=$1 stamp=$1.clean key output
