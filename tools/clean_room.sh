@@ -11,9 +11,14 @@ source tools/setup.sh
 
 room=${KELVORA_ROOM:-/var/tmp/kelvora-room}
 user=player
-mirror=${KELVORA_MIRROR:-http://deb.debian.org/debian}
+
+# The base system comes from KELVORA_MIRROR, or else from where this machine's own apt fetches Debian 12.
+# shellcheck disable=SC2016
+mirror=${KELVORA_MIRROR:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' \
+  'Codename: bookworm' 'Component: main' | head -n 1)}
 
 [ "$(id -u)" -eq 0 ] || fail "A system of its own can be made by root only: sudo tools/clean_room.sh"
+[ -n "$mirror" ] || fail "apt knows no archive of Debian 12 here. Run apt-get update, or name one in KELVORA_MIRROR."
 install_packages debootstrap
 
 close_room() {
