@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "platform/backend.h"
-#include "platform/qt/dataFolder.h"
+#include "platform/desktop/dataFolder.h"
+#include "platform/desktop/soundModule.h"
 #include "platform/qt/qtSettings.h"
-#include "platform/qt/soundModule.h"
 
 namespace kelvora {
 

@@ -6,11 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "platform/desktop/processFaults.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/fontsAhead.h"
 #include "platform/qt/gameLooks.h"
 #include "platform/qt/handlerCall.h"
-#include "platform/qt/processFaults.h"
 #include "platform/qt/programArguments.h"
 #include "platform/qt/programIcon.h"
 #include "platform/qt/qtDesktop.h"

@@ -8,13 +8,13 @@
 #include <QPixmapCache>
 #include <cstdlib>
 
+#include "platform/desktop/boxText.h"
+#include "platform/desktop/dataFolder.h"
+#include "platform/desktop/mixedAudio.h"
 #include "platform/form.h"
 #include "platform/pictures/pictureFile.h"
-#include "platform/qt/boxText.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/dataFolder.h"
 #include "platform/qt/handlerCall.h"
-#include "platform/qt/mixedAudio.h"
 #include "platform/qt/qtForm.h"
 #include "platform/qt/qtSocket.h"
 #include "platform/qt/widgetPeer.h"
@@ -57,7 +57,8 @@ float QtDesktop::secondsSinceMidnight() {
 
 void QtDesktop::messageBox(const std::string& text) {
   const HandlerScope scope;
-  QMessageBox box(QMessageBox::NoIcon, "Kelvora", boxText(text), QMessageBox::Ok, QApplication::activeWindow());
+  QMessageBox box(QMessageBox::NoIcon, "Kelvora", QString::fromStdU16String(boxText(text)), QMessageBox::Ok,
+                  QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
   box.exec();
 }

@@ -7,9 +7,9 @@
 
 #include "base/randomGenerator.h"
 #include "platform/backend.h"
-#include "platform/qt/framePacer.h"
+#include "platform/desktop/framePacer.h"
+#include "platform/desktop/soundMixer.h"
 #include "platform/qt/qtSettings.h"
-#include "platform/qt/soundMixer.h"
 
 namespace kelvora {
 

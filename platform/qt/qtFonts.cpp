@@ -1,9 +1,13 @@
 #include "platform/qt/qtFonts.h"
 
+#include <fontconfig/fontconfig.h>
+
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QStringList>
+#include <clocale>
 #include <cmath>
+#include <system_error>
 
 #include "platform/qt/codePage.h"
 
@@ -16,6 +20,20 @@ void substitute(const QString& family, const QStringList& substitutes) {
 }
 
 }  // namespace
+
+FontsAhead::FontsAhead() {
+  // The toolkit sets the locale, by which the thread reads numbers. Set already, it does not change in between.
+  std::setlocale(LC_ALL, "");
+  try {
+    thread_ = std::thread([] { FcInit(); });
+  } catch (const std::system_error&) {
+    return;
+  }
+}
+
+FontsAhead::~FontsAhead() {
+  if (thread_.joinable()) thread_.join();
+}
 
 void installFontSubstitutes() {
   substitute("Comic Sans MS", {"Comic Neue", "Comic Relief", "DejaVu Sans"});

@@ -11,8 +11,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/desktop/settingsDraft.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/settingsDraft.h"
 
 namespace kelvora {
 

@@ -21,7 +21,8 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"platform/pictures", {"raster", "base"}},
     {"platform/headless", {"platform", "platform/pictures", "raster", "base"}},
     {"platform/sound", {}},
-    {"platform/qt", {"platform", "platform/pictures", "platform/sound", "raster", "base"}},
+    {"platform/desktop", {"platform", "platform/sound", "base"}},
+    {"platform/qt", {"platform", "platform/desktop", "platform/pictures", "raster", "base"}},
     {"core", game},
     {"simulation", game},
     {"particles", game},
@@ -98,7 +99,8 @@ TEST(Includes, AreRootedAtTheSourceFolder) {
 TEST(Includes, ReachTheToolkitFromThePlatformsDesktopAlone) {
   for (const auto& file : sources()) {
     bool mayUseToolkit = false;
-    for (const char* folder : {"platform/qt/", "platform/sound/", "bench/", "tests/platform/", "tests/desktop/"}) {
+    for (const char* folder :
+         {"platform/qt/", "platform/sound/", "bench/", "tests/platform/qt/", "tests/platform/sound/"}) {
       mayUseToolkit = mayUseToolkit || tree::startsWith(file.path, folder);
     }
     if (mayUseToolkit) continue;

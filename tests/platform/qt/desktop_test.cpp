@@ -3,9 +3,12 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QPixmapCache>
+#include <QScreen>
 #include <QTime>
+#include <QTimer>
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 
 #include "base/fault.h"
 #include "generated/sourceFolder.h"
@@ -197,6 +200,28 @@ TEST(QtGlyphs, MorePointsAreLarger) {
   EXPECT_GT(source.lineHeight({"Comic Sans MS", 16, true}), source.lineHeight({"Comic Sans MS", 9, true}));
   EXPECT_GT(source.glyph({"Comic Sans MS", 16, true}, 'M').advance,
             source.glyph({"Comic Sans MS", 9, true}, 'M').advance);
+}
+
+TEST(Desktop, ABoxStandsOnTheScreenAtOnceWhateverItsText) {
+  for (const std::string& text :
+       {std::string(1 << 20, '1'), std::string(1 << 20, '\n'), std::string(1 << 20, 'W'), std::string(1 << 20, ' ')}) {
+    QSize size;
+    double cpu = 0;
+    QTimer::singleShot(0, [&] {
+      QWidget* box = QApplication::activeModalWidget();
+      ASSERT_NE(box, nullptr);
+      size = box->size();
+      box->close();
+    });
+    const std::clock_t start = std::clock();
+    MsgBox(text);
+    cpu = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    const QSize screen = QApplication::primaryScreen()->availableSize();
+    EXPECT_LE(size.width(), screen.width());
+    EXPECT_LE(size.height(), screen.height());
+    EXPECT_GT(size.height(), 0);
+    EXPECT_LT(cpu, 1.0);
+  }
 }
 
 }  // namespace

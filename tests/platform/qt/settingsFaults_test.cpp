@@ -17,8 +17,8 @@
 #include <string_view>
 #include <thread>
 
+#include "platform/desktop/settingsDraft.h"
 #include "platform/qt/qtSettings.h"
-#include "platform/qt/settingsDraft.h"
 
 namespace kelvora {
 namespace {

@@ -9,7 +9,7 @@
 #include <csignal>
 
 #include "generated/sourceFolder.h"
-#include "platform/qt/mixedAudio.h"
+#include "platform/desktop/mixedAudio.h"
 #include "tests/platform/sound/recording.h"
 
 namespace kelvora {

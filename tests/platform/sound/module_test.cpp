@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "generated/sourceFolder.h"
-#include "platform/qt/soundMixer.h"
+#include "platform/desktop/soundMixer.h"
 #include "platform/sound/mixerDevice.h"
 #include "tests/platform/sound/recording.h"
 

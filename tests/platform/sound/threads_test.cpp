@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "generated/sourceFolder.h"
-#include "platform/qt/soundMixer.h"
+#include "platform/desktop/soundMixer.h"
 
 namespace kelvora {
 namespace {

@@ -1,10 +1,11 @@
-#include "platform/qt/soundModule.h"
+#include "platform/desktop/soundModule.h"
 
 #include <dlfcn.h>
 
 #include <filesystem>
 #include <system_error>
 
+#include "platform/desktop/dataFolder.h"
 #include "platform/sound/mixerDevice.h"
 
 namespace kelvora {
@@ -28,7 +29,7 @@ class SilentDevice : public MixerDevice {
 std::string soundModulePath() {
   namespace fs = std::filesystem;
   std::error_code ignored;
-  const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+  const fs::path program = programFolder();
   // An installation's programs lie in a folder beside that of the modules. In a build tree those of the tests do, and
   // the game itself a folder further up.
   for (const fs::path& folder : {program / KELVORA_MODULES, program / "tests" / KELVORA_MODULES}) {

@@ -1,4 +1,4 @@
-#include "platform/qt/settingsDraft.h"
+#include "platform/desktop/settingsDraft.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

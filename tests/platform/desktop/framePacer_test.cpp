@@ -1,4 +1,4 @@
-#include "platform/qt/framePacer.h"
+#include "platform/desktop/framePacer.h"
 
 #include <gtest/gtest.h>
 

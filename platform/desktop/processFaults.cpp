@@ -1,4 +1,4 @@
-#include "platform/qt/processFaults.h"
+#include "platform/desktop/processFaults.h"
 
 #include <csignal>
 #include <cstdlib>

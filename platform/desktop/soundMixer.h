@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/audio.h"
-#include "platform/qt/soundModule.h"
+#include "platform/desktop/soundModule.h"
 
 namespace kelvora {
 

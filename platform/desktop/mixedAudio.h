@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/audio.h"
-#include "platform/qt/soundMixer.h"
+#include "platform/desktop/soundMixer.h"
 
 namespace kelvora {
 

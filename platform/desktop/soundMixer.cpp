@@ -1,4 +1,4 @@
-#include "platform/qt/soundMixer.h"
+#include "platform/desktop/soundMixer.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "platform/qt/settingsTurn.h"
+#include "platform/desktop/settingsTurn.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/qt/settingsTurn.h"
+#include "platform/desktop/settingsTurn.h"
 
 namespace kelvora {
 

@@ -1,4 +1,4 @@
-#include "platform/qt/mixedAudio.h"
+#include "platform/desktop/mixedAudio.h"
 
 #include <array>
 #include <fstream>

@@ -1,0 +1,25 @@
+#include "platform/desktop/dataFolder.h"
+
+#include <cstdlib>
+#include <system_error>
+
+namespace kelvora {
+
+namespace fs = std::filesystem;
+
+fs::path programFolder() {
+  std::error_code ignored;
+  return fs::read_symlink("/proc/self/exe", ignored).parent_path();
+}
+
+std::string dataFolder() {
+  if (const char* chosen = std::getenv("KELVORA_DATA"); chosen && *chosen) return chosen;
+  std::error_code ignored;
+  const fs::path program = programFolder();
+  for (const fs::path& folder : {program, program / "../share/kelvora"}) {
+    if (fs::exists(folder / "assets", ignored)) return fs::canonical(folder, ignored).string();
+  }
+  return KELVORA_DATA_FOLDER;
+}
+
+}  // namespace kelvora
