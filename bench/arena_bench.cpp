@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "network/wire/wireFormat.h"
-#include "server/arena.h"
+#include "server/arena/arena.h"
 #include "server/bots/botKeeper.h"
 
 namespace {

@@ -12,10 +12,12 @@
 #include <span>
 #include <string>
 
-#include "server/gameServer.h"
-#include "server/log.h"
-#include "server/options.h"
+#include "base/millis.h"
+#include "server/config/log.h"
+#include "server/config/options.h"
+#include "server/net/gameServer.h"
 
+using kelvora::Millis;
 using namespace kelvora::server;
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "server/arena.h"
+#include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "server/bots/botWishes.h"
 

@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "server/playerView.h"
-#include "server/rateLimit.h"
+#include "base/millis.h"
+#include "server/arena/playerView.h"
 
 namespace kelvora::server {
 

@@ -4,7 +4,7 @@
 #include <random>
 #include <string>
 
-#include "server/rateLimit.h"
+#include "base/millis.h"
 
 namespace kelvora::server {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/vector.h"
-#include "server/plane.h"
+#include "server/arena/plane.h"
 
 namespace kelvora::server {
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <span>
 
+#include "server/arena/plane.h"
 #include "server/bots/botView.h"
-#include "server/plane.h"
 
 namespace kelvora::server {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "server/plane.h"
+#include "server/arena/plane.h"
 
 namespace kelvora::server {
 

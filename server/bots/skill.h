@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "server/rateLimit.h"
+#include "base/millis.h"
 #include "store/powerupTable.h"
 
 namespace kelvora::server {

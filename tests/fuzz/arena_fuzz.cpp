@@ -7,9 +7,9 @@
 #include <string>
 
 #include "network/wire/wireFormat.h"
-#include "server/arena.h"
+#include "server/arena/arena.h"
 #include "server/bots/botKeeper.h"
-#include "server/frameReader.h"
+#include "server/net/frameReader.h"
 #include "tests/fuzz/input.h"
 
 namespace kelvora::server {

@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "server/announcement.h"
-#include "server/configFile.h"
-#include "server/hostList.h"
-#include "server/hostRegistry.h"
-#include "server/options.h"
+#include "server/config/configFile.h"
+#include "server/config/options.h"
+#include "server/lists/announcement.h"
+#include "server/lists/hostList.h"
+#include "server/lists/hostRegistry.h"
 #include "tests/fuzz/input.h"
 
 namespace kelvora::server {

@@ -11,7 +11,7 @@
 
 #include "base/text.h"
 #include "network/wire/wireFormat.h"
-#include "server/arena.h"
+#include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "tests/match/replay.h"
 

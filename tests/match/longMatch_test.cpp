@@ -11,8 +11,8 @@
 #include "base/text.h"
 #include "network/wire/wireFormat.h"
 #include "rendering/frmGfx.h"
-#include "server/arena.h"
-#include "server/frameReader.h"
+#include "server/arena/arena.h"
+#include "server/net/frameReader.h"
 #include "tests/support/gameTest.h"
 
 // A long match: the real client, the real rules of the server and five other players, in one process and on a clock

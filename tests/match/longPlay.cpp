@@ -14,7 +14,7 @@
 #include "base/text.h"
 #include "frontend/frmConnect.h"
 #include "network/wire/wireFormat.h"
-#include "server/options.h"
+#include "server/config/options.h"
 #include "store/frmPowerups.h"
 
 namespace kelvora {

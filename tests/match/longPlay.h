@@ -9,11 +9,11 @@
 #include <string>
 #include <string_view>
 
-#include "server/arena.h"
+#include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "server/bots/botKeeper.h"
 #include "server/bots/sight.h"
-#include "server/frameReader.h"
+#include "server/net/frameReader.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "server/playerView.h"
-#include "server/rateLimit.h"
+#include "base/millis.h"
+#include "server/arena/playerView.h"
 
 namespace kelvora {
 

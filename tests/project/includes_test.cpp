@@ -32,9 +32,13 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"store", game},
     {"audio", game},
     {"frontend", game},
-    {"server", {"server/bots", "network/wire", "store/powerupTable.h", "base"}},
-    {"server/bots", {"server", "network/wire", "store/powerupTable.h", "base"}},
-    {"app", {"core", "server", "network/wire", "platform", "platform/qt", "platform/headless", "raster", "base"}},
+    {"server", {"server/config", "server/net", "base"}},
+    {"server/arena", {"network/wire", "store/powerupTable.h", "base"}},
+    {"server/bots", {"server/arena", "network/wire", "store/powerupTable.h", "base"}},
+    {"server/lists", {"base"}},
+    {"server/config", {"server/arena", "server/bots", "server/lists", "network/wire", "base"}},
+    {"server/net", {"server/arena", "server/bots", "server/lists", "server/config", "network/wire", "base"}},
+    {"app", {"core", "network/wire", "platform", "platform/qt", "platform/headless", "raster", "base"}},
 };
 const std::set<std::string> outsideTheRooms = {"tests", "bench", "tools", "assets", "docs", "cmake", "packaging"};
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "server/arena.h"
+#include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "tests/server/bots/beginner.h"
 

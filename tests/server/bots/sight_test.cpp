@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "server/arena/plane.h"
 #include "server/bots/chatter.h"
-#include "server/plane.h"
 
 namespace kelvora::server {
 namespace {

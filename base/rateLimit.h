@@ -1,0 +1,29 @@
+#pragma once
+
+#include <algorithm>
+
+#include "base/millis.h"
+
+namespace kelvora {
+
+/// Lets a number of events through in a burst, and then so many a second on average.
+class RateLimit {
+ public:
+  RateLimit(double perSecond, double burst) : perSecond_(perSecond), burst_(burst), tokens_(burst) {}
+
+  bool allows(Millis now) {
+    tokens_ = std::min(burst_, tokens_ + static_cast<double>(now - last_) * perSecond_ / 1000);
+    last_ = now;
+    if (tokens_ < 1) return false;
+    tokens_ -= 1;
+    return true;
+  }
+
+ private:
+  double perSecond_;
+  double burst_;
+  double tokens_;
+  Millis last_ = 0;
+};
+
+}  // namespace kelvora

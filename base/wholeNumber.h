@@ -1,0 +1,18 @@
+#pragma once
+
+#include <charconv>
+#include <optional>
+#include <string_view>
+
+namespace kelvora {
+
+/// The whole text as one number of that type; nothing if it is anything else or does not fit.
+template <class Number>
+std::optional<Number> wholeNumber(std::string_view text) {
+  Number value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+}  // namespace kelvora

@@ -1,0 +1,73 @@
+#include "server/arena/inventory.h"
+
+#include <numeric>
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr Millis second = 1'000;
+constexpr Millis minute = 60'000;
+
+std::string credits(std::int64_t amount) { return std::to_string(amount) + (amount == 1 ? " credit" : " credits"); }
+
+std::size_t slot(int item) { return static_cast<std::size_t>(item); }
+
+}  // namespace
+
+int Inventory::stock(int item) const { return isSlot(item) ? stock_[slot(item)] : 0; }
+
+int Inventory::totalStock() const { return std::accumulate(stock_.begin(), stock_.end(), 0); }
+
+std::string Inventory::buy(int item) {
+  if (!isSlot(item)) return "The store has no such powerup.";
+  const Powerup& powerup = powerupTable[slot(item)];
+  if (totalStock() >= startCapacity) {
+    return "You cannot carry more than " + std::to_string(startCapacity) + " powerups. Use or sell one first.";
+  }
+  if (funds_ < powerup.price) {
+    return std::string(powerup.name) + " costs " + credits(powerup.price) + ". You have " + credits(funds_) + ".";
+  }
+  book(Entry::purchase, -powerup.price);
+  ++stock_[slot(item)];
+  return {};
+}
+
+std::string Inventory::sell(int item) {
+  if (!isSlot(item)) return "The store has no such powerup.";
+  if (stock_[slot(item)] == 0) {
+    return std::string("You have nothing to sell of this kind: ") + powerupTable[slot(item)].name + ".";
+  }
+  --stock_[slot(item)];
+  book(Entry::sale, resaleValue(item));
+  return {};
+}
+
+bool Inventory::start(int item, Millis now) {
+  if (stock(item) == 0 || isRunning(item, now)) return false;
+  --stock_[slot(item)];
+  runsUntil_[slot(item)] = now + powerupTable[slot(item)].seconds * second;
+  return true;
+}
+
+bool Inventory::end(int item, Millis now) {
+  if (!isRunning(item, now)) return false;
+  runsUntil_[slot(item)] = now;
+  return true;
+}
+
+bool Inventory::isRunning(int item, Millis now) const { return isSlot(item) && now < runsUntil_[slot(item)]; }
+
+std::int64_t Inventory::earned(int creditsPerMinute, Millis time) {
+  earned_ += creditsPerMinute * time;
+  const Millis whole = earned_ / minute;
+  earned_ %= minute;
+  return whole;
+}
+
+void Inventory::book(Entry entry, std::int64_t amount) {
+  ledger_[static_cast<std::size_t>(entry)] += amount;
+  funds_ += amount;
+}
+
+}  // namespace kelvora::server

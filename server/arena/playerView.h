@@ -1,0 +1,39 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "server/arena/clientId.h"
+#include "store/powerupTable.h"
+
+namespace kelvora::server {
+
+inline constexpr double worldSize = 100'000;  ///< world units, on both axes from 0
+
+/// A place in world units.
+struct Place {
+  double x = 0;
+  double y = 0;
+
+  friend bool operator==(const Place&, const Place&) = default;
+};
+
+/// One player as the arena sees him at a moment; a copy, which does not change with him.
+struct PlayerView {
+  ClientId client = 0;
+  std::int16_t node = 0;
+  std::int16_t colour = 0;
+  std::string name;
+  bool isAlive = false;
+  Place position;           ///< of the last report that was accepted
+  std::vector<Place> tail;  ///< what his clients' tails show about now, the oldest first
+  std::array<bool, powerupSlotCount> isRunning{};
+  std::array<int, powerupSlotCount> stock{};
+  std::int64_t funds = 0;  ///< credits
+  std::int16_t kills = 0;  ///< of all rounds
+  int roundCaptures = 0;   ///< of this round
+};
+
+}  // namespace kelvora::server

@@ -1,0 +1,55 @@
+#include "server/config/configFile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <map>
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr std::size_t longestFile = std::size_t{64} << 10;
+
+std::string_view trim(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r";
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+}  // namespace
+
+std::string readConfig(std::string_view text, const std::string& fileName, const TakeSetting& take) {
+  std::map<std::string_view, int> lines;  // of the names
+  for (int number = 1; !text.empty(); ++number) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::string_view line = trim(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (line.empty() || line.starts_with('#')) continue;
+    const std::string where = fileName + ":" + std::to_string(number) + ": ";
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) return where + "this is not of the form \"name = value\"";
+    const std::string_view name = trim(line.substr(0, equals));
+    const auto [first, isNew] = lines.emplace(name, number);
+    if (!isNew) return where + std::string(name) + " stands in line " + std::to_string(first->second) + " already";
+    const std::string complaint = take(name, std::string(trim(line.substr(equals + 1))));
+    if (!complaint.empty()) return where + complaint;
+  }
+  return {};
+}
+
+std::string readConfigFile(const std::string& fileName, const TakeSetting& take) {
+  errno = 0;
+  std::ifstream file(fileName, std::ios::binary);
+  std::string text(longestFile + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (!file.eof() && file.gcount() == 0) {
+    return "cannot read " + fileName + (errno == 0 ? std::string() : std::string(": ") + std::strerror(errno));
+  }
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  if (text.size() > longestFile) return fileName + " is longer than 64 KiB";
+  return readConfig(text, fileName, take);
+}
+
+}  // namespace kelvora::server

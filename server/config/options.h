@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "server/arena/arenaRules.h"
+#include "server/bots/botWishes.h"
+
+namespace kelvora::server {
+
+/// What the command line and the configuration file ask for.
+struct Options {
+  std::string address = "127.0.0.1";
+  std::uint16_t port = 2010;  ///< 0 for any free one
+  std::string password;       ///< empty: none is asked for
+  ArenaRules rules;
+  BotWishes bots;
+  std::optional<std::uint16_t> webPort;  ///< none: no web server; 0 for any free one
+  std::string webAddress;                ///< empty: `address`
+  std::string publicAddress;             ///< empty: `address`
+  std::string notes;
+  std::string listKey;     ///< that others must give to be listed here; empty: none
+  std::string publishUrl;  ///< of the list's host; empty: no list but its own
+  std::string publishKey;
+  std::string config;  ///< the file that was read; empty: none
+  bool help = false;
+  bool version = false;
+  std::string error;  ///< why all this makes no sense; empty if it does
+};
+
+/// `arguments` without the program's name; "--port 2010" and "--port=2010" are the same. The configuration file, if
+/// they name one, is read first, wherever its name stands among them: what they say themselves wins.
+Options parseOptions(std::span<const char* const> arguments);
+
+std::string helpText();
+/// "1.2.1"
+std::string versionText();
+
+}  // namespace kelvora::server

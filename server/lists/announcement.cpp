@@ -1,0 +1,81 @@
+#include "server/lists/announcement.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "base/wholeNumber.h"
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr std::size_t longestVersion = 16;
+constexpr std::size_t longestAddress = 255;
+constexpr std::uint16_t mostPlaces = 1'000;
+
+bool isLetterOrDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+std::string escape(std::string_view text) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string escaped;
+  for (const char c : text) {
+    if (isLetterOrDigit(c) || c == '-' || c == '.') {
+      escaped += c;
+    } else {
+      const auto code = static_cast<unsigned char>(c);
+      escaped += {'%', digits[code >> 4], digits[code & 15]};
+    }
+  }
+  return escaped;
+}
+
+/// Of letters and digits and some others.
+bool consistsOf(std::string_view text, std::string_view others) {
+  return std::ranges::all_of(text,
+                             [&](char c) { return isLetterOrDigit(c) || others.find(c) != std::string_view::npos; });
+}
+
+std::optional<std::uint16_t> number(const std::string& text, std::uint16_t lowest, std::uint16_t highest) {
+  const auto value = wholeNumber<std::uint16_t>(text);
+  return value && *value >= lowest && *value <= highest ? value : std::nullopt;
+}
+
+}  // namespace
+
+std::string announcementQuery(const Announcement& announcement) {
+  const HostEntry& host = announcement.host;
+  return "version=" + escape(announcement.version) + "&address=" + escape(host.address) +
+         "&port=" + std::to_string(host.port) + "&password=" + (host.passwordRequired ? "1" : "0") +
+         "&notes=" + escape(recordText(host.notes)) + "&players=" + std::to_string(host.players) +
+         "&max=" + std::to_string(host.maxPlayers);
+}
+
+std::string readAnnouncement(const std::function<std::string(std::string_view name)>& value,
+                             Announcement& announcement) {
+  announcement.version = value("version");
+  if (announcement.version.empty() || announcement.version.size() > longestVersion ||
+      !consistsOf(announcement.version, ".")) {
+    return "version";
+  }
+  HostEntry& host = announcement.host;
+  host.address = value("address");
+  if (host.address.size() > longestAddress || !consistsOf(host.address, ".:-")) return "address";
+  const auto port = number(value("port"), 1, highestListedPort);
+  if (!port) return "port";
+  host.port = *port;
+  const auto password = number(value("password"), 0, 1);
+  if (!password) return "password";
+  host.passwordRequired = *password == 1;
+  host.notes = value("notes");
+  if (host.notes.size() > longestNotes || recordText(host.notes) != host.notes) return "notes";
+  const auto places = number(value("max"), 1, mostPlaces);
+  if (!places) return "max";
+  host.maxPlayers = *places;
+  const auto players = number(value("players"), 0, *places);
+  if (!players) return "players";
+  host.players = *players;
+  return {};
+}
+
+}  // namespace kelvora::server

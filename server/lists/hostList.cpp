@@ -1,0 +1,57 @@
+#include "server/lists/hostList.h"
+
+#include <algorithm>
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr std::string_view endMark = "-END-";
+
+}  // namespace
+
+// Clients look for the end mark anywhere, and cut records at these characters wherever they stand.
+std::string recordText(std::string_view text) {
+  std::string field(text);
+  std::ranges::replace_if(
+      field,
+      [](char c) {
+        const auto code = static_cast<unsigned char>(c);
+        return c == '|' || c == '[' || c == ']' || code < 32 || code == 127;
+      },
+      ' ');
+  for (std::size_t at; (at = field.find(endMark)) != std::string::npos;) field[at] = ' ';
+  return field;
+}
+
+bool matches(const HostEntry& host, std::string_view version, const HostQuery& query) {
+  return query.version == version && host.port > 0 && host.port <= highestListedPort &&
+         (query.withPassword || !host.passwordRequired) && (query.withFull || host.players < host.maxPlayers) &&
+         (query.withEmpty || host.players > 0);
+}
+
+std::string hostRecord(const HostEntry& host) {
+  return "[" + recordText(host.address) + "|" + std::to_string(host.port) + "|" + (host.passwordRequired ? "1" : "0") +
+         "|" + recordText(host.notes) + "|" + std::to_string(host.players) + "|" + std::to_string(host.maxPlayers) +
+         "]";
+}
+
+std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query,
+                     const std::string& others) {
+  const std::string records = matches(host, version, query) ? hostRecord(host) : "";
+  return records + others + std::string(endMark) + "\n";
+}
+
+std::string updateFile(std::string_view version) {
+  // Clients do not read the last character of the answer.
+  return "tvqver:" + std::string(version) + "\n";
+}
+
+std::string_view pathOf(std::string_view target) {
+  const std::size_t scheme = target.find("://");
+  if (target.starts_with('/') || scheme == std::string_view::npos) return target;
+  const std::size_t path = target.find('/', scheme + 3);
+  return path == std::string_view::npos ? "/" : target.substr(path);
+}
+
+}  // namespace kelvora::server

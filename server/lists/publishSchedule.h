@@ -1,0 +1,37 @@
+#pragma once
+
+#include "base/millis.h"
+
+namespace kelvora::server {
+
+/// When a server announces itself next: at once at first, then every five minutes, or ten seconds after the last time
+/// if there is news. After a failure it waits for a minute, news or not.
+class PublishSchedule {
+ public:
+  static constexpr Millis interval = 300'000;
+  static constexpr Millis newsInterval = 10'000;
+  static constexpr Millis retryInterval = 60'000;
+
+  /// On the clock of `begins`; 0 is at once.
+  Millis due() const {
+    if (!hasTried_) return 0;
+    if (hasFailed_) return last_ + retryInterval;
+    return last_ + (hasNews_ ? newsInterval : interval);
+  }
+  void news() { hasNews_ = true; }
+  /// An announcement of all the news so far begins.
+  void begins(Millis now) {
+    hasTried_ = true;
+    hasNews_ = false;
+    last_ = now;
+  }
+  void ends(bool isSuccess) { hasFailed_ = !isSuccess; }
+
+ private:
+  bool hasTried_ = false;
+  bool hasNews_ = false;
+  bool hasFailed_ = false;
+  Millis last_ = 0;
+};
+
+}  // namespace kelvora::server

@@ -1,0 +1,42 @@
+#include "server/net/door.h"
+
+#include <algorithm>
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr auto timeToForgive = static_cast<Millis>(1000 * Door::burst / Door::connectionsPerSecond);
+
+}  // namespace
+
+std::string networkOf(const asio::ip::address& address) {
+  if (address.is_v4()) return address.to_string();
+  const asio::ip::address_v6 whole = address.to_v6();
+  if (whole.is_v4_mapped()) return asio::ip::make_address_v4(asio::ip::v4_mapped, whole).to_string();
+  asio::ip::address_v6::bytes_type bytes = whole.to_bytes();
+  std::fill(bytes.begin() + 8, bytes.end(), static_cast<unsigned char>(0));
+  return asio::ip::address_v6(bytes).to_string() + "/64";
+}
+
+bool Door::admits(const std::string& network, Millis now) {
+  if (visitors_.size() >= mostNetworks && !visitors_.contains(network)) forget(now);
+  Visitor& visitor = visitors_[network];
+  visitor.lastSeen = now;
+  if (!visitor.connections.allows(now) || visitor.inside >= mostOfNetwork) return false;
+  ++visitor.inside;
+  return true;
+}
+
+void Door::left(const std::string& network) {
+  if (const auto found = visitors_.find(network); found != visitors_.end()) --found->second.inside;
+}
+
+void Door::forget(Millis now) {
+  const auto isGone = [](const auto& entry) { return entry.second.inside == 0; };
+  std::erase_if(visitors_,
+                [&](const auto& entry) { return isGone(entry) && now - entry.second.lastSeen >= timeToForgive; });
+  if (visitors_.size() >= mostNetworks) std::erase_if(visitors_, isGone);
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,27 @@
+#include "server/net/frameReader.h"
+
+#include "network/wire/wireFormat.h"
+
+namespace kelvora::server {
+
+bool FrameReader::isLogin() const { return !text_.empty() && text_.front() == static_cast<char>(wire::msgLogin); }
+
+bool FrameReader::read(std::string_view bytes, const std::function<void(std::string_view text)>& handle) {
+  for (const char byte : bytes) {
+    if (isOpen_ == (byte == wire::frameStart) && !isLogin()) return false;
+    if (!isOpen_) {
+      isOpen_ = true;
+    } else if (byte == wire::frameEnd) {
+      handle(text_);
+      text_.clear();
+      isOpen_ = false;
+    } else if (text_.size() == longestFrame) {
+      return false;
+    } else {
+      text_ += byte;
+    }
+  }
+  return true;
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "network/wire/wireFormat.h"
+#include "server/arena/arena.h"
+
+namespace kelvora::server {
+
+using Fields = std::vector<std::string>;
+
+struct Message {
+  int id = 0;
+  Fields fields;
+
+  friend bool operator==(const Message&, const Message&) = default;
+};
+
+inline void PrintTo(const Message& message, std::ostream* out) {
+  *out << message.id << " (";
+  for (const std::string& field : message.fields) *out << '"' << field << "\" ";
+  *out << ")";
+}
+
+/// Rules in whose way nothing comes: a round without end, any speed, no income.
+inline const ArenaRules quietRules{
+    .roundMs = 1'000'000'000'000, .captureGoal = 0, .incomePerMinute = 0, .speedFactor = 0};
+
+inline ArenaRules quietRulesWithIncome(int income) {
+  ArenaRules rules = quietRules;
+  rules.incomePerMinute = income;
+  return rules;
+}
+
+/// An arena whose clients are lists of what they got.
+class ArenaTest : public testing::Test, private ArenaOutput {
+ protected:
+  static constexpr ClientId ann = 1;
+  static constexpr ClientId bob = 2;
+  static constexpr ClientId cat = 3;
+
+  std::map<ClientId, std::vector<Message>> got;
+  std::set<ClientId> hungUp;
+  std::vector<std::string> logged;
+  Millis now = 5'000;
+  Arena arena;
+  Arena locked{*this, "1.2.1", "sesame", 1};
+
+  explicit ArenaTest(const ArenaRules& rules = quietRules) : arena(*this, "1.2.1", "", 1, rules) {}
+
+  void say(ClientId client, std::int16_t id, const Fields& fields) {
+    const std::string frame = wire::buildFrame(id, fields);
+    arena.received(client, frame.substr(1, frame.size() - 2), now);
+  }
+  /// Logs a client in and forgets what everybody got by that.
+  std::int16_t login(ClientId client, const std::string& name, const std::string& colour = "0") {
+    got.clear();
+    arena.connected(client, now);
+    say(client, wire::msgLogin, {name, "", colour, "1.2.1"});
+    const std::int16_t node = static_cast<std::int16_t>(std::stoi(got[client].at(0).fields.at(1)));
+    got.clear();
+    return node;
+  }
+  void report(ClientId client, int x, int y) {
+    say(client, wire::msgPositionReport, {std::to_string(x), std::to_string(y)});
+  }
+  /// Flies a square of 2000 units round the place; the last side crosses the first one.
+  void circle(ClientId client, int x, int y) {
+    report(client, x - 1'200, y - 1'000);
+    report(client, x + 1'000, y - 1'000);
+    report(client, x + 1'000, y + 1'000);
+    report(client, x - 1'000, y + 1'000);
+    report(client, x - 1'000, y - 1'200);
+  }
+  /// One captures the other, in the middle of the world, and everybody forgets what he got by that.
+  void capture(ClientId winner, ClientId loser) {
+    report(loser, 50'000, 50'000);
+    circle(winner, 50'000, 50'000);
+    EXPECT_FALSE(view(loser).isAlive);
+    got.clear();
+  }
+  PlayerView view(ClientId client) {
+    for (const PlayerView& player : arena.players(now)) {
+      if (player.client == client) return player;
+    }
+    ADD_FAILURE() << "client " << client << " is not in";
+    return {};
+  }
+  /// Of the messages to a client those with that id.
+  std::vector<Fields> all(ClientId client, int id) {
+    std::vector<Fields> found;
+    for (const Message& message : got[client]) {
+      if (message.id == id) found.push_back(message.fields);
+    }
+    return found;
+  }
+  void pass(Millis time) { arena.tick(now += time); }
+  /// The reason why a login is refused; empty if it was not.
+  std::string refusal(Arena& where, const Fields& fields) {
+    constexpr ClientId stranger = 99;
+    got.erase(stranger);
+    hungUp.clear();
+    where.connected(stranger, now);
+    const std::string frame = wire::buildFrame(wire::msgLogin, fields);
+    where.received(stranger, frame.substr(1, frame.size() - 2), now);
+    const Message answer = got[stranger].at(0);
+    if (answer.id != wire::msgLoginDenied) return {};
+    EXPECT_EQ(got[stranger].size(), 1U);
+    EXPECT_TRUE(hungUp.contains(stranger));
+    return answer.fields.at(0);
+  }
+
+ private:
+  void send(ClientId client, const std::string& frame) override {
+    ASSERT_EQ(frame.front(), wire::frameStart);
+    ASSERT_EQ(frame.back(), wire::frameEnd);
+    Message message{static_cast<unsigned char>(frame[1]), {}};
+    for (const std::string_view field : wire::splitFields(std::string_view(frame).substr(2, frame.size() - 3))) {
+      message.fields.emplace_back(field);
+    }
+    got[client].push_back(std::move(message));
+  }
+  void hangUp(ClientId client) override { hungUp.insert(client); }
+  void log(const std::string& line) override { logged.push_back(line); }
+};
+
+}  // namespace kelvora::server

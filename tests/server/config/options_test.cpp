@@ -1,0 +1,187 @@
+#include "server/config/options.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <string_view>
+#include <vector>
+
+#include "server/config/optionTable.h"
+
+namespace kelvora::server {
+namespace {
+
+Options parse(std::vector<const char*> arguments) { return parseOptions(arguments); }
+
+TEST(ServerOptions, HaveDefaults) {
+  const Options options = parse({});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.address, "127.0.0.1");
+  EXPECT_EQ(options.port, 2010);
+  EXPECT_EQ(options.password, "");
+  EXPECT_EQ(options.rules.incomePerMinute, 5);
+  EXPECT_FALSE(options.webPort.has_value());
+  EXPECT_EQ(options.webAddress, "");
+  EXPECT_EQ(options.publicAddress, "");
+  EXPECT_EQ(options.notes, "");
+  EXPECT_FALSE(options.help);
+  EXPECT_FALSE(options.version);
+}
+
+TEST(ServerOptions, TextsAreKeptInTheLettersOfTheGame) {
+  const Options options = parse({"--password", "\u00D6ffne dich", "--notes", "f\u00FCr alle, 5 \u20AC"});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.password,
+            "\xD6"
+            "ffne dich");
+  EXPECT_EQ(options.notes, "f\xFCr alle, 5 \x80");
+  EXPECT_EQ(parse({"--notes", "\u043C\u0438\u0440"}).error,
+            "--notes must be UTF-8 text in letters that the game has, those of code page 1252");
+  EXPECT_EQ(parse({"--password", "\xD6"}).error,
+            "--password must be UTF-8 text in letters that the game has, those of code page 1252");
+}
+
+TEST(ServerOptions, APasswordThatNoLoginCanCarryIsRefused) {
+  for (const char* password : {"5 \u20AC", "\u201Aso\u2018", "\u0081"}) {
+    EXPECT_EQ(parse({"--password", password}).error,
+              "--password must not contain a euro sign or a low quotation mark, which no player can send");
+  }
+  EXPECT_EQ(parse({"--password", "\u201Eso\u201C"}).error, "") << "the double ones are letters like others";
+}
+
+TEST(ServerOptions, AreReadInBothSpellings) {
+  for (const auto& options : {parse({"--address", "::1", "--port", "0", "--password", "a b"}),
+                              parse({"--address=::1", "--port=0", "--password=a b"})}) {
+    EXPECT_EQ(options.error, "");
+    EXPECT_EQ(options.address, "::1");
+    EXPECT_EQ(options.port, 0);
+    EXPECT_EQ(options.password, "a b");
+  }
+  EXPECT_TRUE(parse({"--help"}).help);
+  EXPECT_TRUE(parse({"--version"}).version);
+  EXPECT_EQ(parse({"--password=a=b"}).password, "a=b");
+}
+
+TEST(ServerOptions, ReachTheWebServerAndTheIncome) {
+  const Options options = parse({"--web-port", "8080", "--web-address=0.0.0.0", "--public-address", "play.example",
+                                 "--notes", "a = b", "--income=0"});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.webPort, 8080);
+  EXPECT_EQ(options.webAddress, "0.0.0.0");
+  EXPECT_EQ(options.publicAddress, "play.example");
+  EXPECT_EQ(options.notes, "a = b");
+  EXPECT_EQ(options.rules.incomePerMinute, 0);
+  EXPECT_EQ(options.port, 2010);
+  EXPECT_EQ(parse({"--income", "6000"}).error, "");
+}
+
+TEST(ServerOptions, ThatMakeNoSenseAreTold) {
+  EXPECT_NE(parse({"--prot", "1"}).error, "");
+  EXPECT_NE(parse({"2010"}).error, "");
+  EXPECT_NE(parse({"--port"}).error, "");
+  for (const char* option :
+       {"--web-port", "--web-address", "--public-address", "--notes", "--income", "--round-seconds",
+        "--captures-to-win", "--intermission", "--respawn-wait", "--speed-limit"}) {
+    EXPECT_NE(parse({option}).error.find(option), std::string::npos) << option;
+  }
+  for (const char* income : {"", "x", "5x", "-1", "6001", "5.5"}) {
+    EXPECT_NE(parse({"--income", income}).error, "") << income;
+  }
+  for (const char* port : {"", "x", "-1", "65536"}) EXPECT_NE(parse({"--web-port", port}).error, "") << port;
+  for (const char* port : {"", "x", "12x", "-1", "65536"}) EXPECT_NE(parse({"--port", port}).error, "") << port;
+}
+
+TEST(ServerOptions, SetTheRules) {
+  const ArenaRules usual = parse({}).rules;
+  EXPECT_EQ(usual.roundMs, 180'000);
+  EXPECT_EQ(usual.captureGoal, 10);
+  EXPECT_EQ(usual.intermissionMs, 12'000);
+  EXPECT_EQ(usual.respawnWaitMs, 3'000);
+  EXPECT_EQ(usual.speedFactor, 3);
+  const Options options = parse({"--round-seconds", "60", "--captures-to-win=0", "--intermission", "5",
+                                 "--respawn-wait=0", "--speed-limit", "10"});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.rules.roundMs, 60'000);
+  EXPECT_EQ(options.rules.captureGoal, 0);
+  EXPECT_EQ(options.rules.intermissionMs, 5'000);
+  EXPECT_EQ(options.rules.respawnWaitMs, 0);
+  EXPECT_EQ(options.rules.speedFactor, 10);
+  for (const char* option : {"--round-seconds", "--captures-to-win", "--intermission", "--respawn-wait"}) {
+    for (const char* value : {"", "x", "-1", "1.5", "86401"}) EXPECT_NE(parse({option, value}).error, "") << option;
+  }
+  EXPECT_EQ(parse({"--speed-limit", "1.5"}).rules.speedFactor, 1.5);
+  for (const char* value : {"", "x", "-0.5", "1000.5", "nan", "inf", "1,5"}) {
+    EXPECT_NE(parse({"--speed-limit", value}).error, "") << value;
+  }
+  EXPECT_NE(parse({"--round-seconds", "0"}).error, "") << "a round takes some time";
+}
+
+TEST(ServerOptions, AskForBots) {
+  EXPECT_EQ(parse({}).bots.count, 0);
+  EXPECT_EQ(parse({}).bots.skill, SkillLevel::mixed);
+  EXPECT_EQ(parse({"--bots", "5"}).bots.count, 5);
+  for (const char* count : {"", "x", "-1", "6"}) EXPECT_NE(parse({"--bots", count}).error, "") << count;
+  EXPECT_EQ(parse({"--skill", "easy"}).bots.skill, SkillLevel::easy);
+  EXPECT_EQ(parse({"--skill", "normal"}).bots.skill, SkillLevel::normal);
+  EXPECT_EQ(parse({"--skill", "hard"}).bots.skill, SkillLevel::hard);
+  EXPECT_EQ(parse({"--skill", "mixed"}).bots.skill, SkillLevel::mixed);
+  for (const char* skill : {"", "Easy", "harder", "easy|normal"})
+    EXPECT_NE(parse({"--skill", skill}).error, "") << skill;
+}
+
+TEST(ServerOptions, TheVersionIsThatOfTheGame) { EXPECT_EQ(versionText(), "1.2.1"); }
+
+TEST(ServerOptions, TheHelpNamesEachOption) {
+  for (const char* option : {"--address", "--port", "--password", "--income", "--round-seconds", "--captures-to-win",
+                             "--intermission", "--respawn-wait", "--speed-limit", "--bots", "--skill", "--web-port",
+                             "--web-address", "--public-address", "--notes", "--config", "--help", "--version"}) {
+    EXPECT_NE(helpText().find(option), std::string::npos) << option;
+  }
+}
+
+TEST(ServerOptions, HelpFitsATerminalOf120Columns) {
+  std::istringstream lines(helpText());
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 120U) << line;
+}
+
+TEST(ServerOptions, NoNameStandsTwiceInTheTable) {
+  std::set<std::string_view> names;
+  for (const Option& option : optionTable()) {
+    EXPECT_TRUE(option.name.empty() || names.insert(option.name).second) << option.name;
+  }
+}
+
+TEST(ServerOptions, TextsHaveALongestLength) {
+  const std::string longest(200, 'n');
+  EXPECT_EQ(parse({"--notes", longest.c_str()}).notes, longest);
+  EXPECT_EQ(parse({"--notes", (longest + "n").c_str()}).error, "--notes must not be longer than 200 bytes");
+  EXPECT_EQ(parse({"--config", ""}).error, "--config must not be empty");
+}
+
+TEST(ServerOptions, SwitchesTakeNoValue) {
+  EXPECT_EQ(parse({"--help=yes"}).error, "--help must stand alone");
+  EXPECT_EQ(parse({"--help", "--port", "1"}).port, 1);
+}
+
+TEST(ServerOptions, AWordIsOneOfThoseOfTheRow) {
+  Options options;
+  const Option row{"colour", "red|green|blue", "",
+                   Option::Word{[](Options& o, int index) { o.port = static_cast<std::uint16_t>(index); }}};
+  EXPECT_EQ(setOption(options, row, "green"), "");
+  EXPECT_EQ(options.port, 1);
+  EXPECT_EQ(setOption(options, row, "blue"), "");
+  EXPECT_EQ(options.port, 2);
+  for (const char* value : {"", "gree", "greens", "red|green", "|"}) {
+    EXPECT_EQ(setOption(options, row, value), "must be one of red|green|blue") << value;
+  }
+  EXPECT_EQ(options.port, 2);
+}
+
+TEST(ServerOptions, HeadingsAreNoOptions) {
+  EXPECT_EQ(parse({"--", "x"}).error, "unknown option --");
+  EXPECT_EQ(parse({"--=x"}).error, "unknown option --");
+}
+
+}  // namespace
+}  // namespace kelvora::server

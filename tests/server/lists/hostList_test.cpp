@@ -1,0 +1,99 @@
+#include "server/lists/hostList.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace kelvora::server {
+namespace {
+
+HostEntry host(bool password, std::size_t players) {
+  return {.address = "192.0.2.7",
+          .port = 2010,
+          .passwordRequired = password,
+          .notes = "friendly game",
+          .players = players,
+          .maxPlayers = 6};
+}
+
+TEST(HostList, ARecordHasSixFieldsInBrackets) {
+  EXPECT_EQ(hostRecord(host(false, 3)), "[192.0.2.7|2010|0|friendly game|3|6]");
+  EXPECT_EQ(hostRecord(host(true, 0)), "[192.0.2.7|2010|1|friendly game|0|6]");
+}
+
+TEST(HostList, TextsCannotBreakTheRecordOrTheList) {
+  HostEntry evil = host(false, 0);
+  evil.notes = "a|b[c]d\r\n\t\x14\x7F-END-|x";
+  evil.address = "[::1]";
+  EXPECT_EQ(hostRecord(evil), "[ ::1 |2010|0|a b c d      END- x|0|6]");
+}
+
+TEST(HostList, EndsWithTheEndMarkWhetherOrNotThereIsARecord) {
+  EXPECT_EQ(hostList(host(false, 3), "1.2.1", {.version = "1.2.1"}), "[192.0.2.7|2010|0|friendly game|3|6]-END-\n");
+  EXPECT_EQ(hostList(host(false, 3), "1.2.1", {.version = "1.2.0"}), "-END-\n");
+}
+
+TEST(HostList, NothingIsListedBeforeTheFirstWordAboutIt) {
+  EXPECT_EQ(hostList(HostEntry{}, "1.2.1", {.version = "1.2.1"}), "-END-\n");
+}
+
+TEST(HostList, OnlyTheVeryVersionMatches) {
+  for (const char* version : {"", "1.2", "1.2.10", "1.2.1 ", "01.2.1"}) {
+    EXPECT_FALSE(matches(host(false, 3), "1.2.1", {.version = version})) << version;
+  }
+  EXPECT_TRUE(matches(host(false, 3), "1.2.1", {.version = "1.2.1"}));
+}
+
+TEST(HostList, EachFlagHidesItsOwnKindOfHost) {
+  struct Row {
+    bool password;
+    std::size_t players;
+    // For the flags password, full, empty: 000, 001, 010, 011, 100, 101, 110, 111.
+    std::array<bool, 8> shown;
+  };
+  const Row rows[] = {
+      {false, 0, {false, true, false, true, false, true, false, true}},
+      {false, 1, {true, true, true, true, true, true, true, true}},
+      {false, 5, {true, true, true, true, true, true, true, true}},
+      {false, 6, {false, false, true, true, false, false, true, true}},
+      {true, 0, {false, false, false, false, false, true, false, true}},
+      {true, 1, {false, false, false, false, true, true, true, true}},
+      {true, 6, {false, false, false, false, false, false, true, true}},
+  };
+  for (const Row& row : rows) {
+    for (std::size_t flags = 0; flags < 8; ++flags) {
+      const HostQuery query{.version = "1.2.1",
+                            .withPassword = (flags & 4) != 0,
+                            .withFull = (flags & 2) != 0,
+                            .withEmpty = (flags & 1) != 0};
+      EXPECT_EQ(matches(host(row.password, row.players), "1.2.1", query), row.shown.at(flags))
+          << "password " << row.password << ", players " << row.players << ", flags " << flags;
+    }
+  }
+}
+
+// A client reads ports as 16 bits with a sign; one beyond that ends it.
+TEST(HostList, APortThatClientsCannotTakeIsNotListed) {
+  HostEntry entry = host(false, 3);
+  entry.port = 32'766;
+  EXPECT_TRUE(matches(entry, "1.2.1", {.version = "1.2.1"}));
+  for (const int port : {32'767, 32'768, 65'535}) {
+    entry.port = static_cast<std::uint16_t>(port);
+    EXPECT_EQ(hostList(entry, "1.2.1", {.version = "1.2.1"}), "-END-\n") << port;
+  }
+}
+
+TEST(HostList, TheUpdateFileEndsWithALineBreak) { EXPECT_EQ(updateFile("1.2.1"), "tvqver:1.2.1\n"); }
+
+TEST(HostList, ThePathOfAnAbsoluteAddressStandsBehindTheHost) {
+  EXPECT_EQ(pathOf("http://kelvora.example/games/kelvora/ver.txt"), "/games/kelvora/ver.txt");
+  EXPECT_EQ(pathOf("http://127.0.0.1:8080/a"), "/a");
+  EXPECT_EQ(pathOf("http://kelvora.example"), "/");
+  EXPECT_EQ(pathOf("/games/kelvora/ver.txt"), "/games/kelvora/ver.txt");
+  EXPECT_EQ(pathOf("/a://b/c"), "/a://b/c");
+  EXPECT_EQ(pathOf(""), "");
+  EXPECT_EQ(pathOf("*"), "*");
+}
+
+}  // namespace
+}  // namespace kelvora::server

@@ -1,0 +1,222 @@
+#include "server/lists/hostRegistry.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "server/lists/publishSchedule.h"
+
+namespace kelvora::server {
+namespace {
+
+using Answer = HostRegistry::Answer;
+
+Announcement of(const std::string& address, std::uint16_t port, std::size_t players = 3,
+                const std::string& version = "1.2.1") {
+  return {version, {.address = address, .port = port, .notes = "n", .players = players, .maxPlayers = 6}};
+}
+
+const HostQuery all{.version = "1.2.1"};
+constexpr Millis hour = 3'600'000;
+
+TEST(HostRegistry, KeepsAnEntryForAnHourAfterItsLastAnnouncement) {
+  HostRegistry registry;
+  EXPECT_EQ(registry.announce("a", of("192.0.2.7", 2010), 1'000), Answer::done);
+  EXPECT_EQ(registry.records(all, 1'000 + hour - 1), "[192.0.2.7|2010|0|n|3|6]");
+  EXPECT_EQ(registry.announce("a", of("192.0.2.7", 2010, 4), 500'000), Answer::done);
+  EXPECT_EQ(registry.records(all, 1'000 + hour), "[192.0.2.7|2010|0|n|4|6]");
+  EXPECT_EQ(registry.records(all, 500'000 + hour), "");
+  EXPECT_EQ(registry.size(), 0U);
+}
+
+TEST(HostRegistry, ListsWhatTheQueryLetsPass) {
+  HostRegistry registry;
+  registry.announce("a", of("one.example", 1, 0), 0);
+  registry.announce("a", of("two.example", 2, 6), 0);
+  registry.announce("a", of("old.example", 3, 3, "1.2.0"), 0);
+  EXPECT_EQ(registry.records(all, 0), "[one.example|1|0|n|0|6][two.example|2|0|n|6|6]");
+  EXPECT_EQ(registry.records({.version = "1.2.1", .withFull = false}, 0), "[one.example|1|0|n|0|6]");
+  EXPECT_EQ(registry.records({.version = "1.2.1", .withEmpty = false}, 0), "[two.example|2|0|n|6|6]");
+  EXPECT_EQ(registry.records({.version = "1.2.0"}, 0), "[old.example|3|0|n|3|6]");
+}
+
+TEST(HostRegistry, OnlyWhoAnnouncedAnEntryChangesItOrTakesItBack) {
+  HostRegistry registry;
+  registry.announce("a", of("192.0.2.7", 2010), 0);
+  EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2010, 6), 1), Answer::anothers);
+  EXPECT_EQ(registry.withdraw("b", of("192.0.2.7", 2010).host, 1), Answer::anothers);
+  EXPECT_EQ(registry.records(all, 1), "[192.0.2.7|2010|0|n|3|6]");
+  EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2011), 1), Answer::done) << "another port is another server";
+  EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done);
+  EXPECT_EQ(registry.records(all, 1), "[192.0.2.7|2011|0|n|3|6]");
+  EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done) << "it is gone already";
+  EXPECT_EQ(registry.announce("c", of("192.0.2.7", 2011), 1 + hour), Answer::done) << "the hour is over";
+}
+
+TEST(HostRegistry, OneHostHasThirtyTwoEntries) {
+  HostRegistry registry;
+  for (std::uint16_t port = 1; port <= 32; ++port) {
+    EXPECT_EQ(registry.announce("a", of("x", port), 0), Answer::done) << port;
+  }
+  EXPECT_EQ(registry.announce("a", of("x", 33), 0), Answer::tooManyOfNetwork);
+  EXPECT_EQ(registry.announce("a", of("x", 32, 5), 0), Answer::done) << "those it has may change";
+  EXPECT_EQ(registry.announce("b", of("x", 33), 0), Answer::done);
+  EXPECT_EQ(registry.announce("a", of("x", 34), 0, true), Answer::done) << "trusted";
+}
+
+TEST(HostRegistry, HoldsAThousandEntriesAndAClientTakesThem) {
+  HostRegistry registry;
+  Announcement longest = of(std::string(255, 'a'), 1);
+  longest.host.notes = std::string(200, 'n');
+  for (int i = 0; i < 1'000; ++i) {
+    longest.host.port = static_cast<std::uint16_t>(i + 1);
+    ASSERT_EQ(registry.announce("net" + std::to_string(i / 32), longest, 0), Answer::done) << i;
+  }
+  longest.host.port = 2'000;
+  EXPECT_EQ(registry.announce("late", longest, 0), Answer::full);
+  EXPECT_LT(registry.records(all, 0).size(), 1U << 20) << "the longest answer that a client reads";
+  EXPECT_EQ(registry.announce("late", longest, hour), Answer::done);
+  EXPECT_EQ(registry.size(), 1U);
+}
+
+/// Reads the query as a web server would, of which nothing but these characters is escaped.
+std::string read(std::string query, Announcement& announcement) {
+  std::map<std::string, std::string, std::less<>> values;
+  query += '&';
+  for (std::size_t at = 0, end; (end = query.find('&', at)) != std::string::npos; at = end + 1) {
+    const std::string pair = query.substr(at, end - at);
+    const std::size_t equals = pair.find('=');
+    std::string value;
+    for (std::size_t i = equals + 1; i < pair.size(); ++i) {
+      if (pair[i] != '%') {
+        value += pair[i];
+      } else {
+        value += static_cast<char>(std::stoi(pair.substr(i + 1, 2), nullptr, 16));
+        i += 2;
+      }
+    }
+    values[pair.substr(0, equals)] = value;
+  }
+  return readAnnouncement([&](std::string_view name) { return values.contains(name) ? values.find(name)->second : ""; },
+                          announcement);
+}
+
+TEST(Announcement, ComesBackFromItsQuery) {
+  const Announcement sent{"1.2.1",
+                          {.address = "2001:db8::7",
+                           .port = 32'766,
+                           .passwordRequired = true,
+                           .notes = "50% + 1 & more = f\xFCr alle?#/",
+                           .players = 5,
+                           .maxPlayers = 6}};
+  Announcement read;
+  EXPECT_EQ(server::read(announcementQuery(sent), read), "");
+  EXPECT_EQ(read.version, "1.2.1");
+  EXPECT_EQ(hostRecord(read.host), hostRecord(sent.host));
+}
+
+TEST(Announcement, TheSenderTakesOutWhatTheListWouldRefuse) {
+  Announcement sent = of("play.example", 2010);
+  sent.host.notes = "a|b[c]\n-END-";
+  Announcement read;
+  EXPECT_EQ(server::read(announcementQuery(sent), read), "");
+  EXPECT_EQ(read.host.notes, "a b c   END-");
+}
+
+TEST(Announcement, WhatIsUnfitForAListIsRefusedByName) {
+  struct Row {
+    const char* name;
+    std::string value;
+    bool isFit;
+  };
+  const Row rows[] = {
+      {"version", "", false},
+      {"version", "1.2.1 ", false},
+      {"version", "1.2.1]", false},
+      {"version", "12345678901234567", false},
+      {"version", "1234567890123456", true},
+      {"address", "", true},
+      {"address", "play-1.example", true},
+      {"address", "a b", false},
+      {"address", "a|b", false},
+      {"address", "[::1]", false},
+      {"address", "a%00", false},
+      {"address", std::string(255, 'a'), true},
+      {"address", std::string(256, 'a'), false},
+      {"port", "", false},
+      {"port", "0", false},
+      {"port", "1", true},
+      {"port", "32766", true},
+      {"port", "32767", false},
+      {"port", "65536", false},
+      {"port", "-1", false},
+      {"port", "1x", false},
+      {"password", "2", false},
+      {"password", "", false},
+      {"password", "1", true},
+      {"notes", "a%7Cb", false},
+      {"notes", "%5B", false},
+      {"notes", "%5D", false},
+      {"notes", "a%0Ab", false},
+      {"notes", "%00", false},
+      {"notes", "%14", false},
+      {"notes", "%7F", false},
+      {"notes", "x-END-", false},
+      {"notes", "", true},
+      {"notes", std::string(200, 'n'), true},
+      {"notes", std::string(201, 'n'), false},
+      {"max", "0", false},
+      {"max", "1001", false},
+      {"max", "2", false},  // fewer than the players
+      {"max", "3", true},
+      {"players", "7", false},
+      {"players", "-1", false},
+      {"players", "", false},
+      {"players", "6", true},
+  };
+  for (const Row& row : rows) {
+    std::string query = "version=1.2.1&address=a&port=2010&password=0&notes=n&players=3&max=6&";
+    query += std::string(row.name) + "=" + row.value;
+    Announcement announcement;
+    const std::string fault = read(query, announcement);
+    // Fewer places than players are the players' fault.
+    const char* toBlame = row.value == "2" && row.name == std::string_view("max") ? "players" : row.name;
+    EXPECT_EQ(fault, row.isFit ? "" : toBlame) << row.name << " " << row.value;
+  }
+}
+
+TEST(PublishSchedule, BeginsAtOnceAndThenEveryFiveMinutes) {
+  PublishSchedule schedule;
+  EXPECT_EQ(schedule.due(), 0);
+  schedule.begins(10'000);
+  schedule.ends(true);
+  EXPECT_EQ(schedule.due(), 310'000);
+}
+
+TEST(PublishSchedule, NewsGoOutTenSecondsAfterTheLastTime) {
+  PublishSchedule schedule;
+  schedule.news();
+  EXPECT_EQ(schedule.due(), 0);
+  schedule.begins(10'000);
+  schedule.news();  // while it is under way
+  schedule.ends(true);
+  EXPECT_EQ(schedule.due(), 20'000);
+  schedule.begins(20'000);
+  schedule.ends(true);
+  EXPECT_EQ(schedule.due(), 320'000);
+}
+
+TEST(PublishSchedule, AFailureIsTriedAgainAfterAMinute) {
+  PublishSchedule schedule;
+  schedule.begins(10'000);
+  schedule.ends(false);
+  EXPECT_EQ(schedule.due(), 70'000);
+  schedule.news();
+  EXPECT_EQ(schedule.due(), 70'000);
+  schedule.begins(70'000);
+  schedule.ends(true);
+  EXPECT_EQ(schedule.due(), 370'000);
+}
+
+}  // namespace
+}  // namespace kelvora::server

@@ -1,0 +1,57 @@
+#include "server/net/door.h"
+
+#include <gtest/gtest.h>
+
+namespace kelvora::server {
+namespace {
+
+std::string network(const char* address) { return networkOf(asio::ip::make_address(address)); }
+
+TEST(ServerDoor, AHostIsItsAddressOrItsRange) {
+  EXPECT_EQ(network("192.0.2.7"), "192.0.2.7");
+  EXPECT_EQ(network("::ffff:192.0.2.7"), "192.0.2.7");
+  EXPECT_EQ(network("2001:db8:1:2:3:4:5:6"), "2001:db8:1:2::/64");
+  EXPECT_EQ(network("2001:db8:1:2::9"), "2001:db8:1:2::/64");
+  EXPECT_NE(network("2001:db8:1:3::9"), network("2001:db8:1:2::9"));
+}
+
+TEST(ServerDoor, SixteenOfOneAddressAreInsideAtATime) {
+  Door door;
+  for (int i = 0; i < 16; ++i) EXPECT_TRUE(door.admits("a", 1'000)) << i;
+  EXPECT_FALSE(door.admits("a", 1'000));
+  EXPECT_TRUE(door.admits("b", 1'000)) << "others are not held to that";
+  door.left("a");
+  EXPECT_TRUE(door.admits("a", 1'000));
+  EXPECT_FALSE(door.admits("a", 1'000));
+}
+
+TEST(ServerDoor, WhoComesAndGoesMayComeTwiceASecond) {
+  Door door;
+  const auto visit = [&](Millis now) {
+    const bool isIn = door.admits("a", now);
+    if (isIn) door.left("a");
+    return isIn;
+  };
+  for (int i = 0; i < 32; ++i) EXPECT_TRUE(visit(1'000)) << i;
+  EXPECT_FALSE(visit(1'000));
+  EXPECT_FALSE(visit(1'499));
+  EXPECT_TRUE(visit(1'501));
+  EXPECT_FALSE(visit(1'502));
+  EXPECT_TRUE(door.admits("b", 1'502));
+}
+
+TEST(ServerDoor, ForgetsTheForgivenFirstAndNeverThoseInside) {
+  Door door;
+  for (int i = 0; i < 16; ++i) EXPECT_TRUE(door.admits("inside", 0));
+  for (std::size_t i = 1; i < Door::mostNetworks; ++i) {
+    const std::string name = std::to_string(i);
+    ASSERT_TRUE(door.admits(name, static_cast<Millis>(i)));
+    door.left(name);
+  }
+  EXPECT_TRUE(door.admits("newcomer", 16'100));
+  EXPECT_TRUE(door.admits("another", 16'100));
+  EXPECT_FALSE(door.admits("inside", 16'100)) << "sixteen are inside still";
+}
+
+}  // namespace
+}  // namespace kelvora::server

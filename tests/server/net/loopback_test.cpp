@@ -1,0 +1,294 @@
+// The server on real sockets of the loopback interface.
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <asio/post.hpp>
+#include <chrono>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "network/wire/wireFormat.h"
+#include "server/net/gameServer.h"
+#include "tests/server/net/tcpClient.h"
+
+namespace kelvora::server {
+namespace {
+
+class Loopback : public testing::Test {
+ protected:
+  ~Loopback() override {
+    asio::post(context_, [this] { server_.stop(); });
+    thread_.join();
+  }
+  std::uint16_t port() const { return port_; }
+
+ private:
+  static Options anyPort() {
+    Options options;
+    options.port = 0;
+    options.rules.speedFactor = 0;
+    return options;
+  }
+
+  asio::io_context context_;
+  GameServer server_{context_, anyPort(), [](const std::string&) {}};
+  const std::uint16_t port_ = server_.port();
+  std::thread thread_{[this] { context_.run(); }};
+};
+
+TEST_F(Loopback, AFrameInSingleBytesIsReadLikeAWholeOne) {
+  Client ann(port());
+  for (const char byte : wire::buildFrame(wire::msgLogin, {"Ann", "", "0", "1.2.1"})) ann.write(std::string(1, byte));
+  EXPECT_EQ(ann.readUntil(wire::msgLoginAccepted).substr(0, 4),
+            "0\x82"
+            "1\x82");
+}
+
+TEST_F(Loopback, SeveralFramesInOneWriteAreAllHandled) {
+  Client ann(port());
+  ann.write(wire::buildFrame(wire::msgLogin, {"Ann", "", "0", "1.2.1"}) + wire::buildFrame(wire::msgChat, {"-1", "a"}) +
+            wire::buildFrame(wire::msgPositionReport, {"1.5", ".5"}) + "\x80\x90-1\x82");
+  EXPECT_EQ(ann.readUntil(wire::msgChat),
+            "1\x82"
+            "a");
+  EXPECT_EQ(ann.readUntil(wire::msgPosition),
+            "1\x82"
+            "1.5\x82.5");
+  ann.write("b\x81");
+  EXPECT_EQ(ann.readUntil(wire::msgChat),
+            "1\x82"
+            "b");
+}
+
+TEST_F(Loopback, PlayersSeeEachOtherComeMoveAndLeave) {
+  Client ann(port());
+  ann.login("Ann");
+  ann.readUntil(wire::msgLoginAccepted);
+  {
+    Client bob(port());
+    bob.login("Bob");
+    EXPECT_EQ(bob.readUntil(wire::msgPlayerJoined).substr(0, 8),
+              "1\x82"
+              "0\x82"
+              "Ann\x82");
+    EXPECT_EQ(ann.readUntil(wire::msgPlayerJoined).substr(0, 8),
+              "2\x82"
+              "1\x82"
+              "Bob\x82");
+    bob.say(wire::msgPositionReport, {"10", "20"});
+    EXPECT_EQ(ann.readUntil(wire::msgPosition),
+              "2\x82"
+              "10\x82"
+              "20");
+    EXPECT_EQ(bob.readUntil(wire::msgPosition),
+              "2\x82"
+              "10\x82"
+              "20");
+  }
+  EXPECT_EQ(ann.readUntil(wire::msgPlayerLeft), "2");
+}
+
+TEST_F(Loopback, ARefusedClientGetsTheReasonAndThenTheEnd) {
+  Client ann(port());
+  ann.login("Ann", "0.9");
+  ann.write(wire::buildFrame(wire::msgChat, {"-1", std::string(4000, 'x')}));
+  EXPECT_NE(ann.readUntil(wire::msgLoginDenied).find("1.2.1"), std::string::npos);
+  EXPECT_TRUE(ann.isCutOff());
+}
+
+// The bytes 128 to 130, which a player can type as a euro sign, paste, and type as a low quotation mark.
+TEST_F(Loopback, ADelimiterInANameIsRefusedWithAReason) {
+  for (const char* name : {"A\x80nn", "A\x81nn", "A\x82nn", "\x80\x80", "\x82\x82\x82", "\x80\x87"}) {
+    Client ann(port());
+    ann.login(name);
+    EXPECT_NE(ann.readUntil(wire::msgLoginDenied).find("euro sign"), std::string::npos) << name;
+    EXPECT_TRUE(ann.isCutOff());
+  }
+}
+
+TEST_F(Loopback, AFloodIsThinnedOutAndTheServerStaysThere) {
+  Client ann(port());
+  Client bob(port());
+  ann.login("Ann");
+  bob.login("Bob");
+  bob.readUntil(wire::msgLoginAccepted);
+  std::string flood;
+  for (int i = 0; i < 8'000; ++i) flood += wire::buildFrame(wire::msgPositionReport, {"1", "2"});
+  ann.write(flood);
+  ann.say(wire::msgChat, {"-1", "end"});
+  bob.readUntil(wire::msgChat);
+  EXPECT_GE(bob.skipped, 50);
+  EXPECT_LT(bob.skipped, 2'000) << "a burst, and a hundred for each second that this took";
+}
+
+TEST_F(Loopback, EarlyHangUpsDisturbNobody) {
+  Client ann(port());
+  ann.login("Ann");
+  ann.readUntil(wire::msgLoginAccepted);
+  { const Client silent(port()); }
+  {
+    Client half(port());
+    half.write(
+        "\x80\x87"
+        "Ha");
+  }
+  {
+    Client gone(port());
+    gone.login("Gone");
+  }
+  Client reset(port());
+  reset.login("Reset");
+  reset.reset();
+  ann.say(wire::msgChat, {"-1", "still here"});
+  EXPECT_EQ(ann.readUntil(wire::msgChat), "1\x82still here");
+}
+
+TEST_F(Loopback, WhatIsNoFrameEndsTheConnection) {
+  for (const std::string& bytes :
+       {std::string("GET / HTTP/1.0\r\n\r\n"), std::string("\x80\x90\x80"), '\x80' + std::string(4097, 'x')}) {
+    Client stranger(port());
+    stranger.write(bytes);
+    EXPECT_EQ(stranger.read(), "");
+    EXPECT_TRUE(stranger.isCutOff());
+  }
+}
+
+TEST(ServerConnection, AClientThatNeverReadsIsDropped) {
+  asio::io_context context;
+  asio::ip::tcp::acceptor acceptor(context, {asio::ip::address_v4::loopback(), 0});
+  Client silent(acceptor.local_endpoint().port());
+  std::string reason;
+  const auto connection = std::make_shared<Connection>(
+      acceptor.accept(), 1,
+      Connection::Handlers{.onFrame = [](ClientId, std::string_view) {},
+                           .onClosed = [&](ClientId, const std::string& why) { reason = why; }});
+  connection->start();
+  // The system's buffers take several mebibytes; 64 are more than they and the queue can hold.
+  const std::string frame(1024, 'x');
+  for (int i = 0; i < 65'536 && reason.empty(); ++i) {
+    connection->send(frame);
+    context.poll();
+  }
+  EXPECT_EQ(reason, "does not read");
+  context.run();
+}
+
+/// The program itself, on ports of its own choice.
+class Program {
+ public:
+  explicit Program(std::vector<std::string> arguments) {
+    EXPECT_EQ(::pipe(ends_), 0);
+    process_ = ::fork();
+    if (process_ == 0) {
+      ::dup2(ends_[1], STDOUT_FILENO);
+      ::close(ends_[0]);
+      ::close(STDERR_FILENO);
+      std::vector<char*> words = {const_cast<char*>("kelvora-server")};
+      for (std::string& argument : arguments) words.push_back(argument.data());
+      words.push_back(nullptr);
+      ::execv(KELVORA_SERVER_PROGRAM, words.data());
+      ::_exit(127);
+    }
+    ::close(ends_[1]);
+  }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+  ~Program() { ::close(ends_[0]); }
+
+  std::string line() {
+    std::string text;
+    for (char byte = 0; byte != '\n' && ::read(ends_[0], &byte, 1) == 1;) text += byte;
+    return text;
+  }
+  /// What the line about the port says, which must be the next one.
+  std::uint16_t port() {
+    const std::string text = line();
+    EXPECT_TRUE(text.starts_with("listening on 127.0.0.1:")) << text;
+    return static_cast<std::uint16_t>(std::stoi(text.substr(text.rfind(':') + 1)));
+  }
+  void signal(int number) const { ::kill(process_, number); }
+  /// Its exit status, once it has ended; -1 if it did not end by itself.
+  int status() const {
+    int status = 0;
+    EXPECT_EQ(::waitpid(process_, &status, 0), process_);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  int ends_[2] = {};
+  pid_t process_ = 0;
+};
+
+TEST(ServerProgram, TellsItsPortAndTakesLeaveAtItsEnd) {
+  for (const int signal : {SIGTERM, SIGINT}) {
+    Program program({"--port", "0"});
+    {
+      Client ann(program.port());
+      ann.login("Ann");
+      EXPECT_EQ(ann.readUntil(wire::msgFunds),
+                "1\x82"
+                "10");
+      program.signal(signal);
+      EXPECT_EQ(ann.readUntil(wire::msgServerText), "The server is shutting down.");
+      EXPECT_TRUE(ann.isCutOff());
+    }
+    EXPECT_EQ(program.status(), 0);
+  }
+}
+
+TEST(ServerProgram, WhoIsNotInHearsNothingOfTheEnd) {
+  Program program({"--port", "0"});
+  {
+    Client stranger(program.port());
+    stranger.login("Ann", "0.1");  // so that it is in the server's hands, and stays on the line
+    EXPECT_NE(stranger.readUntil(wire::msgLoginDenied), "nothing");
+    program.signal(SIGTERM);
+    EXPECT_TRUE(stranger.isCutOff());
+  }
+  EXPECT_EQ(program.status(), 0);
+}
+
+TEST(ServerProgram, AClientThatStaysHoldsTheEndUpForTwoSeconds) {
+  Program program({"--port", "0"});
+  Client ann(program.port());
+  ann.login("Ann");
+  ann.readUntil(wire::msgFunds);
+  const auto start = std::chrono::steady_clock::now();
+  program.signal(SIGTERM);
+  EXPECT_EQ(program.status(), 0);
+  const auto time = std::chrono::steady_clock::now() - start;
+  EXPECT_GE(time, std::chrono::milliseconds(1'900));
+  EXPECT_LT(time, std::chrono::seconds(5));
+}
+
+TEST(ServerProgram, TheSecondSignalEndsAtOnce) {
+  Program program({"--port", "0"});
+  Client ann(program.port());
+  ann.login("Ann");
+  ann.readUntil(wire::msgFunds);
+  const auto start = std::chrono::steady_clock::now();
+  program.signal(SIGTERM);
+  EXPECT_EQ(ann.readUntil(wire::msgServerText), "The server is shutting down.");
+  program.signal(SIGINT);
+  EXPECT_EQ(program.status(), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1'800));
+}
+
+TEST(ServerProgram, WithoutSenseEndsWithTwo) {
+  EXPECT_EQ(Program({"--prot", "1"}).status(), 2);
+  EXPECT_EQ(Program({"--config", "/no/such/file"}).status(), 2);
+  EXPECT_EQ(Program({"--address", "no.such.address.invalid"}).status(), 1);
+  Program help({"--help"});
+  EXPECT_EQ(help.line(), "Usage: kelvora-server [options]\n");
+  EXPECT_EQ(help.status(), 0);
+  Program version({"--version"});
+  EXPECT_EQ(version.line(), "kelvora-server 1.2.1\n");
+  EXPECT_EQ(version.status(), 0);
+}
+
+}  // namespace
+}  // namespace kelvora::server

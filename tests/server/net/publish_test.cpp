@@ -1,0 +1,207 @@
+// Servers that announce themselves to each other's lists, on real sockets of the loopback interface.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <thread>
+
+#include "server/lists/announcement.h"
+#include "server/lists/publisher.h"
+#include "tests/server/net/runningServer.h"
+#include "tests/server/net/tcpClient.h"
+
+namespace kelvora::server {
+namespace {
+
+struct Response {
+  int status = 0;
+  std::string body;
+};
+
+/// What comes for a request, from the address 127.0.0.`host`.
+Response ask(std::uint16_t port, const std::string& request, std::uint32_t host = 1) {
+  TcpClient client(port, host);
+  client.write(request + "\r\n");
+  const std::string all = client.readToEnd();
+  const std::size_t end = all.find("\r\n\r\n");
+  if (end == std::string::npos) return {};
+  return {std::stoi(all.substr(9, 3)), all.substr(end + 4)};
+}
+
+std::string request(const std::string& method, const std::string& query, const std::string& headers = {}) {
+  return method + " " + std::string(publishPath) + "?" + query + " HTTP/1.1\r\nHost: h\r\nContent-Length: 0\r\n" +
+         headers;
+}
+
+const std::string query = "version=1.2.1&address=play.example&port=2010&password=0&notes=n&players=3&max=6";
+
+class Publishing : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { ::setenv("no_proxy", "127.0.0.1", 1); }
+
+  static Options list(const std::string& key = {}) {
+    Options options;
+    options.webPort = 0;
+    options.publicAddress = "list.example";
+    options.listKey = key;
+    return options;
+  }
+  static Options publishing(const RunningServer& list, const std::string& key = {}) {
+    Options options;
+    options.publicAddress = "arena.example";
+    options.notes = "of all";
+    options.publishUrl = urlOf(list);
+    options.publishKey = key;
+    return options;
+  }
+  static std::string urlOf(const RunningServer& list) { return "http://127.0.0.1:" + std::to_string(list.webPort()); }
+  static std::string listOf(const RunningServer& server) {
+    return ask(server.webPort(), "GET /games/kelvora/gethosts.php?version=1.2.1&password=1&full=1&empty=1 HTTP/1.0\r\n")
+        .body;
+  }
+  static std::string own(const RunningServer& list) {
+    return "[list.example|" + std::to_string(list.port()) + "|0||0|6]";
+  }
+  /// Waits for a line of the log, for five seconds.
+  static bool logs(const RunningServer& server, const std::string& start) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (std::chrono::steady_clock::now() < end) {
+      for (const std::string& line : server.log()) {
+        if (line.starts_with(start)) return true;
+      }
+      std::this_thread::yield();
+    }
+    return false;
+  }
+};
+
+TEST_F(Publishing, AServerIsInTheListUntilItEnds) {
+  const RunningServer list(this->list());
+  {
+    const RunningServer arena(publishing(list));
+    EXPECT_TRUE(logs(arena, "published at " + urlOf(list)));
+    EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(arena.port()) + "|0|of all|0|6]-END-\n");
+  }
+  EXPECT_EQ(listOf(list), own(list) + "-END-\n") << "it has signed off";
+}
+
+TEST_F(Publishing, WithoutAPublicAddressItIsTheOneThatTheListSees) {
+  const RunningServer list(this->list());
+  Options options = publishing(list);
+  options.publicAddress.clear();
+  options.password = "secret";
+  options.publishUrl += "//";
+  const RunningServer arena(options);
+  EXPECT_TRUE(logs(arena, "published at " + urlOf(list)));
+  EXPECT_EQ(listOf(list), own(list) + "[127.0.0.1|" + std::to_string(arena.port()) + "|1|of all|0|6]-END-\n");
+}
+
+TEST_F(Publishing, ManyArenasShareOneList) {
+  const RunningServer list(this->list());
+  std::vector<std::unique_ptr<RunningServer>> arenas;
+  for (int i = 0; i < 8; ++i) arenas.push_back(std::make_unique<RunningServer>(publishing(list)));
+  for (const auto& arena : arenas) EXPECT_TRUE(logs(*arena, "published at "));
+  const std::string all = listOf(list);
+  for (const auto& arena : arenas) {
+    EXPECT_NE(all.find("[arena.example|" + std::to_string(arena->port()) + "|"), std::string::npos) << all;
+  }
+}
+
+TEST_F(Publishing, AListWithAKeyAsksForIt) {
+  const RunningServer list(this->list("open sesame"));
+  const RunningServer without(publishing(list));
+  const RunningServer wrong(publishing(list, "open sesamE"));
+  const RunningServer right(publishing(list, "open sesame"));
+  EXPECT_TRUE(logs(without, "cannot publish at " + urlOf(list) + ": status 403, This list asks for its key."));
+  EXPECT_TRUE(logs(wrong, "cannot publish at " + urlOf(list) + ": status 403"));
+  EXPECT_TRUE(logs(right, "published at "));
+  EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(right.port()) + "|0|of all|0|6]-END-\n");
+  EXPECT_EQ(ask(list.webPort(), request("POST", query, "Authorization: Bearer open sesame\r\n")).status, 200);
+  for (const char* header : {"", "Authorization: open sesame\r\n", "Authorization: Bearer \r\n",
+                             "Authorization: Bearer open sesame2\r\n", "Authorization: Basic b3Blbg==\r\n"}) {
+    EXPECT_EQ(ask(list.webPort(), request("DELETE", query, header)).status, 403) << header;
+  }
+}
+
+TEST_F(Publishing, AListThatIsNotThereIsToldAndTheGameGoesOn) {
+  Options options;
+  {
+    const RunningServer list(this->list());
+    options = publishing(list);
+  }
+  const RunningServer arena(options);
+  EXPECT_TRUE(logs(arena, "cannot publish at http://127.0.0.1:"));
+  Client ann(arena.port());
+  ann.login("Ann");
+  EXPECT_NE(ann.readUntil(wire::msgLoginAccepted), "nothing");
+}
+
+TEST_F(Publishing, AListThatNeverAnswersHoldsNobodyUp) {
+  asio::io_context context;
+  asio::ip::tcp::acceptor silent(context, {asio::ip::address_v4::loopback(), 0});
+  Options options;
+  options.publishUrl = "http://127.0.0.1:" + std::to_string(silent.local_endpoint().port());
+  const auto start = std::chrono::steady_clock::now();
+  {
+    const RunningServer arena(options);
+    const auto request = silent.accept();  // so that the announcement is under way
+    Client ann(arena.port());
+    ann.login("Ann");
+    EXPECT_NE(ann.readUntil(wire::msgLoginAccepted), "nothing");
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+TEST_F(Publishing, OnlyWhoPublishedAnEntryTouchesIt) {
+  const RunningServer list(this->list());
+  EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).status, 200);
+  EXPECT_EQ(ask(list.webPort(), request("POST", query), 11).status, 409);
+  EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 11).status, 409);
+  EXPECT_EQ(listOf(list), own(list) + "[play.example|2010|0|n|3|6]-END-\n");
+  EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 10).status, 200);
+  EXPECT_EQ(listOf(list), own(list) + "-END-\n");
+}
+
+TEST_F(Publishing, OneAddressHasThirtyTwoEntries) {
+  const RunningServer list(this->list());
+  const auto announce = [&](int port, std::uint32_t host) {
+    return ask(list.webPort(),
+               request("POST", "version=1.2.1&address=play.example&port=" + std::to_string(port) +
+                                   query.substr(query.find("&password"))),
+               host)
+        .status;
+  };
+  for (int port = 1; port <= 32; ++port) EXPECT_EQ(announce(port, 10), 200) << port;
+  EXPECT_EQ(announce(33, 10), 429);
+  EXPECT_EQ(announce(33, 11), 200);
+}
+
+TEST_F(Publishing, WhoHasTheKeyHasAsManyAsHeLikes) {
+  const RunningServer list(this->list("k"));
+  for (int port = 1; port <= 40; ++port) {
+    const std::string one = "version=1.2.1&address=play.example&port=" + std::to_string(port);
+    EXPECT_EQ(
+        ask(list.webPort(), request("POST", one + query.substr(query.find("&password")), "Authorization: Bearer k\r\n"))
+            .status,
+        200)
+        << port;
+  }
+}
+
+TEST_F(Publishing, EvilAnnouncementsAreRefused) {
+  const RunningServer list(this->list());
+  const std::string head = "version=1.2.1&address=play.example&port=2010&password=0&players=3&max=6&notes=";
+  for (const std::string& evil :
+       {std::string(), std::string("version=1.2.1"), head + "a%7Cb", head + "%5Bx%5D", head + "-END-", head + "%0A",
+        head + "%00", head + std::string(201, 'n'), std::string(3'000, 'x')}) {
+    EXPECT_EQ(ask(list.webPort(), request("POST", evil)).status, 400) << evil;
+  }
+  for (const char* method : {"GET", "HEAD", "PUT", "BREW"}) {
+    EXPECT_EQ(ask(list.webPort(), request(method, query)).status, 405) << method;
+  }
+  EXPECT_EQ(listOf(list), own(list) + "-END-\n");
+}
+
+}  // namespace
+}  // namespace kelvora::server

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <asio/io_context.hpp>
+#include <asio/ip/tcp.hpp>
+#include <asio/post.hpp>
+#include <mutex>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "server/net/gameServer.h"
+
+namespace kelvora::server {
+
+/// A free port of the loopback interface that a list may name; the system's own choice would be too high.
+inline std::uint16_t freeListedPort() {
+  static std::mt19937 random(std::random_device{}());
+  for (;;) {
+    const auto port = std::uniform_int_distribution<std::uint16_t>(20'000, highestListedPort)(random);
+    asio::io_context context;
+    asio::ip::tcp::acceptor probe(context);
+    asio::error_code error;
+    probe.open(asio::ip::tcp::v4(), error);
+    probe.bind({asio::ip::address_v4::loopback(), port}, error);
+    if (!error) return port;
+  }
+}
+
+/// The server on free ports of the loopback interface, on a thread of its own.
+class RunningServer {
+ public:
+  explicit RunningServer(Options options = {})
+      : server_(context_, onAnyPort(options), [this](const std::string& line) {
+          const std::lock_guard lock(mutex_);
+          lines_.push_back(line);
+        }) {}
+  RunningServer(const RunningServer&) = delete;
+  RunningServer& operator=(const RunningServer&) = delete;
+  ~RunningServer() {
+    asio::post(context_, [this] {
+      server_.stop();
+      server_.stop();  // who is still there is not waited for
+    });
+    thread_.join();
+  }
+
+  std::uint16_t port() const { return port_; }
+  std::uint16_t webPort() const { return webPort_; }
+  std::vector<std::string> log() const {
+    const std::lock_guard lock(mutex_);
+    return lines_;
+  }
+
+ private:
+  static Options onAnyPort(Options options) {
+    options.port = freeListedPort();
+    if (options.webPort) options.webPort = 0;
+    return options;
+  }
+  static std::uint16_t portOf(const std::string& endpoint) {
+    return endpoint.empty() ? std::uint16_t{0}
+                            : static_cast<std::uint16_t>(std::stoi(endpoint.substr(endpoint.rfind(':') + 1)));
+  }
+
+  mutable std::mutex mutex_;  // of the lines
+  std::vector<std::string> lines_;
+  asio::io_context context_;
+  GameServer server_;
+  const std::uint16_t port_ = server_.port();
+  const std::uint16_t webPort_ = portOf(server_.webEndpointText());
+  std::thread thread_{[this] { context_.run(); }};
+};
+
+}  // namespace kelvora::server
