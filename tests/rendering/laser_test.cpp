@@ -146,6 +146,15 @@ TEST_F(Laser, Q131ACandidateIsTestedAgainstOneBoundAlone) {
   EXPECT_TRUE(isBeamAt(-3000, 3000)) << "on beyond the left edge";
 }
 
+// Down to the right with slope 2 from (50000, 98000): offset -2000. The lower edge is met at (51000, 100000). The right
+// edge is met at y 198000, above its bound; as the later candidate it would win.
+TEST_F(Laser, ABeamEndsAtTheLowerEdgeWhereTheRightOneIsMetBelowTheWorld) {
+  local->position = {50000, 98000};
+  flyAndPaint(100, 200);
+  EXPECT_TRUE(isBeamAt(950, 1900));
+  EXPECT_FALSE(isBeamAt(1200, 2400));
+}
+
 TEST_F(Laser, Q131ABeamWithoutAnyHitEndsAtTheOrigin) {
   // A step to the left and up on the world's very corner leaves no candidate in front of the player: with the position
   // itself outside the world, at (-50, 20) from (-40, 30), slope 1, offset 70: (-70, 0) lies left of 0 and (0, 70)
@@ -164,6 +173,12 @@ TEST_F(Laser, OpponentsBeamAsWell) {
   other.lastPosition = {49800, 49800};
   canvas().Cls();
   other.paintSelf();
+  EXPECT_TRUE(isBeamAt(3000, 3000));
+}
+
+TEST_F(Laser, AGhostBeamsAsWell) {
+  local->alive = false;
+  flyAndPaint(200, 200);
   EXPECT_TRUE(isBeamAt(3000, 3000));
 }
 

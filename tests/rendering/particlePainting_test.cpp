@@ -64,6 +64,18 @@ TEST_F(ParticlePainting, ADarkQuarkCannotBeSeen) {
   EXPECT_TRUE(isEmpty());
 }
 
+TEST_F(ParticlePainting, AQuarkKeepsItsColourThroughTheStarsSetting) {
+  clsParticle quark = background(5, 5722.5, 4560);
+  quark.red = 100;
+  quark.green = 200;
+  quark.blue = 160;
+  quark.paintSelf();
+  ASSERT_EQ(pixelAt(canvas(), 5722.5, 4560.0), RGB(150, 150, 150));
+  frmMain->mnuQuarkStars.Checked = false;
+  quark.paintSelf();
+  EXPECT_EQ(pixelAt(canvas(), 5722.5, 4560.0), RGB(50, 150, 110));
+}
+
 TEST_F(ParticlePainting, TheShiftPullsTowardsTheCentre) {
   // Depth 8 pulls .4 of the way: (3000, 2000) becomes .4 * 2722.5 + 3000 = 4089 and .4 * 2560 + 2000 = 3024.
   background(8, 3000, 2000).paintSelf();
@@ -143,6 +155,23 @@ TEST_F(ParticlePainting, ABallHasNoShiftAndTheBoundsAreOnTheCanvas) {
   }
 }
 
+TEST_F(ParticlePainting, ABallIsDrawnOutsideTheWorldToo) {
+  machine.seconds = 0;  // the one time of day at which an explosion is seen
+  for (const Vector& corner : {Vector{0, 0}, Vector{100000, 100000}}) {
+    modMain::localPlayer.position = corner;
+    const float out = corner.x == 0 ? -500.0F : 500.0F;
+    for (const Vector& step : {Vector{out, 0}, Vector{0, out}}) {
+      for (const ParticleType type : {ParticleType::Network, ParticleType::Explosion}) {
+        clsParticle particle = ball(type, 0, 0);
+        particle.position = {corner.x + step.x, corner.y + step.y};
+        canvas().Cls();
+        particle.paintSelf();
+        EXPECT_FALSE(isEmpty()) << step.x << ", " << step.y;
+      }
+    }
+  }
+}
+
 TEST_F(ParticlePainting, Q121ARemovedBallIsPaintedAllTheSame) {
   modMain::receiveParticleNew("n", 3, 50000, 50000, 0, 0);
   modMain::receiveParticleRemove("n");
@@ -169,6 +198,17 @@ TEST_F(ParticlePainting, Q119AnExplosionParticleLivesElevenPaintsUnseen) {
   EXPECT_EQ(modMain::explosionCount, 1);
   EXPECT_EQ(modMain::explosionParticles[0].num_, 0);
   EXPECT_TRUE(isEmpty());
+}
+
+TEST_F(ParticlePainting, AnExplosionParticleAgesOffTheCanvasToo) {
+  modMain::addExplosion({10000, 10000}, 1);
+  for (int paint = 1; paint <= 10; ++paint) {
+    modMain::explosionParticles[0].paintSelf();
+    ASSERT_EQ(modMain::explosionParticles[0].age, paint);
+    EXPECT_EQ(modMain::explosionParticles[0].blink, paint % 2 == 1);
+  }
+  modMain::explosionParticles[0].paintSelf();
+  EXPECT_EQ(modMain::explosionCount, 0);
 }
 
 TEST_F(ParticlePainting, Q119InTheHalfSecondOfMidnightItBlinks) {

@@ -144,10 +144,16 @@ TEST_F(PlayerPainting, AGhostsBallIsAnimatedToo) {
   EXPECT_EQ(cellAfter(other, 10), 1);
 }
 
-TEST_F(PlayerPainting, TheLocalBallIsAnimatedOnACanvasOfNoSize) {
-  canvas().Width = 0;
-  canvas().Height = 0;
-  EXPECT_EQ(cellAfter(*local, 10), 1);
+// No control gets as small as this; only so does the centre lie outside the canvas.
+TEST_F(PlayerPainting, TheLocalBallIsNeverOutOfSight) {
+  canvas().Width.adopt(-30);
+  canvas().Height.adopt(-30);
+  local->paintSelf();
+  EXPECT_EQ(local->animTick, 1);
+  EXPECT_EQ(modMain::debugText, "Location: 50.000   50.000\r\n");
+  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  other.paintSelf();
+  EXPECT_EQ(other.animTick, 0) << "out of sight at the same place";
 }
 
 TEST_F(PlayerPainting, ExactlyInTheCornerAnOpponentHasHisBall) {

@@ -153,6 +153,10 @@ TEST_F(ScreenMessages, TheMessagesAgeGrowsByTheTimeScaleRoundedToEven) {
   modMain::frameTime = 25;
   modMain::paintCentreMessage();
   EXPECT_EQ(modMain::centreMessageAge, 6) << "6.5";
+  modMain::centreMessageAge = 1;
+  modMain::frameTime = 15;
+  modMain::paintCentreMessage();
+  EXPECT_EQ(modMain::centreMessageAge, 2) << "2.5";
 }
 
 TEST_F(ScreenMessages, ANewMessageIsAtFullBrightnessAtOnce) {

@@ -229,6 +229,20 @@ TEST_F(ChargedArc, Q130TheStartIsTheLeftEndOrOneBesideIt) {
   EXPECT_EQ(pixelAt(canvas(), 1500 + 130.0, 1500 - 130.0), RGB(255, 255, 255)) << "the left end, not along the segment";
 }
 
+// The segment falls 6000 in one unit across, so a start beside its left end at 1500.75 lies far from it: at 1501 a
+// quarter of a unit on, 1500 below the end at 3000.
+TEST_F(ChargedArc, TheStartLiesOnTheSegmentsLine) {
+  layCharged(1500.75, 3000, 1501.75, 9000);
+  // An argument of 0 gives the generator's last number again; one from .25 to 1 makes the start 1501.
+  while (machine.generator.next() < 0.25F) {
+  }
+  machine.scriptedDraws.push_back(0);
+  stroke(0.5F, 0.9F, 0.5F, 0.1F);  // 260 to the right and up
+  for (int i = 0; i < 3; ++i) stroke(0, 0.9F, 0, 0.9F);
+  paint();
+  EXPECT_EQ(pixelAt(canvas(), 1501 + 130.0, 4500 - 130.0), RGB(255, 255, 255));
+}
+
 TEST_F(ChargedArc, Q130ANegativeArgumentRestartsTheGenerator) {
   // The number that the generator gives after an arc whose right end stands at x on the canvas.
   const auto numberAfter = [this](float x) {
