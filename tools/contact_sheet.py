@@ -34,33 +34,35 @@ def sky(width, height):
 
 
 def stage():
-    canvas = sky(420, 330)
+    canvas = sky(570, 330)
     matte, shield, arrow_matte = load("playerMatte"), load("shield"), load("opponentArrowMatte")
     for colour in range(6):
         image, arrows = load(f"player{colour}"), load(f"opponentArrow{colour}")
         for frame in range(4):
             cell = slice(frame * 49, frame * 49 + 49)
             sprite(canvas, 4 + frame * 50, 4 + colour * 50, matte[:, cell], image[:, cell])
+            sprite(canvas, 256 + frame * 50, 4 + colour * 50, matte[:, cell], image[:, cell], dead=True)
         cell = slice(49, 98)
         sprite(canvas, 206, 4 + colour * 50, matte[:, cell], image[:, cell])
         sprite(canvas, 206, 4 + colour * 50, shield[49:, cell], shield[:49, cell])
-        sprite(canvas, 258, 4 + colour * 50, matte[:, cell], image[:, cell], dead=True)
         for frame in range(8):
             cell = slice(frame * 18, frame * 18 + 18)
-            left, top = 312 + frame % 4 * 20, 4 + colour * 50 + frame // 4 * 20
+            left, top = 462 + frame % 4 * 20, 4 + colour * 50 + frame // 4 * 20
             sprite(canvas, left, top, arrow_matte[:, cell], arrows[:, cell])
     return canvas
 
 
 def bar():
-    canvas = sky(420, 190)
+    canvas = sky(570, 220)
     canvas[::3, ::3] |= 40
     icons = load("action0")
     for slot in range(6):
         sprite(canvas, 4 + slot * 43, 4, icons, load(f"action{slot + 1}"))
     balls, ball_matte = load("balls"), load("ballMatte")
     for kind in range(11):
-        sprite(canvas, 4 + kind * 23, 50, ball_matte, balls[:, kind * 21 : kind * 21 + 21])
+        cell = slice(kind * 21, kind * 21 + 21)
+        sprite(canvas, 4 + kind * 23, 50, ball_matte, balls[:, cell])
+        sprite(canvas, 4 + kind * 23, 194, ball_matte, balls[:, cell], dead=True)
     arrows = load("arrows")
     for frame in range(12):
         left = int(frame * 367 / 15 + 0.5)

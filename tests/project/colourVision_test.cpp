@@ -69,7 +69,7 @@ std::vector<Triple> seen(const Picture& picture, const Picture& matte, Eye eye) 
   std::vector<Triple> result;
   for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
     const Pixel pixel = picture.pixels[i];
-    if (matte.pixels[i] == blackPixel) result.push_back(labOf(red(pixel), green(pixel), blue(pixel), eye));
+    if (matte.pixels[i] != whitePixel) result.push_back(labOf(red(pixel), green(pixel), blue(pixel), eye));
   }
   return result;
 }

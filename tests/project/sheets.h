@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <string>
@@ -29,6 +30,21 @@ inline kelvora::Picture cell(const kelvora::Picture& sheet, double x, double y, 
           static_cast<std::size_t>((kelvora::toPixels(y) + row) * sheet.width + kelvora::toPixels(x) + column)));
   return result;
 }
+
+/// The name of a sheet of a control array.
+inline std::string numbered(const char* name, int number) { return name + std::to_string(number); }
+
+/// Cells of the balls as the paint code takes them.
+inline kelvora::Picture playerCell(const std::string& name, int frame) {
+  return cell(*load(name), frame * 735, 0, 735, 735);
+}
+inline kelvora::Picture ballCell(int kind) { return cell(*load("balls"), kind * 315, 0, 315, 315); }
+
+/// Hues of the players by colour number: red, yellow, green, cyan, blue, purple.
+inline constexpr std::array<double, 6> playerHues = {0, 60, 120, 180, 240, 285};
+/// Hues of the particles by kind: red, orange, yellow, lime, green, spring green, cyan, azure, blue, violet, magenta.
+inline constexpr std::array<double, 11> particleHues = {0, 30, 60, 90, 120, 150, 180, 210, 240, 270, 305};
+inline constexpr double hueTolerance = 15;
 
 inline kelvora::Pixel at(const kelvora::Picture& picture, int x, int y) {
   return picture.pixels.at(static_cast<std::size_t>(y * picture.width + x));

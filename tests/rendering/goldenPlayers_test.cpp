@@ -12,7 +12,6 @@ class GoldenPlayers : public GoldenPainting {
  protected:
   // The ball's 49 pixels round the centre (5722, 4560): from 5355 and 4193 on.
   static constexpr Part ball{357, 280, 49, 49};
-  static constexpr Colour stripe0 = RGB(255, 255, 255);
 
   /// An opponent at the centre of the canvas, at a cell of his animation.
   clsPlayer& placeAtCentre(std::int16_t colour, std::int16_t cell) {
@@ -38,21 +37,31 @@ TEST_F(GoldenPlayers, TheLivingInEachColourAndCell) {
 TEST_F(GoldenPlayers, TheDeadInEachColourAndCell) {
   std::vector<Picture> pictures;
   for (std::int16_t colour = 0; colour < 6; ++colour) {
-    for (std::int16_t cell = 0; cell < 4; ++cell) {
-      stripe();
-      clsPlayer& player = placeAtCentre(colour, cell);
-      player.alive = false;
-      const Colour striped = pixelAt(canvas(), 381, 307);  // the stripe at 4600
-      player.paintSelf();
-      pictures.push_back(cropped(canvas(), ball));
-      const Colour image = sheetPixel(frmGfx->imgPlayer[colour], 49 * cell + 24, 27);
-      const Colour matte = sheetPixel(frmGfx->imgPlayerMatte, 49 * cell + 24, 27);
-      ASSERT_EQ(striped, stripe0);
-      EXPECT_EQ(pixelAt(canvas(), 381, 307), laidExchanged(striped, matte, image)) << "the stripe in his colours";
-      EXPECT_EQ(pixelAt(canvas(), 357, 280), Colour{}) << "and the cell's corner is black";
+    for (const bool overTail : {false, true}) {
+      for (std::int16_t cell = 0; cell < 4; ++cell) {
+        canvas().Cls();
+        const Colour tail = clsTail{}.getColour(static_cast<std::int16_t>((colour + cell) % 6));
+        if (overTail) {
+          canvas().ForeColor = tail;
+          canvas().DrawWidth = 20;
+          canvas().Line(5000, 4560, 6500, 4560);
+          canvas().DrawWidth = 1;
+        }
+        clsPlayer& player = placeAtCentre(colour, cell);
+        player.alive = false;
+        player.paintSelf();
+        pictures.push_back(cropped(canvas(), ball));
+        const Colour image = sheetPixel(frmGfx->imgPlayer[colour], 49 * cell + 24, 27);
+        EXPECT_EQ(pixelAt(canvas(), 381, 307), laidExchanged(overTail ? tail : Colour{}, {}, image)) << "the middle";
+        const Colour rim = sheetPixel(frmGfx->imgPlayer[colour], 49 * cell + 24, 41);
+        const Colour grey = sheetPixel(frmGfx->imgPlayerMatte, 49 * cell + 24, 41);
+        EXPECT_EQ(pixelAt(canvas(), 381, 321), laidExchanged({}, grey, rim)) << "the ring";
+        EXPECT_NE(pixelAt(canvas(), 381, 321), Colour{});
+        EXPECT_EQ(pixelAt(canvas(), 357, 304), Colour{}) << "the cell's edge is black";
+      }
     }
   }
-  expectGolden("ghosts", sideBySide(pictures, 4));
+  expectGolden("ghosts", sideBySide(pictures, 8));
 }
 
 TEST_F(GoldenPlayers, TheShield) {

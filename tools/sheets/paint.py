@@ -5,6 +5,10 @@ from PIL import Image
 
 SCALE = 8
 
+# Every grey of a matte keeps leading bits of the image and drops the others. Any other grey would keep low bits without
+# the high ones, and speckle.
+BLACK, GREYS, WHITE = 0x00, (0x80, 0xC0, 0xF0), 0xFF
+
 
 def linear(colour):
     """From display values 0 to 1 to light."""
@@ -30,6 +34,7 @@ class Layer:
         self.y = (y + 0.5) / scale
         self.light = np.zeros((height * scale, width * scale, 3))
         self.shape = np.zeros((height * scale, width * scale), dtype=bool)
+        self.glass = np.zeros((height * scale, width * scale), dtype=bool)
 
     def centred(self, cx, cy):
         return self.x - cx, self.y - cy
@@ -55,9 +60,15 @@ class Layer:
         """Display values 0 to 255, one a pixel."""
         return np.rint(display(self.reduced(np.clip(self.light, 0, 1))) * 255).astype(np.uint8)
 
-    def matte(self, least=0.42):
-        """True inside the shape: pixels that the shape covers to that part."""
-        return self.reduced(self.shape.astype(float)) >= least
+    def clear(self, distance):
+        """Declares glass: the matte is grey there, so what lies beneath shines through, and a ghost is seen."""
+        self.glass |= distance < 0
+
+    def matte(self):
+        """White outside the shape, which has every pixel that it covers to 42%; inside black, and grey where glass is."""
+        through = self.reduced(self.glass.astype(float))
+        inside = np.array((BLACK, *GREYS), dtype=np.uint8)[np.digitize(through, (0.2, 0.5, 0.8))]
+        return np.where(self.reduced(self.shape.astype(float)) >= 0.42, inside, np.uint8(WHITE))
 
     def reduced(self, values):
         s = self.scale
@@ -66,12 +77,11 @@ class Layer:
 
 def cut(picture, matte):
     """The picture, black where the matte says outside."""
-    return np.where(matte[..., None], picture, 0).astype(np.uint8)
+    return np.where(matte[..., None] < WHITE, picture, 0).astype(np.uint8)
 
 
 def matte_picture(matte):
-    """White outside, black inside."""
-    return np.repeat(np.where(matte, 0, 255).astype(np.uint8)[..., None], 3, axis=2)
+    return np.repeat(matte[..., None], 3, axis=2)
 
 
 def blank(width, height, value=0):

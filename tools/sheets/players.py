@@ -3,7 +3,7 @@
 import numpy as np
 
 from . import palette, shapes
-from .paint import Layer, blank, cut, matte_picture, noise, paste, smooth
+from .paint import Layer, blank, cut, linear, matte_picture, noise, paste, smooth
 
 CELL = 49
 # The ball breathes: radius by frame.
@@ -34,6 +34,15 @@ def orb(layer, cx, cy, radius, colour, life=0.5, plasma=None):
         layer.add(smooth(0.05, 0.9, field) * edge * (0.22 + 0.30 * life), lively)
     layer.light *= (1 - 0.40 * smooth(0.80, 1.0, r) * (r < 1) * (1 - behind))[..., None]
     return r
+
+
+def rim(layer, cx, cy, radius, colour, strength=0.78, width=2.3):
+    """Light caught in the edge of the glass, at least this strong all round. The edge is all that is left of a ghost."""
+    x, y = layer.centred(cx, cy)
+    out = shapes.circle(x, y, radius)
+    caught = 1 - smooth(0.5, 1.6, np.abs(out + 1.0))
+    layer.light = np.maximum(layer.light, linear(colour * strength) * caught[..., None])
+    layer.clear(shapes.ring(x, y, radius + 0.4 - width / 2, width))
 
 
 def gloss(layer, cx, cy, radius, strength=1.0):
@@ -71,6 +80,8 @@ def player_cell(colour, frame):
     orb(layer, c, c, radius, base, life=life, plasma=0.30 * frame)
     marked(layer, colour, c, c, 8.8 + 0.3 * frame, strength=0.7 + 0.3 * life)
     gloss(layer, c, c, radius, 0.75)
+    # Dark colours get more of it: eyes see little of blue and red light.
+    rim(layer, c, c, radius, base, strength=0.84 if palette.SIGNS_LIGHT[colour] else 0.78)
     layer.within(shapes.circle(x, y, radius + GLOW))
     return layer
 
@@ -137,6 +148,7 @@ def small_balls():
         orb(layer, c, c, 8.2, colour, life=0.6)
         layer.add(np.exp(-np.square(np.hypot(x + 0.5, y + 0.5) / 3.6)) * 0.30, 1 - (1 - colour) * 0.6)
         gloss(layer, c, c, 8.2, 0.85)
+        rim(layer, c, c, 8.2, colour, width=1.9)
         layer.within(shapes.circle(x, y, 10.0))
         matte = layer.matte()
         paste(sheet, cut(layer.picture(), matte), kind * size)
