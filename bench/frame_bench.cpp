@@ -40,13 +40,13 @@ class Scene {
     } else {
       Surface::setGlyphSource(nullptr);  // prints nothing
     }
-    modMain::clearWorld();
+    modMain::world = {};
     machine.generator.randomize(1);
-    clsPlayer& local = modMain::localPlayer;
+    clsPlayer& local = modMain::world.localPlayer;
     local.position = {50000, 50000};
     local.init(0, -1, 1, "Ann");
-    modMain::mousePos = {8000, 3000};
-    modMain::centreMessageAge = 251;
+    modMain::world.mousePos = {8000, 3000};
+    modMain::world.centreMessageAge = 251;
     if (heavy) fill();
     if (texts == Texts::Full) write();
     paint();
@@ -61,11 +61,11 @@ class Scene {
 
   /// One frame. The clock stands, but every tail has its ageing pass.
   void paint() {
-    modMain::localPlayer.lastAgeTick = machine.ticks - 1;
-    for (clsPlayer& player : modMain::opponents) player.lastAgeTick = machine.ticks - 1;
-    modMain::centreMessageAge = messageAge;
+    modMain::world.localPlayer.lastAgeTick = machine.ticks - 1;
+    for (clsPlayer& player : modMain::world.opponents) player.lastAgeTick = machine.ticks - 1;
+    modMain::world.centreMessageAge = messageAge;
     modMain::paintFrame();
-    modMain::frameTime = 0;
+    modMain::world.frameTime = 0;
   }
 
   std::vector<DrawingCall> record() {
@@ -78,17 +78,17 @@ class Scene {
   /// Six players with tails of 300 vertices on the canvas, shields up, the world's upper edge in sight.
   void fill() {
     std::mt19937 draws(42);
-    clsPlayer& local = modMain::localPlayer;
+    clsPlayer& local = modMain::world.localPlayer;
     local.position = {50000, 2000};
     modMain::createParticleField();
     for (std::int16_t i = 0; i < 5; ++i) {
-      clsPlayer& player = modMain::opponents.emplace_back();
+      clsPlayer& player = modMain::world.opponents.emplace_back();
       player.init(static_cast<std::int16_t>(i + 1), i, static_cast<std::int16_t>(i + 2), "Bob");
       player.awaitingFirstPosition = false;
-      ++modMain::opponentCount;
+      ++modMain::world.opponentCount;
     }
     layTail(local, draws);
-    for (clsPlayer& player : modMain::opponents) layTail(player, draws);
+    for (clsPlayer& player : modMain::world.opponents) layTail(player, draws);
     local.position = {50000, 2000};
   }
 
@@ -114,8 +114,8 @@ class Scene {
   }
 
   void write() {
-    for (std::size_t i = 0; i < modMain::chatLines.size(); ++i) {
-      modMain::chatLines[i] = {"Ann: that was a close one, see you at the next corner", RGB(200, 220, 255), 10};
+    for (std::size_t i = 0; i < modMain::world.chatLines.size(); ++i) {
+      modMain::world.chatLines[i] = {"Ann: that was a close one, see you at the next corner", RGB(200, 220, 255), 10};
     }
     modMain::showCentreMessage("Capture your opponents in a loop of your tail");
     messageAge = 0;

@@ -21,26 +21,26 @@ void positions(benchmark::State& state) {
   HeadlessBackend machine;
   machine.path = KELVORA_SOURCE_DIR;
   installBackend(&machine);
-  modMain::clearWorld();
+  modMain::world = {};
   netMan::clear();
-  modMain::opponents.emplace_back();
-  modMain::opponentCount = 1;
-  clsPlayer& opponent = modMain::opponents.front();
+  modMain::world.opponents.emplace_back();
+  modMain::world.opponentCount = 1;
+  clsPlayer& opponent = modMain::world.opponents.front();
   opponent.serverNode = 2;
   opponent.isConnected = true;
-  modMain::localPlayer.serverNode = 1;
+  modMain::world.localPlayer.serverNode = 1;
   std::string bytes;
   for (int i = 0; i < state.range(0); ++i) {
     bytes += wire::buildFrame(wire::msgPosition, {"2", std::to_string(20000 + i % 5000) + ".25", "31234.56"});
   }
   for (auto _ : state) {
     opponent.positionQueue.clear();
-    modMain::queuedPositions = 0;
+    modMain::world.queuedPositions = 0;
     netMan::receiveData(bytes);
     if (opponent.positionQueue.size() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("lost some");
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));
-  modMain::clearWorld();
+  modMain::world = {};
   netMan::clear();
   frmMain.unload();
   frmGfx.unload();

@@ -25,11 +25,11 @@ class LongTail {
   explicit LongTail(std::int64_t vertices) {
     machine.path = KELVORA_SOURCE_DIR;
     installBackend(&machine);
-    modMain::clearWorld();
+    modMain::world = {};
     machine.generator.randomize(1);
-    modMain::localPlayer.position = {90000, 90000};
-    clsPlayer& player = modMain::opponents.emplace_back();
-    modMain::opponentCount = 1;
+    modMain::world.localPlayer.position = {90000, 90000};
+    clsPlayer& player = modMain::world.opponents.emplace_back();
+    modMain::world.opponentCount = 1;
     player.init(1, 0, 2, "Bob");
     player.position = {10000, 10000};
     lay(vertices);
@@ -38,7 +38,7 @@ class LongTail {
   LongTail(const LongTail&) = delete;
   LongTail& operator=(const LongTail&) = delete;
   ~LongTail() {
-    modMain::clearWorld();
+    modMain::world = {};
     frmMain.unload();
     frmGfx.unload();
     releaseUnloadedForms();
@@ -51,7 +51,7 @@ class LongTail {
   static Vector place(std::int64_t i) {
     return {static_cast<float>(i % 300) * 100, static_cast<float>(std::floor(static_cast<double>(i) / 300)) * 10};
   }
-  static clsPlayer& owner() { return modMain::opponents.front(); }
+  static clsPlayer& owner() { return modMain::world.opponents.front(); }
 
   HeadlessBackend machine;
 };
@@ -92,11 +92,11 @@ void ageTail(benchmark::State& state) {
 // The clock stands and six captures wait for other vertices: each vertex is compared with each of them.
 void paintTailWithCapturesWaiting(benchmark::State& state) {
   LongTail tail(state.range(0));
-  for (int i = 0; i < 6; ++i) modMain::killerTails.push_back({0, "0-nowhere-" + std::to_string(i), {0}, ""});
+  for (int i = 0; i < 6; ++i) modMain::world.killerTails.push_back({0, "0-nowhere-" + std::to_string(i), {0}, ""});
   Turns turns(1);
   for (auto unused : state) turns.measure(0, 1, [&] { tail.owner().paintSelf(); });
   reportMilliseconds(state, turns);
-  modMain::killerTails.clear();
+  modMain::world.killerTails.clear();
 }
 
 // All vertices end in one frame, as they do behind an extended tail of more than two seconds.

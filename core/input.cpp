@@ -25,14 +25,14 @@ constexpr double designBars = 45;
 
 namespace modMain {
 
-void setMousePos(float x, float y) { mousePos = {x, y}; }
+void setMousePos(float x, float y) { world.mousePos = {x, y}; }
 
 void requestPowerup(std::int16_t number) {
   const int slot = number - 1;
-  if (0 <= slot && slot < powerupSlotCount) localPlayer.requestActivatePowerup(static_cast<std::int16_t>(slot));
+  if (0 <= slot && slot < powerupSlotCount) world.localPlayer.requestActivatePowerup(static_cast<std::int16_t>(slot));
 }
 
-void toggleLocalBreaks() { localPlayer.toggleBreaks(); }
+void toggleLocalBreaks() { world.localPlayer.toggleBreaks(); }
 
 }  // namespace modMain
 

@@ -8,14 +8,14 @@
 namespace kelvora::modMain {
 
 // Quirk Q-033: never below 1. A machine that paints in less than 10 ms runs the game faster, not smoother.
-double getTimeScale() { return std::max(frameTime / 10.0, 1.0); }
+double getTimeScale() { return std::max(world.frameTime / 10.0, 1.0); }
 
 void runFrame() {
-  if (localPlayer.isConnected) {
-    localPlayer.move();
-    localPlayer.tickPowerups();
+  if (world.localPlayer.isConnected) {
+    world.localPlayer.move();
+    world.localPlayer.tickPowerups();
   }
-  for (std::int16_t index = 0, count = opponentCount; index < count; ++index) {
+  for (std::int16_t index = 0, count = world.opponentCount; index < count; ++index) {
     clsPlayer& opponent = playerAt(index);
     if (!opponent.isConnected) continue;
     opponent.moveAsOpponent();
@@ -26,18 +26,18 @@ void runFrame() {
   paintFrame();
 
   const bool particlesMove = !isStarsMode();
-  for (std::size_t i = 0, count = static_cast<std::size_t>(particleCount); i < count; ++i) {
-    particles[i].wrap();
-    if (particlesMove) particles[i].move();
+  for (std::size_t i = 0, count = static_cast<std::size_t>(world.particleCount); i < count; ++i) {
+    world.particles[i].wrap();
+    if (particlesMove) world.particles[i].move();
   }
-  for (std::size_t i = 0, count = static_cast<std::size_t>(spareParticleCount); i < count; ++i) {
-    spareParticles[i].move();
+  for (std::size_t i = 0, count = static_cast<std::size_t>(world.spareParticleCount); i < count; ++i) {
+    world.spareParticles[i].move();
   }
-  for (std::size_t i = 0, count = static_cast<std::size_t>(explosionCount); i < count; ++i) {
-    explosionParticles[i].move();
+  for (std::size_t i = 0, count = static_cast<std::size_t>(world.explosionCount); i < count; ++i) {
+    world.explosionParticles[i].move();
   }
-  for (std::size_t i = 0, count = static_cast<std::size_t>(netParticleCount); i < count; ++i) {
-    netParticles[i].moveNormal();
+  for (std::size_t i = 0, count = static_cast<std::size_t>(world.netParticleCount); i < count; ++i) {
+    world.netParticles[i].moveNormal();
   }
 }
 

@@ -41,41 +41,51 @@ namespace modMain {
 
 inline constexpr float worldSize = 100000;  ///< world units, on both axes from 0
 
-// Quirk Q-225: it keeps its last value when the mouse leaves the canvas, and the ball flies on towards that point.
-extern Vector mousePos;  ///< last mouse position on the canvas, canvas units
-extern clsPlayer localPlayer;
-extern std::int16_t opponentCount;       ///< used slots of `opponents`; only ever grows
-extern std::deque<clsPlayer> opponents;  ///< growing moves no player in memory
-extern double particleCount;
-extern std::vector<clsParticle> particles;
-extern std::int16_t steerAngle;            ///< 0 to 88, see Bearing
-extern std::int16_t steerQuadrant;         ///< 1 to 4, 0 before the first frame
-extern std::array<ChatLine, 8> chatLines;  ///< index 0 newest
-extern std::string debugText;
-extern std::array<std::string, 6> colourNames;
-// Quirk Q-236: a list that is walked, moved and painted in every frame, and never filled.
-extern double spareParticleCount;
-extern std::vector<clsParticle> spareParticles;
-extern double explosionCount;
-extern std::vector<clsParticle> explosionParticles;
-extern std::vector<KillerTail> killerTails;
-extern std::string roundMessage;
-extern std::int32_t frameTime;                    ///< ms, average paint time
-extern std::array<std::int32_t, 101> frameTimes;  ///< ms, newest first
-extern bool survivalMode;
-extern Vector survivalOrigin;
-extern float survivalMaxDistance;
-extern std::int16_t netParticleCount;
-extern std::deque<clsParticle> netParticles;
-extern std::string centreMessage;
-extern std::int16_t centreMessageAge;  ///< frames at time scale 1; run out above 250
-extern std::array<std::string, 20> tips;
-extern std::int16_t nextTip;
+/// The world's state: plain values that every room reads and writes. One thread touches them.
+struct World {
+  // Quirk Q-225: it keeps its last value when the mouse leaves the canvas, and the ball flies on towards that point.
+  Vector mousePos;  ///< last mouse position on the canvas, canvas units
+  clsPlayer localPlayer;
+  std::int16_t opponentCount = 0;   ///< used slots of `opponents`; only ever grows
+  std::deque<clsPlayer> opponents;  ///< growing moves no player in memory
+  double particleCount = 0;         ///< used slots of `particles`
+  std::vector<clsParticle> particles;
+  std::int16_t steerAngle = 0;             ///< 0 to 88, see Bearing
+  std::int16_t steerQuadrant = 0;          ///< 1 to 4, 0 before the first frame
+  std::array<ChatLine, 8> chatLines;       ///< index 0 newest
+  std::string debugText;                   ///< lines of the canvas's upper left corner, built anew in every frame
+  std::array<std::string, 6> colourNames;  ///< by player colour, as chat lines name them
+  // Quirk Q-236: a list that is walked, moved and painted in every frame, and never filled.
+  double spareParticleCount = 0;
+  std::vector<clsParticle> spareParticles;
+  double explosionCount = 0;  ///< used slots of `explosionParticles`
+  std::vector<clsParticle> explosionParticles;
+  std::vector<KillerTail> killerTails;
+  std::string roundMessage;                    ///< the server's text at the end of a round
+  std::int32_t frameTime = 0;                  ///< ms, average paint time
+  std::array<std::int32_t, 101> frameTimes{};  ///< ms, newest first
+  bool survivalMode = false;
+  Vector survivalOrigin;              ///< world units
+  float survivalMaxDistance = 0;      ///< world units from the origin
+  std::int16_t netParticleCount = 0;  ///< used slots of `netParticles`; only ever grows
+  std::deque<clsParticle> netParticles;
+  std::string centreMessage;
+  std::int16_t centreMessageAge = 0;  ///< frames at time scale 1; not shown above 250
+  std::array<std::string, 20> tips;
+  std::int16_t nextTip = 0;  ///< index of `tips`
 
-// Paint statics that live as long as the process.
-extern bool borderShrinking;
-extern std::uint8_t borderWidth;
-extern std::int16_t borderCounter;
+  // The pulse of the world's border.
+  bool borderShrinking = false;
+  std::uint8_t borderWidth = 0;    ///< half the line's width, 1 to 4 pixels once painted
+  std::int16_t borderCounter = 0;  ///< frames since the width changed
+
+  // What the bounds below count.
+  std::size_t queuedPositions = 0;
+  std::size_t nameBytes = 0;
+};
+
+/// Assigning {} puts everything back to its value at the start of the process.
+extern World world;
 
 // What a server can make the client keep, all in all: far beyond any game, so that one of ill will cannot fill the
 // memory, nor make a frame last for ever. What would go beyond is dropped, or is a fault of its message.
@@ -85,13 +95,8 @@ inline constexpr std::size_t mostKillerTails = 1'000;
 inline constexpr std::size_t mostVictims = 1'000;  ///< of one killer tail
 inline constexpr std::size_t mostExplosionParticles = 1'000;
 inline constexpr std::size_t mostNameBytes = std::size_t{16} << 20;  ///< of opponents and network particles
-extern std::size_t queuedPositions;
-extern std::size_t nameBytes;
 /// Counts a name that is kept for good; RuntimeFault "Out of memory" beyond the limit.
 void keepName(const std::string& name);
-
-/// Puts every variable above back to its value at the start of the process.
-void clearWorld();
 
 // Start-up and loop (core/startUp.cpp, core/mainLoop.cpp).
 /// The program's entry; does not return.

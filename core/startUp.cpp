@@ -8,12 +8,12 @@
 
 namespace kelvora::modMain {
 
-void fillColourNames() { colourNames = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"}; }
+void fillColourNames() { world.colourNames = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"}; }
 
 void fillTips() {
   // Quirk Q-032: twenty slots for six tips. Every slot has its turn, so fourteen times in a row there is nothing to
   // see.
-  tips = {
+  world.tips = {
       "Right-Click to release or engage breaks",
       "Hold down the mouse button to prevent mouse from leaving viewport",
       "Entrap your opponents in a loop of your tail",

@@ -15,7 +15,7 @@ constexpr std::size_t longestLine = 90;    // characters
 constexpr std::size_t shortestSplit = 80;  // characters, the blank included
 
 void pushLine(std::string text, std::int16_t lineType) {
-  auto& lines = modMain::chatLines;
+  auto& lines = modMain::world.chatLines;
   std::move_backward(lines.begin(), lines.end() - 1, lines.end());
   lines.front() = {std::move(text), fontMan::getFontColour(lineType), fontMan::getFontSize(lineType)};
 }

@@ -30,8 +30,8 @@ std::int16_t numberArgument(const Pieces& pieces) { return toInt16(readNumber(ar
 
 void quarkType(const Pieces& pieces) {
   const std::uint8_t type = toByte(readNumber(argument(pieces)));
-  for (double i = 0; i < modMain::particleCount; ++i) {
-    clsParticle& particle = modMain::particles[static_cast<std::size_t>(i)];
+  for (double i = 0; i < modMain::world.particleCount; ++i) {
+    clsParticle& particle = modMain::world.particles[static_cast<std::size_t>(i)];
     const Vector point = particle.getPosition();
     particle.init(i, type, point.x, point.y);
   }

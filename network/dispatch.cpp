@@ -31,7 +31,7 @@ double MessageFields::real(std::size_t field) const { return readNumber(at(field
 namespace {
 
 using Fields = const MessageFields&;
-using modMain::localPlayer;
+using modMain::world;
 
 void loginDenied(Fields f) {
   resumeNext([&] { MsgBox("Login denied: \n" + f.text(0)); });
@@ -39,11 +39,11 @@ void loginDenied(Fields f) {
 }
 
 void ping(Fields f) {
-  if (localPlayer.isConnected) localPlayer.receivePing(f.int32(0));
+  if (world.localPlayer.isConnected) world.localPlayer.receivePing(f.int32(0));
 }
 
 void latencyReport(Fields f) {
-  if (localPlayer.isConnected) localPlayer.receiveLatencyReport(f.int32(0));
+  if (world.localPlayer.isConnected) world.localPlayer.receiveLatencyReport(f.int32(0));
 }
 
 void storeDenied(Fields f) {
@@ -74,13 +74,13 @@ constexpr Route table[] = {
     {wire::msgFunds, [](Fields f) { receiveFunds(f.int16(0), f.real(1)); }},
     {wire::msgRoundOver, [](Fields f) { receiveRoundOver(f.text(0)); }},
     {wire::msgBuyDenied, storeDenied},
-    {wire::msgBuyAccepted, [](Fields f) { localPlayer.purchaseAccepted(f.int16(0), f.int16(1), f.real(2)); }},
+    {wire::msgBuyAccepted, [](Fields f) { world.localPlayer.purchaseAccepted(f.int16(0), f.int16(1), f.real(2)); }},
     {wire::msgSpawnDenied, [](Fields) { MsgBox("Respawn request denied from server"); }},
     {wire::msgRespawn, [](Fields f) { receiveRespawn(f.int16(0)); }},
     {wire::msgPowerupOn, [](Fields f) { receivePowerupOn(f.int16(0), f.int16(1)); }},
     {wire::msgAliveState, [](Fields f) { receiveAliveState(f.int16(0), f.int16(1)); }},
     {wire::msgSellDenied, storeDenied},
-    {wire::msgSellAccepted, [](Fields f) { localPlayer.sellItemAccepted(f.int16(0), f.int16(1), f.real(2)); }},
+    {wire::msgSellAccepted, [](Fields f) { world.localPlayer.sellItemAccepted(f.int16(0), f.int16(1), f.real(2)); }},
     {wire::msgPowerupOff, [](Fields f) { receivePowerupOff(f.int16(0), f.int16(1)); }},
     {wire::msgServerText, [](Fields f) { printChat(f.text(0), 3); }},
     {wire::msgParticleAdd,

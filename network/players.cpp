@@ -8,18 +8,17 @@
 
 namespace kelvora::netMan {
 
-using modMain::localPlayer;
-using modMain::opponentCount;
+using modMain::world;
 
 namespace {
 
-bool isKnownOpponent(std::int16_t index) { return index >= 0 && index < opponentCount; }
+bool isKnownOpponent(std::int16_t index) { return index >= 0 && index < world.opponentCount; }
 
 /// The player of a node, or null if the client has no such player. A node that is nobody's is taken for the first
 /// opponent, as getPlayerIndex has it.
 clsPlayer* findPlayer(std::int16_t node) {
   const std::int16_t index = modMain::getPlayerIndex(node);
-  if (index == -1) return &localPlayer;
+  if (index == -1) return &world.localPlayer;
   return isKnownOpponent(index) ? &modMain::playerAt(index) : nullptr;
 }
 
@@ -28,10 +27,10 @@ clsPlayer* findPlayer(std::int16_t node) {
 void receivePosition(std::int16_t node, float x, float y) {
   clsPlayer* player = findPlayer(node);
   const Vector point{x, y};
-  if (player == &localPlayer) {
+  if (player == &world.localPlayer) {
     // Quirk Q-227: the own position comes back to lay the tail, which thus trails behind the ball by the way to the
     // server; the ball itself obeys the mouse alone.
-    if (localPlayer.position != point) localPlayer.addTail(point);
+    if (world.localPlayer.position != point) world.localPlayer.addTail(point);
   } else if (player) {
     player->queuePosition(point);
   }
@@ -39,16 +38,16 @@ void receivePosition(std::int16_t node, float x, float y) {
 
 void receiveVelocity(std::int16_t node, float vx, float vy) {
   clsPlayer* player = findPlayer(node);
-  if (player && player != &localPlayer) player->setVelocity({vx, vy});
+  if (player && player != &world.localPlayer) player->setVelocity({vx, vy});
 }
 
 void receiveAliveState(std::int16_t node, std::int16_t alive) {
   const std::int16_t index = modMain::getPlayerIndex(node);
-  if (index >= opponentCount) return;
+  if (index >= world.opponentCount) return;
   // Quirk Q-068: for an opponent the slot past the last one is asked for in place of his own. There is none, so this
   // message never changes an opponent.
   if (index != -1) raiseSubscriptOutOfRange();
-  localPlayer.setAlive(alive != 0);
+  world.localPlayer.setAlive(alive != 0);
 }
 
 void receiveFunds(std::int16_t node, double funds) {
@@ -59,7 +58,7 @@ void receiveRespawn(std::int16_t node) {
   clsPlayer* player = findPlayer(node);
   if (!player) return;
   player->respawn();
-  if (player == &localPlayer) frmMain->setButtonsState(false);
+  if (player == &world.localPlayer) frmMain->setButtonsState(false);
 }
 
 void receivePowerupOn(std::int16_t node, std::int16_t item) {
@@ -72,7 +71,7 @@ void receivePowerupOff(std::int16_t node, std::int16_t item) {
 
 std::int16_t indexFromName(const std::string& name) {
   const std::string wanted = lowerCase(name);
-  for (std::int16_t i = 0; i < opponentCount; ++i) {
+  for (std::int16_t i = 0; i < world.opponentCount; ++i) {
     const clsPlayer& opponent = modMain::playerAt(i);
     if (opponent.isConnected && lowerCase(opponent.name) == wanted) return i;
   }

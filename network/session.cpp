@@ -15,9 +15,7 @@ namespace kelvora {
 
 namespace netMan {
 
-using modMain::localPlayer;
-using modMain::opponentCount;
-using modMain::opponents;
+using modMain::world;
 
 std::string playerName;
 std::string serverPassword;
@@ -28,8 +26,8 @@ namespace {
 constexpr Colour ownNameBack = RGB(128, 0, 0);
 
 const std::string& colourName(std::int16_t colour) {
-  if (colour < 0 || colour >= static_cast<std::int16_t>(modMain::colourNames.size())) raiseSubscriptOutOfRange();
-  return modMain::colourNames[static_cast<std::size_t>(colour)];
+  if (colour < 0 || colour >= static_cast<std::int16_t>(modMain::world.colourNames.size())) raiseSubscriptOutOfRange();
+  return modMain::world.colourNames[static_cast<std::size_t>(colour)];
 }
 
 // Quirk Q-228: his tail stays as it is. It ages while it is painted, and who has gone is not painted. Once there are
@@ -94,11 +92,11 @@ void requestSpawn() {
 }
 
 void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y) {
-  localPlayer.init(colour, -1, node, name);
-  localPlayer.queuePosition({x, y});
+  world.localPlayer.init(colour, -1, node, name);
+  world.localPlayer.queuePosition({x, y});
   // Quirk Q-071: init has made the field already, round the old position. This is the second one.
   modMain::createParticleField();
-  localPlayer.isConnected = true;
+  world.localPlayer.isConnected = true;
   // Quirk Q-072: a colour that has no name ends the login here. The player is in the game with the title over it.
   printChat("Login accepted, " + name + " you are assigned the color " + colourName(colour), 3);
   modMain::showCentreMessage("Capture your opponents in a loop of your tail");
@@ -114,14 +112,14 @@ void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::stri
                          std::int16_t alive, std::int16_t kills) {
   modMain::keepName(name);
   // A join that failed half way has left a slot that does not count; it is made anew.
-  opponents.resize(static_cast<std::size_t>(opponentCount));
-  clsPlayer& newcomer = opponents.emplace_back();
-  newcomer.init(colour, opponentCount, node, name);
+  world.opponents.resize(static_cast<std::size_t>(world.opponentCount));
+  clsPlayer& newcomer = world.opponents.emplace_back();
+  newcomer.init(colour, world.opponentCount, node, name);
   newcomer.queuePosition({x, y});
   newcomer.setAlive(alive == 1);
   newcomer.setKills(kills);
   // Quirk Q-073: a newcomer always takes the next new slot. Those of players who left stay unused for good.
-  opponentCount = toInt16(opponentCount + 1.0);
+  world.opponentCount = toInt16(world.opponentCount + 1.0);
   if (hasPlayerRow(colour)) frmMain->lbUserName[colour].Caption = name;
   printChat("The player " + name + " has joined as " + colourName(colour), 3);
 }
@@ -129,7 +127,7 @@ void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::stri
 void receivePlayerLeft(std::int16_t node) {
   // Quirk Q-074: a node that is nobody's is taken for the first opponent, who then counts as gone.
   const std::int16_t index = modMain::getPlayerIndex(node);
-  if (index < 0 || index >= opponentCount) return;
+  if (index < 0 || index >= world.opponentCount) return;
   clsPlayer& player = modMain::playerAt(index);
   printChat(player.name + " has disconnected.", 3);
   letGo(player);
@@ -143,9 +141,9 @@ void receivePlayerLeft(std::int16_t node) {
 void receiveRoundOver(const std::string& text) {
   // Quirk Q-206: who stands in the store when the round ends never hears of it: he lives on, and no text is kept.
   if (frmPowerups.isVisible()) return;
-  localPlayer.setAlive(false);
-  for (std::int16_t i = 0; i < opponentCount; ++i) modMain::playerAt(i).setAlive(false);
-  modMain::roundMessage = text;
+  world.localPlayer.setAlive(false);
+  for (std::int16_t i = 0; i < world.opponentCount; ++i) modMain::playerAt(i).setAlive(false);
+  modMain::world.roundMessage = text;
   printChat(text, 3);
   frmMain->setButtonsState(true);
 }
@@ -153,11 +151,11 @@ void receiveRoundOver(const std::string& text) {
 }  // namespace netMan
 
 void modMain::resetConnectionState() {
-  localPlayer.isConnected = false;
-  for (std::int16_t i = 0; i < opponentCount; ++i) netMan::letGo(playerAt(i));
+  world.localPlayer.isConnected = false;
+  for (std::int16_t i = 0; i < world.opponentCount; ++i) netMan::letGo(playerAt(i));
   // A server may have given a colour that has no label; the dialog is offered all the same.
   resumeNext([] {
-    Label& label = frmMain->lbUserName[localPlayer.colour];
+    Label& label = frmMain->lbUserName[world.localPlayer.colour];
     label.BackColor = black;
     label.Caption = "";
   });

@@ -183,14 +183,14 @@ void clsParticle::queuePosition(Vector point) {
     position = point;
     return;
   }
-  if (modMain::queuedPositions >= modMain::mostQueuedPositions) return;
+  if (modMain::world.queuedPositions >= modMain::mostQueuedPositions) return;
   positionQueue.push_back(point);
-  ++modMain::queuedPositions;
+  ++modMain::world.queuedPositions;
 }
 
 void clsParticle::dropQueuedPosition() {
   positionQueue.pop_front();
-  if (modMain::queuedPositions > 0) --modMain::queuedPositions;
+  if (modMain::world.queuedPositions > 0) --modMain::world.queuedPositions;
 }
 
 }  // namespace kelvora

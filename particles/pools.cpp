@@ -14,8 +14,8 @@ constexpr std::size_t fieldSize = 150;
 
 /// Null if no particle has this id.
 clsParticle* findNetParticle(const std::string& id) {
-  for (std::int16_t i = 0; i < netParticleCount; ++i) {
-    clsParticle& particle = netParticles[static_cast<std::size_t>(i)];
+  for (std::int16_t i = 0; i < world.netParticleCount; ++i) {
+    clsParticle& particle = world.netParticles[static_cast<std::size_t>(i)];
     if (particle.id == id) return &particle;
   }
   return nullptr;
@@ -24,29 +24,29 @@ clsParticle* findNetParticle(const std::string& id) {
 }  // namespace
 
 void createParticleField() {
-  particleCount = fieldSize;
-  particles.assign(fieldSize + 1, {});  // the slot behind the last particle exists and stays empty
+  world.particleCount = fieldSize;
+  world.particles.assign(fieldSize + 1, {});  // the slot behind the last particle exists and stays empty
   for (std::size_t i = 0; i < fieldSize; ++i) {
-    particles[i].init(static_cast<double>(i), static_cast<std::uint8_t>(ParticleType::Background), 0, 0);
+    world.particles[i].init(static_cast<double>(i), static_cast<std::uint8_t>(ParticleType::Background), 0, 0);
   }
 }
 
 void addExplosion(Vector point, std::int16_t count) {
-  for (int i = 0; i < count && explosionParticles.size() < mostExplosionParticles; ++i) {
-    explosionParticles.emplace_back().init(explosionCount, static_cast<std::uint8_t>(ParticleType::Explosion), point.x,
-                                           point.y);
-    explosionCount += 1;
+  for (int i = 0; i < count && world.explosionParticles.size() < mostExplosionParticles; ++i) {
+    world.explosionParticles.emplace_back().init(world.explosionCount,
+                                                 static_cast<std::uint8_t>(ParticleType::Explosion), point.x, point.y);
+    world.explosionCount += 1;
   }
 }
 
 void removeExplosionParticle(std::int16_t index) {
-  if (index >= 0 && static_cast<std::size_t>(index) < explosionParticles.size()) {
-    explosionParticles.erase(explosionParticles.begin() + index);
+  if (index >= 0 && static_cast<std::size_t>(index) < world.explosionParticles.size()) {
+    world.explosionParticles.erase(world.explosionParticles.begin() + index);
   }
-  explosionCount = 0;
-  for (clsParticle& particle : explosionParticles) {
-    particle.num(explosionCount);
-    explosionCount += 1;
+  world.explosionCount = 0;
+  for (clsParticle& particle : world.explosionParticles) {
+    particle.num(world.explosionCount);
+    world.explosionCount += 1;
   }
 }
 
@@ -56,9 +56,9 @@ bool coinFlip() { return drawBelow(10000) + 1 < 5000; }
 
 std::int16_t allocNetParticle() {
   // Quirk Q-120: a slot whose particle was removed is never taken again; the pool only grows.
-  const std::int16_t slot = netParticleCount;
-  netParticleCount = toInt16(slot + 1);
-  netParticles.resize(static_cast<std::size_t>(netParticleCount));
+  const std::int16_t slot = world.netParticleCount;
+  world.netParticleCount = toInt16(slot + 1);
+  world.netParticles.resize(static_cast<std::size_t>(world.netParticleCount));
   return slot;
 }
 
@@ -66,7 +66,7 @@ void receiveParticleNew(const std::string& id, std::int16_t kind, float x, float
   keepName(id);
   const std::int16_t slot = allocNetParticle();
   // Quirk Q-263: the number given is the count after the growth, so these particles are numbered from 1.
-  netParticles[static_cast<std::size_t>(slot)].initNormal(netParticleCount, id, kind, x, y, dx, dy);
+  world.netParticles[static_cast<std::size_t>(slot)].initNormal(world.netParticleCount, id, kind, x, y, dx, dy);
 }
 
 void receiveParticlePosition(const std::string& id, float x, float y) {

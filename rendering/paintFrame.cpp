@@ -25,18 +25,18 @@ void paintPool(Pool& pool, const Count& count) {
 
 /// Takes the newest paint time and gives the new average.
 std::int32_t averageFrameTime(std::int32_t newest) {
-  std::copy_backward(frameTimes.begin(), frameTimes.end() - 1, frameTimes.end());
-  frameTimes[0] = newest;
+  std::copy_backward(world.frameTimes.begin(), world.frameTimes.end() - 1, world.frameTimes.end());
+  world.frameTimes[0] = newest;
   double sum = 0;
-  for (const std::int32_t time : frameTimes) sum += time;
+  for (const std::int32_t time : world.frameTimes) sum += time;
   return toInt32(sum / 101.0);
 }
 
 }  // namespace
 
 void addDebugText(const std::string& line) {
-  debugText += line;
-  debugText += "\r\n";
+  world.debugText += line;
+  world.debugText += "\r\n";
 }
 
 // The order of painting is the order of the layers, lowest first.
@@ -45,33 +45,33 @@ void paintFrame() {
   PictureBox& radar = frmMain->picRadar;
   canvas.Cls();
   radar.Cls();
-  debugText.clear();
+  world.debugText.clear();
   const Tick begin = GetTickCount();
 
-  if (localPlayer.isConnected && !localPlayer.isAlive()) localPlayer.paintSelf();
-  paintPool(particles, particleCount);
-  paintPool(spareParticles, spareParticleCount);
-  paintPool(explosionParticles, explosionCount);
-  paintPool(netParticles, netParticleCount);
-  for (std::int16_t i = 0; i < opponentCount; ++i) {
+  if (world.localPlayer.isConnected && !world.localPlayer.isAlive()) world.localPlayer.paintSelf();
+  paintPool(world.particles, world.particleCount);
+  paintPool(world.spareParticles, world.spareParticleCount);
+  paintPool(world.explosionParticles, world.explosionCount);
+  paintPool(world.netParticles, world.netParticleCount);
+  for (std::int16_t i = 0; i < world.opponentCount; ++i) {
     clsPlayer& opponent = playerAt(i);
     if (opponent.isConnected) opponent.paintSelf();
   }
   paintWorldBorder();
   paintActionIcons();
   paintPointer();
-  if (localPlayer.isConnected && localPlayer.isAlive()) localPlayer.paintSelf();
+  if (world.localPlayer.isConnected && world.localPlayer.isAlive()) world.localPlayer.paintSelf();
 
   const std::int32_t average = averageFrameTime(toInt32(static_cast<double>(GetTickCount() - begin)));
   // Quirk Q-126: the time shown is the average before this frame.
-  addDebugText("Paint Time:" + formatThreeDigits(frameTime));
+  addDebugText("Paint Time:" + formatThreeDigits(world.frameTime));
   paintTextLines();
   paintCentreMessage();
   canvas.Refresh();
   radar.Refresh();
   // Quirk Q-139: the measured time leaves out the texts and the showing of the picture, though it drives the time
   // scale.
-  frameTime = average;
+  world.frameTime = average;
 }
 
 }  // namespace kelvora::modMain

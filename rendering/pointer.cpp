@@ -24,20 +24,20 @@ int pointerFrame(const Bearing& bearing) {
 void paintPointer() {
   FrmMain& form = *frmMain;
   const Vector centre = getCanvasCentre();
-  const Bearing bearing = getBearing(centre, mousePos);
-  steerQuadrant = bearing.quadrant;
+  const Bearing bearing = getBearing(centre, world.mousePos);
+  world.steerQuadrant = bearing.quadrant;
   if (form.mnuDirLineAlways.Checked || (form.mnuDirLineClick.Checked && form.isLockMouse())) {
     form.canvas.ForeColor = RGB(255, 255, 255);
-    form.canvas.Line(centre.x, centre.y, mousePos.x, mousePos.y);
+    form.canvas.Line(centre.x, centre.y, world.mousePos.x, world.mousePos.y);
   }
-  steerAngle = toInt16(bearing.angle);
+  world.steerAngle = toInt16(bearing.angle);
 
   const SheetImage& sheet = frmGfx->imgArrows;
   const float width = std::floor(sheet.Width / 12);
   const float height = std::floor(sheet.Height / 2);
   const float left = static_cast<float>(pointerFrame(bearing)) * width;
   paintSprite(form.canvas, {sheet, left, height}, {sheet, left, 0},
-              {mousePos.x - std::floor(width / 2), mousePos.y - std::floor(height / 2), width, height});
+              {world.mousePos.x - std::floor(width / 2), world.mousePos.y - std::floor(height / 2), width, height});
 }
 
 }  // namespace kelvora::modMain

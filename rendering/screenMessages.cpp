@@ -40,7 +40,7 @@ void paintTextLines() {
   float y = canvas.Height;
   const std::int16_t ownSize = toInt16(canvas.FontSize);
   for (std::size_t i = 0; i < paintedLines; ++i) {
-    const ChatLine& line = chatLines[i];
+    const ChatLine& line = world.chatLines[i];
     Colour colour = line.colour;
     // Quirk Q-264: black stands for a line that was never filled, and a font set to black is painted grey with it.
     if (colour == Colour{}) colour = {unsetGrey, unsetGrey, unsetGrey};
@@ -51,28 +51,29 @@ void paintTextLines() {
     printAt(canvas, leftMargin, y, colour, line.text);
   }
   canvas.FontSize = ownSize;
-  printAt(canvas, leftMargin, 0, RGB(0, 255, 255), debugText);
+  printAt(canvas, leftMargin, 0, RGB(0, 255, 255), world.debugText);
 }
 
 void paintCentreMessage() {
-  if (centreMessageAge > oldestMessage) return;
+  if (world.centreMessageAge > oldestMessage) return;
   const double timeScale = getTimeScale();
-  centreMessageAge = toInt16(timeScale >= 1 ? roundToEven(centreMessageAge + timeScale) : centreMessageAge + 1);
-  if (centreMessageAge > oldestMessage) return;
+  world.centreMessageAge =
+      toInt16(timeScale >= 1 ? roundToEven(world.centreMessageAge + timeScale) : world.centreMessageAge + 1);
+  if (world.centreMessageAge > oldestMessage) return;
   PictureBox& canvas = frmMain->canvas;
   Label& measure = frmMain->lblTmp;
   const float y = canvas.Height / 2 - 500;
   const float centre = canvas.Width / 2;
   // Quirk Q-134: the width is the one in the label's small font, and the divisor is 2.3 in place of 2: the text stands
   // left of the true centre.
-  if (!(measure.Caption == centreMessage)) {
-    measure.Caption = centreMessage;
-    measure.Width = Surface::textWidth(measure.design.font, centreMessage);
+  if (!(measure.Caption == world.centreMessage)) {
+    measure.Caption = world.centreMessage;
+    measure.Width = Surface::textWidth(measure.design.font, world.centreMessage);
   }
   const float x = static_cast<float>((centre - measure.Width + centre) / 2.3);
   const float ownSize = canvas.FontSize;
   canvas.FontSize = ownSize + 3;
-  printAt(canvas, x, y, RGB(0, 255 - centreMessageAge, 0), centreMessage);
+  printAt(canvas, x, y, RGB(0, 255 - world.centreMessageAge, 0), world.centreMessage);
   canvas.FontSize = ownSize;
 }
 

@@ -9,11 +9,11 @@ namespace kelvora::modMain {
 // Quirk Q-153: the record is taken by the painting, not by the move, so a run that ends before its first picture has
 // covered no distance.
 void paintSurvival() {
-  const Vector place = localPlayer.position;
-  survivalMaxDistance = std::max(survivalMaxDistance, getDistance(survivalOrigin, place));
-  addDebugText("Survival Max Distance: " + numberText(survivalMaxDistance));
+  const Vector place = world.localPlayer.position;
+  world.survivalMaxDistance = std::max(world.survivalMaxDistance, getDistance(world.survivalOrigin, place));
+  addDebugText("Survival Max Distance: " + numberText(world.survivalMaxDistance));
 
-  const Vector start = worldToScreen(survivalOrigin);
+  const Vector start = worldToScreen(world.survivalOrigin);
   const Vector end = worldToScreen(place);
   PictureBox& canvas = frmMain->canvas;
   canvas.ForeColor = RGB(0, 0, 255);

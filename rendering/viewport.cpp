@@ -20,7 +20,7 @@ Vector getCanvasCentre() {
 
 Vector worldToScreen(Vector worldPoint) {
   const Vector centre = getCanvasCentre();
-  const Vector& eye = localPlayer.position;
+  const Vector& eye = world.localPlayer.position;
   return {centre.x - (eye.x - worldPoint.x), centre.y - (eye.y - worldPoint.y)};
 }
 

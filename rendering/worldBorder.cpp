@@ -6,26 +6,27 @@ namespace kelvora::modMain {
 // Quirk Q-125: the pulse counts frames and knows no time scale, so it beats faster on a faster machine; at both ends
 // the turn takes a step of its own, so that the widest and the narrowest line last twice as long as the others.
 void paintWorldBorder() {
-  borderCounter = static_cast<std::int16_t>(borderCounter + 1);
-  if (borderCounter == 5) {
-    borderCounter = 0;
-    borderWidth = static_cast<std::uint8_t>(borderShrinking ? borderWidth - 1 : borderWidth + 1);
+  world.borderCounter = static_cast<std::int16_t>(world.borderCounter + 1);
+  if (world.borderCounter == 5) {
+    world.borderCounter = 0;
+    world.borderWidth =
+        static_cast<std::uint8_t>(world.borderShrinking ? world.borderWidth - 1 : world.borderWidth + 1);
   }
-  if (borderWidth == 0) {
-    borderShrinking = false;
-    borderWidth = 1;
+  if (world.borderWidth == 0) {
+    world.borderShrinking = false;
+    world.borderWidth = 1;
   }
-  if (borderWidth >= 5) {
-    borderShrinking = true;
-    borderWidth = 4;
+  if (world.borderWidth >= 5) {
+    world.borderShrinking = true;
+    world.borderWidth = 4;
   }
   PictureBox& canvas = frmMain->canvas;
-  canvas.DrawWidth = borderWidth * 2;
+  canvas.DrawWidth = world.borderWidth * 2;
   const Vector c0 = worldToScreen({0, 0});
   const Vector c1 = worldToScreen({worldSize, 0});
   const Vector c2 = worldToScreen({0, worldSize});
   const Vector c3 = worldToScreen({worldSize, worldSize});
-  const int paleness = (borderWidth - 1) * 50;
+  const int paleness = (world.borderWidth - 1) * 50;
   canvas.ForeColor = RGB(255, paleness, paleness);
   canvas.Line(c0.x, c0.y, c1.x, c1.y);
   canvas.Line(c0.x, c0.y, c2.x, c2.y);

@@ -20,24 +20,25 @@ void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, flo
   }
   const std::string location = "(" + numberText(x) + "," + numberText(y) + ")";
   // Quirk Q-106: only the place is compared, so a second capture at the same coordinates joins the first one's winner.
-  const auto known = std::find_if(killerTails.begin(), killerTails.end(),
+  const auto known = std::find_if(world.killerTails.begin(), world.killerTails.end(),
                                   [&](const KillerTail& record) { return record.location == location; });
-  const bool isFull =
-      known == killerTails.end() ? killerTails.size() >= mostKillerTails : known->victims.size() >= mostVictims;
+  const bool isFull = known == world.killerTails.end() ? world.killerTails.size() >= mostKillerTails
+                                                       : known->victims.size() >= mostVictims;
   if (isFull) {
     executeCapture(winnerNode, loserNode);
     return;
   }
-  if (known != killerTails.end()) {
+  if (known != world.killerTails.end()) {
     known->victims.push_back(loser);
     return;
   }
-  killerTails.push_back({winner, player.getTailID(num), {loser}, location});
+  world.killerTails.push_back({winner, player.getTailID(num), {loser}, location});
 }
 
 std::int16_t findKillerTail(std::int16_t owner, const std::string& tailID) {
-  for (std::size_t i = 0; i < killerTails.size(); ++i) {
-    if (killerTails[i].owner == owner && killerTails[i].tailID == tailID) return static_cast<std::int16_t>(i);
+  for (std::size_t i = 0; i < world.killerTails.size(); ++i) {
+    if (world.killerTails[i].owner == owner && world.killerTails[i].tailID == tailID)
+      return static_cast<std::int16_t>(i);
   }
   return -1;
 }
@@ -48,8 +49,8 @@ void checkKillerTail(std::int16_t owner, const std::string& tailID) {
 }
 
 void executeKillerTail(std::int16_t index) {
-  if (index < 0 || static_cast<std::size_t>(index) >= killerTails.size()) return;
-  const KillerTail& record = killerTails[static_cast<std::size_t>(index)];
+  if (index < 0 || static_cast<std::size_t>(index) >= world.killerTails.size()) return;
+  const KillerTail& record = world.killerTails[static_cast<std::size_t>(index)];
   const std::int16_t owner = record.owner;
   for (const std::int16_t victim : record.victims) executeCapture(getServerNode(owner), getServerNode(victim));
   removeKillerTails(owner);
@@ -58,7 +59,7 @@ void executeKillerTail(std::int16_t index) {
 void removeKillerTails(std::int16_t owner) {
   // Quirk Q-104: every record of this owner goes, so when one of his captures lands his other waiting ones are dropped
   // and their victims live on.
-  std::erase_if(killerTails, [owner](const KillerTail& record) { return record.owner == owner; });
+  std::erase_if(world.killerTails, [owner](const KillerTail& record) { return record.owner == owner; });
 }
 
 void executeCapture(std::int16_t winnerNode, std::int16_t loserNode) {
@@ -75,7 +76,7 @@ void executeCapture(std::int16_t winnerNode, std::int16_t loserNode) {
 
 void killTailOf(std::int16_t ownerIndex, double num) {
   // Quirk Q-103: the upper bound is inclusive, unlike everywhere else; the slot behind the last one is a fault.
-  if (ownerIndex == -1 || (ownerIndex >= 0 && ownerIndex <= opponentCount)) playerAt(ownerIndex).killTail(num);
+  if (ownerIndex == -1 || (ownerIndex >= 0 && ownerIndex <= world.opponentCount)) playerAt(ownerIndex).killTail(num);
 }
 
 }  // namespace kelvora::modMain

@@ -36,13 +36,13 @@ float throttle() {
   if (centre.y == 0) throw RuntimeFault("Division by zero");
   // Quirk Q-096: half the canvas's height is the reach in both axes, so that full speed needs the same distance of the
   // mouse in every direction, however wide the canvas is.
-  return std::min(modMain::getDistance(centre, modMain::mousePos) / centre.y, 1.0F);
+  return std::min(modMain::getDistance(centre, modMain::world.mousePos) / centre.y, 1.0F);
 }
 
 /// Sets the velocity of one frame at time scale 1 from the bearing that the last paint found; left as it is for a
 /// bearing that does not exist, as before the first paint.
 void steer(Vector& velocity, float speed) {
-  const int angle = modMain::steerAngle;
+  const int angle = modMain::world.steerAngle;
   const float radians = static_cast<float>((pi / 180) * (angle % 45));
   const float tangent = static_cast<float>(std::tan(static_cast<double>(radians)));
   // Quirk Q-090: |x| + |y| is the speed in every direction, so the ball is faster along the axes than on a diagonal;
@@ -60,7 +60,7 @@ void steer(Vector& velocity, float speed) {
   const float along = speed - across;
   // Quirk Q-092: the quadrant was found by the paint of the frame before; in the first frame it is 0 and steers
   // nothing.
-  switch (modMain::steerQuadrant) {
+  switch (modMain::world.steerQuadrant) {
     case 1:
       velocity = {across, -along};
       break;

@@ -51,14 +51,14 @@ void clsPlayer::queuePosition(Vector point) {
     position = point;
     return;
   }
-  if (modMain::queuedPositions >= modMain::mostQueuedPositions) return;
+  if (modMain::world.queuedPositions >= modMain::mostQueuedPositions) return;
   positionQueue.push_back(point);
-  ++modMain::queuedPositions;
+  ++modMain::world.queuedPositions;
 }
 
 void clsPlayer::dequeuePosition() {
   positionQueue.pop_front();
-  if (modMain::queuedPositions > 0) --modMain::queuedPositions;
+  if (modMain::world.queuedPositions > 0) --modMain::world.queuedPositions;
 }
 
 void clsPlayer::moveAsOpponent() {

@@ -19,9 +19,9 @@ constexpr int oldestAge = 200;
 
 /// Serial number of the oldest vertex of a player; 0 where no such player exists.
 double serialBase(std::int16_t ownerIndex) {
-  if (ownerIndex == -1) return modMain::localPlayer.tailBase;
+  if (ownerIndex == -1) return modMain::world.localPlayer.tailBase;
   const std::size_t slot = static_cast<std::size_t>(ownerIndex);
-  return slot < modMain::opponents.size() ? modMain::opponents[slot].tailBase : 0;
+  return slot < modMain::world.opponents.size() ? modMain::world.opponents[slot].tailBase : 0;
 }
 
 }  // namespace

@@ -23,12 +23,12 @@ FrmPowerups::FrmPowerups() : Form("Powerups", {.clientWidth = 11370, .clientHeig
   int tabIndex = 0;
   for (int i = 0; i < powerupSlotCount; ++i) {
     const auto item = static_cast<std::int16_t>(i);
-    const auto buy = [item] { modMain::localPlayer.purchaseItem(item); };
+    const auto buy = [item] { modMain::world.localPlayer.purchaseItem(item); };
     picPowerup[i].setPicture(LoadPicture(assets + "storeItem" + std::to_string(i) + ".png"));
     picPowerup[i].ToolTipText = "Click to purchase this item";
     picPowerup[i].Click = buy;
     cmdBuy[i].Click = buy;
-    cmdSell[i].Click = [item] { modMain::localPlayer.sellItem(item); };
+    cmdSell[i].Click = [item] { modMain::world.localPlayer.sellItem(item); };
     cmdBuy[i].TabIndex = tabIndex++;
     cmdSell[i].TabIndex = tabIndex++;
   }

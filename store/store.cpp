@@ -23,8 +23,8 @@ constexpr std::int16_t errorSound = 2;
 }  // namespace
 
 void modMain::openStore() {
-  frmPowerups->lblWinners.Caption = roundMessage;
-  localPlayer.populatePowerupsForm();
+  frmPowerups->lblWinners.Caption = world.roundMessage;
+  world.localPlayer.populatePowerupsForm();
   frmPowerups->Show();
   // Quirk Q-270: nothing ends this track when the store closes; it plays to its end, and then the rotation goes on.
   soundMan::playMusic(shoppingMusic);

@@ -16,7 +16,7 @@ class SoundEvents : public AudioTest {
   }
   /// One step of the local player from a place, with a velocity that the brakes take 3 from.
   void step(Vector from, Vector velocity) {
-    clsPlayer& player = modMain::localPlayer;
+    clsPlayer& player = modMain::world.localPlayer;
     player.position = from;
     player.velocity = velocity;
     player.breaksOn = true;
@@ -45,7 +45,7 @@ TEST_F(SoundEvents, ABounceIsHeardAtEveryEdge) {
 TEST_F(SoundEvents, AStepWithinTheWorldIsSilent) {
   step({50'000, 50'000}, {100, 100});
   step({103, 50'000}, {-106, 0});  // to exactly 0
-  EXPECT_EQ(modMain::localPlayer.position.x, 0);
+  EXPECT_EQ(modMain::world.localPlayer.position.x, 0);
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
@@ -56,9 +56,9 @@ TEST_F(SoundEvents, ACornerIsHeardTwice) {
 
 TEST_F(SoundEvents, ABounceOffTheScreenIsSilent) {
   // The canvas shows 5722.5 units to each side of the local player; a step of 9000 leads beyond it.
-  modMain::localPlayer.powerups[turboSlot].active = true;
+  modMain::world.localPlayer.powerups[turboSlot].active = true;
   step({10, 50'000}, {-9003, 0});
-  EXPECT_EQ(modMain::localPlayer.position.x, 1000);
+  EXPECT_EQ(modMain::world.localPlayer.position.x, 1000);
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
@@ -75,7 +75,7 @@ TEST_F(SoundEvents, ADeathIsHeardWhereItIsSeen) {
 }
 
 TEST_F(SoundEvents, TheLocalPlayersDeathIsHeard) {
-  modMain::localPlayer.die();
+  modMain::world.localPlayer.die();
   EXPECT_EQ(machine.soundCommands, playing("capture.wav"));
 }
 
@@ -84,15 +84,15 @@ TEST_F(SoundEvents, EachPowerupOfTheLocalPlayerHasItsSound) {
                                                  "puLongTail.wav", "puLaser.wav", "puMissile.wav"};
   for (std::int16_t slot = 0; slot < 6; ++slot) {
     machine.soundCommands.clear();
-    modMain::localPlayer.activatePowerup(slot);
+    modMain::world.localPlayer.activatePowerup(slot);
     EXPECT_EQ(machine.soundCommands, playing(sounds[static_cast<std::size_t>(slot)])) << slot;
   }
 }
 
 TEST_F(SoundEvents, ARunningPowerupIsNotHeardAgain) {
-  modMain::localPlayer.activatePowerup(0);
+  modMain::world.localPlayer.activatePowerup(0);
   machine.soundCommands.clear();
-  modMain::localPlayer.activatePowerup(0);
+  modMain::world.localPlayer.activatePowerup(0);
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
@@ -107,11 +107,11 @@ TEST_F(SoundEvents, Q180AnEarlyEndStopsTheSoundOfThePowerupsOwnNumber) {
                                                   "puShield.wav", "puTurbo.wav", "puChargedTail.wav"};
   for (std::int16_t slot = 0; slot < 6; ++slot) {
     machine.soundCommands.clear();
-    modMain::localPlayer.unactivatePowerup(slot);
+    modMain::world.localPlayer.unactivatePowerup(slot);
     EXPECT_EQ(machine.soundCommands, stopping(stopped[static_cast<std::size_t>(slot)])) << slot;
   }
-  modMain::localPlayer.activatePowerup(1);
-  modMain::localPlayer.unactivatePowerup(1);
+  modMain::world.localPlayer.activatePowerup(1);
+  modMain::world.localPlayer.unactivatePowerup(1);
   EXPECT_FALSE(frmSound->mm(4).Silent()) << "puTurbo.wav runs on";
   EXPECT_TRUE(frmSound->mm(1).Silent());
 }
@@ -124,15 +124,15 @@ TEST_F(SoundEvents, AnEarlyEndOfAnOpponentsPowerupStopsASoundToo) {
 }
 
 TEST_F(SoundEvents, AnEndBeyondTheSlotsStopsNothing) {
-  modMain::localPlayer.unactivatePowerup(6);
-  modMain::localPlayer.unactivatePowerup(-1);
+  modMain::world.localPlayer.unactivatePowerup(6);
+  modMain::world.localPlayer.unactivatePowerup(-1);
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
 TEST_F(SoundEvents, ThePulseOfTheServerIsHeardAndAnnounced) {
   serverSends(wire::msgPowerupOn, {"7", "5"});
   EXPECT_EQ(machine.soundCommands, playing("puMissile.wav"));
-  EXPECT_EQ(modMain::centreMessage, "Electro-Magnetic Pulse");
+  EXPECT_EQ(modMain::world.centreMessage, "Electro-Magnetic Pulse");
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ class ClockFaults : public GameTest {
   void report(std::int16_t node, float x, float y = 50'000) {
     serverSends(wire::msgPosition, {std::to_string(node), std::to_string(x), std::to_string(y)});
   }
-  static clsPlayer& local() { return modMain::localPlayer; }
+  static clsPlayer& local() { return modMain::world.localPlayer; }
 };
 
 TEST_F(ClockFaults, AnHourOfSuspensionCostsATailNothingAndAPowerupOneSecond) {
@@ -134,7 +134,7 @@ TEST_P(Uptime, PassesInPlayWithoutATrace) {
   EXPECT_EQ(frmMain->lblLag.Caption.get(), "250/40");
   // The first pass starts the player's clock, the second stamps the vertex, and 113 frames make 56 steps of 20 ms.
   EXPECT_EQ(bob.tails[0].getAge(), 112);
-  EXPECT_EQ(modMain::frameTime, 0);
+  EXPECT_EQ(modMain::world.frameTime, 0);
   play(87);
   EXPECT_EQ(bob.tailCount(), 1) << "200 units of age";
   play(2);
@@ -188,14 +188,14 @@ TEST_F(StopInPaint, AnHourMakesTheGameFastForAHundredFramesAndNothingWorse) {
   serverSends(wire::msgPowerupOn, {"7", std::to_string(turboSlot)});
   play(20);
   local().breaksOn = false;
-  modMain::mousePos = {6'000, 2'000};
+  modMain::world.mousePos = {6'000, 2'000};
   stopped.ticks = machine.ticks;
   stopped.seconds = machine.seconds;
   installBackend(&stopped);
   stopped.stop = hour;
   playOn(1);
-  EXPECT_EQ(modMain::frameTimes[0], hour);
-  EXPECT_EQ(modMain::frameTime, 35'644) << "3600000 / 101";
+  EXPECT_EQ(modMain::world.frameTimes[0], hour);
+  EXPECT_EQ(modMain::world.frameTime, 35'644) << "3600000 / 101";
   for (int frame = 0; frame < 100; ++frame) {
     playOn(1);
     for (const clsPlayer* player : {&local(), &modMain::playerAt(0), &modMain::playerAt(1)}) {
@@ -205,9 +205,9 @@ TEST_F(StopInPaint, AnHourMakesTheGameFastForAHundredFramesAndNothingWorse) {
       ASSERT_LE(player->position.y, modMain::worldSize) << frame;
     }
   }
-  EXPECT_EQ(modMain::frameTime, 35'644) << "the long frame is the oldest of the 101";
+  EXPECT_EQ(modMain::world.frameTime, 35'644) << "the long frame is the oldest of the 101";
   playOn(1);
-  EXPECT_EQ(modMain::frameTime, 0);
+  EXPECT_EQ(modMain::world.frameTime, 0);
   EXPECT_EQ(modMain::getTimeScale(), 1.0);
 }
 

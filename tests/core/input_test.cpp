@@ -19,7 +19,7 @@ class Input : public GameTest {
   /// In the game, with one of each powerup, and a running shield if the pulse is to be fired.
   void loginWithPowerups() {
     login();
-    for (PowerupState& powerup : modMain::localPlayer.powerups) powerup.count = 1;
+    for (PowerupState& powerup : modMain::world.localPlayer.powerups) powerup.count = 1;
   }
   /// The slot numbers that were asked for.
   std::vector<std::string> requests() {
@@ -34,7 +34,7 @@ class Input : public GameTest {
 TEST_F(Input, TheFunctionKeysRequestTheSixPowerups) {
   loginWithPowerups();
   for (int slot = 0; slot < 5; ++slot) canvas().KeyDown(112 + slot, 0);
-  modMain::localPlayer.powerups[shieldSlot].active = true;
+  modMain::world.localPlayer.powerups[shieldSlot].active = true;
   canvas().KeyDown(117, 0);
   EXPECT_EQ(requests(), (std::vector<std::string>{"0", "1", "2", "3", "4", "5"}));
 }
@@ -85,7 +85,7 @@ TEST_F(Input, Q226TypingAppendsAtTheEndWhereverTheCaretStands) {
 }
 
 TEST_F(Input, TheRightButtonTogglesTheBrakes) {
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
   canvas().MouseDown(right, 0, 100, 100);
   EXPECT_TRUE(player.breaksOn);
   canvas().MouseDown(right, 0, 100, 100);
@@ -94,26 +94,26 @@ TEST_F(Input, TheRightButtonTogglesTheBrakes) {
 
 TEST_F(Input, OtherButtonsLeaveTheBrakes) {
   for (const int button : {0, 1, 3, 4, 6, 7}) canvas().MouseDown(button, 0, 100, 100);
-  EXPECT_FALSE(modMain::localPlayer.breaksOn);
+  EXPECT_FALSE(modMain::world.localPlayer.breaksOn);
 }
 
 TEST_F(Input, TheBrakesToggleDeadOrAliveAndTheServerIsNotTold) {
   login();
-  const bool before = modMain::localPlayer.breaksOn;
+  const bool before = modMain::world.localPlayer.breaksOn;
   canvas().MouseDown(right, 0, 100, 100);
-  EXPECT_NE(modMain::localPlayer.breaksOn, before);
-  modMain::localPlayer.alive = false;
+  EXPECT_NE(modMain::world.localPlayer.breaksOn, before);
+  modMain::world.localPlayer.alive = false;
   canvas().MouseDown(right, 0, 100, 100);
-  EXPECT_EQ(modMain::localPlayer.breaksOn, before);
+  EXPECT_EQ(modMain::world.localPlayer.breaksOn, before);
   EXPECT_TRUE(server().sent.empty());
 }
 
 TEST_F(Input, TheMouseIsTrackedWithAndWithoutAButton) {
-  EXPECT_EQ(modMain::mousePos, (Vector{0, 0}));
+  EXPECT_EQ(modMain::world.mousePos, (Vector{0, 0}));
   move(0, 5000, 4000);
-  EXPECT_EQ(modMain::mousePos, (Vector{5000, 4000}));
+  EXPECT_EQ(modMain::world.mousePos, (Vector{5000, 4000}));
   move(left, 6000, 3000);
-  EXPECT_EQ(modMain::mousePos, (Vector{6000, 3000}));
+  EXPECT_EQ(modMain::world.mousePos, (Vector{6000, 3000}));
 }
 
 TEST_F(Input, TheMouseIsHeldFromTheFirstMoveWithTheLeftButtonAlone) {
@@ -138,7 +138,7 @@ TEST_F(Input, AnyButtonGoingUpEndsTheHolding) {
 TEST_F(Input, TheRightButtonWhileTheLeftIsHeldTogglesTheBrakesAndEndsTheHolding) {
   move(left, 5000, 4000);
   canvas().MouseDown(right, 0, 5000, 4000);
-  EXPECT_TRUE(modMain::localPlayer.breaksOn);
+  EXPECT_TRUE(modMain::world.localPlayer.breaksOn);
   EXPECT_TRUE(frmMain->isLockMouse());
   move(leftAndRight, 5010, 4000);
   EXPECT_FALSE(frmMain->isLockMouse());
@@ -191,13 +191,13 @@ TEST_F(Input, Q238ThePlaceIsRoundedToUnitsAndThenToPixels) {
 
 TEST_F(Input, Q225TheBallFliesOnTowardsTheLastPointThatWasSeen) {
   login();
-  modMain::localPlayer.breaksOn = false;
+  modMain::world.localPlayer.breaksOn = false;
   move(0, 5722, 0);  // straight up, and then the mouse is gone
   modMain::runFrame();
-  const Vector start = modMain::localPlayer.position;
+  const Vector start = modMain::world.localPlayer.position;
   for (int frame = 0; frame < 5; ++frame) modMain::runFrame();
-  EXPECT_EQ(modMain::mousePos, (Vector{5722, 0}));
-  EXPECT_EQ(modMain::localPlayer.position, (Vector{start.x, start.y - 5 * 300}));
+  EXPECT_EQ(modMain::world.mousePos, (Vector{5722, 0}));
+  EXPECT_EQ(modMain::world.localPlayer.position, (Vector{start.x, start.y - 5 * 300}));
 }
 
 TEST_F(Input, Q035ACornerPlacesThePointerTwice) {
@@ -221,13 +221,13 @@ TEST_F(Input, Q034TheWayToPixelsIsThatOfTheDesignWindowAtAnySize) {
 
 TEST_F(Input, Q223WhatIsStoredIsWhereTheMouseWasAndNotWhereItIsPut) {
   move(left, 10, 10);
-  EXPECT_EQ(modMain::mousePos, (Vector{10, 10}));
+  EXPECT_EQ(modMain::world.mousePos, (Vector{10, 10}));
 }
 
 TEST_F(Input, WithTheLeftButtonUpTheMouseLeavesFreely) {
   for (const int button : {0, 2, 3, 4}) move(button, 5, 5);
   EXPECT_TRUE(machine.pointerPlacements.empty());
-  EXPECT_EQ(modMain::mousePos, (Vector{5, 5}));
+  EXPECT_EQ(modMain::world.mousePos, (Vector{5, 5}));
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ class Latency : public GameTest {
   /// In the game and flying to the right at full speed, `passes` after a report.
   void flyRight(int passes) {
     login();
-    modMain::localPlayer.breaksOn = false;
+    modMain::world.localPlayer.breaksOn = false;
     moveMouse(centreX + 4800);
     for (int i = 0; i < 2 * passesOfAReport; ++i) modMain::runFrame();
     while (true) {
@@ -81,12 +81,12 @@ TEST_F(Latency, ThePictureOfTheNextPassShowsThePointerWhereTheMouseIs) {
 TEST_F(Latency, TheBallTurnsInTheSecondPass) {
   flyRight(0);
   moveMouse(centreX - 4800);
-  const float start = modMain::localPlayer.position.x;
+  const float start = modMain::world.localPlayer.position.x;
   modMain::runFrame();
-  const float first = modMain::localPlayer.position.x;
+  const float first = modMain::world.localPlayer.position.x;
   EXPECT_GT(first, start);
   modMain::runFrame();
-  EXPECT_LT(modMain::localPlayer.position.x, first);
+  EXPECT_LT(modMain::world.localPlayer.position.x, first);
 }
 
 TEST_F(Latency, TheFirstReportOfTheTurnComesWithTheTurnOrUpToThreePassesLater) {
@@ -97,7 +97,7 @@ TEST_F(Latency, TheFirstReportOfTheTurnComesWithTheTurnOrUpToThreePassesLater) {
     flyRight(phase);
     moveMouse(centreX - 4800);
     EXPECT_EQ(passOf([&] {
-                const bool isLeftward = modMain::localPlayer.velocity.x < 0;
+                const bool isLeftward = modMain::world.localPlayer.velocity.x < 0;
                 if (!isLeftward) forgetSent();
                 return isLeftward && !reports().empty();
               }),

@@ -26,30 +26,30 @@ class MainLoop : public GameTest {
 TEST_F(MainLoop, WithoutAConnectionAPassIsDoEventsAlone) {
   frmMain->canvas.Line(0, 0, 3000, 3000);
   const std::vector<Pixel> before(frmMain->canvas.pixels().begin(), frmMain->canvas.pixels().end());
-  modMain::localPlayer.isConnected = true;
-  modMain::localPlayer.breaksOn = true;
-  modMain::localPlayer.velocity = {100, 100};
-  modMain::debugText = "untouched";
-  modMain::frameTimes[0] = 5;
+  modMain::world.localPlayer.isConnected = true;
+  modMain::world.localPlayer.breaksOn = true;
+  modMain::world.localPlayer.velocity = {100, 100};
+  modMain::world.debugText = "untouched";
+  modMain::world.frameTimes[0] = 5;
   runPasses(3);
   EXPECT_EQ(machine.doEventsCount, 3);
-  EXPECT_EQ(modMain::localPlayer.position, (Vector{0, 0}));
-  EXPECT_EQ(modMain::debugText, "untouched");
-  EXPECT_EQ(modMain::frameTimes[0], 5);
-  EXPECT_EQ(modMain::frameTimes[1], 0);
-  EXPECT_TRUE(modMain::opponents.empty());
-  EXPECT_TRUE(modMain::particles.empty());
-  EXPECT_TRUE(modMain::explosionParticles.empty());
-  EXPECT_TRUE(modMain::netParticles.empty());
+  EXPECT_EQ(modMain::world.localPlayer.position, (Vector{0, 0}));
+  EXPECT_EQ(modMain::world.debugText, "untouched");
+  EXPECT_EQ(modMain::world.frameTimes[0], 5);
+  EXPECT_EQ(modMain::world.frameTimes[1], 0);
+  EXPECT_TRUE(modMain::world.opponents.empty());
+  EXPECT_TRUE(modMain::world.particles.empty());
+  EXPECT_TRUE(modMain::world.explosionParticles.empty());
+  EXPECT_TRUE(modMain::world.netParticles.empty());
   EXPECT_TRUE(std::equal(before.begin(), before.end(), frmMain->canvas.pixels().begin()));
 }
 
 TEST_F(MainLoop, EveryStateButSevenIsIdle) {
   for (int state = 0; state <= 9; ++state) {
-    modMain::debugText.clear();
+    modMain::world.debugText.clear();
     server().setState(state);
     runPasses(1);
-    EXPECT_EQ(modMain::debugText.empty(), state != 7) << state;
+    EXPECT_EQ(modMain::world.debugText.empty(), state != 7) << state;
   }
 }
 
@@ -63,24 +63,24 @@ TEST_F(MainLoop, MayWaitForEventsOnlyWithoutAConnection) {
 
 TEST_F(MainLoop, PaintsBetweenTheConnectionAndTheLoginButMovesNobody) {
   connect();
-  ASSERT_FALSE(modMain::localPlayer.isConnected);
-  modMain::localPlayer.velocity = {100, 100};
-  modMain::localPlayer.breaksOn = true;
+  ASSERT_FALSE(modMain::world.localPlayer.isConnected);
+  modMain::world.localPlayer.velocity = {100, 100};
+  modMain::world.localPlayer.breaksOn = true;
   modMain::runFrame();
-  EXPECT_NE(modMain::debugText.find("Paint Time:"), std::string::npos);
-  EXPECT_EQ(modMain::localPlayer.position, (Vector{0, 0}));
+  EXPECT_NE(modMain::world.debugText.find("Paint Time:"), std::string::npos);
+  EXPECT_EQ(modMain::world.localPlayer.position, (Vector{0, 0}));
 }
 
 TEST_F(MainLoop, PaintsWithNoOpponents) {
   login();
-  ASSERT_EQ(modMain::opponentCount, 0);
+  ASSERT_EQ(modMain::world.opponentCount, 0);
   modMain::runFrame();
-  EXPECT_NE(modMain::debugText.find("Paint Time:"), std::string::npos);
+  EXPECT_NE(modMain::world.debugText.find("Paint Time:"), std::string::npos);
 }
 
 TEST_F(MainLoop, MovesTheLocalPlayerAndTicksItsPowerups) {
   login();
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
   player.velocity = {100, -50};  // the brakes are on: each axis loses 3 in a frame
   player.powerups[shieldSlot] = {1, 15, true};
   modMain::runFrame();
@@ -92,20 +92,20 @@ TEST_F(MainLoop, TicksThePowerupsOfConnectedOpponents) {
   login();
   join(8, 1, "Bob");
   join(9, 2, "Cat");
-  modMain::opponents[0].powerups[turboSlot] = {0, 5, true};
-  modMain::opponents[1].powerups[turboSlot] = {0, 5, true};
-  modMain::opponents[1].isConnected = false;
+  modMain::world.opponents[0].powerups[turboSlot] = {0, 5, true};
+  modMain::world.opponents[1].powerups[turboSlot] = {0, 5, true};
+  modMain::world.opponents[1].isConnected = false;
   modMain::runFrame();
-  EXPECT_EQ(modMain::opponents[0].powerups[turboSlot].timeLeft, 4);
-  EXPECT_EQ(modMain::opponents[1].powerups[turboSlot].timeLeft, 5);
+  EXPECT_EQ(modMain::world.opponents[0].powerups[turboSlot].timeLeft, 4);
+  EXPECT_EQ(modMain::world.opponents[1].powerups[turboSlot].timeLeft, 5);
 }
 
 TEST_F(MainLoop, SkipsAPlayerWhoLeftDuringDoEvents) {
   login();
   join(8, 1, "Bob");
   join(9, 2, "Cat");
-  clsPlayer& bob = modMain::opponents[0];
-  clsPlayer& cat = modMain::opponents[1];
+  clsPlayer& bob = modMain::world.opponents[0];
+  clsPlayer& cat = modMain::world.opponents[1];
   bob.powerups[turboSlot] = cat.powerups[turboSlot] = {0, 5, true};
   machine.onDoEvents = [this] {
     if (machine.doEventsCount == 1 + doEventsBefore)
@@ -117,8 +117,8 @@ TEST_F(MainLoop, SkipsAPlayerWhoLeftDuringDoEvents) {
   };
   doEventsBefore = machine.doEventsCount;
   EXPECT_THROW(modMain::mainLoop(), ProcessEnded);
-  EXPECT_EQ(modMain::opponentCount, 2);
-  EXPECT_EQ(modMain::opponents.size(), 2U);
+  EXPECT_EQ(modMain::world.opponentCount, 2);
+  EXPECT_EQ(modMain::world.opponents.size(), 2U);
   EXPECT_FALSE(bob.isConnected);
   EXPECT_EQ(bob.powerups[turboSlot].timeLeft, 4) << "one frame, then gone";
   EXPECT_EQ(cat.powerups[turboSlot].timeLeft, 3) << "two frames";
@@ -126,33 +126,33 @@ TEST_F(MainLoop, SkipsAPlayerWhoLeftDuringDoEvents) {
 
 TEST_F(MainLoop, InTheStarsSettingBackgroundParticlesAreWrappedButDoNotMove) {
   login();
-  modMain::particleCount = 2;
-  modMain::particles.assign(2, clsParticle{});
-  for (clsParticle& particle : modMain::particles) {
+  modMain::world.particleCount = 2;
+  modMain::world.particles.assign(2, clsParticle{});
+  for (clsParticle& particle : modMain::world.particles) {
     particle.position = {50'000, 50'000};
     particle.velocity = {7, 7};
     particle.maxSpeed = 15;
     particle.fieldWidth = 11'445;
     particle.fieldHeight = 9'120;
   }
-  modMain::particles[1].position.x = 50'000 - 60'000;  // fallen far behind
+  modMain::world.particles[1].position.x = 50'000 - 60'000;  // fallen far behind
   ASSERT_TRUE(frmMain->mnuQuarkStars.Checked);
   modMain::runFrame();
-  EXPECT_EQ(modMain::particles[0].position, (Vector{50'000, 50'000}));
-  EXPECT_NE(modMain::particles[1].position.x, -10'000);
+  EXPECT_EQ(modMain::world.particles[0].position, (Vector{50'000, 50'000}));
+  EXPECT_NE(modMain::world.particles[1].position.x, -10'000);
 
   frmMain->mnuQuarkStars.Checked = false;
   modMain::runFrame();
-  EXPECT_EQ(modMain::particles[0].position, (Vector{50'007, 50'007}));
+  EXPECT_EQ(modMain::world.particles[0].position, (Vector{50'007, 50'007}));
 }
 
 // The canvas's centre (5722, 4560) shows the local player; 2000 units to the right lie at pixel (515, 304).
 TEST_F(MainLoop, Q221ParticlesAreShownOneStepBehind) {
   login();
   frmMain->mnuQuarkStars.Checked = false;
-  modMain::particleCount = 1;
-  modMain::particles.assign(1, clsParticle{});
-  clsParticle& particle = modMain::particles[0];
+  modMain::world.particleCount = 1;
+  modMain::world.particles.assign(1, clsParticle{});
+  clsParticle& particle = modMain::world.particles[0];
   particle.position = {52'000, 50'000};
   particle.velocity = {3000, 0};
   particle.maxSpeed = 3000;
@@ -171,19 +171,19 @@ TEST_F(MainLoop, Q221ParticlesAreShownOneStepBehind) {
 
 TEST_F(MainLoop, ThePictureIsPaintedBehindTheMoves) {
   login();
-  modMain::localPlayer.velocity = {100, -50};  // the brakes are on: each axis loses 3 in a frame
+  modMain::world.localPlayer.velocity = {100, -50};  // the brakes are on: each axis loses 3 in a frame
   modMain::runFrame();
-  EXPECT_EQ(modMain::debugText.substr(0, 26), "Location: 50.097   49.953\r");
+  EXPECT_EQ(modMain::world.debugText.substr(0, 26), "Location: 50.097   49.953\r");
 }
 
 TEST_F(MainLoop, TurboFliesInTheFrameInWhichItsTimeRunsOut) {
   login();
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
   player.breaksOn = false;
   player.powerups[turboSlot] = {0, 1, true};
-  modMain::mousePos = {5722, 0};  // full speed
-  modMain::steerAngle = 0;
-  modMain::steerQuadrant = 1;
+  modMain::world.mousePos = {5722, 0};  // full speed
+  modMain::world.steerAngle = 0;
+  modMain::world.steerQuadrant = 1;
   modMain::runFrame();
   EXPECT_EQ(player.position, (Vector{50'000, 49'100}));
   EXPECT_FALSE(player.powerups[turboSlot].active);
@@ -192,7 +192,7 @@ TEST_F(MainLoop, TurboFliesInTheFrameInWhichItsTimeRunsOut) {
 TEST_F(MainLoop, MovesTheOpponents) {
   login();
   join(8, 1, "Bob");
-  clsPlayer& bob = modMain::opponents[0];
+  clsPlayer& bob = modMain::world.opponents[0];
   bob.awaitingFirstPosition = false;
   bob.queuePosition({90'000, 80'000});  // out of sight: he is there at once
   modMain::runFrame();
@@ -203,7 +203,7 @@ TEST_F(MainLoop, MovesTheOpponents) {
 TEST_F(MainLoop, OpponentsMoveBeforeTheirPowerupsTick) {
   login();
   join(8, 1, "Bob");
-  clsPlayer& bob = modMain::opponents[0];
+  clsPlayer& bob = modMain::world.opponents[0];
   bob.powerups[chargedTailSlot] = {0, 1, true};
   bob.queuePosition({50'700, 51'400});
   modMain::runFrame();
@@ -217,25 +217,25 @@ TEST_F(MainLoop, OpponentsMoveBeforeTheirPowerupsTick) {
 TEST_F(MainLoop, TheLocalPlayerMovesBeforeTheOpponents) {
   login();
   join(8, 1, "Bob", 52'000, 49'850);
-  clsPlayer& bob = modMain::opponents[0];
+  clsPlayer& bob = modMain::world.opponents[0];
   bob.awaitingFirstPosition = false;
   bob.position = {52'000, 49'850};
   bob.queuePosition({55'800, 49'850});
-  modMain::localPlayer.breaksOn = false;
-  modMain::mousePos = {5722, 0};
-  modMain::steerAngle = 45;
-  modMain::steerQuadrant = 1;
+  modMain::world.localPlayer.breaksOn = false;
+  modMain::world.mousePos = {5722, 0};
+  modMain::world.steerAngle = 45;
+  modMain::world.steerQuadrant = 1;
   modMain::runFrame();
-  ASSERT_EQ(modMain::localPlayer.position, (Vector{50'150, 49'850}));
+  ASSERT_EQ(modMain::world.localPlayer.position, (Vector{50'150, 49'850}));
   EXPECT_EQ(bob.position, (Vector{52'300, 49'851})) << "3800 / 7, cut to 300, and the side step of 1";
 }
 
 TEST_F(MainLoop, BackgroundParticlesAreWrappedBeforeTheyMove) {
   login();
   frmMain->mnuQuarkStars.Checked = false;
-  modMain::particleCount = 1;
-  modMain::particles.assign(1, clsParticle{});
-  clsParticle& particle = modMain::particles[0];
+  modMain::world.particleCount = 1;
+  modMain::world.particles.assign(1, clsParticle{});
+  clsParticle& particle = modMain::world.particles[0];
   particle.position = {50'000 - 11'440, 50'000};  // 5 units inside the field
   particle.velocity = {-10, 0};
   particle.maxSpeed = 15;
@@ -247,9 +247,9 @@ TEST_F(MainLoop, BackgroundParticlesAreWrappedBeforeTheyMove) {
 
 TEST_F(MainLoop, MovesTheExplosions) {
   login();
-  modMain::explosionCount = 1;
-  modMain::explosionParticles.assign(1, clsParticle{});
-  clsParticle& particle = modMain::explosionParticles[0];
+  modMain::world.explosionCount = 1;
+  modMain::world.explosionParticles.assign(1, clsParticle{});
+  clsParticle& particle = modMain::world.explosionParticles[0];
   particle.type = static_cast<std::uint8_t>(ParticleType::Explosion);
   particle.position = {50'000, 50'000};
   particle.velocity = {50, -60};
@@ -262,8 +262,8 @@ TEST_F(MainLoop, MovesTheExplosions) {
 TEST_F(MainLoop, MovesTheServersParticles) {
   login();
   modMain::receiveParticleNew("n", 4, 50'000, 50'000, 0, 0);
-  ASSERT_EQ(modMain::netParticleCount, 1);
-  clsParticle& particle = modMain::netParticles[0];
+  ASSERT_EQ(modMain::world.netParticleCount, 1);
+  clsParticle& particle = modMain::world.netParticles[0];
   particle.hasPosition = true;
   particle.positionQueue = {{90'000, 80'000}};  // out of sight: it is there at once
   modMain::runFrame();
@@ -276,16 +276,16 @@ TEST_F(MainLoop, Q236TheSpareParticlesAreWalkedAndNeverFilled) {
   modMain::addExplosion({50'000, 50'000}, 3);
   modMain::receiveParticleNew("n", 4, 50'000, 50'000, 0, 0);
   modMain::runFrame();
-  EXPECT_EQ(modMain::spareParticleCount, 0);
-  EXPECT_TRUE(modMain::spareParticles.empty());
+  EXPECT_EQ(modMain::world.spareParticleCount, 0);
+  EXPECT_TRUE(modMain::world.spareParticles.empty());
 
-  modMain::spareParticleCount = 1;
-  modMain::spareParticles.assign(1, clsParticle{});
-  modMain::spareParticles[0].position = {50'000, 50'000};
-  modMain::spareParticles[0].velocity = {7, -8};
-  modMain::spareParticles[0].maxSpeed = 15;
+  modMain::world.spareParticleCount = 1;
+  modMain::world.spareParticles.assign(1, clsParticle{});
+  modMain::world.spareParticles[0].position = {50'000, 50'000};
+  modMain::world.spareParticles[0].velocity = {7, -8};
+  modMain::world.spareParticles[0].maxSpeed = 15;
   modMain::runFrame();
-  EXPECT_EQ(modMain::spareParticles[0].position, (Vector{50'007, 49'992}));
+  EXPECT_EQ(modMain::world.spareParticles[0].position, (Vector{50'007, 49'992}));
 }
 
 // A frame of a world with the local player alone reads the clock twice, where the painting begins and where it ends.
@@ -297,41 +297,41 @@ class SlowPaint : public HeadlessBackend {
 
 TEST_F(MainLoop, TheFirstFrameRunsAtTimeScaleOneHoweverSlowItsPainting) {
   login();
-  modMain::particleCount = 0;
+  modMain::world.particleCount = 0;
   SlowPaint slow;
   slow.pictureSource = machine.pictureSource;
   slow.path = machine.path;
   slow.paintTime = 2020;
   installBackend(&slow);
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
   player.velocity = {100, -50};
   modMain::runFrame();
   EXPECT_EQ(player.velocity, (Vector{97, -47})) << "the brakes take 3 at time scale 1";
-  EXPECT_EQ(modMain::frameTime, 20) << "2020 / 101, for the frames to come";
+  EXPECT_EQ(modMain::world.frameTime, 20) << "2020 / 101, for the frames to come";
   modMain::runFrame();
   EXPECT_EQ(player.velocity, (Vector{91, -41}));
   installBackend(&machine);
 }
 
 TEST_F(MainLoop, ATimeScaleIsATenthOfTheFrameTime) {
-  modMain::frameTime = 15;
+  modMain::world.frameTime = 15;
   EXPECT_EQ(modMain::getTimeScale(), 1.5);
-  modMain::frameTime = 11;
+  modMain::world.frameTime = 11;
   EXPECT_EQ(modMain::getTimeScale(), 1.1);
-  modMain::frameTime = 200;
+  modMain::world.frameTime = 200;
   EXPECT_EQ(modMain::getTimeScale(), 20.0);
 }
 
 TEST_F(MainLoop, Q033TheTimeScaleNeverFallsBelowOne) {
   for (std::int32_t frameTime = 0; frameTime <= 10; ++frameTime) {
-    modMain::frameTime = frameTime;
+    modMain::world.frameTime = frameTime;
     EXPECT_EQ(modMain::getTimeScale(), 1.0) << frameTime;
   }
 }
 
 TEST_F(MainLoop, TheFirstFrameRunsAtTimeScaleOne) {
   login();
-  EXPECT_EQ(modMain::frameTime, 0);
+  EXPECT_EQ(modMain::world.frameTime, 0);
   EXPECT_EQ(modMain::getTimeScale(), 1.0);
 }
 
@@ -347,9 +347,9 @@ TEST_F(MainLoop, EventsRunOnlyInDoEventsAtTheEndOfThePass) {
       "1\x82"
       "0\x81");  // Bob joins as player 8
   modMain::runFrame();
-  EXPECT_EQ(modMain::opponentCount, 0);
+  EXPECT_EQ(modMain::world.opponentCount, 0);
   passEvents();
-  EXPECT_EQ(modMain::opponentCount, 1);
+  EXPECT_EQ(modMain::world.opponentCount, 1);
 }
 
 TEST_F(MainLoop, FreesUnloadedFormsBehindDoEvents) {

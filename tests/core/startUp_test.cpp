@@ -67,23 +67,23 @@ TEST_F(StartUp, SeedsTheGeneratorFromTheTimeOfDay) {
 }
 
 TEST_F(StartUp, FillsTheColourNames) {
-  modMain::clearWorld();
+  modMain::world = {};
   start();
   const std::array<std::string, 6> names = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"};
-  EXPECT_EQ(modMain::colourNames, names);
+  EXPECT_EQ(modMain::world.colourNames, names);
 }
 
 TEST_F(StartUp, FillsSixOfTwentyTips) {
-  modMain::clearWorld();
+  modMain::world = {};
   start();
-  ASSERT_EQ(modMain::tips.size(), 20U);
-  EXPECT_EQ(modMain::tips[0], "Right-Click to release or engage breaks");
-  EXPECT_EQ(modMain::tips[1], "Hold down the mouse button to prevent mouse from leaving viewport");
-  EXPECT_EQ(modMain::tips[2], "Entrap your opponents in a loop of your tail");
-  EXPECT_EQ(modMain::tips[3], "Spend credits before respawning");
-  EXPECT_EQ(modMain::tips[4], "Use F-Keys to activate powerups");
-  EXPECT_EQ(modMain::tips[5], "Shields will not protect from a tail-loop capture");
-  for (std::size_t i = 6; i < 20; ++i) EXPECT_EQ(modMain::tips[i], "") << i;
+  ASSERT_EQ(modMain::world.tips.size(), 20U);
+  EXPECT_EQ(modMain::world.tips[0], "Right-Click to release or engage breaks");
+  EXPECT_EQ(modMain::world.tips[1], "Hold down the mouse button to prevent mouse from leaving viewport");
+  EXPECT_EQ(modMain::world.tips[2], "Entrap your opponents in a loop of your tail");
+  EXPECT_EQ(modMain::world.tips[3], "Spend credits before respawning");
+  EXPECT_EQ(modMain::world.tips[4], "Use F-Keys to activate powerups");
+  EXPECT_EQ(modMain::world.tips[5], "Shields will not protect from a tail-loop capture");
+  for (std::size_t i = 6; i < 20; ++i) EXPECT_EQ(modMain::world.tips[i], "") << i;
 }
 
 TEST_F(StartUp, ShowsBothWindowsModeless) {

@@ -15,8 +15,8 @@ using modMain::isOnScreen;
 class WorldState : public GameTest {
  protected:
   void addOpponent(std::int16_t node, const std::string& name, bool isConnected = true) {
-    clsPlayer& opponent = modMain::opponents.emplace_back();
-    opponent.playerIndex = modMain::opponentCount++;
+    clsPlayer& opponent = modMain::world.opponents.emplace_back();
+    opponent.playerIndex = modMain::world.opponentCount++;
     opponent.serverNode = node;
     opponent.name = name;
     opponent.isConnected = isConnected;
@@ -24,14 +24,14 @@ class WorldState : public GameTest {
 };
 
 TEST_F(WorldState, TheLocalPlayersNodeIsMinusOne) {
-  modMain::localPlayer.serverNode = 7;
+  modMain::world.localPlayer.serverNode = 7;
   EXPECT_EQ(getPlayerIndex(7), -1);
 }
 
 TEST_F(WorldState, Q222BeforeTheFirstLoginNodeZeroCountsAsTheLocalPlayer) { EXPECT_EQ(getPlayerIndex(0), -1); }
 
 TEST_F(WorldState, AnIndexIsTheFirstConnectedSlotOfTheNode) {
-  modMain::localPlayer.serverNode = 7;
+  modMain::world.localPlayer.serverNode = 7;
   addOpponent(3, "gone", false);
   addOpponent(4, "other");
   addOpponent(3, "back");
@@ -41,7 +41,7 @@ TEST_F(WorldState, AnIndexIsTheFirstConnectedSlotOfTheNode) {
 }
 
 TEST_F(WorldState, Q030NobodysNodeYieldsZero) {
-  modMain::localPlayer.serverNode = 7;
+  modMain::world.localPlayer.serverNode = 7;
   EXPECT_EQ(getPlayerIndex(99), 0) << "with no opponent at all";
   addOpponent(3, "Bob");
   addOpponent(4, "Cat");
@@ -51,12 +51,12 @@ TEST_F(WorldState, Q030NobodysNodeYieldsZero) {
 TEST_F(WorldState, AMessageForNobodyIsIgnoredWhileThereAreNoOpponents) {
   login(0, 7);
   serverSends(wire::msgPowerupOn, {"99", "0"});
-  EXPECT_FALSE(modMain::localPlayer.powerups[shieldSlot].active);
-  EXPECT_TRUE(modMain::opponents.empty());
+  EXPECT_FALSE(modMain::world.localPlayer.powerups[shieldSlot].active);
+  EXPECT_TRUE(modMain::world.opponents.empty());
 }
 
 TEST_F(WorldState, TheServerNodeOfAnIndex) {
-  modMain::localPlayer.serverNode = 7;
+  modMain::world.localPlayer.serverNode = 7;
   addOpponent(3, "Bob");
   addOpponent(4, "Cat");
   EXPECT_EQ(getServerNode(-1), 7);
@@ -72,7 +72,7 @@ TEST_F(WorldState, Q031APlayerWhoHasGoneIsTakenForNodeZero) {
 }
 
 TEST_F(WorldState, TheNameOfAnIndex) {
-  modMain::localPlayer.name = "Ann";
+  modMain::world.localPlayer.name = "Ann";
   addOpponent(3, "Bob");
   addOpponent(4, "Cat", false);
   EXPECT_EQ(getPlayerName(-1), "Ann");
@@ -84,8 +84,8 @@ TEST_F(WorldState, TheNameOfAnIndex) {
 
 TEST_F(WorldState, APlayerOutsideTheSlotsIsAFault) {
   addOpponent(3, "Bob");
-  EXPECT_EQ(&modMain::playerAt(-1), &modMain::localPlayer);
-  EXPECT_EQ(&modMain::playerAt(0), &modMain::opponents[0]);
+  EXPECT_EQ(&modMain::playerAt(-1), &modMain::world.localPlayer);
+  EXPECT_EQ(&modMain::playerAt(0), &modMain::world.opponents[0]);
   EXPECT_THROW(modMain::playerAt(1), RuntimeFault);
   EXPECT_THROW(modMain::playerAt(-2), RuntimeFault);
 }
@@ -110,7 +110,7 @@ TEST_F(WorldState, ADistanceIsASingleOfSquaresInDouble) {
 
 TEST_F(WorldState, TheScreenEndsAtTheCanvasEdgeAndTheEdgeBelongsToIt) {
   // The local player is at the canvas's centre: at the design size (5722, 4560) of 11445 by 9120.
-  modMain::localPlayer.position = {50'000, 50'000};
+  modMain::world.localPlayer.position = {50'000, 50'000};
   const float left = 50'000 - 5'722;
   const float top = 50'000 - 4'560;
   const float right = left + 11'445;
@@ -128,29 +128,29 @@ TEST_F(WorldState, TheScreenEndsAtTheCanvasEdgeAndTheEdgeBelongsToIt) {
 }
 
 TEST_F(WorldState, ACentreMessageStartsItsAgeAnew) {
-  modMain::centreMessageAge = 200;
+  modMain::world.centreMessageAge = 200;
   modMain::showCentreMessage("Hello");
-  EXPECT_EQ(modMain::centreMessage, "Hello");
-  EXPECT_EQ(modMain::centreMessageAge, 0);
+  EXPECT_EQ(modMain::world.centreMessage, "Hello");
+  EXPECT_EQ(modMain::world.centreMessageAge, 0);
 }
 
 TEST_F(WorldState, Q032FourteenOfTwentyTipsAreBlank) {
   modMain::showNextTip();
-  EXPECT_EQ(modMain::centreMessage, "Right-Click to release or engage breaks");
+  EXPECT_EQ(modMain::world.centreMessage, "Right-Click to release or engage breaks");
   for (int i = 1; i < 6; ++i) {
     modMain::showNextTip();
-    EXPECT_NE(modMain::centreMessage, "") << i;
+    EXPECT_NE(modMain::world.centreMessage, "") << i;
   }
   for (int i = 6; i < 20; ++i) {
-    modMain::centreMessageAge = 99;
+    modMain::world.centreMessageAge = 99;
     modMain::showCentreMessage("something else");
     modMain::showNextTip();
-    EXPECT_EQ(modMain::centreMessage, "") << i;
+    EXPECT_EQ(modMain::world.centreMessage, "") << i;
   }
-  EXPECT_EQ(modMain::nextTip, 0);
+  EXPECT_EQ(modMain::world.nextTip, 0);
   modMain::showNextTip();
-  EXPECT_EQ(modMain::centreMessage, "Right-Click to release or engage breaks");
-  EXPECT_EQ(modMain::nextTip, 1);
+  EXPECT_EQ(modMain::world.centreMessage, "Right-Click to release or engage breaks");
+  EXPECT_EQ(modMain::world.nextTip, 1);
 }
 
 TEST_F(WorldState, TheTipsGoOnWhereTheyWereAfterAReconnection) {
@@ -159,7 +159,7 @@ TEST_F(WorldState, TheTipsGoOnWhereTheyWereAfterAReconnection) {
   connect();
   netMan::disconnectFromServer();
   connect();
-  EXPECT_EQ(modMain::nextTip, 2);
+  EXPECT_EQ(modMain::world.nextTip, 2);
 }
 
 TEST_F(WorldState, OpponentsKeepTheirSlotsOverAReconnection) {
@@ -167,14 +167,14 @@ TEST_F(WorldState, OpponentsKeepTheirSlotsOverAReconnection) {
   join(8, 1, "Bob");
   join(9, 2, "Cat");
   netMan::disconnectFromServer();
-  EXPECT_FALSE(modMain::localPlayer.isConnected);
+  EXPECT_FALSE(modMain::world.localPlayer.isConnected);
   login();
-  EXPECT_EQ(modMain::opponentCount, 2);
-  EXPECT_FALSE(modMain::opponents[0].isConnected);
-  EXPECT_FALSE(modMain::opponents[1].isConnected);
-  modMain::opponents[0].powerups[turboSlot] = {0, 5, true};
+  EXPECT_EQ(modMain::world.opponentCount, 2);
+  EXPECT_FALSE(modMain::world.opponents[0].isConnected);
+  EXPECT_FALSE(modMain::world.opponents[1].isConnected);
+  modMain::world.opponents[0].powerups[turboSlot] = {0, 5, true};
   modMain::runFrame();
-  EXPECT_EQ(modMain::opponents[0].powerups[turboSlot].timeLeft, 5) << "the loop skips the old slots";
+  EXPECT_EQ(modMain::world.opponents[0].powerups[turboSlot].timeLeft, 5) << "the loop skips the old slots";
   EXPECT_EQ(join(8, 1, "Bob"), 2);
 }
 
@@ -214,33 +214,33 @@ TEST_F(WorldState, Q048KillerAndIsLongOfATailChangeNothing) {
 TEST_F(WorldState, AccessorsReadWhatIsStored) {
   modMain::setMousePos(12, 34);
   EXPECT_EQ(modMain::getMousePos(), (Vector{12, 34}));
-  modMain::steerAngle = 45;
-  modMain::steerQuadrant = 3;
+  modMain::world.steerAngle = 45;
+  modMain::world.steerQuadrant = 3;
   EXPECT_EQ(modMain::getSteerAngle(), 45);
   EXPECT_EQ(modMain::getSteerQuadrant(), 3);
-  modMain::localPlayer.position = {1, 2};
+  modMain::world.localPlayer.position = {1, 2};
   EXPECT_EQ(modMain::getLocalPosition(), (Vector{1, 2}));
-  EXPECT_EQ(modMain::localPlayer.getPosition(), (Vector{1, 2}));
+  EXPECT_EQ(modMain::world.localPlayer.getPosition(), (Vector{1, 2}));
 }
 
 TEST_F(WorldState, ClearingPutsEverythingBack) {
   addOpponent(3, "Bob");
-  modMain::localPlayer.name = "Ann";
-  modMain::nextTip = 4;
-  modMain::spareParticleCount = 1;
-  modMain::spareParticles.resize(1);
-  modMain::frameTime = 17;
-  modMain::chatLines[0].text = "line";
-  modMain::clearWorld();
-  EXPECT_EQ(modMain::opponentCount, 0);
-  EXPECT_TRUE(modMain::opponents.empty());
-  EXPECT_EQ(modMain::localPlayer.name, "");
-  EXPECT_EQ(modMain::nextTip, 0);
-  EXPECT_EQ(modMain::spareParticleCount, 0);
-  EXPECT_TRUE(modMain::spareParticles.empty());
-  EXPECT_EQ(modMain::frameTime, 0);
-  EXPECT_EQ(modMain::chatLines[0].text, "");
-  EXPECT_EQ(modMain::colourNames[0], "");
+  modMain::world.localPlayer.name = "Ann";
+  modMain::world.nextTip = 4;
+  modMain::world.spareParticleCount = 1;
+  modMain::world.spareParticles.resize(1);
+  modMain::world.frameTime = 17;
+  modMain::world.chatLines[0].text = "line";
+  modMain::world = {};
+  EXPECT_EQ(modMain::world.opponentCount, 0);
+  EXPECT_TRUE(modMain::world.opponents.empty());
+  EXPECT_EQ(modMain::world.localPlayer.name, "");
+  EXPECT_EQ(modMain::world.nextTip, 0);
+  EXPECT_EQ(modMain::world.spareParticleCount, 0);
+  EXPECT_TRUE(modMain::world.spareParticles.empty());
+  EXPECT_EQ(modMain::world.frameTime, 0);
+  EXPECT_EQ(modMain::world.chatLines[0].text, "");
+  EXPECT_EQ(modMain::world.colourNames[0], "");
 }
 
 }  // namespace

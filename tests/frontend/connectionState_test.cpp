@@ -104,7 +104,7 @@ TEST_F(ConnectionState, IsRefreshedWhenTheServerHangsUp) {
   server().closeByServer();
   passEvents();
   EXPECT_EQ(shownState(), "Closed") << "after the socket has been closed on this side, too";
-  EXPECT_FALSE(modMain::localPlayer.isConnected);
+  EXPECT_FALSE(modMain::world.localPlayer.isConnected);
   EXPECT_TRUE(frmConnect.isVisible());
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
@@ -151,7 +151,7 @@ TEST_F(ConnectionState, DisconnectInTheMenuClosesTheConnection) {
   EXPECT_TRUE(frmMain->mnuFileDisconnect.Enabled.get());
   frmMain->mnuFileDisconnect.Click();
   EXPECT_EQ(frmMain->sock.State(), sckClosed);
-  EXPECT_FALSE(modMain::localPlayer.isConnected);
+  EXPECT_FALSE(modMain::world.localPlayer.isConnected);
   EXPECT_TRUE(frmMain->mnuFileConnect.Enabled.get());
   EXPECT_FALSE(frmMain->mnuFileDisconnect.Enabled.get());
   EXPECT_TRUE(frmConnect.isVisible());
@@ -165,7 +165,7 @@ TEST_F(ConnectionState, AReadIsTakenPortionByPortionIntoOne) {
       "Welcome to the arena\x81",
       5);  // a text of the server in six portions, one event
   passEvents();
-  EXPECT_EQ(modMain::chatLines[0].text, "Welcome to the arena");
+  EXPECT_EQ(modMain::world.chatLines[0].text, "Welcome to the arena");
 }
 
 TEST_F(ConnectionState, TwoReadsAreHandledApart) {
@@ -175,7 +175,7 @@ TEST_F(ConnectionState, TwoReadsAreHandledApart) {
        "Welc",
        "ome\x81"});
   passEvents();
-  EXPECT_EQ(modMain::chatLines[0].text.find("Welcome"), std::string::npos);
+  EXPECT_EQ(modMain::world.chatLines[0].text.find("Welcome"), std::string::npos);
 }
 
 TEST_F(ConnectionState, WhatArrivesWhileABoxStandsIsHandledOnce) {
@@ -185,8 +185,8 @@ TEST_F(ConnectionState, WhatArrivesWhileABoxStandsIsHandledOnce) {
   };
   serverSends(wire::msgSpawnDenied, {""});
   EXPECT_EQ(machine.messageBoxes, std::vector<std::string>{"Respawn request denied from server"});
-  EXPECT_EQ(modMain::chatLines[0].text, "in between");
-  EXPECT_NE(modMain::chatLines[1].text, "in between");
+  EXPECT_EQ(modMain::world.chatLines[0].text, "in between");
+  EXPECT_NE(modMain::world.chatLines[1].text, "in between");
 }
 
 }  // namespace

@@ -304,10 +304,10 @@ TEST_F(FontDialog, OldLinesKeepTheirLookAndTheSampleFollowsAtOnce) {
   printChat("before", 4);
   open();
   drag(frmFonts->lblColorRed[4], 855);
-  EXPECT_EQ(modMain::chatLines[0].colour, RGB(255, 0, 0));
+  EXPECT_EQ(modMain::world.chatLines[0].colour, RGB(255, 0, 0));
   EXPECT_EQ(frmFonts->lblFontDemo[4].ForeColor.get(), RGB(100, 0, 0));
   printChat("after", 4);
-  EXPECT_EQ(modMain::chatLines[0].colour, RGB(100, 0, 0));
+  EXPECT_EQ(modMain::world.chatLines[0].colour, RGB(100, 0, 0));
 }
 
 TEST_F(FontDialog, AFontWithoutARowShowsNothing) {

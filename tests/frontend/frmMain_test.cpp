@@ -30,7 +30,7 @@ class MainWindow : public GameTest {
 
   std::vector<std::string> lines() const {
     std::vector<std::string> texts;
-    for (const ChatLine& line : modMain::chatLines) texts.push_back(line.text);
+    for (const ChatLine& line : modMain::world.chatLines) texts.push_back(line.text);
     return texts;
   }
 };
@@ -201,7 +201,7 @@ TEST_F(MainWindow, Q037AGreySpawnButtonTakesClicks) {
   frmMain->btnSpawn.Click();
   EXPECT_EQ(server().sent, "\x80\x98\x81");
   EXPECT_EQ(lines()[0], "Requesting spawn permission from the server...");
-  EXPECT_EQ(modMain::chatLines[0].colour, white);
+  EXPECT_EQ(modMain::world.chatLines[0].colour, white);
 }
 
 TEST_F(MainWindow, Q037TheShopOpensInEitherState) {

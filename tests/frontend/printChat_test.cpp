@@ -7,7 +7,7 @@
 namespace kelvora {
 namespace {
 
-using modMain::chatLines;
+using modMain::world;
 
 class Console : public GameTest {
  protected:
@@ -27,8 +27,8 @@ TEST_F(Console, EveryLineTypeHasItsDefaultColourAndSize) {
                          Row{3, RGB(255, 255, 0), 9}, Row{4, RGB(255, 0, 0), 9}, Row{5, RGB(255, 255, 255), 0},
                          Row{6, RGB(255, 255, 255), 0}, Row{32767, RGB(255, 255, 255), 0}, Row{-1, RGB(0, 0, 0), 0}}) {
     printChat("text", row.type);
-    EXPECT_EQ(chatLines[0].colour, row.colour) << row.type;
-    EXPECT_EQ(chatLines[0].size, row.size) << row.type;
+    EXPECT_EQ(world.chatLines[0].colour, row.colour) << row.type;
+    EXPECT_EQ(world.chatLines[0].size, row.size) << row.type;
     EXPECT_EQ(fontMan::getFontColour(row.type), row.colour) << row.type;
     EXPECT_EQ(fontMan::getFontSize(row.type), row.size) << row.type;
   }
@@ -36,73 +36,73 @@ TEST_F(Console, EveryLineTypeHasItsDefaultColourAndSize) {
 
 TEST_F(Console, ALinePushesTheOthersUpAndTheOldestOut) {
   for (int i = 1; i <= 9; ++i) printChat("line " + std::to_string(i), 0);
-  for (std::size_t i = 0; i < 8; ++i) EXPECT_EQ(chatLines[i].text, "line " + std::to_string(9 - i));
+  for (std::size_t i = 0; i < 8; ++i) EXPECT_EQ(world.chatLines[i].text, "line " + std::to_string(9 - i));
 }
 
 TEST_F(Console, ColourAndSizeMoveWithTheirLine) {
   printChat("old", 4);
   printChat("new", 0);
-  EXPECT_EQ(chatLines[1].text, "old");
-  EXPECT_EQ(chatLines[1].colour, RGB(255, 0, 0));
-  EXPECT_EQ(chatLines[1].size, 9);
+  EXPECT_EQ(world.chatLines[1].text, "old");
+  EXPECT_EQ(world.chatLines[1].colour, RGB(255, 0, 0));
+  EXPECT_EQ(world.chatLines[1].size, 9);
 }
 
 TEST_F(Console, BlanksAtBothEndsAreTrimmed) {
   printChat("  two words  ", 0);
-  EXPECT_EQ(chatLines[0].text, "two words");
+  EXPECT_EQ(world.chatLines[0].text, "two words");
 }
 
 TEST_F(Console, NinetyCharactersAreOneLine) {
   printChat(std::string(90, 'x'), 0);
-  EXPECT_EQ(chatLines[0].text, std::string(90, 'x'));
-  EXPECT_EQ(chatLines[1].text, "");
+  EXPECT_EQ(world.chatLines[0].text, std::string(90, 'x'));
+  EXPECT_EQ(world.chatLines[1].text, "");
 }
 
 TEST_F(Console, NinetyOneCharactersAreTwoLines) {
   printChat(std::string(90, 'x') + "y", 3);
-  EXPECT_EQ(chatLines[1].text, std::string(90, 'x'));
-  EXPECT_EQ(chatLines[0].text, "> y");
-  EXPECT_EQ(chatLines[0].colour, RGB(255, 255, 0));
+  EXPECT_EQ(world.chatLines[1].text, std::string(90, 'x'));
+  EXPECT_EQ(world.chatLines[0].text, "> y");
+  EXPECT_EQ(world.chatLines[0].colour, RGB(255, 255, 0));
 }
 
 TEST_F(Console, NinetyCharactersBetweenBlanksAreOneLine) {
   printChat("   " + std::string(90, 'x') + "   ", 0);
-  EXPECT_EQ(chatLines[0].text.size(), 90U);
-  EXPECT_EQ(chatLines[1].text, "");
+  EXPECT_EQ(world.chatLines[0].text.size(), 90U);
+  EXPECT_EQ(world.chatLines[1].text, "");
 }
 
 // 90 characters; then the mark and 88; then the mark and the last 22.
 TEST_F(Console, Q043TheMarkCountsAmongTheCharactersOfItsLine) {
   const std::string text = std::string(90, 'a') + std::string(88, 'b') + std::string(22, 'c');
   printChat(text, 0);
-  EXPECT_EQ(chatLines[2].text, std::string(90, 'a'));
-  EXPECT_EQ(chatLines[1].text, "> " + std::string(88, 'b'));
-  EXPECT_EQ(chatLines[0].text, "> " + std::string(22, 'c'));
-  EXPECT_EQ(chatLines[3].text, "");
+  EXPECT_EQ(world.chatLines[2].text, std::string(90, 'a'));
+  EXPECT_EQ(world.chatLines[1].text, "> " + std::string(88, 'b'));
+  EXPECT_EQ(world.chatLines[0].text, "> " + std::string(22, 'c'));
+  EXPECT_EQ(world.chatLines[3].text, "");
 }
 
 // "> " and 77 letters put the blank at place 80 of its line; one letter less puts it at 79.
 TEST_F(Console, Q043AContinuationSplitsAtABlankWithTheMarkCounted) {
   const std::string whole(90, 'x');
   printChat(whole + std::string(77, 'a') + " " + std::string(20, 'b'), 0);
-  EXPECT_EQ(chatLines[2].text, whole);
-  EXPECT_EQ(chatLines[1].text, "> " + std::string(77, 'a') + " ");
-  EXPECT_EQ(chatLines[0].text, "> " + std::string(20, 'b'));
+  EXPECT_EQ(world.chatLines[2].text, whole);
+  EXPECT_EQ(world.chatLines[1].text, "> " + std::string(77, 'a') + " ");
+  EXPECT_EQ(world.chatLines[0].text, "> " + std::string(20, 'b'));
 
   printChat(whole + std::string(76, 'a') + " " + std::string(20, 'b'), 0);
-  EXPECT_EQ(chatLines[2].text, whole);
-  EXPECT_EQ(chatLines[1].text, "> " + std::string(76, 'a') + " " + std::string(11, 'b'));
-  EXPECT_EQ(chatLines[0].text, "> " + std::string(9, 'b'));
+  EXPECT_EQ(world.chatLines[2].text, whole);
+  EXPECT_EQ(world.chatLines[1].text, "> " + std::string(76, 'a') + " " + std::string(11, 'b'));
+  EXPECT_EQ(world.chatLines[0].text, "> " + std::string(9, 'b'));
 }
 
 TEST_F(Console, AContinuationKeepsItsLeadingBlanks) {
   printChat(std::string(90, 'x') + "   y", 0);
-  EXPECT_EQ(chatLines[1].text, std::string(90, 'x'));
-  EXPECT_EQ(chatLines[0].text, ">    y") << "the mark, its blank and the three of the text";
+  EXPECT_EQ(world.chatLines[1].text, std::string(90, 'x'));
+  EXPECT_EQ(world.chatLines[0].text, ">    y") << "the mark, its blank and the three of the text";
 
   printChat(std::string(89, 'x') + "    y", 0);
-  EXPECT_EQ(chatLines[1].text, std::string(89, 'x') + " ") << "the split takes one of the blanks";
-  EXPECT_EQ(chatLines[0].text, ">    y");
+  EXPECT_EQ(world.chatLines[1].text, std::string(89, 'x') + " ") << "the split takes one of the blanks";
+  EXPECT_EQ(world.chatLines[0].text, ">    y");
 }
 
 TEST_F(Console, ABlankAtEightyToNinetyIsWhereALineSplits) {
@@ -139,8 +139,8 @@ TEST_F(Console, AShortTextSplitsIntoNothing) {
 TEST_F(Console, AnEmptyTextIsALineOfItsOwn) {
   printChat("first", 0);
   printChat("", 0);
-  EXPECT_EQ(chatLines[0].text, "");
-  EXPECT_EQ(chatLines[1].text, "first");
+  EXPECT_EQ(world.chatLines[0].text, "");
+  EXPECT_EQ(world.chatLines[1].text, "first");
 }
 
 TEST_F(Console, WhiteIsWhiteWhateverTheSettings) {
@@ -149,8 +149,8 @@ TEST_F(Console, WhiteIsWhiteWhateverTheSettings) {
     fontMan::setFontSize(purpose, 16);
   }
   printChat("text", 5);
-  EXPECT_EQ(chatLines[0].colour, RGB(255, 255, 255));
-  EXPECT_EQ(chatLines[0].size, 0);
+  EXPECT_EQ(world.chatLines[0].colour, RGB(255, 255, 255));
+  EXPECT_EQ(world.chatLines[0].size, 0);
 }
 
 TEST_F(Console, AChangeAppliesFromTheNextLineOn) {
@@ -158,16 +158,16 @@ TEST_F(Console, AChangeAppliesFromTheNextLineOn) {
   fontMan::setFontColour(3, 2, 77);
   fontMan::setFontSize(3, 12);
   printChat("after", 3);
-  EXPECT_EQ(chatLines[1].colour, RGB(255, 255, 0));
-  EXPECT_EQ(chatLines[1].size, 9);
-  EXPECT_EQ(chatLines[0].colour, RGB(255, 255, 77));
-  EXPECT_EQ(chatLines[0].size, 12);
+  EXPECT_EQ(world.chatLines[1].colour, RGB(255, 255, 0));
+  EXPECT_EQ(world.chatLines[1].size, 9);
+  EXPECT_EQ(world.chatLines[0].colour, RGB(255, 255, 77));
+  EXPECT_EQ(world.chatLines[0].size, 12);
 }
 
 TEST_F(Console, TheLinesOutliveADisconnection) {
   printChat("stays", 0);
   netMan::disconnectFromServer();
-  EXPECT_EQ(chatLines[0].text, "stays");
+  EXPECT_EQ(world.chatLines[0].text, "stays");
 }
 
 TEST_F(Console, ChangesAreSavedUnderThePurposesKey) {

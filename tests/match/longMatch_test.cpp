@@ -92,10 +92,10 @@ class LongMatch : public GameTest, public server::ArenaOutput {
       arena_.received(other, static_cast<char>(wire::msgLogin) + name + "\x82\x82" + "0\x82" + appVersionText(), now());
     }
     pass(latency + 1);
-    ASSERT_TRUE(modMain::localPlayer.isConnected);
-    ASSERT_EQ(modMain::opponentCount, 5);
-    for (int i = 0; i < 5; ++i) pilots_.emplace_back(i, modMain::opponents[static_cast<std::size_t>(i)].position);
-    modMain::localPlayer.toggleBreaks();
+    ASSERT_TRUE(modMain::world.localPlayer.isConnected);
+    ASSERT_EQ(modMain::world.opponentCount, 5);
+    for (int i = 0; i < 5; ++i) pilots_.emplace_back(i, modMain::world.opponents[static_cast<std::size_t>(i)].position);
+    modMain::world.localPlayer.toggleBreaks();
   }
 
   void playFrame(int frame) {
@@ -124,10 +124,10 @@ class LongMatch : public GameTest, public server::ArenaOutput {
   /// Everybody has rested for a while: every opponent stands where the server's last word put him, and our
   /// own tail ends there.
   void expectNoDrift() {
-    const clsPlayer& local = modMain::localPlayer;
+    const clsPlayer& local = modMain::world.localPlayer;
     EXPECT_EQ(local.tails.back().getPosition(), lastRelayed_[local.serverNode]);
     for (int i = 0; i < 5; ++i) {
-      const clsPlayer& opponent = modMain::opponents[static_cast<std::size_t>(i)];
+      const clsPlayer& opponent = modMain::world.opponents[static_cast<std::size_t>(i)];
       EXPECT_EQ(opponent.position, lastRelayed_[opponent.serverNode]) << opponent.name;
       EXPECT_EQ(opponent.positionQueueCount(), 0);
     }
@@ -159,8 +159,8 @@ TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndTrue) {
   std::size_t longestQueue = 0;
   for (int frame = 1; frame <= minutes * framesPerMinute; ++frame) {
     playFrame(frame);
-    longestTail = std::max(longestTail, modMain::localPlayer.tailCount());
-    for (const clsPlayer& opponent : modMain::opponents) {
+    longestTail = std::max(longestTail, modMain::world.localPlayer.tailCount());
+    for (const clsPlayer& opponent : modMain::world.opponents) {
       longestTail = std::max(longestTail, opponent.tailCount());
       longestQueue = std::max(longestQueue, opponent.positionQueue.size());
     }
@@ -177,10 +177,10 @@ TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndTrue) {
   // and one more for a point that is reached in it.
   EXPECT_LE(longestTail, 2 * 205);
   EXPECT_GT(longestTail, 40);
-  EXPECT_EQ(modMain::particleCount, 150);
-  EXPECT_EQ(modMain::explosionCount, 0);
+  EXPECT_EQ(modMain::world.particleCount, 150);
+  EXPECT_EQ(modMain::world.explosionCount, 0);
   EXPECT_LT(longestQueue, 400U);
-  EXPECT_EQ(modMain::opponentCount, 5);
+  EXPECT_EQ(modMain::world.opponentCount, 5);
   // The heap of the last minute is that of the fifth: nothing is kept that grows with time.
   const auto early = static_cast<double>(heapByMinute[4]);
   EXPECT_NEAR(static_cast<double>(heapByMinute.back()), early, early * 0.02);

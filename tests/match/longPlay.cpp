@@ -146,10 +146,10 @@ void LongPlay::act() {
   if (every(30 * minute, 1)) logIn("a wrong one");
   if (every(30 * minute, second)) logIn(password);
   if (every(30 * minute, 0)) frmMain->mnuFileDisconnect.Click();
-  if (!modMain::localPlayer.isConnected || frmMain->sock.State() != sckConnected) return;
+  if (!modMain::world.localPlayer.isConnected || frmMain->sock.State() != sckConnected) return;
   steer();
-  if (!modMain::localPlayer.alive && every(4 * second)) frmMain->btnSpawn.Click();
-  if (modMain::localPlayer.alive && modMain::localPlayer.breaksOn && every(second)) {
+  if (!modMain::world.localPlayer.alive && every(4 * second)) frmMain->btnSpawn.Click();
+  if (modMain::world.localPlayer.alive && modMain::world.localPlayer.breaksOn && every(second)) {
     frmMain->canvas.MouseDown(2, 0, 0, 0);
   }
   trade();
@@ -253,8 +253,8 @@ void LongPlay::visit() {
 
 // What a server may send and the arena does not.
 void LongPlay::inject() {
-  if (modMain::opponentCount == 0) return;
-  const std::string node = std::to_string(modMain::opponents.back().serverNode);
+  if (modMain::world.opponentCount == 0) return;
+  const std::string node = std::to_string(modMain::world.opponents.back().serverNode);
   if (every(10 * second, 1)) toUs_ += frameOf(wire::msgVelocity, {node, "100", "-50"});
   if (every(2 * minute, 90 * second)) toUs_ += frameOf(wire::msgSpawnDenied, {"Not now."});
   if (every(minute, 4)) toUs_ += frameOf(wire::msgPowerupOff, {node, "0"});
@@ -293,14 +293,15 @@ LongPlay::Figures LongPlay::figures() {
   fillAllocatorStock();
   const auto heap = ::mallinfo2();
   figures.heapBytes = static_cast<std::int64_t>(heap.uordblks + heap.hblkhd);
-  figures.keptBytes = bytesOf(modMain::localPlayer) + bytesOf(modMain::opponents) + bytesOf(modMain::netParticles);
-  for (const clsPlayer& opponent : modMain::opponents) figures.keptBytes += bytesOf(opponent);
-  for (const clsParticle& particle : modMain::netParticles) figures.keptBytes += bytesOf(particle.positionQueue);
+  figures.keptBytes =
+      bytesOf(modMain::world.localPlayer) + bytesOf(modMain::world.opponents) + bytesOf(modMain::world.netParticles);
+  for (const clsPlayer& opponent : modMain::world.opponents) figures.keptBytes += bytesOf(opponent);
+  for (const clsParticle& particle : modMain::world.netParticles) figures.keptBytes += bytesOf(particle.positionQueue);
   std::ifstream memory("/proc/self/statm");
   std::int64_t pages = 0;
   memory >> pages >> pages;
   figures.residentBytes = pages * ::sysconf(_SC_PAGESIZE);
-  figures.slots = modMain::opponents.size();
+  figures.slots = modMain::world.opponents.size();
   figures.captures = captures_;
   figures.rounds = rounds_;
   figures.clientMicroseconds = static_cast<double>(std::exchange(clientTime_, 0)) / 1000 / std::exchange(passes_, 0);

@@ -64,12 +64,12 @@ class Spectator : public GameTest {
       EXPECT_EQ(seen->alive, player.isAlive) << player.name;
       EXPECT_EQ(seen->kills, player.kills) << player.name;
       EXPECT_EQ(seen->funds(), static_cast<double>(player.funds)) << player.name;
-      if (seen != &modMain::localPlayer) continue;
+      if (seen != &modMain::world.localPlayer) continue;
       for (std::size_t item = 0; item < player.stock.size(); ++item) {
         EXPECT_EQ(seen->powerups[item].count, player.stock[item]) << "item " << item;
       }
     }
-    for (const clsPlayer& opponent : modMain::opponents) {
+    for (const clsPlayer& opponent : modMain::world.opponents) {
       EXPECT_TRUE(!opponent.isConnected || nodes.contains(opponent.serverNode)) << opponent.name << " should have left";
     }
     EXPECT_EQ(machine.messageBoxes, std::vector<std::string>{});
@@ -97,10 +97,10 @@ class Spectator : public GameTest {
   /// The ball is where the next report will put it: by the time of an echo it has flown on.
   void fly(server::Millis now) {
     while (nextPlace_ < places_.size() && places_[nextPlace_].first <= now) ++nextPlace_;
-    if (places_.empty() || !modMain::localPlayer.isConnected) return;
-    modMain::localPlayer.position = places_[std::min(nextPlace_, places_.size() - 1)].second;
-    modMain::localPlayer.velocity = {};
-    modMain::localPlayer.breaksOn = true;
+    if (places_.empty() || !modMain::world.localPlayer.isConnected) return;
+    modMain::world.localPlayer.position = places_[std::min(nextPlace_, places_.size() - 1)].second;
+    modMain::world.localPlayer.velocity = {};
+    modMain::world.localPlayer.breaksOn = true;
   }
 
   /// Whom the last word that came says to be alive; of the others a capture may be on its way.
@@ -126,11 +126,12 @@ class Spectator : public GameTest {
   }
 
   static const clsPlayer* find(Number node) {
-    if (modMain::localPlayer.isConnected && modMain::localPlayer.serverNode == node) return &modMain::localPlayer;
-    const auto found = std::ranges::find_if(modMain::opponents, [&](const clsPlayer& opponent) {
+    if (modMain::world.localPlayer.isConnected && modMain::world.localPlayer.serverNode == node)
+      return &modMain::world.localPlayer;
+    const auto found = std::ranges::find_if(modMain::world.opponents, [&](const clsPlayer& opponent) {
       return opponent.isConnected && opponent.serverNode == node;
     });
-    return found == modMain::opponents.end() ? nullptr : &*found;
+    return found == modMain::world.opponents.end() ? nullptr : &*found;
   }
 
   const Recording::Stream& stream_;

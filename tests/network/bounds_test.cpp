@@ -9,7 +9,7 @@
 namespace kelvora {
 namespace {
 
-using modMain::localPlayer;
+using modMain::world;
 
 class Bounds : public GameTest {
  protected:
@@ -25,14 +25,14 @@ class Bounds : public GameTest {
 };
 
 TEST_F(Bounds, ATailTakesNoMoreThanAQuarterOfAMillionVertices) {
-  localPlayer.powerups[extendedTailSlot].active = true;
+  world.localPlayer.powerups[extendedTailSlot].active = true;
   const std::string echo = frame(wire::msgPosition, {"7", "1", "1"});
   for (int i = 0; i < 6; ++i) serverSends(repeated(echo, 50'000));
-  EXPECT_EQ(localPlayer.tailCount(), 250'000);
+  EXPECT_EQ(world.localPlayer.tailCount(), 250'000);
   EXPECT_EQ(clsTail::count(), 250'000U);
-  localPlayer.killTail(0);
+  world.localPlayer.killTail(0);
   serverSends(echo);
-  EXPECT_EQ(localPlayer.tailCount(), 250'000) << "what has gone makes room";
+  EXPECT_EQ(world.localPlayer.tailCount(), 250'000) << "what has gone makes room";
 }
 
 TEST_F(Bounds, TheVerticesOfAllPlayersCountTogether) {
@@ -49,22 +49,22 @@ TEST_F(Bounds, TheVerticesOfAllPlayersCountTogether) {
 
 TEST_F(Bounds, WhoLeavesBesideManyVerticesTakesHisTailWithHim) {
   for (std::int16_t node = 8; node <= 10; ++node) {
-    clsPlayer& opponent = modMain::opponents.at(static_cast<std::size_t>(join(node, 1, "Bob")));
+    clsPlayer& opponent = modMain::world.opponents.at(static_cast<std::size_t>(join(node, 1, "Bob")));
     for (int i = 0; i < 1'000; ++i) opponent.addTail({1, 1});
   }
-  for (int i = 0; i < 122'000; ++i) localPlayer.addTail({1, 1});
+  for (int i = 0; i < 122'000; ++i) world.localPlayer.addTail({1, 1});
   serverSends(wire::msgPlayerLeft, {"8"});
-  EXPECT_EQ(modMain::opponents[0].tailCount(), 1'000) << "125,000 are half of what there can be, and not more";
-  localPlayer.addTail({1, 1});
+  EXPECT_EQ(modMain::world.opponents[0].tailCount(), 1'000) << "125,000 are half of what there can be, and not more";
+  world.localPlayer.addTail({1, 1});
   serverSends(wire::msgPlayerLeft, {"9"});
-  EXPECT_EQ(modMain::opponents[1].tailCount(), 0);
-  localPlayer.addTail({1, 1});
+  EXPECT_EQ(modMain::world.opponents[1].tailCount(), 0);
+  world.localPlayer.addTail({1, 1});
   EXPECT_EQ(clsTail::count(), 124'002U);
-  for (int i = 0; i < 1'000; ++i) localPlayer.addTail({1, 1});
+  for (int i = 0; i < 1'000; ++i) world.localPlayer.addTail({1, 1});
   netMan::disconnectFromServer();
-  EXPECT_EQ(modMain::opponents[0].tailCount(), 0) << "when we leave, all have gone";
-  EXPECT_EQ(modMain::opponents[2].tailCount(), 1'000) << "the first one's vertices are enough";
-  EXPECT_EQ(localPlayer.tailCount(), 123'002) << "our own stays as it is";
+  EXPECT_EQ(modMain::world.opponents[0].tailCount(), 0) << "when we leave, all have gone";
+  EXPECT_EQ(modMain::world.opponents[2].tailCount(), 1'000) << "the first one's vertices are enough";
+  EXPECT_EQ(world.localPlayer.tailCount(), 123'002) << "our own stays as it is";
 }
 
 TEST_F(Bounds, AMillionPositionsWaitAtTheMost) {
@@ -73,11 +73,11 @@ TEST_F(Bounds, AMillionPositionsWaitAtTheMost) {
   serverSends(wire::msgParticleMove, {"p", "2", "2"});
   const std::string positions = repeated(frame(wire::msgPosition, {"8", "50001", "50001"}), 100'000);
   for (int i = 0; i < 11; ++i) serverSends(positions);
-  clsPlayer& bob = modMain::opponents[0];
-  const double particles = static_cast<double>(modMain::netParticles[0].positionQueue.size());
+  clsPlayer& bob = modMain::world.opponents[0];
+  const double particles = static_cast<double>(modMain::world.netParticles[0].positionQueue.size());
   EXPECT_EQ(bob.positionQueueCount() + particles, 1'000'000);
   serverSends(wire::msgParticleMove, {"p", "3", "3"});
-  EXPECT_EQ(static_cast<double>(modMain::netParticles[0].positionQueue.size()), particles);
+  EXPECT_EQ(static_cast<double>(modMain::world.netParticles[0].positionQueue.size()), particles);
   bob.moveAsOpponent();
   EXPECT_EQ(bob.positionQueueCount() + particles, 999'999) << "one was near, and is reached";
   serverSends(positions);
@@ -86,39 +86,39 @@ TEST_F(Bounds, AMillionPositionsWaitAtTheMost) {
 
 TEST_F(Bounds, AThousandVerticesHaveACaptureWaiting) {
   join(8, 1, "Bob");
-  for (int i = 0; i < 1'001; ++i) localPlayer.addTail({static_cast<float>(i), 0});
+  for (int i = 0; i < 1'001; ++i) world.localPlayer.addTail({static_cast<float>(i), 0});
   for (int i = 0; i < 1'000; ++i) serverSends(wire::msgTailCapture, {"7", "8", std::to_string(i), "0"});
-  EXPECT_EQ(modMain::killerTails.size(), 1'000U);
-  EXPECT_EQ(localPlayer.kills, 0);
+  EXPECT_EQ(modMain::world.killerTails.size(), 1'000U);
+  EXPECT_EQ(world.localPlayer.kills, 0);
   serverSends(wire::msgTailCapture, {"7", "8", "1000", "0"});
-  EXPECT_EQ(modMain::killerTails.size(), 1'000U);
-  EXPECT_EQ(localPlayer.kills, 1) << "the one beyond lands at once";
+  EXPECT_EQ(modMain::world.killerTails.size(), 1'000U);
+  EXPECT_EQ(world.localPlayer.kills, 1) << "the one beyond lands at once";
 }
 
 TEST_F(Bounds, AVertexHasAThousandVictims) {
   join(8, 1, "Bob");
-  localPlayer.addTail({1, 2});
+  world.localPlayer.addTail({1, 2});
   const std::string capture = frame(wire::msgTailCapture, {"7", "8", "1", "2"});
   serverSends(repeated(capture, 1'000));
-  EXPECT_EQ(modMain::killerTails.at(0).victims.size(), 1'000U);
-  EXPECT_EQ(localPlayer.kills, 0);
+  EXPECT_EQ(modMain::world.killerTails.at(0).victims.size(), 1'000U);
+  EXPECT_EQ(world.localPlayer.kills, 0);
   serverSends(capture);
-  EXPECT_EQ(modMain::killerTails.at(0).victims.size(), 1'000U);
-  EXPECT_EQ(localPlayer.kills, 1);
+  EXPECT_EQ(modMain::world.killerTails.at(0).victims.size(), 1'000U);
+  EXPECT_EQ(world.localPlayer.kills, 1);
 }
 
 TEST_F(Bounds, AThousandSparksFlyAtTheMost) {
   modMain::addExplosion({1, 1}, 600);
   modMain::addExplosion({1, 1}, 600);
-  EXPECT_EQ(modMain::explosionCount, 1'000);
-  EXPECT_EQ(modMain::explosionParticles.size(), 1'000U);
+  EXPECT_EQ(modMain::world.explosionCount, 1'000);
+  EXPECT_EQ(modMain::world.explosionParticles.size(), 1'000U);
 }
 
 TEST_F(Bounds, CapturesOfALifeAreCountedInSixteenBits) {
-  localPlayer.captures.assign(32'767, 1);
-  EXPECT_EQ(localPlayer.captureCount(), 32'767);
-  EXPECT_THROW(localPlayer.receiveCapture(1), RuntimeFault);
-  EXPECT_EQ(localPlayer.captures.size(), 32'767U);
+  world.localPlayer.captures.assign(32'767, 1);
+  EXPECT_EQ(world.localPlayer.captureCount(), 32'767);
+  EXPECT_THROW(world.localPlayer.receiveCapture(1), RuntimeFault);
+  EXPECT_EQ(world.localPlayer.captures.size(), 32'767U);
 }
 
 TEST_F(Bounds, NamesThatStayAreSixteenMebibytesInAll) {
@@ -126,11 +126,11 @@ TEST_F(Bounds, NamesThatStayAreSixteenMebibytesInAll) {
   for (int i = 0; i < 20; ++i) {
     serverSends(wire::msgPlayerJoined, {std::to_string(i + 10), "1", name, "1", "1", "1", "0"});
   }
-  EXPECT_EQ(modMain::opponentCount, 16);
+  EXPECT_EQ(modMain::world.opponentCount, 16);
   serverSends(wire::msgParticleAdd, {name, "0", "1", "1", "0", "0"});
-  EXPECT_EQ(modMain::netParticleCount, 0);
+  EXPECT_EQ(modMain::world.netParticleCount, 0);
   serverSends(wire::msgPlayerJoined, {"99", "1", "Bob", "1", "1", "1", "0"});
-  EXPECT_EQ(modMain::opponentCount, 17) << "the usual ones still fit";
+  EXPECT_EQ(modMain::world.opponentCount, 17) << "the usual ones still fit";
 }
 
 TEST_F(Bounds, SixteenBoxesStandOverOneAnother) {
@@ -145,7 +145,7 @@ TEST_F(Bounds, SixteenBoxesStandOverOneAnother) {
   EXPECT_EQ(most, 16);
   EXPECT_EQ(machine.messageBoxes.size(), 16U);
   serverSends(wire::msgServerText, {"goes on"});
-  EXPECT_EQ(modMain::chatLines[0].text, "goes on");
+  EXPECT_EQ(modMain::world.chatLines[0].text, "goes on");
 }
 
 }  // namespace

@@ -62,8 +62,8 @@ TEST_F(ChatPartner, APrivateLineFromANamelessPlayerLeavesTheModePublic) {
   netMan::setChatMode(0);
   const std::int16_t nameless = join(12, 3, "");
   serverSends(wire::msgChat, {"12", "(private) psst"});
-  EXPECT_EQ(modMain::chatLines[0].text, "[] (private) psst");
-  EXPECT_EQ(modMain::chatLines[0].colour, RGB(255, 0, 255)) << "it counts as received in private";
+  EXPECT_EQ(modMain::world.chatLines[0].text, "[] (private) psst");
+  EXPECT_EQ(modMain::world.chatLines[0].colour, RGB(255, 0, 255)) << "it counts as received in private";
   EXPECT_EQ(netMan::privateTargetIndex, nameless);
   EXPECT_EQ(netMan::privateTargetName, "");
   EXPECT_EQ(netMan::getChatMode(), 0);

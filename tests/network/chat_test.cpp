@@ -16,7 +16,7 @@ class Chat : public GameTest {
     login(0, 7);
     join(9, 1, "Bob");
     join(11, 2, "Cat");
-    modMain::chatLines = {};
+    modMain::world.chatLines = {};
   }
   void key(int code) { frmMain->txtChat.KeyDown(code, 0); }
   /// Types a line and Enter.
@@ -27,7 +27,7 @@ class Chat : public GameTest {
   }
   const std::string& entryText() { return frmMain->txtChat.Text; }
   std::vector<WireMessage> chats() { return sentFrames(); }
-  const ChatLine& lastLine() { return modMain::chatLines[0]; }
+  const ChatLine& lastLine() { return modMain::world.chatLines[0]; }
   static WireMessage chat(const std::string& target, const std::string& text) {
     return {wire::msgChat, {target, text}};
   }
@@ -95,7 +95,7 @@ TEST_F(Chat, Q077APrivateLineToOneWhoHasGoneGoesToNode0) {
 
 TEST_F(Chat, WithoutConnectionTheLineIsGoneButKeptInTheHistory) {
   netMan::disconnectFromServer();
-  modMain::chatLines = {};
+  modMain::world.chatLines = {};
   enter("anyone?");
   EXPECT_TRUE(server().sent.empty());
   EXPECT_EQ(lastLine().text, "");

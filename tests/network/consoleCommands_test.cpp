@@ -8,7 +8,7 @@ class ConsoleCommands : public GameTest {
  protected:
   ConsoleCommands() {
     login();
-    modMain::chatLines = {};
+    modMain::world.chatLines = {};
   }
   void enter(const std::string& line) {
     frmMain->txtChat.Text = line;
@@ -17,9 +17,9 @@ class ConsoleCommands : public GameTest {
   }
   std::vector<int> types() {
     std::vector<int> found;
-    for (const clsParticle& particle : modMain::particles) {
+    for (const clsParticle& particle : modMain::world.particles) {
       if (found.empty() || found.back() != particle.type) found.push_back(particle.type);
-      if (&particle == &modMain::particles[149]) break;
+      if (&particle == &modMain::world.particles[149]) break;
     }
     return found;
   }
@@ -35,7 +35,7 @@ TEST_F(ConsoleCommands, QuestionMarkListsTheVerbs) {
 TEST_F(ConsoleCommands, AreNeitherSentNorPrintedButStoredInTheHistory) {
   enter("~?");
   EXPECT_TRUE(server().sent.empty());
-  EXPECT_EQ(modMain::chatLines[0].text, "");
+  EXPECT_EQ(modMain::world.chatLines[0].text, "");
   EXPECT_EQ(frmMain->chatHistory[0], "~?");
   EXPECT_EQ(frmMain->txtChat.Text.get(), "");
 }
@@ -47,16 +47,16 @@ TEST_F(ConsoleCommands, UnknownAndEmptyVerbsDoNothing) {
   enter("~??");
   EXPECT_TRUE(machine.messageBoxes.empty());
   EXPECT_TRUE(server().sent.empty());
-  EXPECT_EQ(modMain::chatLines[0].text, "");
+  EXPECT_EQ(modMain::world.chatLines[0].text, "");
 }
 
 TEST_F(ConsoleCommands, QuarkTypeSetsUpTheWholeFieldAtItsPlaces) {
   std::vector<Vector> places;
-  for (int i = 0; i < 150; ++i) places.push_back(modMain::particles[static_cast<std::size_t>(i)].getPosition());
+  for (int i = 0; i < 150; ++i) places.push_back(modMain::world.particles[static_cast<std::size_t>(i)].getPosition());
   enter("~quarktype:2");
   EXPECT_EQ(types(), std::vector<int>{2});
   for (int i = 0; i < 150; ++i) {
-    const clsParticle& particle = modMain::particles[static_cast<std::size_t>(i)];
+    const clsParticle& particle = modMain::world.particles[static_cast<std::size_t>(i)];
     EXPECT_EQ(particle.getPosition(), places[static_cast<std::size_t>(i)]) << i;
     EXPECT_EQ(particle.num_, i);
   }

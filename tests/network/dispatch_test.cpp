@@ -6,8 +6,7 @@
 namespace kelvora {
 namespace {
 
-using modMain::localPlayer;
-using modMain::opponents;
+using modMain::world;
 
 /// The local player has node 7 and stands at 50000, 50000; Bob, node 9, is the first opponent.
 class Dispatch : public GameTest {
@@ -15,9 +14,9 @@ class Dispatch : public GameTest {
   Dispatch() {
     login(0, 7, 50'000, 50'000, "Ann");
     join(9, 2, "Bob", 20'000, 20'000);
-    modMain::chatLines = {};
+    modMain::world.chatLines = {};
   }
-  const std::string& lastLine() { return modMain::chatLines[0].text; }
+  const std::string& lastLine() { return modMain::world.chatLines[0].text; }
 };
 
 TEST_F(Dispatch, EveryMessageHasItsRowOnceAndInOrder) {
@@ -38,62 +37,62 @@ TEST_F(Dispatch, IdsThatAreNotUsedHaveNoRow) {
 
 TEST_F(Dispatch, Position) {
   serverSends(wire::msgPosition, {"9", "21000", "22000.5"});
-  ASSERT_EQ(opponents[0].positionQueueCount(), 1);
-  EXPECT_EQ(opponents[0].positionQueue.front(), (Vector{21'000, 22'000.5F}));
+  ASSERT_EQ(world.opponents[0].positionQueueCount(), 1);
+  EXPECT_EQ(world.opponents[0].positionQueue.front(), (Vector{21'000, 22'000.5F}));
 
   serverSends(wire::msgPosition, {"7", "50001", "50000"});
-  ASSERT_EQ(localPlayer.tailCount(), 1);
-  EXPECT_EQ(localPlayer.tails[0].getPosition(), (Vector{50'001, 50'000}));
+  ASSERT_EQ(world.localPlayer.tailCount(), 1);
+  EXPECT_EQ(world.localPlayer.tails[0].getPosition(), (Vector{50'001, 50'000}));
 }
 
 TEST_F(Dispatch, TheOwnExactPositionLaysNoTail) {
   serverSends(wire::msgPosition, {"7", "50000", "50000"});
-  EXPECT_EQ(localPlayer.tailCount(), 0);
+  EXPECT_EQ(world.localPlayer.tailCount(), 0);
   serverSends(wire::msgPosition, {"7", "50000", "50000.01"});
-  EXPECT_EQ(localPlayer.tailCount(), 1) << "the smallest difference of that size is 1/256";
+  EXPECT_EQ(world.localPlayer.tailCount(), 1) << "the smallest difference of that size is 1/256";
 }
 
 TEST_F(Dispatch, Q067APositionOfTwoFieldsDoesNothing) {
   serverSends(wire::msgPosition, {"9", "21000"});
-  EXPECT_EQ(opponents[0].positionQueueCount(), 0);
+  EXPECT_EQ(world.opponents[0].positionQueueCount(), 0);
   serverSends(wire::msgPosition, {"40000", "21000", "21000"});
-  EXPECT_EQ(opponents[0].positionQueueCount(), 0) << "a node beyond 16 bits does not wrap to another player";
+  EXPECT_EQ(world.opponents[0].positionQueueCount(), 0) << "a node beyond 16 bits does not wrap to another player";
   serverSends(wire::msgServerText, {"next"});
   EXPECT_EQ(lastLine(), "next");
 }
 
 TEST_F(Dispatch, FieldsBeyondTheListedOnesAreIgnored) {
   serverSends(wire::msgPosition, {"9", "21000", "22000", "more", "9"});
-  EXPECT_EQ(opponents[0].positionQueueCount(), 1);
+  EXPECT_EQ(world.opponents[0].positionQueueCount(), 1);
 }
 
 TEST_F(Dispatch, Velocity) {
   serverSends(wire::msgVelocity, {"9", "12.5", "-3"});
-  EXPECT_EQ(opponents[0].velocity, (Vector{12.5F, -3}));
-  const Vector own = localPlayer.velocity;
+  EXPECT_EQ(world.opponents[0].velocity, (Vector{12.5F, -3}));
+  const Vector own = world.localPlayer.velocity;
   serverSends(wire::msgVelocity, {"7", "12.5", "-3"});
-  EXPECT_EQ(localPlayer.velocity, own);
+  EXPECT_EQ(world.localPlayer.velocity, own);
 }
 
 TEST_F(Dispatch, PlayerJoined) {
   serverSends(wire::msgPlayerJoined, {"11", "4", "Cat", "300", "400", "0", "6"});
-  ASSERT_EQ(modMain::opponentCount, 2);
-  EXPECT_EQ(opponents[1].serverNode, 11);
-  EXPECT_EQ(opponents[1].playerIndex, 1);
-  EXPECT_EQ(opponents[1].colour, 4);
-  EXPECT_EQ(opponents[1].name, "Cat");
-  EXPECT_EQ(opponents[1].position, (Vector{300, 400}));
-  EXPECT_FALSE(opponents[1].alive);
-  EXPECT_EQ(opponents[1].kills, 6);
+  ASSERT_EQ(modMain::world.opponentCount, 2);
+  EXPECT_EQ(world.opponents[1].serverNode, 11);
+  EXPECT_EQ(world.opponents[1].playerIndex, 1);
+  EXPECT_EQ(world.opponents[1].colour, 4);
+  EXPECT_EQ(world.opponents[1].name, "Cat");
+  EXPECT_EQ(world.opponents[1].position, (Vector{300, 400}));
+  EXPECT_FALSE(world.opponents[1].alive);
+  EXPECT_EQ(world.opponents[1].kills, 6);
 }
 
 TEST_F(Dispatch, LoginAcceptedTakesTheNameThatWasSent) {
   netMan::playerName = "Sent";
   serverSends(wire::msgLoginAccepted, {"3", "20", "100", "200"});
-  EXPECT_EQ(localPlayer.name, "Sent");
-  EXPECT_EQ(localPlayer.colour, 3);
-  EXPECT_EQ(localPlayer.serverNode, 20);
-  EXPECT_EQ(localPlayer.position, (Vector{100, 200}));
+  EXPECT_EQ(world.localPlayer.name, "Sent");
+  EXPECT_EQ(world.localPlayer.colour, 3);
+  EXPECT_EQ(world.localPlayer.serverNode, 20);
+  EXPECT_EQ(world.localPlayer.position, (Vector{100, 200}));
 }
 
 TEST_F(Dispatch, LoginDenied) {
@@ -119,7 +118,7 @@ TEST_F(Dispatch, Chat) {
 TEST_F(Dispatch, Ping) {
   tick(250);
   serverSends(wire::msgPing, {"42"});
-  EXPECT_EQ(localPlayer.pingTick, 1'000'250);
+  EXPECT_EQ(world.localPlayer.pingTick, 1'000'250);
   ASSERT_FALSE(sentFrames().empty());
   EXPECT_EQ(sentFrames()[0], (WireMessage{wire::msgPingReply, {"43200.25"}}));
 }
@@ -132,39 +131,39 @@ TEST_F(Dispatch, LatencyReport) {
 }
 
 TEST_F(Dispatch, PingAndLatencyAreIgnoredBeforeTheLogin) {
-  localPlayer.isConnected = false;
+  world.localPlayer.isConnected = false;
   serverSends(wire::msgPing, {"42"});
   serverSends(wire::msgLatencyReport, {"55"});
   EXPECT_TRUE(sentFrames().empty());
-  EXPECT_EQ(localPlayer.pingTick, 0);
+  EXPECT_EQ(world.localPlayer.pingTick, 0);
   EXPECT_EQ(frmMain->lblLag.Caption.get(), "0");
 }
 
 TEST_F(Dispatch, PlayerLeft) {
   serverSends(wire::msgPlayerLeft, {"9"});
-  EXPECT_FALSE(opponents[0].isConnected);
+  EXPECT_FALSE(world.opponents[0].isConnected);
 }
 
 TEST_F(Dispatch, TailCapture) {
   serverSends(wire::msgPosition, {"7", "51000", "52000"});
   serverSends(wire::msgTailCapture, {"7", "9", "51000", "52000"});
-  ASSERT_EQ(modMain::killerTails.size(), 1U);
-  EXPECT_EQ(modMain::killerTails[0].owner, -1);
-  EXPECT_EQ(modMain::killerTails[0].victims, std::vector<std::int16_t>{0});
+  ASSERT_EQ(modMain::world.killerTails.size(), 1U);
+  EXPECT_EQ(modMain::world.killerTails[0].owner, -1);
+  EXPECT_EQ(modMain::world.killerTails[0].victims, std::vector<std::int16_t>{0});
 }
 
 TEST_F(Dispatch, Funds) {
   serverSends(wire::msgFunds, {"7", "1234"});
-  EXPECT_EQ(localPlayer.funds(), 1234);
+  EXPECT_EQ(world.localPlayer.funds(), 1234);
   serverSends(wire::msgFunds, {"9", "3000000000"});
-  EXPECT_EQ(opponents[0].funds(), 3e9);
-  EXPECT_EQ(localPlayer.funds(), 1234);
+  EXPECT_EQ(world.opponents[0].funds(), 3e9);
+  EXPECT_EQ(world.localPlayer.funds(), 1234);
 }
 
 TEST_F(Dispatch, RoundOver) {
   serverSends(wire::msgRoundOver, {"Bob wins"});
-  EXPECT_FALSE(localPlayer.alive);
-  EXPECT_EQ(modMain::roundMessage, "Bob wins");
+  EXPECT_FALSE(world.localPlayer.alive);
+  EXPECT_EQ(modMain::world.roundMessage, "Bob wins");
 }
 
 TEST_F(Dispatch, SpawnDenied) {
@@ -174,28 +173,28 @@ TEST_F(Dispatch, SpawnDenied) {
 }
 
 TEST_F(Dispatch, Respawn) {
-  localPlayer.alive = false;
-  opponents[0].alive = false;
+  world.localPlayer.alive = false;
+  world.opponents[0].alive = false;
   frmMain->setButtonsState(true);
   serverSends(wire::msgRespawn, {"9"});
-  EXPECT_TRUE(opponents[0].alive);
-  EXPECT_FALSE(localPlayer.alive);
+  EXPECT_TRUE(world.opponents[0].alive);
+  EXPECT_FALSE(world.localPlayer.alive);
   EXPECT_EQ(frmMain->btnSpawn.background(), frmGfx->imgBtnPlay[1].Picture.get());
   serverSends(wire::msgRespawn, {"7"});
-  EXPECT_TRUE(localPlayer.alive);
+  EXPECT_TRUE(world.localPlayer.alive);
   EXPECT_EQ(frmMain->btnSpawn.background(), frmGfx->imgBtnPlay[0].Picture.get()) << "only the own respawn greys it";
 }
 
 TEST_F(Dispatch, PowerupOnAndOff) {
   serverSends(wire::msgPowerupOn, {"7", "1"});
-  EXPECT_TRUE(localPlayer.powerups[1].active);
+  EXPECT_TRUE(world.localPlayer.powerups[1].active);
   serverSends(wire::msgPowerupOn, {"9", "0"});
-  EXPECT_TRUE(opponents[0].powerups[0].active);
+  EXPECT_TRUE(world.opponents[0].powerups[0].active);
   serverSends(wire::msgPowerupOff, {"7", "1"});
-  EXPECT_FALSE(localPlayer.powerups[1].active);
+  EXPECT_FALSE(world.localPlayer.powerups[1].active);
   EXPECT_EQ(lastLine(), "Ann's turbo has shorted out!!");
   serverSends(wire::msgPowerupOff, {"9", "0"});
-  EXPECT_FALSE(opponents[0].powerups[0].active);
+  EXPECT_FALSE(world.opponents[0].powerups[0].active);
   serverSends(wire::msgPowerupOn, {"7", "6"});
   serverSends(wire::msgServerText, {"still there"});
   EXPECT_EQ(lastLine(), "still there") << "a slot out of range ends the handler, not the client";
@@ -203,39 +202,39 @@ TEST_F(Dispatch, PowerupOnAndOff) {
 
 TEST_F(Dispatch, AliveStateOfTheLocalPlayer) {
   serverSends(wire::msgAliveState, {"7", "0"});
-  EXPECT_FALSE(localPlayer.alive);
+  EXPECT_FALSE(world.localPlayer.alive);
   serverSends(wire::msgAliveState, {"7", "-5"});
-  EXPECT_TRUE(localPlayer.alive);
+  EXPECT_TRUE(world.localPlayer.alive);
 }
 
 TEST_F(Dispatch, AnAliveStateOfTheLocalPlayerShowsTheNextTip) {
   modMain::showCentreMessage("old");
   serverSends(wire::msgAliveState, {"7", "0"});
-  EXPECT_EQ(modMain::centreMessage, "old");
+  EXPECT_EQ(modMain::world.centreMessage, "old");
   serverSends(wire::msgAliveState, {"7", "1"});
-  EXPECT_EQ(modMain::centreMessage, "Right-Click to release or engage breaks");
+  EXPECT_EQ(modMain::world.centreMessage, "Right-Click to release or engage breaks");
   serverSends(wire::msgAliveState, {"7", "1"});
-  EXPECT_EQ(modMain::centreMessage, "Hold down the mouse button to prevent mouse from leaving viewport");
+  EXPECT_EQ(modMain::world.centreMessage, "Hold down the mouse button to prevent mouse from leaving viewport");
 }
 
 TEST_F(Dispatch, Q068AliveStateNeverChangesAnOpponent) {
   serverSends(wire::msgAliveState, {"9", "0"});
-  EXPECT_TRUE(opponents[0].alive);
-  opponents[0].alive = false;
+  EXPECT_TRUE(world.opponents[0].alive);
+  world.opponents[0].alive = false;
   serverSends(wire::msgAliveState, {"9", "1"});
-  EXPECT_FALSE(opponents[0].alive);
+  EXPECT_FALSE(world.opponents[0].alive);
 }
 
 TEST_F(Dispatch, ServerText) {
   serverSends(wire::msgServerText, {"Welcome"});
   EXPECT_EQ(lastLine(), "Welcome");
-  EXPECT_EQ(modMain::chatLines[0].colour, RGB(255, 255, 0));
+  EXPECT_EQ(modMain::world.chatLines[0].colour, RGB(255, 255, 0));
 }
 
 TEST_F(Dispatch, Particles) {
   serverSends(wire::msgParticleAdd, {"p1", "4", "100", "200", "1", "2"});
-  ASSERT_EQ(modMain::netParticleCount, 1);
-  const clsParticle& particle = modMain::netParticles[0];
+  ASSERT_EQ(modMain::world.netParticleCount, 1);
+  const clsParticle& particle = modMain::world.netParticles[0];
   EXPECT_EQ(particle.id, "p1");
   EXPECT_EQ(particle.kind, 4);
   EXPECT_EQ(particle.velocity, (Vector{1, 2}));
@@ -248,14 +247,14 @@ TEST_F(Dispatch, Particles) {
 
 TEST_F(Dispatch, AnUnknownNodeIsTakenForTheFirstOpponent) {
   serverSends(wire::msgPosition, {"99", "21000", "22000"});
-  EXPECT_EQ(opponents[0].positionQueueCount(), 1);
+  EXPECT_EQ(world.opponents[0].positionQueueCount(), 1);
   serverSends(wire::msgFunds, {"99", "5"});
-  EXPECT_EQ(opponents[0].funds(), 5);
+  EXPECT_EQ(world.opponents[0].funds(), 5);
 }
 
 TEST_F(GameTest, WithNoOpponentAnUnknownNodeDoesNothing) {
   login();
-  modMain::chatLines = {};
+  modMain::world.chatLines = {};
   serverSends(wire::msgPosition, {"99", "21000", "22000"});
   serverSends(wire::msgVelocity, {"99", "1", "2"});
   serverSends(wire::msgFunds, {"99", "5"});
@@ -265,16 +264,16 @@ TEST_F(GameTest, WithNoOpponentAnUnknownNodeDoesNothing) {
   serverSends(wire::msgPowerupOff, {"99", "0"});
   serverSends(wire::msgPlayerLeft, {"99"});
   serverSends(wire::msgTailCapture, {"99", "98", "1", "2"});
-  EXPECT_EQ(modMain::chatLines[0].text, "");
-  EXPECT_EQ(localPlayer.tailCount(), 0);
-  EXPECT_TRUE(localPlayer.alive);
-  EXPECT_TRUE(modMain::killerTails.empty());
+  EXPECT_EQ(modMain::world.chatLines[0].text, "");
+  EXPECT_EQ(world.localPlayer.tailCount(), 0);
+  EXPECT_TRUE(world.localPlayer.alive);
+  EXPECT_TRUE(modMain::world.killerTails.empty());
 }
 
 TEST_F(GameTest, TooFewFieldsMeanNoEffectForAnyMessage) {
   login();
   join(9, 2, "Bob", 20'000, 20'000);
-  modMain::chatLines = {};
+  modMain::world.chatLines = {};
   const std::vector<WireMessage> cut = {{134, {"9", "1"}},
                                         {147, {"9", "1"}},
                                         {138, {"9", "1", "N", "2", "3", "1"}},
@@ -289,20 +288,20 @@ TEST_F(GameTest, TooFewFieldsMeanNoEffectForAnyMessage) {
                                         {161, {"9"}},
                                         {164, {"p", "1", "2", "3", "4"}},
                                         {165, {"p", "1"}}};
-  const Vector velocity = opponents[0].velocity;
+  const Vector velocity = world.opponents[0].velocity;
   for (const WireMessage& message : cut) serverSends(message.id, message.fields);
-  EXPECT_EQ(modMain::opponentCount, 1);
-  EXPECT_EQ(localPlayer.serverNode, 7);
-  EXPECT_EQ(opponents[0].positionQueueCount(), 0);
-  EXPECT_EQ(opponents[0].velocity, velocity);
-  EXPECT_EQ(opponents[0].funds(), 10);
-  EXPECT_EQ(localPlayer.funds(), 10);
-  EXPECT_EQ(localPlayer.powerups[0].count, 0);
-  EXPECT_FALSE(opponents[0].powerups[0].active);
-  EXPECT_TRUE(modMain::killerTails.empty());
-  EXPECT_TRUE(localPlayer.alive);
-  EXPECT_EQ(modMain::netParticleCount, 0);
-  EXPECT_EQ(modMain::chatLines[0].text, "");
+  EXPECT_EQ(modMain::world.opponentCount, 1);
+  EXPECT_EQ(world.localPlayer.serverNode, 7);
+  EXPECT_EQ(world.opponents[0].positionQueueCount(), 0);
+  EXPECT_EQ(world.opponents[0].velocity, velocity);
+  EXPECT_EQ(world.opponents[0].funds(), 10);
+  EXPECT_EQ(world.localPlayer.funds(), 10);
+  EXPECT_EQ(world.localPlayer.powerups[0].count, 0);
+  EXPECT_FALSE(world.opponents[0].powerups[0].active);
+  EXPECT_TRUE(modMain::world.killerTails.empty());
+  EXPECT_TRUE(world.localPlayer.alive);
+  EXPECT_EQ(modMain::world.netParticleCount, 0);
+  EXPECT_EQ(modMain::world.chatLines[0].text, "");
 }
 
 TEST_F(GameTest, NamesAreFoundAmongConnectedOpponentsInAnyCase) {
@@ -313,7 +312,7 @@ TEST_F(GameTest, NamesAreFoundAmongConnectedOpponentsInAnyCase) {
   join(10, 3, "BOB");
   EXPECT_EQ(netMan::indexFromName("bOB"), 1);
   EXPECT_EQ(netMan::indexFromName("nobody"), 0);
-  opponents[1].isConnected = false;
+  world.opponents[1].isConnected = false;
   EXPECT_EQ(netMan::indexFromName("bob"), 2);
 }
 

@@ -199,8 +199,8 @@ class MessageQueueModel : public GameTest {
       }
     }
     EXPECT_EQ(machine.messageBoxes.size(), boxes);
-    for (std::size_t i = 0; i < std::min(lines.size(), modMain::chatLines.size()); ++i) {
-      EXPECT_EQ(modMain::chatLines[i].text, lines[lines.size() - 1 - i]) << i;
+    for (std::size_t i = 0; i < std::min(lines.size(), modMain::world.chatLines.size()); ++i) {
+      EXPECT_EQ(modMain::world.chatLines[i].text, lines[lines.size() - 1 - i]) << i;
     }
   }
 };
@@ -212,7 +212,7 @@ TEST_F(MessageQueueModel, ThousandsOfStreamsGoAsInTheLiteralQueue) {
   for (std::uint32_t seed = 1; seed <= 5'000; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     netMan::clear();
-    modMain::chatLines = {};
+    modMain::world.chatLines = {};
     machine.messageBoxes.clear();
     const Reads reads = Streams(seed).next();
     LiteralQueue literal(reads);

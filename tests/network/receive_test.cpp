@@ -14,7 +14,7 @@ class Receive : public GameTest {
 
   std::vector<std::string> lines() {
     std::vector<std::string> texts;
-    for (const ChatLine& line : modMain::chatLines) {
+    for (const ChatLine& line : modMain::world.chatLines) {
       if (!line.text.empty()) texts.insert(texts.begin(), line.text);
     }
     return texts;

@@ -17,36 +17,36 @@ class Reconnection : public GameTest {
 };
 
 TEST_F(Reconnection, KeepsTheBordersPulse) {
-  modMain::borderShrinking = true;
-  modMain::borderWidth = 3;
-  modMain::borderCounter = 2;
+  modMain::world.borderShrinking = true;
+  modMain::world.borderWidth = 3;
+  modMain::world.borderCounter = 2;
   netMan::disconnectFromServer();
   login(2, 7);
-  EXPECT_TRUE(modMain::borderShrinking);
-  EXPECT_EQ(modMain::borderWidth, 3);
-  EXPECT_EQ(modMain::borderCounter, 2);
+  EXPECT_TRUE(modMain::world.borderShrinking);
+  EXPECT_EQ(modMain::world.borderWidth, 3);
+  EXPECT_EQ(modMain::world.borderCounter, 2);
 }
 
 TEST_F(Reconnection, KeepsThePaintTimes) {
-  modMain::frameTime = 17;
-  std::fill(modMain::frameTimes.begin(), modMain::frameTimes.end(), 17);
+  modMain::world.frameTime = 17;
+  std::fill(modMain::world.frameTimes.begin(), modMain::world.frameTimes.end(), 17);
   netMan::disconnectFromServer();
   login(2, 7);
-  EXPECT_EQ(modMain::frameTime, 17);
-  EXPECT_EQ(std::count(modMain::frameTimes.begin(), modMain::frameTimes.end(), 17), 101);
+  EXPECT_EQ(modMain::world.frameTime, 17);
+  EXPECT_EQ(std::count(modMain::world.frameTimes.begin(), modMain::world.frameTimes.end(), 17), 101);
   EXPECT_EQ(modMain::getTimeScale(), 1.7);
 }
 
 TEST_F(Reconnection, KeepsAWaitingCentreMessageUntilTheLoginHasItsOwn) {
   modMain::showCentreMessage("You have captured Bob");
-  modMain::centreMessageAge = 40;
+  modMain::world.centreMessageAge = 40;
   netMan::disconnectFromServer();
   connect();
-  EXPECT_EQ(modMain::centreMessage, "You have captured Bob");
-  EXPECT_EQ(modMain::centreMessageAge, 40);
+  EXPECT_EQ(modMain::world.centreMessage, "You have captured Bob");
+  EXPECT_EQ(modMain::world.centreMessageAge, 40);
   serverSends(wire::msgLoginAccepted, {"2", "7", "50000", "50000"});
-  EXPECT_EQ(modMain::centreMessage, "Capture your opponents in a loop of your tail");
-  EXPECT_EQ(modMain::centreMessageAge, 0);
+  EXPECT_EQ(modMain::world.centreMessage, "Capture your opponents in a loop of your tail");
+  EXPECT_EQ(modMain::world.centreMessageAge, 0);
 }
 
 TEST_F(Reconnection, KeepsTheNextTip) {
@@ -54,7 +54,7 @@ TEST_F(Reconnection, KeepsTheNextTip) {
   modMain::showNextTip();
   netMan::disconnectFromServer();
   login(2, 7);
-  EXPECT_EQ(modMain::nextTip, 2);
+  EXPECT_EQ(modMain::world.nextTip, 2);
 }
 
 // The marks of the captures go from the panel with the title, the captures themselves stay: they explode at the next
@@ -62,21 +62,21 @@ TEST_F(Reconnection, KeepsTheNextTip) {
 TEST_F(Reconnection, KeepsTheCaptures) {
   serverSends(wire::msgTailCapture, {"7", "8", "1", "1"});
   netMan::disconnectFromServer();
-  EXPECT_EQ(modMain::localPlayer.captures, (std::vector<std::int16_t>{4}));
+  EXPECT_EQ(modMain::world.localPlayer.captures, (std::vector<std::int16_t>{4}));
   login(2, 7);
-  EXPECT_EQ(modMain::localPlayer.captures, (std::vector<std::int16_t>{4}));
-  modMain::localPlayer.die();
-  EXPECT_EQ(modMain::explosionCount, 1);
+  EXPECT_EQ(modMain::world.localPlayer.captures, (std::vector<std::int16_t>{4}));
+  modMain::world.localPlayer.die();
+  EXPECT_EQ(modMain::world.explosionCount, 1);
 }
 
 TEST_F(Reconnection, KeepsTheNumbersOfKillsOnThePanel) {
   serverSends(wire::msgTailCapture, {"7", "8", "1", "1"});
-  modMain::opponents[0].setKills(5);
+  modMain::world.opponents[0].setKills(5);
   netMan::disconnectFromServer();
   EXPECT_EQ(frmMain->lblKills[2].Caption.get(), "1");
   EXPECT_EQ(frmMain->lblKills[4].Caption.get(), "5");
   login(2, 7);
-  EXPECT_EQ(modMain::localPlayer.kills, 0);
+  EXPECT_EQ(modMain::world.localPlayer.kills, 0);
   EXPECT_EQ(frmMain->lblKills[2].Caption.get(), "1") << "until the first capture is counted";
   EXPECT_EQ(frmMain->lblKills[4].Caption.get(), "5");
 }

@@ -9,12 +9,11 @@
 namespace kelvora {
 namespace {
 
-using modMain::localPlayer;
-using modMain::opponents;
+using modMain::world;
 
 class Session : public GameTest {
  protected:
-  const ChatLine& lastLine() { return modMain::chatLines[0]; }
+  const ChatLine& lastLine() { return modMain::world.chatLines[0]; }
   static constexpr Colour serverLine = RGB(255, 255, 0);
 };
 
@@ -35,7 +34,7 @@ TEST_F(Session, TheLoginGoesOutWhenTheConnectionStands) {
   passEvents();
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgLogin, {"Ann", "pw", "2", "1.2.1"}}}));
   EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Connected");
-  EXPECT_FALSE(localPlayer.isConnected);
+  EXPECT_FALSE(world.localPlayer.isConnected);
 }
 
 // Notes, whenever a label is given the text "Connected", whether anything has been sent by then.
@@ -72,16 +71,16 @@ TEST_F(Session, AnAcceptedLoginPutsThePlayerIntoTheGame) {
   frmMain->lbcConnect.Visible = true;
   connect("Ann", 0);
   serverSends(wire::msgLoginAccepted, {"3", "7", "1000", "2000"});
-  EXPECT_EQ(localPlayer.playerIndex, -1);
-  EXPECT_EQ(localPlayer.serverNode, 7);
-  EXPECT_EQ(localPlayer.colour, 3);
-  EXPECT_EQ(localPlayer.position, (Vector{1000, 2000}));
-  EXPECT_FALSE(localPlayer.awaitingFirstPosition);
-  EXPECT_TRUE(localPlayer.isConnected);
-  EXPECT_TRUE(localPlayer.alive);
+  EXPECT_EQ(world.localPlayer.playerIndex, -1);
+  EXPECT_EQ(world.localPlayer.serverNode, 7);
+  EXPECT_EQ(world.localPlayer.colour, 3);
+  EXPECT_EQ(world.localPlayer.position, (Vector{1000, 2000}));
+  EXPECT_FALSE(world.localPlayer.awaitingFirstPosition);
+  EXPECT_TRUE(world.localPlayer.isConnected);
+  EXPECT_TRUE(world.localPlayer.alive);
   EXPECT_EQ(lastLine().text, "Login accepted, Ann you are assigned the color Cyan");
   EXPECT_EQ(lastLine().colour, serverLine);
-  EXPECT_EQ(modMain::centreMessage, "Capture your opponents in a loop of your tail");
+  EXPECT_EQ(modMain::world.centreMessage, "Capture your opponents in a loop of your tail");
   for (int i = 0; i < 6; ++i) {
     EXPECT_EQ(frmMain->lbUserName[i].Caption.get(), i == 3 ? "Ann" : i == 1 ? "Bob" : "") << "others keep theirs " << i;
     EXPECT_EQ(frmMain->lbUserName[i].BackColor.get(), i == 3 ? RGB(128, 0, 0) : RGB(0, 0, 0)) << i;
@@ -97,15 +96,15 @@ TEST_F(Session, Q071TheFieldIsMadeTwiceAtLogin) {
   serverSends(wire::msgLoginAccepted, {"0", "7", "50000", "50000"});
   for (int i = 0; i < 2 * 150 * 12; ++i) expected.next();
   EXPECT_EQ(machine.generator.next(), expected.next());
-  EXPECT_EQ(modMain::particleCount, 150);
+  EXPECT_EQ(modMain::world.particleCount, 150);
 }
 
 TEST_F(Session, TheFieldOfTheLoginLiesRoundTheNewPlace) {
   connect();
   serverSends(wire::msgLoginAccepted, {"0", "7", "90000", "80000"});
-  ASSERT_EQ(modMain::particleCount, 150);
+  ASSERT_EQ(modMain::world.particleCount, 150);
   for (std::size_t i = 0; i < 150; ++i) {
-    const Vector place = modMain::particles[i].getPosition();
+    const Vector place = modMain::world.particles[i].getPosition();
     // A canvas's width and height to each side; the place of before the login was 0, 0.
     EXPECT_LE(std::fabs(place.x - 90'000), 11'445) << i;
     EXPECT_LE(std::fabs(place.y - 80'000), 9'120) << i;
@@ -116,10 +115,10 @@ TEST_F(Session, Q072AColourWithoutANameLeavesTheRestOfTheLoginOut) {
   frmMain->lbcConnect.Visible = true;
   connect();
   serverSends(wire::msgLoginAccepted, {"6", "7", "1000", "2000"});
-  EXPECT_TRUE(localPlayer.isConnected);
-  EXPECT_EQ(localPlayer.position, (Vector{1000, 2000}));
+  EXPECT_TRUE(world.localPlayer.isConnected);
+  EXPECT_EQ(world.localPlayer.position, (Vector{1000, 2000}));
   EXPECT_EQ(lastLine().text, "");
-  EXPECT_EQ(modMain::centreMessage, "");
+  EXPECT_EQ(modMain::world.centreMessage, "");
   EXPECT_TRUE(frmMain->lbcConnect.Visible);
 
   netMan::disconnectFromServer();
@@ -129,9 +128,9 @@ TEST_F(Session, Q072AColourWithoutANameLeavesTheRestOfTheLoginOut) {
 TEST_F(Session, APlayerWhoJoinsIsShownAndTold) {
   login();
   serverSends(wire::msgPlayerJoined, {"9", "2", "Bob", "300", "400", "1", "5"});
-  EXPECT_EQ(modMain::opponentCount, 1);
-  EXPECT_TRUE(opponents[0].isConnected);
-  EXPECT_TRUE(opponents[0].alive);
+  EXPECT_EQ(modMain::world.opponentCount, 1);
+  EXPECT_TRUE(world.opponents[0].isConnected);
+  EXPECT_TRUE(world.opponents[0].alive);
   EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "Bob");
   EXPECT_EQ(frmMain->lblKills[2].Caption.get(), "5");
   EXPECT_EQ(lastLine().text, "The player Bob has joined as Green");
@@ -157,18 +156,18 @@ TEST_F(Session, OnlyTheAliveStateOneIsAlive) {
   int expectedCount = 0;
   for (const char* alive : {"0", "2", "-1"}) {
     serverSends(wire::msgPlayerJoined, {"9", "2", "Bob", "300", "400", alive, "5"});
-    ASSERT_EQ(modMain::opponentCount, ++expectedCount);
-    EXPECT_FALSE(opponents.back().alive) << alive;
+    ASSERT_EQ(modMain::world.opponentCount, ++expectedCount);
+    EXPECT_FALSE(world.opponents.back().alive) << alive;
   }
 }
 
 TEST_F(Session, AJoinThatFailsDoesNotCount) {
   login();
   serverSends(wire::msgPlayerJoined, {"9", "6", "Odd", "300", "400", "1", "5"});
-  EXPECT_EQ(modMain::opponentCount, 0) << "there is no kills label for the colour";
+  EXPECT_EQ(modMain::world.opponentCount, 0) << "there is no kills label for the colour";
   EXPECT_EQ(join(10, 2, "Bob"), 0);
-  EXPECT_EQ(opponents.size(), 1U);
-  EXPECT_EQ(opponents[0].name, "Bob");
+  EXPECT_EQ(world.opponents.size(), 1U);
+  EXPECT_EQ(world.opponents[0].name, "Bob");
 }
 
 TEST_F(Session, APlayerWhoLeavesIsClearedFromTheList) {
@@ -178,8 +177,8 @@ TEST_F(Session, APlayerWhoLeavesIsClearedFromTheList) {
   frmMain->picCaps[2].DrawWidth = 5;
   frmMain->picCaps[2].Line(0, 0, 900, 150);
   serverSends(wire::msgPlayerLeft, {"9"});
-  EXPECT_FALSE(opponents[0].isConnected);
-  EXPECT_EQ(modMain::opponentCount, 1);
+  EXPECT_FALSE(world.opponents[0].isConnected);
+  EXPECT_EQ(modMain::world.opponentCount, 1);
   EXPECT_EQ(lastLine().text, "Bob has disconnected.");
   EXPECT_EQ(lastLine().colour, serverLine);
   EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "");
@@ -205,19 +204,19 @@ TEST_F(Session, Q074AnUnknownLeaverIsTakenForTheFirstOpponent) {
   join(9, 2, "Bob");
   join(10, 3, "Cat");
   serverSends(wire::msgPlayerLeft, {"99"});
-  EXPECT_FALSE(opponents[0].isConnected);
-  EXPECT_TRUE(opponents[1].isConnected);
+  EXPECT_FALSE(world.opponents[0].isConnected);
+  EXPECT_TRUE(world.opponents[1].isConnected);
   EXPECT_EQ(lastLine().text, "Bob has disconnected.");
 }
 
 TEST_F(Session, TheOwnNodeCannotLeave) {
   login(0, 7);
   join(9, 2, "Bob");
-  modMain::chatLines = {};
+  modMain::world.chatLines = {};
   frmMain->lblKills[0].Caption = "3";
   serverSends(wire::msgPlayerLeft, {"7"});
-  EXPECT_TRUE(localPlayer.isConnected);
-  EXPECT_TRUE(opponents[0].isConnected);
+  EXPECT_TRUE(world.localPlayer.isConnected);
+  EXPECT_TRUE(world.opponents[0].isConnected);
   EXPECT_EQ(lastLine().text, "");
   EXPECT_EQ(frmMain->lbUserName[0].Caption.get(), "Ann");
   EXPECT_EQ(frmMain->lblKills[0].Caption.get(), "3");
@@ -244,10 +243,10 @@ TEST_F(Session, TheEndOfARoundKillsEverybodyAndLightsTheButtons) {
   join(10, 3, "Cat");
   frmMain->setButtonsState(false);
   serverSends(wire::msgRoundOver, {"Round over"});
-  EXPECT_FALSE(localPlayer.alive);
-  EXPECT_FALSE(opponents[0].alive);
-  EXPECT_FALSE(opponents[1].alive);
-  EXPECT_EQ(modMain::roundMessage, "Round over");
+  EXPECT_FALSE(world.localPlayer.alive);
+  EXPECT_FALSE(world.opponents[0].alive);
+  EXPECT_FALSE(world.opponents[1].alive);
+  EXPECT_EQ(modMain::world.roundMessage, "Round over");
   EXPECT_EQ(lastLine().text, "Round over");
   EXPECT_EQ(lastLine().colour, serverLine);
   EXPECT_EQ(frmMain->btnSpawn.background(), frmGfx->imgBtnPlay[1].Picture.get());
@@ -263,8 +262,8 @@ TEST_F(Session, DisconnectingOffersTheDialogAndTheTitle) {
   EXPECT_EQ(frmMain->sock.State(), sckClosed);
   EXPECT_TRUE(frmMain->mnuFileConnect.Enabled);
   EXPECT_FALSE(frmMain->mnuFileDisconnect.Enabled);
-  EXPECT_FALSE(localPlayer.isConnected);
-  EXPECT_FALSE(opponents[0].isConnected);
+  EXPECT_FALSE(world.localPlayer.isConnected);
+  EXPECT_FALSE(world.opponents[0].isConnected);
   EXPECT_EQ(frmMain->lbUserName[1].BackColor.get(), RGB(0, 0, 0));
   for (Label& name : frmMain->lbUserName) EXPECT_EQ(name.Caption.get(), "");
   EXPECT_TRUE(frmConnect.isVisible());
@@ -285,11 +284,11 @@ TEST_F(Session, Q073OldOpponentsKeepTheirSlots) {
   join(9, 2, "Bob");
   netMan::disconnectFromServer();
   login();
-  EXPECT_EQ(modMain::opponentCount, 1);
+  EXPECT_EQ(modMain::world.opponentCount, 1);
   EXPECT_EQ(join(9, 2, "Bob"), 1);
-  EXPECT_EQ(modMain::opponentCount, 2);
-  EXPECT_FALSE(opponents[0].isConnected);
-  EXPECT_TRUE(opponents[1].isConnected);
+  EXPECT_EQ(modMain::world.opponentCount, 2);
+  EXPECT_FALSE(world.opponents[0].isConnected);
+  EXPECT_TRUE(world.opponents[1].isConnected);
 }
 
 TEST_F(Session, ADeniedLoginShowsTheReasonAndDisconnects) {
@@ -303,12 +302,12 @@ TEST_F(Session, ADeniedLoginShowsTheReasonAndDisconnects) {
 TEST_F(Session, ReconnectingWhileConnectedClosesFirstWithoutAWord) {
   login();
   join(9, 2, "Bob");
-  modMain::chatLines = {};
+  modMain::world.chatLines = {};
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
   EXPECT_EQ(server().closes, 1);
   EXPECT_EQ(server().connects.size(), 2U);
   EXPECT_EQ(lastLine().text, "");
-  EXPECT_TRUE(opponents[0].isConnected);
+  EXPECT_TRUE(world.opponents[0].isConnected);
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
@@ -320,15 +319,15 @@ TEST_F(Session, Q240AnOldOpponentAnswersForANodeGivenAnew) {
   passEvents();
   serverSends(wire::msgLoginAccepted, {"0", "7", "50000", "50000"});
   EXPECT_EQ(join(9, 3, "Cat"), 1);
-  ASSERT_TRUE(opponents[0].isConnected);
+  ASSERT_TRUE(world.opponents[0].isConnected);
   serverSends(wire::msgPosition, {"9", "21000", "22000"});
-  EXPECT_EQ(opponents[0].positionQueueCount(), 1) << "Bob of the old server glides";
-  EXPECT_EQ(opponents[1].positionQueueCount(), 0);
+  EXPECT_EQ(world.opponents[0].positionQueueCount(), 1) << "Bob of the old server glides";
+  EXPECT_EQ(world.opponents[1].positionQueueCount(), 0);
   serverSends(wire::msgPlayerLeft, {"9"});
   EXPECT_EQ(lastLine().text, "Bob has disconnected.");
-  EXPECT_TRUE(opponents[1].isConnected);
+  EXPECT_TRUE(world.opponents[1].isConnected);
   serverSends(wire::msgPosition, {"9", "21000", "22000"});
-  EXPECT_EQ(opponents[1].positionQueueCount(), 1) << "once the old one is gone, the newcomer is found";
+  EXPECT_EQ(world.opponents[1].positionQueueCount(), 1) << "once the old one is gone, the newcomer is found";
 }
 
 TEST_F(Session, AFailedSocketCanConnectAgain) {
@@ -357,10 +356,10 @@ TEST_F(Session, Q069AFailedConnectionLeavesTheMenuAsItIs) {
 
 TEST_F(Session, TheServersHangUpDisconnectsWithoutAWord) {
   login();
-  modMain::chatLines = {};
+  modMain::world.chatLines = {};
   server().closeByServer();
   passEvents();
-  EXPECT_FALSE(localPlayer.isConnected);
+  EXPECT_FALSE(world.localPlayer.isConnected);
   EXPECT_TRUE(frmConnect.isVisible());
   EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Closed");
   EXPECT_TRUE(machine.messageBoxes.empty());

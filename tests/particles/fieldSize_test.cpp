@@ -9,7 +9,7 @@ namespace {
 class FieldSize : public GameTest {
  protected:
   FieldSize() {
-    modMain::localPlayer.position = {50000, 50000};
+    modMain::world.localPlayer.position = {50000, 50000};
     particle.init(0, 0, 0, 0);  // on a canvas of 11445 by 9120
   }
   /// The next scatter moves nothing.
@@ -35,22 +35,22 @@ TEST_F(FieldSize, TheNextFieldTakesTheNewSize) {
   frmMain->canvas.Height = 16000;
   modMain::createParticleField();
   for (std::size_t i = 0; i < 150; ++i) {
-    EXPECT_EQ(modMain::particles[i].fieldWidth, 20000);
-    EXPECT_EQ(modMain::particles[i].fieldHeight, 16000);
+    EXPECT_EQ(modMain::world.particles[i].fieldWidth, 20000);
+    EXPECT_EQ(modMain::world.particles[i].fieldHeight, 16000);
   }
 }
 
 TEST_F(FieldSize, InStarsModeTheFieldIsStillBroughtBackRoundThePlayer) {
   login();
   ASSERT_TRUE(modMain::isStarsMode());
-  modMain::particleCount = 1;
-  modMain::particles.assign(1, particle);
-  modMain::particles[0].position = {50000 - 11446, 50000};
-  modMain::particles[0].velocity = {15, 15};
-  modMain::particles[0].depth = 1;
+  modMain::world.particleCount = 1;
+  modMain::world.particles.assign(1, particle);
+  modMain::world.particles[0].position = {50000 - 11446, 50000};
+  modMain::world.particles[0].velocity = {15, 15};
+  modMain::world.particles[0].depth = 1;
   scatterNowhere();
   modMain::runFrame();
-  EXPECT_EQ(modMain::particles[0].position, (Vector{50000 + 11145, 50000}));
+  EXPECT_EQ(modMain::world.particles[0].position, (Vector{50000 + 11145, 50000}));
 }
 
 }  // namespace

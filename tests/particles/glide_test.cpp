@@ -10,7 +10,7 @@ namespace {
 class ParticleGlide : public GameTest {
  protected:
   ParticleGlide() {
-    modMain::localPlayer.position = {50000, 50000};
+    modMain::world.localPlayer.position = {50000, 50000};
     particle.initNormal(1, "n", 4, 50000, 50000, 0, 0);
     particle.hasPosition = true;
     particle.stepSet = true;
@@ -58,13 +58,13 @@ TEST_F(ParticleGlide, EveryPositionThatIsTakenIsGivenBack) {
   for (const Vector point : {Vector{90000, 90000}, Vector{10000, 10000}, Vector{50100, 50000}, Vector{50200, 50000}}) {
     particle.queuePosition(point);
   }
-  ASSERT_EQ(modMain::queuedPositions, 4U);
+  ASSERT_EQ(modMain::world.queuedPositions, 4U);
   particle.moveNormal();
   EXPECT_EQ(particle.position, (Vector{50100, 50000}));
-  EXPECT_EQ(modMain::queuedPositions, 1U);
+  EXPECT_EQ(modMain::world.queuedPositions, 1U);
   particle.moveNormal();
   EXPECT_EQ(particle.position, (Vector{50200, 50000}));
-  EXPECT_EQ(modMain::queuedPositions, 0U);
+  EXPECT_EQ(modMain::world.queuedPositions, 0U);
 }
 
 TEST_F(ParticleGlide, AStepWithAZeroOnEitherAxisIsNotTrusted) {

@@ -16,7 +16,7 @@ constexpr std::uint8_t reserved = 3;
 // The local player stands at (50000, 50000); the canvas is 11445 by 9120.
 class Particles : public GameTest {
  protected:
-  Particles() { modMain::localPlayer.position = {50000, 50000}; }
+  Particles() { modMain::world.localPlayer.position = {50000, 50000}; }
   void script(std::initializer_list<float> draws) { machine.scriptedDraws.assign(draws); }
   clsParticle particle;
 };
@@ -175,7 +175,7 @@ TEST_F(Particles, MotionFollowsDepthAndTimeScale) {
   particle.move();
   EXPECT_FLOAT_EQ(particle.position.x, 14) << "14/15 of 15";
   EXPECT_FLOAT_EQ(particle.position.y, -14);
-  modMain::frameTime = 20;
+  modMain::world.frameTime = 20;
   particle.move();
   EXPECT_FLOAT_EQ(particle.position.x, 42);
   EXPECT_FLOAT_EQ(particle.position.y, -42);
@@ -363,7 +363,7 @@ TEST_F(NetParticles, AStepWithAZeroIsComputedAnew) {
 
 TEST_F(NetParticles, TheStoredStepIsScaledAgainInEveryFrame) {
   particle.positionQueue = {{47900, 47900}};
-  modMain::frameTime = 15;
+  modMain::world.frameTime = 15;
   particle.moveNormal();
   EXPECT_EQ(particle.velocity, (Vector{-450, -450}));
   particle.moveNormal();

@@ -11,12 +11,12 @@ namespace {
 class Pools : public GameTest {};
 
 TEST_F(Pools, TheFieldHas150ParticlesRoundThePlayerAndAnEmptySlot) {
-  modMain::localPlayer.position = {30000, 70000};
+  modMain::world.localPlayer.position = {30000, 70000};
   modMain::createParticleField();
-  EXPECT_EQ(modMain::particleCount, 150);
-  ASSERT_EQ(modMain::particles.size(), 151U);
+  EXPECT_EQ(modMain::world.particleCount, 150);
+  ASSERT_EQ(modMain::world.particles.size(), 151U);
   for (std::size_t i = 0; i < 150; ++i) {
-    const clsParticle& particle = modMain::particles[i];
+    const clsParticle& particle = modMain::world.particles[i];
     EXPECT_EQ(particle.num_, static_cast<double>(i));
     EXPECT_EQ(particle.type, 0);
     EXPECT_LE(std::fabs(particle.position.x - 30000), 11445);
@@ -26,44 +26,44 @@ TEST_F(Pools, TheFieldHas150ParticlesRoundThePlayerAndAnEmptySlot) {
     EXPECT_LE(std::fabs(particle.velocity.x), 15);
     EXPECT_GE(std::fabs(particle.velocity.x), 1);
   }
-  EXPECT_EQ(modMain::particles[150].maxSpeed, 0) << "never initialised";
+  EXPECT_EQ(modMain::world.particles[150].maxSpeed, 0) << "never initialised";
 }
 
 TEST_F(Pools, ANewFieldTakesThePlaceOfTheOld) {
   modMain::createParticleField();
-  modMain::particles[3].type = 1;
-  modMain::particles[3].positionQueue = {{1, 1}};
+  modMain::world.particles[3].type = 1;
+  modMain::world.particles[3].positionQueue = {{1, 1}};
   modMain::createParticleField();
-  EXPECT_EQ(modMain::particles[3].type, 0);
-  EXPECT_TRUE(modMain::particles[3].positionQueue.empty());
+  EXPECT_EQ(modMain::world.particles[3].type, 0);
+  EXPECT_TRUE(modMain::world.particles[3].positionQueue.empty());
 }
 
 TEST_F(Pools, AnExplosionHasOneParticleForEachCount) {
   modMain::addExplosion({100, 200}, 2);
   modMain::addExplosion({300, 400}, 1);
-  ASSERT_EQ(modMain::explosionCount, 3);
+  ASSERT_EQ(modMain::world.explosionCount, 3);
   for (std::size_t i = 0; i < 3; ++i) {
-    EXPECT_EQ(modMain::explosionParticles[i].num_, static_cast<double>(i));
-    EXPECT_EQ(modMain::explosionParticles[i].type, 2);
+    EXPECT_EQ(modMain::world.explosionParticles[i].num_, static_cast<double>(i));
+    EXPECT_EQ(modMain::world.explosionParticles[i].type, 2);
   }
-  EXPECT_EQ(modMain::explosionParticles[1].position, (Vector{100, 200}));
-  EXPECT_EQ(modMain::explosionParticles[2].position, (Vector{300, 400}));
+  EXPECT_EQ(modMain::world.explosionParticles[1].position, (Vector{100, 200}));
+  EXPECT_EQ(modMain::world.explosionParticles[2].position, (Vector{300, 400}));
   modMain::addExplosion({0, 0}, 0);
-  EXPECT_EQ(modMain::explosionCount, 3);
+  EXPECT_EQ(modMain::world.explosionCount, 3);
 }
 
 TEST_F(Pools, ARemovalKeepsTheOrderAndRenumbers) {
   for (float x = 0; x < 4; ++x) modMain::addExplosion({x, 0}, 1);
   modMain::removeExplosionParticle(1);
-  ASSERT_EQ(modMain::explosionCount, 3);
+  ASSERT_EQ(modMain::world.explosionCount, 3);
   const float expected[] = {0, 2, 3};
   for (std::size_t i = 0; i < 3; ++i) {
-    EXPECT_EQ(modMain::explosionParticles[i].position.x, expected[i]);
-    EXPECT_EQ(modMain::explosionParticles[i].num_, static_cast<double>(i));
+    EXPECT_EQ(modMain::world.explosionParticles[i].position.x, expected[i]);
+    EXPECT_EQ(modMain::world.explosionParticles[i].num_, static_cast<double>(i));
   }
   modMain::removeExplosionParticle(3);
   modMain::removeExplosionParticle(-1);
-  EXPECT_EQ(modMain::explosionCount, 3) << "nobody has that number";
+  EXPECT_EQ(modMain::world.explosionCount, 3) << "nobody has that number";
 }
 
 TEST_F(Pools, StarsModeIsTheMenusCheckMark) {
@@ -74,15 +74,15 @@ TEST_F(Pools, StarsModeIsTheMenusCheckMark) {
 
 TEST_F(Pools, InStarsModeTheFieldStandsInAFrameAndInQuarksModeItDrifts) {
   login();
-  modMain::localPlayer.velocity = {};
+  modMain::world.localPlayer.velocity = {};
   std::vector<Vector> before;
-  for (const clsParticle& particle : modMain::particles) before.push_back(particle.position);
+  for (const clsParticle& particle : modMain::world.particles) before.push_back(particle.position);
   modMain::runFrame();
-  for (std::size_t i = 0; i < 150; ++i) EXPECT_EQ(modMain::particles[i].position, before[i]);
+  for (std::size_t i = 0; i < 150; ++i) EXPECT_EQ(modMain::world.particles[i].position, before[i]);
   frmMain->mnuQuarkStars.Checked = false;
   modMain::runFrame();
   for (std::size_t i = 0; i < 150; ++i) {
-    EXPECT_EQ(modMain::particles[i].position == before[i], modMain::particles[i].depth == 15) << i;
+    EXPECT_EQ(modMain::world.particles[i].position == before[i], modMain::world.particles[i].depth == 15) << i;
   }
 }
 
@@ -90,13 +90,13 @@ TEST_F(Pools, Q120ASlotIsNeverTakenAgain) {
   modMain::receiveParticleNew("a", 1, 10, 20, 1, 2);
   modMain::receiveParticleRemove("a");
   modMain::receiveParticleNew("b", 2, 30, 40, 0, 0);
-  ASSERT_EQ(modMain::netParticleCount, 2);
-  EXPECT_EQ(modMain::netParticles[0].id, "a");
-  EXPECT_EQ(modMain::netParticles[1].id, "b");
-  EXPECT_EQ(modMain::netParticles[0].num_, 1) << "the count after the growth";
-  EXPECT_EQ(modMain::netParticles[1].num_, 2);
+  ASSERT_EQ(modMain::world.netParticleCount, 2);
+  EXPECT_EQ(modMain::world.netParticles[0].id, "a");
+  EXPECT_EQ(modMain::world.netParticles[1].id, "b");
+  EXPECT_EQ(modMain::world.netParticles[0].num_, 1) << "the count after the growth";
+  EXPECT_EQ(modMain::world.netParticles[1].num_, 2);
   EXPECT_EQ(modMain::allocNetParticle(), 2);
-  EXPECT_EQ(modMain::netParticleCount, 3);
+  EXPECT_EQ(modMain::world.netParticleCount, 3);
 }
 
 TEST_F(Pools, Q263ServerParticlesAreNumberedFromOneAndTheOthersFromZero) {
@@ -104,14 +104,14 @@ TEST_F(Pools, Q263ServerParticlesAreNumberedFromOneAndTheOthersFromZero) {
   modMain::addExplosion({10, 20}, 2);
   modMain::createParticleField();
   for (std::size_t i = 0; i < 2; ++i) {
-    EXPECT_EQ(modMain::netParticles[i].num_, static_cast<double>(i) + 1);
-    EXPECT_EQ(modMain::explosionParticles[i].num_, static_cast<double>(i));
-    EXPECT_EQ(modMain::particles[i].num_, static_cast<double>(i));
+    EXPECT_EQ(modMain::world.netParticles[i].num_, static_cast<double>(i) + 1);
+    EXPECT_EQ(modMain::world.explosionParticles[i].num_, static_cast<double>(i));
+    EXPECT_EQ(modMain::world.particles[i].num_, static_cast<double>(i));
   }
 }
 
 TEST_F(Pools, TheNumberOfServerParticlesIsBoundedByItsType) {
-  modMain::netParticleCount = 32767;
+  modMain::world.netParticleCount = 32767;
   EXPECT_THROW(modMain::allocNetParticle(), RuntimeFault);
 }
 
@@ -121,47 +121,47 @@ TEST_F(Pools, AMoveFindsTheFirstOfItsId) {
   modMain::receiveParticleNew("b", 1, 10, 20, 0, 0);
   modMain::receiveParticlePosition("b", 50, 60);
   modMain::receiveParticlePosition("c", 70, 80);
-  EXPECT_EQ(modMain::netParticles[0].position, (Vector{10, 20}));
-  EXPECT_EQ(modMain::netParticles[1].position, (Vector{50, 60}));
-  EXPECT_EQ(modMain::netParticles[2].position, (Vector{10, 20}));
+  EXPECT_EQ(modMain::world.netParticles[0].position, (Vector{10, 20}));
+  EXPECT_EQ(modMain::world.netParticles[1].position, (Vector{50, 60}));
+  EXPECT_EQ(modMain::world.netParticles[2].position, (Vector{10, 20}));
 }
 
 TEST_F(Pools, Q121ARemovedParticleGoesOnAlongItsQueue) {
-  modMain::localPlayer.position = {50000, 50000};
+  modMain::world.localPlayer.position = {50000, 50000};
   modMain::receiveParticleNew("a", 1, 50000, 50000, 0, 0);
   modMain::receiveParticlePosition("a", 50000, 50000);
   modMain::receiveParticleRemove("a");
-  EXPECT_FALSE(modMain::netParticles[0].spawned);
+  EXPECT_FALSE(modMain::world.netParticles[0].spawned);
   modMain::receiveParticlePosition("a", 50100, 50100);
-  modMain::netParticles[0].moveNormal();
-  EXPECT_EQ(modMain::netParticles[0].position, (Vector{50100, 50100}));
+  modMain::world.netParticles[0].moveNormal();
+  EXPECT_EQ(modMain::world.netParticles[0].position, (Vector{50100, 50100}));
 }
 
 TEST_F(Pools, TheServersMessagesReachThePool) {
   login();
   serverSends(wire::msgParticleAdd, {"q1", "5", "50000", "50010", "0", "0"});
-  ASSERT_EQ(modMain::netParticleCount, 1);
-  EXPECT_EQ(modMain::netParticles[0].kind, 5);
+  ASSERT_EQ(modMain::world.netParticleCount, 1);
+  EXPECT_EQ(modMain::world.netParticles[0].kind, 5);
   serverSends(wire::msgParticleMove, {"q1", "90000", "90"});
-  EXPECT_EQ(modMain::netParticles[0].position, (Vector{90000, 90})) << "the first one snaps, however far";
-  EXPECT_TRUE(modMain::netParticles[0].positionQueue.empty());
+  EXPECT_EQ(modMain::world.netParticles[0].position, (Vector{90000, 90})) << "the first one snaps, however far";
+  EXPECT_TRUE(modMain::world.netParticles[0].positionQueue.empty());
   serverSends(wire::msgParticleRemove, {"q1"});
-  EXPECT_FALSE(modMain::netParticles[0].spawned);
+  EXPECT_FALSE(modMain::world.netParticles[0].spawned);
 }
 
 TEST_F(Pools, TheServersParticlesOutliveTheConnection) {
   login();
   serverSends(wire::msgParticleAdd, {"q1", "5", "50000", "50010", "0", "0"});
   netMan::disconnectFromServer();
-  EXPECT_EQ(modMain::netParticleCount, 1);
-  EXPECT_EQ(modMain::netParticles[0].id, "q1");
+  EXPECT_EQ(modMain::world.netParticleCount, 1);
+  EXPECT_EQ(modMain::world.netParticles[0].id, "q1");
 }
 
 TEST_F(Pools, AFieldTurnedIntoBallsKeepsDriftingAndIsNotWrapped) {
   frmMain->mnuQuarkStars.Checked = false;
-  modMain::localPlayer.position = {50000, 50000};
+  modMain::world.localPlayer.position = {50000, 50000};
   modMain::createParticleField();
-  clsParticle& particle = modMain::particles[0];
+  clsParticle& particle = modMain::world.particles[0];
   particle.init(0, 1, particle.position.x, particle.position.y);
   EXPECT_NE(particle.velocity, (Vector{0, 0}));
   particle.depth = 0;

@@ -20,7 +20,7 @@ class SlowClock : public HeadlessBackend {
 class FrameClock : public PaintTest {
  protected:
   FrameClock() {
-    modMain::mousePos = {1000, 1000};
+    modMain::world.mousePos = {1000, 1000};
     slow.pictureSource = plainSheet;
     slow.path = machine.path;
     installBackend(&slow);
@@ -36,46 +36,46 @@ class FrameClock : public PaintTest {
 
 TEST_F(FrameClock, TheAverageIsOver101Frames) {
   paint(505);
-  EXPECT_EQ(modMain::frameTimes[0], 505);
-  EXPECT_EQ(modMain::frameTime, 5) << "505 / 101";
+  EXPECT_EQ(modMain::world.frameTimes[0], 505);
+  EXPECT_EQ(modMain::world.frameTime, 5) << "505 / 101";
   paint(0);
-  EXPECT_EQ(modMain::frameTimes[0], 0);
-  EXPECT_EQ(modMain::frameTimes[1], 505);
+  EXPECT_EQ(modMain::world.frameTimes[0], 0);
+  EXPECT_EQ(modMain::world.frameTimes[1], 505);
   for (int frame = 2; frame <= 100; ++frame) paint(0);
-  EXPECT_EQ(modMain::frameTimes[100], 505);
-  EXPECT_EQ(modMain::frameTime, 5) << "still in the sum";
+  EXPECT_EQ(modMain::world.frameTimes[100], 505);
+  EXPECT_EQ(modMain::world.frameTime, 5) << "still in the sum";
   paint(0);
-  EXPECT_EQ(modMain::frameTime, 0) << "dropped";
+  EXPECT_EQ(modMain::world.frameTime, 0) << "dropped";
 }
 
 TEST_F(FrameClock, TheAverageIsRoundedToTheNearest) {
   paint(50);
-  EXPECT_EQ(modMain::frameTime, 0) << ".495";
+  EXPECT_EQ(modMain::world.frameTime, 0) << ".495";
   paint(1);
-  EXPECT_EQ(modMain::frameTime, 1) << "51 / 101 is .505";
+  EXPECT_EQ(modMain::world.frameTime, 1) << "51 / 101 is .505";
   paint(101);
-  EXPECT_EQ(modMain::frameTime, 2) << "152 / 101 is 1.505";
+  EXPECT_EQ(modMain::world.frameTime, 2) << "152 / 101 is 1.505";
 }
 
 TEST_F(FrameClock, ItClimbsToTheRealTimeOverAHundredFrames) {
   for (int frame = 0; frame < 101; ++frame) paint(20);
-  EXPECT_EQ(modMain::frameTime, 20);
+  EXPECT_EQ(modMain::world.frameTime, 20);
   EXPECT_EQ(modMain::getTimeScale(), 2);
 }
 
 TEST_F(FrameClock, Q126TheTextShowsTheAverageBeforeThisFrame) {
   paint(101 * 12);
-  EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Paint Time:000\r\n");
   paint(0);
-  EXPECT_EQ(modMain::debugText, "Paint Time:012\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Paint Time:012\r\n");
 }
 
 TEST_F(FrameClock, TheCentreMessageAgesByTheTimeScaleBeforeThisFrame) {
   modMain::showCentreMessage("abcd");
   paint(101 * 20);  // the average becomes 20, a time scale of 2
-  EXPECT_EQ(modMain::centreMessageAge, 1);
+  EXPECT_EQ(modMain::world.centreMessageAge, 1);
   paint(0);
-  EXPECT_EQ(modMain::centreMessageAge, 3);
+  EXPECT_EQ(modMain::world.centreMessageAge, 3);
 }
 
 /// Shows nothing; notes the frame time at each showing and lets time pass.
@@ -85,7 +85,7 @@ class ShowingPeer : public Peer {
   void changed(PropertyId) override {}
   void present() override {
     clock_ += 10'000'000;
-    frameTimes_.push_back(modMain::frameTime);
+    frameTimes_.push_back(modMain::world.frameTime);
   }
 
  private:
@@ -117,14 +117,14 @@ class PaintTime : public FrameClock {
     return 10'000'000;
   }
   static void addStar() {
-    modMain::particles.resize(1);
-    modMain::particles[0].position = {50000, 50000};
-    modMain::particles[0].depth = 1;
-    modMain::particleCount = 1;
+    modMain::world.particles.resize(1);
+    modMain::world.particles[0].position = {50000, 50000};
+    modMain::world.particles[0].depth = 1;
+    modMain::world.particleCount = 1;
   }
   std::int32_t paintAndMeasure() {
     modMain::paintFrame();
-    return modMain::frameTimes[0];
+    return modMain::world.frameTimes[0];
   }
   std::vector<std::int32_t> shownFrameTimes;
   bench::SurfaceRecorder recorder;

@@ -11,7 +11,7 @@ namespace {
 
 class Frames : public PaintTest {
  protected:
-  Frames() { modMain::mousePos = {1000, 1000}; }
+  Frames() { modMain::world.mousePos = {1000, 1000}; }
 };
 
 TEST_F(Frames, AnEmptyWorldStillHasBorderIconsPointerAndTexts) {
@@ -19,13 +19,13 @@ TEST_F(Frames, AnEmptyWorldStillHasBorderIconsPointerAndTexts) {
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0), RGB(255, 0, 0)) << "the world's corner: nobody has a place yet";
   EXPECT_EQ(pixelAt(canvas(), 1000.0, 1000.0).green, pointerGreen);
   EXPECT_EQ(pixelAt(canvas(), 11445 - 6 * 665 + 300.0, 9120 - 1500 + 300.0).green, iconGreen);
-  EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Paint Time:000\r\n");
   EXPECT_GT(countPixels(canvas(), cyan), 100) << "and its letters";
 }
 
 TEST_F(Frames, TheBallLiesOverThePointerAndAGhostUnderEverything) {
   clsPlayer& player = placeLocal();
-  modMain::mousePos = {5722, 4560};
+  modMain::world.mousePos = {5722, 4560};
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen);
   player.alive = false;
@@ -35,15 +35,15 @@ TEST_F(Frames, TheBallLiesOverThePointerAndAGhostUnderEverything) {
 
 TEST_F(Frames, OpponentsLieInTheOrderOfTheirSlotsUnderTheLocalPlayer) {
   placeLocal();
-  modMain::localPlayer.isConnected = false;
+  modMain::world.localPlayer.isConnected = false;
   placeOpponent(3, 50000, 50000);
   placeOpponent(2, 50000, 50000);
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen + 2);
-  modMain::opponents[1].isConnected = false;
+  modMain::world.opponents[1].isConnected = false;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen + 3) << "who has gone is not painted";
-  modMain::localPlayer.isConnected = true;
+  modMain::world.localPlayer.isConnected = true;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen);
 }
@@ -61,7 +61,7 @@ TEST_F(Frames, ADisconnectedPlayerIsNotPaintedDeadOrAlive) {
   for (const bool alive : {false, true}) {
     player.alive = alive;
     modMain::paintFrame();
-    EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
+    EXPECT_EQ(modMain::world.debugText, "Paint Time:000\r\n");
     EXPECT_EQ(player.animTick, 0);
     EXPECT_EQ(countPixels(radar(), white), radar().pixelWidth() * radar().pixelHeight());
   }
@@ -78,21 +78,21 @@ TEST_F(Frames, APlayerWhoIsCapturedDuringThePaintIsMissingFromIt) {
   modMain::paintFrame();
   ASSERT_FALSE(player.alive);
   EXPECT_EQ(player.animTick, 0);
-  EXPECT_EQ(modMain::debugText, "Paint Time:000\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Paint Time:000\r\n");
   modMain::paintFrame();
   EXPECT_EQ(player.animTick, 1) << "a ghost from the next frame on";
 }
 
 TEST_F(Frames, ThePoolsArePaintedBackgroundExplosionsNetwork) {
   placeLocal();
-  modMain::localPlayer.isConnected = false;
+  modMain::world.localPlayer.isConnected = false;
   modMain::receiveParticleNew("n", 4, 50000, 50000, 0, 0);
-  modMain::particles.resize(1);
-  clsParticle& star = modMain::particles[0];
+  modMain::world.particles.resize(1);
+  clsParticle& star = modMain::world.particles[0];
   star.type = 0;
   star.depth = 1;
   star.position = {50000 - 150, 50000 - 150};
-  modMain::particleCount = 1;
+  modMain::world.particleCount = 1;
   modMain::paintFrame();
   // The ball's cell ends at the centre; the star of radius 29 lies in it, 1 twentieth nearer to the centre.
   EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), spriteOnWhite(4, ballsGreen, 0));
@@ -107,11 +107,11 @@ TEST_F(Frames, ADeadOpponentIsPaintedToo) {
 
 TEST_F(Frames, AGhostLiesUnderTheParticles) {
   placeLocal().alive = false;
-  modMain::mousePos = {1000, 1000};
-  modMain::particles.resize(1);
-  modMain::particles[0].depth = 1;
-  modMain::particles[0].position = {50000, 50000};
-  modMain::particleCount = 1;
+  modMain::world.mousePos = {1000, 1000};
+  modMain::world.particles.resize(1);
+  modMain::world.particles[0].depth = 1;
+  modMain::world.particles[0].position = {50000, 50000};
+  modMain::world.particleCount = 1;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0), RGB(190, 190, 190));
   EXPECT_EQ(pixelAt(canvas(), 5722.0 + 200, 4560.0), exchangedOnWhite(0, playerGreen));
@@ -120,19 +120,19 @@ TEST_F(Frames, AGhostLiesUnderTheParticles) {
 TEST_F(Frames, ExplosionsLieOverTheFieldAndUnderTheServersParticles) {
   machine.seconds = 0.5;  // rounds to 0, the one time at which they are drawn
   placeLocal(30000, 50000);
-  modMain::particles.resize(1);
-  modMain::particles[0].depth = 1;
-  modMain::particles[0].position = {31000, 50000};
-  modMain::particleCount = 1;
+  modMain::world.particles.resize(1);
+  modMain::world.particles[0].depth = 1;
+  modMain::world.particles[0].position = {31000, 50000};
+  modMain::world.particleCount = 1;
   const double star = 5722 + .95 * 1000;  // pulled by a twentieth
   modMain::paintFrame();
   ASSERT_EQ(pixelAt(canvas(), star, 4560.0), RGB(190, 190, 190));
   modMain::addExplosion({31100, 50100}, 1);
-  modMain::explosionParticles[0].kind = 2;
+  modMain::world.explosionParticles[0].kind = 2;
   modMain::paintFrame();
   ASSERT_EQ(pixelAt(canvas(), star, 4560.0).red, 16 * 3) << "the explosion's ball, over the star";
   modMain::receiveParticleNew("n", 6, 31100, 50100, 0, 0);
-  modMain::explosionParticles[0].blink = false;
+  modMain::world.explosionParticles[0].blink = false;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), star, 4560.0).red, 16 * 7) << "the server's, over both";
 }
@@ -165,7 +165,7 @@ TEST_F(Frames, TheIconsLieOverTheBorder) {
 
 TEST_F(Frames, ThePointerLiesOverTheIcons) {
   placeLocal();
-  modMain::mousePos = {7700, 7900};
+  modMain::world.mousePos = {7700, 7900};
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 7700.0, 7900.0).green, pointerGreen);
 }
@@ -178,7 +178,7 @@ class FrameTexts : public Frames {
     // ball round 1500.
     canvas().Height = 3000;
     placeLocal(30000, 50000);
-    for (ChatLine& line : modMain::chatLines) line = {std::string(90, 'x'), RGB(255, 255, 255), 9};
+    for (ChatLine& line : modMain::world.chatLines) line = {std::string(90, 'x'), RGB(255, 255, 255), 9};
   }
   ~FrameTexts() override { Surface::setGlyphSource(nullptr); }
   Blocks blocks;
@@ -238,24 +238,24 @@ TEST_F(Frames, EachFrameIsShownOnceOnEachSurface) {
 
 TEST_F(Frames, TheSpareParticlesLieOverTheBackgroundAndUnderTheExplosions) {
   placeLocal();
-  modMain::localPlayer.isConnected = false;
+  modMain::world.localPlayer.isConnected = false;
   frmMain->mnuQuarkStars.Checked = false;
-  modMain::particles.resize(1);
-  clsParticle& quark = modMain::particles[0];
+  modMain::world.particles.resize(1);
+  clsParticle& quark = modMain::world.particles[0];
   quark.depth = 1;
   quark.position = {50000 - 150, 50000 - 150};
   quark.red = 255;
-  modMain::particleCount = 1;
-  modMain::spareParticles = modMain::particles;
-  modMain::spareParticles[0].red = 0;
-  modMain::spareParticles[0].green = 255;
-  modMain::spareParticleCount = 1;
+  modMain::world.particleCount = 1;
+  modMain::world.spareParticles = modMain::world.particles;
+  modMain::world.spareParticles[0].red = 0;
+  modMain::world.spareParticles[0].green = 255;
+  modMain::world.spareParticleCount = 1;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), RGB(0, 245, 0)) << "dimmed by 10 for its depth";
 
   machine.seconds = 0;  // the one time of day at which an explosion is seen
   modMain::addExplosion({50000, 50000}, 1);
-  modMain::explosionParticles[0].kind = 4;
+  modMain::world.explosionParticles[0].kind = 4;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), RGB(16 * 5, ballsGreen, 0)) << "its ball, kind 4";
 }
@@ -263,40 +263,41 @@ TEST_F(Frames, TheSpareParticlesLieOverTheBackgroundAndUnderTheExplosions) {
 TEST_F(Frames, Q123AParticleThatLeavesSkipsTheNextOne) {
   placeLocal();
   modMain::addExplosion({50000, 50000}, 3);
-  for (clsParticle& particle : modMain::explosionParticles) particle.age = 5;
-  modMain::explosionParticles[0].age = 10;
+  for (clsParticle& particle : modMain::world.explosionParticles) particle.age = 5;
+  modMain::world.explosionParticles[0].age = 10;
   modMain::paintFrame();
-  ASSERT_EQ(modMain::explosionCount, 2);
-  EXPECT_EQ(modMain::explosionParticles[0].age, 5) << "it stands where the first one was: skipped";
-  EXPECT_EQ(modMain::explosionParticles[1].age, 6);
-  EXPECT_EQ(modMain::explosionParticles[0].num_, 0);
-  EXPECT_EQ(modMain::explosionParticles[1].num_, 1);
+  ASSERT_EQ(modMain::world.explosionCount, 2);
+  EXPECT_EQ(modMain::world.explosionParticles[0].age, 5) << "it stands where the first one was: skipped";
+  EXPECT_EQ(modMain::world.explosionParticles[1].age, 6);
+  EXPECT_EQ(modMain::world.explosionParticles[0].num_, 0);
+  EXPECT_EQ(modMain::world.explosionParticles[1].num_, 1);
 }
 
 TEST_F(Frames, TheDebugTextOfANormalFrame) {
   placeLocal(12345.75F, 500).breaksOn = true;
-  modMain::frameTime = 7;
+  modMain::world.frameTime = 7;
   modMain::paintFrame();
-  EXPECT_EQ(modMain::debugText, "Location: 12.346   .500\r\nBreaks on, right-click to release\r\nPaint Time:007\r\n");
-  modMain::localPlayer.breaksOn = false;
+  EXPECT_EQ(modMain::world.debugText,
+            "Location: 12.346   .500\r\nBreaks on, right-click to release\r\nPaint Time:007\r\n");
+  modMain::world.localPlayer.breaksOn = false;
   modMain::paintFrame();
-  EXPECT_EQ(modMain::debugText, "Location: 12.346   .500\r\nPaint Time:000\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Location: 12.346   .500\r\nPaint Time:000\r\n");
 }
 
 TEST_F(Frames, Q220TheBrakesAreSpeltBreaks) {
-  EXPECT_EQ(modMain::tips[0], "Right-Click to release or engage breaks");
+  EXPECT_EQ(modMain::world.tips[0], "Right-Click to release or engage breaks");
   clsPlayer& player = placeLocal();
   player.breaksOn = false;
   player.toggleBreaks();
   EXPECT_TRUE(player.breaksOn);
   modMain::paintFrame();
-  EXPECT_NE(modMain::debugText.find("\r\nBreaks on, right-click to release\r\n"), std::string::npos);
+  EXPECT_NE(modMain::world.debugText.find("\r\nBreaks on, right-click to release\r\n"), std::string::npos);
 }
 
 TEST_F(Frames, ADeadLocalPlayerStillHasHisLocationLine) {
   placeLocal(1000, 2000).alive = false;
   modMain::paintFrame();
-  EXPECT_EQ(modMain::debugText, "Location: 1.000   2.000\r\nPaint Time:000\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Location: 1.000   2.000\r\nPaint Time:000\r\n");
 }
 
 // Time passes whenever a glyph is asked for, so in the text layers alone.
@@ -318,7 +319,7 @@ TEST_F(Frames, Q139TheTextsAreNotPartOfTheMeasuredTime) {
   modMain::paintFrame();
   Surface::setGlyphSource(nullptr);
   EXPECT_GT(machine.ticks, before + 1000) << "the debug text took its time";
-  EXPECT_EQ(modMain::frameTimes[0], 0);
+  EXPECT_EQ(modMain::world.frameTimes[0], 0);
 }
 
 }  // namespace

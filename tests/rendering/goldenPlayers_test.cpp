@@ -126,7 +126,7 @@ TEST_F(GoldenPlayers, TheArrowsOfEachColour) {
 }
 
 TEST_F(GoldenPlayers, TheRadar) {
-  clsPlayer& local = modMain::localPlayer;
+  clsPlayer& local = modMain::world.localPlayer;
   local.position = {25000, 50000};
   const Vector places[] = {{10000, 10000}, {50000, 20000}, {90000, 10000}, {75000, 75000}, {100000, 100000}};
   for (std::int16_t i = 0; i < 5; ++i) placeOpponent(static_cast<std::int16_t>(i + 1), places[i].x, places[i].y);
@@ -134,7 +134,7 @@ TEST_F(GoldenPlayers, TheRadar) {
   std::vector<Picture> pictures;
   for (const bool alive : {true, false}) {
     radar().Cls();
-    for (clsPlayer& player : modMain::opponents) player.paintSelf();
+    for (clsPlayer& player : modMain::world.opponents) player.paintSelf();
     local.alive = alive;
     local.paintSelf();
     pictures.push_back(cropped(radar(), {0, 0, 117, 93}));

@@ -32,13 +32,13 @@ TEST_F(GoldenTails, LengthsAndAgesInEachColour) {
   for (int frame = 0; frame < 100; ++frame) {
     tick(20);
     for (int colour = 0; colour < 6; ++colour) {
-      clsPlayer& player = modMain::opponents[static_cast<std::size_t>(colour)];
+      clsPlayer& player = modMain::world.opponents[static_cast<std::size_t>(colour)];
       if (frame >= 100 - lengths[colour]) lay(player, 700 - 4 * (100 - frame), 100 + 30 * colour + frame % 2 * 6);
       if (frame < 99) player.paintSelf();
     }
   }
   canvas().Cls();
-  for (clsPlayer& player : modMain::opponents) player.paintSelf();
+  for (clsPlayer& player : modMain::world.opponents) player.paintSelf();
   // The newest vertex is 0 old, the one laid 50 frames before 100: blue and purple at the end of their segments.
   EXPECT_EQ(pixelAt(canvas(), 700 - 4 * 1 - 1, 100 + 30 * 5 + 5), RGB(255, 0, 255));
   EXPECT_EQ(pixelAt(canvas(), 700 - 4 * 51 - 1, 100 + 30 * 5 + 5), RGB(155, 0, 155));

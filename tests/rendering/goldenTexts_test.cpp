@@ -40,7 +40,7 @@ TEST_F(GoldenTexts, TheCentreMessageAtSeveralAges) {
   modMain::showCentreMessage("Bob caught Ann!");
   for (const std::int16_t age : std::to_array<std::int16_t>({1, 64, 128, 200, 250, 251})) {
     canvas().Cls();
-    modMain::centreMessageAge = static_cast<std::int16_t>(age - 1);
+    modMain::world.centreMessageAge = static_cast<std::int16_t>(age - 1);
     modMain::paintCentreMessage();
     pictures.push_back(cropped(canvas(), {260, 265, 190, 26}));
     const int inked = 763 * 608 - countPixels(canvas(), {});
@@ -51,7 +51,7 @@ TEST_F(GoldenTexts, TheCentreMessageAtSeveralAges) {
 }
 
 TEST_F(GoldenTexts, TheIconsWithTheirNumbers) {
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
   for (std::size_t i = 0; i < 6; ++i) player.powerups[i].count = static_cast<std::int16_t>(i == 5 ? 12 : i);
   const Colour under = RGB(40, 40, 40);
   clearTo(under);

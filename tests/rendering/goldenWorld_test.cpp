@@ -10,19 +10,19 @@ namespace {
 class GoldenWorld : public GoldenPainting {};
 
 TEST_F(GoldenWorld, TheBordersPulse) {
-  modMain::localPlayer.position = {0, 0};
+  modMain::world.localPlayer.position = {0, 0};
   std::vector<Picture> pictures;
   for (int level = 1; level <= 4; ++level) {
     canvas().Cls();
-    for (int frame = 0; frame < 10 && (frame == 0 || modMain::borderWidth != level); ++frame) {
+    for (int frame = 0; frame < 10 && (frame == 0 || modMain::world.borderWidth != level); ++frame) {
       modMain::paintWorldBorder();
     }
-    ASSERT_EQ(modMain::borderWidth, level);
+    ASSERT_EQ(modMain::world.borderWidth, level);
     canvas().Cls();
-    const auto counter = modMain::borderCounter;
+    const auto counter = modMain::world.borderCounter;
     modMain::paintWorldBorder();
-    ASSERT_EQ(modMain::borderWidth, level);
-    modMain::borderCounter = counter;
+    ASSERT_EQ(modMain::world.borderWidth, level);
+    modMain::world.borderCounter = counter;
     pictures.push_back(cropped(canvas(), {371, 294, 40, 40}));
   }
   // Eight wide round pixel row 304, moved half a pixel up: 300 to 307.
@@ -41,10 +41,10 @@ TEST_F(GoldenWorld, TheTwelvePointers) {
   std::vector<Picture> pictures;
   for (int cell = 0; cell < 12; ++cell) {
     clearTo(under);
-    modMain::mousePos = {5722 + places[cell].x, 4560 + places[cell].y};
+    modMain::world.mousePos = {5722 + places[cell].x, 4560 + places[cell].y};
     modMain::paintPointer();
-    const int left = toPixels(modMain::mousePos.x - 183);
-    const int top = toPixels(modMain::mousePos.y - 183);
+    const int left = toPixels(modMain::world.mousePos.x - 183);
+    const int top = toPixels(modMain::world.mousePos.y - 183);
     pictures.push_back(cropped(canvas(), {left, top, 24, 24}));
     // A cell begins at 367 twips times its number, and its matte 367 below.
     const int x = toPixels(367.0 * cell) + 12;

@@ -29,8 +29,8 @@ class MessageText : public PaintTest {
 
 TEST_F(MessageText, TheDebugTextHasTheCanvassOwnSize) {
   canvas().FontSize = 11;
-  modMain::chatLines[6] = {"x", RGB(255, 255, 255), 16};
-  modMain::debugText = "xx\r\n";
+  modMain::world.chatLines[6] = {"x", RGB(255, 255, 255), 16};
+  modMain::world.debugText = "xx\r\n";
   modMain::paintTextLines();
   EXPECT_EQ(pixelAt(canvas(), 4 + 21, 0), RGB(0, 255, 255));
   EXPECT_EQ(pixelAt(canvas(), 4 + 22, 0), Colour{}) << "two characters of 11";
@@ -52,7 +52,7 @@ TEST_F(MessageText, TheCentreMessageIsMeasuredInTheLabelsFont) {
 TEST_F(MessageText, Q264AColourOfBlackIsPaintedGrey) {
   for (std::uint8_t channel = 0; channel < 3; ++channel) fontMan::setFontColour(0, channel, 0);
   printChat("x", 0);
-  EXPECT_EQ(modMain::chatLines[0].colour, Colour{});
+  EXPECT_EQ(modMain::world.chatLines[0].colour, Colour{});
   modMain::paintTextLines();
   EXPECT_EQ(pixelAt(canvas(), 60.0, 8720.0), RGB(50, 50, 50));
 }

@@ -61,22 +61,23 @@ PaintTest::PaintTest() {
 }
 
 clsPlayer& PaintTest::placeLocal(float x, float y) {
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
   player.init(0, -1, 7, "Ann");
   player.position = {x, y};
   player.awaitingFirstPosition = false;
   player.breaksOn = false;
-  modMain::particleCount = 0;
-  modMain::particles.clear();
+  modMain::world.particleCount = 0;
+  modMain::world.particles.clear();
   return player;
 }
 
 clsPlayer& PaintTest::placeOpponent(std::int16_t colour, float x, float y) {
-  clsPlayer& player = modMain::opponents.emplace_back();
-  player.init(colour, modMain::opponentCount, static_cast<std::int16_t>(20 + modMain::opponentCount), "Bob");
+  clsPlayer& player = modMain::world.opponents.emplace_back();
+  player.init(colour, modMain::world.opponentCount, static_cast<std::int16_t>(20 + modMain::world.opponentCount),
+              "Bob");
   player.position = {x, y};
   player.awaitingFirstPosition = false;
-  ++modMain::opponentCount;
+  ++modMain::world.opponentCount;
   return player;
 }
 

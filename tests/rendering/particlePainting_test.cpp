@@ -12,7 +12,7 @@ class ParticlePainting : public PaintTest {
     canvas().BackColor = RGB(0, 0, 0);
     canvas().Cls();
     placeLocal();
-    modMain::explosionParticles.reserve(16);
+    modMain::world.explosionParticles.reserve(16);
   }
   /// A background particle that would stand at a place of the canvas without the shift.
   clsParticle background(std::int16_t depth, double x, double y) {
@@ -112,7 +112,7 @@ TEST_F(ParticlePainting, TheCanvasTestComesAfterTheShift) {
 
 TEST_F(ParticlePainting, OutsideTheWorldABackgroundParticleIsNotDrawn) {
   for (const Vector& corner : {Vector{0, 0}, Vector{100000, 100000}}) {
-    modMain::localPlayer.position = corner;
+    modMain::world.localPlayer.position = corner;
     clsParticle particle = background(1, 0, 0);
     particle.position = corner;
     canvas().Cls();
@@ -158,7 +158,7 @@ TEST_F(ParticlePainting, ABallHasNoShiftAndTheBoundsAreOnTheCanvas) {
 TEST_F(ParticlePainting, ABallIsDrawnOutsideTheWorldToo) {
   machine.seconds = 0;  // the one time of day at which an explosion is seen
   for (const Vector& corner : {Vector{0, 0}, Vector{100000, 100000}}) {
-    modMain::localPlayer.position = corner;
+    modMain::world.localPlayer.position = corner;
     const float out = corner.x == 0 ? -500.0F : 500.0F;
     for (const Vector& step : {Vector{out, 0}, Vector{0, out}}) {
       for (const ParticleType type : {ParticleType::Network, ParticleType::Explosion}) {
@@ -175,8 +175,8 @@ TEST_F(ParticlePainting, ABallIsDrawnOutsideTheWorldToo) {
 TEST_F(ParticlePainting, Q121ARemovedBallIsPaintedAllTheSame) {
   modMain::receiveParticleNew("n", 3, 50000, 50000, 0, 0);
   modMain::receiveParticleRemove("n");
-  ASSERT_FALSE(modMain::netParticles[0].spawned);
-  modMain::netParticles[0].paintSelf();
+  ASSERT_FALSE(modMain::world.netParticles[0].spawned);
+  modMain::world.netParticles[0].paintSelf();
   EXPECT_FALSE(isEmpty());
 }
 
@@ -191,30 +191,30 @@ TEST_F(ParticlePainting, AReservedParticleDrawsNothing) {
 TEST_F(ParticlePainting, Q119AnExplosionParticleLivesElevenPaintsUnseen) {
   modMain::addExplosion({50000, 50000}, 2);
   for (int paint = 1; paint <= 10; ++paint) {
-    modMain::explosionParticles[0].paintSelf();
-    ASSERT_EQ(modMain::explosionCount, 2) << paint;
+    modMain::world.explosionParticles[0].paintSelf();
+    ASSERT_EQ(modMain::world.explosionCount, 2) << paint;
   }
-  modMain::explosionParticles[0].paintSelf();
-  EXPECT_EQ(modMain::explosionCount, 1);
-  EXPECT_EQ(modMain::explosionParticles[0].num_, 0);
+  modMain::world.explosionParticles[0].paintSelf();
+  EXPECT_EQ(modMain::world.explosionCount, 1);
+  EXPECT_EQ(modMain::world.explosionParticles[0].num_, 0);
   EXPECT_TRUE(isEmpty());
 }
 
 TEST_F(ParticlePainting, AnExplosionParticleAgesOffTheCanvasToo) {
   modMain::addExplosion({10000, 10000}, 1);
   for (int paint = 1; paint <= 10; ++paint) {
-    modMain::explosionParticles[0].paintSelf();
-    ASSERT_EQ(modMain::explosionParticles[0].age, paint);
-    EXPECT_EQ(modMain::explosionParticles[0].blink, paint % 2 == 1);
+    modMain::world.explosionParticles[0].paintSelf();
+    ASSERT_EQ(modMain::world.explosionParticles[0].age, paint);
+    EXPECT_EQ(modMain::world.explosionParticles[0].blink, paint % 2 == 1);
   }
-  modMain::explosionParticles[0].paintSelf();
-  EXPECT_EQ(modMain::explosionCount, 0);
+  modMain::world.explosionParticles[0].paintSelf();
+  EXPECT_EQ(modMain::world.explosionCount, 0);
 }
 
 TEST_F(ParticlePainting, Q119InTheHalfSecondOfMidnightItBlinks) {
   canvas().BackColor = RGB(255, 255, 255);
   modMain::addExplosion({50000, 50000}, 1);
-  clsParticle& particle = modMain::explosionParticles[0];
+  clsParticle& particle = modMain::world.explosionParticles[0];
   particle.kind = 3;
   machine.seconds = 0.5;  // rounds to 0, ties to even
   const auto colourNow = [&] {

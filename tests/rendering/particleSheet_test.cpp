@@ -30,11 +30,11 @@ TEST_F(ParticleSheet, TheCellsSizeIsRoundedDown) {
 
 TEST_F(ParticleSheet, TheParticleWhoseTimeIsUpLeavesAndNoOther) {
   for (float x = 0; x < 3; ++x) modMain::addExplosion({50000 + x, 50000}, 1);
-  modMain::explosionParticles[1].age = 10;
-  modMain::explosionParticles[1].paintSelf();
-  ASSERT_EQ(modMain::explosionCount, 2);
-  EXPECT_EQ(modMain::explosionParticles[0].position.x, 50000);
-  EXPECT_EQ(modMain::explosionParticles[1].position.x, 50002);
+  modMain::world.explosionParticles[1].age = 10;
+  modMain::world.explosionParticles[1].paintSelf();
+  ASSERT_EQ(modMain::world.explosionCount, 2);
+  EXPECT_EQ(modMain::world.explosionParticles[0].position.x, 50000);
+  EXPECT_EQ(modMain::world.explosionParticles[1].position.x, 50002);
 }
 
 }  // namespace

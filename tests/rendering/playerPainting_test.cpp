@@ -114,12 +114,12 @@ TEST_F(PlayerPainting, ACellLastsTenFramesAtTimeScaleOne) {
 }
 
 TEST_F(PlayerPainting, ACellLastsShorterAtAHigherTimeScale) {
-  modMain::frameTime = 25;  // 10 / 2.5 = 4 frames
+  modMain::world.frameTime = 25;  // 10 / 2.5 = 4 frames
   EXPECT_EQ(cellAfter(*local, 3), 0);
   EXPECT_EQ(cellAfter(*local, 1), 1);
-  modMain::frameTime = 100;
+  modMain::world.frameTime = 100;
   EXPECT_EQ(cellAfter(*local, 1), 2) << "every frame";
-  modMain::frameTime = 1000;
+  modMain::world.frameTime = 1000;
   EXPECT_EQ(cellAfter(*local, 1), 3);
 }
 
@@ -150,7 +150,7 @@ TEST_F(PlayerPainting, TheLocalBallIsNeverOutOfSight) {
   canvas().Height.adopt(-30);
   local->paintSelf();
   EXPECT_EQ(local->animTick, 1);
-  EXPECT_EQ(modMain::debugText, "Location: 50.000   50.000\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Location: 50.000   50.000\r\n");
   clsPlayer& other = placeOpponent(3, 50000, 50000);
   other.paintSelf();
   EXPECT_EQ(other.animTick, 0) << "out of sight at the same place";
@@ -278,13 +278,13 @@ TEST_F(PlayerPainting, OpponentsHaveNoCrosshair) {
 }
 
 TEST_F(PlayerPainting, OnlyTheLocalPlayerWritesHisLines) {
-  modMain::debugText.clear();
+  modMain::world.debugText.clear();
   placeOpponent(1, 50000, 50000).paintSelf();
-  EXPECT_EQ(modMain::debugText, "");
+  EXPECT_EQ(modMain::world.debugText, "");
   local->position = {12345.75F, 99999};
   local->breaksOn = true;
   local->paintSelf();
-  EXPECT_EQ(modMain::debugText, "Location: 12.346   99.999\r\nBreaks on, right-click to release\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Location: 12.346   99.999\r\nBreaks on, right-click to release\r\n");
 }
 
 }  // namespace

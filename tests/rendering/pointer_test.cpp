@@ -15,13 +15,13 @@ class Pointer : public PaintTest {
     const double radians = angle * 6.283185308 / 350;
     const double across = 3000 * std::sin(radians) * (quadrant == 1 || quadrant == 4 ? 1 : -1);
     const double down = 3000 * std::cos(radians) * (quadrant == 3 || quadrant == 4 ? 1 : -1);
-    modMain::mousePos = {static_cast<float>(5722 + across), static_cast<float>(4560 + down)};
+    modMain::world.mousePos = {static_cast<float>(5722 + across), static_cast<float>(4560 + down)};
   }
   /// The cell of the sheet that is seen at the mouse, from the image's red; the matte's blue must agree.
   int paintedFrame() {
     canvas().Cls();
     modMain::paintPointer();
-    const Colour colour = pixelAt(canvas(), modMain::mousePos.x, modMain::mousePos.y);
+    const Colour colour = pixelAt(canvas(), modMain::world.mousePos.x, modMain::world.mousePos.y);
     EXPECT_EQ(colour.green, pointerGreen);
     EXPECT_EQ(colour.red, colour.blue) << "image and matte come from the same column";
     return colour.red / 16 - 1;
@@ -42,7 +42,7 @@ TEST_P(PointerTable, Q128TheFrameFollowsTheBandsOfTheQuadrant) {
     for (const double angle : angles[band]) {
       point(angle, quadrant);
       EXPECT_EQ(paintedFrame(), frames[band]) << "quadrant " << quadrant << ", angle " << angle;
-      EXPECT_EQ(modMain::steerQuadrant, quadrant);
+      EXPECT_EQ(modMain::world.steerQuadrant, quadrant);
     }
   }
 }
@@ -63,19 +63,19 @@ TEST_P(PointerTable, AnAngleOnABoundFallsInTheBandAbove) {
 
 TEST_F(Pointer, TheMouseCanStandAtExactlyForty) {
   // 1091 to the right and 1248.75 up.
-  modMain::mousePos = {6813, 3311.25F};
-  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::mousePos).angle, 40);
+  modMain::world.mousePos = {6813, 3311.25F};
+  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::world.mousePos).angle, 40);
   EXPECT_EQ(paintedFrame(), 2);
-  EXPECT_EQ(modMain::steerQuadrant, 1);
+  EXPECT_EQ(modMain::world.steerQuadrant, 1);
 }
 
 TEST_F(Pointer, AHalfIsRoundedToTheEvenAngle) {
-  modMain::mousePos = {5872.25F, 3583};
-  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::mousePos).angle, 8.5F);
+  modMain::world.mousePos = {5872.25F, 3583};
+  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::world.mousePos).angle, 8.5F);
   modMain::paintPointer();
   EXPECT_EQ(modMain::getSteerAngle(), 8);
-  modMain::mousePos = {6008.25F, 4481};
-  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::mousePos).angle, 72.5F);
+  modMain::world.mousePos = {6008.25F, 4481};
+  ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::world.mousePos).angle, 72.5F);
   modMain::paintPointer();
   EXPECT_EQ(modMain::getSteerAngle(), 72);
 }
@@ -90,24 +90,24 @@ TEST_F(Pointer, TheSteeringAngleIsRounded) {
 }
 
 TEST_F(Pointer, TheMouseOnTheCentrePointsUp) {
-  modMain::mousePos = {5722, 4560};
+  modMain::world.mousePos = {5722, 4560};
   EXPECT_EQ(paintedFrame(), 0);
-  EXPECT_EQ(modMain::steerAngle, 0);
-  EXPECT_EQ(modMain::steerQuadrant, 1);
+  EXPECT_EQ(modMain::world.steerAngle, 0);
+  EXPECT_EQ(modMain::world.steerQuadrant, 1);
 }
 
 TEST_F(Pointer, Q091StraightLeftAndStraightBelowPointTheWrongWay) {
-  modMain::mousePos = {5722 + 4000, 4560};
+  modMain::world.mousePos = {5722 + 4000, 4560};
   EXPECT_EQ(paintedFrame(), 3);
-  modMain::mousePos = {5722 - 4000, 4560};
+  modMain::world.mousePos = {5722 - 4000, 4560};
   EXPECT_EQ(paintedFrame(), 3) << "to the right";
-  modMain::mousePos = {5722, 4560 + 4000};
+  modMain::world.mousePos = {5722, 4560 + 4000};
   EXPECT_EQ(paintedFrame(), 0) << "up";
-  EXPECT_EQ(modMain::steerQuadrant, 1);
+  EXPECT_EQ(modMain::world.steerQuadrant, 1);
 }
 
 TEST_F(Pointer, TheSpriteLiesRoundTheMouse) {
-  modMain::mousePos = {3000, 3000};
+  modMain::world.mousePos = {3000, 3000};
   modMain::paintPointer();
   // A cell is 367 by 367 twips and begins 183 before the mouse: 2817, pixel 188; 24 pixels.
   EXPECT_EQ(pixelAt(canvas(), 187, 200), white);
@@ -118,7 +118,7 @@ TEST_F(Pointer, TheSpriteLiesRoundTheMouse) {
 }
 
 TEST_F(Pointer, TheDirectionalLineFollowsTheMenu) {
-  modMain::mousePos = {5722 + 3000, 4560};
+  modMain::world.mousePos = {5722 + 3000, 4560};
   canvas().BackColor = RGB(0, 0, 0);
   const auto isLineDrawn = [this] {
     canvas().Cls();
@@ -143,12 +143,12 @@ TEST_F(Pointer, TheDirectionalLineFollowsTheMenu) {
   EXPECT_FALSE(isLineDrawn()) << "no button is held";
   frmMain->canvas.MouseMove(1, 0, 5722 + 3000, 4560);
   ASSERT_TRUE(frmMain->isLockMouse());
-  modMain::mousePos = {5722 + 3000, 4560};
+  modMain::world.mousePos = {5722 + 3000, 4560};
   EXPECT_TRUE(isLineDrawn());
 }
 
 TEST_F(Pointer, TheLineLiesUnderTheSprite) {
-  modMain::mousePos = {5722 + 3000, 4560};
+  modMain::world.mousePos = {5722 + 3000, 4560};
   frmMain->mnuDirLineAlways.Checked = true;
   EXPECT_EQ(paintedFrame(), 3) << "no white shows through";
 }

@@ -20,7 +20,7 @@ class ScreenMessages : public PaintTest {
   /// The first pixel of the line's first character; line 0 is the newest.
   Colour lineColour(int line) { return pixelAt(canvas(), 60.0, 9120 - 400.0 * (line + 1)); }
   void setLine(std::size_t index, Colour colour, std::int16_t size = 9) {
-    modMain::chatLines[index] = {"xx", colour, size};
+    modMain::world.chatLines[index] = {"xx", colour, size};
   }
   Blocks blocks;
 };
@@ -82,10 +82,10 @@ TEST_F(ScreenMessages, TheRememberedSizeIsAWholeNumber) {
 }
 
 TEST_F(ScreenMessages, TheDebugTextRunsDownFromTheTopInCyan) {
-  modMain::debugText.clear();
+  modMain::world.debugText.clear();
   modMain::addDebugText("one");
   modMain::addDebugText("two");
-  EXPECT_EQ(modMain::debugText, "one\r\ntwo\r\n");
+  EXPECT_EQ(modMain::world.debugText, "one\r\ntwo\r\n");
   modMain::paintTextLines();
   EXPECT_EQ(pixelAt(canvas(), 4, 0), cyan);
   EXPECT_EQ(pixelAt(canvas(), 4, 14), cyan);
@@ -97,7 +97,7 @@ TEST_F(ScreenMessages, TheDebugTextRunsDownFromTheTopInCyan) {
 TEST_F(ScreenMessages, OnAShortCanvasTheUpperLinesAreCut) {
   canvas().Height = 1000;
   for (std::size_t i = 0; i < 7; ++i) setLine(i, RGB(255, 255, 255));
-  modMain::debugText.clear();
+  modMain::world.debugText.clear();
   modMain::paintTextLines();
   EXPECT_NE(pixelAt(canvas(), 60.0, 600.0), Colour{});
   EXPECT_NE(pixelAt(canvas(), 60.0, 200.0), Colour{});
@@ -129,34 +129,34 @@ TEST_F(ScreenMessages, TheCentreMessageIsThreePointsLarger) {
 TEST_F(ScreenMessages, TheCentreMessageFadesAndEnds) {
   modMain::showCentreMessage("abcd");
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::centreMessageAge, 1);
-  modMain::centreMessageAge = 249;
+  EXPECT_EQ(modMain::world.centreMessageAge, 1);
+  modMain::world.centreMessageAge = 249;
   canvas().Cls();
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::centreMessageAge, 250);
+  EXPECT_EQ(modMain::world.centreMessageAge, 250);
   EXPECT_EQ(pixelAt(canvas(), 321, 271), RGB(0, 5, 0));
   canvas().Cls();
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::centreMessageAge, 251);
+  EXPECT_EQ(modMain::world.centreMessageAge, 251);
   EXPECT_EQ(pixelAt(canvas(), 321, 271), Colour{});
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::centreMessageAge, 251) << "it ages no more";
+  EXPECT_EQ(modMain::world.centreMessageAge, 251) << "it ages no more";
 }
 
 TEST_F(ScreenMessages, TheMessagesAgeGrowsByTheTimeScaleRoundedToEven) {
   modMain::showCentreMessage("abcd");
-  modMain::frameTime = 15;
+  modMain::world.frameTime = 15;
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::centreMessageAge, 2) << "1.5";
+  EXPECT_EQ(modMain::world.centreMessageAge, 2) << "1.5";
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::centreMessageAge, 4) << "3.5";
-  modMain::frameTime = 25;
+  EXPECT_EQ(modMain::world.centreMessageAge, 4) << "3.5";
+  modMain::world.frameTime = 25;
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::centreMessageAge, 6) << "6.5";
-  modMain::centreMessageAge = 1;
-  modMain::frameTime = 15;
+  EXPECT_EQ(modMain::world.centreMessageAge, 6) << "6.5";
+  modMain::world.centreMessageAge = 1;
+  modMain::world.frameTime = 15;
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::centreMessageAge, 2) << "2.5";
+  EXPECT_EQ(modMain::world.centreMessageAge, 2) << "2.5";
 }
 
 TEST_F(ScreenMessages, ANewMessageIsAtFullBrightnessAtOnce) {

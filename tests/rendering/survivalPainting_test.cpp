@@ -12,12 +12,12 @@ class SurvivalPainting : public PaintTest {
  protected:
   SurvivalPainting() {
     local = &placeLocal();
-    modMain::survivalMode = true;
-    modMain::survivalOrigin = {50000, 50000};
+    modMain::world.survivalMode = true;
+    modMain::world.survivalOrigin = {50000, 50000};
   }
   void paint() {
     canvas().Cls();
-    modMain::debugText.clear();
+    modMain::world.debugText.clear();
     local->paintSelf();
   }
   clsPlayer* local;
@@ -46,7 +46,7 @@ TEST_F(SurvivalPainting, TheBallLiesOverTheLine) {
 TEST_F(SurvivalPainting, TheRecordStandsAboveTheOtherLines) {
   local->position = {53000, 54000};
   paint();
-  EXPECT_EQ(modMain::debugText, "Survival Max Distance: 5000\r\nLocation: 53.000   54.000\r\n");
+  EXPECT_EQ(modMain::world.debugText, "Survival Max Distance: 5000\r\nLocation: 53.000   54.000\r\n");
 }
 
 TEST_F(SurvivalPainting, TheRecordNeverDecreases) {
@@ -57,52 +57,52 @@ TEST_F(SurvivalPainting, TheRecordNeverDecreases) {
   for (const auto& row : rows) {
     local->position = {row.x, 50000};
     paint();
-    EXPECT_EQ(modMain::survivalMaxDistance, row.record) << row.x;
+    EXPECT_EQ(modMain::world.survivalMaxDistance, row.record) << row.x;
   }
-  EXPECT_TRUE(modMain::debugText.starts_with("Survival Max Distance: 1000.5\r\n"));
+  EXPECT_TRUE(modMain::world.debugText.starts_with("Survival Max Distance: 1000.5\r\n"));
 }
 
 TEST_F(SurvivalPainting, TheStartIsTheWorldsCornerUnlessSet) {
-  modMain::survivalOrigin = {};
+  modMain::world.survivalOrigin = {};
   local->position = {300, 400};
   paint();
-  EXPECT_EQ(modMain::survivalMaxDistance, 500);
+  EXPECT_EQ(modMain::world.survivalMaxDistance, 500);
 }
 
 TEST_F(SurvivalPainting, Q153TheMoveAloneMakesNoRecord) {
   local->position = {60000, 50000};
   local->move();
-  EXPECT_EQ(modMain::survivalMaxDistance, 0);
+  EXPECT_EQ(modMain::world.survivalMaxDistance, 0);
   local->position = {60000, 50000};
   paint();
-  EXPECT_EQ(modMain::survivalMaxDistance, 10000);
+  EXPECT_EQ(modMain::world.survivalMaxDistance, 10000);
 }
 
 TEST_F(SurvivalPainting, WhileItIsOffThereIsNeitherTextNorLine) {
-  modMain::survivalMode = false;
+  modMain::world.survivalMode = false;
   local->position = {53000, 50000};
   paint();
   EXPECT_EQ(countPixels(canvas(), tie), 0);
-  EXPECT_EQ(modMain::debugText, "Location: 53.000   50.000\r\n");
-  EXPECT_EQ(modMain::survivalMaxDistance, 0);
+  EXPECT_EQ(modMain::world.debugText, "Location: 53.000   50.000\r\n");
+  EXPECT_EQ(modMain::world.survivalMaxDistance, 0);
 }
 
 TEST_F(SurvivalPainting, OpponentsHaveNone) {
   local->position = {53000, 50000};
   clsPlayer& other = placeOpponent(3, 54000, 50000);
   canvas().Cls();
-  modMain::debugText.clear();
+  modMain::world.debugText.clear();
   other.paintSelf();
   EXPECT_EQ(countPixels(canvas(), tie), 0);
-  EXPECT_EQ(modMain::debugText, "");
-  EXPECT_EQ(modMain::survivalMaxDistance, 0);
+  EXPECT_EQ(modMain::world.debugText, "");
+  EXPECT_EQ(modMain::world.survivalMaxDistance, 0);
 }
 
 TEST_F(SurvivalPainting, AGhostHasItToo) {
   local->alive = false;
   local->position = {53000, 50000};
   paint();
-  EXPECT_EQ(modMain::survivalMaxDistance, 3000);
+  EXPECT_EQ(modMain::world.survivalMaxDistance, 3000);
 }
 
 }  // namespace

@@ -156,7 +156,7 @@ TEST_F(TailPainting, Q243ATailNeitherAgesNorFiresUnlessItIsPainted) {
   paint();
   const Vector corner = local->tails[0].getPosition();
   modMain::addKillerTail(local->serverNode, victim.serverNode, corner.x, corner.y);
-  ASSERT_EQ(modMain::killerTails.size(), 1U);
+  ASSERT_EQ(modMain::world.killerTails.size(), 1U);
   for (int frame = 0; frame < 100; ++frame) {
     tick(100);
     victim.paintSelf();

@@ -28,9 +28,9 @@ class WorldBorder : public PaintTest {
 TEST_F(WorldBorder, Q125ThePulseWalksByFramesAndTurnsSlowly) {
   std::vector<int> levels;
   for (int frame = 1; frame <= 50; ++frame) {
-    modMain::frameTime = 100;  // the time scale plays no part
+    modMain::world.frameTime = 100;  // the time scale plays no part
     modMain::paintWorldBorder();
-    levels.push_back(modMain::borderWidth);
+    levels.push_back(modMain::world.borderWidth);
   }
   std::vector<int> expected(4, 1);  // frames 1 to 4
   for (const int level : {2, 3, 4, 4, 3, 2, 1, 1, 2}) expected.insert(expected.end(), 5, level);
@@ -41,8 +41,8 @@ TEST_F(WorldBorder, Q125ThePulseWalksByFramesAndTurnsSlowly) {
 TEST_F(WorldBorder, WidthAndColourFollowTheLevel) {
   // At level 1 the line is 2 pixels wide and pure red, at level 4 8 pixels and RGB(255, 150, 150).
   for (int level = 1; level <= 4; ++level) {
-    modMain::borderWidth = static_cast<std::uint8_t>(level);
-    modMain::borderCounter = 0;
+    modMain::world.borderWidth = static_cast<std::uint8_t>(level);
+    modMain::world.borderCounter = 0;
     paint();
     EXPECT_EQ(thickness(RGB(255, (level - 1) * 50, (level - 1) * 50)), level * 2);
     EXPECT_EQ(canvas().DrawWidth, 1) << "left at 1";
@@ -59,9 +59,9 @@ TEST_F(WorldBorder, EdgesRunFromCornerToCorner) {
                  {0, 100000, false, true, true, false},
                  {100000, 100000, true, false, true, false}};
   for (const auto& corner : corners) {
-    modMain::borderWidth = 1;
-    modMain::borderCounter = 0;
-    modMain::localPlayer.position = {corner.x, corner.y};
+    modMain::world.borderWidth = 1;
+    modMain::world.borderCounter = 0;
+    modMain::world.localPlayer.position = {corner.x, corner.y};
     paint();
     EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0), red);
     EXPECT_EQ(pixelAt(canvas(), 100.0, 4560.0) == red, corner.left);

@@ -24,9 +24,9 @@ class Captures : public GameTest {
     join(9, 2, "Cid", 50000, 50500);
     forgetSent();
   }
-  clsPlayer& ann() { return modMain::localPlayer; }
-  clsPlayer& bob() { return modMain::opponents[0]; }
-  clsPlayer& cid() { return modMain::opponents[1]; }
+  clsPlayer& ann() { return modMain::world.localPlayer; }
+  clsPlayer& bob() { return modMain::world.opponents[0]; }
+  clsPlayer& cid() { return modMain::world.opponents[1]; }
 
   void capture(std::int16_t winner, std::int16_t loser, const std::string& x, const std::string& y) {
     serverSends(wire::msgTailCapture, {std::to_string(winner), std::to_string(loser), x, y});
@@ -39,7 +39,7 @@ class Captures : public GameTest {
     tick(2020);
     modMain::paintFrame();
   }
-  std::string newestLine() { return modMain::chatLines[0].text; }
+  std::string newestLine() { return modMain::world.chatLines[0].text; }
 };
 
 TEST_F(Captures, AnUnknownVertexCapturesAtOnce) {
@@ -47,14 +47,14 @@ TEST_F(Captures, AnUnknownVertexCapturesAtOnce) {
   EXPECT_FALSE(cid().isAlive());
   EXPECT_EQ(bob().kills, 1);
   EXPECT_EQ(newestLine(), "Bob has captured Cid");
-  EXPECT_TRUE(modMain::killerTails.empty());
+  EXPECT_TRUE(modMain::world.killerTails.empty());
 }
 
 TEST_F(Captures, AKnownVertexWaitsForItsEnd) {
   ann().addTail({100.5F, 200});
   capture(localNode, 9, "100.5", "200");
-  ASSERT_EQ(modMain::killerTails.size(), 1U);
-  const KillerTail& record = modMain::killerTails[0];
+  ASSERT_EQ(modMain::world.killerTails.size(), 1U);
+  const KillerTail& record = modMain::world.killerTails[0];
   EXPECT_EQ(record.owner, -1);
   EXPECT_EQ(record.tailID, ann().tails[0].tailID());
   EXPECT_EQ(record.victims, (std::vector<std::int16_t>{1}));
@@ -62,22 +62,22 @@ TEST_F(Captures, AKnownVertexWaitsForItsEnd) {
   EXPECT_TRUE(cid().isAlive());
   outliveTails();
   EXPECT_FALSE(cid().isAlive());
-  EXPECT_TRUE(modMain::killerTails.empty());
+  EXPECT_TRUE(modMain::world.killerTails.empty());
   EXPECT_EQ(ann().tailCount(), 0);
-  EXPECT_EQ(modMain::centreMessage, "You have captured Cid");
+  EXPECT_EQ(modMain::world.centreMessage, "You have captured Cid");
 }
 
 TEST_F(Captures, TwoVictimsOfOneVertexFallTogetherInOrder) {
   cid().addTail({300, 300});
   capture(9, 8, "300", "300");
   capture(9, localNode, "300", "300");
-  ASSERT_EQ(modMain::killerTails.size(), 1U);
-  EXPECT_EQ(modMain::killerTails[0].victims, (std::vector<std::int16_t>{0, -1}));
+  ASSERT_EQ(modMain::world.killerTails.size(), 1U);
+  EXPECT_EQ(modMain::world.killerTails[0].victims, (std::vector<std::int16_t>{0, -1}));
   outliveTails();
   EXPECT_FALSE(bob().isAlive());
   EXPECT_FALSE(ann().isAlive());
   EXPECT_EQ(cid().captures, (std::vector<std::int16_t>{1, 0}));
-  EXPECT_EQ(modMain::chatLines[1].text, "Cid has captured Bob");
+  EXPECT_EQ(modMain::world.chatLines[1].text, "Cid has captured Bob");
   EXPECT_EQ(newestLine(), "Cid has captured Ann");
 }
 
@@ -86,10 +86,10 @@ TEST_F(Captures, Q106OnlyThePlaceIsComparedNotTheWinner) {
   ann().addTail({300, 300});
   capture(9, 8, "300", "300");
   capture(localNode, 8, "300", "300");
-  ASSERT_EQ(modMain::killerTails.size(), 1U);
-  EXPECT_EQ(modMain::killerTails[0].owner, 1);
-  EXPECT_EQ(modMain::killerTails[0].tailID, cid().tails[0].tailID());
-  EXPECT_EQ(modMain::killerTails[0].victims, (std::vector<std::int16_t>{0, 0}));
+  ASSERT_EQ(modMain::world.killerTails.size(), 1U);
+  EXPECT_EQ(modMain::world.killerTails[0].owner, 1);
+  EXPECT_EQ(modMain::world.killerTails[0].tailID, cid().tails[0].tailID());
+  EXPECT_EQ(modMain::world.killerTails[0].victims, (std::vector<std::int16_t>{0, 0}));
 }
 
 TEST_F(Captures, Q104OneCaptureDropsTheOtherWaitingOnesOfItsWinner) {
@@ -104,12 +104,12 @@ TEST_F(Captures, Q104OneCaptureDropsTheOtherWaitingOnesOfItsWinner) {
   capture(9, localNode, "400", "400");
   ann().addTail({500, 500});
   capture(localNode, 8, "500", "500");
-  ASSERT_EQ(modMain::killerTails.size(), 3U);
+  ASSERT_EQ(modMain::world.killerTails.size(), 3U);
   tick(1100);
   modMain::paintFrame();
   EXPECT_FALSE(bob().isAlive());
-  ASSERT_EQ(modMain::killerTails.size(), 1U) << "the record of another owner stays";
-  EXPECT_EQ(modMain::killerTails[0].owner, -1);
+  ASSERT_EQ(modMain::world.killerTails.size(), 1U) << "the record of another owner stays";
+  EXPECT_EQ(modMain::world.killerTails[0].owner, -1);
   outliveTails();
   outliveTails();
   EXPECT_EQ(cid().tailCount(), 0);
@@ -120,7 +120,7 @@ TEST_F(Captures, Q105TheWinnerInSlotZeroCapturesAtTheNextPaint) {
   bob().addTail({300, 300});
   bob().addTail({310, 300});
   capture(8, 9, "300", "300");
-  ASSERT_EQ(modMain::killerTails.size(), 1U);
+  ASSERT_EQ(modMain::world.killerTails.size(), 1U);
   modMain::paintFrame();
   EXPECT_FALSE(cid().isAlive());
   EXPECT_EQ(bob().tailCount(), 2) << "the vertex is still there";
@@ -134,7 +134,7 @@ TEST_F(Captures, Q105OthersWaitForTheEnd) {
   capture(localNode, 9, "300", "300");
   modMain::paintFrame();
   EXPECT_TRUE(cid().isAlive());
-  modMain::killerTails.clear();
+  modMain::world.killerTails.clear();
   capture(9, 8, "300", "300");
   modMain::paintFrame();
   EXPECT_TRUE(bob().isAlive());
@@ -172,7 +172,7 @@ TEST_F(Captures, UnderAnExtendedTailTheCaptureWaits) {
 }
 
 TEST_F(Captures, ARecordIsFoundByOwnerAndIdTogether) {
-  modMain::killerTails = {{0, "a", {1}, ""}, {1, "a", {0}, ""}, {1, "b", {0}, ""}};
+  modMain::world.killerTails = {{0, "a", {1}, ""}, {1, "a", {0}, ""}, {1, "b", {0}, ""}};
   EXPECT_EQ(modMain::findKillerTail(1, "a"), 1);
   EXPECT_EQ(modMain::findKillerTail(1, "b"), 2);
   EXPECT_EQ(modMain::findKillerTail(-1, "a"), -1);
@@ -180,41 +180,41 @@ TEST_F(Captures, ARecordIsFoundByOwnerAndIdTogether) {
 }
 
 TEST_F(Captures, ANumberThatIsNoRecordDoesNothing) {
-  modMain::killerTails = {{0, "a", {1}, ""}};
+  modMain::world.killerTails = {{0, "a", {1}, ""}};
   modMain::executeKillerTail(-1);
   modMain::executeKillerTail(1);
-  EXPECT_EQ(modMain::killerTails.size(), 1U);
+  EXPECT_EQ(modMain::world.killerTails.size(), 1U);
   EXPECT_TRUE(cid().isAlive());
 }
 
 TEST_F(Captures, TheLocalLoserIsTold) {
   capture(9, localNode, "1", "1");
   EXPECT_FALSE(ann().isAlive());
-  EXPECT_EQ(modMain::centreMessage, "You have been captured!");
+  EXPECT_EQ(modMain::world.centreMessage, "You have been captured!");
   EXPECT_EQ(newestLine(), "Cid has captured Ann");
 }
 
 TEST_F(Captures, BothRolesShowTheSecondMessage) {
   capture(localNode, localNode, "1", "1");
-  EXPECT_EQ(modMain::centreMessage, "You have captured Ann");
+  EXPECT_EQ(modMain::world.centreMessage, "You have captured Ann");
   EXPECT_EQ(ann().kills, 1);
   EXPECT_FALSE(ann().isAlive());
 }
 
 TEST_F(Captures, TheConsoleLineIsAServerMessage) {
   capture(9, 8, "1", "1");
-  const Colour serverColour = modMain::chatLines[0].colour;
+  const Colour serverColour = modMain::world.chatLines[0].colour;
   printChat("x", 3);
-  EXPECT_EQ(modMain::chatLines[0].colour, serverColour);
+  EXPECT_EQ(modMain::world.chatLines[0].colour, serverColour);
 }
 
 TEST_F(Captures, Q107OnlyAPlayerWithCapturesExplodes) {
   capture(9, 8, "1", "1");
-  EXPECT_EQ(modMain::explosionCount, 0) << "Bob had captured nobody";
+  EXPECT_EQ(modMain::world.explosionCount, 0) << "Bob had captured nobody";
   capture(9, localNode, "1", "1");
   capture(8, 9, "1", "1");
-  ASSERT_EQ(modMain::explosionCount, 2) << "one for each of Cid's captures";
-  EXPECT_EQ(modMain::explosionParticles[0].getPosition(), cid().position);
+  ASSERT_EQ(modMain::world.explosionCount, 2) << "one for each of Cid's captures";
+  EXPECT_EQ(modMain::world.explosionParticles[0].getPosition(), cid().position);
 }
 
 TEST_F(Captures, DyingKeepsCapturesBrakesFlightAndTail) {
@@ -274,23 +274,23 @@ TEST_F(Captures, Q109ARespawnLeavesThePlayerWhereTheGhostWas) {
 }
 
 TEST_F(Captures, ARespawnOfTheLocalPlayerShowsTheNextTip) {
-  modMain::tips[0] = "first tip";
-  modMain::nextTip = 0;
+  modMain::world.tips[0] = "first tip";
+  modMain::world.nextTip = 0;
   bob().respawn();
-  EXPECT_EQ(modMain::nextTip, 0);
+  EXPECT_EQ(modMain::world.nextTip, 0);
   ann().respawn();
-  EXPECT_EQ(modMain::centreMessage, "first tip");
-  EXPECT_EQ(modMain::nextTip, 1);
+  EXPECT_EQ(modMain::world.centreMessage, "first tip");
+  EXPECT_EQ(modMain::world.nextTip, 1);
 }
 
 TEST_F(Captures, SetAliveTrueShowsATipForTheLocalPlayerAlone) {
-  modMain::tips[0] = "first tip";
+  modMain::world.tips[0] = "first tip";
   bob().setAlive(true);
-  EXPECT_EQ(modMain::nextTip, 0);
+  EXPECT_EQ(modMain::world.nextTip, 0);
   ann().setAlive(true);
-  EXPECT_EQ(modMain::centreMessage, "first tip");
+  EXPECT_EQ(modMain::world.centreMessage, "first tip");
   ann().setAlive(false);
-  EXPECT_EQ(modMain::nextTip, 1) << "no tip for the dead";
+  EXPECT_EQ(modMain::world.nextTip, 1) << "no tip for the dead";
 }
 
 TEST_F(Captures, SetKillsShowsTheNumber) {
@@ -305,8 +305,8 @@ TEST_F(Captures, AnUnknownWinnerIsTakenForSlotZero) {
 }
 
 TEST_F(Captures, WithoutOpponentsAnUnknownNodeEndsTheHandler) {
-  modMain::opponents.clear();
-  modMain::opponentCount = 0;
+  modMain::world.opponents.clear();
+  modMain::world.opponentCount = 0;
   EXPECT_THROW(modMain::addKillerTail(77, localNode, 1, 1), RuntimeFault);
   capture(77, localNode, "1", "1");
   EXPECT_TRUE(ann().isAlive());
@@ -318,7 +318,7 @@ TEST_F(Captures, ADepartedWinnersRecordNeverFires) {
   serverSends(wire::msgPlayerLeft, {"9"});
   outliveTails();
   EXPECT_TRUE(bob().isAlive());
-  EXPECT_EQ(modMain::killerTails.size(), 1U);
+  EXPECT_EQ(modMain::world.killerTails.size(), 1U);
   EXPECT_EQ(cid().tailCount(), 1) << "frozen";
 }
 

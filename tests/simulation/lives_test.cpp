@@ -17,8 +17,8 @@ class Lives : public GameTest {
     soundMan::initAudio();
     machine.soundCommands.clear();
   }
-  clsPlayer& ann() { return modMain::localPlayer; }
-  clsPlayer& bob() { return modMain::opponents[0]; }
+  clsPlayer& ann() { return modMain::world.localPlayer; }
+  clsPlayer& bob() { return modMain::world.opponents[0]; }
   /// Ann captures Bob at a place where no vertex is known, so at once.
   void captureBob() { serverSends(wire::msgTailCapture, {"7", "8", "1", "1"}); }
   const std::vector<std::string> captureSound{"capture.wav Silent False", "capture.wav prev", "capture.wav play"};
@@ -28,18 +28,18 @@ TEST_F(Lives, ADeadVictimDiesOnceMore) {
   bob().captures = {2, 3};
   captureBob();
   ASSERT_FALSE(bob().alive);
-  ASSERT_EQ(modMain::explosionCount, 2);
+  ASSERT_EQ(modMain::world.explosionCount, 2);
   ASSERT_EQ(machine.soundCommands, captureSound);
   machine.soundCommands.clear();
   captureBob();
-  EXPECT_EQ(modMain::explosionCount, 4);
+  EXPECT_EQ(modMain::world.explosionCount, 4);
   EXPECT_EQ(machine.soundCommands, captureSound);
 }
 
 TEST_F(Lives, OneCaptureMakesOneExplosionParticle) {
   bob().captures = {2};
   bob().die();
-  EXPECT_EQ(modMain::explosionCount, 1);
+  EXPECT_EQ(modMain::world.explosionCount, 1);
 }
 
 TEST_F(Lives, ARoundsEndKillsWithoutSoundOrExplosion) {
@@ -49,7 +49,7 @@ TEST_F(Lives, ARoundsEndKillsWithoutSoundOrExplosion) {
     EXPECT_FALSE(player->alive);
   }
   EXPECT_TRUE(machine.soundCommands.empty());
-  EXPECT_EQ(modMain::explosionCount, 0);
+  EXPECT_EQ(modMain::world.explosionCount, 0);
 }
 
 TEST_F(Lives, InitKeepsFlightReportsAnimationAndCaptures) {

@@ -16,12 +16,12 @@ class Movement : public GameTest {
     player.awaitingFirstPosition = false;
     player.breaksOn = false;
     player.position = {50000, 50000};
-    modMain::mousePos = {5722, 0};  // 4560 above the centre: ratio 1
+    modMain::world.mousePos = {5722, 0};  // 4560 above the centre: ratio 1
   }
 
   void steer(std::int16_t angle, std::int16_t quadrant) {
-    modMain::steerAngle = angle;
-    modMain::steerQuadrant = quadrant;
+    modMain::world.steerAngle = angle;
+    modMain::world.steerQuadrant = quadrant;
   }
   void expectVelocity(float x, float y) {
     EXPECT_NEAR(player.velocity.x, x, 0.002);
@@ -29,7 +29,7 @@ class Movement : public GameTest {
   }
   void stand(float x, float y) { player.position = {x, y}; }
 
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
 };
 
 struct SteerCase {
@@ -107,7 +107,7 @@ TEST_F(Movement, Q092BeforeTheFirstPaintNothingSteers) {
 }
 
 TEST_F(Movement, Q092SteersByWhatThePaintBeforeFound) {
-  modMain::mousePos = {5722 + 3000, 4560};
+  modMain::world.mousePos = {5722 + 3000, 4560};
   steer(0, 2);  // of an older mouse position
   player.move();
   EXPECT_LE(player.velocity.x, 0) << "the old bearing still steers";
@@ -117,10 +117,10 @@ TEST_F(Movement, Q092SteersByWhatThePaintBeforeFound) {
 }
 
 TEST_F(Movement, FollowsTheMouseFromThePointerOn) {
-  modMain::mousePos = {5722 + 3000, 4560 - 3000};
+  modMain::world.mousePos = {5722 + 3000, 4560 - 3000};
   modMain::paintPointer();
-  EXPECT_EQ(modMain::steerAngle, 44) << "45 degrees are 43.75 of 350";
-  EXPECT_EQ(modMain::steerQuadrant, 1);
+  EXPECT_EQ(modMain::world.steerAngle, 44) << "45 degrees are 43.75 of 350";
+  EXPECT_EQ(modMain::world.steerQuadrant, 1);
   player.move();
   // 4242.641 of 4560 is 0.930404, s = 279.1211; tan 44 / 2 of it is 134.7722.
   EXPECT_NEAR(player.velocity.x, 134.772, 0.005);
@@ -128,11 +128,11 @@ TEST_F(Movement, FollowsTheMouseFromThePointerOn) {
 }
 
 TEST_F(Movement, Q091StraightBelowFliesUpAndStraightLeftFliesRight) {
-  modMain::mousePos = {5722, 9120};
+  modMain::world.mousePos = {5722, 9120};
   modMain::paintPointer();
   player.move();
   EXPECT_EQ(player.velocity, (Vector{0, -300}));
-  modMain::mousePos = {0, 4560};
+  modMain::world.mousePos = {0, 4560};
   modMain::paintPointer();
   player.move();
   // 5722 / 0.0001 leaves the arc tangent a step below the right angle: 87.49999, so 87 and tan 42 = 0.900404.
@@ -142,13 +142,13 @@ TEST_F(Movement, Q091StraightBelowFliesUpAndStraightLeftFliesRight) {
 
 TEST_F(Movement, Q096TheCanvasHeightIsTheReachOnBothAxes) {
   steer(0, 1);
-  modMain::mousePos = {5722 + 2280, 4560};
+  modMain::world.mousePos = {5722 + 2280, 4560};
   player.move();
   EXPECT_EQ(player.velocity.y, -150) << "half of half the height, to the side";
-  modMain::mousePos = {5722, 4560 + 2280};
+  modMain::world.mousePos = {5722, 4560 + 2280};
   player.move();
   EXPECT_EQ(player.velocity.y, -150);
-  modMain::mousePos = {5722 + 5000, 4560};
+  modMain::world.mousePos = {5722 + 5000, 4560};
   player.move();
   EXPECT_EQ(player.velocity.y, -300) << "never above the top speed";
 }
@@ -156,7 +156,7 @@ TEST_F(Movement, Q096TheCanvasHeightIsTheReachOnBothAxes) {
 TEST_F(Movement, MouseOnTheCentreStandsStillAndReports) {
   login();
   player.breaksOn = false;
-  modMain::mousePos = {5722, 4560};
+  modMain::world.mousePos = {5722, 4560};
   modMain::paintPointer();
   for (int frame = 0; frame < 4; ++frame) player.move();
   EXPECT_EQ(player.position, (Vector{50000, 50000}));
@@ -190,7 +190,7 @@ TEST_F(Movement, GhostAndTurboCombine) {
 }
 
 TEST_F(Movement, Q093TheClampHoldsTheDisplacementOfAFrame) {
-  modMain::frameTime = 20;  // time scale 2
+  modMain::world.frameTime = 20;  // time scale 2
   steer(0, 1);
   player.move();
   EXPECT_EQ(player.velocity, (Vector{0, -300})) << "not 600";
@@ -210,7 +210,7 @@ TEST_F(Movement, TheClampHoldsEachAxisAndUnderTheBrakes) {
 }
 
 TEST_F(Movement, TheTimeScaleMultipliesTheVelocity) {
-  modMain::frameTime = 15;
+  modMain::world.frameTime = 15;
   steer(45, 4);
   player.move();
   EXPECT_EQ(player.velocity, (Vector{225, 225}));
@@ -231,7 +231,7 @@ TEST_F(Movement, BrakesTakeThreePerFrameAndAxis) {
 }
 
 TEST_F(Movement, BrakesScaleWithTheTimeScale) {
-  modMain::frameTime = 20;
+  modMain::world.frameTime = 20;
   player.breaksOn = true;
   player.velocity = {-10, 100};
   player.move();
@@ -281,7 +281,7 @@ TEST_F(Movement, ReportsInEveryFourthFrame) {
   login();
   player.breaksOn = false;
   steer(0, 1);
-  modMain::mousePos = {5722, 0};
+  modMain::world.mousePos = {5722, 0};
   for (int frame = 1; frame <= 3; ++frame) {
     player.move();
     EXPECT_TRUE(sentFrames().empty()) << frame;
@@ -408,13 +408,13 @@ TEST_F(Movement, InitSetsTheStartOfALife) {
   EXPECT_EQ(player.powerups[2].count, 0);
   EXPECT_FALSE(player.powerups[2].active);
   EXPECT_EQ(player.powerups[2].timeLeft, 4) << "not touched";
-  EXPECT_EQ(modMain::particleCount, 150) << "the local player's init makes the field";
+  EXPECT_EQ(modMain::world.particleCount, 150) << "the local player's init makes the field";
 }
 
 TEST_F(Movement, OnlyTheLocalPlayersInitMakesTheField) {
-  modMain::particleCount = 0;
-  modMain::opponents.emplace_back().init(1, 0, 8, "Bob");
-  EXPECT_EQ(modMain::particleCount, 0);
+  modMain::world.particleCount = 0;
+  modMain::world.opponents.emplace_back().init(1, 0, 8, "Bob");
+  EXPECT_EQ(modMain::world.particleCount, 0);
 }
 
 TEST_F(Movement, FundsAreRoundedToEvenAndShownForTheLocalPlayerAlone) {

@@ -18,7 +18,7 @@ class OpponentSteps : public GameTest {
     bob().steering = true;
     bob().velocity = {-30, -40};
   }
-  clsPlayer& bob() { return modMain::opponents[0]; }
+  clsPlayer& bob() { return modMain::world.opponents[0]; }
 };
 
 TEST_F(OpponentSteps, AnArrivalEndsTheStep) {
@@ -75,39 +75,39 @@ TEST_F(OpponentSteps, ANewLoginKeepsQueueAndTail) {
 TEST_F(OpponentSteps, WhoCapturesHimselfDiesBeforeItCounts) {
   serverSends(wire::msgTailCapture, {"8", "8", "1", "1"});
   EXPECT_EQ(bob().captureCount(), 1);
-  EXPECT_EQ(modMain::explosionCount, 0) << "nobody was captured yet when he died";
+  EXPECT_EQ(modMain::world.explosionCount, 0) << "nobody was captured yet when he died";
 }
 
 TEST_F(OpponentSteps, AWaitingCaptureOutlivesADisconnection) {
-  modMain::localPlayer.addTail({300, 300});
+  modMain::world.localPlayer.addTail({300, 300});
   serverSends(wire::msgTailCapture, {"7", "8", "300", "300"});
   netMan::disconnectFromServer();
-  EXPECT_EQ(modMain::killerTails.size(), 1U);
+  EXPECT_EQ(modMain::world.killerTails.size(), 1U);
 }
 
 TEST_F(OpponentSteps, ALatencyReportBeforeTheLoginDoesNothing) {
-  modMain::localPlayer.isConnected = false;
+  modMain::world.localPlayer.isConnected = false;
   serverSends(wire::msgLatencyReport, {"41"});
   EXPECT_EQ(frmMain->lblLag.Caption.get(), "0");
-  EXPECT_EQ(modMain::localPlayer.reportedLag, 0);
+  EXPECT_EQ(modMain::world.localPlayer.reportedLag, 0);
 }
 
 TEST_F(OpponentSteps, APingsValueIsRoundedToEven) {
   machine.seconds = 4000;
   serverSends(wire::msgPing, {"1001.5"});
-  EXPECT_EQ(modMain::localPlayer.clockOffset, 2998.0F);
+  EXPECT_EQ(modMain::world.localPlayer.clockOffset, 2998.0F);
   serverSends(wire::msgPing, {"1002.5"});
-  EXPECT_EQ(modMain::localPlayer.clockOffset, 2998.0F);
+  EXPECT_EQ(modMain::world.localPlayer.clockOffset, 2998.0F);
 }
 
 TEST_F(OpponentSteps, Q260TheOwnVelocityIsNeverSent) {
-  modMain::localPlayer.breaksOn = false;
-  modMain::mousePos = {5722, 0};
-  modMain::steerAngle = 45;
-  modMain::steerQuadrant = 1;
+  modMain::world.localPlayer.breaksOn = false;
+  modMain::world.mousePos = {5722, 0};
+  modMain::world.steerAngle = 45;
+  modMain::world.steerQuadrant = 1;
   for (int frame = 0; frame < 40; ++frame) modMain::runFrame();
   serverSends(wire::msgPing, {"1000"});
-  ASSERT_NE(modMain::localPlayer.velocity, Vector{});
+  ASSERT_NE(modMain::world.localPlayer.velocity, Vector{});
   const auto sent = sentFrames();
   EXPECT_GT(std::ranges::count(sent, wire::msgPositionReport, &WireMessage::id), 9);
   EXPECT_EQ(std::ranges::count(sent, wire::msgVelocityReport, &WireMessage::id), 0);
@@ -118,10 +118,10 @@ TEST_F(OpponentSteps, Q261TheClocksDifferenceChangesNothing) {
   serverSends(wire::msgPing, {"1000"});
   const auto reply = sentFrames();
   forgetSent();
-  modMain::localPlayer.clockOffset = -5;
+  modMain::world.localPlayer.clockOffset = -5;
   serverSends(wire::msgPing, {"-2000000000"});
   EXPECT_EQ(sentFrames(), reply) << "the own time, whatever the server's is";
-  EXPECT_EQ(modMain::localPlayer.clockOffset, 2000004000.0F);
+  EXPECT_EQ(modMain::world.localPlayer.clockOffset, 2000004000.0F);
 }
 
 }  // namespace

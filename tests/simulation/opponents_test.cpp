@@ -12,12 +12,12 @@ class Opponents : public GameTest {
  protected:
   Opponents() {
     login();
-    modMain::opponents.emplace_back().init(1, 0, 8, "Bob");
-    modMain::opponentCount = 1;
+    modMain::world.opponents.emplace_back().init(1, 0, 8, "Bob");
+    modMain::world.opponentCount = 1;
     other().awaitingFirstPosition = false;
     other().position = {50000, 50000};
   }
-  clsPlayer& other() { return modMain::opponents[0]; }
+  clsPlayer& other() { return modMain::world.opponents[0]; }
   std::vector<Vector> tailPoints() {
     std::vector<Vector> points;
     for (const clsTail& vertex : other().tails) points.push_back(vertex.getPosition());
@@ -182,7 +182,7 @@ TEST_F(Opponents, AReceivedVelocityReplacesTheStepWhileGliding) {
 }
 
 TEST_F(Opponents, Q111AtATimeScaleAbove1TheGlideGainsSpeed) {
-  modMain::frameTime = 15;
+  modMain::world.frameTime = 15;
   other().queuePosition({50000 - 3500, 50000 - 1400});
   other().moveAsOpponent();
   EXPECT_EQ(other().velocity, (Vector{-750, -300}));
@@ -203,7 +203,7 @@ TEST_F(Opponents, Q112OnlyPositiveStepsAreLimited) {
 }
 
 TEST_F(Opponents, Q113TheVertexIsLaidBeforeTheEdgeStops) {
-  modMain::localPlayer.position = {1000, 1000};
+  modMain::world.localPlayer.position = {1000, 1000};
   other().position = {100, 200};
   other().queuePosition({900, 1500});
   other().steering = true;
@@ -215,7 +215,7 @@ TEST_F(Opponents, Q113TheVertexIsLaidBeforeTheEdgeStops) {
 }
 
 TEST_F(Opponents, TheFarEdgesStopAsWell) {
-  modMain::localPlayer.position = {99000, 99000};
+  modMain::world.localPlayer.position = {99000, 99000};
   other().position = {99900, 99800};
   other().queuePosition({99000, 98000});
   other().steering = true;
@@ -228,7 +228,7 @@ TEST_F(Opponents, TheFarEdgesStopAsWell) {
 // A step to one unit beyond an edge is stopped, one to the edge itself is not.
 TEST_F(Opponents, TheEdgeItselfBelongsToTheWorld) {
   const auto stepTo = [this](Vector point, Vector velocity) {
-    modMain::localPlayer.position = point;
+    modMain::world.localPlayer.position = point;
     other().position = {point.x - velocity.x, point.y - velocity.y};
     other().positionQueue = {{point.x < 50000 ? 2000.0F : 98000.0F, point.y < 50000 ? 2000.0F : 98000.0F}};
     other().steering = true;
@@ -268,22 +268,22 @@ TEST_F(Opponents, APingIsAnsweredWithTheTimeAndAPositionReport) {
   machine.seconds = 4000.5;
   serverSends(wire::msgPing, {"1000"});
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{133, {"4000.5"}}, {131, {"50000", "50000"}}}));
-  EXPECT_EQ(modMain::localPlayer.clockOffset, 3000.5F);
-  EXPECT_EQ(modMain::localPlayer.pingTick, machine.ticks);
+  EXPECT_EQ(modMain::world.localPlayer.clockOffset, 3000.5F);
+  EXPECT_EQ(modMain::world.localPlayer.pingTick, machine.ticks);
 }
 
 TEST_F(Opponents, APingWhileWaitingForTheFirstPositionSendsNoReport) {
-  modMain::localPlayer.awaitingFirstPosition = true;
+  modMain::world.localPlayer.awaitingFirstPosition = true;
   serverSends(wire::msgPing, {"0"});
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{133, {"43200"}}}));
 }
 
 TEST_F(Opponents, APingBeforeTheLoginDoesNothing) {
-  modMain::localPlayer.isConnected = false;
-  modMain::localPlayer.pingTick = 5;
+  modMain::world.localPlayer.isConnected = false;
+  modMain::world.localPlayer.pingTick = 5;
   serverSends(wire::msgPing, {"1000"});
   EXPECT_TRUE(sentFrames().empty());
-  EXPECT_EQ(modMain::localPlayer.pingTick, 5);
+  EXPECT_EQ(modMain::world.localPlayer.pingTick, 5);
 }
 
 TEST_F(Opponents, ALatencyReportShowsBothNumbers) {
@@ -291,8 +291,8 @@ TEST_F(Opponents, ALatencyReportShowsBothNumbers) {
   serverSends(wire::msgPing, {"1000"});
   tick(37);
   serverSends(wire::msgLatencyReport, {"41"});
-  EXPECT_EQ(modMain::localPlayer.getLag(), 37);
-  EXPECT_EQ(modMain::localPlayer.reportedLag, 41);
+  EXPECT_EQ(modMain::world.localPlayer.getLag(), 37);
+  EXPECT_EQ(modMain::world.localPlayer.reportedLag, 41);
   EXPECT_EQ(frmMain->lblLag.Caption.get(), "37/41");
 }
 

@@ -9,29 +9,31 @@
 namespace kelvora {
 namespace {
 
-using modMain::chatLines;
+using modMain::world;
 
 // A cell of the ball's sheet is 735 wide, so the player is a disc of 367.5.
 class Survival : public GameTest {
  protected:
   Survival() {
     player.init(0, -1, 7, "Ann");
-    modMain::particles.clear();  // the field that came with him
-    modMain::particleCount = 0;
+    modMain::world.particles.clear();  // the field that came with him
+    modMain::world.particleCount = 0;
     player.breaksOn = false;
     player.position = {50000, 50000};
-    modMain::mousePos = {5722, 4560};  // the canvas's centre: no speed
-    modMain::survivalMode = true;
+    modMain::world.mousePos = {5722, 4560};  // the canvas's centre: no speed
+    modMain::world.survivalMode = true;
   }
 
   /// A particle of the background so far from the player.
-  static void addParticle(float dx, float dy) { addTo(modMain::particles, dx, dy), ++modMain::particleCount; }
+  static void addParticle(float dx, float dy) {
+    addTo(modMain::world.particles, dx, dy), ++modMain::world.particleCount;
+  }
   template <class Pool>
   static void addTo(Pool& pool, float dx, float dy) {
     pool.emplace_back().position = {50000 + dx, 50000 + dy};
   }
 
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
 };
 
 TEST_F(Survival, ThePlayerIsAsWideAsACellOfHisSheet) {
@@ -44,14 +46,14 @@ TEST_F(Survival, ThePlayerIsAsWideAsACellOfHisSheet) {
 }
 
 TEST_F(Survival, AParticleAtHalfTheWidthEndsTheRun) {
-  modMain::survivalMaxDistance = 1234.5F;
+  modMain::world.survivalMaxDistance = 1234.5F;
   addParticle(367.5F, 0);
   modMain::checkSurvival();
   EXPECT_FALSE(modMain::isSurvivalMode());
-  EXPECT_EQ(chatLines[0].text, "Highest distance reached in survival mode was 1234.5");
-  EXPECT_EQ(chatLines[0].colour, RGB(255, 255, 255));
-  EXPECT_EQ(chatLines[0].size, 0);
-  EXPECT_EQ(chatLines[1].text, "");
+  EXPECT_EQ(world.chatLines[0].text, "Highest distance reached in survival mode was 1234.5");
+  EXPECT_EQ(world.chatLines[0].colour, RGB(255, 255, 255));
+  EXPECT_EQ(world.chatLines[0].size, 0);
+  EXPECT_EQ(world.chatLines[1].text, "");
 }
 
 TEST_F(Survival, AParticleJustBeyondItDoesNot) {
@@ -60,15 +62,15 @@ TEST_F(Survival, AParticleJustBeyondItDoesNot) {
   addParticle(260, 260);  // 367.7 away
   modMain::checkSurvival();
   EXPECT_TRUE(modMain::isSurvivalMode());
-  EXPECT_EQ(chatLines[0].text, "");
+  EXPECT_EQ(world.chatLines[0].text, "");
 }
 
 TEST_F(Survival, DistanceIsMeasuredInEveryDirection) {
   for (const auto& [dx, dy] : {std::pair{-367.5F, 0.0F}, std::pair{0.0F, 367.5F}, std::pair{-220.0F, -290.0F}}) {
-    modMain::particles.clear();
-    modMain::particleCount = 0;
+    modMain::world.particles.clear();
+    modMain::world.particleCount = 0;
     addParticle(dx, dy);
-    modMain::survivalMode = true;
+    modMain::world.survivalMode = true;
     modMain::checkSurvival();
     EXPECT_FALSE(modMain::isSurvivalMode()) << dx << " " << dy;
   }
@@ -80,26 +82,26 @@ TEST_F(Survival, Q151TwoParticlesTellTheRecordTwice) {
   addParticle(0, -100);
   modMain::checkSurvival();
   EXPECT_FALSE(modMain::isSurvivalMode());
-  EXPECT_EQ(chatLines[0].text, "Highest distance reached in survival mode was 0");
-  EXPECT_EQ(chatLines[1].text, chatLines[0].text);
-  EXPECT_EQ(chatLines[2].text, "");
+  EXPECT_EQ(world.chatLines[0].text, "Highest distance reached in survival mode was 0");
+  EXPECT_EQ(world.chatLines[1].text, world.chatLines[0].text);
+  EXPECT_EQ(world.chatLines[2].text, "");
 }
 
 TEST_F(Survival, OnlyTheBackgroundTouches) {
-  addTo(modMain::explosionParticles, 0, 0);
-  modMain::explosionCount = 1;
-  addTo(modMain::netParticles, 0, 0);
-  modMain::netParticleCount = 1;
-  addTo(modMain::particles, 0, 0);  // behind the pool's count
+  addTo(modMain::world.explosionParticles, 0, 0);
+  modMain::world.explosionCount = 1;
+  addTo(modMain::world.netParticles, 0, 0);
+  modMain::world.netParticleCount = 1;
+  addTo(modMain::world.particles, 0, 0);  // behind the pool's count
   player.move();
   EXPECT_TRUE(modMain::isSurvivalMode());
 }
 
 TEST_F(Survival, MoveLooksBeforeTheStepAndAfterTheLastPosition) {
-  modMain::mousePos = {5722, 0};
-  modMain::steerAngle = 0;
-  modMain::steerQuadrant = 1;  // 300 up
-  addParticle(0, 400);         // 400 away before the step, 700 behind it
+  modMain::world.mousePos = {5722, 0};
+  modMain::world.steerAngle = 0;
+  modMain::world.steerQuadrant = 1;  // 300 up
+  addParticle(0, 400);               // 400 away before the step, 700 behind it
   player.move();
   EXPECT_TRUE(modMain::isSurvivalMode());
   EXPECT_EQ(player.position, (Vector{50000, 49700}));
@@ -129,14 +131,14 @@ TEST_F(Survival, Q154NothingTouchesAPlayerAtRest) {
 }
 
 TEST_F(Survival, WhileItIsOffNothingIsChecked) {
-  modMain::survivalMode = false;
+  modMain::world.survivalMode = false;
   addParticle(0, 0);
   player.move();
-  EXPECT_EQ(chatLines[0].text, "");
+  EXPECT_EQ(world.chatLines[0].text, "");
 }
 
 TEST_F(Survival, Q150NothingInTheGameTurnsItOn) {
-  modMain::clearWorld();
+  modMain::world = {};
   login();
   modMain::createParticleField();
   for (const char* line : {"survival", "/survival", "/survivalMode"}) {
@@ -150,18 +152,18 @@ TEST_F(Survival, Q150NothingInTheGameTurnsItOn) {
   }
   for (int frame = 0; frame < 10; ++frame) modMain::runFrame();
   EXPECT_FALSE(modMain::isSurvivalMode());
-  EXPECT_EQ(modMain::survivalOrigin, Vector{});
-  EXPECT_EQ(modMain::survivalMaxDistance, 0);
+  EXPECT_EQ(modMain::world.survivalOrigin, Vector{});
+  EXPECT_EQ(modMain::world.survivalMaxDistance, 0);
 }
 
 TEST_F(Survival, Q152TheRecordOutlivesItsRun) {
-  modMain::survivalMaxDistance = 700;
+  modMain::world.survivalMaxDistance = 700;
   addParticle(0, 0);
   modMain::checkSurvival();
-  EXPECT_EQ(modMain::survivalMaxDistance, 700);
-  modMain::survivalMode = true;
+  EXPECT_EQ(modMain::world.survivalMaxDistance, 700);
+  modMain::world.survivalMode = true;
   modMain::checkSurvival();
-  EXPECT_EQ(chatLines[0].text, "Highest distance reached in survival mode was 700");
+  EXPECT_EQ(world.chatLines[0].text, "Highest distance reached in survival mode was 700");
   EXPECT_TRUE(machine.settings.empty()) << "not stored";
 }
 

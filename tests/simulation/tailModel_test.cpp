@@ -103,7 +103,7 @@ class LiteralTail {
 class SlowMachine : public HeadlessBackend {
  public:
   Tick tickCount() override {
-    return ticks + msForEachEnd * (vertices - static_cast<Tick>(modMain::localPlayer.tailCount()));
+    return ticks + msForEachEnd * (vertices - static_cast<Tick>(modMain::world.localPlayer.tailCount()));
   }
 
   Tick msForEachEnd = 0;
@@ -131,7 +131,7 @@ class TailModel : public GameTest {
   }
 
   SlowMachine slow;
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
 };
 
 TEST_F(TailModel, ThousandsOfLivesGoAsInTheLiteralTail) {
@@ -294,12 +294,13 @@ TEST_F(PositionQueueModel, ThousandsOfWaysGoAsInTheLiteralQueue) {
     std::mt19937 random(seed);
     const auto below = [&](int limit) { return std::uniform_int_distribution(0, limit - 1)(random); };
     // The local player, whom the picture follows, stands anywhere, at an edge too.
-    modMain::localPlayer.position = {static_cast<float>(below(11) * 10'000), static_cast<float>(below(11) * 10'000)};
-    modMain::frameTime = below(3) * 6;
+    modMain::world.localPlayer.position = {static_cast<float>(below(11) * 10'000),
+                                           static_cast<float>(below(11) * 10'000)};
+    modMain::world.frameTime = below(3) * 6;
     clsPlayer player;
     player.init(1, 0, 8, "Bob");
     LiteralOpponent literal;
-    Vector point = modMain::localPlayer.position;
+    Vector point = modMain::world.localPlayer.position;
     for (int stepsLeft = below(150); stepsLeft > 0; --stepsLeft) {
       switch (below(4)) {
         case 0:

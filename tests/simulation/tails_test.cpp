@@ -36,7 +36,7 @@ class Tails : public GameTest {
   }
   std::int16_t ageOf(std::size_t index) const { return player.tails[index].getAge(); }
 
-  clsPlayer& player = modMain::localPlayer;
+  clsPlayer& player = modMain::world.localPlayer;
 };
 
 TEST_F(Tails, AVertexIsNewAndKnowsItsPlace) {
@@ -285,9 +285,9 @@ TEST_F(Tails, KillTailOfANumberThatIsNobodysChangesNothing) {
 }
 
 TEST_F(Tails, NumbersAreTheIndexesAlsoInAnOpponentsTail) {
-  modMain::opponents.resize(2);
-  modMain::opponentCount = 2;
-  clsPlayer& opponent = modMain::opponents[1];
+  modMain::world.opponents.resize(2);
+  modMain::world.opponentCount = 2;
+  clsPlayer& opponent = modMain::world.opponents[1];
   opponent.playerIndex = 1;
   opponent.alive = true;
   for (int i = 0; i < 5; ++i) opponent.addTail({static_cast<float>(i), 0});

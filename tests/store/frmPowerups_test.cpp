@@ -197,7 +197,7 @@ TEST_F(StoreWindow, DoneUnloadsIt) {
 
 TEST_F(StoreWindow, AFreshWindowHasItsDesignTextsAgain) {
   modMain::openStore();
-  modMain::localPlayer.showStoreStatus("done");
+  modMain::world.localPlayer.showStoreStatus("done");
   ASSERT_NE(capacity(), "0 / 25");
   frmPowerups->closedByUser();
   ASSERT_FALSE(frmPowerups.isLoaded());

@@ -11,14 +11,14 @@ class PowerupRules : public GameTest {
  protected:
   PowerupRules() { login(0, 7); }
 
-  clsPlayer& player() { return modMain::localPlayer; }
-  static const std::string& lastLine() { return modMain::chatLines[0].text; }
-  static Colour lastColour() { return modMain::chatLines[0].colour; }
+  clsPlayer& player() { return modMain::world.localPlayer; }
+  static const std::string& lastLine() { return modMain::world.chatLines[0].text; }
+  static Colour lastColour() { return modMain::world.chatLines[0].colour; }
   /// The lines that no font styles are white as well; their size tells them from the white ones of the fonts.
-  static bool isPlain() { return lastColour() == RGB(255, 255, 255) && modMain::chatLines[0].size == 0; }
+  static bool isPlain() { return lastColour() == RGB(255, 255, 255) && modMain::world.chatLines[0].size == 0; }
   /// Marks the console and the centre message, so that the next text shows.
   static void forgetTexts() {
-    modMain::chatLines = {};
+    modMain::world.chatLines = {};
     modMain::showCentreMessage("");
   }
   void nextSecond(clsPlayer& who) {
@@ -46,7 +46,7 @@ TEST_F(PowerupRules, TheTableOfActivation) {
     EXPECT_EQ(powerup.count, 2) << row.slot;
     EXPECT_EQ(powerup.timeLeft, row.seconds) << row.slot;
     EXPECT_EQ(powerup.active, row.active) << row.slot;
-    EXPECT_EQ(modMain::centreMessage, row.message);
+    EXPECT_EQ(modMain::world.centreMessage, row.message);
   }
 }
 
@@ -134,7 +134,7 @@ TEST_F(PowerupRules, APulseBehindAShieldIsAskedFor) {
 TEST_F(PowerupRules, ADeadPlayersPulseGetsBothTexts) {
   player().alive = false;
   player().requestActivatePowerup(5);
-  EXPECT_EQ(modMain::chatLines[1].text, "You can't use abilities in your current state (ie:dead).");
+  EXPECT_EQ(modMain::world.chatLines[1].text, "You can't use abilities in your current state (ie:dead).");
   EXPECT_EQ(lastLine(), "Refusing to activate EMP, doing so without your shield active will kill you too!!!");
 }
 
@@ -148,7 +148,7 @@ TEST_F(PowerupRules, ASecondMessageForARunningSlotChangesNothing) {
   serverSends(156, {"7", "1"});
   EXPECT_EQ(player().powerups[turboSlot].count, 1);
   EXPECT_EQ(player().powerups[turboSlot].timeLeft, 4);
-  EXPECT_EQ(modMain::centreMessage, "");
+  EXPECT_EQ(modMain::world.centreMessage, "");
 }
 
 TEST_F(PowerupRules, Q046WithoutStockTheServersWordCounts) {
@@ -166,10 +166,10 @@ TEST_F(PowerupRules, AnOpponentsPowerupRunsInSilence) {
   serverSends(156, {"8", "1"});
   EXPECT_EQ(opponent.powerups[turboSlot].count, 0);
   EXPECT_TRUE(opponent.powerups[turboSlot].active);
-  EXPECT_EQ(modMain::centreMessage, "");
+  EXPECT_EQ(modMain::world.centreMessage, "");
   for (int second = 0; second < 5; ++second) nextSecond(opponent);
   EXPECT_FALSE(opponent.powerups[turboSlot].active);
-  EXPECT_EQ(modMain::centreMessage, "");
+  EXPECT_EQ(modMain::world.centreMessage, "");
   EXPECT_EQ(lastLine(), "");
 }
 
@@ -177,9 +177,9 @@ TEST_F(PowerupRules, AnOpponentsPulseIsNotAnnounced) {
   join(8, 1, "Bob");
   forgetTexts();
   serverSends(156, {"8", "5"});
-  EXPECT_EQ(modMain::centreMessage, "");
+  EXPECT_EQ(modMain::world.centreMessage, "");
   serverSends(156, {"7", "5"});
-  EXPECT_EQ(modMain::centreMessage, "Electro-Magnetic Pulse");
+  EXPECT_EQ(modMain::world.centreMessage, "Electro-Magnetic Pulse");
 }
 
 TEST_F(PowerupRules, ASlotOutsideTheSixIsAFaultInTheActivationAlone) {
@@ -251,7 +251,7 @@ TEST_F(PowerupRules, TheLaserEndsAtTheNextTick) {
   EXPECT_FALSE(player().powerups[laserSlot].active);
   EXPECT_EQ(lastLine(), "Powerup faded...");
   EXPECT_TRUE(isPlain());
-  EXPECT_EQ(modMain::centreMessage, "Powerup faded");
+  EXPECT_EQ(modMain::world.centreMessage, "Powerup faded");
 }
 
 TEST_F(PowerupRules, AllThatRunOutInOneTickAreTold) {
@@ -263,8 +263,8 @@ TEST_F(PowerupRules, AllThatRunOutInOneTickAreTold) {
     EXPECT_FALSE(player().powerups[slot].active) << slot;
   EXPECT_TRUE(player().powerups[extendedTailSlot].active);
   EXPECT_EQ(player().powerups[extendedTailSlot].timeLeft, 1);
-  for (std::size_t line = 0; line < 3; ++line) EXPECT_EQ(modMain::chatLines[line].text, "Powerup faded...");
-  EXPECT_EQ(modMain::chatLines[3].text, "");
+  for (std::size_t line = 0; line < 3; ++line) EXPECT_EQ(modMain::world.chatLines[line].text, "Powerup faded...");
+  EXPECT_EQ(modMain::world.chatLines[3].text, "");
 }
 
 TEST_F(PowerupRules, NoSoundStopsWhenAPowerupFades) {
@@ -324,7 +324,7 @@ TEST_F(PowerupRules, Q273AnEarlyEndIsToldOfAnOpponentAndOfWhatDidNotRun) {
   serverSends(161, {"8", "0"});
   EXPECT_FALSE(opponent.powerups[shieldSlot].active);
   EXPECT_EQ(lastLine(), "Bob's shield has collapsed!!");
-  EXPECT_EQ(modMain::centreMessage, "");
+  EXPECT_EQ(modMain::world.centreMessage, "");
   ASSERT_FALSE(player().powerups[laserSlot].active);
   serverSends(161, {"7", "4"});
   EXPECT_EQ(lastLine(), "Ann's laser has shorted out!!");

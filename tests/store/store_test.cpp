@@ -11,7 +11,7 @@
 namespace kelvora {
 namespace {
 
-using modMain::localPlayer;
+using modMain::world;
 
 const std::string noRoom =
     "Cannot purchase powerup, you have no where to store it.  Check your capacity, consider selling.";
@@ -23,11 +23,13 @@ class Store : public GameTest {
     login(0, 7);
     soundMan::initAudio();
     forgetSounds();
-    modMain::chatLines = {};
+    modMain::world.chatLines = {};
   }
 
-  static void stock(std::int16_t count, std::size_t item = shieldSlot) { localPlayer.powerups[item].count = count; }
-  static const std::string& lastLine() { return modMain::chatLines[0].text; }
+  static void stock(std::int16_t count, std::size_t item = shieldSlot) {
+    world.localPlayer.powerups[item].count = count;
+  }
+  static const std::string& lastLine() { return modMain::world.chatLines[0].text; }
   static std::string status() { return frmPowerups->lblWinners.Caption; }
   static std::string shownFunds() { return frmPowerups->lblFunds.Caption; }
   static std::string shownCapacity() { return frmPowerups->lblCapacity.Caption; }
@@ -38,28 +40,28 @@ class Store : public GameTest {
 };
 
 TEST_F(Store, ANewPlayerHasTenCreditsAndRoomForTen) {
-  EXPECT_EQ(localPlayer.funds(), 10);
-  EXPECT_EQ(localPlayer.powerSlotLimit, 10);
+  EXPECT_EQ(world.localPlayer.funds(), 10);
+  EXPECT_EQ(world.localPlayer.powerSlotLimit, 10);
   EXPECT_EQ(mainCredits(), "10");
 }
 
 TEST_F(Store, TheButtonOpensItOverTheRunningGame) {
   stock(3, turboSlot);
   serverSends(148, {"7", "33"});
-  modMain::roundMessage = "Bob wins";
+  modMain::world.roundMessage = "Bob wins";
   frmMain->btnShop.Click();
   ASSERT_TRUE(frmPowerups.isVisible());
   EXPECT_EQ(frmPowerups->modality(), Form::Modality::Modeless);
   EXPECT_EQ(status(), "Bob wins");
   EXPECT_EQ(shownFunds(), "33");
   for (int item = 0; item < 6; ++item) EXPECT_EQ(shownStock(item), item == 1 ? "3" : "0");
-  EXPECT_TRUE(localPlayer.alive) << "it can be opened in mid-game";
+  EXPECT_TRUE(world.localPlayer.alive) << "it can be opened in mid-game";
 
-  localPlayer.velocity = {100, 0};
-  const Vector before = localPlayer.position;
-  localPlayer.breaksOn = false;
+  world.localPlayer.velocity = {100, 0};
+  const Vector before = world.localPlayer.position;
+  world.localPlayer.breaksOn = false;
   modMain::runFrame();
-  EXPECT_NE(localPlayer.position, before);
+  EXPECT_NE(world.localPlayer.position, before);
   EXPECT_TRUE(frmPowerups.isVisible());
 }
 
@@ -101,15 +103,15 @@ TEST_F(Store, Q270ClosingItDoesNotStopTheShoppingMusic) {
 TEST_F(Store, OpeningItOnceMoreFillsItInAnew) {
   modMain::openStore();
   stock(2);
-  modMain::roundMessage = "again";
+  modMain::world.roundMessage = "again";
   modMain::openStore();
   EXPECT_EQ(shownStock(0), "2");
   EXPECT_EQ(status(), "again");
 }
 
 TEST_F(Store, Q200BeforeTheFirstLoginItKeepsItsDesignTexts) {
-  localPlayer = {};
-  localPlayer.funds(50);
+  world.localPlayer = {};
+  world.localPlayer.funds(50);
   stock(4);
   frmMain->sock.Close();
   modMain::openStore();
@@ -146,7 +148,7 @@ TEST_F(Store, PicturesAndButtonsRequestAPurchase) {
     EXPECT_EQ(sentFrames(), expected);
   }
   EXPECT_EQ(status(), "") << "the server has not answered yet";
-  EXPECT_EQ(localPlayer.totalPowerups(), 0);
+  EXPECT_EQ(world.localPlayer.totalPowerups(), 0);
 }
 
 TEST_F(Store, TenItemsLeaveNoRoom) {
@@ -188,22 +190,22 @@ TEST_F(Store, Q203WhatIsNotThereCanBeOfferedForSale) {
 TEST_F(Store, APurchaseIsShownEverywhere) {
   modMain::openStore();
   serverSends(151, {"0", "2", "24.5"});
-  EXPECT_EQ(localPlayer.powerups[shieldSlot].count, 2);
-  EXPECT_EQ(localPlayer.funds(), 24) << "ties go to the even number";
+  EXPECT_EQ(world.localPlayer.powerups[shieldSlot].count, 2);
+  EXPECT_EQ(world.localPlayer.funds(), 24) << "ties go to the even number";
   EXPECT_EQ(mainCredits(), "24");
   EXPECT_EQ(shownFunds(), "24");
   EXPECT_EQ(shownStock(0), "2");
   EXPECT_EQ(shownCapacity(), "2 / 10");
   EXPECT_EQ(status(), "Item purchased");
   EXPECT_EQ(lastLine(), "Item purchased");
-  EXPECT_EQ(modMain::chatLines[0].colour, fontMan::getFontColour(3));
+  EXPECT_EQ(modMain::world.chatLines[0].colour, fontMan::getFontColour(3));
   EXPECT_EQ(frmPowerups->lblItemCost[0].BackColor.get(), RGB(255, 255, 255));
   EXPECT_EQ(frmPowerups->lblItemCost[2].BackColor.get(), RGB(128, 95, 95));
 }
 
 TEST_F(Store, APurchaseArrivesWithTheWindowClosed) {
   serverSends(151, {"3", "1", "4"});
-  EXPECT_EQ(localPlayer.powerups[extendedTailSlot].count, 1);
+  EXPECT_EQ(world.localPlayer.powerups[extendedTailSlot].count, 1);
   EXPECT_EQ(mainCredits(), "4");
   EXPECT_EQ(lastLine(), "Item purchased");
   EXPECT_FALSE(frmPowerups.isLoaded());
@@ -215,16 +217,16 @@ TEST_F(Store, APurchaseOfNoItemEndsBehindTheBalance) {
   EXPECT_EQ(mainCredits(), "4");
   EXPECT_EQ(lastLine(), "");
   EXPECT_EQ(status(), "");
-  EXPECT_THROW(localPlayer.purchaseAccepted(-1, 1, 5), RuntimeFault);
-  EXPECT_EQ(localPlayer.funds(), 5);
+  EXPECT_THROW(world.localPlayer.purchaseAccepted(-1, 1, 5), RuntimeFault);
+  EXPECT_EQ(world.localPlayer.funds(), 5);
 }
 
 TEST_F(Store, Q204ASaleIsNotRoundedAndTheMainWindowKeepsTheOldBalance) {
   modMain::openStore();
   stock(3);
   serverSends(160, {"0", "2", "27.75"});
-  EXPECT_EQ(localPlayer.powerups[shieldSlot].count, 2);
-  EXPECT_EQ(localPlayer.funds(), 27.75);
+  EXPECT_EQ(world.localPlayer.powerups[shieldSlot].count, 2);
+  EXPECT_EQ(world.localPlayer.funds(), 27.75);
   EXPECT_EQ(shownFunds(), "27") << "the floor";
   EXPECT_EQ(mainCredits(), "10");
   EXPECT_EQ(status(), "Item sold");
@@ -242,7 +244,7 @@ TEST_F(Store, Q275AFractionOfACreditIsShownByANewFillingAlone) {
   EXPECT_EQ(shownFunds(), "27");
   modMain::openStore();
   EXPECT_EQ(shownFunds(), "27.75");
-  localPlayer.showStoreStatus("text");
+  world.localPlayer.showStoreStatus("text");
   EXPECT_EQ(shownFunds(), "27");
 }
 
@@ -250,17 +252,17 @@ TEST_F(Store, Q205ASaleOfNoItemIsToldAllTheSame) {
   modMain::openStore();
   serverSends(160, {"6", "2", "99"});
   EXPECT_EQ(status(), "Item sold");
-  EXPECT_EQ(localPlayer.funds(), 10);
+  EXPECT_EQ(world.localPlayer.funds(), 10);
   serverSends(160, {"-1", "2", "99"});
-  EXPECT_EQ(localPlayer.funds(), 10);
-  EXPECT_EQ(localPlayer.totalPowerups(), 0);
+  EXPECT_EQ(world.localPlayer.funds(), 10);
+  EXPECT_EQ(world.localPlayer.totalPowerups(), 0);
 }
 
 TEST_F(Store, ASaleArrivesWithTheWindowClosed) {
   stock(3);
   serverSends(160, {"0", "2", "30"});
-  EXPECT_EQ(localPlayer.powerups[shieldSlot].count, 2);
-  EXPECT_EQ(localPlayer.funds(), 30);
+  EXPECT_EQ(world.localPlayer.powerups[shieldSlot].count, 2);
+  EXPECT_EQ(world.localPlayer.funds(), 30);
   EXPECT_FALSE(frmPowerups.isLoaded());
 }
 
@@ -296,7 +298,7 @@ TEST_F(Store, ARefusalWithoutAnyFieldIsHeardAlone) {
 }
 
 TEST_F(Store, StatusWithTheWindowClosedDoesNotOpenIt) {
-  localPlayer.showStoreStatus("text");
+  world.localPlayer.showStoreStatus("text");
   EXPECT_FALSE(frmPowerups.isLoaded());
 }
 
@@ -322,13 +324,13 @@ TEST_F(Store, ARespawnClosesIt) {
 TEST_F(Store, Q206ARoundThatEndsMeanwhileIsMissed) {
   modMain::openStore();
   serverSends(142, {"Bob has won"});
-  EXPECT_TRUE(localPlayer.alive);
-  EXPECT_EQ(modMain::roundMessage, "");
+  EXPECT_TRUE(world.localPlayer.alive);
+  EXPECT_EQ(modMain::world.roundMessage, "");
   EXPECT_EQ(lastLine(), "");
   frmPowerups->cmdDone.Click();
   serverSends(142, {"Bob has won"});
-  EXPECT_FALSE(localPlayer.alive);
-  EXPECT_EQ(modMain::roundMessage, "Bob has won");
+  EXPECT_FALSE(world.localPlayer.alive);
+  EXPECT_EQ(modMain::world.roundMessage, "Bob has won");
 }
 
 TEST_F(Store, FundsAreWholeNumbersRoundedToEven) {
@@ -340,7 +342,7 @@ TEST_F(Store, FundsAreWholeNumbersRoundedToEven) {
   for (const Row& row :
        {Row{"2.5", 2, "2"}, Row{"3.5", 4, "4"}, Row{"-.4", 0, "0"}, Row{"123456789", 123456789.0, "123456789"}}) {
     serverSends(148, {"7", row.sent});
-    EXPECT_EQ(localPlayer.funds(), row.funds);
+    EXPECT_EQ(world.localPlayer.funds(), row.funds);
     EXPECT_EQ(mainCredits(), row.shown);
   }
 }

@@ -74,7 +74,7 @@ GameTest::GameTest() {
   machine.pictureSource = testPicture;
   machine.path = KELVORA_SOURCE_DIR;
   installBackend(&machine);
-  modMain::clearWorld();
+  modMain::world = {};
   netMan::clear();
   updateCheck::clear();
   soundMan::clear();
@@ -99,14 +99,14 @@ void GameTest::login(std::int16_t colour, std::int16_t node, float x, float y, c
   connect(name, colour);
   serverSends(wire::msgLoginAccepted,
               {std::to_string(colour), std::to_string(node), std::to_string(x), std::to_string(y)});
-  ASSERT_TRUE(modMain::localPlayer.isConnected) << "the login is accepted";
+  ASSERT_TRUE(modMain::world.localPlayer.isConnected) << "the login is accepted";
   forgetSent();
 }
 
 std::int16_t GameTest::join(std::int16_t node, std::int16_t colour, const std::string& name, float x, float y) {
   serverSends(wire::msgPlayerJoined,
               {std::to_string(node), std::to_string(colour), name, std::to_string(x), std::to_string(y), "1", "0"});
-  return static_cast<std::int16_t>(modMain::opponentCount - 1);
+  return static_cast<std::int16_t>(modMain::world.opponentCount - 1);
 }
 
 void GameTest::serverSends(const std::string& bytes) {

@@ -40,7 +40,7 @@ class SoundingGame : public ::testing::Test {
     Surface::setGlyphSource(&glyphs_);
     desktop_ = std::make_unique<QtDesktop>("");
     installBackend(desktop_.get());
-    modMain::clearWorld();
+    modMain::world = {};
     soundMan::clear();
   }
   ~SoundingGame() override {
