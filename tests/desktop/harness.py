@@ -42,6 +42,43 @@ def wait_for(condition, what, seconds=20.0, pause=0.05):
         time.sleep(pause)
 
 
+def wait_until_it_holds(assertion, seconds=20.0, pause=0.05):
+    """Returns once `assertion` passes; fails the test as it failed last when it does not pass in time."""
+    deadline = time.monotonic() + seconds
+    while True:
+        try:
+            return assertion()
+        except AssertionError:
+            if time.monotonic() > deadline:
+                raise
+        time.sleep(pause)
+
+
+def wait_for_rest(look, what, looks=5):
+    """What `look` returns once it has returned the same so many times in a row."""
+    seen = []
+
+    def is_at_rest():
+        seen.append(look())
+        return len(seen) >= looks and all(one == seen[-1] for one in seen[-looks:])
+    wait_for(is_at_rest, f"the rest of {what}")
+    return seen[-1]
+
+
+def is_read(connection):
+    """True once the program at the other end has read all that was sent over this connection."""
+    ends = connection.getsockname()[1], connection.getpeername()[1]
+    queues = {}
+    with open("/proc/net/tcp") as table:
+        next(table)
+        for row in table:
+            _, local, remote, _, waiting = row.split()[:5]
+            ports = tuple(int(address.rpartition(":")[2], 16) for address in (local, remote))
+            queues[ports] = [int(length, 16) for length in waiting.split(":")]
+    unsent, unread = queues[ends][0], queues.get(ends[::-1], (0, 0))[1]
+    return unsent == 0 and unread == 0
+
+
 def stop(process):
     if process.poll() is None:
         process.terminate()
@@ -207,10 +244,21 @@ class Client:
         self.log.seek(0)
         return self.log.read().decode(errors="replace")
 
+    def visible(self):
+        return self.display.xdotool("search", "--onlyvisible", "--pid", self.process.pid).split()
+
+    def choose(self, x, *keys):
+        """Opens the menu that stands at pixel x of the menu bar, and goes to an item by these keys."""
+        before = set(self.visible())
+        self.window.click(x, self.menu // 2)
+        wait_for(lambda: set(self.visible()) - before, "the menu")
+        for key in keys:
+            self.display.xdotool("key", key)
+
     def windows(self):
         """The client's visible windows by title."""
         found = {}
-        for identifier in self.display.xdotool("search", "--onlyvisible", "--pid", self.process.pid).split():
+        for identifier in self.visible():
             title = self.display.xdotool("getwindowname", identifier).strip()
             if title and Window(self.display, identifier).is_shown():
                 found[title] = Window(self.display, identifier, self.scale)
@@ -366,6 +414,19 @@ class Line:
                 break
             frames.append(received)
         return frames
+
+    def sync(self):
+        """Returns once the client has taken in all that was sent: it has answered a ping, and a report follows. Frames
+        ahead of the answer are passed over."""
+        self.send(PING, 1)
+        while self.recv_frame()[0] != PING_REPLY:
+            pass
+        assert self.recv_frame()[0] == POSITION_REPORT
+
+    def wait_for_paint(self):
+        """Returns once a frame has been painted since the client took in all that was sent."""
+        self.sync()
+        self.sync()
 
     def report(self, seconds=10.0):
         """The next position report as a pair of numbers; other frames are passed over."""

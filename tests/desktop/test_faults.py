@@ -200,8 +200,7 @@ class ClientFaults(harness.DesktopTest):
         # Ann's game does not know what Bob's has saved, and saves something else: the first item of Settings, Audio.
         before = self.settings(ann)
         ann.window.activate()
-        ann.window.click(70, ann.menu // 2)
-        self.display.xdotool("sleep", "0.3", "key", "Down", "key", "Right", "key", "Return")
+        ann.choose(70, "Down", "Right", "Return")
         wait_for(lambda: self.settings(ann) != before, "the setting")
         text = self.settings(ann)
         self.assertIn("[audio]", text)

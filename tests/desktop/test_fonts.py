@@ -32,8 +32,7 @@ class Fonts(harness.DesktopTest):
         return self.open_by_menu(client)
 
     def open_by_menu(self, client):
-        client.window.click(70, client.menu // 2)  # Settings
-        self.display.xdotool("sleep", "0.3", "key", "Down", "key", "Down", "key", "Return")
+        client.choose(70, "Down", "Down", "Return")  # Settings
         return client.wait_for_window("Configure Fonts")
 
     def drag(self, dialog, start, end):

@@ -80,8 +80,14 @@ class Attack:
             self.error = error
         self.seconds = time.monotonic() - begin
 
-    def is_over(self):
+    def is_over(self, seconds=0.0):
+        """Waits so long for its end."""
+        self.thread.join(seconds)
         return not self.thread.is_alive()
+
+    def stop_at_its_end(self):
+        self.thread.join()
+        self.stop()
 
     def stop(self):
         self.stopping = True
@@ -187,9 +193,8 @@ class HostileTest(harness.DesktopTest):
         harness.signal.alarm(90 + ENDLESS_MIB // 4)
         attack = Attack(line, portion, length * MIB)
         self.assert_answers(line)
-        while not attack.is_over():
+        while not attack.is_over(0.2):
             self.assert_answers(line)
-            time.sleep(0.2)
         attack.stop()
         print(f"[{attack.sent / MIB:.0f} MiB in {attack.seconds:.1f} s]", end=" ", flush=True)
         self.await_all_read(line)
@@ -327,9 +332,7 @@ class HostileTest(harness.DesktopTest):
                          frame(POSITION, 8, 50000, 50000 + n) + bytes([START]) for n in range(100))
         flood += frame(PLAYER_JOINED, 8, 1, "Bob", 50000, 50000, 1, 0)
         attack = Attack(line, flood, 8 * MIB)
-        while not attack.is_over():
-            time.sleep(0.1)
-        attack.stop()
+        attack.stop_at_its_end()
         # The keys are the box's now.
         self.await_all_read(line, lambda line: [identifier for identifier, _ in line.frames_during(0.3)])
         self.assertLessEqual(len(self.boxes(client)), MOST_BOXES)
@@ -404,8 +407,7 @@ class HostileTest(harness.DesktopTest):
 
     def disconnect(self, client):
         """File, Disconnect: the item above it is greyed out and passed over."""
-        client.window.click(20, client.menu // 2)
-        self.display.xdotool("sleep", "0.3", "key", "Down", "key", "Return")
+        client.choose(20, "Down", "Return")
         client.wait_for_window("Connect")
 
     def test_server_that_never_speaks_is_left_for_another(self):

@@ -4,7 +4,6 @@ does with the window: full screen, maximised, minimised."""
 import os
 import re
 import subprocess
-import time
 import unittest
 
 import harness
@@ -90,8 +89,7 @@ class Small(harness.DesktopTest):
         self.display.xdotool("click", 1, "type", "~showstore")
         self.display.xdotool("key", "Return")
         store = client.wait_for_window("Powerups")
-        time.sleep(0.3)
-        self.assert_inside(store)
+        harness.wait_until_it_holds(lambda: self.assert_inside(store))
         left, top, width, height = store.geometry()
         # The wheel, downward and to the right: farther than it goes.
         self.display.xdotool("mousemove", left + width // 2, top + height // 2, *["click", 5] * 10, *["click", 7] * 20)
@@ -147,15 +145,29 @@ class Scaled(harness.DesktopTest):
     def title_picture(self, client):
         """The pixels of the canvas in rows, once nothing stands in front of it."""
         dialog = client.wait_for_window("Connect")
+        dialog_left, dialog_top, width, height = dialog.geometry()
+        # Its ground, left of the texts and right of the boxes.
+        edges = [(x, dialog_top + height * share // 8) for x in (dialog_left + 2, dialog_left + width - 3)
+                 for share in (1, 4, 7)]
+        picture = self.display.picture()
+        grounds = [picture.pixel(*edge) for edge in edges]
         dialog.click((1260 + 700) // TWIPS, (2460 + 180) // TWIPS)
         wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
-        time.sleep(0.3)
+
+        def is_uncovered():
+            picture = self.display.picture()
+            return all(picture.pixel(*edge) != ground for edge, ground in zip(edges, grounds))
+        wait_for(is_uncovered, "the picture behind the dialog")
         left, top = client.on_screen(0, 0)
         right, bottom = client.on_screen(*client.canvas_size())
-        picture = self.display.picture()
-        rows = [picture.bytes[(y * picture.width + left) * 3:(y * picture.width + right) * 3] for y in range(top, bottom)]
+
+        def rows():
+            picture = self.display.picture()
+            return [picture.bytes[(y * picture.width + left) * 3:(y * picture.width + right) * 3]
+                    for y in range(top, bottom)]
+        shown = harness.wait_for_rest(rows, "the picture", looks=2)
         client.close()
-        return rows
+        return shown
 
     def test_each_pixel_of_the_picture_is_four_at_scale_two(self):
         single = self.title_picture(self.scaled_client(1))
@@ -193,7 +205,7 @@ class Scaled(harness.DesktopTest):
                     words = self.display.xdotool("getmouselocation").split()
                     return [int(word.split(":")[1]) for word in words[:2]]
                 wait_for(lambda: place()[0] > x + 20 * scale, "the push", 5)
-                time.sleep(0.2)
+                line.wait_for_paint()
                 self.display.xdotool("mouseup", 1)
                 # Rounded to the window's pixels, of which each has `scale` of the screen's.
                 for axis in range(2):
@@ -232,8 +244,8 @@ class Two(harness.DesktopTest):
         dialog.click((1260 + 700) // TWIPS, (2460 + 180) // TWIPS)
         wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
         self.display.xdotool("windowmove", client.window.identifier, left, 100)
+        # The client hears of the move before it hears of the click.
         wait_for(lambda: abs(client.window.geometry()[0] - left) < 10, "the move")
-        time.sleep(0.2)
         # The button on the title picture.
         self.display.xdotool("mousemove", *client.on_screen(200 // TWIPS + 20, 5200 // TWIPS + 20), "click", 1)
         dialog = client.wait_for_window("Connect")
@@ -263,7 +275,6 @@ class Two(harness.DesktopTest):
         client, line = self.log_in()
         self.display.xdotool("windowmove", client.window.identifier, 1500, 100)
         wait_for(lambda: client.window.geometry()[0] > 1400, "the move")
-        time.sleep(0.2)
         x, y = client.on_screen(1, 300)
         self.display.xdotool("mousemove", x + 200, y, "mousedown", 1, "mousemove", x, y)
 

@@ -5,7 +5,6 @@ import resource
 import signal
 import socket
 import subprocess
-import time
 import unittest
 
 import harness
@@ -95,11 +94,7 @@ class ServerFaults(unittest.TestCase):
         process = self.start()
         while " closed" not in process.stderr.readline():  # the connection that asked whether it listens
             pass
-        counts = []
-        while len(counts) < 5:
-            counts.append(len(os.listdir(f"/proc/{process.pid}/fd")))
-            time.sleep(0.05)
-        open_files = min(counts)
+        open_files = harness.wait_for_rest(lambda: len(os.listdir(f"/proc/{process.pid}/fd")), "the open files")
         resource.prlimit(process.pid, resource.RLIMIT_NOFILE, (open_files + 1, open_files + 1))
         ann = self.log_in(process)
         self.assertEqual(ann.recv_frame()[0], harness.LOGIN_ACCEPTED)

@@ -1,6 +1,5 @@
 """The store in its real window: buying, selling, refusals, its place and its end; and the keys that fire what it sells."""
 
-import time
 import unittest
 
 import harness
@@ -145,8 +144,7 @@ class Store(harness.DesktopTest):
         x, y = left + PICTURE[0] + 28, top + PICTURE[1] + 28
         below = (PICTURE[0] + 28, PICTURE[1] + 28, 120, 50)
         self.display.xdotool("mousemove", left + 400, top + 20)
-        time.sleep(0.3)
-        before = store.pixels(below)
+        before = harness.wait_for_rest(lambda: store.pixels(below), "the store")
         self.display.xdotool("mousemove", x - 1, y, "mousemove", x, y)
         harness.wait_for(lambda: sum(a != b for a, b in zip(store.pixels(below), before)) > 500, "the tool tip")
 
@@ -169,23 +167,17 @@ class Store(harness.DesktopTest):
 
     def test_it_jumps_back_when_it_gets_the_focus(self):
         store, line = self.open()
-        home = self.resting_place(store.window)
+        line.send(BUY_ACCEPTED, 0, 2, 0)
+        home = harness.wait_for_rest(lambda: store.window.geometry()[:2], "the store's place")
         self.display.xdotool("windowmove", store.window.identifier, home[0] + 200, home[1] + 150)
         harness.wait_for(lambda: store.window.geometry()[0] > home[0] + 150, "the move")
-        self.resting_place(store.window)  # the client hears of the move a little later
         store.client.window.activate()
-        self.assertGreater(self.resting_place(store.window)[0], home[0] + 150)
+        # A key that the main window answers tells that the client has heard of the move and of the focus.
+        self.display.xdotool("key", "F1")
+        self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [b"0"]))
+        self.assertGreater(store.window.geometry()[0], home[0] + 150)
         store.window.activate()
         harness.wait_for(lambda: store.window.geometry()[:2] == home, "the store's place")
-
-    def resting_place(self, window):
-        """Where a window stands once it has stood there for half a second."""
-        place, since = window.geometry()[:2], time.monotonic()
-        while time.monotonic() - since < 0.5:
-            time.sleep(0.05)
-            if (now := window.geometry()[:2]) != place:
-                place, since = now, time.monotonic()
-        return place
 
 
 class RealServer(harness.DesktopTest):
@@ -214,7 +206,7 @@ class Keys(harness.DesktopTest):
     def fire_all(self, client, line):
         for item in range(6):
             line.send(BUY_ACCEPTED, item, 1, 0)
-        time.sleep(0.3)
+        line.sync()
         for item in range(5):
             self.display.xdotool("key", f"F{item + 1}")
             self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [str(item).encode()]))
@@ -222,7 +214,7 @@ class Keys(harness.DesktopTest):
         self.display.xdotool("key", "F6")
         self.assertEqual(line.frames_during(0.5), [])
         line.send(POWERUP_ON, 7, 0)
-        time.sleep(0.3)
+        line.sync()
         self.display.xdotool("key", "F6")
         self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [b"5"]))
 

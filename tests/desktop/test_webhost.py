@@ -3,8 +3,8 @@ down, slow, broken or endless."""
 
 import random
 import socket
-import time
 import unittest
+import urllib.request
 
 import harness
 from harness import LOGIN, PLAYER_JOINED, TWIPS
@@ -43,6 +43,15 @@ class Request:
     def close(self):
         self.connection.close()
 
+    def await_all_read(self):
+        """Until the client has read all that was sent."""
+        harness.wait_for(lambda: harness.is_read(self.connection), "the reading", pause=0.001)
+
+    def end(self):
+        """Nothing more is sent; waits until the client has closed the connection too."""
+        self.connection.shutdown(socket.SHUT_WR)
+        assert self.is_closed()
+
     def is_closed(self):
         try:
             return self.connection.recv(1) == b""
@@ -68,6 +77,16 @@ class WebHost:
         self.port = self.listener.getsockname()[1]
         self.name = f"127.0.0.1:{self.port}"
         self.requests = []
+
+    def hold(self):
+        """From here on the system keeps who connects waiting, as its queue is full of one connection of our own."""
+        self.listener.listen(0)
+        self.plug = socket.create_connection(("127.0.0.1", self.port))
+
+    def let_in(self):
+        self.listener.listen()
+        for end in (self.listener.accept()[0], self.plug):
+            end.close()
 
     def request_for(self, path, seconds=10.0):
         """The next request for the path; other ones are left without an answer."""
@@ -141,6 +160,28 @@ class WebTest(harness.DesktopTest):
         self.double_click(finder, 0)
         self.assertEqual(server.accept().recv_frame()[0], LOGIN)
 
+    def box_pixels(self, finder, name):
+        left, top = finder.geometry()[:2]
+        x, y = BOXES[name]
+        picture = self.display.picture()
+        return [picture.pixel(left + x + dx, top + y + dy) for dx in range(-8, 8) for dy in range(-8, 8)]
+
+    def change_box(self, finder, name):
+        """Returns once the box shows its new value with the mouse beside it."""
+        self.display.xdotool("mousemove", *finder.geometry()[:2])
+        before = harness.wait_for_rest(lambda: self.box_pixels(finder, name), "the box", looks=2)
+        self.click_box(finder, name)
+        self.display.xdotool("mousemove", *finder.geometry()[:2])
+        harness.wait_for(lambda: self.box_pixels(finder, name) != before, f"the box '{name}' changed")
+        harness.wait_for_rest(lambda: self.box_pixels(finder, name), "the box", looks=2)
+
+    def assert_no_box(self, client):
+        """The connect dialog can be closed, which it cannot while a box stands before it."""
+        dialog = client.wait_for_window("Connect")
+        dialog.click((1260 + 700) // TWIPS, (2460 + 180) // TWIPS)
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE}, "the dialog's end")
+        self.assertIsNone(client.process.poll())
+
     def answer_box(self, box):
         box.activate()
         self.display.xdotool("key", "Return")
@@ -180,7 +221,9 @@ class Finder(WebTest):
         for name in ("password", "empty", "full", "password"):
             flags[name] = 1 - flags[name]
             # The host answers when it pleases: here after the button has been let go.
-            self.click_box(finder, name)
+            host.hold()
+            self.change_box(finder, name)
+            host.let_in()
             query = "password={password}&full={full}&empty={empty} HTTP/1.1".format(**flags).encode()
             self.assertIn(query, self.list_request(host).head)
 
@@ -188,7 +231,7 @@ class Finder(WebTest):
         port = harness.free_port()
         client = self.start_client(web_host=f"127.0.0.1:{port}")
         finder = self.open_finder(client)
-        time.sleep(0.5)
+        self.change_box(finder, "full")  # so the first request and that of the box have failed
         self.assert_alive(client, finder, self.web_host(port))
 
     def test_slow_host_is_waited_for(self):
@@ -198,7 +241,7 @@ class Finder(WebTest):
         request.connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
         for byte in record(server.port) + b"-END-":
             request.send(bytes([byte]))
-            time.sleep(0.03)
+            request.await_all_read()
         self.wait_for_row(finder, 0)
         self.double_click(finder, 0)
         self.assertEqual(server.accept().recv_frame()[0], LOGIN)
@@ -208,8 +251,7 @@ class Finder(WebTest):
         client, finder = self.start_finder(host)
         request = self.list_request(host)
         request.send(record(2010))
-        request.close()
-        time.sleep(0.3)
+        request.end()
         self.assert_alive(client, finder, host)
 
     def test_garbage_does_no_harm(self):
@@ -217,7 +259,7 @@ class Finder(WebTest):
         client, finder = self.start_finder(host)
         request = self.list_request(host)
         request.send(random.Random(1).randbytes(300_000))
-        time.sleep(0.3)
+        request.await_all_read()
         self.assert_alive(client, finder, host)
 
     def test_host_that_never_ends_is_left(self):
@@ -244,8 +286,9 @@ class Finder(WebTest):
     def test_double_click_on_an_empty_list_is_refused_and_ends_the_finder(self):
         host = self.web_host()
         client, finder = self.start_finder(host)
-        self.list_request(host).send(b"-END-")
-        time.sleep(0.5)
+        request = self.list_request(host)
+        request.send(b"-END-")
+        self.assertTrue(request.is_closed())
         self.double_click(finder, 0)
         box = client.wait_for_window(BOX)
         self.assertIn(FINDER, client.windows())
@@ -269,31 +312,27 @@ class Updates(WebTest):
         client = self.start_client(web_host=host.name)
         return host, client, host.request_for(b"ver.txt")
 
-    def assert_no_box(self, client):
-        time.sleep(0.7)
-        self.assertIsNone(client.process.poll())
-        self.assertEqual(set(client.windows()), {harness.TITLE, "Connect"})
-
     def test_another_version_is_told(self):
         host, client, request = self.start_check()
         self.assertEqual(request.head, f"GET http://{host.name}/games/kelvora/ver.txt HTTP/1.0\r\n\r\n".encode())
         request.send(UPDATE_FILE % b"1.3.0")
+        request.await_all_read()
         self.assert_no_box(client)  # until the host closes
         request.close()
         self.answer_box(client.wait_for_window(BOX))
-        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the box's end")
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE}, "the box's end")
 
     def test_same_version_is_not_told(self):
         host, client, request = self.start_check()
         request.send(UPDATE_FILE % b"1.2.1")
-        request.close()
+        request.end()
         self.assert_no_box(client)
 
     def test_slow_host_is_waited_for(self):
         host, client, request = self.start_check()
         for byte in UPDATE_FILE % b"1.3.0":
             request.send(bytes([byte]))
-            time.sleep(0.01)
+            request.await_all_read()
         request.close()
         client.wait_for_window(BOX)
 
@@ -302,7 +341,7 @@ class Updates(WebTest):
             with self.subTest(answer=answer[:20]):
                 host, client, request = self.start_check()
                 request.send(answer)
-                request.close()
+                request.end()
                 self.assert_no_box(client)
                 client.close()
 
@@ -321,10 +360,15 @@ class Updates(WebTest):
 class OwnWebHost(WebTest):
     """The web host that the real server brings."""
 
-    def change_box(self, finder, name):
+    def change_box_and_refresh(self, finder, name):
         """A host as near as this one answers between press and release, and hears the old value; then the new one."""
-        self.click_box(finder, name)
+        self.change_box(finder, name)
         finder.click(*REFRESH)
+
+    def servers_listed(self, server):
+        query = "gethosts.php?version=1.2.1&password=1&full=1&empty=1"
+        with urllib.request.urlopen(f"http://{server.web_host}/games/kelvora/{query}", timeout=10) as answer:
+            return answer.read().count(b"[")
 
     def test_server_lists_itself_and_is_joined(self):
         server = self.start_server("--web-port", "0", "--notes", "friendly game")
@@ -340,13 +384,10 @@ class OwnWebHost(WebTest):
     def test_second_server_of_its_list_is_joined(self):
         server = self.start_server("--web-port", "0")
         other = self.start_server("--publish", f"http://{server.web_host}")
+        harness.wait_for(lambda: self.servers_listed(server) == 2, "the other server in the list")
         client = self.start_client(web_host=server.web_host)
         finder = self.open_finder(client)
-        for _ in range(20):
-            if self.has_row(finder, 1):
-                break
-            finder.click(*REFRESH)
-            time.sleep(0.5)
+        self.wait_for_row(finder, 1)
         self.double_click(finder, 1)
         client.wait_for_status((128, 255, 128))
         with socket.create_connection(("127.0.0.1", other.port)) as connection:
@@ -361,7 +402,7 @@ class OwnWebHost(WebTest):
         client = self.start_client(web_host=server.web_host)
         finder = self.open_finder(client)
         self.wait_for_row(finder, 0)
-        self.change_box(finder, "empty")
+        self.change_box_and_refresh(finder, "empty")
         self.wait_for_no_row(finder, 0)
         with socket.create_connection(("127.0.0.1", server.port)) as connection:
             player = harness.Line(connection)
@@ -377,7 +418,7 @@ class OwnWebHost(WebTest):
         finder.activate()
         self.wait_for_row(finder, -1)  # the heading, the one row of a list without servers
         self.assertFalse(self.has_row(finder, 0))
-        self.change_box(finder, "password")
+        self.change_box_and_refresh(finder, "password")
         self.wait_for_row(finder, 0)
         self.double_click(finder, 0)
         # The empty password of the connect dialog is refused.
@@ -401,9 +442,8 @@ class OwnWebHost(WebTest):
         client = self.start_client(web_host=host.name)
         request, answer = self.update_answer(host, server)
         request.send(answer)
-        request.close()
-        time.sleep(0.7)
-        self.assertEqual(set(client.windows()), {harness.TITLE, "Connect"})
+        request.end()
+        self.assert_no_box(client)
 
     def test_another_version_in_its_answer_is_told(self):
         host, server = self.web_host(), self.start_server("--web-port", "0")

@@ -3,7 +3,6 @@ the next start remembers."""
 
 import shutil
 import tempfile
-import time
 import unittest
 
 import harness
@@ -36,8 +35,7 @@ class Canvas(harness.DesktopTest):
             with self.subTest(colour=number):
                 client, line = self.log_in(colour=number)
                 client.mouse_to(100, 100)
-                time.sleep(0.3)
-                self.assert_ball(client, channel)
+                harness.wait_until_it_holds(lambda: self.assert_ball(client, channel))
                 client.close()
 
     def test_ball_stays_in_the_middle_while_it_flies(self):
@@ -53,15 +51,16 @@ class Canvas(harness.DesktopTest):
         client.resize(1100, 800)
         client, line = self.log_in(client, colour=2)
         client.mouse_to(100, 100)
-        time.sleep(0.3)
         self.assertEqual(client.canvas_size(), (969, 738))
-        self.assert_ball(client, 1)
+        harness.wait_until_it_holds(lambda: self.assert_ball(client, 1))
 
     def test_border_comes_into_view(self):
         # 2000 from the right edge: c.x + 2000 = 7722 twips, pixel 515 of the canvas.
         client, line = self.log_in(x=98000, y=50000)
         client.mouse_to(100, 100)
-        time.sleep(0.3)
+        harness.wait_until_it_holds(lambda: self.assert_border(client))
+
+    def assert_border(self, client):
         picture = self.display.picture()
         # Where neither the texts nor the row of icons lie.
         rows = [*range(100, 250, 10), *range(320, 450, 10)]
@@ -74,7 +73,7 @@ class Canvas(harness.DesktopTest):
     def test_border_is_not_in_view_in_the_middle_of_the_world(self):
         client, line = self.log_in()
         client.mouse_to(100, 100)
-        time.sleep(0.3)
+        line.wait_for_paint()
         picture = self.display.picture()
         for column in (100, 248, 515, 700):
             pixels = [picture.pixel(*client.on_screen(column, row)) for row in range(150, 450, 10)]
