@@ -104,7 +104,7 @@ class Fonts(harness.DesktopTest):
         self.drag_bar(dialog, ERROR_MESSAGE, 0, 57)
         self.wait_for_saved(client, "4colorR", "100")
         harness.wait_for(lambda: self.swatch(dialog, ERROR_MESSAGE) == (100, 0, 0), "the swatch")
-        self.assertEqual(self.sample(dialog, ERROR_MESSAGE)[1], (100, 0, 0))
+        harness.wait_for(lambda: self.sample(dialog, ERROR_MESSAGE)[1] == (100, 0, 0), "the sample in its colour")
         # Far outside the window the bar still hears of the mouse.
         self.drag_bar(dialog, SERVER_MESSAGE, 2, 200)
         self.wait_for_saved(client, "3colorB", "255")
@@ -124,8 +124,12 @@ class Fonts(harness.DesktopTest):
         y = row(0, 45) + 8
         self.drag(dialog, (pixels(2280) + 6, y), (pixels(2280 + 2400) + 20, y))
         self.wait_for_saved(client, "0size", "16")
-        large = self.sample(dialog, 0)[0]
-        self.assertGreater(large[2] - large[0], 1.5 * (small[2] - small[0]))
+        # It is painted after it has been saved.
+        def is_large():
+            left, _, right, _ = self.sample(dialog, 0)[0]
+            return right - left > 1.5 * (small[2] - small[0])
+        harness.wait_for(is_large, "the larger sample")
+        large = harness.wait_for_rest(lambda: self.sample(dialog, 0)[0], "the sample", looks=2)
         # Nothing of it is cut off at the right or the bottom of its place.
         self.assertLess(large[2], pixels(4680) - 1)
         self.assertLess(large[3], row(0, 930) - 1)
