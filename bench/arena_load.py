@@ -27,10 +27,10 @@ def frame(message, *fields):
 class Player:
     """Flies circles at the game's own speed, and reads all it is told."""
 
-    def __init__(self, port, number):
+    def __init__(self, port, number, version):
         self.socket = socket.create_connection(("127.0.0.1", port))
         self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        self.socket.sendall(frame(LOGIN, f"Load{number}", "", str(number % 6), "1.2.1"))
+        self.socket.sendall(frame(LOGIN, f"Load{number}", "", str(number % 6), version))
         self.socket.setblocking(False)
         self.rest = b""
         self.frames = self.pings = self.reports = 0
@@ -106,11 +106,12 @@ def play(players, seconds):
 
 
 def measure(program, arenas, people, bots, seconds):
+    version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
     servers = []
     try:
         for _ in range(arenas):
             servers.append(Server(program, bots))
-        players = [Player(server.port, number) for server in servers for number in range(people)]
+        players = [Player(server.port, number, version) for server in servers for number in range(people)]
         play(players, 10)  # till all the bots are in
         for player in players:
             player.frames = player.reports = player.pings = 0

@@ -26,6 +26,8 @@ endif()
 
 # generated/sourceFolder.h: where tests and benchmarks find the project's files.
 configure_file(${CMAKE_SOURCE_DIR}/cmake/sourceFolder.h.in ${CMAKE_BINARY_DIR}/generated/sourceFolder.h @ONLY)
+# generated/version.h: the version that tests expect.
+configure_file(${CMAKE_SOURCE_DIR}/cmake/version.h.in ${CMAKE_BINARY_DIR}/generated/version.h @ONLY)
 target_include_directories(kelvora_options INTERFACE ${CMAKE_BINARY_DIR})
 
 option(KELVORA_FUZZ "Build the fuzz targets, guided by coverage and with the sanitizers (clang alone)" OFF)

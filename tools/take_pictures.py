@@ -93,7 +93,7 @@ class Pilot(threading.Thread):
         self.tap, self.words, self.turn = tap, words, random.choice((-1, 1))
         self.side, self.radius = colour * 1.26, 900 + 90 * colour
         self.line = harness.Line(socket.create_connection(("127.0.0.1", port)))
-        self.line.send(harness.LOGIN, name, "", colour, "1.2.1")
+        self.line.send(harness.LOGIN, name, "", colour, harness.VERSION)
         identifier, fields = self.line.recv_frame()
         assert identifier == harness.LOGIN_ACCEPTED, fields
         self.x, self.y = float(fields[2]), float(fields[3])
@@ -317,7 +317,7 @@ class Guest(threading.Thread):
     def __init__(self, port, colour):
         super().__init__(daemon=True)
         self.line = harness.Line(socket.create_connection(("127.0.0.1", port)))
-        self.line.send(harness.LOGIN, f"Guest{colour}", "", colour, "1.2.1")
+        self.line.send(harness.LOGIN, f"Guest{colour}", "", colour, harness.VERSION)
         self.start()
 
     def run(self):

@@ -4,6 +4,7 @@
 
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
+#include "generated/version.h"
 #include "rendering/frmGfx.h"
 #include "tests/support/gameTest.h"
 
@@ -44,7 +45,7 @@ TEST_F(StartUp, GoesStepByStepInItsOrder) {
     }
   }
   for (const std::string& step :
-       {std::string("show Kelvora v1.2.1"), std::string("connect web.invalid:80"),
+       {std::string("show Kelvora v" KELVORA_VERSION), std::string("connect web.invalid:80"),
         "picture " + machine.path + "/kelvora.jpg", std::string("read last login/player name"),
         std::string("read last login/server address"), std::string("read last login/server port"),
         std::string("read last login/server password"), std::string("read last login/player color"),
@@ -57,7 +58,7 @@ TEST_F(StartUp, GoesStepByStepInItsOrder) {
 TEST_F(StartUp, PutsTheVersionBehindTheCaption) {
   EXPECT_EQ(frmMain->Caption.get(), "Kelvora");
   start();
-  EXPECT_EQ(frmMain->Caption.get(), "Kelvora v1.2.1");
+  EXPECT_EQ(frmMain->Caption.get(), "Kelvora v" KELVORA_VERSION);
 }
 
 TEST_F(StartUp, SeedsTheGeneratorFromTheTimeOfDay) {

@@ -3,6 +3,7 @@ real server or a scripted one, the mouse and the keys. Everything stays on this 
 is ended here."""
 
 import os
+import pathlib
 import random
 import re
 import shutil
@@ -16,7 +17,9 @@ import unittest
 CLIENT = os.environ["KELVORA_CLIENT"]
 SERVER = os.environ["KELVORA_SERVER"]
 
-TITLE = "Kelvora v1.2.1"
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())[1]
+TITLE = f"Kelvora v{VERSION}"
 TWIPS = 15  # to a pixel
 # The update check of every start goes to a port of this machine that nobody listens on.
 CLOSED_PORT = "127.0.0.1:9"

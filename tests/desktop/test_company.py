@@ -64,7 +64,7 @@ class OnTheRealServer(Company):
         self.server = self.start_server()
         self.spy = harness.Line(socket.create_connection(("127.0.0.1", self.server.port)))
         self.addCleanup(self.spy.close)
-        self.spy.send(harness.LOGIN, "Spy", "", 5, "1.2.1")
+        self.spy.send(harness.LOGIN, "Spy", "", 5, harness.VERSION)
         self.assertEqual(self.spy.recv_frame()[0], harness.LOGIN_ACCEPTED)
         self.ann, self.bob = self.two_clients()
         self.players = {}

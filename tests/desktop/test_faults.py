@@ -20,7 +20,7 @@ EMPTY_FONTCONFIG = '<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd"
 
 def spy_on(server, name="Spy", colour=5):
     spy = harness.Line(socket.create_connection(("127.0.0.1", server.port)))
-    spy.send(harness.LOGIN, name, "", colour, "1.2.1")
+    spy.send(harness.LOGIN, name, "", colour, harness.VERSION)
     return spy
 
 

@@ -158,7 +158,7 @@ class HostileTest(harness.DesktopTest):
         server = self.start_server()
         watcher = harness.Line(socket.create_connection(("127.0.0.1", server.port), 5))
         self.addCleanup(watcher.close)
-        watcher.send(LOGIN, "Watcher", "", 1, "1.2.1")
+        watcher.send(LOGIN, "Watcher", "", 1, harness.VERSION)
 
         def next_of(wanted):
             while True:

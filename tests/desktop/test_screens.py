@@ -217,7 +217,7 @@ class Scaled(harness.DesktopTest):
         server = self.scripted_server()
         client.connect(server.port, name="Zoe", circle=4)
         line = server.accept()
-        self.assertEqual(line.recv_bytes(), frame(LOGIN, "Zoe", "", 4, "1.2.1"))
+        self.assertEqual(line.recv_bytes(), frame(LOGIN, "Zoe", "", 4, harness.VERSION))
         line.send(LOGIN_ACCEPTED, 4, 7, 50000, 50000)
         # The spawn button in its last pixels: 11700 and 5760 twips, 1620 by 765.
         left, top = client.on_screen((11700 + 1620) // TWIPS - 2, (5760 + 765) // TWIPS - 2)

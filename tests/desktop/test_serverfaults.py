@@ -38,7 +38,7 @@ class ServerFaults(unittest.TestCase):
     def log_in(self, process, name="Ann", colour=0):
         line = harness.Line(socket.create_connection(("127.0.0.1", process.port)))
         self.addCleanup(line.close)
-        line.send(harness.LOGIN, name, "", colour, "1.2.1")
+        line.send(harness.LOGIN, name, "", colour, harness.VERSION)
         return line
 
     def test_signals_end_it_with_a_word_to_the_players(self):

@@ -16,12 +16,12 @@ class Session(harness.DesktopTest):
         server = self.scripted_server()
         self.start_client().connect(server.port, name="Ann", circle=2)
         self.assertEqual(server.accept().recv_bytes(), bytes([128, 135]) + b"Ann" + bytes([130, 130]) + b"2" +
-                         bytes([130]) + b"1.2.1" + bytes([129]))
+                         bytes([130]) + harness.VERSION.encode() + bytes([129]))
 
     def test_login_carries_the_password(self):
         server = self.scripted_server()
         self.start_client().connect(server.port, name="Bob", password="open up", circle=5)
-        self.assertEqual(server.accept().recv_bytes(), frame(LOGIN, "Bob", "open up", 5, "1.2.1"))
+        self.assertEqual(server.accept().recv_bytes(), frame(LOGIN, "Bob", "open up", 5, harness.VERSION))
 
     def test_label_turns_green_with_the_connection_and_red_without(self):
         client = self.start_client()
@@ -148,7 +148,7 @@ class RealServer(harness.DesktopTest):
         server = self.start_server()
         other = harness.Line(harness.socket.create_connection(("127.0.0.1", server.port), 5))
         self.addCleanup(other.close)
-        other.send(LOGIN, "Watcher", "", 1, "1.2.1")
+        other.send(LOGIN, "Watcher", "", 1, harness.VERSION)
 
         def next_of(wanted):
             while True:

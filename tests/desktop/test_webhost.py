@@ -195,7 +195,7 @@ class Finder(WebTest):
         self.assertEqual(finder.geometry()[2:], (635, 419))
         request = self.list_request(host)
         self.assertTrue(request.head.startswith(
-            b"GET /games/kelvora/gethosts.php?version=1.2.1&password=0&full=0&empty=1 HTTP/1.1\r\n"
+            b"GET /games/kelvora/gethosts.php?version=" + harness.VERSION.encode() + b"&password=0&full=0&empty=1 HTTP/1.1\r\n"
             b"Host: " + host.name.encode() + b"\r\nUser-Agent: Mozilla/5.0 "), request.head)
         request.send(b"HTTP/1.1 200 OK\r\n\r\n" + record(first.port) + record(second.port, flag="1") + b"-END-")
         self.assertTrue(request.is_closed())
@@ -315,7 +315,7 @@ class Updates(WebTest):
     def test_another_version_is_told(self):
         host, client, request = self.start_check()
         self.assertEqual(request.head, f"GET http://{host.name}/games/kelvora/ver.txt HTTP/1.0\r\n\r\n".encode())
-        request.send(UPDATE_FILE % b"1.3.0")
+        request.send(UPDATE_FILE % b"7.3.0")
         request.await_all_read()
         self.assert_no_box(client)  # until the host closes
         request.close()
@@ -324,13 +324,13 @@ class Updates(WebTest):
 
     def test_same_version_is_not_told(self):
         host, client, request = self.start_check()
-        request.send(UPDATE_FILE % b"1.2.1")
+        request.send(UPDATE_FILE % harness.VERSION.encode())
         request.end()
         self.assert_no_box(client)
 
     def test_slow_host_is_waited_for(self):
         host, client, request = self.start_check()
-        for byte in UPDATE_FILE % b"1.3.0":
+        for byte in UPDATE_FILE % b"7.3.0":
             request.send(bytes([byte]))
             request.await_all_read()
         request.close()
@@ -348,7 +348,7 @@ class Updates(WebTest):
     def test_host_that_never_ends_is_left(self):
         host, client, request = self.start_check()
         before = client.memory()
-        self.assertLess(request.send_for_ever(b"tvqver:1.3.0\r\n" * 5000), 24 * 1024 * 1024)
+        self.assertLess(request.send_for_ever(b"tvqver:7.3.0\r\n" * 5000), 24 * 1024 * 1024)
         self.assertLess(client.memory() - before, 32 * 1024 * 1024)
         self.assert_no_box(client)
 
@@ -366,7 +366,7 @@ class OwnWebHost(WebTest):
         finder.click(*REFRESH)
 
     def servers_listed(self, server):
-        query = "gethosts.php?version=1.2.1&password=1&full=1&empty=1"
+        query = f"gethosts.php?version={harness.VERSION}&password=1&full=1&empty=1"
         with urllib.request.urlopen(f"http://{server.web_host}/games/kelvora/{query}", timeout=10) as answer:
             return answer.read().count(b"[")
 
@@ -392,7 +392,7 @@ class OwnWebHost(WebTest):
         client.wait_for_status((128, 255, 128))
         with socket.create_connection(("127.0.0.1", other.port)) as connection:
             player = harness.Line(connection)
-            player.send(LOGIN, "Bob", "", 5, "1.2.1")
+            player.send(LOGIN, "Bob", "", 5, harness.VERSION)
             self.assertEqual(player.recv_frame()[0], harness.LOGIN_ACCEPTED)
             identifier, fields = player.recv_frame()
             self.assertEqual((identifier, fields[2]), (PLAYER_JOINED, b"Ann"))
@@ -406,7 +406,7 @@ class OwnWebHost(WebTest):
         self.wait_for_no_row(finder, 0)
         with socket.create_connection(("127.0.0.1", server.port)) as connection:
             player = harness.Line(connection)
-            player.send(LOGIN, "Bob", "", 0, "1.2.1")
+            player.send(LOGIN, "Bob", "", 0, harness.VERSION)
             self.assertEqual(player.recv_frame()[0], harness.LOGIN_ACCEPTED)
             finder.click(*REFRESH)
             self.wait_for_row(finder, 0)
@@ -434,7 +434,7 @@ class OwnWebHost(WebTest):
             answer = b""
             while data := upstream.recv(4096):
                 answer += data
-        self.assertTrue(answer.endswith(b"\r\n\r\ntvqver:1.2.1\n"), answer)
+        self.assertTrue(answer.endswith(f"\r\n\r\ntvqver:{harness.VERSION}\n".encode()), answer)
         return request, answer
 
     def test_its_version_is_the_clients(self):
@@ -449,7 +449,7 @@ class OwnWebHost(WebTest):
         host, server = self.web_host(), self.start_server("--web-port", "0")
         client = self.start_client(web_host=host.name)
         request, answer = self.update_answer(host, server)
-        request.send(answer.replace(b"1.2.1", b"1.2.2"))
+        request.send(answer.replace(harness.VERSION.encode(), b"7.2.2"))
         request.close()
         self.answer_box(client.wait_for_window(BOX))
         harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the box's end")

@@ -135,7 +135,7 @@ class Settings(harness.DesktopTest):
         client = self.start_client(config=config)
         client.wait_for_window("Connect").activate()
         self.display.xdotool("key", "Return")
-        self.assertEqual(server.accept().recv_bytes(), frame(LOGIN, "Zoe", "hush", 3, "1.2.1"))
+        self.assertEqual(server.accept().recv_bytes(), frame(LOGIN, "Zoe", "hush", 3, harness.VERSION))
 
     def test_first_start_offers_this_machine_and_port_2010(self):
         client = self.start_client()

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "frontend/frmConnect.h"
+#include "generated/version.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
@@ -95,8 +96,7 @@ TEST_F(ConnectionState, IsRefreshedAtTheConnectionBeforeTheLoginGoesOut) {
   EXPECT_EQ(server().sent,
             "\x80\x87"
             "Ann\x82\x82"
-            "2\x82"
-            "1.2.1\x81");
+            "2\x82" KELVORA_VERSION "\x81");
 }
 
 TEST_F(ConnectionState, IsRefreshedWhenTheServerHangsUp) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "generated/version.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
@@ -328,7 +329,7 @@ TEST_F(ConnectDialog, ASeparatorInTheNameBreaksTheLoginIntoMoreFields) {
   connectWith("An\x82n", "arena.test", "3000");
   server().acceptConnection();
   passEvents();
-  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgLogin, {"An", "n", "", "0", "1.2.1"}}}));
+  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgLogin, {"An", "n", "", "0", KELVORA_VERSION}}}));
   EXPECT_EQ(stored("player name"), "An\x82n");
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "frontend/frmConnect.h"
+#include "generated/version.h"
 #include "tests/frontend/gameFinderTest.h"
 
 namespace kelvora {
@@ -58,7 +59,7 @@ TEST_F(GameFinder, GetListOpensItModally) {
 
 TEST_F(GameFinder, AtLoadNamesTheVersionAndStartsAFetch) {
   EXPECT_EQ(frmGameFind->lblHeader.Caption.get(),
-            "Servers published less than one hour ago matching your version: 1.2.1");
+            "Servers published less than one hour ago matching your version: " KELVORA_VERSION);
   EXPECT_EQ(status(), "Connecting to game find server...");
   EXPECT_EQ(host().connects, (std::vector<std::pair<std::string, int>>{{"web.invalid", 80}}));
 }
@@ -78,7 +79,7 @@ TEST_F(GameFinder, Q162TheRequestIsABrowsers) {
   EXPECT_EQ(status(), "Requesting list...");
   EXPECT_EQ(host().sendings,
             std::vector<std::string>{
-                "GET /games/kelvora/gethosts.php?version=1.2.1&password=0&full=0&empty=1 HTTP/1.1\r\n"
+                "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION "&password=0&full=0&empty=1 HTTP/1.1\r\n"
                 "Host: web.invalid\r\n"
                 "User-Agent: Mozilla/5.0 (Windows; U; Windows NT 5.1; en-US; rv:1.9.0.3) Gecko/2008092417 "
                 "Firefox/3.0.3\r\n"
@@ -100,8 +101,8 @@ TEST_F(GameFinder, TheQueryHoldsAllThreeFlagsAsDigits) {
     frmGameFind->chkEmpty.Value = empty;
     frmGameFind->requestHostList();
     request();
-    const std::string query = "?version=1.2.1&password=" + std::to_string(password) + "&full=" + std::to_string(full) +
-                              "&empty=" + std::to_string(empty) + " HTTP/1.1\r\n";
+    const std::string query = "?version=" KELVORA_VERSION "&password=" + std::to_string(password) +
+                              "&full=" + std::to_string(full) + "&empty=" + std::to_string(empty) + " HTTP/1.1\r\n";
     EXPECT_NE(host().sendings.back().find(query), std::string::npos) << host().sendings.back();
   }
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/fault.h"
+#include "generated/version.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
@@ -81,9 +82,9 @@ TEST_F(UpdateCheck, Q279AsksForTheWholeAddressInTheRequestLineAlone) {
 
 TEST_F(UpdateCheck, NamesAPortThatIsNot80InTheRequestButNotInTheBox) {
   machine.host = "web.invalid:8123";
-  answer("tvqver:1.2.2\n");
+  answer("tvqver:7.2.2\n");
   EXPECT_EQ(host().sendings, Boxes{"GET http://web.invalid:8123/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
-  EXPECT_EQ(machine.messageBoxes, boxOf("1.2.2"));
+  EXPECT_EQ(machine.messageBoxes, boxOf("7.2.2"));
 }
 
 TEST_F(UpdateCheck, ANewConnectionEmptiesTheBuffer) {
@@ -107,7 +108,7 @@ TEST_F(UpdateCheck, ClosesItsSocketAfterTheBox) {
   startCheck();
   int stateUnderTheBox = -1;
   machine.onMessageBox = [&](const std::string&) { stateUnderTheBox = frmMain->sockUpdates.State(); };
-  host().deliver("tvqver:1.2.2\n");
+  host().deliver("tvqver:7.2.2\n");
   host().closeByServer();
   passEvents();
   EXPECT_EQ(stateUnderTheBox, sckClosing);
@@ -116,30 +117,31 @@ TEST_F(UpdateCheck, ClosesItsSocketAfterTheBox) {
 }
 
 TEST_F(UpdateCheck, SaysNothingAboutTheSameVersion) {
-  answer("HTTP/1.0 200 OK\r\nServer: x\r\n\r\ntvqver:1.2.1\r\n");
+  answer("HTTP/1.0 200 OK\r\nServer: x\r\n\r\ntvqver:" KELVORA_VERSION "\r\n");
   EXPECT_TRUE(machine.messageBoxes.empty());
   EXPECT_EQ(frmMain->sockUpdates.State(), sckClosed);
 }
 
 TEST_F(UpdateCheck, TellsOfAnotherVersionInThreeLines) {
-  answer("HTTP/1.0 200 OK\r\n\r\ntvqver:1.3.0\r\n");
-  ASSERT_EQ(machine.messageBoxes, boxOf("1.3.0"));
+  answer("HTTP/1.0 200 OK\r\n\r\ntvqver:7.3.0\r\n");
+  ASSERT_EQ(machine.messageBoxes, boxOf("7.3.0"));
   EXPECT_EQ(std::count(machine.messageBoxes[0].begin(), machine.messageBoxes[0].end(), '\n'), 2);
 }
 
 TEST_F(UpdateCheck, TheVersionEndsAtEitherLineBreak) {
-  for (const char* text : {"tvqver:1.2.1\n5", "tvqver:1.2.1\r5", "tvqver:1.2.1\r\n5", "5tvqver:1.2.1\n\ntvqver:2\n"}) {
+  for (const char* text : {"tvqver:" KELVORA_VERSION "\n5", "tvqver:" KELVORA_VERSION "\r5",
+                           "tvqver:" KELVORA_VERSION "\r\n5", "5tvqver:" KELVORA_VERSION "\n\ntvqver:2\n"}) {
     updateCheck::parseUpdateFile(text);
     EXPECT_TRUE(machine.messageBoxes.empty()) << text;
   }
 }
 
 TEST_F(UpdateCheck, Q170AFileWithoutALineBreakLosesItsLastCharacter) {
-  updateCheck::parseUpdateFile("tvqver:1.2.1");
-  EXPECT_EQ(machine.messageBoxes, boxOf("1.2."));
+  updateCheck::parseUpdateFile("tvqver:" KELVORA_VERSION);
+  EXPECT_EQ(machine.messageBoxes, boxOf(std::string(KELVORA_VERSION, sizeof KELVORA_VERSION - 2)));
   machine.messageBoxes.clear();
   // The last character is not read, and what stands ahead of it is this version.
-  updateCheck::parseUpdateFile("tvqver:1.2.13");
+  updateCheck::parseUpdateFile("tvqver:" KELVORA_VERSION "3");
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
@@ -149,9 +151,11 @@ TEST_F(UpdateCheck, Q170TheFirstCharacterIsReadEvenIfItIsTheLast) {
 }
 
 TEST_F(UpdateCheck, Q171BlanksAndLettersAreLeftOut) {
-  updateCheck::parseUpdateFile("tvqver: 1.2.1\n");
-  updateCheck::parseUpdateFile("tvqver:1.2.1b\n");
-  updateCheck::parseUpdateFile("tvqver:v1-.x2.\t1 \r\n");
+  updateCheck::parseUpdateFile("tvqver: " KELVORA_VERSION "\n");
+  updateCheck::parseUpdateFile("tvqver:" KELVORA_VERSION "b\n");
+  std::string mixed = "tvqver:";
+  for (const char character : std::string_view(KELVORA_VERSION)) mixed += std::string("v") + character + "-\t";
+  updateCheck::parseUpdateFile(mixed + " \r\n");
   EXPECT_TRUE(machine.messageBoxes.empty());
   updateCheck::parseUpdateFile("tvqver:10.20.30\n");
   EXPECT_EQ(machine.messageBoxes, boxOf("10.20.30"));
@@ -172,17 +176,17 @@ TEST_F(UpdateCheck, Q172AVersionWithoutDigitsIsAnnouncedToo) {
 }
 
 TEST_F(UpdateCheck, Q172ZerosInFrontMakeAnotherVersion) {
-  updateCheck::parseUpdateFile("tvqver:1.2.01\n");
-  EXPECT_EQ(machine.messageBoxes, boxOf("1.2.01"));
+  updateCheck::parseUpdateFile("tvqver:0" KELVORA_VERSION "\n");
+  EXPECT_EQ(machine.messageBoxes, boxOf("0" KELVORA_VERSION));
 }
 
 TEST_F(UpdateCheck, Q280TheFirstMarkerCountsAlsoInTheHeaders) {
-  answer("HTTP/1.0 404 Not Found\r\nX-Version: tvqver:1.3.0\r\n\r\ntvqver:1.2.1\r\n");
-  EXPECT_EQ(machine.messageBoxes, boxOf("1.3.0"));
+  answer("HTTP/1.0 404 Not Found\r\nX-Version: tvqver:7.3.0\r\n\r\ntvqver:" KELVORA_VERSION "\r\n");
+  EXPECT_EQ(machine.messageBoxes, boxOf("7.3.0"));
 }
 
 TEST_F(UpdateCheck, SaysNothingWithoutTheMarker) {
-  for (const char* text : {"", "1.2.2\n", "TVQVER:1.2.2\n", "tvqver 1.2.2\n", "HTTP/1.0 404 Not Found\r\n\r\n"}) {
+  for (const char* text : {"", "7.2.2\n", "TVQVER:7.2.2\n", "tvqver 7.2.2\n", "HTTP/1.0 404 Not Found\r\n\r\n"}) {
     updateCheck::parseUpdateFile(text);
   }
   EXPECT_TRUE(machine.messageBoxes.empty());
@@ -198,7 +202,7 @@ TEST_F(UpdateCheck, AHostThatCannotBeReachedIsPassedOverInSilence) {
 
 TEST_F(UpdateCheck, AHostThatNeverClosesIsNotHeard) {
   startCheck();
-  host().deliver("tvqver:1.2.2\r\n");
+  host().deliver("tvqver:7.2.2\r\n");
   for (int i = 0; i < 100; ++i) passEvents();
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
@@ -206,7 +210,7 @@ TEST_F(UpdateCheck, AHostThatNeverClosesIsNotHeard) {
 TEST_F(UpdateCheck, AHostThatNeverEndsIsLeftAndForgotten) {
   startCheck();
   const std::string portion(64 * 1024, 'x');
-  host().deliver("tvqver:1.2.2\r\n");
+  host().deliver("tvqver:7.2.2\r\n");
   for (int i = 0; i < 15; ++i) host().deliver(portion);
   passEvents();
   EXPECT_EQ(frmMain->sockUpdates.State(), sckConnected);
@@ -235,12 +239,12 @@ TEST_F(UpdateCheck, IsNotMadeAtTheStartIfItsMenuItemIsUnchecked) {
 TEST_F(UpdateCheck, GoesItsWayBesideTheGame) {
   login();
   startCheck();
-  host().deliver("tvqver:1.2.2\n");
+  host().deliver("tvqver:7.2.2\n");
   serverSends(wire::msgPing, {"1"});
   EXPECT_EQ(sentFrames().at(0).id, wire::msgPingReply);
   host().closeByServer();
   passEvents();
-  EXPECT_EQ(machine.messageBoxes, boxOf("1.2.2"));
+  EXPECT_EQ(machine.messageBoxes, boxOf("7.2.2"));
   EXPECT_EQ(frmMain->sock.State(), sckConnected);
 }
 

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "frontend/frmConnect.h"
+#include "generated/version.h"
 #include "rendering/frmGfx.h"
 #include "tests/support/gameTest.h"
 
@@ -32,7 +33,7 @@ TEST_F(Session, TheLoginGoesOutWhenTheConnectionStands) {
   EXPECT_TRUE(server().sent.empty());
   server().acceptConnection();
   passEvents();
-  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgLogin, {"Ann", "pw", "2", "1.2.1"}}}));
+  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgLogin, {"Ann", "pw", "2", KELVORA_VERSION}}}));
   EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Connected");
   EXPECT_FALSE(world.localPlayer.isConnected);
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "generated/version.h"
 #include "server/config/optionTable.h"
 
 namespace kelvora::server {
@@ -130,7 +131,7 @@ TEST(ServerOptions, AskForBots) {
     EXPECT_NE(parse({"--skill", skill}).error, "") << skill;
 }
 
-TEST(ServerOptions, TheVersionIsThatOfTheGame) { EXPECT_EQ(versionText(), "1.2.1"); }
+TEST(ServerOptions, TheVersionIsThatOfTheGame) { EXPECT_EQ(versionText(), KELVORA_VERSION); }
 
 TEST(ServerOptions, TheHelpNamesEachOption) {
   for (const char* option : {"--address", "--port", "--password", "--income", "--round-seconds", "--captures-to-win",
