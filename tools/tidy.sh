@@ -21,6 +21,7 @@ tidy_one() {
   local file=$1 stamp=$1.clean key output
   key=$({ printf '%s' "$common"; sed -n 's/^#include "\(.*\)"$/\1/p' "$file" | xargs -d '\n' cat; } | sha256sum)
   [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$key" ] && return
+  # clang reads every room here, and the preset makes its warnings errors, too.
   # The commands are g++'s, with a warning or two that clang does not know; shadows are g++'s, source by source.
   if output=$("$tidy" --quiet -p "$folder" --checks=-bugprone-suspicious-include \
     --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-shadow "$file" 2>/dev/null); then
