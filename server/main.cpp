@@ -13,6 +13,7 @@
 #include <string>
 
 #include "base/millis.h"
+#include "base/outcome.h"
 #include "server/config/log.h"
 #include "server/config/options.h"
 #include "server/net/gameServer.h"
@@ -47,9 +48,10 @@ std::size_t provideDescriptors() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const Options options = parseOptions(std::span<const char* const>(argv, static_cast<std::size_t>(argc)).subspan(1));
-  if (!options.error.empty()) {
-    std::cerr << "kelvora-server: " << options.error << "\nkelvora-server --help lists the options.\n";
+  Options options;
+  const auto arguments = std::span<const char* const>(argv, static_cast<std::size_t>(argc)).subspan(1);
+  if (const kelvora::Outcome outcome = parseOptions(arguments, options); outcome.isRefused()) {
+    std::cerr << "kelvora-server: " << outcome.reason() << "\nkelvora-server --help lists the options.\n";
     return 2;
   }
   if (options.help) {

@@ -98,8 +98,8 @@ std::vector<PlayerView> Arena::players(Millis now) const {
     view.colour = player.colour;
     view.name = player.name;
     view.isAlive = player.isAlive;
-    view.position = player.spot.place();
-    for (const Tail::Vertex& vertex : player.tail.vertices()) view.tail.push_back(vertex.spot.place());
+    view.position = player.spot.point();
+    for (const Tail::Vertex& vertex : player.tail.vertices()) view.tail.push_back(vertex.spot.point());
     for (int item = 0; item < powerupSlotCount; ++item) {
       const auto slot = static_cast<std::size_t>(item);
       view.isRunning[slot] = player.inventory.isRunning(item, now);

@@ -8,10 +8,12 @@
 #include <string_view>
 #include <vector>
 
+#include "base/outcome.h"
 #include "server/arena/arenaOutput.h"
 #include "server/arena/arenaRules.h"
 #include "server/arena/pendingCaptures.h"
 #include "server/arena/player.h"
+#include "server/arena/playerView.h"
 #include "server/arena/roundClock.h"
 
 namespace kelvora::server {
@@ -62,8 +64,7 @@ class Arena {
   void retryLogins(Millis now);
   bool hasBots() const;
   bool mustWait(ClientId client, std::string_view preferred, Millis now);
-  /// Why a login is refused; empty if it is not.
-  std::string refusal(ClientId client, const Fields& fields) const;
+  Outcome check(ClientId client, const Fields& fields) const;
   bool isColourFree(std::int16_t colour) const;
   bool hasFreeColour() const;
   std::int16_t chooseColour(std::string_view preferred) const;
@@ -89,7 +90,7 @@ class Arena {
     Player* loser;
   };
   /// What the mover's weapons do to the others, and theirs to him on his way from there.
-  void strikeOnTheWay(Player& mover, Place from, Millis now);
+  void strikeOnTheWay(Player& mover, Point from, Millis now);
   void strikeAll(Millis now);
   void strike(const std::vector<Hit>& hits, Millis now);
   void pulse(Player& owner, Millis now);

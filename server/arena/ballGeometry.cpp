@@ -3,21 +3,19 @@
 #include <algorithm>
 #include <cmath>
 
-#include "server/arena/plane.h"
-
 namespace kelvora::server {
 
 namespace {
 
-double distanceToWay(Place place, Place a, Place b) {
-  const Place way = b - a;
+double distanceToWay(Point place, Point a, Point b) {
+  const Point way = b - a;
   const double square = dot(way, way);
   const double part = square > 0 ? std::clamp(dot(place - a, way) / square, 0.0, 1.0) : 0;
   return length(place - (a + way * part));
 }
 
 /// Whether each way has the ends of the other on both its sides. Ways that only touch are seen by their ends.
-bool areAcross(Place a, Place b, Place c, Place d) {
+bool areAcross(Point a, Point b, Point c, Point d) {
   return cross(b - a, c - a) * cross(b - a, d - a) < 0 && cross(d - c, a - c) * cross(d - c, b - c) < 0;
 }
 
@@ -30,12 +28,12 @@ double stepsToEdge(double from, double along) {
 
 }  // namespace
 
-double distanceOfWays(Place a, Place b, Place c, Place d) {
+double distanceOfWays(Point a, Point b, Point c, Point d) {
   if (areAcross(a, b, c, d)) return 0;
   return std::min({distanceToWay(a, c, d), distanceToWay(b, c, d), distanceToWay(c, a, b), distanceToWay(d, a, b)});
 }
 
-Place worldEdge(Place from, Place along) {
+Point worldEdge(Point from, Point along) {
   const double steps = std::min(stepsToEdge(from.x, along.x), stepsToEdge(from.y, along.y));
   return from + along * steps;
 }

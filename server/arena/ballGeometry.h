@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/arena/playerView.h"
+#include "server/arena/plane.h"
 
 namespace kelvora::server {
 
@@ -10,8 +10,8 @@ inline constexpr double ballRadius = 49 * 15 / 2.0;
 inline constexpr double pulseRadius = 4'500;
 
 /// The shortest distance between the ways a-b and c-d; either may be a single place.
-double distanceOfWays(Place a, Place b, Place c, Place d);
+double distanceOfWays(Point a, Point b, Point c, Point d);
 /// Where a beam leaves the world that starts at `from` and runs along `along`, which is not zero on both axes.
-Place worldEdge(Place from, Place along);
+Point worldEdge(Point from, Point along);
 
 }  // namespace kelvora::server

@@ -16,27 +16,27 @@ bool isVulnerable(const Player& player, Millis now) {
 }
 
 /// Whether a weapon of the attacker reaches a ball anywhere on its way.
-bool reaches(const Player& attacker, Place from, Place to, Millis now) {
+bool reaches(const Player& attacker, Point from, Point to, Millis now) {
   const auto vertices = attacker.tail.vertices();
   for (std::size_t i = 1; i < vertices.size(); ++i) {
     if (vertices[i].isCharged &&
-        distanceOfWays(vertices[i - 1].spot.place(), vertices[i].spot.place(), from, to) <= ballRadius) {
+        distanceOfWays(vertices[i - 1].spot.point(), vertices[i].spot.point(), from, to) <= ballRadius) {
       return true;
     }
   }
   if (!attacker.heading || !attacker.inventory.isRunning(laserSlot, now)) return false;
-  const Place start = attacker.spot.place();
+  const Point start = attacker.spot.point();
   return distanceOfWays(start, worldEdge(start, *attacker.heading), from, to) <= ballRadius;
 }
 
 }  // namespace
 
-void Arena::strikeOnTheWay(Player& mover, Place from, Millis now) {
+void Arena::strikeOnTheWay(Player& mover, Point from, Millis now) {
   std::vector<Hit> hits;
   for (Player* other : inGame()) {
     if (other == &mover || !other->isAlive || !mover.isAlive) continue;
-    if (isVulnerable(mover, now) && reaches(*other, from, mover.spot.place(), now)) hits.push_back({other, &mover});
-    const Place place = other->spot.place();
+    if (isVulnerable(mover, now) && reaches(*other, from, mover.spot.point(), now)) hits.push_back({other, &mover});
+    const Point place = other->spot.point();
     if (isVulnerable(*other, now) && reaches(mover, place, place, now)) hits.push_back({&mover, other});
   }
   strike(hits, now);
@@ -48,7 +48,7 @@ void Arena::strikeAll(Millis now) {
   for (Player* attacker : players) {
     if (!attacker->isAlive) continue;
     for (Player* other : players) {
-      const Place place = other->spot.place();
+      const Point place = other->spot.point();
       if (other != attacker && isVulnerable(*other, now) && reaches(*attacker, place, place, now)) {
         hits.push_back({attacker, other});
       }
@@ -67,7 +67,7 @@ void Arena::strike(const std::vector<Hit>& hits, Millis now) {
 void Arena::pulse(Player& owner, Millis now) {
   std::vector<Player*> near = inGame();
   std::erase_if(near, [&](const Player* player) {
-    return !player->isAlive || length(player->spot.place() - owner.spot.place()) > pulseRadius;
+    return !player->isAlive || length(player->spot.point() - owner.spot.point()) > pulseRadius;
   });
   // He himself comes last, so that he is alive while the others die by him.
   std::stable_partition(near.begin(), near.end(), [&](const Player* player) { return player != &owner; });

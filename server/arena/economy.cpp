@@ -12,8 +12,10 @@ void Arena::buyOrSell(ClientId client, Player& player, bool isSale, const Fields
   const auto item = fields.size() == 1 ? wholeNumber<std::int16_t>(fields[0]) : std::nullopt;
   if (!item || !player.requests.allows(now)) return;
   Inventory& inventory = player.inventory;
-  const std::string refusal = isSale ? inventory.sell(*item) : inventory.buy(*item);
-  if (!refusal.empty()) return sendTo(client, isSale ? wire::msgSellDenied : wire::msgBuyDenied, {refusal});
+  const Outcome outcome = isSale ? inventory.sell(*item) : inventory.buy(*item);
+  if (outcome.isRefused()) {
+    return sendTo(client, isSale ? wire::msgSellDenied : wire::msgBuyDenied, {outcome.reason()});
+  }
   sendTo(client, isSale ? wire::msgSellAccepted : wire::msgBuyAccepted,
          {std::to_string(*item), std::to_string(inventory.stock(*item)), std::to_string(inventory.funds())});
   sendFunds(player, client);

@@ -1,6 +1,7 @@
 #include "server/arena/inventory.h"
 
 #include <numeric>
+#include <string>
 
 namespace kelvora::server {
 
@@ -19,28 +20,31 @@ int Inventory::stock(int item) const { return isSlot(item) ? stock_[slot(item)] 
 
 int Inventory::totalStock() const { return std::accumulate(stock_.begin(), stock_.end(), 0); }
 
-std::string Inventory::buy(int item) {
-  if (!isSlot(item)) return "The store has no such powerup.";
+Outcome Inventory::buy(int item) {
+  if (!isSlot(item)) return Outcome::refused("The store has no such powerup.");
   const Powerup& powerup = powerupTable[slot(item)];
   if (totalStock() >= startCapacity) {
-    return "You cannot carry more than " + std::to_string(startCapacity) + " powerups. Use or sell one first.";
+    return Outcome::refused("You cannot carry more than " + std::to_string(startCapacity) +
+                            " powerups. Use or sell one first.");
   }
   if (funds_ < powerup.price) {
-    return std::string(powerup.name) + " costs " + credits(powerup.price) + ". You have " + credits(funds_) + ".";
+    return Outcome::refused(std::string(powerup.name) + " costs " + credits(powerup.price) + ". You have " +
+                            credits(funds_) + ".");
   }
   book(Entry::purchase, -powerup.price);
   ++stock_[slot(item)];
-  return {};
+  return Outcome::done();
 }
 
-std::string Inventory::sell(int item) {
-  if (!isSlot(item)) return "The store has no such powerup.";
+Outcome Inventory::sell(int item) {
+  if (!isSlot(item)) return Outcome::refused("The store has no such powerup.");
   if (stock_[slot(item)] == 0) {
-    return std::string("You have nothing to sell of this kind: ") + powerupTable[slot(item)].name + ".";
+    return Outcome::refused(std::string("You have nothing to sell of this kind: ") + powerupTable[slot(item)].name +
+                            ".");
   }
   --stock_[slot(item)];
   book(Entry::sale, resaleValue(item));
-  return {};
+  return Outcome::done();
 }
 
 bool Inventory::start(int item, Millis now) {

@@ -2,9 +2,9 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 
 #include "base/millis.h"
+#include "base/outcome.h"
 #include "store/powerupTable.h"
 
 namespace kelvora::server {
@@ -28,10 +28,9 @@ class Inventory {
   /// What selling an item gives back: half its price, rounded down.
   static std::int64_t resaleValue(int item) { return powerupTable.at(static_cast<std::size_t>(item)).price / 2; }
 
-  /// Why an item cannot be bought, in words for the player; empty if it has been.
-  std::string buy(int item);
-  /// The same for a sale.
-  std::string sell(int item);
+  /// Refusals are in words for the player.
+  Outcome buy(int item);
+  Outcome sell(int item);
 
   /// Takes one out of the stock and starts it; false, and nothing changes, if there is none or it is running. The pulse
   /// is over as soon as it has started.

@@ -30,8 +30,8 @@ void Arena::position(Player& player, const Fields& fields, Millis now) {
   const auto y = coordinate(fields[1]);
   if (!x || !y || !player.positions.allows(now)) return;
   const Spot spot = spotOf(fields[0], fields[1], {*x, *y});
-  const Place from = player.spot.place();
-  const Place to = spot.place();
+  const Point from = player.spot.point();
+  const Point to = spot.point();
   const bool isJump = !isWithinReach(player, std::abs(to.x - from.x) + std::abs(to.y - from.y), now);
   if (isJump && now - player.lastReport < newStartAfter) return;
   player.lastReport = now;
@@ -40,7 +40,7 @@ void Arena::position(Player& player, const Fields& fields, Millis now) {
     player.tail.clear();
     player.heading.reset();
   } else if (from != to) {
-    player.heading = Place{to.x - from.x, to.y - from.y};
+    player.heading = Point{to.x - from.x, to.y - from.y};
   }
   // The sender gets the same text: his tail grows from the echo, and others must find its points by their coordinates.
   sendToAll(wire::msgPosition, {std::to_string(player.node), spot.x, spot.y});
@@ -72,7 +72,7 @@ void Arena::captureEnclosed(Player& winner, Millis now) {
   for (Player* other : inGame()) {
     if (other == &winner || !other->isAlive) continue;
     others.push_back(other);
-    places.push_back(other->spot.point);
+    places.push_back(other->spot.grid);
   }
   const auto loops = enclosingLoops(winner.tail.points(), places);
   std::optional<std::size_t> longest;

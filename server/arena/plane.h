@@ -2,26 +2,32 @@
 
 #include <cmath>
 
-#include "server/arena/playerView.h"
-
 namespace kelvora::server {
 
-// Arithmetic of places and of the ways between them, in world units.
+inline constexpr double worldSize = 100'000;  ///< world units, on both axes from 0
 
-constexpr Place operator+(Place a, Place b) { return {a.x + b.x, a.y + b.y}; }
-constexpr Place operator-(Place a, Place b) { return {a.x - b.x, a.y - b.y}; }
-constexpr Place operator*(Place a, double factor) { return {a.x * factor, a.y * factor}; }
+/// A position, or the way between two, in world units.
+struct Point {
+  double x = 0;
+  double y = 0;
 
-constexpr double dot(Place a, Place b) { return a.x * b.x + a.y * b.y; }
-constexpr double cross(Place a, Place b) { return a.x * b.y - a.y * b.x; }
-inline double length(Place a) { return std::hypot(a.x, a.y); }
+  friend bool operator==(const Point&, const Point&) = default;
+};
+
+constexpr Point operator+(Point a, Point b) { return {a.x + b.x, a.y + b.y}; }
+constexpr Point operator-(Point a, Point b) { return {a.x - b.x, a.y - b.y}; }
+constexpr Point operator*(Point a, double factor) { return {a.x * factor, a.y * factor}; }
+
+constexpr double dot(Point a, Point b) { return a.x * b.x + a.y * b.y; }
+constexpr double cross(Point a, Point b) { return a.x * b.y - a.y * b.x; }
+inline double length(Point a) { return std::hypot(a.x, a.y); }
 /// The length that counts for the time a player needs: his speed is |x| + |y| in every direction.
-inline double flightLength(Place a) { return std::fabs(a.x) + std::fabs(a.y); }
+inline double flightLength(Point a) { return std::fabs(a.x) + std::fabs(a.y); }
 
-inline double angleOf(Place a) { return std::atan2(a.y, a.x); }
-inline Place towards(double angle) { return {std::cos(angle), std::sin(angle)}; }
-inline Place rotated(Place a, double angle) {
-  const Place turn = towards(angle);
+inline double angleOf(Point a) { return std::atan2(a.y, a.x); }
+inline Point towards(double angle) { return {std::cos(angle), std::sin(angle)}; }
+inline Point rotated(Point a, double angle) {
+  const Point turn = towards(angle);
   return {a.x * turn.x - a.y * turn.y, a.x * turn.y + a.y * turn.x};
 }
 /// The same angle between -pi and pi.

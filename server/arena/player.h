@@ -5,8 +5,8 @@
 #include <string>
 
 #include "base/rateLimit.h"
+#include "server/arena/clientId.h"
 #include "server/arena/inventory.h"
-#include "server/arena/playerView.h"
 #include "server/arena/speedLimit.h"
 #include "server/arena/tail.h"
 
@@ -21,7 +21,7 @@ struct Player {
   std::int16_t colour = 0;
   std::string name;
   Spot spot;                       ///< of the last accepted report, or where he begins
-  std::optional<Place> heading{};  ///< his last movement, not zero on both axes
+  std::optional<Point> heading{};  ///< his last movement, not zero on both axes
   Tail tail{};                     ///< empty while he is dead
   bool isAlive = true;
   Millis respawnAt = 0;          ///< not before, once he is dead

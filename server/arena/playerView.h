@@ -6,19 +6,10 @@
 #include <vector>
 
 #include "server/arena/clientId.h"
+#include "server/arena/plane.h"
 #include "store/powerupTable.h"
 
 namespace kelvora::server {
-
-inline constexpr double worldSize = 100'000;  ///< world units, on both axes from 0
-
-/// A place in world units.
-struct Place {
-  double x = 0;
-  double y = 0;
-
-  friend bool operator==(const Place&, const Place&) = default;
-};
 
 /// One player as the arena sees him at a moment; a copy, which does not change with him.
 struct PlayerView {
@@ -27,8 +18,8 @@ struct PlayerView {
   std::int16_t colour = 0;
   std::string name;
   bool isAlive = false;
-  Place position;           ///< of the last report that was accepted
-  std::vector<Place> tail;  ///< what his clients' tails show about now, the oldest first
+  Point position;           ///< of the last report that was accepted
+  std::vector<Point> tail;  ///< what his clients' tails show about now, the oldest first
   std::array<bool, powerupSlotCount> isRunning{};
   std::array<int, powerupSlotCount> stock{};
   std::int64_t funds = 0;  ///< credits

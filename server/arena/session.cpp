@@ -21,9 +21,9 @@ constexpr const char* colourNames[Arena::colourCount] = {"Red", "Yellow", "Green
 
 void Arena::login(ClientId client, std::string_view text, Millis now) {
   const Fields fields = wire::splitFields(text.substr(1));
-  if (const std::string reason = refusal(client, fields); !reason.empty()) {
-    output_.log("client " + std::to_string(client) + " refused: " + reason);
-    sendTo(client, wire::msgLoginDenied, {reason});
+  if (const Outcome outcome = check(client, fields); outcome.isRefused()) {
+    output_.log("client " + std::to_string(client) + " refused: " + outcome.reason());
+    sendTo(client, wire::msgLoginDenied, {outcome.reason()});
     output_.hangUp(client);
     clients_.erase(client);
     return;
@@ -63,20 +63,22 @@ void Arena::login(ClientId client, std::string_view text, Millis now) {
   sendFunds(joined);
 }
 
-std::string Arena::refusal(ClientId client, const Fields& fields) const {
+Outcome Arena::check(ClientId client, const Fields& fields) const {
   // The euro sign and the low quotation mark have the numbers of delimiters.
   if (fields.size() != 4 ||
       std::ranges::any_of(fields, [](std::string_view field) { return field.find(wire::frameStart) != field.npos; })) {
-    return "The login is not readable. Neither name nor password may contain a euro sign or a low quotation mark.";
+    return Outcome::refused(
+        "The login is not readable. Neither name nor password may contain a euro sign or a low quotation mark.");
   }
   const std::string_view name = fields[0];
-  if (fields[3] != version_) return "This server needs version " + version_ + " of the game.";
-  if (!password_.empty() && fields[1] != password_) return "Wrong password.";
-  if (trimBlanks(name).empty()) return "A name is needed.";
-  if (name.size() > longestName) return "The name is longer than " + std::to_string(longestName) + " characters.";
-  if (std::ranges::any_of(name, isControl)) return "The name contains control characters.";
-  if (playerCount() == colourCount && (isBot(client) || !hasBots())) return "The arena is full.";
-  return {};
+  if (fields[3] != version_) return Outcome::refused("This server needs version " + version_ + " of the game.");
+  if (!password_.empty() && fields[1] != password_) return Outcome::refused("Wrong password.");
+  if (trimBlanks(name).empty()) return Outcome::refused("A name is needed.");
+  if (name.size() > longestName)
+    return Outcome::refused("The name is longer than " + std::to_string(longestName) + " characters.");
+  if (std::ranges::any_of(name, isControl)) return Outcome::refused("The name contains control characters.");
+  if (playerCount() == colourCount && (isBot(client) || !hasBots())) return Outcome::refused("The arena is full.");
+  return Outcome::done();
 }
 
 void Arena::disconnected(ClientId client) {

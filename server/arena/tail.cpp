@@ -12,7 +12,7 @@ bool Tail::lay(const Spot& spot, Millis now, bool isCharged, Millis extendedUnti
   if (!vertices_.empty() && vertices_.back().spot.read == spot.read) return false;
   if (vertices_.size() == mostVertices) dropOldest(1);
   vertices_.push_back({spot, std::max(now, extendedUntil) + vertexLife, isCharged});
-  points_.push_back(spot.point);
+  points_.push_back(spot.grid);
   return true;
 }
 

@@ -8,7 +8,7 @@
 #include "base/millis.h"
 #include "base/vector.h"
 #include "server/arena/geometry.h"
-#include "server/arena/playerView.h"
+#include "server/arena/plane.h"
 
 namespace kelvora::server {
 
@@ -17,10 +17,10 @@ struct Spot {
   std::string x;
   std::string y;
   Vector read;
-  GridPoint point;
+  GridPoint grid;
 
   /// World units.
-  Place place() const { return {static_cast<double>(read.x), static_cast<double>(read.y)}; }
+  Point point() const { return {static_cast<double>(read.x), static_cast<double>(read.y)}; }
 };
 
 Spot spotOf(std::string_view x, std::string_view y, Vector read);

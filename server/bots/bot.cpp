@@ -98,7 +98,7 @@ void Bot::awaitDoom(const Sight& sight, Millis now) {
     const auto winner = std::ranges::find(players, doom.winner, &PlayerView::node);
     if (winner == players.end()) continue;
     const auto vertex =
-        std::ranges::find_if(winner->tail, [&](Place point) { return length(point - doom.vertex) < 0.01; });
+        std::ranges::find_if(winner->tail, [&](Point point) { return length(point - doom.vertex) < 0.01; });
     if (vertex == winner->tail.end()) continue;
     const Millis age = winner->isRunning[extendedTailSlot] ? 0 : (winner->tail.end() - vertex - 1) * Sight::step;
     doom.landsAt = now + vertexLife - age;
@@ -118,7 +118,7 @@ void Bot::tick(const Sight& sight, const PlayerView& self, Millis now, const Say
   awaitDoom(sight, now);
   BotView view = sight.viewOf(self, skillOf(level_).reaction, now);
   view.isAlive = isAlive_;
-  view.position = flight_->place();
+  view.position = flight_->point();
   if (!isAlive_) beDead(view, say);
   act(view, say);
 }

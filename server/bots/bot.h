@@ -33,7 +33,7 @@ class Bot {
  private:
   struct Doom {  // a capture of this bot that has yet to land
     std::int16_t winner;
-    Place vertex;
+    Point vertex;
     Millis landsAt = 0;
   };
 

@@ -14,10 +14,10 @@ namespace kelvora::server {
 struct Seen {
   std::int16_t node = 0;
   bool isAlive = false;
-  Place position;
-  Place velocity;                 ///< world units per ms
+  Point position;
+  Point velocity;                 ///< world units per ms
   double turn = 0;                ///< radians per ms by which the velocity's direction changes
-  std::span<const Place> tail{};  ///< the oldest first
+  std::span<const Point> tail{};  ///< the oldest first
   bool isTailCharged = false;     ///< some of it at least
   std::array<bool, powerupSlotCount> isRunning{};
 };
@@ -26,8 +26,8 @@ struct Seen {
 struct BotView {
   Millis now = 0;
   bool isAlive = false;
-  Place position;
-  std::span<const Place> tail;
+  Point position;
+  std::span<const Point> tail;
   std::array<bool, powerupSlotCount> isRunning{};
   std::array<int, powerupSlotCount> stock{};
   std::int64_t funds = 0;

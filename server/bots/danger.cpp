@@ -15,9 +15,9 @@ constexpr Millis calm = 600;         // ms without danger after which the next o
 constexpr double ballWithAir = 450;  // world units
 constexpr int directions = 16;
 
-double safeDistance(std::span<const Place> tail, Place head, Place point) {
+double safeDistance(std::span<const Point> tail, Point head, Point point) {
   double least = length(head - point);
-  for (const Place& corner : tail) least = std::min(least, length(corner - point));
+  for (const Point& corner : tail) least = std::min(least, length(corner - point));
   return least;
 }
 
@@ -26,14 +26,14 @@ double safeDistance(std::span<const Place> tail, Place head, Place point) {
 bool Mind::flee(const BotView& view) {
   const Seen* threat = nullptr;
   std::optional<Closing> soonest;
-  Place head;
-  const Place own = towards(angle_) * (topSpeed * throttle_ * (view.isRunning[turboSlot] ? 3 : 1) * 0.75);
+  Point head;
+  const Point own = towards(angle_) * (topSpeed * throttle_ * (view.isRunning[turboSlot] ? 3 : 1) * 0.75);
   for (const Seen& other : view.others) {
     if (!other.isAlive || skill_.alertness <= 0 || length(other.position - view.position) > nearby) continue;
     const double pace = flightLength(other.velocity);
     if (pace < 5) continue;
     const double late = static_cast<double>(view.delay);
-    const Place now = foreseen(other, late, true);
+    const Point now = foreseen(other, late, true);
     for (const auto& [earliest, latest] : {std::pair{0.0, 180.0}, {180.0, 360.0}, {360.0, warning}}) {
       const auto closing = soonestClosing(other.tail, now, pace, view.position + own * ((earliest + latest) / 2),
                                           earliest, latest, other.isRunning[extendedTailSlot]);
@@ -59,7 +59,7 @@ bool Mind::flee(const BotView& view) {
   const double step = topSpeed * throttle() * 0.75 * (view.isRunning[turboSlot] ? 3 : 1) * (soonest->ms + 80);
   for (int i = 0; i < directions; ++i) {
     const double angle = angle_ + i * 2 * M_PI / directions;
-    const Place there = view.position + towards(angle) * step;
+    const Point there = view.position + towards(angle) * step;
     double worth = safeDistance(threat->tail.subspan(soonest->vertex), head, there);
     if (isInside(threat->tail, head, *soonest, there)) worth = -worth - worldSize;
     worth -= 300 * std::fabs(wrapped(angle - angle_));
@@ -77,7 +77,7 @@ void Mind::avoidCharges(const BotView& view) {
   if (skill_.alertness <= 0 || view.isRunning[shieldSlot]) return;
   const double reach = speed(view) * 0.75 * 200;
   const auto isDeadly = [&](double angle) {
-    const Place there = view.position + towards(angle) * (reach + ballWithAir);
+    const Point there = view.position + towards(angle) * (reach + ballWithAir);
     for (const Seen& other : view.others) {
       if (!other.isAlive || length(other.position - view.position) > 40'000) continue;
       if (other.isTailCharged) {
@@ -88,7 +88,7 @@ void Mind::avoidCharges(const BotView& view) {
       if (other.isRunning[laserSlot]) {
         const double pace = length(other.velocity);
         if (pace < 1) continue;
-        const Place end = other.position + other.velocity * (2 * worldSize / pace);
+        const Point end = other.position + other.velocity * (2 * worldSize / pace);
         if (cross(view.position, there, other.position, end)) return true;
       }
     }

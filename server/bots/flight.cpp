@@ -17,7 +17,7 @@ constexpr double steepest = 88;  // the bearing of a mouse straight to the side,
 /// The velocity of one frame. A mouse chooses a whole number of 0 to 88 in each quadrant, and with it the horizontal
 /// axis's share of the speed; here the share is known and the number is found.
 Vector steered(double angle, double speed) {
-  const Place way = towards(angle);
+  const Point way = towards(angle);
   const double share = std::fabs(way.x) / flightLength(way);
   const double exact = share < 0.5 ? std::atan(2 * share) / degree : 45 + std::atan(2 * share - 1) / degree;
   const double bearing = std::min(std::round(exact), steepest);

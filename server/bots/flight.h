@@ -21,7 +21,7 @@ class Flight {
   void setBrakes(bool on) { brakes_ = on; }
   bool hasBrakes() const { return brakes_; }
   Vector position() const { return position_; }
-  Place place() const { return {static_cast<double>(position_.x), static_cast<double>(position_.y)}; }
+  Point point() const { return {static_cast<double>(position_.x), static_cast<double>(position_.y)}; }
 
  private:
   Vector position_;

@@ -7,7 +7,7 @@ namespace kelvora::server {
 namespace {
 
 /// Whether a ray from `point` to the right meets the way from `a` to `b`.
-bool rayMeets(Place point, Place a, Place b) {
+bool rayMeets(Point point, Point a, Point b) {
   if ((a.y > point.y) == (b.y > point.y)) return false;
   return point.x < a.x + (point.y - a.y) / (b.y - a.y) * (b.x - a.x);
 }
@@ -20,18 +20,18 @@ double inTheWorld(double coordinate) {
 
 }  // namespace
 
-Place foreseen(const Seen& player, double ms, bool turns) {
-  Place way = player.velocity * ms;
+Point foreseen(const Seen& player, double ms, bool turns) {
+  Point way = player.velocity * ms;
   const double turn = player.turn * ms;
   if (turns && std::fabs(turn) > 0.05) {
     // The chord of the circle: as long as the arc times sin(turn / 2) / (turn / 2), and turned by half of it.
     way = rotated(way, turn / 2) * (std::sin(turn / 2) / (turn / 2));
   }
-  const Place place = player.position + way;
+  const Point place = player.position + way;
   return {std::clamp(inTheWorld(place.x), 0.0, worldSize), std::clamp(inTheWorld(place.y), 0.0, worldSize)};
 }
 
-std::optional<Closing> soonestClosing(std::span<const Place> tail, Place head, double speed, Place prey,
+std::optional<Closing> soonestClosing(std::span<const Point> tail, Point head, double speed, Point prey,
                                       double earliest, double latest, bool isExtended) {
   if (tail.size() < 4 || speed <= 0) return std::nullopt;
   std::optional<Closing> best;
@@ -52,15 +52,15 @@ std::optional<Closing> soonestClosing(std::span<const Place> tail, Place head, d
   return best;
 }
 
-bool isInside(std::span<const Place> tail, Place head, const Closing& closing, Place point) {
+bool isInside(std::span<const Point> tail, Point head, const Closing& closing, Point point) {
   bool isOdd = rayMeets(point, tail.back(), head) != rayMeets(point, head, tail[closing.vertex]);
   for (std::size_t i = closing.vertex; i + 1 < tail.size(); ++i) isOdd ^= rayMeets(point, tail[i], tail[i + 1]);
   return isOdd;
 }
 
-bool cross(Place a, Place b, Place c, Place d) {
-  const Place ab = b - a;
-  const Place cd = d - c;
+bool cross(Point a, Point b, Point c, Point d) {
+  const Point ab = b - a;
+  const Point cd = d - c;
   return (cross(ab, c - a) > 0) != (cross(ab, d - a) > 0) && (cross(cd, a - c) > 0) != (cross(cd, b - c) > 0);
 }
 

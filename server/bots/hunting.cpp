@@ -16,7 +16,7 @@ constexpr Millis loopPatience = 2'600;
 /// The ms that a circle takes: its length, as |x| + |y| counts, is eight times the radius.
 double roundTrip(double radius, double speed) { return 8 * radius / speed; }
 
-Place heldInside(Place place, double margin) {
+Point heldInside(Point place, double margin) {
   return {std::clamp(place.x, margin, worldSize - margin), std::clamp(place.y, margin, worldSize - margin)};
 }
 
@@ -63,7 +63,7 @@ bool Mind::closeLoop(const BotView& view) {
     // The opponent moves while the loop is being closed, so each stretch of time has its own place for him.
     for (const auto& [earliest, latest] : {std::pair{0.0, 80.0}, {80.0, 160.0}, {160.0, 280.0}, {280.0, hasty}}) {
       const double ms = (earliest + latest) / 2;
-      const Place place = foreseen(other, ms + static_cast<double>(view.delay), true);
+      const Point place = foreseen(other, ms + static_cast<double>(view.delay), true);
       const auto closing = soonestClosing(view.tail, view.position, speed(view), place, earliest, latest,
                                           view.isRunning[extendedTailSlot]);
       if (closing && (!best || closing->ms < best->ms)) best = closing;
@@ -82,11 +82,11 @@ void Mind::approach(const BotView& view, const Seen& prey) {
   const double radius = isLong ? 1.6 * skill_.largestLoop : between(skill_.smallestLoop, skill_.largestLoop);
   const double late = static_cast<double>(view.delay);
   const auto placeIn = [&](double ms) { return foreseen(prey, (ms + late) * skill_.foresight, skill_.foreseesTurns); };
-  const Place centre = heldInside(placeIn(roundTrip(radius, pace) * 0.85), radius);
-  const Place way = centre - view.position;
+  const Point centre = heldInside(placeIn(roundTrip(radius, pace) * 0.85), radius);
+  const Point way = centre - view.position;
   if (length(way) < 1.15 * radius) {
     const double side = cross(towards(angle_), way) < 0 ? -1 : 1;
-    const Place miss = towards(between(-M_PI, M_PI)) * (between(0, skill_.aimError) * radius);
+    const Point miss = towards(between(-M_PI, M_PI)) * (between(0, skill_.aimError) * radius);
     loop_ = Loop{.prey = prey.node,
                  .centre = centre + miss,
                  .miss = miss,
@@ -112,13 +112,13 @@ void Mind::flyLoop(const BotView& view) {
   if (skill_.foresight > 0.5) {
     // The circle follows what the opponent does, as far as it can without coming open.
     const double left = roundTrip(loop.radius, pace) * std::max(0.1, 1 - loop.swept / (2 * M_PI));
-    const Place wish =
+    const Point wish =
         foreseen(prey, (left + static_cast<double>(view.delay)) * skill_.foresight, skill_.foreseesTurns);
-    const Place shift = heldInside(wish + loop.miss, loop.radius) - loop.centre;
+    const Point shift = heldInside(wish + loop.miss, loop.radius) - loop.centre;
     const double most = (skill_.foreseesTurns ? 0.15 : 0.06) * loop.radius;
     loop.centre = loop.centre + shift * std::min(1.0, most / std::max(1.0, length(shift)));
   }
-  const Place arm = view.position - loop.centre;
+  const Point arm = view.position - loop.centre;
   const double angle = angleOf(arm);
   loop.swept += loop.side * wrapped(angle - loop.lastAngle);
   loop.lastAngle = angle;

@@ -37,8 +37,8 @@ class Mind {
  private:
   struct Loop {
     std::int16_t prey;
-    Place centre;
-    Place miss;  // by which the centre is off
+    Point centre;
+    Point miss;  // by which the centre is off
     double radius;
     double side;       // 1 or -1, the sense of turning
     double swept = 0;  // radians
@@ -82,7 +82,7 @@ class Mind {
   Millis bored_ = 0;       // when to look for another prey
   Millis restsUntil_ = 0;
   bool restsStill_ = false;
-  std::optional<Place> goal_;  // of wandering
+  std::optional<Point> goal_;  // of wandering
   bool isClosing_ = false;
   bool isFleeing_ = false;
   Millis calmSince_ = 0;

@@ -45,9 +45,9 @@ std::optional<int> Mind::choosePowerup(const BotView& view) {
   }
   if (has(view, laserSlot)) {
     // Aligned: the beam goes where the ball goes, and passes the opponent within his radius.
-    const Place beam = towards(angle_);
+    const Point beam = towards(angle_);
     const bool isAligned = isNear(laserReach, [&](const Seen& other) {
-      const Place way = foreseen(other, static_cast<double>(view.delay) + 60, skill_.foreseesTurns) - view.position;
+      const Point way = foreseen(other, static_cast<double>(view.delay) + 60, skill_.foreseesTurns) - view.position;
       return isBare(other) && dot(beam, way) > 0 && std::fabs(cross(beam, way)) < laserHalfWidth;
     });
     if (isAligned) return use(laserSlot);

@@ -68,8 +68,8 @@ BotView Sight::viewOf(const PlayerView& self, Millis delay, Millis now) const {
       const PlayerView* longBefore = findNode(late + 2 * stretch, player.node);
       constexpr double time = static_cast<double>(stretch) * static_cast<double>(step);
       if (before && longBefore) {
-        const Place way = (player.position - before->position) * (1 / time);
-        const Place wayBefore = (before->position - longBefore->position) * (1 / time);
+        const Point way = (player.position - before->position) * (1 / time);
+        const Point wayBefore = (before->position - longBefore->position) * (1 / time);
         if (length(way) > slowest && length(wayBefore) > slowest) {
           seen.turn = std::clamp(wrapped(angleOf(way) - angleOf(wayBefore)) / time, -sharpestTurn, sharpestTurn);
         }

@@ -7,7 +7,7 @@ namespace kelvora::server {
 void Mind::wander(const BotView& view, double throttle) {
   if (!goal_ || length(*goal_ - view.position) < 4'000) {
     constexpr double margin = 8'000;
-    goal_ = Place{between(margin, worldSize - margin), between(margin, worldSize - margin)};
+    goal_ = Point{between(margin, worldSize - margin), between(margin, worldSize - margin)};
   }
   steer(angleOf(*goal_ - view.position), throttle);
 }

@@ -20,7 +20,7 @@ std::string_view trim(std::string_view text) {
 
 }  // namespace
 
-std::string readConfig(std::string_view text, const std::string& fileName, const TakeSetting& take) {
+Outcome readConfig(std::string_view text, const std::string& fileName, const TakeSetting& take) {
   std::map<std::string_view, int> lines;  // of the names
   for (int number = 1; !text.empty(); ++number) {
     const std::size_t end = std::min(text.find('\n'), text.size());
@@ -29,26 +29,30 @@ std::string readConfig(std::string_view text, const std::string& fileName, const
     if (line.empty() || line.starts_with('#')) continue;
     const std::string where = fileName + ":" + std::to_string(number) + ": ";
     const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos) return where + "this is not of the form \"name = value\"";
+    if (equals == std::string_view::npos) return Outcome::refused(where + "this is not of the form \"name = value\"");
     const std::string_view name = trim(line.substr(0, equals));
     const auto [first, isNew] = lines.emplace(name, number);
-    if (!isNew) return where + std::string(name) + " stands in line " + std::to_string(first->second) + " already";
-    const std::string complaint = take(name, std::string(trim(line.substr(equals + 1))));
-    if (!complaint.empty()) return where + complaint;
+    if (!isNew) {
+      return Outcome::refused(where + std::string(name) + " stands in line " + std::to_string(first->second) +
+                              " already");
+    }
+    const Outcome outcome = take(name, std::string(trim(line.substr(equals + 1))));
+    if (outcome.isRefused()) return Outcome::refused(where + outcome.reason());
   }
-  return {};
+  return Outcome::done();
 }
 
-std::string readConfigFile(const std::string& fileName, const TakeSetting& take) {
+Outcome readConfigFile(const std::string& fileName, const TakeSetting& take) {
   errno = 0;
   std::ifstream file(fileName, std::ios::binary);
   std::string text(longestFile + 1, '\0');
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
   if (!file.eof() && file.gcount() == 0) {
-    return "cannot read " + fileName + (errno == 0 ? std::string() : std::string(": ") + std::strerror(errno));
+    return Outcome::refused("cannot read " + fileName +
+                            (errno == 0 ? std::string() : std::string(": ") + std::strerror(errno)));
   }
   text.resize(static_cast<std::size_t>(file.gcount()));
-  if (text.size() > longestFile) return fileName + " is longer than 64 KiB";
+  if (text.size() > longestFile) return Outcome::refused(fileName + " is longer than 64 KiB");
   return readConfig(text, fileName, take);
 }
 

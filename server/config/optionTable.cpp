@@ -83,57 +83,59 @@ std::string range(const Option& option) {
   return " from " + std::to_string(option.lowest) + " to " + std::to_string(option.highest);
 }
 
-/// Sets an option by its kind; the answer is what the value must be, empty if it is that.
+/// Sets an option by its kind, or refuses the value by what it must be.
 struct Set {
   Options& options;
   const Option& option;
   const std::string& value;
 
-  std::string operator()(Switch set) const {
-    if (!value.empty()) return "must stand alone";
+  Outcome operator()(Switch set) const {
+    if (!value.empty()) return Outcome::refused("must stand alone");
     set(options);
-    return {};
+    return Outcome::done();
   }
-  std::string operator()(Text target) const {
+  Outcome operator()(Text target) const {
     if (value.size() > static_cast<std::size_t>(option.highest)) {
-      return "must not be longer than " + std::to_string(option.highest) + " bytes";
+      return Outcome::refused("must not be longer than " + std::to_string(option.highest) + " bytes");
     }
-    if (value.size() < static_cast<std::size_t>(option.lowest)) return "must not be empty";
+    if (value.size() < static_cast<std::size_t>(option.lowest)) return Outcome::refused("must not be empty");
     target(options) = value;
-    return {};
+    return Outcome::done();
   }
-  std::string operator()(const Letters& letters) const {
+  Outcome operator()(const Letters& letters) const {
     const auto bytes = codePageFromUtf8(value);
-    if (!bytes) return "must be UTF-8 text in letters that the game has, those of code page 1252";
+    if (!bytes) return Outcome::refused("must be UTF-8 text in letters that the game has, those of code page 1252");
     if (letters.inLogins &&
         bytes->find_first_of({wire::frameStart, wire::frameEnd, wire::fieldSeparator}) != bytes->npos)
-      return "must not contain a euro sign or a low quotation mark, which no player can send";
+      return Outcome::refused("must not contain a euro sign or a low quotation mark, which no player can send");
     return Set{options, option, *bytes}(letters.target);
   }
-  std::string operator()(Whole set) const {
+  Outcome operator()(Whole set) const {
     const auto number = wholeNumber<int>(value);
-    if (!number || *number < option.lowest || *number > option.highest) return "must be a whole number" + range(option);
+    if (!number || *number < option.lowest || *number > option.highest)
+      return Outcome::refused("must be a whole number" + range(option));
     set(options, *number);
-    return {};
+    return Outcome::done();
   }
-  std::string operator()(Decimal set) const {
+  Outcome operator()(Decimal set) const {
     const auto number = wholeNumber<double>(value);
     // What is no number at all compares with nothing.
-    if (!number || !(*number >= option.lowest && *number <= option.highest)) return "must be a number" + range(option);
+    if (!number || !(*number >= option.lowest && *number <= option.highest))
+      return Outcome::refused("must be a number" + range(option));
     set(options, *number);
-    return {};
+    return Outcome::done();
   }
-  std::string operator()(Option::Word word) const {
+  Outcome operator()(Option::Word word) const {
     std::string_view words = option.valueName;
     for (int index = 0; !words.empty(); ++index) {
       const std::size_t end = std::min(words.find('|'), words.size());
       if (words.substr(0, end) == value) {
         word.set(options, index);
-        return {};
+        return Outcome::done();
       }
       words.remove_prefix(std::min(end + 1, words.size()));
     }
-    return "must be one of " + std::string(option.valueName);
+    return Outcome::refused("must be one of " + std::string(option.valueName));
   }
 };
 
@@ -141,7 +143,7 @@ struct Set {
 
 std::span<const Option> optionTable() { return table; }
 
-std::string setOption(Options& options, const Option& option, const std::string& value) {
+Outcome setOption(Options& options, const Option& option, const std::string& value) {
   return std::visit(Set{options, option, value}, option.target);
 }
 

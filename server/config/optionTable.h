@@ -5,6 +5,7 @@
 #include <string_view>
 #include <variant>
 
+#include "base/outcome.h"
 #include "server/config/options.h"
 
 namespace kelvora::server {
@@ -38,7 +39,7 @@ struct Option {
 /// In the order of the help.
 std::span<const Option> optionTable();
 
-/// Sets it; the answer is what is wrong with the value, empty if nothing is.
-std::string setOption(Options& options, const Option& option, const std::string& value);
+/// Refuses a value that the option cannot have, in words to go behind its name.
+Outcome setOption(Options& options, const Option& option, const std::string& value);
 
 }  // namespace kelvora::server

@@ -16,62 +16,55 @@ const Option* find(std::string_view name) {
   return found == table.end() || name.empty() ? nullptr : &*found;
 }
 
-/// Takes one setting of the file; the answer is what is wrong with it.
-std::string takeLine(Options& options, std::string_view name, const std::string& value) {
+/// Takes one setting of the file.
+Outcome takeLine(Options& options, std::string_view name, const std::string& value) {
   const Option* option = find(name);
-  if (option == nullptr) return "unknown option \"" + std::string(name) + "\"";
+  if (option == nullptr) return Outcome::refused("unknown option \"" + std::string(name) + "\"");
   if (name == "config" || std::holds_alternative<Option::Switch>(option->target)) {
-    return std::string(name) + " is for the command line alone";
+    return Outcome::refused(std::string(name) + " is for the command line alone");
   }
-  const std::string complaint = setOption(options, *option, value);
-  return complaint.empty() ? complaint : std::string(name) + " " + complaint;
+  const Outcome outcome = setOption(options, *option, value);
+  return outcome.isRefused() ? Outcome::refused(std::string(name) + " " + outcome.reason()) : outcome;
 }
 
-void takeArguments(Options& options, std::span<const char* const> arguments) {
-  for (std::size_t i = 0; i < arguments.size() && options.error.empty(); ++i) {
+Outcome takeArguments(Options& options, std::span<const char* const> arguments) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string_view argument = arguments[i];
     const std::size_t equals = std::min(argument.find('='), argument.size());
     const std::string name(argument.substr(0, equals));
     const Option* option = name.starts_with("--") ? find(std::string_view(name).substr(2)) : nullptr;
-    if (option == nullptr) {
-      options.error = "unknown option " + name;
-      return;
-    }
+    if (option == nullptr) return Outcome::refused("unknown option " + name);
     std::string value;
     if (equals < argument.size()) {
       value = argument.substr(equals + 1);
     } else if (!std::holds_alternative<Option::Switch>(option->target)) {
-      if (++i == arguments.size()) {
-        options.error = name + " needs a value";
-        return;
-      }
+      if (++i == arguments.size()) return Outcome::refused(name + " needs a value");
       value = arguments[i];
     }
-    const std::string complaint = setOption(options, *option, value);
-    if (!complaint.empty()) options.error.append(name).append(" ").append(complaint);
+    const Outcome outcome = setOption(options, *option, value);
+    if (outcome.isRefused()) return Outcome::refused(name + " " + outcome.reason());
   }
-}
-
-Options parse(std::span<const char* const> arguments) {
-  Options options;
-  takeArguments(options, arguments);
-  if (!options.error.empty() || options.config.empty()) return options;
-  Options withFile;
-  withFile.error = readConfigFile(
-      options.config, [&](std::string_view name, const std::string& value) { return takeLine(withFile, name, value); });
-  takeArguments(withFile, arguments);
-  return withFile;
+  return Outcome::done();
 }
 
 }  // namespace
 
-Options parseOptions(std::span<const char* const> arguments) {
-  Options options = parse(arguments);
-  const std::string& url = options.publishUrl;
-  if (options.error.empty() && !url.empty() && !url.starts_with("http://") && !url.starts_with("https://")) {
-    options.error = "the address to publish at must begin with http:// or https://";
+Outcome parseOptions(std::span<const char* const> arguments, Options& options) {
+  options = {};
+  if (Outcome outcome = takeArguments(options, arguments); outcome.isRefused()) return outcome;
+  if (!options.config.empty()) {
+    const std::string fileName = options.config;
+    options = {};
+    Outcome outcome = readConfigFile(
+        fileName, [&](std::string_view name, const std::string& value) { return takeLine(options, name, value); });
+    if (!outcome.isRefused()) outcome = takeArguments(options, arguments);
+    if (outcome.isRefused()) return outcome;
   }
-  return options;
+  const std::string& url = options.publishUrl;
+  if (!url.empty() && !url.starts_with("http://") && !url.starts_with("https://")) {
+    return Outcome::refused("the address to publish at must begin with http:// or https://");
+  }
+  return Outcome::done();
 }
 
 std::string helpText() {

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "base/outcome.h"
 #include "server/arena/arenaRules.h"
 #include "server/bots/botWishes.h"
 
@@ -27,12 +28,11 @@ struct Options {
   std::string config;  ///< the file that was read; empty: none
   bool help = false;
   bool version = false;
-  std::string error;  ///< why all this makes no sense; empty if it does
 };
 
-/// `arguments` without the program's name; "--port 2010" and "--port=2010" are the same. The configuration file, if
-/// they name one, is read first, wherever its name stands among them: what they say themselves wins.
-Options parseOptions(std::span<const char* const> arguments);
+/// Reads `arguments`, without the program's name, into fresh options; "--port 2010" and "--port=2010" are the same. The
+/// configuration file, if they name one, is read first, wherever its name stands among them: the command line wins.
+Outcome parseOptions(std::span<const char* const> arguments, Options& options);
 
 std::string helpText();
 /// "1.2.1"

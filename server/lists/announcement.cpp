@@ -51,31 +51,30 @@ std::string announcementQuery(const Announcement& announcement) {
          "&max=" + std::to_string(host.maxPlayers);
 }
 
-std::string readAnnouncement(const std::function<std::string(std::string_view name)>& value,
-                             Announcement& announcement) {
+Outcome readAnnouncement(const std::function<std::string(std::string_view name)>& value, Announcement& announcement) {
   announcement.version = value("version");
   if (announcement.version.empty() || announcement.version.size() > longestVersion ||
       !consistsOf(announcement.version, ".")) {
-    return "version";
+    return Outcome::refused("version");
   }
   HostEntry& host = announcement.host;
   host.address = value("address");
-  if (host.address.size() > longestAddress || !consistsOf(host.address, ".:-")) return "address";
+  if (host.address.size() > longestAddress || !consistsOf(host.address, ".:-")) return Outcome::refused("address");
   const auto port = number(value("port"), 1, highestListedPort);
-  if (!port) return "port";
+  if (!port) return Outcome::refused("port");
   host.port = *port;
   const auto password = number(value("password"), 0, 1);
-  if (!password) return "password";
+  if (!password) return Outcome::refused("password");
   host.passwordRequired = *password == 1;
   host.notes = value("notes");
-  if (host.notes.size() > longestNotes || recordText(host.notes) != host.notes) return "notes";
+  if (host.notes.size() > longestNotes || recordText(host.notes) != host.notes) return Outcome::refused("notes");
   const auto places = number(value("max"), 1, mostPlaces);
-  if (!places) return "max";
+  if (!places) return Outcome::refused("max");
   host.maxPlayers = *places;
   const auto players = number(value("players"), 0, *places);
-  if (!players) return "players";
+  if (!players) return Outcome::refused("players");
   host.players = *players;
-  return {};
+  return Outcome::done();
 }
 
 }  // namespace kelvora::server

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/outcome.h"
 #include "server/lists/hostList.h"
 
 namespace kelvora::server {
@@ -22,9 +23,8 @@ struct Announcement {
 /// "version=1.2.1&address=...&port=2010&password=0&notes=...&players=1&max=6".
 std::string announcementQuery(const Announcement& announcement);
 
-/// Reads it from the values of such a query, by their names. The answer is what makes it unfit for a list, empty if
-/// nothing does: texts that are too long or would break a record, numbers outside their bounds.
-std::string readAnnouncement(const std::function<std::string(std::string_view name)>& value,
-                             Announcement& announcement);
+/// Reads it from the values of such a query, by their names. It is refused, by the name of the value at fault, if a
+/// text is too long or would break a record, or a number is outside its bounds.
+Outcome readAnnouncement(const std::function<std::string(std::string_view name)>& value, Announcement& announcement);
 
 }  // namespace kelvora::server

@@ -124,9 +124,11 @@ struct WebServer::State {
       return {MHD_HTTP_FORBIDDEN, "This list asks for its key.\n"};
     }
     Announcement announcement;
-    const std::string fault =
+    const Outcome outcome =
         readAnnouncement([connection](std::string_view name) { return argument(connection, name); }, announcement);
-    if (!fault.empty()) return {MHD_HTTP_BAD_REQUEST, "This is not fit for the list: " + fault + "\n"};
+    if (outcome.isRefused()) {
+      return {MHD_HTTP_BAD_REQUEST, "This is not fit for the list: " + outcome.reason() + "\n"};
+    }
     const asio::ip::address peer = peerOf(connection);
     if (announcement.host.address.empty()) announcement.host.address = addressText(peer);
     const Millis now = millis(Clock::now());

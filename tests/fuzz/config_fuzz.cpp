@@ -19,13 +19,12 @@ using fuzz::require;
 
 void configFile(Input input) {
   int taken = 0;
-  const std::string complaint =
-      readConfig(input.rest(), "a.conf", [&](std::string_view name, const std::string& value) {
-        ++taken;
-        require(name.find('\n') == std::string_view::npos && value.find('\n') == std::string::npos);
-        return name == "refused" ? std::string("no") : std::string();
-      });
-  require(complaint.empty() || complaint.starts_with("a.conf:"));
+  const Outcome outcome = readConfig(input.rest(), "a.conf", [&](std::string_view name, const std::string& value) {
+    ++taken;
+    require(name.find('\n') == std::string_view::npos && value.find('\n') == std::string::npos);
+    return name == "refused" ? Outcome::refused("no") : Outcome::done();
+  });
+  require(!outcome.isRefused() || outcome.reason().starts_with("a.conf:"));
 }
 
 /// The texts of the input, one a line, as arguments; a file is not read.
@@ -37,8 +36,8 @@ void commandLine(Input input) {
     if (text.find("config") != std::string::npos) return;
     arguments.push_back(text.c_str());
   }
-  const Options options = parseOptions(arguments);
-  if (!options.error.empty()) return;
+  Options options;
+  if (parseOptions(arguments, options).isRefused()) return;
   require(options.rules.roundMs >= 1'000 && options.rules.captureGoal >= 0 && options.rules.intermissionMs >= 0);
   require(options.rules.respawnWaitMs >= 0 && options.rules.incomePerMinute >= 0 && options.rules.speedFactor >= 0);
   require(options.notes.size() <= 200 && options.password.size() <= 255);
@@ -52,14 +51,14 @@ void announcements(Input input) {
   while (!input.isEmpty()) {
     const std::uint8_t flags = input.byte();
     Announcement announcement;
-    const std::string complaint = readAnnouncement(
+    const Outcome outcome = readAnnouncement(
         [&](std::string_view name) {
           if (name == "version" && (flags & 1) != 0) return std::string("1.2.1");
           return std::string(input.upTo('\n'));
         },
         announcement);
     now += Millis{flags} * 1'000;
-    if (!complaint.empty()) continue;
+    if (outcome.isRefused()) continue;
     if (announcement.host.address.empty()) announcement.host.address = "192.0.2.1";
     const std::string network = "10.0.0." + std::to_string(flags >> 4);
     if ((flags & 2) != 0) {

@@ -24,13 +24,13 @@ TEST(BallGeometry, TheDistanceOfWaysIsTheirShortest) {
 }
 
 TEST(BallGeometry, ABeamEndsAtTheWorldsEdge) {
-  EXPECT_EQ(worldEdge({50'000, 50'000}, {1, 0}), (Place{100'000, 50'000}));
-  EXPECT_EQ(worldEdge({50'000, 50'000}, {-8, 0}), (Place{0, 50'000}));
-  EXPECT_EQ(worldEdge({50'000, 50'000}, {0, 2}), (Place{50'000, 100'000}));
-  EXPECT_EQ(worldEdge({50'000, 50'000}, {0, -2}), (Place{50'000, 0}));
-  EXPECT_EQ(worldEdge({90'000, 50'000}, {1, 2}), (Place{100'000, 70'000})) << "the side comes first";
-  EXPECT_EQ(worldEdge({90'000, 90'000}, {1, 2}), (Place{95'000, 100'000})) << "the bottom comes first";
-  EXPECT_EQ(worldEdge({0, 5}, {-1, 0}), (Place{0, 5})) << "there already";
+  EXPECT_EQ(worldEdge({50'000, 50'000}, {1, 0}), (Point{100'000, 50'000}));
+  EXPECT_EQ(worldEdge({50'000, 50'000}, {-8, 0}), (Point{0, 50'000}));
+  EXPECT_EQ(worldEdge({50'000, 50'000}, {0, 2}), (Point{50'000, 100'000}));
+  EXPECT_EQ(worldEdge({50'000, 50'000}, {0, -2}), (Point{50'000, 0}));
+  EXPECT_EQ(worldEdge({90'000, 50'000}, {1, 2}), (Point{100'000, 70'000})) << "the side comes first";
+  EXPECT_EQ(worldEdge({90'000, 90'000}, {1, 2}), (Point{95'000, 100'000})) << "the bottom comes first";
+  EXPECT_EQ(worldEdge({0, 5}, {-1, 0}), (Point{0, 5})) << "there already";
 }
 
 }  // namespace

@@ -160,7 +160,7 @@ TEST_F(CapturesTest, ATailBeginsAnewWithALife) {
   say(bob, wire::msgSpawnRequest, {""});
   ASSERT_TRUE(view(bob).isAlive);
   report(bob, 51'000, 51'000);
-  EXPECT_EQ(view(bob).tail, (std::vector<Place>{{51'000, 51'000}}));
+  EXPECT_EQ(view(bob).tail, (std::vector<Point>{{51'000, 51'000}}));
 }
 
 TEST_F(CapturesTest, AVertexLivesForTwoSeconds) {
@@ -272,7 +272,7 @@ TEST_F(CapturesTest, ExtendedTailsKeepTheirVertices) {
   pass(3'999);
   EXPECT_EQ(view(ann).tail.size(), 2U);
   pass(1);
-  EXPECT_EQ(view(ann).tail, (std::vector<Place>{{12'000, 10'000}}))
+  EXPECT_EQ(view(ann).tail, (std::vector<Point>{{12'000, 10'000}}))
       << "five seconds: what had aged before ends at once";
   pass(1'999);
   EXPECT_EQ(view(ann).tail.size(), 1U) << "what was laid meanwhile has all its life before it";

@@ -68,7 +68,7 @@ TEST_F(FairnessTest, ThenItIsTheSpeedThatCounts) {
   now += 10;
   EXPECT_FALSE(moves(86'400, 4'501)) << "900 units in a hundredth of a second";
   EXPECT_TRUE(moves(86'400, 4'500));
-  EXPECT_EQ(view(ann).position, (Place{86'400, 4'500}));
+  EXPECT_EQ(view(ann).position, (Point{86'400, 4'500}));
 }
 
 TEST_F(FairnessTest, FullSpeedIsNeverRefused) {
@@ -120,8 +120,8 @@ TEST_F(FairnessTest, AfterASecondOfRefusalsAPlayerBeginsAnew) {
   EXPECT_FALSE(moves(100'000, 100'000)) << "999 ms after the last accepted one";
   now += 1;
   EXPECT_TRUE(moves(100'000, 100'000));
-  EXPECT_EQ(view(ann).position, (Place{100'000, 100'000}));
-  EXPECT_EQ(view(ann).tail, (std::vector<Place>{{100'000, 100'000}})) << "and no segment leads there";
+  EXPECT_EQ(view(ann).position, (Point{100'000, 100'000}));
+  EXPECT_EQ(view(ann).tail, (std::vector<Point>{{100'000, 100'000}})) << "and no segment leads there";
 }
 
 TEST_F(FairnessTest, APauseAloneLosesNoTail) {
@@ -147,7 +147,7 @@ TEST_F(FairnessTest, ALeapCapturesNobody) {
 
 TEST_F(FairnessTest, TheFirstStepIsLimitedToo) {
   login(ann, "Ann");
-  const Place start = view(ann).position;  // at least 10000 units from every edge
+  const Point start = view(ann).position;  // at least 10000 units from every edge
   EXPECT_FALSE(moves(static_cast<int>(start.x) + 7'201, static_cast<int>(start.y)));
   EXPECT_TRUE(moves(static_cast<int>(start.x) + 7'200, static_cast<int>(start.y)));
 }

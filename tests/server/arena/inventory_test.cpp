@@ -29,16 +29,16 @@ TEST(Inventory, EachItemCostsItsPriceAndGivesBackHalf) {
   constexpr int resale[] = {10, 5, 15, 10, 10, 35};
   for (int item = 0; item < 6; ++item) {
     Inventory exact = withFunds(prices[item]);
-    EXPECT_EQ(exact.buy(item), "") << item;
+    EXPECT_EQ(exact.buy(item).reason(), "") << item;
     EXPECT_EQ(exact.funds(), 0) << item;
     EXPECT_EQ(exact.stock(item), 1) << item;
     EXPECT_EQ(exact.totalStock(), 1) << item;
-    EXPECT_EQ(exact.sell(item), "") << item;
+    EXPECT_EQ(exact.sell(item).reason(), "") << item;
     EXPECT_EQ(exact.funds(), resale[item]) << item;
     EXPECT_EQ(exact.totalStock(), 0) << item;
 
     Inventory oneShort = withFunds(prices[item] - 1);
-    EXPECT_NE(oneShort.buy(item), "") << item;
+    EXPECT_NE(oneShort.buy(item).reason(), "") << item;
     EXPECT_EQ(oneShort.funds(), prices[item] - 1) << item;
     EXPECT_EQ(oneShort.totalStock(), 0) << item;
   }
@@ -46,12 +46,12 @@ TEST(Inventory, EachItemCostsItsPriceAndGivesBackHalf) {
 
 TEST(Inventory, RefusesInClearWords) {
   Inventory inventory;
-  EXPECT_EQ(inventory.buy(0), "Shield costs 20 credits. You have 10 credits.");
-  EXPECT_EQ(withFunds(1).buy(5), "EMP costs 70 credits. You have 1 credit.");
-  EXPECT_EQ(inventory.sell(3), "You have nothing to sell of this kind: Extra Long Tail.");
+  EXPECT_EQ(inventory.buy(0).reason(), "Shield costs 20 credits. You have 10 credits.");
+  EXPECT_EQ(withFunds(1).buy(5).reason(), "EMP costs 70 credits. You have 1 credit.");
+  EXPECT_EQ(inventory.sell(3).reason(), "You have nothing to sell of this kind: Extra Long Tail.");
   for (const int item : {-1, 6, -32'768, 32'767}) {
-    EXPECT_EQ(inventory.buy(item), "The store has no such powerup.") << item;
-    EXPECT_EQ(inventory.sell(item), "The store has no such powerup.") << item;
+    EXPECT_EQ(inventory.buy(item).reason(), "The store has no such powerup.") << item;
+    EXPECT_EQ(inventory.sell(item).reason(), "The store has no such powerup.") << item;
     EXPECT_EQ(inventory.stock(item), 0) << item;
   }
   EXPECT_EQ(inventory.funds(), 10);
@@ -59,37 +59,37 @@ TEST(Inventory, RefusesInClearWords) {
 
 TEST(Inventory, HoldsTenOfAllKindsTogether) {
   Inventory inventory = withFunds(300);
-  for (int i = 0; i < 7; ++i) EXPECT_EQ(inventory.buy(1), "");  // 70
-  EXPECT_EQ(inventory.buy(5), "");                              // 70
-  EXPECT_EQ(inventory.buy(2), "");                              // 30
-  EXPECT_EQ(inventory.buy(0), "");                              // 20
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(inventory.buy(1).reason(), "");  // 70
+  EXPECT_EQ(inventory.buy(5).reason(), "");                              // 70
+  EXPECT_EQ(inventory.buy(2).reason(), "");                              // 30
+  EXPECT_EQ(inventory.buy(0).reason(), "");                              // 20
   EXPECT_EQ(inventory.funds(), 110);
   EXPECT_EQ(inventory.totalStock(), 10);
   for (int item = 0; item < 6; ++item) {
-    EXPECT_EQ(inventory.buy(item), "You cannot carry more than 10 powerups. Use or sell one first.") << item;
+    EXPECT_EQ(inventory.buy(item).reason(), "You cannot carry more than 10 powerups. Use or sell one first.") << item;
   }
   EXPECT_EQ(inventory.funds(), 110);
-  EXPECT_EQ(inventory.sell(5), "");  // 35 back
-  EXPECT_EQ(inventory.buy(3), "");   // 20
+  EXPECT_EQ(inventory.sell(5).reason(), "");  // 35 back
+  EXPECT_EQ(inventory.buy(3).reason(), "");   // 20
   EXPECT_EQ(inventory.funds(), 125);
   EXPECT_TRUE(inventory.start(3, start));
-  EXPECT_EQ(inventory.buy(4), "") << "one that runs takes no room";
+  EXPECT_EQ(inventory.buy(4).reason(), "") << "one that runs takes no room";
   EXPECT_EQ(inventory.funds(), 105);
 }
 
 TEST(Inventory, WithNoRoomAndNoCreditsTheRoomIsWhatIsTold) {
   Inventory inventory = withFunds(100);
-  for (int i = 0; i < 10; ++i) EXPECT_EQ(inventory.buy(1), "");
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(inventory.buy(1).reason(), "");
   EXPECT_EQ(inventory.funds(), 0);
-  EXPECT_NE(inventory.buy(1).find("carry"), std::string::npos);
+  EXPECT_NE(inventory.buy(1).reason().find("carry"), std::string::npos);
 }
 
 TEST(Inventory, EachPowerupRunsForItsSeconds) {
   constexpr Millis seconds[] = {15, 5, 5, 5, 1};
   for (int item = 0; item < 5; ++item) {
     Inventory inventory = withFunds(60);
-    ASSERT_EQ(inventory.buy(item), "");
-    ASSERT_EQ(inventory.buy(item), "");
+    ASSERT_EQ(inventory.buy(item).reason(), "");
+    ASSERT_EQ(inventory.buy(item).reason(), "");
     EXPECT_TRUE(inventory.start(item, start));
     EXPECT_EQ(inventory.stock(item), 1) << item;
     EXPECT_TRUE(inventory.isRunning(item, start)) << item;
@@ -106,8 +106,8 @@ TEST(Inventory, EachPowerupRunsForItsSeconds) {
 
 TEST(Inventory, ThePulseIsOverAtOnce) {
   Inventory inventory = withFunds(140);
-  ASSERT_EQ(inventory.buy(5), "");
-  ASSERT_EQ(inventory.buy(5), "");
+  ASSERT_EQ(inventory.buy(5).reason(), "");
+  ASSERT_EQ(inventory.buy(5).reason(), "");
   EXPECT_TRUE(inventory.start(5, start));
   EXPECT_FALSE(inventory.isRunning(5, start));
   EXPECT_TRUE(inventory.start(5, start));
@@ -121,8 +121,8 @@ TEST(Inventory, WhatIsNotThereDoesNotStart) {
 
 TEST(Inventory, PowerupsRunBesideEachOther) {
   Inventory inventory = withFunds(30);
-  ASSERT_EQ(inventory.buy(0), "");
-  ASSERT_EQ(inventory.buy(1), "");
+  ASSERT_EQ(inventory.buy(0).reason(), "");
+  ASSERT_EQ(inventory.buy(1).reason(), "");
   EXPECT_TRUE(inventory.start(0, start));
   EXPECT_TRUE(inventory.start(1, start + 4'000));
   EXPECT_TRUE(inventory.isRunning(1, start + 8'999));
@@ -132,7 +132,7 @@ TEST(Inventory, PowerupsRunBesideEachOther) {
 
 TEST(Inventory, ARunningPowerupCanBeEndedEarly) {
   Inventory inventory = withFunds(40);
-  ASSERT_EQ(inventory.buy(0), "");
+  ASSERT_EQ(inventory.buy(0).reason(), "");
   EXPECT_FALSE(inventory.end(0, start));
   EXPECT_TRUE(inventory.start(0, start));
   EXPECT_TRUE(inventory.end(0, start + 1));
@@ -166,9 +166,9 @@ TEST(Inventory, WhatIsBookedAddsUpToTheFunds) {
   inventory.book(Entry::income, 15);
   inventory.book(Entry::capture, 20);
   inventory.book(Entry::survival, 10);
-  ASSERT_EQ(inventory.buy(0), "");
-  ASSERT_EQ(inventory.buy(1), "");
-  ASSERT_EQ(inventory.sell(0), "");
+  ASSERT_EQ(inventory.buy(0).reason(), "");
+  ASSERT_EQ(inventory.buy(1).reason(), "");
+  ASSERT_EQ(inventory.sell(0).reason(), "");
   EXPECT_EQ(inventory.booked(Entry::income), 15);
   EXPECT_EQ(inventory.booked(Entry::capture), 20);
   EXPECT_EQ(inventory.booked(Entry::survival), 10);

@@ -22,7 +22,7 @@ class Beginner {
     }
     double wanted = angle_ + 0.05;
     if (nearest) {
-      const Place arm = view.position - nearest->position;
+      const Point arm = view.position - nearest->position;
       const double error = (length(arm) - radius) / radius;
       wanted = angleOf(arm) + M_PI / 2 + 0.15 + std::clamp(error, -0.8, M_PI / 2 - 0.15);
     }

@@ -182,7 +182,7 @@ TEST_F(BotKeeperTest, AMixtureHasAllLevels) {
   ask(ann, "0");
   pass(8'000);
   std::map<ClientId, double> fastest;
-  std::map<ClientId, Place> last;
+  std::map<ClientId, Point> last;
   std::map<ClientId, int> plain;  // ticks since it was a ghost or had the turbo, from which it may still roll out
   for (int tick = 0; tick < 1'500; ++tick) {
     pass(40);
@@ -190,7 +190,7 @@ TEST_F(BotKeeperTest, AMixtureHasAllLevels) {
       plain[bot.client] = bot.isAlive && !bot.isRunning[turboSlot] ? plain[bot.client] + 1 : 0;
       if (plain[bot.client] > 75) {
         const double step = flightLength(bot.position - last[bot.client]);
-        const Place there = bot.position;
+        const Point there = bot.position;
         const bool isByTheEdge = there.x < 3'000 || there.x > 97'000 || there.y < 3'000 || there.y > 97'000;
         if (!isByTheEdge) fastest[bot.client] = std::max(fastest[bot.client], step);
       }

@@ -34,7 +34,7 @@ TEST(BotFlight, BothAxesTogetherMakeTheSpeed) {
     const double angle = 0.05 + i * 0.098;
     Flight flight = free(50'000, 50'000);
     flight.step(angle, 0.5, true, false);
-    EXPECT_NEAR(flightLength(flight.place() - Place{50'000, 50'000}), 150, 0.02) << angle;
+    EXPECT_NEAR(flightLength(flight.point() - Point{50'000, 50'000}), 150, 0.02) << angle;
   }
 }
 
@@ -43,12 +43,12 @@ TEST(BotFlight, FliesWhereItIsToAsNearAsAMouseCan) {
   // degrees' tangent's growth), so the nearest is within .0088, apart from the last, straight to the side.
   for (int i = 0; i < 64; ++i) {
     const double angle = 0.05 + i * 0.098;
-    const Place way = towards(angle);
+    const Point way = towards(angle);
     const double share = std::fabs(way.x) / flightLength(way);
     if (share > 0.96) continue;
     Flight flight = free(50'000, 50'000);
     flight.step(angle, 1, true, false);
-    const Place step = flight.place() - Place{50'000, 50'000};
+    const Point step = flight.point() - Point{50'000, 50'000};
     EXPECT_NEAR(std::fabs(step.x) / flightLength(step), share, 0.009) << angle;
     EXPECT_GT(dot(step, way), 0) << angle;
   }
@@ -58,8 +58,8 @@ TEST(BotFlight, StraightToTheSideThereIsALittleSlant) {
   // The bearing 88 gives (tan 43 + 1) / 2 of the speed: 300 x 0.966258 = 289.877.
   Flight flight = free(50'000, 50'000);
   flight.step(right, 1, true, false);
-  EXPECT_NEAR(flight.place().x, 50'289.877, 0.01);
-  EXPECT_NEAR(std::fabs(flight.place().y - 50'000), 10.123, 0.01);
+  EXPECT_NEAR(flight.point().x, 50'289.877, 0.01);
+  EXPECT_NEAR(std::fabs(flight.point().y - 50'000), 10.123, 0.01);
 }
 
 TEST(BotFlight, TurboIsThreeTimesAsFastAndEscapesTheLimitOfAnAxis) {
@@ -74,7 +74,7 @@ TEST(BotFlight, AGhostIsTwiceAsFastUpToTheLimitOfAnAxis) {
   EXPECT_EQ(straight.position().y, 50'300);
   Flight slanting = free(50'000, 50'000);
   slanting.step(M_PI / 4, 1, false, false);
-  EXPECT_NEAR(flightLength(slanting.place() - Place{50'000, 50'000}), 600, 0.02);
+  EXPECT_NEAR(flightLength(slanting.point() - Point{50'000, 50'000}), 600, 0.02);
 }
 
 TEST(BotFlight, BouncesAThousandUnitsInward) {

@@ -8,37 +8,37 @@ namespace kelvora::server {
 namespace {
 
 /// Three sides of a square with 4000 to a side and points 1000 apart, from its lower left corner: up, right, down.
-std::vector<Place> hook() {
-  std::vector<Place> tail;
+std::vector<Point> hook() {
+  std::vector<Point> tail;
   for (int i = 0; i < 4; ++i) tail.push_back({10'000, 14'000 - 1'000.0 * i});
   for (int i = 0; i < 4; ++i) tail.push_back({10'000 + 1'000.0 * i, 10'000});
   for (int i = 0; i <= 3; ++i) tail.push_back({14'000, 10'000 + 1'000.0 * i});
   return tail;
 }
-constexpr Place head = {14'000, 13'500};
-constexpr Place middle = {12'000, 12'000};
+constexpr Point head = {14'000, 13'500};
+constexpr Point middle = {12'000, 12'000};
 
 TEST(Foresight, AStraightFlightGoesOn) {
   const Seen player{.position = {10'000, 20'000}, .velocity = {20, -10}};
-  EXPECT_EQ(foreseen(player, 100, true), (Place{12'000, 19'000}));
+  EXPECT_EQ(foreseen(player, 100, true), (Point{12'000, 19'000}));
 }
 
 TEST(Foresight, ACircleEndsWhereItBegan) {
   // 2 pi in 1000 ms.
   const Seen player{.position = {50'000, 50'000}, .velocity = {20, 0}, .turn = 2 * M_PI / 1000};
-  const Place back = foreseen(player, 1'000, true);
+  const Point back = foreseen(player, 1'000, true);
   EXPECT_NEAR(back.x, 50'000, 1e-6);
   EXPECT_NEAR(back.y, 50'000, 1e-6);
   // Half of it ends across: the circle is 20000 long, 20000 / pi wide.
-  const Place across = foreseen(player, 500, true);
+  const Point across = foreseen(player, 500, true);
   EXPECT_NEAR(across.x, 50'000, 1e-6);
   EXPECT_NEAR(across.y, 50'000 + 20'000 / M_PI, 1e-6);
-  EXPECT_EQ(foreseen(player, 500, false), (Place{60'000, 50'000})) << "who does not foresee turns";
+  EXPECT_EQ(foreseen(player, 500, false), (Point{60'000, 50'000})) << "who does not foresee turns";
 }
 
 TEST(Foresight, NobodyLeavesTheWorld) {
   const Seen player{.position = {99'000, 500}, .velocity = {20, -20}};
-  EXPECT_EQ(foreseen(player, 100, true), (Place{99'000, 1'500}));
+  EXPECT_EQ(foreseen(player, 100, true), (Point{99'000, 1'500}));
 }
 
 TEST(Foresight, ALoopIsClosedAcrossTheNearestPointThatTakesThePreyIn) {
@@ -48,7 +48,7 @@ TEST(Foresight, ALoopIsClosedAcrossTheNearestPointThatTakesThePreyIn) {
   // 2500 aside; the second of equally near ones is met first, coming from the newest.
   EXPECT_EQ(closing->vertex, 1U);
   EXPECT_EQ(closing->ms, 450);
-  EXPECT_EQ(closing->gate, (Place{10'000, 13'500}));
+  EXPECT_EQ(closing->gate, (Point{10'000, 13'500}));
   EXPECT_TRUE(isInside(hook(), head, *closing, middle));
   EXPECT_FALSE(isInside(hook(), head, *closing, {9'000, 12'000}));
   EXPECT_FALSE(isInside(hook(), head, *closing, {12'000, 13'800})) << "below the way across";

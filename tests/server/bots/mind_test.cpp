@@ -18,7 +18,7 @@ class BotMind : public testing::Test {
     view.isAlive = true;
     view.position = {50'000, 50'000};
   }
-  Seen& opponent(Place position, Place velocity = {}) {
+  Seen& opponent(Point position, Point velocity = {}) {
     view.others.push_back({.node = static_cast<std::int16_t>(view.others.size() + 2),
                            .isAlive = true,
                            .position = position,
@@ -102,7 +102,7 @@ TEST_F(BotMind, WithNobodyAliveItWanders) {
 
 TEST_F(BotMind, ClosesALoopAroundAnOpponent) {
   // Three sides of a square of 4000 stand as its tail, the opponent rests in the middle.
-  std::vector<Place> tail;
+  std::vector<Point> tail;
   for (int i = 0; i < 4; ++i) tail.push_back({46'000, 54'000 - 1'000.0 * i});
   for (int i = 0; i < 4; ++i) tail.push_back({46'000 + 1'000.0 * i, 50'000});
   for (int i = 0; i < 4; ++i) tail.push_back({50'000, 50'000 + 1'000.0 * i});
@@ -121,7 +121,7 @@ double escape(double alertness) {
   skill.triumph = 60'000;
   Mind mind(skill, 1);
   mind.triumph(0);
-  constexpr Place place = {50'000, 50'000};
+  constexpr Point place = {50'000, 50'000};
   constexpr double turn = 1'200 * 0.75 / 2'500;  // in 40 ms, on the average of all directions
   Flight flight({50'000, 50'000});
   flight.setBrakes(false);
@@ -135,7 +135,7 @@ double escape(double alertness) {
   hunter.node = 2;
   hunter.isAlive = true;
   for (int i = 0; i < 50; ++i) {
-    self.position = flight.place();
+    self.position = flight.point();
     hunter.position = place + towards(i * turn) * 2'500;
     hunter.tail.push_back(hunter.position);
     const Millis now = 1'000 + 40 * i;
@@ -143,7 +143,7 @@ double escape(double alertness) {
     const Intent intent = mind.think(sight.viewOf(self, skill.reaction, now));
     for (int frame = 0; frame < 4; ++frame) flight.step(intent.angle, intent.throttle, true, false);
   }
-  return length(flight.place() - place);
+  return length(flight.point() - place);
 }
 
 TEST_F(BotMind, FleesFromALoopThatCloses) {
@@ -153,12 +153,12 @@ TEST_F(BotMind, FleesFromALoopThatCloses) {
 
 TEST_F(BotMind, AChargedTailIsNotFlownInto) {
   // It stands across the way to its owner, 2500 ahead.
-  std::vector<Place> tail;
+  std::vector<Point> tail;
   for (int i = 0; i <= 6; ++i) tail.push_back({52'500, 47'000 + 1'000.0 * i});
   Seen& other = opponent({60'000, 50'000});
   other.tail = tail;
   other.isTailCharged = true;
-  const Place way = towards(later(hard, 10).angle);
+  const Point way = towards(later(hard, 10).angle);
   EXPECT_FALSE(cross(view.position, view.position + way * 3'000, tail.front(), tail.back()));
   view.isRunning[shieldSlot] = true;
   Mind shielded(skillOf(SkillLevel::hard), 2);

@@ -8,7 +8,7 @@
 namespace kelvora::server {
 namespace {
 
-PlayerView player(std::int16_t node, Place position) {
+PlayerView player(std::int16_t node, Point position) {
   PlayerView view;
   view.client = static_cast<ClientId>(node);
   view.node = node;
@@ -37,16 +37,16 @@ TEST_F(BotSight, OthersAreSeenAReactionLate) {
   watch(20);
   const BotView view = sight.viewOf(*sight.player(1), 120, now);
   ASSERT_EQ(view.others.size(), 1U);
-  EXPECT_EQ(view.others[0].position, (Place{x - 3 * 800, 20'000}));
+  EXPECT_EQ(view.others[0].position, (Point{x - 3 * 800, 20'000}));
   EXPECT_EQ(view.delay, 120);
-  EXPECT_EQ(view.position, (Place{50'000, 50'000}));
+  EXPECT_EQ(view.position, (Point{50'000, 50'000}));
 }
 
 TEST_F(BotSight, WhoJustCameIsSeenAsFarAsThereIsAnything) {
   watch(2);
   const BotView view = sight.viewOf(*sight.player(1), 600, now);
   EXPECT_EQ(view.delay, 40);
-  EXPECT_EQ(view.others[0].velocity, Place{});
+  EXPECT_EQ(view.others[0].velocity, Point{});
 }
 
 TEST_F(BotSight, AVelocityIsThatOfTheWay) {
@@ -61,7 +61,7 @@ TEST_F(BotSight, ACircleHasATurn) {
   // A twentieth of a circle in each picture of 40 ms.
   for (int i = 0; i < 20; ++i) {
     now += 40;
-    sight.add({player(1, {50'000, 50'000}), player(2, Place{30'000, 30'000} + towards(i * M_PI / 10) * 2'000)}, now);
+    sight.add({player(1, {50'000, 50'000}), player(2, Point{30'000, 30'000} + towards(i * M_PI / 10) * 2'000)}, now);
   }
   const Seen other = sight.viewOf(*sight.player(1), 0, now).others[0];
   EXPECT_NEAR(other.turn, M_PI / 10 / 40, 1e-6);

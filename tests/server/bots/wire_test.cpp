@@ -15,7 +15,7 @@ namespace {
 
 int idOf(const Contest::Said& said) { return static_cast<unsigned char>(said.text.front()); }
 
-Place placeOf(const Contest::Said& said) {
+Point placeOf(const Contest::Said& said) {
   const auto fields = wire::splitFields(std::string_view(said.text).substr(1));
   return {readNumber(fields[0]), readNumber(fields[1])};
 }
@@ -45,9 +45,9 @@ TEST_F(BotWire, NoStepIsLongerThanTheGameAllows) {
   contest.pass(120'000);
   double longest = 0;
   for (int player = 1; player <= 6; ++player) {
-    std::optional<Place> last;
+    std::optional<Point> last;
     for (const auto& report : reports(player)) {
-      const Place place = placeOf(report);
+      const Point place = placeOf(report);
       EXPECT_TRUE(place.x >= 0 && place.x <= 100'000 && place.y >= 0 && place.y <= 100'000) << report.text;
       if (last) {
         // Four frames at 300, times 3 with the turbo, and times 2 as a ghost; a bounce throws a thousand inward on
@@ -69,11 +69,11 @@ TEST_F(BotWire, WithoutTurboALivingBotMakesTwelveHundredAReport) {
   alone.listen();
   alone.addBot(SkillLevel::hard);
   alone.pass(30'000);
-  std::optional<Place> last;
+  std::optional<Point> last;
   int steps = 0;
   for (const auto& said : alone.said()) {
     if (idOf(said) != wire::msgPositionReport) continue;
-    const Place place = placeOf(said);
+    const Point place = placeOf(said);
     if (last) {
       EXPECT_LE(flightLength(place - *last), 1'200 + 0.1);
     }

@@ -16,10 +16,16 @@ using Settings = std::vector<std::pair<std::string, std::string>>;
 /// Reads a text of which everything is taken.
 std::string read(std::string_view text, Settings& settings) {
   settings.clear();
-  return readConfig(text, "a.conf", [&](std::string_view name, const std::string& value) {
+  const auto take = [&](std::string_view name, const std::string& value) {
     settings.emplace_back(name, value);
-    return std::string();
-  });
+    return Outcome::done();
+  };
+  return readConfig(text, "a.conf", take).reason();
+}
+
+std::string faultOf(std::span<const char* const> arguments) {
+  Options options;
+  return parseOptions(arguments, options).reason();
 }
 
 /// A file that holds the text, in the test's own folder.
@@ -47,16 +53,17 @@ TEST(ServerConfig, FaultsAreToldWithTheirLine) {
   Settings settings;
   EXPECT_EQ(read("port = 1\n\nrubbish\n", settings), "a.conf:3: this is not of the form \"name = value\"");
   EXPECT_EQ(read("a = 1\n# a\na = 2\n", settings), "a.conf:3: a stands in line 1 already");
-  EXPECT_EQ(readConfig("a=1\nb=2\nc=3", "f",
-                       [](std::string_view name, const std::string&) { return name == "b" ? "no" : ""; }),
-            "f:2: no");
+  const auto refuseB = [](std::string_view name, const std::string&) {
+    return name == "b" ? Outcome::refused("no") : Outcome::done();
+  };
+  EXPECT_EQ(readConfig("a=1\nb=2\nc=3", "f", refuseB).reason(), "f:2: no");
 }
 
 TEST(ServerConfig, AFileHasTheNamesOfTheOptions) {
   const std::string file = fileWith("# arena\nport = 2011\nround-seconds = 60\nnotes = a # b\n");
   const char* arguments[] = {"--config", file.c_str()};
-  const Options options = parseOptions(arguments);
-  EXPECT_EQ(options.error, "");
+  Options options;
+  EXPECT_EQ(parseOptions(arguments, options).reason(), "");
   EXPECT_EQ(options.port, 2011);
   EXPECT_EQ(options.rules.roundMs, 60'000);
   EXPECT_EQ(options.notes, "a # b");
@@ -67,8 +74,8 @@ TEST(ServerConfig, TheCommandLineWinsWhereverItNamesTheFile) {
   const std::string config = "--config=" + file;
   const std::vector<std::vector<const char*>> orders = {{"--port", "5", config.c_str()}, {config.c_str(), "--port=5"}};
   for (const auto& arguments : orders) {
-    const Options options = parseOptions(arguments);
-    EXPECT_EQ(options.error, "");
+    Options options;
+    EXPECT_EQ(parseOptions(arguments, options).reason(), "");
     EXPECT_EQ(options.port, 5);
     EXPECT_EQ(options.notes, "file");
   }
@@ -92,7 +99,7 @@ TEST(ServerConfig, AWrongFileIsToldWithItsNameAndLine) {
   for (const Row& row : rows) {
     const std::string file = fileWith(row.text);
     const char* arguments[] = {"--config", file.c_str()};
-    EXPECT_EQ(parseOptions(arguments).error, file + row.complaint);
+    EXPECT_EQ(faultOf(arguments), file + row.complaint);
   }
 }
 
@@ -101,17 +108,17 @@ TEST(ServerConfig, AFileThatCannotBeReadIsToldByItsName) {
   const std::string folder = testing::TempDir();
   for (const std::string& name : {missing, folder}) {
     const char* arguments[] = {"--config", name.c_str()};
-    EXPECT_TRUE(parseOptions(arguments).error.starts_with("cannot read " + name)) << parseOptions(arguments).error;
+    EXPECT_TRUE(faultOf(arguments).starts_with("cannot read " + name)) << faultOf(arguments);
   }
   const std::string endless = fileWith(std::string(70'000, '#'));
   const char* arguments[] = {"--config", endless.c_str()};
-  EXPECT_EQ(parseOptions(arguments).error, endless + " is longer than 64 KiB");
+  EXPECT_EQ(faultOf(arguments), endless + " is longer than 64 KiB");
 }
 
 TEST(ServerConfig, AnEmptyFileIsFine) {
   const std::string file = fileWith("");
   const char* arguments[] = {"--config", file.c_str()};
-  EXPECT_EQ(parseOptions(arguments).error, "");
+  EXPECT_EQ(faultOf(arguments), "");
 }
 
 }  // namespace

@@ -80,13 +80,13 @@ TEST(ServerManual, TheInstalledConfigurationMakesSense) {
   const std::string file = text("packaging/server/default.conf");
   for (const std::string& config : {file, std::regex_replace(file, std::regex("\n#([a-z-]+ =)"), "\n$1")}) {
     Options options;
-    const std::string fault = readConfig(config, "default.conf", [&](std::string_view name, const std::string& value) {
+    const Outcome outcome = readConfig(config, "default.conf", [&](std::string_view name, const std::string& value) {
       for (const Option& option : optionTable()) {
         if (option.name == name && !name.empty()) return setOption(options, option, value);
       }
-      return "unknown option " + std::string(name);
+      return Outcome::refused("unknown option " + std::string(name));
     });
-    EXPECT_EQ(fault, "");
+    EXPECT_EQ(outcome.reason(), "");
     EXPECT_EQ(options.port, 2010);
     EXPECT_EQ(options.password, "");
   }

@@ -13,10 +13,20 @@
 namespace kelvora::server {
 namespace {
 
-Options parse(std::vector<const char*> arguments) { return parseOptions(arguments); }
+struct Parsed : Options {
+  std::string error;  // empty: none
+};
+
+Parsed parse(std::vector<const char*> arguments) {
+  Parsed parsed;
+  const Outcome outcome = parseOptions(arguments, parsed);
+  EXPECT_EQ(outcome.isRefused(), !outcome.reason().empty());
+  parsed.error = outcome.reason();
+  return parsed;
+}
 
 TEST(ServerOptions, HaveDefaults) {
-  const Options options = parse({});
+  const Parsed options = parse({});
   EXPECT_EQ(options.error, "");
   EXPECT_EQ(options.address, "127.0.0.1");
   EXPECT_EQ(options.port, 2010);
@@ -31,7 +41,7 @@ TEST(ServerOptions, HaveDefaults) {
 }
 
 TEST(ServerOptions, TextsAreKeptInTheLettersOfTheGame) {
-  const Options options = parse({"--password", "\u00D6ffne dich", "--notes", "f\u00FCr alle, 5 \u20AC"});
+  const Parsed options = parse({"--password", "\u00D6ffne dich", "--notes", "f\u00FCr alle, 5 \u20AC"});
   EXPECT_EQ(options.error, "");
   EXPECT_EQ(options.password,
             "\xD6"
@@ -65,8 +75,8 @@ TEST(ServerOptions, AreReadInBothSpellings) {
 }
 
 TEST(ServerOptions, ReachTheWebServerAndTheIncome) {
-  const Options options = parse({"--web-port", "8080", "--web-address=0.0.0.0", "--public-address", "play.example",
-                                 "--notes", "a = b", "--income=0"});
+  const Parsed options = parse({"--web-port", "8080", "--web-address=0.0.0.0", "--public-address", "play.example",
+                                "--notes", "a = b", "--income=0"});
   EXPECT_EQ(options.error, "");
   EXPECT_EQ(options.webPort, 8080);
   EXPECT_EQ(options.webAddress, "0.0.0.0");
@@ -100,8 +110,8 @@ TEST(ServerOptions, SetTheRules) {
   EXPECT_EQ(usual.intermissionMs, 12'000);
   EXPECT_EQ(usual.respawnWaitMs, 3'000);
   EXPECT_EQ(usual.speedFactor, 3);
-  const Options options = parse({"--round-seconds", "60", "--captures-to-win=0", "--intermission", "5",
-                                 "--respawn-wait=0", "--speed-limit", "10"});
+  const Parsed options = parse({"--round-seconds", "60", "--captures-to-win=0", "--intermission", "5",
+                                "--respawn-wait=0", "--speed-limit", "10"});
   EXPECT_EQ(options.error, "");
   EXPECT_EQ(options.rules.roundMs, 60'000);
   EXPECT_EQ(options.rules.captureGoal, 0);
@@ -169,12 +179,12 @@ TEST(ServerOptions, AWordIsOneOfThoseOfTheRow) {
   Options options;
   const Option row{"colour", "red|green|blue", "",
                    Option::Word{[](Options& o, int index) { o.port = static_cast<std::uint16_t>(index); }}};
-  EXPECT_EQ(setOption(options, row, "green"), "");
+  EXPECT_EQ(setOption(options, row, "green").reason(), "");
   EXPECT_EQ(options.port, 1);
-  EXPECT_EQ(setOption(options, row, "blue"), "");
+  EXPECT_EQ(setOption(options, row, "blue").reason(), "");
   EXPECT_EQ(options.port, 2);
   for (const char* value : {"", "gree", "greens", "red|green", "|"}) {
-    EXPECT_EQ(setOption(options, row, value), "must be one of red|green|blue") << value;
+    EXPECT_EQ(setOption(options, row, value).reason(), "must be one of red|green|blue") << value;
   }
   EXPECT_EQ(options.port, 2);
 }

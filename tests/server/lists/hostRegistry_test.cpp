@@ -98,7 +98,8 @@ std::string read(std::string query, Announcement& announcement) {
     values[pair.substr(0, equals)] = value;
   }
   return readAnnouncement([&](std::string_view name) { return values.contains(name) ? values.find(name)->second : ""; },
-                          announcement);
+                          announcement)
+      .reason();
 }
 
 TEST(Announcement, ComesBackFromItsQuery) {
