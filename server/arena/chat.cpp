@@ -1,32 +1,47 @@
-// Chat and pings.
+#include "server/arena/chat.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "base/wholeNumber.h"
 #include "network/wire/wireFormat.h"
-#include "server/arena/arena.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {
 
-void Arena::pingReply(ClientId client, Player& player, Millis now) {
-  if (!player.pingSent) return;
-  sendTo(client, wire::msgLatencyReport, {std::to_string(now - *std::exchange(player.pingSent, std::nullopt))});
-}
+namespace {
 
-void Arena::chat(ClientId client, Player& player, const Fields& fields, Millis now) {
-  if (fields.size() != 2 || !player.requests.allows(now)) return;
+constexpr Millis pingInterval = 12'000;
+
+}  // namespace
+
+void relayChat(Roster& roster, Player& sender, const RequestFields& fields, Millis now) {
+  if (fields.size() != 2 || !sender.requests.allows(now)) return;
   const auto target = wholeNumber<std::int16_t>(fields[0]);
   if (!target) return;
   std::string text(fields[1]);
   std::erase_if(text, isControl);
-  const std::vector<std::string> line = {std::to_string(player.node), text};
-  if (*target == -1) return sendToAll(wire::msgChat, line);
-  const auto addressee = findNode(*target);
-  if (addressee == clients_.end()) return sendTo(client, wire::msgServerText, {"That player is not here."});
-  sendTo(addressee->first, wire::msgChat, line);
-  if (addressee->first != client) sendTo(client, wire::msgChat, line);
+  const std::vector<std::string> line = {std::to_string(sender.node), text};
+  if (*target == -1) return roster.sendToAll(wire::msgChat, line);
+  const Player* addressee = roster.findNode(*target);
+  if (addressee == nullptr) {
+    return roster.sendTo(sender.client, wire::msgServerText, {"That player is not here."});
+  }
+  roster.sendTo(addressee->client, wire::msgChat, line);
+  if (addressee != &sender) roster.sendTo(sender.client, wire::msgChat, line);
+}
+
+void pingIfDue(Roster& roster, Player& player, Millis now) {
+  if (now < player.nextPing) return;
+  player.nextPing = now + pingInterval;
+  player.pingSent = now;
+  roster.sendTo(player.client, wire::msgPing, {std::to_string(now / 1000)});
+}
+
+void reportLatency(Roster& roster, Player& player, Millis now) {
+  if (!player.pingSent) return;
+  const Millis latency = now - *std::exchange(player.pingSent, std::nullopt);
+  roster.sendTo(player.client, wire::msgLatencyReport, {std::to_string(latency)});
 }
 
 }  // namespace kelvora::server

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "base/rateLimit.h"
-#include "server/arena/clientId.h"
 #include "server/arena/inventory.h"
+#include "server/arena/playerView.h"
 #include "server/arena/speedLimit.h"
 #include "server/arena/tail.h"
 
@@ -15,18 +15,19 @@ namespace kelvora::server {
 inline constexpr double positionsPerSecond = 100;  ///< relayed of one player; the others are dropped
 inline constexpr double requestsPerSecond = 10;    ///< of one player: chat, store, spawns and powerups together
 
-/// One who is logged in.
+/// Somebody who is logged in.
 struct Player {
+  ClientId client = 0;
   std::int16_t node = 0;
   std::int16_t colour = 0;
   std::string name;
-  Spot spot;                       ///< of the last accepted report, or where he begins
-  std::optional<Point> heading{};  ///< his last movement, not zero on both axes
-  Tail tail{};                     ///< empty while he is dead
+  Spot spot;                       ///< of the last accepted report, or the start
+  std::optional<Point> heading{};  ///< the last movement, not zero on both axes
+  Tail tail{};                     ///< empty while dead
   bool isAlive = true;
-  Millis respawnAt = 0;          ///< not before, once he is dead
-  bool wantsRespawn = false;     ///< he has asked for it and waits
-  bool isOffered = true;         ///< he knows that he may ask for it
+  Millis respawnAt = 0;          ///< once dead, not before this
+  bool wantsRespawn = false;     ///< has asked for it and waits
+  bool isOffered = true;         ///< has been told that a respawn may be asked for
   std::int16_t kills = 0;        ///< as clients count them
   int roundCaptures = 0;         ///< of others, in this round
   std::int64_t lastCapture = 0;  ///< its number among all captures
@@ -39,5 +40,7 @@ struct Player {
   RateLimit positions{positionsPerSecond, 50};
   RateLimit requests{requestsPerSecond, 20};
 };
+
+PlayerView viewOf(const Player& player, Millis now);
 
 }  // namespace kelvora::server

@@ -11,15 +11,15 @@
 
 namespace kelvora::server {
 
-/// One player as the arena sees him at a moment; a copy, which does not change with him.
+/// A copy of what the arena knows of a player at one moment.
 struct PlayerView {
   ClientId client = 0;
   std::int16_t node = 0;
   std::int16_t colour = 0;
   std::string name;
   bool isAlive = false;
-  Point position;           ///< of the last report that was accepted
-  std::vector<Point> tail;  ///< what his clients' tails show about now, the oldest first
+  Point position;             ///< of the last report that was accepted
+  std::vector<Point> tail{};  ///< what clients show of it about now, the oldest first
   std::array<bool, powerupSlotCount> isRunning{};
   std::array<int, powerupSlotCount> stock{};
   std::int64_t funds = 0;  ///< credits

@@ -1,10 +1,9 @@
-// Rounds and the intermissions between them.
+#include "server/arena/rounds.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "network/wire/wireFormat.h"
-#include "server/arena/arena.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {
@@ -15,71 +14,86 @@ std::string counted(std::int64_t count, const std::string& what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
+std::string nextRoundText(Millis wait) { return "The next round begins in " + secondsText(wait) + "."; }
+
 }  // namespace
 
-std::string Arena::secondsText(Millis time) { return counted((time + 999) / 1000, "second"); }
+std::string secondsText(Millis time) { return counted((time + 999) / 1000, "second"); }
 
-void Arena::passTime(Millis now) {
+Rounds::Rounds(Roster& roster, Economy& economy, const ArenaRules& rules)
+    : roster_(roster),
+      economy_(economy),
+      captureGoal_(rules.captureGoal),
+      survivalCredits_(rules.survivalCredits),
+      clock_(rules.roundMs, rules.intermissionMs) {}
+
+void Rounds::prepareFor(ClientId newcomer, Millis now) {
+  // Nobody is there to finish the round of those who have gone.
+  if (roster_.players().empty()) clock_.beginAnew();
+  if (!isBot(newcomer) && !roster_.hasPeople()) clockSet_ = now;
+}
+
+void Rounds::explainIntermission(const Player& newcomer) const {
+  // The login has made the player alive, and no other message opens the store of a dead player.
+  roster_.sendTo(newcomer.client, wire::msgRoundOver, {nextRoundText(clock_.left())});
+  sendDead(newcomer);
+}
+
+void Rounds::endIfWon() {
+  if (!clock_.isRunning() || captureGoal_ <= 0) return;
+  const auto hasWon = [&](const auto& entry) { return entry.second.roundCaptures >= captureGoal_; };
+  if (std::ranges::any_of(roster_.players(), hasWon)) end();
+}
+
+void Rounds::passTime(Millis now) {
   const Millis time = now - std::exchange(clockSet_, now);
-  if (!hasPeople()) return;
+  if (!roster_.hasPeople()) return;
   clock_.pass(time);
   if (clock_.left() > 0) return;
   if (clock_.isRunning()) {
-    endRound();
+    end();
   } else {
-    beginRound();
+    begin();
   }
 }
 
-void Arena::endRoundIfWon() {
-  if (!clock_.isRunning() || rules_.captureGoal <= 0) return;
-  const std::vector<Player*> players = inGame();
-  if (std::ranges::any_of(players, [&](const Player* player) { return player->roundCaptures >= rules_.captureGoal; })) {
-    endRound();
-  }
+void Rounds::begin() {
+  clock_.turnOver();
+  for (auto& [client, player] : roster_.players()) player.roundCaptures = 0;
+  roster_.sendToAll(wire::msgServerText, {"A new round has begun. Press Spawn to play."});
 }
 
-void Arena::endRound() {
-  const std::string result = roundResult();
-  output_.log("round over: " + printable(result));
-  for (Player* player : inGame()) {
-    if (player->isAlive) credit(*player, Entry::survival, rules_.survivalCredits);
+void Rounds::end() {
+  const std::string text = result();
+  roster_.log("round over: " + printable(text));
+  for (auto& [client, player] : roster_.players()) {
+    if (player.isAlive) economy_.credit(player, Entry::survival, survivalCredits_);
   }
-  for (Player* player : inGame()) {
-    player->isAlive = false;
-    player->isOffered = true;  // the next round's first words do that
-    player->tail.clear();
+  for (auto& [client, player] : roster_.players()) {
+    player.isAlive = false;
+    player.isOffered = true;  // the next round's first words do that
+    player.tail.clear();
   }
   clock_.turnOver();
-  sendToAll(wire::msgRoundOver, {result});
-  if (clock_.left() > 0) {
-    sendToAll(wire::msgServerText, {"The next round begins in " + secondsText(clock_.left()) + "."});
-  }
-  // A client whose store is open takes no notice of that, but of this.
-  for (const auto& [client, state] : clients_) {
-    if (state.player) sendDead(client, *state.player);
-  }
+  roster_.sendToAll(wire::msgRoundOver, {text});
+  if (clock_.left() > 0) roster_.sendToAll(wire::msgServerText, {nextRoundText(clock_.left())});
+  // A client whose store is open ignores the end of the round, but not this.
+  for (const auto& [client, player] : roster_.players()) sendDead(player);
 }
 
-std::string Arena::roundResult() const {
+std::string Rounds::result() const {
   const Player* best = nullptr;
-  for (const auto& [client, state] : clients_) {
-    if (!state.player || state.player->roundCaptures == 0) continue;
-    const auto rank = [](const Player& player) { return std::pair(player.roundCaptures, -player.lastCapture); };
-    if (!best || rank(*state.player) > rank(*best)) best = &*state.player;
+  const auto rank = [](const Player& player) { return std::pair(player.roundCaptures, -player.lastCapture); };
+  for (const auto& [client, player] : roster_.players()) {
+    if (player.roundCaptures == 0) continue;
+    if (best == nullptr || rank(player) > rank(*best)) best = &player;
   }
-  if (!best) return "The round is over. Nobody has captured anybody.";
+  if (best == nullptr) return "The round is over. Nobody has captured anybody.";
   return best->name + " wins the round with " + counted(best->roundCaptures, "capture") + "!";
 }
 
-void Arena::beginRound() {
-  clock_.turnOver();
-  for (Player* player : inGame()) player->roundCaptures = 0;
-  sendToAll(wire::msgServerText, {"A new round has begun. Press Spawn to play."});
-}
-
-void Arena::sendDead(ClientId client, const Player& player) {
-  sendTo(client, wire::msgAliveState, {std::to_string(player.node), "0"});
+void Rounds::sendDead(const Player& player) const {
+  roster_.sendTo(player.client, wire::msgAliveState, {std::to_string(player.node), "0"});
 }
 
 }  // namespace kelvora::server

@@ -2,30 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "network/wire/wireFormat.h"
 #include "server/arena/arena.h"
+#include "tests/server/arena/recorder.h"
 
 namespace kelvora::server {
-
-using Fields = std::vector<std::string>;
-
-struct Message {
-  int id = 0;
-  Fields fields;
-
-  friend bool operator==(const Message&, const Message&) = default;
-};
-
-inline void PrintTo(const Message& message, std::ostream* out) {
-  *out << message.id << " (";
-  for (const std::string& field : message.fields) *out << '"' << field << "\" ";
-  *out << ")";
-}
 
 /// Rules in whose way nothing comes: a round without end, any speed, no income.
 inline const ArenaRules quietRules{
@@ -38,15 +22,12 @@ inline ArenaRules quietRulesWithIncome(int income) {
 }
 
 /// An arena whose clients are lists of what they got.
-class ArenaTest : public testing::Test, private ArenaOutput {
+class ArenaTest : public testing::Test, protected Recorder {
  protected:
   static constexpr ClientId ann = 1;
   static constexpr ClientId bob = 2;
   static constexpr ClientId cat = 3;
 
-  std::map<ClientId, std::vector<Message>> got;
-  std::set<ClientId> hungUp;
-  std::vector<std::string> logged;
   Millis now = 5'000;
   Arena arena;
   Arena locked{*this, "1.2.1", "sesame", 1};
@@ -114,19 +95,6 @@ class ArenaTest : public testing::Test, private ArenaOutput {
     EXPECT_TRUE(hungUp.contains(stranger));
     return answer.fields.at(0);
   }
-
- private:
-  void send(ClientId client, const std::string& frame) override {
-    ASSERT_EQ(frame.front(), wire::frameStart);
-    ASSERT_EQ(frame.back(), wire::frameEnd);
-    Message message{static_cast<unsigned char>(frame[1]), {}};
-    for (const std::string_view field : wire::splitFields(std::string_view(frame).substr(2, frame.size() - 3))) {
-      message.fields.emplace_back(field);
-    }
-    got[client].push_back(std::move(message));
-  }
-  void hangUp(ClientId client) override { hungUp.insert(client); }
-  void log(const std::string& line) override { logged.push_back(line); }
 };
 
 }  // namespace kelvora::server

@@ -61,17 +61,6 @@ TEST_F(ArenaTest, NodesAreNotGivenTwiceInARow) {
   EXPECT_EQ(login(bob, "Bob"), 2);
 }
 
-TEST_F(ArenaTest, NodesStartAnewBehindTheLastOneAndSkipWhoIsIn) {
-  EXPECT_EQ(login(ann, "Ann"), 1);
-  std::int16_t node = 1;
-  for (ClientId client = 2; client <= 32'767; ++client) {
-    node = login(client, "Bob");
-    arena.disconnected(client);
-  }
-  EXPECT_EQ(node, 32'767);
-  EXPECT_EQ(login(40'000, "Cat"), 2);
-}
-
 TEST_F(ArenaTest, RefusesWithAReason) {
   EXPECT_NE(refusal(arena, {"Ann", "", "0", "1.2.0"}).find("1.2.1"), std::string::npos);
   EXPECT_NE(refusal(arena, {"Ann", "", "0", ""}).find("version"), std::string::npos);

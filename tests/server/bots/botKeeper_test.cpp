@@ -141,7 +141,7 @@ TEST_F(BotKeeperTest, NamesDifferFromEachOtherAndFromPeoples) {
     ask(ann, "0", "quillon");
   }
   EXPECT_GT(names.size(), 10U);
-  for (const std::string& name : names) EXPECT_LE(name.size(), Arena::longestName);
+  for (const std::string& name : names) EXPECT_LE(name.size(), Lobby::longestName);
 }
 
 TEST_F(BotKeeperTest, PeopleTakeTheirPlaces) {

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <vector>
+
+#include "server/arena/lives.h"
+#include "server/arena/requestFields.h"
+#include "server/arena/roster.h"
+#include "server/arena/weapons.h"
+
+namespace kelvora::server {
+
+/// Powerups in use, and the deaths that weapons cause.
+class Combat {
+ public:
+  Combat(Roster& roster, PendingCaptures& pending, Lives& lives) : roster_(roster), pending_(pending), lives_(lives) {}
+
+  /// A player's request to use a powerup.
+  void activate(Player& player, const RequestFields& fields, Millis now);
+  /// What the mover's weapons do to the others, and theirs to the mover on the way from there.
+  void strikeOnTheWay(Player& mover, Point from, Millis now);
+  void strikeAll(Millis now);
+
+ private:
+  void strike(const std::vector<Hit>& hits, Millis now);
+  void pulse(Player& owner, Millis now);
+  /// Ends a running powerup before its time.
+  void end(Player& player, int item, Millis now);
+
+  Roster& roster_;
+  PendingCaptures& pending_;
+  Lives& lives_;
+};
+
+}  // namespace kelvora::server

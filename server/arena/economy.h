@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+
+#include "server/arena/requestFields.h"
+#include "server/arena/roster.h"
+
+namespace kelvora::server {
+
+/// Credits and the store. Everybody is told of everybody's funds.
+class Economy {
+ public:
+  Economy(Roster& roster, int incomePerMinute) : roster_(roster), incomePerMinute_(incomePerMinute) {}
+
+  /// A player's request to buy an item from the store or to sell it one.
+  void trade(Player& player, bool isSale, const RequestFields& fields, Millis now);
+  /// Pays a player for the time alive since the last call.
+  void payIncome(Player& player, Millis now);
+  void credit(Player& player, Entry entry, std::int64_t amount);
+
+  void sendFunds(const Player& player) const;
+  void sendFundsTo(ClientId client, const Player& player) const;
+
+ private:
+  Roster& roster_;
+  const int incomePerMinute_;
+};
+
+}  // namespace kelvora::server

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "server/arena/pendingCaptures.h"
+#include "server/arena/player.h"
+
+namespace kelvora::server {
+
+/// The opponents inside the loops that a player's last segment closes.
+struct Enclosure {
+  std::vector<Player*> losers;
+  /// The vertex by which the captures are told; nothing if there is none that may be named.
+  std::optional<Spot> vertex;
+};
+
+Enclosure enclosedBy(const Player& winner, std::map<ClientId, Player>& players, const PendingCaptures& pending);
+
+}  // namespace kelvora::server

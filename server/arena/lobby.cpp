@@ -1,0 +1,154 @@
+#include "server/arena/lobby.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/text.h"
+#include "base/wholeNumber.h"
+#include "network/wire/wireFormat.h"
+#include "server/arena/plainText.h"
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr int startInset = 10'000;  // world units from every edge
+constexpr const char* colourNames[Roster::colourCount] = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"};
+
+}  // namespace
+
+Lobby::Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, std::string version,
+             std::string password, std::uint32_t seed)
+    : output_(output),
+      roster_(roster),
+      economy_(economy),
+      rounds_(rounds),
+      version_(std::move(version)),
+      password_(std::move(password)),
+      random_(seed) {}
+
+void Lobby::login(ClientId client, std::string_view text, Millis now) {
+  const auto visitor = visitors_.find(client);
+  if (visitor == visitors_.end() || visitor->second.login) return;
+  const RequestFields fields = wire::splitFields(text);
+  if (const Outcome outcome = check(client, fields); outcome.isRefused()) {
+    output_.log("client " + std::to_string(client) + " refused: " + outcome.reason());
+    roster_.sendTo(client, wire::msgLoginDenied, {outcome.reason()});
+    output_.hangUp(client);
+    visitors_.erase(visitor);
+  } else if (mustWait(client, visitor->second, fields[2], now)) {
+    visitor->second.login = text;
+  } else {
+    visitors_.erase(visitor);
+    admit(client, fields, now);
+  }
+}
+
+Outcome Lobby::check(ClientId client, const RequestFields& fields) const {
+  // The euro sign and the low quotation mark have the numbers of delimiters.
+  if (fields.size() != 4 ||
+      std::ranges::any_of(fields, [](std::string_view field) { return field.find(wire::frameStart) != field.npos; })) {
+    return Outcome::refused(
+        "The login is not readable. Neither name nor password may contain a euro sign or a low quotation mark.");
+  }
+  const std::string_view name = fields[0];
+  if (fields[3] != version_) return Outcome::refused("This server needs version " + version_ + " of the game.");
+  if (!password_.empty() && fields[1] != password_) return Outcome::refused("Wrong password.");
+  if (trimBlanks(name).empty()) return Outcome::refused("A name is needed.");
+  if (name.size() > longestName) {
+    return Outcome::refused("The name is longer than " + std::to_string(longestName) + " characters.");
+  }
+  if (std::ranges::any_of(name, isControl)) return Outcome::refused("The name contains control characters.");
+  if (roster_.isFull() && (isBot(client) || !roster_.hasBots())) return Outcome::refused("The arena is full.");
+  return Outcome::done();
+}
+
+bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferred, Millis now) const {
+  if (!visitor.loginSince) visitor.loginSince = now;
+  visitor.wantedColour = -1;
+  if (isBot(client)) return !roster_.hasFreeColour();
+  const bool isPatient = now - *visitor.loginSince < colourPatience;
+  const auto wish = wholeNumber<std::int16_t>(preferred);
+  for (const auto& [other, player] : roster_.players()) {
+    if (!isBot(other)) continue;
+    const bool isWish = wish == player.colour && isPatient;
+    if (isWish || (roster_.isFull() && visitor.wantedColour < 0)) visitor.wantedColour = player.colour;
+    if (isWish) break;
+  }
+  const bool isLeaving =
+      std::ranges::any_of(roster_.leavers(), [&](const Player& leaver) { return wish == leaver.colour; });
+  return visitor.wantedColour >= 0 || !roster_.hasFreeColour() || (isLeaving && isPatient);
+}
+
+void Lobby::admit(ClientId client, const RequestFields& fields, Millis now) {
+  rounds_.prepareFor(client, now);
+  Player player{.client = client,
+                .node = roster_.nextNode(),
+                .colour = chooseColour(fields[2]),
+                .name = trimBlanks(fields[0]),
+                .spot = startSpot(),
+                .isAlive = rounds_.isRunning(),
+                .paidUntil = now,
+                .nextPing = now + firstPingDelay,
+                .lastReport = now};
+  output_.log(printable(player.name) + " joined as " + colourNames[player.colour] + ", node " +
+              std::to_string(player.node));
+  roster_.sendTo(client, wire::msgLoginAccepted,
+                 {std::to_string(player.colour), std::to_string(player.node), player.spot.x, player.spot.y});
+  for (const Player& leaver : roster_.leavers()) sendJoined(client, leaver);
+  for (const auto& [other, opponent] : roster_.players()) {
+    sendJoined(client, opponent);
+    economy_.sendFundsTo(client, opponent);
+    sendJoined(other, player);
+  }
+  if (!player.isAlive) rounds_.explainIntermission(player);
+  economy_.sendFunds(roster_.join(std::move(player)));
+}
+
+std::int16_t Lobby::chooseColour(std::string_view preferred) const {
+  const auto wish = wholeNumber<std::int16_t>(preferred);
+  if (wish && *wish >= 0 && *wish < Roster::colourCount && roster_.isColourFree(*wish)) return *wish;
+  std::int16_t colour = 0;
+  while (!roster_.isColourFree(colour)) ++colour;
+  return colour;
+}
+
+Spot Lobby::startSpot() {
+  std::uniform_int_distribution coordinate(startInset, static_cast<int>(worldSize) - startInset);
+  const int x = coordinate(random_);
+  const int y = coordinate(random_);
+  return spotOf(std::to_string(x), std::to_string(y), {static_cast<float>(x), static_cast<float>(y)});
+}
+
+void Lobby::sendJoined(ClientId client, const Player& player) const {
+  roster_.sendTo(client, wire::msgPlayerJoined,
+                 {std::to_string(player.node), std::to_string(player.colour), player.name, player.spot.x, player.spot.y,
+                  player.isAlive ? "1" : "0", std::to_string(player.kills)});
+}
+
+void Lobby::tick(Millis now) {
+  std::vector<std::pair<ClientId, std::string>> waiting;
+  for (auto& [client, visitor] : visitors_) {
+    if (visitor.login) waiting.emplace_back(client, *std::exchange(visitor.login, std::nullopt));
+  }
+  for (const auto& [client, text] : waiting) login(client, text, now);
+
+  std::erase_if(visitors_, [&](const auto& entry) {
+    const auto& [client, visitor] = entry;
+    if (now - visitor.since < loginTimeLimit) return false;
+    if (visitor.login) roster_.sendTo(client, wire::msgLoginDenied, {"The arena is full."});
+    output_.log("client " + std::to_string(client) + " did not log in in time");
+    output_.hangUp(client);
+    return true;
+  });
+}
+
+std::vector<std::int16_t> Lobby::wantedColours() const {
+  std::vector<std::int16_t> colours;
+  for (const auto& [client, visitor] : visitors_) {
+    if (visitor.login && visitor.wantedColour >= 0) colours.push_back(visitor.wantedColour);
+  }
+  return colours;
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/outcome.h"
+#include "server/arena/requestFields.h"
+#include "server/arena/roster.h"
+#include "server/arena/rounds.h"
+
+namespace kelvora::server {
+
+/// Connections that have not logged in, and the way in. A login waits while a bot makes room for a person, or until
+/// somebody who has gone is told to have left.
+class Lobby {
+ public:
+  static constexpr std::size_t longestName = 32;  ///< bytes
+  static constexpr Millis loginTimeLimit = 10'000;
+  static constexpr Millis colourPatience = 3'000;  ///< for which a login waits for a bot to give up the wanted colour
+  static constexpr Millis firstPingDelay = 1'000;
+
+  /// `version` is the one that a client must have; an empty `password` admits everybody.
+  Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, std::string version,
+        std::string password, std::uint32_t seed);
+
+  void enter(ClientId client, Millis now) { visitors_.insert({client, Visitor{now}}); }
+  void leave(ClientId client) { visitors_.erase(client); }
+  /// `text` has the fields of the login. A client that is not in the lobby, or waits already, is ignored.
+  void login(ClientId client, std::string_view text, Millis now);
+  /// Tries waiting logins again and drops clients whose time is up.
+  void tick(Millis now);
+  /// Colours that people need and bots have.
+  std::vector<std::int16_t> wantedColours() const;
+
+ private:
+  struct Visitor {
+    Millis since;
+    std::optional<std::string> login{};  // its fields, while it waits
+    std::optional<Millis> loginSince{};
+    std::int16_t wantedColour = -1;
+  };
+
+  Outcome check(ClientId client, const RequestFields& fields) const;
+  bool mustWait(ClientId client, Visitor& visitor, std::string_view preferred, Millis now) const;
+  void admit(ClientId client, const RequestFields& fields, Millis now);
+  std::int16_t chooseColour(std::string_view preferred) const;
+  Spot startSpot();
+  void sendJoined(ClientId client, const Player& player) const;
+
+  ArenaOutput& output_;
+  Roster& roster_;
+  Economy& economy_;
+  Rounds& rounds_;
+  const std::string version_;
+  const std::string password_;
+  std::mt19937 random_;
+  std::map<ClientId, Visitor> visitors_;
+};
+
+}  // namespace kelvora::server

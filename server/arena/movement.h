@@ -1,0 +1,35 @@
+#pragma once
+
+#include "server/arena/combat.h"
+#include "server/arena/lives.h"
+#include "server/arena/pendingCaptures.h"
+#include "server/arena/requestFields.h"
+#include "server/arena/roster.h"
+
+namespace kelvora::server {
+
+enum class Move { refused, step, jump };
+
+/// Moves a player to a reported spot. One that is out of reach at `speedFactor` times the design speed, 0 for any, is
+/// refused, but after a second without a report it is a jump: the tail starts there anew.
+Move moveTo(Player& player, const Spot& spot, double speedFactor, Millis now);
+
+/// Position reports: where players are, whom their tails enclose and what weapons do on the way.
+class Movement {
+ public:
+  Movement(Roster& roster, const PendingCaptures& pending, Lives& lives, Combat& combat, double speedFactor)
+      : roster_(roster), pending_(pending), lives_(lives), combat_(combat), speedFactor_(speedFactor) {}
+
+  void report(Player& player, const RequestFields& fields, Millis now);
+
+ private:
+  void captureEnclosed(Player& winner, Millis now);
+
+  Roster& roster_;
+  const PendingCaptures& pending_;
+  Lives& lives_;
+  Combat& combat_;
+  const double speedFactor_;
+};
+
+}  // namespace kelvora::server

@@ -1,0 +1,81 @@
+#include "server/arena/roster.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "network/wire/wireFormat.h"
+#include "server/arena/plainText.h"
+
+namespace kelvora::server {
+
+Player& Roster::join(Player player) {
+  const ClientId client = player.client;
+  return players_.insert_or_assign(client, std::move(player)).first->second;
+}
+
+void Roster::leave(ClientId client, const PendingCaptures& pending) {
+  auto entry = players_.extract(client);
+  if (entry.empty()) return;
+  Player& player = entry.mapped();
+  log(printable(player.name) + " left");
+  if (!pending.involves(player.node)) return sendLeft(player);
+  // A client that hears of it too soon lets somebody else die in the leaver's place, or forgets the leaver's captures.
+  player.isAlive = false;
+  leavers_.push_back(std::move(player));
+}
+
+void Roster::releaseLeavers(const PendingCaptures& pending) {
+  std::erase_if(leavers_, [&](const Player& player) {
+    if (pending.involves(player.node)) return false;
+    sendLeft(player);
+    return true;
+  });
+}
+
+Player* Roster::find(ClientId client) {
+  const auto found = players_.find(client);
+  return found == players_.end() ? nullptr : &found->second;
+}
+
+Player* Roster::findNode(std::int16_t node) {
+  const auto found = std::ranges::find_if(players_, [&](const auto& entry) { return entry.second.node == node; });
+  return found == players_.end() ? nullptr : &found->second;
+}
+
+bool Roster::hasPeople() const {
+  return std::ranges::any_of(players_, [](const auto& entry) { return !isBot(entry.first); });
+}
+
+bool Roster::hasBots() const {
+  return std::ranges::any_of(players_, [](const auto& entry) { return isBot(entry.first); });
+}
+
+bool Roster::isColourFree(std::int16_t colour) const {
+  return std::ranges::none_of(players_, [&](const auto& entry) { return entry.second.colour == colour; }) &&
+         std::ranges::find(leavers_, colour, &Player::colour) == leavers_.end();
+}
+
+bool Roster::hasFreeColour() const { return players_.size() + leavers_.size() < std::size_t{colourCount}; }
+
+std::int16_t Roster::nextNode() {
+  // Clients take 0 for a player who has gone. And messages about one who left may still be on their way.
+  do {
+    lastNode_ = lastNode_ == std::numeric_limits<std::int16_t>::max() ? std::int16_t{1}
+                                                                      : static_cast<std::int16_t>(lastNode_ + 1);
+  } while (findNode(lastNode_) != nullptr || std::ranges::find(leavers_, lastNode_, &Player::node) != leavers_.end());
+  return lastNode_;
+}
+
+void Roster::sendTo(ClientId client, std::int16_t id, const std::vector<std::string>& fields) const {
+  output_.send(client, wire::buildFrame(id, fields));
+}
+
+void Roster::sendToAll(std::int16_t id, const std::vector<std::string>& fields) const {
+  const std::string frame = wire::buildFrame(id, fields);
+  for (const auto& [client, player] : players_) output_.send(client, frame);
+}
+
+void Roster::sendLeft(const Player& player) const { sendToAll(wire::msgPlayerLeft, {std::to_string(player.node)}); }
+
+}  // namespace kelvora::server

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "server/arena/arenaOutput.h"
+#include "server/arena/pendingCaptures.h"
+#include "server/arena/player.h"
+
+namespace kelvora::server {
+
+/// Who is in, and the way to tell them something. Players who leave while a capture of theirs is pending keep their
+/// colour and node until it has landed: only then are the others told.
+class Roster {
+ public:
+  static constexpr int colourCount = 6;
+
+  explicit Roster(ArenaOutput& output) : output_(output) {}
+
+  /// Adds a player; nobody is told.
+  Player& join(Player player);
+  /// Removes a player, at once or as a leaver. A client that isn't in is left alone.
+  void leave(ClientId client, const PendingCaptures& pending);
+  /// Lets the leavers go whose captures have landed.
+  void releaseLeavers(const PendingCaptures& pending);
+
+  /// Everybody who is in, in the order of their connections. References stay valid until the player leaves.
+  std::map<ClientId, Player>& players() { return players_; }
+  const std::map<ClientId, Player>& players() const { return players_; }
+  const std::vector<Player>& leavers() const { return leavers_; }
+  /// Null if there is no such player.
+  Player* find(ClientId client);
+  Player* findNode(std::int16_t node);
+  bool hasPeople() const;
+  bool hasBots() const;
+  bool isFull() const { return players_.size() == colourCount; }
+
+  bool isColourFree(std::int16_t colour) const;
+  bool hasFreeColour() const;
+  /// A node for a newcomer: never 0, and not one that was in use a short time ago.
+  std::int16_t nextNode();
+
+  void sendTo(ClientId client, std::int16_t id, const std::vector<std::string>& fields) const;
+  void sendToAll(std::int16_t id, const std::vector<std::string>& fields) const;
+  /// Writes a line for the operator.
+  void log(const std::string& line) const { output_.log(line); }
+
+ private:
+  void sendLeft(const Player& player) const;
+
+  ArenaOutput& output_;
+  std::map<ClientId, Player> players_;
+  std::vector<Player> leavers_;
+  std::int16_t lastNode_ = 0;
+};
+
+}  // namespace kelvora::server
