@@ -20,7 +20,6 @@ namespace {
 
 using server::Bot;
 using server::ClientId;
-using server::Millis;
 using server::PlayerView;
 using server::SkillLevel;
 

@@ -133,8 +133,7 @@ class LongMatch : public GameTest, public server::ArenaOutput {
     }
   }
 
-  server::Millis now() const { return machine.ticks; }
-  using Millis = server::Millis;
+  Millis now() const { return machine.ticks; }
 
   void send(server::ClientId client, const std::string& frame) override {
     if (client == ourClient) toUs_ += frame;

@@ -28,8 +28,8 @@ constexpr int second = LongPlay::framesPerSecond;
 constexpr int minute = LongPlay::framesPerMinute;
 constexpr int keyReturn = 13;
 constexpr int keyF1 = 112;
-constexpr server::Millis calmAfter = 4'000;   // after the end of a round nobody has a tail any more
-constexpr server::Millis calmEvery = 20'000;  // so often neither the store is open nor the window large
+constexpr Millis calmAfter = 4'000;   // after the end of a round nobody has a tail any more
+constexpr Millis calmEvery = 20'000;  // so often neither the store is open nor the window large
 const std::string password = "open sesame";
 
 /// Leaves the game's endless loop for as long as nobody plays.

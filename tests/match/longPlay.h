@@ -54,8 +54,6 @@ class LongPlay : public GameTest, private server::ArenaOutput {
   int boxes = 0;                ///< message boxes that stood
 
  private:
-  using Millis = server::Millis;
-
   void TestBody() override {}
   void onPass();
   void playFrame();

@@ -11,7 +11,7 @@ namespace kelvora {
 
 namespace {
 
-constexpr server::Millis landingTime = 20'000;  // after the last message; the longest extended tails are over by then
+constexpr Millis landingTime = 20'000;  // after the last message; the longest extended tails are over by then
 
 using Number = std::int16_t;
 
@@ -30,10 +30,10 @@ class Spectator : public GameTest {
   }
 
   void play() {
-    const server::Millis end = stream_.back().first + landingTime;
-    server::Millis lastArrival = 0;
+    const Millis end = stream_.back().first + landingTime;
+    Millis lastArrival = 0;
     std::size_t next = 0;
-    for (server::Millis now = stream_.front().first; now < end; now += line_.frameMs) {
+    for (Millis now = stream_.front().first; now < end; now += line_.frameMs) {
       std::string arrived;
       while (next < stream_.size() && std::max(lastArrival, arrival(next)) <= now) {
         lastArrival = std::max(lastArrival, arrival(next));
@@ -78,16 +78,16 @@ class Spectator : public GameTest {
  private:
   void TestBody() override {}
 
-  server::Millis arrival(std::size_t index) {
+  Millis arrival(std::size_t index) {
     if (index >= arrivals_.size()) {
       const int frames = line_.latencyFrames + std::uniform_int_distribution(0, line_.jitterFrames)(random_);
-      arrivals_.push_back(stream_[index].first + server::Millis{frames} * line_.frameMs);
+      arrivals_.push_back(stream_[index].first + Millis{frames} * line_.frameMs);
     }
     return arrivals_[index];
   }
 
   /// Where the player is at that time is known from his own reports, which he has made a little before.
-  void notePlace(server::Millis time, const WireMessage& message) {
+  void notePlace(Millis time, const WireMessage& message) {
     if (message.id == wire::msgLoginAccepted) node_ = numberOf(message.fields[1]);
     if (message.id != wire::msgPosition || numberOf(message.fields[0]) != node_) return;
     places_.emplace_back(time, Vector{static_cast<float>(readNumber(message.fields[1])),
@@ -95,7 +95,7 @@ class Spectator : public GameTest {
   }
 
   /// The ball is where the next report will put it: by the time of an echo it has flown on.
-  void fly(server::Millis now) {
+  void fly(Millis now) {
     while (nextPlace_ < places_.size() && places_[nextPlace_].first <= now) ++nextPlace_;
     if (places_.empty() || !modMain::world.localPlayer.isConnected) return;
     modMain::world.localPlayer.position = places_[std::min(nextPlace_, places_.size() - 1)].second;
@@ -115,7 +115,7 @@ class Spectator : public GameTest {
     }
   }
 
-  void expectTheLiving(server::Millis now) {
+  void expectTheLiving(Millis now) {
     for (const Number node : living_) {
       const clsPlayer* player = find(node);
       if (player && player->alive) continue;
@@ -137,9 +137,9 @@ class Spectator : public GameTest {
   const Recording::Stream& stream_;
   const ReplayLine line_;
   std::mt19937 random_;
-  std::vector<server::Millis> arrivals_;
+  std::vector<Millis> arrivals_;
   Number node_ = 0;
-  std::vector<std::pair<server::Millis, Vector>> places_;
+  std::vector<std::pair<Millis, Vector>> places_;
   std::size_t nextPlace_ = 0;
   std::set<Number> living_;
 };

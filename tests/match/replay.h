@@ -17,11 +17,9 @@ namespace kelvora {
 /// client at a time, so no GameTest may be alive meanwhile (use plain TESTs).
 class Recording {
  public:
-  using Stream = std::vector<std::pair<server::Millis, std::string>>;
+  using Stream = std::vector<std::pair<Millis, std::string>>;
 
-  void add(server::ClientId client, server::Millis now, const std::string& frame) {
-    streams_[client].emplace_back(now, frame);
-  }
+  void add(server::ClientId client, Millis now, const std::string& frame) { streams_[client].emplace_back(now, frame); }
   /// Empty for a client that was sent nothing.
   const Stream& stream(server::ClientId client) const;
 

@@ -18,7 +18,6 @@ namespace kelvora {
 namespace {
 
 using server::ClientId;
-using server::Millis;
 using server::PlayerView;
 
 constexpr Millis reportInterval = 40;
