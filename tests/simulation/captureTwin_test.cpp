@@ -146,6 +146,12 @@ class CaptureTwin : public GameTest {
   void travel(int index) {
     TwinPlayer& player = twin.player(index);
     clsPlayer& it = real(index);
+    const TwinPlayer& crossed = twin.player(anyIndex());
+    if (!crossed.tails.empty() && oneIn(3)) {
+      const Vector point = crossed.tails.back().position;
+      twin.addTail(player, point);
+      it.addTail(point);
+    }
     if (index == -1) {
       if (oneIn(6)) it.position = player.position = near(player.position, 4000);
       const Vector echo = near(player.position, 200);
