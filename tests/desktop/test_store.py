@@ -73,13 +73,17 @@ class Store(harness.DesktopTest):
         line.send(FUNDS, 7, funds)
         return StoreWindow(client), line
 
+    def wait_for_home(self, store):
+        """The store's place, 120 twips right of and below the main window."""
+        def is_home():
+            (left, top), (main_left, main_top) = (one.geometry()[:2] for one in (store.window, store.client.window))
+            return (left, top) == (main_left + 120 // TWIPS, main_top + 120 // TWIPS) and (left, top)
+        return harness.wait_for(is_home, lambda: f"the store's place, but {store.window.geometry()}")
+
     def test_window_has_its_size_and_stands_on_the_main_one(self):
         store, line = self.open()
-        left, top, width, height = store.window.geometry()
-        self.assertEqual((width, height), (758, 604))
-        main = store.client.window
-        harness.wait_for(lambda: (store.window.geometry()[0] - main.geometry()[0],
-                                  store.window.geometry()[1] - main.geometry()[1]) == (8, 8), "the store's place")
+        self.assertEqual(store.window.geometry()[2:], (758, 604))
+        self.wait_for_home(store)
 
     def test_prices_are_coloured_by_the_balance(self):
         store, line = self.open(funds=20)
@@ -168,7 +172,7 @@ class Store(harness.DesktopTest):
     def test_it_jumps_back_when_it_gets_the_focus(self):
         store, line = self.open()
         line.send(BUY_ACCEPTED, 0, 2, 0)
-        home = harness.wait_for_rest(lambda: store.window.geometry()[:2], "the store's place")
+        home = self.wait_for_home(store)
         self.display.xdotool("windowmove", store.window.identifier, home[0] + 200, home[1] + 150)
         harness.wait_for(lambda: store.window.geometry()[0] > home[0] + 150, "the move")
         store.client.window.activate()
@@ -177,7 +181,7 @@ class Store(harness.DesktopTest):
         self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [b"0"]))
         self.assertGreater(store.window.geometry()[0], home[0] + 150)
         store.window.activate()
-        harness.wait_for(lambda: store.window.geometry()[:2] == home, "the store's place")
+        self.assertEqual(self.wait_for_home(store), home)
 
 
 class RealServer(harness.DesktopTest):
