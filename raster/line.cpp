@@ -292,11 +292,58 @@ void drawThickWide(const Target&, End, End, int) {}
 
 void drawThickNarrow(const Target& target, End from, End to, int width) { drawThick(target, from, to, width); }
 
+// Twips from 0, on both axes; ends beyond it are cut off.
+constexpr double reach = double{farthestPixel} * twipsPerPixel;
+
+struct TwipPoint {
+  double x;
+  double y;
+};
+
+bool isFar(double coordinate) { return std::fabs(coordinate) > reach; }
+
+// Cuts off what lies outside the square of `reach`, so that the rest keeps its slope. False if nothing is left. The
+// line's equation is run y - rise x = cross: products of single precision numbers are exact, so two ends at 1e38 still
+// tell where the line between them passes the image.
+bool cutFarEnds(TwipPoint& a, TwipPoint& b) {
+  const auto liesBeyond = [](double first, double second) {
+    return (first > reach && second > reach) || (first < -reach && second < -reach);
+  };
+  if (liesBeyond(a.x, b.x) || liesBeyond(a.y, b.y)) return false;
+  const double run = b.x - a.x;
+  const double rise = b.y - a.y;
+  const double cross = b.x * a.y - a.x * b.y;
+  const auto cut = [&](TwipPoint& end) {
+    const TwipPoint side{std::copysign(reach, end.x), std::copysign(reach, end.y)};
+    if (isFar(end.x)) {
+      const double y = (cross + rise * side.x) / run;
+      if (std::fabs(y) <= reach) {
+        end = {side.x, y};
+        return true;
+      }
+    }
+    if (isFar(end.y)) {
+      const double x = (run * side.y - cross) / rise;
+      if (std::fabs(x) <= reach) {
+        end = {x, side.y};
+        return true;
+      }
+    }
+    return !isFar(end.x) && !isFar(end.y);
+  };
+  return cut(a) && cut(b);
+}
+
 }  // namespace
 
 void Surface::Line(float x1, float y1, float x2, float y2) {
-  PixelPoint from{toPixels(x1), toPixels(y1)};
-  PixelPoint to{toPixels(x2), toPixels(y2)};
+  TwipPoint a{x1, y1};
+  TwipPoint b{x2, y2};
+  if (isFar(x1) || isFar(y1) || isFar(x2) || isFar(y2)) {
+    if (!cutFarEnds(a, b)) return;
+  }
+  const PixelPoint from{toPixels(a.x), toPixels(a.y)};
+  const PixelPoint to{toPixels(b.x), toPixels(b.y)};
   const int width = std::clamp(DrawWidth, 1, widestPen);
   const Pixel pixel = toPixel(ForeColor);
   const int above = width / 2;

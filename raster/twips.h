@@ -8,10 +8,14 @@ namespace kelvora {
 /// Twips (canvas units) to a pixel, everywhere.
 inline constexpr int twipsPerPixel = 15;
 
+/// Pixels beyond this one, on either side of 0, lie outside any surface. Twips are held there, so that later sums cannot
+/// overflow.
+inline constexpr int farthestPixel = 1'000'000;
+
 /// The pixel that a twip coordinate or length falls on: the nearest one, halves upward. The only place where twips turn
-/// into pixels. Values far outside any surface are held at a million pixels, so that later sums cannot overflow.
+/// into pixels.
 inline int toPixels(double twips) {
-  constexpr double limit = 1'000'000.0;
+  constexpr double limit = farthestPixel;
   // A hair that lifts the halves over the middle, and what the product by a fraction has lost of them; the next single
   // precision number beside a half is thirty times farther off.
   constexpr double hair = 0x1p-30;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <random>
@@ -195,6 +196,131 @@ TEST(Line, AgreesWithItsDefinitionForFarEndPoints) {
     const int y2 = x2 == x ? y : y + (isTurned ? dx : dy);
     // Twips of such numbers are still whole in single precision: below 15 million.
     ASSERT_EQ(compareLine(40, 37, x1, y1, x2, y2, width), "");
+  }
+}
+
+// The end of a line as it is drawn, in twips: a near one is the centre of its pixel.
+struct Exact {
+  long double x;
+  long double y;
+  bool isNear;
+};
+
+Exact exactEnd(float x, float y) {
+  constexpr float near = 15'000'000;
+  if (std::fabs(x) > near || std::fabs(y) > near) return {x, y, false};
+  const auto centre = [](long double twip) { return std::floor(twip / twipsPerPixel + 0.5L) * twipsPerPixel; };
+  return {centre(x), centre(y), true};
+}
+
+// Asks of every pixel whether its centre lies within half the width of the segment, by the equation of the line. Left
+// open is what a fiftieth of a pixel decides, and half a pixel where both ends are cut: each cut falls on a pixel, and
+// half-way between them the line lies as far off as these do. Empty if the surface agrees.
+std::string compareFarLine(const Surface& surface, float x1, float y1, float x2, float y2) {
+  const int width = surface.DrawWidth;
+  const Exact a = exactEnd(x1, y1);
+  const Exact b = exactEnd(x2, y2);
+  const long double run = b.x - a.x;
+  const long double rise = b.y - a.y;
+  const long double length = std::hypot(run, rise);
+  const bool isFlat = std::fabs(run) >= std::fabs(rise);
+  const long double open = a.isNear || b.isNear ? 0.02L : 0.52L;
+  const auto pastEnd = [&](const Exact& end, long double towards, long double x, long double y) {
+    return end.isNear && towards * ((x - end.x) * (run / length) + (y - end.y) * (rise / length)) < 0;
+  };
+  for (int row = 0; row < surface.pixelHeight(); ++row) {
+    for (int column = 0; column < surface.pixelWidth(); ++column) {
+      const long double shift = width % 2 == 0 ? 0.5L : 0.0L;
+      const long double x = (column + shift) * twipsPerPixel;
+      const long double y = (row + shift) * twipsPerPixel;
+      const long double across = run * y - rise * x - (b.x * a.y - a.x * b.y);
+      // A thin line is as high or as broad as a pixel, a thick one as wide as its pen.
+      long double away = std::fabs(across / (width > 1 ? length : isFlat ? run : rise));
+      if (pastEnd(a, 1, x, y)) away = std::hypot(x - a.x, y - a.y);
+      if (pastEnd(b, -1, x, y)) away = std::hypot(x - b.x, y - b.y);
+      const long double over = away / twipsPerPixel - width / 2.0L;
+      if (std::fabs(over) < open) continue;
+      const bool isDrawn = surface.pixels()[static_cast<std::size_t>(row * surface.pixelWidth() + column)] != 0;
+      if (isDrawn == (over < 0)) continue;
+      // At the end of a thin line its last pixel alone counts, which lies less than a pixel away.
+      if (width == 1 && (pastEnd(a, 1, x, y) || pastEnd(b, -1, x, y)) && over < 0.5L) continue;
+      return "line " + std::to_string(x1) + ", " + std::to_string(y1) + " to " + std::to_string(x2) + ", " +
+             std::to_string(y2) + " width " + std::to_string(width) + ": pixel " + std::to_string(column) + ", " +
+             std::to_string(row) + (isDrawn ? " is drawn" : " is missing");
+    }
+  }
+  return "";
+}
+
+TEST(Line, KeepsItsSlopeHoweverFarItsEndsLie) {
+  std::mt19937 draws(3);
+  const auto between = [&](double low, double high) {
+    return std::uniform_real_distribution<double>(low, high)(draws);
+  };
+  int seen = 0;
+  for (int i = 0; i < 10'000; ++i) {
+    Surface surface = blank(120, 90);
+    surface.DrawWidth = i % 3 == 0 ? 1 : static_cast<int>(between(2, 65));
+    const double angle = between(0, 6.283185307);
+    const double far = std::pow(10, between(7.2, 38));
+    const auto x1 = static_cast<float>(between(-300, 2100));
+    const auto y1 = static_cast<float>(between(-300, 1650));
+    // A level or an upright line comes one time in ten each.
+    const auto x2 = i % 10 == 0 ? x1 : static_cast<float>(x1 + far * std::cos(angle));
+    const auto y2 = i % 10 == 1 ? y1 : static_cast<float>(y1 + far * std::sin(angle));
+    // Both ends are far in every fourth, as long as single precision has the line through the image.
+    const double back = i % 4 == 0 ? between(0.01, 100) : 0;
+    const auto x0 = static_cast<float>(x1 - back * (static_cast<double>(x2) - x1));
+    const auto y0 = static_cast<float>(y1 - back * (static_cast<double>(y2) - y1));
+    if (!std::isfinite(x0) || !std::isfinite(y0)) continue;
+    surface.Line(x0, y0, x2, y2);
+    ASSERT_EQ(compareFarLine(surface, x0, y0, x2, y2), "") << i;
+    seen += drawing(surface).find('#') == std::string::npos ? 0 : 1;
+  }
+  EXPECT_GT(seen, 5'000);
+}
+
+TEST(Line, WithAnEndAtTheLimitIsTheSameAsOneCutThere) {
+  // Slope 1/2 through pixel (10, 5): the end at exactly a million pixels, and one as far again, which is cut there.
+  Surface exact = blank(200, 100);
+  Surface cut = blank(200, 100);
+  draw(exact, 10, 5, 1'000'000, 500'000);
+  cut.Line(twips(10), twips(5), 29'999'850, 14'999'925);
+  EXPECT_EQ(drawing(cut), drawing(exact));
+  // The same downward, from the other end.
+  Surface steep = blank(100, 200);
+  Surface steepCut = blank(100, 200);
+  draw(steep, 500'000, 1'000'000, 5, 10);
+  steepCut.Line(14'999'925, 29'999'850, twips(5), twips(10));
+  EXPECT_EQ(drawing(steepCut), drawing(steep));
+}
+
+TEST(Line, BetweenFarEndsThatPassesTheImageByIsNotSeen) {
+  Surface surface = blank(30, 30);
+  surface.DrawWidth = 64;
+  const float far = 40'000'000;  // twips, and the limit is 15 million
+  surface.Line(far, 0, 0, far);
+  surface.Line(-far, 0, 0, far);
+  surface.Line(far, far, far, -far);
+  surface.Line(-far, -far, far, -far);
+  surface.Line(0, -far, 0, -far / 2);
+  EXPECT_EQ(drawing(surface), drawing(blank(30, 30)));
+}
+
+TEST(Line, WithEndsThatAreNoNumbersHarmsNothing) {
+  const float endless = std::numeric_limits<float>::infinity();
+  const float none = std::numeric_limits<float>::quiet_NaN();
+  for (const float x : {endless, -endless, none}) {
+    for (const float y : {0.0F, endless, -endless, none}) {
+      Surface surface = blank(30, 30);
+      for (const int width : {1, 5}) {
+        surface.DrawWidth = width;
+        surface.Line(0, 0, x, y);
+        surface.Line(y, x, 0, 0);
+        surface.Line(x, y, -x, -y);
+      }
+      EXPECT_EQ(surface.pixels().size(), 900U);
+    }
   }
 }
 
