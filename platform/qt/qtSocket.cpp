@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QMetaObject>
 #include <QNetworkProxy>
-#include <algorithm>
 #include <functional>
 
 #include "platform/qt/codePage.h"
@@ -75,6 +74,7 @@ void QtSocket::connect(const std::string& host, int port) {
   });
   QObject::connect(&wire, &QTcpSocket::errorOccurred, &wire, [this, &connection](QAbstractSocket::SocketError error) {
     if (error == QAbstractSocket::RemoteHostClosedError) return;  // the orderly end; `disconnected` follows
+    if (error == QAbstractSocket::SocketTimeoutError) return;     // nothing more has come
     connection.isBroken = true;
     note();
   });
@@ -98,7 +98,7 @@ void QtSocket::send(std::string_view data) {
 
 std::string QtSocket::take() {
   if (!connection_) return {};
-  const QByteArray portion = connection_->wire.read(std::min(connection_->told, portionSize));
+  const QByteArray portion = connection_->wire.read(connection_->told);
   connection_->told -= portion.size();
   return portion.toStdString();
 }
@@ -115,8 +115,15 @@ void QtSocket::note() {
       Qt::QueuedConnection);
 }
 
-/// Tells the game one thing: the connection, then a portion of the bytes, and the end when none are left. A handler may
-/// have dropped the connection, and deleted this object with it.
+/// Reads what has arrived, up to the buffer's size: a message that two events share is lost to the game.
+void QtSocket::readAhead(QTcpSocket& wire) {
+  while (wire.state() == QAbstractSocket::ConnectedState && wire.bytesAvailable() < readBufferSize &&
+         wire.waitForReadyRead(0)) {
+  }
+}
+
+/// Tells the game one thing: the connection, then all bytes that have been read, and the end when none are left. A
+/// handler may have dropped the connection, and deleted this object with it.
 void QtSocket::tell() {
   const std::shared_ptr<Connection> connection = connection_;
   connection->isTellingQueued = false;
@@ -125,7 +132,8 @@ void QtSocket::tell() {
     if (connection->hasNews || connection->isClosed || connection->isBroken) note();
     runEvent(owner_.onConnect);
   } else if (connection->hasNews && connection->wire.bytesAvailable() > 0) {
-    const qint64 portion = std::min(connection->wire.bytesAvailable(), portionSize);
+    readAhead(connection->wire);
+    const qint64 portion = connection->wire.bytesAvailable();
     connection->hasNews = false;
     connection->told = portion;
     noteForReport("bytes that came from " + toBytes(connection->wire.peerName()) + ":" +

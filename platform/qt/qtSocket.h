@@ -14,7 +14,6 @@ namespace kelvora {
 class QtSocket : public SocketPeer {
  public:
   static constexpr qint64 readBufferSize = 256 * 1024;         ///< bytes; beyond it the other side has to wait
-  static constexpr qint64 portionSize = 64 * 1024;             ///< bytes told by one event
   static constexpr qint64 writeBufferLimit = 4 * 1024 * 1024;  ///< bytes unsent; beyond it the connection is given up
 
   explicit QtSocket(Winsock& owner) : owner_(owner) {}
@@ -29,6 +28,7 @@ class QtSocket : public SocketPeer {
  private:
   struct Connection;
 
+  static void readAhead(QTcpSocket& wire);
   void note();
   void tell();
   void fail();
