@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "frontend/frmGameFind.h"
@@ -98,7 +99,8 @@ void FrmConnect::colourRowMouseDown(float X, float Y) {
 void FrmConnect::cmdConnect_Click() {
   // Quirk Q-042: what was typed is saved first, also if it is refused below.
   saveLastLogin();
-  const double port = readNumber(txtServerPort.Text.get());
+  double port = 0;  // stays for a number beyond any double's range, which is no port either
+  resumeNext([&] { port = readNumber(txtServerPort.Text.get()); });
   // Quirk Q-231: half of all ports are refused, 32767 itself among them.
   // Quirk Q-232: the fraction is rounded off below, behind the check: 2010.5 is a port, and 0.3 passes as port 0.
   if (port <= 0 || port >= 32767) {

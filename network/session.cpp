@@ -97,7 +97,8 @@ void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::str
   // Quirk Q-071: init has made the field already, round the old position. This is the second one.
   modMain::createParticleField();
   world.localPlayer.isConnected = true;
-  // Quirk Q-072: a colour that has no name ends the login here. The player is in the game with the title over it.
+  // Quirk Q-072: a colour that has no name ends the login here, and the next frame, without a sheet for the ball, the
+  // program.
   printChat("Login accepted, " + name + " you are assigned the color " + colourName(colour), 3);
   modMain::showCentreMessage("Capture your opponents in a loop of your tail");
   for (int i = 0; i <= frmMain->lbUserName.UBound; ++i) {

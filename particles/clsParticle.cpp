@@ -41,10 +41,11 @@ void clsParticle::initNormal(double number, const std::string& newId, std::int16
                              float dy) {
   num_ = number;
   id = newId;
-  type = static_cast<std::uint8_t>(ParticleType::Network);
+  // Quirk Q-301: an unknown kind is a fault ahead of the type: the particle stays type 0 and is painted as background.
   kind = toByte(newKind);
   position = {x, y};
   velocity = {dx, dy};
+  type = static_cast<std::uint8_t>(ParticleType::Network);
   spawned = true;
   hasPosition = false;
   positionQueue.clear();
@@ -74,6 +75,7 @@ void clsParticle::init(double number, std::uint8_t newType, float x, float y, st
   if (isReserved) {
     second = b;
   } else {
+    // Quirk Q-307: also for a network particle, which keeps its place.
     chooseVelocity();
   }
 }

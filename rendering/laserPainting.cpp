@@ -1,4 +1,5 @@
 #include "base/fault.h"
+#include "base/numbers.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
 #include "simulation/clsPlayer.h"
@@ -12,11 +13,12 @@ namespace {
 Vector laserHit(Vector from, Vector to) {
   constexpr double size = modMain::worldSize;
   const double slope = (static_cast<double>(to.y) - from.y) / (static_cast<double>(to.x) - from.x);
-  const float offset = static_cast<float>(to.y - to.x * slope);
-  const Vector candidates[] = {{static_cast<float>(-offset / slope), 0},
+  // Quirk Q-302: nothing bounds a slope, and a hit too far for single precision is a fault.
+  const float offset = toSingle(to.y - to.x * slope);
+  const Vector candidates[] = {{toSingle(-offset / slope), 0},
                                {0, offset},
-                               {static_cast<float>((size - offset) / slope), modMain::worldSize},
-                               {modMain::worldSize, static_cast<float>(size * slope + offset)}};
+                               {toSingle((size - offset) / slope), modMain::worldSize},
+                               {modMain::worldSize, toSingle(size * slope + offset)}};
   // Quirk Q-131: each candidate is tested against one bound only, the last valid one wins, and a beam without any ends
   // at the world's origin.
   const bool inside[] = {candidates[0].x >= 0, candidates[1].y >= 0, candidates[2].x <= modMain::worldSize,

@@ -53,7 +53,7 @@ bool clsParticle::isWaiting() {
   // round midnight the particle is counted and not drawn, and is gone at its eleventh paint.
   constexpr std::int32_t lastSecond = 0;
   if (toInt32(Timer()) - lastSecond <= 0) return false;
-  age = static_cast<std::int16_t>(age + 1);
+  age = toInt16(age + 1);
   if (age > explosionPaints) modMain::removeExplosionParticle(toInt16(num_));  // another particle may stand here now
   return true;
 }

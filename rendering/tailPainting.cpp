@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "base/fault.h"
 #include "base/numbers.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
@@ -26,6 +27,7 @@ float strokeOffset() {
 
 Colour clsTail::getColour(std::int16_t colour) const {
   const int value = 255 - age_;
+  if (value < 0) raiseOverflow();
   switch (colour) {
     case 0:
       return RGB(value, 0, 0);
@@ -75,7 +77,8 @@ void clsPlayer::paintChargedArc(Vector a, Vector b) {
   b = modMain::worldToScreen(b);
   if (a.x == b.x) a.x += 1;
   const double slope = (static_cast<double>(a.y) - b.y) / (static_cast<double>(a.x) - b.x);
-  const float offset = static_cast<float>(a.y - a.x * slope);
+  // Quirk Q-303: a vertex may lie as far out as a number can tell, and a slope too steep is a fault.
+  const float offset = toSingle(a.y - a.x * slope);
   const float low = a.x < b.x ? a.x : b.x;
   const float high = a.x < b.x ? b.x : a.x;
 
@@ -84,7 +87,7 @@ void clsPlayer::paintChargedArc(Vector a, Vector b) {
   const float argument = Rnd() * high;
   Vector start;
   start.x = std::floor(Rnd(argument) + low);
-  start.y = static_cast<float>(start.x * slope + offset);
+  start.y = toSingle(start.x * slope + offset);
   PictureBox& canvas = frmMain->canvas;
   for (int i = 0; i < 4; ++i) {
     const float dx = strokeOffset();

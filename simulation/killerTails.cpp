@@ -32,6 +32,7 @@ void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, flo
     known->victims.push_back(loser);
     return;
   }
+  // Quirk Q-304: a loser that nobody knows is slot 0, whether or not it exists when the capture lands.
   world.killerTails.push_back({winner, player.getTailID(num), {loser}, location});
 }
 

@@ -33,6 +33,7 @@ float braked(float component, double step) {
 /// Distance of the mouse from the canvas's centre as a part of full speed, at most 1.
 float throttle() {
   const Vector centre = modMain::getCanvasCentre();
+  // Quirk Q-306: a canvas of no height is a fault once the player flies.
   if (centre.y == 0) throw RuntimeFault("Division by zero");
   // Quirk Q-096: half the canvas's height is the reach in both axes, so that full speed needs the same distance of the
   // mouse in every direction, however wide the canvas is.

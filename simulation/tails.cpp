@@ -51,7 +51,7 @@ bool clsTail::age() {
   // Quirk Q-102: up to 10 ms nothing happens and the tick stays, so that the time counts in a later step; above it the
   // step is rounded to the unit and the rest is lost.
   if (elapsed <= shortestStep) return false;
-  age_ = static_cast<std::int16_t>(age_ + roundToEven(static_cast<double>(elapsed) / stepUnit));
+  age_ = toInt16(age_ + roundToEven(static_cast<double>(elapsed) / stepUnit));
   lastStep_ = now;
   if (age_ <= oldestAge) return false;
   expire();  // this object is gone from here on
@@ -59,6 +59,7 @@ bool clsTail::age() {
 }
 
 void clsTail::expire() {
+  // Quirk Q-300: a vertex that the local player laid before the first login belongs to slot 0, and nobody removes it.
   const std::int16_t owner = ownerIndex_;
   modMain::checkKillerTail(owner, tailID_);
   modMain::killTailOf(owner, num());

@@ -59,6 +59,7 @@ void FrmPowerups::have(std::int16_t item, std::int16_t count) {
 
 void FrmPowerups::colourPrices() {
   for (int i = 0; i <= lblItemCost.UBound; ++i) {
+    // Quirk Q-305: credits at a double's end don't come back from the label's 15 digits.
     const bool isTooDear = readNumber(lblFunds.Caption.get()) < readNumber(lblItemCost[i].Caption.get());
     lblItemCost[i].BackColor = isTooDear ? tooDear : affordable;
   }

@@ -486,6 +486,20 @@ class HostileTest(harness.DesktopTest):
         self.assertEqual(client.process.wait(5), 1)
         self.assertEqual(client.output().strip(), f"kelvora: Run-time error: {what}")
 
+    def test_what_a_message_has_stored_ends_the_program_frames_later_with_its_box(self):
+        kills = frame(PLAYER_JOINED, 8, 1, "Bob", 50000, 50000, 1, 32767)
+        places = frame(POSITION, 8, 90000, 90000) + frame(POSITION, 8, 91000, 90000)
+        charged = frame(POSITION, 7, 50011, "6E34") + frame(POSITION, 7, 50010, 50000)
+        for what, *stored in (
+                ("Subscript out of range", frame(POSITION, 7, 50100, 50000), frame(TAIL_CAPTURE, 7, 99, 50100, 50000)),
+                ("Overflow", kills + places, frame(TAIL_CAPTURE, 8, 7, 90000, 90000)),
+                ("Overflow", frame(POWERUP_ON, 7, 2), charged)):
+            client, line = self.log_in()
+            for messages in stored:
+                line.send_bytes(messages)
+                line.frames_during(0.2)
+            self.assert_fault(client, what)
+
     def test_end_ahead_of_every_frame_ends_the_program_with_its_box(self):
         client = self.start_client()
         server = self.scripted_server()

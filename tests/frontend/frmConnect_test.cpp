@@ -279,7 +279,7 @@ TEST_F(ConnectDialog, PendingEventsRunOnceBeforeTheDialogGoes) {
 }
 
 TEST_F(ConnectDialog, Q231PortsFrom32767UpAreRefusedLikeNumbersThatAreNoPorts) {
-  for (const char* port : {"0", "-5", "32767", "40000", "65535", "abc", "", "99999"}) {
+  for (const char* port : {"0", "-5", "32767", "40000", "65535", "abc", "", "99999", "1e400", "-1e400"}) {
     machine.messageBoxes.clear();
     connectWith("Ann", "arena.test", port);
     EXPECT_EQ(machine.messageBoxes, std::vector<std::string>{"Invalid server port number"}) << port;

@@ -244,8 +244,22 @@ TEST_F(NetParticles, InitNormalStoresWhatTheServerSays) {
   EXPECT_TRUE(fresh.positionQueue.empty());
   EXPECT_EQ(fresh.maxSpeed, 0);
   EXPECT_EQ(fresh.depth, 0);
-  EXPECT_THROW(fresh.initNormal(3, "abc", 256, 0, 0, 0, 0), RuntimeFault);
-  EXPECT_THROW(fresh.initNormal(3, "abc", -1, 0, 0, 0, 0), RuntimeFault);
+}
+
+TEST_F(NetParticles, Q301AKindThatDoesNotExistLeavesTheTypeAsItIs) {
+  for (const std::int16_t kind : {std::int16_t{-1}, std::int16_t{256}}) {
+    clsParticle fresh;
+    EXPECT_THROW(fresh.initNormal(3, "abc", kind, 10, 20, 30, 40), RuntimeFault) << kind;
+    EXPECT_EQ(fresh.num_, 3) << "stored ahead of the kind";
+    EXPECT_EQ(fresh.id, "abc");
+    EXPECT_EQ(fresh.type, static_cast<std::uint8_t>(ParticleType::Background));
+    EXPECT_EQ(fresh.position, (Vector{0, 0}));
+    EXPECT_FALSE(fresh.spawned);
+  }
+  for (const std::int16_t kind : {std::int16_t{0}, std::int16_t{255}}) {
+    particle.initNormal(1, "n", kind, 0, 0, 0, 0);
+    EXPECT_EQ(particle.kind, kind);
+  }
 }
 
 TEST_F(NetParticles, InitNormalEmptiesTheQueue) {

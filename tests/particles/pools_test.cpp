@@ -157,13 +157,16 @@ TEST_F(Pools, TheServersParticlesOutliveTheConnection) {
   EXPECT_EQ(modMain::world.netParticles[0].id, "q1");
 }
 
-TEST_F(Pools, AFieldTurnedIntoBallsKeepsDriftingAndIsNotWrapped) {
+TEST_F(Pools, Q307AFieldTurnedIntoBallsDrawsNewVelocitiesAndIsNotWrapped) {
   frmMain->mnuQuarkStars.Checked = false;
   modMain::world.localPlayer.position = {50000, 50000};
   modMain::createParticleField();
   clsParticle& particle = modMain::world.particles[0];
-  particle.init(0, 1, particle.position.x, particle.position.y);
-  EXPECT_NE(particle.velocity, (Vector{0, 0}));
+  const Vector place = particle.position;
+  machine.scriptedDraws = {0.5F, 0.9F, 0.2F, 0.1F};  // Int(.5 * 15 + 1), to the right; Int(.2 * 15 + 1), up
+  particle.init(0, 1, 1, 2);
+  EXPECT_EQ(particle.velocity, (Vector{8, -4}));
+  EXPECT_EQ(particle.position, place);
   particle.depth = 0;
   particle.position = {0, 0};
   particle.wrap();

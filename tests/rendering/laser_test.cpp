@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "base/fault.h"
 #include "tests/rendering/paintTest.h"
 
 namespace kelvora {
@@ -164,6 +165,37 @@ TEST_F(Laser, Q131ABeamWithoutAnyHitEndsAtTheOrigin) {
   // The origin lies 1050 to the right and 20 up.
   EXPECT_TRUE(isBeamAt(900, -17));
   EXPECT_FALSE(isBeamAt(-900, -900));
+}
+
+TEST_F(Laser, AFarHitDoesNotBendTheBeam) {
+  // A sixteenth down in 300 to the left: the lower edge, 50000 below, is met 240 million units away. At the canvas's
+  // left border the beam has fallen 1.2 units, a twelfth of a pixel: the core's two rows are still those of a level
+  // one.
+  machine.scriptedDraws = {0};
+  flyAndPaint(-300, 0.0625F);
+  const Colour core = RGB(0, 255, 0);
+  EXPECT_NE(pixelAt(canvas(), 1, 302), core);
+  EXPECT_EQ(pixelAt(canvas(), 1, 303), core);
+  EXPECT_EQ(pixelAt(canvas(), 1, 304), core);
+  EXPECT_NE(pixelAt(canvas(), 1, 305), core);
+}
+
+TEST_F(Laser, Q302AHitBeyondSinglePrecisionIsAFault) {
+  // One unit to the right and a hair down: the lower edge is met 100000 / hair away, and 3.4028E+38 is the last number.
+  // The other bounds in the same way.
+  const auto paint = [this](Vector from, Vector to) {
+    local->lastPosition = from;
+    local->position = to;
+    local->paintSelf();
+  };
+  paint({49999, 0}, {50000, 2.94E-34F});
+  EXPECT_THROW(paint({49999, 0}, {50000, 2.938E-34F}), RuntimeFault);
+  paint({0, 49999}, {2.94E-34F, 50000});
+  EXPECT_THROW(paint({0, 49999}, {2.938E-34F, 50000}), RuntimeFault);
+  // Outside the world, where no player comes, the upper edge and the offset: slope 6E+38, offset 3E+38 - 9E+38.
+  EXPECT_THROW(paint({1, 0}, {1.5F, 3E38F}), RuntimeFault);
+  const float below = std::nextafter(3E38F, 0.0F);
+  EXPECT_THROW(paint({-3E38F, below}, {3E38F, 3E38F}), RuntimeFault);
 }
 
 TEST_F(Laser, OpponentsBeamAsWell) {

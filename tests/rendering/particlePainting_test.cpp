@@ -211,6 +211,27 @@ TEST_F(ParticlePainting, AnExplosionParticleAgesOffTheCanvasToo) {
   EXPECT_EQ(modMain::world.explosionCount, 0);
 }
 
+TEST_F(ParticlePainting, AnExplosionParticleOutsideItsPoolIsCountedTo32767Paints) {
+  // As the console makes them of the background: the particle that is removed is another one, or none.
+  clsParticle particle;
+  particle.type = static_cast<std::uint8_t>(ParticleType::Explosion);
+  particle.age = 32766;
+  particle.paintSelf();
+  EXPECT_EQ(particle.age, 32767);
+  EXPECT_THROW(particle.paintSelf(), RuntimeFault);
+  EXPECT_EQ(particle.age, 32767);
+}
+
+TEST_F(ParticlePainting, Q301AServersParticleOfNoKindIsAStar) {
+  // Where it was never placed is the world's upper left corner; a position of its own moves it.
+  EXPECT_THROW(modMain::receiveParticleNew("n", 256, 50000, 50000, 0, 0), RuntimeFault);
+  modMain::receiveParticlePosition("n", 51000, 50000);
+  ASSERT_EQ(modMain::world.netParticleCount, 1);
+  modMain::world.netParticles[0].paintSelf();
+  EXPECT_EQ(pixelAt(canvas(), 5722.0 + 1000, 4560.0), RGB(200, 200, 200)) << "a star of depth 0";
+  EXPECT_EQ(countPixels(canvas(), RGB(200, 200, 200)), 21) << "a disc of two pixels' radius: 5 by 5 without corners";
+}
+
 TEST_F(ParticlePainting, Q119InTheHalfSecondOfMidnightItBlinks) {
   canvas().BackColor = RGB(255, 255, 255);
   modMain::addExplosion({50000, 50000}, 1);

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "base/fault.h"
 #include "tests/rendering/paintTest.h"
 
 namespace kelvora {
@@ -271,6 +272,63 @@ TEST_F(ChargedArc, AVerticalSegmentIsShiftedByOneUnit) {
   // The newer end moves to 3001, so the left end is the older one at (3000, 1500), and one unit to the right is 4500
   // down.
   EXPECT_EQ(pixelAt(canvas(), 3000 + 130.0, 1500 + 130.0), RGB(255, 255, 255));
+}
+
+TEST_F(ChargedArc, Q303ASlopeBeyondSinglePrecisionIsAFault) {
+  // One unit to the right of the canvas's centre and far down: the offset is 5722 times the height, and 3.4028E+38 is
+  // the last number.
+  const Vector centre{50000, 50000};
+  local->paintChargedArc(centre, {50001, 5.94E34F});
+  EXPECT_THROW(local->paintChargedArc(centre, {50001, 5.95E34F}), RuntimeFault);
+  // A quarter of a unit to each side of the canvas's left border, slope 6E+38 and offset 1.5E+38: a start at 0 is fine,
+  // one at -1 is not. The outer draw decides.
+  const auto paintWith = [&](float outer) {
+    for (float seed = 1;; ++seed) {
+      machine.generator.randomize(seed);
+      RandomGenerator copy = machine.generator;
+      if ((copy.next() < 0.25F) == (outer < 0.25F)) break;
+    }
+    machine.scriptedDraws = {0.5F};
+    for (int i = 0; i < 4; ++i) stroke(0, 0.9F, 0, 0.9F);
+    local->paintChargedArc({44277.75F, 50000}, {44278.25F, 3E38F});
+  };
+  paintWith(0.5F);
+  EXPECT_THROW(paintWith(0.1F), RuntimeFault);
+}
+
+class VertexOfSlotZero : public TailPainting {
+ protected:
+  /// Vertices laid before the first login, when the local player counts as slot 0. An opponent has that slot now.
+  void layForSlotZero(int count) {
+    local->playerIndex = 0;
+    for (int i = 0; i < count; ++i) lay(1500 + 1500 * i, 1500);
+    local->playerIndex = -1;
+    placeOpponent(1, 90000, 90000);
+    paint();
+    tick(11);
+    paint();
+  }
+  void ageBy(int units) {
+    tick(units * 10 + 1);  // 10 ms alone are no step
+    paint();
+  }
+};
+
+TEST_F(VertexOfSlotZero, Q300IsNotTakenAwayAndFaultsWhenItIsDarkerThanBlack) {
+  layForSlotZero(2);
+  ageBy(255);
+  ASSERT_EQ(local->tailCount(), 2) << "an ordinary vertex ends above 200";
+  EXPECT_EQ(local->tails[1].getAge(), 255);
+  EXPECT_EQ(local->tails[1].getColour(0), RGB(0, 0, 0));
+  EXPECT_THROW(ageBy(1), RuntimeFault);
+}
+
+TEST_F(VertexOfSlotZero, Q300AloneItIsNotDrawnAndFaultsWhenItsAgeOverflows) {
+  layForSlotZero(1);
+  for (int i = 0; i < 10; ++i) ageBy(3199);
+  ageBy(777);
+  EXPECT_EQ(local->tails[0].getAge(), 32767);
+  EXPECT_THROW(ageBy(1), RuntimeFault);
 }
 
 TEST_F(ChargedArc, AnUnchargedSegmentHasNoLightningAndDrawsNoNumbers) {
