@@ -70,7 +70,7 @@ class Control {
   std::function<void(int KeyAscii)> KeyPress;
   std::function<void()> DblClick;
 
-  /// Asks the backend for the keyboard focus; `hasFocus` tells who asked last where there is no screen.
+  /// Asks the backend for the keyboard focus.
   void SetFocus();
 
   /// Position in the order of tabbing, or -1 for a control that is not tabbed to.

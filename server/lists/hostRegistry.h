@@ -24,7 +24,7 @@ class HostRegistry {
   Answer announce(const std::string& network, const Announcement& announcement, Millis now, bool isTrusted = false);
   /// Takes the entry of that address and port back; it is no matter whether there is one.
   Answer withdraw(const std::string& network, const HostEntry& host, Millis now);
-  /// The records that match, a line each.
+  /// The records that match, one behind another without a separator.
   std::string records(const HostQuery& query, Millis now);
   std::size_t size() const { return hosts_.size(); }
 
