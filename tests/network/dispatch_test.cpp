@@ -8,14 +8,17 @@ namespace {
 
 using modMain::world;
 
-/// The local player has node 7 and stands at 50000, 50000; Bob, node 9, is the first opponent.
+/// The local player has node 7 and stands at 50000, 50000; Bob has node 9. Amy, who joined ahead of Bob, is the one
+/// that a message for a wrong node would reach.
 class Dispatch : public GameTest {
  protected:
   Dispatch() {
     login(0, 7, 50'000, 50'000, "Ann");
+    join(3, 5, "Amy", 10'000, 10'000);
     join(9, 2, "Bob", 20'000, 20'000);
     modMain::world.chatLines = {};
   }
+  static clsPlayer& bob() { return world.opponents[1]; }
   const std::string& lastLine() { return modMain::world.chatLines[0].text; }
 };
 
@@ -37,8 +40,8 @@ TEST_F(Dispatch, IdsThatAreNotUsedHaveNoRow) {
 
 TEST_F(Dispatch, Position) {
   serverSends(wire::msgPosition, {"9", "21000", "22000.5"});
-  ASSERT_EQ(world.opponents[0].positionQueueCount(), 1);
-  EXPECT_EQ(world.opponents[0].positionQueue.front(), (Vector{21'000, 22'000.5F}));
+  ASSERT_EQ(bob().positionQueueCount(), 1);
+  EXPECT_EQ(bob().positionQueue.front(), (Vector{21'000, 22'000.5F}));
 
   serverSends(wire::msgPosition, {"7", "50001", "50000"});
   ASSERT_EQ(world.localPlayer.tailCount(), 1);
@@ -54,21 +57,22 @@ TEST_F(Dispatch, TheOwnExactPositionLaysNoTail) {
 
 TEST_F(Dispatch, Q067APositionOfTwoFieldsDoesNothing) {
   serverSends(wire::msgPosition, {"9", "21000"});
-  EXPECT_EQ(world.opponents[0].positionQueueCount(), 0);
+  EXPECT_EQ(bob().positionQueueCount(), 0);
   serverSends(wire::msgPosition, {"40000", "21000", "21000"});
-  EXPECT_EQ(world.opponents[0].positionQueueCount(), 0) << "a node beyond 16 bits does not wrap to another player";
+  EXPECT_EQ(world.opponents[0].positionQueueCount(), 0) << "a node beyond 16 bits does not wrap to another player's";
+  EXPECT_EQ(bob().positionQueueCount(), 0);
   serverSends(wire::msgServerText, {"next"});
   EXPECT_EQ(lastLine(), "next");
 }
 
 TEST_F(Dispatch, FieldsBeyondTheListedOnesAreIgnored) {
   serverSends(wire::msgPosition, {"9", "21000", "22000", "more", "9"});
-  EXPECT_EQ(world.opponents[0].positionQueueCount(), 1);
+  EXPECT_EQ(bob().positionQueueCount(), 1);
 }
 
 TEST_F(Dispatch, Velocity) {
   serverSends(wire::msgVelocity, {"9", "12.5", "-3"});
-  EXPECT_EQ(world.opponents[0].velocity, (Vector{12.5F, -3}));
+  EXPECT_EQ(bob().velocity, (Vector{12.5F, -3}));
   const Vector own = world.localPlayer.velocity;
   serverSends(wire::msgVelocity, {"7", "12.5", "-3"});
   EXPECT_EQ(world.localPlayer.velocity, own);
@@ -76,14 +80,14 @@ TEST_F(Dispatch, Velocity) {
 
 TEST_F(Dispatch, PlayerJoined) {
   serverSends(wire::msgPlayerJoined, {"11", "4", "Cat", "300", "400", "0", "6"});
-  ASSERT_EQ(modMain::world.opponentCount, 2);
-  EXPECT_EQ(world.opponents[1].serverNode, 11);
-  EXPECT_EQ(world.opponents[1].playerIndex, 1);
-  EXPECT_EQ(world.opponents[1].colour, 4);
-  EXPECT_EQ(world.opponents[1].name, "Cat");
-  EXPECT_EQ(world.opponents[1].position, (Vector{300, 400}));
-  EXPECT_FALSE(world.opponents[1].alive);
-  EXPECT_EQ(world.opponents[1].kills, 6);
+  ASSERT_EQ(modMain::world.opponentCount, 3);
+  EXPECT_EQ(world.opponents[2].serverNode, 11);
+  EXPECT_EQ(world.opponents[2].playerIndex, 2);
+  EXPECT_EQ(world.opponents[2].colour, 4);
+  EXPECT_EQ(world.opponents[2].name, "Cat");
+  EXPECT_EQ(world.opponents[2].position, (Vector{300, 400}));
+  EXPECT_FALSE(world.opponents[2].alive);
+  EXPECT_EQ(world.opponents[2].kills, 6);
 }
 
 TEST_F(Dispatch, LoginAcceptedTakesTheNameThatWasSent) {
@@ -141,7 +145,7 @@ TEST_F(Dispatch, PingAndLatencyAreIgnoredBeforeTheLogin) {
 
 TEST_F(Dispatch, PlayerLeft) {
   serverSends(wire::msgPlayerLeft, {"9"});
-  EXPECT_FALSE(world.opponents[0].isConnected);
+  EXPECT_FALSE(bob().isConnected);
 }
 
 TEST_F(Dispatch, TailCapture) {
@@ -149,14 +153,14 @@ TEST_F(Dispatch, TailCapture) {
   serverSends(wire::msgTailCapture, {"7", "9", "51000", "52000"});
   ASSERT_EQ(modMain::world.killerTails.size(), 1U);
   EXPECT_EQ(modMain::world.killerTails[0].owner, -1);
-  EXPECT_EQ(modMain::world.killerTails[0].victims, std::vector<std::int16_t>{0});
+  EXPECT_EQ(modMain::world.killerTails[0].victims, std::vector<std::int16_t>{1});
 }
 
 TEST_F(Dispatch, Funds) {
   serverSends(wire::msgFunds, {"7", "1234"});
   EXPECT_EQ(world.localPlayer.funds(), 1234);
   serverSends(wire::msgFunds, {"9", "3000000000"});
-  EXPECT_EQ(world.opponents[0].funds(), 3e9);
+  EXPECT_EQ(bob().funds(), 3e9);
   EXPECT_EQ(world.localPlayer.funds(), 1234);
 }
 
@@ -174,10 +178,10 @@ TEST_F(Dispatch, SpawnDenied) {
 
 TEST_F(Dispatch, Respawn) {
   world.localPlayer.alive = false;
-  world.opponents[0].alive = false;
+  bob().alive = false;
   frmMain->setButtonsState(true);
   serverSends(wire::msgRespawn, {"9"});
-  EXPECT_TRUE(world.opponents[0].alive);
+  EXPECT_TRUE(bob().alive);
   EXPECT_FALSE(world.localPlayer.alive);
   EXPECT_EQ(frmMain->btnSpawn.background(), frmGfx->imgBtnPlay[1].Picture.get());
   serverSends(wire::msgRespawn, {"7"});
@@ -189,12 +193,12 @@ TEST_F(Dispatch, PowerupOnAndOff) {
   serverSends(wire::msgPowerupOn, {"7", "1"});
   EXPECT_TRUE(world.localPlayer.powerups[1].active);
   serverSends(wire::msgPowerupOn, {"9", "0"});
-  EXPECT_TRUE(world.opponents[0].powerups[0].active);
+  EXPECT_TRUE(bob().powerups[0].active);
   serverSends(wire::msgPowerupOff, {"7", "1"});
   EXPECT_FALSE(world.localPlayer.powerups[1].active);
   EXPECT_EQ(lastLine(), "Ann's turbo has shorted out!!");
   serverSends(wire::msgPowerupOff, {"9", "0"});
-  EXPECT_FALSE(world.opponents[0].powerups[0].active);
+  EXPECT_FALSE(bob().powerups[0].active);
   serverSends(wire::msgPowerupOn, {"7", "6"});
   serverSends(wire::msgServerText, {"still there"});
   EXPECT_EQ(lastLine(), "still there") << "a slot out of range ends the handler, not the client";
@@ -219,10 +223,12 @@ TEST_F(Dispatch, AnAliveStateOfTheLocalPlayerShowsTheNextTip) {
 
 TEST_F(Dispatch, Q068AliveStateNeverChangesAnOpponent) {
   serverSends(wire::msgAliveState, {"9", "0"});
-  EXPECT_TRUE(world.opponents[0].alive);
-  world.opponents[0].alive = false;
+  EXPECT_TRUE(bob().alive);
+  bob().alive = false;
   serverSends(wire::msgAliveState, {"9", "1"});
-  EXPECT_FALSE(world.opponents[0].alive);
+  EXPECT_FALSE(bob().alive);
+  serverSends(wire::msgAliveState, {"9", "0"});
+  EXPECT_TRUE(world.localPlayer.alive) << "nor the local player in their place";
 }
 
 TEST_F(Dispatch, ServerText) {
@@ -237,6 +243,7 @@ TEST_F(Dispatch, Particles) {
   const clsParticle& particle = modMain::world.netParticles[0];
   EXPECT_EQ(particle.id, "p1");
   EXPECT_EQ(particle.kind, 4);
+  EXPECT_EQ(particle.getPosition(), (Vector{100, 200}));
   EXPECT_EQ(particle.velocity, (Vector{1, 2}));
   serverSends(wire::msgParticleMove, {"p1", "700", "800"});
   EXPECT_EQ(particle.getPosition(), (Vector{700, 800}));

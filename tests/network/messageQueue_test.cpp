@@ -67,6 +67,7 @@ TEST(MessageQueue, RemovesByNumberAlsoInFrontOfEntriesUnderWay) {
   queue.removeMessage(4);
   queue.removeMessage(0);
   EXPECT_EQ(queue.messageCount(), 3);
+  EXPECT_THROW(queue.text(0), RuntimeFault);
   EXPECT_THROW(queue.text(4), RuntimeFault);
 }
 

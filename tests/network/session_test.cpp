@@ -126,6 +126,15 @@ TEST_F(Session, Q072AColourWithoutANameLeavesTheRestOfTheLoginOut) {
   EXPECT_TRUE(frmConnect.isVisible()) << "the dialog is offered all the same";
 }
 
+TEST_F(Session, Q072AColourBelowTheNamesDoesTheSame) {
+  frmMain->lbcConnect.Visible = true;
+  connect("Ann", 0);
+  serverSends(wire::msgLoginAccepted, {"-1", "7", "1000", "2000"});
+  EXPECT_TRUE(world.localPlayer.isConnected);
+  EXPECT_EQ(lastLine().text, "");
+  EXPECT_TRUE(frmMain->lbcConnect.Visible);
+}
+
 TEST_F(Session, APlayerWhoJoinsIsShownAndTold) {
   login();
   serverSends(wire::msgPlayerJoined, {"9", "2", "Bob", "300", "400", "1", "5"});
@@ -185,6 +194,32 @@ TEST_F(Session, APlayerWhoLeavesIsClearedFromTheList) {
   EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "");
   EXPECT_EQ(frmMain->lblKills[2].Caption.get(), "");
   for (const Pixel pixel : frmMain->picCaps[2].pixels()) ASSERT_EQ(pixel & 0xFFFFFF, 0U);
+}
+
+// Notes how often a picture box shows its picture, and in which colour its first pixel is then.
+class PresentWatch : public Peer {
+ public:
+  PresentWatch(const PictureBox& box, std::vector<Pixel>& shown) : box_(box), shown_(shown) {}
+  void changed(PropertyId) override {}
+  void present() override { shown_.push_back(box_.pixels().front() & 0xFFFFFF); }
+
+ private:
+  const PictureBox& box_;
+  std::vector<Pixel>& shown_;
+};
+
+TEST_F(Session, TheEmptiedCapturesOfALeaverAreShownAtOnce) {
+  login();
+  join(9, 2, "Bob");
+  PictureBox& captures = frmMain->picCaps[2];
+  captures.ForeColor = RGB(255, 0, 0);
+  captures.DrawWidth = 5;
+  captures.Line(0, 0, 900, 0);
+  std::vector<Pixel> shown;
+  captures.peer = std::make_unique<PresentWatch>(captures, shown);
+  serverSends(wire::msgPlayerLeft, {"9"});
+  captures.peer.reset();
+  EXPECT_EQ(shown, std::vector<Pixel>{0});
 }
 
 TEST_F(Session, APlayerWhoLeavesIsToldByTheirOwnName) {
@@ -275,8 +310,10 @@ TEST_F(Session, DisconnectingOffersTheDialogAndTheTitle) {
 TEST_F(Session, TheWorldsPartOfADisconnectionLeavesTheOthersNames) {
   login(1, 7);
   join(9, 2, "Bob");
+  ASSERT_NE(frmMain->lbUserName[1].BackColor.get(), RGB(0, 0, 0));
   modMain::resetConnectionState();
   EXPECT_EQ(frmMain->lbUserName[1].Caption.get(), "");
+  EXPECT_EQ(frmMain->lbUserName[1].BackColor.get(), RGB(0, 0, 0));
   EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "Bob");
 }
 

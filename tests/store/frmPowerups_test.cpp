@@ -127,6 +127,15 @@ TEST_F(StoreWindow, EverythingStandsInsideAndNothingCoversAnother) {
   EXPECT_EQ(form.children().front(), &form.imgBackground) << "everything lies on the background";
 }
 
+TEST_F(StoreWindow, TheTabKeyGoesThroughTheButtonsRowByRow) {
+  FrmPowerups& f = *frmPowerups;
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(f.cmdBuy[i].TabIndex, 2 * i);
+    EXPECT_EQ(f.cmdSell[i].TabIndex, 2 * i + 1);
+  }
+  EXPECT_EQ(f.cmdDone.TabIndex, 12);
+}
+
 TEST_F(StoreWindow, PricesStandAboveBuyAndStocksAboveSell) {
   FrmPowerups& form = *frmPowerups;
   for (int i = 0; i < 6; ++i) {
