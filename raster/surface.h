@@ -48,9 +48,10 @@ class Surface {
   void Cls();
 
   /// A line in ForeColor, DrawWidth pixels wide with round ends, both end points included; from which end it is drawn
-  /// makes no difference. What lies beyond a million pixels is cut off, and the rest keeps its slope. Width 1 has the pixel nearest to the line in each column (row, if steep), halves downward
-  /// (rightward). A greater width w has the pixels whose centres lie within w / 2 of the segment between the centres of
-  /// the two end pixels; for an even w that segment is moved half a pixel up and left.
+  /// makes no difference. What lies beyond a million pixels is cut off, and the rest keeps its slope. Width 1 has the
+  /// pixel nearest to the line in each column (row, if steep), halves downward (rightward). A greater width w has the
+  /// pixels whose centres lie within w / 2 of the segment between the centres of the two end pixels; for an even w that
+  /// segment is moved half a pixel up and left.
   void Line(float x1, float y1, float x2, float y2);
 
   /// A circle in `outline`, one pixel wide, filled with FillColor: the pixels nearer than the radius plus half a pixel,
