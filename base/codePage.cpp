@@ -24,4 +24,20 @@ std::optional<std::string> codePageFromUtf8(std::string_view text) {
   return result;
 }
 
+std::string utf8FromCodePage(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    const char16_t code = toUnicode(static_cast<unsigned char>(c));
+    if (code < 0x80) {
+      result += static_cast<char>(code);
+    } else if (code < 0x800) {
+      result += {static_cast<char>(0xC0 | code >> 6), static_cast<char>(0x80 | (code & 0x3F))};
+    } else {
+      result += {static_cast<char>(0xE0 | code >> 12), static_cast<char>(0x80 | (code >> 6 & 0x3F)),
+                 static_cast<char>(0x80 | (code & 0x3F))};
+    }
+  }
+  return result;
+}
+
 }  // namespace kelvora

@@ -31,4 +31,7 @@ constexpr std::optional<char> toCodePage(char32_t code) {
 /// letter that the code page lacks.
 std::optional<std::string> codePageFromUtf8(std::string_view text);
 
+/// The way back, which every text has.
+std::string utf8FromCodePage(std::string_view text);
+
 }  // namespace kelvora

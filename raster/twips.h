@@ -8,8 +8,8 @@ namespace kelvora {
 /// Twips (canvas units) to a pixel, everywhere.
 inline constexpr int twipsPerPixel = 15;
 
-/// Pixels beyond this one, on either side of 0, lie outside any surface. Twips are held there, so that later sums cannot
-/// overflow.
+/// Pixels beyond this one, on either side of 0, lie outside any surface. Twips are held there, so that later sums
+/// cannot overflow.
 inline constexpr int farthestPixel = 1'000'000;
 
 /// The pixel that a twip coordinate or length falls on: the nearest one, halves upward. The only place where twips turn

@@ -1,8 +1,8 @@
 #include <sys/resource.h>
 
 #include <algorithm>
-#include <asio/io_context.hpp>
-#include <asio/signal_set.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/signal_set.hpp>
 #include <chrono>
 #include <csignal>
 #include <ctime>
@@ -65,18 +65,18 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);  // so that the game goes on if nobody reads the log any more
   std::signal(SIGXFSZ, SIG_IGN);  // likewise if its file may not grow
   try {
-    asio::io_context context(1);
+    boost::asio::io_context context(1);
     Log logFile(std::cerr, !isLoggingToJournal());
     const auto log = [&](const std::string& line) { logFile.write(line, steadyMillis(), std::time(nullptr)); };
     if (const std::size_t most = provideDescriptors(); most < GameServer::descriptors) {
       log("only " + std::to_string(most) + " files may be open: not everybody can be let in who should be");
     }
     GameServer server(context, options, log);
-    asio::signal_set signals(context, SIGINT, SIGTERM);
+    boost::asio::signal_set signals(context, SIGINT, SIGTERM);
     // The terminal is gone; who starts the server with nohup does not want it to end then.
     if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) signals.add(SIGHUP);
     std::function<void()> awaitSignal = [&] {
-      signals.async_wait([&](asio::error_code error, int signal) {
+      signals.async_wait([&](boost::system::error_code error, int signal) {
         if (error) return;
         log(signalName(signal) + ": shutting down");
         awaitSignal();

@@ -18,8 +18,11 @@ struct Options {
   std::string password;       ///< empty: none is asked for
   ArenaRules rules;
   BotWishes bots;
-  std::optional<std::uint16_t> webPort;  ///< none: no web server; 0 for any free one
+  std::optional<std::uint16_t> webPort;  ///< of the second port; none: there is none; 0 for any free one
   std::string webAddress;                ///< empty: `address`
+  std::string site;                      ///< folder of files to serve by HTTP; empty: none
+  std::string allowOrigin = "*";         ///< pages that may open a WebSocket, between commas
+  std::string trustedProxy;              ///< whose word on its clients' addresses counts; empty: nobody's
   std::string publicAddress;             ///< empty: `address`
   std::string notes;
   std::string listKey;     ///< that others must give to be listed here; empty: none

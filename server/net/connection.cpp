@@ -1,93 +1,178 @@
 #include "server/net/connection.h"
 
-#include <algorithm>
-#include <asio/buffer.hpp>
-#include <asio/post.hpp>
-#include <asio/write.hpp>
+#include <boost/asio/error.hpp>
+#include <boost/asio/post.hpp>
 #include <utility>
+
+#include "network/wire/wireFormat.h"
 
 namespace kelvora::server {
 
 namespace {
 
-constexpr int systemBuffer = 64 << 10;  // bytes
-constexpr auto burst = std::chrono::milliseconds(500);
+constexpr std::size_t bodyPiece = std::size_t{16} << 10;  // bytes
+
+bool beginsRequest(char first) { return first >= 'A' && first <= 'Z'; }
 
 }  // namespace
 
 Connection::Connection(asio::ip::tcp::socket socket, ClientId client, Handlers handlers)
-    : socket_(std::move(socket)), client_(client), handlers_(std::move(handlers)), pause_(socket_.get_executor()) {}
+    : stream_(std::move(socket)), client_(client), handlers_(std::move(handlers)) {
+  await(openingTime, "says nothing");
+}
 
-void Connection::start() {
-  asio::error_code ignored;
-  socket_.set_option(asio::ip::tcp::no_delay(true), ignored);
-  // What the system keeps for a client that does not read, or does not stop sending, is bounded as well.
-  socket_.set_option(asio::socket_base::send_buffer_size(systemBuffer), ignored);
-  socket_.set_option(asio::socket_base::receive_buffer_size(systemBuffer), ignored);
-  readMore();
+void Connection::await(std::chrono::seconds time, const char* reason) {
+  deadline_ = Clock::now() + time;
+  overdue_ = reason;
+}
+
+void Connection::closeIfOverdue(Clock::time_point now) {
+  if (deadline_ < now) close(overdue_);
 }
 
 void Connection::send(const std::string& frame) {
   if (closed_ || hangingUp_) return;
-  if (underWay_.size() + queued_.size() + frame.size() > longestQueue) return close("does not read");
+  if (underWay_.size() + queued_.size() + frame.size() > maxQueue) return close("does not read");
   queued_ += frame;
   writeMore();
 }
 
 void Connection::hangUp() {
+  if (speech_ == Speech::upgrading) return close("hung up on");  // there is no way to say anything in between
   if (std::exchange(hangingUp_, true)) return;
+  await(goodbyeTime, "hung up on");
   writeMore();
 }
 
 void Connection::close(const std::string& reason) {
   if (std::exchange(closed_, true)) return;
-  asio::error_code ignored;
-  socket_.close(ignored);
-  pause_.cancel();
-  asio::post(socket_.get_executor(),
+  stream_.close();
+  asio::post(stream_.executor(),
              [self = shared_from_this(), reason] { self->handlers_.onClosed(self->client_, reason); });
 }
 
 void Connection::readMore() {
-  socket_.async_read_some(
-      asio::buffer(arrived_), [self = shared_from_this()](asio::error_code error, std::size_t size) {
-        if (self->closed_) return;
-        if (error) return self->close(error == asio::error::eof ? "hung up" : error.message());
-        // What still comes while hanging up is taken and thrown away: unread bytes would destroy the goodbye on its
-        // way.
-        if (!self->hangingUp_) {
-          const bool isSound = self->reader_.read({self->arrived_.data(), size}, [&](std::string_view text) {
-            if (!self->closed_ && !self->hangingUp_) self->handlers_.onFrame(self->client_, text);
-          });
-          if (self->closed_) return;
-          if (!isSound && !self->hangingUp_) return self->close("does not speak the protocol");
-        }
-        self->readMoreAfter(size);
-      });
+  stream_.readSome(asio::buffer(arrived_), [self = shared_from_this()](error_code error, std::size_t size) {
+    if (self->closed_) return;
+    if (error) return self->close(error == asio::error::eof ? "hung up" : error.message());
+    if (self->take({self->arrived_.data(), size})) self->readMore();
+  });
 }
 
-void Connection::readMoreAfter(std::size_t size) {
-  lastHeard_ = Clock::now();
-  paidUntil_ = std::max(paidUntil_, lastHeard_ - burst) + std::chrono::microseconds(size * 1'000'000 / bytesPerSecond);
-  if (paidUntil_ <= lastHeard_) return readMore();
-  pause_.expires_at(paidUntil_);
-  pause_.async_wait([self = shared_from_this()](asio::error_code) {
-    if (!self->closed_) self->readMore();
+bool Connection::take(std::string_view bytes) {
+  // While hanging up, incoming bytes are read and dropped: unread ones would destroy the goodbye on its way.
+  if (hangingUp_ || bytes.empty()) return true;
+  if (speech_ == Speech::opening) return open(bytes);
+  return speech_ == Speech::game ? takeFrames(bytes) : takeRequest(bytes);
+}
+
+bool Connection::open(std::string_view bytes) {
+  if (bytes[0] == wire::frameStart) {
+    speech_ = Speech::game;
+    handlers_.onGame(client_);
+    return takeFrames(bytes);
+  }
+  if (!beginsRequest(bytes[0])) {
+    close("does not speak the protocol");
+    return false;
+  }
+  speech_ = Speech::request;
+  await(requestTime, "takes too long to ask");
+  request_ = std::make_unique<HttpReader>();
+  return takeRequest(bytes);
+}
+
+bool Connection::takeFrames(std::string_view bytes) {
+  await(silence, "silent for too long");
+  const bool isSound = frames_.read(bytes, [&](std::string_view text) {
+    if (!closed_ && !hangingUp_) handlers_.onFrame(client_, text);
   });
+  if (!isSound && !hangingUp_) close("does not speak the protocol");
+  if (hangingUp_) await(goodbyeTime, "hung up on");
+  return !closed_;
+}
+
+bool Connection::takeRequest(std::string_view bytes) {
+  switch (request_->read(bytes)) {
+    case HttpReader::Result::partial:
+      return true;
+    case HttpReader::Result::malformed:
+      return refuse(400, "This is not a request.\n");
+    case HttpReader::Result::tooLong:
+      return refuse(431, "This request is too long.\n");
+    case HttpReader::Result::complete:
+      break;
+  }
+  return answer(request_->request());
+}
+
+bool Connection::refuse(unsigned int status, const std::string& text) {
+  HttpAnswer refusal{.status = status, .body = text};
+  queued_ += refusal.head(false) + refusal.body;
+  hangUp();
+  return true;
+}
+
+bool Connection::answer(const HttpRequest& request) {
+  if (request.isUpgrade && stream_.isWebSocket()) return refuse(400, "This is a WebSocket already.\n");
+  HttpAnswer answer = handlers_.onRequest(client_, request);
+  if (answer.status == 101) {
+    upgrade();
+    return false;
+  }
+  speech_ = Speech::answering;
+  await(answerTime, "does not read");
+  keepsAlive_ = request.keepsAlive && answer.mayKeepAlive;
+  queued_ += answer.head(keepsAlive_);
+  if (!request.isHead()) {
+    queued_ += answer.body;
+    body_ = std::move(answer.more);
+  }
+  writeMore();
+  return false;  // until it is written
+}
+
+void Connection::upgrade() {
+  speech_ = Speech::upgrading;
+  const auto request = std::exchange(request_, nullptr);
+  stream_.upgrade(std::string(request->head()), request->rest(),
+                  [self = shared_from_this()](error_code error, std::size_t) {
+                    if (self->closed_) return;
+                    if (error) return self->close(error.message());
+                    self->speech_ = Speech::opening;
+                    self->await(openingTime, "says nothing");
+                    self->readMore();
+                  });
+}
+
+void Connection::answered() {
+  if (!keepsAlive_) {
+    hangUp();
+    return readMore();  // until the client ends the connection
+  }
+  const auto before = std::exchange(request_, nullptr);
+  speech_ = Speech::opening;
+  await(requestTime, "has no more requests");
+  if (before->rest().empty() || take(before->rest())) readMore();
 }
 
 void Connection::writeMore() {
   if (closed_ || !underWay_.empty()) return;
+  if (queued_.empty() && body_) {
+    queued_ = body_(bodyPiece);
+    if (queued_.empty()) body_ = nullptr;
+  }
   if (queued_.empty()) {
-    asio::error_code ignored;
-    if (hangingUp_) socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+    if (hangingUp_) return stream_.endSending([self = shared_from_this()](error_code, std::size_t) {});
+    if (speech_ == Speech::answering) answered();
     return;
   }
   underWay_.swap(queued_);
-  asio::async_write(socket_, asio::buffer(underWay_), [self = shared_from_this()](asio::error_code error, std::size_t) {
+  stream_.write(asio::buffer(underWay_), [self = shared_from_this()](error_code error, std::size_t) {
     self->underWay_.clear();
     if (self->closed_) return;
     if (error) return self->close(error.message());
+    if (self->speech_ == Speech::answering && !self->hangingUp_) self->await(answerTime, "does not read");
     self->writeMore();
   });
 }

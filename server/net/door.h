@@ -1,12 +1,17 @@
 #pragma once
 
-#include <asio/ip/address.hpp>
+#include <boost/asio/ip/address.hpp>
 #include <map>
 #include <string>
 
 #include "base/rateLimit.h"
 
 namespace kelvora::server {
+
+namespace asio = boost::asio;
+
+/// A mapped IPv4 address as the IPv4 address, and an IPv6 address without its interface.
+asio::ip::address unmapped(const asio::ip::address& address);
 
 /// What one host can be held to: its address, or the first 64 bits of it in IPv6, of which every host has a whole
 /// range. An IPv4 address in IPv6 clothes is that IPv4 address.

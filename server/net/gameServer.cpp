@@ -1,27 +1,23 @@
 #include "server/net/gameServer.h"
 
 #include <algorithm>
-#include <asio/post.hpp>
+#include <boost/asio/post.hpp>
 #include <random>
 #include <set>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "network/wire/wireFormat.h"
-#include "server/net/listen.h"
+#include "server/net/origin.h"
+#include "server/web/homePage.h"
 
 namespace kelvora::server {
 
 namespace {
 
 constexpr auto tickInterval = std::chrono::milliseconds(40);
-constexpr Millis goodbyeTime = 2'000;  // for a client to take the last words
-
-std::unique_ptr<WebServer> startWeb(const Options& options) {
-  if (!options.webPort) return nullptr;
-  const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
-  return std::make_unique<WebServer>(address, *options.webPort, versionText(), options.listKey);
-}
+constexpr std::string_view playPath = "/play";
 
 /// Its words go to the log on the context's thread.
 std::unique_ptr<Publisher> startPublisher(asio::io_context& context, const Options& options,
@@ -32,43 +28,69 @@ std::unique_ptr<Publisher> startPublisher(asio::io_context& context, const Optio
       [&context, log](const std::string& line) { asio::post(context, [log, line] { log(line); }); });
 }
 
+std::optional<asio::ip::address> proxyAddress(const std::string& text) {
+  if (text.empty()) return std::nullopt;
+  error_code error;
+  const auto address = asio::ip::make_address(text, error);
+  if (error) throw std::runtime_error("--trusted-proxy must be an IP address, not " + text);
+  return unmapped(address);
+}
+
+/// The address that the proxy itself has seen: it puts it behind what its client claimed.
+std::optional<asio::ip::address> forwardedAddress(const HttpRequest& request) {
+  std::string text = request.forwardedFor.substr(request.forwardedFor.rfind(',') + 1);
+  text.erase(0, text.find_first_not_of(' '));
+  error_code error;
+  const auto address = asio::ip::make_address(text, error);
+  return error ? std::nullopt : std::optional(address);
+}
+
+HttpAnswer refusal(unsigned int status, std::string text) { return {.status = status, .body = std::move(text)}; }
+
 }  // namespace
 
 GameServer::GameServer(asio::io_context& context, const Options& options, std::function<void(const std::string&)> log)
     : options_(options),
       log_(std::move(log)),
-      acceptor_(listenOn(context, options.address, options.port)),
+      trustedProxy_(proxyAddress(options.trustedProxy)),
+      site_(options.site),
+      listener_(context, options.address, options.port, listenerHandlers()),
       timer_(context),
       arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),
       bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
-      web_(startWeb(options)),
+      list_(versionText(), options.listKey),
       publisher_(startPublisher(context, options, log_)) {
+  if (options.webPort) {
+    const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
+    webListener_.emplace(context, address, *options.webPort, listenerHandlers());
+  }
   publish();
-  acceptMore();
   tickMore();
 }
 
-std::string GameServer::endpointText() const { return kelvora::server::endpointText(acceptor_); }
+Listener::Handlers GameServer::listenerHandlers() {
+  return {.onConnection = [this](asio::ip::tcp::socket socket) { welcome(std::move(socket)); },
+          .onFailure = [this](const std::string& reason) { log_("cannot accept: " + reason); }};
+}
 
 void GameServer::stop(std::function<void()> whenDone) {
   if (std::exchange(stopped_, true)) return closeAll();
   whenStopped_ = std::move(whenDone);
-  asio::error_code ignored;
-  acceptor_.close(ignored);
-  web_.reset();
+  listener_.close();
+  if (webListener_) webListener_->close();
   if (publisher_) publisher_->signOff();
   const std::string goodbye = wire::buildFrame(wire::msgServerText, {"The server is shutting down."});
   for (const PlayerView& player : arena_.players(now())) send(player.client, goodbye);
-  for (const auto& [client, connection] : connections_) connection->hangUp();
-  timer_.expires_after(std::chrono::milliseconds(goodbyeTime));
-  timer_.async_wait([this](asio::error_code error) {
+  for (const auto& [client, guest] : guests_) guest.connection->hangUp();
+  timer_.expires_after(Connection::goodbyeTime);
+  timer_.async_wait([this](error_code error) {
     if (!error) closeAll();
   });
-  if (connections_.empty()) finishStop();
+  if (guests_.empty()) finishStop();
 }
 
 void GameServer::closeAll() {
-  for (const auto& [client, connection] : connections_) connection->close("the server ends");
+  for (const auto& [client, guest] : guests_) guest.connection->close("the server ends");
 }
 
 void GameServer::finishStop() {
@@ -78,112 +100,146 @@ void GameServer::finishStop() {
 
 void GameServer::send(ClientId client, const std::string& frame) {
   if (isBot(client)) return bots_.hear(client, frame, now());
-  if (const auto found = connections_.find(client); found != connections_.end()) found->second->send(frame);
+  if (const auto found = guests_.find(client); found != guests_.end()) found->second.connection->send(frame);
 }
 
 void GameServer::hangUp(ClientId client) {
   if (isBot(client)) return bots_.hangUp(client);
-  const auto found = connections_.find(client);
-  if (found == connections_.end()) return;
-  found->second->hangUp();
-  hungUp_.emplace(client, now());
-}
-
-void GameServer::acceptMore() {
-  acceptor_.async_accept([this](asio::error_code error, asio::ip::tcp::socket socket) {
-    if (stopped_) return;
-    if (!error) welcome(std::move(socket));
-    if (!error || error == asio::error::connection_aborted) return acceptMore();
-    // Out of descriptors, most likely: with every try at once the loop would do nothing else. The next tick tries
-    // again.
-    log_("cannot accept: " + error.message());
-    isAccepting_ = false;
-  });
+  if (const auto found = guests_.find(client); found != guests_.end()) found->second.connection->hangUp();
 }
 
 void GameServer::welcome(asio::ip::tcp::socket socket) {
-  asio::error_code error;
+  error_code error;
   const auto peer = socket.remote_endpoint(error);
   if (error) return;  // gone already; the socket closes with this scope
-  const std::string network = networkOf(peer.address());
-  if (!door_.admits(network, now())) return log_("turned away " + network + ": too many connections");
-  if (connections_.size() >= mostConnections && !makeRoom()) {
-    door_.left(network);
-    return log_("turned away " + network + ": no room");
+  Guest guest{.connection = nullptr, .address = unmapped(peer.address()), .network = {}};
+  if (guest.address != trustedProxy_ && !admit(guest, guest.address)) return;
+  if (guests_.size() >= maxConnections && !makeRoom()) {
+    door_.left(guest.network);
+    return log_("turned away " + guest.address.to_string() + ": no room");
   }
   const ClientId client = ++lastClient_;
   const Connection::Handlers handlers{
-      .onFrame =
-          [this](ClientId from, std::string_view text) {
-            arena_.received(from, text, now());
-            publish();
-          },
-      .onClosed = [this, network](ClientId gone, const std::string& reason) { closed(gone, network, reason); }};
-  const auto connection = std::make_shared<Connection>(std::move(socket), client, handlers);
-  connections_.emplace(client, connection);
-  log_("client " + std::to_string(client) + " comes from " + peer.address().to_string());
-  arena_.connected(client, now());
-  connection->start();
+      .onGame = [this](ClientId from) { beginGame(from); },
+      .onFrame = [this](ClientId from, std::string_view text) { arena_.received(from, text, now()); },
+      .onRequest = [this](ClientId from, const HttpRequest& request) { return answer(from, request); },
+      .onClosed = [this](ClientId gone, const std::string& reason) { closed(gone, reason); }};
+  guest.connection = std::make_shared<Connection>(std::move(socket), client, handlers);
+  guests_.emplace(client, guest);
+  guest.connection->start();
 }
 
-void GameServer::closed(ClientId client, const std::string& network, const std::string& reason) {
-  connections_.erase(client);
-  hungUp_.erase(client);
-  door_.left(network);
-  log_("client " + std::to_string(client) + " closed: " + reason);
-  arena_.disconnected(client);
-  publish();
-  if (stopped_ && connections_.empty()) finishStop();
+bool GameServer::admit(Guest& guest, const asio::ip::address& address) {
+  const std::string network = networkOf(address);
+  if (!door_.admits(network, now())) {
+    log_("turned away " + network + ": too many connections");
+    return false;
+  }
+  guest.address = unmapped(address);
+  guest.network = network;
+  return true;
+}
+
+void GameServer::beginGame(ClientId client) {
+  Guest& guest = guests_.at(client);
+  if (guest.network.empty() && !admit(guest, guest.address)) return guest.connection->hangUp();
+  log_("client " + std::to_string(client) + " comes from " + guest.address.to_string());
+  arena_.connected(client, now());
+}
+
+HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
+  Guest& guest = guests_.at(client);
+  if (guest.network.empty()) {
+    const auto address = forwardedAddress(request);
+    if (!address) return refusal(400, "The proxy does not say who asks.\n");
+    if (!admit(guest, *address)) return refusal(429, "There are too many connections from your address.\n");
+  }
+  const std::string_view path = request.path();
+  if (path == playPath) {
+    if (!request.isUpgrade) return refusal(426, "This is for the game, over WebSocket.\n");
+    if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) return {.status = 101};
+    log_("turned away a page of another origin");
+    return refusal(403, "Pages from elsewhere may not play here.\n");
+  }
+  if (ListPages::has(path)) {
+    HostEntry host = hostEntry();
+    if (host.address.empty()) host.address = options_.address;
+    list_.publish(std::move(host));
+    return list_.answer(request, {.address = guest.address.to_string(), .network = guest.network}, now());
+  }
+  if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
+  if (site_.has(path)) return site_.answer(request);
+  if (path == "/") return homePage();
+  return refusal(404, "There is nothing here.\n");
+}
+
+HttpAnswer GameServer::homePage() const {
+  HomePage page{.notes = options_.notes,
+                .port = port(),
+                .passwordRequired = !options_.password.empty(),
+                .players = {},
+                .maxPlayers = Arena::colourCount};
+  for (const PlayerView& player : arena_.players(now())) page.players.push_back(player.name);
+  return homePageAnswer(page);
+}
+
+void GameServer::closed(ClientId client, const std::string& reason) {
+  const auto gone = guests_.extract(client);
+  const Guest& guest = gone.mapped();
+  if (!guest.network.empty()) door_.left(guest.network);
+  if (guest.connection->isGame()) {
+    log_("client " + std::to_string(client) + " closed: " + reason);
+    arena_.disconnected(client);
+    publish();
+  }
+  if (stopped_ && guests_.empty()) finishStop();
 }
 
 bool GameServer::makeRoom() {
   std::set<ClientId> players;
   for (const PlayerView& player : arena_.players(now())) players.insert(player.client);
-  const auto oldest =
-      std::ranges::find_if(connections_, [&](const auto& entry) { return !players.contains(entry.first); });
-  if (oldest == connections_.end()) return false;
-  oldest->second->close("makes room");
+  const auto oldest = std::ranges::find_if(guests_, [&](const auto& entry) { return !players.contains(entry.first); });
+  if (oldest == guests_.end()) return false;
+  oldest->second.connection->close("makes room");
   return true;
 }
 
 void GameServer::tickMore() {
   timer_.expires_after(tickInterval);
-  timer_.async_wait([this](asio::error_code error) {
+  timer_.async_wait([this](error_code error) {
     if (error || stopped_) return;
     arena_.tick(now());
     bots_.tick(now());
-    publish();  // a login may have waited for a bot to go
-    if (web_) web_->dropOverdue(WebServer::Clock::now());
-    const auto quietSince = Connection::Clock::now() - longestSilence;
-    const auto stop = stallWatch_.stop(Connection::Clock::now());
-    for (const auto& [client, connection] : connections_) {
-      connection->excuse(stop);
-      if (connection->lastHeard() < quietSince) connection->close("silent for too long");
+    publish();
+    const auto time = Connection::Clock::now();
+    const auto stop = stallWatch_.stop(time);
+    for (const auto& [client, guest] : guests_) {
+      guest.connection->excuse(stop);
+      guest.connection->closeIfOverdue(time);
     }
-    for (const auto& [client, since] : hungUp_) {
-      if (now() - since >= goodbyeTime) connections_.at(client)->close("hung up on");
-    }
-    if (!std::exchange(isAccepting_, true)) acceptMore();
+    listener_.resume();
+    if (webListener_) webListener_->resume();
     tickMore();
   });
 }
 
-void GameServer::publish() {
-  if ((!web_ && !publisher_) || stopped_) return;
+HostEntry GameServer::hostEntry() const {
   const auto players = arena_.players(now());
   const auto isPerson = [](const PlayerView& player) { return !isBot(player.client); };
-  const auto people = static_cast<std::size_t>(std::ranges::count_if(players, isPerson));
-  if (publishedPlayers_ == people) return;
-  publishedPlayers_ = people;
-  HostEntry host{.address = options_.publicAddress,
-                 .port = port(),
-                 .passwordRequired = !options_.password.empty(),
-                 .notes = options_.notes,
-                 .players = *publishedPlayers_,
-                 .maxPlayers = Arena::colourCount};
-  if (publisher_) publisher_->publish(host);  // without an address it is the one that the list sees it come from
-  if (host.address.empty()) host.address = options_.address;
-  if (web_) web_->publish(std::move(host));
+  return {.address = options_.publicAddress,
+          .port = port(),
+          .passwordRequired = !options_.password.empty(),
+          .notes = options_.notes,
+          .players = static_cast<std::size_t>(std::ranges::count_if(players, isPerson)),
+          .maxPlayers = Arena::colourCount};
+}
+
+void GameServer::publish() {
+  if (!publisher_ || stopped_) return;
+  HostEntry host = hostEntry();
+  // Without an address it is the one that the list sees the announcement come from.
+  if (publishedPlayers_ != host.players) publisher_->publish(host);
+  publishedPlayers_ = host.players;
 }
 
 Millis GameServer::now() const {

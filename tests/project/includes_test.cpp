@@ -35,9 +35,11 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"server", {"server/config", "server/net", "base"}},
     {"server/arena", {"network/wire", "store/powerupTable.h", "base"}},
     {"server/bots", {"server/arena", "network/wire", "store/powerupTable.h", "base"}},
-    {"server/lists", {"base"}},
+    {"server/web", {"base"}},
+    {"server/lists", {"server/web", "base"}},
     {"server/config", {"server/arena", "server/bots", "server/lists", "network/wire", "base"}},
-    {"server/net", {"server/arena", "server/bots", "server/lists", "server/config", "network/wire", "base"}},
+    {"server/net",
+     {"server/arena", "server/bots", "server/lists", "server/config", "server/web", "network/wire", "base"}},
     {"app", {"core", "network/wire", "platform", "platform/qt", "platform/headless", "raster", "base"}},
 };
 const std::set<std::string> outsideTheRooms = {"tests", "bench", "tools", "assets", "docs", "cmake", "packaging"};

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "network/wire/wireFormat.h"
+#include "server/net/pacedSocket.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
 
@@ -138,7 +139,7 @@ TEST_F(Hostile, FloodsOfTinyFramesFromSixtyAreHeldBack) {
   expectPlay([&](int) { flood.pour(); });
   const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
   // Of each, half a second's worth at once and then the rate; the rest waits in the buffers of both sides.
-  EXPECT_LT(static_cast<double>(flood.poured()), 60 * (Connection::bytesPerSecond * (seconds + 0.5) + (256 << 10)));
+  EXPECT_LT(static_cast<double>(flood.poured()), 60 * (PacedSocket::bytesPerSecond * (seconds + 0.5) + (256 << 10)));
 }
 
 TEST_F(Hostile, StreamsWithoutAnEndAreCutOff) {

@@ -5,7 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <asio/post.hpp>
+#include <boost/asio/post.hpp>
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -164,7 +164,9 @@ TEST(ServerConnection, AClientThatNeverReadsIsDropped) {
   std::string reason;
   const auto connection = std::make_shared<Connection>(
       acceptor.accept(), 1,
-      Connection::Handlers{.onFrame = [](ClientId, std::string_view) {},
+      Connection::Handlers{.onGame = [](ClientId) {},
+                           .onFrame = [](ClientId, std::string_view) {},
+                           .onRequest = [](ClientId, const HttpRequest&) { return HttpAnswer{}; },
                            .onClosed = [&](ClientId, const std::string& why) { reason = why; }});
   connection->start();
   // The system's buffers take several mebibytes; 64 are more than they and the queue can hold.

@@ -163,32 +163,6 @@ TEST_F(Publishing, OnlyWhoPublishedAnEntryTouchesIt) {
   EXPECT_EQ(listOf(list), own(list) + "-END-\n");
 }
 
-TEST_F(Publishing, OneAddressHasThirtyTwoEntries) {
-  const RunningServer list(this->list());
-  const auto announce = [&](int port, std::uint32_t host) {
-    return ask(list.webPort(),
-               request("POST", "version=1.2.1&address=play.example&port=" + std::to_string(port) +
-                                   query.substr(query.find("&password"))),
-               host)
-        .status;
-  };
-  for (int port = 1; port <= 32; ++port) EXPECT_EQ(announce(port, 10), 200) << port;
-  EXPECT_EQ(announce(33, 10), 429);
-  EXPECT_EQ(announce(33, 11), 200);
-}
-
-TEST_F(Publishing, WhoHasTheKeyHasAsManyAsHeLikes) {
-  const RunningServer list(this->list("k"));
-  for (int port = 1; port <= 40; ++port) {
-    const std::string one = "version=1.2.1&address=play.example&port=" + std::to_string(port);
-    EXPECT_EQ(
-        ask(list.webPort(), request("POST", one + query.substr(query.find("&password")), "Authorization: Bearer k\r\n"))
-            .status,
-        200)
-        << port;
-  }
-}
-
 TEST_F(Publishing, EvilAnnouncementsAreRefused) {
   const RunningServer list(this->list());
   const std::string head = "version=1.2.1&address=play.example&port=2010&password=0&players=3&max=6&notes=";

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <asio/io_context.hpp>
-#include <asio/ip/tcp.hpp>
-#include <asio/post.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/post.hpp>
 #include <mutex>
 #include <random>
 #include <string>
@@ -20,7 +20,7 @@ inline std::uint16_t freeListedPort() {
     const auto port = std::uniform_int_distribution<std::uint16_t>(20'000, highestListedPort)(random);
     asio::io_context context;
     asio::ip::tcp::acceptor probe(context);
-    asio::error_code error;
+    error_code error;
     probe.open(asio::ip::tcp::v4(), error);
     probe.bind({asio::ip::address_v4::loopback(), port}, error);
     if (!error) return port;

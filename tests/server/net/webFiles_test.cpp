@@ -1,12 +1,12 @@
-// The web server on real sockets of the loopback interface.
-
-#include "server/net/webServer.h"
+// The web files on real sockets of the loopback interface.
 
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 
-#include <asio/post.hpp>
+#include <boost/asio/post.hpp>
+#include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <system_error>
@@ -46,8 +46,8 @@ struct Response {
 };
 
 /// What comes for a request up to the end of the connection.
-Response ask(std::uint16_t port, const std::string& request) {
-  TcpClient client(port);
+Response ask(std::uint16_t port, const std::string& request, std::uint32_t host = 1) {
+  TcpClient client(port, host);
   client.tryWrite(request);
   const std::string all = client.readToEnd();
   const std::size_t end = all.find("\r\n\r\n");
@@ -55,94 +55,102 @@ Response ask(std::uint16_t port, const std::string& request) {
   return {all.substr(0, all.find("\r\n")), all.substr(0, end), all.substr(end + 4)};
 }
 
-constexpr auto listOfThis = "[192.0.2.7|2010|0|friendly game|3|6]-END-\n";
-
-class WebServerTest : public testing::Test {
- protected:
-  WebServer web{"127.0.0.1", 0, "1.2.1"};
-  const std::uint16_t port = portOf(web.endpointText());
-
-  WebServerTest() { publish(false, 3); }
-  void publish(bool password, std::size_t players) {
-    web.publish({.address = "192.0.2.7",
-                 .port = 2010,
-                 .passwordRequired = password,
-                 .notes = "friendly game",
-                 .players = players,
-                 .maxPlayers = 6});
-  }
-  std::string list(const std::string& query) { return ask(port, listRequest(query)).body; }
-  void expectToBeThere() { EXPECT_EQ(list("version=1.2.1&password=0&full=0&empty=1"), listOfThis); }
-};
-
-TEST_F(WebServerTest, AnswersTheUpdateCheckAndCloses) {
-  const Response response = ask(port, updateRequest);
-  EXPECT_EQ(response.status.substr(8), " 200 OK");
-  EXPECT_EQ(response.body, "tvqver:1.2.1\n");
+/// Logs in, and waits until the server has done all that belongs to it.
+void join(Client& client, const std::string& name) {
+  client.login(name);
+  client.say(wire::msgChat, {"-1", "in"});
+  ASSERT_NE(client.readUntil(wire::msgChat), "nothing");
 }
 
-TEST_F(WebServerTest, AnswersTheGameFinderAndClosesThoughItAsksForMore) {
+class WebFilesTest : public testing::Test {
+ protected:
+  RunningServer server{options()};
+  const std::uint16_t port = server.port();
+
+  static Options options() {
+    Options options;
+    options.webPort = 0;
+    options.publicAddress = "192.0.2.7";
+    options.notes = "friendly <game>";
+    return options;
+  }
+  std::string listOfThis() const { return "[192.0.2.7|" + std::to_string(port) + "|0|friendly <game>|0|6]-END-\n"; }
+  void expectToBeThere() const {
+    EXPECT_EQ(ask(port, listRequest("version=1.2.1&password=0&full=0&empty=1"), 250).body, listOfThis());
+  }
+};
+
+TEST_F(WebFilesTest, AnswersTheUpdateCheckAndClosesOnBothPorts) {
+  for (const std::uint16_t each : {port, server.webPort()}) {
+    const Response response = ask(each, updateRequest);
+    EXPECT_EQ(response.status, "HTTP/1.1 200 OK");
+    EXPECT_EQ(response.body, "tvqver:1.2.1\n");
+  }
+}
+
+TEST_F(WebFilesTest, AnswersTheGameFinderAndClosesThoughItAsksForMore) {
   const Response response = ask(port, listRequest("version=1.2.1&password=0&full=0&empty=1"));
   EXPECT_EQ(response.status, "HTTP/1.1 200 OK");
-  EXPECT_EQ(response.body, listOfThis);
+  EXPECT_EQ(response.body, listOfThis());
   EXPECT_EQ(response.head.find('['), std::string::npos) << "the game looks for records in the headers, too";
   EXPECT_NE(response.head.find("Content-Type: text/plain"), std::string::npos);
   EXPECT_NE(response.head.find("Connection: close"), std::string::npos);
 }
 
-TEST_F(WebServerTest, ARequestInSingleBytesIsAnsweredToo) {
+TEST_F(WebFilesTest, TheSecondPortSpeaksTheGameToo) {
+  Client ann(server.webPort());
+  join(ann, "Ann");
+}
+
+TEST_F(WebFilesTest, ThePageTellsWhoPlaysAndHowToJoin) {
+  Client ann(port);
+  join(ann, "<b>Ann\xE9");
+  const Response page = ask(port, "GET / HTTP/1.0\r\n\r\n", 2);
+  EXPECT_NE(page.head.find("text/html; charset=utf-8"), std::string::npos);
+  EXPECT_NE(page.body.find("&lt;b>Ann\xC3\xA9</li>"), std::string::npos) << page.body;
+  EXPECT_NE(page.body.find("friendly &lt;game>"), std::string::npos);
+  EXPECT_NE(page.body.find("1 of 6 players"), std::string::npos);
+  EXPECT_NE(page.body.find("port " + std::to_string(port)), std::string::npos);
+  EXPECT_EQ(page.body.find("password"), std::string::npos);
+}
+
+TEST_F(WebFilesTest, AKeptConnectionAnswersOneRequestAfterTheOther) {
+  TcpClient client(port);
+  const std::string page = "GET / HTTP/1.1\r\nHost: h\r\n\r\n";
+  // Two at once, then one in pieces, then the last one.
+  client.write(page + page + page.substr(0, 7));
+  client.write(page.substr(7));
+  client.write(updateRequest);
+  const std::string all = client.readToEnd();
+  std::size_t pages = 0;
+  for (std::size_t at = 0; (at = all.find("</html>", at)) != std::string::npos; ++at) ++pages;
+  EXPECT_EQ(pages, 3U);
+  EXPECT_TRUE(all.ends_with("tvqver:1.2.1\n"));
+}
+
+TEST_F(WebFilesTest, ARequestInSingleBytesIsAnsweredToo) {
   TcpClient client(port);
   for (const char byte : updateRequest) client.write(std::string(1, byte));
   EXPECT_TRUE(client.readToEnd().ends_with("\r\n\r\ntvqver:1.2.1\n"));
 }
 
-TEST_F(WebServerTest, TheListIsThereInTheAbsoluteFormAndTheFileInTheOther) {
-  EXPECT_EQ(ask(port, "GET http://h:81/games/kelvora/gethosts.php?version=1.2.1 HTTP/1.0\r\n\r\n").body, listOfThis);
-  EXPECT_EQ(ask(port, "GET /games/kelvora/ver.txt HTTP/1.1\r\nHost: h\r\n\r\n").body, "tvqver:1.2.1\n");
-}
-
-TEST_F(WebServerTest, TheQuerySaysWhatIsListed) {
-  struct Row {
-    bool password;
-    std::size_t players;
-    const char* query;
-    bool shown;
-  };
-  const Row rows[] = {
-      {false, 3, "version=1.2.1&password=0&full=0&empty=0", true},
-      {false, 3, "version=1.2.0&password=1&full=1&empty=1", false},
-      {false, 3, "password=1&full=1&empty=1", false},
-      {false, 3, "", false},
-      {true, 3, "version=1.2.1&password=0&full=1&empty=1", false},
-      {true, 3, "version=1.2.1&password=1&full=0&empty=0", true},
-      {false, 6, "version=1.2.1&password=1&full=0&empty=1", false},
-      {false, 6, "version=1.2.1&password=0&full=1&empty=0", true},
-      {false, 0, "version=1.2.1&password=1&full=1&empty=0", false},
-      {false, 0, "version=1.2.1&password=0&full=0&empty=1", true},
-      {true, 6, "version=1.2.1", true},  // only a 0 hides
-  };
-  for (const Row& row : rows) {
-    publish(row.password, row.players);
-    EXPECT_EQ(list(row.query).starts_with('['), row.shown)
-        << "password " << row.password << ", players " << row.players << ", " << row.query;
-  }
-}
-
-TEST_F(WebServerTest, NothingElseIsServed) {
-  for (const char* path : {"/", "/games/kelvora/", "/games/kelvora/ver.txt/", "/games/kelvora/../kelvora/ver.txt",
-                           "/GAMES/KELVORA/VER.TXT", "/../../../../etc/passwd", "http://h"}) {
-    const Response response = ask(port, std::string("GET ") + path + " HTTP/1.0\r\n\r\n");
+TEST_F(WebFilesTest, NothingElseIsServed) {
+  std::uint32_t host = 2;
+  for (const char* path : {"/games/kelvora/", "/games/kelvora/ver.txt/", "/games/kelvora/../kelvora/ver.txt",
+                           "/GAMES/KELVORA/VER.TXT", "/../../../../etc/passwd", "/index.html"}) {
+    const Response response = ask(port, std::string("GET ") + path + " HTTP/1.0\r\n\r\n", host++);
     EXPECT_EQ(response.status.substr(8), " 404 Not Found") << path;
   }
   for (const char* method : {"POST", "PUT", "DELETE", "OPTIONS", "BREW"}) {
-    const Response response = ask(port, std::string(method) + " /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
+    const Response response = ask(port, std::string(method) + " / HTTP/1.0\r\n\r\n", host++);
     EXPECT_EQ(response.status.substr(8, 4), " 405") << method;
     EXPECT_NE(response.head.find("Allow: GET, HEAD"), std::string::npos) << method;
   }
   EXPECT_EQ(ask(port, "HEAD /games/kelvora/ver.txt HTTP/1.0\r\n\r\n").body, "");
+  EXPECT_EQ(ask(port, "HEAD / HTTP/1.0\r\n\r\n").body, "");
 }
 
-TEST_F(WebServerTest, BodiesAreNotWaitedFor) {
+TEST_F(WebFilesTest, BodiesAreNotWaitedFor) {
   for (const char* method : {"POST", "GET"}) {
     const Response response = ask(port, std::string(method) + " /games/kelvora/ver.txt HTTP/1.1\r\nHost: h\r\n" +
                                             "Content-Length: 1000000000\r\n\r\n");
@@ -153,7 +161,8 @@ TEST_F(WebServerTest, BodiesAreNotWaitedFor) {
   expectToBeThere();
 }
 
-TEST_F(WebServerTest, GarbageIsTurnedAway) {
+TEST_F(WebFilesTest, GarbageIsTurnedAway) {
+  std::uint32_t host = 2;
   for (const std::string& bytes : std::vector<std::string>{
            "\x80\x87"
            "Ann\x82\x82\x30\x82\x31.2.1\x81\r\n\r\n",
@@ -161,22 +170,18 @@ TEST_F(WebServerTest, GarbageIsTurnedAway) {
            "GET\r\n\r\n",
            "GET /games/kelvora/ver.txt\r\n\r\n",
            "GET /games/kelvora/ver.txt HTTP/9.9\r\n\r\n",
-           "GET /games/kelvora/ver.txt HTTP/1.1\r\n\r\n",
            "GET /games/kelvora/ver.txt HTTP/1.1\r\nContent-Length: -1\r\nHost: h\r\n\r\n",
            "GET /games/kelvora/gethosts.php?version=%&password=%0&=&&%zz HTTP/1.0\r\n\r\n",
            "GET /games/kelvora/gethosts.php?version=1.2.1%00 HTTP/1.0\r\n\r\n",
            "GET " + std::string(100'000, '/') + " HTTP/1.0\r\n\r\n",
            "GET / HTTP/1.0\r\nA: " + std::string(100'000, 'a') + "\r\n\r\n",
        }) {
-    EXPECT_EQ(ask(port, bytes).body.find("192.0.2.7"), std::string::npos) << bytes.substr(0, 60);
+    EXPECT_EQ(ask(port, bytes, host++).body.find("192.0.2.7"), std::string::npos) << bytes.substr(0, 60);
     expectToBeThere();
   }
-  TcpClient waits(port);  // for what it takes for the rest of the request
-  waits.write(std::string(2, '\0') + "\r\n\r\n");
-  expectToBeThere();
 }
 
-TEST_F(WebServerTest, AnEndlessRequestIsCutOffAndCostsNoMemory) {
+TEST_F(WebFilesTest, AnEndlessRequestIsCutOffAndCostsNoMemory) {
   const auto residentPages = [] {
     std::size_t all = 0;
     std::size_t resident = 0;
@@ -190,8 +195,7 @@ TEST_F(WebServerTest, AnEndlessRequestIsCutOffAndCostsNoMemory) {
     return lines;
   }();
   const std::size_t before = residentPages();
-  for (const std::string& start :
-       {std::string(), std::string("GET / HTTP/1.0\r\n"), std::string("POST / HTTP/1.0\r\n")}) {
+  for (const std::string& start : {std::string("G"), std::string("GET / HTTP/1.0\r\n")}) {
     for (const std::string& more : {block, headers}) {
       TcpClient client(port);
       client.write(start);
@@ -204,69 +208,66 @@ TEST_F(WebServerTest, AnEndlessRequestIsCutOffAndCostsNoMemory) {
   expectToBeThere();
 }
 
-TEST_F(WebServerTest, AConnectionHasFiveSecondsInAll) {
-  TcpClient slow(port);
+TEST_F(WebFilesTest, ASlowRequestIsCutOffAfterFiveSeconds) {
+  const auto start = std::chrono::steady_clock::now();
+  TcpClient silent(port, 3);
+  TcpClient slow(port, 2);
   slow.write("GET /games/kelvora/ver.txt HT");
-  expectToBeThere();  // so that the slow one, who came first, is in as well
-  const auto now = WebServer::Clock::now();
-  web.dropOverdue(now + std::chrono::milliseconds(1'000));
-  slow.write("TP/1.");
-  TcpClient patient(port);
-  patient.write("GET /games/kelvora/ver.txt HTTP/1.0\r\n");
-  expectToBeThere();
-  web.dropOverdue(now + std::chrono::milliseconds(5'000));  // it began before `now`
-  EXPECT_TRUE(slow.isCutOff());
-  expectToBeThere();
-  patient.tryWrite("\r\n");
+  while (slow.tryWrite("x") && std::chrono::steady_clock::now() - start < std::chrono::seconds(20)) {
+    expectToBeThere();  // one of the others, meanwhile
+    std::this_thread::sleep_for(std::chrono::milliseconds(600));
+  }
+  const auto time = std::chrono::steady_clock::now() - start;
+  EXPECT_GT(time, std::chrono::seconds(4));
+  EXPECT_LT(time, std::chrono::seconds(20));
 }
 
-TEST_F(WebServerTest, WhoIsInTimeIsNotCutOff) {
-  TcpClient slow(port);
-  slow.write("GET /games/kelvora/ver.txt HTTP/1.0\r\n");
-  expectToBeThere();
-  const auto earliest = WebServer::Clock::now();
-  web.dropOverdue(earliest);
-  slow.write("\r\n");
-  EXPECT_TRUE(slow.readToEnd().ends_with("tvqver:1.2.1\n"));
-}
-
-TEST_F(WebServerTest, ACrowdOfSilentOnesHoldsTheRestUpForAsLongAsItsTime) {
+TEST_F(WebFilesTest, ManyAreServedOneBehindTheOther) {
   std::vector<std::unique_ptr<TcpClient>> crowd;
-  crowd.push_back(std::make_unique<TcpClient>(port));
-  expectToBeThere();  // so that the first of them is in
-  for (unsigned int i = 1; i < WebServer::mostConnections; ++i) crowd.push_back(std::make_unique<TcpClient>(port));
-  TcpClient waiting(port);
-  waiting.write(updateRequest);
-  web.dropOverdue(WebServer::Clock::now() + std::chrono::seconds(6));
-  EXPECT_TRUE(waiting.readToEnd().ends_with("tvqver:1.2.1\n"));
-}
-
-TEST_F(WebServerTest, ManyAreServedOneBehindTheOther) {
-  std::vector<std::unique_ptr<TcpClient>> crowd;
-  for (int i = 0; i < 200; ++i) {
-    crowd.push_back(std::make_unique<TcpClient>(port));
+  for (std::uint32_t i = 0; i < 90; ++i) {
+    crowd.push_back(std::make_unique<TcpClient>(port, 1 + i % 30));
     crowd.back()->write(updateRequest);
   }
   for (const auto& client : crowd) EXPECT_TRUE(client->readToEnd().ends_with("tvqver:1.2.1\n"));
 }
 
-TEST_F(WebServerTest, ResetsAndHalfRequestsDisturbNobody) {
-  for (int i = 0; i < 100; ++i) {
-    TcpClient gone(port);
-    gone.write(updateRequest.substr(0, static_cast<std::size_t>(i) % updateRequest.size()));
+TEST_F(WebFilesTest, ResetsAndHalfRequestsDisturbNobody) {
+  for (std::uint32_t i = 0; i < 100; ++i) {
+    TcpClient gone(port, 1 + i % 30);
+    gone.write(updateRequest.substr(0, i % updateRequest.size()));
     if (i % 2 == 0) gone.reset();
   }
   expectToBeThere();
 }
 
-TEST_F(WebServerTest, ATakenPortIsAnErrorThatNamesIt) {
+TEST_F(WebFilesTest, ATakenPortIsAnErrorThatNamesIt) {
+  asio::io_context context;
+  Options options;
+  options.port = port;
   try {
-    const WebServer second("127.0.0.1", port, "1.2.1");
+    const GameServer second(context, options, [](const std::string&) {});
     FAIL();
   } catch (const std::system_error& error) {
     EXPECT_NE(std::string(error.what()).find("127.0.0.1:" + std::to_string(port)), std::string::npos) << error.what();
   }
-  EXPECT_THROW(WebServer("no.such.address.invalid", 0, "1.2.1"), std::system_error);
+}
+
+TEST(WebSite, AFolderIsServedInPiecesAndTheListBesideIt) {
+  std::string folder = "/tmp/kelvora-files-XXXXXX";
+  ASSERT_NE(::mkdtemp(folder.data()), nullptr);
+  const std::string large(1'000'000, 'm');
+  std::ofstream(folder + "/index.html") << "<p>the game</p>";
+  std::ofstream(folder + "/music.mp3") << large;
+  Options options;
+  options.site = folder;
+  const RunningServer server(options);
+  EXPECT_EQ(ask(server.port(), "GET / HTTP/1.0\r\n\r\n").body, "<p>the game</p>");
+  const Response music = ask(server.port(), "GET /music.mp3 HTTP/1.0\r\n\r\n");
+  EXPECT_NE(music.head.find("Content-Length: 1000000"), std::string::npos);
+  EXPECT_EQ(music.body.size(), large.size());
+  EXPECT_EQ(ask(server.port(), "HEAD /music.mp3 HTTP/1.0\r\n\r\n").body, "");
+  EXPECT_EQ(ask(server.port(), updateRequest).body, "tvqver:1.2.1\n");
+  std::filesystem::remove_all(folder);
 }
 
 /// The game and the web server together, as the program runs them.
@@ -302,13 +303,6 @@ class GameWithWeb : public testing::Test {
   std::thread thread_{[this] { context_.run(); }};
 };
 
-/// Logs in, and waits until the server has done all that belongs to it.
-void join(Client& client, const std::string& name) {
-  client.login(name);
-  client.say(wire::msgChat, {"-1", "in"});
-  ASSERT_NE(client.readUntil(wire::msgChat), "nothing");
-}
-
 TEST_F(GameWithWeb, TheListCountsThePlayers) {
   EXPECT_EQ(list(), expected(0));
   Client ann(port());
@@ -330,7 +324,7 @@ TEST_F(GameWithWeb, TheGameGoesOnWhileTheWebServerIsFlooded) {
   join(ann, "Ann");
   std::vector<std::unique_ptr<TcpClient>> crowd;
   for (int i = 0; i < 50; ++i) {  // as many positions as may come at once
-    crowd.push_back(std::make_unique<TcpClient>(webPort()));
+    crowd.push_back(std::make_unique<TcpClient>(webPort(), static_cast<std::uint32_t>(2 + i)));
     crowd.back()->tryWrite(i % 2 == 0 ? "GET /games/kelvora/" : std::string(10'000, 'x'));
     ann.say(wire::msgPositionReport, {std::to_string(i), "5"});
     EXPECT_EQ(ann.readUntil(wire::msgPosition), "1\x82" + std::to_string(i) + "\x82" + "5");

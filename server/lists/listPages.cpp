@@ -1,0 +1,80 @@
+#include "server/lists/listPages.h"
+
+#include <utility>
+
+#include "server/lists/announcement.h"
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr std::string_view updatePath = "/games/kelvora/ver.txt";
+constexpr std::string_view listPath = "/games/kelvora/gethosts.php";
+
+HttpAnswer page(unsigned int status, std::string body) {
+  return {.status = status, .body = std::move(body), .headers = {"Cache-Control: no-store"}};
+}
+
+/// In a time that doesn't tell where they differ.
+bool isSame(std::string_view one, std::string_view other) {
+  if (one.size() != other.size()) return false;
+  int difference = 0;
+  for (std::size_t i = 0; i < one.size(); ++i) difference |= one[i] ^ other[i];
+  return difference == 0;
+}
+
+HttpAnswer answerOf(HostRegistry::Answer answer) {
+  switch (answer) {
+    case HostRegistry::Answer::anothers:
+      return page(409, "That address and port have been published by another host.\n");
+    case HostRegistry::Answer::tooManyOfNetwork:
+      return page(429, "Too many servers have been published from your address.\n");
+    case HostRegistry::Answer::full:
+      return page(503, "The list is full.\n");
+    default:
+      return page(200, "Done.\n");
+  }
+}
+
+HostQuery hostQuery(const HttpRequest& request) {
+  return {.version = request.argument("version"),
+          .withPassword = request.argument("password") != "0",
+          .withFull = request.argument("full") != "0",
+          .withEmpty = request.argument("empty") != "0"};
+}
+
+}  // namespace
+
+HttpAnswer methodNotAllowed(const std::string& methods, const std::string& text) {
+  HttpAnswer answer = page(405, text);
+  answer.headers.push_back("Allow: " + methods);
+  return answer;
+}
+
+bool ListPages::has(std::string_view path) { return path == updatePath || path == listPath || path == publishPath; }
+
+HttpAnswer ListPages::answer(const HttpRequest& request, const Peer& peer, Millis now) {
+  const std::string_view path = request.path();
+  if (path == publishPath) {
+    if (request.method == "POST" || request.method == "DELETE") return announce(request, peer, now);
+    return methodNotAllowed("POST, DELETE", "Servers publish themselves here.\n");
+  }
+  if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
+  if (path == updatePath) return page(200, updateFile(version_));
+  const HostQuery query = hostQuery(request);
+  return page(200, hostList(host_, version_, query, registry_.records(query, now)));
+}
+
+HttpAnswer ListPages::announce(const HttpRequest& request, const Peer& peer, Millis now) {
+  if (!key_.empty() && !isSame(request.authorization, "Bearer " + key_)) {
+    return page(403, "This list asks for its key.\n");
+  }
+  Announcement announcement;
+  const Outcome outcome = readAnnouncement([&](std::string_view name) { return request.argument(name); }, announcement);
+  if (outcome.isRefused()) return page(400, "This is not fit for the list: " + outcome.reason() + "\n");
+  if (announcement.host.address.empty()) announcement.host.address = peer.address;
+  return answerOf(request.method == "DELETE" ? registry_.withdraw(peer.network, announcement.host, now)
+                                             : registry_.announce(peer.network, announcement, now, !key_.empty()));
+}
+
+}  // namespace kelvora::server

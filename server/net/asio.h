@@ -1,0 +1,14 @@
+#pragma once
+
+// The networking library's types as the server's network code names them.
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/system/error_code.hpp>
+
+namespace kelvora::server {
+
+namespace asio = boost::asio;
+using boost::system::error_code;
+
+}  // namespace kelvora::server

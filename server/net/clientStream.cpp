@@ -1,0 +1,120 @@
+#include "server/net/clientStream.h"
+
+#include <boost/asio/write.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/websocket/stream.hpp>
+#include <chrono>
+#include <utility>
+#include <variant>
+
+#include "base/rateLimit.h"
+#include "server/net/pacedSocket.h"
+
+namespace kelvora::server {
+
+namespace beast = boost::beast;
+
+namespace {
+
+constexpr int systemBuffer = 64 << 10;  // bytes
+
+Millis steadyMillis() {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
+
+}  // namespace
+
+// How the WebSocket ends the connection below it.
+
+void beast_close_socket(PacedSocket& socket) { socket.close(); }
+
+template <class Handler>
+void async_teardown(beast::role_type /*role*/, PacedSocket& socket, Handler&& handler) {
+  socket.endSending();
+  asio::post(socket.get_executor(), beast::bind_front_handler(std::forward<Handler>(handler), error_code{}));
+}
+
+using WebSocket = beast::websocket::stream<PacedSocket>;
+
+struct ClientStream::State {
+  std::variant<PacedSocket, std::unique_ptr<WebSocket>> stream;
+  RateLimit controlFrames{controlFramesPerSecond, controlFrameBurst};
+  bool isFlooded = false;
+
+  explicit State(asio::ip::tcp::socket socket) : stream(std::in_place_type<PacedSocket>, std::move(socket)) {}
+
+  PacedSocket& socket() {
+    if (auto* plain = std::get_if<PacedSocket>(&stream)) return *plain;
+    return std::get<std::unique_ptr<WebSocket>>(stream)->next_layer();
+  }
+  WebSocket* webSocket() {
+    auto* const found = std::get_if<std::unique_ptr<WebSocket>>(&stream);
+    return found != nullptr ? found->get() : nullptr;
+  }
+};
+
+ClientStream::ClientStream(asio::ip::tcp::socket socket) {
+  error_code ignored;
+  socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+  // Bounds what the system keeps for a client that doesn't read, or doesn't stop sending.
+  socket.set_option(asio::socket_base::send_buffer_size(systemBuffer), ignored);
+  socket.set_option(asio::socket_base::receive_buffer_size(systemBuffer), ignored);
+  state_ = std::make_unique<State>(std::move(socket));
+}
+
+ClientStream::~ClientStream() = default;
+
+asio::ip::tcp::socket::executor_type ClientStream::executor() { return state_->socket().get_executor(); }
+
+bool ClientStream::isWebSocket() const { return state_->webSocket() != nullptr; }
+
+void ClientStream::readSome(asio::mutable_buffer buffer, Handler handler) {
+  WebSocket* const webSocket = state_->webSocket();
+  if (webSocket == nullptr) return state_->socket().async_read_some(buffer, std::move(handler));
+  webSocket->async_read_some(buffer,
+                             [this, webSocket, handler = std::move(handler)](error_code error, std::size_t size) {
+                               const bool isRefused = state_->isFlooded || (size > 0 && webSocket->got_text());
+                               if (!error && isRefused) error = beast::websocket::error::bad_opcode;
+                               handler(error, size);
+                             });
+}
+
+void ClientStream::write(asio::const_buffer buffer, Handler handler) {
+  if (WebSocket* const webSocket = state_->webSocket()) return webSocket->async_write(buffer, std::move(handler));
+  asio::async_write(state_->socket(), buffer, std::move(handler));
+}
+
+void ClientStream::upgrade(const std::string& request, std::string_view rest, Handler handler) {
+  beast::http::request_parser<beast::http::empty_body> parser;
+  error_code error;
+  parser.put(asio::buffer(request), error);
+  PacedSocket socket = std::move(state_->socket());
+  socket.putBack(rest);
+  auto webSocket = std::make_unique<WebSocket>(std::move(socket));
+  webSocket->binary(true);
+  webSocket->auto_fragment(false);
+  webSocket->read_message_max(maxMessage);
+  webSocket->control_callback([state = state_.get()](beast::websocket::frame_type, beast::string_view) {
+    // The read that is under way would go on for ever under a flood of them.
+    if (state->controlFrames.allows(steadyMillis())) return;
+    state->isFlooded = true;
+    state->socket().close();
+  });
+  WebSocket& stream = *webSocket;
+  state_->stream = std::move(webSocket);
+  stream.async_accept(parser.get(), [handler = std::move(handler)](error_code result) { handler(result, 0); });
+}
+
+void ClientStream::endSending(Handler whenDone) {
+  if (WebSocket* const webSocket = state_->webSocket()) {
+    return webSocket->async_close(beast::websocket::close_code::normal,
+                                  [whenDone = std::move(whenDone)](error_code error) { whenDone(error, 0); });
+  }
+  state_->socket().endSending();
+}
+
+void ClientStream::close() { state_->socket().close(); }
+
+}  // namespace kelvora::server

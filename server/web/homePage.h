@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "server/web/http.h"
+
+namespace kelvora::server {
+
+/// What the arena's page tells. Texts are in code page 1252.
+struct HomePage {
+  std::string notes;
+  std::uint16_t port = 0;
+  bool passwordRequired = false;
+  std::vector<std::string> players;
+  std::size_t maxPlayers = 0;
+};
+
+/// A page that names the arena and its players, and says how to join.
+HttpAnswer homePageAnswer(const HomePage& page);
+
+}  // namespace kelvora::server

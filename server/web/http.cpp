@@ -1,0 +1,99 @@
+#include "server/web/http.h"
+
+#include <boost/asio/buffer.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/rfc7230.hpp>
+#include <boost/beast/websocket/rfc6455.hpp>
+#include <charconv>
+
+namespace kelvora::server {
+
+namespace http = boost::beast::http;
+
+namespace {
+
+std::string text(boost::beast::string_view view) { return {view.data(), view.size()}; }
+
+/// "%41" is "A", and "+" a blank. A percent sign without two digits stands for itself.
+std::string decoded(std::string_view escaped) {
+  std::string result;
+  for (std::size_t i = 0; i < escaped.size(); ++i) {
+    unsigned char code = 0;
+    const char* const digits = escaped.data() + i + 1;
+    if (escaped[i] == '%' && i + 2 < escaped.size() &&
+        std::from_chars(digits, digits + 2, code, 16).ptr == digits + 2) {
+      result += static_cast<char>(code);
+      i += 2;
+    } else {
+      result += escaped[i] == '+' ? ' ' : escaped[i];
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+std::string_view HttpRequest::path() const {
+  std::string_view rest = target;
+  if (const std::size_t scheme = rest.find("://"); scheme != std::string_view::npos && !rest.starts_with('/')) {
+    const std::size_t slash = rest.find('/', scheme + 3);
+    rest = slash == std::string_view::npos ? std::string_view("/") : rest.substr(slash);
+  }
+  return rest.substr(0, rest.find('?'));
+}
+
+std::string HttpRequest::argument(std::string_view name) const {
+  const std::size_t mark = target.find('?');
+  if (mark == std::string::npos) return {};
+  std::string_view query = std::string_view(target).substr(mark + 1);
+  while (!query.empty()) {
+    const std::string_view pair = query.substr(0, query.find('&'));
+    query.remove_prefix(std::min(pair.size() + 1, query.size()));
+    const std::size_t equals = pair.find('=');
+    if (decoded(pair.substr(0, equals)) != name) continue;
+    return equals == std::string_view::npos ? std::string() : decoded(pair.substr(equals + 1));
+  }
+  return {};
+}
+
+HttpReader::Result HttpReader::read(std::string_view bytes) {
+  const std::size_t looked = text_.size() < 3 ? 0 : text_.size() - 3;  // the end may lie across two pieces
+  text_ += bytes;
+  const std::size_t end = text_.find("\r\n\r\n", looked);
+  headSize_ = end == std::string::npos ? text_.size() : end + 4;
+  if (headSize_ > maxHead) return Result::tooLong;
+  if (end == std::string::npos) return Result::partial;
+
+  http::request_parser<http::empty_body> parser;
+  parser.header_limit(maxHead);
+  boost::system::error_code error;
+  parser.put(boost::asio::buffer(text_.data(), headSize_), error);
+  if (!parser.is_header_done()) return Result::malformed;
+  const auto& head = parser.get();
+  request_ = {.method = text(head.method_string()),
+              .target = text(head.target()),
+              .host = text(head[http::field::host]),
+              .origin = text(head[http::field::origin]),
+              .authorization = text(head[http::field::authorization]),
+              .forwardedFor = text(head["X-Forwarded-For"]),
+              .ifNoneMatch = text(head[http::field::if_none_match]),
+              .acceptsGzip = http::token_list(head[http::field::accept_encoding]).exists("gzip"),
+              // A body would have to be read first.
+              .keepsAlive = parser.keep_alive() && !parser.chunked() && parser.content_length().value_or(0) == 0,
+              .isUpgrade = boost::beast::websocket::is_upgrade(head)};
+  return Result::complete;
+}
+
+std::string HttpAnswer::head(bool keepsAlive) const {
+  std::string result = "HTTP/1.1 " + std::to_string(status) + " " +
+                       text(http::obsolete_reason(static_cast<http::status>(status))) + "\r\n";
+  if (status != 304) {
+    result += "Content-Type: " + type + "\r\nContent-Length: " + std::to_string(body.size() + moreSize) + "\r\n";
+  }
+  result += keepsAlive ? "Connection: keep-alive\r\n" : "Connection: close\r\n";
+  for (const std::string& header : headers) result += header + "\r\n";
+  return result + "\r\n";
+}
+
+}  // namespace kelvora::server

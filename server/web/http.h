@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kelvora::server {
+
+/// What the server looks at in an HTTP request. Texts are empty if the request doesn't have them.
+struct HttpRequest {
+  std::string method{};
+  std::string target{};
+  std::string host{};
+  std::string origin{};
+  std::string authorization{};
+  std::string forwardedFor{};
+  std::string ifNoneMatch{};
+  bool acceptsGzip = false;
+  bool keepsAlive = false;
+  bool isUpgrade = false;  ///< to WebSocket
+
+  bool isHead() const { return method == "HEAD"; }
+  /// The target without host and query: "http://host:80/a?b" is "/a". "/" for an absolute target without a path.
+  std::string_view path() const;
+  /// The decoded value of a name in the query; empty if it isn't there.
+  std::string argument(std::string_view name) const;
+};
+
+/// Collects the head of a request from pieces.
+class HttpReader {
+ public:
+  static constexpr std::size_t maxHead = 4096;  ///< bytes
+
+  enum class Result { partial, complete, malformed, tooLong };
+
+  /// Takes bytes until the head is complete. Bodies are not read.
+  Result read(std::string_view bytes);
+  /// Once complete.
+  const HttpRequest& request() const { return request_; }
+  /// The head's bytes.
+  std::string_view head() const { return std::string_view(text_).substr(0, headSize_); }
+  /// What has been read behind the head.
+  std::string_view rest() const { return std::string_view(text_).substr(headSize_); }
+
+ private:
+  std::string text_;
+  std::size_t headSize_ = 0;
+  HttpRequest request_;
+};
+
+/// The next piece of a body, at most `size` bytes; empty at its end.
+using BodySource = std::function<std::string(std::size_t size)>;
+
+/// What the server answers. The length of the body is known in advance.
+struct HttpAnswer {
+  unsigned int status = 200;
+  std::string body{};
+  std::string type = "text/plain";
+  std::vector<std::string> headers{};  ///< further ones, "Name: value"
+  /// Follows `body`, for what is too large to be held at once.
+  BodySource more{};
+  std::size_t moreSize = 0;  ///< bytes
+  bool mayKeepAlive = false;
+
+  /// Status line and headers.
+  std::string head(bool keepsAlive) const;
+};
+
+}  // namespace kelvora::server

@@ -1,0 +1,243 @@
+// The game over WebSocket, on real sockets of the loopback interface.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+#include "network/wire/wireFormat.h"
+#include "tests/server/net/runningServer.h"
+#include "tests/server/net/tcpClient.h"
+#include "tests/server/net/webSocketClient.h"
+
+namespace kelvora::server {
+namespace {
+
+using wire::buildFrame;
+
+Options withoutSpeedLimit() {
+  Options options;
+  options.rules.speedFactor = 0;
+  return options;
+}
+
+class WebSocketTest : public testing::Test {
+ protected:
+  RunningServer server{withoutSpeedLimit()};
+
+  /// What a WebSocket without a player still gets.
+  static void expectToBeServed(WebSocketClient& client) {
+    client.send("GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
+    EXPECT_NE(client.readUntil("tvqver:").find("200 OK"), std::string::npos);
+  }
+  void expectOthersToPlay() const {
+    Client other(server.port(), 9);
+    other.login("Other");
+    other.say(wire::msgChat, {"-1", "still here"});
+    EXPECT_NE(other.readUntil(wire::msgChat), "nothing");
+  }
+};
+
+std::string login(const std::string& name) { return buildFrame(wire::msgLogin, {name, "", "0", versionText()}); }
+
+TEST_F(WebSocketTest, AnswersTheHandshakeAsItMust) {
+  WebSocketClient client(server.port());
+  ASSERT_TRUE(client.open("Sec-WebSocket-Extensions: permessage-deflate\r\n"));
+  // The answer to this key is the example of RFC 6455.
+  EXPECT_NE(client.head.find("s3pPLMBiTxaQ9kYGzzhZRbK+xOo="), std::string::npos) << client.head;
+  EXPECT_EQ(client.head.find("Extensions"), std::string::npos) << "nothing is compressed";
+}
+
+TEST_F(WebSocketTest, PlayersOfBothKindsSeeTheSame) {
+  WebSocketClient browser(server.port());
+  ASSERT_TRUE(browser.open());
+  browser.send(login("Browser"));
+  Client desktop(server.port(), 2);
+  desktop.login("Desktop");
+  EXPECT_NE(browser.readUntil("Desktop").find("Desktop"), std::string::npos);
+  browser.send(buildFrame(wire::msgPositionReport, {"1234", "5678"}));
+  EXPECT_TRUE(desktop.readUntil(wire::msgPosition)
+                  .ends_with("\x82"
+                             "1234\x82"
+                             "5678"));
+  desktop.say(wire::msgChat, {"-1", "hello browser"});
+  EXPECT_NE(browser.readUntil("hello browser").find("hello browser"), std::string::npos);
+}
+
+TEST_F(WebSocketTest, MessagesAreAStreamHoweverTheyAreCut) {
+  WebSocketClient client(server.port());
+  ASSERT_TRUE(client.open());
+  const std::string bytes = login("Ann") + buildFrame(wire::msgChat, {"-1", "in pieces"});
+  std::string frames = WebSocketClient::frame(WebSocketClient::binary, "");
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const bool begins = i % 5 == 0;
+    const bool ends = i % 5 == 4 || i + 1 == bytes.size();
+    frames += WebSocketClient::frame(begins ? WebSocketClient::binary : WebSocketClient::continuation,
+                                     bytes.substr(i, 1), ends);
+    if (i % 3 == 0) frames += WebSocketClient::frame(WebSocketClient::pong, "");
+    if (i == 15) break;
+  }
+  // The burst of control frames is used up by now; the rest comes without.
+  frames +=
+      WebSocketClient::frame(16 % 5 == 0 ? WebSocketClient::binary : WebSocketClient::continuation, bytes.substr(16));
+  for (const char byte : frames) client.write(std::string(1, byte));
+  EXPECT_NE(client.readUntil("in pieces").find("in pieces"), std::string::npos);
+}
+
+TEST_F(WebSocketTest, FramesThatCameWithTheHandshakeCount) {
+  WebSocketClient client(server.port());
+  client.write(WebSocketClient::handshake() +
+               WebSocketClient::frame(WebSocketClient::binary, "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n"));
+  const std::string all = client.readToEnd();
+  EXPECT_NE(all.find("tvqver:"), std::string::npos) << all;
+}
+
+TEST_F(WebSocketTest, TheWebFilesComeOverItAndItEndsInOrder) {
+  WebSocketClient client(server.port());
+  ASSERT_TRUE(client.open());
+  expectToBeServed(client);
+  WebSocketClient::Frame last;
+  do last = client.readFrame();
+  while (last.opcode == WebSocketClient::binary || last.opcode == WebSocketClient::continuation);
+  EXPECT_EQ(last.opcode, WebSocketClient::closing);
+  client.write(WebSocketClient::frame(WebSocketClient::closing, last.payload));
+  EXPECT_TRUE(client.isCutOff());
+}
+
+TEST_F(WebSocketTest, ACloseHandshakeThatIsNeverAnsweredEndsAfterTwoSeconds) {
+  WebSocketClient client(server.port());
+  ASSERT_TRUE(client.open());
+  expectToBeServed(client);
+  const auto start = std::chrono::steady_clock::now();
+  client.readToEnd();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+}
+
+TEST_F(WebSocketTest, AClosedWebSocketIsAPlayerWhoLeft) {
+  Client other(server.port(), 2);
+  other.login("Other");
+  {
+    WebSocketClient client(server.port());
+    ASSERT_TRUE(client.open());
+    client.send(login("Ann"));
+    other.readUntil(wire::msgPlayerJoined);
+    client.write(WebSocketClient::frame(WebSocketClient::closing, "\x03\xE8"));
+    EXPECT_EQ(other.readUntil(wire::msgPlayerLeft).substr(0, 1), "2");
+  }
+}
+
+TEST_F(WebSocketTest, APingIsAnsweredAndAFloodOfThemEndsTheConnection) {
+  WebSocketClient client(server.port());
+  ASSERT_TRUE(client.open());
+  client.write(WebSocketClient::frame(WebSocketClient::ping, "abc"));
+  const WebSocketClient::Frame pong = client.readFrame();
+  EXPECT_EQ(pong.opcode, WebSocketClient::pong);
+  EXPECT_EQ(pong.payload, "abc");
+  std::string flood;
+  for (int i = 0; i < 100; ++i) flood += WebSocketClient::frame(WebSocketClient::ping, "");
+  client.tryWrite(flood);
+  client.readToEnd();
+  expectOthersToPlay();
+}
+
+TEST_F(WebSocketTest, WhatBreaksItsRulesEndsTheConnection) {
+  using Client = WebSocketClient;
+  const std::string big(70'000, 'x');
+  for (const std::string& bytes : {
+           Client::frame(Client::text, login("Ann")),                 // no bytes
+           Client::frame(Client::binary, login("Ann"), true, false),  // not masked
+           Client::frame(Client::continuation, "a"),                  // of nothing
+           Client::frame(Client::binary, "\x80", false) + Client::frame(Client::binary, "b"),
+           std::string("\xC2\x80\x01\x02\x03\x04", 6),             // a reserved bit
+           std::string("\x83\x80\x01\x02\x03\x04", 6),             // a reserved opcode
+           Client::frame(Client::ping, std::string(126, 'p')),     // too long for a control frame
+           Client::frame(Client::ping, "", false),                 // cut
+           std::string("\x82\xFF\x80\0\0\0\0\0\0\0\1\2\3\4", 14),  // a negative length
+           Client::frame(Client::binary, big).substr(0, 100),      // longer than a message may be
+           Client::frame(Client::binary, "x"),                     // neither a frame nor a request
+       }) {
+    WebSocketClient client(server.port(), static_cast<std::uint32_t>(20 + bytes.size() % 100));
+    ASSERT_TRUE(client.open());
+    client.tryWrite(bytes);
+    client.readToEnd();
+  }
+  expectOthersToPlay();
+}
+
+TEST_F(WebSocketTest, FragmentsWithoutEndAreAMessageTooLong) {
+  WebSocketClient client(server.port());
+  ASSERT_TRUE(client.open());
+  client.write(WebSocketClient::frame(WebSocketClient::binary, login("Ann"), false));
+  const std::string chat = buildFrame(wire::msgChat, {"-1", std::string(900, 'c')});
+  bool isTaken = true;
+  for (int i = 0; isTaken && i < 200; ++i) {
+    isTaken = client.tryWrite(WebSocketClient::frame(WebSocketClient::continuation, chat, false));
+  }
+  client.readToEnd();
+  expectOthersToPlay();
+}
+
+TEST_F(WebSocketTest, AnUpgradeWithinAWebSocketIsRefused) {
+  WebSocketClient client(server.port());
+  ASSERT_TRUE(client.open());
+  client.send(WebSocketClient::handshake());
+  EXPECT_NE(client.readUntil("already").find(" 400 "), std::string::npos);
+}
+
+TEST_F(WebSocketTest, OnlyItsPathLeadsToTheGame) {
+  for (const char* path : {"/", "/playing", "/games/kelvora/ver.txt"}) {
+    TcpClient client(server.port());
+    client.write(WebSocketClient::handshake(path));
+    EXPECT_EQ(client.readToEnd().find(" 101 "), std::string::npos) << path;
+  }
+  TcpClient plain(server.port());
+  plain.write("GET /play HTTP/1.0\r\n\r\n");
+  EXPECT_TRUE(plain.readToEnd().starts_with("HTTP/1.1 426 "));
+}
+
+TEST(WebSocketOrigin, OtherPagesMayPlayUnlessTheOperatorSaysOtherwise) {
+  const RunningServer open;
+  WebSocketClient foreign(open.port());
+  EXPECT_TRUE(foreign.open("Origin: http://games.example\r\n"));
+  Options options;
+  options.allowOrigin = "http://games.example";
+  const RunningServer closed(options);
+  WebSocketClient listed(closed.port());
+  EXPECT_TRUE(listed.open("Origin: http://games.example\r\n"));
+  WebSocketClient own(closed.port());
+  EXPECT_TRUE(own.open("Origin: http://127.0.0.1\r\n"));
+  WebSocketClient evil(closed.port());
+  EXPECT_FALSE(evil.open("Origin: http://evil.example\r\n"));
+  EXPECT_TRUE(evil.head.starts_with("HTTP/1.1 403 ")) << evil.head;
+}
+
+TEST(TrustedProxy, ItsClientsAreCountedByTheirOwnAddresses) {
+  Options options;
+  options.trustedProxy = "127.0.0.5";
+  const RunningServer server(options);
+  const auto ask = [&](std::uint32_t from, const std::string& forwarded) {
+    TcpClient client(server.port(), from);
+    client.write("GET /games/kelvora/ver.txt HTTP/1.0\r\n" + forwarded + "\r\n");
+    const std::string answer = client.readToEnd();
+    return answer.size() < 12 ? std::string() : answer.substr(9, 3);
+  };
+  for (int i = 0; i < 60; ++i) {
+    ASSERT_EQ(ask(5, "X-Forwarded-For: 192.0.2.1, 198.51.100." + std::to_string(i) + "\r\n"), "200") << i;
+  }
+  // One address has a burst of 32 connections.
+  int served = 0;
+  for (int i = 0; i < 40; ++i) served += ask(5, "X-Forwarded-For: 203.0.113.9\r\n") == "200" ? 1 : 0;
+  EXPECT_GE(served, 32);
+  EXPECT_LT(served, 40);
+  EXPECT_EQ(ask(5, ""), "400");
+  EXPECT_EQ(ask(5, "X-Forwarded-For: somebody\r\n"), "400");
+  // The word of others does not count.
+  int others = 0;
+  for (int i = 0; i < 40; ++i) {
+    others += ask(6, "X-Forwarded-For: 198.51.100." + std::to_string(i) + "\r\n") == "200" ? 1 : 0;
+  }
+  EXPECT_LT(others, 40);
+}
+
+}  // namespace
+}  // namespace kelvora::server
