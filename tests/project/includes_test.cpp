@@ -105,8 +105,8 @@ TEST(Includes, AreRootedAtTheSourceFolder) {
 TEST(Includes, ReachTheToolkitFromThePlatformsDesktopAlone) {
   for (const auto& file : sources()) {
     bool mayUseToolkit = false;
-    for (const char* folder :
-         {"platform/qt/", "platform/sound/", "bench/", "tests/platform/qt/", "tests/platform/sound/"}) {
+    for (const char* folder : {"platform/qt/", "platform/sound/", "bench/", "tests/platform/qt/",
+                               "tests/platform/sound/", "tests/platform/windows/"}) {
       mayUseToolkit = mayUseToolkit || tree::startsWith(file.path, folder);
     }
     if (mayUseToolkit) continue;

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "platform/qt/qtDesktop.h"
+
+namespace kelvora {
+
+/// A socket in memory. The game uses the side of SocketPeer. The other members play the server and run the game's
+/// handlers at once.
+class ScriptedSocket : public SocketPeer {
+ public:
+  explicit ScriptedSocket(Winsock& owner) : owner_(owner) {}
+
+  int state() const override { return state_; }
+  void connect(const std::string&, int) override { state_ = sckConnecting; }
+  void close() override;
+  void send(std::string_view) override {}
+  std::string take() override { return std::exchange(arrived_, {}); }
+
+  // Each does nothing in a state where it can't happen.
+  void accept();
+  void deliver(const std::string& bytes);
+  void hangUp();
+  /// The server refuses, or the connection breaks: state Error and no event.
+  void fail();
+
+ private:
+  Winsock& owner_;
+  int state_ = sckClosed;
+  std::string arrived_;
+};
+
+/// The desktop with real windows, and with sockets, settings and pictures in memory.
+class ScriptedDesktop : public QtDesktop {
+ public:
+  ScriptedDesktop() : QtDesktop("nosound nomusic") {}
+
+  /// Reads every picture of the game once, for all desktops of this process and its children.
+  static void readPictures();
+
+  /// The server's side of one of the game's sockets.
+  ScriptedSocket& farEnd(const Winsock& socket) { return *sockets_.at(&socket); }
+
+  std::string applicationPath() override;
+  PicturePointer loadPicture(const std::string& path) override;
+  std::string readSetting(const std::string& section, const std::string& key, const std::string& fallback) override;
+  void writeSetting(const std::string& section, const std::string& key, const std::string& value) override;
+  std::unique_ptr<SocketPeer> createSocket(Winsock& socket) override;
+  std::string webHost() override { return "web.invalid"; }
+
+ private:
+  std::map<const Winsock*, ScriptedSocket*> sockets_;
+  std::map<std::pair<std::string, std::string>, std::string> settings_ = {{{"last login", "player name"}, "Ann"}};
+};
+
+}  // namespace kelvora

@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <random>
+
+#include "platform/qt/gameLooks.h"
+#include "platform/qt/qtFonts.h"
+#include "platform/qt/qtGlyphs.h"
+#include "raster/surface.h"
+#include "tests/platform/windows/scriptedDesktop.h"
+#include "tests/platform/windows/walk.h"
+
+namespace kelvora {
+namespace {
+
+/// The toolkit without a screen. Each walk runs the game in a child of this process.
+class Toolkit : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qunsetenv("KELVORA_FRAME_MS");
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+      // Windows without a screen have no size hints and no order.
+      if (!text.startsWith("This plugin does not support")) std::cerr << qPrintable(text) << "\n";
+      if (type == QtFatalMsg) std::abort();
+    });
+    application_ = std::make_unique<QApplication>(argc_, argv_);
+    QApplication::setQuitOnLastWindowClosed(false);
+    installFontSubstitutes();
+    installGameLooks();
+    Surface::setGlyphSource(&glyphs_);
+    ScriptedDesktop::readPictures();
+  }
+  void TearDown() override {
+    Surface::setGlyphSource(nullptr);
+    application_.reset();
+    qInstallMessageHandler(nullptr);
+  }
+
+ private:
+  int argc_ = 1;
+  char name_[8] = "kelvora";
+  char* argv_[2] = {name_, nullptr};
+  std::unique_ptr<QApplication> application_;
+  QtGlyphSource glyphs_;
+};
+
+[[maybe_unused]] const auto* const toolkit = ::testing::AddGlobalTestEnvironment(new Toolkit);
+
+std::uint32_t fromEnvironment(const char* variable, std::uint32_t usual) {
+  const char* text = std::getenv(variable);
+  return text ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : usual;
+}
+
+Steps named(std::initializer_list<std::string> names) {
+  Steps sequence;
+  for (const std::string& name : names) {
+    for (const Step& step : steps()) {
+      if (name == step.name) sequence.push_back(&step);
+    }
+  }
+  EXPECT_EQ(sequence.size(), names.size()) << "a step that does not exist";
+  return sequence;
+}
+
+/// Random steps, mixed with rows of steps that chance alone would rarely draw.
+Steps randomSteps(std::uint32_t seed) {
+  constexpr std::size_t fewest = 20;
+  constexpr std::size_t variety = 60;
+  constexpr std::size_t oneInARow = 4;
+  static const Steps rows[] = {
+      named({"Connect", "wait", "the server accepts the connection"}),
+      named({"Connect", "wait", "the server accepts the connection", "the server accepts the login"}),
+      named({"Cancel", "click the title"}),
+  };
+  std::mt19937 draw(seed);
+  const std::size_t length = fewest + draw() % variety;
+  Steps sequence;
+  while (sequence.size() < length) {
+    if (draw() % oneInARow == 0) {
+      const Steps& row = rows[draw() % std::size(rows)];
+      sequence.insert(sequence.end(), row.begin(), row.end());
+    } else {
+      sequence.push_back(&steps()[draw() % steps().size()]);
+    }
+  }
+  return sequence;
+}
+
+std::string text(const Steps& sequence) {
+  std::string lines;
+  for (const Step* step : sequence) lines += std::string("  ") + step->name + "\n";
+  return lines;
+}
+
+TEST(Windows, MainWindowSurvivesAConnectionLostUnderTheModalDialog) {
+  const auto outcome = walk(named({"Connect", "wait", "the server accepts the connection", "click the title",
+                                   "the server hangs up", "Cancel", "click the title"}));
+  EXPECT_EQ(outcome.complaint, "");
+  EXPECT_TRUE(outcome.seen.contains("at the title, Connect modal"));
+  EXPECT_TRUE(outcome.seen.contains("at the title")) << "after Cancel";
+}
+
+TEST(Windows, MainWindowSurvivesALoginDeniedUnderTheFinder) {
+  const auto outcome =
+      walk(named({"Connect", "wait", "the server accepts the connection", "click the title", "open the finder",
+                  "the server denies the login", "answer the box", "the list of hosts comes", "double-click a host",
+                  "wait", "wait", "the server accepts the connection", "the server accepts the login"}));
+  EXPECT_EQ(outcome.complaint, "");
+  EXPECT_TRUE(outcome.seen.contains("at the title, Connect modal, Game Finder modal, a box"));
+  EXPECT_TRUE(outcome.seen.contains("in the game"));
+}
+
+// KELVORA_WINDOW_STEPS: how many steps in all. KELVORA_WINDOW_SEED: the seed of the first sequence.
+TEST(Windows, StayReachableInAnySequenceOfSteps) {
+  constexpr std::uint32_t usual = 1500;
+  const std::uint32_t enough = fromEnvironment("KELVORA_WINDOW_STEPS", usual);
+  const std::uint32_t first = fromEnvironment("KELVORA_WINDOW_SEED", 1);
+  std::set<std::string> seen;
+  std::size_t taken = 0;
+  std::uint32_t seed = first;
+  for (; taken < enough; ++seed) {
+    const Steps sequence = randomSteps(seed);
+    Outcome outcome = walk(sequence);
+    taken += sequence.size();
+    seen.merge(outcome.seen);
+    if (outcome.complaint.empty()) continue;
+    const Steps few = shortest(sequence);
+    FAIL() << "seed " << seed << ": " << outcome.complaint << "\nThe shortest sequence:\n"
+           << text(few) << "It ends with: " << walk(few).complaint;
+  }
+  std::cout << taken << " steps in " << seed - first << " sequences, " << seen.size() << " situations\n";
+  if (first != 1 || enough < usual) return;  // others may miss some of these
+  for (const char* met : {"at the title", "at the title, Connect", "at the title, Connect modal",
+                          "at the title, Connect, Game Finder modal", "at the title, Connect, a box", "in the game",
+                          "in the game, Powerups", "in the game, a box"}) {
+    EXPECT_TRUE(seen.contains(met)) << met;
+  }
+}
+
+}  // namespace
+}  // namespace kelvora
