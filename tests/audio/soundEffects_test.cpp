@@ -146,6 +146,12 @@ TEST_F(SoundEffects, FormHasItsTitleAndIsNeverShown) {
   EXPECT_FALSE(frmSound.isVisible());
 }
 
+TEST_F(SoundEffects, DevicesAreFoundByTheirSlotsAlone) {
+  openSounds();
+  EXPECT_THROW(frmSound->mm(-1), RuntimeFault);
+  EXPECT_THROW(frmSound->mm(9), RuntimeFault);
+}
+
 TEST_F(SoundEffects, DeviceRefusesWhatMakesNoSense) {
   SoundDevice device;
   EXPECT_THROW(device.Command("play"), RuntimeFault) << "not open";

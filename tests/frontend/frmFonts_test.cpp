@@ -88,6 +88,12 @@ TEST_F(FontDialog, EveryPurposeHasItsBlock) {
   EXPECT_EQ(f.cmdClose.Caption.get(), "Done");
 }
 
+TEST_F(FontDialog, TheTabKeyGoesThroughTheSlidersToDone) {
+  FrmFonts f;
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(f.sldSize[i].TabIndex, i);
+  EXPECT_EQ(f.cmdClose.TabIndex, 5);
+}
+
 TEST_F(FontDialog, NothingIsCutOffAndNothingOverlaps) {
   FrmFonts f;
   const auto& controls = f.children();

@@ -39,6 +39,12 @@ TEST_F(GameFinder, EveryControlStandsAtItsPlaceWithItsText) {
   EXPECT_EQ(f.lblStatus.Caption.get(), "");
 }
 
+TEST_F(GameFinder, TheTabKeyGoesThroughButtonBoxesAndList) {
+  FrmGameFind& f = *frmGameFind;
+  const Control* const order[] = {&f.cmdRefresh, &f.chkPassword, &f.chkEmpty, &f.chkFull, &f.grid};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(order[i]->TabIndex, i);
+}
+
 TEST_F(GameFinder, IsAFixedWindow) {
   const FrmGameFind f;
   EXPECT_EQ(f.Caption.get(), "Game Finder");

@@ -21,6 +21,18 @@ TEST_F(GameFinder, ReadsARecordsSixFields) {
   EXPECT_EQ(frmGameFind->websock.State(), sckClosed);
 }
 
+TEST_F(GameFinder, ARecordThatIsCutLeavesItsLaterFieldsEmpty) {
+  list("[127.0.0.1][arena.test|2010|1][other.test|2011|0|7 friends]-END-");
+  ASSERT_EQ(frmGameFind->hostCount, 3);
+  EXPECT_EQ(entry(1).address, "127.0.0.1");
+  EXPECT_EQ(entry(1).port, 0) << "the address is no port";
+  EXPECT_EQ(entry(2).port, 2010);
+  EXPECT_TRUE(entry(2).passwordRequired);
+  EXPECT_EQ(entry(2).notes, "") << "the flag is no note";
+  EXPECT_EQ(entry(3).notes, "7 friends");
+  EXPECT_EQ(entry(3).players, 0) << "the note is no number of players";
+}
+
 TEST_F(GameFinder, ShowsARowAServerUnderItsHeading) {
   list("[192.0.2.7|2010|0|friendly game|3|8][arena.test|3000|1||0|6]-END-");
   EXPECT_EQ(rows(), (Rows{heading,
