@@ -1,4 +1,4 @@
-#include "core/modMain.h"
+#include "core/startUp.h"
 #include "platform/qt/qtBackend.h"
 
 int main(int argc, char** argv) { return kelvora::runDesktop(argc, argv, kelvora::modMain::startGame); }

@@ -1,5 +1,4 @@
 #include <benchmark/benchmark.h>
-
 #include <QGuiApplication>
 #include <cmath>
 #include <cstring>
@@ -10,13 +9,17 @@
 #include "bench/surfaceRecorder.h"
 #include "bench/surfaceReplay.h"
 #include "bench/turns.h"
+#include "core/centreMessage.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
 #include "generated/sourceFolder.h"
+#include "particles/pools.h"
 #include "platform/headless/headlessBackend.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"
 #include "rendering/frmGfx.h"
+#include "rendering/paintFrame.h"
+#include "simulation/clsPlayer.h"
 
 // The drawing calls of a whole frame, noted once and then done again and again by the game's surface and by the
 // desktop's painter, both in memory. The game's own frame, with everything that it does beside drawing (ageing, tests,

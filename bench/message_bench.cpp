@@ -1,14 +1,15 @@
 #include <benchmark/benchmark.h>
-
 #include <string>
 
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
 #include "generated/sourceFolder.h"
-#include "network/netMan.h"
+#include "network/receive.h"
+#include "network/session.h"
 #include "network/wire/wireFormat.h"
 #include "platform/headless/headlessBackend.h"
 #include "rendering/frmGfx.h"
+#include "simulation/clsPlayer.h"
 
 // One large read of position messages, from its bytes to the opponent's queue. The time of a message is to be the same
 // however many come at once.

@@ -1,5 +1,4 @@
 #include <benchmark/benchmark.h>
-
 #include <cmath>
 #include <cstdint>
 #include <string>
@@ -10,6 +9,7 @@
 #include "generated/sourceFolder.h"
 #include "platform/headless/headlessBackend.h"
 #include "rendering/frmGfx.h"
+#include "simulation/clsPlayer.h"
 
 // What a very long tail costs: an extended tail, or a server that sends many positions at once. Argument 0: vertices.
 // Every figure is the median of a single frame or search, so that a pause would show.

@@ -1,31 +1,15 @@
-#include "base/numbers.h"
+#include "core/input.h"
+
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
-#include "platform/backend.h"
 #include "store/powerupTable.h"
 
-namespace kelvora {
-
-namespace {
-
-constexpr int keyF1 = 112;
-constexpr int leftButton = 1;
-constexpr int rightButton = 2;
-
-constexpr float edge = 30;  // canvas units from the border of the canvas in which the pointer is pushed back
-// Quirk Q-224: one number, two units: 2 pixels from an edge the pointer is pushed 30 pixels.
-constexpr std::int32_t push = 30;  // pixels
-
-// The design size of the window: its width in pixels and in twips, and the height of title and menu in pixels.
-constexpr double designPixels = 916;
-constexpr double designTwips = 13605;
-constexpr double designBars = 45;
-
-}  // namespace
-
-namespace modMain {
+namespace kelvora::modMain {
 
 void setMousePos(float x, float y) { world.mousePos = {x, y}; }
+
+Vector getMousePos() { return world.mousePos; }
+std::int16_t getSteerAngle() { return world.steerAngle; }
+std::int16_t getSteerQuadrant() { return world.steerQuadrant; }
 
 void requestPowerup(std::int16_t number) {
   const int slot = number - 1;
@@ -34,57 +18,4 @@ void requestPowerup(std::int16_t number) {
 
 void toggleLocalBreaks() { world.localPlayer.toggleBreaks(); }
 
-}  // namespace modMain
-
-void FrmMain::canvasKeyDown(int KeyCode) {
-  if (keyF1 <= KeyCode && KeyCode < keyF1 + powerupSlotCount) {
-    modMain::requestPowerup(static_cast<std::int16_t>(KeyCode - keyF1 + 1));
-  }
-}
-
-void FrmMain::canvasKeyPress(int KeyAscii) {
-  txtChat.SetFocus();
-  // Quirk Q-226: the character goes to the end of the line, wherever the caret stands.
-  txtChat.Text = txtChat.Text.get() + static_cast<char>(KeyAscii);
-  txtChat.SelStart = static_cast<int>(txtChat.Text.get().size());
-}
-
-void FrmMain::canvasMouseDown(int Button) {
-  if (Button == rightButton) modMain::toggleLocalBreaks();
-}
-
-void FrmMain::canvasMouseMove(int Button, float X, float Y) {
-  isLockMouse_ = Button == leftButton;
-  if (isLockMouse_) confinePointer(X, Y);
-  // Quirk Q-223: where the mouse was, not where it has been put: that comes with an event of its own.
-  modMain::setMousePos(X, Y);
-}
-
-void FrmMain::confinePointer(float X, float Y) {
-  // Quirk Q-034: the way to screen pixels is that of the design window, whatever the window and its frame are now.
-  // Quirk Q-238: the place is rounded twice, to whole twips and to whole pixels.
-  std::int32_t sx = toInt32(static_cast<double>(canvas.Left) + Left + X);
-  std::int32_t sy = toInt32(static_cast<double>(canvas.Top) + Top + Y);
-  sx = toInt32(sx * designPixels / designTwips);
-  sy = toInt32(sy * designPixels / designTwips + designBars);
-
-  // Quirk Q-035: each edge places the pointer by itself, so that a corner places it twice.
-  if (X < edge) {
-    sx += push;
-    SetCursorPos(sx, sy);
-  }
-  if (canvas.Width - edge < X) {
-    sx -= push;
-    SetCursorPos(sx, sy);
-  }
-  if (Y < edge) {
-    sy += push;
-    SetCursorPos(sx, sy);
-  }
-  if (canvas.Height - edge < Y) {
-    sy -= push;
-    SetCursorPos(sx, sy);
-  }
-}
-
-}  // namespace kelvora
+}  // namespace kelvora::modMain

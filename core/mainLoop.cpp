@@ -1,9 +1,15 @@
+#include "core/mainLoop.h"
+
 #include <algorithm>
 #include <cstddef>
 
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
+#include "core/players.h"
+#include "frontend/gameSocket.h"
 #include "platform/backend.h"
+#include "platform/form.h"
+#include "rendering/paintFrame.h"
+#include "simulation/clsPlayer.h"
 
 namespace kelvora::modMain {
 
@@ -43,8 +49,8 @@ void runFrame() {
 
 void mainLoop() {
   for (;;) {
-    if (frmMain->sock.State() == sckConnected) runFrame();
-    DoEvents(frmMain->sock.State() != sckConnected);
+    if (gameSocket().State() == sckConnected) runFrame();
+    DoEvents(gameSocket().State() != sckConnected);
     releaseUnloadedForms();
   }
 }

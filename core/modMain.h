@@ -29,14 +29,6 @@ struct KillerTail {
   std::string location;
 };
 
-/// A bearing as the pointer and the steering use it.
-struct Bearing {
-  float angle = 0;  ///< from the vertical, 350 to the full circle: 0 to 87.5
-  std::uint8_t quadrant = 0;
-};
-
-/// The world's state, shared by every room, and the routines that belong to no one room. Everything is touched by one
-/// thread only.
 namespace modMain {
 
 inline constexpr float worldSize = 100000;  ///< world units, on both axes from 0
@@ -79,108 +71,13 @@ struct World {
   std::uint8_t borderWidth = 0;    ///< half the line's width, 1 to 4 pixels once painted
   std::int16_t borderCounter = 0;  ///< frames since the width changed
 
-  // What the bounds below count.
+  // What core/bounds.h counts.
   std::size_t queuedPositions = 0;
   std::size_t nameBytes = 0;
 };
 
 /// Assigning {} puts everything back to its value at the start of the process.
 extern World world;
-
-// What a server can make the client keep, all in all: far beyond any game, so that one of ill will cannot fill the
-// memory, nor make a frame last for ever. What would go beyond is dropped, or is a fault of its message.
-inline constexpr std::size_t mostTailVertices = 250'000;       ///< of all players
-inline constexpr std::size_t mostQueuedPositions = 1'000'000;  ///< of all players and network particles
-inline constexpr std::size_t mostKillerTails = 1'000;
-inline constexpr std::size_t mostVictims = 1'000;  ///< of one killer tail
-inline constexpr std::size_t mostExplosionParticles = 1'000;
-inline constexpr std::size_t mostNameBytes = std::size_t{16} << 20;  ///< of opponents and network particles
-/// Counts a name that is kept for good; RuntimeFault "Out of memory" beyond the limit.
-void keepName(const std::string& name);
-
-// Start-up and loop (core/startUp.cpp, core/mainLoop.cpp).
-/// The program's entry; does not return.
-void startGame();
-/// The tables colourNames and tips as the game has them.
-void fillColourNames();
-void fillTips();
-/// Endless; one pass is one frame.
-void mainLoop();
-/// One pass of the loop without its DoEvents: what a connected frame does.
-void runFrame();
-/// frameTime / 10, at least 1: every per-frame speed is multiplied by it.
-double getTimeScale();
-
-// Helpers (core/worldState.cpp).
-float getDistance(Vector a, Vector b);
-bool isOnScreen(Vector worldPoint);
-Vector getLocalPosition();
-/// -1 for the local player, else a slot of `opponents`; an unknown node yields 0.
-std::int16_t getPlayerIndex(std::int16_t node);
-std::int16_t getServerNode(std::int16_t index);
-std::string getPlayerName(std::int16_t index);
-/// The player of an index: -1 local, else a slot; outside the slots RuntimeFault.
-clsPlayer& playerAt(std::int16_t index);
-void showCentreMessage(const std::string& text);
-void showNextTip();
-Vector getMousePos();
-void setMousePos(float x, float y);
-std::int16_t getSteerAngle();
-std::int16_t getSteerQuadrant();
-
-// Input (core/input.cpp).
-void requestPowerup(std::int16_t number);
-void toggleLocalBreaks();
-
-// Captures (simulation/killerTails.cpp).
-void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, float y);
-std::int16_t findKillerTail(std::int16_t owner, const std::string& tailID);
-void checkKillerTail(std::int16_t owner, const std::string& tailID);
-void executeKillerTail(std::int16_t index);
-void removeKillerTails(std::int16_t owner);
-void executeCapture(std::int16_t winnerNode, std::int16_t loserNode);
-void killTailOf(std::int16_t ownerIndex, double num);
-
-// The survival mode (simulation/survival.cpp). Nothing in the game turns it on.
-bool isSurvivalMode();
-/// Ends the run once for every background particle that touches the local player.
-void checkSurvival();
-/// Turns the mode off and tells the record on the console.
-void endSurvival();
-
-// Particles (particles/pools.cpp).
-void createParticleField();
-void addExplosion(Vector point, std::int16_t count);
-void removeExplosionParticle(std::int16_t index);
-bool isStarsMode();
-bool coinFlip();
-std::int16_t allocNetParticle();
-void receiveParticleNew(const std::string& id, std::int16_t kind, float x, float y, float dx, float dy);
-void receiveParticlePosition(const std::string& id, float x, float y);
-void receiveParticleRemove(const std::string& id);
-
-// The picture (rendering/).
-Vector getCanvasCentre();
-Vector worldToScreen(Vector worldPoint);
-Bearing getBearing(Vector from, Vector to);
-void paintFrame();
-void paintWorldBorder();
-void paintPointer();
-void addDebugText(const std::string& line);
-void paintTextLines();
-void paintCentreMessage();
-/// Takes the record of the running survival mode and ties the local player to its start by a line.
-void paintSurvival();
-void paintActionIcons();
-void showStartLogo();
-void hideStartLogo();
-
-// The store (store/store.cpp).
-/// Opens the store's window over the running game, connected or not, alive or not.
-void openStore();
-
-/// The part of a disconnection that lies in the world's state.
-void resetConnectionState();
 
 }  // namespace modMain
 

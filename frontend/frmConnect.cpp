@@ -7,7 +7,7 @@
 #include "base/text.h"
 #include "frontend/frmGameFind.h"
 #include "frontend/frmMain.h"
-#include "network/netMan.h"
+#include "network/session.h"
 #include "platform/backend.h"
 
 namespace kelvora {

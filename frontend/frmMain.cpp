@@ -1,12 +1,15 @@
 #include "frontend/frmMain.h"
 
 #include "base/text.h"
-#include "core/modMain.h"
 #include "frontend/frmConnect.h"
+#include "frontend/gameSocket.h"
 #include "frontend/updateCheck.h"
-#include "network/netMan.h"
+#include "network/chat.h"
+#include "network/receive.h"
+#include "network/session.h"
 #include "platform/backend.h"
 #include "rendering/frmGfx.h"
+#include "store/store.h"
 
 namespace kelvora {
 
@@ -101,6 +104,8 @@ void FrmMain::connectSocket() {
   sockUpdates.onDataArrival = [] { updateCheck::dataArrived(); };
   sockUpdates.onClose = [] { updateCheck::closedByHost(); };
 }
+
+Winsock& gameSocket() { return frmMain->sock; }
 
 void FrmMain::readSocket() {
   std::string receiveBuffer;

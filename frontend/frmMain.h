@@ -130,7 +130,7 @@ class FrmMain : public Form {
   void clickDirectionalLine(MenuItem& clicked);
   const char* menuWord(const MenuItem& item) const;
 
-  // Input on the canvas (core/input.cpp).
+  // Input on the canvas (canvasInput.cpp).
   void canvasKeyDown(int KeyCode);
   void canvasKeyPress(int KeyAscii);
   void canvasMouseDown(int Button);

@@ -4,7 +4,7 @@
 #include "base/text.h"
 #include "frontend/frmFonts.h"
 #include "frontend/frmMain.h"
-#include "network/netMan.h"
+#include "network/session.h"
 #include "platform/backend.h"
 
 namespace kelvora {

@@ -1,12 +1,15 @@
+#include "network/chat.h"
+
 #include <algorithm>
 #include <array>
 #include <iterator>
 
 #include "base/text.h"
-#include "core/modMain.h"
-#include "frontend/fontMan.h"
+#include "core/players.h"
+#include "frontend/console.h"
 #include "frontend/frmMain.h"
-#include "network/netMan.h"
+#include "network/handlers.h"
+#include "network/send.h"
 #include "network/wire/wireFormat.h"
 
 namespace kelvora::netMan {

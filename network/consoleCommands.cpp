@@ -6,8 +6,10 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "core/modMain.h"
-#include "network/netMan.h"
+#include "network/chat.h"
+#include "particles/clsParticle.h"
 #include "platform/backend.h"
+#include "store/store.h"
 
 namespace kelvora::netMan {
 

@@ -7,10 +7,13 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "core/modMain.h"
-#include "frontend/fontMan.h"
-#include "network/netMan.h"
+#include "frontend/console.h"
+#include "network/handlers.h"
+#include "network/session.h"
 #include "network/wire/wireFormat.h"
+#include "particles/pools.h"
 #include "platform/backend.h"
+#include "simulation/killerTails.h"
 #include "store/frmPowerups.h"
 
 namespace kelvora::netMan {

@@ -1,10 +1,13 @@
 // The messages that concern one player by his node.
 
+#include "core/players.h"
 #include "base/fault.h"
 #include "base/text.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
-#include "network/netMan.h"
+#include "network/chat.h"
+#include "network/handlers.h"
+#include "simulation/clsPlayer.h"
 
 namespace kelvora::netMan {
 

@@ -1,18 +1,14 @@
+#include "network/receive.h"
+
 #include "base/fault.h"
-#include "frontend/frmMain.h"
 #include "network/dispatch.h"
 #include "network/messageQueue.h"
-#include "network/netMan.h"
 #include "network/wire/wireFormat.h"
 
 namespace kelvora::netMan {
 
 // Quirk Q-062: the queue outlives a connection. An entry that waits for its end gets it from the next server.
 MessageQueue messageQueue;
-
-void sendMessage(std::int16_t id, const std::vector<std::string>& fields) {
-  if (frmMain->sock.State() == sckConnected) frmMain->sock.SendData(wire::buildFrame(id, fields));
-}
 
 void receiveData(std::string_view data) {
   // Quirk Q-063: what precedes a frame's end counts from the start of this read. A frame that two reads share loses the

@@ -1,14 +1,25 @@
+#include "network/session.h"
+
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "core/bounds.h"
+#include "core/centreMessage.h"
 #include "core/modMain.h"
-#include "frontend/fontMan.h"
+#include "core/players.h"
+#include "frontend/console.h"
 #include "frontend/frmConnect.h"
 #include "frontend/frmMain.h"
+#include "frontend/gameSocket.h"
+#include "network/chat.h"
+#include "network/handlers.h"
 #include "network/messageQueue.h"
-#include "network/netMan.h"
+#include "network/send.h"
 #include "network/wire/wireFormat.h"
+#include "particles/pools.h"
 #include "platform/backend.h"
+#include "rendering/startLogo.h"
+#include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"
 
 namespace kelvora {
@@ -56,7 +67,7 @@ void connectToServer(const std::string& name, const std::string& address, std::i
   playerName = name;
   serverPassword = password;
   preferredColour = colour;
-  Winsock& sock = frmMain->sock;
+  Winsock& sock = gameSocket();
   // Quirk Q-240: closing here ends the socket and not the session: the old opponents stay connected. One whose node the
   // new server gives to somebody else is found before the newcomer, and gets his messages.
   if (sock.State() > sckClosed) sock.Close();
@@ -72,7 +83,7 @@ void connectToServer(const std::string& name, const std::string& address, std::i
 // The world's part leaves the opponents' names on the panel; the title empties all six, so that none is left behind.
 void disconnectFromServer() {
   resumeNext([] {
-    if (frmMain->sock.State() > sckClosed) frmMain->sock.Close();
+    if (gameSocket().State() > sckClosed) gameSocket().Close();
   });
   resumeNext([] { frmMain->mnuFileConnect.Enabled = true; });
   resumeNext([] { frmMain->mnuFileDisconnect.Enabled = false; });

@@ -4,9 +4,12 @@
 #include <cmath>
 
 #include "base/numbers.h"
+#include "core/bounds.h"
+#include "core/chance.h"
+#include "core/mainLoop.h"
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
-#include "simulation/draws.h"
+#include "core/players.h"
+#include "core/view.h"
 
 namespace kelvora {
 
@@ -82,8 +85,9 @@ void clsParticle::init(double number, std::uint8_t newType, float x, float y, st
 
 void clsParticle::choosePosition() {
   // Quirk Q-262: the field is as large as the canvas was at this moment; a window made larger later keeps it.
-  fieldWidth = frmMain->canvas.Width;
-  fieldHeight = frmMain->canvas.Height;
+  const Vector field = modMain::getCanvasSize();
+  fieldWidth = field.x;
+  fieldHeight = field.y;
   float across = static_cast<float>(drawBelow(fieldWidth));
   float down = static_cast<float>(drawBelow(fieldHeight));
   across = withDrawnSign(across);

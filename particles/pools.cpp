@@ -1,10 +1,11 @@
+#include "particles/pools.h"
+
 #include <cstddef>
 
 #include "base/numbers.h"
+#include "core/bounds.h"
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
 #include "particles/clsParticle.h"
-#include "simulation/draws.h"
 
 namespace kelvora::modMain {
 
@@ -49,10 +50,6 @@ void removeExplosionParticle(std::int16_t index) {
     world.explosionCount += 1;
   }
 }
-
-bool isStarsMode() { return frmMain->mnuQuarkStars.Checked; }
-
-bool coinFlip() { return drawBelow(10000) + 1 < 5000; }
 
 std::int16_t allocNetParticle() {
   // Quirk Q-120: a slot whose particle was removed is never taken again; the pool only grows.

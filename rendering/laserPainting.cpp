@@ -1,9 +1,10 @@
 #include "base/fault.h"
 #include "base/numbers.h"
+#include "core/chance.h"
 #include "core/modMain.h"
+#include "core/view.h"
 #include "frontend/frmMain.h"
 #include "simulation/clsPlayer.h"
-#include "simulation/draws.h"
 
 namespace kelvora {
 

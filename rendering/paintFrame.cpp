@@ -1,11 +1,14 @@
+#include "rendering/paintFrame.h"
+
 #include <algorithm>
 #include <cstddef>
 
 #include "base/numbers.h"
 #include "base/text.h"
 #include "core/modMain.h"
+#include "core/players.h"
 #include "frontend/frmMain.h"
-#include "particles/clsParticle.h"
+#include "rendering/pointer.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora::modMain {

@@ -4,9 +4,12 @@
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "core/modMain.h"
+#include "core/view.h"
 #include "frontend/frmMain.h"
 #include "particles/clsParticle.h"
+#include "particles/pools.h"
 #include "rendering/frmGfx.h"
+#include "rendering/paintFrame.h"
 #include "rendering/sprites.h"
 
 namespace kelvora {
@@ -25,6 +28,8 @@ float pulled(float coordinate, float extent, std::int16_t depth) {
 }
 
 }  // namespace
+
+bool modMain::isStarsMode() { return frmMain->mnuQuarkStars.Checked; }
 
 Vector clsParticle::getScreenPosition() const { return modMain::worldToScreen(position); }
 

@@ -3,11 +3,14 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "core/modMain.h"
+#include "core/mainLoop.h"
+#include "core/view.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
+#include "rendering/paintFrame.h"
 #include "rendering/sprites.h"
 #include "simulation/clsPlayer.h"
+#include "simulation/survival.h"
 
 namespace kelvora {
 

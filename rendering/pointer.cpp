@@ -4,6 +4,7 @@
 
 #include "base/numbers.h"
 #include "core/modMain.h"
+#include "core/view.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
 #include "rendering/sprites.h"

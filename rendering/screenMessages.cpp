@@ -2,10 +2,13 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "core/mainLoop.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
+#include "rendering/paintFrame.h"
 #include "rendering/sprites.h"
+#include "simulation/clsPlayer.h"
 
 namespace kelvora {
 

@@ -1,5 +1,6 @@
+#include "rendering/startLogo.h"
+
 #include "base/fault.h"
-#include "core/modMain.h"
 #include "frontend/frmMain.h"
 #include "platform/backend.h"
 

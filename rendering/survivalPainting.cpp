@@ -2,7 +2,9 @@
 
 #include "base/text.h"
 #include "core/modMain.h"
+#include "core/view.h"
 #include "frontend/frmMain.h"
+#include "rendering/paintFrame.h"
 
 namespace kelvora::modMain {
 

@@ -4,11 +4,12 @@
 
 #include "base/fault.h"
 #include "base/numbers.h"
-#include "core/modMain.h"
+#include "core/chance.h"
+#include "core/view.h"
 #include "frontend/frmMain.h"
 #include "simulation/clsPlayer.h"
 #include "simulation/clsTail.h"
-#include "simulation/draws.h"
+#include "simulation/killerTails.h"
 
 namespace kelvora {
 

@@ -1,5 +1,7 @@
 #include "core/modMain.h"
+#include "core/view.h"
 #include "frontend/frmMain.h"
+#include "rendering/paintFrame.h"
 
 namespace kelvora::modMain {
 

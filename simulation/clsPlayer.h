@@ -53,6 +53,7 @@ class clsPlayer {
   std::int16_t powerSlotLimit = 0;
   bool awaitingFirstPosition = false;
 
+  // How far each of the operations has come.
   double reportCounter = 0;  ///< frames since the last position report
   Tick lastAgeTick = 0;      ///< ms, tick of the last ageing pass
   bool steering = false;     ///< `moveAsOpponent` has a velocity for its current target
@@ -66,51 +67,73 @@ class clsPlayer {
   double positionQueueCount() const { return static_cast<double>(positionQueue.size()); }
   std::int16_t captureCount() const { return static_cast<std::int16_t>(captures.size()); }
 
-  // Life and score (capture.cpp).
+  // Life and score (life.cpp).
+  /// Begins a session: connected, alive, braked, with the first stock of everything. Position and tail stay.
   void init(std::int16_t colour, std::int16_t playerIndex, std::int16_t serverNode, const std::string& name);
+  /// Death puts the brakes on; life shows the local player a tip.
   void setAlive(bool alive);
+  /// Begins a new life where the ghost is, braked and without captures.
   void respawn();
+  /// Dies with a sound, if on the screen, and an explosion particle for each capture of this life.
   void die();
   bool isAlive() const { return alive; }
-  /// Of the ball's cell, canvas units.
-  float getWidth() const;
+  /// Adds a victim's colour to the captures. RuntimeFault "Overflow" beyond 32767 captures.
   void receiveCapture(std::int16_t colour);
-  void displayKills();
   void setKills(std::int16_t kills);
+  /// Credits, a whole number.
   double funds() const { return funds_; }
+  /// Rounds half to even, and shows the local player's credits.
   void funds(double credits);
 
   // The local player's movement (movement.cpp).
+  /// Moves one frame by mouse and brakes, bounces off the world's edge, and reports the position every few frames.
+  /// RuntimeFault if the canvas has no height.
   void move();
   void toggleBreaks() { breaksOn = !breaksOn; }
 
   // Tails (tails.cpp).
+  /// Lays the newest vertex at a world point, if alive and within the bound of all vertices.
   void addTail(Vector position);
+  /// Takes out vertex `num`, with those behind it moving up; no such vertex, nothing happens.
   void killTail(double num);
+  /// Empty for a vertex outside the tail. RuntimeFault for a fraction that rounds to its end.
   std::string getTailID(double num) const;
+  /// The oldest vertex with this id or at this very place; -1 if there is none.
   double getTailNumByID(const std::string& id) const;
   double getTailNumByPos(Vector position) const;
 
   // Opponents and lag (opponents.cpp).
+  /// Glides one frame towards the next queued position. Positions out of sight are taken at once.
   void moveAsOpponent();
+  /// The first position places the player, later ones wait. Points outside the world are ignored.
   void queuePosition(Vector position);
   void setVelocity(Vector value) { velocity = value; }
+  /// Answers a ping, whose value is the server's clock in seconds, and reports the position.
   void receivePing(std::int32_t value);
+  /// Takes the server's measurement, ms, and shows it beside the client's own.
   void receiveLatencyReport(std::int32_t value);
   std::int32_t getLag() const { return lag; }
 
   // Painting (rendering/playerPainting.cpp).
+  /// Width of the ball's cell, canvas units.
+  float getWidth() const;
+  /// Paints tail, radar blip, laser and ball, or the arrow of an opponent out of sight. Ages the tail, which can land
+  /// captures.
   void paintSelf();
   /// Lightning along a segment of the world, new at every call.
   void paintChargedArc(Vector a, Vector b);
+  /// Shows the kills beside the player's name (rendering/playerPanel.cpp).
+  void displayKills();
 
   // Powerups (store/powerupRules.cpp).
+  /// Owned powerups of all kinds. RuntimeFault "Overflow" beyond 16 bits.
   std::int16_t totalPowerups() const;
   /// Asks the server to start a powerup, the local player's only; refusals go to the console.
   void requestActivatePowerup(std::int16_t slot);
   /// The server's yes and its early end; a slot outside 0 to 5 is RuntimeFault in the first, ignored in the second.
   void activatePowerup(std::int16_t slot);
   void unactivatePowerup(std::int16_t slot);
+  /// Counts one second off the running activations whenever the clock's second has changed.
   void tickPowerups();
 
   // The store (store/store.cpp).
@@ -131,7 +154,12 @@ class clsPlayer {
   void sendVelocity();
   void ageTails();
   void dequeuePosition();
+
+  // The main window's panels (rendering/playerPanel.cpp).
   void displayLag();
+  void displayFunds();
+  void displayCapture(std::int16_t victimColour);
+  void clearCaptureStrip();
 
   void paintBall(Vector centre);
   void advanceAnimation();

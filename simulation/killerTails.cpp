@@ -1,9 +1,15 @@
+#include "simulation/killerTails.h"
+
 #include <algorithm>
 #include <cstddef>
 
 #include "base/text.h"
+#include "core/bounds.h"
+#include "core/centreMessage.h"
 #include "core/modMain.h"
-#include "frontend/fontMan.h"
+#include "core/players.h"
+#include "frontend/console.h"
+#include "simulation/clsPlayer.h"
 
 namespace kelvora::modMain {
 

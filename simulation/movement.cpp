@@ -4,10 +4,13 @@
 #include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/text.h"
+#include "core/mainLoop.h"
 #include "core/modMain.h"
-#include "network/netMan.h"
+#include "core/view.h"
+#include "network/send.h"
 #include "network/wire/wireFormat.h"
 #include "simulation/clsPlayer.h"
+#include "simulation/survival.h"
 
 namespace kelvora {
 

@@ -2,9 +2,11 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "core/bounds.h"
+#include "core/mainLoop.h"
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
-#include "network/netMan.h"
+#include "core/view.h"
+#include "network/send.h"
 #include "network/wire/wireFormat.h"
 #include "simulation/clsPlayer.h"
 
@@ -124,8 +126,6 @@ void clsPlayer::receiveLatencyReport(std::int32_t value) {
   reportedLag = value;
   displayLag();
 }
-
-void clsPlayer::displayLag() { frmMain->lblLag.Caption = numberText(lag) + "/" + numberText(reportedLag); }
 
 // Quirk Q-260: velocities are taken from the server, but nothing calls this, so no client is ever their source.
 void clsPlayer::sendVelocity() {

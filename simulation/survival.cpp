@@ -1,8 +1,11 @@
+#include "simulation/survival.h"
+
 #include <cstddef>
 
 #include "base/text.h"
 #include "core/modMain.h"
-#include "frontend/fontMan.h"
+#include "core/view.h"
+#include "frontend/console.h"
 
 namespace kelvora::modMain {
 

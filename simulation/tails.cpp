@@ -3,10 +3,12 @@
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "core/bounds.h"
+#include "core/chance.h"
 #include "core/modMain.h"
 #include "simulation/clsPlayer.h"
 #include "simulation/clsTail.h"
-#include "simulation/draws.h"
+#include "simulation/killerTails.h"
 
 namespace kelvora {
 

@@ -1,3 +1,5 @@
+#include "store/store.h"
+
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -6,8 +8,8 @@
 #include "base/fault.h"
 #include "base/text.h"
 #include "core/modMain.h"
-#include "frontend/fontMan.h"
-#include "network/netMan.h"
+#include "frontend/console.h"
+#include "network/send.h"
 #include "network/wire/wireFormat.h"
 #include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"

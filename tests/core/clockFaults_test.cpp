@@ -6,7 +6,6 @@
 #include <string>
 #include <utility>
 
-#include "core/modMain.h"
 #include "network/wire/wireFormat.h"
 #include "store/powerupTable.h"
 #include "tests/support/gameTest.h"

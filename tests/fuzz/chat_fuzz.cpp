@@ -1,7 +1,6 @@
 // What can be typed: lines of chat, console commands, keys and clicks, with the music and the store behind them.
 
 #include "frontend/frmMain.h"
-#include "network/netMan.h"
 #include "tests/fuzz/fuzzClient.h"
 
 namespace kelvora {

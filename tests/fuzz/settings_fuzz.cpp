@@ -3,7 +3,6 @@
 #include <array>
 #include <utility>
 
-#include "core/modMain.h"
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
 #include "frontend/frmFonts.h"

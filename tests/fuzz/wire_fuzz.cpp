@@ -1,6 +1,5 @@
 // A server of ill will: any bytes, split at any place, while frames run, boxes stand and the player does things.
 
-#include "core/modMain.h"
 #include "frontend/frmConnect.h"
 #include "frontend/frmMain.h"
 #include "store/frmPowerups.h"

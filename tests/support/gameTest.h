@@ -7,11 +7,31 @@
 #include <string_view>
 #include <vector>
 
+#include "core/bounds.h"
+#include "core/centreMessage.h"
+#include "core/chance.h"
+#include "core/input.h"
+#include "core/mainLoop.h"
 #include "core/modMain.h"
+#include "core/players.h"
+#include "core/startUp.h"
+#include "core/view.h"
+#include "frontend/console.h"
 #include "frontend/frmMain.h"
-#include "network/netMan.h"
+#include "network/chat.h"
+#include "network/handlers.h"
+#include "network/receive.h"
+#include "network/send.h"
+#include "network/session.h"
 #include "network/wire/wireFormat.h"
+#include "particles/pools.h"
 #include "platform/headless/headlessBackend.h"
+#include "rendering/paintFrame.h"
+#include "rendering/pointer.h"
+#include "rendering/startLogo.h"
+#include "simulation/killerTails.h"
+#include "simulation/survival.h"
+#include "store/store.h"
 
 namespace kelvora {
 

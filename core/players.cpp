@@ -1,31 +1,14 @@
-#include <cmath>
+#include "core/players.h"
+
+#include <cstddef>
 
 #include "base/fault.h"
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
+#include "simulation/clsPlayer.h"
 
 namespace kelvora::modMain {
 
-World world;
-
-void keepName(const std::string& name) {
-  if (name.size() > mostNameBytes - world.nameBytes) raiseOutOfMemory();
-  world.nameBytes += name.size();
-}
-
-float getDistance(Vector a, Vector b) {
-  const double dx = std::fabs(a.x - b.x);
-  const double dy = std::fabs(a.y - b.y);
-  return static_cast<float>(std::sqrt(dx * dx + dy * dy));
-}
-
-bool isOnScreen(Vector worldPoint) {
-  const Vector point = worldToScreen(worldPoint);
-  const PictureBox& canvas = frmMain->canvas;
-  return 0 <= point.x && point.x <= canvas.Width && 0 <= point.y && point.y <= canvas.Height;
-}
-
-Vector getLocalPosition() { return world.localPlayer.position; }
+void fillColourNames() { world.colourNames = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"}; }
 
 std::int16_t getPlayerIndex(std::int16_t node) {
   // Quirk Q-222: nobody asks whether he is in the game, so that before the first login node 0 is the local player.
@@ -56,19 +39,6 @@ clsPlayer& playerAt(std::int16_t index) {
   return world.opponents[static_cast<std::size_t>(index)];
 }
 
-void showCentreMessage(const std::string& text) {
-  world.centreMessage = text;
-  world.centreMessageAge = 0;
-}
-
-void showNextTip() {
-  showCentreMessage(world.tips[static_cast<std::size_t>(world.nextTip)]);
-  ++world.nextTip;
-  if (world.nextTip >= static_cast<std::int16_t>(world.tips.size())) world.nextTip = 0;
-}
-
-Vector getMousePos() { return world.mousePos; }
-std::int16_t getSteerAngle() { return world.steerAngle; }
-std::int16_t getSteerQuadrant() { return world.steerQuadrant; }
+Vector getLocalPosition() { return world.localPlayer.position; }
 
 }  // namespace kelvora::modMain

@@ -1,10 +1,9 @@
 #include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/numbers.h"
-#include "base/text.h"
-#include "core/modMain.h"
-#include "frontend/frmMain.h"
-#include "rendering/frmGfx.h"
+#include "core/centreMessage.h"
+#include "core/view.h"
+#include "particles/pools.h"
 #include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"
 #include "store/powerupTable.h"
@@ -53,9 +52,7 @@ void clsPlayer::respawn() {
   alive = true;
   if (playerIndex == localIndex && frmPowerups.isVisible()) frmPowerups.unload();
   captures.clear();
-  PictureBox& strip = frmMain->picCaps[colour];
-  strip.Cls();
-  strip.Refresh();
+  clearCaptureStrip();
   breaksOn = true;
   if (playerIndex == localIndex) modMain::showNextTip();
 }
@@ -72,15 +69,8 @@ void clsPlayer::receiveCapture(std::int16_t victimColour) {
   captures.push_back(victimColour);
   kills = toInt16(kills + 1);
   displayKills();
-  SheetImage& sheet = frmGfx->imgCaps;
-  const float width = sheet.Width / 6;
-  const float left = static_cast<float>(victimColour) * width;
-  PictureBox& strip = frmMain->picCaps[colour];
-  strip.PaintPicture(sheet.cells(), left, 0, width, sheet.Height, left, 0, SRCCOPY);
-  strip.Refresh();
+  displayCapture(victimColour);
 }
-
-void clsPlayer::displayKills() { frmMain->lblKills[colour].Caption = numberText(std::int32_t{kills}); }
 
 void clsPlayer::setKills(std::int16_t newKills) {
   kills = newKills;
@@ -89,8 +79,7 @@ void clsPlayer::setKills(std::int16_t newKills) {
 
 void clsPlayer::funds(double credits) {
   funds_ = roundToEven(credits) + 0.0;  // no negative zero
-  if (playerIndex != localIndex) return;
-  frmMain->lblCredits.Caption = numberText(funds_);
+  if (playerIndex == localIndex) displayFunds();
 }
 
 }  // namespace kelvora

@@ -1,3 +1,5 @@
+#include "frontend/console.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <string_view>

@@ -1,3 +1,5 @@
+#include "core/view.h"
+
 #include <cmath>
 
 #include "core/modMain.h"
@@ -11,17 +13,30 @@ namespace {
 /// this runs several times for everything in the world.
 float wholeHalf(float length) { return static_cast<float>(static_cast<int>(length / 2)); }
 
-}  // namespace
-
-Vector getCanvasCentre() {
-  const PictureBox& canvas = frmMain->canvas;
-  return {wholeHalf(canvas.Width), wholeHalf(canvas.Height)};
+/// The canvas point of a world point on a canvas of this size.
+Vector placeOn(Vector size, Vector worldPoint) {
+  const Vector& eye = world.localPlayer.position;
+  return {wholeHalf(size.x) - (eye.x - worldPoint.x), wholeHalf(size.y) - (eye.y - worldPoint.y)};
 }
 
-Vector worldToScreen(Vector worldPoint) {
-  const Vector centre = getCanvasCentre();
-  const Vector& eye = world.localPlayer.position;
-  return {centre.x - (eye.x - worldPoint.x), centre.y - (eye.y - worldPoint.y)};
+}  // namespace
+
+Vector getCanvasSize() {
+  const PictureBox& canvas = frmMain->canvas;
+  return {canvas.Width, canvas.Height};
+}
+
+Vector getCanvasCentre() {
+  const Vector size = getCanvasSize();
+  return {wholeHalf(size.x), wholeHalf(size.y)};
+}
+
+Vector worldToScreen(Vector worldPoint) { return placeOn(getCanvasSize(), worldPoint); }
+
+bool isOnScreen(Vector worldPoint) {
+  const Vector size = getCanvasSize();
+  const Vector point = placeOn(size, worldPoint);
+  return 0 <= point.x && point.x <= size.x && 0 <= point.y && point.y <= size.y;
 }
 
 Bearing getBearing(Vector from, Vector to) {
@@ -40,6 +55,12 @@ Bearing getBearing(Vector from, Vector to) {
   if (to.y < from.y && to.x < from.x) bearing.quadrant = 2;
   if (to.y > from.y && to.x < from.x) bearing.quadrant = 3;
   return bearing;
+}
+
+float getDistance(Vector a, Vector b) {
+  const double dx = std::fabs(a.x - b.x);
+  const double dy = std::fabs(a.y - b.y);
+  return static_cast<float>(std::sqrt(dx * dx + dy * dy));
 }
 
 }  // namespace kelvora::modMain

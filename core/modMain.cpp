@@ -1,0 +1,7 @@
+#include "core/modMain.h"
+
+namespace kelvora::modMain {
+
+World world;
+
+}  // namespace kelvora::modMain

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// What the server's messages do, each run by processMessages alone, which swallows their faults. Players are named by
+/// their node; a node that belongs to nobody is taken for the first opponent. Places are world units.
+namespace kelvora::netMan {
+
+void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y);
+void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::string& name, float x, float y,
+                         std::int16_t alive, std::int16_t kills);
+void receivePlayerLeft(std::int16_t node);
+void receiveRespawn(std::int16_t node);
+void receiveRoundOver(const std::string& text);
+void receivePosition(std::int16_t node, float x, float y);
+/// World units per frame.
+void receiveVelocity(std::int16_t node, float vx, float vy);
+void receiveAliveState(std::int16_t node, std::int16_t alive);
+/// Credits.
+void receiveFunds(std::int16_t node, double funds);
+/// Items are powerup slots.
+void receivePowerupOn(std::int16_t node, std::int16_t item);
+void receivePowerupOff(std::int16_t node, std::int16_t item);
+void receiveChat(std::int16_t node, const std::string& text);
+
+}  // namespace kelvora::netMan

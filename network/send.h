@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kelvora::netMan {
+
+/// Builds one frame and hands it to the socket; dropped in silence unless the socket is connected.
+void sendMessage(std::int16_t id, const std::vector<std::string>& fields);
+
+}  // namespace kelvora::netMan

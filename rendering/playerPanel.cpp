@@ -1,0 +1,31 @@
+// What the main window's panels tell of the players: captures, kills, credits and lag.
+
+#include "base/text.h"
+#include "frontend/frmMain.h"
+#include "rendering/frmGfx.h"
+#include "simulation/clsPlayer.h"
+
+namespace kelvora {
+
+void clsPlayer::displayCapture(std::int16_t victimColour) {
+  const SheetImage& sheet = frmGfx->imgCaps;
+  const float width = sheet.Width / 6;
+  const float left = static_cast<float>(victimColour) * width;
+  PictureBox& strip = frmMain->picCaps[colour];
+  strip.PaintPicture(sheet.cells(), left, 0, width, sheet.Height, left, 0, SRCCOPY);
+  strip.Refresh();
+}
+
+void clsPlayer::clearCaptureStrip() {
+  PictureBox& strip = frmMain->picCaps[colour];
+  strip.Cls();
+  strip.Refresh();
+}
+
+void clsPlayer::displayKills() { frmMain->lblKills[colour].Caption = numberText(std::int32_t{kills}); }
+
+void clsPlayer::displayFunds() { frmMain->lblCredits.Caption = numberText(funds_); }
+
+void clsPlayer::displayLag() { frmMain->lblLag.Caption = numberText(lag) + "/" + numberText(reportedLag); }
+
+}  // namespace kelvora
