@@ -4,10 +4,9 @@
 #include <cmath>
 
 #include "base/numbers.h"
-#include "core/bounds.h"
 #include "core/chance.h"
+#include "core/glide.h"
 #include "core/mainLoop.h"
-#include "core/modMain.h"
 #include "core/players.h"
 #include "core/view.h"
 
@@ -20,9 +19,6 @@ constexpr float explosionSpeed = 100;
 constexpr float slowestBlast = 10;
 constexpr float blastFactor = 15;
 constexpr float wrapInset = 300;
-constexpr float arrivalDistance = 500;
-constexpr float jumpDistance = 10000;
-constexpr double glideFrames = 7;
 
 // Quirk Q-116: a sign is negative 501 times in 1000, the flip of a coin True 4999 times in 10000.
 float withDrawnSign(float value) { return drawBelow(1000) < 501 ? -value : value; }
@@ -30,12 +26,6 @@ float withDrawnSign(float value) { return drawBelow(1000) < 501 ? -value : value
 float scatterOffset() {
   const float offset = static_cast<float>(drawBelow(500));
   return modMain::coinFlip() ? -offset : offset;
-}
-
-float glideStep(float target, float from) {
-  const float step = static_cast<float>((static_cast<double>(target) - from) / glideFrames);
-  if (step != 0) return step;
-  return target < from ? -1.0F : 1.0F;
 }
 
 }  // namespace
@@ -146,57 +136,20 @@ void clsParticle::moveNormal() {
     return;
   }
   previousPosition = position;
-  if (velocity.x == 0 || velocity.y == 0) stepSet = false;
-  while (!positionQueue.empty() && !modMain::isOnScreen(positionQueue.front())) {
-    position = positionQueue.front();
-    dropQueuedPosition();
-    stepSet = false;
-  }
-  if (positionQueue.empty()) return;
-
-  const float distance = modMain::getDistance(position, positionQueue.front());
-  if (distance < arrivalDistance) {
-    position = positionQueue.front();
-    dropQueuedPosition();
-    stepSet = false;
-    if (positionQueue.empty()) return;
-  } else if (distance > jumpDistance) {
-    // Quirk Q-115: like an opponent's, a jump keeps the step.
-    position = positionQueue.front();
-    dropQueuedPosition();
-    return;
-  }
-  if (!stepSet) {
-    const Vector target = positionQueue.front();
-    velocity = {glideStep(target.x, position.x), glideStep(target.y, position.y)};
-    stepSet = true;
-  }
-  // Quirk Q-111: as with the opponents the stored step itself is scaled, in every frame anew.
-  const double timeScale = modMain::getTimeScale();
-  velocity = {toSingle(velocity.x * timeScale), toSingle(velocity.y * timeScale)};
   // Quirk Q-118: the limit was never given a value and is 0: to the right and downward the server's particles move by
   // jumps alone.
   constexpr float limit = 0;
-  if (velocity.x > limit) velocity.x = limit;
-  if (velocity.y > limit) velocity.y = limit;
-  position = {position.x + velocity.x, position.y + velocity.y};
+  modMain::glide({position, velocity, positionQueue, stepSet, limit}, [] {});
 }
 
 void clsParticle::queuePosition(Vector point) {
-  if (!(point.x >= 0 && point.x <= modMain::worldSize && point.y >= 0 && point.y <= modMain::worldSize)) return;
+  if (!modMain::isInWorld(point)) return;
   if (!hasPosition) {
     hasPosition = true;
     position = point;
     return;
   }
-  if (modMain::world.queuedPositions >= modMain::mostQueuedPositions) return;
-  positionQueue.push_back(point);
-  ++modMain::world.queuedPositions;
-}
-
-void clsParticle::dropQueuedPosition() {
-  positionQueue.pop_front();
-  if (modMain::world.queuedPositions > 0) --modMain::world.queuedPositions;
+  modMain::addTarget(positionQueue, point);
 }
 
 }  // namespace kelvora

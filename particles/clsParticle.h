@@ -66,8 +66,6 @@ class clsParticle {
   std::int16_t age = 0;  ///< paints counted, see `isWaiting`
 
  private:
-  /// Takes the oldest of the server's positions away.
-  void dropQueuedPosition();
   /// Counts one paint of an explosion particle; True if it is not to be drawn. It may have left its pool.
   bool isWaiting();
   void paintBackground(Vector place) const;

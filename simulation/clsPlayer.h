@@ -153,7 +153,6 @@ class clsPlayer {
   void sendPosition();
   void sendVelocity();
   void ageTails();
-  void dequeuePosition();
 
   // The main window's panels (rendering/playerPanel.cpp).
   void displayLag();
