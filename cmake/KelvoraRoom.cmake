@@ -53,6 +53,19 @@ function(kelvora_room name)
   target_link_libraries(kelvora_${name} PUBLIC kelvora_options ${ARGN})
 endfunction()
 
+# kelvora_client(ROOM ...): one static library from the rooms of the game, which call one another.
+function(kelvora_client)
+  add_library(kelvora_client STATIC)
+  # A unity build reads only the sources of one room as one.
+  set_target_properties(kelvora_client PROPERTIES UNITY_BUILD_MODE GROUP)
+  foreach(room ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${room}/*.cpp)
+    set_source_files_properties(${sources} PROPERTIES UNITY_GROUP ${room})
+    target_sources(kelvora_client PRIVATE ${sources})
+  endforeach()
+  target_link_libraries(kelvora_client PUBLIC kelvora_options kelvora_wire kelvora_platform kelvora_raster kelvora_base)
+endfunction()
+
 # kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder.
 function(kelvora_tests name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)

@@ -1,7 +1,8 @@
 #include "core/input.h"
 
+#include <iterator>
+
 #include "core/modMain.h"
-#include "store/powerupTable.h"
 
 namespace kelvora::modMain {
 
@@ -13,7 +14,8 @@ std::int16_t getSteerQuadrant() { return world.steerQuadrant; }
 
 void requestPowerup(std::int16_t number) {
   const int slot = number - 1;
-  if (0 <= slot && slot < powerupSlotCount) world.localPlayer.requestActivatePowerup(static_cast<std::int16_t>(slot));
+  if (0 <= slot && slot < std::ssize(world.localPlayer.powerups))
+    world.localPlayer.requestActivatePowerup(static_cast<std::int16_t>(slot));
 }
 
 void toggleLocalBreaks() { world.localPlayer.toggleBreaks(); }
