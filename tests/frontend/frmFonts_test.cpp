@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/fault.h"
+#include "frontend/console.h"
 #include "frontend/fontMan.h"
 #include "tests/support/gameTest.h"
 

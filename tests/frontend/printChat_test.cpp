@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "base/fault.h"
+#include "frontend/console.h"
 #include "frontend/fontMan.h"
 #include "tests/support/gameTest.h"
 

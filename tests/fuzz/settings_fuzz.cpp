@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "frontend/console.h"
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
 #include "frontend/frmFonts.h"

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "frontend/console.h"
 #include "frontend/fontMan.h"
 #include "tests/rendering/goldenPainting.h"
 

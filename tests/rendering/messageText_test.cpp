@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "frontend/console.h"
 #include "frontend/fontMan.h"
 #include "tests/rendering/paintTest.h"
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/fault.h"
+#include "frontend/console.h"
 #include "frontend/fontMan.h"
 #include "rendering/frmGfx.h"
 #include "tests/support/gameTest.h"
