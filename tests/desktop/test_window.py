@@ -1,6 +1,7 @@
 """What stands on the screen: the ball in the middle, the world's border, the window's layout at other sizes, and what
 the next start remembers."""
 
+import re
 import shutil
 import tempfile
 import unittest
@@ -120,6 +121,21 @@ class Layout(harness.DesktopTest):
         client.resize(894, 670)
         line.send(harness.PING, 2)
         self.assertEqual(line.recv_frame()[0], harness.POSITION_REPORT)
+
+
+class Icon(harness.DesktopTest):
+    def test_q308_the_window_shows_the_games_icon(self):
+        client = self.start_client()
+
+        def pixels():
+            """Width, height and then one number a pixel, alpha in its top byte."""
+            text = self.display.run("xprop", "-id", client.window.identifier, "-notype", "32c", "_NET_WM_ICON")
+            return [int(number) for number in re.findall(r"\d+", text.partition("=")[2])]
+
+        harness.wait_until_it_holds(lambda: self.assertTrue(pixels(), "the icon comes with the first events"))
+        width, height, *colours = pixels()
+        self.assertEqual(width, height)
+        self.assertTrue(any(colour >> 24 for colour in colours[:width * height]), "it is not blank")
 
 
 class Settings(harness.DesktopTest):
