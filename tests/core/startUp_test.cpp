@@ -55,6 +55,12 @@ TEST_F(StartUp, GoesStepByStepInItsOrder) {
   EXPECT_EQ(happenings(), expected);
 }
 
+TEST_F(StartUp, LooksForUpdatesOnlyIfTheMenuSaysSo) {
+  machine.settings[{"misc", "updates"}] = "False";
+  start();
+  EXPECT_TRUE(machine.socketOf(frmMain->sockUpdates).connects.empty());
+}
+
 TEST_F(StartUp, PutsTheVersionBehindTheCaption) {
   EXPECT_EQ(frmMain->Caption.get(), "Kelvora");
   start();

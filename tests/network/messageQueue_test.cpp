@@ -49,6 +49,8 @@ TEST(MessageQueue, AnEntryUnderWayCanBecomeReadyAgain) {
   EXPECT_FALSE(queue.takeFirstReady());
   queue.append("b\x81");
   EXPECT_EQ(queue.takeFirstReady()->text, "ab");
+  EXPECT_FALSE(queue.takeFirstReady());
+  EXPECT_EQ(queue.text(1), "ab") << "parked for the second time";
 }
 
 TEST(MessageQueue, RemovesByNumberAlsoInFrontOfEntriesUnderWay) {
@@ -106,6 +108,23 @@ TEST(MessageQueue, BeyondTheTotalNoEntryTakesText) {
   EXPECT_FALSE(queue.takeFirstReady());
   queue.append("room again\x81");
   EXPECT_EQ(queue.takeFirstReady()->text, "room again");
+}
+
+TEST(MessageQueue, RemovedEntriesGiveBackExactlyTheirRoom) {
+  MessageQueue queue;
+  const std::string full = std::string(MessageQueue::entryLimit - 1, 'x') + '\x81';
+  constexpr std::size_t fitting = MessageQueue::totalLimit / MessageQueue::entryLimit;
+  for (int round = 0; round < 2; ++round) {
+    for (std::size_t i = 0; i <= fitting; ++i) {
+      queue.startEntry();
+      queue.append(full);
+    }
+    for (std::size_t i = 1; i <= fitting; ++i) ASSERT_EQ(queue.text(i).size(), full.size()) << round << " " << i;
+    EXPECT_EQ(queue.text(fitting + 1), "") << "the total is used up";
+    for (std::size_t i = 0; i < fitting; ++i) queue.removeMessage(queue.takeFirstReady()->index);
+    queue.removeMessage(1);
+    ASSERT_EQ(queue.messageCount(), 0);
+  }
 }
 
 // With a cost that grows by what is parked this would be some ten thousand million steps.
