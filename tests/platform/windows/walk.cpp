@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "core/modMain.h"
+#include "core/startUp.h"
 #include "frontend/frmConnect.h"
 #include "frontend/frmGameFind.h"
 #include "frontend/frmMain.h"
