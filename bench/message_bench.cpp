@@ -6,8 +6,8 @@
 #include "generated/sourceFolder.h"
 #include "network/receive.h"
 #include "network/session.h"
-#include "network/wire/wireFormat.h"
 #include "platform/headless/headlessBackend.h"
+#include "protocol/wireFormat.h"
 #include "rendering/frmGfx.h"
 #include "simulation/clsPlayer.h"
 

@@ -63,7 +63,7 @@ function(kelvora_client)
     set_source_files_properties(${sources} PROPERTIES UNITY_GROUP ${room})
     target_sources(kelvora_client PRIVATE ${sources})
   endforeach()
-  target_link_libraries(kelvora_client PUBLIC kelvora_options kelvora_wire kelvora_platform kelvora_raster kelvora_base)
+  target_link_libraries(kelvora_client PUBLIC kelvora_options kelvora_protocol kelvora_platform kelvora_raster kelvora_base)
 endfunction()
 
 # kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder.

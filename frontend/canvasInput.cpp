@@ -2,7 +2,7 @@
 #include "core/input.h"
 #include "frontend/frmMain.h"
 #include "platform/backend.h"
-#include "store/powerupTable.h"
+#include "protocol/powerupTable.h"
 
 namespace kelvora {
 

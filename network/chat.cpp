@@ -10,7 +10,7 @@
 #include "frontend/frmMain.h"
 #include "network/handlers.h"
 #include "network/send.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::netMan {
 

@@ -10,9 +10,9 @@
 #include "frontend/console.h"
 #include "network/handlers.h"
 #include "network/session.h"
-#include "network/wire/wireFormat.h"
 #include "particles/pools.h"
 #include "platform/backend.h"
+#include "protocol/wireFormat.h"
 #include "simulation/killerTails.h"
 #include "store/frmPowerups.h"
 

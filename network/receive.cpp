@@ -3,7 +3,7 @@
 #include "base/fault.h"
 #include "network/dispatch.h"
 #include "network/messageQueue.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::netMan {
 

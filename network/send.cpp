@@ -1,7 +1,7 @@
 #include "network/send.h"
 
 #include "frontend/gameSocket.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::netMan {
 

@@ -8,8 +8,8 @@
 
 #include "base/vector.h"
 #include "platform/backend.h"
+#include "protocol/powerupTable.h"
 #include "simulation/clsTail.h"
-#include "store/powerupTable.h"
 
 namespace kelvora {
 

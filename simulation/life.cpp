@@ -4,9 +4,9 @@
 #include "core/centreMessage.h"
 #include "core/view.h"
 #include "particles/pools.h"
+#include "protocol/powerupTable.h"
 #include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"
-#include "store/powerupTable.h"
 
 namespace kelvora {
 

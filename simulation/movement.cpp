@@ -8,7 +8,7 @@
 #include "core/modMain.h"
 #include "core/view.h"
 #include "network/send.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "simulation/clsPlayer.h"
 #include "simulation/survival.h"
 

@@ -5,7 +5,7 @@
 #include "core/glide.h"
 #include "core/modMain.h"
 #include "network/send.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora {

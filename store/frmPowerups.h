@@ -8,7 +8,7 @@
 #include "platform/form.h"
 #include "platform/pictureBox.h"
 #include "platform/widgets.h"
-#include "store/powerupTable.h"
+#include "protocol/powerupTable.h"
 
 namespace kelvora {
 

@@ -7,10 +7,10 @@
 #include "core/centreMessage.h"
 #include "frontend/console.h"
 #include "network/send.h"
-#include "network/wire/wireFormat.h"
 #include "platform/backend.h"
+#include "protocol/powerupTable.h"
+#include "protocol/wireFormat.h"
 #include "simulation/clsPlayer.h"
-#include "store/powerupTable.h"
 
 namespace kelvora {
 

@@ -10,7 +10,7 @@
 #include "core/modMain.h"
 #include "frontend/console.h"
 #include "network/send.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"
 

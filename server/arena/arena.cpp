@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/chat.h"
 
 namespace kelvora::server {

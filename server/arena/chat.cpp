@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/wholeNumber.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {

@@ -1,7 +1,7 @@
 #include "server/arena/combat.h"
 
 #include "base/wholeNumber.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::server {
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "base/wholeNumber.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::server {
 

@@ -5,7 +5,7 @@
 
 #include "base/millis.h"
 #include "base/outcome.h"
-#include "store/powerupTable.h"
+#include "protocol/powerupTable.h"
 
 namespace kelvora::server {
 

@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::server {
 

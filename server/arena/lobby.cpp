@@ -5,7 +5,7 @@
 
 #include "base/text.h"
 #include "base/wholeNumber.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {

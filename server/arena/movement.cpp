@@ -1,7 +1,7 @@
 #include "server/arena/movement.h"
 
 #include "base/wholeNumber.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/enclosure.h"
 #include "server/arena/plane.h"
 

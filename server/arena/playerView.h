@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "protocol/powerupTable.h"
 #include "server/arena/clientId.h"
 #include "server/arena/plane.h"
-#include "store/powerupTable.h"
 
 namespace kelvora::server {
 

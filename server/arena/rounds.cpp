@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {

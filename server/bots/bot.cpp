@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::server {
 

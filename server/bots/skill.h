@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "base/millis.h"
-#include "store/powerupTable.h"
+#include "protocol/powerupTable.h"
 
 namespace kelvora::server {
 

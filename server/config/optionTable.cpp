@@ -4,7 +4,7 @@
 
 #include "base/codePage.h"
 #include "base/wholeNumber.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/lists/announcement.h"
 
 namespace kelvora::server {

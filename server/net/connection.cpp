@@ -4,7 +4,7 @@
 #include <boost/asio/post.hpp>
 #include <utility>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::server {
 

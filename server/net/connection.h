@@ -8,9 +8,9 @@
 #include <string>
 #include <variant>
 
+#include "protocol/frameReader.h"
 #include "server/arena/clientId.h"
 #include "server/net/clientStream.h"
-#include "server/net/frameReader.h"
 #include "server/web/http.h"
 
 namespace kelvora::server {
@@ -75,7 +75,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Speech speech_ = Speech::opening;
   Clock::time_point deadline_;
   const char* overdue_ = "";  // why it ends at the deadline
-  FrameReader frames_;
+  wire::FrameReader frames_;
   std::unique_ptr<HttpReader> request_;
   BodySource body_;  // what is left of an answer
   bool keepsAlive_ = false;

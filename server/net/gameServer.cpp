@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/net/origin.h"
 #include "server/web/homePage.h"
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
-#include "network/wire/wireFormat.h"
-#include "store/powerupTable.h"
+#include "protocol/powerupTable.h"
+#include "protocol/wireFormat.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {

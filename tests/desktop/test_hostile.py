@@ -39,7 +39,7 @@ SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "
 
 def client_messages():
     """The messages that the client understands, read from its own table: the id with the types of its fields."""
-    with open(os.path.join(SOURCES, "wire", "wireFormat.h")) as file:
+    with open(os.path.join(SOURCES, "..", "protocol", "wireFormat.h")) as file:
         ids = {name: int(number) for name, number in re.findall(r"(msg\w+) = (\d+)", file.read())}
     with open(os.path.join(SOURCES, "dispatch.cpp")) as file:
         source = file.read()

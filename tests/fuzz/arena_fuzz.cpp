@@ -6,10 +6,10 @@
 #include <set>
 #include <string>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/frameReader.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
 #include "server/bots/botKeeper.h"
-#include "server/net/frameReader.h"
 #include "tests/fuzz/input.h"
 
 namespace kelvora::server {
@@ -61,14 +61,14 @@ class Table : private ArenaOutput {
  private:
   struct Person {
     ClientId client = 0;
-    FrameReader reader{};
+    wire::FrameReader reader{};
   };
 
   void send(ClientId client, const std::string& frame) override {
     // One whole frame, with nothing in it that ends it early.
     require(frame.size() >= 3 && frame.front() == wire::frameStart && frame.back() == wire::frameEnd);
     require(frame.find(wire::frameStart, 1) == std::string::npos && frame.find(wire::frameEnd) == frame.size() - 1);
-    require(frame.size() <= FrameReader::longestFrame + 2);
+    require(frame.size() <= wire::FrameReader::longestFrame + 2);
     if (isBot(client)) return keeper_.hear(client, frame, now_);
     const auto found = sentTo_.find(client);
     require(found != sentTo_.end());

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/text.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "tests/match/replay.h"

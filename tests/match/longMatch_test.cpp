@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "base/text.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/frameReader.h"
+#include "protocol/wireFormat.h"
 #include "rendering/frmGfx.h"
 #include "server/arena/arena.h"
-#include "server/net/frameReader.h"
 #include "tests/support/gameTest.h"
 
 // A long match: the real client, the real rules of the server and five other players, in one process and on a clock
@@ -142,7 +142,7 @@ class LongMatch : public GameTest, public server::ArenaOutput {
   void log(const std::string&) override {}
 
   server::Arena arena_{*this, appVersionText(), "", 1, {.roundMs = 1000 * 3600, .speedFactor = 0}};
-  server::FrameReader reader_;
+  wire::FrameReader reader_;
   std::vector<Pilot> pilots_;
   std::string toUs_;
   std::deque<std::string> underWay_;  // what the server sent, a frame's worth each

@@ -13,7 +13,7 @@
 
 #include "base/text.h"
 #include "frontend/frmConnect.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/config/options.h"
 #include "store/frmPowerups.h"
 

@@ -9,11 +9,11 @@
 #include <string>
 #include <string_view>
 
+#include "protocol/frameReader.h"
 #include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "server/bots/botKeeper.h"
 #include "server/bots/sight.h"
-#include "server/net/frameReader.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
@@ -81,7 +81,7 @@ class LongPlay : public GameTest, private server::ArenaOutput {
   server::ClientId visitorClient_ = 0;
   server::ClientId ourClient_ = 0;
   server::ClientId lastClient_ = 0;
-  std::optional<server::FrameReader> reader_;
+  std::optional<wire::FrameReader> reader_;
   std::string toUs_;
   std::deque<std::string> underWay_;  // what the arena sent, a frame's worth each
   int frame_ = 0;

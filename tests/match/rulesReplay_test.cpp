@@ -10,7 +10,7 @@
 #include <string>
 
 #include "base/text.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
 #include "tests/match/replay.h"
 

@@ -9,7 +9,7 @@
 #include "frontend/frmFonts.h"
 #include "frontend/frmGameFind.h"
 #include "frontend/frmMain.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "store/frmPowerups.h"
 #include "tests/platform/windows/hands.h"
 #include "tests/platform/windows/scriptedDesktop.h"

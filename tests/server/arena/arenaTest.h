@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
 #include "tests/server/arena/recorder.h"
 

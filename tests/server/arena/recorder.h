@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/arena/arenaOutput.h"
 
 namespace kelvora::server {

@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::server {
 namespace {

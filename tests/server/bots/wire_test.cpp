@@ -7,7 +7,7 @@
 #include <set>
 
 #include "base/text.h"
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "tests/server/bots/contest.h"
 
 namespace kelvora::server {

@@ -12,7 +12,7 @@
 #include <random>
 #include <vector>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/net/pacedSocket.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
 

@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "server/net/gameServer.h"
 #include "tests/server/net/tcpClient.h"
 

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <string>
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
 #include "tests/server/net/webSocketClient.h"

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
 
-namespace kelvora::server {
+namespace kelvora::wire {
 
 /// Cuts a stream of bytes into frames, however the network has split or joined them.
 class FrameReader {
@@ -23,4 +24,4 @@ class FrameReader {
   std::string text_;  // of the frame that is under way
 };
 
-}  // namespace kelvora::server
+}  // namespace kelvora::wire

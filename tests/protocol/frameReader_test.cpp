@@ -1,10 +1,10 @@
-#include "server/net/frameReader.h"
+#include "protocol/frameReader.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-namespace kelvora::server {
+namespace kelvora::wire {
 namespace {
 
 using Texts = std::vector<std::string>;
@@ -75,4 +75,4 @@ TEST_F(FrameReaderTest, RefusesWhatIsTooLong) {
 }
 
 }  // namespace
-}  // namespace kelvora::server
+}  // namespace kelvora::wire

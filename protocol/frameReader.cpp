@@ -1,17 +1,17 @@
-#include "server/net/frameReader.h"
+#include "protocol/frameReader.h"
 
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
-namespace kelvora::server {
+namespace kelvora::wire {
 
-bool FrameReader::isLogin() const { return !text_.empty() && text_.front() == static_cast<char>(wire::msgLogin); }
+bool FrameReader::isLogin() const { return !text_.empty() && text_.front() == static_cast<char>(msgLogin); }
 
 bool FrameReader::read(std::string_view bytes, const std::function<void(std::string_view text)>& handle) {
   for (const char byte : bytes) {
-    if (isOpen_ == (byte == wire::frameStart) && !isLogin()) return false;
+    if (isOpen_ == (byte == frameStart) && !isLogin()) return false;
     if (!isOpen_) {
       isOpen_ = true;
-    } else if (byte == wire::frameEnd) {
+    } else if (byte == frameEnd) {
       handle(text_);
       text_.clear();
       isOpen_ = false;
@@ -24,4 +24,4 @@ bool FrameReader::read(std::string_view bytes, const std::function<void(std::str
   return true;
 }
 
-}  // namespace kelvora::server
+}  // namespace kelvora::wire

@@ -1,4 +1,4 @@
-#include "network/wire/wireFormat.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::wire {
 
