@@ -7,7 +7,8 @@ std::optional<std::string> codePageFromUtf8(std::string_view text) {
   std::size_t i = 0;
   while (i < text.size()) {
     const auto lead = static_cast<unsigned char>(text[i++]);
-    // Every letter of the code page takes one to three bytes; a byte in the middle, and a longer one, has none.
+    // Every character of the code page takes one to three bytes. A lead byte that is a continuation or starts a longer
+    // sequence is invalid.
     const std::size_t more = lead < 0x80 ? 0 : lead < 0xE0 ? 1 : 2;
     if ((lead >= 0x80 && lead < 0xC0) || lead >= 0xF0 || text.size() - i < more) return std::nullopt;
     char32_t code = more == 0 ? lead : lead & (more == 1 ? 0x1FU : 0x0FU);

@@ -4,7 +4,7 @@
 
 namespace kelvora {
 
-/// Milliseconds of a clock that never goes back.
+/// Milliseconds of a monotonic clock.
 using Millis = std::int64_t;
 
 }  // namespace kelvora

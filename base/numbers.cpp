@@ -11,7 +11,7 @@ namespace {
 template <class Integer>
 Integer toInteger(double value) {
   const double rounded = roundToEven(value);
-  // Written so that a value that is no number fails as well.
+  // Written so that NaN fails, too.
   const bool fits = rounded >= static_cast<double>(std::numeric_limits<Integer>::min()) &&
                     rounded <= static_cast<double>(std::numeric_limits<Integer>::max());
   if (!fits) raiseOverflow();
@@ -33,7 +33,7 @@ std::int32_t toInt32(double value) { return toInteger<std::int32_t>(value); }
 std::uint8_t toByte(double value) { return toInteger<std::uint8_t>(value); }
 
 float toSingle(double value) {
-  // Half a unit above the largest float: from here on the nearest float would be infinite.
+  // Half a unit above the largest float. From here on the nearest float would be infinite.
   constexpr double firstTooLarge = 0x1.ffffffp127;
   if (!(std::fabs(value) < firstTooLarge)) raiseOverflow();
   return static_cast<float>(value);

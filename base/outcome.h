@@ -5,14 +5,14 @@
 
 namespace kelvora {
 
-/// The result of a request that may be refused: done, or the reason why not.
+/// The result of a request that may be refused: done, or a reason.
 class [[nodiscard]] Outcome {
  public:
   static Outcome done() { return Outcome(false, {}); }
   static Outcome refused(std::string reason) { return Outcome(true, std::move(reason)); }
 
   bool isRefused() const { return isRefused_; }
-  /// In words for the one who asked; empty if it was done.
+  /// A text for the requester; empty if done.
   const std::string& reason() const { return reason_; }
 
  private:

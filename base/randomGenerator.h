@@ -4,17 +4,17 @@
 
 namespace kelvora {
 
-/// The one generator of uniform random numbers, 24 bits of state. The same seed gives the same draws on every machine.
+/// The game's uniform random numbers, with 24 bits of state. The same seed gives the same numbers on every machine.
 class RandomGenerator {
  public:
-  /// Starts the sequence from `seed`; every bit of its single-precision value counts.
+  /// Starts the sequence from `seed`. Every bit of its single-precision value counts.
   void randomize(float seed);
 
-  /// The next number, at least 0 and below 1.
+  /// The next number, from 0 up to but excluding 1.
   float next();
 
-  /// With a positive argument the next number, with 0 the last one again; a negative argument restarts the sequence
-  /// from that argument, so that equal arguments give equal numbers.
+  /// A positive argument returns the next number, 0 repeats the last one. A negative argument restarts the sequence
+  /// from that argument, so equal arguments return equal numbers.
   float next(float argument);
 
  private:

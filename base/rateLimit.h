@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// Lets a number of events through in a burst, and then so many a second on average.
+/// A token bucket: lets a burst of events through, then `perSecond` on average.
 class RateLimit {
  public:
   RateLimit(double perSecond, double burst) : perSecond_(perSecond), burst_(burst), tokens_(burst) {}

@@ -18,14 +18,14 @@ std::size_t skipDigits(std::string_view text, std::size_t at) {
   return at;
 }
 
-// The number at the head of a text: its value and how many characters it takes; length 0 is "no number here".
+// A number at the start of a text: its value and its length in characters. Length 0 means no number.
 struct NumberHead {
   double value = 0;
   std::size_t length = 0;
 };
 
-// Power of ten of the first digit other than 0, held where no double reaches. The exponent is digits behind an optional
-// sign, or empty.
+// The power of ten of the first nonzero digit, clamped far outside a double's range. `exponent` is empty or digits with
+// an optional sign.
 std::int64_t decimalMagnitude(std::string_view mantissa, std::string_view exponent) {
   constexpr std::int64_t farOut = 1'000'000'000'000'000;
   std::int64_t power = 0;
@@ -162,8 +162,8 @@ std::string formatThousands(double value) {
   if (!std::isfinite(value)) raiseOverflow();
   constexpr int decimals = 3;
   const double magnitude = std::fabs(value);
-  // Only odd sixteenths lie exactly half-way between two thousandths; these go away from zero. Their fourth decimal is
-  // the last, a 5, and the third one a 2 or a 7, so that one more there never carries.
+  // Only odd sixteenths lie exactly half-way between two thousandths, and they round away from zero. Their fourth and
+  // last decimal is 5 and the third is 2 or 7, so adding one never carries.
   const bool isHalfway = std::fmod(magnitude * 16.0, 2.0) == 1.0;
   std::array<char, 400> buffer{};
   auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude, std::chars_format::fixed,

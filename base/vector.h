@@ -2,7 +2,7 @@
 
 namespace kelvora {
 
-/// A point or displacement of the world or the canvas, in world units; one world unit is one canvas unit (twip).
+/// A point or displacement in the world or on the canvas, in world units. One world unit is one canvas unit (twip).
 struct Vector {
   float x = 0;
   float y = 0;

@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// The whole text as one number of that type; nothing if it is anything else or does not fit.
+/// The whole text as one number of the given type, or nothing if it is anything else or doesn't fit.
 template <class Number>
 std::optional<Number> wholeNumber(std::string_view text) {
   Number value = 0;

@@ -7,13 +7,13 @@
 #include "raster/spans.h"
 #include "raster/surface.h"
 
-// The disc of radius r pixels has the pixels nearer than r + 1/2 to its centre: dx dx + dy dy <= r r + r in whole
-// numbers. Its outline are those of its pixels that have one of their four neighbours outside.
+// A disc of radius r pixels has the pixels nearer than r + 1/2 to its centre: dx dx + dy dy <= r r + r in whole
+// numbers. Its outline is the pixels that have one of their four neighbours outside.
 
 namespace kelvora {
 namespace {
 
-// Reaches of the rows of the small discs: nearly every circle of the game is a particle of one or two pixels.
+// Row widths of small discs. Nearly every circle in the game is a particle with a radius of one or two pixels.
 constexpr int largestSmall = 7;
 using Reaches = std::array<std::array<int, largestSmall + 2>, largestSmall + 1>;
 constexpr Reaches smallReaches = [] {
@@ -28,14 +28,14 @@ constexpr Reaches smallReaches = [] {
   return reaches;
 }();
 
-// How far the disc's row reaches to either side of the centre; -1 above and below the disc.
+// How far the disc's row extends to either side of the centre; -1 above and below the disc.
 int rowReach(std::int64_t radius, std::int64_t row) {
   if (radius <= largestSmall) return smallReaches[static_cast<std::size_t>(radius)][static_cast<std::size_t>(row)];
   const std::int64_t rest = radius * radius + radius - row * row;
   return rest < 0 ? -1 : static_cast<int>(wholeRoot(rest));
 }
 
-// A whole small disc of one colour: the game paints hundreds a frame, too small for loops to pay.
+// A whole small disc of one colour. The game paints hundreds per frame, too small for loops to pay off.
 template <int radius, int... rows>
 void fillDisc(Pixel* centre, std::ptrdiff_t pitch, Pixel pixel, std::integer_sequence<int, rows...>) {
   const auto fillRow = [&]<int row>(std::integral_constant<int, row>) {
@@ -97,7 +97,7 @@ void Surface::Circle(float x, float y, float radius, Colour outline) {
       fill(rim, centreX - end, centreX + end);
       continue;
     }
-    // The outline is where the next row outward has ended, and the row's last pixel in any case.
+    // The outline begins where the next row outward ends, and always includes the row's last pixel.
     const int rimStart = std::min(end, rowReach(reach, distance + 1) + 1);
     fill(rim, centreX - end, centreX - rimStart);
     fill(inside, centreX - rimStart + 1, centreX + rimStart - 1);

@@ -4,7 +4,7 @@
 
 namespace kelvora {
 
-/// Three bytes: colours of lines, texts and controls.
+/// A colour of lines, texts and controls, one byte per channel.
 struct Colour {
   std::uint8_t red = 0;
   std::uint8_t green = 0;
@@ -18,7 +18,7 @@ constexpr Colour RGB(int red, int green, int blue) {
   return {static_cast<std::uint8_t>(red), static_cast<std::uint8_t>(green), static_cast<std::uint8_t>(blue)};
 }
 
-/// One pixel in memory: 0x00RRGGBB, the top byte always 0.
+/// A pixel in memory: 0x00RRGGBB. The top byte is always 0.
 using Pixel = std::uint32_t;
 
 constexpr Pixel toPixel(Colour colour) {

@@ -9,7 +9,7 @@
 namespace kelvora {
 namespace {
 
-// One axis of a copy: where it starts on either side and how many pixels it has.
+// One axis of a copy: the start on either side and the number of pixels.
 struct Stretch {
   int target;
   int source;
@@ -24,7 +24,7 @@ Stretch clipped(Stretch stretch, int targetSize, int sourceSize) {
   return stretch;
 }
 
-// By reference, because a wide value is returned in another way on every machine.
+// By reference, because each machine returns wide values differently.
 template <RasterOperation operation, class Value>
 [[gnu::always_inline]] inline void join(Value& result, const Pixel* target, const Pixel* source) {
   std::memcpy(&result, source, sizeof(Value));
@@ -35,8 +35,8 @@ template <RasterOperation operation, class Value>
   if constexpr (operation == SRCPAINT) result |= below;
 }
 
-// Whole blocks, of which the last overlaps the one before; joining twice what they share changes nothing. That last
-// block is read before the row is written: reading what has just been stored across two stores waits for both.
+// Copies whole blocks, the last of which overlaps the one before. Combining the shared pixels twice changes nothing.
+// The last block is read before the row is written, because reading across two recent stores stalls.
 template <RasterOperation operation, class Block>
 [[gnu::always_inline]] inline void joinBlocks(Rows rows) {
   constexpr auto blockWidth = static_cast<std::ptrdiff_t>(sizeof(Block) / sizeof(Pixel));

@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// What is copied from where to where; the pitches are the pixels from one row to the next.
+/// A copy's source and target. A pitch is the number of pixels from one row to the next.
 struct Rows {
   Pixel* target;
   std::ptrdiff_t targetPitch;

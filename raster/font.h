@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// A font as the game asks for it; the backend answers with the family or its free substitute.
+/// A font that the game requests. The backend supplies the family or a free substitute.
 struct FontSpec {
   std::string family = "MS Sans Serif";
   float size = 8.25F;  ///< points, 96 dots to the inch
@@ -15,7 +15,7 @@ struct FontSpec {
   friend bool operator==(const FontSpec&, const FontSpec&) = default;
 };
 
-/// The drawn form of one character: coverage 0 to 255, row by row.
+/// The shape of one character: coverage 0 to 255, row by row.
 struct Glyph {
   int left = 0;     ///< pixels from the pen to the bitmap's left edge
   int top = 0;      ///< pixels from the line's top to the bitmap's top edge
@@ -25,11 +25,11 @@ struct Glyph {
   std::vector<std::uint8_t> coverage;
 };
 
-/// Where glyphs come from: the platform's fonts on the desktop, a built-in face where there is no screen.
+/// Supplies glyphs: the platform's fonts on the desktop, a built-in face when headless.
 class GlyphSource {
  public:
   virtual ~GlyphSource() = default;
-  /// One character of code page 1252.
+  /// A character of code page 1252.
   virtual Glyph glyph(const FontSpec& font, unsigned char character) = 0;
   /// Pixels from the top of one line to the top of the next.
   virtual int lineHeight(const FontSpec& font) = 0;

@@ -9,14 +9,14 @@
 
 namespace kelvora {
 
-/// The glyphs of one font, each taken from the source when it is first wanted.
+/// The glyphs of one font. Each is fetched from the source on first use.
 class FontGlyphs {
  public:
   FontGlyphs(GlyphSource& source, FontSpec font);
 
   const FontSpec& font() const { return font_; }
   int lineHeight() const { return lineHeight_; }  ///< pixels
-  /// Its coverage has width times height bytes, whatever the source gave.
+  /// The coverage has width times height bytes, whatever the source supplied.
   const Glyph& glyph(unsigned char character);
 
  private:
@@ -26,10 +26,10 @@ class FontGlyphs {
   std::array<std::optional<Glyph>, 256> glyphs_;
 };
 
-/// The fonts printed or measured so far. A reference it gave is good until the source changes.
+/// The fonts printed or measured so far. References stay valid until the source changes.
 class GlyphCache {
  public:
-  /// Forgets all glyphs; null for no source.
+  /// Discards all glyphs. Null for no source.
   void setSource(GlyphSource* source);
   /// Null if there is no source.
   FontGlyphs* find(const FontSpec& font);
@@ -39,7 +39,7 @@ class GlyphCache {
   std::vector<std::unique_ptr<FontGlyphs>> fonts_;
 };
 
-/// The one cache that all surfaces print from.
+/// The cache shared by all surfaces.
 GlyphCache& glyphCache();
 
 }  // namespace kelvora

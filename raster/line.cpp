@@ -6,26 +6,25 @@
 #include "raster/spans.h"
 #include "raster/surface.h"
 
-// A line of width 1 has one pixel in every column (in every row, where it is steeper than 45 degrees): the one nearest
-// to the line, halves downward (to the right). The line does not know which end it was drawn from.
+// A line of width 1 has one pixel in every column (in every row if it is steeper than 45 degrees): the one nearest to
+// the line, halves downward (to the right). Its direction makes no difference.
 //
 // A line of width w, 2 to 64, has the pixels whose centres lie within w / 2 of the segment. For an even w the segment
-// lies half a pixel up and to the left of its pixels, so that w rows are covered. Everything is reckoned in half pixels
-// and whole numbers: the end A of the segment is (2 x - e, 2 y - e) with e = 1 for an even w and 0 for an odd one, the
-// pixel is (2 px, 2 py), and the distance is at most w.
+// is half a pixel up and to the left of its pixels, so that it covers w rows. All arithmetic is in whole half pixels:
+// the end A of the segment is (2 x - e, 2 y - e) with e = 1 for an even w and 0 for an odd one, the pixel is (2 px, 2
+// py), and the distance is at most w.
 
 namespace kelvora {
 namespace {
 
 constexpr int widestPen = 64;
 
-// Rows of an arc and of an edge are worked out so many at a time: nearly always one block does, so that the processor
-// need not guess how many there are.
+// Rows of an arc or edge computed at a time. One block is nearly always enough, so the branch is predictable.
 constexpr int arcBlock = 32;
 constexpr int edgeBlock = 32;
 
-// The pen's disc row by row from its top: how far the row reaches to the right of the pen's pixel. To the left it
-// reaches as far plus e. A disc of width w has w rows; behind them stand zeros up to a whole block.
+// The pen's disc, row by row from its top: how far the row extends to the right of the pen's pixel. To the left it
+// extends as far plus e. A disc of width w has w rows, followed by zeros up to a whole block.
 using Disc = std::array<std::int8_t, widestPen + arcBlock>;
 
 constexpr std::array<Disc, widestPen + 1> makeDiscs() {
@@ -44,7 +43,7 @@ constexpr std::array<Disc, widestPen + 1> makeDiscs() {
 
 constexpr std::array<Disc, widestPen + 1> discs = makeDiscs();
 
-// The image and the colour of a line.
+// A line's image and colour.
 struct Target {
   Pixel* pixels;
   int width;
@@ -57,14 +56,14 @@ struct End {
   int y;
 };
 
-// Rows of a thick line that are worked out before they are filled; behind them is room for the rest of a block.
+// Rows of a thick line computed before they are filled, with room after them for the rest of a block.
 constexpr int bandRows = 128;
 using BandSide = std::array<int, bandRows + std::max(arcBlock, edgeBlock)>;
 
-// A straight edge: in row r it lies at (start + (r - firstRow) step) / divisor, rounded down. It is followed in 32
-// binary places, which lose less than 129 units in a band of rows; 256 units are added for that, so that no whole
-// number is missed. None is reached too early either: the divisor is below 2^23, so what is not whole lacks at least
-// 512 units.
+// A straight edge. In row r it is at (start + (r - firstRow) step) / divisor, rounded down. It is tracked with 32
+// fractional bits, whose error stays below 129 units in a band of rows. Adding 256 units ensures that no whole number
+// is missed. None is reached too early either: the divisor is below 2^23, so a fraction is at least 512 units below the
+// next whole number.
 class Edge {
  public:
   Edge() = default;
@@ -91,7 +90,7 @@ class Edge {
   }
 
  private:
-  // dividend / divisor in units of 2^-32, at most a unit too low.
+  // dividend / divisor in units of 2^-32, at most one unit too low.
   std::int64_t places(std::int64_t dividend) const {
     auto quotient = static_cast<std::int64_t>(static_cast<double>(dividend) * inverse_);
     std::int64_t rest = dividend - quotient * divisor_;
@@ -115,11 +114,11 @@ class Edge {
   std::int64_t placesPerRow_ = 0;
 };
 
-// One side of a thick line: from top to bottom an arc of the upper disc, a straight edge and an arc of the lower disc.
+// One side of a thick line. From top to bottom: an arc of the upper disc, a straight edge and an arc of the lower disc.
 struct Side {
   int straight;  // first row of the edge
   int lower;     // first row of the lower arc
-  // Where the discs' tops are and from which column their reaches count; sign -1 is left.
+  // The tops of the discs, and the column from which their widths count. Sign -1 is left.
   int upperTop;
   int lowerTop;
   int upperMiddle;
@@ -127,7 +126,7 @@ struct Side {
   int sign;
   Edge edge;
 
-  // The pixels at which the rows end. What a block writes too much is behind it and written after it.
+  // The columns where the rows end. Whatever a block writes beyond its end is overwritten later.
   void trace(const Disc& disc, int firstRow, int endRow, BandSide& columns) const {
     const auto arc = [&](int first, int end, int top, int middle) {
       for (int row = first; row < end; row += arcBlock) {
@@ -144,12 +143,13 @@ struct Side {
   }
 };
 
-// One axis of a thin line's walk: along it the line takes a step a pixel ("major") or now and then ("minor").
+// One axis of a thin line's walk. The line takes a step along the major axis for each pixel, and along the minor axis
+// now and then.
 struct Axis {
   std::int64_t start;
   std::int64_t end;
   std::int64_t size;      // of the image, pixels
-  std::ptrdiff_t stride;  // pixels in memory from one coordinate to the next
+  std::ptrdiff_t stride;  // pixels in memory between neighbouring coordinates
 };
 
 void drawThin(Pixel* pixels, Pixel pixel, Axis major, Axis minor) {
@@ -166,7 +166,7 @@ void drawThin(Pixel* pixels, Pixel pixel, Axis major, Axis minor) {
   if (rise == 0) {
     if (minor.start < 0 || minor.start >= minor.size) return;
   } else {
-    // In halves of a pixel times length, from the start: the near and the far border of the image.
+    // In half pixels times length, from the start: the near and the far border of the image.
     const std::int64_t low = -length * (2 * minor.start + 1);
     const std::int64_t high = length * (2 * (minor.size - minor.start) - 1);
     if (rise > 0) {
@@ -187,7 +187,7 @@ void drawThin(Pixel* pixels, Pixel pixel, Axis major, Axis minor) {
     SpanFiller(pixel).fill(target, count);
     return;
   }
-  // How far the walk is from its next minor step; a falling line counts the same way from the other side.
+  // The distance to the next minor step. A falling line counts the same way from the other side.
   std::int64_t error = dividend - offset * unit;
   if (rise < 0) error = unit - 1 - error;
   const std::ptrdiff_t minorStep = rise < 0 ? -minor.stride : minor.stride;
@@ -200,9 +200,9 @@ void drawThin(Pixel* pixels, Pixel pixel, Axis major, Axis minor) {
   }
 }
 
-// Compiled twice, with wide registers and without. A tail is thousands of short lines, all different, and wrong guesses
-// of the processor were what they cost: so every row's ends are worked out first, in blocks without a branch, and then
-// the rows are filled. The edges lie at the normal n of length w: each starts beside the upper end at height n.y and
+// Compiled twice, with and without wide registers. A tail consists of thousands of short, different lines, and branch
+// mispredictions used to dominate. So the ends of all rows are computed first, in blocks without branches, and then the
+// rows are filled. The edges run along the normal n of length w: each starts beside the upper end at height n.y and
 // ends beside the lower one.
 [[gnu::always_inline]] inline void drawThick(const Target& target, End from, End to, int width) {
   if (to.y < from.y || (to.y == from.y && to.x < from.x)) std::swap(from, to);
@@ -215,8 +215,8 @@ void drawThin(Pixel* pixels, Pixel pixel, Axis major, Axis minor) {
   const std::int64_t run = to.x - from.x;
   const std::int64_t rise = to.y - from.y;
 
-  // The height of the left normal, -w to w: w run / length. A level line's edges are its top and bottom rows, which the
-  // arcs hold already.
+  // The height of the left normal, -w to w: w run / length. The edges of a horizontal line are its top and bottom rows,
+  // which the arcs already cover.
   int normalFloor = width;
   int normalCeiling = width;
   std::int64_t limit = 0;
@@ -224,7 +224,7 @@ void drawThin(Pixel* pixels, Pixel pixel, Axis major, Axis minor) {
     const std::int64_t square = run * run + rise * rise;
     const double length = std::sqrt(static_cast<double>(square));
     const std::int64_t product = width * std::abs(run);
-    // The whole numbers on either side of it. Where it is whole itself, arc and edge agree on its row.
+    // The whole numbers on either side of it. If it is whole itself, arc and edge agree on its row.
     auto low = static_cast<std::int64_t>(static_cast<double>(product) / length);
     while (low * low * square > product * product) --low;
     while ((low + 1) * (low + 1) * square <= product * product) ++low;
@@ -292,7 +292,7 @@ void drawThickWide(const Target&, End, End, int) {}
 
 void drawThickNarrow(const Target& target, End from, End to, int width) { drawThick(target, from, to, width); }
 
-// Twips from 0, on both axes; ends beyond it are cut off.
+// Twips from 0 on both axes. Lines are cut off beyond.
 constexpr double reach = double{farthestPixel} * twipsPerPixel;
 
 struct TwipPoint {
@@ -302,9 +302,9 @@ struct TwipPoint {
 
 bool isFar(double coordinate) { return std::fabs(coordinate) > reach; }
 
-// Cuts off what lies outside the square of `reach`, so that the rest keeps its slope. False if nothing is left. The
-// line's equation is run y - rise x = cross: products of single precision numbers are exact, so two ends at 1e38 still
-// tell where the line between them passes the image.
+// Clips to the square of `reach`, keeping the slope. False if nothing is left. The line's equation is run y - rise x =
+// cross. Products of single-precision numbers are exact in doubles, so even two ends at 1e38 tell where the line
+// between them passes the image.
 bool cutFarEnds(TwipPoint& a, TwipPoint& b) {
   const auto liesBeyond = [](double first, double second) {
     return (first > reach && second > reach) || (first < -reach && second < -reach);

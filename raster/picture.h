@@ -7,14 +7,14 @@
 
 namespace kelvora {
 
-/// A finished image: sprite sheet, logo, button face. Rows lie one behind the other, top row first.
+/// A finished image, such as a sprite sheet, logo or button face. Rows are contiguous, top row first.
 struct Picture {
   int width = 0;   ///< pixels
   int height = 0;  ///< pixels
   std::vector<Pixel> pixels;
 };
 
-/// Pictures are shared and never changed once loaded; null is "no picture".
+/// Pictures are shared and immutable once loaded. Null means no picture.
 using PicturePointer = std::shared_ptr<const Picture>;
 
 }  // namespace kelvora

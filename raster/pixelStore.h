@@ -10,8 +10,8 @@
 
 namespace kelvora {
 
-/// An image's pixels, black at first. The system hands out black memory by itself and only where it is touched, so that
-/// a large image costs nothing before it is drawn on.
+/// An image's pixels, initially black. The system supplies zeroed memory page by page as it is touched, so a large
+/// image costs nothing before it is drawn on.
 class PixelStore {
  public:
   PixelStore() = default;

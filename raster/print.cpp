@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view lineBreak = "\r\n";
 
-// Cuts the first line off the text; the last line leaves null behind.
+// Removes the first line from the text. After the last line the text is null.
 std::string_view takeLine(std::string_view& text, bool& isLast) {
   const std::size_t end = text.find(lineBreak);
   isLast = end == std::string_view::npos;

@@ -10,13 +10,13 @@
 
 namespace kelvora {
 
-/// The quotient rounded down, for a positive divisor.
+/// The quotient rounded down. The divisor must be positive.
 constexpr std::int64_t floorDivide(std::int64_t dividend, std::int64_t divisor) {
   const std::int64_t quotient = dividend / divisor;
   return quotient * divisor > dividend ? quotient - 1 : quotient;
 }
 
-/// The largest whole number whose square is at most `value`, for 0 up to 2^62.
+/// The largest whole number whose square is at most `value`, which must be from 0 to 2^62.
 inline std::int64_t wholeRoot(std::int64_t value) {
   auto root = static_cast<std::int64_t>(std::sqrt(static_cast<double>(value)));
   while (root * root > value) --root;
@@ -24,26 +24,26 @@ inline std::int64_t wholeRoot(std::int64_t value) {
   return root;
 }
 
-/// Eight pixels: one register of a machine with wide ones (AVX2), two of any other.
+/// Eight pixels: one wide register (AVX2), or two narrow ones.
 inline constexpr int blockWidth = 8;
 using Block [[gnu::vector_size(blockWidth * sizeof(Pixel))]] = Pixel;
 
-/// What is inlined into a function for such machines uses their registers; this tells whether to call it.
+/// Functions compiled for AVX2 inline this code with wide registers. Call them only if this is true.
 #if defined(__x86_64__)
 inline const bool hasWideRegisters = __builtin_cpu_supports("avx2") != 0;
 #else
 inline constexpr bool hasWideRegisters = false;
 #endif
 
-/// One colour, ready to be laid down in spans. The spans of the game are short, 2 to 60 pixels as a rule: whole blocks,
-/// of which the last overlaps the one before, are faster than a loop with a remainder.
+/// Fills spans with one colour. Most spans in the game have 2 to 60 pixels. Whole blocks, the last of which overlaps
+/// the one before, are faster than a loop with a remainder.
 class SpanFiller {
  public:
   explicit SpanFiller(Pixel pixel) {
     for (int i = 0; i < blockWidth; ++i) block_[i] = pixel;
   }
 
-  /// Fills `count` pixels from `target` on; `count` of 0 or less fills none.
+  /// Fills `count` pixels starting at `target`; none if `count` is 0 or less.
   [[gnu::always_inline]] void fill(Pixel* target, std::ptrdiff_t count) const {
     const std::ptrdiff_t last = count - blockWidth;
     if (last > 3 * blockWidth) {
@@ -51,7 +51,7 @@ class SpanFiller {
       for (; target < end; target += blockWidth) store<blockWidth>(target);
       store<blockWidth>(end);
     } else if (last > blockWidth) {
-      // Four stores whatever the count: a wrong guess of the processor costs more than a store.
+      // Always four stores: a misprediction costs more than a store.
       store<blockWidth>(target);
       store<blockWidth>(target + (last < blockWidth ? last : blockWidth));
       store<blockWidth>(target + (last < 2 * blockWidth ? last : 2 * blockWidth));

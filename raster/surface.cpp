@@ -13,18 +13,18 @@ namespace kelvora {
 
 namespace {
 
-// A tile is 16 by 8 pixels: a frame with little on it is mostly untouched, and clearing it costs a small part of a full
+// A tile is 16 by 8 pixels. A frame with little on it is mostly untouched, so clearing it costs a small part of a full
 // clear.
 constexpr int tileWidthBits = 4;
 constexpr int tileHeightBits = 3;
 constexpr int tileHeight = 1 << tileHeightBits;
-constexpr int wordTiles = 64;  // tiles that one word of bits stands for
+constexpr int wordTiles = 64;  // tiles per word of bits
 constexpr int wordWidthBits = tileWidthBits + 6;
 
-// Pixels that are cleared faster by a few stores of our own than by a call of the C library.
+// Pixels that a few stores clear faster than a call of the C library.
 constexpr int longestShortRun = 64;
 
-constexpr int mostScatteredTiles = 16;  // of a word
+constexpr int mostScatteredTiles = 16;  // per word
 
 constexpr int roundedUp(int count, int bits) { return (count + (1 << bits) - 1) >> bits; }
 
@@ -37,7 +37,7 @@ struct Rectangle {
 };
 
 #if defined(__x86_64__)
-// The compiler's own loop with the widest registers that a desktop's machine may have.
+// The compiler's own loop with the widest registers that a desktop is likely to have.
 [[gnu::target("avx2")]] void fillWide(Pixel* target, std::ptrdiff_t count, Pixel pixel) {
   for (std::ptrdiff_t i = 0; i < count; ++i) target[i] = pixel;
 }
@@ -47,7 +47,7 @@ void fillWide(Pixel*, std::ptrdiff_t, Pixel) {}
 
 void fillLong(Pixel* target, std::ptrdiff_t count, Pixel pixel) {
   if (pixel == 0) {
-    std::memset(target, 0, static_cast<std::size_t>(count) * sizeof(Pixel));  // black, as good as always
+    std::memset(target, 0, static_cast<std::size_t>(count) * sizeof(Pixel));  // black, the usual case
   } else if (hasWideRegisters) {
     fillWide(target, count, pixel);
   } else {
@@ -66,8 +66,8 @@ void clearRows(Rectangle area, Pixel pixel, const SpanFiller& filler) {
   }
 }
 
-// Whole tiles, one bit each from `corner` on to the right. Scattered ones, as particles leave them: to clear them one
-// by one, always the same stores, is cheaper than to guess where runs of them end.
+// Clears whole tiles, one bit each, from `corner` to the right. Particles leave scattered tiles: clearing them one by
+// one, always with the same stores, is cheaper than predicting where runs end.
 [[gnu::always_inline]] inline void clearTiles(std::uint64_t tiles, Pixel* corner, std::ptrdiff_t pitch, Pixel pixel) {
   const SpanFiller filler(pixel);
   for (; tiles != 0; tiles &= tiles - 1) {
@@ -87,7 +87,7 @@ void clearTilesNarrow(std::uint64_t tiles, Pixel* corner, std::ptrdiff_t pitch, 
   clearTiles(tiles, corner, pitch, pixel);
 }
 
-// `column` and `row` are the area's place in the image, whose top left corner is the picture's.
+// `column` and `row` are the area's position in the image. The picture is at the image's top left corner.
 void restoreRows(Rectangle area, int column, int row, const Picture& picture, Pixel pixel, const SpanFiller& filler) {
   const int width = std::clamp(picture.width - column, 0, area.width);
   const int height = width > 0 ? std::clamp(picture.height - row, 0, area.height) : 0;
@@ -104,7 +104,7 @@ void restoreRows(Rectangle area, int column, int row, const Picture& picture, Pi
 void Surface::resize(int width, int height) {
   width_ = std::max(0, width);
   height_ = std::max(0, height);
-  pixels_ = {};  // two large images at once would be one too many
+  pixels_ = {};  // frees the old image before allocating the new one
   pixels_ = PixelStore(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
   clearedTo_ = 0;
   wordsAcross_ = roundedUp(width_, wordWidthBits);
@@ -134,7 +134,7 @@ void Surface::touch(int left, int top, int right, int bottom) {
   const std::uint64_t upToLast = ~std::uint64_t{0} >> (wordTiles - 1 - lastTile % wordTiles);
   std::uint64_t* words = touched_.data() + std::ptrdiff_t{firstRow} * wordsAcross_;
   if (firstWord == lastWord && lastRow - firstRow <= 1) {
-    // One row of tiles or two, as with every particle: nothing to guess.
+    // One or two rows of tiles, as for every particle: no loop to mispredict.
     words[firstWord] |= fromFirst & upToLast;
     words[firstWord + (lastRow - firstRow) * wordsAcross_] |= fromFirst & upToLast;
     return;
@@ -150,7 +150,7 @@ void Surface::touch(int left, int top, int right, int bottom) {
   }
 }
 
-// Bits beyond the image's last tile are set along: what they stand for is clipped away.
+// Also sets bits beyond the image's last tile. Their pixels are clipped.
 void Surface::touchAll() { std::fill(touched_.begin(), touched_.end(), ~std::uint64_t{0}); }
 
 void Surface::clearTouched(int row, std::uint64_t* words) {

@@ -12,7 +12,7 @@
 
 namespace kelvora {
 
-/// How a raster copy joins source and destination.
+/// How a raster copy combines source and destination.
 enum class RasterOperation : std::uint32_t {
   SRCAND = 0x8800C6,    ///< destination AND source
   SRCPAINT = 0xEE0086,  ///< destination OR source
@@ -20,60 +20,60 @@ enum class RasterOperation : std::uint32_t {
 };
 using enum RasterOperation;
 
-/// The picture under construction: a 32-bit image in memory with the drawing operations of the game. Coordinates and
-/// lengths are twips, widths of lines are pixels. Everything is clipped to the image; nothing is antialiased but
-/// glyphs. The same calls give the same bytes on every machine, glyphs aside.
+/// The picture being drawn: a 32-bit image in memory with the game's drawing operations. Coordinates and lengths are in
+/// twips, line widths in pixels. Everything is clipped to the image, and only glyphs are antialiased. The same calls
+/// give the same bytes on every machine, except for glyphs.
 class Surface {
  public:
   Colour BackColor = RGB(0, 0, 0);
   Colour ForeColor = RGB(0, 0, 0);
   Colour FillColor = RGB(0, 0, 0);
-  int DrawWidth = 1;  ///< pixels, 1 to 64 as far as drawing is concerned
+  int DrawWidth = 1;  ///< pixels; drawing clamps it to 1 to 64
   FontSpec Font;
-  float FontSize = 9;  ///< points; what `Print` uses in place of the size in Font
+  float FontSize = 9;  ///< points; used by `Print` instead of the size in Font
   float CurrentX = 0;  ///< twips, pen position of `Print`
   float CurrentY = 0;  ///< twips
 
-  /// Gives the image a new size in pixels (negative counts as 0) and clears it as `Cls` does.
+  /// Resizes the image (pixels; negative counts as 0) and clears it as `Cls` does.
   void resize(int width, int height);
   int pixelWidth() const { return width_; }
   int pixelHeight() const { return height_; }
   std::span<const Pixel> pixels() const { return pixels_.all(); }
 
-  /// The background that `Cls` restores at the top left corner; null for none. Clears at once.
+  /// Sets the background that `Cls` restores at the top left corner; null for none. Clears at once.
   void setBackground(PicturePointer picture);
   const PicturePointer& background() const { return background_; }
 
-  /// Clears to BackColor or to the background and puts the pen at 0, 0.
+  /// Clears to the background, or BackColor, and moves the pen to 0, 0.
   void Cls();
 
-  /// A line in ForeColor, DrawWidth pixels wide with round ends, both end points included; from which end it is drawn
-  /// makes no difference. What lies beyond a million pixels is cut off, and the rest keeps its slope. Width 1 has the
-  /// pixel nearest to the line in each column (row, if steep), halves downward (rightward). A greater width w has the
-  /// pixels whose centres lie within w / 2 of the segment between the centres of the two end pixels; for an even w that
-  /// segment is moved half a pixel up and left.
+  /// Draws a line in ForeColor, DrawWidth pixels wide, with round ends and including both end points. Its direction
+  /// makes no difference. It is clipped beyond a million pixels and keeps its slope. A line of width 1 has the pixel
+  /// nearest to the line in each column (each row if it is steep), halves downward (rightward). A line of width w > 1
+  /// has the pixels whose centres lie within w / 2 of the segment between the centres of the two end pixels. For an
+  /// even w that segment is moved half a pixel up and left.
   void Line(float x1, float y1, float x2, float y2);
 
-  /// A circle in `outline`, one pixel wide, filled with FillColor: the pixels nearer than the radius plus half a pixel,
-  /// of which those with a neighbour outside (left, right, above or below) are the outline. A radius that rounds to 0
-  /// is one pixel, a negative one nothing.
+  /// Draws a circle filled with FillColor and with an outline one pixel wide. It has the pixels nearer than the radius
+  /// plus half a pixel. Those with a neighbour outside (left, right, above or below) are the outline. A radius that
+  /// rounds to 0 draws one pixel, a negative one nothing.
   void Circle(float x, float y, float radius, Colour outline);
 
-  /// Copies the cell (sx, sy, w, h) of `source` to (x, y), each number turned into pixels by itself. What lies outside
-  /// the source or the image is left out.
+  /// Copies the cell (sx, sy, w, h) of `source` to (x, y). Each number is converted to pixels separately. Parts outside
+  /// the source or the image are skipped.
   void PaintPicture(const Picture& source, float x, float y, float w, float h, float sx, float sy,
                     RasterOperation operation);
 
-  /// Text at the pen in ForeColor, the background left as it is. A line break ("\r\n") goes down one line and back to
-  /// the column where this text began; at the end the pen stands at the left border, one line below the last. Without a
-  /// glyph source nothing is printed and the pen stays.
+  /// Prints text at the pen in ForeColor over the existing background. A line break ("\r\n") moves down one line, to
+  /// the column where this text began. Afterwards the pen is at the left border, one line below the last. Does nothing
+  /// without a glyph source.
   void Print(std::string_view text);
 
-  /// Width of a text (of its widest line) in twips, as `Print` would set it in `font`; 0 without a glyph source.
+  /// Width in twips of a text's widest line in `font`; 0 without a glyph source.
   static float textWidth(const FontSpec& font, std::string_view text);
 
-  /// Where glyphs come from; set once by the backend before anything is printed, and outliving all printing. Forgets
-  /// every glyph taken from an earlier source.
+  /// Sets the source of glyphs, which must outlive all printing. The backend calls it once before anything is printed.
+  /// Discards all glyphs of an earlier source.
   static void setGlyphSource(GlyphSource* source);
 
  private:
@@ -81,10 +81,10 @@ class Surface {
     int x;
     int y;
   };
-  /// Notes that the pixels from (left, top) to (right, bottom) are about to be drawn on; clipped here.
+  /// Marks the pixels from (left, top) to (right, bottom) as about to be drawn on. Clips them to the image.
   void touch(int left, int top, int right, int bottom);
   void touchAll();
-  /// Clears the touched tiles of the row of tiles that begins with pixel row `row`, and forgets them.
+  /// Clears the touched tiles in the row of tiles that begins at pixel row `row`, and resets their bits.
   void clearTouched(int row, std::uint64_t* words);
   void clearSmallDiscs();
   void drawGlyph(const Glyph& glyph, PixelPoint corner, Pixel ink);
@@ -92,13 +92,13 @@ class Surface {
   int width_ = 0;
   int height_ = 0;
   PixelStore pixels_;
-  // One bit a tile, each row of tiles in whole words: something was drawn there since the last Cls. What was not
-  // touched is clear already.
+  // One bit per tile, each row of tiles in whole words, for tiles drawn on since the last Cls. Untouched tiles are
+  // still clear.
   std::vector<std::uint64_t> touched_;
   int wordsAcross_ = 0;
   Pixel clearedTo_ = 0;
-  /// A disc of one or two pixels' radius drawn since the last Cls without touching a tile: it is cleared as it was
-  /// drawn, for a particle is a small part of its tiles.
+  /// A disc with a radius of one or two pixels, drawn since the last Cls. It touches no tile and is cleared the way it
+  /// was drawn, because it covers only a small part of its tiles.
   struct SmallDisc {
     int centre;  // index of the pixel
     int radius;

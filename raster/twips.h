@@ -5,21 +5,22 @@
 
 namespace kelvora {
 
-/// Twips (canvas units) to a pixel, everywhere.
+/// Twips (canvas units) per pixel, everywhere.
 inline constexpr int twipsPerPixel = 15;
 
-/// Pixels beyond this one, on either side of 0, lie outside any surface. Twips are held there, so that later sums
-/// cannot overflow.
+/// Pixels beyond this one, on either side of 0, are outside any surface. Conversions clamp to it, so that later sums
+/// can't overflow.
 inline constexpr int farthestPixel = 1'000'000;
 
-/// The pixel that a twip coordinate or length falls on: the nearest one, halves upward. The only place where twips turn
-/// into pixels.
+/// The pixel of a twip coordinate or length: the nearest one, halves upward. All conversions from twips to pixels go
+/// through here.
 inline int toPixels(double twips) {
   constexpr double limit = farthestPixel;
-  // A hair that lifts the halves over the middle, and what the product by a fraction has lost of them; the next single
-  // precision number beside a half is thirty times farther off.
+  // Rounds halves up despite the error of multiplying by a fraction. The single-precision number next to a half is
+  // thirty times farther away.
   constexpr double hair = 0x1p-30;
-  // Where doubles lie one apart: adding it rounds to the nearest whole number, which stands in the lowest bits then.
+  // At this size doubles are one apart. Adding it rounds to the nearest whole number, which then occupies the lowest
+  // bits.
   constexpr double wholeNumbers = 0x1.8p52;
   double pixels = twips * (1.0 / twipsPerPixel) + hair;
   pixels = pixels > -limit ? pixels : -limit;
