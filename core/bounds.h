@@ -8,8 +8,8 @@
 
 namespace kelvora::modMain {
 
-// What a server can make the client keep, in all: far beyond any game, so that a hostile server can neither fill the
-// memory nor make a frame last for ever. Anything beyond is dropped, or is a fault of its message.
+// Limits on what a server can make the client store, in total. They are far beyond any game, and keep a hostile server
+// from filling the memory or making a frame last for ever. Anything beyond is dropped, or is a fault of its message.
 inline constexpr std::size_t mostTailVertices = 250'000;       ///< of all players
 inline constexpr std::size_t mostQueuedPositions = 1'000'000;  ///< of all players and network particles
 inline constexpr std::size_t mostKillerTails = 1'000;
@@ -17,7 +17,7 @@ inline constexpr std::size_t mostVictims = 1'000;  ///< of one killer tail
 inline constexpr std::size_t mostExplosionParticles = 1'000;
 inline constexpr std::size_t mostNameBytes = std::size_t{16} << 20;  ///< of opponents and network particles
 
-/// Counts a name that is kept for good; RuntimeFault "Out of memory" beyond the limit.
+/// Accounts for a name that is stored for good. RuntimeFault "Out of memory" beyond the limit.
 inline void keepName(const std::string& name) {
   if (name.size() > mostNameBytes - world.nameBytes) raiseOutOfMemory();
   world.nameBytes += name.size();

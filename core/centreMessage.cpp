@@ -8,8 +8,7 @@
 namespace kelvora::modMain {
 
 void fillTips() {
-  // Quirk Q-032: twenty slots for six tips. Every slot has its turn, so fourteen times in a row there is nothing to
-  // see.
+  // Quirk Q-032: twenty slots for six tips. The other fourteen are shown blank.
   world.tips = {
       "Right-Click to release or engage breaks",
       "Hold down the mouse button to prevent mouse from leaving viewport",

@@ -4,11 +4,11 @@
 
 namespace kelvora::modMain {
 
-/// Fills `tips` with the tips that the game gives.
+/// Fills `tips` with the game's tips.
 void fillTips();
-/// Shows a text in the middle of the canvas from now on, in place of the one before.
+/// Shows a text in the middle of the canvas, replacing the previous one.
 void showCentreMessage(const std::string& text);
-/// Shows the next of the twenty tips, and after the last one the first.
+/// Shows the next of the twenty tips. The first follows the last.
 void showNextTip();
 
 }  // namespace kelvora::modMain

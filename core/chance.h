@@ -6,12 +6,12 @@
 
 namespace kelvora {
 
-/// One draw: a whole number from 0 up to but excluding `limit`.
+/// Draws a random whole number from 0 up to but excluding `limit`.
 inline int drawBelow(double limit) { return static_cast<int>(std::floor(static_cast<double>(Rnd()) * limit)); }
 
 namespace modMain {
 
-/// One draw: True 4999 times in 10000.
+/// Draws a boolean that is True 4999 times in 10000.
 inline bool coinFlip() { return drawBelow(10000) + 1 < 5000; }
 
 }  // namespace modMain

@@ -14,12 +14,12 @@ constexpr float arrivalDistance = 500;
 constexpr float jumpDistance = 10000;
 constexpr double glideFrames = 7;
 
-/// One axis of the step towards a target; never 0.
+/// One axis of the step towards a target. Never 0.
 float glideStep(float target, float from) {
   const float step = static_cast<float>((static_cast<double>(target) - from) / glideFrames);
   if (step != 0) return step;
-  // Quirk Q-110: a step with a zero in it would be thrown away in the next frame, so a target straight ahead is
-  // approached with a side step of 1.
+  // Quirk Q-110: a step with a zero in it would be discarded in the next frame, so a glide along an axis drifts
+  // sideways by 1.
   return target < from ? -1.0F : 1.0F;
 }
 
@@ -44,7 +44,7 @@ bool glide(const Glider& glider, const std::function<void()>& reached) {
   auto& [position, velocity, targets, hasStep, speedLimit] = glider;
   if (velocity.x == 0 || velocity.y == 0) hasStep = false;
 
-  // Out of sight nothing glides: every point that waits is taken in this one frame.
+  // Off screen nothing glides: all pending points are taken in this frame.
   while (!targets.empty() && !isOnScreen(targets.front())) {
     takeTarget(glider, reached);
     hasStep = false;
@@ -57,7 +57,7 @@ bool glide(const Glider& glider, const std::function<void()>& reached) {
     hasStep = false;
     if (targets.empty()) return false;
   } else if (distance > jumpDistance) {
-    // Quirk Q-115: a jump keeps the glide's step, which then serves the next target.
+    // Quirk Q-115: a jump keeps the glide's step, which is then used for the next target.
     takeTarget(glider, reached);
     return false;
   }
@@ -67,8 +67,7 @@ bool glide(const Glider& glider, const std::function<void()>& reached) {
     velocity = {glideStep(target.x, position.x), glideStep(target.y, position.y)};
     hasStep = true;
   }
-  // Quirk Q-111: the stored step itself is scaled, in every frame anew, so that at a time scale above 1 the glide gains
-  // speed from frame to frame.
+  // Quirk Q-111: each frame scales the stored step itself, so a glide speeds up when the time scale is above 1.
   const double timeScale = getTimeScale();
   velocity = {toSingle(velocity.x * timeScale), toSingle(velocity.y * timeScale)};
   // Quirk Q-112: only rightward and downward steps are limited.

@@ -7,21 +7,21 @@
 
 namespace kelvora::modMain {
 
-/// What glides along the positions that the server sends: an opponent or a particle.
+/// Anything that glides along the positions sent by the server: an opponent or a particle.
 struct Glider {
   Vector& position;             ///< world units
   Vector& velocity;             ///< world units per frame
-  std::deque<Vector>& targets;  ///< the next one first
-  bool& hasStep;                ///< `velocity` was worked out for the first target
+  std::deque<Vector>& targets;  ///< next target first
+  bool& hasStep;                ///< `velocity` is set for the first target
   float speedLimit;             ///< world units per frame, see `glide`
 };
 
-/// True if the point is in the world, edges included.
+/// True if the point is in the world, including its edges.
 bool isInWorld(Vector point);
-/// Adds a target, within the bound of all queued positions.
+/// Adds a target, unless the limit of all queued positions is reached.
 void addTarget(std::deque<Vector>& targets, Vector point);
-/// Moves one frame towards the first target, which there must be. Targets out of sight, near or very far are taken at
-/// once; `reached` is called at each of them. True if a step was made and the position has changed by it.
+/// Moves one frame towards the first target; there must be one. Targets that are off screen, near or very far are taken
+/// at once, and `reached` is called for each. Returns true if a step changed the position.
 bool glide(const Glider& glider, const std::function<void()>& reached);
 
 }  // namespace kelvora::modMain

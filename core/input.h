@@ -6,16 +6,16 @@
 
 namespace kelvora::modMain {
 
-/// Where the mouse is on the canvas, canvas units. It stays where it was when the mouse leaves.
+/// The mouse position in canvas units. It keeps its last value when the mouse leaves the canvas.
 void setMousePos(float x, float y);
 Vector getMousePos();
-/// The steering that the last paint of the pointer found; see World.
+/// The steering computed when the pointer was last painted; see World.
 std::int16_t getSteerAngle();
 std::int16_t getSteerQuadrant();
 
-/// Asks for a powerup of the local player by its F key's number, 1 to 6; other numbers do nothing.
+/// Requests the local player's powerup of an F key, 1 to 6. Other numbers do nothing.
 void requestPowerup(std::int16_t number);
-/// Puts the local player's brakes on or off.
+/// Toggles the local player's brakes.
 void toggleLocalBreaks();
 
 }  // namespace kelvora::modMain

@@ -13,7 +13,7 @@
 
 namespace kelvora::modMain {
 
-// Quirk Q-033: never below 1. A machine that paints in less than 10 ms runs the game faster, not smoother.
+// Quirk Q-033: at least 1. A machine that paints in less than 10 ms runs the game faster, not smoother.
 double getTimeScale() { return std::max(world.frameTime / 10.0, 1.0); }
 
 void runFrame() {
@@ -28,7 +28,7 @@ void runFrame() {
     opponent.tickPowerups();
   }
 
-  // Quirk Q-221: particles move after the picture, so they are always shown one step behind the players.
+  // Quirk Q-221: particles move after painting, so they are shown one step behind the players.
   paintFrame();
 
   const bool particlesMove = !isStarsMode();

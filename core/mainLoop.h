@@ -2,11 +2,11 @@
 
 namespace kelvora::modMain {
 
-/// Runs passes for ever: a frame if the socket is connected, then all events. Does not return.
+/// Runs frames for ever: a frame if the socket is connected, then all events. Never returns.
 void mainLoop();
-/// One frame: players move, the picture is painted, particles move. Handles no events.
+/// Runs one frame: moves players, paints, moves particles. Processes no events.
 void runFrame();
-/// The average paint time in units of 10 ms, at least 1. Every speed per frame is multiplied by it.
+/// The average paint time in units of 10 ms, at least 1. It multiplies every speed per frame.
 double getTimeScale();
 
 }  // namespace kelvora::modMain

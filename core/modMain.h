@@ -14,69 +14,69 @@
 
 namespace kelvora {
 
-/// One line of the console on the canvas.
+/// A line of the console on the canvas.
 struct ChatLine {
   std::string text;
   Colour colour;
   std::int16_t size = 0;  ///< points
 };
 
-/// The captures that wait for one tail vertex to end.
+/// The captures pending on one tail vertex.
 struct KillerTail {
-  std::int16_t owner = 0;  ///< playerIndex of the winner
-  std::string tailID;
+  std::int16_t owner = 0;             ///< playerIndex of the winner
+  std::string tailID;                 ///< of the winner's vertex
   std::vector<std::int16_t> victims;  ///< playerIndex of each loser, in order of arrival
-  std::string location;
+  std::string location;               ///< of that vertex, as text
 };
 
 namespace modMain {
 
-inline constexpr float worldSize = 100000;  ///< world units, on both axes from 0
+inline constexpr float worldSize = 100000;  ///< world units on both axes, starting at 0
 
-/// The world's state: plain values that every room reads and writes. One thread touches them.
+/// The world's state: plain values that every room reads and writes, all on one thread.
 struct World {
-  // Quirk Q-225: it keeps its last value when the mouse leaves the canvas, and the ball flies on towards that point.
-  Vector mousePos;  ///< last mouse position on the canvas, canvas units
-  clsPlayer localPlayer;
-  std::int16_t opponentCount = 0;   ///< used slots of `opponents`; only ever grows
-  std::deque<clsPlayer> opponents;  ///< growing moves no player in memory
-  double particleCount = 0;         ///< used slots of `particles`
-  std::vector<clsParticle> particles;
+  // Quirk Q-225: keeps its last value when the mouse leaves the canvas, so the ball flies on towards that point.
+  Vector mousePos;                         ///< last mouse position on the canvas, canvas units
+  clsPlayer localPlayer;                   ///< playerIndex -1 once logged in
+  std::int16_t opponentCount = 0;          ///< used slots of `opponents`; never shrinks
+  std::deque<clsPlayer> opponents;         ///< a deque, because growing must not move players
+  double particleCount = 0;                ///< used slots of `particles`
+  std::vector<clsParticle> particles;      ///< the background
   std::int16_t steerAngle = 0;             ///< 0 to 88, see Bearing
-  std::int16_t steerQuadrant = 0;          ///< 1 to 4, 0 before the first frame
-  std::array<ChatLine, 8> chatLines;       ///< index 0 newest
-  std::string debugText;                   ///< lines of the canvas's upper left corner, built anew in every frame
-  std::array<std::string, 6> colourNames;  ///< by player colour, as chat lines name them
-  // Quirk Q-236: a list that is walked, moved and painted in every frame, and never filled.
+  std::int16_t steerQuadrant = 0;          ///< 1 to 4; 0 before the first frame
+  std::array<ChatLine, 8> chatLines;       ///< newest first
+  std::string debugText;                   ///< lines in the canvas's upper left corner, rebuilt in every frame
+  std::array<std::string, 6> colourNames;  ///< indexed by player colour, as in chat lines
+  // Quirk Q-236: a list that is moved and painted in every frame but never filled.
   double spareParticleCount = 0;
   std::vector<clsParticle> spareParticles;
   double explosionCount = 0;  ///< used slots of `explosionParticles`
   std::vector<clsParticle> explosionParticles;
   std::vector<KillerTail> killerTails;
-  std::string roundMessage;                    ///< the server's text at the end of a round
+  std::string roundMessage;                    ///< the server's text for the end of a round
   std::int32_t frameTime = 0;                  ///< ms, average paint time
   std::array<std::int32_t, 101> frameTimes{};  ///< ms, newest first
-  bool survivalMode = false;
-  Vector survivalOrigin;              ///< world units
-  float survivalMaxDistance = 0;      ///< world units from the origin
-  std::int16_t netParticleCount = 0;  ///< used slots of `netParticles`; only ever grows
-  std::deque<clsParticle> netParticles;
-  std::string centreMessage;
-  std::int16_t centreMessageAge = 0;  ///< frames at time scale 1; not shown above 250
-  std::array<std::string, 20> tips;
-  std::int16_t nextTip = 0;  ///< index of `tips`
+  bool survivalMode = false;                   ///< see simulation/survival.h
+  Vector survivalOrigin;                       ///< world units
+  float survivalMaxDistance = 0;               ///< world units from the origin
+  std::int16_t netParticleCount = 0;           ///< used slots of `netParticles`; never shrinks
+  std::deque<clsParticle> netParticles;        ///< moved by the server
+  std::string centreMessage;                   ///< shown in the middle of the canvas
+  std::int16_t centreMessageAge = 0;           ///< frames at time scale 1; hidden above 250
+  std::array<std::string, 20> tips;            ///< shown in turn at each respawn
+  std::int16_t nextTip = 0;                    ///< index into `tips`
 
   // The pulse of the world's border.
   bool borderShrinking = false;
-  std::uint8_t borderWidth = 0;    ///< half the line's width, 1 to 4 pixels once painted
+  std::uint8_t borderWidth = 0;    ///< half the line's width in pixels, 1 to 4 once painted
   std::int16_t borderCounter = 0;  ///< frames since the width changed
 
-  // What core/bounds.h counts.
+  // Counters for the limits in core/bounds.h.
   std::size_t queuedPositions = 0;
   std::size_t nameBytes = 0;
 };
 
-/// Assigning {} puts everything back to its value at the start of the process.
+/// Assign {} to reset everything to its initial value.
 extern World world;
 
 }  // namespace modMain

@@ -11,19 +11,19 @@ namespace kelvora::modMain {
 void fillColourNames() { world.colourNames = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"}; }
 
 std::int16_t getPlayerIndex(std::int16_t node) {
-  // Quirk Q-222: nobody asks whether he is in the game, so that before the first login node 0 is the local player.
+  // Quirk Q-222: isConnected is not checked, so before the first login node 0 is the local player.
   if (node == world.localPlayer.serverNode) return -1;
   for (std::int16_t index = 0; index < world.opponentCount; ++index) {
     const clsPlayer& opponent = playerAt(index);
     if (opponent.serverNode == node && opponent.isConnected) return index;
   }
-  // Quirk Q-030: nobody's node yields 0, which is also the number of the first slot.
+  // Quirk Q-030: an unknown node yields 0, which is also the index of the first slot.
   return 0;
 }
 
 std::int16_t getServerNode(std::int16_t index) {
   if (index == -1) return world.localPlayer.serverNode;
-  // Quirk Q-031: a player who has gone is taken for the owner of node 0.
+  // Quirk Q-031: a departed player counts as the owner of node 0.
   if (index < 0 || index >= world.opponentCount || !playerAt(index).isConnected) return 0;
   return playerAt(index).serverNode;
 }

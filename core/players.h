@@ -12,18 +12,18 @@ class clsPlayer;
 /// Players by the server's node and by playerIndex: -1 for the local player, else a slot of `opponents`.
 namespace modMain {
 
-/// Names the six player colours.
+/// Fills in the names of the six player colours.
 void fillColourNames();
 
-/// The index of the player with this node; 0 if no connected player has it.
+/// The index of the connected player with this node; 0 if there is none.
 std::int16_t getPlayerIndex(std::int16_t node);
 /// The node of the player with this index; 0 if there is none or they have left.
 std::int16_t getServerNode(std::int16_t index);
-/// Empty for an index above the last slot; RuntimeFault for one below -1.
+/// The name of the player with this index; empty beyond the last slot. RuntimeFault below -1.
 std::string getPlayerName(std::int16_t index);
-/// RuntimeFault if no player has this index.
+/// The player with this index. RuntimeFault if there is none.
 clsPlayer& playerAt(std::int16_t index);
-/// Where the local player is, world units.
+/// The local player's position in world units.
 Vector getLocalPosition();
 
 }  // namespace modMain

@@ -2,7 +2,7 @@
 
 namespace kelvora::modMain {
 
-/// Starts the client and runs its main loop; does not return. Needs an installed backend.
+/// Starts the client and runs its main loop. Never returns. A backend must be installed.
 void startGame();
 
 }  // namespace kelvora::modMain

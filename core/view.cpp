@@ -9,11 +9,11 @@ namespace kelvora::modMain {
 
 namespace {
 
-/// Half a length, rounded down. Lengths are never negative, so the cast is the floor, at a tenth of the call's price;
-/// this runs several times for everything in the world.
+/// Half a length, rounded down. Lengths are never negative, so the cast is the floor, ten times as fast. This runs
+/// several times for everything in the world.
 float wholeHalf(float length) { return static_cast<float>(static_cast<int>(length / 2)); }
 
-/// The canvas point of a world point on a canvas of this size.
+/// The canvas point of a world point on a canvas of the given size.
 Vector placeOn(Vector size, Vector worldPoint) {
   const Vector& eye = world.localPlayer.position;
   return {wholeHalf(size.x) - (eye.x - worldPoint.x), wholeHalf(size.y) - (eye.y - worldPoint.y)};
@@ -45,11 +45,11 @@ Bearing getBearing(Vector from, Vector to) {
   if (up == 0) up = 0.0001F;
   const float radians = static_cast<float>(std::atan(static_cast<double>(across) / up));
   Bearing bearing;
-  // Quirk Q-098: the full circle has 350 parts and not 360, so a right angle is 87.5; the steering and the bands of the
-  // pointer's frames count on it.
+  // Quirk Q-098: the full circle has 350 parts, so a right angle is 87.5. The steering and the pointer's bands rely on
+  // it.
   bearing.angle = static_cast<float>(std::fabs(radians * 350.0 / 6.283185308));
-  // Quirk Q-091: exactly above, below, left or right is quadrant 1, so straight below and straight left steer the
-  // opposite way.
+  // Quirk Q-091: bearings along an axis count as quadrant 1, so straight below and straight left steer the opposite
+  // way.
   bearing.quadrant = 1;
   if (to.y > from.y && to.x > from.x) bearing.quadrant = 4;
   if (to.y < from.y && to.x < from.x) bearing.quadrant = 2;

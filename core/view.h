@@ -6,9 +6,9 @@
 
 namespace kelvora {
 
-/// A bearing as the pointer and the steering use it.
+/// A bearing, used by the pointer and the steering.
 struct Bearing {
-  float angle = 0;            ///< from the vertical, 350 to the full circle: 0 to 87.5
+  float angle = 0;            ///< from the vertical, 0 to 87.5 on a scale of 350 to the full circle
   std::uint8_t quadrant = 0;  ///< 1 to 4: upper right, upper left, lower left, lower right
 };
 
@@ -16,17 +16,17 @@ struct Bearing {
 /// world unit. Nothing here is cached: the canvas is asked for its size each time.
 namespace modMain {
 
-/// Width and height, canvas units.
+/// Width and height in canvas units.
 Vector getCanvasSize();
-/// Half the size, rounded down.
+/// Half the size in canvas units, rounded down.
 Vector getCanvasCentre();
 /// The canvas point of a world point; it may lie outside the canvas.
 Vector worldToScreen(Vector worldPoint);
-/// True if the world point is shown on the canvas, edges included.
+/// True if the world point is on the canvas, including its edges.
 bool isOnScreen(Vector worldPoint);
-/// The bearing of one canvas point as seen from another.
+/// The bearing from one canvas point to another.
 Bearing getBearing(Vector from, Vector to);
-/// The distance of two points, in their own unit.
+/// The distance between two points, in their unit.
 float getDistance(Vector a, Vector b);
 
 }  // namespace modMain

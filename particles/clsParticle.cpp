@@ -20,7 +20,7 @@ constexpr float slowestBlast = 10;
 constexpr float blastFactor = 15;
 constexpr float wrapInset = 300;
 
-// Quirk Q-116: a sign is negative 501 times in 1000, the flip of a coin True 4999 times in 10000.
+// Quirk Q-116: a sign is negative 501 times in 1000, while coinFlip is True 4999 times in 10000.
 float withDrawnSign(float value) { return drawBelow(1000) < 501 ? -value : value; }
 
 float scatterOffset() {
@@ -34,7 +34,8 @@ void clsParticle::initNormal(double number, const std::string& newId, std::int16
                              float dy) {
   num_ = number;
   id = newId;
-  // Quirk Q-301: an unknown kind is a fault ahead of the type: the particle stays type 0 and is painted as background.
+  // Quirk Q-301: an unknown kind is a fault before the type is set, so the particle keeps type 0 and is painted as
+  // background.
   kind = toByte(newKind);
   position = {x, y};
   velocity = {dx, dy};
@@ -68,13 +69,13 @@ void clsParticle::init(double number, std::uint8_t newType, float x, float y, st
   if (isReserved) {
     second = b;
   } else {
-    // Quirk Q-307: also for a network particle, which keeps its place.
+    // Quirk Q-307: also for a network particle, which keeps its position.
     chooseVelocity();
   }
 }
 
 void clsParticle::choosePosition() {
-  // Quirk Q-262: the field is as large as the canvas was at this moment; a window made larger later keeps it.
+  // Quirk Q-262: the field gets the canvas's current size and keeps it when the window grows.
   const Vector field = modMain::getCanvasSize();
   fieldWidth = field.x;
   fieldHeight = field.y;
@@ -121,7 +122,7 @@ void clsParticle::scatter() {
 void clsParticle::move() {
   velocity.x = std::max(std::min(velocity.x, maxSpeed), -maxSpeed);
   velocity.y = std::max(std::min(velocity.y, maxSpeed), -maxSpeed);
-  // Quirk Q-117: depth 15 stands still and depth 16 drifts slowly backwards.
+  // Quirk Q-117: depth 15 stands still, and depth 16 drifts slowly backwards.
   const float factor = static_cast<float>((1.0 / 15) * (15 - depth));
   const double timeScale = modMain::getTimeScale();
   position.x = static_cast<float>(position.x + velocity.x * timeScale * factor);
@@ -136,8 +137,7 @@ void clsParticle::moveNormal() {
     return;
   }
   previousPosition = position;
-  // Quirk Q-118: the limit was never given a value and is 0: to the right and downward the server's particles move by
-  // jumps alone.
+  // Quirk Q-118: the limit was never set and is 0, so server particles only jump to the right and downward.
   constexpr float limit = 0;
   modMain::glide({position, velocity, positionQueue, stepSet, limit}, [] {});
 }

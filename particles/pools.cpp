@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t fieldSize = 150;
 
-/// Null if no particle has this id.
+/// Null if there is no particle with this id.
 clsParticle* findNetParticle(const std::string& id) {
   for (std::int16_t i = 0; i < world.netParticleCount; ++i) {
     clsParticle& particle = world.netParticles[static_cast<std::size_t>(i)];
@@ -26,7 +26,7 @@ clsParticle* findNetParticle(const std::string& id) {
 
 void createParticleField() {
   world.particleCount = fieldSize;
-  world.particles.assign(fieldSize + 1, {});  // the slot behind the last particle exists and stays empty
+  world.particles.assign(fieldSize + 1, {});  // one slot more than is used
   for (std::size_t i = 0; i < fieldSize; ++i) {
     world.particles[i].init(static_cast<double>(i), static_cast<std::uint8_t>(ParticleType::Background), 0, 0);
   }
@@ -52,7 +52,7 @@ void removeExplosionParticle(std::int16_t index) {
 }
 
 std::int16_t allocNetParticle() {
-  // Quirk Q-120: a slot whose particle was removed is never taken again; the pool only grows.
+  // Quirk Q-120: slots of removed particles are never reused, so the pool only grows.
   const std::int16_t slot = world.netParticleCount;
   world.netParticleCount = toInt16(slot + 1);
   world.netParticles.resize(static_cast<std::size_t>(world.netParticleCount));
@@ -62,7 +62,7 @@ std::int16_t allocNetParticle() {
 void receiveParticleNew(const std::string& id, std::int16_t kind, float x, float y, float dx, float dy) {
   keepName(id);
   const std::int16_t slot = allocNetParticle();
-  // Quirk Q-263: the number given is the count after the growth, so these particles are numbered from 1.
+  // Quirk Q-263: the number is the count after growing, so these particles are numbered from 1.
   world.netParticles[static_cast<std::size_t>(slot)].initNormal(world.netParticleCount, id, kind, x, y, dx, dy);
 }
 
@@ -71,7 +71,7 @@ void receiveParticlePosition(const std::string& id, float x, float y) {
 }
 
 void receiveParticleRemove(const std::string& id) {
-  // Quirk Q-121: the mark is read by nobody: the particle goes on along its queue and is painted where it stops.
+  // Quirk Q-121: nothing checks this flag. The particle follows its queue to the end and is painted there.
   if (clsParticle* particle = findNetParticle(id)) particle->spawned = false;
 }
 

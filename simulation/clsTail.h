@@ -10,36 +10,37 @@
 
 namespace kelvora {
 
-/// One vertex of a tail. It lives a little over two seconds of real time and belongs to its owner's `tails`.
+/// One vertex of a tail. It lives a little over two seconds of real time in its owner's `tails`.
 class clsTail {
  public:
-  /// Unlike that of any other vertex, but for chance: owner, second of the day and a draw.
+  /// Unique except by chance: owner, second of the day and a random number.
   const std::string& tailID() const { return tailID_; }
-  // Quirk Q-048: killer and isLong take a value and keep nothing; no vertex is ever looped.
+  // Quirk Q-048: killer and isLong store nothing, and no vertex is ever looped.
   void killer(bool) {}
   bool looped() const { return false; }
   /// The vertex's index in its owner's tail.
   void num(double value);
   double num() const;
-  /// One step of ageing; True if the vertex has just ended and is gone from its owner's tail, this object with it.
+  /// Ages by one step. True if the vertex has expired: it is then removed from its owner's tail, and this object
+  /// destroyed.
   bool age();
-  /// 10 ms units.
+  /// Age in units of 10 ms.
   std::int16_t getAge() const { return age_; }
-  /// Laid with charged tails: lightning runs along it.
+  /// True if laid while the tail was charged: lightning runs along it.
   bool isCharged() const { return isCharged_; }
   void isCharged(bool value) { isCharged_ = value; }
   void isLong(bool) {}
 
-  /// Begins vertex `num` of an owner, a playerIndex, at a world point. Makes one draw.
+  /// Initialises vertex `num` of an owner (a playerIndex) at a world point. Draws one random number.
   void initTail(double num, std::int16_t ownerIndex, Vector position);
-  /// Fires the capture that waits for this vertex, then removes it from its owner's tail.
+  /// Carries out the captures pending on this vertex, then removes it from its owner's tail.
   void expire();
-  /// World units.
+  /// In world units.
   const Vector& getPosition() const { return position_; }
-  /// The colour of the owner at this vertex's age, darker with every 10 ms.
+  /// A player colour at this vertex's age, darker with every 10 ms.
   Colour getColour(std::int16_t colour) const;
 
-  /// Vertices of all players.
+  /// The number of vertices of all players.
   static std::size_t count() { return Counted::count; }
 
  private:
@@ -51,10 +52,10 @@ class clsTail {
     static inline std::size_t count = 0;
   };
 
-  friend class clsPlayer;  // moves serials when a vertex leaves the middle of the tail
+  friend class clsPlayer;  // updates serials when a vertex is removed from the middle of the tail
 
   double serial_ = 0;            // num plus the owner's tailBase
-  std::int16_t age_ = 0;         // 10 ms units, dies above 200
+  std::int16_t age_ = 0;         // 10 ms units, expires above 200
   std::int16_t ownerIndex_ = 0;  // playerIndex
   Vector position_;              // world units
   std::string tailID_;

@@ -13,19 +13,20 @@
 
 namespace kelvora::modMain {
 
-// The server alone finds the loops. It names the winner, the loser and the vertex that closes the loop; here the
-// capture waits for that vertex to end, so that players see the tail finish its work.
+// Only the server finds loops. It names the winner, the loser and the vertex that closes the loop. The capture waits
+// here until that vertex expires, so that players see the loop fade first.
 void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, float y) {
   const std::int16_t winner = getPlayerIndex(winnerNode);
   const std::int16_t loser = getPlayerIndex(loserNode);
   const clsPlayer& player = playerAt(winner);
   const double num = player.getTailNumByPos({x, y});
-  if (num == -1) {  // aged away, or never laid on this client
+  if (num == -1) {  // expired, or never laid on this client
     executeCapture(winnerNode, loserNode);
     return;
   }
   const std::string location = "(" + numberText(x) + "," + numberText(y) + ")";
-  // Quirk Q-106: only the place is compared, so a second capture at the same coordinates joins the first one's winner.
+  // Quirk Q-106: only the position is compared, so a second capture at the same coordinates counts for the first one's
+  // winner.
   const auto known = std::find_if(world.killerTails.begin(), world.killerTails.end(),
                                   [&](const KillerTail& record) { return record.location == location; });
   const bool isFull = known == world.killerTails.end() ? world.killerTails.size() >= mostKillerTails
@@ -38,7 +39,7 @@ void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, flo
     known->victims.push_back(loser);
     return;
   }
-  // Quirk Q-304: a loser that nobody knows is slot 0, whether or not it exists when the capture lands.
+  // Quirk Q-304: an unknown loser is slot 0, whether or not it exists when the capture is carried out.
   world.killerTails.push_back({winner, player.getTailID(num), {loser}, location});
 }
 
@@ -64,8 +65,8 @@ void executeKillerTail(std::int16_t index) {
 }
 
 void removeKillerTails(std::int16_t owner) {
-  // Quirk Q-104: every record of this owner goes, so when one of his captures lands his other waiting ones are dropped
-  // and their victims live on.
+  // Quirk Q-104: all records of this owner are deleted, so one capture drops the winner's other pending ones, and their
+  // victims live on.
   std::erase_if(world.killerTails, [owner](const KillerTail& record) { return record.owner == owner; });
 }
 
@@ -73,7 +74,7 @@ void executeCapture(std::int16_t winnerNode, std::int16_t loserNode) {
   const std::int16_t winner = getPlayerIndex(winnerNode);
   const std::int16_t loser = getPlayerIndex(loserNode);
   printChat(getPlayerName(winner) + " has captured " + getPlayerName(loser), 3);
-  // Quirk Q-108: nobody asks whether the loser is alive: a ghost can be captured again, and the winner scores.
+  // Quirk Q-108: nothing checks that the loser is alive. A ghost can be captured again, and the winner scores.
   clsPlayer& victim = playerAt(loser);
   victim.die();
   if (loser == -1) showCentreMessage("You have been captured!");
@@ -82,7 +83,7 @@ void executeCapture(std::int16_t winnerNode, std::int16_t loserNode) {
 }
 
 void killTailOf(std::int16_t ownerIndex, double num) {
-  // Quirk Q-103: the upper bound is inclusive, unlike everywhere else; the slot behind the last one is a fault.
+  // Quirk Q-103: the upper bound is inclusive, unlike everywhere else. The slot after the last one is a fault.
   if (ownerIndex == -1 || (ownerIndex >= 0 && ownerIndex <= world.opponentCount)) playerAt(ownerIndex).killTail(num);
 }
 

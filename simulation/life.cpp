@@ -48,7 +48,7 @@ void clsPlayer::setAlive(bool isNowAlive) {
 }
 
 void clsPlayer::respawn() {
-  // Quirk Q-109: the position is not touched: the new life starts where the ghost was.
+  // Quirk Q-109: the position stays: the new life starts where the ghost was.
   alive = true;
   if (playerIndex == localIndex && frmPowerups.isVisible()) frmPowerups.unload();
   captures.clear();
@@ -60,7 +60,7 @@ void clsPlayer::respawn() {
 void clsPlayer::die() {
   alive = false;
   if (modMain::isOnScreen(position)) soundMan::playSound(captureSound);
-  // Quirk Q-107: one explosion particle for each capture of this life; who has captured nobody leaves none.
+  // Quirk Q-107: one explosion particle for each capture of this life, so a player without captures leaves none.
   if (captureCount() > 0) modMain::addExplosion(position, captureCount());
 }
 

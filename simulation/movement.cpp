@@ -17,53 +17,52 @@ namespace kelvora {
 namespace {
 
 constexpr double brakeRate = 3;   // per frame and axis, at time scale 1
-constexpr float axisClamp = 300;  // displacement of one frame
+constexpr float axisClamp = 300;  // displacement per frame
 constexpr double turboFactor = 3;
 constexpr float wallInset = 1000;
-// Quirk Q-237: a pi of five decimals, which the third decimal of a velocity shows.
+// Quirk Q-237: pi with five decimals, which affects the third decimal of a velocity.
 constexpr double pi = 3.14159;
 constexpr std::int16_t bounceSound = 1;
 
 float scaled(float component, double factor) { return static_cast<float>(component * factor); }
 
-/// One axis of the velocity, a step nearer to 0 and never past it.
+/// One axis of the velocity, one step closer to 0 but never past it.
 float braked(float component, double step) {
   if (component < 0) return std::min(static_cast<float>(component + step), 0.0F);
   if (component > 0) return std::max(static_cast<float>(component - step), 0.0F);
   return component;
 }
 
-/// Distance of the mouse from the canvas's centre as a part of full speed, at most 1.
+/// The mouse's distance from the canvas's centre as a fraction of full speed, at most 1.
 float throttle() {
   const Vector centre = modMain::getCanvasCentre();
-  // Quirk Q-306: a canvas of no height is a fault once the player flies.
+  // Quirk Q-306: a canvas without height is a fault once the player flies.
   if (centre.y == 0) throw RuntimeFault("Division by zero");
-  // Quirk Q-096: half the canvas's height is the reach in both axes, so that full speed needs the same distance of the
-  // mouse in every direction, however wide the canvas is.
+  // Quirk Q-096: half the canvas's height is the reach on both axes, so full speed takes the same mouse distance in
+  // every direction, however wide the canvas is.
   return std::min(modMain::getDistance(centre, modMain::world.mousePos) / centre.y, 1.0F);
 }
 
-/// Sets the velocity of one frame at time scale 1 from the bearing that the last paint found; left as it is for a
-/// bearing that does not exist, as before the first paint.
+/// Sets the velocity of one frame at time scale 1 from the bearing found by the last paint. An invalid bearing, as
+/// before the first paint, changes nothing.
 void steer(Vector& velocity, float speed) {
   const int angle = modMain::world.steerAngle;
   const float radians = static_cast<float>((pi / 180) * (angle % 45));
   const float tangent = static_cast<float>(std::tan(static_cast<double>(radians)));
-  // Quirk Q-090: |x| + |y| is the speed in every direction, so the ball is faster along the axes than on a diagonal;
-  // not sine and cosine, the field of speeds is a diamond.
+  // Quirk Q-090: the speed is |x| + |y| instead of using sine and cosine, so the ball is faster along the axes than on
+  // a diagonal.
   float across;
   if (angle >= 0 && angle < 45) {
     across = static_cast<float>(tangent * 0.5 * speed);
   } else if (angle >= 45 && angle < 90) {
     across = static_cast<float>((tangent + 1.0) * speed * 0.5);
-  } else if (angle == 90) {  // no bearing reaches it
+  } else if (angle == 90) {  // no bearing is that large
     across = speed;
   } else {
     return;
   }
   const float along = speed - across;
-  // Quirk Q-092: the quadrant was found by the paint of the frame before; in the first frame it is 0 and steers
-  // nothing.
+  // Quirk Q-092: the previous frame's paint found the quadrant. In the first frame it is 0, and nothing steers.
   switch (modMain::world.steerQuadrant) {
     case 1:
       velocity = {across, -along};
@@ -86,9 +85,9 @@ void soundBounce(Vector point) {
   if (modMain::isOnScreen(point)) soundMan::playSound(bounceSound);
 }
 
-/// Holds one axis of a point inside the world; each edge that it crosses is heard. The bounds themselves are legal.
+/// Keeps one axis of a point inside the world, with a sound for each edge crossed. The bounds themselves are inside.
 void bounce(const Vector& point, float& coordinate, float& speed) {
-  // Quirk Q-094: a player who flies over the edge lands 1000 units inside it, however small the step.
+  // Quirk Q-094: a player who crosses the edge lands 1000 units inside it, however small the step.
   if (coordinate < 0) {
     soundBounce(point);
     speed = std::fabs(speed);
@@ -106,18 +105,17 @@ void bounce(const Vector& point, float& coordinate, float& speed) {
 void clsPlayer::move() {
   const double timeScale = modMain::getTimeScale();
   if (breaksOn) {
-    // Quirk Q-095: a player who has come to rest under the brakes skips the frame with its report, so that a stopped
-    // player is silent.
+    // Quirk Q-095: a player at rest under the brakes skips the rest of the frame, including the report.
     if (velocity == Vector{}) return;
     velocity = {braked(velocity.x, brakeRate * timeScale), braked(velocity.y, brakeRate * timeScale)};
   }
   lastPosition = position;
-  // Quirk Q-154: a player at rest under the brakes has returned above, so nothing can touch him.
+  // Quirk Q-154: a player at rest under the brakes has returned above, so nothing can hit them.
   if (modMain::isSurvivalMode()) modMain::checkSurvival();
 
   const bool turbo = powerups[turboSlot].active;
   float topSpeed = throttle() * speed;
-  // Quirk Q-097: a captured player flies on as a ghost, at double speed.
+  // Quirk Q-097: a captured player continues as a ghost, at double speed.
   if (!alive) topSpeed += topSpeed;
   if (turbo) topSpeed = scaled(topSpeed, turboFactor);
 
@@ -125,8 +123,8 @@ void clsPlayer::move() {
     steer(velocity, topSpeed);
     velocity = {scaled(velocity.x, timeScale), scaled(velocity.y, timeScale)};
   }
-  // Quirk Q-093: the limit is on the displacement of one frame, not on speed in time: on a slow machine a frame moves
-  // the player no farther than on a fast one. Turbo alone escapes it.
+  // Quirk Q-093: the limit applies to one frame's displacement, so a slow machine's frame moves the player no farther
+  // than a fast one's. Turbo is exempt.
   if (!turbo) {
     velocity = {std::clamp(velocity.x, -axisClamp, axisClamp), std::clamp(velocity.y, -axisClamp, axisClamp)};
   }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr float speedLimit = 300;  // world units per frame
 
-/// Holds one axis of an opponent on the edge, without the local player's inset.
+/// Stops one axis of an opponent at the edge, without the local player's inset.
 void stopAtEdge(float& coordinate, float& speed) {
   if (coordinate < 0) {
     speed = std::fabs(speed);
@@ -43,7 +43,7 @@ void clsPlayer::moveAsOpponent() {
   lastPosition = position;
   const auto layTail = [this] { addTail(position); };
   if (!modMain::glide({position, velocity, positionQueue, steering, speedLimit}, layTail)) return;
-  // Quirk Q-113: the vertex is laid before the edge stops the player, so it can lie outside the world.
+  // Quirk Q-113: the vertex is laid before the position is clamped, so it can lie outside the world.
   addTail(position);
   stopAtEdge(position.x, velocity.x);
   stopAtEdge(position.y, velocity.y);
@@ -52,7 +52,7 @@ void clsPlayer::moveAsOpponent() {
 void clsPlayer::receivePing(std::int32_t value) {
   pingTick = GetTickCount();
   const float now = Timer();
-  // Quirk Q-261: how far the server's clock is off is worked out at each ping, and nobody reads it.
+  // Quirk Q-261: the clock difference is computed at each ping but never used.
   clockOffset = toSingle(static_cast<double>(now) - value);
   netMan::sendMessage(wire::msgPingReply, {numberText(Timer())});
   sendPosition();
@@ -64,7 +64,7 @@ void clsPlayer::receiveLatencyReport(std::int32_t value) {
   displayLag();
 }
 
-// Quirk Q-260: velocities are taken from the server, but nothing calls this, so no client is ever their source.
+// Quirk Q-260: the client handles velocities from the server, but nothing calls this, so no client sends one.
 void clsPlayer::sendVelocity() {
   netMan::sendMessage(wire::msgVelocityReport, {numberText(velocity.x), numberText(velocity.y)});
 }

@@ -1,13 +1,13 @@
 #pragma once
 
-/// The survival mode: fly as far from its start as possible without touching a background particle. Nothing in the game
+/// The survival mode: fly as far from the start as possible without touching a background particle. Nothing in the game
 /// turns it on.
 namespace kelvora::modMain {
 
 bool isSurvivalMode();
 /// Ends the run once for every background particle that touches the local player.
 void checkSurvival();
-/// Turns the mode off and tells the record on the console.
+/// Turns the mode off and prints the record on the console.
 void endSurvival();
 
 }  // namespace kelvora::modMain

@@ -14,12 +14,12 @@ namespace kelvora {
 
 namespace {
 
-constexpr Tick longestStep = 32001;  // ms; also tells a vertex that was never stepped, its tick being 0
+constexpr Tick longestStep = 32001;  // ms; a vertex that was never stepped, with a tick of 0, exceeds it too
 constexpr Tick shortestStep = 10;    // ms
-constexpr double stepUnit = 10;      // ms to one unit of age
+constexpr double stepUnit = 10;      // ms per unit of age
 constexpr int oldestAge = 200;
 
-/// Serial number of the oldest vertex of a player; 0 where no such player exists.
+/// Serial number of a player's oldest vertex; 0 if there is no such player.
 double serialBase(std::int16_t ownerIndex) {
   if (ownerIndex == -1) return modMain::world.localPlayer.tailBase;
   const std::size_t slot = static_cast<std::size_t>(ownerIndex);
@@ -44,24 +44,24 @@ void clsTail::initTail(double newNum, std::int16_t ownerIndex, Vector position) 
 bool clsTail::age() {
   const Tick now = GetTickCount();
   const Tick elapsed = now - lastStep_;
-  // Quirk Q-101: a gap above 32 seconds is not counted, and the first call, with the tick still 0, falls under the same
-  // test: it stamps the vertex and adds nothing.
+  // Quirk Q-101: a gap above 32 seconds doesn't count. The first call, with a tick of 0, takes the same branch: it
+  // stamps the vertex and adds nothing.
   if (elapsed >= longestStep) {
     lastStep_ = now;
     return false;
   }
-  // Quirk Q-102: up to 10 ms nothing happens and the tick stays, so that the time counts in a later step; above it the
-  // step is rounded to the unit and the rest is lost.
+  // Quirk Q-102: up to 10 ms nothing happens and the tick stays, so the time accumulates. Above, the step is rounded to
+  // whole units and the remainder is lost.
   if (elapsed <= shortestStep) return false;
   age_ = toInt16(age_ + roundToEven(static_cast<double>(elapsed) / stepUnit));
   lastStep_ = now;
   if (age_ <= oldestAge) return false;
-  expire();  // this object is gone from here on
+  expire();  // destroys this object
   return true;
 }
 
 void clsTail::expire() {
-  // Quirk Q-300: a vertex that the local player laid before the first login belongs to slot 0, and nobody removes it.
+  // Quirk Q-300: a vertex that the local player laid before the first login belongs to slot 0, and is never removed.
   const std::int16_t owner = ownerIndex_;
   modMain::checkKillerTail(owner, tailID_);
   modMain::killTailOf(owner, num());
@@ -79,7 +79,7 @@ void clsPlayer::killTail(double num) {
   if (!(num >= 0 && num < tailCount())) return;
   const std::size_t index = static_cast<std::size_t>(num);
   if (static_cast<double>(index) != num) return;
-  // The shorter end moves: the older vertices up by one with the base, or the newer ones down by one.
+  // Moves the shorter end: the older vertices up by one with the base, or the newer ones down by one.
   if (index < tails.size() / 2 || index == 0) {
     for (std::size_t i = 0; i < index; ++i) tails[i].serial_ += 1;
     tailBase += 1;
@@ -114,16 +114,16 @@ double clsPlayer::getTailNumByPos(Vector point) const {
   return -1;
 }
 
-// A vertex that ends leaves the tail while the pass walks it, and the pass starts over at the oldest. Starting over
-// changes nothing while the clock stands: every vertex before the removed one has had its step at this tick t, and a
-// second step at t does nothing, for either the first one set the vertex's tick to t, so that now 0 ms have elapsed, or
-// it found 10 ms or less, and finds the same again. (The branch for long gaps sets the tick to t as well, and the tick
-// count is never small enough for 0 ms to look long.) So the pass goes on where it is, with the vertex that has taken
-// the removed one's place, and really starts over only when the clock has moved since this walk began.
+// By the rules, the pass starts over at the oldest vertex whenever a vertex expires. That makes no difference unless
+// the clock has moved: every earlier vertex has had its step at this tick t, and a second step at t does nothing.
+// Either the first step set the vertex's tick to t, so 0 ms have elapsed, or it found 10 ms or less, and finds the same
+// again. (The branch for long gaps sets the tick to t as well, and the tick count is never small enough for 0 ms to
+// look long.) So the pass continues with the vertex that has taken the removed one's place, and starts over only if the
+// clock has moved since the walk began.
 void clsPlayer::ageTails() {
   if (tails.empty()) return;
-  // Quirk Q-100: no tick moves while the tail is extended, so the first pass behind it counts the whole time at once,
-  // and a tail extended for more than two seconds ends in one frame.
+  // Quirk Q-100: no tick advances while the tail is extended, so the first pass afterwards counts the whole time at
+  // once. A tail that was extended for more than two seconds then vanishes in one frame.
   if (powerups[extendedTailSlot].active) return;
   const Tick now = GetTickCount();
   if (lastAgeTick == 0) lastAgeTick = now;
