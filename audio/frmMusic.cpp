@@ -9,13 +9,13 @@ namespace kelvora {
 FormSlot<FrmMusic> frmMusic;
 
 FrmMusic::FrmMusic() : Form("Music Control", {.clientWidth = 4470, .clientHeight = 645, .systemColours = true}) {
-  // Quirk Q-271: the timer runs after startMusic alone. A track that is asked for after an unload loads this form anew
-  // and is followed by none.
+  // Quirk Q-271: only startMusic starts the timer. A track requested after an unload loads this form again, and no
+  // other follows it.
   tmrNext.Enabled = false;
   tmrNext.Timer = [this] { tmrNext_Timer(); };
 }
 
-/// The timer has to run though the window is not shown.
+/// The timer must run even though the window isn't shown.
 void FrmMusic::load() { backend().realize(*this); }
 
 void FrmMusic::unloaded() {

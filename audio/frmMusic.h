@@ -5,12 +5,14 @@
 
 namespace kelvora {
 
-/// The music player and the timer that starts the next track. Loaded with the music and hidden unless it is asked for;
-/// unloading it ends the music.
+/// The music player and the timer that starts the next track. Loaded with the music and normally hidden. Unloading it
+/// stops the music.
 class FrmMusic : public Form {
  public:
   FrmMusic();
+  /// Creates the hidden window, without which the timer wouldn't run.
   void load() override;
+  /// Stops the timer.
   void unloaded() override;
 
   MusicPlayer player{this, {120, 195, 4230, 255}};

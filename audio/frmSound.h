@@ -7,17 +7,18 @@
 
 namespace kelvora {
 
-/// Holds the devices of the sound effects; never shown.
+/// Holds the sound effects' devices. Never shown.
 class FrmSound : public Form {
  public:
   FrmSound();
 
-  /// The device of a slot; RuntimeFault "Subscript out of range" where there is none.
+  /// The device of a slot. RuntimeFault "Subscript out of range" if there is none.
   SoundDevice& mm(int slot);
+  /// The last slot with a device, at least 0.
   int lastIndex() const { return static_cast<int>(devices_.size()) - 1; }
-  /// Adds a device behind the last one.
+  /// Adds a device at the end.
   void loadDevice() { devices_.emplace_back(); }
-  /// Takes the last device away; the first one stays for good.
+  /// Removes the last device. The first one always stays.
   void unloadDevice();
 
  private:

@@ -42,8 +42,8 @@ void command(std::int16_t slot, const char* word) {
 }
 
 std::int16_t drawnTrack() {
-  // Quirk Q-183: the draw gives 0 to 4 and the 0 becomes a 1, so that the music begins with the second track twice as
-  // often as with the third, the fourth or the fifth, and never with the first.
+  // Quirk Q-183: the draw yields 0 to 4, and 0 becomes 1. So the music begins with the second track twice as often as
+  // with the third, fourth or fifth, and never with the first.
   const float draw = 5 * Rnd();
   return std::clamp<std::int16_t>(static_cast<std::int16_t>(draw), 1, lastTrack);
 }
@@ -58,8 +58,8 @@ void clear() {
 bool isOnCommandLine(const char* word) { return lowerCase(commandLine()).find(word) != std::string::npos; }
 
 void initAudio() {
-  // Quirk Q-181: the tracks get their names here, with the effects, so that a client started without sound has no music
-  // either: its timer goes on trying empty names.
+  // Quirk Q-181: sets the tracks' names together with the effects, so a client started without sound has no music
+  // either. Its timer keeps trying empty names.
   musicFiles[0] = soundFolder() + "music_shopping.mp3";
   for (std::size_t track = 1; track < musicFiles.size(); ++track) {
     musicFiles[track] = soundFolder() + "music" + std::to_string(track) + ".mp3";
@@ -70,10 +70,10 @@ void initAudio() {
 }
 
 void reloadSounds() {
-  // Quirk Q-278: the first device stays and is open already, so that its file is not read again.
+  // Quirk Q-278: the first device stays and is already open, so its file isn't read again.
   while (frmSound->lastIndex() > 0) frmSound->unloadDevice();
-  // Quirk Q-182: nobody looks at the command line here, so a client started without sound gets the names of its tracks
-  // after all, and with them its music.
+  // Quirk Q-182: doesn't check the command line, so a client started without sound gets the tracks' names after all,
+  // and with them its music.
   initAudio();
 }
 
@@ -99,8 +99,8 @@ void startMusic() {
 }
 
 void playMusic(std::int16_t index) {
-  // Quirk Q-184: the switch of the command line is looked at here alone once the game runs: with "nomusic", ticking the
-  // menu item starts the timer, and every track that it asks for is refused.
+  // Quirk Q-184: once the game runs, only this checks the command line. With "nomusic", ticking the menu item starts
+  // the timer, and every track is refused here.
   if (!frmMain->mnuAudioMusic.Checked || isOnCommandLine("nomusic")) return;
   resumeNext([index] {
     if (index < 0 || index > lastTrack) raiseSubscriptOutOfRange();
@@ -110,8 +110,8 @@ void playMusic(std::int16_t index) {
 }
 
 void nextMusic() {
-  // Quirk Q-277: so the store falls silent once its own track has ended, and music that is switched on in it is not
-  // heard.
+  // Quirk Q-277: the store falls silent once its own track has ended, and music that is switched on in it doesn't
+  // start.
   if (frmPowerups.isVisible()) return;
   playMusic(currentMusic + 1 > lastTrack ? std::int16_t{1} : static_cast<std::int16_t>(currentMusic + 1));
 }

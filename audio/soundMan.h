@@ -6,35 +6,35 @@
 
 namespace kelvora {
 
-/// Nine sound effects and the rotation of the music. Audio is a comfort: no failure in it reaches the player.
+/// Nine sound effects and the rotation of the music. Failures in audio are always silent.
 namespace soundMan {
 
 inline constexpr std::int16_t soundCount = 9;
-inline constexpr std::int16_t lastTrack = 5;  ///< of the rotation, which begins at 1; 0 is the store's own
+inline constexpr std::int16_t lastTrack = 5;  ///< last track of the rotation, which begins at 1; 0 is the store's
 
-extern std::array<std::string, lastTrack + 1> musicFiles;
-extern std::int16_t currentMusic;  ///< the track of the rotation that was last started, 1 to 5
+extern std::array<std::string, lastTrack + 1> musicFiles;  ///< paths by track; empty before initAudio
+extern std::int16_t currentMusic;                          ///< the rotation's track started last, 1 to 5
 
-/// Puts the module back to its state at the start of the process.
+/// Resets the module to its initial state.
 void clear();
 
-/// Fills musicFiles and opens all effects.
+/// Fills musicFiles and opens all effects. Failures are silent.
 void initAudio();
-/// Throws away the effects' devices, but for the first, and opens what is not open.
+/// Closes the effects' devices except for the first, then opens whatever isn't open.
 void reloadSounds();
-/// Rewinds and starts an effect, 0 to 8, unless effects are switched off; any other number does nothing.
+/// Plays an effect, 0 to 8, from the start, unless effects are switched off. Other numbers do nothing.
 void playSound(std::int16_t slot);
-/// Silences an effect until it is played again.
+/// Stops an effect. Other numbers than 0 to 8 do nothing.
 void stopSound(std::int16_t slot);
 
-/// Loads the player and chooses where the rotation begins, unless music is switched off.
+/// Loads the player and draws the rotation's start, unless music is switched off.
 void startMusic();
-/// Starts a track, 0 to 5, unless music is switched off; any other number does nothing.
+/// Plays a track, 0 to 5, unless music is switched off. Other numbers do nothing.
 void playMusic(std::int16_t index);
-/// Starts the track after the current one; the rotation rests while the store is open.
+/// Plays the track after the current one. Does nothing while the store is open.
 void nextMusic();
 
-/// True if the command line has the word anywhere in it, in any case.
+/// True if the command line contains the word anywhere, in any case.
 bool isOnCommandLine(const char* word);
 
 }  // namespace soundMan

@@ -12,11 +12,11 @@ constexpr int keyF1 = 112;
 constexpr int leftButton = 1;
 constexpr int rightButton = 2;
 
-constexpr float edge = 30;  // canvas units from the border of the canvas in which the pointer is pushed back
-// Quirk Q-224: one number, two units: 2 pixels from an edge the pointer is pushed 30 pixels.
+constexpr float edge = 30;  // canvas units from the canvas's border within which the pointer is pushed back
+// Quirk Q-224: one number, two units: 2 pixels from an edge, the pointer is pushed 30 pixels.
 constexpr std::int32_t push = 30;  // pixels
 
-// The design size of the window: its width in pixels and in twips, and the height of title and menu in pixels.
+// The window's design size: its width in pixels and in twips, and the height of title and menu in pixels.
 constexpr double designPixels = 916;
 constexpr double designTwips = 13605;
 constexpr double designBars = 45;
@@ -31,7 +31,7 @@ void FrmMain::canvasKeyDown(int KeyCode) {
 
 void FrmMain::canvasKeyPress(int KeyAscii) {
   txtChat.SetFocus();
-  // Quirk Q-226: the character goes to the end of the line, wherever the caret stands.
+  // Quirk Q-226: appends to the line, wherever the caret is.
   txtChat.Text = txtChat.Text.get() + static_cast<char>(KeyAscii);
   txtChat.SelStart = static_cast<int>(txtChat.Text.get().size());
 }
@@ -43,19 +43,19 @@ void FrmMain::canvasMouseDown(int Button) {
 void FrmMain::canvasMouseMove(int Button, float X, float Y) {
   isLockMouse_ = Button == leftButton;
   if (isLockMouse_) confinePointer(X, Y);
-  // Quirk Q-223: where the mouse was, not where it has been put: that comes with an event of its own.
+  // Quirk Q-223: the event's position, not the pushed one, which arrives with the next event.
   modMain::setMousePos(X, Y);
 }
 
 void FrmMain::confinePointer(float X, float Y) {
-  // Quirk Q-034: the way to screen pixels is that of the design window, whatever the window and its frame are now.
-  // Quirk Q-238: the place is rounded twice, to whole twips and to whole pixels.
+  // Quirk Q-034: the conversion to screen pixels assumes the design window, whatever the window and its frame are now.
+  // Quirk Q-238: the position is rounded twice, to whole twips and to whole pixels.
   std::int32_t sx = toInt32(static_cast<double>(canvas.Left) + Left + X);
   std::int32_t sy = toInt32(static_cast<double>(canvas.Top) + Top + Y);
   sx = toInt32(sx * designPixels / designTwips);
   sy = toInt32(sy * designPixels / designTwips + designBars);
 
-  // Quirk Q-035: each edge places the pointer by itself, so that a corner places it twice.
+  // Quirk Q-035: each edge moves the pointer separately, so a corner moves it twice.
   if (X < edge) {
     sx += push;
     SetCursorPos(sx, sy);

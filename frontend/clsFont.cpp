@@ -41,7 +41,7 @@ void clsFont::loadSettings() {
   red = readChannel(key("colorR"), fallback.red);
   green = readChannel(key("colorG"), fallback.green);
   blue = readChannel(key("colorB"), fallback.blue);
-  // Quirk Q-141: a family can stand in the store, but nobody uses it and the dialog has no choice of it.
+  // Quirk Q-141: the stored family is not used, and the dialog can't change it.
   family = GetSetting(fontsSection, key("family"), "Comic Sans MS");
 }
 

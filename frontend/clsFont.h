@@ -7,26 +7,27 @@
 
 namespace kelvora {
 
-/// Colour and size of one purpose of text, kept in the settings store.
+/// Colour and size of the text of one purpose, kept in the settings.
 class clsFont {
  public:
-  /// Takes up the purpose, 0 to 4, and reads its settings; any other has no defaults and is RuntimeFault.
+  /// Sets the purpose, 0 to 4, and reads its settings. RuntimeFault for any other purpose, which has no defaults.
   void init(std::int16_t purpose);
-  /// A stored value that is no number, or that is out of range, is RuntimeFault.
+  /// RuntimeFault if a stored value is not a number or out of range.
   void loadSettings();
-  /// Brings this purpose's row of the dialog up to date. Loads the dialog.
+  /// Updates this purpose's row of the dialog. Loads the dialog.
   void showToForm();
-  /// Channel 0 red, 1 green, 2 blue; any other changes nothing. Saved and shown at once.
+  /// Sets channel 0 (red), 1 (green) or 2 (blue), saves and shows it. Other channels change nothing.
   void setColour(std::uint8_t channel, std::uint8_t value);
-  /// Points. Saved and shown at once.
+  /// Sets the size in points, saves and shows it.
   void updateSize(std::int16_t size);
   Colour getColour() const { return {red, green, blue}; }
+  /// In points.
   std::int16_t getSize() const { return size; }
 
  private:
   std::string key(const char* name) const;
 
-  std::string family;  // read and kept; the canvas prints in its own font
+  std::string family;  // not used: the canvas prints in its own font
   std::int16_t size = 0;
   std::uint8_t red = 0;
   std::uint8_t green = 0;

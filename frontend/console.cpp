@@ -14,7 +14,7 @@ namespace kelvora {
 namespace {
 
 constexpr std::size_t longestLine = 90;    // characters
-constexpr std::size_t shortestSplit = 80;  // characters, the blank included
+constexpr std::size_t shortestSplit = 80;  // characters, including the blank
 
 void pushLine(std::string text, std::int16_t lineType) {
   auto& lines = modMain::world.chatLines;
@@ -29,13 +29,13 @@ void printChat(const std::string& text, std::int16_t lineType) {
   std::string_view rest = trimmed;
   std::string_view mark;
   while (mark.size() + rest.size() > longestLine) {
-    // Where a line ends depends on its first 90 characters alone, so the rest of a long text is not copied every time.
+    // A line's end depends on its first 90 characters only, so this needn't copy the rest of a long text every time.
     const std::string window = std::string(mark).append(rest.substr(0, longestLine + 1));
     std::string first = splitChatLine(window).first;
     rest.remove_prefix(first.size() - mark.size());
     pushLine(std::move(first), lineType);
-    // Quirk Q-043: a continuation is printed as " > " and the rest, like any text, so it loses the blank ahead of its
-    // mark, and the mark counts among the characters of its line.
+    // Quirk Q-043: a continuation is printed like any text, as " > " and the rest. So it loses the leading blank, and
+    // the mark counts towards its 90 characters.
     mark = "> ";
   }
   pushLine(std::string(mark).append(rest), lineType);

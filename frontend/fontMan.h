@@ -15,14 +15,14 @@ inline constexpr std::int16_t purposeCount = 5;
 
 extern std::array<clsFont, purposeCount> fonts;
 
-/// Reads the fonts from the settings store.
+/// Reads the fonts from the settings.
 void initFonts();
-/// A purpose outside 0 to 4 is ignored.
+/// Changes one channel of a purpose's colour. Ignores purposes outside 0 to 4.
 void setFontColour(std::int16_t purpose, std::uint8_t channel, std::uint8_t value);
 void setFontSize(std::int16_t purpose, std::int16_t size);
-/// Brings the whole dialog up to date. Loads it.
+/// Updates the whole dialog. Loads it.
 void showFontsToForm();
-/// Of a line type: white and 0 from type 5 on, black and 0 below type 0.
+/// The colour and size (points) for a line type: white and 0 from type 5 on, black and 0 below type 0.
 Colour getFontColour(std::int16_t type);
 std::int16_t getFontSize(std::int16_t type);
 

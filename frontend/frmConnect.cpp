@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* loginSection = "last login";
 
-// Borders of a circle: marked, or as all the others.
+// Borders of a circle, marked and unmarked.
 constexpr int solidBorder = 1;
 constexpr int dottedBorder = 3;
 constexpr int markedWidth = 3;
@@ -83,26 +83,26 @@ void FrmConnect::colourRowMouseDown(float X, float Y) {
   const float y = Y + lblShapeSelect.Top;
   for (int i = 0; i <= shpUserColor.UBound; ++i) {
     Shape& circle = shpUserColor[i];
-    // Quirk Q-051: also when the press meets none of them: then no circle is marked, and the old colour still holds.
+    // Quirk Q-051: even if the press hits no circle. Then no circle is marked, and the old colour still counts.
     unmark(circle);
     const bool across = circle.Left <= x && x <= circle.Left + circle.Width;
     const bool down = circle.Top <= y && y <= circle.Top + circle.Height;
     if (!across || !down) continue;
     colour = static_cast<std::int16_t>(i);
-    // Quirk Q-041: a click leaves the border dotted and gives it the colour of number 1, nearly black; it does not
-    // show, since a border of width 3 is drawn solid.
+    // Quirk Q-041: a click leaves the border dotted in colour 1, nearly black. That is invisible, because a border of
+    // width 3 is drawn solid.
     circle.BorderColor = RGB(1, 0, 0);
     circle.BorderWidth = markedWidth;
   }
 }
 
 void FrmConnect::cmdConnect_Click() {
-  // Quirk Q-042: what was typed is saved first, also if it is refused below.
+  // Quirk Q-042: saves the input before it is checked below.
   saveLastLogin();
-  double port = 0;  // stays for a number beyond any double's range, which is no port either
+  double port = 0;  // stays 0 for a number beyond a double's range, which is refused below
   resumeNext([&] { port = readNumber(txtServerPort.Text.get()); });
-  // Quirk Q-231: half of all ports are refused, 32767 itself among them.
-  // Quirk Q-232: the fraction is rounded off below, behind the check: 2010.5 is a port, and 0.3 passes as port 0.
+  // Quirk Q-231: refuses half of all ports, even 32767.
+  // Quirk Q-232: rounded after this check, so 2010.5 is a port, and 0.3 passes as port 0.
   if (port <= 0 || port >= 32767) {
     MsgBox("Invalid server port number");
     return;

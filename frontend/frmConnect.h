@@ -7,11 +7,11 @@
 
 namespace kelvora {
 
-/// Collects what a login needs and starts the connection. Places are twips in its client area.
+/// Collects the login's data and starts the connection. Positions are twips in the client area.
 class FrmConnect : public Form {
  public:
   FrmConnect();
-  /// Fills in what was typed last and places the dialog on the main window.
+  /// Fills in the last input and places the dialog over the main window.
   void load() override;
 
   std::int16_t colour = 0;  ///< chosen colour, 0 to 5
@@ -22,24 +22,24 @@ class FrmConnect : public Form {
   TextBox txtServerAddress{this, {1740, 540, 2055, 285}, "127.0.0.1"};
   Label Label3{this, {120, 900, 1455, 285}, "Server Port:", caption};
   TextBox txtServerPort{this, {1740, 900, 915, 285}, "2010"};
-  // Quirk Q-230: the one caption without a colon.
+  // Quirk Q-230: the only caption without a colon.
   Label Label4{this, {120, 1260, 1455, 285}, "Server Password", caption};
-  // Quirk Q-229: the password is shown as it is typed, and stored so.
+  // Quirk Q-229: the password is shown and stored as it is typed.
   TextBox txtServerPassword{this, {1740, 1260, 2055, 285}, ""};
   Label Label5{this, {120, 1620, 1455, 285}, "Preferred Color:", caption};
-  /// The circles' borders are black: their ground is lighter than the dialog.
+  /// The circles' borders are black, so their background is lighter than the dialog.
   Label colourGround{this, {1740, 1620, 1935, 255}, "", {.back = RGB(150, 156, 182)}};
   ControlArray<Shape, 6> shpUserColor{[this](int i) {
     return Shape{this, {1860 + 300.0F * static_cast<float>(i), 1620, 195, 255}, circleColours[i]};
   }};
-  /// Lies over the circles and takes their clicks.
+  /// Covers the circles and takes their clicks.
   Label lblShapeSelect{this, {1740, 1620, 1935, 255}, "", {.transparent = true, .border = true, .systemColours = true}};
   Button cmdConnect{this, {480, 1980, 1455, 375}, "Connect", Button::Role::Default};
-  // Quirk Q-050: Esc is answered by the list of servers, not by cmdCancel.
+  // Quirk Q-050: Esc opens the list of servers instead of pressing cmdCancel.
   Button cmdGetList{this, {2040, 1980, 1455, 375}, "Get List", Button::Role::Cancel};
   Button cmdCancel{this, {1260, 2460, 1455, 375}, "Cancel"};
 
-  /// Also called by the game finder, which fills in address and port first.
+  /// Also called by the game finder, after filling in address and port.
   void cmdConnect_Click();
   void selectColour(std::int16_t index);
 

@@ -31,12 +31,12 @@ FrmFonts::FrmFonts()
 
 void FrmFonts::load() { fontMan::showFontsToForm(); }
 
-// Quirk Q-142: only a move sets the channel; a press on a bar without one does nothing.
+// Quirk Q-142: only a drag sets the channel. A press on a bar does nothing.
 void FrmFonts::barMouseMove(const Label& bar, int purpose, std::uint8_t channel, int Button, float X) {
   constexpr int leftAlone = 1;
   if (Button != leftAlone) return;
-  // Quirk Q-140: the factor is 100 although a channel goes up to 255, so the end of the bar is 100, and brighter
-  // colours need a drag on beyond it.
+  // Quirk Q-140: the factor is 100 although a channel goes up to 255. The bar ends at 100, and brighter colours need a
+  // drag beyond it.
   const double value = std::floor(static_cast<double>(X) * 100 / bar.Width);
   fontMan::setFontColour(static_cast<std::int16_t>(purpose), channel, toByte(std::clamp(value, 0.0, 255.0)));
 }

@@ -8,12 +8,12 @@
 
 namespace kelvora {
 
-/// Sets colour and size of the five purposes of text, one block of controls each. What is changed holds and is saved at
-/// once. Places are twips in its client area.
+/// Edits colour and size for the five purposes of text, one block of controls each. Changes apply and are saved at
+/// once. Positions are twips in the client area.
 class FrmFonts : public Form {
  public:
   FrmFonts();
-  /// Shows the fonts as they are.
+  /// Shows the current fonts.
   void load() override;
 
   ControlArray<Label, 5> lblFontLabel{[this](int i) {
@@ -46,7 +46,7 @@ class FrmFonts : public Form {
     return Label{this, {5730, row(purpose, top), 855, 180}, "", {.back = solid, .border = true}};
   }
 
-  /// A drag over a bar, `X` in twips from its left end, sets the channel of the purpose's colour.
+  /// A drag across a bar, to `X` twips from its left end, sets a channel of the purpose's colour.
   static void barMouseMove(const Label& bar, int purpose, std::uint8_t channel, int Button, float X);
   void sizeChanged(int purpose);
 };

@@ -20,15 +20,14 @@ FrmGameFind::FrmGameFind()
   }
   cmdRefresh.Click = [this] { requestHostList(); };
   for (CheckBox* box : {&chkPassword, &chkEmpty, &chkFull}) {
-    // Quirk Q-160: the press starts the fetch before it has changed the box, whose value is read when the connection
-    // stands: a host that answers while the button is still held hears the old one.
-    // Quirk Q-282: nothing but a press does: the keys change a box and fetch nothing, the right button does the
-    // reverse.
+    // Quirk Q-160: the press starts the fetch before the box changes, and the value is read once the connection stands.
+    // A host that answers while the button is down gets the old value.
+    // Quirk Q-282: only a mouse press fetches. Keys change a box without a fetch, the right button does the reverse.
     box->MouseDown = [this](int, int, float, float) { requestHostList(); };
   }
   grid.DblClick = [this] { connectToChosen(); };
 
-  // Quirk Q-161: a fetch that fails or ends early has no handler, and the last word on lblStatus stays.
+  // Quirk Q-161: nothing handles a fetch that fails or ends early, so lblStatus keeps its last text.
   websock.onConnect = [this] { sendRequest(); };
   websock.onDataArrival = [this] { readAnswer(); };
 }
@@ -55,7 +54,7 @@ void FrmGameFind::sendRequest() {
   const auto flag = [](const CheckBox& box) { return numberText(std::int32_t{box.Value}); };
   const std::string path = "/games/kelvora/gethosts.php?version=" + appVersionText() +
                            "&password=" + flag(chkPassword) + "&full=" + flag(chkFull) + "&empty=" + flag(chkEmpty);
-  // Quirk Q-162: the game presents itself as a web browser.
+  // Quirk Q-162: identifies the game as a web browser.
   websock.SendData("GET " + path + " HTTP/1.1\r\n" +  //
                    "Host: " + webAddress().authority() + "\r\n" +
                    "User-Agent: Mozilla/5.0 (Windows; U; Windows NT 5.1; en-US; rv:1.9.0.3) "
@@ -70,7 +69,7 @@ void FrmGameFind::sendRequest() {
 
 void FrmGameFind::readAnswer() {
   constexpr std::string_view endMark = "-END-";
-  // The mark may have begun in an earlier read; what lies farther back has been searched.
+  // The mark may have begun in an earlier read. Anything before that has been searched.
   const std::size_t unsearched = hostBuffer.size() - std::min(hostBuffer.size(), endMark.size() - 1);
   const bool fits = appendAnswer(hostBuffer, readArrived(websock));
   if (hostBuffer.find(endMark, unsearched) != std::string::npos) {
@@ -88,7 +87,7 @@ void FrmGameFind::parseHostList() {
   bool inList = false;
   int fieldIndex = 0;
   std::string current;
-  // Quirk Q-163: the headers of the answer are read like the list; a bracket in them begins a record.
+  // Quirk Q-163: parses the answer's headers as part of the list, so a bracket in them begins a record.
   for (const char c : hostBuffer) {
     if (c == '[') {
       hostCount = toInt16(hostCount + 1.0);
@@ -101,8 +100,8 @@ void FrmGameFind::parseHostList() {
       if (c == '|') ++fieldIndex;
       current.clear();
     } else if (c != '\r' && c != '\x14' && inList) {
-      // Quirk Q-164: no record ever ends: what stands behind one goes in front of the next one's address. A line feed
-      // (10) does so too, since the second code that is left out is 20.
+      // Quirk Q-164: no record ever ends: text after one is prefixed to the next address. So is a line feed (10),
+      // because the second skipped code is 20.
       current += c;
     }
   }
@@ -118,7 +117,7 @@ void FrmGameFind::takeField(hostEntry& host, int fieldIndex, const std::string& 
       host.port = toInt16(readNumber(text));
       break;
     case 2:
-      // Quirk Q-165: every other number is read leniently. An empty flag, or one that is no number, ends the program.
+      // Quirk Q-165: other numbers are read leniently. An empty or non-numeric flag ends the program.
       if (strictNumber(text) == 1) host.passwordRequired = true;
       break;
     case 3:
@@ -160,15 +159,15 @@ void FrmGameFind::fillGrid() {
 }
 
 void FrmGameFind::connectToChosen() {
-  // Quirk Q-166: an empty list has a row too, the heading. It gives the port "Port", which is refused.
+  // Quirk Q-166: in an empty list the heading is the current row. Its port "Port" is refused.
   grid.Col = 0;
   frmConnect->txtServerAddress.Text = grid.Text();
   grid.Col = 1;
   frmConnect->txtServerPort.Text = grid.Text();
   DoEvents();
-  // Quirk Q-272: the password is what stands in the connect dialog, also for a server that is marked "REQUIRED".
+  // Quirk Q-272: uses the password in the connect dialog, even for a server marked "REQUIRED".
   frmConnect->cmdConnect_Click();
-  // Quirk Q-167: refused or not, the finder goes.
+  // Quirk Q-167: the finder closes whether or not the values are accepted.
   frmGameFind.unload();
 }
 

@@ -12,7 +12,7 @@
 
 namespace kelvora {
 
-/// One server of the published list.
+/// A server in the published list.
 struct hostEntry {
   std::string address;
   std::int16_t port = 0;
@@ -22,19 +22,19 @@ struct hostEntry {
   std::int16_t maxPlayers = 0;
 };
 
-/// Lists the servers that have published themselves on the web host, and connects to the one that is double-clicked.
-/// Places are twips in its client area.
+/// Lists the servers published on the web host, and connects to one on a double-click. Positions are twips in the
+/// client area.
 class FrmGameFind : public Form {
  public:
   FrmGameFind();
   /// Starts the first fetch.
   void load() override;
-  /// A fetch that is under way is given up.
+  /// Aborts a running fetch.
   void unloaded() override;
 
   std::int16_t hostCount = 0;
-  std::vector<hostEntry> hosts = std::vector<hostEntry>(1);  ///< from 1 to hostCount; element 0 stays empty
-  std::string hostBuffer;                                    ///< answer received so far, at most `longestAnswer` bytes
+  std::vector<hostEntry> hosts = std::vector<hostEntry>(1);  ///< 1 to hostCount; element 0 is unused
+  std::string hostBuffer;                                    ///< the answer so far, at most `longestAnswer` bytes
 
   Label lblHeader{this, {120, 120, 5055, 255}, "", {.systemColours = true}};
   Button cmdRefresh{this, {5340, 120, 1455, 255}, "Refresh"};
@@ -46,10 +46,10 @@ class FrmGameFind : public Form {
 
   Winsock websock;
 
-  /// Starts a new fetch; one that is under way is given up.
+  /// Starts a new fetch and aborts a running one.
   void requestHostList();
-  /// Reads `hostBuffer` into `hosts` and shows them. A number that does not fit, a password flag that is no number and
-  /// a record too many are RuntimeFault.
+  /// Parses `hostBuffer` into `hosts` and shows them. RuntimeFault for a number out of range, a password flag that is
+  /// not a number, or too many records.
   void parseHostList();
   void initGrid();
   void fillGrid();

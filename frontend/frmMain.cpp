@@ -85,7 +85,7 @@ void FrmMain::connectHandlers() {
   btnShop.Click = [] { modMain::openStore(); };
   btnSpawn.Click = [] { netMan::requestSpawn(); };
   tmrCheckNetStatus.Timer = [this] { showConnectionState(); };
-  // A socket that is closed or has failed stays so until it is told to connect or to close.
+  // A closed or failed socket stays in its state until it is told to connect or close.
   tmrCheckNetStatus.mayRest = [this] { return sock.State() == sckClosed || sock.State() == sckError; };
   sock.onCommand = [this] { tmrCheckNetStatus.wake(); };
 }
@@ -113,11 +113,11 @@ void FrmMain::readSocket() {
   netMan::receiveData(receiveBuffer);
 }
 
-// Quirk Q-036: nothing is sent, saved or closed in order; the server finds out by itself.
+// Quirk Q-036: sends, saves and closes nothing. The server finds out by itself.
 void FrmMain::unloading() { endProcess(); }
 
 void FrmMain::openConnectDialog() {
-  if (frmConnect.isVisible()) {  // it stands there modeless, from the start or from a disconnection
+  if (frmConnect.isVisible()) {  // already open without blocking, since the start or a disconnection
     frmConnect->SetFocus();
     return;
   }
@@ -131,15 +131,15 @@ void FrmMain::showConnectionState() {
 }
 
 void FrmMain::setButtonsState(bool enabled) {
-  // Quirk Q-037: a grey button is grey and nothing else, it takes clicks as ever.
+  // Quirk Q-037: a grey button only looks grey. It still takes clicks.
   const int face = enabled ? 1 : 0;
   btnSpawn.setPicture(frmGfx->imgBtnPlay[face].Picture);
   btnShop.setPicture(frmGfx->imgBtnStore[face].Picture);
 }
 
 void FrmMain::resizeControls() {
-  // Quirk Q-038: there is no smallest size. In a window too small for it the canvas keeps its last size, and the rest
-  // is put where it belongs beside that.
+  // Quirk Q-038: there is no minimum size. In a window too small for it, the canvas keeps its last size, and the other
+  // controls are placed next to that.
   resumeNext([this] { canvas.Width = Width - 2165; });
   resumeNext([this] { canvas.Height = Height - 1755; });
   resumeNext([this] { frmUsers.Left = canvas.Width + 105; });
@@ -150,7 +150,7 @@ void FrmMain::resizeControls() {
   resumeNext([this] { Label3.Left = canvas.Width + 45; });
   resumeNext([this] { picRadar.Left = canvas.Width + 105; });
   resumeNext([this] { lblPrivChat.Top = canvas.Height + 105; });
-  // Quirk Q-234: the chat entry and the status bar follow the height alone; in a wide window they end where they did.
+  // Quirk Q-234: the chat entry and the status bar follow the height only, so they don't widen with the window.
   resumeNext([this] { txtChat.Top = lblPrivChat.Top; });
   resumeNext([this] { frame_Status.Top = canvas.Height + 465; });
 }

@@ -13,8 +13,8 @@
 
 namespace kelvora {
 
-/// The one permanent window: canvas, player list, credits, the two big buttons, radar, chat entry, status bar and menu.
-/// Places are left, top, width, height in twips at the design size.
+/// The main window: canvas, player list, credits, the two big buttons, radar, chat entry, status bar and menu. It
+/// exists as long as the program. Positions are left, top, width and height in twips at the design size.
 class FrmMain : public Form {
  public:
   FrmMain();
@@ -67,7 +67,7 @@ class FrmMain : public Form {
                   {.fore = cyan, .back = RGB(64, 0, 64), .font = chatFont, .systemColours = false}};
 
   Frame frame_Status{this, {0, 9600, 13215, 375}, "", white, black, false};
-  // Quirk Q-235: none of the ten states is called Disconnected; the text goes with the first update.
+  // Quirk Q-235: no state is called Disconnected. The first update replaces this text.
   Label lblNetStatus{&frame_Status,
                      {60, 60, 1335, 255},
                      "Disconnected",
@@ -77,7 +77,7 @@ class FrmMain : public Form {
 
   Winsock sock;
   Winsock sockUpdates;
-  std::string updateBuffer;  ///< what the update check has received so far
+  std::string updateBuffer;  ///< the update check's answer so far
 
   MenuItem mnuFile{this, "File"};
   MenuItem mnuFileConnect{&mnuFile, "Connect to server"};
@@ -94,20 +94,20 @@ class FrmMain : public Form {
   MenuItem mnuQuarkQuarks{&mnuQuark, "Quarks"};
   MenuItem mnuMisc{&mnuSettings, "Misc"};
   MenuItem mnuLine{&mnuMisc, "Directional Line Visible"};
-  // Quirk Q-233: the design checks Never, an empty store Only while clicking.
+  // Quirk Q-233: the design checks Never, but missing settings check "Only while clicking".
   MenuItem mnuDirLineNever{&mnuLine, "Never", MenuItem::Design::Checked};
   MenuItem mnuDirLineClick{&mnuLine, "Only while clicking"};
   MenuItem mnuDirLineAlways{&mnuLine, "Always"};
   MenuItem mnuUpdates{&mnuMisc, "Check for updates on startup", MenuItem::Design::Checked};
 
-  std::array<std::string, 256> chatHistory;  ///< lines typed, index 0 newest
-  std::int16_t chatHistoryPosition = 0;      ///< current place in chatHistory
+  std::array<std::string, 256> chatHistory;  ///< typed lines, newest first
+  std::int16_t chatHistoryPosition = 0;      ///< current index into chatHistory
 
-  /// Brings lblNetStatus up to date with the socket's state.
+  /// Shows the socket's state in lblNetStatus.
   void showConnectionState();
-  /// True lights the two big buttons, False greys them; they take clicks either way.
+  /// Lights the two big buttons or greys them. They take clicks either way.
   void setButtonsState(bool enabled);
-  /// The left button has been held while the mouse moved. Written by the canvas's handlers alone.
+  /// True once the mouse has moved with the left button held. Only the canvas's handlers write it.
   bool isLockMouse() const { return isLockMouse_; }
 
  private:
@@ -123,9 +123,9 @@ class FrmMain : public Form {
 
   /// Starts or ends the music.
   void clickMusic();
-  /// One of the directional line's three items becomes the checked one.
+  /// Checks one of the directional line's three items and unchecks the others.
   void checkDirectionalLine(const MenuItem& item);
-  /// The settings of Stars and Quarks exclude each other; one of the two is always checked.
+  /// Toggles one of Stars and Quarks, sets the other to the opposite, and saves.
   void clickBackgroundObjects(MenuItem& clicked, MenuItem& other);
   void clickDirectionalLine(MenuItem& clicked);
   const char* menuWord(const MenuItem& item) const;
@@ -135,7 +135,7 @@ class FrmMain : public Form {
   void canvasKeyPress(int KeyAscii);
   void canvasMouseDown(int Button);
   void canvasMouseMove(int Button, float X, float Y);
-  /// Keeps the pointer inside the canvas: near an edge it is put back inward.
+  /// Pushes the pointer inward when it is near the canvas's edge.
   void confinePointer(float X, float Y);
 
   bool isLockMouse_ = false;

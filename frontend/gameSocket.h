@@ -4,7 +4,7 @@
 
 namespace kelvora {
 
-/// The game's connection to the server, a control of the main window. Loads the window.
+/// The game's connection to the server, a control of the main window. Loads that window.
 Winsock& gameSocket();
 
 }  // namespace kelvora

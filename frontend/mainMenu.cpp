@@ -31,7 +31,7 @@ void FrmMain::load() {
     if (directionalLine == menuWord(*item)) checkDirectionalLine(*item);
   }
 
-  // Quirk Q-039: unlike the word of the line, this one is compared as it stands: "Stars" means quarks.
+  // Quirk Q-039: compared as it stands, unlike the directional line's setting. "Stars" means quarks.
   const bool stars = GetSetting("misc", "quarks", "stars") == "stars";
   mnuQuarkStars.Checked = stars;
   mnuQuarkQuarks.Checked = !stars;
@@ -77,7 +77,7 @@ void FrmMain::clickBackgroundObjects(MenuItem& clicked, MenuItem& other) {
 
 void FrmMain::clickDirectionalLine(MenuItem& clicked) {
   clicked.Checked = !clicked.Checked;
-  // Quirk Q-040: unchecking an item leaves none of the three checked, and the old word in the store.
+  // Quirk Q-040: unchecking an item leaves none of the three checked, and the old setting stored.
   if (!clicked.Checked) return;
   checkDirectionalLine(clicked);
   SaveSetting("misc", "directionalLine", menuWord(clicked));

@@ -5,8 +5,7 @@
 
 namespace kelvora {
 
-// Colours and fonts of the main window. The families are asked for by these names; the backend puts a free substitute
-// in the place of one that is not installed.
+// Colours and fonts of the main window. The backend substitutes a free family for one that isn't installed.
 inline constexpr Colour black = RGB(0, 0, 0);
 inline constexpr Colour white = RGB(255, 255, 255);
 inline constexpr Colour yellow = RGB(255, 255, 0);

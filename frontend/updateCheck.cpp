@@ -13,15 +13,15 @@ namespace {
 
 bool isStarted = false;
 
-/// The version behind the marker, from `position` to the end of its line.
+/// The version after the marker, from `position` to the end of its line.
 std::string versionAt(const std::string& text, std::size_t position) {
   std::string version;
   char c = 0;
-  // Quirk Q-170: the end of the text ends the line one character early: a file without a line break at its end loses
-  // the last digit of its version.
+  // Quirk Q-170: the end of the text ends the line one character early. A file without a final line break loses the
+  // last digit of its version.
   do {
     c = position < text.size() ? text[position] : '\0';
-    // Quirk Q-171: what is neither digit nor point is left out and does not end the version: " 1.2.1b" is "1.2.1".
+    // Quirk Q-171: skips anything but digits and points: " 1.2.1b" is "1.2.1".
     if (('0' <= c && c <= '9') || c == '.') version += c;
     ++position;
   } while (c != '\n' && c != '\r' && position + 1 < text.size());
@@ -45,11 +45,11 @@ void checkForUpdates() {
 
 void connected() {
   frmMain->updateBuffer.clear();
-  // Quirk Q-279: the file is asked for by its whole address, as one asks a proxy, and with no header line.
+  // Quirk Q-279: requests the file by its full address, as from a proxy, and without headers.
   frmMain->sockUpdates.SendData("GET http://" + webAddress().authority() + "/games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
 }
 
-/// A host that sends more than an answer can hold is left without a word, like one that sends no version.
+/// An answer that is too long is ignored silently, like one without a version.
 void dataArrived() {
   FrmMain& window = *frmMain;
   if (appendAnswer(window.updateBuffer, readArrived(window.sockUpdates))) return;
@@ -67,11 +67,11 @@ void closedByHost() {
 
 void parseUpdateFile(const std::string& text) {
   constexpr std::string_view marker = "tvqver:";
-  // Quirk Q-280: the headers of the answer are searched like the file, and the first marker counts.
+  // Quirk Q-280: searches the answer's headers as well. The first marker counts.
   const std::size_t found = text.find(marker);
   if (found == std::string::npos) return;
   const std::string version = versionAt(text, found + marker.size());
-  // Quirk Q-172: only equality counts. An older version, and one without any digit, are announced like a newer one.
+  // Quirk Q-172: only compares for equality. An older version, or one without digits, is announced like a newer one.
   if (version == appVersionText()) return;
   MsgBox("The version " + version + " is available to download\n" + "from " + webAddress().host +
          ".  You can only connect to \n" + "servers running the same version as you.  Please update.");

@@ -8,17 +8,17 @@ namespace kelvora {
 /// whatever fails in it fails without a word.
 namespace updateCheck {
 
-/// Starts the check, once in a run of the program; it goes on in the events of frmMain's sockUpdates.
+/// Starts the check, once per run of the program. It continues in the events of frmMain's sockUpdates.
 void checkForUpdates();
-/// Tells the player if the answer names a version other than the program's own.
+/// Tells the player if the answer names a version other than the program's.
 void parseUpdateFile(const std::string& text);
 
-// The events of sockUpdates.
+// Event handlers of sockUpdates.
 void connected();
 void dataArrived();
 void closedByHost();
 
-/// Back to the start of the process: no check has been made.
+/// Resets to the initial state: no check has been made.
 void clear();
 
 }  // namespace updateCheck

@@ -44,7 +44,7 @@ WebAddress parseWebAddress(std::string_view text) {
 WebAddress webAddress() { return parseWebAddress(webHost()); }
 
 std::string readArrived(Winsock& socket) {
-  // Quirk Q-281: what is not read then lies there until more arrives.
+  // Quirk Q-281: the rest isn't read until more data arrives.
   constexpr int mostReads = 49;
   std::string arrived;
   for (int reads = 0; reads < mostReads && socket.State() == sckConnected; ++reads) arrived += socket.GetData();

@@ -8,30 +8,31 @@
 
 namespace kelvora {
 
-/// Where the publisher's web host is found.
+/// The address of the publisher's web host.
 struct WebAddress {
-  std::string host;  ///< name or number, without a port
+  std::string host;  ///< name or number, without port
   int port = 80;
 
-  /// How HTTP names it: the host, and behind a colon its port if that is not 80. A number with colons stands in
-  /// brackets.
+  /// The address as HTTP writes it: the host, followed by a colon and the port unless it is 80. A number with colons is
+  /// in brackets.
   std::string authority() const;
 
   friend bool operator==(const WebAddress&, const WebAddress&) = default;
 };
 
-/// Reads "host" or "host:port"; a number with colons stands in brackets ("[::1]:8080") if a port follows. What is no
-/// port from 1 to 65535 counts as 80.
+/// Parses "host" or "host:port". A number with colons needs brackets ("[::1]:8080") if a port follows. An invalid port
+/// (not 1 to 65535) counts as 80.
 WebAddress parseWebAddress(std::string_view text);
-/// The web host that this run of the program asks.
+/// The web host used by this run of the program.
 WebAddress webAddress();
 
-/// Bytes that are kept of one answer of the web host; a host that never ends costs no more memory than this.
+/// Maximum size of an answer from the web host, in bytes. The rest is dropped, so an endless answer can't fill the
+/// memory.
 inline constexpr std::size_t longestAnswer = std::size_t{1024} * 1024;
 
-/// What a data event has brought, read in fewer than 50 steps and only while the socket is connected.
+/// Reads the data of one data event: at most 49 reads, while the socket is connected.
 std::string readArrived(Winsock& socket);
-/// Appends what still fits an answer and drops the rest; false if something had to be dropped.
+/// Appends as much as fits an answer and drops the rest. False if anything was dropped.
 bool appendAnswer(std::string& answer, std::string_view arrived);
 
 }  // namespace kelvora

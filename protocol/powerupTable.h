@@ -10,18 +10,18 @@ enum PowerupSlot : int { shieldSlot, turboSlot, chargedTailSlot, extendedTailSlo
 inline constexpr int powerupSlotCount = 6;
 constexpr bool isSlot(int number) { return 0 <= number && number < powerupSlotCount; }
 
-inline constexpr std::int16_t startCapacity = 10;  ///< powerups that a player can hold, of all kinds together
+inline constexpr std::int16_t startCapacity = 10;  ///< maximum number of powerups of all kinds that a player can hold
 inline constexpr double startFunds = 10;           ///< credits
 
-/// One kind of powerup: its rules, and what the store says of it. Client and server read the same rows.
+/// One kind of powerup: its rules and the store's texts. Client and server share these rows.
 struct Powerup {
   const char* name;    ///< in the store
   std::int16_t price;  ///< credits
   const char* description;
-  std::int16_t seconds;      ///< of one activation
-  bool runs;                 ///< `active` is set; the pulse is over at once
+  std::int16_t seconds;      ///< duration of one activation
+  bool runs;                 ///< sets `active`; the pulse is over at once
   const char* announcement;  ///< centre message
-  const char* collapse;      ///< behind the player's name at an early end; null for no line
+  const char* collapse;      ///< console text after the player's name at an early end; null for none
 };
 
 inline constexpr std::array<Powerup, powerupSlotCount> powerupTable{{

@@ -30,7 +30,7 @@ FrmGfx::FrmGfx()
       imgBtnStore([this](int i) {
         return SheetImage{this, "btnStore" + std::to_string(i)};
       }) {
-  // An icon's control is a pixel wider than the icon on every side.
+  // An icon's control is one pixel wider than the icon on every side.
   imgNull.Width = 510;
   imgNull.Height = 510;
 }

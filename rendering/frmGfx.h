@@ -5,17 +5,17 @@
 
 namespace kelvora {
 
-/// A sheet as the paint code sees it: a picture and its size in twips, 15 to a pixel.
+/// A sheet for the paint code: a picture with its size in twips, 15 per pixel.
 class SheetImage : public Image {
  public:
-  /// Loads "<name>.png" from the program's assets; the control takes the picture's size.
+  /// Loads "<name>.png" from the program's assets. The control gets the picture's size.
   SheetImage(Control* container, const std::string& name);
-  /// The pixels. The sheets are part of the program, so there always are some.
+  /// The pixels. Never missing, because the sheets are part of the program.
   const kelvora::Picture& cells() const { return *Picture.get(); }
 };
 
-/// The sprite sheets, on a form that is never shown. Mattes are white outside a sprite's shape and black inside, images
-/// black outside.
+/// The sprite sheets, on a form that is never shown. Mattes are white outside a sprite's shape and black inside. Images
+/// are black outside.
 class FrmGfx : public Form {
  public:
   FrmGfx();

@@ -10,18 +10,18 @@ namespace kelvora {
 
 namespace {
 
-/// Where the beam from `from` through `to` ends: a point on the world's edge.
+/// The end of the beam from `from` through `to`: a point on the world's edge.
 Vector laserHit(Vector from, Vector to) {
   constexpr double size = modMain::worldSize;
   const double slope = (static_cast<double>(to.y) - from.y) / (static_cast<double>(to.x) - from.x);
-  // Quirk Q-302: nothing bounds a slope, and a hit too far for single precision is a fault.
+  // Quirk Q-302: the slope is unbounded, and a hit too far away for single precision is a fault.
   const float offset = toSingle(to.y - to.x * slope);
   const Vector candidates[] = {{toSingle(-offset / slope), 0},
                                {0, offset},
                                {toSingle((size - offset) / slope), modMain::worldSize},
                                {modMain::worldSize, toSingle(size * slope + offset)}};
-  // Quirk Q-131: each candidate is tested against one bound only, the last valid one wins, and a beam without any ends
-  // at the world's origin.
+  // Quirk Q-131: each candidate is checked against one bound only, and the last valid one wins. Without a valid one the
+  // beam ends at the world's origin.
   const bool inside[] = {candidates[0].x >= 0, candidates[1].y >= 0, candidates[2].x <= modMain::worldSize,
                          candidates[3].y <= modMain::worldSize};
   Vector hit;
@@ -39,8 +39,8 @@ Vector laserHit(Vector from, Vector to) {
 void clsPlayer::paintLaser() {
   Vector from = lastPosition;
   if (from == position) return;
-  // Quirk Q-241: a straight flight is tilted by one unit so that it has a slope, and the beam leans by that unit in
-  // every length of the last frame's flight.
+  // Quirk Q-241: a straight flight is tilted by one unit so that it has a slope. The beam leans by that unit for every
+  // length of the last frame's flight.
   if (from.x == position.x) {
     from.x += 1;
   } else if (from.y == position.y) {

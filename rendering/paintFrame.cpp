@@ -15,18 +15,18 @@ namespace kelvora::modMain {
 
 namespace {
 
-/// Paints a pool whose particles may leave it while they are painted.
+/// Paints a pool whose particles may be removed while they are painted.
 template <class Pool, class Count>
 void paintPool(Pool& pool, const Count& count) {
   const Count last = count;
   for (Count i = 0; i < last; ++i) {
-    // Quirk Q-123: a particle that leaves the pool in its own paint pulls the next one into its place, which is skipped
-    // in this frame.
+    // Quirk Q-123: if a particle is removed by its own paint, the next one takes its place and is skipped in this
+    // frame.
     if (i < count) pool[static_cast<std::size_t>(i)].paintSelf();
   }
 }
 
-/// Takes the newest paint time and gives the new average.
+/// Records the newest paint time in ms and returns the new average.
 std::int32_t averageFrameTime(std::int32_t newest) {
   std::copy_backward(world.frameTimes.begin(), world.frameTimes.end() - 1, world.frameTimes.end());
   world.frameTimes[0] = newest;
@@ -42,7 +42,7 @@ void addDebugText(const std::string& line) {
   world.debugText += "\r\n";
 }
 
-// The order of painting is the order of the layers, lowest first.
+// The painting order is the order of the layers, lowest first.
 void paintFrame() {
   PictureBox& canvas = frmMain->canvas;
   PictureBox& radar = frmMain->picRadar;
@@ -66,14 +66,13 @@ void paintFrame() {
   if (world.localPlayer.isConnected && world.localPlayer.isAlive()) world.localPlayer.paintSelf();
 
   const std::int32_t average = averageFrameTime(toInt32(static_cast<double>(GetTickCount() - begin)));
-  // Quirk Q-126: the time shown is the average before this frame.
+  // Quirk Q-126: shows the average before this frame.
   addDebugText("Paint Time:" + formatThreeDigits(world.frameTime));
   paintTextLines();
   paintCentreMessage();
   canvas.Refresh();
   radar.Refresh();
-  // Quirk Q-139: the measured time leaves out the texts and the showing of the picture, though it drives the time
-  // scale.
+  // Quirk Q-139: the measured time excludes the texts and presenting the picture, but determines the time scale.
   world.frameTime = average;
 }
 

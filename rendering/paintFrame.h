@@ -4,23 +4,24 @@
 
 namespace kelvora::modMain {
 
-/// Paints one frame on canvas and radar, shows both, and measures the time for the next frame's time scale. Painting
-/// also steers, ages tails and lands captures.
+/// Paints one frame on canvas and radar, presents both, and measures the time for the next frame's time scale. Painting
+/// also steers, ages tails and carries out captures.
 void paintFrame();
 
-// The layers that belong to no player and no particle.
+// Layers other than players and particles.
 void paintWorldBorder();
-/// Takes the record of the running survival mode and ties the local player to its start by a line.
+/// Updates the record of a survival run and draws a line from the local player to the start.
 void paintSurvival();
 void paintActionIcons();
 /// The console's newest seven lines and the debug text.
 void paintTextLines();
-/// Counts the message's age and prints the message until it is 250 frames old.
+/// Advances the message's age, and paints the message until it is 250 frames old.
 void paintCentreMessage();
 
-/// Adds a line to this frame's text in the upper left corner.
+/// Adds a line to this frame's text in the upper left corner of the canvas.
 void addDebugText(const std::string& line);
-/// True if the background objects are stars, which are grey and stand still; else they are coloured and fly.
+/// True if the background objects are stars, which are grey and stand still. Otherwise they are quarks, which are
+/// coloured and move.
 bool isStarsMode();
 
 }  // namespace kelvora::modMain

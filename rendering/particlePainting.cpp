@@ -22,7 +22,7 @@ constexpr int starBrightness = 200;
 constexpr int largestRadius = 30;  // twips
 constexpr std::int16_t explosionPaints = 10;
 
-/// A coordinate pulled towards the canvas's centre, the more the deeper the particle lies.
+/// A coordinate pulled towards the canvas's centre; deeper particles are pulled more.
 float pulled(float coordinate, float extent, std::int16_t depth) {
   return static_cast<float>(depth * pullPerDepth * (extent / 2 - coordinate) + coordinate);
 }
@@ -54,12 +54,12 @@ void clsParticle::paintSelf() {
 
 bool clsParticle::isWaiting() {
   blink = !blink;
-  // Quirk Q-119: the second of the last count is never kept and stays 0, so at any time of day but the half second
-  // round midnight the particle is counted and not drawn, and is gone at its eleventh paint.
+  // Quirk Q-119: the second of the last count is never stored and stays 0. So the particle is counted and not drawn,
+  // except in the half second around midnight, and is removed at its eleventh paint.
   constexpr std::int32_t lastSecond = 0;
   if (toInt32(Timer()) - lastSecond <= 0) return false;
   age = toInt16(age + 1);
-  if (age > explosionPaints) modMain::removeExplosionParticle(toInt16(num_));  // another particle may stand here now
+  if (age > explosionPaints) modMain::removeExplosionParticle(toInt16(num_));  // another particle may be here now
   return true;
 }
 
@@ -82,7 +82,8 @@ void clsParticle::paintSpriteAt(Vector place, bool exchanged) const {
   const SheetImage& balls = frmGfx->imgBalls;
   const float width = std::floor(balls.Width / 11);
   const float height = std::floor(balls.Height);
-  // Quirk Q-124: the sprite hangs on its lower right corner: a ball is seen up and to the left of its place.
+  // Quirk Q-124: the sprite is anchored at its lower right corner, so a ball is drawn above and to the left of its
+  // position.
   paintSprite(frmMain->canvas, {frmGfx->imgBallMatte, 0, 0}, {balls, static_cast<float>(kind) * width, 0},
               {place.x - width, place.y - height, width, height}, exchanged ? exchangedSprite : normalSprite);
 }

@@ -37,7 +37,7 @@ void clsPlayer::paintSelf() {
     if (modMain::isSurvivalMode()) modMain::paintSurvival();
   } else {
     place = modMain::worldToScreen(position);
-    // Quirk Q-242: out of sight the ball's animation stands still, and goes on from there.
+    // Quirk Q-242: off screen, the ball's animation stops.
     if (isOutside(place, form.canvas)) {
       paintOffscreenArrow();
       return;
@@ -64,13 +64,13 @@ void clsPlayer::paintBall(Vector centre) {
   const Place place{centre.x - std::floor(width / 2), centre.y - std::floor(height / 2), width, height};
   const float left = toInt16(static_cast<double>(width) * animFrame);
   if (!alive) {
-    // Quirk Q-129: a ghost is a ball painted with the two raster operations exchanged; his shield is not shown.
+    // Quirk Q-129: a ghost is a ball painted with swapped raster operations, without its shield.
     paintSprite(canvas, {matte, left, 0}, {ball, left, 0}, place, exchangedSprite);
     return;
   }
   paintSprite(canvas, {matte, left, 0}, {ball, left, 0}, place);
   if (!powerups[shieldSlot].active) return;
-  // Quirk Q-133: the shield's cell and the row of its mattes are measured on the ball's sheet, not on its own.
+  // Quirk Q-133: the shield's cell size and matte row are measured on the ball's sheet.
   const SheetImage& shield = frmGfx->imgShield;
   paintSprite(canvas, {shield, left, height}, {shield, left, 0}, place);
 }
@@ -81,7 +81,7 @@ void clsPlayer::advanceAnimation() {
   if (animTick < framesPerCell) return;
   animTick = 0;
   animFrame = static_cast<std::int16_t>(animFalling ? animFrame - 1 : animFrame + 1);
-  // Quirk Q-244: turning round takes a change of its own, so that the first and the last cell last twice.
+  // Quirk Q-244: reversing takes a step of its own, so the first and the last cell show twice.
   if (animFrame > lastBallCell) {
     animFalling = true;
     animFrame = lastBallCell;
@@ -116,7 +116,7 @@ void clsPlayer::paintOffscreenArrow() {
   const Vector place = modMain::worldToScreen(position);
   const float width = matte.Width / 8;
   const float height = matte.Height;
-  // Rows: above, level, below; columns: left, level, right.
+  // Rows: above, level, below. Columns: left, level, right.
   static constexpr int frames[3][3] = {{4, 0, 5}, {3, -1, 1}, {6, 2, 7}};
   const int column = place.x < 0 ? 0 : place.x > canvas.Width ? 2 : 1;
   const int row = place.y < 0 ? 0 : place.y > canvas.Height ? 2 : 1;

@@ -1,4 +1,4 @@
-// What the main window's panels tell of the players: captures, kills, credits and lag.
+// The main window's panels for players: captures, kills, credits and lag.
 
 #include "base/text.h"
 #include "frontend/frmMain.h"

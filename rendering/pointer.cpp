@@ -13,7 +13,7 @@ namespace kelvora::modMain {
 
 int pointerFrame(const Bearing& bearing) {
   static constexpr int frames[4][4] = {{0, 1, 2, 3}, {0, 11, 10, 9}, {6, 7, 8, 9}, {6, 5, 4, 3}};
-  // Quirk Q-128: the bands are 15, 25, 20 and the rest wide.
+  // Quirk Q-128: the bands are 15, 25, 20 and 27.5 wide.
   int band = 3;
   if (bearing.angle < 60) band = 2;
   if (bearing.angle < 40) band = 1;
@@ -21,7 +21,7 @@ int pointerFrame(const Bearing& bearing) {
   return frames[bearing.quadrant - 1][band];
 }
 
-// The pointer's bearing is the steering: `move` reads in the next frame what was found here.
+// Painting the pointer steers: `move` uses this bearing in the next frame.
 void paintPointer() {
   FrmMain& form = *frmMain;
   const Vector centre = getCanvasCentre();

@@ -6,9 +6,9 @@ struct Bearing;
 
 namespace modMain {
 
-/// The cell of the pointer's sheet for a bearing; the twelve run clockwise from straight up.
+/// The cell of the pointer's sheet for a bearing. The twelve cells run clockwise from straight up.
 int pointerFrame(const Bearing& bearing);
-/// Paints the pointer at the mouse and steers: its bearing is what the next frame's movement reads.
+/// Paints the pointer at the mouse position and steers: the next frame's movement uses its bearing.
 void paintPointer();
 
 }  // namespace modMain

@@ -23,7 +23,7 @@ constexpr int oldestMessage = 250;
 constexpr std::uint8_t unsetGrey = 50;
 
 std::uint8_t darkened(std::uint8_t channel, int amount) {
-  // Quirk Q-136: a channel at or below the amount keeps its value, so that no line gets black.
+  // Quirk Q-136: a channel at or below the amount keeps its value, so no line turns black.
   return static_cast<std::uint8_t>(channel > amount ? channel - amount : channel);
 }
 
@@ -45,7 +45,7 @@ void paintTextLines() {
   for (std::size_t i = 0; i < paintedLines; ++i) {
     const ChatLine& line = world.chatLines[i];
     Colour colour = line.colour;
-    // Quirk Q-264: black stands for a line that was never filled, and a font set to black is painted grey with it.
+    // Quirk Q-264: black means a line that was never filled, so a font set to black is painted grey as well.
     if (colour == Colour{}) colour = {unsetGrey, unsetGrey, unsetGrey};
     const int amount = static_cast<int>(i) * darkeningPerLine;
     colour = {darkened(colour.red, amount), darkened(colour.green, amount), darkened(colour.blue, amount)};
@@ -67,8 +67,8 @@ void paintCentreMessage() {
   Label& measure = frmMain->lblTmp;
   const float y = canvas.Height / 2 - 500;
   const float centre = canvas.Width / 2;
-  // Quirk Q-134: the width is the one in the label's small font, and the divisor is 2.3 in place of 2: the text stands
-  // left of the true centre.
+  // Quirk Q-134: the width is measured in the label's small font, and the divisor is 2.3 instead of 2, so the text is
+  // left of the centre.
   if (!(measure.Caption == world.centreMessage)) {
     measure.Caption = world.centreMessage;
     measure.Width = Surface::textWidth(measure.design.font, world.centreMessage);
@@ -87,7 +87,7 @@ void paintActionIcons() {
   const float width = icons[0].Width;
   const float height = icons[0].Height;
   const float y = canvas.Height - 1500;
-  // Quirk Q-135: the start allows 50 a gap and the step takes 25, so the row ends short of the right edge.
+  // Quirk Q-135: the start allows for gaps of 50 but the step uses 25, so the row ends short of the right edge.
   float x = canvas.Width - static_cast<float>(count) * (width + 50);
   for (int i = 1; i <= count; ++i) {
     paintSprite(canvas, {icons[0], 0, 0}, {icons[i], 0, 0}, {x, y, width, height});

@@ -6,24 +6,24 @@
 
 namespace kelvora {
 
-/// The upper left corner of one cell of a sheet, twips.
+/// The upper left corner of a sheet's cell, in twips.
 struct Cell {
   const SheetImage& sheet;
   float left = 0;
   float top = 0;
 };
 
-/// How the two copies of a sprite join the surface.
+/// The raster operations for a sprite's two copies.
 struct SpriteOperations {
   RasterOperation matte;
   RasterOperation image;
 };
-/// The matte punches a black hole in the sprite's shape and the image is laid into it.
+/// The matte cuts a black hole in the sprite's shape, and the image fills it.
 inline constexpr SpriteOperations normalSprite{SRCAND, SRCPAINT};
-/// A bright patch with the image's colours inside the sprite's shape only.
+/// A bright patch that shows the image's colours only inside the sprite's shape.
 inline constexpr SpriteOperations exchangedSprite{SRCPAINT, SRCAND};
 
-/// Puts a sprite on the surface: first the cell of the matte, then the cell of the image, both of the size of `place`.
+/// Paints a sprite: the matte's cell, then the image's cell, both in the size of `place`.
 void paintSprite(Surface& surface, const Cell& matte, const Cell& image, const Place& place,
                  SpriteOperations operations = normalSprite);
 

@@ -2,9 +2,9 @@
 
 namespace kelvora::modMain {
 
-/// Puts the title on the canvas, with the line that offers to connect, and empties the player list.
+/// Shows the title picture and the line that offers to connect, and clears the player list.
 void showStartLogo();
-/// Clears the canvas for the game and hides the mouse's own pointer.
+/// Clears the canvas for the game and hides the mouse cursor.
 void hideStartLogo();
 
 }  // namespace kelvora::modMain

@@ -8,8 +8,7 @@
 
 namespace kelvora::modMain {
 
-// Quirk Q-153: the record is taken by the painting, not by the move, so a run that ends before its first picture has
-// covered no distance.
+// Quirk Q-153: painting takes the record, so a run that ends before its first frame is painted has covered no distance.
 void paintSurvival() {
   const Vector place = world.localPlayer.position;
   world.survivalMaxDistance = std::max(world.survivalMaxDistance, getDistance(world.survivalOrigin, place));

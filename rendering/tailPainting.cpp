@@ -18,7 +18,7 @@ namespace {
 constexpr double thinnest = 1;  // pixels
 constexpr double widest = 30;
 
-/// How far one end of an arc's stroke lies from the other on one axis.
+/// The offset between the two ends of an arc's stroke on one axis.
 float strokeOffset() {
   const int distance = drawBelow(500) + 10;
   return static_cast<float>(modMain::coinFlip() ? -distance : distance);
@@ -47,17 +47,17 @@ Colour clsTail::getColour(std::int16_t colour) const {
   }
 }
 
-// A capture can fire in the middle of the walk; it changes players and messages but no tail.
+// A capture carried out during the walk changes players and messages, but no tail.
 //
-// Quirk Q-243: painting alone ages a tail and fires its captures. The tail of a player who is not painted stands still,
-// and with it the captures that wait for its end.
+// Quirk Q-243: only painting ages a tail and carries out its captures. If a player isn't painted, their tail stands
+// still, and so do the captures that wait for its end.
 void clsPlayer::paintTail() {
   ageTails();
   PictureBox& canvas = frmMain->canvas;
   for (std::size_t i = tails.size(); i-- > 1;) {
     const clsTail& newer = tails[i];
     const clsTail& older = tails[i - 1];
-    // Quirk Q-132: the newer end alone decides, so at the canvas's edge a tail stops one segment short.
+    // Quirk Q-132: only the newer end counts, so at the canvas's edge a tail ends one segment early.
     if (modMain::isOnScreen(newer.getPosition())) {
       const Vector a = modMain::worldToScreen(newer.getPosition());
       const Vector b = modMain::worldToScreen(older.getPosition());
@@ -67,8 +67,8 @@ void clsPlayer::paintTail() {
       canvas.DrawWidth = 1;
       if (newer.isCharged()) paintChargedArc(newer.getPosition(), older.getPosition());
     }
-    // Quirk Q-105: always owner 0, whoever's tail this is: a capture by the player in slot 0 lands at the next paint,
-    // all others when their vertex ends.
+    // Quirk Q-105: always owner 0, whoever owns this tail. A capture by the player in slot 0 is carried out at the next
+    // paint, all others when their vertex expires.
     modMain::checkKillerTail(0, older.tailID());
   }
 }
@@ -78,13 +78,13 @@ void clsPlayer::paintChargedArc(Vector a, Vector b) {
   b = modMain::worldToScreen(b);
   if (a.x == b.x) a.x += 1;
   const double slope = (static_cast<double>(a.y) - b.y) / (static_cast<double>(a.x) - b.x);
-  // Quirk Q-303: a vertex may lie as far out as a number can tell, and a slope too steep is a fault.
+  // Quirk Q-303: a vertex may be arbitrarily far away, and a slope too steep is a fault.
   const float offset = toSingle(a.y - a.x * slope);
   const float low = a.x < b.x ? a.x : b.x;
   const float high = a.x < b.x ? b.x : a.x;
 
-  // Quirk Q-130: the inner draw is the outer one's argument and no factor, so the lightning starts at the segment's
-  // left end or a unit beside it, and a negative argument restarts the generator.
+  // Quirk Q-130: the inner random number is passed as an argument instead of multiplied, so the lightning starts at the
+  // segment's left end or one unit next to it. A negative argument restarts the generator.
   const float argument = Rnd() * high;
   Vector start;
   start.x = std::floor(Rnd(argument) + low);

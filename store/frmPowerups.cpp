@@ -39,8 +39,7 @@ FrmPowerups::FrmPowerups() : Form("Powerups", {.clientWidth = 11370, .clientHeig
 
 void FrmPowerups::load() { place(); }
 
-// Quirk Q-207: every Activate places the window again, so that it cannot be left anywhere else: it jumps back as soon
-// as it gets the focus.
+// Quirk Q-207: every Activate places the window again, so it jumps back as soon as it gets the focus.
 void FrmPowerups::place() {
   Top = frmMain->Top + offsetFromMain;
   Left = frmMain->Left + offsetFromMain;
@@ -59,7 +58,7 @@ void FrmPowerups::have(std::int16_t item, std::int16_t count) {
 
 void FrmPowerups::colourPrices() {
   for (int i = 0; i <= lblItemCost.UBound; ++i) {
-    // Quirk Q-305: credits at a double's end don't come back from the label's 15 digits.
+    // Quirk Q-305: credits at the end of a double's range can't be read back from the label's 15 digits.
     const bool isTooDear = readNumber(lblFunds.Caption.get()) < readNumber(lblItemCost[i].Caption.get());
     lblItemCost[i].BackColor = isTooDear ? tooDear : affordable;
   }

@@ -12,19 +12,20 @@
 
 namespace kelvora {
 
-/// The store: a row for each powerup with its price and the player's stock. What it shows is a display: the server has
-/// the prices, the balance and the stock. Places are twips in its client area, on the panels of its background picture.
+/// The store: a row for each powerup with its price and the player's stock. It only displays values: the server keeps
+/// the prices, the balance and the stock. Positions are twips in the client area, on the panels of the background
+/// picture.
 class FrmPowerups : public Form {
  public:
   FrmPowerups();
-  /// Places the window on the main one, as every Activate does.
+  /// Places the window over the main one, as every Activate does.
   void load() override;
 
   /// Fills in the balance and colours the prices.
   void init(double funds);
-  /// Fills in the stock of one item; an item outside 0 to 5 is RuntimeFault.
+  /// Fills in the stock of one item. RuntimeFault for an item outside 0 to 5.
   void have(std::int16_t item, std::int16_t count);
-  /// Marks what costs more than the balance on the screen. It can be asked for all the same.
+  /// Marks prices above the displayed balance. They can still be requested.
   void colourPrices();
 
   Image imgBackground{this, {0, 0, 11415, 9090}};
@@ -86,7 +87,7 @@ class FrmPowerups : public Form {
 
   void place();
 
-  // Quirk Q-276: the screen is read from the labels; these are kept for nobody.
+  // Quirk Q-276: never read; prices are coloured by the labels' texts.
   double funds_ = 0;
   std::array<std::int16_t, powerupSlotCount> stock_{};
 };

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::int16_t errorLine = 4;
 constexpr std::int16_t plainLine = 5;
-constexpr std::int16_t firstSound = 3;  // of the powerups, in the order of their slots
+constexpr std::int16_t firstSound = 3;  // of the powerups, in slot order
 
 std::size_t slotIndex(std::int16_t slot) {
   if (!isSlot(slot)) raiseSubscriptOutOfRange();
@@ -39,9 +39,9 @@ void clsPlayer::requestActivatePowerup(std::int16_t slot) {
     printChat("That ability isn't ready yet.", errorLine);
     return;
   }
-  // Quirk Q-044: the dead are told that they cannot, and then it is asked for all the same.
+  // Quirk Q-044: the dead are refused, and the request is sent anyway.
   if (!alive) printChat("You can't use abilities in your current state (ie:dead).", errorLine);
-  // Quirk Q-045: the warning comes ahead of the look at the stock, so it is given with no pulse to fire, too.
+  // Quirk Q-045: checked before the stock, so the warning appears even if there is no pulse to fire.
   if (slot == pulseSlot && !powerups[shieldSlot].active) {
     printChat("Refusing to activate EMP, doing so without your shield active will kill you too!!!", plainLine);
     return;
@@ -53,7 +53,7 @@ void clsPlayer::activatePowerup(std::int16_t slot) {
   const std::size_t index = slotIndex(slot);
   PowerupState& powerup = powerups[index];
   if (powerup.active) return;
-  // Quirk Q-046: the server's word counts; an activation without stock runs like any other.
+  // Quirk Q-046: an activation by the server runs even without stock.
   if (powerup.count > 0)
     --powerup.count;
   else
@@ -69,24 +69,25 @@ void clsPlayer::unactivatePowerup(std::int16_t slot) {
   if (!isSlot(slot)) return;
   const std::size_t index = slotIndex(slot);
   powerups[index].active = false;
-  // Quirk Q-273: nobody asks whether it was running, nor whose it is; the start of an opponent's is not told.
+  // Quirk Q-273: reported for anybody's powerup, even one that wasn't running. The start of an opponent's is not
+  // reported.
   if (powerupTable[index].collapse != nullptr) printChat(name + powerupTable[index].collapse, plainLine);
-  // Quirk Q-180: the powerup's own number, not that of its sound: the end of the turbo silences the bounce and leaves
-  // the turbo's sound running.
+  // Quirk Q-180: the powerup's own number, not its sound's. The end of a turbo stops the bounce and leaves the turbo's
+  // sound running.
   soundMan::stopSound(slot);
 }
 
 void clsPlayer::tickPowerups() {
-  // Quirk Q-268: the seconds are those of the clock, not of the powerup: what is left of the one in which it starts is
-  // its first tick, and the laser can end a moment after it has begun.
+  // Quirk Q-268: counts the clock's seconds. The rest of the second in which a powerup starts is its first tick, so a
+  // laser can end a moment after it began.
   const std::int32_t now = toInt32(Timer());
-  // Quirk Q-047: past midnight the difference is negative until the clock has caught up, and all timers stand still.
+  // Quirk Q-047: after midnight the difference is negative until the clock catches up, and all timers stand still.
   if (now - lastPowerupTick < 1) return;
-  // Quirk Q-269: however many seconds have passed since the last look, they are one tick.
+  // Quirk Q-269: any number of elapsed seconds is one tick.
   lastPowerupTick = now;
   for (PowerupState& powerup : powerups) {
     if (!powerup.active) continue;
-    // Quirk Q-049: time ends a powerup, death does not: it runs on for the ghost and into the next life.
+    // Quirk Q-049: only time ends a powerup. It keeps running for the ghost and in the next life.
     --powerup.timeLeft;
     if (powerup.timeLeft > 0) continue;
     powerup.active = false;

@@ -28,20 +28,20 @@ void modMain::openStore() {
   frmPowerups->lblWinners.Caption = world.roundMessage;
   world.localPlayer.populatePowerupsForm();
   frmPowerups->Show();
-  // Quirk Q-270: nothing ends this track when the store closes; it plays to its end, and then the rotation goes on.
+  // Quirk Q-270: closing the store doesn't stop this track. It plays to its end, and then the rotation goes on.
   soundMan::playMusic(shoppingMusic);
 }
 
 void clsPlayer::populatePowerupsForm() {
-  // Quirk Q-200: nobody is the local player before the first login, and the window keeps its design texts.
+  // Quirk Q-200: before the first login nobody is the local player, and the window keeps its design texts.
   if (playerIndex != -1) return;
-  // Quirk Q-201: the capacity is left out; a fresh window shows its design text until something is bought or sold.
+  // Quirk Q-201: doesn't fill in the capacity. A new window shows its design text until something is bought or sold.
   frmPowerups->init(funds_);
   for (std::int16_t i = 0; i < powerupSlotCount; ++i) frmPowerups->have(i, powerups[static_cast<std::size_t>(i)].count);
 }
 
 void clsPlayer::purchaseItem(std::int16_t item) {
-  // Quirk Q-202: the credits are not looked at, here or by the button; what is too dear is the server's to refuse.
+  // Quirk Q-202: neither this nor the button checks the credits. The server refuses unaffordable items.
   if (totalPowerups() < powerSlotLimit) {
     netMan::sendMessage(wire::msgBuyRequest, {numberText(std::int32_t{item})});
     return;
@@ -51,7 +51,7 @@ void clsPlayer::purchaseItem(std::int16_t item) {
 }
 
 void clsPlayer::sellItem(std::int16_t item) {
-  // Quirk Q-203: nobody asks whether there is anything to sell.
+  // Quirk Q-203: the stock is not checked.
   netMan::sendMessage(wire::msgSellRequest, {numberText(std::int32_t{item})});
 }
 
@@ -64,13 +64,13 @@ void clsPlayer::purchaseAccepted(std::int16_t item, std::int16_t stock, double c
 }
 
 void clsPlayer::sellItemAccepted(std::int16_t item, std::int16_t stock, double credits) {
-  // Quirk Q-204: a sale goes past the setter of the credits: they are not rounded, and the main window keeps the old
-  // balance until the server next speaks of it. There is no line in the console, unlike after a purchase.
+  // Quirk Q-204: a sale bypasses the setter of the credits. They are not rounded, and the main window keeps the old
+  // balance until the server updates it. Unlike a purchase, a sale prints no line in the console.
   if (isSlot(item)) {
     powerups[static_cast<std::size_t>(item)].count = stock;
     funds_ = credits;
   }
-  // Quirk Q-205: an item that does not exist is sold as well, as far as the words go.
+  // Quirk Q-205: an unknown item is reported as sold, too.
   showStoreStatus("Item sold");
 }
 
@@ -81,7 +81,7 @@ void clsPlayer::showStoreStatus(const std::string& text) {
     const std::int32_t count = powerups[static_cast<std::size_t>(i)].count;
     frmPowerups->lblCurrentStock[i].Caption = numberText(count);
   }
-  // Quirk Q-275: without the fraction, which a newly filled window shows.
+  // Quirk Q-275: rounded down, unlike in a newly opened window.
   frmPowerups->lblFunds.Caption = numberText(std::floor(funds_));
   frmPowerups->lblCapacity.Caption =
       numberText(std::int32_t{totalPowerups()}) + " / " + numberText(std::int32_t{powerSlotLimit});

@@ -2,7 +2,7 @@
 
 namespace kelvora::modMain {
 
-/// Opens the store's window over the running game, connected or not, alive or not.
+/// Opens the store's window over the running game, whether connected or alive or not.
 void openStore();
 
 }  // namespace kelvora::modMain
