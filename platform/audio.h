@@ -8,15 +8,15 @@
 
 namespace kelvora {
 
-/// What a music player is doing, numbered as its playState tells it.
+/// The state of a music player; the numbers are those of playState.
 enum PlayState : int { psStopped = 1, psPlaying = 3, psTransitioning = 9, psReady = 10 };
 
-/// The backend's side of one sound effect. None of it waits for the machine's sound device, and without one nothing
-/// sounds and nobody is told.
+/// The backend's side of one sound effect. No call waits for the sound device. Without a device, all of them silently
+/// do nothing.
 class SoundPeer {
  public:
   virtual ~SoundPeer() = default;
-  /// Takes the wave file; false if there is none of that name.
+  /// Loads a wave file. False if it doesn't exist.
   virtual bool open(const std::string& file) = 0;
   virtual void silence(bool silent) = 0;
   virtual void rewind() = 0;
@@ -24,17 +24,17 @@ class SoundPeer {
   virtual void stop() = 0;
 };
 
-/// The backend's side of the music: one track at a time.
+/// The backend's side of the music, one track at a time.
 class MusicPeer {
  public:
   virtual ~MusicPeer() = default;
-  /// Starts the file in place of what is playing; no file, or one that cannot be played, ends in psStopped.
+  /// Plays the file instead of the current track. If it is missing or unplayable, the state becomes psStopped.
   virtual void play(const std::string& file) = 0;
   virtual void stop() = 0;
   virtual int playState() const = 0;
 };
 
-/// One wave file on a device of its own: it sounds beside all others and is rewound and started at once.
+/// One wave file on its own device. It mixes with all others and always plays from the start.
 class SoundDevice {
  public:
   SoundDevice();
@@ -45,11 +45,11 @@ class SoundDevice {
   std::string DeviceType;
   std::string FileName;
 
-  /// A silent device plays without being heard.
+  /// A silenced device plays inaudibly.
   void Silent(bool silent);
   bool Silent() const { return silent_; }
-  /// "open", "prev" (rewind), "play" or "stop". Any other, the last three on a device that is not open, and "open" on
-  /// one that is or without its file are RuntimeFault.
+  /// Executes "open", "prev" (rewind), "play" or "stop". RuntimeFault for any other command, for opening a device twice
+  /// or without its file, and for the other three on a device that isn't open.
   void Command(std::string_view command);
   bool isOpen() const { return open_; }
 
@@ -59,14 +59,14 @@ class SoundDevice {
   bool silent_ = false;
 };
 
-/// Plays one music file. Its face on a form names the file.
+/// Plays one music file. On a form, it shows the file's name.
 class MusicPlayer : public Label {
  public:
   MusicPlayer(Control* container, Place place);
 
-  /// Starts the file; an empty name stops the music.
+  /// Plays the file. An empty name stops the music.
   void URL(const std::string& file);
-  /// A PlayState: psReady before the first file, psStopped after the end of one.
+  /// A PlayState: psReady before the first file, psStopped after a file's end.
   int playState() const { return peer_->playState(); }
 
  private:

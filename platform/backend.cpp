@@ -35,7 +35,7 @@ void MsgBox(const std::string& text) {
 }
 void endProcess() {
   backend().endProcess();
-  std::abort();  // not reached; the compiler does not believe a virtual function that it never returns
+  std::abort();  // not reached, but the compiler doesn't know that a virtual function never returns
 }
 void SetCursorPos(int x, int y) { backend().placePointer(x, y); }
 std::string commandLine() { return backend().commandLine(); }

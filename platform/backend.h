@@ -15,11 +15,11 @@ class Control;
 class SoundPeer;
 class MusicPeer;
 
-/// Milliseconds; wide enough never to wrap.
+/// Milliseconds, wide enough never to wrap around.
 using Tick = std::int64_t;
 
-/// What a backend provides. One is installed before the game starts and outlives it; the free functions below are how
-/// the game reaches it.
+/// The services of a platform. One backend is installed before the game starts and outlives it. The game calls it
+/// through the free functions below.
 class Backend {
  public:
   virtual ~Backend() = default;
@@ -44,56 +44,60 @@ class Backend {
   virtual std::unique_ptr<SocketPeer> createSocket(Winsock& socket) = 0;
   virtual std::unique_ptr<SoundPeer> createSound() = 0;
   virtual std::unique_ptr<MusicPeer> createMusic() = 0;
-  /// Gives the form and everything on it their peers, if the backend has any.
+  /// Creates the peers of a form and its controls, if the backend has any.
   virtual void realize(Form& form) = 0;
-  /// Runs events until the form is no longer visible.
+  /// Processes events until the form is no longer visible.
   virtual void runModal(Form& form) = 0;
   virtual std::string webHost() = 0;
 };
 
+/// Null uninstalls. `backend` requires an installed one.
 void installBackend(Backend* backend);
 Backend& backend();
 
-/// Milliseconds from an unspecified start, well above 32001 at the first call, never falling.
+/// Milliseconds since an unspecified start, well above 32001 at the first call. Never decreases.
 Tick GetTickCount();
-/// Seconds since midnight, local time.
+/// Seconds since midnight, in local time.
 float Timer();
-/// A uniform random number, at least 0 and below 1; with a negative argument the sequence restarts from it.
+/// A uniform random number from 0 up to but excluding 1. A negative argument restarts the sequence from it, 0 repeats
+/// the last number.
 float Rnd();
 float Rnd(float argument);
+/// Starts the sequence from a seed.
 void Randomize(float seed);
 
-/// Gives the window system its turn: events of mouse, keys, sockets and timers run here. With `mayWait` it may sleep
-/// until there is one.
+/// Processes events of mouse, keys, sockets and timers. With `mayWait` it may sleep until there is one.
 void DoEvents(bool mayWait = false);
-/// A message with one button; events go on while it stands. Each box that an event puts up over another one takes some
-/// of the stack, so that over sixteen no other is shown.
+/// Shows a message with one button and processes events until it is closed. Boxes nest on the stack, so at most 16 are
+/// open at once. Further ones are not shown.
 void MsgBox(const std::string& text);
-/// Ends the process at once: nothing is sent, saved or torn down.
+/// Ends the process at once, without sending, saving or destroying anything.
 [[noreturn]] void endProcess();
-/// Places the mouse pointer in absolute screen pixels.
+/// Moves the mouse pointer to a position in screen pixels.
 void SetCursorPos(int x, int y);
+/// The program's arguments, joined by blanks.
 std::string commandLine();
-/// The folder where the program finds its files, without a slash at the end.
+/// The folder of the program's data files, without a trailing slash.
 std::string applicationPath();
-/// A PNG or JPEG file; one that is missing or unreadable is RuntimeFault.
+/// Loads a PNG or JPEG file. RuntimeFault if it is missing or unreadable.
 PicturePointer LoadPicture(const std::string& path);
 
+/// A stored setting, or the fallback if there is none.
 std::string GetSetting(const std::string& section, const std::string& key, const std::string& fallback);
-/// Stored at once.
+/// Saves a setting at once. Failures are silent.
 void SaveSetting(const std::string& section, const std::string& key, const std::string& value);
 
-/// "host" or "host:port" of the web host that has the host list and the update file.
+/// The web host that serves the game list and the update file: "host" or "host:port".
 std::string webHost();
 
-/// The version of the program: "1.2.1" in its three numbers.
+/// The program's version, such as 1.2.1, in three numbers.
 struct AppVersion {
   int major;
   int minor;
   int revision;
 };
 AppVersion appVersion();
-/// The three numbers joined by points, with no padding.
+/// The three numbers joined by points, without padding.
 std::string appVersionText();
 
 }  // namespace kelvora

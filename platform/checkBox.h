@@ -6,14 +6,14 @@
 
 namespace kelvora {
 
-/// A box that the user ticks, with its caption to the right. MouseDown comes before the press has changed the value;
-/// Click comes after the change, however it was made.
+/// A check box with its caption to the right. MouseDown is raised before a press changes the value, Click after any
+/// change.
 class CheckBox : public Control {
  public:
   CheckBox(Control* container, Place place, std::string caption, int value);
 
   Property<std::string> Caption;
-  Property<int> Value;  ///< 0 unticked, 1 ticked
+  Property<int> Value;  ///< 0 unchecked, 1 checked
 };
 
 }  // namespace kelvora

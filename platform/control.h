@@ -13,15 +13,15 @@
 
 namespace kelvora {
 
-/// The backend's side of a control: a real widget on the desktop. Controls work the same without one.
+/// The backend's side of a control: a real widget on the desktop. Controls also work without one.
 class Peer {
  public:
   virtual ~Peer() = default;
-  /// The control's property has a new value to show.
+  /// Called when a property has a new value to show.
   virtual void changed(PropertyId id) = 0;
-  /// The keyboard focus is asked for.
+  /// Called to give the control the keyboard focus.
   virtual void takeFocus() {}
-  /// A surface has a finished picture to show at once.
+  /// Called to present a surface's finished picture at once.
   virtual void present() {}
 };
 
@@ -33,7 +33,7 @@ struct Place {
   float height = 0;
 };
 
-/// A length that refuses negative values with RuntimeFault "Invalid property value" and then keeps the old one.
+/// A length. Assigning a negative value is RuntimeFault "Invalid property value" and keeps the old one.
 class Extent : public Property<float> {
  public:
   using Property<float>::Property;
@@ -44,12 +44,12 @@ class Extent : public Property<float> {
   }
 };
 
-/// What every control has. Controls are state: properties and event handlers, held by the form they stand on, in the
-/// order of their declaration; they are neither copied nor moved. Mouse coordinates of events are twips relative to the
-/// control; Button and Shift are bit sums (left 1, right 2, middle 4; Shift 1, Ctrl 2, Alt 4).
+/// The base of all controls. A control is state: properties and event handlers. It belongs to a form, in the order of
+/// declaration, and can be neither copied nor moved. Mouse coordinates of events are twips relative to the control.
+/// Button and Shift are bit sums (left 1, right 2, middle 4; Shift 1, Ctrl 2, Alt 4).
 class Control {
  public:
-  /// A control on `container` (a form, frame or picture box); only forms have none.
+  /// Creates a control on `container` (a form, frame or picture box). Only forms have none.
   Control(Control* container, Place place);
   Control(const Control&) = delete;
   Control& operator=(const Control&) = delete;
@@ -60,7 +60,7 @@ class Control {
   Extent Width;
   Extent Height;
   Property<bool> Visible;
-  Property<std::string> ToolTipText;  ///< shown while the pointer rests on the control; empty for none
+  Property<std::string> ToolTipText;  ///< shown while the pointer hovers over the control; empty for none
 
   std::function<void()> Click;
   std::function<void(int Button, int Shift, float X, float Y)> MouseDown;
@@ -70,15 +70,15 @@ class Control {
   std::function<void(int KeyAscii)> KeyPress;
   std::function<void()> DblClick;
 
-  /// Asks the backend for the keyboard focus.
+  /// Requests the keyboard focus from the backend.
   void SetFocus();
 
-  /// Position in the order of tabbing, or -1 for a control that is not tabbed to.
+  /// Position in the tab order, or -1 for a control that isn't in it.
   int TabIndex = -1;
 
   Control* container() const { return container_; }
   const std::vector<Control*>& children() const { return children_; }
-  /// The form that this control stands on at any depth (a form is its own).
+  /// The form that contains this control at any depth. A form contains itself.
   Control& root();
 
   std::unique_ptr<Peer> peer;
@@ -88,11 +88,11 @@ class Control {
   std::vector<Control*> children_;
 };
 
-/// A control array: fixed size, index from 0, an index outside is RuntimeFault "Subscript out of range".
+/// A fixed-size array of controls. RuntimeFault "Subscript out of range" for an invalid index.
 template <class T, std::size_t Count>
 class ControlArray {
  public:
-  /// `make(i)` returns element i; each is built in its place.
+  /// `make(i)` constructs element i in place.
   template <class Make>
   explicit ControlArray(Make make) : ControlArray(make, std::make_index_sequence<Count>{}) {}
 

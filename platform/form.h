@@ -10,20 +10,20 @@
 
 namespace kelvora {
 
-/// A window. Left and Top are the outer corner on the screen in twips; Width and Height count a frame of fixed size
-/// round the client area, whatever decoration the window manager puts there.
+/// A window. Left and Top are its outer corner on the screen, in twips. Width and Height include a frame of fixed size
+/// around the client area, whatever decoration the window manager adds.
 class Form : public Control {
  public:
   static constexpr float frameWidth = 200;   ///< twips, both sides together
-  static constexpr float frameHeight = 825;  ///< twips, title and menu included
+  static constexpr float frameHeight = 825;  ///< twips, including title and menu
 
-  enum class Border { Sizable, Fixed };  ///< Fixed: no resizing, no minimise or maximise button
+  enum class Border { Sizable, Fixed };  ///< Fixed has no resizing, minimise or maximise button
   struct Design {
     float clientWidth = 0;   ///< twips
     float clientHeight = 0;  ///< twips
     Border border = Border::Fixed;
     Colour back = RGB(0, 0, 0);
-    bool systemColours = false;  ///< the background of all dialogs in place of `back`
+    bool systemColours = false;  ///< the dialogs' common background instead of `back`
   };
   enum class Modality { Modeless, Modal };
 
@@ -32,33 +32,35 @@ class Form : public Control {
   Property<std::string> Caption;
   const Design design;
 
-  /// Runs once, right after the form came into being and can be found by its name.
+  /// Called once, when the form has been created and its slot returns it.
   virtual void load() {}
-  /// The user closed the window; the form is unloaded when this returns, unless it ended the process.
+  /// Called when the user closes the window. The form is unloaded afterwards.
   virtual void unloading() {}
-  /// Runs when the form has been unloaded, by whomever; it stays in memory for a while.
+  /// Called after the form has been unloaded in any way. It stays in memory for a while.
   virtual void unloaded() {}
 
+  /// Raised when the client area has a new size.
   std::function<void()> Resize;
-  /// The window has got the focus, at its first showing too.
+  /// Raised whenever the window gets the focus, including when it is first shown.
   std::function<void()> Activate;
 
-  /// Shows the window. Modal returns when it has been hidden or unloaded; a modal show of a visible form is
-  /// RuntimeFault. A modeless show of a visible form brings it to the front and leaves its modality alone.
+  /// Shows the window. A modal call returns when the window has been hidden or unloaded; on a visible form it is
+  /// RuntimeFault. A modeless call on a visible form brings it to the front and keeps its modality.
   void Show(Modality modality = Modality::Modeless);
+  /// Hides the window without unloading it. Ends a modal `Show`.
   void Hide();
 
-  /// The user or the window manager gave the window another size: client area in twips. Runs Resize.
+  /// Called when the user or the window manager resizes the window; client area in twips. Runs Resize.
   void clientResized(float clientWidth, float clientHeight);
-  /// The user closed the window: runs `unloading`, then unloads the form.
+  /// Called when the user closes the window: runs `unloading`, then unloads the form.
   void closedByUser();
 
-  /// Chosen by the show that makes the form visible, and kept until it is hidden.
+  /// The modality of the call that made the form visible. Kept until the form is hidden.
   Modality modality() const { return modality_; }
-  /// True from the unload on. The form takes no more events.
+  /// True once unloaded. The form then takes no more events.
   bool isUnloaded() const { return unloaded_; }
 
-  /// Unloads the form by its name; set by its slot.
+  /// Unloads the form through its slot, which sets this.
   std::function<void()> unload;
 
  private:
@@ -68,7 +70,7 @@ class Form : public Control {
   bool unloaded_ = false;
 };
 
-/// A form by its name: it comes into being, and loads, the first time that it is touched, and again after an unload.
+/// A named form. The first access creates and loads it, and so does the first access after an unload.
 template <class FormType>
 class FormSlot {
  public:
@@ -83,7 +85,7 @@ class FormSlot {
   FormType* operator->() { return &**this; }
 
   bool isLoaded() const { return form_ != nullptr; }
-  /// True if the form is loaded and on the screen. Does not load it.
+  /// True if the form is loaded and visible. Doesn't load it.
   bool isVisible() const { return form_ && form_->Visible; }
 
   void unload();
@@ -92,9 +94,9 @@ class FormSlot {
   std::unique_ptr<FormType> form_;
 };
 
-/// Unloaded forms stay in memory until `releaseUnloadedForms`, since the handler that unloaded one may be its own.
+/// Keeps an unloaded form in memory until `releaseUnloadedForms`, because one of its own handlers may be running.
 void retireForm(std::unique_ptr<Form> form);
-/// Frees them; called where no event handler is running.
+/// Destroys retired forms. Must be called while no event handler is running.
 void releaseUnloadedForms();
 
 template <class FormType>

@@ -118,7 +118,7 @@ void Grid::setCol(int value) {
   notifyPeer(*this, PropertyId::CurrentCell);
 }
 
-/// The current cell is one that is not fixed, unless the program chose a fixed one afterwards.
+/// The current cell is not a fixed one, unless the program chose a fixed one afterwards.
 void Grid::keepCellInside() {
   Row.value_ = Rows == 0 ? -1 : std::clamp(Row.value_, FixedRows.value_, Rows.value_ - 1);
   Col.value_ = Cols == 0 ? -1 : std::clamp(Col.value_, FixedCols.value_, Cols.value_ - 1);

@@ -8,12 +8,12 @@
 
 namespace kelvora {
 
-/// A table of texts. Fixed rows and columns stand at its top and left and look like headings; the current cell is what
-/// the user chose last, or the first cell that is not fixed. DblClick comes from anywhere on it and leaves the current
-/// cell alone unless it met another one. A value out of range is RuntimeFault.
+/// A table of texts. Fixed rows and columns are at its top and left and look like headings. The current cell is the
+/// user's last choice, or the first cell that isn't fixed. A double-click anywhere raises DblClick, and changes the
+/// current cell only if it hits another one. Values out of range are RuntimeFault.
 class Grid : public Control {
  public:
-  /// One of the grid's numbers. Assigning it is checked and carried out at once.
+  /// One of the grid's numbers. Assigning it is checked and takes effect at once.
   class Number {
    public:
     using Setter = void (Grid::*)(int);
@@ -35,32 +35,32 @@ class Grid : public Control {
 
   Grid(Control* container, Place place);
 
-  Number Rows;       ///< 2 at first; 0 empties the grid
-  Number Cols;       ///< 2 at first
-  Number FixedRows;  ///< 1 at first; 0 or 1, always fewer than Rows
-  Number FixedCols;  ///< 1 at first, always fewer than Cols
+  Number Rows;       ///< initially 2; 0 empties the grid
+  Number Cols;       ///< initially 2
+  Number FixedRows;  ///< initially 1; 0 or 1, always fewer than Rows
+  Number FixedCols;  ///< initially 1, always fewer than Cols
   Number Row;        ///< of the current cell; -1 in a grid without rows
   Number Col;        ///< of the current cell; -1 in a grid without columns
 
-  /// Of the current cell; without one RuntimeFault.
+  /// The current cell's text. RuntimeFault if there is no current cell.
   const std::string& Text() const { return TextMatrix(Row, Col); }
   const std::string& TextMatrix(int row, int column) const;
 
-  /// Twips.
+  /// In twips.
   float ColWidth(int column) const { return columnAt(column).width; }
   void ColWidth(int column, float twips);
-  /// 0 to 2 left (top, middle, bottom), 3 to 5 centre, 6 to 8 right, 9 as the text lies by itself.
+  /// 0 to 2 left (top, middle, bottom), 3 to 5 centre, 6 to 8 right, 9 as the text requires.
   int ColAlignment(int column) const { return columnAt(column).alignment; }
   void ColAlignment(int column, int alignment);
 
-  /// A new last row of cells divided by tabs; what goes beyond the last column is dropped.
+  /// Appends a row of cells separated by tabs. Cells beyond the last column are dropped.
   void AddItem(std::string_view text);
 
-  /// The user moved to another cell; the peer shows it already and is not told.
+  /// Called by the peer when the user moves to another cell. The peer isn't notified.
   void adoptCell(int row, int column);
 
  private:
-  static constexpr float designWidth = 1080;  // twips; the longest word of a list, "REQUIRED", fits
+  static constexpr float designWidth = 1080;  // twips; fits "REQUIRED", the longest word in a list
   static constexpr int designAlignment = 9;
   struct Column {
     float width = designWidth;

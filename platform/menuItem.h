@@ -6,8 +6,8 @@
 
 namespace kelvora {
 
-/// One entry of a menu bar. Its container is the menu above it, or the form for the topmost row; a caption of "-" is a
-/// separator. Children stand in the order of their declaration.
+/// An entry of a menu bar. Its container is the menu above it, or the form for the top row. The caption "-" is a
+/// separator. Children are in the order of declaration.
 class MenuItem : public Control {
  public:
   enum class Design { Plain, Checked, Disabled };

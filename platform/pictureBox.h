@@ -5,8 +5,8 @@
 
 namespace kelvora {
 
-/// A control with a picture of its own that the game draws: everything drawn goes to the hidden image and reaches the
-/// screen at `Refresh`. Width and Height are the control's outer size in twips; the image has as many whole pixels.
+/// A control with a picture that the game draws. Drawing goes to a hidden image, which `Refresh` presents. Width and
+/// Height are the control's outer size in twips. The image has as many whole pixels.
 class PictureBox : public Control, public Surface {
  public:
   struct Design {
@@ -16,15 +16,15 @@ class PictureBox : public Control, public Surface {
   PictureBox(Control* container, Place place, Design design);
   PictureBox(Control* container, Place place) : PictureBox(container, place, Design{}) {}
 
-  Property<int> MousePointer;  ///< 0 the system's arrow, 99 an invisible pointer
+  Property<int> MousePointer;  ///< 0 the system's arrow, 99 invisible
 
-  /// The picture that `Cls` restores; null for none. Shown at once.
+  /// Sets the picture that `Cls` restores; null for none. Shown at once.
   void setPicture(PicturePointer picture);
 
-  /// Shows the hidden image at once.
+  /// Presents the hidden image at once.
   void Refresh();
 
-  /// Called by the peer, or by a change of Width or Height, to give the image the control's size.
+  /// Resizes the image to the control's size. Called by the peer and when Width or Height change.
   void fitImage();
 };
 

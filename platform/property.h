@@ -5,7 +5,7 @@
 
 namespace kelvora {
 
-/// Names the property that changed when a control tells its peer.
+/// Identifies the changed property when a control notifies its peer.
 enum class PropertyId : std::uint8_t {
   Left,
   Top,
@@ -35,7 +35,7 @@ enum class PropertyId : std::uint8_t {
 class Control;
 void notifyPeer(Control& owner, PropertyId id);
 
-/// One property of a control. Assigning it tells the control's peer, if there is one; reading it never asks the peer.
+/// A property of a control. Assigning it notifies the control's peer, if any. Reading it never calls the peer.
 template <class T>
 class Property {
  public:
@@ -52,7 +52,7 @@ class Property {
     return *this;
   }
 
-  /// Stores what the user or the window system did; the peer shows it already and is not told.
+  /// Stores a change made by the user or the window system, without notifying the peer.
   void adopt(T value) { value_ = std::move(value); }
 
   friend bool operator==(const Property& property, const T& value) { return property.value_ == value; }

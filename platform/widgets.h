@@ -11,15 +11,15 @@ namespace kelvora {
 
 enum class Alignment { Left, Right, Centre };
 
-/// How a label is set at design time; colours and border can change later.
+/// A label's initial design. Colours and border can change later.
 struct LabelDesign {
   Colour fore = RGB(0, 0, 0);
   Colour back = RGB(255, 255, 255);
-  bool transparent = false;  ///< the background shows through; the label takes clicks all the same
+  bool transparent = false;  ///< the background shows through; the label still takes clicks
   bool border = false;       ///< BorderStyle 1
   Alignment alignment = Alignment::Left;
   FontSpec font = {};
-  bool autoSize = false;       ///< Width follows the caption
+  bool autoSize = false;       ///< Width adapts to the caption
   bool systemColours = false;  ///< the dialog's own text and background colours
 };
 
@@ -41,7 +41,7 @@ class TextBox : public Control {
     Colour fore = RGB(0, 0, 0);
     Colour back = RGB(255, 255, 255);
     FontSpec font = {};
-    bool systemColours = true;  ///< the dialog's own colours in place of the two above
+    bool systemColours = true;  ///< the dialog's own colours instead of the two above
   };
   TextBox(Control* container, Place place, std::string text, Design design);
   TextBox(Control* container, Place place, std::string text) : TextBox(container, place, std::move(text), Design{}) {}
@@ -53,14 +53,14 @@ class TextBox : public Control {
 
 class Button : public Control {
  public:
-  enum class Role { Plain, Default, Cancel };  ///< Default answers Enter, Cancel answers Esc, anywhere on the form
+  enum class Role { Plain, Default, Cancel };  ///< Default reacts to Enter, Cancel to Esc, anywhere on the form
   Button(Control* container, Place place, std::string caption, Role role = Role::Plain);
 
   Property<std::string> Caption;
   const Role role;
 };
 
-/// A titled or plain box round other controls.
+/// A titled or plain box around other controls.
 class Frame : public Control {
  public:
   Frame(Control* container, Place place, std::string caption, Colour fore, Colour back, bool border);
@@ -71,7 +71,7 @@ class Frame : public Control {
   const bool border;
 };
 
-/// A still picture at its own size.
+/// A static picture at its own size.
 class Image : public Control {
  public:
   Image(Control* container, Place place);
@@ -85,13 +85,12 @@ class Shape : public Control {
 
   const Colour FillColor;
   Property<Colour> BorderColor;
-  Property<int> BorderStyle;  ///< 1 solid, 3 dotted (a border wider than 1 is always solid)
+  Property<int> BorderStyle;  ///< 1 solid, 3 dotted (a border wider than 1 is always drawn solid)
   Property<int> BorderWidth;  ///< pixels
 };
 
-/// A handle on a horizontal scale of whole numbers, which the user moves in steps of 1. A Value beyond an end is held
-/// at that end. The two events are the user's alone: Scroll at each step of a drag, Change at its end and at every
-/// other move; assigning Value raises neither.
+/// A horizontal scale of whole numbers with a handle that the user moves in steps of 1. Value is clamped to the ends.
+/// Only the user raises events: Scroll at each step of a drag, Change at its end and at any other move.
 class Slider : public Control {
  public:
   class Position : public Property<int> {
@@ -113,7 +112,7 @@ class Slider : public Control {
   std::function<void()> Scroll;
 };
 
-/// Fires its handler every Interval ms while the window system gets its turn.
+/// Calls its handler every Interval ms while events are processed.
 class IntervalTimer : public Control {
  public:
   IntervalTimer(Control* container, int intervalMs);
@@ -121,9 +120,10 @@ class IntervalTimer : public Control {
   Property<bool> Enabled;
   std::function<void()> Timer;
 
-  /// Tells that the handler will find nothing to do before `wake` is called. The desktop asks behind each tick, and
-  /// then spares the machine the ticks until then; the next one comes an interval after the waking.
+  /// Returns true if the handler has nothing to do until `wake` is called. The desktop asks after each tick and then
+  /// pauses the timer. The first tick after waking comes one interval later.
   std::function<bool()> mayRest;
+  /// Resumes a paused timer.
   void wake();
   bool isResting = false;  ///< set by the peer
 };

@@ -10,7 +10,7 @@ namespace kelvora {
 
 class Winsock;
 
-/// States of a socket, numbered as the connection label names them.
+/// States of a socket. The connection label shows their names.
 enum SocketState : int {
   sckClosed,
   sckOpen,
@@ -32,12 +32,12 @@ class SocketPeer {
   virtual void connect(const std::string& host, int port) = 0;
   virtual void close() = 0;
   virtual void send(std::string_view data) = 0;
-  /// Takes what has arrived, at most one bounded portion; empty when nothing is left.
+  /// Takes received data, at most one bounded portion. Empty if there is none left.
   virtual std::string take() = 0;
 };
 
-/// A TCP connection as the game sees it. Its events run only inside DoEvents or while a box stands. An error leads to
-/// state 9 and to no event. Unsent and unread bytes are gone after Close.
+/// A TCP connection for the game. Its events run only inside DoEvents or while a box is open. An error sets state 9 and
+/// raises no event. Close discards unsent and unread bytes.
 class Winsock {
  public:
   Winsock();
@@ -45,19 +45,22 @@ class Winsock {
   Winsock& operator=(const Winsock&) = delete;
 
   std::string RemoteHost;
-  std::int32_t RemotePort = 0;
+  std::int32_t RemotePort = 0;  ///< 1 to 65535
 
+  /// A SocketState.
   int State() const { return peer_->state(); }
-  /// Starts to connect; a socket that is not closed is RuntimeFault.
+  /// Starts connecting. RuntimeFault unless the socket is closed.
   void Connect();
+  /// Closes the connection, if any. Raises no event.
   void Close();
-  /// Queues bytes for sending; a socket that is not connected is RuntimeFault.
+  /// Queues bytes for sending. RuntimeFault unless the socket is connected.
   void SendData(std::string_view data);
+  /// Returns received bytes, at most one bounded portion. Empty if there are none left.
   std::string GetData() { return peer_->take(); }
 
-  std::function<void()> onCommand;  ///< inside Connect and Close, which alone end a state that is closed or an error
+  std::function<void()> onCommand;  ///< called by Connect and Close, the only ways out of a closed or failed state
   std::function<void()> onConnect;
-  std::function<void()> onClose;  ///< the other side closed
+  std::function<void()> onClose;  ///< the peer closed the connection
   std::function<void()> onDataArrival;
 
  private:

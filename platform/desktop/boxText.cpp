@@ -7,8 +7,8 @@ namespace kelvora {
 namespace {
 
 constexpr int rows = 24;
-constexpr int columns = 60;      ///< characters; about what a box of the desktop has in a line
-constexpr int longestWord = 96;  ///< the box is made as wide as a word up to this
+constexpr int columns = 60;      ///< characters in a line of a box, about
+constexpr int longestWord = 96;  ///< the box becomes as wide as a word up to this length
 constexpr int wordPiece = 32;
 constexpr char16_t mayBreakHere = 0x200B;
 constexpr char noBreakSpace = '\xA0';
@@ -20,7 +20,7 @@ bool isSpace(char character) {
 }  // namespace
 
 std::u16string boxText(std::string_view text) {
-  // A carriage return may go, so that twice as many bytes hold all that is shown.
+  // Twice the bytes that fit, because carriage returns are dropped.
   constexpr std::size_t enough = 2 * rows * columns;
   const std::string_view all = text.substr(0, enough);
   std::u16string shown;

@@ -5,11 +5,11 @@
 
 namespace kelvora {
 
-/// The folder of the running program; empty if the system does not tell.
+/// The folder of the running program; empty if the system doesn't say.
 std::filesystem::path programFolder();
 
-/// Where assets and sounds are: the folder that KELVORA_DATA names, else beside the program, or where an installation
-/// puts them, or the source folder of a build tree.
+/// The folder with assets and sounds: KELVORA_DATA if set, else the program's folder, an installation's data folder, or
+/// the source folder of a build tree.
 std::string dataFolder();
 
 }  // namespace kelvora

@@ -6,16 +6,16 @@
 
 namespace kelvora {
 
-/// Decides when a paced pass of the frame loop ends. The ends lie on one absolute schedule, so that a pass that was a
-/// little late is made up for and the rate is exact over time.
+/// Decides when a paced pass of the frame loop ends. All ends are on one absolute schedule, so a slightly late pass is
+/// made up for and the rate is exact over time.
 class FramePacer {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
 
   explicit FramePacer(std::chrono::milliseconds frame) : frame_(frame) {}
 
-  /// The end of the pass whose wait begins at `now`; not after `now` if the pass is late. Later than three frames, and
-  /// the schedule starts anew from `now`.
+  /// The end of the pass that starts waiting at `now`; at or before `now` if the pass is late. If it is late by more
+  /// than three frames, the schedule restarts from `now`.
   TimePoint passEnd(TimePoint now);
 
  private:
@@ -23,7 +23,7 @@ class FramePacer {
   std::optional<TimePoint> lastEnd_;
 };
 
-/// The frame that the text of KELVORA_FRAME_MS asks for: 1 to 1000 in plain digits; any other text is none.
+/// Parses KELVORA_FRAME_MS: 1 to 1000 in plain digits. Nothing for any other text.
 std::optional<std::chrono::milliseconds> frameFromText(std::string_view text);
 
 }  // namespace kelvora

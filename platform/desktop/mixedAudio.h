@@ -8,7 +8,7 @@
 
 namespace kelvora {
 
-/// An effect on a channel of the mixer, which starts it at its beginning every time.
+/// A sound effect on a channel of the mixer, always played from its start.
 class MixedSound : public SoundPeer {
  public:
   explicit MixedSound(std::shared_ptr<SoundMixer> mixer) : mixer_(std::move(mixer)) {}

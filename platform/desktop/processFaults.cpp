@@ -7,7 +7,7 @@ namespace kelvora {
 
 namespace {
 
-// The windows would be destroyed by the destructors of static objects, without a connection to the X server.
+// Without a connection to the X server, destructors of static objects would crash while destroying windows.
 void endAtOnce(int status, void*) { std::_Exit(status); }
 
 }  // namespace

@@ -2,9 +2,8 @@
 
 namespace kelvora {
 
-/// From here on a reader who has gone away and a file that may not grow are errors of the call that meets them, not
-/// ends of the process; and where the toolkit ends the process in the midst of its work, as it does once the X server
-/// is gone, nothing is torn down.
+/// Ignores SIGPIPE and SIGXFSZ, so that the failing call returns an error. Also skips all destructors when the toolkit
+/// ends the process, as it does after the X server dies.
 void outliveFaults();
 
 }  // namespace kelvora

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The file that a link stands for, as long as it is there.
+/// The target of a link, if it exists.
 fs::path resolved(const fs::path& path) {
   std::error_code error;
   const fs::path target = fs::canonical(path, error);
@@ -85,8 +85,8 @@ void SettingsDraft::rename() {
 }
 
 void SettingsDraft::publish() {
-  // The toolkit knows a changed file by its size and by the milliseconds of its time, and files that are written one
-  // right after another can have both in common. So each is later than the last, whatever the clock says.
+  // The toolkit detects a changed file by its size and its time in milliseconds, which can both be equal for files
+  // written in quick succession. So each file gets a later time than the last, whatever the clock says.
   std::error_code error;
   const fs::file_time_type now = fs::file_time_type::clock::now();
   const fs::file_time_type before = fs::last_write_time(file_, error);

@@ -7,21 +7,21 @@
 
 namespace kelvora {
 
-/// A copy of the settings file to be changed and put in the file's place, all of it or nothing. It lies in a folder of
-/// its own beside the file, which goes with it; what killed instances left there goes with the next draft.
+/// A copy of the settings file that is changed and then replaces the file atomically. It is in its own folder next to
+/// the file, which is removed with it. Drafts left by killed instances are removed with the next one.
 class SettingsDraft {
  public:
-  /// The folder of the file has to be there; without the file the draft is empty. Waits for its turn.
+  /// Waits for its turn. The file's folder must exist. If the file doesn't, the draft is empty.
   explicit SettingsDraft(const std::string& path);
   ~SettingsDraft();
   SettingsDraft(const SettingsDraft&) = delete;
   SettingsDraft& operator=(const SettingsDraft&) = delete;
 
-  /// Where the draft is; empty if there is none, because something else has the file's place or nothing can be written.
+  /// The draft's path; empty if the file's path is taken by something else or nothing can be written.
   const std::filesystem::path& path() const { return draft_; }
-  /// Gives it a name under which no file has been read before.
+  /// Renames the draft to a path from which no file has been read before.
   void rename();
-  /// Puts it in the file's place, later by its time than any file that was there.
+  /// Replaces the file by the draft, with a later time than any file that was there.
   void publish();
 
  private:

@@ -16,7 +16,7 @@ SettingsTurn::SettingsTurn(const std::string& folder)
   using std::chrono::milliseconds;
   static bool isSomebodyHanging = false;  // and has been waited for
   const auto deadline = std::chrono::steady_clock::now() + milliseconds(isSomebodyHanging ? 20 : 2'000);
-  // Network drives may know no locks of folders; nothing is won by waiting there.
+  // Some network drives can't lock folders, so waiting for them is pointless.
   const auto take = [this] { return ::flock(folder_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; };
   bool isTaken = take();
   while (!isTaken && std::chrono::steady_clock::now() < deadline) {

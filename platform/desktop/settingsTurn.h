@@ -4,9 +4,9 @@
 
 namespace kelvora {
 
-/// The right to write the settings, which one instance of the game has at a time. The system takes it back from an
-/// instance that ends in whatever way. One that keeps it for more than two seconds hangs, and is passed over, from then
-/// on at once; so is a folder that cannot be opened or locked.
+/// The right to write the settings, held by one instance of the game at a time. The system releases it when the
+/// instance ends in any way. If an instance holds it for more than two seconds, it counts as hanging and is ignored
+/// from then on. A folder that can't be opened or locked is ignored as well.
 class SettingsTurn {
  public:
   explicit SettingsTurn(const std::string& folder);

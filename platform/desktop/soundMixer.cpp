@@ -32,7 +32,7 @@ bool SoundMixer::post(std::function<void(MixerDevice&)> run, Clock::time_point l
     commands_.push_back({std::move(run), latest});
     isOpen = device_ != nullptr;
   }
-  if (isOpen) arrived_.notify_one();  // before that a command alone wakes nobody
+  if (isOpen) arrived_.notify_one();  // before that, a command alone wakes nobody
   return true;
 }
 

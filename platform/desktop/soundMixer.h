@@ -17,24 +17,23 @@ namespace kelvora {
 
 class MixerDevice;
 
-/// Hands everything that sounds to a thread of its own, which loads the sound module, opens the device and commands it:
-/// no call waits for the machine. Neither thread nor device exists before the first file is opened, and files and music
-/// open the device a little later, so that it does not hold up the windows of the start. The game's code runs on none
-/// of its threads.
+/// Runs all sound on its own thread, which loads the sound module, opens the device and controls it, so that no call
+/// waits for the machine. The thread is created with the first file. The device is opened a little later, so that it
+/// doesn't delay the first windows. Game code never runs on this thread.
 class SoundMixer {
  public:
-  /// An effect that could not be started within this time is left out: late, it would only confuse.
+  /// Effects that couldn't be started within this time are dropped, because a late sound would confuse.
   static constexpr std::chrono::milliseconds patience{500};
-  /// So long the device is left closed after the first file, unless an effect is to be heard.
+  /// How long the device stays closed after the first file, unless an effect is played.
   static constexpr std::chrono::milliseconds calm{400};
 
-  /// `module`: the file with the mixer device. Without it, as without a sound device, nothing sounds.
+  /// `module` is the path of the mixer's module. Without it, or without a sound device, nothing sounds.
   explicit SoundMixer(std::string module = soundModulePath()) : module_(std::move(module)) {}
   ~SoundMixer();
   SoundMixer(const SoundMixer&) = delete;
   SoundMixer& operator=(const SoundMixer&) = delete;
 
-  /// Reads the wave file; the channel that it gets is its own until it is closed.
+  /// Loads the wave file and returns the channel, which is in use until it is closed.
   int openEffect(const std::string& file);
   void closeEffect(int channel);
   void silenceEffect(int channel, bool silent);
@@ -53,23 +52,23 @@ class SoundMixer {
     Clock::time_point latest;
   };
 
-  /// False if the machine has no thread left.
+  /// Queues a command for the thread. False if no thread can be started.
   bool post(std::function<void(MixerDevice&)> run, Clock::time_point latest = Clock::time_point::max());
-  /// An effect is to be heard: the device is opened now.
+  /// Opens the device now, because an effect is played.
   void await();
   void work();
-  /// Sets what the track is doing, unless another one has been asked for since.
+  /// Sets the track's state, unless another track has been requested since.
   bool noteMusic(int track, int state);
 
   const std::string module_;
-  std::vector<bool> channels_;  ///< taken or free
-  mutable std::mutex mutex_;    ///< of everything below; never held while the device is called
+  std::vector<bool> channels_;  ///< true if in use
+  mutable std::mutex mutex_;    ///< guards everything below; never held during calls of the device
   std::condition_variable arrived_;
   std::deque<Command> commands_;
   bool closing_ = false;
-  bool isAwaited_ = false;               ///< an effect is to be heard
-  const MixerDevice* device_ = nullptr;  ///< once it is open; lives as long as the thread
-  int track_ = 0;                        ///< counts what the music was told
+  bool isAwaited_ = false;               ///< an effect is to be played
+  const MixerDevice* device_ = nullptr;  ///< set once open; lives as long as the thread
+  int track_ = 0;                        ///< counts the music commands
   int musicState_ = psReady;
   std::thread thread_;
 };

@@ -30,8 +30,8 @@ std::string soundModulePath() {
   namespace fs = std::filesystem;
   std::error_code ignored;
   const fs::path program = programFolder();
-  // An installation's programs lie in a folder beside that of the modules. In a build tree those of the tests do, and
-  // the game itself a folder further up.
+  // Installed programs are in a folder next to the modules' folder. In a build tree, that holds for the tests, and the
+  // game is one folder further up.
   for (const fs::path& folder : {program / KELVORA_MODULES, program / "tests" / KELVORA_MODULES}) {
     const fs::path module = (folder / "kelvora-sound.so").lexically_normal();
     if (fs::exists(module, ignored)) return module.string();
@@ -40,7 +40,7 @@ std::string soundModulePath() {
 }
 
 std::unique_ptr<MixerDevice> openMixerDevice(const std::string& module) {
-  // An empty name would be the program itself, and one without a folder any library of the system.
+  // An empty name would mean the program itself, and a name without a folder any system library.
   void* library = module.starts_with('/') ? dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
   void* create = library ? dlsym(library, createMixerDeviceName) : nullptr;
   if (!create) return std::make_unique<SilentDevice>();

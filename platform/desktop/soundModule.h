@@ -7,12 +7,12 @@ namespace kelvora {
 
 class MixerDevice;
 
-/// The file of the sound module, where an installation has it as seen from the running program; in a build tree, where
-/// it is built. Empty if there is none.
+/// The path of the sound module, relative to the running program: as installed, or as built in a build tree. Empty if
+/// there is none.
 std::string soundModulePath();
 
-/// Loads the module, which stays for the life of the process, and opens the machine's sound device. A module that is
-/// missing or cannot be loaded gives a device without sound. Held up by the disk and by the machine.
+/// Loads the module for the rest of the process, and opens the sound device. May block. Without a loadable module,
+/// returns a silent device.
 std::unique_ptr<MixerDevice> openMixerDevice(const std::string& module);
 
 }  // namespace kelvora

@@ -14,7 +14,7 @@ constexpr int gridRows = 7;
 
 struct BlockLetter {
   char character;
-  std::string_view rows;  ///< from the top, '/' between rows; all rows of a letter have one length
+  std::string_view rows;  ///< from the top, '/' between rows; all rows of a letter have the same length
 };
 
 constexpr BlockLetter letters[] = {
@@ -110,8 +110,8 @@ std::string_view rowsOf(unsigned char character) {
   return unknownLetter;
 }
 
-// Pixels of the em square at 96 dots to the inch. A size that no letter can be read in, which only settings hold that
-// somebody has tampered with, is the desktop's 12 pixels here as well.
+// Pixels of the em square at 96 dots per inch. Unreadable sizes, which come only from manipulated settings, become 12
+// pixels as on the desktop.
 int emPixels(const FontSpec& font) {
   constexpr float largest = 200;
   const float pixels = font.size * 96.0F / 72.0F;

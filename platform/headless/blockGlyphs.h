@@ -4,8 +4,8 @@
 
 namespace kelvora {
 
-/// A built-in face that needs no font files: block letters on a grid seven cells high, scaled to the asked size. The
-/// same font and character give the same glyph on every machine; small letters are the capitals at two thirds.
+/// A built-in font without files: block letters on a grid seven cells high, scaled to the requested size. The same font
+/// and character give the same glyph on every machine. Small letters are capitals at two thirds of the size.
 class BlockGlyphs : public GlyphSource {
  public:
   Glyph glyph(const FontSpec& font, unsigned char character) override;

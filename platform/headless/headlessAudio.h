@@ -9,7 +9,7 @@ namespace kelvora {
 
 struct HeadlessScreen;
 
-/// Notes down what an effect's device is told.
+/// Records the commands for an effect's device.
 class HeadlessSound : public SoundPeer {
  public:
   explicit HeadlessSound(std::shared_ptr<HeadlessScreen> screen);
@@ -26,7 +26,7 @@ class HeadlessSound : public SoundPeer {
   std::string file_;
 };
 
-/// Notes down the tracks; the machine's holder says when one has ended.
+/// Records the tracks. The backend's owner decides when one has ended.
 class HeadlessMusic : public MusicPeer {
  public:
   explicit HeadlessMusic(std::shared_ptr<HeadlessScreen> screen);

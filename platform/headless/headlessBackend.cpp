@@ -13,7 +13,7 @@ namespace kelvora {
 
 namespace {
 
-// Surfaces may print for as long as the process lives.
+// Static, because surfaces may print as long as the process lives.
 BlockGlyphs blockGlyphs;
 
 void givePeers(const std::shared_ptr<HeadlessScreen>& screen, Control& control) {
@@ -76,12 +76,12 @@ void HeadlessBackend::runEvents() {
 }
 
 void HeadlessBackend::runTimers() {
-  // By index: a handler may load or unload a form, and with it timers.
+  // By index, because a handler may load or unload a form along with its timers.
   for (std::size_t i = 0; i < screen_->timers.size(); ++i) {
     HeadlessScreen::RunningTimer& running = screen_->timers[i];
     IntervalTimer& timer = *running.timer;
     if (!timer.Enabled || timer.Interval <= 0 || ticks < running.due) continue;
-    running.due = ticks + timer.Interval;  // however many intervals have passed, a timer fires once
+    running.due = ticks + timer.Interval;  // a timer fires once, however many intervals have passed
     if (timer.Timer) timer.Timer();
   }
 }

@@ -18,39 +18,39 @@ namespace kelvora {
 
 struct HeadlessScreen;
 
-/// How the headless process "ends": endProcess throws it, up to whoever started the game.
+/// Thrown by endProcess, to the caller that started the game.
 struct ProcessEnded {};
 
-/// A machine without screen, network and clock: the whole client runs on it, and whoever holds it sets what the outside
-/// world does and sees what the game did. One may be installed at a time.
+/// A machine without screen, network and clock that runs the whole client. Its owner controls the outside world and
+/// inspects what the game did. One may be installed at a time.
 class HeadlessBackend : public Backend {
  public:
   HeadlessBackend();
   ~HeadlessBackend() override;
 
-  // What the outside world is like.
+  // The outside world.
   Tick ticks = 1'000'000;
   double seconds = 43'200;          ///< since midnight
-  std::deque<float> scriptedDraws;  ///< what Rnd() gives first; then the generator
+  std::deque<float> scriptedDraws;  ///< returned by Rnd() first; then the generator
   RandomGenerator generator;
   std::string commandLineText;
   std::string path = "/kelvora";  ///< the program's folder
   std::string host = "web.invalid";
   std::map<std::pair<std::string, std::string>, std::string> settings;  ///< by section and key
-  std::set<std::string> missingFiles;  ///< paths of sounds and tracks that are not there
-  int playState = psReady;             ///< of the music player; follows its commands until it is set
-  /// Gives the picture of a path in place of the file.
+  std::set<std::string> missingFiles;  ///< paths of sounds and tracks to report as missing
+  int playState = psReady;             ///< of the music player; follows its commands until set
+  /// Supplies the picture of a path instead of the file.
   std::function<PicturePointer(const std::string& path)> pictureSource;
 
-  /// Moves both clocks on.
+  /// Advances both clocks.
   void advance(Tick ms);
   /// Queues an event for the next DoEvents.
   void post(std::function<void()> event) { events_.push_back(std::move(event)); }
-  /// Runs while a message box stands, before it is answered.
+  /// Called while a message box is open, before it is answered.
   std::function<void(const std::string& text)> onMessageBox;
-  /// Runs while a modal form is up; a form that it leaves visible is hidden then.
+  /// Called while a modal form is open. If it leaves the form visible, the form is hidden afterwards.
   std::function<void(Form& form)> onModal;
-  /// Runs first in every DoEvents.
+  /// Called first in every DoEvents.
   std::function<void()> onDoEvents;
 
   // What the game did.
@@ -58,17 +58,18 @@ class HeadlessBackend : public Backend {
   std::vector<std::string> modalForms;  ///< captions
   std::vector<std::pair<int, int>> pointerPlacements;
   std::vector<float> seeds;
-  std::vector<std::string> soundCommands;  ///< "bounce.wav play": what each effect's device was told, in order
-  std::vector<std::string> tracks;         ///< paths that the music player was given
+  std::vector<std::string> soundCommands;  ///< commands for each effect's device in order, such as "bounce.wav play"
+  std::vector<std::string> tracks;         ///< paths passed to the music player
   int doEventsCount = 0;
-  bool lastMayWait = false;  ///< the argument of the last DoEvents
-  /// In order: "read section/key", "write section/key=text", "picture path", "sound bounce.wav play", "track path",
-  /// "connect host:port", "randomize", "show caption", "hide caption", "modal caption", "box text", "DoEvents", "end".
+  bool lastMayWait = false;  ///< argument of the last DoEvents
+  /// Calls in order: "read section/key", "write section/key=text", "picture path", "sound bounce.wav play", "track
+  /// path", "connect host:port", "randomize", "show caption", "hide caption", "modal caption", "box text", "DoEvents",
+  /// "end".
   std::vector<std::string> journal;
 
-  /// The control that asked for the keyboard focus last; null if it is gone.
+  /// The control that last requested the keyboard focus; null if it has been destroyed.
   Control* focus() const;
-  /// The socket's far end.
+  /// The far end of a socket.
   HeadlessSocket& socketOf(const Winsock& socket);
 
   Tick tickCount() override { return ticks; }

@@ -9,7 +9,7 @@
 
 namespace kelvora {
 
-/// What the machine knows of the controls and sockets that exist. They may outlive the backend, so both share it.
+/// The existing controls and sockets. They may outlive the backend, so both share this.
 struct HeadlessScreen {
   struct RunningTimer {
     IntervalTimer* timer = nullptr;
@@ -22,10 +22,10 @@ struct HeadlessScreen {
   std::vector<RunningTimer> timers;
   std::vector<Plug> sockets;
   Control* focus = nullptr;
-  HeadlessBackend* machine = nullptr;  ///< null once it is gone
+  HeadlessBackend* machine = nullptr;  ///< null once destroyed
 };
 
-/// The peer of any control: it shows nothing, and keeps the screen's lists in order.
+/// The peer of any control. It shows nothing and maintains the screen's lists.
 class HeadlessPeer : public Peer {
  public:
   HeadlessPeer(std::shared_ptr<HeadlessScreen> screen, Control& control);

@@ -14,9 +14,9 @@ namespace kelvora {
 
 struct HeadlessScreen;
 
-/// A socket in memory. The game's side is SocketPeer; the other members are the far end, played by whoever holds the
-/// backend. What the far end does is queued and happens inside the next DoEvents; what was queued before the game
-/// closed the socket does not happen at all.
+/// An in-memory socket. SocketPeer is the game's side. The other members are the far end, controlled by the backend's
+/// owner. Actions of the far end are queued and happen in the next DoEvents. When the game closes the socket, its
+/// queued actions are dropped.
 class HeadlessSocket : public SocketPeer {
  public:
   HeadlessSocket(std::shared_ptr<HeadlessScreen> screen, Winsock& socket);
@@ -28,25 +28,25 @@ class HeadlessSocket : public SocketPeer {
   void send(std::string_view data) override;
   std::string take() override;
 
-  /// Attempts to connect, as (host, port).
+  /// Attempted connections: (host, port).
   std::vector<std::pair<std::string, int>> connects;
-  /// How often the game closed the socket while it was not closed.
+  /// How often the game closed the socket while it wasn't closed.
   int closes = 0;
-  /// All bytes the game sent, and the same by calls of SendData.
+  /// All bytes the game sent, and the same per call of SendData.
   std::string sent;
   std::vector<std::string> sendings;
 
-  /// The connection stands: state 7 and the event Connect.
+  /// Accepts the connection: state 7 and the event Connect.
   void acceptConnection();
-  /// The attempt fails: state 9 and no event.
+  /// Refuses the connection: state 9 and no event.
   void refuse();
-  /// One event DataArrival; GetData then gives the bytes in portions of at most `portion` (0 for all at once).
+  /// Raises one DataArrival. GetData then returns at most `portion` bytes per call (0 for all at once).
   void deliver(std::string bytes, std::size_t portion = 0);
-  /// One event DataArrival for each piece, as if the network had split the bytes there.
+  /// Raises one DataArrival per piece, as if the network had split the bytes there.
   void deliverInReads(const std::vector<std::string>& pieces);
-  /// The far end hangs up: state 8 and the event Close.
+  /// Closes the connection from the far end: state 8 and the event Close.
   void closeByServer();
-  /// Puts the socket into a state at once, with no event.
+  /// Sets the state at once, without an event.
   void setState(int state) { state_ = state; }
 
  private:
@@ -56,7 +56,7 @@ class HeadlessSocket : public SocketPeer {
   Winsock& socket_;
   int state_ = sckClosed;
   std::deque<std::string> arrived_;
-  std::shared_ptr<int> connection_;  // a new one for each connection; what is queued for an old one is void
+  std::shared_ptr<int> connection_;  // new for each connection; actions queued for an old one are dropped
 };
 
 }  // namespace kelvora

@@ -12,7 +12,7 @@ using FileBytes = std::vector<unsigned char>;
 
 inline constexpr std::uint32_t maximumPictureSide = 8192;  ///< pixels
 
-/// Nothing if the bytes are no whole, undamaged picture of that kind within the bounds.
+/// Nothing if the bytes are not a complete, valid picture of that kind within the limits.
 std::optional<Picture> decodePng(const FileBytes& bytes);
 std::optional<Picture> decodeJpeg(const FileBytes& bytes);
 

@@ -10,7 +10,7 @@ namespace kelvora {
 namespace {
 
 struct ErrorHandler {
-  jpeg_error_mgr manager;  // first: the library hands back a pointer to it
+  jpeg_error_mgr manager;  // must be first: the library passes a pointer to it
   std::jmp_buf giveUp;
 };
 
@@ -18,7 +18,7 @@ void giveUp(j_common_ptr decoder) { std::longjmp(reinterpret_cast<ErrorHandler*>
 
 void keepSilent(j_common_ptr) {}
 
-/// Decodes into `picture`. Nothing with a destructor may live in this function, since a fault jumps out of it.
+/// Decodes into `picture`. Errors jump out of this function, so it must not have locals with destructors.
 bool decodeInto(Picture& picture, std::vector<JSAMPLE>& row, const FileBytes& bytes) {
   ErrorHandler errors;
   jpeg_decompress_struct decoder;
@@ -37,7 +37,7 @@ bool decodeInto(Picture& picture, std::vector<JSAMPLE>& row, const FileBytes& by
     return false;
   }
   decoder.out_color_space = JCS_RGB;
-  // The exact integer transform, so that every machine sees the same pixels.
+  // The exact integer transform, so that every machine gets the same pixels.
   decoder.dct_method = JDCT_ISLOW;
   jpeg_start_decompress(&decoder);
   picture.width = static_cast<int>(decoder.output_width);

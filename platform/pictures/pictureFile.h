@@ -6,9 +6,9 @@
 
 namespace kelvora {
 
-/// The picture in a PNG or JPEG file, told apart by their first bytes; transparent parts stand on black. `path` is as
-/// the file system spells it. A file that is missing, damaged, of another kind or larger than 8192 pixels on a side is
-/// RuntimeFault.
+/// Loads a PNG or JPEG file, recognised by its first bytes. Transparent parts become black. `path` uses the file
+/// system's encoding. RuntimeFault if the file is missing, damaged, of another kind or larger than 8192 pixels on a
+/// side.
 PicturePointer loadPictureFile(const std::string& path);
 
 }  // namespace kelvora

@@ -8,7 +8,7 @@
 
 namespace kelvora {
 
-/// One character a byte, of the same length as the text.
+/// One character per byte.
 inline QString toQString(std::string_view text) {
   QString result;
   result.reserve(static_cast<qsizetype>(text.size()));
@@ -16,8 +16,8 @@ inline QString toQString(std::string_view text) {
   return result;
 }
 
-/// One byte a character; what code page 1252 does not have is left out. A letter whose accent stands apart counts as
-/// the one that it looks like.
+/// One byte per character. Characters that code page 1252 lacks are dropped. Separate accents are first combined with
+/// their letters.
 inline std::string toBytes(const QString& text) {
   const QString whole = text.normalized(QString::NormalizationForm_C);
   std::string result;

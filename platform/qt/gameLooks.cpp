@@ -11,8 +11,8 @@ namespace kelvora {
 
 namespace {
 
-/// What the style draws at the end of a menu that has no room. Every menu asks for it and hardly any shows it, and to
-/// read it takes all of the toolkit's readers of pictures.
+/// The style draws this at the end of a menu without room. Every menu requests it, hardly any shows it, and loading it
+/// would load all of the toolkit's picture readers.
 class OverflowIcon : public QIconEngine {
  public:
   void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State state) override {
@@ -50,7 +50,7 @@ class GameStyle : public QProxyStyle {
 
 QPalette gamePalette(const QColor& ground) {
   const QColor quiet(120, 126, 152);
-  // Buttons are a step lighter than what they stand on.
+  // Buttons are slightly lighter than their background.
   const QColor raised(54 + ground.red() / 2, 60 + ground.green() / 2, 92 + ground.blue() / 2);
   QPalette colours(raised, ground);
   colours.setColor(QPalette::Mid, QColor(104, 110, 146));
@@ -67,7 +67,7 @@ QPalette gamePalette(const QColor& ground) {
 
 void installGameLooks() {
   QApplication::setStyle(new GameStyle);
-  // Dialogs are less dark than the game's windows: fields and boxes have to stand out from their ground.
+  // Dialogs are less dark than the game's windows, so that fields and boxes stand out.
   QPalette colours = gamePalette(QColor(46, 51, 78));
   colours.setColor(QPalette::Base, QColor(13, 15, 27));
   colours.setColor(QPalette::AlternateBase, QColor(20, 22, 38));

@@ -5,10 +5,10 @@
 
 namespace kelvora {
 
-/// Gives all windows of the program the game's dark looks, whatever the desktop's are: its dialogs and boxes too.
+/// Gives all windows, dialogs and boxes the game's dark look, whatever the desktop's theme.
 void installGameLooks();
 
-/// Shades of the native controls on a dark ground of this colour.
+/// Colours of native controls on a dark background of this colour.
 QPalette gamePalette(const QColor& ground);
 
 }  // namespace kelvora

@@ -8,7 +8,7 @@ namespace kelvora {
 
 class Control;
 
-/// How many handlers of the game, message boxes and event loops are running inside one another.
+/// The number of nested game handlers, message boxes and event loops.
 int handlerDepth();
 
 class HandlerScope {
@@ -19,16 +19,15 @@ class HandlerScope {
   HandlerScope& operator=(const HandlerScope&) = delete;
 };
 
-/// What the game is about to deal with, in words for the error box of a fault that follows: the one who reports it need
-/// not know. Holds until another is noted or the outermost handler has ended.
+/// Records what the game is about to handle, for the error box of a subsequent fault. Valid until the next note or
+/// until the outermost handler ends.
 void noteForReport(std::string what);
 
-/// Shows the error box and ends the process with status 1. From then on no handler runs any more, so that nothing goes
-/// on behind the box.
+/// Shows the error box and ends the process with status 1. No handler runs any more while the box is open.
 [[noreturn]] void reportFault(const char* what);
 bool isFaultReported();
 
-/// Runs game code from inside the toolkit's dispatch, through which no exception may pass: a fault ends the program.
+/// Runs game code inside the toolkit's dispatch, which exceptions must not cross. A fault ends the program.
 template <class Statement>
 void runHandler(Statement&& statement) {
   if (isFaultReported()) return;
@@ -40,10 +39,10 @@ void runHandler(Statement&& statement) {
   }
 }
 
-/// False on a form that has been unloaded: it stays in memory for a while but takes no events.
+/// False on an unloaded form, which stays in memory for a while but takes no events.
 bool takesEvents(Control& control);
 
-/// Raises one event of a control, if anybody handles it. Works on a copy, since a handler may replace itself.
+/// Raises one event of a control, if it has a handler. Calls a copy, because a handler may replace itself.
 template <class... Arguments, class... Values>
 void raiseEvent(Control& control, const std::function<void(Arguments...)>& event, Values... values) {
   if (!event || !takesEvents(control)) return;

@@ -15,8 +15,8 @@ namespace {
 
 using KeyRow = std::pair<Qt::Key, int>;
 
-// Keys whose code follows neither the letters, the digits nor the function keys. Punctuation by the place of the key on
-// the American board, also with Shift held.
+// Keys whose codes don't follow letters, digits or function keys. Punctuation goes by position on the American
+// keyboard, even with Shift.
 constexpr std::array<KeyRow, 70> keyRows = {{
     {Qt::Key_Backspace, 8},    {Qt::Key_Tab, 9},
     {Qt::Key_Backtab, 9},      {Qt::Key_Clear, 12},
@@ -113,7 +113,7 @@ void raiseKey(Control& control, const QKeyEvent& event) {
   const int shift = shiftBits(event.modifiers());
   const QString text = event.text();
   if (code != 0) raiseEvent(control, control.KeyDown, code, shift);
-  // The Del key carries the character 127 here, but types none; nor does a key with Alt held.
+  // Del has the character 127 here but types none. Neither does a key with Alt held.
   if (event.key() == Qt::Key_Delete || event.modifiers().testFlag(Qt::AltModifier)) return;
   raiseTyped(control, text);
 }
@@ -139,7 +139,7 @@ void raiseDoubleClick(Control& control, const QMouseEvent& event) {
     raiseEvent(control, control.DblClick);
     return;
   }
-  // Without a handler of its own the second press of a pair is a press like any other.
+  // Without a handler for double-clicks, the second press is an ordinary one.
   raiseMouseDown(control, event);
 }
 

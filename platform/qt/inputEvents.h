@@ -12,17 +12,17 @@ class Control;
 int shiftBits(Qt::KeyboardModifiers modifiers);
 /// 1 left, 2 right, 4 middle.
 int buttonBits(Qt::MouseButtons buttons);
-/// The Windows virtual key code, or 0 for a key that has none.
+/// The Windows virtual key code, or 0 if the key has none.
 int virtualKeyCode(Qt::Key key, bool onKeypad);
 
-/// KeyDown, then KeyPress once for each byte of code page 1252 that the key typed.
+/// KeyDown, then KeyPress for each byte of code page 1252 typed.
 void raiseKey(Control& control, const QKeyEvent& event);
 /// KeyPress for each byte of a composed text.
 void raiseComposedText(Control& control, const QInputMethodEvent& event);
 
 void raiseMouseDown(Control& control, const QMouseEvent& event);
 void raiseMouseMove(Control& control, const QMouseEvent& event);
-/// MouseUp, then for the left button inside the control Click.
+/// MouseUp, then Click if it is the left button inside the control.
 void raiseMouseUp(Control& control, const QMouseEvent& event, bool inside);
 void raiseDoubleClick(Control& control, const QMouseEvent& event);
 

@@ -2,8 +2,8 @@
 
 namespace kelvora {
 
-/// Answers a command line of "--version" or "--help" alone on standard output: the version and where the program finds
-/// its files, or how it is started. False for any other command line, which is the game's.
+/// Handles a command line that consists of "--version" or "--help": prints the version and the data folders, or how to
+/// start the program. False for any other command line, which is left to the game.
 bool answersArguments(int argc, char** argv);
 
 }  // namespace kelvora

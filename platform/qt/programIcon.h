@@ -4,8 +4,8 @@
 
 namespace kelvora {
 
-/// Gives all windows the program's icon, in all the sizes that are there, when the events are served for the first
-/// time: reading them would hold up the first window. Needs a QApplication.
+/// Sets the program's icon in all available sizes, when the first events are processed: loading it earlier would delay
+/// the first window. Needs a QApplication.
 void setProgramIconLater(const std::string& applicationPath);
 
 }  // namespace kelvora

@@ -40,7 +40,7 @@ int runDesktop(int argc, char** argv, void (*game)()) {
   fonts.reset();
   search.reset();
   tellWhatIsMissing();
-  // The toolkit takes over the user's locale; numbers in texts keep their point.
+  // The toolkit adopts the user's locale, but numbers keep their decimal point.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setApplicationName("kelvora");
   QApplication::setDesktopFileName("kelvora");

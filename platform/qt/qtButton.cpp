@@ -54,7 +54,7 @@ class ButtonPeer : public WidgetPeer {
     showCaption();
   }
 
-  /// No button of the game has an access key: an ampersand is an ampersand.
+  /// The game's buttons have no access keys, so an ampersand is literal.
   void showCaption() { pushButton_->setText(toQString(button_.Caption.get()).replace('&', "&&")); }
 
   Button& button_;

@@ -30,7 +30,7 @@ class TickBox : public QCheckBox {
     QCheckBox::mousePressEvent(event);
   }
 
-  /// The whole place of the control takes the press, not only the box and its caption.
+  /// The whole control reacts to a press, not only the box and its caption.
   bool hitButton(const QPoint& pixel) const override { return rect().contains(pixel); }
 
  private:

@@ -23,8 +23,8 @@ namespace kelvora {
 
 namespace {
 
-/// KiB, of the pieces of buttons that the style keeps. It finds none of them again for a window that is made anew, as
-/// the store is at every visit, so that they would add up to the toolkit's own limit of 10 MiB.
+/// KiB, for the style's cached button parts. It never reuses them for a window that is created again, such as the store
+/// at every visit, so they would grow to the toolkit's own limit of 10 MiB.
 constexpr int mostStylePieces = 1024;
 
 }  // namespace
@@ -43,8 +43,8 @@ Tick QtDesktop::tickCount() {
   return first + sinceStart_.elapsed();
 }
 
-// Every player asks in every frame, and asking the system for the local time looks a file up; within one second of the
-// clock the answer is worked out from the last one.
+// Every player asks for the time in every frame, and the system looks up a file for the local time. So it is asked once
+// a second, and computed in between.
 float QtDesktop::secondsSinceMidnight() {
   constexpr qint64 second = 1000;
   const qint64 now = QDateTime::currentMSecsSinceEpoch();

@@ -13,11 +13,11 @@
 
 namespace kelvora {
 
-/// The desktop behind the seam. Needs a QApplication that outlives it. A name of the file system (applicationPath,
-/// loadPicture) is in the file system's own bytes, not in code page 1252.
+/// The desktop backend. Needs a QApplication that outlives it. File names (applicationPath, loadPicture) are in the
+/// file system's encoding, not in code page 1252.
 class QtDesktop : public Backend {
  public:
-  /// `commandLine`: the arguments behind the program's name, joined by blanks.
+  /// `commandLine` is the program's arguments, joined by blanks.
   explicit QtDesktop(std::string commandLine);
 
   Tick tickCount() override;
@@ -49,8 +49,8 @@ class QtDesktop : public Backend {
 
   std::string commandLine_;
   QElapsedTimer sinceStart_;
-  qint64 askedSecond_ = -1;  ///< of the system's clock, when the local time was last asked for
-  qint64 secondOfDay_ = 0;   ///< what it was
+  qint64 askedSecond_ = -1;  ///< the system clock's second when local time was last queried
+  qint64 secondOfDay_ = 0;   ///< the second of the day at that time
   RandomGenerator generator_;
   QtSettings settings_;
   std::shared_ptr<SoundMixer> mixer_ = std::make_shared<SoundMixer>();

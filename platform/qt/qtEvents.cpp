@@ -10,11 +10,11 @@ namespace kelvora {
 
 namespace {
 
-/// Everything that is waiting, but no longer than this if more keeps coming.
+/// Processes all pending events, but not for longer than this if more keep coming.
 constexpr int longestService = 10;  // ms
 
-/// Handlers that ask for events run inside one another; a held key would bring them to the end of the stack.
-constexpr int deepestService = 40;  // handlers and loops; sixteen message boxes take two each
+/// Handlers that process events nest, and a held key would overflow the stack.
+constexpr int deepestService = 40;  // handlers and loops; sixteen message boxes need two each
 
 void servePending() { QCoreApplication::processEvents(QEventLoop::AllEvents, longestService); }
 
@@ -34,7 +34,7 @@ void QtDesktop::doEvents(bool mayWait) {
   } else if (isOutermost) {
     servePending();
   } else if (handlerDepth() <= deepestService) {
-    // What is waiting now and no more: the answers to it belong to the frame loop, behind the handler that asked.
+    // Only what is pending now: the answers belong to the frame loop, after the handler has returned.
     QCoreApplication::processEvents(QEventLoop::AllEvents);
   }
 }
@@ -45,7 +45,7 @@ void QtDesktop::serveUntil(FramePacer::TimePoint end) {
     servePending();
     const auto left = end - FramePacer::TimePoint::clock::now();
     if (left <= left.zero()) return;
-    // The event loop's own clock knows whole milliseconds only; the rest of the last one is slept without it.
+    // The event loop's clock has a resolution of a millisecond. Sleeps the rest without it.
     if (left < milliseconds(1)) {
       std::this_thread::sleep_until(end);
       continue;

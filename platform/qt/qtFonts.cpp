@@ -22,7 +22,8 @@ void substitute(const QString& family, const QStringList& substitutes) {
 }  // namespace
 
 FontsAhead::FontsAhead() {
-  // The toolkit sets the locale, by which the thread reads numbers. Set already, it does not change in between.
+  // The toolkit sets the locale, which the thread uses to parse numbers. Setting it first keeps it from changing in
+  // between.
   std::setlocale(LC_ALL, "");
   try {
     thread_ = std::thread([] { FcInit(); });

@@ -8,8 +8,8 @@
 
 namespace kelvora {
 
-/// Reads the system's rules for fonts on a thread of its own, from its beginning to its end, while the toolkit connects
-/// to the screen: both take as long. The toolkit finds the rules read, or reads them itself if there is no thread.
+/// Loads the system's font rules on a thread, from construction to destruction, while the toolkit connects to the
+/// screen, which takes as long. Without a thread, the toolkit loads the rules itself.
 class FontsAhead {
  public:
   FontsAhead();
@@ -21,17 +21,17 @@ class FontsAhead {
   std::thread thread_;
 };
 
-/// Names free fonts of the same character for the families that the game asks for and the machine does not have. Called
-/// once, when the application stands.
+/// Registers free fonts of similar character for requested families that aren't installed. Call it once, after creating
+/// the application.
 void installFontSubstitutes();
 
-/// The desktop's font for what the game asks for, in pixels at 96 dots to the inch.
+/// The desktop's font for a requested one, in pixels at 96 dots per inch.
 QFont toQFont(const FontSpec& font);
-/// The same font with another number of points.
+/// The same font with another size in points.
 QFont toQFont(const FontSpec& font, float points);
 
-/// The font, or the next smaller one in which the text fits into the given width and height (pixels); not below three
-/// quarters of its size.
+/// The font, or the next smaller one in which the text fits into the given width and height (pixels), but at least
+/// three quarters of its size.
 QFont fittingFont(QFont font, const QString& text, QSize room);
 
 }  // namespace kelvora

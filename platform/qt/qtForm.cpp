@@ -20,7 +20,7 @@ namespace kelvora {
 
 namespace {
 
-/// The first form that the program has shown; the others stay in front of it.
+/// The first form shown. The others stay in front of it.
 QPointer<FormWindow> mainWindow;
 
 class ClientArea : public QWidget {
@@ -41,7 +41,7 @@ QSize clientSize(const Form& form) {
   return {toPixels(form.Width - Form::frameWidth), toPixels(form.Height - Form::frameHeight)};
 }
 
-/// The one that shows the middle of the window, or else the one that the window counts as its own.
+/// The screen with the window's middle, or else the one that the window reports.
 QScreen* screenOf(const QWidget& window) {
   QScreen* shown = QGuiApplication::screenAt(window.frameGeometry().center());
   return shown ? shown : window.screen();
@@ -106,7 +106,7 @@ bool FormWindow::event(QEvent* event) {
 }
 
 void FormWindow::closeEvent(QCloseEvent* event) {
-  event->ignore();  // the unload hides the window
+  event->ignore();  // unloading hides the window
   if (takesEvents(form_)) runHandler([this] { form_.closedByUser(); });
 }
 
@@ -157,11 +157,11 @@ void FormPeer::showWindow() {
   window_->setWindowModality(modal ? Qt::ApplicationModal : Qt::NonModal);
   if (!shownBefore_) {
     orderTabs();
-    // Ahead of the native window: a place that it gets later is taken for that of the client area.
+    // Before the native window exists: afterwards, a position would be taken for the client area's.
     placeWindow();
   }
   if (!window_->isVisible() && window_.get() != mainWindow) {
-    window_->winId();  // the native window must be there to be told whose dialog it is
+    window_->winId();  // the native window must exist to be assigned its parent
     QWidget* active = QApplication::activeWindow();
     QWidget* owner = modal && active && active != window_.get() ? active : mainWindow.data();
     if (owner && owner->windowHandle()) window_->windowHandle()->setTransientParent(owner->windowHandle());
@@ -171,9 +171,9 @@ void FormPeer::showWindow() {
   takeFocus();
 }
 
-/// A form that the game has not placed stands in the middle: of the screen, or of the main window. None begins where it
-/// cannot be seen: it is kept on the screen that the game is on, and begins no larger than it. The place is known at
-/// once, not only when the window manager has answered.
+/// Centres a form that the game hasn't placed, on the screen or on the main window. Every window starts on the game's
+/// screen and no larger than it, so that it can be seen. The position is known at once, without waiting for the window
+/// manager.
 void FormPeer::placeWindow() {
   const bool isMain = !mainWindow || window_.get() == mainWindow;
   const QRect screen = (isMain ? window_->screen() : screenOf(*mainWindow))->availableGeometry();
@@ -186,20 +186,20 @@ void FormPeer::placeWindow() {
   const QSize outer = seen + frame;
   QPoint corner(toPixels(form_.Left), toPixels(form_.Top));
   if (!placedByGame_) {
-    // The window manager's frames are as thick round one window as round the other.
+    // The window manager's frames are equally thick around all windows.
     const QSize margin = (isMain ? screen.size() - outer : mainWindow->size() - seen) / 2;
     corner = (isMain ? screen.topLeft() : mainWindow->pos()) + QPoint(margin.width(), margin.height());
   }
   const QPoint inside(std::clamp(corner.x(), screen.left(), std::max(screen.right() - outer.width(), screen.left())),
                       std::clamp(corner.y(), screen.top(), std::max(screen.bottom() - outer.height(), screen.top())));
   window_->move(inside);
-  // A place between two pixels stays as the game gave it.
+  // Keeps the game's position between two pixels.
   if (placedByGame_ && inside == corner) return;
   form_.Left.adopt(static_cast<float>(inside.x() * twipsPerPixel));
   form_.Top.adopt(static_cast<float>(inside.y() * twipsPerPixel));
 }
 
-/// Tabbing follows TabIndex; the lowest one has the focus when the form comes up.
+/// The tab order follows TabIndex. The lowest one has the focus when the form opens.
 void FormPeer::orderTabs() {
   std::vector<Control*> order;
   visitControls(form_, [&order](Control& control) {
@@ -227,7 +227,7 @@ void FormPeer::clientResized(QSize client) {
 void FormPeer::moved() {
   if (!window_ || !window_->isVisible()) return;
   const QPoint corner = window_->pos();
-  // A place between two pixels stays as the game gave it as long as the window has not moved.
+  // Keeps the game's position between two pixels until the window moves.
   if (corner == QPoint(toPixels(form_.Left), toPixels(form_.Top))) return;
   form_.Left.adopt(static_cast<float>(corner.x() * twipsPerPixel));
   form_.Top.adopt(static_cast<float>(corner.y() * twipsPerPixel));

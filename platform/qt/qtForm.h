@@ -12,14 +12,14 @@ namespace kelvora {
 class Button;
 class FormPeer;
 
-/// The native window of a form: a menu bar if the form has menus, and the client area below it.
+/// A form's native window: a menu bar, if the form has menus, and the client area below it.
 class FormWindow : public QMainWindow {
  public:
   FormWindow(Form& form, FormPeer& peer);
   QWidget* client() const { return client_; }
-  /// Gives the client area its size in pixels; the menu bar comes on top of it.
+  /// Resizes the client area (pixels). The menu bar adds to it.
   void resizeClient(QSize client);
-  /// For a client area of fixed size that has no room on the screen: a part of it is seen, with bars to move it.
+  /// Adds scroll bars to a fixed client area that doesn't fit the screen.
   void scrollClient(QSize client, QSize room);
 
  protected:
@@ -42,10 +42,10 @@ class FormPeer : public Peer {
   void takeFocus() override;
 
   FormWindow& window() { return *window_; }
-  /// The client area has a new size in pixels.
+  /// Called when the client area has a new size in pixels.
   void clientResized(QSize client);
   void moved();
-  /// Clicks the form's default (Enter) or cancel (Esc) button; false if it has none.
+  /// Clicks the form's default (Enter) or cancel (Esc) button. False if it has none.
   bool answerKey(bool enter);
 
  private:
@@ -59,10 +59,10 @@ class FormPeer : public Peer {
   bool shownBefore_ = false;
 };
 
-/// Shades of the native controls of a form: of its own background, or those of all dialogs.
+/// Colours of a form's native controls: for its own background, or the dialogs' common ones.
 QPalette formPalette(const Form& form);
 
-/// Fills the window's menu bar with the menu items that stand on the form, if there are any.
+/// Fills the window's menu bar with the form's menu items, if any.
 void realizeMenu(Form& form, FormWindow& window);
 
 }  // namespace kelvora

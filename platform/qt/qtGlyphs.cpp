@@ -11,7 +11,7 @@ namespace kelvora {
 
 namespace {
 
-/// The same font without colour fringes: the picture takes one coverage a pixel.
+/// The font without colour fringes: the picture uses one coverage value per pixel.
 QFont greyFont(const FontSpec& font) {
   QFont result = toQFont(font);
   result.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
@@ -29,7 +29,7 @@ Glyph QtGlyphSource::glyph(const FontSpec& font, unsigned char character) {
   const QChar letter = isControl(code) ? QChar(u' ') : QChar(code);
   Glyph result;
   result.advance = metrics.horizontalAdvance(letter);
-  // One pixel round the box that the font claims, since hinting may push the outline over its edge.
+  // One pixel more on each side than the font's box, because hinting may push the outline over its edge.
   const QRect box = metrics.boundingRect(letter).adjusted(-1, -1, 1, 1);
   if (letter.isSpace() || box.isEmpty()) return result;
 

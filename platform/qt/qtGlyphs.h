@@ -4,7 +4,7 @@
 
 namespace kelvora {
 
-/// Glyphs of the desktop's fonts, hinted to whole pixels and in shades of grey.
+/// Glyphs of the desktop's fonts, hinted to whole pixels, in shades of grey.
 class QtGlyphSource : public GlyphSource {
  public:
   Glyph glyph(const FontSpec& font, unsigned char character) override;

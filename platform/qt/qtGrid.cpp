@@ -16,7 +16,7 @@ namespace kelvora {
 
 namespace {
 
-/// Control characters would break a cell into lines.
+/// Control characters would break a cell into several lines.
 QString cellText(const std::string& text) {
   QString line = toQString(text);
   for (QChar& character : line) {
@@ -33,7 +33,7 @@ Qt::Alignment toQAlignment(int alignment) {
   return across[alignment / 3] | down[alignment % 3];
 }
 
-/// The grid's cells as the view saw them last: the fixed row is the view's heading, the others are its rows.
+/// The grid's cells as last seen by the view. The fixed row is the view's heading, the others are its rows.
 class GridModel : public QAbstractTableModel {
  public:
   GridModel(const Grid& grid, QObject* parent) : QAbstractTableModel(parent), grid_(grid) {}
@@ -62,7 +62,7 @@ class GridModel : public QAbstractTableModel {
   }
 
  private:
-  /// Cells that say nothing at all are not shown: a list that has not come yet is an empty field.
+  /// Hides cells without any text: a list that hasn't arrived yet is an empty field.
   bool isBlank() const {
     for (int row = 0; row < grid_.Rows; ++row)
       for (int column = 0; column < grid_.Cols; ++column)
@@ -70,7 +70,7 @@ class GridModel : public QAbstractTableModel {
     return true;
   }
 
-  /// The grid may have changed since the view has asked how large it is.
+  /// The grid may have changed since the view asked for its size.
   QVariant cell(int row, int column, int role) const {
     if (row >= grid_.Rows || column >= grid_.Cols) return {};
     if (role == Qt::DisplayRole) return cellText(grid_.TextMatrix(row, column));
@@ -108,7 +108,7 @@ class TableView : public QTableView {
     reload();
   }
 
-  /// Shows the grid at the next turn of the event loop, however many changes are made until then.
+  /// Updates the view at the next turn of the event loop, once for all changes until then.
   void reloadSoon() {
     if (isReloadQueued_) return;
     isReloadQueued_ = true;
@@ -151,7 +151,7 @@ class TableView : public QTableView {
     isShowing_ = false;
     horizontalHeader()->setVisible(grid_.FixedRows > 0);
     for (int column = 0; column < grid_.Cols; ++column) setColumnWidth(column, toPixels(grid_.ColWidth(column)));
-    // Nothing is marked before the user or the game chooses.
+    // Nothing is selected before the user or the game chooses.
     moveTo(QItemSelectionModel::NoUpdate);
   }
 

@@ -35,10 +35,10 @@ class LabelWidget : public ControlWidget {
     const QFontMetrics metrics = painter.fontMetrics();
     const int aligned = horizontal(metrics, text, inside.size());
     if (inside.height() < 2 * metrics.lineSpacing()) {
-      // A single line stands in the middle, an odd pixel above it, as in the text boxes of its row.
+      // Centres a single line, odd pixels above it, as in the text boxes next to it.
       inside.setTop(inside.top() + (inside.height() - metrics.height() + 1) / 2);
     }
-    // A heading and a paragraph begin at the top.
+    // Headings and paragraphs start at the top.
     painter.drawText(inside, Qt::AlignTop | aligned, text);
   }
 
@@ -49,7 +49,7 @@ class LabelWidget : public ControlWidget {
     return lines.width() <= room.width() && lines.height() <= room.height();
   }
 
-  /// A text that is too wide or high for one line is broken into lines where there is room for them.
+  /// Wraps a text that is too wide for one line if there is room for several.
   int horizontal(const QFontMetrics& metrics, const QString& text, QSize room) const {
     const bool wrap = metrics.horizontalAdvance(text) > room.width() && room.height() >= 2 * metrics.lineSpacing();
     const int flags = Qt::TextExpandTabs | (wrap ? Qt::TextWordWrap : 0);
@@ -89,7 +89,7 @@ class LabelPeer : public WidgetPeer {
     widget()->setGeometry(pixelPlace(label_));
   }
 
-  /// The game says the same again and again, once a second or once a frame. True if it is something new.
+  /// The game sets the same values again and again, once a second or once a frame. True if the value is new.
   template <class T>
   static bool note(T& shown, const T& value) {
     if (shown == value) return false;

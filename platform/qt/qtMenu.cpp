@@ -11,12 +11,12 @@ namespace kelvora {
 
 namespace {
 
-/// The action belongs to the menu above it, which lives as long as the window.
+/// The action belongs to the parent menu, which lives as long as the window.
 class MenuPeer : public Peer {
  public:
   MenuPeer(MenuItem& item, QAction* action) : item_(item), action_(action) {
     QObject::connect(action, &QAction::triggered, action, [this] {
-      showChecked();  // a click does not tick the item; only its handler may
+      showChecked();  // only the handler may check the item, not the click
       raiseEvent(item_, item_.Click);
     });
     for (const PropertyId id : {PropertyId::Caption, PropertyId::Checked, PropertyId::Enabled, PropertyId::Visible}) {
@@ -33,7 +33,7 @@ class MenuPeer : public Peer {
   }
 
  private:
-  /// An item that is not ticked looks like one that never is.
+  /// An unchecked item looks like one that can't be checked.
   void showChecked() {
     action_->setCheckable(item_.Checked);
     action_->setChecked(item_.Checked);
@@ -73,7 +73,7 @@ void realizeMenu(Form& form, FormWindow& window) {
     if (!dynamic_cast<MenuItem*>(child)) continue;
     QPalette colours = formPalette(form);
     if (!form.design.systemColours) {
-      // A menu stands out from the window below it, and what is disabled in it has no light edge.
+      // Menus stand out from the window below, and disabled entries have no light edge.
       const QColor ground(28, 31, 48);
       for (const auto role : {QPalette::Window, QPalette::Base}) colours.setColor(role, ground);
       colours.setColor(QPalette::Disabled, QPalette::Light, ground);

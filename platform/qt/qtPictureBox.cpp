@@ -15,7 +15,7 @@ class PictureBoxWidget : public ControlWidget {
   PictureBoxWidget(PictureBox& box, QWidget* parent) : ControlWidget(box, parent), box_(box) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
-    // A click on a picture without keys leaves the focus where it is; mousePressEvent takes it for the others.
+    // Clicking a picture without key handlers leaves the focus alone. For others, mousePressEvent takes it.
     setFocusPolicy(box.TabIndex >= 0 ? Qt::TabFocus : Qt::NoFocus);
   }
 
@@ -33,14 +33,14 @@ class PictureBoxWidget : public ControlWidget {
   }
 
   void mouseMoveEvent(QMouseEvent* event) override {
-    // Quirk Q-020: a picture hears of no movement outside its edges, not even while a button is held. A fast mouse
-    // thus escapes the confinement of the canvas, which lives on these events.
+    // Quirk Q-020: no moves outside the picture's edges, even while a button is held. So a fast mouse escapes the
+    // canvas, which confines the pointer in this event.
     if (!rect().contains(event->position().toPoint())) return;
     ControlWidget::mouseMoveEvent(event);
   }
 
   void keyPressEvent(QKeyEvent* event) override {
-    event->ignore();  // Enter and Esc may have a meaning for the form
+    event->ignore();  // the form may handle Enter and Esc
     raiseKey(box_, *event);
   }
 
@@ -59,7 +59,7 @@ class PictureBoxPeer : public WidgetPeer {
     showPointer();
   }
 
-  /// Now, not at the next turn of the event loop: the frame is finished and the next one begins.
+  /// At once, not at the next turn of the event loop, because the next frame begins now.
   void present() override {
     if (widget()) widget()->repaint();
   }

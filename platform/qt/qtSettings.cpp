@@ -22,7 +22,7 @@ QString keyPath(const std::string& section, const std::string& key) { return toQ
 
 QString pathName(const std::filesystem::path& path) { return QFile::decodeName(path.c_str()); }
 
-/// As all keys of the game are. Others, which only a damaged file has, may change their names when they are written.
+/// All of the game's keys are like that. Others, from a damaged file, may be renamed when they are written.
 bool isPlain(const QString& key) {
   return std::ranges::all_of(
       key, [](QChar c) { return c == u' ' || c == u'/' || (c < QChar(128) && c.isLetterOrNumber()); });
@@ -41,14 +41,13 @@ QtSettings::QtSettings(std::string path) : path_(std::move(path)) {}
 std::string QtSettings::read(const std::string& section, const std::string& key, const std::string& fallback) const {
   const QSettings store(pathName(path_), QSettings::IniFormat);
   const QVariant value = store.value(keyPath(section, key));
-  // A comma outside quotes in a file written by hand makes a list of what was meant as one text.
+  // An unquoted comma in a manually edited file makes a list out of a single text.
   if (value.typeId() == QMetaType::QStringList) return toBytes(value.toStringList().join(", "));
   return value.isValid() && value.canConvert<QString>() ? toBytes(value.toString()) : fallback;
 }
 
-// The toolkit replaces the file in one step, but on a disk that becomes full it does so with what it could write of it.
-// So it writes a draft, which is read back before it counts. Its status tells nothing: junk in the file is an error,
-// too.
+// The toolkit replaces the file atomically, but on a disk that fills up the new file may be truncated. So it writes a
+// draft, which is read back first. Its status is useless, because junk in the file is an error as well.
 void QtSettings::write(const std::string& section, const std::string& key, const std::string& value) {
   makeFolder();
   SettingsDraft draft(path_);
@@ -60,7 +59,7 @@ void QtSettings::write(const std::string& section, const std::string& key, const
   if (holdsAll(QSettings(pathName(draft.path()), QSettings::IniFormat), store)) draft.publish();
 }
 
-/// The password of the last login lies in this folder in clear text: nobody else may look into it.
+/// The folder contains the last password in plain text, so nobody else may read it.
 void QtSettings::makeFolder() const {
   const std::filesystem::path folder = std::filesystem::path(path_).parent_path();
   std::error_code ignored;

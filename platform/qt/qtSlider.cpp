@@ -12,7 +12,7 @@ namespace {
 class SliderWidget : public QSlider {
  public:
   SliderWidget(Slider& slider, QWidget* parent) : QSlider(Qt::Horizontal, parent), slider_(slider) {
-    // Marks and edges are shades of these two: of a dark window's own they would be dark.
+    // Marks and edges derive from these two. A dark window's own colours would make them dark.
     QPalette colours = palette();
     colours.setColor(QPalette::Window, QColor(239, 239, 239));
     colours.setColor(QPalette::Highlight, QColor(120, 168, 248));
@@ -46,7 +46,7 @@ class SliderPeer : public WidgetPeer {
  protected:
   void show(PropertyId id) override {
     if (id != PropertyId::Value) return;
-    const QSignalBlocker quiet(widget_);  // the events are the user's
+    const QSignalBlocker quiet(widget_);  // events are for user input only
     widget_->setValue(slider_.Value);
   }
 

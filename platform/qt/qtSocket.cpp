@@ -10,19 +10,19 @@
 
 namespace kelvora {
 
-/// One connection from its start to its end. What is noted here and not yet told dies with it, so that a socket that
-/// was closed and opened again hears nothing of its past.
+/// One connection from start to end. Events not yet raised die with it, so a socket that is closed and reopened gets
+/// none from its past.
 struct QtSocket::Connection {
   QTcpSocket wire;
-  bool isConnected = false;      ///< it stood at some time
-  bool isClosed = false;         ///< the other side closed it
+  bool isConnected = false;      ///< it was established
+  bool isClosed = false;         ///< the peer closed it
   bool isBroken = false;         ///< it failed
-  bool hasNews = false;          ///< bytes have come since the last data event
-  bool isTellingQueued = false;  ///< a turn of the event loop will tell the game
-  bool isDropped = false;        ///< the game has no interest in it any more
-  qint64 told = 0;               ///< bytes that the game may take
+  bool hasNews = false;          ///< data has arrived since the last data event
+  bool isTellingQueued = false;  ///< a turn of the event loop will notify the game
+  bool isDropped = false;        ///< the game has dropped it
+  qint64 told = 0;               ///< bytes announced to the game
 
-  /// Frees the connection at a later turn of the event loop, since this one may have been started by its wire.
+  /// Deletes the connection at a later turn of the event loop, because its socket may have started this one.
   static void retire(Connection* connection) {
     if (qApp) {
       QMetaObject::invokeMethod(
@@ -73,8 +73,8 @@ void QtSocket::connect(const std::string& host, int port) {
     note();
   });
   QObject::connect(&wire, &QTcpSocket::errorOccurred, &wire, [this, &connection](QAbstractSocket::SocketError error) {
-    if (error == QAbstractSocket::RemoteHostClosedError) return;  // the orderly end; `disconnected` follows
-    if (error == QAbstractSocket::SocketTimeoutError) return;     // nothing more has come
+    if (error == QAbstractSocket::RemoteHostClosedError) return;  // a normal close; `disconnected` follows
+    if (error == QAbstractSocket::SocketTimeoutError) return;     // no more data
     connection.isBroken = true;
     note();
   });
@@ -115,15 +115,15 @@ void QtSocket::note() {
       Qt::QueuedConnection);
 }
 
-/// Reads what has arrived, up to the buffer's size: a message that two events share is lost to the game.
+/// Reads what has arrived, up to the buffer's size, because the game loses a message that spans two events.
 void QtSocket::readAhead(QTcpSocket& wire) {
   while (wire.state() == QAbstractSocket::ConnectedState && wire.bytesAvailable() < readBufferSize &&
          wire.waitForReadyRead(0)) {
   }
 }
 
-/// Tells the game one thing: the connection, then all bytes that have been read, and the end when none are left. A
-/// handler may have dropped the connection, and deleted this object with it.
+/// Raises one event: the connection, then all data read, and the close once nothing is left. A handler may drop the
+/// connection, which deletes this object.
 void QtSocket::tell() {
   const std::shared_ptr<Connection> connection = connection_;
   connection->isTellingQueued = false;
@@ -140,7 +140,7 @@ void QtSocket::tell() {
                   std::to_string(connection->wire.peerPort()));
     runEvent(owner_.onDataArrival);
     if (connection->isDropped) return;
-    // A handler that leaves its bytes alone is not told of them again before others come.
+    // If a handler leaves bytes unread, there is no further event until more arrive.
     if (connection->told < portion && connection->wire.bytesAvailable() > 0) connection->hasNews = true;
     if (connection->hasNews || connection->isClosed || connection->isBroken) note();
   } else if (connection->isBroken) {

@@ -9,12 +9,12 @@
 
 namespace kelvora {
 
-/// A TCP connection over Qt. The game's events are never raised from within the toolkit's own: what happens on the wire
-/// is noted and told at the next turn of the event loop, so that a handler may close, reopen or delete its socket.
+/// A TCP connection through Qt. Never raises the game's events from inside the toolkit's: network events are recorded
+/// and raised at the next turn of the event loop, so a handler may close, reopen or destroy its socket.
 class QtSocket : public SocketPeer {
  public:
-  static constexpr qint64 readBufferSize = 256 * 1024;         ///< bytes; beyond it the other side has to wait
-  static constexpr qint64 writeBufferLimit = 4 * 1024 * 1024;  ///< bytes unsent; beyond it the connection is given up
+  static constexpr qint64 readBufferSize = 256 * 1024;         ///< bytes; beyond it the peer has to wait
+  static constexpr qint64 writeBufferLimit = 4 * 1024 * 1024;  ///< unsent bytes; beyond it the connection is dropped
 
   explicit QtSocket(Winsock& owner) : owner_(owner) {}
   ~QtSocket() override;

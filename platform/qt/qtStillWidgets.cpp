@@ -11,7 +11,7 @@ namespace kelvora {
 
 namespace {
 
-/// A frame's line and title. They lie over the frame's controls, so that a picture at the edge does not cut the line.
+/// A frame's line and title, on top of the frame's controls, so that a picture at the edge doesn't cut the line.
 class FrameLine : public QWidget {
  public:
   FrameLine(Frame& frame, QWidget* parent) : QWidget(parent), frame_(frame) {
@@ -77,7 +77,7 @@ class ImageWidget : public ControlWidget {
   Image& image_;
 };
 
-/// Fills the container, so that a thick border may stand out over the shape's place; the mouse goes through it.
+/// Covers the whole container, so that a thick border may extend beyond the shape. Ignores the mouse.
 class ShapeWidget : public QWidget {
  public:
   ShapeWidget(Shape& shape, QWidget* parent) : QWidget(parent), shape_(shape) {
@@ -101,7 +101,7 @@ class ShapeWidget : public QWidget {
   Shape& shape_;
 };
 
-/// A widget that only has to be painted anew when a property changes.
+/// A widget that is simply repainted when a property changes.
 class StillPeer : public WidgetPeer {
  public:
   using WidgetPeer::WidgetPeer;

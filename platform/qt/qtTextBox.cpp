@@ -13,10 +13,10 @@ namespace kelvora {
 
 namespace {
 
-constexpr int longestCommand = 60;  // characters of one that are shown again
+constexpr int longestCommand = 60;  // characters of a command shown in the box
 
-/// What a line can hold: the characters of code page 1252 without the control characters. Where the lines of a longer
-/// text met, or a tab stood, there is a blank, though not at the ends.
+/// Keeps only what a line can hold: characters of code page 1252 except control characters. Line breaks and tabs become
+/// blanks, but are dropped at the ends.
 QString cleaned(const QString& text) {
   std::string line;
   bool isBroken = false;
@@ -63,7 +63,7 @@ class LineEdit : public QLineEdit {
   }
 
  private:
-  /// A default or cancel button of the form takes the key, and the box does not hear of it.
+  /// True if a default or cancel button of the form takes the key, which then doesn't reach the box.
   bool formAnswers(QKeyEvent& event) {
     event.ignore();
     QCoreApplication::sendEvent(window(), &event);

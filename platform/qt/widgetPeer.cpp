@@ -27,7 +27,7 @@ void drawBorder(QPainter& painter, const QRect& place, const QColor& colour) {
 
 namespace {
 
-/// Whether what is painted on may show what lies behind it: windows under Wayland, not those of X11.
+/// True if what is painted on may show what is behind it: windows under Wayland, but not under X11.
 bool isSeeThrough(const QPainter& painter) {
   const QPaintDevice* device = painter.paintEngine()->paintDevice();
   return device->devType() == QInternal::Image && static_cast<const QImage*>(device)->hasAlphaChannel();
@@ -42,7 +42,7 @@ void drawPixels(QPainter& painter, const QImage& picture, const QRect& part) {
     painter.drawImage(part, picture, part);
     return;
   }
-  // The highest byte of the game's pixels is 0, which would be copied as "nothing here".
+  // The highest byte of the game's pixels is 0, which would mean transparent.
   painter.drawImage(part, picture.copy(part).convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
@@ -113,7 +113,7 @@ void realizeChildren(Control& container, QWidget* parent) {
       timer->peer = makePeer(*timer);
       continue;
     }
-    // Menu items are none of these: the form's own peer makes the menu bar.
+    // Menu items are none of these: the form's peer creates the menu bar.
     [[maybe_unused]] const bool isWidget = realizeAs<Label>(*child, parent) || realizeAs<TextBox>(*child, parent) ||
                                            realizeAs<Button>(*child, parent) || realizeAs<Frame>(*child, parent) ||
                                            realizeAs<Image>(*child, parent) || realizeAs<Shape>(*child, parent) ||

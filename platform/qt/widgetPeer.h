@@ -24,19 +24,19 @@ class TextBox;
 
 inline QColor toQColor(Colour colour) { return {colour.red, colour.green, colour.blue}; }
 
-/// The place of a control in pixels of its container.
+/// A control's position and size in pixels of its container.
 QRect pixelPlace(const Control& control);
 
-/// A line of one pixel along the inside of `place`. It is whole on a screen of any scale; of the line that a pen draws
-/// there, the left and the upper one lie half outside.
+/// Draws a one-pixel border along the inside of `place`, whole at any screen scale. A pen's left and upper lines would
+/// be half outside.
 void drawBorder(QPainter& painter, const QRect& place, const QColor& colour);
 
-/// Copies `part` of the picture to the same place. Where the screen's scale is no whole number, its pixels are blended;
-/// otherwise each would be one or two of the screen's by chance.
+/// Copies `part` of the picture to the same place. Blends pixels if the screen's scale isn't a whole number. Otherwise
+/// some would be twice as large as others.
 void drawPixels(QPainter& painter, const QImage& picture, const QRect& part);
 
-/// A widget for a control that the game draws or that the desktop has no native counterpart for. Turns the mouse into
-/// the control's events; while a button is held moves and the release come from outside too.
+/// A widget for controls that the game draws or that have no native counterpart. Turns mouse input into the control's
+/// events. While a button is held, moves and the release arrive from outside as well.
 class ControlWidget : public QWidget {
  public:
   ControlWidget(Control& control, QWidget* parent);
@@ -51,8 +51,8 @@ class ControlWidget : public QWidget {
   Control& control_;
 };
 
-/// A control's widget and what every one of them shows: place and visibility. Owns the widget, unless the widget's
-/// parent was destroyed first.
+/// The base of the peers that own a widget. It applies place and visibility. The widget is destroyed with the peer,
+/// unless its parent was destroyed first.
 class WidgetPeer : public Peer {
  public:
   WidgetPeer(Control& control, QWidget* widget);
@@ -63,7 +63,7 @@ class WidgetPeer : public Peer {
   QWidget* widget() const { return widget_; }
 
  protected:
-  /// A property other than place and visibility, or after the place has been applied.
+  /// Called for a change of any other property, and after the place has been applied.
   virtual void show(PropertyId id) = 0;
 
  private:
@@ -71,7 +71,7 @@ class WidgetPeer : public Peer {
   QPointer<QWidget> widget_;
 };
 
-// One function a kind of control, each in the file of its kind.
+// One function per kind of control, each in that kind's file.
 std::unique_ptr<WidgetPeer> makePeer(Label& label, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(TextBox& textBox, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(Button& button, QWidget* parent);
@@ -84,7 +84,7 @@ std::unique_ptr<WidgetPeer> makePeer(Grid& grid, QWidget* parent);
 std::unique_ptr<WidgetPeer> makePeer(PictureBox& pictureBox, QWidget* parent);
 std::unique_ptr<Peer> makePeer(IntervalTimer& timer);
 
-/// Gives every control on `container` its peer, in the order of their declaration; later ones lie on top.
+/// Creates the peers of all controls on `container`, in order of declaration. Later ones are on top.
 void realizeChildren(Control& container, QWidget* parent);
 
 }  // namespace kelvora

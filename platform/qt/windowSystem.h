@@ -2,16 +2,15 @@
 
 namespace kelvora {
 
-/// The game places the mouse pointer in pixels of the screen, which X11 lets a program do and Wayland does not. So X11
-/// comes first wherever it can be reached, also within a Wayland desktop, unless QT_QPA_PLATFORM says otherwise. To be
-/// called before the application comes into being.
+/// Chooses X11 wherever it can be reached, even inside a Wayland desktop, unless QT_QPA_PLATFORM says otherwise. The
+/// game moves the mouse pointer, which Wayland doesn't allow. Must be called before the application is created.
 void chooseWindowSystem();
 
-/// Says on stderr what does not work under the window system that the application has come to run on, if anything.
+/// Prints on stderr what doesn't work under the current window system, if anything.
 void tellWhatIsMissing();
 
-/// While it lives, a toolkit that finds no screen ends the process with a sentence on stderr and status 1, in place of
-/// an abort. What the toolkit says meanwhile is held back until then, or until the end of this.
+/// While it exists, a toolkit that finds no screen ends the process with a message on stderr and status 1 instead of
+/// aborting. The toolkit's own messages are held back until then, or until this is destroyed.
 class ScreenSearch {
  public:
   ScreenSearch();

@@ -10,14 +10,14 @@ namespace kelvora {
 
 namespace {
 
-constexpr int sampleRate = 44100;  // of all our files
+constexpr int sampleRate = 44100;  // of all sound files
 constexpr int speakers = 2;
-constexpr int blockSamples = 1024;  // 23 ms: the longest wait for the mixing of a new sound
+constexpr int blockSamples = 1024;  // 23 ms: the maximum delay before a new sound is mixed
 
 void ignoreLog(void*, int, SDL_LogPriority, const char*) {}
 void ignoreAlsa(const char*, int, const char*, int, const char*, ...) {}
 
-/// A machine without a sound device is no news for the terminal.
+/// Keeps SDL from printing that there is no sound device.
 void keepQuiet() {
   SDL_LogSetOutputFunction(ignoreLog, nullptr);
   using Report = void (*)(const char*, int, const char*, int, const char*, ...);
@@ -25,7 +25,7 @@ void keepQuiet() {
   if (void* found = dlsym(RTLD_DEFAULT, "snd_lib_error_set_handler")) reinterpret_cast<SetReport>(found)(ignoreAlsa);
 }
 
-/// Mixed by SDL, in a format that all our files have.
+/// Mixed by SDL, in the format of all sound files.
 class SdlMixerDevice final : public MixerDevice {
  public:
   SdlMixerDevice();
@@ -72,7 +72,7 @@ SdlMixerDevice::~SdlMixerDevice() {
     Mix_Quit();
     SDL_QuitSubSystem(SDL_INIT_AUDIO);
   }
-  SDL_TLSCleanup();  // what SDL keeps for each thread; it knows of the end of its own alone
+  SDL_TLSCleanup();  // frees SDL's thread-local data, which it only does by itself for its own threads
 }
 
 Mix_Chunk* SdlMixerDevice::effect(int channel) const {
