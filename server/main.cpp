@@ -33,7 +33,7 @@ std::string signalName(int signal) {
   return signal == SIGINT ? "SIGINT" : "SIGTERM";
 }
 
-/// Sees to it that as many files may be open as the server can need, if the system lets it, and tells how many may.
+/// Raises the limit of open files to what the server may need, if allowed, and returns the limit.
 std::size_t provideDescriptors() {
   rlimit limit{};
   if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return GameServer::descriptors;
@@ -62,8 +62,8 @@ int main(int argc, char** argv) {
     std::cout << "kelvora-server " << versionText() << "\n";
     return 0;
   }
-  std::signal(SIGPIPE, SIG_IGN);  // so that the game goes on if nobody reads the log any more
-  std::signal(SIGXFSZ, SIG_IGN);  // likewise if its file may not grow
+  std::signal(SIGPIPE, SIG_IGN);  // the game continues if nobody reads the log any more
+  std::signal(SIGXFSZ, SIG_IGN);  // likewise if the log may not grow
   try {
     boost::asio::io_context context(1);
     Log logFile(std::cerr, !isLoggingToJournal());
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
     }
     GameServer server(context, options, log);
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);
-    // The terminal is gone; who starts the server with nohup does not want it to end then.
+    // The terminal is closed. Ignored if nohup says so.
     if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) signals.add(SIGHUP);
     std::function<void()> awaitSignal = [&] {
       signals.async_wait([&](boost::system::error_code error, int signal) {

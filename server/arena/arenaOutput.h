@@ -6,12 +6,12 @@
 
 namespace kelvora::server {
 
-/// What the arena does to the outside world, from within its calls. It must not call back.
+/// The arena's effects on the outside world. Called from within the arena's calls, and must not call back.
 class ArenaOutput {
  public:
   virtual ~ArenaOutput() = default;
   virtual void send(ClientId client, const std::string& frame) = 0;
-  /// Ends the connection once everything sent so far has gone out.
+  /// Closes the connection after everything sent so far has gone out.
   virtual void hangUp(ClientId client) = 0;
   virtual void log(const std::string& line) = 0;
 };

@@ -14,12 +14,12 @@ double distanceToWay(Point place, Point a, Point b) {
   return length(place - (a + way * part));
 }
 
-/// Whether each way has the ends of the other on both its sides. Ways that only touch are seen by their ends.
+/// True if each segment has the other's ends on both sides. Segments that only touch are found by their ends.
 bool areAcross(Point a, Point b, Point c, Point d) {
   return cross(b - a, c - a) * cross(b - a, d - a) < 0 && cross(d - c, a - c) * cross(d - c, b - c) < 0;
 }
 
-/// How often `along` can be gone from there until the axis leaves the world.
+/// How many times `along` can be repeated before the axis leaves the world.
 double stepsToEdge(double from, double along) {
   if (along > 0) return (worldSize - from) / along;
   if (along < 0) return -from / along;

@@ -4,14 +4,15 @@
 
 namespace kelvora::server {
 
-/// World units. The ball's picture is 49 pixels wide, of 15 units each.
+/// World units. The ball's picture is 49 pixels wide, 15 units each.
 inline constexpr double ballRadius = 49 * 15 / 2.0;
-/// Reach of a pulse; the canvas as it is designed shows 4560 units above and below its player.
+/// Range of a pulse. At its design size, the canvas shows 4560 units above and below its player.
 inline constexpr double pulseRadius = 4'500;
 
-/// The shortest distance between the ways a-b and c-d; either may be a single place.
+/// The minimum distance between the segments a-b and c-d. Either may be a single point.
 double distanceOfWays(Point a, Point b, Point c, Point d);
-/// Where a beam leaves the world that starts at `from` and runs along `along`, which is not zero on both axes.
+/// The point on the world's edge where a beam from `from` along `along` leaves the world. `along` must not be zero on
+/// both axes.
 Point worldEdge(Point from, Point along);
 
 }  // namespace kelvora::server

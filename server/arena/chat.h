@@ -5,12 +5,12 @@
 
 namespace kelvora::server {
 
-/// Passes a player's line on to everybody, or to one player and back to the sender.
+/// Relays a player's line to everybody, or to one player and back to the sender.
 void relayChat(Roster& roster, Player& sender, const RequestFields& fields, Millis now);
 
-/// Pings a player when that is due: soon after the login, then five times a minute.
+/// Pings a player when due: soon after the login, then five times a minute.
 void pingIfDue(Roster& roster, Player& player, Millis now);
-/// Tells a player the time that the answer to the last ping has taken.
+/// Tells a player the round-trip time of the last ping.
 void reportLatency(Roster& roster, Player& player, Millis now);
 
 }  // namespace kelvora::server

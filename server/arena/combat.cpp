@@ -10,8 +10,8 @@ void Combat::activate(Player& player, const RequestFields& fields, Millis now) {
   if (!item || !player.requests.allows(now)) return;
   Inventory& inventory = player.inventory;
   const auto refuse = [&](const char* why) { roster_.sendTo(player.client, wire::msgServerText, {why}); };
-  // Clients rarely ask in vain. But they show a capture only when it lands, and their own timers count changes of the
-  // clock's second, and so end up to a second before these.
+  // Clients rarely request in vain, except that they show a capture only when it is carried out. And their timers count
+  // changes of the clock's second, so they end up to a second before these.
   if (!player.isAlive) return refuse("You are out, and cannot use abilities until you are respawned.");
   if (inventory.isRunning(*item, now)) return refuse("That ability isn't ready yet.");
   if (!inventory.start(*item, now)) return refuse("You have none of that ability left.");
@@ -31,14 +31,14 @@ void Combat::strikeOnTheWay(Player& mover, Point from, Millis now) {
 void Combat::strikeAll(Millis now) { strike(hitsNow(roster_.players(), now), now); }
 
 void Combat::strike(const std::vector<Hit>& hits, Millis now) {
-  // All at the same moment: two may kill each other, but nobody dies twice.
+  // All at once: two players may kill each other, but nobody dies twice.
   for (const auto& [winner, loser] : hits) {
     if (loser->isAlive) lives_.kill(*winner, *loser, std::nullopt, now);
   }
 }
 
 void Combat::pulse(Player& owner, Millis now) {
-  // The owner comes last, and so is alive while the others die.
+  // The owner comes last and so is alive while the others die.
   for (Player* player : playersInPulse(roster_.players(), owner)) {
     if (isVulnerable(*player, now)) {
       lives_.kill(owner, *player, std::nullopt, now);

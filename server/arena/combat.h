@@ -9,21 +9,21 @@
 
 namespace kelvora::server {
 
-/// Powerups in use, and the deaths that weapons cause.
+/// Starts and ends powerups, and carries out the deaths that weapons cause.
 class Combat {
  public:
   Combat(Roster& roster, PendingCaptures& pending, Lives& lives) : roster_(roster), pending_(pending), lives_(lives) {}
 
-  /// A player's request to use a powerup.
+  /// Handles a player's request to use a powerup.
   void activate(Player& player, const RequestFields& fields, Millis now);
-  /// What the mover's weapons do to the others, and theirs to the mover on the way from there.
+  /// Applies the mover's weapons to the others, and theirs to the mover, along the way from `from`.
   void strikeOnTheWay(Player& mover, Point from, Millis now);
   void strikeAll(Millis now);
 
  private:
   void strike(const std::vector<Hit>& hits, Millis now);
   void pulse(Player& owner, Millis now);
-  /// Ends a running powerup before its time.
+  /// Ends a running powerup early.
   void end(Player& player, int item, Millis now);
 
   Roster& roster_;

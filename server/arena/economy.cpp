@@ -15,7 +15,7 @@ void Economy::trade(Player& player, bool isSale, const RequestFields& fields, Mi
   if (outcome.isRefused()) {
     return roster_.sendTo(player.client, isSale ? wire::msgSellDenied : wire::msgBuyDenied, {outcome.reason()});
   }
-  // This tells the trader of the new funds as well.
+  // This also tells the trader the new funds.
   roster_.sendTo(player.client, isSale ? wire::msgSellAccepted : wire::msgBuyAccepted,
                  {std::to_string(*item), std::to_string(inventory.stock(*item)), std::to_string(inventory.funds())});
   for (const auto& [client, other] : roster_.players()) {

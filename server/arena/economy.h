@@ -7,14 +7,14 @@
 
 namespace kelvora::server {
 
-/// Credits and the store. Everybody is told of everybody's funds.
+/// Credits and the store. Everybody is told everybody's funds.
 class Economy {
  public:
   Economy(Roster& roster, int incomePerMinute) : roster_(roster), incomePerMinute_(incomePerMinute) {}
 
-  /// A player's request to buy an item from the store or to sell it one.
+  /// Handles a player's request to buy or sell an item.
   void trade(Player& player, bool isSale, const RequestFields& fields, Millis now);
-  /// Pays a player for the time alive since the last call.
+  /// Pays a player for the time spent alive since the last call.
   void payIncome(Player& player, Millis now);
   void credit(Player& player, Entry entry, std::int64_t amount);
 

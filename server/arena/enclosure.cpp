@@ -8,7 +8,7 @@ namespace {
 
 std::optional<Spot> vertexToName(const Player& winner, std::size_t firstOfLoop, const PendingCaptures& pending) {
   if (const Spot* named = pending.vertexOf(winner.node)) return *named;
-  // The oldest one ends first, and so the loser learns of it soonest.
+  // The oldest vertex expires first, so the loser learns of the capture soonest.
   const auto vertices = winner.tail.vertices();
   for (std::size_t i = firstOfLoop; i + 1 < vertices.size(); ++i) {
     if (!pending.isNamedByAnother(winner.node, vertices[i].spot.read)) return vertices[i].spot;

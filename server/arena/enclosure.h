@@ -12,7 +12,7 @@ namespace kelvora::server {
 /// The opponents inside the loops that a player's last segment closes.
 struct Enclosure {
   std::vector<Player*> losers;
-  /// The vertex by which the captures are told; nothing if there is none that may be named.
+  /// The vertex that identifies the captures to clients; nothing if none can be named.
   std::optional<Spot> vertex;
 };
 

@@ -12,7 +12,7 @@ __extension__ using Wide = __int128;
 
 constexpr double gridPerUnit = 1024;
 
-/// A point between those of the grid: x / scale, y / scale. The scale is above 0.
+/// A point between grid points: x / scale, y / scale. The scale is positive.
 struct FinePoint {
   Wide x = 0;
   Wide y = 0;
@@ -26,15 +26,15 @@ int sign(Number value) {
   return (value > 0) - (value < 0);
 }
 
-/// 1 if the coordinate is beyond the grid's one, -1 if it falls short of it.
+/// 1 if the coordinate is greater than the grid's, -1 if it is less.
 int compare(Wide coordinate, std::int64_t scale, std::int64_t grid) { return sign(coordinate - Wide{grid} * scale); }
 
-/// Above 0 if a-b-c turns left, 0 if the three are on a line.
+/// Positive if a-b-c turns left, 0 if the three are collinear.
 std::int64_t turn(GridPoint a, GridPoint b, GridPoint c) {
   return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
 }
 
-/// Of a point on the line of a-b, whether it is between them or one of them.
+/// For a point on the line a-b: true if it is between them or one of them.
 bool isBetween(GridPoint a, GridPoint b, GridPoint point) {
   const auto [left, right] = std::minmax(a.x, b.x);
   const auto [low, high] = std::minmax(a.y, b.y);
@@ -46,7 +46,7 @@ bool boxesMeet(GridPoint a, GridPoint b, GridPoint c, GridPoint d) {
          std::max(a.y, b.y) >= std::min(c.y, d.y) && std::max(c.y, d.y) >= std::min(a.y, b.y);
 }
 
-/// The point that a-b and c-d share; of a whole stretch, the one nearest to c.
+/// The point shared by a-b and c-d. If they share a stretch, the point nearest to c.
 std::optional<FinePoint> sharedPoint(GridPoint a, GridPoint b, GridPoint c, GridPoint d) {
   if (!boxesMeet(a, b, c, d)) return std::nullopt;
   const std::int64_t turnC = turn(a, b, c);
@@ -61,7 +61,7 @@ std::optional<FinePoint> sharedPoint(GridPoint a, GridPoint b, GridPoint c, Grid
   if (isBShared) return fine(b);
   if (turnD == 0 && isBetween(a, b, d)) return fine(d);
   if (sign(turnC) * sign(turnD) >= 0 || sign(turnA) * sign(turnB) >= 0) return std::nullopt;
-  // Truly across: b is on the other side of c-d than a, so the difference is not 0.
+  // They truly cross: b is on the other side of c-d than a, so the difference is not 0.
   std::int64_t part = turnA;
   std::int64_t whole = turnA - turnB;
   if (whole < 0) {
@@ -71,9 +71,9 @@ std::optional<FinePoint> sharedPoint(GridPoint a, GridPoint b, GridPoint c, Grid
   return FinePoint{Wide{a.x} * whole + Wide{b.x - a.x} * part, Wide{a.y} * whole + Wide{b.y - a.y} * part, whole};
 }
 
-/// How often a way winds round a place, and whether it goes through it.
+/// The winding number of a path around a point, and whether the path goes through it.
 struct Winding {
-  int turns = 0;  // of the ray from the place to the right: how often it is crossed upwards, less downwards
+  int turns = 0;  // upward minus downward crossings of the ray from the point to the right
   bool isTouched = false;
 
   void operator+=(const Winding& other) {
@@ -82,8 +82,8 @@ struct Winding {
   }
 };
 
-/// The part of a step: `side` is above 0 if the place is to the left of the line upwards; the heights are those of
-/// the step's ends, compared with the place's, and so are the two ends on the other axis.
+/// The contribution of a step. `side` is positive if the point is to the left of the line upward. The heights compare
+/// the step's ends with the point, and so do the other axis's values.
 Winding windingOf(int fromHeight, int toHeight, int fromX, int toX, int side) {
   Winding winding;
   if (fromHeight <= 0 && toHeight > 0 && side > 0) winding.turns = 1;
@@ -115,7 +115,7 @@ std::vector<std::optional<std::size_t>> enclosingLoops(std::span<const GridPoint
   const GridPoint from = tail[last - 1];
   const GridPoint to = tail[last];
   if (from == to) return loops;
-  std::vector<Winding> windings(places.size());  // of the way from vertex i + 1 to the last but one
+  std::vector<Winding> windings(places.size());  // from vertex i + 1 to the last but one
   for (std::size_t i = last - 2; i-- > 0;) {
     const auto shared = sharedPoint(from, to, tail[i], tail[i + 1]);
     for (std::size_t k = 0; k < places.size(); ++k) {

@@ -10,7 +10,7 @@ namespace kelvora::server {
 
 namespace {
 
-// No vertex is so far out, and a client carries out at once what names none.
+// No vertex is that far outside the world, and clients carry out a capture at once if its vertex doesn't exist.
 constexpr const char* nowhere = "-1000000";
 
 }  // namespace
@@ -70,7 +70,7 @@ void Lives::respawn(Player& player) {
 
 Millis Lives::respawnWait(const Player& player, Millis now) const {
   const Millis due = std::max(player.respawnAt, pending_.landsAt(player.node));
-  // A tick begins the next round, not the moment itself.
+  // The next round begins with a tick, not exactly on time.
   const Millis intermission = rounds_.isRunning() ? 0 : std::max<Millis>(1, rounds_.left());
   return std::max({Millis{0}, due - now, intermission});
 }

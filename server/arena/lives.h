@@ -15,12 +15,12 @@ class Lives {
  public:
   Lives(Roster& roster, PendingCaptures& pending, Economy& economy, const Rounds& rounds, const ArenaRules& rules);
 
-  /// Kills a player, who may be the winner too. Clients carry a capture out when the named vertex ends, and at once if
-  /// there is none.
+  /// Kills a player, who may also be the winner. Clients carry the capture out when the named vertex expires, or at
+  /// once if there is none.
   void kill(Player& winner, Player& loser, const std::optional<Spot>& vertex, Millis now);
-  /// A player's request for a new life, granted now or as soon as it is due.
+  /// Handles a player's request for a new life. Granted now, or as soon as it is due.
   void requestSpawn(Player& player, Millis now);
-  /// Respawns the players who have asked for it and are due, and invites the others.
+  /// Respawns players whose requests are due, and invites the others.
   void respawnDue(Millis now);
 
  private:
@@ -33,7 +33,7 @@ class Lives {
   const Rounds& rounds_;
   const int captureCredits_;
   const Millis respawnWaitMs_;
-  std::int64_t captures_ = 0;  // of all rounds
+  std::int64_t captures_ = 0;  // in all rounds
 };
 
 }  // namespace kelvora::server

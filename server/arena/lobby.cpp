@@ -45,7 +45,7 @@ void Lobby::login(ClientId client, std::string_view text, Millis now) {
 }
 
 Outcome Lobby::check(ClientId client, const RequestFields& fields) const {
-  // The euro sign and the low quotation mark have the numbers of delimiters.
+  // The euro sign and the low quotation mark have the codes of delimiters.
   if (fields.size() != 4 ||
       std::ranges::any_of(fields, [](std::string_view field) { return field.find(wire::frameStart) != field.npos; })) {
     return Outcome::refused(

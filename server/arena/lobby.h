@@ -15,32 +15,32 @@
 
 namespace kelvora::server {
 
-/// Connections that have not logged in, and the way in. A login waits while a bot makes room for a person, or until
-/// somebody who has gone is told to have left.
+/// Handles connections that have not logged in, and logins. A login waits until a bot has made room for a person, or
+/// until everybody has been told that the previous player has left.
 class Lobby {
  public:
   static constexpr std::size_t longestName = 32;  ///< bytes
   static constexpr Millis loginTimeLimit = 10'000;
-  static constexpr Millis colourPatience = 3'000;  ///< for which a login waits for a bot to give up the wanted colour
+  static constexpr Millis colourPatience = 3'000;  ///< maximum wait for a bot to give up the wanted colour
   static constexpr Millis firstPingDelay = 1'000;
 
-  /// `version` is the one that a client must have; an empty `password` admits everybody.
+  /// `version` is required of clients. An empty `password` admits everybody.
   Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, std::string version,
         std::string password, std::uint32_t seed);
 
   void enter(ClientId client, Millis now) { visitors_.insert({client, Visitor{now}}); }
   void leave(ClientId client) { visitors_.erase(client); }
-  /// `text` has the fields of the login. A client that is not in the lobby, or waits already, is ignored.
+  /// `text` holds the login's fields. Ignores a client that isn't in the lobby or is already waiting.
   void login(ClientId client, std::string_view text, Millis now);
-  /// Tries waiting logins again and drops clients whose time is up.
+  /// Retries waiting logins and drops clients whose time is up.
   void tick(Millis now);
-  /// Colours that people need and bots have.
+  /// Colours held by bots that people need.
   std::vector<std::int16_t> wantedColours() const;
 
  private:
   struct Visitor {
     Millis since;
-    std::optional<std::string> login{};  // its fields, while it waits
+    std::optional<std::string> login{};  // its fields while it waits
     std::optional<Millis> loginSince{};
     std::int16_t wantedColour = -1;
   };

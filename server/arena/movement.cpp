@@ -10,11 +10,11 @@ namespace kelvora::server {
 namespace {
 
 constexpr Millis newStartAfter = 1'000;
-constexpr Millis longestStep = 80;  // of flight, twice the time between two reports at the design pace
+constexpr Millis longestStep = 80;  // of flight, twice the interval of reports at the design pace
 constexpr double turboFactor = 3;
 constexpr double ghostFactor = 2;
 
-/// As clients read it; nothing if it is no number or outside the world.
+/// The coordinate as clients read it; nothing if it is not a number or outside the world.
 std::optional<float> coordinate(std::string_view text) {
   const auto value = wholeNumber<double>(text);
   if (!value || !(*value >= 0 && *value <= worldSize)) return std::nullopt;
@@ -27,7 +27,7 @@ bool isWithinReach(Player& player, double distance, double speedFactor, Millis n
   Millis step = longestStep;
   if (player.inventory.isRunning(turboSlot, now)) {
     speed *= turboFactor;
-    // A client's frame goes no further than its design, however long it takes, but under a turbo it does.
+    // A client's frame moves no further than designed, however long it takes, except under a turbo.
     step += now - player.lastReport;
   }
   if (!player.isAlive) speed *= ghostFactor;
@@ -60,7 +60,7 @@ void Movement::report(Player& player, const RequestFields& fields, Millis now) {
   const Spot spot = spotOf(fields[0], fields[1], {*x, *y});
   const Move move = moveTo(player, spot, speedFactor_, now);
   if (move == Move::refused) return;
-  // The sender gets the same text: a client's tail grows from the echo, and others must find its points by their
+  // The sender gets the same text. A client's tail grows from the echo, and others must find its vertices by these
   // coordinates.
   roster_.sendToAll(wire::msgPosition, {std::to_string(player.node), spot.x, spot.y});
   if (!player.isAlive) return;

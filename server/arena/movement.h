@@ -10,11 +10,11 @@ namespace kelvora::server {
 
 enum class Move { refused, step, jump };
 
-/// Moves a player to a reported spot. One that is out of reach at `speedFactor` times the design speed, 0 for any, is
-/// refused, but after a second without a report it is a jump: the tail starts there anew.
+/// Moves a player to a reported spot. Refuses a spot out of reach at `speedFactor` times the design speed (0 for no
+/// limit). After a second without a valid report it counts as a jump, and the tail starts there anew.
 Move moveTo(Player& player, const Spot& spot, double speedFactor, Millis now);
 
-/// Position reports: where players are, whom their tails enclose and what weapons do on the way.
+/// Handles position reports: moves players, finds captures by their tails, and applies weapons along the way.
 class Movement {
  public:
   Movement(Roster& roster, const PendingCaptures& pending, Lives& lives, Combat& combat, double speedFactor)

@@ -8,30 +8,30 @@
 
 namespace kelvora::server {
 
-/// The captures that clients have been told of and have not carried out yet: they wait for the named vertex of the
-/// winner's tail to end. When that happens a client forgets all the winner's other captures, and it keeps them apart
-/// by the vertex's coordinates alone. So as long as one waits, its winner names no other vertex and nobody else names
-/// the same coordinates; its loser does not come back to life, and neither of the two is told to have left.
+/// Captures that clients know of but haven't carried out yet: they wait for the named vertex of the winner's tail to
+/// expire. A client then forgets all of that winner's other captures, and it identifies captures by the vertex's
+/// coordinates alone. So while one is pending, its winner names no other vertex and nobody else names the same
+/// coordinates. Its loser doesn't respawn, and nobody is told that either of the two has left.
 class PendingCaptures {
  public:
-  /// A vertex ends 2.1 seconds after a client has laid it, and a client that lags behind carries a capture out at once
-  /// if it has not laid it yet. So 2.1 seconds after the capture it is over everywhere, and the rest is for messages
-  /// on their way and for slow frames.
+  /// A vertex expires 2.1 seconds after a client has laid it. A lagging client that hasn't laid it yet carries the
+  /// capture out at once. So 2.1 seconds after the capture it has been carried out everywhere. The rest is for messages
+  /// in transit and slow frames.
   static constexpr Millis landingTime = 3'000;
 
-  /// `extendedUntil` is the end of the winner's running extended tail, which lets nothing end.
+  /// `extendedUntil` is the end of the winner's running Extra Long Tail, under which nothing expires.
   void add(std::int16_t winner, std::int16_t loser, const Spot& vertex, Millis now, Millis extendedUntil);
-  /// The winner's extended tail begins. It puts off a capture once: in between two of them every client has a frame in
-  /// which the tail ages.
+  /// Called when the winner's Extra Long Tail starts. It delays a capture only once: between two of them every client
+  /// has a frame in which the tail ages.
   void extend(std::int16_t winner, Millis until);
-  /// Forgets what has landed.
+  /// Removes captures that have been carried out.
   void prune(Millis now);
 
-  /// The vertex that the winner's waiting captures name; null if there are none.
+  /// The vertex named by the winner's pending captures; null if there are none.
   const Spot* vertexOf(std::int16_t winner) const;
   bool isNamedByAnother(std::int16_t winner, Vector place) const;
   bool involves(std::int16_t node) const;
-  /// When the loser may live again as far as this goes; 0 if nothing waits.
+  /// The earliest time for the loser's respawn; 0 if nothing is pending.
   Millis landsAt(std::int16_t loser) const;
 
  private:

@@ -7,13 +7,13 @@
 
 namespace kelvora::server {
 
-/// No letter of code page 1252: the control characters of ASCII, and the five bytes that the page leaves undefined.
+/// True for bytes that are not letters in code page 1252: ASCII control characters and the five undefined bytes.
 constexpr bool isControl(char c) {
   const auto code = static_cast<unsigned char>(c);
   return code < 32 || code == 127 || (code > 127 && toUnicode(code) == code && code < 160);
 }
 
-/// For the log: what is not plain ASCII is a question mark.
+/// The text for the log, with question marks for everything but plain ASCII.
 inline std::string printable(std::string_view text) {
   std::string line(text);
   for (char& c : line) {

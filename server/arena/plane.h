@@ -4,9 +4,9 @@
 
 namespace kelvora::server {
 
-inline constexpr double worldSize = 100'000;  ///< world units, on both axes from 0
+inline constexpr double worldSize = 100'000;  ///< world units on both axes, starting at 0
 
-/// A position, or the way between two, in world units.
+/// A position or displacement in world units.
 struct Point {
   double x = 0;
   double y = 0;
@@ -21,7 +21,7 @@ constexpr Point operator*(Point a, double factor) { return {a.x * factor, a.y * 
 constexpr double dot(Point a, Point b) { return a.x * b.x + a.y * b.y; }
 constexpr double cross(Point a, Point b) { return a.x * b.y - a.y * b.x; }
 inline double length(Point a) { return std::hypot(a.x, a.y); }
-/// The length that counts for the time a player needs: his speed is |x| + |y| in every direction.
+/// The length that counts for flight times, because speed is |x| + |y| in every direction.
 inline double flightLength(Point a) { return std::fabs(a.x) + std::fabs(a.y); }
 
 inline double angleOf(Point a) { return std::atan2(a.y, a.x); }
@@ -30,7 +30,7 @@ inline Point rotated(Point a, double angle) {
   const Point turn = towards(angle);
   return {a.x * turn.x - a.y * turn.y, a.x * turn.y + a.y * turn.x};
 }
-/// The same angle between -pi and pi.
+/// The same angle, between -pi and pi.
 inline double wrapped(double angle) { return std::remainder(angle, 2 * M_PI); }
 
 }  // namespace kelvora::server

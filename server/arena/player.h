@@ -12,29 +12,29 @@
 
 namespace kelvora::server {
 
-inline constexpr double positionsPerSecond = 100;  ///< relayed of one player; the others are dropped
-inline constexpr double requestsPerSecond = 10;    ///< of one player: chat, store, spawns and powerups together
+inline constexpr double positionsPerSecond = 100;  ///< of one player that are relayed; the others are dropped
+inline constexpr double requestsPerSecond = 10;    ///< of one player: chat, store, spawns and powerups combined
 
-/// Somebody who is logged in.
+/// A logged-in player.
 struct Player {
   ClientId client = 0;
   std::int16_t node = 0;
   std::int16_t colour = 0;
   std::string name;
-  Spot spot;                       ///< of the last accepted report, or the start
-  std::optional<Point> heading{};  ///< the last movement, not zero on both axes
+  Spot spot;                       ///< last accepted report, or the start position
+  std::optional<Point> heading{};  ///< last movement, not zero on both axes
   Tail tail{};                     ///< empty while dead
   bool isAlive = true;
-  Millis respawnAt = 0;          ///< once dead, not before this
-  bool wantsRespawn = false;     ///< has asked for it and waits
-  bool isOffered = true;         ///< has been told that a respawn may be asked for
-  std::int16_t kills = 0;        ///< as clients count them
+  Millis respawnAt = 0;          ///< earliest respawn once dead
+  bool wantsRespawn = false;     ///< the request is pending
+  bool isOffered = true;         ///< has been told that a respawn is available
+  std::int16_t kills = 0;        ///< as counted by clients
   int roundCaptures = 0;         ///< of others, in this round
-  std::int64_t lastCapture = 0;  ///< its number among all captures
+  std::int64_t lastCapture = 0;  ///< its number among all captures, to break ties
   Inventory inventory{};
   Millis paidUntil = 0;
   Millis nextPing = 0;
-  std::optional<Millis> pingSent{};  ///< of the ping that waits for its answer
+  std::optional<Millis> pingSent{};  ///< the unanswered ping
   Millis lastReport = 0;             ///< when the last position was accepted
   SpeedLimit speed{};
   RateLimit positions{positionsPerSecond, 50};

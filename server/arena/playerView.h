@@ -11,20 +11,20 @@
 
 namespace kelvora::server {
 
-/// A copy of what the arena knows of a player at one moment.
+/// A snapshot of what the arena knows about a player.
 struct PlayerView {
   ClientId client = 0;
   std::int16_t node = 0;
   std::int16_t colour = 0;
   std::string name;
   bool isAlive = false;
-  Point position;             ///< of the last report that was accepted
-  std::vector<Point> tail{};  ///< what clients show of it about now, the oldest first
+  Point position;             ///< the last accepted report
+  std::vector<Point> tail{};  ///< roughly as shown by clients, oldest first
   std::array<bool, powerupSlotCount> isRunning{};
   std::array<int, powerupSlotCount> stock{};
   std::int64_t funds = 0;  ///< credits
-  std::int16_t kills = 0;  ///< of all rounds
-  int roundCaptures = 0;   ///< of this round
+  std::int16_t kills = 0;  ///< in all rounds
+  int roundCaptures = 0;   ///< in this round
 };
 
 }  // namespace kelvora::server

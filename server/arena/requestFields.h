@@ -5,7 +5,7 @@
 
 namespace kelvora::server {
 
-/// The fields of a message that a client sent, as text.
+/// The fields of a client's message, as text.
 using RequestFields = std::vector<std::string_view>;
 
 }  // namespace kelvora::server

@@ -20,7 +20,8 @@ void Roster::leave(ClientId client, const PendingCaptures& pending) {
   Player& player = entry.mapped();
   log(printable(player.name) + " left");
   if (!pending.involves(player.node)) return sendLeft(player);
-  // A client that hears of it too soon lets somebody else die in the leaver's place, or forgets the leaver's captures.
+  // If a client hears of it too early, somebody else dies in the leaver's place, or the leaver's captures are
+  // forgotten.
   player.isAlive = false;
   leavers_.push_back(std::move(player));
 }
@@ -59,7 +60,7 @@ bool Roster::isColourFree(std::int16_t colour) const {
 bool Roster::hasFreeColour() const { return players_.size() + leavers_.size() < std::size_t{colourCount}; }
 
 std::int16_t Roster::nextNode() {
-  // Clients take 0 for a player who has gone. And messages about one who left may still be on their way.
+  // Clients take 0 for a departed player. And messages about one who left may still be in transit.
   do {
     lastNode_ = lastNode_ == std::numeric_limits<std::int16_t>::max() ? std::int16_t{1}
                                                                       : static_cast<std::int16_t>(lastNode_ + 1);

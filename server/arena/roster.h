@@ -11,22 +11,22 @@
 
 namespace kelvora::server {
 
-/// Who is in, and the way to tell them something. Players who leave while a capture of theirs is pending keep their
-/// colour and node until it has landed: only then are the others told.
+/// The logged-in players, and how to send them messages. A player who leaves while one of their captures is pending
+/// keeps colour and node until it has been carried out. Only then are the others told.
 class Roster {
  public:
   static constexpr int colourCount = 6;
 
   explicit Roster(ArenaOutput& output) : output_(output) {}
 
-  /// Adds a player; nobody is told.
+  /// Adds a player without telling anybody.
   Player& join(Player player);
-  /// Removes a player, at once or as a leaver. A client that isn't in is left alone.
+  /// Removes a player, at once or after pending captures. Ignores a client that isn't logged in.
   void leave(ClientId client, const PendingCaptures& pending);
-  /// Lets the leavers go whose captures have landed.
+  /// Removes leavers whose captures have been carried out.
   void releaseLeavers(const PendingCaptures& pending);
 
-  /// Everybody who is in, in the order of their connections. References stay valid until the player leaves.
+  /// All players in the order of their connections. References stay valid until the player leaves.
   std::map<ClientId, Player>& players() { return players_; }
   const std::map<ClientId, Player>& players() const { return players_; }
   const std::vector<Player>& leavers() const { return leavers_; }
@@ -39,12 +39,12 @@ class Roster {
 
   bool isColourFree(std::int16_t colour) const;
   bool hasFreeColour() const;
-  /// A node for a newcomer: never 0, and not one that was in use a short time ago.
+  /// A node for a newcomer: never 0, and not recently in use.
   std::int16_t nextNode();
 
   void sendTo(ClientId client, std::int16_t id, const std::vector<std::string>& fields) const;
   void sendToAll(std::int16_t id, const std::vector<std::string>& fields) const;
-  /// Writes a line for the operator.
+  /// Logs a line for the operator.
   void log(const std::string& line) const { output_.log(line); }
 
  private:

@@ -6,23 +6,23 @@
 
 namespace kelvora::server {
 
-/// The time of a round and of the intermission after it.
+/// The clock of a round and of the intermission after it.
 class RoundClock {
  public:
   RoundClock(Millis roundMs, Millis intermissionMs)
       : roundMs_(roundMs), intermissionMs_(intermissionMs), left_(roundMs) {}
 
   bool isRunning() const { return isRunning_; }
-  /// Of the round or of the intermission; 0 once it is over.
+  /// Time left in the round or intermission; 0 once it is over.
   Millis left() const { return left_; }
 
   void pass(Millis time) { left_ = std::max<Millis>(0, left_ - time); }
-  /// From the round to the intermission or back.
+  /// Switches from the round to the intermission or back.
   void turnOver() {
     isRunning_ = !isRunning_;
     left_ = isRunning_ ? roundMs_ : intermissionMs_;
   }
-  /// Begins a round, whatever there is now.
+  /// Starts a new round in any state.
   void beginAnew() {
     isRunning_ = true;
     left_ = roundMs_;

@@ -28,13 +28,13 @@ Rounds::Rounds(Roster& roster, Economy& economy, const ArenaRules& rules)
       clock_(rules.roundMs, rules.intermissionMs) {}
 
 void Rounds::prepareFor(ClientId newcomer, Millis now) {
-  // Nobody is there to finish the round of those who have gone.
+  // Nobody is left to finish the previous round.
   if (roster_.players().empty()) clock_.beginAnew();
   if (!isBot(newcomer) && !roster_.hasPeople()) clockSet_ = now;
 }
 
 void Rounds::explainIntermission(const Player& newcomer) const {
-  // The login has made the player alive, and no other message opens the store of a dead player.
+  // The login has made the player alive, and no other message opens the store for a dead player.
   roster_.sendTo(newcomer.client, wire::msgRoundOver, {nextRoundText(clock_.left())});
   sendDead(newcomer);
 }
@@ -71,13 +71,13 @@ void Rounds::end() {
   }
   for (auto& [client, player] : roster_.players()) {
     player.isAlive = false;
-    player.isOffered = true;  // the next round's first words do that
+    player.isOffered = true;  // the next round's first message does that
     player.tail.clear();
   }
   clock_.turnOver();
   roster_.sendToAll(wire::msgRoundOver, {text});
   if (clock_.left() > 0) roster_.sendToAll(wire::msgServerText, {nextRoundText(clock_.left())});
-  // A client whose store is open ignores the end of the round, but not this.
+  // A client with an open store ignores the end of the round, but not this.
   for (const auto& [client, player] : roster_.players()) sendDead(player);
 }
 

@@ -9,33 +9,33 @@
 
 namespace kelvora::server {
 
-/// "1 second", "3 seconds": a second that has begun counts.
+/// "1 second", "3 seconds"; started seconds count as whole ones.
 std::string secondsText(Millis time);
 
-/// Rounds and the intermissions between them. The clock runs only while there are people in.
+/// Rounds and the intermissions between them. The clock only runs while people are in.
 class Rounds {
  public:
   Rounds(Roster& roster, Economy& economy, const ArenaRules& rules);
 
-  /// False in an intermission, in which everybody is dead.
+  /// False in an intermission, when everybody is dead.
   bool isRunning() const { return clock_.isRunning(); }
-  /// Time to the end of the round or intermission.
+  /// Time left in the round or intermission.
   Millis left() const { return clock_.left(); }
 
-  /// Call this before a newcomer joins. The first player of all begins a new round.
+  /// Call this before a newcomer joins. The first player starts a new round.
   void prepareFor(ClientId newcomer, Millis now);
   /// Tells a newcomer who has joined in an intermission that they are dead until the next round.
   void explainIntermission(const Player& newcomer) const;
   /// Ends the round once somebody has reached the capture goal.
   void endIfWon();
-  /// Ends the round or the intermission once its time is up.
+  /// Ends the round or intermission once its time is up.
   void passTime(Millis now);
 
  private:
   void begin();
   void end();
   std::string result() const;
-  /// Tells a client of its own player's death.
+  /// Tells a client that its player is dead.
   void sendDead(const Player& player) const;
 
   Roster& roster_;

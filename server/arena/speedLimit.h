@@ -6,15 +6,15 @@
 
 namespace kelvora::server {
 
-/// How far a player may go: a second's worth at once, and on average what the speed gives. Distances are in world
-/// units, both axes together, as the game measures speed.
+/// Limits a player's distance: one second's worth at once, and the speed on average. Distances are world units, the sum
+/// of both axes, as the game measures speed.
 class SpeedLimit {
  public:
   /// Full speed of a living player without turbo, at the design pace.
-  static constexpr double designSpeed = 30;  // world units a ms
+  static constexpr double designSpeed = 30;  // world units per ms
   static constexpr Millis window = 1'000;
 
-  /// `speed` in world units a ms. A refused distance uses nothing up.
+  /// `speed` is in world units per ms. A refused distance doesn't count.
   bool allows(double distance, double speed, Millis now) {
     const double most = speed * static_cast<double>(window);
     left_ = isFresh_ ? most : std::min(most, left_ + speed * static_cast<double>(now - last_));

@@ -21,7 +21,7 @@ void Tail::extend(Millis until) {
 }
 
 void Tail::prune(Millis now) {
-  // The ends never go down along the tail: what is laid later ends no sooner.
+  // Expiry times never decrease along the tail: later vertices don't expire earlier.
   const auto alive = std::ranges::find_if(vertices_, [&](const Vertex& vertex) { return vertex.endsAt > now; });
   dropOldest(static_cast<std::size_t>(alive - vertices_.begin()));
 }

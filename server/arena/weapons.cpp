@@ -9,7 +9,7 @@ namespace kelvora::server {
 
 namespace {
 
-/// Whether a weapon of the attacker reaches a ball anywhere on its way.
+/// True if one of the attacker's weapons reaches a ball on its way.
 bool reaches(const Player& attacker, Point from, Point to, Millis now) {
   const auto vertices = attacker.tail.vertices();
   for (std::size_t i = 1; i < vertices.size(); ++i) {

@@ -91,8 +91,8 @@ void Bot::rise(Millis now) {
 }
 
 void Bot::awaitDoom(const Sight& sight, Millis now) {
-  // A client shows a capture when the point of the tail that it names ends, and at once if there is none; until then
-  // its player flies on. A winner who dies meanwhile changes nothing.
+  // A client shows a capture when the named vertex of the tail expires, or at once if there is none. Until then its
+  // player flies on. The winner's death changes nothing.
   for (Doom& doom : dooms_) {
     const auto& players = sight.players();
     const auto winner = std::ranges::find(players, doom.winner, &PlayerView::node);

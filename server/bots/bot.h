@@ -12,26 +12,26 @@
 
 namespace kelvora::server {
 
-/// A player without a person. To the arena it is a client like any other: it gets the arena's frames and answers with
-/// texts of its own, at the pace and within the limits of the real ones.
+/// A player controlled by the server. The arena treats it as a client like any other: the bot gets the arena's frames
+/// and answers with messages, at the pace and within the limits of real ones.
 class Bot {
  public:
-  using Say = std::function<void(const std::string& text)>;  ///< one frame's text, id and fields
+  using Say = std::function<void(const std::string& text)>;  ///< sends one frame's text: id and fields
 
   Bot(std::string name, SkillLevel level, std::uint32_t seed);
 
   const std::string& name() const { return name_; }
   SkillLevel level() const { return level_; }
 
-  /// The login's text.
+  /// The text of the bot's login.
   std::string login(const std::string& password, int colour, const std::string& version) const;
-  /// A frame that the arena sends it. It answers at the next tick.
+  /// Handles a frame from the arena. The bot answers at the next tick.
   void hear(std::string_view frame, Millis now);
-  /// What it does in 40 ms. `self` is what the arena knows of it.
+  /// Runs the bot for 40 ms. `self` is what the arena knows about it.
   void tick(const Sight& sight, const PlayerView& self, Millis now, const Say& say);
 
  private:
-  struct Doom {  // a capture of this bot that has yet to land
+  struct Doom {  // a pending capture of this bot
     std::int16_t winner;
     Point vertex;
     Millis landsAt = 0;
@@ -48,13 +48,13 @@ class Bot {
   const SkillLevel level_;
   Mind mind_;
   Chatter chatter_;
-  std::optional<Flight> flight_;  // once logged in
+  std::optional<Flight> flight_;  // set once logged in
   std::int16_t node_ = 0;
   bool isAlive_ = true;
   std::vector<Doom> dooms_;
   bool owesPingReply_ = false;
   Millis brakesUntil_ = 0;
-  Millis spawnAt_ = 0;  // when to ask for the next life
+  Millis spawnAt_ = 0;  // when to request the next life
   Millis nextBuy_ = 0;
 };
 

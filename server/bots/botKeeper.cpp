@@ -12,13 +12,13 @@ namespace {
 
 static_assert(BotWishes::most < Arena::colourCount);
 
-constexpr Millis longestDelay = 200;  // after which missed steps are not made up for
+constexpr Millis longestDelay = 200;  // steps missed for longer are skipped
 
 constexpr std::array names = {"Quillon", "Bramble", "Tindra", "Oskavel", "Marrow",  "Fennick", "Lumo", "Wexley",
                               "Zephine", "Gorbal",  "Pimm",   "Sarrin",  "Dovetta", "Kestor",  "Ullo", "Hesper"};
 
-/// The level of a seat: easy ones and stronger ones take turns, so that there is somebody for everybody. The hard one
-/// comes fourth: three bots are what a newcomer meets, and a hard one among them would win his every round.
+/// The level of a seat. Easy and stronger ones alternate, so that everybody finds an opponent. The hard one comes
+/// fourth: a newcomer meets three bots, and a hard one among them would win every round.
 SkillLevel levelOf(SkillLevel skill, std::size_t seat) {
   constexpr std::array mixture = {SkillLevel::easy, SkillLevel::normal, SkillLevel::easy, SkillLevel::hard,
                                   SkillLevel::normal};

@@ -12,28 +12,28 @@
 
 namespace kelvora::server {
 
-/// Fills an arena up with bots while there are people in it. They come one by one after the first person, make room for
-/// other people, and leave with the last one.
+/// Fills the arena with bots while people are in. Bots join one by one after the first person, make room for others,
+/// and leave with the last one.
 class BotKeeper {
  public:
-  /// The arena is one of that version and password.
+  /// `password` and `version` are the arena's.
   BotKeeper(Arena& arena, BotWishes wishes, std::string password, std::string version, std::uint32_t seed);
 
-  /// What the arena sends to a bot, and that it ends a bot's connection. They act on it at the next tick only, since
-  /// the arena must not be called from within.
+  /// The arena sends a frame to a bot, or closes its connection. Both take effect at the next tick, because the arena
+  /// must not be called from within its own calls.
   void hear(ClientId client, std::string_view frame, Millis now);
   void hangUp(ClientId client);
-  /// To be called at least every 40 ms; the bots act that often, however often it is called.
+  /// Call this at least every 40 ms. However often it is called, bots act every 40 ms.
   void tick(Millis now);
 
-  /// Bots that are in or on their way.
+  /// Bots that are in or joining.
   std::size_t count() const;
 
  private:
   struct Seat {
     SkillLevel level;
     std::string name{};
-    std::optional<Bot> bot{};  // while it is in
+    std::optional<Bot> bot{};  // set while it is in
     ClientId client = 0;
     bool isHungUp = false;
     Millis backAt = 0;

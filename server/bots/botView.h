@@ -10,19 +10,19 @@
 
 namespace kelvora::server {
 
-/// Another player as a bot sees him, a moment late.
+/// Another player as seen by a bot, with a delay.
 struct Seen {
   std::int16_t node = 0;
   bool isAlive = false;
   Point position;
   Point velocity;                 ///< world units per ms
-  double turn = 0;                ///< radians per ms by which the velocity's direction changes
-  std::span<const Point> tail{};  ///< the oldest first
-  bool isTailCharged = false;     ///< some of it at least
+  double turn = 0;                ///< change of the velocity's direction, radians per ms
+  std::span<const Point> tail{};  ///< oldest first
+  bool isTailCharged = false;     ///< at least in part
   std::array<bool, powerupSlotCount> isRunning{};
 };
 
-/// All that a bot decides by. Of itself it knows what is; of the others what was a reaction's time ago.
+/// Everything a bot bases its decisions on: its own current state, and the others' as of one reaction time ago.
 struct BotView {
   Millis now = 0;
   bool isAlive = false;
@@ -31,7 +31,7 @@ struct BotView {
   std::array<bool, powerupSlotCount> isRunning{};
   std::array<int, powerupSlotCount> stock{};
   std::int64_t funds = 0;
-  Millis delay = 0;  ///< how old the sight of the others is
+  Millis delay = 0;  ///< age of what it sees of the others
   std::vector<Seen> others;
 };
 

@@ -4,9 +4,9 @@
 
 namespace kelvora::server {
 
-/// The bots that the operator asks for.
+/// The bots that the operator wants.
 struct BotWishes {
-  static constexpr int most = 5;  ///< one place is a person's, without whom there are none
+  static constexpr int most = 5;  ///< one slot is left for a person; without people there are no bots
 
   int count = 0;  ///< 0 to `most`
   SkillLevel skill = SkillLevel::mixed;

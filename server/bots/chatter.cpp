@@ -38,7 +38,7 @@ void Chatter::notice(Occasion occasion, Millis now) {
   const bool speaks = std::uniform_real_distribution(0.0, 1.0)(random_) < chance;
   if (!speaks || !next_.empty() || (last_ && now - *last_ < silence)) return;
   next_ = lines[std::uniform_int_distribution(std::size_t{0}, lines.size() - 1)(random_)];
-  due_ = now + std::uniform_int_distribution(1'200, 3'500)(random_);  // as long as typing takes
+  due_ = now + std::uniform_int_distribution(1'200, 3'500)(random_);  // the time that typing takes
 }
 
 std::optional<std::string> Chatter::line(Millis now) {

@@ -8,19 +8,19 @@
 
 namespace kelvora::server {
 
-/// What a bot may have something to say about.
+/// Events that a bot may comment on.
 enum class Occasion { arrival, capture, captured, roundOver };
 
-/// A bot's small talk: now and then a friendly line in plain ASCII, never two within a minute.
+/// A bot's small talk: an occasional friendly line in plain ASCII, at most one per minute.
 class Chatter {
  public:
-  static constexpr Millis silence = 60'000;  ///< between two lines
+  static constexpr Millis silence = 60'000;  ///< minimum time between two lines
 
   explicit Chatter(std::uint32_t seed) : random_(seed) {}
 
-  /// Something has happened; a moment later it may be worth a line.
+  /// Reports an event. It may cause a line a moment later.
   void notice(Occasion occasion, Millis now);
-  /// The line that is due, if there is one.
+  /// The line to send now, if any.
   std::optional<std::string> line(Millis now);
 
  private:

@@ -1,4 +1,4 @@
-// How a bot gets out of what others are about to do to it.
+// How a bot escapes from danger.
 
 #include <algorithm>
 #include <limits>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr double nearby = 12'000;    // world units
 constexpr double warning = 600;      // ms before a loop closes
-constexpr Millis calm = 600;         // ms without danger after which the next one is a new one
+constexpr Millis calm = 600;         // ms without danger after which the next one counts as new
 constexpr double ballWithAir = 450;  // world units
 constexpr int directions = 16;
 
@@ -51,7 +51,7 @@ bool Mind::flee(const BotView& view) {
   if (!noticed_ && view.now - calmSince_ > calm) noticed_ = chance(skill_.alertness);
   calmSince_ = view.now;
   if (!noticed_) return false;
-  // Who closes a loop first need not flee.
+  // No need to flee if the bot closes its own loop first.
   if (skill_.foreseesTurns && closeLoop(view)) return true;
   isFleeing_ = true;
   double best = -std::numeric_limits<double>::max();

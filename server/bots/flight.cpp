@@ -12,10 +12,10 @@ constexpr float axisClamp = 300;
 constexpr float brakeRate = 3;
 constexpr int framesBetweenReports = 3;
 constexpr double degree = M_PI / 180;
-constexpr double steepest = 88;  // the bearing of a mouse straight to the side, in 350 to the circle
+constexpr double steepest = 88;  // the bearing of a mouse straight to the side, on a scale of 350 to the circle
 
-/// The velocity of one frame. A mouse chooses a whole number of 0 to 88 in each quadrant, and with it the horizontal
-/// axis's share of the speed; here the share is known and the number is found.
+/// The velocity of one frame. A mouse selects a whole number from 0 to 88 in each quadrant, which determines the
+/// horizontal axis's share of the speed. This finds the number for a given share.
 Vector steered(double angle, double speed) {
   const Point way = towards(angle);
   const double share = std::fabs(way.x) / flightLength(way);

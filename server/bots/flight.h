@@ -5,19 +5,19 @@
 
 namespace kelvora::server {
 
-/// World units that a player moves in a frame of 10 ms at full speed, both axes together.
+/// World units that a player moves in a frame of 10 ms at full speed, both axes added.
 inline constexpr double topStep = 300;
 
-/// The ball of a bot: it moves by the rules that the clients keep to, as if somebody steered it with a mouse.
+/// Moves a bot's ball by the clients' rules, as if steered with a mouse.
 class Flight {
  public:
   explicit Flight(Vector start) : position_(start) {}
 
-  /// One frame of 10 ms. `angle` is the direction to fly in, in radians; it becomes the nearest one that a mouse can
-  /// choose. `throttle` is a part of full speed. True if it is time to report the position.
+  /// Moves for one frame of 10 ms. `angle` is the desired direction in radians, which becomes the nearest one that a
+  /// mouse can select. `throttle` is a fraction of full speed. True if a position report is due.
   bool step(double angle, double throttle, bool isAlive, bool hasTurbo);
 
-  /// A player with the brakes on rolls out and then stands; he reports nothing once he does.
+  /// With the brakes on, the ball rolls to a stop and then reports nothing.
   void setBrakes(bool on) { brakes_ = on; }
   bool hasBrakes() const { return brakes_; }
   Vector position() const { return position_; }
@@ -25,7 +25,7 @@ class Flight {
 
  private:
   Vector position_;
-  Vector velocity_{};  // of one frame
+  Vector velocity_{};  // per frame
   bool brakes_ = true;
   int framesSinceReport_ = 0;
 };

@@ -6,7 +6,7 @@ namespace kelvora::server {
 
 namespace {
 
-/// Whether a ray from `point` to the right meets the way from `a` to `b`.
+/// True if a ray from `point` to the right meets the segment from `a` to `b`.
 bool rayMeets(Point point, Point a, Point b) {
   if ((a.y > point.y) == (b.y > point.y)) return false;
   return point.x < a.x + (point.y - a.y) / (b.y - a.y) * (b.x - a.x);
@@ -24,7 +24,7 @@ Point foreseen(const Seen& player, double ms, bool turns) {
   Point way = player.velocity * ms;
   const double turn = player.turn * ms;
   if (turns && std::fabs(turn) > 0.05) {
-    // The chord of the circle: as long as the arc times sin(turn / 2) / (turn / 2), and turned by half of it.
+    // The chord of the circle: the arc's length times sin(turn / 2) / (turn / 2), rotated by half the turn.
     way = rotated(way, turn / 2) * (std::sin(turn / 2) / (turn / 2));
   }
   const Point place = player.position + way;
@@ -41,12 +41,12 @@ std::optional<Closing> soonestClosing(std::span<const Point> tail, Point head, d
     const double age = static_cast<double>(tail.size() - 1 - i) * tailStep;
     const double ms = flightLength(tail[i] - head) / speed;
     if (!isExtended && age + ms > tailLife) break;
-    // A loop needs more than a turn on the spot.
+    // Excludes turns on the spot.
     if (i + 3 > tail.size() || ms < earliest || ms > latest || (best && ms >= best->ms)) continue;
     if (isOdd != rayMeets(prey, tail[i], head)) best = Closing{i, tail[i], ms};
   }
   if (best && best->vertex > 0) {
-    // The middle of the stretch before the vertex, so that the flight crosses the tail and does not miss it narrowly.
+    // The middle of the segment before the vertex, so that the flight crosses the tail instead of narrowly missing it.
     best->gate = (tail[best->vertex] + tail[best->vertex - 1]) * 0.5;
   }
   return best;

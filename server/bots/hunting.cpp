@@ -1,4 +1,4 @@
-// How a bot gets an opponent into a loop of its tail.
+// How a bot catches an opponent in a loop of its tail.
 
 #include <algorithm>
 #include <limits>
@@ -9,11 +9,11 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr double longestFlight = 1'500;  // ms that an opponent's way is thought ahead
-constexpr double hasty = 450;            // ms within which any loop is worth closing
+constexpr double longestFlight = 1'500;  // ms for which an opponent's flight is predicted
+constexpr double hasty = 450;            // ms; a loop that can be closed within this time is always worth it
 constexpr Millis loopPatience = 2'600;
 
-/// The ms that a circle takes: its length, as |x| + |y| counts, is eight times the radius.
+/// The duration of a circle in ms. Its length, measured as |x| + |y|, is eight times the radius.
 double roundTrip(double radius, double speed) { return 8 * radius / speed; }
 
 Point heldInside(Point place, double margin) {
@@ -60,7 +60,7 @@ bool Mind::closeLoop(const BotView& view) {
   std::optional<Closing> best;
   for (const Seen& other : view.others) {
     if (!other.isAlive || length(other.position - view.position) > 15'000) continue;
-    // The opponent moves while the loop is being closed, so each stretch of time has its own place for him.
+    // The opponent moves while the loop is being closed, so each time span has its own prediction.
     for (const auto& [earliest, latest] : {std::pair{0.0, 80.0}, {80.0, 160.0}, {160.0, 280.0}, {280.0, hasty}}) {
       const double ms = (earliest + latest) / 2;
       const Point place = foreseen(other, ms + static_cast<double>(view.delay), true);
@@ -96,7 +96,7 @@ void Mind::approach(const BotView& view, const Seen& prey) {
                  .since = view.now};
     return flyLoop(view);
   }
-  // Where the opponent will be when the loop around him is closed.
+  // Where the opponent will be when the loop around them closes.
   double ms = roundTrip(radius, pace);
   for (int i = 0; i < 2; ++i) {
     ms = std::min(longestFlight,
@@ -110,7 +110,7 @@ void Mind::flyLoop(const BotView& view) {
   const Seen& prey = *find(view, loop.prey);
   const double pace = speed(view);
   if (skill_.foresight > 0.5) {
-    // The circle follows what the opponent does, as far as it can without coming open.
+    // The circle follows the opponent as far as it can without breaking the loop.
     const double left = roundTrip(loop.radius, pace) * std::max(0.1, 1 - loop.swept / (2 * M_PI));
     const Point wish =
         foreseen(prey, (left + static_cast<double>(view.delay)) * skill_.foresight, skill_.foreseesTurns);
@@ -133,7 +133,7 @@ void Mind::flyLoop(const BotView& view) {
       return steer(angleOf(closing->gate - view.position), throttle());
     }
   }
-  // Along the circle, leaning inwards by half of what the next step turns, and back to the circle from beside it.
+  // Along the circle, turned inward by half of the next step, and back towards the circle if off it.
   const double error = (length(arm) - loop.radius) / loop.radius;
   const double lean = pace * 40 * 0.75 / loop.radius / 2 + std::clamp(1.5 * error, -1.0, 1.2);
   steer(angle + loop.side * (M_PI / 2 + lean), throttle());

@@ -21,7 +21,7 @@ Intent Mind::think(const BotView& view) {
     hunt(view);
   }
   if (view.isAlive) avoidCharges(view);
-  // The hand: it errs a little, slowly changing how, and cannot turn at once.
+  // Imitates a hand, which errs by a slowly changing amount and can't turn at once.
   wobble_ += -0.1 * wobble_ + std::normal_distribution(0.0, 0.45 * skill_.wobble)(random_);
   const double most = skill_.turnRate * thinkStep / 1000;
   angle_ = wrapped(angle_ + std::clamp(wrapped(wanted_ + wobble_ - angle_), -most, most));

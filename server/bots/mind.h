@@ -9,26 +9,26 @@
 
 namespace kelvora::server {
 
-/// What a bot does next.
+/// A bot's next action.
 struct Intent {
-  double angle = 0;     ///< to fly in, radians
-  double throttle = 0;  ///< part of full speed
+  double angle = 0;     ///< direction of flight, radians
+  double throttle = 0;  ///< fraction of full speed
   bool brakes = false;
   std::optional<int> powerup = std::nullopt;  ///< to activate
 };
 
-/// Decides for a bot what it does, from what it sees alone: no clock, no sockets, and the same decisions for the same
-/// seed. To be asked every 40 ms.
+/// Decides what a bot does, based on what it sees. Uses no clock and no sockets, and the same seed gives the same
+/// decisions. Call it every 40 ms.
 class Mind {
  public:
   Mind(const Skill& skill, std::uint32_t seed) : skill_(skill), random_(seed) {}
 
   Intent think(const BotView& view);
-  /// What to buy with the credits at hand; nothing if there is no need or no money.
+  /// The powerup to buy with the available credits; nothing if none is needed or affordable.
   std::optional<int> wantsToBuy(const BotView& view);
-  /// It has captured somebody, which it enjoys for a while.
+  /// Called when the bot has captured somebody. It pauses to enjoy that.
   void triumph(Millis now);
-  /// For a new life: nothing of the old one is gone on with.
+  /// Resets the plans at the start of a new life.
   void forget();
 
   double between(double low, double high) { return std::uniform_real_distribution(low, high)(random_); }
@@ -38,11 +38,11 @@ class Mind {
   struct Loop {
     std::int16_t prey;
     Point centre;
-    Point miss;  // by which the centre is off
+    Point miss;  // offset of the centre, from the skill's aiming error
     double radius;
-    double side;       // 1 or -1, the sense of turning
+    double side;       // 1 or -1, the direction of turning
     double swept = 0;  // radians
-    double lastAngle;  // from the centre
+    double lastAngle;  // seen from the centre
     Millis since;
   };
 
@@ -73,20 +73,20 @@ class Mind {
   const Skill& skill_;
   std::mt19937 random_;
   double angle_ = 0;   // of flight
-  double wanted_ = 0;  // before the hand's limits
+  double wanted_ = 0;  // the desired angle, before the hand's limits
   double throttle_ = 0;
   bool brakes_ = false;
   double wobble_ = 0;
   std::optional<Loop> loop_;
-  std::int16_t prey_ = 0;  // 0: none
-  Millis bored_ = 0;       // when to look for another prey
+  std::int16_t prey_ = 0;  // node; 0 for none
+  Millis bored_ = 0;       // when to look for other prey
   Millis restsUntil_ = 0;
   bool restsStill_ = false;
-  std::optional<Point> goal_;  // of wandering
+  std::optional<Point> goal_;  // destination while wandering
   bool isClosing_ = false;
   bool isFleeing_ = false;
   Millis calmSince_ = 0;
-  bool noticed_ = false;  // the danger that there is
+  bool noticed_ = false;  // whether the current danger was noticed
   Millis nextPowerup_ = 0;
 };
 

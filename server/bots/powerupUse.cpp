@@ -1,4 +1,4 @@
-// When a bot uses a powerup, and which it buys.
+// When a bot uses a powerup, and which ones it buys.
 
 #include <algorithm>
 #include <cmath>
@@ -9,9 +9,9 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr double pulseReach = 4'000;  // world units, less than the pulse's
+constexpr double pulseReach = 4'000;  // world units, less than the pulse's range
 constexpr double laserReach = 20'000;
-constexpr double laserHalfWidth = 300;  // of a beam that surely meets the ball
+constexpr double laserHalfWidth = 300;  // world units from the beam within which the ball is certainly hit
 
 }  // namespace
 
@@ -44,7 +44,7 @@ std::optional<int> Mind::choosePowerup(const BotView& view) {
     if (isShotAt || isForPulse) return use(shieldSlot);
   }
   if (has(view, laserSlot)) {
-    // Aligned: the beam goes where the ball goes, and passes the opponent within his radius.
+    // The beam follows the ball's direction and passes within the opponent's radius.
     const Point beam = towards(angle_);
     const bool isAligned = isNear(laserReach, [&](const Seen& other) {
       const Point way = foreseen(other, static_cast<double>(view.delay) + 60, skill_.foreseesTurns) - view.position;
@@ -65,7 +65,7 @@ std::optional<int> Mind::choosePowerup(const BotView& view) {
 }
 
 std::optional<int> Mind::wantsToBuy(const BotView& view) {
-  // A shield and a pulse are saved for together; the rest in the order of what is missing.
+  // Saves for a shield and a pulse together. The rest is bought as it runs out.
   int total = 0;
   for (const int count : view.stock) total += count;
   if (total >= 4) return std::nullopt;

@@ -9,11 +9,11 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr std::size_t stretch = 3;  // pictures over which a velocity is taken
+constexpr std::size_t stretch = 3;  // snapshots used to measure a velocity
 constexpr std::size_t mostPictures = 24;
 constexpr Millis chargeLasts = 2'200;
 constexpr double sharpestTurn = 0.02;  // radians per ms
-constexpr double slowest = 2;          // world units per ms, below which a turn is not seen
+constexpr double slowest = 2;          // world units per ms, below which no turn is measured
 
 }  // namespace
 
@@ -54,7 +54,7 @@ BotView Sight::viewOf(const PlayerView& self, Millis delay, Millis now) const {
   const std::size_t late = std::min(static_cast<std::size_t>(delay / step), pictures_.size() - 1);
   view.delay = static_cast<Millis>(late) * step;
   for (const PlayerView& player : pictures_[late]) {
-    // Who has left since is seen no more.
+    // Skips players who have left since.
     if (player.node == self.node || !findNode(0, player.node)) continue;
     Seen seen{.node = player.node,
               .isAlive = player.isAlive,
@@ -73,7 +73,7 @@ BotView Sight::viewOf(const PlayerView& self, Millis delay, Millis now) const {
         if (length(way) > slowest && length(wayBefore) > slowest) {
           seen.turn = std::clamp(wrapped(angleOf(way) - angleOf(wayBefore)) / time, -sharpestTurn, sharpestTurn);
         }
-        // What was measured is the way half a stretch ago.
+        // The measured velocity was that of half the stretch ago.
         seen.velocity = rotated(way, seen.turn * time / 2);
       }
     }

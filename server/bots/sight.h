@@ -8,26 +8,26 @@
 
 namespace kelvora::server {
 
-/// What the arena looked like lately, so that every bot can see it as late as its skill says.
+/// Recent snapshots of the arena, so that each bot can see it with its skill's delay.
 class Sight {
  public:
-  static constexpr Millis step = 40;  ///< between two pictures
+  static constexpr Millis step = 40;  ///< between two snapshots
 
   void add(std::vector<PlayerView> players, Millis now);
   void clear();
 
-  /// Everybody as of the last picture.
+  /// All players in the latest snapshot.
   const std::vector<PlayerView>& players() const { return pictures_.front(); }
-  /// The player of a connection as of the last picture; null if he is not in it.
+  /// A connection's player in the latest snapshot; null if not in it.
   const PlayerView* player(ClientId client) const;
-  /// How a bot sees the others. The spans in it live until the next `add`. Its own part is as of the last picture.
+  /// A bot's view: the others with a delay, itself from the latest snapshot. Its spans are valid until the next `add`.
   BotView viewOf(const PlayerView& self, Millis delay, Millis now) const;
 
  private:
   const PlayerView* findNode(std::size_t picture, std::int16_t node) const;
 
-  std::deque<std::vector<PlayerView>> pictures_;  // the newest first
-  std::map<std::int16_t, Millis> charged_;        // when a node's tail was charged last
+  std::deque<std::vector<PlayerView>> pictures_;  // newest first
+  std::map<std::int16_t, Millis> charged_;        // by node: when the tail was last charged
 };
 
 }  // namespace kelvora::server

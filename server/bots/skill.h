@@ -9,32 +9,32 @@
 
 namespace kelvora::server {
 
-/// How well a bot plays. In a mixed company every bot has its own level.
+/// How well a bot plays. With `mixed`, each bot has its own level.
 enum class SkillLevel { easy, normal, hard, mixed };
 
-/// "easy", "normal", "hard" or "mixed"; nothing for any other word.
+/// Parses "easy", "normal", "hard" or "mixed". Nothing for any other word.
 std::optional<SkillLevel> skillLevel(std::string_view word);
 
-/// The numbers behind a level.
+/// The parameters of a level.
 struct Skill {
-  double throttle;      ///< the highest, as a part of full speed
-  Millis reaction;      ///< how late it sees the others
-  double turnRate;      ///< radians a second
-  double wobble;        ///< radians by which the hand errs
-  double smallestLoop;  ///< radius of the circle flown around an opponent, world units
+  double throttle;      ///< maximum, as a fraction of full speed
+  Millis reaction;      ///< the delay with which it sees the others
+  double turnRate;      ///< radians per second
+  double wobble;        ///< radians, the hand's error
+  double smallestLoop;  ///< minimum radius of a circle around an opponent, world units
   double largestLoop;
-  double foresight;     ///< part of an opponent's way that is reckoned with, 0 to 1
-  double aimError;      ///< by which a circle misses the opponent, as a part of its radius at the most
-  bool foreseesTurns;   ///< reckons with circles, too, and closes whatever loop there is to close
-  double alertness;     ///< chance to notice a loop that is about to close around it
-  Millis shortestRest;  ///< between two attempts
+  double foresight;     ///< how far an opponent's motion is predicted, 0 to 1
+  double aimError;      ///< by how much a circle misses the opponent, maximum as a fraction of its radius
+  bool foreseesTurns;   ///< predicts circles as well, and closes every possible loop
+  double alertness;     ///< probability of noticing a loop that is closing around it
+  Millis shortestRest;  ///< minimum pause between two attempts
   Millis longestRest;
-  Millis triumph;                           ///< how long it enjoys a capture before it goes on
-  double restThrottle;                      ///< while it rests
-  std::array<bool, powerupSlotCount> uses;  ///< the powerups that it knows how to use
+  Millis triumph;                           ///< how long it enjoys a capture
+  double restThrottle;                      ///< fraction of full speed while it rests
+  std::array<bool, powerupSlotCount> uses;  ///< powerups that it can use
 };
 
-/// Of a level that is not `mixed`.
+/// The parameters of a level other than `mixed`.
 const Skill& skillOf(SkillLevel level);
 
 }  // namespace kelvora::server

@@ -1,4 +1,4 @@
-// What a bot does when it is after nobody.
+// What a bot does without prey.
 
 #include "server/bots/mind.h"
 

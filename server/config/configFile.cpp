@@ -21,7 +21,7 @@ std::string_view trim(std::string_view text) {
 }  // namespace
 
 Outcome readConfig(std::string_view text, const std::string& fileName, const TakeSetting& take) {
-  std::map<std::string_view, int> lines;  // of the names
+  std::map<std::string_view, int> lines;  // by name
   for (int number = 1; !text.empty(); ++number) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     const std::string_view line = trim(text.substr(0, end));

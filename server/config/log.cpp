@@ -20,7 +20,7 @@ void Log::write(std::string_view line, Millis now, std::time_t wallClock) {
 }
 
 void Log::writeLine(std::string_view line, std::time_t wallClock) {
-  out_.clear();  // a disk that was full may have room again
+  out_.clear();  // a full disk may have room again
   std::string text(line);
   for (char& c : text) {
     if (c < ' ' || c > '~') c = '?';

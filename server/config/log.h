@@ -9,14 +9,14 @@
 
 namespace kelvora::server {
 
-/// Lines for the operator. Strangers cannot fill a disk with them: beyond a burst of 200 lines, 20 a second are
-/// written, and the rest are counted.
+/// Writes lines for the operator. After a burst of 200 lines it writes 20 a second and counts the rest, so that
+/// strangers can't fill the disk.
 class Log {
  public:
-  /// `withTime` puts the time in front of each line.
+  /// `withTime` prefixes each line with the time.
   Log(std::ostream& out, bool withTime) : out_(out), withTime_(withTime) {}
 
-  /// Control characters and bytes above 126 become question marks. `wallClock` is what the line's time says.
+  /// Control characters and bytes above 126 become question marks. `wallClock` is the time to print.
   void write(std::string_view line, Millis now, std::time_t wallClock);
 
  private:
@@ -28,7 +28,7 @@ class Log {
   int leftOut_ = 0;
 };
 
-/// Whether standard error goes to the journal, which notes the time of each line by itself.
+/// True if standard error goes to the journal, which records the time by itself.
 bool isLoggingToJournal();
 
 }  // namespace kelvora::server

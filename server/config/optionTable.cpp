@@ -26,7 +26,7 @@ Option heading(std::string_view text) {
   return {"", "", text, Switch([](Options&) {})};
 }
 
-// One row an option: name, value, help, target, and the range of the value.
+// One row per option: name, value, help, target, and the value's range.
 const std::array table = {
     heading("Where players come in:"),
     Option{"address", "ADDRESS", "where to listen (127.0.0.1)",  //
@@ -89,7 +89,7 @@ std::string range(const Option& option) {
   return " from " + std::to_string(option.lowest) + " to " + std::to_string(option.highest);
 }
 
-/// Sets an option by its kind, or refuses the value by what it must be.
+/// Sets an option according to its kind, or refuses the value with a reason.
 struct Set {
   Options& options;
   const Option& option;
@@ -125,7 +125,7 @@ struct Set {
   }
   Outcome operator()(Decimal set) const {
     const auto number = wholeNumber<double>(value);
-    // What is no number at all compares with nothing.
+    // NaN fails every comparison.
     if (!number || !(*number >= option.lowest && *number <= option.highest))
       return Outcome::refused("must be a number" + range(option));
     set(options, *number);

@@ -10,11 +10,10 @@
 
 namespace kelvora::server {
 
-/// One option, or a heading of the help if it has no name. What its value must be goes by the kind of its target:
-/// nothing for a switch, at most `highest` bytes of text, as many letters of code page 1252, which come as UTF-8 and
-/// are kept as clients send and show them, or such as a login can carry, a whole number or a number with a point from
-/// `lowest` to `highest`, or one of the words that `valueName` lists with strokes between them, of which the target
-/// gets the index.
+/// An option, or a heading of the help if it has no name. The kind of its target determines its values: nothing for a
+/// switch; at most `highest` bytes of text; at most `highest` letters of code page 1252, given as UTF-8 and stored in
+/// the code page, for some options without a login's delimiters; a whole or decimal number from `lowest` to `highest`;
+/// or one of the words in `valueName`, separated by strokes, whose index is stored.
 struct Option {
   using Switch = void (*)(Options&);
   using Text = std::string& (*)(Options&);
@@ -28,18 +27,18 @@ struct Option {
     void (*set)(Options&, int);
   };
 
-  std::string_view name;  ///< without the dashes, as in the configuration file
+  std::string_view name;  ///< without dashes, as in the configuration file
   std::string_view valueName;
-  std::string_view help;  ///< with the default in brackets
+  std::string_view help;  ///< including the default in brackets
   std::variant<Switch, Text, Letters, Whole, Decimal, Word> target;
   int lowest = 0;
   int highest = 0;
 };
 
-/// In the order of the help.
+/// All options in the order of the help.
 std::span<const Option> optionTable();
 
-/// Refuses a value that the option cannot have, in words to go behind its name.
+/// Sets an option. Refuses invalid values with a reason that follows the option's name.
 Outcome setOption(Options& options, const Option& option, const std::string& value);
 
 }  // namespace kelvora::server

@@ -16,7 +16,7 @@ const Option* find(std::string_view name) {
   return found == table.end() || name.empty() ? nullptr : &*found;
 }
 
-/// Takes one setting of the file.
+/// Applies one setting of the file.
 Outcome takeLine(Options& options, std::string_view name, const std::string& value) {
   const Option* option = find(name);
   if (option == nullptr) return Outcome::refused("unknown option \"" + std::string(name) + "\"");

@@ -11,30 +11,30 @@
 
 namespace kelvora::server {
 
-/// What the command line and the configuration file ask for.
+/// The settings from the command line and the configuration file.
 struct Options {
   std::string address = "127.0.0.1";
   std::uint16_t port = 2010;  ///< 0 for any free one
-  std::string password;       ///< empty: none is asked for
+  std::string password;       ///< empty for none
   ArenaRules rules;
   BotWishes bots;
-  std::optional<std::uint16_t> webPort;  ///< of the second port; none: there is none; 0 for any free one
-  std::string webAddress;                ///< empty: `address`
-  std::string site;                      ///< folder of files to serve by HTTP; empty: none
-  std::string allowOrigin = "*";         ///< pages that may open a WebSocket, between commas
-  std::string trustedProxy;              ///< whose word on its clients' addresses counts; empty: nobody's
-  std::string publicAddress;             ///< empty: `address`
+  std::optional<std::uint16_t> webPort;  ///< the second port; nothing for none, 0 for any free one
+  std::string webAddress;                ///< empty for `address`
+  std::string site;                      ///< folder of files to serve by HTTP; empty for none
+  std::string allowOrigin = "*";         ///< pages that may open a WebSocket, separated by commas
+  std::string trustedProxy;              ///< proxy whose word on its clients' addresses is trusted; empty for none
+  std::string publicAddress;             ///< empty for `address`
   std::string notes;
-  std::string listKey;     ///< that others must give to be listed here; empty: none
-  std::string publishUrl;  ///< of the list's host; empty: no list but its own
+  std::string listKey;     ///< key that others must give to be listed here; empty for none
+  std::string publishUrl;  ///< the list's host; empty for none
   std::string publishKey;
-  std::string config;  ///< the file that was read; empty: none
+  std::string config;  ///< path of the file that was read; empty for none
   bool help = false;
   bool version = false;
 };
 
-/// Reads `arguments`, without the program's name, into fresh options; "--port 2010" and "--port=2010" are the same. The
-/// configuration file, if they name one, is read first, wherever its name stands among them: the command line wins.
+/// Parses `arguments`, without the program's name, into new options. "--port 2010" and "--port=2010" are the same. If
+/// they name a configuration file, it is read first, wherever its name appears, so that the command line overrides it.
 Outcome parseOptions(std::span<const char* const> arguments, Options& options);
 
 std::string helpText();

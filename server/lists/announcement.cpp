@@ -30,7 +30,7 @@ std::string escape(std::string_view text) {
   return escaped;
 }
 
-/// Of letters and digits and some others.
+/// True if the text consists of letters, digits and `others`.
 bool consistsOf(std::string_view text, std::string_view others) {
   return std::ranges::all_of(text,
                              [&](char c) { return isLetterOrDigit(c) || others.find(c) != std::string_view::npos; });

@@ -13,18 +13,17 @@ namespace kelvora::server {
 inline constexpr std::string_view publishPath = "/games/kelvora/publish";
 inline constexpr std::size_t longestNotes = 200;  ///< bytes
 
-/// What a server tells a list about itself. An empty address means the one that the announcement comes from.
+/// What a server tells a list about itself. An empty address means the one from which the announcement comes.
 struct Announcement {
   std::string version;
   HostEntry host;
 };
 
-/// The query of the request that carries it:
-/// "version=1.2.1&address=...&port=2010&password=0&notes=...&players=1&max=6".
+/// The announcement as a request's query: "version=1.2.1&address=...&port=2010&password=0&notes=...&players=1&max=6".
 std::string announcementQuery(const Announcement& announcement);
 
-/// Reads it from the values of such a query, by their names. It is refused, by the name of the value at fault, if a
-/// text is too long or would break a record, or a number is outside its bounds.
+/// Parses the values of such a query. Refuses it, naming the invalid value, if a text is too long or would break a
+/// record, or a number is out of range.
 Outcome readAnnouncement(const std::function<std::string(std::string_view name)>& value, Announcement& announcement);
 
 }  // namespace kelvora::server

@@ -10,7 +10,7 @@ constexpr std::string_view endMark = "-END-";
 
 }  // namespace
 
-// Clients look for the end mark anywhere, and cut records at these characters wherever they stand.
+// Clients look for the end mark anywhere, and split records at these characters anywhere.
 std::string recordText(std::string_view text) {
   std::string field(text);
   std::ranges::replace_if(
@@ -43,7 +43,7 @@ std::string hostList(const HostEntry& host, std::string_view version, const Host
 }
 
 std::string updateFile(std::string_view version) {
-  // Clients do not read the last character of the answer.
+  // Clients ignore the last character of the answer.
   return "tvqver:" + std::string(version) + "\n";
 }
 

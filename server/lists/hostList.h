@@ -7,10 +7,10 @@
 
 namespace kelvora::server {
 
-/// The highest port that a list can name. Clients take none from 32767 on, and end if they read one beyond it.
+/// The highest port in a list. Clients refuse ports from 32767 on, and end if they read a higher one.
 inline constexpr std::uint16_t highestListedPort = 32'766;
 
-/// What the list of published games says of a server.
+/// A server's entry in the list of published games.
 struct HostEntry {
   std::string address;
   std::uint16_t port = 0;
@@ -20,31 +20,31 @@ struct HostEntry {
   std::size_t maxPlayers = 0;
 };
 
-/// What a client asks the list for.
+/// A client's query.
 struct HostQuery {
   std::string version;
-  bool withPassword = true;  ///< hosts that ask for a password, too
+  bool withPassword = true;  ///< includes hosts with a password
   bool withFull = true;
   bool withEmpty = true;
 };
 
-/// Without what a record is made of, and what would end the list too early; blanks stand in its place.
+/// Replaces a record's delimiters and the end mark by blanks.
 std::string recordText(std::string_view text);
 
 bool matches(const HostEntry& host, std::string_view version, const HostQuery& query);
 
-/// "[address|port|password|notes|players|maxPlayers]", the password being 0 or 1.
+/// "[address|port|password|notes|players|maxPlayers]" with a password of 0 or 1.
 std::string hostRecord(const HostEntry& host);
 
-/// The body of the answer: the record of the host if that matches, the records of the others, and the end mark. Nothing
-/// stands between two records: clients would take it for the beginning of the next address.
+/// The body of the answer: the host's record if it matches, the other records, and the end mark. Nothing separates
+/// records, because clients would take it for the beginning of the next address.
 std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query,
                      const std::string& others = {});
 
-/// The body of the file that clients compare their version with.
+/// The body of the file with which clients compare their version.
 std::string updateFile(std::string_view version);
 
-/// The path within the host: "http://host:80/a" is "/a", and "/a" stays. "/" for an absolute address without a path.
+/// The path of an HTTP target: "http://host:80/a" is "/a", and "/a" stays. "/" for an absolute address without a path.
 std::string_view pathOf(std::string_view target);
 
 }  // namespace kelvora::server

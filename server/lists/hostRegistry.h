@@ -10,21 +10,21 @@
 
 namespace kelvora::server {
 
-/// The servers that have announced themselves to a list, each until an hour after its last announcement. One that
-/// another host has announced is not touched: only who announced an entry may change it or take it back.
+/// The servers announced to a list. An entry lasts for an hour after its last announcement. Only the host that
+/// announced it can change or withdraw it.
 class HostRegistry {
  public:
   static constexpr Millis lifetime = 3'600'000;
   static constexpr std::size_t mostHosts = 1000;
-  static constexpr std::size_t mostOfNetwork = 32;  ///< announced by one host, unless it is trusted
+  static constexpr std::size_t mostOfNetwork = 32;  ///< entries announced by one host, unless it is trusted
 
   enum class Answer { done, anothers, tooManyOfNetwork, full };
 
-  /// `network` tells who announces; the entry's address must not be empty.
+  /// Adds or updates an entry. `network` identifies the announcing host. The entry's address must not be empty.
   Answer announce(const std::string& network, const Announcement& announcement, Millis now, bool isTrusted = false);
-  /// Takes the entry of that address and port back; it is no matter whether there is one.
+  /// Removes the entry with this address and port, if there is one.
   Answer withdraw(const std::string& network, const HostEntry& host, Millis now);
-  /// The records that match, one behind another without a separator.
+  /// The matching records, concatenated.
   std::string records(const HostQuery& query, Millis now);
   std::size_t size() const { return hosts_.size(); }
 

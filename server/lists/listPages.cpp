@@ -15,7 +15,7 @@ HttpAnswer page(unsigned int status, std::string body) {
   return {.status = status, .body = std::move(body), .headers = {"Cache-Control: no-store"}};
 }
 
-/// In a time that doesn't tell where they differ.
+/// Compares in constant time, to reveal nothing about the difference.
 bool isSame(std::string_view one, std::string_view other) {
   if (one.size() != other.size()) return false;
   int difference = 0;

@@ -8,22 +8,22 @@
 
 namespace kelvora::server {
 
-/// Where a request comes from.
+/// The origin of a request.
 struct Peer {
-  std::string address;  ///< as a list gives it
-  std::string network;  ///< that limits apply to
+  std::string address;  ///< as a list shows it
+  std::string network;  ///< the one that limits apply to
 };
 
-/// The list of published games and the update file. It takes the announcements of other servers, too.
+/// Serves the list of published games and the update file, and accepts other servers' announcements.
 class ListPages {
  public:
   /// Announcements need the key, unless it is empty.
   ListPages(std::string version, std::string key) : version_(std::move(version)), key_(std::move(key)) {}
 
-  /// What the list says of this server from now on.
+  /// Sets this server's own entry.
   void publish(HostEntry host) { host_ = std::move(host); }
   const HostEntry& host() const { return host_; }
-  /// True for a path that is answered here.
+  /// True if this class answers the path.
   static bool has(std::string_view path);
   HttpAnswer answer(const HttpRequest& request, const Peer& peer, Millis now);
 
@@ -36,7 +36,7 @@ class ListPages {
   HostRegistry registry_;
 };
 
-/// "Only GET is served here.", with the methods that are allowed.
+/// "Only GET is served here.", with the allowed methods.
 HttpAnswer methodNotAllowed(const std::string& methods, const std::string& text);
 
 }  // namespace kelvora::server

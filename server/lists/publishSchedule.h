@@ -4,22 +4,22 @@
 
 namespace kelvora::server {
 
-/// When a server announces itself next: at once at first, then every five minutes, or ten seconds after the last time
-/// if there is news. After a failure it waits for a minute, news or not.
+/// When a server announces itself next: at once at first, then every five minutes, or when there is news, ten seconds
+/// after the last announcement at the earliest. After a failure it waits for a minute, even with news.
 class PublishSchedule {
  public:
   static constexpr Millis interval = 300'000;
   static constexpr Millis newsInterval = 10'000;
   static constexpr Millis retryInterval = 60'000;
 
-  /// On the clock of `begins`; 0 is at once.
+  /// On the clock of `begins`. 0 means at once.
   Millis due() const {
     if (!hasTried_) return 0;
     if (hasFailed_) return last_ + retryInterval;
     return last_ + (hasNews_ ? newsInterval : interval);
   }
   void news() { hasNews_ = true; }
-  /// An announcement of all the news so far begins.
+  /// An announcement of all news so far begins.
   void begins(Millis now) {
     hasTried_ = true;
     hasNews_ = false;

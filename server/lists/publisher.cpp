@@ -22,7 +22,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr long timeLimit = 10'000;        // ms, of an announcement
+constexpr long timeLimit = 10'000;        // ms for an announcement
 constexpr long goodbyeTimeLimit = 2'000;  // ms
 constexpr std::size_t longestReason = 200;
 
@@ -53,7 +53,7 @@ struct Publisher::State {
   const std::string version;
   const std::function<void(const std::string&)> log;
 
-  std::mutex mutex;  // of the three that follow
+  std::mutex mutex;  // guards the following three
   std::condition_variable changed;
   std::optional<HostEntry> host;
   PublishSchedule schedule;
@@ -86,7 +86,7 @@ struct Publisher::State {
     if (sent) request("DELETE", *sent, goodbyeTimeLimit);
   }
 
-  /// What went wrong; empty if nothing did.
+  /// Sends a request and returns the error; empty if there was none.
   std::string request(const char* method, const HostEntry& about, long limit) {
     const bool isGoodbye = method == std::string_view("DELETE");
     const std::string target = url + std::string(publishPath) + "?" + announcementQuery({version, about});
@@ -107,7 +107,7 @@ struct Publisher::State {
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_WRITEFUNCTION, &onBody);
     set(CURLOPT_WRITEDATA, &body);
-    set(CURLOPT_NOPROGRESS, isGoodbye ? 1L : 0L);  // an announcement under way is broken off at the end
+    set(CURLOPT_NOPROGRESS, isGoodbye ? 1L : 0L);  // aborts a running announcement at the end
     set(CURLOPT_XFERINFOFUNCTION, &onProgress);
     set(CURLOPT_XFERINFODATA, &isEnding);
     if (const CURLcode result = curl_easy_perform(curl.get()); result != CURLE_OK) return curl_easy_strerror(result);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The networking library's types as the server's network code names them.
+// The networking library's types under the names that the server's network code uses.
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>

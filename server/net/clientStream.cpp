@@ -26,7 +26,7 @@ Millis steadyMillis() {
 
 }  // namespace
 
-// How the WebSocket ends the connection below it.
+// How the WebSocket closes the underlying connection.
 
 void beast_close_socket(PacedSocket& socket) { socket.close(); }
 
@@ -58,7 +58,7 @@ struct ClientStream::State {
 ClientStream::ClientStream(asio::ip::tcp::socket socket) {
   error_code ignored;
   socket.set_option(asio::ip::tcp::no_delay(true), ignored);
-  // Bounds what the system keeps for a client that doesn't read, or doesn't stop sending.
+  // Limits what the system buffers for a client that doesn't read, or doesn't stop sending.
   socket.set_option(asio::socket_base::send_buffer_size(systemBuffer), ignored);
   socket.set_option(asio::socket_base::receive_buffer_size(systemBuffer), ignored);
   state_ = std::make_unique<State>(std::move(socket));
@@ -97,7 +97,7 @@ void ClientStream::upgrade(const std::string& request, std::string_view rest, Ha
   webSocket->auto_fragment(false);
   webSocket->read_message_max(maxMessage);
   webSocket->control_callback([state = state_.get()](beast::websocket::frame_type, beast::string_view) {
-    // The read that is under way would go on for ever under a flood of them.
+    // Under a flood of control frames the current read would never end.
     if (state->controlFrames.allows(steadyMillis())) return;
     state->isFlooded = true;
     state->socket().close();

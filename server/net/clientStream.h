@@ -11,9 +11,9 @@
 
 namespace kelvora::server {
 
-/// A client's bytes, both ways: straight over TCP or in the binary messages of a WebSocket. At most one read and one
-/// write are under way at a time. Handlers run on the socket's executor, never from within a call of this object's;
-/// they keep the object alive.
+/// A client's bytes in both directions, over plain TCP or in the binary messages of a WebSocket. At most one read and
+/// one write may be pending. Handlers run on the socket's executor, never from within a call of this object, and keep
+/// it alive.
 class ClientStream {
  public:
   using Handler = std::function<void(error_code error, std::size_t size)>;
@@ -30,17 +30,17 @@ class ClientStream {
   asio::ip::tcp::socket::executor_type executor();
   bool isWebSocket() const;
 
-  /// Reads whatever comes next, possibly nothing at all. A text message, a message that is too long, and too many
-  /// control frames are errors.
+  /// Reads whatever comes next, possibly nothing. Text messages, messages that are too long, and too many control
+  /// frames are errors.
   void readSome(asio::mutable_buffer buffer, Handler handler);
   /// Writes everything.
   void write(asio::const_buffer buffer, Handler handler);
-  /// Continues as a WebSocket. `request` is the text of the request that asked for it, `rest` what has been read behind
-  /// it. Nothing else may be under way.
+  /// Switches to WebSocket. `request` is the text of the upgrade request, `rest` the bytes read after it. No operation
+  /// may be pending.
   void upgrade(const std::string& request, std::string_view rest, Handler handler);
-  /// Tells the client that nothing more comes. Nothing may be written afterwards. `whenDone` keeps the object alive.
+  /// Tells the client that nothing more follows. Nothing may be written afterwards. `whenDone` keeps the object alive.
   void endSending(Handler whenDone);
-  /// Ends every operation with an error.
+  /// Completes every operation with an error.
   void close();
 
  private:

@@ -38,7 +38,7 @@ void Connection::send(const std::string& frame) {
 }
 
 void Connection::hangUp() {
-  if (speech_ == Speech::upgrading) return close("hung up on");  // there is no way to say anything in between
+  if (speech_ == Speech::upgrading) return close("hung up on");  // nothing can be sent during an upgrade
   if (std::exchange(hangingUp_, true)) return;
   await(goodbyeTime, "hung up on");
   writeMore();
@@ -60,7 +60,7 @@ void Connection::readMore() {
 }
 
 bool Connection::take(std::string_view bytes) {
-  // While hanging up, incoming bytes are read and dropped: unread ones would destroy the goodbye on its way.
+  // While hanging up, incoming bytes are read and dropped. Unread ones would destroy the goodbye in transit.
   if (hangingUp_ || bytes.empty()) return true;
   if (speech_ == Speech::opening) return open(bytes);
   return speech_ == Speech::game ? takeFrames(bytes) : takeRequest(bytes);
@@ -129,7 +129,7 @@ bool Connection::answer(const HttpRequest& request) {
     body_ = std::move(answer.more);
   }
   writeMore();
-  return false;  // until it is written
+  return false;  // reading pauses until it is written
 }
 
 void Connection::upgrade() {
@@ -148,7 +148,7 @@ void Connection::upgrade() {
 void Connection::answered() {
   if (!keepsAlive_) {
     hangUp();
-    return readMore();  // until the client ends the connection
+    return readMore();  // reads until the client closes the connection
   }
   const auto before = std::exchange(request_, nullptr);
   speech_ = Speech::opening;

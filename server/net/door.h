@@ -10,22 +10,22 @@ namespace kelvora::server {
 
 namespace asio = boost::asio;
 
-/// A mapped IPv4 address as the IPv4 address, and an IPv6 address without its interface.
+/// Turns a mapped IPv4 address into the IPv4 address, and drops an IPv6 address's interface.
 asio::ip::address unmapped(const asio::ip::address& address);
 
-/// What one host can be held to: its address, or the first 64 bits of it in IPv6, of which every host has a whole
-/// range. An IPv4 address in IPv6 clothes is that IPv4 address.
+/// The identity of a host for limits: its address, or the first 64 bits in IPv6, where every host has a whole range. An
+/// IPv4 address mapped to IPv6 counts as the IPv4 address.
 std::string networkOf(const asio::ip::address& address);
 
-/// Decides who may come in, so that no single address takes the places or the time of all.
+/// Decides who may connect, so that no single address takes all slots or all time.
 class Door {
  public:
-  static constexpr int mostOfNetwork = 16;  ///< connections at a time
+  static constexpr int mostOfNetwork = 16;  ///< maximum connections at a time from one network
   static constexpr double connectionsPerSecond = 2;
   static constexpr double burst = 32;
-  static constexpr std::size_t mostNetworks = 4096;  ///< that are remembered; more are held to nothing of their past
+  static constexpr std::size_t mostNetworks = 4096;  ///< networks remembered; others have no history
 
-  /// Whether a connection may come in; then `left` is due for it.
+  /// True if a connection may come in. Each one must be followed by `left`.
   bool admits(const std::string& network, Millis now);
   void left(const std::string& network);
 

@@ -19,7 +19,7 @@ namespace {
 constexpr auto tickInterval = std::chrono::milliseconds(40);
 constexpr std::string_view playPath = "/play";
 
-/// Its words go to the log on the context's thread.
+/// Its log lines are written on the context's thread.
 std::unique_ptr<Publisher> startPublisher(asio::io_context& context, const Options& options,
                                           const std::function<void(const std::string&)>& log) {
   if (options.publishUrl.empty()) return nullptr;
@@ -36,7 +36,7 @@ std::optional<asio::ip::address> proxyAddress(const std::string& text) {
   return unmapped(address);
 }
 
-/// The address that the proxy itself has seen: it puts it behind what its client claimed.
+/// The address that the proxy has seen itself. The proxy appends it to what its client claimed.
 std::optional<asio::ip::address> forwardedAddress(const HttpRequest& request) {
   std::string text = request.forwardedFor.substr(request.forwardedFor.rfind(',') + 1);
   text.erase(0, text.find_first_not_of(' '));
@@ -111,7 +111,7 @@ void GameServer::hangUp(ClientId client) {
 void GameServer::welcome(asio::ip::tcp::socket socket) {
   error_code error;
   const auto peer = socket.remote_endpoint(error);
-  if (error) return;  // gone already; the socket closes with this scope
+  if (error) return;  // already gone; leaving this scope closes the socket
   Guest guest{.connection = nullptr, .address = unmapped(peer.address()), .network = {}};
   if (guest.address != trustedProxy_ && !admit(guest, guest.address)) return;
   if (guests_.size() >= maxConnections && !makeRoom()) {
@@ -237,7 +237,7 @@ HostEntry GameServer::hostEntry() const {
 void GameServer::publish() {
   if (!publisher_ || stopped_) return;
   HostEntry host = hostEntry();
-  // Without an address it is the one that the list sees the announcement come from.
+  // Without an address, the list uses the one from which the announcement comes.
   if (publishedPlayers_ != host.players) publisher_->publish(host);
   publishedPlayers_ = host.players;
 }

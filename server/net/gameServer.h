@@ -21,31 +21,31 @@
 
 namespace kelvora::server {
 
-/// The arena on the network: players over TCP and WebSocket, and the web files. Everything runs on the one thread that
-/// runs the context.
+/// The arena on the network: players over TCP and WebSocket, and the web files. Everything runs on the thread that runs
+/// the context.
 class GameServer : private ArenaOutput {
  public:
-  static constexpr std::size_t maxConnections = 96;  ///< whatever they speak
-  /// Files that may have to be open at a time: the connections, files that are being served, and the process's own.
+  static constexpr std::size_t maxConnections = 96;  ///< of any kind
+  /// Files that may be open at a time: connections, files being served, and the process's own.
   static constexpr std::size_t descriptors = 2 * maxConnections + 64;
 
-  /// Listens at once. Options that can't be met throw std::runtime_error or a class of it.
+  /// Listens at once. Throws std::runtime_error or a derived class if the options can't be met.
   GameServer(asio::io_context& context, const Options& options, std::function<void(const std::string&)> log);
 
   /// "127.0.0.1:2010"
   std::string endpointText() const { return listener_.endpointText(); }
-  /// The same of the second port; empty if none was asked for.
+  /// The same for the second port; empty if there is none.
   std::string webEndpointText() const { return webListener_ ? webListener_->endpointText() : ""; }
   std::uint16_t port() const { return listener_.port(); }
-  /// Tells the players, and closes everything once they have heard it or had `Connection::goodbyeTime` to, so that the
-  /// context runs out of work. Then calls `whenDone`. A second call closes everything at once.
+  /// Notifies the players, then closes everything once they have got the message or `Connection::goodbyeTime` has
+  /// passed, so that the context runs out of work. Finally calls `whenDone`. A second call closes everything at once.
   void stop(std::function<void()> whenDone = {});
 
  private:
   struct Guest {
     std::shared_ptr<Connection> connection;
     asio::ip::address address;
-    std::string network;  ///< that is held to the door's limits; empty while a proxy hasn't named it
+    std::string network;  ///< the one that the door's limits apply to; empty until a proxy has named it
   };
 
   void send(ClientId client, const std::string& frame) override;
@@ -54,20 +54,20 @@ class GameServer : private ArenaOutput {
 
   Listener::Handlers listenerHandlers();
   void welcome(asio::ip::tcp::socket socket);
-  /// Counts the guest at the door as coming from there; false if it must go.
+  /// Counts the guest at the door as coming from this address. False if it must go.
   bool admit(Guest& guest, const asio::ip::address& address);
   void beginGame(ClientId client);
   HttpAnswer answer(ClientId client, const HttpRequest& request);
   HttpAnswer homePage() const;
   void closed(ClientId client, const std::string& reason);
-  /// Closes the oldest connection without a player; false if there is none.
+  /// Closes the oldest connection without a player. False if there is none.
   bool makeRoom();
   void tickMore();
   void closeAll();
   void finishStop();
-  /// What lists say of this server. Bots make room for people and don't count.
+  /// This server's entry in lists. Doesn't count bots, which make room for people.
   HostEntry hostEntry() const;
-  /// Tells the other lists how many players there are, if that has changed.
+  /// Announces the number of players to other lists, if it has changed.
   void publish();
   Millis now() const;
 
@@ -82,7 +82,7 @@ class GameServer : private ArenaOutput {
   Arena arena_;
   BotKeeper bots_;
   ListPages list_;
-  std::unique_ptr<Publisher> publisher_;  // null if there is nowhere to announce to
+  std::unique_ptr<Publisher> publisher_;  // null if there is no list to announce to
   std::map<ClientId, Guest> guests_;
   Door door_;
   StallWatch stallWatch_;

@@ -44,7 +44,7 @@ void Listener::acceptMore() {
     if (!acceptor_.is_open()) return;
     if (!error) handlers_.onConnection(std::move(socket));
     if (!error || error == asio::error::connection_aborted) return acceptMore();
-    // Trying again at once would be all that the loop does.
+    // Trying again at once would loop for ever.
     isAccepting_ = false;
     handlers_.onFailure(error.message());
   });

@@ -8,12 +8,12 @@
 
 namespace kelvora::server {
 
-/// A port that takes connections.
+/// A port that accepts connections.
 class Listener {
  public:
   struct Handlers {
     std::function<void(asio::ip::tcp::socket socket)> onConnection;
-    /// Nothing more is accepted until `resume`: out of descriptors, most likely.
+    /// Called when accepting fails, usually for lack of descriptors. Nothing is accepted until `resume`.
     std::function<void(const std::string& reason)> onFailure;
   };
 

@@ -15,8 +15,8 @@
 
 namespace kelvora::server {
 
-/// A socket that reads at most `bytesPerSecond` from its peer, in small pieces. A peer that sends more waits. It counts
-/// the bytes of the network, so no protocol on top of it can get round the limit. It must stay in place while it reads.
+/// A socket that reads at most `bytesPerSecond` from its peer, in small pieces. A peer that sends more has to wait. It
+/// counts network bytes, so no protocol on top can bypass the limit. It must not be moved while it reads.
 class PacedSocket {
  public:
   using Clock = std::chrono::steady_clock;
@@ -24,7 +24,7 @@ class PacedSocket {
 
   /// More than fifty times what the game sends.
   static constexpr std::size_t bytesPerSecond = std::size_t{32} << 10;
-  /// What a peer may send at once is half a second's worth.
+  /// How long a full-speed burst may last: a peer may send half a second's worth at once.
   static constexpr auto burst = std::chrono::milliseconds(500);
   /// Bytes. Small, so that flooding clients take turns with the others.
   static constexpr std::size_t maxRead = 512;
@@ -33,7 +33,7 @@ class PacedSocket {
 
   executor_type get_executor() { return socket_.get_executor(); }
 
-  /// The next reads return these bytes. They are paid for already.
+  /// The next reads return these bytes again. They don't count a second time.
   void putBack(std::string_view bytes) { returned_.insert(0, bytes); }
 
   template <class Buffers, class Token>
@@ -76,7 +76,7 @@ class PacedSocket {
     error_code ignored;
     socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
   }
-  /// Ends every operation with an error.
+  /// Completes every operation with an error.
   void close() {
     error_code ignored;
     socket_.close(ignored);

@@ -6,15 +6,15 @@
 
 namespace kelvora::server {
 
-/// Notices that the process was stopped for a while - by a signal, or with the whole machine it runs on - and could
-/// hear nobody in that time.
+/// Detects that the process was stopped for a while, by a signal or with the whole machine, and couldn't listen in that
+/// time.
 class StallWatch {
  public:
   using Clock = std::chrono::steady_clock;
-  /// A machine under load is late as well; up to here it is no stop.
+  /// An overloaded machine is late as well. Shorter delays don't count as a stop.
   static constexpr std::chrono::seconds hitch{5};
 
-  /// To be asked in every tick: for how long there was none, zero unless it was longer than a hitch.
+  /// Call this in every tick. Returns how long the process was stopped, zero if it was no longer than a hitch.
   Clock::duration stop(Clock::time_point now) {
     const std::optional<Clock::time_point> before = std::exchange(last_, now);
     return before && now - *before > hitch ? now - *before : Clock::duration::zero();

@@ -8,7 +8,7 @@
 
 namespace kelvora::server {
 
-/// What the arena's page tells. Texts are in code page 1252.
+/// The contents of the arena's page. Texts are in code page 1252.
 struct HomePage {
   std::string notes;
   std::uint16_t port = 0;
@@ -17,7 +17,7 @@ struct HomePage {
   std::size_t maxPlayers = 0;
 };
 
-/// A page that names the arena and its players, and says how to join.
+/// A page with the arena, its players, and how to join.
 HttpAnswer homePageAnswer(const HomePage& page);
 
 }  // namespace kelvora::server

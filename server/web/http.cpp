@@ -15,7 +15,7 @@ namespace {
 
 std::string text(boost::beast::string_view view) { return {view.data(), view.size()}; }
 
-/// "%41" is "A", and "+" a blank. A percent sign without two digits stands for itself.
+/// Decodes "%41" to "A" and "+" to a blank. A percent sign without two digits is literal.
 std::string decoded(std::string_view escaped) {
   std::string result;
   for (std::size_t i = 0; i < escaped.size(); ++i) {
@@ -58,7 +58,7 @@ std::string HttpRequest::argument(std::string_view name) const {
 }
 
 HttpReader::Result HttpReader::read(std::string_view bytes) {
-  const std::size_t looked = text_.size() < 3 ? 0 : text_.size() - 3;  // the end may lie across two pieces
+  const std::size_t looked = text_.size() < 3 ? 0 : text_.size() - 3;  // the end may span two pieces
   text_ += bytes;
   const std::size_t end = text_.find("\r\n\r\n", looked);
   headSize_ = end == std::string::npos ? text_.size() : end + 4;

@@ -9,7 +9,7 @@
 
 namespace kelvora::server {
 
-/// What the server looks at in an HTTP request. Texts are empty if the request doesn't have them.
+/// The parts of an HTTP request that the server uses. Missing texts are empty.
 struct HttpRequest {
   std::string method{};
   std::string target{};
@@ -25,7 +25,7 @@ struct HttpRequest {
   bool isHead() const { return method == "HEAD"; }
   /// The target without host and query: "http://host:80/a?b" is "/a". "/" for an absolute target without a path.
   std::string_view path() const;
-  /// The decoded value of a name in the query; empty if it isn't there.
+  /// The decoded value of a query parameter; empty if it is missing.
   std::string argument(std::string_view name) const;
 };
 
@@ -36,13 +36,13 @@ class HttpReader {
 
   enum class Result { partial, complete, malformed, tooLong };
 
-  /// Takes bytes until the head is complete. Bodies are not read.
+  /// Adds bytes until the head is complete. Doesn't read bodies.
   Result read(std::string_view bytes);
-  /// Once complete.
+  /// Valid once complete.
   const HttpRequest& request() const { return request_; }
   /// The head's bytes.
   std::string_view head() const { return std::string_view(text_).substr(0, headSize_); }
-  /// What has been read behind the head.
+  /// Bytes read after the head.
   std::string_view rest() const { return std::string_view(text_).substr(headSize_); }
 
  private:
@@ -51,16 +51,16 @@ class HttpReader {
   HttpRequest request_;
 };
 
-/// The next piece of a body, at most `size` bytes; empty at its end.
+/// Returns the next piece of a body, at most `size` bytes; empty at its end.
 using BodySource = std::function<std::string(std::size_t size)>;
 
-/// What the server answers. The length of the body is known in advance.
+/// An HTTP answer. The length of the body is known in advance.
 struct HttpAnswer {
   unsigned int status = 200;
   std::string body{};
   std::string type = "text/plain";
-  std::vector<std::string> headers{};  ///< further ones, "Name: value"
-  /// Follows `body`, for what is too large to be held at once.
+  std::vector<std::string> headers{};  ///< additional ones, "Name: value"
+  /// Follows `body`, for contents too large to hold in memory.
   BodySource more{};
   std::size_t moreSize = 0;  ///< bytes
   bool mayKeepAlive = false;

@@ -36,7 +36,7 @@ std::string typeOf(const fs::path& file) {
   return "application/octet-stream";
 }
 
-/// Fills the body up with zeros should the file have become shorter meanwhile: its length has been told.
+/// Pads the body with zeros if the file has become shorter, because its length has already been sent.
 BodySource contents(const fs::path& file, std::size_t size) {
   return [stream = std::make_shared<std::ifstream>(file, std::ios::binary), left = size](std::size_t most) mutable {
     std::string piece(std::min(most, left), '\0');
@@ -79,7 +79,7 @@ HttpAnswer Site::answer(const HttpRequest& request) const {
   const bool isCompressed = request.acceptsGzip && !file.gzip.file.empty();
   const Copy& copy = isCompressed ? file.gzip : file.plain;
   HttpAnswer answer{.type = file.type, .mayKeepAlive = true};
-  // The client asks each time whether the file has changed, so that an update is seen at once.
+  // The client asks each time whether the file has changed, so that updates are seen at once.
   answer.headers = {"Cache-Control: no-cache", "ETag: " + copy.tag, "Vary: Accept-Encoding",
                     "X-Content-Type-Options: nosniff"};
   if (request.ifNoneMatch == copy.tag) {

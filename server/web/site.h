@@ -9,15 +9,15 @@
 
 namespace kelvora::server {
 
-/// The files of a folder, served over HTTP. The folder is looked through once: what appears later isn't served, nor is
-/// anything that a link leads to outside of it. A file `name.gz` is the compressed copy of `name`.
+/// The files of a folder, served over HTTP. The folder is scanned once: files added later aren't served, nor are
+/// targets of links that lead outside. A file `name.gz` is the compressed copy of `name`.
 class Site {
  public:
-  /// Without a folder nothing is served. A folder that can't be read throws std::filesystem::filesystem_error.
+  /// Without a folder nothing is served. Throws std::filesystem::filesystem_error if the folder can't be read.
   explicit Site(const std::filesystem::path& folder = {});
 
   bool isEmpty() const { return files_.empty(); }
-  /// True for a path that is answered here; "/" is `index.html`.
+  /// True if the path is served; "/" is `index.html`.
   bool has(std::string_view path) const { return find(path) != nullptr; }
   HttpAnswer answer(const HttpRequest& request) const;
 
@@ -25,18 +25,18 @@ class Site {
   struct Copy {
     std::filesystem::path file;
     std::size_t size = 0;
-    std::string tag;  ///< with its quotes
+    std::string tag;  ///< including its quotes
   };
   struct File {
     std::string type;
     Copy plain;
-    Copy gzip;  ///< without a file if there is none
+    Copy gzip;  ///< has no file if there is none
   };
 
   static Copy copyOf(const std::filesystem::path& file);
   const File* find(std::string_view path) const;
 
-  std::map<std::string, File, std::less<>> files_;  // by their paths, "/index.html"
+  std::map<std::string, File, std::less<>> files_;  // by path, "/index.html"
 };
 
 }  // namespace kelvora::server
