@@ -12,11 +12,16 @@ takes what it has started with it.
 
 import argparse
 import os
-import signal
 import statistics
 import sys
 import time
 from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tools" / "desktop"))
+sys.dont_write_bytecode = True
+import harness  # noqa: E402  (found by the line above)
+from match import ROUND_OVER, TAIL_CAPTURE, TURBO, Pilot, Relay  # noqa: E402
+from storeWindow import BUY, DONE, StoreWindow  # noqa: E402
 
 
 def arguments():
@@ -28,13 +33,7 @@ def arguments():
 
 
 OPTIONS = arguments()
-os.environ["KELVORA_CLIENT"] = str((OPTIONS.build / "kelvora").resolve())
-os.environ["KELVORA_SERVER"] = str((OPTIONS.build / "kelvora-server").resolve())
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tests" / "desktop"))
-sys.dont_write_bytecode = True
-import harness  # noqa: E402  (needs the two variables)
-import test_match  # noqa: E402
-from test_store import BUY, DONE, StoreWindow  # noqa: E402
+harness.use_build(OPTIONS.build)
 
 BREAK = 1.0  # seconds without a report that are no matter of pace: he is dead, or his brakes are on
 
@@ -91,14 +90,14 @@ class Watch:
             times = [report[0] for report in relay.reports]
             said, relay.reports, relay.frames = relay.frames, relay.reports[-1:], []
         gaps = sorted(gap for gap in (b - a for a, b in zip(times, times[1:])) if gap < BREAK)
-        captures = [fields for one, fields in said if one == test_match.TAIL_CAPTURE]
+        captures = [fields for one, fields in said if one == TAIL_CAPTURE]
         row = [figure for process in self.processes for figure in process.figures()]
         print("{:6.1f} | {:9.1f} {:5} {:7} {:6.1f} | {:9.1f} {:5} {:7} {:6.2f} | ".format(passed / 60, *row) +
               "{:7} {:9.1f} {:7.1f} | ".format(len(gaps), statistics.median(gaps or [0]) * 1000,
                                               gaps[len(gaps) * 99 // 100] * 1000 if gaps else 0) +
               "{:6} {:5} {:6}".format(sum(fields[1] == relay.node for fields in captures),
                                       sum(fields[0] == relay.node != fields[1] for fields in captures),
-                                      sum(one == test_match.ROUND_OVER for one, _ in said)), flush=True)
+                                      sum(one == ROUND_OVER for one, _ in said)), flush=True)
 
     def chat(self):
         self.display.xdotool("click", 1, "type", "--delay", "10", "still here")  # on the canvas
@@ -107,7 +106,7 @@ class Watch:
     def buy(self):
         try:
             store = StoreWindow(self.client)
-            store.click(BUY, test_match.TURBO)
+            store.click(BUY, TURBO)
             store.click(DONE)
             store.wait_for_end()
         except (AssertionError, TypeError):
@@ -120,30 +119,19 @@ class Watch:
 
 def play(display):
     server = harness.Server("--bots", "5", "--skill", "mixed")
-    relay = test_match.Relay(server.port)
+    relay = Relay(server.port)
     client = harness.Client(display, arguments=())
     client.connect(relay.port, circle=0)
     harness.wait_for(lambda: relay.node, "the login")
     harness.wait_for(lambda: relay.opponents() or not relay.is_alive, "company", 15)
-    player = test_match.Match()
-    player.display = display
     watch = Watch(display, client, server, relay)
     try:
-        player.play_until(client, relay, watch.is_over, "the end", OPTIONS.minutes * 60 + 60)
+        Pilot(client, relay).play_until(watch.is_over, "the end", OPTIONS.minutes * 60 + 60)
     finally:
         client.close()
         relay.close()
         server.close()
 
 
-def main():
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
-    display = harness.Display()
-    try:
-        play(display)
-    finally:
-        display.close()
-
-
 if __name__ == "__main__":
-    main()
+    harness.on_display(play)

@@ -14,13 +14,16 @@ import argparse
 import ctypes
 import os
 import re
-import signal
 import statistics
 import subprocess
 import sys
 import tempfile
 import time
 from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tools" / "desktop"))
+sys.dont_write_bytecode = True
+import harness  # noqa: E402  (found by the line above)
 
 
 def arguments():
@@ -32,11 +35,7 @@ def arguments():
 
 
 OPTIONS = arguments()
-os.environ["KELVORA_CLIENT"] = str((OPTIONS.build / "kelvora").resolve())
-os.environ["KELVORA_SERVER"] = str((OPTIONS.build / "kelvora-server").resolve())
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tests" / "desktop"))
-sys.dont_write_bytecode = True
-import harness  # noqa: E402  (needs the two variables)
+harness.use_build(OPTIONS.build)
 
 
 class WindowWatch:
@@ -292,18 +291,13 @@ def unpaced(display):
     server.close()
 
 
-def main():
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
-    display = harness.Display()
-    try:
-        starts(display)
-        idle(display)
-        paced(display)
-        latency(display)
-        unpaced(display)
-    finally:
-        display.close()
+def measure(display):
+    starts(display)
+    idle(display)
+    paced(display)
+    latency(display)
+    unpaced(display)
 
 
 if __name__ == "__main__":
-    main()
+    harness.on_display(measure)

@@ -20,7 +20,8 @@ from PIL import Image
 
 sys.dont_write_bytecode = True  # the source tree holds sources only
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+sys.path.insert(0, str(ROOT / "tools" / "desktop"))
+import harness  # noqa: E402  (found by the line above)
 
 TAIL_CAPTURE, FUNDS, SPAWN_REQUEST, RESPAWN = 141, 148, 152, 154
 CANVAS = (763, 608)  # pixels, as designed
@@ -361,11 +362,8 @@ def main():
     parser.add_argument("--output", type=pathlib.Path, default=ROOT / "docs" / "images")
     parser.add_argument("--only", default="start,fight,store,finder", help="names of pictures, with commas")
     options = parser.parse_args()
-    os.environ["KELVORA_CLIENT"] = str(options.build / "kelvora")
-    os.environ["KELVORA_SERVER"] = str(options.build / "kelvora-server")
+    harness.use_build(options.build)
     os.environ["KELVORA_DATA"] = str(ROOT)
-    global harness
-    import harness  # reads the two names above
     options.output.mkdir(parents=True, exist_ok=True)
     wanted = set(options.only.split(","))
     display = harness.Display()

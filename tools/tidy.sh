@@ -14,7 +14,7 @@ tidy=$(clang_tool clang-tidy) || exit 1
 folder=build/tidy
 output=$(cmake --preset release -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=12 \
   -DKELVORA_TESTS=OFF -DKELVORA_BENCH=OFF 2>&1) || { echo "$output"; exit 1; }
-headers() { find . \( -name 'build*' -o -name tests -o -name bench \) -prune -o -name '*.h' -print0 | sort -z; }
+headers() { find . \( -name 'build*' -o -name tests -o -name bench -o -name tools \) -prune -o -name '*.h' -print0 | sort -z; }
 common=$({ cat .clang-tidy; headers | xargs -0 cat; } | sha256sum)
 
 tidy_one() {

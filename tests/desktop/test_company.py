@@ -5,6 +5,7 @@ import threading
 import time
 
 import harness
+from desktopTest import DesktopTest
 from harness import wait_for
 
 CHAT, POSITION, JOINED, TAIL_CAPTURE = 144, 134, 138, 141
@@ -31,7 +32,7 @@ def count(client, picture, area, test):
     return sum(test(picture.pixel(left + x, top + y)) for y in range(area[3]) for x in range(area[2]))
 
 
-class Company(harness.DesktopTest):
+class Company(DesktopTest):
 
     @classmethod
     def setUpClass(cls):

@@ -11,6 +11,7 @@ import time
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 from harness import wait_for
 
 PLAYER_LEFT = 140
@@ -32,7 +33,7 @@ def has_left(spy, node):
             return True
 
 
-class ClientFaults(harness.DesktopTest):
+class ClientFaults(DesktopTest):
 
     def in_game(self, client, server, spy):
         """Logs the client in to the real server and returns its node."""

@@ -5,6 +5,7 @@ import os
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 from harness import TWIPS
 
 BLACK = (0, 0, 0)
@@ -23,7 +24,7 @@ def row(purpose, top):
     return pixels(120 + BLOCK * purpose + top)
 
 
-class Fonts(harness.DesktopTest):
+class Fonts(DesktopTest):
 
     def open_dialog(self, client):
         connect = client.wait_for_window("Connect")

@@ -13,6 +13,7 @@ import time
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 from harness import (CHAT, END, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION,
                      SEPARATOR, START, frame, wait_for)
 from test_webhost import UPDATE_FILE, WebHost
@@ -97,7 +98,7 @@ class Attack:
             raise self.error
 
 
-class HostileTest(harness.DesktopTest):
+class HostileTest(DesktopTest):
 
     def setUp(self):
         self.longest = 0.0

@@ -4,6 +4,7 @@ keys and with locks on. Letters that the game has no byte for are left out."""
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 from harness import CHAT, LOGIN, LOGIN_DENIED, PLAYER_JOINED, POSITION_REPORT, Line, frame, wait_for
 
 BUY_ACCEPTED, ACTIVATE = 151, 155
@@ -13,7 +14,7 @@ Q, W, E, Y, BRACKET_LEFT, SEMICOLON, APOSTROPHE, BACKQUOTE = "24", "25", "26", "
 DIGIT_2, DIGIT_7, SPACE, SHIFT, ALT_GR = "11", "16", "65", "50", "108"
 
 
-class Keyboard(harness.DesktopTest):
+class Keyboard(DesktopTest):
 
     def layout(self, *words):
         self.display.run("setxkbmap", *words)

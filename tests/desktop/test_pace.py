@@ -5,6 +5,7 @@ import time
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 
 
 def one_of_three(measure):
@@ -17,7 +18,7 @@ def one_of_three(measure):
                 raise
 
 
-class Pace(harness.DesktopTest):
+class Pace(DesktopTest):
 
     def test_hundred_frames_a_second_for_a_third_of_a_core(self):
         client, line = self.log_in()

@@ -4,6 +4,7 @@ their size, at the start and when they are opened again."""
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 from harness import TWIPS
 
 SETTINGS_MENU = 70  # pixels from the left
@@ -16,7 +17,7 @@ def middle(window):
     return left + width / 2, top + height / 2
 
 
-class Places(harness.DesktopTest):
+class Places(DesktopTest):
 
     def wait_for_place(self, main, dialog, place):
         """The dialog's frame begins so many pixels right of and below the main window's."""

@@ -7,6 +7,7 @@ import subprocess
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 import rules
 from harness import CLIENT, LOGIN, LOGIN_ACCEPTED, PING, POSITION_REPORT, TITLE, TWIPS, frame, wait_for
 
@@ -16,7 +17,7 @@ MENU_GROUND = (28, 31, 48)
 DONE = (11370 - 9840 - 540, 9060 - 8250 - 240)
 
 
-class WindowSystem(harness.DesktopTest):
+class WindowSystem(DesktopTest):
 
     def answer(self, **environment):
         kept = {name: os.environ[name] for name in ("PATH", "HOME", "LSAN_OPTIONS") if name in os.environ}
@@ -45,7 +46,7 @@ class WindowSystem(harness.DesktopTest):
         self.assertEqual(client.output(), "")
 
 
-class Small(harness.DesktopTest):
+class Small(DesktopTest):
     screen = "640x480"
 
     def assert_inside(self, window):
@@ -110,7 +111,7 @@ class Small(harness.DesktopTest):
         self.assertEqual(client.process.wait(10), 0)
 
 
-class Scaled(harness.DesktopTest):
+class Scaled(DesktopTest):
     screen = "2200x1700"
 
     def scaled_client(self, scale, **environment):
@@ -227,7 +228,7 @@ class Scaled(harness.DesktopTest):
         self.assertEqual(received, (152, [b""]))
 
 
-class Two(harness.DesktopTest):
+class Two(DesktopTest):
     """Two screens beside each other."""
     screen = "2560x1024"
 
@@ -286,7 +287,7 @@ class Two(harness.DesktopTest):
         self.assertAlmostEqual(place(), x * 916 / 13605 * 15 + 30, delta=3)
 
 
-class States(harness.DesktopTest):
+class States(DesktopTest):
 
     def change(self, client, change):
         self.display.run("wmctrl", "-i", "-r", hex(int(client.window.identifier)), "-b", change)

@@ -4,13 +4,14 @@ import datetime
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 from harness import (CHAT, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION_REPORT,
                      frame)
 
 GREEN, RED, GREY = (128, 255, 128), (255, 128, 128), (128, 128, 128)
 
 
-class Session(harness.DesktopTest):
+class Session(DesktopTest):
 
     def test_login_is_one_frame_with_name_password_colour_and_version(self):
         server = self.scripted_server()
@@ -142,7 +143,7 @@ class Session(harness.DesktopTest):
         self.assertEqual(client.process.wait(2), 0)
 
 
-class RealServer(harness.DesktopTest):
+class RealServer(DesktopTest):
 
     def test_client_is_seen_by_another_player(self):
         server = self.start_server()

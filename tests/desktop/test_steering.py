@@ -4,10 +4,11 @@ and compared with what the rules give."""
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 import rules
 
 
-class Flight(harness.DesktopTest):
+class Flight(DesktopTest):
 
     def fly(self, pixel, start=(50000, 50000), count=6, size=None):
         """Reports of a client that steers by this pixel of the canvas. Each is compared with the one that the rules

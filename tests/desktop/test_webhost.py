@@ -7,6 +7,7 @@ import unittest
 import urllib.request
 
 import harness
+from desktopTest import DesktopTest
 from harness import LOGIN, PLAYER_JOINED, TWIPS
 
 FINDER = "Game Finder"
@@ -103,7 +104,7 @@ class WebHost:
         self.listener.close()
 
 
-class WebTest(harness.DesktopTest):
+class WebTest(DesktopTest):
 
     def web_host(self, port=0):
         host = WebHost(port)

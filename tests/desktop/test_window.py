@@ -7,6 +7,7 @@ import tempfile
 import unittest
 
 import harness
+from desktopTest import DesktopTest
 from harness import LOGIN, frame
 
 BLACK = (0, 0, 0)
@@ -14,7 +15,7 @@ BLACK = (0, 0, 0)
 BORDER = {(255, v, v) for v in (0, 50, 100, 150)}
 
 
-class Canvas(harness.DesktopTest):
+class Canvas(DesktopTest):
 
     def middle(self, client):
         """The mean colour of the middle of the canvas."""
@@ -81,7 +82,7 @@ class Canvas(harness.DesktopTest):
             self.assertLess(sum(pixel in BORDER for pixel in pixels), 5, column)
 
 
-class Layout(harness.DesktopTest):
+class Layout(DesktopTest):
 
     def test_window_has_its_title_and_size(self):
         client = self.start_client()
@@ -123,7 +124,7 @@ class Layout(harness.DesktopTest):
         self.assertEqual(line.recv_frame()[0], harness.POSITION_REPORT)
 
 
-class Icon(harness.DesktopTest):
+class Icon(DesktopTest):
     def test_q308_the_window_shows_the_games_icon(self):
         client = self.start_client()
 
@@ -138,7 +139,7 @@ class Icon(harness.DesktopTest):
         self.assertTrue(any(colour >> 24 for colour in colours[:width * height]), "it is not blank")
 
 
-class Settings(harness.DesktopTest):
+class Settings(DesktopTest):
 
     def test_login_comes_back_at_the_next_start(self):
         config = tempfile.mkdtemp(prefix="kelvora-settings-")

@@ -10,14 +10,13 @@ import shutil
 import signal
 import socket
 import subprocess
+import sys
 import tempfile
 import time
-import unittest
-
-CLIENT = os.environ["KELVORA_CLIENT"]
-SERVER = os.environ["KELVORA_SERVER"]
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
+CLIENT = os.environ.get("KELVORA_CLIENT")
+SERVER = os.environ.get("KELVORA_SERVER")
 VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())[1]
 TITLE = f"Kelvora v{VERSION}"
 TWIPS = 15  # to a pixel
@@ -30,6 +29,22 @@ BESIDE_CANVAS = (131, 62)
 START, END, SEPARATOR = 128, 129, 130
 POSITION_REPORT, PING, PING_REPLY, POSITION, LOGIN, LOGIN_DENIED, LOGIN_ACCEPTED, PLAYER_JOINED = range(131, 139)
 CHAT, SERVER_TEXT = 144, 162
+
+
+def use_build(folder):
+    """The programs of this build folder are the ones to start, whatever the environment says."""
+    global CLIENT, SERVER
+    CLIENT, SERVER = (str((pathlib.Path(folder) / name).resolve()) for name in ("kelvora", "kelvora-server"))
+
+
+def on_display(action):
+    """Runs `action` with a display, which ends with it, also when somebody ends the script."""
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    display = Display()
+    try:
+        action(display)
+    finally:
+        display.close()
 
 
 def wait_for(condition, what, seconds=20.0, pause=0.05):
@@ -461,55 +476,3 @@ class ScriptedServer:
         for line in self.lines:
             line.close()
         self.listener.close()
-
-
-class DesktopTest(unittest.TestCase):
-    """One display for all tests of a class; a client and servers of its own for each test."""
-
-    screen = "1280x1024"
-    frame = {}  # sizes of the window manager's frames, if not its own
-
-    @classmethod
-    def setUpClass(cls):
-        cls.display = Display(cls.screen, **cls.frame)
-        cls.addClassCleanup(cls.display.close)
-
-    def start_client(self, **options):
-        client = Client(self.display, **options)
-        self.addCleanup(client.close)
-        return client
-
-    def start_server(self, *arguments):
-        server = Server(*arguments)
-        self.addCleanup(server.close)
-        return server
-
-    def scripted_server(self):
-        server = ScriptedServer()
-        self.addCleanup(server.close)
-        return server
-
-    def log_in(self, client=None, colour=0, x=50000, y=50000, name="Ann"):
-        """A client in the game of a scripted server, with its brakes on: the client and its connection."""
-        client = client or self.start_client()
-        server = self.scripted_server()
-        client.connect(server.port, name=name)
-        line = server.accept()
-        self.assertEqual(line.recv_frame()[0], LOGIN)
-        line.send(LOGIN_ACCEPTED, colour, 7, x, y)
-        # The answer to a ping tells that the login has been taken in; a report follows it.
-        line.send(PING, 1)
-        self.assertEqual(line.recv_frame()[0], PING_REPLY)
-        self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
-        return client, line
-
-    def run(self, result=None):
-        # A hanging process must not hold the whole run: the alarm breaks whatever waits.
-        def late(*_):
-            raise AssertionError("the test took longer than 90 s")
-        signal.signal(signal.SIGALRM, late)
-        signal.alarm(90)
-        try:
-            return super().run(result)
-        finally:
-            signal.alarm(0)

@@ -1,0 +1,58 @@
+"""What the tests of the real window share."""
+
+import signal
+import unittest
+
+import harness
+
+
+class DesktopTest(unittest.TestCase):
+    """One display for all tests of a class; a client and servers of its own for each test."""
+
+    screen = "1280x1024"
+    frame = {}  # sizes of the window manager's frames, if not its own
+
+    @classmethod
+    def setUpClass(cls):
+        cls.display = harness.Display(cls.screen, **cls.frame)
+        cls.addClassCleanup(cls.display.close)
+
+    def start_client(self, **options):
+        client = harness.Client(self.display, **options)
+        self.addCleanup(client.close)
+        return client
+
+    def start_server(self, *arguments):
+        server = harness.Server(*arguments)
+        self.addCleanup(server.close)
+        return server
+
+    def scripted_server(self):
+        server = harness.ScriptedServer()
+        self.addCleanup(server.close)
+        return server
+
+    def log_in(self, client=None, colour=0, x=50000, y=50000, name="Ann"):
+        """A client in the game of a scripted server, with its brakes on: the client and its connection."""
+        client = client or self.start_client()
+        server = self.scripted_server()
+        client.connect(server.port, name=name)
+        line = server.accept()
+        self.assertEqual(line.recv_frame()[0], harness.LOGIN)
+        line.send(harness.LOGIN_ACCEPTED, colour, 7, x, y)
+        # The answer to a ping tells that the login has been taken in; a report follows it.
+        line.send(harness.PING, 1)
+        self.assertEqual(line.recv_frame()[0], harness.PING_REPLY)
+        self.assertEqual(line.recv_frame()[0], harness.POSITION_REPORT)
+        return client, line
+
+    def run(self, result=None):
+        # A hanging process must not hold the whole run: the alarm breaks whatever waits.
+        def late(*_):
+            raise AssertionError("the test took longer than 90 s")
+        signal.signal(signal.SIGALRM, late)
+        signal.alarm(90)
+        try:
+            return super().run(result)
+        finally:
+            signal.alarm(0)
