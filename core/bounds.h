@@ -10,16 +10,16 @@ namespace kelvora::modMain {
 
 // Limits on what a server can make the client store, in total. They are far beyond any game, and keep a hostile server
 // from filling the memory or making a frame last for ever. Anything beyond is dropped, or is a fault of its message.
-inline constexpr std::size_t mostTailVertices = 250'000;       ///< of all players
-inline constexpr std::size_t mostQueuedPositions = 1'000'000;  ///< of all players and network particles
-inline constexpr std::size_t mostKillerTails = 1'000;
-inline constexpr std::size_t mostVictims = 1'000;  ///< of one killer tail
-inline constexpr std::size_t mostExplosionParticles = 1'000;
-inline constexpr std::size_t mostNameBytes = std::size_t{16} << 20;  ///< of opponents and network particles
+inline constexpr std::size_t maxTailVertices = 250'000;       ///< of all players
+inline constexpr std::size_t maxQueuedPositions = 1'000'000;  ///< of all players and network particles
+inline constexpr std::size_t maxKillerTails = 1'000;
+inline constexpr std::size_t maxVictims = 1'000;  ///< of one killer tail
+inline constexpr std::size_t maxExplosionParticles = 1'000;
+inline constexpr std::size_t maxNameBytes = std::size_t{16} << 20;  ///< of opponents and network particles
 
 /// Accounts for a name that is stored for good. RuntimeFault "Out of memory" beyond the limit.
 inline void keepName(const std::string& name) {
-  if (name.size() > mostNameBytes - world.nameBytes) raiseOutOfMemory();
+  if (name.size() > maxNameBytes - world.nameBytes) raiseOutOfMemory();
   world.nameBytes += name.size();
 }
 

@@ -35,7 +35,7 @@ void takeTarget(const Glider& glider, const std::function<void()>& reached) {
 bool isInWorld(Vector point) { return point.x >= 0 && point.x <= worldSize && point.y >= 0 && point.y <= worldSize; }
 
 void addTarget(std::deque<Vector>& targets, Vector point) {
-  if (world.queuedPositions >= mostQueuedPositions) return;
+  if (world.queuedPositions >= maxQueuedPositions) return;
   targets.push_back(point);
   ++world.queuedPositions;
 }

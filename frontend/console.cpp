@@ -13,8 +13,8 @@ namespace kelvora {
 
 namespace {
 
-constexpr std::size_t longestLine = 90;    // characters
-constexpr std::size_t shortestSplit = 80;  // characters, including the blank
+constexpr std::size_t maxLineLength = 90;  // characters
+constexpr std::size_t minSplit = 80;       // characters, including the blank
 
 void pushLine(std::string text, std::int16_t lineType) {
   auto& lines = modMain::world.chatLines;
@@ -28,9 +28,9 @@ void printChat(const std::string& text, std::int16_t lineType) {
   const std::string trimmed = trimBlanks(text);
   std::string_view rest = trimmed;
   std::string_view mark;
-  while (mark.size() + rest.size() > longestLine) {
+  while (mark.size() + rest.size() > maxLineLength) {
     // A line's end depends on its first 90 characters only, so this needn't copy the rest of a long text every time.
-    const std::string window = std::string(mark).append(rest.substr(0, longestLine + 1));
+    const std::string window = std::string(mark).append(rest.substr(0, maxLineLength + 1));
     std::string first = splitChatLine(window).first;
     rest.remove_prefix(first.size() - mark.size());
     pushLine(std::move(first), lineType);
@@ -42,9 +42,9 @@ void printChat(const std::string& text, std::int16_t lineType) {
 }
 
 std::pair<std::string, std::string> splitChatLine(const std::string& text) {
-  if (text.size() <= longestLine) return {};
-  std::size_t length = longestLine;
-  for (std::size_t p = longestLine; p >= shortestSplit; --p) {
+  if (text.size() <= maxLineLength) return {};
+  std::size_t length = maxLineLength;
+  for (std::size_t p = maxLineLength; p >= minSplit; --p) {
     if (text[p - 1] == ' ') {
       length = p;
       break;

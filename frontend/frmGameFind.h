@@ -34,7 +34,7 @@ class FrmGameFind : public Form {
 
   std::int16_t hostCount = 0;
   std::vector<hostEntry> hosts = std::vector<hostEntry>(1);  ///< 1 to hostCount; element 0 is unused
-  std::string hostBuffer;                                    ///< the answer so far, at most `longestAnswer` bytes
+  std::string hostBuffer;                                    ///< the answer so far, at most `maxAnswerSize` bytes
 
   Label lblHeader{this, {120, 120, 5055, 255}, "", {.systemColours = true}};
   Button cmdRefresh{this, {5340, 120, 1455, 255}, "Refresh"};

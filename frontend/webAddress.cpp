@@ -45,14 +45,14 @@ WebAddress webAddress() { return parseWebAddress(webHost()); }
 
 std::string readArrived(Winsock& socket) {
   // Quirk Q-281: the rest isn't read until more data arrives.
-  constexpr int mostReads = 49;
+  constexpr int maxReads = 49;
   std::string arrived;
-  for (int reads = 0; reads < mostReads && socket.State() == sckConnected; ++reads) arrived += socket.GetData();
+  for (int reads = 0; reads < maxReads && socket.State() == sckConnected; ++reads) arrived += socket.GetData();
   return arrived;
 }
 
 bool appendAnswer(std::string& answer, std::string_view arrived) {
-  const std::size_t room = longestAnswer - std::min(answer.size(), longestAnswer);
+  const std::size_t room = maxAnswerSize - std::min(answer.size(), maxAnswerSize);
   answer += arrived.substr(0, room);
   return arrived.size() <= room;
 }

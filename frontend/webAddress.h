@@ -28,7 +28,7 @@ WebAddress webAddress();
 
 /// Maximum size of an answer from the web host, in bytes. The rest is dropped, so an endless answer can't fill the
 /// memory.
-inline constexpr std::size_t longestAnswer = std::size_t{1024} * 1024;
+inline constexpr std::size_t maxAnswerSize = std::size_t{1024} * 1024;
 
 /// Reads the data of one data event: at most 49 reads, while the socket is connected.
 std::string readArrived(Winsock& socket);

@@ -45,7 +45,7 @@ const std::string& colourName(std::int16_t colour) {
 // half as many vertices as there can be, he takes his with him, so that the living never want for theirs.
 void letGo(clsPlayer& player) {
   player.isConnected = false;
-  if (clsTail::count() > modMain::mostTailVertices / 2) player.tails.clear();
+  if (clsTail::count() > modMain::maxTailVertices / 2) player.tails.clear();
 }
 
 bool hasPlayerRow(std::int16_t colour) { return colour >= 0 && colour <= frmMain->lbUserName.UBound; }

@@ -33,7 +33,7 @@ void createParticleField() {
 }
 
 void addExplosion(Vector point, std::int16_t count) {
-  for (int i = 0; i < count && world.explosionParticles.size() < mostExplosionParticles; ++i) {
+  for (int i = 0; i < count && world.explosionParticles.size() < maxExplosionParticles; ++i) {
     world.explosionParticles.emplace_back().init(world.explosionCount,
                                                  static_cast<std::uint8_t>(ParticleType::Explosion), point.x, point.y);
     world.explosionCount += 1;

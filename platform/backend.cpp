@@ -24,9 +24,9 @@ void Randomize(float seed) { backend().randomize(seed); }
 
 void DoEvents(bool mayWait) { backend().doEvents(mayWait); }
 void MsgBox(const std::string& text) {
-  constexpr int mostBoxes = 16;
+  constexpr int maxBoxes = 16;
   static int standing = 0;
-  if (standing == mostBoxes) return;
+  if (standing == maxBoxes) return;
   struct Box {
     Box() { ++standing; }
     ~Box() { --standing; }

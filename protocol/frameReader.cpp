@@ -15,7 +15,7 @@ bool FrameReader::read(std::string_view bytes, const std::function<void(std::str
       handle(text_);
       text_.clear();
       isOpen_ = false;
-    } else if (text_.size() == longestFrame) {
+    } else if (text_.size() == maxFrameLength) {
       return false;
     } else {
       text_ += byte;

@@ -10,7 +10,7 @@ namespace kelvora::wire {
 /// Splits a stream of bytes into frames, however the network has split or joined them.
 class FrameReader {
  public:
-  static constexpr std::size_t longestFrame = 4096;  ///< bytes between start and end
+  static constexpr std::size_t maxFrameLength = 4096;  ///< bytes between start and end
 
   /// Calls `handle` with the text (id and fields) of every frame that the bytes complete. False if they contain a byte
   /// outside a frame, a start inside one, or a frame that is too long. Don't read on after that. Only a login may

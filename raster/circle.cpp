@@ -14,12 +14,12 @@ namespace kelvora {
 namespace {
 
 // Row widths of small discs. Nearly every circle in the game is a particle with a radius of one or two pixels.
-constexpr int largestSmall = 7;
-using Reaches = std::array<std::array<int, largestSmall + 2>, largestSmall + 1>;
+constexpr int maxSmallRadius = 7;
+using Reaches = std::array<std::array<int, maxSmallRadius + 2>, maxSmallRadius + 1>;
 constexpr Reaches smallReaches = [] {
   Reaches reaches{};
-  for (int radius = 0; radius <= largestSmall; ++radius) {
-    for (int row = 0; row <= largestSmall + 1; ++row) {
+  for (int radius = 0; radius <= maxSmallRadius; ++radius) {
+    for (int row = 0; row <= maxSmallRadius + 1; ++row) {
       int reach = -1;
       while ((reach + 1) * (reach + 1) + row * row <= radius * radius + radius) ++reach;
       reaches.at(static_cast<std::size_t>(radius)).at(static_cast<std::size_t>(row)) = reach;
@@ -30,7 +30,7 @@ constexpr Reaches smallReaches = [] {
 
 // How far the disc's row extends to either side of the centre; -1 above and below the disc.
 int rowReach(std::int64_t radius, std::int64_t row) {
-  if (radius <= largestSmall) return smallReaches[static_cast<std::size_t>(radius)][static_cast<std::size_t>(row)];
+  if (radius <= maxSmallRadius) return smallReaches[static_cast<std::size_t>(radius)][static_cast<std::size_t>(row)];
   const std::int64_t rest = radius * radius + radius - row * row;
   return rest < 0 ? -1 : static_cast<int>(wholeRoot(rest));
 }
@@ -51,7 +51,7 @@ void fillSmallDisc(Pixel* centre, int radius, std::ptrdiff_t pitch, Pixel pixel)
   fillDisc<2>(centre, pitch, pixel, std::make_integer_sequence<int, 5>{});
 }
 
-constexpr std::size_t mostSmallDiscs = 1024;
+constexpr std::size_t maxSmallDiscs = 1024;
 
 }  // namespace
 
@@ -71,7 +71,7 @@ void Surface::Circle(float x, float y, float radius, Colour outline) {
   const bool isWhole = centreX >= reach && centreX + reach < width_ && centreY >= reach && centreY + reach < height_;
   if (isPlain && isWhole && (reach == 1 || reach == 2)) {
     const SmallDisc disc{centreY * width_ + centreX, reach};
-    if (background_ || smallDiscs_.size() == mostSmallDiscs) {
+    if (background_ || smallDiscs_.size() == maxSmallDiscs) {
       touch(centreX - reach, centreY - reach, centreX + reach, centreY + reach);
     } else {
       smallDiscs_.push_back(disc);

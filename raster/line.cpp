@@ -17,7 +17,7 @@
 namespace kelvora {
 namespace {
 
-constexpr int widestPen = 64;
+constexpr int maxPenWidth = 64;
 
 // Rows of an arc or edge computed at a time. One block is nearly always enough, so the branch is predictable.
 constexpr int arcBlock = 32;
@@ -25,11 +25,11 @@ constexpr int edgeBlock = 32;
 
 // The pen's disc, row by row from its top: how far the row extends to the right of the pen's pixel. To the left it
 // extends as far plus e. A disc of width w has w rows, followed by zeros up to a whole block.
-using Disc = std::array<std::int8_t, widestPen + arcBlock>;
+using Disc = std::array<std::int8_t, maxPenWidth + arcBlock>;
 
-constexpr std::array<Disc, widestPen + 1> makeDiscs() {
-  std::array<Disc, widestPen + 1> discs{};
-  for (int width = 1; width <= widestPen; ++width) {
+constexpr std::array<Disc, maxPenWidth + 1> makeDiscs() {
+  std::array<Disc, maxPenWidth + 1> discs{};
+  for (int width = 1; width <= maxPenWidth; ++width) {
     const int e = 1 - width % 2;
     for (int row = 0; row < width; ++row) {
       const int down = 2 * (row - width / 2) + e;
@@ -41,7 +41,7 @@ constexpr std::array<Disc, widestPen + 1> makeDiscs() {
   return discs;
 }
 
-constexpr std::array<Disc, widestPen + 1> discs = makeDiscs();
+constexpr std::array<Disc, maxPenWidth + 1> discs = makeDiscs();
 
 // A line's image and colour.
 struct Target {
@@ -293,7 +293,7 @@ void drawThickWide(const Target&, End, End, int) {}
 void drawThickNarrow(const Target& target, End from, End to, int width) { drawThick(target, from, to, width); }
 
 // Twips from 0 on both axes. Lines are cut off beyond.
-constexpr double reach = double{farthestPixel} * twipsPerPixel;
+constexpr double reach = double{maxPixel} * twipsPerPixel;
 
 struct TwipPoint {
   double x;
@@ -344,7 +344,7 @@ void Surface::Line(float x1, float y1, float x2, float y2) {
   }
   const PixelPoint from{toPixels(a.x), toPixels(a.y)};
   const PixelPoint to{toPixels(b.x), toPixels(b.y)};
-  const int width = std::clamp(DrawWidth, 1, widestPen);
+  const int width = std::clamp(DrawWidth, 1, maxPenWidth);
   const Pixel pixel = toPixel(ForeColor);
   const int above = width / 2;
   const int below = width - 1 - above;

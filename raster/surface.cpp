@@ -22,9 +22,9 @@ constexpr int wordTiles = 64;  // tiles per word of bits
 constexpr int wordWidthBits = tileWidthBits + 6;
 
 // Pixels that a few stores clear faster than a call of the C library.
-constexpr int longestShortRun = 64;
+constexpr int shortRunLimit = 64;
 
-constexpr int mostScatteredTiles = 16;  // per word
+constexpr int maxScatteredTiles = 16;  // per word
 
 constexpr int roundedUp(int count, int bits) { return (count + (1 << bits) - 1) >> bits; }
 
@@ -58,7 +58,7 @@ void fillLong(Pixel* target, std::ptrdiff_t count, Pixel pixel) {
 void clearRows(Rectangle area, Pixel pixel, const SpanFiller& filler) {
   if (area.width == area.pitch) return fillLong(area.corner, std::ptrdiff_t{area.width} * area.height, pixel);
   for (; area.height > 0; --area.height, area.corner += area.pitch) {
-    if (area.width <= longestShortRun) {
+    if (area.width <= shortRunLimit) {
       filler.fill(area.corner, area.width);
     } else {
       fillLong(area.corner, area.width, pixel);
@@ -161,7 +161,7 @@ void Surface::clearTouched(int row, std::uint64_t* words) {
     if (tiles == 0) continue;
     const int endTile = firstTile + wordTiles - std::countl_zero(tiles);
     const bool areWhole = endTile << tileWidthBits <= width_ && height == tileHeight;
-    if (!background_ && areWhole && std::popcount(tiles) <= mostScatteredTiles) {
+    if (!background_ && areWhole && std::popcount(tiles) <= maxScatteredTiles) {
       const auto clear = hasWideRegisters ? clearTilesWide : clearTilesNarrow;
       clear(tiles, line + (firstTile << tileWidthBits), width_, clearedTo_);
       continue;

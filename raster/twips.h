@@ -10,12 +10,12 @@ inline constexpr int twipsPerPixel = 15;
 
 /// Pixels beyond this one, on either side of 0, are outside any surface. Conversions clamp to it, so that later sums
 /// can't overflow.
-inline constexpr int farthestPixel = 1'000'000;
+inline constexpr int maxPixel = 1'000'000;
 
 /// The pixel of a twip coordinate or length: the nearest one, halves upward. All conversions from twips to pixels go
 /// through here.
 inline int toPixels(double twips) {
-  constexpr double limit = farthestPixel;
+  constexpr double limit = maxPixel;
   // Rounds halves up despite the error of multiplying by a fraction. The single-precision number next to a half is
   // thirty times farther away.
   constexpr double hair = 0x1p-30;

@@ -19,7 +19,7 @@ namespace {
 constexpr double pullPerDepth = 0.05;
 constexpr int dimmingPerDepth = 10;
 constexpr int starBrightness = 200;
-constexpr int largestRadius = 30;  // twips
+constexpr int maxRadius = 30;  // twips
 constexpr std::int16_t explosionPaints = 10;
 
 /// A coordinate pulled towards the canvas's centre; deeper particles are pulled more.
@@ -75,7 +75,7 @@ void clsParticle::paintBackground(Vector place) const {
   }
   PictureBox& canvas = frmMain->canvas;
   canvas.FillColor = colour;
-  canvas.Circle(place.x, place.y, static_cast<float>(largestRadius - depth), colour);
+  canvas.Circle(place.x, place.y, static_cast<float>(maxRadius - depth), colour);
 }
 
 void clsParticle::paintSpriteAt(Vector place, bool exchanged) const {

@@ -18,7 +18,7 @@ constexpr float leftMargin = 60;
 constexpr float lineSpacing = 400;
 constexpr std::size_t paintedLines = 7;
 constexpr int darkeningPerLine = 30;
-constexpr std::int16_t smallestSize = 9;
+constexpr std::int16_t minSize = 9;
 constexpr int oldestMessage = 250;
 constexpr std::uint8_t unsetGrey = 50;
 
@@ -50,7 +50,7 @@ void paintTextLines() {
     const int amount = static_cast<int>(i) * darkeningPerLine;
     colour = {darkened(colour.red, amount), darkened(colour.green, amount), darkened(colour.blue, amount)};
     y -= lineSpacing;
-    canvas.FontSize = line.size < smallestSize ? smallestSize : line.size;
+    canvas.FontSize = line.size < minSize ? minSize : line.size;
     printAt(canvas, leftMargin, y, colour, line.text);
   }
   canvas.FontSize = ownSize;

@@ -29,8 +29,8 @@ void addKillerTail(std::int16_t winnerNode, std::int16_t loserNode, float x, flo
   // winner.
   const auto known = std::find_if(world.killerTails.begin(), world.killerTails.end(),
                                   [&](const KillerTail& record) { return record.location == location; });
-  const bool isFull = known == world.killerTails.end() ? world.killerTails.size() >= mostKillerTails
-                                                       : known->victims.size() >= mostVictims;
+  const bool isFull = known == world.killerTails.end() ? world.killerTails.size() >= maxKillerTails
+                                                       : known->victims.size() >= maxVictims;
   if (isFull) {
     executeCapture(winnerNode, loserNode);
     return;

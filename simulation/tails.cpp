@@ -14,9 +14,9 @@ namespace kelvora {
 
 namespace {
 
-constexpr Tick longestStep = 32001;  // ms; a vertex that was never stepped, with a tick of 0, exceeds it too
-constexpr Tick shortestStep = 10;    // ms
-constexpr double stepUnit = 10;      // ms per unit of age
+constexpr Tick maxStep = 32001;  // ms; a vertex that was never stepped, with a tick of 0, exceeds it too
+constexpr Tick minStep = 10;     // ms
+constexpr double stepUnit = 10;  // ms per unit of age
 constexpr int oldestAge = 200;
 
 /// Serial number of a player's oldest vertex; 0 if there is no such player.
@@ -46,13 +46,13 @@ bool clsTail::age() {
   const Tick elapsed = now - lastStep_;
   // Quirk Q-101: a gap above 32 seconds doesn't count. The first call, with a tick of 0, takes the same branch: it
   // stamps the vertex and adds nothing.
-  if (elapsed >= longestStep) {
+  if (elapsed >= maxStep) {
     lastStep_ = now;
     return false;
   }
   // Quirk Q-102: up to 10 ms nothing happens and the tick stays, so the time accumulates. Above, the step is rounded to
   // whole units and the remainder is lost.
-  if (elapsed <= shortestStep) return false;
+  if (elapsed <= minStep) return false;
   age_ = toInt16(age_ + roundToEven(static_cast<double>(elapsed) / stepUnit));
   lastStep_ = now;
   if (age_ <= oldestAge) return false;
@@ -68,7 +68,7 @@ void clsTail::expire() {
 }
 
 void clsPlayer::addTail(Vector point) {
-  if (!alive || clsTail::count() >= modMain::mostTailVertices) return;
+  if (!alive || clsTail::count() >= modMain::maxTailVertices) return;
   const double count = tailCount();
   clsTail& vertex = tails.emplace_back();
   vertex.initTail(count, playerIndex, point);

@@ -7,8 +7,8 @@ namespace kelvora {
 namespace {
 
 constexpr int rows = 24;
-constexpr int columns = 60;      ///< characters in a line of a box, about
-constexpr int longestWord = 96;  ///< the box becomes as wide as a word up to this length
+constexpr int columns = 60;        ///< characters in a line of a box, about
+constexpr int maxWordLength = 96;  ///< the box becomes as wide as a word up to this length
 constexpr int wordPiece = 32;
 constexpr char16_t mayBreakHere = 0x200B;
 constexpr char noBreakSpace = '\xA0';
@@ -35,7 +35,7 @@ std::u16string boxText(std::string_view text) {
       if (++row > rows) return shown + u"...";
     }
     word = isSpace(all[i]) ? 0 : word + 1;
-    if (word > longestWord && word % wordPiece == 1) shown += mayBreakHere;
+    if (word > maxWordLength && word % wordPiece == 1) shown += mayBreakHere;
     shown += toUnicode(static_cast<unsigned char>(all[i]));
   }
   return text.size() > enough ? shown + u"..." : shown;

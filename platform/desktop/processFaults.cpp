@@ -12,7 +12,7 @@ void endAtOnce(int status, void*) { std::_Exit(status); }
 
 }  // namespace
 
-void outliveFaults() {
+void ignoreFatalSignals() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   ::on_exit(endAtOnce, nullptr);

@@ -30,7 +30,7 @@ constexpr const char* helpText =
 
 }  // namespace
 
-bool answersArguments(int argc, char** argv) {
+bool handleInfoOptions(int argc, char** argv) {
   if (argc != 2) return false;
   const std::string_view argument = argv[1];
   if (argument == "--help") {

@@ -31,7 +31,7 @@ std::string joinedArguments(int argc, char** argv) {
 }  // namespace
 
 int runDesktop(int argc, char** argv, void (*game)()) {
-  if (answersArguments(argc, argv)) return 0;
+  if (handleInfoOptions(argc, argv)) return 0;
   const std::string commandLine = joinedArguments(argc, argv);
   chooseWindowSystem();
   std::optional<ScreenSearch> search(std::in_place);
@@ -39,7 +39,7 @@ int runDesktop(int argc, char** argv, void (*game)()) {
   QApplication application(argc, argv);
   fonts.reset();
   search.reset();
-  tellWhatIsMissing();
+  warnMissingFeatures();
   // The toolkit adopts the user's locale, but numbers keep their decimal point.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setApplicationName("kelvora");
@@ -53,7 +53,7 @@ int runDesktop(int argc, char** argv, void (*game)()) {
   QtDesktop desktop(commandLine);
   setProgramIconLater(desktop.applicationPath());
   installBackend(&desktop);
-  outliveFaults();
+  ignoreFatalSignals();
   try {
     game();
   } catch (const std::exception& fault) {

@@ -25,14 +25,14 @@ namespace {
 
 /// KiB, for the style's cached button parts. It never reuses them for a window that is created again, such as the store
 /// at every visit, so they would grow to the toolkit's own limit of 10 MiB.
-constexpr int mostStylePieces = 1024;
+constexpr int styleCacheLimit = 1024;
 
 }  // namespace
 
 QtDesktop::QtDesktop(std::string commandLine)
     : commandLine_(std::move(commandLine)), settings_(QtSettings::defaultPath()) {
   sinceStart_.start();
-  QPixmapCache::setCacheLimit(mostStylePieces);
+  QPixmapCache::setCacheLimit(styleCacheLimit);
   if (const auto frame = frameFromText(qgetenv("KELVORA_FRAME_MS").toStdString())) pacer_.emplace(*frame);
   wakeUp_.setSingleShot(true);
   wakeUp_.setTimerType(Qt::PreciseTimer);

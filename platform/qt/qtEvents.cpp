@@ -11,12 +11,12 @@ namespace kelvora {
 namespace {
 
 /// Processes all pending events, but not for longer than this if more keep coming.
-constexpr int longestService = 10;  // ms
+constexpr int maxServiceTime = 10;  // ms
 
 /// Handlers that process events nest, and a held key would overflow the stack.
-constexpr int deepestService = 40;  // handlers and loops; sixteen message boxes need two each
+constexpr int maxServiceDepth = 40;  // handlers and loops; sixteen message boxes need two each
 
-void servePending() { QCoreApplication::processEvents(QEventLoop::AllEvents, longestService); }
+void servePending() { QCoreApplication::processEvents(QEventLoop::AllEvents, maxServiceTime); }
 
 }  // namespace
 
@@ -33,7 +33,7 @@ void QtDesktop::doEvents(bool mayWait) {
     serveUntil(pacer_->passEnd(FramePacer::TimePoint::clock::now()));
   } else if (isOutermost) {
     servePending();
-  } else if (handlerDepth() <= deepestService) {
+  } else if (handlerDepth() <= maxServiceDepth) {
     // Only what is pending now: the answers belong to the frame loop, after the handler has returned.
     QCoreApplication::processEvents(QEventLoop::AllEvents);
   }

@@ -45,8 +45,8 @@ QtSocket::~QtSocket() { drop(); }
 
 void QtSocket::connect(const std::string& host, int port) {
   drop();
-  constexpr int highestPort = 65535;
-  if (port < 1 || port > highestPort) {
+  constexpr int maxPort = 65535;
+  if (port < 1 || port > maxPort) {
     state_ = sckError;
     return;
   }

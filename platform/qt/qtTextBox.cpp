@@ -13,7 +13,7 @@ namespace kelvora {
 
 namespace {
 
-constexpr int longestCommand = 60;  // characters of a command shown in the box
+constexpr int maxCommandLength = 60;  // characters of a command shown in the box
 
 /// Keeps only what a line can hold: characters of code page 1252 except control characters. Line breaks and tabs become
 /// blanks, but are dropped at the ends.
@@ -52,7 +52,7 @@ class LineEdit : public QLineEdit {
         event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Escape;
     if (goesToForm && formAnswers(*event)) return;
     const bool isCommand = text().startsWith('~') && event->text() == "\r";
-    if (isCommand) noteForReport("the command " + toBytes(text().left(longestCommand)));
+    if (isCommand) noteForReport("the command " + toBytes(text().left(maxCommandLength)));
     raiseKey(box_, *event);
     QLineEdit::keyPressEvent(event);
   }

@@ -7,7 +7,7 @@ namespace kelvora {
 void chooseWindowSystem();
 
 /// Prints on stderr what doesn't work under the current window system, if anything.
-void tellWhatIsMissing();
+void warnMissingFeatures();
 
 /// While it exists, a toolkit that finds no screen ends the process with a message on stderr and status 1 instead of
 /// aborting. The toolkit's own messages are held back until then, or until this is destroyed.

@@ -28,7 +28,7 @@ double stepsToEdge(double from, double along) {
 
 }  // namespace
 
-double distanceOfWays(Point a, Point b, Point c, Point d) {
+double segmentDistance(Point a, Point b, Point c, Point d) {
   if (areAcross(a, b, c, d)) return 0;
   return std::min({distanceToWay(a, c, d), distanceToWay(b, c, d), distanceToWay(c, a, b), distanceToWay(d, a, b)});
 }

@@ -10,7 +10,7 @@ inline constexpr double ballRadius = 49 * 15 / 2.0;
 inline constexpr double pulseRadius = 4'500;
 
 /// The minimum distance between the segments a-b and c-d. Either may be a single point.
-double distanceOfWays(Point a, Point b, Point c, Point d);
+double segmentDistance(Point a, Point b, Point c, Point d);
 /// The point on the world's edge where a beam from `from` along `along` leaves the world. `along` must not be zero on
 /// both axes.
 Point worldEdge(Point from, Point along);

@@ -55,8 +55,8 @@ Outcome Lobby::check(ClientId client, const RequestFields& fields) const {
   if (fields[3] != version_) return Outcome::refused("This server needs version " + version_ + " of the game.");
   if (!password_.empty() && fields[1] != password_) return Outcome::refused("Wrong password.");
   if (trimBlanks(name).empty()) return Outcome::refused("A name is needed.");
-  if (name.size() > longestName) {
-    return Outcome::refused("The name is longer than " + std::to_string(longestName) + " characters.");
+  if (name.size() > maxNameLength) {
+    return Outcome::refused("The name is longer than " + std::to_string(maxNameLength) + " characters.");
   }
   if (std::ranges::any_of(name, isControl)) return Outcome::refused("The name contains control characters.");
   if (roster_.isFull() && (isBot(client) || !roster_.hasBots())) return Outcome::refused("The arena is full.");

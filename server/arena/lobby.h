@@ -19,7 +19,7 @@ namespace kelvora::server {
 /// until everybody has been told that the previous player has left.
 class Lobby {
  public:
-  static constexpr std::size_t longestName = 32;  ///< bytes
+  static constexpr std::size_t maxNameLength = 32;  ///< bytes
   static constexpr Millis loginTimeLimit = 10'000;
   static constexpr Millis colourPatience = 3'000;  ///< maximum wait for a bot to give up the wanted colour
   static constexpr Millis firstPingDelay = 1'000;

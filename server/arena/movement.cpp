@@ -10,7 +10,7 @@ namespace kelvora::server {
 namespace {
 
 constexpr Millis newStartAfter = 1'000;
-constexpr Millis longestStep = 80;  // of flight, twice the interval of reports at the design pace
+constexpr Millis maxStep = 80;  // of flight, twice the interval of reports at the design pace
 constexpr double turboFactor = 3;
 constexpr double ghostFactor = 2;
 
@@ -24,7 +24,7 @@ std::optional<float> coordinate(std::string_view text) {
 bool isWithinReach(Player& player, double distance, double speedFactor, Millis now) {
   if (speedFactor <= 0) return true;
   double speed = SpeedLimit::designSpeed * speedFactor;
-  Millis step = longestStep;
+  Millis step = maxStep;
   if (player.inventory.isRunning(turboSlot, now)) {
     speed *= turboFactor;
     // A client's frame moves no further than designed, however long it takes, except under a turbo.

@@ -10,7 +10,7 @@ Spot spotOf(std::string_view x, std::string_view y, Vector read) {
 
 bool Tail::lay(const Spot& spot, Millis now, bool isCharged, Millis extendedUntil) {
   if (!vertices_.empty() && vertices_.back().spot.read == spot.read) return false;
-  if (vertices_.size() == mostVertices) dropOldest(1);
+  if (vertices_.size() == maxVertices) dropOldest(1);
   vertices_.push_back({spot, std::max(now, extendedUntil) + vertexLife, isCharged});
   points_.push_back(spot.grid);
   return true;

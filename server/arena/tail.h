@@ -32,7 +32,7 @@ class Tail {
   /// Clients expire a vertex 2.0 to 2.1 seconds after laying it.
   static constexpr Millis vertexLife = 2'000;
   /// More than anybody lays without a permanent Extra Long Tail.
-  static constexpr std::size_t mostVertices = 4'000;
+  static constexpr std::size_t maxVertices = 4'000;
 
   struct Vertex {
     Spot spot;

@@ -14,13 +14,13 @@ bool reaches(const Player& attacker, Point from, Point to, Millis now) {
   const auto vertices = attacker.tail.vertices();
   for (std::size_t i = 1; i < vertices.size(); ++i) {
     if (vertices[i].isCharged &&
-        distanceOfWays(vertices[i - 1].spot.point(), vertices[i].spot.point(), from, to) <= ballRadius) {
+        segmentDistance(vertices[i - 1].spot.point(), vertices[i].spot.point(), from, to) <= ballRadius) {
       return true;
     }
   }
   if (!attacker.heading || !attacker.inventory.isRunning(laserSlot, now)) return false;
   const Point start = attacker.spot.point();
-  return distanceOfWays(start, worldEdge(start, *attacker.heading), from, to) <= ballRadius;
+  return segmentDistance(start, worldEdge(start, *attacker.heading), from, to) <= ballRadius;
 }
 
 }  // namespace

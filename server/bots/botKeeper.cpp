@@ -12,7 +12,7 @@ namespace {
 
 static_assert(BotWishes::most < Arena::colourCount);
 
-constexpr Millis longestDelay = 200;  // steps missed for longer are skipped
+constexpr Millis maxDelay = 200;  // steps missed for longer are skipped
 
 constexpr std::array names = {"Quillon", "Bramble", "Tindra", "Oskavel", "Marrow",  "Fennick", "Lumo", "Wexley",
                               "Zephine", "Gorbal",  "Pimm",   "Sarrin",  "Dovetta", "Kestor",  "Ullo", "Hesper"};
@@ -44,7 +44,7 @@ void BotKeeper::hangUp(ClientId client) {
 
 void BotKeeper::tick(Millis now) {
   if (seats_.empty() || now < next_) return;
-  if (now - next_ > longestDelay) next_ = now;
+  if (now - next_ > maxDelay) next_ = now;
   for (; next_ <= now; next_ += Sight::step) step(now);
 }
 

@@ -9,8 +9,8 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr double longestFlight = 1'500;  // ms for which an opponent's flight is predicted
-constexpr double hasty = 450;            // ms; a loop that can be closed within this time is always worth it
+constexpr double predictionLimit = 1'500;  // ms for which an opponent's flight is predicted
+constexpr double hasty = 450;              // ms; a loop that can be closed within this time is always worth it
 constexpr Millis loopPatience = 2'600;
 
 /// The duration of a circle in ms. Its length, measured as |x| + |y|, is eight times the radius.
@@ -79,7 +79,7 @@ bool Mind::closeLoop(const BotView& view) {
 void Mind::approach(const BotView& view, const Seen& prey) {
   const double pace = speed(view);
   const bool isLong = view.isRunning[extendedTailSlot];
-  const double radius = isLong ? 1.6 * skill_.largestLoop : between(skill_.smallestLoop, skill_.largestLoop);
+  const double radius = isLong ? 1.6 * skill_.maxLoopRadius : between(skill_.minLoopRadius, skill_.maxLoopRadius);
   const double late = static_cast<double>(view.delay);
   const auto placeIn = [&](double ms) { return foreseen(prey, (ms + late) * skill_.foresight, skill_.foreseesTurns); };
   const Point centre = heldInside(placeIn(roundTrip(radius, pace) * 0.85), radius);
@@ -99,7 +99,7 @@ void Mind::approach(const BotView& view, const Seen& prey) {
   // Where the opponent will be when the loop around them closes.
   double ms = roundTrip(radius, pace);
   for (int i = 0; i < 2; ++i) {
-    ms = std::min(longestFlight,
+    ms = std::min(predictionLimit,
                   roundTrip(radius, pace) + flightLength(heldInside(placeIn(ms), radius) - view.position) / pace);
   }
   steer(angleOf(heldInside(placeIn(ms), radius) - view.position), throttle());
@@ -141,8 +141,8 @@ void Mind::flyLoop(const BotView& view) {
 
 void Mind::endLoop(const BotView& view) {
   loop_.reset();
-  restsUntil_ = view.now + static_cast<Millis>(between(static_cast<double>(skill_.shortestRest),
-                                                       static_cast<double>(skill_.longestRest)));
+  restsUntil_ =
+      view.now + static_cast<Millis>(between(static_cast<double>(skill_.minRest), static_cast<double>(skill_.maxRest)));
   restsStill_ = chance(0.5);
   goal_.reset();
 }

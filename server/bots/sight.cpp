@@ -10,10 +10,10 @@ namespace kelvora::server {
 namespace {
 
 constexpr std::size_t stretch = 3;  // snapshots used to measure a velocity
-constexpr std::size_t mostPictures = 24;
+constexpr std::size_t maxPictures = 24;
 constexpr Millis chargeLasts = 2'200;
-constexpr double sharpestTurn = 0.02;  // radians per ms
-constexpr double slowest = 2;          // world units per ms, below which no turn is measured
+constexpr double maxTurnRate = 0.02;  // radians per ms
+constexpr double slowest = 2;         // world units per ms, below which no turn is measured
 
 }  // namespace
 
@@ -23,7 +23,7 @@ void Sight::add(std::vector<PlayerView> players, Millis now) {
     if (player.isRunning[chargedTailSlot]) charged_[player.node] = now;
   }
   pictures_.push_front(std::move(players));
-  if (pictures_.size() > mostPictures) pictures_.pop_back();
+  if (pictures_.size() > maxPictures) pictures_.pop_back();
 }
 
 void Sight::clear() {
@@ -71,7 +71,7 @@ BotView Sight::viewOf(const PlayerView& self, Millis delay, Millis now) const {
         const Point way = (player.position - before->position) * (1 / time);
         const Point wayBefore = (before->position - longBefore->position) * (1 / time);
         if (length(way) > slowest && length(wayBefore) > slowest) {
-          seen.turn = std::clamp(wrapped(angleOf(way) - angleOf(wayBefore)) / time, -sharpestTurn, sharpestTurn);
+          seen.turn = std::clamp(wrapped(angleOf(way) - angleOf(wayBefore)) / time, -maxTurnRate, maxTurnRate);
         }
         // The measured velocity was that of half the stretch ago.
         seen.velocity = rotated(way, seen.turn * time / 2);

@@ -17,18 +17,18 @@ std::optional<SkillLevel> skillLevel(std::string_view word);
 
 /// The parameters of a level.
 struct Skill {
-  double throttle;      ///< maximum, as a fraction of full speed
-  Millis reaction;      ///< the delay with which it sees the others
-  double turnRate;      ///< radians per second
-  double wobble;        ///< radians, the hand's error
-  double smallestLoop;  ///< minimum radius of a circle around an opponent, world units
-  double largestLoop;
-  double foresight;     ///< how far an opponent's motion is predicted, 0 to 1
-  double aimError;      ///< by how much a circle misses the opponent, maximum as a fraction of its radius
-  bool foreseesTurns;   ///< predicts circles as well, and closes every possible loop
-  double alertness;     ///< probability of noticing a loop that is closing around it
-  Millis shortestRest;  ///< minimum pause between two attempts
-  Millis longestRest;
+  double throttle;       ///< maximum, as a fraction of full speed
+  Millis reaction;       ///< the delay with which it sees the others
+  double turnRate;       ///< radians per second
+  double wobble;         ///< radians, the hand's error
+  double minLoopRadius;  ///< minimum radius of a circle around an opponent, world units
+  double maxLoopRadius;
+  double foresight;    ///< how far an opponent's motion is predicted, 0 to 1
+  double aimError;     ///< by how much a circle misses the opponent, maximum as a fraction of its radius
+  bool foreseesTurns;  ///< predicts circles as well, and closes every possible loop
+  double alertness;    ///< probability of noticing a loop that is closing around it
+  Millis minRest;      ///< minimum pause between two attempts
+  Millis maxRest;
   Millis triumph;                           ///< how long it enjoys a capture
   double restThrottle;                      ///< fraction of full speed while it rests
   std::array<bool, powerupSlotCount> uses;  ///< powerups that it can use

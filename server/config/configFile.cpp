@@ -9,7 +9,7 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr std::size_t longestFile = std::size_t{64} << 10;
+constexpr std::size_t maxFileSize = std::size_t{64} << 10;
 
 std::string_view trim(std::string_view text) {
   constexpr std::string_view blanks = " \t\r";
@@ -45,14 +45,14 @@ Outcome readConfig(std::string_view text, const std::string& fileName, const Tak
 Outcome readConfigFile(const std::string& fileName, const TakeSetting& take) {
   errno = 0;
   std::ifstream file(fileName, std::ios::binary);
-  std::string text(longestFile + 1, '\0');
+  std::string text(maxFileSize + 1, '\0');
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
   if (!file.eof() && file.gcount() == 0) {
     return Outcome::refused("cannot read " + fileName +
                             (errno == 0 ? std::string() : std::string(": ") + std::strerror(errno)));
   }
   text.resize(static_cast<std::size_t>(file.gcount()));
-  if (text.size() > longestFile) return Outcome::refused(fileName + " is longer than 64 KiB");
+  if (text.size() > maxFileSize) return Outcome::refused(fileName + " is longer than 64 KiB");
   return readConfig(text, fileName, take);
 }
 

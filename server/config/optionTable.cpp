@@ -11,10 +11,10 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr int highestPort = 65'535;
-constexpr int longestText = 255;     // bytes
-constexpr int longestTime = 86'400;  // seconds
-constexpr int longestPath = 4'096;   // bytes
+constexpr int maxPort = 65'535;
+constexpr int maxTextLength = 255;    // bytes
+constexpr int maxSeconds = 86'400;    // seconds
+constexpr int maxPathLength = 4'096;  // bytes
 
 using Text = Option::Text;
 using Letters = Option::Letters;
@@ -30,21 +30,21 @@ Option heading(std::string_view text) {
 const std::array table = {
     heading("Where players come in:"),
     Option{"address", "ADDRESS", "where to listen (127.0.0.1)",  //
-           Text([](Options& o) -> std::string& { return o.address; }), 0, longestText},
+           Text([](Options& o) -> std::string& { return o.address; }), 0, maxTextLength},
     Option{"port", "PORT", "TCP port, 0 for any free one (2010)",  //
-           Whole([](Options& o, int value) { o.port = static_cast<std::uint16_t>(value); }), 0, highestPort},
+           Whole([](Options& o, int value) { o.port = static_cast<std::uint16_t>(value); }), 0, maxPort},
     Option{"password", "PASSWORD", "what players must give to get in (none)",
-           Letters{[](Options& o) -> std::string& { return o.password; }, true}, 0, longestText},
+           Letters{[](Options& o) -> std::string& { return o.password; }, true}, 0, maxTextLength},
 
     heading("The game:"),
     Option{"round-seconds", "SECONDS", "how long a round is played (180)",
-           Whole([](Options& o, int value) { o.rules.roundMs = Millis{1000} * value; }), 1, longestTime},
+           Whole([](Options& o, int value) { o.rules.roundMs = Millis{1000} * value; }), 1, maxSeconds},
     Option{"captures-to-win", "COUNT", "captures that win a round at once, 0 for no such end (10)",
            Whole([](Options& o, int value) { o.rules.captureGoal = value; }), 0, 1'000},
     Option{"intermission", "SECONDS", "between two rounds (12)",
-           Whole([](Options& o, int value) { o.rules.intermissionMs = Millis{1000} * value; }), 0, longestTime},
+           Whole([](Options& o, int value) { o.rules.intermissionMs = Millis{1000} * value; }), 0, maxSeconds},
     Option{"respawn-wait", "SECONDS", "from a death to the respawn, at the least (3)",
-           Whole([](Options& o, int value) { o.rules.respawnWaitMs = Millis{1000} * value; }), 0, longestTime},
+           Whole([](Options& o, int value) { o.rules.respawnWaitMs = Millis{1000} * value; }), 0, maxSeconds},
     Option{"income", "CREDITS", "what a living player earns a minute (5)",
            Whole([](Options& o, int value) { o.rules.incomePerMinute = value; }), 0, 6'000},
     Option{"speed-limit", "FACTOR", "how many times the game's own speed a player may keep up, 0 for any (3)",
@@ -56,30 +56,30 @@ const std::array table = {
 
     heading("The list of games:"),
     Option{"web-port", "PORT", "listen on a second port, for clients that look for the list on it (none)",
-           Whole([](Options& o, int value) { o.webPort = static_cast<std::uint16_t>(value); }), 0, highestPort},
+           Whole([](Options& o, int value) { o.webPort = static_cast<std::uint16_t>(value); }), 0, maxPort},
     Option{"web-address", "ADDRESS", "where to listen on the second port (as --address)",
-           Text([](Options& o) -> std::string& { return o.webAddress; }), 0, longestText},
+           Text([](Options& o) -> std::string& { return o.webAddress; }), 0, maxTextLength},
     Option{"site", "FOLDER", "serve this folder's files to browsers (none)",
-           Text([](Options& o) -> std::string& { return o.site; }), 0, longestPath},
+           Text([](Options& o) -> std::string& { return o.site; }), 0, maxPathLength},
     Option{"allow-origin", "ORIGINS", "web pages that may play here, between commas, * for all (*)",
-           Text([](Options& o) -> std::string& { return o.allowOrigin; }), 0, longestPath},
+           Text([](Options& o) -> std::string& { return o.allowOrigin; }), 0, maxPathLength},
     Option{"trusted-proxy", "ADDRESS", "believe this proxy's X-Forwarded-For (none)",
-           Text([](Options& o) -> std::string& { return o.trustedProxy; }), 0, longestText},
+           Text([](Options& o) -> std::string& { return o.trustedProxy; }), 0, maxTextLength},
     Option{"public-address", "ADDRESS", "what the list gives as the address of this server (as --address)",
-           Text([](Options& o) -> std::string& { return o.publicAddress; }), 0, longestText},
+           Text([](Options& o) -> std::string& { return o.publicAddress; }), 0, maxTextLength},
     Option{"notes", "TEXT", "what the list says about this server (nothing)",
-           Letters{[](Options& o) -> std::string& { return o.notes; }, false}, 0, int{longestNotes}},
+           Letters{[](Options& o) -> std::string& { return o.notes; }, false}, 0, int{maxNotesLength}},
 
     Option{"list-key", "KEY", "what other servers must give to be in the list served here (none)",
-           Text([](Options& o) -> std::string& { return o.listKey; }), 0, longestText},
+           Text([](Options& o) -> std::string& { return o.listKey; }), 0, maxTextLength},
     Option{"publish", "URL", "the host of a list where this server announces itself, http://HOST:PORT (none)",
-           Text([](Options& o) -> std::string& { return o.publishUrl; }), 0, longestText},
+           Text([](Options& o) -> std::string& { return o.publishUrl; }), 0, maxTextLength},
     Option{"publish-key", "KEY", "the key of that list (none)",
-           Text([](Options& o) -> std::string& { return o.publishKey; }), 0, longestText},
+           Text([](Options& o) -> std::string& { return o.publishKey; }), 0, maxTextLength},
 
     heading("Besides:"),
     Option{"config", "FILE", "read options from lines \"name = value\"; the command line wins (none)",
-           Text([](Options& o) -> std::string& { return o.config; }), 1, longestPath},
+           Text([](Options& o) -> std::string& { return o.config; }), 1, maxPathLength},
     Option{"help", "", "this text", Switch([](Options& o) { o.help = true; })},
     Option{"version", "", "the version, which is also the one that clients must have",
            Switch([](Options& o) { o.version = true; })},

@@ -10,9 +10,9 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr std::size_t longestVersion = 16;
-constexpr std::size_t longestAddress = 255;
-constexpr std::uint16_t mostPlaces = 1'000;
+constexpr std::size_t maxVersionLength = 16;
+constexpr std::size_t maxAddressLength = 255;
+constexpr std::uint16_t maxPlaces = 1'000;
 
 bool isLetterOrDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
@@ -53,22 +53,22 @@ std::string announcementQuery(const Announcement& announcement) {
 
 Outcome readAnnouncement(const std::function<std::string(std::string_view name)>& value, Announcement& announcement) {
   announcement.version = value("version");
-  if (announcement.version.empty() || announcement.version.size() > longestVersion ||
+  if (announcement.version.empty() || announcement.version.size() > maxVersionLength ||
       !consistsOf(announcement.version, ".")) {
     return Outcome::refused("version");
   }
   HostEntry& host = announcement.host;
   host.address = value("address");
-  if (host.address.size() > longestAddress || !consistsOf(host.address, ".:-")) return Outcome::refused("address");
-  const auto port = number(value("port"), 1, highestListedPort);
+  if (host.address.size() > maxAddressLength || !consistsOf(host.address, ".:-")) return Outcome::refused("address");
+  const auto port = number(value("port"), 1, maxListedPort);
   if (!port) return Outcome::refused("port");
   host.port = *port;
   const auto password = number(value("password"), 0, 1);
   if (!password) return Outcome::refused("password");
   host.passwordRequired = *password == 1;
   host.notes = value("notes");
-  if (host.notes.size() > longestNotes || recordText(host.notes) != host.notes) return Outcome::refused("notes");
-  const auto places = number(value("max"), 1, mostPlaces);
+  if (host.notes.size() > maxNotesLength || recordText(host.notes) != host.notes) return Outcome::refused("notes");
+  const auto places = number(value("max"), 1, maxPlaces);
   if (!places) return Outcome::refused("max");
   host.maxPlayers = *places;
   const auto players = number(value("players"), 0, *places);

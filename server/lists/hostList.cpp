@@ -25,7 +25,7 @@ std::string recordText(std::string_view text) {
 }
 
 bool matches(const HostEntry& host, std::string_view version, const HostQuery& query) {
-  return query.version == version && host.port > 0 && host.port <= highestListedPort &&
+  return query.version == version && host.port > 0 && host.port <= maxListedPort &&
          (query.withPassword || !host.passwordRequired) && (query.withFull || host.players < host.maxPlayers) &&
          (query.withEmpty || host.players > 0);
 }

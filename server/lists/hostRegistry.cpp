@@ -13,10 +13,10 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
     found->second = {network, announcement, now};
     return Answer::done;
   }
-  if (hosts_.size() >= mostHosts) return Answer::full;
+  if (hosts_.size() >= maxHosts) return Answer::full;
   const auto ofNetwork =
       std::ranges::count_if(hosts_, [&](const auto& entry) { return entry.second.network == network; });
-  if (!isTrusted && static_cast<std::size_t>(ofNetwork) >= mostOfNetwork) return Answer::tooManyOfNetwork;
+  if (!isTrusted && static_cast<std::size_t>(ofNetwork) >= maxPerNetwork) return Answer::tooManyOfNetwork;
   hosts_.insert({key, {network, announcement, now}});
   return Answer::done;
 }

@@ -15,8 +15,8 @@ namespace kelvora::server {
 class HostRegistry {
  public:
   static constexpr Millis lifetime = 3'600'000;
-  static constexpr std::size_t mostHosts = 1000;
-  static constexpr std::size_t mostOfNetwork = 32;  ///< entries announced by one host, unless it is trusted
+  static constexpr std::size_t maxHosts = 1000;
+  static constexpr std::size_t maxPerNetwork = 32;  ///< entries announced by one host, unless it is trusted
 
   enum class Answer { done, anothers, tooManyOfNetwork, full };
 

@@ -24,7 +24,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr long timeLimit = 10'000;        // ms for an announcement
 constexpr long goodbyeTimeLimit = 2'000;  // ms
-constexpr std::size_t longestReason = 200;
+constexpr std::size_t maxReasonLength = 200;
 
 Millis millisNow() {
   return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch()).count();
@@ -32,7 +32,7 @@ Millis millisNow() {
 
 std::size_t onBody(char* bytes, std::size_t /*one*/, std::size_t size, void* body) {
   auto& text = *static_cast<std::string*>(body);
-  text.append(bytes, std::min(size, longestReason - text.size()));
+  text.append(bytes, std::min(size, maxReasonLength - text.size()));
   return size;
 }
 

@@ -26,10 +26,10 @@ std::string networkOf(const asio::ip::address& address) {
 }
 
 bool Door::admits(const std::string& network, Millis now) {
-  if (visitors_.size() >= mostNetworks && !visitors_.contains(network)) forget(now);
+  if (visitors_.size() >= maxNetworks && !visitors_.contains(network)) forget(now);
   Visitor& visitor = visitors_[network];
   visitor.lastSeen = now;
-  if (!visitor.connections.allows(now) || visitor.inside >= mostOfNetwork) return false;
+  if (!visitor.connections.allows(now) || visitor.inside >= maxPerNetwork) return false;
   ++visitor.inside;
   return true;
 }
@@ -42,7 +42,7 @@ void Door::forget(Millis now) {
   const auto isGone = [](const auto& entry) { return entry.second.inside == 0; };
   std::erase_if(visitors_,
                 [&](const auto& entry) { return isGone(entry) && now - entry.second.lastSeen >= timeToForgive; });
-  if (visitors_.size() >= mostNetworks) std::erase_if(visitors_, isGone);
+  if (visitors_.size() >= maxNetworks) std::erase_if(visitors_, isGone);
 }
 
 }  // namespace kelvora::server

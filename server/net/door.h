@@ -20,10 +20,10 @@ std::string networkOf(const asio::ip::address& address);
 /// Decides who may connect, so that no single address takes all slots or all time.
 class Door {
  public:
-  static constexpr int mostOfNetwork = 16;  ///< maximum connections at a time from one network
+  static constexpr int maxPerNetwork = 16;  ///< maximum connections at a time from one network
   static constexpr double connectionsPerSecond = 2;
   static constexpr double burst = 32;
-  static constexpr std::size_t mostNetworks = 4096;  ///< networks remembered; others have no history
+  static constexpr std::size_t maxNetworks = 4096;  ///< networks remembered; others have no history
 
   /// True if a connection may come in. Each one must be followed by `left`.
   bool admits(const std::string& network, Millis now);

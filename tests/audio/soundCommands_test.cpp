@@ -26,7 +26,7 @@ TEST_F(SoundConsole, PlaysAnEffect) {
   EXPECT_EQ(machine.soundCommands, playing("puShield.wav"));
 }
 
-TEST_F(SoundConsole, ReadsWhatIsNoNumberAsZero) {
+TEST_F(SoundConsole, ReadsOtherTextAsZero) {
   enter("~playsound:boo");
   EXPECT_EQ(machine.soundCommands, playing("capture.wav"));
   enter("~playmusic:");

@@ -74,7 +74,7 @@ TEST_F(SoundEffects, AreSwitchedOffByTheCommandLineInAnyCase) {
   EXPECT_EQ(machine.soundCommands, playing("capture.wav"));
 }
 
-TEST_F(SoundEffects, AreStoppedWhateverTheSwitchesSay) {
+TEST_F(SoundEffects, AreStoppedRegardlessOfTheSwitches) {
   openSounds();
   machine.commandLineText = "nosound";
   frmMain->mnuAudioSfx.Checked = false;
@@ -152,7 +152,7 @@ TEST_F(SoundEffects, DevicesAreFoundByTheirSlotsAlone) {
   EXPECT_THROW(frmSound->mm(9), RuntimeFault);
 }
 
-TEST_F(SoundEffects, DeviceRefusesWhatMakesNoSense) {
+TEST_F(SoundEffects, DeviceRefusesInvalidCommands) {
   SoundDevice device;
   EXPECT_THROW(device.Command("play"), RuntimeFault) << "not open";
   device.FileName = "/a/b.wav";

@@ -84,7 +84,7 @@ TEST(ToByte, HoldsItsWholeRange) {
   EXPECT_EQ(faultOf([] { toByte(-0.51); }), "Overflow");
 }
 
-TEST(Conversions, FaultOnWhatIsNoNumber) {
+TEST(Conversions, FaultOnNotANumber) {
   EXPECT_EQ(faultOf([] { toInt16(notANumber); }), "Overflow");
   EXPECT_EQ(faultOf([] { toInt32(notANumber); }), "Overflow");
   EXPECT_EQ(faultOf([] { toByte(notANumber); }), "Overflow");

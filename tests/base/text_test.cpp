@@ -103,7 +103,7 @@ TEST(NumberText, TurnsToExponentFormBelowATenMillionth) {
   EXPECT_EQ(numberText(std::numeric_limits<float>::denorm_min()), "1.401298E-45");
 }
 
-TEST(NumberText, FaultsOnWhatIsNoFiniteNumber) {
+TEST(NumberText, FaultsOnInfinityAndNotANumber) {
   EXPECT_EQ(faultOf([] { numberText(std::numeric_limits<float>::infinity()); }), "Overflow");
   EXPECT_EQ(faultOf([] { numberText(std::numeric_limits<float>::quiet_NaN()); }), "Overflow");
 }

@@ -130,7 +130,7 @@ TEST_F(Controls, NegativeSizesAreRefusedAndTheOldOnesKept) {
   EXPECT_EQ(sampleForm->picture.Left.get(), -5);
 }
 
-TEST_F(Controls, APeerIsToldOfAnAssignmentButNotOfWhatItDidItself) {
+TEST_F(Controls, PeersAreNotifiedOfAssignmentsButNotOfTheirOwnChanges) {
   std::vector<PropertyId> told;
   TextBox& text = sampleForm->text;
   text.peer = std::make_unique<NotingPeer>(told);

@@ -81,7 +81,7 @@ TEST_F(GridControl, TheTextIsTheCurrentCells) {
   EXPECT_EQ(grid_.Row, 0) << "a cell that is gone meanwhile";
 }
 
-TEST_F(GridControl, RefusesWhatIsOutOfRange) {
+TEST_F(GridControl, RefusesValuesOutOfRange) {
   EXPECT_THROW(grid_.Rows = -1, RuntimeFault);
   EXPECT_THROW(grid_.Cols = -1, RuntimeFault);
   EXPECT_THROW(grid_.Row = 2, RuntimeFault);

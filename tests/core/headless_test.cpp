@@ -102,7 +102,7 @@ TEST_F(Headless, ASocketConnectsWhenTheFarEndSaysSo) {
   EXPECT_EQ(far.connects, (std::vector<std::pair<std::string, int>>{{"arena", 99}}));
 }
 
-TEST_F(Headless, WhatWasOnItsWayBeforeACloseNeverArrives) {
+TEST_F(Headless, DataInTransitBeforeACloseNeverArrives) {
   Winsock socket;
   HeadlessSocket& far = machine.socketOf(socket);
   int arrivals = 0;

@@ -60,7 +60,7 @@ TEST_F(Input, FunctionKeysWorkFromTheChatLine) {
   EXPECT_EQ(frmMain->txtChat.Text.get(), "");
 }
 
-TEST_F(Input, RequestsOutsideOneToSixAreNone) {
+TEST_F(Input, RequestsOutsideOneToSixAreIgnored) {
   loginWithPowerups();
   for (const int number : {-1, 0, 7, 100}) modMain::requestPowerup(static_cast<std::int16_t>(number));
   EXPECT_TRUE(requests().empty());
@@ -74,7 +74,7 @@ TEST_F(Input, TypingOnTheCanvasGoesToTheChatLine) {
   EXPECT_EQ(frmMain->txtChat.SelStart, 1);
 }
 
-TEST_F(Input, Q226TypingAppendsAtTheEndWhereverTheCaretStands) {
+TEST_F(Input, Q226TypingAppendsAtTheEndRegardlessOfTheCaret) {
   frmMain->txtChat.Text = "hell";
   frmMain->txtChat.SelStart = 0;
   canvas().KeyPress('o');
@@ -189,7 +189,7 @@ TEST_F(Input, Q238ThePlaceIsRoundedToUnitsAndThenToPixels) {
   EXPECT_EQ(machine.pointerPlacements, (Placements{{31, 382}}));
 }
 
-TEST_F(Input, Q225TheBallFliesOnTowardsTheLastPointThatWasSeen) {
+TEST_F(Input, Q225TheBallFliesOnTowardsTheLastKnownPoint) {
   login();
   modMain::world.localPlayer.breaksOn = false;
   move(0, 5722, 0);  // straight up, and then the mouse is gone
@@ -219,7 +219,7 @@ TEST_F(Input, Q034TheWayToPixelsIsThatOfTheDesignWindowAtAnySize) {
   EXPECT_EQ(machine.pointerPlacements, (Placements{{31, 382}}));
 }
 
-TEST_F(Input, Q223WhatIsStoredIsWhereTheMouseWasAndNotWhereItIsPut) {
+TEST_F(Input, Q223StoresTheEventsPositionNotThePushedOne) {
   move(left, 10, 10);
   EXPECT_EQ(modMain::world.mousePos, (Vector{10, 10}));
 }

@@ -270,7 +270,7 @@ TEST_F(MainLoop, MovesTheServersParticles) {
   EXPECT_EQ(particle.position, (Vector{90'000, 80'000}));
 }
 
-TEST_F(MainLoop, Q236TheSpareParticlesAreWalkedAndNeverFilled) {
+TEST_F(MainLoop, Q236TheSpareParticlesAreNeverFilled) {
   login();
   join(8, 1, "Bob");
   modMain::addExplosion({50'000, 50'000}, 3);
@@ -364,7 +364,7 @@ TEST_F(MainLoop, NothingCatchesAFault) {
   EXPECT_THROW(modMain::mainLoop(), RuntimeFault);
 }
 
-TEST_F(MainLoop, Q036ClosingTheWindowEndsTheProcessWithNoWordToTheServer) {
+TEST_F(MainLoop, Q036ClosingTheWindowTellsTheServerNothing) {
   login();
   frmMain->Show();
   machine.journal.clear();

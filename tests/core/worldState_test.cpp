@@ -40,7 +40,7 @@ TEST_F(WorldState, AnIndexIsTheFirstConnectedSlotOfTheNode) {
   EXPECT_EQ(getPlayerIndex(4), 1);
 }
 
-TEST_F(WorldState, Q030NobodysNodeYieldsZero) {
+TEST_F(WorldState, Q030AnUnknownNodeYieldsZero) {
   modMain::world.localPlayer.serverNode = 7;
   EXPECT_EQ(getPlayerIndex(99), 0) << "with no opponent at all";
   addOpponent(3, "Bob");
@@ -66,7 +66,7 @@ TEST_F(WorldState, TheServerNodeOfAnIndex) {
   EXPECT_EQ(getServerNode(-2), 0);
 }
 
-TEST_F(WorldState, Q031APlayerWhoHasGoneIsTakenForNodeZero) {
+TEST_F(WorldState, Q031ADepartedPlayerYieldsNodeZero) {
   addOpponent(3, "Bob", false);
   EXPECT_EQ(getServerNode(0), 0);
 }
@@ -134,7 +134,7 @@ TEST_F(WorldState, ACentreMessageStartsItsAgeAnew) {
   EXPECT_EQ(modMain::world.centreMessageAge, 0);
 }
 
-TEST_F(WorldState, Q032FourteenOfTwentyTipsAreBlank) {
+TEST_F(WorldState, Q032FourteenTipsAreBlank) {
   modMain::showNextTip();
   EXPECT_EQ(modMain::world.centreMessage, "Right-Click to release or engage breaks");
   for (int i = 1; i < 6; ++i) {

@@ -178,7 +178,7 @@ TEST_F(ConnectionState, TwoReadsAreHandledApart) {
   EXPECT_EQ(modMain::world.chatLines[0].text.find("Welcome"), std::string::npos);
 }
 
-TEST_F(ConnectionState, WhatArrivesWhileABoxStandsIsHandledOnce) {
+TEST_F(ConnectionState, MessagesDuringABoxAreHandledOnce) {
   login();
   machine.onMessageBox = [this](const std::string&) {
     if (machine.messageBoxes.size() == 1) serverSends(wire::msgServerText, {"in between"});

@@ -241,7 +241,7 @@ TEST_F(ConnectDialog, BothEndsOfACircleBelongToIt) {
   EXPECT_EQ(frmConnect->colour, 0);
 }
 
-TEST_F(ConnectDialog, Q041APressLeavesTheBorderDottedInColourNumberOne) {
+TEST_F(ConnectDialog, Q041APressLeavesTheBorderDottedInColourOne) {
   press(500, 100);  // circle 1, from 420 to 615
   EXPECT_EQ(frmConnect->colour, 1);
   EXPECT_EQ(borders(), "3/1 3/3 3/1 3/1 3/1 3/1 ");

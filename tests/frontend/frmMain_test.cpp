@@ -222,7 +222,7 @@ TEST_F(MainWindow, Q234TheChatEntryAndTheStatusBarKeepTheirWidths) {
   EXPECT_EQ(frmMain->frame_Status.Left.get(), 0);
 }
 
-TEST_F(MainWindow, ResizingMovesWhatStandsBesideAndBelowTheCanvas) {
+TEST_F(MainWindow, ResizingMovesControlsBesideAndBelowTheCanvas) {
   FrmMain& f = *frmMain;
   f.Width = 15000;
   f.Height = 12000;

@@ -17,7 +17,7 @@ class GameFinderChoice : public GameFinder {
   }
 };
 
-TEST_F(GameFinderChoice, Q272AServerThatAsksForAPasswordIsConnectedWithTheOneOfTheDialog) {
+TEST_F(GameFinderChoice, Q272AProtectedServerGetsTheDialogsPassword) {
   list("[192.0.2.7|2010|0|friendly game|3|8][arena.test|3000|1||0|6]-END-");
   frmGameFind->Show();
   frmGameFind->grid.adoptCell(2, 4);
@@ -32,7 +32,7 @@ TEST_F(GameFinderChoice, Q272AServerThatAsksForAPasswordIsConnectedWithTheOneOfT
   EXPECT_EQ(machine.modalForms, std::vector<std::string>{});
 }
 
-TEST_F(GameFinderChoice, Q272NoPasswordIsAskedForEvenIfThereIsNone) {
+TEST_F(GameFinderChoice, Q272ThePlayerIsNotAskedForAMissingPassword) {
   frmConnect->txtServerPassword.Text = "";
   list("[arena.test|3000|1||0|6]-END-");
   frmGameFind->grid.DblClick();
@@ -71,7 +71,7 @@ TEST_F(GameFinderChoice, Q166ADoubleClickOnAnEmptyListReadsTheHeading) {
   EXPECT_TRUE(frmConnect.isVisible());
 }
 
-TEST_F(GameFinderChoice, Q167TheFinderGoesAlsoIfTheConnectionIsRefused) {
+TEST_F(GameFinderChoice, Q167TheFinderClosesEvenIfTheConnectionIsRefused) {
   list("-END-");
   frmGameFind->Show();
   frmGameFind->grid.DblClick();

@@ -97,7 +97,7 @@ TEST_F(GameFinder, CollectsAnAnswerInManyPieces) {
   EXPECT_EQ(entry(1).address, "192.0.2.7");
 }
 
-TEST_F(GameFinder, Q281WhatIsBeyondFortyNineReadsWaitsForMore) {
+TEST_F(GameFinder, Q281TheRestAfterFortyNineReadsWaitsForMore) {
   *frmGameFind;
   request();
   // 13 bytes a read: the mark begins in the 49th and ends in the 50th.

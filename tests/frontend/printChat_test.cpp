@@ -73,7 +73,7 @@ TEST_F(Console, NinetyCharactersBetweenBlanksAreOneLine) {
 }
 
 // 90 characters; then the mark and 88; then the mark and the last 22.
-TEST_F(Console, Q043TheMarkCountsAmongTheCharactersOfItsLine) {
+TEST_F(Console, Q043TheMarkCountsTowardsItsLine) {
   const std::string text = std::string(90, 'a') + std::string(88, 'b') + std::string(22, 'c');
   printChat(text, 0);
   EXPECT_EQ(world.chatLines[2].text, std::string(90, 'a'));
@@ -144,7 +144,7 @@ TEST_F(Console, AnEmptyTextIsALineOfItsOwn) {
   EXPECT_EQ(world.chatLines[1].text, "first");
 }
 
-TEST_F(Console, WhiteIsWhiteWhateverTheSettings) {
+TEST_F(Console, WhiteIsWhiteWithAnySettings) {
   for (std::int16_t purpose = 0; purpose < 5; ++purpose) {
     for (std::uint8_t channel = 0; channel < 3; ++channel) fontMan::setFontColour(purpose, channel, 7);
     fontMan::setFontSize(purpose, 16);

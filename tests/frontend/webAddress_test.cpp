@@ -19,7 +19,7 @@ TEST(WebAddressText, APortStandsBehindAColon) {
   EXPECT_EQ(parseWebAddress("127.0.0.1:65535"), (WebAddress{"127.0.0.1", 65535}));
 }
 
-TEST(WebAddressText, WhatIsNoPortIsPort80) {
+TEST(WebAddressText, AnInvalidPortIsPort80) {
   for (const char* text : {"h:", "h:0", "h:65536", "h:-1", "h:abc", "h:80x", "h: 8080", "h:99999999999"}) {
     EXPECT_EQ(parseWebAddress(text), (WebAddress{"h", 80})) << text;
   }
@@ -50,7 +50,7 @@ TEST(WebAnswer, KeepsAMebibyteAndNoMore) {
   EXPECT_EQ(answer.back(), 'd');
 }
 
-TEST(WebAnswer, TakesWhatFitsOfTheLastPart) {
+TEST(WebAnswer, TakesAsMuchOfTheLastPartAsFits) {
   std::string answer(1024 * 1024 - 3, 'a');
   EXPECT_FALSE(appendAnswer(answer, "bcde"));
   EXPECT_EQ(answer.substr(1024 * 1024 - 4), "abcd");

@@ -68,7 +68,7 @@ class Table : private ArenaOutput {
     // One whole frame, with nothing in it that ends it early.
     require(frame.size() >= 3 && frame.front() == wire::frameStart && frame.back() == wire::frameEnd);
     require(frame.find(wire::frameStart, 1) == std::string::npos && frame.find(wire::frameEnd) == frame.size() - 1);
-    require(frame.size() <= wire::FrameReader::longestFrame + 2);
+    require(frame.size() <= wire::FrameReader::maxFrameLength + 2);
     if (isBot(client)) return keeper_.hear(client, frame, now_);
     const auto found = sentTo_.find(client);
     require(found != sentTo_.end());
@@ -97,7 +97,7 @@ class Table : private ArenaOutput {
       require(player.node > 0 && nodes.insert(player.node).second);
       require(player.position.x >= 0 && player.position.x <= 100'000);
       require(player.position.y >= 0 && player.position.y <= 100'000);
-      require(!player.name.empty() && player.name.size() <= Lobby::longestName);
+      require(!player.name.empty() && player.name.size() <= Lobby::maxNameLength);
       require(player.funds >= 0 && player.tail.size() < 100'000);
       int stock = 0;
       for (const int count : player.stock) require((stock += count) >= 0 && count >= 0);

@@ -26,7 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t longestInput = 4096;
+constexpr std::size_t maxInputSize = 4096;
 
 std::string current;
 std::string crashFile;
@@ -56,7 +56,7 @@ class Mutator {
   std::string next() {
     std::string input = any();
     for (std::size_t i = below(6) + 1; i > 0; --i) mutate(input);
-    input.resize(std::min(input.size(), longestInput));
+    input.resize(std::min(input.size(), maxInputSize));
     return input;
   }
 

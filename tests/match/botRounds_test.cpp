@@ -24,7 +24,7 @@ using server::PlayerView;
 using server::SkillLevel;
 
 constexpr int roundsToPlay = 100;
-constexpr Millis longestRound = 180'000 + 12'000;
+constexpr Millis maxRoundTime = 180'000 + 12'000;
 constexpr ClientId botCount = 6;
 constexpr std::int64_t startCredits = 10;
 constexpr std::int64_t captureCredits = 10;
@@ -55,7 +55,7 @@ class BotMatch : private server::ArenaOutput {
   /// Plays to the end of a round; false if it did not come in time.
   bool playRound() {
     const std::size_t before = results.size();
-    for (const Millis end = now_ + longestRound; results.size() == before && now_ < end;) step();
+    for (const Millis end = now_ + maxRoundTime; results.size() == before && now_ < end;) step();
     return results.size() > before;
   }
   /// Nobody does anything until every capture has landed.

@@ -154,14 +154,14 @@ TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndTrue) {
   join();
   constexpr int minutes = 30;
   std::vector<std::size_t> heapByMinute;
-  double longestTail = 0;
-  std::size_t longestQueue = 0;
+  double maxTailLength = 0;
+  std::size_t maxQueueLength = 0;
   for (int frame = 1; frame <= minutes * framesPerMinute; ++frame) {
     playFrame(frame);
-    longestTail = std::max(longestTail, modMain::world.localPlayer.tailCount());
+    maxTailLength = std::max(maxTailLength, modMain::world.localPlayer.tailCount());
     for (const clsPlayer& opponent : modMain::world.opponents) {
-      longestTail = std::max(longestTail, opponent.tailCount());
-      longestQueue = std::max(longestQueue, opponent.positionQueue.size());
+      maxTailLength = std::max(maxTailLength, opponent.tailCount());
+      maxQueueLength = std::max(maxQueueLength, opponent.positionQueue.size());
     }
     if (frame % framesPerMinute == 0) {
       expectNoDrift();
@@ -174,11 +174,11 @@ TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndTrue) {
   EXPECT_LE(relayed_, minutes * 25 * (60 + 5 * 54) + minutes * 6);
   // A vertex dies above 200 units of 10 ms, counted from its second ageing, and a player lays at most one in a frame
   // and one more for a point that is reached in it.
-  EXPECT_LE(longestTail, 2 * 205);
-  EXPECT_GT(longestTail, 40);
+  EXPECT_LE(maxTailLength, 2 * 205);
+  EXPECT_GT(maxTailLength, 40);
   EXPECT_EQ(modMain::world.particleCount, 150);
   EXPECT_EQ(modMain::world.explosionCount, 0);
-  EXPECT_LT(longestQueue, 400U);
+  EXPECT_LT(maxQueueLength, 400U);
   EXPECT_EQ(modMain::world.opponentCount, 5);
   // The heap of the last minute is that of the fifth: nothing is kept that grows with time.
   const auto early = static_cast<double>(heapByMinute[4]);

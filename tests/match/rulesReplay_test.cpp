@@ -185,7 +185,7 @@ const server::ArenaRules lively{
 
 class MeleeReplay : public testing::TestWithParam<unsigned> {};
 
-TEST_P(MeleeReplay, EveryClientSeesWhatTheServerHasDecided) {
+TEST_P(MeleeReplay, EveryClientSeesTheServersDecisions) {
   Melee melee(GetParam(), lively);
   for (int i = 0; i < 6; ++i) melee.join();
   melee.pass(110'000, 10);

@@ -47,7 +47,7 @@ TEST_F(Bounds, TheVerticesOfAllPlayersCountTogether) {
   EXPECT_EQ(clsTail::count(), before);
 }
 
-TEST_F(Bounds, WhoLeavesBesideManyVerticesTakesHisTailWithHim) {
+TEST_F(Bounds, DepartedTailsAreFreedBeyondManyVertices) {
   for (std::int16_t node = 8; node <= 10; ++node) {
     clsPlayer& opponent = modMain::world.opponents.at(static_cast<std::size_t>(join(node, 1, "Bob")));
     for (int i = 0; i < 1'000; ++i) opponent.addTail({1, 1});
@@ -67,7 +67,7 @@ TEST_F(Bounds, WhoLeavesBesideManyVerticesTakesHisTailWithHim) {
   EXPECT_EQ(world.localPlayer.tailCount(), 123'002) << "our own stays as it is";
 }
 
-TEST_F(Bounds, AMillionPositionsWaitAtTheMost) {
+TEST_F(Bounds, AtMostAMillionPositionsAreQueued) {
   join(8, 1, "Bob");
   serverSends(wire::msgParticleAdd, {"p", "0", "1", "1", "0", "0"});
   serverSends(wire::msgParticleMove, {"p", "2", "2"});
@@ -84,7 +84,7 @@ TEST_F(Bounds, AMillionPositionsWaitAtTheMost) {
   EXPECT_EQ(bob.positionQueueCount() + particles, 1'000'000) << "what was reached makes room";
 }
 
-TEST_F(Bounds, AThousandVerticesHaveACaptureWaiting) {
+TEST_F(Bounds, AtMostAThousandVerticesHaveAPendingCapture) {
   join(8, 1, "Bob");
   for (int i = 0; i < 1'001; ++i) world.localPlayer.addTail({static_cast<float>(i), 0});
   for (int i = 0; i < 1'000; ++i) serverSends(wire::msgTailCapture, {"7", "8", std::to_string(i), "0"});
@@ -107,7 +107,7 @@ TEST_F(Bounds, AVertexHasAThousandVictims) {
   EXPECT_EQ(world.localPlayer.kills, 1);
 }
 
-TEST_F(Bounds, AThousandSparksFlyAtTheMost) {
+TEST_F(Bounds, AtMostAThousandExplosionParticlesExist) {
   modMain::addExplosion({1, 1}, 600);
   modMain::addExplosion({1, 1}, 600);
   EXPECT_EQ(modMain::world.explosionCount, 1'000);
@@ -121,7 +121,7 @@ TEST_F(Bounds, CapturesOfALifeAreCountedInSixteenBits) {
   EXPECT_EQ(world.localPlayer.captures.size(), 32'767U);
 }
 
-TEST_F(Bounds, NamesThatStayAreSixteenMebibytesInAll) {
+TEST_F(Bounds, StoredNamesAreLimitedToSixteenMebibytes) {
   const std::string name(1'000'000, 'x');
   for (int i = 0; i < 20; ++i) {
     serverSends(wire::msgPlayerJoined, {std::to_string(i + 10), "1", name, "1", "1", "1", "0"});
@@ -133,7 +133,7 @@ TEST_F(Bounds, NamesThatStayAreSixteenMebibytesInAll) {
   EXPECT_EQ(modMain::world.opponentCount, 17) << "the usual ones still fit";
 }
 
-TEST_F(Bounds, SixteenBoxesStandOverOneAnother) {
+TEST_F(Bounds, AtMostSixteenBoxesNest) {
   int standing = 0;
   int most = 0;
   machine.onMessageBox = [&](const std::string&) {

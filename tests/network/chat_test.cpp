@@ -67,7 +67,7 @@ TEST_F(Chat, OnlyCharactersFrom32To127AreKept) {
   EXPECT_EQ(chats(), std::vector<WireMessage>{chat("-1", "abc")});
 }
 
-TEST_F(Chat, Q076ALineOfWhichNothingIsLeftIsSentAllTheSame) {
+TEST_F(Chat, Q076ALineFilteredToNothingIsStillSent) {
   enter("\xE9\xE9");
   netMan::selectPrivateTarget("Bob");
   enter("\xE9");
@@ -86,7 +86,7 @@ TEST_F(Chat, APrivateLineGoesToThePartner) {
   EXPECT_EQ(chats(), std::vector<WireMessage>{chat("11", "(private) psst")});
 }
 
-TEST_F(Chat, Q077APrivateLineToOneWhoHasGoneGoesToNode0) {
+TEST_F(Chat, Q077APrivateLineToADepartedPlayerGoesToNode0) {
   netMan::selectPrivateTarget("Cat");
   serverSends(wire::msgPlayerLeft, {"11"});
   enter("still there?");
@@ -118,7 +118,7 @@ TEST_F(Chat, TheEchoOfTheOwnPrivateLineIsOfTypeOne) {
   EXPECT_EQ(netMan::getChatMode(), 0) << "only others become the partner";
 }
 
-TEST_F(Chat, Q078WhoWritesInPrivateBecomesThePartner) {
+TEST_F(Chat, Q078APrivateMessageMakesItsSenderThePartner) {
   serverSends(wire::msgChat, {"11", "(private) psst"});
   EXPECT_EQ(lastLine().text, "[Cat] (private) psst");
   EXPECT_EQ(lastLine().colour, RGB(255, 0, 255));

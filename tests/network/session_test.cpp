@@ -147,7 +147,7 @@ TEST_F(Session, APlayerWhoJoinsIsShownAndTold) {
   EXPECT_EQ(lastLine().colour, serverLine);
 }
 
-TEST_F(Session, APlayerWhoJoinsIsNamedOnTheLabelOfHisColour) {
+TEST_F(Session, ANewPlayersNameIsOnTheLabelOfTheirColour) {
   login();
   const char* const names[] = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"};
   for (int colour = 0; colour < 6; ++colour) {
@@ -267,7 +267,7 @@ TEST_F(Session, ASpawnRequestIsSentAndTold) {
   EXPECT_EQ(lastLine().size, 0) << "no font styles this line";
 }
 
-TEST_F(Session, Q070ASpawnRequestWithoutConnectionIsToldAndNotSent) {
+TEST_F(Session, Q070ASpawnRequestWithoutConnectionIsAnnouncedButNotSent) {
   frmMain->btnSpawn.Click();
   EXPECT_EQ(lastLine().text, "Requesting spawn permission from the server...");
   EXPECT_TRUE(server().sent.empty());

@@ -91,7 +91,7 @@ TEST_F(Particles, Q266TheNumberCanBeSetInTwoWays) {
   EXPECT_EQ(particle.num_, 5);
 }
 
-TEST_F(Particles, Q267TwoNumbersAreKeptForNobody) {
+TEST_F(Particles, Q267TwoNumbersAreNeverRead) {
   particle.init(0, reserved, 0, 0, 7, -8);
   EXPECT_EQ(particle.first, 7);
   EXPECT_EQ(particle.second, -8);
@@ -230,7 +230,7 @@ class NetParticles : public Particles {
   }
 };
 
-TEST_F(NetParticles, InitNormalStoresWhatTheServerSays) {
+TEST_F(NetParticles, InitNormalStoresTheServersValues) {
   clsParticle fresh;
   fresh.initNormal(3, "abc", 255, 10, 20, 30, 40);
   EXPECT_EQ(fresh.num_, 3);
@@ -296,7 +296,7 @@ TEST_F(NetParticles, WithoutAPositionTheNewestEntryIsTakenAndTheQueueStays) {
   EXPECT_EQ(particle.positionQueue.size(), 2U);
 }
 
-TEST_F(NetParticles, Q267ThePreviousPositionIsKeptForNobody) {
+TEST_F(NetParticles, Q267ThePreviousPositionIsNeverRead) {
   particle.position = {49000, 48000};
   particle.positionQueue = {{48900, 47900}};
   particle.moveNormal();

@@ -156,7 +156,7 @@ Picture middleOf(const Picture& matte) {
   return result;
 }
 
-TEST(ColourVision, TheSignsOfTheBallsDifferWhateverTheirColour) {
+TEST(ColourVision, TheSignsOfTheBallsDifferInAnyColour) {
   for (int frame = 0; frame < 4; ++frame) {
     Coloured middle = ball(frame);
     middle.matte = middleOf(middle.matte);

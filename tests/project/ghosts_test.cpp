@@ -137,7 +137,7 @@ TEST(Ghosts, GreysKeepLeadingBitsOfTheImageOnly) {
   }
 }
 
-TEST(LivingBalls, HideWhatLiesUnderThemButForTheirRims) {
+TEST(LivingBalls, HideTheBackgroundExceptAtTheirRims) {
   forEveryBall([](int, int frame, const Picture& matte, const Picture& image) {
     const double radius = ballRadii.at(static_cast<std::size_t>(frame));
     EXPECT_EQ(living(matte, image, blackPixel).pixels, image.pixels);

@@ -71,7 +71,7 @@ TEST(Includes, EveryFolderWithSourcesIsARoomOfTheTable) {
   }
 }
 
-TEST(Includes, StayWithinWhatTheRoomMayInclude) {
+TEST(Includes, StayWithinTheTable) {
   int checked = 0;
   for (const auto& file : sources()) {
     const std::string room = folderOf(file.path);
@@ -116,7 +116,7 @@ TEST(Includes, AreRootedAtTheSourceFolder) {
   }
 }
 
-TEST(Includes, ReachTheToolkitFromThePlatformsDesktopAlone) {
+TEST(Includes, OnlyPlatformQtIncludesQt) {
   for (const auto& file : sources()) {
     bool mayUseToolkit = false;
     for (const char* folder : {"platform/qt/", "platform/sound/", "bench/", "tests/platform/qt/",
@@ -143,7 +143,7 @@ TEST(Includes, OfHeadersFormNoCircle) {
   for (const auto& [header, others] : graph) ADD_FAILURE() << header << " stands in or above a circle of headers";
 }
 
-TEST(Includes, TableStandsInTheArchitecture) {
+TEST(Includes, TableIsInTheArchitecture) {
   const std::string document = tree::text("docs/architecture.md");
   for (const auto& [room, others] : mayInclude) {
     std::string row = "| `" + room + "` |";

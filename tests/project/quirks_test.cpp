@@ -83,25 +83,25 @@ TEST(Quirks, HaveOneEntryEach) {
   for (const auto& [number, entry] : registry()) EXPECT_EQ(entry.count, 1) << "Q-" << number;
 }
 
-TEST(Quirks, OfTheRegistryAreMarkedAtTheirSite) {
+TEST(Quirks, InTheRegistryAreMarkedInTheSources) {
   const auto sites = markedSites();
   for (const auto& [number, entry] : registry()) EXPECT_TRUE(sites.contains(number)) << "Q-" << number;
 }
 
-TEST(Quirks, OfTheRegistryAreTested) {
+TEST(Quirks, InTheRegistryAreTested) {
   const auto tested = testedNumbers();
   for (const auto& [number, entry] : registry()) EXPECT_TRUE(tested.contains(number)) << "Q-" << number;
 }
 
-TEST(Quirks, MarkedInTheSourcesStandInTheRegistry) {
+TEST(Quirks, MarkedInTheSourcesAreInTheRegistry) {
   for (const auto& number : markedSites()) EXPECT_TRUE(registry().contains(number)) << "Q-" << number;
 }
 
-TEST(Quirks, NamedByATestStandInTheRegistry) {
+TEST(Quirks, NamedByATestAreInTheRegistry) {
   for (const auto& number : testedNumbers()) EXPECT_TRUE(registry().contains(number)) << "Q-" << number;
 }
 
-TEST(Quirks, AreMarkedInOneSpellingAlone) {
+TEST(Quirks, AreMarkedInOneSpelling) {
   for (const auto& file : tree::files({".h", ".cpp"})) {
     if (tree::startsWith(file.path, "tests/")) continue;
     EXPECT_EQ(matches(file.text, R"(([Qq]uirk Q))").size(), matches(file.text, R"((// Quirk Q-\d{3}:))").size())
@@ -109,7 +109,7 @@ TEST(Quirks, AreMarkedInOneSpellingAlone) {
   }
 }
 
-TEST(Quirks, TellWhatIsSeenHowItComesAndWhichTestHoldsIt) {
+TEST(Quirks, HaveSeenMechanismAndTest) {
   const auto names = testNames();
   for (const auto& [number, entry] : registry()) {
     for (const char* part : {"**Seen:** ", "**Mechanism:** ", "**Test:** "}) {

@@ -67,7 +67,7 @@ TEST_F(FrameReaderTest, ALoginKeepsTheStartsThatSomebodyTyped) {
   EXPECT_FALSE(read("\x80\x80")) << "no login yet";
 }
 
-TEST_F(FrameReaderTest, RefusesWhatIsTooLong) {
+TEST_F(FrameReaderTest, RefusesLongInput) {
   EXPECT_TRUE(read('\x80' + std::string(4096, 'x') + '\x81'));
   EXPECT_EQ(texts.at(0).size(), 4096U);
   EXPECT_FALSE(read('\x80' + std::string(4097, 'x')));

@@ -101,7 +101,7 @@ TEST(PaintPicture, TurnsEachNumberIntoPixelsByItself) {
   EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{0, 3, 4, 0}));
 }
 
-TEST(PaintPicture, LeavesOutWhatLiesOutsideTheSource) {
+TEST(PaintPicture, SkipsPartsOutsideTheSource) {
   Surface surface;
   surface.BackColor = RGB(0, 0, 99);
   surface.resize(5, 1);

@@ -85,7 +85,7 @@ TEST(Cls, KnowsNoBackgroundAfterItWasTakenAway) {
 }
 
 // Only what was drawn on is cleared, so every operation must leave its mark wherever it draws.
-TEST(Cls, ClearsWhateverWasDrawnWherever) {
+TEST(Cls, ClearsEverythingDrawnAnywhere) {
   auto sheet = std::make_shared<Picture>(Picture{49, 49, std::vector<Pixel>(49 * 49, 0x123456)});
   auto background = std::make_shared<Picture>(Picture{100, 50, std::vector<Pixel>(100 * 50, 0x070809)});
   std::mt19937 draws(3);
@@ -173,7 +173,7 @@ TEST(Cls, ClearsWideImagesDrawnOnWhollyAndInPart) {
   }
 }
 
-TEST(Resize, ForgetsWhatWasDrawnBefore) {
+TEST(Resize, ForgetsEarlierDrawing) {
   Surface surface;
   surface.resize(40, 40);
   surface.FillColor = RGB(9, 9, 9);

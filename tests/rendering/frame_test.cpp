@@ -284,7 +284,7 @@ TEST_F(Frames, TheDebugTextOfANormalFrame) {
   EXPECT_EQ(modMain::world.debugText, "Location: 12.346   .500\r\nPaint Time:000\r\n");
 }
 
-TEST_F(Frames, Q220TheBrakesAreSpeltBreaks) {
+TEST_F(Frames, Q220TheBrakesAreSpelledBreaks) {
   EXPECT_EQ(modMain::world.tips[0], "Right-Click to release or engage breaks");
   clsPlayer& player = placeLocal();
   player.breaksOn = false;
@@ -294,7 +294,7 @@ TEST_F(Frames, Q220TheBrakesAreSpeltBreaks) {
   EXPECT_NE(modMain::world.debugText.find("\r\nBreaks on, right-click to release\r\n"), std::string::npos);
 }
 
-TEST_F(Frames, ADeadLocalPlayerStillHasHisLocationLine) {
+TEST_F(Frames, ADeadLocalPlayerStillHasALocationLine) {
   placeLocal(1000, 2000).alive = false;
   modMain::paintFrame();
   EXPECT_EQ(modMain::world.debugText, "Location: 1.000   2.000\r\nPaint Time:000\r\n");

@@ -83,7 +83,7 @@ TEST_F(ParticlePainting, TheShiftPullsTowardsTheCentre) {
   EXPECT_EQ(pixelAt(canvas(), 3000.0, 2000.0), Colour{});
 }
 
-TEST_F(ParticlePainting, TheCentreIsNotShiftedWhateverTheDepth) {
+TEST_F(ParticlePainting, TheCentreIsNotShiftedAtAnyDepth) {
   for (std::int16_t depth = 1; depth <= 16; ++depth) {
     canvas().Cls();
     background(depth, 5722.5, 4560).paintSelf();

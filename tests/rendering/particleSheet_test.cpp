@@ -28,7 +28,7 @@ TEST_F(ParticleSheet, TheCellsSizeIsRoundedDown) {
   EXPECT_EQ(pixelAt(canvas(), 181, 181), spriteOnWhite(0, ballsGreen, 0));
 }
 
-TEST_F(ParticleSheet, TheParticleWhoseTimeIsUpLeavesAndNoOther) {
+TEST_F(ParticleSheet, OnlyTheExpiredParticleLeaves) {
   for (float x = 0; x < 3; ++x) modMain::addExplosion({50000 + x, 50000}, 1);
   modMain::world.explosionParticles[1].age = 10;
   modMain::world.explosionParticles[1].paintSelf();

@@ -156,7 +156,7 @@ TEST_F(PlayerPainting, TheLocalBallIsNeverOutOfSight) {
   EXPECT_EQ(other.animTick, 0) << "out of sight at the same place";
 }
 
-TEST_F(PlayerPainting, ExactlyInTheCornerAnOpponentHasHisBall) {
+TEST_F(PlayerPainting, ExactlyInTheCornerAnOpponentIsABall) {
   const Vector corners[] = {{-5722, -4560}, {5723, -4560}, {-5722, 4560}, {5723, 4560}};
   for (const Vector& corner : corners) {
     clsPlayer& other = placeOpponent(2, 50000 + corner.x, 50000 + corner.y);
@@ -277,7 +277,7 @@ TEST_F(PlayerPainting, OpponentsHaveNoCrosshair) {
   EXPECT_EQ(countPixels(radar(), RGB(128, 128, 128)), 0);
 }
 
-TEST_F(PlayerPainting, OnlyTheLocalPlayerWritesHisLines) {
+TEST_F(PlayerPainting, OnlyTheLocalPlayerPrintsLines) {
   modMain::world.debugText.clear();
   placeOpponent(1, 50000, 50000).paintSelf();
   EXPECT_EQ(modMain::world.debugText, "");

@@ -211,7 +211,7 @@ TEST_F(ChargedArc, FourStrokesFromTheLeftEndWhiteToGrey) {
   EXPECT_EQ(pixelAt(canvas(), 1500 + 260 * 4 + 60.0, 3000 - 260 * 4 - 60.0), Colour{}) << "no fifth";
 }
 
-TEST_F(ChargedArc, TheLeftEndIsTheSmallerXWhicheverIsNewer) {
+TEST_F(ChargedArc, TheLeftEndHasTheSmallerX) {
   layCharged(6000, 3000, 1500, 3000);
   machine.scriptedDraws.push_back(0.5F);
   stroke(0.9F, 0.1F, 0.9F, 0.9F);  // 460 to the left and down

@@ -14,7 +14,7 @@ TEST_F(Viewport, TheCentreIsHalfTheCanvasRoundedDown) {
   EXPECT_EQ(modMain::getCanvasCentre(), (Vector{500, 388})) << "read at every use";
 }
 
-TEST_F(Viewport, TheLocalPlayerStandsAtTheCentreAndTheWorldRoundHim) {
+TEST_F(Viewport, TheLocalPlayerIsAtTheCentre) {
   placeLocal(50000, 50000);
   EXPECT_EQ(modMain::worldToScreen({50000, 50000}), (Vector{5722, 4560}));
   EXPECT_EQ(modMain::worldToScreen({50100, 49000}), (Vector{5822, 3560}));

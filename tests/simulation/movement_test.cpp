@@ -106,7 +106,7 @@ TEST_F(Movement, Q092BeforeTheFirstPaintNothingSteers) {
   EXPECT_EQ(player.position, (Vector{50012, 49993}));
 }
 
-TEST_F(Movement, Q092SteersByWhatThePaintBeforeFound) {
+TEST_F(Movement, Q092SteersByThePreviousPaintsBearing) {
   modMain::world.mousePos = {5722 + 3000, 4560};
   steer(0, 2);  // of an older mouse position
   player.move();
@@ -317,7 +317,7 @@ struct EdgeCase {
 
 class MovementEdge : public Movement, public testing::WithParamInterface<EdgeCase> {};
 
-TEST_P(MovementEdge, Q094ThrowsThePlayerAThousandInward) {
+TEST_P(MovementEdge, Q094ThrowsThePlayerInward) {
   const EdgeCase& edge = GetParam();
   player.powerups[turboSlot].active = true;  // no clamp
   steer(0, 0);                               // the velocity stands

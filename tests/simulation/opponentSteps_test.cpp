@@ -72,7 +72,7 @@ TEST_F(OpponentSteps, ANewLoginKeepsQueueAndTail) {
   EXPECT_TRUE(bob().awaitingFirstPosition);
 }
 
-TEST_F(OpponentSteps, WhoCapturesHimselfDiesBeforeItCounts) {
+TEST_F(OpponentSteps, ASelfCaptureKillsBeforeItCounts) {
   serverSends(wire::msgTailCapture, {"8", "8", "1", "1"});
   EXPECT_EQ(bob().captureCount(), 1);
   EXPECT_EQ(modMain::world.explosionCount, 0) << "nobody was captured yet when he died";
@@ -113,7 +113,7 @@ TEST_F(OpponentSteps, Q260TheOwnVelocityIsNeverSent) {
   EXPECT_EQ(std::ranges::count(sent, wire::msgVelocityReport, &WireMessage::id), 0);
 }
 
-TEST_F(OpponentSteps, Q261TheClocksDifferenceChangesNothing) {
+TEST_F(OpponentSteps, Q261TheClockDifferenceChangesNothing) {
   machine.seconds = 4000;
   serverSends(wire::msgPing, {"1000"});
   const auto reply = sentFrames();

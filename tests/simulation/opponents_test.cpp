@@ -53,7 +53,7 @@ TEST_F(Opponents, ADroppedFirstPositionLeavesThePlayerWaiting) {
   EXPECT_TRUE(other().awaitingFirstPosition);
 }
 
-TEST_F(Opponents, AnEmptyQueueStandsStillWhateverTheVelocity) {
+TEST_F(Opponents, AnEmptyQueueStandsStillAtAnyVelocity) {
   other().velocity = {20, 30};
   other().lastPosition = {1, 1};
   other().moveAsOpponent();

@@ -36,7 +36,7 @@ class Survival : public GameTest {
   clsPlayer& player = modMain::world.localPlayer;
 };
 
-TEST_F(Survival, ThePlayerIsAsWideAsACellOfHisSheet) {
+TEST_F(Survival, ThePlayerIsAsWideAsACellOfTheSheet) {
   EXPECT_EQ(player.getWidth(), 735);
   frmGfx->imgPlayer[0].Width = 2947;  // a quarter is 736.75
   EXPECT_EQ(player.getWidth(), 736);

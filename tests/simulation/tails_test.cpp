@@ -68,7 +68,7 @@ TEST_F(Tails, TheIdHasOwnerTimerAndADrawnNumber) {
   EXPECT_EQ(player.tails[2].tailID(), "-1-1234.5-109998");
 }
 
-TEST_F(Tails, ADeadPlayerLaysNoneAndHisTailAgesOut) {
+TEST_F(Tails, ADeadPlayerLaysNoTailAndTheOldOneExpires) {
   lay({1, 2});
   player.alive = false;
   lay({3});
@@ -108,7 +108,7 @@ TEST_F(Tails, Q227TheServersEchoGrowsTheLocalTailAndMovesNothing) {
   EXPECT_EQ(player.tailCount(), 1) << "a frame of his own lays none";
 }
 
-TEST_F(Tails, Q228TheTailOfAPlayerWhoLeftStaysFrozen) {
+TEST_F(Tails, Q228ADepartedPlayersTailStaysFrozen) {
   login(0, 7, 50000, 50000);
   clsPlayer& bob = modMain::playerAt(join(8, 1, "Bob"));
   bob.addTail({51000, 50000});
@@ -261,7 +261,7 @@ TEST_F(Tails, KillTailOfTheOnlyVertexLeavesNone) {
   EXPECT_EQ(player.tails[0].num(), 0);
 }
 
-TEST_F(Tails, KillTailKeepsOrderAndNumbersWhereverItCuts) {
+TEST_F(Tails, KillTailKeepsOrderAndNumbersAtAnyPosition) {
   for (int cut = 0; cut < 7; ++cut) {
     player.tails.clear();
     lay({0, 1, 2, 3, 4, 5, 6});

@@ -181,7 +181,7 @@ TEST_F(StoreWindow, APriceOfExactlyTheFundsStaysWhite) {
   EXPECT_EQ(prices(), "dddddd");
 }
 
-TEST_F(StoreWindow, Q276ColoursAreReadFromTheLabelsAndNotFromTheCopies) {
+TEST_F(StoreWindow, Q276ColoursDependOnTheLabelsNotOnTheCopies) {
   frmPowerups->init(70);
   frmPowerups->lblFunds.Caption = " 12.5 credits";
   frmPowerups->lblItemCost[1].Caption = "12.6";

@@ -104,7 +104,7 @@ TEST_F(PowerupRules, ARunningPowerupIsNotReady) {
   EXPECT_TRUE(server().sent.empty());
 }
 
-TEST_F(PowerupRules, Q044TheDeadAreWarnedAndAskAllTheSame) {
+TEST_F(PowerupRules, Q044TheDeadAreRefusedButStillRequest) {
   player().alive = false;
   player().powerups[turboSlot].count = 1;
   player().requestActivatePowerup(1);
@@ -151,7 +151,7 @@ TEST_F(PowerupRules, ASecondMessageForARunningSlotChangesNothing) {
   EXPECT_EQ(modMain::world.centreMessage, "");
 }
 
-TEST_F(PowerupRules, Q046WithoutStockTheServersWordCounts) {
+TEST_F(PowerupRules, Q046AnActivationWithoutStockRuns) {
   serverSends(156, {"7", "3"});
   EXPECT_EQ(player().powerups[extendedTailSlot].count, 0);
   EXPECT_TRUE(player().powerups[extendedTailSlot].active);
@@ -317,7 +317,7 @@ TEST_F(PowerupRules, AnEarlyEndIsTold) {
   }
 }
 
-TEST_F(PowerupRules, Q273AnEarlyEndIsToldOfAnOpponentAndOfWhatDidNotRun) {
+TEST_F(PowerupRules, Q273AnEarlyEndIsReportedForOpponentsAndIdlePowerups) {
   clsPlayer& opponent = modMain::playerAt(join(8, 1, "Bob"));
   opponent.activatePowerup(shieldSlot);
   forgetTexts();

@@ -171,14 +171,14 @@ TEST_F(Store, NineItemsLeaveRoomForOne) {
   EXPECT_FALSE(isErrorPlayed());
 }
 
-TEST_F(Store, Q202WhatIsTooDearCanBeRequested) {
+TEST_F(Store, Q202UnaffordableItemsCanBeRequested) {
   modMain::openStore();
   ASSERT_EQ(frmPowerups->lblItemCost[5].BackColor.get(), RGB(128, 95, 95));
   frmPowerups->cmdBuy[5].Click();
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{149, {"5"}}}));
 }
 
-TEST_F(Store, Q203WhatIsNotThereCanBeOfferedForSale) {
+TEST_F(Store, Q203ItemsOutOfStockCanBeOfferedForSale) {
   modMain::openStore();
   for (int item = 0; item < 6; ++item) {
     forgetSent();
@@ -248,7 +248,7 @@ TEST_F(Store, Q275AFractionOfACreditIsShownByANewFillingAlone) {
   EXPECT_EQ(shownFunds(), "27");
 }
 
-TEST_F(Store, Q205ASaleOfNoItemIsToldAllTheSame) {
+TEST_F(Store, Q205TheSaleOfAnUnknownItemIsStillConfirmed) {
   modMain::openStore();
   serverSends(160, {"6", "2", "99"});
   EXPECT_EQ(status(), "Item sold");
@@ -321,7 +321,7 @@ TEST_F(Store, ARespawnClosesIt) {
   EXPECT_FALSE(frmPowerups.isLoaded());
 }
 
-TEST_F(Store, Q206ARoundThatEndsMeanwhileIsMissed) {
+TEST_F(Store, Q206TheEndOfARoundIsMissed) {
   modMain::openStore();
   serverSends(142, {"Bob has won"});
   EXPECT_TRUE(world.localPlayer.alive);
@@ -347,7 +347,7 @@ TEST_F(Store, FundsAreWholeNumbersRoundedToEven) {
   }
 }
 
-TEST_F(Store, AnOpponentsFundsAreHisOwn) {
+TEST_F(Store, OpponentsFundsAreSeparate) {
   const std::int16_t bob = join(8, 1, "Bob");
   EXPECT_EQ(modMain::playerAt(bob).funds(), 10);
   serverSends(148, {"8", "44"});

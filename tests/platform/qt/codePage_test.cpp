@@ -30,7 +30,7 @@ TEST(CodePage, UndefinedPositionsAreControlCharactersOfTheSameNumber) {
   }
 }
 
-TEST(CodePage, LeavesOutWhatItDoesNotHave) {
+TEST(CodePage, DropsMissingCharacters) {
   EXPECT_EQ(toBytes(QString::fromUtf16(u"a\u0416b\u4E2Dc")), "abc");
   // Outside the basic plane: two halves, both left out.
   EXPECT_EQ(toBytes(QString::fromUtf16(u"x\U0001F600y")), "xy");

@@ -81,7 +81,7 @@ TEST(Desktop, SecondsSinceMidnightAreTheSystemsLocalTime) {
   EXPECT_GT(compared, 100);
 }
 
-TEST(Desktop, CommandLineIsWhatStandsBehindTheProgram) { EXPECT_EQ(commandLine(), "NoSound"); }
+TEST(Desktop, CommandLineExcludesTheProgramsName) { EXPECT_EQ(commandLine(), "NoSound"); }
 
 TEST(Desktop, DataFolderOfTheEnvironmentWins) {
   EXPECT_EQ(applicationPath(), KELVORA_SOURCE_DIR);

@@ -77,7 +77,7 @@ TEST_F(FaultReportDeathTest, ACommandIsNamed) {
       ::testing::ExitedWithCode(1), "Run-time error: Subscript out of range");
 }
 
-TEST_F(FaultReportDeathTest, WhatIsOverIsNotNamed) {
+TEST_F(FaultReportDeathTest, ExpiredVerticesAreNotNamed) {
   EXPECT_EXIT(
       {
         runHandler([] { GetSetting("misc", "quarks", ""); });

@@ -48,7 +48,7 @@ TEST_F(Input, LabelHearsOfMovesOutsideWhileItIsPressed) {
   EXPECT_EQ(form_.notes, Notes{"label move 1 0 -300 7500"});
 }
 
-TEST_F(Input, Q020PictureHearsOfNoMoveOutside) {
+TEST_F(Input, Q020PictureGetsNoMovesOutsideItsEdges) {
   // The picture is 200 by 100 pixels.
   for (const QPoint outside : {QPoint(-1, 50), QPoint(200, 50), QPoint(50, -1), QPoint(50, 100)}) {
     sendMouse(form_.box, QEvent::MouseMove, outside, Qt::NoButton, Qt::LeftButton);
@@ -58,7 +58,7 @@ TEST_F(Input, Q020PictureHearsOfNoMoveOutside) {
   EXPECT_EQ(form_.notes, Notes{"box up 1 0 -15 750"});
 }
 
-TEST_F(Input, Q225AMouseThatLeavesIsNotHeardOf) {
+TEST_F(Input, Q225AMouseThatLeavesRaisesNoEvent) {
   sendMouse(form_.box, QEvent::MouseMove, {199, 99}, Qt::NoButton, Qt::NoButton);
   form_.notes.clear();
   QEvent leave(QEvent::Leave);
@@ -66,7 +66,7 @@ TEST_F(Input, Q225AMouseThatLeavesIsNotHeardOf) {
   EXPECT_EQ(form_.notes, Notes{});
 }
 
-TEST_F(Input, Q229ATextBoxShowsWhatIsTyped) {
+TEST_F(Input, Q229ATextBoxShowsTheTypedText) {
   EXPECT_EQ(dynamic_cast<QLineEdit&>(widgetOf(form_.first)).echoMode(), QLineEdit::Normal);
 }
 

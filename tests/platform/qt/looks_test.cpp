@@ -77,7 +77,7 @@ TEST_F(Looks, PictureAtTheEdgeOfAFrameDoesNotCutItsLine) {
   EXPECT_EQ(image.pixelColor(1, 50), QColor(Qt::black));
 }
 
-TEST_F(Looks, FrameTakesNoClicksFromWhatStandsInIt) {
+TEST_F(Looks, FrameTakesNoClicksFromItsControls) {
   EXPECT_EQ(widgetOf(form_.frame).childAt(0, 50), &widgetOf(form_.picture));
 }
 

@@ -181,7 +181,7 @@ TEST_F(SettingsFaults, TwoRunsAtOnceKeepEachOthersValues) {
   EXPECT_TRUE(last == "Ann139" || last == "Bob139") << last;
 }
 
-TEST_F(SettingsFaults, AWriteSeesWhatAnotherRunHasWrittenSince) {
+TEST_F(SettingsFaults, AWriteSeesOtherRunsRecentWrites) {
   write("name", "Ann");
   write("port", "2010");
   OtherRun other([&] { write("name", "Bob"); });
@@ -191,7 +191,7 @@ TEST_F(SettingsFaults, AWriteSeesWhatAnotherRunHasWrittenSince) {
   EXPECT_EQ(readInLaterRun("port"), "2011");
 }
 
-TEST_F(SettingsFaults, WhatAKilledRunLeftHoldsNobodyUpAndIsSweptAway) {
+TEST_F(SettingsFaults, LeftoversOfAKilledRunDelayNobodyAndAreRemoved) {
   write("before", "of old");
   const std::filesystem::path left = file() + ".saving";
   std::filesystem::create_directory(left);
@@ -235,7 +235,7 @@ void limitFiles(rlim_t bytes) {
   setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-TEST_F(SettingsFaults, AFullDiskKeepsWhatIsThere) {
+TEST_F(SettingsFaults, AFullDiskKeepsTheOldFile) {
   write("name", "Ann");
   write("long", std::string(3'000, 'x'));
   for (const rlim_t room : {0U, 1U, 100U, 2'900U}) {
@@ -303,7 +303,7 @@ TEST_F(SettingsFaults, AValueIsReadAsItWasWrittenLast) {
   }
 }
 
-TEST_F(SettingsFaults, EachFileIsLaterThanTheOneBeforeWhateverTheClockSays) {
+TEST_F(SettingsFaults, EachFileIsLaterThanTheOneBeforeEvenIfTheClockGoesBack) {
   write("name", "Ann");
   const auto ahead = std::filesystem::file_time_type::clock::now() + std::chrono::hours(1);
   std::filesystem::last_write_time(file(), ahead);
@@ -323,7 +323,7 @@ TEST_F(SettingsFaults, AFullDiskWithoutAStoreIsNoFault) {
   EXPECT_EQ(readInLaterRun("name"), "Bob");
 }
 
-TEST_F(SettingsFaults, WhatIsNoFileStaysInTheFilesPlace) {
+TEST_F(SettingsFaults, ANonFileInTheFilesPlaceStays) {
   std::filesystem::create_directories(std::filesystem::path(file()).parent_path());
   const std::filesystem::path node = home_ / "node";
   ASSERT_EQ(mknod(node.c_str(), S_IFSOCK | S_IRUSR | S_IWUSR, 0), 0);

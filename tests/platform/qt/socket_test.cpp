@@ -30,7 +30,7 @@ class Socket : public ::testing::Test {
     socket_->onDataArrival = [this] {
       events_.push_back("Data " + std::to_string(socket_->State()));
       const std::string portion = socket_->GetData();
-      largestPortion_ = std::max(largestPortion_, portion.size());
+      maxPortion_ = std::max(maxPortion_, portion.size());
       received_ += portion;
     };
   }
@@ -54,7 +54,7 @@ class Socket : public ::testing::Test {
   QTcpSocket* other_ = nullptr;  ///< the server's end
   Events events_;
   std::string received_;
-  std::size_t largestPortion_ = 0;
+  std::size_t maxPortion_ = 0;
 };
 
 TEST_F(Socket, GoesFromClosedThroughResolvingToConnected) {
@@ -156,10 +156,10 @@ TEST_F(Socket, OneEventHandsOutAllThatWasReadAhead) {
   const std::string flood(1'000'000, 'x');
   ASSERT_TRUE(serveUntil([this, &flood] {
     if (other_->bytesToWrite() == 0) other_->write(flood.data(), static_cast<qint64>(flood.size()));
-    return largestPortion_ >= 262'144;
+    return maxPortion_ >= 262'144;
   })) << "no more than "
-      << largestPortion_ << " at once";
-  EXPECT_EQ(largestPortion_, 262'144U);
+      << maxPortion_ << " at once";
+  EXPECT_EQ(maxPortion_, 262'144U);
 }
 
 TEST_F(Socket, BytesOfABurstAreOneEvent) {
@@ -174,7 +174,7 @@ TEST_F(Socket, BytesOfABurstAreOneEvent) {
   EXPECT_EQ(events_, (Events{"Connect 7", "Data 7"}));
 }
 
-TEST_F(Socket, AReadingLoopEndsWhatEverKeepsComing) {
+TEST_F(Socket, AReadingLoopEndsEvenIfMoreKeepsArriving) {
   connect();
   std::size_t most = 0;
   socket_->onDataArrival = [this, &most] {
@@ -248,7 +248,7 @@ TEST_F(Socket, AThousandConnectionsLeaveNothingOpen) {
   EXPECT_LE(descriptors(), before + 2) << "one connection may be on its way out";
 }
 
-TEST_F(Socket, CloseDropsWhatIsStillToBeTold) {
+TEST_F(Socket, CloseDropsPendingEvents) {
   connect();
   other_->write("late");
   other_->flush();

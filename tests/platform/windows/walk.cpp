@@ -24,8 +24,8 @@ namespace kelvora {
 
 namespace {
 
-constexpr unsigned longestWalk = 240;  // seconds
-constexpr int complained = 3;          // exit status
+constexpr unsigned maxWalkLength = 240;  // seconds
+constexpr int complained = 3;            // exit status
 
 bool isModal(const Form* form) { return form->modality() == Form::Modality::Modal; }
 
@@ -104,8 +104,8 @@ class Walker {
 
   /// Closes one modal window, or the main window when none is left.
   void goHome() {
-    constexpr int mostWindows = 100;
-    if (++closings_ > mostWindows) complain("the modal windows can't be closed");
+    constexpr int maxWindows = 100;
+    if (++closings_ > maxWindows) complain("the modal windows can't be closed");
     QWidget* newest = QApplication::activeModalWidget();
     if (auto* box = qobject_cast<QMessageBox*>(newest)) {
       hands::click(*box->button(QMessageBox::Ok));
@@ -155,7 +155,7 @@ Outcome walk(const Steps& steps) {
   const pid_t child = fork();
   if (child == 0) {
     ::close(ends[0]);
-    alarm(longestWalk);
+    alarm(maxWalkLength);
     Walker(steps, ends[1]).run();
   }
   ::close(ends[1]);

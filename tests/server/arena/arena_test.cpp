@@ -44,7 +44,7 @@ TEST_F(ArenaTest, ATakenColourIsReplacedByAFreeOne) {
   EXPECT_EQ(got[cat].at(0).fields.at(0), "2");
 }
 
-TEST_F(ArenaTest, AColourThatIsNoneIsReplacedToo) {
+TEST_F(ArenaTest, AnInvalidColourIsReplacedToo) {
   for (const char* colour : {"-1", "6", "red", ""}) {
     const ClientId client = 10;
     arena.connected(client, now);
@@ -139,7 +139,7 @@ TEST_F(ArenaTest, TheEdgesOfTheWorldArePartOfIt) {
   EXPECT_EQ(got[ann].size(), 1U);
 }
 
-TEST_F(ArenaTest, PositionsThatAreNoneAreRefused) {
+TEST_F(ArenaTest, InvalidPositionsAreRefused) {
   login(ann, "Ann");
   const std::vector<Fields> bad = {{"1"},        {"1", "2", "3"}, {"", "2"},       {"1", ""},         {"abc", "2"},
                                    {"1", "2x"},  {" 1", "2"},     {"-1", "2"},     {"1", "100000.1"}, {"nan", "2"},
@@ -188,7 +188,7 @@ TEST_F(ArenaTest, TheAnswerToAPingIsMeasuredOnce) {
   EXPECT_EQ(got[ann], (std::vector<Message>{{wire::msgPing, {"6"}}, {wire::msgLatencyReport, {"37"}}}));
 }
 
-TEST_F(ArenaTest, WhoDoesNotLogInIsHungUpOn) {
+TEST_F(ArenaTest, LoginsTimeOut) {
   arena.connected(ann, now);
   arena.tick(now + 9'999);
   EXPECT_TRUE(hungUp.empty());
@@ -220,7 +220,7 @@ TEST_F(ArenaTest, PrivateChatGoesToTheAddresseeAndBack) {
   EXPECT_EQ(got[ann].size(), 1U) << "to oneself it comes once";
 }
 
-TEST_F(ArenaTest, ChatToNobodyIsAnsweredToTheSenderAlone) {
+TEST_F(ArenaTest, ChatToAnUnknownPlayerIsAnsweredToItsSender) {
   login(ann, "Ann");
   login(bob, "Bob");
   for (const char* target : {"0", "9", "-2"}) {
@@ -231,7 +231,7 @@ TEST_F(ArenaTest, ChatToNobodyIsAnsweredToTheSenderAlone) {
   }
 }
 
-TEST_F(ArenaTest, ChatThatIsNoneIsDropped) {
+TEST_F(ArenaTest, InvalidChatIsDropped) {
   login(ann, "Ann");
   say(ann, wire::msgChat, {"-1"});
   say(ann, wire::msgChat, {"x", "hello"});

@@ -7,20 +7,20 @@ namespace {
 
 TEST(BallGeometry, TheBallIsHalfItsPictureWide) { EXPECT_EQ(ballRadius, 367.5); }
 
-TEST(BallGeometry, WaysThatCrossOrTouchAreAtNoDistance) {
-  EXPECT_EQ(distanceOfWays({0, 0}, {10, 10}, {0, 10}, {10, 0}), 0);
-  EXPECT_EQ(distanceOfWays({0, 0}, {10, 0}, {5, 0}, {5, 10}), 0);
-  EXPECT_EQ(distanceOfWays({0, 0}, {10, 0}, {4, 0}, {6, 0}), 0);
-  EXPECT_EQ(distanceOfWays({3, 3}, {3, 3}, {3, 3}, {3, 3}), 0);
+TEST(BallGeometry, SegmentsThatCrossOrTouchHaveNoDistance) {
+  EXPECT_EQ(segmentDistance({0, 0}, {10, 10}, {0, 10}, {10, 0}), 0);
+  EXPECT_EQ(segmentDistance({0, 0}, {10, 0}, {5, 0}, {5, 10}), 0);
+  EXPECT_EQ(segmentDistance({0, 0}, {10, 0}, {4, 0}, {6, 0}), 0);
+  EXPECT_EQ(segmentDistance({3, 3}, {3, 3}, {3, 3}, {3, 3}), 0);
 }
 
-TEST(BallGeometry, TheDistanceOfWaysIsTheirShortest) {
-  EXPECT_EQ(distanceOfWays({0, 0}, {10, 0}, {5, 3}, {5, 10}), 3) << "an end over the middle";
-  EXPECT_EQ(distanceOfWays({5, 3}, {5, 10}, {0, 0}, {10, 0}), 3);
-  EXPECT_EQ(distanceOfWays({0, 0}, {10, 0}, {13, 4}, {20, 4}), 5) << "end to end, 3 and 4";
-  EXPECT_EQ(distanceOfWays({0, 0}, {10, 0}, {0, 7}, {10, 7}), 7) << "side by side";
-  EXPECT_EQ(distanceOfWays({4, 2}, {4, 2}, {0, 0}, {10, 0}), 2) << "a place and a way";
-  EXPECT_EQ(distanceOfWays({0, 0}, {0, 0}, {3, 4}, {3, 4}), 5) << "two places";
+TEST(BallGeometry, TheSegmentDistanceIsTheShortest) {
+  EXPECT_EQ(segmentDistance({0, 0}, {10, 0}, {5, 3}, {5, 10}), 3) << "an end over the middle";
+  EXPECT_EQ(segmentDistance({5, 3}, {5, 10}, {0, 0}, {10, 0}), 3);
+  EXPECT_EQ(segmentDistance({0, 0}, {10, 0}, {13, 4}, {20, 4}), 5) << "end to end, 3 and 4";
+  EXPECT_EQ(segmentDistance({0, 0}, {10, 0}, {0, 7}, {10, 7}), 7) << "side by side";
+  EXPECT_EQ(segmentDistance({4, 2}, {4, 2}, {0, 0}, {10, 0}), 2) << "a place and a way";
+  EXPECT_EQ(segmentDistance({0, 0}, {0, 0}, {3, 4}, {3, 4}), 5) << "two places";
 }
 
 TEST(BallGeometry, ABeamEndsAtTheWorldsEdge) {

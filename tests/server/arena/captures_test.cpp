@@ -23,7 +23,7 @@ class CapturesTest : public ArenaTest {
   static constexpr ClientId dan = 4;
 };
 
-TEST_F(CapturesTest, WhoIsInsideIsCapturedAtTheOldestVertexOfTheLoop) {
+TEST_F(CapturesTest, PlayersInsideAreCapturedAtTheOldestVertexOfTheLoop) {
   begin();
   report(bob, 50'000, 50'000);
   report(cat, 53'000, 50'000);
@@ -46,7 +46,7 @@ TEST_F(CapturesTest, WhoIsInsideIsCapturedAtTheOldestVertexOfTheLoop) {
   EXPECT_EQ(view(bob).kills, 0);
 }
 
-TEST_F(CapturesTest, WhoIsOnTheLoopIsNot) {
+TEST_F(CapturesTest, PlayersOnTheLoopAreNotCaptured) {
   begin();
   report(bob, 50'000, 49'000);
   report(cat, 51'000, 50'000);
@@ -280,7 +280,7 @@ TEST_F(CapturesTest, ExtendedTailsKeepTheirVertices) {
   EXPECT_TRUE(view(ann).tail.empty());
 }
 
-TEST_F(CapturesTest, WhoeverACaptureWaitsForIsToldToHaveLeftOnceItHasLanded) {
+TEST_F(CapturesTest, DeparturesAreToldOnceTheirCapturesHaveLanded) {
   for (const ClientId leaver : {ann, bob}) {
     begin();
     capture(ann, bob);
@@ -296,7 +296,7 @@ TEST_F(CapturesTest, WhoeverACaptureWaitsForIsToldToHaveLeftOnceItHasLanded) {
   }
 }
 
-TEST_F(CapturesTest, WhoLingersIsOutOfTheGame) {
+TEST_F(CapturesTest, LingeringPlayersAreOutOfTheGame) {
   begin();
   capture(ann, bob);
   report(ann, 50'000, 50'000);
@@ -308,7 +308,7 @@ TEST_F(CapturesTest, WhoLingersIsOutOfTheGame) {
   EXPECT_EQ(all(cat, wire::msgServerText), (std::vector<Fields>{{"That player is not here."}}));
 }
 
-TEST_F(CapturesTest, WhoLingersKeepsColourAndNodeAndIsShownToNewcomers) {
+TEST_F(CapturesTest, LingeringPlayersKeepColourAndNodeAndAreShownToNewcomers) {
   begin();
   capture(ann, bob);
   arena.disconnected(bob);
@@ -334,7 +334,7 @@ TEST_F(CapturesTest, WhoLingersKeepsColourAndNodeAndIsShownToNewcomers) {
   EXPECT_EQ(all(6, wire::msgPlayerLeft), (std::vector<Fields>{{"3"}}));
 }
 
-TEST_F(CapturesTest, AFullArenaWaitsForWhoLingers) {
+TEST_F(CapturesTest, AFullArenaWaitsForLingeringPlayers) {
   begin();
   login(5, "Eve");
   login(6, "Flo");

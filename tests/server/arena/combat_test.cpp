@@ -50,7 +50,7 @@ class CombatTest : public ArenaTest {
   }
 };
 
-TEST_F(CombatTest, AChargedSegmentKillsWhoFliesThroughIt) {
+TEST_F(CombatTest, AChargedSegmentKillsPlayersWhoFlyThroughIt) {
   begin();
   report(bob, 29'000, 40'000);
   layChargedSegment();
@@ -73,14 +73,14 @@ TEST_F(CombatTest, TheBallsEdgeIsEnoughAndNoMoreReaches) {
   EXPECT_EQ(kills(), (Kills{{"1", "2"}}));
 }
 
-TEST_F(CombatTest, LayingItOverSomebodyKillsHim) {
+TEST_F(CombatTest, LayingItOverSomebodyKillsThem) {
   begin();
   report(bob, 30'300, 25'000);
   layChargedSegment();
   EXPECT_EQ(kills(), (Kills{{"1", "2"}}));
 }
 
-TEST_F(CombatTest, WhatWasLaidBeforeItIsNotCharged) {
+TEST_F(CombatTest, EarlierSegmentsAreNotCharged) {
   begin();
   report(ann, 30'000, 20'000);
   report(ann, 30'000, 30'000);
@@ -90,7 +90,7 @@ TEST_F(CombatTest, WhatWasLaidBeforeItIsNotCharged) {
   EXPECT_EQ(kills(), Kills{});
 }
 
-TEST_F(CombatTest, WhatWasLaidStaysChargedAfterItsEnd) {
+TEST_F(CombatTest, SegmentsStayChargedAfterItsEnd) {
   begin();
   report(ann, 30'000, 20'000);
   start(ann, chargedTailSlot);
@@ -194,7 +194,7 @@ TEST_F(CombatTest, ALaserTurnsWithItsPlayer) {
   EXPECT_EQ(kills(), (Kills{{"1", "2"}}));
 }
 
-TEST_F(CombatTest, WhoHasNotMovedYetHasNoBeam) {
+TEST_F(CombatTest, PlayersWithoutAMovementHaveNoBeam) {
   begin();
   arena.disconnected(ann);
   login(ann, "Ann");
@@ -229,7 +229,7 @@ TEST_F(CombatTest, APulseKillsAllNearAndItsOwner) {
   EXPECT_TRUE(view(cat).isAlive);
 }
 
-TEST_F(CombatTest, HisOwnDeathEarnsNothing) {
+TEST_F(CombatTest, OnesOwnDeathEarnsNothing) {
   begin();
   const auto before = view(ann).funds;
   start(ann, pulseSlot);
@@ -270,7 +270,7 @@ TEST_F(CombatTest, NaturalEndsAreNotTold) {
   EXPECT_TRUE(all(cat, wire::msgPowerupOff).empty());
 }
 
-TEST_F(CombatTest, WhoDiesByAWeaponWaitsForNoVertex) {
+TEST_F(CombatTest, WeaponDeathsWaitForNoVertex) {
   begin();
   start(ann, pulseSlot);
   arena.disconnected(ann);

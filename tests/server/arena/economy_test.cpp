@@ -69,7 +69,7 @@ TEST_F(EconomyTest, TheEleventhIsRefused) {
             (Message{wire::msgBuyDenied, {"You cannot carry more than 10 powerups. Use or sell one first."}}));
 }
 
-TEST_F(EconomyTest, WhatNamesNoItemIsDropped) {
+TEST_F(EconomyTest, RequestsForUnknownItemsAreDropped) {
   begin(100);
   const std::vector<Fields> bad = {{""}, {"x"}, {"1x"}, {" 1"}, {"1.5"}, {"99999"}, {"1", "2"}};
   for (const auto id : {wire::msgBuyRequest, wire::msgSellRequest, wire::msgActivateRequest}) {
@@ -78,7 +78,7 @@ TEST_F(EconomyTest, WhatNamesNoItemIsDropped) {
   EXPECT_TRUE(got.empty());
 }
 
-TEST_F(EconomyTest, TheOthersAreToldWhatATraderHasLeft) {
+TEST_F(EconomyTest, TheOthersAreToldATradersFunds) {
   begin(20);
   say(ann, wire::msgBuyRequest, {"1"});
   EXPECT_EQ(got[bob], (std::vector<Message>{{wire::msgFunds, {"1", "10"}}}));
@@ -102,7 +102,7 @@ TEST_F(EconomyTest, NobodyTradesBeforeTheLogin) {
   EXPECT_TRUE(got.empty());
 }
 
-TEST_F(EconomyTest, EverybodyHasHisOwnPurse) {
+TEST_F(EconomyTest, EverybodyHasTheirOwnCredits) {
   begin(100);
   buy("5");
   say(bob, wire::msgSellRequest, {"5"});
@@ -112,7 +112,7 @@ TEST_F(EconomyTest, EverybodyHasHisOwnPurse) {
   EXPECT_EQ(view(ann).funds, 30);
 }
 
-TEST_F(EconomyTest, WhoComesBackBeginsAnew) {
+TEST_F(EconomyTest, ReturningPlayersBeginAnew) {
   begin(100);
   buy("5");
   arena.disconnected(ann);

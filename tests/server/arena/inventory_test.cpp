@@ -77,7 +77,7 @@ TEST(Inventory, HoldsTenOfAllKindsTogether) {
   EXPECT_EQ(inventory.funds(), 105);
 }
 
-TEST(Inventory, WithNoRoomAndNoCreditsTheRoomIsWhatIsTold) {
+TEST(Inventory, WithNoRoomAndNoCreditsTheRoomIsReported) {
   Inventory inventory = withFunds(100);
   for (int i = 0; i < 10; ++i) EXPECT_EQ(inventory.buy(1).reason(), "");
   EXPECT_EQ(inventory.funds(), 0);
@@ -114,7 +114,7 @@ TEST(Inventory, ThePulseIsOverAtOnce) {
   EXPECT_FALSE(inventory.start(5, start)) << "there were two";
 }
 
-TEST(Inventory, WhatIsNotThereDoesNotStart) {
+TEST(Inventory, PowerupsOutOfStockDoNotStart) {
   Inventory inventory;
   for (const int item : {-1, 0, 1, 2, 3, 4, 5, 6}) EXPECT_FALSE(inventory.start(item, start)) << item;
 }
@@ -160,7 +160,7 @@ TEST(Inventory, NothingIsLostWhereAMinuteDoesNotDivideEvenly) {
   EXPECT_EQ(times, (std::vector<int>{86, 172, 258, 343, 429, 515, 600}));
 }
 
-TEST(Inventory, WhatIsBookedAddsUpToTheFunds) {
+TEST(Inventory, BookingsAddUpToTheFunds) {
   Inventory inventory;
   EXPECT_EQ(inventory.booked(Entry::start), 10);
   inventory.book(Entry::income, 15);

@@ -55,7 +55,7 @@ TEST_F(LivesTest, WithoutARequestNobodyIsRespawned) {
   EXPECT_TRUE(all(ann, wire::msgRespawn).empty());
 }
 
-TEST_F(LivesTest, AGhostIsToldOnceWhenHeMayAskForANewLife) {
+TEST_F(LivesTest, AGhostIsToldOnceThatRespawningIsPossible) {
   begin();
   capture(bob, ann);
   pass(2'999);
@@ -67,7 +67,7 @@ TEST_F(LivesTest, AGhostIsToldOnceWhenHeMayAskForANewLife) {
   EXPECT_EQ(all(ann, wire::msgServerText).size(), 1U);
 }
 
-TEST_F(LivesTest, WhoHasAskedForANewLifeIsNotToldToAsk) {
+TEST_F(LivesTest, PlayersWithAPendingRequestAreNotInvited) {
   begin();
   capture(bob, ann);
   say(ann, wire::msgSpawnRequest, {""});

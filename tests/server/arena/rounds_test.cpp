@@ -90,7 +90,7 @@ TEST_F(RoundsTest, OfTwoWithAsManyTheEarlierOneHasWon) {
   EXPECT_EQ(result(), "Bob wins the round with 2 captures!");
 }
 
-TEST_F(RoundsTest, WhoHasGoneDoesNotWin) {
+TEST_F(RoundsTest, DepartedPlayersDoNotWin) {
   begin();
   captureAndRespawn(ann, bob);
   arena.disconnected(ann);
@@ -175,7 +175,7 @@ TEST_F(RoundsTest, ANewcomerOfAnIntermissionIsDeadAndKnowsWhenItEnds) {
   EXPECT_FALSE(view(4).isAlive);
 }
 
-TEST_F(RoundsTest, WhoComesIntoAnEmptyArenaBeginsARound) {
+TEST_F(RoundsTest, TheFirstPlayerStartsARound) {
   begin();
   pass(50'000);
   for (const ClientId client : {ann, bob, cat}) arena.disconnected(client);

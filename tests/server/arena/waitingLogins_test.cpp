@@ -80,7 +80,7 @@ TEST_F(WaitingLogins, ABotDisplacesNobody) {
   EXPECT_EQ(got[firstBotClient + 6].at(0), (Message{wire::msgLoginDenied, {"The arena is full."}}));
 }
 
-TEST_F(WaitingLogins, WhoHangsUpWaitsNoMore) {
+TEST_F(WaitingLogins, HangingUpEndsTheWait) {
   login(firstBotClient, "Bot", "3");
   ask(ann, "3");
   arena.disconnected(ann);
@@ -90,7 +90,7 @@ TEST_F(WaitingLogins, WhoHangsUpWaitsNoMore) {
   EXPECT_EQ(arena.playerCount(), 1U);
 }
 
-TEST_F(WaitingLogins, ASecondLoginMeanwhileIsNone) {
+TEST_F(WaitingLogins, ASecondLoginMeanwhileIsIgnored) {
   login(firstBotClient, "Bot", "3");
   ask(ann, "3");
   say(ann, wire::msgLogin, {"Eve", "", "5", "1.2.1"});

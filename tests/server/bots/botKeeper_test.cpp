@@ -141,7 +141,7 @@ TEST_F(BotKeeperTest, NamesDifferFromEachOtherAndFromPeoples) {
     ask(ann, "0", "quillon");
   }
   EXPECT_GT(names.size(), 10U);
-  for (const std::string& name : names) EXPECT_LE(name.size(), Lobby::longestName);
+  for (const std::string& name : names) EXPECT_LE(name.size(), Lobby::maxNameLength);
 }
 
 TEST_F(BotKeeperTest, PeopleTakeTheirPlaces) {
@@ -229,7 +229,7 @@ TEST_F(BotKeeperTest, AMachineThatStoodStillIsNotMadeUpFor) {
   EXPECT_LE(sent[ann] - before, 3);
 }
 
-TEST_F(BotKeeperTest, ABotThatIsHungUpOnComesBack) {
+TEST_F(BotKeeperTest, ADisconnectedBotComesBack) {
   keep(1);
   ask(ann, "0");
   pass(5'000);

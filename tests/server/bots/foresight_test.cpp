@@ -54,12 +54,12 @@ TEST(Foresight, ALoopIsClosedAcrossTheNearestPointThatTakesThePreyIn) {
   EXPECT_FALSE(isInside(hook(), head, *closing, {12'000, 13'800})) << "below the way across";
 }
 
-TEST(Foresight, WhoIsOutsideIsInNoLoop) {
+TEST(Foresight, PlayersOutsideAreInNoLoop) {
   EXPECT_FALSE(soonestClosing(hook(), head, 10, {12'000, 15'000}, 0, 1'000, false));
   EXPECT_FALSE(soonestClosing(hook(), head, 10, {15'000, 12'000}, 0, 1'000, false));
 }
 
-TEST(Foresight, ALoopThatTakesTooLongIsNone) {
+TEST(Foresight, ALoopThatTakesTooLongDoesNotCount) {
   EXPECT_FALSE(soonestClosing(hook(), head, 10, middle, 0, 400, false));
   EXPECT_FALSE(soonestClosing(hook(), head, 0, middle, 0, 400, false));
 }

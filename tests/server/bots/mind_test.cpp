@@ -203,7 +203,7 @@ TEST_F(BotMind, ALaserIsFiredInLineAlone) {
   EXPECT_TRUE(uses(hard, 4).empty()) << "too far";
 }
 
-TEST_F(BotMind, EasyOnesKnowTheTurboAlone) {
+TEST_F(BotMind, EasyBotsUseOnlyTheTurbo) {
   view.stock.fill(1);
   opponent({55'000, 50'000}).isTailCharged = true;
   for (const int item : uses(easy, 20)) EXPECT_EQ(item, turboSlot);
@@ -216,7 +216,7 @@ TEST_F(BotMind, TheDeadActivateNothing) {
   EXPECT_TRUE(uses(hard, 20).empty());
 }
 
-TEST_F(BotMind, BuysWhatItCanPayAndUse) {
+TEST_F(BotMind, BuysAffordableAndUsefulItems) {
   view.funds = 9;
   EXPECT_FALSE(hard.wantsToBuy(view));
   view.funds = 10;

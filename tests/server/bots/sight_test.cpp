@@ -42,7 +42,7 @@ TEST_F(BotSight, OthersAreSeenAReactionLate) {
   EXPECT_EQ(view.position, (Point{50'000, 50'000}));
 }
 
-TEST_F(BotSight, WhoJustCameIsSeenAsFarAsThereIsAnything) {
+TEST_F(BotSight, NewcomersAreSeenWithShortHistory) {
   watch(2);
   const BotView view = sight.viewOf(*sight.player(1), 600, now);
   EXPECT_EQ(view.delay, 40);
@@ -67,7 +67,7 @@ TEST_F(BotSight, ACircleHasATurn) {
   EXPECT_NEAR(other.turn, M_PI / 10 / 40, 1e-6);
 }
 
-TEST_F(BotSight, WhoHasLeftIsNotSeen) {
+TEST_F(BotSight, DepartedPlayersAreNotSeen) {
   watch(20);
   now += 40;
   sight.add({player(1, {50'000, 50'000})}, now);

@@ -51,7 +51,7 @@ TEST(BotSkill, ABeginnerBeatsAnEasyOneAlone) {
   EXPECT_GT(score.first, score.second);
 }
 
-TEST(BotSkill, AHardOneCapturesABeginnerMoreOftenThanHeIt) {
+TEST(BotSkill, AHardBotOutplaysABeginner) {
   Score score;
   for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
     Contest contest(seed);

@@ -69,7 +69,7 @@ TEST(ServerConfig, AFileHasTheNamesOfTheOptions) {
   EXPECT_EQ(options.notes, "a # b");
 }
 
-TEST(ServerConfig, TheCommandLineWinsWhereverItNamesTheFile) {
+TEST(ServerConfig, TheCommandLineOverridesTheFileInAnyOrder) {
   const std::string file = fileWith("port = 2011\nnotes = file\n");
   const std::string config = "--config=" + file;
   const std::vector<std::vector<const char*>> orders = {{"--port", "5", config.c_str()}, {config.c_str(), "--port=5"}};

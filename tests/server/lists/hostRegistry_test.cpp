@@ -29,7 +29,7 @@ TEST(HostRegistry, KeepsAnEntryForAnHourAfterItsLastAnnouncement) {
   EXPECT_EQ(registry.size(), 0U);
 }
 
-TEST(HostRegistry, ListsWhatTheQueryLetsPass) {
+TEST(HostRegistry, ListsMatchingEntries) {
   HostRegistry registry;
   registry.announce("a", of("one.example", 1, 0), 0);
   registry.announce("a", of("two.example", 2, 6), 0);
@@ -40,7 +40,7 @@ TEST(HostRegistry, ListsWhatTheQueryLetsPass) {
   EXPECT_EQ(registry.records({.version = "1.2.0"}, 0), "[old.example|3|0|n|3|6]");
 }
 
-TEST(HostRegistry, OnlyWhoAnnouncedAnEntryChangesItOrTakesItBack) {
+TEST(HostRegistry, OnlyItsAnnouncerChangesOrWithdrawsAnEntry) {
   HostRegistry registry;
   registry.announce("a", of("192.0.2.7", 2010), 0);
   EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2010, 6), 1), Answer::anothers);
@@ -116,7 +116,7 @@ TEST(Announcement, ComesBackFromItsQuery) {
   EXPECT_EQ(hostRecord(read.host), hostRecord(sent.host));
 }
 
-TEST(Announcement, TheSenderTakesOutWhatTheListWouldRefuse) {
+TEST(Announcement, TheSenderRemovesTextThatTheListWouldRefuse) {
   Announcement sent = of("play.example", 2010);
   sent.host.notes = "a|b[c]\n-END-";
   Announcement read;
@@ -124,7 +124,7 @@ TEST(Announcement, TheSenderTakesOutWhatTheListWouldRefuse) {
   EXPECT_EQ(read.host.notes, "a b c   END-");
 }
 
-TEST(Announcement, WhatIsUnfitForAListIsRefusedByName) {
+TEST(Announcement, InvalidValuesAreRefusedByName) {
   struct Row {
     const char* name;
     std::string value;

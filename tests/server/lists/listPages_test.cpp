@@ -44,7 +44,7 @@ TEST_F(ListPagesTest, AnswersBothFormsOfATarget) {
   EXPECT_EQ(ask("HEAD", "/games/kelvora/ver.txt").status, 200U);
 }
 
-TEST_F(ListPagesTest, TheQuerySaysWhatIsListed) {
+TEST_F(ListPagesTest, TheQueryFiltersTheList) {
   struct Row {
     bool password;
     std::size_t players;
@@ -104,7 +104,7 @@ TEST_F(ListPagesTest, OneAddressHasThirtyTwoEntries) {
   EXPECT_EQ(announce(pages, 33, "198.51.100.2"), 200U);
 }
 
-TEST_F(ListPagesTest, WhoHasTheKeyHasAsManyAsTheyLike) {
+TEST_F(ListPagesTest, TheKeyLiftsTheLimitOfEntries) {
   ListPages locked("1.2.1", "k");
   for (int port = 1; port <= 40; ++port) EXPECT_EQ(announce(locked, port, "198.51.100.1", "Bearer k"), 200U) << port;
   for (const char* wrong : {"", "k", "Bearer ", "Bearer kk", "Bearer K", "bearer k"}) {

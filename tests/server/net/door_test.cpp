@@ -25,7 +25,7 @@ TEST(ServerDoor, SixteenOfOneAddressAreInsideAtATime) {
   EXPECT_FALSE(door.admits("a", 1'000));
 }
 
-TEST(ServerDoor, WhoComesAndGoesMayComeTwiceASecond) {
+TEST(ServerDoor, ReconnectingIsAllowedTwiceASecond) {
   Door door;
   const auto visit = [&](Millis now) {
     const bool isIn = door.admits("a", now);
@@ -43,7 +43,7 @@ TEST(ServerDoor, WhoComesAndGoesMayComeTwiceASecond) {
 TEST(ServerDoor, ForgetsTheForgivenFirstAndNeverThoseInside) {
   Door door;
   for (int i = 0; i < 16; ++i) EXPECT_TRUE(door.admits("inside", 0));
-  for (std::size_t i = 1; i < Door::mostNetworks; ++i) {
+  for (std::size_t i = 1; i < Door::maxNetworks; ++i) {
     const std::string name = std::to_string(i);
     ASSERT_TRUE(door.admits(name, static_cast<Millis>(i)));
     door.left(name);

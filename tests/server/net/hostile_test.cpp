@@ -218,7 +218,7 @@ TEST_F(Hostile, HalfFramesAreWaitedForTenSecondsAndCostNothing) {
   });
 }
 
-TEST_F(Hostile, WhoNeverReadsIsDroppedOrCostsAtMostHisQueue) {
+TEST_F(Hostile, ClientsThatNeverReadAreDroppedOrCostAtMostTheirQueue) {
   Flood deaf(port, 4, login("Deaf"), frame(wire::msgChat, {"-1", std::string(4'000, 'x')}));
   const std::size_t before = residentMebibytes();
   expectPlay([&](int i) {

@@ -27,7 +27,7 @@ TEST(LoopbackBots, APersonAloneSoonHasCompany) {
   EXPECT_NE(first.substr(0, 2), "1\x82") << "Ann has not moved";
 }
 
-TEST(LoopbackBots, TheyGoWithHim) {
+TEST(LoopbackBots, BotsLeaveWithTheLastPerson) {
   const RunningServer server(withBots());
   {
     Client ann(server.port());

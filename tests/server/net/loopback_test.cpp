@@ -147,7 +147,7 @@ TEST_F(Loopback, EarlyHangUpsDisturbNobody) {
   EXPECT_EQ(ann.readUntil(wire::msgChat), "1\x82still here");
 }
 
-TEST_F(Loopback, WhatIsNoFrameEndsTheConnection) {
+TEST_F(Loopback, AnInvalidFrameEndsTheConnection) {
   for (const std::string& bytes :
        {std::string("GET / HTTP/1.0\r\n\r\n"), std::string("\x80\x90\x80"), '\x80' + std::string(4097, 'x')}) {
     Client stranger(port());
@@ -242,7 +242,7 @@ TEST(ServerProgram, TellsItsPortAndTakesLeaveAtItsEnd) {
   }
 }
 
-TEST(ServerProgram, WhoIsNotInHearsNothingOfTheEnd) {
+TEST(ServerProgram, ConnectionsWithoutLoginAreNotToldOfTheEnd) {
   Program program({"--port", "0"});
   {
     Client stranger(program.port());

@@ -153,7 +153,7 @@ TEST_F(Publishing, AListThatNeverAnswersHoldsNobodyUp) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
-TEST_F(Publishing, OnlyWhoPublishedAnEntryTouchesIt) {
+TEST_F(Publishing, OnlyItsPublisherTouchesAnEntry) {
   const RunningServer list(this->list());
   EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).status, 200);
   EXPECT_EQ(ask(list.webPort(), request("POST", query), 11).status, 409);

@@ -17,7 +17,7 @@ namespace kelvora::server {
 inline std::uint16_t freeListedPort() {
   static std::mt19937 random(std::random_device{}());
   for (;;) {
-    const auto port = std::uniform_int_distribution<std::uint16_t>(20'000, highestListedPort)(random);
+    const auto port = std::uniform_int_distribution<std::uint16_t>(20'000, maxListedPort)(random);
     asio::io_context context;
     asio::ip::tcp::acceptor probe(context);
     error_code error;

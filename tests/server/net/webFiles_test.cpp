@@ -102,7 +102,7 @@ TEST_F(WebFilesTest, TheSecondPortSpeaksTheGameToo) {
   join(ann, "Ann");
 }
 
-TEST_F(WebFilesTest, ThePageTellsWhoPlaysAndHowToJoin) {
+TEST_F(WebFilesTest, ThePageListsThePlayersAndHowToJoin) {
   Client ann(port);
   join(ann, "<b>Ann\xE9");
   const Response page = ask(port, "GET / HTTP/1.0\r\n\r\n", 2);

@@ -113,7 +113,7 @@ TEST_F(WebSocketTest, ACloseHandshakeThatIsNeverAnsweredEndsAfterTwoSeconds) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
-TEST_F(WebSocketTest, AClosedWebSocketIsAPlayerWhoLeft) {
+TEST_F(WebSocketTest, ClosingAWebSocketLeavesTheGame) {
   Client other(server.port(), 2);
   other.login("Other");
   {
@@ -140,7 +140,7 @@ TEST_F(WebSocketTest, APingIsAnsweredAndAFloodOfThemEndsTheConnection) {
   expectOthersToPlay();
 }
 
-TEST_F(WebSocketTest, WhatBreaksItsRulesEndsTheConnection) {
+TEST_F(WebSocketTest, ViolatingItsRulesEndsTheConnection) {
   using Client = WebSocketClient;
   const std::string big(70'000, 'x');
   for (const std::string& bytes : {

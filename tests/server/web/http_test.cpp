@@ -59,7 +59,7 @@ TEST(HttpReader, KeepsAConnectionOnlyWithoutABody) {
   EXPECT_FALSE(request("POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n").keepsAlive);
 }
 
-TEST(HttpReader, SeesWhatTheClientAccepts) {
+TEST(HttpReader, ParsesTheAcceptHeaders) {
   EXPECT_TRUE(request("GET / HTTP/1.1\r\nAccept-Encoding: br, gzip\r\n\r\n").acceptsGzip);
   EXPECT_FALSE(request("GET / HTTP/1.1\r\nAccept-Encoding: gzipped\r\n\r\n").acceptsGzip);
   EXPECT_TRUE(request("GET /play HTTP/1.1\r\nHost: h\r\nConnection: keep-alive, Upgrade\r\nUpgrade: websocket\r\n"
@@ -82,7 +82,7 @@ TEST(HttpReader, AHeadMayHave4096Bytes) {
   EXPECT_EQ(HttpReader().read(longest + std::string(10'000, 'b')), Result::complete) << "what follows is no head";
 }
 
-TEST(HttpReader, RefusesWhatIsNoRequest) {
+TEST(HttpReader, RefusesInvalidRequests) {
   for (const char* text : {"GET\r\n\r\n", "GET /\r\n\r\n", "GET / HTTP/9.9\r\n\r\n", "GET / HTTP/1.1\r\nA\r\n\r\n",
                            "GET / HTTP/1.1\r\nContent-Length: -1\r\n\r\n", "G@T / HTTP/1.1\r\n\r\n",
                            "GET / HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n", "\r\n\r\n"}) {
