@@ -1,5 +1,5 @@
-// What the arena's rules cost, without sockets: a report of a position by the length of the tail that it is tested
-// against and the number of opponents, and a tick by the number of bots.
+// The cost of the arena's rules without sockets: a position report, by the tail's length and the number of opponents,
+// and a tick, by the number of bots.
 
 #include <benchmark/benchmark.h>
 
@@ -16,7 +16,7 @@ namespace {
 using namespace kelvora;
 using namespace kelvora::server;
 
-/// Counts what is sent, and lets the bots hear it if there are some.
+/// Counts sent messages and passes them to the bots, if any.
 struct Output : ArenaOutput {
   void send(ClientId client, const std::string& frame) override {
     bytes += frame.size();
@@ -42,7 +42,7 @@ void login(Arena& arena, ClientId client, Millis now) {
   arena.received(client, text(wire::msgLogin, {"P" + std::to_string(client), "", "0", "1.2.1"}), now);
 }
 
-/// A round without an end, as a capture or its end would change what is measured.
+/// An endless round, because a capture or its end would change the measurement.
 ArenaRules endlessRound() {
   ArenaRules rules;
   rules.roundMs = Millis{1} << 60;
@@ -54,15 +54,15 @@ std::string reportOf(double x, double y) {
   return text(wire::msgPositionReport, {std::to_string(x), std::to_string(y)});
 }
 
-/// `range(0)` vertices in the tail of the one who reports, `range(1)` opponents beside his curve. It crosses itself in
-/// most steps.
+/// `range(0)` vertices in the reporter's tail, `range(1)` opponents next to the curve, which crosses itself in most
+/// steps.
 void report(benchmark::State& state) {
   Output output;
   Arena arena(output, "1.2.1", "", 1, endlessRound());
   const auto opponents = static_cast<ClientId>(state.range(1));
   Millis now = 1'000;
   for (ClientId client = 1; client <= opponents + 1; ++client) login(arena, client, now);
-  // A tail of this age is as long as it gets; the opponents stand in a corner of the world.
+  // A tail of this age has its full length. The opponents are in a corner of the world.
   const double interval = 2'000.0 / static_cast<double>(state.range(0));
   now += 2'000;
   for (ClientId client = 2; client <= opponents + 1; ++client) arena.received(client, reportOf(99'000, 99'000), now);
@@ -90,7 +90,7 @@ BENCHMARK(report)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(report)->ArgNames({"tail", "opponents"})->ArgsProduct({{50}, {0, 1, 5}})->Unit(benchmark::kMicrosecond);
 
-/// 40 ms of an arena with one person, who flies nowhere, and `range(0)` bots.
+/// 40 ms of an arena with one idle person and `range(0)` bots.
 void tick(benchmark::State& state) {
   Output output;
   Arena arena(output, "1.2.1", "", 1);
@@ -104,7 +104,7 @@ void tick(benchmark::State& state) {
     arena.tick(now);
     keeper.tick(now);
   };
-  for (int i = 0; i < 1'000; ++i) step();  // till all the bots are in
+  for (int i = 0; i < 1'000; ++i) step();  // until all bots are in
   if (keeper.count() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("bots are missing");
   for (auto _ : state) step();
 }

@@ -3,8 +3,8 @@
 #include <QMainWindow>
 #include <memory>
 
-// The least that a program of Qt Widgets costs: one empty window of the game's size. What the game is measured against.
-// With the word "field" there is a field for text in it, which has the focus and thus a caret that blinks.
+// The minimum cost of a program with Qt Widgets: one empty window of the game's size, as a baseline. With the argument
+// "field" it has a focused text field with a blinking caret.
 int main(int argc, char** argv) {
   const QApplication application(argc, argv);
   QMainWindow window;

@@ -21,9 +21,8 @@
 #include "rendering/paintFrame.h"
 #include "simulation/clsPlayer.h"
 
-// The drawing calls of a whole frame, noted once and then done again and again by the game's surface and by the
-// desktop's painter, both in memory. The game's own frame, with everything that it does beside drawing (ageing, tests,
-// texts made), is measured between them.
+// Records the drawing calls of a whole frame, then repeats them with the game's surface and the desktop's painter, both
+// in memory. Also measures the game's whole frame, which includes ageing, tests and building texts.
 
 namespace {
 
@@ -32,7 +31,7 @@ using namespace kelvora::bench;
 
 enum class Texts { None, Full };
 
-/// A world on a machine without a screen.
+/// A world without a screen.
 class Scene {
  public:
   Scene(bool heavy, Texts texts) {
@@ -62,7 +61,7 @@ class Scene {
     installBackend(nullptr);
   }
 
-  /// One frame. The clock stands, but every tail has its ageing pass.
+  /// One frame. The clock stands still, but every tail gets its ageing pass.
   void paint() {
     modMain::world.localPlayer.lastAgeTick = machine.ticks - 1;
     for (clsPlayer& player : modMain::world.opponents) player.lastAgeTick = machine.ticks - 1;
@@ -78,7 +77,7 @@ class Scene {
   }
 
  private:
-  /// Six players with tails of 300 vertices on the canvas, shields up, the world's upper edge in sight.
+  /// Six players with tails of 300 vertices on the canvas, shields up, and the world's upper edge in view.
   void fill() {
     std::mt19937 draws(42);
     clsPlayer& local = modMain::world.localPlayer;
@@ -95,7 +94,7 @@ class Scene {
     local.position = {50000, 2000};
   }
 
-  /// A wandering course over the canvas, 250 units a step, with the player at its end.
+  /// A wandering course over the canvas, 250 units per step, with the player at its end.
   void layTail(clsPlayer& player, std::mt19937& draws) {
     std::uniform_real_distribution<float> places(-4000, 4000);
     std::uniform_real_distribution<float> turns(-0.3F, 0.3F);
@@ -131,8 +130,8 @@ class Scene {
 
 enum Piece : std::size_t { Drawing, Painter, Frame };
 
-/// Argument 0: frames a slice. Counters, all microseconds a frame: the list by the game's surface and by the desktop's
-/// painter, their ratio, the game's whole frame, and what of it is not drawing.
+/// Argument 0: frames per slice. Counters, in microseconds per frame: the list with the game's surface and with the
+/// desktop's painter, their ratio, the game's whole frame, and the part of it that isn't drawing.
 void frames(benchmark::State& state, bool heavy, Texts texts) {
   Scene scene(heavy, texts);
   std::vector<DrawingCall> calls = scene.record();
@@ -168,8 +167,8 @@ void frames(benchmark::State& state, bool heavy, Texts texts) {
   }
 }
 
-/// The calls of one kind alone, by its place in DrawingCall: 1 lines, 2 circles, 3 copies, 4 texts; 0 for all but the
-/// texts, clearing first.
+/// Calls of one kind, numbered as in DrawingCall: 1 lines, 2 circles, 3 copies, 4 texts; 0 for all but texts. Clears
+/// first.
 void kinds(benchmark::State& state, bool heavy) {
   Scene scene(heavy, Texts::Full);
   std::vector<DrawingCall> calls = scene.record();
@@ -190,9 +189,8 @@ void kinds(benchmark::State& state, bool heavy) {
   state.counters["painter_us"] = turns.microseconds(Painter);
   state.counters["ratio"] = turns.ratio(Painter, Drawing);
 }
-/// The heavy frame's list on a canvas of the design size and on a large one. Arguments: its size in pixels. The drawing
-/// takes as long on either; what grows are the pixels cleared, of a whole canvas at most, and those shown. Showing
-/// copies the image once, as memcpy does.
+/// The heavy frame's list on a canvas of the design size and on a large one. Arguments: its size in pixels. Drawing
+/// takes the same time on both. Only the pixels cleared and shown increase. Showing copies the image once, like memcpy.
 void canvasSize(benchmark::State& state) {
   enum Part : std::size_t { Draw, Clear, ClearAll, Show, Parts };
   Scene scene(true, Texts::None);

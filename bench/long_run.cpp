@@ -1,7 +1,7 @@
-// Hours of play without a screen, as fast as the machine goes: kelvora_long_run [HOURS]. A line an hour, in the
-// first intermission after it, tells what client and arena hold in memory and what a pass of the client costs; the last
-// ones sum up from the first hour on, and the exit status is 1 if memory has grown beyond what the rules keep by more
-// than 32 KiB and 1 KiB for each player who came.
+// Plays for hours without a screen, at full speed: kelvora_long_run [HOURS]. After each hour, in the first
+// intermission, it prints the memory of client and arena and the time of a client's pass. A summary from the first hour
+// on follows. The exit status is 1 if memory has grown beyond what the rules keep by more than 32 KiB plus 1 KiB for
+// each player who joined.
 
 #include <cstdio>
 #include <cstdlib>
@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
   std::printf("\nfrom the client:");
   for (const auto& [id, count] : game.sent) std::printf(" %d: %d", id, count);
   const LongPlay::Figures &first = lines.front(), &last = lines.back();
-  // The tables of a tail's pieces do not shrink, and what they have grown to cannot be asked.
+  // The tables for a tail's blocks don't shrink, and their size can't be queried.
   const auto bound = static_cast<std::int64_t>(32 * 1024 + 1024 * (last.slots - first.slots));
   const std::int64_t growth = (last.heapBytes - last.keptBytes) - (first.heapBytes - first.keptBytes);
   std::printf("\nmessage boxes: %d\ngrowth since the first hour beside what the rules keep: %.1f KiB\n", game.boxes,

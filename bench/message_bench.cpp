@@ -11,8 +11,8 @@
 #include "rendering/frmGfx.h"
 #include "simulation/clsPlayer.h"
 
-// One large read of position messages, from its bytes to the opponent's queue. The time of a message is to be the same
-// however many come at once.
+// One large read of position messages, from bytes to the opponent's queue. The time per message should not depend on
+// their number.
 
 namespace {
 

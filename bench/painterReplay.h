@@ -13,8 +13,8 @@
 
 namespace kelvora::bench {
 
-/// The same drawing by the desktop's painter: 32-bit images, no antialiasing but of glyphs, pens with round ends. Pens,
-/// fonts and images are made beforehand, so that only drawing is measured.
+/// Draws the same with the desktop's painter: 32-bit images, only glyphs antialiased, pens with round ends. Pens, fonts
+/// and images are created beforehand, so that only drawing is measured.
 class PainterReplay {
  public:
   explicit PainterReplay(const std::vector<DrawingCall>& calls);

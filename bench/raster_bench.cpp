@@ -13,8 +13,8 @@
 #include "bench/turns.h"
 #include "raster/surface.h"
 
-// The game's surface and the desktop's painter (no antialiasing, pens with round caps, a 32-bit image of the canvas's
-// size) work through the same lists in turn. Copies and clears are held against the C library moving the same bytes.
+// The game's surface and the desktop's painter (no antialiasing, round pen caps, a 32-bit image of the canvas's size)
+// process the same lists in turn. Copies and clears are compared with the C library moving the same bytes.
 
 namespace {
 
@@ -30,7 +30,7 @@ struct Stroke {
   Colour colour;
 };
 
-// A tail as the game paints it: 300 segments of `length` pixels that wander over the canvas; width 0 stands for 1 to 30
+// A tail as painted by the game: 300 segments of `length` pixels that wander over the canvas. Width 0 means 1 to 30
 // along the tail.
 std::vector<Stroke> tail(int length, int width) {
   std::mt19937 draws(42);
@@ -75,7 +75,7 @@ QColor peerColour(Colour colour) { return {colour.red, colour.green, colour.blue
 
 enum Piece : std::size_t { Own, Painter, Memory };
 
-/// Microseconds of the surface, the painter and (where there is one) the bare memory operation, and their ratios.
+/// Microseconds of the surface, the painter and, if any, the memory operation, and their ratios.
 void report(benchmark::State& state, const Turns& turns, bool hasMemory = false) {
   state.counters["surface_us"] = turns.microseconds(Own);
   state.counters["painter_us"] = turns.microseconds(Painter);
@@ -113,7 +113,7 @@ void tailOfAllWidths(benchmark::State& state) { drawStrokes(state, tail(20, 0));
 void tailOfWidth(benchmark::State& state) { drawStrokes(state, tail(20, static_cast<int>(state.range(0)))); }
 void longLines(benchmark::State& state) { drawStrokes(state, tail(250, static_cast<int>(state.range(0)))); }
 
-// The world's border in full, its corners far outside.
+// The world's whole border, with its corners far outside.
 void worldBorder(benchmark::State& state) {
   const Colour blue = RGB(0, 0, 255);
   drawStrokes(state, {{-3000, 100, 3600, 100, 8, blue},
@@ -143,7 +143,7 @@ struct Copy {
   int x, y, sourceX;
 };
 
-// The bytes of a copy laid down by the C library, a row at a time: the least that any copy can do.
+// The bytes of a copy moved by the C library row by row: the minimum for any copy.
 void copyMemory(QImage& image, const Picture& source, const Copy& copy, int width, int height) {
   const int left = std::max(0, -copy.x);
   const int count = std::min(width, image.width() - copy.x) - left;
@@ -185,7 +185,7 @@ void copies(benchmark::State& state, const Picture& source, int width, int heigh
   report(state, turns, true);
 }
 
-// A hundred cells of 49 by 49 pixels, some of them over the border.
+// A hundred cells of 49 by 49 pixels, some of them across the border.
 void sprites(benchmark::State& state) {
   std::vector<Copy> list;
   for (int i = 0; i < 100; ++i) list.push_back({i * 37 % 780 - 20, i * 53 % 620 - 20, i % 4 * 49});
@@ -197,7 +197,7 @@ void wholePicture(benchmark::State& state) {
   copies(state, noise(canvasWidth, canvasHeight), canvasWidth, canvasHeight, {{0, 0, 0}});
 }
 
-// Particles of the background: a hundred filled circles. Argument: the radius in pixels.
+// Background particles: a hundred filled circles. Argument: the radius in pixels.
 void circles(benchmark::State& state) {
   constexpr int count = 100;
   Surface surface = canvas();
@@ -223,8 +223,8 @@ void circles(benchmark::State& state) {
   report(state, turns);
 }
 
-// A canvas drawn on everywhere is cleared whole. Argument 0: 0 to black, 1 to a colour, 2 to a picture of the canvas's
-// size; argument 1: the canvas's width in pixels, its height having the same part of the design height.
+// Clears a fully drawn canvas. Argument 0: 0 to black, 1 to a colour, 2 to a picture of the canvas's size. Argument 1:
+// the canvas's width in pixels; its height is in proportion.
 void clear(benchmark::State& state) {
   const int width = static_cast<int>(state.range(1));
   const int height = width == canvasWidth ? canvasHeight : width * 9 / 16;
@@ -241,7 +241,8 @@ void clear(benchmark::State& state) {
   const auto bytes = static_cast<std::size_t>(bare.sizeInBytes());
   Turns turns(3);
   for (auto unused : state) {
-    // An empty copy cannot touch, and a copy would be measured along: lines of the greatest width, before the clock.
+    // An empty copy touches nothing, and a real one would be measured. So this draws lines of maximum width before the
+    // clock starts.
     surface.DrawWidth = 64;
     for (int y = 0; y < height + 32; y += 32) surface.Line(0, twips(y), twips(width), twips(y));
     turns.measure(Own, 1, [&] { surface.Cls(); });
@@ -253,7 +254,7 @@ void clear(benchmark::State& state) {
         image.fill(colour);
       }
     });
-    // The two kinds of the floor: bytes set, bytes copied.
+    // The two memory operations: bytes set, bytes copied.
     for (int y = 0; y < height; ++y) bare.scanLine(y)[0] = 1;
     turns.measure(Memory, 1, [&] {
       if (background) {

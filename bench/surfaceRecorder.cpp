@@ -16,7 +16,7 @@ void note(const Surface* surface, decltype(DrawingCall::what) what) {
 SurfaceRecorder::SurfaceRecorder() { recorder = this; }
 SurfaceRecorder::~SurfaceRecorder() { recorder = nullptr; }
 
-// What the linker puts in front of the surface's operations, and those operations themselves.
+// The linker's wrappers for the surface's operations, and the operations themselves.
 void realCls(Surface*) asm("__real__ZN7kelvora7Surface3ClsEv");
 void wrappedCls(Surface*) asm("__wrap__ZN7kelvora7Surface3ClsEv");
 void realLine(Surface*, float, float, float, float) asm("__real__ZN7kelvora7Surface4LineEffff");

@@ -9,8 +9,7 @@
 
 namespace kelvora::bench {
 
-// One call of a surface's drawing operations with what it used of the surface's properties. Places and lengths are
-// pixels.
+// One drawing call with the surface properties that it used. Positions and lengths are pixels.
 struct ClearCall {
   Colour back;
   const Picture* background = nullptr;
@@ -40,8 +39,8 @@ struct DrawingCall {
   std::variant<ClearCall, LineCall, CircleCall, CopyCall, PrintCall> what;
 };
 
-/// Notes every drawing call of all surfaces while it lives; the calls draw as ever. The linker puts the notes between
-/// the callers and the surface (--wrap), so the game's own code is what runs.
+/// Records all drawing calls of all surfaces while it exists; they still draw. The linker inserts the recorder between
+/// callers and surface (--wrap), so the game's own code runs.
 class SurfaceRecorder {
  public:
   SurfaceRecorder();
@@ -49,7 +48,7 @@ class SurfaceRecorder {
   SurfaceRecorder& operator=(const SurfaceRecorder&) = delete;
   ~SurfaceRecorder();
   std::vector<DrawingCall> calls;
-  std::function<void(const DrawingCall&)> onCall;  ///< told of each call ahead of the drawing; may be empty
+  std::function<void(const DrawingCall&)> onCall;  ///< called before each drawing; may be empty
 };
 
 }  // namespace kelvora::bench

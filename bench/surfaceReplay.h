@@ -9,12 +9,12 @@
 
 namespace kelvora::bench {
 
-/// A list of drawing calls, done again by the game's own surface, on surfaces of its own and with nothing of the game
-/// around them. Pictures that the calls copy from must outlive it.
+/// Repeats a list of drawing calls with the game's own surface, on separate surfaces. Pictures used by the calls must
+/// outlive it.
 class SurfaceReplay {
  public:
   explicit SurfaceReplay(const std::vector<DrawingCall>& calls);
-  /// All on images of this size in place of their own.
+  /// Draws on images of this size instead of the original ones.
   SurfaceReplay(const std::vector<DrawingCall>& calls, int width, int height);
   void draw();
   Surface& image(const Surface& surface) const { return *targets_.at(&surface); }

@@ -11,15 +11,15 @@
 #include "rendering/frmGfx.h"
 #include "simulation/clsPlayer.h"
 
-// What a very long tail costs: an extended tail, or a server that sends many positions at once. Argument 0: vertices.
-// Every figure is the median of a single frame or search, so that a pause would show.
+// The cost of a very long tail: an Extra Long Tail, or a server that sends many positions at once. Argument 0:
+// vertices. Every figure is the median of a single frame or search, so that a pause would show.
 
 namespace {
 
 using namespace kelvora;
 using kelvora::bench::Turns;
 
-/// An opponent far out of sight with a tail of that many vertices, each at a place of its own.
+/// An opponent far off screen with a tail of that many vertices, all at different positions.
 class LongTail {
  public:
   explicit LongTail(std::int64_t vertices) {
@@ -61,7 +61,7 @@ void reportMilliseconds(benchmark::State& state, const Turns& turns) {
   state.counters["ns_a_vertex"] = turns.microseconds(0) * 1000 / static_cast<double>(state.range(0));
 }
 
-// The clock stands: no vertex ages, the tail is only walked and found to be out of sight.
+// The clock stands still, so no vertex ages. The tail is traversed and found to be off screen.
 void paintUnseenTail(benchmark::State& state) {
   LongTail tail(state.range(0));
   Turns turns(1);
@@ -69,7 +69,7 @@ void paintUnseenTail(benchmark::State& state) {
   reportMilliseconds(state, turns);
 }
 
-// Every vertex takes a step of two units in every frame; before they end, all are laid anew.
+// Every vertex ages by two units in every frame. Before they expire, all are laid again.
 void ageTail(benchmark::State& state) {
   LongTail tail(state.range(0));
   Turns turns(1);
@@ -89,7 +89,7 @@ void ageTail(benchmark::State& state) {
   reportMilliseconds(state, turns);
 }
 
-// The clock stands and six captures wait for other vertices: each vertex is compared with each of them.
+// The clock stands still and six captures wait for other vertices. Each vertex is compared with each capture.
 void paintTailWithCapturesWaiting(benchmark::State& state) {
   LongTail tail(state.range(0));
   for (int i = 0; i < 6; ++i) modMain::world.killerTails.push_back({0, "0-nowhere-" + std::to_string(i), {0}, ""});
@@ -99,9 +99,9 @@ void paintTailWithCapturesWaiting(benchmark::State& state) {
   modMain::world.killerTails.clear();
 }
 
-// All vertices end in one frame, as they do behind an extended tail of more than two seconds.
+// All vertices expire in one frame, as after an Extra Long Tail of more than two seconds.
 void endWholeTail(benchmark::State& state) {
-  LongTail tail(0);  // with a first pass behind it
+  LongTail tail(0);  // after a first pass
   Turns turns(1);
   for (auto unused : state) {
     tail.lay(state.range(0));
@@ -114,7 +114,7 @@ void endWholeTail(benchmark::State& state) {
   reportMilliseconds(state, turns);
 }
 
-// The place that the server names is the newest vertex's, the last to be looked at.
+// The server names the position of the newest vertex, which is compared last.
 void findByPosition(benchmark::State& state) {
   LongTail tail(state.range(0));
   const Vector newest = tail.place(state.range(0) - 1);

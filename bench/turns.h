@@ -9,34 +9,34 @@
 
 namespace kelvora::bench {
 
-/// Processor time of this thread so far, in microseconds. What other programs take away in between is not in it.
+/// Processor time of this thread so far, in microseconds. Excludes other programs.
 inline double threadMicroseconds() {
   timespec time{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
   return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
 }
 
-/// Several pieces of work done in turn, a short slice each, round after round: whatever else the machine does meets all
-/// of them, and medians over the rounds leave out the rounds that it disturbed.
+/// Alternates between several pieces of work in short slices. Disturbances affect all pieces alike, and medians over
+/// the rounds exclude disturbed rounds.
 class Turns {
  public:
   explicit Turns(std::size_t pieces) : times_(pieces) {}
 
-  /// Does `work` `repeats` times as piece number `piece` of the current round.
+  /// Runs `work` `repeats` times as piece number `piece` of the current round.
   template <class Work>
   void measure(std::size_t piece, int repeats, Work work) {
     const double begin = threadMicroseconds();
     for (int i = 0; i < repeats; ++i) {
       work();
-      asm volatile("" : : : "memory");  // what it stored is wanted
+      asm volatile("" : : : "memory");  // keeps the stores
     }
     times_[piece].push_back((threadMicroseconds() - begin) / repeats);
   }
 
-  /// Microseconds for doing a piece once, the median over the rounds.
+  /// Microseconds for running a piece once, median over the rounds.
   double microseconds(std::size_t piece) const { return median(times_[piece]); }
 
-  /// How many times longer `slow` takes than `fast`: the median of the rounds' ratios.
+  /// The median over the rounds of `slow`'s time divided by `fast`'s.
   double ratio(std::size_t slow, std::size_t fast) const {
     std::vector<double> ratios;
     const std::size_t rounds = std::min(times_[slow].size(), times_[fast].size());

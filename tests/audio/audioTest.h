@@ -10,15 +10,15 @@
 
 namespace kelvora {
 
-/// A client whose devices note down what they are told.
+/// A client whose sound devices record their commands.
 class AudioTest : public GameTest {
  protected:
-  /// The effects are open, the tracks have their names, and what that took is forgotten.
+  /// Opens the effects, names the tracks, and discards what that recorded.
   void openSounds() {
     soundMan::initAudio();
     machine.soundCommands.clear();
   }
-  /// What playing an effect tells its device.
+  /// The commands for playing an effect.
   static std::vector<std::string> playing(const std::string& file) {
     return {file + " Silent False", file + " prev", file + " play"};
   }
@@ -30,7 +30,7 @@ class AudioTest : public GameTest {
     const std::string name = number == 0 ? "music_shopping" : "music" + std::to_string(number);
     return machine.path + "/sounds/" + name + ".mp3";
   }
-  /// The player says what it is doing, and the timer looks.
+  /// Sets the player's state and runs the timer.
   void tickMusic(int playState) {
     machine.playState = playState;
     tick(2000);

@@ -1,4 +1,4 @@
-// Clients of ill will in one arena, with bots among them.
+// Hostile clients in one arena with bots.
 
 #include <array>
 #include <map>
@@ -18,8 +18,7 @@ namespace {
 using fuzz::Input;
 using fuzz::require;
 
-/// The wire of up to six people and the bots, without sockets: what arrives is cut into frames, what is sent is
-/// checked.
+/// The wire of up to six people and the bots, without sockets. Splits what arrives into frames and checks what is sent.
 class Table : private ArenaOutput {
  public:
   Table(int bots, const std::string& password, const ArenaRules& rules)
@@ -65,7 +64,7 @@ class Table : private ArenaOutput {
   };
 
   void send(ClientId client, const std::string& frame) override {
-    // One whole frame, with nothing in it that ends it early.
+    // A whole frame with no delimiter that would end it early.
     require(frame.size() >= 3 && frame.front() == wire::frameStart && frame.back() == wire::frameEnd);
     require(frame.find(wire::frameStart, 1) == std::string::npos && frame.find(wire::frameEnd) == frame.size() - 1);
     require(frame.size() <= wire::FrameReader::maxFrameLength + 2);
@@ -79,7 +78,7 @@ class Table : private ArenaOutput {
     hungUp_.insert(client);
   }
   void log(const std::string& line) override {
-    // One line of plain text, so that nobody writes the log's lines.
+    // A single line of plain text, so that nobody can forge log lines.
     for (const char c : line) require(static_cast<unsigned char>(c) >= 32 && static_cast<unsigned char>(c) != 127);
   }
   void letGo() {
@@ -123,7 +122,7 @@ void run(Input input) {
                          .incomePerMinute = 6'000,
                          .speedFactor = (flags & 8) != 0 ? 3.0 : 0.0};
   Table table(flags % 6, (flags & 64) != 0 ? "sesame" : "", rules);
-  // Behind 255: what happens, and to whom; all else is said by whoever spoke last.
+  // After byte 255 comes an action and its target. Everything else is sent by the current client.
   std::size_t seat = 0;
   int ticks = 0;
   while (!input.isEmpty()) {

@@ -1,4 +1,4 @@
-// What can be typed: lines of chat, console commands, keys and clicks, with the music and the store behind them.
+// Everything that can be typed: chat lines, console commands, keys and clicks, with music and the store.
 
 #include "frontend/frmMain.h"
 #include "tests/fuzz/fuzzClient.h"
@@ -58,7 +58,7 @@ void run(Input input) {
         },
         [&](char what, Input& rest) { act(client, what, rest); });
   });
-  // Whatever is typed, it breaks no frame.
+  // Nothing that is typed may break a frame.
   client.requireSoundFrames();
 }
 

@@ -27,7 +27,7 @@ void configFile(Input input) {
   require(!outcome.isRefused() || outcome.reason().starts_with("a.conf:"));
 }
 
-/// The texts of the input, one a line, as arguments; a file is not read.
+/// The input's texts, one per line, as arguments. Doesn't read a file.
 void commandLine(Input input) {
   std::vector<std::string> texts;
   while (!input.isEmpty()) texts.emplace_back(input.upTo('\n'));
@@ -43,7 +43,7 @@ void commandLine(Input input) {
   require(options.notes.size() <= 200 && options.password.size() <= 255);
 }
 
-/// Whatever is announced, the list that comes of it is whole records, one for each host, that no client trips over.
+/// After any announcements, the list consists of whole records, one per host, that no client stumbles over.
 void announcements(Input input) {
   HostRegistry registry;
   Millis now = 0;
@@ -78,7 +78,8 @@ void announcements(Input input) {
     std::vector<std::string> texts;
     while (!fields.isEmpty()) texts.emplace_back(fields.upTo('|'));
     require(texts.size() == 6 && (texts[2] == "0" || texts[2] == "1"));
-    require(std::stoi(texts[1]) <= 32'767);  // clients read a port as 16 bits with a sign, and end if it is none
+    require(std::stoi(texts[1]) <= 32'767);  // clients read a port as a signed 16-bit number, and end if it is out of
+                                             // range
   }
   require(records <= registry.size());
 }

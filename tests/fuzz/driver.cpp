@@ -1,5 +1,5 @@
-// Runs a fuzz target without a fuzzer: replays files, and with --seconds or --runs goes on with mutations of them. The
-// input that a run ends with by a crash is left in crash-<program> in the current folder.
+// Runs a fuzz target without a fuzzer: replays files and, with --seconds or --runs, mutates them. If a run crashes, its
+// input is left in crash-<program> in the current folder.
 
 #include <unistd.h>
 
@@ -19,7 +19,7 @@
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-// The sanitizers', where they are.
+// The sanitizers' callback, if they are linked.
 extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
 
 namespace {
@@ -31,7 +31,7 @@ constexpr std::size_t maxInputSize = 4096;
 std::string current;
 std::string crashFile;
 
-// Called when the process ends badly: nothing here may rely on more than the text that is there.
+// Called on a crash, so it must not rely on anything but the existing text.
 void leaveInput() {
   std::ofstream(crashFile, std::ios::binary) << current;
   std::cerr << "The input is left in " << fs::absolute(crashFile).string() << "\n";
@@ -64,7 +64,7 @@ class Mutator {
   std::size_t below(std::size_t end) { return std::uniform_int_distribution<std::size_t>(0, end - 1)(random_); }
   const std::string& any() { return corpus_[below(corpus_.size())]; }
   char byte() {
-    // Those that mean something in the protocols stand among them more often.
+    // Bytes with a meaning in the protocols are more likely.
     static constexpr std::string_view liked = "\x80\x81\x82\xFF\n|[]:~019.-eE ";
     return below(2) == 0 ? liked[below(liked.size())] : static_cast<char>(below(256));
   }
@@ -84,12 +84,12 @@ class Mutator {
       case 3:
         input.insert(at, std::string(input, at, length));
         break;
-      case 4: {  // the end of another one
+      case 4: {  // the end of another input
         const std::string& other = any();
         input.replace(at, std::string::npos, other, below(other.size() + 1));
         break;
       }
-      default: {  // a piece of another one
+      default: {  // a piece of another input
         const std::string& other = any();
         input.insert(at, other, below(other.size() + 1), below(64));
       }

@@ -7,7 +7,7 @@ namespace kelvora::fuzz {
 
 namespace {
 
-// Whole numbers as decimal digits, the lowest first.
+// Whole numbers as decimal digits, lowest first.
 using Whole = std::vector<int>;
 
 void multiply(Whole& number, int factor) {

@@ -43,7 +43,7 @@ void FuzzClient::play(Input input, const std::function<void(std::string piece)>&
       piece += command;
       continue;
     }
-    if (what == 'b') {  // what has gathered comes while the next box stands
+    if (what == 'b') {  // collected messages arrive during the next box
       if (!piece.empty()) keepForBox(std::exchange(piece, {}));
       continue;
     }

@@ -10,31 +10,31 @@
 
 namespace kelvora::fuzz {
 
-/// A whole client on a machine without a screen, for one run of a target.
+/// A whole headless client for one run of a target.
 class FuzzClient : public GameTest {
  public:
-  static constexpr char command = '\xFF';  ///< in an input: the next byte says what happens; twice it is itself
+  static constexpr char command = '\xFF';  ///< in an input: the next byte is a command, or itself if doubled
 
   FuzzClient();
 
-  /// Does something that may end the program the way its rules know: by a run-time fault, or on purpose. False if it
-  /// has. Whatever else is thrown is a failure.
+  /// Runs an action that may end the program as the rules allow: by a run-time fault, or deliberately. False if it has.
+  /// Any other exception is a failure.
   bool survives(const std::function<void()>& action);
 
-  /// Hands the bytes of an input to `deliver`, cut where it says so, with the commands in between done by `act`.
+  /// Passes the bytes of an input to `deliver`, split where it says so, and its commands to `act`.
   void play(Input input, const std::function<void(std::string piece)>& deliver,
             const std::function<void(char what, Input& input)>& act);
 
-  /// Shows the bytes to `read` while the next message box stands; no more than one piece a box.
+  /// Delivers the bytes during the next message box, one piece per box.
   void keepForBox(std::string piece) { forBoxes_.push_back(std::move(piece)); }
   std::function<void(const std::string& piece)> read;
 
-  /// The far end of a connection that stands hangs up.
+  /// Closes an open connection from the far end.
   static void hangUp(HeadlessSocket& socket) {
     if (socket.state() == sckConnected) socket.closeByServer();
   }
 
-  /// All that the client has sent are whole frames with ids that a client uses.
+  /// Requires that everything sent so far is whole frames with ids that a client uses.
   void requireSoundFrames();
 
   using GameTest::machine;

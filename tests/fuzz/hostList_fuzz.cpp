@@ -1,4 +1,4 @@
-// A web host of ill will and the game finder.
+// A hostile web host and the game finder.
 
 #include "frontend/frmConnect.h"
 #include "frontend/frmGameFind.h"

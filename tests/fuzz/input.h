@@ -8,7 +8,7 @@
 
 namespace kelvora::fuzz {
 
-/// The bytes that decide a run, taken from the left. Behind the end there are zeros and empty texts.
+/// The bytes that determine a run, consumed from the left. After the end there are zeros and empty texts.
 class Input {
  public:
   Input(const void* data, std::size_t size) : text_(size == 0 ? "" : static_cast<const char*>(data), size) {}
@@ -30,7 +30,7 @@ class Input {
     text_.remove_prefix(taken.size());
     return taken;
   }
-  /// Up to the character, which is taken as well and left out, or to the end.
+  /// The text up to the character, which is consumed, or to the end.
   std::string_view upTo(char end) {
     const std::string_view taken = take(std::min(text_.find(end), text_.size()));
     byte();
@@ -42,7 +42,7 @@ class Input {
   std::string_view text_;
 };
 
-/// Ends the run as a failure, unless what has to hold does.
+/// Fails the run if the condition doesn't hold.
 inline void require(bool holds) {
   if (!holds) __builtin_trap();
 }

@@ -1,4 +1,4 @@
-// Numbers to text and back, against arithmetic on every single digit.
+// Numbers to text and back, compared with digit-by-digit arithmetic.
 
 #include <bit>
 #include <cmath>
@@ -20,7 +20,7 @@ using fuzz::Input;
 using fuzz::require;
 using Ties = ExactNumber::Ties;
 
-/// What an action answers; nothing if it ends in a fault.
+/// The result of an action; nothing if it ends in a fault.
 template <class Action>
 auto attempt(const Action& action) -> std::optional<decltype(action())> {
   try {
@@ -36,7 +36,7 @@ std::string digitsText(const ExactNumber& number, std::int64_t from, std::int64_
   return text;
 }
 
-/// Decimal text of at most so many digits, as the wire has it.
+/// Decimal text of at most that many digits, as on the wire.
 std::string expectedText(double value, int significant) {
   const ExactNumber number = ExactNumber::of(value).withDigits(significant);
   if (number.isZero()) return "0";
@@ -92,26 +92,25 @@ void checkValue(double value) {
   if (single) require(std::isfinite(*single));
 }
 
-/// The text of a single with 9 digits or fewer that its client sent comes back as the same single; ours has 7, so it
-/// comes back as one that has the same text.
+/// A single written with 9 digits would come back unchanged. Ours have 7, so it comes back as one with the same text.
 void checkSingle(float value) {
   const auto text = attempt([&] { return numberText(value); });
   require(text.has_value() == std::isfinite(value));
   if (!text) return;
   require(*text == expectedText(static_cast<double>(value), 7));
-  // The largest singles round up to a text beyond them.
+  // The largest singles round up to a text beyond their range.
   const auto again = attempt([&] { return toSingle(readNumber(*text)); });
   require(again ? numberText(*again) == *text : std::fabs(value) > 3.402823e38F);
 }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// What a text says up to the first character that does not fit.
+/// The value of a text up to the first character that doesn't fit.
 struct Reading {
   std::string mantissa;  // digits and a point
   std::int64_t power = 0;
   bool isNegative = false;
-  bool isWhole = false;  // nothing but blanks is left over
+  bool isWhole = false;  // nothing but blanks is left
 };
 
 std::optional<Reading> readSlowly(std::string_view text) {
@@ -150,7 +149,7 @@ std::optional<Reading> readSlowly(std::string_view text) {
 }
 
 void checkText(std::string_view text) {
-  if (text.size() > 900) return;  // the digits of the twin take their time
+  if (text.size() > 900) return;  // the twin is slow
   const auto got = attempt([&] { return readNumber(text); });
   const auto strict = attempt([&] { return strictNumber(text); });
   const auto reading = readSlowly(text);
@@ -161,7 +160,7 @@ void checkText(std::string_view text) {
   }
   require(strict.has_value() == (got.has_value() && reading->isWhole));
   const ExactNumber exact = ExactNumber::ofDecimal(reading->mantissa, reading->power);
-  // From half a unit above the largest double on it is an overflow.
+  // Half a unit above the largest double, it overflows.
   constexpr double largest = std::numeric_limits<double>::max();
   const bool isTooLarge = exact.compareMagnitude(ExactNumber::sumOf(largest, std::ldexp(1.0, 970))) >= 0;
   require(got.has_value() != isTooLarge);
@@ -170,7 +169,7 @@ void checkText(std::string_view text) {
   require(std::isfinite(magnitude));
   require(magnitude == 0 || std::signbit(*got) == reading->isNegative);
   if (exact.exponent < -330) return require(magnitude == 0);
-  // The nearest double: no farther than half-way to its neighbours, and half-way only for an even one.
+  // The nearest double: at most half-way to its neighbours, and exactly half-way only if it is even.
   const bool isEven = (std::bit_cast<std::uint64_t>(magnitude) & 1) == 0;
   if (magnitude > 0) {
     const auto below = exact.compareMagnitude(ExactNumber::midwayBetween(std::nextafter(magnitude, 0), magnitude));
@@ -196,7 +195,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case 1:
       checkSingle(std::bit_cast<float>(static_cast<std::uint32_t>(input.number(4))));
       break;
-    case 2:  // sixteenths and thousandths, among them many that lie half-way
+    case 2:  // sixteenths and thousandths, many of them half-way
       checkValue(static_cast<double>(static_cast<std::int32_t>(input.number(4))) / (input.byte() % 2 == 0 ? 16 : 1000));
       break;
     default:

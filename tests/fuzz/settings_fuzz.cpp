@@ -1,4 +1,4 @@
-// A settings file with anything in it: start-up, and the dialogs that read it.
+// A settings file with any contents: start-up, and the dialogs that read it.
 
 #include <array>
 #include <utility>
@@ -16,7 +16,7 @@ namespace {
 using fuzz::FuzzClient;
 using fuzz::Input;
 
-/// Every section and key of the program; the last five stand for the five fonts.
+/// Every section and key of the program. The last five are the five fonts.
 std::pair<std::string, std::string> settingOf(int number) {
   static const std::array<std::pair<const char*, const char*>, 10> plain = {{{"audio", "music"},
                                                                              {"audio", "sfx"},
@@ -63,7 +63,7 @@ void run(Input input) {
   bool hasStarted = false;
   client.machine.onDoEvents = [&] {
     if (std::exchange(hasStarted, true)) return;
-    throw ProcessEnded{};  // out of the endless loop
+    throw ProcessEnded{};  // leaves the endless loop
   };
   client.survives(modMain::startGame);
   if (hasStarted) client.survives([&] { use(client); });

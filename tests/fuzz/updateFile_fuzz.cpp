@@ -1,4 +1,4 @@
-// A web host of ill will and the update check, while the game goes on.
+// A hostile web host and the update check, while the game continues.
 
 #include "frontend/frmMain.h"
 #include "frontend/updateCheck.h"
@@ -30,7 +30,7 @@ void run(Input input) {
     FuzzClient::hangUp(host);
     client.passEvents();
   });
-  // Whatever the host says, the check costs no more than one box.
+  // Whatever the host sends, the check shows at most one box.
   fuzz::require(stands && client.machine.messageBoxes.size() <= 1);
 }
 

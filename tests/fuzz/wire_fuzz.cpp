@@ -1,4 +1,4 @@
-// A server of ill will: any bytes, split at any place, while frames run, boxes stand and the player does things.
+// A hostile server: any bytes, split anywhere, while frames run, boxes are open and the player acts.
 
 #include "frontend/frmConnect.h"
 #include "frontend/frmMain.h"
@@ -80,7 +80,7 @@ void act(FuzzClient& client, char what, Input& input) {
     case 'D':
       return frmMain->mnuFileDisconnect.Click();
     default:
-      return;  // a cut between two reads
+      return;  // a split between two reads
   }
 }
 
@@ -92,7 +92,7 @@ void run(Input input) {
   };
   client.survives([&] {
     frmMain->Show();
-    // Small enough for many frames a second, unless the input makes it larger.
+    // Small enough for many frames a second, unless the input enlarges it.
     frmMain->clientResized(5'000, 4'000);
     reconnect(client);
     client.play(

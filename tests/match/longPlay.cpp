@@ -28,11 +28,11 @@ constexpr int second = LongPlay::framesPerSecond;
 constexpr int minute = LongPlay::framesPerMinute;
 constexpr int keyReturn = 13;
 constexpr int keyF1 = 112;
-constexpr Millis calmAfter = 4'000;   // after the end of a round nobody has a tail any more
-constexpr Millis calmEvery = 20'000;  // so often neither the store is open nor the window large
+constexpr Millis calmAfter = 4'000;   // after the end of a round nobody has a tail
+constexpr Millis calmEvery = 20'000;  // how often the store is closed and the window small
 const std::string password = "open sesame";
 
-/// Leaves the game's endless loop for as long as nobody plays.
+/// Leaves the game's endless loop while nothing happens.
 struct Rest {};
 
 std::int64_t threadTime() {
@@ -43,7 +43,7 @@ std::int64_t threadTime() {
 
 std::string frameOf(std::int16_t id, const std::vector<std::string>& fields) { return wire::buildFrame(id, fields); }
 
-/// Adds the ids of whole frames up.
+/// Counts whole frames by id.
 void count(std::string_view frames, std::map<int, int>& byId) {
   for (std::size_t at = frames.find(wire::frameStart); at != std::string_view::npos;
        at = frames.find(wire::frameStart, at + 1)) {
@@ -51,8 +51,7 @@ void count(std::string_view frames, std::map<int, int>& byId) {
   }
 }
 
-/// What a deque takes of the heap: a table of eight and pieces of 512 bytes, each rounded up with the allocator's 8
-/// bytes.
+/// The heap size of a deque: a table of eight and blocks of 512 bytes, each with the allocator's 8 bytes.
 template <class Element>
 std::int64_t bytesOf(const std::deque<Element>& elements) {
   constexpr std::size_t inPiece = std::max<std::size_t>(512 / sizeof(Element), 1);
@@ -61,7 +60,7 @@ std::int64_t bytesOf(const std::deque<Element>& elements) {
                                    pieces * ((inPiece * sizeof(Element) + 8 + 15) / 16 * 16));
 }
 
-/// What a string takes of the heap.
+/// The heap size of a string.
 std::size_t bytesOf(const std::string& text) {
   const bool isInside = text.capacity() <= std::string().capacity();
   return isInside ? 0 : (text.capacity() + 1 + 8 + 15) / 16 * 16;
@@ -73,7 +72,8 @@ std::int64_t bytesOf(const clsPlayer& player) {
   return bytesOf(player.tails) + bytesOf(player.positionQueue) + static_cast<std::int64_t>(names);
 }
 
-/// The allocator's stock of freed small pieces, seven of each size, counts as in use. Full it is always the same.
+/// The allocator's cache of freed small blocks, seven of each size, counts as used. A full cache always has the same
+/// size.
 void fillAllocatorStock() {
   constexpr std::size_t smallest = 24, largest = 1032, step = 16;
   std::vector<void*> pieces;
@@ -112,9 +112,9 @@ void LongPlay::playToCalm() {
   while (!every(calmEvery / frameLength)) play(1);
 }
 
-// Between two passes of the client: its pass ends here, the world outside has its turn, and the next one begins.
+// Between two passes of the client: ends one pass, runs the outside world, and starts the next one.
 void LongPlay::onPass() {
-  if (std::exchange(isInPass_, true)) return;  // a dialog runs events on
+  if (std::exchange(isInPass_, true)) return;  // a dialog processes events
   clientTime_ += threadTime() - passBegan_;
   ++passes_;
   if (frame_ == end_) throw Rest{};
@@ -131,7 +131,7 @@ void LongPlay::playFrame() {
   relay();
   if (every(server::Sight::step / frameLength)) tickArena();
   inject();
-  // What the machine has noted is nothing that the program keeps.
+  // The machine's recordings are not the program's memory.
   machine.journal.clear();
   machine.soundCommands.clear();
   machine.messageBoxes.clear();
@@ -140,7 +140,7 @@ void LongPlay::playFrame() {
   server().connects.clear();
 }
 
-// What the player does.
+// The player's actions.
 
 void LongPlay::act() {
   if (every(30 * minute, 1)) logIn("a wrong one");
@@ -162,7 +162,7 @@ void LongPlay::act() {
   if (every(minute, 40 * second)) frmMain->mnuQuarkQuarks.Click();
 }
 
-// Circles of changing width, so that loops close round others now and then.
+// Circles of changing size, so that loops close around others now and then.
 void LongPlay::steer() {
   const float time = static_cast<float>(frame_ % (100 * minute));
   const float angle = time * 0.012F + std::sin(time * 0.0007F);
@@ -197,7 +197,7 @@ void LongPlay::logIn(const std::string& itsPassword) {
   arena_.connected(ourClient_, now());
 }
 
-// The line between client and arena.
+// The connection between client and arena.
 
 void LongPlay::relay() {
   const std::string bytes = std::exchange(server().sent, {});
@@ -206,7 +206,7 @@ void LongPlay::relay() {
   if (server().state() == sckClosed) return follow();
   count(bytes, sent);
   const bool isSound = reader_->read(bytes, [this](std::string_view text) {
-    // The arena is told of a report of the velocity as of any other message that it does not know.
+    // The arena treats a velocity report like any unknown message.
     arena_.received(ourClient_, text, now());
   });
   if (!isSound) ADD_FAILURE() << "the client sends what is no frame";
@@ -232,7 +232,7 @@ void LongPlay::tickArena() {
   visit();
 }
 
-// Another person, who stays for half of every four minutes; a bot makes room for him.
+// Another person, who stays for half of every four minutes. A bot makes room for them.
 void LongPlay::visit() {
   const auto say = [this](const std::string& text) { arena_.received(visitorClient_, text, now()); };
   if (every(4 * minute, minute)) {
@@ -251,7 +251,7 @@ void LongPlay::visit() {
   }
 }
 
-// What a server may send and the arena does not.
+// Messages that a server may send and the arena doesn't.
 void LongPlay::inject() {
   if (modMain::world.opponentCount == 0) return;
   const std::string node = std::to_string(modMain::world.opponents.back().serverNode);
@@ -284,7 +284,7 @@ void LongPlay::send(server::ClientId client, const std::string& frame) {
 }
 
 void LongPlay::hangUp(server::ClientId client) {
-  // A client that is refused hangs up by itself.
+  // A refused client hangs up by itself.
   if (server::isBot(client)) keeper_.hangUp(client);
 }
 
