@@ -26,7 +26,7 @@ class ClockFaults : public GameTest {
       passEvents();
     }
   }
-  /// The opponent is seen at a place beside the last one, where his ball lays a vertex.
+  /// The opponent is seen next to the last position, where the ball lays a vertex.
   void report(std::int16_t node, float x, float y = 50'000) {
     serverSends(wire::msgPosition, {std::to_string(node), std::to_string(x), std::to_string(y)});
   }

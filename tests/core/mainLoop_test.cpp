@@ -194,7 +194,7 @@ TEST_F(MainLoop, MovesTheOpponents) {
   join(8, 1, "Bob");
   clsPlayer& bob = modMain::world.opponents[0];
   bob.awaitingFirstPosition = false;
-  bob.queuePosition({90'000, 80'000});  // out of sight: he is there at once
+  bob.queuePosition({90'000, 80'000});  // off screen: at once
   modMain::runFrame();
   EXPECT_EQ(bob.position, (Vector{90'000, 80'000}));
 }
@@ -212,8 +212,8 @@ TEST_F(MainLoop, OpponentsMoveBeforeTheirPowerupsTick) {
   EXPECT_TRUE(bob.tails[0].isCharged());
 }
 
-// The right edge of the canvas lies 5723 units from its centre, where the local player is. He moves 150 to the right,
-// and by that a point 5800 from his old place comes into sight, where an opponent glides and does not jump.
+// The right edge of the canvas is 5723 units from its centre, where the local player is. They move 150 to the right,
+// which brings a point 5800 from the old position into view. So an opponent there glides instead of jumping.
 TEST_F(MainLoop, TheLocalPlayerMovesBeforeTheOpponents) {
   login();
   join(8, 1, "Bob", 52'000, 49'850);

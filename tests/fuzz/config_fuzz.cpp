@@ -78,8 +78,7 @@ void announcements(Input input) {
     std::vector<std::string> texts;
     while (!fields.isEmpty()) texts.emplace_back(fields.upTo('|'));
     require(texts.size() == 6 && (texts[2] == "0" || texts[2] == "1"));
-    require(std::stoi(texts[1]) <= 32'767);  // clients read a port as a signed 16-bit number, and end if it is out of
-                                             // range
+    require(std::stoi(texts[1]) <= 32'767);  // clients end if it exceeds a signed 16-bit number
   }
   require(records <= registry.size());
 }

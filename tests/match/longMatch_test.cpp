@@ -121,8 +121,8 @@ class LongMatch : public GameTest, public server::ArenaOutput {
     machine.soundCommands.clear();
   }
 
-  /// Everybody has rested for a while: every opponent stands where the server's last word put him, and our
-  /// own tail ends there.
+  /// After everybody has rested for a while, every opponent is at the server's last position, and our own tail ends
+  /// there.
   void expectNoDrift() {
     const clsPlayer& local = modMain::world.localPlayer;
     EXPECT_EQ(local.tails.back().getPosition(), lastRelayed_[local.serverNode]);

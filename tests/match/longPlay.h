@@ -18,11 +18,11 @@
 
 namespace kelvora {
 
-/// Hours of play at the design pace, as fast as the machine goes: the whole client from its start on, painting every
-/// frame, and the whole arena with five bots, in one process and on a clock set by hand. A script does what a player
-/// does: steers, asks for the next life, trades and fires, chats, resizes the window, and every half an hour leaves, is
-/// refused for a wrong password, and comes back. Another player comes and goes. What an arena never sends - velocities,
-/// refused spawns, particles of the net - is put in between its messages.
+/// Plays for hours at the design pace, at full speed: a whole client, painting every frame, and a whole arena with five
+/// bots, in one process and on a clock set by hand. A script acts as the player: steers, respawns, trades and fires,
+/// chats, resizes the window. Every half hour it leaves, is refused for a wrong password, and comes back. Another
+/// player comes and goes. Messages that the arena never sends (velocities, refused spawns, network particles) are
+/// injected.
 class LongPlay : public GameTest, private server::ArenaOutput {
  public:
   static constexpr int framesPerSecond = 100;
@@ -30,28 +30,27 @@ class LongPlay : public GameTest, private server::ArenaOutput {
 
   LongPlay();
 
-  /// Goes on with the game for so many frames.
+  /// Continues the game for that many frames.
   void play(int frames);
-  /// Goes on into the middle of the next intermission: nobody has a tail, the store is closed, and the window has its
-  /// design size, so that what is in use then can be compared.
+  /// Continues into the middle of the next intermission: nobody has a tail, the store is closed, and the window has its
+  /// design size, so that memory can be compared.
   void playToCalm();
   int framesPlayed() const { return frame_; }
 
   struct Figures {
-    std::int64_t heapBytes = 0;  ///< in use, of client and arena together
-    std::int64_t keptBytes = 0;  ///< of those: all players with their tails, as those who leave keep their slots and
-                                 ///< tails by the rules, and the particles of the net, which stay likewise
+    std::int64_t heapBytes = 0;  ///< used by client and arena together
+    std::int64_t keptBytes = 0;  ///< of those, what the rules keep: players with their tails, network particles
     std::int64_t residentBytes = 0;
-    std::size_t slots = 0;  ///< opponents that there have been
+    std::size_t slots = 0;  ///< opponents so far
     int captures = 0;
     int rounds = 0;
-    double clientMicroseconds = 0;  ///< processor time of a pass of the client, average since the last call
+    double clientMicroseconds = 0;  ///< processor time of a client's pass, average since the last call
   };
   Figures figures();
 
-  std::map<int, int> received;  ///< messages that came to the client, by id
-  std::map<int, int> sent;      ///< and that it sent
-  int boxes = 0;                ///< message boxes that stood
+  std::map<int, int> received;  ///< messages to the client, by id
+  std::map<int, int> sent;      ///< messages from the client, by id
+  int boxes = 0;                ///< message boxes opened
 
  private:
   void TestBody() override {}
@@ -83,7 +82,7 @@ class LongPlay : public GameTest, private server::ArenaOutput {
   server::ClientId lastClient_ = 0;
   std::optional<wire::FrameReader> reader_;
   std::string toUs_;
-  std::deque<std::string> underWay_;  // what the arena sent, a frame's worth each
+  std::deque<std::string> underWay_;  // the arena's messages, one frame each
   int frame_ = 0;
   int end_ = 0;
   bool isInPass_ = false;

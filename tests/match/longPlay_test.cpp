@@ -1,4 +1,4 @@
-// What eight hours of play do is told by bench/long_run.cpp; this is a short form of the same.
+// A short form of bench/long_run.cpp, which plays for hours.
 
 #include "tests/match/longPlay.h"
 
@@ -7,7 +7,7 @@ namespace {
 
 TEST(LongPlay, EveryKindOfMessageComesAndNothingGrowsButWhatTheRulesKeep) {
   LongPlay game;
-  // The window has been large once by then.
+  // By then the window has been large once.
   game.play(80 * LongPlay::framesPerSecond);
   game.playToCalm();
   const LongPlay::Figures early = game.figures();

@@ -11,13 +11,13 @@ namespace kelvora {
 
 namespace {
 
-constexpr Millis landingTime = 20'000;  // after the last message; the longest extended tails are over by then
+constexpr Millis landingTime = 20'000;  // after the last message; the longest Extra Long Tails are over by then
 
 using Number = std::int16_t;
 
 Number numberOf(const std::string& field) { return static_cast<Number>(readNumber(field)); }
 
-/// A client that looks on while its player's stream is played.
+/// A client that watches while its player's stream is replayed.
 class Spectator : public GameTest {
  public:
   Spectator(const Recording::Stream& stream, const ReplayLine& line)
@@ -86,7 +86,7 @@ class Spectator : public GameTest {
     return arrivals_[index];
   }
 
-  /// Where the player is at that time is known from his own reports, which he has made a little before.
+  /// The player's position at that time is known from their own reports shortly before.
   void notePlace(Millis time, const WireMessage& message) {
     if (message.id == wire::msgLoginAccepted) node_ = numberOf(message.fields[1]);
     if (message.id != wire::msgPosition || numberOf(message.fields[0]) != node_) return;
@@ -94,7 +94,7 @@ class Spectator : public GameTest {
                                       static_cast<float>(readNumber(message.fields[2]))});
   }
 
-  /// The ball is where the next report will put it: by the time of an echo it has flown on.
+  /// The ball is where the next report will put it, because it has moved on by the time of an echo.
   void fly(Millis now) {
     while (nextPlace_ < places_.size() && places_[nextPlace_].first <= now) ++nextPlace_;
     if (places_.empty() || !modMain::world.localPlayer.isConnected) return;
@@ -103,7 +103,7 @@ class Spectator : public GameTest {
     modMain::world.localPlayer.breaksOn = true;
   }
 
-  /// Whom the last word that came says to be alive; of the others a capture may be on its way.
+  /// Records who is alive by the latest message. Captures of the others may be pending.
   void note(const std::string& frame) {
     for (const WireMessage& message : parseFrames(frame)) {
       if (message.id == wire::msgLoginAccepted) living_.insert(numberOf(message.fields[1]));

@@ -55,8 +55,8 @@ class Melee : private server::ArenaOutput {
     say(client, wire::msgLogin, {"P" + std::to_string(client), "", "0", "1.2.1"});
     fighters_.push_back({.client = client});
   }
-  /// Rather a dead player than a living one: a capture may be waiting for him. The first two stay, as clients take
-  /// the first player that they know for one that has gone.
+  /// Prefers a dead player, because a capture of a living one may be pending. The first two stay, because clients take
+  /// the first known player for an unknown one.
   void leave() {
     if (fighters_.size() < 3) return;
     std::size_t index = draw(2, static_cast<int>(fighters_.size()) - 1);
@@ -179,7 +179,7 @@ class Melee : private server::ArenaOutput {
   server::Arena arena_;
 };
 
-// Without a wait, so that nothing but the landing of his capture holds a loser back.
+// No wait, so that only a pending capture delays a loser's respawn.
 const server::ArenaRules lively{
     .roundMs = 50'000, .captureGoal = 12, .intermissionMs = 5'000, .respawnWaitMs = 0, .incomePerMinute = 120};
 

@@ -104,7 +104,7 @@ TEST_F(CaptureLater, ByAPlayerOf32766KillsCounts) {
 class InTheGame : public LaterFaults {
  protected:
   InTheGame() { login(); }
-  /// Bob glides, at a time scale of 2, and the server replaces his step.
+  /// Bob glides at a time scale of 2, and the server replaces the step.
   std::string replaceStep(const std::string& across) {
     join(8, 1, "Bob");
     serverSends(wire::msgPosition, {"8", "53000", "53000"});

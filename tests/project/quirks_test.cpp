@@ -7,8 +7,7 @@
 
 #include "tests/project/tree.h"
 
-// What is odd on purpose is kept in three places: an entry in docs/quirks.md, a comment at the site, and a test with
-// the number in its name.
+// An intentional quirk has an entry in docs/quirks.md, a comment at its site, and a test with the number in its name.
 namespace {
 
 struct Entry {

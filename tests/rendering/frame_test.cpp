@@ -67,8 +67,7 @@ TEST_F(Frames, ADisconnectedPlayerIsNotPaintedDeadOrAlive) {
   }
 }
 
-// The opponent in slot 0 captures in his own paint, when the places of the ghost and the living ball are behind and
-// ahead.
+// The opponent in slot 0 captures during their own paint, after the ghosts are painted and before the living balls.
 TEST_F(Frames, APlayerWhoIsCapturedDuringThePaintIsMissingFromIt) {
   clsPlayer& player = placeLocal();
   clsPlayer& winner = placeOpponent(3, 53000, 50000);

@@ -13,7 +13,7 @@ class GoldenPlayers : public GoldenPainting {
   // The ball's 49 pixels round the centre (5722, 4560): from 5355 and 4193 on.
   static constexpr Part ball{357, 280, 49, 49};
 
-  /// An opponent at the centre of the canvas, at a cell of his animation.
+  /// An opponent at the centre of the canvas, at a cell of the animation.
   clsPlayer& placeAtCentre(std::int16_t colour, std::int16_t cell) {
     clsPlayer& player = placeOpponent(colour, 50000, 50000);
     player.animFrame = cell;

@@ -16,7 +16,7 @@ class Survival : public GameTest {
  protected:
   Survival() {
     player.init(0, -1, 7, "Ann");
-    modMain::world.particles.clear();  // the field that came with him
+    modMain::world.particles.clear();  // the field created with the player
     modMain::world.particleCount = 0;
     player.breaksOn = false;
     player.position = {50000, 50000};

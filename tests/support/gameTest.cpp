@@ -58,7 +58,7 @@ void unloadForms() {
   releaseUnloadedForms();
 }
 
-// The frame as the protocol has it, put together here so that a fault of the client's own builder shows.
+// Builds the frame independently, to detect errors in the client's own builder.
 std::string frameOf(std::int16_t id, const std::vector<std::string>& fields) {
   std::string frame{wire::frameStart, static_cast<char>(id)};
   for (std::size_t i = 0; i < fields.size(); ++i) {

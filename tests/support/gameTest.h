@@ -35,7 +35,7 @@
 
 namespace kelvora {
 
-/// One message on the wire.
+/// A message on the wire.
 struct WireMessage {
   std::int16_t id = 0;
   std::vector<std::string> fields;
@@ -44,12 +44,11 @@ struct WireMessage {
 };
 void PrintTo(const WireMessage& message, std::ostream* out);
 
-/// The messages of a run of whole frames. Bytes outside frames fail the test.
+/// Parses a sequence of whole frames. Bytes outside frames fail the test.
 std::vector<WireMessage> parseFrames(std::string_view bytes);
 
-/// The whole client on a machine without a screen: no form is loaded, the world is empty, the tables of names and tips
-/// are filled, the fonts are the default ones, the tick count is 1000000. Timers run and the focus is kept only on a
-/// form that has been shown.
+/// A whole headless client. No form is loaded, the world is empty, names and tips are filled in, fonts have their
+/// defaults, and the tick count is 1000000. Timers run, and the focus is recorded, only on forms that have been shown.
 class GameTest : public testing::Test {
  protected:
   GameTest();
@@ -58,19 +57,19 @@ class GameTest : public testing::Test {
   /// The far end of the game's socket. Loads frmMain.
   HeadlessSocket& server() { return machine.socketOf(frmMain->sock); }
 
-  /// The socket connects and the client sends its login; the connection stands (state 7), the local player is not
-  /// connected yet. What was sent is in sentFrames().
+  /// Connects the socket, and the client sends its login. Afterwards the state is 7, and the local player is not
+  /// connected yet. sentFrames() has what was sent.
   void connect(const std::string& name = "Ann", std::int16_t colour = 0);
-  /// `connect` and the server's yes: the local player is in the game at the place, and what was sent is forgotten.
+  /// Runs `connect` and accepts the login: the local player is in the game at the position. Discards what was sent.
   void login(std::int16_t colour = 0, std::int16_t node = 7, float x = 50'000, float y = 50'000,
              const std::string& name = "Ann");
-  /// An opponent joins, alive, in the next slot; the slot's number is returned.
+  /// An opponent joins, alive, in the next slot. Returns the slot's number.
   std::int16_t join(std::int16_t node, std::int16_t colour, const std::string& name, float x = 50'000,
                     float y = 50'000);
 
-  /// Moves the clocks on.
+  /// Advances the clocks.
   void tick(Tick ms) { machine.advance(ms); }
-  /// Lets queued events and due timers run.
+  /// Runs queued events and due timers.
   void passEvents() { machine.doEvents(false); }
   /// The server's bytes arrive in one read and are handled.
   void serverSends(const std::string& bytes);
@@ -84,7 +83,7 @@ class GameTest : public testing::Test {
   HeadlessBackend machine;
 };
 
-/// The program's own pictures, each file read once for all tests.
+/// The program's own pictures. Each file is read once for all tests.
 PicturePointer testPicture(const std::string& path);
 
 }  // namespace kelvora

@@ -31,7 +31,7 @@ std::string sizeText(const Picture& picture) {
   return std::to_string(picture.width) + " by " + std::to_string(picture.height);
 }
 
-/// White where two pictures of one size differ.
+/// White where two pictures of the same size differ.
 Picture difference(const Picture& one, const Picture& other, int& count) {
   Picture result = blank(one.width, one.height, 0);
   for (std::size_t i = 0; i < one.pixels.size(); ++i) {

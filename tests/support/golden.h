@@ -9,7 +9,7 @@
 
 namespace kelvora {
 
-/// A rectangle of a surface, pixels.
+/// A rectangle of a surface, in pixels.
 struct Part {
   int left = 0;
   int top = 0;
@@ -17,24 +17,24 @@ struct Part {
   int height = 0;
 };
 
-/// The pixels of a part; black where it lies beyond the surface.
+/// The pixels of a part; black outside the surface.
 Picture cropped(const Surface& surface, const Part& part);
-/// Pictures of one size in rows of `columns`, two grey pixels between any two.
+/// Arranges pictures of the same size in rows of `columns`, separated by two grey pixels.
 Picture sideBySide(const std::vector<Picture>& pictures, int columns);
 
-/// Where pictures are kept, and where those of a failure are left.
+/// The folders of golden pictures and of failures' pictures.
 struct GoldenFolders {
   std::filesystem::path kept;
   std::filesystem::path left;
 };
 
-/// Compares a picture, every pixel, with the one kept as "<name>.png". Empty if they are the same; else what differs,
-/// and "<name>-actual.png", "<name>-expected.png" and "<name>-difference.png" (white where they differ) are left. With
-/// `renew` the kept one is replaced instead.
+/// Compares every pixel of a picture with "<name>.png". Empty if they are the same. Otherwise a description, and
+/// "<name>-actual.png", "<name>-expected.png" and "<name>-difference.png" (white where they differ) are written. With
+/// `renew`, the golden picture is replaced instead.
 std::string compareWithGolden(const std::string& name, const Picture& actual, const GoldenFolders& folders, bool renew);
 
-/// The same with tests/golden and the build folder's golden/, as an expectation of the running test. Renews if the
-/// environment has KELVORA_UPDATE_GOLDEN=1.
+/// The same with tests/golden and the build folder's golden/, as an expectation of the running test. Replaces golden
+/// pictures if KELVORA_UPDATE_GOLDEN=1 is in the environment.
 void expectGolden(const std::string& name, const Picture& actual);
 void expectGolden(const std::string& name, const Surface& surface, const Part& part);
 void expectGolden(const std::string& name, const Surface& surface);

@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// Writes a picture as a PNG file of three channels; a file of the name is replaced. False if that fails.
+/// Writes a picture as a PNG file of three channels, replacing an existing one. False on failure.
 bool writePng(const std::filesystem::path& path, const Picture& picture);
 
 }  // namespace kelvora

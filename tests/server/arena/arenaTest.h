@@ -11,7 +11,7 @@
 
 namespace kelvora::server {
 
-/// Rules in whose way nothing comes: a round without end, any speed, no income.
+/// Rules without disturbances: an endless round, any speed, no income.
 inline const ArenaRules quietRules{
     .roundMs = 1'000'000'000'000, .captureGoal = 0, .incomePerMinute = 0, .speedFactor = 0};
 
@@ -38,7 +38,7 @@ class ArenaTest : public testing::Test, protected Recorder {
     const std::string frame = wire::buildFrame(id, fields);
     arena.received(client, frame.substr(1, frame.size() - 2), now);
   }
-  /// Logs a client in and forgets what everybody got by that.
+  /// Logs a client in and discards what everybody got.
   std::int16_t login(ClientId client, const std::string& name, const std::string& colour = "0") {
     got.clear();
     arena.connected(client, now);
@@ -50,7 +50,7 @@ class ArenaTest : public testing::Test, protected Recorder {
   void report(ClientId client, int x, int y) {
     say(client, wire::msgPositionReport, {std::to_string(x), std::to_string(y)});
   }
-  /// Flies a square of 2000 units round the place; the last side crosses the first one.
+  /// Flies a square of 2000 units around the position. The last side crosses the first.
   void circle(ClientId client, int x, int y) {
     report(client, x - 1'200, y - 1'000);
     report(client, x + 1'000, y - 1'000);
@@ -58,7 +58,7 @@ class ArenaTest : public testing::Test, protected Recorder {
     report(client, x - 1'000, y + 1'000);
     report(client, x - 1'000, y - 1'200);
   }
-  /// One captures the other, in the middle of the world, and everybody forgets what he got by that.
+  /// One captures the other in the middle of the world. Discards what everybody got.
   void capture(ClientId winner, ClientId loser) {
     report(loser, 50'000, 50'000);
     circle(winner, 50'000, 50'000);
@@ -72,7 +72,7 @@ class ArenaTest : public testing::Test, protected Recorder {
     ADD_FAILURE() << "client " << client << " is not in";
     return {};
   }
-  /// Of the messages to a client those with that id.
+  /// The messages to a client with that id.
   std::vector<Fields> all(ClientId client, int id) {
     std::vector<Fields> found;
     for (const Message& message : got[client]) {
@@ -81,7 +81,7 @@ class ArenaTest : public testing::Test, protected Recorder {
     return found;
   }
   void pass(Millis time) { arena.tick(now += time); }
-  /// The reason why a login is refused; empty if it was not.
+  /// The reason for refusing a login; empty if it was accepted.
   std::string refusal(Arena& where, const Fields& fields) {
     constexpr ClientId stranger = 99;
     got.erase(stranger);

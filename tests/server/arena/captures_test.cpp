@@ -107,7 +107,7 @@ TEST_F(CapturesTest, TwoWinnersNeverNameTheSameCoordinates) {
     report(ann, x, y);
     report(dan, x, y);
   }
-  // Ann's loop takes Bob and Cat; Bob comes back to life before Dan closes his own loop of the same vertices.
+  // Ann's loop takes Bob and Cat. Bob respawns before Dan closes a loop of the same vertices.
   report(ann, 49'000, 48'800);
   EXPECT_EQ(told(), (std::vector<Fields>{{"1", "2", "51000", "49000"}, {"1", "3", "51000", "49000"}}));
   login(5, "Eve", "4");

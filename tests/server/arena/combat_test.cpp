@@ -148,7 +148,7 @@ TEST_F(CombatTest, TwoMayKillEachOtherAtTheSameMoment) {
   report(bob, 40'000, 30'000);
   start(ann, chargedTailSlot);
   report(ann, 29'999, 20'000);
-  // Ann's segment ends on Bob's ball, and goes through his tail.
+  // Ann's segment ends on Bob's ball and crosses his tail.
   report(ann, 40'300, 30'000);
   EXPECT_EQ(kills(), (Kills{{"2", "1"}, {"1", "2"}}));
   EXPECT_EQ(view(ann).kills, 1);

@@ -135,7 +135,7 @@ TEST_F(FairnessTest, APauseAloneLosesNoTail) {
 TEST_F(FairnessTest, ALeapCapturesNobody) {
   begin();
   report(bob, 5'000, 5'000);
-  // Three sides of a square round him, and a leap that would close it.
+  // Three sides of a square around Bob, and a leap that would close it.
   for (const auto& [x, y] : {std::pair{1'000, 1'000}, {7'000, 1'000}, {7'000, 7'000}, {1'000, 7'000}})
     report(ann, x, y);
   ASSERT_EQ(view(ann).tail.size(), 4U);

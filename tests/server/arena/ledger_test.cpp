@@ -31,7 +31,7 @@ class LedgerTest : public ArenaTest {
   int captures = 0;
   int rounds = 0;
 
-  /// Of his credits everybody hears himself, of the captures Ann.
+  /// Books the messages: each player's own credits, and the captures as told to Ann.
   void settle() {
     for (const auto& [client, messages] : got) {
       for (const Message& message : messages) {

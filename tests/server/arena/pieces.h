@@ -22,7 +22,7 @@ inline Player playerAt(ClientId client, int x, int y) {
           .spot = spotAt(x, y)};
 }
 
-/// Lays a tail along the spots, of which the last is where the player is then.
+/// Lays a tail along the spots. The player is at the last one.
 inline void fly(Player& player, const std::vector<Spot>& spots, Millis now, bool isCharged = false) {
   for (const Spot& spot : spots) {
     EXPECT_TRUE(player.tail.lay(spot, now, isCharged, 0));

@@ -27,7 +27,7 @@ inline void PrintTo(const Message& message, std::ostream* out) {
   *out << ")";
 }
 
-/// Keeps what each client gets and what is logged.
+/// Records what each client gets and what is logged.
 class Recorder : public ArenaOutput {
  public:
   std::map<ClientId, std::vector<Message>> got;

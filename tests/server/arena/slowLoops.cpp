@@ -13,7 +13,7 @@ Wide absolute(Wide value) { return value < 0 ? -value : value; }
 
 Wide greatestDivisor(Wide a, Wide b) { return b == 0 ? absolute(a) : greatestDivisor(b, a % b); }
 
-/// Reduced, the lower part above 0. Tests keep their numbers small enough.
+/// Reduced, with a positive denominator. Tests keep the numbers small.
 struct Fraction {
   Wide upper = 0;
   Wide lower = 1;
@@ -53,7 +53,7 @@ bool isOn(Point a, Point b, Point c) {
 
 Fraction square(Point a, Point b) { return (a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y); }
 
-/// The point of a-b and c-d that is nearest to c.
+/// The point shared by a-b and c-d that is nearest to c.
 std::optional<Point> meeting(Point a, Point b, Point c, Point d) {
   const Fraction across = (b.x - a.x) * (d.y - c.y) - (b.y - a.y) * (d.x - c.x);
   if (across.sign() == 0) {
@@ -70,7 +70,7 @@ std::optional<Point> meeting(Point a, Point b, Point c, Point d) {
   return point;
 }
 
-/// 0 to 3 round the place, each with the half axis at its beginning.
+/// 0 to 3 around the place, each including the half axis at its beginning.
 int quarter(Point place, Point point) {
   const int x = (point.x - place.x).sign();
   const int y = (point.y - place.y).sign();

@@ -8,8 +8,8 @@
 
 namespace kelvora::server {
 
-/// The twin of enclosingLoops by which it is tested: each loop is a polygon of its own, in fractions, and winding is
-/// counted by quarters. Coordinates go up to 2000: beyond that its fractions overflow.
+/// A slow twin of enclosingLoops for comparison: each loop is a separate polygon in fractions, and winding is counted
+/// in quarters. Coordinates go up to 2000, beyond which the fractions overflow.
 std::vector<std::optional<std::size_t>> slowEnclosingLoops(std::span<const GridPoint> tail,
                                                            std::span<const GridPoint> places);
 

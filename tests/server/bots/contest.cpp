@@ -21,8 +21,7 @@ std::vector<std::string_view> fieldsOf(std::string_view frame) {
 
 }  // namespace
 
-/// The client of a beginner. He knows that he is dead as soon as the arena does, and asks for a new life after two
-/// seconds.
+/// A beginner's client. Knows about a death as soon as the arena does, and requests a new life after two seconds.
 class Contest::Person {
  public:
   explicit Person(std::uint32_t seed) : hand_(seed) {}

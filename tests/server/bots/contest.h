@@ -11,8 +11,8 @@
 
 namespace kelvora::server {
 
-/// An arena with bots and scripted beginners, all of them clients of it, on a clock that is set by hand. They are
-/// numbered as they have been added.
+/// An arena with bots and scripted beginners, all of them its clients, on a clock set by hand. They are numbered in the
+/// order of adding.
 class Contest : private ArenaOutput {
  public:
   explicit Contest(std::uint32_t seed, const ArenaRules& rules = {});
@@ -29,18 +29,18 @@ class Contest : private ArenaOutput {
   const PlayerView& player(int number) const { return *sight_.player(static_cast<ClientId>(number)); }
   const Sight& sight() const { return sight_; }
   int captures(int winner, int loser) const;
-  /// When a player captured somebody for the first time, in ms from the beginning; -1 if he never did.
+  /// When a player first captured somebody, in ms since the beginning; -1 if never.
   Millis firstCapture(int winner) const;
-  /// Frames that have been sent to a player, by their ids.
+  /// Frames sent to a player, by id.
   int sent(int number, int id) const;
-  /// What the players have said: everybody's texts, ids and fields, the oldest first.
+  /// The players' messages: everybody's texts, ids and fields, oldest first.
   struct Said {
     int player;
     Millis at;
     std::string text;
   };
   const std::vector<Said>& said() const { return said_; }
-  /// Keeps what is said from here on.
+  /// Records messages from now on.
   void listen() { isListening_ = true; }
   /// What the arena logged.
   const std::vector<std::string>& logged() const { return logged_; }

@@ -13,7 +13,7 @@
 
 namespace kelvora::server {
 
-/// A free port of the loopback interface that a list may name; the system's own choice would be too high.
+/// A free loopback port that a list accepts. The system's own choice would be too high.
 inline std::uint16_t freeListedPort() {
   static std::mt19937 random(std::random_device{}());
   for (;;) {
@@ -27,7 +27,7 @@ inline std::uint16_t freeListedPort() {
   }
 }
 
-/// The server on free ports of the loopback interface, on a thread of its own.
+/// A server on free loopback ports, on its own thread.
 class RunningServer {
  public:
   explicit RunningServer(Options options = {})
@@ -40,7 +40,7 @@ class RunningServer {
   ~RunningServer() {
     asio::post(context_, [this] {
       server_.stop();
-      server_.stop();  // who is still there is not waited for
+      server_.stop();  // doesn't wait for remaining clients
     });
     thread_.join();
   }

@@ -15,10 +15,10 @@
 
 namespace kelvora::server {
 
-/// A blocking client on the loopback interface that gives up after five seconds of silence.
+/// A blocking loopback client that gives up after five seconds of silence.
 class TcpClient {
  public:
-  /// `host` is the last byte of the address that it comes from, 127.0.0.`host`.
+  /// `host` is the last byte of its own address, 127.0.0.`host`.
   explicit TcpClient(std::uint16_t port, std::uint32_t host = 1) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
     const timeval patience{5, 0};
     ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
@@ -35,22 +35,22 @@ class TcpClient {
   ~TcpClient() { ::close(socket_); }
 
   void write(const std::string& bytes) { EXPECT_TRUE(tryWrite(bytes)); }
-  /// False if the other side does not take it all.
+  /// False if the peer doesn't take everything.
   bool tryWrite(const std::string& bytes) {
     return ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
   }
-  /// Writes what the other side takes at once, and says how many bytes that were; -1 if the connection has ended.
+  /// Writes as much as the peer takes at once and returns the number of bytes; -1 if the connection has ended.
   ssize_t push(const std::string& bytes) {
     return ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
   }
-  /// What the other side does not take, this one does not take either.
+  /// Limits the send buffer, so that this client soon notices what the peer doesn't take.
   void keepLittleUnsent() {
     const int size = 16 << 10;
     ::setsockopt(socket_, SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
   }
-  /// Ends the sending; the server then ends the rest.
+  /// Stops sending. The server then closes the connection.
   void finish() { ::shutdown(socket_, SHUT_WR); }
-  /// Everything up to the end of the connection, which must come.
+  /// Reads up to the end of the connection, which must come.
   std::string readToEnd() {
     std::string all;
     while (true) {
@@ -61,14 +61,14 @@ class TcpClient {
       all.append(bytes, static_cast<std::size_t>(size));
     }
   }
-  /// Whether the server has ended the connection, with nothing more to read.
+  /// True if the server has closed the connection and nothing is left to read.
   bool isCutOff() {
     char byte;
     if (atEnd) return true;
     const ssize_t size = ::recv(socket_, &byte, 1, 0);
     return size == 0 || (size < 0 && errno == ECONNRESET);
   }
-  /// Ends the connection with a reset.
+  /// Closes the connection with a reset.
   void reset() {
     const linger now{1, 0};
     ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &now, sizeof now);
@@ -81,7 +81,7 @@ class TcpClient {
   int socket_;
 };
 
-/// One that speaks the game's protocol.
+/// A client that speaks the game's protocol.
 class Client : public TcpClient {
  public:
   using TcpClient::TcpClient;
@@ -91,7 +91,7 @@ class Client : public TcpClient {
     say(wire::msgLogin, {name, "", "0", version});
   }
 
-  /// The next frame's id and text; empty at the end of the connection or of the patience.
+  /// The next frame's id and text; empty at the end of the connection or after a timeout.
   std::string read() {
     while (true) {
       const std::size_t end = arrived_.find(wire::frameEnd);
@@ -107,7 +107,7 @@ class Client : public TcpClient {
       arrived_.append(bytes, static_cast<std::size_t>(size));
     }
   }
-  /// The first frame of that id, the ones before it left out.
+  /// The first frame with that id. Skips others.
   std::string readUntil(wire::MessageId id) {
     skipped = 0;
     for (std::string text = read(); !text.empty(); text = read()) {

@@ -7,7 +7,7 @@
 
 namespace kelvora::server {
 
-/// A client that speaks WebSocket, frame by frame, so that a test can also break the rules.
+/// A client that speaks WebSocket frame by frame, so that a test can also break the rules.
 class WebSocketClient : public TcpClient {
  public:
   enum Opcode : std::uint8_t { continuation = 0, text = 1, binary = 2, closing = 8, ping = 9, pong = 10 };
@@ -25,7 +25,7 @@ class WebSocketClient : public TcpClient {
            "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n" +
            more + "\r\n";
   }
-  /// Asks for the upgrade; true if the server agrees.
+  /// Requests the upgrade. True if the server agrees.
   bool open(const std::string& more = {}) {
     write(handshake("/play", more));
     while (arrived_.find("\r\n\r\n") == std::string::npos) {
@@ -57,7 +57,7 @@ class WebSocketClient : public TcpClient {
   }
   void send(const std::string& payload) { write(frame(binary, payload)); }
 
-  /// The next frame of the server.
+  /// The server's next frame.
   Frame readFrame() {
     while (arrived_.size() < 2) {
       if (!receive()) return {};
