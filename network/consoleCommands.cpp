@@ -15,11 +15,11 @@ namespace kelvora::netMan {
 
 namespace {
 
-/// The pieces of a command between the colons: the verb, then the argument.
+/// A command's parts between colons: the verb, then the argument.
 using Pieces = std::vector<std::string>;
 
 const std::string& argument(const Pieces& pieces) {
-  // Quirk Q-082: nothing handles the fault of a verb without its argument, so that it ends the client.
+  // Quirk Q-082: nothing handles the fault of a missing argument, so it ends the client.
   if (pieces.size() < 2) raiseSubscriptOutOfRange();
   return pieces[1];
 }

@@ -24,13 +24,13 @@ void MessageQueue::startEntry() {
 }
 
 void MessageQueue::append(std::string_view text) {
-  // Quirk Q-061: an end byte before the first frame of the run has no entry to go to, and that ends the client.
+  // Quirk Q-061: an end byte before the run's first frame has no entry, which ends the client.
   if (!exists_) raiseSubscriptOutOfRange();
   if (count() == 0) return;
   if (waiting_.empty()) unparkLast();
   std::string& entry = waiting_.back();
   const std::size_t before = entry.size();
-  // The end byte of a full entry stands behind the limit and is not counted.
+  // The end byte of a full entry is stored beyond the limit and doesn't count.
   const std::size_t room = entryLimit - std::min(before, entryLimit);
   if (text.size() <= room) {
     if (totalBytes_ + text.size() > totalLimit) return;

@@ -1,4 +1,4 @@
-// The messages that concern one player by his node.
+// Messages that concern one player, by node.
 
 #include "core/players.h"
 #include "base/fault.h"
@@ -17,8 +17,7 @@ namespace {
 
 bool isKnownOpponent(std::int16_t index) { return index >= 0 && index < world.opponentCount; }
 
-/// The player of a node, or null if the client has no such player. A node that is nobody's is taken for the first
-/// opponent, as getPlayerIndex has it.
+/// The player with this node, or null. An unknown node is taken for the first opponent, as by getPlayerIndex.
 clsPlayer* findPlayer(std::int16_t node) {
   const std::int16_t index = modMain::getPlayerIndex(node);
   if (index == -1) return &world.localPlayer;
@@ -31,8 +30,8 @@ void receivePosition(std::int16_t node, float x, float y) {
   clsPlayer* player = findPlayer(node);
   const Vector point{x, y};
   if (player == &world.localPlayer) {
-    // Quirk Q-227: the own position comes back to lay the tail, which thus trails behind the ball by the way to the
-    // server; the ball itself obeys the mouse alone.
+    // Quirk Q-227: your own position comes back to lay the tail, which therefore trails behind the ball by a round
+    // trip. The ball itself only follows the mouse.
     if (world.localPlayer.position != point) world.localPlayer.addTail(point);
   } else if (player) {
     player->queuePosition(point);
@@ -47,8 +46,8 @@ void receiveVelocity(std::int16_t node, float vx, float vy) {
 void receiveAliveState(std::int16_t node, std::int16_t alive) {
   const std::int16_t index = modMain::getPlayerIndex(node);
   if (index >= world.opponentCount) return;
-  // Quirk Q-068: for an opponent the slot past the last one is asked for in place of his own. There is none, so this
-  // message never changes an opponent.
+  // Quirk Q-068: for an opponent this asks for the slot after the last one. There is none, so the message never changes
+  // an opponent.
   if (index != -1) raiseSubscriptOutOfRange();
   world.localPlayer.setAlive(alive != 0);
 }

@@ -4,9 +4,9 @@
 
 namespace kelvora::netMan {
 
-/// Cuts what one receive event delivered into the message queue, then works the queue through.
+/// Splits received data into the message queue, then processes the queue.
 void receiveData(std::string_view data);
-/// Handles every complete message of the queue in order. A message that faults is dropped.
+/// Handles every complete message in order. A message that faults is dropped.
 void processMessages();
 
 }  // namespace kelvora::netMan

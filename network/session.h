@@ -8,28 +8,28 @@ namespace kelvora {
 /// The session with the server, from the connect dialog to the disconnection.
 namespace netMan {
 
-// What the next login tells the server.
+// The data for the next login.
 extern std::string playerName;
 extern std::string serverPassword;
 extern std::int16_t preferredColour;  ///< 0 to 5
 
-/// Puts the module, its chat and its queue back to their state at the start of the process.
+/// Resets the module, its chat and its queue to their initial state.
 void clear();
 
-/// Takes up the login's data and starts to connect; a connection that stands is closed first.
+/// Stores the login's data and starts connecting. Closes an existing connection first.
 void connectToServer(const std::string& name, const std::string& address, std::int16_t port,
                      const std::string& password, std::int16_t colour);
-/// Closes the connection and offers the next one. Faults on the way are passed over.
+/// Closes the connection and opens the connect dialog. Ignores faults on the way.
 void disconnectFromServer();
 void sendLogin();
-/// Asks the server for a new life and says so on the console.
+/// Requests a new life from the server and prints a line.
 void requestSpawn();
 
 }  // namespace netMan
 
 namespace modMain {
 
-/// The part of a disconnection that lies in the world's state.
+/// Resets the session's part of the world's state.
 void resetConnectionState();
 
 }  // namespace modMain
