@@ -12,8 +12,8 @@ struct Bearing {
   std::uint8_t quadrant = 0;  ///< 1 to 4: upper right, upper left, lower left, lower right
 };
 
-/// Where things are seen. The local player's position is shown in the centre of the canvas, and one canvas unit is one
-/// world unit. Nothing here is cached: the canvas is asked for its size each time.
+/// The view of the world. The local player is in the centre of the canvas, and one canvas unit is one world unit.
+/// Nothing is cached: the canvas is asked for its size each time.
 namespace modMain {
 
 /// Width and height in canvas units.

@@ -4,8 +4,7 @@
 
 namespace kelvora {
 
-/// Asks the web host for the newest version and tells the player when it is not this one. Nothing else hangs on it, and
-/// whatever fails in it fails without a word.
+/// Asks the web host for the newest version, and tells the player if it isn't the running one. Failures are silent.
 namespace updateCheck {
 
 /// Starts the check, once per run of the program. It continues in the events of frmMain's sockUpdates.

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-/// What the server's messages do, each run by processMessages alone, which swallows their faults. Players are named by
-/// their node; a node that belongs to nobody is taken for the first opponent. Places are world units.
+/// Handlers of the server's messages. Only processMessages calls them, and it swallows their faults. Players are
+/// identified by node; an unknown node is taken for the first opponent. Positions are world units.
 namespace kelvora::netMan {
 
 void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y);

@@ -5,7 +5,7 @@
 
 #include "base/vector.h"
 
-/// The pools of particles: the background field, explosions, and those that the server moves.
+/// The pools of particles: the background, explosions, and particles moved by the server.
 namespace kelvora::modMain {
 
 /// Fills the background with 150 new particles around the local player.

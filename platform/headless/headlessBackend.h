@@ -53,7 +53,7 @@ class HeadlessBackend : public Backend {
   /// Called first in every DoEvents.
   std::function<void()> onDoEvents;
 
-  // What the game did.
+  // The game's actions.
   std::vector<std::string> messageBoxes;
   std::vector<std::string> modalForms;  ///< captions
   std::vector<std::pair<int, int>> pointerPlacements;

@@ -1,4 +1,4 @@
-// What a bot does without prey.
+// How a bot flies without prey.
 
 #include "server/bots/mind.h"
 

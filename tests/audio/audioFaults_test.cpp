@@ -51,7 +51,7 @@ class AudioFaults : public AudioTest {
     installBackend(&machine);
   }
   static void breakDown(Control& control) { control.peer = std::make_unique<BrokenPeer>(); }
-  /// What the store holds of the menu item.
+  /// The stored setting of the menu item.
   static std::string stored(HeadlessBackend& where) { return where.settings[{"audio", "music"}]; }
 
   BrokenMachine broken;

@@ -7,7 +7,7 @@
 namespace kelvora {
 namespace {
 
-/// What sounds when the game starts, by its command line.
+/// Sounds at the start of the game, by command line.
 class StartAudio : public AudioTest {
  protected:
   void start(const std::string& line) {

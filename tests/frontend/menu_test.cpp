@@ -15,7 +15,7 @@ class Menu : public GameTest {
   void store(const std::string& section, const std::string& key, const std::string& value) {
     machine.settings[{section, key}] = value;
   }
-  /// Which of Never, Click and Always are checked.
+  /// The checked ones of Never, Click and Always.
   static std::string line() {
     std::string marks;
     for (const MenuItem* item : {&frmMain->mnuDirLineNever, &frmMain->mnuDirLineClick, &frmMain->mnuDirLineAlways}) {
@@ -23,7 +23,7 @@ class Menu : public GameTest {
     }
     return marks;
   }
-  /// Which of Stars and Quarks are checked.
+  /// The checked ones of Stars and Quarks.
   static std::string quarks() {
     std::string marks;
     for (const MenuItem* item : {&frmMain->mnuQuarkStars, &frmMain->mnuQuarkQuarks}) marks += item->Checked ? 'x' : '-';

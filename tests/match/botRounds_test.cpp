@@ -30,7 +30,7 @@ constexpr std::int64_t startCredits = 10;
 constexpr std::int64_t captureCredits = 10;
 constexpr std::int64_t survivalCredits = 10;
 
-/// What a player's credits came from and went to, reckoned from the frames alone.
+/// A player's income and expenses, computed from the frames alone.
 struct Account {
   std::int64_t captures = 0;
   std::int64_t survivals = 0;
@@ -129,8 +129,8 @@ TEST(BotRounds, AHundredEndAndTheCreditsBalance) {
   EXPECT_GE(match.captures, 4 * roundsToPlay);
   for (const PlayerView& player : match.players()) {
     const Account& account = match.accounts[player.client];
-    // What is left over is the income, a credit for 12 seconds alive, less what has not made a whole one. Each life may
-    // have begun or ended in the middle of a tick of 40 ms: for a thousand lives that is 40 seconds, 4 credits.
+    // The rest is income: one credit for 12 seconds alive, without fractions. Each life may have begun or ended in the
+    // middle of a tick of 40 ms. For a thousand lives that is 40 seconds, or 4 credits.
     const std::int64_t income = player.funds - startCredits - account.captures - account.survivals + account.spent;
     EXPECT_NEAR(static_cast<double>(income), static_cast<double>(account.alive) / 12'000, 4) << player.name;
     EXPECT_GE(player.funds, 0) << player.name;

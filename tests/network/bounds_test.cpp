@@ -1,4 +1,4 @@
-// What a server of ill will can make the client keep is bounded, and so is what it costs a frame.
+// Everything that a hostile server can make the client keep is bounded, and so is its cost per frame.
 
 #include <gtest/gtest.h>
 

@@ -113,7 +113,7 @@ class InTheGame : public LaterFaults {
     serverSends(wire::msgVelocity, {"8", across, "-1"});
     return faultOfFrames(1, 2);
   }
-  /// What a click on Buy leads to with so much in stock of the first two items.
+  /// The result of clicking Buy with this stock of the first two items.
   std::string buyWith(const std::string& first, const std::string& second) {
     serverSends(wire::msgBuyAccepted, {"0", first, "10"});
     serverSends(wire::msgBuyAccepted, {"1", second, "10"});

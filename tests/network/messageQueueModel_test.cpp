@@ -22,7 +22,7 @@ constexpr char separator = '\x82';
 constexpr int spawnDenied = 0x99;
 constexpr int serverText = 0xA2;
 
-/// What both sides are given, and what they make of it.
+/// The same input for both sides, and their results.
 struct Reads {
   Pieces outer;
   Pieces whileBoxStands;  ///< one a box, in order; an empty one is no read

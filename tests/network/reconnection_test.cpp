@@ -4,7 +4,7 @@
 
 #include "tests/support/gameTest.h"
 
-// What a disconnection and the next login leave as it was.
+// State that survives a disconnection and the next login.
 namespace kelvora {
 namespace {
 

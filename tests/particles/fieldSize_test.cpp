@@ -2,7 +2,7 @@
 
 #include "tests/support/gameTest.h"
 
-// How large the field round the player is.
+// The size of the field around the player.
 namespace kelvora {
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "tests/support/gameTest.h"
 
-// What a server particle keeps of its step from one of its positions to the next.
+// A server particle's step, from one of its positions to the next.
 namespace kelvora {
 namespace {
 

@@ -35,7 +35,7 @@ struct TwinParticle {
 /// of its own, so both stay alike only if they draw the same numbers in the same order.
 class TwinField {
  public:
-  // What the outside world is like.
+  // The outside world.
   RandomGenerator generator;
   double timeScale = 1;
   double seconds = 0;  ///< since midnight
@@ -52,7 +52,7 @@ class TwinField {
   void move(TwinParticle& particle) const;
   void moveNormal(TwinParticle& particle);
   void queuePosition(TwinParticle& particle, Vector point) const;
-  /// What a paint does to an explosion particle.
+  /// The effect of a paint on an explosion particle.
   void paintExplosion(int index);
 
   void createParticleField();

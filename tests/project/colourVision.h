@@ -4,10 +4,10 @@
 #include <cmath>
 #include <cstddef>
 
-/// How far two colours are from each other for eyes of four kinds. A colour is taken to light, to the light that an eye
-/// without one of its three kinds of cones takes for the same (the linear model of Machado, Oliveira and Fernandes,
-/// 2009, at full strength), and to L*, a*, b* (CIE 1976, daylight D65). In that space a distance of 2.3 is just
-/// noticed.
+/// The difference between two colours for eyes of four kinds. A colour is converted to light, to the light that looks
+/// the same to an eye without one of its three kinds of cones (the linear model of Machado, Oliveira and Fernandes,
+/// 2009, at full strength), and to L*, a*, b* (CIE 1976, daylight D65). A distance of 2.3 in that space is just
+/// noticeable.
 namespace colourVision {
 
 enum class Eye { ordinary, withoutLong, withoutMiddle, withoutShort };

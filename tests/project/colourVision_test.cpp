@@ -28,7 +28,7 @@ Coloured coloured(const std::string& name, const Picture& matte, const std::func
   return result;
 }
 
-/// What is black in all six counts as outside.
+/// Pixels that are black in all six count as outside.
 Picture matteOf(const std::function<Picture(int)>& draw) {
   Picture matte = draw(0);
   for (Pixel& pixel : matte.pixels) pixel = whitePixel;
@@ -64,7 +64,7 @@ std::vector<Coloured> everythingColoured() {
   return result;
 }
 
-/// What this eye sees of each pixel inside the shape.
+/// The colours of the pixels inside the shape, as this eye sees them.
 std::vector<Triple> seen(const Picture& picture, const Picture& matte, Eye eye) {
   std::vector<Triple> result;
   for (std::size_t i = 0; i < picture.pixels.size(); ++i) {

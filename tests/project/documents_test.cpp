@@ -1,4 +1,4 @@
-// What the documents point at is there.
+// Links and pictures in the documents exist.
 
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ std::set<std::string> anchorsIn(const std::string& text) {
   return found;
 }
 
-/// What is wrong with a link in a document; empty if it leads somewhere.
+/// The problem with a link in a document; empty if it leads somewhere.
 std::string complaint(const tree::File& document, const std::string& link) {
   if (link.starts_with("http://") || link.starts_with("https://")) return {};
   const std::size_t hash = std::min(link.find('#'), link.size());

@@ -30,7 +30,7 @@ struct Polar {
   double distance;
   double degrees;
 };
-/// Where a pixel of a picture lies, seen from the picture's middle.
+/// The position of a picture's pixel relative to its centre.
 Polar polar(const Picture& picture, std::size_t index) {
   const auto width = static_cast<std::size_t>(picture.width);
   const double x = static_cast<double>(index % width) + 0.5 - picture.width / 2.0;
@@ -38,7 +38,7 @@ Polar polar(const Picture& picture, std::size_t index) {
   return {std::hypot(x, y), std::atan2(y, x) * 180 / std::numbers::pi + 180};
 }
 
-/// What the pixels that are clearly seen on black look like.
+/// The appearance of the pixels that are clearly visible on black.
 struct Ring {
   int count = 0;
   double nearest = 1000;

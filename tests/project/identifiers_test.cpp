@@ -64,7 +64,7 @@ const Words& sourceWords() {
   return words;
 }
 
-/// What stands between backticks within a line; blocks of code in a document are no part of it.
+/// The quotations in backticks within a line. Code blocks of a document are skipped.
 std::vector<std::string> quotations(const std::string& text) {
   std::vector<std::string> found;
   bool isBlock = false;
@@ -111,7 +111,7 @@ bool isPath(std::string_view text) {
          fs::is_directory(fs::path(KELVORA_SOURCE_DIR) / text.substr(0, slash)) && !text.starts_with("build");
 }
 
-/// What is wrong with a quotation; empty if nothing is.
+/// The problem with a quotation; empty if there is none.
 std::string complaint(const std::string& quotation) {
   static const Words programs = {"nohup", "perf"};  // of the system
   if (isPath(quotation)) {

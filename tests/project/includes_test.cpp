@@ -10,8 +10,8 @@
 
 namespace {
 
-/// What each room includes besides itself: other rooms, or single headers of them. docs/architecture.md shows the same
-/// rows and says why some of them form circles.
+/// The permitted includes of each room besides itself: other rooms, or single headers. docs/architecture.md shows the
+/// same rows and explains the cycles.
 const std::map<std::string, std::set<std::string>> mayInclude = {
     {"base", {}},
     {"protocol", {}},

@@ -11,7 +11,7 @@
 #include "platform/pictures/pictureFile.h"
 #include "raster/twips.h"
 
-/// Looks at the drawn pictures as the paint code does: cells found in twips, mattes beside images.
+/// Reads the drawn pictures as the paint code does: cells in twips, mattes beside images.
 namespace sheets {
 
 inline constexpr kelvora::Pixel blackPixel = 0x000000;

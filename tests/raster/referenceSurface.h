@@ -32,7 +32,7 @@ class ReferenceSurface {
 /// The image as text, one line a row: '.' where a pixel is 0, '#' elsewhere.
 std::string drawing(const Surface& surface);
 
-/// Where the two images first differ, or an empty text.
+/// The first difference between the two images, or an empty text.
 std::string difference(const Surface& surface, const ReferenceSurface& reference);
 
 }  // namespace kelvora

@@ -6,7 +6,7 @@
 #include "bench/surfaceRecorder.h"
 #include "tests/rendering/paintTest.h"
 
-// What the paint time counts, and how it becomes the time scale.
+// What counts towards the paint time, and how it becomes the time scale.
 namespace kelvora {
 namespace {
 

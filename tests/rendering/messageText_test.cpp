@@ -4,7 +4,7 @@
 #include "frontend/fontMan.h"
 #include "tests/rendering/paintTest.h"
 
-// Characters whose width is the font's size in pixels, so that a text tells the size it was printed in.
+// Characters as wide as the font's size in pixels, so that a text's width tells its size.
 namespace kelvora {
 namespace {
 

@@ -223,7 +223,7 @@ TEST_F(ParticlePainting, AnExplosionParticleOutsideItsPoolIsCountedTo32767Paints
 }
 
 TEST_F(ParticlePainting, Q301AServersParticleOfNoKindIsAStar) {
-  // Where it was never placed is the world's upper left corner; a position of its own moves it.
+  // A particle that was never positioned is in the world's upper left corner, until a position moves it.
   EXPECT_THROW(modMain::receiveParticleNew("n", 256, 50000, 50000, 0, 0), RuntimeFault);
   modMain::receiveParticlePosition("n", 51000, 50000);
   ASSERT_EQ(modMain::world.netParticleCount, 1);

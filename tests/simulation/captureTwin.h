@@ -53,7 +53,7 @@ struct TwinRecord {
 /// drawing: `paintTail` is what a painted player's tail does to the world.
 class TwinGame {
  public:
-  // What the outside world is like.
+  // The outside world.
   Tick clock = 0;
   double timeScale = 1;
   float canvasWidth = 0, canvasHeight = 0;

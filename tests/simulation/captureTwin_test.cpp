@@ -73,7 +73,7 @@ class CaptureTwin : public GameTest {
     twin.tips.assign(modMain::world.tips.begin(), modMain::world.tips.end());
     modMain::world.frameTime = below(3) * 7;
     twin.timeScale = std::max(1.0, modMain::world.frameTime / 10.0);
-    // Whoever owns node 0 is taken for players who have left.
+    // A departed player is taken for the owner of node 0.
     begin(twin.local, -1, oneIn(4) ? 0 : 7);
     const int count = 1 + below(4);
     for (int i = 0; i < count; ++i) {

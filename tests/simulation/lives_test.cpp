@@ -4,7 +4,7 @@
 #include "base/fault.h"
 #include "tests/support/gameTest.h"
 
-// What a death does each time, and what a death, a round's end and a new login leave alone.
+// The effects of each death, and the state that a death, a round's end and a new login leave alone.
 namespace kelvora {
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "tests/support/gameTest.h"
 
-// What an opponent keeps of his step and of his queue, and what a ping leaves behind.
+// An opponent's step and queue, and the traces of a ping.
 namespace kelvora {
 namespace {
 

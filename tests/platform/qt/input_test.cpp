@@ -151,7 +151,7 @@ TEST_F(Input, PastedLinesBecomeOne) {
   EXPECT_EQ(pasted(QString::fromStdString(longText)).size(), 32'767U) << "as much as a line takes";
 }
 
-// What an input method sends when it has composed something, with the focus on the picture and on the box.
+// An input method's event for composed text, with the focus on the picture and on the text box.
 TEST_F(Input, ComposedTextIsTypedText) {
   const auto compose = [](QWidget& widget, const QString& preedit, const QString& committed) {
     QInputMethodEvent event(preedit, {});

@@ -86,7 +86,7 @@ class SettingsFaults : public ::testing::Test {
   std::string file() const { return home_ / "kelvora" / "kelvora.ini"; }
 
   void write(const std::string& key, const std::string& value) { QtSettings(file()).write("misc", key, value); }
-  /// What a later run of the program reads: the same bytes under a name that this process has not seen.
+  /// The value that a later run of the program reads: the same bytes under a name that this process has not seen.
   std::string readInLaterRun(const std::string& key) {
     const std::filesystem::path copy = home_ / ("later" + std::to_string(++copies_) + ".ini");
     std::filesystem::copy_file(file(), copy);

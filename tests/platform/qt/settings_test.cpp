@@ -29,7 +29,7 @@ class Settings : public ::testing::Test {
   std::filesystem::path folder() const { return home_ / "kelvora"; }
   std::filesystem::path file() const { return folder() / "kelvora.ini"; }
 
-  /// What a later run of the program reads: the same bytes under a name that this process has not seen.
+  /// The value that a later run of the program reads: the same bytes under a name that this process has not seen.
   std::string readInLaterRun(const std::string& section, const std::string& key) {
     const std::filesystem::path copy = home_ / ("later" + std::to_string(++copies_) + ".ini");
     std::filesystem::copy_file(file(), copy);

@@ -196,7 +196,7 @@ TEST_F(Socket, UnreadBytesStayWithinTheirBuffer) {
   connect();
   socket_->onDataArrival = nullptr;
   qint64 sent = 0;
-  // What neither the game's buffer nor the system's take stays with the sender.
+  // Bytes beyond the game's and the system's buffers stay with the sender.
   QObject::connect(other_, &QTcpSocket::bytesWritten, other_, [&sent](qint64 bytes) { sent += bytes; });
   other_->write(std::string(60'000'000, 'x').c_str(), 60'000'000);
   serveFor(200);

@@ -71,7 +71,7 @@ TEST_F(Window, PictureShowsItsPixelsAtOnce) {
 TEST_F(Window, ActivateComesWithTheFocus) {
   slot_->Activate = [this] { slot_->note("Activate"); };
   slot_->Show();
-  // What the window system says when a window gets the focus and when it loses it.
+  // The window system's events when a window gets and loses the focus.
   const auto tell = [this](QEvent::Type type) {
     slot_->notes.clear();
     QEvent event(type);

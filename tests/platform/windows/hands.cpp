@@ -46,7 +46,7 @@ void pressIn(QWindow& window, int key, const QString& text, Qt::KeyboardModifier
   if (still && still->isVisible()) qt_handleKeyEvent(&window, QEvent::KeyRelease, key, modifiers, text);
 }
 
-/// Where the widget can be clicked on, in pixels of its window; a null point where it is not seen.
+/// A point where the widget can be clicked, in pixels of its window; null if it isn't visible.
 QPoint placeOf(const QWidget& widget, QPoint inside) {
   if (!widget.isVisible() || !widget.isEnabled()) return {};
   const QPoint place = widget.mapTo(widget.window(), inside);

@@ -48,7 +48,7 @@ bool closingEndsTheProcess() {
   return endOf(child).empty();
 }
 
-/// What is on the screen, in words.
+/// The contents of the screen, in words.
 std::string situation() {
   std::string words = modMain::world.localPlayer.isConnected ? "in the game" : "at the title";
   for (const Form* form : hands::visibleForms()) {

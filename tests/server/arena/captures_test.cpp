@@ -1,4 +1,4 @@
-// Whom a tail's loops capture, and how that is told so that every client carries it out.
+// Captures by a tail's loops, and the messages that make every client carry them out.
 
 #include "server/arena/tail.h"
 #include "tests/server/arena/arenaTest.h"

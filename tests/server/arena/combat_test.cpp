@@ -1,4 +1,4 @@
-// What charged tails, lasers and pulses do.
+// The effects of charged tails, lasers and pulses.
 
 #include "tests/server/arena/arenaTest.h"
 

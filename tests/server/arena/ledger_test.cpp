@@ -19,7 +19,7 @@ class LedgerTest : public ArenaTest {
  protected:
   LedgerTest() : ArenaTest(busy) {}
 
-  /// What a player should have, by what everybody was told alone.
+  /// A player's expected funds, computed from messages alone.
   struct Account {
     std::int64_t expected = 10;
     std::int64_t told = 10;

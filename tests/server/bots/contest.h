@@ -42,7 +42,7 @@ class Contest : private ArenaOutput {
   const std::vector<Said>& said() const { return said_; }
   /// Records messages from now on.
   void listen() { isListening_ = true; }
-  /// What the arena logged.
+  /// The arena's log.
   const std::vector<std::string>& logged() const { return logged_; }
   std::vector<std::string> roundResults() const { return results_; }
 

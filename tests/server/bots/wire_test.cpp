@@ -1,4 +1,4 @@
-// What a bot says to the arena is what a client could say.
+// A bot sends only messages that a client could send.
 
 #include <gtest/gtest.h>
 

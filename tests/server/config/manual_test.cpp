@@ -1,4 +1,4 @@
-// What is written about the options is what the program has.
+// The documents list the program's options.
 
 #include <gtest/gtest.h>
 

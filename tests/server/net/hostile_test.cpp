@@ -168,7 +168,7 @@ TEST_F(Hostile, StreamsWithoutAnEndAreCutOff) {
     for (std::size_t i = 0; i < clients.size(); ++i) clients[i]->push(streams[i].portion);
   });
   for (std::size_t i = 0; i < clients.size(); ++i) {
-    // Whoever is cut off cannot go on to send a gigabyte.
+    // A client that has been cut off can't go on to send a gigabyte.
     EXPECT_LT(clients[i]->push(streams[i].portion), 0) << i;
   }
   EXPECT_LT(residentMebibytes(), before + 16);

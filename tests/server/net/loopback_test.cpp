@@ -206,7 +206,7 @@ class Program {
     for (char byte = 0; byte != '\n' && ::read(ends_[0], &byte, 1) == 1;) text += byte;
     return text;
   }
-  /// What the line about the port says, which must be the next one.
+  /// The port in the next line, which must announce it.
   std::uint16_t port() {
     const std::string text = line();
     EXPECT_TRUE(text.starts_with("listening on 127.0.0.1:")) << text;

@@ -19,7 +19,7 @@ struct Response {
   std::string body;
 };
 
-/// What comes for a request, from the address 127.0.0.`host`.
+/// The answer to a request from the address 127.0.0.`host`.
 Response ask(std::uint16_t port, const std::string& request, std::uint32_t host = 1) {
   TcpClient client(port, host);
   client.write(request + "\r\n");

@@ -45,7 +45,7 @@ struct Response {
   std::string body;
 };
 
-/// What comes for a request up to the end of the connection.
+/// The answer to a request, up to the end of the connection.
 Response ask(std::uint16_t port, const std::string& request, std::uint32_t host = 1) {
   TcpClient client(port, host);
   client.tryWrite(request);

@@ -25,7 +25,7 @@ class WebSocketTest : public testing::Test {
  protected:
   RunningServer server{withoutSpeedLimit()};
 
-  /// What a WebSocket without a player still gets.
+  /// Expects that a WebSocket without a player is still served.
   static void expectToBeServed(WebSocketClient& client) {
     client.send("GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
     EXPECT_NE(client.readUntil("tvqver:").find("200 OK"), std::string::npos);
