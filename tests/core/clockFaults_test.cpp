@@ -147,7 +147,7 @@ INSTANTIATE_TEST_SUITE_P(Counts, Uptime,
                                            Tick{1'000} * 365 * 24 * 3'600'000),
                          [](const auto& instance) { return "Number" + std::to_string(instance.index); });
 
-/// A machine that was stopped in the midst of painting a frame.
+/// A machine that was stopped while painting a frame.
 class StoppedPaint : public HeadlessBackend {
  public:
   Tick stop = 0;

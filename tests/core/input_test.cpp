@@ -144,7 +144,7 @@ TEST_F(Input, TheRightButtonWhileTheLeftIsHeldTogglesTheBrakesAndEndsTheHolding)
   EXPECT_FALSE(frmMain->isLockMouse());
 }
 
-// The window stands at (0, 0). Screen pixels are units x 916 / 13605, rounded, and 45 more downward.
+// The window is at (0, 0). Screen pixels are units x 916 / 13605, rounded, plus 45 downward.
 
 TEST_F(Input, NearTheLeftEdgeThePointerIsPushedRight) {
   move(left, 10, 5000);  // 0.67 -> 1; 336.64 + 45 -> 382

@@ -1,5 +1,5 @@
-// Scripted players fight by the rules of the server, and what it tells each of them is played to a real client:
-// whatever the server has decided, every client comes to see.
+// Scripted players fight by the rules of the server, and its messages to each of them are replayed to a real client.
+// Every client must end up with the server's decisions.
 
 #include <gtest/gtest.h>
 
@@ -22,8 +22,8 @@ using server::PlayerView;
 
 constexpr Millis reportInterval = 40;
 
-/// Circles round somebody else for a while and then round the next, buys and fires what it can, and asks for a
-/// respawn whenever it is dead.
+/// Circles around an opponent for a while and then around the next, buys and fires what it can, and requests a respawn
+/// whenever it is dead.
 struct Fighter {
   ClientId client = 0;
   bool isIn = false;  ///< a login may have to wait for somebody to be gone
@@ -93,7 +93,7 @@ class Melee : private server::ArenaOutput {
     }
   }
 
-  /// Nobody does anything until whoever has gone is told to have left.
+  /// Nobody acts until all departures have been announced.
   void settle() {
     for (const Millis end = now_ + 15'000; now_ < end;) tick();
   }

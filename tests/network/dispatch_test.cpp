@@ -8,8 +8,8 @@ namespace {
 
 using modMain::world;
 
-/// The local player has node 7 and stands at 50000, 50000; Bob has node 9. Amy, who joined ahead of Bob, is the one
-/// that a message for a wrong node would reach.
+/// The local player has node 7 and is at (50000, 50000). Bob has node 9. Amy joined before Bob, so she would get
+/// messages for an unknown node.
 class Dispatch : public GameTest {
  protected:
   Dispatch() {

@@ -174,8 +174,8 @@ TEST_F(Receive, Q066TheOuterCallRemovesByItsOwnNumber) {
   EXPECT_TRUE(lines().empty()) << "what should have completed it has no entry to go to";
 }
 
-/// The queue exactly as the rules put it: plain entries, the whole of them copied at every removal, the scan always
-/// from the first. Boxes are told to `box`, which may receive more data meanwhile.
+/// The queue exactly as in the rules: plain entries, all copied at every removal, always scanned from the first. Boxes
+/// call `box`, which may receive more data meanwhile.
 struct SlowClient {
   std::vector<std::string> queue;  // element 0 stays unused
   std::size_t messageCount = 0;

@@ -6,7 +6,7 @@
 namespace kelvora {
 namespace {
 
-// The local player stands at (50000, 50000), so the canvas shows 44278 to 55723 across and 45440 to 54560 down.
+// The local player is at (50000, 50000), so the canvas shows 44278 to 55723 across and 45440 to 54560 down.
 class ParticleGlide : public GameTest {
  protected:
   ParticleGlide() {

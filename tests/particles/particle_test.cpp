@@ -13,7 +13,7 @@ constexpr std::uint8_t network = 1;
 constexpr std::uint8_t explosion = 2;
 constexpr std::uint8_t reserved = 3;
 
-// The local player stands at (50000, 50000); the canvas is 11445 by 9120.
+// The local player is at (50000, 50000). The canvas is 11445 by 9120.
 class Particles : public GameTest {
  protected:
   Particles() { modMain::world.localPlayer.position = {50000, 50000}; }

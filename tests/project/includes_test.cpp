@@ -133,7 +133,7 @@ TEST(Includes, OfHeadersFormNoCircle) {
   for (const auto& file : sources()) {
     if (file.path.ends_with(".h")) graph[file.path] = includes(file, R"re("([^"\n]+)")re");
   }
-  // A header whose includes have all been taken away can be taken away itself; what is left over stands in a circle.
+  // A header whose includes have all been removed can be removed itself. What remains forms a cycle.
   bool progress = true;
   while (progress) {
     progress = std::erase_if(graph, [&graph](const auto& entry) {

@@ -80,7 +80,7 @@ TEST(SpriteStep, ExchangedMakesABrightPatchWithTheImageInsideItsShape) {
   const Picture patchImage = picture(3, 1, {0, colour, 0});
   surface.PaintPicture(patchMatte, 0, 0, 45, 15, 0, 0, SRCPAINT);
   surface.PaintPicture(patchImage, 0, 0, 45, 15, 0, 0, SRCAND);
-  // The matte makes its outside white, whatever was there; the image then keeps only what it has itself.
+  // The matte whitens its outside, whatever was there. The image then keeps only its own bits.
   EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{0, colour, 0}));
 }
 

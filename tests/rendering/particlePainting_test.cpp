@@ -14,7 +14,7 @@ class ParticlePainting : public PaintTest {
     placeLocal();
     modMain::world.explosionParticles.reserve(16);
   }
-  /// A background particle that would stand at a place of the canvas without the shift.
+  /// A background particle that would be at a given position on the canvas without the shift.
   clsParticle background(std::int16_t depth, double x, double y) {
     clsParticle particle;
     particle.type = 0;

@@ -245,7 +245,7 @@ TEST_F(ChargedArc, TheStartLiesOnTheSegmentsLine) {
 }
 
 TEST_F(ChargedArc, Q130ANegativeArgumentRestartsTheGenerator) {
-  // The number that the generator gives after an arc whose right end stands at x on the canvas.
+  // The generator's next number after an arc whose right end is at x on the canvas.
   const auto numberAfter = [this](float x) {
     machine.generator.randomize(1);
     machine.scriptedDraws = {0.5F};

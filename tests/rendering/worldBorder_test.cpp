@@ -7,7 +7,7 @@
 namespace kelvora {
 namespace {
 
-// The local player stands at the world's corner, so two edges cross at the canvas's centre, pixel (381, 304).
+// The local player is at the world's corner, so two edges cross at the canvas's centre, pixel (381, 304).
 class WorldBorder : public PaintTest {
  protected:
   WorldBorder() {

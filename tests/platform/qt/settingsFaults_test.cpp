@@ -44,7 +44,7 @@ class Shared {
   Content* content_;
 };
 
-/// Another run of the game, in a process of its own, that does what it is given and ends with status 0.
+/// Another run of the game, in its own process, that executes its orders and ends with status 0.
 class OtherRun {
  public:
   explicit OtherRun(const std::function<void()>& work) : process_(fork()) {

@@ -93,7 +93,7 @@ inline void writeWave(const std::filesystem::path& file, const Samples& samples)
   for (const std::int16_t sample : samples) number(static_cast<std::uint16_t>(sample), 2);
 }
 
-/// The sound device is a file; `left()` and `right()` are what it has received so far.
+/// The sound device is a file. `left()` and `right()` return what it has received so far.
 class Recording {
  public:
   explicit Recording(const std::filesystem::path& file) : file_(file) {

@@ -25,7 +25,7 @@ void doubleClick(QWidget& widget, QPoint place);
 void choose(const QString& menu, const QString& item);
 /// Presses a key in the active window.
 void press(int key, const QString& text = {});
-/// Clicks on a text box and types another text in place of what stands there.
+/// Clicks on a text box and replaces its text.
 void replaceText(Control& box, const QString& text);
 /// Makes the window the active one, at the next turn of the event loop.
 void activate(QWidget& window);

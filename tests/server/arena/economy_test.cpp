@@ -20,7 +20,7 @@ class EconomyTest : public ArenaTest {
     live((funds - 10) * 1'000);
     login(bob, "Bob");
   }
-  /// Ann's one answer; the others are told nothing but what she has.
+  /// Ann's only answer. The others are only told her funds.
   Message answer() {
     EXPECT_EQ(got[ann].size(), 1U);
     for (const Message& message : got[bob]) {

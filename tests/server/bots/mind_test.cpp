@@ -25,7 +25,7 @@ class BotMind : public testing::Test {
                            .velocity = velocity});
     return view.others.back();
   }
-  /// The powerups that it activates in so many seconds, in their order; what it activates runs.
+  /// The powerups that it activates within that time, in order. Activated ones run.
   std::vector<int> uses(Mind& mind, int seconds) {
     std::vector<int> used;
     for (int tick = 0; tick < 25 * seconds; ++tick) {

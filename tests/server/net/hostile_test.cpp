@@ -1,4 +1,4 @@
-// Clients of ill will on real sockets of the loopback interface: whatever they do, the others play on.
+// Hostile clients on real loopback sockets. Whatever they do, the others play on.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -396,7 +396,7 @@ TEST(HostileDescriptors, TheirEndIsNotTheServersEnd) {
   rlimit few = usual;
   few.rlim_cur = static_cast<rlim_t>(next + 1);
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
-  // Both stand in one process: this one takes the last descriptor, and the server has none for it.
+  // Both are in one process: this one takes the last descriptor, so the server has none for it.
   const auto unseen = std::make_unique<TcpClient>(server.port(), 60);
   // The want of descriptors stays for as long as it takes; a machine with other work to do may be late by itself.
   Milliseconds best = game.play(steps, [](int) {});
