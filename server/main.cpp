@@ -69,7 +69,7 @@ int main(int argc, char** argv) {
     Log logFile(std::cerr, !isLoggingToJournal());
     const auto log = [&](const std::string& line) { logFile.write(line, steadyMillis(), std::time(nullptr)); };
     if (const std::size_t most = provideDescriptors(); most < GameServer::descriptors) {
-      log("only " + std::to_string(most) + " files may be open: not everybody can be let in who should be");
+      log("only " + std::to_string(most) + " files may be open, so the server may have to turn players away");
     }
     GameServer server(context, options, log);
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Proves that no step of an installation is missing, in a Debian 12 made for it that has nothing else. As root:
-#   tools/clean_room.sh check     clones the project into it and runs ./check there, as a user who may use sudo
+# Tests building and installing in a fresh, minimal Debian 12. Run it as root:
+#   tools/clean_room.sh check     clones the project into it and runs ./check there, as a user with sudo
 #   tools/clean_room.sh package   builds the packages here, installs them there, starts server and client with a login,
-#                                 installs them once more, removes them, and looks for what they left behind
-# The room is a folder, KELVORA_ROOM (/var/tmp/kelvora-room), made anew each time; the base system is kept beside it.
+#                                 upgrades them, removes them, and looks for leftovers
+# The room is a folder, KELVORA_ROOM (/var/tmp/kelvora-room), recreated each time. The base system is cached next to it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/setup.sh
@@ -12,13 +12,13 @@ source tools/setup.sh
 room=${KELVORA_ROOM:-/var/tmp/kelvora-room}
 user=player
 
-# The base system comes from KELVORA_MIRROR, or else from where this machine's own apt fetches Debian 12.
+# The base system comes from KELVORA_MIRROR, or else from this machine's own apt source for Debian 12.
 # shellcheck disable=SC2016
 mirror=${KELVORA_MIRROR:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' \
   'Codename: bookworm' 'Component: main' | head -n 1)}
 
-[ "$(id -u)" -eq 0 ] || fail "A system of its own can be made by root only: sudo tools/clean_room.sh"
-[ -n "$mirror" ] || fail "apt knows no archive of Debian 12 here. Run apt-get update, or name one in KELVORA_MIRROR."
+[ "$(id -u)" -eq 0 ] || fail "Only root can create the room: sudo tools/clean_room.sh"
+[ -n "$mirror" ] || fail "apt has no source for Debian 12. Run apt-get update, or set KELVORA_MIRROR."
 install_packages debootstrap
 
 close_room() {
@@ -28,7 +28,7 @@ trap close_room EXIT
 
 open_room() {
   if [ ! -f "$room.tar" ]; then
-    say "Fetching a Debian 12"
+    say "Fetching Debian 12"
     rm -rf "$room.new"
     debootstrap --variant=minbase bookworm "$room.new" "$mirror" >/dev/null
     tar -C "$room.new" -cf "$room.tar" . && rm -rf "$room.new"
@@ -39,7 +39,7 @@ open_room() {
   tar -C "$room" -xf "$room.tar"
   cp /etc/resolv.conf "$room/etc/resolv.conf"
   printf '127.0.0.1 localhost %s\n' "$(uname -n)" >"$room/etc/hosts"
-  printf '#!/bin/sh\nexit 101\n' >"$room/usr/sbin/policy-rc.d"  # no services are started in here
+  printf '#!/bin/sh\nexit 101\n' >"$room/usr/sbin/policy-rc.d"  # starts no services in the room
   chmod 755 "$room/usr/sbin/policy-rc.d"
   mount -t proc proc "$room/proc"
   mount --rbind /dev "$room/dev" && mount --make-rslave "$room/dev"
@@ -56,7 +56,7 @@ inside() {
 
 check_clone() {
   open_room
-  say "A user with sudo, and a clone"
+  say "Creating a user with sudo, and a clone"
   inside root apt-get -q update >/dev/null
   inside root apt-get -q install -y --no-install-recommends sudo git ca-certificates >/dev/null 2>&1
   inside root useradd --create-home --shell /bin/bash "$user"
@@ -66,7 +66,7 @@ check_clone() {
   inside "$user" bash -c 'cd ~ && git clone --quiet kelvora.git "a clone" && cd "a clone" && ./check'
 }
 
-# Run in the room: from the packages alone to a login.
+# Runs in the room: logs in with nothing but the packages.
 log_in_from_packages() {
   kelvora-server --port 2010 >/tmp/server.out 2>/tmp/server.err &
   server=$!
@@ -76,7 +76,7 @@ log_in_from_packages() {
   for _ in $(seq 50); do xdotool getdisplaygeometry >/dev/null 2>&1 && break; sleep 0.1; done
   openbox >/dev/null 2>&1 &
   manager=$!
-  # A window that asks to be shown while openbox is still starting never is.
+  # A window that opens while openbox is starting is never shown.
   until xdotool set_num_desktops 1 && [ "$(xdotool get_num_desktops)" = 1 ]; do sleep 0.1; done 2>/dev/null
   local command
   command=$(sed -n 's/^Exec=//p' /usr/share/applications/kelvora.desktop)
@@ -102,18 +102,18 @@ check_packages() {
   inside root bash -c 'apt-get -q install -y --no-install-recommends /tmp/kelvora_*.deb /tmp/kelvora-server_*.deb >/tmp/apt.log 2>&1' ||
     { cat "$room/tmp/apt.log"; fail "The packages could not be installed."; }
   inside root ldd /usr/games/kelvora /usr/games/kelvora-server | grep 'not found' && fail "A library is missing."
-  say "What the game needs no more than a display for"
+  say "Installing a virtual display"
   inside root bash -c 'apt-get -q install -y --no-install-recommends xvfb xdotool openbox >/tmp/apt.log 2>&1'
   inside root useradd --create-home "$user"
-  say "A server, the client from its desktop entry, and a login"
-  inside "$user" bash -c "$(declare -f log_in_from_packages); log_in_from_packages" || fail "The login did not happen."
-  say "Installing them once more, as an upgrade does, then removing them"
+  say "Starting a server and the client from its desktop entry, logging in"
+  inside "$user" bash -c "$(declare -f log_in_from_packages); log_in_from_packages" || fail "The login failed."
+  say "Upgrading, then removing the packages"
   inside root bash -c 'dpkg -i /tmp/kelvora_*.deb /tmp/kelvora-server_*.deb >/dev/null'
   inside root bash -c 'dpkg --purge kelvora kelvora-server >/dev/null 2>/tmp/purge.log; cat /tmp/purge.log'
   local left
   left=$(inside root bash -c 'find / -xdev -iname "*kelvora*" -not -path "/tmp/*" -not -path "/proc/*" -not -path "/home/*/.config/*"')
   [ -z "$left" ] || fail "Left behind: $left"
-  say "Nothing was left behind"
+  say "No leftovers"
 }
 
 case ${1:-} in

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Formats every source file as .clang-format says; with --check only tells which ones differ.
+# Formats every source file. With --check, only reports the unformatted ones.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# tools/fuzz.sh [TARGET|all] [MINUTES]: fuzzes, guided by coverage, with the sanitizers. What it finds new is kept in
-# build/fuzz/found/TARGET, and what ends a run badly in build/fuzz/crashes. Needs clang 16 or newer.
-# tools/fuzz.sh --coverage: the lines that the corpus reaches, by room. tools/fuzz.sh --merge [TARGET|all]: takes into
-# tests/fuzz/corpus what reaches something new.
+# tools/fuzz.sh [TARGET|all] [MINUTES]: fuzzes, guided by coverage, with the sanitizers. New inputs go to
+# build/fuzz/found/TARGET, failing ones to build/fuzz/crashes. Needs clang 16 or newer.
+# tools/fuzz.sh --coverage: prints the lines that the corpus reaches, by room.
+# tools/fuzz.sh --merge [TARGET|all]: adds inputs that reach new code to tests/fuzz/corpus.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 # shellcheck source=tools/setup.sh
@@ -14,7 +14,7 @@ for version in '' -19 -18 -17 -16; do
   [ "$("clang++$version" -dumpversion | cut -d. -f1)" -ge 16 ] && break
 done
 command -v "clang++$version" >/dev/null && [ "$("clang++$version" -dumpversion | cut -d. -f1)" -ge 16 ] ||
-  fail "This takes clang 16 or newer: apt-get install clang-16 libclang-rt-16-dev llvm-16"
+  fail "clang 16 or newer is needed: apt-get install clang-16 libclang-rt-16-dev llvm-16"
 
 # build FOLDER CMAKE-ARGUMENTS...: builds all targets.
 build() {
@@ -23,10 +23,10 @@ build() {
   for target in $all_targets; do list+=("kelvora_fuzz_$target"); done
   cmake --preset fuzz -B "$folder" -DCMAKE_CXX_COMPILER="clang++$version" "$@" >/dev/null ||
     fail "cmake could not configure $folder."
-  cmake --build "$folder" --target "${list[@]}" || fail "The build failed; its own words stand above."
+  cmake --build "$folder" --target "${list[@]}" || fail "The build failed; see above."
 }
 
-# coverage of all that the corpus reaches, a line a room
+# coverage: prints one line per room
 coverage() {
   local folder=build/fuzz-coverage target objects=()
   build "$folder" -DKELVORA_FUZZ_COVERAGE=ON
@@ -34,7 +34,7 @@ coverage() {
   for target in $all_targets; do
     LLVM_PROFILE_FILE="$folder/$target.profraw" "$folder/tests/kelvora_fuzz_$target" -runs=0 \
       "tests/fuzz/corpus/$target" $([ -d "build/fuzz/found/$target" ] && echo "build/fuzz/found/$target") \
-      >"$folder/$target.log" 2>&1 || fail "$target ends badly: see $folder/$target.log"
+      >"$folder/$target.log" 2>&1 || fail "$target failed: see $folder/$target.log"
     objects+=(-object "$folder/tests/kelvora_fuzz_$target")
   done
   "llvm-profdata$version" merge -o "$folder/all.profdata" "$folder"/*.profraw
@@ -80,7 +80,7 @@ build build/fuzz
 mkdir -p build/fuzz/crashes
 status=0
 for target in $targets; do
-  [ -f "tests/fuzz/${target}_fuzz.cpp" ] || fail "There is no target $target, but these:" $all_targets
+  [ -f "tests/fuzz/${target}_fuzz.cpp" ] || fail "There is no target $target. The targets are:" $all_targets
   mkdir -p "build/fuzz/found/$target"
   say "$target for $minutes minutes"
   build/fuzz/tests/kelvora_fuzz_"$target" -max_total_time=$((minutes * 60)) -timeout=25 -rss_limit_mb=2048 \

@@ -1,19 +1,19 @@
 #!/usr/bin/env bash
-# tools/release.sh VERSION: gives the sources that version, as in 1.3.0. docs/releasing.md has the steps around it.
+# tools/release.sh VERSION: sets the version, such as 1.3.0. docs/releasing.md has the other steps.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/setup.sh
 source tools/setup.sh
 
 version=${1:-}
-[[ $version =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || fail "Usage: tools/release.sh VERSION, with three numbers as in 1.3.0"
+[[ $version =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || fail "Usage: tools/release.sh VERSION, three numbers such as 1.3.0"
 now=$(sed -n 's/^project(kelvora VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
 if [ "$version" = "$now" ] || [ "$(printf '%s\n' "$now" "$version" | sort -V | tail -n 1)" = "$now" ]; then
-  fail "$version doesn't come after $now, which this is."
+  fail "$version is not newer than the current version, $now."
 fi
 changes=$(sed -n '/^## Unreleased$/,/^## [0-9]/p' CHANGELOG.md | grep -c '^- ') ||
-  fail "CHANGELOG.md says nothing under its heading Unreleased."
+  fail "CHANGELOG.md lists no changes under Unreleased."
 
 sed -i "s/^project(kelvora VERSION $now /project(kelvora VERSION $version /" CMakeLists.txt
 sed -i "s/^## Unreleased\$/## Unreleased\n\n## $version/" CHANGELOG.md
-say "This is $version, with $changes changes for players and operators. Next: ./check"
+say "Version $version has $changes changes. Next: ./check"

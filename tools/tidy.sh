@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# tools/tidy.sh [JOBS]: runs clang-tidy over the sources of the game. What was clean is skipped until a source, a header
-# or .clang-tidy changes.
+# tools/tidy.sh [JOBS]: runs clang-tidy on the game's sources. Clean ones are skipped until a source, a header or
+# .clang-tidy changes.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 # shellcheck source=tools/setup.sh
@@ -9,8 +9,8 @@ jobs=${1:-$(nproc)}
 
 tidy=$(clang_tool clang-tidy) || exit 1
 
-# Most of the time goes to the library's headers: a dozen sources of a room are read as one, and share them. Names that
-# two sources of a room keep to themselves must differ for that.
+# Most of the time goes to library headers, so a dozen sources of a room are read as one and share them. For that, names
+# in the unnamed namespaces of a room's sources must differ.
 folder=build/tidy
 output=$(cmake --preset release -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=12 \
   -DKELVORA_TESTS=OFF -DKELVORA_BENCH=OFF 2>&1) || { echo "$output"; exit 1; }
@@ -21,8 +21,8 @@ tidy_one() {
   local file=$1 stamp=$1.clean key output
   key=$({ printf '%s' "$common"; sed -n 's/^#include "\(.*\)"$/\1/p' "$file" | xargs -d '\n' cat; } | sha256sum)
   [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$key" ] && return
-  # clang reads every room here, and the preset makes its warnings errors, too.
-  # The commands are g++'s, with a warning or two that clang does not know; shadows are g++'s, source by source.
+  # The preset makes clang's warnings errors, too. The commands are g++'s, with some warnings that clang doesn't know.
+  # Shadowing is left to g++, which sees each source by itself.
   if output=$("$tidy" --quiet -p "$folder" --checks=-bugprone-suspicious-include \
     --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-shadow "$file" 2>/dev/null); then
     printf '%s' "$key" >"$stamp"

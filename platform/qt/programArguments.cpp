@@ -20,13 +20,13 @@ constexpr const char* helpText =
     "\n"
     "  nosound    no sound effects\n"
     "  nomusic    no music\n"
-    "  --version  the version, and where the program finds its files\n"
-    "  --help     this text\n"
+    "  --version  print the version and the data folders\n"
+    "  --help     print this help\n"
     "\n"
     "Environment:\n"
-    "  KELVORA_FRAME_MS  milliseconds that a frame is to take; 10 is the game's pace (as fast as it goes)\n"
-    "  KELVORA_DATA      the folder that holds assets and sounds (found by itself)\n"
-    "  KELVORA_WEB_HOST  host, or host:port, that lists games and tells of updates\n";
+    "  KELVORA_FRAME_MS  milliseconds per frame; 10 is the design pace (as fast as possible)\n"
+    "  KELVORA_DATA      folder that holds assets and sounds (found automatically)\n"
+    "  KELVORA_WEB_HOST  host, or host:port, that serves the list of games and updates\n";
 
 }  // namespace
 

@@ -137,7 +137,7 @@ void Lobby::tick(Millis now) {
     const auto& [client, visitor] = entry;
     if (now - visitor.since < loginTimeLimit) return false;
     if (visitor.login) roster_.sendTo(client, wire::msgLoginDenied, {"The arena is full."});
-    output_.log("client " + std::to_string(client) + " did not log in in time");
+    output_.log("client " + std::to_string(client) + " took too long to log in");
     output_.hangUp(client);
     return true;
   });

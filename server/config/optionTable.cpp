@@ -28,61 +28,60 @@ Option heading(std::string_view text) {
 
 // One row per option: name, value, help, target, and the value's range.
 const std::array table = {
-    heading("Where players come in:"),
-    Option{"address", "ADDRESS", "where to listen (127.0.0.1)",  //
+    heading("Connections:"),
+    Option{"address", "ADDRESS", "address to listen on (127.0.0.1)",  //
            Text([](Options& o) -> std::string& { return o.address; }), 0, maxTextLength},
     Option{"port", "PORT", "TCP port, 0 for any free one (2010)",  //
            Whole([](Options& o, int value) { o.port = static_cast<std::uint16_t>(value); }), 0, maxPort},
-    Option{"password", "PASSWORD", "what players must give to get in (none)",
+    Option{"password", "PASSWORD", "password that players need (none)",
            Letters{[](Options& o) -> std::string& { return o.password; }, true}, 0, maxTextLength},
 
-    heading("The game:"),
-    Option{"round-seconds", "SECONDS", "how long a round is played (180)",
+    heading("Game:"),
+    Option{"round-seconds", "SECONDS", "length of a round (180)",
            Whole([](Options& o, int value) { o.rules.roundMs = Millis{1000} * value; }), 1, maxSeconds},
-    Option{"captures-to-win", "COUNT", "captures that win a round at once, 0 for no such end (10)",
+    Option{"captures-to-win", "COUNT", "captures that end a round, 0 for no such end (10)",
            Whole([](Options& o, int value) { o.rules.captureGoal = value; }), 0, 1'000},
-    Option{"intermission", "SECONDS", "between two rounds (12)",
+    Option{"intermission", "SECONDS", "pause between rounds (12)",
            Whole([](Options& o, int value) { o.rules.intermissionMs = Millis{1000} * value; }), 0, maxSeconds},
-    Option{"respawn-wait", "SECONDS", "from a death to the respawn, at the least (3)",
+    Option{"respawn-wait", "SECONDS", "minimum time from death to respawn (3)",
            Whole([](Options& o, int value) { o.rules.respawnWaitMs = Millis{1000} * value; }), 0, maxSeconds},
-    Option{"income", "CREDITS", "what a living player earns a minute (5)",
+    Option{"income", "CREDITS", "credits per minute for a living player (5)",
            Whole([](Options& o, int value) { o.rules.incomePerMinute = value; }), 0, 6'000},
-    Option{"speed-limit", "FACTOR", "how many times the game's own speed a player may keep up, 0 for any (3)",
+    Option{"speed-limit", "FACTOR", "maximum sustained speed in multiples of the game's, 0 for no limit (3)",
            Decimal([](Options& o, double value) { o.rules.speedFactor = value; }), 0, 1'000},
-    Option{"bots", "COUNT", "opponents that the server itself plays, while there are people in (0)",
+    Option{"bots", "COUNT", "number of bots while people are in (0)",
            Whole([](Options& o, int value) { o.bots.count = value; }), 0, BotWishes::most},
-    Option{"skill", "easy|normal|hard|mixed", "how well they play (mixed)",
+    Option{"skill", "easy|normal|hard|mixed", "skill of the bots (mixed)",
            Option::Word{[](Options& o, int index) { o.bots.skill = static_cast<SkillLevel>(index); }}},
 
-    heading("The list of games:"),
-    Option{"web-port", "PORT", "listen on a second port, for clients that look for the list on it (none)",
+    heading("List of games:"),
+    Option{"web-port", "PORT", "second port, for clients that look for the list on it (none)",
            Whole([](Options& o, int value) { o.webPort = static_cast<std::uint16_t>(value); }), 0, maxPort},
-    Option{"web-address", "ADDRESS", "where to listen on the second port (as --address)",
+    Option{"web-address", "ADDRESS", "address to listen on for the second port (as --address)",
            Text([](Options& o) -> std::string& { return o.webAddress; }), 0, maxTextLength},
     Option{"site", "FOLDER", "serve this folder's files to browsers (none)",
            Text([](Options& o) -> std::string& { return o.site; }), 0, maxPathLength},
-    Option{"allow-origin", "ORIGINS", "web pages that may play here, between commas, * for all (*)",
+    Option{"allow-origin", "ORIGINS", "web pages that may play here, separated by commas, * for all (*)",
            Text([](Options& o) -> std::string& { return o.allowOrigin; }), 0, maxPathLength},
-    Option{"trusted-proxy", "ADDRESS", "believe this proxy's X-Forwarded-For (none)",
+    Option{"trusted-proxy", "ADDRESS", "trust this proxy's X-Forwarded-For (none)",
            Text([](Options& o) -> std::string& { return o.trustedProxy; }), 0, maxTextLength},
-    Option{"public-address", "ADDRESS", "what the list gives as the address of this server (as --address)",
+    Option{"public-address", "ADDRESS", "this server's address in lists (as --address)",
            Text([](Options& o) -> std::string& { return o.publicAddress; }), 0, maxTextLength},
-    Option{"notes", "TEXT", "what the list says about this server (nothing)",
+    Option{"notes", "TEXT", "description in lists (none)",
            Letters{[](Options& o) -> std::string& { return o.notes; }, false}, 0, int{maxNotesLength}},
 
-    Option{"list-key", "KEY", "what other servers must give to be in the list served here (none)",
+    Option{"list-key", "KEY", "key that other servers need to join this server's list (none)",
            Text([](Options& o) -> std::string& { return o.listKey; }), 0, maxTextLength},
-    Option{"publish", "URL", "the host of a list where this server announces itself, http://HOST:PORT (none)",
+    Option{"publish", "URL", "list to announce this server to, http://HOST:PORT (none)",
            Text([](Options& o) -> std::string& { return o.publishUrl; }), 0, maxTextLength},
-    Option{"publish-key", "KEY", "the key of that list (none)",
+    Option{"publish-key", "KEY", "key of that list (none)",
            Text([](Options& o) -> std::string& { return o.publishKey; }), 0, maxTextLength},
 
-    heading("Besides:"),
-    Option{"config", "FILE", "read options from lines \"name = value\"; the command line wins (none)",
+    heading("Other:"),
+    Option{"config", "FILE", "read options from lines \"name = value\"; the command line overrides them (none)",
            Text([](Options& o) -> std::string& { return o.config; }), 1, maxPathLength},
-    Option{"help", "", "this text", Switch([](Options& o) { o.help = true; })},
-    Option{"version", "", "the version, which is also the one that clients must have",
-           Switch([](Options& o) { o.version = true; })},
+    Option{"help", "", "print this help", Switch([](Options& o) { o.help = true; })},
+    Option{"version", "", "print the version, which clients must match", Switch([](Options& o) { o.version = true; })},
 };
 
 std::string range(const Option& option) {
@@ -96,7 +95,7 @@ struct Set {
   const std::string& value;
 
   Outcome operator()(Switch set) const {
-    if (!value.empty()) return Outcome::refused("must stand alone");
+    if (!value.empty()) return Outcome::refused("takes no value");
     set(options);
     return Outcome::done();
   }
@@ -110,7 +109,7 @@ struct Set {
   }
   Outcome operator()(const Letters& letters) const {
     const auto bytes = codePageFromUtf8(value);
-    if (!bytes) return Outcome::refused("must be UTF-8 text in letters that the game has, those of code page 1252");
+    if (!bytes) return Outcome::refused("must be UTF-8 text with letters of code page 1252 only");
     if (letters.inLogins &&
         bytes->find_first_of({wire::frameStart, wire::frameEnd, wire::fieldSeparator}) != bytes->npos)
       return Outcome::refused("must not contain a euro sign or a low quotation mark, which no player can send");

@@ -21,7 +21,7 @@ Outcome takeLine(Options& options, std::string_view name, const std::string& val
   const Option* option = find(name);
   if (option == nullptr) return Outcome::refused("unknown option \"" + std::string(name) + "\"");
   if (name == "config" || std::holds_alternative<Option::Switch>(option->target)) {
-    return Outcome::refused(std::string(name) + " is for the command line alone");
+    return Outcome::refused(std::string(name) + " is for the command line only");
   }
   const Outcome outcome = setOption(options, *option, value);
   return outcome.isRefused() ? Outcome::refused(std::string(name) + " " + outcome.reason()) : outcome;
@@ -62,7 +62,7 @@ Outcome parseOptions(std::span<const char* const> arguments, Options& options) {
   }
   const std::string& url = options.publishUrl;
   if (!url.empty() && !url.starts_with("http://") && !url.starts_with("https://")) {
-    return Outcome::refused("the address to publish at must begin with http:// or https://");
+    return Outcome::refused("the URL to publish to must begin with http:// or https://");
   }
   return Outcome::done();
 }

@@ -67,11 +67,11 @@ HttpAnswer ListPages::answer(const HttpRequest& request, const Peer& peer, Milli
 
 HttpAnswer ListPages::announce(const HttpRequest& request, const Peer& peer, Millis now) {
   if (!key_.empty() && !isSame(request.authorization, "Bearer " + key_)) {
-    return page(403, "This list asks for its key.\n");
+    return page(403, "This list needs a key.\n");
   }
   Announcement announcement;
   const Outcome outcome = readAnnouncement([&](std::string_view name) { return request.argument(name); }, announcement);
-  if (outcome.isRefused()) return page(400, "This is not fit for the list: " + outcome.reason() + "\n");
+  if (outcome.isRefused()) return page(400, "The list refuses this announcement: " + outcome.reason() + "\n");
   if (announcement.host.address.empty()) announcement.host.address = peer.address;
   return answerOf(request.method == "DELETE" ? registry_.withdraw(peer.network, announcement.host, now)
                                              : registry_.announce(peer.network, announcement, now, !key_.empty()));

@@ -18,7 +18,7 @@ bool beginsRequest(char first) { return first >= 'A' && first <= 'Z'; }
 
 Connection::Connection(asio::ip::tcp::socket socket, ClientId client, Handlers handlers)
     : stream_(std::move(socket)), client_(client), handlers_(std::move(handlers)) {
-  await(openingTime, "says nothing");
+  await(openingTime, "sent nothing");
 }
 
 void Connection::await(std::chrono::seconds time, const char* reason) {
@@ -38,9 +38,10 @@ void Connection::send(const std::string& frame) {
 }
 
 void Connection::hangUp() {
-  if (speech_ == Speech::upgrading) return close("hung up on");  // nothing can be sent during an upgrade
+  if (speech_ == Speech::upgrading)
+    return close("disconnected by the server");  // nothing can be sent during an upgrade
   if (std::exchange(hangingUp_, true)) return;
-  await(goodbyeTime, "hung up on");
+  await(goodbyeTime, "disconnected by the server");
   writeMore();
 }
 
@@ -77,7 +78,7 @@ bool Connection::open(std::string_view bytes) {
     return false;
   }
   speech_ = Speech::request;
-  await(requestTime, "takes too long to ask");
+  await(requestTime, "took too long to send its request");
   request_ = std::make_unique<HttpReader>();
   return takeRequest(bytes);
 }
@@ -88,7 +89,7 @@ bool Connection::takeFrames(std::string_view bytes) {
     if (!closed_ && !hangingUp_) handlers_.onFrame(client_, text);
   });
   if (!isSound && !hangingUp_) close("does not speak the protocol");
-  if (hangingUp_) await(goodbyeTime, "hung up on");
+  if (hangingUp_) await(goodbyeTime, "disconnected by the server");
   return !closed_;
 }
 
@@ -97,7 +98,7 @@ bool Connection::takeRequest(std::string_view bytes) {
     case HttpReader::Result::partial:
       return true;
     case HttpReader::Result::malformed:
-      return refuse(400, "This is not a request.\n");
+      return refuse(400, "This request is invalid.\n");
     case HttpReader::Result::tooLong:
       return refuse(431, "This request is too long.\n");
     case HttpReader::Result::complete:
@@ -140,7 +141,7 @@ void Connection::upgrade() {
                     if (self->closed_) return;
                     if (error) return self->close(error.message());
                     self->speech_ = Speech::opening;
-                    self->await(openingTime, "says nothing");
+                    self->await(openingTime, "sent nothing");
                     self->readMore();
                   });
 }
@@ -152,7 +153,7 @@ void Connection::answered() {
   }
   const auto before = std::exchange(request_, nullptr);
   speech_ = Speech::opening;
-  await(requestTime, "has no more requests");
+  await(requestTime, "sent no further request");
   if (before->rest().empty() || take(before->rest())) readMore();
 }
 

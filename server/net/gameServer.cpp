@@ -90,7 +90,7 @@ void GameServer::stop(std::function<void()> whenDone) {
 }
 
 void GameServer::closeAll() {
-  for (const auto& [client, guest] : guests_) guest.connection->close("the server ends");
+  for (const auto& [client, guest] : guests_) guest.connection->close("the server is shutting down");
 }
 
 void GameServer::finishStop() {
@@ -151,7 +151,7 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   Guest& guest = guests_.at(client);
   if (guest.network.empty()) {
     const auto address = forwardedAddress(request);
-    if (!address) return refusal(400, "The proxy does not say who asks.\n");
+    if (!address) return refusal(400, "The proxy names no client address.\n");
     if (!admit(guest, *address)) return refusal(429, "There are too many connections from your address.\n");
   }
   const std::string_view path = request.path();
@@ -159,7 +159,7 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
     if (!request.isUpgrade) return refusal(426, "This is for the game, over WebSocket.\n");
     if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) return {.status = 101};
     log_("turned away a page of another origin");
-    return refusal(403, "Pages from elsewhere may not play here.\n");
+    return refusal(403, "Pages from other sites may not play here.\n");
   }
   if (ListPages::has(path)) {
     HostEntry host = hostEntry();
@@ -170,7 +170,7 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
   if (site_.has(path)) return site_.answer(request);
   if (path == "/") return homePage();
-  return refusal(404, "There is nothing here.\n");
+  return refusal(404, "This page does not exist.\n");
 }
 
 HttpAnswer GameServer::homePage() const {
@@ -200,7 +200,7 @@ bool GameServer::makeRoom() {
   for (const PlayerView& player : arena_.players(now())) players.insert(player.client);
   const auto oldest = std::ranges::find_if(guests_, [&](const auto& entry) { return !players.contains(entry.first); });
   if (oldest == guests_.end()) return false;
-  oldest->second.connection->close("makes room");
+  oldest->second.connection->close("made room for another");
   return true;
 }
 

@@ -51,8 +51,8 @@ TEST(ServerConfig, CommentsAndEmptyLinesSayNothing) {
 
 TEST(ServerConfig, FaultsAreToldWithTheirLine) {
   Settings settings;
-  EXPECT_EQ(read("port = 1\n\nrubbish\n", settings), "a.conf:3: this is not of the form \"name = value\"");
-  EXPECT_EQ(read("a = 1\n# a\na = 2\n", settings), "a.conf:3: a stands in line 1 already");
+  EXPECT_EQ(read("port = 1\n\nrubbish\n", settings), "a.conf:3: not of the form \"name = value\"");
+  EXPECT_EQ(read("a = 1\n# a\na = 2\n", settings), "a.conf:3: a is already set in line 1");
   const auto refuseB = [](std::string_view name, const std::string&) {
     return name == "b" ? Outcome::refused("no") : Outcome::done();
   };
@@ -92,9 +92,9 @@ TEST(ServerConfig, AWrongFileIsToldWithItsNameAndLine) {
       {"port = 65536", ":1: port must be a whole number from 0 to 65535"},
       {"port =", ":1: port must be a whole number from 0 to 65535"},
       {"= 1", ":1: unknown option \"\""},
-      {"help = 1", ":1: help is for the command line alone"},
-      {"\nversion =", ":2: version is for the command line alone"},
-      {"config = other", ":1: config is for the command line alone"},
+      {"help = 1", ":1: help is for the command line only"},
+      {"\nversion =", ":2: version is for the command line only"},
+      {"config = other", ":1: config is for the command line only"},
   };
   for (const Row& row : rows) {
     const std::string file = fileWith(row.text);

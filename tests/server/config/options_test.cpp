@@ -48,9 +48,8 @@ TEST(ServerOptions, TextsAreKeptInTheLettersOfTheGame) {
             "ffne dich");
   EXPECT_EQ(options.notes, "f\xFCr alle, 5 \x80");
   EXPECT_EQ(parse({"--notes", "\u043C\u0438\u0440"}).error,
-            "--notes must be UTF-8 text in letters that the game has, those of code page 1252");
-  EXPECT_EQ(parse({"--password", "\xD6"}).error,
-            "--password must be UTF-8 text in letters that the game has, those of code page 1252");
+            "--notes must be UTF-8 text with letters of code page 1252 only");
+  EXPECT_EQ(parse({"--password", "\xD6"}).error, "--password must be UTF-8 text with letters of code page 1252 only");
 }
 
 TEST(ServerOptions, APasswordThatNoLoginCanCarryIsRefused) {
@@ -171,7 +170,7 @@ TEST(ServerOptions, TextsHaveALongestLength) {
 }
 
 TEST(ServerOptions, SwitchesTakeNoValue) {
-  EXPECT_EQ(parse({"--help=yes"}).error, "--help must stand alone");
+  EXPECT_EQ(parse({"--help=yes"}).error, "--help takes no value");
   EXPECT_EQ(parse({"--help", "--port", "1"}).port, 1);
 }
 

@@ -113,7 +113,7 @@ TEST_F(Publishing, AListWithAKeyAsksForIt) {
   const RunningServer without(publishing(list));
   const RunningServer wrong(publishing(list, "open sesamE"));
   const RunningServer right(publishing(list, "open sesame"));
-  EXPECT_TRUE(logs(without, "cannot publish at " + urlOf(list) + ": status 403, This list asks for its key."));
+  EXPECT_TRUE(logs(without, "cannot publish at " + urlOf(list) + ": status 403, This list needs a key."));
   EXPECT_TRUE(logs(wrong, "cannot publish at " + urlOf(list) + ": status 403"));
   EXPECT_TRUE(logs(right, "published at "));
   EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(right.port()) + "|0|of all|0|6]-END-\n");
