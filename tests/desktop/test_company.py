@@ -84,7 +84,7 @@ class OnTheRealServer(Company):
         fields = self.await_frame(lambda identifier, fields: identifier == JOINED and fields[2] == name.encode())
         self.players[name] = (fields[0], (float(fields[3]), float(fields[4])))
 
-    def test_each_sees_the_other_where_his_reports_put_him(self):
+    def test_each_sees_the_other_at_the_reported_position(self):
         self.expect_radar_dot(self.ann, self.players["Bob"][1], is_cyan, "Bob's dot on Ann's radar")
         self.expect_radar_dot(self.bob, self.players["Ann"][1], is_red, "Ann's dot on Bob's radar")
         node, start = self.players["Bob"]
@@ -114,7 +114,7 @@ class OnTheRealServer(Company):
         self.expect_line(self.ann, PUBLIC, "the line on Ann's screen")
         self.expect_line(self.bob, PUBLIC, "the line on Bob's screen")
 
-    def test_a_private_line_reaches_whom_it_should(self):
+    def test_a_private_line_reaches_its_addressee(self):
         # Bob is cyan, row 3 of the players' list.
         self.ann.window.click((11580 + 360) // 15 + 20, self.ann.menu + (60 + 300 + 3 * 540) // 15 + 8)
         self.ann.window.click(300, self.ann.menu + 9225 // 15 + 10)

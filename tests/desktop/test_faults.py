@@ -184,13 +184,13 @@ class ClientFaults(DesktopTest):
         self.expect_play(client)
         self.assertIsNone(client.process.poll())
 
-    def test_nobody_reads_what_it_says_and_files_may_not_grow(self):
+    def test_a_closed_terminal_and_a_file_size_limit(self):
         client = self.start_client()
         for sent in (signal.SIGPIPE, signal.SIGXFSZ):
             client.process.send_signal(sent)
         self.expect_play(client)
 
-    def test_two_at_once_keep_what_each_has_saved(self):
+    def test_two_at_once_keep_each_others_settings(self):
         server = self.scripted_server()
         ann = self.start_client()
         bob = self.start_client(config=ann.config)

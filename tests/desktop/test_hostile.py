@@ -475,7 +475,7 @@ class HostileTest(DesktopTest):
         self.assertLessEqual(opened, 1)
         self.assert_plays_on(client)
 
-    def test_login_in_a_colour_that_nobody_has_ends_the_program_with_its_box(self):
+    def test_login_in_an_unknown_colour_ends_the_program_with_its_box(self):
         client, line = self.log_in()
         line.send(LOGIN_ACCEPTED, 6, 7, 50000, 50000)
         self.assert_fault(client, "Subscript out of range")
@@ -487,7 +487,7 @@ class HostileTest(DesktopTest):
         self.assertEqual(client.process.wait(5), 1)
         self.assertEqual(client.output().strip(), f"kelvora: Run-time error: {what}")
 
-    def test_what_a_message_has_stored_ends_the_program_frames_later_with_its_box(self):
+    def test_stored_values_end_the_program_frames_later_with_its_box(self):
         kills = frame(PLAYER_JOINED, 8, 1, "Bob", 50000, 50000, 1, 32767)
         places = frame(POSITION, 8, 90000, 90000) + frame(POSITION, 8, 91000, 90000)
         charged = frame(POSITION, 7, 50011, "6E34") + frame(POSITION, 7, 50010, 50000)

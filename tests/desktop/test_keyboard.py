@@ -156,7 +156,7 @@ class Chat(Keyboard):
         self.layout("de")
         self.assertEqual(self.chat_typed(keys), (CHAT, [b"-1", b"^z@"]))
 
-    def test_chat_leaves_out_what_is_not_ascii(self):
+    def test_chat_drops_non_ascii(self):
         def keys():
             self.press(SEMICOLON, "a", EQUALS_PLACE, E, "b")
         self.layout("de")

@@ -72,7 +72,7 @@ class Small(DesktopTest):
         self.assert_inside(client.window)
         self.assert_inside(client.windows()["Connect"])
 
-    def test_the_game_is_played_in_what_there_is(self):
+    def test_plays_on_the_canvas_that_fits(self):
         client, line = self.log_in(self.small_client())
         pixel = (100, 60)
         client.mouse_to(*pixel)
@@ -213,7 +213,7 @@ class Scaled(DesktopTest):
                     self.assertAlmostEqual(place()[axis], expected[axis] * scale, delta=1.5 * scale)
                 client.close()
 
-    def test_clicks_meet_what_they_aim_at(self):
+    def test_clicks_hit_their_target(self):
         client = self.scaled_client(2)
         server = self.scripted_server()
         client.connect(server.port, name="Zoe", circle=4)

@@ -44,7 +44,7 @@ class TheMeter(unittest.TestCase):
         self.assertAlmostEqual(loudness.integrated(tone), -3.01, delta=0.1)
         self.assertAlmostEqual(loudness.integrated(np.array([tone, tone]) * 10 ** (-23 / 20)), -23, delta=0.1)
 
-    def test_leaves_out_what_is_ten_below_the_rest(self):
+    def test_ignores_passages_ten_below_the_rest(self):
         tone = 0.1 * np.sin(2 * np.pi * 997 * synth.seconds(10))
         alone = loudness.integrated(tone)
         with_quiet = loudness.integrated(np.concatenate([tone, 0.01 * tone]))
@@ -73,7 +73,7 @@ class Files(Measured):
                 self.assertGreaterEqual(len(samples) / RATE, shortest)
                 self.assertLessEqual(len(samples) / RATE, longest)
 
-    def test_are_what_the_program_makes(self):
+    def test_match_the_programs_output(self):
         # One step of 16 bits may differ where another version of the mathematics rounds otherwise.
         for name, samples in effects.all_effects():
             with self.subTest(name):

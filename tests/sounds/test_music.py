@@ -102,7 +102,7 @@ class Levels(Decoded):
 
 
 class Rounds(Decoded):
-    def test_step_at_the_join_is_none_that_clicks(self):
+    def test_loop_without_a_click(self):
         for name, samples in self.pieces.items():
             with self.subTest(name):
                 self.assertLess(np.max(np.abs(samples[:, 0] - samples[:, -1])), 0.01)
@@ -115,7 +115,7 @@ class Rounds(Decoded):
                 around = np.min(measures.levels(measures.joined(samples, 0.5), 0.02))
                 self.assertGreater(around, np.median(measures.levels(samples, 0.02)) - 15)
 
-    def test_begin_in_what_rings_on_from_their_end(self):
+    def test_begin_with_the_reverb_of_their_end(self):
         # Before the first stroke has been heard the room already answers.
         for name, samples in self.pieces.items():
             with self.subTest(name):
