@@ -35,7 +35,7 @@ class LabelWidget : public ControlWidget {
     const QFontMetrics metrics = painter.fontMetrics();
     const int aligned = horizontal(metrics, text, inside.size());
     if (inside.height() < 2 * metrics.lineSpacing()) {
-      // Centres a single line, odd pixels above it, as in the text boxes next to it.
+      // Centres a single line, with any odd pixel above it, as in the text boxes next to it.
       inside.setTop(inside.top() + (inside.height() - metrics.height() + 1) / 2);
     }
     // Headings and paragraphs start at the top.
