@@ -10,9 +10,11 @@ namespace kelvora::server {
 class ArenaOutput {
  public:
   virtual ~ArenaOutput() = default;
+  /// Sends one whole frame.
   virtual void send(ClientId client, const std::string& frame) = 0;
   /// Closes the connection after everything sent so far has gone out.
   virtual void hangUp(ClientId client) = 0;
+  /// Logs a line for the operator, without a line break.
   virtual void log(const std::string& line) = 0;
 };
 

@@ -22,6 +22,7 @@ class Inventory {
   void book(Entry entry, std::int64_t amount);
   /// The total booked under this entry.
   std::int64_t booked(Entry entry) const { return ledger_[static_cast<std::size_t>(entry)]; }
+  /// Powerups in stock, of one item or in total.
   int stock(int item) const;
   int totalStock() const;
 

@@ -29,7 +29,9 @@ class PendingCaptures {
 
   /// The vertex named by the winner's pending captures; null if there are none.
   const Spot* vertexOf(std::int16_t winner) const;
+  /// True if another winner's pending captures name this place.
   bool isNamedByAnother(std::int16_t winner, Vector place) const;
+  /// True if a pending capture has this winner or loser.
   bool involves(std::int16_t node) const;
   /// The earliest time for the loser's respawn; 0 if nothing is pending.
   Millis landsAt(std::int16_t loser) const;

@@ -16,6 +16,7 @@ class RoundClock {
   /// Time left in the round or intermission; 0 once it is over.
   Millis left() const { return left_; }
 
+  /// Advances the clock.
   void pass(Millis time) { left_ = std::max<Millis>(0, left_ - time); }
   /// Switches from the round to the intermission or back.
   void turnOver() {

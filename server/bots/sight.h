@@ -13,6 +13,7 @@ class Sight {
  public:
   static constexpr Millis step = 40;  ///< between two snapshots
 
+  /// Adds a snapshot. Call this every `step`.
   void add(std::vector<PlayerView> players, Millis now);
   void clear();
 
