@@ -33,11 +33,11 @@ void setChatText(const std::string& text) {
 void sendChat(const std::string& text) {
   if (text.empty()) return;
   if (text.front() == '~') return runConsoleCommand(text.substr(1));
-  // Quirk Q-076: a line of which nothing is left is sent all the same.
+  // Quirk Q-076: a line is sent even if the filter leaves nothing of it.
   std::string line = filterChatText(text);
   std::int16_t target = -1;
   if (chatMode == 1) {
-    // Quirk Q-077: for a partner who has gone this is node 0, whoever that is.
+    // Quirk Q-077: for a departed partner this is node 0.
     target = modMain::getServerNode(privateTargetIndex);
     line = privatePrefix + line;
   }
@@ -52,7 +52,7 @@ void receiveChat(std::int16_t node, const std::string& text) {
     if (index == -1) {
       lineType = 1;
     } else {
-      // Quirk Q-078: whoever writes in private becomes the partner, and the next line typed goes to him alone.
+      // Quirk Q-078: a private message makes its sender the partner, so the next line typed goes to them alone.
       privateTargetIndex = index;
       privateTargetName = name;
       setChatMode(1);
@@ -85,7 +85,7 @@ std::uint8_t getChatMode() { return chatMode; }
 
 void selectPrivateTarget(const std::string& name) {
   privateTargetName = name;
-  // Quirk Q-079: a name that no opponent has, the own one too, is shown as the partner while the lines go to the first
+  // Quirk Q-079: a name that no opponent has, even your own, is shown as the partner, but lines go to the first
   // opponent.
   privateTargetIndex = indexFromName(name);
   setChatMode(1);
@@ -97,15 +97,15 @@ void stepChatHistory(std::int16_t direction) {
   const auto entry = [&] { return history[static_cast<std::size_t>(position)]; };
   if (direction == -1) {
     position = static_cast<std::int16_t>(std::min(position + 1, 255));
-    // Quirk Q-080: the way back adds a blank to the line, the way forward does not.
+    // Quirk Q-080: going back appends a blank to the line, going forward doesn't.
     setChatText(entry() + " ");
   } else if (direction == 1) {
     if (position == 0) return setChatText("");
     --position;
     setChatText(entry());
   } else if (direction == 0) {
-    // Quirk Q-081: entry 0 is written in every round of this loop, so that entry 1 ends up with the new line as well
-    // and the line before it is lost. The position stays where it is.
+    // Quirk Q-081: every round of this loop writes entry 0, so entry 1 gets the new line as well, and the former entry
+    // 0 is lost. The position stays.
     for (std::size_t n = history.size() - 1; n >= 1; --n) {
       history[n] = history[n - 1];
       history[0] = frmMain->txtChat.Text;
@@ -132,7 +132,7 @@ void privateLabelMouseDown(int Button) {
   if (Button == 1) frmMain->lblPrivChat.BorderStyle = 1;
 }
 
-// Quirk Q-265: the left button alone presses the label, but letting go of any button changes the mode.
+// Quirk Q-265: only the left button presses the label, but releasing any button changes the mode.
 void privateLabelMouseUp() {
   frmMain->lblPrivChat.BorderStyle = 0;
   setChatMode(chatMode != 0 ? 0 : 1);

@@ -50,7 +50,8 @@ void latencyReport(Fields f) {
 }
 
 void storeDenied(Fields f) {
-  // Quirk Q-274: a refusal that comes after the window has closed is lost; a purchase has its line in the console.
+  // Quirk Q-274: a refusal that arrives after the window has closed is lost. A purchase still prints its line in the
+  // console.
   if (!frmPowerups.isVisible()) return;
   resumeNext([&] { frmPowerups->lblWinners.Caption = f.text(0); });
   constexpr std::int16_t errorSound = 2;

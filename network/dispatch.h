@@ -8,8 +8,8 @@
 
 namespace kelvora::netMan {
 
-/// The fields of one message, read by their numbers from 0. A field that is not there, and a number beyond the range
-/// that is asked for, is RuntimeFault. The text that they are cut from must outlive them.
+/// The fields of one message, by number from 0. RuntimeFault for a missing field, or a number out of the requested
+/// range. The text passed in must outlive this.
 class MessageFields {
  public:
   MessageFields() = default;
@@ -27,15 +27,15 @@ class MessageFields {
   std::vector<std::string_view> fields_;
 };
 
-/// What is done with a message.
+/// A message's id and handler.
 struct Route {
   std::int16_t id;
   void (*handle)(const MessageFields& fields);
 };
 
-/// Every message that the client understands.
+/// All messages that the client understands.
 std::span<const Route> routes();
-/// Null for an id that the client does not know.
+/// Null for an unknown id.
 const Route* findRoute(std::int16_t id);
 
 }  // namespace kelvora::netMan

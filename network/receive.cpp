@@ -7,20 +7,20 @@
 
 namespace kelvora::netMan {
 
-// Quirk Q-062: the queue outlives a connection. An entry that waits for its end gets it from the next server.
+// Quirk Q-062: the queue outlives a connection, so the next server can complete an unfinished entry.
 MessageQueue messageQueue;
 
 void receiveData(std::string_view data) {
-  // Quirk Q-063: what precedes a frame's end counts from the start of this read. A frame that two reads share loses the
-  // part ahead of the split, and the first byte behind it is taken for the id.
+  // Quirk Q-063: a frame's text counts from the start of this read. If two reads share a frame, the part before the
+  // split is lost, and the first byte after it is taken for the id.
   std::size_t textStart = 0;
   for (std::size_t i = 0; i < data.size(); ++i) {
     if (data[i] == wire::frameStart) {
       messageQueue.startEntry();
       textStart = i + 1;
     } else if (data[i] == wire::frameEnd) {
-      // Quirk Q-064: the text collected is not emptied at a frame's end, so that a second end byte without a start adds
-      // the whole frame to its entry once more.
+      // Quirk Q-064: a frame's end doesn't clear the collected text, so a second end byte appends the whole frame
+      // again.
       messageQueue.append(data.substr(textStart, i + 1 - textStart));
     }
   }
@@ -38,8 +38,8 @@ void processMessages() {
       fields = MessageFields(std::string_view(taken->text).substr(1));
     }
     if (const Route* route = findRoute(id)) resumeNext([&] { route->handle(fields); });
-    // Quirk Q-066: the number is the one of before the handler. If messages were handled meanwhile, under a message
-    // box, another entry may stand there now and is lost.
+    // Quirk Q-066: uses the number from before the handler. If messages were handled meanwhile, under a message box,
+    // another entry may have it now and is lost.
     messageQueue.removeMessage(taken->index);
   }
 }

@@ -41,8 +41,8 @@ const std::string& colourName(std::int16_t colour) {
   return modMain::world.colourNames[static_cast<std::size_t>(colour)];
 }
 
-// Quirk Q-228: his tail stays as it is. It ages while it is painted, and who has gone is not painted. Once there are
-// half as many vertices as there can be, he takes his with him, so that the living never want for theirs.
+// Quirk Q-228: the tail stays as it is. Tails age when they are painted, and departed players are not. Beyond half of
+// the maximum number of vertices it is freed, so that present players never run out.
 void letGo(clsPlayer& player) {
   player.isConnected = false;
   if (clsTail::count() > modMain::maxTailVertices / 2) player.tails.clear();
@@ -68,19 +68,19 @@ void connectToServer(const std::string& name, const std::string& address, std::i
   serverPassword = password;
   preferredColour = colour;
   Winsock& sock = gameSocket();
-  // Quirk Q-240: closing here ends the socket and not the session: the old opponents stay connected. One whose node the
-  // new server gives to somebody else is found before the newcomer, and gets his messages.
+  // Quirk Q-240: closes the socket but not the session, so the old opponents stay connected. If the new server reuses
+  // one's node, the old opponent is found first and gets the newcomer's messages.
   if (sock.State() > sckClosed) sock.Close();
   sock.RemoteHost = address;
   sock.RemotePort = port;
   if (sock.State() != sckClosed) sock.Close();
   sock.Connect();
-  // Quirk Q-069: the menu speaks of a connection before there is one, and a failure does not change it back.
+  // Quirk Q-069: the menu claims a connection before there is one, and a failure doesn't change it back.
   frmMain->mnuFileConnect.Enabled = false;
   frmMain->mnuFileDisconnect.Enabled = true;
 }
 
-// The world's part leaves the opponents' names on the panel; the title empties all six, so that none is left behind.
+// resetConnectionState leaves the opponents' names on the panel. Showing the title clears all six.
 void disconnectFromServer() {
   resumeNext([] {
     if (gameSocket().State() > sckClosed) gameSocket().Close();
@@ -105,10 +105,10 @@ void requestSpawn() {
 void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y) {
   world.localPlayer.init(colour, -1, node, name);
   world.localPlayer.queuePosition({x, y});
-  // Quirk Q-071: init has made the field already, round the old position. This is the second one.
+  // Quirk Q-071: init has already created the field around the old position. This is the second one.
   modMain::createParticleField();
   world.localPlayer.isConnected = true;
-  // Quirk Q-072: a colour that has no name ends the login here, and the next frame, without a sheet for the ball, the
+  // Quirk Q-072: a colour without a name ends the login here. The next frame, without a sheet for the ball, ends the
   // program.
   printChat("Login accepted, " + name + " you are assigned the color " + colourName(colour), 3);
   modMain::showCentreMessage("Capture your opponents in a loop of your tail");
@@ -123,21 +123,21 @@ void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::str
 void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::string& name, float x, float y,
                          std::int16_t alive, std::int16_t kills) {
   modMain::keepName(name);
-  // A join that failed half way has left a slot that does not count; it is made anew.
+  // A join that failed halfway has left a slot that doesn't count. It is created again.
   world.opponents.resize(static_cast<std::size_t>(world.opponentCount));
   clsPlayer& newcomer = world.opponents.emplace_back();
   newcomer.init(colour, world.opponentCount, node, name);
   newcomer.queuePosition({x, y});
   newcomer.setAlive(alive == 1);
   newcomer.setKills(kills);
-  // Quirk Q-073: a newcomer always takes the next new slot. Those of players who left stay unused for good.
+  // Quirk Q-073: a newcomer always gets a new slot. Those of departed players are never reused.
   world.opponentCount = toInt16(world.opponentCount + 1.0);
   if (hasPlayerRow(colour)) frmMain->lbUserName[colour].Caption = name;
   printChat("The player " + name + " has joined as " + colourName(colour), 3);
 }
 
 void receivePlayerLeft(std::int16_t node) {
-  // Quirk Q-074: a node that is nobody's is taken for the first opponent, who then counts as gone.
+  // Quirk Q-074: an unknown node is taken for the first opponent, who then counts as departed.
   const std::int16_t index = modMain::getPlayerIndex(node);
   if (index < 0 || index >= world.opponentCount) return;
   clsPlayer& player = modMain::playerAt(index);
@@ -151,7 +151,7 @@ void receivePlayerLeft(std::int16_t node) {
 }
 
 void receiveRoundOver(const std::string& text) {
-  // Quirk Q-206: who stands in the store when the round ends never hears of it: he lives on, and no text is kept.
+  // Quirk Q-206: a player with an open store never hears of the end of the round. They stay alive, and no text is kept.
   if (frmPowerups.isVisible()) return;
   world.localPlayer.setAlive(false);
   for (std::int16_t i = 0; i < world.opponentCount; ++i) modMain::playerAt(i).setAlive(false);
@@ -165,7 +165,7 @@ void receiveRoundOver(const std::string& text) {
 void modMain::resetConnectionState() {
   world.localPlayer.isConnected = false;
   for (std::int16_t i = 0; i < world.opponentCount; ++i) netMan::letGo(playerAt(i));
-  // A server may have given a colour that has no label; the dialog is offered all the same.
+  // A server may have assigned a colour that has no label. The dialog opens anyway.
   resumeNext([] {
     Label& label = frmMain->lbUserName[world.localPlayer.colour];
     label.BackColor = black;
