@@ -133,8 +133,8 @@ class PaintTime : public FrameClock {
 // The border has 4 lines, the icons 12 copies and the pointer 2. The end of the measurement is a reading of its own.
 TEST_F(PaintTime, CountsBorderIconsAndPointerInAnEmptyWorld) { EXPECT_EQ(paintAndMeasure(), 1'014'004); }
 
-// In addition: a star's circle; a ball of the server's with 2 copies; an opponent with 2 for his dot, 2 for his ball
-// and a reading for his tail's ageing; the local player with the same, the 2 lines of the crosshair and 6 stock
+// In addition: a star's circle; a server's ball with 2 copies; an opponent with 2 for the dot, 2 for the ball
+// and a reading for the tail's ageing; the local player with the same, the 2 lines of the crosshair and 6 stock
 // numbers.
 TEST_F(PaintTime, CountsTheWholeWorldAndNeitherClearingTextsNorShowing) {
   placeLocal().addTail({51000, 50000});

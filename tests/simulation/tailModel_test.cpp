@@ -192,7 +192,7 @@ TEST_F(TailModel, ThousandsOfLivesGoAsInTheLiteralTail) {
   EXPECT_GT(ended, 5'000) << "many vertices have come to their end";
 }
 
-/// An opponent's way through his queue: arrays that are rebuilt entry by entry.
+/// An opponent's way through the position queue, in arrays that are rebuilt entry by entry.
 class LiteralOpponent {
  public:
   void queuePosition(Vector p) {
