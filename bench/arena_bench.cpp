@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
 #include "server/bots/botKeeper.h"
@@ -39,7 +40,7 @@ std::string text(std::int16_t id, const std::vector<std::string>& fields) {
 
 void login(Arena& arena, ClientId client, Millis now) {
   arena.connected(client, now);
-  arena.received(client, text(wire::msgLogin, {"P" + std::to_string(client), "", "0", "1.2.1"}), now);
+  arena.received(client, text(wire::msgLogin, {"P" + std::to_string(client), "", "0", KELVORA_VERSION}), now);
 }
 
 /// An endless round, because a capture or its end would change the measurement.
@@ -58,7 +59,7 @@ std::string reportOf(double x, double y) {
 /// steps.
 void report(benchmark::State& state) {
   Output output;
-  Arena arena(output, "1.2.1", "", 1, endlessRound());
+  Arena arena(output, KELVORA_VERSION, "", 1, endlessRound());
   const auto opponents = static_cast<ClientId>(state.range(1));
   Millis now = 1'000;
   for (ClientId client = 1; client <= opponents + 1; ++client) login(arena, client, now);
@@ -93,8 +94,8 @@ BENCHMARK(report)->ArgNames({"tail", "opponents"})->ArgsProduct({{50}, {0, 1, 5}
 /// 40 ms of an arena with one idle person and `range(0)` bots.
 void tick(benchmark::State& state) {
   Output output;
-  Arena arena(output, "1.2.1", "", 1);
-  BotKeeper keeper(arena, {.count = static_cast<int>(state.range(0))}, "", "1.2.1", 1);
+  Arena arena(output, KELVORA_VERSION, "", 1);
+  BotKeeper keeper(arena, {.count = static_cast<int>(state.range(0))}, "", KELVORA_VERSION, 1);
   output.keeper = &keeper;
   Millis now = 1'000;
   login(arena, 1, now);

@@ -21,7 +21,7 @@ std::string versionAt(const std::string& text, std::size_t position) {
   // last digit of its version.
   do {
     c = position < text.size() ? text[position] : '\0';
-    // Quirk Q-171: skips anything but digits and points: " 1.2.1b" is "1.2.1".
+    // Quirk Q-171: skips anything but digits and points: " 9.8.7b" is "9.8.7".
     if (('0' <= c && c <= '9') || c == '.') version += c;
     ++position;
   } while (c != '\n' && c != '\r' && position + 1 < text.size());

@@ -90,7 +90,7 @@ void SaveSetting(const std::string& section, const std::string& key, const std::
 /// The web host that serves the game list and the update file: "host" or "host:port".
 std::string webHost();
 
-/// The program's version, such as 1.2.1, in three numbers.
+/// The program's version in three numbers.
 struct AppVersion {
   int major;
   int minor;

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# tools/release.sh VERSION: sets the version, such as 1.3.0. docs/releasing.md has the other steps.
+# tools/release.sh VERSION: sets the version, such as 9.8.7. docs/releasing.md has the other steps.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/setup.sh
 source tools/setup.sh
 
 version=${1:-}
-[[ $version =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || fail "Usage: tools/release.sh VERSION, three numbers such as 1.3.0"
+[[ $version =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || fail "Usage: tools/release.sh VERSION, three numbers such as 9.8.7"
 now=$(sed -n 's/^project(kelvora VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
 if [ "$version" = "$now" ] || [ "$(printf '%s\n' "$now" "$version" | sort -V | tail -n 1)" = "$now" ]; then
   fail "$version is not newer than the current version, $now."

@@ -38,7 +38,7 @@ struct Options {
 Outcome parseOptions(std::span<const char* const> arguments, Options& options);
 
 std::string helpText();
-/// "1.2.1"
+/// Of this build: three numbers joined by points.
 std::string versionText();
 
 }  // namespace kelvora::server

@@ -19,7 +19,7 @@ struct Announcement {
   HostEntry host;
 };
 
-/// The announcement as a request's query: "version=1.2.1&address=...&port=2010&password=0&notes=...&players=1&max=6".
+/// The announcement as a request's query: "version=9.8.7&address=...&port=2010&password=0&notes=...&players=1&max=6".
 std::string announcementQuery(const Announcement& announcement);
 
 /// Parses the values of such a query. Refuses it, naming the invalid value, if a text is too long or would break a

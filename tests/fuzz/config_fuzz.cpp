@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "generated/version.h"
 #include "server/config/configFile.h"
 #include "server/config/options.h"
 #include "server/lists/announcement.h"
@@ -47,13 +48,13 @@ void commandLine(Input input) {
 void announcements(Input input) {
   HostRegistry registry;
   Millis now = 0;
-  HostQuery query{.version = "1.2.1"};
+  HostQuery query{.version = KELVORA_VERSION};
   while (!input.isEmpty()) {
     const std::uint8_t flags = input.byte();
     Announcement announcement;
     const Outcome outcome = readAnnouncement(
         [&](std::string_view name) {
-          if (name == "version" && (flags & 1) != 0) return std::string("1.2.1");
+          if (name == "version" && (flags & 1) != 0) return std::string(KELVORA_VERSION);
           return std::string(input.upTo('\n'));
         },
         announcement);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
 #include "server/bots/bot.h"
@@ -41,14 +42,14 @@ struct Account {
 /// Six bots of all levels in an arena, which takes them for people, so that its clock runs.
 class BotMatch : private server::ArenaOutput {
  public:
-  BotMatch(unsigned seed, bool records) : isRecording_(records), arena_(*this, "1.2.1", "", seed) {
+  BotMatch(unsigned seed, bool records) : isRecording_(records), arena_(*this, KELVORA_VERSION, "", seed) {
     constexpr std::array levels = {SkillLevel::easy, SkillLevel::normal, SkillLevel::hard};
     for (ClientId client = 1; client <= botCount; ++client) {
       bots_.emplace_back("Bot" + std::to_string(client), levels[client % 3], seed * 10 + client);
     }
     for (ClientId client = 1; client <= botCount; ++client) {
       arena_.connected(client, now_);
-      arena_.received(client, bots_[client - 1].login("", 0, "1.2.1"), now_);
+      arena_.received(client, bots_[client - 1].login("", 0, KELVORA_VERSION), now_);
     }
   }
 

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "base/text.h"
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
 #include "tests/match/replay.h"
@@ -38,7 +39,8 @@ struct Fighter {
 
 class Melee : private server::ArenaOutput {
  public:
-  Melee(unsigned seed, const server::ArenaRules& rules) : random_(seed), arena_(*this, "1.2.1", "", seed, rules) {}
+  Melee(unsigned seed, const server::ArenaRules& rules)
+      : random_(seed), arena_(*this, KELVORA_VERSION, "", seed, rules) {}
 
   Recording recording;
   int captures = 0;
@@ -52,7 +54,7 @@ class Melee : private server::ArenaOutput {
   void join() {
     const ClientId client = ++lastClient_;
     arena_.connected(client, now_);
-    say(client, wire::msgLogin, {"P" + std::to_string(client), "", "0", "1.2.1"});
+    say(client, wire::msgLogin, {"P" + std::to_string(client), "", "0", KELVORA_VERSION});
     fighters_.push_back({.client = client});
   }
   /// Prefers a dead player, because a capture of a living one may be pending. The first two stay, because clients take

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "generated/version.h"
 #include "tests/project/tree.h"
 
 namespace {
@@ -62,6 +63,17 @@ TEST(Hygiene, HeadersAreIncludedOnce) {
 TEST(Hygiene, NoPathOfOneMachineIsWrittenDown) {
   const std::regex home(R"(/(home|Users|root|work)/[A-Za-z])");
   for (const auto& file : texts()) EXPECT_EQ(lineOf(file, home), 0) << file.path;
+}
+
+TEST(Hygiene, TheVersionStandsInOnePlaceAndInItsHistory) {
+  const std::regex version("(^|[^0-9.])" + std::regex_replace(KELVORA_VERSION, std::regex(R"(\.)"), R"(\.)") +
+                           "(?![0-9]|\\.[0-9])");
+  std::set<std::string> found;
+  for (const auto& file : texts()) {
+    if (lineOf(file, version) != 0) found.insert(file.path);
+  }
+  found.erase("CHANGELOG.md");  // a version is released under its own heading
+  EXPECT_EQ(found, std::set<std::string>{"CMakeLists.txt"});
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "generated/version.h"
+
 namespace kelvora::wire {
 namespace {
 
@@ -57,12 +59,10 @@ TEST_F(FrameReaderTest, ALoginKeepsTheStartsThatSomebodyTyped) {
   EXPECT_TRUE(
       read("\x80\x87"
            "A\x80\x82\x82"
-           "2\x82"
-           "1.2.1\x81\x80\x98\x81"));
+           "2\x82" KELVORA_VERSION "\x81\x80\x98\x81"));
   EXPECT_EQ(texts, (Texts{"\x87"
                           "A\x80\x82\x82"
-                          "2\x82"
-                          "1.2.1",
+                          "2\x82" KELVORA_VERSION,
                           "\x98"}));
   EXPECT_FALSE(read("\x80\x80")) << "no login yet";
 }

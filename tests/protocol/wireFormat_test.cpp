@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "generated/version.h"
+
 namespace kelvora {
 namespace {
 
@@ -13,11 +15,10 @@ using Texts = std::vector<std::string_view>;
 TEST(WireFormat, SpawnRequestIsThreeBytes) { EXPECT_EQ(wire::buildFrame(wire::msgSpawnRequest, {""}), "\x80\x98\x81"); }
 
 TEST(WireFormat, LoginHasItsFieldsBetweenSeparators) {
-  EXPECT_EQ(wire::buildFrame(wire::msgLogin, {"Ann", "", "2", "1.2.1"}),
+  EXPECT_EQ(wire::buildFrame(wire::msgLogin, {"Ann", "", "2", KELVORA_VERSION}),
             "\x80\x87"
             "Ann\x82\x82"
-            "2\x82"
-            "1.2.1\x81");
+            "2\x82" KELVORA_VERSION "\x81");
 }
 
 TEST(WireFormat, Q060NoDelimiterIsEscaped) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
 #include "tests/server/arena/recorder.h"
@@ -30,9 +31,9 @@ class ArenaTest : public testing::Test, protected Recorder {
 
   Millis now = 5'000;
   Arena arena;
-  Arena locked{*this, "1.2.1", "sesame", 1};
+  Arena locked{*this, KELVORA_VERSION, "sesame", 1};
 
-  explicit ArenaTest(const ArenaRules& rules = quietRules) : arena(*this, "1.2.1", "", 1, rules) {}
+  explicit ArenaTest(const ArenaRules& rules = quietRules) : arena(*this, KELVORA_VERSION, "", 1, rules) {}
 
   void say(ClientId client, std::int16_t id, const Fields& fields) {
     const std::string frame = wire::buildFrame(id, fields);
@@ -42,7 +43,7 @@ class ArenaTest : public testing::Test, protected Recorder {
   std::int16_t login(ClientId client, const std::string& name, const std::string& colour = "0") {
     got.clear();
     arena.connected(client, now);
-    say(client, wire::msgLogin, {name, "", colour, "1.2.1"});
+    say(client, wire::msgLogin, {name, "", colour, KELVORA_VERSION});
     const std::int16_t node = static_cast<std::int16_t>(std::stoi(got[client].at(0).fields.at(1)));
     got.clear();
     return node;

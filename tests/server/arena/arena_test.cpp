@@ -5,7 +5,7 @@ namespace {
 
 TEST_F(ArenaTest, ALoginIsAcceptedWithColourNodeAndPlace) {
   arena.connected(ann, now);
-  say(ann, wire::msgLogin, {"Ann", "whatever", "4", "1.2.1"});
+  say(ann, wire::msgLogin, {"Ann", "whatever", "4", KELVORA_VERSION});
   ASSERT_EQ(got[ann].size(), 2U);
   const Message& accepted = got[ann][0];
   EXPECT_EQ(accepted.id, wire::msgLoginAccepted);
@@ -25,7 +25,7 @@ TEST_F(ArenaTest, NewcomersAndPlayersLearnOfEachOther) {
   say(ann, wire::msgPositionReport, {"123.5", "1.5E+04"});
   got.clear();
   arena.connected(bob, now);
-  say(bob, wire::msgLogin, {"Bob", "", "2", "1.2.1"});
+  say(bob, wire::msgLogin, {"Bob", "", "2", KELVORA_VERSION});
   ASSERT_EQ(got[bob].size(), 4U);
   EXPECT_EQ(got[bob][0].id, wire::msgLoginAccepted);
   EXPECT_EQ(got[bob][1], (Message{wire::msgPlayerJoined, {"1", "0", "Ann", "123.5", "1.5E+04", "1", "0"}}));
@@ -40,7 +40,7 @@ TEST_F(ArenaTest, ATakenColourIsReplacedByAFreeOne) {
   login(ann, "Ann", "1");
   login(bob, "Bob", "0");
   arena.connected(cat, now);
-  say(cat, wire::msgLogin, {"Cat", "", "1", "1.2.1"});
+  say(cat, wire::msgLogin, {"Cat", "", "1", KELVORA_VERSION});
   EXPECT_EQ(got[cat].at(0).fields.at(0), "2");
 }
 
@@ -48,7 +48,7 @@ TEST_F(ArenaTest, AnInvalidColourIsReplacedToo) {
   for (const char* colour : {"-1", "6", "red", ""}) {
     const ClientId client = 10;
     arena.connected(client, now);
-    say(client, wire::msgLogin, {"Ann", "", colour, "1.2.1"});
+    say(client, wire::msgLogin, {"Ann", "", colour, KELVORA_VERSION});
     EXPECT_EQ(got[client].at(0).fields.at(0), "0") << colour;
     arena.disconnected(client);
     got.clear();
@@ -62,43 +62,43 @@ TEST_F(ArenaTest, NodesAreNotGivenTwiceInARow) {
 }
 
 TEST_F(ArenaTest, RefusesWithAReason) {
-  EXPECT_NE(refusal(arena, {"Ann", "", "0", "1.2.0"}).find("1.2.1"), std::string::npos);
+  EXPECT_NE(refusal(arena, {"Ann", "", "0", "1.2.0"}).find(KELVORA_VERSION), std::string::npos);
   EXPECT_NE(refusal(arena, {"Ann", "", "0", ""}).find("version"), std::string::npos);
   EXPECT_NE(refusal(arena, {"Ann", ""}).find("not readable"), std::string::npos);
-  EXPECT_NE(refusal(arena, {"", "", "0", "1.2.1"}).find("name"), std::string::npos);
-  EXPECT_NE(refusal(arena, {"   ", "", "0", "1.2.1"}).find("name"), std::string::npos);
-  EXPECT_NE(refusal(arena, {std::string(33, 'a'), "", "0", "1.2.1"}).find("longer than 32"), std::string::npos);
-  EXPECT_NE(refusal(arena, {"A\nnn", "", "0", "1.2.1"}).find("control"), std::string::npos);
-  EXPECT_NE(refusal(arena, {"A\x7Fnn", "", "0", "1.2.1"}).find("control"), std::string::npos);
-  EXPECT_NE(refusal(arena, {"A\x9Dnn", "", "0", "1.2.1"}).find("control"), std::string::npos) << "no letter";
-  EXPECT_NE(refusal(arena, {"A\x80nn", "", "0", "1.2.1"}).find("euro sign"), std::string::npos);
-  EXPECT_NE(refusal(locked, {"Ann", "sesame\x80", "0", "1.2.1"}).find("euro sign"), std::string::npos);
-  EXPECT_NE(refusal(locked, {"Ann", "Sesame", "0", "1.2.1"}).find("password"), std::string::npos);
+  EXPECT_NE(refusal(arena, {"", "", "0", KELVORA_VERSION}).find("name"), std::string::npos);
+  EXPECT_NE(refusal(arena, {"   ", "", "0", KELVORA_VERSION}).find("name"), std::string::npos);
+  EXPECT_NE(refusal(arena, {std::string(33, 'a'), "", "0", KELVORA_VERSION}).find("longer than 32"), std::string::npos);
+  EXPECT_NE(refusal(arena, {"A\nnn", "", "0", KELVORA_VERSION}).find("control"), std::string::npos);
+  EXPECT_NE(refusal(arena, {"A\x7Fnn", "", "0", KELVORA_VERSION}).find("control"), std::string::npos);
+  EXPECT_NE(refusal(arena, {"A\x9Dnn", "", "0", KELVORA_VERSION}).find("control"), std::string::npos) << "no letter";
+  EXPECT_NE(refusal(arena, {"A\x80nn", "", "0", KELVORA_VERSION}).find("euro sign"), std::string::npos);
+  EXPECT_NE(refusal(locked, {"Ann", "sesame\x80", "0", KELVORA_VERSION}).find("euro sign"), std::string::npos);
+  EXPECT_NE(refusal(locked, {"Ann", "Sesame", "0", KELVORA_VERSION}).find("password"), std::string::npos);
   EXPECT_EQ(arena.playerCount(), 0U);
 }
 
 TEST_F(ArenaTest, AdmitsAtTheLimits) {
-  EXPECT_EQ(refusal(arena, {std::string(32, 'a'), "", "0", "1.2.1"}), "");
-  EXPECT_EQ(refusal(locked, {"\xC4nn \x83\x8A\x9F\xFF", "sesame", "0", "1.2.1"}), "");
+  EXPECT_EQ(refusal(arena, {std::string(32, 'a'), "", "0", KELVORA_VERSION}), "");
+  EXPECT_EQ(refusal(locked, {"\xC4nn \x83\x8A\x9F\xFF", "sesame", "0", KELVORA_VERSION}), "");
 }
 
 TEST_F(ArenaTest, SixFillTheArena) {
   std::set<std::string> colours;
   for (ClientId client = 1; client <= 6; ++client) {
     arena.connected(client, now);
-    say(client, wire::msgLogin, {"P", "", "3", "1.2.1"});
+    say(client, wire::msgLogin, {"P", "", "3", KELVORA_VERSION});
     colours.insert(got[client].at(0).fields.at(0));
   }
   EXPECT_EQ(colours, (std::set<std::string>{"0", "1", "2", "3", "4", "5"}));
-  EXPECT_NE(refusal(arena, {"Ann", "", "0", "1.2.1"}).find("full"), std::string::npos);
+  EXPECT_NE(refusal(arena, {"Ann", "", "0", KELVORA_VERSION}).find("full"), std::string::npos);
   arena.disconnected(4);
-  EXPECT_EQ(refusal(arena, {"Ann", "", "0", "1.2.1"}), "");
+  EXPECT_EQ(refusal(arena, {"Ann", "", "0", KELVORA_VERSION}), "");
 }
 
 TEST_F(ArenaTest, ARefusedClientIsHeardNoMore) {
-  refusal(arena, {"", "", "0", "1.2.1"});
+  refusal(arena, {"", "", "0", KELVORA_VERSION});
   got.clear();
-  say(99, wire::msgLogin, {"Ann", "", "0", "1.2.1"});
+  say(99, wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION});
   EXPECT_TRUE(got.empty());
 }
 
@@ -109,7 +109,7 @@ TEST_F(ArenaTest, NothingCountsBeforeTheLoginAndNoSecondLoginAfterIt) {
   say(bob, wire::msgPositionReport, {"1", "2"});
   say(bob, wire::msgSpawnRequest, {""});
   EXPECT_TRUE(got.empty());
-  say(ann, wire::msgLogin, {"Ann2", "", "0", "1.2.1"});
+  say(ann, wire::msgLogin, {"Ann2", "", "0", KELVORA_VERSION});
   EXPECT_TRUE(got.empty());
 }
 
@@ -260,7 +260,7 @@ TEST_F(ArenaTest, NewcomersLearnWhoIsDeadAndOfTheKills) {
   login(cat, "Cat");
   capture(cat, ann);
   arena.connected(bob, now);
-  say(bob, wire::msgLogin, {"Bob", "", "2", "1.2.1"});
+  say(bob, wire::msgLogin, {"Bob", "", "2", KELVORA_VERSION});
   const auto joined = all(bob, wire::msgPlayerJoined);
   ASSERT_EQ(joined.size(), 2U);
   EXPECT_EQ(joined[0].at(5), "0");

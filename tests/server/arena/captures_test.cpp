@@ -314,7 +314,7 @@ TEST_F(CapturesTest, LingeringPlayersKeepColourAndNodeAndAreShownToNewcomers) {
   arena.disconnected(bob);
   got.clear();
   arena.connected(5, now);
-  say(5, wire::msgLogin, {"Eve", "", "1", "1.2.1"});
+  say(5, wire::msgLogin, {"Eve", "", "1", KELVORA_VERSION});
   pass(1);
   EXPECT_TRUE(got[5].empty()) << "the colour that she wants is about to be free";
   pass(2'999);
@@ -325,7 +325,7 @@ TEST_F(CapturesTest, LingeringPlayersKeepColourAndNodeAndAreShownToNewcomers) {
   arena.disconnected(cat);
   got.clear();
   arena.connected(6, now);
-  say(6, wire::msgLogin, {"Flo", "", "5", "1.2.1"});
+  say(6, wire::msgLogin, {"Flo", "", "5", KELVORA_VERSION});
   const auto joined = all(6, wire::msgPlayerJoined);
   ASSERT_EQ(joined.size(), 4U);
   EXPECT_EQ(joined.at(0).at(2), "Cat");
@@ -342,7 +342,7 @@ TEST_F(CapturesTest, AFullArenaWaitsForLingeringPlayers) {
   arena.disconnected(bob);
   got.clear();
   arena.connected(7, now);
-  say(7, wire::msgLogin, {"Guy", "", "0", "1.2.1"});
+  say(7, wire::msgLogin, {"Guy", "", "0", KELVORA_VERSION});
   pass(2'999);
   EXPECT_TRUE(got[7].empty());
   pass(1);

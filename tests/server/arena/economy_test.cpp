@@ -118,7 +118,7 @@ TEST_F(EconomyTest, ReturningPlayersBeginAnew) {
   arena.disconnected(ann);
   arena.connected(ann, now);
   got.clear();
-  say(ann, wire::msgLogin, {"Ann", "", "0", "1.2.1"});
+  say(ann, wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION});
   EXPECT_EQ(got[ann].back(), (Message{wire::msgFunds, {"3", "10"}}));
   got.clear();
   EXPECT_EQ(sell("5").id, wire::msgSellDenied);

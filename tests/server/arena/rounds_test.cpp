@@ -163,7 +163,7 @@ TEST_F(RoundsTest, ANewcomerOfAnIntermissionIsDeadAndKnowsWhenItEnds) {
   arena.disconnected(cat);
   got.clear();
   arena.connected(4, now);
-  say(4, wire::msgLogin, {"Dan", "", "3", "1.2.1"});
+  say(4, wire::msgLogin, {"Dan", "", "3", KELVORA_VERSION});
   std::vector<int> ids;
   for (const Message& message : got[4]) ids.push_back(message.id);
   EXPECT_EQ(ids, (std::vector<int>{wire::msgLoginAccepted, wire::msgPlayerJoined, wire::msgFunds, wire::msgPlayerJoined,

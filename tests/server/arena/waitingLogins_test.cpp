@@ -9,7 +9,7 @@ class WaitingLogins : public ArenaTest {
  protected:
   void ask(ClientId client, const std::string& colour) {
     arena.connected(client, now);
-    say(client, wire::msgLogin, {"Ann", "", colour, "1.2.1"});
+    say(client, wire::msgLogin, {"Ann", "", colour, KELVORA_VERSION});
   }
   bool isIn(ClientId client) {
     return std::ranges::any_of(got[client],
@@ -70,7 +70,7 @@ TEST_F(WaitingLogins, InAFullArenaTheWishedColoursBotGoes) {
 
 TEST_F(WaitingLogins, AnArenaFullOfPeopleIsFull) {
   for (ClientId i = 1; i <= 6; ++i) login(i, "Bob", "0");
-  EXPECT_EQ(refusal(arena, {"Ann", "", "0", "1.2.1"}), "The arena is full.");
+  EXPECT_EQ(refusal(arena, {"Ann", "", "0", KELVORA_VERSION}), "The arena is full.");
 }
 
 TEST_F(WaitingLogins, ABotDisplacesNobody) {
@@ -93,7 +93,7 @@ TEST_F(WaitingLogins, HangingUpEndsTheWait) {
 TEST_F(WaitingLogins, ASecondLoginMeanwhileIsIgnored) {
   login(firstBotClient, "Bot", "3");
   ask(ann, "3");
-  say(ann, wire::msgLogin, {"Eve", "", "5", "1.2.1"});
+  say(ann, wire::msgLogin, {"Eve", "", "5", KELVORA_VERSION});
   EXPECT_FALSE(isIn(ann));
   EXPECT_EQ(arena.playerCount(), 1U);
 }

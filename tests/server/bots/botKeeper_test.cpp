@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 
 namespace kelvora::server {
@@ -19,13 +20,13 @@ class BotKeeperTest : public testing::Test, private ArenaOutput {
   static constexpr ClientId bob = 2;
 
   void keep(int count, SkillLevel skill = SkillLevel::mixed, const std::string& password = "") {
-    arena.emplace(static_cast<ArenaOutput&>(*this), "1.2.1", password, 1);
-    keeper.emplace(*arena, BotWishes{count, skill}, password, "1.2.1", 1);
+    arena.emplace(static_cast<ArenaOutput&>(*this), KELVORA_VERSION, password, 1);
+    keeper.emplace(*arena, BotWishes{count, skill}, password, KELVORA_VERSION, 1);
   }
   void ask(ClientId client, const std::string& colour, const std::string& name = "Ann",
            const std::string& password = "") {
     arena->connected(client, now);
-    const std::string frame = wire::buildFrame(wire::msgLogin, {name, password, colour, "1.2.1"});
+    const std::string frame = wire::buildFrame(wire::msgLogin, {name, password, colour, KELVORA_VERSION});
     arena->received(client, frame.substr(1, frame.size() - 2), now);
   }
   void pass(Millis time) {

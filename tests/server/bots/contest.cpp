@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 
 namespace kelvora::server {
@@ -55,7 +56,8 @@ class Contest::Person {
   Millis wakesAt_ = 0;
 };
 
-Contest::Contest(std::uint32_t seed, const ArenaRules& rules) : seed_(seed), arena_(*this, "1.2.1", "", seed, rules) {}
+Contest::Contest(std::uint32_t seed, const ArenaRules& rules)
+    : seed_(seed), arena_(*this, KELVORA_VERSION, "", seed, rules) {}
 
 Contest::~Contest() = default;
 
@@ -70,14 +72,14 @@ int Contest::join(Seat seat, const std::string& login) {
 int Contest::addBot(SkillLevel level) {
   const auto number = static_cast<std::uint32_t>(seats_.size()) + 1;
   Seat seat{std::make_unique<Bot>("Bot" + std::to_string(number), level, seed_ * 100 + number), nullptr};
-  const std::string login = seat.bot->login("", 0, "1.2.1");
+  const std::string login = seat.bot->login("", 0, KELVORA_VERSION);
   return join(std::move(seat), login);
 }
 
 int Contest::addBeginner() {
   const auto number = static_cast<std::uint32_t>(seats_.size()) + 1;
   return join({nullptr, std::make_unique<Person>(seed_ * 100 + number)},
-              text(wire::msgLogin, {"Beginner", "", "0", "1.2.1"}));
+              text(wire::msgLogin, {"Beginner", "", "0", KELVORA_VERSION}));
 }
 
 void Contest::pass(Millis time) {

@@ -4,6 +4,8 @@
 
 #include <array>
 
+#include "generated/version.h"
+
 namespace kelvora::server {
 namespace {
 
@@ -29,19 +31,20 @@ TEST(HostList, TextsCannotBreakTheRecordOrTheList) {
 }
 
 TEST(HostList, EndsWithTheEndMarkWhetherOrNotThereIsARecord) {
-  EXPECT_EQ(hostList(host(false, 3), "1.2.1", {.version = "1.2.1"}), "[192.0.2.7|2010|0|friendly game|3|6]-END-\n");
-  EXPECT_EQ(hostList(host(false, 3), "1.2.1", {.version = "1.2.0"}), "-END-\n");
+  EXPECT_EQ(hostList(host(false, 3), KELVORA_VERSION, {.version = KELVORA_VERSION}),
+            "[192.0.2.7|2010|0|friendly game|3|6]-END-\n");
+  EXPECT_EQ(hostList(host(false, 3), KELVORA_VERSION, {.version = "1.2.0"}), "-END-\n");
 }
 
 TEST(HostList, NothingIsListedBeforeTheFirstWordAboutIt) {
-  EXPECT_EQ(hostList(HostEntry{}, "1.2.1", {.version = "1.2.1"}), "-END-\n");
+  EXPECT_EQ(hostList(HostEntry{}, KELVORA_VERSION, {.version = KELVORA_VERSION}), "-END-\n");
 }
 
 TEST(HostList, OnlyTheVeryVersionMatches) {
-  for (const char* version : {"", "1.2", "1.2.10", "1.2.1 ", "01.2.1"}) {
-    EXPECT_FALSE(matches(host(false, 3), "1.2.1", {.version = version})) << version;
+  for (const char* version : {"", "1.2", KELVORA_VERSION "0", KELVORA_VERSION " ", "0" KELVORA_VERSION}) {
+    EXPECT_FALSE(matches(host(false, 3), KELVORA_VERSION, {.version = version})) << version;
   }
-  EXPECT_TRUE(matches(host(false, 3), "1.2.1", {.version = "1.2.1"}));
+  EXPECT_TRUE(matches(host(false, 3), KELVORA_VERSION, {.version = KELVORA_VERSION}));
 }
 
 TEST(HostList, EachFlagHidesItsOwnKindOfHost) {
@@ -62,11 +65,11 @@ TEST(HostList, EachFlagHidesItsOwnKindOfHost) {
   };
   for (const Row& row : rows) {
     for (std::size_t flags = 0; flags < 8; ++flags) {
-      const HostQuery query{.version = "1.2.1",
+      const HostQuery query{.version = KELVORA_VERSION,
                             .withPassword = (flags & 4) != 0,
                             .withFull = (flags & 2) != 0,
                             .withEmpty = (flags & 1) != 0};
-      EXPECT_EQ(matches(host(row.password, row.players), "1.2.1", query), row.shown.at(flags))
+      EXPECT_EQ(matches(host(row.password, row.players), KELVORA_VERSION, query), row.shown.at(flags))
           << "password " << row.password << ", players " << row.players << ", flags " << flags;
     }
   }
@@ -76,14 +79,16 @@ TEST(HostList, EachFlagHidesItsOwnKindOfHost) {
 TEST(HostList, APortThatClientsCannotTakeIsNotListed) {
   HostEntry entry = host(false, 3);
   entry.port = 32'766;
-  EXPECT_TRUE(matches(entry, "1.2.1", {.version = "1.2.1"}));
+  EXPECT_TRUE(matches(entry, KELVORA_VERSION, {.version = KELVORA_VERSION}));
   for (const int port : {32'767, 32'768, 65'535}) {
     entry.port = static_cast<std::uint16_t>(port);
-    EXPECT_EQ(hostList(entry, "1.2.1", {.version = "1.2.1"}), "-END-\n") << port;
+    EXPECT_EQ(hostList(entry, KELVORA_VERSION, {.version = KELVORA_VERSION}), "-END-\n") << port;
   }
 }
 
-TEST(HostList, TheUpdateFileEndsWithALineBreak) { EXPECT_EQ(updateFile("1.2.1"), "tvqver:1.2.1\n"); }
+TEST(HostList, TheUpdateFileEndsWithALineBreak) {
+  EXPECT_EQ(updateFile(KELVORA_VERSION), "tvqver:" KELVORA_VERSION "\n");
+}
 
 TEST(HostList, ThePathOfAnAbsoluteAddressStandsBehindTheHost) {
   EXPECT_EQ(pathOf("http://kelvora.example/games/kelvora/ver.txt"), "/games/kelvora/ver.txt");

@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "generated/version.h"
 #include "server/lists/publishSchedule.h"
 
 namespace kelvora::server {
@@ -12,11 +13,11 @@ namespace {
 using Answer = HostRegistry::Answer;
 
 Announcement of(const std::string& address, std::uint16_t port, std::size_t players = 3,
-                const std::string& version = "1.2.1") {
+                const std::string& version = KELVORA_VERSION) {
   return {version, {.address = address, .port = port, .notes = "n", .players = players, .maxPlayers = 6}};
 }
 
-const HostQuery all{.version = "1.2.1"};
+const HostQuery all{.version = KELVORA_VERSION};
 constexpr Millis hour = 3'600'000;
 
 TEST(HostRegistry, KeepsAnEntryForAnHourAfterItsLastAnnouncement) {
@@ -35,8 +36,8 @@ TEST(HostRegistry, ListsMatchingEntries) {
   registry.announce("a", of("two.example", 2, 6), 0);
   registry.announce("a", of("old.example", 3, 3, "1.2.0"), 0);
   EXPECT_EQ(registry.records(all, 0), "[one.example|1|0|n|0|6][two.example|2|0|n|6|6]");
-  EXPECT_EQ(registry.records({.version = "1.2.1", .withFull = false}, 0), "[one.example|1|0|n|0|6]");
-  EXPECT_EQ(registry.records({.version = "1.2.1", .withEmpty = false}, 0), "[two.example|2|0|n|6|6]");
+  EXPECT_EQ(registry.records({.version = KELVORA_VERSION, .withFull = false}, 0), "[one.example|1|0|n|0|6]");
+  EXPECT_EQ(registry.records({.version = KELVORA_VERSION, .withEmpty = false}, 0), "[two.example|2|0|n|6|6]");
   EXPECT_EQ(registry.records({.version = "1.2.0"}, 0), "[old.example|3|0|n|3|6]");
 }
 
@@ -103,7 +104,7 @@ std::string read(std::string query, Announcement& announcement) {
 }
 
 TEST(Announcement, ComesBackFromItsQuery) {
-  const Announcement sent{"1.2.1",
+  const Announcement sent{KELVORA_VERSION,
                           {.address = "2001:db8::7",
                            .port = 32'766,
                            .passwordRequired = true,
@@ -112,7 +113,7 @@ TEST(Announcement, ComesBackFromItsQuery) {
                            .maxPlayers = 6}};
   Announcement read;
   EXPECT_EQ(server::read(announcementQuery(sent), read), "");
-  EXPECT_EQ(read.version, "1.2.1");
+  EXPECT_EQ(read.version, KELVORA_VERSION);
   EXPECT_EQ(hostRecord(read.host), hostRecord(sent.host));
 }
 
@@ -132,8 +133,8 @@ TEST(Announcement, InvalidValuesAreRefusedByName) {
   };
   const Row rows[] = {
       {"version", "", false},
-      {"version", "1.2.1 ", false},
-      {"version", "1.2.1]", false},
+      {"version", KELVORA_VERSION " ", false},
+      {"version", KELVORA_VERSION "]", false},
       {"version", "12345678901234567", false},
       {"version", "1234567890123456", true},
       {"address", "", true},
@@ -176,7 +177,7 @@ TEST(Announcement, InvalidValuesAreRefusedByName) {
       {"players", "6", true},
   };
   for (const Row& row : rows) {
-    std::string query = "version=1.2.1&address=a&port=2010&password=0&notes=n&players=3&max=6&";
+    std::string query = "version=" KELVORA_VERSION "&address=a&port=2010&password=0&notes=n&players=3&max=6&";
     query += std::string(row.name) + "=" + row.value;
     Announcement announcement;
     const std::string fault = read(query, announcement);

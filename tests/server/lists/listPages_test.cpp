@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "generated/version.h"
+
 namespace kelvora::server {
 namespace {
 
@@ -9,7 +11,7 @@ constexpr auto listOfThis = "[192.0.2.7|2010|0|friendly game|3|6]-END-\n";
 
 class ListPagesTest : public testing::Test {
  protected:
-  ListPages pages{"1.2.1", ""};
+  ListPages pages{KELVORA_VERSION, ""};
 
   ListPagesTest() { publish(false, 3); }
   void publish(bool password, std::size_t players) {
@@ -39,8 +41,8 @@ TEST_F(ListPagesTest, HasItsThreePaths) {
 }
 
 TEST_F(ListPagesTest, AnswersBothFormsOfATarget) {
-  EXPECT_EQ(ask("GET", "http://h:81/games/kelvora/gethosts.php?version=1.2.1").body, listOfThis);
-  EXPECT_EQ(ask("GET", "/games/kelvora/ver.txt").body, "tvqver:1.2.1\n");
+  EXPECT_EQ(ask("GET", "http://h:81/games/kelvora/gethosts.php?version=" KELVORA_VERSION).body, listOfThis);
+  EXPECT_EQ(ask("GET", "/games/kelvora/ver.txt").body, "tvqver:" KELVORA_VERSION "\n");
   EXPECT_EQ(ask("HEAD", "/games/kelvora/ver.txt").status, 200U);
 }
 
@@ -52,17 +54,17 @@ TEST_F(ListPagesTest, TheQueryFiltersTheList) {
     bool shown;
   };
   const Row rows[] = {
-      {false, 3, "version=1.2.1&password=0&full=0&empty=0", true},
+      {false, 3, "version=" KELVORA_VERSION "&password=0&full=0&empty=0", true},
       {false, 3, "version=1.2.0&password=1&full=1&empty=1", false},
       {false, 3, "password=1&full=1&empty=1", false},
       {false, 3, "", false},
-      {true, 3, "version=1.2.1&password=0&full=1&empty=1", false},
-      {true, 3, "version=1.2.1&password=1&full=0&empty=0", true},
-      {false, 6, "version=1.2.1&password=1&full=0&empty=1", false},
-      {false, 6, "version=1.2.1&password=0&full=1&empty=0", true},
-      {false, 0, "version=1.2.1&password=1&full=1&empty=0", false},
-      {false, 0, "version=1.2.1&password=0&full=0&empty=1", true},
-      {true, 6, "version=1.2.1", true},  // only a 0 hides
+      {true, 3, "version=" KELVORA_VERSION "&password=0&full=1&empty=1", false},
+      {true, 3, "version=" KELVORA_VERSION "&password=1&full=0&empty=0", true},
+      {false, 6, "version=" KELVORA_VERSION "&password=1&full=0&empty=1", false},
+      {false, 6, "version=" KELVORA_VERSION "&password=0&full=1&empty=0", true},
+      {false, 0, "version=" KELVORA_VERSION "&password=1&full=1&empty=0", false},
+      {false, 0, "version=" KELVORA_VERSION "&password=0&full=0&empty=1", true},
+      {true, 6, "version=" KELVORA_VERSION, true},  // only a 0 hides
   };
   for (const Row& row : rows) {
     publish(row.password, row.players);
@@ -81,7 +83,7 @@ TEST_F(ListPagesTest, OtherMethodsAreRefusedWithThoseThatAreAllowed) {
 }
 
 TEST_F(ListPagesTest, NothingMayBeCachedNorKept) {
-  const HttpAnswer answer = ask("GET", "/games/kelvora/gethosts.php?version=1.2.1");
+  const HttpAnswer answer = ask("GET", "/games/kelvora/gethosts.php?version=" KELVORA_VERSION);
   EXPECT_EQ(answer.headers.front(), "Cache-Control: no-store");
   EXPECT_EQ(answer.type, "text/plain");
   // The update check waits for the connection's end.
@@ -92,8 +94,9 @@ TEST_F(ListPagesTest, NothingMayBeCachedNorKept) {
 unsigned int announce(ListPages& pages, int port, const std::string& from, const std::string& authorization = {}) {
   HttpRequest request;
   request.method = "POST";
-  request.target = "/games/kelvora/publish?version=1.2.1&address=play.example&port=" + std::to_string(port) +
-                   "&password=0&notes=n&players=3&max=6";
+  request.target =
+      "/games/kelvora/publish?version=" KELVORA_VERSION "&address=play.example&port=" + std::to_string(port) +
+      "&password=0&notes=n&players=3&max=6";
   request.authorization = authorization;
   return pages.answer(request, {.address = from, .network = from}, 0).status;
 }
@@ -105,7 +108,7 @@ TEST_F(ListPagesTest, OneAddressHasThirtyTwoEntries) {
 }
 
 TEST_F(ListPagesTest, TheKeyLiftsTheLimitOfEntries) {
-  ListPages locked("1.2.1", "k");
+  ListPages locked(KELVORA_VERSION, "k");
   for (int port = 1; port <= 40; ++port) EXPECT_EQ(announce(locked, port, "198.51.100.1", "Bearer k"), 200U) << port;
   for (const char* wrong : {"", "k", "Bearer ", "Bearer kk", "Bearer K", "bearer k"}) {
     EXPECT_EQ(announce(locked, 41, "198.51.100.1", wrong), 403U) << wrong;

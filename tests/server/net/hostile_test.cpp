@@ -12,6 +12,7 @@
 #include <random>
 #include <vector>
 
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 #include "server/net/pacedSocket.h"
 #include "tests/server/net/runningServer.h"
@@ -84,7 +85,7 @@ constexpr Milliseconds oneTick(40);
 constexpr int steps = 40;
 
 std::string frame(std::int16_t id, const std::vector<std::string>& fields) { return wire::buildFrame(id, fields); }
-std::string login(const std::string& name) { return frame(wire::msgLogin, {name, "", "0", "1.2.1"}); }
+std::string login(const std::string& name) { return frame(wire::msgLogin, {name, "", "0", KELVORA_VERSION}); }
 
 class Hostile : public testing::Test {
  protected:

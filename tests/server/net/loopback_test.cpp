@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 #include "server/net/gameServer.h"
 #include "tests/server/net/tcpClient.h"
@@ -42,7 +43,8 @@ class Loopback : public testing::Test {
 
 TEST_F(Loopback, AFrameInSingleBytesIsReadLikeAWholeOne) {
   Client ann(port());
-  for (const char byte : wire::buildFrame(wire::msgLogin, {"Ann", "", "0", "1.2.1"})) ann.write(std::string(1, byte));
+  for (const char byte : wire::buildFrame(wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION}))
+    ann.write(std::string(1, byte));
   EXPECT_EQ(ann.readUntil(wire::msgLoginAccepted).substr(0, 4),
             "0\x82"
             "1\x82");
@@ -50,8 +52,9 @@ TEST_F(Loopback, AFrameInSingleBytesIsReadLikeAWholeOne) {
 
 TEST_F(Loopback, SeveralFramesInOneWriteAreAllHandled) {
   Client ann(port());
-  ann.write(wire::buildFrame(wire::msgLogin, {"Ann", "", "0", "1.2.1"}) + wire::buildFrame(wire::msgChat, {"-1", "a"}) +
-            wire::buildFrame(wire::msgPositionReport, {"1.5", ".5"}) + "\x80\x90-1\x82");
+  ann.write(wire::buildFrame(wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION}) +
+            wire::buildFrame(wire::msgChat, {"-1", "a"}) + wire::buildFrame(wire::msgPositionReport, {"1.5", ".5"}) +
+            "\x80\x90-1\x82");
   EXPECT_EQ(ann.readUntil(wire::msgChat),
             "1\x82"
             "a");
@@ -96,7 +99,7 @@ TEST_F(Loopback, ARefusedClientGetsTheReasonAndThenTheEnd) {
   Client ann(port());
   ann.login("Ann", "0.9");
   ann.write(wire::buildFrame(wire::msgChat, {"-1", std::string(4000, 'x')}));
-  EXPECT_NE(ann.readUntil(wire::msgLoginDenied).find("1.2.1"), std::string::npos);
+  EXPECT_NE(ann.readUntil(wire::msgLoginDenied).find(KELVORA_VERSION), std::string::npos);
   EXPECT_TRUE(ann.isCutOff());
 }
 
@@ -288,7 +291,7 @@ TEST(ServerProgram, WithoutSenseEndsWithTwo) {
   EXPECT_EQ(help.line(), "Usage: kelvora-server [options]\n");
   EXPECT_EQ(help.status(), 0);
   Program version({"--version"});
-  EXPECT_EQ(version.line(), "kelvora-server 1.2.1\n");
+  EXPECT_EQ(version.line(), "kelvora-server " KELVORA_VERSION "\n");
   EXPECT_EQ(version.status(), 0);
 }
 

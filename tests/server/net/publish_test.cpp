@@ -6,6 +6,7 @@
 #include <memory>
 #include <thread>
 
+#include "generated/version.h"
 #include "server/lists/announcement.h"
 #include "server/lists/publisher.h"
 #include "tests/server/net/runningServer.h"
@@ -34,7 +35,8 @@ std::string request(const std::string& method, const std::string& query, const s
          headers;
 }
 
-const std::string query = "version=1.2.1&address=play.example&port=2010&password=0&notes=n&players=3&max=6";
+const std::string query =
+    "version=" KELVORA_VERSION "&address=play.example&port=2010&password=0&notes=n&players=3&max=6";
 
 class Publishing : public testing::Test {
  protected:
@@ -57,7 +59,8 @@ class Publishing : public testing::Test {
   }
   static std::string urlOf(const RunningServer& list) { return "http://127.0.0.1:" + std::to_string(list.webPort()); }
   static std::string listOf(const RunningServer& server) {
-    return ask(server.webPort(), "GET /games/kelvora/gethosts.php?version=1.2.1&password=1&full=1&empty=1 HTTP/1.0\r\n")
+    return ask(server.webPort(),
+               "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION "&password=1&full=1&empty=1 HTTP/1.0\r\n")
         .body;
   }
   static std::string own(const RunningServer& list) {
@@ -165,10 +168,11 @@ TEST_F(Publishing, OnlyItsPublisherTouchesAnEntry) {
 
 TEST_F(Publishing, EvilAnnouncementsAreRefused) {
   const RunningServer list(this->list());
-  const std::string head = "version=1.2.1&address=play.example&port=2010&password=0&players=3&max=6&notes=";
+  const std::string head =
+      "version=" KELVORA_VERSION "&address=play.example&port=2010&password=0&players=3&max=6&notes=";
   for (const std::string& evil :
-       {std::string(), std::string("version=1.2.1"), head + "a%7Cb", head + "%5Bx%5D", head + "-END-", head + "%0A",
-        head + "%00", head + std::string(201, 'n'), std::string(3'000, 'x')}) {
+       {std::string(), std::string("version=" KELVORA_VERSION), head + "a%7Cb", head + "%5Bx%5D", head + "-END-",
+        head + "%0A", head + "%00", head + std::string(201, 'n'), std::string(3'000, 'x')}) {
     EXPECT_EQ(ask(list.webPort(), request("POST", evil)).status, 400) << evil;
   }
   for (const char* method : {"GET", "HEAD", "PUT", "BREW"}) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 
 namespace kelvora::server {
@@ -87,7 +88,7 @@ class Client : public TcpClient {
   using TcpClient::TcpClient;
 
   void say(std::int16_t id, const std::vector<std::string>& fields) { write(wire::buildFrame(id, fields)); }
-  void login(const std::string& name, const std::string& version = "1.2.1") {
+  void login(const std::string& name, const std::string& version = KELVORA_VERSION) {
     say(wire::msgLogin, {name, "", "0", version});
   }
 

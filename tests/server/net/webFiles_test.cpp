@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "generated/version.h"
 #include "server/net/gameServer.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
@@ -76,7 +77,7 @@ class WebFilesTest : public testing::Test {
   }
   std::string listOfThis() const { return "[192.0.2.7|" + std::to_string(port) + "|0|friendly <game>|0|6]-END-\n"; }
   void expectToBeThere() const {
-    EXPECT_EQ(ask(port, listRequest("version=1.2.1&password=0&full=0&empty=1"), 250).body, listOfThis());
+    EXPECT_EQ(ask(port, listRequest("version=" KELVORA_VERSION "&password=0&full=0&empty=1"), 250).body, listOfThis());
   }
 };
 
@@ -84,12 +85,12 @@ TEST_F(WebFilesTest, AnswersTheUpdateCheckAndClosesOnBothPorts) {
   for (const std::uint16_t each : {port, server.webPort()}) {
     const Response response = ask(each, updateRequest);
     EXPECT_EQ(response.status, "HTTP/1.1 200 OK");
-    EXPECT_EQ(response.body, "tvqver:1.2.1\n");
+    EXPECT_EQ(response.body, "tvqver:" KELVORA_VERSION "\n");
   }
 }
 
 TEST_F(WebFilesTest, AnswersTheGameFinderAndClosesThoughItAsksForMore) {
-  const Response response = ask(port, listRequest("version=1.2.1&password=0&full=0&empty=1"));
+  const Response response = ask(port, listRequest("version=" KELVORA_VERSION "&password=0&full=0&empty=1"));
   EXPECT_EQ(response.status, "HTTP/1.1 200 OK");
   EXPECT_EQ(response.body, listOfThis());
   EXPECT_EQ(response.head.find('['), std::string::npos) << "the game looks for records in the headers, too";
@@ -125,13 +126,13 @@ TEST_F(WebFilesTest, AKeptConnectionAnswersOneRequestAfterTheOther) {
   std::size_t pages = 0;
   for (std::size_t at = 0; (at = all.find("</html>", at)) != std::string::npos; ++at) ++pages;
   EXPECT_EQ(pages, 3U);
-  EXPECT_TRUE(all.ends_with("tvqver:1.2.1\n"));
+  EXPECT_TRUE(all.ends_with("tvqver:" KELVORA_VERSION "\n"));
 }
 
 TEST_F(WebFilesTest, ARequestInSingleBytesIsAnsweredToo) {
   TcpClient client(port);
   for (const char byte : updateRequest) client.write(std::string(1, byte));
-  EXPECT_TRUE(client.readToEnd().ends_with("\r\n\r\ntvqver:1.2.1\n"));
+  EXPECT_TRUE(client.readToEnd().ends_with("\r\n\r\ntvqver:" KELVORA_VERSION "\n"));
 }
 
 TEST_F(WebFilesTest, NothingElseIsServed) {
@@ -165,14 +166,14 @@ TEST_F(WebFilesTest, GarbageIsTurnedAway) {
   std::uint32_t host = 2;
   for (const std::string& bytes : std::vector<std::string>{
            "\x80\x87"
-           "Ann\x82\x82\x30\x82\x31.2.1\x81\r\n\r\n",
+           "Ann\x82\x82\x30\x82" KELVORA_VERSION "\x81\r\n\r\n",
            "x\r\n\r\n",
            "GET\r\n\r\n",
            "GET /games/kelvora/ver.txt\r\n\r\n",
            "GET /games/kelvora/ver.txt HTTP/9.9\r\n\r\n",
            "GET /games/kelvora/ver.txt HTTP/1.1\r\nContent-Length: -1\r\nHost: h\r\n\r\n",
            "GET /games/kelvora/gethosts.php?version=%&password=%0&=&&%zz HTTP/1.0\r\n\r\n",
-           "GET /games/kelvora/gethosts.php?version=1.2.1%00 HTTP/1.0\r\n\r\n",
+           "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION "%00 HTTP/1.0\r\n\r\n",
            "GET " + std::string(100'000, '/') + " HTTP/1.0\r\n\r\n",
            "GET / HTTP/1.0\r\nA: " + std::string(100'000, 'a') + "\r\n\r\n",
        }) {
@@ -228,7 +229,7 @@ TEST_F(WebFilesTest, ManyAreServedOneBehindTheOther) {
     crowd.push_back(std::make_unique<TcpClient>(port, 1 + i % 30));
     crowd.back()->write(updateRequest);
   }
-  for (const auto& client : crowd) EXPECT_TRUE(client->readToEnd().ends_with("tvqver:1.2.1\n"));
+  for (const auto& client : crowd) EXPECT_TRUE(client->readToEnd().ends_with("tvqver:" KELVORA_VERSION "\n"));
 }
 
 TEST_F(WebFilesTest, ResetsAndHalfRequestsDisturbNobody) {
@@ -266,7 +267,7 @@ TEST(WebSite, AFolderIsServedInPiecesAndTheListBesideIt) {
   EXPECT_NE(music.head.find("Content-Length: 1000000"), std::string::npos);
   EXPECT_EQ(music.body.size(), large.size());
   EXPECT_EQ(ask(server.port(), "HEAD /music.mp3 HTTP/1.0\r\n\r\n").body, "");
-  EXPECT_EQ(ask(server.port(), updateRequest).body, "tvqver:1.2.1\n");
+  EXPECT_EQ(ask(server.port(), updateRequest).body, "tvqver:" KELVORA_VERSION "\n");
   std::filesystem::remove_all(folder);
 }
 
@@ -280,7 +281,9 @@ class GameWithWeb : public testing::Test {
   std::uint16_t port() const { return port_; }
   std::uint16_t webPort() const { return webPort_; }
   /// The list with everything in it.
-  std::string list() const { return ask(webPort_, listRequest("version=1.2.1&password=1&full=1&empty=1")).body; }
+  std::string list() const {
+    return ask(webPort_, listRequest("version=" KELVORA_VERSION "&password=1&full=1&empty=1")).body;
+  }
   std::string expected(int players) const {
     return "[play.example|" + std::to_string(port_) + "|0|for all|" + std::to_string(players) + "|6]-END-\n";
   }
@@ -357,11 +360,11 @@ TEST(ServerProgram, TellsBothItsPortsAndEndsWithRequestsUnderWay) {
   const std::string game = line();
   ASSERT_TRUE(web.starts_with("web on 127.0.0.1:")) << web;
   ASSERT_TRUE(game.starts_with("listening on 127.0.0.1:")) << game;
-  EXPECT_EQ(ask(portOf(web), listRequest("version=1.2.1&password=0&full=0&empty=1")).body,
+  EXPECT_EQ(ask(portOf(web), listRequest("version=" KELVORA_VERSION "&password=0&full=0&empty=1")).body,
             "[127.0.0.1|" + std::to_string(portOf(game)) + "|0|x|0|6]-END-\n");
   TcpClient half(portOf(web));
   half.write("GET /games");
-  EXPECT_EQ(ask(portOf(web), updateRequest).body, "tvqver:1.2.1\n");
+  EXPECT_EQ(ask(portOf(web), updateRequest).body, "tvqver:" KELVORA_VERSION "\n");
   ::kill(process, SIGTERM);
   EXPECT_TRUE(half.isCutOff());
   int status = 0;
