@@ -4,6 +4,7 @@ memory, and afterwards a game is joined and played in the same process. The boun
 KELVORA_HOSTILE_MIB is how much the endless streams send, 64 unless it is told; KELVORA_HOSTILE_RECONNECTS how often the
 client comes back, 60 unless it is told."""
 
+import contextlib
 import os
 import re
 import socket
@@ -13,7 +14,7 @@ import time
 import unittest
 
 import harness
-from desktopTest import DesktopTest
+from desktopTest import HANG, DesktopTest
 from harness import (CHAT, END, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION,
                      SEPARATOR, START, frame, wait_for)
 from test_webhost import UPDATE_FILE, WebHost
@@ -28,7 +29,7 @@ PLAYER_LEFT, TAIL_CAPTURE, FUNDS, SPAWN_DENIED, RESPAWN, POWERUP_ON = 140, 141, 
 STREAM_MIB, WORLD_MIB = 16, 128
 # However often the dialog has come and gone.
 RECONNECT_MIB = 4
-# Seconds from a key to the chat line that it sends, on a machine that does other things as well.
+# Seconds of the processor that the client may take from a key to the chat line that it sends.
 ANSWER = 10.0
 MOST_BOXES = 16
 
@@ -67,7 +68,7 @@ class Attack:
         self.error = None
         # A socket object of its own: the reader changes the time limit of his all the while.
         self.socket = line.socket.dup()
-        self.socket.settimeout(60)
+        self.socket.settimeout(harness.PATIENCE)
         self.thread = threading.Thread(target=self.run, daemon=True)
         self.thread.start()
 
@@ -92,7 +93,7 @@ class Attack:
 
     def stop(self):
         self.stopping = True
-        self.thread.join(70)
+        self.thread.join(harness.PATIENCE)
         self.socket.close()
         if self.error:
             raise self.error
@@ -113,6 +114,7 @@ class HostileTest(DesktopTest):
     def begin_attack(self, client):
         with open(f"/proc/{client.process.pid}/clear_refs", "w") as file:
             file.write("5")
+        self.client = client
         self.before = self.peak(client)
         self.take_keys(client)
 
@@ -124,17 +126,22 @@ class HostileTest(DesktopTest):
 
     def assert_answers(self, line):
         """A key that is pressed now sends its line in time. Returns the ids of the frames that came with it."""
-        begin = time.monotonic()
-        self.display.xdotool("key", "x", "Return")
         identifiers = []
-        while CHAT not in identifiers:
-            received = line.recv_frame(ANSWER)
-            self.assertIsNotNone(received, "the client has closed the line")
-            identifiers.append(received[0])
-        seconds = time.monotonic() - begin
-        self.longest = max(self.longest, seconds)
-        self.assertLess(seconds, ANSWER)
+        with self.answer_in_time():
+            self.display.xdotool("key", "x", "Return")
+            while CHAT not in identifiers:
+                received = line.recv_frame()
+                self.assertIsNotNone(received, "the client has closed the line")
+                identifiers.append(received[0])
         return identifiers
+
+    @contextlib.contextmanager
+    def answer_in_time(self):
+        """Within, the client answers a key. What else the machine does is not counted."""
+        begin, cpu = time.monotonic(), self.client.cpu_seconds()
+        yield
+        self.longest = max(self.longest, time.monotonic() - begin)
+        self.assertLess(self.client.cpu_seconds() - cpu, ANSWER)
 
     def await_all_read(self, line, answers=None):
         """Until the client has taken in everything that was sent: it answers a ping again. Of the pings that two of its
@@ -163,7 +170,7 @@ class HostileTest(DesktopTest):
 
         def next_of(wanted):
             while True:
-                received = watcher.recv_frame(20)
+                received = watcher.recv_frame()
                 self.assertIsNotNone(received)
                 if received[0] == wanted:
                     return received[1]
@@ -191,7 +198,7 @@ class HostileTest(DesktopTest):
         client, line = self.log_in()
         self.begin_attack(client)
         line.send_bytes(head)
-        harness.signal.alarm(90 + ENDLESS_MIB // 4)
+        harness.signal.alarm(HANG + ENDLESS_MIB // 4)
         attack = Attack(line, portion, length * MIB)
         self.assert_answers(line)
         while not attack.is_over(0.2):
@@ -318,11 +325,11 @@ class HostileTest(DesktopTest):
     def close_boxes(self, client):
         """Enter closes each box in time. One that comes before the next box has the keys is nobody's."""
         while before := len(self.boxes(client)):
-            begin = time.monotonic()
-            while len(self.boxes(client)) >= before:
-                self.assertLess(time.monotonic() - begin, ANSWER)
-                self.display.xdotool("key", "Return", "sleep", "0.1")
-            self.longest = max(self.longest, time.monotonic() - begin)
+            def is_closed():
+                self.display.xdotool("key", "Return")
+                return len(self.boxes(client)) < before
+            with self.answer_in_time():
+                wait_for(is_closed, "the end of a box", pause=0.1)
 
     def test_flood_while_a_box_stands(self):
         client, line = self.log_in()
@@ -423,7 +430,7 @@ class HostileTest(DesktopTest):
         client.resize(800, 600)
         client.resize(*harness.CLIENT_AREA)
         self.disconnect(client)
-        self.assertIsNone(line.recv_frame(5))
+        self.assertIsNone(line.recv_frame())
         client.wait_for_status(RED)
         self.assert_within(client, STREAM_MIB)
         self.assert_plays_on(client)
@@ -435,10 +442,10 @@ class HostileTest(DesktopTest):
         wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
         client.window.activate()
         self.display.xdotool("key", "alt+F4")
-        self.assertEqual(client.process.wait(5), 0)
+        self.assertEqual(client.process.wait(harness.PATIENCE), 0)
 
     def test_reconnections_leave_nothing_behind(self):
-        harness.signal.alarm(90 + RECONNECTS)
+        harness.signal.alarm(HANG + RECONNECTS)
         client = self.start_client()
         server = self.scripted_server()
         client.connect(server.port)
@@ -484,7 +491,7 @@ class HostileTest(DesktopTest):
         box = client.wait_for_other_window()
         box.activate()
         self.display.xdotool("key", "Return")
-        self.assertEqual(client.process.wait(5), 1)
+        self.assertEqual(client.process.wait(harness.PATIENCE), 1)
         self.assertEqual(client.output().strip(), f"kelvora: Run-time error: {what}")
 
     def test_stored_values_end_the_program_frames_later_with_its_box(self):
@@ -496,9 +503,10 @@ class HostileTest(DesktopTest):
                 ("Overflow", kills + places, frame(TAIL_CAPTURE, 8, 7, 90000, 90000)),
                 ("Overflow", frame(POWERUP_ON, 7, 2), charged)):
             client, line = self.log_in()
-            for messages in stored:
+            for messages in stored[:-1]:
                 line.send_bytes(messages)
-                line.frames_during(0.2)
+                line.wait_for_paint()
+            line.send_bytes(stored[-1])
             self.assert_fault(client, what)
 
     def test_end_ahead_of_every_frame_ends_the_program_with_its_box(self):

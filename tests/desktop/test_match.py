@@ -10,6 +10,7 @@ from harness import TWIPS, wait_for
 from match import ALIVE, BUY_ACCEPTED, POWERUP_ON, RESPAWN, ROUND_OVER, TAIL_CAPTURE, TURBO, Pilot, Relay
 from storeWindow import BUY, DONE, StoreWindow
 
+SPAWN = ((11700 + 270) // TWIPS, (5760 + 200) // TWIPS, 72, 24)  # the face of the button, without its border
 STRIP = ((11580 + 660) // TWIPS, (60 + 600) // TWIPS, 66, 11)  # the marks of whom the red player has captured
 CENTRE_MESSAGE = (150, 270, 500, 30)
 
@@ -24,8 +25,12 @@ class Match(DesktopTest):
         client = self.start_client()
         client.connect(relay.port, name="Ann", circle=0)
         wait_for(lambda: relay.node, "the login")
-        wait_for(lambda: relay.opponents() or not relay.is_alive, "company", 15)
         return client, relay, Pilot(client, relay)
+
+    def begin_in_company(self, *options):
+        client, relay, pilot = self.begin(*options)
+        wait_for(lambda: relay.opponents() or not relay.is_alive, "company")
+        return client, relay, pilot
 
     def pixels(self, client, area):
         picture = self.display.picture()
@@ -39,13 +44,13 @@ class Match(DesktopTest):
             self.display.picture().save(os.path.join(folder, name + ".ppm"))
 
     def test_captures_an_easy_bot(self):
-        client, relay, pilot = self.begin("--bots", "3", "--skill", "easy")
+        client, relay, pilot = self.begin_in_company("--bots", "3", "--skill", "easy")
         before = self.pixels(client, STRIP)
         pilot.play_until(lambda: relay.said(TAIL_CAPTURE, lambda fields: fields[0] == relay.node),
                         "an easy bot captured")
         self.keep("capture")
         # It lands when the vertex ends; the winner's strip then shows the loser's mark.
-        deadline = time.monotonic() + 6
+        deadline = time.monotonic() + harness.PATIENCE
         while self.pixels(client, STRIP) == before and time.monotonic() < deadline:
             pilot.circle_nearest()
             relay.wait_for_news()
@@ -53,18 +58,18 @@ class Match(DesktopTest):
         self.assertNotEqual(self.pixels(client, STRIP), before, "no mark in the strip")
 
     def test_is_captured_by_a_hard_bot(self):
-        client, relay, pilot = self.begin("--bots", "3", "--skill", "hard")
+        client, relay, pilot = self.begin_in_company("--bots", "3", "--skill", "hard")
         def is_captured():
             return relay.said(TAIL_CAPTURE, lambda fields: fields[1] == relay.node and fields[0] != relay.node)
         pilot.play_until(is_captured, "captured by a hard bot")
 
         def is_told():
             return sum(g > 60 and r == 0 and b == 0 for r, g, b in self.pixels(client, CENTRE_MESSAGE)) >= 20
-        wait_for(is_told, "'You have been captured!'", 8)
+        wait_for(is_told, "'You have been captured!'")
         self.keep("loss")
 
     def test_buys_and_fires_a_turbo(self):
-        client, relay, _ = self.begin("--bots", "1", "--skill", "easy")
+        client, relay, _ = self.begin()  # alone: nobody captures the buyer
         store = StoreWindow(client)
         store.click(BUY, TURBO)
         wait_for(lambda: relay.said(BUY_ACCEPTED, lambda fields: fields == [b"1", b"1", b"0"]), "the purchase")
@@ -87,23 +92,27 @@ class Match(DesktopTest):
                 last = relay.reports[slow:]
             # The mouse is a good two thirds of the way to full speed: 4 frames x 300 x .77 x 3 = 2770 a report.
             return any(abs(b[1] - a[1]) + abs(b[2] - a[2]) > 1800 for a, b in zip(last, last[1:]))
-        wait_for(is_fast, "the turbo's speed", 5)
+        wait_for(is_fast, "the turbo's speed")
 
     def test_round_ends_and_the_next_begins(self):
-        client, relay, pilot = self.begin("--bots", "2", "--skill", "easy", "--round-seconds", "6", "--intermission", "3",
-                                   "--respawn-wait", "1")
-        wait_for(lambda: relay.said(ROUND_OVER), "the end of the round", 20)
+        client, relay, pilot = self.begin_in_company("--bots", "2", "--skill", "easy", "--round-seconds", "6",
+                                                     "--intermission", "10", "--respawn-wait", "1")
+        grey = self.pixels(client, SPAWN)
+        wait_for(lambda: relay.said(ROUND_OVER), "the end of the round")
         self.assertFalse(relay.is_alive)
         self.keep("end")
-        self.assertTrue(relay.said(ALIVE, lambda fields: fields == [relay.node, b"0"]))
+        wait_for(lambda: relay.said(ALIVE, lambda fields: fields == [relay.node, b"0"]), "the word that nobody lives")
+        wait_for(lambda: self.pixels(client, SPAWN) != grey, "the button in its colours")
         pilot.press_spawn()
         wait_for(lambda: relay.said(harness.SERVER_TEXT, lambda fields: fields[0].startswith(b"You will be respawned in")),
                  "the answer to an early request")
-        wait_for(lambda: relay.said(RESPAWN, lambda fields: fields[0] == relay.node), "the next round's life", 10)
+        wait_for(lambda: relay.said(RESPAWN, lambda fields: fields[0] == relay.node), "the next round's life")
         client.mouse_to(500, 100)
-        wait_for(lambda: relay.opponents(), "the bots' next lives", 15)
+        # The client puts the brakes on when it hears of the life, and greys the button then.
+        wait_for(lambda: self.pixels(client, SPAWN) == grey, "the grey button")
         with relay.lock:
             reported = len(relay.reports)
         client.right_click()
         wait_for(lambda: len(relay.reports) > reported + 10, "the flight in the next round")
+        wait_for(lambda: relay.opponents(), "the bots' next lives")
         self.keep("next")

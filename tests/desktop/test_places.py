@@ -62,8 +62,7 @@ class Places(DesktopTest):
         self.close_connect(client)
         for left, top in ((186, 149), (57, 43)):
             self.move_main(client, left, top)
-            client.window.click(SETTINGS_MENU, client.menu // 2)
-            self.display.xdotool("key", "Down", "key", "Down", "key", "Return")
+            client.choose(SETTINGS_MENU, "Down", "Down", "Return")
             dialog = client.wait_for_window("Configure Fonts")
             # The window manager draws a handle below the main window and none below a dialog.
             harness.wait_for(lambda: all(abs(a - b) <= 8 for a, b in zip(middle(client.window), middle(dialog))),

@@ -22,7 +22,7 @@ class WindowSystem(DesktopTest):
     def answer(self, **environment):
         kept = {name: os.environ[name] for name in ("PATH", "HOME", "LSAN_OPTIONS") if name in os.environ}
         done = subprocess.run([CLIENT], env=dict(kept, **environment), stdin=subprocess.DEVNULL, capture_output=True,
-                              text=True, timeout=30)
+                              text=True, timeout=harness.PATIENCE)
         return done.returncode, done.stderr.splitlines()
 
     def test_without_a_screen_it_says_so_and_ends(self):
@@ -60,6 +60,7 @@ class Small(DesktopTest):
         wait_for(lambda: "Connect" in client.windows(), "the dialog")
         # The window is not of the designed size, so the menu is measured: a column where it has no text.
         left, top = client.window.geometry()[:2]
+        wait_for(lambda: self.display.picture().pixel(left + 250, top) == MENU_GROUND, "the menu")
         picture = self.display.picture()
         client.menu = 0
         while picture.pixel(left + 250, top + client.menu) == MENU_GROUND:
@@ -108,7 +109,7 @@ class Small(DesktopTest):
         self.assertEqual(line.recv_frame()[0], harness.PING_REPLY)
         client.window.activate()
         self.display.xdotool("key", "alt+F4")
-        self.assertEqual(client.process.wait(10), 0)
+        self.assertEqual(client.process.wait(harness.PATIENCE), 0)
 
 
 class Scaled(DesktopTest):
@@ -205,7 +206,7 @@ class Scaled(DesktopTest):
                 def place():
                     words = self.display.xdotool("getmouselocation").split()
                     return [int(word.split(":")[1]) for word in words[:2]]
-                wait_for(lambda: place()[0] > x + 20 * scale, "the push", 5)
+                wait_for(lambda: place()[0] > x + 20 * scale, "the push")
                 line.wait_for_paint()
                 self.display.xdotool("mouseup", 1)
                 # Rounded to the window's pixels, of which each has `scale` of the screen's.
@@ -281,7 +282,7 @@ class Two(DesktopTest):
 
         def place():
             return int(self.display.xdotool("getmouselocation").split()[0].split(":")[1])
-        wait_for(lambda: place() > x + 20, "the push", 5)
+        wait_for(lambda: place() > x + 20, "the push")
         self.display.xdotool("mouseup", 1)
         # 30 pixels, and a hundredth of the way from the left of all screens.
         self.assertAlmostEqual(place(), x * 916 / 13605 * 15 + 30, delta=3)
@@ -307,10 +308,10 @@ class States(DesktopTest):
         [expected] = rules.reports(first, rules.velocity(client.canvas_size(), pixel), 1)
         for axis in range(2):
             self.assertAlmostEqual(second[axis], expected[axis], delta=0.1)
-        self.assertEqual(client.status_colour(), (128, 255, 128))
+        client.wait_for_status((128, 255, 128))
         self.change(client, "remove," + state)
         wait_for(lambda: client.window.geometry() == before, "the window as it was")
-        self.assertEqual(client.status_colour(), (128, 255, 128))
+        client.wait_for_status((128, 255, 128))
 
     def test_full_screen_and_back(self):
         self.assert_there_and_back("fullscreen", lambda client: 1024)
@@ -335,7 +336,7 @@ class States(DesktopTest):
         self.display.xdotool("windowactivate", client.window.identifier)
         # The window manager lets it grow from its icon.
         wait_for(lambda: TITLE in client.windows() and client.window.geometry() == before, "the window as it was")
-        wait_for(lambda: client.status_colour() == (128, 255, 128), "its picture")
+        client.wait_for_status((128, 255, 128))
 
 
 if __name__ == "__main__":

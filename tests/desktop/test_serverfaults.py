@@ -42,6 +42,8 @@ class ServerFaults(unittest.TestCase):
         return line
 
     def test_signals_end_it_with_a_word_to_the_players(self):
+        # A run that ignores the hang-up, as under nohup, would hand that on.
+        self.addCleanup(signal.signal, signal.SIGHUP, signal.signal(signal.SIGHUP, signal.SIG_DFL))
         for sent in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
             with self.subTest(signal=sent.name):
                 process = self.start("--bots", "3")
@@ -53,7 +55,7 @@ class ServerFaults(unittest.TestCase):
                     frames.append(received)
                 self.assertIn((harness.SERVER_TEXT, [b"The server is shutting down."]), frames)
                 line.close()
-                self.assertEqual(process.wait(5), 0)
+                self.assertEqual(process.wait(harness.PATIENCE), 0)
 
     def test_a_hang_up_that_is_ignored_stays_so(self):
         process = self.start(preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
@@ -64,14 +66,14 @@ class ServerFaults(unittest.TestCase):
         with socket.create_server(("127.0.0.1", 0)) as other:
             port = other.getsockname()[1]
             done = subprocess.run([harness.SERVER, "--address", "127.0.0.1", "--port", str(port)], capture_output=True,
-                                  stdin=subprocess.DEVNULL, text=True, timeout=20)
+                                  stdin=subprocess.DEVNULL, text=True, timeout=harness.PATIENCE)
         self.assertEqual(done.returncode, 1)
         self.assertEqual(done.stderr, f"kelvora-server: cannot listen on 127.0.0.1:{port}: Address already in use\n")
 
     def test_a_configuration_that_cannot_be_read(self):
         for path, reason in (("/no/such/file", "No such file or directory"), ("/", "Is a directory")):
             done = subprocess.run([harness.SERVER, "--config", path], capture_output=True, stdin=subprocess.DEVNULL,
-                                  text=True, timeout=20)
+                                  text=True, timeout=harness.PATIENCE)
             self.assertEqual(done.returncode, 2)
             self.assertEqual(done.stderr.splitlines()[0], f"kelvora-server: cannot read {path}: {reason}")
 

@@ -140,7 +140,7 @@ class Session(DesktopTest):
         client.window.activate()
         self.display.xdotool("key", "alt+F4")
         self.assertIsNone(line.recv_frame())
-        self.assertEqual(client.process.wait(2), 0)
+        self.assertEqual(client.process.wait(harness.PATIENCE), 0)
 
 
 class RealServer(DesktopTest):
@@ -153,7 +153,7 @@ class RealServer(DesktopTest):
 
         def next_of(wanted):
             while True:
-                identifier, fields = other.recv_frame(20)
+                identifier, fields = other.recv_frame()
                 if identifier == wanted:
                     return fields
         next_of(LOGIN_ACCEPTED)

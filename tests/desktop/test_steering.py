@@ -92,9 +92,7 @@ class Steering(Flight):
         first = line.report()
         first = line.report()
         client.right_click()
-        line.frames_during(1.5)
-        line.send(harness.PING, 1)
-        last = line.report()
+        last = line.wait_for_rest()
         # From 9.164 and -140.112: along x 6.164 + 3.164 + 0.164 = 9.49, along y the 46 steps from 137.112 down to
         # 2.112, 46 * (137.112 + 2.112) / 2 = 3202.15. Before them came a whole number of free frames.
         free = (first[1] - last[1] - 3202.15) / 140.112
@@ -109,11 +107,9 @@ class Steering(Flight):
         client.right_click()
         line.report()
         client.right_click()
-        line.frames_during(2.5)
+        line.wait_for_rest()
         client.mouse_to(120, 60)
-        line.frames_during(0.2)
-        line.send(harness.PING, 1)
-        start = line.report()
+        start = line.wait_for_paint()
         client.right_click()
         v = rules.velocity(client.canvas_size(), (120, 60))
         # The counter of reports went on where it was: the first report comes after one to four frames, the next after

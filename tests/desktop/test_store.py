@@ -19,6 +19,7 @@ class Store(DesktopTest):
         """The store over a game that has begun, and the line to its server."""
         client, line = self.log_in()
         line.send(FUNDS, 7, funds)
+        line.ask()
         return StoreWindow(client), line
 
     def wait_for_home(self, store):
@@ -158,7 +159,7 @@ class Keys(DesktopTest):
     def fire_all(self, client, line):
         for item in range(6):
             line.send(BUY_ACCEPTED, item, 1, 0)
-        line.sync()
+        line.ask()
         for item in range(5):
             self.display.xdotool("key", f"F{item + 1}")
             self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [str(item).encode()]))
@@ -166,7 +167,7 @@ class Keys(DesktopTest):
         self.display.xdotool("key", "F6")
         self.assertEqual(line.frames_during(0.5), [])
         line.send(POWERUP_ON, 7, 0)
-        line.sync()
+        line.ask()
         self.display.xdotool("key", "F6")
         self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [b"5"]))
 

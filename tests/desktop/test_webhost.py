@@ -30,7 +30,7 @@ class Request:
 
     def __init__(self, connection):
         self.connection = connection
-        connection.settimeout(10)
+        connection.settimeout(harness.PATIENCE)
         self.head = b""
         while not self.head.endswith(b"\r\n\r\n"):
             data = connection.recv(4096)
@@ -89,7 +89,7 @@ class WebHost:
         for end in (self.listener.accept()[0], self.plug):
             end.close()
 
-    def request_for(self, path, seconds=10.0):
+    def request_for(self, path, seconds=harness.PATIENCE):
         """The next request for the path; other ones are left without an answer."""
         self.listener.settimeout(seconds)
         while True:
@@ -280,7 +280,7 @@ class Finder(WebTest):
                 client, finder = self.start_finder(host)
                 self.list_request(host).send(bad + b"-END-")
                 self.answer_box(client.wait_for_window(BOX))
-                self.assertEqual(client.process.wait(5), 1)
+                self.assertEqual(client.process.wait(harness.PATIENCE), 1)
                 self.assertIn("Run-time error", client.output())
                 client.close()
 
@@ -368,7 +368,7 @@ class OwnWebHost(WebTest):
 
     def servers_listed(self, server):
         query = f"gethosts.php?version={harness.VERSION}&password=1&full=1&empty=1"
-        with urllib.request.urlopen(f"http://{server.web_host}/games/kelvora/{query}", timeout=10) as answer:
+        with urllib.request.urlopen(f"http://{server.web_host}/games/kelvora/{query}", timeout=harness.PATIENCE) as answer:
             return answer.read().count(b"[")
 
     def test_server_lists_itself_and_is_joined(self):
@@ -430,7 +430,7 @@ class OwnWebHost(WebTest):
         """Hands the client's request on to the server: the request, and the server's whole answer."""
         request = host.request_for(b"ver.txt")
         name, port = server.web_host.split(":")
-        with socket.create_connection((name, int(port)), 10) as upstream:
+        with socket.create_connection((name, int(port)), harness.PATIENCE) as upstream:
             upstream.sendall(request.head)
             answer = b""
             while data := upstream.recv(4096):

@@ -109,7 +109,7 @@ class Layout(DesktopTest):
         client.wait_for_status((255, 128, 128))
         # The chat's box (64, 0, 64) moved down with the canvas: 105 twips below it, 1440 from the left, 360 high.
         x, y = client.on_screen(1440 // 15 + 20, 758 + 105 // 15 + 360 // 15 // 2)
-        self.assertEqual(self.display.picture().pixel(x, y), (64, 0, 64))
+        harness.wait_for(lambda: self.display.picture().pixel(x, y) == (64, 0, 64), "the chat's box")
         # Its old place, 9225 twips from the top, belongs to the canvas now.
         x, y = client.on_screen(1440 // 15 + 20, 9225 // 15 + 12)
         self.assertNotEqual(self.display.picture().pixel(x, y), (64, 0, 64))

@@ -26,6 +26,9 @@ CLIENT_AREA = (894, 670)  # pixels of the main window below its menu, as designe
 # What the canvas leaves of the client area, in pixels, at any size of the window.
 BESIDE_CANVAS = (131, 62)
 
+# Seconds to wait for what happens at once on an idle machine. Nothing waits longer than it has to.
+PATIENCE = 60.0
+
 START, END, SEPARATOR = 128, 129, 130
 POSITION_REPORT, PING, PING_REPLY, POSITION, LOGIN, LOGIN_DENIED, LOGIN_ACCEPTED, PLAYER_JOINED = range(131, 139)
 CHAT, SERVER_TEXT = 144, 162
@@ -47,7 +50,7 @@ def on_display(action):
         display.close()
 
 
-def wait_for(condition, what, seconds=20.0, pause=0.05):
+def wait_for(condition, what, seconds=PATIENCE, pause=0.05):
     """The first true result of `condition`; fails the test when there is none in time. `what` names it, and may be a call
     that does."""
     deadline = time.monotonic() + seconds
@@ -60,7 +63,7 @@ def wait_for(condition, what, seconds=20.0, pause=0.05):
         time.sleep(pause)
 
 
-def wait_until_it_holds(assertion, seconds=20.0, pause=0.05):
+def wait_until_it_holds(assertion, seconds=PATIENCE, pause=0.05):
     """Returns once `assertion` passes; fails the test as it failed last when it does not pass in time."""
     deadline = time.monotonic() + seconds
     while True:
@@ -188,14 +191,14 @@ class Display:
 
     def run(self, *command):
         return subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL, capture_output=True, text=True,
-                              timeout=20).stdout
+                              timeout=PATIENCE).stdout
 
     def xdotool(self, *arguments):
         return self.run("xdotool", *[str(argument) for argument in arguments])
 
     def picture(self):
         return Picture(subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"], env=self.environment,
-                                      stdin=subprocess.DEVNULL, capture_output=True, timeout=20, check=True).stdout)
+                                      stdin=subprocess.DEVNULL, capture_output=True, timeout=PATIENCE, check=True).stdout)
 
 
 class Window:
@@ -394,7 +397,7 @@ class Line:
     def send(self, identifier, *fields):
         self.send_bytes(frame(identifier, *fields))
 
-    def recv_bytes(self, seconds=10.0):
+    def recv_bytes(self, seconds=PATIENCE):
         """The bytes of the next frame, delimiters included; None once the other side has closed."""
         deadline = time.monotonic() + seconds
         while END not in self.received:
@@ -411,7 +414,7 @@ class Line:
         whole, _, self.received = self.received.partition(bytes([END]))
         return whole + bytes([END])
 
-    def recv_frame(self, seconds=10.0):
+    def recv_frame(self, seconds=PATIENCE):
         """The id and the fields of the next frame; None once the other side has closed."""
         data = self.recv_bytes(seconds)
         if data is None:
@@ -433,20 +436,30 @@ class Line:
             frames.append(received)
         return frames
 
-    def sync(self):
-        """Returns once the client has taken in all that was sent: it has answered a ping, and a report follows. Frames
-        ahead of the answer are passed over."""
+    def ask(self):
+        """Returns once the client has taken in all that was sent: its time of day in seconds and the ball's place, which
+        it tells in answer to a ping. Frames ahead of the answer are passed over."""
         self.send(PING, 1)
-        while self.recv_frame()[0] != PING_REPLY:
+        while (received := self.recv_frame())[0] != PING_REPLY:
             pass
-        assert self.recv_frame()[0] == POSITION_REPORT
+        seconds = float(received[1][0])
+        identifier, place = self.recv_frame()
+        assert identifier == POSITION_REPORT
+        return seconds, tuple(float(coordinate) for coordinate in place)
 
     def wait_for_paint(self):
-        """Returns once a frame has been painted since the client took in all that was sent."""
-        self.sync()
-        self.sync()
+        """Returns once a frame has been painted since the client took in all that was sent, with the ball's place. One
+        pass answers for 10 ms, so what it answers later comes from another pass."""
+        begin = self.ask()[0]
+        while abs(self.ask()[0] - begin) < 0.05:
+            pass
+        return self.ask()[1]
 
-    def report(self, seconds=10.0):
+    def wait_for_rest(self):
+        """The place where the ball has come to rest: it is painted there again and again."""
+        return wait_for_rest(self.wait_for_paint, "the ball", looks=2)
+
+    def report(self, seconds=PATIENCE):
         """The next position report as a pair of numbers; other frames are passed over."""
         while True:
             identifier, fields = self.recv_frame(seconds)
@@ -467,7 +480,7 @@ class ScriptedServer:
         self.port = self.listener.getsockname()[1]
         self.lines = []
 
-    def accept(self, seconds=20.0):
+    def accept(self, seconds=PATIENCE):
         self.listener.settimeout(seconds)
         self.lines.append(Line(self.listener.accept()[0]))
         return self.lines[-1]

@@ -150,7 +150,7 @@ class Pilot:
         left, top = self.client.on_screen(width + 225 // TWIPS + 54, 5760 // TWIPS + 25)
         self.client.display.xdotool("mousemove", left, top, "click", 1)
 
-    def play_until(self, condition, what, seconds=70):
+    def play_until(self, condition, what, seconds=200):
         """Flies, and after each death asks for the next life and releases the brakes, until the condition holds."""
         self.client.canvas = self.client.canvas_size()
         origin = self.client.on_screen(0, 0)

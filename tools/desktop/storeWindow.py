@@ -30,6 +30,7 @@ class StoreWindow:
         left, top = client.on_screen(width + 225 // TWIPS + 49, 4800 // TWIPS + 20)
         client.display.xdotool("mousemove", left, top, "click", 1)
         self.window = client.wait_for_window("Powerups")
+        harness.wait_for(lambda: self.price_colour(5) in (WHITE, TOO_DEAR), "the store's picture")
 
     def click(self, place, item=0):
         left, top, width, height = place
