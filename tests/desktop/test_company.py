@@ -1,6 +1,5 @@
 """Two real clients in one game: what each sees of the other, whom a chat line reaches, and a capture on both screens."""
 
-import math
 import socket
 import threading
 
@@ -144,6 +143,8 @@ class OnAScriptedServer(Company):
             self.lines.append(line)
         self.lines[0].send(JOINED, 4, 3, "Bob", 51500, 50000, 1, 0)
         self.lines[1].send(JOINED, 1, 0, "Ann", 50000, 50000, 1, 0)
+        for line in self.lines:
+            line.ask()
 
     def relay_bob(self, stop, reports):
         while not stop.is_set():
@@ -175,14 +176,11 @@ class OnAScriptedServer(Company):
         self.bob.mouse_to(763 // 2 + 12 * side, 304 - 6 * side)
 
     def sees_tail(self, reports):
-        """Behind the ball, but not so far that it has faded."""
-        if not reports:
-            return False
-        x, y = reports[-1]
-        if abs(x - 50000) > 4000:
-            self.steer_bob(-1 if x > 50000 else 1)
-        behind = [place for place in reports[-60:] if 450 < math.dist(place, (x, y)) < 1200]
-        return behind and self.tail_at(self.display.picture(), behind[len(behind) // 2])
+        """At several of the last places; the ball has no pixel in the tail's colours."""
+        if reports and abs(reports[-1][0] - 50000) > 4000:
+            self.steer_bob(-1 if reports[-1][0] > 50000 else 1)
+        picture = self.display.picture()
+        return sum(self.tail_at(picture, place) for place in reports[-60:]) >= 3
 
     def sees_ball(self, reports):
         x, y = reports[-1]

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 #include <vector>
 
 #include "tests/support/gameTest.h"
@@ -372,11 +372,11 @@ TEST_F(Tails, AHundredThousandVerticesEndInOnePass) {
   for (int i = 0; i < 100000; ++i) player.addTail({-90000, 0});
   pass();
   pass(10);
-  const auto begin = std::chrono::steady_clock::now();
+  const std::clock_t begin = std::clock();
   pass(2020);
-  const auto elapsed = std::chrono::steady_clock::now() - begin;
+  const double seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;  // of the processor
   EXPECT_EQ(player.tailCount(), 0);
-  EXPECT_LT(elapsed, std::chrono::seconds(5));
+  EXPECT_LT(seconds, 5);
 }
 
 }  // namespace

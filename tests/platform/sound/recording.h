@@ -61,9 +61,9 @@ class TemporaryFolder {
   std::filesystem::path path_;
 };
 
-/// Looks again and again, for ten seconds at most.
+/// Looks again and again, for a minute at most.
 inline bool waitFor(const std::function<bool()>& isDone) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
   while (!isDone()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(5));

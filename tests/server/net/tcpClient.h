@@ -16,12 +16,12 @@
 
 namespace kelvora::server {
 
-/// A blocking loopback client that gives up after five seconds of silence.
+/// A blocking loopback client that gives up after a minute of silence.
 class TcpClient {
  public:
   /// `host` is the last byte of its own address, 127.0.0.`host`.
   explicit TcpClient(std::uint16_t port, std::uint32_t host = 1) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
-    const timeval patience{5, 0};
+    const timeval patience{60, 0};
     ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     sockaddr_in address{};
     address.sin_family = AF_INET;

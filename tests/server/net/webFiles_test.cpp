@@ -214,13 +214,13 @@ TEST_F(WebFilesTest, ASlowRequestIsCutOffAfterFiveSeconds) {
   TcpClient silent(port, 3);
   TcpClient slow(port, 2);
   slow.write("GET /games/kelvora/ver.txt HT");
-  while (slow.tryWrite("x") && std::chrono::steady_clock::now() - start < std::chrono::seconds(20)) {
+  while (slow.tryWrite("x") && std::chrono::steady_clock::now() - start < std::chrono::seconds(60)) {
     expectToBeThere();  // one of the others, meanwhile
     std::this_thread::sleep_for(std::chrono::milliseconds(600));
   }
   const auto time = std::chrono::steady_clock::now() - start;
   EXPECT_GT(time, std::chrono::seconds(4));
-  EXPECT_LT(time, std::chrono::seconds(20));
+  EXPECT_LT(time, std::chrono::seconds(60));
 }
 
 TEST_F(WebFilesTest, ManyAreServedOneBehindTheOther) {

@@ -26,8 +26,8 @@ class WebSocketClient : public TcpClient {
            more + "\r\n";
   }
   /// Requests the upgrade. True if the server agrees.
-  bool open(const std::string& more = {}) {
-    write(handshake("/play", more));
+  bool open(const std::string& more = {}, const std::string& path = "/play") {
+    write(handshake(path, more));
     while (arrived_.find("\r\n\r\n") == std::string::npos) {
       if (!receive()) return false;
     }
