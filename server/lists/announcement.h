@@ -17,6 +17,8 @@ inline constexpr std::size_t maxNotesLength = 200;  ///< bytes
 struct Announcement {
   std::string version;
   HostEntry host;
+
+  bool operator==(const Announcement&) const = default;
 };
 
 /// The announcement as a request's query: "version=9.8.7&address=...&port=2010&password=0&notes=...&players=1&max=6".

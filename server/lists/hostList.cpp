@@ -6,7 +6,7 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr std::string_view endMark = "-END-";
+constexpr std::string_view endMark = endOfList.substr(0, endOfList.size() - 1);  // what clients look for
 
 }  // namespace
 
@@ -36,22 +36,9 @@ std::string hostRecord(const HostEntry& host) {
          "]";
 }
 
-std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query,
-                     const std::string& others) {
-  const std::string records = matches(host, version, query) ? hostRecord(host) : "";
-  return records + others + std::string(endMark) + "\n";
-}
-
 std::string updateFile(std::string_view version) {
   // Clients ignore the last character of the answer.
   return "tvqver:" + std::string(version) + "\n";
-}
-
-std::string_view pathOf(std::string_view target) {
-  const std::size_t scheme = target.find("://");
-  if (target.starts_with('/') || scheme == std::string_view::npos) return target;
-  const std::size_t path = target.find('/', scheme + 3);
-  return path == std::string_view::npos ? "/" : target.substr(path);
 }
 
 }  // namespace kelvora::server

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,6 +19,8 @@ struct HostEntry {
   std::string notes;
   std::size_t players = 0;
   std::size_t maxPlayers = 0;
+
+  bool operator==(const HostEntry&) const = default;
 };
 
 /// A client's query.
@@ -26,6 +29,8 @@ struct HostQuery {
   bool withPassword = true;  ///< includes hosts with a password
   bool withFull = true;
   bool withEmpty = true;
+
+  auto operator<=>(const HostQuery&) const = default;
 };
 
 /// Replaces a record's delimiters and the end mark by blanks.
@@ -36,15 +41,11 @@ bool matches(const HostEntry& host, std::string_view version, const HostQuery& q
 /// "[address|port|password|notes|players|maxPlayers]" with a password of 0 or 1.
 std::string hostRecord(const HostEntry& host);
 
-/// The body of the answer: the host's record if it matches, the other records, and the end mark. Nothing separates
-/// records, because clients would take it for the beginning of the next address.
-std::string hostList(const HostEntry& host, std::string_view version, const HostQuery& query,
-                     const std::string& others = {});
+/// Ends a list. Nothing stands between the records before it: clients would take it for the beginning of the next
+/// address.
+inline constexpr std::string_view endOfList = "-END-\n";
 
 /// The body of the file with which clients compare their version.
 std::string updateFile(std::string_view version);
-
-/// The path of an HTTP target: "http://host:80/a" is "/a", and "/a" stays. "/" for an absolute address without a path.
-std::string_view pathOf(std::string_view target);
 
 }  // namespace kelvora::server

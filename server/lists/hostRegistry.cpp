@@ -10,6 +10,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
   const Key key{announcement.host.address, announcement.host.port};
   if (const auto found = hosts_.find(key); found != hosts_.end()) {
     if (found->second.network != network) return Answer::anothers;
+    if (found->second.announcement != announcement) listings_.clear();
     found->second = {network, announcement, now};
     return Answer::done;
   }
@@ -18,6 +19,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
       std::ranges::count_if(hosts_, [&](const auto& entry) { return entry.second.network == network; });
   if (!isTrusted && static_cast<std::size_t>(ofNetwork) >= maxPerNetwork) return Answer::tooManyOfNetwork;
   hosts_.insert({key, {network, announcement, now}});
+  listings_.clear();
   return Answer::done;
 }
 
@@ -27,22 +29,29 @@ HostRegistry::Answer HostRegistry::withdraw(const std::string& network, const Ho
   if (found == hosts_.end()) return Answer::done;
   if (found->second.network != network) return Answer::anothers;
   hosts_.erase(found);
+  listings_.clear();
   return Answer::done;
 }
 
-std::string HostRegistry::records(const HostQuery& query, Millis now) {
+std::shared_ptr<const std::string> HostRegistry::listing(const HostQuery& query, Millis now) {
   forget(now);
-  std::string records;
+  if (const auto found = listings_.find(query); found != listings_.end()) return found->second;
+  std::string text;
+  bool isVersionKnown = false;
   for (const auto& [key, host] : hosts_) {
-    if (matches(host.announcement.host, host.announcement.version, query)) {
-      records += hostRecord(host.announcement.host);
-    }
+    const auto& [version, entry] = host.announcement;
+    if (matches(entry, version, query)) text += hostRecord(entry);
+    isVersionKnown = isVersionKnown || version == query.version;
   }
-  return records;
+  text += endOfList;
+  const auto shared = std::make_shared<const std::string>(std::move(text));
+  if (isVersionKnown) listings_.emplace(query, shared);
+  return shared;
 }
 
 void HostRegistry::forget(Millis now) {
-  std::erase_if(hosts_, [&](const auto& entry) { return now - entry.second.since >= lifetime; });
+  const auto isOver = [&](const auto& entry) { return now - entry.second.since >= lifetime; };
+  if (std::erase_if(hosts_, isOver) > 0) listings_.clear();
 }
 
 }  // namespace kelvora::server

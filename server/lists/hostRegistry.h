@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -24,8 +25,8 @@ class HostRegistry {
   Answer announce(const std::string& network, const Announcement& announcement, Millis now, bool isTrusted = false);
   /// Removes the entry with this address and port, if there is one.
   Answer withdraw(const std::string& network, const HostEntry& host, Millis now);
-  /// The matching records, concatenated.
-  std::string records(const HostQuery& query, Millis now);
+  /// The matching records, concatenated, and the end of the list. Callers share one text until an entry changes.
+  std::shared_ptr<const std::string> listing(const HostQuery& query, Millis now);
   std::size_t size() const { return hosts_.size(); }
 
  private:
@@ -39,6 +40,8 @@ class HostRegistry {
   void forget(Millis now);
 
   std::map<Key, Host> hosts_;
+  // Versions that no entry has are not kept, so this is bounded by the entries.
+  std::map<HostQuery, std::shared_ptr<const std::string>> listings_;
 };
 
 }  // namespace kelvora::server

@@ -62,7 +62,9 @@ HttpAnswer ListPages::answer(const HttpRequest& request, const Peer& peer, Milli
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
   if (path == updatePath) return page(200, updateFile(version_));
   const HostQuery query = hostQuery(request);
-  return page(200, hostList(host_, version_, query, registry_.records(query, now)));
+  HttpAnswer answer = page(200, matches(host_, version_, query) ? hostRecord(host_) : "");
+  answer.append(registry_.listing(query, now));
+  return answer;
 }
 
 HttpAnswer ListPages::announce(const HttpRequest& request, const Peer& peer, Millis now) {

@@ -18,6 +18,7 @@ bool beginsRequest(char first) { return first >= 'A' && first <= 'Z'; }
 
 Connection::Connection(asio::ip::tcp::socket socket, ClientId client, Handlers handlers)
     : stream_(std::move(socket)), client_(client), handlers_(std::move(handlers)) {
+  if (handlers_.onForwarded) proxyLine_ = std::make_unique<ProxyLine>();
   await(openingTime, "sent nothing");
 }
 
@@ -63,8 +64,21 @@ void Connection::readMore() {
 bool Connection::take(std::string_view bytes) {
   // While hanging up, incoming bytes are read and dropped. Unread ones would destroy the goodbye in transit.
   if (hangingUp_ || bytes.empty()) return true;
+  if (proxyLine_) return readProxyLine(bytes);
   if (speech_ == Speech::opening) return open(bytes);
   return speech_ == Speech::game ? takeFrames(bytes) : takeRequest(bytes);
+}
+
+bool Connection::readProxyLine(std::string_view bytes) {
+  const ProxyLine::Result result = proxyLine_->read(bytes);
+  if (result == ProxyLine::Result::partial) return true;
+  const auto line = std::exchange(proxyLine_, nullptr);
+  if (result == ProxyLine::Result::malformed) {
+    close("is not named by its proxy");
+    return false;
+  }
+  if (result == ProxyLine::Result::complete) handlers_.onForwarded(client_, line->address());
+  return closed_ ? false : take(line->rest());
 }
 
 bool Connection::open(std::string_view bytes) {
@@ -128,6 +142,7 @@ bool Connection::answer(const HttpRequest& request) {
   if (!request.isHead()) {
     queued_ += answer.body;
     body_ = std::move(answer.more);
+    if (body_) queued_ += body_(bodyPiece);  // what is small goes out in one piece
   }
   writeMore();
   return false;  // reading pauses until it is written
@@ -171,6 +186,7 @@ void Connection::writeMore() {
   underWay_.swap(queued_);
   stream_.write(asio::buffer(underWay_), [self = shared_from_this()](error_code error, std::size_t) {
     self->underWay_.clear();
+    if (self->underWay_.capacity() > bodyPiece) std::string().swap(self->underWay_);  // a burst's memory
     if (self->closed_) return;
     if (error) return self->close(error.message());
     if (self->speech_ == Speech::answering && !self->hangingUp_) self->await(answerTime, "does not read");

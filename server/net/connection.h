@@ -11,6 +11,7 @@
 #include "protocol/frameReader.h"
 #include "server/arena/clientId.h"
 #include "server/net/clientStream.h"
+#include "server/net/proxyLine.h"
 #include "server/web/http.h"
 
 namespace kelvora::server {
@@ -30,6 +31,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   static constexpr std::chrono::seconds goodbyeTime{2};            ///< for the client to take the last message
 
   struct Handlers {
+    /// Called when the connection comes from a proxy and begins with the line that names the client. Set for
+    /// connections from a proxy only.
+    std::function<void(ClientId client, const asio::ip::address& address)> onForwarded;
     /// Called when the client speaks the game's protocol. Frames follow.
     std::function<void(ClientId client)> onGame;
     std::function<void(ClientId client, std::string_view text)> onFrame;
@@ -59,6 +63,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void readMore();
   /// True if reading should go on.
   bool take(std::string_view bytes);
+  bool readProxyLine(std::string_view bytes);
   bool open(std::string_view bytes);
   bool takeFrames(std::string_view bytes);
   bool takeRequest(std::string_view bytes);
@@ -76,6 +81,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Clock::time_point deadline_;
   const char* overdue_ = "";  // the reason if the deadline passes
   wire::FrameReader frames_;
+  std::unique_ptr<ProxyLine> proxyLine_;  // null once it is known
   std::unique_ptr<HttpReader> request_;
   BodySource body_;  // the rest of an answer
   bool keepsAlive_ = false;

@@ -113,24 +113,31 @@ void GameServer::welcome(asio::ip::tcp::socket socket) {
   const auto peer = socket.remote_endpoint(error);
   if (error) return;  // already gone; leaving this scope closes the socket
   Guest guest{.connection = nullptr, .address = unmapped(peer.address()), .network = {}};
-  if (guest.address != trustedProxy_ && !admit(guest, guest.address)) return;
+  guest.isForwarded = guest.address == trustedProxy_;
+  if (!guest.isForwarded && !admit(guest, guest.address)) return;
   if (guests_.size() >= maxConnections && !makeRoom()) {
     door_.left(guest.network);
     return log_("turned away " + guest.address.to_string() + ": no room");
   }
   const ClientId client = ++lastClient_;
-  const Connection::Handlers handlers{
+  Connection::Handlers handlers{
+      .onForwarded = {},
       .onGame = [this](ClientId from) { beginGame(from); },
       .onFrame = [this](ClientId from, std::string_view text) { arena_.received(from, text, now()); },
       .onRequest = [this](ClientId from, const HttpRequest& request) { return answer(from, request); },
       .onClosed = [this](ClientId gone, const std::string& reason) { closed(gone, reason); }};
-  guest.connection = std::make_shared<Connection>(std::move(socket), client, handlers);
+  if (guest.isForwarded) {
+    handlers.onForwarded = [this](ClientId from, const asio::ip::address& address) { forwarded(from, address); };
+  }
+  guest.connection = std::make_shared<Connection>(std::move(socket), client, std::move(handlers));
   guests_.emplace(client, guest);
   guest.connection->start();
 }
 
 bool GameServer::admit(Guest& guest, const asio::ip::address& address) {
   const std::string network = networkOf(address);
+  if (network == guest.network) return true;
+  if (const std::string before = std::exchange(guest.network, {}); !before.empty()) door_.left(before);
   if (!door_.admits(network, now())) {
     log_("turned away " + network + ": too many connections");
     return false;
@@ -138,6 +145,12 @@ bool GameServer::admit(Guest& guest, const asio::ip::address& address) {
   guest.address = unmapped(address);
   guest.network = network;
   return true;
+}
+
+void GameServer::forwarded(ClientId client, const asio::ip::address& address) {
+  Guest& guest = guests_.at(client);
+  guest.isForwarded = false;
+  if (!admit(guest, address)) guest.connection->hangUp();
 }
 
 void GameServer::beginGame(ClientId client) {
@@ -149,7 +162,7 @@ void GameServer::beginGame(ClientId client) {
 
 HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   Guest& guest = guests_.at(client);
-  if (guest.network.empty()) {
+  if (guest.isForwarded) {
     const auto address = forwardedAddress(request);
     if (!address) return refusal(400, "The proxy names no client address.\n");
     if (!admit(guest, *address)) return refusal(429, "There are too many connections from your address.\n");
@@ -157,7 +170,10 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   const std::string_view path = request.path();
   if (path == playPath) {
     if (!request.isUpgrade) return refusal(426, "This is for the game, over WebSocket.\n");
-    if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) return {.status = 101};
+    if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) {
+      guest.isForwarded = false;  // from here on the client itself speaks
+      return {.status = 101};
+    }
     log_("turned away a page of another origin");
     return refusal(403, "Pages from other sites may not play here.\n");
   }

@@ -45,7 +45,8 @@ class GameServer : private ArenaOutput {
   struct Guest {
     std::shared_ptr<Connection> connection;
     asio::ip::address address;
-    std::string network;  ///< the one that the door's limits apply to; empty until a proxy has named it
+    std::string network;       ///< the one that the door's limits apply to; empty until a proxy has named it
+    bool isForwarded = false;  ///< a proxy may name another client with each request
   };
 
   void send(ClientId client, const std::string& frame) override;
@@ -54,8 +55,9 @@ class GameServer : private ArenaOutput {
 
   Listener::Handlers listenerHandlers();
   void welcome(asio::ip::tcp::socket socket);
-  /// Counts the guest at the door as coming from this address. False if it must go.
+  /// Counts the guest at the door as coming from this address only. False if it must go.
   bool admit(Guest& guest, const asio::ip::address& address);
+  void forwarded(ClientId client, const asio::ip::address& address);
   void beginGame(ClientId client);
   HttpAnswer answer(ClientId client, const HttpRequest& request);
   HttpAnswer homePage() const;

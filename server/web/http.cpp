@@ -85,6 +85,15 @@ HttpReader::Result HttpReader::read(std::string_view bytes) {
   return Result::complete;
 }
 
+void HttpAnswer::append(std::shared_ptr<const std::string> text) {
+  moreSize = text->size();
+  more = [text = std::move(text), at = std::size_t{0}](std::size_t size) mutable {
+    std::string piece = text->substr(at, size);
+    at += piece.size();
+    return piece;
+  };
+}
+
 std::string HttpAnswer::head(bool keepsAlive) const {
   std::string result = "HTTP/1.1 " + std::to_string(status) + " " +
                        text(http::obsolete_reason(static_cast<http::status>(status))) + "\r\n";

@@ -68,7 +68,7 @@ void announcements(Input input) {
       registry.announce(network, announcement, now);
     }
   }
-  const std::string list = hostList({}, "none", query, registry.records(query, now));
+  const std::string list = *registry.listing(query, now);
   require(list.size() <= std::size_t{1} << 20 && list.find("-END-") == list.size() - 6);
   std::size_t records = 0;
   for (Input rest(list.data(), list.size()); !rest.isEmpty(); ++records) {

@@ -23,10 +23,10 @@ constexpr Millis hour = 3'600'000;
 TEST(HostRegistry, KeepsAnEntryForAnHourAfterItsLastAnnouncement) {
   HostRegistry registry;
   EXPECT_EQ(registry.announce("a", of("192.0.2.7", 2010), 1'000), Answer::done);
-  EXPECT_EQ(registry.records(all, 1'000 + hour - 1), "[192.0.2.7|2010|0|n|3|6]");
+  EXPECT_EQ(*registry.listing(all, 1'000 + hour - 1), "[192.0.2.7|2010|0|n|3|6]-END-\n");
   EXPECT_EQ(registry.announce("a", of("192.0.2.7", 2010, 4), 500'000), Answer::done);
-  EXPECT_EQ(registry.records(all, 1'000 + hour), "[192.0.2.7|2010|0|n|4|6]");
-  EXPECT_EQ(registry.records(all, 500'000 + hour), "");
+  EXPECT_EQ(*registry.listing(all, 1'000 + hour), "[192.0.2.7|2010|0|n|4|6]-END-\n");
+  EXPECT_EQ(*registry.listing(all, 500'000 + hour), "-END-\n");
   EXPECT_EQ(registry.size(), 0U);
 }
 
@@ -35,10 +35,10 @@ TEST(HostRegistry, ListsMatchingEntries) {
   registry.announce("a", of("one.example", 1, 0), 0);
   registry.announce("a", of("two.example", 2, 6), 0);
   registry.announce("a", of("old.example", 3, 3, "1.2.0"), 0);
-  EXPECT_EQ(registry.records(all, 0), "[one.example|1|0|n|0|6][two.example|2|0|n|6|6]");
-  EXPECT_EQ(registry.records({.version = KELVORA_VERSION, .withFull = false}, 0), "[one.example|1|0|n|0|6]");
-  EXPECT_EQ(registry.records({.version = KELVORA_VERSION, .withEmpty = false}, 0), "[two.example|2|0|n|6|6]");
-  EXPECT_EQ(registry.records({.version = "1.2.0"}, 0), "[old.example|3|0|n|3|6]");
+  EXPECT_EQ(*registry.listing(all, 0), "[one.example|1|0|n|0|6][two.example|2|0|n|6|6]-END-\n");
+  EXPECT_EQ(*registry.listing({.version = KELVORA_VERSION, .withFull = false}, 0), "[one.example|1|0|n|0|6]-END-\n");
+  EXPECT_EQ(*registry.listing({.version = KELVORA_VERSION, .withEmpty = false}, 0), "[two.example|2|0|n|6|6]-END-\n");
+  EXPECT_EQ(*registry.listing({.version = "1.2.0"}, 0), "[old.example|3|0|n|3|6]-END-\n");
 }
 
 TEST(HostRegistry, OnlyItsAnnouncerChangesOrWithdrawsAnEntry) {
@@ -46,10 +46,10 @@ TEST(HostRegistry, OnlyItsAnnouncerChangesOrWithdrawsAnEntry) {
   registry.announce("a", of("192.0.2.7", 2010), 0);
   EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2010, 6), 1), Answer::anothers);
   EXPECT_EQ(registry.withdraw("b", of("192.0.2.7", 2010).host, 1), Answer::anothers);
-  EXPECT_EQ(registry.records(all, 1), "[192.0.2.7|2010|0|n|3|6]");
+  EXPECT_EQ(*registry.listing(all, 1), "[192.0.2.7|2010|0|n|3|6]-END-\n");
   EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2011), 1), Answer::done) << "another port is another server";
   EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done);
-  EXPECT_EQ(registry.records(all, 1), "[192.0.2.7|2011|0|n|3|6]");
+  EXPECT_EQ(*registry.listing(all, 1), "[192.0.2.7|2011|0|n|3|6]-END-\n");
   EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done) << "it is gone already";
   EXPECT_EQ(registry.announce("c", of("192.0.2.7", 2011), 1 + hour), Answer::done) << "the hour is over";
 }
@@ -75,9 +75,40 @@ TEST(HostRegistry, HoldsAThousandEntriesAndAClientTakesThem) {
   }
   longest.host.port = 2'000;
   EXPECT_EQ(registry.announce("late", longest, 0), Answer::full);
-  EXPECT_LT(registry.records(all, 0).size(), 1U << 20) << "the longest answer that a client reads";
+  EXPECT_LT(registry.listing(all, 0)->size(), 1U << 20) << "the longest answer that a client reads";
   EXPECT_EQ(registry.announce("late", longest, hour), Answer::done);
   EXPECT_EQ(registry.size(), 1U);
+}
+
+TEST(HostRegistry, EverybodySharesAListingUntilAnEntryChanges) {
+  HostRegistry registry;
+  registry.announce("a", of("one.example", 1), 0);
+  const auto first = registry.listing(all, 0);
+  registry.announce("a", of("one.example", 1), 1'000);
+  EXPECT_EQ(registry.listing(all, 1'000), first) << "nothing is new";
+  EXPECT_NE(registry.listing({.version = "1.2.1", .withFull = false}, 1'000), first);
+  auto expectNew = [&, last = first](Millis now, const std::string& records) mutable {
+    EXPECT_EQ(*registry.listing(all, now), records + "-END-\n");
+    EXPECT_NE(registry.listing(all, now), last);
+    EXPECT_EQ(registry.listing(all, now), registry.listing(all, now));
+    last = registry.listing(all, now);
+  };
+  registry.announce("a", of("one.example", 1, 4), 2'000);
+  expectNew(2'000, "[one.example|1|0|n|4|6]");
+  registry.announce("b", of("two.example", 2), 3'000);
+  expectNew(3'000, "[one.example|1|0|n|4|6][two.example|2|0|n|3|6]");
+  registry.withdraw("a", of("one.example", 1).host, 4'000);
+  expectNew(4'000, "[two.example|2|0|n|3|6]");
+  EXPECT_EQ(*registry.listing(all, 3'000 + hour), "-END-\n");
+  EXPECT_EQ(*first, "[one.example|1|0|n|3|6]-END-\n") << "an answer that is under way stays whole";
+}
+
+TEST(HostRegistry, ListingsOfUnknownVersionsAreNotKept) {
+  HostRegistry registry;
+  registry.announce("a", of("one.example", 1), 0);
+  const auto unknown = registry.listing({.version = "9"}, 0);
+  EXPECT_EQ(*unknown, "-END-\n");
+  EXPECT_EQ(unknown.use_count(), 1);
 }
 
 /// Reads the query as a web server would, of which nothing but these characters is escaped.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 
@@ -211,16 +212,30 @@ TEST(WebSocketOrigin, OtherPagesMayPlayUnlessTheOperatorSaysOtherwise) {
   EXPECT_TRUE(evil.head.starts_with("HTTP/1.1 403 ")) << evil.head;
 }
 
-TEST(TrustedProxy, ItsClientsAreCountedByTheirOwnAddresses) {
-  Options options;
-  options.trustedProxy = "127.0.0.5";
-  const RunningServer server(options);
-  const auto ask = [&](std::uint32_t from, const std::string& forwarded) {
+/// A server that believes the proxy at 127.0.0.5.
+class TrustedProxy : public testing::Test {
+ protected:
+  RunningServer server{[] {
+    Options options;
+    options.trustedProxy = "127.0.0.5";
+    return options;
+  }()};
+
+  std::string statusOf(const std::string& request, std::uint32_t from = 5) const {
     TcpClient client(server.port(), from);
-    client.write("GET /games/kelvora/ver.txt HTTP/1.0\r\n" + forwarded + "\r\n");
+    client.write(request);
     const std::string answer = client.readToEnd();
     return answer.size() < 12 ? std::string() : answer.substr(9, 3);
-  };
+  }
+  std::string ask(std::uint32_t from, const std::string& forwarded) const {
+    return statusOf("GET /games/kelvora/ver.txt HTTP/1.0\r\n" + forwarded + "\r\n", from);
+  }
+  static std::string page(const std::string& address) {
+    return "GET / HTTP/1.1\r\nHost: h\r\nX-Forwarded-For: " + address + "\r\n\r\n";
+  }
+};
+
+TEST_F(TrustedProxy, ItsClientsAreCountedByTheirOwnAddresses) {
   for (int i = 0; i < 60; ++i) {
     ASSERT_EQ(ask(5, "X-Forwarded-For: 192.0.2.1, 198.51.100." + std::to_string(i) + "\r\n"), "200") << i;
   }
@@ -237,6 +252,52 @@ TEST(TrustedProxy, ItsClientsAreCountedByTheirOwnAddresses) {
     others += ask(6, "X-Forwarded-For: 198.51.100." + std::to_string(i) + "\r\n") == "200" ? 1 : 0;
   }
   EXPECT_LT(others, 40);
+}
+
+TEST_F(TrustedProxy, EachRequestOfAKeptConnectionHasAClientOfItsOwn) {
+  // More clients than one address may be, over one connection.
+  std::string requests;
+  for (int i = 0; i < 40; ++i) requests += page("198.51.100." + std::to_string(i));
+  TcpClient kept(server.port(), 5);
+  kept.write(requests + "GET /games/kelvora/ver.txt HTTP/1.0\r\nX-Forwarded-For: 198.51.100.99\r\n\r\n");
+  const std::string all = kept.readToEnd();
+  EXPECT_EQ(all.find("HTTP/1.1 4"), std::string::npos);
+  EXPECT_TRUE(all.ends_with("tvqver:1.2.1\n"));
+  // A client that keeps a connection of the proxy's to itself is one, however many requests it has.
+  TcpClient single(server.port(), 5);
+  std::string many;
+  for (int i = 0; i < 40; ++i) many += page("203.0.113.1");
+  single.write(many + "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
+  EXPECT_NE(single.readToEnd().find("HTTP/1.1 400"), std::string::npos) << "the last one names nobody";
+  for (int i = 0; i < 31; ++i) ASSERT_EQ(ask(5, "X-Forwarded-For: 203.0.113.1\r\n"), "200") << i;
+}
+
+TEST_F(TrustedProxy, InsideAWebSocketTheHeaderDoesNotCount) {
+  WebSocketClient client(server.port(), 5);
+  ASSERT_TRUE(client.open("X-Forwarded-For: 198.51.100.1\r\n"));
+  client.send("GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
+  EXPECT_NE(client.readUntil("tvqver:").find("200 OK"), std::string::npos) << "the proxy can't add to this request";
+}
+
+TEST_F(TrustedProxy, AStreamIsCountedByTheAddressInItsFirstLine) {
+  const auto line = [](const std::string& address) { return "PROXY TCP4 " + address + " 127.0.0.1 50000 2010\r\n"; };
+  const auto request = std::string("GET /games/kelvora/ver.txt HTTP/1.0\r\nX-Forwarded-For: 192.0.2.77\r\n\r\n");
+  for (int i = 0; i < 40; ++i) {
+    ASSERT_EQ(statusOf(line("198.51.100." + std::to_string(i)) + request), "200") << i;
+  }
+  int served = 0;
+  for (int i = 0; i < 40; ++i) served += statusOf(line("203.0.113.9") + request) == "200" ? 1 : 0;
+  EXPECT_GE(served, 32);
+  EXPECT_LT(served, 40) << "what the client itself says does not count";
+  EXPECT_EQ(statusOf("PROXY UNKNOWN\r\n" + request), "");
+  EXPECT_EQ(statusOf(line("198.51.100.99") + request, 6), "400") << "from anybody else it is a broken request";
+
+  Client player(server.port(), 5);
+  player.write("PROXY TCP6 2001:db8::1 ::1 50000 2010\r\n");
+  player.login("Ann");
+  EXPECT_NE(player.readUntil(wire::msgLoginAccepted), "nothing");
+  const auto log = server.log();
+  EXPECT_TRUE(std::ranges::any_of(log, [](const std::string& text) { return text.ends_with("from 2001:db8::1"); }));
 }
 
 }  // namespace

@@ -1,0 +1,223 @@
+"""A real server, and what the tests need to meet it with other people's programs: frames, ports, nginx. Everything stays on
+this machine, and everything that is started here is ended here."""
+
+import os
+import pathlib
+import random
+import re
+import shutil
+import signal
+import socket
+import ssl
+import subprocess
+import tempfile
+import time
+
+SERVER = os.environ["KELVORA_SERVER"]
+PROJECT = pathlib.Path(__file__).resolve().parents[3]
+VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())[1]
+
+START, END, SEPARATOR = b"\x80", b"\x81", b"\x82"
+POSITION_REPORT, PING, PING_REPLY, POSITION, LOGIN = 131, 132, 133, 134, 135
+LOGIN_ACCEPTED, PLAYER_JOINED, PLAYER_LEFT, CAPTURE, ROUND_OVER, CHAT = 137, 138, 140, 141, 142, 144
+FUNDS, BUY_REQUEST, BUY_ACCEPTED, SPAWN_REQUEST, RESPAWN = 148, 149, 151, 152, 154
+ACTIVATE_REQUEST, POWERUP_ON, POWERUP_OFF = 155, 156, 161
+
+
+def frame(message, *fields):
+    return START + bytes([message]) + SEPARATOR.join(str(field).encode("latin-1") for field in fields) + END
+
+
+def login(name, colour=0):
+    return frame(LOGIN, name, "", colour, VERSION)
+
+
+def wait_for(condition, what, seconds=30.0):
+    """The first true result of `condition`; an error when there is none in time."""
+    deadline = time.monotonic() + seconds
+    while not (result := condition()):
+        if time.monotonic() > deadline:
+            raise AssertionError(f"not within {seconds} s: {what}")
+        time.sleep(0.01)
+    return result
+
+
+def free_port():
+    """The connect dialog and the lists take no port above 32766."""
+    while True:
+        try:
+            with socket.create_server(("127.0.0.1", random.randrange(20000, 32000))) as probe:
+                return probe.getsockname()[1]
+        except OSError:
+            pass
+
+
+def connect(port, host=1):
+    """From 127.0.0.`host`, which stands for another machine."""
+    return socket.create_connection(("127.0.0.1", port), 20, (f"127.0.0.{host}", 0))
+
+
+def read_to_end(connection):
+    """What comes up to the end of the connection, orderly or not."""
+    data = b""
+    try:
+        while piece := connection.recv(65536):
+            data += piece
+    except ConnectionResetError:
+        pass
+    return data
+
+
+class Server:
+    """The program. `end` and the end of a `with` tell it to stop, and fail unless it does so with status 0."""
+
+    def __init__(self, *options):
+        self.log_file = tempfile.TemporaryFile("w+")
+        self.port = free_port()
+        self.process = subprocess.Popen([SERVER, "--port", str(self.port), *options], stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.PIPE, stderr=self.log_file, text=True)
+        line = self.process.stdout.readline()
+        if not line.startswith("listening on "):
+            raise AssertionError(f"the server does not start: {line}{self.log()}")
+
+    def log(self):
+        self.log_file.seek(0)
+        return self.log_file.read()
+
+    def address_of(self, client):
+        """Where the log says that this player comes from."""
+        return re.search(rf"client {client} comes from (\S+)", self.log())[1]
+
+    def end(self):
+        self.process.send_signal(signal.SIGTERM)
+        try:
+            status = self.process.wait(30)
+        finally:
+            self.process.kill()
+            self.process.wait()
+            self.process.stdout.close()
+        log = self.log()
+        self.log_file.close()
+        if status != 0:
+            raise AssertionError(f"the server ended with status {status}:\n{log}")
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.end()
+
+
+class RawPlayer:
+    """Speaks the game's protocol over TCP, or over any other stream with the same two calls."""
+
+    def __init__(self, connection, name, colour=0):
+        self.connection = connection
+        self.arrived = b""
+        self.frames = []  # texts of the frames so far, ids included
+        self.send(login(name, colour))
+
+    def send(self, data):
+        self.connection.sendall(data)
+
+    def close(self):
+        self.connection.close()
+
+    def receive(self):
+        """Waits for more bytes."""
+        data = self.connection.recv(65536)
+        if not data:
+            raise AssertionError("the server hung up")
+        return data
+
+    def read(self):
+        """Takes in what comes next, and answers pings."""
+        self.arrived += self.receive()
+        *whole, self.arrived = self.arrived.split(END)
+        for text in whole:
+            assert text[:1] == START, text
+            self.frames.append(text[1:])
+            if text[1] == PING:
+                self.send(frame(PING_REPLY, f"{time.time() % 86400:.3f}"))
+
+    def find(self, message, accept=lambda fields: True, start=0):
+        """The fields of the first frame of that id that is accepted; reads until there is one."""
+        at = start
+        deadline = time.monotonic() + 60
+        while True:
+            for text in self.frames[at:]:
+                fields = text[1:].decode("latin-1").split("\x82")
+                if text[0] == message and accept(fields):
+                    return fields
+            at = len(self.frames)
+            if time.monotonic() > deadline:
+                raise AssertionError(f"no message {message}; there were {self.frames[-20:]}")
+            self.read()
+
+    def say(self, text):
+        self.send(frame(CHAT, -1, text))
+
+
+class Nginx:
+    """A real nginx with the configuration of docs/server.md: its addresses and its certificate are replaced, and a folder of
+    its own takes its files."""
+
+    program = shutil.which("nginx", path="/usr/sbin:/usr/bin:/usr/local/sbin")
+
+    def __init__(self, server):
+        self.folder = tempfile.mkdtemp(prefix="kelvora-nginx-")
+        self.certificate = os.path.join(self.folder, "cert.pem")
+        self.key = os.path.join(self.folder, "key.pem")
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes",
+                        "-keyout", self.key, "-out", self.certificate, "-days", "2", "-subj", "/CN=localhost",
+                        "-addext", "subjectAltName=IP:127.0.0.1"], check=True, capture_output=True)
+        self.https_port, self.stream_port = free_port(), free_port()
+        text = documented("nginx")
+        for old, new in (("listen 443 ssl", f"listen 127.0.0.1:{self.https_port} ssl"),
+                         ("listen 2011", f"listen 127.0.0.1:{self.stream_port}"),
+                         ("http://127.0.0.1:2010", f"http://127.0.0.1:{server.port}"),
+                         ("proxy_pass 127.0.0.1:2010", f"proxy_pass 127.0.0.1:{server.port}"),
+                         ("/etc/ssl/games.pem", self.certificate), ("/etc/ssl/games.key", self.key)):
+            assert text.count(old) == 1, f"{old} in docs/server.md"
+            text = text.replace(old, new)
+        folders = "".join(f"{kind}_temp_path {self.folder}; "
+                          for kind in ("client_body", "proxy", "fastcgi", "uwsgi", "scgi"))
+        text = text.replace("http {", "http {\n  access_log off; " + folders)
+        module = "/usr/lib/nginx/modules/ngx_stream_module.so"
+        config = os.path.join(self.folder, "nginx.conf")
+        with open(config, "w", encoding="utf-8") as file:
+            file.write(f"load_module {module};\ndaemon off; pid {self.folder}/pid; events {{}}\n" + text)
+        self.log_file = os.path.join(self.folder, "log")
+        self.process = subprocess.Popen([self.program, "-p", self.folder, "-e", self.log_file, "-c", config],
+                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_for(self.answers, "nginx")
+
+    def answers(self):
+        if self.process.poll() is not None:
+            with open(self.log_file, encoding="utf-8") as file:
+                raise AssertionError(f"nginx does not start: {file.read()}")
+        try:
+            connect(self.https_port, 250).close()
+            return True
+        except ConnectionRefusedError:
+            return False
+
+    def context(self):
+        return ssl.create_default_context(cafile=self.certificate)
+
+    def end(self):
+        self.process.terminate()
+        self.process.wait(20)
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.end()
+
+
+def documented(program):
+    """The configuration of that proxy in docs/server.md: the fenced block behind "For <program>:"."""
+    text = (PROJECT / "docs/server.md").read_text(encoding="utf-8")
+    return re.search(rf"[Ff]or {program}:\n\n```\n(.*?)```", text, re.DOTALL)[1]

@@ -1,0 +1,126 @@
+"""A real proxy in front of the server: nginx, and Caddy where it is installed. Both run the configuration of
+docs/server.md."""
+
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+from harness import (CHAT, LOGIN_ACCEPTED, VERSION, Nginx, RawPlayer, Server, connect, documented, free_port,
+                     read_to_end, wait_for)
+from webSocketPlayer import WebSocket, WebSocketPlayer
+
+BURST = 32  # connections of one address
+UPDATE = b"GET /games/kelvora/ver.txt HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n"
+
+
+class BehindNginx(unittest.TestCase):
+    def setUp(self):
+        self.server = Server("--trusted-proxy", "127.0.0.1")
+        self.addCleanup(self.server.end)
+        self.nginx = Nginx(self.server)
+        self.addCleanup(self.nginx.end)
+
+    def https(self, host, request):
+        with self.nginx.context().wrap_socket(connect(self.nginx.https_port, host), server_hostname="127.0.0.1") as one:
+            one.sendall(request)
+            return read_to_end(one)
+
+    def status(self, host, more=b""):
+        return self.https(host, UPDATE + more + b"\r\n").split(b" ", 2)[1]
+
+    def test_players_over_tls_and_over_the_raw_stream_share_the_arena(self):
+        raw = RawPlayer(connect(self.nginx.stream_port, 7), "Raw")
+        self.addCleanup(raw.close)
+        raw.find(LOGIN_ACCEPTED)
+        web = WebSocketPlayer(WebSocket(f"wss://127.0.0.1:{self.nginx.https_port}/play", 8, ssl=self.nginx.context()),
+                              "Web")
+        self.addCleanup(web.close)
+        web.find(LOGIN_ACCEPTED)
+        web.connection.ping()
+        for one, other in ((raw, web), (web, raw)):
+            one.say("hello")
+            for player in (one, other):
+                player.find(CHAT, lambda fields: fields[-1].endswith("hello"), start=len(player.frames))
+        addresses = [line.rsplit(" ", 1)[1] for line in self.server.log().splitlines() if " comes from " in line]
+        self.assertEqual(addresses, ["127.0.0.7", "127.0.0.8"])
+
+    def test_the_web_files_come_over_tls(self):
+        answer = self.https(7, UPDATE + b"\r\n")
+        self.assertTrue(answer.startswith(b"HTTP/1.1 200 OK\r\n"), answer)
+        self.assertTrue(answer.endswith(f"\r\n\r\ntvqver:{VERSION}\n".encode()), answer)
+
+    def test_each_client_has_the_limits_of_its_own_address(self):
+        statuses = [self.status(7) for _ in range(BURST + 20)]
+        self.assertEqual(set(statuses[:BURST]), {b"200"})
+        self.assertIn(b"429", statuses[BURST:])
+        self.assertEqual(self.status(7, b"X-Forwarded-For: 192.0.2.1\r\n" * 3), b"429", "what it says of itself")
+        self.assertEqual(self.status(8), b"200", "another client of the same proxy")
+        self.assertTrue(read_to_end(self.streamed(8)).startswith(b"HTTP/1.1 200 OK"))
+        self.assertEqual(read_to_end(self.streamed(7, b"X-Forwarded-For: 192.0.2.2\r\n")), b"")
+
+    def streamed(self, host, more=b""):
+        """A request over the raw stream."""
+        connection = connect(self.nginx.stream_port, host)
+        self.addCleanup(connection.close)
+        connection.sendall(UPDATE + more + b"\r\n")
+        return connection
+
+    def test_of_one_address_sixteen_come_through_the_stream_at_a_time(self):
+        held = [connect(self.nginx.stream_port, 9) for _ in range(16)]
+        for one in held:
+            self.addCleanup(one.close)
+            one.sendall(b"\x80")
+        wait_for(lambda: self.server.log().count("comes from 127.0.0.9") == 16, "sixteen connections")
+        self.assertEqual(read_to_end(self.streamed(9)), b"")
+        self.assertTrue(read_to_end(self.streamed(10)).startswith(b"HTTP/1.1 200 OK"))
+
+
+@unittest.skipUnless(shutil.which("caddy"), "Caddy is not installed")
+class BehindCaddy(unittest.TestCase):
+    def setUp(self):
+        self.server = Server("--trusted-proxy", "127.0.0.1")
+        self.addCleanup(self.server.end)
+        self.folder = tempfile.mkdtemp(prefix="kelvora-caddy-")
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.environment = dict(os.environ, HOME=self.folder, XDG_DATA_HOME=self.folder, XDG_CONFIG_HOME=self.folder)
+        self.port = free_port()
+
+    def test_the_documented_configuration_is_valid_and_works(self):
+        text = documented("Caddy")
+        for old, new in (("games.example", f"http://127.0.0.1:{self.port}"),  # without a certificate of the network's
+                         ("127.0.0.1:2010", f"127.0.0.1:{self.server.port}")):
+            self.assertEqual(text.count(old), 1, old)
+            text = text.replace(old, new)
+        for name, content in (("asDocumented", documented("Caddy")),
+                              ("Caddyfile", "{\n  admin off\n  auto_https off\n}\n" + text)):
+            with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
+                file.write(content)
+            subprocess.run(["caddy", "adapt", "--validate", "--adapter", "caddyfile", "--config", name],
+                           cwd=self.folder, env=self.environment, check=True, capture_output=True)
+        caddy = subprocess.Popen(["caddy", "run", "--adapter", "caddyfile", "--config", "Caddyfile"], cwd=self.folder,
+                                 env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(caddy.wait, 20)
+        self.addCleanup(caddy.terminate)
+        wait_for(self.answers, "Caddy")
+        web = WebSocketPlayer(WebSocket(f"ws://127.0.0.1:{self.port}/play", 8), "Web")
+        self.addCleanup(web.close)
+        web.find(LOGIN_ACCEPTED)
+        self.assertEqual(self.server.address_of(r"\d+"), "127.0.0.8")
+        # Caddy keeps its connections to the server, and different clients take turns on them.
+        for host in range(20, 20 + 2 * BURST):
+            with connect(self.port, host) as one:
+                one.sendall(UPDATE.replace(b"/games/kelvora/ver.txt", b"/") + b"X-Forwarded-For: 192.0.2.1\r\n\r\n")
+                self.assertTrue(read_to_end(one).startswith(b"HTTP/1.1 200 OK"), host)
+
+    def answers(self):
+        try:
+            connect(self.port, 250).close()
+            return True
+        except ConnectionRefusedError:
+            return False
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,119 @@
+"""A round among bots, played over TCP and over WebSocket at once: both must see the same world."""
+
+import math
+import time
+import unittest
+
+from harness import (CAPTURE, CHAT, FUNDS, LOGIN_ACCEPTED, PLAYER_JOINED, PLAYER_LEFT, POSITION, POSITION_REPORT,
+                     POWERUP_ON, POWERUP_OFF, BUY_REQUEST, BUY_ACCEPTED, ACTIVATE_REQUEST, RESPAWN, ROUND_OVER, SPAWN_REQUEST, RawPlayer,
+                     Server, connect, frame)
+from webSocketPlayer import WebSocket, WebSocketPlayer
+
+# What goes to everybody who is in. The rest is for one player: pings, answers of the store, refusals.
+PUBLIC = (POSITION, PLAYER_JOINED, PLAYER_LEFT, CAPTURE, ROUND_OVER, CHAT, FUNDS, RESPAWN, POWERUP_ON, POWERUP_OFF)
+TURBO = 1
+REPORT_INTERVAL = 0.02  # s; the server takes a hundred a second
+
+
+class Round(unittest.TestCase):
+    def setUp(self):
+        # Nothing limits the speed, so the script is around the other player in a moment.
+        self.server = Server("--bots", "2", "--skill", "easy", "--captures-to-win", "2", "--respawn-wait", "1",
+                             "--intermission", "2", "--speed-limit", "0")
+        self.addCleanup(self.server.end)
+        self.raw = RawPlayer(connect(self.server.port), "Raw")
+        self.addCleanup(self.raw.close)
+        _, self.raw_node, *_ = self.raw.find(LOGIN_ACCEPTED)
+        self.web = WebSocketPlayer(WebSocket(f"ws://127.0.0.1:{self.server.port}/play", 2), "Web", 1)
+        self.addCleanup(self.web.close)
+        _, self.web_node, x, y = self.web.find(LOGIN_ACCEPTED)
+        self.place = float(x), float(y)
+
+    def report(self, player, x, y):
+        fields = f"{x:.2f}", f"{y:.2f}"
+        player.send(frame(POSITION_REPORT, *fields))
+        return fields
+
+    def circle(self):
+        """The raw player flies around the other one, who fidgets. Returns what the latter reported."""
+        x, y = self.place
+        reported = []
+        for step in range(14):
+            angle = step * math.pi / 6
+            self.report(self.raw, x + 1500 * math.cos(angle), y + 1500 * math.sin(angle))
+            reported.append(self.report(self.web, x + step % 2, y))
+            time.sleep(REPORT_INTERVAL)
+        return reported
+
+    def meet(self, text):
+        """Everything public up to this chat line has then reached both. Returns the numbers of frames of each."""
+        self.raw.say(text)
+        for player in (self.raw, self.web):
+            player.find(CHAT, lambda fields: fields[-1].endswith(text))
+        return [self.index_of(player, text) for player in (self.raw, self.web)]
+
+    @staticmethod
+    def index_of(player, text):
+        return next(at for at, seen in enumerate(player.frames) if seen[0] == CHAT and seen.endswith(text.encode()))
+
+    @staticmethod
+    def roster(player, own):
+        """Name and colour of everybody else who is in, by their nodes."""
+        others = {}
+        for text in player.frames:
+            node, *rest = text[1:].decode("latin-1").split("\x82")
+            if text[0] == PLAYER_JOINED and node != own:
+                others[node] = (rest[1], rest[0])
+            elif text[0] == PLAYER_LEFT:
+                del others[node]
+        return others
+
+    def test_both_see_the_same_world(self):
+        self.web.send(frame(BUY_REQUEST, TURBO))
+        self.web.find(BUY_ACCEPTED)
+        for player, own in ((self.raw, self.raw_node), (self.web, self.web_node)):
+            while len(self.roster(player, own)) < 3:  # the other one and two bots
+                player.read()
+        begin = self.meet("begin")
+        of_raw, of_web = self.roster(self.raw, self.raw_node), self.roster(self.web, self.web_node)
+        self.assertEqual(of_raw.pop(self.web_node), ("Web", "1"))
+        self.assertEqual(of_web.pop(self.raw_node), ("Raw", "0"))
+        self.assertEqual(of_raw, of_web)
+        self.assertEqual(len(of_raw), 2, "bots")
+
+        self.web.send(frame(ACTIVATE_REQUEST, TURBO))
+        for player, first in zip((self.raw, self.web), begin):
+            self.assertEqual(player.find(POWERUP_ON, start=first), [self.web_node, str(TURBO)])
+        # A message of the WebSocket may be cut anywhere.
+        line = frame(CHAT, -1, "over the web")
+        self.web.send([line[:1], line[1:5], line[5:]])
+        self.raw.find(CHAT, lambda fields: fields[-1].endswith("over the web"))
+
+        reported = []
+        deadline = time.monotonic() + 60
+        while not any(text[0] == ROUND_OVER for text in self.raw.frames[begin[0]:]):
+            self.assertLess(time.monotonic(), deadline, "nobody has won the round")
+            reported += self.circle()
+            for player in (self.raw, self.web):
+                player.send(frame(SPAWN_REQUEST))  # those alive are refused
+            self.meet(f"circle {len(reported)}")
+        end = self.meet("end")
+
+        of_raw, of_web = ([text for text in player.frames[first:last] if text[0] in PUBLIC]
+                          for player, first, last in zip((self.raw, self.web), begin, end))
+        self.assertEqual(of_raw, of_web)
+        kinds = {kind: [text[1:].decode("latin-1").split("\x82") for text in of_raw if text[0] == kind]
+                 for kind in PUBLIC}
+        captures = [(winner, loser) for winner, loser, *_ in kinds[CAPTURE]]
+        self.assertIn((self.raw_node, self.web_node), captures)
+        self.assertIn([self.web_node], kinds[RESPAWN])
+        self.assertEqual(len(kinds[ROUND_OVER]), 1)
+        self.assertEqual(len({node for node, *_ in kinds[POSITION]}), 4, "all four were seen to move")
+        positions = [(float(x), float(y)) for node, x, y in kinds[POSITION] if node == self.web_node]
+        self.assertTrue(positions)
+        sent = iter((float(x), float(y)) for x, y in reported)
+        self.assertTrue(all(place in sent for place in positions), "in the order in which they were reported")
+
+
+if __name__ == "__main__":
+    unittest.main()
