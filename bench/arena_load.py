@@ -30,17 +30,28 @@ class Player:
     def __init__(self, port, number, version):
         self.socket = socket.create_connection(("127.0.0.1", port))
         self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        self.socket.sendall(frame(LOGIN, f"Load{number}", "", str(number % 6), version))
+        self.open()
+        self.send(frame(LOGIN, f"Load{number}", "", str(number % 6), version))
         self.socket.setblocking(False)
         self.rest = b""
         self.frames = self.pings = self.reports = 0
         self.centre = None
         self.angle = number
 
+    def open(self):
+        """Other transports say here what comes first."""
+
+    def send(self, data):
+        self.socket.sendall(data)
+
+    def take(self, data):
+        """The protocol's bytes within what has come."""
+        return data
+
     def read(self):
         try:
             while data := self.socket.recv(65536):
-                self.rest += data
+                self.rest += self.take(data)
         except BlockingIOError:
             pass
         *whole, self.rest = self.rest.split(END)
@@ -48,7 +59,7 @@ class Player:
             self.frames += 1
             if text[1] == PING:
                 self.pings += 1
-                self.socket.sendall(frame(PING_REPLY, f"{time.time() % 86400:.3f}"))
+                self.send(frame(PING_REPLY, f"{time.time() % 86400:.3f}"))
             elif self.centre is None and text.count(SEPARATOR) == 3:
                 # The first with four fields is the answer to the login: colour, node, x, y.
                 x, y = (float(field) for field in text.split(SEPARATOR)[2:])
@@ -60,12 +71,12 @@ class Player:
         self.angle += 0.3  # 600 units in 40 ms, half the full speed
         self.reports += 1
         x, y = (self.centre[0] + 2000 * math.cos(self.angle), self.centre[1] + 2000 * math.sin(self.angle))
-        self.socket.sendall(frame(REPORT, f"{x:.3f}", f"{y:.3f}"))
+        self.send(frame(REPORT, f"{x:.3f}", f"{y:.3f}"))
 
 
 class Server:
-    def __init__(self, program, bots):
-        words = [program, "--port", "0"] + (["--bots", str(bots)] if bots else [])
+    def __init__(self, program, *options):
+        words = [program, "--port", "0", *options]
         self.process = subprocess.Popen(words, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         self.port = int(self.process.stdout.readline().rsplit(":", 1)[1])
 
@@ -110,7 +121,7 @@ def measure(program, arenas, people, bots, seconds):
     servers = []
     try:
         for _ in range(arenas):
-            servers.append(Server(program, bots))
+            servers.append(Server(program, *(["--bots", str(bots)] if bots else [])))
         players = [Player(server.port, number, version) for server in servers for number in range(people)]
         play(players, 10)  # till all the bots are in
         for player in players:

@@ -45,6 +45,13 @@ std::size_t provideDescriptors() {
   return limit.rlim_cur;
 }
 
+/// The server is ending: a further signal would only turn that into a failure.
+void ignoreFurtherSignals() {
+  sigset_t all;
+  sigfillset(&all);
+  ::sigprocmask(SIG_BLOCK, &all, nullptr);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -87,6 +94,7 @@ int main(int argc, char** argv) {
     if (options.webPort) std::cout << "web on " << server.webEndpointText() << std::endl;
     std::cout << "listening on " << server.endpointText() << std::endl;
     context.run();
+    ignoreFurtherSignals();
     log("ended");
     return 0;
   } catch (const std::exception& error) {

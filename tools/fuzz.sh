@@ -83,7 +83,8 @@ for target in $targets; do
   [ -f "tests/fuzz/${target}_fuzz.cpp" ] || fail "There is no target $target. The targets are:" $all_targets
   mkdir -p "build/fuzz/found/$target"
   say "$target for $minutes minutes"
-  build/fuzz/tests/kelvora_fuzz_"$target" -max_total_time=$((minutes * 60)) -timeout=25 -rss_limit_mb=2048 \
+  words=tests/fuzz/$target.dict
+  build/fuzz/tests/kelvora_fuzz_"$target" $([ -f "$words" ] && echo "-dict=$words") -max_total_time=$((minutes * 60)) -timeout=25 -rss_limit_mb=2048 \
     -max_len=4096 -print_final_stats=1 -artifact_prefix="build/fuzz/crashes/$target-" \
     "build/fuzz/found/$target" "tests/fuzz/corpus/$target" || status=1
 done

@@ -39,7 +39,7 @@ void async_teardown(beast::role_type /*role*/, PacedSocket& socket, Handler&& ha
 using WebSocket = beast::websocket::stream<PacedSocket>;
 
 struct ClientStream::State {
-  std::variant<PacedSocket, std::unique_ptr<WebSocket>> stream;
+  std::variant<std::monostate, PacedSocket, std::unique_ptr<WebSocket>> stream;  // nothing once it is closed
   RateLimit controlFrames{controlFramesPerSecond, controlFrameBurst};
   bool isFlooded = false;
 
@@ -61,7 +61,7 @@ ClientStream::ClientStream(asio::ip::tcp::socket socket) {
   // Limits what the system buffers for a client that doesn't read, or doesn't stop sending.
   socket.set_option(asio::socket_base::send_buffer_size(systemBuffer), ignored);
   socket.set_option(asio::socket_base::receive_buffer_size(systemBuffer), ignored);
-  state_ = std::make_unique<State>(std::move(socket));
+  state_ = std::make_shared<State>(std::move(socket));
 }
 
 ClientStream::~ClientStream() = default;
@@ -115,6 +115,11 @@ void ClientStream::endSending(Handler whenDone) {
   state_->socket().endSending();
 }
 
-void ClientStream::close() { state_->socket().close(); }
+void ClientStream::close() {
+  state_->socket().close();
+  if (!isWebSocket()) return;
+  // Operations of a WebSocket can wait for each other for ever. They go with it, after those that the socket has ended.
+  asio::post(executor(), [state = state_] { state->stream.emplace<std::monostate>(); });
+}
 
 }  // namespace kelvora::server

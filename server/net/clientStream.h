@@ -38,14 +38,15 @@ class ClientStream {
   /// Switches to WebSocket. `request` is the text of the upgrade request, `rest` the bytes read after it. No operation
   /// may be pending.
   void upgrade(const std::string& request, std::string_view rest, Handler handler);
-  /// Tells the client that nothing more follows. Nothing may be written afterwards. `whenDone` keeps the object alive.
+  /// Tells the client that nothing more follows. Nothing may be written afterwards. A WebSocket then reads by itself
+  /// until the client agrees, and calls `whenDone`. Nothing else may read from it. `whenDone` keeps the object alive.
   void endSending(Handler whenDone);
   /// Completes every operation with an error.
   void close();
 
  private:
   struct State;
-  std::unique_ptr<State> state_;
+  std::shared_ptr<State> state_;
 };
 
 }  // namespace kelvora::server

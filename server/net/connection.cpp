@@ -54,6 +54,7 @@ void Connection::close(const std::string& reason) {
 }
 
 void Connection::readMore() {
+  if (hangingUp_ && stream_.isWebSocket()) return;  // its end takes in the rest
   stream_.readSome(asio::buffer(arrived_), [self = shared_from_this()](error_code error, std::size_t size) {
     if (self->closed_) return;
     if (error) return self->close(error == asio::error::eof ? "hung up" : error.message());
@@ -179,7 +180,9 @@ void Connection::writeMore() {
     if (queued_.empty()) body_ = nullptr;
   }
   if (queued_.empty()) {
-    if (hangingUp_) return stream_.endSending([self = shared_from_this()](error_code, std::size_t) {});
+    if (hangingUp_) {
+      return stream_.endSending([self = shared_from_this()](error_code, std::size_t) { self->close("hung up on"); });
+    }
     if (speech_ == Speech::answering) answered();
     return;
   }

@@ -33,7 +33,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   struct Handlers {
     /// Called when the connection comes from a proxy and begins with the line that names the client. Set for
     /// connections from a proxy only.
-    std::function<void(ClientId client, const asio::ip::address& address)> onForwarded;
+    std::function<void(ClientId client, const asio::ip::address& address)> onForwarded{};
     /// Called when the client speaks the game's protocol. Frames follow.
     std::function<void(ClientId client)> onGame;
     std::function<void(ClientId client, std::string_view text)> onFrame;

@@ -121,7 +121,6 @@ void GameServer::welcome(asio::ip::tcp::socket socket) {
   }
   const ClientId client = ++lastClient_;
   Connection::Handlers handlers{
-      .onForwarded = {},
       .onGame = [this](ClientId from) { beginGame(from); },
       .onFrame = [this](ClientId from, std::string_view text) { arena_.received(from, text, now()); },
       .onRequest = [this](ClientId from, const HttpRequest& request) { return answer(from, request); },

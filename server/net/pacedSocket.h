@@ -6,9 +6,10 @@
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/beast/core/buffers_prefix.hpp>
 #include <chrono>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "server/net/asio.h"
@@ -16,7 +17,7 @@
 namespace kelvora::server {
 
 /// A socket that reads at most `bytesPerSecond` from its peer, in small pieces. A peer that sends more has to wait. It
-/// counts network bytes, so no protocol on top can bypass the limit. It must not be moved while it reads.
+/// counts network bytes, so no protocol on top can bypass the limit. It may be destroyed while it reads.
 class PacedSocket {
  public:
   using Clock = std::chrono::steady_clock;
@@ -29,70 +30,83 @@ class PacedSocket {
   /// Bytes. Small, so that flooding clients take turns with the others.
   static constexpr std::size_t maxRead = 512;
 
-  explicit PacedSocket(asio::ip::tcp::socket socket) : socket_(std::move(socket)), pause_(socket_.get_executor()) {}
+  explicit PacedSocket(asio::ip::tcp::socket socket) : state_(std::make_shared<State>(std::move(socket))) {}
 
-  executor_type get_executor() { return socket_.get_executor(); }
+  executor_type get_executor() { return state_->socket.get_executor(); }
 
   /// The next reads return these bytes again. They don't count a second time.
-  void putBack(std::string_view bytes) { returned_.insert(0, bytes); }
+  void putBack(std::string_view bytes) { state_->returned.insert(0, bytes); }
 
+  /// Into the first buffer.
   template <class Buffers, class Token>
   auto async_read_some(const Buffers& buffers, Token&& token) {
+    const asio::mutable_buffer buffer = *asio::buffer_sequence_begin(buffers);
     enum class Step { begin, paused, returned, done };
     return asio::async_compose<Token, void(error_code, std::size_t)>(
-        [this, buffers, step = Step::begin](auto& self, error_code error = {}, std::size_t size = 0) mutable {
+        [state = state_, buffer, step = Step::begin](auto& self, error_code error = {}, std::size_t size = 0) mutable {
+          // Moving from `self` moves this function object, too.
+          State& it = *state;
           switch (step) {
             case Step::begin:
-              if (!returned_.empty()) {
+              if (!it.returned.empty()) {
                 step = Step::returned;
-                return asio::post(socket_.get_executor(), std::move(self));
+                return asio::post(it.socket.get_executor(), std::move(self));
               }
               step = Step::paused;
-              pause_.expires_at(paidUntil_);
-              if (paidUntil_ > Clock::now()) return pause_.async_wait(std::move(self));
+              if (it.paidUntil > Clock::now()) {
+                it.pause.expires_at(it.paidUntil);
+                return it.pause.async_wait(std::move(self));
+              }
               [[fallthrough]];
             case Step::paused:
-              if (!socket_.is_open()) return self.complete(asio::error::operation_aborted, 0);
+              if (!it.socket.is_open()) return self.complete(asio::error::operation_aborted, 0);
               step = Step::done;
-              return socket_.async_read_some(boost::beast::buffers_prefix(maxRead, buffers), std::move(self));
+              return it.socket.async_read_some(asio::buffer(buffer, maxRead), std::move(self));
             case Step::returned:
-              size = asio::buffer_copy(buffers, asio::buffer(returned_));
-              returned_.erase(0, size);
+              if (!it.socket.is_open()) return self.complete(asio::error::operation_aborted, 0);
+              size = asio::buffer_copy(buffer, asio::buffer(it.returned));
+              it.returned.erase(0, size);
               return self.complete({}, size);
             case Step::done:
-              pay(size);
+              it.pay(size);
               return self.complete(error, size);
           }
         },
-        token, socket_);
+        token, state_->socket);
   }
 
   template <class Buffers, class Token>
   auto async_write_some(const Buffers& buffers, Token&& token) {
-    return socket_.async_write_some(buffers, std::forward<Token>(token));
+    return state_->socket.async_write_some(buffers, std::forward<Token>(token));
   }
 
   void endSending() {
     error_code ignored;
-    socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+    state_->socket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
   }
   /// Completes every operation with an error.
   void close() {
     error_code ignored;
-    socket_.close(ignored);
-    pause_.cancel();
+    state_->socket.close(ignored);
+    state_->pause.cancel();
   }
 
  private:
-  void pay(std::size_t size) {
-    const auto price = std::chrono::microseconds(size * 1'000'000 / bytesPerSecond);
-    paidUntil_ = std::max(paidUntil_, Clock::now() - burst) + price;
-  }
+  struct State {
+    explicit State(asio::ip::tcp::socket itsSocket) : socket(std::move(itsSocket)), pause(socket.get_executor()) {}
 
-  asio::ip::tcp::socket socket_;
-  asio::steady_timer pause_;
-  Clock::time_point paidUntil_;
-  std::string returned_;
+    void pay(std::size_t size) {
+      const auto price = std::chrono::microseconds(size * 1'000'000 / bytesPerSecond);
+      paidUntil = std::max(paidUntil, Clock::now() - burst) + price;
+    }
+
+    asio::ip::tcp::socket socket;
+    asio::steady_timer pause;
+    Clock::time_point paidUntil;
+    std::string returned;
+  };
+
+  std::shared_ptr<State> state_;
 };
 
 }  // namespace kelvora::server

@@ -4,9 +4,9 @@ import math
 import time
 import unittest
 
-from harness import (CAPTURE, CHAT, FUNDS, LOGIN_ACCEPTED, PLAYER_JOINED, PLAYER_LEFT, POSITION, POSITION_REPORT,
-                     POWERUP_ON, POWERUP_OFF, BUY_REQUEST, BUY_ACCEPTED, ACTIVATE_REQUEST, RESPAWN, ROUND_OVER, SPAWN_REQUEST, RawPlayer,
-                     Server, connect, frame)
+from harness import (ACTIVATE_REQUEST, BUY_ACCEPTED, BUY_REQUEST, CAPTURE, CHAT, FUNDS, LOGIN_ACCEPTED, PLAYER_JOINED,
+                     PLAYER_LEFT, POSITION, POSITION_REPORT, POWERUP_OFF, POWERUP_ON, RESPAWN, ROUND_OVER, SPAWN_REQUEST,
+                     RawPlayer, Server, connect, frame)
 from webSocketPlayer import WebSocket, WebSocketPlayer
 
 # What goes to everybody who is in. The rest is for one player: pings, answers of the store, refusals.

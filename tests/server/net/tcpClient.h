@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -23,6 +24,8 @@ class TcpClient {
   explicit TcpClient(std::uint16_t port, std::uint32_t host = 1) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
     const timeval patience{60, 0};
     ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    const int atOnce = 1;
+    ::setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &atOnce, sizeof atOnce);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK - 1 + host);
@@ -44,10 +47,21 @@ class TcpClient {
   ssize_t push(const std::string& bytes) {
     return ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
   }
+  /// Drops what has come so far.
+  void drain() {
+    char bytes[4096];
+    while (::recv(socket_, bytes, sizeof bytes, MSG_DONTWAIT) > 0) {
+    }
+  }
   /// Limits the send buffer, so that this client soon notices what the peer doesn't take.
   void keepLittleUnsent() {
     const int size = 16 << 10;
     ::setsockopt(socket_, SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
+  }
+  /// The system takes little of what this one does not read.
+  void keepLittleUnread() {
+    const int size = 16 << 10;
+    ::setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);
   }
   /// Stops sending. The server then closes the connection.
   void finish() { ::shutdown(socket_, SHUT_WR); }

@@ -114,6 +114,14 @@ TEST_F(WebSocketTest, ACloseHandshakeThatIsNeverAnsweredEndsAfterTwoSeconds) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
 }
 
+TEST_F(WebSocketTest, BothSidesMayCloseAtOnce) {
+  WebSocketClient client(server.port());
+  ASSERT_TRUE(client.open());
+  client.write(WebSocketClient::frame(WebSocketClient::binary, "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n") +
+               WebSocketClient::frame(WebSocketClient::closing, "\x03\xE8"));
+  EXPECT_NE(client.readToEnd().find("tvqver:"), std::string::npos);
+}
+
 TEST_F(WebSocketTest, ClosingAWebSocketLeavesTheGame) {
   Client other(server.port(), 2);
   other.login("Other");

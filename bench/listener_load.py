@@ -1,0 +1,218 @@
+#!/usr/bin/env python3
+"""What each way to speak to the server costs: real processes, real sockets of the loopback interface.
+
+    bench/listener_load.py build/release/kelvora-server [--before OTHER] [--seconds 30]
+
+Everything that is compared runs at the same time: six players over TCP, six over WebSocket, and, with --before, six over
+TCP on another build of the server. Then memory for each kind of connection, a list of 1000 entries, and the time that a
+position takes beside a thousand idle connections. Processor time and memory are those of the server processes alone."""
+
+import argparse
+import resource
+import select
+import socket
+import statistics
+import struct
+import subprocess
+import time
+
+from arena_load import END, REPORT, Player, Server, frame, play
+
+HANDSHAKE = (b"GET /play HTTP/1.1\r\nHost: h\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
+             b"Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n")
+
+
+def web_frame(data):
+    """A masked binary frame. The mask is all zeros, which costs the server the same."""
+    size = bytes([0x80 | len(data)]) if len(data) < 126 else b"\xfe" + struct.pack(">H", len(data))
+    return b"\x82" + size + bytes(4) + data
+
+
+class WebPlayer(Player):
+    """The same over WebSocket."""
+
+    def open(self):
+        self.unread = b""
+        self.socket.sendall(HANDSHAKE)
+        head = b""
+        while not head.endswith(b"\r\n\r\n"):
+            head += self.socket.recv(1)
+
+    def send(self, data):
+        self.socket.sendall(web_frame(data))
+
+    def take(self, data):
+        self.unread += data
+        taken = b""
+        while len(self.unread) >= 2:
+            size, start = self.unread[1], 2
+            if size == 126:
+                if len(self.unread) < 4:
+                    break
+                size, start = struct.unpack(">H", self.unread[2:4])[0], 4
+            if len(self.unread) < start + size:
+                break
+            taken += self.unread[start:start + size]
+            self.unread = self.unread[start + size:]
+        return taken
+
+
+def compare_players(programs, seconds):
+    """One arena of six for each kind of player, all at once."""
+    servers, players = [], []
+    for _, program, kind in programs:
+        server = Server(program)
+        servers.append(server)
+        version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
+        players.append([kind(server.port, number, version) for number in range(6)])
+    everybody = [player for group in zip(*players) for player in group]
+    play(everybody, 3)
+    before = [server.seconds() for server in servers]
+    for player in everybody:
+        player.frames = 0
+    taken = play(everybody, seconds)
+    used = [server.seconds() - start for server, start in zip(servers, before)]
+    print(f"Six players each for {taken:.0f} s, all at once:")
+    for (name, _, _), group, cost, server in zip(programs, players, used, servers):
+        heard = sum(player.frames for player in group) / taken
+        print(f"  {name}: {100 * cost / taken:.2f} % of a core, {cost / used[0]:.2f} of the first; {heard:.0f} messages a "
+              f"second, {server.memory()[1]} KiB (PSS)")
+        server.end()
+
+
+def from_host(port, number):
+    """A connection from an address of its own."""
+    return socket.create_connection(("127.0.0.1", port), 10, (f"127.1.{number // 250}.{1 + number % 250}", 0))
+
+
+def connection_memory(program):
+    """What 90 connections of each kind add to the process."""
+    kinds = (("silent", b"", 0), ("raw, a frame begun", b"\x80\x90", 0), ("HTTP, a request of 4 KiB begun",
+             b"GET / HTTP/1.1\r\nA: " + b"a" * 4000, 0), ("HTTP, kept", b"GET / HTTP/1.1\r\nHost: h\r\n\r\n", 1),
+             ("WebSocket, a frame begun", HANDSHAKE, 1))
+    print("Memory of the process for a connection:")
+    for name, first, answered in kinds:
+        server = Server(program)
+        [from_host(server.port, 500 + number).close() for number in range(20)]
+        time.sleep(0.2)
+        start = server.memory()[1]
+        held = [from_host(server.port, number) for number in range(90)]
+        for one in held:
+            one.sendall(first)
+            if answered:
+                one.recv(4096)
+                if first == HANDSHAKE:
+                    one.sendall(web_frame(b"\x80\x90"))
+        time.sleep(0.5)
+        print(f"  {name}: {(server.memory()[1] - start) / len(held):.1f} KiB")
+        server.end()
+
+
+def deaf_memory(program, kind):
+    """The most that a player who reads nothing makes the process hold."""
+    server = Server(program)
+    version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
+    speakers = [kind(server.port, number, version) for number in range(2)]
+    play(speakers, 1)
+    start = server.memory()[1]
+    deaf = [kind(server.port, number, version) for number in range(2, 6)]
+    most, begin = 0, time.monotonic()
+    while time.monotonic() < begin + 12:
+        for speaker in speakers:
+            speaker.send(frame(144, "-1", "x" * 4000))
+            speaker.read()
+        time.sleep(0.1)
+        most = max(most, server.memory()[1])
+    print(f"  {kind.__name__} who reads nothing: {(most - start) / len(deaf):.0f} KiB at most")
+    server.end()
+
+
+def ask(port, number, request):
+    with from_host(port, number) as one:
+        one.sendall(request)
+        answer = b""
+        while piece := one.recv(65536):
+            answer += piece
+    return answer
+
+
+def list_rate(program, seconds):
+    """Requests of the list at 1000 entries, over as many connections as it takes, for the processor time of the server."""
+    server = Server(program, "--list-key", "k")
+    for entry in range(1000):
+        answer = ask(server.port, entry, (f"POST /games/kelvora/publish?version=1.2.1&address=games{entry}.example&port=2010"
+                                          "&password=0&notes=one+of+a+thousand&players=3&max=6 HTTP/1.0\r\n"
+                                          "Authorization: Bearer k\r\n\r\n").encode())
+        assert b" 200 " in answer, answer
+    version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
+    request = f"GET /games/kelvora/gethosts.php?version={version}&password=1&full=1&empty=1 HTTP/1.0\r\n\r\n".encode()
+    size = len(ask(server.port, 2000, request))
+    served, start, begin = 0, server.seconds(), time.monotonic()
+    while time.monotonic() < begin + seconds:
+        # 250 addresses at a time, so that nobody comes more often than the door lets in
+        assert len(ask(server.port, 3000 + served % 40_000, request)) == size
+        served += 1
+    used, taken = server.seconds() - start, time.monotonic() - begin
+    print(f"The list at 1000 entries, {size / 1024:.0f} KiB: {served / used:.0f} requests a second of processor time "
+          f"({served / taken:.0f} a second of one client's)")
+    server.end()
+
+
+def relay_times(watcher, flyer, count):
+    times = []
+    for step in range(count):
+        x, y = flyer.centre
+        text = f"{x + step % 2:.0f}".encode()
+        watcher.read()
+        watcher.rest = b""
+        start = time.monotonic()
+        flyer.send(frame(REPORT, text.decode(), f"{y:.0f}"))
+        while True:
+            select.select([watcher.socket], [], [], 5)
+            if END in watcher.take(watcher.socket.recv(65536)):
+                break
+        times.append(time.monotonic() - start)
+        time.sleep(0.04)
+        flyer.read()
+    return times
+
+
+def idle_delay(program):
+    """What a thousand idle connections do to the time from a report to the other player."""
+    server = Server(program)
+    version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
+    players = [Player(server.port, number, version) for number in range(2)]
+    play(players, 1)
+    quiet = relay_times(*players, 100)
+    held = []
+    for number in range(1000):
+        one = from_host(server.port, number)
+        one.sendall(b"GET / HTTP/1.1\r\nHost: h\r\n\r\n")
+        held.append(one)
+    idle = relay_times(*players, 100)
+    for name, times in (("alone", quiet), ("beside a thousand idle connections", idle)):
+        print(f"From a report to the other player, {name}: {1000 * statistics.median(times):.2f} ms at the median, "
+              f"{1000 * max(times):.2f} ms at most")
+    server.end()
+
+
+def main():
+    arguments = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    arguments.add_argument("program")
+    arguments.add_argument("--before")
+    arguments.add_argument("--seconds", type=float, default=30)
+    chosen = arguments.parse_args()
+    resource.setrlimit(resource.RLIMIT_NOFILE, (4096, max(4096, resource.getrlimit(resource.RLIMIT_NOFILE)[1])))
+    programs = [("TCP", chosen.program, Player), ("WebSocket", chosen.program, WebPlayer)]
+    if chosen.before:
+        programs.insert(0, ("TCP before", chosen.before, Player))
+    compare_players(programs, chosen.seconds)
+    connection_memory(chosen.program)
+    for kind in (Player, WebPlayer):
+        deaf_memory(chosen.program, kind)
+    idle_delay(chosen.program)
+    list_rate(chosen.program, 10)
+
+
+if __name__ == "__main__":
+    main()

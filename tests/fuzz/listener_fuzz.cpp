@@ -1,0 +1,257 @@
+// Six hostile connections to one server on the loopback interface, which speak frames, HTTP and WebSocket in any order.
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/io_context.hpp>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "protocol/wireFormat.h"
+#include "server/net/gameServer.h"
+#include "tests/fuzz/input.h"
+
+namespace kelvora::server {
+namespace {
+
+using fuzz::Input;
+using fuzz::require;
+
+constexpr std::string_view handshake =
+    "GET /play HTTP/1.1\r\nHost: h\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
+    "X-Forwarded-For: 192.0.2.1\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n";
+constexpr std::array<std::string_view, 8> requests = {
+    "GET / HTTP/1.1\r\nHost: h\r\n\r\n",
+    "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n",
+    "GET /games/kelvora/gethosts.php?version=1.2.1&password=1&full=1&empty=1 HTTP/1.1\r\nHost: h\r\n\r\n",
+    "POST /games/kelvora/publish?version=1.2.1&address=a&port=1&password=0&notes=n&players=1&max=6 HTTP/1.0\r\n\r\n",
+    "GET /fight.png HTTP/1.1\r\nHost: h\r\nAccept-Encoding: gzip\r\n\r\n",
+    "POST / HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nabcde\r\n",
+    "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n",
+    "PROXY TCP4 192.0.2.7 127.0.0.1 1 2\r\n"};
+
+/// A WebSocket frame of a client. `head` is its first byte; only the right ones are masked.
+std::string webSocketFrame(std::uint8_t head, bool isMasked, std::string_view payload) {
+  std::string frame(1, static_cast<char>(head));
+  const auto mark = static_cast<std::uint8_t>(isMasked ? 0x80 : 0);
+  if (payload.size() < 126) {
+    frame += static_cast<char>(mark | payload.size());
+  } else {
+    frame += {static_cast<char>(mark | 126), static_cast<char>(payload.size() >> 8), static_cast<char>(payload.size())};
+  }
+  constexpr std::string_view mask = "mask";
+  if (isMasked) frame += mask;
+  for (std::size_t i = 0; i < payload.size(); ++i) {
+    frame += isMasked ? static_cast<char>(payload[i] ^ mask[i % mask.size()]) : payload[i];
+  }
+  return frame;
+}
+
+/// Whole frames of the game, but for the last one, which a dropped connection may cut; or answers.
+void checkPlain(std::string_view heard) {
+  if (heard.empty()) return;
+  if (heard.front() != wire::frameStart) {
+    const std::string_view start = "HTTP/1.1 ";
+    return require(heard.starts_with(start.substr(0, heard.size())));
+  }
+  while (!heard.empty()) {
+    require(heard.front() == wire::frameStart);
+    const std::size_t end = heard.find(wire::frameEnd);
+    require(heard.find(wire::frameStart, 1) >= end);
+    heard.remove_prefix(std::min(end, heard.size() - 1) + 1);
+  }
+}
+
+/// The frames of a server, which are never masked nor compressed. What they carry is a plain stream again.
+void checkWebSocket(std::string_view heard) {
+  std::string payload;
+  while (heard.size() >= 2) {
+    const auto head = static_cast<std::uint8_t>(heard[0]);
+    require(head == 0x82 || head == 0x88 || head == 0x89 || head == 0x8A);
+    std::size_t size = static_cast<std::uint8_t>(heard[1]);
+    require(size < 0x80);
+    std::size_t start = 2;
+    if (size >= 126) {
+      start = size == 126 ? 4 : 10;
+      if (heard.size() < start) return;
+      size = 0;
+      for (std::size_t i = 2; i < start; ++i) size = size << 8 | static_cast<std::uint8_t>(heard[i]);
+    }
+    if (heard.size() < start + size) break;
+    if (head == 0x82) payload += heard.substr(start, size);
+    heard.remove_prefix(start + size);
+  }
+  checkPlain(payload);
+}
+
+/// A client's end of a connection.
+class Line {
+ public:
+  Line(asio::io_context& context, std::uint16_t port, std::uint32_t host) : socket_(context) {
+    socket_.open(asio::ip::tcp::v4());
+    socket_.bind({asio::ip::address_v4(INADDR_LOOPBACK - 1 + host), 0});
+    // Ports aren't kept for a while, as there are thousands of runs.
+    socket_.set_option(asio::socket_base::linger(true, 0));
+    socket_.connect({asio::ip::address_v4::loopback(), port});
+    socket_.set_option(asio::ip::tcp::no_delay(true));
+    socket_.non_blocking(true);
+  }
+
+  void send(std::string_view bytes) {
+    error_code ignored;
+    socket_.send(asio::buffer(bytes), MSG_NOSIGNAL, ignored);
+  }
+  void finish() {
+    error_code ignored;
+    socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+  }
+  /// Takes in what has come.
+  void hear() {
+    std::array<char, 4096> bytes;
+    error_code error;
+    while (const std::size_t size = socket_.receive(asio::buffer(bytes), 0, error)) heard_.append(bytes.data(), size);
+  }
+  void check() const {
+    constexpr std::string_view agreed = "HTTP/1.1 101 ";
+    const std::size_t end = heard_.find("\r\n\r\n");
+    if (heard_.starts_with(agreed) && end != std::string::npos) {
+      checkWebSocket(std::string_view(heard_).substr(end + 4));
+    } else {
+      checkPlain(heard_);
+    }
+  }
+  const std::string& heard() const { return heard_; }
+
+ private:
+  asio::ip::tcp::socket socket_;
+  std::string heard_;
+};
+
+class Scene {
+ public:
+  explicit Scene(std::uint8_t flags)
+      : endsAtOnce_((flags & 2) != 0), server_(context_, options(flags), [](const std::string& line) {
+          for (const char c : line)
+            require(static_cast<unsigned char>(c) >= 32 && static_cast<unsigned char>(c) != 127);
+        }) {
+    ann_.send(wire::buildFrame(wire::msgLogin, {"Ann", "", "0", versionText()}));
+    settle();
+  }
+
+  /// One step of one of the six.
+  void act(Input& input) {
+    const std::uint8_t what = input.byte();
+    const std::size_t seat = what % lines_.size();
+    if (!lines_[seat]) {
+      // The first one comes from the proxy.
+      lines_[seat] = std::make_unique<Line>(clients_, server_.port(), static_cast<std::uint32_t>(5 + seat));
+    }
+    Line& line = *lines_[seat];
+    switch (what / lines_.size() % 10) {
+      case 0:
+        line.send(handshake);
+        break;
+      case 1:
+        line.send(requests[input.byte() % requests.size()]);
+        break;
+      case 2: {
+        const std::uint8_t head = input.byte();
+        line.send(webSocketFrame(head, true, input.take(input.byte())));
+        break;
+      }
+      case 3: {
+        const std::uint8_t head = input.byte();
+        line.send(webSocketFrame(head, false, input.take(input.byte())));
+        break;
+      }
+      case 4:
+        line.send(login_);
+        break;
+      case 5:
+        line.send(webSocketFrame(0x82, true, login_));
+        break;
+      case 6:
+        line.finish();
+        break;
+      case 7:
+        hangUp(seat);
+        break;
+      default:
+        line.send(input.take(input.byte()));
+    }
+    settle();
+  }
+
+  /// Whatever they did, the player beside them plays on, and the server ends when it is told to.
+  void finish() {
+    ann_.send(wire::buildFrame(wire::msgChat, {"-1", "still here"}));
+    settle();
+    require(ann_.heard().find("still here") != std::string::npos);
+    ann_.check();
+    server_.stop();
+    if (endsAtOnce_) {
+      server_.stop();
+    } else {
+      settle();
+      for (std::size_t seat = 0; seat < lines_.size(); ++seat) hangUp(seat);
+      ann_.finish();
+    }
+    context_.run_for(std::chrono::seconds(20));
+    require(context_.stopped());
+    for (const auto& line : lines_) {
+      if (line) line->check();
+    }
+  }
+
+ private:
+  static Options options(std::uint8_t flags) {
+    Options options;
+    options.port = 0;
+    if ((flags & 1) != 0) options.trustedProxy = "127.0.0.5";
+    if ((flags & 4) != 0) options.site = KELVORA_SITE;
+    if ((flags & 8) != 0) options.listKey = "key";
+    if ((flags & 16) != 0) options.bots.count = 2;
+    return options;
+  }
+  void hangUp(std::size_t seat) {
+    if (!lines_[seat]) return;
+    lines_[seat]->hear();
+    lines_[seat]->check();
+    lines_[seat] = nullptr;
+  }
+  void settle() {
+    while (context_.poll() > 0) {
+      ann_.hear();
+      for (const auto& line : lines_) {
+        if (line) line->hear();
+      }
+    }
+  }
+
+  const bool endsAtOnce_;
+  const std::string login_ = wire::buildFrame(wire::msgLogin, {"Eve", "", "1", versionText()});
+  asio::io_context clients_;
+  asio::io_context context_;
+  GameServer server_;
+  Line ann_{clients_, server_.port(), 200};
+  std::array<std::unique_ptr<Line>, 6> lines_;
+};
+
+void run(Input input) {
+  Scene scene(input.byte());
+  for (int steps = 0; steps < 200 && !input.isEmpty(); ++steps) scene.act(input);
+  scene.finish();
+}
+
+}  // namespace
+}  // namespace kelvora::server
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  kelvora::server::run({data, size});
+  return 0;
+}

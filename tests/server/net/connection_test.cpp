@@ -1,0 +1,198 @@
+// The limits of one connection, whatever it speaks. Time runs out when the test says so.
+
+#include "server/net/connection.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <boost/asio/io_context.hpp>
+#include <memory>
+#include <string>
+
+#include "protocol/wireFormat.h"
+#include "server/net/pacedSocket.h"
+#include "tests/server/net/webSocketClient.h"
+
+namespace kelvora::server {
+namespace {
+
+using std::chrono::seconds;
+
+/// A connection and its client. The parameter says whether they speak inside a WebSocket.
+class ConnectionLimits : public testing::TestWithParam<bool> {
+ protected:
+  ConnectionLimits() {
+    settle();
+    if (!GetParam()) return;
+    client.write(WebSocketClient::handshake());
+    settle();
+  }
+  ~ConnectionLimits() override {
+    if (closed.empty()) connection->close("over");
+    settle();
+    EXPECT_FALSE(closed.empty());
+    EXPECT_EQ(connection.use_count(), 1) << "nothing is under way for ever";
+  }
+
+  void settle() {
+    context_.restart();
+    while (context_.poll() > 0) {
+    }
+  }
+  void say(const std::string& bytes) {
+    client.push(GetParam() ? WebSocketClient::frame(WebSocketClient::binary, bytes) : bytes);
+    settle();
+  }
+  /// The connection lasts for this long after what it did last, and no longer.
+  void expectToLast(seconds time, const std::string& reason) {
+    const auto now = Connection::Clock::now();
+    connection->closeIfOverdue(now + time - seconds(1));
+    settle();
+    EXPECT_EQ(closed, "");
+    connection->closeIfOverdue(now + time + seconds(1));
+    settle();
+    EXPECT_EQ(closed, reason);
+  }
+
+ private:
+  asio::io_context context_;
+  asio::ip::tcp::acceptor door_{context_, {asio::ip::address_v4::loopback(), 0}};
+
+ protected:
+  WebSocketClient client{door_.local_endpoint().port()};
+  std::string closed;         // why
+  std::size_t heard = 0;      // bytes of the frames
+  std::size_t bodyTaken = 0;  // bytes of a large answer
+  const std::shared_ptr<Connection> connection = [this] {
+    const auto made = std::make_shared<Connection>(
+        door_.accept(), ClientId{1},
+        Connection::Handlers{.onForwarded = {},
+                             .onGame = [](ClientId) {},
+                             .onFrame =
+                                 [this](ClientId, std::string_view text) {
+                                   heard += text.size() + 2;
+                                   if (hangsUpOnFrame) connection->hangUp();
+                                 },
+                             .onRequest = [this](ClientId, const HttpRequest& request) { return answer(request); },
+                             .onClosed = [this](ClientId, const std::string& reason) { closed = reason; }});
+    made->start();
+    return made;
+  }();
+
+ private:
+  HttpAnswer answer(const HttpRequest& request) {
+    if (request.isUpgrade) return {.status = 101};
+    if (request.path() == "/page") return {.body = "page", .mayKeepAlive = true};
+    constexpr std::size_t size = std::size_t{64} << 20;
+    return {.more =
+                [this](std::size_t most) {
+                  const std::size_t piece = std::min(most, size - bodyTaken);
+                  bodyTaken += piece;
+                  return std::string(piece, 'x');
+                },
+            .moreSize = size};
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Plain, ConnectionLimits, testing::Values(false));
+INSTANTIATE_TEST_SUITE_P(WebSocket, ConnectionLimits, testing::Values(true));
+
+TEST_P(ConnectionLimits, TheFirstByteComesWithinTenSeconds) { expectToLast(seconds(10), "says nothing"); }
+
+TEST_P(ConnectionLimits, ARequestComesWithinFiveSeconds) {
+  say("GET / HT");
+  expectToLast(seconds(5), "takes too long to ask");
+}
+
+TEST_P(ConnectionLimits, ARequestThatTricklesHasNoMoreTime) {
+  say("GET / HT");
+  connection->closeIfOverdue(Connection::Clock::now() + seconds(4));
+  say("TP/1.1\r\n");
+  expectToLast(seconds(5), "takes too long to ask");
+}
+
+TEST_P(ConnectionLimits, AKeptConnectionAsksAgainWithinFiveSeconds) {
+  say("GET /page HTTP/1.1\r\nHost: h\r\n\r\n");
+  expectToLast(seconds(5), "has no more requests");
+}
+
+TEST_P(ConnectionLimits, AnAnswerIsTakenInFiveSecondsAndNotHeldMeanwhile) {
+  client.keepLittleUnread();
+  say("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
+  EXPECT_GT(bodyTaken, 0U);
+  EXPECT_LT(bodyTaken, 4U << 20) << "beside what the system holds, 16 KiB";
+  expectToLast(seconds(5), "does not read");
+}
+
+TEST_P(ConnectionLimits, AGameIsSilentForTwoMinutes) {
+  say(wire::buildFrame(wire::msgPing, {}));
+  EXPECT_EQ(heard, 3U);
+  expectToLast(seconds(120), "silent for too long");
+}
+
+TEST_P(ConnectionLimits, AFrameThatTakesLongerIsNoSilence) {
+  say("\x80\x84");
+  say("1");
+  expectToLast(seconds(120), "silent for too long");
+}
+
+TEST_P(ConnectionLimits, TheEndIsTakenWithinTwoSeconds) {
+  say(wire::buildFrame(wire::msgPing, {}));
+  connection->hangUp();
+  settle();
+  say(wire::buildFrame(wire::msgPing, {}));
+  expectToLast(seconds(2), "hung up on");
+}
+
+TEST_P(ConnectionLimits, BothSidesMayEndAtOnce) {
+  hangsUpOnFrame = true;
+  const std::string frame = wire::buildFrame(wire::msgPing, {});
+  if (GetParam()) {
+    client.write(WebSocketClient::frame(WebSocketClient::binary, frame) +
+                 WebSocketClient::frame(WebSocketClient::closing, "\x03\xE8"));
+  } else {
+    client.write(frame);
+    client.finish();
+  }
+  settle();
+  EXPECT_NE(closed, "");
+}
+
+TEST_P(ConnectionLimits, WhatIsUnreadIsAtMost256KiB) {
+  say(wire::buildFrame(wire::msgPing, {}));
+  const std::string frame = wire::buildFrame(wire::msgChat, {std::string(1'021, 'c')});
+  ASSERT_EQ(frame.size(), 1'024U);
+  for (int i = 0; i < 256; ++i) connection->send(frame);
+  connection->closeIfOverdue(Connection::Clock::now());
+  EXPECT_EQ(closed, "");
+  connection->send(frame);
+  settle();
+  EXPECT_EQ(closed, "does not read");
+}
+
+TEST_P(ConnectionLimits, WhatIsSentIsReadAtARate) {
+  const std::string frame = wire::buildFrame(wire::msgChat, {std::string(97, 'c')});
+  const auto start = Connection::Clock::now();
+  for (int i = 0; i < 1'000; ++i) say(frame);
+  const std::chrono::duration<double> time = Connection::Clock::now() - start;
+  EXPECT_GE(heard, 15U << 10) << "the burst";
+  EXPECT_LE(static_cast<double>(heard), PacedSocket::bytesPerSecond * (time.count() + 0.5) + PacedSocket::maxRead);
+}
+
+TEST_P(ConnectionLimits, AFrameIsAtMost4KiB) {
+  say(std::string(1, wire::frameStart) + std::string(4'096, 'x'));
+  EXPECT_EQ(closed, "");
+  say("x");
+  EXPECT_EQ(closed, "does not speak the protocol");
+}
+
+TEST_P(ConnectionLimits, ARequestIsAtMost4KiB) {
+  const std::string start = "GET /page HTTP/1.1\r\nHost: h\r\nA: ";
+  say(start + std::string(4'096 - start.size() - 4, 'a') + "\r\n\r\n");
+  EXPECT_EQ(closed, "") << "it is answered, and kept";
+  say(start + std::string(4'096 - start.size() - 3, 'a') + "\r\n\r\n");
+  expectToLast(seconds(2), "hung up on");
+}
+
+}  // namespace
+}  // namespace kelvora::server

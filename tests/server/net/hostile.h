@@ -1,0 +1,128 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "generated/version.h"
+#include "protocol/wireFormat.h"
+#include "tests/server/net/runningServer.h"
+#include "tests/server/net/tcpClient.h"
+
+namespace kelvora::server {
+
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+inline std::size_t residentMebibytes() {
+  std::size_t all = 0;
+  std::size_t resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  return resident * 4096 >> 20;
+}
+
+/// Two players from an address of their own, one of whom watches the other fly.
+class Game {
+ public:
+  explicit Game(std::uint16_t port) : ann_(port, 200), bob_(port, 201) {
+    ann_.login("Ann");
+    const std::string accepted = ann_.readUntil(wire::msgLoginAccepted);
+    const auto fields = wire::splitFields(accepted);
+    if (fields.size() != 4) throw std::runtime_error("Ann is not let in");
+    node_ = fields[1];
+    x_ = std::stoi(std::string(fields[2]));
+    y_ = fields[3];
+    bob_.login("Bob");
+    bob_.readUntil(wire::msgLoginAccepted);
+  }
+
+  /// Ann moves on a step `count` times, and Bob sees each step, in order, with only those between them whom the others
+  /// sent. Before each step `attack` has its turn. The answer is the median time on the way.
+  Milliseconds play(int count, const std::function<void(int)>& attack) {
+    std::vector<Milliseconds> times;
+    for (int i = 0; i < count; ++i) {
+      attack(i);
+      const std::string x = std::to_string(x_ += x_ < 50'000 ? 1 : -1);
+      const auto start = std::chrono::steady_clock::now();
+      ann_.say(wire::msgPositionReport, {x, y_});
+      std::string seen;
+      do {
+        seen = bob_.readUntil(wire::msgPosition);
+      } while (seen != "nothing" && !seen.starts_with(node_ + wire::fieldSeparator));
+      EXPECT_EQ(seen, node_ + wire::fieldSeparator + x + wire::fieldSeparator + y_);
+      if (testing::Test::HasFailure()) break;
+      times.emplace_back(std::chrono::steady_clock::now() - start);
+      while (std::chrono::steady_clock::now() - start < std::chrono::milliseconds(10))
+        attack(i);  // as fast as reports may come
+    }
+    if (times.empty()) return Milliseconds(1e9);
+    std::ranges::nth_element(times, times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2));
+    return times[times.size() / 2];
+  }
+
+ private:
+  Client ann_;
+  Client bob_;
+  std::string node_;
+  int x_ = 0;
+  std::string y_;
+};
+
+inline constexpr Milliseconds oneTick(40);
+inline constexpr int steps = 40;
+
+inline std::string frame(std::int16_t id, const std::vector<std::string>& fields) {
+  return wire::buildFrame(id, fields);
+}
+inline std::string login(const std::string& name) { return frame(wire::msgLogin, {name, "", "0", KELVORA_VERSION}); }
+
+/// A server with two players on it, while a test attacks it.
+class UnderAttack : public testing::Test {
+ protected:
+  RunningServer server;
+  const std::uint16_t port = server.port();
+  Game game{port};
+
+  /// The two play on, and what they see of each other takes less than a tick at the median.
+  void expectPlay(const std::function<void(int)>& attack) {
+    const Milliseconds median = game.play(steps, attack);
+    EXPECT_LT(median, oneTick);
+    std::cout << "[  median  ] " << median.count() << " ms\n";
+  }
+};
+
+/// Connections that pour the same bytes in for as long as they are taken. They read nothing unless they are told to.
+class Flood {
+ public:
+  Flood(std::uint16_t port, int count, const std::string& first, std::string bytes, bool isReading = false)
+      : bytes_(std::move(bytes)), isReading_(isReading) {
+    for (int i = 0; i < count; ++i) {
+      clients_.push_back(std::make_unique<TcpClient>(port, static_cast<std::uint32_t>(10 + i)));
+      clients_.back()->keepLittleUnsent();
+      clients_.back()->push(first);
+    }
+  }
+  void pour() {
+    for (const auto& client : clients_) {
+      if (isReading_) client->drain();
+      const ssize_t size = client->push(bytes_);
+      if (size > 0) poured_ += static_cast<std::size_t>(size);
+    }
+  }
+  std::size_t poured() const { return poured_; }
+
+ private:
+  std::string bytes_;
+  bool isReading_;
+  std::vector<std::unique_ptr<TcpClient>> clients_;
+  std::size_t poured_ = 0;
+};
+
+}  // namespace kelvora::server
