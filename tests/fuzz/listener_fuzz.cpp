@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/error.hpp>
 #include <boost/asio/io_context.hpp>
 #include <chrono>
 #include <memory>
@@ -97,7 +98,10 @@ class Line {
     socket_.bind({asio::ip::address_v4(INADDR_LOOPBACK - 1 + host), 0});
     // Ports aren't kept for a while, as there are thousands of runs.
     socket_.set_option(asio::socket_base::linger(true, 0));
-    socket_.connect({asio::ip::address_v4::loopback(), port});
+    // A fuzzer's timer may interrupt this.
+    error_code error = asio::error::interrupted;
+    while (error == asio::error::interrupted) socket_.connect({asio::ip::address_v4::loopback(), port}, error);
+    require(!error || error == asio::error::already_connected);
     socket_.set_option(asio::ip::tcp::no_delay(true));
     socket_.non_blocking(true);
   }

@@ -60,7 +60,8 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
 
  protected:
   WebSocketClient client{door_.local_endpoint().port()};
-  std::string closed;         // why
+  std::string closed;  // why
+  bool hangsUpOnFrame = false;
   std::size_t heard = 0;      // bytes of the frames
   std::size_t bodyTaken = 0;  // bytes of a large answer
   const std::shared_ptr<Connection> connection = [this] {
