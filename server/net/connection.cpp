@@ -181,7 +181,8 @@ void Connection::writeMore() {
   }
   if (queued_.empty()) {
     if (hangingUp_) {
-      return stream_.endSending([self = shared_from_this()](error_code, std::size_t) { self->close("hung up on"); });
+      return stream_.endSending(
+          [self = shared_from_this()](error_code, std::size_t) { self->close("disconnected by the server"); });
     }
     if (speech_ == Speech::answering) answered();
     return;

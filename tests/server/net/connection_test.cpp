@@ -98,23 +98,23 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
 INSTANTIATE_TEST_SUITE_P(Plain, ConnectionLimits, testing::Values(false));
 INSTANTIATE_TEST_SUITE_P(WebSocket, ConnectionLimits, testing::Values(true));
 
-TEST_P(ConnectionLimits, TheFirstByteComesWithinTenSeconds) { expectToLast(seconds(10), "says nothing"); }
+TEST_P(ConnectionLimits, TheFirstByteComesWithinTenSeconds) { expectToLast(seconds(10), "sent nothing"); }
 
 TEST_P(ConnectionLimits, ARequestComesWithinFiveSeconds) {
   say("GET / HT");
-  expectToLast(seconds(5), "takes too long to ask");
+  expectToLast(seconds(5), "took too long to send its request");
 }
 
 TEST_P(ConnectionLimits, ARequestThatTricklesHasNoMoreTime) {
   say("GET / HT");
   connection->closeIfOverdue(Connection::Clock::now() + seconds(4));
   say("TP/1.1\r\n");
-  expectToLast(seconds(5), "takes too long to ask");
+  expectToLast(seconds(5), "took too long to send its request");
 }
 
 TEST_P(ConnectionLimits, AKeptConnectionAsksAgainWithinFiveSeconds) {
   say("GET /page HTTP/1.1\r\nHost: h\r\n\r\n");
-  expectToLast(seconds(5), "has no more requests");
+  expectToLast(seconds(5), "sent no further request");
 }
 
 TEST_P(ConnectionLimits, AnAnswerIsTakenInFiveSecondsAndNotHeldMeanwhile) {
@@ -142,7 +142,7 @@ TEST_P(ConnectionLimits, TheEndIsTakenWithinTwoSeconds) {
   connection->hangUp();
   settle();
   say(wire::buildFrame(wire::msgPing, {}));
-  expectToLast(seconds(2), "hung up on");
+  expectToLast(seconds(2), "disconnected by the server");
 }
 
 TEST_P(ConnectionLimits, BothSidesMayEndAtOnce) {
@@ -192,7 +192,7 @@ TEST_P(ConnectionLimits, ARequestIsAtMost4KiB) {
   say(start + std::string(4'096 - start.size() - 4, 'a') + "\r\n\r\n");
   EXPECT_EQ(closed, "") << "it is answered, and kept";
   say(start + std::string(4'096 - start.size() - 3, 'a') + "\r\n\r\n");
-  expectToLast(seconds(2), "hung up on");
+  expectToLast(seconds(2), "disconnected by the server");
 }
 
 }  // namespace
