@@ -86,7 +86,7 @@ TEST(HostRegistry, EverybodySharesAListingUntilAnEntryChanges) {
   const auto first = registry.listing(all, 0);
   registry.announce("a", of("one.example", 1), 1'000);
   EXPECT_EQ(registry.listing(all, 1'000), first) << "nothing is new";
-  EXPECT_NE(registry.listing({.version = "1.2.1", .withFull = false}, 1'000), first);
+  EXPECT_NE(registry.listing({.version = KELVORA_VERSION, .withFull = false}, 1'000), first);
   auto expectNew = [&, last = first](Millis now, const std::string& records) mutable {
     EXPECT_EQ(*registry.listing(all, now), records + "-END-\n");
     EXPECT_NE(registry.listing(all, now), last);

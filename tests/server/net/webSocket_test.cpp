@@ -6,6 +6,7 @@
 #include <chrono>
 #include <string>
 
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
@@ -270,7 +271,7 @@ TEST_F(TrustedProxy, EachRequestOfAKeptConnectionHasAClientOfItsOwn) {
   kept.write(requests + "GET /games/kelvora/ver.txt HTTP/1.0\r\nX-Forwarded-For: 198.51.100.99\r\n\r\n");
   const std::string all = kept.readToEnd();
   EXPECT_EQ(all.find("HTTP/1.1 4"), std::string::npos);
-  EXPECT_TRUE(all.ends_with("tvqver:1.2.1\n"));
+  EXPECT_TRUE(all.ends_with("tvqver:" KELVORA_VERSION "\n"));
   // A client that keeps a connection of the proxy's to itself is one, however many requests it has.
   TcpClient single(server.port(), 5);
   std::string many;
