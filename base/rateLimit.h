@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// A token bucket: lets a burst of events through, then `perSecond` on average.
+/// A token bucket: lets a burst of events through, then `perSecond` on average. `now` must never decrease.
 class RateLimit {
  public:
   RateLimit(double perSecond, double burst) : perSecond_(perSecond), burst_(burst), tokens_(burst) {}

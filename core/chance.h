@@ -11,7 +11,7 @@ inline int drawBelow(double limit) { return static_cast<int>(std::floor(static_c
 
 namespace modMain {
 
-/// Draws a boolean that is True 4999 times in 10000.
+/// Draws a boolean that is true with a probability of 0.4999.
 inline bool coinFlip() { return drawBelow(10000) + 1 < 5000; }
 
 }  // namespace modMain

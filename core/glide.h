@@ -20,8 +20,8 @@ struct Glider {
 bool isInWorld(Vector point);
 /// Adds a target, unless the limit of all queued positions is reached.
 void addTarget(std::deque<Vector>& targets, Vector point);
-/// Moves one frame towards the first target; there must be one. Targets that are off screen, near or very far are taken
-/// at once, and `reached` is called for each. Returns true if a step changed the position.
+/// Moves one frame towards the first target; there must be one. A target that is off screen, near or very far is
+/// reached at once. `reached` is called for each one. Returns true if a step changed the position.
 bool glide(const Glider& glider, const std::function<void()>& reached);
 
 }  // namespace kelvora::modMain

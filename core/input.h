@@ -13,7 +13,7 @@ Vector getMousePos();
 std::int16_t getSteerAngle();
 std::int16_t getSteerQuadrant();
 
-/// Requests the local player's powerup of an F key, 1 to 6. Other numbers do nothing.
+/// Requests the local player's powerup on an F key, 1 to 6. Other numbers do nothing.
 void requestPowerup(std::int16_t number);
 /// Toggles the local player's brakes.
 void toggleLocalBreaks();

@@ -22,7 +22,7 @@ void setFontColour(std::int16_t purpose, std::uint8_t channel, std::uint8_t valu
 void setFontSize(std::int16_t purpose, std::int16_t size);
 /// Updates the whole dialog. Loads it.
 void showFontsToForm();
-/// The colour and size (points) for a line type: white and 0 from type 5 on, black and 0 below type 0.
+/// The colour and size (points) for a line type. From type 5 on they are white and 0, below type 0 black and 0.
 Colour getFontColour(std::int16_t type);
 std::int16_t getFontSize(std::int16_t type);
 

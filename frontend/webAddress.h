@@ -8,20 +8,20 @@
 
 namespace kelvora {
 
-/// The address of the publisher's web host.
+/// The address of the web host, which serves the list of games and the update file.
 struct WebAddress {
-  std::string host;  ///< name or number, without port
+  std::string host;  ///< name or IP address, without port
   int port = 80;
 
-  /// The address as HTTP writes it: the host, followed by a colon and the port unless it is 80. A number with colons is
-  /// in brackets.
+  /// The address as HTTP writes it: the host, followed by a colon and the port unless it is 80. An IPv6 address is in
+  /// brackets.
   std::string authority() const;
 
   friend bool operator==(const WebAddress&, const WebAddress&) = default;
 };
 
-/// Parses "host" or "host:port". A number with colons needs brackets ("[::1]:8080") if a port follows. An invalid port
-/// (not 1 to 65535) counts as 80.
+/// Parses "host" or "host:port". An IPv6 address needs brackets ("[::1]:8080") if a port follows. An invalid port (not
+/// 1 to 65535) counts as 80.
 WebAddress parseWebAddress(std::string_view text);
 /// The web host used by this run of the program.
 WebAddress webAddress();

@@ -11,10 +11,11 @@ namespace kelvora {
 
 /// Received messages that wait to be handled, numbered from 1 in order of arrival. An entry holds a frame without its
 /// start byte, and is ready when its last byte is the frame's end. Entries that never become ready stay for ever, so
-/// finding, taking and removing have a cost independent of their number.
+/// the cost of finding, taking and removing doesn't depend on their number.
 ///
 /// Two limits keep a hostile server from filling the memory, both far above any real message. An entry stores its first
-/// `entryLimit` bytes and its end byte. A text that would exceed the `totalLimit` of all entries is dropped.
+/// `entryLimit` bytes and its end byte. A text is dropped if all entries together would exceed `totalLimit`. Both
+/// limits are in bytes.
 class MessageQueue {
  public:
   static constexpr std::size_t entryLimit = std::size_t{1} << 20;
@@ -26,13 +27,13 @@ class MessageQueue {
   };
 
   double messageCount() const { return static_cast<double>(count()); }
-  /// The text of entry `index`, from 1 to messageCount.
+  /// The text of entry `index`, from 1 to messageCount. RuntimeFault for any other index.
   std::string_view text(std::size_t index) const;
 
   /// Adds an empty entry for a new frame.
   void startEntry();
-  /// Appends to the newest entry. Without any entry the text is dropped, but before the first entry ever it is
-  /// RuntimeFault "Subscript out of range".
+  /// Appends to the newest entry, or drops the text if no entry is left. RuntimeFault "Subscript out of range" before
+  /// the first startEntry.
   void append(std::string_view text);
 
   /// Removes the end byte of the first ready entry and returns the rest. The entry keeps its number until it is
@@ -47,7 +48,8 @@ class MessageQueue {
   void parkUnready();
   void unparkLast();
 
-  // First the entries known not to be ready, of which only unfinished ones have any text, then the others.
+  // The queue holds the parked entries first, then the waiting ones. Parked entries are known not to be ready, and only
+  // the unfinished ones among them have a text.
   std::size_t parkedCount_ = 0;
   std::map<std::size_t, std::string> parkedTexts_;  // by number, without the empty ones
   std::deque<std::string> waiting_;

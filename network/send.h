@@ -6,7 +6,7 @@
 
 namespace kelvora::netMan {
 
-/// Builds one frame and hands it to the socket; dropped in silence unless the socket is connected.
+/// Builds one frame and sends it. Drops it silently unless the socket is connected.
 void sendMessage(std::int16_t id, const std::vector<std::string>& fields);
 
 }  // namespace kelvora::netMan

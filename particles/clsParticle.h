@@ -27,7 +27,7 @@ class clsParticle {
   void choosePosition();
   /// Draws a velocity of up to `maxSpeed` per component. Slow components of explosions are sped up.
   void chooseVelocity();
-  /// Moves a background particle that is more than the field's size away to the opposite side.
+  /// Moves a background particle to the opposite side if it is farther from the local player than the field's size.
   void wrap();
   /// Draws a new depth and moves by up to 500 world units on both axes.
   void scatter();
@@ -58,7 +58,7 @@ class clsParticle {
   Vector previousPosition;                    ///< at the start of the latest `moveNormal`
   std::int16_t depth = 0;                     ///< 0 (near) to 16 (far)
   std::string id;                             ///< the server's id for it
-  bool spawned = false;                       ///< False once the server has removed it
+  bool spawned = false;                       ///< false once the server has removed it
   std::uint8_t red = 0, green = 0, blue = 0;  ///< colour of a quark
   std::deque<Vector> positionQueue;           ///< received but not yet reached, next target first
   bool hasPosition = false;                   ///< the first position has arrived

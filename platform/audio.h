@@ -8,7 +8,7 @@
 
 namespace kelvora {
 
-/// The state of a music player; the numbers are those of playState.
+/// The states of a music player, as returned by playState.
 enum PlayState : int { psStopped = 1, psPlaying = 3, psTransitioning = 9, psReady = 10 };
 
 /// The backend's side of one sound effect. No call waits for the sound device. Without a device, all of them silently

@@ -51,11 +51,12 @@ class Backend {
   virtual std::string webHost() = 0;
 };
 
-/// Null uninstalls. `backend` requires an installed one.
+/// Null uninstalls the backend. Don't call `backend` while none is installed.
 void installBackend(Backend* backend);
 Backend& backend();
 
-/// Milliseconds since an unspecified start, well above 32001 at the first call. Never decreases.
+/// Milliseconds since an unspecified start. Never decreases. Well above 32001 from the first call on, so that a stored
+/// tick of 0 counts as long ago.
 Tick GetTickCount();
 /// Seconds since midnight, in local time.
 float Timer();

@@ -32,7 +32,7 @@ class Form : public Control {
   Property<std::string> Caption;
   const Design design;
 
-  /// Called once, when the form has been created and its slot returns it.
+  /// Called once, after the form has been created. Its slot already returns it.
   virtual void load() {}
   /// Called when the user closes the window. The form is unloaded afterwards.
   virtual void unloading() {}
@@ -44,8 +44,8 @@ class Form : public Control {
   /// Raised whenever the window gets the focus, including when it is first shown.
   std::function<void()> Activate;
 
-  /// Shows the window. A modal call returns when the window has been hidden or unloaded; on a visible form it is
-  /// RuntimeFault. A modeless call on a visible form brings it to the front and keeps its modality.
+  /// Shows the window. A modal call returns when the window has been hidden or unloaded, and raises RuntimeFault if the
+  /// form is already visible. A modeless call on a visible form brings it to the front and keeps its modality.
   void Show(Modality modality = Modality::Modeless);
   /// Hides the window without unloading it. Ends a modal `Show`.
   void Hide();
@@ -70,7 +70,7 @@ class Form : public Control {
   bool unloaded_ = false;
 };
 
-/// A named form. The first access creates and loads it, and so does the first access after an unload.
+/// Holds a form for global access. The first access creates and loads it, and so does the first access after an unload.
 template <class FormType>
 class FormSlot {
  public:

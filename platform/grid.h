@@ -49,7 +49,7 @@ class Grid : public Control {
   /// In twips.
   float ColWidth(int column) const { return columnAt(column).width; }
   void ColWidth(int column, float twips);
-  /// 0 to 2 left (top, middle, bottom), 3 to 5 centre, 6 to 8 right, 9 as the text requires.
+  /// 0 to 2 left (top, middle, bottom), 3 to 5 centre, 6 to 8 right, 9 automatic.
   int ColAlignment(int column) const { return columnAt(column).alignment; }
   void ColAlignment(int column, int alignment);
 

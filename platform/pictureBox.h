@@ -6,7 +6,7 @@
 namespace kelvora {
 
 /// A control with a picture that the game draws. Drawing goes to a hidden image, which `Refresh` presents. Width and
-/// Height are the control's outer size in twips. The image has as many whole pixels.
+/// Height are the control's outer size in twips. The image has as many whole pixels as fit.
 class PictureBox : public Control, public Surface {
  public:
   struct Design {

@@ -13,7 +13,7 @@ class FrameReader {
   static constexpr std::size_t maxFrameLength = 4096;  ///< bytes between start and end
 
   /// Calls `handle` with the text (id and fields) of every frame that the bytes complete. False if they contain a byte
-  /// outside a frame, a start inside one, or a frame that is too long. Don't read on after that. Only a login may
+  /// outside a frame, a start inside one, or a frame that is too long. Don't call it again after that. Only a login may
   /// contain starts: names and passwords are sent as typed, and a player who types a euro sign must get an answer.
   bool read(std::string_view bytes, const std::function<void(std::string_view text)>& handle);
 

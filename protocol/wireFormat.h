@@ -49,10 +49,10 @@ enum MessageId : std::int16_t {
   msgParticleRemove = 168,
 };
 
-/// One frame: start, id, the fields with separators between them, end. Fields go as they stand; there is no escape.
+/// One frame: start, id, the fields with separators between them, end. Fields are sent as they are; nothing is escaped.
 std::string buildFrame(std::int16_t id, const std::vector<std::string>& fields);
 
-/// The fields of a frame's text behind its id, cut at every separator. A text without a separator is one field.
+/// The fields of a frame's text after its id, cut at every separator. A text without a separator is one field.
 std::vector<std::string_view> splitFields(std::string_view text);
 
 }  // namespace kelvora::wire

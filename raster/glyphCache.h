@@ -29,7 +29,7 @@ class FontGlyphs {
 /// The fonts printed or measured so far. References stay valid until the source changes.
 class GlyphCache {
  public:
-  /// Discards all glyphs. Null for no source.
+  /// Discards all glyphs and sets the source; null for none.
   void setSource(GlyphSource* source);
   /// Null if there is no source.
   FontGlyphs* find(const FontSpec& font);

@@ -48,15 +48,16 @@ class Surface {
   void Cls();
 
   /// Draws a line in ForeColor, DrawWidth pixels wide, with round ends and including both end points. Its direction
-  /// makes no difference. It is clipped beyond a million pixels and keeps its slope. A line of width 1 has the pixel
-  /// nearest to the line in each column (each row if it is steep), halves downward (rightward). A line of width w > 1
-  /// has the pixels whose centres lie within w / 2 of the segment between the centres of the two end pixels. For an
-  /// even w that segment is moved half a pixel up and left.
+  /// makes no difference. Clipping parts beyond a million pixels doesn't change its slope. A line of width 1 covers the
+  /// pixel nearest to it in each column, or in each row if it is steep. Of two equally near pixels it covers the lower
+  /// one, or the right one if it is steep. A line of width w > 1 covers the pixels whose centres lie within w / 2 of
+  /// the segment between the centres of the two end pixels. For an even w that segment is moved half a pixel up and
+  /// left.
   void Line(float x1, float y1, float x2, float y2);
 
-  /// Draws a circle filled with FillColor and with an outline one pixel wide. It has the pixels nearer than the radius
-  /// plus half a pixel. Those with a neighbour outside (left, right, above or below) are the outline. A radius that
-  /// rounds to 0 draws one pixel, a negative one nothing.
+  /// Draws a circle filled with FillColor and with an outline one pixel wide. It covers the pixels nearer to the centre
+  /// than the radius plus half a pixel. Those with a neighbour outside (left, right, above or below) are the outline. A
+  /// radius that rounds to 0 draws one pixel, a negative one nothing.
   void Circle(float x, float y, float radius, Colour outline);
 
   /// Copies the cell (sx, sy, w, h) of `source` to (x, y). Each number is converted to pixels separately. Parts outside

@@ -98,8 +98,8 @@ class clsPlayer {
   void addTail(Vector position);
   /// Removes vertex `num` and moves later ones up. Does nothing if there is no such vertex.
   void killTail(double num);
-  /// The id of vertex `num`; empty if it is outside the tail. RuntimeFault for a fraction that rounds to the tail's
-  /// end.
+  /// The id of vertex `num`; empty if it is outside the tail. RuntimeFault if `num` is a fraction that rounds up to the
+  /// tail's length.
   std::string getTailID(double num) const;
   /// The oldest vertex with this id or at exactly this position; -1 if there is none.
   double getTailNumByID(const std::string& id) const;

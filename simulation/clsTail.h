@@ -13,7 +13,7 @@ namespace kelvora {
 /// One vertex of a tail. It lives a little over two seconds of real time in its owner's `tails`.
 class clsTail {
  public:
-  /// Unique except by chance: owner, second of the day and a random number.
+  /// Owner, second of the day and a random number. Two vertices have the same id only by chance.
   const std::string& tailID() const { return tailID_; }
   // Quirk Q-048: killer and isLong store nothing, and no vertex is ever looped.
   void killer(bool) {}
@@ -21,8 +21,8 @@ class clsTail {
   /// The vertex's index in its owner's tail.
   void num(double value);
   double num() const;
-  /// Ages by one step. True if the vertex has expired: it is then removed from its owner's tail, and this object
-  /// destroyed.
+  /// Ages by one step. True if the vertex has expired. It has then been removed from its owner's tail, and this object
+  /// is destroyed.
   bool age();
   /// Age in units of 10 ms.
   std::int16_t getAge() const { return age_; }

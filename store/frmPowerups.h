@@ -25,7 +25,7 @@ class FrmPowerups : public Form {
   void init(double funds);
   /// Fills in the stock of one item. RuntimeFault for an item outside 0 to 5.
   void have(std::int16_t item, std::int16_t count);
-  /// Marks prices above the displayed balance. They can still be requested.
+  /// Darkens the prices above the displayed balance. Their items can still be requested.
   void colourPrices();
 
   Image imgBackground{this, {0, 0, 11415, 9090}};

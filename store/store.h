@@ -2,7 +2,7 @@
 
 namespace kelvora::modMain {
 
-/// Opens the store's window over the running game, whether connected or alive or not.
+/// Opens the store's window over the running game, even for a dead or disconnected player.
 void openStore();
 
 }  // namespace kelvora::modMain

@@ -7,11 +7,11 @@
 
 namespace kelvora {
 
-/// A copy of the settings file that is changed and then replaces the file atomically. It is in its own folder next to
-/// the file, which is removed with it. Drafts left by killed instances are removed with the next one.
+/// A copy of the settings file that is changed and then replaces the file atomically. It has its own folder next to the
+/// file, and the destructor removes that folder. The next draft removes whatever a killed instance has left.
 class SettingsDraft {
  public:
-  /// Waits for its turn. The file's folder must exist. If the file doesn't, the draft is empty.
+  /// Waits for its turn, at most two seconds. The file's folder must exist. If the file doesn't, the draft is empty.
   explicit SettingsDraft(const std::string& path);
   ~SettingsDraft();
   SettingsDraft(const SettingsDraft&) = delete;
@@ -19,9 +19,9 @@ class SettingsDraft {
 
   /// The draft's path; empty if the file's path is taken by something else or nothing can be written.
   const std::filesystem::path& path() const { return draft_; }
-  /// Renames the draft to a path from which no file has been read before.
+  /// Renames the draft to a new path, so that the toolkit reads the file again instead of using its cache.
   void rename();
-  /// Replaces the file by the draft, with a later time than any file that was there.
+  /// Replaces the file with the draft, whose modification time becomes later than the old file's.
   void publish();
 
  private:

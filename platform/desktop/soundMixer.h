@@ -27,7 +27,7 @@ class SoundMixer {
   /// How long the device stays closed after the first file, unless an effect is played.
   static constexpr std::chrono::milliseconds calm{400};
 
-  /// `module` is the path of the mixer's module. Without it, or without a sound device, nothing sounds.
+  /// `module` is the path of the mixer's module. Without it, or without a sound device, everything is silent.
   explicit SoundMixer(std::string module = soundModulePath()) : module_(std::move(module)) {}
   ~SoundMixer();
   SoundMixer(const SoundMixer&) = delete;

@@ -2,9 +2,9 @@
 
 namespace kelvora {
 
-/// Sets up the desktop, installs it as the backend and runs the game, which normally doesn't return. Returns the
-/// status, 0. An uncaught fault shows an error box and ends the process with status 1. A command line that only
-/// requests the version or help is answered instead.
+/// Sets up the desktop, installs it as the backend and runs the game, which normally ends the process. An uncaught
+/// fault shows an error box and ends it with status 1. A command line that only requests the version or help is
+/// answered instead. Returns the exit status, 0.
 int runDesktop(int argc, char** argv, void (*game)());
 
 }  // namespace kelvora

@@ -8,8 +8,8 @@
 
 namespace kelvora {
 
-/// Loads the system's font rules on a thread, from construction to destruction, while the toolkit connects to the
-/// screen, which takes as long. Without a thread, the toolkit loads the rules itself.
+/// Loads the system's font rules on a thread while the toolkit connects to the screen. Both take about as long. The
+/// destructor waits for the thread. If no thread can be started, the toolkit loads the rules itself.
 class FontsAhead {
  public:
   FontsAhead();
@@ -21,7 +21,7 @@ class FontsAhead {
   std::thread thread_;
 };
 
-/// Registers free fonts of similar character for requested families that aren't installed. Call it once, after creating
+/// Registers free fonts of a similar style for requested families that aren't installed. Call it once, after creating
 /// the application.
 void installFontSubstitutes();
 

@@ -5,7 +5,7 @@
 namespace kelvora {
 
 /// The settings: one text file in a folder, both private to the user. Values are strings of any bytes. Missing, damaged
-/// or inaccessible settings read as empty, and values that can't be written are dropped. Neither is a fault.
+/// or inaccessible settings read as the fallback, and values that can't be written are dropped. Neither is a fault.
 class QtSettings {
  public:
   /// The file's path, in the file system's encoding.
