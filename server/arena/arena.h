@@ -41,7 +41,7 @@ class Arena {
   std::size_t playerCount() const { return roster_.players().size(); }
   /// All logged-in players, in the order of their connections.
   std::vector<PlayerView> players(Millis now) const;
-  /// Colours held by bots that people waiting to log in need. Disconnect these bots; each tick retries the logins.
+  /// Colours that bots hold and people waiting to log in need. Disconnect these bots. Each tick retries the logins.
   std::vector<std::int16_t> wantedColours() const { return lobby_.wantedColours(); }
   /// False in the intermission between two rounds, when everybody is dead.
   bool isRoundRunning() const { return rounds_.isRunning(); }

@@ -5,7 +5,7 @@
 
 namespace kelvora::server {
 
-/// Relays a player's line to everybody, or to one player and back to the sender.
+/// Relays a player's line to everybody, or only to one player and the sender.
 void relayChat(Roster& roster, Player& sender, const RequestFields& fields, Millis now);
 
 /// Pings a player when due: soon after the login, then five times a minute.

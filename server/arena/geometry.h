@@ -20,11 +20,11 @@ struct GridPoint {
 GridPoint toGrid(double x, double y);
 
 /// Finds the loops closed by the last segment of a tail, and the places inside them. The tail goes from the oldest
-/// vertex to the newest. Wherever its last segment shares a point with an older one (of a stretch, the point nearest to
-/// the older one's start), it closes a loop: from that point along the vertices after the older segment's start to the
-/// last vertex but one, and straight back. The segment right before the last one closes none, because the two always
-/// share a vertex. A segment without length closes none either. A place is inside a loop if the loop winds around it at
-/// all, in either direction. A place on the loop itself is not inside.
+/// vertex to the newest. The last segment closes a loop with each older segment that shares a point with it. The loop
+/// starts at the shared point, follows the tail to the last vertex but one, and goes straight back. If the two segments
+/// overlap, the shared point is the one nearest to the older segment's start. The segment right before the last one
+/// closes no loop, because the two always share a vertex. Neither does a segment without length. A place is inside a
+/// loop if the loop winds around it in either direction. A place on the loop itself is not inside.
 ///
 /// Returns, for every place, the first vertex of the longest loop around it as an index of `tail`, or nothing. All
 /// comparisons are exact. The time is proportional to the tail's length times the number of places.

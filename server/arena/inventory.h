@@ -26,7 +26,7 @@ class Inventory {
   int stock(int item) const;
   int totalStock() const;
 
-  /// The price for selling an item: half of its price, rounded down.
+  /// The credits paid for a sold item: half its price, rounded down.
   static std::int64_t resaleValue(int item) { return powerupTable.at(static_cast<std::size_t>(item)).price / 2; }
 
   /// Refusals are texts for the player.

@@ -16,7 +16,7 @@
 namespace kelvora::server {
 
 /// Handles connections that have not logged in, and logins. A login waits until a bot has made room for a person, or
-/// until everybody has been told that the previous player has left.
+/// until everybody has been told that the previous player of that colour has left.
 class Lobby {
  public:
   static constexpr std::size_t maxNameLength = 32;  ///< bytes

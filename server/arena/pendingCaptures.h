@@ -9,9 +9,9 @@
 namespace kelvora::server {
 
 /// Captures that clients know of but haven't carried out yet: they wait for the named vertex of the winner's tail to
-/// expire. A client then forgets all of that winner's other captures, and it identifies captures by the vertex's
-/// coordinates alone. So while one is pending, its winner names no other vertex and nobody else names the same
-/// coordinates. Its loser doesn't respawn, and nobody is told that either of the two has left.
+/// expire. A client identifies a capture by that vertex's coordinates alone. When it carries one out, it forgets all
+/// other captures of the same winner. So while a capture is pending, its winner names no other vertex and nobody else
+/// names the same coordinates. Its loser doesn't respawn, and nobody is told that either of the two has left.
 class PendingCaptures {
  public:
   /// A vertex expires 2.1 seconds after a client has laid it. A lagging client that hasn't laid it yet carries the
@@ -21,8 +21,8 @@ class PendingCaptures {
 
   /// `extendedUntil` is the end of the winner's running Extra Long Tail, under which nothing expires.
   void add(std::int16_t winner, std::int16_t loser, const Spot& vertex, Millis now, Millis extendedUntil);
-  /// Called when the winner's Extra Long Tail starts. It delays a capture only once: between two of them every client
-  /// has a frame in which the tail ages.
+  /// Called when the winner's Extra Long Tail starts. It delays a capture only once: between two such powerups every
+  /// client has a frame in which the tail ages.
   void extend(std::int16_t winner, Millis until);
   /// Removes captures that have been carried out.
   void prune(Millis now);

@@ -6,8 +6,8 @@
 
 namespace kelvora::server {
 
-/// Limits a player's distance: one second's worth at once, and the speed on average. Distances are world units, the sum
-/// of both axes, as the game measures speed.
+/// Limits how far a player moves: at most one second's worth at once, and at most `speed` on average. Distances are
+/// world units, the sum of both axes, as the game measures speed.
 class SpeedLimit {
  public:
   /// Full speed of a living player without turbo, at the design pace.

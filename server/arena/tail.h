@@ -25,7 +25,7 @@ struct Spot {
 
 Spot spotOf(std::string_view x, std::string_view y, Vector read);
 
-/// A living player's tail according to the rules: the reported spots, oldest first, for about as long as clients show
+/// A living player's tail as the rules see it: the reported spots, oldest first, for about as long as clients show
 /// them.
 class Tail {
  public:
@@ -37,7 +37,7 @@ class Tail {
   struct Vertex {
     Spot spot;
     Millis endsAt = 0;
-    bool isCharged = false;  ///< and so is the segment from the previous vertex
+    bool isCharged = false;  ///< together with the segment from the previous vertex
   };
 
   /// Adds a spot. False, without any change, if it equals the last one. `extendedUntil` is the end of the running Extra

@@ -7,7 +7,7 @@
 
 namespace kelvora::server {
 
-// Finds whom charged tails, lasers and pulses reach. Changes nothing.
+// Finds the players that charged tails, lasers and pulses hit. Changes nothing.
 
 struct Hit {
   Player* winner;

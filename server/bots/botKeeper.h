@@ -19,8 +19,8 @@ class BotKeeper {
   /// `password` and `version` are the arena's.
   BotKeeper(Arena& arena, BotWishes wishes, std::string password, std::string version, std::uint32_t seed);
 
-  /// The arena sends a frame to a bot, or closes its connection. Both take effect at the next tick, because the arena
-  /// must not be called from within its own calls.
+  /// Called when the arena sends a frame to a bot or closes its connection. Both take effect at the next tick, because
+  /// the arena must not be called from within its own calls.
   void hear(ClientId client, std::string_view frame, Millis now);
   void hangUp(ClientId client);
   /// Call this at least every 40 ms. However often it is called, bots act every 40 ms.

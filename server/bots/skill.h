@@ -9,7 +9,7 @@
 
 namespace kelvora::server {
 
-/// How well a bot plays. With `mixed`, each bot has its own level.
+/// A bot's skill. With `mixed`, each bot has its own level.
 enum class SkillLevel { easy, normal, hard, mixed };
 
 /// Parses "easy", "normal", "hard" or "mixed". Nothing for any other word.
@@ -24,7 +24,7 @@ struct Skill {
   double minLoopRadius;  ///< minimum radius of a circle around an opponent, world units
   double maxLoopRadius;
   double foresight;    ///< how far an opponent's motion is predicted, 0 to 1
-  double aimError;     ///< by how much a circle misses the opponent, maximum as a fraction of its radius
+  double aimError;     ///< maximum distance of a circle's centre from the opponent, as a fraction of its radius
   bool foreseesTurns;  ///< predicts circles as well, and closes every possible loop
   double alertness;    ///< probability of noticing a loop that is closing around it
   Millis minRest;      ///< minimum pause between two attempts

@@ -22,7 +22,7 @@ struct Options {
   std::string webAddress;                ///< empty for `address`
   std::string site;                      ///< folder of files to serve by HTTP; empty for none
   std::string allowOrigin = "*";         ///< pages that may open a WebSocket, separated by commas
-  std::string trustedProxy;              ///< proxy whose word on its clients' addresses is trusted; empty for none
+  std::string trustedProxy;              ///< proxy whose X-Forwarded-For is trusted; empty for none
   std::string publicAddress;             ///< empty for `address`
   std::string notes;
   std::string listKey;     ///< key that others must give to be listed here; empty for none

@@ -13,7 +13,7 @@ namespace kelvora::server {
 inline constexpr std::string_view publishPath = "/games/kelvora/publish";
 inline constexpr std::size_t maxNotesLength = 200;  ///< bytes
 
-/// What a server tells a list about itself. An empty address means the one from which the announcement comes.
+/// A server's announcement to a list. An empty address means the one from which the announcement comes.
 struct Announcement {
   std::string version;
   HostEntry host;

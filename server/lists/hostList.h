@@ -8,7 +8,7 @@
 
 namespace kelvora::server {
 
-/// The highest port in a list. Clients refuse ports from 32767 on, and end if they read a higher one.
+/// The highest port in a list. Clients refuse port 32767, and a higher one in a list ends them.
 inline constexpr std::uint16_t maxListedPort = 32'766;
 
 /// A server's entry in the list of published games.

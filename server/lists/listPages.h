@@ -8,7 +8,7 @@
 
 namespace kelvora::server {
 
-/// The origin of a request.
+/// The sender of a request.
 struct Peer {
   std::string address;  ///< as a list shows it
   std::string network;  ///< the one that limits apply to
@@ -36,7 +36,7 @@ class ListPages {
   HostRegistry registry_;
 };
 
-/// "Only GET is served here.", with the allowed methods.
+/// Status 405 with `text`, such as "Only GET is served here.", and the allowed methods as its Allow header.
 HttpAnswer methodNotAllowed(const std::string& methods, const std::string& text);
 
 }  // namespace kelvora::server

@@ -4,8 +4,8 @@
 
 namespace kelvora::server {
 
-/// When a server announces itself next: at once at first, then every five minutes, or when there is news, ten seconds
-/// after the last announcement at the earliest. After a failure it waits for a minute, even with news.
+/// Decides when a server announces itself next: at once at first, then every five minutes. News is announced sooner,
+/// but at least ten seconds after the last announcement. After a failure it waits for a minute, even with news.
 class PublishSchedule {
  public:
   static constexpr Millis interval = 300'000;

@@ -16,7 +16,7 @@
 
 namespace kelvora::server {
 
-/// One client. Its first bytes decide what it speaks: byte 128 starts the game's frames, a letter an HTTP request. A
+/// One client. Its first bytes decide its protocol: byte 128 starts the game's frames, a letter an HTTP request. A
 /// request can upgrade to WebSocket, where the first bytes decide in the same way. The object lives until its last
 /// operation has completed.
 class Connection : public std::enable_shared_from_this<Connection> {
@@ -53,7 +53,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void close(const std::string& reason);
   /// Closes the connection if its time has run out. Call this several times a second.
   void closeIfOverdue(Clock::time_point now);
-  /// Extends the deadline by a time in which the server couldn't listen.
+  /// Extends the deadline by the time for which the server couldn't listen.
   void excuse(Clock::duration time) { deadline_ += time; }
   bool isGame() const { return speech_ == Speech::game; }
 

@@ -10,7 +10,7 @@ namespace kelvora::server {
 
 namespace asio = boost::asio;
 
-/// Turns a mapped IPv4 address into the IPv4 address, and drops an IPv6 address's interface.
+/// Turns a mapped IPv4 address into the IPv4 address, and drops an IPv6 address's scope (its interface).
 asio::ip::address unmapped(const asio::ip::address& address);
 
 /// The identity of a host for limits: its address, or the first 64 bits in IPv6, where every host has a whole range. An
@@ -23,7 +23,7 @@ class Door {
   static constexpr int maxPerNetwork = 16;  ///< maximum connections at a time from one network
   static constexpr double connectionsPerSecond = 2;
   static constexpr double burst = 32;
-  static constexpr std::size_t maxNetworks = 4096;  ///< networks remembered; others have no history
+  static constexpr std::size_t maxNetworks = 4096;  ///< maximum number of networks remembered
 
   /// True if a connection may come in. Each one must be followed by `left`.
   bool admits(const std::string& network, Millis now);
