@@ -43,9 +43,10 @@ TEST_F(Particles, DepthAtCreationRunsFromTwoToSixteen) {
   script({0, 0, 0, 0});
   particle.init(0, background, 0, 0);
   EXPECT_EQ(particle.depth, 2);
-  script({0, 0, 0, 0.9999F});
+  script({0.999F, 0, 0, 0.9999F});
   particle.init(0, background, 0, 0);
   EXPECT_EQ(particle.depth, 16);
+  EXPECT_EQ(particle.red, 254) << "the brightest, as with the other colours";
 }
 
 TEST_F(Particles, AnExplosionParticleDrawsItsKindAndFliesOut) {
@@ -151,6 +152,23 @@ TEST_F(Particles, FarOutOnBothAxesScattersTwice) {
   EXPECT_TRUE(machine.scriptedDraws.empty());
   EXPECT_EQ(particle.position, (Vector{50000 + 11145 + 150, 50000 + 8820 + 100}));
   EXPECT_EQ(particle.depth, 15);
+}
+
+TEST_F(Particles, EachAxisWrapsRoundThePlayersOwn) {
+  modMain::world.localPlayer.position = {20000, 70000};
+  particle.fieldWidth = 11445;
+  particle.fieldHeight = 9120;
+  for (const float side : {-1.0F, 1.0F}) {
+    // Draws of 0 scatter by nothing.
+    script({0, 0, 0, 0, 0});
+    particle.position = {20000 + side * 12000, 70000};
+    particle.wrap();
+    EXPECT_EQ(particle.position, (Vector{20000 - side * 11145, 70000}));
+    script({0, 0, 0, 0, 0});
+    particle.position = {20000, 70000 + side * 10000};
+    particle.wrap();
+    EXPECT_EQ(particle.position, (Vector{20000, 70000 - side * 8820}));
+  }
 }
 
 TEST_F(Particles, OnlyTheBackgroundIsWrapped) {

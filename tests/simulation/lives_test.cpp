@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "audio/soundMan.h"
 #include "base/fault.h"
+#include "tests/support/countingPeer.h"
 #include "tests/support/gameTest.h"
 
 // The effects of each death, and the state that a death, a round's end and a new login leave alone.
@@ -23,6 +26,18 @@ class Lives : public GameTest {
   void captureBob() { serverSends(wire::msgTailCapture, {"7", "8", "1", "1"}); }
   const std::vector<std::string> captureSound{"capture.wav Silent False", "capture.wav prev", "capture.wav play"};
 };
+
+TEST_F(Lives, TheStripIsShownAtEachCaptureAndRespawn) {
+  int shown = 0;
+  frmMain->picCaps[0].peer = std::make_unique<CountingPeer>(shown);
+  captureBob();
+  EXPECT_EQ(shown, 1);
+  ann().init(0, -1, 7, "Ann");
+  EXPECT_EQ(shown, 1) << "a new login leaves the marks";
+  ann().respawn();
+  EXPECT_EQ(shown, 2);
+  frmMain->picCaps[0].peer.reset();
+}
 
 TEST_F(Lives, ADeadVictimDiesOnceMore) {
   bob().captures = {2, 3};
@@ -60,6 +75,10 @@ TEST_F(Lives, InitKeepsFlightReportsAnimationAndCaptures) {
     player->animFrame = 3;
     player->animTick = 6;
     player->captures = {2, 5};
+    player->lastPosition = {40000, 41000};
+    player->lastAgeTick = 999'990;
+    player->lastPowerupTick = 17;
+    player->steering = true;
     player->init(player->colour, player->playerIndex, player->serverNode, player->name);
     EXPECT_EQ(player->velocity, (Vector{12, -7}));
     EXPECT_EQ(player->reportCounter, 2);
@@ -67,6 +86,10 @@ TEST_F(Lives, InitKeepsFlightReportsAnimationAndCaptures) {
     EXPECT_EQ(player->animFrame, 3);
     EXPECT_EQ(player->animTick, 6);
     EXPECT_EQ(player->captures, (std::vector<std::int16_t>{2, 5}));
+    EXPECT_EQ(player->lastPosition, (Vector{40000, 41000})) << "an active laser beams from there";
+    EXPECT_EQ(player->lastAgeTick, 999'990);
+    EXPECT_EQ(player->lastPowerupTick, 17);
+    EXPECT_TRUE(player->steering);
   }
 }
 

@@ -423,6 +423,8 @@ TEST_F(Movement, FundsAreRoundedToEvenAndShownForTheLocalPlayerAlone) {
   EXPECT_EQ(frmMain->lblCredits.Caption.get(), "12");
   player.funds(1234567.5);
   EXPECT_EQ(frmMain->lblCredits.Caption.get(), "1234568");
+  player.funds(-0.4);
+  EXPECT_EQ(frmMain->lblCredits.Caption.get(), "0");
   player.funds(-3.6);
   EXPECT_EQ(frmMain->lblCredits.Caption.get(), "-4");
   clsPlayer other;

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/control.h"
+
+namespace kelvora {
+
+/// Counts how often a surface is shown.
+class CountingPeer : public Peer {
+ public:
+  explicit CountingPeer(int& count) : count_(count) {}
+  void changed(PropertyId) override {}
+  void present() override { ++count_; }
+
+ private:
+  int& count_;
+};
+
+}  // namespace kelvora
