@@ -214,7 +214,7 @@ TEST_F(Chat, Q081TheNewLineTakesTheTwoNewestPlaces) {
   EXPECT_EQ(frmMain->chatHistory[3], "");
 }
 
-TEST_F(Chat, EmptyAndUntrimmedLinesAreStoredAsTheyAre) {
+TEST_F(Chat, EmptyUntrimmedAndUnfilteredLinesAreStoredAsTheyAre) {
   enter("one");
   enter("");
   EXPECT_EQ(frmMain->chatHistory[0], "");
@@ -226,6 +226,8 @@ TEST_F(Chat, EmptyAndUntrimmedLinesAreStoredAsTheyAre) {
   EXPECT_EQ(frmMain->chatHistory[2], "");
   EXPECT_EQ(frmMain->chatHistory[3], "one");
   EXPECT_EQ(chats(), std::vector<WireMessage>{chat("-1", "  two ")});
+  enter("caf\xE9");
+  EXPECT_EQ(frmMain->chatHistory[0], "caf\xE9");
 }
 
 TEST_F(Chat, Q080UpAddsABlankAndDownDoesNot) {

@@ -45,6 +45,7 @@ TEST_F(ConsoleCommands, UnknownAndEmptyVerbsDoNothing) {
   enter("~:");
   enter("~nonsense:1");
   enter("~??");
+  enter("~\xE9?");
   EXPECT_TRUE(machine.messageBoxes.empty());
   EXPECT_TRUE(server().sent.empty());
   EXPECT_EQ(modMain::world.chatLines[0].text, "");

@@ -1,6 +1,7 @@
 #include "network/dispatch.h"
 
 #include "rendering/frmGfx.h"
+#include "store/frmPowerups.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
@@ -288,14 +289,19 @@ TEST_F(GameTest, TooFewFieldsMeanNoEffectForAnyMessage) {
                                         {144, {"9"}},
                                         {141, {"7", "9", "3"}},
                                         {148, {"9"}},
+                                        {151, {""}},
+                                        {151, {"0"}},
                                         {151, {"0", "2"}},
                                         {156, {"9"}},
                                         {157, {"7"}},
+                                        {160, {""}},
+                                        {160, {"0"}},
                                         {160, {"0", "2"}},
                                         {161, {"9"}},
                                         {164, {"p", "1", "2", "3", "4"}},
                                         {165, {"p", "1"}}};
   const Vector velocity = world.opponents[0].velocity;
+  modMain::openStore();
   for (const WireMessage& message : cut) serverSends(message.id, message.fields);
   EXPECT_EQ(modMain::world.opponentCount, 1);
   EXPECT_EQ(world.localPlayer.serverNode, 7);
@@ -309,6 +315,7 @@ TEST_F(GameTest, TooFewFieldsMeanNoEffectForAnyMessage) {
   EXPECT_TRUE(world.localPlayer.alive);
   EXPECT_EQ(modMain::world.netParticleCount, 0);
   EXPECT_EQ(modMain::world.chatLines[0].text, "");
+  EXPECT_EQ(frmPowerups->lblWinners.Caption.get(), "");
 }
 
 TEST_F(GameTest, NamesAreFoundAmongConnectedOpponentsInAnyCase) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "store/frmPowerups.h"
 #include "tests/support/gameTest.h"
 
 // State that survives a disconnection and the next login.
@@ -57,14 +58,32 @@ TEST_F(Reconnection, KeepsTheNextTip) {
   EXPECT_EQ(modMain::world.nextTip, 2);
 }
 
+TEST_F(Reconnection, KeepsTheRoundsMessage) {
+  serverSends(wire::msgRoundOver, {"Bob wins"});
+  netMan::disconnectFromServer();
+  login(2, 7);
+  modMain::openStore();
+  EXPECT_EQ(frmPowerups->lblWinners.Caption.get(), "Bob wins");
+}
+
+TEST_F(Reconnection, KeepsTheExplosions) {
+  modMain::addExplosion({50000, 50000}, 2);
+  netMan::disconnectFromServer();
+  login(2, 7);
+  EXPECT_EQ(modMain::world.explosionCount, 2);
+  EXPECT_EQ(modMain::world.explosionParticles.size(), 2U);
+}
+
 // The marks of the captures go from the panel with the title, the captures themselves stay: they explode at the next
 // death.
 TEST_F(Reconnection, KeepsTheCaptures) {
   serverSends(wire::msgTailCapture, {"7", "8", "1", "1"});
+  modMain::world.opponents[0].captures = {5};
   netMan::disconnectFromServer();
   EXPECT_EQ(modMain::world.localPlayer.captures, (std::vector<std::int16_t>{4}));
   login(2, 7);
   EXPECT_EQ(modMain::world.localPlayer.captures, (std::vector<std::int16_t>{4}));
+  EXPECT_EQ(modMain::world.opponents[0].captures, (std::vector<std::int16_t>{5}));
   modMain::world.localPlayer.die();
   EXPECT_EQ(modMain::world.explosionCount, 1);
 }

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "tests/rendering/paintTest.h"
+#include "tests/support/countingPeer.h"
 
 namespace kelvora {
 namespace {
@@ -208,16 +209,6 @@ TEST_F(Frames, TheRadarIsClearedForEachFrame) {
   EXPECT_EQ(pixelAt(radar(), 30, 45), white) << "nor is the dot of before";
   EXPECT_EQ(pixelAt(radar(), 88, 5), RGB(128, 128, 128));
 }
-
-class CountingPeer : public Peer {
- public:
-  explicit CountingPeer(int& count) : count_(count) {}
-  void changed(PropertyId) override {}
-  void present() override { ++count_; }
-
- private:
-  int& count_;
-};
 
 TEST_F(Frames, EachFrameIsShownOnceOnEachSurface) {
   placeLocal();

@@ -145,6 +145,21 @@ TEST_F(Laser, Q131ACandidateIsTestedAgainstOneBoundAlone) {
   flyAndPaint(-200, 200);
   EXPECT_TRUE(isBeamAt(-900, 900));
   EXPECT_TRUE(isBeamAt(-3000, 3000)) << "on beyond the left edge";
+  // Up to the right from (50000, 2000): slope -2, offset 102000. The upper edge is met at (51000, 0); the right one at
+  // y -98000, outside the world but only tested against 100000: it wins as well.
+  local->position = {50000, 2000};
+  flyAndPaint(100, -200);
+  EXPECT_TRUE(isBeamAt(950, -1900));
+  EXPECT_TRUE(isBeamAt(1500, -3000)) << "on beyond the upper edge";
+}
+
+// From a hair above the lower edge, falling by a 128th in 1100: the right edge is met at y 99999.9993, which single
+// precision rounds to the corner's 100000. The lower edge is met at x 100100, beyond its bound.
+TEST_F(Laser, AHitOnTheVeryCornerCounts) {
+  local->position = {99000, 100000 - 1.0F / 128};
+  flyAndPaint(1100, 1.0F / 128);
+  EXPECT_TRUE(isBeamAt(900, 0));
+  EXPECT_FALSE(isBeamAt(-900, 0));
 }
 
 // Down to the right with slope 2 from (50000, 98000): offset -2000. The lower edge is met at (51000, 100000). The right

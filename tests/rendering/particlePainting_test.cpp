@@ -146,12 +146,16 @@ TEST_F(ParticlePainting, Q124ABallHangsOnItsLowerRightCorner) {
 }
 
 TEST_F(ParticlePainting, ABallHasNoShiftAndTheBoundsAreOnTheCanvas) {
-  ball(ParticleType::Network, 11445, 9120).paintSelf();
-  EXPECT_FALSE(isEmpty());
-  for (const Vector& place : {Vector{-1, 300}, Vector{300, -1}, Vector{11446, 300}, Vector{300, 9121}}) {
+  machine.seconds = 0;  // the one time of day at which an explosion is seen
+  for (const ParticleType type : {ParticleType::Network, ParticleType::Explosion}) {
     canvas().Cls();
-    ball(ParticleType::Network, place.x, place.y).paintSelf();
-    EXPECT_TRUE(isEmpty());
+    ball(type, 11445, 9120).paintSelf();
+    EXPECT_FALSE(isEmpty());
+    for (const Vector& place : {Vector{-1, 300}, Vector{300, -1}, Vector{11446, 300}, Vector{300, 9121}}) {
+      canvas().Cls();
+      ball(type, place.x, place.y).paintSelf();
+      EXPECT_TRUE(isEmpty());
+    }
   }
 }
 

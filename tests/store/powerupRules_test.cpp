@@ -265,6 +265,12 @@ TEST_F(PowerupRules, AllThatRunOutInOneTickAreTold) {
   EXPECT_EQ(player().powerups[extendedTailSlot].timeLeft, 1);
   for (std::size_t line = 0; line < 3; ++line) EXPECT_EQ(modMain::world.chatLines[line].text, "Powerup faded...");
   EXPECT_EQ(modMain::world.chatLines[3].text, "");
+
+  join(8, 1, "Bob");
+  clsPlayer& bob = modMain::world.opponents[0];
+  for (const std::size_t slot : {shieldSlot, turboSlot}) bob.powerups[slot] = {0, 1, true};
+  nextSecond(bob);
+  for (const std::size_t slot : {shieldSlot, turboSlot}) EXPECT_FALSE(bob.powerups[slot].active) << slot;
 }
 
 TEST_F(PowerupRules, NoSoundStopsWhenAPowerupFades) {
