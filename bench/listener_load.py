@@ -139,12 +139,12 @@ def ask(port, number, request):
 def list_rate(program, seconds):
     """Requests of the list at 1000 entries, over as many connections as it takes, for the processor time of the server."""
     server = Server(program, "--list-key", "k")
+    version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
     for entry in range(1000):
-        answer = ask(server.port, entry, (f"POST /games/kelvora/publish?version=1.2.1&address=games{entry}.example&port=2010"
+        answer = ask(server.port, entry, (f"POST /games/kelvora/publish?version={version}&address=games{entry}.example&port=2010"
                                           "&password=0&notes=one+of+a+thousand&players=3&max=6 HTTP/1.0\r\n"
                                           "Authorization: Bearer k\r\n\r\n").encode())
         assert b" 200 " in answer, answer
-    version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
     request = f"GET /games/kelvora/gethosts.php?version={version}&password=1&full=1&empty=1 HTTP/1.0\r\n\r\n".encode()
     size = len(ask(server.port, 2000, request))
     served, start, begin = 0, server.seconds(), time.monotonic()

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+#include "generated/version.h"
 #include "protocol/wireFormat.h"
 #include "server/net/gameServer.h"
 #include "tests/fuzz/input.h"
@@ -29,8 +30,9 @@ constexpr std::string_view handshake =
 constexpr std::array<std::string_view, 8> requests = {
     "GET / HTTP/1.1\r\nHost: h\r\n\r\n",
     "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n",
-    "GET /games/kelvora/gethosts.php?version=1.2.1&password=1&full=1&empty=1 HTTP/1.1\r\nHost: h\r\n\r\n",
-    "POST /games/kelvora/publish?version=1.2.1&address=a&port=1&password=0&notes=n&players=1&max=6 HTTP/1.0\r\n\r\n",
+    "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION "&password=1&full=1&empty=1 HTTP/1.1\r\nHost: h\r\n\r\n",
+    "POST /games/kelvora/publish?version=" KELVORA_VERSION
+    "&address=a&port=1&password=0&notes=n&players=1&max=6 HTTP/1.0\r\n\r\n",
     "GET /fight.png HTTP/1.1\r\nHost: h\r\nAccept-Encoding: gzip\r\n\r\n",
     "POST / HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nabcde\r\n",
     "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n",

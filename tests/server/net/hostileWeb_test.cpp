@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "generated/version.h"
 #include "server/net/pacedSocket.h"
 #include "tests/server/net/hostile.h"
 #include "tests/server/net/webSocketClient.h"
@@ -76,11 +77,12 @@ TEST_F(HostileWeb, SlowRequestsAndEndlessBodiesEnd) {
 
 TEST_F(HostileWeb, ListsAndHandshakesByTheHundred) {
   const std::string requests[] = {
-      "GET /games/kelvora/gethosts.php?version=1.2.1 HTTP/1.0\r\n\r\n",
+      "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION " HTTP/1.0\r\n\r\n",
       Web::handshake(),
       Web::handshake() + Web::frame(Web::closing, "\x03\xE8"),
       Web::handshake("/play", "Origin: http://evil.example\r\n"),
-      "POST /games/kelvora/publish?version=1.2.1&address=a&port=1&password=0&notes=n&players=1&max=6 HTTP/1.0\r\n\r\n",
+      "POST /games/kelvora/publish?version=" KELVORA_VERSION
+      "&address=a&port=1&password=0&notes=n&players=1&max=6 HTTP/1.0\r\n\r\n",
   };
   std::vector<std::unique_ptr<TcpClient>> crowd;
   int count = 0;
