@@ -33,7 +33,7 @@ struct Place {
   float height = 0;
 };
 
-/// A length. Assigning a negative value is RuntimeFault "Invalid property value" and keeps the old one.
+/// A length. Assigning a negative value raises RuntimeFault "Invalid property value" and keeps the old one.
 class Extent : public Property<float> {
  public:
   using Property<float>::Property;

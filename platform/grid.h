@@ -10,7 +10,7 @@ namespace kelvora {
 
 /// A table of texts. Fixed rows and columns are at its top and left and look like headings. The current cell is the
 /// user's last choice, or the first cell that isn't fixed. A double-click anywhere raises DblClick, and changes the
-/// current cell only if it hits another one. Values out of range are RuntimeFault.
+/// current cell only if it hits another one. Values out of range raise RuntimeFault.
 class Grid : public Control {
  public:
   /// One of the grid's numbers. Assigning it is checked and takes effect at once.

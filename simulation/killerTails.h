@@ -20,8 +20,8 @@ void executeKillerTail(std::int16_t index);
 void removeKillerTails(std::int16_t owner);
 /// Carries out one capture: console lines, the loser's death, the winner's score.
 void executeCapture(std::int16_t winnerNode, std::int16_t loserNode);
-/// Removes vertex `num` from a player's tail. Ignores an index out of range, except for the slot after the last, which
-/// is RuntimeFault.
+/// Removes vertex `num` from a player's tail. Ignores an index out of range, but the slot after the last one raises
+/// RuntimeFault.
 void killTailOf(std::int16_t ownerIndex, double num);
 
 }  // namespace kelvora::modMain

@@ -11,6 +11,7 @@ class Control;
 /// The number of nested game handlers, message boxes and event loops.
 int handlerDepth();
 
+/// Adds one level to handlerDepth while it exists.
 class HandlerScope {
  public:
   HandlerScope();

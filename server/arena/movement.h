@@ -11,7 +11,7 @@ namespace kelvora::server {
 enum class Move { refused, step, jump };
 
 /// Moves a player to a reported spot. Refuses a spot out of reach at `speedFactor` times the design speed (0 for no
-/// limit). After a second without a valid report the spot counts as a jump, and a new tail starts there.
+/// limit). After a second without a valid report, such a spot counts as a jump instead, and a new tail starts there.
 Move moveTo(Player& player, const Spot& spot, double speedFactor, Millis now);
 
 /// Handles position reports: moves players, finds captures by their tails, and applies weapons along the way.

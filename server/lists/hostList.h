@@ -41,8 +41,8 @@ bool matches(const HostEntry& host, std::string_view version, const HostQuery& q
 /// "[address|port|password|notes|players|maxPlayers]" with a password of 0 or 1.
 std::string hostRecord(const HostEntry& host);
 
-/// Ends a list. Nothing stands between the records before it: clients would take it for the beginning of the next
-/// address.
+/// Ends a list. Nothing separates the records before it, because clients would take a separator for the beginning of
+/// the next address.
 inline constexpr std::string_view endOfList = "-END-\n";
 
 /// The body of the file with which clients compare their version.

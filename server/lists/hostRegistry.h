@@ -40,7 +40,7 @@ class HostRegistry {
   void forget(Millis now);
 
   std::map<Key, Host> hosts_;
-  // Versions that no entry has are not kept, so this is bounded by the entries.
+  // Listings for versions without an entry aren't kept, so the number of entries bounds this map.
   std::map<HostQuery, std::shared_ptr<const std::string>> listings_;
 };
 

@@ -39,7 +39,8 @@ class ClientStream {
   /// may be pending.
   void upgrade(const std::string& request, std::string_view rest, Handler handler);
   /// Tells the client that nothing more follows. Nothing may be written afterwards. A WebSocket then reads by itself
-  /// until the client agrees, and calls `whenDone`. Nothing else may read from it. `whenDone` keeps the object alive.
+  /// until the client has confirmed, and calls `whenDone`. Nothing else may read from it. `whenDone` keeps the object
+  /// alive.
   void endSending(Handler whenDone);
   /// Completes every operation with an error.
   void close();

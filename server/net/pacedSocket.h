@@ -23,7 +23,7 @@ class PacedSocket {
   using Clock = std::chrono::steady_clock;
   using executor_type = asio::ip::tcp::socket::executor_type;
 
-  /// More than fifty times what the game sends.
+  /// More than fifty times the game's own rate.
   static constexpr std::size_t bytesPerSecond = std::size_t{32} << 10;
   /// How long a full-speed burst may last: a peer may send half a second's worth at once.
   static constexpr auto burst = std::chrono::milliseconds(500);
@@ -37,7 +37,7 @@ class PacedSocket {
   /// The next reads return these bytes again. They don't count a second time.
   void putBack(std::string_view bytes) { state_->returned.insert(0, bytes); }
 
-  /// Into the first buffer.
+  /// Reads into the first buffer only.
   template <class Buffers, class Token>
   auto async_read_some(const Buffers& buffers, Token&& token) {
     const asio::mutable_buffer buffer = *asio::buffer_sequence_begin(buffers);

@@ -17,9 +17,9 @@ class ProxyLine {
 
   /// Takes bytes until it is clear whether there is such a line.
   Result read(std::string_view bytes);
-  /// Of the client, once complete.
+  /// The client's address. Valid once complete.
   const boost::asio::ip::address& address() const { return address_; }
-  /// What follows the line, or all bytes if there is none.
+  /// The bytes after the line, or all bytes if there is no line.
   std::string_view rest() const { return std::string_view(text_).substr(size_); }
 
  private:

@@ -65,7 +65,7 @@ struct HttpAnswer {
   std::size_t moreSize = 0;  ///< bytes
   bool mayKeepAlive = false;
 
-  /// Sends the text behind `body`. It is shared, not copied.
+  /// Sets `more` to a text, which is shared, not copied.
   void append(std::shared_ptr<const std::string> text);
   /// Status line and headers.
   std::string head(bool keepsAlive) const;
