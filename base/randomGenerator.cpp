@@ -1,6 +1,6 @@
 #include "base/randomGenerator.h"
 
-#include <bit>
+#include "base/bitCast.h"
 
 namespace kelvora {
 namespace {
@@ -13,7 +13,7 @@ constexpr std::uint32_t increment = 0x9E3779;
 
 // Folds 32 bits into 24: sign and exponent overlap the lowest bits, so none is lost.
 std::uint32_t foldedBits(float value) {
-  const auto bits = std::bit_cast<std::uint32_t>(value);
+  const auto bits = bitCast<std::uint32_t>(value);
   return (bits ^ bits >> 24) & stateMask;
 }
 

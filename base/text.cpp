@@ -5,7 +5,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 
+#include "base/decimal.h"
 #include "base/fault.h"
 
 namespace kelvora {
@@ -62,11 +64,9 @@ NumberHead readHead(std::string_view text) {
   NumberHead head;
   head.length = end;
   if (mantissa.find_first_of("123456789") != std::string_view::npos) {
-    const auto [unused, error] = std::from_chars(text.data() + start, text.data() + end, head.value);
-    if (error == std::errc::result_out_of_range || std::isinf(head.value)) {
-      if (decimalMagnitude(mantissa, exponent) > 0) raiseOverflow();
-      head.value = 0;
-    }
+    const std::optional<double> value = parseDecimal(text.substr(start, end - start));
+    if (!value && decimalMagnitude(mantissa, exponent) > 0) raiseOverflow();
+    head.value = value.value_or(0);
   }
   if (isSigned && text.front() == '-') head.value = -head.value;
   return head;
@@ -93,13 +93,12 @@ std::string decimalText(Real value, int significantDigits) {
   if (value == Real{0}) return "0";
   // "d.dddddde+xx", rounded from the exact value.
   std::array<char, 32> buffer{};
-  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
-                                    std::chars_format::scientific, significantDigits - 1);
-  const std::string_view scientific(buffer.data(), static_cast<std::size_t>(result.ptr - buffer.data()));
+  const char* const end = writeScientific(buffer.data(), buffer.size(), std::fabs(value), significantDigits - 1);
+  const std::string_view scientific(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
   const std::size_t mark = scientific.find('e');
   int exponent = 0;
   const std::size_t exponentStart = mark + (scientific[mark + 1] == '+' ? 2 : 1);
-  std::from_chars(scientific.data() + exponentStart, result.ptr, exponent);
+  std::from_chars(scientific.data() + exponentStart, end, exponent);
 
   std::string digits(1, scientific.front());
   digits += scientific.substr(2, mark - 2);
@@ -166,8 +165,7 @@ std::string formatThousands(double value) {
   // last decimal is 5 and the third is 2 or 7, so adding one never carries.
   const bool isHalfway = std::fmod(magnitude * 16.0, 2.0) == 1.0;
   std::array<char, 400> buffer{};
-  auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), magnitude, std::chars_format::fixed,
-                                    decimals + (isHalfway ? 1 : 0));
+  char* end = writeFixed(buffer.data(), buffer.size(), magnitude, decimals + (isHalfway ? 1 : 0));
   if (isHalfway) ++*(--end - 1);
   const std::string_view plain(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
   const std::size_t wholeDigits = plain.size() - decimals - 1;

@@ -53,6 +53,14 @@ function(kelvora_room name)
   target_link_libraries(kelvora_${name} PUBLIC kelvora_options ${ARGN})
 endfunction()
 
+# kelvora_leave_out(TARGET SOURCE ...): the library does without these sources of its folder.
+function(kelvora_leave_out target)
+  get_target_property(sources ${target} SOURCES)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  list(REMOVE_ITEM sources ${ARGN})
+  set_target_properties(${target} PROPERTIES SOURCES "${sources}")
+endfunction()
+
 # kelvora_client(ROOM ...): one static library from the rooms of the game, which call one another.
 function(kelvora_client)
   add_library(kelvora_client STATIC)
@@ -64,6 +72,12 @@ function(kelvora_client)
     target_sources(kelvora_client PRIVATE ${sources})
   endforeach()
   target_link_libraries(kelvora_client PUBLIC kelvora_options kelvora_protocol kelvora_platform kelvora_raster kelvora_base)
+endfunction()
+
+# kelvora_run_in_node(TARGET): the browser build's program runs in Node, with the machine's own files.
+function(kelvora_run_in_node target)
+  # Each part is optimised when it is compiled; doing it again in the linker takes half a minute a program.
+  target_link_options(${target} PRIVATE -sNODERAWFS=1 -sEXIT_RUNTIME=1 -sALLOW_MEMORY_GROWTH=1 -O1)
 endfunction()
 
 # kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder.
@@ -81,6 +95,12 @@ function(kelvora_tests name)
     target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,vptr,object-size)
   endif()
   set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests UNITY_BUILD OFF)
+  if(EMSCRIPTEN)
+    kelvora_run_in_node(kelvora_${name}_tests)
+    add_test(NAME Web.${name} COMMAND kelvora_${name}_tests)
+    set_tests_properties(Web.${name} PROPERTIES TIMEOUT 300 LABELS ${name})
+    return()
+  endif()
   gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS ${name})
 endfunction()
 

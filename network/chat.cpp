@@ -64,7 +64,7 @@ void receiveChat(std::int16_t node, const std::string& text) {
 
 std::string filterChatText(const std::string& text) {
   std::string kept;
-  std::ranges::copy_if(text, std::back_inserter(kept), [](unsigned char c) { return c >= 32 && c < 128; });
+  std::copy_if(text.begin(), text.end(), std::back_inserter(kept), [](unsigned char c) { return c >= 32 && c < 128; });
   return kept;
 }
 

@@ -1,6 +1,7 @@
 #include "network/dispatch.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "audio/soundMan.h"
 #include "base/fault.h"
@@ -100,7 +101,8 @@ constexpr Route table[] = {
 std::span<const Route> routes() { return table; }
 
 const Route* findRoute(std::int16_t id) {
-  const auto* found = std::ranges::find(table, id, &Route::id);
+  const auto* found =
+      std::find_if(std::begin(table), std::end(table), [id](const Route& route) { return route.id == id; });
   return found == std::end(table) ? nullptr : found;
 }
 

@@ -44,8 +44,8 @@ class SpanFiller {
   }
 
   /// Fills `count` pixels starting at `target`; none if `count` is 0 or less.
-  [[gnu::always_inline]] void fill(Pixel* target, std::ptrdiff_t count) const {
-    const std::ptrdiff_t last = count - blockWidth;
+  [[gnu::always_inline]] void fill(Pixel* target, std::int64_t count) const {
+    const std::int64_t last = count - blockWidth;
     if (last > 3 * blockWidth) {
       Pixel* const end = target + last;
       for (; target < end; target += blockWidth) store<blockWidth>(target);

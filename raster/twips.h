@@ -1,7 +1,8 @@
 #pragma once
 
-#include <bit>
 #include <cstdint>
+
+#include "base/bitCast.h"
 
 namespace kelvora {
 
@@ -25,7 +26,7 @@ inline int toPixels(double twips) {
   double pixels = twips * (1.0 / twipsPerPixel) + hair;
   pixels = pixels > -limit ? pixels : -limit;
   pixels = pixels < limit ? pixels : limit;
-  return static_cast<int>(static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(pixels + wholeNumbers)));
+  return static_cast<int>(static_cast<std::uint32_t>(bitCast<std::uint64_t>(pixels + wholeNumbers)));
 }
 
 }  // namespace kelvora

@@ -7,6 +7,9 @@ check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 cla
   python3-numpy python3-websockets nginx libnginx-mod-stream openssl curl wget mpg123 xvfb xdotool openbox wmctrl
   x11-utils x11-xserver-utils imagemagick"
 
+# Packages for the browser build and its tests.
+web_packages="g++ cmake ninja-build ccache emscripten googletest libstb-dev libpng-dev libjpeg-dev"
+
 say() { printf '==> %s\n' "$*"; }
 fail() {
   printf '%s\n' "" "$@" >&2

@@ -3,10 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <bit>
 #include <cmath>
 #include <set>
 #include <vector>
+
+#include "base/bitCast.h"
 
 namespace kelvora {
 namespace {
@@ -40,7 +41,7 @@ TEST(RandomGenerator, TakesEveryBitOfTheSeed) {
     RandomGenerator plain;
     RandomGenerator changed;
     plain.randomize(1000.0F);
-    changed.randomize(std::bit_cast<float>(std::bit_cast<std::uint32_t>(1000.0F) ^ (std::uint32_t{1} << bit)));
+    changed.randomize(bitCast<float>(bitCast<std::uint32_t>(1000.0F) ^ (std::uint32_t{1} << bit)));
     EXPECT_NE(plain.next(), changed.next()) << "bit " << bit;
   }
 }

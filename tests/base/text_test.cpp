@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <random>
 
+#include "base/bitCast.h"
 #include "base/fault.h"
 
 namespace kelvora {
@@ -118,7 +118,7 @@ TEST(NumberText, WritesIntegersOfAllSizes) {
 TEST(NumberText, AgreesWithSevenDigitsOfTheLibraryForAnyNumber) {
   std::mt19937 draws(20240501);
   for (int i = 0; i < 200000; ++i) {
-    const auto value = std::bit_cast<float>(static_cast<std::uint32_t>(draws()));
+    const auto value = bitCast<float>(static_cast<std::uint32_t>(draws()));
     if (!std::isfinite(value)) continue;
     char expected[40];
     std::snprintf(expected, sizeof expected, "%.6e", static_cast<double>(value));
@@ -131,7 +131,7 @@ TEST(NumberText, AgreesWithSevenDigitsOfTheLibraryForAnyNumber) {
 TEST(NumberText, ReadsBackToTheNumberButForTheSeventhDigit) {
   std::mt19937 draws(7);
   for (int i = 0; i < 200000; ++i) {
-    const auto value = std::bit_cast<float>(static_cast<std::uint32_t>(draws()));
+    const auto value = bitCast<float>(static_cast<std::uint32_t>(draws()));
     if (!std::isfinite(value) || std::fabs(value) > 3.4e38F) continue;
     // Below the normal range a single has fewer than seven digits.
     if (std::fabs(value) < 1.2e-38F && value != 0.0F) continue;

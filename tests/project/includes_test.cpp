@@ -15,7 +15,7 @@ namespace {
 const std::map<std::string, std::set<std::string>> mayInclude = {
     {"base", {}},
     {"protocol", {}},
-    {"raster", {}},
+    {"raster", {"base"}},
     {"platform", {"base", "raster"}},
     {"platform/pictures", {"base", "raster"}},
     {"platform/headless", {"base", "platform", "platform/pictures", "raster"}},

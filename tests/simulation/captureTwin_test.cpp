@@ -262,7 +262,8 @@ class CaptureTwin : public GameTest {
     EXPECT_EQ(modMain::world.centreMessage, twin.centreMessage);
     EXPECT_EQ(modMain::world.nextTip, twin.nextTip);
     for (std::size_t i = 0; i < 8; ++i) EXPECT_EQ(modMain::world.chatLines[i].text, twin.chat[i]) << "line " << i;
-    EXPECT_EQ(std::ranges::count(machine.soundCommands, "capture.wav play"), twin.captureSounds);
+    EXPECT_EQ(std::count(machine.soundCommands.begin(), machine.soundCommands.end(), "capture.wav play"),
+              twin.captureSounds);
     ASSERT_EQ(modMain::world.explosionCount, static_cast<double>(twin.explosions.size()));
     for (std::size_t i = 0; i < twin.explosions.size(); ++i) {
       EXPECT_EQ(modMain::world.explosionParticles[i].position, twin.explosions[i]) << i;
@@ -276,7 +277,8 @@ class CaptureTwin : public GameTest {
       EXPECT_EQ(std::vector<int>(record.victims.begin(), record.victims.end()), expected.victims) << i;
       // Both point at the same vertex, or both at one that has gone.
       const auto& tail = twin.player(expected.owner).tails;
-      const auto vertex = std::ranges::find(tail, expected.serial, &TwinVertex::serial);
+      const auto vertex = std::find_if(
+          tail.begin(), tail.end(), [&](const TwinVertex& candidate) { return candidate.serial == expected.serial; });
       const double num = vertex == tail.end() ? -1 : vertex->num;
       EXPECT_EQ(real(expected.owner).getTailNumByID(record.tailID), num) << i;
     }

@@ -1,0 +1,72 @@
+#include "base/decimal.h"
+
+#include <charconv>
+#include <cmath>
+
+#if !defined(__cpp_lib_to_chars)
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#endif
+
+namespace kelvora {
+
+#if defined(__cpp_lib_to_chars)
+
+namespace {
+
+char* write(char* first, std::size_t size, double value, std::chars_format format, int decimals) {
+  const auto [end, error] = std::to_chars(first, first + size, value, format, decimals);
+  return error == std::errc{} ? end : nullptr;
+}
+
+}  // namespace
+
+std::optional<double> parseDecimal(std::string_view text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc{} || std::isinf(value)) return std::nullopt;
+  return value;
+}
+
+char* writeScientific(char* first, std::size_t size, double value, int decimals) {
+  return write(first, size, value, std::chars_format::scientific, decimals);
+}
+
+char* writeFixed(char* first, std::size_t size, double value, int decimals) {
+  return write(first, size, value, std::chars_format::fixed, decimals);
+}
+
+#else
+
+// The browser build's library lacks floating-point from_chars and to_chars. Its C functions round correctly and know no
+// locale but "C".
+namespace {
+
+char* write(char* first, std::size_t size, const char* format, double value, int decimals) {
+  std::string text(size + 1, '\0');
+  const int length = std::snprintf(text.data(), text.size(), format, decimals, value);
+  if (length < 0 || static_cast<std::size_t>(length) > size) return nullptr;
+  return first + text.copy(first, static_cast<std::size_t>(length));
+}
+
+}  // namespace
+
+std::optional<double> parseDecimal(std::string_view text) {
+  const double value = std::strtod(std::string(text).c_str(), nullptr);
+  const bool isZero = text.substr(0, text.find_first_of("eE")).find_first_of("123456789") == std::string_view::npos;
+  if (std::isinf(value) || (value == 0 && !isZero)) return std::nullopt;
+  return value;
+}
+
+char* writeScientific(char* first, std::size_t size, double value, int decimals) {
+  return write(first, size, "%.*e", value, decimals);
+}
+
+char* writeFixed(char* first, std::size_t size, double value, int decimals) {
+  return write(first, size, "%.*f", value, decimals);
+}
+
+#endif
+
+}  // namespace kelvora

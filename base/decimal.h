@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace kelvora {
+
+/// Conversions between binary and decimal numbers, correctly rounded: the same digits and the same bits with every
+/// standard library. The exact value decides, and ties go to the even digit.
+
+/// The double nearest to "digits[.digits][e[sign]digits]"; nothing if it overflows, or rounds to 0 without being 0.
+std::optional<double> parseDecimal(std::string_view text);
+
+/// Writes a number that is finite and not negative as "d.ddde+xx", without a terminator. Returns the end of the text,
+/// or null if it doesn't fit.
+char* writeScientific(char* first, std::size_t size, double value, int decimals);
+/// The same as "ddd.ddd".
+char* writeFixed(char* first, std::size_t size, double value, int decimals);
+
+}  // namespace kelvora
