@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 #include "server/arena/arena.h"
 #include "server/bots/botKeeper.h"
 
@@ -33,14 +33,10 @@ struct Output : ArenaOutput {
   Millis now = 0;
 };
 
-std::string text(std::int16_t id, const std::vector<std::string>& fields) {
-  const std::string frame = wire::buildFrame(id, fields);
-  return frame.substr(1, frame.size() - 2);
-}
-
 void login(Arena& arena, ClientId client, Millis now) {
   arena.connected(client, now);
-  arena.received(client, text(wire::msgLogin, {"P" + std::to_string(client), "", "0", KELVORA_VERSION}), now);
+  const std::string frame = wire::toServer<wire::msgLogin>("P" + std::to_string(client), "", 0, KELVORA_VERSION);
+  arena.received(client, wire::textOf(frame), now);
 }
 
 /// An endless round, because a capture or its end would change the measurement.
@@ -52,7 +48,8 @@ ArenaRules endlessRound() {
 }
 
 std::string reportOf(double x, double y) {
-  return text(wire::msgPositionReport, {std::to_string(x), std::to_string(y)});
+  const std::string frame = wire::toServer<wire::msgPositionReport>(static_cast<float>(x), static_cast<float>(y));
+  return std::string(wire::textOf(frame));
 }
 
 /// `range(0)` vertices in the reporter's tail, `range(1)` opponents next to the curve, which crosses itself in most

@@ -14,14 +14,18 @@ import math
 import os
 import socket
 import subprocess
+import sys
 import time
-
-START, END, SEPARATOR = b"\x80", b"\x81", b"\x82"
-LOGIN, REPORT, PING, PING_REPLY = 135, 131, 132, 133
+from pathlib import Path
 
 
-def frame(message, *fields):
-    return START + bytes([message]) + SEPARATOR.join(field.encode("latin-1") for field in fields) + END
+def load_protocol(program):
+    """The build writes the messages' ids beside its programs."""
+    global protocol
+    sys.path.insert(0, str(Path(program).resolve().parent / "generated"))
+    sys.dont_write_bytecode = True
+    import protocol
+    return protocol
 
 
 class Player:
@@ -31,7 +35,7 @@ class Player:
         self.socket = socket.create_connection(("127.0.0.1", port))
         self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
         self.open()
-        self.send(frame(LOGIN, f"Load{number}", "", str(number % 6), version))
+        self.send(protocol.frame(protocol.LOGIN, f"Load{number}", "", str(number % 6), version))
         self.socket.setblocking(False)
         self.rest = b""
         self.frames = self.pings = self.reports = 0
@@ -54,15 +58,14 @@ class Player:
                 self.rest += self.take(data)
         except BlockingIOError:
             pass
-        *whole, self.rest = self.rest.split(END)
+        *whole, self.rest = self.rest.split(bytes([protocol.END]))
         for text in whole:
             self.frames += 1
-            if text[1] == PING:
+            if text[1] == protocol.PING:
                 self.pings += 1
-                self.send(frame(PING_REPLY, f"{time.time() % 86400:.3f}"))
-            elif self.centre is None and text.count(SEPARATOR) == 3:
-                # The first with four fields is the answer to the login: colour, node, x, y.
-                x, y = (float(field) for field in text.split(SEPARATOR)[2:])
+                self.send(protocol.frame(protocol.PING_REPLY, f"{time.time() % 86400:.3f}"))
+            elif text[1] == protocol.LOGIN_ACCEPTED:
+                x, y = (float(field) for field in text.split(bytes([protocol.SEPARATOR]))[2:])
                 self.centre = (x - 2000 * math.cos(self.angle), y - 2000 * math.sin(self.angle))
 
     def report(self):
@@ -71,7 +74,7 @@ class Player:
         self.angle += 0.3  # 600 units in 40 ms, half the full speed
         self.reports += 1
         x, y = (self.centre[0] + 2000 * math.cos(self.angle), self.centre[1] + 2000 * math.sin(self.angle))
-        self.send(frame(REPORT, f"{x:.3f}", f"{y:.3f}"))
+        self.send(protocol.frame(protocol.POSITION_REPORT, f"{x:.3f}", f"{y:.3f}"))
 
 
 class Server:
@@ -152,6 +155,7 @@ def main():
     arguments.add_argument("--arenas", type=int, default=100)
     arguments.add_argument("--bots", type=int, default=5)
     chosen = arguments.parse_args()
+    load_protocol(chosen.program)
     measure(chosen.program, 1, 6, 0, chosen.seconds)
     measure(chosen.program, chosen.arenas, 1, chosen.bots, chosen.seconds)
 

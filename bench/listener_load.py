@@ -16,7 +16,7 @@ import struct
 import subprocess
 import time
 
-from arena_load import END, REPORT, Player, Server, frame, play
+from arena_load import Player, Server, load_protocol, play
 
 HANDSHAKE = (b"GET /play HTTP/1.1\r\nHost: h\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
              b"Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n")
@@ -119,7 +119,7 @@ def deaf_memory(program, kind):
     most, begin = 0, time.monotonic()
     while time.monotonic() < begin + 12:
         for speaker in speakers:
-            speaker.send(frame(144, "-1", "x" * 4000))
+            speaker.send(protocol.frame(protocol.CHAT, "-1", "x" * 4000))
             speaker.read()
         time.sleep(0.1)
         most = max(most, server.memory()[1])
@@ -166,10 +166,10 @@ def relay_times(watcher, flyer, count):
         watcher.read()
         watcher.rest = b""
         start = time.monotonic()
-        flyer.send(frame(REPORT, text.decode(), f"{y:.0f}"))
+        flyer.send(protocol.frame(protocol.POSITION_REPORT, text.decode(), f"{y:.0f}"))
         while True:
             select.select([watcher.socket], [], [], 5)
-            if END in watcher.take(watcher.socket.recv(65536)):
+            if bytes([protocol.END]) in watcher.take(watcher.socket.recv(65536)):
                 break
         times.append(time.monotonic() - start)
         time.sleep(0.04)

@@ -20,7 +20,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tools" / "desktop"))
 sys.dont_write_bytecode = True
 import harness  # noqa: E402  (found by the line above)
-from match import ROUND_OVER, TAIL_CAPTURE, TURBO, Pilot, Relay  # noqa: E402
+from match import TURBO, Pilot, Relay  # noqa: E402
 from storeWindow import BUY, DONE, StoreWindow  # noqa: E402
 
 
@@ -90,14 +90,14 @@ class Watch:
             times = [report[0] for report in relay.reports]
             said, relay.reports, relay.frames = relay.frames, relay.reports[-1:], []
         gaps = sorted(gap for gap in (b - a for a, b in zip(times, times[1:])) if gap < BREAK)
-        captures = [fields for one, fields in said if one == TAIL_CAPTURE]
+        captures = [fields for one, fields in said if one == harness.protocol.TAIL_CAPTURE]
         row = [figure for process in self.processes for figure in process.figures()]
         print("{:6.1f} | {:9.1f} {:5} {:7} {:6.1f} | {:9.1f} {:5} {:7} {:6.2f} | ".format(passed / 60, *row) +
               "{:7} {:9.1f} {:7.1f} | ".format(len(gaps), statistics.median(gaps or [0]) * 1000,
                                               gaps[len(gaps) * 99 // 100] * 1000 if gaps else 0) +
               "{:6} {:5} {:6}".format(sum(fields[1] == relay.node for fields in captures),
                                       sum(fields[0] == relay.node != fields[1] for fields in captures),
-                                      sum(one == ROUND_OVER for one, _ in said)), flush=True)
+                                      sum(one == harness.protocol.ROUND_OVER for one, _ in said)), flush=True)
 
     def chat(self):
         self.display.xdotool("click", 1, "type", "--delay", "10", "still here")  # on the canvas

@@ -7,7 +7,7 @@
 #include "network/receive.h"
 #include "network/session.h"
 #include "platform/headless/headlessBackend.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 #include "rendering/frmGfx.h"
 #include "simulation/clsPlayer.h"
 
@@ -32,7 +32,7 @@ void positions(benchmark::State& state) {
   modMain::world.localPlayer.serverNode = 1;
   std::string bytes;
   for (int i = 0; i < state.range(0); ++i) {
-    bytes += wire::buildFrame(wire::msgPosition, {"2", std::to_string(20000 + i % 5000) + ".25", "31234.56"});
+    bytes += wire::toClient<wire::msgPosition>(2, static_cast<float>(20000 + i % 5000) + 0.25F, 31234.56F);
   }
   for (auto _ : state) {
     opponent.positionQueue.clear();

@@ -135,14 +135,14 @@ def log_in(display, **options):
     client.connect(server.port)
     line = server.accept()
     line.recv_frame()
-    line.send(harness.LOGIN_ACCEPTED, 0, 7, 50000, 50000)
-    line.send(harness.PING, 1)
+    line.send(harness.protocol.LOGIN_ACCEPTED, 0, 7, 50000, 50000)
+    line.send(harness.protocol.PING, 1)
     line.report()
     return client, server, line
 
 
 def reports_during(line, seconds):
-    return sum(identifier == harness.POSITION_REPORT for identifier, _ in line.frames_during(seconds))
+    return sum(identifier == harness.protocol.POSITION_REPORT for identifier, _ in line.frames_during(seconds))
 
 
 def idle(display):

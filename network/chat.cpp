@@ -10,7 +10,6 @@
 #include "frontend/frmMain.h"
 #include "network/handlers.h"
 #include "network/send.h"
-#include "protocol/wireFormat.h"
 
 namespace kelvora::netMan {
 
@@ -41,7 +40,7 @@ void sendChat(const std::string& text) {
     target = modMain::getServerNode(privateTargetIndex);
     line = privatePrefix + line;
   }
-  sendMessage(wire::msgChat, {numberText(std::int32_t{target}), line});
+  sendMessage<wire::msgChat>(target, line);
 }
 
 void receiveChat(std::int16_t node, const std::string& text) {

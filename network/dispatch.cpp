@@ -37,18 +37,36 @@ namespace {
 using Fields = const MessageFields&;
 using modMain::world;
 
+// A refusal is told in two statements, of which each fails alone.
+
 void loginDenied(Fields f) {
   resumeNext([&] { MsgBox("Login denied: \n" + f.text(0)); });
   disconnectFromServer();
 }
 
-void ping(Fields f) {
-  if (world.localPlayer.isConnected) world.localPlayer.receivePing(f.int32(0));
+void loginAccepted(std::int16_t colour, std::int16_t node, float x, float y) {
+  receiveLoginAccepted(colour, node, playerName, x, y);
 }
 
-void latencyReport(Fields f) {
-  if (world.localPlayer.isConnected) world.localPlayer.receiveLatencyReport(f.int32(0));
+void ping(std::int32_t serverTime) {
+  if (world.localPlayer.isConnected) world.localPlayer.receivePing(serverTime);
 }
+
+void latencyReport(std::int32_t value) {
+  if (world.localPlayer.isConnected) world.localPlayer.receiveLatencyReport(value);
+}
+
+void buyAccepted(std::int16_t item, std::int16_t stock, double funds) {
+  world.localPlayer.purchaseAccepted(item, stock, funds);
+}
+
+void sellAccepted(std::int16_t item, std::int16_t stock, double funds) {
+  world.localPlayer.sellItemAccepted(item, stock, funds);
+}
+
+void spawnDenied() { MsgBox("Respawn request denied from server"); }
+
+void serverText(const std::string& text) { printChat(text, 3); }
 
 void storeDenied(Fields f) {
   // Quirk Q-274: a refusal that arrives after the window has closed is lost. A purchase still prints its line in the
@@ -59,41 +77,42 @@ void storeDenied(Fields f) {
   soundMan::playSound(errorSound);
 }
 
-// Quirk Q-067: a row reads all its fields before it acts, so that a message with too few of them, or with one number
-// too large, does nothing at all.
+/// Reads the fields as the table of messages types them and calls the handler with them.
+template <wire::MessageId id, auto handler>
+constexpr Route route{id, [](Fields f) {
+                        static constexpr auto fields = wire::fieldsOf(wire::Direction::toClient, id);
+                        // Quirk Q-067: all fields are read ahead of the call, so that a message with too few of them,
+                        // or with one number too large, does nothing at all.
+                        [&]<std::size_t... i>(std::index_sequence<i...>) { handler(f.read<fields[i].type>(i)...); }
+                        (std::make_index_sequence<fields.size()>());
+                      }};
+
 constexpr Route table[] = {
-    {wire::msgPosition, [](Fields f) { receivePosition(f.int16(0), f.single(1), f.single(2)); }},
-    {wire::msgVelocity, [](Fields f) { receiveVelocity(f.int16(0), f.single(1), f.single(2)); }},
-    {wire::msgPlayerJoined,
-     [](Fields f) {
-       receivePlayerJoined(f.int16(0), f.int16(1), f.text(2), f.single(3), f.single(4), f.int16(5), f.int16(6));
-     }},
-    {wire::msgLoginAccepted,
-     [](Fields f) { receiveLoginAccepted(f.int16(0), f.int16(1), playerName, f.single(2), f.single(3)); }},
+    route<wire::msgPosition, receivePosition>,
+    route<wire::msgVelocity, receiveVelocity>,
+    route<wire::msgPlayerJoined, receivePlayerJoined>,
+    route<wire::msgLoginAccepted, loginAccepted>,
     {wire::msgLoginDenied, loginDenied},
-    {wire::msgChat, [](Fields f) { receiveChat(f.int16(0), f.text(1)); }},
-    {wire::msgPing, ping},
-    {wire::msgLatencyReport, latencyReport},
-    {wire::msgPlayerLeft, [](Fields f) { receivePlayerLeft(f.int16(0)); }},
-    {wire::msgTailCapture, [](Fields f) { modMain::addKillerTail(f.int16(0), f.int16(1), f.single(2), f.single(3)); }},
-    {wire::msgFunds, [](Fields f) { receiveFunds(f.int16(0), f.real(1)); }},
-    {wire::msgRoundOver, [](Fields f) { receiveRoundOver(f.text(0)); }},
+    route<wire::msgChat, receiveChat>,
+    route<wire::msgPing, ping>,
+    route<wire::msgLatencyReport, latencyReport>,
+    route<wire::msgPlayerLeft, receivePlayerLeft>,
+    route<wire::msgTailCapture, modMain::addKillerTail>,
+    route<wire::msgFunds, receiveFunds>,
+    route<wire::msgRoundOver, receiveRoundOver>,
     {wire::msgBuyDenied, storeDenied},
-    {wire::msgBuyAccepted, [](Fields f) { world.localPlayer.purchaseAccepted(f.int16(0), f.int16(1), f.real(2)); }},
-    {wire::msgSpawnDenied, [](Fields) { MsgBox("Respawn request denied from server"); }},
-    {wire::msgRespawn, [](Fields f) { receiveRespawn(f.int16(0)); }},
-    {wire::msgPowerupOn, [](Fields f) { receivePowerupOn(f.int16(0), f.int16(1)); }},
-    {wire::msgAliveState, [](Fields f) { receiveAliveState(f.int16(0), f.int16(1)); }},
+    route<wire::msgBuyAccepted, buyAccepted>,
+    route<wire::msgSpawnDenied, spawnDenied>,
+    route<wire::msgRespawn, receiveRespawn>,
+    route<wire::msgPowerupOn, receivePowerupOn>,
+    route<wire::msgAliveState, receiveAliveState>,
     {wire::msgSellDenied, storeDenied},
-    {wire::msgSellAccepted, [](Fields f) { world.localPlayer.sellItemAccepted(f.int16(0), f.int16(1), f.real(2)); }},
-    {wire::msgPowerupOff, [](Fields f) { receivePowerupOff(f.int16(0), f.int16(1)); }},
-    {wire::msgServerText, [](Fields f) { printChat(f.text(0), 3); }},
-    {wire::msgParticleAdd,
-     [](Fields f) {
-       modMain::receiveParticleNew(f.text(0), f.int16(1), f.single(2), f.single(3), f.single(4), f.single(5));
-     }},
-    {wire::msgParticleRemove, [](Fields f) { modMain::receiveParticleRemove(f.text(0)); }},
-    {wire::msgParticleMove, [](Fields f) { modMain::receiveParticlePosition(f.text(0), f.single(1), f.single(2)); }},
+    route<wire::msgSellAccepted, sellAccepted>,
+    route<wire::msgPowerupOff, receivePowerupOff>,
+    route<wire::msgServerText, serverText>,
+    route<wire::msgParticleAdd, modMain::receiveParticleNew>,
+    route<wire::msgParticleRemove, modMain::receiveParticleRemove>,
+    route<wire::msgParticleMove, modMain::receiveParticlePosition>,
 };
 
 }  // namespace

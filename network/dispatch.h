@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "protocol/messages.h"
+
 namespace kelvora::netMan {
 
 /// The fields of one message, by number from 0. RuntimeFault for a missing field, or a number out of the requested
@@ -21,6 +23,16 @@ class MessageFields {
   float single(std::size_t field) const;
   double real(std::size_t field) const;
 
+  /// The field as one of that type.
+  template <wire::FieldType type>
+  auto read(std::size_t field) const {
+    if constexpr (type == wire::FieldType::text) return text(field);
+    if constexpr (type == wire::FieldType::int16) return int16(field);
+    if constexpr (type == wire::FieldType::int32) return int32(field);
+    if constexpr (type == wire::FieldType::single) return single(field);
+    if constexpr (type == wire::FieldType::real) return real(field);
+  }
+
  private:
   std::string_view at(std::size_t field) const;
 
@@ -29,7 +41,7 @@ class MessageFields {
 
 /// A message's id and handler.
 struct Route {
-  std::int16_t id;
+  wire::MessageId id;
   void (*handle)(const MessageFields& fields);
 };
 

@@ -33,9 +33,9 @@ void processMessages() {
     MessageFields fields;
     // Quirk Q-065: an entry of an end byte alone has no id. The one handled before it in this call stands, and its
     // handler runs without any field.
-    if (!taken->text.empty()) {
-      id = static_cast<unsigned char>(taken->text.front());
-      fields = MessageFields(std::string_view(taken->text).substr(1));
+    if (const auto message = wire::open(taken->text)) {
+      id = static_cast<std::int16_t>(message->id);
+      fields = MessageFields(message->fields);
     }
     if (const Route* route = findRoute(id)) resumeNext([&] { route->handle(fields); });
     // Quirk Q-066: uses the number from before the handler. If messages were handled meanwhile, under a message box,

@@ -1,13 +1,12 @@
 #include "network/send.h"
 
 #include "frontend/gameSocket.h"
-#include "protocol/wireFormat.h"
 
 namespace kelvora::netMan {
 
-void sendMessage(std::int16_t id, const std::vector<std::string>& fields) {
+void sendFrame(const std::string& frame) {
   Winsock& socket = gameSocket();
-  if (socket.State() == sckConnected) socket.SendData(wire::buildFrame(id, fields));
+  if (socket.State() == sckConnected) socket.SendData(frame);
 }
 
 }  // namespace kelvora::netMan

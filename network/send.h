@@ -1,12 +1,18 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
-#include <vector>
+
+#include "protocol/frames.h"
 
 namespace kelvora::netMan {
 
-/// Builds one frame and sends it. Drops it silently unless the socket is connected.
-void sendMessage(std::int16_t id, const std::vector<std::string>& fields);
+/// Sends one frame. Drops it silently unless the socket is connected.
+void sendFrame(const std::string& frame);
+
+/// Sends one message, with the fields that wire::messages has for it.
+template <wire::MessageId id, class... Values>
+void sendMessage(const Values&... values) {
+  sendFrame(wire::toServer<id>(values...));
+}
 
 }  // namespace kelvora::netMan

@@ -2,7 +2,6 @@
 
 #include "base/fault.h"
 #include "base/numbers.h"
-#include "base/text.h"
 #include "core/bounds.h"
 #include "core/centreMessage.h"
 #include "core/modMain.h"
@@ -17,7 +16,6 @@
 #include "network/send.h"
 #include "particles/pools.h"
 #include "platform/backend.h"
-#include "protocol/wireFormat.h"
 #include "rendering/startLogo.h"
 #include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"
@@ -91,13 +89,10 @@ void disconnectFromServer() {
   resumeNext(modMain::showStartLogo);
 }
 
-void sendLogin() {
-  sendMessage(wire::msgLogin,
-              {playerName, serverPassword, numberText(std::int32_t{preferredColour}), appVersionText()});
-}
+void sendLogin() { sendMessage<wire::msgLogin>(playerName, serverPassword, preferredColour, appVersionText()); }
 
 void requestSpawn() {
-  sendMessage(wire::msgSpawnRequest, {""});
+  sendMessage<wire::msgSpawnRequest>();
   // Quirk Q-070: the line is printed also when there is no server to ask.
   printChat("Requesting spawn permission from the server...", 5);
 }

@@ -1,5 +1,6 @@
 #include "protocol/frameReader.h"
 
+#include "protocol/messages.h"
 #include "protocol/wireFormat.h"
 
 namespace kelvora::wire {

@@ -2,25 +2,40 @@
 
 namespace kelvora::wire {
 
-std::string buildFrame(std::int16_t id, const std::vector<std::string>& fields) {
-  std::string frame{frameStart, static_cast<char>(id)};
-  // Quirk Q-060: the fields go as they stand. A name or password that holds a delimiter breaks its own frame.
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    if (i > 0) frame += fieldSeparator;
-    frame += fields[i];
+namespace {
+
+/// Takes the first field off a text; nothing is left behind the last one.
+std::string_view takeField(std::optional<std::string_view>& text) {
+  const std::size_t end = text->find(fieldSeparator);
+  const std::string_view field = text->substr(0, end);
+  if (end == std::string_view::npos) {
+    text.reset();
+  } else {
+    text->remove_prefix(end + 1);
   }
-  frame += frameEnd;
-  return frame;
+  return field;
+}
+
+}  // namespace
+
+std::optional<Incoming> open(std::string_view text) {
+  if (text.empty()) return std::nullopt;
+  return Incoming{static_cast<unsigned char>(text.front()), text.substr(1)};
 }
 
 std::vector<std::string_view> splitFields(std::string_view text) {
   std::vector<std::string_view> fields;
-  std::size_t start = 0;
-  for (std::size_t end; (end = text.find(fieldSeparator, start)) != std::string_view::npos; start = end + 1) {
-    fields.push_back(text.substr(start, end - start));
-  }
-  fields.push_back(text.substr(start));
+  for (std::optional rest = text; rest;) fields.push_back(takeField(rest));
   return fields;
+}
+
+bool splitFields(std::string_view text, std::span<std::string_view> fields) {
+  std::optional rest = text;
+  for (std::string_view& field : fields) {
+    if (!rest) return false;
+    field = takeField(rest);
+  }
+  return !rest;
 }
 
 }  // namespace kelvora::wire

@@ -3,12 +3,10 @@
 
 #include "audio/soundMan.h"
 #include "base/fault.h"
-#include "base/text.h"
 #include "core/mainLoop.h"
 #include "core/modMain.h"
 #include "core/view.h"
 #include "network/send.h"
-#include "protocol/wireFormat.h"
 #include "simulation/clsPlayer.h"
 #include "simulation/survival.h"
 
@@ -144,7 +142,7 @@ void clsPlayer::move() {
 
 void clsPlayer::sendPosition() {
   if (awaitingFirstPosition) return;
-  netMan::sendMessage(wire::msgPositionReport, {numberText(position.x), numberText(position.y)});
+  netMan::sendMessage<wire::msgPositionReport>(position.x, position.y);
 }
 
 }  // namespace kelvora

@@ -1,11 +1,9 @@
 #include <cmath>
 
 #include "base/numbers.h"
-#include "base/text.h"
 #include "core/glide.h"
 #include "core/modMain.h"
 #include "network/send.h"
-#include "protocol/wireFormat.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora {
@@ -54,7 +52,7 @@ void clsPlayer::receivePing(std::int32_t value) {
   const float now = Timer();
   // Quirk Q-261: the clock difference is computed at each ping but never used.
   clockOffset = toSingle(static_cast<double>(now) - value);
-  netMan::sendMessage(wire::msgPingReply, {numberText(Timer())});
+  netMan::sendMessage<wire::msgPingReply>(Timer());
   sendPosition();
 }
 
@@ -65,8 +63,6 @@ void clsPlayer::receiveLatencyReport(std::int32_t value) {
 }
 
 // Quirk Q-260: the client handles velocities from the server, but nothing calls this, so no client sends one.
-void clsPlayer::sendVelocity() {
-  netMan::sendMessage(wire::msgVelocityReport, {numberText(velocity.x), numberText(velocity.y)});
-}
+void clsPlayer::sendVelocity() { netMan::sendMessage<wire::msgVelocityReport>(velocity.x, velocity.y); }
 
 }  // namespace kelvora

@@ -3,13 +3,11 @@
 #include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/numbers.h"
-#include "base/text.h"
 #include "core/centreMessage.h"
 #include "frontend/console.h"
 #include "network/send.h"
 #include "platform/backend.h"
 #include "protocol/powerupTable.h"
-#include "protocol/wireFormat.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora {
@@ -46,7 +44,7 @@ void clsPlayer::requestActivatePowerup(std::int16_t slot) {
     printChat("Refusing to activate EMP, doing so without your shield active will kill you too!!!", plainLine);
     return;
   }
-  if (powerup.count > 0) netMan::sendMessage(wire::msgActivateRequest, {numberText(std::int32_t{slot})});
+  if (powerup.count > 0) netMan::sendMessage<wire::msgActivateRequest>(slot);
 }
 
 void clsPlayer::activatePowerup(std::int16_t slot) {

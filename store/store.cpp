@@ -10,7 +10,6 @@
 #include "core/modMain.h"
 #include "frontend/console.h"
 #include "network/send.h"
-#include "protocol/wireFormat.h"
 #include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"
 
@@ -43,7 +42,7 @@ void clsPlayer::populatePowerupsForm() {
 void clsPlayer::purchaseItem(std::int16_t item) {
   // Quirk Q-202: neither this nor the button checks the credits. The server refuses unaffordable items.
   if (totalPowerups() < powerSlotLimit) {
-    netMan::sendMessage(wire::msgBuyRequest, {numberText(std::int32_t{item})});
+    netMan::sendMessage<wire::msgBuyRequest>(item);
     return;
   }
   showStoreStatus("Cannot purchase powerup, you have no where to store it.  Check your capacity, consider selling.");
@@ -52,7 +51,7 @@ void clsPlayer::purchaseItem(std::int16_t item) {
 
 void clsPlayer::sellItem(std::int16_t item) {
   // Quirk Q-203: the stock is not checked.
-  netMan::sendMessage(wire::msgSellRequest, {numberText(std::int32_t{item})});
+  netMan::sendMessage<wire::msgSellRequest>(item);
 }
 
 void clsPlayer::purchaseAccepted(std::int16_t item, std::int16_t stock, double credits) {

@@ -23,7 +23,6 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools" / "desktop"))
 import harness  # noqa: E402  (found by the line above)
 
-TAIL_CAPTURE, FUNDS, SPAWN_REQUEST, RESPAWN = 141, 148, 152, 154
 CANVAS = (763, 608)  # pixels, as designed
 EDGE = 9000  # world units; the pictures show no edge
 ITEMS = {"shield": 0, "charged": 2, "laser": 4}
@@ -51,28 +50,28 @@ class Tap:
         kept = b""
         with contextlib.suppress(OSError):  # either side may end first
             while data := source.recv(65536):
-                whole, end, kept = (kept + data).rpartition(bytes([harness.END]))
-                for piece in whole.split(bytes([harness.END])):
+                whole, end, kept = (kept + data).rpartition(bytes([harness.protocol.END]))
+                for piece in whole.split(bytes([harness.protocol.END])):
                     if len(piece) > 1:
-                        watch(piece[1], piece[2:].split(bytes([harness.SEPARATOR])))
+                        watch(piece[1], piece[2:].split(bytes([harness.protocol.SEPARATOR])))
                 target.sendall(whole + end)
         target.close()
 
     def from_client(self, identifier, fields):
-        if identifier == harness.POSITION_REPORT:
+        if identifier == harness.protocol.POSITION_REPORT:
             self.me = float(fields[0]), float(fields[1])
 
     def from_server(self, identifier, fields):
-        if identifier == harness.LOGIN_ACCEPTED:
+        if identifier == harness.protocol.LOGIN_ACCEPTED:
             self.node, self.me = fields[1], (float(fields[2]), float(fields[3]))
-        elif identifier == harness.PLAYER_JOINED:
+        elif identifier == harness.protocol.PLAYER_JOINED:
             self.others[fields[0]] = [float(fields[3]), float(fields[4]), fields[5] == b"1"]
-        elif identifier == harness.POSITION and fields[0] in self.others:
+        elif identifier == harness.protocol.POSITION and fields[0] in self.others:
             self.others[fields[0]][:2] = float(fields[1]), float(fields[2])
-        elif identifier == FUNDS and fields[0] == self.node:
+        elif identifier == harness.protocol.FUNDS and fields[0] == self.node:
             self.funds = float(fields[1])
-        elif identifier in (TAIL_CAPTURE, RESPAWN):
-            node, lives = (fields[1], False) if identifier == TAIL_CAPTURE else (fields[0], True)
+        elif identifier in (harness.protocol.TAIL_CAPTURE, harness.protocol.RESPAWN):
+            node, lives = (fields[1], False) if identifier == harness.protocol.TAIL_CAPTURE else (fields[0], True)
             if node == self.node:
                 self.alive = lives
             elif node in self.others:
@@ -94,9 +93,9 @@ class Pilot(threading.Thread):
         self.tap, self.words, self.turn = tap, words, random.choice((-1, 1))
         self.side, self.radius = colour * 1.26, 900 + 90 * colour
         self.line = harness.Line(socket.create_connection(("127.0.0.1", port)))
-        self.line.send(harness.LOGIN, name, "", colour, harness.VERSION)
+        self.line.send(harness.protocol.LOGIN, name, "", colour, harness.VERSION)
         identifier, fields = self.line.recv_frame()
-        assert identifier == harness.LOGIN_ACCEPTED, fields
+        assert identifier == harness.protocol.LOGIN_ACCEPTED, fields
         self.x, self.y = float(fields[2]), float(fields[3])
         self.heading = 0.0
         self.start()
@@ -109,11 +108,11 @@ class Pilot(threading.Thread):
         began = asked = time.monotonic()
         while True:
             if time.monotonic() - asked > 2:  # whoever is dead comes back
-                self.line.send(SPAWN_REQUEST, "")
+                self.line.send(harness.protocol.SPAWN_REQUEST, "")
                 asked = time.monotonic()
             for identifier, _ in self.line.frames_during(self.INTERVAL):
-                if identifier == harness.PING:
-                    self.line.send(harness.PING_REPLY, f"{time.time() % 86400:.2f}")
+                if identifier == harness.protocol.PING:
+                    self.line.send(harness.protocol.PING_REPLY, f"{time.time() % 86400:.2f}")
             # Round a place of his own beside the player: turned towards it from afar, along its circle near by.
             cx = self.tap.me[0] + 3500 * math.cos(self.side) - self.x
             cy = self.tap.me[1] + 2800 * math.sin(self.side) - self.y
@@ -125,9 +124,9 @@ class Pilot(threading.Thread):
             step = self.PACE * self.INTERVAL * 1000
             self.x = min(max(self.x + step * math.cos(self.heading), 500), 99500)
             self.y = min(max(self.y + step * math.sin(self.heading), 500), 99500)
-            self.line.send(harness.POSITION_REPORT, f"{self.x:.2f}", f"{self.y:.2f}")
+            self.line.send(harness.protocol.POSITION_REPORT, f"{self.x:.2f}", f"{self.y:.2f}")
             if self.words and time.monotonic() - began > 9:
-                self.line.send(harness.CHAT, -1, self.words)
+                self.line.send(harness.protocol.CHAT, -1, self.words)
                 self.words = ""
 
 
@@ -318,14 +317,14 @@ class Guest(threading.Thread):
     def __init__(self, port, colour):
         super().__init__(daemon=True)
         self.line = harness.Line(socket.create_connection(("127.0.0.1", port)))
-        self.line.send(harness.LOGIN, f"Guest{colour}", "", colour, harness.VERSION)
+        self.line.send(harness.protocol.LOGIN, f"Guest{colour}", "", colour, harness.VERSION)
         self.start()
 
     def run(self):
         with contextlib.suppress(OSError):  # until the server ends
             while frame := self.line.recv_frame(60):
-                if frame[0] == harness.PING:
-                    self.line.send(harness.PING_REPLY, f"{time.time() % 86400:.2f}")
+                if frame[0] == harness.protocol.PING:
+                    self.line.send(harness.protocol.PING_REPLY, f"{time.time() % 86400:.2f}")
 
 
 def find(display, output):

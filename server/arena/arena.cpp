@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "server/arena/chat.h"
 
 namespace kelvora::server {
@@ -18,19 +18,19 @@ Arena::Arena(ArenaOutput& output, std::string version, std::string password, std
       lobby_(output, roster_, economy_, rounds_, std::move(version), std::move(password), seed) {}
 
 void Arena::received(ClientId client, std::string_view text, Millis now) {
-  if (text.empty()) return;
-  const int id = static_cast<unsigned char>(text.front());
-  text.remove_prefix(1);
+  const auto message = wire::open(text);
+  if (!message) return;
   if (Player* player = roster_.find(client)) {
-    handle(*player, id, wire::splitFields(text), now);
+    handle(*player, *message, now);
     rounds_.endIfWon();
-  } else if (id == wire::msgLogin) {
-    lobby_.login(client, text, now);
+  } else if (message->id == wire::msgLogin) {
+    lobby_.login(client, message->fields, now);
   }
 }
 
-void Arena::handle(Player& player, int id, const RequestFields& fields, Millis now) {
-  switch (id) {
+void Arena::handle(Player& player, const wire::Incoming& message, Millis now) {
+  const std::string_view fields = message.fields;
+  switch (message.id) {
     case wire::msgPositionReport:
       return movement_.report(player, fields, now);
     case wire::msgPingReply:
@@ -41,7 +41,7 @@ void Arena::handle(Player& player, int id, const RequestFields& fields, Millis n
       return lives_.requestSpawn(player, now);
     case wire::msgBuyRequest:
     case wire::msgSellRequest:
-      return economy_.trade(player, id == wire::msgSellRequest, fields, now);
+      return economy_.trade(player, message.id == wire::msgSellRequest, fields, now);
     case wire::msgActivateRequest:
       return combat_.activate(player, fields, now);
     default:

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "protocol/wireFormat.h"
 #include "server/arena/arenaOutput.h"
 #include "server/arena/arenaRules.h"
 #include "server/arena/combat.h"
@@ -47,7 +48,7 @@ class Arena {
   bool isRoundRunning() const { return rounds_.isRunning(); }
 
  private:
-  void handle(Player& player, int id, const RequestFields& fields, Millis now);
+  void handle(Player& player, const wire::Incoming& message, Millis now);
 
   // Each piece knows the ones above it.
   Roster roster_;

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "server/arena/requestFields.h"
+#include <string_view>
+
 #include "server/arena/roster.h"
 
 namespace kelvora::server {
 
 /// Relays a player's line to everybody, or only to one player and the sender.
-void relayChat(Roster& roster, Player& sender, const RequestFields& fields, Millis now);
+void relayChat(Roster& roster, Player& sender, std::string_view fields, Millis now);
 
 /// Pings a player when due: soon after the login, then five times a minute.
 void pingIfDue(Roster& roster, Player& player, Millis now);

@@ -1,27 +1,27 @@
 #include "server/arena/combat.h"
 
-#include "base/wholeNumber.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 
 namespace kelvora::server {
 
-void Combat::activate(Player& player, const RequestFields& fields, Millis now) {
-  const auto item = fields.size() == 1 ? wholeNumber<std::int16_t>(fields[0]) : std::nullopt;
-  if (!item || !player.requests.allows(now)) return;
+void Combat::activate(Player& player, std::string_view fields, Millis now) {
+  const auto request = wire::fromClient<wire::msgActivateRequest>(fields);
+  if (!request || !player.requests.allows(now)) return;
+  const auto [item] = *request;
   Inventory& inventory = player.inventory;
-  const auto refuse = [&](const char* why) { roster_.sendTo(player.client, wire::msgServerText, {why}); };
+  const auto refuse = [&](const char* why) { roster_.sendTo(player.client, wire::toClient<wire::msgServerText>(why)); };
   // Clients rarely request in vain, except that they show a capture only when it is carried out. And their timers count
   // changes of the clock's second, so they end up to a second before these.
   if (!player.isAlive) return refuse("You are out, and cannot use abilities until you are respawned.");
-  if (inventory.isRunning(*item, now)) return refuse("That ability isn't ready yet.");
-  if (!inventory.start(*item, now)) return refuse("You have none of that ability left.");
-  roster_.sendToAll(wire::msgPowerupOn, {std::to_string(player.node), std::to_string(*item)});
-  if (*item == extendedTailSlot) {
+  if (inventory.isRunning(item, now)) return refuse("That ability isn't ready yet.");
+  if (!inventory.start(item, now)) return refuse("You have none of that ability left.");
+  roster_.sendToAll(wire::toClient<wire::msgPowerupOn>(player.node, item));
+  if (item == extendedTailSlot) {
     player.tail.prune(now);
-    player.tail.extend(inventory.runsUntil(*item));
-    pending_.extend(player.node, inventory.runsUntil(*item));
+    player.tail.extend(inventory.runsUntil(item));
+    pending_.extend(player.node, inventory.runsUntil(item));
   }
-  if (*item == pulseSlot) pulse(player, now);
+  if (item == pulseSlot) pulse(player, now);
 }
 
 void Combat::strikeOnTheWay(Player& mover, Point from, Millis now) {
@@ -50,7 +50,7 @@ void Combat::pulse(Player& owner, Millis now) {
 
 void Combat::end(Player& player, int item, Millis now) {
   if (!player.inventory.end(item, now)) return;
-  roster_.sendToAll(wire::msgPowerupOff, {std::to_string(player.node), std::to_string(item)});
+  roster_.sendToAll(wire::toClient<wire::msgPowerupOff>(player.node, item));
 }
 
 }  // namespace kelvora::server

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "server/arena/lives.h"
-#include "server/arena/requestFields.h"
 #include "server/arena/roster.h"
 #include "server/arena/weapons.h"
 
@@ -15,7 +15,7 @@ class Combat {
   Combat(Roster& roster, PendingCaptures& pending, Lives& lives) : roster_(roster), pending_(pending), lives_(lives) {}
 
   /// Handles a player's request to use a powerup.
-  void activate(Player& player, const RequestFields& fields, Millis now);
+  void activate(Player& player, std::string_view fields, Millis now);
   /// Applies the mover's weapons to the others, and theirs to the mover, along the way from `from`.
   void strikeOnTheWay(Player& mover, Point from, Millis now);
   void strikeAll(Millis now);

@@ -2,22 +2,26 @@
 
 #include <utility>
 
-#include "base/wholeNumber.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 
 namespace kelvora::server {
 
-void Economy::trade(Player& player, bool isSale, const RequestFields& fields, Millis now) {
-  const auto item = fields.size() == 1 ? wholeNumber<std::int16_t>(fields[0]) : std::nullopt;
-  if (!item || !player.requests.allows(now)) return;
+void Economy::trade(Player& player, bool isSale, std::string_view fields, Millis now) {
+  const auto request =
+      isSale ? wire::fromClient<wire::msgSellRequest>(fields) : wire::fromClient<wire::msgBuyRequest>(fields);
+  if (!request || !player.requests.allows(now)) return;
+  const auto [item] = *request;
   Inventory& inventory = player.inventory;
-  const Outcome outcome = isSale ? inventory.sell(*item) : inventory.buy(*item);
+  const Outcome outcome = isSale ? inventory.sell(item) : inventory.buy(item);
   if (outcome.isRefused()) {
-    return roster_.sendTo(player.client, isSale ? wire::msgSellDenied : wire::msgBuyDenied, {outcome.reason()});
+    return roster_.sendTo(player.client, isSale ? wire::toClient<wire::msgSellDenied>(outcome.reason())
+                                                : wire::toClient<wire::msgBuyDenied>(outcome.reason()));
   }
   // This also tells the trader the new funds.
-  roster_.sendTo(player.client, isSale ? wire::msgSellAccepted : wire::msgBuyAccepted,
-                 {std::to_string(*item), std::to_string(inventory.stock(*item)), std::to_string(inventory.funds())});
+  const int stock = inventory.stock(item);
+  const std::int64_t funds = inventory.funds();
+  roster_.sendTo(player.client, isSale ? wire::toClient<wire::msgSellAccepted>(item, stock, funds)
+                                       : wire::toClient<wire::msgBuyAccepted>(item, stock, funds));
   for (const auto& [client, other] : roster_.players()) {
     if (client != player.client) sendFundsTo(client, player);
   }
@@ -39,7 +43,7 @@ void Economy::sendFunds(const Player& player) const {
 }
 
 void Economy::sendFundsTo(ClientId client, const Player& player) const {
-  roster_.sendTo(client, wire::msgFunds, {std::to_string(player.node), std::to_string(player.inventory.funds())});
+  roster_.sendTo(client, wire::toClient<wire::msgFunds>(player.node, player.inventory.funds()));
 }
 
 }  // namespace kelvora::server

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
-#include "server/arena/requestFields.h"
 #include "server/arena/roster.h"
 
 namespace kelvora::server {
@@ -13,7 +13,7 @@ class Economy {
   Economy(Roster& roster, int incomePerMinute) : roster_(roster), incomePerMinute_(incomePerMinute) {}
 
   /// Handles a player's request to buy or sell an item.
-  void trade(Player& player, bool isSale, const RequestFields& fields, Millis now);
+  void trade(Player& player, bool isSale, std::string_view fields, Millis now);
   /// Pays a player for the time spent alive since the last call.
   void payIncome(Player& player, Millis now);
   void credit(Player& player, Entry entry, std::int64_t amount);

@@ -4,14 +4,14 @@
 #include <limits>
 #include <utility>
 
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 
 namespace kelvora::server {
 
 namespace {
 
 // No vertex is that far outside the world, and clients carry out a capture at once if its vertex doesn't exist.
-constexpr const char* nowhere = "-1000000";
+constexpr std::string_view nowhere = "-1000000";
 
 }  // namespace
 
@@ -33,8 +33,9 @@ void Lives::kill(Player& winner, Player& loser, const std::optional<Spot>& verte
   if (vertex) {
     pending_.add(winner.node, loser.node, *vertex, now, winner.inventory.runsUntil(extendedTailSlot));
   }
-  roster_.sendToAll(wire::msgTailCapture, {std::to_string(winner.node), std::to_string(loser.node),
-                                           vertex ? vertex->x : nowhere, vertex ? vertex->y : nowhere});
+  const wire::NumberText x{vertex ? vertex->x : nowhere};
+  const wire::NumberText y{vertex ? vertex->y : nowhere};
+  roster_.sendToAll(wire::toClient<wire::msgTailCapture>(winner.node, loser.node, x, y));
   if (&winner == &loser) return;
   ++winner.roundCaptures;
   winner.lastCapture = ++captures_;
@@ -43,11 +44,12 @@ void Lives::kill(Player& winner, Player& loser, const std::optional<Spot>& verte
 
 void Lives::requestSpawn(Player& player, Millis now) {
   if (!player.requests.allows(now)) return;
-  if (player.isAlive) return roster_.sendTo(player.client, wire::msgSpawnDenied, {""});
+  if (player.isAlive) return roster_.sendTo(player.client, wire::toClient<wire::msgSpawnDenied>());
   const Millis wait = respawnWait(player, now);
   if (wait == 0) return respawn(player);
   player.wantsRespawn = true;
-  roster_.sendTo(player.client, wire::msgServerText, {"You will be respawned in " + secondsText(wait) + "."});
+  const std::string answer = "You will be respawned in " + secondsText(wait) + ".";
+  roster_.sendTo(player.client, wire::toClient<wire::msgServerText>(answer));
 }
 
 void Lives::respawnDue(Millis now) {
@@ -57,7 +59,7 @@ void Lives::respawnDue(Millis now) {
       respawn(player);
     } else if (!std::exchange(player.isOffered, true)) {
       // Nothing else on a ghost's screen says so, and the button stays grey.
-      roster_.sendTo(client, wire::msgServerText, {"Press Spawn for a new life."});
+      roster_.sendTo(client, wire::toClient<wire::msgServerText>("Press Spawn for a new life."));
     }
   }
 }
@@ -65,7 +67,7 @@ void Lives::respawnDue(Millis now) {
 void Lives::respawn(Player& player) {
   player.wantsRespawn = false;
   player.isAlive = true;
-  roster_.sendToAll(wire::msgRespawn, {std::to_string(player.node)});
+  roster_.sendToAll(wire::toClient<wire::msgRespawn>(player.node));
 }
 
 Millis Lives::respawnWait(const Player& player, Millis now) const {

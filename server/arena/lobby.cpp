@@ -5,13 +5,16 @@
 
 #include "base/text.h"
 #include "base/wholeNumber.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {
 
 namespace {
 
+// The euro sign and the low quotation mark have the numbers of delimiters.
+constexpr const char* unreadable =
+    "The login is not readable. Neither name nor password may contain a euro sign or a low quotation mark.";
 constexpr int startInset = 10'000;  // world units from every edge
 constexpr const char* colourNames[Roster::colourCount] = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"};
 
@@ -30,30 +33,32 @@ Lobby::Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& roun
 void Lobby::login(ClientId client, std::string_view text, Millis now) {
   const auto visitor = visitors_.find(client);
   if (visitor == visitors_.end() || visitor->second.login) return;
-  const RequestFields fields = wire::splitFields(text);
-  if (const Outcome outcome = check(client, fields); outcome.isRefused()) {
+  const auto request = read(text);
+  const Outcome outcome = request ? check(client, *request) : Outcome::refused(unreadable);
+  if (outcome.isRefused()) {
     output_.log("client " + std::to_string(client) + " refused: " + outcome.reason());
-    roster_.sendTo(client, wire::msgLoginDenied, {outcome.reason()});
+    roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>(outcome.reason()));
     output_.hangUp(client);
     visitors_.erase(visitor);
-  } else if (mustWait(client, visitor->second, fields[2], now)) {
+  } else if (mustWait(client, visitor->second, request->colour, now)) {
     visitor->second.login = text;
   } else {
     visitors_.erase(visitor);
-    admit(client, fields, now);
+    admit(client, *request, now);
   }
 }
 
-Outcome Lobby::check(ClientId client, const RequestFields& fields) const {
-  // The euro sign and the low quotation mark have the codes of delimiters.
-  if (fields.size() != 4 ||
-      std::ranges::any_of(fields, [](std::string_view field) { return field.find(wire::frameStart) != field.npos; })) {
-    return Outcome::refused(
-        "The login is not readable. Neither name nor password may contain a euro sign or a low quotation mark.");
-  }
-  const std::string_view name = fields[0];
-  if (fields[3] != version_) return Outcome::refused("This server needs version " + version_ + " of the game.");
-  if (!password_.empty() && fields[1] != password_) return Outcome::refused("Wrong password.");
+std::optional<Lobby::Request> Lobby::read(std::string_view text) {
+  const auto fields = wire::readTexts<wire::Direction::toServer, wire::msgLogin>(text);
+  if (!fields || text.find(wire::frameStart) != text.npos) return std::nullopt;
+  const auto& [name, password, colour, version] = *fields;
+  return Request{name, password, colour, version};
+}
+
+Outcome Lobby::check(ClientId client, const Request& request) const {
+  const std::string_view name = request.name;
+  if (request.version != version_) return Outcome::refused("This server needs version " + version_ + " of the game.");
+  if (!password_.empty() && request.password != password_) return Outcome::refused("Wrong password.");
   if (trimBlanks(name).empty()) return Outcome::refused("A name is needed.");
   if (name.size() > maxNameLength) {
     return Outcome::refused("The name is longer than " + std::to_string(maxNameLength) + " characters.");
@@ -80,12 +85,12 @@ bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferr
   return visitor.wantedColour >= 0 || !roster_.hasFreeColour() || (isLeaving && isPatient);
 }
 
-void Lobby::admit(ClientId client, const RequestFields& fields, Millis now) {
+void Lobby::admit(ClientId client, const Request& request, Millis now) {
   rounds_.prepareFor(client, now);
   Player player{.client = client,
                 .node = roster_.nextNode(),
-                .colour = chooseColour(fields[2]),
-                .name = trimBlanks(fields[0]),
+                .colour = chooseColour(request.colour),
+                .name = trimBlanks(request.name),
                 .spot = startSpot(),
                 .isAlive = rounds_.isRunning(),
                 .paidUntil = now,
@@ -93,8 +98,9 @@ void Lobby::admit(ClientId client, const RequestFields& fields, Millis now) {
                 .lastReport = now};
   output_.log(printable(player.name) + " joined as " + colourNames[player.colour] + ", node " +
               std::to_string(player.node));
-  roster_.sendTo(client, wire::msgLoginAccepted,
-                 {std::to_string(player.colour), std::to_string(player.node), player.spot.x, player.spot.y});
+  roster_.sendTo(client,
+                 wire::toClient<wire::msgLoginAccepted>(player.colour, player.node, wire::NumberText{player.spot.x},
+                                                        wire::NumberText{player.spot.y}));
   for (const Player& leaver : roster_.leavers()) sendJoined(client, leaver);
   for (const auto& [other, opponent] : roster_.players()) {
     sendJoined(client, opponent);
@@ -121,9 +127,9 @@ Spot Lobby::startSpot() {
 }
 
 void Lobby::sendJoined(ClientId client, const Player& player) const {
-  roster_.sendTo(client, wire::msgPlayerJoined,
-                 {std::to_string(player.node), std::to_string(player.colour), player.name, player.spot.x, player.spot.y,
-                  player.isAlive ? "1" : "0", std::to_string(player.kills)});
+  roster_.sendTo(client, wire::toClient<wire::msgPlayerJoined>(
+                             player.node, player.colour, player.name, wire::NumberText{player.spot.x},
+                             wire::NumberText{player.spot.y}, player.isAlive, player.kills));
 }
 
 void Lobby::tick(Millis now) {
@@ -136,7 +142,7 @@ void Lobby::tick(Millis now) {
   std::erase_if(visitors_, [&](const auto& entry) {
     const auto& [client, visitor] = entry;
     if (now - visitor.since < loginTimeLimit) return false;
-    if (visitor.login) roster_.sendTo(client, wire::msgLoginDenied, {"The arena is full."});
+    if (visitor.login) roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>("The arena is full."));
     output_.log("client " + std::to_string(client) + " took too long to log in");
     output_.hangUp(client);
     return true;

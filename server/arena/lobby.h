@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "base/outcome.h"
-#include "server/arena/requestFields.h"
 #include "server/arena/roster.h"
 #include "server/arena/rounds.h"
 
@@ -45,9 +44,17 @@ class Lobby {
     std::int16_t wantedColour = -1;
   };
 
-  Outcome check(ClientId client, const RequestFields& fields) const;
+  struct Request {  // the fields of a login, in their order
+    std::string_view name;
+    std::string_view password;
+    std::string_view colour;
+    std::string_view version;
+  };
+
+  static std::optional<Request> read(std::string_view text);
+  Outcome check(ClientId client, const Request& request) const;
   bool mustWait(ClientId client, Visitor& visitor, std::string_view preferred, Millis now) const;
-  void admit(ClientId client, const RequestFields& fields, Millis now);
+  void admit(ClientId client, const Request& request, Millis now);
   std::int16_t chooseColour(std::string_view preferred) const;
   Spot startSpot();
   void sendJoined(ClientId client, const Player& player) const;

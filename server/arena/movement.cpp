@@ -1,7 +1,6 @@
 #include "server/arena/movement.h"
 
-#include "base/wholeNumber.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 #include "server/arena/enclosure.h"
 #include "server/arena/plane.h"
 
@@ -14,12 +13,7 @@ constexpr Millis maxStep = 80;  // of flight, twice the interval of reports at t
 constexpr double turboFactor = 3;
 constexpr double ghostFactor = 2;
 
-/// The coordinate as clients read it; nothing if it is not a number or outside the world.
-std::optional<float> coordinate(std::string_view text) {
-  const auto value = wholeNumber<double>(text);
-  if (!value || !(*value >= 0 && *value <= worldSize)) return std::nullopt;
-  return static_cast<float>(*value);
-}
+bool isInWorld(double coordinate) { return coordinate >= 0 && coordinate <= worldSize; }
 
 bool isWithinReach(Player& player, double distance, double speedFactor, Millis now) {
   if (speedFactor <= 0) return true;
@@ -51,18 +45,18 @@ Move moveTo(Player& player, const Spot& spot, double speedFactor, Millis now) {
   return Move::step;
 }
 
-void Movement::report(Player& player, const RequestFields& fields, Millis now) {
-  if (fields.size() != 2) return;
-  const auto x = coordinate(fields[0]);
-  const auto y = coordinate(fields[1]);
-  if (!x || !y || !player.positions.allows(now)) return;
+void Movement::report(Player& player, std::string_view fields, Millis now) {
+  const auto request = wire::fromClient<wire::msgPositionReport>(fields);
+  if (!request) return;
+  const auto& [x, y] = *request;
+  if (!isInWorld(x.value) || !isInWorld(y.value) || !player.positions.allows(now)) return;
   const Point before = player.spot.point();
-  const Spot spot = spotOf(fields[0], fields[1], {*x, *y});
+  const Spot spot = spotOf(x.text, y.text, {static_cast<float>(x.value), static_cast<float>(y.value)});
   const Move move = moveTo(player, spot, speedFactor_, now);
   if (move == Move::refused) return;
   // The sender gets the same text. A client's tail grows from the echo, and others must find its vertices by these
   // coordinates.
-  roster_.sendToAll(wire::msgPosition, {std::to_string(player.node), spot.x, spot.y});
+  roster_.sendToAll(wire::toClient<wire::msgPosition>(player.node, wire::NumberText{spot.x}, wire::NumberText{spot.y}));
   if (!player.isAlive) return;
   player.tail.prune(now);
   const Millis extendedUntil = player.inventory.runsUntil(extendedTailSlot);

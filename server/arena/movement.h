@@ -1,9 +1,10 @@
 #pragma once
 
+#include <string_view>
+
 #include "server/arena/combat.h"
 #include "server/arena/lives.h"
 #include "server/arena/pendingCaptures.h"
-#include "server/arena/requestFields.h"
 #include "server/arena/roster.h"
 
 namespace kelvora::server {
@@ -20,7 +21,7 @@ class Movement {
   Movement(Roster& roster, const PendingCaptures& pending, Lives& lives, Combat& combat, double speedFactor)
       : roster_(roster), pending_(pending), lives_(lives), combat_(combat), speedFactor_(speedFactor) {}
 
-  void report(Player& player, const RequestFields& fields, Millis now);
+  void report(Player& player, std::string_view fields, Millis now);
 
  private:
   void captureEnclosed(Player& winner, Millis now);

@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {
@@ -68,15 +68,10 @@ std::int16_t Roster::nextNode() {
   return lastNode_;
 }
 
-void Roster::sendTo(ClientId client, std::int16_t id, const std::vector<std::string>& fields) const {
-  output_.send(client, wire::buildFrame(id, fields));
-}
-
-void Roster::sendToAll(std::int16_t id, const std::vector<std::string>& fields) const {
-  const std::string frame = wire::buildFrame(id, fields);
+void Roster::sendToAll(const std::string& frame) const {
   for (const auto& [client, player] : players_) output_.send(client, frame);
 }
 
-void Roster::sendLeft(const Player& player) const { sendToAll(wire::msgPlayerLeft, {std::to_string(player.node)}); }
+void Roster::sendLeft(const Player& player) const { sendToAll(wire::toClient<wire::msgPlayerLeft>(player.node)); }
 
 }  // namespace kelvora::server

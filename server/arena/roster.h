@@ -42,8 +42,8 @@ class Roster {
   /// A node for a newcomer: never 0, and not recently in use.
   std::int16_t nextNode();
 
-  void sendTo(ClientId client, std::int16_t id, const std::vector<std::string>& fields) const;
-  void sendToAll(std::int16_t id, const std::vector<std::string>& fields) const;
+  void sendTo(ClientId client, const std::string& frame) const { output_.send(client, frame); }
+  void sendToAll(const std::string& frame) const;
   /// Logs a line for the operator.
   void log(const std::string& line) const { output_.log(line); }
 

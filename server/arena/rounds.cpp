@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {
@@ -35,7 +35,7 @@ void Rounds::prepareFor(ClientId newcomer, Millis now) {
 
 void Rounds::explainIntermission(const Player& newcomer) const {
   // The login has made the player alive, and no other message opens the store for a dead player.
-  roster_.sendTo(newcomer.client, wire::msgRoundOver, {nextRoundText(clock_.left())});
+  roster_.sendTo(newcomer.client, wire::toClient<wire::msgRoundOver>(nextRoundText(clock_.left())));
   sendDead(newcomer);
 }
 
@@ -60,7 +60,7 @@ void Rounds::passTime(Millis now) {
 void Rounds::begin() {
   clock_.turnOver();
   for (auto& [client, player] : roster_.players()) player.roundCaptures = 0;
-  roster_.sendToAll(wire::msgServerText, {"A new round has begun. Press Spawn to play."});
+  roster_.sendToAll(wire::toClient<wire::msgServerText>("A new round has begun. Press Spawn to play."));
 }
 
 void Rounds::end() {
@@ -75,8 +75,8 @@ void Rounds::end() {
     player.tail.clear();
   }
   clock_.turnOver();
-  roster_.sendToAll(wire::msgRoundOver, {text});
-  if (clock_.left() > 0) roster_.sendToAll(wire::msgServerText, {nextRoundText(clock_.left())});
+  roster_.sendToAll(wire::toClient<wire::msgRoundOver>(text));
+  if (clock_.left() > 0) roster_.sendToAll(wire::toClient<wire::msgServerText>(nextRoundText(clock_.left())));
   // A client with an open store ignores the end of the round, but not this.
   for (const auto& [client, player] : roster_.players()) sendDead(player);
 }
@@ -93,7 +93,7 @@ std::string Rounds::result() const {
 }
 
 void Rounds::sendDead(const Player& player) const {
-  roster_.sendTo(player.client, wire::msgAliveState, {std::to_string(player.node), "0"});
+  roster_.sendTo(player.client, wire::toClient<wire::msgAliveState>(player.node, false));
 }
 
 }  // namespace kelvora::server

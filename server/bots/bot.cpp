@@ -1,10 +1,10 @@
 #include "server/bots/bot.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
-#include "base/text.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 
 namespace kelvora::server {
 
@@ -14,55 +14,58 @@ constexpr int framesPerTick = 4;
 constexpr Millis askAgain = 5'000;
 constexpr Millis vertexLife = 2'000;
 
-std::string text(std::int16_t id, const std::vector<std::string>& fields) {
-  const std::string frame = wire::buildFrame(id, fields);
-  return frame.substr(1, frame.size() - 2);
-}
-
-std::int16_t number(std::string_view field) { return static_cast<std::int16_t>(readNumber(field)); }
-
 }  // namespace
 
 Bot::Bot(std::string name, SkillLevel level, std::uint32_t seed)
     : name_(std::move(name)), level_(level), mind_(skillOf(level), seed), chatter_(seed + 1) {}
 
 std::string Bot::login(const std::string& password, int colour, const std::string& version) const {
-  return text(wire::msgLogin, {name_, password, std::to_string(colour), version});
+  return wire::toServer<wire::msgLogin>(name_, password, colour, version);
 }
 
 void Bot::hear(std::string_view frame, Millis now) {
-  if (frame.size() < 3) return;
-  const int id = static_cast<unsigned char>(frame[1]);
-  const std::vector<std::string_view> fields = wire::splitFields(frame.substr(2, frame.size() - 3));
-  const auto isMine = [&](std::size_t field) { return fields.size() > field && number(fields[field]) == node_; };
-  switch (id) {
+  const auto message = wire::open(wire::textOf(frame));
+  if (!message) return;
+  switch (message->id) {
     case wire::msgLoginAccepted:
-      if (fields.size() < 4) return;
-      node_ = number(fields[1]);
-      return begin(readNumber(fields[2]), readNumber(fields[3]), now);
+      if (const auto fields = wire::fromServer<wire::msgLoginAccepted>(message->fields)) {
+        const auto& [colour, node, x, y] = *fields;
+        node_ = node;
+        begin(x.value, y.value, now);
+      }
+      return;
     case wire::msgPing:
       owesPingReply_ = true;
       return;
     case wire::msgTailCapture:
-      if (fields.size() < 4) return;
-      if (isMine(0) && !isMine(1)) {
-        chatter_.notice(Occasion::capture, now);
-        mind_.triumph(now);
+      if (const auto fields = wire::fromServer<wire::msgTailCapture>(message->fields)) {
+        const auto& [winner, loser, x, y] = *fields;
+        noticeCapture(winner, loser, {x.value, y.value}, now);
       }
-      if (isMine(1)) dooms_.push_back({number(fields[0]), {readNumber(fields[2]), readNumber(fields[3])}});
       return;
     case wire::msgRoundOver:
       chatter_.notice(Occasion::roundOver, now);
       return die(now);
     case wire::msgAliveState:
-      if (isMine(0) && fields.size() > 1) return number(fields[1]) != 0 ? rise(now) : die(now);
+      if (const auto fields = wire::fromServer<wire::msgAliveState>(message->fields)) {
+        const auto& [node, alive] = *fields;
+        if (node == node_) return alive != 0 ? rise(now) : die(now);
+      }
       return;
     case wire::msgRespawn:
-      if (isMine(0)) rise(now);
+      if (wire::fromServer<wire::msgRespawn>(message->fields) == std::tuple(node_)) rise(now);
       return;
     default:
       return;
   }
+}
+
+void Bot::noticeCapture(std::int16_t winner, std::int16_t loser, Point vertex, Millis now) {
+  if (winner == node_ && loser != node_) {
+    chatter_.notice(Occasion::capture, now);
+    mind_.triumph(now);
+  }
+  if (loser == node_) dooms_.push_back({winner, vertex});
 }
 
 void Bot::begin(double x, double y, Millis now) {
@@ -111,10 +114,10 @@ void Bot::awaitDoom(const Sight& sight, Millis now) {
 void Bot::tick(const Sight& sight, const PlayerView& self, Millis now, const Say& say) {
   if (!flight_) return;
   if (std::exchange(owesPingReply_, false)) {
-    say(text(wire::msgPingReply, {numberText(static_cast<float>(now % 86'400'000) / 1000)}));
-    say(text(wire::msgPositionReport, {numberText(flight_->position().x), numberText(flight_->position().y)}));
+    say(wire::toServer<wire::msgPingReply>(static_cast<float>(now % 86'400'000) / 1000));
+    report(say);
   }
-  if (const auto line = chatter_.line(now)) say(text(wire::msgChat, {"-1", *line}));
+  if (const auto line = chatter_.line(now)) say(wire::toServer<wire::msgChat>(-1, *line));
   awaitDoom(sight, now);
   BotView view = sight.viewOf(self, skillOf(level_).reaction, now);
   view.isAlive = isAlive_;
@@ -125,22 +128,25 @@ void Bot::tick(const Sight& sight, const PlayerView& self, Millis now, const Say
 
 void Bot::act(const BotView& view, const Say& say) {
   const Intent intent = mind_.think(view);
-  if (intent.powerup) say(text(wire::msgActivateRequest, {std::to_string(*intent.powerup)}));
+  if (intent.powerup) say(wire::toServer<wire::msgActivateRequest>(*intent.powerup));
   flight_->setBrakes(view.now < brakesUntil_ || intent.brakes);
   for (int i = 0; i < framesPerTick; ++i) {
-    if (!flight_->step(intent.angle, intent.throttle, isAlive_, view.isRunning[turboSlot])) continue;
-    say(text(wire::msgPositionReport, {numberText(flight_->position().x), numberText(flight_->position().y)}));
+    if (flight_->step(intent.angle, intent.throttle, isAlive_, view.isRunning[turboSlot])) report(say);
   }
+}
+
+void Bot::report(const Say& say) const {
+  say(wire::toServer<wire::msgPositionReport>(flight_->position().x, flight_->position().y));
 }
 
 void Bot::beDead(const BotView& view, const Say& say) {
   if (view.now >= nextBuy_) {
     nextBuy_ = view.now + static_cast<Millis>(mind_.between(600, 1'500));
-    if (const auto item = mind_.wantsToBuy(view)) say(text(wire::msgBuyRequest, {std::to_string(*item)}));
+    if (const auto item = mind_.wantsToBuy(view)) say(wire::toServer<wire::msgBuyRequest>(*item));
   }
   if (view.now >= spawnAt_) {
     spawnAt_ = view.now + askAgain;
-    say(text(wire::msgSpawnRequest, {""}));
+    say(wire::toServer<wire::msgSpawnRequest>());
   }
 }
 

@@ -13,17 +13,17 @@
 namespace kelvora::server {
 
 /// A player controlled by the server. The arena treats it as a client like any other: the bot gets the arena's frames
-/// and answers with messages, at the pace and within the limits of real ones.
+/// and answers with its own, at the pace and within the limits of real ones.
 class Bot {
  public:
-  using Say = std::function<void(const std::string& text)>;  ///< sends one frame's text: id and fields
+  using Say = std::function<void(const std::string& frame)>;
 
   Bot(std::string name, SkillLevel level, std::uint32_t seed);
 
   const std::string& name() const { return name_; }
   SkillLevel level() const { return level_; }
 
-  /// The text of the bot's login.
+  /// The frame of the bot's login.
   std::string login(const std::string& password, int colour, const std::string& version) const;
   /// Handles a frame from the arena. The bot answers at the next tick.
   void hear(std::string_view frame, Millis now);
@@ -38,11 +38,13 @@ class Bot {
   };
 
   void begin(double x, double y, Millis now);
+  void noticeCapture(std::int16_t winner, std::int16_t loser, Point vertex, Millis now);
   void die(Millis now);
   void rise(Millis now);
   void awaitDoom(const Sight& sight, Millis now);
   void act(const BotView& view, const Say& say);
   void beDead(const BotView& view, const Say& say);
+  void report(const Say& say) const;
 
   const std::string name_;
   const SkillLevel level_;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::server {
 
@@ -60,7 +61,8 @@ void BotKeeper::step(Millis now) {
   for (Seat& seat : seats_) {
     const PlayerView* self = seat.bot ? sight_.player(seat.client) : nullptr;
     if (!self) continue;
-    seat.bot->tick(sight_, *self, now, [&](const std::string& text) { arena_.received(seat.client, text, now); });
+    seat.bot->tick(sight_, *self, now,
+                   [&](const std::string& frame) { arena_.received(seat.client, wire::textOf(frame), now); });
   }
 }
 
@@ -90,7 +92,7 @@ void BotKeeper::seat(Seat& seat, Millis now) {
   seat.bot.emplace(seat.name, seat.level, static_cast<std::uint32_t>(random_()));
   arena_.connected(seat.client, now);
   const int colour = std::uniform_int_distribution(0, Arena::colourCount - 1)(random_);
-  arena_.received(seat.client, seat.bot->login(password_, colour, version_), now);
+  arena_.received(seat.client, wire::textOf(seat.bot->login(password_, colour, version_)), now);
 }
 
 void BotKeeper::leave(Seat& seat, Millis now) {

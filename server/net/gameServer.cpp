@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 #include "server/net/origin.h"
 #include "server/web/homePage.h"
 
@@ -79,7 +79,7 @@ void GameServer::stop(std::function<void()> whenDone) {
   listener_.close();
   if (webListener_) webListener_->close();
   if (publisher_) publisher_->signOff();
-  const std::string goodbye = wire::buildFrame(wire::msgServerText, {"The server is shutting down."});
+  const std::string goodbye = wire::toClient<wire::msgServerText>("The server is shutting down.");
   for (const PlayerView& player : arena_.players(now())) send(player.client, goodbye);
   for (const auto& [client, guest] : guests_) guest.connection->hangUp();
   timer_.expires_after(Connection::goodbyeTime);

@@ -4,6 +4,7 @@ import signal
 import unittest
 
 import harness
+from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT
 
 HANG = 300  # seconds; a test that takes longer has stopped
 
@@ -40,12 +41,12 @@ class DesktopTest(unittest.TestCase):
         server = self.scripted_server()
         client.connect(server.port, name=name)
         line = server.accept()
-        self.assertEqual(line.recv_frame()[0], harness.LOGIN)
-        line.send(harness.LOGIN_ACCEPTED, colour, 7, x, y)
+        self.assertEqual(line.recv_frame()[0], LOGIN)
+        line.send(LOGIN_ACCEPTED, colour, 7, x, y)
         # The answer to a ping tells that the login has been taken in; a report follows it.
-        line.send(harness.PING, 1)
-        self.assertEqual(line.recv_frame()[0], harness.PING_REPLY)
-        self.assertEqual(line.recv_frame()[0], harness.POSITION_REPORT)
+        line.send(PING, 1)
+        self.assertEqual(line.recv_frame()[0], PING_REPLY)
+        self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
         return client, line
 
     def run(self, result=None):

@@ -6,8 +6,8 @@ import threading
 import harness
 from desktopTest import DesktopTest
 from harness import wait_for
+from protocol import CHAT, LOGIN, LOGIN_ACCEPTED, PLAYER_JOINED, POSITION, POSITION_REPORT, TAIL_CAPTURE
 
-CHAT, POSITION, JOINED, TAIL_CAPTURE = 144, 134, 138, 141
 LEAST_DOT = 3  # pixels
 RADAR = (772, 460, 117, 93)  # left, top, width, height in pixels of the client area
 CONSOLE = (4, 582, 500, 20)  # the newest line
@@ -68,8 +68,8 @@ class OnTheRealServer(Company):
         self.server = self.start_server()
         self.spy = harness.Line(socket.create_connection(("127.0.0.1", self.server.port)))
         self.addCleanup(self.spy.close)
-        self.spy.send(harness.LOGIN, "Spy", "", 5, harness.VERSION)
-        self.assertEqual(self.spy.recv_frame()[0], harness.LOGIN_ACCEPTED)
+        self.spy.send(LOGIN, "Spy", "", 5, harness.VERSION)
+        self.assertEqual(self.spy.recv_frame()[0], LOGIN_ACCEPTED)
         self.ann, self.bob = self.two_clients()
         self.players = {}
         self.ann.connect(self.server.port, name="Ann", circle=0)
@@ -84,7 +84,7 @@ class OnTheRealServer(Company):
                 return fields
 
     def await_player(self, name):
-        fields = self.await_frame(lambda identifier, fields: identifier == JOINED and fields[2] == name.encode())
+        fields = self.await_frame(lambda identifier, fields: identifier == PLAYER_JOINED and fields[2] == name.encode())
         self.players[name] = (fields[0], (float(fields[3]), float(fields[4])))
 
     def test_each_sees_the_other_at_the_reported_position(self):
@@ -138,11 +138,11 @@ class OnAScriptedServer(Company):
         for client, name, colour, x in ((self.ann, "Ann", 0, 50000), (self.bob, "Bob", 3, 51500)):
             client.connect(server.port, name=name)
             line = server.accept()
-            self.assertEqual(line.recv_frame()[0], harness.LOGIN)
-            line.send(harness.LOGIN_ACCEPTED, colour, colour + 1, x, 50000)
+            self.assertEqual(line.recv_frame()[0], LOGIN)
+            line.send(LOGIN_ACCEPTED, colour, colour + 1, x, 50000)
             self.lines.append(line)
-        self.lines[0].send(JOINED, 4, 3, "Bob", 51500, 50000, 1, 0)
-        self.lines[1].send(JOINED, 1, 0, "Ann", 50000, 50000, 1, 0)
+        self.lines[0].send(PLAYER_JOINED, 4, 3, "Bob", 51500, 50000, 1, 0)
+        self.lines[1].send(PLAYER_JOINED, 1, 0, "Ann", 50000, 50000, 1, 0)
         for line in self.lines:
             line.ask()
 
@@ -152,7 +152,7 @@ class OnAScriptedServer(Company):
                 received = self.lines[1].recv_frame(0.2)
             except AssertionError:
                 continue
-            if received and received[0] == harness.POSITION_REPORT:
+            if received and received[0] == POSITION_REPORT:
                 for line in self.lines:
                     line.send(POSITION, 4, *received[1])
                 reports.append((float(received[1][0]), float(received[1][1])))

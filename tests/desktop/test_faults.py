@@ -12,15 +12,15 @@ import unittest
 import harness
 from desktopTest import DesktopTest
 from harness import wait_for
+from protocol import CHAT, LOGIN, PING, PING_REPLY, PLAYER_JOINED, PLAYER_LEFT, POSITION_REPORT
 
-PLAYER_LEFT = 140
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 EMPTY_FONTCONFIG = '<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd"><fontconfig></fontconfig>'
 
 
 def spy_on(server, name="Spy", colour=5):
     spy = harness.Line(socket.create_connection(("127.0.0.1", server.port)))
-    spy.send(harness.LOGIN, name, "", colour, harness.VERSION)
+    spy.send(LOGIN, name, "", colour, harness.VERSION)
     return spy
 
 
@@ -39,7 +39,7 @@ class ClientFaults(DesktopTest):
         client.connect(server.port)
         while True:
             identifier, fields = spy.recv_frame()
-            if identifier == harness.PLAYER_JOINED and fields[2] == b"Ann":
+            if identifier == PLAYER_JOINED and fields[2] == b"Ann":
                 return fields[0]
 
     def settings(self, client):
@@ -65,8 +65,8 @@ class ClientFaults(DesktopTest):
         display.xvfb.kill()
         self.assertEqual(client.process.wait(harness.PATIENCE), 1)
         self.assertTrue(has_left(spy, node))
-        spy.send(harness.CHAT, -1, "still here")
-        while spy.recv_frame()[0] != harness.CHAT:
+        spy.send(CHAT, -1, "still here")
+        while spy.recv_frame()[0] != CHAT:
             pass
         self.assertEqual(self.settings(client), before)
         self.assertIn("player%20name=Ann", before)
@@ -92,14 +92,14 @@ class ClientFaults(DesktopTest):
         client.right_click()
         line.report()
         client.process.send_signal(signal.SIGSTOP)
-        last = [fields for identifier, fields in line.frames_during(1.5) if identifier == harness.POSITION_REPORT]
+        last = [fields for identifier, fields in line.frames_during(1.5) if identifier == POSITION_REPORT]
         before = float(last[-1][0]) if last else 50000.0
         client.process.send_signal(signal.SIGCONT)
         after = line.report()[0]
         # At most 300 world units a frame, and a second and a half would be a hundred and fifty of them.
         self.assertLess(after - before, 15000)
-        line.send(harness.PING, 1)
-        wait_for(lambda: line.recv_frame()[0] == harness.PING_REPLY, "the answer to a ping")
+        line.send(PING, 1)
+        wait_for(lambda: line.recv_frame()[0] == PING_REPLY, "the answer to a ping")
 
     def test_no_fonts(self):
         with tempfile.NamedTemporaryFile("w", suffix=".conf") as config:

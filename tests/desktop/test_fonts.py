@@ -7,6 +7,7 @@ import unittest
 import harness
 from desktopTest import DesktopTest
 from harness import TWIPS
+from protocol import PING, PING_REPLY
 
 BLACK = (0, 0, 0)
 # Twips: the blocks stand 1020 apart from 120 on.
@@ -155,8 +156,8 @@ class Fonts(DesktopTest):
     def test_game_goes_on_beside_it(self):
         client, line = self.log_in()
         dialog = self.open_by_menu(client)
-        line.send(harness.PING, 2)
-        harness.wait_for(lambda: line.recv_frame()[0] == harness.PING_REPLY, "the answer")
+        line.send(PING, 2)
+        harness.wait_for(lambda: line.recv_frame()[0] == PING_REPLY, "the answer")
         self.assertTrue(dialog.is_shown())
 
 

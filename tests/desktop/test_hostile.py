@@ -15,14 +15,15 @@ import unittest
 
 import harness
 from desktopTest import HANG, DesktopTest
-from harness import (CHAT, END, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION,
-                     SEPARATOR, START, frame, wait_for)
+from harness import wait_for
+from protocol import (ALIVE_STATE, CHAT, END, FUNDS, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY,
+                      PLAYER_JOINED, PLAYER_LEFT, POSITION, POWERUP_OFF, POWERUP_ON, RESPAWN, SEPARATOR, SPAWN_DENIED,
+                      START, TAIL_CAPTURE, TO_CLIENT, VELOCITY, frame)
 from test_webhost import UPDATE_FILE, WebHost
 
 ENDLESS_MIB = int(os.environ.get("KELVORA_HOSTILE_MIB", "64"))
 RECONNECTS = int(os.environ.get("KELVORA_HOSTILE_RECONNECTS", "60"))
 MIB = 1 << 20
-PLAYER_LEFT, TAIL_CAPTURE, FUNDS, SPAWN_DENIED, RESPAWN, POWERUP_ON = 140, 141, 148, 153, 154, 156
 
 # What the process may come to hold beyond what it held in the game before, in MiB: of a stream that is no message the
 # socket's read buffer and the queue's share; of messages what the world may keep of them.
@@ -36,26 +37,6 @@ MOST_BOXES = 16
 GREEN, RED = (128, 255, 128), (255, 128, 128)
 BOX = "Kelvora"
 SCREEN = (1280, 1024)
-SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "network")
-
-
-def client_messages():
-    """The messages that the client understands, read from its own table: the id with the types of its fields."""
-    with open(os.path.join(SOURCES, "..", "protocol", "wireFormat.h")) as file:
-        ids = {name: int(number) for name, number in re.findall(r"(msg\w+) = (\d+)", file.read())}
-    with open(os.path.join(SOURCES, "dispatch.cpp")) as file:
-        source = file.read()
-    table = source[source.index("constexpr Route table[]"):source.index("std::span<const Route> routes()")]
-    messages = {}
-    for row in table.split("{wire::")[1:]:
-        name, body = re.match(r"(msg\w+),\s*(.*)", row, re.S).groups()
-        handler = re.match(r"\w+", body)
-        if handler:
-            body = re.search(r"void %s\(Fields f\) \{(.*?)\n\}" % handler[0], source, re.S)[1]
-        found = re.findall(r"f\.(text|int16|int32|single|real)\((\d+)\)", body)
-        types = dict((int(index), kind) for kind, index in found)
-        messages[ids[name]] = [types[index] for index in range(len(types))]
-    return messages
 
 
 class Attack:
@@ -250,7 +231,8 @@ class HostileTest(DesktopTest):
             everything += frame(PLAYER_JOINED, number, 1, "Node", 50100, 50100, 1, number)
             everything += frame(PLAYER_JOINED, 9, number, "Colour", 50200, 50200, 1, 0)
             everything += frame(TAIL_CAPTURE, 7, 9, 1, 1) + frame(RESPAWN, 9)
-            for identifier in (POSITION, PLAYER_LEFT, TAIL_CAPTURE, CHAT, FUNDS, RESPAWN, POWERUP_ON, 147, 157, 161):
+            for identifier in (POSITION, PLAYER_LEFT, TAIL_CAPTURE, CHAT, FUNDS, RESPAWN, POWERUP_ON, POWERUP_OFF,
+                               VELOCITY, ALIVE_STATE):
                 everything += frame(identifier, number, number, 50000, 50000)
                 everything += frame(identifier, 9, number, number, number)
         line.send_bytes(everything)
@@ -276,9 +258,9 @@ class HostileTest(DesktopTest):
                   "word", ".", "-", "+", "e5", "1e", "0x7f", "9" * 400, "." + "0" * 400 + "1"]
         usual = {"text": "Bob", "int16": "1", "int32": "1", "single": "50010.5", "real": "5"}
         count = 0
-        self.assertEqual(len(client_messages()), 25)
+        self.assertEqual(len(TO_CLIENT), 25)
         line.send(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
-        for identifier, types in client_messages().items():
+        for identifier, types in TO_CLIENT.items():
             for field, kind in enumerate(types):
                 if kind == "text":
                     continue
@@ -305,7 +287,7 @@ class HostileTest(DesktopTest):
     def test_longest_texts(self):
         client, line = self.log_in()
         self.begin_attack(client)
-        for identifier, types in client_messages().items():
+        for identifier, types in TO_CLIENT.items():
             if identifier == LOGIN_DENIED or "text" not in types:
                 continue
             for text in ("x" * 60000, "word " * 12000, "\n" * 60000):

@@ -5,9 +5,9 @@ import unittest
 
 import harness
 from desktopTest import DesktopTest
-from harness import CHAT, LOGIN, LOGIN_DENIED, PLAYER_JOINED, POSITION_REPORT, Line, frame, wait_for
+from harness import Line, wait_for
+from protocol import ACTIVATE_REQUEST, BUY_ACCEPTED, CHAT, LOGIN, LOGIN_DENIED, PLAYER_JOINED, POSITION_REPORT, frame
 
-BUY_ACCEPTED, ACTIVATE = 151, 155
 # Keys by their place on the board, as the display numbers them.
 DIGIT_0, MINUS_PLACE, EQUALS_PLACE = "19", "20", "21"
 Q, W, E, Y, BRACKET_LEFT, SEMICOLON, APOSTROPHE, BACKQUOTE = "24", "25", "26", "29", "34", "47", "48", "49"
@@ -172,7 +172,7 @@ class Chat(Keyboard):
                 self.press("Caps_Lock", "Num_Lock")
                 try:
                     self.press("F1")
-                    self.assertEqual(self.next_but_reports(line), (ACTIVATE, [b"0"]))
+                    self.assertEqual(self.next_but_reports(line), (ACTIVATE_REQUEST, [b"0"]))
                 finally:
                     self.press("Caps_Lock", "Num_Lock")
 

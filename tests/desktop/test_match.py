@@ -4,10 +4,10 @@ is captured, buys and fires a powerup, and lives through the end of a round."""
 import os
 import time
 
-import harness
 from desktopTest import DesktopTest
 from harness import TWIPS, wait_for
-from match import ALIVE, BUY_ACCEPTED, POWERUP_ON, RESPAWN, ROUND_OVER, TAIL_CAPTURE, TURBO, Pilot, Relay
+from match import TURBO, Pilot, Relay
+from protocol import ALIVE_STATE, BUY_ACCEPTED, POWERUP_ON, RESPAWN, ROUND_OVER, SERVER_TEXT, TAIL_CAPTURE
 from storeWindow import BUY, DONE, StoreWindow
 
 SPAWN = ((11700 + 270) // TWIPS, (5760 + 200) // TWIPS, 72, 24)  # the face of the button, without its border
@@ -101,10 +101,10 @@ class Match(DesktopTest):
         wait_for(lambda: relay.said(ROUND_OVER), "the end of the round")
         self.assertFalse(relay.is_alive)
         self.keep("end")
-        wait_for(lambda: relay.said(ALIVE, lambda fields: fields == [relay.node, b"0"]), "the word that nobody lives")
+        wait_for(lambda: relay.said(ALIVE_STATE, lambda fields: fields == [relay.node, b"0"]), "the word that nobody lives")
         wait_for(lambda: self.pixels(client, SPAWN) != grey, "the button in its colours")
         pilot.press_spawn()
-        wait_for(lambda: relay.said(harness.SERVER_TEXT, lambda fields: fields[0].startswith(b"You will be respawned in")),
+        wait_for(lambda: relay.said(SERVER_TEXT, lambda fields: fields[0].startswith(b"You will be respawned in")),
                  "the answer to an early request")
         wait_for(lambda: relay.said(RESPAWN, lambda fields: fields[0] == relay.node), "the next round's life")
         client.mouse_to(500, 100)

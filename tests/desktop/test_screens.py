@@ -9,7 +9,8 @@ import unittest
 import harness
 from desktopTest import DesktopTest
 import rules
-from harness import CLIENT, LOGIN, LOGIN_ACCEPTED, PING, POSITION_REPORT, TITLE, TWIPS, frame, wait_for
+from harness import CLIENT, TITLE, TWIPS, wait_for
+from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT, SPAWN_REQUEST, frame
 
 MENU_GROUND = (28, 31, 48)
 # The middle of the store's button "Done", as its distance from the lower right corner of the store, in twips: the store
@@ -106,7 +107,7 @@ class Small(DesktopTest):
         self.display.xdotool("windowmove", client.window.identifier, -200, -150)
         wait_for(lambda: client.window.geometry()[0] < -100, "the move")
         line.send(PING, 1)
-        self.assertEqual(line.recv_frame()[0], harness.PING_REPLY)
+        self.assertEqual(line.recv_frame()[0], PING_REPLY)
         client.window.activate()
         self.display.xdotool("key", "alt+F4")
         self.assertEqual(client.process.wait(harness.PATIENCE), 0)
@@ -226,7 +227,7 @@ class Scaled(DesktopTest):
         self.display.xdotool("mousemove", left, top, "click", 1)
         while (received := line.recv_frame())[0] == POSITION_REPORT:
             pass
-        self.assertEqual(received, (152, [b""]))
+        self.assertEqual(received, (SPAWN_REQUEST, [b""]))
 
 
 class Two(DesktopTest):

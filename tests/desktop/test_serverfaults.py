@@ -9,6 +9,7 @@ import unittest
 
 import harness
 from harness import wait_for
+from protocol import CHAT, LOGIN, LOGIN_ACCEPTED, POSITION_REPORT, SERVER_TEXT
 
 
 def cpu_seconds(pid):
@@ -38,7 +39,7 @@ class ServerFaults(unittest.TestCase):
     def log_in(self, process, name="Ann", colour=0):
         line = harness.Line(socket.create_connection(("127.0.0.1", process.port)))
         self.addCleanup(line.close)
-        line.send(harness.LOGIN, name, "", colour, harness.VERSION)
+        line.send(LOGIN, name, "", colour, harness.VERSION)
         return line
 
     def test_signals_end_it_with_a_word_to_the_players(self):
@@ -48,19 +49,19 @@ class ServerFaults(unittest.TestCase):
             with self.subTest(signal=sent.name):
                 process = self.start("--bots", "3")
                 line = self.log_in(process)
-                self.assertEqual(line.recv_frame()[0], harness.LOGIN_ACCEPTED)
+                self.assertEqual(line.recv_frame()[0], LOGIN_ACCEPTED)
                 process.send_signal(sent)
                 frames = []
                 while received := line.recv_frame():
                     frames.append(received)
-                self.assertIn((harness.SERVER_TEXT, [b"The server is shutting down."]), frames)
+                self.assertIn((SERVER_TEXT, [b"The server is shutting down."]), frames)
                 line.close()
                 self.assertEqual(process.wait(harness.PATIENCE), 0)
 
     def test_a_hang_up_that_is_ignored_stays_so(self):
         process = self.start(preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
         process.send_signal(signal.SIGHUP)
-        self.assertEqual(self.log_in(process).recv_frame()[0], harness.LOGIN_ACCEPTED)
+        self.assertEqual(self.log_in(process).recv_frame()[0], LOGIN_ACCEPTED)
 
     def test_a_port_in_use(self):
         with socket.create_server(("127.0.0.1", 0)) as other:
@@ -80,7 +81,7 @@ class ServerFaults(unittest.TestCase):
     def test_a_log_on_a_full_disk(self):
         with open("/dev/full", "w") as full:
             process = self.start(stdout=full, stderr=full)
-            self.assertEqual(self.log_in(process).recv_frame()[0], harness.LOGIN_ACCEPTED)
+            self.assertEqual(self.log_in(process).recv_frame()[0], LOGIN_ACCEPTED)
             self.assertIsNone(process.poll())
 
     def test_a_log_that_nobody_reads(self):
@@ -89,7 +90,7 @@ class ServerFaults(unittest.TestCase):
         process.stdout.close()
         for name in ("Ann", "Bob"):
             line = self.log_in(process, name)
-            self.assertEqual(line.recv_frame()[0], harness.LOGIN_ACCEPTED)
+            self.assertEqual(line.recv_frame()[0], LOGIN_ACCEPTED)
         self.assertIsNone(process.poll())
 
     def test_no_descriptors_left(self):
@@ -97,17 +98,17 @@ class ServerFaults(unittest.TestCase):
         open_files = harness.wait_for_rest(lambda: len(os.listdir(f"/proc/{process.pid}/fd")), "the open files")
         resource.prlimit(process.pid, resource.RLIMIT_NOFILE, (open_files + 1, open_files + 1))
         ann = self.log_in(process)
-        self.assertEqual(ann.recv_frame()[0], harness.LOGIN_ACCEPTED)
+        self.assertEqual(ann.recv_frame()[0], LOGIN_ACCEPTED)
         bob = self.log_in(process, "Bob", 1)
         before = cpu_seconds(process.pid)
         bob_frames = bob.frames_during(1.0)
         self.assertEqual(bob_frames, [])
         self.assertLess(cpu_seconds(process.pid) - before, 0.25, "it does not spin")
-        ann.send(harness.CHAT, -1, "hello")
-        while ann.recv_frame()[0] != harness.CHAT:
+        ann.send(CHAT, -1, "hello")
+        while ann.recv_frame()[0] != CHAT:
             pass
         ann.close()
-        self.assertEqual(bob.recv_frame()[0], harness.LOGIN_ACCEPTED)
+        self.assertEqual(bob.recv_frame()[0], LOGIN_ACCEPTED)
 
     def test_it_raises_a_low_limit_of_descriptors(self):
         hard = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
@@ -123,12 +124,12 @@ class ServerFaults(unittest.TestCase):
         line = self.log_in(process)
         place = line.recv_frame()[1][2:4]
         process.send_signal(signal.SIGSTOP)
-        line.send(harness.POSITION_REPORT, *place)
+        line.send(POSITION_REPORT, *place)
         line.frames_during(1.5)
         process.send_signal(signal.SIGCONT)
-        line.send(harness.CHAT, -1, "hello")
+        line.send(CHAT, -1, "hello")
         frames = []
-        while not frames or frames[-1][0] != harness.CHAT:
+        while not frames or frames[-1][0] != CHAT:
             frames.append(line.recv_frame())
         self.assertLess(len(frames), 200, "what was missed is not made up for")
 

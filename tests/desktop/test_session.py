@@ -5,8 +5,8 @@ import unittest
 
 import harness
 from desktopTest import DesktopTest
-from harness import (CHAT, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION_REPORT,
-                     frame)
+from protocol import (CHAT, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION,
+                      POSITION_REPORT, frame)
 
 GREEN, RED, GREY = (128, 255, 128), (255, 128, 128), (128, 128, 128)
 
@@ -169,7 +169,7 @@ class RealServer(DesktopTest):
         client.right_click()
         seen = set()
         while len(seen) < 5:
-            node, x, y = next_of(harness.POSITION)[:3]
+            node, x, y = next_of(POSITION)[:3]
             if node == joined[0]:
                 seen.add((x, y))
 

@@ -3,9 +3,9 @@ and compared with what the rules give."""
 
 import unittest
 
-import harness
 from desktopTest import DesktopTest
 import rules
+from protocol import PING
 
 
 class Flight(DesktopTest):

@@ -5,12 +5,11 @@ import unittest
 import harness
 from desktopTest import DesktopTest
 from harness import TWIPS
+from protocol import (ACTIVATE_REQUEST, BUY_ACCEPTED, BUY_DENIED, BUY_REQUEST, FUNDS, POWERUP_ON, RESPAWN,
+                      SELL_ACCEPTED, SELL_DENIED, SELL_REQUEST)
 from storeWindow import (BUY, CAPACITY_LABEL, DONE, FUNDS_LABEL, PICTURE, SELL, STATUS, STOCK, TOO_DEAR, WHITE,
                          YELLOW, StoreWindow)
 
-FUNDS, BUY_REQUEST, BUY_DENIED, BUY_ACCEPTED = range(148, 152)
-RESPAWN, ACTIVATE_REQUEST, POWERUP_ON = 154, 155, 156
-SELL_REQUEST, SELL_DENIED, SELL_ACCEPTED = range(158, 161)
 
 
 class Store(DesktopTest):

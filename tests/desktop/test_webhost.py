@@ -8,7 +8,8 @@ import urllib.request
 
 import harness
 from desktopTest import DesktopTest
-from harness import LOGIN, PLAYER_JOINED, TWIPS
+from harness import TWIPS
+from protocol import LOGIN, LOGIN_ACCEPTED, PLAYER_JOINED
 
 FINDER = "Game Finder"
 BOX = "Kelvora"
@@ -394,7 +395,7 @@ class OwnWebHost(WebTest):
         with socket.create_connection(("127.0.0.1", other.port)) as connection:
             player = harness.Line(connection)
             player.send(LOGIN, "Bob", "", 5, harness.VERSION)
-            self.assertEqual(player.recv_frame()[0], harness.LOGIN_ACCEPTED)
+            self.assertEqual(player.recv_frame()[0], LOGIN_ACCEPTED)
             identifier, fields = player.recv_frame()
             self.assertEqual((identifier, fields[2]), (PLAYER_JOINED, b"Ann"))
 
@@ -408,7 +409,7 @@ class OwnWebHost(WebTest):
         with socket.create_connection(("127.0.0.1", server.port)) as connection:
             player = harness.Line(connection)
             player.send(LOGIN, "Bob", "", 0, harness.VERSION)
-            self.assertEqual(player.recv_frame()[0], harness.LOGIN_ACCEPTED)
+            self.assertEqual(player.recv_frame()[0], LOGIN_ACCEPTED)
             finder.click(*REFRESH)
             self.wait_for_row(finder, 0)
 

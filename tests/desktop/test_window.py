@@ -8,7 +8,7 @@ import unittest
 
 import harness
 from desktopTest import DesktopTest
-from harness import LOGIN, frame
+from protocol import LOGIN, PING, PING_REPLY, POSITION_REPORT, frame
 
 BLACK = (0, 0, 0)
 # What the border pulses through, pale to pure red.
@@ -117,11 +117,11 @@ class Layout(DesktopTest):
     def test_window_too_small_for_the_canvas_does_no_harm(self):
         client, line = self.log_in()
         client.resize(120, 60)
-        line.send(harness.PING, 1)
-        self.assertEqual(line.recv_frame()[0], harness.PING_REPLY)
+        line.send(PING, 1)
+        self.assertEqual(line.recv_frame()[0], PING_REPLY)
         client.resize(894, 670)
-        line.send(harness.PING, 2)
-        self.assertEqual(line.recv_frame()[0], harness.POSITION_REPORT)
+        line.send(PING, 2)
+        self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
 
 
 class Icon(DesktopTest):

@@ -14,7 +14,7 @@
 #include <string_view>
 
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 #include "server/net/gameServer.h"
 #include "tests/fuzz/input.h"
 
@@ -145,7 +145,7 @@ class Scene {
           for (const char c : line)
             require(static_cast<unsigned char>(c) >= 32 && static_cast<unsigned char>(c) != 127);
         }) {
-    ann_.send(wire::buildFrame(wire::msgLogin, {"Ann", "", "0", versionText()}));
+    ann_.send(wire::toServer<wire::msgLogin>("Ann", "", 0, KELVORA_VERSION));
     settle();
   }
 
@@ -195,7 +195,7 @@ class Scene {
 
   /// Whatever they did, the player beside them plays on, and the server ends when it is told to.
   void finish() {
-    ann_.send(wire::buildFrame(wire::msgChat, {"-1", "still here"}));
+    ann_.send(wire::toServer<wire::msgChat>(-1, "still here"));
     settle();
     require(ann_.heard().find("still here") != std::string::npos);
     ann_.check();
@@ -240,7 +240,7 @@ class Scene {
   }
 
   const bool endsAtOnce_;
-  const std::string login_ = wire::buildFrame(wire::msgLogin, {"Eve", "", "1", versionText()});
+  const std::string login_ = wire::toServer<wire::msgLogin>("Eve", "", 1, KELVORA_VERSION);
   asio::io_context clients_;
   asio::io_context context_;
   GameServer server_;

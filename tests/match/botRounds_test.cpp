@@ -11,10 +11,11 @@
 
 #include "base/text.h"
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "tests/match/replay.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora {
 namespace {
@@ -49,7 +50,7 @@ class BotMatch : private server::ArenaOutput {
     }
     for (ClientId client = 1; client <= botCount; ++client) {
       arena_.connected(client, now_);
-      arena_.received(client, bots_[client - 1].login("", 0, KELVORA_VERSION), now_);
+      arena_.received(client, wire::textOf(bots_[client - 1].login("", 0, KELVORA_VERSION)), now_);
     }
   }
 
@@ -82,14 +83,13 @@ class BotMatch : private server::ArenaOutput {
     sight_.add(players(), now_);
     for (ClientId client = 1; client <= botCount; ++client) {
       bots_[client - 1].tick(sight_, *sight_.player(client), now_,
-                             [&](const std::string& text) { arena_.received(client, text, now_); });
+                             [&](const std::string& frame) { arena_.received(client, wire::textOf(frame), now_); });
     }
   }
 
   void send(ClientId client, const std::string& frame) override {
     if (isRecording_) recording.add(client, now_, frame);
-    const auto fields = wire::splitFields(std::string_view(frame).substr(2, frame.size() - 3));
-    const int id = static_cast<unsigned char>(frame[1]);
+    const auto [id, fields] = messageOf(frame);
     // The nodes are 1 to 6 in the order of the logins, as are the clients.
     if (client == 1 && id == wire::msgTailCapture) {
       if (fields[0] != fields[1]) accounts[clientOf(fields[0])].captures += captureCredits;
@@ -97,7 +97,7 @@ class BotMatch : private server::ArenaOutput {
       ++captures;
     }
     if (client == 1 && id == wire::msgRespawn) isDead_[clientOf(fields[0])] = false;
-    if (client == 1 && id == wire::msgRoundOver) endRound(std::string(fields[0]));
+    if (client == 1 && id == wire::msgRoundOver) endRound(fields[0]);
     if (id == wire::msgBuyAccepted) {
       accounts[client].spent += powerupTable.at(static_cast<std::size_t>(readNumber(fields[0]))).price;
     }

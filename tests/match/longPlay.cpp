@@ -41,8 +41,6 @@ std::int64_t threadTime() {
   return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
-std::string frameOf(std::int16_t id, const std::vector<std::string>& fields) { return wire::buildFrame(id, fields); }
-
 /// Counts whole frames by id.
 void count(std::string_view frames, std::map<int, int>& byId) {
   for (std::size_t at = frames.find(wire::frameStart); at != std::string_view::npos;
@@ -234,7 +232,7 @@ void LongPlay::tickArena() {
 
 // Another person, who stays for half of every four minutes. A bot makes room for them.
 void LongPlay::visit() {
-  const auto say = [this](const std::string& text) { arena_.received(visitorClient_, text, now()); };
+  const auto say = [this](const std::string& frame) { arena_.received(visitorClient_, wire::textOf(frame), now()); };
   if (every(4 * minute, minute)) {
     visitorClient_ = ++lastClient_;
     visitor_.emplace("Visitor", server::SkillLevel::normal, visitorClient_);
@@ -277,7 +275,7 @@ void LongPlay::send(server::ClientId client, const std::string& frame) {
     if (visitor_ && client == visitorClient_) visitor_->hear(frame, now());
     return;
   }
-  const int id = static_cast<unsigned char>(frame[1]);
+  const int id = messageOf(frame).id;
   if (id == wire::msgTailCapture) ++captures_;
   if (id == wire::msgRoundOver) ++rounds_;
   toUs_ += frame;

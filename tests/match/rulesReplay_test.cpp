@@ -11,9 +11,10 @@
 
 #include "base/text.h"
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "server/arena/arena.h"
 #include "tests/match/replay.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora {
 namespace {
@@ -107,8 +108,7 @@ class Melee : private server::ArenaOutput {
   bool chance(double share) { return std::bernoulli_distribution(share)(random_); }
 
   void say(ClientId client, std::int16_t id, const std::vector<std::string>& fields) {
-    const std::string frame = wire::buildFrame(id, fields);
-    arena_.received(client, std::string_view(frame).substr(1, frame.size() - 2), now_);
+    arena_.received(client, textOf(id, fields), now_);
   }
 
   void act(Fighter& fighter, const std::vector<PlayerView>& views) {
@@ -163,7 +163,7 @@ class Melee : private server::ArenaOutput {
 
   void send(ClientId client, const std::string& frame) override {
     recording.add(client, now_, frame);
-    const int id = static_cast<unsigned char>(frame[1]);
+    const int id = messageOf(frame).id;
     if (id == wire::msgPlayerLeft) ++lefts_;
     if (fighters_.empty() || client != fighters_.front().client) return;
     if (id == wire::msgTailCapture) ++(frame.find("-1000000") == std::string::npos ? captures : instantKills);

@@ -14,9 +14,7 @@ using modMain::world;
 class Bounds : public GameTest {
  protected:
   Bounds() { login(); }
-  static std::string frame(std::int16_t id, const std::vector<std::string>& fields) {
-    return wire::buildFrame(id, fields);
-  }
+  static std::string frame(std::int16_t id, const std::vector<std::string>& fields) { return frameOf(id, fields); }
   static std::string repeated(const std::string& text, std::size_t count) {
     std::string all;
     for (std::size_t i = 0; i < count; ++i) all += text;

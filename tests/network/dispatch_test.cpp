@@ -31,6 +31,16 @@ TEST_F(Dispatch, EveryMessageHasItsRowOnceAndInOrder) {
   EXPECT_EQ(found, expected);
 }
 
+TEST_F(Dispatch, EveryMessageForTheClientHasARow) {
+  std::size_t count = 0;
+  for (const wire::Message& message : wire::messages) {
+    if (message.direction != wire::Direction::toClient) continue;
+    EXPECT_NE(netMan::findRoute(message.id), nullptr) << message.name;
+    ++count;
+  }
+  EXPECT_EQ(netMan::routes().size(), count);
+}
+
 TEST_F(Dispatch, IdsThatAreNotUsedHaveNoRow) {
   constexpr std::int16_t unused[] = {0,   128, 129, 130, 131, 133, 135, 139, 143,
                                      146, 149, 152, 155, 158, 163, 166, 167, 169};

@@ -1,7 +1,5 @@
 #include "tests/support/gameTest.h"
 
-#include <ostream>
-
 #include "audio/frmMusic.h"
 #include "audio/frmSound.h"
 #include "audio/soundMan.h"
@@ -16,34 +14,6 @@
 
 namespace kelvora {
 
-void PrintTo(const WireMessage& message, std::ostream* out) {
-  *out << "message " << message.id << " (";
-  for (const std::string& field : message.fields) *out << '"' << field << "\" ";
-  *out << ")";
-}
-
-std::vector<WireMessage> parseFrames(std::string_view bytes) {
-  std::vector<WireMessage> messages;
-  while (!bytes.empty()) {
-    const std::size_t end = bytes.find(wire::frameEnd);
-    if (bytes.front() != wire::frameStart || end == std::string_view::npos || end < 2) {
-      ADD_FAILURE() << "not a frame: " << bytes;
-      break;
-    }
-    WireMessage message{static_cast<unsigned char>(bytes[1]), {}};
-    std::string_view text = bytes.substr(2, end - 2);
-    for (std::size_t at = text.find(wire::fieldSeparator); at != std::string_view::npos;
-         at = text.find(wire::fieldSeparator)) {
-      message.fields.emplace_back(text.substr(0, at));
-      text.remove_prefix(at + 1);
-    }
-    message.fields.emplace_back(text);
-    messages.push_back(std::move(message));
-    bytes.remove_prefix(end + 1);
-  }
-  return messages;
-}
-
 namespace {
 
 void unloadForms() {
@@ -56,16 +26,6 @@ void unloadForms() {
   frmMain.unload();
   frmGfx.unload();
   releaseUnloadedForms();
-}
-
-// Builds the frame independently, to detect errors in the client's own builder.
-std::string frameOf(std::int16_t id, const std::vector<std::string>& fields) {
-  std::string frame{wire::frameStart, static_cast<char>(id)};
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    if (i > 0) frame += wire::fieldSeparator;
-    frame += fields[i];
-  }
-  return frame + wire::frameEnd;
 }
 
 }  // namespace

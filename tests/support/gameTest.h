@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "core/bounds.h"
@@ -25,27 +24,16 @@
 #include "network/session.h"
 #include "particles/pools.h"
 #include "platform/headless/headlessBackend.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "rendering/paintFrame.h"
 #include "rendering/pointer.h"
 #include "rendering/startLogo.h"
 #include "simulation/killerTails.h"
 #include "simulation/survival.h"
 #include "store/store.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora {
-
-/// A message on the wire.
-struct WireMessage {
-  std::int16_t id = 0;
-  std::vector<std::string> fields;
-
-  friend bool operator==(const WireMessage&, const WireMessage&) = default;
-};
-void PrintTo(const WireMessage& message, std::ostream* out);
-
-/// Parses a sequence of whole frames. Bytes outside frames fail the test.
-std::vector<WireMessage> parseFrames(std::string_view bytes);
 
 /// A whole headless client. No form is loaded, the world is empty, names and tips are filled in, fonts have their
 /// defaults, and the tick count is 1000000. Timers run, and the focus is recorded, only on forms that have been shown.

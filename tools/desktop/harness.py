@@ -29,15 +29,23 @@ BESIDE_CANVAS = (131, 62)
 # Seconds to wait for what happens at once on an idle machine. Nothing waits longer than it has to.
 PATIENCE = 60.0
 
-START, END, SEPARATOR = 128, 129, 130
-POSITION_REPORT, PING, PING_REPLY, POSITION, LOGIN, LOGIN_DENIED, LOGIN_ACCEPTED, PLAYER_JOINED = range(131, 139)
-CHAT, SERVER_TEXT = 144, 162
-
 
 def use_build(folder):
     """The programs of this build folder are the ones to start, whatever the environment says."""
     global CLIENT, SERVER
     CLIENT, SERVER = (str((pathlib.Path(folder) / name).resolve()) for name in ("kelvora", "kelvora-server"))
+    load_protocol()
+
+
+def load_protocol():
+    """The build writes the messages' ids beside its programs."""
+    global protocol
+    sys.path.insert(0, str(pathlib.Path(CLIENT).resolve().parent / "generated"))
+    import protocol
+
+
+if CLIENT:
+    load_protocol()
 
 
 def on_display(action):
@@ -395,12 +403,12 @@ class Line:
         self.socket.sendall(data)
 
     def send(self, identifier, *fields):
-        self.send_bytes(frame(identifier, *fields))
+        self.send_bytes(protocol.frame(identifier, *fields))
 
     def recv_bytes(self, seconds=PATIENCE):
         """The bytes of the next frame, delimiters included; None once the other side has closed."""
         deadline = time.monotonic() + seconds
-        while END not in self.received:
+        while protocol.END not in self.received:
             self.socket.settimeout(max(deadline - time.monotonic(), 0.001))
             try:
                 data = self.socket.recv(65536)
@@ -411,16 +419,16 @@ class Line:
             if not data:
                 return None
             self.received += data
-        whole, _, self.received = self.received.partition(bytes([END]))
-        return whole + bytes([END])
+        whole, _, self.received = self.received.partition(bytes([protocol.END]))
+        return whole + bytes([protocol.END])
 
     def recv_frame(self, seconds=PATIENCE):
         """The id and the fields of the next frame; None once the other side has closed."""
         data = self.recv_bytes(seconds)
         if data is None:
             return None
-        assert data[0] == START, data
-        return data[1], data[2:-1].split(bytes([SEPARATOR]))
+        assert data[0] == protocol.START, data
+        return data[1], data[2:-1].split(bytes([protocol.SEPARATOR]))
 
     def frames_during(self, seconds):
         """Every frame that comes in this time."""
@@ -439,12 +447,12 @@ class Line:
     def ask(self):
         """Returns once the client has taken in all that was sent: its time of day in seconds and the ball's place, which
         it tells in answer to a ping. Frames ahead of the answer are passed over."""
-        self.send(PING, 1)
-        while (received := self.recv_frame())[0] != PING_REPLY:
+        self.send(protocol.PING, 1)
+        while (received := self.recv_frame())[0] != protocol.PING_REPLY:
             pass
         seconds = float(received[1][0])
         identifier, place = self.recv_frame()
-        assert identifier == POSITION_REPORT
+        assert identifier == protocol.POSITION_REPORT
         return seconds, tuple(float(coordinate) for coordinate in place)
 
     def wait_for_paint(self):
@@ -463,13 +471,8 @@ class Line:
         """The next position report as a pair of numbers; other frames are passed over."""
         while True:
             identifier, fields = self.recv_frame(seconds)
-            if identifier == POSITION_REPORT:
+            if identifier == protocol.POSITION_REPORT:
                 return float(fields[0]), float(fields[1])
-
-
-def frame(identifier, *fields):
-    texts = [field if isinstance(field, bytes) else str(field).encode("cp1252") for field in fields]
-    return bytes([START, identifier]) + bytes([SEPARATOR]).join(texts) + bytes([END])
 
 
 class ScriptedServer:

@@ -9,9 +9,6 @@ import time
 import harness
 from harness import TWIPS
 
-REPORT, POSITION, LOGIN_ACCEPTED = harness.POSITION_REPORT, harness.POSITION, harness.LOGIN_ACCEPTED
-JOINED, LEFT, TAIL_CAPTURE, ROUND_OVER = 138, 140, 141, 142
-BUY_ACCEPTED, RESPAWN, POWERUP_ON, ALIVE = 151, 154, 156, 157
 TURBO = 1
 
 
@@ -62,10 +59,10 @@ class Relay:
                 target.sendall(data)
             except OSError:
                 break
-            *whole, rest = (rest + data).split(bytes([harness.END]))
+            *whole, rest = (rest + data).split(bytes([harness.protocol.END]))
             with self.lock:
                 for text in whole:
-                    heard(text[1], text[2:].split(bytes([harness.SEPARATOR])))
+                    heard(text[1], text[2:].split(bytes([harness.protocol.SEPARATOR])))
                 self.lock.notify_all()
         try:
             target.shutdown(socket.SHUT_WR)
@@ -73,27 +70,27 @@ class Relay:
             pass
 
     def heard_client(self, identifier, fields):
-        if identifier == REPORT:
+        if identifier == harness.protocol.POSITION_REPORT:
             self.place = (float(fields[0]), float(fields[1]))
             self.reports.append((time.monotonic(), *self.place))
 
     def heard_server(self, identifier, fields):
-        if identifier == POSITION:
+        if identifier == harness.protocol.POSITION:
             if fields[0] in self.players:
                 self.players[fields[0]][0] = (float(fields[1]), float(fields[2]))
             return
         self.frames.append((identifier, fields))
-        if identifier == LOGIN_ACCEPTED:
+        if identifier == harness.protocol.LOGIN_ACCEPTED:
             self.node, self.place = fields[1], (float(fields[2]), float(fields[3]))
-        elif identifier == JOINED:
+        elif identifier == harness.protocol.PLAYER_JOINED:
             self.players[fields[0]] = [(float(fields[3]), float(fields[4])), fields[5] == b"1"]
-        elif identifier == LEFT:
+        elif identifier == harness.protocol.PLAYER_LEFT:
             self.players.pop(fields[0], None)
-        elif identifier == TAIL_CAPTURE:
+        elif identifier == harness.protocol.TAIL_CAPTURE:
             self.live(fields[1], False)
-        elif identifier == RESPAWN:
+        elif identifier == harness.protocol.RESPAWN:
             self.live(fields[0], True)
-        elif identifier == ROUND_OVER:
+        elif identifier == harness.protocol.ROUND_OVER:
             for node in (self.node, *self.players):
                 self.live(node, False)
 

@@ -9,10 +9,11 @@
 #include "frontend/frmFonts.h"
 #include "frontend/frmGameFind.h"
 #include "frontend/frmMain.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "store/frmPowerups.h"
 #include "tests/platform/windows/hands.h"
 #include "tests/platform/windows/scriptedDesktop.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora {
 
@@ -47,7 +48,7 @@ void answerBox() {
 }
 
 void say(Desktop desktop, std::int16_t id, const std::vector<std::string>& fields) {
-  desktop.farEnd(frmMain->sock).deliver(wire::buildFrame(id, fields));
+  desktop.farEnd(frmMain->sock).deliver(frameOf(id, fields));
 }
 
 void listOfHosts(Desktop desktop) {

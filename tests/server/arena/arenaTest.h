@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "server/arena/arena.h"
 #include "tests/server/arena/recorder.h"
 
@@ -35,10 +35,7 @@ class ArenaTest : public testing::Test, protected Recorder {
 
   explicit ArenaTest(const ArenaRules& rules = quietRules) : arena(*this, KELVORA_VERSION, "", 1, rules) {}
 
-  void say(ClientId client, std::int16_t id, const Fields& fields) {
-    const std::string frame = wire::buildFrame(id, fields);
-    arena.received(client, frame.substr(1, frame.size() - 2), now);
-  }
+  void say(ClientId client, std::int16_t id, const Fields& fields) { arena.received(client, textOf(id, fields), now); }
   /// Logs a client in and discards what everybody got.
   std::int16_t login(ClientId client, const std::string& name, const std::string& colour = "0") {
     got.clear();
@@ -88,8 +85,7 @@ class ArenaTest : public testing::Test, protected Recorder {
     got.erase(stranger);
     hungUp.clear();
     where.connected(stranger, now);
-    const std::string frame = wire::buildFrame(wire::msgLogin, fields);
-    where.received(stranger, frame.substr(1, frame.size() - 2), now);
+    where.received(stranger, textOf(wire::msgLogin, fields), now);
     const Message answer = got[stranger].at(0);
     if (answer.id != wire::msgLoginDenied) return {};
     EXPECT_EQ(got[stranger].size(), 1U);

@@ -8,7 +8,8 @@
 #include <string>
 
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora::server {
 namespace {
@@ -26,8 +27,7 @@ class BotKeeperTest : public testing::Test, private ArenaOutput {
   void ask(ClientId client, const std::string& colour, const std::string& name = "Ann",
            const std::string& password = "") {
     arena->connected(client, now);
-    const std::string frame = wire::buildFrame(wire::msgLogin, {name, password, colour, KELVORA_VERSION});
-    arena->received(client, frame.substr(1, frame.size() - 2), now);
+    arena->received(client, textOf(wire::msgLogin, {name, password, colour, KELVORA_VERSION}), now);
   }
   void pass(Millis time) {
     for (const Millis end = now + time; now < end;) {

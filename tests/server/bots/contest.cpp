@@ -5,22 +5,9 @@
 
 #include "base/text.h"
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/frames.h"
 
 namespace kelvora::server {
-
-namespace {
-
-std::string text(std::int16_t id, const std::vector<std::string>& fields) {
-  const std::string frame = wire::buildFrame(id, fields);
-  return frame.substr(1, frame.size() - 2);
-}
-
-std::vector<std::string_view> fieldsOf(std::string_view frame) {
-  return wire::splitFields(frame.substr(2, frame.size() - 3));
-}
-
-}  // namespace
 
 /// A beginner's client. Knows about a death as soon as the arena does, and requests a new life after two seconds.
 class Contest::Person {
@@ -28,23 +15,24 @@ class Contest::Person {
   explicit Person(std::uint32_t seed) : hand_(seed) {}
 
   void hear(std::string_view frame, Millis now) {
-    const auto fields = fieldsOf(frame);
-    if (static_cast<unsigned char>(frame[1]) != wire::msgLoginAccepted) return;
-    flight_.emplace(Vector{static_cast<float>(readNumber(fields[2])), static_cast<float>(readNumber(fields[3]))});
+    const WireMessage message = messageOf(frame);
+    if (message.id != wire::msgLoginAccepted) return;
+    flight_.emplace(Vector{static_cast<float>(readNumber(message.fields.at(2))),
+                           static_cast<float>(readNumber(message.fields.at(3)))});
     wakesAt_ = now + 500;
   }
   void tick(const Sight& sight, const PlayerView& self, Millis now, const Bot::Say& say) {
     if (!self.isAlive && !std::exchange(wasDead_, true)) asksAt_ = now + 2'000;
     if (self.isAlive && std::exchange(wasDead_, false)) wakesAt_ = now + 500;
     if (wasDead_ && now >= asksAt_) {
-      say(text(wire::msgSpawnRequest, {""}));
+      say(wire::toServer<wire::msgSpawnRequest>());
       asksAt_ = now + 5'000;
     }
     const Intent intent = hand_.think(sight.viewOf(self, Beginner::reaction, now));
     flight_->setBrakes(wasDead_ || now < wakesAt_);
     for (int i = 0; i < 4; ++i) {
       if (!flight_->step(intent.angle, intent.throttle, self.isAlive, false)) continue;
-      say(text(wire::msgPositionReport, {numberText(flight_->position().x), numberText(flight_->position().y)}));
+      say(wire::toServer<wire::msgPositionReport>(flight_->position().x, flight_->position().y));
     }
   }
 
@@ -79,7 +67,7 @@ int Contest::addBot(SkillLevel level) {
 int Contest::addBeginner() {
   const auto number = static_cast<std::uint32_t>(seats_.size()) + 1;
   return join({nullptr, std::make_unique<Person>(seed_ * 100 + number)},
-              text(wire::msgLogin, {"Beginner", "", "0", KELVORA_VERSION}));
+              wire::toServer<wire::msgLogin>("Beginner", "", 0, KELVORA_VERSION));
 }
 
 void Contest::pass(Millis time) {
@@ -91,31 +79,30 @@ void Contest::pass(Millis time) {
       const Seat& seat = seats_[static_cast<std::size_t>(number) - 1];
       const PlayerView* self = sight_.player(static_cast<ClientId>(number));
       if (!self) continue;
-      const Bot::Say speak = [&](const std::string& words) { say(number, words); };
+      const Bot::Say speak = [&](const std::string& frame) { say(number, frame); };
       if (seat.bot) seat.bot->tick(sight_, *self, now_, speak);
       if (seat.person) seat.person->tick(sight_, *self, now_, speak);
     }
   }
 }
 
-void Contest::say(int number, const std::string& words) {
-  if (isListening_) said_.push_back({number, now_, words});
-  arena_.received(static_cast<ClientId>(number), words, now_);
+void Contest::say(int number, const std::string& frame) {
+  if (isListening_) said_.push_back({number, now_, messageOf(frame)});
+  arena_.received(static_cast<ClientId>(number), wire::textOf(frame), now_);
 }
 
 void Contest::send(ClientId client, const std::string& frame) {
   const int number = static_cast<int>(client);
-  const int id = static_cast<unsigned char>(frame[1]);
+  const auto [id, fields] = messageOf(frame);
   ++sent_[{number, id}];
   const Seat& seat = seats_[client - 1];
-  const auto fields = fieldsOf(frame);
-  if (id == wire::msgLoginAccepted) nodes_[std::string(fields[1])] = number;
+  if (id == wire::msgLoginAccepted) nodes_[fields.at(1)] = number;
   if (id == wire::msgTailCapture && number == 1) {
-    const int winner = numberOf(fields[0]);
-    ++captures_[{winner, numberOf(fields[1])}];
+    const int winner = numberOf(fields.at(0));
+    ++captures_[{winner, numberOf(fields.at(1))}];
     firstCaptures_.insert({winner, now_ - begun_});
   }
-  if (id == wire::msgRoundOver && number == 1) results_.emplace_back(fields[0]);
+  if (id == wire::msgRoundOver && number == 1) results_.push_back(fields.at(0));
   if (seat.bot) seat.bot->hear(frame, now_);
   if (seat.person) seat.person->hear(frame, now_);
 }

@@ -8,6 +8,7 @@
 #include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "tests/server/bots/beginner.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora::server {
 
@@ -33,11 +34,11 @@ class Contest : private ArenaOutput {
   Millis firstCapture(int winner) const;
   /// Frames sent to a player, by id.
   int sent(int number, int id) const;
-  /// The players' messages: everybody's texts, ids and fields, oldest first.
+  /// The players' messages, oldest first.
   struct Said {
     int player;
     Millis at;
-    std::string text;
+    WireMessage message;
   };
   const std::vector<Said>& said() const { return said_; }
   /// Records messages from now on.
@@ -57,7 +58,7 @@ class Contest : private ArenaOutput {
   void hangUp(ClientId) override {}
   void log(const std::string& line) override { logged_.push_back(line); }
   int join(Seat seat, const std::string& login);
-  void say(int number, const std::string& text);
+  void say(int number, const std::string& frame);
   int numberOf(std::string_view node) const;
 
   static constexpr Millis begun_ = 5'000;

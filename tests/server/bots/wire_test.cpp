@@ -7,17 +7,16 @@
 #include <set>
 
 #include "base/text.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "tests/server/bots/contest.h"
 
 namespace kelvora::server {
 namespace {
 
-int idOf(const Contest::Said& said) { return static_cast<unsigned char>(said.text.front()); }
+int idOf(const Contest::Said& said) { return said.message.id; }
 
 Point placeOf(const Contest::Said& said) {
-  const auto fields = wire::splitFields(std::string_view(said.text).substr(1));
-  return {readNumber(fields[0]), readNumber(fields[1])};
+  return {readNumber(said.message.fields.at(0)), readNumber(said.message.fields.at(1))};
 }
 
 /// Two minutes of one bot of each level, six in all.
@@ -48,7 +47,8 @@ TEST_F(BotWire, NoStepIsLongerThanTheGameAllows) {
     std::optional<Point> last;
     for (const auto& report : reports(player)) {
       const Point place = placeOf(report);
-      EXPECT_TRUE(place.x >= 0 && place.x <= 100'000 && place.y >= 0 && place.y <= 100'000) << report.text;
+      EXPECT_TRUE(place.x >= 0 && place.x <= 100'000 && place.y >= 0 && place.y <= 100'000)
+          << testing::PrintToString(report.message);
       if (last) {
         // Four frames at 300, times 3 with the turbo, and times 2 as a ghost; a bounce throws a thousand inward on
         // either axis.
@@ -180,9 +180,11 @@ TEST_F(BotWire, ChatsRarelyAndInPlainLetters) {
   for (const auto& said : contest.said()) {
     if (idOf(said) != wire::msgChat) continue;
     ++lines;
-    EXPECT_TRUE(said.text.substr(1, 3) == "-1\x82") << "to everybody";
-    for (const char c : said.text.substr(4)) EXPECT_TRUE(c >= 32 && c < 127) << said.text;
-    EXPECT_LT(said.text.size(), 60U);
+    const auto& fields = said.message.fields;
+    ASSERT_EQ(fields.size(), 2U);
+    EXPECT_EQ(fields[0], "-1") << "to everybody";
+    for (const char c : fields[1]) EXPECT_TRUE(c >= 32 && c < 127) << fields[1];
+    EXPECT_LT(fields[1].size(), 56U);
     if (last.contains(said.player)) {
       EXPECT_GE(said.at - last[said.player], 60'000);
     }

@@ -10,6 +10,7 @@ import signal
 import socket
 import ssl
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -17,15 +18,12 @@ SERVER = os.environ["KELVORA_SERVER"]
 PROJECT = pathlib.Path(__file__).resolve().parents[3]
 VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())[1]
 
-START, END, SEPARATOR = b"\x80", b"\x81", b"\x82"
-POSITION_REPORT, PING, PING_REPLY, POSITION, LOGIN = 131, 132, 133, 134, 135
-LOGIN_ACCEPTED, PLAYER_JOINED, PLAYER_LEFT, CAPTURE, ROUND_OVER, CHAT = 137, 138, 140, 141, 142, 144
-FUNDS, BUY_REQUEST, BUY_ACCEPTED, SPAWN_REQUEST, RESPAWN = 148, 149, 151, 152, 154
-ACTIVATE_REQUEST, POWERUP_ON, POWERUP_OFF = 155, 156, 161
+# The build writes the messages' ids beside its programs.
+sys.path.insert(0, str(pathlib.Path(SERVER).resolve().parent / "generated"))
+import protocol
+from protocol import LOGIN, frame
 
-
-def frame(message, *fields):
-    return START + bytes([message]) + SEPARATOR.join(str(field).encode("latin-1") for field in fields) + END
+START, END, SEPARATOR = (bytes([byte]) for byte in (protocol.START, protocol.END, protocol.SEPARATOR))
 
 
 def login(name, colour=0):
@@ -137,8 +135,8 @@ class RawPlayer:
         for text in whole:
             assert text[:1] == START, text
             self.frames.append(text[1:])
-            if text[1] == PING:
-                self.send(frame(PING_REPLY, f"{time.time() % 86400:.3f}"))
+            if text[1] == protocol.PING:
+                self.send(frame(protocol.PING_REPLY, f"{time.time() % 86400:.3f}"))
 
     def find(self, message, accept=lambda fields: True, start=0):
         """The fields of the first frame of that id that is accepted; reads until there is one."""
@@ -155,7 +153,7 @@ class RawPlayer:
             self.read()
 
     def say(self, text):
-        self.send(frame(CHAT, -1, text))
+        self.send(frame(protocol.CHAT, -1, text))
 
 
 class Nginx:

@@ -8,7 +8,8 @@ import socket
 import struct
 import unittest
 
-from harness import START, Server, connect, frame, login
+from harness import START, Server, connect, login
+from protocol import CHAT, frame
 
 FIRST, LAST = (int(number) for number in os.environ.get("KELVORA_ENDINGS", "0-11").split("-"))
 
@@ -38,7 +39,7 @@ HALF_OPEN = {
     "a request in a WebSocket": HANDSHAKE + masked(0x82, b"GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n"),
     "half a game frame": START + b"\x87Half",
     "a player": login("Raw"),
-    "a player in the midst of a word": login("Mid", 4) + frame(144, "-1", "a word")[:5],
+    "a player in the midst of a word": login("Mid", 4) + frame(CHAT, "-1", "a word")[:5],
     "garbage": b"\xff\xfe",
 }
 

@@ -10,7 +10,8 @@ import threading
 import time
 import unittest
 
-from harness import CHAT, LOGIN_ACCEPTED, VERSION, RawPlayer, Server, connect, frame, login, read_to_end
+from harness import VERSION, RawPlayer, Server, connect, login, read_to_end
+from protocol import CHAT, LOGIN_ACCEPTED, POSITION_REPORT, frame
 from test_endings import HALF_OPEN, HANDSHAKE, masked
 
 STORM_SECONDS = float(os.environ.get("KELVORA_STORM_SECONDS", "3"))
@@ -146,7 +147,7 @@ class Storm(Site):
             b"GET / HTTP/1.1\r\nA: " + b"a" * 5000, b"POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nF\r\n",
             HANDSHAKE + masked(0x89, b"") * 50, HANDSHAKE + masked(0x00, b"x"), HANDSHAKE + b"\x82\xff" + b"\x7f" * 8,
             HANDSHAKE + masked(0x02, login("Loop", 5)) + masked(0x00, frame(CHAT, "-1", "x")) * 30,
-            b"GET /large.bin HTTP/1.1\r\nHost: h\r\n\r\n" * 3, login("Fast", 4) + frame(131, "1", "2") * 50]
+            b"GET /large.bin HTTP/1.1\r\nHost: h\r\n\r\n" * 3, login("Fast", 4) + frame(POSITION_REPORT, "1", "2") * 50]
         while time.monotonic() < end:
             try:
                 one = connect(self.server.port, 2 + number * 50 + chance.randrange(50))

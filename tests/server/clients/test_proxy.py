@@ -7,8 +7,8 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import (CHAT, LOGIN_ACCEPTED, VERSION, Nginx, RawPlayer, Server, connect, documented, free_port,
-                     read_to_end, wait_for)
+from harness import VERSION, Nginx, RawPlayer, Server, connect, documented, free_port, read_to_end, wait_for
+from protocol import CHAT, LOGIN_ACCEPTED
 from webSocketPlayer import WebSocket, WebSocketPlayer
 
 BURST = 32  # connections of one address

@@ -4,13 +4,14 @@ import math
 import time
 import unittest
 
-from harness import (ACTIVATE_REQUEST, BUY_ACCEPTED, BUY_REQUEST, CAPTURE, CHAT, FUNDS, LOGIN_ACCEPTED, PLAYER_JOINED,
-                     PLAYER_LEFT, POSITION, POSITION_REPORT, POWERUP_OFF, POWERUP_ON, RESPAWN, ROUND_OVER, SPAWN_REQUEST,
-                     RawPlayer, Server, connect, frame)
+from harness import RawPlayer, Server, connect
+from protocol import (ACTIVATE_REQUEST, BUY_ACCEPTED, BUY_REQUEST, CHAT, FUNDS, LOGIN_ACCEPTED, PLAYER_JOINED, PLAYER_LEFT,
+                      POSITION, POSITION_REPORT, POWERUP_OFF, POWERUP_ON, RESPAWN, ROUND_OVER, SPAWN_REQUEST, TAIL_CAPTURE,
+                      frame)
 from webSocketPlayer import WebSocket, WebSocketPlayer
 
 # What goes to everybody who is in. The rest is for one player: pings, answers of the store, refusals.
-PUBLIC = (POSITION, PLAYER_JOINED, PLAYER_LEFT, CAPTURE, ROUND_OVER, CHAT, FUNDS, RESPAWN, POWERUP_ON, POWERUP_OFF)
+PUBLIC = (POSITION, PLAYER_JOINED, PLAYER_LEFT, TAIL_CAPTURE, ROUND_OVER, CHAT, FUNDS, RESPAWN, POWERUP_ON, POWERUP_OFF)
 TURBO = 1
 REPORT_INTERVAL = 0.02  # s; the server takes a hundred a second
 
@@ -104,7 +105,7 @@ class Round(unittest.TestCase):
         self.assertEqual(of_raw, of_web)
         kinds = {kind: [text[1:].decode("latin-1").split("\x82") for text in of_raw if text[0] == kind]
                  for kind in PUBLIC}
-        captures = [(winner, loser) for winner, loser, *_ in kinds[CAPTURE]]
+        captures = [(winner, loser) for winner, loser, *_ in kinds[TAIL_CAPTURE]]
         self.assertIn((self.raw_node, self.web_node), captures)
         self.assertIn([self.web_node], kinds[RESPAWN])
         self.assertEqual(len(kinds[ROUND_OVER]), 1)

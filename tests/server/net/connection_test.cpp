@@ -9,9 +9,10 @@
 #include <memory>
 #include <string>
 
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "server/net/pacedSocket.h"
 #include "tests/server/net/webSocketClient.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora::server {
 namespace {
@@ -126,7 +127,7 @@ TEST_P(ConnectionLimits, AnAnswerIsTakenInFiveSecondsAndNotHeldMeanwhile) {
 }
 
 TEST_P(ConnectionLimits, AGameIsSilentForTwoMinutes) {
-  say(wire::buildFrame(wire::msgPing, {}));
+  say(frameOf(wire::msgPing, {}));
   EXPECT_EQ(heard, 3U);
   expectToLast(seconds(120), "silent for too long");
 }
@@ -138,16 +139,16 @@ TEST_P(ConnectionLimits, AFrameThatTakesLongerIsNoSilence) {
 }
 
 TEST_P(ConnectionLimits, TheEndIsTakenWithinTwoSeconds) {
-  say(wire::buildFrame(wire::msgPing, {}));
+  say(frameOf(wire::msgPing, {}));
   connection->hangUp();
   settle();
-  say(wire::buildFrame(wire::msgPing, {}));
+  say(frameOf(wire::msgPing, {}));
   expectToLast(seconds(2), "disconnected by the server");
 }
 
 TEST_P(ConnectionLimits, BothSidesMayEndAtOnce) {
   hangsUpOnFrame = true;
-  const std::string frame = wire::buildFrame(wire::msgPing, {});
+  const std::string frame = frameOf(wire::msgPing, {});
   if (GetParam()) {
     client.write(WebSocketClient::frame(WebSocketClient::binary, frame) +
                  WebSocketClient::frame(WebSocketClient::closing, "\x03\xE8"));
@@ -160,8 +161,8 @@ TEST_P(ConnectionLimits, BothSidesMayEndAtOnce) {
 }
 
 TEST_P(ConnectionLimits, WhatIsUnreadIsAtMost256KiB) {
-  say(wire::buildFrame(wire::msgPing, {}));
-  const std::string frame = wire::buildFrame(wire::msgChat, {std::string(1'021, 'c')});
+  say(frameOf(wire::msgPing, {}));
+  const std::string frame = frameOf(wire::msgChat, {std::string(1'021, 'c')});
   ASSERT_EQ(frame.size(), 1'024U);
   for (int i = 0; i < 256; ++i) connection->send(frame);
   connection->closeIfOverdue(Connection::Clock::now());
@@ -172,7 +173,7 @@ TEST_P(ConnectionLimits, WhatIsUnreadIsAtMost256KiB) {
 }
 
 TEST_P(ConnectionLimits, WhatIsSentIsReadAtARate) {
-  const std::string frame = wire::buildFrame(wire::msgChat, {std::string(97, 'c')});
+  const std::string frame = frameOf(wire::msgChat, {std::string(97, 'c')});
   const auto start = Connection::Clock::now();
   for (int i = 0; i < 1'000; ++i) say(frame);
   const std::chrono::duration<double> time = Connection::Clock::now() - start;

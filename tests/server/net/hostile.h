@@ -13,9 +13,10 @@
 #include <vector>
 
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora::server {
 
@@ -78,10 +79,7 @@ class Game {
 inline constexpr Milliseconds oneTick(40);
 inline constexpr int steps = 40;
 
-inline std::string frame(std::int16_t id, const std::vector<std::string>& fields) {
-  return wire::buildFrame(id, fields);
-}
-inline std::string login(const std::string& name) { return frame(wire::msgLogin, {name, "", "0", KELVORA_VERSION}); }
+inline std::string login(const std::string& name) { return frameOf(wire::msgLogin, {name, "", "0", KELVORA_VERSION}); }
 
 /// A server with two players on it, while a test attacks it.
 class UnderAttack : public testing::Test {

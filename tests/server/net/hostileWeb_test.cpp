@@ -28,7 +28,7 @@ TEST_F(HostileWeb, FloodsOfRequestsOverKeptConnectionsAreHeldBack) {
 }
 
 TEST_F(HostileWeb, FloodsOfTinyWebSocketFramesAreHeldBack) {
-  const std::string chat = wire::buildFrame(wire::msgChat, {});
+  const std::string chat = frameOf(wire::msgChat, {});
   Flood flood(port, 60, Web::handshake(), repeated(Web::frame(Web::binary, chat), 1'000));
   const auto start = std::chrono::steady_clock::now();
   expectPlay([&](int) { flood.pour(); });

@@ -22,9 +22,9 @@ std::ptrdiff_t openDescriptors() {
 TEST_F(Hostile, FloodsOfPlayersAreHeldBack) {
   std::string bytes;
   for (int i = 0; i < 100; ++i) {
-    bytes += frame(wire::msgPositionReport, {"50000", "50000"}) + frame(wire::msgChat, {"-1", "buy my stuff"}) +
-             frame(wire::msgSpawnRequest, {}) + frame(wire::msgBuyRequest, {"1"}) +
-             frame(wire::msgActivateRequest, {"1"}) + frame(wire::msgPingReply, {"1"});
+    bytes += frameOf(wire::msgPositionReport, {"50000", "50000"}) + frameOf(wire::msgChat, {"-1", "buy my stuff"}) +
+             frameOf(wire::msgSpawnRequest, {}) + frameOf(wire::msgBuyRequest, {"1"}) +
+             frameOf(wire::msgActivateRequest, {"1"}) + frameOf(wire::msgPingReply, {"1"});
   }
   Flood flood(port, 4, login("Flood"), bytes);
   expectPlay([&](int) { flood.pour(); });
@@ -33,7 +33,7 @@ TEST_F(Hostile, FloodsOfPlayersAreHeldBack) {
 
 TEST_F(Hostile, FloodsOfTinyFramesFromSixtyAreHeldBack) {
   std::string bytes;
-  for (int i = 0; i < 1'000; ++i) bytes += frame(wire::msgChat, {});
+  for (int i = 0; i < 1'000; ++i) bytes += frameOf(wire::msgChat, {});
   Flood flood(port, 60, "", bytes);
   const auto start = Clock::now();
   expectPlay([&](int) { flood.pour(); });
@@ -75,7 +75,7 @@ TEST_F(Hostile, StreamsWithoutAnEndAreCutOff) {
 }
 
 TEST_F(Hostile, LeavingInTheMiddleOfAFrame) {
-  const std::string session = login("Half") + frame(wire::msgPositionReport, {"50000", "50000"});
+  const std::string session = login("Half") + frameOf(wire::msgPositionReport, {"50000", "50000"});
   int times = 0;
   expectPlay([&](int i) {
     if (times > i * 3) return;
@@ -119,7 +119,7 @@ TEST_F(Hostile, HalfFramesAreWaitedForTenSecondsAndCostNothing) {
 }
 
 TEST_F(Hostile, ClientsThatNeverReadAreDroppedOrCostAtMostTheirQueue) {
-  Flood deaf(port, 4, login("Deaf"), frame(wire::msgChat, {"-1", std::string(4'000, 'x')}));
+  Flood deaf(port, 4, login("Deaf"), frameOf(wire::msgChat, {"-1", std::string(4'000, 'x')}));
   const std::size_t before = residentMebibytes();
   expectPlay([&](int i) {
     if (i % 4 == 0) deaf.pour();
@@ -261,9 +261,9 @@ TEST_F(Hostile, NoiseOfAllBytes) {
 
 TEST_F(Hostile, ReplaysOfAWholeSession) {
   std::string session = login("Replay");
-  for (int i = 0; i < 30; ++i) session += frame(wire::msgPositionReport, {std::to_string(50'000 + i), "50000"});
-  session +=
-      frame(wire::msgPingReply, {"1"}) + frame(wire::msgBuyRequest, {"1"}) + frame(wire::msgActivateRequest, {"1"});
+  for (int i = 0; i < 30; ++i) session += frameOf(wire::msgPositionReport, {std::to_string(50'000 + i), "50000"});
+  session += frameOf(wire::msgPingReply, {"1"}) + frameOf(wire::msgBuyRequest, {"1"}) +
+             frameOf(wire::msgActivateRequest, {"1"});
   std::vector<std::unique_ptr<Client>> clients;
   for (std::uint32_t host = 10; host < 13; ++host) clients.push_back(std::make_unique<Client>(port, host));
   int times = 0;

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "protocol/wireFormat.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
 

@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
 #include "server/net/gameServer.h"
 #include "tests/server/net/tcpClient.h"
 
@@ -43,8 +42,7 @@ class Loopback : public testing::Test {
 
 TEST_F(Loopback, AFrameInSingleBytesIsReadLikeAWholeOne) {
   Client ann(port());
-  for (const char byte : wire::buildFrame(wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION}))
-    ann.write(std::string(1, byte));
+  for (const char byte : frameOf(wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION})) ann.write(std::string(1, byte));
   EXPECT_EQ(ann.readUntil(wire::msgLoginAccepted).substr(0, 4),
             "0\x82"
             "1\x82");
@@ -52,9 +50,8 @@ TEST_F(Loopback, AFrameInSingleBytesIsReadLikeAWholeOne) {
 
 TEST_F(Loopback, SeveralFramesInOneWriteAreAllHandled) {
   Client ann(port());
-  ann.write(wire::buildFrame(wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION}) +
-            wire::buildFrame(wire::msgChat, {"-1", "a"}) + wire::buildFrame(wire::msgPositionReport, {"1.5", ".5"}) +
-            "\x80\x90-1\x82");
+  ann.write(frameOf(wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION}) + frameOf(wire::msgChat, {"-1", "a"}) +
+            frameOf(wire::msgPositionReport, {"1.5", ".5"}) + "\x80\x90-1\x82");
   EXPECT_EQ(ann.readUntil(wire::msgChat),
             "1\x82"
             "a");
@@ -98,7 +95,7 @@ TEST_F(Loopback, PlayersSeeEachOtherComeMoveAndLeave) {
 TEST_F(Loopback, ARefusedClientGetsTheReasonAndThenTheEnd) {
   Client ann(port());
   ann.login("Ann", "0.9");
-  ann.write(wire::buildFrame(wire::msgChat, {"-1", std::string(4000, 'x')}));
+  ann.write(frameOf(wire::msgChat, {"-1", std::string(4000, 'x')}));
   EXPECT_NE(ann.readUntil(wire::msgLoginDenied).find(KELVORA_VERSION), std::string::npos);
   EXPECT_TRUE(ann.isCutOff());
 }
@@ -120,7 +117,7 @@ TEST_F(Loopback, AFloodIsThinnedOutAndTheServerStaysThere) {
   bob.login("Bob");
   bob.readUntil(wire::msgLoginAccepted);
   std::string flood;
-  for (int i = 0; i < 8'000; ++i) flood += wire::buildFrame(wire::msgPositionReport, {"1", "2"});
+  for (int i = 0; i < 8'000; ++i) flood += frameOf(wire::msgPositionReport, {"1", "2"});
   ann.write(flood);
   ann.say(wire::msgChat, {"-1", "end"});
   bob.readUntil(wire::msgChat);

@@ -13,7 +13,8 @@
 #include <vector>
 
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
+#include "protocol/messages.h"
+#include "tests/support/wireMessage.h"
 
 namespace kelvora::server {
 
@@ -101,7 +102,7 @@ class Client : public TcpClient {
  public:
   using TcpClient::TcpClient;
 
-  void say(std::int16_t id, const std::vector<std::string>& fields) { write(wire::buildFrame(id, fields)); }
+  void say(std::int16_t id, const std::vector<std::string>& fields) { write(frameOf(id, fields)); }
   void login(const std::string& name, const std::string& version = KELVORA_VERSION) {
     say(wire::msgLogin, {name, "", "0", version});
   }

@@ -7,15 +7,12 @@
 #include <string>
 
 #include "generated/version.h"
-#include "protocol/wireFormat.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
 #include "tests/server/net/webSocketClient.h"
 
 namespace kelvora::server {
 namespace {
-
-using wire::buildFrame;
 
 Options withoutSpeedLimit() {
   Options options;
@@ -40,7 +37,7 @@ class WebSocketTest : public testing::Test {
   }
 };
 
-std::string login(const std::string& name) { return buildFrame(wire::msgLogin, {name, "", "0", versionText()}); }
+std::string login(const std::string& name) { return frameOf(wire::msgLogin, {name, "", "0", versionText()}); }
 
 TEST_F(WebSocketTest, AnswersTheHandshakeAsItMust) {
   WebSocketClient client(server.port());
@@ -57,7 +54,7 @@ TEST_F(WebSocketTest, PlayersOfBothKindsSeeTheSame) {
   Client desktop(server.port(), 2);
   desktop.login("Desktop");
   EXPECT_NE(browser.readUntil("Desktop").find("Desktop"), std::string::npos);
-  browser.send(buildFrame(wire::msgPositionReport, {"1234", "5678"}));
+  browser.send(frameOf(wire::msgPositionReport, {"1234", "5678"}));
   EXPECT_TRUE(desktop.readUntil(wire::msgPosition)
                   .ends_with("\x82"
                              "1234\x82"
@@ -69,7 +66,7 @@ TEST_F(WebSocketTest, PlayersOfBothKindsSeeTheSame) {
 TEST_F(WebSocketTest, MessagesAreAStreamHoweverTheyAreCut) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open());
-  const std::string bytes = login("Ann") + buildFrame(wire::msgChat, {"-1", "in pieces"});
+  const std::string bytes = login("Ann") + frameOf(wire::msgChat, {"-1", "in pieces"});
   std::string frames = WebSocketClient::frame(WebSocketClient::binary, "");
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     const bool begins = i % 5 == 0;
@@ -178,7 +175,7 @@ TEST_F(WebSocketTest, FragmentsWithoutEndAreAMessageTooLong) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open());
   client.write(WebSocketClient::frame(WebSocketClient::binary, login("Ann"), false));
-  const std::string chat = buildFrame(wire::msgChat, {"-1", std::string(900, 'c')});
+  const std::string chat = frameOf(wire::msgChat, {"-1", std::string(900, 'c')});
   bool isTaken = true;
   for (int i = 0; isTaken && i < 200; ++i) {
     isTaken = client.tryWrite(WebSocketClient::frame(WebSocketClient::continuation, chat, false));

@@ -1,0 +1,137 @@
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "base/text.h"
+#include "base/wholeNumber.h"
+#include "protocol/messages.h"
+#include "protocol/wireFormat.h"
+
+/// Builds and reads frames as the table of messages has them. A call with the wrong fields does not compile.
+namespace kelvora::wire {
+
+/// A number that is passed on as it came in.
+struct NumberText {
+  std::string_view text;
+};
+
+/// A number as it was read, with its text.
+struct Number {
+  double value = 0;
+  std::string_view text;
+};
+
+/// Whether a field of that type can be written from such a value.
+template <class Value>
+constexpr bool canHold(FieldType type) {
+  switch (type) {
+    case FieldType::int16:
+    case FieldType::int32:
+      return std::integral<Value>;
+    case FieldType::single:
+      return std::same_as<Value, float> || std::same_as<Value, NumberText>;
+    case FieldType::real:
+      return std::integral<Value> || std::same_as<Value, double>;
+    case FieldType::text:
+      return std::convertible_to<const Value&, std::string_view>;
+  }
+  return false;
+}
+
+inline void append(std::string& frame, NumberText number) { frame += number.text; }
+inline void append(std::string& frame, std::string_view text) { frame += text; }
+template <std::integral Number>
+void append(std::string& frame, Number number) {
+  frame += std::to_string(number);
+}
+template <std::floating_point Number>
+void append(std::string& frame, Number number) {
+  frame += numberText(number);
+}
+
+/// One frame. Texts go as they stand.
+template <Direction direction, MessageId id, class... Values>
+std::string buildFrame(const Values&... values) {
+  static constexpr std::span<const Field> fields = fieldsOf(direction, id);
+  static_assert(sizeof...(values) == fields.size(), "the message has another number of fields");
+  [[maybe_unused]] constexpr auto fit = []<std::size_t... i>(std::index_sequence<i...>) {
+    return (canHold<Values>(fields[i].type) && ...);
+  };
+  static_assert(fit(std::index_sequence_for<Values...>()), "a field of the message has another type");
+  std::string frame{frameStart, static_cast<char>(id)};
+  frame.reserve(48);
+  // Quirk Q-060: the fields go as they stand. A name or password that holds a delimiter breaks its own frame.
+  ((append(frame, values), frame += fieldSeparator), ...);
+  if constexpr (sizeof...(values) > 0) frame.pop_back();
+  return frame += frameEnd;
+}
+
+/// A frame of a client.
+template <MessageId id, class... Values>
+std::string toServer(const Values&... values) {
+  return buildFrame<Direction::toServer, id>(values...);
+}
+/// A frame of the server.
+template <MessageId id, class... Values>
+std::string toClient(const Values&... values) {
+  return buildFrame<Direction::toClient, id>(values...);
+}
+
+/// One field, if the whole of it is of its type.
+template <FieldType type>
+auto readField(std::string_view text) {
+  if constexpr (type == FieldType::int16) {
+    return wholeNumber<std::int16_t>(text);
+  } else if constexpr (type == FieldType::int32) {
+    return wholeNumber<std::int32_t>(text);
+  } else if constexpr (type == FieldType::text) {
+    return std::optional(text);
+  } else {
+    const auto value = wholeNumber<double>(text);
+    return value ? std::optional(Number{*value, text}) : std::nullopt;
+  }
+}
+
+/// The texts of a message's fields; nothing if there are more or less of them than the table has.
+template <Direction direction, MessageId id>
+auto readTexts(std::string_view text) {
+  std::array<std::string_view, fieldsOf(direction, id).size()> fields;
+  return splitFields(text, fields) ? std::optional(fields) : std::nullopt;
+}
+
+/// The values of a message's fields; nothing unless every field is there, no other is, and each is of its type. This
+/// is how the server and its bots read. The game's client is more lenient: see MessageFields.
+template <Direction direction, MessageId id>
+auto readMessage(std::string_view text) {
+  static constexpr std::span<const Field> fields = fieldsOf(direction, id);
+  const auto read = [&]<std::size_t... i>(std::index_sequence<i...>) {
+    using Values = std::tuple<typename decltype(readField<fields[i].type>({}))::value_type...>;
+    const auto texts = readTexts<direction, id>(text);
+    if (!texts) return std::optional<Values>();
+    const std::tuple values(readField<fields[i].type>((*texts)[i])...);
+    if (!(std::get<i>(values) && ...)) return std::optional<Values>();
+    return std::optional<Values>(std::in_place, *std::get<i>(values)...);
+  };
+  return read(std::make_index_sequence<fields.size()>());
+}
+
+/// Reads a message that a client has sent.
+template <MessageId id>
+auto fromClient(std::string_view fields) {
+  return readMessage<Direction::toServer, id>(fields);
+}
+/// Reads a message that the server has sent.
+template <MessageId id>
+auto fromServer(std::string_view fields) {
+  return readMessage<Direction::toClient, id>(fields);
+}
+
+}  // namespace kelvora::wire
