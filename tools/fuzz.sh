@@ -23,7 +23,7 @@ build() {
   for target in $all_targets; do list+=("kelvora_fuzz_$target"); done
   cmake --preset fuzz -B "$folder" -DCMAKE_CXX_COMPILER="clang++$version" "$@" >/dev/null ||
     fail "cmake could not configure $folder."
-  cmake --build "$folder" --target "${list[@]}" || fail "The build failed; see above."
+  cmake --build "$folder" --target kelvora_generate_protocol "${list[@]}" || fail "The build failed; see above."
 }
 
 # coverage: prints one line per room
@@ -83,8 +83,10 @@ for target in $targets; do
   [ -f "tests/fuzz/${target}_fuzz.cpp" ] || fail "There is no target $target. The targets are:" $all_targets
   mkdir -p "build/fuzz/found/$target"
   say "$target for $minutes minutes"
-  words=tests/fuzz/$target.dict
-  build/fuzz/tests/kelvora_fuzz_"$target" $([ -f "$words" ] && echo "-dict=$words") -max_total_time=$((minutes * 60)) -timeout=25 -rss_limit_mb=2048 \
+  words=()
+  [[ " wire chat arena " == *" $target "* ]] && words=(-dict=build/fuzz/generated/protocol.dict)
+  [ -f "tests/fuzz/$target.dict" ] && words=("-dict=tests/fuzz/$target.dict")
+  build/fuzz/tests/kelvora_fuzz_"$target" "${words[@]}" -max_total_time=$((minutes * 60)) -timeout=25 -rss_limit_mb=2048 \
     -max_len=4096 -print_final_stats=1 -artifact_prefix="build/fuzz/crashes/$target-" \
     "build/fuzz/found/$target" "tests/fuzz/corpus/$target" || status=1
 done

@@ -1,5 +1,5 @@
-// Runs a fuzz target without a fuzzer: replays files and, with --seconds or --runs, mutates them. If a run crashes, its
-// input is left in crash-<program> in the current folder.
+// Runs a fuzz target without a fuzzer: replays files and, with --seconds or --runs, mutates them, also with the words of
+// a --dictionary. If a run crashes, its input is left in crash-<program> in the current folder.
 
 #include <unistd.h>
 
@@ -49,9 +49,22 @@ void run(std::string input) {
   LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
 }
 
+/// The words of a dictionary as libFuzzer reads it: one a line, each byte as \xNN.
+std::vector<std::string> readDictionary(std::istream& lines) {
+  std::vector<std::string> words;
+  for (std::string line; std::getline(lines, line);) {
+    std::string& word = words.emplace_back();
+    for (std::size_t at = 0; (at = line.find("\\x", at)) != std::string::npos; at += 4) {
+      word += static_cast<char>(std::stoi(line.substr(at + 2, 2), nullptr, 16));
+    }
+  }
+  return words;
+}
+
 class Mutator {
  public:
-  Mutator(const std::vector<std::string>& corpus, std::uint32_t seed) : corpus_(corpus), random_(seed) {}
+  Mutator(const std::vector<std::string>& corpus, const std::vector<std::string>& words, std::uint32_t seed)
+      : corpus_(corpus), words_(words), random_(seed) {}
 
   std::string next() {
     std::string input = any();
@@ -71,7 +84,7 @@ class Mutator {
   void mutate(std::string& input) {
     const std::size_t at = below(input.size() + 1);
     const std::size_t length = std::min(below(16) + 1, input.size() - at);
-    switch (below(6)) {
+    switch (below(words_.empty() ? 6 : 7)) {
       case 0:
         input.insert(at, 1, byte());
         break;
@@ -89,14 +102,18 @@ class Mutator {
         input.replace(at, std::string::npos, other, below(other.size() + 1));
         break;
       }
-      default: {  // a piece of another input
+      case 5: {  // a piece of another input
         const std::string& other = any();
         input.insert(at, other, below(other.size() + 1), below(64));
+        break;
       }
+      default:
+        input.insert(at, words_[below(words_.size())]);
     }
   }
 
   const std::vector<std::string>& corpus_;
+  const std::vector<std::string>& words_;
   std::mt19937 random_;
 };
 
@@ -115,17 +132,26 @@ int main(int argc, char** argv) {
   std::uint64_t runs = 0;
   std::uint32_t seed = 1;
   std::vector<std::string> corpus;
+  std::vector<std::string> words;
   crashFile = "crash-" + fs::path(argv[0]).filename().string();
   for (int i = 1; i < argc; ++i) {
     const std::string_view argument = argv[i];
     const bool isOption = argument.starts_with("--");
     if (isOption && ++i == argc) {
-      std::cerr << "Usage: " << argv[0] << " [--seconds S | --runs N] [--seed N] FILE|FOLDER...\n";
+      std::cerr << "Usage: " << argv[0] << " [--seconds S | --runs N] [--seed N] [--dictionary FILE] FILE|FOLDER...\n";
       return 2;
     }
     if (argument == "--seconds") seconds = std::atof(argv[i]);
     if (argument == "--runs") runs = std::strtoull(argv[i], nullptr, 10);
     if (argument == "--seed") seed = static_cast<std::uint32_t>(std::strtoul(argv[i], nullptr, 10));
+    if (argument == "--dictionary") {
+      std::ifstream lines(argv[i]);
+      words = readDictionary(lines);
+      if (words.empty()) {
+        std::cerr << "no words in " << argv[i] << "\n";
+        return 2;
+      }
+    }
     if (isOption) continue;
     for (const fs::path& file : filesOf(argument)) {
       std::ifstream stream(file, std::ios::binary);
@@ -147,7 +173,7 @@ int main(int argc, char** argv) {
   for (const std::string& input : corpus) run(input);
   std::cout << corpus.size() << " inputs replayed\n";
   if (seconds == 0 && runs == 0) return 0;
-  Mutator mutator(corpus, seed);
+  Mutator mutator(corpus, words, seed);
   const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
   std::uint64_t done = 0;
   for (; runs != 0 ? done < runs : std::chrono::steady_clock::now() < end; ++done) run(mutator.next());
