@@ -5,6 +5,7 @@
 #include "core/mainLoop.h"
 #include "core/modMain.h"
 #include "core/view.h"
+#include "protocol/rules.h"
 
 namespace kelvora::modMain {
 
@@ -32,7 +33,9 @@ void takeTarget(const Glider& glider, const std::function<void()>& reached) {
 
 }  // namespace
 
-bool isInWorld(Vector point) { return point.x >= 0 && point.x <= worldSize && point.y >= 0 && point.y <= worldSize; }
+bool isInWorld(Vector point) {
+  return point.x >= 0 && point.x <= rules::worldSize && point.y >= 0 && point.y <= rules::worldSize;
+}
 
 void addTarget(std::deque<Vector>& targets, Vector point) {
   if (world.queuedPositions >= maxQueuedPositions) return;

@@ -31,8 +31,6 @@ struct KillerTail {
 
 namespace modMain {
 
-inline constexpr float worldSize = 100000;  ///< world units on both axes, starting at 0
-
 /// The world's state: plain values that every room reads and writes, all on one thread.
 struct World {
   // Quirk Q-225: keeps its last value when the mouse leaves the canvas, so the ball flies on towards that point.

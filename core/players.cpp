@@ -1,14 +1,16 @@
 #include "core/players.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "base/fault.h"
 #include "core/modMain.h"
+#include "protocol/rules.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora::modMain {
 
-void fillColourNames() { world.colourNames = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"}; }
+void fillColourNames() { std::ranges::copy(rules::colourNames, world.colourNames.begin()); }
 
 std::int16_t getPlayerIndex(std::int16_t node) {
   // Quirk Q-222: isConnected is not checked, so before the first login node 0 is the local player.

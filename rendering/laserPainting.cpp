@@ -4,6 +4,7 @@
 #include "core/modMain.h"
 #include "core/view.h"
 #include "frontend/frmMain.h"
+#include "protocol/rules.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora {
@@ -12,18 +13,18 @@ namespace {
 
 /// The end of the beam from `from` through `to`: a point on the world's edge.
 Vector laserHit(Vector from, Vector to) {
-  constexpr double size = modMain::worldSize;
+  constexpr double size = rules::worldSize;
   const double slope = (static_cast<double>(to.y) - from.y) / (static_cast<double>(to.x) - from.x);
   // Quirk Q-302: the slope is unbounded, and a hit too far away for single precision is a fault.
   const float offset = toSingle(to.y - to.x * slope);
   const Vector candidates[] = {{toSingle(-offset / slope), 0},
                                {0, offset},
-                               {toSingle((size - offset) / slope), modMain::worldSize},
-                               {modMain::worldSize, toSingle(size * slope + offset)}};
+                               {toSingle((size - offset) / slope), rules::worldSize},
+                               {rules::worldSize, toSingle(size * slope + offset)}};
   // Quirk Q-131: each candidate is checked against one bound only, and the last valid one wins. Without a valid one the
   // beam ends at the world's origin.
-  const bool inside[] = {candidates[0].x >= 0, candidates[1].y >= 0, candidates[2].x <= modMain::worldSize,
-                         candidates[3].y <= modMain::worldSize};
+  const bool inside[] = {candidates[0].x >= 0, candidates[1].y >= 0, candidates[2].x <= rules::worldSize,
+                         candidates[3].y <= rules::worldSize};
   Vector hit;
   for (int i = 0; i < 4; ++i) {
     const Vector& point = candidates[i];

@@ -6,6 +6,7 @@
 #include "core/mainLoop.h"
 #include "core/view.h"
 #include "frontend/frmMain.h"
+#include "protocol/rules.h"
 #include "rendering/frmGfx.h"
 #include "rendering/paintFrame.h"
 #include "rendering/sprites.h"
@@ -94,8 +95,8 @@ void clsPlayer::advanceAnimation() {
 void clsPlayer::paintRadarBlip() {
   PictureBox& radar = frmMain->picRadar;
   const SheetImage& blips = frmGfx->imgRadarBlips;
-  const float x = static_cast<float>(std::floor(static_cast<double>(radar.Width) * position.x / 100000.0));
-  const float y = static_cast<float>(std::floor(static_cast<double>(radar.Height) * position.y / 100000.0));
+  const float x = static_cast<float>(std::floor(static_cast<double>(radar.Width) * position.x / rules::worldSize));
+  const float y = static_cast<float>(std::floor(static_cast<double>(radar.Height) * position.y / rules::worldSize));
   const float width = blips.Width / 7;
   const float height = blips.Height;
   if (playerIndex == localIndex) {

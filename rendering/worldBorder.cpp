@@ -1,6 +1,7 @@
 #include "core/modMain.h"
 #include "core/view.h"
 #include "frontend/frmMain.h"
+#include "protocol/rules.h"
 #include "rendering/paintFrame.h"
 
 namespace kelvora::modMain {
@@ -25,9 +26,9 @@ void paintWorldBorder() {
   PictureBox& canvas = frmMain->canvas;
   canvas.DrawWidth = world.borderWidth * 2;
   const Vector c0 = worldToScreen({0, 0});
-  const Vector c1 = worldToScreen({worldSize, 0});
-  const Vector c2 = worldToScreen({0, worldSize});
-  const Vector c3 = worldToScreen({worldSize, worldSize});
+  const Vector c1 = worldToScreen({rules::worldSize, 0});
+  const Vector c2 = worldToScreen({0, rules::worldSize});
+  const Vector c3 = worldToScreen({rules::worldSize, rules::worldSize});
   const int paleness = (world.borderWidth - 1) * 50;
   canvas.ForeColor = RGB(255, paleness, paleness);
   canvas.Line(c0.x, c0.y, c1.x, c1.y);

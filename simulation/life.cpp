@@ -5,6 +5,7 @@
 #include "core/view.h"
 #include "particles/pools.h"
 #include "protocol/powerupTable.h"
+#include "protocol/rules.h"
 #include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"
 
@@ -26,8 +27,8 @@ void clsPlayer::init(std::int16_t newColour, std::int16_t index, std::int16_t no
   kills = 0;
   alive = true;
   isConnected = true;
-  speed = 300;
-  positionReportInterval = 3;
+  speed = rules::topStep;
+  positionReportInterval = rules::framesPerReport - 1;
   powerSlotLimit = startCapacity;
   awaitingFirstPosition = true;
   for (PowerupState& powerup : powerups) {

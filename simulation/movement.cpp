@@ -7,6 +7,7 @@
 #include "core/modMain.h"
 #include "core/view.h"
 #include "network/send.h"
+#include "protocol/rules.h"
 #include "simulation/clsPlayer.h"
 #include "simulation/survival.h"
 
@@ -14,10 +15,6 @@ namespace kelvora {
 
 namespace {
 
-constexpr double brakeRate = 3;   // per frame and axis, at time scale 1
-constexpr float axisClamp = 300;  // displacement per frame
-constexpr double turboFactor = 3;
-constexpr float wallInset = 1000;
 // Quirk Q-237: pi with five decimals, which affects the third decimal of a velocity.
 constexpr double pi = 3.14159;
 constexpr std::int16_t bounceSound = 1;
@@ -89,12 +86,12 @@ void bounce(const Vector& point, float& coordinate, float& speed) {
   if (coordinate < 0) {
     soundBounce(point);
     speed = std::fabs(speed);
-    coordinate = wallInset;
+    coordinate = rules::wallInset;
   }
-  if (coordinate > modMain::worldSize) {
+  if (coordinate > rules::worldSize) {
     soundBounce(point);
     speed = -std::fabs(speed);
-    coordinate = modMain::worldSize - wallInset;
+    coordinate = rules::worldSize - rules::wallInset;
   }
 }
 
@@ -105,7 +102,7 @@ void clsPlayer::move() {
   if (breaksOn) {
     // Quirk Q-095: a player at rest under the brakes skips the rest of the frame, including the report.
     if (velocity == Vector{}) return;
-    velocity = {braked(velocity.x, brakeRate * timeScale), braked(velocity.y, brakeRate * timeScale)};
+    velocity = {braked(velocity.x, rules::brakeRate * timeScale), braked(velocity.y, rules::brakeRate * timeScale)};
   }
   lastPosition = position;
   // Quirk Q-154: a player at rest under the brakes has returned above, so nothing can hit them.
@@ -115,7 +112,7 @@ void clsPlayer::move() {
   float topSpeed = throttle() * speed;
   // Quirk Q-097: a captured player continues as a ghost, at double speed.
   if (!alive) topSpeed += topSpeed;
-  if (turbo) topSpeed = scaled(topSpeed, turboFactor);
+  if (turbo) topSpeed = scaled(topSpeed, rules::turboFactor);
 
   if (!breaksOn) {
     steer(velocity, topSpeed);
@@ -124,7 +121,8 @@ void clsPlayer::move() {
   // Quirk Q-093: the limit applies to one frame's displacement, so a slow machine's frame moves the player no farther
   // than a fast one's. Turbo is exempt.
   if (!turbo) {
-    velocity = {std::clamp(velocity.x, -axisClamp, axisClamp), std::clamp(velocity.y, -axisClamp, axisClamp)};
+    velocity = {std::clamp(velocity.x, -rules::axisClamp, rules::axisClamp),
+                std::clamp(velocity.y, -rules::axisClamp, rules::axisClamp)};
   }
 
   Vector next{position.x + velocity.x, position.y + velocity.y};

@@ -4,6 +4,7 @@
 #include "core/glide.h"
 #include "core/modMain.h"
 #include "network/send.h"
+#include "protocol/rules.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora {
@@ -18,9 +19,9 @@ void stopAtEdge(float& coordinate, float& speed) {
     speed = std::fabs(speed);
     coordinate = 0;
   }
-  if (coordinate > modMain::worldSize) {
+  if (coordinate > rules::worldSize) {
     speed = -std::fabs(speed);
-    coordinate = modMain::worldSize;
+    coordinate = rules::worldSize;
   }
 }
 

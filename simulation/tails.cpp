@@ -6,6 +6,7 @@
 #include "core/bounds.h"
 #include "core/chance.h"
 #include "core/modMain.h"
+#include "protocol/rules.h"
 #include "simulation/clsPlayer.h"
 #include "simulation/clsTail.h"
 #include "simulation/killerTails.h"
@@ -17,7 +18,7 @@ namespace {
 constexpr Tick maxStep = 32001;  // ms; a vertex that was never stepped, with a tick of 0, exceeds it too
 constexpr Tick minStep = 10;     // ms
 constexpr double stepUnit = 10;  // ms per unit of age
-constexpr int oldestAge = 200;
+constexpr int oldestAge = rules::vertexLifetime / 10;
 
 /// Serial number of a player's oldest vertex; 0 if there is no such player.
 double serialBase(std::int16_t ownerIndex) {

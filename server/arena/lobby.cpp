@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "base/wholeNumber.h"
 #include "protocol/frames.h"
+#include "protocol/rules.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {
@@ -16,7 +17,6 @@ namespace {
 constexpr const char* unreadable =
     "The login is not readable. Neither name nor password may contain a euro sign or a low quotation mark.";
 constexpr int startInset = 10'000;  // world units from every edge
-constexpr const char* colourNames[Roster::colourCount] = {"Red", "Yellow", "Green", "Cyan", "Blue", "Purple"};
 
 }  // namespace
 
@@ -96,8 +96,8 @@ void Lobby::admit(ClientId client, const Request& request, Millis now) {
                 .paidUntil = now,
                 .nextPing = now + firstPingDelay,
                 .lastReport = now};
-  output_.log(printable(player.name) + " joined as " + colourNames[player.colour] + ", node " +
-              std::to_string(player.node));
+  output_.log(printable(player.name) + " joined as " + rules::colourNames[static_cast<std::size_t>(player.colour)] +
+              ", node " + std::to_string(player.node));
   roster_.sendTo(client,
                  wire::toClient<wire::msgLoginAccepted>(player.colour, player.node, wire::NumberText{player.spot.x},
                                                         wire::NumberText{player.spot.y}));

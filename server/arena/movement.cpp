@@ -1,6 +1,7 @@
 #include "server/arena/movement.h"
 
 #include "protocol/frames.h"
+#include "protocol/rules.h"
 #include "server/arena/enclosure.h"
 #include "server/arena/plane.h"
 
@@ -10,21 +11,19 @@ namespace {
 
 constexpr Millis newStartAfter = 1'000;
 constexpr Millis maxStep = 80;  // of flight, twice the interval of reports at the design pace
-constexpr double turboFactor = 3;
-constexpr double ghostFactor = 2;
 
 bool isInWorld(double coordinate) { return coordinate >= 0 && coordinate <= worldSize; }
 
 bool isWithinReach(Player& player, double distance, double speedFactor, Millis now) {
   if (speedFactor <= 0) return true;
-  double speed = SpeedLimit::designSpeed * speedFactor;
+  double speed = rules::topSpeed * speedFactor;
   Millis step = maxStep;
   if (player.inventory.isRunning(turboSlot, now)) {
-    speed *= turboFactor;
+    speed *= rules::turboFactor;
     // A client's frame moves no further than designed, however long it takes, except under a turbo.
     step += now - player.lastReport;
   }
-  if (!player.isAlive) speed *= ghostFactor;
+  if (!player.isAlive) speed *= rules::ghostFactor;
   return distance <= speed * static_cast<double>(step) && player.speed.allows(distance, speed, now);
 }
 

@@ -2,9 +2,11 @@
 
 #include <cmath>
 
+#include "protocol/rules.h"
+
 namespace kelvora::server {
 
-inline constexpr double worldSize = 100'000;  ///< world units on both axes, starting at 0
+inline constexpr double worldSize = rules::worldSize;
 
 /// A position or displacement in world units.
 struct Point {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "protocol/rules.h"
 #include "server/arena/arenaOutput.h"
 #include "server/arena/pendingCaptures.h"
 #include "server/arena/player.h"
@@ -15,7 +16,7 @@ namespace kelvora::server {
 /// keeps colour and node until it has been carried out. Only then are the others told.
 class Roster {
  public:
-  static constexpr int colourCount = 6;
+  static constexpr int colourCount = rules::colourCount;
 
   explicit Roster(ArenaOutput& output) : output_(output) {}
 

@@ -10,8 +10,6 @@ namespace kelvora::server {
 /// world units, the sum of both axes, as the game measures speed.
 class SpeedLimit {
  public:
-  /// Full speed of a living player without turbo, at the design pace.
-  static constexpr double designSpeed = 30;  // world units per ms
   static constexpr Millis window = 1'000;
 
   /// `speed` is in world units per ms. A refused distance doesn't count.

@@ -7,6 +7,7 @@
 
 #include "base/millis.h"
 #include "base/vector.h"
+#include "protocol/rules.h"
 #include "server/arena/geometry.h"
 #include "server/arena/plane.h"
 
@@ -30,7 +31,7 @@ Spot spotOf(std::string_view x, std::string_view y, Vector read);
 class Tail {
  public:
   /// Clients expire a vertex 2.0 to 2.1 seconds after laying it.
-  static constexpr Millis vertexLife = 2'000;
+  static constexpr Millis vertexLife = rules::vertexLifetime;
   /// More than anybody lays without a permanent Extra Long Tail.
   static constexpr std::size_t maxVertices = 4'000;
 

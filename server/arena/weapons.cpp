@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "protocol/rules.h"
 #include "server/arena/ballGeometry.h"
 #include "server/arena/plane.h"
 
@@ -14,13 +15,13 @@ bool reaches(const Player& attacker, Point from, Point to, Millis now) {
   const auto vertices = attacker.tail.vertices();
   for (std::size_t i = 1; i < vertices.size(); ++i) {
     if (vertices[i].isCharged &&
-        segmentDistance(vertices[i - 1].spot.point(), vertices[i].spot.point(), from, to) <= ballRadius) {
+        segmentDistance(vertices[i - 1].spot.point(), vertices[i].spot.point(), from, to) <= rules::ballRadius) {
       return true;
     }
   }
   if (!attacker.heading || !attacker.inventory.isRunning(laserSlot, now)) return false;
   const Point start = attacker.spot.point();
-  return segmentDistance(start, worldEdge(start, *attacker.heading), from, to) <= ballRadius;
+  return segmentDistance(start, worldEdge(start, *attacker.heading), from, to) <= rules::ballRadius;
 }
 
 }  // namespace

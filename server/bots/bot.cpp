@@ -5,14 +5,13 @@
 #include <utility>
 
 #include "protocol/frames.h"
+#include "protocol/rules.h"
 
 namespace kelvora::server {
 
 namespace {
 
-constexpr int framesPerTick = 4;
 constexpr Millis askAgain = 5'000;
-constexpr Millis vertexLife = 2'000;
 
 }  // namespace
 
@@ -104,7 +103,7 @@ void Bot::awaitDoom(const Sight& sight, Millis now) {
         std::ranges::find_if(winner->tail, [&](Point point) { return length(point - doom.vertex) < 0.01; });
     if (vertex == winner->tail.end()) continue;
     const Millis age = winner->isRunning[extendedTailSlot] ? 0 : (winner->tail.end() - vertex - 1) * Sight::step;
-    doom.landsAt = now + vertexLife - age;
+    doom.landsAt = now + rules::vertexLifetime - age;
   }
   if (!std::ranges::any_of(dooms_, [&](const Doom& doom) { return now >= doom.landsAt; })) return;
   chatter_.notice(Occasion::captured, now);
@@ -130,7 +129,7 @@ void Bot::act(const BotView& view, const Say& say) {
   const Intent intent = mind_.think(view);
   if (intent.powerup) say(wire::toServer<wire::msgActivateRequest>(*intent.powerup));
   flight_->setBrakes(view.now < brakesUntil_ || intent.brakes);
-  for (int i = 0; i < framesPerTick; ++i) {
+  for (int i = 0; i < rules::framesPerReport; ++i) {
     if (flight_->step(intent.angle, intent.throttle, isAlive_, view.isRunning[turboSlot])) report(say);
   }
 }

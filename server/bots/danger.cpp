@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "protocol/rules.h"
 #include "server/bots/mind.h"
 
 namespace kelvora::server {
@@ -27,7 +28,8 @@ bool Mind::flee(const BotView& view) {
   const Seen* threat = nullptr;
   std::optional<Closing> soonest;
   Point head;
-  const Point own = towards(angle_) * (topSpeed * throttle_ * (view.isRunning[turboSlot] ? 3 : 1) * 0.75);
+  const Point own =
+      towards(angle_) * (rules::topSpeed * throttle_ * (view.isRunning[turboSlot] ? rules::turboFactor : 1) * 0.75);
   for (const Seen& other : view.others) {
     if (!other.isAlive || skill_.alertness <= 0 || length(other.position - view.position) > nearby) continue;
     const double pace = flightLength(other.velocity);
@@ -56,7 +58,8 @@ bool Mind::flee(const BotView& view) {
   isFleeing_ = true;
   double best = -std::numeric_limits<double>::max();
   double way = angle_;
-  const double step = topSpeed * throttle() * 0.75 * (view.isRunning[turboSlot] ? 3 : 1) * (soonest->ms + 80);
+  const double step =
+      rules::topSpeed * throttle() * 0.75 * (view.isRunning[turboSlot] ? rules::turboFactor : 1) * (soonest->ms + 80);
   for (int i = 0; i < directions; ++i) {
     const double angle = angle_ + i * 2 * M_PI / directions;
     const Point there = view.position + towards(angle) * step;

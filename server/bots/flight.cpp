@@ -2,15 +2,13 @@
 
 #include <algorithm>
 
+#include "protocol/rules.h"
+
 namespace kelvora::server {
 
 namespace {
 
-constexpr auto worldEnd = static_cast<float>(worldSize);
-constexpr float wallInset = 1'000;
-constexpr float axisClamp = 300;
-constexpr float brakeRate = 3;
-constexpr int framesBetweenReports = 3;
+constexpr auto brakeRate = static_cast<float>(rules::brakeRate);
 constexpr double degree = M_PI / 180;
 constexpr double steepest = 88;  // the bearing of a mouse straight to the side, on a scale of 350 to the circle
 
@@ -33,10 +31,10 @@ float braked(float component) {
 void bounce(float& coordinate, float& speed) {
   if (coordinate < 0) {
     speed = std::fabs(speed);
-    coordinate = wallInset;
-  } else if (coordinate > worldEnd) {
+    coordinate = rules::wallInset;
+  } else if (coordinate > rules::worldSize) {
     speed = -std::fabs(speed);
-    coordinate = worldEnd - wallInset;
+    coordinate = rules::worldSize - rules::wallInset;
   }
 }
 
@@ -47,15 +45,17 @@ bool Flight::step(double angle, double throttle, bool isAlive, bool hasTurbo) {
     if (velocity_ == Vector{}) return false;
     velocity_ = {braked(velocity_.x), braked(velocity_.y)};
   } else {
-    velocity_ = steered(angle, std::clamp(throttle, 0.0, 1.0) * topStep * (isAlive ? 1 : 2) * (hasTurbo ? 3 : 1));
+    velocity_ = steered(angle, std::clamp(throttle, 0.0, 1.0) * rules::topStep * (isAlive ? 1 : rules::ghostFactor) *
+                                   (hasTurbo ? rules::turboFactor : 1));
   }
   if (!hasTurbo) {
-    velocity_ = {std::clamp(velocity_.x, -axisClamp, axisClamp), std::clamp(velocity_.y, -axisClamp, axisClamp)};
+    velocity_ = {std::clamp(velocity_.x, -rules::axisClamp, rules::axisClamp),
+                 std::clamp(velocity_.y, -rules::axisClamp, rules::axisClamp)};
   }
   position_ = {position_.x + velocity_.x, position_.y + velocity_.y};
   bounce(position_.x, velocity_.x);
   bounce(position_.y, velocity_.y);
-  if (framesSinceReport_ < framesBetweenReports) {
+  if (framesSinceReport_ < rules::framesPerReport - 1) {
     ++framesSinceReport_;
     return false;
   }

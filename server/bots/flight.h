@@ -5,9 +5,6 @@
 
 namespace kelvora::server {
 
-/// World units that a player moves in a frame of 10 ms at full speed, both axes added.
-inline constexpr double topStep = 300;
-
 /// Moves a bot's ball by the clients' rules, as if steered with a mouse.
 class Flight {
  public:

@@ -8,8 +8,6 @@
 
 namespace kelvora::server {
 
-/// World units per ms at full speed, both axes added.
-inline constexpr double topSpeed = 30;
 /// Minimum lifetime of a tail in ms. Its points live a little longer.
 inline constexpr double tailLife = 1'900;
 /// Milliseconds between two points of a tail.

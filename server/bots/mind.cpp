@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "protocol/rules.h"
+
 namespace kelvora::server {
 
 namespace {
@@ -53,7 +55,7 @@ void Mind::steer(double angle, double throttle) {
 }
 
 double Mind::speed(const BotView& view) const {
-  return topSpeed * skill_.throttle * (view.isRunning[turboSlot] ? 3 : 1);
+  return rules::topSpeed * skill_.throttle * (view.isRunning[turboSlot] ? rules::turboFactor : 1);
 }
 
 }  // namespace kelvora::server

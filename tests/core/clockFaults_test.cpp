@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "protocol/powerupTable.h"
+#include "protocol/rules.h"
 #include "protocol/wireFormat.h"
 #include "tests/support/gameTest.h"
 
@@ -199,9 +200,9 @@ TEST_F(StopInPaint, AnHourMakesTheGameFastForAHundredFramesAndNothingWorse) {
     playOn(1);
     for (const clsPlayer* player : {&local(), &modMain::playerAt(0), &modMain::playerAt(1)}) {
       ASSERT_GE(player->position.x, 0) << frame;
-      ASSERT_LE(player->position.x, modMain::worldSize) << frame;
+      ASSERT_LE(player->position.x, rules::worldSize) << frame;
       ASSERT_GE(player->position.y, 0) << frame;
-      ASSERT_LE(player->position.y, modMain::worldSize) << frame;
+      ASSERT_LE(player->position.y, rules::worldSize) << frame;
     }
   }
   EXPECT_EQ(modMain::world.frameTime, 35'644) << "the long frame is the oldest of the 101";

@@ -10,6 +10,7 @@
 
 #include "base/text.h"
 #include "protocol/frameReader.h"
+#include "protocol/rules.h"
 #include "protocol/wireFormat.h"
 #include "rendering/frmGfx.h"
 #include "server/arena/arena.h"
@@ -35,8 +36,8 @@ class Pilot {
 
   void fly(int frame) {
     const float turn = phase_ + static_cast<float>(frame) * 0.004F;
-    place_.x = std::clamp(place_.x + 180 * std::cos(turn), 0.0F, modMain::worldSize);
-    place_.y = std::clamp(place_.y + 180 * std::sin(turn * (1 + phase_ / 10)), 0.0F, modMain::worldSize);
+    place_.x = std::clamp(place_.x + 180 * std::cos(turn), 0.0F, rules::worldSize);
+    place_.y = std::clamp(place_.y + 180 * std::sin(turn * (1 + phase_ / 10)), 0.0F, rules::worldSize);
   }
   std::string report() const {
     return static_cast<char>(wire::msgPositionReport) + numberText(place_.x) + wire::fieldSeparator +

@@ -5,8 +5,6 @@
 namespace kelvora::server {
 namespace {
 
-TEST(BallGeometry, TheBallIsHalfItsPictureWide) { EXPECT_EQ(ballRadius, 367.5); }
-
 TEST(BallGeometry, SegmentsThatCrossOrTouchHaveNoDistance) {
   EXPECT_EQ(segmentDistance({0, 0}, {10, 10}, {0, 10}, {10, 0}), 0);
   EXPECT_EQ(segmentDistance({0, 0}, {10, 0}, {5, 0}, {5, 10}), 0);
