@@ -1,5 +1,5 @@
-// Runs a fuzz target without a fuzzer: replays files and, with --seconds or --runs, mutates them, also with the words of
-// a --dictionary. If a run crashes, its input is left in crash-<program> in the current folder.
+// Runs a fuzz target without a fuzzer: replays files and, with --seconds or --runs, mutates them, also with the words
+// of a --dictionary. If a run crashes, its input is left in crash-<program> in the current folder.
 
 #include <unistd.h>
 
