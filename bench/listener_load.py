@@ -202,6 +202,8 @@ def main():
     arguments.add_argument("--before")
     arguments.add_argument("--seconds", type=float, default=30)
     chosen = arguments.parse_args()
+    global protocol
+    protocol = load_protocol(chosen.program)
     resource.setrlimit(resource.RLIMIT_NOFILE, (4096, max(4096, resource.getrlimit(resource.RLIMIT_NOFILE)[1])))
     programs = [("TCP", chosen.program, Player), ("WebSocket", chosen.program, WebPlayer)]
     if chosen.before:
