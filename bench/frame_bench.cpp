@@ -12,14 +12,12 @@
 #include "core/centreMessage.h"
 #include "core/modMain.h"
 #include "frontend/frmMain.h"
-#include "generated/sourceFolder.h"
 #include "particles/pools.h"
-#include "platform/headless/headlessBackend.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"
-#include "rendering/frmGfx.h"
 #include "rendering/paintFrame.h"
 #include "simulation/clsPlayer.h"
+#include "tools/headless/headlessClient.h"
 
 // Records the drawing calls of a whole frame, then repeats them with the game's surface and the desktop's painter, both
 // in memory. Also measures the game's whole frame, which includes ageing, tests and building texts.
@@ -32,17 +30,14 @@ using namespace kelvora::bench;
 enum class Texts { None, Full };
 
 /// A world without a screen.
-class Scene {
+class Scene : private HeadlessClient {
  public:
   Scene(bool heavy, Texts texts) {
-    machine.path = KELVORA_SOURCE_DIR;
-    installBackend(&machine);
     if (texts == Texts::Full) {
       Surface::setGlyphSource(&glyphs);
     } else {
       Surface::setGlyphSource(nullptr);  // prints nothing
     }
-    modMain::world = {};
     machine.generator.randomize(1);
     clsPlayer& local = modMain::world.localPlayer;
     local.position = {50000, 50000};
@@ -53,13 +48,7 @@ class Scene {
     if (texts == Texts::Full) write();
     paint();
   }
-  ~Scene() {
-    frmMain.unload();
-    frmGfx.unload();
-    releaseUnloadedForms();
-    Surface::setGlyphSource(nullptr);
-    installBackend(nullptr);
-  }
+  ~Scene() { Surface::setGlyphSource(nullptr); }
 
   /// One frame. The clock stands still, but every tail gets its ageing pass.
   void paint() {
@@ -123,7 +112,6 @@ class Scene {
     messageAge = 0;
   }
 
-  HeadlessBackend machine;
   QtGlyphSource glyphs;
   std::int16_t messageAge = 251;
 };

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "tests/match/longPlay.h"
+#include "tools/headless/longPlay.h"
 
 int main(int argc, char** argv) {
   using kelvora::LongPlay;

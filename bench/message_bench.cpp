@@ -2,14 +2,10 @@
 #include <string>
 
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
-#include "generated/sourceFolder.h"
 #include "network/receive.h"
-#include "network/session.h"
-#include "platform/headless/headlessBackend.h"
 #include "protocol/frames.h"
-#include "rendering/frmGfx.h"
 #include "simulation/clsPlayer.h"
+#include "tools/headless/headlessClient.h"
 
 // One large read of position messages, from bytes to the opponent's queue. The time per message should not depend on
 // their number.
@@ -19,11 +15,7 @@ namespace {
 using namespace kelvora;
 
 void positions(benchmark::State& state) {
-  HeadlessBackend machine;
-  machine.path = KELVORA_SOURCE_DIR;
-  installBackend(&machine);
-  modMain::world = {};
-  netMan::clear();
+  const HeadlessClient client;
   modMain::world.opponents.emplace_back();
   modMain::world.opponentCount = 1;
   clsPlayer& opponent = modMain::world.opponents.front();
@@ -41,12 +33,6 @@ void positions(benchmark::State& state) {
     if (opponent.positionQueue.size() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("lost some");
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));
-  modMain::world = {};
-  netMan::clear();
-  frmMain.unload();
-  frmGfx.unload();
-  releaseUnloadedForms();
-  installBackend(nullptr);
 }
 BENCHMARK(positions)->RangeMultiplier(10)->Range(100, 100'000)->Unit(benchmark::kMillisecond);
 

@@ -5,11 +5,8 @@
 
 #include "bench/turns.h"
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
-#include "generated/sourceFolder.h"
-#include "platform/headless/headlessBackend.h"
-#include "rendering/frmGfx.h"
 #include "simulation/clsPlayer.h"
+#include "tools/headless/headlessClient.h"
 
 // The cost of a very long tail: an Extra Long Tail, or a server that sends many positions at once. Argument 0:
 // vertices. Every figure is the median of a single frame or search, so that a pause would show.
@@ -20,12 +17,9 @@ using namespace kelvora;
 using kelvora::bench::Turns;
 
 /// An opponent far off screen with a tail of that many vertices, all at different positions.
-class LongTail {
+class LongTail : public HeadlessClient {
  public:
   explicit LongTail(std::int64_t vertices) {
-    machine.path = KELVORA_SOURCE_DIR;
-    installBackend(&machine);
-    modMain::world = {};
     machine.generator.randomize(1);
     modMain::world.localPlayer.position = {90000, 90000};
     clsPlayer& player = modMain::world.opponents.emplace_back();
@@ -35,15 +29,6 @@ class LongTail {
     lay(vertices);
     player.lastAgeTick = machine.ticks - 1;
   }
-  LongTail(const LongTail&) = delete;
-  LongTail& operator=(const LongTail&) = delete;
-  ~LongTail() {
-    modMain::world = {};
-    frmMain.unload();
-    frmGfx.unload();
-    releaseUnloadedForms();
-    installBackend(nullptr);
-  }
 
   void lay(std::int64_t vertices) {
     for (std::int64_t i = 0; i < vertices; ++i) owner().addTail(place(i));
@@ -52,8 +37,6 @@ class LongTail {
     return {static_cast<float>(i % 300) * 100, static_cast<float>(std::floor(static_cast<double>(i) / 300)) * 10};
   }
   static clsPlayer& owner() { return modMain::world.opponents.front(); }
-
-  HeadlessBackend machine;
 };
 
 void reportMilliseconds(benchmark::State& state, const Turns& turns) {

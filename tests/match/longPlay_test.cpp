@@ -1,6 +1,8 @@
 // A short form of bench/long_run.cpp, which plays for hours.
 
-#include "tests/match/longPlay.h"
+#include "tools/headless/longPlay.h"
+
+#include <gtest/gtest.h>
 
 namespace kelvora {
 namespace {

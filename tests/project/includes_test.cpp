@@ -116,6 +116,17 @@ TEST(Includes, AreRootedAtTheSourceFolder) {
   }
 }
 
+TEST(Includes, BenchesAndToolsDoNotUseTests) {
+  for (const auto& file : sources()) {
+    if (!tree::startsWith(file.path, "bench/") && !tree::startsWith(file.path, "tools/")) continue;
+    EXPECT_TRUE(includes(file, R"re("(tests/[^"\n]+)")re").empty()) << file.path;
+  }
+  for (const auto& file : tree::files({".py", ".txt"})) {
+    if (!tree::startsWith(file.path, "bench/") && !tree::startsWith(file.path, "tools/")) continue;
+    EXPECT_FALSE(std::regex_search(file.text, std::regex(R"re(["/]tests["/])re"))) << file.path;
+  }
+}
+
 TEST(Includes, OnlyPlatformQtIncludesQt) {
   for (const auto& file : sources()) {
     bool mayUseToolkit = false;

@@ -1,53 +1,10 @@
 #include "tests/support/gameTest.h"
 
-#include "audio/frmMusic.h"
-#include "audio/frmSound.h"
-#include "audio/soundMan.h"
-#include "frontend/fontMan.h"
-#include "frontend/frmConnect.h"
-#include "frontend/frmFonts.h"
-#include "frontend/frmGameFind.h"
-#include "frontend/updateCheck.h"
-#include "generated/sourceFolder.h"
-#include "rendering/frmGfx.h"
-#include "store/frmPowerups.h"
-
 namespace kelvora {
 
 namespace {
 
-void unloadForms() {
-  frmMusic.unload();
-  frmSound.unload();
-  frmGameFind.unload();
-  frmConnect.unload();
-  frmFonts.unload();
-  frmPowerups.unload();
-  frmMain.unload();
-  frmGfx.unload();
-  releaseUnloadedForms();
-}
-
 }  // namespace
-
-GameTest::GameTest() {
-  machine.pictureSource = testPicture;
-  machine.path = KELVORA_SOURCE_DIR;
-  installBackend(&machine);
-  modMain::world = {};
-  netMan::clear();
-  updateCheck::clear();
-  soundMan::clear();
-  modMain::fillColourNames();
-  modMain::fillTips();
-  fontMan::initFonts();
-  machine.journal.clear();
-}
-
-GameTest::~GameTest() {
-  unloadForms();
-  installBackend(nullptr);
-}
 
 void GameTest::connect(const std::string& name, std::int16_t colour) {
   netMan::connectToServer(name, "127.0.0.1", 2010, "", colour);

@@ -23,7 +23,6 @@
 #include "network/send.h"
 #include "network/session.h"
 #include "particles/pools.h"
-#include "platform/headless/headlessBackend.h"
 #include "protocol/messages.h"
 #include "rendering/paintFrame.h"
 #include "rendering/pointer.h"
@@ -32,18 +31,17 @@
 #include "simulation/survival.h"
 #include "store/store.h"
 #include "tests/support/wireMessage.h"
+#include "tools/headless/headlessClient.h"
 
 namespace kelvora {
 
-/// A whole headless client. No form is loaded, the world is empty, names and tips are filled in, fonts have their
-/// defaults, and the tick count is 1000000. Timers run, and the focus is recorded, only on forms that have been shown.
-class GameTest : public testing::Test {
- protected:
-  GameTest();
-  ~GameTest() override;
+/// The program's own pictures. Each file is read once for all tests.
+PicturePointer testPicture(const std::string& path);
 
-  /// The far end of the game's socket. Loads frmMain.
-  HeadlessSocket& server() { return machine.socketOf(frmMain->sock); }
+/// A whole headless client. Timers run, and the focus is recorded, only on forms that have been shown.
+class GameTest : public testing::Test, protected HeadlessClient {
+ protected:
+  GameTest() { machine.pictureSource = testPicture; }
 
   /// Connects the socket, and the client sends its login. Afterwards the state is 7, and the local player is not
   /// connected yet. sentFrames() has what was sent.
@@ -67,11 +65,6 @@ class GameTest : public testing::Test {
   /// All messages sent so far on the game's socket.
   std::vector<WireMessage> sentFrames() { return parseFrames(server().sent); }
   void forgetSent() { server().sent.clear(); }
-
-  HeadlessBackend machine;
 };
-
-/// The program's own pictures. Each file is read once for all tests.
-PicturePointer testPicture(const std::string& path);
 
 }  // namespace kelvora

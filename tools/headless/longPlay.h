@@ -14,7 +14,7 @@
 #include "server/bots/bot.h"
 #include "server/bots/botKeeper.h"
 #include "server/bots/sight.h"
-#include "tests/support/gameTest.h"
+#include "tools/headless/headlessClient.h"
 
 namespace kelvora {
 
@@ -23,7 +23,7 @@ namespace kelvora {
 /// chats, resizes the window. Every half hour it leaves, is refused for a wrong password, and comes back. Another
 /// player comes and goes. Messages that the arena never sends (velocities, refused spawns, network particles) are
 /// injected.
-class LongPlay : public GameTest, private server::ArenaOutput {
+class LongPlay : private HeadlessClient, private server::ArenaOutput {
  public:
   static constexpr int framesPerSecond = 100;
   static constexpr int framesPerMinute = 60 * framesPerSecond;
@@ -53,7 +53,6 @@ class LongPlay : public GameTest, private server::ArenaOutput {
   int boxes = 0;                ///< message boxes opened
 
  private:
-  void TestBody() override {}
   void onPass();
   void playFrame();
   void act();

@@ -1,4 +1,4 @@
-#include "tests/match/longPlay.h"
+#include "tools/headless/longPlay.h"
 
 #include <malloc.h>
 #include <unistd.h>
@@ -8,11 +8,16 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
-#include "base/text.h"
+#include "core/mainLoop.h"
+#include "core/modMain.h"
+#include "core/startUp.h"
+#include "core/view.h"
 #include "frontend/frmConnect.h"
+#include "protocol/frames.h"
 #include "protocol/wireFormat.h"
 #include "server/config/options.h"
 #include "store/frmPowerups.h"
@@ -207,7 +212,7 @@ void LongPlay::relay() {
     // The arena treats a velocity report like any unknown message.
     arena_.received(ourClient_, text, now());
   });
-  if (!isSound) ADD_FAILURE() << "the client sends what is no frame";
+  if (!isSound) throw std::logic_error("the client sends what is no frame");
   underWay_.push_back(std::exchange(toUs_, {}));
   if (underWay_.size() <= latency) return;
   const std::string arrived = std::move(underWay_.front());
@@ -252,21 +257,21 @@ void LongPlay::visit() {
 // Messages that a server may send and the arena doesn't.
 void LongPlay::inject() {
   if (modMain::world.opponentCount == 0) return;
-  const std::string node = std::to_string(modMain::world.opponents.back().serverNode);
-  if (every(10 * second, 1)) toUs_ += frameOf(wire::msgVelocity, {node, "100", "-50"});
-  if (every(2 * minute, 90 * second)) toUs_ += frameOf(wire::msgSpawnDenied, {"Not now."});
-  if (every(minute, 4)) toUs_ += frameOf(wire::msgPowerupOff, {node, "0"});
-  if (every(10 * second, 2)) toUs_ += frameOf(wire::msgAliveState, {node, "1"});
-  if (every(10 * second, 3)) toUs_ += frameOf(wire::msgLatencyReport, {"30"});
+  const std::int16_t node = modMain::world.opponents.back().serverNode;
+  if (every(10 * second, 1)) toUs_ += wire::toClient<wire::msgVelocity>(node, 100.0F, -50.0F);
+  if (every(2 * minute, 90 * second)) toUs_ += wire::toClient<wire::msgSpawnDenied>();
+  if (every(minute, 4)) toUs_ += wire::toClient<wire::msgPowerupOff>(node, 0);
+  if (every(10 * second, 2)) toUs_ += wire::toClient<wire::msgAliveState>(node, 1);
+  if (every(10 * second, 3)) toUs_ += wire::toClient<wire::msgLatencyReport>(30);
   const std::string particle = "n" + std::to_string(frame_ / (4 * minute));
   if (every(4 * minute, 2 * minute)) {
-    toUs_ += frameOf(wire::msgParticleAdd, {particle, "1", "50000", "50000", "10", "10"});
+    toUs_ += wire::toClient<wire::msgParticleAdd>(particle, 1, 50'000.0F, 50'000.0F, 10.0F, 10.0F);
   }
   if (frame_ % (4 * minute) > 2 * minute && every(second)) {
-    const std::string place = std::to_string(50'000 + frame_ % (4 * minute));
-    toUs_ += frameOf(wire::msgParticleMove, {particle, place, place});
+    const auto place = static_cast<float>(50'000 + frame_ % (4 * minute));
+    toUs_ += wire::toClient<wire::msgParticleMove>(particle, place, place);
   }
-  if (every(4 * minute, 4 * minute - 1)) toUs_ += frameOf(wire::msgParticleRemove, {particle});
+  if (every(4 * minute, 4 * minute - 1)) toUs_ += wire::toClient<wire::msgParticleRemove>(particle);
 }
 
 void LongPlay::send(server::ClientId client, const std::string& frame) {
@@ -275,9 +280,10 @@ void LongPlay::send(server::ClientId client, const std::string& frame) {
     if (visitor_ && client == visitorClient_) visitor_->hear(frame, now());
     return;
   }
-  const int id = messageOf(frame).id;
-  if (id == wire::msgTailCapture) ++captures_;
-  if (id == wire::msgRoundOver) ++rounds_;
+  if (const auto message = wire::open(wire::textOf(frame))) {
+    if (message->id == wire::msgTailCapture) ++captures_;
+    if (message->id == wire::msgRoundOver) ++rounds_;
+  }
   toUs_ += frame;
 }
 
