@@ -22,7 +22,7 @@ constexpr std::array<const char*, soundCount> soundFiles = {
     "puChargedTail.wav", "puLongTail.wav", "puLaser.wav", "puMissile.wav",
 };
 
-bool isSlot(std::int16_t slot) { return 0 <= slot && slot < soundCount; }
+bool isSlot(int slot) { return 0 <= slot && slot < soundCount; }
 
 std::string soundFolder() { return applicationPath() + "/sounds/"; }
 
@@ -77,14 +77,16 @@ void reloadSounds() {
   initAudio();
 }
 
-void playSound(std::int16_t slot) {
+void playSound(Sound sound) {
+  const auto slot = static_cast<std::int16_t>(sound);
   if (!frmMain->mnuAudioSfx.Checked || isOnCommandLine("nosound") || !isSlot(slot)) return;
   resumeNext([slot] { frmSound->mm(slot).Silent(false); });
   command(slot, "prev");
   command(slot, "play");
 }
 
-void stopSound(std::int16_t slot) {
+void stopSound(Sound sound) {
+  const auto slot = static_cast<std::int16_t>(sound);
   if (!isSlot(slot)) return;
   resumeNext([slot] { frmSound->mm(slot).Silent(true); });
   command(slot, "prev");

@@ -9,8 +9,11 @@ namespace kelvora {
 /// Nine sound effects and the rotation of the music. Failures in audio are always silent.
 namespace soundMan {
 
+/// The effects by slot. Those of the powerups are in the powerups' order.
+enum class Sound : std::int16_t { Capture, Bounce, Error, Shield, Turbo, ChargedTail, LongTail, Laser, Missile };
 inline constexpr std::int16_t soundCount = 9;
-inline constexpr std::int16_t lastTrack = 5;  ///< last track of the rotation, which begins at 1; 0 is the store's
+inline constexpr std::int16_t storeTrack = 0;
+inline constexpr std::int16_t lastTrack = 5;  ///< last track of the rotation, which begins at 1
 
 extern std::array<std::string, lastTrack + 1> musicFiles;  ///< paths by track; empty before initAudio
 extern std::int16_t currentMusic;                          ///< the rotation's track started last, 1 to 5
@@ -22,10 +25,10 @@ void clear();
 void initAudio();
 /// Closes the effects' devices except for the first, then opens whatever isn't open.
 void reloadSounds();
-/// Plays an effect, 0 to 8, from the start, unless effects are switched off. Other numbers do nothing.
-void playSound(std::int16_t slot);
-/// Stops an effect. Other numbers than 0 to 8 do nothing.
-void stopSound(std::int16_t slot);
+/// Plays an effect from the start, unless effects are switched off. Numbers outside the enum do nothing.
+void playSound(Sound sound);
+/// Stops an effect. Numbers outside the enum do nothing.
+void stopSound(Sound sound);
 
 /// Loads the player and draws the rotation's start, unless music is switched off.
 void startMusic();

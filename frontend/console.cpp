@@ -16,15 +16,16 @@ namespace {
 constexpr std::size_t maxLineLength = 90;  // characters
 constexpr std::size_t minSplit = 80;       // characters, including the blank
 
-void pushLine(std::string text, std::int16_t lineType) {
+void pushLine(std::string text, LineType lineType) {
   auto& lines = modMain::world.chatLines;
   std::move_backward(lines.begin(), lines.end() - 1, lines.end());
-  lines.front() = {std::move(text), fontMan::getFontColour(lineType), fontMan::getFontSize(lineType)};
+  const auto purpose = static_cast<std::int16_t>(lineType);
+  lines.front() = {std::move(text), fontMan::getFontColour(purpose), fontMan::getFontSize(purpose)};
 }
 
 }  // namespace
 
-void printChat(const std::string& text, std::int16_t lineType) {
+void printChat(const std::string& text, LineType lineType) {
   const std::string trimmed = trimBlanks(text);
   std::string_view rest = trimmed;
   std::string_view mark;

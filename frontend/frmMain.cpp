@@ -21,7 +21,7 @@ constexpr const char* stateNames[] = {"Closed",    "Open",     "Listening",  "Co
                                       "Resolving", "Resolved", "Connecting", "Connected",
                                       "Closing",   "Error"};
 
-Colour stateColour(int state) {
+Colour stateColour(SocketState state) {
   switch (state) {
     case sckConnected:
       return RGB(128, 255, 128);
@@ -125,7 +125,7 @@ void FrmMain::openConnectDialog() {
 }
 
 void FrmMain::showConnectionState() {
-  const int state = sock.State();
+  const SocketState state = sock.State();
   lblNetStatus.Caption = stateNames[state];
   lblNetStatus.BackColor = stateColour(state);
 }

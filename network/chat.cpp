@@ -13,7 +13,7 @@
 
 namespace kelvora::netMan {
 
-std::uint8_t chatMode = 0;
+ChatMode chatMode = ChatMode::Public;
 std::int16_t privateTargetIndex = 0;
 std::string privateTargetName;
 
@@ -35,7 +35,7 @@ void sendChat(const std::string& text) {
   // Quirk Q-076: a line is sent even if the filter leaves nothing of it.
   std::string line = filterChatText(text);
   std::int16_t target = -1;
-  if (chatMode == 1) {
+  if (chatMode == ChatMode::Private) {
     // Quirk Q-077: for a departed partner this is node 0.
     target = modMain::getServerNode(privateTargetIndex);
     line = privatePrefix + line;
@@ -46,16 +46,16 @@ void sendChat(const std::string& text) {
 void receiveChat(std::int16_t node, const std::string& text) {
   const std::int16_t index = modMain::getPlayerIndex(node);
   const std::string name = modMain::getPlayerName(index);
-  std::int16_t lineType = 0;
+  LineType lineType = LineType::PublicChat;
   if (lowerCase(text.substr(0, privatePrefix.size())) == privatePrefix) {
     if (index == -1) {
-      lineType = 1;
+      lineType = LineType::PrivateSent;
     } else {
       // Quirk Q-078: a private message makes its sender the partner, so the next line typed goes to them alone.
       privateTargetIndex = index;
       privateTargetName = name;
-      setChatMode(1);
-      lineType = 2;
+      setChatMode(ChatMode::Private);
+      lineType = LineType::PrivateReceived;
     }
   }
   printChat("[" + name + "] " + text, lineType);
@@ -67,27 +67,27 @@ std::string filterChatText(const std::string& text) {
   return kept;
 }
 
-void setChatMode(std::uint8_t mode) {
+void setChatMode(ChatMode mode) {
   Label& label = frmMain->lblPrivChat;
-  if (mode != 1) {
-    chatMode = 0;
+  if (mode != ChatMode::Private) {
+    chatMode = ChatMode::Public;
     label.Caption = "Public Chat";
     label.BackColor = white;
   } else if (!privateTargetName.empty()) {
-    chatMode = 1;
+    chatMode = ChatMode::Private;
     label.Caption = privateTargetName;
     label.BackColor = privateBack;
   }
 }
 
-std::uint8_t getChatMode() { return chatMode; }
+ChatMode getChatMode() { return chatMode; }
 
 void selectPrivateTarget(const std::string& name) {
   privateTargetName = name;
   // Quirk Q-079: a name that no opponent has, even your own, is shown as the partner, but lines go to the first
   // opponent.
   privateTargetIndex = indexFromName(name);
-  setChatMode(1);
+  setChatMode(ChatMode::Private);
 }
 
 void stepChatHistory(std::int16_t direction) {
@@ -134,7 +134,7 @@ void privateLabelMouseDown(int Button) {
 // Quirk Q-265: only the left button presses the label, but releasing any button changes the mode.
 void privateLabelMouseUp() {
   frmMain->lblPrivChat.BorderStyle = 0;
-  setChatMode(chatMode != 0 ? 0 : 1);
+  setChatMode(chatMode == ChatMode::Public ? ChatMode::Private : ChatMode::Public);
 }
 
 void nameMouseDown(std::int16_t index) { frmMain->lbUserName[index].BorderStyle = 1; }

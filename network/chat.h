@@ -6,16 +6,18 @@
 /// Chat: lines for all or for one partner, their history, and the console commands.
 namespace kelvora::netMan {
 
-extern std::uint8_t chatMode;            ///< 0 public, 1 private
+enum class ChatMode : std::uint8_t { Public, Private };
+
+extern ChatMode chatMode;
 extern std::int16_t privateTargetIndex;  ///< playerIndex of the partner
 extern std::string privateTargetName;    ///< empty until a partner is chosen
 /// Handles a line from txtChat: a console command after a tilde, otherwise a chat line for the server.
 void sendChat(const std::string& text);
 /// Keeps only characters 32 to 127.
 std::string filterChatText(const std::string& text);
-/// 1 starts private chat if a partner is set. Anything else is public chat.
-void setChatMode(std::uint8_t mode);
-std::uint8_t getChatMode();
+/// Private starts private chat if a partner is set. Anything else is public chat.
+void setChatMode(ChatMode mode);
+ChatMode getChatMode();
 /// Selects the partner by name and starts private chat.
 void selectPrivateTarget(const std::string& name);
 /// Steps through the typed lines: -1 back, 1 forward. 0 stores the line of txtChat.

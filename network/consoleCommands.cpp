@@ -31,7 +31,7 @@ void listVerbs(const Pieces&) {
 std::int16_t numberArgument(const Pieces& pieces) { return toInt16(readNumber(argument(pieces))); }
 
 void quarkType(const Pieces& pieces) {
-  const std::uint8_t type = toByte(readNumber(argument(pieces)));
+  const ParticleType type{toByte(readNumber(argument(pieces)))};
   for (double i = 0; i < modMain::world.particleCount; ++i) {
     clsParticle& particle = modMain::world.particles[static_cast<std::size_t>(i)];
     const Vector point = particle.getPosition();
@@ -48,7 +48,7 @@ struct Verb {
 
 constexpr Verb verbs[] = {
     {"?", listVerbs},
-    {"playsound", [](const Pieces& pieces) { soundMan::playSound(numberArgument(pieces)); }},
+    {"playsound", [](const Pieces& pieces) { soundMan::playSound(soundMan::Sound{numberArgument(pieces)}); }},
     {"reloadsounds", [](const Pieces&) { soundMan::reloadSounds(); }},
     {"showmusic", [](const Pieces&) { frmMusic->Show(); }},
     {"hidemusic", [](const Pieces&) { frmMusic->Hide(); }},

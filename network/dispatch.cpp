@@ -66,15 +66,14 @@ void sellAccepted(std::int16_t item, std::int16_t stock, double funds) {
 
 void spawnDenied() { MsgBox("Respawn request denied from server"); }
 
-void serverText(const std::string& text) { printChat(text, 3); }
+void serverText(const std::string& text) { printChat(text, LineType::ServerMessage); }
 
 void storeDenied(Fields f) {
   // Quirk Q-274: a refusal that arrives after the window has closed is lost. A purchase still prints its line in the
   // console.
   if (!frmPowerups.isVisible()) return;
   resumeNext([&] { frmPowerups->lblWinners.Caption = f.text(0); });
-  constexpr std::int16_t errorSound = 2;
-  soundMan::playSound(errorSound);
+  soundMan::playSound(soundMan::Sound::Error);
 }
 
 /// Reads the fields as the table of messages types them and calls the handler with them.

@@ -54,7 +54,7 @@ void clear() {
   playerName.clear();
   serverPassword.clear();
   preferredColour = 0;
-  chatMode = 0;
+  chatMode = ChatMode::Public;
   privateTargetIndex = 0;
   privateTargetName.clear();
   messageQueue = MessageQueue{};
@@ -94,7 +94,7 @@ void sendLogin() { sendMessage<wire::msgLogin>(playerName, serverPassword, prefe
 void requestSpawn() {
   sendMessage<wire::msgSpawnRequest>();
   // Quirk Q-070: the line is printed also when there is no server to ask.
-  printChat("Requesting spawn permission from the server...", 5);
+  printChat("Requesting spawn permission from the server...", LineType::Plain);
 }
 
 void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y) {
@@ -105,7 +105,7 @@ void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::str
   world.localPlayer.isConnected = true;
   // Quirk Q-072: a colour without a name ends the login here. The next frame, without a sheet for the ball, ends the
   // program.
-  printChat("Login accepted, " + name + " you are assigned the color " + colourName(colour), 3);
+  printChat("Login accepted, " + name + " you are assigned the color " + colourName(colour), LineType::ServerMessage);
   modMain::showCentreMessage("Capture your opponents in a loop of your tail");
   for (int i = 0; i <= frmMain->lbUserName.UBound; ++i) {
     Label& label = frmMain->lbUserName[i];
@@ -128,7 +128,7 @@ void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::stri
   // Quirk Q-073: a newcomer always gets a new slot. Those of departed players are never reused.
   world.opponentCount = toInt16(world.opponentCount + 1.0);
   if (hasPlayerRow(colour)) frmMain->lbUserName[colour].Caption = name;
-  printChat("The player " + name + " has joined as " + colourName(colour), 3);
+  printChat("The player " + name + " has joined as " + colourName(colour), LineType::ServerMessage);
 }
 
 void receivePlayerLeft(std::int16_t node) {
@@ -136,7 +136,7 @@ void receivePlayerLeft(std::int16_t node) {
   const std::int16_t index = modMain::getPlayerIndex(node);
   if (index < 0 || index >= world.opponentCount) return;
   clsPlayer& player = modMain::playerAt(index);
-  printChat(player.name + " has disconnected.", 3);
+  printChat(player.name + " has disconnected.", LineType::ServerMessage);
   letGo(player);
   if (!hasPlayerRow(player.colour)) return;
   frmMain->lbUserName[player.colour].Caption = "";
@@ -151,7 +151,7 @@ void receiveRoundOver(const std::string& text) {
   world.localPlayer.setAlive(false);
   for (std::int16_t i = 0; i < world.opponentCount; ++i) modMain::playerAt(i).setAlive(false);
   modMain::world.roundMessage = text;
-  printChat(text, 3);
+  printChat(text, LineType::ServerMessage);
   frmMain->setButtonsState(true);
 }
 

@@ -39,18 +39,18 @@ void clsParticle::initNormal(double number, const std::string& newId, std::int16
   kind = toByte(newKind);
   position = {x, y};
   velocity = {dx, dy};
-  type = static_cast<std::uint8_t>(ParticleType::Network);
+  type = ParticleType::Network;
   spawned = true;
   hasPosition = false;
   positionQueue.clear();
 }
 
-void clsParticle::init(double number, std::uint8_t newType, float x, float y, std::int16_t a, std::int16_t b) {
+void clsParticle::init(double number, ParticleType newType, float x, float y, std::int16_t a, std::int16_t b) {
   num_ = number;
   type = newType;
-  const bool isBackground = type == static_cast<std::uint8_t>(ParticleType::Background);
-  const bool isExplosion = type == static_cast<std::uint8_t>(ParticleType::Explosion);
-  const bool isReserved = type == static_cast<std::uint8_t>(ParticleType::Reserved);
+  const bool isBackground = type == ParticleType::Background;
+  const bool isExplosion = type == ParticleType::Explosion;
+  const bool isReserved = type == ParticleType::Reserved;
   if (isBackground) {
     red = static_cast<std::uint8_t>(drawBelow(255));
     green = static_cast<std::uint8_t>(drawBelow(255));
@@ -93,13 +93,13 @@ void clsParticle::chooseVelocity() {
   };
   velocity.x = component();
   velocity.y = component();
-  if (type != static_cast<std::uint8_t>(ParticleType::Explosion)) return;
+  if (type != ParticleType::Explosion) return;
   if (std::fabs(velocity.x) < slowestBlast) velocity.x *= blastFactor;
   if (std::fabs(velocity.y) < slowestBlast) velocity.y *= blastFactor;
 }
 
 void clsParticle::wrap() {
-  if (type != static_cast<std::uint8_t>(ParticleType::Background)) return;
+  if (type != ParticleType::Background) return;
   const Vector centre = modMain::getLocalPosition();
   if (std::fabs(centre.x - position.x) > fieldWidth) {
     const float far = fieldWidth - wrapInset;

@@ -22,7 +22,7 @@ class clsParticle {
   void initNormal(double number, const std::string& id, std::int16_t kind, float x, float y, float dx, float dy);
   /// Initialises one of the client's own particles and draws its random properties. Background particles choose their
   /// own position, others get (x, y). `a` and `b` are for the reserved type.
-  void init(double number, std::uint8_t type, float x, float y, std::int16_t a = 0, std::int16_t b = 0);
+  void init(double number, ParticleType type, float x, float y, std::int16_t a = 0, std::int16_t b = 0);
   /// Draws a position around the local player, within the canvas's size on each side.
   void choosePosition();
   /// Draws a velocity of up to `maxSpeed` per component. Slow components of explosions are sped up.
@@ -44,8 +44,8 @@ class clsParticle {
   Vector getScreenPosition() const;
   const Vector& getPosition() const { return position; }
 
-  double num_ = 0;        ///< its index in its pool; counts from 1 for network particles
-  std::uint8_t type = 0;  ///< a ParticleType, or another number from the console, which is not painted
+  double num_ = 0;                               ///< its index in its pool; counts from 1 for network particles
+  ParticleType type = ParticleType::Background;  ///< may be another number from the console, which is not painted
   Vector position;
   std::uint8_t kind = 0;  ///< cell of the sheet of balls, 0 to 9
   float fieldWidth = 0;   ///< canvas size when the position was chosen, canvas units

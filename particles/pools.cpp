@@ -28,14 +28,13 @@ void createParticleField() {
   world.particleCount = fieldSize;
   world.particles.assign(fieldSize + 1, {});  // one slot more than is used
   for (std::size_t i = 0; i < fieldSize; ++i) {
-    world.particles[i].init(static_cast<double>(i), static_cast<std::uint8_t>(ParticleType::Background), 0, 0);
+    world.particles[i].init(static_cast<double>(i), ParticleType::Background, 0, 0);
   }
 }
 
 void addExplosion(Vector point, std::int16_t count) {
   for (int i = 0; i < count && world.explosionParticles.size() < maxExplosionParticles; ++i) {
-    world.explosionParticles.emplace_back().init(world.explosionCount,
-                                                 static_cast<std::uint8_t>(ParticleType::Explosion), point.x, point.y);
+    world.explosionParticles.emplace_back().init(world.explosionCount, ParticleType::Explosion, point.x, point.y);
     world.explosionCount += 1;
   }
 }

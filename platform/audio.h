@@ -31,7 +31,7 @@ class MusicPeer {
   /// Plays the file instead of the current track. If it is missing or unplayable, the state becomes psStopped.
   virtual void play(const std::string& file) = 0;
   virtual void stop() = 0;
-  virtual int playState() const = 0;
+  virtual PlayState playState() const = 0;
 };
 
 /// One wave file on its own device. It mixes with all others and always plays from the start.
@@ -66,8 +66,8 @@ class MusicPlayer : public Label {
 
   /// Plays the file. An empty name stops the music.
   void URL(const std::string& file);
-  /// A PlayState: psReady before the first file, psStopped after a file's end.
-  int playState() const { return peer_->playState(); }
+  /// psReady before the first file, psStopped after a file's end.
+  PlayState playState() const { return peer_->playState(); }
 
  private:
   std::unique_ptr<MusicPeer> peer_;

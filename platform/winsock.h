@@ -28,7 +28,7 @@ enum SocketState : int {
 class SocketPeer {
  public:
   virtual ~SocketPeer() = default;
-  virtual int state() const = 0;
+  virtual SocketState state() const = 0;
   virtual void connect(const std::string& host, int port) = 0;
   virtual void close() = 0;
   virtual void send(std::string_view data) = 0;
@@ -36,8 +36,8 @@ class SocketPeer {
   virtual std::string take() = 0;
 };
 
-/// A TCP connection for the game. Its events run only inside DoEvents or while a box is open. An error sets state 9 and
-/// raises no event. Close discards unsent and unread bytes.
+/// A TCP connection for the game. Its events run only inside DoEvents or while a box is open. An error sets sckError
+/// and raises no event. Close discards unsent and unread bytes.
 class Winsock {
  public:
   Winsock();
@@ -47,8 +47,7 @@ class Winsock {
   std::string RemoteHost;
   std::int32_t RemotePort = 0;  ///< 1 to 65535
 
-  /// A SocketState.
-  int State() const { return peer_->state(); }
+  SocketState State() const { return peer_->state(); }
   /// Starts connecting. RuntimeFault unless the socket is closed.
   void Connect();
   /// Closes the connection, if any. Raises no event.

@@ -35,10 +35,10 @@ bool modMain::isStarsMode() { return frmMain->mnuQuarkStars.Checked; }
 Vector clsParticle::getScreenPosition() const { return modMain::worldToScreen(position); }
 
 void clsParticle::paintSelf() {
-  if (type == static_cast<std::uint8_t>(ParticleType::Explosion) && isWaiting()) return;
+  if (type == ParticleType::Explosion && isWaiting()) return;
   PictureBox& canvas = frmMain->canvas;
   Vector place = getScreenPosition();
-  const bool isBackground = type == static_cast<std::uint8_t>(ParticleType::Background);
+  const bool isBackground = type == ParticleType::Background;
   if (isBackground) {
     if (position.x < 0 || position.x > rules::worldSize || position.y < 0 || position.y > rules::worldSize) return;
     place = {pulled(place.x, canvas.Width, depth), pulled(place.y, canvas.Height, depth)};
@@ -46,9 +46,9 @@ void clsParticle::paintSelf() {
   if (place.y < 0 || place.y > canvas.Height || place.x < 0 || place.x > canvas.Width) return;
   if (isBackground) {
     paintBackground(place);
-  } else if (type == static_cast<std::uint8_t>(ParticleType::Network)) {
+  } else if (type == ParticleType::Network) {
     paintSpriteAt(place, false);
-  } else if (type == static_cast<std::uint8_t>(ParticleType::Explosion)) {
+  } else if (type == ParticleType::Explosion) {
     paintSpriteAt(place, !blink);
   }
 }

@@ -73,7 +73,7 @@ void removeKillerTails(std::int16_t owner) {
 void executeCapture(std::int16_t winnerNode, std::int16_t loserNode) {
   const std::int16_t winner = getPlayerIndex(winnerNode);
   const std::int16_t loser = getPlayerIndex(loserNode);
-  printChat(getPlayerName(winner) + " has captured " + getPlayerName(loser), 3);
+  printChat(getPlayerName(winner) + " has captured " + getPlayerName(loser), LineType::ServerMessage);
   // Quirk Q-108: nothing checks that the loser is alive. A ghost can be captured again, and the winner scores.
   clsPlayer& victim = playerAt(loser);
   victim.die();

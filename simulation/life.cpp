@@ -14,7 +14,6 @@ namespace kelvora {
 namespace {
 
 constexpr std::int16_t localIndex = -1;
-constexpr std::int16_t captureSound = 0;
 
 }  // namespace
 
@@ -60,7 +59,7 @@ void clsPlayer::respawn() {
 
 void clsPlayer::die() {
   alive = false;
-  if (modMain::isOnScreen(position)) soundMan::playSound(captureSound);
+  if (modMain::isOnScreen(position)) soundMan::playSound(soundMan::Sound::Capture);
   // Quirk Q-107: one explosion particle for each capture of this life, so a player without captures leaves none.
   if (captureCount() > 0) modMain::addExplosion(position, captureCount());
 }

@@ -17,7 +17,6 @@ namespace {
 
 // Quirk Q-237: pi with five decimals, which affects the third decimal of a velocity.
 constexpr double pi = 3.14159;
-constexpr std::int16_t bounceSound = 1;
 
 float scaled(float component, double factor) { return static_cast<float>(component * factor); }
 
@@ -77,7 +76,7 @@ void steer(Vector& velocity, float speed) {
 }
 
 void soundBounce(Vector point) {
-  if (modMain::isOnScreen(point)) soundMan::playSound(bounceSound);
+  if (modMain::isOnScreen(point)) soundMan::playSound(soundMan::Sound::Bounce);
 }
 
 /// Keeps one axis of a point inside the world, with a sound for each edge crossed. The bounds themselves are inside.

@@ -9,10 +9,6 @@
 
 namespace kelvora::modMain {
 
-namespace {
-constexpr std::int16_t consoleLine = 5;
-}
-
 // Quirk Q-150: nothing turns the mode on. A trigger would set the three survival variables.
 bool isSurvivalMode() { return world.survivalMode; }
 
@@ -27,7 +23,7 @@ void checkSurvival() {
 void endSurvival() {
   world.survivalMode = false;
   // Quirk Q-152: the record is kept for the next run, which can only exceed it.
-  printChat("Highest distance reached in survival mode was " + numberText(world.survivalMaxDistance), consoleLine);
+  printChat("Highest distance reached in survival mode was " + numberText(world.survivalMaxDistance), LineType::Plain);
 }
 
 }  // namespace kelvora::modMain

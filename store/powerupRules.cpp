@@ -14,10 +14,6 @@ namespace kelvora {
 
 namespace {
 
-constexpr std::int16_t errorLine = 4;
-constexpr std::int16_t plainLine = 5;
-constexpr std::int16_t firstSound = 3;  // of the powerups, in slot order
-
 std::size_t slotIndex(std::int16_t slot) {
   if (!isSlot(slot)) raiseSubscriptOutOfRange();
   return static_cast<std::size_t>(slot);
@@ -34,14 +30,14 @@ std::int16_t clsPlayer::totalPowerups() const {
 void clsPlayer::requestActivatePowerup(std::int16_t slot) {
   const PowerupState& powerup = powerups[slotIndex(slot)];
   if (powerup.active) {
-    printChat("That ability isn't ready yet.", errorLine);
+    printChat("That ability isn't ready yet.", LineType::Error);
     return;
   }
   // Quirk Q-044: the dead are refused, and the request is sent anyway.
-  if (!alive) printChat("You can't use abilities in your current state (ie:dead).", errorLine);
+  if (!alive) printChat("You can't use abilities in your current state (ie:dead).", LineType::Error);
   // Quirk Q-045: checked before the stock, so the warning appears even if there is no pulse to fire.
   if (slot == pulseSlot && !powerups[shieldSlot].active) {
-    printChat("Refusing to activate EMP, doing so without your shield active will kill you too!!!", plainLine);
+    printChat("Refusing to activate EMP, doing so without your shield active will kill you too!!!", LineType::Plain);
     return;
   }
   if (powerup.count > 0) netMan::sendMessage<wire::msgActivateRequest>(slot);
@@ -60,7 +56,7 @@ void clsPlayer::activatePowerup(std::int16_t slot) {
   powerup.active = powerupTable[index].runs;
   if (playerIndex != -1) return;
   modMain::showCentreMessage(powerupTable[index].announcement);
-  soundMan::playSound(static_cast<std::int16_t>(slot + firstSound));
+  soundMan::playSound(static_cast<soundMan::Sound>(slot + static_cast<int>(soundMan::Sound::Shield)));
 }
 
 void clsPlayer::unactivatePowerup(std::int16_t slot) {
@@ -69,10 +65,10 @@ void clsPlayer::unactivatePowerup(std::int16_t slot) {
   powerups[index].active = false;
   // Quirk Q-273: reported for anybody's powerup, even one that wasn't running. The start of an opponent's is not
   // reported.
-  if (powerupTable[index].collapse != nullptr) printChat(name + powerupTable[index].collapse, plainLine);
+  if (powerupTable[index].collapse != nullptr) printChat(name + powerupTable[index].collapse, LineType::Plain);
   // Quirk Q-180: the powerup's own number, not its sound's. The end of a turbo stops the bounce and leaves the turbo's
   // sound running.
-  soundMan::stopSound(slot);
+  soundMan::stopSound(soundMan::Sound{slot});
 }
 
 void clsPlayer::tickPowerups() {
@@ -90,7 +86,7 @@ void clsPlayer::tickPowerups() {
     if (powerup.timeLeft > 0) continue;
     powerup.active = false;
     if (playerIndex != -1) continue;
-    printChat("Powerup faded...", plainLine);
+    printChat("Powerup faded...", LineType::Plain);
     modMain::showCentreMessage("Powerup faded");
   }
 }

@@ -15,20 +15,12 @@
 
 namespace kelvora {
 
-namespace {
-
-constexpr std::int16_t serverLine = 3;
-constexpr std::int16_t shoppingMusic = 0;
-constexpr std::int16_t errorSound = 2;
-
-}  // namespace
-
 void modMain::openStore() {
   frmPowerups->lblWinners.Caption = world.roundMessage;
   world.localPlayer.populatePowerupsForm();
   frmPowerups->Show();
   // Quirk Q-270: closing the store doesn't stop this track. It plays to its end, and then the rotation goes on.
-  soundMan::playMusic(shoppingMusic);
+  soundMan::playMusic(soundMan::storeTrack);
 }
 
 void clsPlayer::populatePowerupsForm() {
@@ -46,7 +38,7 @@ void clsPlayer::purchaseItem(std::int16_t item) {
     return;
   }
   showStoreStatus("Cannot purchase powerup, you have no where to store it.  Check your capacity, consider selling.");
-  soundMan::playSound(errorSound);
+  soundMan::playSound(soundMan::Sound::Error);
 }
 
 void clsPlayer::sellItem(std::int16_t item) {
@@ -58,7 +50,7 @@ void clsPlayer::purchaseAccepted(std::int16_t item, std::int16_t stock, double c
   funds(credits);
   if (!isSlot(item)) raiseSubscriptOutOfRange();
   powerups[static_cast<std::size_t>(item)].count = stock;
-  printChat("Item purchased", serverLine);
+  printChat("Item purchased", LineType::ServerMessage);
   showStoreStatus("Item purchased");
 }
 

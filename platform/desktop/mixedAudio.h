@@ -31,7 +31,7 @@ class MixedMusic : public MusicPeer {
   explicit MixedMusic(std::shared_ptr<SoundMixer> mixer) : mixer_(std::move(mixer)) {}
   void play(const std::string& file) override { mixer_->startMusic(file); }
   void stop() override { mixer_->stopMusic(); }
-  int playState() const override { return mixer_->musicState(); }
+  PlayState playState() const override { return mixer_->musicState(); }
 
  private:
   std::shared_ptr<SoundMixer> mixer_;

@@ -93,7 +93,7 @@ void SoundMixer::stopEffect(int channel) {
   post([channel](MixerDevice& device) { device.stopEffect(channel); });
 }
 
-bool SoundMixer::noteMusic(int track, int state) {
+bool SoundMixer::noteMusic(int track, PlayState state) {
   const std::lock_guard lock(mutex_);
   if (track != track_) return false;
   musicState_ = state;
@@ -125,7 +125,7 @@ void SoundMixer::stopMusic() {
   post([](MixerDevice& device) { device.stopMusic(); });
 }
 
-int SoundMixer::musicState() const {
+PlayState SoundMixer::musicState() const {
   const MixerDevice* device = nullptr;
   {
     const std::lock_guard lock(mutex_);

@@ -42,8 +42,8 @@ class SoundMixer {
 
   void startMusic(const std::string& file);
   void stopMusic();
-  /// A PlayState; psTransitioning between the command and the first sound.
-  int musicState() const;
+  /// psTransitioning between the command and the first sound.
+  PlayState musicState() const;
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -58,7 +58,7 @@ class SoundMixer {
   void await();
   void work();
   /// Sets the track's state, unless another track has been requested since.
-  bool noteMusic(int track, int state);
+  bool noteMusic(int track, PlayState state);
 
   const std::string module_;
   std::vector<bool> channels_;  ///< true if in use
@@ -69,7 +69,7 @@ class SoundMixer {
   bool isAwaited_ = false;               ///< an effect is to be played
   const MixerDevice* device_ = nullptr;  ///< set once open; lives as long as the thread
   int track_ = 0;                        ///< counts the music commands
-  int musicState_ = psReady;
+  PlayState musicState_ = psReady;
   std::thread thread_;
 };
 

@@ -38,6 +38,6 @@ void HeadlessMusic::stop() {
   if (screen_->machine->playState != psReady) screen_->machine->playState = psStopped;
 }
 
-int HeadlessMusic::playState() const { return screen_->machine->playState; }
+PlayState HeadlessMusic::playState() const { return screen_->machine->playState; }
 
 }  // namespace kelvora

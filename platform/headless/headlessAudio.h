@@ -32,7 +32,7 @@ class HeadlessMusic : public MusicPeer {
   explicit HeadlessMusic(std::shared_ptr<HeadlessScreen> screen);
   void play(const std::string& file) override;
   void stop() override;
-  int playState() const override;
+  PlayState playState() const override;
 
  private:
   std::shared_ptr<HeadlessScreen> screen_;

@@ -38,7 +38,7 @@ class HeadlessBackend : public Backend {
   std::string host = "web.invalid";
   std::map<std::pair<std::string, std::string>, std::string> settings;  ///< by section and key
   std::set<std::string> missingFiles;  ///< paths of sounds and tracks to report as missing
-  int playState = psReady;             ///< of the music player; its commands and the owner set it
+  PlayState playState = psReady;       ///< of the music player; its commands and the owner set it
   /// If set, supplies the picture for a path instead of the file.
   std::function<PicturePointer(const std::string& path)> pictureSource;
 

@@ -22,7 +22,7 @@ class HeadlessSocket : public SocketPeer {
   HeadlessSocket(std::shared_ptr<HeadlessScreen> screen, Winsock& socket);
   ~HeadlessSocket() override;
 
-  int state() const override { return state_; }
+  SocketState state() const override { return state_; }
   void connect(const std::string& host, int port) override;
   void close() override;
   void send(std::string_view data) override;
@@ -47,14 +47,14 @@ class HeadlessSocket : public SocketPeer {
   /// Closes the connection from the far end: state 8 and the event Close.
   void closeByServer();
   /// Sets the state at once, without an event.
-  void setState(int state) { state_ = state; }
+  void setState(SocketState state) { state_ = state; }
 
  private:
   void post(std::function<void()> happening);
 
   std::shared_ptr<HeadlessScreen> screen_;
   Winsock& socket_;
-  int state_ = sckClosed;
+  SocketState state_ = sckClosed;
   std::deque<std::string> arrived_;
   std::shared_ptr<int> connection_;  // new for each connection; actions queued for an old one are dropped
 };

@@ -19,7 +19,7 @@ class QtSocket : public SocketPeer {
   explicit QtSocket(Winsock& owner) : owner_(owner) {}
   ~QtSocket() override;
 
-  int state() const override { return state_; }
+  SocketState state() const override { return state_; }
   void connect(const std::string& host, int port) override;
   void close() override;
   void send(std::string_view data) override;
@@ -35,7 +35,7 @@ class QtSocket : public SocketPeer {
   void drop();
 
   Winsock& owner_;
-  int state_ = sckClosed;
+  SocketState state_ = sckClosed;
   std::shared_ptr<Connection> connection_;
 };
 

@@ -31,7 +31,7 @@ class AudioTest : public GameTest {
     return machine.path + "/sounds/" + name + ".mp3";
   }
   /// Sets the player's state and runs the timer.
-  void tickMusic(int playState) {
+  void tickMusic(PlayState playState) {
     machine.playState = playState;
     tick(2000);
     passEvents();

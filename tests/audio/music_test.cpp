@@ -129,7 +129,7 @@ TEST_F(Music, OnlyStatesOneAndTenEndATrack) {
   start(0.5F);
   for (int state = 0; state <= 11; ++state) {
     machine.tracks.clear();
-    tickMusic(state);
+    tickMusic(static_cast<PlayState>(state));
     EXPECT_EQ(machine.tracks.size(), state == 1 || state == 10 ? 1U : 0U) << state;
   }
 }
@@ -262,7 +262,7 @@ TEST_F(Music, Q182ReloadingTheSoundsBringsTheMusicBack) {
   tickMusic(psReady);
   EXPECT_EQ(machine.tracks, std::vector<std::string>{track(4)});
   machine.soundCommands.clear();
-  soundMan::playSound(0);
+  soundMan::playSound(soundMan::Sound{0});
   EXPECT_TRUE(machine.soundCommands.empty()) << "effects stay switched off";
 }
 

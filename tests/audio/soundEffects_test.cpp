@@ -38,7 +38,7 @@ TEST_F(SoundEffects, RewindAndStartTheDeviceOfTheirSlot) {
   openSounds();
   for (std::int16_t slot = 0; slot <= 8; ++slot) {
     machine.soundCommands.clear();
-    soundMan::playSound(slot);
+    soundMan::playSound(soundMan::Sound{slot});
     EXPECT_EQ(machine.soundCommands, playing(files[static_cast<std::size_t>(slot)])) << slot;
   }
 }
@@ -46,8 +46,8 @@ TEST_F(SoundEffects, RewindAndStartTheDeviceOfTheirSlot) {
 TEST_F(SoundEffects, OutsideTheirNumbersDoNothing) {
   openSounds();
   for (const std::int16_t slot : std::initializer_list<std::int16_t>{9, -1, 32767, -32768}) {
-    EXPECT_NO_THROW(soundMan::playSound(slot));
-    EXPECT_NO_THROW(soundMan::stopSound(slot));
+    EXPECT_NO_THROW(soundMan::playSound(soundMan::Sound{slot}));
+    EXPECT_NO_THROW(soundMan::stopSound(soundMan::Sound{slot}));
   }
   EXPECT_TRUE(machine.soundCommands.empty());
 }
@@ -55,10 +55,10 @@ TEST_F(SoundEffects, OutsideTheirNumbersDoNothing) {
 TEST_F(SoundEffects, AreSwitchedOffByTheMenu) {
   openSounds();
   frmMain->mnuAudioSfx.Click();
-  soundMan::playSound(2);
+  soundMan::playSound(soundMan::Sound{2});
   EXPECT_TRUE(machine.soundCommands.empty());
   frmMain->mnuAudioSfx.Click();
-  soundMan::playSound(2);
+  soundMan::playSound(soundMan::Sound{2});
   EXPECT_EQ(machine.soundCommands, playing("error.wav"));
 }
 
@@ -66,11 +66,11 @@ TEST_F(SoundEffects, AreSwitchedOffByTheCommandLineInAnyCase) {
   openSounds();
   for (const char* line : {"NoSound", "nosound", "-NOSOUND", "some xnosoundx thing"}) {
     machine.commandLineText = line;
-    soundMan::playSound(0);
+    soundMan::playSound(soundMan::Sound{0});
     EXPECT_TRUE(machine.soundCommands.empty()) << line;
   }
   machine.commandLineText = "no sound nomusic";
-  soundMan::playSound(0);
+  soundMan::playSound(soundMan::Sound{0});
   EXPECT_EQ(machine.soundCommands, playing("capture.wav"));
 }
 
@@ -80,20 +80,20 @@ TEST_F(SoundEffects, AreStoppedRegardlessOfTheSwitches) {
   frmMain->mnuAudioSfx.Checked = false;
   for (std::int16_t slot = 0; slot <= 8; ++slot) {
     machine.soundCommands.clear();
-    soundMan::stopSound(slot);
+    soundMan::stopSound(soundMan::Sound{slot});
     EXPECT_EQ(machine.soundCommands, stopping(files[static_cast<std::size_t>(slot)])) << slot;
   }
 }
 
 TEST_F(SoundEffects, StaySilentFromTheStopToTheNextPlay) {
   openSounds();
-  soundMan::playSound(4);
-  soundMan::stopSound(4);
+  soundMan::playSound(soundMan::Sound{4});
+  soundMan::stopSound(soundMan::Sound{4});
   EXPECT_TRUE(frmSound->mm(4).Silent());
-  soundMan::playSound(5);
+  soundMan::playSound(soundMan::Sound{5});
   EXPECT_TRUE(frmSound->mm(4).Silent());
   EXPECT_FALSE(frmSound->mm(5).Silent());
-  soundMan::playSound(4);
+  soundMan::playSound(soundMan::Sound{4});
   EXPECT_FALSE(frmSound->mm(4).Silent());
 }
 
@@ -102,16 +102,16 @@ TEST_F(SoundEffects, WithoutTheirFileFailUnseen) {
   EXPECT_NO_THROW(openSounds());
   EXPECT_FALSE(frmSound->mm(7).isOpen());
   EXPECT_TRUE(frmSound->mm(8).isOpen());
-  EXPECT_NO_THROW(soundMan::playSound(7));
-  EXPECT_NO_THROW(soundMan::stopSound(7));
+  EXPECT_NO_THROW(soundMan::playSound(soundMan::Sound{7}));
+  EXPECT_NO_THROW(soundMan::stopSound(soundMan::Sound{7}));
   EXPECT_TRUE(machine.soundCommands.empty());
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
 TEST_F(SoundEffects, ThatWereNeverOpenedFailUnseen) {
   for (std::int16_t slot = 0; slot <= 8; ++slot) {
-    EXPECT_NO_THROW(soundMan::playSound(slot));
-    EXPECT_NO_THROW(soundMan::stopSound(slot));
+    EXPECT_NO_THROW(soundMan::playSound(soundMan::Sound{slot}));
+    EXPECT_NO_THROW(soundMan::stopSound(soundMan::Sound{slot}));
   }
   EXPECT_EQ(frmSound->lastIndex(), 0) << "the form itself brings one device";
   EXPECT_TRUE(machine.soundCommands.empty());
@@ -125,8 +125,8 @@ TEST_F(SoundEffects, Q278AreReloadedFromTheSecondOn) {
   for (std::size_t slot = 1; slot < files.size(); ++slot) opened.push_back(std::string(files[slot]) + " open");
   EXPECT_EQ(machine.soundCommands, opened) << "the first one is open already";
   machine.soundCommands.clear();
-  soundMan::playSound(0);
-  soundMan::playSound(8);
+  soundMan::playSound(soundMan::Sound{0});
+  soundMan::playSound(soundMan::Sound{8});
   EXPECT_EQ(machine.soundCommands.size(), 6U);
 }
 
@@ -140,7 +140,7 @@ TEST_F(SoundEffects, ReloadFindsAFileThatHasCome) {
 
 TEST_F(SoundEffects, FormHasItsTitleAndIsNeverShown) {
   openSounds();
-  soundMan::playSound(0);
+  soundMan::playSound(soundMan::Sound{0});
   EXPECT_EQ(frmSound->Caption.get(), "Sound Manager");
   EXPECT_TRUE(frmSound.isLoaded());
   EXPECT_FALSE(frmSound.isVisible());

@@ -47,7 +47,7 @@ TEST_F(MainLoop, WithoutAConnectionAPassIsDoEventsAlone) {
 TEST_F(MainLoop, EveryStateButSevenIsIdle) {
   for (int state = 0; state <= 9; ++state) {
     modMain::world.debugText.clear();
-    server().setState(state);
+    server().setState(static_cast<SocketState>(state));
     runPasses(1);
     EXPECT_EQ(modMain::world.debugText.empty(), state != 7) << state;
   }
@@ -250,7 +250,7 @@ TEST_F(MainLoop, MovesTheExplosions) {
   modMain::world.explosionCount = 1;
   modMain::world.explosionParticles.assign(1, clsParticle{});
   clsParticle& particle = modMain::world.explosionParticles[0];
-  particle.type = static_cast<std::uint8_t>(ParticleType::Explosion);
+  particle.type = ParticleType::Explosion;
   particle.position = {50'000, 50'000};
   particle.velocity = {50, -60};
   particle.maxSpeed = 100;

@@ -26,7 +26,7 @@ TEST_F(ConnectionState, EveryStateHasItsNameAndColour) {
        {Row{0, "Closed", red}, Row{1, "Open", grey}, Row{2, "Listening", grey}, Row{3, "Connection pending", grey},
         Row{4, "Resolving", orange}, Row{5, "Resolved", orange}, Row{6, "Connecting", orange},
         Row{7, "Connected", green}, Row{8, "Closing", red}, Row{9, "Error", grey}}) {
-    server().setState(row.state);
+    server().setState(static_cast<SocketState>(row.state));
     frmMain->showConnectionState();
     EXPECT_EQ(shownState(), row.name);
     EXPECT_EQ(frmMain->lblNetStatus.BackColor.get(), row.colour) << row.name;
@@ -60,7 +60,7 @@ TEST_F(ConnectionState, IsRefreshedEverySecond) {
 
 TEST_F(ConnectionState, TimerMayRestOnlyWhereNoStateChangesByItself) {
   for (int state = sckClosed; state <= sckError; ++state) {
-    server().setState(state);
+    server().setState(static_cast<SocketState>(state));
     EXPECT_EQ(frmMain->tmrCheckNetStatus.mayRest(), state == sckClosed || state == sckError) << state;
   }
 }

@@ -308,12 +308,12 @@ TEST_F(FontDialog, ClosingTheWindowUnloadsItToo) {
 }
 
 TEST_F(FontDialog, OldLinesKeepTheirLookAndTheSampleFollowsAtOnce) {
-  printChat("before", 4);
+  printChat("before", LineType::Error);
   open();
   drag(frmFonts->lblColorRed[4], 855);
   EXPECT_EQ(modMain::world.chatLines[0].colour, RGB(255, 0, 0));
   EXPECT_EQ(frmFonts->lblFontDemo[4].ForeColor.get(), RGB(100, 0, 0));
-  printChat("after", 4);
+  printChat("after", LineType::Error);
   EXPECT_EQ(modMain::world.chatLines[0].colour, RGB(100, 0, 0));
 }
 

@@ -27,7 +27,7 @@ TEST_F(Console, EveryLineTypeHasItsDefaultColourAndSize) {
   for (const Row& row : {Row{0, RGB(128, 255, 128), 9}, Row{1, RGB(255, 255, 255), 9}, Row{2, RGB(255, 0, 255), 9},
                          Row{3, RGB(255, 255, 0), 9}, Row{4, RGB(255, 0, 0), 9}, Row{5, RGB(255, 255, 255), 0},
                          Row{6, RGB(255, 255, 255), 0}, Row{32767, RGB(255, 255, 255), 0}, Row{-1, RGB(0, 0, 0), 0}}) {
-    printChat("text", row.type);
+    printChat("text", LineType{row.type});
     EXPECT_EQ(world.chatLines[0].colour, row.colour) << row.type;
     EXPECT_EQ(world.chatLines[0].size, row.size) << row.type;
     EXPECT_EQ(fontMan::getFontColour(row.type), row.colour) << row.type;
@@ -36,38 +36,38 @@ TEST_F(Console, EveryLineTypeHasItsDefaultColourAndSize) {
 }
 
 TEST_F(Console, ALinePushesTheOthersUpAndTheOldestOut) {
-  for (int i = 1; i <= 9; ++i) printChat("line " + std::to_string(i), 0);
+  for (int i = 1; i <= 9; ++i) printChat("line " + std::to_string(i), LineType::PublicChat);
   for (std::size_t i = 0; i < 8; ++i) EXPECT_EQ(world.chatLines[i].text, "line " + std::to_string(9 - i));
 }
 
 TEST_F(Console, ColourAndSizeMoveWithTheirLine) {
-  printChat("old", 4);
-  printChat("new", 0);
+  printChat("old", LineType::Error);
+  printChat("new", LineType::PublicChat);
   EXPECT_EQ(world.chatLines[1].text, "old");
   EXPECT_EQ(world.chatLines[1].colour, RGB(255, 0, 0));
   EXPECT_EQ(world.chatLines[1].size, 9);
 }
 
 TEST_F(Console, BlanksAtBothEndsAreTrimmed) {
-  printChat("  two words  ", 0);
+  printChat("  two words  ", LineType::PublicChat);
   EXPECT_EQ(world.chatLines[0].text, "two words");
 }
 
 TEST_F(Console, NinetyCharactersAreOneLine) {
-  printChat(std::string(90, 'x'), 0);
+  printChat(std::string(90, 'x'), LineType::PublicChat);
   EXPECT_EQ(world.chatLines[0].text, std::string(90, 'x'));
   EXPECT_EQ(world.chatLines[1].text, "");
 }
 
 TEST_F(Console, NinetyOneCharactersAreTwoLines) {
-  printChat(std::string(90, 'x') + "y", 3);
+  printChat(std::string(90, 'x') + "y", LineType::ServerMessage);
   EXPECT_EQ(world.chatLines[1].text, std::string(90, 'x'));
   EXPECT_EQ(world.chatLines[0].text, "> y");
   EXPECT_EQ(world.chatLines[0].colour, RGB(255, 255, 0));
 }
 
 TEST_F(Console, NinetyCharactersBetweenBlanksAreOneLine) {
-  printChat("   " + std::string(90, 'x') + "   ", 0);
+  printChat("   " + std::string(90, 'x') + "   ", LineType::PublicChat);
   EXPECT_EQ(world.chatLines[0].text.size(), 90U);
   EXPECT_EQ(world.chatLines[1].text, "");
 }
@@ -75,7 +75,7 @@ TEST_F(Console, NinetyCharactersBetweenBlanksAreOneLine) {
 // 90 characters; then the mark and 88; then the mark and the last 22.
 TEST_F(Console, Q043TheMarkCountsTowardsItsLine) {
   const std::string text = std::string(90, 'a') + std::string(88, 'b') + std::string(22, 'c');
-  printChat(text, 0);
+  printChat(text, LineType::PublicChat);
   EXPECT_EQ(world.chatLines[2].text, std::string(90, 'a'));
   EXPECT_EQ(world.chatLines[1].text, "> " + std::string(88, 'b'));
   EXPECT_EQ(world.chatLines[0].text, "> " + std::string(22, 'c'));
@@ -93,23 +93,23 @@ TEST_F(Console, Q043TheMarkCountsTowardsItsLine) {
 // "> " and 77 letters put the blank at place 80 of its line; one letter less puts it at 79.
 TEST_F(Console, Q043AContinuationSplitsAtABlankWithTheMarkCounted) {
   const std::string whole(90, 'x');
-  printChat(whole + std::string(77, 'a') + " " + std::string(20, 'b'), 0);
+  printChat(whole + std::string(77, 'a') + " " + std::string(20, 'b'), LineType::PublicChat);
   EXPECT_EQ(world.chatLines[2].text, whole);
   EXPECT_EQ(world.chatLines[1].text, "> " + std::string(77, 'a') + " ");
   EXPECT_EQ(world.chatLines[0].text, "> " + std::string(20, 'b'));
 
-  printChat(whole + std::string(76, 'a') + " " + std::string(20, 'b'), 0);
+  printChat(whole + std::string(76, 'a') + " " + std::string(20, 'b'), LineType::PublicChat);
   EXPECT_EQ(world.chatLines[2].text, whole);
   EXPECT_EQ(world.chatLines[1].text, "> " + std::string(76, 'a') + " " + std::string(11, 'b'));
   EXPECT_EQ(world.chatLines[0].text, "> " + std::string(9, 'b'));
 }
 
 TEST_F(Console, AContinuationKeepsItsLeadingBlanks) {
-  printChat(std::string(90, 'x') + "   y", 0);
+  printChat(std::string(90, 'x') + "   y", LineType::PublicChat);
   EXPECT_EQ(world.chatLines[1].text, std::string(90, 'x'));
   EXPECT_EQ(world.chatLines[0].text, ">    y") << "the mark, its blank and the three of the text";
 
-  printChat(std::string(89, 'x') + "    y", 0);
+  printChat(std::string(89, 'x') + "    y", LineType::PublicChat);
   EXPECT_EQ(world.chatLines[1].text, std::string(89, 'x') + " ") << "the split takes one of the blanks";
   EXPECT_EQ(world.chatLines[0].text, ">    y");
 }
@@ -146,8 +146,8 @@ TEST_F(Console, AShortTextSplitsIntoNothing) {
 }
 
 TEST_F(Console, AnEmptyTextIsALineOfItsOwn) {
-  printChat("first", 0);
-  printChat("", 0);
+  printChat("first", LineType::PublicChat);
+  printChat("", LineType::PublicChat);
   EXPECT_EQ(world.chatLines[0].text, "");
   EXPECT_EQ(world.chatLines[1].text, "first");
 }
@@ -157,16 +157,16 @@ TEST_F(Console, WhiteIsWhiteWithAnySettings) {
     for (std::uint8_t channel = 0; channel < 3; ++channel) fontMan::setFontColour(purpose, channel, 7);
     fontMan::setFontSize(purpose, 16);
   }
-  printChat("text", 5);
+  printChat("text", LineType::Plain);
   EXPECT_EQ(world.chatLines[0].colour, RGB(255, 255, 255));
   EXPECT_EQ(world.chatLines[0].size, 0);
 }
 
 TEST_F(Console, AChangeAppliesFromTheNextLineOn) {
-  printChat("before", 3);
+  printChat("before", LineType::ServerMessage);
   fontMan::setFontColour(3, 2, 77);
   fontMan::setFontSize(3, 12);
-  printChat("after", 3);
+  printChat("after", LineType::ServerMessage);
   EXPECT_EQ(world.chatLines[1].colour, RGB(255, 255, 0));
   EXPECT_EQ(world.chatLines[1].size, 9);
   EXPECT_EQ(world.chatLines[0].colour, RGB(255, 255, 77));
@@ -174,7 +174,7 @@ TEST_F(Console, AChangeAppliesFromTheNextLineOn) {
 }
 
 TEST_F(Console, TheLinesOutliveADisconnection) {
-  printChat("stays", 0);
+  printChat("stays", LineType::PublicChat);
   netMan::disconnectFromServer();
   EXPECT_EQ(world.chatLines[0].text, "stays");
 }

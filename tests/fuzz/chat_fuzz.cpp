@@ -34,7 +34,7 @@ void act(FuzzClient& client, char what, Input& input) {
       break;
     case 't':
       client.tick(input.byte() * Tick{64});
-      client.machine.playState = input.byte() % 4;
+      client.machine.playState = static_cast<PlayState>(input.byte() % 4);
       break;
     default:
       break;

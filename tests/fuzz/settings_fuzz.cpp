@@ -38,7 +38,7 @@ std::pair<std::string, std::string> settingOf(int number) {
 }
 
 void use(FuzzClient& client) {
-  for (std::int16_t type = -1; type <= 5; ++type) printChat("a line", type);
+  for (std::int16_t type = -1; type <= 5; ++type) printChat("a line", LineType{type});
   frmFonts->Show();
   for (Slider& slider : frmFonts->sldSize) slider.Change();
   frmConnect->cmdConnect.Click();

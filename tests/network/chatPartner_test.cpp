@@ -25,20 +25,20 @@ class ChatPartner : public GameTest {
 TEST_F(ChatPartner, Q265EveryButtonChangesTheModeAndOnlyTheLeftOneShows) {
   for (const int button : {1, 2, 4}) {
     label().BorderStyle = 0;
-    const int before = netMan::getChatMode();
+    const netMan::ChatMode before = netMan::getChatMode();
     label().MouseDown(button, 0, 0, 0);
     EXPECT_EQ(label().BorderStyle.get(), button == 1 ? 1 : 0) << button;
     EXPECT_EQ(netMan::getChatMode(), before) << "not yet";
     label().MouseUp(button, 0, 0, 0);
     EXPECT_EQ(label().BorderStyle.get(), 0) << button;
-    EXPECT_EQ(netMan::getChatMode(), 1 - before) << button;
+    EXPECT_NE(netMan::getChatMode(), before) << button;
   }
 }
 
 TEST_F(ChatPartner, PublicModeIsShownOnWhite) {
-  netMan::setChatMode(0);
+  netMan::setChatMode(netMan::ChatMode::Public);
   EXPECT_EQ(label().BackColor.get(), RGB(255, 255, 255));
-  netMan::setChatMode(1);
+  netMan::setChatMode(netMan::ChatMode::Private);
   EXPECT_EQ(label().BackColor.get(), RGB(128, 128, 255));
 }
 
@@ -46,7 +46,7 @@ TEST_F(ChatPartner, Q079AnEmptyRowKeepsTheOldNameAndSendsToTheFirstOpponent) {
   frmMain->lbUserName[5].MouseUp(1, 0, 0, 0);  // nobody is purple
   EXPECT_EQ(netMan::privateTargetName, "");
   EXPECT_EQ(netMan::privateTargetIndex, 0);
-  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);
   EXPECT_EQ(label().Caption.get(), "Cat");
   EXPECT_EQ(label().BackColor.get(), RGB(128, 128, 255));
   enter("psst");
@@ -54,19 +54,19 @@ TEST_F(ChatPartner, Q079AnEmptyRowKeepsTheOldNameAndSendsToTheFirstOpponent) {
 
   label().MouseUp(1, 0, 0, 0);
   label().MouseUp(1, 0, 0, 0);
-  EXPECT_EQ(netMan::getChatMode(), 0) << "there is no name to go back to";
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public) << "there is no name to go back to";
   EXPECT_EQ(label().Caption.get(), "Public Chat");
 }
 
 TEST_F(ChatPartner, APrivateLineFromANamelessPlayerLeavesTheModePublic) {
-  netMan::setChatMode(0);
+  netMan::setChatMode(netMan::ChatMode::Public);
   const std::int16_t nameless = join(12, 3, "");
   serverSends(wire::msgChat, {"12", "(private) psst"});
   EXPECT_EQ(modMain::world.chatLines[0].text, "[] (private) psst");
   EXPECT_EQ(modMain::world.chatLines[0].colour, RGB(255, 0, 255)) << "it counts as received in private";
   EXPECT_EQ(netMan::privateTargetIndex, nameless);
   EXPECT_EQ(netMan::privateTargetName, "");
-  EXPECT_EQ(netMan::getChatMode(), 0);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public);
   EXPECT_EQ(label().Caption.get(), "Public Chat");
   enter("who?");
   EXPECT_EQ(sentFrames(), std::vector<WireMessage>{chat("-1", "who?")});
@@ -75,7 +75,7 @@ TEST_F(ChatPartner, APrivateLineFromANamelessPlayerLeavesTheModePublic) {
 TEST_F(ChatPartner, APrivateLineFromANamelessPlayerRedirectsAPrivateTalk) {
   join(12, 3, "");
   serverSends(wire::msgChat, {"12", "(private) psst"});
-  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);
   EXPECT_EQ(label().Caption.get(), "Cat") << "the label keeps the last name";
   enter("who?");
   EXPECT_EQ(sentFrames(), std::vector<WireMessage>{chat("12", "(private) who?")});

@@ -115,7 +115,7 @@ TEST_F(Chat, TheEchoOfTheOwnPrivateLineIsOfTypeOne) {
   serverSends(wire::msgChat, {"7", "(private) psst"});
   EXPECT_EQ(lastLine().text, "[Ann] (private) psst");
   EXPECT_EQ(lastLine().colour, RGB(255, 255, 255));
-  EXPECT_EQ(netMan::getChatMode(), 0) << "only others become the partner";
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public) << "only others become the partner";
 }
 
 TEST_F(Chat, Q078APrivateMessageMakesItsSenderThePartner) {
@@ -141,11 +141,11 @@ TEST_F(Chat, ThePrefixCountsInAnyCaseAndOnlyInFront) {
 TEST_F(Chat, ModesAreShownOnTheLabel) {
   Label& label = frmMain->lblPrivChat;
   netMan::selectPrivateTarget("Bob");
-  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);
   EXPECT_EQ(label.Caption.get(), "Bob");
   EXPECT_EQ(label.BackColor.get(), privateBack);
-  netMan::setChatMode(2);
-  EXPECT_EQ(netMan::getChatMode(), 0) << "any mode other than 1 is public";
+  netMan::setChatMode(netMan::ChatMode{2});
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public) << "any mode other than 1 is public";
   EXPECT_EQ(label.Caption.get(), "Public Chat");
   EXPECT_EQ(label.BackColor.get(), publicBack);
 }
@@ -159,14 +159,14 @@ TEST_F(Chat, ClicksOnTheModeLabelChangeTheMode) {
   EXPECT_EQ(label.BorderStyle.get(), 1);
   label.MouseUp(2, 0, 0, 0);
   EXPECT_EQ(label.BorderStyle.get(), 0);
-  EXPECT_EQ(netMan::getChatMode(), 0) << "no partner has been chosen";
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public) << "no partner has been chosen";
   EXPECT_EQ(label.Caption.get(), "Public Chat");
 
   netMan::selectPrivateTarget("Bob");
   label.MouseUp(1, 0, 0, 0);
-  EXPECT_EQ(netMan::getChatMode(), 0);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public);
   label.MouseUp(1, 0, 0, 0);
-  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);
   EXPECT_EQ(label.Caption.get(), "Bob");
 }
 
@@ -176,14 +176,14 @@ TEST_F(Chat, AClickOnANameChoosesThePartner) {
   const Colour fore = name.ForeColor;
   name.MouseDown(2, 0, 0, 0);
   EXPECT_EQ(name.BorderStyle.get(), 1);
-  EXPECT_EQ(netMan::getChatMode(), 0);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public);
   name.MouseUp(2, 0, 0, 0);
   EXPECT_EQ(name.BorderStyle.get(), 0);
   EXPECT_EQ(name.BackColor.get(), back);
   EXPECT_EQ(name.ForeColor.get(), fore);
   EXPECT_EQ(netMan::privateTargetName, "Cat");
   EXPECT_EQ(netMan::privateTargetIndex, 1);
-  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);
 }
 
 TEST_F(Chat, Q079AClickOnTheOwnNameSendsToTheFirstOpponent) {
@@ -196,7 +196,7 @@ TEST_F(Chat, Q079AClickOnTheOwnNameSendsToTheFirstOpponent) {
 TEST_F(Chat, ModeAndPartnerSurviveADisconnection) {
   netMan::selectPrivateTarget("Cat");
   netMan::disconnectFromServer();
-  EXPECT_EQ(netMan::getChatMode(), 1);
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);
   EXPECT_EQ(netMan::privateTargetName, "Cat");
   EXPECT_EQ(netMan::privateTargetIndex, 1);
   EXPECT_EQ(frmMain->lblPrivChat.Caption.get(), "Cat");

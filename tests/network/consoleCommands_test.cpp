@@ -18,7 +18,8 @@ class ConsoleCommands : public GameTest {
   std::vector<int> types() {
     std::vector<int> found;
     for (const clsParticle& particle : modMain::world.particles) {
-      if (found.empty() || found.back() != particle.type) found.push_back(particle.type);
+      const int type = static_cast<int>(particle.type);
+      if (found.empty() || found.back() != type) found.push_back(type);
       if (&particle == &modMain::world.particles[149]) break;
     }
     return found;

@@ -29,18 +29,18 @@ using Lines = std::vector<std::string>;
 
 TEST_F(Receive, SendsNothingUnlessConnected) {
   for (const int state : {0, 1, 2, 3, 4, 5, 6, 8, 9}) {
-    server().setState(state);
+    server().setState(static_cast<SocketState>(state));
     netMan::sendMessage<wire::msgSpawnRequest>();
   }
   EXPECT_TRUE(server().sendings.empty());
   EXPECT_TRUE(lines().empty());
-  server().setState(7);
+  server().setState(sckConnected);
   netMan::sendMessage<wire::msgSpawnRequest>();
   EXPECT_EQ(server().sendings, Lines{"\x80\x98\x81"});
 }
 
 TEST_F(Receive, AFrameIsOneSending) {
-  server().setState(7);
+  server().setState(sckConnected);
   netMan::sendMessage<wire::msgChat>(-1, "hi");
   EXPECT_EQ(server().sendings, (Lines{"\x80\x90-1\x82hi\x81"}));
 }

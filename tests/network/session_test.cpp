@@ -404,29 +404,5 @@ TEST_F(Session, TheServersHangUpDisconnectsWithoutAWord) {
   EXPECT_EQ(lastLine().text, "");
 }
 
-struct StateRow {
-  int state;
-  const char* name;
-  Colour colour;
-};
-constexpr StateRow stateRows[] = {
-    {0, "Closed", RGB(255, 128, 128)},     {1, "Open", RGB(128, 128, 128)},
-    {2, "Listening", RGB(128, 128, 128)},  {3, "Connection pending", RGB(128, 128, 128)},
-    {4, "Resolving", RGB(255, 192, 128)},  {5, "Resolved", RGB(255, 192, 128)},
-    {6, "Connecting", RGB(255, 192, 128)}, {7, "Connected", RGB(128, 255, 128)},
-    {8, "Closing", RGB(255, 128, 128)},    {9, "Error", RGB(128, 128, 128)},
-};
-
-TEST_F(Session, EachStateHasItsNameAndColour) {
-  EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Disconnected");
-  EXPECT_EQ(frmMain->lblNetStatus.BackColor.get(), RGB(255, 128, 128));
-  for (const StateRow& row : stateRows) {
-    server().setState(row.state);
-    frmMain->showConnectionState();
-    EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), row.name);
-    EXPECT_EQ(frmMain->lblNetStatus.BackColor.get(), row.colour) << row.name;
-  }
-}
-
 }  // namespace
 }  // namespace kelvora

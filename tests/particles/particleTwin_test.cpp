@@ -83,7 +83,7 @@ class ParticleTwin : public GameTest {
       const Vector at = twin.particles[i].position;
       const auto number = static_cast<double>(i);
       twin.init(twin.particles[i], number, type, at.x, at.y, 3, 4);
-      modMain::world.particles[i].init(number, static_cast<std::uint8_t>(type), at.x, at.y, 3, 4);
+      modMain::world.particles[i].init(number, static_cast<ParticleType>(type), at.x, at.y, 3, 4);
     }
   }
 
@@ -183,7 +183,7 @@ class ParticleTwin : public GameTest {
       if (!isSame) names += std::string(" ") + name;
     };
     compare(it.num_ == twin.num, "num");
-    compare(it.type == twin.type, "type");
+    compare(it.type == static_cast<ParticleType>(twin.type), "type");
     compare(it.position == twin.position, "position");
     compare(it.kind == twin.kind, "kind");
     compare(it.fieldWidth == twin.fieldWidth && it.fieldHeight == twin.fieldHeight, "field");

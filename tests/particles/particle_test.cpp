@@ -8,10 +8,10 @@
 namespace kelvora {
 namespace {
 
-constexpr std::uint8_t background = 0;
-constexpr std::uint8_t network = 1;
-constexpr std::uint8_t explosion = 2;
-constexpr std::uint8_t reserved = 3;
+constexpr ParticleType background{0};
+constexpr ParticleType network{1};
+constexpr ParticleType explosion{2};
+constexpr ParticleType reserved{3};
 
 // The local player is at (50000, 50000). The canvas is 11445 by 9120.
 class Particles : public GameTest {
@@ -172,7 +172,7 @@ TEST_F(Particles, EachAxisWrapsRoundThePlayersOwn) {
 }
 
 TEST_F(Particles, OnlyTheBackgroundIsWrapped) {
-  for (const std::uint8_t type : {network, explosion, reserved}) {
+  for (const ParticleType type : {network, explosion, reserved}) {
     particle.type = type;
     particle.position = {0, 0};
     particle.wrap();
@@ -223,7 +223,7 @@ TEST_F(Particles, TheLimitHoldsOnBothAxesAndBothSides) {
 TEST_F(Particles, AnotherTypeKeepsTheDepth) {
   particle.init(0, background, 0, 0);
   particle.depth = 9;
-  for (const std::uint8_t type : {network, explosion, reserved}) {
+  for (const ParticleType type : {network, explosion, reserved}) {
     particle.init(0, type, 0, 0);
     EXPECT_EQ(particle.depth, 9);
   }
@@ -270,7 +270,7 @@ TEST_F(NetParticles, Q301AKindThatDoesNotExistLeavesTheTypeAsItIs) {
     EXPECT_THROW(fresh.initNormal(3, "abc", kind, 10, 20, 30, 40), RuntimeFault) << kind;
     EXPECT_EQ(fresh.num_, 3) << "stored ahead of the kind";
     EXPECT_EQ(fresh.id, "abc");
-    EXPECT_EQ(fresh.type, static_cast<std::uint8_t>(ParticleType::Background));
+    EXPECT_EQ(fresh.type, ParticleType::Background);
     EXPECT_EQ(fresh.position, (Vector{0, 0}));
     EXPECT_FALSE(fresh.spawned);
   }

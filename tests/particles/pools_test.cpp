@@ -18,7 +18,7 @@ TEST_F(Pools, TheFieldHas150ParticlesRoundThePlayerAndAnEmptySlot) {
   for (std::size_t i = 0; i < 150; ++i) {
     const clsParticle& particle = modMain::world.particles[i];
     EXPECT_EQ(particle.num_, static_cast<double>(i));
-    EXPECT_EQ(particle.type, 0);
+    EXPECT_EQ(particle.type, ParticleType::Background);
     EXPECT_LE(std::fabs(particle.position.x - 30000), 11445);
     EXPECT_LE(std::fabs(particle.position.y - 70000), 9120);
     EXPECT_GE(particle.depth, 2);
@@ -31,10 +31,10 @@ TEST_F(Pools, TheFieldHas150ParticlesRoundThePlayerAndAnEmptySlot) {
 
 TEST_F(Pools, ANewFieldTakesThePlaceOfTheOld) {
   modMain::createParticleField();
-  modMain::world.particles[3].type = 1;
+  modMain::world.particles[3].type = ParticleType::Network;
   modMain::world.particles[3].positionQueue = {{1, 1}};
   modMain::createParticleField();
-  EXPECT_EQ(modMain::world.particles[3].type, 0);
+  EXPECT_EQ(modMain::world.particles[3].type, ParticleType::Background);
   EXPECT_TRUE(modMain::world.particles[3].positionQueue.empty());
 }
 
@@ -44,7 +44,7 @@ TEST_F(Pools, AnExplosionHasOneParticleForEachCount) {
   ASSERT_EQ(modMain::world.explosionCount, 3);
   for (std::size_t i = 0; i < 3; ++i) {
     EXPECT_EQ(modMain::world.explosionParticles[i].num_, static_cast<double>(i));
-    EXPECT_EQ(modMain::world.explosionParticles[i].type, 2);
+    EXPECT_EQ(modMain::world.explosionParticles[i].type, ParticleType::Explosion);
   }
   EXPECT_EQ(modMain::world.explosionParticles[1].position, (Vector{100, 200}));
   EXPECT_EQ(modMain::world.explosionParticles[2].position, (Vector{300, 400}));
@@ -164,7 +164,7 @@ TEST_F(Pools, Q307AFieldTurnedIntoBallsDrawsNewVelocitiesAndIsNotWrapped) {
   clsParticle& particle = modMain::world.particles[0];
   const Vector place = particle.position;
   machine.scriptedDraws = {0.5F, 0.9F, 0.2F, 0.1F};  // Int(.5 * 15 + 1), to the right; Int(.2 * 15 + 1), up
-  particle.init(0, 1, 1, 2);
+  particle.init(0, ParticleType::Network, 1, 2);
   EXPECT_EQ(particle.velocity, (Vector{8, -4}));
   EXPECT_EQ(particle.position, place);
   particle.depth = 0;

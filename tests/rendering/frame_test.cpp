@@ -89,7 +89,7 @@ TEST_F(Frames, ThePoolsArePaintedBackgroundExplosionsNetwork) {
   modMain::receiveParticleNew("n", 4, 50000, 50000, 0, 0);
   modMain::world.particles.resize(1);
   clsParticle& star = modMain::world.particles[0];
-  star.type = 0;
+  star.type = ParticleType::Background;
   star.depth = 1;
   star.position = {50000 - 150, 50000 - 150};
   modMain::world.particleCount = 1;

@@ -25,7 +25,7 @@ class GoldenParticles : public GoldenPainting {
   void paintBalls(ParticleType type, bool blink) {
     for (int kind = 0; kind < 11; ++kind) {
       clsParticle particle;
-      particle.type = static_cast<std::uint8_t>(type);
+      particle.type = type;
       particle.kind = static_cast<std::uint8_t>(kind);
       particle.blink = blink;
       particle.position = worldAt(200 + 21 * (kind + 1), 221);

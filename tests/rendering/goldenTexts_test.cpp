@@ -22,7 +22,7 @@ TEST_F(GoldenTexts, ConsoleLinesOfEachTypeAndAge) {
     canvas().Cls();
     for (std::int16_t i = 0; i < 7; ++i) {
       const auto type = static_cast<std::int16_t>(isReversed ? 6 - i : i);
-      printChat("Type " + std::to_string(type) + " age " + std::to_string(6 - i), type);
+      printChat("Type " + std::to_string(type) + " age " + std::to_string(6 - i), LineType{type});
     }
     modMain::paintTextLines();
     pictures.push_back(cropped(canvas(), console));

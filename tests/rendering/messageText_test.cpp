@@ -52,7 +52,7 @@ TEST_F(MessageText, TheCentreMessageIsMeasuredInTheLabelsFont) {
 
 TEST_F(MessageText, Q264AColourOfBlackIsPaintedGrey) {
   for (std::uint8_t channel = 0; channel < 3; ++channel) fontMan::setFontColour(0, channel, 0);
-  printChat("x", 0);
+  printChat("x", LineType::PublicChat);
   EXPECT_EQ(modMain::world.chatLines[0].colour, Colour{});
   modMain::paintTextLines();
   EXPECT_EQ(pixelAt(canvas(), 60.0, 8720.0), RGB(50, 50, 50));

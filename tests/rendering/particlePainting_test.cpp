@@ -17,14 +17,14 @@ class ParticlePainting : public PaintTest {
   /// A background particle that would be at a given position on the canvas without the shift.
   clsParticle background(std::int16_t depth, double x, double y) {
     clsParticle particle;
-    particle.type = 0;
+    particle.type = ParticleType::Background;
     particle.depth = depth;
     particle.position = {static_cast<float>(50000 - 5722 + x), static_cast<float>(50000 - 4560 + y)};
     return particle;
   }
   clsParticle ball(ParticleType type, double x, double y) {
     clsParticle particle = background(0, x, y);
-    particle.type = static_cast<std::uint8_t>(type);
+    particle.type = type;
     particle.kind = 7;
     return particle;
   }
@@ -187,7 +187,7 @@ TEST_F(ParticlePainting, Q121ARemovedBallIsPaintedAllTheSame) {
 TEST_F(ParticlePainting, AReservedParticleDrawsNothing) {
   ball(ParticleType::Reserved, 3000, 3000).paintSelf();
   clsParticle other = ball(ParticleType::Reserved, 3000, 3000);
-  other.type = 77;
+  other.type = ParticleType{77};
   other.paintSelf();
   EXPECT_TRUE(isEmpty());
 }
@@ -218,7 +218,7 @@ TEST_F(ParticlePainting, AnExplosionParticleAgesOffTheCanvasToo) {
 TEST_F(ParticlePainting, AnExplosionParticleOutsideItsPoolIsCountedTo32767Paints) {
   // As the console makes them of the background: the particle that is removed is another one, or none.
   clsParticle particle;
-  particle.type = static_cast<std::uint8_t>(ParticleType::Explosion);
+  particle.type = ParticleType::Explosion;
   particle.age = 32766;
   particle.paintSelf();
   EXPECT_EQ(particle.age, 32767);

@@ -19,7 +19,7 @@ TEST_F(ParticleSheet, TheCellsSizeIsRoundedDown) {
   frmGfx->imgBalls.Width = 11 * 315.9F;
   frmGfx->imgBalls.Height = 315.9F;
   clsParticle ball;
-  ball.type = static_cast<std::uint8_t>(ParticleType::Network);
+  ball.type = ParticleType::Network;
   ball.position = {50000 - 5722 + 3023, 50000 - 4560 + 3023};
   ball.paintSelf();
   // 3023 - 315 = 2708 is nearest to pixel 181, 3023 - 315.9 = 2707.1 would be nearest to 180.

@@ -205,7 +205,7 @@ TEST_F(Captures, BothRolesShowTheSecondMessage) {
 TEST_F(Captures, TheConsoleLineIsAServerMessage) {
   capture(9, 8, "1", "1");
   const Colour serverColour = modMain::world.chatLines[0].colour;
-  printChat("x", 3);
+  printChat("x", LineType::ServerMessage);
   EXPECT_EQ(modMain::world.chatLines[0].colour, serverColour);
 }
 

@@ -2,10 +2,6 @@
 
 namespace kelvora {
 
-namespace {
-
-}  // namespace
-
 void GameTest::connect(const std::string& name, std::int16_t colour) {
   netMan::connectToServer(name, "127.0.0.1", 2010, "", colour);
   server().acceptConnection();

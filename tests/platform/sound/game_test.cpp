@@ -77,7 +77,7 @@ class SoundingGame : public ::testing::Test {
 
 TEST_F(SoundingGame, PlaysEveryEffectAloud) {
   soundMan::initAudio();
-  soundMan::playSound(0);
+  soundMan::playSound(soundMan::Sound{0});
   EXPECT_TRUE(play([this] { return isHeard(); }));
   for (int slot = 0; slot <= 8; ++slot) EXPECT_TRUE(frmSound->mm(slot).isOpen()) << slot;
 }

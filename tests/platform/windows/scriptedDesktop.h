@@ -15,7 +15,7 @@ class ScriptedSocket : public SocketPeer {
  public:
   explicit ScriptedSocket(Winsock& owner) : owner_(owner) {}
 
-  int state() const override { return state_; }
+  SocketState state() const override { return state_; }
   void connect(const std::string&, int) override { state_ = sckConnecting; }
   void close() override;
   void send(std::string_view) override {}
@@ -30,7 +30,7 @@ class ScriptedSocket : public SocketPeer {
 
  private:
   Winsock& owner_;
-  int state_ = sckClosed;
+  SocketState state_ = sckClosed;
   std::string arrived_;
 };
 
