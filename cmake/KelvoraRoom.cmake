@@ -3,7 +3,9 @@ add_library(kelvora_options INTERFACE)
 target_include_directories(kelvora_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(kelvora_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
-  -Woverloaded-virtual $<$<BOOL:${KELVORA_WERROR}>:-Werror>
+  -Woverloaded-virtual -Wformat=2 -Wcast-qual -Wextra-semi
+  $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond;-Wduplicated-branches;-Wlogical-op>
+  $<$<BOOL:${KELVORA_WERROR}>:-Werror>
   # g++ 12 sees overlapping copies in any optimised `"text" + std::string`.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-restrict>
   # Pictures and positions are the same on every machine only if no compiler fuses a multiplication and an addition.

@@ -58,27 +58,28 @@ void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
 void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) { raiseDoubleClick(control_, *event); }
 
 WidgetPeer::WidgetPeer(Control& control, QWidget* widget) : control_(control), widget_(widget) {
-  widget_->setGeometry(pixelPlace(control));
-  widget_->setVisible(control.Visible);
-  widget_->setToolTip(toQString(control.ToolTipText.get()));
+  widget->setGeometry(pixelPlace(control));
+  widget->setVisible(control.Visible);
+  widget->setToolTip(toQString(control.ToolTipText.get()));
 }
 
 WidgetPeer::~WidgetPeer() { delete widget_.data(); }
 
 void WidgetPeer::changed(PropertyId id) {
-  if (!widget_) return;
+  QWidget* const widget = widget_;
+  if (!widget) return;
   switch (id) {
     case PropertyId::Left:
     case PropertyId::Top:
     case PropertyId::Width:
     case PropertyId::Height:
-      widget_->setGeometry(pixelPlace(control_));
+      widget->setGeometry(pixelPlace(control_));
       break;
     case PropertyId::Visible:
-      widget_->setVisible(control_.Visible);
+      widget->setVisible(control_.Visible);
       return;
     case PropertyId::ToolTipText:
-      widget_->setToolTip(toQString(control_.ToolTipText.get()));
+      widget->setToolTip(toQString(control_.ToolTipText.get()));
       return;
     default:
       break;
@@ -87,9 +88,10 @@ void WidgetPeer::changed(PropertyId id) {
 }
 
 void WidgetPeer::takeFocus() {
-  if (!widget_) return;
-  if (widget_->window()->isVisible()) widget_->activateWindow();
-  widget_->setFocus(Qt::OtherFocusReason);
+  QWidget* const widget = widget_;
+  if (!widget) return;
+  if (widget->window()->isVisible()) widget->activateWindow();
+  widget->setFocus(Qt::OtherFocusReason);
 }
 
 namespace {
