@@ -9,6 +9,7 @@
 #include "frontend/frmMain.h"
 #include "frontend/updateCheck.h"
 #include "platform/backend.h"
+#include "rendering/playerPanel.h"
 #include "rendering/startLogo.h"
 
 namespace kelvora::modMain {
@@ -27,7 +28,7 @@ void startGame() {
   fontMan::initFonts();
   window.Show();
   window.showConnectionState();
-  window.setButtonsState(false);
+  setButtonsState(false);
   if (window.mnuUpdates.Checked) updateCheck::checkForUpdates();
   showStartLogo();
   frmConnect->Show();

@@ -8,7 +8,6 @@
 #include "network/receive.h"
 #include "network/session.h"
 #include "platform/backend.h"
-#include "rendering/frmGfx.h"
 #include "store/store.h"
 
 namespace kelvora {
@@ -128,13 +127,6 @@ void FrmMain::showConnectionState() {
   const SocketState state = sock.State();
   lblNetStatus.Caption = stateNames[state];
   lblNetStatus.BackColor = stateColour(state);
-}
-
-void FrmMain::setButtonsState(bool enabled) {
-  // Quirk Q-037: a grey button only looks grey. It still takes clicks.
-  const int face = enabled ? 1 : 0;
-  btnSpawn.setPicture(frmGfx->imgBtnPlay[face].Picture);
-  btnShop.setPicture(frmGfx->imgBtnStore[face].Picture);
 }
 
 void FrmMain::resizeControls() {

@@ -105,8 +105,6 @@ class FrmMain : public Form {
 
   /// Shows the socket's state in lblNetStatus.
   void showConnectionState();
-  /// Lights the two big buttons or greys them. They take clicks either way.
-  void setButtonsState(bool enabled);
   /// True once the mouse has moved with the left button held. Only the canvas's handlers write it.
   bool isLockMouse() const { return isLockMouse_; }
 

@@ -4,9 +4,9 @@
 #include "base/fault.h"
 #include "base/text.h"
 #include "core/modMain.h"
-#include "frontend/frmMain.h"
 #include "network/chat.h"
 #include "network/handlers.h"
+#include "rendering/playerPanel.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora::netMan {
@@ -60,7 +60,7 @@ void receiveRespawn(std::int16_t node) {
   clsPlayer* player = findPlayer(node);
   if (!player) return;
   player->respawn();
-  if (player == &world.localPlayer) frmMain->setButtonsState(false);
+  if (player == &world.localPlayer) modMain::setButtonsState(false);
 }
 
 void receivePowerupOn(std::int16_t node, std::int16_t item) {

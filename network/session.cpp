@@ -16,6 +16,7 @@
 #include "network/send.h"
 #include "particles/pools.h"
 #include "platform/backend.h"
+#include "rendering/playerPanel.h"
 #include "rendering/startLogo.h"
 #include "simulation/clsPlayer.h"
 #include "store/frmPowerups.h"
@@ -152,7 +153,7 @@ void receiveRoundOver(const std::string& text) {
   for (std::int16_t i = 0; i < world.opponentCount; ++i) modMain::playerAt(i).setAlive(false);
   modMain::world.roundMessage = text;
   printChat(text, LineType::ServerMessage);
-  frmMain->setButtonsState(true);
+  modMain::setButtonsState(true);
 }
 
 }  // namespace netMan

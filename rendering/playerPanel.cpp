@@ -1,5 +1,7 @@
 // The main window's panels for players: captures, kills, credits and lag.
 
+#include "rendering/playerPanel.h"
+
 #include "base/text.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
@@ -27,5 +29,12 @@ void clsPlayer::displayKills() { frmMain->lblKills[colour].Caption = numberText(
 void clsPlayer::displayFunds() { frmMain->lblCredits.Caption = numberText(funds_); }
 
 void clsPlayer::displayLag() { frmMain->lblLag.Caption = numberText(lag) + "/" + numberText(reportedLag); }
+
+void modMain::setButtonsState(bool enabled) {
+  // Quirk Q-037: a grey button only looks grey. It still takes clicks.
+  const int face = enabled ? 1 : 0;
+  frmMain->btnSpawn.setPicture(frmGfx->imgBtnPlay[face].Picture);
+  frmMain->btnShop.setPicture(frmGfx->imgBtnStore[face].Picture);
+}
 
 }  // namespace kelvora

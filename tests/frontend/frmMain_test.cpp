@@ -187,17 +187,17 @@ TEST_F(MainWindow, TheStatusBar) {
 
 TEST_F(MainWindow, ButtonsAreLitAndGreyed) {
   FrmMain& f = *frmMain;
-  f.setButtonsState(true);
+  modMain::setButtonsState(true);
   EXPECT_EQ(f.btnSpawn.background(), frmGfx->imgBtnPlay[1].Picture.get());
   EXPECT_EQ(f.btnShop.background(), frmGfx->imgBtnStore[1].Picture.get());
-  f.setButtonsState(false);
+  modMain::setButtonsState(false);
   EXPECT_EQ(f.btnSpawn.background(), frmGfx->imgBtnPlay[0].Picture.get());
   EXPECT_EQ(f.btnShop.background(), frmGfx->imgBtnStore[0].Picture.get());
 }
 
 TEST_F(MainWindow, Q037AGreySpawnButtonTakesClicks) {
   login();
-  frmMain->setButtonsState(false);
+  modMain::setButtonsState(false);
   frmMain->btnSpawn.Click();
   EXPECT_EQ(server().sent, "\x80\x98\x81");
   EXPECT_EQ(lines()[0], "Requesting spawn permission from the server...");
@@ -206,7 +206,7 @@ TEST_F(MainWindow, Q037AGreySpawnButtonTakesClicks) {
 
 TEST_F(MainWindow, Q037TheShopOpensInEitherState) {
   for (const bool lit : {false, true}) {
-    frmMain->setButtonsState(lit);
+    modMain::setButtonsState(lit);
     frmMain->btnShop.Click();
     EXPECT_TRUE(frmPowerups.isVisible()) << lit;
     frmPowerups.unload();

@@ -190,7 +190,7 @@ TEST_F(Dispatch, SpawnDenied) {
 TEST_F(Dispatch, Respawn) {
   world.localPlayer.alive = false;
   bob().alive = false;
-  frmMain->setButtonsState(true);
+  modMain::setButtonsState(true);
   serverSends(wire::msgRespawn, {"9"});
   EXPECT_TRUE(bob().alive);
   EXPECT_FALSE(world.localPlayer.alive);

@@ -277,7 +277,7 @@ TEST_F(Session, TheEndOfARoundKillsEverybodyAndLightsTheButtons) {
   login();
   join(9, 2, "Bob");
   join(10, 3, "Cat");
-  frmMain->setButtonsState(false);
+  modMain::setButtonsState(false);
   serverSends(wire::msgRoundOver, {"Round over"});
   EXPECT_FALSE(world.localPlayer.alive);
   EXPECT_FALSE(world.opponents[0].alive);

@@ -31,7 +31,7 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"rendering", {"base", "core", "frontend", "particles", "platform", "protocol", "raster", "simulation"}},
     {"store", {"audio", "base", "core", "frontend", "network", "platform", "protocol", "simulation"}},
     {"audio", {"base", "frontend", "platform", "store"}},
-    {"frontend", {"audio", "base", "core", "network", "platform", "protocol", "raster", "rendering", "store"}},
+    {"frontend", {"audio", "base", "core", "network", "platform", "protocol", "raster", "store"}},
     {"server", {"base", "server/config", "server/net"}},
     {"server/arena", {"base", "protocol"}},
     {"server/bots", {"base", "protocol", "server/arena"}},

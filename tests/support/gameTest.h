@@ -25,6 +25,7 @@
 #include "particles/pools.h"
 #include "protocol/messages.h"
 #include "rendering/paintFrame.h"
+#include "rendering/playerPanel.h"
 #include "rendering/pointer.h"
 #include "rendering/startLogo.h"
 #include "simulation/killerTails.h"
