@@ -7,23 +7,13 @@
 #include <limits>
 #include <string>
 
-#include "base/fault.h"
+#include "tests/support/faultOf.h"
 
 namespace kelvora {
 namespace {
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinite = std::numeric_limits<double>::infinity();
-
-template <class Call>
-std::string faultOf(Call&& call) {
-  try {
-    call();
-  } catch (const RuntimeFault& fault) {
-    return fault.what();
-  }
-  return "";
-}
 
 TEST(RoundToEven, SendsHalvesToTheEvenNeighbour) {
   EXPECT_EQ(roundToEven(0.5), 0);

@@ -10,19 +10,10 @@
 
 #include "base/bitCast.h"
 #include "base/fault.h"
+#include "tests/support/faultOf.h"
 
 namespace kelvora {
 namespace {
-
-template <class Call>
-std::string faultOf(Call&& call) {
-  try {
-    call();
-  } catch (const RuntimeFault& fault) {
-    return fault.what();
-  }
-  return "";
-}
 
 TEST(TrimBlanks, TakesBlanksOnlyAndFromTheEndsOnly) {
   EXPECT_EQ(trimBlanks("  a b  "), "a b");

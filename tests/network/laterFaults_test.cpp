@@ -8,6 +8,7 @@
 #include "base/fault.h"
 #include "platform/backend.h"
 #include "store/frmPowerups.h"
+#include "tests/support/faultOf.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
@@ -27,14 +28,6 @@ class LaterFaults : public GameTest {
   }
   /// Longer than a vertex lives.
   void runPastAVertex() { runFrames(120); }
-  std::string faultOf(const std::function<void()>& action) {
-    try {
-      action();
-    } catch (const RuntimeFault& fault) {
-      return fault.what();
-    }
-    return "";
-  }
   std::string faultOfFrames(int count, int timeScale = 1) {
     return faultOf([&] { runFrames(count, timeScale); });
   }
