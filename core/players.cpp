@@ -10,7 +10,7 @@
 
 namespace kelvora::modMain {
 
-void fillColourNames() { std::ranges::copy(rules::colourNames, world.colourNames.begin()); }
+void fillColourNames() { std::copy(rules::colourNames.begin(), rules::colourNames.end(), world.colourNames.begin()); }
 
 std::int16_t getPlayerIndex(std::int16_t node) {
   // Quirk Q-222: isConnected is not checked, so before the first login node 0 is the local player.

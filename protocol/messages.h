@@ -64,7 +64,8 @@ struct Message {
   Field layout[7]{};  ///< the fields in their order on the wire; unused ones have no name
 
   constexpr std::span<const Field> fields() const {
-    return {std::begin(layout), std::ranges::find(layout, std::string_view(), &Field::name)};
+    return {std::begin(layout),
+            std::find_if(std::begin(layout), std::end(layout), [](const Field& field) { return field.name.empty(); })};
   }
 };
 
@@ -121,7 +122,7 @@ inline constexpr auto messages = [] {
 /// The fields of a message that exists, in a constant expression.
 constexpr std::span<const Field> fieldsOf(Direction direction, MessageId id) {
   const auto isWanted = [=](const Message& message) { return message.direction == direction && message.id == id; };
-  return std::ranges::find_if(messages, isWanted)->fields();
+  return std::find_if(messages.begin(), messages.end(), isWanted)->fields();
 }
 
 }  // namespace kelvora::wire
