@@ -5,7 +5,7 @@ import os
 import time
 
 from desktopTest import DesktopTest
-from harness import TWIPS, wait_for
+from harness import PATIENCE, TWIPS, wait_for
 from match import TURBO, Pilot, Relay
 from protocol import ALIVE_STATE, BUY_ACCEPTED, POWERUP_ON, RESPAWN, ROUND_OVER, SERVER_TEXT, TAIL_CAPTURE
 from storeWindow import BUY, DONE, StoreWindow
@@ -50,7 +50,7 @@ class Match(DesktopTest):
                         "an easy bot captured")
         self.keep("capture")
         # It lands when the vertex ends; the winner's strip then shows the loser's mark.
-        deadline = time.monotonic() + harness.PATIENCE
+        deadline = time.monotonic() + PATIENCE
         while self.pixels(client, STRIP) == before and time.monotonic() < deadline:
             pilot.circle_nearest()
             relay.wait_for_news()

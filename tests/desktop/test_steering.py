@@ -5,7 +5,6 @@ import unittest
 
 from desktopTest import DesktopTest
 import rules
-from protocol import PING
 
 
 class Flight(DesktopTest):
