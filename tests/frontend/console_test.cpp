@@ -81,10 +81,10 @@ TEST_F(Console, Q043TheMarkCountsTowardsItsLine) {
   EXPECT_EQ(world.chatLines[0].text, "> " + std::string(22, 'c'));
   EXPECT_EQ(world.chatLines[3].text, "");
 
-  printChat(text.substr(0, 178), 0);
+  printChat(text.substr(0, 178), LineType::PublicChat);
   EXPECT_EQ(world.chatLines[1].text, std::string(90, 'a'));
   EXPECT_EQ(world.chatLines[0].text, "> " + std::string(88, 'b')) << "90 with the mark are one line";
-  printChat(text.substr(0, 179), 0);
+  printChat(text.substr(0, 179), LineType::PublicChat);
   EXPECT_EQ(world.chatLines[2].text, std::string(90, 'a'));
   EXPECT_EQ(world.chatLines[1].text, "> " + std::string(88, 'b'));
   EXPECT_EQ(world.chatLines[0].text, "> c");
