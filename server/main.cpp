@@ -82,12 +82,18 @@ int main(int argc, char** argv) {
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);
     // The terminal is closed. Ignored if nohup says so.
     if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) signals.add(SIGHUP);
+    bool hasStopped = false;
     std::function<void()> awaitSignal = [&] {
       signals.async_wait([&](boost::system::error_code error, int signal) {
-        if (error) return;
+        // A second signal may be on its way here when the server stops. It can't be cancelled, and must not be the
+        // reason for another wait, which would never end.
+        if (error || hasStopped) return;
         log(signalName(signal) + ": shutting down");
         awaitSignal();
-        server.stop([&] { signals.cancel(); });
+        server.stop([&] {
+          hasStopped = true;
+          signals.cancel();
+        });
       });
     };
     awaitSignal();

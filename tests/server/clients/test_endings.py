@@ -85,6 +85,15 @@ class Endings(unittest.TestCase):
                     for one in held:
                         one.close()
 
+    def test_two_signals_at_once(self):
+        server = Server()
+        for number in (signal.SIGSTOP, signal.SIGINT, signal.SIGTERM, signal.SIGCONT):
+            server.process.send_signal(number)
+        # Another signal would be one too many.
+        self.assertEqual(server.process.wait(30), 0)
+        server.process.stdout.close()
+        server.log_file.close()
+
 
 if __name__ == "__main__":
     unittest.main()
