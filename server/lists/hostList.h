@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 namespace kelvora::server {
 
@@ -30,7 +31,10 @@ struct HostQuery {
   bool withFull = true;
   bool withEmpty = true;
 
-  auto operator<=>(const HostQuery&) const = default;
+  bool operator<(const HostQuery& other) const {
+    return std::tie(version, withPassword, withFull, withEmpty) <
+           std::tie(other.version, other.withPassword, other.withFull, other.withEmpty);
+  }
 };
 
 /// Replaces a record's delimiters and the end mark by blanks.

@@ -44,7 +44,7 @@ std::shared_ptr<const std::string> HostRegistry::listing(const HostQuery& query,
     isVersionKnown = isVersionKnown || version == query.version;
   }
   text += endOfList;
-  const auto shared = std::make_shared<const std::string>(std::move(text));
+  auto shared = std::make_shared<const std::string>(std::move(text));
   if (isVersionKnown) listings_.emplace(query, shared);
   return shared;
 }
