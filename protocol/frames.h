@@ -15,21 +15,22 @@
 #include "protocol/messages.h"
 #include "protocol/wireFormat.h"
 
-/// Builds and reads frames as the table of messages has them. A call with the wrong fields does not compile.
+/// Builds and reads frames according to the table of messages. Building one with the wrong number or types of fields
+/// doesn't compile.
 namespace kelvora::wire {
 
-/// A number that is passed on as it came in.
+/// The text of a number, forwarded unchanged and unchecked.
 struct NumberText {
   std::string_view text;
 };
 
-/// A number as it was read, with its text.
+/// A number and the text that it was read from, which points into the message.
 struct Number {
   double value = 0;
   std::string_view text;
 };
 
-/// Whether a field of that type can be written from such a value.
+/// True if a field of this type can be written from a `Value`.
 template <class Value>
 constexpr bool canHold(FieldType type) {
   switch (type) {
@@ -57,7 +58,8 @@ void append(std::string& frame, Number number) {
   frame += numberText(number);
 }
 
-/// One frame. Texts go as they stand.
+/// Builds one frame from the values of its fields in their order. Texts aren't escaped, and whole numbers aren't
+/// checked against the field's range.
 template <Direction direction, MessageId id, class... Values>
 std::string buildFrame(const Values&... values) {
   static constexpr std::span<const Field> fields = fieldsOf(direction, id);
@@ -68,24 +70,25 @@ std::string buildFrame(const Values&... values) {
   static_assert(fit(std::index_sequence_for<Values...>()), "a field of the message has another type");
   std::string frame{frameStart, static_cast<char>(id)};
   frame.reserve(48);
-  // Quirk Q-060: the fields go as they stand. A name or password that holds a delimiter breaks its own frame.
+  // Quirk Q-060: fields aren't escaped. A name or password that contains a delimiter breaks its frame.
   ((append(frame, values), frame += fieldSeparator), ...);
   if constexpr (sizeof...(values) > 0) frame.pop_back();
   return frame += frameEnd;
 }
 
-/// A frame of a client.
+/// Builds a client's frame.
 template <MessageId id, class... Values>
 std::string toServer(const Values&... values) {
   return buildFrame<Direction::toServer, id>(values...);
 }
-/// A frame of the server.
+/// Builds a server's frame.
 template <MessageId id, class... Values>
 std::string toClient(const Values&... values) {
   return buildFrame<Direction::toClient, id>(values...);
 }
 
-/// One field, if the whole of it is of its type.
+/// The value of a field: a number, a Number for floating-point types, or a view of the text. Nothing unless the whole
+/// field is one number of its type. Both floating-point types are read as doubles.
 template <FieldType type>
 auto readField(std::string_view text) {
   if constexpr (type == FieldType::int16) {
@@ -100,15 +103,17 @@ auto readField(std::string_view text) {
   }
 }
 
-/// The texts of a message's fields; nothing if there are more or less of them than the table has.
+/// The texts of a message's fields, which point into `text`. Nothing if there are more or fewer than in the table. Not
+/// for messages without fields.
 template <Direction direction, MessageId id>
 auto readTexts(std::string_view text) {
   std::array<std::string_view, fieldsOf(direction, id).size()> fields;
   return splitFields(text, fields) ? std::optional(fields) : std::nullopt;
 }
 
-/// The values of a message's fields; nothing unless every field is there, no other is, and each is of its type. This
-/// is how the server and its bots read. The game's client is more lenient: see MessageFields.
+/// The values of a message's fields as a tuple. Nothing unless the number of fields is right and each one is of its
+/// type. Texts point into `text`. Not for messages without fields. The server and its bots read this way. The game's
+/// client is more lenient: see MessageFields.
 template <Direction direction, MessageId id>
 auto readMessage(std::string_view text) {
   static constexpr std::span<const Field> fields = fieldsOf(direction, id);
@@ -123,12 +128,12 @@ auto readMessage(std::string_view text) {
   return read(std::make_index_sequence<fields.size()>());
 }
 
-/// Reads a message that a client has sent.
+/// Reads a client's message.
 template <MessageId id>
 auto fromClient(std::string_view fields) {
   return readMessage<Direction::toServer, id>(fields);
 }
-/// Reads a message that the server has sent.
+/// Reads a server's message.
 template <MessageId id>
 auto fromServer(std::string_view fields) {
   return readMessage<Direction::toClient, id>(fields);

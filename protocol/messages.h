@@ -7,7 +7,7 @@
 #include <span>
 #include <string_view>
 
-/// The game's protocol, which docs/protocol.md describes.
+/// The game's protocol. See docs/protocol.md.
 namespace kelvora::wire {
 
 /// Message ids, one byte on the wire. 128 to 130 are the delimiters; 139, 143, 163, 166 and 167 are unused.
@@ -119,7 +119,7 @@ inline constexpr auto messages = [] {
   // clang-format on
 }();
 
-/// The fields of a message that exists, in a constant expression.
+/// The fields of a message. For constant expressions, where an unknown message doesn't compile.
 constexpr std::span<const Field> fieldsOf(Direction direction, MessageId id) {
   const auto isWanted = [=](const Message& message) { return message.direction == direction && message.id == id; };
   return std::find_if(messages.begin(), messages.end(), isWanted)->fields();

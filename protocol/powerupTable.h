@@ -18,7 +18,7 @@ struct Powerup {
   const char* name;    ///< in the store
   std::int16_t price;  ///< credits
   const char* description;
-  std::int16_t seconds;      ///< duration of one activation
+  std::int16_t seconds;      ///< duration of one activation; 0 for the pulse
   bool runs;                 ///< sets `active`; the pulse is over at once
   const char* announcement;  ///< centre message
   const char* collapse;      ///< console text after the player's name at an early end; null for none

@@ -12,22 +12,22 @@ inline constexpr char frameStart = static_cast<char>(128);
 inline constexpr char frameEnd = static_cast<char>(129);
 inline constexpr char fieldSeparator = static_cast<char>(130);
 
-/// A message as it came in.
+/// A received message. Its fields point into the frame.
 struct Incoming {
   int id = 0;
   std::string_view fields;  ///< with the separators between them
 };
 
-/// The id and the fields of a whole frame, without its start and end.
+/// The text (id and fields) of a whole frame, without its start and end; empty if the frame is too short.
 constexpr std::string_view textOf(std::string_view frame) {
   return frame.size() < 2 ? std::string_view() : frame.substr(1, frame.size() - 2);
 }
-/// Takes a frame's text apart. Nothing for an empty text, which has no id.
+/// Splits a frame's text into id and fields. Nothing for an empty text, which has no id.
 std::optional<Incoming> open(std::string_view text);
 
-/// The fields, cut at every separator. A text without a separator is one field.
+/// Splits the fields at every separator. A text without a separator is one field. The results point into `text`.
 std::vector<std::string_view> splitFields(std::string_view text);
-/// Cuts into exactly as many fields as there are places, at least one; false if the text has another number of fields.
+/// The same into `fields`. False if the text doesn't have exactly that many fields, or `fields` is empty.
 bool splitFields(std::string_view text, std::span<std::string_view> fields);
 
 }  // namespace kelvora::wire
