@@ -37,7 +37,7 @@ namespace {
 using Fields = const MessageFields&;
 using modMain::world;
 
-// A refusal is told in two statements, of which each fails alone.
+// Handling a refusal takes two statements. If the first faults, the second still runs.
 
 void loginDenied(Fields f) {
   resumeNext([&] { MsgBox("Login denied: \n" + f.text(0)); });
@@ -76,12 +76,12 @@ void storeDenied(Fields f) {
   soundMan::playSound(soundMan::Sound::Error);
 }
 
-/// Reads the fields as the table of messages types them and calls the handler with them.
+/// Reads the fields with their types in the table of messages and passes them to the handler.
 template <wire::MessageId id, auto handler>
 constexpr Route route{id, [](Fields f) {
                         static constexpr auto fields = wire::fieldsOf(wire::Direction::toClient, id);
-                        // Quirk Q-067: all fields are read ahead of the call, so that a message with too few of them,
-                        // or with one number too large, does nothing at all.
+                        // Quirk Q-067: all fields are read before the call, so a message with too few fields, or with
+                        // one number out of range, does nothing.
                         [&]<std::size_t... i>(std::index_sequence<i...>) { handler(f.read<fields[i].type>(i)...); }
                         (std::make_index_sequence<fields.size()>());
                       }};

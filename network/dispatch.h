@@ -10,8 +10,8 @@
 
 namespace kelvora::netMan {
 
-/// The fields of one message, by number from 0. RuntimeFault for a missing field, or a number out of the requested
-/// range. The text passed in must outlive this.
+/// The fields of one message, by number from 0. Numbers are read leniently: see docs/protocol.md. RuntimeFault for a
+/// missing field, or a number out of the requested range. The text passed in must outlive this.
 class MessageFields {
  public:
   MessageFields() = default;
@@ -23,7 +23,7 @@ class MessageFields {
   float single(std::size_t field) const;
   double real(std::size_t field) const;
 
-  /// The field as one of that type.
+  /// The field as a value of this type.
   template <wire::FieldType type>
   auto read(std::size_t field) const {
     if constexpr (type == wire::FieldType::text) return text(field);

@@ -4,10 +4,11 @@
 #include <string>
 
 /// Handlers of the server's messages. Only processMessages calls them, and it swallows their faults. Players are
-/// identified by node; an unknown node is taken for the first opponent. Positions are world units.
+/// identified by node; an unknown node is taken for the first opponent, if there is one. Positions are world units.
 namespace kelvora::netMan {
 
 void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y);
+/// The newcomer is alive if `alive` is 1.
 void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::string& name, float x, float y,
                          std::int16_t alive, std::int16_t kills);
 void receivePlayerLeft(std::int16_t node);
@@ -16,6 +17,7 @@ void receiveRoundOver(const std::string& text);
 void receivePosition(std::int16_t node, float x, float y);
 /// World units per frame.
 void receiveVelocity(std::int16_t node, float vx, float vy);
+/// The local player becomes a ghost if `alive` is 0. RuntimeFault for an opponent.
 void receiveAliveState(std::int16_t node, std::int16_t alive);
 /// Credits.
 void receiveFunds(std::int16_t node, double funds);

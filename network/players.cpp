@@ -17,7 +17,8 @@ namespace {
 
 bool isKnownOpponent(std::int16_t index) { return index >= 0 && index < world.opponentCount; }
 
-/// The player with this node, or null. An unknown node is taken for the first opponent, as by getPlayerIndex.
+/// The player with this node. An unknown node is taken for the first opponent, as by getPlayerIndex; null if there is
+/// none.
 clsPlayer* findPlayer(std::int16_t node) {
   const std::int16_t index = modMain::getPlayerIndex(node);
   if (index == -1) return &world.localPlayer;

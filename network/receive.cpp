@@ -31,8 +31,7 @@ void processMessages() {
   std::int16_t id = 0;
   while (const auto taken = messageQueue.takeFirstReady()) {
     MessageFields fields;
-    // Quirk Q-065: an entry of an end byte alone has no id. The one handled before it in this call stands, and its
-    // handler runs without any field.
+    // Quirk Q-065: an empty frame has no id. It reuses the one handled before it in this call, without any fields.
     if (const auto message = wire::open(taken->text)) {
       id = static_cast<std::int16_t>(message->id);
       fields = MessageFields(message->fields);

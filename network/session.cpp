@@ -94,7 +94,7 @@ void sendLogin() { sendMessage<wire::msgLogin>(playerName, serverPassword, prefe
 
 void requestSpawn() {
   sendMessage<wire::msgSpawnRequest>();
-  // Quirk Q-070: the line is printed also when there is no server to ask.
+  // Quirk Q-070: printed even if there is no server to ask.
   printChat("Requesting spawn permission from the server...", LineType::Plain);
 }
 

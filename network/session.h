@@ -21,6 +21,7 @@ void connectToServer(const std::string& name, const std::string& address, std::i
                      const std::string& password, std::int16_t colour);
 /// Closes the connection and opens the connect dialog. Ignores faults on the way.
 void disconnectFromServer();
+/// Sends the login with the stored data.
 void sendLogin();
 /// Requests a new life from the server and prints a line.
 void requestSpawn();
