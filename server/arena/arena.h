@@ -31,10 +31,11 @@ class Arena {
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
 
+  /// Adds a connection, which has to log in.
   void connected(ClientId client, Millis now) { lobby_.enter(client, now); }
   /// Handles one frame's text: id and fields. Invalid messages are dropped.
   void received(ClientId client, std::string_view text, Millis now);
-  /// The connection is closed, by either side.
+  /// Removes a connection that either side has closed.
   void disconnected(ClientId client);
   /// Call this several times a second.
   void tick(Millis now);

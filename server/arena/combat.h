@@ -18,6 +18,7 @@ class Combat {
   void activate(Player& player, std::string_view fields, Millis now);
   /// Applies the mover's weapons to the others, and theirs to the mover, along the way from `from`.
   void strikeOnTheWay(Player& mover, Point from, Millis now);
+  /// Applies everybody's weapons to everybody else at their current positions.
   void strikeAll(Millis now);
 
  private:

@@ -16,8 +16,10 @@ class Economy {
   void trade(Player& player, bool isSale, std::string_view fields, Millis now);
   /// Pays a player for the time spent alive since the last call.
   void payIncome(Player& player, Millis now);
+  /// Adds credits and tells everybody the new funds. Does nothing if `amount` is 0.
   void credit(Player& player, Entry entry, std::int64_t amount);
 
+  /// Tells everybody, or one client, a player's funds.
   void sendFunds(const Player& player) const;
   void sendFundsTo(ClientId client, const Player& player) const;
 

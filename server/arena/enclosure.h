@@ -16,6 +16,7 @@ struct Enclosure {
   std::optional<Spot> vertex;
 };
 
+/// Finds the living opponents in these loops. Changes nothing.
 Enclosure enclosedBy(const Player& winner, std::map<ClientId, Player>& players, const PendingCaptures& pending);
 
 }  // namespace kelvora::server

@@ -27,7 +27,9 @@ class Lobby {
   Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, std::string version,
         std::string password, std::uint32_t seed);
 
+  /// Adds a connection. Its time to log in starts now.
   void enter(ClientId client, Millis now) { visitors_.insert({client, Visitor{now}}); }
+  /// Removes a closed connection. Ignores a client that isn't in the lobby.
   void leave(ClientId client) { visitors_.erase(client); }
   /// `text` holds the login's fields. Ignores a client that isn't in the lobby or is already waiting.
   void login(ClientId client, std::string_view text, Millis now);

@@ -9,6 +9,7 @@
 
 namespace kelvora::server {
 
+/// How a report has moved a player.
 enum class Move { refused, step, jump };
 
 /// Moves a player to a reported spot. Refuses a spot out of reach at `speedFactor` times the design speed (0 for no
@@ -21,6 +22,7 @@ class Movement {
   Movement(Roster& roster, const PendingCaptures& pending, Lives& lives, Combat& combat, double speedFactor)
       : roster_(roster), pending_(pending), lives_(lives), combat_(combat), speedFactor_(speedFactor) {}
 
+  /// Handles a player's position report. Drops it if it is invalid, too early or out of reach.
   void report(Player& player, std::string_view fields, Millis now);
 
  private:

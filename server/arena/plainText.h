@@ -7,7 +7,7 @@
 
 namespace kelvora::server {
 
-/// True for bytes that are not letters in code page 1252: ASCII control characters and the five undefined bytes.
+/// True for ASCII control characters and for the five bytes that code page 1252 leaves undefined.
 constexpr bool isControl(char c) {
   const auto code = static_cast<unsigned char>(c);
   return code < 32 || code == 127 || (code > 127 && toUnicode(code) == code && code < 160);

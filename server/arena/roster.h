@@ -30,6 +30,7 @@ class Roster {
   /// All players in the order of their connections. References stay valid until the player leaves.
   std::map<ClientId, Player>& players() { return players_; }
   const std::map<ClientId, Player>& players() const { return players_; }
+  /// Players who have left but whose departure hasn't been announced.
   const std::vector<Player>& leavers() const { return leavers_; }
   /// Null if there is no such player.
   Player* find(ClientId client);
@@ -38,9 +39,10 @@ class Roster {
   bool hasBots() const;
   bool isFull() const { return players_.size() == colourCount; }
 
+  /// Leavers still hold their colours.
   bool isColourFree(std::int16_t colour) const;
   bool hasFreeColour() const;
-  /// A node for a newcomer: never 0, and not recently in use.
+  /// A node for a newcomer: 1 to 32767, not in use and not used recently.
   std::int16_t nextNode();
 
   void sendTo(ClientId client, const std::string& frame) const { output_.send(client, frame); }

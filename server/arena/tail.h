@@ -24,6 +24,7 @@ struct Spot {
   Point point() const { return {static_cast<double>(read.x), static_cast<double>(read.y)}; }
 };
 
+/// `x` and `y` are the texts of `read`.
 Spot spotOf(std::string_view x, std::string_view y, Vector read);
 
 /// A living player's tail as the rules see it: the reported spots, oldest first, for about as long as clients show
@@ -50,8 +51,9 @@ class Tail {
   void prune(Millis now);
   void clear();
 
+  /// Oldest first. Valid until the next change.
   std::span<const Vertex> vertices() const { return vertices_; }
-  /// The vertices on the grid.
+  /// The same vertices on the grid.
   std::span<const GridPoint> points() const { return points_; }
 
  private:

@@ -9,6 +9,7 @@ namespace kelvora::server {
 
 // Finds the players that charged tails, lasers and pulses hit. Changes nothing.
 
+/// The winner's weapon kills the loser.
 struct Hit {
   Player* winner;
   Player* loser;

@@ -23,6 +23,7 @@ class Mind {
  public:
   Mind(const Skill& skill, std::uint32_t seed) : skill_(skill), random_(seed) {}
 
+  /// Decides for the next 40 ms.
   Intent think(const BotView& view);
   /// The powerup to buy with the available credits; nothing if none is needed or affordable.
   std::optional<int> wantsToBuy(const BotView& view);
@@ -31,6 +32,7 @@ class Mind {
   /// Resets the plans at the start of a new life.
   void forget();
 
+  /// Random numbers, and events of the probability `part`.
   double between(double low, double high) { return std::uniform_real_distribution(low, high)(random_); }
   bool chance(double part) { return between(0, 1) < part; }
 

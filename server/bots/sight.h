@@ -17,7 +17,7 @@ class Sight {
   void add(std::vector<PlayerView> players, Millis now);
   void clear();
 
-  /// All players in the latest snapshot.
+  /// All players in the latest snapshot. Needs at least one snapshot.
   const std::vector<PlayerView>& players() const { return pictures_.front(); }
   /// A connection's player in the latest snapshot; null if not in it.
   const PlayerView* player(ClientId client) const;

@@ -40,6 +40,7 @@ struct HostQuery {
 /// Replaces a record's delimiters and the end mark by blanks.
 std::string recordText(std::string_view text);
 
+/// True if a host of this version belongs into the answer to the query.
 bool matches(const HostEntry& host, std::string_view version, const HostQuery& query);
 
 /// "[address|port|password|notes|players|maxPlayers]" with a password of 0 or 1.

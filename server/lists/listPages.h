@@ -25,6 +25,7 @@ class ListPages {
   const HostEntry& host() const { return host_; }
   /// True if this class answers the path.
   static bool has(std::string_view path);
+  /// Answers a request whose path `has` accepts. Refusals are answers with an error status.
   HttpAnswer answer(const HttpRequest& request, const Peer& peer, Millis now);
 
  private:

@@ -18,13 +18,15 @@ class PublishSchedule {
     if (hasFailed_) return last_ + retryInterval;
     return last_ + (hasNews_ ? newsInterval : interval);
   }
+  /// Something to announce has changed.
   void news() { hasNews_ = true; }
-  /// An announcement of all news so far begins.
+  /// An announcement begins, with all news so far.
   void begins(Millis now) {
     hasTried_ = true;
     hasNews_ = false;
     last_ = now;
   }
+  /// The announcement has ended.
   void ends(bool isSuccess) { hasFailed_ = !isSuccess; }
 
  private:

@@ -36,6 +36,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     std::function<void(ClientId client, const asio::ip::address& address)> onForwarded{};
     /// Called when the client speaks the game's protocol. Frames follow.
     std::function<void(ClientId client)> onGame;
+    /// Handles one frame's text: id and fields. The text is valid only during the call.
     std::function<void(ClientId client, std::string_view text)> onFrame;
     /// Answers a request. Status 101 accepts an upgrade to WebSocket.
     std::function<HttpAnswer(ClientId client, const HttpRequest& request)> onRequest;
@@ -50,6 +51,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void send(const std::string& frame);
   /// Stops sending once the queue is empty. The client then has `goodbyeTime` to close the connection.
   void hangUp();
+  /// Closes the connection at once. `reason` goes to `onClosed`.
   void close(const std::string& reason);
   /// Closes the connection if its time has run out. Call this several times a second.
   void closeIfOverdue(Clock::time_point now);

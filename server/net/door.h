@@ -25,7 +25,7 @@ class Door {
   static constexpr double burst = 32;
   static constexpr std::size_t maxNetworks = 4096;  ///< maximum number of networks remembered
 
-  /// True if a connection may come in. Each one must be followed by `left`.
+  /// True if a connection may come in. Call `left` when an admitted one ends.
   bool admits(const std::string& network, Millis now);
   void left(const std::string& network);
 

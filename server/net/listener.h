@@ -20,7 +20,9 @@ class Listener {
   /// Listens at once. Port 0 is any free one. A bad address or port throws std::system_error, whose text names both.
   Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers);
 
+  /// Accepts again after a failure. Does nothing otherwise.
   void resume();
+  /// Stops listening. No handler is called afterwards.
   void close();
   std::uint16_t port() const { return acceptor_.local_endpoint().port(); }
   /// "127.0.0.1:2010"

@@ -80,6 +80,7 @@ class PacedSocket {
     return state_->socket.async_write_some(buffers, std::forward<Token>(token));
   }
 
+  /// Tells the peer that nothing more follows.
   void endSending() {
     error_code ignored;
     state_->socket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);

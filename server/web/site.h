@@ -19,6 +19,7 @@ class Site {
   bool isEmpty() const { return files_.empty(); }
   /// True if the path is served; "/" is `index.html`.
   bool has(std::string_view path) const { return find(path) != nullptr; }
+  /// The file at the request's path, which `has` must accept. Status 304 if the client's copy is current.
   HttpAnswer answer(const HttpRequest& request) const;
 
  private:
