@@ -1,5 +1,5 @@
-// Writes the table of messages for what is not C++: "python" is a module with ids, fields and frame(), "dictionary" the
-// words that a fuzzer puts into its inputs.
+// Prints the table of messages for programs that aren't written in C++. "python" prints a module with ids, fields and
+// frame(). "dictionary" prints words that a fuzzer inserts into its inputs.
 
 #include <cctype>
 #include <iomanip>
@@ -16,7 +16,7 @@ namespace {
 
 using namespace kelvora;
 
-/// "msgPlayerJoined" is PLAYER_JOINED.
+/// "msgPlayerJoined" becomes PLAYER_JOINED.
 std::string pythonName(std::string_view name) {
   std::string words;
   for (const char c : name.substr(std::string_view("msg").size())) {
@@ -65,14 +65,14 @@ def frame(identifier, *fields):
 )";
 }
 
-/// A word in the form that libFuzzer reads.
+/// Writes a word in libFuzzer's format.
 void writeWord(std::ostream& out, std::string_view word) {
   std::ostringstream escaped;
   for (const char c : word) escaped << "\\x" << std::hex << std::setw(2) << std::setfill('0') << code(c);
   out << '"' << escaped.str() << "\"\n";
 }
 
-/// A value that a field of that type often has.
+/// A typical value for a field of this type.
 std::string_view sample(wire::FieldType type) {
   constexpr std::string_view samples[] = {"1", "70000", "50000.5", "10", "Ann"};
   return samples[static_cast<int>(type)];

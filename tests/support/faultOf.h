@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// The text of the fault that the call ends with; empty if it ends without one.
+/// The text of the RuntimeFault that the call throws; empty if it throws none.
 template <class Call>
 std::string faultOf(Call&& call) {
   try {

@@ -19,7 +19,7 @@ struct Part {
 
 /// The pixels of a part; black outside the surface.
 Picture cropped(const Surface& surface, const Part& part);
-/// Arranges pictures of the same size in rows of `columns`, separated by two grey pixels.
+/// Arranges at least one picture, all of the same size, in rows of `columns`, separated by two grey pixels.
 Picture sideBySide(const std::vector<Picture>& pictures, int columns);
 
 /// The folders of golden pictures and of failures' pictures.
@@ -28,8 +28,9 @@ struct GoldenFolders {
   std::filesystem::path left;
 };
 
-/// Compares every pixel of a picture with "<name>.png". Empty if they are the same. Otherwise a description, and
-/// "<name>-actual.png", "<name>-expected.png" and "<name>-difference.png" (white where they differ) are written. With
+/// Compares every pixel of a picture with "<name>.png". Returns an empty text if they are the same. Otherwise
+/// returns a description and writes "<name>-actual.png", "<name>-expected.png" and "<name>-difference.png" (white where
+/// they differ). With
 /// `renew`, the golden picture is replaced instead.
 std::string compareWithGolden(const std::string& name, const Picture& actual, const GoldenFolders& folders, bool renew);
 

@@ -27,9 +27,9 @@ inline void PrintTo(const WireMessage& message, std::ostream* out) {
   *out << ")";
 }
 
-// Frames are put together and taken apart here by hand, so that a fault of the program's own way shows.
+// Builds and parses frames independently of the program's code, so that tests can find its mistakes.
 
-/// The id and any fields, without start and end.
+/// The text of a frame, with any id and any fields, without start and end.
 inline std::string textOf(std::int16_t id, const std::vector<std::string>& fields) {
   std::string text(1, static_cast<char>(id));
   for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -38,11 +38,12 @@ inline std::string textOf(std::int16_t id, const std::vector<std::string>& field
   }
   return text;
 }
+/// The same with start and end.
 inline std::string frameOf(std::int16_t id, const std::vector<std::string>& fields) {
   return wire::frameStart + textOf(id, fields) + wire::frameEnd;
 }
 
-/// The message of one frame; a text that is none fails the test.
+/// Parses one frame. Fails the test if the text isn't one. A message without fields has one empty field.
 inline WireMessage messageOf(std::string_view frame) {
   if (frame.size() < 3 || frame.front() != wire::frameStart || frame.back() != wire::frameEnd) {
     ADD_FAILURE() << "not a frame: " << frame;
@@ -56,7 +57,7 @@ inline WireMessage messageOf(std::string_view frame) {
   message.fields.emplace_back(text);
   return message;
 }
-/// The messages of a run of whole frames. Bytes outside frames fail the test.
+/// Parses consecutive whole frames. Fails the test if there are bytes outside them.
 inline std::vector<WireMessage> parseFrames(std::string_view bytes) {
   std::vector<WireMessage> messages;
   while (!bytes.empty()) {

@@ -21,8 +21,8 @@ namespace kelvora {
 /// Plays for hours at the design pace, at full speed: a whole client, painting every frame, and a whole arena with five
 /// bots, in one process and on a clock set by hand. A script acts as the player: steers, respawns, trades and fires,
 /// chats, resizes the window. Every half hour it leaves, is refused for a wrong password, and comes back. Another
-/// player comes and goes. Messages that the arena never sends (velocities, refused spawns, network particles) are
-/// injected.
+/// player comes and goes. Messages that the arena doesn't send in such a game, such as velocities, refused spawns and
+/// network particles, are injected.
 class LongPlay : private HeadlessClient, private server::ArenaOutput {
  public:
   static constexpr int framesPerSecond = 100;
