@@ -1,11 +1,13 @@
 #include "server/web/http.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/rfc7230.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
 #include <charconv>
+#include <iterator>
 
 namespace kelvora::server {
 
@@ -14,6 +16,23 @@ namespace http = boost::beast::http;
 namespace {
 
 std::string text(boost::beast::string_view view) { return {view.data(), view.size()}; }
+
+/// The last line of a header, or nothing. Programs in between add theirs behind those that they got.
+std::string lastLine(const http::fields& head, boost::beast::string_view name) {
+  const auto [first, end] = head.equal_range(name);
+  return first == end ? std::string() : text(std::prev(end)->value());
+}
+
+/// True if an Accept-Encoding lists gzip, not as "gzip;q=0", which refuses it.
+bool takesGzip(boost::beast::string_view accepted) {
+  http::ext_list codings(accepted);
+  const auto gzip = codings.find("gzip");
+  if (gzip == codings.end()) return false;
+  const auto& parameters = gzip->second;
+  return std::none_of(parameters.begin(), parameters.end(), [](const auto& parameter) {
+    return parameter.first == "q" && parameter.second.find_first_not_of("0.") == boost::beast::string_view::npos;
+  });
+}
 
 /// Decodes "%41" to "A" and "+" to a blank. A percent sign without two digits is literal.
 std::string decoded(std::string_view escaped) {
@@ -76,9 +95,9 @@ HttpReader::Result HttpReader::read(std::string_view bytes) {
               .host = text(head[http::field::host]),
               .origin = text(head[http::field::origin]),
               .authorization = text(head[http::field::authorization]),
-              .forwardedFor = text(head["X-Forwarded-For"]),
+              .forwardedFor = lastLine(head, "X-Forwarded-For"),
               .ifNoneMatch = text(head[http::field::if_none_match]),
-              .acceptsGzip = http::token_list(head[http::field::accept_encoding]).exists("gzip"),
+              .acceptsGzip = takesGzip(head[http::field::accept_encoding]),
               // A body would have to be read first.
               .keepsAlive = parser.keep_alive() && !parser.chunked() && parser.content_length().value_or(0) == 0,
               .isUpgrade = boost::beast::websocket::is_upgrade(head)};

@@ -61,11 +61,21 @@ TEST(HttpReader, KeepsAConnectionOnlyWithoutABody) {
 
 TEST(HttpReader, ParsesTheAcceptHeaders) {
   EXPECT_TRUE(request("GET / HTTP/1.1\r\nAccept-Encoding: br, gzip\r\n\r\n").acceptsGzip);
-  EXPECT_FALSE(request("GET / HTTP/1.1\r\nAccept-Encoding: gzipped\r\n\r\n").acceptsGzip);
+  EXPECT_TRUE(request("GET / HTTP/1.1\r\nAccept-Encoding: br;q=1.0, GZIP;q=0.8\r\n\r\n").acceptsGzip);
+  for (const char* list : {"gzipped", "gzip;q=0", "br, gzip; q=0.000", "identity", ""}) {
+    EXPECT_FALSE(request("GET / HTTP/1.1\r\nAccept-Encoding: " + std::string(list) + "\r\n\r\n").acceptsGzip) << list;
+  }
   EXPECT_TRUE(request("GET /play HTTP/1.1\r\nHost: h\r\nConnection: keep-alive, Upgrade\r\nUpgrade: websocket\r\n"
                       "Sec-WebSocket-Version: 13\r\n\r\n")
                   .isUpgrade);
   EXPECT_FALSE(request("GET /play HTTP/1.1\r\nUpgrade: h2c\r\nConnection: Upgrade\r\n\r\n").isUpgrade);
+}
+
+TEST(HttpReader, TheLastForwardingLineIsTheProxys) {
+  EXPECT_EQ(request("GET / HTTP/1.1\r\nX-Forwarded-For: 192.0.2.1\r\nHost: h\r\nx-forwarded-for: 192.0.2.2\r\n\r\n")
+                .forwardedFor,
+            "192.0.2.2");
+  EXPECT_EQ(request("GET / HTTP/1.1\r\n\r\n").forwardedFor, "");
 }
 
 TEST(HttpReader, AHeadMayHave4096Bytes) {
