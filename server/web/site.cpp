@@ -3,6 +3,8 @@
 #include <array>
 #include <fstream>
 #include <memory>
+#include <optional>
+#include <system_error>
 #include <utility>
 
 namespace kelvora::server {
@@ -46,13 +48,23 @@ BodySource contents(const fs::path& file, std::size_t size) {
   };
 }
 
-}  // namespace
+struct Copy {
+  std::size_t size = 0;
+  std::string tag;  // including its quotes
+};
 
-Site::Copy Site::copyOf(const fs::path& file) {
-  const auto changed = fs::last_write_time(file).time_since_epoch().count();
-  const std::size_t size = fs::file_size(file);
-  return {file, size, '"' + std::to_string(size) + "-" + std::to_string(changed) + '"'};
+/// The file as it is now, which may have been replaced or removed since the start.
+std::optional<Copy> copyOf(const fs::path& file) {
+  std::error_code error;
+  if (!fs::is_regular_file(fs::symlink_status(file, error))) return std::nullopt;
+  const std::size_t size = fs::file_size(file, error);
+  if (error) return std::nullopt;
+  const auto changed = fs::last_write_time(file, error).time_since_epoch().count();
+  if (error) return std::nullopt;
+  return Copy{size, '"' + std::to_string(size) + "-" + std::to_string(changed) + '"'};
 }
+
+}  // namespace
 
 Site::Site(const fs::path& folder) {
   if (folder.empty()) return;
@@ -61,10 +73,10 @@ Site::Site(const fs::path& folder) {
     if (!entry.is_regular_file() || entry.path().extension() == ".gz") continue;
     const auto real = fs::canonical(entry.path());
     if (std::mismatch(root.begin(), root.end(), real.begin(), real.end()).first != root.end()) continue;
-    File file{.type = typeOf(entry.path()), .plain = copyOf(real), .gzip = {}};
+    File file{.type = typeOf(entry.path()), .plain = real, .gzip = {}};
     fs::path compressed = real;
     compressed += ".gz";
-    if (fs::is_regular_file(fs::symlink_status(compressed))) file.gzip = copyOf(compressed);
+    if (fs::is_regular_file(fs::symlink_status(compressed))) file.gzip = compressed;
     files_.emplace("/" + entry.path().lexically_relative(root).generic_string(), std::move(file));
   }
 }
@@ -76,19 +88,21 @@ const Site::File* Site::find(std::string_view path) const {
 
 HttpAnswer Site::answer(const HttpRequest& request) const {
   const File& file = *find(request.path());
-  const bool isCompressed = request.acceptsGzip && !file.gzip.file.empty();
-  const Copy& copy = isCompressed ? file.gzip : file.plain;
+  const bool isCompressed = request.acceptsGzip && !file.gzip.empty();
+  const fs::path& path = isCompressed ? file.gzip : file.plain;
+  const auto copy = copyOf(path);
+  if (!copy) return {.status = 404, .body = "This page does not exist.\n"};
   HttpAnswer answer{.type = file.type, .mayKeepAlive = true};
   // The client asks each time whether the file has changed, so that updates are seen at once.
-  answer.headers = {"Cache-Control: no-cache", "ETag: " + copy.tag, "Vary: Accept-Encoding",
+  answer.headers = {"Cache-Control: no-cache", "ETag: " + copy->tag, "Vary: Accept-Encoding",
                     "X-Content-Type-Options: nosniff"};
-  if (request.ifNoneMatch == copy.tag) {
+  if (request.ifNoneMatch == copy->tag) {
     answer.status = 304;
     return answer;
   }
   if (isCompressed) answer.headers.emplace_back("Content-Encoding: gzip");
-  answer.moreSize = copy.size;
-  answer.more = contents(copy.file, copy.size);
+  answer.moreSize = copy->size;
+  answer.more = contents(path, copy->size);
   return answer;
 }
 

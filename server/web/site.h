@@ -10,7 +10,8 @@
 namespace kelvora::server {
 
 /// The files of a folder, served over HTTP. The folder is scanned once: files added later aren't served, nor are
-/// targets of links that lead outside. A file `name.gz` is the compressed copy of `name`.
+/// targets of links that lead outside. Files that change are served as they are then. A file `name.gz` is the
+/// compressed copy of `name`.
 class Site {
  public:
   /// Without a folder nothing is served. Throws std::filesystem::filesystem_error if the folder can't be read.
@@ -23,18 +24,12 @@ class Site {
   HttpAnswer answer(const HttpRequest& request) const;
 
  private:
-  struct Copy {
-    std::filesystem::path file;
-    std::size_t size = 0;
-    std::string tag;  ///< including its quotes
-  };
   struct File {
     std::string type;
-    Copy plain;
-    Copy gzip;  ///< has no file if there is none
+    std::filesystem::path plain;
+    std::filesystem::path gzip;  ///< empty if there is none
   };
 
-  static Copy copyOf(const std::filesystem::path& file);
   const File* find(std::string_view path) const;
 
   std::map<std::string, File, std::less<>> files_;  // by path, "/index.html"

@@ -107,6 +107,19 @@ TEST_F(SiteTest, AFileThatHasShrunkIsFilledUp) {
   EXPECT_EQ(bodyOf(answer).size(), 40'000U);
 }
 
+TEST_F(SiteTest, AReplacedFileIsServedAsItIsNow) {
+  const Site site(folder);
+  HttpRequest request = get("/js/game.wasm");
+  request.ifNoneMatch = header(site.answer(request), "ETag");
+  write("site/js/game.wasm", std::string(50'000, 'v'));
+  EXPECT_EQ(site.answer(request).status, 200U);
+  EXPECT_EQ(bodyOf(site.answer(request)), std::string(50'000, 'v'));
+  fs::remove(folder / "js/game.wasm");
+  EXPECT_EQ(site.answer(request).status, 404U);
+  fs::create_symlink(root / "secret.txt", folder / "js/game.wasm");
+  EXPECT_EQ(site.answer(request).status, 404U);
+}
+
 TEST_F(SiteTest, WithoutAFolderItIsEmpty) {
   EXPECT_FALSE(Site().has("/"));
   EXPECT_THROW(Site(root / "nowhere"), fs::filesystem_error);
