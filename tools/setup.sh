@@ -10,6 +10,10 @@ check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 cla
 # Packages for the browser build and its tests.
 web_packages="g++ cmake ninja-build ccache emscripten googletest libstb-dev libpng-dev libjpeg-dev"
 
+# Packages for the Windows build and its tests.
+windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libpng-dev
+  libjpeg-dev"
+
 say() { printf '==> %s\n' "$*"; }
 fail() {
   printf '%s\n' "" "$@" >&2

@@ -12,8 +12,8 @@
 #define STBI_MAX_DIMENSIONS 8192
 #include <stb_image.h>
 
-// The browser build's decoder, in place of decodePng.cpp and decodeJpeg.cpp. It gives the same pixels for PNG files,
-// but doesn't check their checksums and refuses transparency. JPEG colours may differ by a rounding.
+// The decoder of the browser and Windows builds, in place of decodePng.cpp and decodeJpeg.cpp. It gives the same pixels
+// for PNG files, but doesn't check their checksums and refuses transparency. JPEG colours may differ by a rounding.
 
 namespace kelvora {
 

@@ -14,7 +14,7 @@ bool writePng(const std::filesystem::path& path, const Picture& picture) {
   for (const Pixel pixel : picture.pixels) {
     for (const int shift : {16, 8, 0}) rgb.push_back(static_cast<unsigned char>(pixel >> shift & 255));
   }
-  return stbi_write_png(path.c_str(), picture.width, picture.height, 3, rgb.data(), picture.width * 3) != 0;
+  return stbi_write_png(path.string().c_str(), picture.width, picture.height, 3, rgb.data(), picture.width * 3) != 0;
 }
 
 }  // namespace kelvora

@@ -12,7 +12,7 @@
 #include "platform/pictures/pictureFile.h"
 
 // Prints checksums of what has to be the same in every build: figures COUNT PICTURE... takes COUNT numbers of each kind
-// through the texts of base, and the pixels of the pictures. tests/web/compare.sh compares two builds.
+// through the texts of base, and the pixels of the pictures. tests/figures/compare.sh compares two builds.
 namespace {
 
 using namespace kelvora;
