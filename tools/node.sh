@@ -1,4 +1,4 @@
 #!/bin/sh
-# Runs a program of the browser build in Node. Node 18 and newer have a fetch of their own, which Emscripten 3.1.6 takes
+# Runs a program of the browser build in Node. Node 18 and newer have their own fetch, which Emscripten 3.1.6 mistakes
 # for a browser's.
 exec node --no-experimental-fetch "$@"
