@@ -1,4 +1,4 @@
-# The Debian packages; tools/package.sh builds them in a folder of their own, configured for /usr.
+# The Debian packages. tools/package.sh builds them in their own folder, configured for /usr.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kelvora)
 set(CPACK_PACKAGE_VENDOR "The Kelvora developers")
@@ -24,21 +24,21 @@ set(CPACK_DEBIAN_KELVORA_PACKAGE_NAME kelvora)
 set(CPACK_DEBIAN_KELVORA_PACKAGE_DEPENDS "fonts-comic-neue, fonts-liberation")
 set(CPACK_DEBIAN_KELVORA_PACKAGE_SUGGESTS kelvora-server)
 set(CPACK_DEBIAN_KELVORA_DESCRIPTION "arena game: capture the others in loops of your tail
-Each player steers a ball with the mouse through a square world and trails a
-tail of short life. Who closes a loop of his tail around an opponent captures
-him. Credits buy shields, turbo, charged and extra long tails, a laser and an
-electromagnetic pulse. Players chat on the picture of the game.
+You steer a ball with the mouse through a square world, and your ball trails a
+short-lived tail. Enclose an opponent in a loop of your tail to capture them.
+Credits buy shields, turbo, charged and extra long tails, a laser and an
+electromagnetic pulse. Players can chat over the game view.
 
-This package has the game itself, which needs a server to connect to: one of
-the net, or the one of the package kelvora-server, which brings bots.")
+This package has the game itself. It needs a server to connect to. The package
+kelvora-server has one, with bots.")
 
 set(CPACK_DEBIAN_KELVORA-SERVER_PACKAGE_NAME kelvora-server)
 set(CPACK_DEBIAN_KELVORA-SERVER_DESCRIPTION "server with bots for the arena game Kelvora
-Runs an arena for up to six players of the game Kelvora, with up to five bots
-of three skills, and publishes it in lists of games on request.
+Runs an arena for up to six players of the game Kelvora. Up to five bots of
+three skills join them. The server can publish itself in lists of games.
 
-A template unit for systemd starts as many arenas as are wanted, each with a
-configuration file of its own.")
+A systemd template unit runs any number of arenas, each with its own
+configuration file.")
 set(CPACK_DEBIAN_KELVORA-SERVER_PACKAGE_CONTROL_EXTRA
   "${CMAKE_SOURCE_DIR}/packaging/server/conffiles"
   "${CMAKE_SOURCE_DIR}/packaging/server/postinst"
