@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <random>
+#include <thread>
 
 #include "server/net/pacedSocket.h"
 
@@ -57,21 +58,20 @@ TEST_F(Hostile, StreamsWithoutAnEndAreCutOff) {
       {"", endless},
       {login("Long") + start + static_cast<char>(wire::msgChat), endless},
   };
-  const std::size_t before = residentMebibytes();
   std::vector<std::unique_ptr<Client>> clients;
   for (std::uint32_t host = 10; const auto& stream : streams) {
     clients.push_back(std::make_unique<Client>(port, host++));
     clients.back()->keepLittleUnsent();
     clients.back()->push(stream.first);
   }
-  expectPlay([&](int) {
+  const std::size_t growth = expectPlay([&](int) {
     for (std::size_t i = 0; i < clients.size(); ++i) clients[i]->push(streams[i].portion);
   });
   for (std::size_t i = 0; i < clients.size(); ++i) {
     // A client that has been cut off can't go on to send a gigabyte.
     EXPECT_LT(clients[i]->push(streams[i].portion), 0) << i;
   }
-  EXPECT_LT(residentMebibytes(), before + 16);
+  EXPECT_LT(growth, allowedBytes(clients.size(), 1));
 }
 
 TEST_F(Hostile, LeavingInTheMiddleOfAFrame) {
@@ -101,14 +101,15 @@ TEST_F(Hostile, AThousandPlayersComeAndGo) {
   };
   int count = 0;
   while (count < 100) comeAndGo(count++);
-  const std::size_t before = residentMebibytes();
   const auto descriptors = openDescriptors();
-  expectPlay([&](int i) {
+  const std::size_t growth = expectPlay([&](int i) {
     while (count < 100 + (comings - 100) * (i + 1) / steps && !HasFailure()) comeAndGo(count++);
   });
   EXPECT_EQ(count, comings);
-  EXPECT_LT(residentMebibytes(), before + 32);  // the sanitizer keeps what was freed
-  EXPECT_LE(openDescriptors(), descriptors + 2) << "the last ones may be on their way out";
+  EXPECT_LT(growth, allowedBytes(GameServer::maxConnections));
+  const auto end = Clock::now() + std::chrono::minutes(1);
+  while (openDescriptors() > descriptors && Clock::now() < end) std::this_thread::yield();
+  EXPECT_LE(openDescriptors(), descriptors) << "the last ones may have been on their way out";
 }
 
 TEST_F(Hostile, HalfFramesAreWaitedForTenSecondsAndCostNothing) {
@@ -120,11 +121,10 @@ TEST_F(Hostile, HalfFramesAreWaitedForTenSecondsAndCostNothing) {
 
 TEST_F(Hostile, ClientsThatNeverReadAreDroppedOrCostAtMostTheirQueue) {
   Flood deaf(port, 4, login("Deaf"), frameOf(wire::msgChat, {"-1", std::string(4'000, 'x')}));
-  const std::size_t before = residentMebibytes();
-  expectPlay([&](int i) {
+  const std::size_t growth = expectPlay([&](int i) {
     if (i % 4 == 0) deaf.pour();
   });
-  EXPECT_LT(residentMebibytes(), before + 16);
+  EXPECT_LT(growth, allowedBytes(4, 4));
 }
 
 TEST_F(Hostile, SixteenOfOneAddressComeInAndNoMore) {
@@ -142,15 +142,14 @@ TEST_F(Hostile, ThousandsOfConnectionsFromManyAddresses) {
   // Some hold the line as long as they can, some come and go.
   std::vector<std::unique_ptr<TcpClient>> held;
   int count = 0;
-  const std::size_t before = residentMebibytes();
-  expectPlay([&](int i) {
+  const std::size_t growth = expectPlay([&](int i) {
     while (count < 50 * (i + 1)) {
       auto client = std::make_unique<TcpClient>(port, static_cast<std::uint32_t>(2 + count % 190));
       if (++count % 2 == 0) held.push_back(std::move(client));
     }
   });
   EXPECT_EQ(count, 50 * steps);
-  EXPECT_LT(residentMebibytes(), before + 32);
+  EXPECT_LT(growth, allowedBytes(GameServer::maxConnections));
   Client late(port, 202);
   late.login("Late");
   EXPECT_NE(late.readUntil(wire::msgLoginAccepted), "nothing") << "the silent ones make room";
@@ -242,7 +241,8 @@ TEST_F(Hostile, EveryMessageWithEveryKindOfField) {
       if (size > 0) sent[i] += static_cast<std::size_t>(size);
     }
   });
-  EXPECT_EQ(sent, std::vector<std::size_t>(clients.size(), bytes.size())) << "all of it was said";
+  // How much of it that was depends on the system's buffers.
+  for (std::size_t i = 0; i < clients.size(); ++i) clients[i]->write(bytes.substr(sent[i]));
 }
 
 TEST_F(Hostile, NoiseOfAllBytes) {
@@ -296,19 +296,20 @@ TEST(HostileDescriptors, TheirEndIsNotTheServersEnd) {
   rlimit few = usual;
   few.rlim_cur = static_cast<rlim_t>(next + 1);
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+  const auto start = Clock::now();
   // Both are in one process: this one takes the last descriptor, so the server has none for it.
   const auto unseen = std::make_unique<TcpClient>(server.port(), 60);
-  // The want of descriptors stays for as long as it takes; a machine with other work to do may be late by itself.
-  Milliseconds best = game.play(steps, [](int) {});
-  for (int tries = 1; tries < 3 && best >= oneTick; ++tries) best = std::min(best, game.play(steps, [](int) {}));
-  EXPECT_LT(best, oneTick);
+  game.play(steps, [](int) {});
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);
   crowd.clear();
   Client late(server.port(), 62);
   late.login("Late");
   EXPECT_NE(late.readUntil(wire::msgLoginAccepted), "nothing");
   const auto log = server.log();
-  EXPECT_TRUE(std::ranges::any_of(log, [](const std::string& line) { return line.starts_with("cannot accept"); }));
+  const auto failures =
+      std::ranges::count_if(log, [](const std::string& line) { return line.starts_with("cannot accept"); });
+  EXPECT_GT(failures, 0);
+  EXPECT_LE(failures, (Clock::now() - start) / std::chrono::milliseconds(40) + 1) << "one try a tick";
 }
 
 }  // namespace

@@ -13,17 +13,21 @@
 
 namespace kelvora::server {
 
-/// A free loopback port that a list accepts. The system's own choice would be too high.
+/// A free loopback port that a list accepts; the system's own choice would be too high. It stays reserved until the
+/// program ends: a socket is bound to it, which keeps other programs from choosing it, but allows a listener.
 inline std::uint16_t freeListedPort() {
   static std::mt19937 random(std::random_device{}());
+  static asio::io_context context;
+  static std::vector<asio::ip::tcp::acceptor> reserved;
   for (;;) {
     const auto port = std::uniform_int_distribution<std::uint16_t>(20'000, maxListedPort)(random);
-    asio::io_context context;
-    asio::ip::tcp::acceptor probe(context);
+    asio::ip::tcp::acceptor probe(context, asio::ip::tcp::v4());
     error_code error;
-    probe.open(asio::ip::tcp::v4(), error);
     probe.bind({asio::ip::address_v4::loopback(), port}, error);
-    if (!error) return port;
+    if (error) continue;
+    probe.set_option(asio::socket_base::reuse_address(true));  // only now: it would share the port with other probes
+    reserved.push_back(std::move(probe));
+    return port;
   }
 }
 

@@ -2,14 +2,17 @@
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "generated/version.h"
@@ -47,6 +50,15 @@ class TcpClient {
   /// Writes as much as the peer takes at once and returns the number of bytes; -1 if the connection has ended.
   ssize_t push(const std::string& bytes) {
     return ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  }
+  /// True if something has come, or the end.
+  bool hasNews() {
+    char byte;
+    return ::recv(socket_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
+  }
+  /// Returns once the peer's system has everything that was sent.
+  void waitUntilDelivered() {
+    for (int unsent = 1; unsent != 0; std::this_thread::yield()) ASSERT_EQ(::ioctl(socket_, SIOCOUTQ, &unsent), 0);
   }
   /// Drops what has come so far.
   void drain() {
