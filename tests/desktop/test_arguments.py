@@ -15,7 +15,7 @@ def answer(client, *arguments, **environment):
     # Without a display: an answer needs none.
     kept = {name: os.environ[name] for name in ("PATH", "HOME", "LSAN_OPTIONS") if name in os.environ}
     done = subprocess.run([client, *arguments], env=dict(kept, **environment), stdin=subprocess.DEVNULL,
-                          capture_output=True, text=True, timeout=30)
+                          capture_output=True, text=True, timeout=60)
     return done.returncode, done.stdout.splitlines()
 
 

@@ -145,7 +145,7 @@ class HostileTest(DesktopTest):
         if line:
             line.close()
         server = self.start_server()
-        watcher = harness.Line(socket.create_connection(("127.0.0.1", server.port), 5))
+        watcher = harness.Line(socket.create_connection(("127.0.0.1", server.port), harness.PATIENCE))
         self.addCleanup(watcher.close)
         watcher.send(LOGIN, "Watcher", "", 1, harness.VERSION)
 

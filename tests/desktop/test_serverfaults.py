@@ -126,8 +126,8 @@ class ServerFaults(unittest.TestCase):
         process.send_signal(signal.SIGSTOP)
         line.send(POSITION_REPORT, *place)
         line.frames_during(1.5)
-        process.send_signal(signal.SIGCONT)
         line.send(CHAT, -1, "hello")
+        process.send_signal(signal.SIGCONT)
         frames = []
         while not frames or frames[-1][0] != CHAT:
             frames.append(line.recv_frame())

@@ -4,7 +4,6 @@ is ended here."""
 
 import os
 import pathlib
-import random
 import re
 import shutil
 import signal
@@ -13,6 +12,8 @@ import subprocess
 import sys
 import tempfile
 import time
+
+from ports import free_port
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 CLIENT = os.environ.get("KELVORA_CLIENT")
@@ -119,17 +120,8 @@ def stop(process):
 
 
 def listener():
-    """A socket that listens on a free port; the connect dialog takes none from 32767 on."""
-    while True:
-        try:
-            return socket.create_server(("127.0.0.1", random.randrange(20000, 32000)))
-        except OSError:
-            pass
-
-
-def free_port():
-    with listener() as probe:
-        return probe.getsockname()[1]
+    """A socket that listens on a free port."""
+    return socket.create_server(("127.0.0.1", free_port()))
 
 
 class Picture:

@@ -3,7 +3,6 @@ this machine, and everything that is started here is ended here."""
 
 import os
 import pathlib
-import random
 import re
 import shutil
 import signal
@@ -18,9 +17,13 @@ SERVER = os.environ["KELVORA_SERVER"]
 PROJECT = pathlib.Path(__file__).resolve().parents[3]
 VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())[1]
 
+# Seconds to wait for what happens at once on an idle machine.
+PATIENCE = 60
+
 # The build writes the messages' ids beside its programs.
-sys.path.insert(0, str(pathlib.Path(SERVER).resolve().parent / "generated"))
+sys.path += [str(pathlib.Path(SERVER).resolve().parent / "generated"), str(PROJECT / "tools/desktop")]
 import protocol
+from ports import free_port
 from protocol import LOGIN, frame
 
 START, END, SEPARATOR = (bytes([byte]) for byte in (protocol.START, protocol.END, protocol.SEPARATOR))
@@ -30,29 +33,24 @@ def login(name, colour=0):
     return frame(LOGIN, name, "", colour, VERSION)
 
 
-def wait_for(condition, what, seconds=30.0):
+def fields_of(text):
+    """The fields of a frame's text, without its id."""
+    return text[1:].decode("latin-1").split("\x82")
+
+
+def wait_for(condition, what):
     """The first true result of `condition`; an error when there is none in time."""
-    deadline = time.monotonic() + seconds
+    deadline = time.monotonic() + PATIENCE
     while not (result := condition()):
         if time.monotonic() > deadline:
-            raise AssertionError(f"not within {seconds} s: {what}")
+            raise AssertionError(f"not within {PATIENCE} s: {what}")
         time.sleep(0.01)
     return result
 
 
-def free_port():
-    """The connect dialog and the lists take no port above 32766."""
-    while True:
-        try:
-            with socket.create_server(("127.0.0.1", random.randrange(20000, 32000))) as probe:
-                return probe.getsockname()[1]
-        except OSError:
-            pass
-
-
 def connect(port, host=1):
     """From 127.0.0.`host`, which stands for another machine."""
-    return socket.create_connection(("127.0.0.1", port), 20, (f"127.0.0.{host}", 0))
+    return socket.create_connection(("127.0.0.1", port), PATIENCE, (f"127.0.0.{host}", 0))
 
 
 def read_to_end(connection):
@@ -89,7 +87,7 @@ class Server:
     def end(self):
         self.process.send_signal(signal.SIGTERM)
         try:
-            status = self.process.wait(30)
+            status = self.process.wait(PATIENCE)
         finally:
             self.process.kill()
             self.process.wait()
@@ -141,10 +139,10 @@ class RawPlayer:
     def find(self, message, accept=lambda fields: True, start=0):
         """The fields of the first frame of that id that is accepted; reads until there is one."""
         at = start
-        deadline = time.monotonic() + 60
+        deadline = time.monotonic() + PATIENCE
         while True:
             for text in self.frames[at:]:
-                fields = text[1:].decode("latin-1").split("\x82")
+                fields = fields_of(text)
                 if text[0] == message and accept(fields):
                     return fields
             at = len(self.frames)
@@ -205,7 +203,7 @@ class Nginx:
 
     def end(self):
         self.process.terminate()
-        self.process.wait(20)
+        self.process.wait(PATIENCE)
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def __enter__(self):

@@ -8,7 +8,7 @@ import socket
 import struct
 import unittest
 
-from harness import START, Server, connect, login
+from harness import PATIENCE, START, Server, connect, login
 from protocol import CHAT, frame
 
 FIRST, LAST = (int(number) for number in os.environ.get("KELVORA_ENDINGS", "0-11").split("-"))
@@ -90,7 +90,7 @@ class Endings(unittest.TestCase):
         for number in (signal.SIGSTOP, signal.SIGINT, signal.SIGTERM, signal.SIGCONT):
             server.process.send_signal(number)
         # Another signal would be one too many.
-        self.assertEqual(server.process.wait(30), 0)
+        self.assertEqual(server.process.wait(PATIENCE), 0)
         server.process.stdout.close()
         server.log_file.close()
 
