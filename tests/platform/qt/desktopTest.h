@@ -9,10 +9,10 @@
 
 namespace kelvora {
 
-/// Lets the event loop run until `isDone()` holds; false if that takes longer than ten seconds.
+/// Lets the event loop run until `isDone()` holds; false if that takes longer than a minute.
 template <class Condition>
 bool serveUntil(Condition isDone) {
-  const QDeadlineTimer deadline(10'000);
+  const QDeadlineTimer deadline(60'000);
   QTimer watch;  // wakes a loop in which nothing happens
   watch.start(5);
   while (!isDone()) {
