@@ -24,6 +24,7 @@ namespace {
 using fuzz::Input;
 using fuzz::require;
 
+constexpr std::chrono::minutes patience{1};
 constexpr std::string_view handshake =
     "GET /play HTTP/1.1\r\nHost: h\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
     "X-Forwarded-For: 192.0.2.1\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n";
@@ -196,7 +197,11 @@ class Scene {
   /// Whatever they did, the player beside them plays on, and the server ends when it is told to.
   void finish() {
     ann_.send(wire::toServer<wire::msgChat>(-1, "still here"));
-    settle();
+    const auto end = std::chrono::steady_clock::now() + patience;
+    do {
+      settle();
+      ann_.hear();
+    } while (ann_.heard().find("still here") == std::string::npos && std::chrono::steady_clock::now() < end);
     require(ann_.heard().find("still here") != std::string::npos);
     ann_.check();
     server_.stop();
@@ -207,7 +212,7 @@ class Scene {
       for (std::size_t seat = 0; seat < lines_.size(); ++seat) hangUp(seat);
       ann_.finish();
     }
-    context_.run_for(std::chrono::seconds(20));
+    context_.run_for(patience);
     require(context_.stopped());
     for (const auto& line : lines_) {
       if (line) line->check();
