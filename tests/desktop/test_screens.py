@@ -47,7 +47,20 @@ class WindowSystem(DesktopTest):
         self.assertEqual(client.output(), "")
 
 
-class Small(DesktopTest):
+class Flying(DesktopTest):
+
+    def assert_flies(self, client, pixel):
+        client, line = self.log_in(client)
+        client.mouse_to(*pixel)
+        client.right_click()
+        line.report()
+        before, after = line.report(), line.report()
+        [expected] = rules.reports(before, rules.velocity(client.canvas_size(), pixel), 1)
+        for axis in range(2):
+            self.assertAlmostEqual(after[axis], expected[axis], delta=0.1)
+
+
+class Small(Flying):
     screen = "640x480"
 
     def assert_inside(self, window):
@@ -75,15 +88,7 @@ class Small(DesktopTest):
         self.assert_inside(client.windows()["Connect"])
 
     def test_plays_on_the_canvas_that_fits(self):
-        client, line = self.log_in(self.small_client())
-        pixel = (100, 60)
-        client.mouse_to(*pixel)
-        client.right_click()
-        line.report()
-        before, after = line.report(), line.report()
-        [expected] = rules.reports(before, rules.velocity(client.canvas_size(), pixel), 1)
-        for axis in range(2):
-            self.assertAlmostEqual(after[axis], expected[axis], delta=0.1)
+        self.assert_flies(self.small_client(), (100, 60))
 
     def test_the_store_is_scrolled_to_its_last_button(self):
         client, line = self.log_in(self.small_client())
@@ -113,21 +118,11 @@ class Small(DesktopTest):
         self.assertEqual(client.process.wait(harness.PATIENCE), 0)
 
 
-class Scaled(DesktopTest):
+class Scaled(Flying):
     screen = "2200x1700"
 
     def scaled_client(self, scale, **environment):
         return self.start_client(scale=scale, environment=environment or {"QT_SCALE_FACTOR": str(scale)})
-
-    def assert_flies(self, client, pixel):
-        client, line = self.log_in(client)
-        client.mouse_to(*pixel)
-        client.right_click()
-        line.report()
-        before, after = line.report(), line.report()
-        [expected] = rules.reports(before, rules.velocity(client.canvas_size(), pixel), 1)
-        for axis in range(2):
-            self.assertAlmostEqual(after[axis], expected[axis], delta=0.1)
 
     def test_the_window_grows_with_the_scale(self):
         for scale in (1.5, 2):

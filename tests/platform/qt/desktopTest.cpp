@@ -1,12 +1,9 @@
 #include "tests/platform/qt/desktopTest.h"
 
-#include <QApplication>
 #include <memory>
 
 #include "platform/qt/qtDesktop.h"
-#include "platform/qt/qtFonts.h"
-#include "platform/qt/qtGlyphs.h"
-#include "raster/surface.h"
+#include "tests/platform/qt/offscreenToolkit.h"
 
 namespace kelvora {
 namespace {
@@ -15,27 +12,18 @@ namespace {
 class DesktopEnvironment : public ::testing::Environment {
  public:
   void SetUp() override {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    application_ = std::make_unique<QApplication>(argc_, argv_);
-    installFontSubstitutes();
-    Surface::setGlyphSource(&glyphs_);
+    toolkit_ = std::make_unique<OffscreenToolkit>();
     desktop_ = std::make_unique<QtDesktop>("NoSound");
     installBackend(desktop_.get());
   }
   void TearDown() override {
     installBackend(nullptr);
-    Surface::setGlyphSource(nullptr);
     desktop_.reset();
-    QCoreApplication::sendPostedEvents();  // connections of the last test that wait to be freed
-    application_.reset();
+    toolkit_.reset();
   }
 
  private:
-  int argc_ = 1;
-  char name_[8] = "kelvora";
-  char* argv_[2] = {name_, nullptr};
-  std::unique_ptr<QApplication> application_;
-  QtGlyphSource glyphs_;
+  std::unique_ptr<OffscreenToolkit> toolkit_;
   std::unique_ptr<QtDesktop> desktop_;
 };
 

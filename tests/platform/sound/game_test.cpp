@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <QApplication>
 #include <QWindow>
 #include <algorithm>
 #include <memory>
@@ -11,9 +10,8 @@
 #include "frontend/frmMain.h"
 #include "generated/sourceFolder.h"
 #include "platform/qt/qtDesktop.h"
-#include "platform/qt/qtGlyphs.h"
-#include "raster/surface.h"
 #include "rendering/frmGfx.h"
+#include "tests/platform/qt/offscreenToolkit.h"
 #include "tests/platform/sound/recording.h"
 
 namespace kelvora {
@@ -32,11 +30,9 @@ class SoundingGame : public ::testing::Test {
       fs::copy_file(entry.path(), copy);
       if (copy.extension() == ".mp3") fs::resize_file(copy, 6'000);  // about 112 kbit/s
     }
-    environment_.set("QT_QPA_PLATFORM", "offscreen");
     environment_.set("KELVORA_DATA", folder_.path().string());
     environment_.set("XDG_CONFIG_HOME", folder_.path().string());
-    application_ = std::make_unique<QApplication>(argumentCount_, arguments_);
-    Surface::setGlyphSource(&glyphs_);
+    toolkit_ = std::make_unique<OffscreenToolkit>();
     desktop_ = std::make_unique<QtDesktop>("");
     installBackend(desktop_.get());
     modMain::world = {};
@@ -49,7 +45,6 @@ class SoundingGame : public ::testing::Test {
     frmGfx.unload();
     releaseUnloadedForms();
     installBackend(nullptr);
-    Surface::setGlyphSource(nullptr);
   }
 
   bool play(const std::function<bool()>& isDone) {
@@ -67,11 +62,7 @@ class SoundingGame : public ::testing::Test {
   TemporaryFolder folder_;
   Recording recording_{folder_.path() / "device.raw"};
   ScopedEnvironment environment_;
-  int argumentCount_ = 1;
-  char name_[8] = "kelvora";
-  char* arguments_[2] = {name_, nullptr};
-  std::unique_ptr<QApplication> application_;
-  QtGlyphSource glyphs_;
+  std::unique_ptr<OffscreenToolkit> toolkit_;
   std::unique_ptr<QtDesktop> desktop_;
 };
 

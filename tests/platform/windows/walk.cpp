@@ -149,7 +149,7 @@ std::string readAll(int file) {
 
 }  // namespace
 
-Outcome walk(const Steps& steps) {
+Findings walk(const Steps& steps) {
   int ends[2] = {};
   if (pipe(ends) != 0) std::abort();
   const pid_t child = fork();
@@ -161,7 +161,7 @@ Outcome walk(const Steps& steps) {
   ::close(ends[1]);
   std::istringstream report(readAll(ends[0]));
   ::close(ends[0]);
-  Outcome outcome;
+  Findings outcome;
   outcome.complaint = endOf(child);
   for (std::string line; std::getline(report, line);) {
     if (line.starts_with("seen ")) outcome.seen.insert(line.substr(5));

@@ -11,7 +11,7 @@ namespace kelvora {
 using Steps = std::vector<const Step*>;
 
 /// The result of a walk.
-struct Outcome {
+struct Findings {
   std::string complaint;       ///< the first broken rule and the step before it; empty if none was broken
   std::set<std::string> seen;  ///< the situations that the checks met, in words
 };
@@ -22,7 +22,7 @@ struct Outcome {
 /// - Otherwise the newest modal form or box takes clicks.
 /// At the end the user closes all modal windows with their own buttons, and then the main window. A crash, a run-time
 /// fault and a process that hangs are complaints too.
-Outcome walk(const Steps& steps);
+Findings walk(const Steps& steps);
 
 /// Drops all steps that a complaint doesn't need.
 Steps shortest(Steps steps);

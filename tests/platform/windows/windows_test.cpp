@@ -1,15 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <random>
 
 #include "platform/qt/gameLooks.h"
-#include "platform/qt/qtFonts.h"
-#include "platform/qt/qtGlyphs.h"
-#include "raster/surface.h"
+#include "tests/platform/qt/offscreenToolkit.h"
 #include "tests/platform/windows/scriptedDesktop.h"
 #include "tests/platform/windows/walk.h"
 
@@ -20,32 +17,24 @@ namespace {
 class Toolkit : public ::testing::Environment {
  public:
   void SetUp() override {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
     qunsetenv("KELVORA_FRAME_MS");
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
       // Windows without a screen have no size hints and no order.
       if (!text.startsWith("This plugin does not support")) std::cerr << qPrintable(text) << "\n";
       if (type == QtFatalMsg) std::abort();
     });
-    application_ = std::make_unique<QApplication>(argc_, argv_);
+    toolkit_ = std::make_unique<OffscreenToolkit>();
     QApplication::setQuitOnLastWindowClosed(false);
-    installFontSubstitutes();
     installGameLooks();
-    Surface::setGlyphSource(&glyphs_);
     ScriptedDesktop::readPictures();
   }
   void TearDown() override {
-    Surface::setGlyphSource(nullptr);
-    application_.reset();
+    toolkit_.reset();
     qInstallMessageHandler(nullptr);
   }
 
  private:
-  int argc_ = 1;
-  char name_[8] = "kelvora";
-  char* argv_[2] = {name_, nullptr};
-  std::unique_ptr<QApplication> application_;
-  QtGlyphSource glyphs_;
+  std::unique_ptr<OffscreenToolkit> toolkit_;
 };
 
 [[maybe_unused]] const auto* const toolkit = ::testing::AddGlobalTestEnvironment(new Toolkit);
@@ -124,7 +113,7 @@ TEST(Windows, StayReachableInAnySequenceOfSteps) {
   std::uint32_t seed = first;
   for (; taken < enough; ++seed) {
     const Steps sequence = randomSteps(seed);
-    Outcome outcome = walk(sequence);
+    Findings outcome = walk(sequence);
     taken += sequence.size();
     seen.merge(outcome.seen);
     if (outcome.complaint.empty()) continue;
