@@ -75,7 +75,7 @@ struct World {
 };
 
 /// Assign {} to reset everything to its initial value.
-extern World world;
+inline World world;
 
 }  // namespace modMain
 

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/checkBox.h"
 #include "platform/form.h"
 #include "platform/grid.h"
 #include "platform/widgets.h"
@@ -51,7 +50,9 @@ class FrmGameFind : public Form {
   /// Parses `hostBuffer` into `hosts` and shows them. RuntimeFault for a number out of range, a password flag that is
   /// not a number, or too many records.
   void parseHostList();
+  /// Gives the list its columns and headings, without servers.
   void initGrid();
+  /// Shows `hosts`, one row each.
   void fillGrid();
 
  private:

@@ -5,11 +5,13 @@
 #include <iterator>
 
 #include "base/text.h"
+#include "core/modMain.h"
 #include "core/players.h"
 #include "frontend/console.h"
 #include "frontend/frmMain.h"
 #include "network/handlers.h"
 #include "network/send.h"
+#include "simulation/clsPlayer.h"
 
 namespace kelvora::netMan {
 
@@ -142,6 +144,15 @@ void nameMouseDown(std::int16_t index) { frmMain->lbUserName[index].BorderStyle 
 void nameMouseUp(std::int16_t index) {
   frmMain->lbUserName[index].BorderStyle = 0;
   selectPrivateTarget(frmMain->lbUserName[index].Caption);
+}
+
+std::int16_t indexFromName(const std::string& name) {
+  const std::string wanted = lowerCase(name);
+  for (std::int16_t i = 0; i < modMain::world.opponentCount; ++i) {
+    const clsPlayer& opponent = modMain::playerAt(i);
+    if (opponent.isConnected && lowerCase(opponent.name) == wanted) return i;
+  }
+  return 0;
 }
 
 }  // namespace kelvora::netMan

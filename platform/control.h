@@ -66,8 +66,8 @@ class Control {
   std::function<void(int Button, int Shift, float X, float Y)> MouseDown;
   std::function<void(int Button, int Shift, float X, float Y)> MouseMove;
   std::function<void(int Button, int Shift, float X, float Y)> MouseUp;
-  std::function<void(int KeyCode, int Shift)> KeyDown;
-  std::function<void(int KeyAscii)> KeyPress;
+  std::function<void(int KeyCode, int Shift)> KeyDown;  ///< a virtual-key code: 13 is Enter, 112 F1
+  std::function<void(int KeyAscii)> KeyPress;           ///< a character of code page 1252
   std::function<void()> DblClick;
 
   /// Requests the keyboard focus from the backend.

@@ -23,6 +23,11 @@ TextBox::TextBox(Control* container, Place place, std::string text, Design boxDe
 Button::Button(Control* container, Place place, std::string caption, Role buttonRole)
     : Control(container, place), Caption(*this, PropertyId::Caption, std::move(caption)), role(buttonRole) {}
 
+CheckBox::CheckBox(Control* container, Place place, std::string caption, int value)
+    : Control(container, place),
+      Caption(*this, PropertyId::Caption, std::move(caption)),
+      Value(*this, PropertyId::Value, value) {}
+
 Frame::Frame(Control* container, Place place, std::string caption, Colour fore, Colour back, bool hasBorder)
     : Control(container, place), Caption(std::move(caption)), ForeColor(fore), BackColor(back), border(hasBorder) {}
 

@@ -60,6 +60,16 @@ class Button : public Control {
   const Role role;
 };
 
+/// A check box with its caption to the right. MouseDown is raised before a press changes the value, Click after any
+/// change.
+class CheckBox : public Control {
+ public:
+  CheckBox(Control* container, Place place, std::string caption, int value);
+
+  Property<std::string> Caption;
+  Property<int> Value;  ///< 0 unchecked, 1 checked
+};
+
 /// A titled or plain box around other controls.
 class Frame : public Control {
  public:

@@ -4,7 +4,7 @@
 /// turns it on.
 namespace kelvora::modMain {
 
-bool isSurvivalMode();
+bool isSurvivalMode();  ///< a run goes on
 /// Ends the run once for every background particle that touches the local player.
 void checkSurvival();
 /// Turns the mode off and prints the record on the console.

@@ -1,8 +1,12 @@
 #include "platform/qt/gameLooks.h"
 
+#include <malloc.h>
 #include <QApplication>
+#include <QFile>
+#include <QIcon>
 #include <QIconEngine>
 #include <QProxyStyle>
+#include <QTimer>
 
 #include "platform/qt/qtFonts.h"
 #include "platform/widgets.h"
@@ -73,6 +77,17 @@ void installGameLooks() {
   colours.setColor(QPalette::AlternateBase, QColor(20, 22, 38));
   QApplication::setPalette(colours);
   QApplication::setFont(toQFont(FontSpec{}));
+}
+
+void setProgramIconLater(const std::string& applicationPath) {
+  const QString files = QFile::decodeName(applicationPath.c_str()) + "/assets/icon-%1.png";
+  QTimer::singleShot(0, qApp, [files] {
+    // Quirk Q-308: by its design the window has a blank icon.
+    QIcon icon;
+    for (const int size : {16, 32, 48, 64, 128, 256}) icon.addFile(files.arg(size));
+    QApplication::setWindowIcon(icon);
+    malloc_trim(0);  // returns about a megabyte that the start has used and freed to the system
+  });
 }
 
 }  // namespace kelvora

@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QPalette>
+#include <string>
 
 namespace kelvora {
 
@@ -10,5 +11,9 @@ void installGameLooks();
 
 /// Colours of native controls on a dark background of this colour.
 QPalette gamePalette(const QColor& ground);
+
+/// Sets the program's icon in all available sizes, when the first events are processed: loading it earlier would delay
+/// the first window. Needs a QApplication.
+void setProgramIconLater(const std::string& applicationPath);
 
 }  // namespace kelvora

@@ -11,7 +11,6 @@
 #include "platform/qt/gameLooks.h"
 #include "platform/qt/handlerCall.h"
 #include "platform/qt/programArguments.h"
-#include "platform/qt/programIcon.h"
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"

@@ -12,6 +12,7 @@
 #include "platform/qt/codePage.h"
 #include "platform/qt/gameLooks.h"
 #include "platform/qt/handlerCall.h"
+#include "platform/qt/qtMenu.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
 #include "raster/twips.h"
@@ -120,7 +121,7 @@ void FormWindow::keyPressEvent(QKeyEvent* event) {
 
 FormPeer::FormPeer(Form& form) : form_(form), window_(std::make_unique<FormWindow>(form, *this)) {
   placedByGame_ = form.Left != 0.0F || form.Top != 0.0F;
-  realizeMenu(form, *window_);
+  realizeMenu(form, *window_, formPalette(form));
   window_->resizeClient(clientSize(form));
 }
 

@@ -62,7 +62,4 @@ class FormPeer : public Peer {
 /// Colours of a form's native controls: for its own background, or the dialogs' common ones.
 QPalette formPalette(const Form& form);
 
-/// Fills the window's menu bar with the form's menu items, if any.
-void realizeMenu(Form& form, FormWindow& window);
-
 }  // namespace kelvora

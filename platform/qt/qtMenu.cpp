@@ -1,11 +1,14 @@
+#include "platform/qt/qtMenu.h"
+
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
+#include <memory>
 
 #include "platform/menuItem.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/handlerCall.h"
-#include "platform/qt/qtForm.h"
 
 namespace kelvora {
 
@@ -68,10 +71,9 @@ void addItems(Control& container, Menu& menu) {
 
 }  // namespace
 
-void realizeMenu(Form& form, FormWindow& window) {
+void realizeMenu(Form& form, QMainWindow& window, QPalette colours) {
   for (Control* child : form.children()) {
     if (!dynamic_cast<MenuItem*>(child)) continue;
-    QPalette colours = formPalette(form);
     if (!form.design.systemColours) {
       // Menus stand out from the window below, and disabled entries have no light edge.
       const QColor ground(28, 31, 48);

@@ -4,7 +4,6 @@
 #include <QPaintEngine>
 #include <cmath>
 
-#include "platform/checkBox.h"
 #include "platform/grid.h"
 #include "platform/pictureBox.h"
 #include "platform/qt/codePage.h"

@@ -4,6 +4,7 @@
 
 #include "protocol/messages.h"
 #include "server/arena/chat.h"
+#include "server/arena/pings.h"
 
 namespace kelvora::server {
 

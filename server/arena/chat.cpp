@@ -1,18 +1,11 @@
 #include "server/arena/chat.h"
 
-#include <algorithm>
-#include <utility>
+#include <string>
 
 #include "protocol/frames.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {
-
-namespace {
-
-constexpr Millis pingInterval = 12'000;
-
-}  // namespace
 
 void relayChat(Roster& roster, Player& sender, std::string_view fields, Millis now) {
   const auto request = wire::fromClient<wire::msgChat>(fields);
@@ -28,19 +21,6 @@ void relayChat(Roster& roster, Player& sender, std::string_view fields, Millis n
   }
   roster.sendTo(addressee->client, line);
   if (addressee != &sender) roster.sendTo(sender.client, line);
-}
-
-void pingIfDue(Roster& roster, Player& player, Millis now) {
-  if (now < player.nextPing) return;
-  player.nextPing = now + pingInterval;
-  player.pingSent = now;
-  roster.sendTo(player.client, wire::toClient<wire::msgPing>(now / 1000));
-}
-
-void reportLatency(Roster& roster, Player& player, Millis now) {
-  if (!player.pingSent) return;
-  const Millis latency = now - *std::exchange(player.pingSent, std::nullopt);
-  roster.sendTo(player.client, wire::toClient<wire::msgLatencyReport>(latency));
 }
 
 }  // namespace kelvora::server

@@ -35,4 +35,11 @@ inline Point rotated(Point a, double angle) {
 /// The same angle, between -pi and pi.
 inline double wrapped(double angle) { return std::remainder(angle, 2 * M_PI); }
 
+/// The minimum distance between the segments a-b and c-d. Either may be a single point.
+double segmentDistance(Point a, Point b, Point c, Point d);
+
+/// The point on the world's edge where a beam from `from` along `along` leaves the world. `along` must not be zero on
+/// both axes.
+Point worldEdge(Point from, Point along);
+
 }  // namespace kelvora::server

@@ -3,12 +3,14 @@
 #include <algorithm>
 
 #include "protocol/rules.h"
-#include "server/arena/ballGeometry.h"
 #include "server/arena/plane.h"
 
 namespace kelvora::server {
 
 namespace {
+
+/// In world units. At its design size, the canvas shows 4560 units above and below its player.
+constexpr double pulseRadius = 4'500;
 
 /// True if one of the attacker's weapons reaches a ball on its way.
 bool reaches(const Player& attacker, Point from, Point to, Millis now) {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "base/fault.h"
-#include "platform/checkBox.h"
 #include "platform/form.h"
+#include "platform/widgets.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {

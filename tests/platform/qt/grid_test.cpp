@@ -6,7 +6,7 @@
 #include <QHeaderView>
 #include <QTableView>
 
-#include "platform/checkBox.h"
+#include "platform/widgets.h"
 #include "tests/platform/qt/desktopTest.h"
 #include "tests/platform/qt/formProbe.h"
 

@@ -1,4 +1,4 @@
-#include "server/arena/ballGeometry.h"
+#include "server/arena/plane.h"
 
 #include <algorithm>
 #include <cmath>

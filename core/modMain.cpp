@@ -1,7 +1,0 @@
-#include "core/modMain.h"
-
-namespace kelvora::modMain {
-
-World world;
-
-}  // namespace kelvora::modMain
