@@ -18,12 +18,12 @@ if(KELVORA_SANITIZE)
   target_compile_options(kelvora_options INTERFACE
     -fsanitize=${KELVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
     # The instrumented code of the library's own headers looks uninitialised to g++ 12; the plain builds keep the warning.
-    -Wno-maybe-uninitialized)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(kelvora_options INTERFACE -fsanitize=${KELVORA_SANITIZE})
 endif()
 if(KELVORA_SANITIZE STREQUAL "thread")
   # Asio's fences, which the thread sanitizer does not see; what they would order runs on one thread.
-  target_compile_options(kelvora_options INTERFACE -Wno-tsan)
+  target_compile_options(kelvora_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-tsan>)
 endif()
 
 # generated/sourceFolder.h: where tests and benchmarks find the project's files.
