@@ -41,7 +41,7 @@ class Scene : private HeadlessClient {
     machine.generator.randomize(1);
     clsPlayer& local = modMain::world.localPlayer;
     local.position = {50000, 50000};
-    local.init(0, -1, 1, "Ann");
+    local.init(redPlayer, -1, 1, "Ann");
     modMain::world.mousePos = {8000, 3000};
     modMain::world.centreMessageAge = 251;
     if (heavy) fill();
@@ -74,7 +74,7 @@ class Scene : private HeadlessClient {
     modMain::createParticleField();
     for (std::int16_t i = 0; i < 5; ++i) {
       clsPlayer& player = modMain::world.opponents.emplace_back();
-      player.init(static_cast<std::int16_t>(i + 1), i, static_cast<std::int16_t>(i + 2), "Bob");
+      player.init(static_cast<PlayerColour>(i + 1), i, static_cast<std::int16_t>(i + 2), "Bob");
       player.awaitingFirstPosition = false;
       ++modMain::world.opponentCount;
     }

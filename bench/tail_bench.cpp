@@ -24,7 +24,7 @@ class LongTail : public HeadlessClient {
     modMain::world.localPlayer.position = {90000, 90000};
     clsPlayer& player = modMain::world.opponents.emplace_back();
     modMain::world.opponentCount = 1;
-    player.init(1, 0, 2, "Bob");
+    player.init(yellowPlayer, 0, 2, "Bob");
     player.position = {10000, 10000};
     lay(vertices);
     player.lastAgeTick = machine.ticks - 1;

@@ -13,9 +13,8 @@ std::int16_t getSteerAngle() { return world.steerAngle; }
 std::int16_t getSteerQuadrant() { return world.steerQuadrant; }
 
 void requestPowerup(std::int16_t number) {
-  const int slot = number - 1;
-  if (0 <= slot && slot < std::ssize(world.localPlayer.powerups))
-    world.localPlayer.requestActivatePowerup(static_cast<std::int16_t>(slot));
+  const auto slot = static_cast<PowerupSlot>(number - 1);
+  if (isSlot(slot)) world.localPlayer.requestActivatePowerup(slot);
 }
 
 void toggleLocalBreaks() { world.localPlayer.toggleBreaks(); }

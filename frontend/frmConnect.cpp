@@ -58,7 +58,7 @@ void FrmConnect::loadLastLogin() {
   txtServerPort.Text = GetSetting(loginSection, "server port", "2010");
   txtServerPassword.Text = GetSetting(loginSection, "server password", "");
   const std::int16_t stored = toInt16(strictNumber(GetSetting(loginSection, "player color", "0")));
-  if (0 <= stored && stored <= shpUserColor.UBound) selectColour(stored);
+  if (0 <= stored && stored <= shpUserColor.UBound) selectColour(PlayerColour{stored});
   Top = frmMain->Top + 3660;
   Left = frmMain->Left + 6435;
 }
@@ -71,11 +71,11 @@ void FrmConnect::saveLastLogin() {
   SaveSetting(loginSection, "player color", numberText(std::int32_t{colour}));
 }
 
-void FrmConnect::selectColour(std::int16_t index) {
-  colour = index;
+void FrmConnect::selectColour(PlayerColour chosen) {
+  colour = chosen;
   for (Shape& circle : shpUserColor) unmark(circle);
-  shpUserColor[index].BorderStyle = solidBorder;
-  shpUserColor[index].BorderWidth = markedWidth;
+  shpUserColor[chosen].BorderStyle = solidBorder;
+  shpUserColor[chosen].BorderWidth = markedWidth;
 }
 
 void FrmConnect::colourRowMouseDown(float X, float Y) {
@@ -88,7 +88,7 @@ void FrmConnect::colourRowMouseDown(float X, float Y) {
     const bool across = circle.Left <= x && x <= circle.Left + circle.Width;
     const bool down = circle.Top <= y && y <= circle.Top + circle.Height;
     if (!across || !down) continue;
-    colour = static_cast<std::int16_t>(i);
+    colour = static_cast<PlayerColour>(i);
     // Quirk Q-041: a click leaves the border dotted in colour 1, nearly black. That is invisible, because a border of
     // width 3 is drawn solid.
     circle.BorderColor = RGB(1, 0, 0);

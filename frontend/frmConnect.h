@@ -1,9 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "platform/form.h"
 #include "platform/widgets.h"
+#include "protocol/rules.h"
 
 namespace kelvora {
 
@@ -14,7 +13,7 @@ class FrmConnect : public Form {
   /// Fills in the last input and places the dialog over the main window.
   void load() override;
 
-  std::int16_t colour = 0;  ///< chosen colour, 0 to 5
+  PlayerColour colour = redPlayer;  ///< chosen
 
   Label Label1{this, {120, 180, 1455, 285}, "Player Name:", caption};
   TextBox txtPlayerName{this, {1740, 180, 2055, 285}, ""};
@@ -41,7 +40,7 @@ class FrmConnect : public Form {
 
   /// Also called by the game finder, after filling in address and port.
   void cmdConnect_Click();
-  void selectColour(std::int16_t index);
+  void selectColour(PlayerColour chosen);
 
  private:
   static inline const LabelDesign caption{.alignment = Alignment::Right, .systemColours = true};

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
+#include <utility>
 
 #include "audio/soundMan.h"
 #include "base/fault.h"
@@ -44,7 +46,7 @@ void loginDenied(Fields f) {
   disconnectFromServer();
 }
 
-void loginAccepted(std::int16_t colour, std::int16_t node, float x, float y) {
+void loginAccepted(PlayerColour colour, std::int16_t node, float x, float y) {
   receiveLoginAccepted(colour, node, playerName, x, y);
 }
 
@@ -56,11 +58,11 @@ void latencyReport(std::int32_t value) {
   if (world.localPlayer.isConnected) world.localPlayer.receiveLatencyReport(value);
 }
 
-void buyAccepted(std::int16_t item, std::int16_t stock, double funds) {
+void buyAccepted(PowerupSlot item, std::int16_t stock, double funds) {
   world.localPlayer.purchaseAccepted(item, stock, funds);
 }
 
-void sellAccepted(std::int16_t item, std::int16_t stock, double funds) {
+void sellAccepted(PowerupSlot item, std::int16_t stock, double funds) {
   world.localPlayer.sellItemAccepted(item, stock, funds);
 }
 
@@ -76,15 +78,34 @@ void storeDenied(Fields f) {
   soundMan::playSound(soundMan::Sound::Error);
 }
 
+/// A field's value as a handler takes it. A handler may take an enum for a whole number of its width.
+template <class Parameter, class Value>
+Parameter argument(Value value) {
+  if constexpr (std::is_enum_v<Parameter>) {
+    static_assert(std::is_same_v<std::underlying_type_t<Parameter>, Value>);
+    return Parameter{value};
+  } else {
+    return value;
+  }
+}
+
+template <wire::MessageId id, class... Parameters, std::size_t... i>
+void call(void (*handler)(Parameters...), Fields f, std::index_sequence<i...>) {
+  static constexpr auto fields = wire::fieldsOf(wire::Direction::toClient, id);
+  static_assert(sizeof...(i) == fields.size(), "the handler takes another number of fields");
+  // Quirk Q-067: all fields are read before the call, so a message with too few fields, or with one number out of
+  // range, does nothing.
+  handler(argument<std::remove_cvref_t<Parameters>>(f.read<fields[i].type>(i))...);
+}
+
+template <class... Parameters>
+constexpr std::index_sequence_for<Parameters...> indicesOf(void (*)(Parameters...)) {
+  return {};
+}
+
 /// Reads the fields with their types in the table of messages and passes them to the handler.
 template <wire::MessageId id, auto handler>
-constexpr Route route{id, [](Fields f) {
-                        static constexpr auto fields = wire::fieldsOf(wire::Direction::toClient, id);
-                        // Quirk Q-067: all fields are read before the call, so a message with too few fields, or with
-                        // one number out of range, does nothing.
-                        [&]<std::size_t... i>(std::index_sequence<i...>) { handler(f.read<fields[i].type>(i)...); }
-                        (std::make_index_sequence<fields.size()>());
-                      }};
+constexpr Route route{id, [](Fields f) { call<id>(handler, f, indicesOf(handler)); }};
 
 constexpr Route table[] = {
     route<wire::msgPosition, receivePosition>,
@@ -118,7 +139,7 @@ constexpr Route table[] = {
 
 std::span<const Route> routes() { return table; }
 
-const Route* findRoute(std::int16_t id) {
+const Route* findRoute(wire::MessageId id) {
   const auto* found =
       std::find_if(std::begin(table), std::end(table), [id](const Route& route) { return route.id == id; });
   return found == std::end(table) ? nullptr : found;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -48,6 +49,6 @@ struct Route {
 /// All messages that the client understands.
 std::span<const Route> routes();
 /// Null for an unknown id.
-const Route* findRoute(std::int16_t id);
+const Route* findRoute(wire::MessageId id);
 
 }  // namespace kelvora::netMan

@@ -3,13 +3,16 @@
 #include <cstdint>
 #include <string>
 
+#include "protocol/powerupTable.h"
+#include "protocol/rules.h"
+
 /// Handlers of the server's messages. Only processMessages calls them, and it swallows their faults. Players are
 /// identified by node; an unknown node is taken for the first opponent, if there is one. Positions are world units.
 namespace kelvora::netMan {
 
-void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y);
+void receiveLoginAccepted(PlayerColour colour, std::int16_t node, const std::string& name, float x, float y);
 /// The newcomer is alive if `alive` is 1.
-void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::string& name, float x, float y,
+void receivePlayerJoined(std::int16_t node, PlayerColour colour, const std::string& name, float x, float y,
                          std::int16_t alive, std::int16_t kills);
 void receivePlayerLeft(std::int16_t node);
 void receiveRespawn(std::int16_t node);
@@ -21,9 +24,8 @@ void receiveVelocity(std::int16_t node, float vx, float vy);
 void receiveAliveState(std::int16_t node, std::int16_t alive);
 /// Credits.
 void receiveFunds(std::int16_t node, double funds);
-/// Items are powerup slots.
-void receivePowerupOn(std::int16_t node, std::int16_t item);
-void receivePowerupOff(std::int16_t node, std::int16_t item);
+void receivePowerupOn(std::int16_t node, PowerupSlot item);
+void receivePowerupOff(std::int16_t node, PowerupSlot item);
 void receiveChat(std::int16_t node, const std::string& text);
 
 }  // namespace kelvora::netMan

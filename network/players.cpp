@@ -2,9 +2,7 @@
 
 #include "core/players.h"
 #include "base/fault.h"
-#include "base/text.h"
 #include "core/modMain.h"
-#include "network/chat.h"
 #include "network/handlers.h"
 #include "rendering/playerPanel.h"
 #include "simulation/clsPlayer.h"
@@ -64,21 +62,12 @@ void receiveRespawn(std::int16_t node) {
   if (player == &world.localPlayer) modMain::setButtonsState(false);
 }
 
-void receivePowerupOn(std::int16_t node, std::int16_t item) {
+void receivePowerupOn(std::int16_t node, PowerupSlot item) {
   if (clsPlayer* player = findPlayer(node)) player->activatePowerup(item);
 }
 
-void receivePowerupOff(std::int16_t node, std::int16_t item) {
+void receivePowerupOff(std::int16_t node, PowerupSlot item) {
   if (clsPlayer* player = findPlayer(node)) player->unactivatePowerup(item);
-}
-
-std::int16_t indexFromName(const std::string& name) {
-  const std::string wanted = lowerCase(name);
-  for (std::int16_t i = 0; i < world.opponentCount; ++i) {
-    const clsPlayer& opponent = modMain::playerAt(i);
-    if (opponent.isConnected && lowerCase(opponent.name) == wanted) return i;
-  }
-  return 0;
 }
 
 }  // namespace kelvora::netMan

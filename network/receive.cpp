@@ -28,12 +28,12 @@ void receiveData(std::string_view data) {
 }
 
 void processMessages() {
-  std::int16_t id = 0;
+  wire::MessageId id{};
   while (const auto taken = messageQueue.takeFirstReady()) {
     MessageFields fields;
     // Quirk Q-065: an empty frame has no id. It reuses the one handled before it in this call, without any fields.
     if (const auto message = wire::open(taken->text)) {
-      id = static_cast<std::int16_t>(message->id);
+      id = message->id;
       fields = MessageFields(message->fields);
     }
     if (const Route* route = findRoute(id)) resumeNext([&] { route->handle(fields); });

@@ -29,13 +29,13 @@ using modMain::world;
 
 std::string playerName;
 std::string serverPassword;
-std::int16_t preferredColour = 0;
+PlayerColour preferredColour = redPlayer;
 
 namespace {
 
 constexpr Colour ownNameBack = RGB(128, 0, 0);
 
-const std::string& colourName(std::int16_t colour) {
+const std::string& colourName(PlayerColour colour) {
   if (colour < 0 || colour >= static_cast<std::int16_t>(modMain::world.colourNames.size())) raiseSubscriptOutOfRange();
   return modMain::world.colourNames[static_cast<std::size_t>(colour)];
 }
@@ -47,14 +47,14 @@ void letGo(clsPlayer& player) {
   if (clsTail::count() > modMain::maxTailVertices / 2) player.tails.clear();
 }
 
-bool hasPlayerRow(std::int16_t colour) { return colour >= 0 && colour <= frmMain->lbUserName.UBound; }
+bool hasPlayerRow(PlayerColour colour) { return colour >= 0 && colour <= frmMain->lbUserName.UBound; }
 
 }  // namespace
 
 void clear() {
   playerName.clear();
   serverPassword.clear();
-  preferredColour = 0;
+  preferredColour = redPlayer;
   chatMode = ChatMode::Public;
   privateTargetIndex = 0;
   privateTargetName.clear();
@@ -62,7 +62,7 @@ void clear() {
 }
 
 void connectToServer(const std::string& name, const std::string& address, std::int16_t port,
-                     const std::string& password, std::int16_t colour) {
+                     const std::string& password, PlayerColour colour) {
   playerName = name;
   serverPassword = password;
   preferredColour = colour;
@@ -98,7 +98,7 @@ void requestSpawn() {
   printChat("Requesting spawn permission from the server...", LineType::Plain);
 }
 
-void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::string& name, float x, float y) {
+void receiveLoginAccepted(PlayerColour colour, std::int16_t node, const std::string& name, float x, float y) {
   world.localPlayer.init(colour, -1, node, name);
   world.localPlayer.queuePosition({x, y});
   // Quirk Q-071: init has already created the field around the old position. This is the second one.
@@ -116,7 +116,7 @@ void receiveLoginAccepted(std::int16_t colour, std::int16_t node, const std::str
   modMain::hideStartLogo();
 }
 
-void receivePlayerJoined(std::int16_t node, std::int16_t colour, const std::string& name, float x, float y,
+void receivePlayerJoined(std::int16_t node, PlayerColour colour, const std::string& name, float x, float y,
                          std::int16_t alive, std::int16_t kills) {
   modMain::keepName(name);
   // A join that failed halfway has left a slot that doesn't count. It is created again.

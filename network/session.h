@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "protocol/rules.h"
+
 namespace kelvora {
 
 /// The session with the server, from the connect dialog to the disconnection.
@@ -11,14 +13,14 @@ namespace netMan {
 // The data for the next login.
 extern std::string playerName;
 extern std::string serverPassword;
-extern std::int16_t preferredColour;  ///< 0 to 5
+extern PlayerColour preferredColour;
 
 /// Resets the module, its chat and its queue to their initial state.
 void clear();
 
 /// Stores the login's data and starts connecting. Closes an existing connection first.
 void connectToServer(const std::string& name, const std::string& address, std::int16_t port,
-                     const std::string& password, std::int16_t colour);
+                     const std::string& password, PlayerColour colour);
 /// Closes the connection and opens the connect dialog. Ignores faults on the way.
 void disconnectFromServer();
 /// Sends the login with the stored data.

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 #include "base/text.h"
@@ -30,13 +31,17 @@ struct Number {
   std::string_view text;
 };
 
+/// A whole number, or an enum that stands for one.
+template <class Value>
+concept WholeNumber = std::integral<Value> ||(std::is_enum_v<Value>&& std::is_convertible_v<Value, int>);
+
 /// True if a field of this type can be written from a `Value`.
 template <class Value>
 constexpr bool canHold(FieldType type) {
   switch (type) {
     case FieldType::int16:
     case FieldType::int32:
-      return std::integral<Value>;
+      return WholeNumber<Value>;
     case FieldType::single:
       return std::same_as<Value, float> || std::same_as<Value, NumberText>;
     case FieldType::real:
@@ -49,7 +54,7 @@ constexpr bool canHold(FieldType type) {
 
 inline void append(std::string& frame, NumberText number) { frame += number.text; }
 inline void append(std::string& frame, std::string_view text) { frame += text; }
-template <std::integral Number>
+template <WholeNumber Number>
 void append(std::string& frame, Number number) {
   frame += std::to_string(number);
 }

@@ -1,14 +1,19 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace kelvora {
 
-/// Powerup slots, numbered as on the wire.
-enum PowerupSlot : int { shieldSlot, turboSlot, chargedTailSlot, extendedTailSlot, laserSlot, pulseSlot };
+/// A powerup, numbered as on the wire. A number from the wire may be outside the enum: see isSlot.
+enum PowerupSlot : std::int16_t { shieldSlot, turboSlot, chargedTailSlot, extendedTailSlot, laserSlot, pulseSlot };
 inline constexpr int powerupSlotCount = 6;
-constexpr bool isSlot(int number) { return 0 <= number && number < powerupSlotCount; }
+inline constexpr std::array<PowerupSlot, powerupSlotCount> powerupSlots = {shieldSlot,       turboSlot, chargedTailSlot,
+                                                                           extendedTailSlot, laserSlot, pulseSlot};
+constexpr bool isSlot(PowerupSlot slot) { return 0 <= slot && slot < powerupSlotCount; }
+/// The index of a valid slot in a table of powerups.
+constexpr std::size_t indexOf(PowerupSlot slot) { return static_cast<std::size_t>(slot); }
 
 inline constexpr std::int16_t startCapacity = 10;  ///< maximum number of powerups of all kinds that a player can hold
 inline constexpr double startFunds = 10;           ///< credits

@@ -1,9 +1,17 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+
+namespace kelvora {
+
+/// A player's colour, numbered as on the wire. A number from the wire may be outside the enum.
+enum PlayerColour : std::int16_t { redPlayer, yellowPlayer, greenPlayer, cyanPlayer, bluePlayer, purplePlayer };
+inline constexpr std::array<PlayerColour, 6> playerColours = {redPlayer,  yellowPlayer, greenPlayer,
+                                                              cyanPlayer, bluePlayer,   purplePlayer};
 
 /// Rules of the game that the client, the server and its bots share. Distances are in world units. A frame takes 10 ms.
-namespace kelvora::rules {
+namespace rules {
 
 inline constexpr float worldSize = 100'000;          ///< on both axes, from 0
 inline constexpr float wallInset = 1'000;            ///< a ball that crosses an edge of the world lands this far inside
@@ -19,8 +27,10 @@ inline constexpr int framesPerReport = 4;           ///< between two position re
 
 inline constexpr int vertexLifetime = 2'000;  ///< ms, without an Extra Long Tail
 
-inline constexpr int colourCount = 6;
+inline constexpr int colourCount = playerColours.size();
 inline constexpr std::array<const char*, colourCount> colourNames = {"Red",  "Yellow", "Green",
                                                                      "Cyan", "Blue",   "Purple"};
 
-}  // namespace kelvora::rules
+}  // namespace rules
+
+}  // namespace kelvora

@@ -4,7 +4,7 @@ namespace kelvora::wire {
 
 std::optional<Incoming> open(std::string_view text) {
   if (text.empty()) return std::nullopt;
-  return Incoming{static_cast<unsigned char>(text.front()), text.substr(1)};
+  return Incoming{MessageId{static_cast<unsigned char>(text.front())}, text.substr(1)};
 }
 
 std::vector<std::string_view> splitFields(std::string_view text) {

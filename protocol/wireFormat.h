@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "protocol/messages.h"
+
 namespace kelvora::wire {
 
 /// Delimiters of the text protocol. Ids are single bytes above them. There is no escape.
@@ -14,7 +16,7 @@ inline constexpr char fieldSeparator = static_cast<char>(130);
 
 /// A received message. Its fields point into the frame.
 struct Incoming {
-  int id = 0;
+  MessageId id{};           ///< any byte: the sender may have sent an unknown one
   std::string_view fields;  ///< with the separators between them
 };
 

@@ -9,7 +9,7 @@
 
 namespace kelvora {
 
-void clsPlayer::displayCapture(std::int16_t victimColour) {
+void clsPlayer::displayCapture(PlayerColour victimColour) {
   const SheetImage& sheet = frmGfx->imgCaps;
   const float width = sheet.Width / 6;
   const float left = static_cast<float>(victimColour) * width;

@@ -26,21 +26,21 @@ float strokeOffset() {
 
 }  // namespace
 
-Colour clsTail::getColour(std::int16_t colour) const {
+Colour clsTail::getColour(PlayerColour colour) const {
   const int value = 255 - age_;
   if (value < 0) raiseOverflow();
   switch (colour) {
-    case 0:
+    case redPlayer:
       return RGB(value, 0, 0);
-    case 1:
+    case yellowPlayer:
       return RGB(value, value, 0);
-    case 2:
+    case greenPlayer:
       return RGB(0, value, 0);
-    case 3:
+    case cyanPlayer:
       return RGB(0, value, value);
-    case 4:
+    case bluePlayer:
       return RGB(0, 0, value);
-    case 5:
+    case purplePlayer:
       return RGB(value, 0, value);
     default:
       return RGB(0, 0, 0);

@@ -9,6 +9,7 @@
 #include "base/vector.h"
 #include "platform/backend.h"
 #include "protocol/powerupTable.h"
+#include "protocol/rules.h"
 #include "simulation/clsTail.h"
 
 namespace kelvora {
@@ -24,7 +25,7 @@ struct PowerupState {
 /// Every room reads and writes the fields.
 class clsPlayer {
  public:
-  std::int16_t colour = 0;       ///< 0 to 5
+  PlayerColour colour = redPlayer;
   std::int16_t playerIndex = 0;  ///< -1 for the local player, else the slot in `opponents`
   std::int16_t serverNode = 0;   ///< the server's number for this player
   std::string name;
@@ -46,7 +47,7 @@ class clsPlayer {
   /// renumbered.
   double tailBase = 0;
   bool alive = false;                  ///< false for a ghost
-  std::vector<std::int16_t> captures;  ///< colours captured in this life
+  std::vector<PlayerColour> captures;  ///< colours captured in this life
   std::int16_t kills = 0;              ///< captures since joining
   float speed = 0;                     ///< top speed, world units per frame at time scale 1
   std::array<PowerupState, powerupSlotCount> powerups;
@@ -69,7 +70,7 @@ class clsPlayer {
 
   // Life and score (life.cpp).
   /// Begins a session: connected, alive, brakes on, with the initial stock. Keeps position and tail.
-  void init(std::int16_t colour, std::int16_t playerIndex, std::int16_t serverNode, const std::string& name);
+  void init(PlayerColour colour, std::int16_t playerIndex, std::int16_t serverNode, const std::string& name);
   /// Death puts the brakes on. Life shows the local player a tip.
   void setAlive(bool alive);
   /// Begins a new life at the ghost's position, with the brakes on and without captures.
@@ -78,7 +79,7 @@ class clsPlayer {
   void die();
   bool isAlive() const { return alive; }
   /// Adds a victim's colour to the captures. RuntimeFault "Overflow" beyond 32767 captures.
-  void receiveCapture(std::int16_t colour);
+  void receiveCapture(PlayerColour colour);
   /// Sets the kills and displays them.
   void setKills(std::int16_t kills);
   /// Credits; always a whole number.
@@ -134,24 +135,24 @@ class clsPlayer {
   /// The number of owned powerups of all kinds. RuntimeFault "Overflow" beyond 16 bits.
   std::int16_t totalPowerups() const;
   /// Asks the server to start the local player's powerup. Refusals go to the console.
-  void requestActivatePowerup(std::int16_t slot);
+  void requestActivatePowerup(PowerupSlot slot);
   /// The server started a powerup, or ended it early. For a slot outside 0 to 5, `activatePowerup` raises RuntimeFault
   /// and `unactivatePowerup` does nothing.
-  void activatePowerup(std::int16_t slot);
-  void unactivatePowerup(std::int16_t slot);
+  void activatePowerup(PowerupSlot slot);
+  void unactivatePowerup(PowerupSlot slot);
   /// Subtracts one second from running activations whenever the clock's second has changed.
   void tickPowerups();
 
   // The store (store/store.cpp).
   /// Fills in the store's window, for the local player only.
   void populatePowerupsForm();
-  /// Sends a request to the server. An item is a powerup slot.
-  void purchaseItem(std::int16_t item);
-  void sellItem(std::int16_t item);
+  /// Sends a request to the server.
+  void purchaseItem(PowerupSlot item);
+  void sellItem(PowerupSlot item);
   /// The server's answers with the item's new stock and the new balance. For an item outside 0 to 5, a purchase sets
   /// the balance, then raises RuntimeFault.
-  void purchaseAccepted(std::int16_t item, std::int16_t stock, double funds);
-  void sellItemAccepted(std::int16_t item, std::int16_t stock, double funds);
+  void purchaseAccepted(PowerupSlot item, std::int16_t stock, double funds);
+  void sellItemAccepted(PowerupSlot item, std::int16_t stock, double funds);
   /// Updates the store's window, if visible, and shows a text at its bottom.
   void showStoreStatus(const std::string& text);
 
@@ -163,7 +164,7 @@ class clsPlayer {
   // The main window's panels (rendering/playerPanel.cpp).
   void displayLag();
   void displayFunds();
-  void displayCapture(std::int16_t victimColour);
+  void displayCapture(PlayerColour victimColour);
   void clearCaptureStrip();
 
   void paintBall(Vector centre);

@@ -6,6 +6,7 @@
 
 #include "base/vector.h"
 #include "platform/backend.h"
+#include "protocol/rules.h"
 #include "raster/colour.h"
 
 namespace kelvora {
@@ -38,7 +39,7 @@ class clsTail {
   /// In world units.
   const Vector& getPosition() const { return position_; }
   /// A player colour at this vertex's age, darker with every 10 ms.
-  Colour getColour(std::int16_t colour) const;
+  Colour getColour(PlayerColour colour) const;
 
   /// The number of vertices of all players.
   static std::size_t count() { return Counted::count; }

@@ -17,7 +17,7 @@ constexpr std::int16_t localIndex = -1;
 
 }  // namespace
 
-void clsPlayer::init(std::int16_t newColour, std::int16_t index, std::int16_t node, const std::string& newName) {
+void clsPlayer::init(PlayerColour newColour, std::int16_t index, std::int16_t node, const std::string& newName) {
   colour = newColour;
   playerIndex = index;
   serverNode = node;
@@ -64,7 +64,7 @@ void clsPlayer::die() {
   if (captureCount() > 0) modMain::addExplosion(position, captureCount());
 }
 
-void clsPlayer::receiveCapture(std::int16_t victimColour) {
+void clsPlayer::receiveCapture(PlayerColour victimColour) {
   if (captures.size() >= 32767) raiseOverflow();  // captureCount has 16 bits
   captures.push_back(victimColour);
   kills = toInt16(kills + 1);

@@ -21,16 +21,15 @@ FrmPowerups::FrmPowerups() : Form("Powerups", {.clientWidth = 11370, .clientHeig
   const std::string assets = applicationPath() + "/assets/";
   imgBackground.Picture = LoadPicture(assets + "store.png");
   int tabIndex = 0;
-  for (int i = 0; i < powerupSlotCount; ++i) {
-    const auto item = static_cast<std::int16_t>(i);
+  for (const PowerupSlot item : powerupSlots) {
     const auto buy = [item] { modMain::world.localPlayer.purchaseItem(item); };
-    picPowerup[i].setPicture(LoadPicture(assets + "storeItem" + std::to_string(i) + ".png"));
-    picPowerup[i].ToolTipText = "Click to purchase this item";
-    picPowerup[i].Click = buy;
-    cmdBuy[i].Click = buy;
-    cmdSell[i].Click = [item] { modMain::world.localPlayer.sellItem(item); };
-    cmdBuy[i].TabIndex = tabIndex++;
-    cmdSell[i].TabIndex = tabIndex++;
+    picPowerup[item].setPicture(LoadPicture(assets + "storeItem" + std::to_string(item) + ".png"));
+    picPowerup[item].ToolTipText = "Click to purchase this item";
+    picPowerup[item].Click = buy;
+    cmdBuy[item].Click = buy;
+    cmdSell[item].Click = [item] { modMain::world.localPlayer.sellItem(item); };
+    cmdBuy[item].TabIndex = tabIndex++;
+    cmdSell[item].TabIndex = tabIndex++;
   }
   cmdDone.TabIndex = tabIndex;
   cmdDone.Click = [] { frmPowerups.unload(); };
@@ -51,9 +50,9 @@ void FrmPowerups::init(double funds) {
   colourPrices();
 }
 
-void FrmPowerups::have(std::int16_t item, std::int16_t count) {
+void FrmPowerups::have(PowerupSlot item, std::int16_t count) {
   lblCurrentStock[item].Caption = numberText(std::int32_t{count});
-  stock_[static_cast<std::size_t>(item)] = count;
+  stock_[indexOf(item)] = count;
 }
 
 void FrmPowerups::colourPrices() {

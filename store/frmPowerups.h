@@ -24,7 +24,7 @@ class FrmPowerups : public Form {
   /// Fills in the balance and colours the prices.
   void init(double funds);
   /// Fills in the stock of one item. RuntimeFault for an item outside 0 to 5.
-  void have(std::int16_t item, std::int16_t count);
+  void have(PowerupSlot item, std::int16_t count);
   /// Darkens the prices above the displayed balance. Their items can still be requested.
   void colourPrices();
 

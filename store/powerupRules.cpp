@@ -14,9 +14,9 @@ namespace kelvora {
 
 namespace {
 
-std::size_t slotIndex(std::int16_t slot) {
+std::size_t checkedIndex(PowerupSlot slot) {
   if (!isSlot(slot)) raiseSubscriptOutOfRange();
-  return static_cast<std::size_t>(slot);
+  return indexOf(slot);
 }
 
 }  // namespace
@@ -27,8 +27,8 @@ std::int16_t clsPlayer::totalPowerups() const {
   return toInt16(total);
 }
 
-void clsPlayer::requestActivatePowerup(std::int16_t slot) {
-  const PowerupState& powerup = powerups[slotIndex(slot)];
+void clsPlayer::requestActivatePowerup(PowerupSlot slot) {
+  const PowerupState& powerup = powerups[checkedIndex(slot)];
   if (powerup.active) {
     printChat("That ability isn't ready yet.", LineType::Error);
     return;
@@ -43,8 +43,8 @@ void clsPlayer::requestActivatePowerup(std::int16_t slot) {
   if (powerup.count > 0) netMan::sendMessage<wire::msgActivateRequest>(slot);
 }
 
-void clsPlayer::activatePowerup(std::int16_t slot) {
-  const std::size_t index = slotIndex(slot);
+void clsPlayer::activatePowerup(PowerupSlot slot) {
+  const std::size_t index = checkedIndex(slot);
   PowerupState& powerup = powerups[index];
   if (powerup.active) return;
   // Quirk Q-046: an activation by the server runs even without stock.
@@ -59,9 +59,9 @@ void clsPlayer::activatePowerup(std::int16_t slot) {
   soundMan::playSound(static_cast<soundMan::Sound>(slot + static_cast<int>(soundMan::Sound::Shield)));
 }
 
-void clsPlayer::unactivatePowerup(std::int16_t slot) {
+void clsPlayer::unactivatePowerup(PowerupSlot slot) {
   if (!isSlot(slot)) return;
-  const std::size_t index = slotIndex(slot);
+  const std::size_t index = indexOf(slot);
   powerups[index].active = false;
   // Quirk Q-273: reported for anybody's powerup, even one that wasn't running. The start of an opponent's is not
   // reported.

@@ -28,10 +28,10 @@ void clsPlayer::populatePowerupsForm() {
   if (playerIndex != -1) return;
   // Quirk Q-201: doesn't fill in the capacity. A new window shows its design text until something is bought or sold.
   frmPowerups->init(funds_);
-  for (std::int16_t i = 0; i < powerupSlotCount; ++i) frmPowerups->have(i, powerups[static_cast<std::size_t>(i)].count);
+  for (const PowerupSlot slot : powerupSlots) frmPowerups->have(slot, powerups[indexOf(slot)].count);
 }
 
-void clsPlayer::purchaseItem(std::int16_t item) {
+void clsPlayer::purchaseItem(PowerupSlot item) {
   // Quirk Q-202: neither this nor the button checks the credits. The server refuses unaffordable items.
   if (totalPowerups() < powerSlotLimit) {
     netMan::sendMessage<wire::msgBuyRequest>(item);
@@ -41,24 +41,24 @@ void clsPlayer::purchaseItem(std::int16_t item) {
   soundMan::playSound(soundMan::Sound::Error);
 }
 
-void clsPlayer::sellItem(std::int16_t item) {
+void clsPlayer::sellItem(PowerupSlot item) {
   // Quirk Q-203: the stock is not checked.
   netMan::sendMessage<wire::msgSellRequest>(item);
 }
 
-void clsPlayer::purchaseAccepted(std::int16_t item, std::int16_t stock, double credits) {
+void clsPlayer::purchaseAccepted(PowerupSlot item, std::int16_t stock, double credits) {
   funds(credits);
   if (!isSlot(item)) raiseSubscriptOutOfRange();
-  powerups[static_cast<std::size_t>(item)].count = stock;
+  powerups[indexOf(item)].count = stock;
   printChat("Item purchased", LineType::ServerMessage);
   showStoreStatus("Item purchased");
 }
 
-void clsPlayer::sellItemAccepted(std::int16_t item, std::int16_t stock, double credits) {
+void clsPlayer::sellItemAccepted(PowerupSlot item, std::int16_t stock, double credits) {
   // Quirk Q-204: a sale bypasses the setter of the credits. They are not rounded, and the main window keeps the old
   // balance until the server updates it. Unlike a purchase, a sale prints no line in the console.
   if (isSlot(item)) {
-    powerups[static_cast<std::size_t>(item)].count = stock;
+    powerups[indexOf(item)].count = stock;
     funds_ = credits;
   }
   // Quirk Q-205: an unknown item is reported as sold, too.
@@ -68,9 +68,8 @@ void clsPlayer::sellItemAccepted(std::int16_t item, std::int16_t stock, double c
 void clsPlayer::showStoreStatus(const std::string& text) {
   if (!frmPowerups.isVisible()) return;
   frmPowerups->lblWinners.Caption = text;
-  for (int i = 0; i < powerupSlotCount; ++i) {
-    const std::int32_t count = powerups[static_cast<std::size_t>(i)].count;
-    frmPowerups->lblCurrentStock[i].Caption = numberText(count);
+  for (const PowerupSlot slot : powerupSlots) {
+    frmPowerups->lblCurrentStock[slot].Caption = numberText(std::int32_t{powerups[indexOf(slot)].count});
   }
   // Quirk Q-275: rounded down, unlike in a newly opened window.
   frmPowerups->lblFunds.Caption = numberText(std::floor(funds_));

@@ -44,7 +44,7 @@ class Arena {
   /// All logged-in players, in the order of their connections.
   std::vector<PlayerView> players(Millis now) const;
   /// Colours that bots hold and people waiting to log in need. Disconnect these bots. Each tick retries the logins.
-  std::vector<std::int16_t> wantedColours() const { return lobby_.wantedColours(); }
+  std::vector<PlayerColour> wantedColours() const { return lobby_.wantedColours(); }
   /// False in the intermission between two rounds, when everybody is dead.
   bool isRoundRunning() const { return rounds_.isRunning(); }
 

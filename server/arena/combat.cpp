@@ -7,7 +7,7 @@ namespace kelvora::server {
 void Combat::activate(Player& player, std::string_view fields, Millis now) {
   const auto request = wire::fromClient<wire::msgActivateRequest>(fields);
   if (!request || !player.requests.allows(now)) return;
-  const auto [item] = *request;
+  const PowerupSlot item{std::get<0>(*request)};
   Inventory& inventory = player.inventory;
   const auto refuse = [&](const char* why) { roster_.sendTo(player.client, wire::toClient<wire::msgServerText>(why)); };
   // Clients rarely request in vain, except that they show a capture only when it is carried out. And their timers count
@@ -48,7 +48,7 @@ void Combat::pulse(Player& owner, Millis now) {
   }
 }
 
-void Combat::end(Player& player, int item, Millis now) {
+void Combat::end(Player& player, PowerupSlot item, Millis now) {
   if (!player.inventory.end(item, now)) return;
   roster_.sendToAll(wire::toClient<wire::msgPowerupOff>(player.node, item));
 }

@@ -25,7 +25,7 @@ class Combat {
   void strike(const std::vector<Hit>& hits, Millis now);
   void pulse(Player& owner, Millis now);
   /// Ends a running powerup early.
-  void end(Player& player, int item, Millis now);
+  void end(Player& player, PowerupSlot item, Millis now);
 
   Roster& roster_;
   PendingCaptures& pending_;

@@ -10,7 +10,7 @@ void Economy::trade(Player& player, bool isSale, std::string_view fields, Millis
   const auto request =
       isSale ? wire::fromClient<wire::msgSellRequest>(fields) : wire::fromClient<wire::msgBuyRequest>(fields);
   if (!request || !player.requests.allows(now)) return;
-  const auto [item] = *request;
+  const PowerupSlot item{std::get<0>(*request)};
   Inventory& inventory = player.inventory;
   const Outcome outcome = isSale ? inventory.sell(item) : inventory.buy(item);
   if (outcome.isRefused()) {

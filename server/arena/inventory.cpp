@@ -12,17 +12,15 @@ constexpr Millis minute = 60'000;
 
 std::string credits(std::int64_t amount) { return std::to_string(amount) + (amount == 1 ? " credit" : " credits"); }
 
-std::size_t slot(int item) { return static_cast<std::size_t>(item); }
-
 }  // namespace
 
-int Inventory::stock(int item) const { return isSlot(item) ? stock_[slot(item)] : 0; }
+int Inventory::stock(PowerupSlot item) const { return isSlot(item) ? stock_[indexOf(item)] : 0; }
 
 int Inventory::totalStock() const { return std::accumulate(stock_.begin(), stock_.end(), 0); }
 
-Outcome Inventory::buy(int item) {
+Outcome Inventory::buy(PowerupSlot item) {
   if (!isSlot(item)) return Outcome::refused("The store has no such powerup.");
-  const Powerup& powerup = powerupTable[slot(item)];
+  const Powerup& powerup = powerupTable[indexOf(item)];
   if (totalStock() >= startCapacity) {
     return Outcome::refused("You cannot carry more than " + std::to_string(startCapacity) +
                             " powerups. Use or sell one first.");
@@ -32,35 +30,37 @@ Outcome Inventory::buy(int item) {
                             credits(funds_) + ".");
   }
   book(Entry::purchase, -powerup.price);
-  ++stock_[slot(item)];
+  ++stock_[indexOf(item)];
   return Outcome::done();
 }
 
-Outcome Inventory::sell(int item) {
+Outcome Inventory::sell(PowerupSlot item) {
   if (!isSlot(item)) return Outcome::refused("The store has no such powerup.");
-  if (stock_[slot(item)] == 0) {
-    return Outcome::refused(std::string("You have nothing to sell of this kind: ") + powerupTable[slot(item)].name +
+  if (stock_[indexOf(item)] == 0) {
+    return Outcome::refused(std::string("You have nothing to sell of this kind: ") + powerupTable[indexOf(item)].name +
                             ".");
   }
-  --stock_[slot(item)];
+  --stock_[indexOf(item)];
   book(Entry::sale, resaleValue(item));
   return Outcome::done();
 }
 
-bool Inventory::start(int item, Millis now) {
+bool Inventory::start(PowerupSlot item, Millis now) {
   if (stock(item) == 0 || isRunning(item, now)) return false;
-  --stock_[slot(item)];
-  runsUntil_[slot(item)] = now + powerupTable[slot(item)].seconds * second;
+  --stock_[indexOf(item)];
+  runsUntil_[indexOf(item)] = now + powerupTable[indexOf(item)].seconds * second;
   return true;
 }
 
-bool Inventory::end(int item, Millis now) {
+bool Inventory::end(PowerupSlot item, Millis now) {
   if (!isRunning(item, now)) return false;
-  runsUntil_[slot(item)] = now;
+  runsUntil_[indexOf(item)] = now;
   return true;
 }
 
-bool Inventory::isRunning(int item, Millis now) const { return isSlot(item) && now < runsUntil_[slot(item)]; }
+bool Inventory::isRunning(PowerupSlot item, Millis now) const {
+  return isSlot(item) && now < runsUntil_[indexOf(item)];
+}
 
 std::int64_t Inventory::earned(int creditsPerMinute, Millis time) {
   earned_ += creditsPerMinute * time;

@@ -13,7 +13,7 @@ namespace kelvora::server {
 enum class Entry { start, income, capture, survival, purchase, sale };
 inline constexpr std::size_t entryCount = 6;
 
-/// A player's possessions: credits, powerups in stock and running powerups. Items are powerup slots. Invalid numbers
+/// A player's possessions: credits, powerups in stock and running powerups. Invalid numbers
 /// are safe to pass.
 class Inventory {
  public:
@@ -23,26 +23,26 @@ class Inventory {
   /// The total booked under this entry.
   std::int64_t booked(Entry entry) const { return ledger_[static_cast<std::size_t>(entry)]; }
   /// Powerups in stock, of one item or in total.
-  int stock(int item) const;
+  int stock(PowerupSlot item) const;
   int totalStock() const;
 
   /// The credits paid for a sold item: half its price, rounded down.
-  static std::int64_t resaleValue(int item) { return powerupTable.at(static_cast<std::size_t>(item)).price / 2; }
+  static std::int64_t resaleValue(PowerupSlot item) { return powerupTable.at(indexOf(item)).price / 2; }
 
   /// Refusals are texts for the player.
-  Outcome buy(int item);
-  Outcome sell(int item);
+  Outcome buy(PowerupSlot item);
+  Outcome sell(PowerupSlot item);
 
   /// Takes one from the stock and starts it. False, without any change, if there is none or it is running. The pulse is
   /// over as soon as it has started.
-  bool start(int item, Millis now);
+  bool start(PowerupSlot item, Millis now);
   /// Ends a running powerup early. False if it isn't running.
-  bool end(int item, Millis now);
+  bool end(PowerupSlot item, Millis now);
   /// A powerup runs for its seconds in the table, then stops by itself.
-  bool isRunning(int item, Millis now) const;
+  bool isRunning(PowerupSlot item, Millis now) const;
 
   /// When its running time ends; in the past if it isn't running.
-  Millis runsUntil(int item) const { return isSlot(item) ? runsUntil_[static_cast<std::size_t>(item)] : 0; }
+  Millis runsUntil(PowerupSlot item) const { return isSlot(item) ? runsUntil_[indexOf(item)] : 0; }
 
   /// The whole credits earned by time spent alive. Fractions are kept for the next call.
   std::int64_t earned(int creditsPerMinute, Millis time);

@@ -70,19 +70,19 @@ Outcome Lobby::check(ClientId client, const Request& request) const {
 
 bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferred, Millis now) const {
   if (!visitor.loginSince) visitor.loginSince = now;
-  visitor.wantedColour = -1;
+  visitor.wantedColour.reset();
   if (isBot(client)) return !roster_.hasFreeColour();
   const bool isPatient = now - *visitor.loginSince < colourPatience;
   const auto wish = wholeNumber<std::int16_t>(preferred);
   for (const auto& [other, player] : roster_.players()) {
     if (!isBot(other)) continue;
     const bool isWish = wish == player.colour && isPatient;
-    if (isWish || (roster_.isFull() && visitor.wantedColour < 0)) visitor.wantedColour = player.colour;
+    if (isWish || (roster_.isFull() && !visitor.wantedColour)) visitor.wantedColour = player.colour;
     if (isWish) break;
   }
   const bool isLeaving =
       std::ranges::any_of(roster_.leavers(), [&](const Player& leaver) { return wish == leaver.colour; });
-  return visitor.wantedColour >= 0 || !roster_.hasFreeColour() || (isLeaving && isPatient);
+  return visitor.wantedColour || !roster_.hasFreeColour() || (isLeaving && isPatient);
 }
 
 void Lobby::admit(ClientId client, const Request& request, Millis now) {
@@ -111,12 +111,11 @@ void Lobby::admit(ClientId client, const Request& request, Millis now) {
   economy_.sendFunds(roster_.join(std::move(player)));
 }
 
-std::int16_t Lobby::chooseColour(std::string_view preferred) const {
+PlayerColour Lobby::chooseColour(std::string_view preferred) const {
   const auto wish = wholeNumber<std::int16_t>(preferred);
-  if (wish && *wish >= 0 && *wish < Roster::colourCount && roster_.isColourFree(*wish)) return *wish;
-  std::int16_t colour = 0;
-  while (!roster_.isColourFree(colour)) ++colour;
-  return colour;
+  if (wish && *wish >= 0 && *wish < Roster::colourCount && roster_.isColourFree(PlayerColour{*wish}))
+    return PlayerColour{*wish};
+  return *std::ranges::find_if(playerColours, [&](PlayerColour colour) { return roster_.isColourFree(colour); });
 }
 
 Spot Lobby::startSpot() {
@@ -149,10 +148,10 @@ void Lobby::tick(Millis now) {
   });
 }
 
-std::vector<std::int16_t> Lobby::wantedColours() const {
-  std::vector<std::int16_t> colours;
+std::vector<PlayerColour> Lobby::wantedColours() const {
+  std::vector<PlayerColour> colours;
   for (const auto& [client, visitor] : visitors_) {
-    if (visitor.login && visitor.wantedColour >= 0) colours.push_back(visitor.wantedColour);
+    if (visitor.login && visitor.wantedColour) colours.push_back(*visitor.wantedColour);
   }
   return colours;
 }

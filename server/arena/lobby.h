@@ -36,14 +36,14 @@ class Lobby {
   /// Retries waiting logins and drops clients whose time is up.
   void tick(Millis now);
   /// Colours held by bots that people need.
-  std::vector<std::int16_t> wantedColours() const;
+  std::vector<PlayerColour> wantedColours() const;
 
  private:
   struct Visitor {
     Millis since;
     std::optional<std::string> login{};  // its fields while it waits
     std::optional<Millis> loginSince{};
-    std::int16_t wantedColour = -1;
+    std::optional<PlayerColour> wantedColour{};
   };
 
   struct Request {  // the fields of a login, in their order
@@ -57,7 +57,7 @@ class Lobby {
   Outcome check(ClientId client, const Request& request) const;
   bool mustWait(ClientId client, Visitor& visitor, std::string_view preferred, Millis now) const;
   void admit(ClientId client, const Request& request, Millis now);
-  std::int16_t chooseColour(std::string_view preferred) const;
+  PlayerColour chooseColour(std::string_view preferred) const;
   Spot startSpot();
   void sendJoined(ClientId client, const Player& player) const;
 

@@ -13,10 +13,9 @@ PlayerView viewOf(const Player& player, Millis now) {
                   .kills = player.kills,
                   .roundCaptures = player.roundCaptures};
   for (const Tail::Vertex& vertex : player.tail.vertices()) view.tail.push_back(vertex.spot.point());
-  for (int item = 0; item < powerupSlotCount; ++item) {
-    const auto slot = static_cast<std::size_t>(item);
-    view.isRunning[slot] = player.inventory.isRunning(item, now);
-    view.stock[slot] = player.inventory.stock(item);
+  for (const PowerupSlot slot : powerupSlots) {
+    view.isRunning[indexOf(slot)] = player.inventory.isRunning(slot, now);
+    view.stock[indexOf(slot)] = player.inventory.stock(slot);
   }
   return view;
 }

@@ -19,7 +19,7 @@ inline constexpr double requestsPerSecond = 10;    ///< of one player: chat, sto
 struct Player {
   ClientId client = 0;
   std::int16_t node = 0;
-  std::int16_t colour = 0;
+  PlayerColour colour = redPlayer;
   std::string name;
   Spot spot;                       ///< last accepted report, or the start position
   std::optional<Point> heading{};  ///< last movement, not zero on both axes

@@ -15,7 +15,7 @@ namespace kelvora::server {
 struct PlayerView {
   ClientId client = 0;
   std::int16_t node = 0;
-  std::int16_t colour = 0;
+  PlayerColour colour = redPlayer;
   std::string name;
   bool isAlive = false;
   Point position;             ///< the last accepted report

@@ -52,7 +52,7 @@ bool Roster::hasBots() const {
   return std::ranges::any_of(players_, [](const auto& entry) { return isBot(entry.first); });
 }
 
-bool Roster::isColourFree(std::int16_t colour) const {
+bool Roster::isColourFree(PlayerColour colour) const {
   return std::ranges::none_of(players_, [&](const auto& entry) { return entry.second.colour == colour; }) &&
          std::ranges::find(leavers_, colour, &Player::colour) == leavers_.end();
 }

@@ -40,7 +40,7 @@ class Roster {
   bool isFull() const { return players_.size() == colourCount; }
 
   /// Leavers still hold their colours.
-  bool isColourFree(std::int16_t colour) const;
+  bool isColourFree(PlayerColour colour) const;
   bool hasFreeColour() const;
   /// A node for a newcomer: 1 to 32767, not in use and not used recently.
   std::int16_t nextNode();

@@ -18,7 +18,7 @@ constexpr Millis askAgain = 5'000;
 Bot::Bot(std::string name, SkillLevel level, std::uint32_t seed)
     : name_(std::move(name)), level_(level), mind_(skillOf(level), seed), chatter_(seed + 1) {}
 
-std::string Bot::login(const std::string& password, int colour, const std::string& version) const {
+std::string Bot::login(const std::string& password, PlayerColour colour, const std::string& version) const {
   return wire::toServer<wire::msgLogin>(name_, password, colour, version);
 }
 

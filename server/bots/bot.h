@@ -24,7 +24,7 @@ class Bot {
   SkillLevel level() const { return level_; }
 
   /// The frame of the bot's login.
-  std::string login(const std::string& password, int colour, const std::string& version) const;
+  std::string login(const std::string& password, PlayerColour colour, const std::string& version) const;
   /// Handles a frame from the arena. The bot answers at the next tick.
   void hear(std::string_view frame, Millis now);
   /// Runs the bot for 40 ms. `self` is what the arena knows about it.

@@ -67,7 +67,7 @@ void BotKeeper::step(Millis now) {
 }
 
 void BotKeeper::makeRoom(Millis now) {
-  const std::vector<std::int16_t> wanted = arena_.wantedColours();
+  const std::vector<PlayerColour> wanted = arena_.wantedColours();
   for (Seat& seat : seats_) {
     const PlayerView* self = seat.bot ? sight_.player(seat.client) : nullptr;
     if (seat.isHungUp || (self && std::ranges::find(wanted, self->colour) != wanted.end())) leave(seat, now);
@@ -91,7 +91,7 @@ void BotKeeper::seat(Seat& seat, Millis now) {
   seat.isHungUp = false;
   seat.bot.emplace(seat.name, seat.level, static_cast<std::uint32_t>(random_()));
   arena_.connected(seat.client, now);
-  const int colour = std::uniform_int_distribution(0, Arena::colourCount - 1)(random_);
+  const auto colour = static_cast<PlayerColour>(std::uniform_int_distribution(0, Arena::colourCount - 1)(random_));
   arena_.received(seat.client, wire::textOf(seat.bot->login(password_, colour, version_)), now);
 }
 

@@ -14,7 +14,7 @@ struct Intent {
   double angle = 0;     ///< direction of flight, radians
   double throttle = 0;  ///< fraction of full speed
   bool brakes = false;
-  std::optional<int> powerup = std::nullopt;  ///< to activate
+  std::optional<PowerupSlot> powerup = std::nullopt;  ///< to activate
 };
 
 /// Decides what a bot does, based on what it sees. Uses no clock and no sockets, and the same seed gives the same
@@ -26,7 +26,7 @@ class Mind {
   /// Decides for the next 40 ms.
   Intent think(const BotView& view);
   /// The powerup to buy with the available credits; nothing if none is needed or affordable.
-  std::optional<int> wantsToBuy(const BotView& view);
+  std::optional<PowerupSlot> wantsToBuy(const BotView& view);
   /// Called when the bot has captured somebody. It pauses to enjoy that.
   void triumph(Millis now);
   /// Resets the plans at the start of a new life.
@@ -67,8 +67,8 @@ class Mind {
   void avoidCharges(const BotView& view);
 
   // powerupUse.cpp
-  std::optional<int> choosePowerup(const BotView& view);
-  bool has(const BotView& view, int item) const;
+  std::optional<PowerupSlot> choosePowerup(const BotView& view);
+  bool has(const BotView& view, PowerupSlot item) const;
 
   void steer(double angle, double throttle);
 

@@ -15,12 +15,12 @@ constexpr double laserHalfWidth = 300;  // world units from the beam within whic
 
 }  // namespace
 
-bool Mind::has(const BotView& view, int item) const {
-  const auto slot = static_cast<std::size_t>(item);
+bool Mind::has(const BotView& view, PowerupSlot item) const {
+  const std::size_t slot = indexOf(item);
   return skill_.uses[slot] && view.stock[slot] > 0 && !view.isRunning[slot];
 }
 
-std::optional<int> Mind::choosePowerup(const BotView& view) {
+std::optional<PowerupSlot> Mind::choosePowerup(const BotView& view) {
   if (view.now < nextPowerup_) return std::nullopt;
   const auto distance = [&](const Seen& other) {
     return length(foreseen(other, static_cast<double>(view.delay), skill_.foreseesTurns) - view.position);
@@ -29,7 +29,7 @@ std::optional<int> Mind::choosePowerup(const BotView& view) {
     return std::ranges::any_of(
         view.others, [&](const Seen& other) { return other.isAlive && distance(other) < reach && condition(other); });
   };
-  const auto use = [&](int item) {
+  const auto use = [&](PowerupSlot item) {
     nextPowerup_ = view.now + static_cast<Millis>(between(350, 700)) + skill_.reaction;
     return std::optional(item);
   };
@@ -64,16 +64,16 @@ std::optional<int> Mind::choosePowerup(const BotView& view) {
   return std::nullopt;
 }
 
-std::optional<int> Mind::wantsToBuy(const BotView& view) {
+std::optional<PowerupSlot> Mind::wantsToBuy(const BotView& view) {
   // Saves for a shield and a pulse together. The rest is bought as it runs out.
   int total = 0;
   for (const int count : view.stock) total += count;
   if (total >= 4) return std::nullopt;
   constexpr std::array wishes = {turboSlot, shieldSlot, laserSlot, chargedTailSlot, extendedTailSlot, pulseSlot};
-  std::array<int, powerupSlotCount> affordable{};
+  std::array<PowerupSlot, powerupSlotCount> affordable{};
   std::size_t count = 0;
-  for (const int item : wishes) {
-    const auto slot = static_cast<std::size_t>(item);
+  for (const PowerupSlot item : wishes) {
+    const std::size_t slot = indexOf(item);
     if (skill_.uses[slot] && view.stock[slot] == 0 && powerupTable[slot].price <= view.funds)
       affordable[count++] = item;
   }

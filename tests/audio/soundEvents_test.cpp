@@ -82,7 +82,7 @@ TEST_F(SoundEvents, TheLocalPlayersDeathIsHeard) {
 TEST_F(SoundEvents, EachPowerupOfTheLocalPlayerHasItsSound) {
   constexpr std::array<const char*, 6> sounds = {"puShield.wav",   "puTurbo.wav", "puChargedTail.wav",
                                                  "puLongTail.wav", "puLaser.wav", "puMissile.wav"};
-  for (std::int16_t slot = 0; slot < 6; ++slot) {
+  for (const PowerupSlot slot : powerupSlots) {
     machine.soundCommands.clear();
     modMain::world.localPlayer.activatePowerup(slot);
     EXPECT_EQ(machine.soundCommands, playing(sounds[static_cast<std::size_t>(slot)])) << slot;
@@ -90,28 +90,28 @@ TEST_F(SoundEvents, EachPowerupOfTheLocalPlayerHasItsSound) {
 }
 
 TEST_F(SoundEvents, ARunningPowerupIsNotHeardAgain) {
-  modMain::world.localPlayer.activatePowerup(0);
+  modMain::world.localPlayer.activatePowerup(shieldSlot);
   machine.soundCommands.clear();
-  modMain::world.localPlayer.activatePowerup(0);
+  modMain::world.localPlayer.activatePowerup(shieldSlot);
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
 TEST_F(SoundEvents, PowerupsOfOpponentsAreSilent) {
   const std::int16_t bob = join(3, 1, "Bob");
-  for (std::int16_t slot = 0; slot < 6; ++slot) modMain::playerAt(bob).activatePowerup(slot);
+  for (const PowerupSlot slot : powerupSlots) modMain::playerAt(bob).activatePowerup(slot);
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
 TEST_F(SoundEvents, Q180AnEarlyEndStopsTheSoundOfThePowerupsOwnNumber) {
   constexpr std::array<const char*, 6> stopped = {"capture.wav",  "bounce.wav",  "error.wav",
                                                   "puShield.wav", "puTurbo.wav", "puChargedTail.wav"};
-  for (std::int16_t slot = 0; slot < 6; ++slot) {
+  for (const PowerupSlot slot : powerupSlots) {
     machine.soundCommands.clear();
     modMain::world.localPlayer.unactivatePowerup(slot);
     EXPECT_EQ(machine.soundCommands, stopping(stopped[static_cast<std::size_t>(slot)])) << slot;
   }
-  modMain::world.localPlayer.activatePowerup(1);
-  modMain::world.localPlayer.unactivatePowerup(1);
+  modMain::world.localPlayer.activatePowerup(turboSlot);
+  modMain::world.localPlayer.unactivatePowerup(turboSlot);
   EXPECT_FALSE(frmSound->mm(4).Silent()) << "puTurbo.wav runs on";
   EXPECT_TRUE(frmSound->mm(1).Silent());
 }
@@ -119,13 +119,13 @@ TEST_F(SoundEvents, Q180AnEarlyEndStopsTheSoundOfThePowerupsOwnNumber) {
 TEST_F(SoundEvents, AnEarlyEndOfAnOpponentsPowerupStopsASoundToo) {
   const std::int16_t bob = join(3, 1, "Bob");
   machine.soundCommands.clear();
-  modMain::playerAt(bob).unactivatePowerup(1);
+  modMain::playerAt(bob).unactivatePowerup(turboSlot);
   EXPECT_EQ(machine.soundCommands, stopping("bounce.wav"));
 }
 
 TEST_F(SoundEvents, AnEndBeyondTheSlotsStopsNothing) {
-  modMain::world.localPlayer.unactivatePowerup(6);
-  modMain::world.localPlayer.unactivatePowerup(-1);
+  modMain::world.localPlayer.unactivatePowerup(PowerupSlot{6});
+  modMain::world.localPlayer.unactivatePowerup(PowerupSlot{-1});
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 

@@ -15,7 +15,7 @@ TEST_F(World, ANewPlayerIsAllZero) {
   EXPECT_FALSE(player.awaitingFirstPosition);
   EXPECT_EQ(player.serverNode, 0);
   EXPECT_EQ(player.playerIndex, 0);
-  EXPECT_EQ(player.colour, 0);
+  EXPECT_EQ(player.colour, redPlayer);
   EXPECT_EQ(player.name, "");
   EXPECT_EQ(player.position, (Vector{0, 0}));
   EXPECT_EQ(player.speed, 0);

@@ -74,7 +74,7 @@ TEST_F(ConnectionState, TimerIsWokenByTheSocketThatConnects) {
 
 TEST_F(ConnectionState, TimerIsWokenByTheMenuThatEndsAFailure) {
   frmMain->Show();
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   server().refuse();
   passEvents();
   tick(1000);
@@ -89,7 +89,7 @@ TEST_F(ConnectionState, TimerIsWokenByTheMenuThatEndsAFailure) {
 }
 
 TEST_F(ConnectionState, IsRefreshedAtTheConnectionBeforeTheLoginGoesOut) {
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 2);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", greenPlayer);
   server().acceptConnection();
   passEvents();
   EXPECT_EQ(shownState(), "Connected");
@@ -111,7 +111,7 @@ TEST_F(ConnectionState, IsRefreshedWhenTheServerHangsUp) {
 
 TEST_F(ConnectionState, ARefusedConnectionRunsNoHandler) {
   frmMain->Show();
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   server().refuse();
   passEvents();
   EXPECT_EQ(frmMain->sock.State(), sckError);
@@ -130,7 +130,7 @@ TEST_F(ConnectionState, TheMenuOpensTheDialogModally) {
 
 TEST_F(ConnectionState, TheTitleOpensTheDialogAsTheMenuDoesEvenAfterAFailure) {
   frmMain->Show();
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   server().refuse();
   passEvents();
   frmMain->lbcConnect.Click();

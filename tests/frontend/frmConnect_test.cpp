@@ -204,10 +204,10 @@ TEST_F(ConnectDialog, StandsBesideTheMainWindowsCorner) {
 }
 
 TEST_F(ConnectDialog, SelectingAColourMarksItsCircle) {
-  frmConnect->selectColour(3);
+  frmConnect->selectColour(cyanPlayer);
   EXPECT_EQ(frmConnect->colour, 3);
   EXPECT_EQ(borders(), "3/1 3/1 3/1 1/3 3/1 3/1 ");
-  frmConnect->selectColour(5);
+  frmConnect->selectColour(purplePlayer);
   EXPECT_EQ(borders(), "3/1 3/1 3/1 3/1 3/1 1/3 ");
 }
 
@@ -229,10 +229,10 @@ TEST_F(ConnectDialog, BothEndsOfACircleBelongToIt) {
   // Circle 2 is 195 wide from 2460, and the label begins at 1740.
   press(720, 0);
   EXPECT_EQ(frmConnect->colour, 2);
-  frmConnect->colour = 0;
+  frmConnect->colour = redPlayer;
   press(915, 255);
   EXPECT_EQ(frmConnect->colour, 2);
-  frmConnect->colour = 0;
+  frmConnect->colour = redPlayer;
   press(719, 100);
   EXPECT_EQ(frmConnect->colour, 0);
   press(916, 100);
@@ -250,7 +250,7 @@ TEST_F(ConnectDialog, Q041APressLeavesTheBorderDottedInColourOne) {
 }
 
 TEST_F(ConnectDialog, Q051APressIntoAGapClearsAllMarksAndKeepsTheColour) {
-  frmConnect->selectColour(2);
+  frmConnect->selectColour(greenPlayer);
   press(370, 100);  // between circles 0 and 1: 315 to 420
   EXPECT_EQ(frmConnect->colour, 2);
   EXPECT_EQ(borders(), "3/1 3/1 3/1 3/1 3/1 3/1 ");
@@ -258,12 +258,12 @@ TEST_F(ConnectDialog, Q051APressIntoAGapClearsAllMarksAndKeepsTheColour) {
 
 TEST_F(ConnectDialog, ConnectHandsEverythingToTheSession) {
   frmConnect->txtServerPassword.Text = "secret";
-  frmConnect->selectColour(3);
+  frmConnect->selectColour(cyanPlayer);
   connectWith("Ann", "arena.test", "3000");
   EXPECT_EQ(server().connects, (std::vector<std::pair<std::string, int>>{{"arena.test", 3000}}));
   EXPECT_EQ(netMan::playerName, "Ann");
   EXPECT_EQ(netMan::serverPassword, "secret");
-  EXPECT_EQ(netMan::preferredColour, 3);
+  EXPECT_EQ(netMan::preferredColour, cyanPlayer);
   EXPECT_FALSE(frmConnect.isLoaded());
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
@@ -335,7 +335,7 @@ TEST_F(ConnectDialog, ASeparatorInTheNameBreaksTheLoginIntoMoreFields) {
 
 TEST_F(ConnectDialog, Q042ARefusedAttemptHasSavedItsValues) {
   frmConnect->txtServerPassword.Text = "secret";
-  frmConnect->selectColour(5);
+  frmConnect->selectColour(purplePlayer);
   connectWith("", "arena.test", "abc");
   EXPECT_EQ(stored("player name"), "");
   EXPECT_EQ(stored("server address"), "arena.test");
@@ -365,7 +365,7 @@ TEST_F(ConnectDialog, ClosingTheWindowUnloadsIt) {
 }
 
 TEST_F(ConnectDialog, ALoadAfterAnUnloadBeginsAnew) {
-  frmConnect->selectColour(4);
+  frmConnect->selectColour(bluePlayer);
   frmConnect.unload();
   EXPECT_EQ(frmConnect->colour, 0) << "nothing was saved";
 }

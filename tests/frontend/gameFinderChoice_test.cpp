@@ -13,7 +13,7 @@ class GameFinderChoice : public GameFinder {
     frmConnect->Show();
     frmConnect->txtPlayerName.Text = "Ann";
     frmConnect->txtServerPassword.Text = "secret";
-    frmConnect->selectColour(4);
+    frmConnect->selectColour(bluePlayer);
   }
 };
 
@@ -25,7 +25,7 @@ TEST_F(GameFinderChoice, Q272AProtectedServerGetsTheDialogsPassword) {
   EXPECT_EQ(server().connects, (std::vector<std::pair<std::string, int>>{{"arena.test", 3000}}));
   EXPECT_EQ(netMan::playerName, "Ann");
   EXPECT_EQ(netMan::serverPassword, "secret");
-  EXPECT_EQ(netMan::preferredColour, 4);
+  EXPECT_EQ(netMan::preferredColour, bluePlayer);
   EXPECT_FALSE(frmGameFind.isLoaded());
   EXPECT_FALSE(frmConnect.isLoaded());
   EXPECT_TRUE(machine.messageBoxes.empty()) << "nothing is asked";

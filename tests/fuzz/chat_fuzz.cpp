@@ -45,7 +45,7 @@ void act(FuzzClient& client, char what, Input& input) {
 void run(Input input) {
   FuzzClient client;
   client.survives([&] {
-    netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+    netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
     client.server().acceptConnection();
     client.passEvents();
     client.play(

@@ -21,7 +21,7 @@ void runFrames(FuzzClient& client, int count, Tick ms) {
 }
 
 void reconnect(FuzzClient& client) {
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   client.server().acceptConnection();
   client.passEvents();
 }

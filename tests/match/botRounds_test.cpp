@@ -50,7 +50,7 @@ class BotMatch : private server::ArenaOutput {
     }
     for (ClientId client = 1; client <= botCount; ++client) {
       arena_.connected(client, now_);
-      arena_.received(client, wire::textOf(bots_[client - 1].login("", 0, KELVORA_VERSION)), now_);
+      arena_.received(client, wire::textOf(bots_[client - 1].login("", redPlayer, KELVORA_VERSION)), now_);
     }
   }
 

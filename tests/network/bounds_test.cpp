@@ -113,9 +113,9 @@ TEST_F(Bounds, AtMostAThousandExplosionParticlesExist) {
 }
 
 TEST_F(Bounds, CapturesOfALifeAreCountedInSixteenBits) {
-  world.localPlayer.captures.assign(32'767, 1);
+  world.localPlayer.captures.assign(32'767, yellowPlayer);
   EXPECT_EQ(world.localPlayer.captureCount(), 32'767);
-  EXPECT_THROW(world.localPlayer.receiveCapture(1), RuntimeFault);
+  EXPECT_THROW(world.localPlayer.receiveCapture(yellowPlayer), RuntimeFault);
   EXPECT_EQ(world.localPlayer.captures.size(), 32'767U);
 }
 

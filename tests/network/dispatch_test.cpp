@@ -45,7 +45,7 @@ TEST_F(Dispatch, IdsThatAreNotUsedHaveNoRow) {
   constexpr std::int16_t unused[] = {0,   128, 129, 130, 131, 133, 135, 139, 143,
                                      146, 149, 152, 155, 158, 163, 166, 167, 169};
   for (const std::int16_t id : unused) {
-    EXPECT_EQ(netMan::findRoute(id), nullptr) << id;
+    EXPECT_EQ(netMan::findRoute(wire::MessageId{id}), nullptr) << id;
   }
 }
 
@@ -105,7 +105,7 @@ TEST_F(Dispatch, LoginAcceptedTakesTheNameThatWasSent) {
   netMan::playerName = "Sent";
   serverSends(wire::msgLoginAccepted, {"3", "20", "100", "200"});
   EXPECT_EQ(world.localPlayer.name, "Sent");
-  EXPECT_EQ(world.localPlayer.colour, 3);
+  EXPECT_EQ(world.localPlayer.colour, cyanPlayer);
   EXPECT_EQ(world.localPlayer.serverNode, 20);
   EXPECT_EQ(world.localPlayer.position, (Vector{100, 200}));
 }

@@ -78,12 +78,12 @@ TEST_F(Reconnection, KeepsTheExplosions) {
 // death.
 TEST_F(Reconnection, KeepsTheCaptures) {
   serverSends(wire::msgTailCapture, {"7", "8", "1", "1"});
-  modMain::world.opponents[0].captures = {5};
+  modMain::world.opponents[0].captures = {purplePlayer};
   netMan::disconnectFromServer();
-  EXPECT_EQ(modMain::world.localPlayer.captures, (std::vector<std::int16_t>{4}));
+  EXPECT_EQ(modMain::world.localPlayer.captures, (std::vector<PlayerColour>{bluePlayer}));
   login(2, 7);
-  EXPECT_EQ(modMain::world.localPlayer.captures, (std::vector<std::int16_t>{4}));
-  EXPECT_EQ(modMain::world.opponents[0].captures, (std::vector<std::int16_t>{5}));
+  EXPECT_EQ(modMain::world.localPlayer.captures, (std::vector<PlayerColour>{bluePlayer}));
+  EXPECT_EQ(modMain::world.opponents[0].captures, (std::vector<PlayerColour>{purplePlayer}));
   modMain::world.localPlayer.die();
   EXPECT_EQ(modMain::world.explosionCount, 1);
 }

@@ -19,17 +19,17 @@ class Session : public GameTest {
 };
 
 TEST_F(Session, ConnectingStoresTheLoginAndDialsTheServer) {
-  netMan::connectToServer("Ann", "game.test", 2011, "secret", 4);
+  netMan::connectToServer("Ann", "game.test", 2011, "secret", bluePlayer);
   EXPECT_EQ(netMan::playerName, "Ann");
   EXPECT_EQ(netMan::serverPassword, "secret");
-  EXPECT_EQ(netMan::preferredColour, 4);
+  EXPECT_EQ(netMan::preferredColour, bluePlayer);
   EXPECT_EQ(server().connects, (std::vector<std::pair<std::string, int>>{{"game.test", 2011}}));
   EXPECT_FALSE(frmMain->mnuFileConnect.Enabled);
   EXPECT_TRUE(frmMain->mnuFileDisconnect.Enabled);
 }
 
 TEST_F(Session, TheLoginGoesOutWhenTheConnectionStands) {
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "pw", 2);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "pw", greenPlayer);
   EXPECT_TRUE(server().sent.empty());
   server().acceptConnection();
   passEvents();
@@ -54,7 +54,7 @@ class CaptionWatch : public Peer {
 };
 
 TEST_F(Session, TheStateIsShownBeforeTheLoginGoesOut) {
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   std::vector<bool> sentBefore;
   Label& label = frmMain->lblNetStatus;
   label.peer = std::make_unique<CaptionWatch>(label, server(), sentBefore);
@@ -70,11 +70,11 @@ TEST_F(Session, AnAcceptedLoginPutsThePlayerIntoTheGame) {
   frmMain->lbUserName[1].BackColor = RGB(128, 0, 0);
   frmMain->lbUserName[1].Caption = "Bob";
   frmMain->lbcConnect.Visible = true;
-  connect("Ann", 0);
+  connect("Ann", redPlayer);
   serverSends(wire::msgLoginAccepted, {"3", "7", "1000", "2000"});
   EXPECT_EQ(world.localPlayer.playerIndex, -1);
   EXPECT_EQ(world.localPlayer.serverNode, 7);
-  EXPECT_EQ(world.localPlayer.colour, 3);
+  EXPECT_EQ(world.localPlayer.colour, cyanPlayer);
   EXPECT_EQ(world.localPlayer.position, (Vector{1000, 2000}));
   EXPECT_FALSE(world.localPlayer.awaitingFirstPosition);
   EXPECT_TRUE(world.localPlayer.isConnected);
@@ -128,7 +128,7 @@ TEST_F(Session, Q072AColourWithoutANameLeavesTheRestOfTheLoginOut) {
 
 TEST_F(Session, Q072AColourBelowTheNamesDoesTheSame) {
   frmMain->lbcConnect.Visible = true;
-  connect("Ann", 0);
+  connect("Ann", redPlayer);
   serverSends(wire::msgLoginAccepted, {"-1", "7", "1000", "2000"});
   EXPECT_TRUE(world.localPlayer.isConnected);
   EXPECT_EQ(lastLine().text, "");
@@ -341,7 +341,7 @@ TEST_F(Session, ReconnectingWhileConnectedClosesFirstWithoutAWord) {
   login();
   join(9, 2, "Bob");
   modMain::world.chatLines = {};
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   EXPECT_EQ(server().closes, 1);
   EXPECT_EQ(server().connects.size(), 2U);
   EXPECT_EQ(lastLine().text, "");
@@ -352,7 +352,7 @@ TEST_F(Session, ReconnectingWhileConnectedClosesFirstWithoutAWord) {
 TEST_F(Session, Q240AnOldOpponentAnswersForANodeGivenAnew) {
   login();
   join(9, 2, "Bob");
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   server().acceptConnection();
   passEvents();
   serverSends(wire::msgLoginAccepted, {"0", "7", "50000", "50000"});
@@ -369,17 +369,17 @@ TEST_F(Session, Q240AnOldOpponentAnswersForANodeGivenAnew) {
 }
 
 TEST_F(Session, AFailedSocketCanConnectAgain) {
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   server().refuse();
   passEvents();
   EXPECT_EQ(frmMain->sock.State(), sckError);
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   EXPECT_EQ(server().connects.size(), 2U);
 }
 
 TEST_F(Session, Q069AFailedConnectionLeavesTheMenuAsItIs) {
   frmMain->Show();
-  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", 0);
+  netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   server().refuse();
   passEvents();
   EXPECT_FALSE(frmMain->mnuFileConnect.Enabled);

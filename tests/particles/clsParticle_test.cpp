@@ -25,7 +25,7 @@ TEST_F(Particles, ABackgroundParticleDrawsColourDepthPlaceAndVelocityInThisOrder
   // Colour 0, 127, 254; depth Int(.5 * 15) + 2 = 9; place Int(.1 * 11445) = 1144 and Int(.2 * 9120) = 1824, signs minus
   // and plus; velocity Int(.5 * 15 + 1) = 8 plus, Int(.9 * 15 + 1) = 14 minus.
   script({0, 0.5F, 0.999F, 0.5F, 0.1F, 0.2F, 0.5F, 0.6F, 0.5F, 0.7F, 0.9F, 0.3F});
-  particle.init(5, background, 1, 2);
+  particle.init(purplePlayer, background, 1, 2);
   EXPECT_TRUE(machine.scriptedDraws.empty());
   EXPECT_EQ(particle.num_, 5);
   EXPECT_EQ(particle.red, 0);
@@ -41,10 +41,10 @@ TEST_F(Particles, ABackgroundParticleDrawsColourDepthPlaceAndVelocityInThisOrder
 
 TEST_F(Particles, DepthAtCreationRunsFromTwoToSixteen) {
   script({0, 0, 0, 0});
-  particle.init(0, background, 0, 0);
+  particle.init(redPlayer, background, 0, 0);
   EXPECT_EQ(particle.depth, 2);
   script({0.999F, 0, 0, 0.9999F});
-  particle.init(0, background, 0, 0);
+  particle.init(redPlayer, background, 0, 0);
   EXPECT_EQ(particle.depth, 16);
   EXPECT_EQ(particle.red, 254) << "the brightest, as with the other colours";
 }
@@ -52,7 +52,7 @@ TEST_F(Particles, DepthAtCreationRunsFromTwoToSixteen) {
 TEST_F(Particles, AnExplosionParticleDrawsItsKindAndFliesOut) {
   // Kind 9; Int(.5 * 100 + 1) = 51 minus; Int(.05 * 100 + 1) = 6 plus, slower than 10, so 90.
   script({0.95F, 0.5F, 0, 0.05F, 0.9F});
-  particle.init(3, explosion, 100, 200);
+  particle.init(cyanPlayer, explosion, 100, 200);
   EXPECT_TRUE(machine.scriptedDraws.empty());
   EXPECT_EQ(particle.kind, 9);
   EXPECT_EQ(particle.maxSpeed, 100);
@@ -63,14 +63,14 @@ TEST_F(Particles, AnExplosionParticleDrawsItsKindAndFliesOut) {
 
 TEST_F(Particles, ASpeedOfTenIsNotRaised) {
   script({0, 0.095F, 0.9F, 0.085F, 0});
-  particle.init(3, explosion, 0, 0);
+  particle.init(cyanPlayer, explosion, 0, 0);
   EXPECT_EQ(particle.velocity, (Vector{10, -135}));
 }
 
 TEST_F(Particles, AReservedParticleTakesAPlaceAndDrawsNothing) {
   script({0.5F});
   particle.velocity = {3, 4};
-  particle.init(3, reserved, 100, 200);
+  particle.init(cyanPlayer, reserved, 100, 200);
   EXPECT_EQ(machine.scriptedDraws.size(), 1U);
   EXPECT_EQ(particle.position, (Vector{100, 200}));
   EXPECT_EQ(particle.velocity, (Vector{3, 4}));
@@ -80,7 +80,7 @@ TEST_F(Particles, ANetworkTypeKeepsItsPlaceAndSpeedLimit) {
   particle.position = {7, 8};
   particle.maxSpeed = 15;
   script({0.5F, 0.9F, 0.5F, 0.9F});
-  particle.init(3, network, 100, 200);
+  particle.init(cyanPlayer, network, 100, 200);
   EXPECT_EQ(particle.position, (Vector{7, 8}));
   EXPECT_EQ(particle.velocity, (Vector{8, 8}));
 }
@@ -93,13 +93,13 @@ TEST_F(Particles, Q266TheNumberCanBeSetInTwoWays) {
 }
 
 TEST_F(Particles, Q267TwoNumbersAreNeverRead) {
-  particle.init(0, reserved, 0, 0, 7, -8);
+  particle.init(redPlayer, reserved, 0, 0, 7, -8);
   EXPECT_EQ(particle.first, 7);
   EXPECT_EQ(particle.second, -8);
-  particle.init(0, background, 0, 0, 1, 2);
+  particle.init(redPlayer, background, 0, 0, 1, 2);
   EXPECT_EQ(particle.first, 7);
   EXPECT_EQ(particle.second, -8);
-  particle.init(0, explosion, 0, 0, 1, 2);
+  particle.init(redPlayer, explosion, 0, 0, 1, 2);
   EXPECT_EQ(particle.first, 10);
   EXPECT_EQ(particle.second, -8);
 }
@@ -221,10 +221,10 @@ TEST_F(Particles, TheLimitHoldsOnBothAxesAndBothSides) {
 }
 
 TEST_F(Particles, AnotherTypeKeepsTheDepth) {
-  particle.init(0, background, 0, 0);
+  particle.init(redPlayer, background, 0, 0);
   particle.depth = 9;
   for (const ParticleType type : {network, explosion, reserved}) {
-    particle.init(0, type, 0, 0);
+    particle.init(redPlayer, type, 0, 0);
     EXPECT_EQ(particle.depth, 9);
   }
 }

@@ -10,7 +10,7 @@ class FieldSize : public GameTest {
  protected:
   FieldSize() {
     modMain::world.localPlayer.position = {50000, 50000};
-    particle.init(0, ParticleType::Background, 0, 0);  // on a canvas of 11445 by 9120
+    particle.init(redPlayer, ParticleType::Background, 0, 0);  // on a canvas of 11445 by 9120
   }
   /// The next scatter moves nothing.
   void scatterNowhere() { machine.scriptedDraws.assign({0, 0.9F, 0, 0.9F, 0}); }

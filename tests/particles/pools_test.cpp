@@ -164,7 +164,7 @@ TEST_F(Pools, Q307AFieldTurnedIntoBallsDrawsNewVelocitiesAndIsNotWrapped) {
   clsParticle& particle = modMain::world.particles[0];
   const Vector place = particle.position;
   machine.scriptedDraws = {0.5F, 0.9F, 0.2F, 0.1F};  // Int(.5 * 15 + 1), to the right; Int(.2 * 15 + 1), up
-  particle.init(0, ParticleType::Network, 1, 2);
+  particle.init(redPlayer, ParticleType::Network, 1, 2);
   EXPECT_EQ(particle.velocity, (Vector{8, -4}));
   EXPECT_EQ(particle.position, place);
   particle.depth = 0;

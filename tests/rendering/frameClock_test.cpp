@@ -138,7 +138,7 @@ TEST_F(PaintTime, CountsBorderIconsAndPointerInAnEmptyWorld) { EXPECT_EQ(paintAn
 // numbers.
 TEST_F(PaintTime, CountsTheWholeWorldAndNeitherClearingTextsNorShowing) {
   placeLocal().addTail({51000, 50000});
-  placeOpponent(3, 52000, 50000).addTail({53000, 50000});
+  placeOpponent(cyanPlayer, 52000, 50000).addTail({53000, 50000});
   addStar();
   modMain::receiveParticleNew("n", 4, 50000, 50000, 0, 0);
   modMain::showCentreMessage("abcd");

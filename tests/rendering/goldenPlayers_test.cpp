@@ -14,7 +14,7 @@ class GoldenPlayers : public GoldenPainting {
   static constexpr Part ball{357, 280, 49, 49};
 
   /// An opponent at the centre of the canvas, at a cell of the animation.
-  clsPlayer& placeAtCentre(std::int16_t colour, std::int16_t cell) {
+  clsPlayer& placeAtCentre(PlayerColour colour, std::int16_t cell) {
     clsPlayer& player = placeOpponent(colour, 50000, 50000);
     player.animFrame = cell;
     return player;
@@ -23,7 +23,7 @@ class GoldenPlayers : public GoldenPainting {
 
 TEST_F(GoldenPlayers, TheLivingInEachColourAndCell) {
   std::vector<Picture> pictures;
-  for (std::int16_t colour = 0; colour < 6; ++colour) {
+  for (const PlayerColour colour : playerColours) {
     for (std::int16_t cell = 0; cell < 4; ++cell) {
       stripe();
       placeAtCentre(colour, cell).paintSelf();
@@ -36,11 +36,11 @@ TEST_F(GoldenPlayers, TheLivingInEachColourAndCell) {
 
 TEST_F(GoldenPlayers, TheDeadInEachColourAndCell) {
   std::vector<Picture> pictures;
-  for (std::int16_t colour = 0; colour < 6; ++colour) {
+  for (const PlayerColour colour : playerColours) {
     for (const bool overTail : {false, true}) {
       for (std::int16_t cell = 0; cell < 4; ++cell) {
         canvas().Cls();
-        const Colour tail = clsTail{}.getColour(static_cast<std::int16_t>((colour + cell) % 6));
+        const Colour tail = clsTail{}.getColour(static_cast<PlayerColour>((colour + cell) % 6));
         if (overTail) {
           canvas().ForeColor = tail;
           canvas().DrawWidth = 20;
@@ -68,7 +68,7 @@ TEST_F(GoldenPlayers, TheShield) {
   std::vector<Picture> pictures;
   for (std::int16_t cell = 0; cell < 4; ++cell) {
     stripe();
-    clsPlayer& player = placeAtCentre(3, cell);
+    clsPlayer& player = placeAtCentre(cyanPlayer, cell);
     player.powerups[shieldSlot].active = true;
     player.paintSelf();
     pictures.push_back(cropped(canvas(), ball));
@@ -87,7 +87,7 @@ TEST_F(GoldenPlayers, TheLaserInEightDirections) {
   std::vector<Picture> pictures;
   for (int i = 0; i < 8; ++i) {
     canvas().Cls();
-    clsPlayer& player = placeAtCentre(4, 0);
+    clsPlayer& player = placeAtCentre(bluePlayer, 0);
     player.powerups[laserSlot].active = true;
     player.lastPosition = {50000 - flights[i].x, 50000 - flights[i].y};
     machine.scriptedDraws = {draws[i]};
@@ -111,7 +111,7 @@ TEST_F(GoldenPlayers, TheArrowsOfEachColour) {
                                   {{-10, 9130}, 0, 590}, {{11455, 9130}, 745, 590}};
   const Colour under = RGB(96, 96, 160);
   std::vector<Picture> pictures;
-  for (std::int16_t colour = 0; colour < 6; ++colour) {
+  for (const PlayerColour colour : playerColours) {
     for (int cell = 0; cell < 8; ++cell) {
       const auto& [screen, left, top] = directions[cell];
       clearTo(under);
@@ -129,8 +129,8 @@ TEST_F(GoldenPlayers, TheRadar) {
   clsPlayer& local = modMain::world.localPlayer;
   local.position = {25000, 50000};
   const Vector places[] = {{10000, 10000}, {50000, 20000}, {90000, 10000}, {75000, 75000}, {100000, 100000}};
-  for (std::int16_t i = 0; i < 5; ++i) placeOpponent(static_cast<std::int16_t>(i + 1), places[i].x, places[i].y);
-  placeOpponent(1, 50000, 90000).alive = false;
+  for (std::int16_t i = 0; i < 5; ++i) placeOpponent(static_cast<PlayerColour>(i + 1), places[i].x, places[i].y);
+  placeOpponent(yellowPlayer, 50000, 90000).alive = false;
   std::vector<Picture> pictures;
   for (const bool alive : {true, false}) {
     radar().Cls();
@@ -148,10 +148,10 @@ TEST_F(GoldenPlayers, TheRadar) {
 }
 
 TEST_F(GoldenPlayers, TheCaptureStripFillsUp) {
-  clsPlayer& player = placeAtCentre(2, 0);
+  clsPlayer& player = placeAtCentre(greenPlayer, 0);
   const Surface& strip = frmMain->picCaps[2];
   std::vector<Picture> pictures;
-  for (const std::int16_t victim : std::to_array<std::int16_t>({4, 0, 5, 1, 3, 2})) {
+  for (const PlayerColour victim : {bluePlayer, redPlayer, purplePlayer, yellowPlayer, cyanPlayer, greenPlayer}) {
     player.receiveCapture(victim);
     pictures.push_back(cropped(strip, {0, 0, 65, 11}));
   }

@@ -11,7 +11,7 @@ class GoldenTails : public GoldenPainting {
 };
 
 TEST_F(GoldenTails, TheWidthsOfALongTail) {
-  clsPlayer& player = placeOpponent(1, 10000, 10000);
+  clsPlayer& player = placeOpponent(yellowPlayer, 10000, 10000);
   for (int i = 0; i < 320; ++i) lay(player, 20 + 2 * i, 304);
   player.paintSelf();
   // At its newest end, 30 wide from vertex 295 on: with the round end that is 15 pixels above and 14 below.
@@ -28,7 +28,7 @@ TEST_F(GoldenTails, LengthsAndAgesInEachColour) {
   // A frame lasts 20 ms and lays one vertex, four pixels to the right and up and down by turns, on each tail that is
   // not yet as long as it shall be.
   const int lengths[] = {2, 5, 15, 40, 70, 100};
-  for (std::int16_t colour = 0; colour < 6; ++colour) placeOpponent(colour, 10000, 10000);
+  for (const PlayerColour colour : playerColours) placeOpponent(colour, 10000, 10000);
   for (int frame = 0; frame < 100; ++frame) {
     tick(20);
     for (int colour = 0; colour < 6; ++colour) {
@@ -48,7 +48,7 @@ TEST_F(GoldenTails, LengthsAndAgesInEachColour) {
 }
 
 TEST_F(GoldenTails, AChargedSegmentWithItsLightning) {
-  clsPlayer& player = placeOpponent(4, 10000, 10000);
+  clsPlayer& player = placeOpponent(bluePlayer, 10000, 10000);
   lay(player, 200, 200);
   lay(player, 300, 220);
   player.tails[1].isCharged(true);

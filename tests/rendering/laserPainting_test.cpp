@@ -215,7 +215,7 @@ TEST_F(Laser, Q302AHitBeyondSinglePrecisionIsAFault) {
 
 TEST_F(Laser, OpponentsBeamAsWell) {
   local->isConnected = false;
-  clsPlayer& other = placeOpponent(2, 50000, 50000);
+  clsPlayer& other = placeOpponent(greenPlayer, 50000, 50000);
   other.powerups[laserSlot].active = true;
   other.lastPosition = {49800, 49800};
   canvas().Cls();

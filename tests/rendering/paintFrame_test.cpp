@@ -37,8 +37,8 @@ TEST_F(Frames, TheBallLiesOverThePointerAndAGhostUnderEverything) {
 TEST_F(Frames, OpponentsLieInTheOrderOfTheirSlotsUnderTheLocalPlayer) {
   placeLocal();
   modMain::world.localPlayer.isConnected = false;
-  placeOpponent(3, 50000, 50000);
-  placeOpponent(2, 50000, 50000);
+  placeOpponent(cyanPlayer, 50000, 50000);
+  placeOpponent(greenPlayer, 50000, 50000);
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen + 2);
   modMain::world.opponents[1].isConnected = false;
@@ -51,7 +51,7 @@ TEST_F(Frames, OpponentsLieInTheOrderOfTheirSlotsUnderTheLocalPlayer) {
 
 TEST_F(Frames, ADeadLocalPlayerLiesUnderOpponents) {
   placeLocal().alive = false;
-  placeOpponent(3, 50000, 50000);
+  placeOpponent(cyanPlayer, 50000, 50000);
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen + 3);
 }
@@ -71,7 +71,7 @@ TEST_F(Frames, ADisconnectedPlayerIsNotPaintedDeadOrAlive) {
 // The opponent in slot 0 captures during their own paint, after the ghosts are painted and before the living balls.
 TEST_F(Frames, APlayerWhoIsCapturedDuringThePaintIsMissingFromIt) {
   clsPlayer& player = placeLocal();
-  clsPlayer& winner = placeOpponent(3, 53000, 50000);
+  clsPlayer& winner = placeOpponent(cyanPlayer, 53000, 50000);
   winner.addTail({10000, 10000});
   winner.addTail({10100, 10000});
   modMain::addKillerTail(winner.serverNode, player.serverNode, 10000, 10000);
@@ -100,7 +100,7 @@ TEST_F(Frames, ThePoolsArePaintedBackgroundExplosionsNetwork) {
 
 TEST_F(Frames, ADeadOpponentIsPaintedToo) {
   placeLocal(30000, 50000);
-  placeOpponent(3, 31000, 50000).alive = false;
+  placeOpponent(cyanPlayer, 31000, 50000).alive = false;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722 + 1000.0, 4560.0), exchangedOnWhite(0, playerGreen + 3));
 }
@@ -142,14 +142,14 @@ TEST_F(Frames, AnOpponentLiesOverTheServersParticles) {
   modMain::receiveParticleNew("n", 4, 31000, 50000, 0, 0);
   modMain::paintFrame();
   ASSERT_EQ(pixelAt(canvas(), 5722 + 900.0, 4560 - 100.0).green, ballsGreen);
-  placeOpponent(3, 31000, 50000);
+  placeOpponent(cyanPlayer, 31000, 50000);
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722 + 900.0, 4560 - 100.0).green, playerGreen + 3);
 }
 
 TEST_F(Frames, TheBorderLiesOverOpponents) {
   placeLocal(2000, 50000);
-  placeOpponent(3, 0, 50000);
+  placeOpponent(cyanPlayer, 0, 50000);
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 3722.0, 4560.0), RGB(255, 0, 0));
   EXPECT_EQ(pixelAt(canvas(), 3722.0 + 150, 4560.0).green, playerGreen + 3);
@@ -212,7 +212,7 @@ TEST_F(Frames, TheRadarIsClearedForEachFrame) {
 
 TEST_F(Frames, EachFrameIsShownOnceOnEachSurface) {
   placeLocal();
-  placeOpponent(3, 50000, 50000);
+  placeOpponent(cyanPlayer, 50000, 50000);
   int canvasShown = 0;
   int radarShown = 0;
   canvas().peer = std::make_unique<CountingPeer>(canvasShown);

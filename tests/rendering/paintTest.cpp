@@ -62,7 +62,7 @@ PaintTest::PaintTest() {
 
 clsPlayer& PaintTest::placeLocal(float x, float y) {
   clsPlayer& player = modMain::world.localPlayer;
-  player.init(0, -1, 7, "Ann");
+  player.init(redPlayer, -1, 7, "Ann");
   player.position = {x, y};
   player.awaitingFirstPosition = false;
   player.breaksOn = false;
@@ -71,7 +71,7 @@ clsPlayer& PaintTest::placeLocal(float x, float y) {
   return player;
 }
 
-clsPlayer& PaintTest::placeOpponent(std::int16_t colour, float x, float y) {
+clsPlayer& PaintTest::placeOpponent(PlayerColour colour, float x, float y) {
   clsPlayer& player = modMain::world.opponents.emplace_back();
   player.init(colour, modMain::world.opponentCount, static_cast<std::int16_t>(20 + modMain::world.opponentCount),
               "Bob");

@@ -77,7 +77,7 @@ class PaintTest : public GameTest {
   /// The local player in the game at a place, red, alive, brakes off, with nobody else and no particles.
   clsPlayer& placeLocal(float x = 50000, float y = 50000);
   /// An opponent in the next slot.
-  clsPlayer& placeOpponent(std::int16_t colour, float x, float y);
+  clsPlayer& placeOpponent(PlayerColour colour, float x, float y);
 };
 
 }  // namespace kelvora

@@ -25,7 +25,7 @@ class PlayerPainting : public PaintTest {
 };
 
 TEST_F(PlayerPainting, TheBallHasTheColoursSheetAndTheSharedMatte) {
-  for (std::int16_t colour = 0; colour < 6; ++colour) {
+  for (const PlayerColour colour : playerColours) {
     local->colour = colour;
     local->animTick = 0;
     paint(*local);
@@ -56,7 +56,7 @@ TEST_F(PlayerPainting, TheBallLiesRoundTheCentre) {
 }
 
 TEST_F(PlayerPainting, TheLaterSpriteIsWholeWithNoMixing) {
-  clsPlayer& other = placeOpponent(5, 50000 + 300, 50000);
+  clsPlayer& other = placeOpponent(purplePlayer, 50000 + 300, 50000);
   canvas().Cls();
   local->paintSelf();
   other.paintSelf();
@@ -65,7 +65,7 @@ TEST_F(PlayerPainting, TheLaterSpriteIsWholeWithNoMixing) {
 }
 
 TEST_F(PlayerPainting, ASpriteOverTheEdgeIsClipped) {
-  clsPlayer& other = placeOpponent(5, 50000 - 5722, 50000);
+  clsPlayer& other = placeOpponent(purplePlayer, 50000 - 5722, 50000);
   paint(other);
   EXPECT_EQ(pixelAt(canvas(), 0, 304), RGB(16, playerGreen + 5, 16));
   EXPECT_EQ(pixelAt(canvas(), 25, 304), white);
@@ -96,7 +96,7 @@ TEST_F(PlayerPainting, Q129AGhostHasTheOperationsExchangedAndNoShield) {
 }
 
 TEST_F(PlayerPainting, ADeadOpponentOnTheCanvasIsAGhostToo) {
-  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  clsPlayer& other = placeOpponent(cyanPlayer, 50000, 50000);
   other.alive = false;
   paint(other);
   EXPECT_EQ(centre(), exchangedOnWhite(0, playerGreen + 3));
@@ -124,7 +124,7 @@ TEST_F(PlayerPainting, ACellLastsShorterAtAHigherTimeScale) {
 }
 
 TEST_F(PlayerPainting, Q242AnUnseenOpponentsAnimationStands) {
-  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  clsPlayer& other = placeOpponent(cyanPlayer, 50000, 50000);
   EXPECT_EQ(cellAfter(other, 14), 1);
   other.position.x = 10000;
   EXPECT_EQ(cellAfter(other, 25), 1);
@@ -139,7 +139,7 @@ TEST_F(PlayerPainting, AGhostsBallIsAnimatedToo) {
   EXPECT_EQ(cellAfter(*local, 10), 1);
   paint(*local);
   EXPECT_EQ(centre(), exchangedOnWhite(1, playerGreen));
-  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  clsPlayer& other = placeOpponent(cyanPlayer, 50000, 50000);
   other.alive = false;
   EXPECT_EQ(cellAfter(other, 10), 1);
 }
@@ -151,7 +151,7 @@ TEST_F(PlayerPainting, TheLocalBallIsNeverOutOfSight) {
   local->paintSelf();
   EXPECT_EQ(local->animTick, 1);
   EXPECT_EQ(modMain::world.debugText, "Location: 50.000   50.000\r\n");
-  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  clsPlayer& other = placeOpponent(cyanPlayer, 50000, 50000);
   other.paintSelf();
   EXPECT_EQ(other.animTick, 0) << "out of sight at the same place";
 }
@@ -159,7 +159,7 @@ TEST_F(PlayerPainting, TheLocalBallIsNeverOutOfSight) {
 TEST_F(PlayerPainting, ExactlyInTheCornerAnOpponentIsABall) {
   const Vector corners[] = {{-5722, -4560}, {5723, -4560}, {-5722, 4560}, {5723, 4560}};
   for (const Vector& corner : corners) {
-    clsPlayer& other = placeOpponent(2, 50000 + corner.x, 50000 + corner.y);
+    clsPlayer& other = placeOpponent(greenPlayer, 50000 + corner.x, 50000 + corner.y);
     paint(other);
     EXPECT_EQ(other.animTick, 1) << "painted as one on the canvas";
     EXPECT_EQ(countPixels(canvas(), spriteOnWhite(4, arrowGreen + 2, 4)), 0);
@@ -177,7 +177,7 @@ class ArrowTable : public PlayerPainting, public testing::WithParamInterface<Arr
 
 TEST_P(ArrowTable, Q138TheArrowStandsOnTheEdge) {
   const ArrowRow& row = GetParam();
-  clsPlayer& other = placeOpponent(4, 50000 - 5722 + row.screen.x, 50000 - 4560 + row.screen.y);
+  clsPlayer& other = placeOpponent(bluePlayer, 50000 - 5722 + row.screen.x, 50000 - 4560 + row.screen.y);
   // The image is larger than the control by an arrow, so that one just beyond its right or lower edge is seen.
   canvas().resize(763 + 18, 608 + 18);
   paint(other);
@@ -208,14 +208,14 @@ INSTANTIATE_TEST_SUITE_P(Bounds, ArrowTable,
                                          ArrowRow{{11455, 0}, 1, 745, 0}, ArrowRow{{11455, 9120}, 1, 745, 608}));
 
 TEST_F(PlayerPainting, TheArrowHasTheOpponentsColour) {
-  for (std::int16_t colour = 0; colour < 6; ++colour) {
+  for (const PlayerColour colour : playerColours) {
     paint(placeOpponent(colour, 10000, 50000));
     EXPECT_EQ(countPixels(canvas(), spriteOnWhite(3, arrowGreen + colour, 3)), 18 * 18);
   }
 }
 
 TEST_F(PlayerPainting, ADeadOpponentOffTheCanvasHasNeitherArrowNorDot) {
-  clsPlayer& other = placeOpponent(3, 10000, 50000);
+  clsPlayer& other = placeOpponent(cyanPlayer, 10000, 50000);
   other.alive = false;
   paint(other);
   EXPECT_EQ(countPixels(canvas(), white), canvas().pixelWidth() * canvas().pixelHeight());
@@ -224,7 +224,7 @@ TEST_F(PlayerPainting, ADeadOpponentOffTheCanvasHasNeitherArrowNorDot) {
 
 // The radar is 1755 by 1397 twips, 117 by 93 pixels.
 TEST_F(PlayerPainting, TheRadarShowsTheWholeWorld) {
-  clsPlayer& other = placeOpponent(5, 40000, 75000);
+  clsPlayer& other = placeOpponent(purplePlayer, 40000, 75000);
   paint(other);
   // (702, 1047); a dot of 960 / 7 = 137.14 by 135 begins 68 and 67 before: (634, 980), pixel (42, 65), 9 by 9.
   const Colour dot = spriteOnWhite(5, blipGreen, 6);
@@ -238,7 +238,7 @@ TEST_F(PlayerPainting, TheRadarShowsTheWholeWorld) {
 
 // In slot 0 a player's own paint carries out the captures of the tail, here of the player themself.
 TEST_F(PlayerPainting, TheTailIsPaintedBeforeTheDot) {
-  clsPlayer& other = placeOpponent(5, 50000, 50000);
+  clsPlayer& other = placeOpponent(purplePlayer, 50000, 50000);
   other.addTail({10000, 10000});
   other.addTail({10100, 10000});
   modMain::addKillerTail(other.serverNode, other.serverNode, 10000, 10000);
@@ -249,7 +249,7 @@ TEST_F(PlayerPainting, TheTailIsPaintedBeforeTheDot) {
 }
 
 TEST_F(PlayerPainting, EachColourHasItsDot) {
-  for (std::int16_t colour = 0; colour < 6; ++colour) {
+  for (const PlayerColour colour : playerColours) {
     paint(placeOpponent(colour, 50000, 50000));
     EXPECT_EQ(pixelAt(radar(), 877.0, 698.0), spriteOnWhite(colour, blipGreen, 6)) << colour;
   }
@@ -273,13 +273,13 @@ TEST_F(PlayerPainting, TheLocalPlayerHasACrosshairAlsoWhenDead) {
 }
 
 TEST_F(PlayerPainting, OpponentsHaveNoCrosshair) {
-  paint(placeOpponent(1, 25000, 50000));
+  paint(placeOpponent(yellowPlayer, 25000, 50000));
   EXPECT_EQ(countPixels(radar(), RGB(128, 128, 128)), 0);
 }
 
 TEST_F(PlayerPainting, OnlyTheLocalPlayerPrintsLines) {
   modMain::world.debugText.clear();
-  placeOpponent(1, 50000, 50000).paintSelf();
+  placeOpponent(yellowPlayer, 50000, 50000).paintSelf();
   EXPECT_EQ(modMain::world.debugText, "");
   local->position = {12345.75F, 99999};
   local->breaksOn = true;

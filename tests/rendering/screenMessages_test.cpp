@@ -215,7 +215,7 @@ TEST_F(ScreenMessages, TheStockNumbersStandUnderTheIcons) {
 
 TEST_F(ScreenMessages, OpponentsHaveNoStockNumbers) {
   placeLocal();
-  placeOpponent(1, 50000, 50000).paintSelf();
+  placeOpponent(yellowPlayer, 50000, 50000).paintSelf();
   EXPECT_EQ(countPixels(canvas(), RGB(0, 255, 255)), 0);
 }
 

@@ -89,7 +89,7 @@ TEST_F(SurvivalPainting, WhileItIsOffThereIsNeitherTextNorLine) {
 
 TEST_F(SurvivalPainting, OpponentsHaveNone) {
   local->position = {53000, 50000};
-  clsPlayer& other = placeOpponent(3, 54000, 50000);
+  clsPlayer& other = placeOpponent(cyanPlayer, 54000, 50000);
   canvas().Cls();
   modMain::world.debugText.clear();
   other.paintSelf();

@@ -36,13 +36,14 @@ class TailPainting : public PaintTest {
 
 TEST_F(TailPainting, TheColourDarkensWithTheAge) {
   struct Row {
-    std::int16_t colour;
+    PlayerColour colour;
     Colour fresh, aged;
   };
-  const Row table[] = {{0, RGB(255, 0, 0), RGB(155, 0, 0)}, {1, RGB(255, 255, 0), RGB(155, 155, 0)},
-                       {2, RGB(0, 255, 0), RGB(0, 155, 0)}, {3, RGB(0, 255, 255), RGB(0, 155, 155)},
-                       {4, RGB(0, 0, 255), RGB(0, 0, 155)}, {5, RGB(255, 0, 255), RGB(155, 0, 155)},
-                       {6, RGB(0, 0, 0), RGB(0, 0, 0)},     {-1, RGB(0, 0, 0), RGB(0, 0, 0)}};
+  const Row table[] = {
+      {redPlayer, RGB(255, 0, 0), RGB(155, 0, 0)},   {yellowPlayer, RGB(255, 255, 0), RGB(155, 155, 0)},
+      {greenPlayer, RGB(0, 255, 0), RGB(0, 155, 0)}, {cyanPlayer, RGB(0, 255, 255), RGB(0, 155, 155)},
+      {bluePlayer, RGB(0, 0, 255), RGB(0, 0, 155)},  {purplePlayer, RGB(255, 0, 255), RGB(155, 0, 155)},
+      {PlayerColour{6}, RGB(0, 0, 0), RGB(0, 0, 0)}, {PlayerColour{-1}, RGB(0, 0, 0), RGB(0, 0, 0)}};
   lay(100, 100);
   const clsTail& vertex = local->tails[0];
   for (const Row& row : table) EXPECT_EQ(vertex.getColour(row.colour), row.fresh) << row.colour;
@@ -62,7 +63,7 @@ TEST_F(TailPainting, AtTwoHundredAFifthOfTheColourIsLeft) {
   paint();
   tick(2000);
   paint();
-  EXPECT_EQ(local->tails[0].getColour(0), RGB(55, 0, 0));
+  EXPECT_EQ(local->tails[0].getColour(redPlayer), RGB(55, 0, 0));
 }
 
 TEST_F(TailPainting, EachVertexIsJoinedToTheOneBeforeAndNoneToTheBall) {
@@ -149,7 +150,7 @@ TEST_F(TailPainting, VerticesThatEndInThisFrameAreNotDrawn) {
 
 TEST_F(TailPainting, Q243ATailNeitherAgesNorFiresUnlessItIsPainted) {
   // The capture of the opponent waits for the local player's older vertex, which lives for 2 s and a little.
-  clsPlayer& victim = placeOpponent(3, 10000, 10000);
+  clsPlayer& victim = placeOpponent(cyanPlayer, 10000, 10000);
   lay(1500, 1500);
   lay(3000, 1500);
   paint();
@@ -171,7 +172,7 @@ TEST_F(TailPainting, Q243ATailNeitherAgesNorFiresUnlessItIsPainted) {
 }
 
 TEST_F(TailPainting, OpponentsTailsLookTheSame) {
-  clsPlayer& other = placeOpponent(3, 50000, 50000);
+  clsPlayer& other = placeOpponent(cyanPlayer, 50000, 50000);
   local->isConnected = false;
   other.addTail({47000, 47000});
   other.addTail({48500, 47000});
@@ -303,7 +304,7 @@ class VertexOfSlotZero : public TailPainting {
     local->playerIndex = 0;
     for (int i = 0; i < count; ++i) lay(1500 + 1500 * i, 1500);
     local->playerIndex = -1;
-    placeOpponent(1, 90000, 90000);
+    placeOpponent(yellowPlayer, 90000, 90000);
     paint();
     tick(11);
     paint();
@@ -319,7 +320,7 @@ TEST_F(VertexOfSlotZero, Q300IsNotTakenAwayAndFaultsWhenItIsDarkerThanBlack) {
   ageBy(255);
   ASSERT_EQ(local->tailCount(), 2) << "an ordinary vertex ends above 200";
   EXPECT_EQ(local->tails[1].getAge(), 255);
-  EXPECT_EQ(local->tails[1].getColour(0), RGB(0, 0, 0));
+  EXPECT_EQ(local->tails[1].getColour(redPlayer), RGB(0, 0, 0));
   EXPECT_THROW(ageBy(1), RuntimeFault);
 }
 

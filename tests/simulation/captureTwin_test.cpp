@@ -54,7 +54,7 @@ class CaptureTwin : public GameTest {
     player.colour = index + 1;
     player.name = std::string(1, static_cast<char>('B' + index));
     clsPlayer& it = real(index);
-    it.init(static_cast<std::int16_t>(player.colour), static_cast<std::int16_t>(index), static_cast<std::int16_t>(node),
+    it.init(static_cast<PlayerColour>(player.colour), static_cast<std::int16_t>(index), static_cast<std::int16_t>(node),
             player.name);
     it.setKills(0);
     frmMain->picCaps[player.colour].Cls();

@@ -77,7 +77,7 @@ TEST_F(Captures, TwoVictimsOfOneVertexFallTogetherInOrder) {
   outliveTails();
   EXPECT_FALSE(bob().isAlive());
   EXPECT_FALSE(ann().isAlive());
-  EXPECT_EQ(cid().captures, (std::vector<std::int16_t>{1, 0}));
+  EXPECT_EQ(cid().captures, (std::vector<PlayerColour>{yellowPlayer, redPlayer}));
   EXPECT_EQ(modMain::world.chatLines[1].text, "Cid has captured Bob");
   EXPECT_EQ(newestLine(), "Cid has captured Ann");
 }
@@ -220,7 +220,7 @@ TEST_F(Captures, Q107OnlyAPlayerWithCapturesExplodes) {
 
 TEST_F(Captures, DyingKeepsCapturesBrakesFlightAndTail) {
   bob().addTail({1, 1});
-  bob().captures = {2};
+  bob().captures = {greenPlayer};
   bob().breaksOn = false;
   bob().velocity = {4, 5};
   bob().die();
@@ -228,7 +228,7 @@ TEST_F(Captures, DyingKeepsCapturesBrakesFlightAndTail) {
   EXPECT_TRUE(bob().isConnected);
   EXPECT_FALSE(bob().breaksOn);
   EXPECT_EQ(bob().velocity, (Vector{4, 5}));
-  EXPECT_EQ(bob().captures, (std::vector<std::int16_t>{2}));
+  EXPECT_EQ(bob().captures, (std::vector<PlayerColour>{greenPlayer}));
   EXPECT_EQ(bob().tailCount(), 1);
 }
 

@@ -32,7 +32,7 @@ TEST_F(Lives, TheStripIsShownAtEachCaptureAndRespawn) {
   frmMain->picCaps[0].peer = std::make_unique<CountingPeer>(shown);
   captureBob();
   EXPECT_EQ(shown, 1);
-  ann().init(0, -1, 7, "Ann");
+  ann().init(redPlayer, -1, 7, "Ann");
   EXPECT_EQ(shown, 1) << "a new login leaves the marks";
   ann().respawn();
   EXPECT_EQ(shown, 2);
@@ -40,7 +40,7 @@ TEST_F(Lives, TheStripIsShownAtEachCaptureAndRespawn) {
 }
 
 TEST_F(Lives, ADeadVictimDiesOnceMore) {
-  bob().captures = {2, 3};
+  bob().captures = {greenPlayer, cyanPlayer};
   captureBob();
   ASSERT_FALSE(bob().alive);
   ASSERT_EQ(modMain::world.explosionCount, 2);
@@ -52,14 +52,14 @@ TEST_F(Lives, ADeadVictimDiesOnceMore) {
 }
 
 TEST_F(Lives, OneCaptureMakesOneExplosionParticle) {
-  bob().captures = {2};
+  bob().captures = {greenPlayer};
   bob().die();
   EXPECT_EQ(modMain::world.explosionCount, 1);
 }
 
 TEST_F(Lives, ARoundsEndKillsWithoutSoundOrExplosion) {
   for (clsPlayer* player : {&ann(), &bob()}) {
-    player->captures = {2, 3};
+    player->captures = {greenPlayer, cyanPlayer};
     player->setAlive(false);
     EXPECT_FALSE(player->alive);
   }
@@ -74,7 +74,7 @@ TEST_F(Lives, InitKeepsFlightReportsAnimationAndCaptures) {
     player->animFalling = true;
     player->animFrame = 3;
     player->animTick = 6;
-    player->captures = {2, 5};
+    player->captures = {greenPlayer, purplePlayer};
     player->lastPosition = {40000, 41000};
     player->lastAgeTick = 999'990;
     player->lastPowerupTick = 17;
@@ -85,7 +85,7 @@ TEST_F(Lives, InitKeepsFlightReportsAnimationAndCaptures) {
     EXPECT_TRUE(player->animFalling);
     EXPECT_EQ(player->animFrame, 3);
     EXPECT_EQ(player->animTick, 6);
-    EXPECT_EQ(player->captures, (std::vector<std::int16_t>{2, 5}));
+    EXPECT_EQ(player->captures, (std::vector<PlayerColour>{greenPlayer, purplePlayer}));
     EXPECT_EQ(player->lastPosition, (Vector{40000, 41000})) << "an active laser beams from there";
     EXPECT_EQ(player->lastAgeTick, 999'990);
     EXPECT_EQ(player->lastPowerupTick, 17);
@@ -97,9 +97,10 @@ TEST_F(Lives, KillsAreCountedInSixteenBits) {
   ann().setKills(32766);
   captureBob();
   EXPECT_EQ(ann().kills, 32767);
-  EXPECT_THROW(ann().receiveCapture(4), RuntimeFault);
+  EXPECT_THROW(ann().receiveCapture(bluePlayer), RuntimeFault);
   EXPECT_EQ(ann().kills, 32767);
-  EXPECT_EQ(ann().captures, (std::vector<std::int16_t>{1, 4})) << "the capture is noted before it is counted";
+  EXPECT_EQ(ann().captures, (std::vector<PlayerColour>{yellowPlayer, bluePlayer}))
+      << "the capture is noted before it is counted";
   EXPECT_EQ(frmMain->lblKills[0].Caption.get(), "32767");
 }
 

@@ -12,7 +12,7 @@ namespace {
 class Movement : public GameTest {
  protected:
   Movement() {
-    player.init(0, -1, 7, "Ann");
+    player.init(redPlayer, -1, 7, "Ann");
     player.awaitingFirstPosition = false;
     player.breaksOn = false;
     player.position = {50000, 50000};
@@ -366,9 +366,9 @@ TEST_F(Movement, LaysNoTail) {
 
 TEST_F(Movement, InitLeavesTheBrakesOnAndRespawnAndDeathFlagSetThem) {
   player.breaksOn = false;
-  player.init(0, -1, 7, "Ann");
+  player.init(redPlayer, -1, 7, "Ann");
   EXPECT_TRUE(player.breaksOn);
-  player.init(0, -1, 7, "Ann");
+  player.init(redPlayer, -1, 7, "Ann");
   EXPECT_TRUE(player.breaksOn) << "not toggled off";
   player.breaksOn = false;
   player.setAlive(false);
@@ -391,8 +391,8 @@ TEST_F(Movement, InitSetsTheStartOfALife) {
   player.positionReportInterval = 0;
   player.awaitingFirstPosition = false;
   player.powerups[2] = {3, 4, true};
-  player.init(4, -1, 9, "Bob");
-  EXPECT_EQ(player.colour, 4);
+  player.init(bluePlayer, -1, 9, "Bob");
+  EXPECT_EQ(player.colour, bluePlayer);
   EXPECT_EQ(player.playerIndex, -1);
   EXPECT_EQ(player.serverNode, 9);
   EXPECT_EQ(player.name, "Bob");
@@ -413,7 +413,7 @@ TEST_F(Movement, InitSetsTheStartOfALife) {
 
 TEST_F(Movement, OnlyTheLocalPlayersInitMakesTheField) {
   modMain::world.particleCount = 0;
-  modMain::world.opponents.emplace_back().init(1, 0, 8, "Bob");
+  modMain::world.opponents.emplace_back().init(yellowPlayer, 0, 8, "Bob");
   EXPECT_EQ(modMain::world.particleCount, 0);
 }
 

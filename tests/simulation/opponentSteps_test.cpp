@@ -66,7 +66,7 @@ TEST_F(OpponentSteps, TheQueueOutlivesDeathRespawnAndDisconnection) {
 TEST_F(OpponentSteps, ANewLoginKeepsQueueAndTail) {
   bob().positionQueue = {{49000, 49000}};
   bob().addTail({300, 300});
-  bob().init(1, 0, 8, "Bob");
+  bob().init(yellowPlayer, 0, 8, "Bob");
   EXPECT_EQ(bob().positionQueueCount(), 1);
   EXPECT_EQ(bob().tailCount(), 1);
   EXPECT_TRUE(bob().awaitingFirstPosition);

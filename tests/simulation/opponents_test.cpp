@@ -12,7 +12,7 @@ class Opponents : public GameTest {
  protected:
   Opponents() {
     login();
-    modMain::world.opponents.emplace_back().init(1, 0, 8, "Bob");
+    modMain::world.opponents.emplace_back().init(yellowPlayer, 0, 8, "Bob");
     modMain::world.opponentCount = 1;
     other().awaitingFirstPosition = false;
     other().position = {50000, 50000};
@@ -26,7 +26,7 @@ class Opponents : public GameTest {
 };
 
 TEST_F(Opponents, TheFirstPositionPlacesWithoutGlideOrTail) {
-  other().init(1, 0, 8, "Bob");
+  other().init(yellowPlayer, 0, 8, "Bob");
   other().position = {};
   serverSends(wire::msgPosition, {"8", "48000", "49000"});
   EXPECT_EQ(other().position, (Vector{48000, 49000}));

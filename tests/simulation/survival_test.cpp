@@ -15,7 +15,7 @@ using modMain::world;
 class Survival : public GameTest {
  protected:
   Survival() {
-    player.init(0, -1, 7, "Ann");
+    player.init(redPlayer, -1, 7, "Ann");
     modMain::world.particles.clear();  // the field created with the player
     modMain::world.particleCount = 0;
     player.breaksOn = false;
@@ -40,7 +40,7 @@ TEST_F(Survival, ThePlayerIsAsWideAsACellOfTheSheet) {
   EXPECT_EQ(player.getWidth(), 735);
   frmGfx->imgPlayer[0].Width = 2947;  // a quarter is 736.75
   EXPECT_EQ(player.getWidth(), 736);
-  player.colour = 3;
+  player.colour = cyanPlayer;
   frmGfx->imgPlayer[3].Width = 400;
   EXPECT_EQ(player.getWidth(), 736) << "the first sheet's, whatever the colour";
 }

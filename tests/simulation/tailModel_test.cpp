@@ -298,7 +298,7 @@ TEST_F(PositionQueueModel, ThousandsOfWaysGoAsInTheLiteralQueue) {
                                            static_cast<float>(below(11) * 10'000)};
     modMain::world.frameTime = below(3) * 6;
     clsPlayer player;
-    player.init(1, 0, 8, "Bob");
+    player.init(yellowPlayer, 0, 8, "Bob");
     LiteralOpponent literal;
     Vector point = modMain::world.localPlayer.position;
     for (int stepsLeft = below(150); stepsLeft > 0; --stepsLeft) {

@@ -191,10 +191,10 @@ TEST_F(StoreWindow, Q276ColoursDependOnTheLabelsNotOnTheCopies) {
 }
 
 TEST_F(StoreWindow, HaveShowsTheStockOfOneItem) {
-  frmPowerups->have(4, 7);
+  frmPowerups->have(laserSlot, 7);
   EXPECT_EQ(frmPowerups->lblCurrentStock[4].Caption.get(), "7");
   EXPECT_EQ(frmPowerups->lblCurrentStock[3].Caption.get(), "0");
-  EXPECT_THROW(frmPowerups->have(6, 1), RuntimeFault);
+  EXPECT_THROW(frmPowerups->have(PowerupSlot{6}, 1), RuntimeFault);
 }
 
 TEST_F(StoreWindow, DoneUnloadsIt) {

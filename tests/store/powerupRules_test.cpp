@@ -31,16 +31,16 @@ constexpr Colour errorRed = RGB(255, 0, 0);
 
 TEST_F(PowerupRules, TheTableOfActivation) {
   struct Row {
-    std::int16_t slot;
+    PowerupSlot slot;
     std::int16_t seconds;
     bool active;
     const char* message;
   };
-  for (const Row& row :
-       {Row{0, 15, true, "Shields up"}, Row{1, 5, true, "Turbo Boost"}, Row{2, 5, true, "Charged Tail"},
-        Row{3, 5, true, "Extended Tail"}, Row{4, 1, true, "Laser Blast"}, Row{5, 0, false, "Electro-Magnetic Pulse"}}) {
+  for (const Row& row : {Row{shieldSlot, 15, true, "Shields up"}, Row{turboSlot, 5, true, "Turbo Boost"},
+                         Row{chargedTailSlot, 5, true, "Charged Tail"}, Row{extendedTailSlot, 5, true, "Extended Tail"},
+                         Row{laserSlot, 1, true, "Laser Blast"}, Row{pulseSlot, 0, false, "Electro-Magnetic Pulse"}}) {
     forgetTexts();
-    PowerupState& powerup = player().powerups[static_cast<std::size_t>(row.slot)];
+    PowerupState& powerup = player().powerups[indexOf(row.slot)];
     powerup = {3, 99, false};
     player().activatePowerup(row.slot);
     EXPECT_EQ(powerup.count, 2) << row.slot;
@@ -83,7 +83,7 @@ TEST_F(PowerupRules, TheTotalIsTheSumOfTheStock) {
 
 TEST_F(PowerupRules, ARequestGoesOutWithStock) {
   player().powerups[turboSlot].count = 1;
-  player().requestActivatePowerup(1);
+  player().requestActivatePowerup(turboSlot);
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {"1"}}}));
   EXPECT_EQ(player().powerups[turboSlot].count, 1) << "the server decides";
   EXPECT_FALSE(player().powerups[turboSlot].active);
@@ -91,7 +91,7 @@ TEST_F(PowerupRules, ARequestGoesOutWithStock) {
 
 TEST_F(PowerupRules, WithoutStockNothingIsSaidAndNothingSent) {
   forgetTexts();
-  player().requestActivatePowerup(1);
+  player().requestActivatePowerup(turboSlot);
   EXPECT_TRUE(server().sent.empty());
   EXPECT_EQ(lastLine(), "");
 }
@@ -107,7 +107,7 @@ TEST_F(PowerupRules, ARunningPowerupIsNotReady) {
 TEST_F(PowerupRules, Q044TheDeadAreRefusedButStillRequest) {
   player().alive = false;
   player().powerups[turboSlot].count = 1;
-  player().requestActivatePowerup(1);
+  player().requestActivatePowerup(turboSlot);
   EXPECT_EQ(lastLine(), "You can't use abilities in your current state (ie:dead).");
   EXPECT_EQ(lastColour(), errorRed);
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {"1"}}}));
@@ -127,13 +127,13 @@ TEST_F(PowerupRules, Q045APulseWithoutAShieldIsRefusedEvenWithNoneInStock) {
 TEST_F(PowerupRules, APulseBehindAShieldIsAskedFor) {
   player().powerups[shieldSlot].active = true;
   player().powerups[pulseSlot].count = 1;
-  player().requestActivatePowerup(5);
+  player().requestActivatePowerup(pulseSlot);
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {"5"}}}));
 }
 
 TEST_F(PowerupRules, ADeadPlayersPulseGetsBothTexts) {
   player().alive = false;
-  player().requestActivatePowerup(5);
+  player().requestActivatePowerup(pulseSlot);
   EXPECT_EQ(modMain::world.chatLines[1].text, "You can't use abilities in your current state (ie:dead).");
   EXPECT_EQ(lastLine(), "Refusing to activate EMP, doing so without your shield active will kill you too!!!");
 }
@@ -183,11 +183,11 @@ TEST_F(PowerupRules, AnOpponentsPulseIsNotAnnounced) {
 }
 
 TEST_F(PowerupRules, ASlotOutsideTheSixIsAFaultInTheActivationAlone) {
-  EXPECT_THROW(player().activatePowerup(6), RuntimeFault);
-  EXPECT_THROW(player().activatePowerup(-1), RuntimeFault);
+  EXPECT_THROW(player().activatePowerup(PowerupSlot{6}), RuntimeFault);
+  EXPECT_THROW(player().activatePowerup(PowerupSlot{-1}), RuntimeFault);
   forgetTexts();
-  player().unactivatePowerup(6);
-  player().unactivatePowerup(-1);
+  player().unactivatePowerup(PowerupSlot{6});
+  player().unactivatePowerup(PowerupSlot{-1});
   EXPECT_EQ(lastLine(), "");
 }
 
@@ -243,7 +243,7 @@ TEST_F(PowerupRules, HalfSecondsRoundToTheEvenOne) {
 TEST_F(PowerupRules, TheLaserEndsAtTheNextTick) {
   player().tickPowerups();
   player().powerups[laserSlot].count = 1;
-  player().activatePowerup(4);
+  player().activatePowerup(laserSlot);
   player().tickPowerups();
   EXPECT_TRUE(player().powerups[laserSlot].active) << "still the same second";
   forgetTexts();
@@ -347,7 +347,7 @@ TEST_F(PowerupRules, Q049ARunningPowerupSurvivesDeathAndRespawn) {
 
 TEST_F(PowerupRules, ANewLoginEndsThemAndLeavesTheTime) {
   player().powerups[shieldSlot] = {3, 10, true};
-  player().init(0, -1, 7, "Ann");
+  player().init(redPlayer, -1, 7, "Ann");
   EXPECT_FALSE(player().powerups[shieldSlot].active);
   EXPECT_EQ(player().powerups[shieldSlot].count, 0);
   EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 10);

@@ -220,7 +220,7 @@ TEST_F(Store, APurchaseOfNoItemEndsBehindTheBalance) {
   EXPECT_EQ(mainCredits(), "4");
   EXPECT_EQ(lastLine(), "");
   EXPECT_EQ(status(), "");
-  EXPECT_THROW(world.localPlayer.purchaseAccepted(-1, 1, 5), RuntimeFault);
+  EXPECT_THROW(world.localPlayer.purchaseAccepted(PowerupSlot{-1}, 1, 5), RuntimeFault);
   EXPECT_EQ(world.localPlayer.funds(), 5);
 }
 

@@ -2,14 +2,14 @@
 
 namespace kelvora {
 
-void GameTest::connect(const std::string& name, std::int16_t colour) {
+void GameTest::connect(const std::string& name, PlayerColour colour) {
   netMan::connectToServer(name, "127.0.0.1", 2010, "", colour);
   server().acceptConnection();
   passEvents();
 }
 
 void GameTest::login(std::int16_t colour, std::int16_t node, float x, float y, const std::string& name) {
-  connect(name, colour);
+  connect(name, PlayerColour{colour});
   serverSends(wire::msgLoginAccepted,
               {std::to_string(colour), std::to_string(node), std::to_string(x), std::to_string(y)});
   ASSERT_TRUE(modMain::world.localPlayer.isConnected) << "the login is accepted";

@@ -243,7 +243,7 @@ void LongPlay::visit() {
     visitor_.emplace("Visitor", server::SkillLevel::normal, visitorClient_);
     sight_.clear();
     arena_.connected(visitorClient_, now());
-    say(visitor_->login(password, 0, server::versionText()));
+    say(visitor_->login(password, redPlayer, server::versionText()));
   }
   if (!visitor_) return;
   sight_.add(arena_.players(now()), now());

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <vector>
 
 namespace kelvora::server {
@@ -21,13 +22,13 @@ TEST(Inventory, BeginsWithTenCreditsAndNothing) {
   const Inventory inventory;
   EXPECT_EQ(inventory.funds(), 10);
   EXPECT_EQ(inventory.totalStock(), 0);
-  for (int item = 0; item < 6; ++item) EXPECT_FALSE(inventory.isRunning(item, 0)) << item;
+  for (const PowerupSlot item : powerupSlots) EXPECT_FALSE(inventory.isRunning(item, 0)) << item;
 }
 
 TEST(Inventory, EachItemCostsItsPriceAndGivesBackHalf) {
   constexpr int prices[] = {20, 10, 30, 20, 20, 70};
   constexpr int resale[] = {10, 5, 15, 10, 10, 35};
-  for (int item = 0; item < 6; ++item) {
+  for (const PowerupSlot item : powerupSlots) {
     Inventory exact = withFunds(prices[item]);
     EXPECT_EQ(exact.buy(item).reason(), "") << item;
     EXPECT_EQ(exact.funds(), 0) << item;
@@ -46,10 +47,10 @@ TEST(Inventory, EachItemCostsItsPriceAndGivesBackHalf) {
 
 TEST(Inventory, RefusesInClearWords) {
   Inventory inventory;
-  EXPECT_EQ(inventory.buy(0).reason(), "Shield costs 20 credits. You have 10 credits.");
-  EXPECT_EQ(withFunds(1).buy(5).reason(), "EMP costs 70 credits. You have 1 credit.");
-  EXPECT_EQ(inventory.sell(3).reason(), "You have nothing to sell of this kind: Extra Long Tail.");
-  for (const int item : {-1, 6, -32'768, 32'767}) {
+  EXPECT_EQ(inventory.buy(shieldSlot).reason(), "Shield costs 20 credits. You have 10 credits.");
+  EXPECT_EQ(withFunds(1).buy(pulseSlot).reason(), "EMP costs 70 credits. You have 1 credit.");
+  EXPECT_EQ(inventory.sell(extendedTailSlot).reason(), "You have nothing to sell of this kind: Extra Long Tail.");
+  for (const PowerupSlot item : {PowerupSlot{-1}, PowerupSlot{6}, PowerupSlot{-32'768}, PowerupSlot{32'767}}) {
     EXPECT_EQ(inventory.buy(item).reason(), "The store has no such powerup.") << item;
     EXPECT_EQ(inventory.sell(item).reason(), "The store has no such powerup.") << item;
     EXPECT_EQ(inventory.stock(item), 0) << item;
@@ -59,34 +60,34 @@ TEST(Inventory, RefusesInClearWords) {
 
 TEST(Inventory, HoldsTenOfAllKindsTogether) {
   Inventory inventory = withFunds(300);
-  for (int i = 0; i < 7; ++i) EXPECT_EQ(inventory.buy(1).reason(), "");  // 70
-  EXPECT_EQ(inventory.buy(5).reason(), "");                              // 70
-  EXPECT_EQ(inventory.buy(2).reason(), "");                              // 30
-  EXPECT_EQ(inventory.buy(0).reason(), "");                              // 20
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(inventory.buy(turboSlot).reason(), "");  // 70
+  EXPECT_EQ(inventory.buy(pulseSlot).reason(), "");                              // 70
+  EXPECT_EQ(inventory.buy(chargedTailSlot).reason(), "");                        // 30
+  EXPECT_EQ(inventory.buy(shieldSlot).reason(), "");                             // 20
   EXPECT_EQ(inventory.funds(), 110);
   EXPECT_EQ(inventory.totalStock(), 10);
-  for (int item = 0; item < 6; ++item) {
+  for (const PowerupSlot item : powerupSlots) {
     EXPECT_EQ(inventory.buy(item).reason(), "You cannot carry more than 10 powerups. Use or sell one first.") << item;
   }
   EXPECT_EQ(inventory.funds(), 110);
-  EXPECT_EQ(inventory.sell(5).reason(), "");  // 35 back
-  EXPECT_EQ(inventory.buy(3).reason(), "");   // 20
+  EXPECT_EQ(inventory.sell(pulseSlot).reason(), "");        // 35 back
+  EXPECT_EQ(inventory.buy(extendedTailSlot).reason(), "");  // 20
   EXPECT_EQ(inventory.funds(), 125);
-  EXPECT_TRUE(inventory.start(3, start));
-  EXPECT_EQ(inventory.buy(4).reason(), "") << "one that runs takes no room";
+  EXPECT_TRUE(inventory.start(extendedTailSlot, start));
+  EXPECT_EQ(inventory.buy(laserSlot).reason(), "") << "one that runs takes no room";
   EXPECT_EQ(inventory.funds(), 105);
 }
 
 TEST(Inventory, WithNoRoomAndNoCreditsTheRoomIsReported) {
   Inventory inventory = withFunds(100);
-  for (int i = 0; i < 10; ++i) EXPECT_EQ(inventory.buy(1).reason(), "");
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(inventory.buy(turboSlot).reason(), "");
   EXPECT_EQ(inventory.funds(), 0);
-  EXPECT_NE(inventory.buy(1).reason().find("carry"), std::string::npos);
+  EXPECT_NE(inventory.buy(turboSlot).reason().find("carry"), std::string::npos);
 }
 
 TEST(Inventory, EachPowerupRunsForItsSeconds) {
   constexpr Millis seconds[] = {15, 5, 5, 5, 1};
-  for (int item = 0; item < 5; ++item) {
+  for (const PowerupSlot item : {shieldSlot, turboSlot, chargedTailSlot, extendedTailSlot, laserSlot}) {
     Inventory inventory = withFunds(60);
     ASSERT_EQ(inventory.buy(item).reason(), "");
     ASSERT_EQ(inventory.buy(item).reason(), "");
@@ -106,40 +107,42 @@ TEST(Inventory, EachPowerupRunsForItsSeconds) {
 
 TEST(Inventory, ThePulseIsOverAtOnce) {
   Inventory inventory = withFunds(140);
-  ASSERT_EQ(inventory.buy(5).reason(), "");
-  ASSERT_EQ(inventory.buy(5).reason(), "");
-  EXPECT_TRUE(inventory.start(5, start));
-  EXPECT_FALSE(inventory.isRunning(5, start));
-  EXPECT_TRUE(inventory.start(5, start));
-  EXPECT_FALSE(inventory.start(5, start)) << "there were two";
+  ASSERT_EQ(inventory.buy(pulseSlot).reason(), "");
+  ASSERT_EQ(inventory.buy(pulseSlot).reason(), "");
+  EXPECT_TRUE(inventory.start(pulseSlot, start));
+  EXPECT_FALSE(inventory.isRunning(pulseSlot, start));
+  EXPECT_TRUE(inventory.start(pulseSlot, start));
+  EXPECT_FALSE(inventory.start(pulseSlot, start)) << "there were two";
 }
 
 TEST(Inventory, PowerupsOutOfStockDoNotStart) {
   Inventory inventory;
-  for (const int item : {-1, 0, 1, 2, 3, 4, 5, 6}) EXPECT_FALSE(inventory.start(item, start)) << item;
+  for (std::int16_t item = -1; item <= powerupSlotCount; ++item) {
+    EXPECT_FALSE(inventory.start(PowerupSlot{item}, start)) << item;
+  }
 }
 
 TEST(Inventory, PowerupsRunBesideEachOther) {
   Inventory inventory = withFunds(30);
-  ASSERT_EQ(inventory.buy(0).reason(), "");
-  ASSERT_EQ(inventory.buy(1).reason(), "");
-  EXPECT_TRUE(inventory.start(0, start));
-  EXPECT_TRUE(inventory.start(1, start + 4'000));
-  EXPECT_TRUE(inventory.isRunning(1, start + 8'999));
-  EXPECT_FALSE(inventory.isRunning(1, start + 9'000));
-  EXPECT_TRUE(inventory.isRunning(0, start + 9'000));
+  ASSERT_EQ(inventory.buy(shieldSlot).reason(), "");
+  ASSERT_EQ(inventory.buy(turboSlot).reason(), "");
+  EXPECT_TRUE(inventory.start(shieldSlot, start));
+  EXPECT_TRUE(inventory.start(turboSlot, start + 4'000));
+  EXPECT_TRUE(inventory.isRunning(turboSlot, start + 8'999));
+  EXPECT_FALSE(inventory.isRunning(turboSlot, start + 9'000));
+  EXPECT_TRUE(inventory.isRunning(shieldSlot, start + 9'000));
 }
 
 TEST(Inventory, ARunningPowerupCanBeEndedEarly) {
   Inventory inventory = withFunds(40);
-  ASSERT_EQ(inventory.buy(0).reason(), "");
-  EXPECT_FALSE(inventory.end(0, start));
-  EXPECT_TRUE(inventory.start(0, start));
-  EXPECT_TRUE(inventory.end(0, start + 1));
-  EXPECT_FALSE(inventory.isRunning(0, start + 1));
-  EXPECT_FALSE(inventory.end(0, start + 1));
-  EXPECT_FALSE(inventory.end(-1, start));
-  EXPECT_FALSE(inventory.end(6, start));
+  ASSERT_EQ(inventory.buy(shieldSlot).reason(), "");
+  EXPECT_FALSE(inventory.end(shieldSlot, start));
+  EXPECT_TRUE(inventory.start(shieldSlot, start));
+  EXPECT_TRUE(inventory.end(shieldSlot, start + 1));
+  EXPECT_FALSE(inventory.isRunning(shieldSlot, start + 1));
+  EXPECT_FALSE(inventory.end(shieldSlot, start + 1));
+  EXPECT_FALSE(inventory.end(PowerupSlot{-1}, start));
+  EXPECT_FALSE(inventory.end(PowerupSlot{6}, start));
 }
 
 TEST(Inventory, EarnsWholeCreditsAndKeepsTheRest) {
@@ -166,9 +169,9 @@ TEST(Inventory, BookingsAddUpToTheFunds) {
   inventory.book(Entry::income, 15);
   inventory.book(Entry::capture, 20);
   inventory.book(Entry::survival, 10);
-  ASSERT_EQ(inventory.buy(0).reason(), "");
-  ASSERT_EQ(inventory.buy(1).reason(), "");
-  ASSERT_EQ(inventory.sell(0).reason(), "");
+  ASSERT_EQ(inventory.buy(shieldSlot).reason(), "");
+  ASSERT_EQ(inventory.buy(turboSlot).reason(), "");
+  ASSERT_EQ(inventory.sell(shieldSlot).reason(), "");
   EXPECT_EQ(inventory.booked(Entry::income), 15);
   EXPECT_EQ(inventory.booked(Entry::capture), 20);
   EXPECT_EQ(inventory.booked(Entry::survival), 10);

@@ -17,7 +17,7 @@ inline Spot spotAt(int x, int y) {
 inline Player playerAt(ClientId client, int x, int y) {
   return {.client = client,
           .node = static_cast<std::int16_t>(client),
-          .colour = static_cast<std::int16_t>(client - 1),
+          .colour = static_cast<PlayerColour>(client - 1),
           .name = "P" + std::to_string(client),
           .spot = spotAt(x, y)};
 }
@@ -31,7 +31,7 @@ inline void fly(Player& player, const std::vector<Spot>& spots, Millis now, bool
 }
 
 /// Gives a player a powerup and starts it.
-inline void run(Player& player, int item, Millis now) {
+inline void run(Player& player, PowerupSlot item, Millis now) {
   player.inventory.book(Entry::capture, 100);
   EXPECT_FALSE(player.inventory.buy(item).isRefused());
   EXPECT_TRUE(player.inventory.start(item, now));

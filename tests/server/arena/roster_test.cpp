@@ -46,8 +46,8 @@ TEST_F(RosterTest, ALeaverKeepsColourAndNodeUntilTheCaptureHasLanded) {
   pending.add(1, 2, spotAt(5, 5), 1'000, 0);
   roster.leave(2, pending);
   EXPECT_EQ(roster.find(2), nullptr);
-  EXPECT_FALSE(roster.isColourFree(1));
-  EXPECT_TRUE(roster.isColourFree(2));
+  EXPECT_FALSE(roster.isColourFree(yellowPlayer));
+  EXPECT_TRUE(roster.isColourFree(greenPlayer));
   pending.prune(3'999);
   roster.releaseLeavers(pending);
   EXPECT_TRUE(recorder.got.empty());
@@ -55,7 +55,7 @@ TEST_F(RosterTest, ALeaverKeepsColourAndNodeUntilTheCaptureHasLanded) {
   pending.prune(4'000);
   roster.releaseLeavers(pending);
   EXPECT_EQ(recorder.got, (std::map<ClientId, std::vector<Message>>{{1, {{wire::msgPlayerLeft, {"2"}}}}}));
-  EXPECT_TRUE(roster.isColourFree(1));
+  EXPECT_TRUE(roster.isColourFree(yellowPlayer));
 }
 
 TEST_F(RosterTest, LeaversCountAgainstTheColours) {

@@ -25,7 +25,7 @@ TEST_F(WaitingLogins, AColourThatABotHasIsWaitedFor) {
   login(firstBotClient, "Bot", "3");
   ask(ann, "3");
   EXPECT_TRUE(got[ann].empty());
-  EXPECT_EQ(arena.wantedColours(), (std::vector<std::int16_t>{3}));
+  EXPECT_EQ(arena.wantedColours(), (std::vector<PlayerColour>{cyanPlayer}));
   arena.disconnected(firstBotClient);
   now += 40;
   arena.tick(now);
@@ -62,7 +62,7 @@ TEST_F(WaitingLogins, AFullArenaIsWaitedForAsLongAsALoginMayTake) {
 TEST_F(WaitingLogins, InAFullArenaTheWishedColoursBotGoes) {
   fillUp();
   ask(ann, "4");
-  EXPECT_EQ(arena.wantedColours(), (std::vector<std::int16_t>{4}));
+  EXPECT_EQ(arena.wantedColours(), (std::vector<PlayerColour>{bluePlayer}));
   arena.disconnected(firstBotClient + 4);
   arena.tick(now);
   EXPECT_TRUE(isIn(ann));

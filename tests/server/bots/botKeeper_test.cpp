@@ -168,7 +168,7 @@ TEST_F(BotKeeperTest, ABotGivesUpItsColourAndComesBackInAnother) {
   keep(3);
   ask(ann, "0");
   pass(8'000);
-  const std::int16_t colour = bots().front().colour;
+  const PlayerColour colour = bots().front().colour;
   ask(bob, std::to_string(colour), "Bob");
   pass(3'000);
   EXPECT_EQ(colourOf(bob), colour);

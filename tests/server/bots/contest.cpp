@@ -60,7 +60,7 @@ int Contest::join(Seat seat, const std::string& login) {
 int Contest::addBot(SkillLevel level) {
   const auto number = static_cast<std::uint32_t>(seats_.size()) + 1;
   Seat seat{std::make_unique<Bot>("Bot" + std::to_string(number), level, seed_ * 100 + number), nullptr};
-  const std::string login = seat.bot->login("", 0, KELVORA_VERSION);
+  const std::string login = seat.bot->login("", redPlayer, KELVORA_VERSION);
   return join(std::move(seat), login);
 }
 
