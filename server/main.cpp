@@ -72,7 +72,8 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);  // the game continues if nobody reads the log any more
   std::signal(SIGXFSZ, SIG_IGN);  // likewise if the log may not grow
   try {
-    boost::asio::io_context context(1);
+    // Other threads only post to it, so its sockets need no locks.
+    boost::asio::io_context context(BOOST_ASIO_CONCURRENCY_HINT_UNSAFE_IO);
     Log logFile(std::cerr, !isLoggingToJournal());
     const auto log = [&](const std::string& line) { logFile.write(line, steadyMillis(), std::time(nullptr)); };
     if (const std::size_t most = provideDescriptors(); most < GameServer::descriptors) {

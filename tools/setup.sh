@@ -4,7 +4,7 @@
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libboost-dev
   libcurl4-openssl-dev libfontconfig-dev libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 clang-format-14 clang-tidy-14 python3
-  python3-numpy python3-websockets nginx libnginx-mod-stream openssl curl wget mpg123 xvfb xdotool openbox wmctrl
+  python3-numpy python3-websockets nginx libnginx-mod-stream caddy openssl curl wget mpg123 xvfb xdotool openbox wmctrl
   x11-utils x11-xserver-utils imagemagick"
 
 # Packages for the browser build and its tests.

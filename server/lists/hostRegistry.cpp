@@ -10,7 +10,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
   const Key key{announcement.host.address, announcement.host.port};
   if (const auto found = hosts_.find(key); found != hosts_.end()) {
     if (found->second.network != network) return Answer::anothers;
-    if (found->second.announcement != announcement) listings_.clear();
+    if (found->second.announcement != announcement) retireListings();
     found->second = {network, announcement, now};
     return Answer::done;
   }
@@ -19,7 +19,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
       std::ranges::count_if(hosts_, [&](const auto& entry) { return entry.second.network == network; });
   if (!isTrusted && static_cast<std::size_t>(ofNetwork) >= maxPerNetwork) return Answer::tooManyOfNetwork;
   hosts_.insert({key, {network, announcement, now}});
-  listings_.clear();
+  retireListings();
   return Answer::done;
 }
 
@@ -29,7 +29,7 @@ HostRegistry::Answer HostRegistry::withdraw(const std::string& network, const Ho
   if (found == hosts_.end()) return Answer::done;
   if (found->second.network != network) return Answer::anothers;
   hosts_.erase(found);
-  listings_.clear();
+  retireListings();
   return Answer::done;
 }
 
@@ -44,14 +44,28 @@ std::shared_ptr<const std::string> HostRegistry::listing(const HostQuery& query,
     isVersionKnown = isVersionKnown || version == query.version;
   }
   text += endOfList;
-  auto shared = std::make_shared<const std::string>(std::move(text));
+  auto shared = std::make_shared<std::string>(std::move(text));
   if (isVersionKnown) listings_.emplace(query, shared);
   return shared;
 }
 
 void HostRegistry::forget(Millis now) {
   const auto isOver = [&](const auto& entry) { return now - entry.second.since >= lifetime; };
-  if (std::erase_if(hosts_, isOver) > 0) listings_.clear();
+  if (std::erase_if(hosts_, isOver) > 0) retireListings();
+}
+
+void HostRegistry::retireListings() {
+  std::erase_if(outdated_, [](const auto& text) { return text.use_count() == 1; });
+  for (auto& [query, text] : listings_) {
+    if (text.use_count() > 1) outdated_.push_back(std::move(text));
+  }
+  listings_.clear();
+  std::size_t size = 0;
+  for (const auto& text : outdated_) size += text->size();
+  for (; size > maxOutdated; outdated_.pop_front()) {
+    size -= outdated_.front()->size();
+    std::string().swap(*outdated_.front());
+  }
 }
 
 }  // namespace kelvora::server

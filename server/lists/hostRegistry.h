@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <string>
@@ -18,6 +19,7 @@ class HostRegistry {
   static constexpr Millis lifetime = 3'600'000;
   static constexpr std::size_t maxHosts = 1000;
   static constexpr std::size_t maxPerNetwork = 32;  ///< entries announced by one host, unless it is trusted
+  static constexpr std::size_t maxOutdated = std::size_t{1} << 20;  ///< bytes of old listings that are still in use
 
   enum class Answer { done, anothers, tooManyOfNetwork, full };
 
@@ -25,7 +27,8 @@ class HostRegistry {
   Answer announce(const std::string& network, const Announcement& announcement, Millis now, bool isTrusted = false);
   /// Removes the entry with this address and port, if there is one.
   Answer withdraw(const std::string& network, const HostEntry& host, Millis now);
-  /// The matching records, concatenated, and the end of the list. Callers share one text until an entry changes.
+  /// The matching records, concatenated, and the end of the list. Callers share one text until an entry changes. An
+  /// older text that somebody still holds becomes empty if there are too many of them.
   std::shared_ptr<const std::string> listing(const HostQuery& query, Millis now);
   std::size_t size() const { return hosts_.size(); }
 
@@ -38,10 +41,13 @@ class HostRegistry {
   using Key = std::pair<std::string, std::uint16_t>;  // address and port
 
   void forget(Millis now);
+  /// The entries have changed.
+  void retireListings();
 
   std::map<Key, Host> hosts_;
   // Listings for versions without an entry aren't kept, so the number of entries bounds this map.
-  std::map<HostQuery, std::shared_ptr<const std::string>> listings_;
+  std::map<HostQuery, std::shared_ptr<std::string>> listings_;
+  std::deque<std::shared_ptr<std::string>> outdated_;  // oldest first
 };
 
 }  // namespace kelvora::server

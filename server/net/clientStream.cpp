@@ -36,14 +36,14 @@ void async_teardown(beast::role_type /*role*/, PacedSocket& socket, Handler&& ha
   asio::post(socket.get_executor(), beast::bind_front_handler(std::forward<Handler>(handler), error_code{}));
 }
 
-using WebSocket = beast::websocket::stream<PacedSocket>;
+using WebSocket = beast::websocket::stream<PacedSocket, false>;  // without compression
 
 struct ClientStream::State {
   std::variant<std::monostate, PacedSocket, std::unique_ptr<WebSocket>> stream;  // nothing once it is closed
   RateLimit controlFrames{controlFramesPerSecond, controlFrameBurst};
   bool isFlooded = false;
 
-  explicit State(asio::ip::tcp::socket socket) : stream(std::in_place_type<PacedSocket>, std::move(socket)) {}
+  explicit State(Socket socket) : stream(std::in_place_type<PacedSocket>, std::move(socket)) {}
 
   PacedSocket& socket() {
     if (auto* plain = std::get_if<PacedSocket>(&stream)) return *plain;
@@ -55,7 +55,7 @@ struct ClientStream::State {
   }
 };
 
-ClientStream::ClientStream(asio::ip::tcp::socket socket) {
+ClientStream::ClientStream(Socket socket) {
   error_code ignored;
   socket.set_option(asio::ip::tcp::no_delay(true), ignored);
   // Limits what the system buffers for a client that doesn't read, or doesn't stop sending.
@@ -66,27 +66,30 @@ ClientStream::ClientStream(asio::ip::tcp::socket socket) {
 
 ClientStream::~ClientStream() = default;
 
-asio::ip::tcp::socket::executor_type ClientStream::executor() { return state_->socket().get_executor(); }
+Socket::executor_type ClientStream::executor() { return state_->socket().get_executor(); }
 
 bool ClientStream::isWebSocket() const { return state_->webSocket() != nullptr; }
 
-void ClientStream::readSome(asio::mutable_buffer buffer, Handler handler) {
+void ClientStream::readSome(asio::mutable_buffer buffer, std::shared_ptr<User> user) {
   WebSocket* const webSocket = state_->webSocket();
-  if (webSocket == nullptr) return state_->socket().async_read_some(buffer, std::move(handler));
-  webSocket->async_read_some(buffer,
-                             [this, webSocket, handler = std::move(handler)](error_code error, std::size_t size) {
-                               const bool isRefused = state_->isFlooded || (size > 0 && webSocket->got_text());
-                               if (!error && isRefused) error = beast::websocket::error::bad_opcode;
-                               handler(error, size);
-                             });
+  if (webSocket == nullptr) {
+    return state_->socket().async_read_some(
+        buffer, [user = std::move(user)](error_code error, std::size_t size) { user->arrived(error, size); });
+  }
+  webSocket->async_read_some(buffer, [this, user = std::move(user)](error_code error, std::size_t size) {
+    const bool isRefused = state_->isFlooded || (size > 0 && state_->webSocket()->got_text());
+    if (!error && isRefused) error = beast::websocket::error::bad_opcode;
+    user->arrived(error, size);
+  });
 }
 
-void ClientStream::write(asio::const_buffer buffer, Handler handler) {
+void ClientStream::write(asio::const_buffer buffer, std::shared_ptr<User> user) {
+  auto handler = [user = std::move(user)](error_code error, std::size_t) { user->written(error); };
   if (WebSocket* const webSocket = state_->webSocket()) return webSocket->async_write(buffer, std::move(handler));
   asio::async_write(state_->socket(), buffer, std::move(handler));
 }
 
-void ClientStream::upgrade(const std::string& request, std::string_view rest, Handler handler) {
+void ClientStream::upgrade(const std::string& request, std::string_view rest, std::shared_ptr<User> user) {
   beast::http::request_parser<beast::http::empty_body> parser;
   error_code error;
   parser.put(asio::buffer(request), error);
@@ -104,13 +107,13 @@ void ClientStream::upgrade(const std::string& request, std::string_view rest, Ha
   });
   WebSocket& stream = *webSocket;
   state_->stream = std::move(webSocket);
-  stream.async_accept(parser.get(), [handler = std::move(handler)](error_code result) { handler(result, 0); });
+  stream.async_accept(parser.get(), [user = std::move(user)](error_code result) { user->upgraded(result); });
 }
 
-void ClientStream::endSending(Handler whenDone) {
+void ClientStream::endSending(std::shared_ptr<User> user) {
   if (WebSocket* const webSocket = state_->webSocket()) {
     return webSocket->async_close(beast::websocket::close_code::normal,
-                                  [whenDone = std::move(whenDone)](error_code error) { whenDone(error, 0); });
+                                  [user = std::move(user)](error_code) { user->ended(); });
   }
   state_->socket().endSending();
 }

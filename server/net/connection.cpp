@@ -1,5 +1,6 @@
 #include "server/net/connection.h"
 
+#include <algorithm>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <utility>
@@ -12,18 +13,19 @@ namespace {
 
 constexpr std::size_t bodyPiece = std::size_t{16} << 10;  // bytes
 
-bool beginsRequest(char first) { return first >= 'A' && first <= 'Z'; }
+/// An empty line may precede a request.
+bool beginsRequest(char first) { return first == '\r' || (first >= 'A' && first <= 'Z'); }
 
 }  // namespace
 
-Connection::Connection(asio::ip::tcp::socket socket, ClientId client, Handlers handlers)
+Connection::Connection(Socket socket, ClientId client, Handlers handlers)
     : stream_(std::move(socket)), client_(client), handlers_(std::move(handlers)) {
   if (handlers_.onForwarded) proxyLine_ = std::make_unique<ProxyLine>();
-  await(openingTime, "sent nothing");
+  await(openingTime, "sent nothing", opened_);
 }
 
-void Connection::await(std::chrono::seconds time, const char* reason) {
-  deadline_ = Clock::now() + time;
+void Connection::await(std::chrono::seconds time, const char* reason, Clock::time_point from) {
+  deadline_ = from + time;
   overdue_ = reason;
 }
 
@@ -55,11 +57,13 @@ void Connection::close(const std::string& reason) {
 
 void Connection::readMore() {
   if (hangingUp_ && stream_.isWebSocket()) return;  // its end takes in the rest
-  stream_.readSome(asio::buffer(arrived_), [self = shared_from_this()](error_code error, std::size_t size) {
-    if (self->closed_) return;
-    if (error) return self->close(error == asio::error::eof ? "hung up" : error.message());
-    if (self->take({self->arrived_.data(), size})) self->readMore();
-  });
+  stream_.readSome(asio::buffer(arrived_), streamUser());
+}
+
+void Connection::arrived(error_code error, std::size_t size) {
+  if (closed_) return;
+  if (error) return close(error == asio::error::eof ? "hung up" : error.message());
+  if (take({arrived_.data(), size})) readMore();
 }
 
 bool Connection::take(std::string_view bytes) {
@@ -123,7 +127,8 @@ bool Connection::takeRequest(std::string_view bytes) {
 }
 
 bool Connection::refuse(unsigned int status, const std::string& text) {
-  HttpAnswer refusal{.status = status, .body = text};
+  request_ = nullptr;
+  const HttpAnswer refusal{.status = status, .body = text};
   queued_ += refusal.head(false) + refusal.body;
   hangUp();
   return true;
@@ -142,8 +147,11 @@ bool Connection::answer(const HttpRequest& request) {
   queued_ += answer.head(keepsAlive_);
   if (!request.isHead()) {
     queued_ += answer.body;
-    body_ = std::move(answer.more);
-    if (body_) queued_ += body_(bodyPiece);  // what is small goes out in one piece
+    if (answer.moreSize > 0) {
+      body_ = std::move(answer.more);
+      bodyLeft_ = answer.moreSize;
+      queueBody();  // what is small goes out in one piece
+    }
   }
   writeMore();
   return false;  // reading pauses until it is written
@@ -152,14 +160,15 @@ bool Connection::answer(const HttpRequest& request) {
 void Connection::upgrade() {
   speech_ = Speech::upgrading;
   const auto request = std::exchange(request_, nullptr);
-  stream_.upgrade(std::string(request->head()), request->rest(),
-                  [self = shared_from_this()](error_code error, std::size_t) {
-                    if (self->closed_) return;
-                    if (error) return self->close(error.message());
-                    self->speech_ = Speech::opening;
-                    self->await(openingTime, "sent nothing");
-                    self->readMore();
-                  });
+  stream_.upgrade(std::string(request->head()), request->rest(), streamUser());
+}
+
+void Connection::upgraded(error_code error) {
+  if (closed_) return;
+  if (error) return close(error.message());
+  speech_ = Speech::opening;
+  await(openingTime, "sent nothing", opened_);
+  readMore();
 }
 
 void Connection::answered() {
@@ -169,33 +178,40 @@ void Connection::answered() {
   }
   const auto before = std::exchange(request_, nullptr);
   speech_ = Speech::opening;
-  await(requestTime, "sent no further request");
+  opened_ = Clock::now();
+  await(requestTime, "sent no further request", opened_);
   if (before->rest().empty() || take(before->rest())) readMore();
 }
 
 void Connection::writeMore() {
   if (closed_ || !underWay_.empty()) return;
-  if (queued_.empty() && body_) {
-    queued_ = body_(bodyPiece);
-    if (queued_.empty()) body_ = nullptr;
+  if (queued_.empty() && bodyLeft_ > 0) {
+    queueBody();
+    if (queued_.empty()) return close("its answer is outdated");
   }
   if (queued_.empty()) {
-    if (hangingUp_) {
-      return stream_.endSending(
-          [self = shared_from_this()](error_code, std::size_t) { self->close("disconnected by the server"); });
-    }
+    if (hangingUp_) return stream_.endSending(streamUser());
     if (speech_ == Speech::answering) answered();
     return;
   }
   underWay_.swap(queued_);
-  stream_.write(asio::buffer(underWay_), [self = shared_from_this()](error_code error, std::size_t) {
-    self->underWay_.clear();
-    if (self->underWay_.capacity() > bodyPiece) std::string().swap(self->underWay_);  // a burst's memory
-    if (self->closed_) return;
-    if (error) return self->close(error.message());
-    if (self->speech_ == Speech::answering && !self->hangingUp_) self->await(answerTime, "does not read");
-    self->writeMore();
-  });
+  stream_.write(asio::buffer(underWay_), streamUser());
+}
+
+void Connection::queueBody() {
+  const std::string piece = body_(std::min(bodyPiece, bodyLeft_));
+  queued_ += piece;
+  bodyLeft_ -= piece.size();
+  if (bodyLeft_ == 0) body_ = nullptr;
+}
+
+void Connection::written(error_code error) {
+  underWay_.clear();
+  if (underWay_.capacity() > bodyPiece) std::string().swap(underWay_);  // a burst's memory
+  if (closed_) return;
+  if (error) return close(error.message());
+  if (speech_ == Speech::answering && !hangingUp_) await(answerTime, "does not read");
+  writeMore();
 }
 
 }  // namespace kelvora::server

@@ -16,15 +16,15 @@
 
 namespace kelvora::server {
 
-/// One client. Its first bytes decide its protocol: byte 128 starts the game's frames, a letter an HTTP request. A
+/// One client. Its first bytes decide its protocol: byte 128 starts the game's frames, a capital an HTTP request. A
 /// request can upgrade to WebSocket, where the first bytes decide in the same way. The object lives until its last
 /// operation has completed.
-class Connection : public std::enable_shared_from_this<Connection> {
+class Connection final : public std::enable_shared_from_this<Connection>, private ClientStream::User {
  public:
   using Clock = std::chrono::steady_clock;
 
   static constexpr std::size_t maxQueue = std::size_t{256} << 10;  ///< bytes queued for the client
-  static constexpr std::chrono::seconds openingTime{10};           ///< until the first byte
+  static constexpr std::chrono::seconds openingTime{10};           ///< until the first byte, inside a WebSocket as well
   static constexpr std::chrono::seconds requestTime{5};            ///< for a complete request
   static constexpr std::chrono::seconds answerTime{5};             ///< for the client to take a piece of the answer
   static constexpr std::chrono::seconds silence{120};              ///< clients send positions all the time
@@ -44,7 +44,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
     std::function<void(ClientId client, const std::string& reason)> onClosed;
   };
 
-  Connection(asio::ip::tcp::socket socket, ClientId client, Handlers handlers);
+  Connection(Socket socket, ClientId client, Handlers handlers);
 
   void start() { readMore(); }
   /// Queues a frame. Drops a client whose queue is full.
@@ -56,12 +56,23 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Closes the connection if its time has run out. Call this several times a second.
   void closeIfOverdue(Clock::time_point now);
   /// Extends the deadline by the time for which the server couldn't listen.
-  void excuse(Clock::duration time) { deadline_ += time; }
+  void excuse(Clock::duration time) {
+    opened_ += time;
+    deadline_ += time;
+  }
+  /// When the connection, or the last answer, left it to the client to begin. An upgrade doesn't change this.
+  Clock::time_point opened() const { return opened_; }
   bool isGame() const { return speech_ == Speech::game; }
 
  private:
   enum class Speech { opening, game, request, answering, upgrading };
 
+  void arrived(error_code error, std::size_t size) override;
+  void written(error_code error) override;
+  void upgraded(error_code error) override;
+  void ended() override { close("disconnected by the server"); }
+
+  std::shared_ptr<ClientStream::User> streamUser() { return {shared_from_this(), this}; }
   void readMore();
   /// True if reading should go on.
   bool take(std::string_view bytes);
@@ -74,18 +85,22 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void upgrade();
   void answered();
   void writeMore();
-  void await(std::chrono::seconds time, const char* reason);
+  /// Queues the next piece of the answer's body.
+  void queueBody();
+  void await(std::chrono::seconds time, const char* reason, Clock::time_point from = Clock::now());
 
   ClientStream stream_;
   const ClientId client_;
   Handlers handlers_;
   Speech speech_ = Speech::opening;
+  Clock::time_point opened_ = Clock::now();
   Clock::time_point deadline_;
   const char* overdue_ = "";  // the reason if the deadline passes
   wire::FrameReader frames_;
   std::unique_ptr<ProxyLine> proxyLine_;  // null once it is known
   std::unique_ptr<HttpReader> request_;
-  BodySource body_;  // the rest of an answer
+  BodySource body_;           // the rest of an answer
+  std::size_t bodyLeft_ = 0;  // bytes of it
   bool keepsAlive_ = false;
   std::array<char, 512> arrived_;
   std::string underWay_;  // being written by the stream

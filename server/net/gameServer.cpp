@@ -69,7 +69,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
 }
 
 Listener::Handlers GameServer::listenerHandlers() {
-  return {.onConnection = [this](asio::ip::tcp::socket socket) { welcome(std::move(socket)); },
+  return {.onConnection = [this](Socket socket) { welcome(std::move(socket)); },
           .onFailure = [this](const std::string& reason) { log_("cannot accept: " + reason); }};
 }
 
@@ -108,7 +108,7 @@ void GameServer::hangUp(ClientId client) {
   if (const auto found = guests_.find(client); found != guests_.end()) found->second.connection->hangUp();
 }
 
-void GameServer::welcome(asio::ip::tcp::socket socket) {
+void GameServer::welcome(Socket socket) {
   error_code error;
   const auto peer = socket.remote_endpoint(error);
   if (error) return;  // already gone; leaving this scope closes the socket
@@ -156,7 +156,7 @@ void GameServer::beginGame(ClientId client) {
   Guest& guest = guests_.at(client);
   if (guest.network.empty() && !admit(guest, guest.address)) return guest.connection->hangUp();
   log_("client " + std::to_string(client) + " comes from " + guest.address.to_string());
-  arena_.connected(client, now());
+  arena_.connected(client, at(guest.connection->opened()));  // the time without a first byte counts
 }
 
 HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
@@ -193,8 +193,11 @@ HttpAnswer GameServer::homePage() const {
                 .port = port(),
                 .passwordRequired = !options_.password.empty(),
                 .players = {},
+                .bots = {},
                 .maxPlayers = Arena::colourCount};
-  for (const PlayerView& player : arena_.players(now())) page.players.push_back(player.name);
+  for (const PlayerView& player : arena_.players(now())) {
+    (isBot(player.client) ? page.bots : page.players).push_back(player.name);
+  }
   return homePageAnswer(page);
 }
 
@@ -257,8 +260,8 @@ void GameServer::publish() {
   publishedPlayers_ = host.players;
 }
 
-Millis GameServer::now() const {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start_).count();
+Millis GameServer::at(std::chrono::steady_clock::time_point time) const {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(time - start_).count();
 }
 
 }  // namespace kelvora::server

@@ -54,7 +54,7 @@ class GameServer : private ArenaOutput {
   void log(const std::string& line) override { log_(line); }
 
   Listener::Handlers listenerHandlers();
-  void welcome(asio::ip::tcp::socket socket);
+  void welcome(Socket socket);
   /// Counts the guest at the door as coming from this address only. False if it must go.
   bool admit(Guest& guest, const asio::ip::address& address);
   void forwarded(ClientId client, const asio::ip::address& address);
@@ -71,7 +71,9 @@ class GameServer : private ArenaOutput {
   HostEntry hostEntry() const;
   /// Announces the number of players to other lists, if it has changed.
   void publish();
-  Millis now() const;
+  /// The arena's time.
+  Millis at(std::chrono::steady_clock::time_point time) const;
+  Millis now() const { return at(std::chrono::steady_clock::now()); }
 
   const Options options_;
   std::function<void(const std::string&)> log_;

@@ -1,5 +1,6 @@
 #include "server/net/listener.h"
 
+#include <boost/asio/ip/v6_only.hpp>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -8,44 +9,75 @@ namespace kelvora::server {
 
 namespace {
 
-asio::ip::tcp::acceptor listenOn(asio::io_context& context, const std::string& address, std::uint16_t port) {
-  try {
-    asio::ip::tcp::resolver resolver(context);
-    return {context, resolver.resolve(address, std::to_string(port)).begin()->endpoint()};
-  } catch (const boost::system::system_error& error) {
-    throw std::system_error(error.code(), "cannot listen on " + address + ":" + std::to_string(port));
-  }
+/// True if the machine doesn't have the address, or lacks its whole family.
+bool isMissing(error_code error) {
+  return error == asio::error::address_family_not_supported || error == boost::system::errc::address_not_available;
 }
 
 }  // namespace
 
 Listener::Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers)
-    : acceptor_(listenOn(context, address, port)), handlers_(std::move(handlers)) {
-  acceptMore();
+    : context_(context), handlers_(std::move(handlers)) {
+  try {
+    listenOn(address, port);
+  } catch (const boost::system::system_error& error) {
+    throw std::system_error(error.code(), "cannot listen on " + address + ":" + std::to_string(port));
+  }
+  resume();
+}
+
+void Listener::listenOn(const std::string& address, std::uint16_t port) {
+  asio::ip::tcp::resolver resolver(context_);
+  error_code missing;
+  for (const auto& entry : resolver.resolve(address, std::to_string(port))) {
+    asio::ip::tcp::endpoint endpoint = entry.endpoint();
+    if (port == 0 && !entrances_.empty()) endpoint.port(this->port());
+    try {
+      entrances_.push_back({opened(endpoint)});
+    } catch (const boost::system::system_error& error) {
+      if (!isMissing(error.code())) throw;
+      missing = error.code();
+    }
+  }
+  if (entrances_.empty()) throw boost::system::system_error(missing);
+}
+
+Acceptor Listener::opened(const asio::ip::tcp::endpoint& endpoint) const {
+  Acceptor acceptor(context_, endpoint.protocol());
+  acceptor.set_option(Acceptor::reuse_address(true));
+  // The system's default may be otherwise.
+  if (endpoint.address().is_v6()) acceptor.set_option(asio::ip::v6_only(!endpoint.address().is_unspecified()));
+  acceptor.bind(endpoint);
+  acceptor.listen();
+  return acceptor;
 }
 
 void Listener::resume() {
-  if (!std::exchange(isAccepting_, true)) acceptMore();
+  for (Entrance& entrance : entrances_) {
+    if (!std::exchange(entrance.isAccepting, true)) acceptMore(entrance);
+  }
 }
 
 void Listener::close() {
   error_code ignored;
-  acceptor_.close(ignored);
+  for (Entrance& entrance : entrances_) entrance.acceptor.close(ignored);
 }
 
 std::string Listener::endpointText() const {
   std::ostringstream text;
-  text << acceptor_.local_endpoint();
+  for (const Entrance& entrance : entrances_) {
+    text << (text.tellp() > 0 ? ", " : "") << entrance.acceptor.local_endpoint();
+  }
   return text.str();
 }
 
-void Listener::acceptMore() {
-  acceptor_.async_accept([this](error_code error, asio::ip::tcp::socket socket) {
-    if (!acceptor_.is_open()) return;
+void Listener::acceptMore(Entrance& entrance) {
+  entrance.acceptor.async_accept([this, &entrance](error_code error, Socket socket) {
+    if (!entrance.acceptor.is_open()) return;
     if (!error) handlers_.onConnection(std::move(socket));
-    if (!error || error == asio::error::connection_aborted) return acceptMore();
+    if (!error || error == asio::error::connection_aborted) return acceptMore(entrance);
     // Trying again at once would loop for ever.
-    isAccepting_ = false;
+    entrance.isAccepting = false;
     handlers_.onFailure(error.message());
   });
 }

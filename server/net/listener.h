@@ -2,38 +2,48 @@
 
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <string>
 
 #include "server/net/asio.h"
 
 namespace kelvora::server {
 
-/// A port that accepts connections.
+/// A port that accepts connections, on every address that a name stands for.
 class Listener {
  public:
   struct Handlers {
-    std::function<void(asio::ip::tcp::socket socket)> onConnection;
+    std::function<void(Socket socket)> onConnection;
     /// Called when accepting fails, usually for lack of descriptors. Nothing is accepted until `resume`.
     std::function<void(const std::string& reason)> onFailure;
   };
 
-  /// Listens at once. Port 0 is any free one. A bad address or port throws std::system_error, whose text names both.
+  /// Listens at once. Port 0 is any free one. "::" is every address of the machine, in IPv4 as well. Skips the
+  /// addresses of a name that the machine doesn't have, unless none is left. A bad address or port throws
+  /// std::system_error, whose text names both.
   Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers);
 
   /// Accepts again after a failure. Does nothing otherwise.
   void resume();
   /// Stops listening. No handler is called afterwards.
   void close();
-  std::uint16_t port() const { return acceptor_.local_endpoint().port(); }
-  /// "127.0.0.1:2010"
+  std::uint16_t port() const { return entrances_.front().acceptor.local_endpoint().port(); }
+  /// "127.0.0.1:2010", or several with commas between them.
   std::string endpointText() const;
 
  private:
-  void acceptMore();
+  struct Entrance {
+    Acceptor acceptor;
+    bool isAccepting = false;
+  };
 
-  asio::ip::tcp::acceptor acceptor_;
+  void listenOn(const std::string& address, std::uint16_t port);
+  Acceptor opened(const asio::ip::tcp::endpoint& endpoint) const;
+  void acceptMore(Entrance& entrance);
+
+  asio::io_context& context_;
+  std::list<Entrance> entrances_;
   Handlers handlers_;
-  bool isAccepting_ = true;
 };
 
 }  // namespace kelvora::server

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <boost/asio/buffer.hpp>
-#include <boost/asio/compose.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -21,7 +20,7 @@ namespace kelvora::server {
 class PacedSocket {
  public:
   using Clock = std::chrono::steady_clock;
-  using executor_type = asio::ip::tcp::socket::executor_type;
+  using executor_type = Socket::executor_type;
 
   /// More than fifty times the game's own rate.
   static constexpr std::size_t bytesPerSecond = std::size_t{32} << 10;
@@ -30,54 +29,36 @@ class PacedSocket {
   /// Bytes. Small, so that flooding clients take turns with the others.
   static constexpr std::size_t maxRead = 512;
 
-  explicit PacedSocket(asio::ip::tcp::socket socket) : state_(std::make_shared<State>(std::move(socket))) {}
+  explicit PacedSocket(Socket socket) : state_(std::make_shared<State>(std::move(socket))) {}
 
   executor_type get_executor() { return state_->socket.get_executor(); }
 
   /// The next reads return these bytes again. They don't count a second time.
   void putBack(std::string_view bytes) { state_->returned.insert(0, bytes); }
 
-  /// Reads into the first buffer only.
-  template <class Buffers, class Token>
-  auto async_read_some(const Buffers& buffers, Token&& token) {
+  /// Reads into the first buffer only. The handler runs on the socket's executor.
+  template <class Buffers, class Handler>
+  void async_read_some(const Buffers& buffers, Handler handler) {
     const asio::mutable_buffer buffer = *asio::buffer_sequence_begin(buffers);
-    enum class Step { begin, paused, returned, done };
-    return asio::async_compose<Token, void(error_code, std::size_t)>(
-        [state = state_, buffer, step = Step::begin](auto& self, error_code error = {}, std::size_t size = 0) mutable {
-          // Moving from `self` moves this function object, too.
-          State& it = *state;
-          switch (step) {
-            case Step::begin:
-              if (!it.returned.empty()) {
-                step = Step::returned;
-                return asio::post(it.socket.get_executor(), std::move(self));
-              }
-              step = Step::paused;
-              if (it.paidUntil > Clock::now()) {
-                it.pause.expires_at(it.paidUntil);
-                return it.pause.async_wait(std::move(self));
-              }
-              [[fallthrough]];
-            case Step::paused:
-              if (!it.socket.is_open()) return self.complete(asio::error::operation_aborted, 0);
-              step = Step::done;
-              return it.socket.async_read_some(asio::buffer(buffer, maxRead), std::move(self));
-            case Step::returned:
-              if (!it.socket.is_open()) return self.complete(asio::error::operation_aborted, 0);
-              size = asio::buffer_copy(buffer, asio::buffer(it.returned));
-              it.returned.erase(0, size);
-              return self.complete({}, size);
-            case Step::done:
-              it.pay(size);
-              return self.complete(error, size);
-          }
-        },
-        token, state_->socket);
+    if (!state_->returned.empty()) {
+      return asio::post(get_executor(), [state = state_, buffer, handler = std::move(handler)]() mutable {
+        if (!state->socket.is_open()) return handler(asio::error::operation_aborted, 0);
+        const std::size_t size = asio::buffer_copy(buffer, asio::buffer(state->returned));
+        state->returned.erase(0, size);
+        handler(error_code{}, size);
+      });
+    }
+    if (!state_->hasOverdrawn) return receive(state_, buffer, std::move(handler));
+    state_->hasOverdrawn = false;
+    state_->awaitCredit([state = state_, buffer, handler = std::move(handler)](error_code) mutable {
+      if (!state->socket.is_open()) return handler(asio::error::operation_aborted, 0);
+      receive(state, buffer, std::move(handler));
+    });
   }
 
-  template <class Buffers, class Token>
-  auto async_write_some(const Buffers& buffers, Token&& token) {
-    return state_->socket.async_write_some(buffers, std::forward<Token>(token));
+  template <class Buffers, class Handler>
+  void async_write_some(const Buffers& buffers, Handler handler) {
+    state_->socket.async_write_some(buffers, std::move(handler));
   }
 
   /// Tells the peer that nothing more follows.
@@ -89,23 +70,42 @@ class PacedSocket {
   void close() {
     error_code ignored;
     state_->socket.close(ignored);
-    state_->pause.cancel();
+    if (state_->pause) state_->pause->cancel();
   }
 
  private:
   struct State {
-    explicit State(asio::ip::tcp::socket itsSocket) : socket(std::move(itsSocket)), pause(socket.get_executor()) {}
+    explicit State(Socket itsSocket) : socket(std::move(itsSocket)) {}
 
     void pay(std::size_t size) {
       const auto price = std::chrono::microseconds(size * 1'000'000 / bytesPerSecond);
-      paidUntil = std::max(paidUntil, Clock::now() - burst) + price;
+      const auto now = Clock::now();
+      paidUntil = std::max(paidUntil, now - burst) + price;
+      hasOverdrawn = paidUntil > now;
+    }
+    template <class Handler>
+    void awaitCredit(Handler handler) {
+      if (!pause) pause = std::make_unique<asio::steady_timer>(socket.get_executor());
+      pause->expires_at(paidUntil);
+      pause->async_wait(std::move(handler));
     }
 
-    asio::ip::tcp::socket socket;
-    asio::steady_timer pause;
+    Socket socket;
+    std::unique_ptr<asio::steady_timer> pause;  // null until the peer has to wait
     Clock::time_point paidUntil;
+    bool hasOverdrawn = false;
     std::string returned;
   };
+
+  template <class Handler>
+  static void receive(const std::shared_ptr<State>& state, asio::mutable_buffer buffer, Handler handler) {
+    Socket& socket = state->socket;
+    socket.async_read_some(asio::buffer(buffer, maxRead),
+                           [state, handler = std::move(handler)](error_code error, std::size_t size) mutable {
+                             state->pay(size);
+                             handler(error, size);
+                           });
+  }
 
   std::shared_ptr<State> state_;
 };

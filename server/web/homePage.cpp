@@ -20,6 +20,13 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
+std::string listOf(const std::vector<std::string>& names) {
+  if (names.empty()) return {};
+  std::string list = "<ul>\n";
+  for (const std::string& name : names) list += "<li>" + escaped(name) + "</li>\n";
+  return list + "</ul>\n";
+}
+
 }  // namespace
 
 HttpAnswer homePageAnswer(const HomePage& page) {
@@ -31,10 +38,9 @@ HttpAnswer homePageAnswer(const HomePage& page) {
   if (!page.notes.empty()) body += "<p>" + escaped(page.notes) + "</p>\n";
   body +=
       "<p>" + std::to_string(page.players.size()) + " of " + std::to_string(page.maxPlayers) + " players are in.</p>\n";
-  if (!page.players.empty()) {
-    body += "<ul>\n";
-    for (const std::string& name : page.players) body += "<li>" + escaped(name) + "</li>\n";
-    body += "</ul>\n";
+  body += listOf(page.players);
+  if (!page.bots.empty()) {
+    body += "<p>Bots play until people take their places:</p>\n" + listOf(page.bots);
   }
   body += "<p>To join, start the game and type this machine's address and port " + std::to_string(page.port) +
           " into its connect dialog.";

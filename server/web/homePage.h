@@ -13,7 +13,8 @@ struct HomePage {
   std::string notes;
   std::uint16_t port = 0;
   bool passwordRequired = false;
-  std::vector<std::string> players;
+  std::vector<std::string> players;  ///< people only, as in lists
+  std::vector<std::string> bots;
   std::size_t maxPlayers = 0;
 };
 

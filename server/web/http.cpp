@@ -15,12 +15,24 @@ namespace http = boost::beast::http;
 
 namespace {
 
+constexpr std::string_view emptyLine = "\r\n";
+
+bool isCapital(char c) { return c >= 'A' && c <= 'Z'; }
+
 std::string text(boost::beast::string_view view) { return {view.data(), view.size()}; }
 
 /// The last line of a header, or nothing. Programs in between add theirs behind those that they got.
 std::string lastLine(const http::fields& head, boost::beast::string_view name) {
   const auto [first, end] = head.equal_range(name);
   return first == end ? std::string() : text(std::prev(end)->value());
+}
+
+/// All lines of a header, as the one that they stand for.
+std::string allLines(const http::fields& head, http::field name) {
+  std::string all;
+  const auto [first, end] = head.equal_range(name);
+  for (auto line = first; line != end; ++line) all += (all.empty() ? "" : ", ") + text(line->value());
+  return all;
 }
 
 /// True if an Accept-Encoding lists gzip, not as "gzip;q=0", which refuses it.
@@ -79,6 +91,11 @@ std::string HttpRequest::argument(std::string_view name) const {
 HttpReader::Result HttpReader::read(std::string_view bytes) {
   const std::size_t looked = text_.size() < 3 ? 0 : text_.size() - 3;  // the end may span two pieces
   text_ += bytes;
+  if (!hasBegun_ && text_.size() >= emptyLine.size()) {
+    hasBegun_ = true;
+    if (text_.starts_with(emptyLine)) text_.erase(0, emptyLine.size());
+  }
+  if (!text_.empty() && hasBegun_ && !isCapital(text_[0])) return Result::malformed;
   const std::size_t end = text_.find("\r\n\r\n", looked);
   headSize_ = end == std::string::npos ? text_.size() : end + 4;
   if (headSize_ > maxHead) return Result::tooLong;
@@ -96,7 +113,7 @@ HttpReader::Result HttpReader::read(std::string_view bytes) {
               .origin = text(head[http::field::origin]),
               .authorization = text(head[http::field::authorization]),
               .forwardedFor = lastLine(head, "X-Forwarded-For"),
-              .ifNoneMatch = text(head[http::field::if_none_match]),
+              .ifNoneMatch = allLines(head, http::field::if_none_match),
               .acceptsGzip = takesGzip(head[http::field::accept_encoding]),
               // A body would have to be read first.
               .keepsAlive = parser.keep_alive() && !parser.chunked() && parser.content_length().value_or(0) == 0,
@@ -107,6 +124,7 @@ HttpReader::Result HttpReader::read(std::string_view bytes) {
 void HttpAnswer::append(std::shared_ptr<const std::string> text) {
   moreSize = text->size();
   more = [text = std::move(text), at = std::size_t{0}](std::size_t size) mutable {
+    if (at >= text->size()) return std::string();
     std::string piece = text->substr(at, size);
     at += piece.size();
     return piece;

@@ -36,7 +36,7 @@ class HttpReader {
 
   enum class Result { partial, complete, malformed, tooLong };
 
-  /// Adds bytes until the head is complete. Doesn't read bodies.
+  /// Adds bytes until the head is complete. Ignores one empty line before it. Doesn't read bodies.
   Result read(std::string_view bytes);
   /// Valid once complete.
   const HttpRequest& request() const { return request_; }
@@ -47,11 +47,12 @@ class HttpReader {
 
  private:
   std::string text_;
+  bool hasBegun_ = false;  // any empty line is gone
   std::size_t headSize_ = 0;
   HttpRequest request_;
 };
 
-/// Returns the next piece of a body, at most `size` bytes; empty at its end.
+/// Returns the next piece of a body, at most `size` bytes; empty if the rest can no longer be had.
 using BodySource = std::function<std::string(std::size_t size)>;
 
 /// An HTTP answer. The length of the body is known in advance.
@@ -65,7 +66,7 @@ struct HttpAnswer {
   std::size_t moreSize = 0;  ///< bytes
   bool mayKeepAlive = false;
 
-  /// Sets `more` to a text, which is shared, not copied.
+  /// Sets `more` to a text, which is shared, not copied. If the text is emptied meanwhile, so is the rest of the body.
   void append(std::shared_ptr<const std::string> text);
   /// Status line and headers.
   std::string head(bool keepsAlive) const;

@@ -64,6 +64,18 @@ std::optional<Copy> copyOf(const fs::path& file) {
   return Copy{size, '"' + std::to_string(size) + "-" + std::to_string(changed) + '"'};
 }
 
+/// True if an If-None-Match names the tag, by itself or in a list, as "W/..." too, or is "*".
+bool names(std::string_view condition, std::string_view tag) {
+  if (condition == "*") return true;
+  for (std::size_t start; (start = condition.find('"')) != std::string_view::npos;) {
+    const std::size_t end = condition.find('"', start + 1);
+    if (end == std::string_view::npos) return false;
+    if (condition.substr(start, end + 1 - start) == tag) return true;
+    condition.remove_prefix(end + 1);
+  }
+  return false;
+}
+
 }  // namespace
 
 Site::Site(const fs::path& folder) {
@@ -96,7 +108,7 @@ HttpAnswer Site::answer(const HttpRequest& request) const {
   // The client asks each time whether the file has changed, so that updates are seen at once.
   answer.headers = {"Cache-Control: no-cache", "ETag: " + copy->tag, "Vary: Accept-Encoding",
                     "X-Content-Type-Options: nosniff"};
-  if (request.ifNoneMatch == copy->tag) {
+  if (names(request.ifNoneMatch, copy->tag)) {
     answer.status = 304;
     return answer;
   }

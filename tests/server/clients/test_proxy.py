@@ -88,7 +88,6 @@ class BehindNginx(unittest.TestCase):
         self.expect_held(9)
 
 
-@unittest.skipUnless(shutil.which("caddy"), "Caddy is not installed")
 class BehindCaddy(unittest.TestCase):
     def setUp(self):
         self.server = Server("--trusted-proxy", "127.0.0.1")

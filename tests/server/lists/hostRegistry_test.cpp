@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "generated/version.h"
 #include "server/lists/publishSchedule.h"
@@ -63,6 +66,38 @@ TEST(HostRegistry, OneHostHasThirtyTwoEntries) {
   EXPECT_EQ(registry.announce("a", of("x", 32, 5), 0), Answer::done) << "those it has may change";
   EXPECT_EQ(registry.announce("b", of("x", 33), 0), Answer::done);
   EXPECT_EQ(registry.announce("a", of("x", 34), 0, true), Answer::done) << "trusted";
+}
+
+TEST(HostRegistry, OutdatedListingsTakeAtMostAMebibyteInAll) {
+  HostRegistry registry;
+  Announcement longest = of(std::string(255, 'a'), 1);
+  longest.host.notes = std::string(200, 'n');
+  for (std::uint16_t port = 1; port <= 1'000; ++port) {
+    longest.host.port = port;
+    ASSERT_EQ(registry.announce("a", longest, 0, true), Answer::done);
+  }
+  std::vector<std::shared_ptr<const std::string>> held;
+  const auto change = [&](std::size_t players) {
+    longest.host.players = players;
+    registry.announce("a", longest, 0, true);
+  };
+  for (std::size_t i = 0; i < 6; ++i) {
+    held.push_back(registry.listing(all, 0));
+    change(i);
+  }
+  const std::size_t size = held.back()->size();
+  EXPECT_GT(size, std::size_t{400} << 10);
+  EXPECT_EQ(held.back()->size(), size);
+  EXPECT_EQ(held[4]->size(), size) << "two fit into a mebibyte";
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(held[i]->capacity(), std::string().capacity()) << i;
+
+  // Those that nobody holds any more don't count.
+  held.erase(held.begin() + 4);
+  held.push_back(registry.listing(all, 0));
+  change(1);
+  EXPECT_EQ(held[4]->size(), size);
+  EXPECT_EQ(held[5]->size(), size);
+  EXPECT_EQ(registry.listing(all, 0)->size(), size) << "the current one is always whole";
 }
 
 TEST(HostRegistry, HoldsAThousandEntriesAndAClientTakesThem) {

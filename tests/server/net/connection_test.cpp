@@ -62,7 +62,7 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
 
  private:
   asio::io_context context_;
-  asio::ip::tcp::acceptor door_{context_, {asio::ip::address_v4::loopback(), 0}};
+  Acceptor door_{context_, {asio::ip::address_v4::loopback(), 0}};
 
  protected:
   WebSocketClient client{door_.local_endpoint().port()};
@@ -90,6 +90,17 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
   HttpAnswer answer(const HttpRequest& request) {
     if (request.isUpgrade) return {.status = 101};
     if (request.path() == "/page") return {.body = "page", .mayKeepAlive = true};
+    if (request.path() == "/short") {
+      HttpAnswer outdated{.mayKeepAlive = true};
+      const auto text = std::make_shared<std::string>(40'000, 'x');
+      outdated.append(text);
+      outdated.more = [more = outdated.more, text](std::size_t most) {
+        std::string piece = more(most);
+        text->clear();
+        return piece;
+      };
+      return outdated;
+    }
     constexpr std::size_t size = std::size_t{64} << 20;
     return {.more =
                 [this](std::size_t most) {
@@ -105,6 +116,35 @@ INSTANTIATE_TEST_SUITE_P(Plain, ConnectionLimits, testing::Values(false));
 INSTANTIATE_TEST_SUITE_P(WebSocket, ConnectionLimits, testing::Values(true));
 
 TEST_P(ConnectionLimits, TheFirstByteComesWithinTenSeconds) { expectToLast(seconds(10), "sent nothing"); }
+
+TEST_P(ConnectionLimits, AllStagesUpToTheFirstByteHaveTenSecondsTogether) {
+  const auto opened = connection->opened();
+  connection->excuse(-seconds(6));  // as if that long had passed
+  EXPECT_EQ(connection->opened(), opened - seconds(6));
+  if (!GetParam()) {
+    client.write(WebSocketClient::handshake());
+    settle();
+  }
+  EXPECT_EQ(connection->opened(), opened - seconds(6)) << "an upgrade is no new beginning";
+  expectToLast(seconds(4), "sent nothing");
+}
+
+TEST_P(ConnectionLimits, AnAnswerIsANewBeginning) {
+  connection->excuse(-seconds(6));
+  const auto before = Connection::Clock::now();
+  say("GET /page HTTP/1.1\r\nHost: h\r\n\r\n");
+  EXPECT_GE(connection->opened(), before);
+}
+
+TEST_P(ConnectionLimits, AnEmptyLineBeforeARequestIsIgnored) {
+  say("\r\nGET /page HTTP/1.1\r\nHost: h\r\n\r\n");
+  expectToLast(seconds(5), "sent no further request");
+}
+
+TEST_P(ConnectionLimits, AnAnswerThatIsCutShortEndsTheConnection) {
+  say("GET /short HTTP/1.1\r\nHost: h\r\n\r\n");
+  EXPECT_EQ(closed, "its answer is outdated");
+}
 
 TEST_P(ConnectionLimits, ARequestComesWithinFiveSeconds) {
   say("GET / HT");
@@ -203,6 +243,38 @@ TEST_P(ConnectionLimits, ARequestIsAtMost4KiB) {
   EXPECT_EQ(closed, "") << "it is answered, and kept";
   say(start + std::string(4'096 - start.size() - 3, 'a') + "\r\n\r\n");
   expectToLast(seconds(2), "disconnected by the server");
+}
+
+TEST(ProxiedConnection, ItsLineAndTheFirstByteComeWithinTenSeconds) {
+  for (const bool isComplete : {false, true}) {
+    asio::io_context context;
+    Acceptor door(context, {asio::ip::address_v4::loopback(), 0});
+    TcpClient client(door.local_endpoint().port());
+    std::string address;
+    std::string closed;
+    const auto connection = std::make_shared<Connection>(
+        door.accept(), ClientId{1},
+        Connection::Handlers{
+            .onForwarded = [&](ClientId, const asio::ip::address& named) { address = named.to_string(); },
+            .onGame = [](ClientId) {},
+            .onFrame = [](ClientId, std::string_view) {},
+            .onRequest = [](ClientId, const HttpRequest&) { return HttpAnswer{}; },
+            .onClosed = [&](ClientId, const std::string& reason) { closed = reason; }});
+    connection->start();
+    client.write(isComplete ? "PROXY TCP4 192.0.2.1 198.51.100.1 50000 2010\r\n" : "PROXY TCP4 192.0.2.1");
+    while (context.poll() > 0) {
+    }
+    EXPECT_EQ(address, isComplete ? "192.0.2.1" : "");
+    connection->closeIfOverdue(connection->opened() + seconds(10));
+    while (context.poll() > 0) {
+    }
+    EXPECT_EQ(closed, "");
+    connection->closeIfOverdue(connection->opened() + seconds(10) + std::chrono::milliseconds(1));
+    context.restart();
+    while (context.poll() > 0) {
+    }
+    EXPECT_EQ(closed, "sent nothing");
+  }
 }
 
 }  // namespace

@@ -159,7 +159,7 @@ TEST_F(Loopback, AnInvalidFrameEndsTheConnection) {
 
 TEST(ServerConnection, AClientThatNeverReadsIsDropped) {
   asio::io_context context;
-  asio::ip::tcp::acceptor acceptor(context, {asio::ip::address_v4::loopback(), 0});
+  Acceptor acceptor(context, {asio::ip::address_v4::loopback(), 0});
   Client silent(acceptor.local_endpoint().port());
   std::string reason;
   const auto connection = std::make_shared<Connection>(

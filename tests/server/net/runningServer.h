@@ -50,6 +50,7 @@ class RunningServer {
   }
 
   std::uint16_t port() const { return port_; }
+  std::string endpointText() const { return endpointText_; }
   std::uint16_t webPort() const { return webPort_; }
   std::vector<std::string> log() const {
     const std::lock_guard lock(mutex_);
@@ -72,6 +73,7 @@ class RunningServer {
   asio::io_context context_;
   GameServer server_;
   const std::uint16_t port_ = server_.port();
+  const std::string endpointText_ = server_.endpointText();
   const std::uint16_t webPort_ = portOf(server_.webEndpointText());
   std::thread thread_{[this] { context_.run(); }};
 };

@@ -96,6 +96,13 @@ class TcpClient {
     const ssize_t size = ::recv(socket_, &byte, 1, 0);
     return size == 0 || (size < 0 && errno == ECONNRESET);
   }
+  /// True if the server has ended the connection by now. Drops what has come.
+  bool hasEnded() {
+    drain();
+    char byte;
+    const ssize_t size = ::recv(socket_, &byte, 1, MSG_DONTWAIT);
+    return size == 0 || (size < 0 && errno != EAGAIN && errno != EWOULDBLOCK);
+  }
   /// Closes the connection with a reset.
   void reset() {
     const linger now{1, 0};

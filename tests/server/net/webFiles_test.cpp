@@ -117,6 +117,22 @@ TEST_F(WebFilesTest, ThePageListsThePlayersAndHowToJoin) {
   EXPECT_EQ(page.body.find("password"), std::string::npos);
 }
 
+TEST(WebFilesOfBots, ThePageCountsPeopleAndNamesTheBotsApart) {
+  Options options;
+  options.bots.count = 2;
+  const RunningServer server(options);
+  Client ann(server.port());
+  join(ann, "Ann");
+  ann.readUntil(wire::msgPlayerJoined);
+  ann.readUntil(wire::msgPlayerJoined);
+  const std::string page = ask(server.port(), "GET / HTTP/1.0\r\n\r\n", 2).body;
+  EXPECT_NE(page.find("<p>1 of 6 players are in.</p>\n<ul>\n<li>Ann</li>\n</ul>\n<p>Bots play"), std::string::npos)
+      << page;
+  std::size_t names = 0;
+  for (std::size_t at = 0; (at = page.find("<li>", at)) != std::string::npos; ++at) ++names;
+  EXPECT_EQ(names, 3U) << page;
+}
+
 TEST_F(WebFilesTest, AKeptConnectionAnswersOneRequestAfterTheOther) {
   TcpClient client(port);
   const std::string page = "GET / HTTP/1.1\r\nHost: h\r\n\r\n";

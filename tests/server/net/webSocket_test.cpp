@@ -168,6 +168,58 @@ TEST_F(WebSocketTest, ViolatingItsRulesEndsTheConnection) {
   expectOthersToPlay();
 }
 
+TEST_F(WebSocketTest, AControlFrameHasAtMost125Bytes) {
+  for (const auto opcode : {WebSocketClient::ping, WebSocketClient::closing}) {
+    const std::string longest = "\x03\xE8" + std::string(123, 'p');
+    WebSocketClient client(server.port(), 3);
+    ASSERT_TRUE(client.open());
+    client.write(WebSocketClient::frame(opcode, longest));
+    const WebSocketClient::Frame answer = client.readFrame();
+    EXPECT_EQ(answer.opcode, opcode == WebSocketClient::ping ? WebSocketClient::pong : WebSocketClient::closing);
+    EXPECT_EQ(answer.payload.substr(0, 2), "\x03\xE8");
+    WebSocketClient longer(server.port(), 3);
+    ASSERT_TRUE(longer.open());
+    longer.write(WebSocketClient::frame(opcode, longest + "p"));
+    EXPECT_EQ(longer.readFrame().payload.substr(0, 2), "\x03\xEA") << "a protocol error";
+    longer.readToEnd();
+  }
+}
+
+TEST_F(WebSocketTest, AMessageHasAtMost65536BytesHoweverItIsCut) {
+  const std::string report = frameOf(wire::msgPositionReport, {"50000", "50000"});
+  const std::string last = frameOf(wire::msgChat, {"-1", "the end"});
+  std::string message = login("Ann");
+  while (message.size() + 2 * report.size() + last.size() <= 65'536) message += report;
+  const std::size_t room = 65'536 - message.size() - last.size();
+  message += frameOf(wire::msgPositionReport, {"50000", std::string(room - 9, '1')}) + last;
+  ASSERT_EQ(message.size(), 65'536U);
+  const std::string start = message.substr(0, 30'000);
+  const std::string rest = message.substr(30'000);
+  using Frames = WebSocketClient;
+  const struct {
+    std::string fits;
+    std::string isTooLong;
+  } messages[] = {
+      {Frames::frame(Frames::binary, message), Frames::frame(Frames::binary, message + "\x80")},
+      {Frames::frame(Frames::binary, start, false) + Frames::frame(Frames::continuation, rest),
+       Frames::frame(Frames::binary, start, false) + Frames::frame(Frames::continuation, rest + "\x80")},
+  };
+  for (std::uint32_t host = 30; const auto& [fits, isTooLong] : messages) {
+    WebSocketClient client(server.port(), host++);
+    ASSERT_TRUE(client.open());
+    client.tryWrite(fits);
+    EXPECT_NE(client.readUntil("the end").find("the end"), std::string::npos);
+    WebSocketClient other(server.port(), host++);
+    ASSERT_TRUE(other.open());
+    other.tryWrite(isTooLong);
+    WebSocketClient::Frame frame;
+    do frame = other.readFrame();
+    while (frame.opcode == WebSocketClient::binary);
+    EXPECT_EQ(frame.opcode, WebSocketClient::closing);
+    EXPECT_EQ(frame.payload.substr(0, 2), "\x03\xF1") << "too big";
+  }
+}
+
 TEST_F(WebSocketTest, FragmentsWithoutEndAreAMessageTooLong) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open());
@@ -293,6 +345,8 @@ TEST_F(TrustedProxy, AStreamIsCountedByTheAddressInItsFirstLine) {
   EXPECT_GE(served, 32);
   EXPECT_LT(served, 40) << "what the client itself says does not count";
   EXPECT_EQ(statusOf("PROXY UNKNOWN\r\n" + request), "");
+  EXPECT_EQ(statusOf(std::string("\r\n\r\n\0\r\nQUIT\n\x21\x11\0\x0C", 16) + std::string(12, '\1') + request), "400")
+      << "version 2 is not understood";
   EXPECT_EQ(statusOf(line("198.51.100.99") + request, 6), "400") << "from anybody else it is a broken request";
 
   Client player(server.port(), 5);

@@ -71,6 +71,38 @@ TEST(HttpReader, ParsesTheAcceptHeaders) {
   EXPECT_FALSE(request("GET /play HTTP/1.1\r\nUpgrade: h2c\r\nConnection: Upgrade\r\n\r\n").isUpgrade);
 }
 
+TEST(HttpReader, IgnoresOneEmptyLineBeforeARequest) {
+  const std::string bytes = "\r\nGET /a HTTP/1.1\r\nHost: h\r\n\r\n";
+  for (std::size_t size = 1; size <= bytes.size(); ++size) {
+    HttpReader reader;
+    Result result = Result::partial;
+    for (std::size_t at = 0; at < bytes.size(); at += size) result = reader.read(bytes.substr(at, size));
+    EXPECT_EQ(result, Result::complete) << size;
+    EXPECT_EQ(reader.request().target, "/a") << size;
+    EXPECT_EQ(reader.rest(), "") << size;
+  }
+}
+
+TEST(HttpReader, OnlyACapitalBeginsARequest) {
+  for (const std::string bytes :
+       {"\r\n\r\n", "\n\nGET", "\rG", "\r\n\x80", "\r\nget", "get", "@A", "[A", "\r\n\r\n\0\r\nQUIT\n"}) {
+    HttpReader reader;
+    EXPECT_EQ(reader.read(bytes), Result::malformed) << bytes;
+  }
+  HttpReader line;
+  EXPECT_EQ(line.read("\r"), Result::partial);
+  EXPECT_EQ(line.read("\n"), Result::partial);
+  EXPECT_EQ(line.read("AZ"), Result::partial);
+  HttpReader last;
+  EXPECT_EQ(last.read("ZA"), Result::partial);
+}
+
+TEST(HttpReader, ManyConditionsAreOneList) {
+  EXPECT_EQ(
+      request("GET / HTTP/1.1\r\nIf-None-Match: \"a\"\r\nHost: h\r\nIf-None-Match: \"b\", W/\"c\"\r\n\r\n").ifNoneMatch,
+      "\"a\", \"b\", W/\"c\"");
+}
+
 TEST(HttpReader, TheLastForwardingLineIsTheProxys) {
   EXPECT_EQ(request("GET / HTTP/1.1\r\nX-Forwarded-For: 192.0.2.1\r\nHost: h\r\nx-forwarded-for: 192.0.2.2\r\n\r\n")
                 .forwardedFor,

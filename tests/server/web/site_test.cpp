@@ -100,6 +100,26 @@ TEST_F(SiteTest, AKnownCopyIsNotSentAgain) {
   EXPECT_EQ(Site(folder).answer(request).status, 200U);
 }
 
+TEST_F(SiteTest, AConditionMayListTagsWeakOrNotOrNameAnyCopy) {
+  const Site site(folder);
+  HttpRequest request = get("/js/game.wasm");
+  const std::string tag = header(site.answer(request), "ETag");
+  const auto statusFor = [&](const std::string& condition) {
+    request.ifNoneMatch = condition;
+    return site.answer(request).status;
+  };
+  for (const std::string& known : {"*" + std::string(), "W/" + tag, "\"a\", " + tag, tag + ",\"a\"",
+                                   "\"a,b\",W/\"c\" , W/" + tag, "\"\", " + tag}) {
+    EXPECT_EQ(statusFor(known), 304U) << known;
+  }
+  const std::string bare = tag.substr(1, tag.size() - 2);
+  for (const std::string& other :
+       {std::string(), std::string("\""), std::string("\"*\""), std::string("W/\"a\", \"b\""), bare, "\"" + bare,
+        "\"x" + bare + "\"", "\"a\", " + bare + "\""}) {
+    EXPECT_EQ(statusFor(other), 200U) << other;
+  }
+}
+
 TEST_F(SiteTest, AFileThatHasShrunkIsFilledUp) {
   const Site site(folder);
   const HttpAnswer answer = site.answer(get("/js/game.wasm"));

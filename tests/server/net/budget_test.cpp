@@ -1,0 +1,121 @@
+// One budget of connections, whatever they speak.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "server/net/gameServer.h"
+#include "tests/server/net/runningServer.h"
+#include "tests/server/net/webSocketClient.h"
+
+namespace kelvora::server {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Clients who take turns to be silent, to play over TCP and over WebSocket, and to ask for a page.
+class Mixture {
+ public:
+  explicit Mixture(std::uint16_t port) : port_(port) {}
+
+  void add(std::uint32_t host) {
+    auto client = std::make_unique<WebSocketClient>(port_, host);
+    switch (clients_.size() % 4) {
+      case 0:
+        client->write("\x80");
+        break;
+      case 1:
+        EXPECT_TRUE(client->open());
+        client->send("\x80");
+        break;
+      case 2:
+        client->write("GET / HTTP/1.1\r\n");
+        break;
+      default:
+        break;
+    }
+    clients_.push_back(std::move(client));
+  }
+  WebSocketClient& operator[](std::size_t i) { return *clients_[i]; }
+  std::size_t size() const { return clients_.size(); }
+  /// The indices of those whose connection has ended.
+  std::vector<std::size_t> gone() {
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; i < clients_.size(); ++i) {
+      if (clients_[i]->hasEnded()) found.push_back(i);
+    }
+    return found;
+  }
+
+ private:
+  std::uint16_t port_;
+  std::vector<std::unique_ptr<WebSocketClient>> clients_;
+};
+
+/// Clients who say nothing go after five seconds. A machine that takes as long to bring all of them in shows nothing
+/// about the other limits.
+class Budget : public testing::Test {
+ protected:
+  template <class Trial>
+  static void tryInTime(const Trial& trial) {
+    for (;;) {
+      const auto start = Clock::now();
+      const RunningServer server;
+      const auto verdict = trial(server);
+      if (Clock::now() - start < std::chrono::seconds(4)) return verdict();
+    }
+  }
+};
+
+std::string page(std::uint16_t port, std::uint32_t host) {
+  TcpClient client(port, host);
+  client.write("GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
+  return client.readToEnd();
+}
+
+TEST_F(Budget, NinetySixConnectionsAreInAndTheNextTakesTheOldestOnesPlace) {
+  tryInTime([](const RunningServer& server) {
+    Mixture crowd(server.port());
+    while (crowd.size() < 96) crowd.add(static_cast<std::uint32_t>(10 + crowd.size() / 16));
+    const std::string answer = page(server.port(), 200);
+    const auto gone = crowd.gone();
+    return [=] {
+      EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
+      EXPECT_EQ(gone, std::vector<std::size_t>{0});
+    };
+  });
+}
+
+TEST_F(Budget, NinetyFiveLeaveRoomForOne) {
+  tryInTime([](const RunningServer& server) {
+    Mixture crowd(server.port());
+    while (crowd.size() < 95) crowd.add(static_cast<std::uint32_t>(10 + crowd.size() / 16));
+    const std::string answer = page(server.port(), 200);
+    const auto gone = crowd.gone();
+    return [=] {
+      EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
+      EXPECT_EQ(gone, std::vector<std::size_t>{});
+    };
+  });
+}
+
+TEST_F(Budget, OfOneAddressSixteenAreInWhateverTheySpeak) {
+  tryInTime([](const RunningServer& server) {
+    Mixture crowd(server.port());
+    while (crowd.size() < 16) crowd.add(10);
+    const std::string refused = page(server.port(), 10);
+    const std::string other = page(server.port(), 11);
+    const auto gone = crowd.gone();
+    return [=] {
+      EXPECT_EQ(refused, "");
+      EXPECT_TRUE(other.starts_with("HTTP/1.1 200 OK"));
+      EXPECT_EQ(gone, std::vector<std::size_t>{});
+    };
+  });
+}
+
+}  // namespace
+}  // namespace kelvora::server
