@@ -66,26 +66,24 @@ class OnTheRealServer(Company):
 
     def setUp(self):
         self.server = self.start_server()
+        self.ann, self.bob = self.two_clients()
+        self.ann.connect(self.server.port, name="Ann", circle=0)
+        self.bob.connect(self.server.port, name="Bob", circle=3)
+        # The spy comes last: the server drops those who are silent for long.
         self.spy = harness.Line(socket.create_connection(("127.0.0.1", self.server.port)))
         self.addCleanup(self.spy.close)
         self.spy.send(LOGIN, "Spy", "", 5, harness.VERSION)
         self.assertEqual(self.spy.recv_frame()[0], LOGIN_ACCEPTED)
-        self.ann, self.bob = self.two_clients()
         self.players = {}
-        self.ann.connect(self.server.port, name="Ann", circle=0)
-        self.await_player("Ann")
-        self.bob.connect(self.server.port, name="Bob", circle=3)
-        self.await_player("Bob")
+        while self.players.keys() != {"Ann", "Bob"}:
+            node, _, name, x, y, *_ = self.await_frame(lambda identifier, fields: identifier == PLAYER_JOINED)
+            self.players[name.decode()] = (node, (float(x), float(y)))
 
     def await_frame(self, wanted):
         while True:
             identifier, fields = self.spy.recv_frame()
             if wanted(identifier, fields):
                 return fields
-
-    def await_player(self, name):
-        fields = self.await_frame(lambda identifier, fields: identifier == PLAYER_JOINED and fields[2] == name.encode())
-        self.players[name] = (fields[0], (float(fields[3]), float(fields[4])))
 
     def test_each_sees_the_other_at_the_reported_position(self):
         self.expect_radar_dot(self.ann, self.players["Bob"][1], is_cyan, "Bob's dot on Ann's radar")
@@ -195,11 +193,11 @@ class OnAScriptedServer(Company):
         return count(self.ann, picture, (left - 2, top - 2, 5, 5), is_tail) > 0
 
     def test_a_capture_plays_out_on_both(self):
-        for line in self.lines:
+        for line, client, name in zip(self.lines, (self.ann, self.bob), ("Ann", "Bob")):
             line.send(TAIL_CAPTURE, 4, 1, 1, 1)
-        for client, name in ((self.ann, "Ann"), (self.bob, "Bob")):
-            self.expect_line(client, SERVER, f"the words on {name}'s console")
+            # First what fades.
             self.expect_on_screen(client, CENTRE_MESSAGE, is_green, f"the message amid {name}'s canvas", least=20)
+            self.expect_line(client, SERVER, f"the words on {name}'s console")
             # The winner's strip, row 3, has a red mark in its first cell.
             strip = ((11580 + 660) // 15, (60 + 600 + 3 * 540) // 15, 11, 11)
             self.expect_on_screen(client, strip, is_red, f"the mark in {name}'s list")

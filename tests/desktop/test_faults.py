@@ -34,13 +34,16 @@ def has_left(spy, node):
 
 class ClientFaults(DesktopTest):
 
-    def in_game(self, client, server, spy):
-        """Logs the client in to the real server and returns its node."""
+    def in_game(self, client, server):
+        """Logs the client in to the real server, and then a spy: the server drops those who are silent for long. Returns
+        the client's node and the spy."""
         client.connect(server.port)
+        spy = spy_on(server)
+        self.addCleanup(spy.close)
         while True:
             identifier, fields = spy.recv_frame()
             if identifier == PLAYER_JOINED and fields[2] == b"Ann":
-                return fields[0]
+                return fields[0], spy
 
     def settings(self, client):
         return (pathlib.Path(client.config) / "kelvora" / "kelvora.ini").read_text()
@@ -56,11 +59,9 @@ class ClientFaults(DesktopTest):
         display = harness.Display()
         self.addCleanup(display.close)
         server = self.start_server()
-        spy = spy_on(server)
-        self.addCleanup(spy.close)
         client = harness.Client(display)
         self.addCleanup(client.close)
-        node = self.in_game(client, server, spy)
+        node, spy = self.in_game(client, server)
         before = self.settings(client)
         display.xvfb.kill()
         self.assertEqual(client.process.wait(harness.PATIENCE), 1)
@@ -77,9 +78,8 @@ class ClientFaults(DesktopTest):
         server = self.start_server()
         for sent in (signal.SIGHUP, signal.SIGTERM):
             with self.subTest(signal=sent.name):
-                spy = spy_on(server)
                 client = self.start_client()
-                node = self.in_game(client, server, spy)
+                node, spy = self.in_game(client, server)
                 client.process.send_signal(sent)
                 self.assertEqual(client.process.wait(harness.PATIENCE), -sent)
                 self.assertTrue(has_left(spy, node))

@@ -145,6 +145,8 @@ class HostileTest(DesktopTest):
         if line:
             line.close()
         server = self.start_server()
+        client.connect(server.port, name="After")
+        # The watcher comes last: the server drops those who are silent for long.
         watcher = harness.Line(socket.create_connection(("127.0.0.1", server.port), harness.PATIENCE))
         self.addCleanup(watcher.close)
         watcher.send(LOGIN, "Watcher", "", 1, harness.VERSION)
@@ -156,7 +158,6 @@ class HostileTest(DesktopTest):
                 if received[0] == wanted:
                     return received[1]
         next_of(LOGIN_ACCEPTED)
-        client.connect(server.port, name="After")
         joined = next_of(PLAYER_JOINED)
         while joined[2] != b"After":
             joined = next_of(PLAYER_JOINED)

@@ -150,7 +150,8 @@ class Display:
         self.folder = tempfile.mkdtemp(prefix="kelvora-display-")
         reader, writer = os.pipe()
         self.xvfb = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writer), "-screen", "0", f"{size}x24", "-nolisten", "tcp", "-noreset"],
+            # Keys don't repeat (-r): on a busy machine a key is often released late.
+            ["Xvfb", "-displayfd", str(writer), "-screen", "0", f"{size}x24", "-nolisten", "tcp", "-noreset", "-r"],
             pass_fds=[writer], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(writer)
         with os.fdopen(reader) as stream:
