@@ -86,7 +86,7 @@ void SoundMixer::silenceEffect(int channel, bool silent) {
 
 void SoundMixer::startEffect(int channel) {
   await();
-  post([channel](MixerDevice& device) { device.startEffect(channel); }, Clock::now() + patience);
+  post([channel](MixerDevice& device) { device.startEffect(channel); }, Clock::now() + patience_);
 }
 
 void SoundMixer::stopEffect(int channel) {

@@ -22,13 +22,15 @@ class MixerDevice;
 /// doesn't delay the first windows. Game code never runs on this thread.
 class SoundMixer {
  public:
-  /// Effects that couldn't be started within this time are dropped, because a late sound would confuse.
-  static constexpr std::chrono::milliseconds patience{500};
+  /// The patience of the game.
+  static constexpr std::chrono::milliseconds usualPatience{500};
   /// How long the device stays closed after the first file, unless an effect is played.
   static constexpr std::chrono::milliseconds calm{400};
 
-  /// `module` is the path of the mixer's module. Without it, or without a sound device, everything is silent.
-  explicit SoundMixer(std::string module = soundModulePath()) : module_(std::move(module)) {}
+  /// `module` is the path of the mixer's module. Without it, or without a sound device, everything is silent. Effects
+  /// that couldn't be started within `patience` are dropped, because a late sound would confuse.
+  explicit SoundMixer(std::string module = soundModulePath(), std::chrono::milliseconds patience = usualPatience)
+      : module_(std::move(module)), patience_(patience) {}
   ~SoundMixer();
   SoundMixer(const SoundMixer&) = delete;
   SoundMixer& operator=(const SoundMixer&) = delete;
@@ -61,6 +63,7 @@ class SoundMixer {
   bool noteMusic(int track, PlayState state);
 
   const std::string module_;
+  const std::chrono::milliseconds patience_;
   std::vector<bool> channels_;  ///< true if in use
   mutable std::mutex mutex_;    ///< guards everything below; never held during calls of the device
   std::condition_variable arrived_;

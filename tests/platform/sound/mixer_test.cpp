@@ -40,13 +40,15 @@ bool isSilentOfLate(const Samples& samples) {
 
 class Mixer : public ::testing::Test {
  protected:
+  /// The effects of most tests are never late, however busy the machine is.
+  explicit Mixer(std::chrono::milliseconds patience = std::chrono::minutes(10)) : mixer(soundModulePath(), patience) {}
+
   std::string wave(const std::string& name, const Samples& samples) {
     const auto file = folder.path() / name;
     writeWave(file, samples);
     return file.string();
   }
 
-  /// Effects do not wait long for a device; these tests do, however busy the machine is.
   void awaitDevice() {
     mixer.startMusic((folder.path() / "nowhere.mp3").string());
     ASSERT_TRUE(waitFor([this] { return mixer.musicState() == psStopped; }));
@@ -221,7 +223,7 @@ TEST_F(Mixer, MakesNoDeviceBeforeTheFirstFile) {
 /// A device whose opening hangs until somebody reads from it, and which breaks when nobody does any more.
 class HangingDevice : public Mixer {
  protected:
-  HangingDevice() {
+  HangingDevice() : Mixer(SoundMixer::usualPatience) {
     std::signal(SIGPIPE, SIG_IGN);  // from here on: the mixer may write until it is gone
     EXPECT_EQ(mkfifo(pipe_.c_str(), 0600), 0);
   }
@@ -252,7 +254,7 @@ TEST_F(HangingDevice, HoldsNobodyUpAndLateEffectsAreLeftOut) {
   mixer.startEffect(effect);
   mixer.startMusic((folder.path() / "nowhere.mp3").string());
   EXPECT_EQ(mixer.musicState(), psTransitioning);
-  std::this_thread::sleep_for(2 * SoundMixer::patience);
+  std::this_thread::sleep_for(2 * SoundMixer::usualPatience);
   EXPECT_EQ(mixer.musicState(), psTransitioning);
   beginReading();
   bool heard = false;

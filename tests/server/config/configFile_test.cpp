@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -28,10 +31,23 @@ std::string faultOf(std::span<const char* const> arguments) {
   return parseOptions(arguments, options).reason();
 }
 
-/// A file that holds the text, in the test's own folder.
+/// A folder of its own, which is gone afterwards: other runs of the tests, and other users, have theirs.
+class Folder {
+ public:
+  Folder() { EXPECT_NE(::mkdtemp(path_.data()), nullptr); }
+  ~Folder() { std::filesystem::remove_all(path_); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_ = testing::TempDir() + "kelvora-config-XXXXXX";
+};
+
+/// A file that holds the text.
 std::string fileWith(const std::string& text) {
-  const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-  const std::string name = testing::TempDir() + "kelvora-" + test->name() + ".conf";
+  static const Folder folder;
+  const std::string name = folder.path() + "/server.conf";
   std::ofstream(name, std::ios::binary) << text;
   return name;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <chrono>
@@ -74,6 +75,14 @@ inline std::string login(const std::string& name) { return frameOf(wire::msgLogi
 /// A server with two players on it, while a test attacks it.
 class UnderAttack : public testing::Test {
  protected:
+  /// The attackers are in the same process, which may open no more than 1024 files on many machines.
+  static void SetUpTestSuite() {
+    rlimit files{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &files), 0);
+    files.rlim_cur = std::min<rlim_t>(files.rlim_max, 4'096);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &files), 0);
+  }
+
   RunningServer server;
   const std::uint16_t port = server.port();
   Game game{port};
