@@ -7,11 +7,6 @@ namespace kelvora {
 
 namespace fs = std::filesystem;
 
-fs::path programFolder() {
-  std::error_code ignored;
-  return fs::read_symlink("/proc/self/exe", ignored).parent_path();
-}
-
 std::string dataFolder() {
   if (const char* chosen = std::getenv("KELVORA_DATA"); chosen && *chosen) return chosen;
   std::error_code ignored;

@@ -7,28 +7,11 @@
 
 #include "platform/backend.h"
 #include "platform/desktop/dataFolder.h"
+#include "platform/desktop/helpText.h"
 #include "platform/desktop/soundModule.h"
 #include "platform/qt/qtSettings.h"
 
 namespace kelvora {
-
-namespace {
-
-constexpr const char* helpText =
-    "Usage: kelvora [nosound] [nomusic]\n"
-    "The client of an arena game for up to six players.\n"
-    "\n"
-    "  nosound    no sound effects\n"
-    "  nomusic    no music\n"
-    "  --version  print the version and the data folders\n"
-    "  --help     print this help\n"
-    "\n"
-    "Environment:\n"
-    "  KELVORA_FRAME_MS  milliseconds per frame; 10 is the design pace (as fast as possible)\n"
-    "  KELVORA_DATA      folder that holds assets and sounds (found automatically)\n"
-    "  KELVORA_WEB_HOST  host, or host:port, that serves the list of games and updates\n";
-
-}  // namespace
 
 bool handleInfoOptions(int argc, char** argv) {
   if (argc != 2) return false;

@@ -1,4 +1,4 @@
-#include "platform/qt/qtBackend.h"
+#include "platform/desktop/runDesktop.h"
 
 #include <QApplication>
 #include <clocale>
@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "platform/desktop/handlerCall.h"
 #include "platform/desktop/processFaults.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/gameLooks.h"
-#include "platform/qt/handlerCall.h"
 #include "platform/qt/programArguments.h"
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtFonts.h"

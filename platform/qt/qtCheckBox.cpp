@@ -1,8 +1,8 @@
 #include <QCheckBox>
 #include <QMouseEvent>
 
+#include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/handlerCall.h"
 #include "platform/qt/inputEvents.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"

@@ -10,11 +10,12 @@
 
 #include "platform/desktop/boxText.h"
 #include "platform/desktop/dataFolder.h"
+#include "platform/desktop/handlerCall.h"
 #include "platform/desktop/mixedAudio.h"
 #include "platform/form.h"
 #include "platform/pictures/pictureFile.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/handlerCall.h"
+#include "platform/qt/qtFaultBox.h"
 #include "platform/qt/qtForm.h"
 #include "platform/qt/qtSocket.h"
 #include "platform/qt/widgetPeer.h"
@@ -31,6 +32,7 @@ constexpr int styleCacheLimit = 1024;
 
 QtDesktop::QtDesktop(std::string commandLine)
     : commandLine_(std::move(commandLine)), settings_(QtSettings::defaultPath()) {
+  setFaultBox(showFaultBox);
   sinceStart_.start();
   QPixmapCache::setCacheLimit(styleCacheLimit);
   if (const auto frame = frameFromText(qgetenv("KELVORA_FRAME_MS").toStdString())) pacer_.emplace(*frame);

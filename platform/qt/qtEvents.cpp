@@ -2,8 +2,8 @@
 #include <QEventLoop>
 #include <thread>
 
+#include "platform/desktop/handlerCall.h"
 #include "platform/form.h"
-#include "platform/qt/handlerCall.h"
 #include "platform/qt/qtDesktop.h"
 
 namespace kelvora {

@@ -9,9 +9,9 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/gameLooks.h"
-#include "platform/qt/handlerCall.h"
 #include "platform/qt/qtMenu.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"

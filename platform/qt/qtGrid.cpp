@@ -5,9 +5,9 @@
 #include <QTableView>
 #include <QTimer>
 
+#include "platform/desktop/handlerCall.h"
 #include "platform/grid.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/handlerCall.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"
 #include "raster/twips.h"

@@ -6,9 +6,9 @@
 #include <QPointer>
 #include <memory>
 
+#include "platform/desktop/handlerCall.h"
 #include "platform/menuItem.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/handlerCall.h"
 
 namespace kelvora {
 

@@ -1,7 +1,7 @@
 #include <QSignalBlocker>
 #include <QSlider>
 
-#include "platform/qt/handlerCall.h"
+#include "platform/desktop/handlerCall.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
 

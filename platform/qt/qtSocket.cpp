@@ -5,8 +5,8 @@
 #include <QNetworkProxy>
 #include <functional>
 
+#include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/handlerCall.h"
 
 namespace kelvora {
 

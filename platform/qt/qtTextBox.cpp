@@ -2,8 +2,9 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+#include "platform/desktop/handlerCall.h"
+#include "platform/desktop/lineText.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/handlerCall.h"
 #include "platform/qt/inputEvents.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"
@@ -15,20 +16,8 @@ namespace {
 
 constexpr int maxCommandLength = 60;  // characters of a command shown in the box
 
-/// Keeps only what a line can hold: characters of code page 1252 except control characters. Line breaks and tabs become
-/// blanks, but are dropped at the ends.
-QString cleaned(const QString& text) {
-  std::string line;
-  bool isBroken = false;
-  for (const char byte : toBytes(text)) {
-    isBroken = isBroken || byte == '\n' || byte == '\t';
-    if (static_cast<unsigned char>(byte) < 32) continue;
-    if (isBroken && !line.empty()) line += ' ';
-    isBroken = false;
-    line += byte;
-  }
-  return toQString(line);
-}
+/// A line of code page 1252.
+QString cleaned(const QString& text) { return toQString(cleanLine(toBytes(text))); }
 
 class LineEdit : public QLineEdit {
  public:

@@ -1,6 +1,6 @@
 #include <QTimer>
 
-#include "platform/qt/handlerCall.h"
+#include "platform/desktop/handlerCall.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
 

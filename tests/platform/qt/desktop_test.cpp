@@ -13,7 +13,7 @@
 #include "base/fault.h"
 #include "generated/sourceFolder.h"
 #include "platform/backend.h"
-#include "platform/qt/handlerCall.h"
+#include "platform/desktop/handlerCall.h"
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtGlyphs.h"
 #include "tests/platform/qt/desktopTest.h"

@@ -8,8 +8,8 @@
 
 #include "base/fault.h"
 #include "platform/backend.h"
+#include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
-#include "platform/qt/handlerCall.h"
 #include "platform/qt/qtSettings.h"
 #include "tests/platform/qt/formProbe.h"
 

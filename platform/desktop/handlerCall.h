@@ -28,7 +28,12 @@ void noteForReport(std::string what);
 [[noreturn]] void reportFault(const char* what);
 bool isFaultReported();
 
-/// Runs game code inside the toolkit's dispatch, which exceptions must not cross. A fault ends the program.
+/// Shows an error and what the user can do about it, until the box is closed.
+using FaultBox = void(const std::string& error, const std::string& advice);
+/// Sets the backend's error box.
+void setFaultBox(FaultBox* box);
+
+/// Runs game code inside the backend's dispatch, which exceptions must not cross. A fault ends the program.
 template <class Statement>
 void runHandler(Statement&& statement) {
   if (isFaultReported()) return;

@@ -1,0 +1,65 @@
+#include "platform/desktop/polledTimers.h"
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "platform/desktop/handlerCall.h"
+#include "platform/widgets.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr Tick never = std::numeric_limits<Tick>::max();
+
+class TimerPeer;
+std::vector<TimerPeer*> timers;
+
+class TimerPeer : public Peer {
+ public:
+  explicit TimerPeer(IntervalTimer& timer) : timer_(timer) {
+    timers.push_back(this);
+    follow();
+  }
+  ~TimerPeer() override { std::erase(timers, this); }
+
+  void changed(PropertyId) override { follow(); }
+  Tick due() const { return due_; }
+
+  void tick(Tick now) {
+    due_ = now + timer_.Interval;
+    raiseEvent(timer_, timer_.Timer);
+    if (!timer_.mayRest || !timer_.mayRest()) return;
+    timer_.isResting = true;
+    due_ = never;
+  }
+
+ private:
+  void follow() {
+    timer_.isResting = false;
+    due_ = timer_.Enabled && timer_.Interval > 0 ? GetTickCount() + timer_.Interval : never;
+  }
+
+  IntervalTimer& timer_;
+  Tick due_ = never;
+};
+
+}  // namespace
+
+std::unique_ptr<Peer> makePolledTimer(IntervalTimer& timer) { return std::make_unique<TimerPeer>(timer); }
+
+void serveTimers(Tick now) {
+  // By index, because a handler may create or destroy timers. Forms outlive their handlers.
+  for (std::size_t i = 0; i < timers.size(); ++i) {
+    if (timers[i]->due() <= now) timers[i]->tick(now);
+  }
+}
+
+Tick nextTimer() {
+  Tick next = never;
+  for (const TimerPeer* timer : timers) next = std::min(next, timer->due());
+  return next;
+}
+
+}  // namespace kelvora
