@@ -22,6 +22,7 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"platform/sound", {}},
     {"platform/desktop", {"base", "platform", "platform/sound"}},
     {"platform/qt", {"base", "platform", "platform/desktop", "platform/pictures", "raster"}},
+    {"platform/win32", {"base", "platform", "platform/desktop", "platform/pictures", "platform/sound", "raster"}},
     {"core", {"audio", "base", "frontend", "particles", "platform", "protocol", "raster", "rendering", "simulation"}},
     {"simulation",
      {"audio", "base", "core", "frontend", "network", "particles", "platform", "protocol", "raster", "store"}},
@@ -39,7 +40,7 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"server/lists", {"base", "server/web"}},
     {"server/config", {"base", "protocol", "server/arena", "server/bots", "server/lists"}},
     {"server/net", {"base", "protocol", "server/arena", "server/bots", "server/config", "server/lists", "server/web"}},
-    {"app", {"core", "platform/qt"}},
+    {"app", {"core", "platform/desktop"}},
 };
 const std::set<std::string> outsideTheRooms = {"tests", "bench", "tools", "assets", "docs", "cmake", "packaging"};
 
@@ -137,6 +138,20 @@ TEST(Includes, OnlyPlatformQtIncludesQt) {
     if (mayUseToolkit) continue;
     EXPECT_TRUE(includes(file, R"re([<"]((?:Q[A-Z]|Qt|SDL)[^>"\n]*)[>"])re").empty()) << file.path;
   }
+}
+
+TEST(Includes, OnlyPlatformWin32IncludesTheSystemsHeadersOfWindows) {
+  int checked = 0;
+  for (const auto& file : sources()) {
+    const auto found = includes(
+        file, R"re([<"]((?:windows|windowsx|winsock2|ws2tcpip|commctrl|mmsystem|shellapi|dwmapi|uxtheme)\.h)[>"])re");
+    if (tree::startsWith(file.path, "platform/win32/") || tree::startsWith(file.path, "tests/platform/win32/")) {
+      checked += static_cast<int>(found.size());
+    } else {
+      EXPECT_TRUE(found.empty()) << file.path;
+    }
+  }
+  EXPECT_GT(checked, 0);
 }
 
 TEST(Includes, OfHeadersFormNoCircle) {

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/form.h"
+#include "platform/win32/controlPeer.h"
+#include "platform/win32/looks.h"
+
+namespace kelvora {
+
+class ControlPeer;
+
+/// A form's window. It paints all controls that have no windows of their own, and finds the one under the mouse.
+class FormPeer : public Peer, public InputTarget {
+ public:
+  explicit FormPeer(Form& form);
+  ~FormPeer() override;
+
+  void changed(PropertyId id) override;
+  void takeFocus() override;
+  void take(const Input& input) override;
+
+  HWND window() const { return window_; }
+  const Form& form() const { return form_; }
+  /// Device pixels for each of the game's.
+  double scale() const { return scale_; }
+  const Looks& looks() const { return looks_; }
+  bool isShown() const { return form_.Visible; }
+
+  void repaint(const Box& box) const;
+  void repaintAll() const;
+  /// Paints part of the form at once.
+  void presentNow(const Box& box) const;
+  /// Tells a control and all on it to follow their places.
+  void followControls(const Control& control) const;
+
+  /// Gives the keyboard to a control.
+  void focus(const ControlPeer& peer);
+  /// Moves the keyboard to the next control in the tab order.
+  void focusNext(bool backwards);
+  /// Clicks the form's default (Enter) or cancel (Esc) button. False if it has none.
+  bool answerKey(bool isEnter);
+
+ private:
+  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second);
+  LRESULT handle(UINT message, WPARAM first, LPARAM second);
+  /// Messages about the controls' own windows and the menu. False for any other.
+  bool handleChild(UINT message, WPARAM first, LPARAM second, LRESULT& result);
+  bool handleMouse(UINT message, WPARAM first, LPARAM second);
+  void handleKey(UINT message, WPARAM first) const;
+  bool hidePointer() const;
+
+  void paintWindow();
+  void paintControls(const Painter& painter, const Control& container) const;
+  /// The topmost visible control at a point in the game's pixels, or null.
+  ControlPeer* at(const Control& container, int x, int y) const;
+  std::vector<ControlPeer*> tabOrder() const;
+
+  void showWindow();
+  void hideWindow();
+  void placeWindow();
+  void resizeClient(int width, int height);
+  void rescale(double scale);
+  RECT workArea() const;
+  int clientWidth() const;
+  int clientHeight() const;
+  static void enableOnlyTheModal();
+
+  Form& form_;
+  Looks looks_;
+  HWND window_ = nullptr;
+  double scale_ = 1;
+  HBITMAP buffer_ = nullptr;  ///< what the window shows, to paint without flicker
+  SIZE bufferSize_{};
+  int keyTarget_ = 0;  ///< id of the control with the keyboard
+  int captured_ = 0;   ///< id of the control that was pressed
+  bool isShownBefore_ = false;
+  bool isPlacedByGame_ = false;
+};
+
+/// Creates the menu bar, if the form has menus.
+void realizeMenu(Form& form, FormPeer& peer);
+/// Paints what the system leaves light beside and below the bar's entries.
+void paintMenuBar(const FormPeer& form);
+void measureMenuItem(const FormPeer& form, MEASUREITEMSTRUCT& item);
+void drawMenuItem(const FormPeer& form, const DRAWITEMSTRUCT& item);
+
+/// The window that owns message boxes: the active one of the game.
+HWND activeForm();
+
+}  // namespace kelvora

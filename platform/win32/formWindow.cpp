@@ -1,0 +1,226 @@
+#include <windowsx.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/pictureBox.h"
+#include "platform/win32/formPeer.h"
+#include "platform/win32/messagePump.h"
+#include "platform/win32/nativePeer.h"
+#include "platform/win32/wideText.h"
+
+namespace kelvora {
+
+namespace {
+
+NativePeer* nativePeer(HWND window) {
+  return dynamic_cast<NativePeer*>(InputTarget::find(static_cast<int>(GetWindowLongPtrW(window, GWLP_ID))));
+}
+
+/// The button of a mouse message, as a bit.
+int buttonOf(UINT message) {
+  switch (message) {
+    case WM_LBUTTONDOWN:
+    case WM_LBUTTONUP:
+    case WM_LBUTTONDBLCLK:
+      return 1;
+    case WM_RBUTTONDOWN:
+    case WM_RBUTTONUP:
+    case WM_RBUTTONDBLCLK:
+      return 2;
+    default:
+      return 4;
+  }
+}
+
+}  // namespace
+
+LRESULT CALLBACK FormPeer::procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
+  if (message == WM_NCCREATE) {
+    auto* peer = static_cast<FormPeer*>(reinterpret_cast<CREATESTRUCTW*>(second)->lpCreateParams);
+    peer->window_ = window;
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(peer));
+  }
+  auto* peer = reinterpret_cast<FormPeer*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  return peer == nullptr ? DefWindowProcW(window, message, first, second) : peer->handle(message, first, second);
+}
+
+LRESULT FormPeer::handle(UINT message, WPARAM first, LPARAM second) {
+  LRESULT result = 0;
+  if (handleChild(message, first, second, result)) return result;
+  if (handleMouse(message, first, second)) return 0;
+  switch (message) {
+    case WM_PAINT:
+      paintWindow();
+      return 0;
+    case WM_NCPAINT:
+    case WM_NCACTIVATE:
+      result = DefWindowProcW(window_, message, first, second);
+      paintMenuBar(*this);
+      return result;
+    case WM_ERASEBKGND:
+      return 1;
+    case WM_SIZE:
+      if (first != SIZE_MINIMIZED) post({InputKind::Resized});
+      repaintAll();
+      return 0;
+    case WM_MOVE:
+      post({InputKind::Moved});
+      return 0;
+    case WM_CLOSE:
+      post({InputKind::Closed});
+      return 0;
+    case WM_ACTIVATE:
+      if (LOWORD(first) == WA_INACTIVE) break;
+      post({InputKind::Activated});
+      break;
+    case WM_SETFOCUS:
+      if (auto* peer = dynamic_cast<ControlPeer*>(InputTarget::find(keyTarget_)); peer && peer->window() != window_) {
+        SetFocus(peer->window());
+      }
+      return 0;
+    case WM_SETCURSOR:
+      if (LOWORD(second) != HTCLIENT || !hidePointer()) break;
+      SetCursor(nullptr);
+      return TRUE;
+    case WM_KEYDOWN:
+    case WM_SYSKEYDOWN:
+    case WM_CHAR:
+      handleKey(message, first);
+      if (message == WM_SYSKEYDOWN) break;
+      return 0;
+    case WM_ENTERMENULOOP:
+    case WM_ENTERSIZEMOVE:
+      systemLoopBegins();
+      return 0;
+    case WM_EXITMENULOOP:
+    case WM_EXITSIZEMOVE:
+      systemLoopEnds();
+      return 0;
+    case WM_DPICHANGED: {
+      constexpr double dotsToTheInch = 96;
+      const RECT& place = *reinterpret_cast<const RECT*>(second);
+      rescale(LOWORD(first) / dotsToTheInch);
+      SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+      return 0;
+    }
+    default:
+      break;
+  }
+  return DefWindowProcW(window_, message, first, second);
+}
+
+bool FormPeer::handleChild(UINT message, WPARAM first, LPARAM second, LRESULT& result) {
+  switch (message) {
+    case WM_COMMAND: {
+      if (second == 0) {
+        if (const InputTarget* item = InputTarget::find(LOWORD(first))) item->post({InputKind::Click});
+        return true;
+      }
+      NativePeer* peer = nativePeer(reinterpret_cast<HWND>(second));
+      if (peer != nullptr) peer->command(HIWORD(first));
+      return peer != nullptr;
+    }
+    case WM_NOTIFY: {
+      const auto& header = *reinterpret_cast<const NMHDR*>(second);
+      NativePeer* peer = nativePeer(header.hwndFrom);
+      if (peer != nullptr) result = peer->notify(header);
+      return peer != nullptr;
+    }
+    case WM_HSCROLL: {
+      NativePeer* peer = nativePeer(reinterpret_cast<HWND>(second));
+      if (peer != nullptr) peer->scrolled(LOWORD(first));
+      return peer != nullptr;
+    }
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORSTATIC: {
+      NativePeer* peer = nativePeer(reinterpret_cast<HWND>(second));
+      if (peer == nullptr) return false;
+      result = reinterpret_cast<LRESULT>(peer->colours(reinterpret_cast<HDC>(first)));
+      return true;
+    }
+    case WM_MEASUREITEM: {
+      auto& item = *reinterpret_cast<MEASUREITEMSTRUCT*>(second);
+      if (item.CtlType != ODT_MENU) return false;
+      measureMenuItem(*this, item);
+      result = TRUE;
+      return true;
+    }
+    case WM_DRAWITEM: {
+      const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(second);
+      if (item.CtlType == ODT_MENU) {
+        drawMenuItem(*this, item);
+      } else if (NativePeer* peer = nativePeer(item.hwndItem)) {
+        peer->draw(item);
+      }
+      result = TRUE;
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+bool FormPeer::handleMouse(UINT message, WPARAM first, LPARAM second) {
+  if (message < WM_MOUSEFIRST || message > WM_MBUTTONDBLCLK) return false;
+  const int x = static_cast<int>(std::floor(GET_X_LPARAM(second) / scale_));
+  const int y = static_cast<int>(std::floor(GET_Y_LPARAM(second) / scale_));
+  auto* peer = dynamic_cast<ControlPeer*>(InputTarget::find(captured_));
+  if (peer == nullptr) peer = at(form_, x, y);
+  if (peer == nullptr) return true;
+  const Box place = peer->box();
+  Input input{InputKind::MouseMove, buttonOf(message), shiftBits(),
+              x - place.left,       y - place.top,     place.contains(x, y) ? 1 : 0};
+  switch (message) {
+    case WM_MOUSEMOVE:
+      if (input.inside == 0 && !peer->takesMovesOutside()) return true;
+      input.first = buttonBits(first);
+      break;
+    case WM_LBUTTONUP:
+    case WM_RBUTTONUP:
+    case WM_MBUTTONUP:
+      input.kind = InputKind::MouseUp;
+      if (buttonBits(first) == 0) {
+        captured_ = 0;
+        ReleaseCapture();
+      }
+      break;
+    default:
+      input.kind = message == WM_LBUTTONDBLCLK || message == WM_RBUTTONDBLCLK || message == WM_MBUTTONDBLCLK
+                       ? InputKind::DoubleClick
+                       : InputKind::MouseDown;
+      captured_ = peer->id();
+      SetCapture(window_);
+      if (peer->takesKeys()) focus(*peer);
+  }
+  peer->post(input);
+  return true;
+}
+
+void FormPeer::handleKey(UINT message, WPARAM first) const {
+  const InputTarget* target = InputTarget::find(keyTarget_);
+  if (message == WM_CHAR) {
+    if (target == nullptr) return;
+    for (const char byte : fromWide(std::wstring(1, static_cast<wchar_t>(first)))) {
+      target->post({InputKind::KeyPress, static_cast<unsigned char>(byte)});
+    }
+    return;
+  }
+  const int code = static_cast<int>(first);
+  if (target != nullptr) return target->post({InputKind::KeyDown, code, shiftBits()});
+  if (code == VK_RETURN || code == VK_ESCAPE) post({InputKind::KeyDown, code});
+}
+
+bool FormPeer::hidePointer() const {
+  constexpr int invisible = 99;
+  POINT point{};
+  GetCursorPos(&point);
+  ScreenToClient(window_, &point);
+  const ControlPeer* peer =
+      at(form_, static_cast<int>(std::floor(point.x / scale_)), static_cast<int>(std::floor(point.y / scale_)));
+  const auto* box = peer == nullptr ? nullptr : dynamic_cast<const PictureBox*>(&peer->control());
+  return box != nullptr && box->MousePointer == invisible;
+}
+
+}  // namespace kelvora

@@ -1,0 +1,203 @@
+#include <algorithm>
+#include <string>
+
+#include "platform/grid.h"
+#include "platform/win32/formPeer.h"
+#include "platform/win32/gdiFonts.h"
+#include "platform/win32/nativePeer.h"
+#include "platform/win32/wideText.h"
+#include "raster/twips.h"
+// After the above.
+#include <uxtheme.h>
+
+namespace kelvora {
+
+namespace {
+
+/// Control characters would break a cell into several lines.
+std::wstring cellText(const std::string& text) {
+  std::wstring line = toWide(text);
+  std::ranges::replace_if(
+      line, [](wchar_t letter) { return letter < L' '; }, L' ');
+  return line;
+}
+
+int formatOf(int alignment) {
+  constexpr int automatic = 9;
+  constexpr int across[] = {LVCFMT_LEFT, LVCFMT_CENTER, LVCFMT_RIGHT};
+  return alignment == automatic ? LVCFMT_LEFT : across[alignment / 3];
+}
+
+/// A list view, whose headings are the grid's fixed row.
+class GridPeer : public NativePeer {
+ public:
+  GridPeer(Grid& grid, FormPeer& form)
+      : NativePeer(grid, form, WC_LISTVIEWW, LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
+                   FontSpec{}),
+        grid_(grid) {
+    const Looks& looks = form.looks();
+    constexpr DWORD extras = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
+    ListView_SetExtendedListViewStyle(window(), extras);
+    ListView_SetBkColor(window(), toColorRef(looks.field));
+    ListView_SetTextBkColor(window(), toColorRef(looks.field));
+    ListView_SetTextColor(window(), toColorRef(looks.text));
+    SetWindowTheme(window(), L"DarkMode_Explorer", nullptr);
+    reload();
+  }
+
+  void changed(PropertyId id) override {
+    if (id == PropertyId::Cells) {
+      // Once for all changes until the next turn of the event loop.
+      if (!isReloadQueued_) post({InputKind::Changed});
+      isReloadQueued_ = true;
+    } else if (id == PropertyId::CurrentCell) {
+      if (!isReloadQueued_) choose(grid_.Row);
+    } else {
+      NativePeer::changed(id);
+    }
+  }
+
+  void follow() override {
+    NativePeer::follow();
+    for (int column = 0; column < columns_; ++column) ListView_SetColumnWidth(window(), column, widthOf(column));
+  }
+
+  LRESULT notify(const NMHDR& header) override {
+    switch (header.code) {
+      case static_cast<UINT>(LVN_ITEMCHANGED): {
+        const auto& item = reinterpret_cast<const NMLISTVIEW&>(header);
+        const bool isChosen = (item.uNewState & LVIS_SELECTED) != 0 && (item.uOldState & LVIS_SELECTED) == 0;
+        if (isChosen && !isShowing_) post({InputKind::Edited, item.iItem + fixedRows_});
+        return 0;
+      }
+      case static_cast<UINT>(NM_DBLCLK):
+        post({InputKind::DoubleClick, 1});
+        return 0;
+      default:
+        return 0;
+    }
+  }
+
+  void take(const Input& input) override {
+    switch (input.kind) {
+      case InputKind::Changed:
+        return reload();
+      case InputKind::Edited:
+        if (!isReloadQueued_) grid_.adoptCell(input.first, grid_.Col);
+        return;
+      default:
+        return NativePeer::take(input);
+    }
+  }
+
+ protected:
+  /// The headings report to the list view.
+  bool handle(UINT message, WPARAM, LPARAM second, LRESULT& result) override {
+    if (message != WM_NOTIFY) return false;
+    const auto& header = *reinterpret_cast<const NMHDR*>(second);
+    if (header.code == static_cast<UINT>(HDN_ITEMDBLCLICKW)) post({InputKind::DoubleClick, 1});
+    if (header.code != static_cast<UINT>(NM_CUSTOMDRAW)) return false;
+    result = drawHeading(reinterpret_cast<const NMCUSTOMDRAW&>(header));
+    return true;
+  }
+
+ private:
+  LRESULT drawHeading(const NMCUSTOMDRAW& drawing) const {
+    const Looks& looks = form().looks();
+    const Painter painter(drawing.hdc, 1);
+    RECT place = drawing.rc;
+    if (drawing.dwDrawStage == CDDS_PREPAINT) GetClientRect(drawing.hdr.hwndFrom, &place);
+    const Box box{static_cast<int>(place.left), static_cast<int>(place.top), static_cast<int>(place.right - place.left),
+                  static_cast<int>(place.bottom - place.top)};
+    painter.fill(box, looks.raised);
+    if (drawing.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    const int column = static_cast<int>(drawing.dwItemSpec);
+    if (column >= columns_ || column >= grid_.Cols || grid_.Rows == 0) return CDRF_SKIPDEFAULT;
+    constexpr int margin = 5;
+    painter.fill({box.left + box.width - 1, box.top, 1, box.height}, looks.line);
+    // In device pixels, and so at the form's scale.
+    const HGDIOBJ before = SelectObject(drawing.hdc, gdiFont(FontSpec{}, form().scale()));
+    SetBkMode(drawing.hdc, TRANSPARENT);
+    SetTextColor(drawing.hdc, toColorRef(looks.text));
+    InflateRect(&place, -margin, 0);
+    const std::wstring title = cellText(grid_.TextMatrix(0, column));
+    DrawTextW(drawing.hdc, title.c_str(), static_cast<int>(title.size()), &place,
+              DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+    SelectObject(drawing.hdc, before);
+    return CDRF_SKIPDEFAULT;
+  }
+
+  int widthOf(int column) const { return static_cast<int>(toPixels(grid_.ColWidth(column)) * form().scale()); }
+
+  /// Hides cells without any text: a list that hasn't arrived yet is an empty field.
+  bool isBlank() const {
+    for (int row = 0; row < grid_.Rows; ++row) {
+      for (int column = 0; column < grid_.Cols; ++column) {
+        if (!grid_.TextMatrix(row, column).empty()) return false;
+      }
+    }
+    return true;
+  }
+
+  void reload() {
+    isReloadQueued_ = false;
+    isShowing_ = true;
+    const bool blank = isBlank();
+    SendMessageW(window(), WM_SETREDRAW, FALSE, 0);
+    ListView_DeleteAllItems(window());
+    while (ListView_DeleteColumn(window(), 0) != FALSE) {
+    }
+    columns_ = blank ? 0 : grid_.Cols;
+    fixedRows_ = blank ? 0 : grid_.FixedRows;
+    for (int column = 0; column < columns_; ++column) addColumn(column);
+    for (int row = fixedRows_; !blank && row < grid_.Rows; ++row) addRow(row);
+    SendMessageW(window(), WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(window(), nullptr, TRUE);
+    isShowing_ = false;
+  }
+
+  void addColumn(int column) {
+    std::wstring title = fixedRows_ > 0 ? cellText(grid_.TextMatrix(0, column)) : std::wstring();
+    LVCOLUMNW entry{};
+    entry.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT;
+    entry.fmt = formatOf(grid_.ColAlignment(column));
+    entry.cx = widthOf(column);
+    entry.pszText = title.data();
+    SendMessageW(window(), LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&entry));
+  }
+
+  void addRow(int row) {
+    for (int column = 0; column < columns_; ++column) {
+      std::wstring text = cellText(grid_.TextMatrix(row, column));
+      LVITEMW cell{};
+      cell.mask = LVIF_TEXT;
+      cell.iItem = row - fixedRows_;
+      cell.iSubItem = column;
+      cell.pszText = text.data();
+      const UINT message = column == 0 ? LVM_INSERTITEMW : LVM_SETITEMW;
+      SendMessageW(window(), message, 0, reinterpret_cast<LPARAM>(&cell));
+    }
+  }
+
+  void choose(int row) {
+    isShowing_ = true;
+    const int item = row - fixedRows_;
+    if (item >= 0) {
+      ListView_SetItemState(window(), item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+      ListView_EnsureVisible(window(), item, FALSE);
+    }
+    isShowing_ = false;
+  }
+
+  Grid& grid_;
+  int columns_ = 0;
+  int fixedRows_ = 0;
+  bool isReloadQueued_ = false;
+  bool isShowing_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<ControlPeer> makePeer(Grid& grid, FormPeer& form) { return std::make_unique<GridPeer>(grid, form); }
+
+}  // namespace kelvora

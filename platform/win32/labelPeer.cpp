@@ -1,0 +1,114 @@
+#include <algorithm>
+
+#include "platform/win32/controlPeer.h"
+#include "platform/win32/formPeer.h"
+#include "platform/win32/gdiFonts.h"
+#include "platform/win32/wideText.h"
+#include "raster/surface.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr Colour borderGrey = RGB(160, 160, 164);
+
+class LabelPeer : public ControlPeer {
+ public:
+  LabelPeer(Label& label, FormPeer& form) : ControlPeer(label, form), label_(label) { followCaption(); }
+
+  void changed(PropertyId id) override {
+    if (id == PropertyId::Caption && !note(caption_, label_.Caption.get())) return;
+    if (id == PropertyId::BackColor && !note(back_, label_.BackColor.get())) return;
+    if (id == PropertyId::Caption || id == PropertyId::FontSize) followCaption();
+    ControlPeer::changed(id);
+  }
+
+  void paint(const Painter& painter, const Box& place) override {
+    const LabelDesign& design = label_.design;
+    const Looks& looks = form().looks();
+    if (!design.transparent) painter.fill(place, design.systemColours ? looks.ground : label_.BackColor.get());
+    Box inside = place;
+    if (label_.BorderStyle != 0) {
+      painter.border(place, design.systemColours ? looks.line : borderGrey);
+      inside = {place.left + 1, place.top + 1, place.width - 2, place.height - 2};
+    }
+    const std::wstring text = toWide(label_.Caption.get());
+    if (text.empty()) return;
+    FontSpec font = design.font;
+    font.size = label_.FontSize;
+    const Layout layout = fit(font, text, inside, painter.scale());
+    // Centres a single line, with any odd pixel above it. Headings and paragraphs start at the top.
+    const bool isSingle = inside.height < 2 * layout.lineHeight;
+    if (isSingle) inside.top += (inside.height - layout.lineHeight + 1) / 2;
+    painter.text(inside, text, font, design.systemColours ? looks.text : label_.ForeColor.get(),
+                 alignment() | (layout.wraps ? DT_WORDBREAK : 0U));
+  }
+
+ private:
+  struct Layout {
+    int lineHeight;
+    bool wraps;
+  };
+
+  /// Makes the font smaller, to three quarters at most, until the text fits. Wraps it where there is room for two
+  /// lines.
+  static Layout fit(FontSpec& font, const std::wstring& text, const Box& room, double scale) {
+    constexpr float pixelInPoints = 0.75F;
+    const float smallest = font.size * 0.75F;
+    const FontSpec designed = font;
+    for (;;) {
+      const FontMeasure measure(gdiFont(font, scale));
+      const int lineHeight = static_cast<int>(measure.lineHeight() / scale);
+      const bool severalLines = room.height >= 2 * lineHeight;
+      RECT lines = deviceRect({0, 0, room.width, room.height}, scale);
+      const LONG width = lines.right;
+      const LONG height = lines.bottom;
+      DrawTextW(measure.dc(), text.c_str(), static_cast<int>(text.size()), &lines,
+                DT_CALCRECT | DT_NOPREFIX | DT_EXPANDTABS | (severalLines ? DT_WORDBREAK : 0U));
+      const bool fits = lines.right <= width && (lines.bottom <= height || !severalLines);
+      const bool wraps = severalLines && lines.bottom >= 2 * measure.lineHeight();
+      if (fits) return {lineHeight, wraps};
+      if (font.size - pixelInPoints < smallest) {
+        font = designed;
+        return {lineHeight, severalLines};
+      }
+      font.size -= pixelInPoints;
+    }
+  }
+
+  UINT alignment() const {
+    switch (label_.design.alignment) {
+      case Alignment::Right:
+        return DT_RIGHT;
+      case Alignment::Centre:
+        return DT_CENTER;
+      default:
+        return DT_LEFT;
+    }
+  }
+
+  void followCaption() {
+    if (!label_.design.autoSize) return;
+    FontSpec font = label_.design.font;
+    font.size = label_.FontSize;
+    label_.Width.adopt(Surface::textWidth(font, label_.Caption.get()));
+  }
+
+  /// The game sets the same values again and again, once a second or once a frame. True if the value is new.
+  template <class T>
+  static bool note(T& shown, const T& value) {
+    if (shown == value) return false;
+    shown = value;
+    return true;
+  }
+
+  Label& label_;
+  std::string caption_ = label_.Caption.get();
+  Colour back_ = label_.BackColor.get();
+};
+
+}  // namespace
+
+std::unique_ptr<ControlPeer> makePeer(Label& label, FormPeer& form) { return std::make_unique<LabelPeer>(label, form); }
+
+}  // namespace kelvora

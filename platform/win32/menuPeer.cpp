@@ -1,0 +1,170 @@
+#include <cmath>
+
+#include "platform/desktop/handlerCall.h"
+#include "platform/menuItem.h"
+#include "platform/win32/formPeer.h"
+#include "platform/win32/gdiFonts.h"
+#include "platform/win32/wideText.h"
+
+namespace kelvora {
+
+namespace {
+
+constexpr int markWidth = 20;  ///< pixels left of an entry, for its check mark
+constexpr int arrowWidth = 16;
+constexpr int rowMargin = 6;
+constexpr const wchar_t* separator = L"-";
+
+class MenuPeer : public Peer, public InputTarget {
+ public:
+  MenuPeer(MenuItem& item, FormPeer& form, HMENU menu, HMENU submenu)
+      : item_(item), form_(form), menu_(menu), submenu_(submenu) {
+    MENUITEMINFOW info = state();
+    info.fMask |= MIIM_ID | MIIM_FTYPE | MIIM_DATA | (submenu == nullptr ? 0U : MIIM_SUBMENU);
+    info.fType = MFT_OWNERDRAW | (caption() == separator ? MFT_SEPARATOR : 0U);
+    info.wID = static_cast<UINT>(id());
+    info.hSubMenu = submenu;
+    info.dwItemData = static_cast<ULONG_PTR>(id());
+    InsertMenuItemW(menu, static_cast<UINT>(GetMenuItemCount(menu)), TRUE, &info);
+  }
+
+  void changed(PropertyId) override {
+    const MENUITEMINFOW info = state();
+    SetMenuItemInfoW(menu_, static_cast<UINT>(id()), FALSE, &info);
+    if (isInBar()) DrawMenuBar(form_.window());
+  }
+
+  void take(const Input& input) override {
+    if (input.kind == InputKind::Click) raiseEvent(item_, item_.Click);
+  }
+
+  std::wstring caption() const { return toWide(item_.Caption.get()); }
+  bool isChecked() const { return item_.Checked; }
+  bool isEnabled() const { return item_.Enabled; }
+  bool isInBar() const { return dynamic_cast<Form*>(item_.container()) != nullptr; }
+  bool hasSubmenu() const { return submenu_ != nullptr; }
+
+ private:
+  MENUITEMINFOW state() const {
+    MENUITEMINFOW info{};
+    info.cbSize = sizeof info;
+    info.fMask = MIIM_STATE;
+    info.fState = (item_.Checked ? MFS_CHECKED : 0U) | (item_.Enabled ? 0U : MFS_DISABLED);
+    return info;
+  }
+
+  MenuItem& item_;
+  FormPeer& form_;
+  HMENU menu_;
+  HMENU submenu_;
+};
+
+MenuPeer* menuPeer(ULONG_PTR data) { return dynamic_cast<MenuPeer*>(InputTarget::find(static_cast<int>(data))); }
+
+bool addItems(Control& container, FormPeer& form, HMENU menu) {
+  bool isAny = false;
+  for (Control* child : container.children()) {
+    auto* item = dynamic_cast<MenuItem*>(child);
+    if (item == nullptr) continue;
+    isAny = true;
+    const HMENU submenu = item->children().empty() ? nullptr : CreatePopupMenu();
+    item->peer = std::make_unique<MenuPeer>(*item, form, menu, submenu);
+    addItems(*item, form, submenu);
+  }
+  return isAny;
+}
+
+Colour groundOf(const FormPeer& form) {
+  return form.form().design.systemColours ? form.looks().ground : form.looks().menu;
+}
+
+}  // namespace
+
+void realizeMenu(Form& form, FormPeer& peer) {
+  const HMENU bar = CreateMenu();
+  if (!addItems(form, peer, bar)) {
+    DestroyMenu(bar);
+    return;
+  }
+  // Lives as long as the menu, which the window destroys.
+  const HBRUSH ground = CreateSolidBrush(toColorRef(groundOf(peer)));
+  MENUINFO info{};
+  info.cbSize = sizeof info;
+  info.fMask = MIM_BACKGROUND | MIM_APPLYTOSUBMENUS;
+  info.hbrBack = ground;
+  SetMenuInfo(bar, &info);
+  SetMenu(peer.window(), bar);
+}
+
+void paintMenuBar(const FormPeer& form) {
+  const HWND window = form.window();
+  const HMENU menu = GetMenu(window);
+  MENUBARINFO bar{};
+  bar.cbSize = sizeof bar;
+  if (menu == nullptr || GetMenuBarInfo(window, OBJID_MENU, 0, &bar) == 0) return;
+  MENUBARINFO last = bar;
+  if (GetMenuBarInfo(window, OBJID_MENU, GetMenuItemCount(menu), &last) == 0) return;
+  RECT outer{};
+  GetWindowRect(window, &outer);
+  RECT rest{last.rcBar.right, bar.rcBar.top, bar.rcBar.right, bar.rcBar.bottom};
+  RECT below{bar.rcBar.left, bar.rcBar.bottom, bar.rcBar.right, bar.rcBar.bottom + 1};
+  const HDC dc = GetWindowDC(window);
+  SetDCBrushColor(dc, toColorRef(groundOf(form)));
+  for (RECT* part : {&rest, &below}) {
+    OffsetRect(part, -outer.left, -outer.top);
+    FillRect(dc, part, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+  }
+  ReleaseDC(window, dc);
+}
+
+void measureMenuItem(const FormPeer& form, MEASUREITEMSTRUCT& item) {
+  const MenuPeer* peer = menuPeer(item.itemData);
+  if (peer == nullptr) return;
+  const double scale = form.scale();
+  const std::wstring text = peer->caption();
+  if (text == separator) {
+    item.itemHeight = static_cast<UINT>(std::lround(rowMargin * scale));
+    return;
+  }
+  const FontMeasure measure(gdiFont(FontSpec{}, scale));
+  const int beside = peer->isInBar() ? 0 : markWidth + arrowWidth;
+  item.itemWidth = static_cast<UINT>(measure.width(text.data(), text.size()) + std::lround(beside * scale));
+  item.itemHeight = static_cast<UINT>(measure.lineHeight() + std::lround(rowMargin * scale));
+}
+
+void drawMenuItem(const FormPeer& form, const DRAWITEMSTRUCT& item) {
+  const MenuPeer* peer = menuPeer(item.itemData);
+  if (peer == nullptr) return;
+  const Looks& looks = form.looks();
+  const Painter painter(item.hDC, form.scale());
+  const bool isChosen = (item.itemState & (ODS_SELECTED | ODS_HOTLIGHT)) != 0 && peer->isEnabled();
+  const auto inPixels = [&](LONG value) {
+    return static_cast<int>(std::lround(static_cast<double>(value) / form.scale()));
+  };
+  const Box place{inPixels(item.rcItem.left), inPixels(item.rcItem.top), inPixels(item.rcItem.right - item.rcItem.left),
+                  inPixels(item.rcItem.bottom - item.rcItem.top)};
+  SetDCBrushColor(item.hDC, toColorRef(isChosen ? looks.chosen : groundOf(form)));
+  FillRect(item.hDC, &item.rcItem, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+  const std::wstring text = peer->caption();
+  if (text == separator) {
+    painter.fill({place.left, place.top + place.height / 2, place.width, 1}, looks.line);
+  } else {
+    constexpr UINT middle = DT_VCENTER | DT_SINGLELINE;
+    constexpr wchar_t checkMark[] = L"\u2713";
+    constexpr wchar_t arrow[] = L"\u203A";
+    const Colour ink = peer->isEnabled() ? looks.text : looks.quiet;
+    const int left = peer->isInBar() ? 0 : markWidth;
+    const Box room{place.left + left, place.top, place.width - left, place.height};
+    painter.text(room, text, FontSpec{}, ink, middle | (peer->isInBar() ? DT_CENTER : DT_LEFT));
+    if (peer->isChecked())
+      painter.text({place.left, place.top, markWidth, place.height}, checkMark, FontSpec{}, ink, middle | DT_CENTER);
+    if (peer->hasSubmenu() && !peer->isInBar()) {
+      painter.text({place.left + place.width - arrowWidth, place.top, arrowWidth, place.height}, arrow, FontSpec{}, ink,
+                   middle | DT_CENTER);
+    }
+  }
+  // The system would draw its own arrow, dark on dark.
+  ExcludeClipRect(item.hDC, item.rcItem.left, item.rcItem.top, item.rcItem.right, item.rcItem.bottom);
+}
+
+}  // namespace kelvora

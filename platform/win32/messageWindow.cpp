@@ -1,0 +1,52 @@
+#include "platform/win32/messageWindow.h"
+
+#include <algorithm>
+
+#include "platform/win32/gdiFonts.h"
+#include "platform/win32/wideText.h"
+#include "raster/twips.h"
+
+namespace kelvora {
+
+namespace {
+
+// Twips.
+constexpr float margin = 240;
+constexpr float buttonWidth = 1125;
+constexpr float buttonHeight = 375;
+
+}  // namespace
+
+MessageWindow::Size MessageWindow::measure(const std::string& text) {
+  constexpr LONG widest = 480;  // pixels
+  constexpr LONG narrowest = 160;
+  const FontMeasure measure(gdiFont(FontSpec{}, 1));
+  const std::wstring wide = toWide(text);
+  RECT place{0, 0, widest, 0};
+  DrawTextW(measure.dc(), wide.c_str(), static_cast<int>(wide.size()), &place,
+            DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX | DT_EXPANDTABS);
+  const LONG slack = 8;  // for other scales, whose letters aren't exact multiples
+  return {static_cast<float>(std::clamp(place.right + slack, narrowest, widest + slack) * twipsPerPixel),
+          static_cast<float>((std::max(place.bottom, 2L * measure.lineHeight()) + slack) * twipsPerPixel)};
+}
+
+MessageWindow::MessageWindow(const std::string& text) : MessageWindow(text, measure(text)) {}
+
+MessageWindow::MessageWindow(const std::string& text, Size size)
+    : Form("Kelvora", {.clientWidth = size.width + 2 * margin,
+                       .clientHeight = size.height + buttonHeight + 3 * margin,
+                       .border = Border::Fixed,
+                       .systemColours = true}),
+      text_(this, {margin, margin, size.width, size.height}, text, {.systemColours = true}),
+      close_(this, {margin + (size.width - buttonWidth) / 2, size.height + 2 * margin, buttonWidth, buttonHeight}, "OK",
+             Button::Role::Default) {
+  close_.TabIndex = 0;
+  close_.Click = [this] { Hide(); };
+  close_.KeyDown = [this](int KeyCode, int) {
+    constexpr int escape = 27;
+    if (KeyCode == escape) Hide();
+  };
+  unload = [this] { Hide(); };
+}
+
+}  // namespace kelvora

@@ -1,0 +1,95 @@
+#include "platform/win32/nativePeer.h"
+
+#include "platform/desktop/handlerCall.h"
+#include "platform/win32/formPeer.h"
+#include "platform/win32/gdiFonts.h"
+#include "platform/win32/wideText.h"
+
+namespace kelvora {
+
+NativePeer::NativePeer(Control& control, FormPeer& form, const wchar_t* kind, DWORD style, const FontSpec& font)
+    : ControlPeer(control, form),
+      window_(CreateWindowExW(0, kind, L"", style | WS_CHILD | WS_CLIPSIBLINGS, 0, 0, 0, 0, form.window(),
+                              reinterpret_cast<HMENU>(static_cast<INT_PTR>(id())), GetModuleHandleW(nullptr), nullptr)),
+      font_(font) {
+  SetWindowSubclass(window_, &NativePeer::procedure, 0, reinterpret_cast<DWORD_PTR>(this));
+}
+
+NativePeer::~NativePeer() {
+  RemoveWindowSubclass(window_, &NativePeer::procedure, 0);
+  DestroyWindow(window_);
+}
+
+void NativePeer::follow() {
+  const RECT place = deviceRect(windowBox(box()), form().scale());
+  SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(gdiFont(font_, form().scale())), FALSE);
+  SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+               SWP_NOZORDER | SWP_NOACTIVATE | (isShown() ? SWP_SHOWWINDOW : SWP_HIDEWINDOW));
+}
+
+void NativePeer::takeFocus() {
+  if (form().isShown()) form().takeFocus();
+  form().focus(*this);
+}
+
+HBRUSH NativePeer::colours(HDC dc) const {
+  const Looks& looks = form().looks();
+  SetTextColor(dc, toColorRef(looks.text));
+  SetBkColor(dc, toColorRef(looks.ground));
+  SetDCBrushColor(dc, toColorRef(looks.ground));
+  return static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
+}
+
+void NativePeer::take(const Input& input) {
+  // A default or cancel button of the form takes the key, and the control doesn't get it.
+  const bool isAnswer = input.first == VK_RETURN || input.first == VK_ESCAPE;
+  if (input.kind == InputKind::KeyDown && isAnswer && takesEvents(control())) {
+    isAnswered_ = true;
+    if (form().answerKey(input.first == VK_RETURN)) return;
+    isAnswered_ = false;
+  }
+  if (input.kind == InputKind::KeyPress && isAnswer && isAnswered_) {
+    isAnswered_ = false;
+    return;
+  }
+  ControlPeer::take(input);
+}
+
+bool NativePeer::handleKey(UINT message, WPARAM first) {
+  if (message == WM_CHAR) {
+    for (const char byte : fromWide(std::wstring(1, static_cast<wchar_t>(first)))) {
+      post({InputKind::KeyPress, static_cast<unsigned char>(byte)});
+    }
+    // The system would beep.
+    return first == VK_TAB || first == VK_RETURN || first == VK_ESCAPE;
+  }
+  if (first == VK_TAB) {
+    form().focusNext((shiftBits() & 1) != 0);
+    return true;
+  }
+  post({InputKind::KeyDown, static_cast<int>(first), shiftBits()});
+  return first == VK_RETURN || first == VK_ESCAPE;
+}
+
+LRESULT CALLBACK NativePeer::procedure(HWND window, UINT message, WPARAM first, LPARAM second, UINT_PTR,
+                                       DWORD_PTR self) {
+  auto* peer = reinterpret_cast<NativePeer*>(self);
+  LRESULT result = 0;
+  if (peer->handle(message, first, second, result)) return result;
+  switch (message) {
+    case WM_GETDLGCODE:
+      return DLGC_WANTALLKEYS;
+    case WM_SETFOCUS:
+      peer->form().focus(*peer);
+      break;
+    case WM_KEYDOWN:
+    case WM_CHAR:
+      if (peer->handleKey(message, first)) return 0;
+      break;
+    default:
+      break;
+  }
+  return DefSubclassProc(window, message, first, second);
+}
+
+}  // namespace kelvora

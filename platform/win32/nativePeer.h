@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/win32/controlPeer.h"
+
+namespace kelvora {
+
+/// The peer of a control with a window of the system's.
+class NativePeer : public ControlPeer {
+ public:
+  NativePeer(Control& control, FormPeer& form, const wchar_t* kind, DWORD style, const FontSpec& font);
+  ~NativePeer() override;
+
+  void take(const Input& input) override;
+  void takeFocus() override;
+  void follow() override;
+  HWND window() const override { return window_; }
+
+  // What the window reports to its form.
+  virtual void command(int) {}
+  virtual LRESULT notify(const NMHDR&) { return 0; }
+  virtual void scrolled(int) {}
+  virtual void draw(const DRAWITEMSTRUCT&) {}
+  /// The colours of a window that the system draws.
+  virtual HBRUSH colours(HDC dc) const;
+
+ protected:
+  /// The window's place within that of the control.
+  virtual Box windowBox(const Box& place) const { return place; }
+  /// A message for the window, before the system handles it. True if the system shall not.
+  virtual bool handle(UINT, WPARAM, LPARAM, LRESULT& /*result*/) { return false; }
+
+ private:
+  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second, UINT_PTR, DWORD_PTR self);
+  bool handleKey(UINT message, WPARAM first);
+
+  HWND window_;
+  FontSpec font_;
+  bool isAnswered_ = false;  ///< the form has answered a key whose character is still to come
+};
+
+}  // namespace kelvora

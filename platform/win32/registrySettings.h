@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+namespace kelvora {
+
+/// The settings in the user's part of the registry, under Software\kelvora: a key for each section.
+class RegistrySettings {
+ public:
+  std::string read(const std::string& section, const std::string& key, const std::string& fallback) const;
+  void write(const std::string& section, const std::string& key, const std::string& value) const;
+};
+
+}  // namespace kelvora

@@ -1,0 +1,125 @@
+#include <algorithm>
+#include <string>
+
+#include "platform/desktop/lineText.h"
+#include "platform/win32/formPeer.h"
+#include "platform/win32/gdiFonts.h"
+#include "platform/win32/nativePeer.h"
+#include "platform/win32/wideText.h"
+
+namespace kelvora {
+
+namespace {
+
+class TextBoxPeer : public NativePeer {
+ public:
+  TextBoxPeer(TextBox& box, FormPeer& form)
+      : NativePeer(box, form, WC_EDITW, ES_AUTOHSCROLL, box.design.font), box_(box) {
+    const int caret = box.SelStart;
+    show(box.Text);
+    moveCaret(caret);
+    box_.SelStart.adopt(caretOf());
+  }
+
+  void changed(PropertyId id) override {
+    if (id == PropertyId::Text) {
+      if (textOf() == box_.Text.get()) return;
+      show(box_.Text);
+      moveCaret(0);
+      box_.SelStart.adopt(0);
+    } else if (id == PropertyId::SelStart) {
+      moveCaret(box_.SelStart);
+    } else {
+      NativePeer::changed(id);
+    }
+  }
+
+  void command(int code) override {
+    if (code == EN_CHANGE && !isShowing_) post({InputKind::Edited});
+  }
+
+  void take(const Input& input) override {
+    if (input.kind == InputKind::Edited) {
+      adoptEdit();
+    } else {
+      // Keys may have moved the caret without an edit.
+      box_.SelStart.adopt(caretOf());
+      NativePeer::take(input);
+    }
+  }
+
+  HBRUSH colours(HDC dc) const override {
+    SetTextColor(dc, toColorRef(fore()));
+    SetBkColor(dc, toColorRef(back()));
+    SetDCBrushColor(dc, toColorRef(back()));
+    return static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
+  }
+
+  void paint(const Painter& painter, const Box& place) override {
+    painter.fill(place, back());
+    painter.border(place, GetFocus() == window() ? form().looks().chosen : form().looks().line);
+  }
+
+ protected:
+  /// The system's window has no border and begins with its line, which stands in the middle.
+  Box windowBox(const Box& place) const override {
+    constexpr int margin = 4;
+    const int height = FontMeasure(gdiFont(box_.design.font, 1)).lineHeight();
+    const int above = std::max((place.height - height) / 2, 1);
+    return {place.left + margin, place.top + above, place.width - 2 * margin, std::min(height, place.height - 2)};
+  }
+
+  bool handle(UINT message, WPARAM, LPARAM, LRESULT&) override {
+    if (message == WM_SETFOCUS || message == WM_KILLFOCUS) repaint();
+    return false;
+  }
+
+ private:
+  Colour fore() const { return box_.design.systemColours ? form().looks().text : box_.design.fore; }
+  Colour back() const { return box_.design.systemColours ? form().looks().field : box_.design.back; }
+
+  void show(const std::string& text) {
+    isShowing_ = true;
+    SetWindowTextW(window(), toWide(text).c_str());
+    isShowing_ = false;
+  }
+
+  std::string textOf() const {
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window())), L'\0');
+    GetWindowTextW(window(), text.data(), static_cast<int>(text.size()) + 1);
+    return fromWide(text);
+  }
+
+  int caretOf() const {
+    DWORD from = 0;
+    DWORD to = 0;
+    SendMessageW(window(), EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+    return static_cast<int>(to);
+  }
+
+  void moveCaret(int position) {
+    SendMessageW(window(), EM_SETSEL, static_cast<WPARAM>(position), position);
+    SendMessageW(window(), EM_SCROLLCARET, 0, 0);
+  }
+
+  void adoptEdit() {
+    const std::string text = textOf();
+    const std::string clean = cleanLine(text);
+    if (clean != text || static_cast<int>(text.size()) != GetWindowTextLengthW(window())) {
+      const auto caret = cleanLine(text.substr(0, static_cast<std::size_t>(std::max(caretOf(), 0)))).size();
+      show(clean);
+      moveCaret(static_cast<int>(caret));
+    }
+    box_.Text.adopt(clean);
+    box_.SelStart.adopt(caretOf());
+  }
+
+  TextBox& box_;
+  bool isShowing_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<ControlPeer> makePeer(TextBox& box, FormPeer& form) { return std::make_unique<TextBoxPeer>(box, form); }
+
+}  // namespace kelvora

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kelvora {
+
+/// The system's characters for the game's bytes of code page 1252.
+std::wstring toWide(std::string_view bytes);
+/// The reverse. Drops characters that the code page lacks.
+std::string fromWide(std::wstring_view text);
+
+}  // namespace kelvora

@@ -1,0 +1,102 @@
+#include "platform/win32/win32Backend.h"
+
+#include <cstdlib>
+#include <utility>
+
+#include "base/codePage.h"
+#include "platform/desktop/boxText.h"
+#include "platform/desktop/dataFolder.h"
+#include "platform/desktop/handlerCall.h"
+#include "platform/desktop/mixedAudio.h"
+#include "platform/pictures/pictureFile.h"
+#include "platform/win32/formPeer.h"
+#include "platform/win32/messageWindow.h"
+#include "platform/win32/win32Socket.h"
+#include "raster/surface.h"
+// After the above.
+#include <mmsystem.h>
+
+namespace kelvora {
+
+Win32Backend::Win32Backend(std::string commandLine) : commandLine_(std::move(commandLine)) {
+  Surface::setGlyphSource(&glyphs_);
+  WSADATA ignored{};
+  constexpr WORD version = 0x0202;
+  WSAStartup(version, &ignored);
+  const char* frame = std::getenv("KELVORA_FRAME_MS");
+  if (const auto length = frameFromText(frame == nullptr ? "" : frame)) {
+    pacer_.emplace(*length);
+    // The system's clock of waits is 15 ms coarse unless a program asks for more.
+    timeBeginPeriod(1);
+  }
+}
+
+Tick Win32Backend::tickCount() {
+  constexpr Tick first = 1'000'000;
+  return first + std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_).count();
+}
+
+float Win32Backend::secondsSinceMidnight() {
+  SYSTEMTIME now{};
+  GetLocalTime(&now);
+  const int seconds = now.wHour * 3600 + now.wMinute * 60 + now.wSecond;
+  return static_cast<float>(seconds + now.wMilliseconds / 1000.0);
+}
+
+void Win32Backend::messageBox(const std::string& text) {
+  std::string shown;
+  for (const char16_t letter : boxText(text)) {
+    constexpr char16_t mayBreakHere = 0x200B;
+    // The system breaks lines at blanks alone.
+    if (letter == mayBreakHere) shown += ' ';
+    if (const auto byte = toCodePage(letter)) shown += *byte;
+  }
+  const HandlerScope scope;
+  MessageWindow box(shown);
+  box.Show(Form::Modality::Modal);
+}
+
+void Win32Backend::endProcess() { std::_Exit(0); }
+
+void Win32Backend::placePointer(int x, int y) {
+  const double scale = GetDpiForWindow(activeForm()) / 96.0;
+  ::SetCursorPos(static_cast<int>(x * scale), static_cast<int>(y * scale));
+}
+
+std::string Win32Backend::applicationPath() { return dataFolder(); }
+
+PicturePointer Win32Backend::loadPicture(const std::string& path) {
+  noteForReport("the picture " + path);
+  return loadPictureFile(path);
+}
+
+std::string Win32Backend::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
+  noteForReport("the setting \"" + key + "\" in section \"" + section + "\" of the registry");
+  return settings_.read(section, key, fallback);
+}
+
+void Win32Backend::writeSetting(const std::string& section, const std::string& key, const std::string& value) {
+  settings_.write(section, key, value);
+}
+
+std::unique_ptr<SocketPeer> Win32Backend::createSocket(Winsock& socket) {
+  return std::make_unique<Win32Socket>(socket);
+}
+
+std::unique_ptr<SoundPeer> Win32Backend::createSound() { return std::make_unique<MixedSound>(mixer_); }
+
+std::unique_ptr<MusicPeer> Win32Backend::createMusic() { return std::make_unique<MixedMusic>(mixer_); }
+
+void Win32Backend::realize(Form& form) {
+  auto peer = std::make_unique<FormPeer>(form);
+  FormPeer& window = *peer;
+  form.peer = std::move(peer);
+  realizeChildren(form, window);
+}
+
+std::string Win32Backend::webHost() {
+  const char* chosen = std::getenv("KELVORA_WEB_HOST");
+  return chosen == nullptr || *chosen == '\0' ? KELVORA_DEFAULT_WEB_HOST : chosen;
+}
+
+}  // namespace kelvora

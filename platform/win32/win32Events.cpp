@@ -1,0 +1,84 @@
+#include <algorithm>
+#include <limits>
+#include <thread>
+
+#include "platform/desktop/handlerCall.h"
+#include "platform/desktop/polledTimers.h"
+#include "platform/form.h"
+#include "platform/win32/eventQueue.h"
+#include "platform/win32/messagePump.h"
+#include "platform/win32/win32Backend.h"
+#include "platform/win32/win32Socket.h"
+
+namespace kelvora {
+
+namespace {
+
+/// Processes all pending events, but not for longer than this if more keep coming.
+constexpr std::chrono::milliseconds maxServiceTime(10);
+
+/// Handlers that process events nest, and a held key would overflow the stack.
+constexpr int maxServiceDepth = 40;
+
+}  // namespace
+
+void Win32Backend::servePending() {
+  const Clock::time_point end = Clock::now() + maxServiceTime;
+  pumpMessages();
+  bool isMore = true;
+  while (isMore && Clock::now() < end) {
+    isMore = serveInput();
+    isMore = serveSockets() || isMore;
+    serveTimers(tickCount());
+  }
+}
+
+void Win32Backend::wait(std::int64_t milliseconds) {
+  if (isInputQueued()) return;
+  const Tick next = nextTimer();
+  if (next != std::numeric_limits<Tick>::max()) {
+    const Tick left = std::max<Tick>(next - tickCount(), 0);
+    milliseconds = milliseconds < 0 ? left : std::min(milliseconds, left);
+  }
+  constexpr std::int64_t longest = 1'000'000;
+  waitForMessages(static_cast<int>(std::min(milliseconds, longest)));
+}
+
+void Win32Backend::doEvents(bool mayWait) {
+  const bool isOutermost = handlerDepth() == 0;
+  if (isOutermost) releaseUnloadedForms();
+  const HandlerScope scope;
+  if (mayWait) {
+    wait(-1);
+    servePending();
+  } else if (pacer_ && isOutermost) {
+    serveUntil(pacer_->passEnd(Clock::now()));
+  } else if (handlerDepth() <= maxServiceDepth) {
+    servePending();
+  }
+}
+
+void Win32Backend::serveUntil(Clock::time_point end) {
+  using std::chrono::milliseconds;
+  for (;;) {
+    servePending();
+    const auto left = end - Clock::now();
+    if (left <= left.zero()) return;
+    // The system waits in whole milliseconds.
+    if (left < milliseconds(1)) {
+      std::this_thread::sleep_until(end);
+    } else {
+      wait(std::chrono::duration_cast<milliseconds>(left).count());
+    }
+  }
+}
+
+void Win32Backend::runModal(Form& form) {
+  const HandlerScope scope;
+  while (form.Visible) {
+    wait(-1);
+    servePending();
+  }
+}
+
+}  // namespace kelvora
