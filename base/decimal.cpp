@@ -43,9 +43,12 @@ char* writeFixed(char* first, std::size_t size, double value, int decimals) {
 // locale but "C".
 namespace {
 
-char* write(char* first, std::size_t size, const char* format, double value, int decimals) {
+enum class Notation { Scientific, Fixed };
+
+char* write(char* first, std::size_t size, Notation notation, double value, int decimals) {
   std::string text(size + 1, '\0');
-  const int length = std::snprintf(text.data(), text.size(), format, decimals, value);
+  const int length =
+      std::snprintf(text.data(), text.size(), notation == Notation::Fixed ? "%.*f" : "%.*e", decimals, value);
   if (length < 0 || static_cast<std::size_t>(length) > size) return nullptr;
   return first + text.copy(first, static_cast<std::size_t>(length));
 }
@@ -60,11 +63,11 @@ std::optional<double> parseDecimal(std::string_view text) {
 }
 
 char* writeScientific(char* first, std::size_t size, double value, int decimals) {
-  return write(first, size, "%.*e", value, decimals);
+  return write(first, size, Notation::Scientific, value, decimals);
 }
 
 char* writeFixed(char* first, std::size_t size, double value, int decimals) {
-  return write(first, size, "%.*f", value, decimals);
+  return write(first, size, Notation::Fixed, value, decimals);
 }
 
 #endif

@@ -6,6 +6,7 @@
 
 #include "platform/backend.h"
 #include "platform/form.h"
+#include "platform/widgets.h"
 
 namespace kelvora {
 
@@ -14,6 +15,16 @@ int depth = 0;
 bool faultReported = false;
 std::string noted;
 FaultBox* faultBox = nullptr;
+
+Button* findButton(Control& container, Button::Role role) {
+  Button* found = nullptr;
+  for (Control* child : container.children()) {
+    auto* button = dynamic_cast<Button*>(child);
+    if (button && button->role == role && button->Visible) found = button;
+    if (Button* inside = findButton(*child, role)) found = inside;
+  }
+  return found;
+}
 }  // namespace
 
 int handlerDepth() { return depth; }
@@ -42,6 +53,13 @@ void reportFault(const char* what) {
 bool takesEvents(Control& control) {
   const auto* form = dynamic_cast<Form*>(&control.root());
   return !form || !form->isUnloaded();
+}
+
+bool answerKey(Control& form, bool enter) {
+  Button* answer = findButton(form, enter ? Button::Role::Default : Button::Role::Cancel);
+  if (!answer) return false;
+  raiseEvent(*answer, answer->Click);
+  return true;
 }
 
 }  // namespace kelvora

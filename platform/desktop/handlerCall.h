@@ -55,4 +55,7 @@ void raiseEvent(Control& control, const std::function<void(Arguments...)>& event
   runHandler([handler = event, values...] { handler(values...); });
 }
 
+/// Clicks the form's visible default button (Enter) or cancel button (Esc). False if it has none.
+bool answerKey(Control& form, bool enter);
+
 }  // namespace kelvora

@@ -116,7 +116,7 @@ void FormWindow::moveEvent(QMoveEvent*) { peer_.moved(); }
 void FormWindow::keyPressEvent(QKeyEvent* event) {
   const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
   const bool escape = event->key() == Qt::Key_Escape;
-  event->setAccepted((enter || escape) && peer_.answerKey(enter));
+  event->setAccepted((enter || escape) && answerKey(form_, enter));
 }
 
 FormPeer::FormPeer(Form& form) : form_(form), window_(std::make_unique<FormWindow>(form, *this)) {
@@ -232,18 +232,6 @@ void FormPeer::moved() {
   if (corner == QPoint(toPixels(form_.Left), toPixels(form_.Top))) return;
   form_.Left.adopt(static_cast<float>(corner.x() * twipsPerPixel));
   form_.Top.adopt(static_cast<float>(corner.y() * twipsPerPixel));
-}
-
-bool FormPeer::answerKey(bool enter) {
-  const Button::Role role = enter ? Button::Role::Default : Button::Role::Cancel;
-  Button* answer = nullptr;
-  visitControls(form_, [&answer, role](Control& control) {
-    auto* button = dynamic_cast<Button*>(&control);
-    if (button && button->role == role && button->Visible) answer = button;
-  });
-  if (!answer) return false;
-  raiseEvent(*answer, answer->Click);
-  return true;
 }
 
 }  // namespace kelvora

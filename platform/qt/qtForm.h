@@ -45,8 +45,6 @@ class FormPeer : public Peer {
   /// Called when the client area has a new size in pixels.
   void clientResized(QSize client);
   void moved();
-  /// Clicks the form's default (Enter) or cancel (Esc) button. False if it has none.
-  bool answerKey(bool enter);
 
  private:
   void showWindow();

@@ -118,16 +118,4 @@ void FormPeer::focusNext(bool backwards) {
   focus(*order[next]);
 }
 
-bool FormPeer::answerKey(bool isEnter) {
-  const Button::Role role = isEnter ? Button::Role::Default : Button::Role::Cancel;
-  Button* answer = nullptr;
-  visitControls(form_, [&answer, role](Control& control) {
-    auto* button = dynamic_cast<Button*>(&control);
-    if (button != nullptr && button->role == role && button->Visible) answer = button;
-  });
-  if (answer == nullptr) return false;
-  raiseEvent(*answer, answer->Click);
-  return true;
-}
-
 }  // namespace kelvora

@@ -232,7 +232,7 @@ void FormPeer::take(const Input& input) {
     case InputKind::Activated:
       return raiseEvent(form_, form_.Activate);
     case InputKind::KeyDown:
-      answerKey(input.first == VK_RETURN);
+      answerKey(form_, input.first == VK_RETURN);
       return;
     default:
       return;

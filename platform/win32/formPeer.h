@@ -39,8 +39,6 @@ class FormPeer : public Peer, public InputTarget {
   void focus(const ControlPeer& peer);
   /// Moves the keyboard to the next control in the tab order.
   void focusNext(bool backwards);
-  /// Clicks the form's default (Enter) or cancel (Esc) button. False if it has none.
-  bool answerKey(bool isEnter);
 
  private:
   static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second);

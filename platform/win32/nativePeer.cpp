@@ -45,7 +45,7 @@ void NativePeer::take(const Input& input) {
   const bool isAnswer = input.first == VK_RETURN || input.first == VK_ESCAPE;
   if (input.kind == InputKind::KeyDown && isAnswer && takesEvents(control())) {
     isAnswered_ = true;
-    if (form().answerKey(input.first == VK_RETURN)) return;
+    if (answerKey(control().root(), input.first == VK_RETURN)) return;
     isAnswered_ = false;
   }
   if (input.kind == InputKind::KeyPress && isAnswer && isAnswered_) {

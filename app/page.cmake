@@ -1,0 +1,44 @@
+# The site in build/web/site: page, program and what it loads.
+set(site ${CMAKE_BINARY_DIR}/site)
+set(page ${CMAKE_SOURCE_DIR}/platform/web/page)
+add_executable(kelvora webMain.cpp)
+set_target_properties(kelvora PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${site})
+target_link_libraries(kelvora PRIVATE kelvora_client kelvora_web)
+target_link_options(kelvora PRIVATE
+  -sENVIRONMENT=web -sALLOW_MEMORY_GROWTH=1 -sINITIAL_MEMORY=32MB
+  # DoEvents gives the browser its turn and comes back. Drawing never does, and stays as fast as it is.
+  -sASYNCIFY=1 -sASYNCIFY_STACK_SIZE=1048576 "-sASYNCIFY_IMPORTS=['page_wait']"
+  "-sASYNCIFY_REMOVE=['kelvora::Surface::*']"
+  "-sEXPORTED_RUNTIME_METHODS=['callMain']"
+  "SHELL:--js-library ${page}/library.js")
+set(parts text.js events.js input.js sockets.js glyphs.js settings.js sound.js windows.js menus.js grid.js controls.js start.js)
+foreach(part ${parts})
+  target_link_options(kelvora PRIVATE "SHELL:--extern-pre-js ${page}/${part}")
+endforeach()
+file(GLOB pictures CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/assets/*.png)
+list(FILTER pictures EXCLUDE REGEX "/icon-")
+foreach(picture ${pictures})
+  get_filename_component(name ${picture} NAME)
+  target_link_options(kelvora PRIVATE "SHELL:--preload-file ${picture}@/kelvora/assets/${name}")
+endforeach()
+target_link_options(kelvora PRIVATE "SHELL:--preload-file ${CMAKE_SOURCE_DIR}/kelvora.jpg@/kelvora/kelvora.jpg")
+list(TRANSFORM parts PREPEND ${page}/)
+set_target_properties(kelvora PROPERTIES LINK_DEPENDS "${parts};${page}/library.js;${pictures}")
+
+# What the browser fetches beside it.
+set(comic /usr/share/fonts/opentype/comic-neue)
+set(liberation /usr/share/fonts/truetype/liberation)
+set(fonts ${comic}/ComicNeue-Regular.otf ${comic}/ComicNeue-Bold.otf ${liberation}/LiberationSans-Regular.ttf
+  ${liberation}/LiberationSans-Bold.ttf)
+file(GLOB sounds CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/sounds/*.wav ${CMAKE_SOURCE_DIR}/sounds/*.mp3)
+set(loose ${page}/index.html ${page}/begin.js ${page}/style.css)
+set(stamp ${CMAKE_CURRENT_BINARY_DIR}/site.stamp)
+add_custom_command(OUTPUT ${stamp}
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${site}/fonts ${site}/sounds
+  COMMAND ${CMAKE_COMMAND} -E copy ${loose} ${site}
+  COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_SOURCE_DIR}/assets/icon-128.png ${site}/icon.png
+  COMMAND ${CMAKE_COMMAND} -E copy ${fonts} ${site}/fonts
+  COMMAND ${CMAKE_COMMAND} -E copy ${sounds} ${site}/sounds
+  COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+  DEPENDS ${loose} ${fonts} ${sounds})
+add_custom_target(kelvora_site ALL DEPENDS ${stamp})

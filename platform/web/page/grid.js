@@ -1,0 +1,48 @@
+// A table of texts whose rows can be chosen; a double click takes one.
+function makeGrid(control) {
+  control.table = document.createElement('table');
+  control.table.tabIndex = 0;
+  control.table.setAttribute('role', 'grid');
+  control.element.append(control.table);
+  control.table.addEventListener('pointerdown', (event) => {
+    const cell = event.target.closest('td');
+    if (cell) post('cellChosen', control.id, [Number(cell.dataset.row), Number(cell.dataset.column)]);
+  });
+  control.table.addEventListener('keydown', (event) => {
+    const steps = {ArrowUp: -1, ArrowDown: 1};
+    if (!steps[event.key]) return;
+    event.preventDefault();
+    post('cellChosen', control.id, [control.row + steps[event.key], control.column]);
+  });
+}
+
+const gridProperties = {
+  // Rows of cells, each row a line and its cells apart by tabs; the fixed rows and columns; then widths and alignments.
+  Cells: (control, value) => {
+    const {rows, fixedRows, fixedColumns, widths, alignments} = JSON.parse(value);
+    control.table.replaceChildren(...rows.map((row, y) => {
+      const line = document.createElement('tr');
+      line.append(...row.map((text, x) => {
+        const cell = document.createElement(y < fixedRows || x < fixedColumns ? 'th' : 'td');
+        cell.textContent = text;
+        cell.dataset.row = y;
+        cell.dataset.column = x;
+        cell.style.width = widths[x] + 'px';
+        cell.style.textAlign = alignments[x];
+        return cell;
+      }));
+      return line;
+    }));
+    showChosen(control);
+  },
+  Row: (control, value) => { control.row = value; showChosen(control); },
+  Col: (control, value) => { control.column = value; showChosen(control); },
+};
+
+function showChosen(control) {
+  for (const cell of control.table.querySelectorAll('td')) {
+    const isChosen = Number(cell.dataset.row) === control.row;
+    cell.setAttribute('aria-selected', isChosen);
+    if (isChosen && Number(cell.dataset.column) === control.column) cell.scrollIntoView({block: 'nearest'});
+  }
+}

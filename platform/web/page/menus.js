@@ -1,0 +1,114 @@
+// Menus: a bar of buttons, each with a list below it, whose items may have lists beside them. Arrow keys walk through.
+let openMenus = [];
+
+function createMenu(id, parentId, isSeparator) {
+  const parent = controls.get(parentId);
+  if (isSeparator) {
+    const line = document.createElement('li');
+    line.setAttribute('role', 'separator');
+    menuList(parent).append(line);
+    return;
+  }
+  const element = document.createElement('li');
+  element.setAttribute('role', 'none');
+  const button = document.createElement('button');
+  button.type = 'button';
+  button.setAttribute('role', 'menuitem');
+  element.append(button);
+  const control = {id, kind: 'Menu', element, words: button, client: element};
+  controls.set(id, control);
+  menuList(parent).append(element);
+  button.addEventListener('click', (event) => {
+    event.stopPropagation();
+    if (control.list) return toggleMenu(control);
+    closeMenus();
+    post('click', id);
+  });
+  element.addEventListener('pointerenter', (event) => {
+    if (event.pointerType !== 'mouse' || openMenus.length === 0) return;
+    closeMenus(depthOf(control));
+    if (control.list) openMenu(control);
+  });
+  element.addEventListener('keydown', (event) => walkMenu(control, event));
+}
+
+// The list that a form's menus or a menu's items stand in.
+function menuList(parent) {
+  if (parent.list) return parent.list;
+  parent.list = document.createElement('ul');
+  if (parent.kind === 'Form') {
+    parent.list.className = 'menubar';
+    parent.list.setAttribute('role', 'menubar');
+    parent.client.before(parent.list);
+  } else {
+    parent.list.setAttribute('role', 'menu');
+    parent.list.hidden = true;
+    parent.words.setAttribute('aria-haspopup', 'true');
+    parent.element.append(parent.list);
+  }
+  return parent.list;
+}
+
+function depthOf(control) {
+  let depth = 0;
+  for (let list = control.element.parentElement; list.closest('[role=menu]'); list = list.parentElement.closest('ul')) ++depth;
+  return depth;
+}
+
+function openMenu(control) {
+  closeMenus(depthOf(control));
+  openMenus.push(control);
+  control.list.hidden = false;
+  control.words.setAttribute('aria-expanded', 'true');
+}
+
+function toggleMenu(control) {
+  if (openMenus.includes(control)) return closeMenus(depthOf(control));
+  openMenu(control);
+}
+
+function closeMenus(depth = 0) {
+  for (const control of openMenus.splice(depth)) {
+    control.list.hidden = true;
+    control.words.setAttribute('aria-expanded', 'false');
+  }
+}
+
+document.addEventListener('pointerdown', (event) => { if (!event.target.closest('.menubar')) closeMenus(); }, true);
+
+function walkMenu(control, event) {
+  event.stopPropagation();
+  const inBar = depthOf(control) === 0;
+  const step = (element) => element && element.querySelector(':scope > button').focus();
+  const neighbour = (direction) => {
+    let element = control.element[direction];
+    while (element && !element.querySelector(':scope > button:not(:disabled)')) element = element[direction];
+    return element;
+  };
+  const moves = {
+    [inBar ? 'ArrowRight' : 'ArrowDown']: () => step(neighbour('nextElementSibling')),
+    [inBar ? 'ArrowLeft' : 'ArrowUp']: () => step(neighbour('previousElementSibling')),
+    [inBar ? 'ArrowDown' : 'ArrowRight']: () => {
+      if (!control.list) return;
+      openMenu(control);
+      step(control.list.querySelector('li[role=none]'));
+    },
+    Escape: () => {
+      const above = openMenus[openMenus.length - 1];
+      closeMenus(Math.max(0, openMenus.length - 1));
+      if (above) above.words.focus();
+    },
+  };
+  if (!inBar) moves.ArrowLeft = moves.Escape;
+  if (!moves[event.key]) return;
+  event.preventDefault();
+  moves[event.key]();
+}
+
+const menuProperties = {
+  Checked: (control, value) => {
+    control.words.setAttribute('role', value ? 'menuitemcheckbox' : 'menuitem');
+    value ? control.words.setAttribute('aria-checked', 'true') : control.words.removeAttribute('aria-checked');
+  },
+  Enabled: (control, value) => { control.words.disabled = !value; },
+};

@@ -1,0 +1,70 @@
+// A socket of the program is a WebSocket to the host's /play, whose binary messages are a plain stream of bytes.
+const sockets = new Map();
+const readLimit = 64 << 20;
+const writeLimit = 4 << 20;
+
+function openSocket(id, host, port) {
+  closeSocket(id);
+  const scheme = location.protocol === 'https:' ? 'wss' : 'ws';
+  const address = host.includes(':') && !host.startsWith('[') ? `[${host}]` : host;
+  let wire;
+  try {
+    wire = new WebSocket(`${scheme}://${address}:${port}/play`);
+  } catch {
+    post('socketFailed', id);
+    return;
+  }
+  wire.binaryType = 'arraybuffer';
+  const socket = {wire, isOpen: false, waiting: []};
+  sockets.set(id, socket);
+  const isCurrent = () => sockets.get(id) === socket;
+  wire.onopen = () => {
+    if (!isCurrent()) return;
+    socket.isOpen = true;
+    post('socketOpened', id);
+  };
+  wire.onmessage = (event) => {
+    if (!isCurrent() || !(event.data instanceof ArrayBuffer)) return;
+    takeBytes(id, new Uint8Array(event.data));
+  };
+  wire.onclose = () => {
+    if (!isCurrent()) return;
+    sockets.delete(id);
+    post(socket.isOpen ? 'socketClosed' : 'socketFailed', id);
+  };
+}
+
+// All that has arrived since the program looked is one event.
+function takeBytes(id, bytes) {
+  const last = pendingEvents.findLast((event) => event.id === id);
+  if (!last || last.kind !== 'socketData') return post('socketData', id, [], bytes);
+  if (last.bytes.length + bytes.length > readLimit) {
+    closeSocket(id);
+    return post('socketFailed', id);
+  }
+  last.parts = last.parts || [last.bytes];
+  last.parts.push(bytes);
+  last.length = (last.length || last.bytes.length) + bytes.length;
+}
+
+// What is told of a socket dies with its connection.
+function closeSocket(id) {
+  const socket = sockets.get(id);
+  sockets.delete(id);
+  for (let at = pendingEvents.length - 1; at >= 0; --at) {
+    const event = pendingEvents[at];
+    if (event.id === id && event.kind.startsWith('socket')) pendingEvents.splice(at, 1);
+  }
+  if (socket) socket.wire.close();
+}
+
+function sendBytes(id, bytes) {
+  const socket = sockets.get(id);
+  if (!socket || socket.wire.readyState !== WebSocket.OPEN) return;
+  if (socket.wire.bufferedAmount + bytes.length > writeLimit) {
+    closeSocket(id);
+    post('socketFailed', id);
+    return;
+  }
+  socket.wire.send(bytes);
+}

@@ -1,0 +1,79 @@
+// Effects and music. A browser lets nothing sound before the first key or click.
+let speaker = null;
+const sounds = new Map();
+const music = new Audio();
+let musicState = 10;
+let wantsMusic = false;
+
+music.preload = 'none';
+music.onended = () => { musicState = 1; };
+music.onerror = () => { if (wantsMusic) musicState = 1; };
+
+function startSpeaker() {
+  if (!speaker) speaker = new AudioContext();
+  if (speaker.state === 'suspended') speaker.resume();
+  for (const sound of sounds.values()) loadSound(sound);
+  if (wantsMusic && music.paused) startMusic();
+}
+addEventListener('pointerdown', startSpeaker, true);
+addEventListener('keydown', startSpeaker, true);
+
+function loadSound(sound) {
+  if (sound.isLoading || !sound.file || !speaker) return;
+  sound.isLoading = true;
+  fetch(sound.file)
+    .then((answer) => answer.arrayBuffer())
+    .then((bytes) => speaker.decodeAudioData(bytes))
+    .then((buffer) => { sound.buffer = buffer; })
+    .catch(() => {});
+}
+
+function soundOf(id) {
+  if (!sounds.has(id)) sounds.set(id, {isSilent: false, source: null});
+  return sounds.get(id);
+}
+
+function openSound(id, file) {
+  const sound = soundOf(id);
+  sound.file = file;
+  loadSound(sound);
+}
+
+function silenceSound(id, isSilent) {
+  soundOf(id).isSilent = isSilent;
+  if (isSilent) stopSound(id);
+}
+
+function playSound(id) {
+  const sound = soundOf(id);
+  if (!speaker || !sound.buffer || sound.isSilent) return;
+  stopSound(id);
+  sound.source = speaker.createBufferSource();
+  sound.source.buffer = sound.buffer;
+  sound.source.connect(speaker.destination);
+  sound.source.start();
+}
+
+function stopSound(id) {
+  const sound = soundOf(id);
+  if (sound.source) sound.source.stop();
+  sound.source = null;
+}
+
+function startMusic() {
+  music.play().catch(() => {});
+}
+
+function playMusic(file) {
+  musicState = 3;
+  wantsMusic = true;
+  music.src = file;
+  if (speaker) startMusic();
+}
+
+function stopMusic() {
+  musicState = 1;
+  wantsMusic = false;
+  music.pause();
+  music.removeAttribute('src');
+}

@@ -1,0 +1,16 @@
+// The program's strings are bytes of code page 1252.
+const codePage = new TextDecoder('windows-1252');
+const codePageBytes = new Map();
+for (let byte = 0; byte < 256; ++byte) codePageBytes.set(codePage.decode(Uint8Array.of(byte)), byte);
+
+// Letters without a byte are dropped, and so are control characters.
+function toBytes(text) {
+  const bytes = [];
+  for (const letter of text) {
+    const byte = codePageBytes.get(letter);
+    if (byte !== undefined && byte >= 32) bytes.push(byte);
+  }
+  return Uint8Array.from(bytes);
+}
+
+const toText = (bytes) => codePage.decode(bytes);

@@ -1,0 +1,98 @@
+#include "platform/web/webGrid.h"
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "platform/desktop/handlerCall.h"
+#include "platform/grid.h"
+#include "platform/web/webPeer.h"
+#include "raster/twips.h"
+
+namespace kelvora {
+
+namespace {
+
+std::string quoted(const std::string& text) {
+  std::string result = "\"";
+  for (const char letter : text) {
+    if (letter == '"' || letter == '\\') result += '\\';
+    result += static_cast<unsigned char>(letter) < 32 ? ' ' : letter;
+  }
+  return result + '"';
+}
+
+const char* alignmentName(int alignment) {
+  if (alignment == 9 || alignment <= 2) return "\"left\"";
+  return alignment <= 5 ? "\"center\"" : "\"right\"";
+}
+
+template <class Item>
+std::string list(int count, Item&& item) {
+  std::string text = "[";
+  for (int i = 0; i < count; ++i) text += (i > 0 ? "," : "") + std::string(item(i));
+  return text + "]";
+}
+
+class GridPeer;
+std::vector<GridPeer*> staleGrids;
+
+class GridPeer : public WebPeer {
+ public:
+  GridPeer(Grid& grid, int parent) : WebPeer(grid, parent, "Grid"), grid_(grid) { showCells(); }
+  ~GridPeer() override { std::erase(staleGrids, this); }
+
+  void changed(PropertyId id) override {
+    // A list that comes in is added row by row and shown once.
+    if (id == PropertyId::Cells) {
+      if (std::find(staleGrids.begin(), staleGrids.end(), this) == staleGrids.end()) staleGrids.push_back(this);
+      return;
+    }
+    WebPeer::changed(id);
+  }
+
+  void showCells() {
+    const int columns = grid_.Cols;
+    set("Cells", "{\"rows\":" +
+                     list(grid_.Rows,
+                          [&](int row) {
+                            return list(columns, [&](int column) { return quoted(grid_.TextMatrix(row, column)); });
+                          }) +
+                     ",\"fixedRows\":" + std::to_string(grid_.FixedRows) +
+                     ",\"fixedColumns\":" + std::to_string(grid_.FixedCols) + ",\"widths\":" +
+                     list(columns, [&](int column) { return std::to_string(toPixels(grid_.ColWidth(column))); }) +
+                     ",\"alignments\":" +
+                     list(columns, [&](int column) { return alignmentName(grid_.ColAlignment(column)); }) + "}");
+    showChosen();
+  }
+
+  void take(const PageEvent& event) override {
+    if (event.kind != PageEventKind::CellChosen) return WebPeer::take(event);
+    grid_.adoptCell(event.numbers[0], event.numbers[1]);
+    showChosen();
+  }
+
+ protected:
+  void show(PropertyId id) override {
+    if (id == PropertyId::CurrentCell) showChosen();
+  }
+
+ private:
+  void showChosen() {
+    set("Col", grid_.Col);
+    set("Row", grid_.Row);
+  }
+
+  Grid& grid_;
+};
+
+}  // namespace
+
+void makePeer(Grid& grid, int parent) { grid.peer = std::make_unique<GridPeer>(grid, parent); }
+
+void showStaleGrids() {
+  for (GridPeer* grid : staleGrids) grid->showCells();
+  staleGrids.clear();
+}
+
+}  // namespace kelvora

@@ -1,0 +1,123 @@
+#include "platform/web/webPeer.h"
+
+#include <cmath>
+
+#include "platform/desktop/handlerCall.h"
+#include "platform/grid.h"
+#include "platform/menuItem.h"
+#include "platform/pictureBox.h"
+#include "platform/web/page.h"
+#include "platform/widgets.h"
+#include "raster/twips.h"
+
+namespace kelvora {
+
+WebPeer::WebPeer(Control& control, int parent, const char* kind) : control_(control) {
+  page_create(id(), parent, kind);
+  if (parent != noParent) showPlace();
+  if (!control.Visible && parent != noParent) set("Visible", 0);
+  if (!control.ToolTipText.get().empty()) set("ToolTipText", control.ToolTipText.get());
+}
+
+WebPeer::~WebPeer() { page_remove(id()); }
+
+void WebPeer::showPlace() {
+  for (const PropertyId id : {PropertyId::Left, PropertyId::Top, PropertyId::Width, PropertyId::Height}) changed(id);
+}
+
+void WebPeer::changed(PropertyId id) {
+  switch (id) {
+    case PropertyId::Left:
+      return set("Left", toPixels(control_.Left));
+    case PropertyId::Top:
+      return set("Top", toPixels(control_.Top));
+    case PropertyId::Width:
+      set("Width", toPixels(control_.Width));
+      return show(id);
+    case PropertyId::Height:
+      set("Height", toPixels(control_.Height));
+      return show(id);
+    case PropertyId::Visible:
+      return set("Visible", control_.Visible ? 1 : 0);
+    case PropertyId::ToolTipText:
+      return set("ToolTipText", control_.ToolTipText.get());
+    default:
+      show(id);
+  }
+}
+
+void WebPeer::showTabIndex() const { set("TabIndex", control_.TabIndex >= 0 ? control_.TabIndex + 1 : -1); }
+
+void WebPeer::takeFocus() { page_focus(id()); }
+
+void WebPeer::take(const PageEvent& event) {
+  const auto [button, shift, x, y, isInside] = event.numbers;
+  const auto twipsX = static_cast<float>(x * twipsPerPixel);
+  const auto twipsY = static_cast<float>(y * twipsPerPixel);
+  constexpr int leftButton = 1;
+  switch (event.kind) {
+    case PageEventKind::MouseDown:
+      return raiseEvent(control_, control_.MouseDown, button, shift, twipsX, twipsY);
+    case PageEventKind::MouseMove:
+      return raiseEvent(control_, control_.MouseMove, button, shift, twipsX, twipsY);
+    case PageEventKind::MouseUp:
+      raiseEvent(control_, control_.MouseUp, button, shift, twipsX, twipsY);
+      if (isInside != 0 && button == leftButton) raiseEvent(control_, control_.Click);
+      return;
+    case PageEventKind::DoubleClick:
+      return raiseEvent(control_, control_.DblClick);
+    case PageEventKind::KeyDown:
+      return raiseEvent(control_, control_.KeyDown, button, shift);
+    case PageEventKind::KeyPress:
+      return raiseEvent(control_, control_.KeyPress, button);
+    default:
+      return;
+  }
+}
+
+void WebPeer::set(const char* property, double value) const { page_setNumber(id(), property, value); }
+
+void WebPeer::set(const char* property, const std::string& text) const {
+  page_setText(id(), property, text.data(), text.size());
+}
+
+void WebPeer::set(const char* property, Colour colour) const { set(property, static_cast<double>(toPixel(colour))); }
+
+std::string cssFont(const FontSpec& font, float points) {
+  const float pixels = std::round(points * 96 / 72);
+  const int size = pixels >= 1 && pixels <= 200 ? static_cast<int>(pixels) : 12;
+  std::string family;
+  for (const char letter : font.family) {
+    if (letter != '"' && letter != '\\' && static_cast<unsigned char>(letter) >= 32) family += letter;
+  }
+  return (font.bold ? "bold " : "") + std::to_string(size) + "px \"" + family + "\", \"MS Sans Serif\"";
+}
+
+namespace {
+
+template <class Kind>
+bool realizeAs(Control& control, int parent) {
+  auto* kind = dynamic_cast<Kind*>(&control);
+  if (kind == nullptr) return false;
+  makePeer(*kind, parent);
+  realizeChildren(control, dynamic_cast<PageObject&>(*control.peer).id());
+  return true;
+}
+
+}  // namespace
+
+void realizeChildren(Control& container, int parent) {
+  for (Control* child : container.children()) {
+    if (auto* timer = dynamic_cast<IntervalTimer*>(child)) {
+      makePeer(*timer);
+      continue;
+    }
+    [[maybe_unused]] const bool isShown =
+        realizeAs<Label>(*child, parent) || realizeAs<TextBox>(*child, parent) || realizeAs<Button>(*child, parent) ||
+        realizeAs<Frame>(*child, parent) || realizeAs<Image>(*child, parent) || realizeAs<Shape>(*child, parent) ||
+        realizeAs<Slider>(*child, parent) || realizeAs<PictureBox>(*child, parent) ||
+        realizeAs<CheckBox>(*child, parent) || realizeAs<Grid>(*child, parent) || realizeAs<MenuItem>(*child, parent);
+  }
+}
+
+}  // namespace kelvora

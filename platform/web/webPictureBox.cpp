@@ -1,0 +1,47 @@
+#include <memory>
+
+#include "platform/pictureBox.h"
+#include "platform/web/webPeer.h"
+#include "platform/web/webPixels.h"
+
+namespace kelvora {
+
+namespace {
+
+class PictureBoxPeer : public WebPeer {
+ public:
+  PictureBoxPeer(PictureBox& box, int parent) : WebPeer(box, parent, "PictureBox"), box_(box) {
+    if (box.KeyDown || box.KeyPress) set("TabIndex", 0);
+    show(PropertyId::MousePointer);
+    box_.fitImage();
+    present();
+  }
+
+  void present() override { pixels_.show(id(), box_.pixels(), box_.pixelWidth(), box_.pixelHeight()); }
+
+  void take(const PageEvent& event) override {
+    // Quirk Q-020: a picture hears of no movement outside its edges, not even while a button is held.
+    const bool isInside = event.numbers[4] != 0;
+    if (event.kind == PageEventKind::MouseMove && !isInside) return;
+    WebPeer::take(event);
+  }
+
+ protected:
+  void show(PropertyId id) override {
+    if (id == PropertyId::MousePointer) set("MousePointer", box_.MousePointer);
+    if (id == PropertyId::Width || id == PropertyId::Height) {
+      box_.fitImage();
+      present();
+    }
+  }
+
+ private:
+  PictureBox& box_;
+  WebPixels pixels_;
+};
+
+}  // namespace
+
+void makePeer(PictureBox& box, int parent) { box.peer = std::make_unique<PictureBoxPeer>(box, parent); }
+
+}  // namespace kelvora
