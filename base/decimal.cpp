@@ -29,6 +29,13 @@ std::optional<double> parseDecimal(std::string_view text) {
   return value;
 }
 
+std::optional<double> parseWholeDecimal(std::string_view text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
 char* writeScientific(char* first, std::size_t size, double value, int decimals) {
   return write(first, size, value, std::chars_format::scientific, decimals);
 }
@@ -60,6 +67,18 @@ std::optional<double> parseDecimal(std::string_view text) {
   const bool isZero = text.substr(0, text.find_first_of("eE")).find_first_of("123456789") == std::string_view::npos;
   if (std::isinf(value) || (value == 0 && !isZero)) return std::nullopt;
   return value;
+}
+
+std::optional<double> parseWholeDecimal(std::string_view text) {
+  // What else strtod reads: blanks, a plus sign, hexadecimal digits. The letters spell e, inf, infinity and nan.
+  const bool isSuspect = text.find_first_not_of("0123456789.+-aefintyAEFINTY") != std::string_view::npos;
+  if (text.empty() || text.front() == '+' || isSuspect) return std::nullopt;
+  const std::string copy(text);
+  char* end = nullptr;
+  const double value = std::strtod(copy.c_str(), &end);
+  if (end != copy.c_str() + copy.size()) return std::nullopt;
+  const bool hasDigits = text.find_first_of("0123456789") != std::string_view::npos;
+  return hasDigits ? parseDecimal(text) : std::optional(value);
 }
 
 char* writeScientific(char* first, std::size_t size, double value, int decimals) {

@@ -11,6 +11,9 @@ namespace kelvora {
 
 /// The double nearest to "digits[.digits][e[sign]digits]"; nothing if it overflows, or rounds to 0 without being 0.
 std::optional<double> parseDecimal(std::string_view text);
+/// The same for a text that may be anything; nothing unless all of it is one number. Minus signs, infinities and NaN
+/// are numbers, plus signs and blanks are not.
+std::optional<double> parseWholeDecimal(std::string_view text);
 
 /// Writes a number that is finite and not negative as "d.ddde+xx", without a terminator. Returns the end of the text,
 /// or null if it doesn't fit.

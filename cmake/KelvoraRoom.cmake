@@ -103,10 +103,10 @@ function(kelvora_tests name)
   if(CMAKE_CROSSCOMPILING)
     # The emulator takes longer to start than most tests to run.
     add_test(NAME ${name} COMMAND kelvora_${name}_tests)
-    set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS ${name})
     return()
   endif()
-  gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS ${name})
+  gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 900 LABELS ${name})
 endfunction()
 
 # kelvora_record_surfaces(TARGET): the program can note its drawing calls (bench/surfaceRecorder.h). The linker puts the

@@ -1,8 +1,8 @@
 #include "server/arena/lobby.h"
 
-#include <algorithm>
 #include <utility>
 
+#include "base/search.h"
 #include "base/text.h"
 #include "base/wholeNumber.h"
 #include "protocol/frames.h"
@@ -63,7 +63,7 @@ Outcome Lobby::check(ClientId client, const Request& request) const {
   if (name.size() > maxNameLength) {
     return Outcome::refused("The name is longer than " + std::to_string(maxNameLength) + " characters.");
   }
-  if (std::ranges::any_of(name, isControl)) return Outcome::refused("The name contains control characters.");
+  if (anyOf(name, isControl)) return Outcome::refused("The name contains control characters.");
   if (roster_.isFull() && (isBot(client) || !roster_.hasBots())) return Outcome::refused("The arena is full.");
   return Outcome::done();
 }
@@ -80,8 +80,7 @@ bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferr
     if (isWish || (roster_.isFull() && !visitor.wantedColour)) visitor.wantedColour = player.colour;
     if (isWish) break;
   }
-  const bool isLeaving =
-      std::ranges::any_of(roster_.leavers(), [&](const Player& leaver) { return wish == leaver.colour; });
+  const bool isLeaving = anyOf(roster_.leavers(), [&](const Player& leaver) { return wish == leaver.colour; });
   return visitor.wantedColour || !roster_.hasFreeColour() || (isLeaving && isPatient);
 }
 
@@ -115,7 +114,7 @@ PlayerColour Lobby::chooseColour(std::string_view preferred) const {
   const auto wish = wholeNumber<std::int16_t>(preferred);
   if (wish && *wish >= 0 && *wish < Roster::colourCount && roster_.isColourFree(PlayerColour{*wish}))
     return PlayerColour{*wish};
-  return *std::ranges::find_if(playerColours, [&](PlayerColour colour) { return roster_.isColourFree(colour); });
+  return *findIf(playerColours, [&](PlayerColour colour) { return roster_.isColourFree(colour); });
 }
 
 Spot Lobby::startSpot() {

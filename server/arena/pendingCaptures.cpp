@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/search.h"
+
 namespace kelvora::server {
 
 void PendingCaptures::add(std::int16_t winner, std::int16_t loser, const Spot& vertex, Millis now,
@@ -22,18 +24,17 @@ void PendingCaptures::prune(Millis now) {
 }
 
 const Spot* PendingCaptures::vertexOf(std::int16_t winner) const {
-  const auto found = std::ranges::find(captures_, winner, &Capture::winner);
-  return found == captures_.end() ? nullptr : &found->vertex;
+  const auto found = findBy(captures_, &Capture::winner, winner);
+  return found ? &found->vertex : nullptr;
 }
 
 bool PendingCaptures::isNamedByAnother(std::int16_t winner, Vector place) const {
-  return std::ranges::any_of(
-      captures_, [&](const Capture& capture) { return capture.winner != winner && capture.vertex.read == place; });
+  return anyOf(captures_,
+               [&](const Capture& capture) { return capture.winner != winner && capture.vertex.read == place; });
 }
 
 bool PendingCaptures::involves(std::int16_t node) const {
-  return std::ranges::any_of(captures_,
-                             [&](const Capture& capture) { return capture.winner == node || capture.loser == node; });
+  return anyOf(captures_, [&](const Capture& capture) { return capture.winner == node || capture.loser == node; });
 }
 
 Millis PendingCaptures::landsAt(std::int16_t loser) const {

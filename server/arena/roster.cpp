@@ -1,9 +1,9 @@
 #include "server/arena/roster.h"
 
-#include <algorithm>
 #include <limits>
 #include <utility>
 
+#include "base/search.h"
 #include "protocol/frames.h"
 #include "server/arena/plainText.h"
 
@@ -40,21 +40,21 @@ Player* Roster::find(ClientId client) {
 }
 
 Player* Roster::findNode(std::int16_t node) {
-  const auto found = std::ranges::find_if(players_, [&](const auto& entry) { return entry.second.node == node; });
-  return found == players_.end() ? nullptr : &found->second;
+  const auto found = findIf(players_, [&](const auto& entry) { return entry.second.node == node; });
+  return found ? &found->second : nullptr;
 }
 
 bool Roster::hasPeople() const {
-  return std::ranges::any_of(players_, [](const auto& entry) { return !isBot(entry.first); });
+  return anyOf(players_, [](const auto& entry) { return !isBot(entry.first); });
 }
 
 bool Roster::hasBots() const {
-  return std::ranges::any_of(players_, [](const auto& entry) { return isBot(entry.first); });
+  return anyOf(players_, [](const auto& entry) { return isBot(entry.first); });
 }
 
 bool Roster::isColourFree(PlayerColour colour) const {
-  return std::ranges::none_of(players_, [&](const auto& entry) { return entry.second.colour == colour; }) &&
-         std::ranges::find(leavers_, colour, &Player::colour) == leavers_.end();
+  return !anyOf(players_, [&](const auto& entry) { return entry.second.colour == colour; }) &&
+         !findBy(leavers_, &Player::colour, colour);
 }
 
 bool Roster::hasFreeColour() const { return players_.size() + leavers_.size() < std::size_t{colourCount}; }
@@ -64,7 +64,7 @@ std::int16_t Roster::nextNode() {
   do {
     lastNode_ = lastNode_ == std::numeric_limits<std::int16_t>::max() ? std::int16_t{1}
                                                                       : static_cast<std::int16_t>(lastNode_ + 1);
-  } while (findNode(lastNode_) != nullptr || std::ranges::find(leavers_, lastNode_, &Player::node) != leavers_.end());
+  } while (findNode(lastNode_) != nullptr || findBy(leavers_, &Player::node, lastNode_));
   return lastNode_;
 }
 

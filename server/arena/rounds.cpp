@@ -1,8 +1,8 @@
 #include "server/arena/rounds.h"
 
-#include <algorithm>
 #include <utility>
 
+#include "base/search.h"
 #include "protocol/frames.h"
 #include "server/arena/plainText.h"
 
@@ -42,7 +42,7 @@ void Rounds::explainIntermission(const Player& newcomer) const {
 void Rounds::endIfWon() {
   if (!clock_.isRunning() || captureGoal_ <= 0) return;
   const auto hasWon = [&](const auto& entry) { return entry.second.roundCaptures >= captureGoal_; };
-  if (std::ranges::any_of(roster_.players(), hasWon)) end();
+  if (anyOf(roster_.players(), hasWon)) end();
 }
 
 void Rounds::passTime(Millis now) {

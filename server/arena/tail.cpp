@@ -22,7 +22,8 @@ void Tail::extend(Millis until) {
 
 void Tail::prune(Millis now) {
   // Expiry times never decrease along the tail: later vertices don't expire earlier.
-  const auto alive = std::ranges::find_if(vertices_, [&](const Vertex& vertex) { return vertex.endsAt > now; });
+  const auto alive =
+      std::find_if(vertices_.begin(), vertices_.end(), [&](const Vertex& vertex) { return vertex.endsAt > now; });
   dropOldest(static_cast<std::size_t>(alive - vertices_.begin()));
 }
 

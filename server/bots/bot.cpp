@@ -4,6 +4,7 @@
 #include <tuple>
 #include <utility>
 
+#include "base/search.h"
 #include "protocol/frames.h"
 #include "protocol/rules.h"
 
@@ -96,16 +97,15 @@ void Bot::awaitDoom(const Sight& sight, Millis now) {
   // A client shows a capture when the named vertex of the tail expires, or at once if there is none. Until then its
   // player flies on. The winner's death changes nothing.
   for (Doom& doom : dooms_) {
-    const auto& players = sight.players();
-    const auto winner = std::ranges::find(players, doom.winner, &PlayerView::node);
-    if (winner == players.end()) continue;
-    const auto vertex =
-        std::ranges::find_if(winner->tail, [&](Point point) { return length(point - doom.vertex) < 0.01; });
+    const PlayerView* winner = findBy(sight.players(), &PlayerView::node, doom.winner);
+    if (!winner) continue;
+    const auto vertex = std::find_if(winner->tail.begin(), winner->tail.end(),
+                                     [&](Point point) { return length(point - doom.vertex) < 0.01; });
     if (vertex == winner->tail.end()) continue;
     const Millis age = winner->isRunning[extendedTailSlot] ? 0 : (winner->tail.end() - vertex - 1) * Sight::step;
     doom.landsAt = now + rules::vertexLifetime - age;
   }
-  if (!std::ranges::any_of(dooms_, [&](const Doom& doom) { return now >= doom.landsAt; })) return;
+  if (!anyOf(dooms_, [&](const Doom& doom) { return now >= doom.landsAt; })) return;
   chatter_.notice(Occasion::captured, now);
   die(now);
 }

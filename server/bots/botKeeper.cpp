@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "base/search.h"
 #include "base/text.h"
 #include "protocol/wireFormat.h"
 
@@ -70,7 +71,8 @@ void BotKeeper::makeRoom(Millis now) {
   const std::vector<PlayerColour> wanted = arena_.wantedColours();
   for (Seat& seat : seats_) {
     const PlayerView* self = seat.bot ? sight_.player(seat.client) : nullptr;
-    if (seat.isHungUp || (self && std::ranges::find(wanted, self->colour) != wanted.end())) leave(seat, now);
+    if (seat.isHungUp || (self && anyOf(wanted, [&](PlayerColour colour) { return colour == self->colour; })))
+      leave(seat, now);
   }
 }
 
@@ -79,8 +81,8 @@ void BotKeeper::fill(Millis now) {
   const std::size_t target = std::min(seats_.size(), places);
   for (auto seat = seats_.rbegin(); seat != seats_.rend() && count() > target; ++seat) leave(*seat, now);
   if (count() >= target || now < nextArrival_ || !arena_.wantedColours().empty()) return;
-  const auto free = std::ranges::find_if(seats_, [&](const Seat& seat) { return !seat.bot && now >= seat.backAt; });
-  if (free == seats_.end()) return;
+  const auto free = findIf(seats_, [&](const Seat& seat) { return !seat.bot && now >= seat.backAt; });
+  if (!free) return;
   seat(*free, now);
   nextArrival_ = now + std::uniform_int_distribution(300, 1'200)(random_);
 }
@@ -102,24 +104,23 @@ void BotKeeper::leave(Seat& seat, Millis now) {
   arena_.disconnected(seat.client);
 }
 
-BotKeeper::Seat* BotKeeper::find(ClientId client) {
-  const auto found = std::ranges::find(seats_, client, &Seat::client);
-  return found == seats_.end() ? nullptr : &*found;
-}
+BotKeeper::Seat* BotKeeper::find(ClientId client) { return findBy(seats_, &Seat::client, client); }
 
 std::size_t BotKeeper::count() const {
-  return static_cast<std::size_t>(std::ranges::count_if(seats_, [](const Seat& seat) { return seat.bot.has_value(); }));
+  return static_cast<std::size_t>(
+      std::count_if(seats_.begin(), seats_.end(), [](const Seat& seat) { return seat.bot.has_value(); }));
 }
 
 std::size_t BotKeeper::people() const {
+  const auto& players = sight_.players();
   return static_cast<std::size_t>(
-      std::ranges::count_if(sight_.players(), [](const PlayerView& player) { return !isBot(player.client); }));
+      std::count_if(players.begin(), players.end(), [](const PlayerView& player) { return !isBot(player.client); }));
 }
 
 std::string BotKeeper::freshName() const {
   const auto isTaken = [&](const char* name) {
     const auto isSame = [&](const auto& entry) { return lowerCase(entry.name) == lowerCase(name); };
-    return std::ranges::any_of(sight_.players(), isSame) || std::ranges::any_of(seats_, isSame);
+    return anyOf(sight_.players(), isSame) || anyOf(seats_, isSame);
   };
   std::vector<std::string> free;
   for (const char* name : names) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/search.h"
 #include "protocol/rules.h"
 #include "server/bots/mind.h"
 
@@ -97,7 +98,7 @@ void Mind::avoidCharges(const BotView& view) {
     }
     return false;
   };
-  const bool anything = std::ranges::any_of(view.others, [](const Seen& other) {
+  const bool anything = anyOf(view.others, [](const Seen& other) {
     return other.isAlive && (other.isTailCharged || other.isRunning[laserSlot]);
   });
   if (!anything || !isDeadly(wanted_)) return;

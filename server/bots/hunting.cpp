@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/search.h"
 #include "server/bots/mind.h"
 
 namespace kelvora::server {
@@ -21,8 +22,8 @@ Point heldInside(Point place, double margin) {
 }
 
 const Seen* find(const BotView& view, std::int16_t node) {
-  const auto found = std::ranges::find(view.others, node, &Seen::node);
-  return found == view.others.end() || !found->isAlive ? nullptr : &*found;
+  const Seen* found = findBy(view.others, &Seen::node, node);
+  return found && found->isAlive ? found : nullptr;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/search.h"
 #include "server/bots/mind.h"
 
 namespace kelvora::server {
@@ -26,8 +27,8 @@ std::optional<PowerupSlot> Mind::choosePowerup(const BotView& view) {
     return length(foreseen(other, static_cast<double>(view.delay), skill_.foreseesTurns) - view.position);
   };
   const auto isNear = [&](double reach, auto&& condition) {
-    return std::ranges::any_of(
-        view.others, [&](const Seen& other) { return other.isAlive && distance(other) < reach && condition(other); });
+    return anyOf(view.others,
+                 [&](const Seen& other) { return other.isAlive && distance(other) < reach && condition(other); });
   };
   const auto use = [&](PowerupSlot item) {
     nextPowerup_ = view.now + static_cast<Millis>(between(350, 700)) + skill_.reaction;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/search.h"
 #include "server/arena/plane.h"
 
 namespace kelvora::server {
@@ -32,14 +33,11 @@ void Sight::clear() {
 }
 
 const PlayerView* Sight::player(ClientId client) const {
-  if (pictures_.empty()) return nullptr;
-  const auto found = std::ranges::find(pictures_.front(), client, &PlayerView::client);
-  return found == pictures_.front().end() ? nullptr : &*found;
+  return pictures_.empty() ? nullptr : findBy(pictures_.front(), &PlayerView::client, client);
 }
 
 const PlayerView* Sight::findNode(std::size_t picture, std::int16_t node) const {
-  const auto found = std::ranges::find(pictures_[picture], node, &PlayerView::node);
-  return found == pictures_[picture].end() ? nullptr : &*found;
+  return findBy(pictures_[picture], &PlayerView::node, node);
 }
 
 BotView Sight::viewOf(const PlayerView& self, Millis delay, Millis now) const {

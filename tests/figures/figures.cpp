@@ -9,6 +9,7 @@
 #include "base/fault.h"
 #include "base/randomGenerator.h"
 #include "base/text.h"
+#include "base/wholeNumber.h"
 #include "platform/pictures/pictureFile.h"
 
 // Prints checksums of what has to be the same in every build: figures COUNT PICTURE... takes COUNT numbers of each kind
@@ -68,6 +69,7 @@ void printNumbers(int count) {
   Checksum doubles;
   Checksum thousands;
   Checksum reads;
+  Checksum wholes;
   Checksum halfway;
   for (int i = 0; i < count; ++i) {
     const auto single = bitCast<float>(static_cast<std::uint32_t>(draws()));
@@ -80,12 +82,15 @@ void printNumbers(int count) {
     thousands.add(orFault([&] { return formatThousands(i % 8 == 0 ? real : -amount); }));
     const std::string text = randomNumberText(draws);
     reads.add(orFault([&] { return std::to_string(bitCast<std::uint64_t>(readNumber(text))); }));
+    const auto whole = wholeNumber<double>(i % 2 == 0 ? text.substr(0, 1 + draws() % 8) : text);
+    wholes.add(whole ? bitCast<std::uint64_t>(*whole) : 0);
     if (i % 4 == 0) halfway.add(bitCast<std::uint64_t>(readNumber(halfwayText(draws))));
   }
   singles.print("numberText(float)");
   doubles.print("numberText(double)");
   thousands.print("formatThousands");
   reads.print("readNumber");
+  wholes.print("wholeNumber<double>");
   halfway.print("readNumber, half-way");
 
   RandomGenerator generator;

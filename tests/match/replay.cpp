@@ -4,6 +4,7 @@
 #include <random>
 #include <set>
 
+#include "base/search.h"
 #include "base/text.h"
 #include "tests/support/gameTest.h"
 
@@ -128,10 +129,8 @@ class Spectator : public GameTest {
   static const clsPlayer* find(Number node) {
     if (modMain::world.localPlayer.isConnected && modMain::world.localPlayer.serverNode == node)
       return &modMain::world.localPlayer;
-    const auto found = std::ranges::find_if(modMain::world.opponents, [&](const clsPlayer& opponent) {
-      return opponent.isConnected && opponent.serverNode == node;
-    });
-    return found == modMain::world.opponents.end() ? nullptr : &*found;
+    return findIf(modMain::world.opponents,
+                  [&](const clsPlayer& opponent) { return opponent.isConnected && opponent.serverNode == node; });
   }
 
   const Recording::Stream& stream_;

@@ -1,6 +1,5 @@
 #include "tools/headless/longPlay.h"
 
-#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -19,8 +18,8 @@
 #include "frontend/frmConnect.h"
 #include "protocol/frames.h"
 #include "protocol/wireFormat.h"
-#include "server/config/options.h"
 #include "store/frmPowerups.h"
+#include "tools/headless/heap.h"
 
 namespace kelvora {
 
@@ -90,9 +89,9 @@ void fillAllocatorStock() {
 }  // namespace
 
 LongPlay::LongPlay()
-    : arena_(*this, server::versionText(), password, 1,
+    : arena_(*this, appVersionText(), password, 1,
              {.intermissionMs = calmAfter + calmEvery + 2'000, .incomePerMinute = 60}),
-      keeper_(arena_, {.count = 5, .skill = server::SkillLevel::mixed}, password, server::versionText(), 2) {
+      keeper_(arena_, {.count = 5, .skill = server::SkillLevel::mixed}, password, appVersionText(), 2) {
   machine.seconds = midnight / 2;
   machine.onDoEvents = [this] { onPass(); };
   machine.onMessageBox = [this](const std::string&) { ++boxes; };
@@ -243,7 +242,7 @@ void LongPlay::visit() {
     visitor_.emplace("Visitor", server::SkillLevel::normal, visitorClient_);
     sight_.clear();
     arena_.connected(visitorClient_, now());
-    say(visitor_->login(password, redPlayer, server::versionText()));
+    say(visitor_->login(password, redPlayer, appVersionText()));
   }
   if (!visitor_) return;
   sight_.add(arena_.players(now()), now());
@@ -295,8 +294,7 @@ void LongPlay::hangUp(server::ClientId client) {
 LongPlay::Figures LongPlay::figures() {
   Figures figures;
   fillAllocatorStock();
-  const auto heap = ::mallinfo2();
-  figures.heapBytes = static_cast<std::int64_t>(heap.uordblks + heap.hblkhd);
+  figures.heapBytes = usedHeapBytes();
   figures.keptBytes =
       bytesOf(modMain::world.localPlayer) + bytesOf(modMain::world.opponents) + bytesOf(modMain::world.netParticles);
   for (const clsPlayer& opponent : modMain::world.opponents) figures.keptBytes += bytesOf(opponent);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <malloc.h>
+
+#include <cstdint>
+
+namespace kelvora {
+
+/// The bytes that the program has allocated and not freed.
+inline std::int64_t usedHeapBytes() {
+#if defined(__EMSCRIPTEN__)
+  const auto heap = ::mallinfo();
+#else
+  const auto heap = ::mallinfo2();
+#endif
+  return static_cast<std::int64_t>(heap.uordblks) + static_cast<std::int64_t>(heap.hblkhd);
+}
+
+}  // namespace kelvora
