@@ -7,16 +7,19 @@
 #include <csignal>
 #include <ctime>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <span>
 #include <string>
+#include <system_error>
 
 #include "base/millis.h"
 #include "base/outcome.h"
 #include "server/config/log.h"
 #include "server/config/options.h"
 #include "server/net/gameServer.h"
+#include "server/web/site.h"
 
 using kelvora::Millis;
 using namespace kelvora::server;
@@ -43,6 +46,12 @@ std::size_t provideDescriptors() {
     ::getrlimit(RLIMIT_NOFILE, &limit);
   }
   return limit.rlim_cur;
+}
+
+/// The folder of this program.
+std::filesystem::path programFolder() {
+  std::error_code ignored;
+  return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
 }
 
 /// The server is ending: a further signal would only turn that into a failure.
@@ -79,7 +88,9 @@ int main(int argc, char** argv) {
     if (const std::size_t most = provideDescriptors(); most < GameServer::descriptors) {
       log("only " + std::to_string(most) + " files may be open, so the server may have to turn players away");
     }
+    if (!options.site) options.site = usualSite(programFolder()).string();
     GameServer server(context, options, log);
+    if (!options.site->empty()) log("the page for browsers is in " + *options.site);
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);
     // The terminal is closed. Ignored if nohup says so.
     if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) signals.add(SIGHUP);

@@ -20,7 +20,7 @@ struct Options {
   BotWishes bots;
   std::optional<std::uint16_t> webPort;  ///< the second port; nothing for none, 0 for any free one
   std::string webAddress;                ///< empty for `address`
-  std::string site;                      ///< folder of files to serve by HTTP; empty for none
+  std::optional<std::string> site;       ///< folder of the page for browsers; empty for none, nothing for the usual one
   std::string allowOrigin = "*";         ///< pages that may open a WebSocket, separated by commas
   std::string trustedProxy;              ///< proxy whose X-Forwarded-For is trusted; empty for none
   std::string publicAddress;             ///< empty for `address`

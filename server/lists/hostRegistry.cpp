@@ -1,6 +1,10 @@
 #include "server/lists/hostRegistry.h"
 
 #include <algorithm>
+#include <functional>
+#include <vector>
+
+#include "server/lists/listTable.h"
 
 namespace kelvora::server {
 
@@ -10,7 +14,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
   const Key key{announcement.host.address, announcement.host.port};
   if (const auto found = hosts_.find(key); found != hosts_.end()) {
     if (found->second.network != network) return Answer::anothers;
-    if (found->second.announcement != announcement) retireListings();
+    if (found->second.announcement != announcement) retireTexts();
     found->second = {network, announcement, now};
     return Answer::done;
   }
@@ -19,7 +23,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
       std::ranges::count_if(hosts_, [&](const auto& entry) { return entry.second.network == network; });
   if (!isTrusted && static_cast<std::size_t>(ofNetwork) >= maxPerNetwork) return Answer::tooManyOfNetwork;
   hosts_.insert({key, {network, announcement, now}});
-  retireListings();
+  retireTexts();
   return Answer::done;
 }
 
@@ -29,7 +33,7 @@ HostRegistry::Answer HostRegistry::withdraw(const std::string& network, const Ho
   if (found == hosts_.end()) return Answer::done;
   if (found->second.network != network) return Answer::anothers;
   hosts_.erase(found);
-  retireListings();
+  retireTexts();
   return Answer::done;
 }
 
@@ -49,17 +53,31 @@ std::shared_ptr<const std::string> HostRegistry::listing(const HostQuery& query,
   return shared;
 }
 
-void HostRegistry::forget(Millis now) {
-  const auto isOver = [&](const auto& entry) { return now - entry.second.since >= lifetime; };
-  if (std::erase_if(hosts_, isOver) > 0) retireListings();
+std::shared_ptr<const std::string> HostRegistry::table(Millis now) {
+  forget(now);
+  if (table_) return table_;
+  std::vector<const HostEntry*> entries;
+  for (const auto& [key, host] : hosts_) entries.push_back(&host.announcement.host);
+  std::ranges::stable_sort(entries, std::greater(), &HostEntry::players);
+  std::string text;
+  for (const HostEntry* entry : entries) text += listTableRow(*entry);
+  return table_ = std::make_shared<std::string>(text + listTableEnd());
 }
 
-void HostRegistry::retireListings() {
+void HostRegistry::forget(Millis now) {
+  const auto isOver = [&](const auto& entry) { return now - entry.second.since >= lifetime; };
+  if (std::erase_if(hosts_, isOver) > 0) retireTexts();
+}
+
+void HostRegistry::retireTexts() {
   std::erase_if(outdated_, [](const auto& text) { return text.use_count() == 1; });
-  for (auto& [query, text] : listings_) {
+  const auto retire = [this](std::shared_ptr<std::string>& text) {
     if (text.use_count() > 1) outdated_.push_back(std::move(text));
-  }
+  };
+  for (auto& [query, text] : listings_) retire(text);
   listings_.clear();
+  retire(table_);
+  table_.reset();
   std::size_t size = 0;
   for (const auto& text : outdated_) size += text->size();
   for (; size > maxOutdated; outdated_.pop_front()) {

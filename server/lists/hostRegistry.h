@@ -30,6 +30,8 @@ class HostRegistry {
   /// The matching records, concatenated, and the end of the list. Callers share one text until an entry changes. An
   /// older text that somebody still holds becomes empty if there are too many of them.
   std::shared_ptr<const std::string> listing(const HostQuery& query, Millis now);
+  /// The rows of all entries in a page's table, those with most players first, and what follows them. Shared likewise.
+  std::shared_ptr<const std::string> table(Millis now);
   std::size_t size() const { return hosts_.size(); }
 
  private:
@@ -42,11 +44,12 @@ class HostRegistry {
 
   void forget(Millis now);
   /// The entries have changed.
-  void retireListings();
+  void retireTexts();
 
   std::map<Key, Host> hosts_;
   // Listings for versions without an entry aren't kept, so the number of entries bounds this map.
   std::map<HostQuery, std::shared_ptr<std::string>> listings_;
+  std::shared_ptr<std::string> table_;                 // null until somebody asks for it
   std::deque<std::shared_ptr<std::string>> outdated_;  // oldest first
 };
 

@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "server/lists/announcement.h"
+#include "server/lists/listTable.h"
+#include "server/web/html.h"
 
 namespace kelvora::server {
 
@@ -10,6 +12,7 @@ namespace {
 
 constexpr std::string_view updatePath = "/games/kelvora/ver.txt";
 constexpr std::string_view listPath = "/games/kelvora/gethosts.php";
+constexpr std::string_view tablePath = "/games";
 
 HttpAnswer page(unsigned int status, std::string body) {
   return {.status = status, .body = std::move(body), .headers = {"Cache-Control: no-store"}};
@@ -51,7 +54,9 @@ HttpAnswer methodNotAllowed(const std::string& methods, const std::string& text)
   return answer;
 }
 
-bool ListPages::has(std::string_view path) { return path == updatePath || path == listPath || path == publishPath; }
+bool ListPages::has(std::string_view path) {
+  return path == updatePath || path == listPath || path == tablePath || path == publishPath;
+}
 
 HttpAnswer ListPages::answer(const HttpRequest& request, const Peer& peer, Millis now) {
   const std::string_view path = request.path();
@@ -61,9 +66,20 @@ HttpAnswer ListPages::answer(const HttpRequest& request, const Peer& peer, Milli
   }
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
   if (path == updatePath) return page(200, updateFile(version_));
-  const HostQuery query = hostQuery(request);
-  HttpAnswer answer = page(200, matches(host_, version_, query) ? hostRecord(host_) : "");
+  return path == tablePath ? table(now) : listing(hostQuery(request), now);
+}
+
+HttpAnswer ListPages::listing(const HostQuery& query, Millis now) {
+  HostEntry own = host_;
+  if (own.address.empty()) own.address = ownAddress_;
+  HttpAnswer answer = page(200, matches(own, version_, query) ? hostRecord(own) : "");
   answer.append(registry_.listing(query, now));
+  return answer;
+}
+
+HttpAnswer ListPages::table(Millis now) {
+  HttpAnswer answer = htmlAnswer(listTableBegin() + listTableRow(host_));
+  answer.append(registry_.table(now));
   return answer;
 }
 

@@ -14,13 +14,16 @@ struct Peer {
   std::string network;  ///< the one that limits apply to
 };
 
-/// Serves the list of published games and the update file, and accepts other servers' announcements.
+/// Serves the list of published games, to the game and to browsers, and the update file, and accepts other servers'
+/// announcements.
 class ListPages {
  public:
-  /// Announcements need the key, unless it is empty.
-  ListPages(std::string version, std::string key) : version_(std::move(version)), key_(std::move(key)) {}
+  /// Announcements need the key, unless it is empty. The game's list shows `ownAddress` for this server's entry if that
+  /// has none.
+  ListPages(std::string version, std::string key, std::string ownAddress = {})
+      : version_(std::move(version)), key_(std::move(key)), ownAddress_(std::move(ownAddress)) {}
 
-  /// Sets this server's own entry.
+  /// Sets this server's own entry. Browsers play it where they got the page if it has no address.
   void publish(HostEntry host) { host_ = std::move(host); }
   const HostEntry& host() const { return host_; }
   /// True if this class answers the path.
@@ -29,10 +32,13 @@ class ListPages {
   HttpAnswer answer(const HttpRequest& request, const Peer& peer, Millis now);
 
  private:
+  HttpAnswer listing(const HostQuery& query, Millis now);
+  HttpAnswer table(Millis now);
   HttpAnswer announce(const HttpRequest& request, const Peer& peer, Millis now);
 
   const std::string version_;
   const std::string key_;
+  const std::string ownAddress_;
   HostEntry host_;
   HostRegistry registry_;
 };

@@ -53,12 +53,12 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
     : options_(options),
       log_(std::move(log)),
       trustedProxy_(proxyAddress(options.trustedProxy)),
-      site_(options.site),
+      site_(options.site.value_or("")),
       listener_(context, options.address, options.port, listenerHandlers()),
       timer_(context),
       arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),
       bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
-      list_(versionText(), options.listKey),
+      list_(versionText(), options.listKey, options.address),
       publisher_(startPublisher(context, options, log_)) {
   if (options.webPort) {
     const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
@@ -177,13 +177,11 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
     return refusal(403, "Pages from other sites may not play here.\n");
   }
   if (ListPages::has(path)) {
-    HostEntry host = hostEntry();
-    if (host.address.empty()) host.address = options_.address;
-    list_.publish(std::move(host));
+    list_.publish(hostEntry());
     return list_.answer(request, {.address = guest.address.to_string(), .network = guest.network}, now());
   }
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
-  if (site_.has(path)) return site_.answer(request);
+  if (auto file = site_.answer(request)) return *std::move(file);
   if (path == "/") return homePage();
   return refusal(404, "This page does not exist.\n");
 }

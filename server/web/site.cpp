@@ -1,9 +1,12 @@
 #include "server/web/site.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <fstream>
 #include <memory>
-#include <optional>
+#include <stdexcept>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -13,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, std::string_view>, 15> types{{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 16> types{{
     {".html", "text/html; charset=utf-8"},
     {".js", "text/javascript; charset=utf-8"},
     {".css", "text/css; charset=utf-8"},
@@ -26,6 +29,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 15> types{{
     {".ico", "image/x-icon"},
     {".woff2", "font/woff2"},
     {".ttf", "font/ttf"},
+    {".otf", "font/otf"},
     {".wav", "audio/wav"},
     {".mp3", "audio/mpeg"},
     {".txt", "text/plain; charset=utf-8"},
@@ -39,8 +43,8 @@ std::string typeOf(const fs::path& file) {
 }
 
 /// Pads the body with zeros if the file has become shorter, because its length has already been sent.
-BodySource contents(const fs::path& file, std::size_t size) {
-  return [stream = std::make_shared<std::ifstream>(file, std::ios::binary), left = size](std::size_t most) mutable {
+BodySource contents(std::shared_ptr<std::ifstream> stream, std::size_t size) {
+  return [stream = std::move(stream), left = size](std::size_t most) mutable {
     std::string piece(std::min(most, left), '\0');
     stream->read(piece.data(), static_cast<std::streamsize>(piece.size()));
     left -= piece.size();
@@ -49,19 +53,31 @@ BodySource contents(const fs::path& file, std::size_t size) {
 }
 
 struct Copy {
+  std::shared_ptr<std::ifstream> stream;
   std::size_t size = 0;
   std::string tag;  // including its quotes
 };
 
-/// The file as it is now, which may have been replaced or removed since the start.
-std::optional<Copy> copyOf(const fs::path& file) {
+/// The file as it is now. It may be replaced at any time, so its size is that of the opened file. The tag comes first:
+/// a file that is replaced in between is sent again, and not taken for the newer one.
+std::optional<Copy> openCopy(const fs::path& file) {
   std::error_code error;
   if (!fs::is_regular_file(fs::symlink_status(file, error))) return std::nullopt;
-  const std::size_t size = fs::file_size(file, error);
-  if (error) return std::nullopt;
   const auto changed = fs::last_write_time(file, error).time_since_epoch().count();
   if (error) return std::nullopt;
-  return Copy{size, '"' + std::to_string(size) + "-" + std::to_string(changed) + '"'};
+  auto stream = std::make_shared<std::ifstream>(file, std::ios::binary | std::ios::ate);
+  const auto size = static_cast<std::int64_t>(stream->tellg());
+  if (size < 0) return std::nullopt;
+  stream->seekg(0);
+  return Copy{.stream = std::move(stream),
+              .size = static_cast<std::size_t>(size),
+              .tag = '"' + std::to_string(size) + "-" + std::to_string(changed) + '"'};
+}
+
+/// True for names like "game.wasm", but not for "..", ".hidden" or an empty one.
+bool isPlainName(std::string_view name) {
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
+  return !name.empty() && name.front() != '.' && std::none_of(name.begin(), name.end(), isControl);
 }
 
 /// True if an If-None-Match names the tag, by itself or in a list, as "W/..." too, or is "*".
@@ -78,33 +94,40 @@ bool names(std::string_view condition, std::string_view tag) {
 
 }  // namespace
 
-Site::Site(const fs::path& folder) {
-  if (folder.empty()) return;
-  const fs::path root = fs::canonical(folder);
-  for (const auto& entry : fs::recursive_directory_iterator(root)) {
-    if (!entry.is_regular_file() || entry.path().extension() == ".gz") continue;
-    const auto real = fs::canonical(entry.path());
-    if (std::mismatch(root.begin(), root.end(), real.begin(), real.end()).first != root.end()) continue;
-    File file{.type = typeOf(entry.path()), .plain = real, .gzip = {}};
-    fs::path compressed = real;
-    compressed += ".gz";
-    if (fs::is_regular_file(fs::symlink_status(compressed))) file.gzip = compressed;
-    files_.emplace("/" + entry.path().lexically_relative(root).generic_string(), std::move(file));
+Site::Site(fs::path folder) : folder_(std::move(folder)) {
+  if (folder_.empty()) return;
+  std::error_code error;
+  const fs::directory_iterator probe(folder_, error);
+  if (error) throw std::runtime_error("the site's folder " + folder_.string() + " can't be read: " + error.message());
+}
+
+std::optional<fs::path> Site::find(std::string_view path) const {
+  if (folder_.empty() || !path.starts_with('/')) return std::nullopt;
+  const std::string relative(path == "/" ? "index.html" : path.substr(1));
+  for (std::string_view rest = relative;;) {
+    const std::size_t slash = rest.find('/');
+    if (!isPlainName(rest.substr(0, slash))) return std::nullopt;
+    if (slash == std::string_view::npos) break;
+    rest.remove_prefix(slash + 1);
   }
+  std::error_code error;
+  const fs::path root = fs::canonical(folder_, error);
+  if (error) return std::nullopt;
+  const fs::path file = fs::canonical(root / relative, error);
+  if (error || file.extension() == ".gz") return std::nullopt;
+  const bool isInside = std::mismatch(root.begin(), root.end(), file.begin(), file.end()).first == root.end();
+  return isInside && fs::is_regular_file(file, error) ? std::optional(file) : std::nullopt;
 }
 
-const Site::File* Site::find(std::string_view path) const {
-  const auto found = files_.find(path == "/" ? std::string_view("/index.html") : path);
-  return found == files_.end() ? nullptr : &found->second;
-}
-
-HttpAnswer Site::answer(const HttpRequest& request) const {
-  const File& file = *find(request.path());
-  const bool isCompressed = request.acceptsGzip && !file.gzip.empty();
-  const fs::path& path = isCompressed ? file.gzip : file.plain;
-  const auto copy = copyOf(path);
-  if (!copy) return {.status = 404, .body = "This page does not exist.\n"};
-  HttpAnswer answer{.type = file.type, .mayKeepAlive = true};
+std::optional<HttpAnswer> Site::answer(const HttpRequest& request) const {
+  const auto file = find(request.path());
+  if (!file) return std::nullopt;
+  std::optional<Copy> copy;
+  if (request.acceptsGzip) copy = openCopy(file->string() + ".gz");
+  const bool isCompressed = copy.has_value();
+  if (!copy) copy = openCopy(*file);
+  if (!copy) return std::nullopt;
+  HttpAnswer answer{.type = typeOf(*file), .mayKeepAlive = true};
   // The client asks each time whether the file has changed, so that updates are seen at once.
   answer.headers = {"Cache-Control: no-cache", "ETag: " + copy->tag, "Vary: Accept-Encoding",
                     "X-Content-Type-Options: nosniff"};
@@ -114,8 +137,16 @@ HttpAnswer Site::answer(const HttpRequest& request) const {
   }
   if (isCompressed) answer.headers.emplace_back("Content-Encoding: gzip");
   answer.moreSize = copy->size;
-  answer.more = contents(path, copy->size);
+  answer.more = contents(std::move(copy->stream), copy->size);
   return answer;
+}
+
+fs::path usualSite(const fs::path& programFolder) {
+  std::error_code ignored;
+  for (const char* place : {"site", "../web/site", "../share/kelvora-server/site"}) {
+    if (fs::is_directory(programFolder / place, ignored)) return fs::canonical(programFolder / place, ignored);
+  }
+  return {};
 }
 
 }  // namespace kelvora::server

@@ -32,7 +32,7 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"store", {"audio", "base", "core", "frontend", "network", "platform", "protocol", "simulation"}},
     {"audio", {"base", "frontend", "platform", "store"}},
     {"frontend", {"audio", "base", "core", "network", "platform", "protocol", "raster", "store"}},
-    {"server", {"base", "server/config", "server/net"}},
+    {"server", {"base", "server/config", "server/net", "server/web"}},
     {"server/arena", {"base", "protocol"}},
     {"server/bots", {"base", "protocol", "server/arena"}},
     {"server/web", {"base"}},

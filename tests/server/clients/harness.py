@@ -67,10 +67,10 @@ def read_to_end(connection):
 class Server:
     """The program. `end` and the end of a `with` tell it to stop, and fail unless it does so with status 0."""
 
-    def __init__(self, *options):
+    def __init__(self, *options, program=SERVER):
         self.log_file = tempfile.TemporaryFile("w+")
         self.port = free_port()
-        self.process = subprocess.Popen([SERVER, "--port", str(self.port), *options], stdin=subprocess.DEVNULL,
+        self.process = subprocess.Popen([program, "--port", str(self.port), *options], stdin=subprocess.DEVNULL,
                                         stdout=subprocess.PIPE, stderr=self.log_file, text=True)
         line = self.process.stdout.readline()
         if not line.startswith("listening on "):

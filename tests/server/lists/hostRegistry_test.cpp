@@ -103,7 +103,7 @@ TEST(HostRegistry, OutdatedListingsTakeAtMostAMebibyteInAll) {
 TEST(HostRegistry, HoldsAThousandEntriesAndAClientTakesThem) {
   HostRegistry registry;
   Announcement longest = of(std::string(255, 'a'), 1);
-  longest.host.notes = std::string(200, 'n');
+  longest.host.notes = std::string(200, '&');
   for (int i = 0; i < 1'000; ++i) {
     longest.host.port = static_cast<std::uint16_t>(i + 1);
     ASSERT_EQ(registry.announce("net" + std::to_string(i / 32), longest, 0), Answer::done) << i;
@@ -111,6 +111,7 @@ TEST(HostRegistry, HoldsAThousandEntriesAndAClientTakesThem) {
   longest.host.port = 2'000;
   EXPECT_EQ(registry.announce("late", longest, 0), Answer::full);
   EXPECT_LT(registry.listing(all, 0)->size(), 1U << 20) << "the longest answer that a client reads";
+  EXPECT_LT(registry.table(0)->size(), 4U << 20);
   EXPECT_EQ(registry.announce("late", longest, hour), Answer::done);
   EXPECT_EQ(registry.size(), 1U);
 }
@@ -136,6 +137,23 @@ TEST(HostRegistry, EverybodySharesAListingUntilAnEntryChanges) {
   expectNew(4'000, "[two.example|2|0|n|3|6]");
   EXPECT_EQ(*registry.listing(all, 3'000 + hour), "-END-\n");
   EXPECT_EQ(*first, "[one.example|1|0|n|3|6]-END-\n") << "an answer that is under way stays whole";
+}
+
+TEST(HostRegistry, EverybodySharesATableUntilAnEntryChanges) {
+  HostRegistry registry;
+  const auto empty = registry.table(0);
+  EXPECT_EQ(empty->find("<tr>"), std::string::npos);
+  registry.announce("a", of("one.example", 1), 0);
+  const auto first = registry.table(0);
+  EXPECT_NE(first->find("one.example:1/"), std::string::npos);
+  registry.announce("a", of("one.example", 1), 1'000);
+  EXPECT_EQ(registry.table(1'000), first) << "nothing is new";
+  registry.announce("b", of("two.example", 2, 6), 2'000);
+  const auto second = registry.table(2'000);
+  EXPECT_LT(second->find("two.example:2/"), second->find("one.example:1/")) << "more players";
+  registry.withdraw("b", of("two.example", 2).host, 3'000);
+  EXPECT_EQ(*registry.table(3'000), *first);
+  EXPECT_EQ(*registry.table(1'000 + hour), *empty);
 }
 
 TEST(HostRegistry, ListingsOfUnknownVersionsAreNotKept) {

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
+#include <string>
+#include <vector>
+
 #include "generated/version.h"
 
 namespace kelvora::server {
@@ -38,11 +42,12 @@ class ListPagesTest : public testing::Test {
   std::string list(const std::string& query) { return text(ask("GET", "/games/kelvora/gethosts.php?" + query)); }
 };
 
-TEST_F(ListPagesTest, HasItsThreePaths) {
-  for (const char* path : {"/games/kelvora/ver.txt", "/games/kelvora/gethosts.php", "/games/kelvora/publish"}) {
+TEST_F(ListPagesTest, HasItsFourPaths) {
+  for (const char* path :
+       {"/games", "/games/kelvora/ver.txt", "/games/kelvora/gethosts.php", "/games/kelvora/publish"}) {
     EXPECT_TRUE(ListPages::has(path)) << path;
   }
-  for (const char* path : {"/", "/games/kelvora/", "/games/kelvora/ver.txt/", "/GAMES/KELVORA/VER.TXT"}) {
+  for (const char* path : {"/", "/games/", "/games/kelvora/", "/games/kelvora/ver.txt/", "/GAMES/KELVORA/VER.TXT"}) {
     EXPECT_FALSE(ListPages::has(path)) << path;
   }
 }
@@ -95,6 +100,67 @@ TEST_F(ListPagesTest, NothingMayBeCachedNorKept) {
   EXPECT_EQ(answer.type, "text/plain");
   // The update check waits for the connection's end.
   EXPECT_FALSE(answer.mayKeepAlive);
+}
+
+/// The page's rows, without tags but with the links.
+std::vector<std::string> rows(std::string page) {
+  page = std::regex_replace(page, std::regex("<a href=\"([^\"]*)\"[^>]*>Play</a>"), "$1");
+  std::vector<std::string> result;
+  static const std::regex row("<tr><td>(.*)</tr>");
+  for (std::sregex_iterator match(page.begin(), page.end(), row), end; match != end; ++match) {
+    result.push_back(std::regex_replace((*match)[1].str(), std::regex("<td>"), "|"));
+  }
+  return result;
+}
+
+TEST_F(ListPagesTest, BrowsersGetATableWithALinkToPlayEachGame) {
+  pages.publish({.address = "192.0.2.7", .port = 2010, .notes = "f\xFCr alle", .players = 1, .maxPlayers = 6});
+  const auto publish = [&](const std::string& query) {
+    HttpRequest request{.method = "POST", .target = "/games/kelvora/publish?" + query};
+    EXPECT_EQ(pages.answer(request, {.address = "198.51.100.1", .network = "n"}, 0).status, 200U) << query;
+  };
+  publish("version=" KELVORA_VERSION "&address=b.example&port=2011&password=1&notes=secret&players=0&max=6");
+  publish("version=1.2.0&address=2001:db8::7&port=2012&password=0&notes=old&players=5&max=6");
+  const HttpAnswer answer = ask("GET", "/games");
+  EXPECT_EQ(answer.type, "text/html; charset=utf-8");
+  EXPECT_EQ(answer.headers.front(), "Cache-Control: no-store");
+  const std::string page = text(answer);
+  EXPECT_EQ(rows(page), (std::vector<std::string>{"f\u00FCr alle|1 of 6|192.0.2.7|2010|http://192.0.2.7:2010/",
+                                                  "old|5 of 6|2001:db8::7|2012|http://[2001:db8::7]:2012/",
+                                                  "secret (password)|0 of 6|b.example|2011|http://b.example:2011/"}))
+      << "this server's first, then those with most players, of all versions";
+  EXPECT_TRUE(page.starts_with("<!doctype html>"));
+  EXPECT_TRUE(page.ends_with("</html>\n"));
+  EXPECT_EQ(ask("POST", "/games").status, 405U);
+}
+
+TEST_F(ListPagesTest, AServerWithoutAnAddressIsPlayedWhereThePageIs) {
+  ListPages pages(KELVORA_VERSION, "", "0.0.0.0");
+  pages.publish({.address = "", .port = 2010, .notes = "", .players = 0, .maxPlayers = 6});
+  const auto ask = [&](const std::string& target) {
+    return text(pages.answer({.method = "GET", .target = target}, {.address = "198.51.100.1", .network = "n"}, 0));
+  };
+  EXPECT_EQ(rows(ask("/games")), std::vector<std::string>{"|0 of 6|this server|2010|/"});
+  EXPECT_EQ(ask("/games/kelvora/gethosts.php?version=" KELVORA_VERSION), "[0.0.0.0|2010|0||0|6]-END-\n");
+}
+
+TEST_F(ListPagesTest, NothingInAnEntryBecomesMarkup) {
+  const std::string evil = "</td><script>alert(1)</script>\"' onclick=x &lt; \x01\x7F";
+  pages.publish({.address = evil, .port = 2010, .notes = evil, .players = 3, .maxPlayers = 6});
+  HttpRequest request{.method = "POST",
+                      .target =
+                          "/games/kelvora/publish?version=" KELVORA_VERSION
+                          "&address=a&port=1&password=0&players=0&max=6&notes=%3Cscript%3E%22%26amp;%3C/table%3E"};
+  EXPECT_EQ(pages.answer(request, {.address = "198.51.100.1", .network = "n"}, 0).status, 200U);
+  const std::string page = text(ask("GET", "/games"));
+  EXPECT_EQ(page.find("script>"), page.find("&lt;script>") + 4) << page;
+  EXPECT_EQ(page.find("<script"), std::string::npos);
+  EXPECT_NE(page.find("&lt;script>&quot;&amp;amp;&lt;/table>"), std::string::npos);
+  // What follows the quotation mark stays inside the attribute.
+  EXPECT_NE(page.find("href=\"http://&lt;/td>&lt;script>alert(1)&lt;/script>&quot;' onclick=x &amp;lt; :2010/\""),
+            std::string::npos)
+      << page;
+  EXPECT_EQ(page.find_first_of("\x01\x7F"), std::string::npos);
 }
 
 /// The status of announcing a server at that port.

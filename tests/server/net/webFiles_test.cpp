@@ -133,6 +133,14 @@ TEST(WebFilesOfBots, ThePageCountsPeopleAndNamesTheBotsApart) {
   EXPECT_EQ(names, 3U) << page;
 }
 
+TEST_F(WebFilesTest, BrowsersGetATableOfGames) {
+  const Response page = ask(port, "GET /games HTTP/1.0\r\n\r\n");
+  EXPECT_NE(page.head.find("text/html; charset=utf-8"), std::string::npos);
+  EXPECT_NE(page.body.find("friendly &lt;game>"), std::string::npos) << page.body;
+  EXPECT_NE(page.body.find("<a href=\"http://192.0.2.7:" + std::to_string(port) + "/\""), std::string::npos);
+  EXPECT_NE(ask(port, "GET / HTTP/1.0\r\n\r\n").body.find("<a href=\"/games\">"), std::string::npos);
+}
+
 TEST_F(WebFilesTest, AKeptConnectionAnswersOneRequestAfterTheOther) {
   TcpClient client(port);
   const std::string page = "GET / HTTP/1.1\r\nHost: h\r\n\r\n";

@@ -1,0 +1,29 @@
+#include "server/lists/listTable.h"
+
+#include "server/web/html.h"
+
+namespace kelvora::server {
+
+std::string listTableBegin() {
+  return htmlBegin("Kelvora games") + "<table>\n<tr><th>Game<th>Players<th>Address<th>Port<td></tr>\n";
+}
+
+std::string listTableRow(const HostEntry& host) {
+  const std::string address = htmlText(host.address);
+  const std::string port = std::to_string(host.port);
+  const bool isIpv6 = host.address.find(':') != std::string::npos;
+  const std::string authority = (isIpv6 ? "[" + address + "]" : address) + ":" + port;
+  const std::string link = host.address.empty() ? "/" : "http://" + authority + "/";
+  return "<tr><td>" + htmlText(host.notes) + (host.passwordRequired ? " (password)" : "") + "<td>" +
+         std::to_string(host.players) + " of " + std::to_string(host.maxPlayers) + "<td>" +
+         (address.empty() ? "this server" : address) + "<td>" + port + "<td><a href=\"" + link +
+         "\" aria-label=\"Play at " + (address.empty() ? "this server" : authority) + "\">Play</a></tr>\n";
+}
+
+std::string listTableEnd() {
+  return "</table>\n<p>Bots don't count. In the game, <i>Get List</i> in the connect dialog shows the same "
+         "games.</p>\n" +
+         std::string(htmlEnd);
+}
+
+}  // namespace kelvora::server

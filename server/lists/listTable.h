@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "server/lists/hostList.h"
+
+namespace kelvora::server {
+
+/// The beginning of the page that lists the published games, up to the table's rows.
+std::string listTableBegin();
+/// A game's row, with a link to play it in the browser. Without an address, the link leads to the server that sends the
+/// page. Addresses, notes and numbers may be anything.
+std::string listTableRow(const HostEntry& host);
+/// What follows the last row.
+std::string listTableEnd();
+
+}  // namespace kelvora::server

@@ -1,0 +1,44 @@
+#include "server/web/html.h"
+
+#include <utility>
+
+#include "base/codePage.h"
+
+namespace kelvora::server {
+
+std::string htmlText(std::string_view text) {
+  std::string result;
+  for (const char c : utf8FromCodePage(text)) {
+    if (c == '&') {
+      result += "&amp;";
+    } else if (c == '<') {
+      result += "&lt;";
+    } else if (c == '"') {
+      result += "&quot;";
+    } else if (static_cast<unsigned char>(c) >= ' ' && c != '\x7F') {
+      result += c;
+    }
+  }
+  return result;
+}
+
+std::string htmlBegin(std::string_view title) {
+  return "<!doctype html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n"
+         "<meta name=\"viewport\" content=\"width=device-width\">\n<title>" +
+         std::string(title) +
+         "</title>\n"
+         "<style>body{background:#101418;color:#d8e0e8;font:1.1em/1.5 sans-serif;max-width:48em;margin:3em auto;"
+         "padding:0 1em}h1{color:#fff}a,li{color:#8cf}td,th{text-align:left;padding:.2em 1em .2em 0;"
+         "vertical-align:top;overflow-wrap:anywhere}</style>\n<h1>" +
+         std::string(title) + "</h1>\n";
+}
+
+HttpAnswer htmlAnswer(std::string body) {
+  return {
+      .body = std::move(body),
+      .type = "text/html; charset=utf-8",
+      .headers = {"Cache-Control: no-store", "Content-Security-Policy: default-src 'none'; style-src 'unsafe-inline'"},
+      .mayKeepAlive = true};
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "server/web/http.h"
+
+namespace kelvora::server {
+
+/// A text in code page 1252 as UTF-8 for a page's text or a quoted attribute. Without control characters.
+std::string htmlText(std::string_view text);
+
+/// The beginning of a page, up to and including its heading.
+std::string htmlBegin(std::string_view title);
+
+inline constexpr std::string_view htmlEnd = "</html>\n";
+
+/// An answer with a page that nobody keeps and that loads nothing.
+HttpAnswer htmlAnswer(std::string body);
+
+}  // namespace kelvora::server
