@@ -7,8 +7,10 @@ check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 cla
   python3-numpy python3-websockets nginx libnginx-mod-stream caddy openssl curl wget mpg123 xvfb xdotool openbox wmctrl
   x11-utils x11-xserver-utils imagemagick"
 
-# Packages for the browser build and its tests.
-web_packages="g++ cmake ninja-build ccache emscripten googletest libstb-dev libpng-dev libjpeg-dev"
+# Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
+server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev"
+web_packages="cmake ninja-build emscripten libstb-dev fonts-comic-neue fonts-liberation"
+web_check_packages="$web_packages g++ ccache googletest libpng-dev libjpeg-dev"
 
 # Packages for the Windows build and its tests.
 windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libpng-dev
@@ -92,6 +94,25 @@ configure() {
     launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
   output=$(cmake --preset "$preset" "${launcher[@]}" "$@" 2>&1) || fail "$output" "cmake could not configure the $preset build."
+}
+
+# can_install_quietly NAME...: true if the packages are there or can be installed without asking for a password.
+can_install_quietly() {
+  if ! command -v dpkg-query >/dev/null; then
+    command -v emcc >/dev/null
+    return
+  fi
+  [ -z "$(missing_packages "$@")" ] || [ "$(id -u)" -eq 0 ] || sudo -n true 2>/dev/null
+}
+
+# build_page: builds the page for browsers, build/web/site.
+build_page() {
+  local tests=()
+  [ -f build/web/CMakeCache.txt ] || tests=(-DKELVORA_TESTS=OFF)
+  # shellcheck disable=SC2086
+  install_packages $web_packages
+  configure web "${tests[@]}"
+  cmake --build --preset web --target kelvora_site
 }
 
 # Clones in different folders share the cache.
