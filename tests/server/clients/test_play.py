@@ -1,0 +1,188 @@
+"""The script that starts everything, ./play, with the real server and stand-ins for the build and the game."""
+
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import tempfile
+import unittest
+import urllib.error
+import urllib.request
+
+from harness import PROJECT, SERVER, Server, free_port, wait_for
+
+# Builds at once, but the page only when the file "page" says how.
+CMAKE = """#!/bin/bash
+case $* in
+  --version) echo "cmake version 3.25.1" ;;
+  "--preset "*) mkdir -p "build/$2" && echo "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" >"build/$2/CMakeCache.txt" ;;
+  *"--preset web "*)
+    echo $$ >builder
+    until [ -f page ]; do sleep 0.02; done
+    mkdir -p build/web/site && cat page >build/web/site/index.html && grep -q '<p>' page ;;
+  *"--preset release "* | *"--preset server"*)
+    cp "$KELVORA_SERVER" "build/$3/kelvora-server"
+    cp game "build/$3/kelvora" ;;
+  *) echo "cmake $*" >&2; exit 1 ;;
+esac
+"""
+# Tells its surroundings, and plays until the file "quit" is there.
+GAME = """#!/bin/bash
+printf '%s\\n' "$KELVORA_WEB_HOST" "$KELVORA_FRAME_MS" "$*" >game.told.new && mv game.told.new game.told
+until [ -f quit ]; do sleep 0.02; done
+exit 3
+"""
+INSTALLED = """#!/bin/bash
+shift 2
+printf '%s installed\\n' "$@"
+"""
+NOBODY = "#!/bin/bash\necho 1000\n"
+REFUSES = "#!/bin/bash\nexit 1\n"
+ARENA = "To join, start the game"
+
+
+class Play(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kelvora-play-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        (self.folder / "tools").mkdir()
+        for name in ("play", "tools/setup.sh"):
+            shutil.copy(PROJECT / name, self.folder / name)
+        self.script("game", GAME)
+        self.script("bin/cmake", CMAKE)
+        self.script("bin/dpkg-query", INSTALLED)
+        self.port = free_port()
+
+    def script(self, name, text):
+        path = self.folder / name
+        path.parent.mkdir(exist_ok=True)
+        path.write_text(text, encoding="utf-8")
+        path.chmod(0o755)
+
+    def write(self, name, text=""):
+        (self.folder / name).write_text(text, encoding="utf-8")
+
+    def play(self, *arguments, **environment):
+        self.output = open(self.folder / "output", "w+", encoding="utf-8")
+        self.addCleanup(self.output.close)
+        surroundings = {name: value for name, value in os.environ.items() if name != "KELVORA_WEB_HOST"}
+        surroundings.update(PATH=f"{self.folder}/bin:{os.environ['PATH']}", KELVORA_SERVER=SERVER,
+                            KELVORA_PORT=str(self.port), DISPLAY=":77", **environment)
+        self.process = subprocess.Popen([self.folder / "play", *arguments], stdin=subprocess.DEVNULL, stdout=self.output,
+                                        stderr=subprocess.STDOUT, env=surroundings)
+        self.addCleanup(self.end)
+
+    def end(self):
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGTERM)
+        return self.process.wait(60)
+
+    def said(self):
+        return (self.folder / "output").read_text(encoding="utf-8")
+
+    def told(self):
+        """What the game was started with."""
+        path = self.folder / "game.told"
+        wait_for(path.exists, f"the game's start\n{self.said()}")
+        return path.read_text(encoding="utf-8").splitlines()
+
+    def page(self):
+        """What a browser gets; nothing without a server."""
+        try:
+            with urllib.request.urlopen(f"http://127.0.0.1:{self.port}/", timeout=60) as answer:
+                return answer.read().decode()
+        except urllib.error.URLError:
+            return None
+
+    def wait_to_hear(self, words):
+        wait_for(lambda: words in self.said(), words)
+
+    def test_the_game_does_not_wait_for_the_page(self):
+        self.play("nosound")
+        self.assertEqual(self.told(), [f"127.0.0.1:{self.port}", "10", "nosound"])
+        self.assertIn(ARENA, self.page())
+        self.write("page", "<p>page</p>")
+        self.wait_to_hear(f"Play in a browser, too: http://127.0.0.1:{self.port}/")
+        self.assertEqual(self.page(), "<p>page</p>")
+        self.write("quit")
+        self.assertEqual(self.process.wait(60), 3, "the game's own status")
+        self.assertIsNone(self.page())
+
+    def test_a_page_that_is_there_is_served_at_once(self):
+        (self.folder / "build/web/site").mkdir(parents=True)
+        self.write("build/web/site/index.html", "<p>before</p>")
+        self.play()
+        self.told()
+        self.assertIn(f"Play in a browser, too: http://127.0.0.1:{self.port}/", self.said())
+        self.assertEqual(self.page(), "<p>before</p>")
+
+    def test_the_end_of_the_game_ends_the_building(self):
+        self.play()
+        wait_for((self.folder / "builder").exists, "the page's building")
+        builder = wait_for((self.folder / "builder").read_text().strip, "its number")
+        self.write("quit")
+        self.assertEqual(self.process.wait(60), 3)
+        wait_for(lambda: not pathlib.Path("/proc", builder).exists(), "the building's end")
+
+    def test_a_page_that_cannot_be_built_stops_nobody(self):
+        self.write("page", "fault")
+        self.play()
+        self.wait_to_hear("The page for browsers could not be built; see build/page.log")
+        self.assertIsNone(self.process.poll())
+
+    def test_nobody_is_asked_for_a_password(self):
+        self.script("bin/dpkg-query", INSTALLED.replace('"$@"', '"${@/emscripten/nothing}"'))
+        self.script("bin/id", NOBODY)
+        self.script("bin/sudo", REFUSES)
+        self.play()
+        self.told()
+        self.wait_to_hear("run ./play web once")
+        self.assertFalse((self.folder / "builder").exists())
+
+    def test_a_running_server_is_joined_with_its_list(self):
+        with Server() as server:
+            self.port = server.port
+            self.play()
+            self.assertEqual(self.told()[0], f"127.0.0.1:{self.port}")
+            self.assertIn("already running", self.said())
+            self.write("quit")
+            self.assertEqual(self.process.wait(60), 3)
+            self.assertIsNotNone(self.page(), "the server goes on")
+
+    def test_another_web_host_is_kept(self):
+        self.play(KELVORA_WEB_HOST="games.example", KELVORA_FRAME_MS="20")
+        self.assertEqual(self.told()[:2], ["games.example", "20"])
+
+    def test_web_starts_a_server_and_no_game(self):
+        self.write("page", "<p>page</p>")
+        self.play("web")
+        self.wait_to_hear("Ctrl+C stops the server")
+        self.assertIn(f"Play in a browser: http://127.0.0.1:{self.port}/\n", self.said())
+        self.assertEqual(self.page(), "<p>page</p>")
+        self.assertFalse((self.folder / "game.told").exists())
+        self.assertFalse((self.folder / "build/release").exists())
+        self.process.send_signal(signal.SIGINT)
+        self.assertEqual(self.process.wait(60), 130)
+        self.assertIsNone(self.page())
+
+    def test_web_passes_options_to_the_server(self):
+        self.write("page", "<p>page</p>")
+        self.play("web", "--address", "0.0.0.0", "--notes", "for all")
+        self.wait_to_hear("Ctrl+C stops the server")
+        self.assertIn(f"Play in a browser: http://127.0.0.1:{self.port}/\n", self.said())
+        self.assertRegex(self.said(), rf"From other machines: http://[0-9a-f.:]*:{self.port}/\n")
+
+    def test_web_tells_what_is_wrong(self):
+        self.write("page", "fault")
+        self.play("web")
+        self.assertEqual(self.process.wait(60), 1)
+        self.assertIn("The page could not be built", self.said())
+        self.write("page", "<p>page</p>")
+        self.play("web", "--no-such-option")
+        self.assertEqual(self.process.wait(60), 1)
+        self.assertIn("unknown option --no-such-option", self.said())
+
+
+if __name__ == "__main__":
+    unittest.main()
