@@ -36,6 +36,8 @@ set(CPACK_DEBIAN_KELVORA-SERVER_PACKAGE_NAME kelvora-server)
 set(CPACK_DEBIAN_KELVORA-SERVER_DESCRIPTION "server with bots for the arena game Kelvora
 Runs an arena for up to six players of the game Kelvora. Up to five bots of
 three skills join them. The server can publish itself in lists of games.
+Players use the game itself, or a browser: the server delivers a page to play
+in.
 
 A systemd template unit runs any number of arenas, each with its own
 configuration file.")

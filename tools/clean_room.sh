@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Tests building and installing in a fresh, minimal Debian 12. Run it as root:
 #   tools/clean_room.sh check     clones the project into it and runs ./check there, as a user with sudo
-#   tools/clean_room.sh package   builds the packages here, installs them there, starts server and client with a login,
-#                                 upgrades them, removes them, and looks for leftovers
+#   tools/clean_room.sh package   builds the packages here, installs them there, fetches the page for browsers, starts
+#                                 server and client with a login, upgrades them, removes them, and looks for leftovers
 # The room is a folder, KELVORA_ROOM (/var/tmp/kelvora-room), recreated each time. The base system is cached next to it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -70,6 +70,12 @@ check_clone() {
 log_in_from_packages() {
   kelvora-server --port 2010 >/tmp/server.out 2>/tmp/server.err &
   server=$!
+  for _ in $(seq 100); do grep -q '^listening on' /tmp/server.out && break; sleep 0.1; done
+  for file in / /kelvora.wasm; do
+    exec 3<>/dev/tcp/127.0.0.1/2010
+    printf 'GET %s HTTP/1.0\r\n\r\n' "$file" >&3
+    grep -aq '^ETag:' <&3 || { echo "The server does not deliver $file."; kill "$server"; return 1; }
+  done
   Xvfb :77 -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
   screen=$!
   export DISPLAY=:77 KELVORA_FRAME_MS=10 QT_LOGGING_RULES='*=false'
