@@ -30,7 +30,7 @@ void HeadlessSocket::close() {
 
 void HeadlessSocket::send(std::string_view data) {
   sent.append(data);
-  sendings.emplace_back(data);
+  sends.emplace_back(data);
 }
 
 std::string HeadlessSocket::take() {
@@ -40,9 +40,9 @@ std::string HeadlessSocket::take() {
   return portion;
 }
 
-void HeadlessSocket::post(std::function<void()> happening) {
-  screen_->machine->post([happening = std::move(happening), connection = std::weak_ptr<int>(connection_)] {
-    if (!connection.expired()) happening();
+void HeadlessSocket::post(std::function<void()> action) {
+  screen_->machine->post([action = std::move(action), connection = std::weak_ptr<int>(connection_)] {
+    if (!connection.expired()) action();
   });
 }
 

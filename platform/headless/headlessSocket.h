@@ -34,7 +34,7 @@ class HeadlessSocket : public SocketPeer {
   int closes = 0;
   /// All bytes the game sent, and the same per call of SendData.
   std::string sent;
-  std::vector<std::string> sendings;
+  std::vector<std::string> sends;
 
   /// Accepts the connection: state 7 and the event Connect.
   void acceptConnection();
@@ -50,7 +50,7 @@ class HeadlessSocket : public SocketPeer {
   void setState(SocketState state) { state_ = state; }
 
  private:
-  void post(std::function<void()> happening);
+  void post(std::function<void()> action);
 
   std::shared_ptr<HeadlessScreen> screen_;
   Winsock& socket_;

@@ -32,7 +32,7 @@ bool decodeInto(Picture& picture, std::vector<JSAMPLE>& row, const FileBytes& by
   jpeg_create_decompress(&decoder);
   jpeg_mem_src(&decoder, bytes.data(), static_cast<unsigned long>(bytes.size()));
   jpeg_read_header(&decoder, TRUE);
-  if (decoder.image_width > maximumPictureSide || decoder.image_height > maximumPictureSide) {
+  if (decoder.image_width > maxPictureSide || decoder.image_height > maxPictureSide) {
     jpeg_destroy_decompress(&decoder);
     return false;
   }

@@ -11,7 +11,7 @@ std::optional<Picture> decodePng(const FileBytes& bytes) {
   std::memset(&image, 0, sizeof image);
   image.version = PNG_IMAGE_VERSION;
   if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) return std::nullopt;
-  if (image.width > maximumPictureSide || image.height > maximumPictureSide) {
+  if (image.width > maxPictureSide || image.height > maxPictureSide) {
     png_image_free(&image);
     return std::nullopt;
   }

@@ -17,7 +17,7 @@
 
 namespace kelvora {
 
-static_assert(STBI_MAX_DIMENSIONS == maximumPictureSide);
+static_assert(STBI_MAX_DIMENSIONS == maxPictureSide);
 
 namespace {
 

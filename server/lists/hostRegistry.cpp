@@ -13,7 +13,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
   forget(now);
   const Key key{announcement.host.address, announcement.host.port};
   if (const auto found = hosts_.find(key); found != hosts_.end()) {
-    if (found->second.network != network) return Answer::anothers;
+    if (found->second.network != network) return Answer::notOwner;
     if (found->second.announcement != announcement) retireTexts();
     found->second = {network, announcement, now};
     return Answer::done;
@@ -21,7 +21,7 @@ HostRegistry::Answer HostRegistry::announce(const std::string& network, const An
   if (hosts_.size() >= maxHosts) return Answer::full;
   const auto ofNetwork =
       std::ranges::count_if(hosts_, [&](const auto& entry) { return entry.second.network == network; });
-  if (!isTrusted && static_cast<std::size_t>(ofNetwork) >= maxPerNetwork) return Answer::tooManyOfNetwork;
+  if (!isTrusted && static_cast<std::size_t>(ofNetwork) >= maxPerNetwork) return Answer::tooManyFromNetwork;
   hosts_.insert({key, {network, announcement, now}});
   retireTexts();
   return Answer::done;
@@ -31,7 +31,7 @@ HostRegistry::Answer HostRegistry::withdraw(const std::string& network, const Ho
   forget(now);
   const auto found = hosts_.find({host.address, host.port});
   if (found == hosts_.end()) return Answer::done;
-  if (found->second.network != network) return Answer::anothers;
+  if (found->second.network != network) return Answer::notOwner;
   hosts_.erase(found);
   retireTexts();
   return Answer::done;

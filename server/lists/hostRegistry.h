@@ -21,7 +21,7 @@ class HostRegistry {
   static constexpr std::size_t maxPerNetwork = 32;  ///< entries announced by one host, unless it is trusted
   static constexpr std::size_t maxOutdated = std::size_t{1} << 20;  ///< bytes of old listings that are still in use
 
-  enum class Answer { done, anothers, tooManyOfNetwork, full };
+  enum class Answer { done, notOwner, tooManyFromNetwork, full };
 
   /// Adds or updates an entry. `network` identifies the announcing host. The entry's address must not be empty.
   Answer announce(const std::string& network, const Announcement& announcement, Millis now, bool isTrusted = false);

@@ -28,9 +28,9 @@ bool isSame(std::string_view one, std::string_view other) {
 
 HttpAnswer answerOf(HostRegistry::Answer answer) {
   switch (answer) {
-    case HostRegistry::Answer::anothers:
+    case HostRegistry::Answer::notOwner:
       return page(409, "That address and port have been published by another host.\n");
-    case HostRegistry::Answer::tooManyOfNetwork:
+    case HostRegistry::Answer::tooManyFromNetwork:
       return page(429, "Too many servers have been published from your address.\n");
     case HostRegistry::Answer::full:
       return page(503, "The list is full.\n");

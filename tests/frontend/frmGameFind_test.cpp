@@ -83,7 +83,7 @@ TEST_F(GameFinder, Q162TheRequestIsABrowsers) {
   *frmGameFind;
   request();
   EXPECT_EQ(status(), "Requesting list...");
-  EXPECT_EQ(host().sendings,
+  EXPECT_EQ(host().sends,
             std::vector<std::string>{
                 "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION "&password=0&full=0&empty=1 HTTP/1.1\r\n"
                 "Host: web.invalid\r\n"
@@ -109,7 +109,7 @@ TEST_F(GameFinder, TheQueryHoldsAllThreeFlagsAsDigits) {
     request();
     const std::string query = "?version=" KELVORA_VERSION "&password=" + std::to_string(password) +
                               "&full=" + std::to_string(full) + "&empty=" + std::to_string(empty) + " HTTP/1.1\r\n";
-    EXPECT_NE(host().sendings.back().find(query), std::string::npos) << host().sendings.back();
+    EXPECT_NE(host().sends.back().find(query), std::string::npos) << host().sends.back();
   }
 }
 
@@ -154,12 +154,12 @@ TEST_F(GameFinder, Q160TheBoxesAreReadWhenTheConnectionStands) {
   frmGameFind->chkFull.MouseDown(1, 0, 15, 15);
   frmGameFind->chkFull.Value = 1;
   request();
-  EXPECT_NE(host().sendings.back().find("&full=1&"), std::string::npos);
+  EXPECT_NE(host().sends.back().find("&full=1&"), std::string::npos);
   // A host that is faster than the finger on the button hears the old value.
   frmGameFind->chkFull.MouseDown(1, 0, 15, 15);
   request();
   frmGameFind->chkFull.Value = 0;
-  EXPECT_NE(host().sendings.back().find("&full=1&"), std::string::npos);
+  EXPECT_NE(host().sends.back().find("&full=1&"), std::string::npos);
 }
 
 TEST_F(GameFinder, Q282AnyPressOnABoxFetchesAndTheKeysDoNot) {

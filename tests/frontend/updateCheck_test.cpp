@@ -77,13 +77,13 @@ TEST_F(UpdateCheck, AFaultInItsStepsEndsItInSilence) {
 
 TEST_F(UpdateCheck, Q279AsksForTheWholeAddressInTheRequestLineAlone) {
   startCheck();
-  EXPECT_EQ(host().sendings, Boxes{"GET http://web.invalid/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
+  EXPECT_EQ(host().sends, Boxes{"GET http://web.invalid/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
 }
 
 TEST_F(UpdateCheck, NamesAPortThatIsNot80InTheRequestButNotInTheBox) {
   machine.host = "web.invalid:8123";
   answer("tvqver:7.2.2\n");
-  EXPECT_EQ(host().sendings, Boxes{"GET http://web.invalid:8123/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
+  EXPECT_EQ(host().sends, Boxes{"GET http://web.invalid:8123/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
   EXPECT_EQ(machine.messageBoxes, boxOf("7.2.2"));
 }
 

@@ -59,7 +59,7 @@ class LongMatch : public GameTest, public server::ArenaOutput {
     std::string& sent = server().sent;
     EXPECT_TRUE(reader_.read(sent, [this](std::string_view text) { arena_.received(ourClient, text, now()); }));
     forgetSent();
-    server().sendings.clear();
+    server().sends.clear();
     underWay_.push_back(std::move(toUs_));
     toUs_.clear();
     if (static_cast<int>(underWay_.size()) <= latency) return;

@@ -50,7 +50,7 @@ class Spectator : public GameTest {
       expectTheLiving(now);
       tick(line_.frameMs);
       forgetSent();
-      server().sendings.clear();
+      server().sends.clear();
       machine.journal.clear();
       machine.soundCommands.clear();
     }

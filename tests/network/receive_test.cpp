@@ -32,17 +32,17 @@ TEST_F(Receive, SendsNothingUnlessConnected) {
     server().setState(static_cast<SocketState>(state));
     netMan::sendMessage<wire::msgSpawnRequest>();
   }
-  EXPECT_TRUE(server().sendings.empty());
+  EXPECT_TRUE(server().sends.empty());
   EXPECT_TRUE(lines().empty());
   server().setState(sckConnected);
   netMan::sendMessage<wire::msgSpawnRequest>();
-  EXPECT_EQ(server().sendings, Lines{"\x80\x98\x81"});
+  EXPECT_EQ(server().sends, Lines{"\x80\x98\x81"});
 }
 
 TEST_F(Receive, AFrameIsOneSending) {
   server().setState(sckConnected);
   netMan::sendMessage<wire::msgChat>(-1, "hi");
-  EXPECT_EQ(server().sendings, (Lines{"\x80\x90-1\x82hi\x81"}));
+  EXPECT_EQ(server().sends, (Lines{"\x80\x90-1\x82hi\x81"}));
 }
 
 TEST_F(Receive, TwoFramesInOneReadAreHandledInOrder) {

@@ -203,7 +203,7 @@ void LongPlay::logIn(const std::string& itsPassword) {
 
 void LongPlay::relay() {
   const std::string bytes = std::exchange(server().sent, {});
-  server().sendings.clear();
+  server().sends.clear();
   if (ourClient_ == 0) return;
   if (server().state() == sckClosed) return follow();
   count(bytes, sent);

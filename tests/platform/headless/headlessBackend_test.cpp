@@ -98,7 +98,7 @@ TEST_F(Headless, ASocketConnectsWhenTheFarEndSaysSo) {
   socket.SendData("one");
   socket.SendData("two");
   EXPECT_EQ(far.sent, "onetwo");
-  EXPECT_EQ(far.sendings, (std::vector<std::string>{"one", "two"}));
+  EXPECT_EQ(far.sends, (std::vector<std::string>{"one", "two"}));
   EXPECT_EQ(far.connects, (std::vector<std::pair<std::string, int>>{{"arena", 99}}));
 }
 

@@ -71,9 +71,9 @@ TEST(Foresight, APointThatEndsBeforeItIsReachedClosesNothing) {
 }
 
 TEST(Foresight, WaysMeetOrDoNot) {
-  EXPECT_TRUE(cross({0, 0}, {10, 10}, {0, 10}, {10, 0}));
-  EXPECT_FALSE(cross({0, 0}, {4, 4}, {0, 10}, {10, 0}));
-  EXPECT_FALSE(cross({0, 0}, {10, 0}, {0, 1}, {10, 1}));
+  EXPECT_TRUE(segmentsMeet({0, 0}, {10, 10}, {0, 10}, {10, 0}));
+  EXPECT_FALSE(segmentsMeet({0, 0}, {4, 4}, {0, 10}, {10, 0}));
+  EXPECT_FALSE(segmentsMeet({0, 0}, {10, 0}, {0, 1}, {10, 1}));
 }
 
 }  // namespace

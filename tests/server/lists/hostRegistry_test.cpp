@@ -47,8 +47,8 @@ TEST(HostRegistry, ListsMatchingEntries) {
 TEST(HostRegistry, OnlyItsAnnouncerChangesOrWithdrawsAnEntry) {
   HostRegistry registry;
   registry.announce("a", of("192.0.2.7", 2010), 0);
-  EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2010, 6), 1), Answer::anothers);
-  EXPECT_EQ(registry.withdraw("b", of("192.0.2.7", 2010).host, 1), Answer::anothers);
+  EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2010, 6), 1), Answer::notOwner);
+  EXPECT_EQ(registry.withdraw("b", of("192.0.2.7", 2010).host, 1), Answer::notOwner);
   EXPECT_EQ(*registry.listing(all, 1), "[192.0.2.7|2010|0|n|3|6]-END-\n");
   EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2011), 1), Answer::done) << "another port is another server";
   EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done);
@@ -62,7 +62,7 @@ TEST(HostRegistry, OneHostHasThirtyTwoEntries) {
   for (std::uint16_t port = 1; port <= 32; ++port) {
     EXPECT_EQ(registry.announce("a", of("x", port), 0), Answer::done) << port;
   }
-  EXPECT_EQ(registry.announce("a", of("x", 33), 0), Answer::tooManyOfNetwork);
+  EXPECT_EQ(registry.announce("a", of("x", 33), 0), Answer::tooManyFromNetwork);
   EXPECT_EQ(registry.announce("a", of("x", 32, 5), 0), Answer::done) << "those it has may change";
   EXPECT_EQ(registry.announce("b", of("x", 33), 0), Answer::done);
   EXPECT_EQ(registry.announce("a", of("x", 34), 0, true), Answer::done) << "trusted";
