@@ -14,6 +14,7 @@ inline constexpr std::array<char16_t, 32> codePage1252Middle = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
+/// The character for a byte of code page 1252.
 constexpr char16_t toUnicode(unsigned char byte) {
   return byte >= 0x80 && byte <= 0x9F ? codePage1252Middle[byte - 0x80U] : char16_t{byte};
 }
@@ -31,7 +32,7 @@ constexpr std::optional<char> toCodePage(char32_t code) {
 /// or contains a character that the code page lacks.
 std::optional<std::string> codePageFromUtf8(std::string_view text);
 
-/// The reverse, which always succeeds.
+/// Converts code page 1252 to UTF-8. Always succeeds.
 std::string utf8FromCodePage(std::string_view text);
 
 }  // namespace kelvora

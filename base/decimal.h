@@ -6,8 +6,8 @@
 
 namespace kelvora {
 
-/// Conversions between binary and decimal numbers, correctly rounded: the same digits and the same bits with every
-/// standard library. The exact value decides, and ties go to the even digit.
+/// Conversions between binary and decimal numbers, correctly rounded, so that every standard library gives the same
+/// digits and bits. The exact value decides, and ties go to the even digit.
 
 /// The double nearest to "digits[.digits][e[sign]digits]"; nothing if it overflows, or rounds to 0 without being 0.
 std::optional<double> parseDecimal(std::string_view text);
@@ -15,8 +15,8 @@ std::optional<double> parseDecimal(std::string_view text);
 /// are numbers, plus signs and blanks are not.
 std::optional<double> parseWholeDecimal(std::string_view text);
 
-/// Writes a number that is finite and not negative as "d.ddde+xx", without a terminator. Returns the end of the text,
-/// or null if it doesn't fit.
+/// Writes a finite number of at least 0 as "d.ddde+xx" with `decimals` digits after the point, without a terminator.
+/// Returns the end of the text, or null if it doesn't fit.
 char* writeScientific(char* first, std::size_t size, double value, int decimals);
 /// The same as "ddd.ddd".
 char* writeFixed(char* first, std::size_t size, double value, int decimals);

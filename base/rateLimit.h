@@ -6,11 +6,12 @@
 
 namespace kelvora {
 
-/// A token bucket: lets a burst of events through, then `perSecond` on average. `now` must never decrease.
+/// A token bucket: allows `burst` events at once, then `perSecond` on average. `now` must never decrease.
 class RateLimit {
  public:
   RateLimit(double perSecond, double burst) : perSecond_(perSecond), burst_(burst), tokens_(burst) {}
 
+  /// True if an event may happen now. Consumes a token if so.
   bool allows(Millis now) {
     tokens_ = std::min(burst_, tokens_ + static_cast<double>(now - last_) * perSecond_ / 1000);
     last_ = now;

@@ -14,8 +14,8 @@ std::string trimBlanks(std::string_view text);
 /// Lowercases ASCII letters and the accented capitals of code page 1252.
 std::string lowerCase(std::string_view text);
 
-/// Decimal text with at most 7 significant digits and a point as separator. Fractions have no zero before the point
-/// (".5"). Exponents are used from ten million on ("1.234568E+07") and below a ten millionth ("1.5E-08"). RuntimeFault
+/// Decimal text with at most 7 significant digits and a decimal point. Fractions have no zero before the point (".5").
+/// Exponents are used from ten million on ("1.234568E+07") and below a ten millionth ("1.5E-08"). RuntimeFault
 /// "Overflow" if the value is infinite or NaN.
 std::string numberText(float value);
 /// The same with at most 15 digits. Exponents are used from 1E+15 on and below the 15th decimal.

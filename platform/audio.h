@@ -18,8 +18,10 @@ class SoundPeer {
   virtual ~SoundPeer() = default;
   /// Loads a wave file. False if it doesn't exist.
   virtual bool open(const std::string& file) = 0;
+  /// Mutes or unmutes. A muted effect plays inaudibly.
   virtual void silence(bool silent) = 0;
   virtual void rewind() = 0;
+  /// Plays from the start, even if it is playing.
   virtual void play() = 0;
   virtual void stop() = 0;
 };
@@ -31,6 +33,7 @@ class MusicPeer {
   /// Plays the file instead of the current track. If it is missing or unplayable, the state becomes psStopped.
   virtual void play(const std::string& file) = 0;
   virtual void stop() = 0;
+  /// psReady before the first file.
   virtual PlayState playState() const = 0;
 };
 

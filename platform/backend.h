@@ -19,7 +19,7 @@ class MusicPeer;
 using Tick = std::int64_t;
 
 /// The services of a platform. One backend is installed before the game starts and outlives it. The game calls it
-/// through the free functions below.
+/// through the free functions below, which state its contracts.
 class Backend {
  public:
   virtual ~Backend() = default;
@@ -41,6 +41,7 @@ class Backend {
   virtual std::string readSetting(const std::string& section, const std::string& key, const std::string& fallback) = 0;
   virtual void writeSetting(const std::string& section, const std::string& key, const std::string& value) = 0;
 
+  /// Create the backend's side of a socket, sound effect or music player. Never null.
   virtual std::unique_ptr<SocketPeer> createSocket(Winsock& socket) = 0;
   virtual std::unique_ptr<SoundPeer> createSound() = 0;
   virtual std::unique_ptr<MusicPeer> createMusic() = 0;
@@ -51,7 +52,7 @@ class Backend {
   virtual std::string webHost() = 0;
 };
 
-/// Null uninstalls the backend. Don't call `backend` while none is installed.
+/// Installs a backend; null uninstalls it. `backend` must not be called while none is installed.
 void installBackend(Backend* backend);
 Backend& backend();
 
@@ -76,7 +77,7 @@ void MsgBox(const std::string& text);
 [[noreturn]] void endProcess();
 /// Moves the mouse pointer to a position in screen pixels.
 void SetCursorPos(int x, int y);
-/// The program's arguments, joined by blanks.
+/// The program's arguments, separated by blanks.
 std::string commandLine();
 /// The folder of the program's data files, without a trailing slash.
 std::string applicationPath();
@@ -98,7 +99,7 @@ struct AppVersion {
   int revision;
 };
 AppVersion appVersion();
-/// The three numbers joined by points, without padding.
+/// The three numbers separated by dots, without padding.
 std::string appVersionText();
 
 }  // namespace kelvora

@@ -33,7 +33,8 @@ struct Place {
   float height = 0;
 };
 
-/// A length. Assigning a negative value raises RuntimeFault "Invalid property value" and keeps the old one.
+/// A width or height in twips. Assigning a negative value raises RuntimeFault "Invalid property value" and keeps the
+/// old one.
 class Extent : public Property<float> {
  public:
   using Property<float>::Property;

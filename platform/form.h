@@ -36,7 +36,7 @@ class Form : public Control {
   virtual void load() {}
   /// Called when the user closes the window. The form is unloaded afterwards.
   virtual void unloading() {}
-  /// Called after the form has been unloaded in any way. It stays in memory for a while.
+  /// Called after the form has been unloaded, in whatever way. It stays in memory until `releaseUnloadedForms`.
   virtual void unloaded() {}
 
   /// Raised when the client area has a new size.

@@ -33,6 +33,7 @@ enum class PropertyId : std::uint8_t {
 };
 
 class Control;
+/// Tells the control's peer, if any, that the property has a new value.
 void notifyPeer(Control& owner, PropertyId id);
 
 /// A property of a control. Assigning it notifies the control's peer, if any. Reading it never calls the peer.

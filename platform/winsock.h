@@ -24,7 +24,8 @@ enum SocketState : int {
   sckError,
 };
 
-/// The backend's side of a socket.
+/// The backend's side of a socket. Winsock, which states the contracts, calls `connect` only on a closed socket and
+/// `send` only on a connected one.
 class SocketPeer {
  public:
   virtual ~SocketPeer() = default;

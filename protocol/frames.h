@@ -52,6 +52,7 @@ constexpr bool canHold(FieldType type) {
   return false;
 }
 
+/// Appends the text of a field's value.
 inline void append(std::string& frame, NumberText number) { frame += number.text; }
 inline void append(std::string& frame, std::string_view text) { frame += text; }
 template <WholeNumber Number>
@@ -68,11 +69,11 @@ void append(std::string& frame, Number number) {
 template <Direction direction, MessageId id, class... Values>
 std::string buildFrame(const Values&... values) {
   static constexpr std::span<const Field> fields = fieldsOf(direction, id);
-  static_assert(sizeof...(values) == fields.size(), "the message has another number of fields");
+  static_assert(sizeof...(values) == fields.size(), "wrong number of fields for this message");
   [[maybe_unused]] constexpr auto fit = []<std::size_t... i>(std::index_sequence<i...>) {
     return (canHold<Values>(fields[i].type) && ...);
   };
-  static_assert(fit(std::index_sequence_for<Values...>()), "a field of the message has another type");
+  static_assert(fit(std::index_sequence_for<Values...>()), "wrong type for a field of this message");
   std::string frame{frameStart, static_cast<char>(id)};
   frame.reserve(48);
   // Quirk Q-060: fields aren't escaped. A name or password that contains a delimiter breaks its frame.

@@ -52,11 +52,13 @@ enum class Direction : std::uint8_t { toServer, toClient };
 /// Signed whole numbers of 16 and 32 bits, floating-point numbers of 32 and 64 bits, and text. All travel as text.
 enum class FieldType : std::uint8_t { int16, int32, single, real, text };
 
+/// A field of a message.
 struct Field {
   std::string_view name;
   FieldType type{};
 };
 
+/// A message in one direction, with its layout on the wire.
 struct Message {
   MessageId id;
   Direction direction;

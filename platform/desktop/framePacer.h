@@ -6,8 +6,8 @@
 
 namespace kelvora {
 
-/// Decides when a paced pass of the frame loop ends. All ends are on one absolute schedule, so a slightly late pass is
-/// made up for and the rate is exact over time.
+/// Decides when a paced pass of the frame loop ends. All ends are on one absolute schedule: a slightly late pass is
+/// made up for, and the average rate is exact.
 class FramePacer {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;

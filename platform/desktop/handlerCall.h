@@ -20,12 +20,13 @@ class HandlerScope {
   HandlerScope& operator=(const HandlerScope&) = delete;
 };
 
-/// Records what the game is about to handle, for the error box of a subsequent fault. Valid until the next note or
-/// until the outermost handler ends.
+/// Records what the game is about to do, for the error box of a subsequent fault. Valid until the next note or until
+/// the outermost handler ends.
 void noteForReport(std::string what);
 
 /// Shows the error box and ends the process with status 1. No handler runs any more while the box is open.
 [[noreturn]] void reportFault(const char* what);
+/// True once `reportFault` has been called.
 bool isFaultReported();
 
 /// Shows an error and what the user can do about it, until the box is closed.

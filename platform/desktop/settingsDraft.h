@@ -8,7 +8,7 @@
 namespace kelvora {
 
 /// A copy of the settings file that is changed and then replaces the file atomically. It has its own folder next to the
-/// file, and the destructor removes that folder. The next draft removes whatever a killed instance has left.
+/// file, and the destructor removes that folder. The next draft removes whatever a killed instance has left behind.
 class SettingsDraft {
  public:
   /// Waits for its turn, at most two seconds. The file's folder must exist. If the file doesn't, the draft is empty.

@@ -18,8 +18,8 @@ namespace kelvora {
 class MixerDevice;
 
 /// Runs all sound on its own thread, which loads the sound module, opens the device and controls it, so that no call
-/// waits for the machine. The thread is created with the first file. The device is opened a little later, so that it
-/// doesn't delay the first windows. Game code never runs on this thread.
+/// blocks. The thread is created with the first file. The device is opened a little later, so that it doesn't delay the
+/// first windows. Game code never runs on this thread.
 class SoundMixer {
  public:
   /// The patience of the game.
@@ -56,7 +56,7 @@ class SoundMixer {
 
   /// Queues a command for the thread. False if no thread can be started.
   bool post(std::function<void(MixerDevice&)> run, Clock::time_point latest = Clock::time_point::max());
-  /// Opens the device now, because an effect is played.
+  /// Ends the calm early, because an effect is to be played.
   void await();
   void work();
   /// Sets the track's state, unless another track has been requested since.
@@ -69,7 +69,7 @@ class SoundMixer {
   std::condition_variable arrived_;
   std::deque<Command> commands_;
   bool closing_ = false;
-  bool isAwaited_ = false;               ///< an effect is to be played
+  bool isAwaited_ = false;               ///< an effect is waiting for the device
   const MixerDevice* device_ = nullptr;  ///< set once open; lives as long as the thread
   int track_ = 0;                        ///< counts the music commands
   PlayState musicState_ = psReady;

@@ -30,9 +30,9 @@ class HeadlessSocket : public SocketPeer {
 
   /// Attempted connections: (host, port).
   std::vector<std::pair<std::string, int>> connects;
-  /// How often the game closed the socket while it wasn't closed.
+  /// Number of times the game closed an open socket.
   int closes = 0;
-  /// All bytes the game sent, and the same per call of SendData.
+  /// All bytes the game sent, and the bytes of each call of SendData.
   std::string sent;
   std::vector<std::string> sends;
 

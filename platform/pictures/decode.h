@@ -10,9 +10,9 @@ namespace kelvora {
 
 using FileBytes = std::vector<unsigned char>;
 
-inline constexpr std::uint32_t maxPictureSide = 8192;  ///< pixels
+inline constexpr std::uint32_t maxPictureSide = 8192;  ///< pixels, width and height
 
-/// Nothing if the bytes are not a complete, valid picture of that kind within the limits.
+/// Decodes a file. Nothing if it isn't a complete, valid picture of that kind, or larger than `maxPictureSide`.
 std::optional<Picture> decodePng(const FileBytes& bytes);
 std::optional<Picture> decodeJpeg(const FileBytes& bytes);
 

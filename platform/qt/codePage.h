@@ -8,7 +8,7 @@
 
 namespace kelvora {
 
-/// One character per byte.
+/// Converts code page 1252 to the toolkit's text, one character per byte.
 inline QString toQString(std::string_view text) {
   QString result;
   result.reserve(static_cast<qsizetype>(text.size()));
@@ -16,8 +16,8 @@ inline QString toQString(std::string_view text) {
   return result;
 }
 
-/// One byte per character. Characters that code page 1252 lacks are dropped. Separate accents are first combined with
-/// their letters.
+/// Converts to code page 1252, one byte per character. Characters that it lacks are dropped. Separate accents are first
+/// combined with their letters.
 inline std::string toBytes(const QString& text) {
   const QString whole = text.normalized(QString::NormalizationForm_C);
   std::string result;

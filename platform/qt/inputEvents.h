@@ -8,12 +8,14 @@ namespace kelvora {
 
 class Control;
 
-/// 1 Shift, 2 Ctrl, 4 Alt.
+/// The bit sum for an event's Shift: 1 Shift, 2 Ctrl, 4 Alt.
 int shiftBits(Qt::KeyboardModifiers modifiers);
-/// 1 left, 2 right, 4 middle.
+/// The bit sum for an event's Button: 1 left, 2 right, 4 middle.
 int buttonBits(Qt::MouseButtons buttons);
 /// The Windows virtual key code, or 0 if the key has none.
 int virtualKeyCode(Qt::Key key, bool onKeypad);
+
+// Each of these raises the events of a control, in twips relative to it.
 
 /// KeyDown, then KeyPress for each byte of code page 1252 typed.
 void raiseKey(Control& control, const QKeyEvent& event);

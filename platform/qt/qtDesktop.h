@@ -17,7 +17,7 @@ namespace kelvora {
 /// file system's encoding, not in code page 1252.
 class QtDesktop : public Backend {
  public:
-  /// `commandLine` is the program's arguments, joined by blanks.
+  /// `commandLine` is the program's arguments, separated by blanks.
   explicit QtDesktop(std::string commandLine);
 
   Tick tickCount() override;

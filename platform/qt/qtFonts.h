@@ -8,8 +8,8 @@
 
 namespace kelvora {
 
-/// Loads the system's font rules on a thread while the toolkit connects to the screen. Both take about as long. The
-/// destructor waits for the thread. If no thread can be started, the toolkit loads the rules itself.
+/// Loads the system's font rules on a thread while the toolkit connects to the screen. The two take about equally long.
+/// The destructor waits for the thread. If no thread can be started, the toolkit loads the rules itself.
 class FontsAhead {
  public:
   FontsAhead();
@@ -30,8 +30,7 @@ QFont toQFont(const FontSpec& font);
 /// The same font with another size in points.
 QFont toQFont(const FontSpec& font, float points);
 
-/// The font, or the next smaller one in which the text fits into the given width and height (pixels), but at least
-/// three quarters of its size.
+/// The font, made smaller until the text fits into `room` (pixels), but not below three quarters of its size.
 QFont fittingFont(QFont font, const QString& text, QSize room);
 
 }  // namespace kelvora

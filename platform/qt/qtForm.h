@@ -34,6 +34,7 @@ class FormWindow : public QMainWindow {
   QWidget* client_;
 };
 
+/// A form's peer, which owns its native window.
 class FormPeer : public Peer {
  public:
   explicit FormPeer(Form& form);
@@ -44,6 +45,7 @@ class FormPeer : public Peer {
   FormWindow& window() { return *window_; }
   /// Called when the client area has a new size in pixels.
   void clientResized(QSize client);
+  /// Called when the window has been moved.
   void moved();
 
  private:

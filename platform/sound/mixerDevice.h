@@ -10,6 +10,7 @@ class MixerDevice {
  public:
   virtual ~MixerDevice() = default;
 
+  /// Loads a wave file into a channel, replacing its effect. A channel whose file can't be loaded stays silent.
   virtual void loadEffect(int channel, const std::string& file) = 0;
   virtual void freeEffect(int channel) = 0;
   virtual void silence(int channel, bool silent) = 0;
