@@ -8,9 +8,9 @@
 
 namespace kelvora::modMain {
 
-// Limits on what a server can make the client store, in total. They are far beyond any game. They keep a hostile server
-// from filling the memory or making a frame last for ever. Anything beyond a limit is dropped, or ends its message with
-// a fault.
+// Limits on what a server can make the client store, in total. They are far above what any game needs, and keep a
+// hostile server from filling the memory or making a frame last for ever. Anything beyond a limit is dropped, or ends
+// its message with a fault.
 inline constexpr std::size_t maxTailVertices = 250'000;       ///< of all players
 inline constexpr std::size_t maxQueuedPositions = 1'000'000;  ///< of all players and network particles
 inline constexpr std::size_t maxKillerTails = 1'000;

@@ -7,12 +7,12 @@
 
 namespace kelvora {
 
-/// Colour and size of the text of one purpose, kept in the settings.
+/// The colour and size of one purpose's text, kept in the settings.
 class clsFont {
  public:
   /// Sets the purpose, 0 to 4, and reads its settings. RuntimeFault for any other purpose, because it has no defaults.
   void init(std::int16_t purpose);
-  /// RuntimeFault if a stored value is not a number or out of range.
+  /// Reads the stored values. RuntimeFault if one is not a number or out of range.
   void loadSettings();
   /// Updates this purpose's row of the dialog. Loads the dialog.
   void showToForm();

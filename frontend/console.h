@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// What a console line says. The types up to Error are the purposes of fontMan; Plain and above are white.
+/// The kind of a console line. The types up to Error are the purposes of fontMan; Plain and above are white.
 enum class LineType : std::int16_t { PublicChat, PrivateSent, PrivateReceived, ServerMessage, Error, Plain };
 
 /// Prints a text on the console. All of the game's messages go through here.

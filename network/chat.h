@@ -11,6 +11,7 @@ enum class ChatMode : std::uint8_t { Public, Private };
 extern ChatMode chatMode;
 extern std::int16_t privateTargetIndex;  ///< playerIndex of the partner
 extern std::string privateTargetName;    ///< empty until a partner is chosen
+
 /// Handles a line from txtChat: a console command after a tilde, otherwise a chat line for the server.
 void sendChat(const std::string& text);
 /// Keeps only characters 32 to 127.

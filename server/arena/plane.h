@@ -26,7 +26,9 @@ inline double length(Point a) { return std::hypot(a.x, a.y); }
 /// The length that counts for flight times, because speed is |x| + |y| in every direction.
 inline double flightLength(Point a) { return std::fabs(a.x) + std::fabs(a.y); }
 
+// Angles are in radians, from the x axis towards the y axis.
 inline double angleOf(Point a) { return std::atan2(a.y, a.x); }
+/// The unit vector in that direction.
 inline Point towards(double angle) { return {std::cos(angle), std::sin(angle)}; }
 inline Point rotated(Point a, double angle) {
   const Point turn = towards(angle);

@@ -41,6 +41,7 @@ struct Player {
   RateLimit requests{requestsPerSecond, 20};
 };
 
+/// A snapshot of the player, whose powerups run as of `now`.
 PlayerView viewOf(const Player& player, Millis now);
 
 }  // namespace kelvora::server

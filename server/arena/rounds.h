@@ -9,7 +9,7 @@
 
 namespace kelvora::server {
 
-/// "1 second", "3 seconds"; started seconds count as whole ones.
+/// "1 second" or "3 seconds", rounded up.
 std::string secondsText(Millis time);
 
 /// Rounds and the intermissions between them. The clock only runs while people are in.

@@ -12,10 +12,10 @@ class SpeedLimit {
  public:
   static constexpr Millis window = 1'000;
 
-  /// `speed` is in world units per ms. A refused distance doesn't count.
+  /// True if the player may move this far now. `speed` is in world units per ms. A refused distance doesn't count.
   bool allows(double distance, double speed, Millis now) {
-    const double most = speed * static_cast<double>(window);
-    left_ = isFresh_ ? most : std::min(most, left_ + speed * static_cast<double>(now - last_));
+    const double maximum = speed * static_cast<double>(window);
+    left_ = isFresh_ ? maximum : std::min(maximum, left_ + speed * static_cast<double>(now - last_));
     isFresh_ = false;
     last_ = now;
     if (distance > left_) return false;

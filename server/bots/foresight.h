@@ -33,7 +33,7 @@ std::optional<Closing> soonestClosing(std::span<const Point> tail, Point head, d
 /// True if `point` is inside the loop of a closing.
 bool isInside(std::span<const Point> tail, Point head, const Closing& closing, Point point);
 
-/// True if the segments a-b and c-d meet.
+/// True if the segments a-b and c-d cross.
 bool segmentsMeet(Point a, Point b, Point c, Point d);
 
 }  // namespace kelvora::server

@@ -32,9 +32,9 @@ class Mind {
   /// Resets the plans at the start of a new life.
   void forget();
 
-  /// Random numbers, and events of the probability `part`.
+  /// A random number from `low` to `high`, and an event of a given probability.
   double between(double low, double high) { return std::uniform_real_distribution(low, high)(random_); }
-  bool chance(double part) { return between(0, 1) < part; }
+  bool chance(double probability) { return between(0, 1) < probability; }
 
  private:
   struct Loop {

@@ -13,7 +13,7 @@ namespace kelvora::server {
 /// An option, or a heading of the help if it has no name. The kind of its target determines its values. A Switch takes
 /// none. A Text has `lowest` to `highest` bytes. Letters are given as UTF-8 and stored in code page 1252, in `lowest`
 /// to `highest` bytes. With `inLogins` they must not contain a login's delimiters. Whole and Decimal numbers are from
-/// `lowest` to `highest`. A Word is one of those in `valueName`, separated by strokes, and its index is stored.
+/// `lowest` to `highest`. A Word is one of those in `valueName`, separated by vertical bars, and its index is stored.
 struct Option {
   using Switch = void (*)(Options&);
   using Text = std::string& (*)(Options&);

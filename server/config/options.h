@@ -37,8 +37,9 @@ struct Options {
 /// they name a configuration file, it is read first, wherever its name appears, so that the command line overrides it.
 Outcome parseOptions(std::span<const char* const> arguments, Options& options);
 
+/// The text that "--help" prints.
 std::string helpText();
-/// Of this build: three numbers joined by points.
+/// The version of this build: three numbers separated by dots.
 std::string versionText();
 
 }  // namespace kelvora::server

@@ -8,7 +8,7 @@
 
 namespace kelvora::server {
 
-/// The highest port in a list. Clients refuse port 32767, and a higher one in a list ends them.
+/// The highest port in a list. Clients refuse port 32767, and end with a fault at a higher one in a list.
 inline constexpr std::uint16_t maxListedPort = 32'766;
 
 /// A server's entry in the list of published games.
@@ -39,7 +39,7 @@ struct HostQuery {
 /// Replaces a record's delimiters and the end mark by blanks.
 std::string recordText(std::string_view text);
 
-/// True if a host of this version belongs into the answer to the query.
+/// True if a host of this version belongs in the answer to the query.
 bool matches(const HostEntry& host, std::string_view version, const HostQuery& query);
 
 /// "[address|port|password|notes|players|maxPlayers]" with a password of 0 or 1.

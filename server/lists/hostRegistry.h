@@ -21,6 +21,7 @@ class HostRegistry {
   static constexpr std::size_t maxPerNetwork = 32;  ///< entries announced by one host, unless it is trusted
   static constexpr std::size_t maxOutdated = std::size_t{1} << 20;  ///< bytes of old listings that are still in use
 
+  /// `notOwner`: another host has announced the entry.
   enum class Answer { done, notOwner, tooManyFromNetwork, full };
 
   /// Adds or updates an entry. `network` identifies the announcing host. The entry's address must not be empty.

@@ -12,7 +12,7 @@ class PublishSchedule {
   static constexpr Millis newsInterval = 10'000;
   static constexpr Millis retryInterval = 60'000;
 
-  /// On the clock of `begins`. 0 means at once.
+  /// The time of the next announcement, on the clock of `begins`. 0 means at once.
   Millis due() const {
     if (!hasTried_) return 0;
     if (hasFailed_) return last_ + retryInterval;
