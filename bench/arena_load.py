@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""What a server costs the machine: real processes, real sockets of the loopback interface.
+"""Measures the load of whole servers: real processes on real loopback sockets.
 
     bench/arena_load.py build/release/kelvora-server [--seconds 20] [--arenas 100] [--bots 5]
 
-First one arena with six clients, each of whom reports 25 positions a second and answers every ping; then as many arenas
-as --arenas says, each a process of its own with bots and one such client. Processor time is that of the server processes
-alone, as the system counts it, in percent of one core; memory is what they have in it (RSS), and what of that they do
-not share (PSS). It ends by itself, and takes its servers with it.
+First one arena with six clients, each reporting 25 positions per second and answering every ping. Then as many arenas
+as --arenas says, each a process with bots and one such client. Processor time is that of the server processes, as
+counted by the system, in percent of one core. Memory is their resident set (RSS) and the part of it that they don't
+share (PSS). The script ends by itself and stops its servers.
 """
 
 import argparse
@@ -20,7 +20,7 @@ from pathlib import Path
 
 
 def load_protocol(program):
-    """The build writes the messages' ids beside its programs."""
+    """Loads the message ids, which the build writes beside its programs."""
     global protocol
     sys.path.insert(0, str(Path(program).resolve().parent / "generated"))
     sys.dont_write_bytecode = True
@@ -29,7 +29,7 @@ def load_protocol(program):
 
 
 class Player:
-    """Flies circles at the game's own speed, and reads all it is told."""
+    """Flies circles at the game's normal speed and reads everything it gets."""
 
     def __init__(self, port, number, version):
         self.socket = socket.create_connection(("127.0.0.1", port))
@@ -43,13 +43,13 @@ class Player:
         self.angle = number
 
     def open(self):
-        """Other transports say here what comes first."""
+        """Overridden by transports with a handshake."""
 
     def send(self, data):
         self.socket.sendall(data)
 
     def take(self, data):
-        """The protocol's bytes within what has come."""
+        """The protocol's bytes in the received data."""
         return data
 
     def read(self):
@@ -84,7 +84,7 @@ class Server:
         self.port = int(self.process.stdout.readline().rsplit(":", 1)[1])
 
     def seconds(self):
-        """Processor time since its start."""
+        """Processor time since the server's start, in seconds."""
         with open(f"/proc/{self.process.pid}/schedstat", encoding="ascii") as file:
             main = int(file.read().split()[0]) / 1e9
         threads = 0.0
@@ -105,7 +105,7 @@ class Server:
 
 
 def play(players, seconds):
-    """All report 25 times a second, spread evenly over each 40 ms."""
+    """Lets all players report 25 times a second, spread evenly over each 40 ms."""
     begin = time.monotonic()
     step = 0
     while (now := time.monotonic()) < begin + seconds:
@@ -126,7 +126,7 @@ def measure(program, arenas, people, bots, seconds):
         for _ in range(arenas):
             servers.append(Server(program, *(["--bots", str(bots)] if bots else [])))
         players = [Player(server.port, number, version) for server in servers for number in range(people)]
-        play(players, 10)  # till all the bots are in
+        play(players, 10)  # until all bots are in
         for player in players:
             player.frames = player.reports = player.pings = 0
         before = [server.seconds() for server in servers]
@@ -137,12 +137,13 @@ def measure(program, arenas, people, bots, seconds):
         heard = sum(player.frames for player in players) / len(players) / taken
         pings = sum(player.pings for player in players) / len(players) / taken * 60
         print(f"{arenas} arena(s) of {people} client(s) and {bots} bot(s), {taken:.1f} s: "
-              f"{rate:.1f} reports a second, {pings:.1f} pings a minute and {heard:.1f} messages a second a client")
-        print(f"  processor: {100 * sum(used) / taken:.2f} % of a core in all, "
-              f"{100 * max(used) / taken:.2f} % the busiest")
-        print(f"  memory: {sum(rss for rss, _ in memory) / 1024:.1f} MiB in all (RSS), "
-              f"{sum(pss for _, pss in memory) / 1024:.1f} MiB with what is shared counted once (PSS), "
-              f"{max(rss for rss, _ in memory) / 1024:.1f} MiB the largest (RSS)")
+              f"{rate:.1f} reports per second, {pings:.1f} pings per minute and {heard:.1f} messages per second "
+              "and client")
+        print(f"  processor: {100 * sum(used) / taken:.2f} % of a core in total, "
+              f"{100 * max(used) / taken:.2f} % for the busiest")
+        print(f"  memory: {sum(rss for rss, _ in memory) / 1024:.1f} MiB in total (RSS), "
+              f"{sum(pss for _, pss in memory) / 1024:.1f} MiB without counting shared pages twice (PSS), "
+              f"{max(rss for rss, _ in memory) / 1024:.1f} MiB for the largest (RSS)")
     finally:
         for server in servers:
             server.end()

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""What each way to speak to the server costs: real processes, real sockets of the loopback interface.
+"""Measures what each kind of connection costs the server: real processes on real loopback sockets.
 
     bench/listener_load.py build/release/kelvora-server [--before OTHER] [--seconds 30]
 
-Everything that is compared runs at the same time: six players over TCP, six over WebSocket, and, with --before, six over
-TCP on another build of the server. Then memory for each kind of connection, a list of 1000 entries, and the time that a
-position takes beside a thousand idle connections. Processor time and memory are those of the server processes alone."""
+Everything compared runs at the same time: six players over TCP, six over WebSocket and, with --before, six over TCP on
+another build of the server. Then follow the memory for each kind of connection, a list of 1000 entries, and the latency
+of a position beside a thousand idle connections. Processor time and memory are those of the server processes alone."""
 
 import argparse
 import resource
@@ -29,7 +29,7 @@ def web_frame(data):
 
 
 class WebPlayer(Player):
-    """The same over WebSocket."""
+    """A player over WebSocket."""
 
     def open(self):
         self.unread = b""
@@ -58,7 +58,7 @@ class WebPlayer(Player):
 
 
 def compare_players(programs, seconds):
-    """One arena of six for each kind of player, all at once."""
+    """Measures one arena of six for each kind of player, all at once."""
     servers, players = [], []
     for _, program, kind in programs:
         server = Server(program)
@@ -81,12 +81,12 @@ def compare_players(programs, seconds):
 
 
 def from_host(port, number):
-    """A connection from an address of its own."""
+    """Connects from a separate address."""
     return socket.create_connection(("127.0.0.1", port), 10, (f"127.1.{number // 250}.{1 + number % 250}", 0))
 
 
 def connection_memory(program):
-    """What 90 connections of each kind add to the process."""
+    """The memory that 90 connections of each kind add to the process."""
     kinds = (("silent", b"", 0), ("raw, a frame begun", b"\x80\x90", 0), ("HTTP, a request of 4 KiB begun",
              b"GET / HTTP/1.1\r\nA: " + b"a" * 4000, 0), ("HTTP, kept", b"GET / HTTP/1.1\r\nHost: h\r\n\r\n", 1),
              ("WebSocket, a frame begun", HANDSHAKE, 1))
@@ -109,7 +109,7 @@ def connection_memory(program):
 
 
 def deaf_memory(program, kind):
-    """The most that a player who reads nothing makes the process hold."""
+    """The maximum memory that a player who reads nothing costs the process."""
     server = Server(program)
     version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
     speakers = [kind(server.port, number, version) for number in range(2)]
@@ -137,7 +137,7 @@ def ask(port, number, request):
 
 
 def list_rate(program, seconds):
-    """Requests of the list at 1000 entries, over as many connections as it takes, for the processor time of the server."""
+    """Requests for a list of 1000 entries, over as many connections as needed, by the server's processor time."""
     server = Server(program, "--list-key", "k")
     version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
     for entry in range(1000):
@@ -149,7 +149,7 @@ def list_rate(program, seconds):
     size = len(ask(server.port, 2000, request))
     served, start, begin = 0, server.seconds(), time.monotonic()
     while time.monotonic() < begin + seconds:
-        # 250 addresses at a time, so that nobody comes more often than the door lets in
+        # 250 addresses at a time, so that none exceeds the limit of new connections
         assert len(ask(server.port, 3000 + served % 40_000, request)) == size
         served += 1
     used, taken = server.seconds() - start, time.monotonic() - begin
@@ -178,7 +178,7 @@ def relay_times(watcher, flyer, count):
 
 
 def idle_delay(program):
-    """What a thousand idle connections do to the time from a report to the other player."""
+    """The time from a report to the other player, with and without a thousand idle connections."""
     server = Server(program)
     version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
     players = [Player(server.port, number, version) for number in range(2)]

@@ -1,13 +1,12 @@
 #!/usr/bin/env python3
-"""The real window in a long match, on a virtual display of its own.
+"""Measures the real window in a long match on its own virtual display.
 
     bench/long_window.py build/release [--minutes 30] [--seconds 60]
 
-The client plays at the pace of the game (10 ms a pass) against five bots of the real server: a script steers its mouse
-as a beginner would, asks for the next life after each capture, buys and fires turbos and chats. A line every minute, or
-every `--seconds`, tells of client and server what they have in memory, their open files, threads and processor time,
-and of the pace the times between the position reports that the server gets, one in four passes. It ends by itself and
-takes what it has started with it.
+The client plays at the game's pace (10 ms per pass) against five bots of the real server. A script steers the mouse
+like a beginner, requests a new life after each capture, buys and fires turbos, and chats. Every minute, or every
+`--seconds`, it prints for client and server their memory, open files, threads and processor time, and for the pace the
+times between the position reports, one every four passes. It ends by itself and stops everything it has started.
 """
 
 import argparse
@@ -35,11 +34,11 @@ def arguments():
 OPTIONS = arguments()
 harness.use_build(OPTIONS.build)
 
-BREAK = 1.0  # seconds without a report that are no matter of pace: he is dead, or his brakes are on
+BREAK = 1.0  # seconds without a report that have other causes: the player is dead, or the brakes are on
 
 
 class Process:
-    """What a process holds, and what it has used since it was asked last."""
+    """A process's resources, and its use since the last query."""
 
     def __init__(self, process):
         self.process = process
@@ -62,7 +61,7 @@ class Process:
 
 
 class Watch:
-    """Does once in a while what a player does besides steering, and prints a line in time."""
+    """Occasionally does what a player does besides steering, and prints lines on time."""
 
     def __init__(self, display, client, server, relay):
         self.display, self.client, self.relay = display, client, relay
@@ -110,7 +109,7 @@ class Watch:
             store.click(DONE)
             store.wait_for_end()
         except (AssertionError, TypeError):
-            pass  # a respawn has closed the store, or it has not opened; a client that has ended is found by its figures
+            pass  # a respawn has closed the store, or it didn't open; the figures reveal a client that has ended
         self.client.window.activate()
 
     def fire(self):

@@ -13,8 +13,8 @@
 
 namespace kelvora::bench {
 
-/// Draws the same with the desktop's painter: 32-bit images, only glyphs antialiased, pens with round ends. Pens, fonts
-/// and images are created beforehand, so that only drawing is measured.
+/// Repeats a list of drawing calls with the desktop's painter: 32-bit images, only glyphs antialiased, pens with round
+/// ends. Pens, fonts and images are created in the constructor, so that only drawing is measured.
 class PainterReplay {
  public:
   explicit PainterReplay(const std::vector<DrawingCall>& calls);

@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""What the whole program costs, on a virtual display of its own.
+"""Measures the whole program on its own virtual display.
 
     bench/start_figures.py build/release [--runs 9] [--seconds 5]
 
-Start and memory stand beside an empty window of Qt Widgets (kelvora_empty_window), both started in turn, medians of the
-runs. Then the processor's time and the wake-ups of a client that is not connected; of a connected one at the pace of the
-game (10 ms a pass), in sight, covered and minimised; the time from a jump of the mouse to its picture on the screen and to
-the first position report that carries the turn; and the length of an unpaced pass. It ends by itself and takes what it has
-started with it.
+Start and memory are compared with an empty Qt Widgets window (kelvora_empty_window), both started in turn, medians of
+the runs. Then come the processor time and wake-ups of a disconnected client, and of a connected one at the game's pace
+(10 ms per pass) while visible, covered and minimised; the latency from a jump of the mouse to its picture on the screen
+and to the first position report that includes the turn; and the length of an unpaced pass. The script ends by itself
+and stops everything it has started.
 """
 
 import argparse
@@ -39,7 +39,7 @@ harness.use_build(OPTIONS.build)
 
 
 class WindowWatch:
-    """Tells the moment at which the window manager takes a window in."""
+    """Records when the window manager adopts a window."""
 
     def __init__(self, display):
         self.process = subprocess.Popen(["xprop", "-spy", "-root", "_NET_CLIENT_LIST"], env=display.environment,
@@ -57,7 +57,7 @@ class WindowWatch:
 
 
 def memory(pid):
-    """Megabytes: in memory at all, and the part of it that is the process's own share (PSS)."""
+    """Megabytes in memory, and the part that only this process uses (PSS)."""
     figures = {}
     for line in Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]:
         name, value = line.split()[:2]
@@ -66,13 +66,13 @@ def memory(pid):
 
 
 def processor_seconds(pid):
-    """Of all threads, in nanoseconds' steps."""
+    """Of all threads, with a resolution of nanoseconds."""
     return sum(int(Path(f"/proc/{pid}/task/{task}/schedstat").read_text().split()[0])
                for task in os.listdir(f"/proc/{pid}/task")) / 1e9
 
 
 def start_once(display, command):
-    """Seconds to the window, processor seconds of all threads until then, RSS and PSS some seconds later, processor
+    """Seconds to the window; processor seconds of all threads until then; RSS and PSS some seconds later; processor
     seconds of the whole start."""
     with tempfile.TemporaryDirectory() as folder:
         environment = dict(display.environment, XDG_CONFIG_HOME=folder, HOME=folder, QT_QPA_PLATFORM="xcb",
@@ -84,7 +84,7 @@ def start_once(display, command):
         try:
             shown = watch.next_window() - begin
             to_window = processor_seconds(process.pid)
-            time.sleep(2.5)  # the sound comes behind the window
+            time.sleep(2.5)  # the sound starts after the window
             return (shown, to_window, *memory(process.pid), processor_seconds(process.pid))
         finally:
             harness.stop(process)
@@ -98,7 +98,7 @@ def starts(display):
                 "empty window": [str((OPTIONS.build / "kelvora_empty_window").resolve())]}
     results = {name: [] for name in commands}
     for command in commands.values():
-        start_once(display, command)  # what the disk has to give is in memory from here on
+        start_once(display, command)  # from here on, the files are cached
     for _ in range(OPTIONS.runs):
         for name, command in commands.items():
             results[name].append(start_once(display, command))
@@ -112,13 +112,13 @@ def starts(display):
 
 
 def wake_ups(pid):
-    """How often the process's threads have waited so far."""
+    """The number of times the process's threads have waited so far."""
     status = (Path(f"/proc/{pid}/task/{task}/status").read_text() for task in os.listdir(f"/proc/{pid}/task"))
     return sum(int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", text, re.M)[1]) for text in status)
 
 
 def cost(pid, seconds=None):
-    """Percent of one core, and wake-ups a second, over the measuring time."""
+    """Percent of one core and wake-ups per second during the measurement."""
     begin, cpu, waits = time.monotonic(), processor_seconds(pid), wake_ups(pid)
     time.sleep(seconds or OPTIONS.seconds)
     length = time.monotonic() - begin
@@ -146,8 +146,8 @@ def reports_during(line, seconds):
 
 
 def idle(display):
-    """Nobody is connected. A field that has the focus has the toolkit's caret, which blinks; so it stands beside an empty
-    window, once with the focus and once without. An open sound device wants to be fed, be it with silence."""
+    """Measures a disconnected client. A focused field has the toolkit's blinking caret, so the client is compared with
+    an empty window, with and without the focus. An open sound device must be fed, even with silence."""
     seconds = max(20, OPTIONS.seconds)
     client = harness.Client(display)
     time.sleep(2)
@@ -203,7 +203,7 @@ def paced(display):
 
 
 class Screen:
-    """The X server without a program in between: the mouse jumps and a pixel is read in a fraction of a millisecond."""
+    """A direct connection to the X server: moves the mouse and reads a pixel within a fraction of a millisecond."""
 
     def __init__(self, display):
         self.x11 = ctypes.CDLL("libX11.so.6")
@@ -216,13 +216,13 @@ class Screen:
         self.root = ctypes.c_ulong(self.x11.XDefaultRootWindow(self.connection))
 
     def jump(self, x, y):
-        """Returns the time at which the server has moved the mouse."""
+        """Moves the mouse and returns the time at which the server has done so."""
         self.xtst.XTestFakeMotionEvent(self.connection, -1, x, y, ctypes.c_ulong(0))
         self.x11.XSync(self.connection, 0)
         return time.monotonic()
 
     def brightest(self, x, y, reach):
-        """The brightest channel near a place."""
+        """The brightest channel near a point."""
         image = ctypes.c_void_p(self.x11.XGetImage(self.connection, self.root, x - reach, y - reach, 2 * reach, 2 * reach,
                                                    ctypes.c_ulong(0xFFFFFF), 2))
         pixels = [self.x11.XGetPixel(image, column, row) for row in range(0, 2 * reach, 2)
@@ -239,20 +239,20 @@ def median_of(times):
 
 
 def latency(display):
-    """The ball flies towards the mouse, which jumps to the other side and back; a little above the centre, since exactly
-    beside it the ball would fly the other way. By the rules a report goes out every fourth pass."""
+    """Lets the ball fly towards the mouse, which jumps to the other side and back, slightly above the centre: exactly
+    beside it, the ball would fly the other way. A report is sent every fourth pass."""
     client, server, line = log_in(display)
     client.mouse_to(700, 280)
     client.right_click()
     screen = Screen(display)
     side, to_picture, to_report = 1, [], []
     for turn in range(60):
-        time.sleep(0.25 + turn % 7 * 0.0057)  # at any moment of a pass and of a report's four
+        time.sleep(0.25 + turn % 7 * 0.0057)  # at any moment of a pass and of the four passes of a report
         line.frames_during(0.05)
         step = abs(line.report()[0] - (before := line.report())[0])
         side = -side
         place = client.on_screen(380 + side * 320, 280)
-        is_dark = screen.brightest(*place, 8) < 150  # a star may stand there
+        is_dark = screen.brightest(*place, 8) < 150  # there may be a star
         moved = screen.jump(*place)
         if turn % 2:
             if not is_dark:
@@ -263,7 +263,7 @@ def latency(display):
             continue
         while True:
             now = line.report()
-            if (now[0] - before[0]) * -side < 0.9 * step:  # not so far on as in four passes without a turn
+            if (now[0] - before[0]) * -side < 0.9 * step:  # less far than four passes without a turn
                 break
             before = now
         to_report.append((time.monotonic() - moved) * 1000)

@@ -16,8 +16,8 @@ inline double threadMicroseconds() {
   return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
 }
 
-/// Alternates between several pieces of work in short slices. Disturbances affect all pieces alike, and medians over
-/// the rounds exclude disturbed rounds.
+/// Alternates between several pieces of work in short slices. Disturbances affect all pieces alike, and the median over
+/// the rounds ignores disturbed ones.
 class Turns {
  public:
   explicit Turns(std::size_t pieces) : times_(pieces) {}

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Shows the sheets as the game puts them up: enlarged, over stars, with the shield, and with the raster operations
-exchanged as for a dead player. Writes PREFIX-stage.png, PREFIX-bar.png (four times enlarged) and
-PREFIX-plain.png (at size): contact_sheet.py PREFIX [ASSETS]"""
+"""Shows the sheets as the game paints them: over stars, with the shield, and with the raster operations exchanged as
+for a dead player. Writes PREFIX-stage.png, PREFIX-bar.png (enlarged four times) and PREFIX-plain.png (original size):
+contact_sheet.py PREFIX [ASSETS]"""
 
 import pathlib
 import sys

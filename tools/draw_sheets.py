@@ -5,7 +5,7 @@ import argparse
 import pathlib
 import sys
 
-sys.dont_write_bytecode = True  # the source tree holds sources only
+sys.dont_write_bytecode = True  # no bytecode in the source tree
 
 from sheets import backdrop, icons, logo, panel, players, pointers
 from sheets.paint import save

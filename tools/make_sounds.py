@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Synthesises every sound and every piece of music of the game. See README.md beside this file."""
+"""Synthesises all of the game's sounds and music. See README.md beside this file."""
 
 import argparse
 import pathlib
@@ -7,14 +7,14 @@ import subprocess
 import sys
 import tempfile
 
-sys.dont_write_bytecode = True  # the source tree holds sources only
+sys.dont_write_bytecode = True  # no bytecode in the source tree
 
 from sounds import effects, pieces
 from sounds.synth import write_wave
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-BIT_RATE = 112  # kbit/s on the average: a piece takes about a megabyte
-SCALE = 1 / 0.95  # the encoder turns everything down to 0.95 at a bit rate on the average
+BIT_RATE = 112  # average kbit/s: about a megabyte per piece
+SCALE = 1 / 0.95  # with an average bit rate, the encoder scales everything to 0.95
 
 
 def make_effects(folder):

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Takes the pictures of docs/images: plays the real program against the real server on a virtual screen. See README.md
-beside this file. take_pictures.py [--build build/release] [--output docs/images] [--only start,fight,store,finder]"""
+"""Takes the pictures of docs/images by playing the real program against the real server on a virtual screen. See
+README.md beside this file."""
 
 import argparse
 import contextlib
@@ -18,7 +18,7 @@ import time
 
 from PIL import Image
 
-sys.dont_write_bytecode = True  # the source tree holds sources only
+sys.dont_write_bytecode = True  # no bytecode in the source tree
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools" / "desktop"))
 import harness  # noqa: E402  (found by the line above)
@@ -30,7 +30,7 @@ WANTED_FUNDS = 75  # credits, for one of each
 
 
 class Tap:
-    """Stands between the client and the server: hands everything on, a whole frame at a time, and knows who is where."""
+    """A proxy between client and server: forwards everything frame by frame and tracks all positions."""
 
     def __init__(self, server_port):
         self.server_port = server_port
@@ -78,15 +78,15 @@ class Tap:
                 self.others[node][2] = lives
 
     def in_sight(self):
-        """Living opponents whose ball is well inside the canvas."""
+        """Living opponents whose balls are well inside the canvas."""
         return sum(alive and abs(x - self.me[0]) < 5000 and abs(y - self.me[1]) < 3800
                    for x, y, alive in list(self.others.values()))
 
 
 class Pilot(threading.Thread):
-    """Flies to a player and draws loops beside him."""
+    """Flies to a player and draws loops next to them."""
 
-    PACE, INTERVAL = 18.0, 0.04  # world units a ms, seconds between two reports
+    PACE, INTERVAL = 18.0, 0.04  # world units per ms, seconds between two reports
 
     def __init__(self, port, name, colour, tap, words):
         super().__init__(daemon=True)
@@ -107,13 +107,13 @@ class Pilot(threading.Thread):
     def fly(self):
         began = asked = time.monotonic()
         while True:
-            if time.monotonic() - asked > 2:  # whoever is dead comes back
+            if time.monotonic() - asked > 2:  # respawns if dead
                 self.line.send(harness.protocol.SPAWN_REQUEST, "")
                 asked = time.monotonic()
             for identifier, _ in self.line.frames_during(self.INTERVAL):
                 if identifier == harness.protocol.PING:
                     self.line.send(harness.protocol.PING_REPLY, f"{time.time() % 86400:.2f}")
-            # Round a place of his own beside the player: turned towards it from afar, along its circle near by.
+            # Circles a point next to the player: turns towards it from afar, and follows the circle nearby.
             cx = self.tap.me[0] + 3500 * math.cos(self.side) - self.x
             cy = self.tap.me[1] + 2800 * math.sin(self.side) - self.y
             way = math.hypot(cx, cy)
@@ -135,7 +135,7 @@ class Camera:
         self.display, self.client, self.output = display, client, output
 
     def shot(self):
-        """The main window with its frame, and what stands on it."""
+        """The main window with its frame and everything on it."""
         whole = Image.open(io.BytesIO(self.display.picture().ppm)).convert("RGB")
         left, top, width, height = self.client.window.geometry()
         text = self.display.run("xprop", "-id", self.client.window.identifier, "_NET_FRAME_EXTENTS")
@@ -155,7 +155,7 @@ def bots(count):
 
 
 def shop(client, camera, wanted):
-    """Buys a few powerups, keeps a picture of the open store and leaves it."""
+    """Buys a few powerups, takes a picture of the open store and closes it."""
     display = camera.display
     left, top = client.on_screen(CANVAS[0] + 15 + 49, 320 + 20)
     display.xdotool("mousemove", left, top, "click", 1)
@@ -172,14 +172,14 @@ def shop(client, camera, wanted):
 
 
 def liveliness(picture):
-    """How much of the canvas is in strong colours: tails, balls, lightning and explosions."""
+    """The share of the canvas in strong colours: tails, balls, lightning and explosions."""
     saturation, value = picture.crop((0, 60, CANVAS[0], CANVAS[1])).convert("HSV").split()[1:]
     pairs = zip(saturation.getdata(), value.getdata())
     return sum(s > 90 and v > 90 for s, v in pairs) / 4000
 
 
 class Flight:
-    """Steers the player: to the nearest opponent while he is far, in loops when he is near."""
+    """Steers the player: to the nearest opponent when far away, in loops when near."""
 
     def __init__(self, client, tap):
         self.client, self.tap, self.display = client, tap, client.display
@@ -220,7 +220,7 @@ class Flight:
 
 
 def earn(client, tap):
-    """Flies about until there is enough to spend."""
+    """Flies around until there are enough credits."""
     flight = Flight(client, tap)
     while tap.funds < WANTED_FUNDS and flight.turn() < 60:
         time.sleep(0.08)
@@ -234,7 +234,7 @@ def fight(client, camera, tap):
     while (now := flight.turn()) < 60:
         seen = tap.in_sight()
         if seen >= 1 and tap.alive and now - flight.stood > 0.8:
-            # The laser lasts a second: it waits until there is somebody to see it.
+            # The laser lasts for a second, so it waits for a target.
             for name, item in ITEMS.items():
                 if fired[name] < 0 and now > 4 and seen >= (3 if name == "laser" and now < 40 else 2):
                     display.xdotool("key", f"F{item + 1}")
@@ -251,9 +251,9 @@ def fight(client, camera, tap):
 
 
 def play(display, output, wanted):
-    # Three of the server's own bots, and two pilots who stay close by.
+    # Three of the server's bots, and two pilots who stay nearby.
     crew = bots(3)
-    # One long round; credits soon enough for a visit to the store.
+    # One long round, with credits early enough for a visit to the store.
     server = harness.Server("--income", "200", "--captures-to-win", "0", "--round-seconds", "600", *crew)
     tap = Tap(server.port)
     client = harness.Client(display)
@@ -283,7 +283,7 @@ def play(display, output, wanted):
 
 
 class HostList:
-    """A web host with the records of several servers, each as its own server tells it."""
+    """A web host with the records of several servers, each as announced by its server."""
 
     def __init__(self, ports):
         self.ports = ports
@@ -312,7 +312,7 @@ class HostList:
 
 
 class Guest(threading.Thread):
-    """Somebody who is logged in and does nothing, so that a list counts him."""
+    """A player who is logged in and does nothing, to be counted in a list."""
 
     def __init__(self, port, colour):
         super().__init__(daemon=True)

@@ -1,6 +1,6 @@
-"""Drives the real program: a virtual display with a small window manager, the client with settings of its own, the
-real server or a scripted one, the mouse and the keys. Everything stays on this machine, and everything that is started here
-is ended here."""
+"""Drives the real program: a virtual display with a small window manager, the client with its own settings, the real
+server or a scripted one, the mouse and the keyboard. Everything stays on this machine, and everything started here is
+stopped here."""
 
 import os
 import pathlib
@@ -21,25 +21,25 @@ SERVER = os.environ.get("KELVORA_SERVER")
 VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())[1]
 TITLE = f"Kelvora v{VERSION}"
 TWIPS = 15  # to a pixel
-# The update check of every start goes to a port of this machine that nobody listens on.
+# The update check at every start connects to a port of this machine without a listener.
 CLOSED_PORT = "127.0.0.1:9"
 CLIENT_AREA = (894, 670)  # pixels of the main window below its menu, as designed
-# What the canvas leaves of the client area, in pixels, at any size of the window.
+# The part of the client area outside the canvas, in pixels, at any window size.
 BESIDE_CANVAS = (131, 62)
 
-# Seconds to wait for what happens at once on an idle machine. Nothing waits longer than it has to.
+# Timeout in seconds for things that happen at once on an idle machine. Nothing waits longer than necessary.
 PATIENCE = 60.0
 
 
 def use_build(folder):
-    """The programs of this build folder are the ones to start, whatever the environment says."""
+    """Uses the programs of this build folder, whatever the environment says."""
     global CLIENT, SERVER
     CLIENT, SERVER = (str((pathlib.Path(folder) / name).resolve()) for name in ("kelvora", "kelvora-server"))
     load_protocol()
 
 
 def load_protocol():
-    """The build writes the messages' ids beside its programs."""
+    """The build writes the message ids beside its programs."""
     global protocol
     sys.path.insert(0, str(pathlib.Path(CLIENT).resolve().parent / "generated"))
     import protocol
@@ -50,7 +50,7 @@ if CLIENT:
 
 
 def on_display(action):
-    """Runs `action` with a display, which ends with it, also when somebody ends the script."""
+    """Runs `action` with a display, which is closed afterwards, even if the script is interrupted."""
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     display = Display()
     try:
@@ -60,8 +60,8 @@ def on_display(action):
 
 
 def wait_for(condition, what, seconds=PATIENCE, pause=0.05):
-    """The first true result of `condition`; fails the test when there is none in time. `what` names it, and may be a call
-    that does."""
+    """Waits for the first true result of `condition`. Fails the test if there is none in time. `what` names it, and may
+    be a function that does."""
     deadline = time.monotonic() + seconds
     while True:
         result = condition()
@@ -73,7 +73,7 @@ def wait_for(condition, what, seconds=PATIENCE, pause=0.05):
 
 
 def wait_until_it_holds(assertion, seconds=PATIENCE, pause=0.05):
-    """Returns once `assertion` passes; fails the test as it failed last when it does not pass in time."""
+    """Waits until `assertion` passes. If it doesn't in time, fails the test with its last failure."""
     deadline = time.monotonic() + seconds
     while True:
         try:
@@ -85,18 +85,18 @@ def wait_until_it_holds(assertion, seconds=PATIENCE, pause=0.05):
 
 
 def wait_for_rest(look, what, looks=5):
-    """What `look` returns once it has returned the same so many times in a row."""
+    """Waits until `look` has returned the same result this many times in a row, and returns it."""
     seen = []
 
     def is_at_rest():
         seen.append(look())
         return len(seen) >= looks and all(one == seen[-1] for one in seen[-looks:])
-    wait_for(is_at_rest, f"the rest of {what}")
+    wait_for(is_at_rest, f"{what} at rest")
     return seen[-1]
 
 
 def is_read(connection):
-    """True once the program at the other end has read all that was sent over this connection."""
+    """True if the program at the other end has read everything sent over this connection."""
     ends = connection.getsockname()[1], connection.getpeername()[1]
     queues = {}
     with open("/proc/net/tcp") as table:
@@ -125,7 +125,7 @@ def listener():
 
 
 class Picture:
-    """A picture of the whole screen."""
+    """A screenshot of the whole screen."""
 
     def __init__(self, ppm):
         header = re.match(rb"P6\s+(\d+)\s+(\d+)\s+255\s", ppm)
@@ -143,8 +143,8 @@ class Picture:
 
 
 class Display:
-    """A screen with openbox, on a display number that was free. `border` and `padding` give the window manager's frames
-    other sizes than its own, in pixels."""
+    """A screen with openbox on a free display number. `border` and `padding` change the size of the window manager's
+    frames, in pixels."""
 
     def __init__(self, size="1280x1024", border=None, padding=None):
         self.folder = tempfile.mkdtemp(prefix="kelvora-display-")
@@ -169,7 +169,7 @@ class Display:
         wait_for(self.manager_answers, "the window manager")
 
     def choose_frame(self, border, padding):
-        """A theme of the window manager's, named in a copy of its usual settings."""
+        """Writes a theme for the window manager and a copy of its default settings that selects it."""
         theme = os.path.join(self.folder, ".themes", "Frame", "openbox-3")
         os.makedirs(theme)
         with open(os.path.join(theme, "themerc"), "w") as file:
@@ -181,7 +181,8 @@ class Display:
             file.write(re.sub(r"(<theme>\s*<name>)[^<]*", r"\1Frame", settings))
 
     def manager_answers(self):
-        """A window that asks to be shown while openbox is still starting never is: a wish has to come true first."""
+        """Waits until openbox has started: a window shown before that never appears. So one of our requests must
+        succeed first."""
         self.xdotool("set_num_desktops", 1)
         return self.xdotool("get_num_desktops").strip() == "1"
 
@@ -203,8 +204,8 @@ class Display:
 
 
 class Window:
-    """A window of the client: its place on the screen, without the window manager's frame. Places within it count the
-    window's own pixels, each of which has `scale` of the screen's on a side."""
+    """A window of the client and its position on the screen, without the window manager's frame. Positions inside it
+    are in window pixels, each of which is `scale` screen pixels wide and high."""
 
     def __init__(self, display, identifier, scale=1):
         self.display = display
@@ -212,13 +213,13 @@ class Window:
         self.scale = scale
 
     def geometry(self):
-        """Left, top, width and height in pixels of the screen."""
+        """Left, top, width and height in screen pixels."""
         text = self.display.run("xwininfo", "-id", self.identifier)
         keys = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
         return tuple(int(re.search(key + r":\s+(-?\d+)", text)[1]) for key in keys)
 
     def frame(self):
-        """The same of the frame that the window manager draws round it."""
+        """The same for the window manager's frame around it."""
         left, top, width, height = self.geometry()
         extents = self.display.run("xprop", "-id", self.identifier, "_NET_FRAME_EXTENTS")
         before, after, above, below = (int(pixels) for pixels in re.findall(r"\d+", extents))
@@ -236,8 +237,8 @@ class Window:
 
 
 class Client:
-    """The real client, with a folder of settings of its own unless it is handed one of an earlier run. `environment` has
-    variables besides the usual ones, or None for one that is to be missing; `scale` is the screen's, if it has one."""
+    """The real client, with a new settings folder or one from an earlier run. `environment` has additional variables;
+    None removes one. `scale` is the screen's scale, if it has one."""
 
     def __init__(self, display, frame_ms="10", config=None, arguments=("nosound", "nomusic"), web_host=CLOSED_PORT,
                  environment=(), scale=1):
@@ -253,7 +254,7 @@ class Client:
         self.process = subprocess.Popen([CLIENT, *arguments], env=variables, stdin=subprocess.DEVNULL,
                                         stdout=self.log, stderr=subprocess.STDOUT)
         self.window = self.wait_for_window(TITLE)
-        # The menu is what the window has above the designed client area.
+        # The menu is the part of the window above the designed client area.
         self.menu = round(self.window.geometry()[3] / scale) - CLIENT_AREA[1]
 
     def close(self):
@@ -270,7 +271,7 @@ class Client:
         return self.display.xdotool("search", "--onlyvisible", "--pid", self.process.pid).split()
 
     def choose(self, x, *keys):
-        """Opens the menu that stands at pixel x of the menu bar, and goes to an item by these keys."""
+        """Opens the menu at pixel x of the menu bar and moves to an item with these keys."""
         before = set(self.visible())
         self.window.click(x, self.menu // 2)
         wait_for(lambda: set(self.visible()) - before, "the menu")
@@ -294,16 +295,16 @@ class Client:
         return wait_for(find, f"the window '{title}'")
 
     def wait_for_other_window(self):
-        """A window that is neither the main one nor the connect dialog: a message box."""
+        """Waits for a window that is neither the main one nor the connect dialog: a message box."""
         def find():
             return [window for title, window in self.windows().items() if title not in (TITLE, "Connect")]
         return wait_for(find, "a message box")[0]
 
     def connect(self, port, name="Ann", address="127.0.0.1", password="", circle=None):
-        """Fills the connect dialog in and presses Enter. `circle` is the colour to click on, 0 to 5."""
+        """Fills in the connect dialog and presses Enter. `circle` is the colour to click on, 0 to 5."""
         dialog = self.wait_for_window("Connect")
         dialog.activate()
-        # Places of the boxes in twips: 1740 from the left, rows 360 apart.
+        # Positions of the boxes in twips: 1740 from the left, rows 360 apart.
         for row, text in enumerate((name, address, str(port), password)):
             dialog.click(1740 // TWIPS + 20, (180 + 360 * row) // TWIPS + 9)
             self.display.xdotool("key", "ctrl+a", "key", "BackSpace")
@@ -314,17 +315,18 @@ class Client:
         self.display.xdotool("key", "Return")
 
     def canvas_size(self):
-        """Pixels."""
+        """Width and height in pixels."""
         width, height = (round(pixels / self.scale) for pixels in self.window.geometry()[2:])
         return width - BESIDE_CANVAS[0], height - self.menu - BESIDE_CANVAS[1]
 
     def on_screen(self, x, y):
-        """Where a pixel of the client area stands on the screen."""
+        """The screen position of a pixel of the client area."""
         left, top, _, _ = self.window.geometry()
         return left + round(x * self.scale), top + round((self.menu + y) * self.scale)
 
     def mouse_to(self, x, y):
-        """Moves the mouse to a pixel of the canvas. It goes by a neighbour, so that the last step is always a move."""
+        """Moves the mouse to a pixel of the canvas, by way of a neighbouring one, so that the last step always raises a
+        move."""
         left, top = self.on_screen(x, y)
         self.display.xdotool("mousemove", left + 1, top + 1, "mousemove", left, top)
 
@@ -332,14 +334,14 @@ class Client:
         self.display.xdotool("click", 3)
 
     def resize(self, width, height):
-        """Gives the client area below the menu another size, in pixels."""
+        """Resizes the client area below the menu, in pixels."""
         self.display.xdotool("windowsize", self.window.identifier, width, height + self.menu)
         wait_for(lambda: self.window.geometry()[2:] == (width, height + self.menu), "the new size")
 
     def status_colour(self, picture=None):
-        """The background of the connection's label, read near its corner where it has no text."""
+        """The background colour of the connection label, read near its corner, where it has no text."""
         height = self.canvas_size()[1]
-        # The status bar begins 465 twips below the canvas, the label 60 twips inside it.
+        # The status bar starts 465 twips below the canvas, and the label 60 twips inside it.
         x, y = self.on_screen(4 + 4, height + (465 + 60) // TWIPS + 4)
         return (picture or self.display.picture()).pixel(x, y)
 
@@ -347,7 +349,7 @@ class Client:
         wait_for(lambda: self.status_colour() == colour, f"the label in {colour}")
 
     def memory(self):
-        """Bytes that the process holds."""
+        """The process's memory in bytes."""
         with open(f"/proc/{self.process.pid}/statm") as file:
             return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
 
@@ -358,8 +360,8 @@ class Client:
 
 
 class Server:
-    """The real server on a free port; `web_host` is where it serves its list, if it is told to. A client without a pace
-    flies many times as fast as the game is meant to, so there is no limit of speed."""
+    """The real server on a free port. `web_host` is the address of its list, if requested. An unpaced client flies many
+    times faster than designed, so the speed is not limited."""
 
     def __init__(self, *arguments):
         self.port = free_port()
@@ -382,7 +384,7 @@ class Server:
 
 
 class Line:
-    """One connection, with whole frames going out and coming in."""
+    """One connection that sends and receives whole frames."""
 
     def __init__(self, connection):
         self.socket = connection
@@ -399,7 +401,7 @@ class Line:
         self.send_bytes(protocol.frame(identifier, *fields))
 
     def recv_bytes(self, seconds=PATIENCE):
-        """The bytes of the next frame, delimiters included; None once the other side has closed."""
+        """The bytes of the next frame with its delimiters; None once the other side has closed."""
         deadline = time.monotonic() + seconds
         while protocol.END not in self.received:
             self.socket.settimeout(max(deadline - time.monotonic(), 0.001))
@@ -416,7 +418,7 @@ class Line:
         return whole + bytes([protocol.END])
 
     def recv_frame(self, seconds=PATIENCE):
-        """The id and the fields of the next frame; None once the other side has closed."""
+        """The id and fields of the next frame; None once the other side has closed."""
         data = self.recv_bytes(seconds)
         if data is None:
             return None
@@ -424,7 +426,7 @@ class Line:
         return data[1], data[2:-1].split(bytes([protocol.SEPARATOR]))
 
     def frames_during(self, seconds):
-        """Every frame that comes in this time."""
+        """All frames that arrive in this time."""
         frames = []
         deadline = time.monotonic() + seconds
         while (left := deadline - time.monotonic()) > 0:
@@ -438,8 +440,8 @@ class Line:
         return frames
 
     def ask(self):
-        """Returns once the client has taken in all that was sent: its time of day in seconds and the ball's place, which
-        it tells in answer to a ping. Frames ahead of the answer are passed over."""
+        """Waits until the client has handled everything sent. Returns its time of day in seconds and the ball's
+        position, which it sends in reply to a ping. Skips frames before the reply."""
         self.send(protocol.PING, 1)
         while (received := self.recv_frame())[0] != protocol.PING_REPLY:
             pass
@@ -449,19 +451,19 @@ class Line:
         return seconds, tuple(float(coordinate) for coordinate in place)
 
     def wait_for_paint(self):
-        """Returns once a frame has been painted since the client took in all that was sent, with the ball's place. One
-        pass answers for 10 ms, so what it answers later comes from another pass."""
+        """Waits until a frame has been painted after the client handled everything sent. Returns the ball's position.
+        One pass answers for 10 ms, so a later answer comes from another pass."""
         begin = self.ask()[0]
         while abs(self.ask()[0] - begin) < 0.05:
             pass
         return self.ask()[1]
 
     def wait_for_rest(self):
-        """The place where the ball has come to rest: it is painted there again and again."""
+        """Waits until the ball rests, so that it is always painted at the same position. Returns that."""
         return wait_for_rest(self.wait_for_paint, "the ball", looks=2)
 
     def report(self, seconds=PATIENCE):
-        """The next position report as a pair of numbers; other frames are passed over."""
+        """The next position report as a pair of numbers. Skips other frames."""
         while True:
             identifier, fields = self.recv_frame(seconds)
             if identifier == protocol.POSITION_REPORT:
@@ -469,7 +471,7 @@ class Line:
 
 
 class ScriptedServer:
-    """A server that does what the test says."""
+    """A server scripted by the test."""
 
     def __init__(self):
         self.listener = listener()

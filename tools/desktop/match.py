@@ -1,5 +1,5 @@
-"""A match that a script plays on the real server: it reads along what client and server say, and steers the mouse as a
-beginner would."""
+"""A scripted match on the real server: the script reads what client and server send, and steers the mouse like a
+beginner."""
 
 import math
 import socket
@@ -13,7 +13,7 @@ TURBO = 1
 
 
 class Relay:
-    """Stands between the client and the server and reads what both say."""
+    """A proxy between client and server that reads what both send."""
 
     def __init__(self, port):
         self.listener = harness.listener()
@@ -22,9 +22,9 @@ class Relay:
         self.lock = threading.Condition()
         self.node = None
         self.place = None
-        self.players = {}  # place and life of the others, by node
+        self.players = {}  # position and life of the others, by node
         self.is_alive = True
-        self.frames = []  # what the server has said, with the time, but for positions
+        self.frames = []  # what the server has sent, with the time, without positions
         self.reports = []
         self.sockets = [self.listener]
         threading.Thread(target=self.run, daemon=True).start()
@@ -105,7 +105,7 @@ class Relay:
             return [fields for one, fields in self.frames if one == identifier and condition(fields)]
 
     def wait_for_news(self):
-        """Until either side says something, or a moment has gone by in which nobody did."""
+        """Waits until either side sends something, or a moment has passed."""
         with self.lock:
             self.lock.wait(0.1)
 
@@ -115,13 +115,14 @@ class Relay:
 
 
 class Pilot:
-    """Flies the ball of a client whose connection a relay reads."""
+    """Flies the ball of a client whose connection runs through a relay."""
 
     def __init__(self, client, relay):
         self.client, self.relay = client, relay
 
     def steer(self, angle, throttle=1.0):
-        """Points the mouse so that the ball flies in this direction: both axes' shares of the speed come from it."""
+        """Points the mouse so that the ball flies in this direction. The direction determines both axes' shares of the
+        speed."""
         x, y = math.cos(angle), math.sin(angle)
         share = abs(x) / (abs(x) + abs(y))
         bearing = math.degrees(math.atan(2 * share)) if share < 0.5 else 45 + math.degrees(math.atan(2 * share - 1))
@@ -132,7 +133,7 @@ class Pilot:
                              round(height / 2 + math.copysign(math.cos(bearing) * reach, y)))
 
     def circle_nearest(self, radius=2800.0):
-        """One step of a beginner, who flies in circles round the nearest opponent."""
+        """One step of a beginner, who circles the nearest opponent."""
         here = self.relay.place
         others = self.relay.opponents()
         if not others:
@@ -148,10 +149,11 @@ class Pilot:
         self.client.display.xdotool("mousemove", left, top, "click", 1)
 
     def play_until(self, condition, what, seconds=200):
-        """Flies, and after each death asks for the next life and releases the brakes, until the condition holds."""
+        """Flies until the condition holds. After each death it requests a new life and releases the brakes."""
         self.client.canvas = self.client.canvas_size()
         origin = self.client.on_screen(0, 0)
-        self.client.on_screen = lambda x, y: (origin[0] + x, origin[1] + y)  # the window stays; asking takes long
+        # the window doesn't move, and querying it is slow
+        self.client.on_screen = lambda x, y: (origin[0] + x, origin[1] + y)
         deadline = time.monotonic() + seconds
         has_brakes = True
         asked = 0.0
@@ -172,6 +174,6 @@ class Pilot:
                 self.circle_nearest()
                 with self.relay.lock:
                     silent = not self.relay.reports or time.monotonic() - self.relay.reports[-1][0] > 1.0
-                # A respawn puts the brakes on when the client learns of it, which may be after the release.
+                # The client puts the brakes on when it learns of the respawn, which may be after they were released.
                 has_brakes = silent and time.monotonic() - freed > 1.5
             self.relay.wait_for_news()

@@ -1,4 +1,4 @@
-"""The store in its real window: clicks by item, and what stands on the screen."""
+"""The store's real window: clicks by item, and what it shows."""
 
 import harness
 from harness import TWIPS
@@ -7,7 +7,7 @@ WHITE = (255, 255, 255)
 TOO_DEAR = (128, 95, 95)
 YELLOW = (255, 255, 0)
 
-# The window's places in pixels of its client area: left, top, width and height, of the first of six rows.
+# Positions in pixels of the client area: left, top, width and height, in the first of six rows.
 ROW = 76
 PICTURE = (20, 79, 57, 57)
 PRICE = (220, 81, 72, 17)
@@ -21,12 +21,12 @@ DONE = (656, 550, 72, 32)
 
 
 class StoreWindow:
-    """The open store: clicks by item, and what stands on the screen."""
+    """The open store: clicks by item, and what it shows."""
 
     def __init__(self, client):
         self.client = client
         width, _ = client.canvas_size()
-        # btnShop stands 225 twips beside the canvas, 4800 from the top.
+        # btnShop is 225 twips to the right of the canvas, 4800 from the top.
         left, top = client.on_screen(width + 225 // TWIPS + 49, 4800 // TWIPS + 20)
         client.display.xdotool("mousemove", left, top, "click", 1)
         self.window = client.wait_for_window("Powerups")
@@ -37,7 +37,7 @@ class StoreWindow:
         self.window.click(left + width // 2, top + ROW * item + height // 2)
 
     def pixels(self, place, item=0):
-        """The pixels of a place on the screen, row by row."""
+        """The pixels of a rectangle on the screen, row by row."""
         window_left, window_top = self.window.geometry()[:2]
         left, top, width, height = place
         left, top = window_left + left, window_top + top + ROW * item

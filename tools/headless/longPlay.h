@@ -30,7 +30,7 @@ class LongPlay : private HeadlessClient, private server::ArenaOutput {
 
   LongPlay();
 
-  /// Continues the game for that many frames.
+  /// Continues the game for this many frames.
   void play(int frames);
   /// Continues into the middle of the next intermission: nobody has a tail, the store is closed, and the window has its
   /// design size, so that memory can be compared.
@@ -38,8 +38,8 @@ class LongPlay : private HeadlessClient, private server::ArenaOutput {
   int framesPlayed() const { return frame_; }
 
   struct Figures {
-    std::int64_t heapBytes = 0;  ///< used by client and arena together
-    std::int64_t keptBytes = 0;  ///< of those, what the rules keep: players with their tails, network particles
+    std::int64_t heapBytes = 0;  ///< used by client and arena combined
+    std::int64_t keptBytes = 0;  ///< part that the rules keep: players with their tails, network particles
     std::int64_t residentBytes = 0;
     std::size_t slots = 0;  ///< opponents so far
     int captures = 0;

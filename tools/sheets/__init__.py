@@ -1,1 +1,1 @@
-"""Drawing of the game's pictures, large and then reduced."""
+"""Draws the game's pictures, first large and then reduced."""

@@ -8,11 +8,11 @@ from .paint import Layer, display, linear, noise, smooth
 from .panel import store_symbol, text_mask
 
 WIDTH, HEIGHT = 761, 606
-# Left, top, right and bottom in pixels of the picture; the window's controls stand on these.
+# Left, top, right and bottom in pixels of the picture. The window's controls are on these panels.
 HEADER = (12, 6, 746, 47)
 FOOTER = (12, 533, 746, 598)
 ROWS = [(12, 72 + 76 * item, 746, 143 + 76 * item) for item in range(6)]
-ITEM = (8, 65)  # the picture's columns, from the left edge of its row
+ITEM = (8, 65)  # the item picture's columns, from the left edge of its row
 
 EDGE = palette.rgb(88, 104, 170)
 GROUND = palette.rgb(20, 24, 52)
@@ -31,7 +31,7 @@ def plate(layer, panel, edge=EDGE):
 
 
 def lettering(layer):
-    """The shop's sign at the left of the header."""
+    """The store's sign at the left of the header."""
     accent = palette.rgb(255, 178, 24)
     bag = store_symbol(*layer.centred(36, 26))
     layer.add(np.exp(-np.clip(bag, 0, None) / 4) * 0.10, accent)
@@ -55,7 +55,7 @@ def backdrop():
     plate(layer, FOOTER)
     for accent, row in zip(ACCENTS, ROWS):
         plate(layer, row)
-        # The colour of the item fades away behind its name.
+        # The item's colour fades out behind its name.
         fade = np.clip(1 - (layer.x - row[0]) / 200, 0, 1) ** 2
         layer.add(fade * (box(layer, row, 1.0) < 0) * 0.06, accent)
         left, right = row[0] + ITEM[0], row[0] + ITEM[1]

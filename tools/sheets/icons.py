@@ -17,7 +17,7 @@ ACCENTS = [
 
 
 class Easel:
-    """A layer with the unit square -1 to 1 laid over it, so that one drawing serves every size."""
+    """A layer with coordinates from -1 to 1, so that one drawing serves every size."""
 
     def __init__(self, width, height):
         self.layer = Layer(width, height)
@@ -136,7 +136,7 @@ PIXEL_FONT = {
 
 
 def key_label(picture, text, left, top):
-    """Writes the key pixel by pixel on a dark ground: at this size averaged letters would be a blur."""
+    """Writes the key pixel by pixel on a dark background: at this size, averaged letters would blur."""
     width = 5 * len(text) + 1
     ground = picture[top - 1 : top + 8, left - 1 : left - 1 + width]
     ground[...] = ground // 5

@@ -14,13 +14,13 @@ PLATE = (12, 340, 249, 405)
 
 
 def blurred(mask, radius):
-    """A soft copy of a mask of 0 to 1; the radius is in samples."""
+    """A blurred copy of a mask of 0 to 1. The radius is in samples."""
     image = Image.fromarray(np.rint(np.clip(mask, 0, 1) * 255).astype(np.uint8), "L")
     return np.asarray(image.filter(ImageFilter.GaussianBlur(radius))) / 255.0
 
 
 class Tail:
-    """Distance to a curve and the place along it (0 old end, 1 ball), computed only near the curve."""
+    """The distance to a curve and the position along it (0 old end, 1 ball), computed only near the curve."""
 
     def __init__(self, layer, points, thin, thick, reach=26.0, steps=16):
         line = np.array(shapes.curve(points, steps))
@@ -100,7 +100,7 @@ def space(layer):
 
 
 def arena(layer):
-    """The arena from above: a faint grid, and the glowing border of the world round the picture."""
+    """The arena from above: a faint grid, and the glowing border of the world around the picture."""
     x, y = layer.centred(WIDTH / 2, HEIGHT / 2 + 40)
     spacing = 58.0
     gx = np.abs((x / spacing + 0.5) % 1 - 0.5) * spacing
@@ -114,7 +114,7 @@ def arena(layer):
 
 
 def title(layer):
-    """KELVORA, its O a tail that has closed round a ball."""
+    """KELVORA, with an O that is a tail closed around a ball."""
     size, cy, gap = 128, 96, 8
     s = layer.scale
     face = ImageFont.truetype(FONT, size * s)
@@ -134,7 +134,7 @@ def title(layer):
     layer.light *= (1 - 0.75 * blurred(mask, 9 * s))[..., None]
     layer.add(blurred(mask, 14 * s) * 0.42, palette.rgb(50, 110, 255))
     layer.add(blurred(mask, 4 * s) * 0.25, palette.rgb(60, 180, 255))
-    # Light from above; the rim catches it on every letter's upper edge and lets go on the lower one.
+    # Light from above: the rim is bright at every letter's upper edge and dark at the lower one.
     down = smooth(-44, 48, layer.y - cy)[..., None]
     face_light = palette.rgb(240, 250, 255) * (1 - down) + palette.rgb(44, 128, 255) * down
     layer.light = layer.light * (1 - mask[..., None]) + linear(face_light) * mask[..., None]
@@ -154,7 +154,7 @@ def title(layer):
 
 
 def captions(layer):
-    """What the game is about below its name, and what a hand has to know at the lower edge."""
+    """The game's idea below its name, and the basic controls at the lower edge."""
     for text, size, cx, cy, spacing, tone in (
         ("CATCH YOUR OPPONENTS IN A LOOP OF YOUR TAIL", 15, WIDTH / 2, 167, 2.6, (176, 212, 255)),
         ("Mouse: steer     Right button: brakes     F1 to F6: powerups", 13, 312, 583, 0, (150, 172, 220)),
@@ -165,7 +165,7 @@ def captions(layer):
 
 
 def scene(layer):
-    """Six players; the cyan one has just closed his loop round the red one."""
+    """Six players. The cyan one has just closed a loop around the red one."""
     tails = [
         (4, [(20, 300), (90, 268), (170, 282), (236, 250), (292, 222)], 2, 11),
         (1, [(745, 205), (690, 232), (655, 286), (690, 338), (728, 392), (706, 452)], 2, 12),
@@ -187,7 +187,7 @@ def scene(layer):
     angle = np.arctan2(y, x)
     rays = 0.5 + 0.5 * np.cos(8 * angle + 0.6)
     layer.add(np.exp(-r / 8) * 1.1 + np.exp(-r / 17) * rays**5 * 0.7, palette.rgb(190, 244, 255))
-    # What is inside is caught: it glows in the catcher's colour.
+    # The inside of the loop glows in the winner's colour.
     x, y = layer.centred(470, 370)
     layer.add(np.exp(-np.square(x / 120) - np.square(y / 110)) * 0.06, palette.PLAYERS[3])
     for (bx, by), radius, colour in balls:
@@ -231,7 +231,7 @@ def draw(path):
 
 
 def icon(size):
-    """A ball caught in a closed loop, on a dark tile with clear corners."""
+    """A ball inside a closed loop, on a dark tile with transparent corners."""
     layer = Layer(size, size, max(4, 1024 // size))
     u = size / 64
     x, y = layer.centred(size / 2, size / 2)

@@ -1,17 +1,17 @@
-"""A layer is painted several times too large in linear light and reduced by averaging."""
+"""Layers are painted several times too large in linear light and reduced by averaging."""
 
 import numpy as np
 from PIL import Image
 
 SCALE = 8
 
-# Every grey of a matte keeps leading bits of the image and drops the others. Any other grey would keep low bits without
-# the high ones, and speckle.
+# A matte's grey levels each keep leading bits of the image and drop the others. Any other grey would keep low bits
+# without the high ones and cause speckles.
 BLACK, GREYS, WHITE = 0x00, (0x80, 0xC0, 0xF0), 0xFF
 
 
 def linear(colour):
-    """From display values 0 to 1 to light."""
+    """Converts display values 0 to 1 to linear light."""
     return np.power(np.asarray(colour, dtype=float), 2.2)
 
 
@@ -40,7 +40,7 @@ class Layer:
         return self.x - cx, self.y - cy
 
     def fill(self, distance, colour, opacity=1.0, soft=0.0):
-        """Covers what lies inside with a colour (display values, one or one a point); `soft` pixels of soft edge."""
+        """Covers the inside with a colour (display values, one or one per point), with `soft` pixels of soft edge."""
         if soft > 0:
             cover = 1 - smooth(-soft / 2, soft / 2, distance)
         else:
@@ -53,19 +53,20 @@ class Layer:
         self.light = self.light + np.asarray(strength)[..., None] * linear(colour)
 
     def within(self, distance):
-        """Declares the sprite's shape; several calls join."""
+        """Adds to the sprite's shape."""
         self.shape |= distance < 0
 
     def picture(self):
-        """Display values 0 to 255, one a pixel."""
+        """The finished picture: display values 0 to 255 per pixel."""
         return np.rint(display(self.reduced(np.clip(self.light, 0, 1))) * 255).astype(np.uint8)
 
     def clear(self, distance):
-        """Declares glass: the matte is grey there, so what lies beneath shines through, and a ghost is seen."""
+        """Declares glass: the matte is grey there, so the background shines through, and ghosts are visible."""
         self.glass |= distance < 0
 
     def matte(self):
-        """White outside the shape, which has every pixel that it covers to 42%; inside black, and grey where glass is."""
+        """The matte: white outside the shape, black inside, and grey where there is glass. The shape includes every
+        pixel that it covers by at least 42%."""
         through = self.reduced(self.glass.astype(float))
         inside = np.array((BLACK, *GREYS), dtype=np.uint8)[np.digitize(through, (0.2, 0.5, 0.8))]
         return np.where(self.reduced(self.shape.astype(float)) >= 0.42, inside, np.uint8(WHITE))
@@ -76,7 +77,7 @@ class Layer:
 
 
 def cut(picture, matte):
-    """The picture, black where the matte says outside."""
+    """The picture, black outside the matte's shape."""
     return np.where(matte[..., None] < WHITE, picture, 0).astype(np.uint8)
 
 
@@ -89,7 +90,7 @@ def blank(width, height, value=0):
 
 
 def paste(sheet, picture, x, y=0):
-    """Copies a cell into a sheet, clipped at the right and lower edge."""
+    """Copies a cell into a sheet, clipped at the right and lower edges."""
     height, width = picture.shape[:2]
     target = sheet[y : y + height, x : x + width]
     target[...] = picture[: target.shape[0], : target.shape[1]]
@@ -100,7 +101,7 @@ def save(path, picture):
 
 
 def noise(x, y, seed, octaves=3):
-    """Smooth values of about -1 to 1 that repeat with every run."""
+    """Smooth noise of about -1 to 1, the same in every run."""
     random = np.random.RandomState(seed)
     result = np.zeros(np.shape(x))
     weight = 1.0

@@ -1,7 +1,7 @@
 """The colours of players and particles, and the sign that belongs to each player colour.
 
-Players are told apart by more than hue: the six differ in lightness, and each carries a sign of its own, the same one on
-his ball, his capture mark, his radar dot and his edge arrow.
+Players differ in more than hue: the six colours have different lightness, and each has its own sign, which is on the
+ball, the capture mark, the radar dot and the edge arrow.
 """
 
 import numpy as np
@@ -13,7 +13,7 @@ def rgb(*channels):
     return np.array(channels, dtype=float) / 255.0
 
 
-# By colour number: red, yellow, green, cyan, blue, purple. Whoever confuses two hues finds them far apart in lightness:
+# By colour number: red, yellow, green, cyan, blue, purple. Hues that are easily confused differ strongly in lightness:
 # red is darker than green, green than cyan, blue than purple.
 PLAYERS = [
     rgb(222, 10, 20),
@@ -24,10 +24,10 @@ PLAYERS = [
     rgb(204, 104, 255),
 ]
 
-# What the sign on the ball is drawn in: light on dark colours, dark on light ones.
+# The colour of the sign on the ball: light on dark colours, dark on light ones.
 SIGNS_LIGHT = [True, False, False, False, True, False]
 
-# Round the colour circle, by the kind of a particle: red, orange, yellow, lime, green, spring green, cyan, azure, blue,
+# Around the colour circle, by kind of particle: red, orange, yellow, lime, green, spring green, cyan, azure, blue,
 # violet, magenta.
 PARTICLES = [
     rgb(255, 24, 24),
@@ -45,7 +45,7 @@ PARTICLES = [
 
 
 def sign(colour, x, y, size):
-    """Signed distance to the sign of a player colour, about `size` in radius, around the origin."""
+    """The signed distance to a player colour's sign, with a radius of about `size` around the origin."""
     if colour == 0:
         return shapes.ring(x, y, size * 0.68, size * 0.42)
     if colour == 1:

@@ -1,4 +1,4 @@
-"""What the side panel shows: radar, capture marks, the two big buttons; and the blank icon."""
+"""The side panel's pictures: radar, capture marks, the two big buttons; and the blank icon."""
 
 import numpy as np
 from PIL import Image, ImageDraw, ImageFont
@@ -10,7 +10,7 @@ FONT = "/usr/share/fonts/truetype/play/Play-Bold.ttf"
 
 
 def text_mask(layer, text, size, cx, cy, font=FONT, spacing=0.0):
-    """Coverage of a text centred on a point; `size` is the height of the font in pixels."""
+    """The coverage of a text centred on a point. `size` is the font's height in pixels."""
     s = layer.scale
     face = ImageFont.truetype(font, int(size * s))
     image = Image.new("L", (layer.width * s, layer.height * s))
@@ -47,7 +47,7 @@ def radar_blips():
 def caps():
     sheet = blank(65, 11)
     for colour, base in enumerate(palette.PLAYERS):
-        # A pixel of black on either side: neighbouring cells share a column.
+        # A black pixel on either side, because neighbouring cells share a column.
         layer = Layer(11, 11)
         x, y = layer.centred(5.5, 5.5)
         layer.fill(shapes.circle(x, y, 4.5), base * np.clip(1.05 - 0.08 * (y + 4)[..., None], 0, 1))
@@ -85,7 +85,7 @@ def button(text, base, lit, symbol):
 
 
 def spawn_symbol(x, y):
-    """A ball with rays: somebody appears."""
+    """A ball with rays: a new life."""
     core = shapes.circle(x, y, 4.2)
     rays = np.inf
     for i in range(8):
@@ -111,7 +111,7 @@ def buttons():
 
 
 def radar_grid():
-    """Ten by ten squares of the world, a stronger cross in the middle, a frame round all."""
+    """Ten by ten squares of the world, a stronger cross in the middle, and a frame."""
     width, height = 117, 93
     sheet = blank(width, height)
     for i in range(1, 10):

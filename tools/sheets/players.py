@@ -8,12 +8,12 @@ from .paint import Layer, blank, cut, linear, matte_picture, noise, paste, smoot
 CELL = 49
 # The ball breathes: radius by frame.
 RADII = [17.0, 17.5, 18.1, 18.8]
-GLOW = 2.6  # pixels of light round the ball that belong to the sprite
+GLOW = 2.6  # pixels of light around the ball that belong to the sprite
 
 
 def orb(layer, cx, cy, radius, colour, life=0.5, plasma=None):
-    """A ball of lit glass: dark towards the lower right, with light that gathers again at that rim. `plasma` turns
-    clouds in its inside by so many radians."""
+    """A ball of lit glass: dark towards the lower right, with light gathering again at that rim. `plasma` rotates the
+    clouds inside by this angle in radians."""
     x, y = layer.centred(cx, cy)
     r = np.hypot(x, y) / radius
     inside = shapes.circle(x, y, radius)
@@ -22,11 +22,11 @@ def orb(layer, cx, cy, radius, colour, life=0.5, plasma=None):
     lively = np.clip(colour * 1.15 + 0.10, 0, 1)
     tone = (0.44 + 0.64 * light)[..., None]
     layer.fill(inside, np.clip(colour ** (1.5 - 0.5 * tone) * tone, 0, 1), soft=0.8)
-    # Light gathers where it leaves the glass, opposite to where it came in.
+    # Light gathers where it leaves the glass, opposite the light source.
     behind = np.clip((0.60 * x + 0.80 * y) / radius, 0, 1)
     layer.add(behind**1.5 * np.clip(r, 0, 1) ** 3 * (r < 1) * (0.30 + 0.28 * life), lively)
     if plasma is not None:
-        # What turns inside is seen through the curve of the glass, and fades towards its edge.
+        # The clouds inside are seen through the curved glass and fade towards its edge.
         u, v = shapes.turned(x / radius, y / radius, plasma + 1.1 * (1 - r))
         field = noise(u * 1.9 + 20, v * 1.9 + 20, 11, 2)
         edge = 1 - smooth(0.66, 1.0, r)
@@ -37,7 +37,7 @@ def orb(layer, cx, cy, radius, colour, life=0.5, plasma=None):
 
 
 def rim(layer, cx, cy, radius, colour, strength=0.78, width=2.3):
-    """Light caught in the edge of the glass, at least this strong all round. The edge is all that is left of a ghost."""
+    """Light in the edge of the glass, at least this strong all around. Only the edge remains of a ghost."""
     x, y = layer.centred(cx, cy)
     out = shapes.circle(x, y, radius)
     caught = 1 - smooth(0.5, 1.6, np.abs(out + 1.0))
@@ -46,7 +46,7 @@ def rim(layer, cx, cy, radius, colour, strength=0.78, width=2.3):
 
 
 def gloss(layer, cx, cy, radius, strength=1.0):
-    """The reflection at the upper left: a window of light with a clear lower edge."""
+    """The reflection at the upper left: a bright window with a sharp lower edge."""
     x, y = layer.centred(cx - 0.30 * radius, cy - 0.52 * radius)
     u, v = shapes.turned(x, y, -0.52)
     spot = np.hypot(u / (0.46 * radius), v / (0.22 * radius))
@@ -55,7 +55,7 @@ def gloss(layer, cx, cy, radius, strength=1.0):
 
 
 def marked(layer, colour, cx, cy, size, edge=0.55, strength=1.0):
-    """The sign of a player on his ball, set off from it by an edge of the other lightness."""
+    """The player's sign on the ball, with an outline of contrasting lightness."""
     base = palette.PLAYERS[colour]
     mark = palette.sign(colour, *layer.centred(cx, cy), size)
     if palette.SIGNS_LIGHT[colour]:
@@ -74,13 +74,13 @@ def player_cell(colour, frame):
     radius = RADII[frame]
     life = frame / 3
     x, y = layer.centred(c, c)
-    # The glow runs out to black where the shape ends: on the black canvas the ball has no edge but light.
+    # The glow fades to black where the shape ends: on the black canvas the ball's only edge is light.
     out = np.hypot(x, y) - radius
     layer.add(np.clip(1 - out / GLOW, 0, 1) ** 2 * (0.30 + 0.30 * life), base)
     orb(layer, c, c, radius, base, life=life, plasma=0.30 * frame)
     marked(layer, colour, c, c, 8.8 + 0.3 * frame, strength=0.7 + 0.3 * life)
     gloss(layer, c, c, radius, 0.75)
-    # Dark colours get more of it: eyes see little of blue and red light.
+    # Dark colours get more of it, because eyes see little of blue and red light.
     rim(layer, c, c, radius, base, strength=0.84 if palette.SIGNS_LIGHT[colour] else 0.78)
     layer.within(shapes.circle(x, y, radius + GLOW))
     return layer
@@ -111,11 +111,11 @@ def shield_cell(frame):
     angle = np.arctan2(y, x)
     outer = shapes.ring(x, y, radius, 4.2)
     across = (r - radius) / 2.1
-    # Outside the light runs out to black, as with the balls; inside the ball begins.
+    # Outside, the light fades to black as on the balls. Inside is the ball.
     layer.add(np.clip(1 - outer / 1.2, 0, 1) ** 2 * 0.30, palette.rgb(40, 120, 255))
     layer.fill(outer, palette.rgb(20, 74, 140), soft=0.8)
     layer.add(np.exp(-np.square(across / 0.55)) * (outer < 0), palette.rgb(70, 190, 255))
-    # Six bright arcs wander round the ring while it breathes.
+    # Six bright arcs move around the ring while it pulsates.
     arcs = 0.5 + 0.5 * np.cos(6 * (angle - frame * np.pi / 12))
     layer.add(np.exp(-np.square(across / 0.42)) * arcs**3 * (0.80 + 0.10 * frame), palette.rgb(255, 255, 255))
     shape = np.where(r < radius, outer, outer - 1.0)

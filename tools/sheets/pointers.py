@@ -5,7 +5,7 @@ import numpy as np
 from . import palette, shapes
 from .paint import Layer, blank, cut, matte_picture, paste, smooth
 
-# A pointer cell begins at frame * 367 twips and is 367 twips, 24 pixels, wide and high.
+# A pointer cell starts at frame * 367 twips and is 367 twips, 24 pixels, wide and high.
 POINTER_TWIPS = 367
 
 
@@ -13,7 +13,7 @@ def pointer_cell(frame):
     size = 24
     layer = Layer(size, size)
     x, y = shapes.turned(*layer.centred(size / 2, size / 2), frame * np.pi / 6)
-    # Its corners lie on the circle that the cell holds, so that no turn cuts one off.
+    # Its corners are on the circle that fits the cell, so that no rotation cuts one off.
     head = [(0, -11.1), (7.6, 9.0), (0, 6.0), (-7.6, 9.0)]
     outline = shapes.polygon(x, y, head) - 0.4
     inner = shapes.polygon(x, y, head) + 1.1
@@ -46,7 +46,8 @@ def edge_cell(colour, frame):
     layer = Layer(size, size)
     turn = EDGE_TURNS[frame] * np.pi / 4
     corner = frame >= 4
-    # The straight and the corner arrow are two drawings, so that both fill the cell; quarter turns do the rest.
+    # The straight and the diagonal arrow are separate drawings, so that both fill the cell. Quarter turns give the
+    # rest.
     quarter = turn + (np.pi / 4 if corner else 0)
     x, y = shapes.turned(*layer.centred(size / 2, size / 2), quarter)
     if corner:
@@ -62,7 +63,7 @@ def edge_cell(colour, frame):
     shade = smooth(-9, 9, y + (x if corner else 0))[..., None]
     layer.fill(inner, np.clip(base * (1.08 - 0.3 * shade), 0, 1))
     light = palette.SIGNS_LIGHT[colour]
-    # The sign stays upright whichever way the arrow points.
+    # The sign stays upright in every direction of the arrow.
     sx, sy = shapes.turned(x - middle[0], y - middle[1], -quarter)
     layer.fill(palette.sign(colour, sx, sy, 3.3), (1, 1, 1) if light else base * 0.1)
     layer.within(outline)

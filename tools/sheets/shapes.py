@@ -26,7 +26,7 @@ def segment(x, y, a, b, width):
 
 
 def stroke(x, y, points, width):
-    """A chain of strokes; `width` is one number or one a point, then the stroke tapers."""
+    """A chain of strokes. `width` is one number, or one per point for a tapering stroke."""
     widths = np.broadcast_to(np.asarray(width, dtype=float), (len(points),))
     result = np.full(np.shape(x), np.inf)
     for i in range(len(points) - 1):
@@ -56,7 +56,7 @@ def polygon(x, y, points):
 
 
 def regular(corners, radius, turn=0.0):
-    """Corners of a regular polygon, the first one straight up."""
+    """The corners of a regular polygon, the first one straight up."""
     angles = turn + 2 * np.pi * np.arange(corners) / corners
     return [(radius * np.sin(a), -radius * np.cos(a)) for a in angles]
 
@@ -68,7 +68,7 @@ def star(x, y, radius, tips, inner):
 
 
 def turned(x, y, angle):
-    """Coordinates in a frame turned clockwise by `angle` radians."""
+    """Coordinates in a frame rotated clockwise by `angle` radians."""
     c, s = np.cos(angle), np.sin(angle)
     return c * x + s * y, -s * x + c * y
 

@@ -1,1 +1,1 @@
-"""What the game sounds like: a module for each kind of thing."""
+"""The game's sounds, one module per kind."""

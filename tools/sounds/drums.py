@@ -1,4 +1,4 @@
-"""The drums: each makes one stroke, one channel or two as rows, about as loud as 1."""
+"""The drums. Each function makes one stroke, mono or stereo (two rows), with a level of about 1."""
 
 import functools
 
@@ -8,14 +8,14 @@ from sounds.synth import band, moving_band, noise, phase, seconds, strike, sweep
 
 
 def _metal(time, low, seed):
-    """Six square tones that do not fit each other, with some noise: what cymbals are made of."""
+    """Six inharmonic square tones with some noise, the basis of cymbals."""
     tone = sum(np.sign(np.sin(2 * np.pi * pitch * time + seed * number))
                for number, pitch in enumerate((205.3, 304.4, 369.6, 522.7, 540.0, 800.0)))
     return band(tone / 3 + 0.8 * noise(len(time), seed), low, 13500, 8)
 
 
 def kick():
-    """A skin with a beater's click."""
+    """A drum skin with the beater's click."""
     time = seconds(0.34)
     tone = np.sin(phase(49 + 190 * np.exp(-time / 0.022))) * strike(time, 0.002, 0.13)
     click = band(noise(len(time), 60), 1500, 6000) * np.exp(-time / 0.004)
@@ -36,7 +36,7 @@ def snare():
 
 
 def clap():
-    """Several hands, not quite together, at either side."""
+    """Several hands, not quite together, on both sides."""
     time = seconds(0.3)
     sides = []
     for seed, shift in ((62, 0.0), (63, 0.0025)):
@@ -105,7 +105,7 @@ def low_tom():
 
 
 def taiko():
-    """A great skin, far below."""
+    """A large, very deep skin."""
     time = seconds(1.1)
     skin = np.sin(phase(56 * (1 + 0.5 * np.exp(-time / 0.04))))
     skin += 0.4 * np.sin(phase(93 * (1 + 0.3 * np.exp(-time / 0.03)))) * np.exp(-time / 0.12)
@@ -142,7 +142,7 @@ def tap():
 
 
 def riser():
-    """Air that rises for two seconds and stops: something begins."""
+    """Air that rises for two seconds and stops, to announce a new part."""
     time = seconds(2.0)
     sides = [moving_band(noise(len(time), seed), sweep(350, 6500, time, 0.3), 1.0) for seed in (77, 78)]
     return 1.5 * np.array(sides) * (time / 2) ** 2 * swell(time, 0.1, 0.03)
@@ -150,7 +150,7 @@ def riser():
 
 KIT = {make.__name__: make for make in (kick, soft_kick, snare, clap, hat, open_hat, ride, crash, shaker, rim, snap,
                                         tom, low_tom, taiko, conga, high_conga, brush, tap, riser)}
-# How loud, and from where, -1 left to 1 right.
+# Level and position, from -1 left to 1 right.
 LEVELS = {"kick": 0.85, "soft_kick": 0.9, "snare": 0.5, "clap": 0.55, "hat": 0.2, "open_hat": 0.17, "ride": 0.2,
           "crash": 0.22, "shaker": 0.22, "rim": 0.25, "snap": 0.6, "tom": 0.5, "low_tom": 0.6, "taiko": 0.9,
           "conga": 0.34, "high_conga": 0.28, "brush": 0.22, "tap": 0.3, "riser": 0.25}

@@ -1,16 +1,16 @@
-"""The nine effects. Each is to be known by its shape at once: what falls, what rises, what hums, what bangs."""
+"""The nine effects. Each has a shape that is recognised at once: falling, rising, humming, banging."""
 
 import numpy as np
 
 from sounds.loudness import loudest
-from sounds.synth import (RATE, band, convolved, faded, frequency, harmonics, moving_band, noise, phase, room_response,
-                          rounded_off, saw, seconds, strike, sweep, swell)
+from sounds.synth import (RATE, band, convolved, faded, frequency, moving_band, noise, phase, room_response, rounded_off,
+                          saw, seconds, strike, sweep, swell)
 
-CEILING = 0.55  # so that an effect over the music is not clipped
+CEILING = 0.55  # so that an effect over the music doesn't clip
 
 
 def mixed(length, *layers):
-    """Layers of (start in seconds, samples) in one sound."""
+    """Mixes layers of (start in seconds, samples) into one sound."""
     result = np.zeros(int(round(length * RATE)))
     for start, samples in layers:
         first = int(round(start * RATE))
@@ -20,12 +20,12 @@ def mixed(length, *layers):
 
 
 def in_a_room(samples, amount, length, seed):
-    """With a little of a room around it."""
+    """Adds a little reverb."""
     return samples + amount * convolved(samples, room_response(length, seed, 250, 5000))[:len(samples)]
 
 
 def glass(pitch, length, decay, hardness=1.4):
-    """A struck glass: bright at once, round soon after."""
+    """Struck glass: bright at first, mellow soon after."""
     time = seconds(length)
     turn = 2 * np.pi * pitch * time
     wobble = hardness * np.exp(-time / (0.25 * decay)) * np.sin(3 * turn)
@@ -33,7 +33,7 @@ def glass(pitch, length, decay, hardness=1.4):
 
 
 def capture():
-    """A net that closes: a rush of air upwards, a snap with a thump, and what was caught falls away in glass."""
+    """A closing net: a rush of air upwards, a snap with a thump, and the catch falls away in glass."""
     time = seconds(0.15)
     rush = moving_band(noise(len(time), 11), sweep(500, 4200, time, 0.5), 0.9)
     rush *= (time / time[-1]) ** 1.5 * swell(time, 0.02, 0.012)
@@ -47,7 +47,8 @@ def capture():
 
 
 def bounce():
-    """Rubber against a wall: a dull touch, then a round tone that springs up and wobbles. Short, as it comes often."""
+    """Rubber against a wall: a dull hit, then a round tone that springs up and wobbles. Short, because it is
+    frequent."""
     time = seconds(0.28)
     pitch = 205 + 235 * (1 - np.exp(-time / 0.035)) + 32 * np.sin(2 * np.pi * 17 * time) * np.exp(-time / 0.09)
     turn = phase(pitch)
@@ -59,7 +60,7 @@ def bounce():
 
 
 def error():
-    """Two low notes downwards, hollow like a clarinet: no."""
+    """Two low descending notes, hollow like a clarinet: no."""
     def reed(note, length):
         time = seconds(length)
         tone = saw(frequency(note), time, 900 + 900 * np.exp(-time / 0.05), odd=True)
@@ -70,7 +71,7 @@ def error():
 
 
 def shield():
-    """A warm chord that opens and closes like a dome, with a shimmer on its top."""
+    """A warm chord that opens and closes like a dome, with a shimmer on top."""
     layers = []
     for step, note in enumerate((50, 57, 62, 66, 69, 73)):
         time = seconds(1.35 - 0.045 * step)
@@ -85,7 +86,7 @@ def shield():
 
 
 def turbo():
-    """An engine that is lit and leaps up through its gears, in a rush of air that passes by."""
+    """An engine that ignites and races up through its gears, in a rush of passing air."""
     time = seconds(1.1)
     progress = time / time[-1]
     pitch = 62 * 2 ** (2.1 * progress**0.75) * (1 - 0.16 * np.exp(-((progress - 0.42) / 0.035) ** 2))
@@ -98,7 +99,7 @@ def turbo():
 
 
 def charged_tail():
-    """Electricity: a hum of the mains that gathers itself, sparks over it, and a rising whine of the charge."""
+    """Electricity: a growing mains hum, sparks over it, and the rising whine of charging."""
     time = seconds(1.1)
     progress = time / time[-1]
     flutter = 0.62 + 0.38 * np.tanh(3 * np.sin(2 * np.pi * (22 + 14 * progress) * time))
@@ -115,7 +116,7 @@ def charged_tail():
 
 
 def long_tail():
-    """Something is drawn out: one voice that glides up and up, and drops a ladder of echoes behind it."""
+    """Something being stretched: one voice that glides up and up, leaving a ladder of echoes."""
     time = seconds(1.3)
     progress = np.clip(time / 0.85, 0, 1)
     pitch = frequency(57) * 2 ** (1.58 * progress**1.4) * (1 + 0.008 * np.sin(2 * np.pi * 6.5 * time))
@@ -131,7 +132,7 @@ def long_tail():
 
 
 def laser():
-    """A beam: a tone that falls from high up, sizzling at its mouth, and comes back once from afar."""
+    """A beam: a tone that falls from high up, sizzles at its source, and echoes once from afar."""
     time = seconds(0.5)
     turn = phase(160 + 2300 * np.exp(-time / 0.085))
     beam = np.sin(turn + 1.1 * np.sin(0.5 * turn)) + 0.3 * np.sin(1.007 * turn)
@@ -143,7 +144,7 @@ def laser():
 
 
 def missile():
-    """The pulse: a deep bang, a wave that rolls outwards, and all machines running down."""
+    """The pulse: a deep bang, a wave rolling outwards, and all machines running down."""
     time = seconds(1.7)
     bang = np.sin(phase(36 + 150 * np.exp(-time / 0.06))) * strike(time, 0.004, 0.4)
     wave = moving_band(noise(len(time), 15), 70 + 1500 * np.exp(-time / 0.22), 1.6) * strike(time, 0.006, 0.3)
@@ -154,7 +155,7 @@ def missile():
     return in_a_room(np.tanh(1.3 * bang) + 2.6 * wave + 1.0 * roll + 0.34 * down, 0.35, 1.3, 48)
 
 
-# How loud the loudest tenth of a second is heard, in LUFS: what is heard often lies lower than what decides.
+# The loudness of the loudest tenth of a second, in LUFS. Frequent sounds are quieter than decisive ones.
 LOUDNESS = {"capture": -13.5, "bounce": -17, "error": -16, "puShield": -15, "puTurbo": -14.5, "puChargedTail": -15,
             "puLongTail": -15, "puLaser": -14.5, "puMissile": -13.5}
 MAKERS = {"capture": capture, "bounce": bounce, "error": error, "puShield": shield, "puTurbo": turbo,
@@ -162,13 +163,13 @@ MAKERS = {"capture": capture, "bounce": bounce, "error": error, "puShield": shie
 
 
 def finished(samples, level):
-    """At its loudness, with no peak beyond the ceiling, beginning and ending in silence."""
+    """Normalises to the effect's loudness, with no peak above the ceiling and silence at both ends."""
     clean = faded(band(samples, 35, 15000), 0.002, 0.03)
     result = clean
-    for _ in range(4):  # bending a peak takes some loudness away again
+    for _ in range(4):  # rounding off a peak costs some loudness
         clean = clean * 10 ** ((level - loudest(result)) / 20)
         result = rounded_off(clean, CEILING)
-    # What the bent peaks leave of direct current is taken away by a curve that is zero at both ends.
+    # Rounding off peaks can leave a DC offset. A curve that is zero at both ends removes it.
     arch = np.sin(np.pi * np.arange(len(result)) / (len(result) - 1)) ** 2
     return result - np.mean(result) / np.mean(arch) * arch
 

@@ -1,4 +1,5 @@
-"""The tuned instruments: each makes one note of a length in seconds, one channel or two as rows, about as loud as 1."""
+"""The tuned instruments. Each function makes one note of a length in seconds, mono or stereo (two rows), with a level
+of about 1."""
 
 import functools
 
@@ -12,7 +13,7 @@ def _chance(note, salt=0):
 
 
 def _spread(make, note, cents, salt):
-    """A voice in the middle and two a little out of tune at either side."""
+    """A voice in the middle and two slightly detuned ones at the sides."""
     start = _chance(note, salt).uniform(0, 2 * np.pi, 3)
     low, middle, high = (make(frequency(note) * 2 ** (c / 1200), s) for c, s in zip((-cents, 0, cents), start))
     return np.array([0.7 * middle + low, 0.7 * middle + high]) * 0.5
@@ -29,7 +30,7 @@ def pad(note, length):
 
 @functools.lru_cache(maxsize=None)
 def wide(note, length):
-    """Bright saws, wider apart, that stand at once."""
+    """Bright saws, wider apart, with an immediate attack."""
     time = seconds(length + 0.3)
     cut = 1400 + 2400 * np.exp(-time / 0.5)
     return _spread(lambda pitch, start: saw(pitch, time, cut, 0.3, start), note, 13, 2) * swell(time, 0.03, 0.3)
@@ -37,7 +38,7 @@ def wide(note, length):
 
 @functools.lru_cache(maxsize=None)
 def choir(note, length):
-    """Voices on a dark "ah": the partials near its formants stand out."""
+    """Voices on a dark "ah": the partials near its formants are stronger."""
     time = seconds(length + 0.9)
     def voice(pitch, start):
         sway = 1 + 0.004 * np.sin(2 * np.pi * 4.7 * time + start) * np.clip(time / 0.6, 0, 1)
@@ -64,7 +65,7 @@ def strings(note, length):
 
 @functools.lru_cache(maxsize=None)
 def synth_bass(note, length):
-    """A saw whose filter snaps shut, over its own octave's sine."""
+    """A saw whose filter snaps shut, over a sine at the same pitch."""
     time = seconds(length + 0.05)
     pitch = frequency(note)
     tone = 0.55 * saw(pitch, time, 220 + 2000 * np.exp(-time / 0.07), 0.9)
@@ -74,7 +75,7 @@ def synth_bass(note, length):
 
 @functools.lru_cache(maxsize=None)
 def growl_bass(note, length):
-    """Two saws that beat against each other in the dark."""
+    """Two dark saws that beat against each other."""
     time = seconds(length + 0.1)
     pitch = frequency(note)
     cut = 260 + 340 * (0.5 - 0.5 * np.cos(2 * np.pi * time / max(length, 0.4)))
@@ -84,7 +85,7 @@ def growl_bass(note, length):
 
 @functools.lru_cache(maxsize=None)
 def double_bass(note, length):
-    """Plucked with the finger: round, with a thud at its beginning."""
+    """Plucked with the finger: round, with an initial thud."""
     time = seconds(length + 0.12)
     pitch = frequency(note) * (1 + 0.006 * np.exp(-time / 0.03))
     levels = (1, 0.6, 0.32, 0.2, 0.1, 0.06)
@@ -95,7 +96,7 @@ def double_bass(note, length):
 
 @functools.lru_cache(maxsize=None)
 def pluck(note, length, bright=1.0):
-    """A short saw whose filter falls shut: the voice of the arpeggios."""
+    """A short saw whose filter closes quickly, for arpeggios."""
     time = seconds(max(length, 0.12) + 0.22)
     pitch = frequency(note)
     cut = pitch + (500 + 3800 * bright) * np.exp(-time / (0.05 + 0.05 * bright))
@@ -118,7 +119,7 @@ def _struck(note, length, ratios, decays, levels, attack=0.002):
 
 @functools.lru_cache(maxsize=None)
 def bell(note, length):
-    """Glass with metal in it."""
+    """Glass with a metallic part."""
     time = seconds(max(length, 0.8) + 0.9)
     pitch = frequency(note)
     ring = 1.3 * np.exp(-time / 0.4) * np.sin(2 * np.pi * 3.5 * pitch * time)
@@ -139,7 +140,7 @@ def marimba(note, length):
 
 @functools.lru_cache(maxsize=None)
 def vibraphone(note, length):
-    """Struck metal whose motor lets it swell from side to side."""
+    """Struck metal with a motor that makes it swell from side to side."""
     tone = _struck(note, length + 0.9, (1, 4.0, 10.1), (1.1, 0.35, 0.06), (1, 0.22, 0.1), 0.003)
     turn = 0.35 * np.sin(2 * np.pi * 5.2 * seconds(length + 0.9)[:len(tone)])
     return np.array([tone * (1 + turn), tone * (1 - turn)])
@@ -157,7 +158,7 @@ def harp(note, length):
 
 @functools.lru_cache(maxsize=None)
 def keys(note, length):
-    """An electric piano: a tine that barks and sings on."""
+    """An electric piano: a tine that barks and then sings."""
     time = seconds(length + 0.3)
     pitch = frequency(note)
     tine = (1.1 * np.exp(-time / 0.22) + 0.15) * np.sin(2 * np.pi * pitch * time)
@@ -169,7 +170,7 @@ def keys(note, length):
 
 @functools.lru_cache(maxsize=None)
 def lead(note, length, before=None):
-    """A voice that sings: saw and hollow square, gliding from the note before, with a late vibrato."""
+    """A singing voice: saw and hollow square, gliding from the previous note, with a late vibrato."""
     time = seconds(length + 0.14)
     glide = 0 if before is None else (before - note) * np.exp(-time / 0.022)
     vibrato = 0.16 * np.sin(2 * np.pi * 5.6 * time) * np.clip((time - 0.2) / 0.3, 0, 1)

@@ -1,4 +1,4 @@
-"""How loud something is heard: ITU-R BS.1770 with the gates of EBU R 128, in LUFS."""
+"""Perceived loudness: ITU-R BS.1770 with the gates of EBU R 128, in LUFS."""
 
 import functools
 
@@ -14,8 +14,8 @@ def _biquad(bins, b, a):
 
 @functools.lru_cache(maxsize=3)
 def ear(size):
-    """What the standard's filter makes of each frequency of so many samples: a shelf that lifts the highs, and the
-    lowest taken away."""
+    """The response of the standard's filter for each frequency of this many samples: a shelf that raises the highs, and
+    a high-pass."""
     bins = np.fft.rfftfreq(size, 1 / RATE)
     k = np.tan(np.pi * 1681.974450955533 / RATE)
     quality, high = 0.7071752369554196, 10 ** (3.999843853973347 / 20)
@@ -28,7 +28,7 @@ def ear(size):
 
 
 def heard(samples):
-    """As rows of channels, behind the ear's filter."""
+    """The channels as rows, after the standard's filter."""
     rows = np.atleast_2d(samples)
     count = rows.shape[1]
     size = 1 << (count + RATE // 2).bit_length()
@@ -36,7 +36,8 @@ def heard(samples):
 
 
 def powers(samples, window, step):
-    """Mean square of every window, the channels added; a sound shorter than one is filled up with silence."""
+    """The mean square of every window, summed over the channels. A sound shorter than one window is padded with
+    silence."""
     rows = heard(samples)
     width, hop = int(round(window * RATE)), int(round(step * RATE))
     if rows.shape[1] < width:
@@ -60,5 +61,5 @@ def integrated(samples):
 
 
 def loudest(samples, window=0.1):
-    """The loudest tenth of a second: the measure of an effect, that may be shorter than the standard's window."""
+    """The loudness of the loudest tenth of a second, for effects that may be shorter than the standard's window."""
     return np.max(decibels(powers(samples, window, 0.005)))

@@ -1,5 +1,5 @@
-"""A piece in the making: buses of players, the room, echoes, the mix. Everything is stereo, as two rows, and a ring:
-what sounds beyond the end goes on at the beginning, so that the piece can follow itself."""
+"""A piece: buses of players, reverb, echoes, the mix. Everything is stereo, as two rows, and circular: sound beyond the
+end continues at the beginning, so that the piece can loop."""
 
 import numpy as np
 
@@ -9,9 +9,9 @@ from sounds.synth import RATE, band, convolved, room_response
 from sounds.theory import tune
 
 LOUDNESS = -21.0  # LUFS, of every piece
-CEILING = 0.4  # of its peaks; with an effect above it nothing is clipped
-LEAD_IN = 0.012  # seconds by which the first beat lies behind the beginning
-STEADY = {"kick", "soft_kick", "riser"}  # strokes that always come from the middle, and on time
+CEILING = 0.4  # of its peaks, so that it doesn't clip with an effect on top
+LEAD_IN = 0.012  # seconds from the beginning to the first beat
+STEADY = {"kick", "soft_kick", "riser"}  # strokes that are always centred and on time
 
 
 class Bus:
@@ -22,8 +22,8 @@ class Bus:
 
 class Score:
     def __init__(self, tempo, bars, beats=4, swing=None, shift=0, seed=1):
-        """Swing is (length of a pair in beats, place of its second note within it); none plays straight. Shift is how
-        many semitones higher it sounds than it is written."""
+        """Swing is (length of a pair in beats, position of its second note within it); none plays straight. Shift is
+        how many semitones higher it sounds than it is written."""
         self.beat, self.beats = 60 / tempo, beats
         self.length = bars * beats
         self.count = int(round(self.length * self.beat * RATE))
@@ -32,13 +32,12 @@ class Score:
         self.buses, self.kicks = {}, []
 
     def bus(self, name, loudness, room=0.2, echo=0.0, duck=0.0, low=0):
-        """A group of players: how loud it is heard where it plays, in LUFS before the mix is brought to its own; how
-        much of it goes into the room and the echo; how far the kick drum pushes it down; what lies below `low` Hz is
-        left out."""
+        """Adds a group of players: its loudness while playing, in LUFS before the mix is normalised; how much of it
+        goes to reverb and echo; how far the kick drum ducks it. Frequencies below `low` Hz are removed."""
         self.buses[name] = Bus(self.count, loudness, room, echo, duck, low)
 
     def time(self, beat):
-        """In seconds, swung."""
+        """The time of a beat in seconds, with swing."""
         if self.swing:
             pair, place = self.swing
             whole, part = divmod(beat / pair, 1)
@@ -47,7 +46,7 @@ class Score:
         return beat * self.beat
 
     def put(self, bus, time, samples, level, side=0.0):
-        """A sound at a time in seconds; side from -1 (left) to 1."""
+        """Adds a sound at a time in seconds, at a position from -1 (left) to 1."""
         first = int(round((time + LEAD_IN) * RATE)) % self.count
         if samples.ndim == 1:
             angle = (side + 1) * np.pi / 4
@@ -61,14 +60,14 @@ class Score:
             target[:, :size - head] += level * samples[:, head:]
 
     def note(self, bus, instrument, beat, note, length, level=1.0, side=0.0, **more):
-        """A note of a length in beats, with the small unevenness of a player."""
+        """Adds a note of a length in beats, with the slight unevenness of a player."""
         start, end = self.time(beat), self.time(beat + length)
         late = abs(self.chance.normal(0, 0.003))
         samples = instrument(note + self.shift, round(end - start, 3), **more)
         self.put(bus, start + late, samples, level * self.chance.uniform(0.9, 1.06), side)
 
     def melody(self, bus, instrument, bar, text, level=1.0, shift=0, side=0.0, glide=False, short=0.94):
-        """A tune from a bar on, moved by semitones if need be."""
+        """Adds a tune starting at a bar, optionally transposed by semitones."""
         beat, before = bar * self.beats, None
         for note, length in tune(text, self.beats):
             if note is not None:
@@ -86,7 +85,7 @@ class Score:
         self.put(bus, self.time(beat) + late, drums.stroke(name), level * uneven, drums.SIDES.get(name, 0))
 
     def drums(self, bus, bar, bars, pattern, level=1.0):
-        """Lines of one character a sixteenth, gone through again and again: X loud, o middling, x soft, - nothing."""
+        """Adds lines with one character per sixteenth, repeated: X loud, o medium, x soft, - nothing."""
         marks = {"X": 1.0, "o": 0.68, "x": 0.42}
         for name, line in pattern.items():
             for step in range(bars * self.beats * 4):
@@ -95,7 +94,7 @@ class Score:
                     self.hit(bus, name, bar * self.beats + step / 4, marks[mark] * level)
 
     def _ducked(self, depth):
-        """How far the kick drum lets the others through."""
+        """The gain of the other buses under the kick drum."""
         gain = np.ones(self.count)
         time = np.arange(int(0.4 * RATE)) / RATE
         dip = 1 - depth * np.clip(time / 0.008, 0, 1) * np.exp(-np.maximum(time - 0.03, 0) / 0.085)
@@ -105,15 +104,15 @@ class Score:
         return gain
 
     def _ring(self, samples):
-        """What goes beyond the end comes back at the beginning."""
+        """Moves what exceeds the end to the beginning."""
         result = samples[:self.count].copy()
         rest = samples[self.count:]
         result[:len(rest)] += rest
         return result
 
     def finished(self, room=1.2, echo=0.75, echoes=0.42, shine=6000, air=0.0):
-        """The mix: the room's length in seconds and the top of what it answers, the echo's distance in beats and how
-        much of one is left in the next, and by how many dB the highest tones are lifted."""
+        """The mix. Arguments: the reverb's length in seconds and its highest frequency, the echo's distance in beats
+        and its feedback, and the boost of the highest frequencies in dB."""
         mix, into_room, into_echo = (np.zeros((2, self.count)) for _ in range(3))
         for bus in self.buses.values():
             sound = bus.sound
@@ -136,7 +135,7 @@ class Score:
             source = 0.8 * into_room[side] + 0.2 * into_room[1 - side]
             mix[side] += self._ring(convolved(source, room_response(room, 31 + side, 180, shine)))
         mix = np.array([band(lifted(row, air), 30, 16000) for row in mix])
-        for _ in range(3):  # the limiter takes some loudness away again
+        for _ in range(3):  # the limiter costs some loudness
             mix = limited(mix * 10 ** ((LOUDNESS - integrated(mix)) / 20))
         ramp = int(0.004 * RATE)
         mix[:, :ramp] *= np.linspace(0, 1, ramp) ** 2
@@ -145,17 +144,17 @@ class Score:
 
 
 def lifted(samples, air):
-    """By so many dB far above 4 kHz, by half as many there."""
+    """Boosts frequencies far above 4 kHz by this many dB, and those at 4 kHz by half as many."""
     bins = np.fft.rfftfreq(len(samples), 1 / RATE)
     gain = 10 ** (air / 20 * bins**2 / (bins**2 + 4000.0**2))
     return np.fft.irfft(np.fft.rfft(samples) * gain, len(samples))
 
 
 def limited(mix, reach=int(0.02 * RATE)):
-    """Turns down in time what would go beyond the ceiling, and up again as softly."""
+    """A limiter: lowers the gain before a peak exceeds the ceiling, and raises it as smoothly."""
     gain = np.minimum(1, CEILING / np.maximum(np.max(np.abs(mix), axis=0), 1e-9))
     span = 1
-    while span < reach:  # the least gain of the last `reach` samples ...
+    while span < reach:  # the minimum gain of the last `reach` samples ...
         shift = min(span, reach - span)
         gain = np.minimum(gain, np.roll(gain, shift))
         span += shift

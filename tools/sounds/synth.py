@@ -1,4 +1,4 @@
-"""Sources of tone and noise, envelopes, filters and files. Samples are floats, full scale at 1, 44100 to the second."""
+"""Oscillators, noise, envelopes, filters and files. Samples are floats, full scale at 1, 44100 per second."""
 
 import wave
 
@@ -8,34 +8,34 @@ RATE = 44100
 
 
 def seconds(length):
-    """The time of every sample of a sound of that length."""
+    """The time of each sample of a sound of this length."""
     return np.arange(int(round(length * RATE))) / RATE
 
 
 def frequency(note):
-    """Of a note by its number; 69 is the a of 440."""
+    """The frequency of a note number; 69 is 440 Hz."""
     return 440 * 2 ** ((note - 69) / 12)
 
 
 def phase(pitch):
-    """The phase of a tone whose frequency is given sample by sample."""
+    """The phase of a tone whose frequency is given for each sample."""
     return 2 * np.pi * np.cumsum(pitch) / RATE
 
 
 def sweep(start, end, time, speed=4.0):
-    """A frequency that falls or rises from start towards end, fast at first."""
+    """A frequency that glides from start towards end, fast at first."""
     progress = (1 - np.exp(-speed * time / time[-1])) / (1 - np.exp(-speed))
     return start * (end / start) ** progress
 
 
 def harmonics(pitch, amplitudes, time):
-    """A steady tone from its partials, those beyond 16 kHz left out."""
+    """A steady tone from its partials, without those above 16 kHz."""
     return partials(2 * np.pi * pitch * time,
                     [a if pitch * n < 16000 else 0 for n, a in enumerate(amplitudes, start=1)])
 
 
 def partials(turn, gains):
-    """A tone of a given phase from the gains of its partials, each a number or one for every sample."""
+    """A tone of a given phase from the gains of its partials, each a number or an array with one value per sample."""
     step = np.exp(1j * turn)
     wheel = np.ones_like(step)
     result = np.zeros(len(turn))
@@ -47,9 +47,9 @@ def partials(turn, gains):
 
 
 def saw(pitch, time, cut, resonance=0.0, start=0.0, odd=False):
-    """A sawtooth (or a square, of odd partials alone) behind a low-pass filter of two poles, without aliases.
+    """A band-limited sawtooth (or a square, with only odd partials) through a two-pole low-pass filter.
 
-    Pitch and cut-off frequency are numbers or one for every sample; start is the phase at the beginning."""
+    Pitch and cut-off frequency are numbers, or arrays with one value per sample; start is the initial phase."""
     pitch = np.broadcast_to(np.asarray(pitch, float), time.shape)
     cut = np.broadcast_to(np.asarray(cut, float), time.shape)
     ratio = pitch / cut
@@ -72,7 +72,7 @@ def noise(count, seed):
 
 
 def band(samples, low, high, order=4):
-    """Lets pass what lies between two frequencies, with soft shoulders."""
+    """A band-pass between two frequencies, with soft edges."""
     spectrum = np.fft.rfft(samples)
     bins = np.fft.rfftfreq(len(samples), 1 / RATE)
     gain = 1 / (1 + (bins / high) ** order)
@@ -82,7 +82,7 @@ def band(samples, low, high, order=4):
 
 
 def moving_band(samples, centre, octaves):
-    """Lets pass a band whose centre moves: a frequency for every sample, and the band's width in octaves."""
+    """A band-pass with a moving centre: a frequency for each sample, and the width in octaves."""
     frame, hop = 1024, 256
     padded = np.concatenate([np.zeros(frame), samples, np.zeros(2 * frame)])
     starts = np.arange(0, len(padded) - frame, hop)
@@ -99,12 +99,12 @@ def moving_band(samples, centre, octaves):
 
 
 def strike(time, attack, decay):
-    """Rises in a moment, then dies away; `decay` is the time to about a third."""
+    """An envelope that rises at once and then decays; `decay` is the time to about a third."""
     return np.minimum(time / attack, 1) * np.exp(-np.maximum(time - attack, 0) / decay)
 
 
 def swell(time, attack, release):
-    """Rises, stays, falls, along smooth curves."""
+    """An envelope that rises, holds and falls along smooth curves."""
     length = time[-1] + 1 / RATE
     up = np.clip(time / attack, 0, 1)
     down = np.clip((length - time) / release, 0, 1)
@@ -112,7 +112,7 @@ def swell(time, attack, release):
 
 
 def faded(samples, start=0.003, end=0.02):
-    """Begins and ends in silence, so that nothing clicks."""
+    """Fades both ends, to avoid clicks."""
     result = samples.copy()
     first, last = int(start * RATE), int(end * RATE)
     result[..., :first] *= np.sin(np.linspace(0, np.pi / 2, first)) ** 2
@@ -121,7 +121,7 @@ def faded(samples, start=0.003, end=0.02):
 
 
 def rounded_off(samples, ceiling):
-    """Bends what is beyond the ceiling's knee, so that no peak is cut."""
+    """Rounds off peaks above the ceiling's knee instead of clipping them."""
     knee = 0.7 * ceiling
     size = np.abs(samples)
     over = np.maximum(size - knee, 0)
@@ -130,7 +130,8 @@ def rounded_off(samples, ceiling):
 
 
 def room_response(length, seed, low=180, high=6000):
-    """How a room answers: a few early reflections, then noise whose highs die first; 60 dB down after its length."""
+    """A room's impulse response: a few early reflections, then noise whose highs decay first. It reaches -60 dB after
+    its length."""
     time = seconds(length)
     grain = noise(len(time), seed)
     bright = band(grain, 1400, high) * np.exp(-6.9 * time / (0.55 * length))
@@ -144,14 +145,14 @@ def room_response(length, seed, low=180, high=6000):
 
 
 def convolved(samples, response):
-    """Both, one after the other, at full length."""
+    """The full convolution of both."""
     count = len(samples) + len(response) - 1
     size = 1 << (count - 1).bit_length()
     return np.fft.irfft(np.fft.rfft(samples, size) * np.fft.rfft(response, size), size)[:count]
 
 
 def write_wave(path, samples):
-    """One channel, or two as rows; 16 bits."""
+    """Writes 16-bit samples: one channel, or two as rows."""
     values = np.atleast_2d(samples).T
     whole = np.round(np.clip(values, -1, 1) * 32767).astype("<i2")
     with wave.open(str(path), "wb") as file:

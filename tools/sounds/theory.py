@@ -1,4 +1,4 @@
-"""Notes, chords and melodies as they are written down in the pieces."""
+"""Notes, chords and melodies in the notation of the pieces."""
 
 import re
 
@@ -12,7 +12,7 @@ QUALITIES = {
 
 
 def pitch_class(name):
-    """Of a letter with its signs: 0 is c."""
+    """The pitch class of a letter with its accidentals; 0 is c."""
     return (LETTERS[name[0].lower()] + name.count("#") - name[1:].count("b")) % 12
 
 
@@ -23,7 +23,7 @@ def note(name):
 
 
 class Chord:
-    """Of a symbol such as "Am7" or "E/D": pitch classes, and that of the bass."""
+    """A chord symbol such as "Am7" or "E/D": its pitch classes, and that of the bass."""
 
     def __init__(self, symbol):
         root, quality, _, low = re.fullmatch(r"([A-G][#b]?)([^/]*)(/([A-G][#b]?))?", symbol).groups()
@@ -34,13 +34,13 @@ class Chord:
         self.fifth = (self.root + 7) % 12 if quality != "dim" else (self.root + 6) % 12
 
     def bass(self, lowest, tone=None):
-        """The bass note, or another tone, at or above a note."""
+        """The bass note, or another chord tone, at or above a note."""
         tone = self.low if tone is None else tone
         return lowest + (tone - lowest) % 12
 
 
 def voiced(chords, centre):
-    """Notes of every chord in close position near a note, each led on from the last by the shortest way."""
+    """The notes of every chord in close position near a note, with each voice moving the shortest way."""
     last, result = None, []
     for chord in chords:
         best = None
@@ -61,8 +61,8 @@ def voiced(chords, centre):
 
 
 def tune(text, bar):
-    """Of "e5:1.5 c5 -:0.5 | ...": (note or None, beats) in turn. Without a colon a note lasts one beat; what stands
-    between two bars must fill them."""
+    """Parses "e5:1.5 c5 -:0.5 | ..." into a list of (note or None, beats). Without a colon a note lasts one beat.
+    Between two bar lines the notes must fill the bar."""
     result = []
     for number, part in enumerate(text.split("|"), start=1):
         total = 0

@@ -1,4 +1,4 @@
-"""The music, a module for each piece: music1 to music5 go round in the game, the last one plays in the store."""
+"""The music, one module per piece: music1 to music5 rotate in the game, the last one plays in the store."""
 
 from sounds.pieces import chase, drifting, open_space, setting_out, something_waits, store
 
@@ -13,7 +13,7 @@ PIECES = {
 
 
 def all_pieces(chosen=None):
-    """Name and samples of every piece, or of the chosen one."""
+    """Name and samples of every piece, or of the selected one."""
     for name, make in PIECES.items():
         if chosen in (None, name):
             yield name, make()

@@ -1,5 +1,5 @@
 """The chase: e dorian, 168 beats a minute, a broken beat, stabs of brass against the bass. Intro, A, B, A again, a
-break that gathers itself over the drums' rim, and B in octaves with a fill that throws back to the beginning."""
+break that builds up over rim shots, and B in octaves with a fill that leads back to the beginning."""
 
 from sounds.instruments import brass, lead, pad, pluck, synth_bass, wide
 from sounds.score import Score

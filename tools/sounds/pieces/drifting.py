@@ -1,5 +1,5 @@
-"""Drifting: b flat lydian, three beats to the bar, 100 a minute: harp, a musical box, strings. Intro, A, A with strings
-under it, B in the relative minor, A for all, and a coda that floats back."""
+"""Drifting: b flat lydian, three beats to the bar, 100 a minute: harp, a music box, strings. Intro, A, A with strings
+below, B in the relative minor, A with everything, and a coda that leads back."""
 
 from sounds.instruments import double_bass, flute, harp, music_box, pad, strings
 from sounds.score import Score

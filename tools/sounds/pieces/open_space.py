@@ -1,5 +1,5 @@
-"""Open space: d lydian, 96 beats a minute, a broken beat at half its speed, a flute and bells over a long bass note.
-Intro, A, B that leaves the bass note and climbs, and A again for two flutes and glass."""
+"""Open space: d lydian, 96 beats a minute, a broken beat at half speed, a flute and bells over a long bass note. Intro,
+A, B, which leaves the bass note and climbs, and A again with two flutes and glass."""
 
 from sounds.instruments import bell, double_bass, flute, harp, pad, soft_pluck, strings
 from sounds.score import Score

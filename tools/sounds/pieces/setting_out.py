@@ -1,5 +1,5 @@
-"""Setting out: a minor, 120 beats a minute, four kicks to the bar, arpeggios of sixteenths. Intro, A, B, a bridge in
-which the drums fall away, A again with bells against it, and four bars that turn back to the beginning."""
+"""Setting out: a minor, 120 beats a minute, four kicks per bar, arpeggios of sixteenths. Intro, A, B, a bridge without
+drums, A again with bells, and four bars that lead back to the beginning."""
 
 from sounds.instruments import bell, lead, pad, pluck, soft_pluck, synth_bass, wide
 from sounds.score import Score

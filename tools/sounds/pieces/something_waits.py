@@ -1,5 +1,5 @@
-"""Something waits out there: c phrygian, 80 beats a minute, great drums, voices, a growling bass, and a plucked figure
-that never rests. Drone, A, B where the chords move, a still bridge for voices and bell, and A with everything."""
+"""Something waits out there: c phrygian, 80 beats a minute, large drums, voices, a growling bass, and a plucked figure
+that never rests. Drone, A, B with moving chords, a quiet bridge for voices and bell, and A with everything."""
 
 from sounds.instruments import bell, choir, growl_bass, harp, soft_pluck, strings
 from sounds.score import Score

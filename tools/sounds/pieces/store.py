@@ -1,6 +1,6 @@
-"""The store: e flat major, 116 beats a minute, an easy swing with an electric piano, a walking bass and brushes. Four
-bars to come in, then a song of the old form A A B A: vibraphone, flute, marimba, and vibraphone with flute. It is written
-in g and sounds a major third lower."""
+"""The store: e flat major, 116 beats a minute, an easy swing with an electric piano, a walking bass and brushes. A
+four-bar intro, then an A A B A song: vibraphone, flute, marimba, and vibraphone with flute. It is written in g and
+sounds a major third lower."""
 
 from sounds.instruments import double_bass, flute, keys, marimba, vibraphone
 from sounds.score import Score
@@ -36,7 +36,7 @@ def piece():
         walk += [chord.root, chord.fifth if len(walk) % 8 == 0 else chord.third]
     last = 40
     for beat, tone in enumerate(walk):
-        if beat % 4 == 3:  # the step before the next bar leads into it
+        if beat % 4 == 3:  # a step that leads into the next bar
             following = walk[(beat + 1) % len(walk)]
             tone = (following + (1 if beat % 8 == 3 else -1)) % 12
         choices = [n for n in range(34, 53) if n % 12 == tone]
