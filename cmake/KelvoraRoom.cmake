@@ -1,4 +1,4 @@
-# What every target of the project shares: warnings, sanitizers, the source root as include path.
+# Settings shared by all targets: warnings, sanitizers, the source root as include path.
 add_library(kelvora_options INTERFACE)
 target_include_directories(kelvora_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(kelvora_options INTERFACE
@@ -8,10 +8,10 @@ target_compile_options(kelvora_options INTERFACE
   $<$<BOOL:${KELVORA_WERROR}>:-Werror>
   # g++ 12 sees overlapping copies in any optimised `"text" + std::string`.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-restrict>
-  # Pictures and positions are the same on every machine only if no compiler fuses a multiplication and an addition.
+  # Fused multiply-adds would make pictures and positions differ between machines.
   -ffp-contract=off)
 if(CMAKE_UNITY_BUILD)
-  # Sources that are read as one: what one of them declares is shadowed by another's locals.
+  # In a unity build, locals of one source shadow declarations of another.
   target_compile_options(kelvora_options INTERFACE -Wno-shadow)
 endif()
 if(KELVORA_SANITIZE)
@@ -26,13 +26,13 @@ if(KELVORA_SANITIZE STREQUAL "thread")
   target_compile_options(kelvora_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-tsan>)
 endif()
 
-# generated/sourceFolder.h: where tests and benchmarks find the project's files.
+# generated/sourceFolder.h: the folder of the project's files, for tests and benchmarks.
 configure_file(${CMAKE_SOURCE_DIR}/cmake/sourceFolder.h.in ${CMAKE_BINARY_DIR}/generated/sourceFolder.h @ONLY)
 # generated/version.h: the version that tests expect.
 configure_file(${CMAKE_SOURCE_DIR}/cmake/version.h.in ${CMAKE_BINARY_DIR}/generated/version.h @ONLY)
 target_include_directories(kelvora_options INTERFACE ${CMAKE_BINARY_DIR})
 
-option(KELVORA_FUZZ "Build the fuzz targets, guided by coverage and with the sanitizers (clang alone)" OFF)
+option(KELVORA_FUZZ "Build the fuzz targets, guided by coverage and with the sanitizers (clang only)" OFF)
 if(KELVORA_FUZZ)
   target_compile_options(kelvora_options INTERFACE
     -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -55,7 +55,7 @@ function(kelvora_room name)
   target_link_libraries(kelvora_${name} PUBLIC kelvora_options ${ARGN})
 endfunction()
 
-# kelvora_leave_out(TARGET SOURCE ...): the library does without these sources of its folder.
+# kelvora_leave_out(TARGET SOURCE ...): excludes these sources of its folder from the library.
 function(kelvora_leave_out target)
   get_target_property(sources ${target} SOURCES)
   list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
@@ -66,7 +66,7 @@ endfunction()
 # kelvora_client(ROOM ...): one static library from the rooms of the game, which call one another.
 function(kelvora_client)
   add_library(kelvora_client STATIC)
-  # A unity build reads only the sources of one room as one.
+  # A unity build combines only sources of the same room.
   set_target_properties(kelvora_client PROPERTIES UNITY_BUILD_MODE GROUP)
   foreach(room ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${room}/*.cpp)
@@ -76,9 +76,9 @@ function(kelvora_client)
   target_link_libraries(kelvora_client PUBLIC kelvora_options kelvora_protocol kelvora_platform kelvora_raster kelvora_base)
 endfunction()
 
-# kelvora_run_in_node(TARGET): the browser build's program runs in Node, with the machine's own files.
+# kelvora_run_in_node(TARGET): makes the browser build's program run in Node, with access to this machine's files.
 function(kelvora_run_in_node target)
-  # Each part is optimised when it is compiled; doing it again in the linker takes half a minute a program.
+  # Each object is already optimised. Optimising again in the linker takes half a minute per program.
   target_link_options(${target} PRIVATE -sNODERAWFS=1 -sEXIT_RUNTIME=1 -sALLOW_MEMORY_GROWTH=1 -O1)
 endfunction()
 
@@ -90,10 +90,11 @@ function(kelvora_tests name)
   endif()
   add_executable(kelvora_${name}_tests ${sources})
   target_link_libraries(kelvora_${name}_tests PRIVATE kelvora_options ${ARGN} GTest::gtest_main)
-  # What the tests call is built as the preset says; their own lines run once each, and are built as fast as can be.
+  # The tested code is built according to the preset. The tests' own lines run once each and are built as fast as
+  # possible.
   target_compile_options(kelvora_${name}_tests PRIVATE -O0)
   if(KELVORA_SANITIZE MATCHES undefined)
-    # Checks of every pointer are a third of the compiler's work, and the address sanitizer finds most of the same.
+    # Pointer checks take a third of the compile time, and the address sanitizer finds most of the same errors.
     target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,vptr,object-size)
   endif()
   set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests UNITY_BUILD OFF)
@@ -109,8 +110,8 @@ function(kelvora_tests name)
   gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 900 LABELS ${name})
 endfunction()
 
-# kelvora_record_surfaces(TARGET): the program can note its drawing calls (bench/surfaceRecorder.h). The linker puts the
-# recorder between the painters and the surface.
+# kelvora_record_surfaces(TARGET): lets the program record its drawing calls (bench/surfaceRecorder.h). The linker
+# inserts the recorder between the painters and the surface.
 function(kelvora_record_surfaces target)
   target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/bench/surfaceRecorder.cpp)
   target_link_options(${target} PRIVATE
