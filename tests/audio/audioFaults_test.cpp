@@ -14,7 +14,7 @@ class BrokenPeer : public Peer {
   void changed(PropertyId) override { fail(); }
 };
 
-/// A machine on which things break.
+/// A machine whose devices can be broken.
 class BrokenMachine : public HeadlessBackend {
  public:
   bool refusesWindows = false;
@@ -36,17 +36,17 @@ class BrokenMachine : public HeadlessBackend {
   }
 };
 
-/// Audio is a comfort: a statement that fails is left out, and the next one runs.
+/// Audio is optional: a statement that fails is skipped, and the next one runs.
 class AudioFaults : public AudioTest {
  protected:
   AudioFaults() {
     openSounds();
-    machine.scriptedDraws = {0.7F};  // the third track, and the rotation begins with the fourth
+    machine.scriptedDraws = {0.7F};  // the third track, so the rotation continues with the fourth
     broken.scriptedDraws = machine.scriptedDraws;
     *frmMain;
   }
   ~AudioFaults() override {
-    frmMusic.unload();  // its player is the broken machine's
+    frmMusic.unload();  // its player belongs to the broken machine
     releaseUnloadedForms();
     installBackend(&machine);
   }
@@ -57,7 +57,7 @@ class AudioFaults : public AudioTest {
   BrokenMachine broken;
 };
 
-TEST_F(AudioFaults, TheMusicStartsThoughItsFormDoesNotLoad) {
+TEST_F(AudioFaults, MusicStartsEvenIfItsFormFailsToLoad) {
   broken.refusesWindows = true;
   installBackend(&broken);
   EXPECT_NO_THROW(soundMan::startMusic());
@@ -65,13 +65,13 @@ TEST_F(AudioFaults, TheMusicStartsThoughItsFormDoesNotLoad) {
   EXPECT_EQ(soundMan::currentMusic, 3);
 }
 
-TEST_F(AudioFaults, TheTrackIsDrawnThoughTheTimerFails) {
+TEST_F(AudioFaults, TrackIsDrawnEvenIfTheTimerFails) {
   breakDown(frmMusic->tmrNext);
   EXPECT_NO_THROW(soundMan::startMusic());
   EXPECT_EQ(soundMan::currentMusic, 3);
 }
 
-TEST_F(AudioFaults, AFailedDrawLeavesTheTrackAndTheTimerRuns) {
+TEST_F(AudioFaults, FailedDrawKeepsTheTrackAndStartsTheTimer) {
   broken.refusesDraws = true;
   installBackend(&broken);
   soundMan::currentMusic = 2;
@@ -80,14 +80,14 @@ TEST_F(AudioFaults, AFailedDrawLeavesTheTrackAndTheTimerRuns) {
   EXPECT_TRUE(frmMusic->tmrNext.Enabled);
 }
 
-TEST_F(AudioFaults, AFailedTrackLeavesTheRotationWhereItWas) {
+TEST_F(AudioFaults, FailedTrackDoesNotAdvanceTheRotation) {
   soundMan::startMusic();
   breakDown(frmMusic->player);
   EXPECT_NO_THROW(soundMan::playMusic(5));
   EXPECT_EQ(soundMan::currentMusic, 3);
 }
 
-TEST_F(AudioFaults, TickingTheMenuPlaysAndSavesThoughTheTimerFails) {
+TEST_F(AudioFaults, CheckingTheMenuItemPlaysAndSavesEvenIfTheTimerFails) {
   frmMain->mnuAudioMusic.Checked = false;
   breakDown(frmMusic->tmrNext);
   EXPECT_NO_THROW(frmMain->mnuAudioMusic.Click());
@@ -95,7 +95,7 @@ TEST_F(AudioFaults, TickingTheMenuPlaysAndSavesThoughTheTimerFails) {
   EXPECT_EQ(stored(machine), "True");
 }
 
-TEST_F(AudioFaults, UntickingTheMenuEndsTheMusicAndSavesThoughItsMarkFails) {
+TEST_F(AudioFaults, UncheckingTheMenuItemStopsTheMusicAndSavesEvenIfItsCheckMarkFails) {
   soundMan::startMusic();
   soundMan::nextMusic();
   breakDown(frmMain->mnuAudioMusic);
@@ -106,16 +106,16 @@ TEST_F(AudioFaults, UntickingTheMenuEndsTheMusicAndSavesThoughItsMarkFails) {
   EXPECT_EQ(stored(machine), "False");
 }
 
-TEST_F(AudioFaults, UntickingTheMenuSavesThoughTheUnloadFails) {
+TEST_F(AudioFaults, UncheckingTheMenuItemSavesEvenIfTheUnloadFails) {
   soundMan::startMusic();
   soundMan::nextMusic();
-  breakDown(*frmMusic);  // it cannot be hidden
+  breakDown(*frmMusic);  // hiding it fails
   EXPECT_NO_THROW(frmMain->mnuAudioMusic.Click());
   EXPECT_EQ(machine.playState, psStopped);
   EXPECT_EQ(stored(machine), "False");
 }
 
-TEST_F(AudioFaults, UntickingTheMenuEndsTheMusicThoughTheTimerFails) {
+TEST_F(AudioFaults, UncheckingTheMenuItemStopsTheMusicEvenIfTheTimerFails) {
   soundMan::startMusic();
   soundMan::nextMusic();
   breakDown(frmMusic->tmrNext);
@@ -124,7 +124,7 @@ TEST_F(AudioFaults, UntickingTheMenuEndsTheMusicThoughTheTimerFails) {
   EXPECT_EQ(stored(machine), "False");
 }
 
-TEST_F(AudioFaults, AMarkThatCannotBeSavedCountsAllTheSame) {
+TEST_F(AudioFaults, CheckMarkThatCannotBeSavedStillCounts) {
   broken.refusesSettings = true;
   installBackend(&broken);
   frmMain->mnuAudioMusic.Checked = false;

@@ -10,7 +10,7 @@ namespace {
 
 class Music : public AudioTest {
  protected:
-  /// The rotation starts with the draw; the tracks that were started are returned by `machine.tracks`.
+  /// Starts the rotation with this draw. `machine.tracks` then has the tracks started.
   void start(float draw) {
     machine.scriptedDraws = {draw};
     soundMan::startMusic();
@@ -39,7 +39,7 @@ TEST_F(Music, PlaysATrackByItsNumber) {
   }
 }
 
-TEST_F(Music, OfTheStoreLeavesTheRotationWhereItWas) {
+TEST_F(Music, OfTheStoreDoesNotAdvanceTheRotation) {
   openSounds();
   soundMan::playMusic(3);
   soundMan::playMusic(0);
@@ -49,7 +49,7 @@ TEST_F(Music, OfTheStoreLeavesTheRotationWhereItWas) {
   EXPECT_EQ(machine.tracks.back(), track(4));
 }
 
-TEST_F(Music, OutsideTheTracksDoesNothing) {
+TEST_F(Music, IgnoresUnknownTracks) {
   openSounds();
   soundMan::playMusic(2);
   for (const std::int16_t index : std::initializer_list<std::int16_t>{6, -1, 32767, -32768})
@@ -58,7 +58,7 @@ TEST_F(Music, OutsideTheTracksDoesNothing) {
   EXPECT_EQ(soundMan::currentMusic, 2);
 }
 
-TEST_F(Music, GoesFromTheFifthTrackToTheFirst) {
+TEST_F(Music, WrapsFromTheFifthTrackToTheFirst) {
   openSounds();
   soundMan::playMusic(5);
   soundMan::nextMusic();
@@ -86,7 +86,7 @@ TEST_F(Music, Q183BeginsWithTheSecondTrackTwiceAsOftenAndNeverWithTheFirst) {
   }
 }
 
-TEST_F(Music, StartsNothingWhileItIsSwitchedOff) {
+TEST_F(Music, DoesNotStartWhileSwitchedOff) {
   openSounds();
   frmMain->mnuAudioMusic.Checked = false;
   start(0.5F);
@@ -97,7 +97,7 @@ TEST_F(Music, StartsNothingWhileItIsSwitchedOff) {
   EXPECT_EQ(soundMan::currentMusic, 0);
 }
 
-TEST_F(Music, IsRefusedByTheCommandLineInAnyCase) {
+TEST_F(Music, IsSwitchedOffByTheCommandLineInAnyCase) {
   openSounds();
   for (const char* line : {"nomusic", "NoMusic", "--NOMUSIC", "nosound nomusicplease"}) {
     machine.commandLineText = line;
@@ -109,7 +109,7 @@ TEST_F(Music, IsRefusedByTheCommandLineInAnyCase) {
   EXPECT_EQ(machine.tracks, std::vector<std::string>{track(1)});
 }
 
-TEST_F(Music, GoesOnWhenATrackHasEnded) {
+TEST_F(Music, ContinuesWhenATrackHasEnded) {
   openSounds();
   start(0.5F);
   ASSERT_EQ(machine.tracks.back(), track(3));
@@ -134,7 +134,7 @@ TEST_F(Music, OnlyStatesOneAndTenEndATrack) {
   }
 }
 
-TEST_F(Music, IsLookedAtEveryTwoSeconds) {
+TEST_F(Music, IsCheckedEveryTwoSeconds) {
   openSounds();
   start(0.5F);
   EXPECT_EQ(frmMusic->tmrNext.Interval, 2000);
@@ -147,7 +147,7 @@ TEST_F(Music, IsLookedAtEveryTwoSeconds) {
   EXPECT_EQ(machine.tracks.size(), 2U);
 }
 
-TEST_F(Music, WithoutItsFileMovesOnAtTheNextTick) {
+TEST_F(Music, SkipsAMissingFileAtTheNextTick) {
   machine.missingFiles.insert(track(4));
   openSounds();
   start(0.5F);
@@ -160,7 +160,7 @@ TEST_F(Music, WithoutItsFileMovesOnAtTheNextTick) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(Music, Q277RestsWhileTheStoreIsOpenAlsoWhenItsOwnTrackHasEnded) {
+TEST_F(Music, Q277PausesInTheStoreEvenAfterTheStoreTrackHasEnded) {
   openSounds();
   start(0.5F);
   ASSERT_EQ(soundMan::currentMusic, 3);
@@ -178,7 +178,7 @@ TEST_F(Music, Q277RestsWhileTheStoreIsOpenAlsoWhenItsOwnTrackHasEnded) {
   EXPECT_EQ(machine.tracks.back(), track(4)) << "the one after the track before the store";
 }
 
-TEST_F(Music, FormIsLoadedHiddenAndOfItsSize) {
+TEST_F(Music, FormLoadsHiddenAtItsDesignSize) {
   openSounds();
   start(0.5F);
   EXPECT_TRUE(frmMusic.isLoaded());
@@ -190,7 +190,7 @@ TEST_F(Music, FormIsLoadedHiddenAndOfItsSize) {
   EXPECT_EQ(frmMusic->player.Caption.get(), "music3.mp3");
 }
 
-TEST_F(Music, IsEndedByUntickingTheMenuAtOnce) {
+TEST_F(Music, StopsAtOnceWhenTheMenuItemIsUnchecked) {
   openSounds();
   start(0.5F);
   frmMain->mnuAudioMusic.Click();
@@ -204,7 +204,7 @@ TEST_F(Music, IsEndedByUntickingTheMenuAtOnce) {
   EXPECT_FALSE(frmMusic.isLoaded());
 }
 
-TEST_F(Music, IsStartedByTickingTheMenuFromTheSecondTrackToTheFifth) {
+TEST_F(Music, StartsWithTracksTwoToFiveWhenTheMenuItemIsChecked) {
   openSounds();
   for (const float draw : {0.0F, 0.25F, 0.45F, 0.65F, 0.99F}) {
     frmMain->mnuAudioMusic.Checked = false;
@@ -217,7 +217,7 @@ TEST_F(Music, IsStartedByTickingTheMenuFromTheSecondTrackToTheFifth) {
   }
 }
 
-TEST_F(Music, Q277SwitchedOnInTheStoreItIsHeardOutsideAlone) {
+TEST_F(Music, Q277SwitchedOnInTheStoreItOnlyPlaysOutside) {
   openSounds();
   login();
   frmMain->mnuAudioMusic.Checked = false;
@@ -232,7 +232,7 @@ TEST_F(Music, Q277SwitchedOnInTheStoreItIsHeardOutsideAlone) {
   EXPECT_EQ(machine.tracks, std::vector<std::string>{track(3)});
 }
 
-TEST_F(Music, Q184WithNomusicTickingTheMenuOnlyStartsTheTimer) {
+TEST_F(Music, Q184WithNomusicCheckingTheMenuItemOnlyStartsTheTimer) {
   openSounds();
   machine.commandLineText = "NoMusic";
   frmMain->mnuAudioMusic.Checked = false;
@@ -247,7 +247,7 @@ TEST_F(Music, Q184WithNomusicTickingTheMenuOnlyStartsTheTimer) {
 TEST_F(Music, Q181WithoutSoundTheTimerTriesEmptyNames) {
   machine.commandLineText = "nosound";
   start(0.5F);
-  EXPECT_EQ(soundMan::currentMusic, 3) << "the rotation goes on all the same";
+  EXPECT_EQ(soundMan::currentMusic, 3) << "the rotation continues anyway";
   tickMusic(psReady);
   tickMusic(psReady);
   EXPECT_EQ(soundMan::currentMusic, 5);

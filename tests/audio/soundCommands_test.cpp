@@ -6,7 +6,7 @@
 namespace kelvora {
 namespace {
 
-/// The commands of the chat line that are about sound.
+/// The console commands for sound.
 class SoundConsole : public AudioTest {
  protected:
   SoundConsole() { openSounds(); }
@@ -26,14 +26,14 @@ TEST_F(SoundConsole, PlaysAnEffect) {
   EXPECT_EQ(machine.soundCommands, playing("puShield.wav"));
 }
 
-TEST_F(SoundConsole, ReadsOtherTextAsZero) {
+TEST_F(SoundConsole, ReadsNonNumericTextAsZero) {
   enter("~playsound:boo");
   EXPECT_EQ(machine.soundCommands, playing("capture.wav"));
   enter("~playmusic:");
   EXPECT_EQ(machine.tracks, std::vector<std::string>{track(0)});
 }
 
-TEST_F(SoundConsole, NumbersOutsideTheTablesDoNothing) {
+TEST_F(SoundConsole, UnknownNumbersDoNothing) {
   enter("~playsound:9");
   enter("~playsound:-1");
   enter("~playmusic:6");
@@ -42,12 +42,12 @@ TEST_F(SoundConsole, NumbersOutsideTheTablesDoNothing) {
   EXPECT_TRUE(machine.tracks.empty());
 }
 
-TEST_F(SoundConsole, NumbersBeyondTheirTypeEndTheClient) {
+TEST_F(SoundConsole, OverflowingNumbersEndTheClient) {
   EXPECT_THROW(enter("~playsound:32768"), RuntimeFault);
   EXPECT_THROW(enter("~playmusic:-32769"), RuntimeFault);
 }
 
-TEST_F(SoundConsole, Q082VerbsWithoutTheirArgumentEndTheClient) {
+TEST_F(SoundConsole, Q082VerbsWithoutAnArgumentEndTheClient) {
   EXPECT_THROW(enter("~playsound"), RuntimeFault);
   EXPECT_THROW(enter("~playmusic"), RuntimeFault);
 }
@@ -58,7 +58,7 @@ TEST_F(SoundConsole, PlaysATrack) {
   EXPECT_EQ(soundMan::currentMusic, 4);
 }
 
-TEST_F(SoundConsole, TheStoresTrackLeavesTheRotationAlone) {
+TEST_F(SoundConsole, StoreTrackDoesNotAdvanceTheRotation) {
   enter("~playmusic:4");
   enter("~playmusic:0");
   EXPECT_EQ(machine.tracks.back(), track(0));
@@ -71,7 +71,7 @@ TEST_F(SoundConsole, ReloadsTheSounds) {
   EXPECT_EQ(machine.soundCommands.front(), "bounce.wav open");
 }
 
-TEST_F(SoundConsole, ShowsAndHidesTheMusicsWindow) {
+TEST_F(SoundConsole, ShowsAndHidesTheMusicWindow) {
   enter("~showmusic");
   EXPECT_TRUE(frmMusic.isVisible());
   EXPECT_TRUE(machine.modalForms.empty());
@@ -81,7 +81,7 @@ TEST_F(SoundConsole, ShowsAndHidesTheMusicsWindow) {
   EXPECT_TRUE(frmMusic.isLoaded());
 }
 
-TEST_F(SoundConsole, UnloadingEndsTheMusicForGood) {
+TEST_F(SoundConsole, UnloadingStopsTheMusicForGood) {
   soundMan::startMusic();
   soundMan::nextMusic();
   enter("~unloadmusic");
@@ -93,7 +93,7 @@ TEST_F(SoundConsole, UnloadingEndsTheMusicForGood) {
   EXPECT_NO_THROW(enter("~unloadmusic"));
 }
 
-TEST_F(SoundConsole, Q271ATrackAfterTheUnloadIsNotFollowed) {
+TEST_F(SoundConsole, Q271NoTrackFollowsOneStartedAfterAnUnload) {
   enter("~unloadmusic");
   enter("~playmusic:2");
   EXPECT_EQ(machine.tracks, std::vector<std::string>{track(2)});

@@ -43,7 +43,7 @@ TEST_F(SoundEffects, RewindAndStartTheDeviceOfTheirSlot) {
   }
 }
 
-TEST_F(SoundEffects, OutsideTheirNumbersDoNothing) {
+TEST_F(SoundEffects, IgnoreUnknownNumbers) {
   openSounds();
   for (const std::int16_t slot : std::initializer_list<std::int16_t>{9, -1, 32767, -32768}) {
     EXPECT_NO_THROW(soundMan::playSound(soundMan::Sound{slot}));
@@ -85,7 +85,7 @@ TEST_F(SoundEffects, AreStoppedRegardlessOfTheSwitches) {
   }
 }
 
-TEST_F(SoundEffects, StaySilentFromTheStopToTheNextPlay) {
+TEST_F(SoundEffects, StaySilentBetweenStopAndNextPlay) {
   openSounds();
   soundMan::playSound(soundMan::Sound{4});
   soundMan::stopSound(soundMan::Sound{4});
@@ -97,7 +97,7 @@ TEST_F(SoundEffects, StaySilentFromTheStopToTheNextPlay) {
   EXPECT_FALSE(frmSound->mm(4).Silent());
 }
 
-TEST_F(SoundEffects, WithoutTheirFileFailUnseen) {
+TEST_F(SoundEffects, FailSilentlyWithoutTheirFile) {
   machine.missingFiles.insert(machine.path + "/sounds/puLaser.wav");
   EXPECT_NO_THROW(openSounds());
   EXPECT_FALSE(frmSound->mm(7).isOpen());
@@ -108,7 +108,7 @@ TEST_F(SoundEffects, WithoutTheirFileFailUnseen) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(SoundEffects, ThatWereNeverOpenedFailUnseen) {
+TEST_F(SoundEffects, FailSilentlyIfNeverOpened) {
   for (std::int16_t slot = 0; slot <= 8; ++slot) {
     EXPECT_NO_THROW(soundMan::playSound(soundMan::Sound{slot}));
     EXPECT_NO_THROW(soundMan::stopSound(soundMan::Sound{slot}));
@@ -117,20 +117,20 @@ TEST_F(SoundEffects, ThatWereNeverOpenedFailUnseen) {
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
-TEST_F(SoundEffects, Q278AreReloadedFromTheSecondOn) {
+TEST_F(SoundEffects, Q278AreReloadedExceptForTheFirst) {
   openSounds();
   soundMan::reloadSounds();
   EXPECT_EQ(frmSound->lastIndex(), 8);
   std::vector<std::string> opened;
   for (std::size_t slot = 1; slot < files.size(); ++slot) opened.push_back(std::string(files[slot]) + " open");
-  EXPECT_EQ(machine.soundCommands, opened) << "the first one is open already";
+  EXPECT_EQ(machine.soundCommands, opened) << "the first one is already open";
   machine.soundCommands.clear();
   soundMan::playSound(soundMan::Sound{0});
   soundMan::playSound(soundMan::Sound{8});
   EXPECT_EQ(machine.soundCommands.size(), 6U);
 }
 
-TEST_F(SoundEffects, ReloadFindsAFileThatHasCome) {
+TEST_F(SoundEffects, ReloadFindsANewlyAddedFile) {
   machine.missingFiles.insert(machine.path + "/sounds/capture.wav");
   openSounds();
   machine.missingFiles.clear();
@@ -146,7 +146,7 @@ TEST_F(SoundEffects, FormHasItsTitleAndIsNeverShown) {
   EXPECT_FALSE(frmSound.isVisible());
 }
 
-TEST_F(SoundEffects, DevicesAreFoundByTheirSlotsAlone) {
+TEST_F(SoundEffects, DevicesAreFoundOnlyByTheirSlots) {
   openSounds();
   EXPECT_THROW(frmSound->mm(-1), RuntimeFault);
   EXPECT_THROW(frmSound->mm(9), RuntimeFault);

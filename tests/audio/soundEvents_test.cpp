@@ -14,7 +14,7 @@ class SoundEvents : public AudioTest {
     login();
     openSounds();
   }
-  /// One step of the local player from a place, with a velocity that the brakes take 3 from.
+  /// Moves the local player one step from a position, with a velocity from which the brakes take 3.
   void step(Vector from, Vector velocity) {
     clsPlayer& player = modMain::world.localPlayer;
     player.position = from;
@@ -29,7 +29,7 @@ class SoundEvents : public AudioTest {
   }
 };
 
-TEST_F(SoundEvents, ABounceIsHeardAtEveryEdge) {
+TEST_F(SoundEvents, BounceSoundsAtEveryEdge) {
   struct Row {
     Vector from;
     Vector velocity;
@@ -42,27 +42,27 @@ TEST_F(SoundEvents, ABounceIsHeardAtEveryEdge) {
   }
 }
 
-TEST_F(SoundEvents, AStepWithinTheWorldIsSilent) {
+TEST_F(SoundEvents, StepInsideTheWorldIsSilent) {
   step({50'000, 50'000}, {100, 100});
   step({103, 50'000}, {-106, 0});  // to exactly 0
   EXPECT_EQ(modMain::world.localPlayer.position.x, 0);
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
-TEST_F(SoundEvents, ACornerIsHeardTwice) {
+TEST_F(SoundEvents, CornerSoundsTwice) {
   step({10, 10}, {-100, -100});
   EXPECT_EQ(machine.soundCommands, twice(playing("bounce.wav")));
 }
 
-TEST_F(SoundEvents, ABounceOffTheScreenIsSilent) {
-  // The canvas shows 5722.5 units to each side of the local player; a step of 9000 leads beyond it.
+TEST_F(SoundEvents, OffScreenBounceIsSilent) {
+  // The canvas shows 5722.5 units to each side of the local player; a step of 9000 leaves it.
   modMain::world.localPlayer.powerups[turboSlot].active = true;
   step({10, 50'000}, {-9003, 0});
   EXPECT_EQ(modMain::world.localPlayer.position.x, 1000);
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
-TEST_F(SoundEvents, ADeathIsHeardWhereItIsSeen) {
+TEST_F(SoundEvents, DeathSoundsOnlyOnScreen) {
   const std::int16_t seen = join(3, 1, "Bob", 51'000, 50'000);
   const std::int16_t far = join(4, 2, "Cid", 80'000, 50'000);
   modMain::playerAt(seen).position = {51'000, 50'000};
@@ -74,7 +74,7 @@ TEST_F(SoundEvents, ADeathIsHeardWhereItIsSeen) {
   EXPECT_EQ(machine.soundCommands, playing("capture.wav"));
 }
 
-TEST_F(SoundEvents, TheLocalPlayersDeathIsHeard) {
+TEST_F(SoundEvents, LocalPlayersDeathMakesASound) {
   modMain::world.localPlayer.die();
   EXPECT_EQ(machine.soundCommands, playing("capture.wav"));
 }
@@ -116,7 +116,7 @@ TEST_F(SoundEvents, Q180AnEarlyEndStopsTheSoundOfThePowerupsOwnNumber) {
   EXPECT_TRUE(frmSound->mm(1).Silent());
 }
 
-TEST_F(SoundEvents, AnEarlyEndOfAnOpponentsPowerupStopsASoundToo) {
+TEST_F(SoundEvents, EarlyEndOfAnOpponentsPowerupAlsoStopsASound) {
   const std::int16_t bob = join(3, 1, "Bob");
   machine.soundCommands.clear();
   modMain::playerAt(bob).unactivatePowerup(turboSlot);
@@ -129,7 +129,7 @@ TEST_F(SoundEvents, AnEndBeyondTheSlotsStopsNothing) {
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
-TEST_F(SoundEvents, ThePulseOfTheServerIsHeardAndAnnounced) {
+TEST_F(SoundEvents, PulseFromTheServerSoundsAndIsAnnounced) {
   serverSends(wire::msgPowerupOn, {"7", "5"});
   EXPECT_EQ(machine.soundCommands, playing("puMissile.wav"));
   EXPECT_EQ(modMain::world.centreMessage, "Electro-Magnetic Pulse");

@@ -7,7 +7,7 @@
 namespace kelvora {
 namespace {
 
-/// Sounds at the start of the game, by command line.
+/// Sound at start-up, depending on the command line.
 class StartAudio : public AudioTest {
  protected:
   void start(const std::string& line) {
@@ -29,21 +29,21 @@ TEST_F(StartAudio, OpensTheEffectsAndStartsATrack) {
   EXPECT_EQ(machine.tracks.back(), track(5));
 }
 
-TEST_F(StartAudio, DrawsAfterTheGeneratorHasBeenSeeded) {
+TEST_F(StartAudio, DrawsTheTrackAfterSeedingTheGenerator) {
   start("");
   Randomize(static_cast<float>(machine.seconds));
   const int current = std::max(1, static_cast<int>(5 * Rnd()));
   EXPECT_EQ(machine.tracks, std::vector<std::string>{track(current + 1)});
 }
 
-TEST_F(StartAudio, WithoutMusicOpensTheEffectsAlone) {
+TEST_F(StartAudio, WithoutMusicOnlyOpensTheEffects) {
   start("-NoMusic");
   EXPECT_TRUE(soundsAreOpen());
   EXPECT_FALSE(frmMusic.isLoaded());
   EXPECT_NE(soundMan::musicFiles[1], "");
 }
 
-TEST_F(StartAudio, WithoutSoundLoadsTheMusicInVain) {
+TEST_F(StartAudio, WithoutSoundLoadsTheMusicToNoEffect) {
   start("xNOSOUNDx");
   EXPECT_FALSE(frmSound.isLoaded());
   EXPECT_TRUE(frmMusic.isLoaded());
@@ -58,7 +58,7 @@ TEST_F(StartAudio, WithoutBothTouchesNeither) {
   EXPECT_TRUE(machine.soundCommands.empty());
 }
 
-TEST_F(StartAudio, LeavesMusicAloneThatTheMenuHasOff) {
+TEST_F(StartAudio, LeavesMusicOffIfTheMenuSaysSo) {
   machine.settings[{"audio", "music"}] = "False";
   start("");
   EXPECT_TRUE(soundsAreOpen());

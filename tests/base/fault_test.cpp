@@ -5,7 +5,7 @@
 namespace kelvora {
 namespace {
 
-TEST(Fault, HasOneWordingForEachCause) {
+TEST(Fault, HasOneMessagePerCause) {
   const auto wording = [](void (*raise)()) -> std::string {
     try {
       raise();

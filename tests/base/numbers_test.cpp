@@ -15,7 +15,7 @@ namespace {
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinite = std::numeric_limits<double>::infinity();
 
-TEST(RoundToEven, SendsHalvesToTheEvenNeighbour) {
+TEST(RoundToEven, RoundsHalvesToTheEvenNeighbour) {
   EXPECT_EQ(roundToEven(0.5), 0);
   EXPECT_EQ(roundToEven(1.5), 2);
   EXPECT_EQ(roundToEven(2.5), 2);
@@ -26,7 +26,7 @@ TEST(RoundToEven, SendsHalvesToTheEvenNeighbour) {
   EXPECT_EQ(roundToEven(4503599627370495.5), 4503599627370496.0);
 }
 
-TEST(RoundToEven, SendsEverythingElseToTheNearest) {
+TEST(RoundToEven, RoundsEverythingElseToTheNearest) {
   EXPECT_EQ(roundToEven(2.4999999), 2);
   EXPECT_EQ(roundToEven(2.5000001), 3);
   EXPECT_EQ(roundToEven(-2.5000001), -3);
@@ -53,28 +53,28 @@ TEST(ToInt16, RoundsToEven) {
   EXPECT_EQ(toInt16(-0.4), 0);
 }
 
-TEST(ToInt16, HoldsItsWholeRange) {
+TEST(ToInt16, CoversItsWholeRange) {
   EXPECT_EQ(toInt16(32767.49), 32767);
   EXPECT_EQ(toInt16(-32768.5), -32768);
   EXPECT_EQ(faultOf([] { toInt16(32767.5); }), "Overflow");
   EXPECT_EQ(faultOf([] { toInt16(-32768.51); }), "Overflow");
 }
 
-TEST(ToInt32, HoldsItsWholeRange) {
+TEST(ToInt32, CoversItsWholeRange) {
   EXPECT_EQ(toInt32(2147483647.25), 2147483647);
   EXPECT_EQ(toInt32(-2147483648.5), std::numeric_limits<std::int32_t>::min());
   EXPECT_EQ(faultOf([] { toInt32(2147483647.5); }), "Overflow");
   EXPECT_EQ(faultOf([] { toInt32(-2147483649.0); }), "Overflow");
 }
 
-TEST(ToByte, HoldsItsWholeRange) {
+TEST(ToByte, CoversItsWholeRange) {
   EXPECT_EQ(toByte(255.49), 255);
   EXPECT_EQ(toByte(-0.5), 0);
   EXPECT_EQ(faultOf([] { toByte(255.5); }), "Overflow");
   EXPECT_EQ(faultOf([] { toByte(-0.51); }), "Overflow");
 }
 
-TEST(Conversions, FaultOnNotANumber) {
+TEST(Conversions, FaultOnNaN) {
   EXPECT_EQ(faultOf([] { toInt16(notANumber); }), "Overflow");
   EXPECT_EQ(faultOf([] { toInt32(notANumber); }), "Overflow");
   EXPECT_EQ(faultOf([] { toByte(notANumber); }), "Overflow");
@@ -83,7 +83,7 @@ TEST(Conversions, FaultOnNotANumber) {
   EXPECT_EQ(faultOf([] { toSingle(-infinite); }), "Overflow");
 }
 
-TEST(ToSingle, NarrowsToTheNearest) {
+TEST(ToSingle, RoundsToTheNearestSingle) {
   EXPECT_EQ(toSingle(0.1), 0.1F);
   EXPECT_EQ(toSingle(16777217.0), 16777216.0F);  // half-way, the even one
   EXPECT_EQ(toSingle(16777219.0), 16777220.0F);

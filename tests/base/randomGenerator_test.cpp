@@ -12,7 +12,7 @@
 namespace kelvora {
 namespace {
 
-TEST(RandomGenerator, VisitsEveryOneOfItsNumbersOncePerPeriod) {
+TEST(RandomGenerator, VisitsEveryNumberOncePerPeriod) {
   constexpr std::size_t period = 1U << 24;
   RandomGenerator generator;
   std::vector<bool> seen(period);
@@ -36,7 +36,7 @@ TEST(RandomGenerator, RepeatsTheSequenceOfASeed) {
   for (int i = 0; i < 100; ++i) ASSERT_EQ(first.next(), second.next());
 }
 
-TEST(RandomGenerator, TakesEveryBitOfTheSeed) {
+TEST(RandomGenerator, UsesEveryBitOfTheSeed) {
   for (int bit = 0; bit < 32; ++bit) {
     RandomGenerator plain;
     RandomGenerator changed;
@@ -46,13 +46,13 @@ TEST(RandomGenerator, TakesEveryBitOfTheSeed) {
   }
 }
 
-TEST(RandomGenerator, DrawsOnForAPositiveArgument) {
+TEST(RandomGenerator, ContinuesForAPositiveArgument) {
   RandomGenerator withArgument;
   RandomGenerator without;
   for (const float argument : {1.0F, 0.001F, 99999.0F, 1e-30F}) ASSERT_EQ(withArgument.next(argument), without.next());
 }
 
-TEST(RandomGenerator, GivesTheLastNumberAgainForZero) {
+TEST(RandomGenerator, RepeatsTheLastNumberForZero) {
   RandomGenerator generator;
   const float drawn = generator.next();
   EXPECT_EQ(generator.next(0.0F), drawn);
@@ -76,11 +76,11 @@ TEST(RandomGenerator, SpreadsEvenlyOverTenths) {
   generator.randomize(1.0F);
   std::array<int, 10> counts{};
   for (int i = 0; i < 100000; ++i) ++counts.at(static_cast<std::size_t>(generator.next() * 10.0F));
-  // 10000 expected in each; five standard deviations are about 470.
+  // 10000 are expected in each; five standard deviations are about 470.
   for (const int count : counts) EXPECT_NEAR(count, 10000, 470);
 }
 
-TEST(RandomGenerator, ScattersThePairsOfNeighbouringDraws) {
+TEST(RandomGenerator, ScattersPairsOfConsecutiveDraws) {
   RandomGenerator generator;
   generator.randomize(2.0F);
   std::set<int> cells;

@@ -15,7 +15,7 @@
 namespace kelvora {
 namespace {
 
-TEST(TrimBlanks, TakesBlanksOnlyAndFromTheEndsOnly) {
+TEST(TrimBlanks, RemovesOnlyBlanksAndOnlyAtTheEnds) {
   EXPECT_EQ(trimBlanks("  a b  "), "a b");
   EXPECT_EQ(trimBlanks("\ta\r\n"), "\ta\r\n");
   EXPECT_EQ(trimBlanks("   "), "");
@@ -65,7 +65,7 @@ TEST(NumberText, KeepsSevenSignificantDigits) {
   EXPECT_EQ(numberText(0.6666667F), ".6666667");
   EXPECT_EQ(numberText(99999.99F), "99999.99");
   EXPECT_EQ(numberText(999999.94F), "999999.9");
-  // The single nearest to 999999.97 is 999999.9375 + 1/16 = 1000000.
+  // The single nearest to 999999.97 is 1000000, the next one above 999999.9375.
   EXPECT_EQ(numberText(999999.97F), "1000000");
 }
 
@@ -76,7 +76,7 @@ TEST(NumberText, RoundsTheExactValueTiesToEven) {
   EXPECT_EQ(numberText(1048576.625F), "1048577");
 }
 
-TEST(NumberText, TurnsToExponentFormAtTenMillion) {
+TEST(NumberText, SwitchesToExponentsAtTenMillion) {
   EXPECT_EQ(numberText(10000000.0F), "1E+07");
   EXPECT_EQ(numberText(12345678.0F), "1.234568E+07");
   EXPECT_EQ(numberText(-12345678.0F), "-1.234568E+07");
@@ -86,7 +86,7 @@ TEST(NumberText, TurnsToExponentFormAtTenMillion) {
   EXPECT_EQ(numberText(std::numeric_limits<float>::max()), "3.402823E+38");
 }
 
-TEST(NumberText, TurnsToExponentFormBelowATenMillionth) {
+TEST(NumberText, SwitchesToExponentsBelowATenMillionth) {
   EXPECT_EQ(numberText(1e-7F), ".0000001");
   EXPECT_EQ(numberText(1.234567e-5F), ".00001234567");
   EXPECT_EQ(numberText(1.5e-8F), "1.5E-08");
@@ -94,7 +94,7 @@ TEST(NumberText, TurnsToExponentFormBelowATenMillionth) {
   EXPECT_EQ(numberText(std::numeric_limits<float>::denorm_min()), "1.401298E-45");
 }
 
-TEST(NumberText, FaultsOnInfinityAndNotANumber) {
+TEST(NumberText, FaultsOnInfinityAndNaN) {
   EXPECT_EQ(faultOf([] { numberText(std::numeric_limits<float>::infinity()); }), "Overflow");
   EXPECT_EQ(faultOf([] { numberText(std::numeric_limits<float>::quiet_NaN()); }), "Overflow");
 }
@@ -106,7 +106,7 @@ TEST(NumberText, WritesIntegersOfAllSizes) {
   EXPECT_EQ(numberText(std::numeric_limits<std::int32_t>::min()), "-2147483648");
 }
 
-TEST(NumberText, AgreesWithSevenDigitsOfTheLibraryForAnyNumber) {
+TEST(NumberText, MatchesTheLibrarysSevenDigitsForAnyNumber) {
   std::mt19937 draws(20240501);
   for (int i = 0; i < 200000; ++i) {
     const auto value = bitCast<float>(static_cast<std::uint32_t>(draws()));
@@ -119,7 +119,7 @@ TEST(NumberText, AgreesWithSevenDigitsOfTheLibraryForAnyNumber) {
   }
 }
 
-TEST(NumberText, ReadsBackToTheNumberButForTheSeventhDigit) {
+TEST(NumberText, ReadsBackToTheSameNumberUpToTheSeventhDigit) {
   std::mt19937 draws(7);
   for (int i = 0; i < 200000; ++i) {
     const auto value = bitCast<float>(static_cast<std::uint32_t>(draws()));
@@ -139,7 +139,7 @@ TEST(NumberText, OfPositionsReadsBackToTheSameText) {
   std::uniform_real_distribution<float> positions(0.0F, 100000.0F);
   for (int i = 0; i < 200000; ++i) {
     const std::string text = numberText(positions(draws));
-    // Below 100000 neighbouring singles lie closer together than two texts of seven digits do.
+    // Below 100000, neighbouring singles are closer together than neighbouring texts of seven digits.
     ASSERT_EQ(numberText(static_cast<float>(readNumber(text))), text);
   }
 }
@@ -154,7 +154,7 @@ TEST(ReadNumber, StopsAtTheFirstCharacterThatDoesNotFit) {
   EXPECT_EQ(readNumber("&H10"), 0);
 }
 
-TEST(ReadNumber, GivesZeroWhereThereIsNoNumber) {
+TEST(ReadNumber, ReturnsZeroWithoutANumber) {
   for (const char* text :
        {"", "   ", "abc", "-", "+", ".", "-.", "e5", ".e5", "--1", "nan", "inf", "-inf", "NaN", "\t1"}) {
     EXPECT_EQ(readNumber(text), 0) << '"' << text << '"';
@@ -173,7 +173,7 @@ TEST(ReadNumber, ReadsSignPointAndExponent) {
   EXPECT_EQ(readNumber("007"), 7);
 }
 
-TEST(ReadNumber, LeavesAnExponentWithoutDigitsAlone) {
+TEST(ReadNumber, IgnoresAnExponentWithoutDigits) {
   EXPECT_EQ(readNumber("1e"), 1);
   EXPECT_EQ(readNumber("1e+"), 1);
   EXPECT_EQ(readNumber("1e-x"), 1);
@@ -188,7 +188,7 @@ TEST(ReadNumber, FaultsBeyondTheRangeOfADouble) {
   EXPECT_EQ(readNumber("1E308"), 1e308);
 }
 
-TEST(ReadNumber, GivesZeroBelowTheRangeOfADouble) {
+TEST(ReadNumber, ReturnsZeroBelowTheRangeOfADouble) {
   EXPECT_EQ(readNumber("1E-400"), 0);
   EXPECT_EQ(readNumber("1E-99999999999999999999"), 0);
   EXPECT_EQ(readNumber("." + std::string(400, '0') + "1"), 0);
@@ -203,7 +203,7 @@ TEST(ReadNumber, ReadsTheNearestDouble) {
   EXPECT_EQ(readNumber("9007199254740993"), 9007199254740992.0);
 }
 
-TEST(StrictNumber, WantsTheWholeTextToBeOneNumber) {
+TEST(StrictNumber, RequiresTheWholeTextToBeOneNumber) {
   EXPECT_EQ(strictNumber("12"), 12);
   EXPECT_EQ(strictNumber(" -1.5E+01 "), -15);
   for (const char* text : {"", "  ", "12abc", "abc", "1 2", "1e", "-", ".", "True", "0x10"}) {
@@ -231,7 +231,7 @@ TEST(BooleanText, ReadsBackAsWritten) {
   EXPECT_FALSE(strictBoolean(booleanText(false)));
 }
 
-TEST(FormatThreeDigits, FillsUpWithZeros) {
+TEST(FormatThreeDigits, PadsWithZeros) {
   EXPECT_EQ(formatThreeDigits(0), "000");
   EXPECT_EQ(formatThreeDigits(7), "007");
   EXPECT_EQ(formatThreeDigits(42), "042");
@@ -248,21 +248,21 @@ TEST(FormatThousands, HasThreeDecimalsAndNoZeroBeforeThePoint) {
   EXPECT_EQ(formatThousands(0.9996), "1.000");
 }
 
-TEST(FormatThousands, GroupsThousandsByCommas) {
+TEST(FormatThousands, SeparatesThousandsByCommas) {
   EXPECT_EQ(formatThousands(999.0), "999.000");
   EXPECT_EQ(formatThousands(1000.0), "1,000.000");
   EXPECT_EQ(formatThousands(1234567.891), "1,234,567.891");
   EXPECT_EQ(formatThousands(123456789012.0), "123,456,789,012.000");
 }
 
-TEST(FormatThousands, SendsHalvesAwayFromZero) {
+TEST(FormatThousands, RoundsHalvesAwayFromZero) {
   EXPECT_EQ(formatThousands(0.0625), ".063");
   EXPECT_EQ(formatThousands(0.1875), ".188");
   EXPECT_EQ(formatThousands(-0.0625), "-.063");
   EXPECT_EQ(formatThousands(562949953421311.9375), "562,949,953,421,311.938") << "the next double is whole";
 }
 
-TEST(FormatThousands, SignsNegativeNumbersButNoZero) {
+TEST(FormatThousands, SignsNegativeNumbersButNotZero) {
   EXPECT_EQ(formatThousands(-0.5), "-.500");
   EXPECT_EQ(formatThousands(-1234.5), "-1,234.500");
   EXPECT_EQ(formatThousands(-0.0001), ".000");

@@ -7,7 +7,7 @@ namespace {
 
 class CentreMessage : public GameTest {};
 
-TEST_F(CentreMessage, ACentreMessageStartsItsAgeAnew) {
+TEST_F(CentreMessage, NewMessageResetsTheAge) {
   modMain::world.centreMessageAge = 200;
   modMain::showCentreMessage("Hello");
   EXPECT_EQ(modMain::world.centreMessage, "Hello");
@@ -33,7 +33,7 @@ TEST_F(CentreMessage, Q032FourteenTipsAreBlank) {
   EXPECT_EQ(modMain::world.nextTip, 1);
 }
 
-TEST_F(CentreMessage, TheTipsGoOnWhereTheyWereAfterAReconnection) {
+TEST_F(CentreMessage, TipsContinueAfterAReconnection) {
   modMain::showNextTip();
   modMain::showNextTip();
   connect();

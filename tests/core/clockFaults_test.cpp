@@ -16,10 +16,10 @@ namespace {
 
 constexpr Tick hour = 3'600'000;
 
-/// A game in play on a machine whose clocks do what clocks should not.
+/// A running game on a machine whose clocks misbehave.
 class ClockFaults : public GameTest {
  protected:
-  /// Passes of the frame loop at the design pace.
+  /// Runs passes of the frame loop at the design pace.
   void play(int frames) {
     for (int i = 0; i < frames; ++i) {
       tick(10);
@@ -27,14 +27,14 @@ class ClockFaults : public GameTest {
       passEvents();
     }
   }
-  /// The opponent is seen next to the last position, where the ball lays a vertex.
+  /// Moves the opponent to a visible point near the last one, where the ball lays a vertex.
   void report(std::int16_t node, float x, float y = 50'000) {
     serverSends(wire::msgPosition, {std::to_string(node), std::to_string(x), std::to_string(y)});
   }
   static clsPlayer& local() { return modMain::world.localPlayer; }
 };
 
-TEST_F(ClockFaults, AnHourOfSuspensionCostsATailNothingAndAPowerupOneSecond) {
+TEST_F(ClockFaults, AnHourOfSuspensionAgesNoTailAndTakesOneSecondOffAPowerup) {
   login();
   clsPlayer& bob = modMain::playerAt(join(8, 1, "Bob"));
   report(8, 50'100);
@@ -57,7 +57,7 @@ TEST_F(ClockFaults, AnHourOfSuspensionCostsATailNothingAndAPowerupOneSecond) {
   EXPECT_EQ(modMain::getTimeScale(), 1.0);
 
   play(103);
-  EXPECT_EQ(bob.tailCount(), 0) << "and from there it ages as ever";
+  EXPECT_EQ(bob.tailCount(), 0) << "and from then on it ages normally";
 }
 
 TEST_F(ClockFaults, TimersThatMissedAnHourFireOnce) {
@@ -74,7 +74,7 @@ TEST_F(ClockFaults, TimersThatMissedAnHourFireOnce) {
   EXPECT_EQ(fired, 2);
 }
 
-TEST_F(ClockFaults, Q047PowerupsWaitForAClockThatWasSetBackAndNothingElseDoes) {
+TEST_F(ClockFaults, Q047OnlyPowerupsWaitForAClockSetBack) {
   login();
   clsPlayer& bob = modMain::playerAt(join(8, 1, "Bob"));
   report(8, 50'100);
@@ -86,10 +86,10 @@ TEST_F(ClockFaults, Q047PowerupsWaitForAClockThatWasSetBackAndNothingElseDoes) {
   EXPECT_EQ(local().powerups[shieldSlot].timeLeft, left) << "9 s later";
   EXPECT_EQ(bob.tailCount(), 0) << "a tail lives two seconds of the tick count";
   play(200);
-  EXPECT_EQ(local().powerups[shieldSlot].timeLeft, left - 1) << "11 s: one is new to the clock";
+  EXPECT_EQ(local().powerups[shieldSlot].timeLeft, left - 1) << "11 s: one frame starts the clock";
 }
 
-TEST_F(ClockFaults, AClockThatWasSetBackStillEndsWhatTheServerEnds) {
+TEST_F(ClockFaults, ServerEndsPowerupsEvenAfterTheClockWasSetBack) {
   login();
   serverSends(wire::msgPowerupOn, {"7", std::to_string(shieldSlot)});
   machine.seconds -= 3'600;
@@ -98,7 +98,7 @@ TEST_F(ClockFaults, AClockThatWasSetBackStillEndsWhatTheServerEnds) {
   EXPECT_FALSE(local().powerups[shieldSlot].active);
 }
 
-TEST_F(ClockFaults, MidnightPassesInPlay) {
+TEST_F(ClockFaults, PlayContinuesThroughMidnight) {
   login();
   clsPlayer& bob = modMain::playerAt(join(8, 1, "Bob"));
   machine.seconds = 86'399.5;
@@ -117,10 +117,10 @@ TEST_F(ClockFaults, MidnightPassesInPlay) {
   EXPECT_EQ(local().clockOffset, 0.25F - 86'400);
 }
 
-/// The tick count passes a number at which counters of fewer bits turn over.
+/// The tick count passes a number at which a narrower counter would wrap around.
 class Uptime : public ClockFaults, public ::testing::WithParamInterface<Tick> {};
 
-TEST_P(Uptime, PassesInPlayWithoutATrace) {
+TEST_P(Uptime, MakesNoDifferenceInPlay) {
   machine.ticks = GetParam() - 1'000;
   login();
   clsPlayer& bob = modMain::playerAt(join(8, 1, "Bob"));
@@ -166,7 +166,7 @@ class StopInPaint : public ClockFaults {
     stopped.path = machine.path;
   }
   ~StopInPaint() override { installBackend(&machine); }
-  /// As `play`, on the machine that can stop.
+  /// Like `play`, on the machine that can stop.
   void playOn(int frames) {
     for (int i = 0; i < frames; ++i) {
       stopped.advance(10);
@@ -176,7 +176,7 @@ class StopInPaint : public ClockFaults {
   StoppedPaint stopped;
 };
 
-TEST_F(StopInPaint, AnHourMakesTheGameFastForAHundredFramesAndNothingWorse) {
+TEST_F(StopInPaint, AnHourOnlySpeedsUpTheNextHundredFrames) {
   login();
   for (std::int16_t slot = 0; slot < 3; ++slot) {
     join(static_cast<std::int16_t>(8 + slot), static_cast<std::int16_t>(1 + slot), "Bob");

@@ -16,12 +16,12 @@ class Input : public GameTest {
   PictureBox& canvas() { return frmMain->canvas; }
   void move(int button, float x, float y) { canvas().MouseMove(button, 0, x, y); }
 
-  /// In the game, with one of each powerup, and a running shield if the pulse is to be fired.
+  /// Logs in with one of each powerup, and a running shield so that the pulse can be fired.
   void loginWithPowerups() {
     login();
     for (PowerupState& powerup : modMain::world.localPlayer.powerups) powerup.count = 1;
   }
-  /// The slot numbers that were asked for.
+  /// The slots requested.
   std::vector<std::string> requests() {
     std::vector<std::string> slots;
     for (const WireMessage& message : sentFrames()) {
@@ -97,7 +97,7 @@ TEST_F(Input, OtherButtonsLeaveTheBrakes) {
   EXPECT_FALSE(modMain::world.localPlayer.breaksOn);
 }
 
-TEST_F(Input, TheBrakesToggleDeadOrAliveAndTheServerIsNotTold) {
+TEST_F(Input, BrakesToggleDeadOrAliveWithoutAMessage) {
   login();
   const bool before = modMain::world.localPlayer.breaksOn;
   canvas().MouseDown(right, 0, 100, 100);
@@ -116,17 +116,17 @@ TEST_F(Input, TheMouseIsTrackedWithAndWithoutAButton) {
   EXPECT_EQ(modMain::world.mousePos, (Vector{6000, 3000}));
 }
 
-TEST_F(Input, TheMouseIsHeldFromTheFirstMoveWithTheLeftButtonAlone) {
+TEST_F(Input, OnlyTheLeftButtonLocksTheMouseFromItsFirstMove) {
   EXPECT_FALSE(frmMain->isLockMouse());
   canvas().MouseDown(left, 0, 5000, 4000);
-  EXPECT_FALSE(frmMain->isLockMouse()) << "a press without a move is no holding";
+  EXPECT_FALSE(frmMain->isLockMouse()) << "a press without a move doesn't lock the mouse";
   move(left, 5001, 4000);
   EXPECT_TRUE(frmMain->isLockMouse());
   move(leftAndRight, 5002, 4000);
   EXPECT_FALSE(frmMain->isLockMouse());
 }
 
-TEST_F(Input, AnyButtonGoingUpEndsTheHolding) {
+TEST_F(Input, ReleasingAnyButtonUnlocksTheMouse) {
   for (const int button : {1, 2, 4}) {
     move(left, 5000, 4000);
     ASSERT_TRUE(frmMain->isLockMouse());
@@ -135,7 +135,7 @@ TEST_F(Input, AnyButtonGoingUpEndsTheHolding) {
   }
 }
 
-TEST_F(Input, TheRightButtonWhileTheLeftIsHeldTogglesTheBrakesAndEndsTheHolding) {
+TEST_F(Input, RightClickWhileTheLeftIsHeldTogglesTheBrakesAndUnlocksTheMouse) {
   move(left, 5000, 4000);
   canvas().MouseDown(right, 0, 5000, 4000);
   EXPECT_TRUE(modMain::world.localPlayer.breaksOn);
@@ -177,14 +177,14 @@ TEST_F(Input, AnEdgeReachesJustUnderThirtyUnitsInward) {
   EXPECT_EQ(machine.pointerPlacements.size(), 4U);
 }
 
-// 29 units are 1.95 pixels, rounded to 2.
+// 29 units are 1.95 pixels, which rounds to 2.
 TEST_F(Input, Q224TwoPixelsFromAnEdgeThePointerIsPushedThirtyPixels) {
   move(left, 29, 5000);
   EXPECT_EQ(machine.pointerPlacements, (Placements{{2 + 30, 382}}));
 }
 
-// 22.5 units are 22, to even, and then 1.48 pixels; rounded once they would be 1.51 pixels, and 2.
-TEST_F(Input, Q238ThePlaceIsRoundedToUnitsAndThenToPixels) {
+// 22.5 units round to 22 (even), which is 1.48 pixels, so 1. Rounded once they would be 1.51 pixels, so 2.
+TEST_F(Input, Q238ThePositionIsRoundedToUnitsAndThenToPixels) {
   move(left, 22.5F, 5000);
   EXPECT_EQ(machine.pointerPlacements, (Placements{{31, 382}}));
 }
@@ -192,7 +192,7 @@ TEST_F(Input, Q238ThePlaceIsRoundedToUnitsAndThenToPixels) {
 TEST_F(Input, Q225TheBallFliesOnTowardsTheLastKnownPoint) {
   login();
   modMain::world.localPlayer.breaksOn = false;
-  move(0, 5722, 0);  // straight up, and then the mouse is gone
+  move(0, 5722, 0);  // straight up; then the mouse leaves
   modMain::runFrame();
   const Vector start = modMain::world.localPlayer.position;
   for (int frame = 0; frame < 5; ++frame) modMain::runFrame();
@@ -205,14 +205,14 @@ TEST_F(Input, Q035ACornerPlacesThePointerTwice) {
   EXPECT_EQ(machine.pointerPlacements, (Placements{{31, 46}, {31, 76}}));
 }
 
-TEST_F(Input, TheWindowsPlaceOnTheScreenCounts) {
+TEST_F(Input, PushedPointerIncludesTheWindowsPosition) {
   frmMain->Left = 1000;
   frmMain->Top = 500;
   move(left, 11'440, 9'100);  // 12440 -> 837.56 -> 838; 9600 -> 646.35 + 45 -> 691
   EXPECT_EQ(machine.pointerPlacements, (Placements{{808, 691}, {808, 661}}));
 }
 
-TEST_F(Input, Q034TheWayToPixelsIsThatOfTheDesignWindowAtAnySize) {
+TEST_F(Input, Q034PixelConversionAssumesTheDesignWindowAtAnySize) {
   frmMain->clientResized(20'000, 12'000);
   ASSERT_EQ(canvas().Width.get(), 18'035);
   move(left, 10, 5000);
@@ -224,7 +224,7 @@ TEST_F(Input, Q223StoresTheEventsPositionNotThePushedOne) {
   EXPECT_EQ(modMain::world.mousePos, (Vector{10, 10}));
 }
 
-TEST_F(Input, WithTheLeftButtonUpTheMouseLeavesFreely) {
+TEST_F(Input, MouseLeavesFreelyWhileTheLeftButtonIsUp) {
   for (const int button : {0, 2, 3, 4}) move(button, 5, 5);
   EXPECT_TRUE(machine.pointerPlacements.empty());
   EXPECT_EQ(modMain::world.mousePos, (Vector{5, 5}));

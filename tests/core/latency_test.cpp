@@ -8,16 +8,15 @@
 namespace kelvora {
 namespace {
 
-// The mouse moves in the DoEvents that ends a pass; passes are counted from there, the first being the next one. The
-// pointer of that pass's picture stands where the mouse is, and its bearing is the steering of the second pass.
-// Every fourth pass reports.
+// The mouse moves in the DoEvents at the end of a pass. Passes are counted from the next one, which is the first. Its
+// picture shows the pointer at the mouse, and its bearing steers the second pass. Every fourth pass reports.
 class Latency : public GameTest {
  protected:
   static constexpr float centreX = 11445.0F / 2;
   static constexpr float centreY = 9120.0F / 2;
   static constexpr int passesOfAReport = 4;
 
-  /// In the game and flying to the right at full speed, `passes` after a report.
+  /// Starts a flight to the right at full speed, `passes` after a report.
   void flyRight(int passes) {
     login();
     modMain::world.localPlayer.breaksOn = false;
@@ -32,10 +31,10 @@ class Latency : public GameTest {
     forgetSent();
   }
 
-  /// A little above the centre: exactly beside it the ball would fly the other way.
+  /// Slightly above the centre: exactly beside it, the ball would fly the other way.
   void moveMouse(float x) { frmMain->canvas.MouseMove(0, 0, x, centreY - 300); }
 
-  /// The x of the position reports since the last forgetting.
+  /// The x of each position report since the last `forgetSent`.
   std::vector<std::string> reports() {
     std::vector<std::string> places;
     for (const WireMessage& message : sentFrames()) {
@@ -44,7 +43,7 @@ class Latency : public GameTest {
     return places;
   }
 
-  /// The pass, from 1 on, in which `hasHappened` first holds; 0 if it has not within twenty.
+  /// The pass, counted from 1, in which `hasHappened` first holds; 0 if it doesn't within twenty.
   template <class Happened>
   int passOf(const Happened& hasHappened) {
     for (int pass = 1; pass <= 20; ++pass) {
@@ -54,7 +53,7 @@ class Latency : public GameTest {
     return 0;
   }
 
-  /// The brightest channel of the canvas within the pointer's cell round a place.
+  /// The brightest channel of the canvas within the pointer's cell around a position.
   static int brightestNear(float x, float y) {
     const auto& canvas = frmMain->canvas;
     int brightest = 0;
@@ -69,7 +68,7 @@ class Latency : public GameTest {
   }
 };
 
-TEST_F(Latency, ThePictureOfTheNextPassShowsThePointerWhereTheMouseIs) {
+TEST_F(Latency, NextPassShowsThePointerAtTheMouse) {
   flyRight(0);
   const float left = centreX - 4800;
   ASSERT_LT(brightestNear(left, centreY - 300), 150);
@@ -89,9 +88,9 @@ TEST_F(Latency, TheBallTurnsInTheSecondPass) {
   EXPECT_LT(modMain::world.localPlayer.position.x, first);
 }
 
-TEST_F(Latency, TheFirstReportOfTheTurnComesWithTheTurnOrUpToThreePassesLater) {
-  // `phase` passes after a report the mouse moves; the next one is sent 4 - phase passes later. One that is sent in the
-  // first pass does not know of the turn yet, and so the next one tells, in the fifth.
+TEST_F(Latency, FirstReportComesWithTheTurnOrUpToThreePassesLater) {
+  // The mouse moves `phase` passes after a report, and the next report is sent 4 - phase passes later. A report sent in
+  // the first pass doesn't include the turn yet. Then the next one does, in the fifth pass.
   constexpr int expected[passesOfAReport] = {4, 3, 2, 5};
   for (int phase = 0; phase < passesOfAReport; ++phase) {
     flyRight(phase);

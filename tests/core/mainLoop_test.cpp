@@ -23,7 +23,7 @@ class MainLoop : public GameTest {
   }
 };
 
-TEST_F(MainLoop, WithoutAConnectionAPassIsDoEventsAlone) {
+TEST_F(MainLoop, WithoutAConnectionAPassIsJustDoEvents) {
   frmMain->canvas.Line(0, 0, 3000, 3000);
   const std::vector<Pixel> before(frmMain->canvas.pixels().begin(), frmMain->canvas.pixels().end());
   modMain::world.localPlayer.isConnected = true;
@@ -81,7 +81,7 @@ TEST_F(MainLoop, PaintsWithNoOpponents) {
 TEST_F(MainLoop, MovesTheLocalPlayerAndTicksItsPowerups) {
   login();
   clsPlayer& player = modMain::world.localPlayer;
-  player.velocity = {100, -50};  // the brakes are on: each axis loses 3 in a frame
+  player.velocity = {100, -50};  // the brakes are on: each axis loses 3 per frame
   player.powerups[shieldSlot] = {1, 15, true};
   modMain::runFrame();
   EXPECT_EQ(player.position, (Vector{50'097, 49'953}));
@@ -124,7 +124,7 @@ TEST_F(MainLoop, SkipsAPlayerWhoLeftDuringDoEvents) {
   EXPECT_EQ(cat.powerups[turboSlot].timeLeft, 3) << "two frames";
 }
 
-TEST_F(MainLoop, InTheStarsSettingBackgroundParticlesAreWrappedButDoNotMove) {
+TEST_F(MainLoop, InStarsModeBackgroundParticlesWrapButDoNotMove) {
   login();
   modMain::world.particleCount = 2;
   modMain::world.particles.assign(2, clsParticle{});
@@ -135,7 +135,7 @@ TEST_F(MainLoop, InTheStarsSettingBackgroundParticlesAreWrappedButDoNotMove) {
     particle.fieldWidth = 11'445;
     particle.fieldHeight = 9'120;
   }
-  modMain::world.particles[1].position.x = 50'000 - 60'000;  // fallen far behind
+  modMain::world.particles[1].position.x = 50'000 - 60'000;  // left far behind
   ASSERT_TRUE(frmMain->mnuQuarkStars.Checked);
   modMain::runFrame();
   EXPECT_EQ(modMain::world.particles[0].position, (Vector{50'000, 50'000}));
@@ -169,14 +169,14 @@ TEST_F(MainLoop, Q221ParticlesAreShownOneStepBehind) {
   EXPECT_EQ(pixel(715, 304), toPixel(RGB(0, 0, 0)));
 }
 
-TEST_F(MainLoop, ThePictureIsPaintedBehindTheMoves) {
+TEST_F(MainLoop, PaintsAfterTheMoves) {
   login();
-  modMain::world.localPlayer.velocity = {100, -50};  // the brakes are on: each axis loses 3 in a frame
+  modMain::world.localPlayer.velocity = {100, -50};  // the brakes are on: each axis loses 3 per frame
   modMain::runFrame();
   EXPECT_EQ(modMain::world.debugText.substr(0, 26), "Location: 50.097   49.953\r");
 }
 
-TEST_F(MainLoop, TurboFliesInTheFrameInWhichItsTimeRunsOut) {
+TEST_F(MainLoop, TurboStillAppliesInItsLastFrame) {
   login();
   clsPlayer& player = modMain::world.localPlayer;
   player.breaksOn = false;
@@ -194,7 +194,7 @@ TEST_F(MainLoop, MovesTheOpponents) {
   join(8, 1, "Bob");
   clsPlayer& bob = modMain::world.opponents[0];
   bob.awaitingFirstPosition = false;
-  bob.queuePosition({90'000, 80'000});  // off screen: at once
+  bob.queuePosition({90'000, 80'000});  // off screen: reached at once
   modMain::runFrame();
   EXPECT_EQ(bob.position, (Vector{90'000, 80'000}));
 }
@@ -265,7 +265,7 @@ TEST_F(MainLoop, MovesTheServersParticles) {
   ASSERT_EQ(modMain::world.netParticleCount, 1);
   clsParticle& particle = modMain::world.netParticles[0];
   particle.hasPosition = true;
-  particle.positionQueue = {{90'000, 80'000}};  // out of sight: it is there at once
+  particle.positionQueue = {{90'000, 80'000}};  // off screen: reached at once
   modMain::runFrame();
   EXPECT_EQ(particle.position, (Vector{90'000, 80'000}));
 }
@@ -288,7 +288,7 @@ TEST_F(MainLoop, Q236TheSpareParticlesAreNeverFilled) {
   EXPECT_EQ(modMain::world.spareParticles[0].position, (Vector{50'007, 49'992}));
 }
 
-// A frame of a world with the local player alone reads the clock twice, where the painting begins and where it ends.
+// A frame with only the local player reads the clock twice, at the beginning and at the end of painting.
 class SlowPaint : public HeadlessBackend {
  public:
   Tick paintTime = 0;
@@ -307,7 +307,7 @@ TEST_F(MainLoop, TheFirstFrameRunsAtTimeScaleOneHoweverSlowItsPainting) {
   player.velocity = {100, -50};
   modMain::runFrame();
   EXPECT_EQ(player.velocity, (Vector{97, -47})) << "the brakes take 3 at time scale 1";
-  EXPECT_EQ(modMain::world.frameTime, 20) << "2020 / 101, for the frames to come";
+  EXPECT_EQ(modMain::world.frameTime, 20) << "2020 / 101, for subsequent frames";
   modMain::runFrame();
   EXPECT_EQ(player.velocity, (Vector{91, -41}));
   installBackend(&machine);
@@ -352,7 +352,7 @@ TEST_F(MainLoop, EventsRunOnlyInDoEventsAtTheEndOfThePass) {
   EXPECT_EQ(modMain::world.opponentCount, 1);
 }
 
-TEST_F(MainLoop, FreesUnloadedFormsBehindDoEvents) {
+TEST_F(MainLoop, FreesUnloadedFormsAfterDoEvents) {
   frmConnect->Show();
   machine.post([] { frmConnect.unload(); });
   runPasses(2);
@@ -375,7 +375,7 @@ TEST_F(MainLoop, Q036ClosingTheWindowTellsTheServerNothing) {
   EXPECT_EQ(machine.journal, std::vector<std::string>{"end"});
 }
 
-TEST_F(MainLoop, ExitEndsTheProcessAsAbruptly) {
+TEST_F(MainLoop, ExitEndsTheProcessJustAsAbruptly) {
   login();
   machine.journal.clear();
   EXPECT_THROW(frmMain->mnuFileExit.Click(), ProcessEnded);

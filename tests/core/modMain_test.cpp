@@ -52,7 +52,7 @@ TEST_F(World, AccessorsReadWhatIsStored) {
   EXPECT_EQ(modMain::world.localPlayer.getPosition(), (Vector{1, 2}));
 }
 
-TEST_F(World, ClearingPutsEverythingBack) {
+TEST_F(World, ClearingResetsEverything) {
   modMain::world.opponents.emplace_back();
   modMain::world.opponentCount = 1;
   modMain::world.localPlayer.name = "Ann";

@@ -28,7 +28,7 @@ TEST_F(Players, TheLocalPlayersNodeIsMinusOne) {
 
 TEST_F(Players, Q222BeforeTheFirstLoginNodeZeroCountsAsTheLocalPlayer) { EXPECT_EQ(getPlayerIndex(0), -1); }
 
-TEST_F(Players, AnIndexIsTheFirstConnectedSlotOfTheNode) {
+TEST_F(Players, IndexIsTheFirstConnectedSlotWithTheNode) {
   modMain::world.localPlayer.serverNode = 7;
   addOpponent(3, "gone", false);
   addOpponent(4, "other");
@@ -53,7 +53,7 @@ TEST_F(Players, AMessageForNobodyIsIgnoredWhileThereAreNoOpponents) {
   EXPECT_TRUE(modMain::world.opponents.empty());
 }
 
-TEST_F(Players, TheServerNodeOfAnIndex) {
+TEST_F(Players, FindsTheServerNodeOfAnIndex) {
   modMain::world.localPlayer.serverNode = 7;
   addOpponent(3, "Bob");
   addOpponent(4, "Cat");
@@ -69,7 +69,7 @@ TEST_F(Players, Q031ADepartedPlayerYieldsNodeZero) {
   EXPECT_EQ(getServerNode(0), 0);
 }
 
-TEST_F(Players, TheNameOfAnIndex) {
+TEST_F(Players, FindsTheNameOfAnIndex) {
   modMain::world.localPlayer.name = "Ann";
   addOpponent(3, "Bob");
   addOpponent(4, "Cat", false);
@@ -88,7 +88,7 @@ TEST_F(Players, APlayerOutsideTheSlotsIsAFault) {
   EXPECT_THROW(modMain::playerAt(-2), RuntimeFault);
 }
 
-TEST_F(Players, OpponentsKeepTheirSlotsOverAReconnection) {
+TEST_F(Players, OpponentsKeepTheirSlotsThroughAReconnection) {
   login();
   join(8, 1, "Bob");
   join(9, 2, "Cat");

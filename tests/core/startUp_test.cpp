@@ -13,13 +13,13 @@ namespace {
 
 class StartUp : public GameTest {
  protected:
-  /// Starts the game and ends it in the first DoEvents, where the window system has its first turn.
+  /// Starts the game and ends it in the first DoEvents.
   void start() {
     machine.onDoEvents = [] { throw ProcessEnded{}; };
     EXPECT_THROW(modMain::startGame(), ProcessEnded);
   }
 
-  /// The journal without the sheets, which are read when somebody first looks at them.
+  /// The journal without the sheets, which are read on first use.
   std::vector<std::string> happenings() const {
     std::vector<std::string> found;
     for (const std::string& entry : machine.journal) {
@@ -29,7 +29,7 @@ class StartUp : public GameTest {
   }
 };
 
-TEST_F(StartUp, GoesStepByStepInItsOrder) {
+TEST_F(StartUp, RunsItsStepsInOrder) {
   machine.scriptedDraws = {0.5F};  // the second track, so that the third one is next
   start();
   std::vector<std::string> expected = {"read audio/music", "read audio/sfx",    "read misc/directionalLine",
@@ -55,13 +55,13 @@ TEST_F(StartUp, GoesStepByStepInItsOrder) {
   EXPECT_EQ(happenings(), expected);
 }
 
-TEST_F(StartUp, LooksForUpdatesOnlyIfTheMenuSaysSo) {
+TEST_F(StartUp, ChecksForUpdatesOnlyIfTheMenuSaysSo) {
   machine.settings[{"misc", "updates"}] = "False";
   start();
   EXPECT_TRUE(machine.socketOf(frmMain->sockUpdates).connects.empty());
 }
 
-TEST_F(StartUp, PutsTheVersionBehindTheCaption) {
+TEST_F(StartUp, AppendsTheVersionToTheCaption) {
   EXPECT_EQ(frmMain->Caption.get(), "Kelvora");
   start();
   EXPECT_EQ(frmMain->Caption.get(), "Kelvora v" KELVORA_VERSION);
@@ -107,24 +107,24 @@ TEST_F(StartUp, ShowsTheStateOfTheSocketAndIdleButtons) {
   EXPECT_EQ(frmMain->btnShop.background(), frmGfx->imgBtnStore[0].Picture.get());
 }
 
-TEST_F(StartUp, PutsUpTheTitleAndItsClickArea) {
+TEST_F(StartUp, ShowsTheTitleAndItsClickArea) {
   start();
   EXPECT_TRUE(frmMain->lbcConnect.Visible);
   EXPECT_EQ(frmMain->canvas.MousePointer, 0);
 }
 
-TEST_F(StartUp, StartsTheFontTableFromTheStore) {
+TEST_F(StartUp, LoadsTheFontsFromTheSettings) {
   machine.settings[{"fonts", "3size"}] = "14";
   start();
   EXPECT_EQ(fontMan::getFontSize(3), 14);
 }
 
-TEST_F(StartUp, AMalformedBooleanInTheStoreIsAFault) {
+TEST_F(StartUp, MalformedBooleanInTheSettingsIsAFault) {
   machine.settings[{"misc", "updates"}] = "maybe";
   EXPECT_THROW(modMain::startGame(), RuntimeFault);
 }
 
-TEST_F(StartUp, TheSeedOfTheDayGivesTheSameDrawsAgain) {
+TEST_F(StartUp, SameTimeOfDayGivesTheSameDraws) {
   machine.seconds = 100;
   machine.commandLineText = "nomusic";  // it begins with a draw
   start();

@@ -26,8 +26,7 @@ TEST_F(View, TheLocalPlayerIsAtTheCentre) {
 
 TEST_F(View, EachStepIsNarrowedToSinglePrecision) {
   modMain::world.localPlayer.position = {99999.99F, 0};
-  // 99999.99 is 99999.9921875 as a single, 1 / 1024 less than it needs is lost: 99999.9921875 - 0.001 narrows to the
-  // same.
+  // As a single, 99999.99 is 99999.9921875. Subtracting 0.001 is lost: the result narrows to the same single.
   EXPECT_EQ(modMain::worldToScreen({0.001F, 0}).x, 5722.0F - 99999.9921875F);
 }
 
@@ -58,7 +57,7 @@ TEST_F(View, QuadrantsRunCounterClockwiseFromUpperRight) {
   EXPECT_EQ(modMain::getBearing(from, {1010, 1010}).quadrant, 4);
 }
 
-TEST_F(View, Q091OnTheAxesTheQuadrantIsOne) {
+TEST_F(View, Q091BearingsAlongAnAxisAreInQuadrantOne) {
   const Vector from{1000, 1000};
   for (const Vector to : {Vector{1000, 0}, Vector{1000, 2000}, Vector{0, 1000}, Vector{2000, 1000}, from}) {
     EXPECT_EQ(modMain::getBearing(from, to).quadrant, 1);
@@ -66,7 +65,7 @@ TEST_F(View, Q091OnTheAxesTheQuadrantIsOne) {
   EXPECT_EQ(modMain::getBearing(from, from).angle, 0);
 }
 
-TEST_F(View, TheScreenEndsAtTheCanvasEdgeAndTheEdgeBelongsToIt) {
+TEST_F(View, ScreenIncludesTheCanvasEdge) {
   // The local player is at the canvas's centre: at the design size (5722, 4560) of 11445 by 9120.
   modMain::world.localPlayer.position = {50'000, 50'000};
   const float left = 50'000 - 5'722;
@@ -92,13 +91,13 @@ TEST_F(View, Distance) {
   EXPECT_EQ(getDistance({0, 0}, {100'000, 100'000}), 141'421.36F);
 }
 
-TEST_F(View, ADistanceIsASingleOfSquaresInDouble) {
+TEST_F(View, DistanceIsComputedInDoublesAndNarrowedToASingle) {
   // Squares in single precision would make it 24582.998.
   EXPECT_EQ(getDistance({0, 0}, {4'433, 24'180}), 24'583.0F);
-  // 499.9999957, nearer to 500 than to the single below it.
+  // 499.9999957 is nearer to 500 than to the single below it.
   EXPECT_EQ(getDistance({0, 0}, {139.99998F, 480}), 500.0F);
-  // 2^24 + 1 is no single: the difference is narrowed to 2^24, and 16777216.9998 to an even number. With the wide
-  // difference it would be 16777217.9998, and so 16777218.
+  // 2^24 + 1 is not a single: the difference is narrowed to 2^24, and 16777216.9998 to an even number. With the
+  // difference in double precision, 16777217.9998 would become 16777218.
   EXPECT_EQ(getDistance({16'777'216, 5'792}, {-1, 0}), 16'777'216.0F);
   EXPECT_EQ(getDistance({0, 16'777'216}, {5'792, -1}), 16'777'216.0F);
 }

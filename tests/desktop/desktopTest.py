@@ -1,4 +1,4 @@
-"""What the tests of the real window share."""
+"""Shared code of the tests of the real window."""
 
 import signal
 import unittest
@@ -6,11 +6,11 @@ import unittest
 import harness
 from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT
 
-HANG = 300  # seconds; a test that takes longer has stopped
+HANG = 300  # seconds; a test that takes longer hangs
 
 
 class DesktopTest(unittest.TestCase):
-    """One display for all tests of a class; a client and servers of its own for each test."""
+    """One display for all tests of a class, and a separate client and servers for each test."""
 
     screen = "1280x1024"
     frame = {}  # sizes of the window manager's frames, if not its own
@@ -36,21 +36,21 @@ class DesktopTest(unittest.TestCase):
         return server
 
     def log_in(self, client=None, colour=0, x=50000, y=50000, name="Ann"):
-        """A client in the game of a scripted server, with its brakes on: the client and its connection."""
+        """Logs a client in to a scripted server, with the brakes on. Returns the client and its connection."""
         client = client or self.start_client()
         server = self.scripted_server()
         client.connect(server.port, name=name)
         line = server.accept()
         self.assertEqual(line.recv_frame()[0], LOGIN)
         line.send(LOGIN_ACCEPTED, colour, 7, x, y)
-        # The answer to a ping tells that the login has been taken in; a report follows it.
+        # The answer to a ping shows that the login has been handled. A report follows it.
         line.send(PING, 1)
         self.assertEqual(line.recv_frame()[0], PING_REPLY)
         self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
         return client, line
 
     def run(self, result=None):
-        # A hanging process must not hold the whole run: the alarm breaks whatever waits.
+        # A hanging process must not block the whole run: the alarm interrupts any wait.
         def late(*_):
             raise AssertionError(f"the test took longer than {HANG} s")
         signal.signal(signal.SIGALRM, late)

@@ -1,4 +1,4 @@
-"""The rules of steering, worked out anew from what the game promises, for comparison with what the program reports."""
+"""The rules of steering, implemented independently, for comparison with the program's reports."""
 
 import math
 import struct
@@ -12,12 +12,12 @@ def f32(value):
 
 
 def centre(canvas):
-    """The middle of a canvas of so many pixels, in twips, each coordinate rounded down."""
+    """The centre of a canvas with this size in pixels, in twips, each coordinate rounded down."""
     return (canvas[0] * 15) // 2, (canvas[1] * 15) // 2
 
 
 def bearing(canvas, pixel):
-    """Angle and quadrant of a pixel of the canvas as its middle sees it. 350 make the full circle."""
+    """Angle and quadrant of a canvas pixel seen from the centre. 350 make a full circle."""
     cx, cy = centre(canvas)
     x, y = pixel[0] * 15, pixel[1] * 15
     fx, fy = float(x - cx), float(cy - y)
@@ -32,11 +32,11 @@ def bearing(canvas, pixel):
         return angle, 2
     if x < cx and y > cy:
         return angle, 3
-    return angle, 1  # on the lines through the middle, whichever side
+    return angle, 1  # on the axes through the centre, on either side
 
 
 def velocity(canvas, pixel, factor=1.0):
-    """World units that one frame moves the player who steers by this pixel, at the design pace."""
+    """World units per frame of a player who steers by this pixel, at the design pace."""
     cx, cy = centre(canvas)
     distance = math.hypot(pixel[0] * 15 - cx, pixel[1] * 15 - cy)
     s = min(distance / cy, 1.0) * TOP_SPEED * factor
@@ -50,7 +50,7 @@ def velocity(canvas, pixel, factor=1.0):
 
 
 def step(position, v):
-    """The next position: a player who would leave the world stands 1000 inside it."""
+    """The next position. A player who would leave the world is placed 1000 inside it."""
     result = []
     for coordinate, change in zip(position, v):
         coordinate += change
@@ -63,7 +63,7 @@ def step(position, v):
 
 
 def reports(position, v, count):
-    """The positions of the next reports: one in every fourth frame."""
+    """The positions of the next reports, one every fourth frame."""
     found = []
     for frame in range(1, 4 * count + 1):
         position = step(position, v)

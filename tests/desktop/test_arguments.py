@@ -1,4 +1,4 @@
-"""What the program answers on its command line without starting the game, and where it finds its files."""
+"""What the program prints for informational options, and where it finds its files."""
 
 import os
 import pathlib
@@ -12,7 +12,7 @@ PROJECT = pathlib.Path(__file__).resolve().parents[2]
 
 
 def answer(client, *arguments, **environment):
-    # Without a display: an answer needs none.
+    # Without a display, because printing needs none.
     kept = {name: os.environ[name] for name in ("PATH", "HOME", "LSAN_OPTIONS") if name in os.environ}
     done = subprocess.run([client, *arguments], env=dict(kept, **environment), stdin=subprocess.DEVNULL,
                           capture_output=True, text=True, timeout=60)
@@ -20,14 +20,14 @@ def answer(client, *arguments, **environment):
 
 
 def sound_module(client):
-    """Where a client finds it, or None."""
+    """Where a client finds the module, or None."""
     found = answer(client, "--version")[1][3].removeprefix("sound module: ")
     return None if found == "missing" else pathlib.Path(found)
 
 
 class Arguments(unittest.TestCase):
 
-    def test_version_tells_the_version_and_the_folders(self):
+    def test_version_prints_version_and_folders(self):
         status, lines = answer(CLIENT, "--version", XDG_CONFIG_HOME="/tmp/settings of mine")
         self.assertEqual(status, 0)
         self.assertRegex(lines[0], r"^kelvora \d+\.\d+\.\d+$")
@@ -36,7 +36,7 @@ class Arguments(unittest.TestCase):
         self.assertEqual(lines[3], f"sound module: {sound_module(CLIENT)}")
         self.assertTrue(sound_module(CLIENT).is_file())
 
-    def test_help_names_every_variable_of_the_readme(self):
+    def test_help_lists_every_variable_of_the_readme(self):
         status, lines = answer(CLIENT, "--help")
         self.assertEqual(status, 0)
         readme = (PROJECT / "README.md").read_text()
@@ -46,7 +46,7 @@ class Arguments(unittest.TestCase):
 
 
 class Places(unittest.TestCase):
-    """The program goes with its files: beside them, in an installed tree, in one that was moved, or where it is told."""
+    """The program finds its files: beside it, in an installed tree, in a moved one, or where it is told."""
 
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kelvora places "))
@@ -60,7 +60,7 @@ class Places(unittest.TestCase):
         (self.folder / "assets").mkdir()
         self.assertEqual(self.found(self.folder / "kelvora"), str(self.folder))
 
-    def test_in_an_installed_tree_and_after_it_was_moved(self):
+    def test_in_an_installed_tree_even_after_a_move(self):
         tree = self.folder / "tree"
         for folder in ("games", "share/kelvora/assets"):
             (tree / folder).mkdir(parents=True)
@@ -69,9 +69,9 @@ class Places(unittest.TestCase):
         moved = tree.rename(self.folder / "moved tree")
         self.assertEqual(self.found(moved / "games/kelvora"), str(moved / "share/kelvora"))
 
-    def test_the_sound_module_goes_along(self):
+    def test_the_sound_module_is_found_as_well(self):
         module = sound_module(CLIENT)
-        place = module.relative_to(CLIENT.parent)  # "lib/...", as an installation has it
+        place = module.relative_to(CLIENT.parent)  # "lib/...", as in an installation
         tree = self.folder / "tree"
         for folder in ("games", place.parent):
             (tree / folder).mkdir(parents=True)

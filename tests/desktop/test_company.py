@@ -1,4 +1,4 @@
-"""Two real clients in one game: what each sees of the other, whom a chat line reaches, and a capture on both screens."""
+"""Two real clients in one game: what each sees of the other, who gets a chat line, and a capture on both screens."""
 
 import socket
 import threading
@@ -53,7 +53,7 @@ class Company(DesktopTest):
         self.expect_on_screen(client, CONSOLE, lambda pixel: pixel == colour, what, least=20)
 
     def radar_dot(self, client, place, test):
-        """How many pixels of the radar pass the test where a player at this place has a dot."""
+        """The number of radar pixels that pass the test where a player at this position has a dot."""
         left, top, width, height = RADAR
         x, y = left + int(place[0] * width / 100000), top + int(place[1] * height / 100000)
         return count(client, client.display.picture(), (max(left, x - 4), max(top, y - 4), 9, 9), test)
@@ -89,7 +89,7 @@ class OnTheRealServer(Company):
         self.expect_radar_dot(self.ann, self.players["Bob"][1], is_cyan, "Bob's dot on Ann's radar")
         self.expect_radar_dot(self.bob, self.players["Ann"][1], is_red, "Ann's dot on Bob's radar")
         node, start = self.players["Bob"]
-        # Towards the far side of the world, wherever he begins.
+        # Towards the far side of the world, wherever Bob starts.
         self.bob.mouse_to(700 if start[0] < 50000 else 63, 250)
         self.bob.right_click()
 
@@ -104,7 +104,7 @@ class OnTheRealServer(Company):
                     self.last = fields
             place = (float(self.last[1]), float(self.last[2]))
             return self.radar_dot(self.ann, place, is_cyan) >= LEAST_DOT
-        wait_for(is_where_he_was_last_seen, "Bob's dot at his new place")
+        wait_for(is_where_he_was_last_seen, "Bob's dot at the new position")
 
     def test_a_public_line_reaches_everybody(self):
         self.ann.window.activate()
@@ -127,7 +127,7 @@ class OnTheRealServer(Company):
 
 
 class OnAScriptedServer(Company):
-    """A server in the test, which knows both places and sends both clients what it likes."""
+    """A scripted server, which knows both positions and can send both clients anything."""
 
     def setUp(self):
         self.ann, self.bob = self.two_clients()
@@ -156,7 +156,7 @@ class OnAScriptedServer(Company):
                 reports.append((float(received[1][0]), float(received[1][1])))
 
     def test_the_ball_and_the_tail_are_where_the_reports_were(self):
-        # Slowly to the right, 12 pixels of the mouse, and back before the ball leaves the view.
+        # Slowly to the right, with the mouse 12 pixels off, and back before the ball leaves the view.
         self.steer_bob(1)
         stop, reports = threading.Event(), []
         relay = threading.Thread(target=self.relay_bob, args=(stop, reports))
@@ -174,7 +174,7 @@ class OnAScriptedServer(Company):
         self.bob.mouse_to(763 // 2 + 12 * side, 304 - 6 * side)
 
     def sees_tail(self, reports):
-        """At several of the last places; the ball has no pixel in the tail's colours."""
+        """True if the tail is seen at several of the last positions. The ball has no pixel in the tail's colours."""
         if reports and abs(reports[-1][0] - 50000) > 4000:
             self.steer_bob(-1 if reports[-1][0] > 50000 else 1)
         picture = self.display.picture()
@@ -196,12 +196,12 @@ class OnAScriptedServer(Company):
         for line, client, name in zip(self.lines, (self.ann, self.bob), ("Ann", "Bob")):
             line.send(TAIL_CAPTURE, 4, 1, 1, 1)
             # First what fades.
-            self.expect_on_screen(client, CENTRE_MESSAGE, is_green, f"the message amid {name}'s canvas", least=20)
+            self.expect_on_screen(client, CENTRE_MESSAGE, is_green, f"the message in the middle of {name}'s canvas", least=20)
             self.expect_line(client, SERVER, f"the words on {name}'s console")
             # The winner's strip, row 3, has a red mark in its first cell.
             strip = ((11580 + 660) // 15, (60 + 600 + 3 * 540) // 15, 11, 11)
             self.expect_on_screen(client, strip, is_red, f"the mark in {name}'s list")
-        # Ann flies on as a ghost: a red ring is left of her ball in the middle of her canvas.
+        # Ann flies on as a ghost: only a red ring remains of her ball, in the middle of her canvas.
         self.expect_on_screen(self.ann, (361, 284, 40, 40), is_red, "Ann's ring", least=100)
         self.assertLess(count(self.ann, self.display.picture(), (373, 296, 16, 16), is_red), 10)
         self.expect_on_screen(self.bob, (361, 284, 40, 40), is_cyan, "Bob's ball", least=300)

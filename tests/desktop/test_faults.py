@@ -1,4 +1,4 @@
-"""What fails outside the program: the screen, the terminal, the sound, the fonts, the disk, the program's own files."""
+"""Failures outside the program: the screen, the terminal, the sound, the fonts, the disk, the program's files."""
 
 import pathlib
 import resource
@@ -25,7 +25,7 @@ def spy_on(server, name="Spy", colour=5):
 
 
 def has_left(spy, node):
-    """Waits until the server tells that the player has left."""
+    """Waits until the server announces that the player has left."""
     while True:
         identifier, fields = spy.recv_frame()
         if identifier == PLAYER_LEFT and fields[0] == node:
@@ -49,13 +49,13 @@ class ClientFaults(DesktopTest):
         return (pathlib.Path(client.config) / "kelvora" / "kelvora.ini").read_text()
 
     def expect_play(self, client):
-        """The client gets into a game, and its ball answers the mouse."""
+        """Expects that the client joins a game and its ball follows the mouse."""
         client, line = self.log_in(client)
         client.mouse_to(700, 250)
         client.right_click()
         wait_for(lambda: line.report()[0] >= 52000, "the flight")
 
-    def test_the_x_server_dies_in_play(self):
+    def test_the_x_server_dies_during_play(self):
         display = harness.Display()
         self.addCleanup(display.close)
         server = self.start_server()
@@ -72,8 +72,8 @@ class ClientFaults(DesktopTest):
         self.assertEqual(self.settings(client), before)
         self.assertIn("player%20name=Ann", before)
 
-    def test_signals_end_it_at_once_and_the_settings_stay(self):
-        # A run that ignores the hang-up, as under nohup, would hand that on.
+    def test_signals_end_it_at_once_and_keep_the_settings(self):
+        # A test run that ignores SIGHUP, as under nohup, would pass that on.
         self.addCleanup(signal.signal, signal.SIGHUP, signal.signal(signal.SIGHUP, signal.SIG_DFL))
         server = self.start_server()
         for sent in (signal.SIGHUP, signal.SIGTERM):
@@ -86,7 +86,7 @@ class ClientFaults(DesktopTest):
                 self.assertIn("player%20name=Ann", self.settings(client))
                 spy.close()
 
-    def test_a_stopped_client_goes_on_where_it_was(self):
+    def test_a_stopped_client_continues_where_it_was(self):
         client, line = self.log_in()
         client.mouse_to(700, 250)
         client.right_click()
@@ -96,7 +96,7 @@ class ClientFaults(DesktopTest):
         before = float(last[-1][0]) if last else 50000.0
         client.process.send_signal(signal.SIGCONT)
         after = line.report()[0]
-        # At most 300 world units a frame, and a second and a half would be a hundred and fifty of them.
+        # At most 300 world units per frame. A second and a half of missed frames would be 150 of them.
         self.assertLess(after - before, 15000)
         line.send(PING, 1)
         wait_for(lambda: line.recv_frame()[0] == PING_REPLY, "the answer to a ping")
@@ -117,7 +117,7 @@ class ClientFaults(DesktopTest):
                 self.assertEqual(client.output(), "")
                 client.close()
 
-    def test_a_sound_device_that_fails_in_play(self):
+    def test_a_sound_device_fails_during_play(self):
         device = {"SDL_AUDIODRIVER": "disk", "SDL_DISKAUDIOFILE": "/dev/full"}
         client = self.start_client(environment=device, arguments=())
         self.expect_play(client)
@@ -169,13 +169,13 @@ class ClientFaults(DesktopTest):
     def test_settings_that_cannot_be_written(self):
         home = pathlib.Path(tempfile.mkdtemp(prefix="kelvora-home-"))
         self.addCleanup(shutil.rmtree, home)
-        (home / "kelvora").write_text("A file where the folder should be stops even the superuser.")
+        (home / "kelvora").write_text("A file in place of the folder stops even root.")
         client = self.start_client(config=str(home))
         self.expect_play(client)
         self.assertEqual(client.output(), "")
 
-    def test_a_disk_without_room(self):
-        # Beyond 200 bytes no file grows, as on a full disk.
+    def test_a_full_disk(self):
+        # No file grows beyond 200 bytes, as on a full disk.
         client = self.start_client()
         resource.prlimit(client.process.pid, resource.RLIMIT_FSIZE, (200, 200))
         self.expect_play(client)
@@ -187,7 +187,7 @@ class ClientFaults(DesktopTest):
             client.process.send_signal(sent)
         self.expect_play(client)
 
-    def test_two_at_once_keep_each_others_settings(self):
+    def test_concurrent_clients_keep_each_others_settings(self):
         server = self.scripted_server()
         ann = self.start_client()
         bob = self.start_client(config=ann.config)
@@ -195,7 +195,7 @@ class ClientFaults(DesktopTest):
         self.assertEqual(server.accept().recv_frame()[1][0], b"Ann")
         bob.connect(server.port, name="Bob", address="localhost")
         self.assertEqual(server.accept().recv_frame()[1][0], b"Bob")
-        # Ann's game does not know what Bob's has saved, and saves something else: the first item of Settings, Audio.
+        # Ann's client doesn't know what Bob's has saved, and saves something else: the first item of Settings, Audio.
         before = self.settings(ann)
         ann.window.activate()
         ann.choose(70, "Down", "Right", "Return")

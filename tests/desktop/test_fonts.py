@@ -1,4 +1,4 @@
-"""The fonts' dialog, opened by the menu and driven by the mouse: what is dragged shows and is saved at once."""
+"""The font dialog, opened from the menu and operated with the mouse: changes show and are saved at once."""
 
 import configparser
 import os
@@ -10,7 +10,7 @@ from harness import TWIPS
 from protocol import PING, PING_REPLY
 
 BLACK = (0, 0, 0)
-# Twips: the blocks stand 1020 apart from 120 on.
+# Twips: the blocks are 1020 apart, starting at 120.
 BLOCK = 1020
 SERVER_MESSAGE, ERROR_MESSAGE = 3, 4
 BAR_LEFT, BAR_WIDTH = 5730, 855
@@ -38,7 +38,7 @@ class Fonts(DesktopTest):
         return client.wait_for_window("Configure Fonts")
 
     def drag(self, dialog, start, end):
-        """From a pixel of the dialog to another, with the left button, by way of the places between."""
+        """Drags from one pixel of the dialog to another with the left button, through points in between."""
         left, top = dialog.geometry()[:2]
         steps = [(left + start[0] + (end[0] - start[0]) * i // 8, top + start[1] + (end[1] - start[1]) * i // 8)
                  for i in range(9)]
@@ -48,7 +48,7 @@ class Fonts(DesktopTest):
         self.display.xdotool("mouseup", 1)
 
     def drag_bar(self, dialog, purpose, channel, end):
-        """Along a bar, to so many pixels from its left end."""
+        """Drags along a bar, to this many pixels from its left end."""
         y = row(purpose, BAR_TOPS[channel] + 90)
         self.drag(dialog, (pixels(BAR_LEFT) + 2, y), (pixels(BAR_LEFT) + end, y))
 
@@ -67,7 +67,7 @@ class Fonts(DesktopTest):
         return self.display.picture().pixel(left + pixels(4920 + 300), top + row(purpose, 225 + 150))
 
     def sample(self, dialog, purpose):
-        """The rectangle, in pixels of the dialog, that the sample's letters take, and their brightest colour."""
+        """The rectangle of the sample's letters, in pixels of the dialog, and their brightest colour."""
         left, top = dialog.geometry()[:2]
         picture = self.display.picture()
         ink = {}
@@ -99,7 +99,7 @@ class Fonts(DesktopTest):
                     self.assertEqual(picture.pixel(bar_left - 1, y), BLACK)
                     self.assertEqual(picture.pixel(bar_left + 57, y), BLACK)
 
-    def test_bar_gives_a_hundred_inside_and_more_beyond(self):
+    def test_bar_reaches_a_hundred_inside_and_more_beyond(self):
         client = self.start_client()
         dialog = self.open_dialog(client)
         # 57 pixels are the bar's 855 twips: its right edge.
@@ -107,10 +107,10 @@ class Fonts(DesktopTest):
         self.wait_for_saved(client, "4colorR", "100")
         harness.wait_for(lambda: self.swatch(dialog, ERROR_MESSAGE) == (100, 0, 0), "the swatch")
         harness.wait_for(lambda: self.sample(dialog, ERROR_MESSAGE)[1] == (100, 0, 0), "the sample in its colour")
-        # Far outside the window the bar still hears of the mouse.
+        # Even far outside the window, the bar gets mouse moves.
         self.drag_bar(dialog, SERVER_MESSAGE, 2, 200)
         self.wait_for_saved(client, "3colorB", "255")
-        # 20 * 15 * 100 / 855 = 35.09, and back over the left end 0.
+        # 20 * 15 * 100 / 855 = 35.09, and 0 beyond the left end.
         self.drag_bar(dialog, SERVER_MESSAGE, 1, 20)
         self.wait_for_saved(client, "3colorG", "35")
         harness.wait_for(lambda: self.swatch(dialog, SERVER_MESSAGE) == (255, 35, 255), "the swatch")
@@ -122,20 +122,20 @@ class Fonts(DesktopTest):
         dialog = self.open_dialog(client)
         harness.wait_for(lambda: self.swatch(dialog, 0) == (128, 255, 128), "the picture")
         small = self.sample(dialog, 0)[0]
-        # The handle at 9, the left end; to the right as far as it goes.
+        # From the handle at 9, the left end, as far right as possible.
         y = row(0, 45) + 8
         self.drag(dialog, (pixels(2280) + 6, y), (pixels(2280 + 2400) + 20, y))
         self.wait_for_saved(client, "0size", "16")
-        # It is painted after it has been saved.
+        # Painting follows saving.
         def is_large():
             left, _, right, _ = self.sample(dialog, 0)[0]
             return right - left > 1.5 * (small[2] - small[0])
         harness.wait_for(is_large, "the larger sample")
         large = harness.wait_for_rest(lambda: self.sample(dialog, 0)[0], "the sample", looks=2)
-        # Nothing of it is cut off at the right or the bottom of its place.
+        # Nothing of it is cut off at the right or the bottom.
         self.assertLess(large[2], pixels(4680) - 1)
         self.assertLess(large[3], row(0, 930) - 1)
-        # By the keys, a step at a time.
+        # With the keys, one step at a time.
         self.display.xdotool("key", "Left")
         self.wait_for_saved(client, "0size", "15")
         self.display.xdotool("key", "Home")
@@ -143,7 +143,7 @@ class Fonts(DesktopTest):
         self.display.xdotool("key", "Page_Up")
         self.wait_for_saved(client, "0size", "10")
 
-    def test_done_closes_it_and_it_opens_as_it_was_left(self):
+    def test_done_closes_it_and_it_reopens_unchanged(self):
         client = self.start_client()
         dialog = self.open_dialog(client)
         self.drag_bar(dialog, SERVER_MESSAGE, 0, 19)
@@ -153,7 +153,7 @@ class Fonts(DesktopTest):
         dialog = self.open_by_menu(client)
         harness.wait_for(lambda: self.swatch(dialog, SERVER_MESSAGE) == (33, 255, 0), "the swatch")
 
-    def test_game_goes_on_beside_it(self):
+    def test_game_continues_beside_it(self):
         client, line = self.log_in()
         dialog = self.open_by_menu(client)
         line.send(PING, 2)

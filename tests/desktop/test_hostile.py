@@ -1,8 +1,8 @@
-"""A server of ill will before the real window. Whatever it sends, the window answers, the process keeps within its
-memory, and afterwards a game is joined and played in the same process. The bounds stand in docs/reliability.md.
+"""A hostile server against the real window. Whatever it sends, the window responds, the process stays within its memory
+limits, and afterwards the same process can join and play a game. docs/reliability.md states the limits.
 
-KELVORA_HOSTILE_MIB is how much the endless streams send, 64 unless it is told; KELVORA_HOSTILE_RECONNECTS how often the
-client comes back, 60 unless it is told."""
+KELVORA_HOSTILE_MIB is the length of the endless streams, 64 by default. KELVORA_HOSTILE_RECONNECTS is the number of
+reconnections, 60 by default."""
 
 import contextlib
 import os
@@ -25,12 +25,12 @@ ENDLESS_MIB = int(os.environ.get("KELVORA_HOSTILE_MIB", "64"))
 RECONNECTS = int(os.environ.get("KELVORA_HOSTILE_RECONNECTS", "60"))
 MIB = 1 << 20
 
-# What the process may come to hold beyond what it held in the game before, in MiB: of a stream that is no message the
-# socket's read buffer and the queue's share; of messages what the world may keep of them.
+# How far the process's memory may exceed that of the game before, in MiB: for a stream without messages, the socket's
+# read buffer and the queue's limit; for messages, what the world may keep of them.
 STREAM_MIB, WORLD_MIB = 16, 128
-# However often the dialog has come and gone.
+# However often the dialog has been opened and closed.
 RECONNECT_MIB = 4
-# Seconds of the processor that the client may take from a key to the chat line that it sends.
+# Processor seconds that the client may take from a key to the chat line that it sends.
 ANSWER = 10.0
 MOST_BOXES = 16
 
@@ -40,14 +40,14 @@ SCREEN = (1280, 1024)
 
 
 class Attack:
-    """Sends a portion again and again from a thread of its own, as fast as it is taken."""
+    """Sends a portion repeatedly on its own thread, as fast as the client reads."""
 
     def __init__(self, line, portion, total=None):
         self.portion, self.total = portion, total
         self.sent, self.seconds = 0, 0.0
         self.stopping = False
         self.error = None
-        # A socket object of its own: the reader changes the time limit of his all the while.
+        # A separate socket object, because the reader keeps changing the timeout of its own.
         self.socket = line.socket.dup()
         self.socket.settimeout(harness.PATIENCE)
         self.thread = threading.Thread(target=self.run, daemon=True)
@@ -64,7 +64,7 @@ class Attack:
         self.seconds = time.monotonic() - begin
 
     def is_over(self, seconds=0.0):
-        """Waits so long for its end."""
+        """Waits this long for its end."""
         self.thread.join(seconds)
         return not self.thread.is_alive()
 
@@ -85,10 +85,10 @@ class HostileTest(DesktopTest):
     def setUp(self):
         self.longest = 0.0
 
-    # What holds under every attack.
+    # Expectations under every attack.
 
     def peak(self, client):
-        """MiB that the process has held at the most since `begin_attack`."""
+        """The process's peak memory since `begin_attack`, in MiB."""
         with open(f"/proc/{client.process.pid}/status") as file:
             return int(re.search(r"VmHWM:\s+(\d+)", file.read())[1]) / 1024
 
@@ -100,13 +100,13 @@ class HostileTest(DesktopTest):
         self.take_keys(client)
 
     def take_keys(self, client):
-        """The chat line has the keys from here on."""
+        """Gives the keyboard focus to the chat line."""
         client.window.activate()
         client.mouse_to(300, 300)
         self.display.xdotool("click", 1)
 
     def assert_answers(self, line):
-        """A key that is pressed now sends its line in time. Returns the ids of the frames that came with it."""
+        """Asserts that a key pressed now sends its line in time. Returns the ids of the frames that arrived with it."""
         identifiers = []
         with self.answer_in_time():
             self.display.xdotool("key", "x", "Return")
@@ -118,15 +118,15 @@ class HostileTest(DesktopTest):
 
     @contextlib.contextmanager
     def answer_in_time(self):
-        """Within, the client answers a key. What else the machine does is not counted."""
+        """Within this scope, the client must respond to a key. Other programs' time is not counted."""
         begin, cpu = time.monotonic(), self.client.cpu_seconds()
         yield
         self.longest = max(self.longest, time.monotonic() - begin)
         self.assertLess(self.client.cpu_seconds() - cpu, ANSWER)
 
     def await_all_read(self, line, answers=None):
-        """Until the client has taken in everything that was sent: it answers a ping again. Of the pings that two of its
-        reads share none is heard, so that there are several. Keys are answered all the while."""
+        """Waits until the client has handled everything sent: it answers a ping again. A ping that is split between two
+        reads is lost, so several are sent. Keys must be answered meanwhile."""
         answers = answers or self.assert_answers
         line.send(PING, 1)
         while PING_REPLY not in answers(line):
@@ -141,7 +141,7 @@ class HostileTest(DesktopTest):
         self.assertIsNone(client.process.poll())
 
     def assert_plays_on(self, client, line=None):
-        """The same process joins a game of the real server, is seen there to fly, and has its chat heard."""
+        """Asserts that the same process joins a game of the real server, is seen flying there, and its chat arrives."""
         if line:
             line.close()
         server = self.start_server()
@@ -174,7 +174,7 @@ class HostileTest(DesktopTest):
             pass
         self.assertEqual(chat[1], b"h")
 
-    # The attacks.
+    # Attacks.
 
     def endless(self, head, portion, mebibytes, length=ENDLESS_MIB):
         client, line = self.log_in()
@@ -195,18 +195,19 @@ class HostileTest(DesktopTest):
     def test_endless_frame_starts(self):
         self.endless(b"", bytes([START]) * 65536, STREAM_MIB)
 
-    def test_gigabyte_without_an_end(self):
+    def test_gigabyte_without_an_end_byte(self):
         self.endless(bytes([START, POSITION]), b"x" * 65536, STREAM_MIB)
 
-    def test_ends_that_repeat_their_frame(self):
-        # Each end adds to its entry all that the read has brought since the start, so that a little becomes much.
+    def test_end_bytes_that_repeat_their_frame(self):
+        # Each end byte appends to its entry everything that the read has brought since the start, so little input
+        # becomes much.
         repeated = bytes([START, CHAT]) + b"7" + bytes([SEPARATOR]) + b"x" + bytes([END]) * 1000
         self.endless(b"", repeated * 64, WORLD_MIB, ENDLESS_MIB / 64)
 
     def test_forty_thousand_joins(self):
         client, line = self.log_in()
         self.begin_attack(client)
-        # All of them alive, in sight, and with a chat line each.
+        # All of them alive, visible, and with a chat line each.
         joins = b"".join(frame(PLAYER_JOINED, 8 + n, n % 6, f"Player {n}", 50000 + n * 4, 50000 - n * 3, 1, 0)
                          for n in range(1000))
         attack = Attack(line, joins, 40 * len(joins))
@@ -215,7 +216,7 @@ class HostileTest(DesktopTest):
         attack.stop()
         self.await_all_read(line)
         self.assert_answers(line)
-        # Messages for the last of so many, and for nobody.
+        # Messages for the last of them, and for an unknown one.
         for node in (1007, 31000):
             line.send_bytes(frame(POSITION, node, 50000, 50000) * 5000)
             self.assert_answers(line)
@@ -240,7 +241,7 @@ class HostileTest(DesktopTest):
         self.await_all_read(line)
         self.assert_answers(line)
         for number in odd:
-            # A colour that nobody has, taken back before a frame could paint it.
+            # A colour that doesn't exist, replaced before a frame can paint it.
             line.send_bytes(frame(LOGIN_ACCEPTED, number, 7, 50000, 50000) +
                             frame(LOGIN_ACCEPTED, 0, number, 50000, 50000))
             line.frames_during(0.05)
@@ -251,7 +252,7 @@ class HostileTest(DesktopTest):
         self.assert_within(client, WORLD_MIB)
         self.assert_plays_on(client, line)
 
-    def test_no_number_and_infinity_in_every_field(self):
+    def test_invalid_and_extreme_numbers_in_every_field(self):
         client, line = self.log_in()
         self.begin_attack(client)
         values = ["nan", "-nan", "inf", "-inf", "infinity", "1e999", "-1e999", "1e308", "-1e308", "3.4e38", "-3.4e38",
@@ -266,7 +267,7 @@ class HostileTest(DesktopTest):
                 if kind == "text":
                     continue
                 for value in values:
-                    # Own node, an opponent's, nobody's; with the colour of a login it is another matter.
+                    # The own node, an opponent's and an unknown one. The colour in a login is tested elsewhere.
                     for node in ("7", "8", "99") if types[0] == "int16" and identifier != LOGIN_ACCEPTED else ("1",):
                         fields = [usual[kind] for kind in types]
                         fields[0] = node
@@ -275,7 +276,7 @@ class HostileTest(DesktopTest):
                             continue
                         line.send(identifier, *fields)
                         count += 1
-                # The frames between see to it that what came in is moved and painted.
+                # Frames in between ensure that everything received is moved and painted.
                 line.frames_during(0.03)
                 self.assertIsNone(client.process.poll(), f"field {field} of {identifier}: {client.output()}")
                 self.assertEqual(client.output(), "", f"field {field} of {identifier}")
@@ -285,7 +286,7 @@ class HostileTest(DesktopTest):
         self.assert_within(client, WORLD_MIB)
         self.assert_plays_on(client, line)
 
-    def test_longest_texts(self):
+    def test_texts_of_maximum_length(self):
         client, line = self.log_in()
         self.begin_attack(client)
         for identifier, types in TO_CLIENT.items():
@@ -293,7 +294,7 @@ class HostileTest(DesktopTest):
                 continue
             for text in ("x" * 60000, "word " * 12000, "\n" * 60000):
                 usual = {"text": text, "int16": "1", "int32": "1", "single": "50010.5", "real": "5"}
-                # Alone, so that one read has the whole of it.
+                # Alone, so that one read contains all of it.
                 line.frames_during(0.1)
                 line.send(identifier, *[usual[kind] for kind in types])
                 self.assert_answers(line)
@@ -301,12 +302,12 @@ class HostileTest(DesktopTest):
         self.assert_plays_on(client, line)
 
     def boxes(self, client):
-        """The message boxes that stand, over one another: all windows of the screen but the main one."""
+        """The open message boxes: all windows on the screen except the main one."""
         windows = self.display.run("xprop", "-root", "_NET_CLIENT_LIST")
         return {int(window, 16) for window in re.findall("0x[0-9a-f]+", windows)} - {int(client.window.identifier)}
 
     def close_boxes(self, client):
-        """Enter closes each box in time. One that comes before the next box has the keys is nobody's."""
+        """Closes each box with Enter, in time. A key pressed before the next box has the focus is lost."""
         while before := len(self.boxes(client)):
             def is_closed():
                 self.display.xdotool("key", "Return")
@@ -314,7 +315,7 @@ class HostileTest(DesktopTest):
             with self.answer_in_time():
                 wait_for(is_closed, "the end of a box", pause=0.1)
 
-    def test_flood_while_a_box_stands(self):
+    def test_flood_while_a_box_is_open(self):
         client, line = self.log_in()
         self.begin_attack(client)
         line.send(SPAWN_DENIED)
@@ -324,7 +325,7 @@ class HostileTest(DesktopTest):
         flood += frame(PLAYER_JOINED, 8, 1, "Bob", 50000, 50000, 1, 0)
         attack = Attack(line, flood, 8 * MIB)
         attack.stop_at_its_end()
-        # The keys are the box's now.
+        # The box now has the focus.
         self.await_all_read(line, lambda line: [identifier for identifier, _ in line.frames_during(0.3)])
         self.assertLessEqual(len(self.boxes(client)), MOST_BOXES)
         self.close_boxes(client)
@@ -333,7 +334,7 @@ class HostileTest(DesktopTest):
         self.assert_within(client, WORLD_MIB)
         self.assert_plays_on(client, line)
 
-    def test_longest_box_stands_on_the_screen(self):
+    def test_longest_box_fits_on_the_screen(self):
         client = self.start_client()
         for reason in ("x" * 60000, "word " * 12000, "\n" * 60000):
             server = self.scripted_server()
@@ -353,13 +354,13 @@ class HostileTest(DesktopTest):
             self.assertLess(client.cpu_seconds() - cpu, 2.0)
         self.assert_plays_on(client)
 
-    def test_capture_for_nobody(self):
+    def test_captures_of_unknown_players(self):
         client, line = self.log_in()
         self.begin_attack(client)
         captures = [frame(TAIL_CAPTURE, winner, loser, *place)
                     for winner in (7, 8, 9, 99, -1, 0) for loser in (7, 8, 9, 99, -1, 0)
                     for place in ((50000, 50000), (1, 1), (-5, 1e38), ("nan", ""))]
-        line.send_bytes(b"".join(captures))  # nobody is there
+        line.send_bytes(b"".join(captures))  # no opponents
         self.await_all_read(line)
         self.assert_answers(line)
         line.send(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
@@ -374,7 +375,7 @@ class HostileTest(DesktopTest):
         self.assert_within(client, WORLD_MIB)
         self.assert_plays_on(client, line)
 
-    def test_closing_in_mid_frame(self):
+    def test_closing_in_the_middle_of_a_frame(self):
         client = self.start_client()
         whole = frame(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
         for cut in (1, 2, 3, len(whole) - 1):
@@ -382,13 +383,13 @@ class HostileTest(DesktopTest):
             line.send_bytes(whole[:cut])
             line.close()
             client.wait_for_window("Connect")
-        # What was missing comes from the next server, and does no more than be lost.
+        # The missing part comes from the next server, and is simply lost.
         client, line = self.log_in(client)
         line.send_bytes(whole[-1:] + whole[2:])
         self.begin_attack(client)
         self.await_all_read(line)
         self.assert_answers(line)
-        # A reset is an end like any other.
+        # A reset is an ordinary end.
         line.send_bytes(whole[:5])
         line.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
         line.close()
@@ -397,11 +398,11 @@ class HostileTest(DesktopTest):
         self.assert_plays_on(client)
 
     def disconnect(self, client):
-        """File, Disconnect: the item above it is greyed out and passed over."""
+        """Chooses File, Disconnect. The item above it is disabled and skipped."""
         client.choose(20, "Down", "Return")
         client.wait_for_window("Connect")
 
-    def test_server_that_never_speaks_is_left_for_another(self):
+    def test_silent_server_can_be_left_for_another(self):
         client = self.start_client()
         silent = self.scripted_server()
         client.connect(silent.port)
@@ -418,7 +419,7 @@ class HostileTest(DesktopTest):
         self.assert_within(client, STREAM_MIB)
         self.assert_plays_on(client)
 
-    def test_server_that_never_speaks_is_closed_with_the_window(self):
+    def test_closing_the_window_leaves_a_silent_server(self):
         client = self.start_client()
         silent = self.scripted_server()
         client.connect(silent.port)
@@ -448,8 +449,8 @@ class HostileTest(DesktopTest):
 
         def descriptors():
             return len(os.listdir(f"/proc/{client.process.pid}/fd"))
-        # The dialog comes up filled in and asks for no more than Enter, which is pressed all the while, also before the
-        # dialog has closed: what it has begun is then begun anew.
+        # The dialog opens filled in and only needs Enter, which is pressed repeatedly, even before the dialog has
+        # closed. That simply starts the connection again.
         keys = harness.subprocess.Popen(["xdotool", "key", "--repeat", "1000000", "--repeat-delay", "80", "Return"],
                                         env=self.display.environment)
         self.addCleanup(harness.stop, keys)
@@ -465,7 +466,7 @@ class HostileTest(DesktopTest):
         self.assertLessEqual(opened, 1)
         self.assert_plays_on(client)
 
-    def test_login_in_an_unknown_colour_ends_the_program_with_its_box(self):
+    def test_login_with_an_unknown_colour_ends_the_program_with_a_box(self):
         client, line = self.log_in()
         line.send(LOGIN_ACCEPTED, 6, 7, 50000, 50000)
         self.assert_fault(client, "Subscript out of range")
@@ -477,7 +478,7 @@ class HostileTest(DesktopTest):
         self.assertEqual(client.process.wait(harness.PATIENCE), 1)
         self.assertEqual(client.output().strip(), f"kelvora: Run-time error: {what}")
 
-    def test_stored_values_end_the_program_frames_later_with_its_box(self):
+    def test_stored_values_end_the_program_frames_later_with_a_box(self):
         kills = frame(PLAYER_JOINED, 8, 1, "Bob", 50000, 50000, 1, 32767)
         places = frame(POSITION, 8, 90000, 90000) + frame(POSITION, 8, 91000, 90000)
         charged = frame(POSITION, 7, 50011, "6E34") + frame(POSITION, 7, 50010, 50000)
@@ -492,7 +493,7 @@ class HostileTest(DesktopTest):
             line.send_bytes(stored[-1])
             self.assert_fault(client, what)
 
-    def test_end_ahead_of_every_frame_ends_the_program_with_its_box(self):
+    def test_end_byte_before_any_frame_ends_the_program_with_a_box(self):
         client = self.start_client()
         server = self.scripted_server()
         client.connect(server.port)
@@ -501,7 +502,7 @@ class HostileTest(DesktopTest):
         line.send_bytes(b"x" * MIB + bytes([END]))
         self.assert_fault(client, "Subscript out of range")
 
-    def test_megabyte_of_a_version_from_the_web_host(self):
+    def test_megabyte_long_version_from_the_web_host(self):
         host = WebHost()
         self.addCleanup(host.close)
         client = self.start_client(web_host=host.name)

@@ -1,5 +1,5 @@
-"""What is typed is what appears, on keyboards of several countries: in names and passwords, in the chat line, by dead
-keys and with locks on. Letters that the game has no byte for are left out."""
+"""Typed text appears correctly on keyboards of several countries: in names and passwords, in the chat line, with dead
+keys and locks. Letters outside the game's code page are dropped."""
 
 import unittest
 
@@ -8,7 +8,7 @@ from desktopTest import DesktopTest
 from harness import Line, wait_for
 from protocol import ACTIVATE_REQUEST, BUY_ACCEPTED, CHAT, LOGIN, LOGIN_DENIED, PLAYER_JOINED, POSITION_REPORT, frame
 
-# Keys by their place on the board, as the display numbers them.
+# Keys by their position on the keyboard, as numbered by the display.
 DIGIT_0, MINUS_PLACE, EQUALS_PLACE = "19", "20", "21"
 Q, W, E, Y, BRACKET_LEFT, SEMICOLON, APOSTROPHE, BACKQUOTE = "24", "25", "26", "29", "34", "47", "48", "49"
 DIGIT_2, DIGIT_7, SPACE, SHIFT, ALT_GR = "11", "16", "65", "50", "108"
@@ -28,7 +28,7 @@ class Keyboard(DesktopTest):
         self.display.xdotool("keydown", held, *[word for key in keys for word in ("key", key)], "keyup", held)
 
     def field(self, client, row):
-        """The focus goes to an emptied box of the connect dialog."""
+        """Clears a box of the connect dialog and gives it the focus."""
         dialog = client.wait_for_window("Connect")
         dialog.activate()
         dialog.click(1740 // harness.TWIPS + 20, (180 + 360 * row) // harness.TWIPS + 9)
@@ -48,7 +48,7 @@ class Keyboard(DesktopTest):
 class Names(Keyboard):
 
     def login_typed(self, *layout, keys):
-        """The login of a client into whose name the keys have gone."""
+        """The login of a client after typing these keys as the name."""
         client = self.start_client()
         server = self.scripted_server()
         dialog = client.wait_for_window("Connect")
@@ -83,21 +83,21 @@ class Names(Keyboard):
         self.assertEqual(self.login_typed("us", "-variant", "intl", keys=keys), frame(LOGIN, "\u00E9'\u00E8q", "", 0,
                                                                                       harness.VERSION))
 
-    def test_letters_that_the_game_lacks_are_left_out(self):
+    def test_letters_outside_the_code_page_are_dropped(self):
         def keys():
             self.press(Q, W, "1", SPACE, E)
             self.press("2")
-        # Of three Cyrillic letters, two digits and a blank these stay.
+        # Three Cyrillic letters are dropped; two digits and a blank stay.
         self.assertEqual(self.login_typed("ru", keys=keys), frame(LOGIN, "1 2", "", 0, harness.VERSION))
 
 
 class WithTheServer(Keyboard):
 
-    def test_a_euro_sign_in_the_name_is_refused_with_words(self):
+    def test_a_euro_sign_in_the_name_is_refused_with_a_message(self):
         server = self.start_server()
         client = self.start_client()
         client.connect(server.port, name="")
-        # The empty name is refused by the dialog itself, which stays.
+        # The dialog itself refuses the empty name and stays open.
         box = client.wait_for_other_window()
         box.activate()
         self.press("Return")
@@ -107,14 +107,14 @@ class WithTheServer(Keyboard):
         self.press(Y)
         self.with_key(ALT_GR, E)
         self.press("Return")
-        # Told in a box; behind it the dialog comes up anew.
+        # Shown in a box. Then the dialog opens again.
         box = client.wait_for_other_window()
         box.activate()
         self.press("Return")
         wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the dialog")
 
-    def test_name_and_password_of_german_letters_get_in(self):
-        # The password as a terminal hands it over, in UTF-8.
+    def test_german_letters_in_name_and_password_are_accepted(self):
+        # The password as a terminal passes it, in UTF-8.
         server = self.start_server("--password", "\u00D6ffne")
         client = self.start_client()
         self.layout("de")
@@ -136,7 +136,7 @@ class WithTheServer(Keyboard):
 class Chat(Keyboard):
 
     def chat_typed(self, keys):
-        """The chat line that is sent for the keys, the first of which meet the picture."""
+        """The chat line sent after these keys, the first of which are typed on the picture."""
         client, line = self.in_game()
         client.window.activate()
         client.mouse_to(300, 300)
@@ -149,8 +149,8 @@ class Chat(Keyboard):
 
     def test_dead_keys_work_over_the_picture(self):
         def keys():
-            # The dead circumflex and a blank are a circumflex; the letter goes to the chat line, which has the focus
-            # then.
+            # The dead circumflex and a blank give a circumflex. The letter goes to the chat line, which has the focus
+            # by then.
             self.press(BACKQUOTE, SPACE, Y)
             self.with_key(ALT_GR, Q)
         self.layout("de")
@@ -162,7 +162,7 @@ class Chat(Keyboard):
         self.layout("de")
         self.assertEqual(self.chat_typed(keys), (CHAT, [b"-1", b"ab"]))
 
-    def test_powerups_are_fired_on_any_layout_and_with_any_lock(self):
+    def test_powerups_fire_on_any_layout_and_with_any_lock(self):
         client, line = self.in_game()
         client.window.activate()
         client.mouse_to(300, 300)

@@ -1,5 +1,5 @@
-"""A real match on the real server against its bots: a script steers the client's mouse as a beginner would, captures,
-is captured, buys and fires a powerup, and lives through the end of a round."""
+"""A real match on the real server against its bots: a script steers the mouse like a beginner, captures, is captured,
+buys and fires a powerup, and plays through the end of a round."""
 
 import os
 import time
@@ -11,14 +11,14 @@ from protocol import ALIVE_STATE, BUY_ACCEPTED, POWERUP_ON, RESPAWN, ROUND_OVER,
 from storeWindow import BUY, DONE, StoreWindow
 
 SPAWN = ((11700 + 270) // TWIPS, (5760 + 200) // TWIPS, 72, 24)  # the face of the button, without its border
-STRIP = ((11580 + 660) // TWIPS, (60 + 600) // TWIPS, 66, 11)  # the marks of whom the red player has captured
+STRIP = ((11580 + 660) // TWIPS, (60 + 600) // TWIPS, 66, 11)  # the red player's capture marks
 CENTRE_MESSAGE = (150, 270, 500, 30)
 
 
 class Match(DesktopTest):
 
     def begin(self, *options):
-        """A client in the game, red, with its brakes on, a relay that reads along, and who steers it."""
+        """Starts a red client with its brakes on, a relay that reads along, and a pilot."""
         server = self.start_server(*options)
         relay = Relay(server.port)
         self.addCleanup(relay.close)
@@ -38,7 +38,7 @@ class Match(DesktopTest):
         return [picture.pixel(left + x, top + y) for y in range(area[3]) for x in range(area[2])]
 
     def keep(self, name):
-        """A picture of the screen for whoever wants to look, if KELVORA_PICTURES names a folder."""
+        """Saves a picture of the screen for inspection, if KELVORA_PICTURES names a folder."""
         folder = os.environ.get("KELVORA_PICTURES")
         if folder:
             self.display.picture().save(os.path.join(folder, name + ".ppm"))
@@ -49,7 +49,7 @@ class Match(DesktopTest):
         pilot.play_until(lambda: relay.said(TAIL_CAPTURE, lambda fields: fields[0] == relay.node),
                         "an easy bot captured")
         self.keep("capture")
-        # It lands when the vertex ends; the winner's strip then shows the loser's mark.
+        # It lands when the vertex expires. Then the winner's strip shows the loser's mark.
         deadline = time.monotonic() + PATIENCE
         while self.pixels(client, STRIP) == before and time.monotonic() < deadline:
             pilot.circle_nearest()
@@ -69,14 +69,14 @@ class Match(DesktopTest):
         self.keep("loss")
 
     def test_buys_and_fires_a_turbo(self):
-        client, relay, _ = self.begin()  # alone: nobody captures the buyer
+        client, relay, _ = self.begin()  # alone, so that nobody captures the buyer
         store = StoreWindow(client)
         store.click(BUY, TURBO)
         wait_for(lambda: relay.said(BUY_ACCEPTED, lambda fields: fields == [b"1", b"1", b"0"]), "the purchase")
         store.click(DONE)
         store.wait_for_end()
         client.window.activate()
-        # Towards the middle of the world: its edge would throw the ball back.
+        # Towards the middle of the world, because its edge would bounce the ball.
         x, y = relay.place
         client.mouse_to(500 if x < 50000 else 262, 508 if y < 50000 else 100)
         client.right_click()
@@ -90,7 +90,7 @@ class Match(DesktopTest):
         def is_fast():
             with relay.lock:
                 last = relay.reports[slow:]
-            # The mouse is a good two thirds of the way to full speed: 4 frames x 300 x .77 x 3 = 2770 a report.
+            # The mouse selects .77 of full speed: 4 frames x 300 x .77 x 3 = 2770 per report.
             return any(abs(b[1] - a[1]) + abs(b[2] - a[2]) > 1800 for a, b in zip(last, last[1:]))
         wait_for(is_fast, "the turbo's speed")
 
@@ -101,14 +101,14 @@ class Match(DesktopTest):
         wait_for(lambda: relay.said(ROUND_OVER), "the end of the round")
         self.assertFalse(relay.is_alive)
         self.keep("end")
-        wait_for(lambda: relay.said(ALIVE_STATE, lambda fields: fields == [relay.node, b"0"]), "the word that nobody lives")
+        wait_for(lambda: relay.said(ALIVE_STATE, lambda fields: fields == [relay.node, b"0"]), "the message that nobody is alive")
         wait_for(lambda: self.pixels(client, SPAWN) != grey, "the button in its colours")
         pilot.press_spawn()
         wait_for(lambda: relay.said(SERVER_TEXT, lambda fields: fields[0].startswith(b"You will be respawned in")),
                  "the answer to an early request")
         wait_for(lambda: relay.said(RESPAWN, lambda fields: fields[0] == relay.node), "the next round's life")
         client.mouse_to(500, 100)
-        # The client puts the brakes on when it hears of the life, and greys the button then.
+        # When the client learns of its new life, it puts the brakes on and greys the button.
         wait_for(lambda: self.pixels(client, SPAWN) == grey, "the grey button")
         with relay.lock:
             reported = len(relay.reports)

@@ -1,5 +1,5 @@
-"""The pace and what it costs. The system tells how long the client was ready and got no processor, because of other work
-on the machine. That time is taken off."""
+"""The pace and its cost. The system reports how long the client was runnable without a processor because of other work
+on the machine. That time is subtracted."""
 
 import time
 import unittest
@@ -16,8 +16,8 @@ def seconds_without_a_processor(client):
 class Pace(DesktopTest):
 
     def fly(self, frame_ms):
-        """400 frames in a small circle, where the ball never meets an edge: the mouse is near the middle. The seconds that
-        they took, those of them without a processor, and the seconds of the processor that they cost."""
+        """Flies 400 frames in a small circle that never meets an edge: the mouse is near the centre. Returns the
+        seconds taken, the part of them without a processor, and the processor seconds used."""
         client, line = self.log_in(self.start_client(frame_ms=frame_ms))
         client.mouse_to(386, 308)
         client.right_click()
@@ -28,7 +28,7 @@ class Pace(DesktopTest):
             line.report()
         return (time.monotonic() - begin, seconds_without_a_processor(client) - waited, client.cpu_seconds() - cpu)
 
-    def test_hundred_frames_a_second_for_a_third_of_a_core(self):
+    def test_hundred_frames_per_second_take_a_third_of_a_core(self):
         seconds, waited, cpu = self.fly("10")
         # 4 s at 10 ms a frame.
         self.assertGreater(seconds, 3.92)
@@ -44,7 +44,7 @@ class Pace(DesktopTest):
         client.wait_for_window("Connect")
         harness.wait_for_rest(client.cpu_seconds, "the start", looks=20)
         cpu = client.cpu_seconds()
-        time.sleep(3)  # what is measured
+        time.sleep(3)  # the measurement
         self.assertLess(client.cpu_seconds() - cpu, 0.1)
 
     def test_paced_client_without_a_connection_costs_next_to_nothing(self):

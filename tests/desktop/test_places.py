@@ -1,5 +1,5 @@
-"""Where dialogs stand beside the main window: corner to corner with the frames that the window manager draws, whatever
-their size, at the start and when they are opened again."""
+"""Where dialogs open relative to the main window: corner to corner including the window manager's frames, whatever
+their size, at the start and when reopened."""
 
 import unittest
 
@@ -20,7 +20,7 @@ def middle(window):
 class Places(DesktopTest):
 
     def wait_for_place(self, main, dialog, place):
-        """The dialog's frame begins so many pixels right of and below the main window's."""
+        """Waits until the dialog's frame is this many pixels to the right of and below the main window's."""
         def offset():
             left, top = main.frame()[:2]
             return tuple(a - b for a, b in zip(dialog.frame()[:2], (left, top)))
@@ -31,9 +31,9 @@ class Places(DesktopTest):
         harness.wait_for(lambda: client.window.frame()[:2] == (left, top), "the move")
 
     def close(self, client, title, x, y):
-        """Clicks the button of a dialog that ends it; its middle in twips."""
+        """Clicks the button that closes a dialog, given its centre in twips."""
         client.wait_for_window(title).click(x // TWIPS, y // TWIPS)
-        harness.wait_for(lambda: title not in client.windows(), f"the end of {title}")
+        harness.wait_for(lambda: title not in client.windows(), f"the closing of {title}")
 
     def close_connect(self, client):
         self.close(client, "Connect", 1260 + 700, 2460 + 180)
@@ -57,14 +57,14 @@ class Places(DesktopTest):
             self.wait_for_place(client.window, client.wait_for_window("Powerups"), STORE_PLACE)
             self.close(client, "Powerups", 9840 + 500, 8250 + 240)
 
-    def test_fonts_dialog_stands_in_the_middle(self):
+    def test_font_dialog_is_centred(self):
         client = self.start_client()
         self.close_connect(client)
         for left, top in ((186, 149), (57, 43)):
             self.move_main(client, left, top)
             client.choose(SETTINGS_MENU, "Down", "Down", "Return")
             dialog = client.wait_for_window("Configure Fonts")
-            # The window manager draws a handle below the main window and none below a dialog.
+            # The window manager draws a handle below the main window but not below a dialog.
             harness.wait_for(lambda: all(abs(a - b) <= 8 for a, b in zip(middle(client.window), middle(dialog))),
                              lambda: f"the dialog round {middle(client.window)}, but it is round {middle(dialog)}")
             self.close(client, "Configure Fonts", 5130 + 700, 5220 + 180)

@@ -1,5 +1,5 @@
-"""Screens of all kinds: none at all, Wayland beside X11, small ones, scaled ones, two of them, and what a window manager
-does with the window: full screen, maximised, minimised."""
+"""All kinds of screens: none, Wayland beside X11, small, scaled, two at once, and the window manager's states: full
+screen, maximised, minimised."""
 
 import os
 import re
@@ -13,8 +13,8 @@ from harness import CLIENT, TITLE, TWIPS, wait_for
 from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT, SPAWN_REQUEST, frame
 
 MENU_GROUND = (28, 31, 48)
-# The middle of the store's button "Done", as its distance from the lower right corner of the store, in twips: the store
-# has 11370 by 9060, the button begins at 9840 and 8250 and has 1080 by 480.
+# The centre of the store's button "Done", as its distance from the lower right corner of the store, in twips: the store
+# is 11370 by 9060, and the button 1080 by 480 at 9840, 8250.
 DONE = (11370 - 9840 - 540, 9060 - 8250 - 240)
 
 
@@ -31,7 +31,7 @@ class WindowSystem(DesktopTest):
                                              "WAYLAND_DISPLAY is set. Start the game from a desktop."]))
 
     def test_a_screen_that_does_not_answer_is_named(self):
-        # Nobody has display 59000.
+        # Display 59000 doesn't exist.
         status, lines = self.answer(DISPLAY=":59000")
         self.assertEqual(status, 1)
         self.assertIn("no window can be shown", lines[0])
@@ -39,8 +39,8 @@ class WindowSystem(DesktopTest):
         self.assertTrue(all(line.startswith("kelvora: ") for line in lines), lines)
 
     def test_x11_comes_before_wayland(self):
-        # A Wayland desktop that also has an X server. The window is found on the X server, or the client would not be
-        # there; of the Wayland desktop there is no more than its name.
+        # A Wayland desktop that also has an X server. The window must be on the X server, because the Wayland desktop
+        # is only a name.
         client = self.start_client(environment={"QT_QPA_PLATFORM": None, "WAYLAND_DISPLAY": "wayland-0",
                                                 "XDG_SESSION_TYPE": "wayland"})
         self.assertEqual(client.window.geometry()[2], 894)
@@ -72,7 +72,7 @@ class Small(Flying):
     def small_client(self):
         client = self.start_client()
         wait_for(lambda: "Connect" in client.windows(), "the dialog")
-        # The window is not of the designed size, so the menu is measured: a column where it has no text.
+        # The window doesn't have the designed size, so the menu is measured: a column without text.
         left, top = client.window.geometry()[:2]
         wait_for(lambda: self.display.picture().pixel(left + 250, top) == MENU_GROUND, "the menu")
         picture = self.display.picture()
@@ -82,7 +82,7 @@ class Small(Flying):
         self.assertIn(client.menu, range(15, 45))
         return client
 
-    def test_windows_begin_on_the_screen(self):
+    def test_windows_open_on_the_screen(self):
         client = self.small_client()
         self.assert_inside(client.window)
         self.assert_inside(client.windows()["Connect"])
@@ -99,9 +99,9 @@ class Small(Flying):
         store = client.wait_for_window("Powerups")
         harness.wait_until_it_holds(lambda: self.assert_inside(store))
         left, top, width, height = store.geometry()
-        # The wheel, downward and to the right: farther than it goes.
+        # Turns the wheel further down and to the right than the area scrolls.
         self.display.xdotool("mousemove", left + width // 2, top + height // 2, *["click", 5] * 10, *["click", 7] * 20)
-        # The button lies DONE twips from the lower right corner of the store, beside which the bars stand.
+        # The button is DONE twips from the lower right corner of the store, next to the scroll bars.
         x, y = left + width - 14 - DONE[0] // TWIPS, top + height - 14 - DONE[1] // TWIPS
         self.display.xdotool("mousemove", x, y, "click", 1)
         wait_for(lambda: "Powerups" not in client.windows(), "the store's end")
@@ -132,8 +132,8 @@ class Scaled(Flying):
                 self.assertAlmostEqual(client.wait_for_window("Connect").geometry()[2], 263 * scale, delta=1)
                 client.close()
 
-    def test_the_desktops_own_setting_is_followed(self):
-        # What desktops set for twice as many pixels.
+    def test_the_desktops_setting_is_respected(self):
+        # The desktop's setting for twice as many pixels.
         self.display.run("xprop", "-root", "-format", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
                          "Xft.dpi:\t192\n")
         self.addCleanup(self.display.run, "xprop", "-root", "-remove", "RESOURCE_MANAGER")
@@ -141,10 +141,10 @@ class Scaled(Flying):
         self.assertEqual(client.window.geometry()[2], 2 * 894)
 
     def title_picture(self, client):
-        """The pixels of the canvas in rows, once nothing stands in front of it."""
+        """The pixels of the canvas in rows, once nothing covers it."""
         dialog = client.wait_for_window("Connect")
         dialog_left, dialog_top, width, height = dialog.geometry()
-        # Its ground, left of the texts and right of the boxes.
+        # The dialog's background, left of the texts and right of the boxes.
         edges = [(x, dialog_top + height * share // 8) for x in (dialog_left + 2, dialog_left + width - 3)
                  for share in (1, 4, 7)]
         picture = self.display.picture()
@@ -179,19 +179,19 @@ class Scaled(Flying):
         self.assert_flies(self.scaled_client(2), (401, 154))
 
     def test_the_mouse_steers_at_scale_one_and_a_half(self):
-        # Of whole pixels of the screen.
+        # Whole pixels of the screen.
         self.assert_flies(self.scaled_client(1.5), (120, 60))
 
-    def test_the_pointer_is_put_where_the_rules_say(self):
+    def test_the_pointer_is_placed_by_the_rules(self):
         for scale in (1, 1.5, 2):
             with self.subTest(scale=scale):
                 client, line = self.log_in(self.scaled_client(scale))
                 left, top = client.window.geometry()[:2]
                 extents = self.display.run("xprop", "-id", client.window.identifier, "_NET_FRAME_EXTENTS")
                 border, _, title, _ = (int(number) for number in re.findall(r"\d+", extents))
-                # The corner of the frame and the mouse on it, both in the window's pixels. The mouse is 15 twips from
-                # the left edge of the canvas, so it is pushed right by 30 pixels, and down or up by what the fixed way
-                # from twips to pixels has against the real one.
+                # The corner of the frame and the mouse on it, both in window pixels. The mouse is 15 twips from the
+                # left edge of the canvas, so it is pushed 30 pixels to the right, and vertically by the difference
+                # between the fixed conversion from twips to pixels and the real one.
                 corner = ((left - border) / scale, (top - title) / scale)
                 mouse = (1, 300)
                 x, y = client.on_screen(*mouse)
@@ -205,7 +205,7 @@ class Scaled(Flying):
                 wait_for(lambda: place()[0] > x + 20 * scale, "the push")
                 line.wait_for_paint()
                 self.display.xdotool("mouseup", 1)
-                # Rounded to the window's pixels, of which each has `scale` of the screen's.
+                # Rounded to window pixels, each of which is `scale` screen pixels.
                 for axis in range(2):
                     self.assertAlmostEqual(place()[axis], expected[axis] * scale, delta=1.5 * scale)
                 client.close()
@@ -217,7 +217,7 @@ class Scaled(Flying):
         line = server.accept()
         self.assertEqual(line.recv_bytes(), frame(LOGIN, "Zoe", "", 4, harness.VERSION))
         line.send(LOGIN_ACCEPTED, 4, 7, 50000, 50000)
-        # The spawn button in its last pixels: 11700 and 5760 twips, 1620 by 765.
+        # The lower right corner of the spawn button: at 11700 and 5760 twips, 1620 by 765.
         left, top = client.on_screen((11700 + 1620) // TWIPS - 2, (5760 + 765) // TWIPS - 2)
         self.display.xdotool("mousemove", left, top, "click", 1)
         while (received := line.recv_frame())[0] == POSITION_REPORT:
@@ -226,7 +226,7 @@ class Scaled(Flying):
 
 
 class Two(DesktopTest):
-    """Two screens beside each other."""
+    """Two screens side by side."""
     screen = "2560x1024"
 
     @classmethod
@@ -236,13 +236,13 @@ class Two(DesktopTest):
         cls.display.run("xrandr", "--setmonitor", "right", "1280/300x1024/240+1280+0", "none")
 
     def dialog_over(self, left):
-        """Where the connect dialog comes up when the main window stands here: left and right edge."""
+        """Where the connect dialog opens with the main window at this position: left and right edge."""
         client = self.start_client()
         dialog = client.wait_for_window("Connect")
         dialog.click((1260 + 700) // TWIPS, (2460 + 180) // TWIPS)
         wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
         self.display.xdotool("windowmove", client.window.identifier, left, 100)
-        # The client hears of the move before it hears of the click.
+        # The client is told about the move before the click.
         wait_for(lambda: abs(client.window.geometry()[0] - left) < 10, "the move")
         # The button on the title picture.
         self.display.xdotool("mousemove", *client.on_screen(200 // TWIPS + 20, 5200 // TWIPS + 20), "click", 1)
@@ -251,19 +251,19 @@ class Two(DesktopTest):
         client.close()
         return edge, edge + width
 
-    def test_the_game_begins_on_one_screen(self):
+    def test_the_game_opens_on_one_screen(self):
         client = self.start_client()
         left, _, width, _ = client.window.geometry()
         self.assertGreaterEqual(left, 0)
         self.assertLessEqual(left + width, 1280)
 
-    def test_dialogs_come_up_on_the_games_screen(self):
+    def test_dialogs_open_on_the_games_screen(self):
         # 6435 twips, 429 pixels, right of the window's frame.
         left, right = self.dialog_over(1500)
         self.assertAlmostEqual(left, 1500 + 429, delta=10)
 
     def test_dialogs_do_not_straddle_two_screens(self):
-        # The game's middle is at 750 + 447 = 1197, on the left screen; the dialog's own place would be from 1179 to
+        # The game's centre is at 750 + 447 = 1197, on the left screen. The dialog's usual position would be 1179 to
         # 1442.
         left, right = self.dialog_over(750)
         self.assertLessEqual(right, 1280)
@@ -280,7 +280,7 @@ class Two(DesktopTest):
             return int(self.display.xdotool("getmouselocation").split()[0].split(":")[1])
         wait_for(lambda: place() > x + 20, "the push")
         self.display.xdotool("mouseup", 1)
-        # 30 pixels, and a hundredth of the way from the left of all screens.
+        # 30 pixels, plus 1/100 of the distance from the left end of both screens.
         self.assertAlmostEqual(place(), x * 916 / 13605 * 15 + 30, delta=3)
 
 
@@ -295,7 +295,7 @@ class States(DesktopTest):
         self.change(client, "add," + state)
         wait_for(lambda: client.window.geometry()[2] == 1280, "the large window")
         self.assertEqual(client.window.geometry()[3], largest(client))
-        # The ball steers by the middle of the larger canvas, and the picture fills it.
+        # The ball steers relative to the centre of the larger canvas, and the picture fills it.
         pixel = (1000, 700)
         client.mouse_to(*pixel)
         client.right_click()
@@ -316,7 +316,7 @@ class States(DesktopTest):
         # The title stays above it.
         self.assert_there_and_back("maximized_vert,maximized_horz", lambda client: 1024 - client.window.geometry()[1])
 
-    def test_the_game_goes_on_while_minimised(self):
+    def test_the_game_continues_while_minimised(self):
         client, line = self.log_in()
         before = client.window.geometry()
         client.mouse_to(600, 200)
@@ -330,7 +330,7 @@ class States(DesktopTest):
         for axis in range(2):
             self.assertAlmostEqual(second[axis], expected[axis], delta=0.1)
         self.display.xdotool("windowactivate", client.window.identifier)
-        # The window manager lets it grow from its icon.
+        # The window manager restores it from its icon.
         wait_for(lambda: TITLE in client.windows() and client.window.geometry() == before, "the window as it was")
         client.wait_for_status((128, 255, 128))
 

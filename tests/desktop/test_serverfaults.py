@@ -1,4 +1,4 @@
-"""What fails outside the server: signals, ports, files, descriptors, time."""
+"""Failures outside the server: signals, ports, files, descriptors, time."""
 
 import os
 import resource
@@ -42,8 +42,8 @@ class ServerFaults(unittest.TestCase):
         line.send(LOGIN, name, "", colour, harness.VERSION)
         return line
 
-    def test_signals_end_it_with_a_word_to_the_players(self):
-        # A run that ignores the hang-up, as under nohup, would hand that on.
+    def test_signals_end_it_with_a_message_to_the_players(self):
+        # A test run that ignores SIGHUP, as under nohup, would pass that on.
         self.addCleanup(signal.signal, signal.SIGHUP, signal.signal(signal.SIGHUP, signal.SIG_DFL))
         for sent in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
             with self.subTest(signal=sent.name):
@@ -58,7 +58,7 @@ class ServerFaults(unittest.TestCase):
                 line.close()
                 self.assertEqual(process.wait(harness.PATIENCE), 0)
 
-    def test_a_hang_up_that_is_ignored_stays_so(self):
+    def test_an_ignored_hang_up_stays_ignored(self):
         process = self.start(preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
         process.send_signal(signal.SIGHUP)
         self.assertEqual(self.log_in(process).recv_frame()[0], LOGIN_ACCEPTED)
@@ -71,7 +71,7 @@ class ServerFaults(unittest.TestCase):
         self.assertEqual(done.returncode, 1)
         self.assertEqual(done.stderr, f"kelvora-server: cannot listen on 127.0.0.1:{port}: Address already in use\n")
 
-    def test_a_configuration_that_cannot_be_read(self):
+    def test_an_unreadable_configuration(self):
         for path, reason in (("/no/such/file", "No such file or directory"), ("/", "Is a directory")):
             done = subprocess.run([harness.SERVER, "--config", path], capture_output=True, stdin=subprocess.DEVNULL,
                                   text=True, timeout=harness.PATIENCE)
@@ -115,11 +115,11 @@ class ServerFaults(unittest.TestCase):
         process = self.start(preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (20, hard)))
         self.assertEqual(resource.prlimit(process.pid, resource.RLIMIT_NOFILE)[0], 256)
 
-    def test_it_says_that_it_may_open_too_few_files(self):
+    def test_it_warns_about_a_low_limit_of_descriptors(self):
         process = self.start(preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (40, 40)))
         self.assertIn("only 40 files may be open", process.stderr.readline())
 
-    def test_a_stop_costs_nobody_the_game(self):
+    def test_a_pause_of_the_process_disconnects_nobody(self):
         process = self.start("--bots", "2")
         line = self.log_in(process)
         place = line.recv_frame()[1][2:4]
@@ -131,7 +131,7 @@ class ServerFaults(unittest.TestCase):
         frames = []
         while not frames or frames[-1][0] != CHAT:
             frames.append(line.recv_frame())
-        self.assertLess(len(frames), 200, "what was missed is not made up for")
+        self.assertLess(len(frames), 200, "missed time is not made up for")
 
 
 if __name__ == "__main__":

@@ -1,4 +1,4 @@
-"""From the connect dialog to the game and back: what goes over the wire and what the player sees of it."""
+"""From the connect dialog to the game and back: what is sent and what the player sees."""
 
 import datetime
 import unittest
@@ -31,7 +31,7 @@ class Session(DesktopTest):
         self.start_client().connect(server.port, name="Bob", password="open up", circle=5)
         self.assertEqual(server.accept().recv_bytes(), frame(LOGIN, "Bob", "open up", 5, harness.VERSION))
 
-    def test_label_turns_green_with_the_connection_and_red_without(self):
+    def test_label_turns_green_when_connected_and_red_when_not(self):
         client = self.start_client()
         client.wait_for_status(RED)
         server = self.scripted_server()
@@ -51,7 +51,7 @@ class Session(DesktopTest):
         # A float holds the second of a day to 1/128; midnight may pass.
         self.assertLess((float(fields[0]) - before + 0.01) % DAY, (time_of_day() - before) % DAY + 0.02)
         self.assertEqual(line.recv_frame(), (POSITION_REPORT, [b"1234.5", b"67890"]))
-        # The brakes are on and nothing moves: no other report comes.
+        # The brakes are on and nothing moves, so there is no other report.
         self.assertEqual(line.frames_during(0.5), [])
 
     def test_ping_before_the_login_is_not_answered(self):
@@ -63,7 +63,7 @@ class Session(DesktopTest):
         self.assertEqual(line.frames_during(0.5), [])
 
     def send_and_await(self, line, part):
-        """Sends part of a frame and waits until the client has taken it in: it answers a ping just ahead of it."""
+        """Sends part of a frame and waits until the client has read it: it answers a ping sent right before it."""
         line.send_bytes(frame(PING, 1) + part)
         self.assertEqual([line.recv_frame()[0], line.recv_frame()[0]], [PING_REPLY, POSITION_REPORT])
 
@@ -81,7 +81,7 @@ class Session(DesktopTest):
         line.send(PING, 12)
         self.assert_answers(line, 1)
 
-    def test_frame_that_is_split_behind_its_start_is_whole(self):
+    def test_frame_split_after_its_start_is_whole(self):
         client, line = self.log_in()
         self.send_and_await(line, bytes([128]))
         line.send_bytes(bytes([PING]) + b"12" + bytes([129]))
@@ -102,14 +102,14 @@ class Session(DesktopTest):
         client = self.refused_client()
         self.assertNotIn("Connect", client.windows())
 
-    def test_disconnect_in_the_menu_ends_the_error(self):
+    def test_disconnect_in_the_menu_clears_the_error(self):
         client = self.refused_client()
         client.window.activate()
         client.choose(20, "Down", "Return")
         client.wait_for_window("Connect")
         client.wait_for_status(RED)
 
-    def test_server_that_goes_away_brings_the_dialog_back(self):
+    def test_dialog_reopens_when_the_server_goes_away(self):
         client, line = self.log_in()
         self.assertNotIn("Connect", client.windows())
         line.close()
@@ -131,7 +131,7 @@ class Session(DesktopTest):
         self.assertIsNone(line.recv_frame())
         client.wait_for_window("Connect")
 
-    def test_player_can_come_back_after_the_server_went_away(self):
+    def test_player_can_reconnect_after_the_server_went_away(self):
         client, line = self.log_in(name="Ann")
         line.close()
         client.wait_for_window("Connect")
@@ -176,7 +176,7 @@ class RealServer(DesktopTest):
             if joined[2] == b"Ann":
                 break
         client.wait_for_status(GREEN)
-        # The ball flies off once the brakes are released, and the other player hears of it.
+        # The ball flies off once the brakes are released, and the other player gets its reports.
         client.mouse_to(600, 200)
         client.right_click()
         seen = set()
@@ -185,7 +185,7 @@ class RealServer(DesktopTest):
             if node == joined[0]:
                 seen.add((x, y))
 
-    def test_dialog_comes_back_when_the_real_server_ends(self):
+    def test_dialog_reopens_when_the_real_server_ends(self):
         server = self.start_server()
         client = self.start_client()
         client.connect(server.port)

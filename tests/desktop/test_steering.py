@@ -1,5 +1,5 @@
-"""The mouse steers the ball: velocities, brakes and the edges of the world, read from the reports that the client sends
-and compared with what the rules give."""
+"""The mouse steers the ball: velocities, brakes and the world's edges, read from the client's reports and compared with
+the rules."""
 
 import unittest
 
@@ -10,15 +10,15 @@ import rules
 class Flight(DesktopTest):
 
     def fly(self, pixel, start=(50000, 50000), count=6, size=None):
-        """Reports of a client that steers by this pixel of the canvas. Each is compared with the one that the rules
-        give four frames after the report before it."""
+        """Returns reports of a client that steers by this pixel of the canvas. Compares each with the one that the
+        rules give four frames after the report before it."""
         client = self.start_client()
         if size:
             client.resize(*size)
         client, line = self.log_in(client, x=start[0], y=start[1])
         client.mouse_to(*pixel)
         client.right_click()
-        # The steering is one frame old, so that where the first report stands hangs on when mouse and button came.
+        # The steering is one frame old, so the first report depends on when mouse and button events arrived.
         reported = [line.report() for _ in range(count + 1)]
         self.assertLess(abs(reported[0][0] - start[0]), 1300)
         self.assertLess(abs(reported[0][1] - start[1]), 1300)
@@ -26,17 +26,17 @@ class Flight(DesktopTest):
         for before, after in zip(reported, reported[1:]):
             [expected] = rules.reports(before, v, 1)
             for axis in range(2):
-                # Reports have seven digits, hundredths here, and each frame rounds.
+                # Reports have seven digits, here down to hundredths, and each frame rounds.
                 self.assertAlmostEqual(after[axis], expected[axis], delta=0.1, msg=f"after {before}: {reported}")
         return reported
 
 
 class Steering(Flight):
 
-    def test_rules_give_the_values_that_were_worked_out_by_hand(self):
+    def test_rules_give_the_values_computed_by_hand(self):
         canvas = (763, 608)
-        # 20 pixels right of the middle and 150 up: fx = 293, fy = 2250, 2269 away of 4560, so s = 149.27; the angle is
-        # atan(0.13022) * 55.704 = 7.21, so 7 degrees steer: t = 0.12278, h = 0.5 * t * s = 9.16.
+        # 20 pixels right of the centre and 150 up: fx = 293, fy = 2250, a distance of 2269 out of 4560, so s = 149.27;
+        # the angle is atan(0.13022) * 55.704 = 7.21, so 7 degrees steer: t = 0.12278, h = 0.5 * t * s = 9.16.
         x, y = rules.velocity(canvas, (401, 154))
         self.assertAlmostEqual(x, 9.16, delta=0.01)
         self.assertAlmostEqual(y, -140.11, delta=0.01)
@@ -63,25 +63,25 @@ class Steering(Flight):
         # Full speed, nearly all of it along x: h = (tan 42 + 1) * 150 = 285.06.
         self.assertAlmostEqual(second[0] - first[0], 4 * 285.06, delta=0.1)
 
-    def test_mouse_straight_left_drives_to_the_right(self):
+    def test_mouse_straight_left_flies_to_the_right(self):
         first, second = self.fly((60, 304))[:2]
         self.assertAlmostEqual(second[0] - first[0], 4 * 285.06, delta=0.1)
 
-    # A canvas of an even width has a column of pixels exactly above and below its middle.
+    # A canvas of even width has a column of pixels exactly above and below its centre.
     def test_mouse_straight_above(self):
         first, second = self.fly((382, 50), size=(895, 670))[:2]
         self.assertEqual(second[0], first[0])
-        # 254 pixels of 304: s = 250.66, all of it upward.
+        # 254 of 304 pixels: s = 250.66, all of it upward.
         self.assertAlmostEqual(second[1] - first[1], 4 * -250.66, delta=0.1)
 
-    def test_mouse_straight_below_drives_upward(self):
+    def test_mouse_straight_below_flies_upward(self):
         first, second = self.fly((382, 558), size=(895, 670))[:2]
         self.assertEqual(second[0], first[0])
         self.assertAlmostEqual(second[1] - first[1], 4 * -250.66, delta=0.1)
 
     def test_mouse_near_the_middle_is_slow(self):
         first, second = self.fly((390, 310), count=4)[:2]
-        # 128 and 90 twips from the middle, 156.5 of 4560: s = 10.29, shared by the axes.
+        # 128 and 90 twips from the centre, 156.5 of 4560: s = 10.29, shared by the axes.
         self.assertAlmostEqual(abs(second[0] - first[0]) + abs(second[1] - first[1]), 4 * 10.29, delta=0.1)
 
     def test_brakes_stop_the_ball_in_steps_of_three(self):
@@ -93,11 +93,11 @@ class Steering(Flight):
         client.right_click()
         last = line.wait_for_rest()
         # From 9.164 and -140.112: along x 6.164 + 3.164 + 0.164 = 9.49, along y the 46 steps from 137.112 down to
-        # 2.112, 46 * (137.112 + 2.112) / 2 = 3202.15. Before them came a whole number of free frames.
+        # 2.112, 46 * (137.112 + 2.112) / 2 = 3202.15. They follow a whole number of frames without brakes.
         free = (first[1] - last[1] - 3202.15) / 140.112
         self.assertAlmostEqual(free, round(free), delta=0.01)
         self.assertAlmostEqual(last[0] - first[0], round(free) * 9.164 + 9.49, delta=0.2)
-        # It stands still: no more reports.
+        # The ball stands still, so there are no more reports.
         self.assertEqual(line.frames_during(0.5), [])
 
     def test_released_brakes_give_full_control_at_once(self):
@@ -111,7 +111,7 @@ class Steering(Flight):
         start = line.wait_for_paint()
         client.right_click()
         v = rules.velocity(client.canvas_size(), (120, 60))
-        # The counter of reports went on where it was: the first report comes after one to four frames, the next after
+        # The report counter continued where it was: the first report comes after one to four frames, the next after
         # four more.
         first, second = line.report(), line.report()
         frames = (first[0] - start[0]) / v[0]
@@ -125,23 +125,24 @@ class Edges(Flight):
 
     def bounce(self, start, pixel, axis, inset):
         reported = self.fly(pixel, start=start, count=8)
-        # The wall was met, or the ball would have left the world; it was thrown to the inset and met the wall again.
+        # The ball reached the edge, or would have left the world. It was placed at the inset and reached the edge
+        # again.
         drift = rules.velocity((763, 608), pixel)[axis] * 32
         self.assertFalse(0 <= start[axis] + drift <= 100000)
         steps = [after[axis] - before[axis] for before, after in zip(reported, reported[1:])]
         self.assertTrue(any(change * drift < 0 for change in steps), reported)
         self.assertTrue(all(abs(position[axis] - inset) <= 1000 for position in reported), reported)
 
-    def test_left_edge_throws_back_to_1000(self):
+    def test_left_edge_bounces_to_1000(self):
         self.bounce((700, 50000), (230, 290), 0, 1000)
 
-    def test_right_edge_throws_back_to_99000(self):
+    def test_right_edge_bounces_to_99000(self):
         self.bounce((99300, 50000), (530, 290), 0, 99000)
 
-    def test_upper_edge_throws_back_to_1000(self):
+    def test_upper_edge_bounces_to_1000(self):
         self.bounce((50000, 700), (400, 160), 1, 1000)
 
-    def test_lower_edge_throws_back_to_99000(self):
+    def test_lower_edge_bounces_to_99000(self):
         self.bounce((50000, 99300), (400, 450), 1, 99000)
 
 

@@ -1,4 +1,5 @@
-"""The store in its real window: buying, selling, refusals, its place and its end; and the keys that fire what it sells."""
+"""The store in its real window: buying, selling, refusals, its position and closing; and the keys that fire what it
+sells."""
 
 import unittest
 
@@ -15,20 +16,20 @@ from storeWindow import (BUY, CAPACITY_LABEL, DONE, FUNDS_LABEL, PICTURE, SELL, 
 class Store(DesktopTest):
 
     def open(self, funds=10):
-        """The store over a game that has begun, and the line to its server."""
+        """Opens the store over a running game. Returns it and the connection to its server."""
         client, line = self.log_in()
         line.send(FUNDS, 7, funds)
         line.ask()
         return StoreWindow(client), line
 
     def wait_for_home(self, store):
-        """The store's place, 120 twips right of and below the main window."""
+        """Waits for the store's position, 120 twips to the right of and below the main window."""
         def is_home():
             (left, top), (main_left, main_top) = (one.geometry()[:2] for one in (store.window, store.client.window))
             return (left, top) == (main_left + 120 // TWIPS, main_top + 120 // TWIPS) and (left, top)
         return harness.wait_for(is_home, lambda: f"the store's place, but {store.window.geometry()}")
 
-    def test_window_has_its_size_and_stands_on_the_main_one(self):
+    def test_window_has_its_size_and_opens_over_the_main_one(self):
         store, line = self.open()
         self.assertEqual(store.window.geometry()[2:], (758, 604))
         self.wait_for_home(store)
@@ -71,7 +72,7 @@ class Store(DesktopTest):
         store.wait_for_change(STOCK, one, 2)
         store.wait_for_prices([TOO_DEAR, WHITE] + 4 * [TOO_DEAR])
 
-    def test_refusals_of_the_server_stand_at_the_bottom(self):
+    def test_refusals_appear_at_the_bottom(self):
         store, line = self.open()
         self.assertNotIn(YELLOW, store.pixels(STATUS))
         line.send(BUY_DENIED, "You cannot afford that.")
@@ -80,7 +81,7 @@ class Store(DesktopTest):
         line.send(SELL_DENIED, "You have nothing to sell.")
         store.wait_for_change(STATUS, first)
 
-    def test_full_store_room_is_refused_without_the_server(self):
+    def test_purchase_beyond_the_capacity_is_refused_without_the_server(self):
         store, line = self.open()
         line.send(BUY_ACCEPTED, 0, 10, 500)
         store.wait_for_status()
@@ -108,7 +109,7 @@ class Store(DesktopTest):
         line.send(RESPAWN, 7)
         store.wait_for_end()
 
-    def test_game_goes_on_behind_it(self):
+    def test_game_continues_behind_it(self):
         client, line = self.log_in()
         client.mouse_to(600, 200)
         client.right_click()
@@ -124,7 +125,7 @@ class Store(DesktopTest):
         self.display.xdotool("windowmove", store.window.identifier, home[0] + 200, home[1] + 150)
         harness.wait_for(lambda: store.window.geometry()[0] > home[0] + 150, "the move")
         store.client.window.activate()
-        # A key that the main window answers tells that the client has heard of the move and of the focus.
+        # A key handled by the main window shows that the client has been told about the move and the focus.
         self.display.xdotool("key", "F1")
         self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [b"0"]))
         self.assertGreater(store.window.geometry()[0], home[0] + 150)
@@ -141,7 +142,7 @@ class RealServer(DesktopTest):
         client.wait_for_status((128, 255, 128))
         client.mouse_to(300, 300)
         store = StoreWindow(client)
-        # Ten credits pay for the turbo alone.
+        # Ten credits only pay for the turbo.
         store.wait_for_prices([TOO_DEAR, WHITE] + 4 * [TOO_DEAR])
         none = store.pixels(STOCK, 1)
         store.click(BUY, 1)
@@ -162,7 +163,7 @@ class Keys(DesktopTest):
         for item in range(5):
             self.display.xdotool("key", f"F{item + 1}")
             self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [str(item).encode()]))
-        # The pulse goes off behind a shield only.
+        # The pulse only fires behind a shield.
         self.display.xdotool("key", "F6")
         self.assertEqual(line.frames_during(0.5), [])
         line.send(POWERUP_ON, 7, 0)
@@ -178,7 +179,7 @@ class Keys(DesktopTest):
 
     def test_powerups_fire_from_the_chat_box(self):
         client, line = self.log_in()
-        # txtChat stands 1440 twips from the left, 105 below the canvas.
+        # txtChat is 1440 twips from the left and 105 below the canvas.
         x, y = client.on_screen(1440 // TWIPS + 100, client.canvas_size()[1] + 105 // TWIPS + 12)
         self.display.xdotool("mousemove", x, y, "click", 1)
         self.fire_all(client, line)

@@ -1,5 +1,5 @@
-"""What the client asks the web host, the list of servers and the newest version, and what it makes of a host that is
-down, slow, broken or endless."""
+"""What the client requests from the web host, the list of servers and the newest version, and how it copes with a host
+that is down, slow, broken or endless."""
 
 import random
 import socket
@@ -14,7 +14,7 @@ from protocol import LOGIN, LOGIN_ACCEPTED, PLAYER_JOINED
 FINDER = "Game Finder"
 BOX = "Kelvora"
 UPDATE_FILE = b"HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\ntvqver:%s\r\n"
-# Places in the finder's client area, in pixels.
+# Positions in the finder's client area, in pixels.
 REFRESH = ((5340 + 700) // TWIPS, (120 + 127) // TWIPS)
 BOXES = {name: (6840 // TWIPS + 8, (top + 127) // TWIPS) for name, top in
          (("password", 120), ("empty", 420), ("full", 720))}
@@ -27,7 +27,7 @@ def record(port, address="127.0.0.1", flag="0", notes="friendly game", players="
 
 
 class Request:
-    """One connection of the client, with the head of its request read."""
+    """One connection from the client, with the head of its request."""
 
     def __init__(self, connection):
         self.connection = connection
@@ -46,11 +46,11 @@ class Request:
         self.connection.close()
 
     def await_all_read(self):
-        """Until the client has read all that was sent."""
+        """Waits until the client has read everything sent."""
         harness.wait_for(lambda: harness.is_read(self.connection), "the reading", pause=0.001)
 
     def end(self):
-        """Nothing more is sent; waits until the client has closed the connection too."""
+        """Ends the answer and waits until the client has closed the connection, too."""
         self.connection.shutdown(socket.SHUT_WR)
         assert self.is_closed()
 
@@ -61,7 +61,7 @@ class Request:
             return True
 
     def send_for_ever(self, portion):
-        """Until the client has closed the connection: the bytes it has cost."""
+        """Sends until the client closes the connection. Returns the number of bytes."""
         sent = 0
         try:
             while True:
@@ -81,7 +81,7 @@ class WebHost:
         self.requests = []
 
     def hold(self):
-        """From here on the system keeps who connects waiting, as its queue is full of one connection of our own."""
+        """From here on, connections have to wait, because our own connection fills the queue."""
         self.listener.listen(0)
         self.plug = socket.create_connection(("127.0.0.1", self.port))
 
@@ -91,7 +91,7 @@ class WebHost:
             end.close()
 
     def request_for(self, path, seconds=harness.PATIENCE):
-        """The next request for the path; other ones are left without an answer."""
+        """The next request for the path. Others are left unanswered."""
         self.listener.settimeout(seconds)
         while True:
             request = Request(self.listener.accept()[0])
@@ -118,7 +118,7 @@ class WebTest(DesktopTest):
     def open_finder(self, client):
         dialog = client.wait_for_window("Connect")
         dialog.activate()
-        # A name to log in with, then Esc, which the finder answers.
+        # Enters a name to log in with, then presses Esc, which opens the finder.
         dialog.click(1740 // TWIPS + 20, 180 // TWIPS + 9)
         self.display.xdotool("key", "ctrl+a", "type", "Ann")
         self.display.xdotool("key", "Escape")
@@ -129,13 +129,13 @@ class WebTest(DesktopTest):
         return client, self.open_finder(client)
 
     def double_click(self, finder, row):
-        """On a row of the list, counted from 0 below the heading."""
+        """Double-clicks a row of the list, counted from 0 below the heading."""
         left, top = finder.geometry()[:2]
         x, y = GRID[0] + 40, GRID[1] + ROW_HEIGHT * (row + 1) + ROW_HEIGHT // 2
         self.display.xdotool("mousemove", left + x, top + y, "click", "--repeat", 2, "--delay", 60, 1)
 
     def has_row(self, finder, row):
-        """Text stands in the row, on whatever background."""
+        """True if the row has text, on any background."""
         left, top = finder.geometry()[:2]
         picture = self.display.picture()
         y = top + GRID[1] + ROW_HEIGHT * (row + 1)
@@ -154,7 +154,7 @@ class WebTest(DesktopTest):
         self.display.xdotool("mousemove", left + x, top + y, "click", 1)
 
     def assert_alive(self, client, finder, host):
-        """The finder still works: a new fetch, and a double-click that connects."""
+        """Asserts that the finder still works: a new fetch, and a double-click that connects."""
         server = self.scripted_server()
         finder.click(*REFRESH)
         self.list_request(host).send(record(server.port) + b"-END-")
@@ -169,7 +169,7 @@ class WebTest(DesktopTest):
         return [picture.pixel(left + x + dx, top + y + dy) for dx in range(-8, 8) for dy in range(-8, 8)]
 
     def change_box(self, finder, name):
-        """Returns once the box shows its new value with the mouse beside it."""
+        """Changes a box. Returns once it shows its new value with the mouse elsewhere."""
         self.display.xdotool("mousemove", *finder.geometry()[:2])
         before = harness.wait_for_rest(lambda: self.box_pixels(finder, name), "the box", looks=2)
         self.click_box(finder, name)
@@ -178,7 +178,7 @@ class WebTest(DesktopTest):
         harness.wait_for_rest(lambda: self.box_pixels(finder, name), "the box", looks=2)
 
     def assert_no_box(self, client):
-        """The connect dialog can be closed, which it cannot while a box stands before it."""
+        """Asserts that no message box is open: the connect dialog can be closed."""
         dialog = client.wait_for_window("Connect")
         dialog.click((1260 + 700) // TWIPS, (2460 + 180) // TWIPS)
         harness.wait_for(lambda: set(client.windows()) == {harness.TITLE}, "the dialog's end")
@@ -215,25 +215,25 @@ class Finder(WebTest):
         self.double_click(finder, 0)
         client.wait_for_status((128, 255, 128))
 
-    def test_every_box_asks_anew_with_its_new_value(self):
+    def test_every_box_fetches_again_with_its_new_value(self):
         host = self.web_host()
         client, finder = self.start_finder(host)
         self.list_request(host)
         flags = {"password": 0, "full": 0, "empty": 1}
         for name in ("password", "empty", "full", "password"):
             flags[name] = 1 - flags[name]
-            # The host answers when it pleases: here after the button has been let go.
+            # The host may answer at any time: here after the button has been released.
             host.hold()
             self.change_box(finder, name)
             host.let_in()
             query = "password={password}&full={full}&empty={empty} HTTP/1.1".format(**flags).encode()
             self.assertIn(query, self.list_request(host).head)
 
-    def test_host_that_is_down_can_be_asked_again(self):
+    def test_unreachable_host_can_be_retried(self):
         port = harness.free_port()
         client = self.start_client(web_host=f"127.0.0.1:{port}")
         finder = self.open_finder(client)
-        self.change_box(finder, "full")  # so the first request and that of the box have failed
+        self.change_box(finder, "full")  # so both the first request and the box's have failed
         self.assert_alive(client, finder, self.web_host(port))
 
     def test_slow_host_is_waited_for(self):
@@ -248,7 +248,7 @@ class Finder(WebTest):
         self.double_click(finder, 0)
         self.assertEqual(server.accept().recv_frame()[0], LOGIN)
 
-    def test_host_that_closes_early_can_be_asked_again(self):
+    def test_host_that_closes_early_can_be_retried(self):
         host = self.web_host()
         client, finder = self.start_finder(host)
         request = self.list_request(host)
@@ -264,17 +264,17 @@ class Finder(WebTest):
         request.await_all_read()
         self.assert_alive(client, finder, host)
 
-    def test_host_that_never_ends_is_left(self):
+    def test_endless_answer_is_cut_off(self):
         host = self.web_host()
         client, finder = self.start_finder(host)
         before = client.memory()
         sent = self.list_request(host).send_for_ever(b"[" * 65536)
-        # A mebibyte, and what lies in the buffers of the two sides' systems.
+        # A mebibyte, plus what the systems' buffers hold on both sides.
         self.assertLess(sent, 24 * 1024 * 1024)
         self.assertLess(client.memory() - before, 32 * 1024 * 1024)
         self.assert_alive(client, finder, host)
 
-    def test_bad_records_end_the_program_with_its_box(self):
+    def test_bad_records_end_the_program_with_a_box(self):
         for bad in (record(2010, flag=""), record(2010, flag="yes"), record(70000), b"[" * 32768):
             with self.subTest(bad=bad[:60]):
                 host = self.web_host()
@@ -285,7 +285,7 @@ class Finder(WebTest):
                 self.assertIn("Run-time error", client.output())
                 client.close()
 
-    def test_double_click_on_an_empty_list_is_refused_and_ends_the_finder(self):
+    def test_double_click_on_an_empty_list_is_refused_and_closes_the_finder(self):
         host = self.web_host()
         client, finder = self.start_finder(host)
         request = self.list_request(host)
@@ -297,7 +297,7 @@ class Finder(WebTest):
         self.answer_box(box)
         harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the finder's end")
 
-    def test_closing_the_finder_gives_the_fetch_up(self):
+    def test_closing_the_finder_aborts_the_fetch(self):
         host = self.web_host()
         client, finder = self.start_finder(host)
         request = self.list_request(host)
@@ -314,7 +314,7 @@ class Updates(WebTest):
         client = self.start_client(web_host=host.name)
         return host, client, host.request_for(b"ver.txt")
 
-    def test_another_version_is_told(self):
+    def test_another_version_is_announced(self):
         host, client, request = self.start_check()
         self.assertEqual(request.head, f"GET http://{host.name}/games/kelvora/ver.txt HTTP/1.0\r\n\r\n".encode())
         request.send(UPDATE_FILE % b"7.3.0")
@@ -324,7 +324,7 @@ class Updates(WebTest):
         self.answer_box(client.wait_for_window(BOX))
         harness.wait_for(lambda: set(client.windows()) == {harness.TITLE}, "the box's end")
 
-    def test_same_version_is_not_told(self):
+    def test_same_version_is_not_announced(self):
         host, client, request = self.start_check()
         request.send(UPDATE_FILE % harness.VERSION.encode())
         request.end()
@@ -338,7 +338,7 @@ class Updates(WebTest):
         request.close()
         client.wait_for_window(BOX)
 
-    def test_host_without_a_version_is_passed_over(self):
+    def test_answer_without_a_version_is_ignored(self):
         for answer in (b"", b"HTTP/1.0 404 Not Found\r\n\r\n", random.Random(2).randbytes(300_000)):
             with self.subTest(answer=answer[:20]):
                 host, client, request = self.start_check()
@@ -347,23 +347,24 @@ class Updates(WebTest):
                 self.assert_no_box(client)
                 client.close()
 
-    def test_host_that_never_ends_is_left(self):
+    def test_endless_answer_is_cut_off(self):
         host, client, request = self.start_check()
         before = client.memory()
         self.assertLess(request.send_for_ever(b"tvqver:7.3.0\r\n" * 5000), 24 * 1024 * 1024)
         self.assertLess(client.memory() - before, 32 * 1024 * 1024)
         self.assert_no_box(client)
 
-    def test_game_goes_on_while_the_host_is_silent(self):
+    def test_game_continues_while_the_host_is_silent(self):
         host, client, request = self.start_check()
         self.log_in(client)
 
 
 class OwnWebHost(WebTest):
-    """The web host that the real server brings."""
+    """The real server's own web host."""
 
     def change_box_and_refresh(self, finder, name):
-        """A host as near as this one answers between press and release, and hears the old value; then the new one."""
+        """Changes a box and refreshes: a local host answers between press and release and gets the old value, then the
+        new one."""
         self.change_box(finder, name)
         finder.click(*REFRESH)
 
@@ -378,7 +379,7 @@ class OwnWebHost(WebTest):
         finder = self.open_finder(client)
         self.wait_for_row(finder, 0)
         self.assertFalse(self.has_row(finder, 1))
-        self.assertNotIn(BOX, client.windows())  # the versions agree
+        self.assertNotIn(BOX, client.windows())  # the same version
         self.double_click(finder, 0)
         client.wait_for_status((128, 255, 128))
         harness.wait_for(lambda: set(client.windows()) == {harness.TITLE}, "the end of both dialogs")
@@ -399,7 +400,7 @@ class OwnWebHost(WebTest):
             identifier, fields = player.recv_frame()
             self.assertEqual((identifier, fields[2]), (PLAYER_JOINED, b"Ann"))
 
-    def test_empty_server_is_left_out_until_somebody_plays(self):
+    def test_empty_server_is_hidden_until_somebody_plays(self):
         server = self.start_server("--web-port", "0")
         client = self.start_client(web_host=server.web_host)
         finder = self.open_finder(client)
@@ -413,22 +414,22 @@ class OwnWebHost(WebTest):
             finder.click(*REFRESH)
             self.wait_for_row(finder, 0)
 
-    def test_server_with_a_password_is_left_out_until_asked_for_and_gets_no_prompt(self):
+    def test_server_with_a_password_is_hidden_by_default_and_gets_no_prompt(self):
         server = self.start_server("--web-port", "0", "--password", "open up")
         client = self.start_client(web_host=server.web_host)
         finder = self.open_finder(client)
         finder.activate()
-        self.wait_for_row(finder, -1)  # the heading, the one row of a list without servers
+        self.wait_for_row(finder, -1)  # the heading, the only row of an empty list
         self.assertFalse(self.has_row(finder, 0))
         self.change_box_and_refresh(finder, "password")
         self.wait_for_row(finder, 0)
         self.double_click(finder, 0)
-        # The empty password of the connect dialog is refused.
+        # The connect dialog's empty password is refused.
         self.answer_box(client.wait_for_window(BOX))
         client.wait_for_status((255, 128, 128))
 
     def update_answer(self, host, server):
-        """Hands the client's request on to the server: the request, and the server's whole answer."""
+        """Forwards the client's request to the server. Returns the request and the server's whole answer."""
         request = host.request_for(b"ver.txt")
         name, port = server.web_host.split(":")
         with socket.create_connection((name, int(port)), harness.PATIENCE) as upstream:
@@ -447,7 +448,7 @@ class OwnWebHost(WebTest):
         request.end()
         self.assert_no_box(client)
 
-    def test_another_version_in_its_answer_is_told(self):
+    def test_another_version_in_its_answer_is_announced(self):
         host, server = self.web_host(), self.start_server("--web-port", "0")
         client = self.start_client(web_host=host.name)
         request, answer = self.update_answer(host, server)

@@ -1,5 +1,5 @@
-"""What stands on the screen: the ball in the middle, the world's border, the window's layout at other sizes, and what
-the next start remembers."""
+"""The screen's contents: the ball in the middle, the world's border, the window's layout at other sizes, and what the
+next start remembers."""
 
 import re
 import shutil
@@ -11,14 +11,14 @@ from desktopTest import DesktopTest
 from protocol import LOGIN, PING, PING_REPLY, POSITION_REPORT, frame
 
 BLACK = (0, 0, 0)
-# What the border pulses through, pale to pure red.
+# The border's colours while it pulses, pale to pure red.
 BORDER = {(255, v, v) for v in (0, 50, 100, 150)}
 
 
 class Canvas(DesktopTest):
 
     def middle(self, client):
-        """The mean colour of the middle of the canvas."""
+        """The mean colour in the middle of the canvas."""
         width, height = client.canvas_size()
         x, y = client.on_screen(width // 2, height // 2)
         picture = self.display.picture()
@@ -26,13 +26,13 @@ class Canvas(DesktopTest):
         return [sum(pixel[channel] for pixel in block) / len(block) for channel in range(3)]
 
     def assert_ball(self, client, colour):
-        """The ball of a primary colour stands in the middle: 0 red, 1 green, 2 blue of the pixel."""
+        """Asserts that the ball of a primary colour is in the middle: 0 red, 1 green, 2 blue of the pixel."""
         mean = self.middle(client)
         others = [mean[channel] for channel in range(3) if channel != colour]
         self.assertGreater(mean[colour], 60, mean)
         self.assertGreater(mean[colour], 1.2 * max(others), mean)
 
-    def test_ball_in_its_colour_stands_in_the_middle(self):
+    def test_ball_in_its_colour_is_in_the_middle(self):
         for number, channel in ((0, 0), (2, 1), (4, 2)):
             with self.subTest(colour=number):
                 client, line = self.log_in(colour=number)
@@ -48,7 +48,7 @@ class Canvas(DesktopTest):
             line.report()
         self.assert_ball(client, 1)
 
-    def test_ball_stands_in_the_middle_of_a_resized_window(self):
+    def test_ball_is_in_the_middle_of_a_resized_window(self):
         client = self.start_client()
         client.resize(1100, 800)
         client, line = self.log_in(client, colour=2)
@@ -64,11 +64,11 @@ class Canvas(DesktopTest):
 
     def assert_border(self, client):
         picture = self.display.picture()
-        # Where neither the texts nor the row of icons lie.
+        # Away from the texts and the row of icons.
         rows = [*range(100, 250, 10), *range(320, 450, 10)]
         for row in rows:
             self.assertIn(picture.pixel(*client.on_screen(515, row)), BORDER, row)
-        # Beyond it there is nothing.
+        # Beyond it everything is black.
         outside = [picture.pixel(*client.on_screen(x, row)) for row in rows for x in (530, 560, 600)]
         self.assertEqual(set(outside), {BLACK})
 
@@ -91,7 +91,7 @@ class Layout(DesktopTest):
         # The menu above the designed area is one row of text.
         self.assertIn(height - 670, range(15, 45))
 
-    def test_connect_dialog_stands_open_at_the_start(self):
+    def test_connect_dialog_is_open_at_the_start(self):
         client = self.start_client()
         dialog = client.wait_for_window("Connect")
         # 3945 by 2925 twips.
@@ -99,7 +99,7 @@ class Layout(DesktopTest):
 
     def test_status_bar_and_panel_follow_the_window(self):
         client = self.start_client()
-        # Away with the dialog, so that it covers nothing.
+        # Moves the dialog away, so that it covers nothing.
         dialog = client.wait_for_window("Connect")
         dialog.click((1260 + 700) // harness.TWIPS, (2460 + 180) // harness.TWIPS)
         harness.wait_for(lambda: "Connect" not in client.windows(), "the dialog's end")
@@ -107,10 +107,10 @@ class Layout(DesktopTest):
         client.resize(1150, 820)
         self.assertEqual(client.canvas_size(), (1019, 758))
         client.wait_for_status((255, 128, 128))
-        # The chat's box (64, 0, 64) moved down with the canvas: 105 twips below it, 1440 from the left, 360 high.
+        # The chat box (64, 0, 64) has moved down with the canvas: 105 twips below it, 1440 from the left, 360 high.
         x, y = client.on_screen(1440 // 15 + 20, 758 + 105 // 15 + 360 // 15 // 2)
         harness.wait_for(lambda: self.display.picture().pixel(x, y) == (64, 0, 64), "the chat's box")
-        # Its old place, 9225 twips from the top, belongs to the canvas now.
+        # Its old position, 9225 twips from the top, now belongs to the canvas.
         x, y = client.on_screen(1440 // 15 + 20, 9225 // 15 + 12)
         self.assertNotEqual(self.display.picture().pixel(x, y), (64, 0, 64))
 
@@ -129,7 +129,7 @@ class Icon(DesktopTest):
         client = self.start_client()
 
         def pixels():
-            """Width, height and then one number a pixel, alpha in its top byte."""
+            """Width, height and then one number per pixel, with alpha in its top byte."""
             text = self.display.run("xprop", "-id", client.window.identifier, "-notype", "32c", "_NET_WM_ICON")
             return [int(number) for number in re.findall(r"\d+", text.partition("=")[2])]
 
@@ -141,7 +141,7 @@ class Icon(DesktopTest):
 
 class Settings(DesktopTest):
 
-    def test_login_comes_back_at_the_next_start(self):
+    def test_login_is_restored_at_the_next_start(self):
         config = tempfile.mkdtemp(prefix="kelvora-settings-")
         self.addCleanup(shutil.rmtree, config, ignore_errors=True)
         server = self.scripted_server()
@@ -158,7 +158,7 @@ class Settings(DesktopTest):
         client = self.start_client()
         dialog = client.wait_for_window("Connect")
         dialog.activate()
-        # An empty name is refused with a box; the dialog stays.
+        # A box refuses an empty name, and the dialog stays open.
         self.display.xdotool("key", "Return")
         box = client.wait_for_other_window()
         box.activate()

@@ -18,7 +18,7 @@ namespace {
 
 using namespace kelvora;
 
-/// FNV-1a of everything that was added.
+/// The FNV-1a hash of everything added.
 class Checksum {
  public:
   void add(std::string_view text) {
@@ -44,7 +44,7 @@ std::string orFault(Call&& call) {
   }
 }
 
-/// A number text as a server may send it: signs, points and exponents anywhere, up to 40 digits, now and then far more.
+/// A number text as a server may send it: signs, points and exponents anywhere, up to 40 digits, occasionally far more.
 std::string randomNumberText(std::mt19937_64& draws) {
   constexpr std::string_view letters = "0123456789012345678901234567890123456789.-+eE ";
   const std::uint64_t kind = draws() % 8;
@@ -56,9 +56,9 @@ std::string randomNumberText(std::mt19937_64& draws) {
   return text;
 }
 
-/// The exact middle between two neighbouring doubles in full, or a hair above it.
+/// All digits of the exact middle between two neighbouring doubles, or of a number slightly above it.
 std::string halfwayText(std::mt19937_64& draws) {
-  // Doubles from 2^52 on lie one apart.
+  // From 2^52 on, neighbouring doubles differ by one.
   const std::uint64_t twice = (draws() >> 11 | std::uint64_t{1} << 52) * 2 + 1;
   return std::to_string(twice / 2) + ".5" + (draws() % 2 == 0 ? "000000000000000000000001" : "");
 }
@@ -74,7 +74,7 @@ void printNumbers(int count) {
   for (int i = 0; i < count; ++i) {
     const auto single = bitCast<float>(static_cast<std::uint32_t>(draws()));
     const auto real = bitCast<double>(draws());
-    // Of the sizes of times and credits, with decimals that lie half-way more often than by chance.
+    // As large as times and credits, with more decimals that are ties than by chance.
     const double amount = static_cast<double>(static_cast<std::int64_t>(draws() >> 24)) / (i % 2 == 0 ? 65536.0 : 1e5);
     singles.add(orFault([&] { return numberText(single); }));
     doubles.add(orFault([&] { return numberText(real); }));

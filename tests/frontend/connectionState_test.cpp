@@ -58,21 +58,21 @@ TEST_F(ConnectionState, IsRefreshedEverySecond) {
   EXPECT_EQ(shownState(), "Error");
 }
 
-TEST_F(ConnectionState, TimerMayRestOnlyWhereNoStateChangesByItself) {
+TEST_F(ConnectionState, TimerRestsOnlyInStatesThatDoNotChangeByThemselves) {
   for (int state = sckClosed; state <= sckError; ++state) {
     server().setState(static_cast<SocketState>(state));
     EXPECT_EQ(frmMain->tmrCheckNetStatus.mayRest(), state == sckClosed || state == sckError) << state;
   }
 }
 
-TEST_F(ConnectionState, TimerIsWokenByTheSocketThatConnects) {
+TEST_F(ConnectionState, ConnectingWakesTheTimer) {
   frmMain->Show();
   frmMain->tmrCheckNetStatus.isResting = true;
   frmMain->sock.Connect();
   EXPECT_FALSE(frmMain->tmrCheckNetStatus.isResting);
 }
 
-TEST_F(ConnectionState, TimerIsWokenByTheMenuThatEndsAFailure) {
+TEST_F(ConnectionState, DisconnectingAfterAFailureWakesTheTimer) {
   frmMain->Show();
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   server().refuse();
@@ -82,7 +82,7 @@ TEST_F(ConnectionState, TimerIsWokenByTheMenuThatEndsAFailure) {
   ASSERT_EQ(shownState(), "Error");
   frmMain->tmrCheckNetStatus.isResting = true;
   frmMain->mnuFileDisconnect.Click();
-  EXPECT_FALSE(frmMain->tmrCheckNetStatus.isResting) << "or the label would go on to say Error";
+  EXPECT_FALSE(frmMain->tmrCheckNetStatus.isResting) << "otherwise the label would keep saying Error";
   tick(1000);
   passEvents();
   EXPECT_EQ(shownState(), "Closed");
@@ -128,7 +128,7 @@ TEST_F(ConnectionState, TheMenuOpensTheDialogModally) {
   EXPECT_EQ(machine.modalForms, std::vector<std::string>{"Connect"});
 }
 
-TEST_F(ConnectionState, TheTitleOpensTheDialogAsTheMenuDoesEvenAfterAFailure) {
+TEST_F(ConnectionState, TitleOpensTheDialogLikeTheMenuEvenAfterAFailure) {
   frmMain->Show();
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   server().refuse();
@@ -137,7 +137,7 @@ TEST_F(ConnectionState, TheTitleOpensTheDialogAsTheMenuDoesEvenAfterAFailure) {
   EXPECT_EQ(machine.modalForms, std::vector<std::string>{"Connect"});
 }
 
-TEST_F(ConnectionState, ADialogThatStandsModelessGetsTheFocusInstead) {
+TEST_F(ConnectionState, OpenModelessDialogGetsTheFocusInstead) {
   frmMain->Show();
   frmConnect->Show();
   frmMain->mnuFileConnect.Click();
@@ -158,17 +158,17 @@ TEST_F(ConnectionState, DisconnectInTheMenuClosesTheConnection) {
   EXPECT_TRUE(machine.modalForms.empty());
 }
 
-TEST_F(ConnectionState, AReadIsTakenPortionByPortionIntoOne) {
+TEST_F(ConnectionState, PortionsOfOneReadAreJoined) {
   login();
   server().deliver(
       "\x80\xA2"
       "Welcome to the arena\x81",
-      5);  // a text of the server in six portions, one event
+      5);  // a server's text in six portions, in one event
   passEvents();
   EXPECT_EQ(modMain::world.chatLines[0].text, "Welcome to the arena");
 }
 
-TEST_F(ConnectionState, TwoReadsAreHandledApart) {
+TEST_F(ConnectionState, TwoReadsAreHandledSeparately) {
   login();
   server().deliverInReads(
       {"\x80\xA2"

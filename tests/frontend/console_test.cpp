@@ -72,7 +72,7 @@ TEST_F(Console, NinetyCharactersBetweenBlanksAreOneLine) {
   EXPECT_EQ(world.chatLines[1].text, "");
 }
 
-// 90 characters; then the mark and 88; then the mark and the last 22.
+// 90 characters, then the mark and 88, then the mark and the last 22.
 TEST_F(Console, Q043TheMarkCountsTowardsItsLine) {
   const std::string text = std::string(90, 'a') + std::string(88, 'b') + std::string(22, 'c');
   printChat(text, LineType::PublicChat);
@@ -90,7 +90,7 @@ TEST_F(Console, Q043TheMarkCountsTowardsItsLine) {
   EXPECT_EQ(world.chatLines[0].text, "> c");
 }
 
-// "> " and 77 letters put the blank at place 80 of its line; one letter less puts it at 79.
+// "> " and 77 letters put the blank at position 80 of its line. With one letter less it is at 79.
 TEST_F(Console, Q043AContinuationSplitsAtABlankWithTheMarkCounted) {
   const std::string whole(90, 'x');
   printChat(whole + std::string(77, 'a') + " " + std::string(20, 'b'), LineType::PublicChat);
@@ -114,7 +114,7 @@ TEST_F(Console, AContinuationKeepsItsLeadingBlanks) {
   EXPECT_EQ(world.chatLines[0].text, ">    y");
 }
 
-TEST_F(Console, ABlankAtEightyToNinetyIsWhereALineSplits) {
+TEST_F(Console, LineSplitsAtABlankBetweenEightyAndNinety) {
   for (std::size_t p = 80; p <= 90; ++p) {
     const std::string text = std::string(p - 1, 'a') + " " + std::string(100 - p, 'b');
     const auto [first, rest] = splitChatLine(text);
@@ -132,14 +132,14 @@ TEST_F(Console, ABlankAtSeventyNineOrNinetyOneDoesNotCount) {
   }
 }
 
-TEST_F(Console, TheLastOfSeveralBlanksSplits) {
+TEST_F(Console, SplitsAtTheLastOfSeveralBlanks) {
   const std::string text = std::string(80, 'a') + " b c " + std::string(20, 'd');
   const auto [first, rest] = splitChatLine(text);
   EXPECT_EQ(first, std::string(80, 'a') + " b c ");
   EXPECT_EQ(rest, std::string(20, 'd'));
 }
 
-TEST_F(Console, AShortTextSplitsIntoNothing) {
+TEST_F(Console, ShortTextIsNotSplit) {
   const auto [first, rest] = splitChatLine(std::string(90, 'x'));
   EXPECT_EQ(first, "");
   EXPECT_EQ(rest, "");
@@ -152,7 +152,7 @@ TEST_F(Console, AnEmptyTextIsALineOfItsOwn) {
   EXPECT_EQ(world.chatLines[1].text, "first");
 }
 
-TEST_F(Console, WhiteIsWhiteWithAnySettings) {
+TEST_F(Console, PlainLinesAreWhiteWhateverTheSettings) {
   for (std::int16_t purpose = 0; purpose < 5; ++purpose) {
     for (std::uint8_t channel = 0; channel < 3; ++channel) fontMan::setFontColour(purpose, channel, 7);
     fontMan::setFontSize(purpose, 16);
@@ -202,7 +202,7 @@ TEST_F(Console, UnknownChannelsAndPurposesChangeNothing) {
   EXPECT_EQ(fontMan::getFontColour(2), RGB(255, 0, 255));
 }
 
-TEST_F(Console, StoredFontsComeBack) {
+TEST_F(Console, StoredFontsAreRestored) {
   for (const auto& [key, value] : {std::pair{"2size", "16"}, std::pair{"2colorR", "1"}, std::pair{"2colorG", "2"},
                                    std::pair{"2colorB", "3"}, std::pair{"2family", "Anything"}}) {
     machine.settings[{"fonts", key}] = value;
@@ -213,7 +213,7 @@ TEST_F(Console, StoredFontsComeBack) {
   EXPECT_EQ(fontMan::getFontSize(1), 9);
 }
 
-TEST_F(Console, AStoredValueThatIsNoNumberIsAFault) {
+TEST_F(Console, NonNumericStoredValueIsAFault) {
   machine.settings[{"fonts", "0size"}] = "large";
   EXPECT_THROW(fontMan::initFonts(), RuntimeFault);
 }

@@ -17,7 +17,7 @@ class ConnectDialog : public GameTest {
     return found == machine.settings.end() ? "(nothing)" : found->second;
   }
   void store(const std::string& key, const std::string& value) { machine.settings[{"last login", key}] = value; }
-  /// Fills the form in and clicks Connect.
+  /// Fills in the form and clicks Connect.
   void connectWith(const std::string& name, const std::string& address, const std::string& port) {
     frmConnect->txtPlayerName.Text = name;
     frmConnect->txtServerAddress.Text = address;
@@ -31,11 +31,11 @@ class ConnectDialog : public GameTest {
     }
     return text;
   }
-  /// A press on the row of colours, in twips of the label that lies over it.
+  /// Presses on the row of colours, in twips of the label that covers it.
   static void press(float x, float y) { frmConnect->lblShapeSelect.MouseDown(1, 0, x, y); }
 };
 
-TEST_F(ConnectDialog, EveryControlStandsAtItsPlaceAndInItsTabOrder) {
+TEST_F(ConnectDialog, ControlsHaveTheirPositionsAndTabOrder) {
   FrmConnect f;
   struct Row {
     const Control* control;
@@ -73,7 +73,7 @@ TEST_F(ConnectDialog, EveryControlStandsAtItsPlaceAndInItsTabOrder) {
   }
 }
 
-TEST_F(ConnectDialog, TheTextsAsDesigned) {
+TEST_F(ConnectDialog, TextsAreAsDesigned) {
   const FrmConnect f;
   EXPECT_EQ(f.Caption.get(), "Connect");
   EXPECT_EQ(f.Label1.Caption.get(), "Player Name:");
@@ -127,10 +127,10 @@ TEST_F(ConnectDialog, Q229ThePasswordIsStoredAsItIsTyped) {
   frmConnect->txtServerPassword.Text = "S3cret pass";
   connectWith("Ann", "arena.test", "3000");
   EXPECT_EQ(stored("server password"), "S3cret pass");
-  EXPECT_EQ(frmConnect->txtServerPassword.Text.get(), "S3cret pass") << "and comes back so";
+  EXPECT_EQ(frmConnect->txtServerPassword.Text.get(), "S3cret pass") << "and is restored like that";
 }
 
-TEST_F(ConnectDialog, Q230ThePasswordsCaptionAloneHasNoColon) {
+TEST_F(ConnectDialog, Q230OnlyThePasswordCaptionHasNoColon) {
   std::vector<std::string> without;
   for (const Label* label :
        {&frmConnect->Label1, &frmConnect->Label2, &frmConnect->Label3, &frmConnect->Label4, &frmConnect->Label5}) {
@@ -139,7 +139,7 @@ TEST_F(ConnectDialog, Q230ThePasswordsCaptionAloneHasNoColon) {
   EXPECT_EQ(without, std::vector<std::string>{"Server Password"});
 }
 
-TEST_F(ConnectDialog, TheCirclesAsDesigned) {
+TEST_F(ConnectDialog, CirclesAreAsDesigned) {
   FrmConnect f;
   const Colour fills[] = {RGB(255, 0, 0),   RGB(255, 255, 0), RGB(0, 255, 0),
                           RGB(0, 255, 255), RGB(0, 0, 255),   RGB(255, 0, 255)};
@@ -159,7 +159,7 @@ TEST_F(ConnectDialog, TheClickAreaLiesOverTheCircles) {
   for (const Shape& circle : mutableForm.shpUserColor) EXPECT_LT(at(&circle), at(&f.lblShapeSelect));
 }
 
-TEST_F(ConnectDialog, AnEmptyStoreGivesTheDefaults) {
+TEST_F(ConnectDialog, EmptySettingsGiveTheDefaults) {
   EXPECT_EQ(frmConnect->txtPlayerName.Text.get(), "");
   EXPECT_EQ(frmConnect->txtServerAddress.Text.get(), "127.0.0.1");
   EXPECT_EQ(frmConnect->txtServerPort.Text.get(), "2010");
@@ -168,7 +168,7 @@ TEST_F(ConnectDialog, AnEmptyStoreGivesTheDefaults) {
   EXPECT_EQ(borders(), "1/3 3/1 3/1 3/1 3/1 3/1 ");
 }
 
-TEST_F(ConnectDialog, TheLastLoginComesBack) {
+TEST_F(ConnectDialog, LastLoginIsRestored) {
   store("player name", "Ann");
   store("server address", "arena");
   store("server port", "3000");
@@ -182,7 +182,7 @@ TEST_F(ConnectDialog, TheLastLoginComesBack) {
   EXPECT_EQ(borders(), "3/1 3/1 3/1 3/1 1/3 3/1 ");
 }
 
-TEST_F(ConnectDialog, AStoredColourBeyondTheCirclesLeavesTheDesign) {
+TEST_F(ConnectDialog, StoredColourWithoutACircleKeepsTheDesign) {
   for (const char* colour : {"9", "6", "-1"}) {
     store("player color", colour);
     EXPECT_EQ(frmConnect->colour, 0) << colour;
@@ -191,12 +191,12 @@ TEST_F(ConnectDialog, AStoredColourBeyondTheCirclesLeavesTheDesign) {
   }
 }
 
-TEST_F(ConnectDialog, AStoredColourThatIsNoNumberIsAFault) {
+TEST_F(ConnectDialog, NonNumericStoredColourIsAFault) {
   store("player color", "blue");
   EXPECT_THROW(*frmConnect, RuntimeFault);
 }
 
-TEST_F(ConnectDialog, StandsBesideTheMainWindowsCorner) {
+TEST_F(ConnectDialog, OpensNearTheMainWindowsCorner) {
   frmMain->Left = 300;
   frmMain->Top = 150;
   EXPECT_EQ(frmConnect->Left.get(), 6735);
@@ -225,8 +225,8 @@ TEST_F(ConnectDialog, EveryButtonChoosesAColour) {
   }
 }
 
-TEST_F(ConnectDialog, BothEndsOfACircleBelongToIt) {
-  // Circle 2 is 195 wide from 2460, and the label begins at 1740.
+TEST_F(ConnectDialog, CirclesIncludeBothTheirEdges) {
+  // Circle 2 is 195 wide and starts at 2460, and the label begins at 1740.
   press(720, 0);
   EXPECT_EQ(frmConnect->colour, 2);
   frmConnect->colour = redPlayer;
@@ -256,7 +256,7 @@ TEST_F(ConnectDialog, Q051APressIntoAGapClearsAllMarksAndKeepsTheColour) {
   EXPECT_EQ(borders(), "3/1 3/1 3/1 3/1 3/1 3/1 ");
 }
 
-TEST_F(ConnectDialog, ConnectHandsEverythingToTheSession) {
+TEST_F(ConnectDialog, ConnectPassesEverythingToTheSession) {
   frmConnect->txtServerPassword.Text = "secret";
   frmConnect->selectColour(cyanPlayer);
   connectWith("Ann", "arena.test", "3000");
@@ -268,7 +268,7 @@ TEST_F(ConnectDialog, ConnectHandsEverythingToTheSession) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(ConnectDialog, PendingEventsRunOnceBeforeTheDialogGoes) {
+TEST_F(ConnectDialog, PendingEventsRunOnceBeforeTheDialogCloses) {
   frmConnect->Show();
   bool stoodThen = false;
   machine.post([&stoodThen] { stoodThen = frmConnect.isVisible(); });
@@ -278,7 +278,7 @@ TEST_F(ConnectDialog, PendingEventsRunOnceBeforeTheDialogGoes) {
   EXPECT_FALSE(frmConnect.isLoaded());
 }
 
-TEST_F(ConnectDialog, Q231PortsFrom32767UpAreRefusedLikeNumbersThatAreNoPorts) {
+TEST_F(ConnectDialog, Q231PortsFrom32767UpAreRefusedLikeInvalidOnes) {
   for (const char* port : {"0", "-5", "32767", "40000", "65535", "abc", "", "99999", "1e400", "-1e400"}) {
     machine.messageBoxes.clear();
     connectWith("Ann", "arena.test", port);
@@ -288,7 +288,7 @@ TEST_F(ConnectDialog, Q231PortsFrom32767UpAreRefusedLikeNumbersThatAreNoPorts) {
   }
 }
 
-TEST_F(ConnectDialog, Q232APortMayHaveAFractionAndIsRoundedToEvenBehindTheCheck) {
+TEST_F(ConnectDialog, Q232AFractionalPortIsRoundedToEvenAfterTheCheck) {
   struct Row {
     const char* text;
     int port;
@@ -314,12 +314,12 @@ TEST_F(ConnectDialog, AnAddressIsRequired) {
   EXPECT_TRUE(server().connects.empty());
 }
 
-TEST_F(ConnectDialog, OnlyTheFirstFaultIsTold) {
+TEST_F(ConnectDialog, OnlyTheFirstErrorIsReported) {
   connectWith("", "", "abc");
   EXPECT_EQ(machine.messageBoxes, std::vector<std::string>{"Invalid server port number"});
 }
 
-TEST_F(ConnectDialog, ABlankIsAName) {
+TEST_F(ConnectDialog, BlankCountsAsAName) {
   connectWith(" ", " ", "3000");
   EXPECT_TRUE(machine.messageBoxes.empty());
   EXPECT_EQ(netMan::playerName, " ");
@@ -333,7 +333,7 @@ TEST_F(ConnectDialog, ASeparatorInTheNameBreaksTheLoginIntoMoreFields) {
   EXPECT_EQ(stored("player name"), "An\x82n");
 }
 
-TEST_F(ConnectDialog, Q042ARefusedAttemptHasSavedItsValues) {
+TEST_F(ConnectDialog, Q042ARefusedAttemptStillSavesItsValues) {
   frmConnect->txtServerPassword.Text = "secret";
   frmConnect->selectColour(purplePlayer);
   connectWith("", "arena.test", "abc");

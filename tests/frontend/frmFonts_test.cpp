@@ -27,7 +27,7 @@ class FontDialog : public GameTest {
     return *all[channel];
   }
   static void drag(Label& bar, float x) { bar.MouseMove(1, 0, x, 90); }
-  /// The user moves a slider there, by a drag or otherwise.
+  /// Moves a slider as the user does, by a drag or otherwise.
   static void slide(int purpose, int value, bool byDrag = false) {
     Slider& slider = frmFonts->sldSize[purpose];
     slider.Value = value;
@@ -89,7 +89,7 @@ TEST_F(FontDialog, EveryPurposeHasItsBlock) {
   EXPECT_EQ(f.cmdClose.Caption.get(), "Done");
 }
 
-TEST_F(FontDialog, TheTabKeyGoesThroughTheSlidersToDone) {
+TEST_F(FontDialog, TabMovesThroughTheSlidersToDone) {
   FrmFonts f;
   for (int i = 0; i < 5; ++i) EXPECT_EQ(f.sldSize[i].TabIndex, i);
   EXPECT_EQ(f.cmdClose.TabIndex, 5);
@@ -113,10 +113,10 @@ TEST_F(FontDialog, NothingIsCutOffAndNothingOverlaps) {
   }
 }
 
-TEST_F(FontDialog, BlocksStandInTheOrderOfThePurposesInEvenRows) {
+TEST_F(FontDialog, BlocksAreEvenlySpacedInTheOrderOfThePurposes) {
   FrmFonts f;
   const std::vector<Control*>& controls = f.children();
-  // Every control of a block is as far from that of the block above as every other.
+  // Corresponding controls of neighbouring blocks are always the same distance apart.
   for (std::size_t kind = 0; kind < 7; ++kind) {
     for (std::size_t i = 1; i < 5; ++i) {
       const Control& control = *controls[kind * 5 + i];
@@ -133,7 +133,7 @@ TEST_F(FontDialog, TheMenuShowsItBesideTheGame) {
   EXPECT_TRUE(frmFonts.isVisible());
   EXPECT_EQ(frmFonts->modality(), Form::Modality::Modeless);
   EXPECT_TRUE(machine.modalForms.empty());
-  open();  // once more does no harm
+  open();  // opening it again does no harm
   EXPECT_TRUE(frmFonts.isVisible());
 }
 
@@ -160,7 +160,7 @@ TEST_F(FontDialog, ShowsTheFontsWhenItLoads) {
   }
 }
 
-TEST_F(FontDialog, ComesAndGoesWithoutTouchingTheFonts) {
+TEST_F(FontDialog, OpeningAndClosingChangesNoFont) {
   machine.settings[{"fonts", "0size"}] = "20";
   machine.settings[{"fonts", "1size"}] = "3";
   fontMan::initFonts();
@@ -175,12 +175,12 @@ TEST_F(FontDialog, ComesAndGoesWithoutTouchingTheFonts) {
   EXPECT_EQ(fontMan::getFontSize(1), 3);
 }
 
-TEST_F(FontDialog, EachBarSetsItsChannelOfItsPurpose) {
+TEST_F(FontDialog, EachBarSetsItsPurposesChannel) {
   open();
   const char* const letters = "RGB";
   for (int purpose = 0; purpose < 5; ++purpose) {
     for (int channel = 0; channel < 3; ++channel) {
-      const float x = static_cast<float>(171 * (channel + 1));  // 20, 40 and 60 hundredths of 855
+      const float x = static_cast<float>(171 * (channel + 1));  // 20, 40 and 60 percent of 855
       drag(bars(channel)[purpose], x);
       EXPECT_EQ(stored(std::to_string(purpose) + "color" + letters[channel]), std::to_string(20 * (channel + 1)));
     }
@@ -191,7 +191,7 @@ TEST_F(FontDialog, EachBarSetsItsChannelOfItsPurpose) {
   EXPECT_EQ(machine.settings.size(), 15U);
 }
 
-TEST_F(FontDialog, Q140TheBarsEndIsAHundred) {
+TEST_F(FontDialog, Q140TheBarEndsAtAHundred) {
   open();
   Label& red = frmFonts->lblColorRed[4];
   drag(red, 855);  // the right edge
@@ -199,7 +199,7 @@ TEST_F(FontDialog, Q140TheBarsEndIsAHundred) {
   EXPECT_EQ(stored("4colorR"), "100");
 }
 
-TEST_F(FontDialog, APlaceOnTheBarIsTheChannelRoundedDown) {
+TEST_F(FontDialog, ChannelIsThePositionOnTheBarRoundedDown) {
   open();
   const struct {
     float x;
@@ -214,14 +214,14 @@ TEST_F(FontDialog, APlaceOnTheBarIsTheChannelRoundedDown) {
   }
 }
 
-TEST_F(FontDialog, OnlyTheLeftButtonAloneDrags) {
+TEST_F(FontDialog, OnlyTheLeftButtonByItselfDrags) {
   open();
   for (const int buttons : {0, 2, 3, 4, 5, 7}) {
     for (int channel = 0; channel < 3; ++channel) bars(channel)[0].MouseMove(buttons, 0, 400, 90);
   }
   EXPECT_TRUE(machine.settings.empty());
   EXPECT_EQ(fontMan::getFontColour(0), RGB(128, 255, 128));
-  frmFonts->lblColorRed[0].MouseMove(1, 7, 400, 90);  // the keys of Shift do not matter: 46.78
+  frmFonts->lblColorRed[0].MouseMove(1, 7, 400, 90);  // modifier keys make no difference: 46.78
   EXPECT_EQ(fontMan::getFontColour(0), RGB(46, 255, 128));
 }
 
@@ -234,7 +234,7 @@ TEST_F(FontDialog, Q142APressAloneDoesNothing) {
   }
 }
 
-TEST_F(FontDialog, ASizeIsSavedAtOnceByEitherEvent) {
+TEST_F(FontDialog, EitherEventSavesTheSizeAtOnce) {
   open();
   for (int purpose = 0; purpose < 5; ++purpose) {
     const std::string key = std::to_string(purpose) + "size";
@@ -249,7 +249,7 @@ TEST_F(FontDialog, ASizeIsSavedAtOnceByEitherEvent) {
   EXPECT_TRUE(frmFonts.isVisible()) << "no Done needed";
 }
 
-TEST_F(FontDialog, ASliderStaysBetweenItsEnds) {
+TEST_F(FontDialog, SliderIsClampedToItsEnds) {
   Slider& slider = frmFonts->sldSize[0];
   const int rows[][2] = {{8, 9}, {9, 9}, {16, 16}, {17, 16}, {-32768, 9}, {32767, 16}, {12, 12}};
   for (const auto& row : rows) {
@@ -265,7 +265,7 @@ TEST_F(FontDialog, AssigningASliderRaisesNoEvent) {
   EXPECT_TRUE(machine.settings.empty());
 }
 
-TEST_F(FontDialog, ChangesFromElsewhereShowInTheOpenDialog) {
+TEST_F(FontDialog, OutsideChangesShowInTheOpenDialog) {
   open();
   fontMan::setFontColour(3, 2, 77);
   fontMan::setFontSize(3, 11);
@@ -282,7 +282,7 @@ TEST_F(FontDialog, ChangesDoNotLoadTheClosedDialog) {
   EXPECT_EQ(stored("3size"), "11");
 }
 
-TEST_F(FontDialog, AHiddenDialogIsLeftAsItIs) {
+TEST_F(FontDialog, HiddenDialogIsNotUpdated) {
   open();
   frmFonts->Hide();
   fontMan::setFontSize(3, 11);

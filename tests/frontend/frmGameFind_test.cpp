@@ -7,7 +7,7 @@
 namespace kelvora {
 namespace {
 
-TEST_F(GameFinder, EveryControlStandsAtItsPlaceWithItsText) {
+TEST_F(GameFinder, ControlsHaveTheirPositionsAndTexts) {
   FrmGameFind f;
   struct Row {
     const Control* control;
@@ -39,7 +39,7 @@ TEST_F(GameFinder, EveryControlStandsAtItsPlaceWithItsText) {
   EXPECT_EQ(f.lblStatus.Caption.get(), "");
 }
 
-TEST_F(GameFinder, TheTabKeyGoesThroughButtonBoxesAndList) {
+TEST_F(GameFinder, TabMovesThroughButtonBoxesAndList) {
   FrmGameFind& f = *frmGameFind;
   const Control* const order[] = {&f.cmdRefresh, &f.chkPassword, &f.chkEmpty, &f.chkFull, &f.grid};
   for (int i = 0; i < 5; ++i) EXPECT_EQ(order[i]->TabIndex, i);
@@ -63,14 +63,14 @@ TEST_F(GameFinder, GetListOpensItModally) {
   EXPECT_TRUE(frmConnect.isVisible());
 }
 
-TEST_F(GameFinder, AtLoadNamesTheVersionAndStartsAFetch) {
+TEST_F(GameFinder, LoadingShowsTheVersionAndStartsAFetch) {
   EXPECT_EQ(frmGameFind->lblHeader.Caption.get(),
             "Servers published less than one hour ago matching your version: " KELVORA_VERSION);
   EXPECT_EQ(status(), "Connecting to game find server...");
   EXPECT_EQ(host().connects, (std::vector<std::pair<std::string, int>>{{"web.invalid", 80}}));
 }
 
-TEST_F(GameFinder, AsksTheWebHostAtItsOwnPort) {
+TEST_F(GameFinder, ConnectsToTheWebHostsOwnPort) {
   machine.host = "127.0.0.1:8123";
   EXPECT_EQ(frmGameFind->websock.RemoteHost, "127.0.0.1");
   EXPECT_EQ(frmGameFind->websock.RemotePort, 8123);
@@ -79,7 +79,7 @@ TEST_F(GameFinder, AsksTheWebHostAtItsOwnPort) {
   EXPECT_NE(host().sent.find("\r\nHost: 127.0.0.1:8123\r\n"), std::string::npos);
 }
 
-TEST_F(GameFinder, Q162TheRequestIsABrowsers) {
+TEST_F(GameFinder, Q162TheRequestIdentifiesItselfAsABrowser) {
   *frmGameFind;
   request();
   EXPECT_EQ(status(), "Requesting list...");
@@ -97,7 +97,7 @@ TEST_F(GameFinder, Q162TheRequestIsABrowsers) {
                 "\r\n"});
 }
 
-TEST_F(GameFinder, TheQueryHoldsAllThreeFlagsAsDigits) {
+TEST_F(GameFinder, QueryHasAllThreeFlagsAsDigits) {
   for (int bits = 0; bits < 8; ++bits) {
     const int password = bits & 1;
     const int full = (bits >> 1) & 1;
@@ -128,7 +128,7 @@ TEST_F(GameFinder, RefreshAndEveryBoxStartANewFetch) {
   }
 }
 
-TEST_F(GameFinder, ANewFetchClosesTheOneUnderWay) {
+TEST_F(GameFinder, NewFetchAbortsTheCurrentOne) {
   *frmGameFind;
   request();
   host().deliver("[a|1|0|n|1|2]");
@@ -147,22 +147,22 @@ TEST_F(GameFinder, AnUnconnectedSocketIsNotClosedByTheFirstFetch) {
   EXPECT_EQ(host().closes, 0);
 }
 
-TEST_F(GameFinder, Q160TheBoxesAreReadWhenTheConnectionStands) {
+TEST_F(GameFinder, Q160TheBoxesAreReadOnceConnected) {
   *frmGameFind;
   request();
-  // As a rule the release has changed the box before the host answers.
+  // Usually the release has changed the box before the host answers.
   frmGameFind->chkFull.MouseDown(1, 0, 15, 15);
   frmGameFind->chkFull.Value = 1;
   request();
   EXPECT_NE(host().sends.back().find("&full=1&"), std::string::npos);
-  // A host that is faster than the finger on the button hears the old value.
+  // A host that answers while the button is still down gets the old value.
   frmGameFind->chkFull.MouseDown(1, 0, 15, 15);
   request();
   frmGameFind->chkFull.Value = 0;
   EXPECT_NE(host().sends.back().find("&full=1&"), std::string::npos);
 }
 
-TEST_F(GameFinder, Q282AnyPressOnABoxFetchesAndTheKeysDoNot) {
+TEST_F(GameFinder, Q282AnyPressOnABoxFetchesButKeysDoNot) {
   FrmGameFind& finder = *frmGameFind;
   ASSERT_EQ(host().connects.size(), 1U);
   for (CheckBox* box : {&finder.chkPassword, &finder.chkEmpty, &finder.chkFull}) {

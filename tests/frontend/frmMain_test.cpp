@@ -49,7 +49,7 @@ TEST_F(MainWindow, IsALargeBlackSizableWindow) {
   EXPECT_FALSE(frmMain->design.systemColours);
 }
 
-TEST_F(MainWindow, EveryControlStandsAtItsPlace) {
+TEST_F(MainWindow, ControlsHaveTheirPositions) {
   FrmMain& f = *frmMain;
   for (const Row& row : {
            Row{"canvas", &f.canvas, &f, 0, 0, 11445, 9120},
@@ -95,14 +95,14 @@ TEST_F(MainWindow, TheCanvasIsBlackWithItsFontAndAnInvisiblePointer) {
   EXPECT_EQ(frmMain->canvas.pixelHeight(), 608);
 }
 
-TEST_F(MainWindow, TheLabelsOnTheCanvasAreAClickAreaAndAHiddenMeasure) {
+TEST_F(MainWindow, CanvasLabelsAreAClickAreaAndAHiddenMeasure) {
   EXPECT_TRUE(frmMain->lbcConnect.design.transparent);
   EXPECT_EQ(frmMain->lbcConnect.Caption.get(), "");
   EXPECT_FALSE(frmMain->lblTmp.Visible.get());
   EXPECT_TRUE(frmMain->lblTmp.design.autoSize);
 }
 
-TEST_F(MainWindow, TheListOfPlayers) {
+TEST_F(MainWindow, PlayerListIsAsDesigned) {
   EXPECT_EQ(frmMain->frmUsers.Caption, "Users");
   EXPECT_EQ(frmMain->frmUsers.ForeColor, RGB(255, 255, 128));
   EXPECT_EQ(frmMain->frmUsers.BackColor, black);
@@ -146,7 +146,7 @@ TEST_F(MainWindow, TheRadarHasItsGrid) {
   EXPECT_EQ(frmMain->picRadar.background()->height, 93);
 }
 
-TEST_F(MainWindow, TheChatEntryAndItsTarget) {
+TEST_F(MainWindow, ChatEntryAndTargetAreAsDesigned) {
   EXPECT_EQ(frmMain->lblPrivChat.Caption.get(), "Public Chat");
   EXPECT_EQ(frmMain->lblPrivChat.BackColor.get(), white);
   EXPECT_EQ(frmMain->lblPrivChat.BorderStyle.get(), 1);
@@ -159,7 +159,7 @@ TEST_F(MainWindow, TheChatEntryAndItsTarget) {
   EXPECT_EQ(frmMain->txtChat.TabIndex, 0);
 }
 
-TEST_F(MainWindow, TextsStandInTheMiddleButForNamesAndLag) {
+TEST_F(MainWindow, TextsAreCentredExceptForNamesAndLag) {
   FrmMain& f = *frmMain;
   for (const Label* label : {&f.Label2, &f.lblCredits, &f.Label3, &f.lblPrivChat, &f.lblNetStatus}) {
     EXPECT_EQ(label->design.alignment, Alignment::Centre) << label->Caption.get();
@@ -171,7 +171,7 @@ TEST_F(MainWindow, TextsStandInTheMiddleButForNamesAndLag) {
   }
 }
 
-TEST_F(MainWindow, TheStatusBar) {
+TEST_F(MainWindow, StatusBarIsAsDesigned) {
   EXPECT_EQ(frmMain->frame_Status.Caption, "");
   EXPECT_EQ(frmMain->frame_Status.BackColor, black);
   EXPECT_EQ(frmMain->lblNetStatus.Caption.get(), "Disconnected");
@@ -239,12 +239,12 @@ TEST_F(MainWindow, ResizingMovesControlsBesideAndBelowTheCanvas) {
   EXPECT_EQ(f.lblPrivChat.Top.get(), 10350);
   EXPECT_EQ(f.txtChat.Top.get(), 10350);
   EXPECT_EQ(f.frame_Status.Top.get(), 10710);
-  EXPECT_EQ(f.txtChat.Width.get(), 10035) << "widths do not follow";
+  EXPECT_EQ(f.txtChat.Width.get(), 10035) << "widths stay the same";
   EXPECT_EQ(f.frame_Status.Width.get(), 13215);
   EXPECT_EQ(f.frmUsers.Top.get(), 60);
 }
 
-TEST_F(MainWindow, AtTheDesignSizeTheRuleGivesTheDesignCanvas) {
+TEST_F(MainWindow, DesignSizeGivesTheDesignCanvas) {
   frmMain->clientResized(13410, 10050);
   EXPECT_EQ(frmMain->canvas.Width.get(), 11445);
   EXPECT_EQ(frmMain->canvas.Height.get(), 9120);

@@ -41,7 +41,7 @@ TEST_F(GameFinderChoice, Q272ThePlayerIsNotAskedForAMissingPassword) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(GameFinderChoice, TheFirstServerIsChosenUntilThePlayerChoosesAnother) {
+TEST_F(GameFinderChoice, FirstServerIsSelectedUntilThePlayerSelectsAnother) {
   list("[192.0.2.7|2010|0|friendly game|3|8][arena.test|3000|1||0|6]-END-");
   frmGameFind->grid.DblClick();
   EXPECT_EQ(server().connects, (std::vector<std::pair<std::string, int>>{{"192.0.2.7", 2010}}));
@@ -76,7 +76,7 @@ TEST_F(GameFinderChoice, Q167TheFinderClosesEvenIfTheConnectionIsRefused) {
   frmGameFind->Show();
   frmGameFind->grid.DblClick();
   EXPECT_FALSE(frmGameFind.isLoaded());
-  // The same with a server in the list, and no name to log in with.
+  // The same with a server in the list but without a player name.
   list("[192.0.2.7|2010|0|n|3|8]-END-");
   frmConnect->txtPlayerName.Text = "";
   frmGameFind->grid.DblClick();
@@ -84,7 +84,7 @@ TEST_F(GameFinderChoice, Q167TheFinderClosesEvenIfTheConnectionIsRefused) {
   EXPECT_FALSE(frmGameFind.isLoaded());
 }
 
-TEST_F(GameFinderChoice, ADoubleClickBeforeTheListHasComeIsRefused) {
+TEST_F(GameFinderChoice, DoubleClickBeforeTheListArrivesIsRefused) {
   frmGameFind->grid.DblClick();
   EXPECT_EQ(machine.messageBoxes, std::vector<std::string>{"Invalid server port number"});
   EXPECT_FALSE(frmGameFind.isLoaded());

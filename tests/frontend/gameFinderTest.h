@@ -10,15 +10,16 @@ namespace kelvora {
 
 using Rows = std::vector<std::vector<std::string>>;
 
+/// The game finder with a scripted web host.
 class GameFinder : public GameTest {
  protected:
   HeadlessSocket& host() { return machine.socketOf(frmGameFind->websock); }
-  /// The finder is loaded and its request sent.
+  /// Accepts the connection, so that the finder sends its request.
   void request() {
     host().acceptConnection();
     passEvents();
   }
-  /// A whole fetch.
+  /// Runs a whole fetch that gets this answer.
   void list(const std::string& answer) {
     if (frmGameFind->websock.State() == sckClosed) frmGameFind->requestHostList();
     request();

@@ -21,19 +21,19 @@ TEST_F(GameFinder, ReadsARecordsSixFields) {
   EXPECT_EQ(frmGameFind->websock.State(), sckClosed);
 }
 
-TEST_F(GameFinder, ARecordThatIsCutLeavesItsLaterFieldsEmpty) {
+TEST_F(GameFinder, TruncatedRecordLeavesItsLaterFieldsEmpty) {
   list("[127.0.0.1][arena.test|2010|1][other.test|2011|0|7 friends]-END-");
   ASSERT_EQ(frmGameFind->hostCount, 3);
   EXPECT_EQ(entry(1).address, "127.0.0.1");
-  EXPECT_EQ(entry(1).port, 0) << "the address is no port";
+  EXPECT_EQ(entry(1).port, 0) << "the address isn't taken as the port";
   EXPECT_EQ(entry(2).port, 2010);
   EXPECT_TRUE(entry(2).passwordRequired);
-  EXPECT_EQ(entry(2).notes, "") << "the flag is no note";
+  EXPECT_EQ(entry(2).notes, "") << "the flag isn't taken as the note";
   EXPECT_EQ(entry(3).notes, "7 friends");
-  EXPECT_EQ(entry(3).players, 0) << "the note is no number of players";
+  EXPECT_EQ(entry(3).players, 0) << "the note isn't taken as the number of players";
 }
 
-TEST_F(GameFinder, ShowsARowAServerUnderItsHeading) {
+TEST_F(GameFinder, ShowsOneRowPerServerBelowTheHeading) {
   list("[192.0.2.7|2010|0|friendly game|3|8][arena.test|3000|1||0|6]-END-");
   EXPECT_EQ(rows(), (Rows{heading,
                           {"192.0.2.7", "2010", "open", "3 / 8", "friendly game"},
@@ -46,7 +46,7 @@ TEST_F(GameFinder, ShowsARowAServerUnderItsHeading) {
   for (int column = 0; column < 5; ++column) EXPECT_EQ(grid.ColAlignment(column), 1) << column;
 }
 
-TEST_F(GameFinder, NoServerGivesTheHeadingAlone) {
+TEST_F(GameFinder, EmptyListShowsOnlyTheHeading) {
   list("HTTP/1.1 200 OK\r\n\r\n-END-");
   EXPECT_EQ(rows(), Rows{heading});
   EXPECT_EQ(frmGameFind->grid.FixedRows, 0);
@@ -97,10 +97,10 @@ TEST_F(GameFinder, CollectsAnAnswerInManyPieces) {
   EXPECT_EQ(entry(1).address, "192.0.2.7");
 }
 
-TEST_F(GameFinder, Q281TheRestAfterFortyNineReadsWaitsForMore) {
+TEST_F(GameFinder, Q281DataBeyondFortyNineReadsWaitsForMore) {
   *frmGameFind;
   request();
-  // 13 bytes a read: the mark begins in the 49th and ends in the 50th.
+  // 13 bytes per read: the mark starts in the 49th read and ends in the 50th.
   host().deliver("[a|1|0|n|1|2]" + std::string(48 * 13 - 2, 'x') + "-END-", 13);
   passEvents();
   EXPECT_EQ(frmGameFind->hostBuffer.size(), 49U * 13U);
@@ -128,7 +128,7 @@ TEST_F(GameFinder, FindsTheEndMarkWhereverItIsSplit) {
   EXPECT_EQ(status(), "Done");
 }
 
-TEST_F(GameFinder, TextBehindTheEndMarkIsReadWithTheRest) {
+TEST_F(GameFinder, TextAfterTheEndMarkIsParsedToo) {
   list("-END-[a|1|0|n|1|2]");
   EXPECT_EQ(frmGameFind->hostCount, 1);
 }
@@ -138,13 +138,13 @@ TEST_F(GameFinder, ASeventhFieldIsDropped) {
   EXPECT_EQ(rows(), (Rows{heading, {"a", "1", "open", "3 / 8", "n"}}));
 }
 
-TEST_F(GameFinder, ARecordOfFiveFieldsHasNoPlaces) {
+TEST_F(GameFinder, RecordOfFiveFieldsHasAMaximumOfZero) {
   list("[a|1|0|n|3]-END-");
   EXPECT_EQ(entry(1).players, 3);
   EXPECT_EQ(entry(1).maxPlayers, 0);
 }
 
-TEST_F(GameFinder, SignsAheadOfTheFirstRecordAreIgnored) {
+TEST_F(GameFinder, CharactersBeforeTheFirstRecordAreIgnored) {
   list("a|b]c|d|e]f[a|1|0|n|3|8]-END-");
   EXPECT_EQ(rows(), (Rows{heading, {"a", "1", "open", "3 / 8", "n"}}));
 }
@@ -156,13 +156,13 @@ TEST_F(GameFinder, Q163ABracketInTheHeadersBeginsARecord) {
   EXPECT_EQ(entry(2).port, 1);
 }
 
-TEST_F(GameFinder, Q164TextBehindARecordStandsInFrontOfTheNextAddress) {
+TEST_F(GameFinder, Q164TextAfterARecordIsPrefixedToTheNextAddress) {
   list("[a|1|0|n|1|2] and [b|1|0|n|1|2]-END-");
   EXPECT_EQ(entry(1).address, "a");
   EXPECT_EQ(entry(2).address, " and b");
 }
 
-TEST_F(GameFinder, Q164ALineFeedStaysAndReturnAndCode20Go) {
+TEST_F(GameFinder, Q164LineFeedsStayButReturnsAndCode20AreSkipped) {
   list(
       "[a|1|0|n\r\x14"
       "n|1|2]\r\n[b\x14|1|0|n|1|2]\r\n-END-");
@@ -170,12 +170,12 @@ TEST_F(GameFinder, Q164ALineFeedStaysAndReturnAndCode20Go) {
   EXPECT_EQ(entry(2).address, "\nb");
 }
 
-TEST_F(GameFinder, Q164ASecondEndOfARecordReadsItsLastFieldAgain) {
+TEST_F(GameFinder, Q164ASecondClosingBracketReadsTheLastFieldAgain) {
   list("[a|1|0|n|1|2]7]-END-");
   EXPECT_EQ(entry(1).maxPlayers, 7);
 }
 
-TEST_F(GameFinder, Q165AFlagThatIsNoNumberIsAFault) {
+TEST_F(GameFinder, Q165ANonNumericFlagIsAFault) {
   for (const char* flag : {"", " ", "yes", "1x"}) {
     frmGameFind->requestHostList();
     request();
@@ -194,7 +194,7 @@ TEST_F(GameFinder, ANumberBeyond16BitsIsAFault) {
   }
 }
 
-TEST_F(GameFinder, MoreRecordsThan16BitsCountAreAFault) {
+TEST_F(GameFinder, MoreRecordsThanSixteenBitsCanCountAreAFault) {
   list(std::string(32767, '[') + "-END-");
   EXPECT_EQ(frmGameFind->hostCount, 32767);
   EXPECT_EQ(frmGameFind->grid.Rows, 32768);
@@ -204,7 +204,7 @@ TEST_F(GameFinder, MoreRecordsThan16BitsCountAreAFault) {
   EXPECT_THROW(passEvents(), RuntimeFault);
 }
 
-TEST_F(GameFinder, Q161AHostThatIsDownLeavesItsLastWord) {
+TEST_F(GameFinder, Q161AnUnreachableHostKeepsTheLastStatus) {
   *frmGameFind;
   host().refuse();
   passEvents();
@@ -215,7 +215,7 @@ TEST_F(GameFinder, Q161AHostThatIsDownLeavesItsLastWord) {
   EXPECT_EQ(status(), "Done") << "Refresh starts anew";
 }
 
-TEST_F(GameFinder, Q161AHostThatClosesEarlyLeavesItsLastWord) {
+TEST_F(GameFinder, Q161AHostThatClosesEarlyKeepsTheLastStatus) {
   *frmGameFind;
   request();
   host().deliver("[a|1|0|n|1|2]");
@@ -226,7 +226,7 @@ TEST_F(GameFinder, Q161AHostThatClosesEarlyLeavesItsLastWord) {
   EXPECT_EQ(frmGameFind->websock.State(), sckClosing);
 }
 
-TEST_F(GameFinder, AHostThatNeverEndsIsLeftAtAMebibyte) {
+TEST_F(GameFinder, EndlessAnswerIsCutOffAtAMebibyte) {
   *frmGameFind;
   request();
   const std::string portion(64 * 1024, '[');
@@ -251,7 +251,7 @@ TEST_F(GameFinder, AnAnswerOfAWholeMebibyteIsRead) {
   EXPECT_EQ(frmGameFind->hostCount, 1);
 }
 
-TEST_F(GameFinder, AnUnloadGivesTheFetchUp) {
+TEST_F(GameFinder, UnloadingAbortsTheFetch) {
   frmGameFind->Show();
   FrmGameFind& finder = *frmGameFind;
   request();

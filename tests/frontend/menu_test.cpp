@@ -15,7 +15,7 @@ class Menu : public GameTest {
   void store(const std::string& section, const std::string& key, const std::string& value) {
     machine.settings[{section, key}] = value;
   }
-  /// The checked ones of Never, Click and Always.
+  /// The checked items among Never, Click and Always.
   static std::string line() {
     std::string marks;
     for (const MenuItem* item : {&frmMain->mnuDirLineNever, &frmMain->mnuDirLineClick, &frmMain->mnuDirLineAlways}) {
@@ -23,7 +23,7 @@ class Menu : public GameTest {
     }
     return marks;
   }
-  /// The checked ones of Stars and Quarks.
+  /// The checked items among Stars and Quarks.
   static std::string quarks() {
     std::string marks;
     for (const MenuItem* item : {&frmMain->mnuQuarkStars, &frmMain->mnuQuarkQuarks}) marks += item->Checked ? 'x' : '-';
@@ -31,7 +31,7 @@ class Menu : public GameTest {
   }
 };
 
-TEST_F(Menu, EveryItemStandsInItsMenuAsDesigned) {
+TEST_F(Menu, ItemsAreInTheirMenusAsDesigned) {
   FrmMain f;  // not loaded: as designed
   using enum MenuItem::Design;
   struct Row {
@@ -70,7 +70,7 @@ TEST_F(Menu, EveryItemStandsInItsMenuAsDesigned) {
   }
 }
 
-TEST_F(Menu, ItemsStandInTheirOrder) {
+TEST_F(Menu, ItemsAreInOrder) {
   FrmMain& f = *frmMain;
   EXPECT_EQ(f.mnuFile.children(),
             (std::vector<Control*>{&f.mnuFileConnect, &f.mnuFileDisconnect, &f.mnuFileSep1, &f.mnuFileExit}));
@@ -81,7 +81,7 @@ TEST_F(Menu, ItemsStandInTheirOrder) {
   EXPECT_EQ(f.mnuLine.children(), (std::vector<Control*>{&f.mnuDirLineNever, &f.mnuDirLineClick, &f.mnuDirLineAlways}));
 }
 
-TEST_F(Menu, AnEmptyStoreGivesTheDefaults) {
+TEST_F(Menu, EmptySettingsGiveTheDefaults) {
   EXPECT_TRUE(frmMain->mnuAudioMusic.Checked.get());
   EXPECT_TRUE(frmMain->mnuAudioSfx.Checked.get());
   EXPECT_TRUE(frmMain->mnuUpdates.Checked.get());
@@ -90,14 +90,14 @@ TEST_F(Menu, AnEmptyStoreGivesTheDefaults) {
   EXPECT_TRUE(machine.settings.empty()) << "reading stores nothing";
 }
 
-TEST_F(Menu, Q233TheDesignOfTheLineIsNeverAndItsDefaultClick) {
+TEST_F(Menu, Q233TheLineIsDesignedAsNeverButDefaultsToClick) {
   const FrmMain designed;  // not loaded
   EXPECT_TRUE(designed.mnuDirLineNever.Checked.get());
   EXPECT_FALSE(designed.mnuDirLineClick.Checked.get());
   EXPECT_EQ(line(), "-x-");
 }
 
-TEST_F(Menu, StoredSettingsAreTakenUp) {
+TEST_F(Menu, StoredSettingsAreApplied) {
   store("audio", "music", "False");
   store("audio", "sfx", "False");
   store("misc", "directionalLine", "always");
@@ -110,17 +110,17 @@ TEST_F(Menu, StoredSettingsAreTakenUp) {
   EXPECT_EQ(quarks(), "-x");
 }
 
-TEST_F(Menu, TheWordOfTheLineIsReadInAnyCase) {
+TEST_F(Menu, LineSettingIgnoresCase) {
   store("misc", "directionalLine", "ALWAYS");
   EXPECT_EQ(line(), "--x");
 }
 
-TEST_F(Menu, NeverIsAWordOfTheLineToo) {
+TEST_F(Menu, NeverIsAValidLineSetting) {
   store("misc", "directionalLine", "Never");
   EXPECT_EQ(line(), "x--");
 }
 
-TEST_F(Menu, AnUnknownWordOfTheLineLeavesTheDesign) {
+TEST_F(Menu, UnknownLineSettingKeepsTheDesign) {
   store("misc", "directionalLine", "sometimes");
   EXPECT_EQ(line(), "x--");
 }
@@ -142,7 +142,7 @@ TEST_F(Menu, ABooleanMayBeANumber) {
   EXPECT_TRUE(frmMain->mnuAudioSfx.Checked.get());
 }
 
-TEST_F(Menu, TheSwitchesInvertAndSave) {
+TEST_F(Menu, SwitchesToggleAndSave) {
   struct Row {
     MenuItem* item;
     const char* section;
@@ -177,7 +177,7 @@ TEST_F(Menu, ClickingTheCheckedOneOfThePairChecksTheOther) {
   EXPECT_EQ(stored("misc", "quarks"), "stars");
 }
 
-TEST_F(Menu, OneOfTheTripleTakesOver) {
+TEST_F(Menu, ClickingAnotherOfTheTripleMovesTheCheckMark) {
   frmMain->mnuDirLineNever.Click();
   EXPECT_EQ(line(), "x--");
   EXPECT_EQ(stored("misc", "directionalLine"), "never");
@@ -189,14 +189,14 @@ TEST_F(Menu, OneOfTheTripleTakesOver) {
   EXPECT_EQ(stored("misc", "directionalLine"), "click");
 }
 
-TEST_F(Menu, Q040ClickingTheCheckedOneOfTheTripleLeavesNoneAndTheOldWord) {
+TEST_F(Menu, Q040ClickingTheCheckedOneOfTheTripleChecksNoneAndKeepsTheOldSetting) {
   frmMain->mnuDirLineNever.Click();
   machine.journal.clear();
   frmMain->mnuDirLineNever.Click();
   EXPECT_EQ(line(), "---");
   EXPECT_TRUE(machine.journal.empty()) << "nothing is saved";
   frmMain.unload();
-  EXPECT_EQ(line(), "x--") << "the old word applies at the next start";
+  EXPECT_EQ(line(), "x--") << "the old setting applies at the next start";
 }
 
 TEST_F(Menu, FromNoneOneCanBeCheckedAgain) {
@@ -207,7 +207,7 @@ TEST_F(Menu, FromNoneOneCanBeCheckedAgain) {
   EXPECT_EQ(stored("misc", "directionalLine"), "click");
 }
 
-TEST_F(Menu, SettingsAreReadInTheirOrder) {
+TEST_F(Menu, SettingsAreReadInOrder) {
   frmMain->Show();
   std::vector<std::string> reads;
   for (const std::string& entry : machine.journal) {

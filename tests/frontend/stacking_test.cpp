@@ -9,7 +9,7 @@
 namespace kelvora {
 namespace {
 
-/// A control and another one that lies over it, hiding what is below.
+/// A control and another one that covers it.
 using Cover = std::pair<const Control*, const Control*>;
 using Covers = std::vector<Cover>;
 
@@ -18,15 +18,15 @@ bool isOpaque(const Control& control) {
   return !label || !label->design.transparent;
 }
 
-/// More than the one pixel by which neighbours may touch.
+/// True if they overlap by more than the one pixel by which neighbours may touch.
 bool overlap(const Control& a, const Control& b) {
   constexpr float pixel = 15;
   return a.Left + pixel < b.Left + b.Width && b.Left + pixel < a.Left + a.Width && a.Top + pixel < b.Top + b.Height &&
          b.Top + pixel < a.Top + a.Height;
 }
 
-/// Everything on a container, at any depth, that an opaque control covers, wholly or in part. Controls that are
-/// declared later lie over those declared earlier.
+/// Every control on a container, at any depth, that an opaque control covers at least partly. Controls declared later
+/// are on top of earlier ones.
 Covers covers(const Control& container) {
   Covers found;
   const std::vector<Control*>& controls = container.children();
@@ -44,7 +44,7 @@ Covers covers(const Control& container) {
 
 class Stacking : public GameTest {};
 
-TEST_F(Stacking, OfTheMainWindowOnlyTheRadarLiesOnAnotherControl) {
+TEST_F(Stacking, OnlyTheRadarOverlapsAnotherControlInTheMainWindow) {
   FrmMain& f = *frmMain;
   const Covers radarOnItsBox{{&f.Label3, &f.picRadar}};
   EXPECT_EQ(covers(f), radarOnItsBox);
@@ -53,13 +53,13 @@ TEST_F(Stacking, OfTheMainWindowOnlyTheRadarLiesOnAnotherControl) {
   EXPECT_EQ(covers(f), radarOnItsBox);
 }
 
-TEST_F(Stacking, TheBalanceStandsInItsBox) {
+TEST_F(Stacking, BalanceIsInsideItsBox) {
   FrmMain& f = *frmMain;
   EXPECT_TRUE(overlap(f.Label2, f.lblCredits));
   EXPECT_GE(f.lblCredits.Top - f.Label2.Top, 300) << "below the heading";
 }
 
-TEST_F(Stacking, OfTheConnectDialogOnlyTheCirclesLieOnAnotherControl) {
+TEST_F(Stacking, OnlyTheCirclesOverlapAnotherControlInTheConnectDialog) {
   FrmConnect& f = *frmConnect;
   Covers circlesOnTheirGround;
   for (Shape& circle : f.shpUserColor) circlesOnTheirGround.emplace_back(&f.colourGround, &circle);

@@ -19,7 +19,7 @@ class UpdateCheck : public GameTest {
     host().acceptConnection();
     passEvents();
   }
-  /// A whole check that ends with the host's close.
+  /// Runs a whole check, which ends when the host closes.
   void answer(const std::string& text) {
     startCheck();
     host().deliver(text);
@@ -52,7 +52,7 @@ TEST_F(UpdateCheck, ConnectsToTheWebHostsOwnPort) {
   EXPECT_EQ(host().connects, (std::vector<std::pair<std::string, int>>{{"127.0.0.1", 8123}}));
 }
 
-TEST_F(UpdateCheck, RunsOnceInARunOfTheProgram) {
+TEST_F(UpdateCheck, RunsOncePerRunOfTheProgram) {
   updateCheck::checkForUpdates();
   frmMain->sockUpdates.Close();
   updateCheck::checkForUpdates();
@@ -67,15 +67,15 @@ TEST_F(UpdateCheck, ClosesASocketThatIsNotClosed) {
   EXPECT_EQ(host().connects.size(), 1U);
 }
 
-TEST_F(UpdateCheck, AFaultInItsStepsEndsItInSilence) {
-  machine.settings[{"audio", "music"}] = "maybe";  // the window cannot load
+TEST_F(UpdateCheck, FaultEndsItSilently) {
+  machine.settings[{"audio", "music"}] = "maybe";  // so that the window fails to load
   EXPECT_NO_THROW(updateCheck::checkForUpdates());
   machine.settings.clear();
   updateCheck::checkForUpdates();
-  EXPECT_TRUE(host().connects.empty()) << "it counts as made";
+  EXPECT_TRUE(host().connects.empty()) << "it counts as done";
 }
 
-TEST_F(UpdateCheck, Q279AsksForTheWholeAddressInTheRequestLineAlone) {
+TEST_F(UpdateCheck, Q279RequestIsOneLineWithTheFullAddress) {
   startCheck();
   EXPECT_EQ(host().sends, Boxes{"GET http://web.invalid/games/kelvora/ver.txt HTTP/1.0\r\n\r\n"});
 }
@@ -122,7 +122,7 @@ TEST_F(UpdateCheck, SaysNothingAboutTheSameVersion) {
   EXPECT_EQ(frmMain->sockUpdates.State(), sckClosed);
 }
 
-TEST_F(UpdateCheck, TellsOfAnotherVersionInThreeLines) {
+TEST_F(UpdateCheck, AnnouncesAnotherVersionInThreeLines) {
   answer("HTTP/1.0 200 OK\r\n\r\ntvqver:7.3.0\r\n");
   ASSERT_EQ(machine.messageBoxes, boxOf("7.3.0"));
   EXPECT_EQ(std::count(machine.messageBoxes[0].begin(), machine.messageBoxes[0].end(), '\n'), 2);
@@ -140,17 +140,17 @@ TEST_F(UpdateCheck, Q170AFileWithoutALineBreakLosesItsLastCharacter) {
   updateCheck::parseUpdateFile("tvqver:" KELVORA_VERSION);
   EXPECT_EQ(machine.messageBoxes, boxOf(std::string(KELVORA_VERSION, sizeof KELVORA_VERSION - 2)));
   machine.messageBoxes.clear();
-  // The last character is not read, and what stands ahead of it is this version.
+  // The last character is not read, and what precedes it is this version.
   updateCheck::parseUpdateFile("tvqver:" KELVORA_VERSION "3");
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(UpdateCheck, Q170TheFirstCharacterIsReadEvenIfItIsTheLast) {
+TEST_F(UpdateCheck, Q170FirstCharacterIsReadEvenIfItIsTheLast) {
   updateCheck::parseUpdateFile("tvqver:7");
   EXPECT_EQ(machine.messageBoxes, boxOf("7"));
 }
 
-TEST_F(UpdateCheck, Q171BlanksAndLettersAreLeftOut) {
+TEST_F(UpdateCheck, Q171BlanksAndLettersAreSkipped) {
   updateCheck::parseUpdateFile("tvqver: " KELVORA_VERSION "\n");
   updateCheck::parseUpdateFile("tvqver:" KELVORA_VERSION "b\n");
   std::string mixed = "tvqver:";
@@ -175,12 +175,12 @@ TEST_F(UpdateCheck, Q172AVersionWithoutDigitsIsAnnouncedToo) {
   }
 }
 
-TEST_F(UpdateCheck, Q172ZerosInFrontMakeAnotherVersion) {
+TEST_F(UpdateCheck, Q172LeadingZerosMakeAnotherVersion) {
   updateCheck::parseUpdateFile("tvqver:0" KELVORA_VERSION "\n");
   EXPECT_EQ(machine.messageBoxes, boxOf("0" KELVORA_VERSION));
 }
 
-TEST_F(UpdateCheck, Q280TheFirstMarkerCountsAlsoInTheHeaders) {
+TEST_F(UpdateCheck, Q280TheFirstMarkerCountsEvenInTheHeaders) {
   answer("HTTP/1.0 404 Not Found\r\nX-Version: tvqver:7.3.0\r\n\r\ntvqver:" KELVORA_VERSION "\r\n");
   EXPECT_EQ(machine.messageBoxes, boxOf("7.3.0"));
 }
@@ -192,7 +192,7 @@ TEST_F(UpdateCheck, SaysNothingWithoutTheMarker) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(UpdateCheck, AHostThatCannotBeReachedIsPassedOverInSilence) {
+TEST_F(UpdateCheck, UnreachableHostIsIgnoredSilently) {
   updateCheck::checkForUpdates();
   host().refuse();
   passEvents();
@@ -200,14 +200,14 @@ TEST_F(UpdateCheck, AHostThatCannotBeReachedIsPassedOverInSilence) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(UpdateCheck, AHostThatNeverClosesIsNotHeard) {
+TEST_F(UpdateCheck, AnswerOfAHostThatNeverClosesIsNotRead) {
   startCheck();
   host().deliver("tvqver:7.2.2\r\n");
   for (int i = 0; i < 100; ++i) passEvents();
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(UpdateCheck, AHostThatNeverEndsIsLeftAndForgotten) {
+TEST_F(UpdateCheck, EndlessAnswerIsAbandonedAndDiscarded) {
   startCheck();
   const std::string portion(64 * 1024, 'x');
   host().deliver("tvqver:7.2.2\r\n");
@@ -222,12 +222,12 @@ TEST_F(UpdateCheck, AHostThatNeverEndsIsLeftAndForgotten) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(UpdateCheck, IsMadeAtTheStartIfItsMenuItemIsChecked) {
+TEST_F(UpdateCheck, RunsAtStartUpIfItsMenuItemIsChecked) {
   startGame();
   EXPECT_EQ(host().connects.size(), 1U);
 }
 
-TEST_F(UpdateCheck, IsNotMadeAtTheStartIfItsMenuItemIsUnchecked) {
+TEST_F(UpdateCheck, DoesNotRunAtStartUpIfItsMenuItemIsUnchecked) {
   machine.settings[{"misc", "updates"}] = "False";
   startGame();
   EXPECT_TRUE(host().connects.empty());
@@ -236,7 +236,7 @@ TEST_F(UpdateCheck, IsNotMadeAtTheStartIfItsMenuItemIsUnchecked) {
   EXPECT_TRUE(host().connects.empty()) << "the choice takes effect at the next start";
 }
 
-TEST_F(UpdateCheck, GoesItsWayBesideTheGame) {
+TEST_F(UpdateCheck, RunsAlongsideTheGame) {
   login();
   startCheck();
   host().deliver("tvqver:7.2.2\n");

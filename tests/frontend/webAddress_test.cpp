@@ -13,19 +13,19 @@ TEST(WebAddressText, ANameAloneMeansPort80) {
   EXPECT_EQ(parseWebAddress(""), (WebAddress{"", 80}));
 }
 
-TEST(WebAddressText, APortStandsBehindAColon) {
+TEST(WebAddressText, PortFollowsAColon) {
   EXPECT_EQ(parseWebAddress("web.invalid:8080"), (WebAddress{"web.invalid", 8080}));
   EXPECT_EQ(parseWebAddress("127.0.0.1:1"), (WebAddress{"127.0.0.1", 1}));
   EXPECT_EQ(parseWebAddress("127.0.0.1:65535"), (WebAddress{"127.0.0.1", 65535}));
 }
 
-TEST(WebAddressText, AnInvalidPortIsPort80) {
+TEST(WebAddressText, InvalidPortCountsAsPort80) {
   for (const char* text : {"h:", "h:0", "h:65536", "h:-1", "h:abc", "h:80x", "h: 8080", "h:99999999999"}) {
     EXPECT_EQ(parseWebAddress(text), (WebAddress{"h", 80})) << text;
   }
 }
 
-TEST(WebAddressText, ANumberWithColonsTakesItsPortBehindABracket) {
+TEST(WebAddressText, Ipv6AddressTakesItsPortAfterABracket) {
   EXPECT_EQ(parseWebAddress("::1"), (WebAddress{"::1", 80}));
   EXPECT_EQ(parseWebAddress("[::1]"), (WebAddress{"::1", 80}));
   EXPECT_EQ(parseWebAddress("[::1]:8080"), (WebAddress{"::1", 8080}));
@@ -86,7 +86,7 @@ TEST_F(WebSocket, NothingIsReadWhenTheConnectionHasEnded) {
   EXPECT_EQ(readArrived(frmMain->sockUpdates), "abc");
 }
 
-TEST_F(WebSocket, TheAddressIsTheMachines) {
+TEST_F(WebSocket, AddressIsTheBackendsWebHost) {
   machine.host = "other.invalid:81";
   EXPECT_EQ(webAddress(), (WebAddress{"other.invalid", 81}));
 }

@@ -18,10 +18,10 @@ namespace {
 using fuzz::Input;
 using fuzz::require;
 
-/// Independent of the build's, so that the logins in the corpus stay valid after a release.
+/// Independent of the build's version, so that the logins in the corpus stay valid after a release.
 constexpr const char* version = "9.9.9";
 
-/// The wire of up to six people and the bots, without sockets. Splits what arrives into frames and checks what is sent.
+/// Connects up to six people and the bots without sockets. Splits incoming bytes into frames and checks what is sent.
 class Table : private ArenaOutput {
  public:
   Table(int bots, const std::string& password, const ArenaRules& rules)
@@ -67,7 +67,7 @@ class Table : private ArenaOutput {
   };
 
   void send(ClientId client, const std::string& frame) override {
-    // A whole frame with no delimiter that would end it early.
+    // A whole frame without a delimiter that would end it early.
     require(frame.size() >= 3 && frame.front() == wire::frameStart && frame.back() == wire::frameEnd);
     require(frame.find(wire::frameStart, 1) == std::string::npos && frame.find(wire::frameEnd) == frame.size() - 1);
     require(frame.size() <= wire::FrameReader::maxFrameLength + 2);

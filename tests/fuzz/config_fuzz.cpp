@@ -44,7 +44,7 @@ void commandLine(Input input) {
   require(options.notes.size() <= 200 && options.password.size() <= 255);
 }
 
-/// After any announcements, the list consists of whole records, one per host, that no client stumbles over.
+/// After any announcements, the list consists of whole records, one per host, that every client can read.
 void announcements(Input input) {
   HostRegistry registry;
   Millis now = 0;
@@ -79,7 +79,7 @@ void announcements(Input input) {
     std::vector<std::string> texts;
     while (!fields.isEmpty()) texts.emplace_back(fields.upTo('|'));
     require(texts.size() == 6 && (texts[2] == "0" || texts[2] == "1"));
-    require(std::stoi(texts[1]) <= 32'767);  // clients end if it exceeds a signed 16-bit number
+    require(std::stoi(texts[1]) <= 32'767);  // clients end with a fault if it exceeds 16 signed bits
   }
   require(records <= registry.size());
 }

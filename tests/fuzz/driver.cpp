@@ -1,5 +1,5 @@
-// Runs a fuzz target without a fuzzer: replays files and, with --seconds or --runs, mutates them, also with the words
-// of a --dictionary. If a run crashes, its input is left in crash-<program> in the current folder.
+// Runs a fuzz target without a fuzzer: replays files and, with --seconds or --runs, mutates them, optionally with the
+// words of a --dictionary. If a run crashes, its input is left in crash-<program> in the current folder.
 
 #include <unistd.h>
 
@@ -49,7 +49,7 @@ void run(std::string input) {
   LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
 }
 
-/// The words of a dictionary as libFuzzer reads it: one a line, each byte as \xNN.
+/// The words of a dictionary as libFuzzer reads it: one per line, each byte as \xNN.
 std::vector<std::string> readDictionary(std::istream& lines) {
   std::vector<std::string> words;
   for (std::string line; std::getline(lines, line);) {

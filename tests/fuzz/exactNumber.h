@@ -8,8 +8,8 @@
 
 namespace kelvora::fuzz {
 
-/// A number of any size, exact, digit by digit: slow, and simple enough to be right. Its value is sign * 0.d1d2d3... *
-/// 10^exponent, without zeros at either end of the digits. Zero has no digits.
+/// An exact number of any size, computed digit by digit: slow, but simple enough to be correct. Its value is sign *
+/// 0.d1d2d3... * 10^exponent, without zeros at either end of the digits. Zero has no digits.
 struct ExactNumber {
   bool isNegative = false;
   std::vector<int> digits;
@@ -17,9 +17,9 @@ struct ExactNumber {
 
   /// Exact, because every binary fraction is a finite decimal.
   static ExactNumber of(double value);
-  /// Digits with an optional point, times a power of ten.
+  /// Decimal digits with an optional point, times a power of ten.
   static ExactNumber ofDecimal(std::string_view digitsAndPoint, std::int64_t power);
-  /// The numbers must not be negative.
+  /// Of numbers that are not negative.
   static ExactNumber sumOf(double one, double other);
   static ExactNumber midwayBetween(double one, double other);
 

@@ -17,16 +17,17 @@ class FuzzClient : public GameTest {
 
   FuzzClient();
 
-  /// Runs an action that may end the program as the rules allow: by a run-time fault, or deliberately. False if it has.
-  /// Any other exception is a failure.
+  /// Runs an action. False if it has ended the program in a permitted way: by a run-time fault, or deliberately. Any
+  /// other exception is a failure.
   bool survives(const std::function<void()>& action);
 
-  /// Passes the bytes of an input to `deliver`, split where it says so, and its commands to `act`.
+  /// Passes the bytes of an input to `deliver`, split as the input says, and its commands to `act`.
   void play(Input input, const std::function<void(std::string piece)>& deliver,
             const std::function<void(char what, Input& input)>& act);
 
   /// Delivers the bytes during the next message box, one piece per box.
   void keepForBox(std::string piece) { forBoxes_.push_back(std::move(piece)); }
+  /// Called with each of those pieces while its box is open.
   std::function<void(const std::string& piece)> read;
 
   /// Closes an open connection from the far end.
@@ -34,7 +35,7 @@ class FuzzClient : public GameTest {
     if (socket.state() == sckConnected) socket.closeByServer();
   }
 
-  /// Requires that everything sent so far is whole frames with ids that a client uses.
+  /// Requires that everything sent so far consists of whole frames with a client's ids.
   void requireSoundFrames();
 
   using GameTest::machine;

@@ -8,7 +8,7 @@
 
 namespace kelvora::fuzz {
 
-/// The bytes that determine a run, consumed from the left. After the end there are zeros and empty texts.
+/// The bytes that determine a run, consumed from the left. Beyond the end it returns zeros and empty texts.
 class Input {
  public:
   Input(const void* data, std::size_t size) : text_(size == 0 ? "" : static_cast<const char*>(data), size) {}

@@ -1,4 +1,4 @@
-// Six hostile connections to one server on the loopback interface, which speak frames, HTTP and WebSocket in any order.
+// Six hostile connections to one server on the loopback interface, speaking frames, HTTP and WebSocket in any order.
 
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -39,7 +39,7 @@ constexpr std::array<std::string_view, 8> requests = {
     "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n",
     "PROXY TCP4 192.0.2.7 127.0.0.1 1 2\r\n"};
 
-/// A WebSocket frame of a client. `head` is its first byte; only the right ones are masked.
+/// A WebSocket frame of a client. `head` is its first byte; only valid ones are masked.
 std::string webSocketFrame(std::uint8_t head, bool isMasked, std::string_view payload) {
   std::string frame(1, static_cast<char>(head));
   const auto mark = static_cast<std::uint8_t>(isMasked ? 0x80 : 0);
@@ -56,7 +56,7 @@ std::string webSocketFrame(std::uint8_t head, bool isMasked, std::string_view pa
   return frame;
 }
 
-/// Whole frames of the game, but for the last one, which a dropped connection may cut; or answers.
+/// Requires whole frames of the game, except for the last one, which a dropped connection may cut off; or HTTP answers.
 void checkPlain(std::string_view heard) {
   if (heard.empty()) return;
   if (heard.front() != wire::frameStart) {
@@ -71,7 +71,7 @@ void checkPlain(std::string_view heard) {
   }
 }
 
-/// The frames of a server, which are never masked nor compressed. What they carry is a plain stream again.
+/// Decodes a server's WebSocket frames, which are never masked or compressed. Their payload is a plain stream.
 void checkWebSocket(std::string_view heard) {
   std::string payload;
   while (heard.size() >= 2) {
@@ -93,13 +93,13 @@ void checkWebSocket(std::string_view heard) {
   checkPlain(payload);
 }
 
-/// A client's end of a connection.
+/// The client's end of a connection.
 class Line {
  public:
   Line(asio::io_context& context, std::uint16_t port, std::uint32_t host) : socket_(context) {
     socket_.open(asio::ip::tcp::v4());
     socket_.bind({asio::ip::address_v4(INADDR_LOOPBACK - 1 + host), 0});
-    // Ports aren't kept for a while, as there are thousands of runs.
+    // Don't keep ports reserved, as there are thousands of runs.
     socket_.set_option(asio::socket_base::linger(true, 0));
     // A fuzzer's timer may interrupt this.
     error_code error = asio::error::interrupted;
@@ -117,7 +117,7 @@ class Line {
     error_code ignored;
     socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
   }
-  /// Takes in what has come.
+  /// Reads everything received so far.
   void hear() {
     std::array<char, 4096> bytes;
     error_code error;
@@ -150,12 +150,12 @@ class Scene {
     settle();
   }
 
-  /// One step of one of the six.
+  /// Performs one step of one of the six connections.
   void act(Input& input) {
     const std::uint8_t what = input.byte();
     const std::size_t seat = what % lines_.size();
     if (!lines_[seat]) {
-      // The first one comes from the proxy.
+      // The first connection comes from the proxy.
       lines_[seat] = std::make_unique<Line>(clients_, server_.port(), static_cast<std::uint32_t>(5 + seat));
     }
     Line& line = *lines_[seat];
@@ -194,7 +194,7 @@ class Scene {
     settle();
   }
 
-  /// Whatever they did, the player beside them plays on, and the server ends when it is told to.
+  /// Requires that, whatever they did, the player beside them plays on and the server stops when told to.
   void finish() {
     ann_.send(wire::toServer<wire::msgChat>(-1, "still here"));
     const auto end = std::chrono::steady_clock::now() + patience;

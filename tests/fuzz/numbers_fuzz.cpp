@@ -36,7 +36,7 @@ std::string digitsText(const ExactNumber& number, std::int64_t from, std::int64_
   return text;
 }
 
-/// Decimal text of at most that many digits, as on the wire.
+/// Decimal text with at most this many digits, as on the wire.
 std::string expectedText(double value, int significant) {
   const ExactNumber number = ExactNumber::of(value).withDigits(significant);
   if (number.isZero()) return "0";
@@ -92,13 +92,14 @@ void checkValue(double value) {
   if (single) require(std::isfinite(*single));
 }
 
-/// A single written with 9 digits would come back unchanged. Ours have 7, so it comes back as one with the same text.
+/// A single written with 9 digits would be read back unchanged. Ours have 7 digits, so the value read back only has the
+/// same text.
 void checkSingle(float value) {
   const auto text = attempt([&] { return numberText(value); });
   require(text.has_value() == std::isfinite(value));
   if (!text) return;
   require(*text == expectedText(static_cast<double>(value), 7));
-  // The largest singles round up to a text beyond their range.
+  // The texts of the largest singles round up beyond their range.
   const auto again = attempt([&] { return toSingle(readNumber(*text)); });
   require(again ? numberText(*again) == *text : std::fabs(value) > 3.402823e38F);
 }
@@ -110,7 +111,7 @@ struct Reading {
   std::string mantissa;  // digits and a point
   std::int64_t power = 0;
   bool isNegative = false;
-  bool isWhole = false;  // nothing but blanks is left
+  bool isWhole = false;  // only blanks are left
 };
 
 std::optional<Reading> readSlowly(std::string_view text) {
@@ -160,7 +161,7 @@ void checkText(std::string_view text) {
   }
   require(strict.has_value() == (got.has_value() && reading->isWhole));
   const ExactNumber exact = ExactNumber::ofDecimal(reading->mantissa, reading->power);
-  // Half a unit above the largest double, it overflows.
+  // From half a unit above the largest double on, it overflows.
   constexpr double largest = std::numeric_limits<double>::max();
   const bool isTooLarge = exact.compareMagnitude(ExactNumber::sumOf(largest, std::ldexp(1.0, 970))) >= 0;
   require(got.has_value() != isTooLarge);
@@ -169,7 +170,7 @@ void checkText(std::string_view text) {
   require(std::isfinite(magnitude));
   require(magnitude == 0 || std::signbit(*got) == reading->isNegative);
   if (exact.exponent < -330) return require(magnitude == 0);
-  // The nearest double: at most half-way to its neighbours, and exactly half-way only if it is even.
+  // The nearest double: at most half-way to its neighbours, and exactly half-way only from an even double.
   const bool isEven = (std::bit_cast<std::uint64_t>(magnitude) & 1) == 0;
   if (magnitude > 0) {
     const auto below = exact.compareMagnitude(ExactNumber::midwayBetween(std::nextafter(magnitude, 0), magnitude));
@@ -195,7 +196,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case 1:
       checkSingle(std::bit_cast<float>(static_cast<std::uint32_t>(input.number(4))));
       break;
-    case 2:  // sixteenths and thousandths, many of them half-way
+    case 2:  // sixteenths and thousandths, many of them ties
       checkValue(static_cast<double>(static_cast<std::int32_t>(input.number(4))) / (input.byte() % 2 == 0 ? 16 : 1000));
       break;
     default:

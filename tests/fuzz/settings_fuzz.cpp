@@ -16,7 +16,7 @@ namespace {
 using fuzz::FuzzClient;
 using fuzz::Input;
 
-/// Every section and key of the program. The last five are the five fonts.
+/// Every section and key that the program reads. The last five are the five fonts.
 std::pair<std::string, std::string> settingOf(int number) {
   static const std::array<std::pair<const char*, const char*>, 10> plain = {{{"audio", "music"},
                                                                              {"audio", "sfx"},

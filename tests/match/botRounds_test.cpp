@@ -1,5 +1,5 @@
-// A hundred rounds of bots alone: every round ends, the credits balance, and what the arena has told is played to real
-// clients, which come to see the same.
+// A hundred rounds of bots only. Every round ends, the credits balance, and real clients that replay the arena's
+// messages end up with the same state.
 
 #include <gtest/gtest.h>
 
@@ -38,10 +38,10 @@ struct Account {
   std::int64_t captures = 0;
   std::int64_t survivals = 0;
   std::int64_t spent = 0;
-  Millis alive = 0;  ///< to the arena's ticks
+  Millis alive = 0;  ///< as of the arena's last tick
 };
 
-/// Six bots of all levels in an arena, which takes them for people, so that its clock runs.
+/// Six bots of all levels in an arena that takes them for people, so that its clock runs.
 class BotMatch : private server::ArenaOutput {
  public:
   BotMatch(unsigned seed, bool records) : isRecording_(records), arena_(*this, KELVORA_VERSION, "", seed) {
@@ -55,13 +55,13 @@ class BotMatch : private server::ArenaOutput {
     }
   }
 
-  /// Plays to the end of a round; false if it did not come in time.
+  /// Plays to the end of a round. False if it doesn't end in time.
   bool playRound() {
     const std::size_t before = results.size();
     for (const Millis end = now_ + maxRoundTime; results.size() == before && now_ < end;) step();
     return results.size() > before;
   }
-  /// Nobody does anything until every capture has landed.
+  /// Waits until every capture has landed, without anybody acting.
   void settle() {
     for (const Millis end = now_ + 9'000; now_ < end; now_ += 40) arena_.tick(now_);
   }
@@ -91,7 +91,7 @@ class BotMatch : private server::ArenaOutput {
   void send(ClientId client, const std::string& frame) override {
     if (isRecording_) recording.add(client, now_, frame);
     const auto [id, fields] = messageOf(frame);
-    // The nodes are 1 to 6 in the order of the logins, as are the clients.
+    // The nodes are 1 to 6 in the order of the logins, like the clients.
     if (client == 1 && id == wire::msgTailCapture) {
       if (fields[0] != fields[1]) accounts[clientOf(fields[0])].captures += captureCredits;
       isDead_[clientOf(fields[1])] = true;
@@ -124,7 +124,7 @@ class BotMatch : private server::ArenaOutput {
   std::map<ClientId, bool> isDead_;
 };
 
-TEST(BotRounds, AHundredEndAndTheCreditsBalance) {
+TEST(BotRounds, AHundredRoundsEndWithBalancedCredits) {
   BotMatch match(1, false);
   for (int round = 0; round < roundsToPlay; ++round) ASSERT_TRUE(match.playRound()) << "round " << round;
   EXPECT_GE(match.roundsWithCaptures, roundsToPlay * 9 / 10);
@@ -140,7 +140,7 @@ TEST(BotRounds, AHundredEndAndTheCreditsBalance) {
 }
 
 TEST(BotRounds, ClientsSeeThemAsTheServerDoes) {
-  // Six rounds of their own: a client takes about half a second for each.
+  // Six extra rounds, because a client takes about half a second for each.
   for (const unsigned seed : {2U, 3U, 4U}) {
     if (isBrowserBuild && seed > 2) break;
     BotMatch match(seed, true);

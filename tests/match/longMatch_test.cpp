@@ -17,8 +17,8 @@
 #include "tests/support/gameTest.h"
 #include "tools/headless/heap.h"
 
-// A long match: the real client, the real rules of the server and five other players, in one process and on a clock
-// that is set by hand, so that half an hour of play takes seconds.
+// A long match: the real client, the real rules of the server and five other players, in one process and on a clock set
+// by hand, so that half an hour of play takes seconds.
 
 namespace kelvora {
 namespace {
@@ -54,7 +54,7 @@ class LongMatch : public GameTest, public server::ArenaOutput {
  protected:
   LongMatch() { frmMain->Show(); }
 
-  /// Our bytes go to the arena's rules, frame by frame, and its answers are on their way for three frames.
+  /// Passes our frames to the arena's rules. Its answers take three frames to arrive.
   void relay() {
     std::string& sent = server().sent;
     EXPECT_TRUE(reader_.read(sent, [this](std::string_view text) { arena_.received(ourClient, text, now()); }));
@@ -123,7 +123,7 @@ class LongMatch : public GameTest, public server::ArenaOutput {
     machine.soundCommands.clear();
   }
 
-  /// After everybody has rested for a while, every opponent is at the server's last position, and our own tail ends
+  /// Once everybody has rested for a while, every opponent is at the server's last position, and our own tail ends
   /// there.
   void expectNoDrift() {
     const clsPlayer& local = modMain::world.localPlayer;
@@ -147,12 +147,12 @@ class LongMatch : public GameTest, public server::ArenaOutput {
   wire::FrameReader reader_;
   std::vector<Pilot> pilots_;
   std::string toUs_;
-  std::deque<std::string> underWay_;  // what the server sent, a frame's worth each
+  std::deque<std::string> underWay_;  // what the server sent, one entry per frame of the game
   std::map<std::int16_t, Vector> lastRelayed_;
   int relayed_ = 0;
 };
 
-TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndTrue) {
+TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndConsistent) {
   join();
   constexpr int minutes = isBrowserBuild ? 8 : 30;
   std::vector<std::int64_t> heapByMinute;
@@ -170,19 +170,19 @@ TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndTrue) {
       heapByMinute.push_back(usedHeapBytes());
     }
   }
-  // Everybody reports 25 times a second, the others for 54 seconds of a minute, we for all of it and once more for each
-  // ping.
+  // Everybody reports 25 times a second: the others for 54 seconds of each minute, we for all of it and once more after
+  // each ping.
   EXPECT_GE(relayed_, minutes * 25 * (60 + 5 * 54) - 6);
   EXPECT_LE(relayed_, minutes * 25 * (60 + 5 * 54) + minutes * 6);
-  // A vertex dies above 200 units of 10 ms, counted from its second ageing, and a player lays at most one in a frame
-  // and one more for a point that is reached in it.
+  // A vertex expires above 200 units of 10 ms, counted from its second ageing. A player lays at most one vertex per
+  // frame, and one more for a point reached in it.
   EXPECT_LE(maxTailLength, 2 * 205);
   EXPECT_GT(maxTailLength, 40);
   EXPECT_EQ(modMain::world.particleCount, 150);
   EXPECT_EQ(modMain::world.explosionCount, 0);
   EXPECT_LT(maxQueueLength, 400U);
   EXPECT_EQ(modMain::world.opponentCount, 5);
-  // The heap of the last minute is that of the fifth: nothing is kept that grows with time.
+  // The heap has the same size in the last minute as in the fifth: nothing grows with time.
   const auto early = static_cast<double>(heapByMinute[4]);
   EXPECT_NEAR(static_cast<double>(heapByMinute.back()), early, early * 0.02);
 }

@@ -7,9 +7,9 @@
 namespace kelvora {
 namespace {
 
-TEST(LongPlay, EveryKindOfMessageComesAndNothingGrowsButWhatTheRulesKeep) {
+TEST(LongPlay, EveryKindOfMessageOccursAndOnlyKeptStateGrows) {
   LongPlay game;
-  // By then the window has been large once.
+  // By now the window has been large once.
   game.play(80 * LongPlay::framesPerSecond);
   game.playToCalm();
   const LongPlay::Figures early = game.figures();
@@ -22,7 +22,7 @@ TEST(LongPlay, EveryKindOfMessageComesAndNothingGrowsButWhatTheRulesKeep) {
   }
   for (const int id : {131, 133, 135, 144, 149, 152, 155, 158}) EXPECT_GT(game.sent[id], 0) << "message " << id;
   EXPECT_GE(game.boxes, 1 + 2) << "for the refused login, and the spawns refused at 1:30 and 3:30";
-  EXPECT_GE(late.slots, 5U + 2) << "a visitor came, and a bot when he had left";
+  EXPECT_GE(late.slots, 5U + 2) << "a visitor came, and a bot after the visitor had left";
   EXPECT_GE(late.rounds, 2);
   const std::int64_t growth = (late.heapBytes - late.keptBytes) - (early.heapBytes - early.keptBytes);
   EXPECT_LT(growth, 32 * 1024);

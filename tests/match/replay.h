@@ -13,7 +13,7 @@ namespace kelvora {
 
 /// Records what the arena sends to each client, and when. An ArenaOutput passes everything to `add`. After the match,
 /// `expectTrueReplay` replays one client's stream to a whole headless client, frame by frame on a clock set by hand,
-/// and compares. A process holds one client at a time, so no GameTest may exist meanwhile (use plain TESTs).
+/// and compares the results. Only one client can exist at a time, so use plain TESTs instead of GameTest.
 class Recording {
  public:
   using Stream = std::vector<std::pair<Millis, std::string>>;
@@ -35,8 +35,8 @@ struct ReplayLine {
 };
 
 /// Expects that client `client`, which must still be logged in, ends up with what the arena's players() returns after
-/// all captures have landed: the same players, who is alive, everybody's kills and credits, and its own stock. And that
-/// nobody dies in between whom the server's latest message has brought to life.
+/// all captures have landed: the same players, who is alive, everybody's kills and credits, and its own stock. Also
+/// expects that nobody whom the server's latest message has brought to life dies in between.
 void expectTrueReplay(const Recording& recording, server::ClientId client,
                       const std::vector<server::PlayerView>& players, const ReplayLine& line = {});
 

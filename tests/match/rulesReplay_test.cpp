@@ -29,7 +29,7 @@ constexpr Millis reportInterval = 40;
 /// whenever it is dead.
 struct Fighter {
   ClientId client = 0;
-  bool isIn = false;  ///< a login may have to wait for somebody to be gone
+  bool isIn = false;  ///< a login may have to wait until somebody has left
   double x = 0;
   double y = 0;
   double angle = 0;
@@ -138,7 +138,7 @@ class Melee : private server::ArenaOutput {
 
   void fly(Fighter& fighter, const PlayerView& self, const std::vector<PlayerView>& views) {
     const PlayerView* prey = findBy(views, &PlayerView::client, fighter.prey);
-    double stepLeft = 1'200;  // both axes together, in four frames
+    double stepLeft = 1'200;  // both axes combined, in four frames
     if (self.isRunning[turboSlot]) stepLeft *= 3;
     double goalX = fighter.x;
     double goalY = fighter.y;
@@ -215,7 +215,7 @@ TEST_P(MeleeReplay, EveryClientSeesTheServersDecisions) {
   }
 }
 
-/// One of three circles round the last, and then somebody goes at once.
+/// One of three players circles the last one. Then somebody leaves at once.
 void expectTruthWithout(ClientId leaver, ClientId winner) {
   SCOPED_TRACE("leaver " + std::to_string(leaver));
   server::ArenaRules rules = lively;
@@ -237,9 +237,9 @@ void expectTruthWithout(ClientId leaver, ClientId winner) {
   for (const PlayerView& player : players) expectTrueReplay(melee.recording, player.client, players);
 }
 
-TEST(RulesReplay, WhenALoserLeavesNobodyElseDiesForHim) { expectTruthWithout(3, 1); }
+TEST(RulesReplay, NobodyElseDiesWhenALoserLeaves) { expectTruthWithout(3, 1); }
 
-TEST(RulesReplay, WhenAWinnerLeavesHisCaptureIsNotForgotten) { expectTruthWithout(2, 2); }
+TEST(RulesReplay, CaptureSurvivesItsWinnersDeparture) { expectTruthWithout(2, 2); }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, MeleeReplay, testing::Values(1U, 2U));
 

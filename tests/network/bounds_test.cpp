@@ -22,7 +22,7 @@ class Bounds : public GameTest {
   }
 };
 
-TEST_F(Bounds, ATailTakesNoMoreThanAQuarterOfAMillionVertices) {
+TEST_F(Bounds, TailHasAtMostAQuarterOfAMillionVertices) {
   world.localPlayer.powerups[extendedTailSlot].active = true;
   const std::string echo = frame(wire::msgPosition, {"7", "1", "1"});
   for (int i = 0; i < 6; ++i) serverSends(repeated(echo, 50'000));
@@ -52,7 +52,7 @@ TEST_F(Bounds, DepartedTailsAreFreedBeyondManyVertices) {
   }
   for (int i = 0; i < 122'000; ++i) world.localPlayer.addTail({1, 1});
   serverSends(wire::msgPlayerLeft, {"8"});
-  EXPECT_EQ(modMain::world.opponents[0].tailCount(), 1'000) << "125,000 are half of what there can be, and not more";
+  EXPECT_EQ(modMain::world.opponents[0].tailCount(), 1'000) << "125,000 are exactly half of the maximum";
   world.localPlayer.addTail({1, 1});
   serverSends(wire::msgPlayerLeft, {"9"});
   EXPECT_EQ(modMain::world.opponents[1].tailCount(), 0);
@@ -60,9 +60,9 @@ TEST_F(Bounds, DepartedTailsAreFreedBeyondManyVertices) {
   EXPECT_EQ(clsTail::count(), 124'002U);
   for (int i = 0; i < 1'000; ++i) world.localPlayer.addTail({1, 1});
   netMan::disconnectFromServer();
-  EXPECT_EQ(modMain::world.opponents[0].tailCount(), 0) << "when we leave, all have gone";
-  EXPECT_EQ(modMain::world.opponents[2].tailCount(), 1'000) << "the first one's vertices are enough";
-  EXPECT_EQ(world.localPlayer.tailCount(), 123'002) << "our own stays as it is";
+  EXPECT_EQ(modMain::world.opponents[0].tailCount(), 0) << "when we leave, everybody has left";
+  EXPECT_EQ(modMain::world.opponents[2].tailCount(), 1'000) << "freeing the first one's vertices is enough";
+  EXPECT_EQ(world.localPlayer.tailCount(), 123'002) << "our own tail stays";
 }
 
 TEST_F(Bounds, AtMostAMillionPositionsAreQueued) {
@@ -90,7 +90,7 @@ TEST_F(Bounds, AtMostAThousandVerticesHaveAPendingCapture) {
   EXPECT_EQ(world.localPlayer.kills, 0);
   serverSends(wire::msgTailCapture, {"7", "8", "1000", "0"});
   EXPECT_EQ(modMain::world.killerTails.size(), 1'000U);
-  EXPECT_EQ(world.localPlayer.kills, 1) << "the one beyond lands at once";
+  EXPECT_EQ(world.localPlayer.kills, 1) << "the capture beyond the limit lands at once";
 }
 
 TEST_F(Bounds, AVertexHasAThousandVictims) {

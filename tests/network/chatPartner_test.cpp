@@ -22,7 +22,7 @@ class ChatPartner : public GameTest {
   static Label& label() { return frmMain->lblPrivChat; }
 };
 
-TEST_F(ChatPartner, Q265EveryButtonChangesTheModeAndOnlyTheLeftOneShows) {
+TEST_F(ChatPartner, Q265AnyButtonChangesTheModeButOnlyTheLeftOnePressesTheLabel) {
   for (const int button : {1, 2, 4}) {
     label().BorderStyle = 0;
     const netMan::ChatMode before = netMan::getChatMode();
@@ -43,7 +43,7 @@ TEST_F(ChatPartner, PublicModeIsShownOnWhite) {
 }
 
 TEST_F(ChatPartner, Q079AnEmptyRowKeepsTheOldNameAndSendsToTheFirstOpponent) {
-  frmMain->lbUserName[5].MouseUp(1, 0, 0, 0);  // nobody is purple
+  frmMain->lbUserName[5].MouseUp(1, 0, 0, 0);  // no player is purple
   EXPECT_EQ(netMan::privateTargetName, "");
   EXPECT_EQ(netMan::privateTargetIndex, 0);
   EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);
@@ -54,7 +54,7 @@ TEST_F(ChatPartner, Q079AnEmptyRowKeepsTheOldNameAndSendsToTheFirstOpponent) {
 
   label().MouseUp(1, 0, 0, 0);
   label().MouseUp(1, 0, 0, 0);
-  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public) << "there is no name to go back to";
+  EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Public) << "there is no name to return to";
   EXPECT_EQ(label().Caption.get(), "Public Chat");
 }
 
@@ -72,7 +72,7 @@ TEST_F(ChatPartner, APrivateLineFromANamelessPlayerLeavesTheModePublic) {
   EXPECT_EQ(sentFrames(), std::vector<WireMessage>{chat("-1", "who?")});
 }
 
-TEST_F(ChatPartner, APrivateLineFromANamelessPlayerRedirectsAPrivateTalk) {
+TEST_F(ChatPartner, PrivateLineFromANamelessPlayerRedirectsAPrivateChat) {
   join(12, 3, "");
   serverSends(wire::msgChat, {"12", "(private) psst"});
   EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);

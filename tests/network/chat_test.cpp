@@ -9,7 +9,7 @@ constexpr int keyDown = 40;
 constexpr Colour publicBack = RGB(255, 255, 255);
 constexpr Colour privateBack = RGB(128, 128, 255);
 
-/// Ann is the local player with node 7; Bob (9) and Cat (11) are there.
+/// Ann is the local player with node 7. Bob (9) and Cat (11) are opponents.
 class Chat : public GameTest {
  protected:
   Chat() {
@@ -19,7 +19,7 @@ class Chat : public GameTest {
     modMain::world.chatLines = {};
   }
   void key(int code) { frmMain->txtChat.KeyDown(code, 0); }
-  /// Types a line and Enter.
+  /// Types a line and presses Enter.
   void enter(const std::string& line) {
     frmMain->txtChat.Text = line;
     key(keyReturn);
@@ -45,7 +45,7 @@ TEST_F(Chat, AnEmptyLineIsNotSent) {
   EXPECT_TRUE(chats().empty());
 }
 
-TEST_F(Chat, OtherCharactersDoNotSend) {
+TEST_F(Chat, OnlyEnterSends) {
   frmMain->txtChat.Text = "hello";
   frmMain->txtChat.KeyPress('x');
   EXPECT_TRUE(chats().empty());
@@ -74,10 +74,10 @@ TEST_F(Chat, Q076ALineFilteredToNothingIsStillSent) {
   EXPECT_EQ(chats(), (std::vector<WireMessage>{chat("-1", ""), chat("9", "(private) ")}));
 }
 
-TEST_F(Chat, ATildeBehindADroppedCharacterIsChat) {
+TEST_F(Chat, TildeAfterADroppedCharacterIsChat) {
   enter("\xE9~?");
   EXPECT_EQ(chats(), std::vector<WireMessage>{chat("-1", "~?")});
-  EXPECT_TRUE(machine.messageBoxes.empty()) << "the filter works after the look at the first character";
+  EXPECT_TRUE(machine.messageBoxes.empty()) << "the filter runs after the first character is checked";
 }
 
 TEST_F(Chat, APrivateLineGoesToThePartner) {
@@ -93,7 +93,7 @@ TEST_F(Chat, Q077APrivateLineToADepartedPlayerGoesToNode0) {
   EXPECT_EQ(chats(), std::vector<WireMessage>{chat("0", "(private) still there?")});
 }
 
-TEST_F(Chat, WithoutConnectionTheLineIsGoneButKeptInTheHistory) {
+TEST_F(Chat, WithoutAConnectionALineIsDroppedButKeptInTheHistory) {
   netMan::disconnectFromServer();
   modMain::world.chatLines = {};
   enter("anyone?");
@@ -102,7 +102,7 @@ TEST_F(Chat, WithoutConnectionTheLineIsGoneButKeptInTheHistory) {
   EXPECT_EQ(frmMain->chatHistory[0], "anyone?");
 }
 
-TEST_F(Chat, PublicLinesAreOfTypeZeroTheOwnOneToo) {
+TEST_F(Chat, PublicLinesAreOfTypeZeroIncludingYourOwn) {
   serverSends(wire::msgChat, {"9", "hi all"});
   EXPECT_EQ(lastLine().text, "[Bob] hi all");
   EXPECT_EQ(lastLine().colour, RGB(128, 255, 128));
@@ -111,7 +111,7 @@ TEST_F(Chat, PublicLinesAreOfTypeZeroTheOwnOneToo) {
   EXPECT_EQ(lastLine().colour, RGB(128, 255, 128));
 }
 
-TEST_F(Chat, TheEchoOfTheOwnPrivateLineIsOfTypeOne) {
+TEST_F(Chat, EchoOfYourOwnPrivateLineIsOfTypeOne) {
   serverSends(wire::msgChat, {"7", "(private) psst"});
   EXPECT_EQ(lastLine().text, "[Ann] (private) psst");
   EXPECT_EQ(lastLine().colour, RGB(255, 255, 255));
@@ -129,7 +129,7 @@ TEST_F(Chat, Q078APrivateMessageMakesItsSenderThePartner) {
   EXPECT_EQ(chats(), std::vector<WireMessage>{chat("11", "(private) what?")});
 }
 
-TEST_F(Chat, ThePrefixCountsInAnyCaseAndOnlyInFront) {
+TEST_F(Chat, PrefixIgnoresCaseAndMustComeFirst) {
   serverSends(wire::msgChat, {"9", "(PRIVATE) PSST"});
   EXPECT_EQ(lastLine().colour, RGB(255, 0, 255));
   serverSends(wire::msgChat, {"9", "(private)psst"});
@@ -186,7 +186,7 @@ TEST_F(Chat, AClickOnANameChoosesThePartner) {
   EXPECT_EQ(netMan::getChatMode(), netMan::ChatMode::Private);
 }
 
-TEST_F(Chat, Q079AClickOnTheOwnNameSendsToTheFirstOpponent) {
+TEST_F(Chat, Q079AClickOnYourOwnNameSendsToTheFirstOpponent) {
   frmMain->lbUserName[0].MouseUp(1, 0, 0, 0);
   EXPECT_EQ(frmMain->lblPrivChat.Caption.get(), "Ann");
   enter("me?");
@@ -214,7 +214,7 @@ TEST_F(Chat, Q081TheNewLineTakesTheTwoNewestPlaces) {
   EXPECT_EQ(frmMain->chatHistory[3], "");
 }
 
-TEST_F(Chat, EmptyUntrimmedAndUnfilteredLinesAreStoredAsTheyAre) {
+TEST_F(Chat, LinesAreStoredAsTyped) {
   enter("one");
   enter("");
   EXPECT_EQ(frmMain->chatHistory[0], "");
@@ -244,17 +244,17 @@ TEST_F(Chat, Q080UpAddsABlankAndDownDoesNot) {
   EXPECT_EQ(frmMain->txtChat.SelStart.get(), 5);
 }
 
-TEST_F(Chat, Q081ThePositionStaysWhereItWasAfterEnter) {
+TEST_F(Chat, Q081EnterKeepsTheHistoryPosition) {
   enter("one");
   enter("two");
   key(keyUp);
   enter("three");
   EXPECT_EQ(frmMain->chatHistoryPosition, 1);
   key(keyUp);
-  EXPECT_EQ(entryText(), "two ") << "places: three, three, two, one";
+  EXPECT_EQ(entryText(), "two ") << "entries: three, three, two, one";
 }
 
-TEST_F(Chat, TheHistoryEndsAtBothSides) {
+TEST_F(Chat, HistoryStopsAtBothEnds) {
   enter("one");
   key(keyDown);
   EXPECT_EQ(entryText(), "");
@@ -271,7 +271,7 @@ TEST_F(Chat, TheHistoryEndsAtBothSides) {
   EXPECT_EQ(entryText(), "");
 }
 
-TEST_F(Chat, EveryKeyGoesOnToTheCanvas) {
+TEST_F(Chat, EveryKeyIsPassedOnToTheCanvas) {
   std::vector<int> seen;
   frmMain->canvas.KeyDown = [&](int code, int) { seen.push_back(code); };
   for (const int code : {keyUp, keyDown, keyReturn, 112, 65}) key(code);

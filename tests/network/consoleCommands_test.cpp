@@ -52,7 +52,7 @@ TEST_F(ConsoleCommands, UnknownAndEmptyVerbsDoNothing) {
   EXPECT_EQ(modMain::world.chatLines[0].text, "");
 }
 
-TEST_F(ConsoleCommands, QuarkTypeSetsUpTheWholeFieldAtItsPlaces) {
+TEST_F(ConsoleCommands, QuarkTypeInitialisesTheWholeFieldInPlace) {
   std::vector<Vector> places;
   for (int i = 0; i < 150; ++i) places.push_back(modMain::world.particles[static_cast<std::size_t>(i)].getPosition());
   enter("~quarktype:2");
@@ -64,19 +64,19 @@ TEST_F(ConsoleCommands, QuarkTypeSetsUpTheWholeFieldAtItsPlaces) {
   }
 }
 
-TEST_F(ConsoleCommands, VerbsAreTrimmedAndFolded) {
+TEST_F(ConsoleCommands, VerbsAreTrimmedAndIgnoreCase) {
   enter("~QUARKTYPE:3");
   EXPECT_EQ(types(), std::vector<int>{3});
   enter("~ quarktype :1");
   EXPECT_EQ(types(), std::vector<int>{1});
 }
 
-TEST_F(ConsoleCommands, OnlyTheSecondPieceIsTheArgument) {
+TEST_F(ConsoleCommands, OnlyTheSecondPartIsTheArgument) {
   enter("~quarktype:3:9");
   EXPECT_EQ(types(), std::vector<int>{3});
 }
 
-TEST_F(ConsoleCommands, ArgumentsAreNumberTextAndRounded) {
+TEST_F(ConsoleCommands, ArgumentsAreReadLenientlyAndRounded) {
   enter("~quarktype:2.5");
   EXPECT_EQ(types(), std::vector<int>{2});
   enter("~quarktype:3abc");
@@ -86,13 +86,13 @@ TEST_F(ConsoleCommands, ArgumentsAreNumberTextAndRounded) {
   EXPECT_THROW(enter("~quarktype:256"), RuntimeFault);
 }
 
-TEST_F(ConsoleCommands, Q082AVerbWithoutItsArgumentEndsTheClient) {
+TEST_F(ConsoleCommands, Q082AVerbWithoutAnArgumentEndsTheClient) {
   EXPECT_THROW(enter("~quarktype"), RuntimeFault);
   enter("~quarktype:");
   EXPECT_EQ(types(), std::vector<int>{0}) << "an empty argument is there, and reads as 0";
 }
 
-TEST_F(ConsoleCommands, ATildeFurtherBackIsChat) {
+TEST_F(ConsoleCommands, TildeLaterInALineIsChat) {
   enter("a~?");
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgChat, {"-1", "a~?"}}}));
   EXPECT_TRUE(machine.messageBoxes.empty());

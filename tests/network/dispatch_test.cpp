@@ -23,7 +23,7 @@ class Dispatch : public GameTest {
   const std::string& lastLine() { return modMain::world.chatLines[0].text; }
 };
 
-TEST_F(Dispatch, EveryMessageHasItsRowOnceAndInOrder) {
+TEST_F(Dispatch, EveryMessageHasOneRowInOrder) {
   const std::vector<std::int16_t> expected = {134, 147, 138, 137, 136, 144, 132, 145, 140, 141, 148, 142, 150,
                                               151, 153, 154, 156, 157, 159, 160, 161, 162, 164, 168, 165};
   std::vector<std::int16_t> found;
@@ -59,7 +59,7 @@ TEST_F(Dispatch, Position) {
   EXPECT_EQ(world.localPlayer.tails[0].getPosition(), (Vector{50'001, 50'000}));
 }
 
-TEST_F(Dispatch, TheOwnExactPositionLaysNoTail) {
+TEST_F(Dispatch, ExactOwnPositionLaysNoTail) {
   serverSends(wire::msgPosition, {"7", "50000", "50000"});
   EXPECT_EQ(world.localPlayer.tailCount(), 0);
   serverSends(wire::msgPosition, {"7", "50000", "50000.01"});
@@ -116,7 +116,7 @@ TEST_F(Dispatch, LoginDenied) {
   EXPECT_EQ(frmMain->sock.State(), sckClosed);
 }
 
-TEST_F(Dispatch, LoginDeniedDisconnectsEvenWithoutItsBox) {
+TEST_F(Dispatch, LoginDeniedDisconnectsEvenIfItsBoxFails) {
   serverSends("\x80\x88x\x81\x80\x81");
   EXPECT_EQ(machine.messageBoxes.size(), 1U) << "the second run of the handler has no field to show";
   frmMain->mnuFileConnect.Enabled = false;
@@ -197,7 +197,7 @@ TEST_F(Dispatch, Respawn) {
   EXPECT_EQ(frmMain->btnSpawn.background(), frmGfx->imgBtnPlay[1].Picture.get());
   serverSends(wire::msgRespawn, {"7"});
   EXPECT_TRUE(world.localPlayer.alive);
-  EXPECT_EQ(frmMain->btnSpawn.background(), frmGfx->imgBtnPlay[0].Picture.get()) << "only the own respawn greys it";
+  EXPECT_EQ(frmMain->btnSpawn.background(), frmGfx->imgBtnPlay[0].Picture.get()) << "only your own respawn greys it";
 }
 
 TEST_F(Dispatch, PowerupOnAndOff) {

@@ -1,5 +1,5 @@
-// A server's messages that do no harm when they arrive and end the program frames later, as the rules of the game have
-// it. Beside each stands the nearest one that the program survives.
+// Server messages that are harmless on arrival and end the program frames later, as the rules of the game require. Next
+// to each is the nearest harmless one.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ using modMain::world;
 
 class LaterFaults : public GameTest {
  protected:
-  /// Frames of 20 ms. At `timeScale` 1 they paint in no time.
+  /// Runs frames of 20 ms and returns the fault, if any. At `timeScale` 1 painting takes no time.
   void runFrames(int count, int timeScale = 1) {
     for (int i = 0; i < count; ++i) {
       tick(20);
@@ -26,14 +26,14 @@ class LaterFaults : public GameTest {
       modMain::runFrame();
     }
   }
-  /// Longer than a vertex lives.
+  /// Runs longer than a vertex lives.
   void runPastAVertex() { runFrames(120); }
   std::string faultOfFrames(int count, int timeScale = 1) {
     return faultOf([&] { runFrames(count, timeScale); });
   }
 };
 
-TEST_F(LaterFaults, Q300ATailLaidBeforeTheLoginEndsInNoSlot) {
+TEST_F(LaterFaults, Q300ATailLaidBeforeTheLoginFaultsWithoutASlot) {
   connect();
   serverSends(wire::msgAliveState, {"0", "1"});
   serverSends(wire::msgPosition, {"0", "50100", "50000"});
@@ -43,7 +43,7 @@ TEST_F(LaterFaults, Q300ATailLaidBeforeTheLoginEndsInNoSlot) {
   EXPECT_EQ(faultOfFrames(20), "Subscript out of range");
 }
 
-TEST_F(LaterFaults, Q300ATailLaidBeforeTheLoginStaysIfThereIsASlot) {
+TEST_F(LaterFaults, Q300ATailLaidBeforeTheLoginStaysWithASlot) {
   connect();
   serverSends(wire::msgAliveState, {"0", "1"});
   serverSends(wire::msgPosition, {"0", "50100", "50000"});
@@ -56,13 +56,14 @@ TEST_F(LaterFaults, Q300ATailLaidBeforeTheLoginStaysIfThereIsASlot) {
 class CaptureLater : public LaterFaults {
  protected:
   CaptureLater() { login(); }
-  /// The local player's vertex, which a capture of `loserNode` waits for.
+  /// Lets a capture of `loserNode` wait for a vertex of the local player.
   void captureWaitsFor(const std::string& loserNode) {
     serverSends(wire::msgPosition, {"7", "50100", "50000"});
     serverSends(wire::msgTailCapture, {"7", loserNode, "50100", "50000"});
     ASSERT_EQ(world.killerTails.size(), 1U);
   }
-  /// Bob, with so many kills, captures the local player: a vertex of slot 0 that is not the newest fires at once.
+  /// Bob, who already has this many kills, captures the local player. A vertex of slot 0 that is not the newest is
+  /// carried out at once.
   std::string bobCaptures(const std::string& kills) {
     serverSends(wire::msgPlayerJoined, {"8", "1", "Bob", "50000", "50000", "1", kills});
     serverSends(wire::msgPosition, {"8", "90000", "90000"});
@@ -74,7 +75,7 @@ class CaptureLater : public LaterFaults {
   }
 };
 
-TEST_F(CaptureLater, Q304OfAnUnknownLoserWithoutOpponents) {
+TEST_F(CaptureLater, Q304OfAnUnknownLoserWithoutOpponentsIsAFault) {
   captureWaitsFor("99");
   EXPECT_EQ(faultOfFrames(120), "Subscript out of range");
 }
@@ -87,9 +88,9 @@ TEST_F(CaptureLater, Q304OfAnUnknownLoserIsTheFirstOpponent) {
   EXPECT_EQ(world.localPlayer.kills, 1);
 }
 
-TEST_F(CaptureLater, ByAPlayerOf32767Kills) { EXPECT_EQ(bobCaptures("32767"), "Overflow"); }
+TEST_F(CaptureLater, ByAPlayerWith32767KillsIsAFault) { EXPECT_EQ(bobCaptures("32767"), "Overflow"); }
 
-TEST_F(CaptureLater, ByAPlayerOf32766KillsCounts) {
+TEST_F(CaptureLater, ByAPlayerWith32766KillsCounts) {
   EXPECT_EQ(bobCaptures("32766"), "");
   EXPECT_EQ(world.opponents[0].kills, 32767);
 }
@@ -97,7 +98,7 @@ TEST_F(CaptureLater, ByAPlayerOf32766KillsCounts) {
 class InTheGame : public LaterFaults {
  protected:
   InTheGame() { login(); }
-  /// Bob glides at a time scale of 2, and the server replaces the step.
+  /// Lets Bob glide at a time scale of 2 while the server replaces the step.
   std::string replaceStep(const std::string& across) {
     join(8, 1, "Bob");
     serverSends(wire::msgPosition, {"8", "53000", "53000"});
@@ -106,7 +107,7 @@ class InTheGame : public LaterFaults {
     serverSends(wire::msgVelocity, {"8", across, "-1"});
     return faultOfFrames(1, 2);
   }
-  /// The result of clicking Buy with this stock of the first two items.
+  /// The fault after clicking Buy with this stock of the first two items.
   std::string buyWith(const std::string& first, const std::string& second) {
     serverSends(wire::msgBuyAccepted, {"0", first, "10"});
     serverSends(wire::msgBuyAccepted, {"1", second, "10"});
@@ -117,16 +118,16 @@ class InTheGame : public LaterFaults {
     serverSends(wire::msgFunds, {"7", funds});
     return faultOf([] { modMain::openStore(); });
   }
-  /// A frame with the window's inside so many pixels high.
+  /// Runs a frame with a client area of this height in pixels.
   std::string flyInAWindowOf(int height) {
     frmMain->Show();
     frmMain->clientResized(13410, static_cast<float>(height * 15));
     runFrames(1);
-    EXPECT_TRUE(world.localPlayer.breaksOn) << "at rest nothing is worked out";
+    EXPECT_TRUE(world.localPlayer.breaksOn) << "at rest nothing is computed";
     frmMain->canvas.MouseDown(2, 0, 0, 0);
     return faultOfFrames(1);
   }
-  /// A laser fired while the last step was one to the right and a hair down.
+  /// Fires a laser while the last step was one unit to the right and very slightly down.
   std::string fireAlong(const std::string& hair) {
     join(8, 1, "Bob");
     serverSends(wire::msgPosition, {"8", "49999", "0"});
@@ -135,7 +136,7 @@ class InTheGame : public LaterFaults {
     serverSends(wire::msgPowerupOn, {"8", "4"});
     return faultOfFrames(1);
   }
-  /// A charged segment from the view to one unit beside it and so far down.
+  /// Paints a charged segment from the view to one unit beside it and this far down.
   std::string chargeTowards(const std::string& down) {
     serverSends(wire::msgPowerupOn, {"7", "2"});
     serverSends(wire::msgPosition, {"7", "50011", down});
@@ -144,21 +145,21 @@ class InTheGame : public LaterFaults {
   }
 };
 
-// Twice 1.71E+38 is beyond 3.4028E+38.
-TEST_F(InTheGame, AStepThatOverflowsWithTheTimeScale) { EXPECT_EQ(replaceStep("-1.71E+38"), "Overflow"); }
+// Twice 1.71E+38 exceeds 3.4028E+38.
+TEST_F(InTheGame, StepThatOverflowsWithTheTimeScaleIsAFault) { EXPECT_EQ(replaceStep("-1.71E+38"), "Overflow"); }
 TEST_F(InTheGame, AStepThatFitsIsTaken) {
   EXPECT_EQ(replaceStep("-1.7E+38"), "");
   EXPECT_EQ(world.opponents[0].position.x, 0) << "and ends at the edge";
 }
 
-TEST_F(InTheGame, AStockThatOverflowsAtTheNextPurchase) { EXPECT_EQ(buyWith("32767", "1"), "Overflow"); }
+TEST_F(InTheGame, StockThatOverflowsAtTheNextPurchaseIsAFault) { EXPECT_EQ(buyWith("32767", "1"), "Overflow"); }
 TEST_F(InTheGame, AStockOf32767IsFull) {
   EXPECT_EQ(buyWith("32766", "1"), "");
   EXPECT_TRUE(frmPowerups->lblWinners.Caption.get().starts_with("Cannot purchase"));
 }
 
-// The label has 15 digits, and the largest double, rounded to so many, is beyond itself.
-TEST_F(InTheGame, Q305CreditsThatRoundBeyondADoubleWhenTheStoreOpens) {
+// The label has 15 digits. The largest double, rounded to 15 digits, exceeds the range.
+TEST_F(InTheGame, Q305CreditsThatRoundBeyondADoubleAreAFault) {
   EXPECT_EQ(openStoreWith("1.7976931348623157E+308"), "Overflow");
 }
 TEST_F(InTheGame, Q305CreditsThatRoundBelowAreShown) {
@@ -166,17 +167,17 @@ TEST_F(InTheGame, Q305CreditsThatRoundBelowAreShown) {
   EXPECT_EQ(frmPowerups->lblFunds.Caption.get(), "1.79769313486231E+308");
 }
 
-TEST_F(InTheGame, Q306AFlightOnACanvasOfNoHeight) { EXPECT_EQ(flyInAWindowOf(62), "Division by zero"); }
-TEST_F(InTheGame, Q306AFlightOnACanvasOfOnePixel) { EXPECT_EQ(flyInAWindowOf(63), ""); }
+TEST_F(InTheGame, Q306AFlightOnACanvasWithoutHeightIsAFault) { EXPECT_EQ(flyInAWindowOf(62), "Division by zero"); }
+TEST_F(InTheGame, Q306AFlightOnACanvasOfOnePixelIsNoFault) { EXPECT_EQ(flyInAWindowOf(63), ""); }
 
-TEST_F(InTheGame, Q302ANearlyLevelFlightWithALaser) { EXPECT_EQ(fireAlong("2.938E-34"), "Overflow"); }
-TEST_F(InTheGame, Q302AHairMoreAndTheBeamIsDrawn) { EXPECT_EQ(fireAlong("2.94E-34"), ""); }
+TEST_F(InTheGame, Q302ANearlyLevelFlightWithALaserIsAFault) { EXPECT_EQ(fireAlong("2.938E-34"), "Overflow"); }
+TEST_F(InTheGame, Q302ASlightlySteeperFlightDrawsTheBeam) { EXPECT_EQ(fireAlong("2.94E-34"), ""); }
 
 // 5732 units from the canvas's left border: 3.4028E+38 is 5.936E+34 times as much.
-TEST_F(InTheGame, Q303AChargedVertexFarOutside) { EXPECT_EQ(chargeTowards("5.94E+34"), "Overflow"); }
-TEST_F(InTheGame, Q303AChargedVertexNotQuiteSoFar) { EXPECT_EQ(chargeTowards("5.93E+34"), ""); }
+TEST_F(InTheGame, Q303AChargedVertexFarOutsideIsAFault) { EXPECT_EQ(chargeTowards("5.94E+34"), "Overflow"); }
+TEST_F(InTheGame, Q303AChargedVertexNotQuiteAsFarIsNoFault) { EXPECT_EQ(chargeTowards("5.93E+34"), ""); }
 
-TEST_F(LaterFaults, Q072AColourWithoutASheetIsPaintedInTheNextFrame) {
+TEST_F(LaterFaults, Q072AColourWithoutASheetFaultsInTheNextFrame) {
   connect();
   serverSends(wire::msgLoginAccepted, {"6", "7", "50000", "50000"});
   EXPECT_TRUE(world.localPlayer.isConnected);

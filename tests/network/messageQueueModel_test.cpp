@@ -1,5 +1,5 @@
-// The queue of received messages against a twin that does literally what the protocol's rules say, entry by entry and
-// byte by byte, for thousands of random streams: split anywhere, with more reads arriving while a message box stands.
+// Compares the queue of received messages with a twin that follows the protocol's rules literally, entry by entry and
+// byte by byte, for thousands of random streams that are split anywhere, with more reads arriving during message boxes.
 
 #include <gtest/gtest.h>
 
@@ -22,15 +22,14 @@ constexpr char separator = '\x82';
 constexpr int spawnDenied = 0x99;
 constexpr int serverText = 0xA2;
 
-/// The same input for both sides, and their results.
+/// The input of both sides, and their results.
 struct Reads {
   Pieces outer;
-  Pieces whileBoxStands;  ///< one a box, in order; an empty one is no read
+  Pieces whileBoxStands;  ///< one per box, in order; an empty one is no read
   std::size_t nextInner = 0;
 };
 
-/// Arrays from 0 whose element 0 nothing reads, copied whole at each removal, scanned from the front after each
-/// message.
+/// Arrays from 0 whose element 0 is unused, copied whole at each removal and scanned from the front after each message.
 class LiteralQueue {
  public:
   explicit LiteralQueue(Reads reads) : reads_(std::move(reads)) {}
@@ -45,7 +44,7 @@ class LiteralQueue {
         current = "";
       } else if (byte == end) {
         current += byte;
-        messageQueue.at(messageCount) += current;  // before the first start of all there is no array
+        messageQueue.at(messageCount) += current;  // there is no array before the first start
       } else {
         current += byte;
       }
@@ -67,7 +66,7 @@ class LiteralQueue {
       if (entry.empty() || entry.back() != end) continue;
       entry.pop_back();
       Pieces fields;
-      if (!entry.empty()) {  // of an empty text there are no fields, and no first byte: the id before it stands
+      if (!entry.empty()) {  // an empty text has no fields and no first byte, so the previous id stays
         fields.emplace_back();
         for (const char byte : entry) {
           if (byte == separator) {
@@ -111,7 +110,7 @@ class LiteralQueue {
   Reads reads_;
 };
 
-/// Frames and rubbish, then cuts at random places.
+/// Builds frames and garbage, split at random positions.
 class Streams {
  public:
   explicit Streams(std::uint32_t seed) : random_(seed) {}
@@ -166,7 +165,7 @@ class Streams {
 
 class MessageQueueModel : public GameTest {
  protected:
-  /// True if both have ended in the fault of an end byte ahead of everything.
+  /// True if both have ended with the fault of an end byte before any frame.
   bool expectSameRead(LiteralQueue& literal, const std::string& piece) {
     bool literalFails = false;
     bool gameFails = false;
@@ -184,7 +183,7 @@ class MessageQueueModel : public GameTest {
     return literalFails;
   }
 
-  /// Entry by entry; and of the lines the last ones, which are all that the console keeps.
+  /// Compares entry by entry. Of the lines, the console keeps only the last ones.
   void expectSame(const LiteralQueue& literal) {
     const MessageQueue& queue = netMan::messageQueue;
     ASSERT_EQ(queue.messageCount(), static_cast<double>(literal.messageCount));
@@ -205,7 +204,7 @@ class MessageQueueModel : public GameTest {
   }
 };
 
-TEST_F(MessageQueueModel, ThousandsOfStreamsGoAsInTheLiteralQueue) {
+TEST_F(MessageQueueModel, MatchesTheReferenceQueueForThousandsOfStreams) {
   std::size_t handled = 0;
   std::size_t nested = 0;
   std::size_t faults = 0;
@@ -234,7 +233,7 @@ TEST_F(MessageQueueModel, ThousandsOfStreamsGoAsInTheLiteralQueue) {
     }
     handled += literal.shown.size();
   }
-  // The streams are such that all of it happens.
+  // The streams cover all of these.
   EXPECT_GT(handled, 10'000U);
   EXPECT_GT(nested, 1'000U);
   EXPECT_GT(faults, 10U);

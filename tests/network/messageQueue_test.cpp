@@ -13,7 +13,7 @@ TEST(MessageQueue, Q061AnEndBeforeTheFirstStartIsAFault) {
   EXPECT_EQ(queue.messageCount(), 0);
 }
 
-TEST(MessageQueue, Q061AnEndBehindTheLastEntryGoesWhereNothingReads) {
+TEST(MessageQueue, Q061AnEndAfterTheLastEntryIsDropped) {
   MessageQueue queue;
   queue.startEntry();
   queue.append("\xA2\x81");
@@ -24,7 +24,7 @@ TEST(MessageQueue, Q061AnEndBehindTheLastEntryGoesWhereNothingReads) {
   EXPECT_FALSE(queue.takeFirstReady());
 }
 
-TEST(MessageQueue, EntriesWithoutEndAreSkippedAndStay) {
+TEST(MessageQueue, UnfinishedEntriesAreSkippedAndStay) {
   MessageQueue queue;
   queue.startEntry();
   queue.startEntry();
@@ -34,14 +34,14 @@ TEST(MessageQueue, EntriesWithoutEndAreSkippedAndStay) {
   ASSERT_TRUE(taken);
   EXPECT_EQ(taken->index, 3U);
   EXPECT_EQ(taken->text, "abc");
-  EXPECT_EQ(queue.text(3), "abc") << "the entry under way keeps its place";
+  EXPECT_EQ(queue.text(3), "abc") << "the entry being handled keeps its number";
   queue.removeMessage(3);
   EXPECT_EQ(queue.messageCount(), 2);
   queue.append("late\x81");
   EXPECT_EQ(queue.takeFirstReady()->index, 2U) << "the newest entry can still be completed";
 }
 
-TEST(MessageQueue, AnEntryUnderWayCanBecomeReadyAgain) {
+TEST(MessageQueue, EntryBeingHandledCanBecomeReadyAgain) {
   MessageQueue queue;
   queue.startEntry();
   queue.append("a\x81");
@@ -53,7 +53,7 @@ TEST(MessageQueue, AnEntryUnderWayCanBecomeReadyAgain) {
   EXPECT_EQ(queue.text(1), "ab") << "parked for the second time";
 }
 
-TEST(MessageQueue, RemovesByNumberAlsoInFrontOfEntriesUnderWay) {
+TEST(MessageQueue, RemovesByNumberEvenBeforeEntriesBeingHandled) {
   MessageQueue queue;
   for (const char* text : {"", "x\x81", "", "y\x81"}) {
     queue.startEntry();
@@ -73,7 +73,7 @@ TEST(MessageQueue, RemovesByNumberAlsoInFrontOfEntriesUnderWay) {
   EXPECT_THROW(queue.text(4), RuntimeFault);
 }
 
-TEST(MessageQueue, ALongEntryKeepsItsFirstMebibyteAndItsEnd) {
+TEST(MessageQueue, LongEntryKeepsItsFirstMebibyteAndItsEndByte) {
   MessageQueue queue;
   queue.startEntry();
   std::string text(MessageQueue::entryLimit + 5, 'x');
@@ -94,7 +94,7 @@ TEST(MessageQueue, AnEntryOfExactlyTheLimitIsWhole) {
   EXPECT_EQ(queue.takeFirstReady()->text.size(), MessageQueue::entryLimit);
 }
 
-TEST(MessageQueue, BeyondTheTotalNoEntryTakesText) {
+TEST(MessageQueue, TextBeyondTheTotalIsDropped) {
   MessageQueue queue;
   const std::string half = std::string(MessageQueue::entryLimit / 2 - 1, 'x') + '\x81';
   for (int i = 0; i < 128; ++i) {
@@ -110,7 +110,7 @@ TEST(MessageQueue, BeyondTheTotalNoEntryTakesText) {
   EXPECT_EQ(queue.takeFirstReady()->text, "room again");
 }
 
-TEST(MessageQueue, RemovedEntriesGiveBackExactlyTheirRoom) {
+TEST(MessageQueue, RemovedEntriesFreeExactlyTheirSpace) {
   MessageQueue queue;
   const std::string full = std::string(MessageQueue::entryLimit - 1, 'x') + '\x81';
   constexpr std::size_t fitting = MessageQueue::totalLimit / MessageQueue::entryLimit;
@@ -127,7 +127,7 @@ TEST(MessageQueue, RemovedEntriesGiveBackExactlyTheirRoom) {
   }
 }
 
-// With a cost that grows by what is parked this would be some ten thousand million steps.
+// If the cost grew with the parked entries, this would take about ten billion steps.
 TEST(MessageQueue, ParkedEntriesCostNothing) {
   MessageQueue queue;
   for (int i = 0; i < 500'000; ++i) queue.startEntry();

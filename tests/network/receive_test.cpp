@@ -39,7 +39,7 @@ TEST_F(Receive, SendsNothingUnlessConnected) {
   EXPECT_EQ(server().sends, Lines{"\x80\x98\x81"});
 }
 
-TEST_F(Receive, AFrameIsOneSending) {
+TEST_F(Receive, FrameIsSentInOneCall) {
   server().setState(sckConnected);
   netMan::sendMessage<wire::msgChat>(-1, "hi");
   EXPECT_EQ(server().sends, (Lines{"\x80\x90-1\x82hi\x81"}));
@@ -74,20 +74,20 @@ TEST_F(Receive, Q063TheRestOfASplitFrameCanBeTakenForAnotherMessage) {
   EXPECT_EQ(lines(), Lines{"tail"});
 }
 
-TEST_F(Receive, ASplitBehindTheStartLosesNothing) {
+TEST_F(Receive, SplitRightAfterTheStartLosesNothing) {
   netMan::receiveData("\x80");
   EXPECT_EQ(netMan::messageQueue.messageCount(), 1);
   netMan::receiveData("\xA2one\x81");
   EXPECT_EQ(lines(), Lines{"one"});
 }
 
-TEST_F(Receive, Q064ASecondEndAddsTheFrameOnceMore) {
-  // The text collected is "¢one", its end, "x" and the second end; it comes behind the first "¢one" and its end.
+TEST_F(Receive, Q064ASecondEndAppendsTheFrameAgain) {
+  // The collected text is "¢one", its end, "x" and the second end. It follows the first "¢one" and its end.
   netMan::receiveData("\x80\xA2one\x81x\x81");
   EXPECT_EQ(lines(), Lines{"one\x81\xA2one\x81x"});
 }
 
-TEST_F(Receive, Q064TextBetweenFramesIsForgottenAtTheNextStart) {
+TEST_F(Receive, Q064TextBetweenFramesIsDroppedAtTheNextStart) {
   netMan::receiveData(text1 + "noise" + text2);
   EXPECT_EQ(lines(), (Lines{"one", "two"}));
 }
@@ -100,13 +100,13 @@ TEST_F(Receive, Q061AnEndBeforeTheFirstFrameEndsTheClient) {
   EXPECT_EQ(netMan::messageQueue.messageCount(), 0);
 }
 
-TEST_F(Receive, Q065AnEntryOfAnEndAloneRunsTheLastIdWithoutFields) {
+TEST_F(Receive, Q065AnEmptyFrameRepeatsTheLastIdWithoutFields) {
   netMan::receiveData("\x80");
   netMan::receiveData("\x81" + spawnDenied);
-  EXPECT_EQ(machine.messageBoxes.size(), 1U) << "the entry of the end alone came first, when the id was still 0";
+  EXPECT_EQ(machine.messageBoxes.size(), 1U) << "the empty frame came first, when the id was still 0";
 
   netMan::receiveData(spawnDenied + "\x80\x81");
-  EXPECT_EQ(machine.messageBoxes.size(), 3U) << "the box comes a second time";
+  EXPECT_EQ(machine.messageBoxes.size(), 3U) << "the box is shown a second time";
 
   netMan::receiveData(text1 + "\x80\x81");
   EXPECT_EQ(lines(), Lines{"one"}) << "a handler that needs a field does nothing";
@@ -128,7 +128,7 @@ TEST_F(Receive, Q062TheQueueOutlivesAConnection) {
   EXPECT_EQ(lines(), Lines{"one"});
 }
 
-TEST_F(Receive, ReadsThatArriveInPortionsOfOneEventAreOneRead) {
+TEST_F(Receive, PortionsOfOneEventAreOneRead) {
   connect();
   server().deliver(text1 + text2, 3);
   passEvents();
@@ -148,10 +148,10 @@ TEST_F(Receive, AnUnknownIdIsRemovedAndNothingElse) {
   EXPECT_EQ(netMan::messageQueue.messageCount(), 0);
 }
 
-TEST_F(Receive, MessagesThatArriveUnderABoxAreHandledBeforeItCloses) {
+TEST_F(Receive, MessagesArrivingDuringABoxAreHandledBeforeItCloses) {
   machine.onMessageBox = [&](const std::string&) {
     netMan::receiveData(text1);
-    EXPECT_EQ(lines(), (Lines{"two", "one"})) << "what the outer call has not reached comes first";
+    EXPECT_EQ(lines(), (Lines{"two", "one"})) << "messages that the outer call hasn't reached come first";
   };
   netMan::receiveData(spawnDenied + text2);
   EXPECT_EQ(lines(), (Lines{"two", "one"}));
@@ -159,8 +159,8 @@ TEST_F(Receive, MessagesThatArriveUnderABoxAreHandledBeforeItCloses) {
 }
 
 TEST_F(Receive, Q066TheOuterCallRemovesByItsOwnNumber) {
-  // The entry is "end, entry once more, end": with the last end byte cut off it is still ready, so the call under the
-  // box takes and removes it; the outer call then removes the entry that has moved into its place.
+  // The entry is "end, entry again, end". Without the last end byte it is still ready, so the call during the box takes
+  // and removes it. The outer call then removes the entry that has moved into its place.
   bool first = true;
   machine.onMessageBox = [&](const std::string&) {
     if (!first) return;
@@ -171,11 +171,11 @@ TEST_F(Receive, Q066TheOuterCallRemovesByItsOwnNumber) {
   EXPECT_EQ(machine.messageBoxes.size(), 2U);
   EXPECT_EQ(netMan::messageQueue.messageCount(), 0) << "the started entry is gone with it";
   netMan::receiveData("\xA2one\x81");
-  EXPECT_TRUE(lines().empty()) << "what should have completed it has no entry to go to";
+  EXPECT_TRUE(lines().empty()) << "the bytes that should have completed it have no entry";
 }
 
 /// The queue exactly as in the rules: plain entries, all copied at every removal, always scanned from the first. Boxes
-/// call `box`, which may receive more data meanwhile.
+/// call `box`, which may receive more data.
 struct SlowClient {
   std::vector<std::string> queue;  // element 0 stays unused
   std::size_t messageCount = 0;
@@ -232,7 +232,7 @@ struct SlowClient {
   }
 };
 
-/// Feeds a script of reads; while a box stands, some of them arrive early, boxes within boxes included.
+/// Feeds a script of reads. While a box is open, some of them arrive early, even in nested boxes.
 template <class ReceiveData>
 class Feeder {
  public:
@@ -265,7 +265,7 @@ class Feeder {
   int boxCount_ = 0;
 };
 
-TEST_F(Receive, AgreesWithTheSlowTwinUnderRandomSplitsAndBoxes) {
+TEST_F(Receive, MatchesTheSlowTwinUnderRandomSplitsAndBoxes) {
   std::mt19937 random(20'260);
   const std::string alphabet =
       "\x80\x80\x80\x81\x81\x81\x81\x82\x88\x88\x99\x99\xA8"
@@ -295,14 +295,14 @@ TEST_F(Receive, AgreesWithTheSlowTwinUnderRandomSplitsAndBoxes) {
   }
 }
 
-TEST_F(Receive, MoreEntriesThanSixteenBitsAreScannedToTheEnd) {
+TEST_F(Receive, MoreEntriesThanSixteenBitsCanCountAreAllScanned) {
   netMan::receiveData(std::string(70'000, '\x80'));
   netMan::receiveData(text1);
   EXPECT_EQ(lines(), Lines{"one"});
   EXPECT_EQ(netMan::messageQueue.messageCount(), 70'000);
 }
 
-TEST_F(Receive, AFloodOfEndsIsHandledInOneGo) {
+TEST_F(Receive, FloodOfEndBytesIsHandledInOnePass) {
   netMan::receiveData("\x80" + std::string("\xA7", 1) + std::string(300'000, '\x81'));
   EXPECT_EQ(netMan::messageQueue.messageCount(), 0);
 }

@@ -38,7 +38,7 @@ TEST_F(Reconnection, KeepsThePaintTimes) {
   EXPECT_EQ(modMain::getTimeScale(), 1.7);
 }
 
-TEST_F(Reconnection, KeepsAWaitingCentreMessageUntilTheLoginHasItsOwn) {
+TEST_F(Reconnection, KeepsTheCentreMessageUntilTheLoginReplacesIt) {
   modMain::showCentreMessage("You have captured Bob");
   modMain::world.centreMessageAge = 40;
   netMan::disconnectFromServer();
@@ -74,7 +74,7 @@ TEST_F(Reconnection, KeepsTheExplosions) {
   EXPECT_EQ(modMain::world.explosionParticles.size(), 2U);
 }
 
-// The marks of the captures go from the panel with the title, the captures themselves stay: they explode at the next
+// The capture marks disappear from the panel with the title. The captures themselves stay and explode at the next
 // death.
 TEST_F(Reconnection, KeepsTheCaptures) {
   serverSends(wire::msgTailCapture, {"7", "8", "1", "1"});
@@ -88,7 +88,7 @@ TEST_F(Reconnection, KeepsTheCaptures) {
   EXPECT_EQ(modMain::world.explosionCount, 1);
 }
 
-TEST_F(Reconnection, KeepsTheNumbersOfKillsOnThePanel) {
+TEST_F(Reconnection, KeepsTheKillsOnThePanel) {
   serverSends(wire::msgTailCapture, {"7", "8", "1", "1"});
   modMain::world.opponents[0].setKills(5);
   netMan::disconnectFromServer();

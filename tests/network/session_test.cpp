@@ -38,7 +38,7 @@ TEST_F(Session, TheLoginGoesOutWhenTheConnectionStands) {
   EXPECT_FALSE(world.localPlayer.isConnected);
 }
 
-// Notes, whenever a label is given the text "Connected", whether anything has been sent by then.
+// Records, whenever a label's text becomes "Connected", whether anything has been sent by then.
 class CaptionWatch : public Peer {
  public:
   CaptionWatch(Label& label, HeadlessSocket& server, std::vector<bool>& sentBefore)
@@ -89,10 +89,10 @@ TEST_F(Session, AnAcceptedLoginPutsThePlayerIntoTheGame) {
   EXPECT_FALSE(frmMain->lbcConnect.Visible);
 }
 
-TEST_F(Session, Q071TheFieldIsMadeTwiceAtLogin) {
+TEST_F(Session, Q071LoginCreatesTheFieldTwice) {
   connect();
-  // A background particle takes three draws for its colour, one for its depth, four for its place and four for its
-  // velocity; 150 of them are a field. After two fields the generator is 2 * 150 * 12 draws on.
+  // A background particle takes three draws for its colour, one for its depth, four for its position and four for its
+  // velocity. A field has 150 of them. After two fields the generator is 2 * 150 * 12 draws further.
   RandomGenerator expected = machine.generator;
   serverSends(wire::msgLoginAccepted, {"0", "7", "50000", "50000"});
   for (int i = 0; i < 2 * 150 * 12; ++i) expected.next();
@@ -100,19 +100,19 @@ TEST_F(Session, Q071TheFieldIsMadeTwiceAtLogin) {
   EXPECT_EQ(modMain::world.particleCount, 150);
 }
 
-TEST_F(Session, TheFieldOfTheLoginLiesRoundTheNewPlace) {
+TEST_F(Session, LoginCreatesTheFieldAroundTheNewPosition) {
   connect();
   serverSends(wire::msgLoginAccepted, {"0", "7", "90000", "80000"});
   ASSERT_EQ(modMain::world.particleCount, 150);
   for (std::size_t i = 0; i < 150; ++i) {
     const Vector place = modMain::world.particles[i].getPosition();
-    // A canvas's width and height to each side; the place of before the login was 0, 0.
+    // One canvas width and height to each side. Before the login the position was 0, 0.
     EXPECT_LE(std::fabs(place.x - 90'000), 11'445) << i;
     EXPECT_LE(std::fabs(place.y - 80'000), 9'120) << i;
   }
 }
 
-TEST_F(Session, Q072AColourWithoutANameLeavesTheRestOfTheLoginOut) {
+TEST_F(Session, Q072AColourWithoutANameSkipsTheRestOfTheLogin) {
   frmMain->lbcConnect.Visible = true;
   connect();
   serverSends(wire::msgLoginAccepted, {"6", "7", "1000", "2000"});
@@ -123,10 +123,10 @@ TEST_F(Session, Q072AColourWithoutANameLeavesTheRestOfTheLoginOut) {
   EXPECT_TRUE(frmMain->lbcConnect.Visible);
 
   netMan::disconnectFromServer();
-  EXPECT_TRUE(frmConnect.isVisible()) << "the dialog is offered all the same";
+  EXPECT_TRUE(frmConnect.isVisible()) << "the dialog opens anyway";
 }
 
-TEST_F(Session, Q072AColourBelowTheNamesDoesTheSame) {
+TEST_F(Session, Q072ANegativeColourDoesTheSame) {
   frmMain->lbcConnect.Visible = true;
   connect("Ann", redPlayer);
   serverSends(wire::msgLoginAccepted, {"-1", "7", "1000", "2000"});
@@ -135,7 +135,7 @@ TEST_F(Session, Q072AColourBelowTheNamesDoesTheSame) {
   EXPECT_TRUE(frmMain->lbcConnect.Visible);
 }
 
-TEST_F(Session, APlayerWhoJoinsIsShownAndTold) {
+TEST_F(Session, JoiningPlayerIsShownAndAnnounced) {
   login();
   serverSends(wire::msgPlayerJoined, {"9", "2", "Bob", "300", "400", "1", "5"});
   EXPECT_EQ(modMain::world.opponentCount, 1);
@@ -161,7 +161,7 @@ TEST_F(Session, ANewPlayersNameIsOnTheLabelOfTheirColour) {
   }
 }
 
-TEST_F(Session, OnlyTheAliveStateOneIsAlive) {
+TEST_F(Session, OnlyAnAliveStateOfOneMeansAlive) {
   login();
   int expectedCount = 0;
   for (const char* alive : {"0", "2", "-1"}) {
@@ -180,7 +180,7 @@ TEST_F(Session, AJoinThatFailsDoesNotCount) {
   EXPECT_EQ(world.opponents[0].name, "Bob");
 }
 
-TEST_F(Session, APlayerWhoLeavesIsClearedFromTheList) {
+TEST_F(Session, LeavingPlayerIsClearedFromTheList) {
   login();
   join(9, 2, "Bob");
   frmMain->picCaps[2].ForeColor = RGB(255, 0, 0);
@@ -196,7 +196,7 @@ TEST_F(Session, APlayerWhoLeavesIsClearedFromTheList) {
   for (const Pixel pixel : frmMain->picCaps[2].pixels()) ASSERT_EQ(pixel & 0xFFFFFF, 0U);
 }
 
-// Notes how often a picture box shows its picture, and in which colour its first pixel is then.
+// Records how often a picture box is presented, and the colour of its first pixel each time.
 class PresentWatch : public Peer {
  public:
   PresentWatch(const PictureBox& box, std::vector<Pixel>& shown) : box_(box), shown_(shown) {}
@@ -208,7 +208,7 @@ class PresentWatch : public Peer {
   std::vector<Pixel>& shown_;
 };
 
-TEST_F(Session, TheEmptiedCapturesOfALeaverAreShownAtOnce) {
+TEST_F(Session, LeaversCaptureStripIsClearedAtOnce) {
   login();
   join(9, 2, "Bob");
   PictureBox& captures = frmMain->picCaps[2];
@@ -222,12 +222,12 @@ TEST_F(Session, TheEmptiedCapturesOfALeaverAreShownAtOnce) {
   EXPECT_EQ(shown, std::vector<Pixel>{0});
 }
 
-TEST_F(Session, APlayerWhoLeavesIsToldByTheirOwnName) {
+TEST_F(Session, LeavingPlayerIsAnnouncedByName) {
   login();
   join(9, 2, "Bob");
   join(10, 2, "Cat");
   join(11, 3, "Dan");
-  ASSERT_EQ(frmMain->lbUserName[2].Caption.get(), "Cat") << "two of one colour share a label";
+  ASSERT_EQ(frmMain->lbUserName[2].Caption.get(), "Cat") << "two players of one colour share a label";
   serverSends(wire::msgPlayerLeft, {"9"});
   EXPECT_EQ(lastLine().text, "Bob has disconnected.");
   EXPECT_EQ(frmMain->lbUserName[2].Caption.get(), "");
@@ -245,7 +245,7 @@ TEST_F(Session, Q074AnUnknownLeaverIsTakenForTheFirstOpponent) {
   EXPECT_EQ(lastLine().text, "Bob has disconnected.");
 }
 
-TEST_F(Session, TheOwnNodeCannotLeave) {
+TEST_F(Session, LocalPlayersNodeCannotLeave) {
   login(0, 7);
   join(9, 2, "Bob");
   modMain::world.chatLines = {};
@@ -258,13 +258,13 @@ TEST_F(Session, TheOwnNodeCannotLeave) {
   EXPECT_EQ(frmMain->lblKills[0].Caption.get(), "3");
 }
 
-TEST_F(Session, ASpawnRequestIsSentAndTold) {
+TEST_F(Session, SpawnRequestIsSentAndAnnounced) {
   login();
   frmMain->btnSpawn.Click();
   EXPECT_EQ(server().sent, "\x80\x98\x81");
   EXPECT_EQ(lastLine().text, "Requesting spawn permission from the server...");
   EXPECT_EQ(lastLine().colour, RGB(255, 255, 255));
-  EXPECT_EQ(lastLine().size, 0) << "no font styles this line";
+  EXPECT_EQ(lastLine().size, 0) << "this line has no configurable font";
 }
 
 TEST_F(Session, Q070ASpawnRequestWithoutConnectionIsAnnouncedButNotSent) {
@@ -289,7 +289,7 @@ TEST_F(Session, TheEndOfARoundKillsEverybodyAndLightsTheButtons) {
   EXPECT_EQ(frmMain->btnShop.background(), frmGfx->imgBtnStore[1].Picture.get());
 }
 
-TEST_F(Session, DisconnectingOffersTheDialogAndTheTitle) {
+TEST_F(Session, DisconnectingShowsTheDialogAndTheTitle) {
   login(1, 7);
   for (const std::int16_t colour : std::to_array<std::int16_t>({0, 2, 3, 4, 5})) {
     join(static_cast<std::int16_t>(20 + colour), colour, "Bob");
@@ -307,7 +307,7 @@ TEST_F(Session, DisconnectingOffersTheDialogAndTheTitle) {
   EXPECT_EQ(frmMain->canvas.MousePointer.get(), 0);
 }
 
-TEST_F(Session, TheWorldsPartOfADisconnectionLeavesTheOthersNames) {
+TEST_F(Session, ResettingTheWorldKeepsTheOpponentsNames) {
   login(1, 7);
   join(9, 2, "Bob");
   ASSERT_NE(frmMain->lbUserName[1].BackColor.get(), RGB(0, 0, 0));
@@ -337,7 +337,7 @@ TEST_F(Session, ADeniedLoginShowsTheReasonAndDisconnects) {
   EXPECT_TRUE(frmConnect.isVisible());
 }
 
-TEST_F(Session, ReconnectingWhileConnectedClosesFirstWithoutAWord) {
+TEST_F(Session, ReconnectingWhileConnectedFirstClosesSilently) {
   login();
   join(9, 2, "Bob");
   modMain::world.chatLines = {};
@@ -349,7 +349,7 @@ TEST_F(Session, ReconnectingWhileConnectedClosesFirstWithoutAWord) {
   EXPECT_TRUE(machine.messageBoxes.empty());
 }
 
-TEST_F(Session, Q240AnOldOpponentAnswersForANodeGivenAnew) {
+TEST_F(Session, Q240AnOldOpponentAnswersForAReusedNode) {
   login();
   join(9, 2, "Bob");
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
@@ -359,7 +359,7 @@ TEST_F(Session, Q240AnOldOpponentAnswersForANodeGivenAnew) {
   EXPECT_EQ(join(9, 3, "Cat"), 1);
   ASSERT_TRUE(world.opponents[0].isConnected);
   serverSends(wire::msgPosition, {"9", "21000", "22000"});
-  EXPECT_EQ(world.opponents[0].positionQueueCount(), 1) << "Bob of the old server glides";
+  EXPECT_EQ(world.opponents[0].positionQueueCount(), 1) << "Bob from the old server glides";
   EXPECT_EQ(world.opponents[1].positionQueueCount(), 0);
   serverSends(wire::msgPlayerLeft, {"9"});
   EXPECT_EQ(lastLine().text, "Bob has disconnected.");
@@ -392,7 +392,7 @@ TEST_F(Session, Q069AFailedConnectionLeavesTheMenuAsItIs) {
   EXPECT_EQ(machine.modalForms.size(), 1U) << "the title still opens the dialog";
 }
 
-TEST_F(Session, TheServersHangUpDisconnectsWithoutAWord) {
+TEST_F(Session, ServerHangUpDisconnectsSilently) {
   login();
   modMain::world.chatLines = {};
   server().closeByServer();

@@ -21,9 +21,9 @@ class Particles : public GameTest {
   clsParticle particle;
 };
 
-TEST_F(Particles, ABackgroundParticleDrawsColourDepthPlaceAndVelocityInThisOrder) {
-  // Colour 0, 127, 254; depth Int(.5 * 15) + 2 = 9; place Int(.1 * 11445) = 1144 and Int(.2 * 9120) = 1824, signs minus
-  // and plus; velocity Int(.5 * 15 + 1) = 8 plus, Int(.9 * 15 + 1) = 14 minus.
+TEST_F(Particles, BackgroundParticleDrawsColourDepthPositionAndVelocityInThisOrder) {
+  // Colour 0, 127, 254; depth Int(.5 * 15) + 2 = 9; position Int(.1 * 11445) = 1144 and Int(.2 * 9120) = 1824, signs
+  // minus and plus; velocity Int(.5 * 15 + 1) = 8 plus, Int(.9 * 15 + 1) = 14 minus.
   script({0, 0.5F, 0.999F, 0.5F, 0.1F, 0.2F, 0.5F, 0.6F, 0.5F, 0.7F, 0.9F, 0.3F});
   particle.init(purplePlayer, background, 1, 2);
   EXPECT_TRUE(machine.scriptedDraws.empty());
@@ -33,7 +33,7 @@ TEST_F(Particles, ABackgroundParticleDrawsColourDepthPlaceAndVelocityInThisOrder
   EXPECT_EQ(particle.blue, 254);
   EXPECT_EQ(particle.depth, 9);
   EXPECT_EQ(particle.maxSpeed, 15);
-  EXPECT_EQ(particle.position, (Vector{50000 + 1144, 50000 - 1824})) << "the player's place less the drawn offset";
+  EXPECT_EQ(particle.position, (Vector{50000 + 1144, 50000 - 1824})) << "the player's position minus the drawn offset";
   EXPECT_EQ(particle.velocity, (Vector{8, -14}));
   EXPECT_EQ(particle.fieldWidth, 11445);
   EXPECT_EQ(particle.fieldHeight, 9120);
@@ -67,7 +67,7 @@ TEST_F(Particles, ASpeedOfTenIsNotRaised) {
   EXPECT_EQ(particle.velocity, (Vector{10, -135}));
 }
 
-TEST_F(Particles, AReservedParticleTakesAPlaceAndDrawsNothing) {
+TEST_F(Particles, ReservedParticleTakesAPositionAndDrawsNothing) {
   script({0.5F});
   particle.velocity = {3, 4};
   particle.init(cyanPlayer, reserved, 100, 200);
@@ -76,7 +76,7 @@ TEST_F(Particles, AReservedParticleTakesAPlaceAndDrawsNothing) {
   EXPECT_EQ(particle.velocity, (Vector{3, 4}));
 }
 
-TEST_F(Particles, ANetworkTypeKeepsItsPlaceAndSpeedLimit) {
+TEST_F(Particles, NetworkTypeKeepsItsPositionAndSpeedLimit) {
   particle.position = {7, 8};
   particle.maxSpeed = 15;
   script({0.5F, 0.9F, 0.5F, 0.9F});
@@ -104,13 +104,13 @@ TEST_F(Particles, Q267TwoNumbersAreNeverRead) {
   EXPECT_EQ(particle.second, -8);
 }
 
-TEST_F(Particles, Q116TheTwoLikeDrawsDiffer) {
-  // A sign is negative up to 500 of 1000.
+TEST_F(Particles, Q116TheTwoSimilarDrawsDiffer) {
+  // A sign is negative up to 500 out of 1000.
   particle.maxSpeed = 0;
   script({0, 0.5009F, 0, 0.5011F});
   particle.chooseVelocity();
   EXPECT_EQ(particle.velocity, (Vector{-1, 1}));
-  // A coin is True up to 4999 of 10000.
+  // A coin is true up to 4999 out of 10000.
   script({0.49985F});
   EXPECT_TRUE(modMain::coinFlip());
   script({0.4999F, 0.5F});
@@ -154,7 +154,7 @@ TEST_F(Particles, FarOutOnBothAxesScattersTwice) {
   EXPECT_EQ(particle.depth, 15);
 }
 
-TEST_F(Particles, EachAxisWrapsRoundThePlayersOwn) {
+TEST_F(Particles, EachAxisWrapsAroundThePlayer) {
   modMain::world.localPlayer.position = {20000, 70000};
   particle.fieldWidth = 11445;
   particle.fieldHeight = 9120;
@@ -180,7 +180,7 @@ TEST_F(Particles, OnlyTheBackgroundIsWrapped) {
   }
 }
 
-TEST_F(Particles, TheFieldSizeIsTheCanvassAtCreation) {
+TEST_F(Particles, FieldSizeIsTheCanvasSizeAtCreation) {
   particle.choosePosition();
   frmMain->canvas.Width = 2000;
   EXPECT_EQ(particle.fieldWidth, 11445) << "not refreshed";
@@ -211,7 +211,7 @@ TEST_F(Particles, Q117Depth15StandsAndDepth16DriftsBackwards) {
   EXPECT_FLOAT_EQ(particle.position.y, 1);
 }
 
-TEST_F(Particles, TheLimitHoldsOnBothAxesAndBothSides) {
+TEST_F(Particles, LimitAppliesToBothAxesInBothDirections) {
   particle.maxSpeed = 15;
   for (const Vector fast : {Vector{20, 20}, Vector{-20, -20}, Vector{20, -20}, Vector{-20, 20}}) {
     particle.velocity = fast;
@@ -229,7 +229,7 @@ TEST_F(Particles, AnotherTypeKeepsTheDepth) {
   }
 }
 
-TEST_F(Particles, TheVelocityIsHeldAtTheLimit) {
+TEST_F(Particles, VelocityIsClampedToTheLimit) {
   particle.maxSpeed = 100;
   particle.velocity = {150, -135};
   particle.move();
@@ -268,7 +268,7 @@ TEST_F(NetParticles, Q301AKindThatDoesNotExistLeavesTheTypeAsItIs) {
   for (const std::int16_t kind : {std::int16_t{-1}, std::int16_t{256}}) {
     clsParticle fresh;
     EXPECT_THROW(fresh.initNormal(3, "abc", kind, 10, 20, 30, 40), RuntimeFault) << kind;
-    EXPECT_EQ(fresh.num_, 3) << "stored ahead of the kind";
+    EXPECT_EQ(fresh.num_, 3) << "stored before the kind";
     EXPECT_EQ(fresh.id, "abc");
     EXPECT_EQ(fresh.type, ParticleType::Background);
     EXPECT_EQ(fresh.position, (Vector{0, 0}));
@@ -305,7 +305,7 @@ TEST_F(NetParticles, PositionsOutsideTheWorldAreDropped) {
   EXPECT_EQ(particle.positionQueue.size(), 1U);
 }
 
-TEST_F(NetParticles, WithoutAPositionTheNewestEntryIsTakenAndTheQueueStays) {
+TEST_F(NetParticles, WithoutAPositionTakesTheNewestEntryAndKeepsTheQueue) {
   particle.hasPosition = false;
   particle.positionQueue = {{1, 1}, {2, 2}};
   particle.moveNormal();
@@ -323,10 +323,10 @@ TEST_F(NetParticles, Q267ThePreviousPositionIsNeverRead) {
   EXPECT_EQ(particle.previousPosition, (Vector{49000, 48000})) << "an empty queue ends the frame before";
 }
 
-TEST_F(NetParticles, NearPointsAreTakenOneAFrame) {
+TEST_F(NetParticles, NearPointsAreReachedOnePerFrame) {
   particle.positionQueue = {{49800, 49800}, {49600, 49600}, {49400, 49400}};
   particle.moveNormal();
-  // Jumps to the first, and the step towards the second begins in the same frame: -200 / 7.
+  // Jumps to the first. The step towards the second starts in the same frame: -200 / 7.
   EXPECT_EQ(particle.positionQueue.size(), 2U);
   EXPECT_NEAR(particle.position.x, 49800 - 200 / 7.0, 0.01);
   particle.moveNormal();
@@ -341,7 +341,7 @@ TEST_F(NetParticles, TheLastNearPointIsReachedExactly) {
   EXPECT_TRUE(particle.positionQueue.empty());
 }
 
-TEST_F(NetParticles, PointsOffTheCanvasAreTakenInOneFrameWithoutAStep) {
+TEST_F(NetParticles, OffCanvasPointsAreReachedInOneFrameWithoutAStep) {
   particle.positionQueue = {{10000, 10000}, {90000, 90000}};
   particle.velocity = {-5, -5};
   particle.stepSet = true;
@@ -384,10 +384,10 @@ TEST_F(NetParticles, Q118RightwardAndDownwardStepsAreCutToZero) {
   EXPECT_EQ(particle.position, (Vector{49700, 50000}));
 }
 
-TEST_F(NetParticles, AStepWithAZeroIsComputedAnew) {
+TEST_F(NetParticles, StepWithAZeroIsRecomputed) {
   particle.positionQueue = {{50000, 47900}};
   particle.moveNormal();
-  // dx is 0, so +1, which the limit cuts to 0; in the next frame the step is not trusted.
+  // dx is 0, so +1, which the limit cuts to 0. The next frame discards the step.
   EXPECT_EQ(particle.position, (Vector{50000, 49700}));
   particle.moveNormal();
   EXPECT_NEAR(particle.velocity.y, -1800 / 7.0, 0.01);

@@ -12,7 +12,7 @@ class FieldSize : public GameTest {
     modMain::world.localPlayer.position = {50000, 50000};
     particle.init(redPlayer, ParticleType::Background, 0, 0);  // on a canvas of 11445 by 9120
   }
-  /// The next scatter moves nothing.
+  /// Makes the next scatter move nothing.
   void scatterNowhere() { machine.scriptedDraws.assign({0, 0.9F, 0, 0.9F, 0}); }
   clsParticle particle;
 };
@@ -40,7 +40,7 @@ TEST_F(FieldSize, TheNextFieldTakesTheNewSize) {
   }
 }
 
-TEST_F(FieldSize, InStarsModeTheFieldIsStillBroughtBackRoundThePlayer) {
+TEST_F(FieldSize, FieldStillWrapsAroundThePlayerInStarsMode) {
   login();
   ASSERT_TRUE(modMain::isStarsMode());
   modMain::world.particleCount = 1;

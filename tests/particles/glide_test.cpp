@@ -2,7 +2,7 @@
 
 #include "tests/support/gameTest.h"
 
-// A server particle's step, from one of its positions to the next.
+// The step of a server particle from one position to the next.
 namespace kelvora {
 namespace {
 
@@ -18,7 +18,7 @@ class ParticleGlide : public GameTest {
   clsParticle particle;
 };
 
-TEST_F(ParticleGlide, ATrustedStepIsKeptUntilAPositionIsReached) {
+TEST_F(ParticleGlide, StepIsKeptUntilAPositionIsReached) {
   particle.velocity = {-30, -40};
   particle.positionQueue = {{48000, 48000}};
   particle.moveNormal();
@@ -31,12 +31,12 @@ TEST_F(ParticleGlide, AnArrivalEndsTheStep) {
   particle.velocity = {-30, -40};
   particle.positionQueue = {{49800, 49900}, {49100, 47800}};
   particle.moveNormal();
-  // Arrived, and from there a seventh of (-700, -2100).
+  // Arrives, then moves a seventh of (-700, -2100).
   EXPECT_EQ(particle.velocity, (Vector{-100, -300}));
   EXPECT_EQ(particle.position, (Vector{49700, 49600}));
 }
 
-TEST_F(ParticleGlide, TheReplayOffTheCanvasEndsTheStepToo) {
+TEST_F(ParticleGlide, OffCanvasReplayEndsTheStepToo) {
   particle.velocity = {-30, -40};
   particle.positionQueue = {{56000, 50000}, {53900, 47200}};
   particle.moveNormal();
@@ -53,8 +53,8 @@ TEST_F(ParticleGlide, Q115AJumpKeepsTheOldStep) {
   EXPECT_EQ(particle.position, (Vector{49970, 49960})) << "not a seventh of the way to the next position";
 }
 
-// Taken in three ways: two off the canvas and a jump in the first frame, an arrival in the second.
-TEST_F(ParticleGlide, EveryPositionThatIsTakenIsGivenBack) {
+// Reached in three ways: two off the canvas and a jump in the first frame, an arrival in the second.
+TEST_F(ParticleGlide, ReachedPositionsNoLongerCountTowardsTheLimit) {
   for (const Vector point : {Vector{90000, 90000}, Vector{10000, 10000}, Vector{50100, 50000}, Vector{50200, 50000}}) {
     particle.queuePosition(point);
   }
@@ -67,7 +67,7 @@ TEST_F(ParticleGlide, EveryPositionThatIsTakenIsGivenBack) {
   EXPECT_EQ(modMain::world.queuedPositions, 0U);
 }
 
-TEST_F(ParticleGlide, AStepWithAZeroOnEitherAxisIsNotTrusted) {
+TEST_F(ParticleGlide, StepWithAZeroOnEitherAxisIsDiscarded) {
   for (const Vector step : {Vector{-30, 0}, Vector{0, -30}}) {
     particle.stepSet = true;
     particle.position = {50000, 50000};
@@ -78,11 +78,11 @@ TEST_F(ParticleGlide, AStepWithAZeroOnEitherAxisIsNotTrusted) {
   }
 }
 
-TEST_F(ParticleGlide, TheStepsLastPointIsTheQueuesOwn) {
+TEST_F(ParticleGlide, LastPointOfAStepIsTheQueuedOne) {
   particle.velocity = {-30, -40};
   particle.positionQueue = {{49800, 49900}};
   particle.moveNormal();
-  EXPECT_EQ(particle.position, (Vector{49800, 49900})) << "no step behind the last position";
+  EXPECT_EQ(particle.position, (Vector{49800, 49900})) << "no step after the last position";
   EXPECT_FALSE(particle.stepSet);
   particle.moveNormal();
   EXPECT_EQ(particle.position, (Vector{49800, 49900}));

@@ -191,7 +191,7 @@ void TwinField::dropFirst(TwinParticle& particle) const {
 void TwinField::paintExplosion(int index) {
   TwinParticle& particle = explosionParticles.at(static_cast<std::size_t>(index));
   particle.blink = !particle.blink;
-  // Half a second after midnight, rounded to even, is still 0.
+  // Half a second after midnight rounds to 0, ties to even.
   if (seconds <= 0.5) return;
   particle.age += 1;
   if (particle.age > 10) removeExplosionParticle(static_cast<int>(particle.num));

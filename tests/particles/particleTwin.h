@@ -9,6 +9,7 @@
 
 namespace kelvora {
 
+/// The twin's counterpart of clsParticle.
 struct TwinParticle {
   double num = 0;
   int type = 0;
@@ -31,8 +32,8 @@ struct TwinParticle {
   bool stepSet = false;
 };
 
-/// A second writing of the particle field: literal, slow, and independent of the game's own. It draws from a generator
-/// of its own, so both stay alike only if they draw the same numbers in the same order.
+/// An independent reimplementation of the particle field: literal and slow. It has its own generator, so both stay
+/// equal only if they draw the same numbers in the same order.
 class TwinField {
  public:
   // The outside world.
@@ -43,7 +44,7 @@ class TwinField {
   Vector player;
 
   std::vector<TwinParticle> particles, explosionParticles, netParticles;
-  // How often each way was gone.
+  // How often each branch was taken.
   int wrapped = 0, steps = 0, jumps = 0, removed = 0;
 
   bool coinFlip();

@@ -1,4 +1,4 @@
-// The whole particle field against a twin that does literally what the rules say and draws the same numbers.
+// Compares the whole particle field with a twin that follows the rules literally and draws the same numbers.
 
 #include "tests/particles/particleTwin.h"
 
@@ -223,7 +223,7 @@ class ParticleTwin : public GameTest {
   TwinField twin;
 };
 
-TEST_F(ParticleTwin, HundredsOfFieldsGoAsInTheTwin) {
+TEST_F(ParticleTwin, MatchesTheTwinInHundredsOfFields) {
   int wrapped = 0;
   int steps = 0;
   int jumps = 0;
@@ -241,7 +241,7 @@ TEST_F(ParticleTwin, HundredsOfFieldsGoAsInTheTwin) {
     jumps += twin.jumps;
     removed += twin.removed;
   }
-  // Every way has been gone often.
+  // Every branch has been taken often.
   EXPECT_GT(wrapped, 5'000);
   EXPECT_GT(steps, 1'000);
   EXPECT_GT(jumps, 700);

@@ -10,7 +10,7 @@ namespace {
 
 class Pools : public GameTest {};
 
-TEST_F(Pools, TheFieldHas150ParticlesRoundThePlayerAndAnEmptySlot) {
+TEST_F(Pools, FieldHas150ParticlesAroundThePlayerAndAnEmptySlot) {
   modMain::world.localPlayer.position = {30000, 70000};
   modMain::createParticleField();
   EXPECT_EQ(modMain::world.particleCount, 150);
@@ -29,7 +29,7 @@ TEST_F(Pools, TheFieldHas150ParticlesRoundThePlayerAndAnEmptySlot) {
   EXPECT_EQ(modMain::world.particles[150].maxSpeed, 0) << "never initialised";
 }
 
-TEST_F(Pools, ANewFieldTakesThePlaceOfTheOld) {
+TEST_F(Pools, NewFieldReplacesTheOld) {
   modMain::createParticleField();
   modMain::world.particles[3].type = ParticleType::Network;
   modMain::world.particles[3].positionQueue = {{1, 1}};
@@ -63,7 +63,7 @@ TEST_F(Pools, ARemovalKeepsTheOrderAndRenumbers) {
   }
   modMain::removeExplosionParticle(3);
   modMain::removeExplosionParticle(-1);
-  EXPECT_EQ(modMain::world.explosionCount, 3) << "nobody has that number";
+  EXPECT_EQ(modMain::world.explosionCount, 3) << "no particle has that number";
 }
 
 TEST_F(Pools, StarsModeIsTheMenusCheckMark) {
@@ -72,7 +72,7 @@ TEST_F(Pools, StarsModeIsTheMenusCheckMark) {
   EXPECT_FALSE(modMain::isStarsMode());
 }
 
-TEST_F(Pools, InStarsModeTheFieldStandsInAFrameAndInQuarksModeItDrifts) {
+TEST_F(Pools, FieldStandsStillInStarsModeAndDriftsInQuarksMode) {
   login();
   modMain::world.localPlayer.velocity = {};
   std::vector<Vector> before;
@@ -86,14 +86,14 @@ TEST_F(Pools, InStarsModeTheFieldStandsInAFrameAndInQuarksModeItDrifts) {
   }
 }
 
-TEST_F(Pools, Q120ASlotIsNeverTakenAgain) {
+TEST_F(Pools, Q120SlotsAreNeverReused) {
   modMain::receiveParticleNew("a", 1, 10, 20, 1, 2);
   modMain::receiveParticleRemove("a");
   modMain::receiveParticleNew("b", 2, 30, 40, 0, 0);
   ASSERT_EQ(modMain::world.netParticleCount, 2);
   EXPECT_EQ(modMain::world.netParticles[0].id, "a");
   EXPECT_EQ(modMain::world.netParticles[1].id, "b");
-  EXPECT_EQ(modMain::world.netParticles[0].num_, 1) << "the count after the growth";
+  EXPECT_EQ(modMain::world.netParticles[0].num_, 1) << "the count after growing";
   EXPECT_EQ(modMain::world.netParticles[1].num_, 2);
   EXPECT_EQ(modMain::allocNetParticle(), 2);
   EXPECT_EQ(modMain::world.netParticleCount, 3);
@@ -115,7 +115,7 @@ TEST_F(Pools, TheNumberOfServerParticlesIsBoundedByItsType) {
   EXPECT_THROW(modMain::allocNetParticle(), RuntimeFault);
 }
 
-TEST_F(Pools, AMoveFindsTheFirstOfItsId) {
+TEST_F(Pools, PositionGoesToTheFirstParticleWithItsId) {
   modMain::receiveParticleNew("a", 1, 10, 20, 0, 0);
   modMain::receiveParticleNew("b", 1, 10, 20, 0, 0);
   modMain::receiveParticleNew("b", 1, 10, 20, 0, 0);
@@ -126,7 +126,7 @@ TEST_F(Pools, AMoveFindsTheFirstOfItsId) {
   EXPECT_EQ(modMain::world.netParticles[2].position, (Vector{10, 20}));
 }
 
-TEST_F(Pools, Q121ARemovedParticleGoesOnAlongItsQueue) {
+TEST_F(Pools, Q121ARemovedParticleFollowsItsQueueToTheEnd) {
   modMain::world.localPlayer.position = {50000, 50000};
   modMain::receiveParticleNew("a", 1, 50000, 50000, 0, 0);
   modMain::receiveParticlePosition("a", 50000, 50000);

@@ -38,7 +38,7 @@ class Controls : public GameTest {
   }
 };
 
-/// Notes what a control tells its peer.
+/// Records a control's notifications to its peer.
 class NotingPeer : public Peer {
  public:
   explicit NotingPeer(std::vector<PropertyId>& told) : told_(told) {}
@@ -48,7 +48,7 @@ class NotingPeer : public Peer {
   std::vector<PropertyId>& told_;
 };
 
-TEST_F(Controls, AFormComesIntoBeingAndLoadsAtItsFirstTouch) {
+TEST_F(Controls, FormIsCreatedAndLoadedOnFirstUse) {
   EXPECT_FALSE(sampleForm.isLoaded());
   EXPECT_FALSE(sampleForm.isVisible());
   EXPECT_EQ(SampleForm::built, 0);
@@ -59,7 +59,7 @@ TEST_F(Controls, AFormComesIntoBeingAndLoadsAtItsFirstTouch) {
   EXPECT_FALSE(sampleForm.isVisible());
 }
 
-TEST_F(Controls, AnUnloadedFormComesAnewAtTheNextTouch) {
+TEST_F(Controls, UnloadedFormIsCreatedAgainOnNextUse) {
   sampleForm->text.Text = "changed";
   sampleForm.unload();
   EXPECT_FALSE(sampleForm.isLoaded());
@@ -75,14 +75,14 @@ TEST_F(Controls, AnUnloadedFormLivesUntilItIsReleased) {
   EXPECT_EQ(SampleForm::built, 0);
 }
 
-TEST_F(Controls, AUsersCloseUnloadsTheForm) {
+TEST_F(Controls, ClosingByTheUserUnloadsTheForm) {
   sampleForm->Show();
   sampleForm->closedByUser();
   EXPECT_EQ(SampleForm::unloads, 1);
   EXPECT_FALSE(sampleForm.isLoaded());
 }
 
-TEST_F(Controls, OuterSizesCountTheWindowsFrame) {
+TEST_F(Controls, OuterSizesIncludeTheWindowFrame) {
   EXPECT_EQ(sampleForm->Width.get(), 3200);
   EXPECT_EQ(sampleForm->Height.get(), 2325);
   bool resized = false;
@@ -102,7 +102,7 @@ TEST_F(Controls, AVisibleFormCannotBeShownModally) {
 TEST_F(Controls, AFormKeepsItsModalityUntilItIsHidden) {
   machine.onModal = [](Form& form) {
     form.Show();
-    EXPECT_EQ(form.modality(), Form::Modality::Modal) << "shown again while it stands";
+    EXPECT_EQ(form.modality(), Form::Modality::Modal) << "shown again while visible";
   };
   sampleForm->Show(Form::Modality::Modal);
   EXPECT_EQ(machine.modalForms.size(), 1U);
@@ -110,7 +110,7 @@ TEST_F(Controls, AFormKeepsItsModalityUntilItIsHidden) {
   EXPECT_EQ(sampleForm->modality(), Form::Modality::Modeless);
 }
 
-TEST_F(Controls, AModalShowReturnsWhenTheFormHasGone) {
+TEST_F(Controls, ModalShowReturnsWhenTheFormIsGone) {
   bool stood = false;
   machine.onModal = [&stood](Form& form) {
     stood = form.Visible;
@@ -147,7 +147,7 @@ TEST_F(Controls, AnIndexOutsideAControlArrayIsAFault) {
   EXPECT_NO_THROW(frmMain->picCaps[5]);
 }
 
-TEST_F(Controls, APictureBoxHasAsManyPixelsAsItsSize) {
+TEST_F(Controls, PictureBoxHasAsManyPixelsAsFitItsSize) {
   EXPECT_EQ(sampleForm->picture.pixelWidth(), 100);
   EXPECT_EQ(sampleForm->picture.pixelHeight(), 50);
   sampleForm->Show();

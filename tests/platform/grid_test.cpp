@@ -23,7 +23,7 @@ class GridControl : public GameTest {
   Grid& grid_ = form_.grid;
 };
 
-TEST_F(GridControl, BeginsAsTwoByTwoEmptyCellsWithHeadings) {
+TEST_F(GridControl, StartsAsTwoByTwoEmptyCellsWithHeadings) {
   EXPECT_EQ(grid_.Rows, 2);
   EXPECT_EQ(grid_.Cols, 2);
   EXPECT_EQ(grid_.FixedRows, 1);
@@ -33,7 +33,7 @@ TEST_F(GridControl, BeginsAsTwoByTwoEmptyCellsWithHeadings) {
   EXPECT_EQ(grid_.Text(), "");
 }
 
-TEST_F(GridControl, AddsRowsOfCellsDividedByTabs) {
+TEST_F(GridControl, AddsRowsOfCellsSeparatedByTabs) {
   grid_.Rows = 0;
   grid_.Cols = 3;
   grid_.AddItem("a\tb\tc");
@@ -57,7 +57,7 @@ TEST_F(GridControl, AnEmptiedGridHasNoCurrentCell) {
   EXPECT_EQ(grid_.Row, 0);
 }
 
-TEST_F(GridControl, FixedRowsPushTheCurrentCellOut) {
+TEST_F(GridControl, FixedRowsMoveTheCurrentCellOutOfThem) {
   grid_.Rows = 0;
   grid_.AddItem("a");
   grid_.AddItem("b");
@@ -66,7 +66,7 @@ TEST_F(GridControl, FixedRowsPushTheCurrentCellOut) {
   EXPECT_EQ(grid_.Row, 1);
 }
 
-TEST_F(GridControl, TheTextIsTheCurrentCells) {
+TEST_F(GridControl, TextBelongsToTheCurrentCell) {
   grid_.Rows = 0;
   grid_.AddItem("a\tb");
   grid_.AddItem("c\td");
@@ -78,7 +78,7 @@ TEST_F(GridControl, TheTextIsTheCurrentCells) {
   grid_.adoptCell(0, 0);
   EXPECT_EQ(grid_.Text(), "a");
   grid_.adoptCell(2, 0);
-  EXPECT_EQ(grid_.Row, 0) << "a cell that is gone meanwhile";
+  EXPECT_EQ(grid_.Row, 0) << "a cell that has been removed meanwhile";
 }
 
 TEST_F(GridControl, RefusesValuesOutOfRange) {
@@ -94,7 +94,7 @@ TEST_F(GridControl, RefusesValuesOutOfRange) {
   EXPECT_THROW(grid_.ColAlignment(0, 10), RuntimeFault);
   EXPECT_THROW(grid_.TextMatrix(0, 2), RuntimeFault);
   grid_.Rows = 1;
-  EXPECT_THROW(grid_.FixedRows = 1, RuntimeFault) << "one row at least is not fixed";
+  EXPECT_THROW(grid_.FixedRows = 1, RuntimeFault) << "at least one row is not fixed";
   EXPECT_EQ(grid_.Cols, 2);
   EXPECT_EQ(grid_.Col, 1);
 }
@@ -110,7 +110,7 @@ TEST_F(GridControl, ColumnsHaveWidthAndAlignment) {
   EXPECT_EQ(grid_.ColWidth(2), 1080);
 }
 
-TEST_F(GridControl, FewerColumnsKeepTheCellInside) {
+TEST_F(GridControl, RemovingColumnsKeepsTheCellInside) {
   grid_.Cols = 5;
   grid_.FixedCols = 4;
   EXPECT_EQ(grid_.Col, 4);
@@ -121,7 +121,7 @@ TEST_F(GridControl, FewerColumnsKeepTheCellInside) {
   EXPECT_EQ(grid_.Col, -1);
 }
 
-TEST_F(GridControl, ACheckBoxIsDesignedTickedOrNot) {
+TEST_F(GridControl, CheckBoxIsDesignedCheckedOrNot) {
   EXPECT_EQ(form_.box.Value.get(), 1);
   EXPECT_EQ(form_.box.Caption.get(), "Tick");
 }

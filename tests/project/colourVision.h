@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstddef>
 
-/// The difference between two colours for eyes of four kinds. A colour is converted to light, to the light that looks
-/// the same to an eye without one of its three kinds of cones (the linear model of Machado, Oliveira and Fernandes,
+/// The difference between two colours for four kinds of eyes. A colour is converted to light, to the light that looks
+/// the same to an eye lacking one of its three kinds of cones (the linear model of Machado, Oliveira and Fernandes,
 /// 2009, at full strength), and to L*, a*, b* (CIE 1976, daylight D65). A distance of 2.3 in that space is just
 /// noticeable.
 namespace colourVision {
@@ -34,7 +34,7 @@ inline double lightOf(double channel) {
   return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
 }
 
-/// L*, a* and b* of a colour of the screen, given in 0 to 255, as this eye sees it.
+/// L*, a* and b* of a screen colour (channels 0 to 255) as this eye sees it.
 inline Triple labOf(double red, double green, double blue, Eye eye) {
   constexpr Matrix toXyz = {{{0.4124, 0.3576, 0.1805}, {0.2126, 0.7152, 0.0722}, {0.0193, 0.1192, 0.9505}}};
   constexpr Triple daylight = {0.9505, 1.0, 1.089};

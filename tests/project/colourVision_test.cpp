@@ -15,7 +15,7 @@ namespace {
 constexpr std::array eyeNames = {"ordinary", "without long", "without middle", "without short"};
 constexpr std::array colourNames = {"red", "yellow", "green", "cyan", "blue", "purple"};
 
-/// Something that is drawn in the six colours of the players, and the part of its cell that they fill.
+/// Something drawn in the six player colours, and the part of its cell that it fills.
 struct Coloured {
   std::string name;
   std::array<Picture, 6> pictures;
@@ -28,7 +28,7 @@ Coloured coloured(const std::string& name, const Picture& matte, const std::func
   return result;
 }
 
-/// Pixels that are black in all six count as outside.
+/// Pixels that are black in all six pictures count as outside.
 Picture matteOf(const std::function<Picture(int)>& draw) {
   Picture matte = draw(0);
   for (Pixel& pixel : matte.pixels) pixel = whitePixel;
@@ -74,7 +74,7 @@ std::vector<Triple> seen(const Picture& picture, const Picture& matte, Eye eye) 
   return result;
 }
 
-/// Mean distance of the pixels at the same place: hue, lightness and sign together.
+/// The mean distance between pixels at the same position: hue, lightness and sign combined.
 double apart(const std::vector<Triple>& a, const std::vector<Triple>& b) {
   double sum = 0;
   for (std::size_t i = 0; i < a.size(); ++i) sum += distance(a[i], b[i]);
@@ -87,7 +87,8 @@ double meanLightness(const std::vector<Triple>& pixels) {
   return sum / static_cast<double>(pixels.size());
 }
 
-/// Mean difference of lightness at the same place once both are equally light on the whole: the signs alone.
+/// The mean difference in lightness at the same position after equalising the overall lightness, so only the signs
+/// count.
 double signsApart(const std::vector<Triple>& a, const std::vector<Triple>& b) {
   const double shift = meanLightness(a) - meanLightness(b);
   double sum = 0;
@@ -115,13 +116,13 @@ TEST(ColourVision, WhiteIsWhiteToEveryEye) {
   }
 }
 
-TEST(ColourVision, PureRedHasItsPublishedPlace) {
+TEST(ColourVision, PureRedHasItsPublishedCoordinates) {
   // sRGB red in CIE L*a*b* under D65: 53.24, 80.09, 67.20.
   EXPECT_LT(distance(labOf(255, 0, 0, Eye::ordinary), {53.24, 80.09, 67.20}), 0.5);
 }
 
 TEST(ColourVision, EachEyeLosesTheDifferenceItIsKnownToLose) {
-  // Pairs that are far apart to ordinary eyes and close to the eyes that lack a kind of cones.
+  // Pairs that ordinary eyes tell apart easily, and eyes without one kind of cones hardly.
   const auto pair = [](Eye eye, const Triple& a, const Triple& b) {
     return distance(labOf(a[0], a[1], a[2], eye), labOf(b[0], b[1], b[2], eye));
   };
@@ -140,13 +141,13 @@ TEST(ColourVision, OrdinaryEyesTellThePlayersApartAtAGlance) {
   for (const Coloured& thing : everythingColoured()) expectApart(thing, Eye::ordinary, 12 * justNoticed, apart);
 }
 
-TEST(ColourVision, EyesThatLackAKindOfConesTellThePlayersApart) {
+TEST(ColourVision, ColourBlindEyesTellThePlayersApart) {
   for (const Coloured& thing : everythingColoured())
     for (const Eye eye : {Eye::withoutLong, Eye::withoutMiddle, Eye::withoutShort})
       expectApart(thing, eye, 6 * justNoticed, apart);
 }
 
-/// The middle of a ball, where its sign is: within 9 pixels of its centre.
+/// The middle of a ball, which has its sign: within 9 pixels of the centre.
 Picture middleOf(const Picture& matte) {
   Picture result = matte;
   for (int y = 0; y < matte.height; ++y)

@@ -1,4 +1,4 @@
-// Links and pictures in the documents exist.
+// Links and pictures in the documents must exist.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The anchor that a reader of the page gets for a heading: letters, digits, `_` and `-` in lower case, blanks as `-`.
+/// The anchor that a Markdown renderer generates for a heading: letters, digits, `_` and `-` in lower case, blanks as
+/// `-`.
 std::string anchor(const std::string& heading) {
   std::string result;
   for (const char c : heading) {
@@ -34,7 +35,7 @@ std::set<std::string> anchorsIn(const std::string& text) {
   return found;
 }
 
-/// The problem with a link in a document; empty if it leads somewhere.
+/// The problem with a link in a document; empty if its target exists.
 std::string complaint(const tree::File& document, const std::string& link) {
   if (link.starts_with("http://") || link.starts_with("https://")) return {};
   const std::size_t hash = std::min(link.find('#'), link.size());
@@ -47,7 +48,7 @@ std::string complaint(const tree::File& document, const std::string& link) {
   return anchorsIn(tree::text(path)).contains(link.substr(hash + 1)) ? "" : "no heading " + link.substr(hash);
 }
 
-TEST(Documents, LinksAndPicturesLeadSomewhere) {
+TEST(Documents, LinksAndPicturesExist) {
   static const std::regex expression(R"(\]\(([^)\s]+)\))");
   int links = 0;
   for (const auto& document : tree::files({".md"})) {

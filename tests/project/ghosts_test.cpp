@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::array<Pixel, 6> fullColours = {0xFF0000, 0xFFFF00, 0x00FF00, 0x00FFFF, 0x0000FF, 0xFF00FF};
 
-/// A sprite as the paint code puts it up over one colour, matte first.
+/// A sprite painted over one colour, matte first.
 Picture living(const Picture& matte, const Picture& image, Pixel under) {
   Picture result = image;
   for (std::size_t i = 0; i < result.pixels.size(); ++i) result.pixels[i] |= under & matte.pixels[i];
@@ -78,15 +78,15 @@ void forEveryBall(Check check) {
 
 constexpr std::array ballRadii = {17.0, 17.5, 18.1, 18.8};  // by frame, pixels
 
-/// Whether a hue is nearer to this player's than to any other's.
+/// True if a hue is nearer to this player's than to any other's.
 bool isOwnHue(double hue, int colour) {
   const auto nearest =
       std::ranges::min_element(playerHues, {}, [hue](double playerHue) { return hueDistance(hue, playerHue); });
   return nearest - playerHues.begin() == colour;
 }
 
-// Two pixels wide all round its edge, the smallest ball has 2 * 2 * pi * 17 = 214 of them; three wide, the largest has
-// 354.
+// A ring two pixels wide around the smallest ball has 2 * 2 * pi * 17 = 214 pixels. One three pixels wide around the
+// largest has 354.
 void expectRing(const Ring& ring, int colour, int frame) {
   const double radius = ballRadii.at(static_cast<std::size_t>(frame));
   EXPECT_GE(ring.count, 200);
@@ -105,7 +105,7 @@ TEST(Ghosts, AreAClearRingInThePlayersColourOnBlack) {
     EXPECT_LE(hueDistance(ring.hue, playerHues.at(static_cast<std::size_t>(colour))), hueTolerance);
     for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
       if (matte.pixels[i] == blackPixel || matte.pixels[i] == whitePixel) {
-        ASSERT_EQ(picture.pixels[i], blackPixel) << "nothing but the ring, yet pixel " << i;
+        ASSERT_EQ(picture.pixels[i], blackPixel) << "only the ring is visible, except for pixel " << i;
       }
     }
   });
@@ -121,7 +121,7 @@ TEST(Ghosts, BlinkingParticlesAreRingsToo) {
   const Picture matte = *load("ballMatte");
   for (int kind = 0; kind < 11; ++kind) {
     const Ring ring = ringOf(ghost(matte, ballCell(kind), blackPixel), matte);
-    EXPECT_GE(ring.count, 60) << kind;  // 8.2 pixels in radius: 52 for each pixel of its width
+    EXPECT_GE(ring.count, 60) << kind;  // radius 8.2: 52 pixels for each pixel of width
     EXPECT_LE(ring.count, 155) << kind;
     EXPECT_EQ(ring.sectors.size(), 36U) << kind;
     EXPECT_GE(ring.nearest, 5.5) << kind;
@@ -129,7 +129,7 @@ TEST(Ghosts, BlinkingParticlesAreRingsToo) {
   }
 }
 
-TEST(Ghosts, GreysKeepLeadingBitsOfTheImageOnly) {
+TEST(Ghosts, GreysKeepOnlyLeadingBitsOfTheImage) {
   for (const char* name : {"playerMatte", "ballMatte"}) {
     const std::set<Pixel> allowed = {blackPixel, 0x808080, 0xC0C0C0, 0xF0F0F0, whitePixel};
     const auto matte = load(name);
@@ -153,7 +153,7 @@ TEST(LivingBalls, HideTheBackgroundExceptAtTheirRims) {
 }
 
 TEST(LivingBalls, LookLikeBallsWithoutLightInTheirRims) {
-  // The balls as they were drawn before the rims, a row a colour.
+  // The balls as drawn before they had rims, one row per colour.
   const auto plain = loadPictureFile(std::string(KELVORA_SOURCE_DIR) + "/tests/golden/ballsWithoutRims.png");
   forEveryBall([&](int colour, int frame, const Picture&, const Picture& image) {
     const Picture before = cell(*plain, frame * 735, colour * 735, 735, 735);
@@ -170,7 +170,7 @@ TEST(LivingBalls, LookLikeBallsWithoutLightInTheirRims) {
         change += std::fabs(part);
       }
     }
-    EXPECT_LE(change / (3.0 * static_cast<double>(image.pixels.size())), 2.5) << "of 255, on the mean";
+    EXPECT_LE(change / (3.0 * static_cast<double>(image.pixels.size())), 2.5) << "of 255, on average";
   });
 }
 

@@ -21,25 +21,25 @@ const std::vector<tree::File>& texts() {
   return files;
 }
 
-/// The first line, counted from 1, that holds what the expression finds; 0 if none does.
+/// The first line, counted from 1, that matches the expression; 0 if none does.
 long lineOf(const tree::File& file, const std::regex& expression) {
   std::smatch match;
   if (!std::regex_search(file.text, match, expression)) return 0;
   return 1 + std::count(file.text.begin(), match[0].first, '\n');
 }
 
-TEST(Hygiene, NothingIsLeftForLater) {
-  // Cut in two so that this file does not find itself.
+TEST(Hygiene, NoTodosAreLeft) {
+  // Split so that this file doesn't match.
   const std::regex marks(std::string(R"(\b(TO)") + R"(DO|FIX)" + R"(ME)\b)");
   for (const auto& file : texts()) EXPECT_EQ(lineOf(file, marks), 0) << file.path;
 }
 
-TEST(Hygiene, NoTestIsSwitchedOff) {
+TEST(Hygiene, NoTestIsDisabled) {
   const std::regex marks(std::string(R"(\b(DIS)") + R"(ABLED_|GTEST_)" + R"(SKIP))");
   for (const auto& file : texts()) EXPECT_EQ(lineOf(file, marks), 0) << file.path;
 }
 
-TEST(Hygiene, LinesHaveNoTabsNorBlanksAtTheirEnd) {
+TEST(Hygiene, LinesHaveNoTabsOrTrailingBlanks) {
   const std::regex tab(R"(\t)");
   const std::regex trailing(R"([ \r]\n)");
   for (const auto& file : texts()) {
@@ -56,16 +56,16 @@ TEST(Hygiene, TextsEndWithOneLineBreak) {
   }
 }
 
-TEST(Hygiene, HeadersAreIncludedOnce) {
+TEST(Hygiene, HeadersStartWithPragmaOnce) {
   for (const auto& file : tree::files({".h"})) EXPECT_TRUE(tree::startsWith(file.text, "#pragma once\n")) << file.path;
 }
 
-TEST(Hygiene, NoPathOfOneMachineIsWrittenDown) {
+TEST(Hygiene, NoMachineSpecificPathAppears) {
   const std::regex home(R"(/(home|Users|root|work)/[A-Za-z])");
   for (const auto& file : texts()) EXPECT_EQ(lineOf(file, home), 0) << file.path;
 }
 
-TEST(Hygiene, TheVersionStandsInOnePlaceAndInItsHistory) {
+TEST(Hygiene, VersionAppearsOnlyInOnePlaceAndTheHistory) {
   const std::regex version("(^|[^0-9.])" + std::regex_replace(KELVORA_VERSION, std::regex(R"(\.)"), R"(\.)") +
                            "(?![0-9]|\\.[0-9])");
   std::set<std::string> found;

@@ -1,4 +1,4 @@
-// The documents and the comments of headers name, in backticks, only what there is.
+// In backticks, the documents and the comments of headers may only name what exists.
 
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ std::vector<std::string> wordsOf(std::string_view text) {
   return words;
 }
 
-/// Each line with the place of its comment; where there is none, the line's length.
+/// Each line with the start of its comment; without a comment, the line's length.
 template <class Visitor>
 void forEachLine(const std::string& text, std::string_view mark, Visitor visit) {
   std::string_view rest = text;
@@ -39,14 +39,14 @@ void forEachLine(const std::string& text, std::string_view mark, Visitor visit) 
     const std::string_view line = rest.substr(0, rest.find('\n'));
     rest.remove_prefix(std::min(line.size() + 1, rest.size()));
     std::size_t comment = line.find(mark);
-    if (comment > 0 && comment != std::string_view::npos && line[comment - 1] == ':') {  // an address
+    if (comment > 0 && comment != std::string_view::npos && line[comment - 1] == ':') {  // a URL
       comment = std::string_view::npos;
     }
     visit(line, std::min(comment, line.size()));
   }
 }
 
-/// Every word of the sources, comments left out, and of the files' names.
+/// Every word of the sources without comments, and of the file names.
 const Words& sourceWords() {
   static const Words words = [] {
     Words found;
@@ -64,7 +64,7 @@ const Words& sourceWords() {
   return words;
 }
 
-/// The quotations in backticks within a line. Code blocks of a document are skipped.
+/// The quotations in backticks in a line. Skips a document's code blocks.
 std::vector<std::string> quotations(const std::string& text) {
   std::vector<std::string> found;
   bool isBlock = false;
@@ -82,10 +82,10 @@ std::vector<std::string> quotations(const std::string& text) {
   return found;
 }
 
-/// The names in a quotation that is an identifier, plain or qualified, or a call of one; none in any other.
+/// The names in a quotation that is a plain or qualified identifier or a call of one; none for any other quotation.
 std::vector<std::string> identifiers(std::string_view text) {
   if (text.ends_with(')')) text = text.substr(0, text.find('('));
-  std::size_t expected = 0;  // where the next name has to begin
+  std::size_t expected = 0;  // where the next name must begin
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (isWordCharacter(text[i])) {
       if (i == expected && !beginsWord(text[i])) return {};
@@ -101,7 +101,7 @@ std::vector<std::string> identifiers(std::string_view text) {
   return expected < text.size() ? wordsOf(text) : std::vector<std::string>{};
 }
 
-/// A path of the project: it begins with one of its folders and has no other signs than a path's.
+/// True for a path of the project: it starts with one of its folders and contains only characters of paths.
 bool isPath(std::string_view text) {
   const auto isPathCharacter = [](char c) {
     return isWordCharacter(c) || c == '/' || c == '.' || c == '-' || c == '@';
@@ -160,7 +160,7 @@ TEST(Identifiers, ThatAreMissingAreFound) {
   EXPECT_EQ(complaint("raster/" + missing + ".h"), "no file raster/" + missing + ".h");
   EXPECT_EQ(complaint("--" + missing), "") << "no identifier";
   EXPECT_EQ(quotations("a `b` c\n```\n`d`\n```\n`e` `f"), (std::vector<std::string>{"b", "e"}));
-  // Words of comments alone do not count: this one is orphaned.
+  // Words that only comments contain don't count: this one is orphaned.
   EXPECT_EQ(complaint(std::string("orph") + "aned"), std::string("no orph") + "aned in the sources");
 }
 

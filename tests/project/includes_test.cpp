@@ -153,7 +153,7 @@ TEST(Includes, OnlyPlatformWin32IncludesTheSystemsHeadersOfWindows) {
   EXPECT_GT(checked, 0);
 }
 
-TEST(Includes, OfHeadersFormNoCircle) {
+TEST(Includes, OfHeadersFormNoCycle) {
   std::map<std::string, std::vector<std::string>> graph;
   for (const auto& file : sources()) {
     if (file.path.ends_with(".h")) graph[file.path] = includes(file, R"re("([^"\n]+)")re");
@@ -165,7 +165,7 @@ TEST(Includes, OfHeadersFormNoCircle) {
                  return std::ranges::none_of(entry.second, [&](const auto& other) { return graph.contains(other); });
                }) > 0;
   }
-  for (const auto& [header, others] : graph) ADD_FAILURE() << header << " stands in or above a circle of headers";
+  for (const auto& [header, others] : graph) ADD_FAILURE() << header << " is in a cycle of headers or includes one";
 }
 
 TEST(Includes, TableIsInTheArchitecture) {

@@ -15,7 +15,7 @@ struct Entry {
   std::string body;
 };
 
-/// The matches of an expression's first group in a text.
+/// All matches of an expression's first group in a text.
 std::multiset<std::string> matches(const std::string& text, const char* pattern) {
   const std::regex expression(pattern);
   std::multiset<std::string> found;
@@ -42,7 +42,7 @@ const std::map<std::string, Entry>& registry() {
   return entries;
 }
 
-/// Numbers of the quirks that a comment in the sources marks.
+/// The numbers of the quirks marked by a comment in the sources.
 std::set<std::string> markedSites() {
   std::set<std::string> numbers;
   for (const auto& file : tree::files({".h", ".cpp"})) {
@@ -53,7 +53,7 @@ std::set<std::string> markedSites() {
   return numbers;
 }
 
-/// "Suite.Name" of every test in C++, and the name of every test function of the desktop's Python.
+/// "Suite.Name" for every C++ test, and the name of every Python test method.
 std::set<std::string> testNames() {
   const std::regex definition(R"(\bTEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\))");
   std::set<std::string> names;
@@ -67,7 +67,7 @@ std::set<std::string> testNames() {
   return names;
 }
 
-/// Numbers of the quirks that a test's name carries.
+/// The numbers of the quirks in test names.
 std::set<std::string> testedNumbers() {
   std::set<std::string> numbers;
   for (const auto& name : testNames()) {
@@ -108,7 +108,7 @@ TEST(Quirks, AreMarkedInOneSpelling) {
   }
 }
 
-TEST(Quirks, HaveSeenMechanismAndTest) {
+TEST(Quirks, DescribeSymptomMechanismAndTest) {
   const auto names = testNames();
   for (const auto& [number, entry] : registry()) {
     for (const char* part : {"**Seen:** ", "**Mechanism:** ", "**Test:** "}) {

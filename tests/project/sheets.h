@@ -11,7 +11,7 @@
 #include "platform/pictures/pictureFile.h"
 #include "raster/twips.h"
 
-/// Reads the drawn pictures as the paint code does: cells in twips, mattes beside images.
+/// Reads the pictures as the paint code does: cells in twips, mattes beside images.
 namespace sheets {
 
 inline constexpr kelvora::Pixel blackPixel = 0x000000;
@@ -21,7 +21,7 @@ inline kelvora::PicturePointer load(const std::string& name) {
   return kelvora::loadPictureFile(std::string(KELVORA_SOURCE_DIR) + "/assets/" + name + ".png");
 }
 
-/// A copy of the rectangle that begins at `x`, `y` and is `width` by `height`, all twips.
+/// A copy of the rectangle of `width` by `height` at (`x`, `y`), all in twips.
 inline kelvora::Picture cell(const kelvora::Picture& sheet, double x, double y, double width, double height) {
   kelvora::Picture result{kelvora::toPixels(width), kelvora::toPixels(height), {}};
   for (int row = 0; row < result.height; ++row)
@@ -31,10 +31,10 @@ inline kelvora::Picture cell(const kelvora::Picture& sheet, double x, double y, 
   return result;
 }
 
-/// The name of a sheet of a control array.
+/// The name of a sheet in a control array.
 inline std::string numbered(const char* name, int number) { return name + std::to_string(number); }
 
-/// Cells of the balls as the paint code takes them.
+/// The balls' cells, as the paint code cuts them out.
 inline kelvora::Picture playerCell(const std::string& name, int frame) {
   return cell(*load(name), frame * 735, 0, 735, 735);
 }
@@ -54,10 +54,10 @@ inline double red(kelvora::Pixel pixel) { return pixel >> 16 & 255; }
 inline double green(kelvora::Pixel pixel) { return pixel >> 8 & 255; }
 inline double blue(kelvora::Pixel pixel) { return pixel & 255; }
 
-/// How bright a pixel is to the eye, 0 to 255.
+/// A pixel's perceived brightness, 0 to 255.
 inline double luma(kelvora::Pixel pixel) { return 0.299 * red(pixel) + 0.587 * green(pixel) + 0.114 * blue(pixel); }
 
-/// The hue of the whole picture in degrees, red 0, green 120, blue 240: greys count nothing, strong colours most.
+/// The mean hue of a picture in degrees (red 0, green 120, blue 240), weighted by saturation.
 inline double meanHue(const kelvora::Picture& picture) {
   double alpha = 0;
   double beta = 0;
@@ -69,13 +69,13 @@ inline double meanHue(const kelvora::Picture& picture) {
   return degrees < 0 ? degrees + 360 : degrees;
 }
 
-/// The way round the colour circle from one hue to another, 0 to 180 degrees.
+/// The distance between two hues on the colour circle, 0 to 180 degrees.
 inline double hueDistance(double a, double b) {
   const double way = std::fabs(a - b);
   return std::min(way, 360 - way);
 }
 
-/// Share of the pixels with this value, 0 to 1.
+/// The share of pixels with this value, 0 to 1.
 inline double share(const kelvora::Picture& picture, kelvora::Pixel value) {
   return static_cast<double>(std::ranges::count(picture.pixels, value)) / static_cast<double>(picture.pixels.size());
 }

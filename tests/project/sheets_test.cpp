@@ -66,7 +66,7 @@ constexpr std::array sizes = {
     Size{"storeItem5", 57, 57},
 };
 
-// Cells as the paint code takes them, in twips.
+// Cells as the paint code cuts them out, in twips.
 Picture shieldCell(int frame, int row) { return cell(*load("shield"), frame * 735, row * 735, 735, 735); }
 Picture edgeCell(const std::string& name, int frame) { return cell(*load(name), frame * 270, 0, 270, 270); }
 Picture pointerCell(int frame, int row) { return cell(*load("arrows"), frame * 367, row * 367, 367, 367); }
@@ -79,7 +79,7 @@ struct Sprite {
   Picture image;
 };
 
-/// Every sprite that is put up by a matte and an image.
+/// Every sprite painted with a matte and an image.
 std::vector<Sprite> allSprites() {
   std::vector<Sprite> result;
   for (int frame = 0; frame < 4; ++frame) {
@@ -102,7 +102,7 @@ std::vector<Sprite> allSprites() {
   return result;
 }
 
-/// Mean of the differences between two pictures of one size as a viewer without colour sees them, 0 to 255.
+/// The mean difference, 0 to 255, between two pictures of the same size in greyscale.
 double greyDistance(const Picture& a, const Picture& b) {
   double sum = 0;
   for (std::size_t i = 0; i < a.pixels.size(); ++i) sum += std::fabs(luma(a.pixels[i]) - luma(b.pixels[i]));
@@ -115,7 +115,7 @@ double meanLuma(const Picture& picture) {
   return sum / static_cast<double>(picture.pixels.size());
 }
 
-/// Mean distance of colours in the cube of 255 where either picture shows anything.
+/// The mean distance in the RGB cube (side 255) of the pixels that either picture covers.
 double colourDistance(const Picture& a, const Picture& b) {
   double sum = 0;
   double count = 0;
@@ -141,12 +141,12 @@ TEST(Sheets, AreTrueColourWithoutTransparency) {
     std::ifstream file(std::string(KELVORA_SOURCE_DIR) + "/assets/" + size.name + ".png", std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     ASSERT_GT(bytes.size(), 26U) << size.name;
-    EXPECT_EQ(bytes[24], 8) << size.name;  // bits a channel
+    EXPECT_EQ(bytes[24], 8) << size.name;  // bits per channel
     EXPECT_EQ(bytes[25], 2) << size.name;  // red, green and blue
   }
 }
 
-TEST(Sheets, MattesAreWhiteOutsideAndBlackInsideButForTheRimsOfBalls) {
+TEST(Sheets, MattesAreWhiteOutsideAndBlackInsideExceptForBallRims) {
   for (const auto& sprite : allSprites()) {
     const double inside = share(sprite.matte, blackPixel);
     const bool isBall = sprite.name.starts_with("player") || sprite.name.starts_with("ball");
@@ -187,7 +187,7 @@ TEST(Sheets, ColourNumbersHaveTheirHues) {
   }
 }
 
-TEST(Sheets, BallsRunRoundTheColourCircle) {
+TEST(Sheets, BallsRunAroundTheColourCircle) {
   for (int kind = 0; kind < 11; ++kind)
     EXPECT_LE(hueDistance(meanHue(ballCell(kind)), particleHues.at(static_cast<std::size_t>(kind))), hueTolerance)
         << kind;
@@ -220,7 +220,7 @@ TEST(Sheets, PlayersDifferWithoutTheirHue) {
     }
 }
 
-TEST(Sheets, TheBallLives) {
+TEST(Sheets, BallIsAnimated) {
   for (int colour = 0; colour < 6; ++colour)
     for (int frame = 1; frame < 4; ++frame) {
       const auto name = numbered("player", colour);
@@ -242,7 +242,7 @@ TEST(Sheets, TheShieldIsARingThatLeavesTheBallFree) {
 }
 
 TEST(Sheets, PointerFramesRunClockwiseFromStraightUp) {
-  // An arrowhead is narrow before and wide behind, so its mass lies on the far side of its middle.
+  // An arrowhead is narrow in front and wide at the back, so its centre of mass is behind its middle.
   for (int frame = 0; frame < 12; ++frame) {
     const auto matte = pointerCell(frame, 1);
     double x = 0;
@@ -258,7 +258,7 @@ TEST(Sheets, PointerFramesRunClockwiseFromStraightUp) {
   }
 }
 
-TEST(Sheets, NoTurnOfThePointerCutsACornerOff) {
+TEST(Sheets, NoPointerFrameCutsOffACorner) {
   const auto area = [](int frame) {
     const auto matte = pointerCell(frame, 1);
     return share(matte, blackPixel) * static_cast<double>(matte.pixels.size());
@@ -273,7 +273,7 @@ int countInside(const Picture& matte, int x, int y, int stepX, int stepY) {
 }
 
 TEST(Sheets, EdgeArrowsPointUpRightDownLeft) {
-  // The tip is the side of the cell that holds least, the shaft the one opposite.
+  // The tip is on the emptiest side of the cell, the shaft on the opposite one.
   struct Side {
     int x, y, stepX, stepY;
   };
@@ -294,8 +294,8 @@ TEST(Sheets, EdgeArrowsPointUpRightDownLeft) {
   }
 }
 
-TEST(Sheets, EdgeArrowsPointIntoTheFourCorners) {
-  // Up-left, up-right, down-left, down-right: the tip fills its corner and the opposite one is empty.
+TEST(Sheets, EdgeArrowsPointToTheFourCorners) {
+  // Up-left, up-right, down-left, down-right: the tip fills its corner, and the opposite one is empty.
   constexpr std::array<std::pair<int, int>, 4> corners = {{{1, 1}, {16, 1}, {1, 16}, {16, 16}}};
   for (int frame = 4; frame < 8; ++frame) {
     const auto matte = edgeCell("opponentArrowMatte", frame);
@@ -361,7 +361,7 @@ TEST(Sheets, TheApplicationIconComesInTheUsualSizes) {
     const auto icon = load(numbered("icon-", size));
     EXPECT_EQ(icon->width, size);
     EXPECT_EQ(icon->height, size);
-    EXPECT_EQ(at(*icon, 0, 0), blackPixel);  // a clear corner
+    EXPECT_EQ(at(*icon, 0, 0), blackPixel);  // an empty corner
     EXPECT_GT(red(at(*icon, size / 2, size * 3 / 5)), 100);
   }
 }
@@ -370,7 +370,7 @@ TEST(Sheets, TheTitlePictureFillsTheCanvasAndShowsWhereToClick) {
   const auto logo = loadPictureFile(std::string(KELVORA_SOURCE_DIR) + "/kelvora.jpg");
   EXPECT_EQ(logo->width, 763);   // 11445 twips
   EXPECT_EQ(logo->height, 608);  // 9120 twips
-  // The label that takes clicks lies at 180, 5100 and is 3555 by 975: the plate stands out from what is right of it.
+  // The label that takes clicks is at 180, 5100 and measures 3555 by 975. The plate differs from what is to its right.
   const auto plate = cell(*logo, 180, 5100, 3555, 975);
   const auto above = cell(*logo, 180, 4650, 3555, 300);
   const auto below = cell(*logo, 180, 6150, 3555, 300);

@@ -23,7 +23,8 @@ inline bool isSkipped(const std::filesystem::path& folder) {
   return name.rfind("build", 0) == 0 || (name.rfind('.', 0) == 0 && name != ".ci");
 }
 
-/// Every file below the project's folder with one of these extensions ("" for none), build folders left out, by path.
+/// Every file below the project's folder with one of these extensions ("" for none), sorted by path. Skips build
+/// folders.
 inline std::vector<File> files(const std::set<std::string>& extensions) {
   namespace fs = std::filesystem;
   const fs::path root = KELVORA_SOURCE_DIR;
@@ -33,7 +34,7 @@ inline std::vector<File> files(const std::set<std::string>& extensions) {
       if (isSkipped(entry->path())) entry.disable_recursion_pending();
       continue;
     }
-    // In a linked worktree .git is a file, and tells where the repository is on this machine.
+    // In a linked worktree .git is a file with a path of this machine.
     if (entry->path().filename() == ".git" || !extensions.contains(entry->path().extension().string())) continue;
     std::ifstream stream(entry->path(), std::ios::binary);
     found.push_back({entry->path().lexically_relative(root).generic_string(),
@@ -43,7 +44,7 @@ inline std::vector<File> files(const std::set<std::string>& extensions) {
   return found;
 }
 
-/// One file by its path; empty if it is not there.
+/// The contents of one file; empty if it doesn't exist.
 inline std::string text(const std::string& path) {
   std::ifstream stream(std::filesystem::path(KELVORA_SOURCE_DIR) / path, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};

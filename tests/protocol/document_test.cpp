@@ -1,4 +1,4 @@
-// docs/protocol.md says of the messages what the program's tables say, and its examples are what they say they are.
+// docs/protocol.md must agree with the program's tables, and its examples with their explanations.
 
 #include <gtest/gtest.h>
 
@@ -24,14 +24,14 @@ const std::string& document() {
   return text;
 }
 
-/// What stands below a heading, up to the next one.
+/// The text below a heading, up to the next one.
 std::string section(const std::string& heading) {
   const std::size_t begin = document().find("\n## " + heading + "\n");
   if (begin == std::string::npos) return {};
   return document().substr(begin, document().find("\n## ", begin + 1) - begin);
 }
 
-/// The cells of a section's table without its two first rows.
+/// The cells of a section's table without its first two rows.
 std::vector<std::vector<std::string>> table(const std::string& heading) {
   std::vector<std::vector<std::string>> rows;
   std::istringstream lines(section(heading));
@@ -52,7 +52,7 @@ std::string typeName(wire::FieldType type) {
   return names[static_cast<int>(type)];
 }
 
-/// "137 `msgX`: `a` int16, `b` text", as the document has its first three cells.
+/// A message as "137 `msgX`: `a` int16, `b` text", like the first three cells of the document's rows.
 std::string described(const std::string& id, const std::string& name, const std::string& fields) {
   return id + " " + name + ": " + fields;
 }
@@ -84,15 +84,15 @@ Descriptions inProgram(wire::Direction direction) {
   return found;
 }
 
-TEST(ProtocolDocument, HasTheMessagesToTheServer) {
+TEST(ProtocolDocument, ListsTheMessagesToTheServer) {
   EXPECT_EQ(inDocument("Client to server"), inProgram(wire::Direction::toServer));
 }
 
-TEST(ProtocolDocument, HasTheMessagesToTheClient) {
+TEST(ProtocolDocument, ListsTheMessagesToTheClient) {
   EXPECT_EQ(inDocument("Server to client"), inProgram(wire::Direction::toClient));
 }
 
-TEST(ProtocolDocument, HasThePowerups) {
+TEST(ProtocolDocument, ListsThePowerups) {
   std::vector<std::vector<std::string>> expected;
   for (const Powerup& powerup : powerupTable) {
     expected.push_back({std::to_string(expected.size()), powerup.name, std::to_string(powerup.price),
@@ -101,7 +101,7 @@ TEST(ProtocolDocument, HasThePowerups) {
   EXPECT_EQ(table("Numbers of the game"), expected);
 }
 
-TEST(ProtocolDocument, HasTheColours) {
+TEST(ProtocolDocument, ListsTheColours) {
   std::string colours;
   for (const char* name : rules::colourNames) {
     const std::string number = std::to_string(std::ranges::count(colours, ','));
@@ -142,7 +142,7 @@ std::vector<std::string> quoted(const std::string& text) {
   return found;
 }
 
-TEST(ProtocolDocument, ItsExamplesAreWhatTheySay) {
+TEST(ProtocolDocument, HasCorrectExamples) {
   const auto rows = table("Examples");
   EXPECT_GT(rows.size(), 8U);
   for (const auto& row : rows) {

@@ -20,7 +20,7 @@ class FrameReaderTest : public testing::Test {
   }
 };
 
-TEST_F(FrameReaderTest, JoinsWhatTheNetworkSplit) {
+TEST_F(FrameReaderTest, JoinsFramesThatTheNetworkSplit) {
   for (const char byte : std::string("\x80\x87"
                                      "Ann\x82\x81\x80\x98\x81"))
     ASSERT_TRUE(read({&byte, 1}));
@@ -29,7 +29,7 @@ TEST_F(FrameReaderTest, JoinsWhatTheNetworkSplit) {
                           "\x98"}));
 }
 
-TEST_F(FrameReaderTest, SplitsWhatTheNetworkJoined) {
+TEST_F(FrameReaderTest, SplitsFramesThatTheNetworkJoined) {
   EXPECT_TRUE(
       read("\x80"
            "a\x81\x80\x81\x80"
@@ -45,7 +45,7 @@ TEST_F(FrameReaderTest, RefusesBytesOutsideFrames) {
   EXPECT_FALSE(
       read("\x80"
            "a\x81x"));
-  EXPECT_EQ(texts, Texts{"a"}) << "what came before stands";
+  EXPECT_EQ(texts, Texts{"a"}) << "earlier frames still count";
 }
 
 TEST_F(FrameReaderTest, RefusesAStartWithinAFrame) {
@@ -54,7 +54,7 @@ TEST_F(FrameReaderTest, RefusesAStartWithinAFrame) {
            "a\x80"));
 }
 
-TEST_F(FrameReaderTest, ALoginKeepsTheStartsThatSomebodyTyped) {
+TEST_F(FrameReaderTest, LoginKeepsTypedStartBytes) {
   // "A" and a euro sign as the name.
   EXPECT_TRUE(
       read("\x80\x87"

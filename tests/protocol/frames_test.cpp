@@ -49,7 +49,7 @@ TEST(Frames, SinglesHaveSevenDigitsAndNoZeroBeforeThePoint) {
             "\x80\x83\x31.234568E+07\x82\x31.5E-08\x81");
 }
 
-TEST(Frames, ANumberIsPassedOnLetterByLetter) {
+TEST(Frames, NumberTextIsForwardedUnchanged) {
   EXPECT_EQ(wire::toClient<wire::msgPosition>(4, NumberText{"007.50"}, NumberText{"1e2"}),
             "\x80\x86\x34\x82\x30\x30\x37.50\x82\x31"
             "e2\x81");
@@ -68,7 +68,7 @@ TEST(Frames, AMessageIsReadIntoItsTypes) {
   EXPECT_EQ(wire::fromServer<wire::msgPing>("70000"), std::tuple(70'000));
 }
 
-TEST(Frames, EveryFieldHasToBeThereAndNoOther) {
+TEST(Frames, MessageMustHaveExactlyItsFields) {
   EXPECT_TRUE(wire::fromClient<wire::msgChat>("-1\x82hi"));
   EXPECT_TRUE(wire::fromClient<wire::msgChat>("-1\x82")) << "an empty text is one";
   EXPECT_FALSE(wire::fromClient<wire::msgChat>("-1"));
@@ -76,7 +76,7 @@ TEST(Frames, EveryFieldHasToBeThereAndNoOther) {
   EXPECT_FALSE(wire::fromClient<wire::msgBuyRequest>(""));
 }
 
-TEST(Frames, TheWholeFieldHasToBeOfItsType) {
+TEST(Frames, WholeFieldMustBeOfItsType) {
   for (const char* item : {"", " 1", "1 ", "+1", "1.0", "32768", "-32769", "1x", "x"}) {
     EXPECT_FALSE(wire::fromClient<wire::msgBuyRequest>(item)) << item;
   }
@@ -87,7 +87,7 @@ TEST(Frames, TheWholeFieldHasToBeOfItsType) {
   EXPECT_FALSE(wire::fromServer<wire::msgPing>("2147483648"));
 }
 
-TEST(Frames, TextsAreReadAsTheyStand) {
+TEST(Frames, TextsAreReadUnchanged) {
   using Texts = std::array<std::string_view, 4>;
   constexpr auto read = wire::readTexts<wire::Direction::toServer, wire::msgLogin>;
   EXPECT_EQ(read("Ann\x82\x82 two\x82v"), (Texts{"Ann", "", " two", "v"}));

@@ -13,7 +13,7 @@
 namespace kelvora {
 namespace {
 
-TEST(Messages, NoneStandsTwiceForOneDirection) {
+TEST(Messages, NoneAppearsTwiceInOneDirection) {
   std::set<std::pair<wire::Direction, int>> seen;
   for (const wire::Message& message : wire::messages) {
     EXPECT_TRUE(seen.insert({message.direction, message.id}).second) << message.name;

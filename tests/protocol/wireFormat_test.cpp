@@ -21,7 +21,7 @@ TEST(WireFormat, SplitsAtEverySeparator) {
   EXPECT_EQ(wire::splitFields(""), (Texts{""}));
 }
 
-TEST(WireFormat, SplitsIntoAsManyFieldsAsAreWanted) {
+TEST(WireFormat, SplitsIntoTheRequestedNumberOfFields) {
   std::array<std::string_view, 2> fields;
   EXPECT_TRUE(wire::splitFields("a\x82", fields));
   EXPECT_EQ(fields, (std::array<std::string_view, 2>{"a", ""}));
@@ -29,7 +29,7 @@ TEST(WireFormat, SplitsIntoAsManyFieldsAsAreWanted) {
   EXPECT_FALSE(wire::splitFields("\x82\x82", fields)) << "too many";
 }
 
-TEST(WireFormat, AFrameIsOpened) {
+TEST(WireFormat, OpensAFrame) {
   EXPECT_EQ(wire::textOf("\x80\x90-1\x82hi\x81"), "\x90-1\x82hi");
   EXPECT_EQ(wire::textOf("\x80\x81"), "");
   EXPECT_EQ(wire::textOf("\x80"), "");

@@ -90,7 +90,7 @@ TEST(Circle, IgnoresDrawWidthAndForeColor) {
   EXPECT_EQ(surface.pixels()[12], 2U);
 }
 
-TEST(Circle, AgreesWithItsDefinitionWhereverItLies) {
+TEST(Circle, MatchesItsDefinitionAnywhere) {
   std::mt19937 draws(3);
   const auto between = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws); };
   for (int i = 0; i < 3000; ++i) {

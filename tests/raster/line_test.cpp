@@ -27,7 +27,7 @@ void draw(Surface& surface, int x1, int y1, int x2, int y2) {
   surface.Line(twips(x1), twips(y1), twips(x2), twips(y2));
 }
 
-// The same line on both surfaces, on a colour so that overdrawing would show.
+// Draws the same line on both surfaces, on a background that would reveal overdrawing.
 std::string compareLine(int imageWidth, int imageHeight, int x1, int y1, int x2, int y2, int width) {
   Surface surface;
   surface.BackColor = RGB(1, 2, 3);
@@ -43,7 +43,7 @@ std::string compareLine(int imageWidth, int imageHeight, int x1, int y1, int x2,
          std::to_string(y2) + " width " + std::to_string(width) + ": " + found;
 }
 
-TEST(Line, OfWidthOneHasBothItsEnds) {
+TEST(Line, OfWidthOneIncludesBothEnds) {
   Surface surface = blank(6, 3);
   draw(surface, 1, 1, 4, 1);
   EXPECT_EQ(drawing(surface),
@@ -52,7 +52,7 @@ TEST(Line, OfWidthOneHasBothItsEnds) {
             "......\n");
 }
 
-TEST(Line, OfWidthOneTakesTheNearestPixelHalvesDownward) {
+TEST(Line, OfWidthOneCoversTheNearestPixelHalvesDownward) {
   Surface surface = blank(6, 4);
   draw(surface, 0, 1, 4, 3);  // heights 1, 1.5, 2, 2.5, 3
   EXPECT_EQ(drawing(surface),
@@ -74,10 +74,10 @@ TEST(Line, OfWidthOneIsTheSameFromEitherEnd) {
   }
 }
 
-TEST(Line, OfNoLengthIsItsPen) {
+TEST(Line, OfNoLengthIsThePensDisc) {
   Surface surface = blank(7, 7);
   surface.DrawWidth = 5;
-  draw(surface, 3, 3, 3, 3);  // within 2.5: 6.25 in squares of pixels, so (1, 2) is in and (2, 2) is not
+  draw(surface, 3, 3, 3, 3);  // within 2.5, squared 6.25: so (1, 2) is in and (2, 2) is not
   EXPECT_EQ(drawing(surface),
             ".......\n"
             "..###..\n"
@@ -131,7 +131,7 @@ TEST(Line, CoversAsManyRowsOrColumnsAsItIsWide) {
   }
 }
 
-TEST(Line, HoldsItsWidthBetweenOneAnd64) {
+TEST(Line, ClampsItsWidthToOneTo64) {
   for (const auto& [asked, held] : {std::pair{65, 64}, {1000000, 64}, {0, 1}, {-7, 1}}) {
     Surface surface = blank(90, 90);
     Surface expected = blank(90, 90);
@@ -149,7 +149,7 @@ TEST(Line, EndsAtWholePixelsHalvesUpward) {
   EXPECT_EQ(drawing(surface), ".###.\n");
 }
 
-TEST(Line, LeavesBackgroundAndColoursAlone) {
+TEST(Line, KeepsBackgroundAndColours) {
   Surface surface = blank(3, 1);
   surface.ForeColor = RGB(17, 34, 51);
   draw(surface, 1, 0, 1, 0);
@@ -158,7 +158,7 @@ TEST(Line, LeavesBackgroundAndColoursAlone) {
   EXPECT_EQ(surface.pixels()[2], 0U);
 }
 
-TEST(Line, AgreesWithItsDefinitionForEveryDirectionAndWidth) {
+TEST(Line, MatchesItsDefinitionForEveryDirectionAndWidth) {
   for (int width = 1; width <= 64; ++width) {
     const int step = width < 8 ? 3 : 11;
     for (int x = -26; x <= 26; x += step) {
@@ -169,7 +169,7 @@ TEST(Line, AgreesWithItsDefinitionForEveryDirectionAndWidth) {
   }
 }
 
-TEST(Line, AgreesWithItsDefinitionAcrossTheBorders) {
+TEST(Line, MatchesItsDefinitionAcrossTheBorders) {
   std::mt19937 draws(1);
   const auto between = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws); };
   for (int i = 0; i < 6000; ++i) {
@@ -179,13 +179,13 @@ TEST(Line, AgreesWithItsDefinitionAcrossTheBorders) {
   }
 }
 
-TEST(Line, AgreesWithItsDefinitionForFarEndPoints) {
+TEST(Line, MatchesItsDefinitionForFarEndPoints) {
   std::mt19937 draws(2);
   const auto between = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws); };
   for (int i = 0; i < 6000; ++i) {
     const int width = i % 3 == 0 ? 1 : between(2, 64);
     const int reach = i % 2 == 0 ? 1000 : 900000;
-    // Through a point near the image, so that most of the lines can be seen.
+    // Through a point near the image, so that most lines are visible.
     const int x = between(-20, 60);
     const int y = between(-20, 60);
     const int dx = between(-reach, reach);
@@ -195,12 +195,12 @@ TEST(Line, AgreesWithItsDefinitionForFarEndPoints) {
     const int y1 = y - (isTurned ? dx : dy);
     const int x2 = between(0, 1) == 0 ? x : x + (isTurned ? dy : dx);
     const int y2 = x2 == x ? y : y + (isTurned ? dx : dy);
-    // Twips of such numbers are still whole in single precision: below 15 million.
+    // In this range twips are still whole in single precision: below 15 million.
     ASSERT_EQ(compareLine(40, 37, x1, y1, x2, y2, width), "");
   }
 }
 
-// The end of a line as it is drawn, in twips: a near one is the centre of its pixel.
+// The end of a line as drawn, in twips: the centre of its pixel if it is near.
 struct Exact {
   long double x;
   long double y;
@@ -214,9 +214,9 @@ Exact exactEnd(float x, float y) {
   return {centre(x), centre(y), true};
 }
 
-// Asks of every pixel whether its centre lies within half the width of the segment, by the equation of the line. Left
-// open is what a fiftieth of a pixel decides, and half a pixel where both ends are cut: each cut falls on a pixel, and
-// half-way between them the line lies as far off as these do. Empty if the surface agrees.
+// Tests for every pixel whether its centre is within half the width of the segment, by the equation of the line.
+// Accepts either result within a fiftieth of a pixel, or half a pixel if both ends are clipped: each clipped end is
+// rounded to a pixel, and between them the line is off by as much. Empty if the surface agrees.
 std::string compareFarLine(const Surface& surface, float x1, float y1, float x2, float y2) {
   const int width = surface.DrawWidth;
   const Exact a = exactEnd(x1, y1);
@@ -235,7 +235,7 @@ std::string compareFarLine(const Surface& surface, float x1, float y1, float x2,
       const long double x = (column + shift) * twipsPerPixel;
       const long double y = (row + shift) * twipsPerPixel;
       const long double across = run * y - rise * x - (b.x * a.y - a.x * b.y);
-      // A thin line is as high or as broad as a pixel, a thick one as wide as its pen.
+      // A thin line is one pixel high or wide, a thick one as wide as its pen.
       long double away = std::fabs(across / (width > 1 ? length : isFlat ? run : rise));
       if (pastEnd(a, 1, x, y)) away = std::hypot(x - a.x, y - a.y);
       if (pastEnd(b, -1, x, y)) away = std::hypot(x - b.x, y - b.y);
@@ -243,7 +243,7 @@ std::string compareFarLine(const Surface& surface, float x1, float y1, float x2,
       if (std::fabs(over) < open) continue;
       const bool isDrawn = surface.pixels()[static_cast<std::size_t>(row * surface.pixelWidth() + column)] != 0;
       if (isDrawn == (over < 0)) continue;
-      // At the end of a thin line its last pixel alone counts, which lies less than a pixel away.
+      // At the end of a thin line only its last pixel counts, which is less than a pixel away.
       if (width == 1 && (pastEnd(a, 1, x, y) || pastEnd(b, -1, x, y)) && over < 0.5L) continue;
       return "line " + std::to_string(x1) + ", " + std::to_string(y1) + " to " + std::to_string(x2) + ", " +
              std::to_string(y2) + " width " + std::to_string(width) + ": pixel " + std::to_string(column) + ", " +
@@ -253,7 +253,7 @@ std::string compareFarLine(const Surface& surface, float x1, float y1, float x2,
   return "";
 }
 
-TEST(Line, KeepsItsSlopeHoweverFarItsEndsLie) {
+TEST(Line, KeepsItsSlopeHoweverFarAwayItsEndsAre) {
   std::mt19937 draws(3);
   const auto between = [&](double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(draws);
@@ -267,10 +267,10 @@ TEST(Line, KeepsItsSlopeHoweverFarItsEndsLie) {
     const double far = std::pow(10, between(7.2, 38));
     const auto x1 = static_cast<float>(between(-300, 2100));
     const auto y1 = static_cast<float>(between(-300, 1650));
-    // A level or an upright line comes one time in ten each.
+    // One line in ten is horizontal, and one in ten vertical.
     const auto x2 = i % 10 == 0 ? x1 : static_cast<float>(x1 + far * std::cos(angle));
     const auto y2 = i % 10 == 1 ? y1 : static_cast<float>(y1 + far * std::sin(angle));
-    // Both ends are far in every fourth, as long as single precision has the line through the image.
+    // Every fourth line has both ends far away, if single precision still places it on the image.
     const double back = i % 4 == 0 ? between(0.01, 100) : 0;
     const auto x0 = static_cast<float>(x1 - back * (static_cast<double>(x2) - x1));
     const auto y0 = static_cast<float>(y1 - back * (static_cast<double>(y2) - y1));
@@ -282,14 +282,14 @@ TEST(Line, KeepsItsSlopeHoweverFarItsEndsLie) {
   EXPECT_GT(seen, lines / 2);
 }
 
-TEST(Line, WithAnEndAtTheLimitIsTheSameAsOneCutThere) {
-  // Slope 1/2 through pixel (10, 5): the end at exactly a million pixels, and one as far again, which is cut there.
+TEST(Line, WithAnEndAtTheLimitEqualsOneClippedThere) {
+  // Slope 1/2 through pixel (10, 5): the end at exactly a million pixels, and one twice as far, which is clipped there.
   Surface exact = blank(200, 100);
   Surface cut = blank(200, 100);
   draw(exact, 10, 5, 1'000'000, 500'000);
   cut.Line(twips(10), twips(5), 29'999'850, 14'999'925);
   EXPECT_EQ(drawing(cut), drawing(exact));
-  // The same downward, from the other end.
+  // The same downwards, from the other end.
   Surface steep = blank(100, 200);
   Surface steepCut = blank(100, 200);
   draw(steep, 500'000, 1'000'000, 5, 10);
@@ -297,10 +297,10 @@ TEST(Line, WithAnEndAtTheLimitIsTheSameAsOneCutThere) {
   EXPECT_EQ(drawing(steepCut), drawing(steep));
 }
 
-TEST(Line, BetweenFarEndsThatPassesTheImageByIsNotSeen) {
+TEST(Line, ThatMissesTheImageBetweenFarEndsDrawsNothing) {
   Surface surface = blank(30, 30);
   surface.DrawWidth = 64;
-  const float far = 40'000'000;  // twips, and the limit is 15 million
+  const float far = 40'000'000;  // twips; the limit is 15 million
   surface.Line(far, 0, 0, far);
   surface.Line(-far, 0, 0, far);
   surface.Line(far, far, far, -far);
@@ -309,7 +309,7 @@ TEST(Line, BetweenFarEndsThatPassesTheImageByIsNotSeen) {
   EXPECT_EQ(drawing(surface), drawing(blank(30, 30)));
 }
 
-TEST(Line, WithEndsThatAreNoNumbersHarmsNothing) {
+TEST(Line, WithNaNEndsDoesNoHarm) {
   const float endless = std::numeric_limits<float>::infinity();
   const float none = std::numeric_limits<float>::quiet_NaN();
   for (const float x : {endless, -endless, none}) {
@@ -326,7 +326,7 @@ TEST(Line, WithEndsThatAreNoNumbersHarmsNothing) {
   }
 }
 
-TEST(Line, HoldsItsEndPointsWithinAMillionPixels) {
+TEST(Line, ClampsItsEndPointsToAMillionPixels) {
   Surface surface = blank(30, 30);
   surface.DrawWidth = 3;
   const float farthest = std::numeric_limits<float>::max();

@@ -20,7 +20,7 @@ TEST(RasterOperations, HaveTheirPublishedValues) {
   EXPECT_EQ(static_cast<unsigned>(SRCCOPY), 0xCC0020U);
 }
 
-TEST(RasterOperations, JoinSourceAndDestinationBitByBit) {
+TEST(RasterOperations, CombineSourceAndDestinationBitByBit) {
   const Picture source = picture(1, 1, {0x0F3355});
   const auto joined = [&](RasterOperation operation) {
     Surface surface;
@@ -34,7 +34,8 @@ TEST(RasterOperations, JoinSourceAndDestinationBitByBit) {
   EXPECT_EQ(joined(SRCCOPY), 0x0F3355U);
 }
 
-// A matte, white outside the shape and black inside, and its image, black outside: a plus sign of three by three.
+// A matte, white outside the shape and black inside, and its image, black outside. The shape is a plus sign of three by
+// three.
 const Picture matte = picture(3, 3, {0xFFFFFF, 0, 0xFFFFFF, 0, 0, 0, 0xFFFFFF, 0, 0xFFFFFF});
 Picture plus(Pixel colour) { return picture(3, 3, {0, colour, 0, colour, colour, colour, 0, colour, 0}); }
 
@@ -43,7 +44,7 @@ void paintSprite(Surface& surface, const Picture& image, int x, int y) {
   surface.PaintPicture(image, twips(x), twips(y), 45, 45, 0, 0, SRCPAINT);
 }
 
-TEST(SpriteStep, LaterSpritePunchesItsOwnHoleAndNoColoursMix) {
+TEST(SpriteStep, LaterSpritePunchesItsOwnHoleWithoutMixingColours) {
   constexpr Pixel red = 0xFF0000;
   constexpr Pixel blue = 0x0000FF;
   constexpr Pixel grey = 0x404040;
@@ -92,11 +93,11 @@ TEST(PaintPicture, TakesACellOfTheSheet) {
   EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{0, 7, 8, 0, 11, 12}));
 }
 
-TEST(PaintPicture, TurnsEachNumberIntoPixelsByItself) {
+TEST(PaintPicture, ConvertsEachNumberToPixelsSeparately) {
   Surface surface;
   surface.resize(4, 1);
   const Picture sheet = picture(5, 1, {1, 2, 3, 4, 5});
-  // 7.5 is pixel 1; a width of 37.4 is 2 pixels, though its right edge at 44.9 would be pixel 3; 22.5 is pixel 2.
+  // 7.5 is pixel 1. A width of 37.4 is 2 pixels, although its right edge at 44.9 would be pixel 3. 22.5 is pixel 2.
   surface.PaintPicture(sheet, 7.5F, 0, 37.4F, 15, 22.5F, 0, SRCCOPY);
   EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{0, 3, 4, 0}));
 }
@@ -110,7 +111,7 @@ TEST(PaintPicture, SkipsPartsOutsideTheSource) {
   EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{99, 99, 1, 2, 99}));
 }
 
-TEST(PaintPicture, WithoutAnExtentChangesNothing) {
+TEST(PaintPicture, WithoutASizeChangesNothing) {
   Surface surface;
   surface.resize(3, 3);
   const Picture sheet = picture(2, 2, {1, 2, 3, 4});
@@ -121,7 +122,7 @@ TEST(PaintPicture, WithoutAnExtentChangesNothing) {
   EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(9, 0));
 }
 
-TEST(PaintPicture, AgreesWithItsDefinitionForAllCellsAndOperations) {
+TEST(PaintPicture, MatchesItsDefinitionForAllCellsAndOperations) {
   std::mt19937 draws(5);
   const auto between = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws); };
   Picture sheet{29, 17, {}};

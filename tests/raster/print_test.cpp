@@ -9,8 +9,8 @@
 namespace kelvora {
 namespace {
 
-// A face of blocks: every letter is 2 by 2 pixels, one pixel below the line's top, and takes 3 pixels ("i" takes 2, "j"
-// hangs one pixel over to the left). Lines are 5 pixels apart, at sizes above 10 points 7.
+// A font of blocks: every letter is 2 by 2 pixels, one pixel below the line's top, and advances by 3 pixels. "i"
+// advances by 2, "j" extends one pixel to the left. Lines are 5 pixels apart, above 10 points 7.
 class BlockFace : public GlyphSource {
  public:
   Glyph glyph(const FontSpec& font, unsigned char character) override {
@@ -40,7 +40,7 @@ class Print : public testing::Test {
   Surface surface_;
 };
 
-TEST_F(Print, SetsGlyphsFromThePenOn) {
+TEST_F(Print, SetsGlyphsFromThePenPosition) {
   surface_.CurrentX = 15;
   surface_.CurrentY = 30;
   surface_.Print("aij");
@@ -48,7 +48,7 @@ TEST_F(Print, SetsGlyphsFromThePenOn) {
             "..........\n"
             "..........\n"
             "..........\n"
-            ".##.###...\n"  // a at 1, i at 4, j with its pen at 6 hangs over to 5
+            ".##.###...\n"  // a at 1, i at 4, j with its pen at 6 extends to 5
             ".##.###...\n"
             "..........\n"
             "..........\n"
@@ -63,7 +63,7 @@ TEST_F(Print, MovesThePenToTheNextLine) {
   EXPECT_EQ(surface_.CurrentY, 40 + 5 * 15);
 }
 
-TEST_F(Print, GoesBackToItsColumnAtALineBreak) {
+TEST_F(Print, ReturnsToItsColumnAtALineBreak) {
   surface_.CurrentX = 60;
   surface_.Print("a\r\nb");
   EXPECT_EQ(drawing(surface_),
@@ -84,13 +84,13 @@ TEST_F(Print, CountsATrailingLineBreakAsALine) {
   EXPECT_EQ(surface_.CurrentY, 150);
 }
 
-TEST_F(Print, OfNothingGoesDownOneLine) {
+TEST_F(Print, OfAnEmptyTextMovesDownOneLine) {
   surface_.Print("");
   EXPECT_EQ(surface_.CurrentY, 75);
   EXPECT_EQ(face_.taken.size(), 0U);
 }
 
-TEST_F(Print, UsesFontSizeInPlaceOfTheFontsOwn) {
+TEST_F(Print, UsesFontSizeInsteadOfTheFontsOwn) {
   surface_.Font = {"Comic Sans MS", 9, true};
   surface_.FontSize = 12;
   surface_.Print("a");
@@ -108,7 +108,7 @@ TEST_F(Print, MixesInkAndBackgroundByCoverage) {
   EXPECT_EQ(surface_.pixels()[1], toPixel(RGB(100, 0, 255)));
 }
 
-TEST_F(Print, IsCutAtTheBorders) {
+TEST_F(Print, IsClippedAtTheBorders) {
   surface_.CurrentX = -15;
   surface_.CurrentY = -30;
   surface_.Print("aaaaaa");
@@ -122,7 +122,7 @@ TEST_F(Print, IsCutAtTheBorders) {
             "..........\n..........\n..........\n..........\n..........\n..........\n..........\n");
 }
 
-TEST_F(Print, AsksForEachGlyphOnce) {
+TEST_F(Print, RequestsEachGlyphOnce) {
   surface_.Print("aba");
   surface_.Print("ab");
   Surface other;
@@ -145,7 +145,7 @@ TEST_F(Print, ForgetsTheGlyphsOfAnEarlierSource) {
   Surface::setGlyphSource(nullptr);
 }
 
-TEST_F(Print, TakesMissingCoverageAsNone) {
+TEST_F(Print, TreatsMissingCoverageAsNone) {
   surface_.Print("e");
   EXPECT_EQ(surface_.pixels()[0], 0xFFFFFFU);
   EXPECT_EQ(surface_.pixels()[1], 0U);

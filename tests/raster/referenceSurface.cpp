@@ -18,7 +18,7 @@ Wide dot(Point a, Point b) { return a.x * b.x + a.y * b.y; }
 Wide cross(Point a, Point b) { return a.x * b.y - a.y * b.x; }
 Point minus(Point a, Point b) { return {a.x - b.x, a.y - b.y}; }
 
-// All in half pixels: the distance of p from the segment a b is at most `distance`.
+// True, all in half pixels, if the distance of p from the segment a b is at most `distance`.
 bool isNear(Point p, Point a, Point b, Wide distance) {
   const Point along = minus(b, a);
   const Point fromA = minus(p, a);
@@ -29,8 +29,8 @@ bool isNear(Point p, Point a, Point b, Wide distance) {
   return product * product <= distance * distance * dot(along, along);
 }
 
-// Width 1, flatter than 45 degrees or just so: the line's height over column x is y1 + (x - x1) dy / dx. The pixel is
-// the nearest when 2 (height - y) is at least -1 and below 1: a half belongs to the pixel below.
+// Width 1, at most 45 degrees: above column x the line's height is y1 + (x - x1) dy / dx. The pixel is the nearest one
+// if 2 (height - y) is at least -1 and below 1: halves belong to the pixel below.
 bool isNearestInColumn(Wide x, Wide y, Point a, Point b) {
   if (a.x > b.x) std::swap(a, b);
   if (x < a.x || x > b.x) return false;

@@ -7,8 +7,8 @@
 
 namespace kelvora {
 
-/// The slow twin of Surface: it asks of every pixel of the image whether the drawing operation covers it, by the
-/// definition. Coordinates are whole pixels.
+/// The slow twin of Surface: tests every pixel of the image against the definition of the drawing operation.
+/// Coordinates are whole pixels.
 class ReferenceSurface {
  public:
   ReferenceSurface(int width, int height, Pixel background);
@@ -29,10 +29,10 @@ class ReferenceSurface {
   std::vector<Pixel> pixels_;
 };
 
-/// The image as text, one line a row: '.' where a pixel is 0, '#' elsewhere.
+/// The image as text, one line per row: '.' where a pixel is 0, '#' elsewhere.
 std::string drawing(const Surface& surface);
 
-/// The first difference between the two images, or an empty text.
+/// Describes the first difference between the two images; empty if there is none.
 std::string difference(const Surface& surface, const ReferenceSurface& reference);
 
 }  // namespace kelvora

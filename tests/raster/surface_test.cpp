@@ -24,7 +24,7 @@ TEST(ToPixels, TakesTheNearestPixelHalvesUpward) {
   EXPECT_EQ(toPixels(9120), 608);
 }
 
-TEST(ToPixels, RoundsEveryHalfUpwardAndTheNumbersBesideItToTheirSides) {
+TEST(ToPixels, RoundsEveryHalfUpwardAndItsNeighboursToTheirSides) {
   for (int pixel = -70'000; pixel <= 70'000; ++pixel) {
     const float half = static_cast<float>(pixel) * 15 - 7.5F;
     ASSERT_EQ(toPixels(half), pixel);
@@ -33,7 +33,7 @@ TEST(ToPixels, RoundsEveryHalfUpwardAndTheNumbersBesideItToTheirSides) {
   }
 }
 
-TEST(ToPixels, HoldsFarValuesAtAMillion) {
+TEST(ToPixels, ClampsFarValuesToAMillion) {
   EXPECT_EQ(toPixels(14'999'985), 999'999);
   EXPECT_EQ(toPixels(-14'999'985), -999'999);
 
@@ -68,14 +68,14 @@ TEST(Cls, RestoresTheBackgroundPictureAtTheTopLeft) {
   EXPECT_EQ(pixelsOf(surface), expected);
 }
 
-TEST(Cls, CutsABackgroundThatIsTooLarge) {
+TEST(Cls, ClipsABackgroundThatIsTooLarge) {
   Surface surface;
   surface.resize(2, 1);
   surface.setBackground(std::make_shared<const Picture>(Picture{3, 2, {1, 2, 3, 4, 5, 6}}));
   EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{1, 2}));
 }
 
-TEST(Cls, KnowsNoBackgroundAfterItWasTakenAway) {
+TEST(Cls, UsesNoBackgroundAfterItsRemoval) {
   Surface surface;
   surface.resize(1, 1);
   surface.setBackground(std::make_shared<const Picture>(Picture{1, 1, {7}}));
@@ -84,7 +84,7 @@ TEST(Cls, KnowsNoBackgroundAfterItWasTakenAway) {
   EXPECT_EQ(surface.background(), nullptr);
 }
 
-// Only what was drawn on is cleared, so every operation must leave its mark wherever it draws.
+// Only drawn parts are cleared, so every operation must record where it draws.
 TEST(Cls, ClearsEverythingDrawnAnywhere) {
   auto sheet = std::make_shared<Picture>(Picture{49, 49, std::vector<Pixel>(49 * 49, 0x123456)});
   auto background = std::make_shared<Picture>(Picture{100, 50, std::vector<Pixel>(100 * 50, 0x070809)});
@@ -121,7 +121,7 @@ TEST(Cls, ClearsEverythingDrawnAnywhere) {
   }
 }
 
-TEST(Cls, ClearsParticlesHoweverMany) {
+TEST(Cls, ClearsAnyNumberOfParticles) {
   for (const int count : {1, 1024, 1025, 5000}) {
     Surface surface;
     surface.resize(101, 57);
@@ -177,7 +177,7 @@ TEST(Resize, ForgetsEarlierDrawing) {
   Surface surface;
   surface.resize(40, 40);
   surface.FillColor = RGB(9, 9, 9);
-  surface.Circle(555, 555, 30, RGB(9, 9, 9));  // its place is outside what comes
+  surface.Circle(555, 555, 30, RGB(9, 9, 9));  // outside what is drawn next
   surface.resize(3, 2);
   surface.Cls();
   EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(6, 0));
@@ -194,7 +194,7 @@ TEST(Resize, GivesAClearedImage) {
   EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(3, 5));
 }
 
-TEST(Resize, CountsNegativeSizesAsNone) {
+TEST(Resize, TreatsNegativeSizesAsZero) {
   Surface surface;
   surface.resize(-5, 10);
   EXPECT_EQ(surface.pixelWidth(), 0);

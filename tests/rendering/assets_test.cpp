@@ -65,7 +65,7 @@ TEST_F(Sprites, TheMattePunchesAndTheImageFills) {
   canvas().Cls();
   const FrmGfx& gfx = *frmGfx;
   paintSprite(canvas(), {gfx.imgBallMatte, 0, 0}, {gfx.imgBalls, 315 * 2, 0}, {1500, 1500, 315, 315});
-  // (RGB(255, 200, 100) AND RGB(0, 0, 16)) OR RGB(48, 80, 0): 100 has no 16 in it.
+  // (RGB(255, 200, 100) AND RGB(0, 0, 16)) OR RGB(48, 80, 0): bit 16 is not set in 100.
   EXPECT_EQ(pixelAt(canvas(), 110, 110), RGB(48, ballsGreen, 0));
   paintSprite(canvas(), {gfx.imgBallMatte, 0, 0}, {gfx.imgBalls, 315 * 2, 0}, {3000, 1500, 315, 315}, exchangedSprite);
   // (RGB(255, 200, 100) OR RGB(0, 0, 16)) AND RGB(48, 80, 0): 200 AND 80 is 64.
@@ -74,7 +74,7 @@ TEST_F(Sprites, TheMattePunchesAndTheImageFills) {
 
 class StartLogo : public PaintTest {};
 
-TEST_F(StartLogo, ShowsThePictureAndEmptiesThePanel) {
+TEST_F(StartLogo, ShowsThePictureAndClearsThePanel) {
   auto logo = std::make_shared<Picture>();
   logo->width = 1;
   logo->height = 1;
@@ -104,7 +104,7 @@ TEST_F(StartLogo, ShowsThePictureAndEmptiesThePanel) {
             frmMain->picCaps[4].pixelWidth() * frmMain->picCaps[4].pixelHeight());
 }
 
-TEST_F(StartLogo, AMissingFileLeavesTheRestToBeDone) {
+TEST_F(StartLogo, MissingFileSkipsOnlyThePicture) {
   frmMain->lbcConnect.Visible = false;
   frmMain->lbUserName[0].Caption = "Ann";
   machine.pictureSource = [](const std::string&) -> PicturePointer { throw RuntimeFault("File not found"); };
@@ -114,7 +114,7 @@ TEST_F(StartLogo, AMissingFileLeavesTheRestToBeDone) {
   EXPECT_EQ(frmMain->lbUserName[0].Caption.get(), "");
 }
 
-TEST_F(StartLogo, HidingTakesThePictureOffAndThePointerAway) {
+TEST_F(StartLogo, HidingRemovesThePictureAndThePointer) {
   machine.pictureSource = testPicture;
   modMain::showStartLogo();
   modMain::hideStartLogo();

@@ -6,11 +6,11 @@
 #include "bench/surfaceRecorder.h"
 #include "tests/rendering/paintTest.h"
 
-// What counts towards the paint time, and how it becomes the time scale.
+// Which work counts towards the paint time, and how that becomes the time scale.
 namespace kelvora {
 namespace {
 
-/// Every reading of the clock takes a while.
+/// Every reading of the clock takes time.
 class SlowClock : public HeadlessBackend {
  public:
   Tick perReading = 0;
@@ -26,7 +26,7 @@ class FrameClock : public PaintTest {
     installBackend(&slow);
   }
   ~FrameClock() override { installBackend(&machine); }
-  /// A frame of an empty world reads the clock twice, so it takes this time.
+  /// The time of a frame of an empty world, which reads the clock twice.
   void paint(Tick ms) {
     slow.perReading = ms;
     modMain::paintFrame();
@@ -57,7 +57,7 @@ TEST_F(FrameClock, TheAverageIsRoundedToTheNearest) {
   EXPECT_EQ(modMain::world.frameTime, 2) << "152 / 101 is 1.505";
 }
 
-TEST_F(FrameClock, ItClimbsToTheRealTimeOverAHundredFrames) {
+TEST_F(FrameClock, AverageReachesTheRealTimeOverAHundredFrames) {
   for (int frame = 0; frame < 101; ++frame) paint(20);
   EXPECT_EQ(modMain::world.frameTime, 20);
   EXPECT_EQ(modMain::getTimeScale(), 2);
@@ -78,7 +78,7 @@ TEST_F(FrameClock, TheCentreMessageAgesByTheTimeScaleBeforeThisFrame) {
   EXPECT_EQ(modMain::world.centreMessageAge, 3);
 }
 
-/// Shows nothing; notes the frame time at each showing and lets time pass.
+/// Shows nothing. Records the frame time at each presentation and lets time pass.
 class ShowingPeer : public Peer {
  public:
   ShowingPeer(Tick& clock, std::vector<std::int32_t>& frameTimes) : clock_(clock), frameTimes_(frameTimes) {}
@@ -93,9 +93,8 @@ class ShowingPeer : public Peer {
   std::vector<std::int32_t>& frameTimes_;
 };
 
-/// Each kind of work takes a time of its own, a power of ten, so that a paint time tells in its digits how often each
-/// was done while it was measured: lines, circles, copies, texts and readings of the clock. Clearing and showing a
-/// surface take far longer.
+/// Each kind of work takes its own power of ten, so the digits of a paint time tell how often each was measured: lines,
+/// circles, copies, texts and readings of the clock. Clearing and presenting a surface take far longer.
 class PaintTime : public FrameClock {
  protected:
   PaintTime() {
@@ -130,13 +129,14 @@ class PaintTime : public FrameClock {
   bench::SurfaceRecorder recorder;
 };
 
-// The border has 4 lines, the icons 12 copies and the pointer 2. The end of the measurement is a reading of its own.
+// The border has 4 lines, the icons 12 copies and the pointer 2. The end of the measurement is one reading of the
+// clock.
 TEST_F(PaintTime, CountsBorderIconsAndPointerInAnEmptyWorld) { EXPECT_EQ(paintAndMeasure(), 1'014'004); }
 
-// In addition: a star's circle; a server's ball with 2 copies; an opponent with 2 for the dot, 2 for the ball
-// and a reading for the tail's ageing; the local player with the same, the 2 lines of the crosshair and 6 stock
+// In addition: a star's circle; a server's ball with 2 copies; an opponent with 2 for the dot, 2 for the ball and a
+// clock reading for the tail's ageing; the local player with the same, the 2 lines of the crosshair and 6 stock
 // numbers.
-TEST_F(PaintTime, CountsTheWholeWorldAndNeitherClearingTextsNorShowing) {
+TEST_F(PaintTime, CountsTheWholeWorldButNotClearingTextsOrPresenting) {
   placeLocal().addTail({51000, 50000});
   placeOpponent(cyanPlayer, 52000, 50000).addTail({53000, 50000});
   addStar();
@@ -145,7 +145,7 @@ TEST_F(PaintTime, CountsTheWholeWorldAndNeitherClearingTextsNorShowing) {
   EXPECT_EQ(paintAndMeasure(), 3'624'106);
 }
 
-// A ghost has no dot. It is the first thing painted.
+// A ghost has no dot, and is painted first.
 TEST_F(PaintTime, CountsAGhostThatIsPaintedFirst) {
   clsPlayer& ghost = placeLocal();
   ghost.addTail({51000, 50000});
@@ -153,7 +153,7 @@ TEST_F(PaintTime, CountsAGhostThatIsPaintedFirst) {
   EXPECT_EQ(paintAndMeasure(), 2'616'006);
 }
 
-TEST_F(PaintTime, TheNewAverageCountsOnceThePictureIsShown) {
+TEST_F(PaintTime, NewAverageAppliesOnceThePictureIsShown) {
   paintAndMeasure();
   paintAndMeasure();
   // 1014004 / 101 is 10039.6.

@@ -29,19 +29,19 @@ class GoldenCompare : public testing::Test {
   Picture picture;
 };
 
-TEST_F(GoldenCompare, WithoutAKeptPictureThePaintedOneIsLeft) {
+TEST_F(GoldenCompare, WithoutAGoldenPictureThePaintedOneIsWritten) {
   EXPECT_NE(compare().find("there is no "), std::string::npos);
   EXPECT_TRUE(isLeft("actual"));
 }
 
-TEST_F(GoldenCompare, ARenewedPictureIsTheSameByteForByte) {
+TEST_F(GoldenCompare, UpdatedPictureIsTheSameByteForByte) {
   EXPECT_EQ(compare(true), "");
   EXPECT_EQ(loadPictureFile((folders.kept / "spot.png").string())->pixels, picture.pixels);
   EXPECT_EQ(compare(), "");
   EXPECT_FALSE(isLeft("actual"));
 }
 
-TEST_F(GoldenCompare, TheSmallestDifferenceIsFoundAndThreePicturesAreLeft) {
+TEST_F(GoldenCompare, SmallestDifferenceIsFoundAndThreePicturesAreWritten) {
   compare(true);
   picture.pixels[1] = 0xFF0081;
   EXPECT_EQ(compare().substr(0, 15), "1 pixels differ");
@@ -51,7 +51,7 @@ TEST_F(GoldenCompare, TheSmallestDifferenceIsFoundAndThreePicturesAreLeft) {
             (std::vector<Pixel>{0, 0xFFFFFF}));
 }
 
-TEST_F(GoldenCompare, AnotherSizeIsADifference) {
+TEST_F(GoldenCompare, DifferentSizeIsADifference) {
   compare(true);
   picture.width = 1;
   picture.height = 2;

@@ -5,7 +5,7 @@
 
 namespace kelvora {
 
-/// The client with the program's own sheets and the black canvas, for pictures that are kept in tests/golden.
+/// The client with the program's own sheets and a black canvas, for the pictures in tests/golden.
 class GoldenPainting : public PaintTest {
  protected:
   GoldenPainting() {
@@ -17,12 +17,12 @@ class GoldenPainting : public PaintTest {
     placeLocal();
   }
 
-  /// A plain background on which a sprite's matte shows.
+  /// Clears the canvas to a plain background on which a sprite's matte shows.
   void clearTo(Colour colour) {
     canvas().BackColor = colour;
     canvas().Cls();
   }
-  /// White stripes of three pixels on black round the centre, so that both halves of a sprite's two copies show.
+  /// Draws white stripes of three pixels on black around the centre, so that both copies of a sprite show.
   void stripe() {
     canvas().Cls();
     canvas().ForeColor = RGB(255, 255, 255);
@@ -30,7 +30,7 @@ class GoldenPainting : public PaintTest {
     for (float y = 4000; y <= 5200; y += 150) canvas().Line(5000, y, 6500, y);
     canvas().DrawWidth = 1;
   }
-  /// The world's point that is seen at a pixel of the canvas.
+  /// The world point at a pixel of the canvas.
   static Vector worldAt(int column, int row) {
     return {static_cast<float>(50000 - 5722 + 15 * column), static_cast<float>(50000 - 4560 + 15 * row)};
   }
@@ -40,7 +40,7 @@ class GoldenPainting : public PaintTest {
                                      static_cast<std::size_t>(column)];
     return RGB(static_cast<int>(pixel >> 16), static_cast<int>(pixel >> 8 & 255), static_cast<int>(pixel & 255));
   }
-  /// A background, then the matte with AND and the image with OR.
+  /// The result of copying a matte with AND, then its image with OR, over a background.
   static Colour laid(Colour under, Colour matte, Colour image) {
     return RGB((under.red & matte.red) | image.red, (under.green & matte.green) | image.green,
                (under.blue & matte.blue) | image.blue);

@@ -9,7 +9,7 @@ namespace {
 
 class GoldenParticles : public GoldenPainting {
  protected:
-  /// A background particle that the shift brings to a pixel.
+  /// A background particle that appears at a pixel after the shift.
   void paintBackgroundAt(int column, int row, std::int16_t depth, Colour colour = {}) {
     const double pull = depth * 0.05;
     clsParticle particle;
@@ -21,7 +21,7 @@ class GoldenParticles : public GoldenPainting {
                          static_cast<float>(50000 - 4560 + (row * 15 - pull * 4560) / (1 - pull))};
     particle.paintSelf();
   }
-  /// The eleven balls in a row; the first one's upper left pixel is (200, 200).
+  /// Paints the eleven balls in a row. The first one's upper left pixel is (200, 200).
   void paintBalls(ParticleType type, bool blink) {
     for (int kind = 0; kind < 11; ++kind) {
       clsParticle particle;
@@ -37,8 +37,8 @@ class GoldenParticles : public GoldenPainting {
 
 TEST_F(GoldenParticles, StarsOfEachDepth) {
   for (std::int16_t depth = 1; depth <= 16; ++depth) paintBackgroundAt(300 + 10 * (depth - 1), 300, depth);
-  // Radius 29 twips is 2 pixels: a square of 5 without its corners. Radius 14 is 1 pixel: a whole square of 3, for the
-  // corners at 1.41 are nearer than 1.5.
+  // Radius 29 twips is 2 pixels: a square of 5 without its corners. Radius 14 is 1 pixel: a whole square of 3, because
+  // its corners at 1.41 are within 1.5.
   EXPECT_EQ(countPixels(canvas(), RGB(190, 190, 190)), 21);
   EXPECT_EQ(countPixels(canvas(), RGB(40, 40, 40)), 9);
   EXPECT_EQ(pixelAt(canvas(), 300, 300), RGB(190, 190, 190));
@@ -67,7 +67,7 @@ TEST_F(GoldenParticles, TheElevenBalls) {
   paintBalls(ParticleType::Network, false);
   for (int kind = 0; kind < 11; ++kind) {
     const Colour ball = sheetPixel(frmGfx->imgBalls, 21 * kind + 10, 10);
-    EXPECT_EQ(pixelAt(canvas(), 200 + 21 * kind + 10, 210), ball) << "its middle hides what lies under it";
+    EXPECT_EQ(pixelAt(canvas(), 200 + 21 * kind + 10, 210), ball) << "its middle covers the background";
   }
   EXPECT_EQ(pixelAt(canvas(), 200, 200), under) << "its corner shows it";
   expectGolden("balls", canvas(), balls);
@@ -77,7 +77,7 @@ TEST_F(GoldenParticles, ExplosionsAsTheyBlinkAtMidnight) {
   machine.seconds = 0;
   const Colour under = RGB(96, 96, 160);
   std::vector<Picture> looks;
-  for (const bool blink : {false, true}) {  // turned over before it is looked at
+  for (const bool blink : {false, true}) {  // toggled before it is used
     clearTo(under);
     paintBalls(ParticleType::Explosion, blink);
     looks.push_back(cropped(canvas(), balls));

@@ -10,7 +10,7 @@ namespace {
 
 class GoldenPlayers : public GoldenPainting {
  protected:
-  // The ball's 49 pixels round the centre (5722, 4560): from 5355 and 4193 on.
+  // The ball's 49 pixels around the centre (5722, 4560) start at 5355 and 4193.
   static constexpr Part ball{357, 280, 49, 49};
 
   /// An opponent at the centre of the canvas, at a cell of the animation.
@@ -94,7 +94,7 @@ TEST_F(GoldenPlayers, TheLaserInEightDirections) {
     player.paintSelf();
     pictures.push_back(cropped(canvas(), {381 - 60, 304 - 60, 121, 121}));
   }
-  // The last one, up and to the left, 5 wide with a core of 2: 50 up is 50 to the left.
+  // The last beam goes up and to the left, 5 wide with a core of 2: 50 up is 50 to the left.
   EXPECT_EQ(pixelAt(canvas(), 381 - 50, 304 - 50), RGB(0, 255, 0));
   EXPECT_EQ(pixelAt(canvas(), 381 + 50, 304 + 50), Colour{});
   expectGolden("lasers", sideBySide(pictures, 4));
@@ -139,10 +139,10 @@ TEST_F(GoldenPlayers, TheRadar) {
     local.paintSelf();
     pictures.push_back(cropped(radar(), {0, 0, 117, 93}));
   }
-  // The crosshair through (438, 698), column 29 and row 47, with no dot on it now.
+  // The crosshair through (438, 698), column 29 and row 47, now without a dot.
   EXPECT_EQ(pixelAt(radar(), 29, 3), RGB(128, 128, 128));
   EXPECT_EQ(pixelAt(radar(), 29, 47), RGB(128, 128, 128));
-  // Yellow at (175, 139), drawn from (107, 72) on: pixels 7 to 15 and 5 to 13, so its middle is (11, 9).
+  // Yellow at (175, 139) is drawn from (107, 72): pixels 7 to 15 and 5 to 13, so its middle is (11, 9).
   EXPECT_EQ(pixelAt(radar(), 11, 9), sheetPixel(frmGfx->imgRadarBlips, 9 + 4, 4));
   expectGolden("radar", sideBySide(pictures, 1));
 }

@@ -14,7 +14,7 @@ TEST_F(GoldenTails, TheWidthsOfALongTail) {
   clsPlayer& player = placeOpponent(yellowPlayer, 10000, 10000);
   for (int i = 0; i < 320; ++i) lay(player, 20 + 2 * i, 304);
   player.paintSelf();
-  // At its newest end, 30 wide from vertex 295 on: with the round end that is 15 pixels above and 14 below.
+  // At its newest end, 30 wide from vertex 295 on: including the round end, 15 pixels above and 14 below.
   int width = 0;
   for (int row = 250; row < 350; ++row) width += pixelAt(canvas(), 656, row) == RGB(255, 255, 0) ? 1 : 0;
   EXPECT_EQ(width, 30);
@@ -25,8 +25,8 @@ TEST_F(GoldenTails, TheWidthsOfALongTail) {
 }
 
 TEST_F(GoldenTails, LengthsAndAgesInEachColour) {
-  // A frame lasts 20 ms and lays one vertex, four pixels to the right and up and down by turns, on each tail that is
-  // not yet as long as it shall be.
+  // Each frame lasts 20 ms and adds a vertex to every unfinished tail, four pixels to the right and alternately up and
+  // down.
   const int lengths[] = {2, 5, 15, 40, 70, 100};
   for (const PlayerColour colour : playerColours) placeOpponent(colour, 10000, 10000);
   for (int frame = 0; frame < 100; ++frame) {
@@ -39,7 +39,7 @@ TEST_F(GoldenTails, LengthsAndAgesInEachColour) {
   }
   canvas().Cls();
   for (clsPlayer& player : modMain::world.opponents) player.paintSelf();
-  // The newest vertex is 0 old, the one laid 50 frames before 100: blue and purple at the end of their segments.
+  // The newest vertex has age 0, the one laid 50 frames earlier 100: blue and purple at the ends of their segments.
   EXPECT_EQ(pixelAt(canvas(), 700 - 4 * 1 - 1, 100 + 30 * 5 + 5), RGB(255, 0, 255));
   EXPECT_EQ(pixelAt(canvas(), 700 - 4 * 51 - 1, 100 + 30 * 5 + 5), RGB(155, 0, 155));
   EXPECT_EQ(pixelAt(canvas(), 700 - 4 * 51 - 1, 100 + 30 * 4 + 5), RGB(0, 0, 155));
@@ -52,7 +52,7 @@ TEST_F(GoldenTails, AChargedSegmentWithItsLightning) {
   lay(player, 200, 200);
   lay(player, 300, 220);
   player.tails[1].isCharged(true);
-  // The argument of the start, then for each stroke distance and sign on both axes; below .4999 is minus.
+  // The argument of the start, then distance and sign on both axes for each stroke. Signs below .4999 are minus.
   machine.scriptedDraws = {0.5F,                       //
                            0.58F, 0.9F, 0.28F, 0.1F,   // 300 right, 150 up
                            0.88F, 0.9F, 0.88F, 0.9F,   // 450 right, 450 down
@@ -60,7 +60,7 @@ TEST_F(GoldenTails, AChargedSegmentWithItsLightning) {
                            0.98F, 0.9F, 0.38F, 0.1F};  // 500 right, 200 up
   player.paintSelf();
   EXPECT_TRUE(machine.scriptedDraws.empty());
-  // From (200, 200), or a twip beside it, by (20, -10), (30, 30), (-10, 10) and (33, -13): the middles of the strokes.
+  // From (200, 200) or a twip next to it, by (20, -10), (30, 30), (-10, 10) and (33, -13): the middles of the strokes.
   EXPECT_EQ(pixelAt(canvas(), 210, 195), RGB(255, 255, 255));
   EXPECT_EQ(pixelAt(canvas(), 235, 205), RGB(195, 195, 195));
   EXPECT_EQ(pixelAt(canvas(), 245, 225), RGB(135, 135, 135));

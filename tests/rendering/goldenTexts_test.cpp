@@ -27,8 +27,8 @@ TEST_F(GoldenTexts, ConsoleLinesOfEachTypeAndAge) {
     modMain::paintTextLines();
     pictures.push_back(cropped(canvas(), console));
   }
-  // Now type 3, yellow, is line 3, three times 30 darker: at 9120 - 4 * 400 = 7520, row 501. The bar of the T begins at
-  // column 4, an eighth of the 12 pixels' size, 1, below.
+  // Type 3, yellow, is now line 3, darkened three times by 30: at 9120 - 4 * 400 = 7520, row 501. The bar of the T
+  // starts at column 4, one pixel (an eighth of the size of 12) lower.
   EXPECT_EQ(pixelAt(canvas(), 4, 502), RGB(165, 165, 0));
   EXPECT_EQ(pixelAt(canvas(), 4, 501), Colour{});
   // Type 6, white, is the oldest: 9120 - 7 * 400 = 6320, row 421.

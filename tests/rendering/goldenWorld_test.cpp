@@ -25,7 +25,7 @@ TEST_F(GoldenWorld, TheBordersPulse) {
     modMain::world.borderCounter = counter;
     pictures.push_back(cropped(canvas(), {371, 294, 40, 40}));
   }
-  // Eight wide round pixel row 304, moved half a pixel up: 300 to 307.
+  // Eight pixels wide around row 304, moved up by half a pixel: 300 to 307.
   EXPECT_EQ(pixelAt(canvas(), 405, 299), Colour{});
   EXPECT_EQ(pixelAt(canvas(), 405, 300), RGB(255, 150, 150));
   EXPECT_EQ(pixelAt(canvas(), 405, 307), RGB(255, 150, 150));
@@ -34,7 +34,7 @@ TEST_F(GoldenWorld, TheBordersPulse) {
 }
 
 TEST_F(GoldenWorld, TheTwelvePointers) {
-  // One place in each band of each quadrant, from straight up clockwise: 5, 25, 50 and 75 in the first quadrant.
+  // One position in each band of each quadrant, clockwise from straight up: 5, 25, 50 and 75 in the first quadrant.
   const Vector places[] = {{180, -2000}, {963, -2000}, {2505, -2000}, {2000, -458}, {2505, 2000},   {963, 2000},
                            {180, 2000},  {-963, 2000}, {-2505, 2000}, {-2000, 458}, {-2505, -2000}, {-963, -2000}};
   const Colour under = RGB(96, 96, 160);
@@ -46,7 +46,7 @@ TEST_F(GoldenWorld, TheTwelvePointers) {
     const int left = toPixels(modMain::world.mousePos.x - 183);
     const int top = toPixels(modMain::world.mousePos.y - 183);
     pictures.push_back(cropped(canvas(), {left, top, 24, 24}));
-    // A cell begins at 367 twips times its number, and its matte 367 below.
+    // A cell starts at 367 twips times its number, and its matte is 367 lower.
     const int x = toPixels(367.0 * cell) + 12;
     EXPECT_EQ(pixelAt(canvas(), left + 12, top + 12),
               laid(under, sheetPixel(frmGfx->imgArrows, x, 24 + 12), sheetPixel(frmGfx->imgArrows, x, 12)))

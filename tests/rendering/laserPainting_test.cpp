@@ -14,13 +14,13 @@ class Laser : public PaintTest {
     local = &placeLocal();
     local->powerups[laserSlot].active = true;
   }
-  /// Paints with the last frame's flight along (dx, dy).
+  /// Paints after a flight along (dx, dy) in the last frame.
   void flyAndPaint(float dx, float dy) {
     local->lastPosition = {local->position.x - dx, local->position.y - dy};
     canvas().Cls();
     local->paintSelf();
   }
-  /// The green core within a pixel of a place, seen from the player.
+  /// True if the green core is within a pixel of a point, relative to the player.
   bool isBeamAt(double dx, double dy) {
     const int column = toPixels(5722 + dx);
     const int row = toPixels(4560 + dy);
@@ -34,21 +34,21 @@ class Laser : public PaintTest {
 
 struct Flight {
   float dx, dy;
-  double ahead[2];   // a place on the beam
-  double behind[2];  // the opposite one
+  double ahead[2];   // a point on the beam
+  double behind[2];  // the opposite point
 };
 
 class LaserDirections : public Laser, public testing::WithParamInterface<Flight> {};
 
-TEST_P(LaserDirections, TheBeamLeavesAlongTheFlightAndNotBehind) {
+TEST_P(LaserDirections, BeamPointsForwardAndNotBackward) {
   const Flight& flight = GetParam();
   flyAndPaint(flight.dx, flight.dy);
   EXPECT_TRUE(isBeamAt(flight.ahead[0], flight.ahead[1]));
   EXPECT_FALSE(isBeamAt(flight.behind[0], flight.behind[1]));
 }
 
-// Straight flights are tilted by one unit: 300 up with a.x + 1 runs 1 to the left in 300, 10 in 3000. Straight right:
-// a.y + 1 runs 1 up in 300.
+// Straight flights are tilted by one unit: for 300 up, a.x + 1 gives 1 to the left per 300, 10 per 3000. Straight to
+// the right: a.y + 1 gives 1 up per 300.
 INSTANTIATE_TEST_SUITE_P(
     Eight, LaserDirections,
     testing::Values(Flight{0, -300, {-10, -3000}, {10, 3000}}, Flight{200, -200, {3000, -3000}, {-3000, 3000}},
@@ -57,8 +57,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Flight{-300, 0, {-3000, -10}, {3000, 10}}, Flight{-200, -200, {-3000, -3000}, {3000, 3000}}));
 
 TEST_F(Laser, Q241StraightFlightsLeanByOneUnit) {
-  // 100 units a frame: the beam leans by 1 in 100, and 40 or 50 units over the 4000 and 5000 to the edge, 2 pixels and
-  // more: flights up and down to the left, flights to the right and left upward.
+  // At 100 units per frame the beam leans by 1 in 100, so by 40 or 50 units over the 4000 and 5000 to the edge, at
+  // least 2 pixels: flights up and down lean left, flights to the right and left lean up.
   local->position = {50000, 50000};
   flyAndPaint(0, -100);
   EXPECT_TRUE(isBeamAt(-40, -4000));
@@ -75,14 +75,14 @@ TEST_F(Laser, Q241StraightFlightsLeanByOneUnit) {
 }
 
 TEST_F(Laser, TheTailLiesUnderTheBeamAndTheBeamUnderTheBall) {
-  // Two tails of two vertices, each from above down across the beam: at 2250 to the right, and through the ball.
+  // Two tails of two vertices each cross the beam downwards: at 2250 to the right, and through the ball.
   const Vector place = local->position;
   const auto paintAcross = [&](float dx) {
     local->tails.clear();
     local->addTail({place.x + dx, place.y - 1500});
     local->addTail({place.x + dx, place.y + 1500});
     machine.scriptedDraws = {0};
-    flyAndPaint(3000, 3);  // flat enough to stay on the row next to the centre's
+    flyAndPaint(3000, 3);  // flat enough to stay in the row next to the centre's
     EXPECT_EQ(pixelAt(canvas(), 5722.0 + dx, 4560 - 900.0), RGB(255, 0, 0)) << "the tail is there";
   };
   paintAcross(2250);
@@ -100,7 +100,7 @@ TEST_F(Laser, APlayerAtRestHasNoBeamAndDrawsNoNumber) {
   EXPECT_EQ(machine.scriptedDraws.size(), 1U);
 }
 
-TEST_F(Laser, AGreenCoreLiesOnAWhiteBeamOfRandomWidth) {
+TEST_F(Laser, WhiteBeamOfRandomWidthHasAGreenCore) {
   const struct {
     float draw;
     int width;
@@ -108,7 +108,7 @@ TEST_F(Laser, AGreenCoreLiesOnAWhiteBeamOfRandomWidth) {
   for (const auto& [draw, width] : table) {
     machine.scriptedDraws = {draw};
     flyAndPaint(300, 0);
-    // At 2250 to the right, between ball and edge, in a column.
+    // In a column at 2250 to the right, between ball and edge.
     int whites = 0;
     int greens = 0;
     for (int row = 280; row < 328; ++row) {
@@ -132,9 +132,10 @@ TEST_F(Laser, TheBeamEndsAtTheWorldsEdge) {
   EXPECT_FALSE(isBeamAt(3200, 3200)) << "beyond the right edge";
 }
 
-TEST_F(Laser, Q131ACandidateIsTestedAgainstOneBoundAlone) {
+TEST_F(Laser, Q131ACandidateIsTestedAgainstOnlyOneBound) {
   // From (99000, 50000) down to the right: slope 1, offset -49000. The upper edge is met at (49000, 0) and the left one
-  // at (0, -49000), both behind. The lower edge is met at x 149000, above the bound; the right edge at (100000, 51000).
+  // at (0, -49000), both behind the player. The lower edge is met at x 149000, above the bound; the right edge at
+  // (100000, 51000).
   local->position = {99000, 50000};
   flyAndPaint(200, 200);
   EXPECT_TRUE(isBeamAt(900, 900));
@@ -153,18 +154,18 @@ TEST_F(Laser, Q131ACandidateIsTestedAgainstOneBoundAlone) {
   EXPECT_TRUE(isBeamAt(1500, -3000)) << "on beyond the upper edge";
 }
 
-// From a hair above the lower edge, falling by a 128th in 1100: the right edge is met at y 99999.9993, which single
-// precision rounds to the corner's 100000. The lower edge is met at x 100100, beyond its bound.
-TEST_F(Laser, AHitOnTheVeryCornerCounts) {
+// From slightly above the lower edge, falling by 1/128 over 1100: it meets the right edge at y 99999.9993, which single
+// precision rounds to the corner's 100000. It meets the lower edge at x 100100, beyond its bound.
+TEST_F(Laser, HitExactlyOnTheCornerCounts) {
   local->position = {99000, 100000 - 1.0F / 128};
   flyAndPaint(1100, 1.0F / 128);
   EXPECT_TRUE(isBeamAt(900, 0));
   EXPECT_FALSE(isBeamAt(-900, 0));
 }
 
-// Down to the right with slope 2 from (50000, 98000): offset -2000. The lower edge is met at (51000, 100000). The right
-// edge is met at y 198000, above its bound; as the later candidate it would win.
-TEST_F(Laser, ABeamEndsAtTheLowerEdgeWhereTheRightOneIsMetBelowTheWorld) {
+// Down to the right with slope 2 from (50000, 98000): offset -2000. It meets the lower edge at (51000, 100000), and the
+// right edge at y 198000, above its bound. As the later candidate the right one would win.
+TEST_F(Laser, BeamEndsAtTheLowerEdgeIfItMeetsTheRightOneBelowTheWorld) {
   local->position = {50000, 98000};
   flyAndPaint(100, 200);
   EXPECT_TRUE(isBeamAt(950, 1900));
@@ -172,20 +173,19 @@ TEST_F(Laser, ABeamEndsAtTheLowerEdgeWhereTheRightOneIsMetBelowTheWorld) {
 }
 
 TEST_F(Laser, Q131ABeamWithoutAnyHitEndsAtTheOrigin) {
-  // A step to the left and up on the world's very corner leaves no candidate in front of the player: with the position
-  // itself outside the world, at (-50, 20) from (-40, 30), slope 1, offset 70: (-70, 0) lies left of 0 and (0, 70)
-  // behind; (99930, 100000) and (100000, 100070) behind.
+  // A step to the left and up at the world's corner leaves no candidate in front of a player outside the world. At
+  // (-50, 20), coming from (-40, 30), slope 1, offset 70: (-70, 0) has x below 0, and (0, 70), (99930, 100000) and
+  // (100000, 100070) are behind.
   local->position = {-1050, 20};
   flyAndPaint(-10, -10);
-  // The origin lies 1050 to the right and 20 up.
+  // The origin is 1050 to the right and 20 up.
   EXPECT_TRUE(isBeamAt(900, -17));
   EXPECT_FALSE(isBeamAt(-900, -900));
 }
 
 TEST_F(Laser, AFarHitDoesNotBendTheBeam) {
-  // A sixteenth down in 300 to the left: the lower edge, 50000 below, is met 240 million units away. At the canvas's
-  // left border the beam has fallen 1.2 units, a twelfth of a pixel: the core's two rows are still those of a level
-  // one.
+  // 1/16 down per 300 to the left: it meets the lower edge, 50000 below, 240 million units away. At the canvas's left
+  // border the beam has fallen 1.2 units, a twelfth of a pixel: the core's two rows are those of a level beam.
   machine.scriptedDraws = {0};
   flyAndPaint(-300, 0.0625F);
   const Colour core = RGB(0, 255, 0);
@@ -196,8 +196,8 @@ TEST_F(Laser, AFarHitDoesNotBendTheBeam) {
 }
 
 TEST_F(Laser, Q302AHitBeyondSinglePrecisionIsAFault) {
-  // One unit to the right and a hair down: the lower edge is met 100000 / hair away, and 3.4028E+38 is the last number.
-  // The other bounds in the same way.
+  // One unit to the right and `hair` down: it meets the lower edge 100000 / hair away, and 3.4028E+38 is the largest
+  // single. The same for the other bounds.
   const auto paint = [this](Vector from, Vector to) {
     local->lastPosition = from;
     local->position = to;
@@ -207,13 +207,13 @@ TEST_F(Laser, Q302AHitBeyondSinglePrecisionIsAFault) {
   EXPECT_THROW(paint({49999, 0}, {50000, 2.938E-34F}), RuntimeFault);
   paint({0, 49999}, {2.94E-34F, 50000});
   EXPECT_THROW(paint({0, 49999}, {2.938E-34F, 50000}), RuntimeFault);
-  // Outside the world, where no player comes, the upper edge and the offset: slope 6E+38, offset 3E+38 - 9E+38.
+  // Outside the world, which no player reaches, the upper edge and the offset: slope 6E+38, offset 3E+38 - 9E+38.
   EXPECT_THROW(paint({1, 0}, {1.5F, 3E38F}), RuntimeFault);
   const float below = std::nextafter(3E38F, 0.0F);
   EXPECT_THROW(paint({-3E38F, below}, {3E38F, 3E38F}), RuntimeFault);
 }
 
-TEST_F(Laser, OpponentsBeamAsWell) {
+TEST_F(Laser, OpponentsHaveBeamsToo) {
   local->isConnected = false;
   clsPlayer& other = placeOpponent(greenPlayer, 50000, 50000);
   other.powerups[laserSlot].active = true;
@@ -223,7 +223,7 @@ TEST_F(Laser, OpponentsBeamAsWell) {
   EXPECT_TRUE(isBeamAt(3000, 3000));
 }
 
-TEST_F(Laser, AGhostBeamsAsWell) {
+TEST_F(Laser, GhostsHaveBeamsToo) {
   local->alive = false;
   flyAndPaint(200, 200);
   EXPECT_TRUE(isBeamAt(3000, 3000));

@@ -4,7 +4,7 @@
 #include "frontend/fontMan.h"
 #include "tests/rendering/paintTest.h"
 
-// Characters as wide as the font's size in pixels, so that a text's width tells its size.
+// Characters as wide as the font's size in pixels, so that a text's width reveals its size.
 namespace kelvora {
 namespace {
 
@@ -28,7 +28,7 @@ class MessageText : public PaintTest {
   SizedBlocks blocks;
 };
 
-TEST_F(MessageText, TheDebugTextHasTheCanvassOwnSize) {
+TEST_F(MessageText, DebugTextHasTheCanvasFontSize) {
   canvas().FontSize = 11;
   modMain::world.chatLines[6] = {"x", RGB(255, 255, 255), 16};
   modMain::world.debugText = "xx\r\n";

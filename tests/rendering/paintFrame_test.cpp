@@ -17,7 +17,7 @@ class Frames : public PaintTest {
 
 TEST_F(Frames, AnEmptyWorldStillHasBorderIconsPointerAndTexts) {
   modMain::paintFrame();
-  EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0), RGB(255, 0, 0)) << "the world's corner: nobody has a place yet";
+  EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0), RGB(255, 0, 0)) << "the world's corner: nobody has a position yet";
   EXPECT_EQ(pixelAt(canvas(), 1000.0, 1000.0).green, pointerGreen);
   EXPECT_EQ(pixelAt(canvas(), 11445 - 6 * 665 + 300.0, 9120 - 1500 + 300.0).green, iconGreen);
   EXPECT_EQ(modMain::world.debugText, "Paint Time:000\r\n");
@@ -43,7 +43,7 @@ TEST_F(Frames, OpponentsLieInTheOrderOfTheirSlotsUnderTheLocalPlayer) {
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen + 2);
   modMain::world.opponents[1].isConnected = false;
   modMain::paintFrame();
-  EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen + 3) << "who has gone is not painted";
+  EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen + 3) << "departed players are not painted";
   modMain::world.localPlayer.isConnected = true;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722.0, 4560.0).green, playerGreen);
@@ -68,8 +68,8 @@ TEST_F(Frames, ADisconnectedPlayerIsNotPaintedDeadOrAlive) {
   }
 }
 
-// The opponent in slot 0 captures during their own paint, after the ghosts are painted and before the living balls.
-TEST_F(Frames, APlayerWhoIsCapturedDuringThePaintIsMissingFromIt) {
+// The opponent in slot 0 captures during their own paint, after the ghosts and before the living balls.
+TEST_F(Frames, PlayerCapturedDuringThePaintIsMissingFromIt) {
   clsPlayer& player = placeLocal();
   clsPlayer& winner = placeOpponent(cyanPlayer, 53000, 50000);
   winner.addTail({10000, 10000});
@@ -94,7 +94,7 @@ TEST_F(Frames, ThePoolsArePaintedBackgroundExplosionsNetwork) {
   star.position = {50000 - 150, 50000 - 150};
   modMain::world.particleCount = 1;
   modMain::paintFrame();
-  // The ball's cell ends at the centre; the star of radius 29 lies in it, 1 twentieth nearer to the centre.
+  // The ball's cell ends at the centre. The star of radius 29 is inside it, 1/20 nearer to the centre.
   EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), spriteOnWhite(4, ballsGreen, 0));
 }
 
@@ -118,7 +118,7 @@ TEST_F(Frames, AGhostLiesUnderTheParticles) {
 }
 
 TEST_F(Frames, ExplosionsLieOverTheFieldAndUnderTheServersParticles) {
-  machine.seconds = 0.5;  // rounds to 0, the one time at which they are drawn
+  machine.seconds = 0.5;  // rounds to 0, the only time at which they are drawn
   placeLocal(30000, 50000);
   modMain::world.particles.resize(1);
   modMain::world.particles[0].depth = 1;
@@ -174,8 +174,8 @@ class FrameTexts : public Frames {
  protected:
   FrameTexts() {
     Surface::setGlyphSource(&blocks);
-    // So low that the centre message at 1500 - 500 meets the console's line 4 at 3000 - 5 * 400, and line 3 at 1400 the
-    // ball round 1500.
+    // So low that the centre message at 1500 - 500 overlaps the console's line 4 at 3000 - 5 * 400, and line 3 at 1400
+    // the ball around 1500.
     canvas().Height = 3000;
     placeLocal(30000, 50000);
     for (ChatLine& line : modMain::world.chatLines) line = {std::string(90, 'x'), RGB(255, 255, 255), 9};
@@ -193,7 +193,7 @@ TEST_F(FrameTexts, TheConsoleLiesOverTheLivingLocalPlayer) {
 TEST_F(FrameTexts, TheCentreMessageLiesOverTheConsole) {
   modMain::showCentreMessage("abcd");
   modMain::paintFrame();
-  // At pixel 321, as on any canvas of this width, 24 pixels wide.
+  // At pixel 321 on any canvas of this width, 24 pixels wide.
   EXPECT_EQ(pixelAt(canvas(), 330, 69), RGB(0, 254, 0));
   EXPECT_EQ(pixelAt(canvas(), 310, 69), RGB(135, 135, 135));
 }
@@ -206,11 +206,11 @@ TEST_F(Frames, TheRadarIsClearedForEachFrame) {
   player.position.x = 75000;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(radar(), 29, 5), white);
-  EXPECT_EQ(pixelAt(radar(), 30, 45), white) << "nor is the dot of before";
+  EXPECT_EQ(pixelAt(radar(), 30, 45), white) << "nor the previous dot";
   EXPECT_EQ(pixelAt(radar(), 88, 5), RGB(128, 128, 128));
 }
 
-TEST_F(Frames, EachFrameIsShownOnceOnEachSurface) {
+TEST_F(Frames, EachFrameIsPresentedOnceOnEachSurface) {
   placeLocal();
   placeOpponent(cyanPlayer, 50000, 50000);
   int canvasShown = 0;
@@ -243,21 +243,21 @@ TEST_F(Frames, TheSpareParticlesLieOverTheBackgroundAndUnderTheExplosions) {
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), RGB(0, 245, 0)) << "dimmed by 10 for its depth";
 
-  machine.seconds = 0;  // the one time of day at which an explosion is seen
+  machine.seconds = 0;  // the only time of day at which explosions are visible
   modMain::addExplosion({50000, 50000}, 1);
   modMain::world.explosionParticles[0].kind = 4;
   modMain::paintFrame();
   EXPECT_EQ(pixelAt(canvas(), 5722 - 142.0, 4560 - 142.0), RGB(16 * 5, ballsGreen, 0)) << "its ball, kind 4";
 }
 
-TEST_F(Frames, Q123AParticleThatLeavesSkipsTheNextOne) {
+TEST_F(Frames, Q123RemovingAParticleSkipsTheNextOne) {
   placeLocal();
   modMain::addExplosion({50000, 50000}, 3);
   for (clsParticle& particle : modMain::world.explosionParticles) particle.age = 5;
   modMain::world.explosionParticles[0].age = 10;
   modMain::paintFrame();
   ASSERT_EQ(modMain::world.explosionCount, 2);
-  EXPECT_EQ(modMain::world.explosionParticles[0].age, 5) << "it stands where the first one was: skipped";
+  EXPECT_EQ(modMain::world.explosionParticles[0].age, 5) << "it has moved to the first one's slot: skipped";
   EXPECT_EQ(modMain::world.explosionParticles[1].age, 6);
   EXPECT_EQ(modMain::world.explosionParticles[0].num_, 0);
   EXPECT_EQ(modMain::world.explosionParticles[1].num_, 1);
@@ -290,7 +290,7 @@ TEST_F(Frames, ADeadLocalPlayerStillHasALocationLine) {
   EXPECT_EQ(modMain::world.debugText, "Location: 1.000   2.000\r\nPaint Time:000\r\n");
 }
 
-// Time passes whenever a glyph is asked for, so in the text layers alone.
+// Time passes whenever a glyph is requested, so only in the text layers.
 class SlowGlyphs : public GlyphSource {
  public:
   explicit SlowGlyphs(Tick& clock) : ticks(clock) {}
@@ -308,7 +308,7 @@ TEST_F(Frames, Q139TheTextsAreNotPartOfTheMeasuredTime) {
   const Tick before = machine.ticks;
   modMain::paintFrame();
   Surface::setGlyphSource(nullptr);
-  EXPECT_GT(machine.ticks, before + 1000) << "the debug text took its time";
+  EXPECT_GT(machine.ticks, before + 1000) << "the debug text took time";
   EXPECT_EQ(modMain::world.frameTimes[0], 0);
 }
 

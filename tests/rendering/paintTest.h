@@ -25,23 +25,23 @@ inline Colour pixelAt(const Surface& surface, int column, int row) {
   return RGB(static_cast<int>(pixel >> 16), static_cast<int>(pixel >> 8 & 255), static_cast<int>(pixel & 255));
 }
 
-/// The pixel that a place in twips falls on.
+/// The pixel at a position in twips.
 inline Colour pixelAt(const Surface& surface, double x, double y) { return pixelAt(surface, toPixels(x), toPixels(y)); }
 
-/// How many pixels of the surface have the colour.
+/// The number of pixels with this colour.
 inline int countPixels(const Surface& surface, Colour colour) {
   int count = 0;
   for (const Pixel pixel : surface.pixels()) count += pixel == toPixel(colour) ? 1 : 0;
   return count;
 }
 
-/// Sheets whose every cell is one plain colour, so that a painted pixel tells its sheet and cell: images have
-/// 16 * (column + 1) as red, the sheet's own green and no blue, mattes have 16 * (column + 1) as blue alone. On a white
-/// surface a sprite painted in the right order is the image's red and green with the matte's blue; the exchanged
-/// operations leave the image alone.
+/// Sheets whose cells are plain colours, so that a painted pixel identifies its sheet and cell. An image cell has 16 *
+/// (column + 1) as red, the sheet's own green and no blue. A matte cell has 16 * (column + 1) as blue. On a white
+/// surface, a sprite painted in the right order has the image's red and green and the matte's blue. The exchanged
+/// operations show only the image.
 PicturePointer plainSheet(const std::string& path);
 
-/// The colour of a sprite on white: what the matte left of it and the image in it.
+/// The colour of a sprite painted on white.
 constexpr Colour spriteOnWhite(int cell, int sheetGreen, int matteCell) {
   return RGB(16 * (cell + 1), sheetGreen, 16 * (matteCell + 1));
 }
@@ -56,7 +56,8 @@ inline constexpr int pointerGreen = 96;
 inline constexpr int blipGreen = 112;
 inline constexpr int iconGreen = 128;  // plus the slot
 
-/// Every character is a full block of 6 by 10 pixels, so a printed text is a plain rectangle; the font's size is noted.
+/// Every character is a full block of 6 by 10 pixels, so a printed text is a plain rectangle. Records the requested
+/// font sizes.
 class Blocks : public GlyphSource {
  public:
   Glyph glyph(const FontSpec& font, unsigned char) override {
@@ -74,7 +75,7 @@ class PaintTest : public GameTest {
 
   PictureBox& canvas() { return frmMain->canvas; }
   PictureBox& radar() { return frmMain->picRadar; }
-  /// The local player in the game at a place, red, alive, brakes off, with nobody else and no particles.
+  /// Puts the local player into the game: red, alive, brakes off, without opponents or particles.
   clsPlayer& placeLocal(float x = 50000, float y = 50000);
   /// An opponent in the next slot.
   clsPlayer& placeOpponent(PlayerColour colour, float x, float y);

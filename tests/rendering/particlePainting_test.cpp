@@ -14,7 +14,7 @@ class ParticlePainting : public PaintTest {
     placeLocal();
     modMain::world.explosionParticles.reserve(16);
   }
-  /// A background particle that would be at a given position on the canvas without the shift.
+  /// A background particle at a given position on the canvas before the shift.
   clsParticle background(std::int16_t depth, double x, double y) {
     clsParticle particle;
     particle.type = ParticleType::Background;
@@ -56,7 +56,7 @@ TEST_F(ParticlePainting, AQuarksColourIsDimmedByItsDepthAndNeverBelowZero) {
   EXPECT_EQ(pixelAt(canvas(), 5722.5, 4560.0), RGB(50, 150, 110));
 }
 
-TEST_F(ParticlePainting, ADarkQuarkCannotBeSeen) {
+TEST_F(ParticlePainting, DarkQuarkIsInvisible) {
   frmMain->mnuQuarkStars.Checked = false;
   clsParticle quark = background(16, 5722.5, 4560);
   quark.red = quark.green = quark.blue = 160;
@@ -64,7 +64,7 @@ TEST_F(ParticlePainting, ADarkQuarkCannotBeSeen) {
   EXPECT_TRUE(isEmpty());
 }
 
-TEST_F(ParticlePainting, AQuarkKeepsItsColourThroughTheStarsSetting) {
+TEST_F(ParticlePainting, QuarkKeepsItsColourThroughStarsMode) {
   clsParticle quark = background(5, 5722.5, 4560);
   quark.red = 100;
   quark.green = 200;
@@ -102,11 +102,11 @@ TEST_F(ParticlePainting, TheRadiusShrinksWithTheDepth) {
   EXPECT_GE(near, 13);
 }
 
-TEST_F(ParticlePainting, TheCanvasTestComesAfterTheShift) {
+TEST_F(ParticlePainting, CanvasIsTestedAfterTheShift) {
   background(10, -2000, 4560).paintSelf();  // .5 * 7722.5 - 2000 = 1861
   EXPECT_EQ(pixelAt(canvas(), 1861.0, 4560.0), RGB(100, 100, 100));
   canvas().Cls();
-  background(1, -2000, 4560).paintSelf();  // .05 * 7722.5 - 2000 is still outside
+  background(1, -2000, 4560).paintSelf();  // .05 * 7722.5 - 2000: still outside
   EXPECT_TRUE(isEmpty());
 }
 
@@ -133,7 +133,7 @@ TEST_F(ParticlePainting, ADepthThatWouldDarkenBelowBlackIsAFault) {
   background(20, 5722.5, 4560).paintSelf();
 }
 
-TEST_F(ParticlePainting, Q124ABallHangsOnItsLowerRightCorner) {
+TEST_F(ParticlePainting, Q124ABallIsAnchoredAtItsLowerRightCorner) {
   canvas().BackColor = RGB(255, 255, 255);
   canvas().Cls();
   ball(ParticleType::Network, 3015, 3015).paintSelf();
@@ -142,10 +142,10 @@ TEST_F(ParticlePainting, Q124ABallHangsOnItsLowerRightCorner) {
   EXPECT_EQ(countPixels(canvas(), cell), 21 * 21);
   EXPECT_EQ(pixelAt(canvas(), 180, 180), cell);
   EXPECT_EQ(pixelAt(canvas(), 200, 200), cell);
-  EXPECT_EQ(pixelAt(canvas(), 201, 201), RGB(255, 255, 255)) << "not the place itself";
+  EXPECT_EQ(pixelAt(canvas(), 201, 201), RGB(255, 255, 255)) << "not the position itself";
 }
 
-TEST_F(ParticlePainting, ABallHasNoShiftAndTheBoundsAreOnTheCanvas) {
+TEST_F(ParticlePainting, BallIsNotShiftedAndMayTouchTheCanvasEdges) {
   machine.seconds = 0;  // the one time of day at which an explosion is seen
   for (const ParticleType type : {ParticleType::Network, ParticleType::Explosion}) {
     canvas().Cls();
@@ -176,7 +176,7 @@ TEST_F(ParticlePainting, ABallIsDrawnOutsideTheWorldToo) {
   }
 }
 
-TEST_F(ParticlePainting, Q121ARemovedBallIsPaintedAllTheSame) {
+TEST_F(ParticlePainting, Q121ARemovedBallIsStillPainted) {
   modMain::receiveParticleNew("n", 3, 50000, 50000, 0, 0);
   modMain::receiveParticleRemove("n");
   ASSERT_FALSE(modMain::world.netParticles[0].spawned);
@@ -192,7 +192,7 @@ TEST_F(ParticlePainting, AReservedParticleDrawsNothing) {
   EXPECT_TRUE(isEmpty());
 }
 
-TEST_F(ParticlePainting, Q119AnExplosionParticleLivesElevenPaintsUnseen) {
+TEST_F(ParticlePainting, Q119AnExplosionParticleLivesForElevenInvisiblePaints) {
   modMain::addExplosion({50000, 50000}, 2);
   for (int paint = 1; paint <= 10; ++paint) {
     modMain::world.explosionParticles[0].paintSelf();
@@ -215,8 +215,8 @@ TEST_F(ParticlePainting, AnExplosionParticleAgesOffTheCanvasToo) {
   EXPECT_EQ(modMain::world.explosionCount, 0);
 }
 
-TEST_F(ParticlePainting, AnExplosionParticleOutsideItsPoolIsCountedTo32767Paints) {
-  // As the console makes them of the background: the particle that is removed is another one, or none.
+TEST_F(ParticlePainting, ExplosionParticleOutsideItsPoolCountsUpTo32767Paints) {
+  // Created by the console from background particles: another particle is removed, or none.
   clsParticle particle;
   particle.type = ParticleType::Explosion;
   particle.age = 32766;
@@ -226,8 +226,8 @@ TEST_F(ParticlePainting, AnExplosionParticleOutsideItsPoolIsCountedTo32767Paints
   EXPECT_EQ(particle.age, 32767);
 }
 
-TEST_F(ParticlePainting, Q301AServersParticleOfNoKindIsAStar) {
-  // A particle that was never positioned is in the world's upper left corner, until a position moves it.
+TEST_F(ParticlePainting, Q301AServerParticleOfAnUnknownKindIsAStar) {
+  // A particle without a position is in the world's upper left corner until a position arrives.
   EXPECT_THROW(modMain::receiveParticleNew("n", 256, 50000, 50000, 0, 0), RuntimeFault);
   modMain::receiveParticlePosition("n", 51000, 50000);
   ASSERT_EQ(modMain::world.netParticleCount, 1);

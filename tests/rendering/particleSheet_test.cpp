@@ -22,13 +22,13 @@ TEST_F(ParticleSheet, TheCellsSizeIsRoundedDown) {
   ball.type = ParticleType::Network;
   ball.position = {50000 - 5722 + 3023, 50000 - 4560 + 3023};
   ball.paintSelf();
-  // 3023 - 315 = 2708 is nearest to pixel 181, 3023 - 315.9 = 2707.1 would be nearest to 180.
+  // 3023 - 315 = 2708 is nearest to pixel 181. 3023 - 315.9 = 2707.1 would be nearest to 180.
   EXPECT_EQ(pixelAt(canvas(), 180, 190), RGB(255, 255, 255));
   EXPECT_EQ(pixelAt(canvas(), 190, 180), RGB(255, 255, 255));
   EXPECT_EQ(pixelAt(canvas(), 181, 181), spriteOnWhite(0, ballsGreen, 0));
 }
 
-TEST_F(ParticleSheet, OnlyTheExpiredParticleLeaves) {
+TEST_F(ParticleSheet, OnlyTheExpiredParticleIsRemoved) {
   for (float x = 0; x < 3; ++x) modMain::addExplosion({50000 + x, 50000}, 1);
   modMain::world.explosionParticles[1].age = 10;
   modMain::world.explosionParticles[1].paintSelf();

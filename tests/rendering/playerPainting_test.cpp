@@ -16,7 +16,7 @@ class PlayerPainting : public PaintTest {
     radar().Cls();
     player.paintSelf();
   }
-  /// The cell of the ball's animation after so many more paints.
+  /// The cell of the ball's animation after this many more paints.
   int cellAfter(clsPlayer& player, int paints) {
     for (int i = 0; i < paints; ++i) player.paintSelf();
     return player.animFrame;
@@ -42,9 +42,9 @@ TEST_F(PlayerPainting, EachCellShowsItsOwnPartOfTheSheet) {
   }
 }
 
-TEST_F(PlayerPainting, TheBallLiesRoundTheCentre) {
+TEST_F(PlayerPainting, BallIsCentred) {
   paint(*local);
-  // 735 wide from 5722 - 367 = 5355, pixel 357, on; from 4560 - 367 = 4193, nearest pixel 280; 49 pixels.
+  // 735 wide from 5722 - 367 = 5355, pixel 357, and from 4560 - 367 = 4193, nearest to pixel 280; 49 pixels.
   EXPECT_EQ(pixelAt(canvas(), 356, 300), white);
   EXPECT_NE(pixelAt(canvas(), 357, 300), white);
   EXPECT_NE(pixelAt(canvas(), 405, 300), white);
@@ -102,7 +102,7 @@ TEST_F(PlayerPainting, ADeadOpponentOnTheCanvasIsAGhostToo) {
   EXPECT_EQ(centre(), exchangedOnWhite(0, playerGreen + 3));
 }
 
-TEST_F(PlayerPainting, Q244TheAnimationRunsForwardAndBackAndItsEndsLastTwice) {
+TEST_F(PlayerPainting, Q244TheAnimationRunsForwardAndBackAndShowsItsEndsTwice) {
   std::vector<int> cells{local->animFrame};
   for (int change = 0; change < 11; ++change) cells.push_back(cellAfter(*local, 10));
   EXPECT_EQ(cells, (std::vector<int>{0, 1, 2, 3, 3, 2, 1, 0, 0, 1, 2, 3}));
@@ -113,7 +113,7 @@ TEST_F(PlayerPainting, ACellLastsTenFramesAtTimeScaleOne) {
   EXPECT_EQ(cellAfter(*local, 1), 1);
 }
 
-TEST_F(PlayerPainting, ACellLastsShorterAtAHigherTimeScale) {
+TEST_F(PlayerPainting, CellsLastShorterAtAHigherTimeScale) {
   modMain::world.frameTime = 25;  // 10 / 2.5 = 4 frames
   EXPECT_EQ(cellAfter(*local, 3), 0);
   EXPECT_EQ(cellAfter(*local, 1), 1);
@@ -131,7 +131,7 @@ TEST_F(PlayerPainting, Q242AnUnseenOpponentsAnimationStands) {
   EXPECT_EQ(other.animTick, 4);
   other.position.x = 50000;
   EXPECT_EQ(cellAfter(other, 5), 1);
-  EXPECT_EQ(cellAfter(other, 1), 2) << "it goes on where it stood";
+  EXPECT_EQ(cellAfter(other, 1), 2) << "it continues where it stopped";
 }
 
 TEST_F(PlayerPainting, AGhostsBallIsAnimatedToo) {
@@ -144,8 +144,8 @@ TEST_F(PlayerPainting, AGhostsBallIsAnimatedToo) {
   EXPECT_EQ(cellAfter(other, 10), 1);
 }
 
-// No control gets as small as this; only so does the centre lie outside the canvas.
-TEST_F(PlayerPainting, TheLocalBallIsNeverOutOfSight) {
+// Real controls are never this small. Only then is the centre outside the canvas.
+TEST_F(PlayerPainting, LocalBallIsAlwaysPainted) {
   canvas().Width.adopt(-30);
   canvas().Height.adopt(-30);
   local->paintSelf();
@@ -153,7 +153,7 @@ TEST_F(PlayerPainting, TheLocalBallIsNeverOutOfSight) {
   EXPECT_EQ(modMain::world.debugText, "Location: 50.000   50.000\r\n");
   clsPlayer& other = placeOpponent(cyanPlayer, 50000, 50000);
   other.paintSelf();
-  EXPECT_EQ(other.animTick, 0) << "out of sight at the same place";
+  EXPECT_EQ(other.animTick, 0) << "off screen at the same position";
 }
 
 TEST_F(PlayerPainting, ExactlyInTheCornerAnOpponentIsABall) {
@@ -168,14 +168,14 @@ TEST_F(PlayerPainting, ExactlyInTheCornerAnOpponentIsABall) {
 }
 
 struct ArrowRow {
-  Vector screen;  // where the opponent stands, canvas units
+  Vector screen;  // the opponent's position, canvas units
   int frame;      // -1: no arrow
   int left, top;  // pixels
 };
 
 class ArrowTable : public PlayerPainting, public testing::WithParamInterface<ArrowRow> {};
 
-TEST_P(ArrowTable, Q138TheArrowStandsOnTheEdge) {
+TEST_P(ArrowTable, Q138TheArrowIsOnTheEdge) {
   const ArrowRow& row = GetParam();
   clsPlayer& other = placeOpponent(bluePlayer, 50000 - 5722 + row.screen.x, 50000 - 4560 + row.screen.y);
   // The image is larger than the control by an arrow, so that one just beyond its right or lower edge is seen.
@@ -200,7 +200,7 @@ INSTANTIATE_TEST_SUITE_P(Places, ArrowTable,
                                          ArrowRow{{6000, -10}, 0, 400, 0}, ArrowRow{{6000, 9130}, 2, 400, 590},
                                          ArrowRow{{6000, 3000}, -1, 0, 0}));
 
-// A coordinate exactly on the canvas's edge is within it: these stand on an edge and no corner.
+// A coordinate exactly on the canvas's edge counts as inside: these are on an edge but in no corner.
 INSTANTIATE_TEST_SUITE_P(Bounds, ArrowTable,
                          testing::Values(ArrowRow{{0, -10}, 0, 0, 0}, ArrowRow{{11445, -10}, 0, 763, 0},
                                          ArrowRow{{0, 9130}, 2, 0, 590}, ArrowRow{{11445, 9130}, 2, 763, 590},
@@ -226,7 +226,7 @@ TEST_F(PlayerPainting, ADeadOpponentOffTheCanvasHasNeitherArrowNorDot) {
 TEST_F(PlayerPainting, TheRadarShowsTheWholeWorld) {
   clsPlayer& other = placeOpponent(purplePlayer, 40000, 75000);
   paint(other);
-  // (702, 1047); a dot of 960 / 7 = 137.14 by 135 begins 68 and 67 before: (634, 980), pixel (42, 65), 9 by 9.
+  // (702, 1047); a dot of 960 / 7 = 137.14 by 135 starts 68 and 67 earlier: (634, 980), pixel (42, 65), 9 by 9.
   const Colour dot = spriteOnWhite(5, blipGreen, 6);
   EXPECT_EQ(pixelAt(radar(), 42, 65), dot);
   EXPECT_EQ(pixelAt(radar(), 50, 73), dot);
@@ -236,7 +236,7 @@ TEST_F(PlayerPainting, TheRadarShowsTheWholeWorld) {
   EXPECT_EQ(pixelAt(radar(), 50, 74), white);
 }
 
-// In slot 0 a player's own paint carries out the captures of the tail, here of the player themself.
+// For slot 0, painting the player carries out the captures of the tail, here of the player themselves.
 TEST_F(PlayerPainting, TheTailIsPaintedBeforeTheDot) {
   clsPlayer& other = placeOpponent(purplePlayer, 50000, 50000);
   other.addTail({10000, 10000});
@@ -255,7 +255,7 @@ TEST_F(PlayerPainting, EachColourHasItsDot) {
   }
 }
 
-TEST_F(PlayerPainting, TheLocalPlayerHasACrosshairAlsoWhenDead) {
+TEST_F(PlayerPainting, LocalPlayerHasACrosshairEvenWhenDead) {
   local->position = {25000, 50000};
   const Colour grey = RGB(128, 128, 128);
   paint(*local);

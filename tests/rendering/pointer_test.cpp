@@ -10,14 +10,14 @@ namespace {
 
 class Pointer : public PaintTest {
  protected:
-  /// Puts the mouse in a direction: an angle of the 350 scale from the vertical, in a quadrant, 3000 away.
+  /// Moves the mouse 3000 units in a direction: an angle on the scale of 350 from the vertical, in a quadrant.
   void point(double angle, int quadrant) {
     const double radians = angle * 6.283185308 / 350;
     const double across = 3000 * std::sin(radians) * (quadrant == 1 || quadrant == 4 ? 1 : -1);
     const double down = 3000 * std::cos(radians) * (quadrant == 3 || quadrant == 4 ? 1 : -1);
     modMain::world.mousePos = {static_cast<float>(5722 + across), static_cast<float>(4560 + down)};
   }
-  /// The cell of the sheet that is seen at the mouse, from the image's red; the matte's blue must agree.
+  /// The sheet's cell at the mouse, read from the image's red. The matte's blue must agree.
   int paintedFrame() {
     canvas().Cls();
     modMain::paintPointer();
@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(Quadrants, PointerTable,
                          testing::Values(Row{1, {0, 1, 2, 3}}, Row{4, {6, 5, 4, 3}}, Row{3, {6, 7, 8, 9}},
                                          Row{2, {0, 11, 10, 9}}));
 
-TEST_P(PointerTable, AnAngleOnABoundFallsInTheBandAbove) {
+TEST_P(PointerTable, AngleOnABoundFallsIntoTheBandAbove) {
   const auto& [quadrant, frames] = GetParam();
   const float bounds[] = {15, 40, 60};
   for (int i = 0; i < 3; ++i) {
@@ -61,7 +61,7 @@ TEST_P(PointerTable, AnAngleOnABoundFallsInTheBandAbove) {
   }
 }
 
-TEST_F(Pointer, TheMouseCanStandAtExactlyForty) {
+TEST_F(Pointer, MouseCanBeAtExactlyForty) {
   // 1091 to the right and 1248.75 up.
   modMain::world.mousePos = {6813, 3311.25F};
   ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::world.mousePos).angle, 40);
@@ -69,7 +69,7 @@ TEST_F(Pointer, TheMouseCanStandAtExactlyForty) {
   EXPECT_EQ(modMain::world.steerQuadrant, 1);
 }
 
-TEST_F(Pointer, AHalfIsRoundedToTheEvenAngle) {
+TEST_F(Pointer, HalvesAreRoundedToTheEvenAngle) {
   modMain::world.mousePos = {5872.25F, 3583};
   ASSERT_EQ(modMain::getBearing({5722, 4560}, modMain::world.mousePos).angle, 8.5F);
   modMain::paintPointer();
@@ -106,10 +106,10 @@ TEST_F(Pointer, Q091StraightLeftAndStraightBelowPointTheWrongWay) {
   EXPECT_EQ(modMain::world.steerQuadrant, 1);
 }
 
-TEST_F(Pointer, TheSpriteLiesRoundTheMouse) {
+TEST_F(Pointer, SpriteIsCentredOnTheMouse) {
   modMain::world.mousePos = {3000, 3000};
   modMain::paintPointer();
-  // A cell is 367 by 367 twips and begins 183 before the mouse: 2817, pixel 188; 24 pixels.
+  // A cell is 367 by 367 twips and starts 183 before the mouse: 2817, pixel 188; 24 pixels.
   EXPECT_EQ(pixelAt(canvas(), 187, 200), white);
   EXPECT_NE(pixelAt(canvas(), 188, 188), white);
   EXPECT_NE(pixelAt(canvas(), 211, 211), white);
@@ -147,7 +147,7 @@ TEST_F(Pointer, TheDirectionalLineFollowsTheMenu) {
   EXPECT_TRUE(isLineDrawn());
 }
 
-TEST_F(Pointer, TheLineLiesUnderTheSprite) {
+TEST_F(Pointer, LineIsPaintedUnderTheSprite) {
   modMain::world.mousePos = {5722 + 3000, 4560};
   frmMain->mnuDirLineAlways.Checked = true;
   EXPECT_EQ(paintedFrame(), 3) << "no white shows through";

@@ -25,7 +25,7 @@ class ScreenMessages : public PaintTest {
   Blocks blocks;
 };
 
-TEST_F(ScreenMessages, SevenLinesStandFromTheBottomUp) {
+TEST_F(ScreenMessages, SevenLinesAreStackedFromTheBottom) {
   for (std::size_t i = 0; i < 8; ++i) setLine(i, RGB(255, 255, 255));
   modMain::paintTextLines();
   for (int line = 0; line < 7; ++line) EXPECT_NE(lineColour(line), Colour{}) << line;
@@ -42,7 +42,7 @@ TEST_F(ScreenMessages, ALineDarkensBy30WithEachStep) {
   for (std::size_t i = 0; i < 7; ++i) setLine(i, RGB(255, 255, 255));
   modMain::paintTextLines();
   for (int line = 0; line < 7; ++line) {
-    const int grey = 255 - 30 * line;  // 75 at the last
+    const int grey = 255 - 30 * line;  // 75 for the last
     EXPECT_EQ(lineColour(line), RGB(grey, grey, grey)) << line;
   }
 }
@@ -63,7 +63,7 @@ TEST_F(ScreenMessages, AnUnsetColourIsDarkGrey) {
   EXPECT_EQ(lineColour(2), RGB(50, 50, 50)) << "50 is not above 60";
 }
 
-TEST_F(ScreenMessages, TheSmallestSizeIsNine) {
+TEST_F(ScreenMessages, MinimumSizeIsNine) {
   canvas().FontSize = 11;
   const std::int16_t sizes[] = {0, -4, 8, 9, 10, 14, 30};
   for (std::size_t i = 0; i < 7; ++i) setLine(i, RGB(255, 255, 255), sizes[i]);
@@ -75,7 +75,7 @@ TEST_F(ScreenMessages, TheSmallestSizeIsNine) {
   EXPECT_EQ(canvas().FontSize, 11) << "as before";
 }
 
-TEST_F(ScreenMessages, TheRememberedSizeIsAWholeNumber) {
+TEST_F(ScreenMessages, ReportedSizeIsAWholeNumber) {
   canvas().FontSize = 9.75F;
   modMain::paintTextLines();
   EXPECT_EQ(canvas().FontSize, 10);
@@ -94,7 +94,7 @@ TEST_F(ScreenMessages, TheDebugTextRunsDownFromTheTopInCyan) {
   EXPECT_EQ(pixelAt(canvas(), 4, 28), Colour{});
 }
 
-TEST_F(ScreenMessages, OnAShortCanvasTheUpperLinesAreCut) {
+TEST_F(ScreenMessages, ShortCanvasCutsOffTheUpperLines) {
   canvas().Height = 1000;
   for (std::size_t i = 0; i < 7; ++i) setLine(i, RGB(255, 255, 255));
   modMain::world.debugText.clear();
@@ -103,7 +103,7 @@ TEST_F(ScreenMessages, OnAShortCanvasTheUpperLinesAreCut) {
   EXPECT_NE(pixelAt(canvas(), 60.0, 200.0), Colour{});
 }
 
-TEST_F(ScreenMessages, Q134TheCentreMessageStandsLeftOfTheMiddle) {
+TEST_F(ScreenMessages, Q134TheCentreMessageIsLeftOfTheMiddle) {
   modMain::showCentreMessage("abcd");
   modMain::paintCentreMessage();
   // Four characters of 6 pixels are 360 twips by the label's font; (5722.5 - 360 + 5722.5) / 2.3 = 4819.57, pixel 321.
@@ -140,10 +140,10 @@ TEST_F(ScreenMessages, TheCentreMessageFadesAndEnds) {
   EXPECT_EQ(modMain::world.centreMessageAge, 251);
   EXPECT_EQ(pixelAt(canvas(), 321, 271), Colour{});
   modMain::paintCentreMessage();
-  EXPECT_EQ(modMain::world.centreMessageAge, 251) << "it ages no more";
+  EXPECT_EQ(modMain::world.centreMessageAge, 251) << "it no longer ages";
 }
 
-TEST_F(ScreenMessages, TheMessagesAgeGrowsByTheTimeScaleRoundedToEven) {
+TEST_F(ScreenMessages, MessageAgesByTheTimeScaleRoundedToEven) {
   modMain::showCentreMessage("abcd");
   modMain::world.frameTime = 15;
   modMain::paintCentreMessage();
@@ -191,13 +191,13 @@ TEST_F(ScreenMessages, OnANarrowCanvasTheRowIsClipped) {
   canvas().BackColor = RGB(255, 255, 255);
   canvas().Cls();
   modMain::paintActionIcons();
-  // It starts at 2000 - 3990 = -1990; icon 4 at -70 is cut, icon 5 at 570 is whole.
+  // It starts at 2000 - 3990 = -1990. Icon 4 at -70 is clipped, icon 5 at 570 is whole.
   EXPECT_EQ(countPixels(canvas(), RGB(16, iconGreen, 16)), 0);
   EXPECT_EQ(pixelAt(canvas(), 0.0, 7700.0), RGB(16, iconGreen + 3, 16));
   EXPECT_EQ(countPixels(canvas(), RGB(16, iconGreen + 4, 16)), 41 * 42);
 }
 
-TEST_F(ScreenMessages, TheStockNumbersStandUnderTheIcons) {
+TEST_F(ScreenMessages, StockNumbersAreBelowTheIcons) {
   clsPlayer& player = placeLocal();
   for (std::size_t i = 0; i < 6; ++i) player.powerups[i].count = static_cast<std::int16_t>(i == 3 ? 12 : i);
   player.alive = false;  // dead or alive
@@ -207,7 +207,7 @@ TEST_F(ScreenMessages, TheStockNumbersStandUnderTheIcons) {
   for (int slot = 0; slot < 6; ++slot) {
     const int left = toPixels(7455 + 640.0 * slot);
     EXPECT_EQ(pixelAt(canvas(), left, 556), cyan) << slot;
-    EXPECT_EQ(pixelAt(canvas(), left - 1, 556), Colour{}) << "no blank in front";
+    EXPECT_EQ(pixelAt(canvas(), left - 1, 556), Colour{}) << "no leading blank";
     EXPECT_EQ(pixelAt(canvas(), left, 555), Colour{});
     EXPECT_EQ(pixelAt(canvas(), left + 6, 556) == cyan, slot == 3) << "two digits";
   }

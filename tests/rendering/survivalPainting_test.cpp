@@ -7,7 +7,7 @@ namespace {
 
 const Colour tie = RGB(0, 0, 255);
 
-// The canvas's centre, where the local player stands, is (5722, 4560): pixel (381, 304).
+// The canvas's centre, with the local player, is (5722, 4560): pixel (381, 304).
 class SurvivalPainting : public PaintTest {
  protected:
   SurvivalPainting() {
@@ -23,7 +23,7 @@ class SurvivalPainting : public PaintTest {
   clsPlayer* local;
 };
 
-TEST_F(SurvivalPainting, ALineTiesThePlayerToTheStart) {
+TEST_F(SurvivalPainting, LineConnectsThePlayerToTheStart) {
   local->position = {53000, 50000};
   canvas().DrawWidth = 8;
   modMain::paintSurvival();
@@ -43,7 +43,7 @@ TEST_F(SurvivalPainting, TheBallLiesOverTheLine) {
   EXPECT_EQ(pixelAt(canvas(), 357, 304), spriteOnWhite(0, playerGreen, 0));
 }
 
-TEST_F(SurvivalPainting, TheRecordStandsAboveTheOtherLines) {
+TEST_F(SurvivalPainting, RecordIsAboveTheOtherLines) {
   local->position = {53000, 54000};
   paint();
   EXPECT_EQ(modMain::world.debugText, "Survival Max Distance: 5000\r\nLocation: 53.000   54.000\r\n");
@@ -69,7 +69,7 @@ TEST_F(SurvivalPainting, TheStartIsTheWorldsCornerUnlessSet) {
   EXPECT_EQ(modMain::world.survivalMaxDistance, 500);
 }
 
-TEST_F(SurvivalPainting, Q153TheMoveAloneMakesNoRecord) {
+TEST_F(SurvivalPainting, Q153MovingWithoutPaintingSetsNoRecord) {
   local->position = {60000, 50000};
   local->move();
   EXPECT_EQ(modMain::world.survivalMaxDistance, 0);
@@ -78,7 +78,7 @@ TEST_F(SurvivalPainting, Q153TheMoveAloneMakesNoRecord) {
   EXPECT_EQ(modMain::world.survivalMaxDistance, 10000);
 }
 
-TEST_F(SurvivalPainting, WhileItIsOffThereIsNeitherTextNorLine) {
+TEST_F(SurvivalPainting, DrawsNothingWhileOff) {
   modMain::world.survivalMode = false;
   local->position = {53000, 50000};
   paint();
@@ -87,7 +87,7 @@ TEST_F(SurvivalPainting, WhileItIsOffThereIsNeitherTextNorLine) {
   EXPECT_EQ(modMain::world.survivalMaxDistance, 0);
 }
 
-TEST_F(SurvivalPainting, OpponentsHaveNone) {
+TEST_F(SurvivalPainting, OpponentsHaveNoLine) {
   local->position = {53000, 50000};
   clsPlayer& other = placeOpponent(cyanPlayer, 54000, 50000);
   canvas().Cls();
@@ -98,7 +98,7 @@ TEST_F(SurvivalPainting, OpponentsHaveNone) {
   EXPECT_EQ(modMain::world.survivalMaxDistance, 0);
 }
 
-TEST_F(SurvivalPainting, AGhostHasItToo) {
+TEST_F(SurvivalPainting, GhostsHaveItToo) {
   local->alive = false;
   local->position = {53000, 50000};
   paint();

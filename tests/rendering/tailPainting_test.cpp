@@ -15,7 +15,7 @@ class TailPainting : public PaintTest {
     canvas().BackColor = RGB(0, 0, 0);
     local = &placeLocal();
   }
-  /// A vertex at a place of the canvas.
+  /// Adds a vertex at a point of the canvas.
   void lay(double x, double y) {
     local->addTail({static_cast<float>(50000 - 5722 + x), static_cast<float>(50000 - 4560 + y)});
   }
@@ -23,7 +23,7 @@ class TailPainting : public PaintTest {
     canvas().Cls();
     local->paintSelf();
   }
-  /// Pixels of a colour in one column.
+  /// Counts the pixels of a colour in one column.
   int thicknessAt(double x, Colour colour) {
     int count = 0;
     for (int row = 0; row < canvas().pixelHeight(); ++row) {
@@ -56,7 +56,7 @@ TEST_F(TailPainting, TheColourDarkensWithTheAge) {
   for (const Row& row : table) EXPECT_EQ(vertex.getColour(row.colour), row.aged) << row.colour;
 }
 
-TEST_F(TailPainting, AtTwoHundredAFifthOfTheColourIsLeft) {
+TEST_F(TailPainting, AFifthOfTheColourIsLeftAtAgeTwoHundred) {
   lay(100, 100);
   paint();
   tick(10);
@@ -66,7 +66,7 @@ TEST_F(TailPainting, AtTwoHundredAFifthOfTheColourIsLeft) {
   EXPECT_EQ(local->tails[0].getColour(redPlayer), RGB(55, 0, 0));
 }
 
-TEST_F(TailPainting, EachVertexIsJoinedToTheOneBeforeAndNoneToTheBall) {
+TEST_F(TailPainting, EachVertexIsJoinedToThePreviousOneAndNoneToTheBall) {
   lay(1500, 1500);
   lay(3000, 1500);
   lay(3000, 3000);
@@ -84,7 +84,7 @@ TEST_F(TailPainting, ATailOfOneVertexDrawsNothing) {
   EXPECT_EQ(pixelAt(canvas(), 1500.0, 1500.0), Colour{});
 }
 
-TEST_F(TailPainting, Q132TheNewerEndAloneDecides) {
+TEST_F(TailPainting, Q132OnlyTheNewerEndDecides) {
   lay(1500, 1500);
   lay(-15, 1500);
   lay(1500, 3000);
@@ -100,7 +100,7 @@ TEST_F(TailPainting, AnEndExactlyOnTheEdgeIsOnTheCanvas) {
   EXPECT_EQ(pixelAt(canvas(), 750.0, 1500.0), RGB(255, 0, 0));
 }
 
-TEST_F(TailPainting, TheSegmentHasTheNewerVertexsColour) {
+TEST_F(TailPainting, SegmentHasTheNewerVertexsColour) {
   lay(1500, 1500);
   paint();
   tick(10);
@@ -112,7 +112,7 @@ TEST_F(TailPainting, TheSegmentHasTheNewerVertexsColour) {
   EXPECT_EQ(pixelAt(canvas(), 1530.0, 1500.0), RGB(255, 0, 0));
 }
 
-// Vertex i is i / 10 wide, ties to even, 1 to 30: a segment of its own at the top of the canvas is measured for each.
+// Vertex i is i / 10 wide, ties to even, 1 to 30. A separate segment at the top of the canvas is measured for each.
 TEST_F(TailPainting, TheWidthGrowsWithTheIndex) {
   const std::array<std::array<int, 2>, 12> table{{{1, 1},
                                                   {14, 1},
@@ -137,7 +137,7 @@ TEST_F(TailPainting, TheWidthGrowsWithTheIndex) {
   }
 }
 
-TEST_F(TailPainting, VerticesThatEndInThisFrameAreNotDrawn) {
+TEST_F(TailPainting, VerticesThatExpireInThisFrameAreNotDrawn) {
   lay(1500, 1500);
   lay(3000, 1500);
   paint();
@@ -190,7 +190,7 @@ class ChargedArc : public TailPainting {
     lay(x2, y2);
     local->tails[1].isCharged(true);
   }
-  /// Draws of one stroke: distance and sign on both axes. A sign draw below .4999 is a minus.
+  /// Scripts the draws of one stroke: distance and sign on both axes. A sign draw below .4999 is a minus.
   void stroke(float dx, float signX, float dy, float signY) {
     for (const float draw : {dx, signX, dy, signY}) machine.scriptedDraws.push_back(draw);
   }
@@ -198,8 +198,8 @@ class ChargedArc : public TailPainting {
 
 TEST_F(ChargedArc, FourStrokesFromTheLeftEndWhiteToGrey) {
   layCharged(1500, 3000, 6000, 3000);
-  machine.scriptedDraws.push_back(0.5F);  // the argument: 3000, positive, so the outer draw is a fresh one
-  // Int(.5 * 500) + 10 = 260, each time to the right and up; the outer draw comes from the generator and is below 1.
+  machine.scriptedDraws.push_back(0.5F);  // the argument 3000 is positive, so the outer draw is a new number
+  // Int(.5 * 500) + 10 = 260, always to the right and up. The outer draw comes from the generator and is below 1.
   for (int i = 0; i < 4; ++i) stroke(0.5F, 0.9F, 0.5F, 0.1F);
   paint();
   const int greys[] = {255, 195, 135, 75};
@@ -221,8 +221,8 @@ TEST_F(ChargedArc, TheLeftEndHasTheSmallerX) {
   EXPECT_EQ(pixelAt(canvas(), 1500 - 230.0, 3000 + 230.0), RGB(255, 255, 255));
 }
 
-TEST_F(ChargedArc, Q130TheStartIsTheLeftEndOrOneBesideIt) {
-  // With the inner draw 0 the argument is 0, which gives the generator's last number again, below 1 as always.
+TEST_F(ChargedArc, Q130TheStartIsTheLeftEndOrOneUnitBesideIt) {
+  // With an inner draw of 0 the argument is 0, which repeats the generator's last number, always below 1.
   layCharged(1500, 1500, 6000, 6000);
   machine.scriptedDraws.push_back(0);
   stroke(0.5F, 0.9F, 0.5F, 0.1F);
@@ -231,11 +231,11 @@ TEST_F(ChargedArc, Q130TheStartIsTheLeftEndOrOneBesideIt) {
   EXPECT_EQ(pixelAt(canvas(), 1500 + 130.0, 1500 - 130.0), RGB(255, 255, 255)) << "the left end, not along the segment";
 }
 
-// The segment falls 6000 in one unit across, so a start beside its left end at 1500.75 lies far from it: at 1501 a
-// quarter of a unit on, 1500 below the end at 3000.
+// The segment falls 6000 over one unit across, so a start next to its left end at 1500.75 is far from it: 1501 is a
+// quarter of a unit further, 1500 below the end at 3000.
 TEST_F(ChargedArc, TheStartLiesOnTheSegmentsLine) {
   layCharged(1500.75, 3000, 1501.75, 9000);
-  // An argument of 0 gives the generator's last number again; one from .25 to 1 makes the start 1501.
+  // An argument of 0 repeats the generator's last number. One from .25 to 1 makes the start 1501.
   while (machine.generator.next() < 0.25F) {
   }
   machine.scriptedDraws.push_back(0);
@@ -270,19 +270,18 @@ TEST_F(ChargedArc, AVerticalSegmentIsShiftedByOneUnit) {
   stroke(0.5F, 0.9F, 0.5F, 0.9F);
   for (int i = 0; i < 3; ++i) stroke(0, 0.9F, 0, 0.9F);
   paint();
-  // The newer end moves to 3001, so the left end is the older one at (3000, 1500), and one unit to the right is 4500
-  // down.
+  // The newer end moves to 3001, so the left end is the older one at (3000, 1500). One unit to the right is 4500 down.
   EXPECT_EQ(pixelAt(canvas(), 3000 + 130.0, 1500 + 130.0), RGB(255, 255, 255));
 }
 
 TEST_F(ChargedArc, Q303ASlopeBeyondSinglePrecisionIsAFault) {
   // One unit to the right of the canvas's centre and far down: the offset is 5722 times the height, and 3.4028E+38 is
-  // the last number.
+  // the largest single.
   const Vector centre{50000, 50000};
   local->paintChargedArc(centre, {50001, 5.94E34F});
   EXPECT_THROW(local->paintChargedArc(centre, {50001, 5.95E34F}), RuntimeFault);
   // A quarter of a unit to each side of the canvas's left border, slope 6E+38 and offset 1.5E+38: a start at 0 is fine,
-  // one at -1 is not. The outer draw decides.
+  // one at -1 overflows. The outer draw decides.
   const auto paintWith = [&](float outer) {
     for (float seed = 1;; ++seed) {
       machine.generator.randomize(seed);
@@ -299,7 +298,7 @@ TEST_F(ChargedArc, Q303ASlopeBeyondSinglePrecisionIsAFault) {
 
 class VertexOfSlotZero : public TailPainting {
  protected:
-  /// Vertices laid before the first login, when the local player counts as slot 0. An opponent has that slot now.
+  /// Lays vertices before the first login, when the local player counts as slot 0. Then an opponent gets that slot.
   void layForSlotZero(int count) {
     local->playerIndex = 0;
     for (int i = 0; i < count; ++i) lay(1500 + 1500 * i, 1500);
@@ -310,21 +309,21 @@ class VertexOfSlotZero : public TailPainting {
     paint();
   }
   void ageBy(int units) {
-    tick(units * 10 + 1);  // 10 ms alone are no step
+    tick(units * 10 + 1);  // exactly 10 ms would be no step
     paint();
   }
 };
 
-TEST_F(VertexOfSlotZero, Q300IsNotTakenAwayAndFaultsWhenItIsDarkerThanBlack) {
+TEST_F(VertexOfSlotZero, Q300IsNotRemovedAndFaultsWhenDarkerThanBlack) {
   layForSlotZero(2);
   ageBy(255);
-  ASSERT_EQ(local->tailCount(), 2) << "an ordinary vertex ends above 200";
+  ASSERT_EQ(local->tailCount(), 2) << "an ordinary vertex expires above 200";
   EXPECT_EQ(local->tails[1].getAge(), 255);
   EXPECT_EQ(local->tails[1].getColour(redPlayer), RGB(0, 0, 0));
   EXPECT_THROW(ageBy(1), RuntimeFault);
 }
 
-TEST_F(VertexOfSlotZero, Q300AloneItIsNotDrawnAndFaultsWhenItsAgeOverflows) {
+TEST_F(VertexOfSlotZero, Q300AloneIsNotDrawnAndFaultsWhenItsAgeOverflows) {
   layForSlotZero(1);
   for (int i = 0; i < 10; ++i) ageBy(3199);
   ageBy(777);

@@ -25,10 +25,10 @@ class WorldBorder : public PaintTest {
   }
 };
 
-TEST_F(WorldBorder, Q125ThePulseWalksByFramesAndTurnsSlowly) {
+TEST_F(WorldBorder, Q125ThePulseCountsFramesAndTurnsSlowly) {
   std::vector<int> levels;
   for (int frame = 1; frame <= 50; ++frame) {
-    modMain::world.frameTime = 100;  // the time scale plays no part
+    modMain::world.frameTime = 100;  // the time scale makes no difference
     modMain::paintWorldBorder();
     levels.push_back(modMain::world.borderWidth);
   }
@@ -53,7 +53,7 @@ TEST_F(WorldBorder, EdgesRunFromCornerToCorner) {
   const Colour red = RGB(255, 0, 0);
   const struct {
     float x, y;
-    bool left, right, up, down;  // which way an edge leaves the centre
+    bool left, right, up, down;  // the directions in which edges leave the centre
   } corners[] = {{0, 0, false, true, false, true},
                  {100000, 0, true, false, false, true},
                  {0, 100000, false, true, true, false},
@@ -71,7 +71,7 @@ TEST_F(WorldBorder, EdgesRunFromCornerToCorner) {
   }
 }
 
-TEST_F(WorldBorder, FarFromTheEdgesNothingIsSeen) {
+TEST_F(WorldBorder, NothingIsDrawnFarFromTheEdges) {
   placeLocal(50000, 50000);
   paint();
   EXPECT_EQ(countPixels(canvas(), {}), canvas().pixelWidth() * canvas().pixelHeight());

@@ -8,7 +8,7 @@ namespace kelvora {
 
 namespace {
 
-/// The nearest whole number; of two equally near ones the even one.
+/// The nearest whole number, ties to even.
 int rounded(double value) {
   const double below = std::floor(value);
   const double rest = value - below;
@@ -17,7 +17,7 @@ int rounded(double value) {
   return static_cast<int>(below);
 }
 
-/// A number of the world as text: seven digits, no zero before the point.
+/// A coordinate as text: seven digits, no zero before the point.
 std::string textOf(float value) {
   std::array<char, 32> buffer{};
   std::snprintf(buffer.data(), buffer.size(), "%.7g", static_cast<double>(value));
@@ -167,7 +167,7 @@ void TwinGame::executeKillerTail(std::size_t index) {
   const TwinRecord record = killerTails[index];
   for (const int victim : record.victims) executeCapture(getServerNode(record.owner), getServerNode(victim));
   ++executed;
-  --dropped;  // the one that has fired is removed with the others
+  --dropped;  // the executed one is removed with the others
   removeKillerTails(record.owner);
 }
 

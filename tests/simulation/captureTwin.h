@@ -11,7 +11,7 @@
 namespace kelvora {
 
 struct TwinVertex {
-  int serial = 0;  ///< stands for the tailID: never the same twice
+  int serial = 0;  ///< stands for the tailID, unique
   int ownerIndex = 0;
   int num = 0;
   Vector position;
@@ -39,7 +39,7 @@ struct TwinPlayer {
   Tick lastAgeTick = 0;
   std::vector<int> captures;
   int kills = 0;
-  std::vector<bool> strip = std::vector<bool>(6);  ///< colours that its capture strip shows
+  std::vector<bool> strip = std::vector<bool>(6);  ///< colours in its capture strip
 };
 
 struct TwinRecord {
@@ -49,8 +49,8 @@ struct TwinRecord {
   std::string location;
 };
 
-/// A second writing of tails, captures and opponents: literal, slow, and independent of the game's own. It knows no
-/// drawing: `paintTail` is what a painted player's tail does to the world.
+/// An independent reimplementation of tails, captures and opponents: literal and slow. It draws nothing: `paintTail`
+/// only does what painting a tail does to the world.
 class TwinGame {
  public:
   // The outside world.
@@ -67,7 +67,7 @@ class TwinGame {
   std::deque<std::string> chat = std::deque<std::string>(8);  ///< newest first
   std::vector<Vector> explosions;
   int captureSounds = 0;
-  // How often each way was gone.
+  // How often each branch was taken.
   int atOnce = 0, shared = 0, executed = 0, dropped = 0, expired = 0;
 
   TwinPlayer& player(int index) { return index == -1 ? local : opponents.at(static_cast<std::size_t>(index)); }

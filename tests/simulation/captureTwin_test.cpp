@@ -1,4 +1,5 @@
-// Whole worlds of players, with their tails, captures and ways, against a twin that does literally what the rules say.
+// Compares whole worlds of players, with their tails, captures and movements, with a twin that follows the rules
+// literally.
 
 #include "tests/simulation/captureTwin.h"
 
@@ -14,7 +15,7 @@
 namespace kelvora {
 namespace {
 
-/// No two draws in a row of 99999 are alike, so that no two vertices get one tailID.
+/// No two of 99999 consecutive draws are equal, so no two vertices get the same tailID.
 class DistinctDraws : public HeadlessBackend {
  public:
   using HeadlessBackend::random;
@@ -31,7 +32,7 @@ class CaptureTwin : public GameTest {
   CaptureTwin() {
     distinct.pictureSource = testPicture;
     distinct.path = machine.path;
-    frmMain->clientResized(2'500, 2'500);  // a small picture, since ageing paints
+    frmMain->clientResized(2'500, 2'500);  // a small picture, because ageing paints
     soundMan::initAudio();
     installBackend(&distinct);
   }
@@ -41,7 +42,7 @@ class CaptureTwin : public GameTest {
   bool oneIn(int n) { return below(n) == 0; }
   clsPlayer& real(int index) { return modMain::playerAt(static_cast<std::int16_t>(index)); }
   int anyIndex() { return below(static_cast<int>(twin.opponents.size()) + 1) - 1; }
-  /// Mostly a player's node; sometimes 0 or one that nobody has.
+  /// Usually a player's node; sometimes 0 or an unused one.
   int anyNode() { return oneIn(8) ? below(3) * 20 : twin.player(anyIndex()).node; }
   Vector near(Vector place, int reach) {
     return {place.x + static_cast<float>(below(2 * reach + 1) - reach) / 2,
@@ -58,7 +59,7 @@ class CaptureTwin : public GameTest {
             player.name);
     it.setKills(0);
     frmMain->picCaps[player.colour].Cls();
-    player.breaksOn = it.breaksOn;  // how a player begins is not this test's concern
+    player.breaksOn = it.breaksOn;  // a player's initial state is not tested here
   }
 
   void beginLife(std::uint32_t seed) {
@@ -94,7 +95,7 @@ class CaptureTwin : public GameTest {
       place = winner.tails[static_cast<std::size_t>(below(static_cast<int>(winner.tails.size())))].position;
     }
     const int loserNode = anyNode();
-    if (!twin.killerTails.empty() && oneIn(4)) {  // once more at the last place
+    if (!twin.killerTails.empty() && oneIn(4)) {  // again at the last position
       const auto end = twin.killerTails.back().location.size() - 2;
       const std::string inner = twin.killerTails.back().location.substr(1, end);
       const Vector again{std::stof(inner), std::stof(inner.substr(inner.find(',') + 1))};
@@ -249,7 +250,7 @@ class CaptureTwin : public GameTest {
     const PictureBox& strip = frmMain->picCaps[player.colour];
     const Picture& marks = frmGfx->imgCaps.cells();
     for (std::size_t colour = 0; colour < 6; ++colour) {
-      // Marks begin 162.5 twips, 10.8 pixels, apart; their fifth pixel in the fifth row is never black.
+      // Marks start 162.5 twips, 10.8 pixels, apart. Their fifth pixel in the fifth row is never black.
       const std::size_t place = static_cast<std::size_t>(marks.width) * 5 + colour * 65 / 6 + 5;
       const Pixel shown = player.strip[colour] ? marks.pixels[place] : toPixel(strip.BackColor);
       EXPECT_EQ(strip.pixels()[static_cast<std::size_t>(strip.pixelWidth()) * 5 + colour * 65 / 6 + 5], shown)
@@ -275,7 +276,7 @@ class CaptureTwin : public GameTest {
       EXPECT_EQ(record.owner, expected.owner) << i;
       EXPECT_EQ(record.location, expected.location) << i;
       EXPECT_EQ(std::vector<int>(record.victims.begin(), record.victims.end()), expected.victims) << i;
-      // Both point at the same vertex, or both at one that has gone.
+      // Both refer to the same vertex, or both to a removed one.
       const auto& tail = twin.player(expected.owner).tails;
       const auto vertex = std::find_if(
           tail.begin(), tail.end(), [&](const TwinVertex& candidate) { return candidate.serial == expected.serial; });
@@ -289,7 +290,7 @@ class CaptureTwin : public GameTest {
   TwinGame twin;
 };
 
-TEST_F(CaptureTwin, AThousandMatchesGoAsInTheTwin) {
+TEST_F(CaptureTwin, MatchesTheTwinInAThousandGames) {
   int executed = 0;
   int atOnce = 0;
   int shared = 0;
@@ -309,7 +310,7 @@ TEST_F(CaptureTwin, AThousandMatchesGoAsInTheTwin) {
     dropped += twin.dropped;
     expired += twin.expired;
   }
-  // Every way has been gone often.
+  // Every branch has been taken often.
   EXPECT_GT(executed, 800);
   EXPECT_GT(atOnce, 1'000);
   EXPECT_GT(shared, 400);

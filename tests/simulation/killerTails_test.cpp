@@ -32,7 +32,7 @@ class Captures : public GameTest {
   void capture(std::int16_t winner, std::int16_t loser, const std::string& x, const std::string& y) {
     serverSends(wire::msgTailCapture, {std::to_string(winner), std::to_string(loser), x, y});
   }
-  /// All tails age until the vertices laid so far have ended.
+  /// Ages all tails until the vertices laid so far have expired.
   void outliveTails() {
     modMain::paintFrame();
     tick(10);
@@ -51,7 +51,7 @@ TEST_F(Captures, AnUnknownVertexCapturesAtOnce) {
   EXPECT_TRUE(modMain::world.killerTails.empty());
 }
 
-TEST_F(Captures, AKnownVertexWaitsForItsEnd) {
+TEST_F(Captures, CaptureWaitsUntilItsVertexExpires) {
   ann().addTail({100.5F, 200});
   capture(localNode, 9, "100.5", "200");
   ASSERT_EQ(modMain::world.killerTails.size(), 1U);
@@ -68,7 +68,7 @@ TEST_F(Captures, AKnownVertexWaitsForItsEnd) {
   EXPECT_EQ(modMain::world.centreMessage, "You have captured Cid");
 }
 
-TEST_F(Captures, TwoVictimsOfOneVertexFallTogetherInOrder) {
+TEST_F(Captures, TwoVictimsOfOneVertexDieTogetherInOrder) {
   cid().addTail({300, 300});
   capture(9, 8, "300", "300");
   capture(9, localNode, "300", "300");
@@ -82,7 +82,7 @@ TEST_F(Captures, TwoVictimsOfOneVertexFallTogetherInOrder) {
   EXPECT_EQ(newestLine(), "Cid has captured Ann");
 }
 
-TEST_F(Captures, Q106OnlyThePlaceIsComparedNotTheWinner) {
+TEST_F(Captures, Q106OnlyThePositionIsComparedNotTheWinner) {
   cid().addTail({300, 300});
   ann().addTail({300, 300});
   capture(9, 8, "300", "300");
@@ -93,7 +93,7 @@ TEST_F(Captures, Q106OnlyThePlaceIsComparedNotTheWinner) {
   EXPECT_EQ(modMain::world.killerTails[0].victims, (std::vector<std::int16_t>{0, 0}));
 }
 
-TEST_F(Captures, Q104OneCaptureDropsTheOtherWaitingOnesOfItsWinner) {
+TEST_F(Captures, Q104OneCaptureDropsItsWinnersOtherPendingOnes) {
   cid().addTail({300, 300});
   tick(10);
   capture(9, 8, "300", "300");
@@ -127,7 +127,7 @@ TEST_F(Captures, Q105TheWinnerInSlotZeroCapturesAtTheNextPaint) {
   EXPECT_EQ(bob().tailCount(), 2) << "the vertex is still there";
 }
 
-TEST_F(Captures, Q105OthersWaitForTheEnd) {
+TEST_F(Captures, Q105OthersWaitUntilTheVertexExpires) {
   for (clsPlayer* winner : {&ann(), &cid()}) {
     winner->addTail({300, 300});
     winner->addTail({310, 300});
@@ -141,7 +141,7 @@ TEST_F(Captures, Q105OthersWaitForTheEnd) {
   EXPECT_TRUE(bob().isAlive());
 }
 
-TEST_F(Captures, Q105TheNewestVertexIsNotLookedAtInThePaint) {
+TEST_F(Captures, Q105PaintingSkipsTheNewestVertex) {
   bob().addTail({300, 300});
   bob().addTail({310, 300});
   capture(8, 9, "310", "300");
@@ -149,7 +149,7 @@ TEST_F(Captures, Q105TheNewestVertexIsNotLookedAtInThePaint) {
   EXPECT_TRUE(cid().isAlive());
 }
 
-TEST_F(Captures, ATailOfOneVertexChecksNothingInThePaint) {
+TEST_F(Captures, PaintingATailOfOneVertexChecksNothing) {
   bob().addTail({300, 300});
   capture(8, 9, "300", "300");
   modMain::paintFrame();
@@ -180,7 +180,7 @@ TEST_F(Captures, ARecordIsFoundByOwnerAndIdTogether) {
   EXPECT_EQ(modMain::findKillerTail(0, "b"), -1);
 }
 
-TEST_F(Captures, ANumberThatIsNoRecordDoesNothing) {
+TEST_F(Captures, UnknownRecordDoesNothing) {
   modMain::world.killerTails = {{0, "a", {1}, ""}};
   modMain::executeKillerTail(-1);
   modMain::executeKillerTail(1);
@@ -188,7 +188,7 @@ TEST_F(Captures, ANumberThatIsNoRecordDoesNothing) {
   EXPECT_TRUE(cid().isAlive());
 }
 
-TEST_F(Captures, TheLocalLoserIsTold) {
+TEST_F(Captures, LocalLoserIsNotified) {
   capture(9, localNode, "1", "1");
   EXPECT_FALSE(ann().isAlive());
   EXPECT_EQ(modMain::world.centreMessage, "You have been captured!");
@@ -218,7 +218,7 @@ TEST_F(Captures, Q107OnlyAPlayerWithCapturesExplodes) {
   EXPECT_EQ(modMain::world.explosionParticles[0].getPosition(), cid().position);
 }
 
-TEST_F(Captures, DyingKeepsCapturesBrakesFlightAndTail) {
+TEST_F(Captures, DyingKeepsCapturesVelocityAndTail) {
   bob().addTail({1, 1});
   bob().captures = {greenPlayer};
   bob().breaksOn = false;
@@ -244,7 +244,7 @@ TEST_F(Captures, ACaptureMarksTheVictimsCellInTheStrip) {
   capture(9, 8, "1", "1");
   const Picture& sheet = frmGfx->imgCaps.cells();
   const PictureBox& strip = frmMain->picCaps[2];
-  // Yellow's cell begins at 975 / 6 = 162.5 twips, pixel 11; its middle is pixel 16.
+  // Yellow's cell starts at 975 / 6 = 162.5 twips, pixel 11; its middle is pixel 16.
   for (const int y : {0, 5, 10}) {
     const std::size_t at = static_cast<std::size_t>(y * strip.pixelWidth() + 16);
     EXPECT_EQ(strip.pixels()[at], sheet.pixels[static_cast<std::size_t>(y * sheet.width + 16)]);
@@ -323,7 +323,7 @@ TEST_F(Captures, ADepartedWinnersRecordNeverFires) {
   EXPECT_EQ(cid().tailCount(), 1) << "frozen";
 }
 
-TEST_F(Captures, Q103TheSlotBehindTheLastIsAFaultAndFartherOnesAreNot) {
+TEST_F(Captures, Q103TheSlotAfterTheLastIsAFaultButFartherOnesAreNot) {
   bob().addTail({1, 1});
   modMain::killTailOf(0, 0);
   EXPECT_EQ(bob().tailCount(), 0);

@@ -7,11 +7,11 @@
 #include "tests/support/countingPeer.h"
 #include "tests/support/gameTest.h"
 
-// The effects of each death, and the state that a death, a round's end and a new login leave alone.
+// The effects of each death, and the state that survives a death, a round's end or a new login.
 namespace kelvora {
 namespace {
 
-// Ann is the local player, red, node 7; Bob stands beside her in slot 0, yellow, node 8. Every effect is open.
+// Ann is the local player, red, node 7. Bob is next to her in slot 0, yellow, node 8. All effects are open.
 class Lives : public GameTest {
  protected:
   Lives() {
@@ -22,7 +22,7 @@ class Lives : public GameTest {
   }
   clsPlayer& ann() { return modMain::world.localPlayer; }
   clsPlayer& bob() { return modMain::world.opponents[0]; }
-  /// Ann captures Bob at a place where no vertex is known, so at once.
+  /// Ann captures Bob at a point without a known vertex, so the capture is carried out at once.
   void captureBob() { serverSends(wire::msgTailCapture, {"7", "8", "1", "1"}); }
   const std::vector<std::string> captureSound{"capture.wav Silent False", "capture.wav prev", "capture.wav play"};
 };

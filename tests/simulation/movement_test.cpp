@@ -8,7 +8,8 @@
 namespace kelvora {
 namespace {
 
-// At the design size the canvas is 11445 by 9120, its centre is (5722, 4560) and 4560 is the reach of full speed.
+// At the design size the canvas is 11445 by 9120 with its centre at (5722, 4560). The mouse selects full speed from a
+// distance of 4560.
 class Movement : public GameTest {
  protected:
   Movement() {
@@ -55,15 +56,15 @@ TEST_P(MovementSteering, SharesTheSpeedInEveryQuadrant) {
   }
 }
 
-// Below 45 the share is tan / 2, from 45 on (tan of the rest + 1) / 2 of 300: tan 30 = 0.57735, tan 44 = 0.965687 with
-// the game's pi, tan 15 = 0.267949, tan 43 = 0.932514.
+// Of a speed of 300, the share is tan / 2 below 45 and (tan of the rest + 1) / 2 from 45 on: tan 30 = 0.57735, tan 44 =
+// 0.965687 with the game's pi, tan 15 = 0.267949, tan 43 = 0.932514.
 INSTANTIATE_TEST_SUITE_P(Angles, MovementSteering,
                          testing::Values(SteerCase{0, 0}, SteerCase{30, 86.6025F}, SteerCase{44, 144.8531F},
                                          SteerCase{45, 150}, SteerCase{60, 190.1923F}, SteerCase{88, 289.8770F},
                                          SteerCase{90, 300}));
 
 // With all decimals of pi the shares would be 144.8533 and 289.8773: tan 44 = 0.9656888, tan 43 = 0.9325151. The game's
-// pi is 2.654e-6 short, which takes 0.00019 and 0.00018 off them.
+// pi is 2.654e-6 too small, which lowers them by 0.00019 and 0.00018.
 TEST_F(Movement, Q237PiHasFiveDecimals) {
   steer(44, 1);
   player.move();
@@ -82,7 +83,7 @@ TEST_F(Movement, Q090SpeedIsTheSumOfBothAxes) {
   }
 }
 
-TEST_F(Movement, TheTwoRangesJoinAt45) {
+TEST_F(Movement, TwoRangesMeetAt45) {
   steer(44, 1);
   player.move();
   const float below = player.velocity.x;
@@ -108,7 +109,7 @@ TEST_F(Movement, Q092BeforeTheFirstPaintNothingSteers) {
 
 TEST_F(Movement, Q092SteersByThePreviousPaintsBearing) {
   modMain::world.mousePos = {5722 + 3000, 4560};
-  steer(0, 2);  // of an older mouse position
+  steer(0, 2);  // from an older mouse position
   player.move();
   EXPECT_LE(player.velocity.x, 0) << "the old bearing still steers";
   modMain::paintPointer();
@@ -116,7 +117,7 @@ TEST_F(Movement, Q092SteersByThePreviousPaintsBearing) {
   EXPECT_GT(player.velocity.x, 0);
 }
 
-TEST_F(Movement, FollowsTheMouseFromThePointerOn) {
+TEST_F(Movement, FollowsTheMouseThroughThePointer) {
   modMain::world.mousePos = {5722 + 3000, 4560 - 3000};
   modMain::paintPointer();
   EXPECT_EQ(modMain::world.steerAngle, 44) << "45 degrees are 43.75 of 350";
@@ -170,7 +171,7 @@ TEST_F(Movement, Q097AGhostFliesAtDoubleSpeed) {
   EXPECT_EQ(player.velocity, (Vector{300, -300})) << "600 in all, half on each axis";
   steer(0, 1);
   player.move();
-  EXPECT_EQ(player.velocity, (Vector{0, -300})) << "600 on one axis meets the clamp";
+  EXPECT_EQ(player.velocity, (Vector{0, -300})) << "600 on one axis is clamped";
 }
 
 TEST_F(Movement, TurboTriplesAndEscapesTheClamp) {
@@ -189,7 +190,7 @@ TEST_F(Movement, GhostAndTurboCombine) {
   EXPECT_EQ(player.velocity, (Vector{0, 1800}));
 }
 
-TEST_F(Movement, Q093TheClampHoldsTheDisplacementOfAFrame) {
+TEST_F(Movement, Q093TheClampLimitsAFramesDisplacement) {
   modMain::world.frameTime = 20;  // time scale 2
   steer(0, 1);
   player.move();
@@ -202,7 +203,7 @@ TEST_F(Movement, Q093TheClampHoldsTheDisplacementOfAFrame) {
   EXPECT_EQ(player.velocity, (Vector{0, 1800})) << "turbo alone is scaled in full";
 }
 
-TEST_F(Movement, TheClampHoldsEachAxisAndUnderTheBrakes) {
+TEST_F(Movement, ClampLimitsEachAxisEvenUnderTheBrakes) {
   player.breaksOn = true;
   player.velocity = {-500, 420};
   player.move();
@@ -300,11 +301,11 @@ TEST_F(Movement, WhileWaitingForTheFirstPositionTheCounterRunsAndNothingIsSent) 
   for (int frame = 0; frame < 3; ++frame) player.move();
   EXPECT_EQ(player.reportCounter, 3);
   player.move();
-  EXPECT_EQ(player.reportCounter, 0) << "reset in the fourth frame all the same";
+  EXPECT_EQ(player.reportCounter, 0) << "reset in the fourth frame anyway";
   EXPECT_TRUE(sentFrames().empty());
 }
 
-TEST_F(Movement, KeepsThePositionOfTheFrameBefore) {
+TEST_F(Movement, KeepsThePreviousFramesPosition) {
   steer(0, 4);
   player.move();
   EXPECT_EQ(player.lastPosition, (Vector{50000, 50000}));
@@ -317,7 +318,7 @@ struct EdgeCase {
 
 class MovementEdge : public Movement, public testing::WithParamInterface<EdgeCase> {};
 
-TEST_P(MovementEdge, Q094ThrowsThePlayerInward) {
+TEST_P(MovementEdge, Q094PlacesThePlayerFarInside) {
   const EdgeCase& edge = GetParam();
   player.powerups[turboSlot].active = true;  // no clamp
   steer(0, 0);                               // the velocity stands
@@ -364,7 +365,7 @@ TEST_F(Movement, LaysNoTail) {
   EXPECT_EQ(player.tailCount(), 0);
 }
 
-TEST_F(Movement, InitLeavesTheBrakesOnAndRespawnAndDeathFlagSetThem) {
+TEST_F(Movement, InitRespawnAndDeathPutTheBrakesOn) {
   player.breaksOn = false;
   player.init(redPlayer, -1, 7, "Ann");
   EXPECT_TRUE(player.breaksOn);

@@ -4,11 +4,11 @@
 
 #include "tests/support/gameTest.h"
 
-// An opponent's step and queue, and the traces of a ping.
+// An opponent's step and queue, and the effects of a ping.
 namespace kelvora {
 namespace {
 
-// The local player stands at (50000, 50000), so the canvas shows 44278 to 55723 across and 45440 to 54560 down.
+// The local player is at (50000, 50000), so the canvas shows 44278 to 55723 across and 45440 to 54560 down.
 class OpponentSteps : public GameTest {
  protected:
   OpponentSteps() {
@@ -24,18 +24,18 @@ class OpponentSteps : public GameTest {
 TEST_F(OpponentSteps, AnArrivalEndsTheStep) {
   bob().positionQueue = {{49800, 49900}, {49100, 47800}};
   bob().moveAsOpponent();
-  // Arrived, and from there a seventh of (-700, -2100).
+  // Arrives, then moves a seventh of (-700, -2100).
   EXPECT_EQ(bob().velocity, (Vector{-100, -300}));
   EXPECT_EQ(bob().position, (Vector{49700, 49600}));
 }
 
-TEST_F(OpponentSteps, TheReplayOffTheCanvasEndsTheStepToo) {
+TEST_F(OpponentSteps, OffCanvasReplayEndsTheStepToo) {
   bob().positionQueue = {{56000, 50000}, {53900, 47200}};
   bob().moveAsOpponent();
   EXPECT_EQ(bob().velocity, (Vector{-300, -400})) << "a seventh of (-2100, -2800)";
 }
 
-TEST_F(OpponentSteps, AZeroOnEitherAxisIsNotTrusted) {
+TEST_F(OpponentSteps, ZeroOnEitherAxisDiscardsTheStep) {
   for (const Vector step : {Vector{-30, 0}, Vector{0, -30}}) {
     bob().steering = true;
     bob().position = {50000, 50000};
@@ -46,15 +46,15 @@ TEST_F(OpponentSteps, AZeroOnEitherAxisIsNotTrusted) {
   }
 }
 
-TEST_F(OpponentSteps, BehindTheLastPointThereIsNoStep) {
+TEST_F(OpponentSteps, NoStepIsTakenAfterTheLastPoint) {
   bob().positionQueue = {{49800, 49900}};
   bob().moveAsOpponent();
   EXPECT_EQ(bob().position, (Vector{49800, 49900}));
   EXPECT_FALSE(bob().steering);
-  EXPECT_EQ(bob().velocity, (Vector{-30, -40})) << "it stays, and moves nobody";
+  EXPECT_EQ(bob().velocity, (Vector{-30, -40})) << "it stays, and nobody moves";
 }
 
-TEST_F(OpponentSteps, TheQueueOutlivesDeathRespawnAndDisconnection) {
+TEST_F(OpponentSteps, QueueSurvivesDeathRespawnAndDisconnection) {
   bob().positionQueue = {{49000, 49000}, {48000, 48000}};
   bob().die();
   bob().respawn();
@@ -75,10 +75,10 @@ TEST_F(OpponentSteps, ANewLoginKeepsQueueAndTail) {
 TEST_F(OpponentSteps, ASelfCaptureKillsBeforeItCounts) {
   serverSends(wire::msgTailCapture, {"8", "8", "1", "1"});
   EXPECT_EQ(bob().captureCount(), 1);
-  EXPECT_EQ(modMain::world.explosionCount, 0) << "nobody was captured yet when he died";
+  EXPECT_EQ(modMain::world.explosionCount, 0) << "nobody had been captured when Bob died";
 }
 
-TEST_F(OpponentSteps, AWaitingCaptureOutlivesADisconnection) {
+TEST_F(OpponentSteps, PendingCaptureSurvivesADisconnection) {
   modMain::world.localPlayer.addTail({300, 300});
   serverSends(wire::msgTailCapture, {"7", "8", "300", "300"});
   netMan::disconnectFromServer();
@@ -100,7 +100,7 @@ TEST_F(OpponentSteps, APingsValueIsRoundedToEven) {
   EXPECT_EQ(modMain::world.localPlayer.clockOffset, 2998.0F);
 }
 
-TEST_F(OpponentSteps, Q260TheOwnVelocityIsNeverSent) {
+TEST_F(OpponentSteps, Q260TheLocalVelocityIsNeverSent) {
   modMain::world.localPlayer.breaksOn = false;
   modMain::world.mousePos = {5722, 0};
   modMain::world.steerAngle = 45;
@@ -123,7 +123,7 @@ TEST_F(OpponentSteps, Q261TheClockDifferenceChangesNothing) {
   forgetSent();
   modMain::world.localPlayer.clockOffset = -5;
   serverSends(wire::msgPing, {"-2000000000"});
-  EXPECT_EQ(sentFrames(), reply) << "the own time, whatever the server's is";
+  EXPECT_EQ(sentFrames(), reply) << "the client's own time, whatever the server's";
   EXPECT_EQ(modMain::world.localPlayer.clockOffset, 2000004000.0F);
 }
 

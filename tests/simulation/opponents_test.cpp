@@ -7,7 +7,7 @@
 namespace kelvora {
 namespace {
 
-// The local player stands at (50000, 50000), so the canvas shows 44278 to 55723 across and 45440 to 54560 down.
+// The local player is at (50000, 50000), so the canvas shows 44278 to 55723 across and 45440 to 54560 down.
 class Opponents : public GameTest {
  protected:
   Opponents() {
@@ -37,7 +37,7 @@ TEST_F(Opponents, TheFirstPositionPlacesWithoutGlideOrTail) {
   EXPECT_EQ(other().tailCount(), 0);
 }
 
-TEST_F(Opponents, PositionsOutsideTheWorldAreDroppedAndTheBoundsTaken) {
+TEST_F(Opponents, PositionsOutsideTheWorldAreDroppedButItsEdgesAccepted) {
   for (const Vector outside : {Vector{-1, 5}, Vector{5, -1}, Vector{100001, 5}, Vector{5, 100001}}) {
     other().queuePosition(outside);
   }
@@ -62,7 +62,7 @@ TEST_F(Opponents, AnEmptyQueueStandsStillAtAnyVelocity) {
   EXPECT_EQ(other().velocity, (Vector{20, 30}));
 }
 
-TEST_F(Opponents, GlidesASeventhOfTheWayAFrame) {
+TEST_F(Opponents, GlidesASeventhOfTheWayPerFrame) {
   other().queuePosition({50700, 51400});
   other().moveAsOpponent();
   EXPECT_EQ(other().velocity, (Vector{100, 200}));
@@ -81,7 +81,7 @@ TEST_F(Opponents, ATargetNearerThan500IsReachedAtOnce) {
   EXPECT_EQ(other().positionQueueCount(), 0);
 }
 
-TEST_F(Opponents, ATargetExactly500AwayIsGlidedTo) {
+TEST_F(Opponents, GlidesToATargetExactly500Away) {
   other().queuePosition({50300, 50400});
   other().moveAsOpponent();
   EXPECT_EQ(other().positionQueueCount(), 1);
@@ -89,7 +89,7 @@ TEST_F(Opponents, ATargetExactly500AwayIsGlidedTo) {
   EXPECT_NEAR(other().position.y, 50057.143, 0.01);
 }
 
-TEST_F(Opponents, AfterAnArrivalTheNextTargetIsGlidedToInTheSameFrame) {
+TEST_F(Opponents, GlidesToTheNextTargetInTheFrameOfAnArrival) {
   other().queuePosition({50100, 50100});
   other().queuePosition({50800, 51500});
   other().moveAsOpponent();
@@ -107,7 +107,7 @@ TEST_F(Opponents, ATargetAbove10000JumpsAndLaysOneVertex) {
   EXPECT_EQ(other().positionQueueCount(), 0);
 }
 
-TEST_F(Opponents, ATargetExactly10000AwayIsGlidedTo) {
+TEST_F(Opponents, GlidesToATargetExactly10000Away) {
   other().position = {44000, 58000};
   other().queuePosition({50000, 50000});
   other().moveAsOpponent();
@@ -129,7 +129,7 @@ TEST_F(Opponents, Q115AJumpKeepsTheStepForTheNextTarget) {
   EXPECT_EQ(other().position, (Vector{50800, 51600})) << "away from the target, with the old step";
 }
 
-TEST_F(Opponents, OffTheCanvasTheWholeQueueIsTakenInOneFrame) {
+TEST_F(Opponents, OffTheCanvasTheWholeQueueIsReachedInOneFrame) {
   other().queuePosition({10000, 10000});
   other().queuePosition({10300, 10000});
   other().queuePosition({30000, 90000});
@@ -226,7 +226,7 @@ TEST_F(Opponents, TheFarEdgesStopAsWell) {
 }
 
 // A step to one unit beyond an edge is stopped, one to the edge itself is not.
-TEST_F(Opponents, TheEdgeItselfBelongsToTheWorld) {
+TEST_F(Opponents, WorldIncludesItsEdge) {
   const auto stepTo = [this](Vector point, Vector velocity) {
     modMain::world.localPlayer.position = point;
     other().position = {point.x - velocity.x, point.y - velocity.y};

@@ -24,7 +24,7 @@ class Survival : public GameTest {
     modMain::world.survivalMode = true;
   }
 
-  /// A particle of the background so far from the player.
+  /// Adds a background particle at this offset from the player.
   static void addParticle(float dx, float dy) {
     addTo(modMain::world.particles, dx, dy), ++modMain::world.particleCount;
   }
@@ -45,7 +45,7 @@ TEST_F(Survival, ThePlayerIsAsWideAsACellOfTheSheet) {
   EXPECT_EQ(player.getWidth(), 736) << "the first sheet's, whatever the colour";
 }
 
-TEST_F(Survival, AParticleAtHalfTheWidthEndsTheRun) {
+TEST_F(Survival, ParticleAtHalfTheWidthEndsTheRun) {
   modMain::world.survivalMaxDistance = 1234.5F;
   addParticle(367.5F, 0);
   modMain::checkSurvival();
@@ -76,7 +76,7 @@ TEST_F(Survival, DistanceIsMeasuredInEveryDirection) {
   }
 }
 
-TEST_F(Survival, Q151TwoParticlesTellTheRecordTwice) {
+TEST_F(Survival, Q151TwoParticlesReportTheRecordTwice) {
   addParticle(100, 0);
   addParticle(5000, 0);
   addParticle(0, -100);
@@ -92,22 +92,22 @@ TEST_F(Survival, OnlyTheBackgroundTouches) {
   modMain::world.explosionCount = 1;
   addTo(modMain::world.netParticles, 0, 0);
   modMain::world.netParticleCount = 1;
-  addTo(modMain::world.particles, 0, 0);  // behind the pool's count
+  addTo(modMain::world.particles, 0, 0);  // beyond the pool's count
   player.move();
   EXPECT_TRUE(modMain::isSurvivalMode());
 }
 
-TEST_F(Survival, MoveLooksBeforeTheStepAndAfterTheLastPosition) {
+TEST_F(Survival, MoveChecksBeforeTheStepAndAfterStoringTheLastPosition) {
   modMain::world.mousePos = {5722, 0};
   modMain::world.steerAngle = 0;
   modMain::world.steerQuadrant = 1;  // 300 up
-  addParticle(0, 400);               // 400 away before the step, 700 behind it
+  addParticle(0, 400);               // 400 away before the step, 700 after it
   player.move();
   EXPECT_TRUE(modMain::isSurvivalMode());
   EXPECT_EQ(player.position, (Vector{50000, 49700}));
   player.position = {50000, 50100};
   player.move();
-  EXPECT_FALSE(modMain::isSurvivalMode()) << "300 away before the step, 600 behind it";
+  EXPECT_FALSE(modMain::isSurvivalMode()) << "300 away before the step, 600 after it";
   EXPECT_EQ(player.lastPosition, (Vector{50000, 50100}));
   EXPECT_EQ(player.position, (Vector{50000, 49800}));
 }

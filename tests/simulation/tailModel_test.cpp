@@ -1,4 +1,4 @@
-// Tails and queues of positions against twins that do literally what the rules say, for thousands of random lives.
+// Compares tails and position queues with twins that follow the rules literally, for thousands of random lives.
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 namespace kelvora {
 namespace {
 
-/// A tail in arrays that grow by one slot at a time, rebuilt whole at each removal.
+/// A tail in arrays that grow slot by slot and are copied whole at each removal.
 class LiteralTail {
  public:
   struct Vertex {
@@ -68,7 +68,7 @@ class LiteralTail {
     return -1;
   }
 
-  /// How far the clock has moved on by what the pass itself took, if each end of a vertex takes so long.
+  /// How far the clock has advanced during the pass, if each expiry of a vertex takes this long.
   Tick moved() const { return msForEachEnd * ended; }
 
   std::vector<Vertex> tails;
@@ -99,7 +99,7 @@ class LiteralTail {
   }
 };
 
-/// A machine on which the end of a vertex takes time.
+/// A machine on which a vertex's expiry takes time.
 class SlowMachine : public HeadlessBackend {
  public:
   Tick tickCount() override {
@@ -107,7 +107,7 @@ class SlowMachine : public HeadlessBackend {
   }
 
   Tick msForEachEnd = 0;
-  Tick vertices = 0;  ///< laid and not killed by hand
+  Tick vertices = 0;  ///< laid and not killed explicitly
 };
 
 class TailModel : public GameTest {
@@ -134,8 +134,8 @@ class TailModel : public GameTest {
   clsPlayer& player = modMain::world.localPlayer;
 };
 
-TEST_F(TailModel, ThousandsOfLivesGoAsInTheLiteralTail) {
-  frmMain->clientResized(2'500, 2'500);  // a small picture, since each pass of ageing paints
+TEST_F(TailModel, MatchesTheReferenceTailForThousandsOfLives) {
+  frmMain->clientResized(2'500, 2'500);  // a small picture, because each ageing pass paints
   double ended = 0;
   for (std::uint32_t seed = 1; seed <= 2'000; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -189,10 +189,10 @@ TEST_F(TailModel, ThousandsOfLivesGoAsInTheLiteralTail) {
     installBackend(&machine);
     ended += static_cast<double>(literal.ended);
   }
-  EXPECT_GT(ended, 5'000) << "many vertices have come to their end";
+  EXPECT_GT(ended, 5'000) << "many vertices have expired";
 }
 
-/// An opponent's way through the position queue, in arrays that are rebuilt entry by entry.
+/// An opponent's path through the position queue, in arrays that are rebuilt entry by entry.
 class LiteralOpponent {
  public:
   void queuePosition(Vector p) {
@@ -286,14 +286,14 @@ class LiteralOpponent {
 
 class PositionQueueModel : public GameTest {};
 
-TEST_F(PositionQueueModel, ThousandsOfWaysGoAsInTheLiteralQueue) {
+TEST_F(PositionQueueModel, MatchesTheReferenceQueueForThousandsOfPaths) {
   login();
   std::size_t laid = 0;
   for (std::uint32_t seed = 1; seed <= 3'000; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     const auto below = [&](int limit) { return std::uniform_int_distribution(0, limit - 1)(random); };
-    // The local player, whom the picture follows, stands anywhere, at an edge too.
+    // The local player, at the centre of the view, can be anywhere, even at an edge.
     modMain::world.localPlayer.position = {static_cast<float>(below(11) * 10'000),
                                            static_cast<float>(below(11) * 10'000)};
     modMain::world.frameTime = below(3) * 6;

@@ -15,11 +15,11 @@ class Tails : public GameTest {
     player.alive = true;
     player.position = {50000, 50000};
   }
-  /// A vertex for each coordinate, at (x, 0).
+  /// Lays a vertex at (x, 0) for each coordinate.
   void lay(std::initializer_list<int> xs) {
     for (const int x : xs) player.addTail({static_cast<float>(x), 0});
   }
-  /// One painted frame's pass; painting is what ages a tail.
+  /// Runs the ageing pass of one painted frame.
   void pass(Tick ms = 0) {
     tick(ms);
     player.paintSelf();
@@ -39,7 +39,7 @@ class Tails : public GameTest {
   clsPlayer& player = modMain::world.localPlayer;
 };
 
-TEST_F(Tails, AVertexIsNewAndKnowsItsPlace) {
+TEST_F(Tails, NewVertexHasAgeZeroAndItsPosition) {
   lay({1, 2});
   ASSERT_EQ(player.tailCount(), 2);
   EXPECT_EQ(player.tails[1].num(), 1);
@@ -59,7 +59,7 @@ TEST_F(Tails, KillerAndIsLongChangeNothing) {
   EXPECT_EQ(vertex.getAge(), 0);
 }
 
-TEST_F(Tails, TheIdHasOwnerTimerAndADrawnNumber) {
+TEST_F(Tails, IdHasOwnerTimeAndARandomNumber) {
   machine.seconds = 1234.5;
   machine.scriptedDraws = {0.0F, 0.5F, 0.99999994F};
   lay({1, 2, 3});
@@ -97,7 +97,7 @@ TEST_F(Tails, AVertexUnderTheChargedTailStaysCharged) {
 TEST_F(Tails, Q227TheServersEchoGrowsTheLocalTailAndMovesNothing) {
   login(0, 7, 50000, 50000);
   serverSends(wire::msgPosition, {"7", "50000", "50000"});
-  EXPECT_EQ(player.tailCount(), 0) << "equal to the position: nothing";
+  EXPECT_EQ(player.tailCount(), 0) << "equal to the position: no vertex";
   serverSends(wire::msgPosition, {"7", "50000", "50100"});
   ASSERT_EQ(player.tailCount(), 1);
   EXPECT_EQ(player.tails[0].getPosition(), (Vector{50000, 50100}));
@@ -105,7 +105,7 @@ TEST_F(Tails, Q227TheServersEchoGrowsTheLocalTailAndMovesNothing) {
   EXPECT_EQ(player.positionQueueCount(), 0);
   player.breaksOn = false;
   modMain::runFrame();
-  EXPECT_EQ(player.tailCount(), 1) << "a frame of his own lays none";
+  EXPECT_EQ(player.tailCount(), 1) << "a frame of the local player lays none";
 }
 
 TEST_F(Tails, Q228ADepartedPlayersTailStaysFrozen) {
@@ -127,7 +127,7 @@ TEST_F(Tails, Q228ADepartedPlayersTailStaysFrozen) {
   EXPECT_EQ(bob.tails[0].getAge(), age);
 }
 
-TEST_F(Tails, Q101TheFirstPassOnlySetsTheTicksAndTheSecondStampsTheVertices) {
+TEST_F(Tails, Q101TheFirstPassOnlySetsThePlayersTickAndTheSecondStampsTheVertices) {
   lay({1});
   pass(500);
   EXPECT_EQ(player.lastAgeTick, machine.ticks);
@@ -159,10 +159,10 @@ TEST_F(Tails, Q101APauseAbove32SecondsCostsNoAge) {
   pass(32001);
   EXPECT_EQ(ageOf(0), 10);
   pass(50);
-  EXPECT_EQ(ageOf(0), 15) << "the tick was moved on";
+  EXPECT_EQ(ageOf(0), 15) << "the tick has advanced";
 }
 
-TEST_F(Tails, APauseOf32SecondsEndsTheVertex) {
+TEST_F(Tails, PauseOf32SecondsExpiresTheVertex) {
   lay({1});
   pass();
   pass(10);
@@ -186,7 +186,7 @@ TEST_F(Tails, Q102UpToTenMillisecondsWaitForALaterStep) {
   EXPECT_EQ(ageOf(0), 7) << "2.5 to even";
 }
 
-TEST_F(Tails, AVertexEndsAbove200) {
+TEST_F(Tails, VertexExpiresAboveAge200) {
   lay({1});
   pass();
   pass(10);
@@ -199,7 +199,7 @@ TEST_F(Tails, AVertexEndsAbove200) {
   EXPECT_EQ(player.tailCount(), 0);
 }
 
-TEST_F(Tails, NoPassAtTheTickOfTheLastOne) {
+TEST_F(Tails, NoSecondPassAtTheSameTick) {
   lay({1});
   pass();
   pass(10);
@@ -223,10 +223,10 @@ TEST_F(Tails, Q100TheTimeOfAnExtendedTailCountsWhenItEnds) {
   EXPECT_EQ(player.lastAgeTick, before);
   player.powerups[extendedTailSlot].active = false;
   pass(1);
-  EXPECT_EQ(player.tailCount(), 0) << "the vertices' own ticks stood as well: 5001 ms at once";
+  EXPECT_EQ(player.tailCount(), 0) << "the vertices' own ticks stopped as well: 5001 ms at once";
 }
 
-TEST_F(Tails, AShortExtendedTailAgesOnFromWhereItStood) {
+TEST_F(Tails, ShortExtendedTailContinuesAgeingWhereItStopped) {
   lay({1});
   pass();
   pass(10);
@@ -239,7 +239,7 @@ TEST_F(Tails, AShortExtendedTailAgesOnFromWhereItStood) {
   EXPECT_EQ(ageOf(0), 90);
 }
 
-TEST_F(Tails, AnEmptyTailDoesNotTouchThePassesTick) {
+TEST_F(Tails, EmptyTailKeepsTheTickOfTheLastPass) {
   pass(100);
   EXPECT_EQ(player.lastAgeTick, 0);
 }
@@ -275,7 +275,7 @@ TEST_F(Tails, KillTailKeepsOrderAndNumbersAtAnyPosition) {
   }
 }
 
-TEST_F(Tails, KillTailOfANumberThatIsNobodysChangesNothing) {
+TEST_F(Tails, KillTailOfAnUnknownNumberChangesNothing) {
   lay({1, 2});
   for (const double num : {-1.0, 2.0, 0.5, 1e300}) {
     player.killTail(num);
@@ -284,7 +284,7 @@ TEST_F(Tails, KillTailOfANumberThatIsNobodysChangesNothing) {
   }
 }
 
-TEST_F(Tails, NumbersAreTheIndexesAlsoInAnOpponentsTail) {
+TEST_F(Tails, NumbersAreTheIndexesEvenInAnOpponentsTail) {
   modMain::world.opponents.resize(2);
   modMain::world.opponentCount = 2;
   clsPlayer& opponent = modMain::world.opponents[1];
@@ -316,16 +316,16 @@ TEST_F(Tails, APositionIsFoundByItsExactCoordinates) {
   EXPECT_EQ(player.getTailNumByPos({2, 0}), -1);
 }
 
-// Three vertices of different age end in one pass, one of them in the middle: starting over at the oldest after each
-// must leave the others as one step has left them.
-TEST_F(Tails, StartingOverAfterARemovalAgesNobodyTwice) {
+// Three vertices of different ages expire in one pass, one of them in the middle. Starting over at the oldest after
+// each must leave the others as if stepped once.
+TEST_F(Tails, StartingOverAfterARemovalAgesNoVertexTwice) {
   lay({1, 2, 3, 4});
   pass();
   pass(10);
   pass(1500);
   for (std::size_t i = 0; i < 4; ++i) ASSERT_EQ(ageOf(i), 150);
   lay({5, 6});
-  pass(100);  // 160, and 5 and 6 are stamped
+  pass(100);  // 160; 5 and 6 are stamped
   player.killTail(1);
   pass(405);
   // 160 + round(40.5 to even) = 200: alive. 5 and 6 have 40.
@@ -337,18 +337,18 @@ TEST_F(Tails, StartingOverAfterARemovalAgesNobodyTwice) {
   expectNumbersAreIndexes();
 }
 
-// A clock that moves while the pass runs: 11 ms with every reading.
+// A clock that advances by 11 ms with every reading during the pass.
 class RunningClock : public HeadlessBackend {
  public:
   Tick tickCount() override { return ticks += 11; }
 };
 
-TEST_F(Tails, StartingOverIsRealWhenTheClockHasMoved) {
+TEST_F(Tails, StartsOverIfTheClockHasMoved) {
   lay({1, 2});
   pass();
   pass(5);
   pass(1000);
-  player.tails[0] = {};  // the first is one that has lived less
+  player.tails[0] = {};  // the first vertex is younger
   player.tails[0].initTail(0, -1, {1, 0});
   pass(900);
   ASSERT_EQ(ageOf(0), 0) << "stamped now";
@@ -361,14 +361,14 @@ TEST_F(Tails, StartingOverIsRealWhenTheClockHasMoved) {
   player.paintSelf();
   installBackend(&machine);
   ASSERT_EQ(xs(), (std::vector<int>{1}));
-  // Readings: the pass 120, the first vertex 131 (13), the second 142 (it ends), the check 153, the first again 164: 33
-  // ms.
+  // Readings: the pass 120, the first vertex 131 (13), the second 142 (it expires), the check 153, the first again 164:
+  // 33 ms.
   EXPECT_EQ(ageOf(0), 16);
   expectNumbersAreIndexes();
 }
 
 // Both the removal and the pass would take minutes if the cost were quadratic.
-TEST_F(Tails, AHundredThousandVerticesEndInOnePass) {
+TEST_F(Tails, AHundredThousandVerticesExpireInOnePass) {
   for (int i = 0; i < 100000; ++i) player.addTail({-90000, 0});
   pass();
   pass(10);

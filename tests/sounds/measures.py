@@ -1,4 +1,4 @@
-"""What can be measured of the game's sounds: loudness, spectrum, tempo, key, and how an end meets its beginning."""
+"""Measurements of the game's sounds: loudness, spectrum, tempo, key, and how well an end meets its beginning."""
 
 import pathlib
 import subprocess
@@ -17,13 +17,13 @@ RATE = 44100
 
 
 def effect(name):
-    """Samples of a wave file of one channel, full scale at 1."""
+    """The samples of a mono wave file, full scale at 1."""
     with wave.open(str(SOUNDS / f"{name}.wav")) as file:
         return np.frombuffer(file.readframes(file.getnframes()), "<i2") / 32768
 
 
 def music(name):
-    """The decoded piece as two rows, full scale at 1. The encoder's padding is left out as the file's head says."""
+    """The decoded piece as two rows, full scale at 1, without the encoder's padding, which the file's header states."""
     command = ["mpg123", "-q", "-s", "-e", "f32", "--stereo", "-r", str(RATE), str(SOUNDS / f"{name}.mp3")]
     raw = subprocess.run(command, check=True, capture_output=True, timeout=60).stdout
     return np.frombuffer(raw, "<f4").reshape(-1, 2).T.astype(float)
@@ -38,7 +38,7 @@ def peak(samples):
 
 
 def crest(samples):
-    """How far the peak lies above the mean, in dB."""
+    """How far the peak is above the mean, in dB."""
     return dB(np.max(np.abs(samples)) / np.sqrt(np.mean(samples**2)))
 
 
@@ -49,14 +49,14 @@ def _frames(samples, size, hop):
 
 
 def centroid(samples):
-    """Where the middle of the spectrum's amplitude lies, in Hz."""
+    """The centroid of the amplitude spectrum, in Hz."""
     size = np.abs(np.fft.rfft(samples))
     return np.sum(size * np.fft.rfftfreq(len(samples), 1 / RATE)) / np.sum(size)
 
 
 def shape(samples, slices=12, bands=16):
-    """A coarse spectrogram in dB, 40 dB deep: time in slices of 100 ms, frequency in bands from 80 Hz to 8 kHz. Its
-    mean level is left out, so that what is merely louder has the same shape."""
+    """A coarse spectrogram in dB, 40 dB deep: time in slices of 100 ms, frequency in bands from 80 Hz to 8 kHz. The
+    mean level is removed, so that a louder sound has the same shape."""
     frames = np.abs(np.fft.rfft(_frames(samples, 2048, 441)))**2
     bins = np.fft.rfftfreq(2048, 1 / RATE)
     edges = np.geomspace(80, 8000, bands + 1)
@@ -69,12 +69,12 @@ def shape(samples, slices=12, bands=16):
 
 
 def distance(one, other):
-    """Of two sounds: the root mean square difference of their shapes, in dB."""
+    """The distance between two sounds: the root mean square difference of their shapes, in dB."""
     return np.sqrt(np.mean((shape(one) - shape(other)) ** 2))
 
 
 def levels(samples, length):
-    """Root mean square of every stretch of a length in seconds, in dB; the last one may be shorter."""
+    """The root mean square of every stretch of this length in seconds, in dB. The last one may be shorter."""
     mono = np.mean(np.atleast_2d(samples) ** 2, axis=0)
     width = int(length * RATE)
     return np.array([10 * np.log10(max(np.mean(mono[start:start + width]), 1e-12))
@@ -82,19 +82,19 @@ def levels(samples, length):
 
 
 def joined(samples, around=0.5):
-    """The end followed by the beginning, as a player that repeats the piece sounds them."""
+    """The end followed by the beginning, as heard when a player repeats the piece."""
     count = int(around * RATE)
     return np.concatenate([samples[:, -count:], samples[:, :count]], axis=1)
 
 
 def onsets(samples, hop=256):
-    """How much louder it gets in each moment, over all frequencies."""
+    """How much louder it gets at each moment, over all frequencies."""
     frames = np.log1p(100 * np.abs(np.fft.rfft(_frames(samples.mean(axis=0), 1024, hop))))
     return np.maximum(np.diff(frames, axis=0), 0).sum(axis=1)
 
 
 def pulse(flow, tempo, hop=256):
-    """How much of the onsets comes back after 1, 2, 3, 4, 6 and 8 beats of a tempo, on the average: 1 is all."""
+    """How much the onsets repeat after 1, 2, 3, 4, 6 and 8 beats of a tempo, on average. 1 is a perfect repetition."""
     flow = flow - flow.mean()
     size = 1 << (2 * len(flow)).bit_length()
     echo = np.fft.irfft(np.abs(np.fft.rfft(flow, size)) ** 2)[:len(flow)]
@@ -103,8 +103,8 @@ def pulse(flow, tempo, hop=256):
 
 
 def chroma(samples):
-    """The share of each of the twelve pitch classes, c first, in the tones between 100 and 1000 Hz: the tops of the
-    spectrum that stand within 30 dB of its highest one, every moment counting alike."""
+    """The share of each of the twelve pitch classes, starting with c, in the tones between 100 and 1000 Hz: the peaks
+    within 30 dB of the spectrum's maximum, with equal weight for every moment."""
     frames = np.abs(np.fft.rfft(_frames(samples.mean(axis=0), 16384, 8192)))**2
     bins = np.fft.rfftfreq(16384, 1 / RATE)
     first, last = np.searchsorted(bins, (100, 1000))

@@ -1,4 +1,4 @@
-"""The nine effects: their files, how loud and how clean they are, and that each has the shape of what it means."""
+"""The nine effects: their files, how loud and clean they are, and that each has the shape of its meaning."""
 
 import itertools
 import pathlib
@@ -20,11 +20,11 @@ class Measured(unittest.TestCase):
         cls.sounds = {name: effect(name) for name in EFFECTS}
 
     def part(self, name, first, last):
-        """From one second to another."""
+        """The samples from one second to another."""
         return self.sounds[name][int(first * RATE):int(last * RATE)]
 
     def height(self, name, first, last):
-        """Where the middle of the spectrum lies in a part, in Hz."""
+        """The centroid of the spectrum in a part, in Hz."""
         samples = self.part(name, first, last)
         return measures.centroid(samples * np.hanning(len(samples)))
 
@@ -38,7 +38,7 @@ class Measured(unittest.TestCase):
 
 
 class TheMeter(unittest.TestCase):
-    def test_hears_the_standards_tone_as_the_standard_says(self):
+    def test_measures_the_standards_tone_correctly(self):
         # A tone of 997 Hz at full scale on one channel is -3.01 LUFS; of -23 dBFS on both channels -23 LUFS.
         tone = np.sin(2 * np.pi * 997 * synth.seconds(5))
         self.assertAlmostEqual(loudness.integrated(tone), -3.01, delta=0.1)
@@ -56,12 +56,12 @@ class Files(Measured):
                "puTurbo": (0.5, 1.5), "puChargedTail": (0.5, 1.5), "puLongTail": (0.5, 1.5), "puLaser": (0.3, 1),
                "puMissile": (0.8, 2)}
 
-    def test_are_these_fifteen_and_small(self):
+    def test_are_exactly_these_and_small(self):
         expected = {f"{name}.wav" for name in EFFECTS} | {f"{name}.mp3" for name in measures.MUSIC}
         self.assertEqual({path.name for path in measures.SOUNDS.iterdir()}, expected)
         self.assertLess(sum(path.stat().st_size for path in measures.SOUNDS.iterdir()), 8_000_000)
 
-    def test_hold_one_channel_of_16_bits_at_44100(self):
+    def test_have_one_channel_of_16_bits_at_44100(self):
         for name in EFFECTS:
             with self.subTest(name), wave.open(str(measures.SOUNDS / f"{name}.wav")) as file:
                 self.assertEqual((file.getnchannels(), file.getsampwidth(), file.getframerate()), (1, 2, 44100))
@@ -74,14 +74,14 @@ class Files(Measured):
                 self.assertLessEqual(len(samples) / RATE, longest)
 
     def test_match_the_programs_output(self):
-        # One step of 16 bits may differ where another version of the mathematics rounds otherwise.
+        # Samples may differ by one step of 16 bits where another version of the mathematics library rounds differently.
         for name, samples in effects.all_effects():
             with self.subTest(name):
                 made = np.round(np.clip(samples, -1, 1) * 32767)
                 self.assertEqual(len(made), len(self.sounds[name]))
                 self.assertLessEqual(np.max(np.abs(made - self.sounds[name] * 32768)), 1)
 
-    def test_come_out_of_the_program_the_same_byte_for_byte(self):
+    def test_are_generated_identically_every_time(self):
         with tempfile.TemporaryDirectory() as folder:
             for name in ("capture", "puMissile"):
                 contents = []
@@ -93,28 +93,28 @@ class Files(Measured):
 
 
 class Levels(Measured):
-    # Loudest tenth of a second in LUFS: what is heard often lies lower than what decides a round.
+    # The loudest tenth of a second in LUFS. Frequent sounds are quieter than those that decide a round.
     HEARD = {"bounce": -17, "error": -16, "puShield": -15, "puTurbo": -14.5, "puChargedTail": -15, "puLongTail": -15,
              "puLaser": -14.5, "capture": -13.5, "puMissile": -13.5}
 
-    def test_are_heard_as_loud_as_their_kind_should(self):
+    def test_have_the_loudness_of_their_kind(self):
         for name, samples in self.sounds.items():
             with self.subTest(name):
                 self.assertAlmostEqual(loudness.loudest(samples), self.HEARD[name], delta=0.5)
 
-    def test_stay_five_below_full_scale(self):
+    def test_peak_five_decibels_below_full_scale(self):
         for name, samples in self.sounds.items():
             with self.subTest(name):
                 self.assertLessEqual(measures.peak(samples), -5)
 
-    def test_are_nowhere_flattened(self):
+    def test_are_not_clipped_anywhere(self):
         for name, samples in self.sounds.items():
             with self.subTest(name):
                 top = np.abs(samples) > 0.999 * np.max(np.abs(samples))
                 longest = max((len(list(run)) for high, run in itertools.groupby(top) if high), default=0)
                 self.assertLess(longest, 12, "a quarter of a millisecond at the very top")
 
-    def test_carry_no_direct_current(self):
+    def test_have_no_dc_offset(self):
         for name, samples in self.sounds.items():
             with self.subTest(name):
                 self.assertLess(abs(np.mean(samples)), 1e-4)
@@ -127,14 +127,14 @@ class Levels(Measured):
                 self.assertLess(np.max(np.abs(samples[:10])), 0.05)
                 self.assertLess(measures.peak(samples[-RATE // 500:]), -60, "the last two milliseconds")
 
-    def test_are_heard_within_fifty_milliseconds(self):
+    def test_are_audible_within_fifty_milliseconds(self):
         for name, samples in self.sounds.items():
             with self.subTest(name):
                 self.assertLess(np.argmax(np.abs(samples) > 0.02) / RATE, 0.05)
 
 
 class Kinds(Measured):
-    def test_differ_by_eight_decibels_of_spectrogram(self):
+    def test_have_spectrograms_that_differ_by_eight_decibels(self):
         for one, other in itertools.combinations(EFFECTS, 2):
             with self.subTest(f"{one} {other}"):
                 self.assertGreater(measures.distance(self.sounds[one], self.sounds[other]), 8)
@@ -147,7 +147,7 @@ class Kinds(Measured):
                 likeness = np.max(np.abs(np.fft.irfft(spectra[one] * spectra[other].conj())))
                 self.assertLess(likeness, 0.4)
 
-    def test_distance_takes_the_same_sound_for_the_same_however_loud(self):
+    def test_distance_ignores_the_loudness(self):
         self.assertLess(measures.distance(self.sounds["error"], 0.5 * self.sounds["error"]), 0.01)
 
     def test_bounce_springs_up_and_is_the_shortest(self):
@@ -162,7 +162,7 @@ class Kinds(Measured):
         for tone, expected in zip(fall, (1174.7, 880.0, 698.5, 587.3)):
             self.assertAlmostEqual(tone, expected, delta=25)
 
-    def test_error_is_two_low_notes_downwards(self):
+    def test_error_is_two_low_descending_notes(self):
         # b3 and f3, an augmented fourth apart
         self.assertAlmostEqual(self.strongest("error", 0.03, 0.15), 246.9, delta=6)
         self.assertAlmostEqual(self.strongest("error", 0.2, 0.4), 174.6, delta=6)
@@ -188,7 +188,7 @@ class Kinds(Measured):
         steps = np.sqrt(np.mean(sparks[:len(sparks) // 220 * 220].reshape(-1, 220) ** 2, axis=1))
         self.assertGreater(np.max(steps), 4 * np.median(steps), "sparks stand out")
 
-    def test_long_tail_is_drawn_up_and_leaves_echoes(self):
+    def test_long_tail_glides_up_and_leaves_echoes(self):
         # From a3 up by 19 semitones to e5.
         self.assertLess(self.strongest("puLongTail", 0.05, 0.2, 150, 420), 260)
         self.assertAlmostEqual(self.strongest("puLongTail", 0.9, 1.1), 657, delta=20)

@@ -1,4 +1,4 @@
-"""The six pieces of music, decoded: whole bars, one loudness, an end that meets the beginning, and six moods."""
+"""The six pieces of music, decoded: whole bars, equal loudness, an end that leads into the beginning, and six moods."""
 
 import itertools
 import re
@@ -12,7 +12,7 @@ from measures import EFFECTS, MUSIC, RATE
 from sounds import loudness
 from sounds.theory import Chord, note, tune, voiced
 
-# Tempo, beats to the bar, bars, and the seven notes of the scale by the major one that has them.
+# Tempo, beats per bar, bars, and the seven notes of the scale, named by the major scale that has them.
 PIECES = {
     "music1": (120, 4, 36, "C"),  # a minor
     "music2": (96, 4, 28, "A"),  # d lydian
@@ -25,7 +25,7 @@ MAJOR = (0, 2, 4, 5, 7, 9, 11)
 
 
 class Decoded(unittest.TestCase):
-    """Every piece is decoded once, and its notes are found once."""
+    """Decodes every piece once and finds its notes once."""
 
     pieces, shares = {}, {}
 
@@ -45,7 +45,7 @@ class Files(Decoded):
                 self.assertEqual(head[0], 0xFF)
                 self.assertEqual(head[1], 0xFB, "MPEG 1, layer 3, no checksum")
                 self.assertEqual((head[2] >> 2) & 3, 0, "44100 Hz")
-                self.assertEqual(head[36:40], b"Xing", "the head that tells a decoder what is padding")
+                self.assertEqual(head[36:40], b"Xing", "the header that tells a decoder about the padding")
                 self.assertLess(len(head), 1_200_000)
 
     def test_last_a_minute_and_a_whole_number_of_bars(self):
@@ -57,7 +57,7 @@ class Files(Decoded):
 
 
 class Levels(Decoded):
-    def test_are_of_one_loudness(self):
+    def test_have_equal_loudness(self):
         for name, samples in self.pieces.items():
             with self.subTest(name):
                 self.assertAlmostEqual(loudness.integrated(samples), -21, delta=0.2)
@@ -73,7 +73,7 @@ class Levels(Decoded):
             with self.subTest(name):
                 self.assertGreater(np.min(measures.levels(samples, 0.05)), -50)
 
-    def test_carry_no_direct_current(self):
+    def test_have_no_dc_offset(self):
         for name, samples in self.pieces.items():
             with self.subTest(name):
                 self.assertLess(np.max(np.abs(samples.mean(axis=1))), 1e-4)
@@ -86,14 +86,14 @@ class Levels(Decoded):
                 sections = [loudness.integrated(samples[:, start:start + width])
                             for start in range(0, samples.shape[1] - width // 2, width)]
                 self.assertGreater(max(sections) - min(sections), 2, "a piece has a form")
-                self.assertLess(max(sections) - min(sections), 9, "and is heard everywhere")
+                self.assertLess(max(sections) - min(sections), 9, "and is audible everywhere")
 
-    def test_are_wide_above_and_narrow_below(self):
+    def test_have_wide_highs_and_narrow_lows(self):
         for name, samples in self.pieces.items():
             with self.subTest(name):
-                self.assertGreater(np.corrcoef(samples)[0, 1], 0.2, "both sides together still sound")
+                self.assertGreater(np.corrcoef(samples)[0, 1], 0.2, "the mono mix is still audible")
                 self.assertLess(np.corrcoef(samples)[0, 1], 0.95)
-                size = 1 << 20  # some twenty seconds from the midst
+                size = 1 << 20  # about twenty seconds from the middle
                 left, right = samples[:, samples.shape[1] // 2:][:, :size]
                 bins = np.fft.rfftfreq(size, 1 / RATE)
                 lows = (bins > 30) & (bins < 120)
@@ -109,14 +109,14 @@ class Rounds(Decoded):
                 self.assertLess(np.max(np.abs(samples[:, :RATE // 1000])), 0.02)
                 self.assertLess(np.max(np.abs(samples[:, -RATE // 1000:])), 0.02)
 
-    def test_go_on_sounding_across_the_join(self):
+    def test_continue_across_the_join(self):
         for name, samples in self.pieces.items():
             with self.subTest(name):
                 around = np.min(measures.levels(measures.joined(samples, 0.5), 0.02))
                 self.assertGreater(around, np.median(measures.levels(samples, 0.02)) - 15)
 
     def test_begin_with_the_reverb_of_their_end(self):
-        # Before the first stroke has been heard the room already answers.
+        # The room already resounds before the first stroke.
         for name, samples in self.pieces.items():
             with self.subTest(name):
                 self.assertGreater(measures.levels(samples[:, int(0.004 * RATE):int(0.011 * RATE)], 1)[0], -55)
@@ -131,7 +131,7 @@ class Moods(Decoded):
                 self.assertEqual(max(strengths, key=strengths.get), name, strengths)
                 self.assertGreater(strengths[name], 0.35)
 
-    def test_stand_in_their_own_keys(self):
+    def test_have_their_own_keys(self):
         for name in MUSIC:
             with self.subTest(name):
                 share = self.shares[name]
@@ -144,7 +144,7 @@ class Moods(Decoded):
         self.assertEqual(len({tempo for tempo, _, _, _ in PIECES.values()}), 6)
         self.assertEqual(len({scale for _, _, _, scale in PIECES.values()}), 6)
 
-    def test_share_their_notes_in_other_parts(self):
+    def test_use_their_notes_in_different_proportions(self):
         for one, other in itertools.combinations(MUSIC, 2):
             with self.subTest(f"{one} {other}"):
                 self.assertGreater(np.abs(self.shares[one] - self.shares[other]).sum() / 2, 0.15)
@@ -162,7 +162,7 @@ class Writing(unittest.TestCase):
 
     def test_voices_take_the_shortest_way(self):
         first, second = voiced([Chord("C"), Chord("Am")], 60)
-        self.assertEqual(len(set(first) & set(second)), 2, "c and e stay where they are")
+        self.assertEqual(len(set(first) & set(second)), 2, "c and e stay")
         self.assertLessEqual(max(abs(a - b) for a, b in zip(first, second)), 5)
 
     def test_tunes_fill_their_bars(self):

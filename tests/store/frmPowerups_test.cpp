@@ -15,7 +15,7 @@ constexpr Colour dear = RGB(128, 95, 95);
 class StoreWindow : public GameTest {
  protected:
   static std::string capacity() { return frmPowerups->lblCapacity.Caption; }
-  /// "w" for a white price, "d" for one that is too dear, in the order of the items.
+  /// "w" for a white price, "d" for a darkened one, in the order of the items.
   static std::string prices() {
     std::string text;
     for (const Label& price : frmPowerups->lblItemCost) {
@@ -30,7 +30,7 @@ TEST_F(StoreWindow, HasAFixedSizeAndItsTitle) {
   EXPECT_EQ(frmPowerups->Caption.get(), "Powerups");
   EXPECT_EQ(frmPowerups->design.clientWidth, 11370);
   EXPECT_EQ(frmPowerups->design.clientHeight, 9060);
-  EXPECT_EQ(frmPowerups->design.border, Form::Border::Fixed) << "neither minimise nor maximise";
+  EXPECT_EQ(frmPowerups->design.border, Form::Border::Fixed) << "no minimise or maximise button";
 }
 
 TEST_F(StoreWindow, ShowsItsPictures) {
@@ -49,7 +49,7 @@ TEST_F(StoreWindow, ShowsItsPictures) {
   }
 }
 
-TEST_F(StoreWindow, TheTableOfItems) {
+TEST_F(StoreWindow, ItemsFollowTheTable) {
   struct Row {
     const char* name;
     const char* cost;
@@ -80,7 +80,7 @@ TEST_F(StoreWindow, TheTableOfItems) {
   }
 }
 
-TEST_F(StoreWindow, HeadingsAndDesignTexts) {
+TEST_F(StoreWindow, HeadingsAndTextsAreAsDesigned) {
   EXPECT_EQ(frmPowerups->lblCredits.Caption.get(), "Credits");
   EXPECT_EQ(frmPowerups->Label6.Caption.get(), "Capacity");
   EXPECT_EQ(capacity(), "0 / 25");
@@ -95,7 +95,7 @@ TEST_F(StoreWindow, HeadingsAndDesignTexts) {
   }
 }
 
-TEST_F(StoreWindow, NumbersStandInTheMiddleOfTheirColumnsAndTextsAtTheLeft) {
+TEST_F(StoreWindow, NumbersAreCentredAndTextsLeftAligned) {
   FrmPowerups& f = *frmPowerups;
   for (const Label* label : {&f.Label6, &f.lblCapacity, &f.lblCredits, &f.lblFunds, &f.Label3, &f.Label5}) {
     EXPECT_EQ(label->design.alignment, Alignment::Centre) << label->Caption.get();
@@ -111,7 +111,7 @@ TEST_F(StoreWindow, NumbersStandInTheMiddleOfTheirColumnsAndTextsAtTheLeft) {
   }
 }
 
-TEST_F(StoreWindow, EverythingStandsInsideAndNothingCoversAnother) {
+TEST_F(StoreWindow, EverythingFitsAndNothingOverlaps) {
   FrmPowerups& form = *frmPowerups;
   for (const Control* a : form.children()) {
     if (a == &form.imgBackground) continue;
@@ -124,10 +124,10 @@ TEST_F(StoreWindow, EverythingStandsInsideAndNothingCoversAnother) {
           << a->Left.get() << ", " << a->Top.get() << " and " << b->Left.get() << ", " << b->Top.get();
     }
   }
-  EXPECT_EQ(form.children().front(), &form.imgBackground) << "everything lies on the background";
+  EXPECT_EQ(form.children().front(), &form.imgBackground) << "everything is on the background";
 }
 
-TEST_F(StoreWindow, TheTabKeyGoesThroughTheButtonsRowByRow) {
+TEST_F(StoreWindow, TabMovesThroughTheButtonsRowByRow) {
   FrmPowerups& f = *frmPowerups;
   for (int i = 0; i < 6; ++i) {
     EXPECT_EQ(f.cmdBuy[i].TabIndex, 2 * i);
@@ -136,7 +136,7 @@ TEST_F(StoreWindow, TheTabKeyGoesThroughTheButtonsRowByRow) {
   EXPECT_EQ(f.cmdDone.TabIndex, 12);
 }
 
-TEST_F(StoreWindow, PricesStandAboveBuyAndStocksAboveSell) {
+TEST_F(StoreWindow, PricesAreAboveBuyAndStocksAboveSell) {
   FrmPowerups& form = *frmPowerups;
   for (int i = 0; i < 6; ++i) {
     EXPECT_LT(form.lblItemCost[i].Top.get(), form.cmdBuy[i].Top.get());
@@ -146,7 +146,7 @@ TEST_F(StoreWindow, PricesStandAboveBuyAndStocksAboveSell) {
   }
 }
 
-TEST_F(StoreWindow, IsPlacedOnTheMainWindowAtItsLoad) {
+TEST_F(StoreWindow, IsPlacedOverTheMainWindowOnLoad) {
   frmMain->Left = 3000;
   frmMain->Top = 1500;
   EXPECT_EQ(frmPowerups->Left.get(), 3120);
@@ -181,7 +181,7 @@ TEST_F(StoreWindow, APriceOfExactlyTheFundsStaysWhite) {
   EXPECT_EQ(prices(), "dddddd");
 }
 
-TEST_F(StoreWindow, Q276ColoursDependOnTheLabelsNotOnTheCopies) {
+TEST_F(StoreWindow, Q276ColoursDependOnTheLabelsNotOnTheStoredCopies) {
   frmPowerups->init(70);
   frmPowerups->lblFunds.Caption = " 12.5 credits";
   frmPowerups->lblItemCost[1].Caption = "12.6";

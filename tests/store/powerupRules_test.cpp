@@ -14,9 +14,9 @@ class PowerupRules : public GameTest {
   clsPlayer& player() { return modMain::world.localPlayer; }
   static const std::string& lastLine() { return modMain::world.chatLines[0].text; }
   static Colour lastColour() { return modMain::world.chatLines[0].colour; }
-  /// The lines that no font styles are white as well; their size tells them from the white ones of the fonts.
+  /// Lines without a configurable font are white as well. Their size distinguishes them from white lines with one.
   static bool isPlain() { return lastColour() == RGB(255, 255, 255) && modMain::world.chatLines[0].size == 0; }
-  /// Marks the console and the centre message, so that the next text shows.
+  /// Clears the console and the centre message to a marker, so that the next text shows.
   static void forgetTexts() {
     modMain::world.chatLines = {};
     modMain::showCentreMessage("");
@@ -29,7 +29,7 @@ class PowerupRules : public GameTest {
 
 constexpr Colour errorRed = RGB(255, 0, 0);
 
-TEST_F(PowerupRules, TheTableOfActivation) {
+TEST_F(PowerupRules, ActivationFollowsTheTable) {
   struct Row {
     PowerupSlot slot;
     std::int16_t seconds;
@@ -50,14 +50,14 @@ TEST_F(PowerupRules, TheTableOfActivation) {
   }
 }
 
-TEST_F(PowerupRules, TheTableOfKeysAndSounds) {
+TEST_F(PowerupRules, KeysAndSoundsFollowTheTable) {
   soundMan::initAudio();
   join(8, 1, "Bob");
   struct Row {
     int key;
     const char* sound;
   };
-  // F1 to F6; the pulse is let out by a shield.
+  // F1 to F6. The pulse needs a shield.
   const Row rows[] = {{112, "puShield.wav"},   {113, "puTurbo.wav"}, {114, "puChargedTail.wav"},
                       {115, "puLongTail.wav"}, {116, "puLaser.wav"}, {117, "puMissile.wav"}};
   for (PowerupState& powerup : player().powerups) powerup.count = 1;
@@ -68,7 +68,7 @@ TEST_F(PowerupRules, TheTableOfKeysAndSounds) {
     EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {number}}}));
     machine.soundCommands.clear();
     serverSends(156, {"8", number});
-    EXPECT_TRUE(machine.soundCommands.empty()) << "an opponent's is not heard";
+    EXPECT_TRUE(machine.soundCommands.empty()) << "an opponent's makes no sound";
     serverSends(156, {"7", number});
     ASSERT_FALSE(machine.soundCommands.empty());
     EXPECT_EQ(machine.soundCommands.back(), std::string(rows[slot].sound) + " play");
@@ -81,7 +81,7 @@ TEST_F(PowerupRules, TheTotalIsTheSumOfTheStock) {
   EXPECT_EQ(player().totalPowerups(), 21);
 }
 
-TEST_F(PowerupRules, ARequestGoesOutWithStock) {
+TEST_F(PowerupRules, RequestIsSentWithStock) {
   player().powerups[turboSlot].count = 1;
   player().requestActivatePowerup(turboSlot);
   EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{155, {"1"}}}));
@@ -89,7 +89,7 @@ TEST_F(PowerupRules, ARequestGoesOutWithStock) {
   EXPECT_FALSE(player().powerups[turboSlot].active);
 }
 
-TEST_F(PowerupRules, WithoutStockNothingIsSaidAndNothingSent) {
+TEST_F(PowerupRules, WithoutStockNothingIsPrintedOrSent) {
   forgetTexts();
   player().requestActivatePowerup(turboSlot);
   EXPECT_TRUE(server().sent.empty());
@@ -124,7 +124,7 @@ TEST_F(PowerupRules, Q045APulseWithoutAShieldIsRefusedEvenWithNoneInStock) {
   }
 }
 
-TEST_F(PowerupRules, APulseBehindAShieldIsAskedFor) {
+TEST_F(PowerupRules, PulseBehindAShieldIsRequested) {
   player().powerups[shieldSlot].active = true;
   player().powerups[pulseSlot].count = 1;
   player().requestActivatePowerup(pulseSlot);
@@ -158,7 +158,7 @@ TEST_F(PowerupRules, Q046AnActivationWithoutStockRuns) {
   EXPECT_EQ(player().powerups[extendedTailSlot].timeLeft, 5);
 }
 
-TEST_F(PowerupRules, AnOpponentsPowerupRunsInSilence) {
+TEST_F(PowerupRules, OpponentsPowerupRunsSilently) {
   const std::int16_t bob = join(8, 1, "Bob");
   clsPlayer& opponent = modMain::playerAt(bob);
   opponent.powerups[turboSlot].count = 1;
@@ -211,7 +211,7 @@ TEST_F(PowerupRules, Q268APartOfTheFirstSecondIsLost) {
   player().activatePowerup(turboSlot);  // five seconds
   tick(200);                            // 1000.6 is the second 1001
   player().tickPowerups();
-  EXPECT_EQ(player().powerups[turboSlot].timeLeft, 4) << "a whole second for a fifth of one";
+  EXPECT_EQ(player().powerups[turboSlot].timeLeft, 4) << "a whole second after 0.2 s";
   for (int second = 0; second < 3; ++second) nextSecond(player());
   EXPECT_TRUE(player().powerups[turboSlot].active) << "at 1003.6";
   nextSecond(player());
@@ -254,7 +254,7 @@ TEST_F(PowerupRules, TheLaserEndsAtTheNextTick) {
   EXPECT_EQ(modMain::world.centreMessage, "Powerup faded");
 }
 
-TEST_F(PowerupRules, AllThatRunOutInOneTickAreTold) {
+TEST_F(PowerupRules, AllThatEndInOneTickAreReported) {
   for (const std::size_t slot : {shieldSlot, turboSlot, laserSlot}) player().powerups[slot] = {0, 1, true};
   player().powerups[extendedTailSlot] = {0, 2, true};
   forgetTexts();
@@ -273,7 +273,7 @@ TEST_F(PowerupRules, AllThatRunOutInOneTickAreTold) {
   for (const std::size_t slot : {shieldSlot, turboSlot}) EXPECT_FALSE(bob.powerups[slot].active) << slot;
 }
 
-TEST_F(PowerupRules, NoSoundStopsWhenAPowerupFades) {
+TEST_F(PowerupRules, NoSoundStopsWhenAPowerupRunsOut) {
   soundMan::initAudio();
   for (int slot = 0; slot < powerupSlotCount; ++slot) player().powerups[static_cast<std::size_t>(slot)] = {0, 1, true};
   machine.soundCommands.clear();
@@ -300,7 +300,7 @@ TEST_F(PowerupRules, Q047TimersStandStillAfterMidnight) {
   EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 14);
 }
 
-TEST_F(PowerupRules, AnEarlyEndIsTold) {
+TEST_F(PowerupRules, EarlyEndIsReported) {
   struct Row {
     const char* slot;
     const char* line;
@@ -345,7 +345,7 @@ TEST_F(PowerupRules, Q049ARunningPowerupSurvivesDeathAndRespawn) {
   EXPECT_EQ(player().powerups[shieldSlot].timeLeft, 10);
 }
 
-TEST_F(PowerupRules, ANewLoginEndsThemAndLeavesTheTime) {
+TEST_F(PowerupRules, NewLoginEndsThemButKeepsTheTimeLeft) {
   player().powerups[shieldSlot] = {3, 10, true};
   player().init(redPlayer, -1, 7, "Ann");
   EXPECT_FALSE(player().powerups[shieldSlot].active);

@@ -16,7 +16,7 @@ using modMain::world;
 const std::string noRoom =
     "Cannot purchase powerup, you have no where to store it.  Check your capacity, consider selling.";
 
-/// The local player has node 7 and 10 credits. Effects are on, and forgotten before each test.
+/// The local player has node 7 and 10 credits. Effects are on, and their records are cleared before each test.
 class Store : public GameTest {
  protected:
   Store() {
@@ -48,7 +48,7 @@ TEST_F(Store, ANewPlayerHasTenCreditsAndRoomForTen) {
   EXPECT_EQ(mainCredits(), "10");
 }
 
-TEST_F(Store, TheButtonOpensItOverTheRunningGame) {
+TEST_F(Store, ButtonOpensItOverTheRunningGame) {
   stock(3, turboSlot);
   serverSends(148, {"7", "33"});
   modMain::world.roundMessage = "Bob wins";
@@ -80,7 +80,7 @@ TEST_F(Store, ItPlaysTheShoppingMusic) {
   EXPECT_EQ(machine.tracks, std::vector<std::string>{machine.path + "/sounds/music_shopping.mp3"});
 }
 
-TEST_F(Store, OpeningItOnceMoreStartsTheTrackAnew) {
+TEST_F(Store, ReopeningRestartsTheTrack) {
   modMain::openStore();
   machine.tracks.clear();
   frmMain->btnShop.Click();
@@ -103,7 +103,7 @@ TEST_F(Store, Q270ClosingItDoesNotStopTheShoppingMusic) {
   EXPECT_EQ(machine.tracks.back(), machine.path + "/sounds/music_shopping.mp3");
 }
 
-TEST_F(Store, OpeningItOnceMoreFillsItInAnew) {
+TEST_F(Store, ReopeningRefreshesIt) {
   modMain::openStore();
   stock(2);
   modMain::world.roundMessage = "again";
@@ -123,7 +123,7 @@ TEST_F(Store, Q200BeforeTheFirstLoginItKeepsItsDesignTexts) {
   EXPECT_EQ(shownStock(0), "0");
 }
 
-TEST_F(Store, AnOpponentFillsNothingIn) {
+TEST_F(Store, OpponentFillsInNothing) {
   modMain::openStore();
   clsPlayer& bob = modMain::playerAt(join(8, 1, "Bob"));
   bob.funds(77);
@@ -214,7 +214,7 @@ TEST_F(Store, APurchaseArrivesWithTheWindowClosed) {
   EXPECT_FALSE(frmPowerups.isLoaded());
 }
 
-TEST_F(Store, APurchaseOfNoItemEndsBehindTheBalance) {
+TEST_F(Store, PurchaseOfAnUnknownItemStopsAfterTheBalance) {
   modMain::openStore();
   serverSends(151, {"6", "1", "4"});
   EXPECT_EQ(mainCredits(), "4");
@@ -241,7 +241,7 @@ TEST_F(Store, Q204ASaleIsNotRoundedAndTheMainWindowKeepsTheOldBalance) {
   EXPECT_EQ(mainCredits(), "28");
 }
 
-TEST_F(Store, Q275AFractionOfACreditIsShownByANewFillingAlone) {
+TEST_F(Store, Q275AFractionOfACreditIsOnlyShownByReopening) {
   modMain::openStore();
   serverSends(160, {"0", "2", "27.75"});
   EXPECT_EQ(shownFunds(), "27");
@@ -269,7 +269,7 @@ TEST_F(Store, ASaleArrivesWithTheWindowClosed) {
   EXPECT_FALSE(frmPowerups.isLoaded());
 }
 
-TEST_F(Store, ARefusalIsShownAndHeard) {
+TEST_F(Store, RefusalIsShownWithASound) {
   for (const std::int16_t id : {std::int16_t{150}, std::int16_t{159}}) {
     modMain::openStore();
     forgetSounds();
@@ -288,13 +288,13 @@ TEST_F(Store, Q274ARefusalWithTheWindowClosedIsSilent) {
   EXPECT_FALSE(frmPowerups.isLoaded());
 }
 
-TEST_F(Store, ARefusalWithoutAnyFieldIsHeardAlone) {
+TEST_F(Store, RefusalWithoutFieldsOnlyMakesASound) {
   modMain::openStore();
   serverSends(150, {"first"});
   forgetSounds();
   serverSends(std::string("\x80\x96no\x81"));
   ASSERT_EQ(status(), "no");
-  // An end byte alone has no field; the id before it in the same read stands.
+  // An empty frame has no fields and reuses the previous id of the same read.
   serverSends(std::string("\x80\x96more\x81\x80\x81"));
   EXPECT_EQ(status(), "more");
   EXPECT_EQ(errorsPlayed(), 3);
@@ -305,7 +305,7 @@ TEST_F(Store, StatusWithTheWindowClosedDoesNotOpenIt) {
   EXPECT_FALSE(frmPowerups.isLoaded());
 }
 
-TEST_F(Store, StatusBringsTheWholeWindowUpToDate) {
+TEST_F(Store, StatusUpdatesTheWholeWindow) {
   modMain::openStore();
   for (std::size_t i = 0; i < 6; ++i) stock(static_cast<std::int16_t>(i), i);
   serverSends(160, {"0", "0", "-.5"});

@@ -4,7 +4,7 @@
 
 namespace kelvora {
 
-/// Counts how often a surface is shown.
+/// Counts how often a surface is presented.
 class CountingPeer : public Peer {
  public:
   explicit CountingPeer(int& count) : count_(count) {}

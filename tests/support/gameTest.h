@@ -50,7 +50,7 @@ class GameTest : public testing::Test, protected HeadlessClient {
   /// Runs `connect` and accepts the login: the local player is in the game at the position. Discards what was sent.
   void login(std::int16_t colour = 0, std::int16_t node = 7, float x = 50'000, float y = 50'000,
              const std::string& name = "Ann");
-  /// An opponent joins, alive, in the next slot. Returns the slot's number.
+  /// Lets an opponent join, alive, in the next slot. Returns the slot's number.
   std::int16_t join(std::int16_t node, std::int16_t colour, const std::string& name, float x = 50'000,
                     float y = 50'000);
 
@@ -58,9 +58,9 @@ class GameTest : public testing::Test, protected HeadlessClient {
   void tick(Tick ms) { machine.advance(ms); }
   /// Runs queued events and due timers.
   void passEvents() { machine.doEvents(false); }
-  /// The server's bytes arrive in one read and are handled.
+  /// Delivers bytes from the server in one read and handles them.
   void serverSends(const std::string& bytes);
-  /// One message arrives and is handled.
+  /// Delivers one message and handles it.
   void serverSends(std::int16_t id, const std::vector<std::string>& fields);
 
   /// All messages sent so far on the game's socket.

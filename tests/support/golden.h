@@ -22,16 +22,15 @@ Picture cropped(const Surface& surface, const Part& part);
 /// Arranges at least one picture, all of the same size, in rows of `columns`, separated by two grey pixels.
 Picture sideBySide(const std::vector<Picture>& pictures, int columns);
 
-/// The folders of golden pictures and of failures' pictures.
+/// The folder of the golden pictures, and the one for the pictures of failures.
 struct GoldenFolders {
   std::filesystem::path kept;
   std::filesystem::path left;
 };
 
-/// Compares every pixel of a picture with "<name>.png". Returns an empty text if they are the same. Otherwise
-/// returns a description and writes "<name>-actual.png", "<name>-expected.png" and "<name>-difference.png" (white where
-/// they differ). With
-/// `renew`, the golden picture is replaced instead.
+/// Compares every pixel of a picture with "<name>.png". Returns an empty text if they are the same. Otherwise returns a
+/// description and writes "<name>-actual.png", "<name>-expected.png" and "<name>-difference.png" (white where they
+/// differ). With `renew`, replaces the golden picture instead.
 std::string compareWithGolden(const std::string& name, const Picture& actual, const GoldenFolders& folders, bool renew);
 
 /// The same with tests/golden and the build folder's golden/, as an expectation of the running test. Replaces golden

@@ -36,16 +36,16 @@ TEST(BoxText, ShowsTwentyFourRows) {
   EXPECT_EQ(boxText(windows + "x"), std::u16string(23, u'\n') + u"x");
 }
 
-TEST(BoxText, TakesSixtyCharactersForARow) {
+TEST(BoxText, CountsSixtyCharactersAsARow) {
   std::string text;
   while (text.size() < 24 * 60) text += "four ";  // 1440 is a multiple of 5
   EXPECT_EQ(boxText(text), wide(text));
   EXPECT_EQ(boxText(text + "x"), wide(text) + points);
 }
 
-TEST(BoxText, LetsAWordBreakThatNoLineHolds) {
+TEST(BoxText, BreaksWordsTooLongForALine) {
   EXPECT_EQ(boxText(std::string(96, 'x')), std::u16string(96, u'x'));
-  // Beyond 96 there is a place to break ahead of every 32 characters.
+  // Words longer than 96 may break before every 32nd character.
   EXPECT_EQ(boxText(std::string(130, 'x')),
             std::u16string(96, u'x') + u'\x200B' + std::u16string(32, u'x') + u'\x200B' + u"xx");
 }

@@ -15,7 +15,7 @@ TEST(FramePacer, FirstPassLastsAFrame) {
   EXPECT_EQ(pacer.passEnd(at(milliseconds(3))), at(milliseconds(13)));
 }
 
-TEST(FramePacer, EndsLieOnOneScheduleHoweverLongTheWorkTakes) {
+TEST(FramePacer, EndsAreOnOneScheduleHoweverLongTheWorkTakes) {
   FramePacer pacer(milliseconds(10));
   EXPECT_EQ(pacer.passEnd(at(milliseconds(0))), at(milliseconds(10)));
   EXPECT_EQ(pacer.passEnd(at(milliseconds(14))), at(milliseconds(20)));
@@ -26,7 +26,7 @@ TEST(FramePacer, EndsLieOnOneScheduleHoweverLongTheWorkTakes) {
 TEST(FramePacer, MakesUpForThreeFrames) {
   FramePacer pacer(milliseconds(10));
   EXPECT_EQ(pacer.passEnd(at(milliseconds(0))), at(milliseconds(10)));
-  // 30 ms behind its end at 20: no wait, and none until it has caught up.
+  // 30 ms behind its end at 20: no wait until it has caught up.
   EXPECT_EQ(pacer.passEnd(at(milliseconds(50))), at(milliseconds(20)));
   EXPECT_EQ(pacer.passEnd(at(milliseconds(51))), at(milliseconds(30)));
   EXPECT_EQ(pacer.passEnd(at(milliseconds(52))), at(milliseconds(40)));
@@ -34,7 +34,7 @@ TEST(FramePacer, MakesUpForThreeFrames) {
   EXPECT_EQ(pacer.passEnd(at(milliseconds(54))), at(milliseconds(60)));
 }
 
-TEST(FramePacer, StartsAnewWhenItIsFurtherBehind) {
+TEST(FramePacer, RestartsWhenFurtherBehind) {
   FramePacer pacer(milliseconds(10));
   EXPECT_EQ(pacer.passEnd(at(milliseconds(0))), at(milliseconds(10)));
   EXPECT_EQ(pacer.passEnd(at(milliseconds(51))), at(milliseconds(51)));
@@ -47,7 +47,7 @@ TEST(FramePacer, ReadsOneToAThousandInPlainDigits) {
   EXPECT_EQ(frameFromText("1000"), milliseconds(1000));
 }
 
-TEST(FramePacer, AnyOtherTextIsUnset) {
+TEST(FramePacer, IgnoresAnyOtherText) {
   for (const char* text : {"", "0", "1001", "-5", "+5", " 10", "10 ", "10ms", "ten", "1.5", "99999999999999999999"}) {
     EXPECT_EQ(frameFromText(text), std::nullopt) << '"' << text << '"';
   }

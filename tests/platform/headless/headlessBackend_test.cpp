@@ -11,7 +11,7 @@ namespace {
 
 class Headless : public GameTest {};
 
-TEST_F(Headless, TheClockStandsUntilItIsMoved) {
+TEST_F(Headless, ClockStandsStillUntilAdvanced) {
   EXPECT_EQ(GetTickCount(), 1'000'000);
   EXPECT_EQ(GetTickCount(), 1'000'000);
   machine.seconds = 10;
@@ -37,7 +37,7 @@ TEST_F(Headless, SettingsAreKeptAndMissingOnesFallBack) {
   EXPECT_EQ(GetSetting("other", "key", "fallback"), "fallback");
 }
 
-TEST_F(Headless, EventsRunInOrderInsideDoEventsAlone) {
+TEST_F(Headless, EventsRunInOrderAndOnlyInsideDoEvents) {
   std::string order;
   machine.post([&] {
     order += 'a';
@@ -49,7 +49,7 @@ TEST_F(Headless, EventsRunInOrderInsideDoEventsAlone) {
   EXPECT_EQ(order, "abc");
 }
 
-TEST_F(Headless, ABoxMayHaveEventsWhileItStands) {
+TEST_F(Headless, EventsCanRunWhileABoxIsOpen) {
   bool ran = false;
   machine.post([&ran] { ran = true; });
   machine.onMessageBox = [this](const std::string&) { passEvents(); };
@@ -58,7 +58,7 @@ TEST_F(Headless, ABoxMayHaveEventsWhileItStands) {
   EXPECT_EQ(machine.messageBoxes, std::vector<std::string>{"Hello"});
 }
 
-TEST_F(Headless, ATimerFiresOnceHoweverLateAndNotWhileItIsOff) {
+TEST_F(Headless, TimerFiresOnceHoweverLateAndNeverWhileDisabled) {
   frmMain->Show();
   int fired = 0;
   frmMain->tmrCheckNetStatus.Timer = [&fired] { ++fired; };
@@ -72,13 +72,13 @@ TEST_F(Headless, ATimerFiresOnceHoweverLateAndNotWhileItIsOff) {
   EXPECT_EQ(fired, 1);
   frmMain->tmrCheckNetStatus.Enabled = true;
   passEvents();
-  EXPECT_EQ(fired, 1) << "the interval begins anew";
+  EXPECT_EQ(fired, 1) << "the interval restarts";
   tick(1000);
   passEvents();
   EXPECT_EQ(fired, 2);
 }
 
-TEST_F(Headless, ASocketConnectsWhenTheFarEndSaysSo) {
+TEST_F(Headless, SocketConnectsWhenTheFarEndAccepts) {
   Winsock socket;
   HeadlessSocket& far = machine.socketOf(socket);
   int connected = 0;
@@ -149,7 +149,7 @@ TEST_F(Headless, ThePointerAndTheEndAreRecorded) {
   EXPECT_THROW(endProcess(), ProcessEnded);
 }
 
-TEST_F(Headless, TheGlyphsOfEveryCharacterAreInOrder) {
+TEST_F(Headless, GlyphOfEveryCharacterIsWellFormed) {
   BlockGlyphs face;
   for (const float size : {8.25F, 9.0F, 16.0F, 48.0F}) {
     for (const bool bold : {false, true}) {
@@ -179,12 +179,12 @@ TEST_F(Headless, GlyphsDifferByCharacterSizeAndWeight) {
   EXPECT_EQ(std::count(blank.coverage.begin(), blank.coverage.end(), 0), std::ssize(blank.coverage));
 }
 
-TEST_F(Headless, NoLetterIsLargerThanThePicture) {
+TEST_F(Headless, GlyphsHaveABoundedSize) {
   BlockGlyphs face;
   const auto height = [&](float points) { return face.glyph({"Any", points, false}, 'A').height; };
   EXPECT_EQ(height(9), 9) << "12 pixels, of which a capital takes three quarters";
   EXPECT_EQ(height(150), 150);
-  EXPECT_EQ(height(32767), 9) << "a size out of tampered settings";
+  EXPECT_EQ(height(32767), 9) << "a size from tampered settings";
 }
 
 }  // namespace

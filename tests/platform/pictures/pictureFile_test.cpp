@@ -17,7 +17,7 @@
 namespace kelvora {
 namespace {
 
-/// A folder for the files of one test, gone with it.
+/// A folder for the files of one test, removed afterwards.
 class PictureFile : public ::testing::Test {
  protected:
   PictureFile() {
@@ -33,7 +33,7 @@ class PictureFile : public ::testing::Test {
     return pathOf(name);
   }
 
-  /// `channels` bytes a pixel: 3 red, green, blue; 4 with opacity behind them.
+  /// `channels` bytes per pixel: 3 for red, green and blue; 4 with opacity last.
   std::string writePng(const std::string& name, unsigned width, unsigned height,
                        const std::vector<unsigned char>& samples, int channels = 3) const {
     png_image image;
@@ -116,7 +116,7 @@ TEST_F(PictureFile, RefusesOtherContent) {
 
 TEST_F(PictureFile, RefusesEveryTruncationOfAPng) {
   const std::string whole = contents(writePng("a.png", 2, 2, {255, 0, 0, 0, 255, 0, 0, 0, 255, 1, 2, 3}));
-  // The last 12 bytes are the end mark, behind the picture's own data.
+  // The last 12 bytes are the end mark after the picture's data.
   for (std::size_t length = 0; length + 12 < whole.size(); ++length) {
     EXPECT_THROW(loadPictureFile(write("cut.png", whole.substr(0, length))), RuntimeFault) << length << " bytes";
   }
@@ -139,7 +139,7 @@ TEST_F(PictureFile, SurvivesEveryDamagedByte) {
       try {
         const PicturePointer picture = loadPictureFile(write("damaged", damaged));
         EXPECT_EQ(picture->pixels.size(), static_cast<std::size_t>(picture->width * picture->height));
-      } catch (const RuntimeFault&) {  // refused, which is as good
+      } catch (const RuntimeFault&) {  // refusing is fine, too
       }
     }
   }

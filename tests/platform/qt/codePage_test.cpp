@@ -16,7 +16,7 @@ TEST(CodePage, KeepsAsciiAndTheUpperHalf) {
   EXPECT_EQ(toQString("\xE4"), QString(QChar(0xE4)));
 }
 
-TEST(CodePage, BringsEveryByteBack) {
+TEST(CodePage, RoundTripsEveryByte) {
   for (int byte = 0; byte < 256; ++byte) {
     const std::string text(1, static_cast<char>(byte));
     EXPECT_EQ(toQString(text).size(), 1) << byte;
@@ -32,9 +32,9 @@ TEST(CodePage, UndefinedPositionsAreControlCharactersOfTheSameNumber) {
 
 TEST(CodePage, DropsMissingCharacters) {
   EXPECT_EQ(toBytes(QString::fromUtf16(u"a\u0416b\u4E2Dc")), "abc");
-  // Outside the basic plane: two halves, both left out.
+  // Outside the basic plane: two surrogates, both dropped.
   EXPECT_EQ(toBytes(QString::fromUtf16(u"x\U0001F600y")), "xy");
-  // A control character whose number belongs to another character here.
+  // A control character whose number is another character here.
   EXPECT_EQ(toBytes(QString(QChar(0x80))), "");
 }
 

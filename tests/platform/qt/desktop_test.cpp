@@ -22,7 +22,7 @@
 namespace kelvora {
 namespace {
 
-/// Sets an environment variable as long as it lives.
+/// Sets an environment variable while it exists.
 class Environment {
  public:
   Environment(const char* name, const char* value) : name_(name) { qputenv(name, value); }
@@ -34,7 +34,7 @@ class Environment {
   const char* name_;
 };
 
-TEST(Desktop, ClockStartsAtAMillionAndNeverFalls) {
+TEST(Desktop, ClockStartsAtAMillionAndNeverDecreases) {
   QtDesktop desktop("");
   Tick last = desktop.tickCount();
   EXPECT_GE(last, 1'000'000);
@@ -46,8 +46,8 @@ TEST(Desktop, ClockStartsAtAMillionAndNeverFalls) {
   }
 }
 
-TEST(Desktop, KeepsNoMoreThanAMegabyteOfWhatTheStyleHasDrawn) {
-  QPixmapCache::setCacheLimit(10'240);  // the toolkit's own
+TEST(Desktop, CachesAtMostAMegabyteOfTheStylesDrawings) {
+  QPixmapCache::setCacheLimit(10'240);  // the toolkit's default
   const QtDesktop desktop("");
   QPixmapCache::clear();
   QPixmap piece(256, 256);
@@ -73,7 +73,7 @@ TEST(Desktop, SecondsSinceMidnightAreTheSystemsLocalTime) {
     const float seconds = desktop.secondsSinceMidnight();
     const int after = QTime::currentTime().msecsSinceStartOfDay();
     if (after < before) continue;  // midnight
-    // A float holds the second of a day to 1/128.
+    // A float holds seconds of a day with a precision of 1/128.
     ASSERT_GE(seconds, before / 1000.0 - 0.008);
     ASSERT_LE(seconds, after / 1000.0 + 0.008);
     ++compared;
@@ -110,27 +110,27 @@ TEST(Desktop, PacedPassesLastTheirFrameAndServeEvents) {
   EXPECT_GT(ticks, passes) << "more than one event a pass";
 }
 
-TEST(Desktop, HandlersThatAskForEventsNestToADepth) {
+TEST(Desktop, NestedHandlersHaveABoundedDepth) {
   FormProbe form;
   form.Show();
-  QObject context;  // what still waits at the end dies with it
+  QObject context;  // pending calls die with it
   int depth = 0;
   int deepest = 0;
   int calls = 0;
   form.box.Click = [&] {
     deepest = std::max(deepest, ++depth);
-    // The next click is waiting already, as when a key is held and its handler is slow.
+    // The next click is already pending, as with a held key and a slow handler.
     if (++calls < 1'000) QTimer::singleShot(0, &context, [&] { raiseEvent(form.box, form.box.Click); });
     DoEvents();
     --depth;
   };
   raiseEvent(form.box, form.box.Click);
-  // A handler and its events take two of the forty; the last handler's events wait.
+  // A handler and its events take two of the forty levels. The last handler's events wait.
   EXPECT_EQ(deepest, 21);
   EXPECT_EQ(depth, 0);
 }
 
-TEST(Desktop, MessageBoxShowsPlainTextAndLetsEventsGoOn) {
+TEST(Desktop, MessageBoxShowsPlainTextAndKeepsProcessingEvents) {
   QString text;
   QString title;
   Qt::TextFormat format = Qt::RichText;
@@ -204,7 +204,7 @@ TEST(QtGlyphs, MorePointsAreLarger) {
             source.glyph({"Comic Sans MS", 9, true}, 'M').advance);
 }
 
-TEST(Desktop, ABoxStandsOnTheScreenAtOnceWhateverItsText) {
+TEST(Desktop, BoxAppearsAtOnceWhateverItsText) {
   for (const std::string& text :
        {std::string(1 << 20, '1'), std::string(1 << 20, '\n'), std::string(1 << 20, 'W'), std::string(1 << 20, ' ')}) {
     QSize size;

@@ -16,7 +16,7 @@
 namespace kelvora {
 namespace {
 
-/// Answers the error box if its lower text is this one; otherwise ends with another status.
+/// Answers the error box if its lower text is this one. Otherwise ends with another status.
 void answerIf(const QString& told) {
   QTimer::singleShot(0, qApp, [told] {
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -48,7 +48,7 @@ TEST_F(FaultReportDeathTest, ASettingIsNamedWithItsFile) {
       ::testing::ExitedWithCode(1), "Run-time error: Type mismatch");
 }
 
-TEST_F(FaultReportDeathTest, APictureIsNamedAndNotTheSettingBeforeIt) {
+TEST_F(FaultReportDeathTest, PictureIsNamedInsteadOfTheSettingBeforeIt) {
   EXPECT_EXIT(
       {
         answerIf("Just before: the picture /nowhere/sheet.png.\n" + ending());
@@ -65,13 +65,13 @@ TEST_F(FaultReportDeathTest, ACommandIsNamed) {
       {
         FormProbe form;
         form.Show();
-        form.okay.Visible = false;  // no default button: Enter belongs to the box
+        form.okay.Visible = false;  // no default button, so Enter goes to the text box
         form.first.Text = "~playsound";
         form.first.KeyPress = [](int KeyAscii) {
           if (KeyAscii == 13) raiseSubscriptOutOfRange();
         };
         answerIf("Just before: the command ~playsound.\n" + ending());
-        const HandlerScope events;  // those of a pass, in which keys come
+        const HandlerScope events;  // the events of a pass, such as keys
         sendKey(widgetOf(form.first), Qt::Key_Return, "\r");
       },
       ::testing::ExitedWithCode(1), "Run-time error: Subscript out of range");

@@ -15,7 +15,7 @@
 
 namespace kelvora {
 
-/// A window with one control of each kind, which notes what happens to it.
+/// A window with controls of several kinds that records their events.
 class FormProbe : public Form {
  public:
   FormProbe() : Form("Probe", {.clientWidth = 6000, .clientHeight = 4500, .border = Border::Sizable}) {

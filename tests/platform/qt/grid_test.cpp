@@ -78,7 +78,7 @@ TEST_F(TablePeer, ColumnsAreAsWideAsTheGridSays) {
   EXPECT_EQ(view().model()->index(0, 1).data(Qt::TextAlignmentRole).toInt(), Qt::AlignRight | Qt::AlignVCenter);
 }
 
-TEST_F(TablePeer, AClickChoosesTheCell) {
+TEST_F(TablePeer, ClickSelectsTheCell) {
   EXPECT_EQ(form_.grid.Row, 1);
   clickTable(middleOf(1, 1));
   EXPECT_EQ(form_.grid.Row, 2);
@@ -86,7 +86,7 @@ TEST_F(TablePeer, AClickChoosesTheCell) {
   EXPECT_EQ(form_.notes, Notes{});
 }
 
-TEST_F(TablePeer, ADoubleClickTellsOfTheChosenCell) {
+TEST_F(TablePeer, DoubleClickReportsTheSelectedCell) {
   clickTable(middleOf(1, 0));
   pressOn(*view().viewport(), middleOf(1, 0), QEvent::MouseButtonDblClick);
   EXPECT_EQ(form_.notes, Notes{"double 2 beta"});
@@ -94,7 +94,7 @@ TEST_F(TablePeer, ADoubleClickTellsOfTheChosenCell) {
   EXPECT_EQ(form_.notes.size(), 1U);
 }
 
-TEST_F(TablePeer, ADoubleClickOnTheHeadingOrBelowTheRowsLeavesTheCellAlone) {
+TEST_F(TablePeer, DoubleClickOnTheHeadingOrBelowTheRowsKeepsTheCell) {
   clickTable(middleOf(1, 0));
   pressOn(*view().horizontalHeader()->viewport(), {5, 5}, QEvent::MouseButtonDblClick);
   pressOn(*view().viewport(), {5, view().viewport()->height() - 5}, QEvent::MouseButtonDblClick);
@@ -108,7 +108,7 @@ TEST_F(TablePeer, TheGameMovesTheCurrentCell) {
   EXPECT_EQ(view().currentIndex().column(), 2);
 }
 
-TEST_F(TablePeer, NothingIsMarkedBeforeSomebodyChooses) {
+TEST_F(TablePeer, NothingIsSelectedInitially) {
   EXPECT_FALSE(view().selectionModel()->hasSelection());
   clickTable(middleOf(0, 1));
   EXPECT_TRUE(view().selectionModel()->isRowSelected(0));
@@ -122,7 +122,7 @@ TEST_F(TablePeer, ChangesShowAtTheNextTurn) {
   EXPECT_EQ(cell(2, 0), "gamma");
 }
 
-TEST_F(TablePeer, AViewThatIsBehindShowsNoCellThatIsGone) {
+TEST_F(TablePeer, OutdatedViewShowsNoRemovedCell) {
   form_.grid.Rows = 0;
   EXPECT_EQ(cell(1, 0), "");
   EXPECT_EQ(view().model()->headerData(0, Qt::Horizontal).toString(), "");
@@ -130,7 +130,7 @@ TEST_F(TablePeer, AViewThatIsBehindShowsNoCellThatIsGone) {
   EXPECT_EQ(form_.grid.Row, -1);
 }
 
-TEST_F(TablePeer, WithoutAFixedRowTheFirstIsARowLikeAnyOther) {
+TEST_F(TablePeer, WithoutAFixedRowTheFirstIsAnOrdinaryRow) {
   form_.grid.Rows = 0;
   form_.grid.AddItem("Name\tPort\tNotes");
   EXPECT_TRUE(serveUntil([this] { return view().model()->rowCount() == 1; }));
@@ -138,7 +138,7 @@ TEST_F(TablePeer, WithoutAFixedRowTheFirstIsARowLikeAnyOther) {
   EXPECT_EQ(cell(0, 1), "Port");
 }
 
-TEST_F(TablePeer, CellsWithoutAWordAreNotShown) {
+TEST_F(TablePeer, EmptyCellsAreHidden) {
   form_.grid.Rows = 0;
   form_.grid.AddItem("\t\t");
   form_.grid.AddItem("\t\t");
@@ -148,12 +148,12 @@ TEST_F(TablePeer, CellsWithoutAWordAreNotShown) {
   EXPECT_TRUE(serveUntil([this] { return view().model()->rowCount() == 3; })) << "one word shows them all";
 }
 
-TEST_F(TablePeer, ManyRowsAreShownAtOnce) {
+TEST_F(TablePeer, ManyRowsAppearAtOnce) {
   for (int i = 0; i < 32'000; ++i) form_.grid.AddItem("x\t1\ty");
   EXPECT_TRUE(serveUntil([this] { return view().model()->rowCount() == 32'002; }));
 }
 
-TEST_F(TablePeer, APressOnACheckBoxIsToldBeforeItsValueChanges) {
+TEST_F(TablePeer, PressOnACheckBoxIsReportedBeforeItsValueChanges) {
   auto& box = dynamic_cast<QCheckBox&>(widgetOf(form_.box));
   pressOn(box, {5, 5}, QEvent::MouseButtonPress);
   EXPECT_EQ(form_.notes, Notes{"down 1 value 0"});
@@ -165,7 +165,7 @@ TEST_F(TablePeer, APressOnACheckBoxIsToldBeforeItsValueChanges) {
   EXPECT_EQ(form_.box.Value.get(), 0);
 }
 
-TEST_F(TablePeer, TheGameTicksACheckBoxWithoutAnEvent) {
+TEST_F(TablePeer, AssigningACheckBoxRaisesNoEvent) {
   auto& box = dynamic_cast<QCheckBox&>(widgetOf(form_.box));
   form_.box.Value = 1;
   EXPECT_TRUE(box.isChecked());

@@ -20,12 +20,12 @@ class Input : public ::testing::Test {
   FormProbe form_;
 };
 
-TEST_F(Input, MouseIsToldInTwipsOfTheControl) {
+TEST_F(Input, MouseEventsUseTwipsOfTheControl) {
   sendMouse(form_.label, QEvent::MouseButtonPress, {10, 4}, Qt::RightButton, Qt::RightButton, Qt::ShiftModifier);
   EXPECT_EQ(form_.notes, Notes{"label down 2 1 150 60"});
 }
 
-TEST_F(Input, MovesTellAllButtonsThatAreHeld) {
+TEST_F(Input, MovesReportAllHeldButtons) {
   sendMouse(form_.box, QEvent::MouseMove, {0, 0}, Qt::NoButton, Qt::NoButton);
   sendMouse(form_.box, QEvent::MouseMove, {199, 99}, Qt::NoButton, Qt::LeftButton | Qt::RightButton);
   sendMouse(form_.box, QEvent::MouseMove, {1, 2}, Qt::NoButton, Qt::MiddleButton,
@@ -43,7 +43,7 @@ TEST_F(Input, ClickIsALeftReleaseInside) {
   EXPECT_EQ(form_.notes, (Notes{"label up 1 0 -30 15", "label up 2 0 30 15"}));
 }
 
-TEST_F(Input, LabelHearsOfMovesOutsideWhileItIsPressed) {
+TEST_F(Input, PressedLabelGetsMovesOutsideIt) {
   sendMouse(form_.label, QEvent::MouseMove, {-20, 500}, Qt::NoButton, Qt::LeftButton);
   EXPECT_EQ(form_.notes, Notes{"label move 1 0 -300 7500"});
 }
@@ -70,7 +70,7 @@ TEST_F(Input, Q229ATextBoxShowsTheTypedText) {
   EXPECT_EQ(dynamic_cast<QLineEdit&>(widgetOf(form_.first)).echoMode(), QLineEdit::Normal);
 }
 
-TEST_F(Input, SecondPressOfAPairIsAPress) {
+TEST_F(Input, SecondPressOfADoubleClickIsAPress) {
   sendMouse(form_.box, QEvent::MouseButtonDblClick, {1, 1}, Qt::RightButton, Qt::RightButton);
   EXPECT_EQ(form_.notes, Notes{"box down 2 0 15 15"});
 }
@@ -118,7 +118,7 @@ TEST_F(Input, VirtualKeyCodesAreThoseOfWindows) {
   for (const auto& row : rows) EXPECT_EQ(virtualKeyCode(row.key, row.keypad), row.code) << row.key;
 }
 
-TEST_F(Input, TypedTextIsTheTextBoxsText) {
+TEST_F(Input, TypedTextEntersTheTextBox) {
   sendKey(widgetOf(form_.first), Qt::Key_X, "x");
   EXPECT_EQ(form_.first.Text.get(), "xone");
   EXPECT_EQ(form_.first.SelStart, 1);
@@ -145,13 +145,13 @@ TEST_F(Input, PastedLinesBecomeOne) {
   EXPECT_EQ(pasted("games.example.org\n"), "games.example.org");
   EXPECT_EQ(pasted("\n\tone\n\n\ttwo\tthree\n"), "one two three");
   EXPECT_EQ(pasted(QString::fromUtf16(u"x\U0001F600y\u4E2Dz\x1b[31m")), "xyz[31m");
-  // Accents that stand apart, as some systems write them.
+  // Separate accents, as some systems write them.
   EXPECT_EQ(pasted(QString::fromUtf16(u"Rene\u0301 A\u030Angstro\u0308m e\u0328")), "Ren\xE9 \xC5ngstr\xF6m ");
   const std::string longText(100'000, 'a');
-  EXPECT_EQ(pasted(QString::fromStdString(longText)).size(), 32'767U) << "as much as a line takes";
+  EXPECT_EQ(pasted(QString::fromStdString(longText)).size(), 32'767U) << "as much as fits a line";
 }
 
-// An input method's event for composed text, with the focus on the picture and on the text box.
+// An input method's event for composed text, with the focus on the picture and then on the text box.
 TEST_F(Input, ComposedTextIsTypedText) {
   const auto compose = [](QWidget& widget, const QString& preedit, const QString& committed) {
     QInputMethodEvent event(preedit, {});
@@ -160,7 +160,7 @@ TEST_F(Input, ComposedTextIsTypedText) {
   };
   QInputMethodQueryEvent question(Qt::ImEnabled);
   QCoreApplication::sendEvent(&widgetOf(form_.box), &question);
-  EXPECT_TRUE(question.value(Qt::ImEnabled).toBool()) << "or no input method would speak to the picture";
+  EXPECT_TRUE(question.value(Qt::ImEnabled).toBool()) << "otherwise no input method would talk to the picture";
   compose(widgetOf(form_.box), "`e", "");
   EXPECT_EQ(form_.notes, Notes{}) << "nothing is typed until it is whole";
   compose(widgetOf(form_.box), "", QString::fromUtf16(u"\u00E8\u4E2D\U0001F600!"));
@@ -183,7 +183,7 @@ TEST_F(Input, CaretFollowsSelStartAndTheUser) {
 }
 
 TEST_F(Input, TheHandlerMayEmptyTheBoxInItsKeyPress) {
-  form_.okay.Visible = false;  // no default button: Enter belongs to the box
+  form_.okay.Visible = false;  // no default button, so Enter goes to the text box
   form_.first.KeyPress = [this](int KeyAscii) {
     if (KeyAscii == 13) form_.first.Text = "";
   };
@@ -192,13 +192,13 @@ TEST_F(Input, TheHandlerMayEmptyTheBoxInItsKeyPress) {
   EXPECT_EQ(form_.notes, Notes{"first key 13 0"});
 }
 
-TEST_F(Input, EnterAndEscapeAnswerForTheWholeForm) {
+TEST_F(Input, EnterAndEscapeWorkAnywhereOnTheForm) {
   sendKey(widgetOf(form_.first), Qt::Key_Return, "\r");
   sendKey(widgetOf(form_.second), Qt::Key_Escape, "\x1b");
   EXPECT_EQ(form_.notes, (Notes{"okay", "stop"}));
 }
 
-TEST_F(Input, EnterOnAButtonClicksThatOne) {
+TEST_F(Input, EnterOnAButtonClicksIt) {
   sendKey(widgetOf(form_.stop), Qt::Key_Return, "\r");
   EXPECT_EQ(form_.notes, Notes{"stop"});
 }

@@ -40,7 +40,7 @@ class LooksForm : public Form {
   Button button{this, {0, 1500, 1500, 375}, "Button"};
 };
 
-/// The control as a screen of this scale shows it.
+/// The control as shown on a screen of this scale.
 QImage shownAt(Control& control, double scale) {
   QWidget& widget = widgetOf(control);
   QImage image((QSizeF(widget.size()) * scale).toSize(), QImage::Format_RGB32);
@@ -93,7 +93,7 @@ TEST_F(Looks, DarkFormHasDarkControls) {
   }
 }
 
-TEST_F(Looks, DialogWithoutColoursOfItsOwnHasThoseOfAll) {
+TEST_F(Looks, DialogWithoutItsOwnColoursUsesTheCommonOnes) {
   LooksForm dialog(true);
   dialog.Show();
   EXPECT_EQ(widgetOf(dialog.button).palette().color(QPalette::Button), QApplication::palette().color(QPalette::Button));
@@ -121,8 +121,8 @@ TEST(GameLooks, EveryDialogIsDarkAndLegible) {
   QApplication::setFont(font);
 }
 
-TEST_F(Looks, PixelsOfTheGameKeepTheirShareAtABrokenScale) {
-  // Columns of black and white by turns: at 1.5 a column is one and a half pixels wide, and its half one is grey.
+TEST_F(Looks, GamePixelsKeepTheirShareAtAFractionalScale) {
+  // Alternating black and white columns. At 1.5 a column is one and a half pixels wide, and the half pixel is grey.
   for (int x = 0; x < 40; x += 2) {
     form_.box.ForeColor = RGB(255, 255, 255);
     form_.box.Line(static_cast<float>(x * 15), 0, static_cast<float>(x * 15), 600);
@@ -141,7 +141,7 @@ TEST_F(Looks, PixelsOfTheGameKeepTheirShareAtABrokenScale) {
   EXPECT_GT(greys(shownAt(form_.box, 1.5)), 15);
 }
 
-TEST(GameLooks, AMenuWithoutRoomHasTheStylesOwnMark) {
+TEST(GameLooks, OverfullMenuHasTheStylesOwnMark) {
   installGameLooks();
   const QIcon mark = QApplication::style()->standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton);
   const auto* style = qobject_cast<const QProxyStyle*>(QApplication::style());

@@ -24,16 +24,16 @@ QImage shownOn(QImage::Format format) {
   return window;
 }
 
-TEST(Pixels, NothingShinesThroughThePictureOnASeeThroughWindow) {
+TEST(Pixels, StayOpaqueOnATranslucentWindow) {
   const QImage window = shownOn(QImage::Format_ARGB32_Premultiplied);
   EXPECT_EQ(window.pixel(0, 0), 0xFFFF0000U);
   EXPECT_EQ(window.pixel(1, 0), 0xFF000000U);
   EXPECT_EQ(window.pixel(0, 1), 0xFF102030U);
   EXPECT_EQ(window.pixel(1, 1), 0xFFFFFFFFU);
-  EXPECT_EQ(window.pixel(2, 2), 0U) << "what lies beside it stays";
+  EXPECT_EQ(window.pixel(2, 2), 0U) << "the rest stays unchanged";
 }
 
-TEST(Pixels, AreCopiedAsTheyAreOnAPlainWindow) {
+TEST(Pixels, AreCopiedUnchangedOnAPlainWindow) {
   const QImage window = shownOn(QImage::Format_RGB32);
   EXPECT_EQ(window.pixelColor(0, 0), QColor(255, 0, 0));
   EXPECT_EQ(window.pixelColor(0, 1), QColor(16, 32, 48));

@@ -28,7 +28,7 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-/// Memory that this process and those it starts have in common.
+/// Memory shared by this process and its children.
 template <class Content>
 class Shared {
  public:
@@ -46,7 +46,7 @@ class Shared {
   Content* content_;
 };
 
-/// Another run of the game, in its own process, that executes its orders and ends with status 0.
+/// Another run of the game in its own process. It executes its orders and ends with status 0.
 class OtherRun {
  public:
   explicit OtherRun(const std::function<void()>& work) : process_(fork()) {
@@ -76,7 +76,7 @@ class OtherRun {
   pid_t process_;
 };
 
-/// A store on which other runs, a full disk and kills work.
+/// A settings file exposed to other runs, full disks and kills.
 class SettingsFaults : public ::testing::Test {
  protected:
   SettingsFaults() {
@@ -88,7 +88,7 @@ class SettingsFaults : public ::testing::Test {
   std::string file() const { return home_ / "kelvora" / "kelvora.ini"; }
 
   void write(const std::string& key, const std::string& value) { QtSettings(file()).write("misc", key, value); }
-  /// The value that a later run of the program reads: the same bytes under a name that this process has not seen.
+  /// The value that a later run would read: the same bytes under a path that this process hasn't cached.
   std::string readInLaterRun(const std::string& key) {
     const std::filesystem::path copy = home_ / ("later" + std::to_string(++copies_) + ".ini");
     std::filesystem::copy_file(file(), copy);
@@ -113,12 +113,12 @@ constexpr std::size_t keyCount = 5;
 
 std::string keyName(std::size_t key) { return "key" + std::to_string(key); }
 
-/// Values of very different lengths, so that one that is cut off, or mixed with another, is none of them.
+/// Values of very different lengths, so that a truncated or mixed one equals none of them.
 std::string valueOf(int number) {
   return std::to_string(number) + std::string(static_cast<std::size_t>(number * 37 % 900), 'x') + "!";
 }
 
-TEST_F(SettingsFaults, AKilledRunLosesNothingThatWasSavedAndLeavesNoHalves) {
+TEST_F(SettingsFaults, KilledRunLosesNoSavedValueAndLeavesNoPartialFile) {
   struct Progress {
     std::array<std::atomic<int>, keyCount> begun;
     std::array<std::atomic<int>, keyCount> saved;
@@ -128,7 +128,7 @@ TEST_F(SettingsFaults, AKilledRunLosesNothingThatWasSavedAndLeavesNoHalves) {
   write("before", "of old");
   std::mt19937 random(20261121);
   int interrupted = 0;
-  // A machine that is slow to start the run kills it before it writes: it is tried again then.
+  // On a slow machine the run may be killed before it writes. Then it is retried.
   for (int round = 0; round < 40 || (interrupted <= 5 && round < 400); ++round) {
     OtherRun run([&] {
       for (;;) {
@@ -152,28 +152,28 @@ TEST_F(SettingsFaults, AKilledRunLosesNothingThatWasSavedAndLeavesNoHalves) {
       } else {
         ++interrupted;
         ASSERT_TRUE(stored == savedText || stored == valueOf(begun)) << "round " << round << ": " << stored;
-        // Whichever it is, it is the saved one from now on.
+        // From now on, whichever value it is counts as the saved one.
         progress->saved[key] = stored == savedText ? saved : begun;
         progress->begun[key] = progress->saved[key].load();
       }
     }
   }
-  EXPECT_GT(progress->number, 40) << "the runs came to write";
+  EXPECT_GT(progress->number, 40) << "the runs got to write";
   EXPECT_GT(interrupted, 5) << "and were killed while they did";
   EXPECT_TRUE(isTurnFree());
   write("after", "all");
   EXPECT_EQ(readInLaterRun("after"), "all");
 }
 
-TEST_F(SettingsFaults, TwoRunsAtOnceKeepEachOthersValues) {
+TEST_F(SettingsFaults, ConcurrentRunsKeepEachOthersValues) {
   constexpr int rounds = 40;
   write("before", "of old");
   const auto writeAll = [&](const std::string& name) {
     for (int number = 100; number < 100 + rounds; ++number) {
-      // All of one length: the file's size does not tell that another run has written.
+      // All have the same length, so the file's size doesn't reveal another run's write.
       write(name + std::to_string(number % 4), std::to_string(number));
       write("shared", name + std::to_string(number));
-      std::this_thread::sleep_for(milliseconds(3));  // nobody's hand is faster
+      std::this_thread::sleep_for(milliseconds(3));  // no user is faster
     }
   };
   OtherRun ann([&] { writeAll("Ann"); });
@@ -214,7 +214,7 @@ TEST_F(SettingsFaults, LeftoversOfAKilledRunAreRemoved) {
   EXPECT_FALSE(std::filesystem::exists(left));
 }
 
-TEST_F(SettingsFaults, ARunThatWritesIsWaitedForButNotForEver) {
+TEST_F(SettingsFaults, WaitsForAnotherWriterButNotForEver) {
   write("before", "of old");
   const Shared<std::atomic<bool>> isHeld;
   OtherRun frozen([&] {
@@ -235,7 +235,7 @@ TEST_F(SettingsFaults, ARunThatWritesIsWaitedForButNotForEver) {
   EXPECT_EQ(readInLaterRun("next"), std::to_string(more));
 }
 
-/// As a full disk does it: a file may not grow beyond so many bytes.
+/// Simulates a full disk: files may not grow beyond this many bytes.
 void limitFiles(rlim_t bytes) {
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{};
@@ -259,11 +259,11 @@ TEST_F(SettingsFaults, AFullDiskKeepsTheOldFile) {
     EXPECT_EQ(readInLaterRun("other"), "missing") << room;
   }
   write("name", "Eve");
-  EXPECT_EQ(readInLaterRun("name"), "Eve") << "once there is room again";
+  EXPECT_EQ(readInLaterRun("name"), "Eve") << "once there is space again";
 }
 
-TEST_F(SettingsFaults, EveryAmountOfRoomStoresAllOrNothing) {
-  // Longer than the file by which the toolkit locks the settings, which is the first to find no room.
+TEST_F(SettingsFaults, AnyAmountOfFreeSpaceStoresAllOrNothing) {
+  // Longer than the toolkit's lock file, which is the first to run out of space.
   write("long", std::string(300, 'x'));
   write("name", "Ann");
   const auto size = std::filesystem::file_size(file());
@@ -274,13 +274,13 @@ TEST_F(SettingsFaults, EveryAmountOfRoomStoresAllOrNothing) {
       write("name", "Zacharias");
     });
     EXPECT_EQ(run.status(), 0) << room;
-    // Six letters more; without the line's end the value is whole as well.
+    // Six more letters. The value is complete even without the line break.
     ASSERT_EQ(readInLaterRun("name"), room < size + 5 ? "Ann" : "Zacharias") << room;
     ASSERT_EQ(readInLaterRun("long"), std::string(300, 'x')) << room;
   }
 }
 
-TEST_F(SettingsFaults, AnythingInTheFileLetsAValueBeStored) {
+TEST_F(SettingsFaults, ValuesCanBeStoredWhateverTheFileContains) {
   std::mt19937 random(7);
   const std::string_view bits = "[]=%;,\"\\@()\n\n\r\x01 axmisc/General\xC3\x80";
   for (int round = 0; round < 50; ++round) {
@@ -305,14 +305,14 @@ TEST_F(SettingsFaults, ALinkToTheFileStaysALink) {
   EXPECT_EQ(readInLaterRun("name"), "Bob");
 }
 
-TEST_F(SettingsFaults, AValueIsReadAsItWasWrittenLast) {
+TEST_F(SettingsFaults, ReadsTheLastWrittenValue) {
   for (int number = 100; number < 200; ++number) {
     write("number", std::to_string(number));
     ASSERT_EQ(QtSettings(file()).read("misc", "number", ""), std::to_string(number));
   }
 }
 
-TEST_F(SettingsFaults, EachFileIsLaterThanTheOneBeforeEvenIfTheClockGoesBack) {
+TEST_F(SettingsFaults, EachFileIsNewerThanTheLastEvenIfTheClockGoesBack) {
   write("name", "Ann");
   const auto ahead = std::filesystem::file_time_type::clock::now() + std::chrono::hours(1);
   std::filesystem::last_write_time(file(), ahead);
@@ -321,7 +321,7 @@ TEST_F(SettingsFaults, EachFileIsLaterThanTheOneBeforeEvenIfTheClockGoesBack) {
   EXPECT_EQ(QtSettings(file()).read("misc", "name", ""), "Bob");
 }
 
-TEST_F(SettingsFaults, AFullDiskWithoutAStoreIsNoFault) {
+TEST_F(SettingsFaults, FullDiskWithoutASettingsFileIsNoFault) {
   OtherRun run([&] {
     limitFiles(0);
     write("name", "Ann");
@@ -332,7 +332,7 @@ TEST_F(SettingsFaults, AFullDiskWithoutAStoreIsNoFault) {
   EXPECT_EQ(readInLaterRun("name"), "Bob");
 }
 
-TEST_F(SettingsFaults, ANonFileInTheFilesPlaceStays) {
+TEST_F(SettingsFaults, NonFileInTheFilesPlaceStays) {
   std::filesystem::create_directories(std::filesystem::path(file()).parent_path());
   const std::filesystem::path node = home_ / "node";
   ASSERT_EQ(mknod(node.c_str(), S_IFSOCK | S_IRUSR | S_IWUSR, 0), 0);

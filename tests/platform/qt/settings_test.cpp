@@ -13,7 +13,7 @@
 namespace kelvora {
 namespace {
 
-/// The store in a folder of its own, found through XDG_CONFIG_HOME as in the running program.
+/// The settings in a temporary folder, found through XDG_CONFIG_HOME as in the running program.
 class Settings : public ::testing::Test {
  protected:
   Settings() : before_(qgetenv("XDG_CONFIG_HOME")) {
@@ -29,7 +29,7 @@ class Settings : public ::testing::Test {
   std::filesystem::path folder() const { return home_ / "kelvora"; }
   std::filesystem::path file() const { return folder() / "kelvora.ini"; }
 
-  /// The value that a later run of the program reads: the same bytes under a name that this process has not seen.
+  /// The value that a later run would read: the same bytes under a path that this process hasn't cached.
   std::string readInLaterRun(const std::string& section, const std::string& key) {
     const std::filesystem::path copy = home_ / ("later" + std::to_string(++copies_) + ".ini");
     std::filesystem::copy_file(file(), copy);
@@ -51,7 +51,7 @@ class Settings : public ::testing::Test {
 
 TEST_F(Settings, LiveInTheUsersConfigurationFolder) { EXPECT_EQ(QtSettings::defaultPath(), file().string()); }
 
-TEST_F(Settings, ReadTheDefaultWithoutAStoreAndMakeNone) {
+TEST_F(Settings, ReadTheDefaultWithoutCreatingAFile) {
   EXPECT_EQ(QtSettings(QtSettings::defaultPath()).read("audio", "music", "True"), "True");
   EXPECT_FALSE(std::filesystem::exists(folder()));
 }
@@ -67,7 +67,7 @@ TEST_F(Settings, AreStoredAtOnce) {
   EXPECT_EQ(readInLaterRun("last login", "player name"), "");
 }
 
-TEST_F(Settings, AreForTheUserAlone) {
+TEST_F(Settings, ArePrivateToTheUser) {
   const mode_t before = ::umask(0);
   QtSettings settings(QtSettings::defaultPath());
   settings.write("last login", "server password", "secret");
@@ -78,7 +78,7 @@ TEST_F(Settings, AreForTheUserAlone) {
   ::umask(before);
 }
 
-TEST_F(Settings, TakeBackAStoreThatOthersCouldRead) {
+TEST_F(Settings, MakeAFilePrivateThatOthersCouldRead) {
   std::filesystem::create_directory(folder());
   std::ofstream(file()) << "[audio]\nmusic=False\n";
   ::chmod(folder().c_str(), 0755);
@@ -99,7 +99,7 @@ TEST_F(Settings, KeepEveryByte) {
   EXPECT_EQ(readInLaterRun("last login", "player name"), all);
 }
 
-TEST_F(Settings, KeepTextsThatMeanSomethingToTheFileFormat) {
+TEST_F(Settings, KeepTextsThatAreSpecialInTheFileFormat) {
   QtSettings settings(QtSettings::defaultPath());
   for (const std::string text :
        {"a,b", "@Invalid()", "@@", "\"quoted\"", "a;b", "a=b", " blanks ", "[x]", "%41", "\\x41",
@@ -111,14 +111,14 @@ TEST_F(Settings, KeepTextsThatMeanSomethingToTheFileFormat) {
   }
 }
 
-TEST_F(Settings, ReadADamagedStoreAsFarAsItGoes) {
+TEST_F(Settings, ReadADamagedFileAsFarAsPossible) {
   std::filesystem::create_directory(folder());
   std::ofstream(file()) << std::string("\0\xFF]]]===\n%%%\n", 14);
   EXPECT_EQ(QtSettings(QtSettings::defaultPath()).read("audio", "music", "True"), "True");
 }
 
-TEST_F(Settings, AreNoFaultWhereNothingCanBeWritten) {
-  // A file where the folder should be stops even the superuser.
+TEST_F(Settings, DoNotFaultWhereNothingCanBeWritten) {
+  // A file in place of the folder stops even root.
   std::ofstream(folder()) << "in the way";
   QtSettings settings(QtSettings::defaultPath());
   EXPECT_EQ(settings.read("audio", "music", "True"), "True");
@@ -126,7 +126,7 @@ TEST_F(Settings, AreNoFaultWhereNothingCanBeWritten) {
   EXPECT_TRUE(std::filesystem::is_regular_file(folder()));
 }
 
-/// Somebody who may not write everywhere, as long as this lives.
+/// An unprivileged user while it exists.
 class OrdinaryUser {
  public:
   OrdinaryUser() { EXPECT_EQ(::seteuid(superuser_ ? nobody : ::geteuid()), 0); }
@@ -139,7 +139,7 @@ class OrdinaryUser {
   bool superuser_ = ::geteuid() == 0;
 };
 
-TEST_F(Settings, AreNoFaultInAReadOnlyFolder) {
+TEST_F(Settings, DoNotFaultInAReadOnlyFolder) {
   ::chmod(home_.c_str(), 0555);
   {
     const OrdinaryUser user;
@@ -161,7 +161,7 @@ TEST_F(Settings, ReadTheDefaultFromAFileThatCannotBeRead) {
   EXPECT_EQ(QtSettings(locked.string()).read("audio", "music", "True"), "True");
 }
 
-TEST_F(Settings, AreNoFaultWhereAFolderHasTheFilesName) {
+TEST_F(Settings, DoNotFaultWhereAFolderHasTheFilesName) {
   std::filesystem::create_directories(file());
   QtSettings settings(QtSettings::defaultPath());
   EXPECT_EQ(settings.read("audio", "music", "True"), "True");

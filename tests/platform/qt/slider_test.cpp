@@ -52,7 +52,7 @@ class Sliders : public ::testing::Test {
   SliderForm form_;
 };
 
-TEST_F(Sliders, AreNativeWithTheControlsEndsAndPlace) {
+TEST_F(Sliders, AreNativeWithTheControlsEndsAndPosition) {
   EXPECT_EQ(widget().minimum(), 9);
   EXPECT_EQ(widget().maximum(), 16);
   EXPECT_EQ(widget().value(), 12);
@@ -61,11 +61,11 @@ TEST_F(Sliders, AreNativeWithTheControlsEndsAndPlace) {
 }
 
 TEST_F(Sliders, ADragScrollsAndItsEndIsAChange) {
-  // To the right end in two moves, then let go.
+  // To the right end in two moves, then released.
   const QPoint start = handle();
   sendMouse(form_.slider, QEvent::MouseButtonPress, start, Qt::LeftButton, Qt::LeftButton);
   EXPECT_EQ(form_.notes, Notes{});
-  // 7 steps are spread over the way of the handle, less than 160 pixels: 20 are about one step.
+  // 7 steps are spread over the handle's range of less than 160 pixels, so 20 pixels are about one step.
   sendMouse(form_.slider, QEvent::MouseMove, start + QPoint(20, 0), Qt::NoButton, Qt::LeftButton);
   sendMouse(form_.slider, QEvent::MouseMove, start + QPoint(300, 0), Qt::NoButton, Qt::LeftButton);
   EXPECT_EQ(form_.notes, (Notes{"scroll 13", "scroll 16"}));
@@ -73,7 +73,7 @@ TEST_F(Sliders, ADragScrollsAndItsEndIsAChange) {
   EXPECT_EQ(form_.notes, (Notes{"scroll 13", "scroll 16", "change 16"}));
 }
 
-TEST_F(Sliders, KeysGoByOneAndToTheEnds) {
+TEST_F(Sliders, KeysStepByOneOrToTheEnds) {
   for (const int key : {Qt::Key_Right, Qt::Key_Left, Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_End, Qt::Key_Right,
                         Qt::Key_Home, Qt::Key_Left}) {
     sendKey(widget(), key);
@@ -81,7 +81,7 @@ TEST_F(Sliders, KeysGoByOneAndToTheEnds) {
   EXPECT_EQ(form_.notes, (Notes{"change 13", "change 12", "change 13", "change 12", "change 16", "change 9"}));
 }
 
-TEST_F(Sliders, TheWheelGoesByOne) {
+TEST_F(Sliders, WheelStepsByOne) {
   wheel(120);
   wheel(-120);
   EXPECT_EQ(form_.notes, (Notes{"change 13", "change 12"}));

@@ -20,7 +20,7 @@
 namespace kelvora {
 namespace {
 
-/// A server on loopback and a socket of the game that notes its events.
+/// A server on loopback, and a socket of the game that records its events.
 class Socket : public ::testing::Test {
  protected:
   Socket() {
@@ -38,7 +38,7 @@ class Socket : public ::testing::Test {
     };
   }
 
-  /// Connected on both sides.
+  /// Connects both sides.
   void connect() {
     socket_->Connect();
     ASSERT_TRUE(serveUntil([this] { return socket_->State() == sckConnected && server_.hasPendingConnections(); }));
@@ -64,7 +64,7 @@ TEST_F(Socket, GoesFromClosedThroughResolvingToConnected) {
   EXPECT_EQ(socket_->State(), 0);
   socket_->Connect();
   EXPECT_TRUE(socket_->State() == 4 || socket_->State() == 6) << socket_->State();
-  EXPECT_TRUE(events_.empty()) << "events come while the window system has its turn, not before";
+  EXPECT_TRUE(events_.empty()) << "events are raised while events are processed, not before";
   ASSERT_TRUE(serveUntil([this] { return !events_.empty(); }));
   EXPECT_EQ(events_, Events{"Connect 7"});
 }
@@ -122,7 +122,7 @@ TEST_F(Socket, CarriesBytesBothWays) {
   EXPECT_EQ(received_, all);
 }
 
-TEST_F(Socket, OtherSideClosingIsStateEightUntilClose) {
+TEST_F(Socket, PeerClosingIsStateEightUntilClose) {
   connect();
   other_->close();
   ASSERT_TRUE(serveUntil([this] { return socket_->State() != sckConnected; }));
@@ -132,10 +132,10 @@ TEST_F(Socket, OtherSideClosingIsStateEightUntilClose) {
   EXPECT_THROW(socket_->SendData("x"), RuntimeFault);
   socket_->Close();
   EXPECT_EQ(socket_->State(), 0);
-  EXPECT_EQ(events_.size(), 2U) << "a Close of one's own is no event";
+  EXPECT_EQ(events_.size(), 2U) << "calling Close raises no event";
 }
 
-TEST_F(Socket, BytesThatCameBeforeTheEndAreToldBeforeIt) {
+TEST_F(Socket, BytesBeforeTheEndAreDeliveredFirst) {
   connect();
   other_->write("denied");
   other_->close();
@@ -144,7 +144,7 @@ TEST_F(Socket, BytesThatCameBeforeTheEndAreToldBeforeIt) {
   EXPECT_EQ(received_, "denied");
 }
 
-TEST_F(Socket, BytesBeforeTheEndAreToldEvenIfThereAreManyPortions) {
+TEST_F(Socket, BytesBeforeTheEndAreDeliveredInAnyNumberOfPortions) {
   connect();
   const std::string flood(1'000'000, 'x');
   other_->write(flood.data(), static_cast<qint64>(flood.size()));
@@ -154,7 +154,7 @@ TEST_F(Socket, BytesBeforeTheEndAreToldEvenIfThereAreManyPortions) {
   EXPECT_EQ(events_.back(), "Close 8");
 }
 
-TEST_F(Socket, OneEventHandsOutAllThatWasReadAhead) {
+TEST_F(Socket, OneEventDeliversAllDataReadAhead) {
   connect();
   const std::string flood(1'000'000, 'x');
   ASSERT_TRUE(serveUntil([this, &flood] {
@@ -166,7 +166,7 @@ TEST_F(Socket, OneEventHandsOutAllThatWasReadAhead) {
 }
 
 TEST_F(Socket, BytesOfABurstAreOneEvent) {
-  // Fewer than the system holds for a reader who is late, and more than one read of the toolkit brings.
+  // Less than the system buffers for a slow reader, and more than one read of the toolkit returns.
   connect();
   const std::string burst(40'000, 'x');
   for (int i = 0; i < 3; ++i) {
@@ -203,7 +203,7 @@ TEST_F(Socket, UnreadBytesStayWithinTheirBuffer) {
   connect();
   socket_->onDataArrival = nullptr;
   qint64 sent = 0;
-  // Bytes beyond the game's and the system's buffers stay with the sender.
+  // Bytes that don't fit the game's and the system's buffers stay with the sender.
   QObject::connect(other_, &QTcpSocket::bytesWritten, other_, [&sent](qint64 bytes) { sent += bytes; });
   other_->write(std::string(60'000'000, 'x').c_str(), 60'000'000);
   serveFor(200);
@@ -211,7 +211,7 @@ TEST_F(Socket, UnreadBytesStayWithinTheirBuffer) {
   EXPECT_EQ(socket_->State(), 7);
 }
 
-TEST_F(Socket, AServerThatNeverReadsIsGivenUp) {
+TEST_F(Socket, ServerThatNeverReadsIsDropped) {
   connect();
   other_->setReadBufferSize(1);
   const std::string chunk(100'000, 'x');
@@ -235,7 +235,7 @@ TEST_F(Socket, AThousandConnectionsLeaveNothingOpen) {
   const auto comeAndGo = [&](int i) {
     events_.clear();
     connect();
-    // Some ends are orderly, some are resets, some come in the middle of what is sent, some from this side.
+    // Some closes are orderly, some are resets, some come in the middle of data, some from this side.
     if (i % 2 == 0) other_->write("\x80\x86half", 6);
     if (i % 4 == 3) {
       socket_->Close();
@@ -301,7 +301,7 @@ TEST_F(Socket, MayBeDeletedInItsOwnEvents) {
   serveFor(20);
 }
 
-TEST_F(Socket, TheEndToldWithinAnotherEventIsTheEnd) {
+TEST_F(Socket, CloseRaisedWithinAnotherEventComesLast) {
   connect();
   socket_->onDataArrival = [this] {
     socket_->GetData();
@@ -312,7 +312,7 @@ TEST_F(Socket, TheEndToldWithinAnotherEventIsTheEnd) {
   ASSERT_TRUE(serveUntil([this] { return socket_->State() == sckClosing; }));
   serveFor(20);
   EXPECT_EQ(socket_->State(), 8);
-  EXPECT_EQ(events_, (Events{"Connect 7", "Close 8"})) << "it is not told again that the connection stands";
+  EXPECT_EQ(events_, (Events{"Connect 7", "Close 8"})) << "Connect is not raised again";
 }
 
 TEST_F(Socket, ClosingInCloseEventLeavesItClosed) {

@@ -29,10 +29,10 @@ TEST_F(Window, ClientAreaHasTheDesignedSizeBesideTheMenuBar) {
   EXPECT_EQ(window.client()->size(), QSize(400, 300));
   EXPECT_GT(window.menuBar()->height(), 0);
   EXPECT_EQ(window.height(), 300 + window.menuBar()->height());
-  EXPECT_EQ(slot_->notes, Notes{}) << "the designed size is no new size";
+  EXPECT_EQ(slot_->notes, Notes{}) << "the designed size isn't a new size";
 }
 
-TEST_F(Window, ControlsStandAtTheirPixels) {
+TEST_F(Window, ControlsAreAtTheirPixels) {
   slot_->Show();
   EXPECT_EQ(widgetOf(slot_->box).geometry(), QRect(100, 40, 200, 100));
   slot_->box.Left = 22.4F;  // 1.49 pixels
@@ -40,7 +40,7 @@ TEST_F(Window, ControlsStandAtTheirPixels) {
   EXPECT_EQ(widgetOf(slot_->box).geometry().topLeft(), QPoint(1, 2));
 }
 
-TEST_F(Window, NewSizeIsToldInTwips) {
+TEST_F(Window, NewSizeIsReportedInTwips) {
   slot_->Show();
   FormWindow& window = windowOf(*slot_);
   window.resize(500, 310 + window.menuBar()->height());
@@ -89,7 +89,7 @@ TEST_F(Window, LabelBreaksLinesBeforeItsFontShrinks) {
   Label broken{&form, {0, 0, 1500, 600}, "narrow extraordinarily", design};
   Label alone{&form, {0, 900, 1500, 600}, "extraordinarily", design};
   form.Show();
-  // The last column with ink: the second line is the longer one, and as long as it is alone.
+  // The last column with ink. The second line is the longer one, with the length that it has alone.
   const auto inkEnd = [](Label& label) {
     const QImage image = widgetOf(label).grab().toImage();
     int end = 0;
@@ -122,7 +122,7 @@ TEST_F(Window, PointerCanBeMadeInvisible) {
   EXPECT_EQ(widgetOf(slot_->box).cursor().shape(), Qt::ArrowCursor);
 }
 
-TEST_F(Window, PlaceIsTheOuterCorner) {
+TEST_F(Window, PositionIsTheOuterCorner) {
   slot_->Left = 1500;
   slot_->Top = 750;
   slot_->Show();
@@ -133,7 +133,7 @@ TEST_F(Window, PlaceIsTheOuterCorner) {
   EXPECT_EQ(slot_->Top, 900.0F);
 }
 
-TEST_F(Window, AFormThatIsNotPlacedKnowsItsPlaceAtOnce) {
+TEST_F(Window, UnplacedFormKnowsItsPositionAtOnce) {
   slot_->Show();
   EXPECT_EQ(QPoint(static_cast<int>(slot_->Left / 15), static_cast<int>(slot_->Top / 15)), windowOf(*slot_).pos());
   EXPECT_GT(slot_->Left, 0.0F);
@@ -147,7 +147,7 @@ TEST_F(Window, LowestTabIndexHasTheFocusFirst) {
   EXPECT_EQ(windowOf(*slot_).focusWidget(), &widgetOf(slot_->first));
 }
 
-TEST_F(Window, OnlyAPictureThatListensToKeysTakesTheFocus) {
+TEST_F(Window, OnlyPicturesWithKeyHandlersTakeTheFocus) {
   slot_->Show();
   slot_->box.KeyDown = nullptr;
   slot_->box.KeyPress = nullptr;
@@ -158,8 +158,8 @@ TEST_F(Window, OnlyAPictureThatListensToKeysTakesTheFocus) {
   EXPECT_EQ(windowOf(*slot_).focusWidget(), &widgetOf(slot_->box));
 }
 
-// The press comes in by way of the window system, as a player's does: only then the toolkit moves the focus by itself.
-TEST_F(Window, AClickOnAPictureWithoutKeysLeavesTheFocus) {
+// The press comes through the window system like a player's. Only then does the toolkit move the focus by itself.
+TEST_F(Window, ClickOnAPictureWithoutKeyHandlersKeepsTheFocus) {
   Form form("Pictures", {.clientWidth = 3000, .clientHeight = 3000});
   PictureBox silent(&form, {0, 0, 1500, 1500});
   PictureBox listening(&form, {1500, 0, 1500, 1500});
@@ -176,7 +176,7 @@ TEST_F(Window, AClickOnAPictureWithoutKeysLeavesTheFocus) {
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
   };
   click(silent);
-  EXPECT_EQ(clicks, 1) << "it is a click all the same";
+  EXPECT_EQ(clicks, 1) << "it still counts as a click";
   EXPECT_EQ(window.focusWidget(), &widgetOf(entry));
   click(listening);
   EXPECT_EQ(window.focusWidget(), &widgetOf(listening));
@@ -184,7 +184,7 @@ TEST_F(Window, AClickOnAPictureWithoutKeysLeavesTheFocus) {
   EXPECT_EQ(window.focusWidget(), &widgetOf(listening));
 }
 
-/// The first row of a widget's picture that is not plain background; -1 for none.
+/// The first row of a widget's picture that isn't plain background; -1 if there is none.
 int inkTop(QWidget& widget) {
   const QImage image = widget.grab().toImage();
   for (int y = 0; y < image.height(); ++y) {
@@ -195,7 +195,7 @@ int inkTop(QWidget& widget) {
   return -1;
 }
 
-TEST_F(Window, ALineStandsInTheMiddleOfItsLabelAndAHeadingAtTheTop) {
+TEST_F(Window, LinesAreCentredInTheirLabelAndHeadingsAtTheTop) {
   const FontSpec font{"Comic Sans MS", 9, true};
   const int line = QFontMetrics(toQFont(font)).height();
   const auto twips = [](int pixels) { return static_cast<float>(pixels * 15); };
@@ -223,7 +223,7 @@ TEST_F(Window, MenuShowsStateAndLeavesItToTheHandler) {
   EXPECT_FALSE(items[2]->isEnabled());
   items[0]->trigger();
   EXPECT_EQ(slot_->notes, Notes{"item"});
-  EXPECT_TRUE(items[0]->isChecked()) << "the handler has not inverted it";
+  EXPECT_TRUE(items[0]->isChecked()) << "the handler hasn't toggled it";
   slot_->item.Checked = false;
   EXPECT_FALSE(items[0]->isChecked());
   slot_->off.Enabled = true;
@@ -270,7 +270,7 @@ TEST_F(Window, TimerFollowsItsProperties) {
   EXPECT_EQ(ticks, before);
 }
 
-TEST_F(Window, ATimerThatMayRestStandsUntilItIsWoken) {
+TEST_F(Window, RestingTimerPausesUntilWoken) {
   slot_->Show();
   int ticks = 0;
   bool mayRest = false;
@@ -289,7 +289,7 @@ TEST_F(Window, ATimerThatMayRestStandsUntilItIsWoken) {
   EXPECT_FALSE(slot_->timer.isResting);
 }
 
-/// Counts the paintings of a widget.
+/// Counts how often a widget is painted.
 class PaintCounter : public QObject {
  public:
   int paintings = 0;
@@ -299,7 +299,7 @@ class PaintCounter : public QObject {
   }
 };
 
-TEST_F(Window, ALabelThatSaysTheSameAgainIsNotPaintedAgain) {
+TEST_F(Window, UnchangedLabelIsNotRepainted) {
   slot_->Show();
   PaintCounter counter;
   widgetOf(slot_->label).installEventFilter(&counter);
@@ -311,7 +311,7 @@ TEST_F(Window, ALabelThatSaysTheSameAgainIsNotPaintedAgain) {
     serveUntil([&while_] { return while_.hasExpired(); });
     return counter.paintings;
   };
-  paintingsOf([] {});  // what the showing still brings
+  paintingsOf([] {});  // paints left over from showing it
   EXPECT_EQ(paintingsOf([this] { slot_->label.Caption = "label"; }), 0);
   EXPECT_EQ(paintingsOf([this] { slot_->label.Caption = "other"; }), 1);
   EXPECT_EQ(paintingsOf([this] { slot_->label.Caption = "other"; }), 0);
@@ -338,7 +338,7 @@ TEST_F(Window, ModalShowReturnsWhenTheFormIsUnloaded) {
   DoEvents();
 }
 
-TEST_F(Window, AModalFormThatIsShownAgainReleasesTheOthersWhenItGoes) {
+TEST_F(Window, ReshownModalFormUnblocksTheOthersWhenItCloses) {
   Form main("Main", {.clientWidth = 3000, .clientHeight = 3000});
   PictureBox picture(&main, {0, 0, 3000, 3000});
   int clicks = 0;
@@ -350,7 +350,7 @@ TEST_F(Window, AModalFormThatIsShownAgainReleasesTheOthersWhenItGoes) {
   QTimer::singleShot(0, [this, &click, &clicks] {
     slot_->Show();
     click();
-    EXPECT_EQ(clicks, 0) << "it is modal as before";
+    EXPECT_EQ(clicks, 0) << "it is still modal";
     slot_.unload();
   });
   slot_->Show(Form::Modality::Modal);

@@ -19,7 +19,7 @@
 namespace kelvora {
 namespace {
 
-/// The game on the real desktop, without a screen, with its own effects and with tracks of half a second.
+/// The game on the real desktop backend without a screen, with its own effects and with tracks of half a second.
 class SoundingGame : public ::testing::Test {
  protected:
   SoundingGame() {
@@ -68,7 +68,7 @@ class SoundingGame : public ::testing::Test {
   std::unique_ptr<QtDesktop> desktop_;
 };
 
-TEST_F(SoundingGame, PlaysEveryEffectAloud) {
+TEST_F(SoundingGame, PlaysEveryEffectAudibly) {
   soundMan::initAudio();
   // A busy machine starts an effect too late, and leaves it out.
   auto next = std::chrono::steady_clock::now();
@@ -82,7 +82,7 @@ TEST_F(SoundingGame, PlaysEveryEffectAloud) {
   for (int slot = 0; slot <= 8; ++slot) EXPECT_TRUE(frmSound->mm(slot).isOpen()) << slot;
 }
 
-TEST_F(SoundingGame, MusicGoesOnFromTrackToTrackWithItsWindowHidden) {
+TEST_F(SoundingGame, MusicContinuesFromTrackToTrackWithItsWindowHidden) {
   soundMan::initAudio();
   soundMan::startMusic();
   frmMusic->tmrNext.Interval = 20;
@@ -96,7 +96,7 @@ TEST_F(SoundingGame, MusicGoesOnFromTrackToTrackWithItsWindowHidden) {
   EXPECT_TRUE(isHeard());
 }
 
-TEST_F(SoundingGame, MainWindowIsTheOwnerThoughTheMusicCameFirst) {
+TEST_F(SoundingGame, MainWindowIsTheOwnerEvenIfTheMusicLoadsFirst) {
   soundMan::startMusic();
   frmMain->Show();
   frmMusic->Show();

@@ -15,7 +15,7 @@
 namespace kelvora {
 namespace {
 
-/// The mixer's arithmetic may miss a sample by this much.
+/// The mixer's arithmetic may be off by this much per sample.
 constexpr int tolerance = 2;
 
 bool isNear(int sample, int expected) { return std::abs(sample - expected) <= tolerance; }
@@ -102,7 +102,7 @@ TEST_F(Mixer, LetsEffectsSoundOverOneAnother) {
   ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 3'000); }));
   mixer.startEffect(high);
   EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 8'000); }));
-  EXPECT_TRUE(waitFor([&] { return isNear(recording.left().back(), 3'000); })) << "the first one runs on";
+  EXPECT_TRUE(waitFor([&] { return isNear(recording.left().back(), 3'000); })) << "the first one continues";
 }
 
 TEST_F(Mixer, IsSilentAfterAStop) {
@@ -127,7 +127,7 @@ TEST_F(Mixer, DoesNotLetASilencedEffectBeHeard) {
   EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 3'000); }));
 }
 
-TEST_F(Mixer, GivesAChannelOnAfterItsClose) {
+TEST_F(Mixer, ReusesAClosedChannel) {
   awaitDevice();
   const int first = mixer.openEffect(wave("first.wav", constant(30, 3'000)));
   const int second = mixer.openEffect(wave("second.wav", constant(30, 4'000)));
@@ -140,13 +140,13 @@ TEST_F(Mixer, GivesAChannelOnAfterItsClose) {
   const int third = mixer.openEffect(wave("third.wav", constant(30, 5'000)));
   EXPECT_EQ(third, first);
   mixer.startEffect(third);
-  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); })) << "and not silent as its forerunner was";
+  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); })) << "and not muted like its predecessor";
 }
 
-TEST_F(Mixer, DropsAnEffectThatIsNoSound) {
+TEST_F(Mixer, DropsAFileThatIsNotASound) {
   awaitDevice();
   const auto file = folder.path() / "broken.wav";
-  std::ofstream(file) << "RIFF....WAVE and then nothing of the kind";
+  std::ofstream(file) << "RIFF....WAVE and then garbage";
   const int broken = mixer.openEffect(file.string());
   const int whole = mixer.openEffect(wave("whole.wav", constant(0.1, 5'000)));
   mixer.startEffect(broken);
@@ -155,7 +155,7 @@ TEST_F(Mixer, DropsAnEffectThatIsNoSound) {
   EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); }));
 }
 
-TEST_F(Mixer, TellsWhenATrackPlaysAndWhenItHasEnded) {
+TEST_F(Mixer, ReportsWhenATrackPlaysAndWhenItHasEnded) {
   EXPECT_EQ(mixer.musicState(), psReady);
   mixer.startMusic(wave("track.wav", constant(1.5, 2'000)));
   EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psPlaying; }));
@@ -167,7 +167,7 @@ TEST_F(Mixer, PlaysOneTrackAtATime) {
   mixer.startMusic(wave("one.wav", constant(30, 2'000)));
   ASSERT_TRUE(waitFor([&] { return contains(recording.left(), 2'000); }));
   mixer.startMusic(wave("two.wav", constant(30, 7'000)));
-  EXPECT_NE(mixer.musicState(), psStopped) << "the change of tracks is no end of one";
+  EXPECT_NE(mixer.musicState(), psStopped) << "changing tracks doesn't count as an end";
   EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 7'000); }));
   EXPECT_FALSE(contains(recording.left(), 9'000));
   EXPECT_EQ(mixer.musicState(), psPlaying);
@@ -200,7 +200,7 @@ TEST_F(Mixer, HasTheCodecOfTheGamesTracks) {
 }
 
 TEST_F(Mixer, LeavesSignalsAndTheScreenAlone) {
-  // A run in the background ignores the first one.
+  // A background process ignores the first one.
   for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, SIG_DFL);
   awaitDevice();
   mixer.startEffect(mixer.openEffect(wave("some.wav", constant(0.1, 5'000))));
@@ -213,23 +213,23 @@ TEST_F(Mixer, LeavesSignalsAndTheScreenAlone) {
   EXPECT_EQ(SDL_WasInit(SDL_INIT_VIDEO), 0U);
 }
 
-TEST_F(Mixer, MakesNoDeviceBeforeTheFirstFile) {
+TEST_F(Mixer, OpensNoDeviceBeforeTheFirstFile) {
   EXPECT_EQ(mixer.musicState(), psReady);
   mixer.stopMusic();
   EXPECT_EQ(mixer.musicState(), psReady);
   EXPECT_FALSE(std::filesystem::exists(folder.path() / "device.raw"));
 }
 
-/// A device whose opening hangs until somebody reads from it, and which breaks when nobody does any more.
+/// A device that hangs while being opened until somebody reads from it, and that breaks when nobody reads any more.
 class HangingDevice : public Mixer {
  protected:
   HangingDevice() : Mixer(SoundMixer::usualPatience) {
-    std::signal(SIGPIPE, SIG_IGN);  // from here on: the mixer may write until it is gone
+    std::signal(SIGPIPE, SIG_IGN);  // from here on, because the mixer may write until it is destroyed
     EXPECT_EQ(mkfifo(pipe_.c_str(), 0600), 0);
   }
 
   void beginReading() { reader_ = open(pipe_.c_str(), O_RDONLY | O_NONBLOCK); }
-  /// Reads on and tells whether anything but silence came.
+  /// Continues reading. True if anything but silence arrived.
   bool readSound() {
     std::array<char, 65536> bytes{};
     const ssize_t count = read(reader_, bytes.data(), bytes.size());
@@ -245,9 +245,9 @@ class HangingDevice : public Mixer {
   ssize_t received_ = 0;
 };
 
-TEST_F(HangingDevice, HoldsNobodyUpAndLateEffectsAreLeftOut) {
+TEST_F(HangingDevice, BlocksNobodyAndDropsLateEffects) {
   const std::string file = wave("effect.wav", constant(0.2, 5'000));
-  // The device's opening takes as long as nobody reads, and none of these calls waits for it.
+  // The device opens only once somebody reads, and none of these calls waits for it.
   int effect = 0;
   for (int i = 0; i < 9; ++i) effect = mixer.openEffect(file);
   mixer.silenceEffect(effect, false);
@@ -265,7 +265,7 @@ TEST_F(HangingDevice, HoldsNobodyUpAndLateEffectsAreLeftOut) {
   EXPECT_FALSE(heard);
   EXPECT_EQ(mixer.musicState(), psStopped);
   mixer.startEffect(effect);
-  EXPECT_TRUE(waitFor([&] { return readSound(); })) << "from now on all is well";
+  EXPECT_TRUE(waitFor([&] { return readSound(); })) << "from now on everything works";
   breakDevice();
 }
 
@@ -279,10 +279,10 @@ TEST_F(HangingDevice, ThatVanishesInPlayDoesNoHarm) {
     mixer.startEffect(effect);
     mixer.stopEffect(effect);
   }
-  EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psStopped; })) << "the track runs out unheard";
+  EXPECT_TRUE(waitFor([&] { return mixer.musicState() == psStopped; })) << "the track ends unheard";
 }
 
-/// Machines without sound, of the several kinds that there are.
+/// Several kinds of machines without sound.
 class SilentMachine : public ::testing::TestWithParam<const char*> {
  protected:
   SilentMachine() {
@@ -292,7 +292,7 @@ class SilentMachine : public ::testing::TestWithParam<const char*> {
   ScopedEnvironment environment;
 };
 
-TEST_P(SilentMachine, HasNoWordForIt) {
+TEST_P(SilentMachine, PrintsNothing) {
   ::testing::internal::CaptureStdout();
   ::testing::internal::CaptureStderr();
   bool settled = false;
@@ -314,7 +314,7 @@ TEST_P(SilentMachine, HasNoWordForIt) {
 INSTANTIATE_TEST_SUITE_P(Drivers, SilentMachine, ::testing::Values("alsa", "dummy", "no-such-driver"),
                          [](const auto& instance) { return "Number" + std::to_string(instance.index); });
 
-TEST(MixedSound, OpensWaveFilesAlone) {
+TEST(MixedSound, OpensOnlyWaveFiles) {
   const auto mixer = std::make_shared<SoundMixer>();
   ScopedEnvironment environment;
   environment.set("SDL_AUDIODRIVER", "dummy");

@@ -29,7 +29,7 @@ TEST(SoundModule, OpensADeviceThatPlays) {
   EXPECT_FALSE(device->isMusicPlaying());
 }
 
-/// A file that is no library, and one that is a library of something else.
+/// A file that isn't a library, and a library of something else.
 class UselessModule : public ::testing::TestWithParam<const char*> {
  protected:
   UselessModule() { std::ofstream(folder.path() / "text.so") << "no library"; }
@@ -40,7 +40,7 @@ class UselessModule : public ::testing::TestWithParam<const char*> {
   TemporaryFolder folder;
 };
 
-TEST_P(UselessModule, LeavesTheGameSilentWithoutAWord) {
+TEST_P(UselessModule, LeavesTheGameSilentWithoutAMessage) {
   ::testing::internal::CaptureStdout();
   ::testing::internal::CaptureStderr();
   bool settled = false;
@@ -55,7 +55,7 @@ TEST_P(UselessModule, LeavesTheGameSilentWithoutAWord) {
     mixer.stopMusic();
     mixer.closeEffect(effect);
   }
-  EXPECT_TRUE(settled) << "as when a track cannot be played: the timer goes on to the next";
+  EXPECT_TRUE(settled) << "as for an unplayable track: the timer moves on to the next";
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }

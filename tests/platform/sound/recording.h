@@ -19,7 +19,7 @@ using Samples = std::vector<std::int16_t>;
 
 inline constexpr int sampleRate = 44100;
 
-/// Sets environment variables and puts them back at its end.
+/// Sets environment variables and restores them in its destructor.
 class ScopedEnvironment {
  public:
   ScopedEnvironment() = default;
@@ -41,7 +41,7 @@ class ScopedEnvironment {
   std::map<std::string, std::optional<std::string>> before_;
 };
 
-/// A folder of its own that is gone afterwards.
+/// A temporary folder, removed by its destructor.
 class TemporaryFolder {
  public:
   TemporaryFolder() {
@@ -61,7 +61,7 @@ class TemporaryFolder {
   std::filesystem::path path_;
 };
 
-/// Looks again and again, for a minute at most.
+/// Polls until `isDone()` holds. False after a minute.
 inline bool waitFor(const std::function<bool()>& isDone) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
   while (!isDone()) {
@@ -71,7 +71,7 @@ inline bool waitFor(const std::function<bool()>& isDone) {
   return true;
 }
 
-/// Writes a wave file: one channel, 16 bits, 44100 samples a second.
+/// Writes a wave file: one channel, 16 bits, 44100 samples per second.
 inline void writeWave(const std::filesystem::path& file, const Samples& samples) {
   std::ofstream out(file, std::ios::binary);
   const auto number = [&out](std::size_t value, int bytes) {
@@ -93,7 +93,7 @@ inline void writeWave(const std::filesystem::path& file, const Samples& samples)
   for (const std::int16_t sample : samples) number(static_cast<std::uint16_t>(sample), 2);
 }
 
-/// The sound device is a file. `left()` and `right()` return what it has received so far.
+/// Makes a file the sound device. `left()` and `right()` return the samples written so far.
 class Recording {
  public:
   explicit Recording(const std::filesystem::path& file) : file_(file) {

@@ -11,7 +11,7 @@
 namespace kelvora {
 namespace {
 
-/// As long as it lives the machine has no room for another thread's stack.
+/// While it exists, the process has no memory for another thread's stack.
 class NoThreads {
  public:
   NoThreads() {

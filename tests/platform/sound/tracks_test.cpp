@@ -57,7 +57,7 @@ Track decode(const std::string& file) {
 
 class Tracks : public ::testing::TestWithParam<const char*> {};
 
-TEST_P(Tracks, LastAMinuteAtTheCommonLoudnessWithoutClicks) {
+TEST_P(Tracks, LastAMinuteAtTheSameLoudnessWithoutClicks) {
   const Track track = decode(std::string(KELVORA_SOURCE_DIR "/sounds/") + GetParam() + ".mp3");
   EXPECT_GE(track.seconds, 60);
   EXPECT_LE(track.seconds, 75);

@@ -34,7 +34,7 @@ void clickAt(QWindow& window, QPoint place) {
   if (still && still->isVisible()) mouse(window, place, QEvent::MouseButtonRelease);
 }
 
-/// So late that it makes no double click with the one before.
+/// Late enough not to form a double-click with the previous press.
 void clickAfterAWhile(QWindow& window, QPoint place) {
   timestamp += 1000;
   clickAt(window, place);
@@ -59,7 +59,7 @@ void addVisible(std::vector<Form*>& forms, FormSlot<FormType>& slot) {
   if (slot.isVisible()) forms.push_back(&*slot);
 }
 
-/// Notes whether input of one kind reaches the widgets of a window, and keeps all input from all widgets.
+/// Records whether input of one kind reaches the widgets of a window, and keeps all input from all widgets.
 class Interceptor : public QObject {
  public:
   Interceptor(const QWidget& window, QEvent::Type type) : window_(window), type_(type) {
@@ -132,7 +132,7 @@ void choose(const QString& menu, const QString& item) {
         clickAfterAWhile(*list.windowHandle(), list.actionGeometry(action).center());
       }
     }
-    list.close();  // an item that is disabled leaves it open
+    list.close();  // a disabled item leaves it open
   }
 }
 

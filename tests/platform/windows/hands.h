@@ -8,8 +8,8 @@
 
 namespace kelvora::hands {
 
-// A user's hands and eyes. Clicks and keys enter the toolkit as those of a window system do, so that a modal window
-// stops them. Touching what is not on the screen does nothing.
+// A user's hands and eyes. Clicks and keys enter the toolkit like those of a window system, so a modal window blocks
+// them. Nothing happens for widgets that are not on the screen.
 
 /// The forms of the game that are on the screen.
 std::vector<Form*> visibleForms();

@@ -12,7 +12,7 @@ struct Step {
   void (*perform)(ScriptedDesktop& desktop);
 };
 
-/// All of them.
+/// All steps.
 std::span<const Step> steps();
 
 }  // namespace kelvora

@@ -48,7 +48,7 @@ bool closingEndsTheProcess() {
   return endOf(child).empty();
 }
 
-/// The contents of the screen, in words.
+/// Describes the contents of the screen.
 std::string situation() {
   std::string words = modMain::world.localPlayer.isConnected ? "in the game" : "at the title";
   for (const Form* form : hands::visibleForms()) {
@@ -58,7 +58,7 @@ std::string situation() {
   return words;
 }
 
-/// The rule that the windows break now; empty for none.
+/// The rule that the windows currently break; empty for none.
 std::string complaint() {
   const std::vector<Form*> forms = hands::visibleForms();
   if (std::ranges::any_of(forms, isModal) || !hands::visibleBoxes().empty()) {
@@ -73,8 +73,8 @@ std::string complaint() {
   return closingEndsTheProcess() ? "" : "closing the main window does not end the process";
 }
 
-/// Runs the game in its own process. A timer takes the steps: one that opens a modal window returns only when that
-/// window has gone, and the nested event loop has to take the next.
+/// Runs the game in its own process. A timer takes the steps: one that opens a modal window returns only after that
+/// window has closed, so the nested event loop must take the next.
 class Walker {
  public:
   Walker(const Steps& steps, int report) : steps_(steps), report_(report) {

@@ -55,7 +55,7 @@ Steps named(std::initializer_list<std::string> names) {
   return sequence;
 }
 
-/// Random steps, mixed with rows of steps that chance alone would rarely draw.
+/// Random steps, mixed with sequences that chance alone would rarely produce.
 Steps randomSteps(std::uint32_t seed) {
   constexpr std::size_t fewest = 20;
   constexpr std::size_t variety = 60;
@@ -103,7 +103,7 @@ TEST(Windows, MainWindowSurvivesALoginDeniedUnderTheFinder) {
   EXPECT_TRUE(outcome.seen.contains("in the game"));
 }
 
-// KELVORA_WINDOW_STEPS: how many steps in all. KELVORA_WINDOW_SEED: the seed of the first sequence.
+// KELVORA_WINDOW_STEPS: the number of steps. KELVORA_WINDOW_SEED: the seed of the first sequence.
 TEST(Windows, StayReachableInAnySequenceOfSteps) {
   constexpr std::uint32_t usual = 1500;
   const std::uint32_t enough = fromEnvironment("KELVORA_WINDOW_STEPS", usual);
@@ -122,7 +122,7 @@ TEST(Windows, StayReachableInAnySequenceOfSteps) {
            << text(few) << "It ends with: " << walk(few).complaint;
   }
   std::cout << taken << " steps in " << seed - first << " sequences, " << seen.size() << " situations\n";
-  if (first != 1 || enough < usual) return;  // others may miss some of these
+  if (first != 1 || enough < usual) return;  // other seeds may miss some of these
   for (const char* met : {"at the title", "at the title, Connect", "at the title, Connect modal",
                           "at the title, Connect, Game Finder modal", "at the title, Connect, a box", "in the game",
                           "in the game, Powerups", "in the game, a box"}) {

@@ -22,7 +22,7 @@ inline ArenaRules quietRulesWithIncome(int income) {
   return rules;
 }
 
-/// An arena whose clients are lists of what they got.
+/// An arena whose clients only record what they get.
 class ArenaTest : public testing::Test, protected Recorder {
  protected:
   static constexpr ClientId ann = 1;
@@ -56,7 +56,7 @@ class ArenaTest : public testing::Test, protected Recorder {
     report(client, x - 1'000, y + 1'000);
     report(client, x - 1'000, y - 1'200);
   }
-  /// One captures the other in the middle of the world. Discards what everybody got.
+  /// Lets one player capture another in the middle of the world. Discards what everybody got.
   void capture(ClientId winner, ClientId loser) {
     report(loser, 50'000, 50'000);
     circle(winner, 50'000, 50'000);

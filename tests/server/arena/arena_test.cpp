@@ -3,7 +3,7 @@
 namespace kelvora::server {
 namespace {
 
-TEST_F(ArenaTest, ALoginIsAcceptedWithColourNodeAndPlace) {
+TEST_F(ArenaTest, LoginIsAcceptedWithColourNodeAndPosition) {
   arena.connected(ann, now);
   say(ann, wire::msgLogin, {"Ann", "whatever", "4", KELVORA_VERSION});
   ASSERT_EQ(got[ann].size(), 2U);
@@ -55,7 +55,7 @@ TEST_F(ArenaTest, AnInvalidColourIsReplacedToo) {
   }
 }
 
-TEST_F(ArenaTest, NodesAreNotGivenTwiceInARow) {
+TEST_F(ArenaTest, NodesAreNotReusedAtOnce) {
   EXPECT_EQ(login(ann, "Ann"), 1);
   arena.disconnected(ann);
   EXPECT_EQ(login(bob, "Bob"), 2);
@@ -95,14 +95,14 @@ TEST_F(ArenaTest, SixFillTheArena) {
   EXPECT_EQ(refusal(arena, {"Ann", "", "0", KELVORA_VERSION}), "");
 }
 
-TEST_F(ArenaTest, ARefusedClientIsHeardNoMore) {
+TEST_F(ArenaTest, RefusedClientIsIgnored) {
   refusal(arena, {"", "", "0", KELVORA_VERSION});
   got.clear();
   say(99, wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION});
   EXPECT_TRUE(got.empty());
 }
 
-TEST_F(ArenaTest, NothingCountsBeforeTheLoginAndNoSecondLoginAfterIt) {
+TEST_F(ArenaTest, IgnoresMessagesBeforeTheLoginAndSecondLogins) {
   login(ann, "Ann");
   arena.connected(bob, now);
   say(bob, wire::msgChat, {"-1", "hello"});
@@ -113,7 +113,7 @@ TEST_F(ArenaTest, NothingCountsBeforeTheLoginAndNoSecondLoginAfterIt) {
   EXPECT_TRUE(got.empty());
 }
 
-TEST_F(ArenaTest, LeavingIsToldToTheRest) {
+TEST_F(ArenaTest, DeparturesAreAnnouncedToTheRest) {
   login(ann, "Ann");
   login(bob, "Bob");
   arena.connected(cat, now);
@@ -121,10 +121,10 @@ TEST_F(ArenaTest, LeavingIsToldToTheRest) {
   EXPECT_EQ(got, (std::map<ClientId, std::vector<Message>>{{ann, {{wire::msgPlayerLeft, {"2"}}}}}));
   arena.disconnected(cat);
   arena.disconnected(bob);
-  EXPECT_EQ(got[ann].size(), 1U) << "who was not in, or has left, leaves no second time";
+  EXPECT_EQ(got[ann].size(), 1U) << "nobody leaves who was not in or has already left";
 }
 
-TEST_F(ArenaTest, PositionsGoToEverybodyInTheVeryTextThatCameIn) {
+TEST_F(ArenaTest, PositionsAreRelayedToEverybodyAsReceived) {
   login(ann, "Ann");
   login(bob, "Bob");
   say(ann, wire::msgPositionReport, {".5", "1.234568E+04"});
@@ -133,7 +133,7 @@ TEST_F(ArenaTest, PositionsGoToEverybodyInTheVeryTextThatCameIn) {
   EXPECT_EQ(got[bob], expected);
 }
 
-TEST_F(ArenaTest, TheEdgesOfTheWorldArePartOfIt) {
+TEST_F(ArenaTest, WorldIncludesItsEdges) {
   login(ann, "Ann");
   say(ann, wire::msgPositionReport, {"0", "100000"});
   EXPECT_EQ(got[ann].size(), 1U);
@@ -148,14 +148,14 @@ TEST_F(ArenaTest, InvalidPositionsAreRefused) {
   EXPECT_TRUE(got.empty());
 }
 
-TEST_F(ArenaTest, AFloodOfPositionsIsThinnedOut) {
+TEST_F(ArenaTest, FloodOfPositionsIsThrottled) {
   login(ann, "Ann");
   login(bob, "Bob");
-  for (int i = 0; i < 10'000; ++i) {  // ten a millisecond
+  for (int i = 0; i < 10'000; ++i) {  // ten per millisecond
     if (i % 10 == 0) ++now;
     say(ann, wire::msgPositionReport, {"1", "2"});
   }
-  // The burst of 50 and 100 in the second.
+  // The burst of 50, then 100 per second.
   EXPECT_GE(got[bob].size(), 149U);
   EXPECT_LE(got[bob].size(), 151U);
   say(bob, wire::msgPositionReport, {"3", "4"});
@@ -173,10 +173,10 @@ TEST_F(ArenaTest, PingsComeSoonAfterTheLoginAndThenFiveTimesAMinute) {
   EXPECT_EQ(got[ann].size(), 1U);
   arena.tick(now + 13'000);
   EXPECT_EQ(got[ann].size(), 2U);
-  EXPECT_FALSE(got.contains(bob)) << "he is not in";
+  EXPECT_FALSE(got.contains(bob)) << "not logged in";
 }
 
-TEST_F(ArenaTest, TheAnswerToAPingIsMeasuredOnce) {
+TEST_F(ArenaTest, PingReplyIsMeasuredOnce) {
   login(ann, "Ann");
   say(ann, wire::msgPingReply, {"43200"});
   EXPECT_TRUE(got.empty());
@@ -217,7 +217,7 @@ TEST_F(ArenaTest, PrivateChatGoesToTheAddresseeAndBack) {
   EXPECT_EQ(got, (std::map<ClientId, std::vector<Message>>{{ann, expected}, {cat, expected}}));
   got.clear();
   say(ann, wire::msgChat, {"1", "(private) me"});
-  EXPECT_EQ(got[ann].size(), 1U) << "to oneself it comes once";
+  EXPECT_EQ(got[ann].size(), 1U) << "a message to yourself arrives once";
 }
 
 TEST_F(ArenaTest, ChatToAnUnknownPlayerIsAnsweredToItsSender) {
@@ -239,14 +239,14 @@ TEST_F(ArenaTest, InvalidChatIsDropped) {
   EXPECT_TRUE(got.empty());
 }
 
-TEST_F(ArenaTest, ChatLosesItsControlCharactersAndMayBeEmpty) {
+TEST_F(ArenaTest, ControlCharactersAreRemovedFromChatWhichMayBeEmpty) {
   login(ann, "Ann");
   say(ann, wire::msgChat, {"-1", "a\r\nb\x7F"});
   say(ann, wire::msgChat, {"-1", ""});
   EXPECT_EQ(got[ann], (std::vector<Message>{{wire::msgChat, {"1", "ab"}}, {wire::msgChat, {"1", ""}}}));
 }
 
-TEST_F(ArenaTest, AFloodOfChatIsThinnedOut) {
+TEST_F(ArenaTest, FloodOfChatIsThrottled) {
   login(ann, "Ann");
   for (int i = 0; i < 1000; ++i) say(ann, wire::msgChat, {"-1", "hello"});
   EXPECT_EQ(got[ann].size(), 20U);
@@ -255,7 +255,7 @@ TEST_F(ArenaTest, AFloodOfChatIsThinnedOut) {
   EXPECT_EQ(got[ann].size(), 30U);
 }
 
-TEST_F(ArenaTest, NewcomersLearnWhoIsDeadAndOfTheKills) {
+TEST_F(ArenaTest, NewcomersLearnDeathsAndKills) {
   login(ann, "Ann");
   login(cat, "Cat");
   capture(cat, ann);

@@ -17,7 +17,7 @@ class CapturesTest : public ArenaTest {
     login(cat, "Cat", "2");
     login(dan, "Dan", "3");
   }
-  /// Winner, loser, x, y of each.
+  /// Each capture's winner, loser, x and y.
   std::vector<Fields> told() { return all(dan, wire::msgTailCapture); }
 
   static constexpr ClientId dan = 4;
@@ -38,7 +38,7 @@ TEST_F(CapturesTest, PlayersInsideAreCapturedAtTheOldestVertexOfTheLoop) {
   const std::vector<Message> expected{{wire::msgPosition, {"1", "49000", "48800"}},
                                       {wire::msgTailCapture, {"1", "2", "5.1E+04", "49000"}},
                                       {wire::msgFunds, {"1", "20"}}};
-  for (const ClientId client : {ann, bob, cat, dan}) EXPECT_EQ(got[client], expected) << "in its very text";
+  for (const ClientId client : {ann, bob, cat, dan}) EXPECT_EQ(got[client], expected) << "with its exact text";
   EXPECT_FALSE(view(bob).isAlive);
   EXPECT_TRUE(view(cat).isAlive);
   EXPECT_EQ(view(ann).kills, 1);
@@ -56,7 +56,7 @@ TEST_F(CapturesTest, PlayersOnTheLoopAreNotCaptured) {
 
 TEST_F(CapturesTest, AShieldDoesNotHelp) {
   begin();
-  capture(bob, dan);  // for the credits
+  capture(bob, dan);  // to earn credits
   say(bob, wire::msgBuyRequest, {"0"});
   say(bob, wire::msgActivateRequest, {"0"});
   ASSERT_TRUE(view(bob).isRunning[shieldSlot]);
@@ -65,7 +65,7 @@ TEST_F(CapturesTest, AShieldDoesNotHelp) {
   EXPECT_FALSE(view(bob).isAlive);
 }
 
-TEST_F(CapturesTest, AllInsideAreToldAtTheSameVertex) {
+TEST_F(CapturesTest, AllInsideAreCapturedAtTheSameVertex) {
   begin();
   report(cat, 50'000, 50'500);
   report(bob, 50'000, 50'000);
@@ -75,7 +75,7 @@ TEST_F(CapturesTest, AllInsideAreToldAtTheSameVertex) {
   EXPECT_EQ(view(ann).funds, 30);
 }
 
-TEST_F(CapturesTest, AsLongAsOneWaitsItsWinnerNamesTheSameVertex) {
+TEST_F(CapturesTest, WhileOneIsPendingItsWinnerNamesTheSameVertex) {
   begin();
   report(bob, 50'000, 50'000);
   report(cat, 20'000, 20'000);
@@ -89,7 +89,7 @@ TEST_F(CapturesTest, AsLongAsOneWaitsItsWinnerNamesTheSameVertex) {
   EXPECT_EQ(told().back(), (Fields{"1", "4", "51000", "49000"})) << "the second one waits in its turn";
 }
 
-TEST_F(CapturesTest, OnceItHasLandedTheNextOneNamesItsOwnVertex) {
+TEST_F(CapturesTest, OnceOneHasLandedTheNextNamesItsOwnVertex) {
   begin();
   report(bob, 50'000, 50'000);
   report(cat, 20'000, 20'000);
@@ -107,7 +107,7 @@ TEST_F(CapturesTest, TwoWinnersNeverNameTheSameCoordinates) {
     report(ann, x, y);
     report(dan, x, y);
   }
-  // Ann's loop takes Bob and Cat. Bob respawns before Dan closes a loop of the same vertices.
+  // Ann's loop captures Bob and Cat. Bob respawns before Dan closes a loop of the same vertices.
   report(ann, 49'000, 48'800);
   EXPECT_EQ(told(), (std::vector<Fields>{{"1", "2", "51000", "49000"}, {"1", "3", "51000", "49000"}}));
   login(5, "Eve", "4");
@@ -116,7 +116,7 @@ TEST_F(CapturesTest, TwoWinnersNeverNameTheSameCoordinates) {
   EXPECT_EQ(told(), (std::vector<Fields>{{"4", "5", "51000", "51000"}}));
 }
 
-TEST_F(CapturesTest, WhereEveryVertexIsTakenNoneIsNamed) {
+TEST_F(CapturesTest, NoVertexIsNamedIfAllAreTaken) {
   begin();
   login(5, "Eve", "4");
   login(6, "Flo", "5");
@@ -125,7 +125,7 @@ TEST_F(CapturesTest, WhereEveryVertexIsTakenNoneIsNamed) {
     report(winner, 51'000, 49'000);
     report(winner, 51'000, 51'000);
   }
-  // A triangle each: its two vertices are named by the first two, and the third has none left.
+  // Three identical triangles: the first two captures name its two vertices, and none is left for the third.
   for (const auto& [winner, loser] : {std::pair{ann, bob}, {cat, 4U}, {5U, 6U}}) {
     report(loser, 50'800, 49'500);
     report(winner, 49'000, 48'000);
@@ -145,10 +145,10 @@ TEST_F(CapturesTest, TheDeadNeitherCaptureNorAreCaptured) {
   report(bob, 30'000, 30'000);
   circle(cat, 30'000, 30'000);
   EXPECT_TRUE(told().empty()) << "Bob has been captured already";
-  EXPECT_EQ(all(dan, wire::msgPosition).size(), 17U) << "but he is seen to fly on";
+  EXPECT_EQ(all(dan, wire::msgPosition).size(), 17U) << "but clients see Bob fly on";
 }
 
-TEST_F(CapturesTest, ATailBeginsAnewWithALife) {
+TEST_F(CapturesTest, NewLifeStartsANewTail) {
   begin();
   report(bob, 48'800, 49'000);
   report(bob, 51'000, 49'000);
@@ -171,7 +171,7 @@ TEST_F(CapturesTest, AVertexLivesForTwoSeconds) {
     now += 500;
   }
   report(ann, 49'000, 48'800);
-  EXPECT_TRUE(told().empty()) << "the first vertex has just ended, and with it the first segment";
+  EXPECT_TRUE(told().empty()) << "the first vertex has just expired, and with it the first segment";
   now += 10'000;
   for (const auto& [x, y] : {std::pair{48'800, 49'000}, {51'000, 49'000}, {51'000, 51'000}, {49'000, 51'000}}) {
     report(ann, x, y);
@@ -181,16 +181,16 @@ TEST_F(CapturesTest, AVertexLivesForTwoSeconds) {
   EXPECT_EQ(told().size(), 1U);
 }
 
-TEST_F(CapturesTest, TheSamePlaceTwiceIsOneVertex) {
+TEST_F(CapturesTest, SameSpotTwiceIsOneVertex) {
   begin();
   report(ann, 10'000, 10'000);
   report(ann, 10'000, 10'000);
   say(ann, wire::msgPositionReport, {"1E+04", "10000"});
   EXPECT_EQ(view(ann).tail.size(), 1U);
-  EXPECT_EQ(all(bob, wire::msgPosition).size(), 3U) << "it is relayed all the same";
+  EXPECT_EQ(all(bob, wire::msgPosition).size(), 3U) << "it is still relayed";
 }
 
-TEST_F(CapturesTest, ItsLoserDoesNotLiveAgainBeforeItHasLanded) {
+TEST_F(CapturesTest, LoserDoesNotRespawnBeforeItHasLanded) {
   begin();
   capture(ann, bob);
   now += 2'999;
@@ -216,7 +216,7 @@ class NoWaitTest : public CapturesTest {
     say(ann, wire::msgActivateRequest, {"3"});
     ASSERT_TRUE(view(ann).isRunning[extendedTailSlot]);
   }
-  /// When Bob, who asks at once, lives again, in ms from then on.
+  /// Bob's time until respawn after an immediate request, in ms.
   Millis wait() {
     say(bob, wire::msgSpawnRequest, {""});
     const Millis asked = now;
@@ -231,7 +231,7 @@ TEST_F(NoWaitTest, ALandingTakesThreeSeconds) {
   EXPECT_EQ(wait(), 3'000);
 }
 
-TEST_F(NoWaitTest, ARunningExtendedTailPutsItOffToItsEnd) {
+TEST_F(NoWaitTest, RunningExtendedTailDelaysItToItsEnd) {
   begin();
   pass(50'000);
   extend();
@@ -240,7 +240,7 @@ TEST_F(NoWaitTest, ARunningExtendedTailPutsItOffToItsEnd) {
   EXPECT_EQ(wait(), 4'000 + 3'000);
 }
 
-TEST_F(NoWaitTest, SoDoesOneThatBeginsMeanwhile) {
+TEST_F(NoWaitTest, SoDoesOneThatStartsMeanwhile) {
   begin();
   pass(50'000);
   capture(ann, bob);
@@ -273,14 +273,14 @@ TEST_F(CapturesTest, ExtendedTailsKeepTheirVertices) {
   EXPECT_EQ(view(ann).tail.size(), 2U);
   pass(1);
   EXPECT_EQ(view(ann).tail, (std::vector<Point>{{12'000, 10'000}}))
-      << "five seconds: what had aged before ends at once";
+      << "five seconds: vertices that had aged before expire at once";
   pass(1'999);
-  EXPECT_EQ(view(ann).tail.size(), 1U) << "what was laid meanwhile has all its life before it";
+  EXPECT_EQ(view(ann).tail.size(), 1U) << "vertices laid meanwhile have their whole lifetime left";
   pass(1);
   EXPECT_TRUE(view(ann).tail.empty());
 }
 
-TEST_F(CapturesTest, DeparturesAreToldOnceTheirCapturesHaveLanded) {
+TEST_F(CapturesTest, DeparturesAreAnnouncedOnceTheirCapturesHaveLanded) {
   for (const ClientId leaver : {ann, bob}) {
     begin();
     capture(ann, bob);
@@ -316,10 +316,10 @@ TEST_F(CapturesTest, LingeringPlayersKeepColourAndNodeAndAreShownToNewcomers) {
   arena.connected(5, now);
   say(5, wire::msgLogin, {"Eve", "", "1", KELVORA_VERSION});
   pass(1);
-  EXPECT_TRUE(got[5].empty()) << "the colour that she wants is about to be free";
+  EXPECT_TRUE(got[5].empty()) << "the colour that Ann wants is about to be free";
   pass(2'999);
   EXPECT_EQ(all(5, wire::msgLoginAccepted).at(0).at(0), "1");
-  EXPECT_EQ(all(5, wire::msgPlayerLeft).size(), 0U) << "of him she has never heard";
+  EXPECT_EQ(all(5, wire::msgPlayerLeft).size(), 0U) << "she was never told about him";
 
   capture(ann, cat);
   arena.disconnected(cat);

@@ -5,7 +5,7 @@
 namespace kelvora::server {
 namespace {
 
-/// At a hundred credits a second everybody is rich soon.
+/// A hundred credits per second, so everybody is soon rich.
 class CombatTest : public ArenaTest {
  protected:
   CombatTest() : ArenaTest(quietRulesWithIncome(6'000)) {}
@@ -28,11 +28,11 @@ class CombatTest : public ArenaTest {
     say(client, wire::msgActivateRequest, {std::to_string(item)});
     EXPECT_EQ(all(cat, wire::msgPowerupOn).back().at(1), std::to_string(item));
   }
-  /// Winner and loser of each.
+  /// Each kill's winner and loser.
   std::vector<std::pair<std::string, std::string>> kills() {
     std::vector<std::pair<std::string, std::string>> found;
     for (const Fields& fields : all(cat, wire::msgTailCapture)) {
-      EXPECT_EQ(fields.at(2), "-1000000") << "no vertex is there, so that clients carry it out at once";
+      EXPECT_EQ(fields.at(2), "-1000000") << "no vertex is there, so clients carry it out at once";
       EXPECT_EQ(fields.at(3), "-1000000");
       found.emplace_back(fields.at(0), fields.at(1));
     }
@@ -40,7 +40,7 @@ class CombatTest : public ArenaTest {
   }
   using Kills = std::vector<std::pair<std::string, std::string>>;
 
-  /// Ann lays a charged segment from (30000, 20000) to (30000, 30000), the first of this life that is.
+  /// Ann lays a charged segment from (30000, 20000) to (30000, 30000), the first segment of this life.
   void layChargedSegment() {
     report(ann, 30'000, 20'000);
     pass(2'000);
@@ -63,7 +63,7 @@ TEST_F(CombatTest, AChargedSegmentKillsPlayersWhoFlyThroughIt) {
   EXPECT_EQ(view(ann).roundCaptures, 1);
 }
 
-TEST_F(CombatTest, TheBallsEdgeIsEnoughAndNoMoreReaches) {
+TEST_F(CombatTest, HitsReachExactlyToTheBallsEdge) {
   begin();
   layChargedSegment();
   report(bob, 30'400, 35'000);
@@ -114,7 +114,7 @@ TEST_F(CombatTest, AShieldProtectsAsLongAsItLasts) {
   pass(999);
   EXPECT_EQ(kills(), Kills{}) << "14.999 seconds";
   pass(1);
-  EXPECT_EQ(kills(), (Kills{{"1", "2"}})) << "it is over, and he still stands on the tail";
+  EXPECT_EQ(kills(), (Kills{{"1", "2"}})) << "it is over, and Bob is still on the tail";
 }
 
 TEST_F(CombatTest, ItsOwnerFliesThroughItUnharmed) {
@@ -174,7 +174,7 @@ TEST_F(CombatTest, ALaserHitsAtAnyTimeWhileItRuns) {
   report(cat, 50'000, 49'632);
   start(ann, laserSlot);
   pass(990);
-  EXPECT_EQ(kills(), Kills{}) << "Cat is 368 beside the beam, and the ball's radius is 367.5";
+  EXPECT_EQ(kills(), Kills{}) << "Cat is 368 from the beam, and the ball's radius is 367.5";
   report(bob, 50'000, 52'000);
   EXPECT_EQ(kills(), (Kills{{"1", "2"}})) << "flown through it";
   pass(10);
@@ -216,20 +216,20 @@ TEST_F(CombatTest, AShieldStopsALaser) {
   EXPECT_EQ(kills(), Kills{});
 }
 
-TEST_F(CombatTest, APulseKillsAllNearAndItsOwner) {
+TEST_F(CombatTest, PulseKillsEverybodyInRangeAndItsOwner) {
   begin();
   report(ann, 50'000, 50'000);
   report(bob, 50'000, 54'500);
   report(cat, 54'501, 50'000);
   start(ann, pulseSlot);
-  EXPECT_EQ(kills(), (Kills{{"1", "2"}, {"1", "1"}})) << "4500 is near, 4501 is not";
-  EXPECT_EQ(view(ann).kills, 2) << "clients count his own death too";
+  EXPECT_EQ(kills(), (Kills{{"1", "2"}, {"1", "1"}})) << "4500 is in range, 4501 is not";
+  EXPECT_EQ(view(ann).kills, 2) << "clients also count the killer's own death";
   EXPECT_EQ(view(ann).roundCaptures, 1);
   EXPECT_FALSE(view(ann).isAlive);
   EXPECT_TRUE(view(cat).isAlive);
 }
 
-TEST_F(CombatTest, OnesOwnDeathEarnsNothing) {
+TEST_F(CombatTest, OwnDeathEarnsNothing) {
   begin();
   const auto before = view(ann).funds;
   start(ann, pulseSlot);
@@ -237,7 +237,7 @@ TEST_F(CombatTest, OnesOwnDeathEarnsNothing) {
   EXPECT_EQ(view(ann).funds, before - 70);
 }
 
-TEST_F(CombatTest, APulseBreaksEveryShieldInReachTheOwnersToo) {
+TEST_F(CombatTest, PulseBreaksEveryShieldInRangeIncludingTheOwners) {
   begin();
   report(ann, 50'000, 50'000);
   report(bob, 51'000, 50'000);
@@ -254,7 +254,7 @@ TEST_F(CombatTest, APulseBreaksEveryShieldInReachTheOwnersToo) {
   EXPECT_EQ(kills(), (Kills{{"1", "2"}, {"1", "1"}}));
 }
 
-TEST_F(CombatTest, AnEarlyEndMakesReady) {
+TEST_F(CombatTest, EarlyEndAllowsAnotherActivation) {
   begin();
   start(ann, shieldSlot);
   start(ann, pulseSlot);
@@ -263,7 +263,7 @@ TEST_F(CombatTest, AnEarlyEndMakesReady) {
   EXPECT_TRUE(view(ann).isRunning[shieldSlot]);
 }
 
-TEST_F(CombatTest, NaturalEndsAreNotTold) {
+TEST_F(CombatTest, NaturalEndsAreNotAnnounced) {
   begin();
   for (int item = 0; item < pulseSlot; ++item) start(ann, item);
   pass(20'000);
@@ -283,12 +283,12 @@ TEST_F(CombatTest, KillsStayWithinTheirSixteenBits) {
   login(5, "Eve", "4");
   login(6, "Flo", "5");
   for (ClientId client = 1; client <= 6; ++client) report(client, 50'000, 50'000);
-  for (int i = 0; i < 5'462; ++i) {  // six at a time
+  for (int i = 0; i < 5'462; ++i) {  // six at once
     say(ann, wire::msgBuyRequest, {"5"});
     say(ann, wire::msgActivateRequest, {"5"});
     pass(3'000);
     for (ClientId client = 1; client <= 6; ++client) say(client, wire::msgSpawnRequest, {""});
-    pass(300);  // to earn the next one
+    pass(300);  // to earn the next pulse
     got.clear();
     if (i == 5'460) {
       EXPECT_EQ(view(ann).kills, 32'766);

@@ -5,7 +5,7 @@ namespace {
 
 using Everything = std::map<ClientId, std::vector<Message>>;
 
-/// At sixty credits a minute: one for every second alive.
+/// Sixty credits per minute: one per second alive.
 class EconomyTest : public ArenaTest {
  protected:
   EconomyTest() : ArenaTest(quietRulesWithIncome(60)) {}
@@ -14,13 +14,13 @@ class EconomyTest : public ArenaTest {
     now += time;
     arena.tick(now);
   }
-  /// Ann is in with that many credits, and she and Bob have heard nothing yet.
+  /// Logs in Ann with this many credits, then Bob. Discards what they got.
   void begin(int funds) {
     login(ann, "Ann");
     live((funds - 10) * 1'000);
     login(bob, "Bob");
   }
-  /// Ann's only answer. The others are only told her funds.
+  /// The only answer to Ann. The others only get her funds.
   Message answer() {
     EXPECT_EQ(got[ann].size(), 1U);
     for (const Message& message : got[bob]) {
@@ -41,7 +41,7 @@ class EconomyTest : public ArenaTest {
   }
 };
 
-TEST_F(EconomyTest, PurchasesAndSalesAreAnsweredToTheBuyerWithStockAndFunds) {
+TEST_F(EconomyTest, TradesAreAnsweredWithStockAndFunds) {
   begin(100);
   EXPECT_EQ(buy("1"), (Message{wire::msgBuyAccepted, {"1", "1", "90"}}));
   EXPECT_EQ(buy("1"), (Message{wire::msgBuyAccepted, {"1", "2", "80"}}));
@@ -60,7 +60,7 @@ TEST_F(EconomyTest, RefusalsAreAnsweredWithTheirReason) {
   EXPECT_EQ(sell("-1"), (Message{wire::msgSellDenied, {"The store has no such powerup."}}));
 }
 
-TEST_F(EconomyTest, TheEleventhIsRefused) {
+TEST_F(EconomyTest, EleventhPowerupIsRefused) {
   begin(110);
   for (int i = 1; i <= 10; ++i) {
     EXPECT_EQ(buy("1"), (Message{wire::msgBuyAccepted, {"1", std::to_string(i), std::to_string(110 - 10 * i)}}));
@@ -78,13 +78,13 @@ TEST_F(EconomyTest, RequestsForUnknownItemsAreDropped) {
   EXPECT_TRUE(got.empty());
 }
 
-TEST_F(EconomyTest, TheOthersAreToldATradersFunds) {
+TEST_F(EconomyTest, OthersLearnATradersFunds) {
   begin(20);
   say(ann, wire::msgBuyRequest, {"1"});
   EXPECT_EQ(got[bob], (std::vector<Message>{{wire::msgFunds, {"1", "10"}}}));
   got.clear();
   say(ann, wire::msgBuyRequest, {"0"});
-  EXPECT_FALSE(got.contains(bob)) << "a refusal is nobody else's business";
+  EXPECT_FALSE(got.contains(bob)) << "only the requester gets a refusal";
 }
 
 TEST_F(EconomyTest, TheDeadTradeToo) {
@@ -112,7 +112,7 @@ TEST_F(EconomyTest, EverybodyHasTheirOwnCredits) {
   EXPECT_EQ(view(ann).funds, 30);
 }
 
-TEST_F(EconomyTest, ReturningPlayersBeginAnew) {
+TEST_F(EconomyTest, ReturningPlayersStartOver) {
   begin(100);
   buy("5");
   arena.disconnected(ann);
@@ -124,7 +124,7 @@ TEST_F(EconomyTest, ReturningPlayersBeginAnew) {
   EXPECT_EQ(sell("5").id, wire::msgSellDenied);
 }
 
-TEST_F(EconomyTest, AFloodOfRequestsIsThinnedOut) {
+TEST_F(EconomyTest, FloodOfRequestsIsThrottled) {
   begin(1'000);
   for (int i = 0; i < 500; ++i) {
     say(ann, wire::msgBuyRequest, {"1"});
@@ -133,7 +133,7 @@ TEST_F(EconomyTest, AFloodOfRequestsIsThinnedOut) {
   EXPECT_EQ(got[ann].size(), 20U);
 }
 
-TEST_F(EconomyTest, APowerupThatStartsIsToldToEverybody) {
+TEST_F(EconomyTest, StartOfAPowerupIsAnnouncedToEverybody) {
   begin(100);
   buy("0");
   buy("1");
@@ -176,7 +176,7 @@ TEST_F(EconomyTest, ARunningPowerupIsNotStartedAgainUntilItsTimeIsOver) {
   EXPECT_EQ(got[bob], (std::vector<Message>{{wire::msgPowerupOn, {"1", "1"}}}));
 }
 
-TEST_F(EconomyTest, TheEndOfItsTimeIsNotTold) {
+TEST_F(EconomyTest, EndOfItsTimeIsNotAnnounced) {
   begin(100);
   buy("4");
   say(ann, wire::msgActivateRequest, {"4"});
@@ -187,7 +187,7 @@ TEST_F(EconomyTest, TheEndOfItsTimeIsNotTold) {
   }
 }
 
-TEST_F(EconomyTest, PowerupsRunOnThroughDeathAndRespawn) {
+TEST_F(EconomyTest, PowerupsContinueThroughDeathAndRespawn) {
   begin(100);
   buy("0");
   buy("0");
@@ -205,14 +205,13 @@ TEST_F(EconomyTest, PowerupsRunOnThroughDeathAndRespawn) {
   EXPECT_EQ(got[bob].at(0).id, wire::msgPowerupOn) << "fifteen seconds after it began";
 }
 
-TEST_F(EconomyTest, TheLivingEarnAndEverybodyIsTold) {
+TEST_F(EconomyTest, LivingPlayersEarnAndEverybodyLearnsIt) {
   login(ann, "Ann");
   live(900);
   EXPECT_TRUE(got.empty());
   login(bob, "Bob");
   live(100);
-  EXPECT_EQ(all(ann, wire::msgFunds), (std::vector<Fields>{{"1", "11"}}))
-      << "Bob has been here for a tenth of a second";
+  EXPECT_EQ(all(ann, wire::msgFunds), (std::vector<Fields>{{"1", "11"}})) << "Bob has been in for a tenth of a second";
   EXPECT_EQ(all(bob, wire::msgFunds), (std::vector<Fields>{{"1", "11"}}));
   live(900);
   EXPECT_EQ(all(ann, wire::msgFunds).back(), (Fields{"2", "11"}));

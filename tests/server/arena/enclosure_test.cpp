@@ -7,7 +7,7 @@ namespace {
 
 constexpr Millis now = 10'000;
 
-/// Ann's tail crosses itself round 10000 to 30000, and Bob is inside.
+/// Ann's tail crosses itself around 10000 to 30000, and Bob is inside.
 struct EnclosureTest : testing::Test {
   std::map<ClientId, Player> players{
       {1, playerAt(1, 0, 0)}, {2, playerAt(2, 20'000, 20'000)}, {3, playerAt(3, 40'000, 20'000)}};
@@ -44,12 +44,12 @@ TEST_F(EnclosureTest, SeveralAreCapturedTogether) {
   EXPECT_EQ(enclosedBy(ann, players, pending).losers, (std::vector<Player*>{&bob, &cat}));
 }
 
-TEST_F(EnclosureTest, APendingCaptureOfTheWinnersKeepsItsVertex) {
+TEST_F(EnclosureTest, WinnersPendingCaptureKeepsItsVertex) {
   pending.add(ann.node, 9, spotAt(1, 2), now, 0);
   EXPECT_EQ(enclosedBy(ann, players, pending).vertex->x, "1");
 }
 
-TEST_F(EnclosureTest, AVertexThatAnotherHasNamedIsPassedOver) {
+TEST_F(EnclosureTest, VertexNamedByAnotherIsSkipped) {
   pending.add(cat.node, 9, spotAt(30'000, 10'000), now, 0);
   const Enclosure enclosure = enclosedBy(ann, players, pending);
   EXPECT_EQ(enclosure.vertex->x, "30000");

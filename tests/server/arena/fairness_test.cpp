@@ -1,4 +1,4 @@
-// How far a player may go.
+// Limits on how far a player may move.
 
 #include "server/arena/speedLimit.h"
 #include "tests/server/arena/arenaTest.h"
@@ -6,7 +6,7 @@
 namespace kelvora::server {
 namespace {
 
-/// Three times the design speed of 30 units a ms: 90000 units in a second.
+/// Three times the design speed of 30 units per ms: 90000 units per second.
 class FairnessTest : public ArenaTest {
  protected:
   explicit FairnessTest(double factor = 3) : ArenaTest(limited(factor)) {}
@@ -16,7 +16,7 @@ class FairnessTest : public ArenaTest {
     return rules;
   }
 
-  /// Ann is in, a good while after she has been put to a corner.
+  /// Logs in Ann and moves her to a corner, long ago.
   void begin() {
     login(ann, "Ann");
     login(bob, "Bob", "1");
@@ -25,7 +25,7 @@ class FairnessTest : public ArenaTest {
     now += 5'000;
     got.clear();
   }
-  /// Whether the report is relayed.
+  /// True if the report is relayed.
   bool moves(int x, int y) {
     got.clear();
     report(ann, x, y);
@@ -33,35 +33,35 @@ class FairnessTest : public ArenaTest {
   }
 };
 
-TEST_F(FairnessTest, AStepIsNoFurtherThanTwoReportsApart) {
+TEST_F(FairnessTest, StepsCoverAtMostTwoReportIntervals) {
   begin();
   report(ann, 0, 0);
-  EXPECT_FALSE(moves(3'600, 3'601)) << "90 units a ms, both axes together, for 80 ms";
+  EXPECT_FALSE(moves(3'600, 3'601)) << "90 units per ms, both axes combined, for 80 ms";
   EXPECT_TRUE(moves(3'600, 3'600));
   now += 5'000;
   EXPECT_TRUE(moves(3'600, 3'600));
   now += 999;
-  EXPECT_FALSE(moves(10'801, 3'600)) << "nor is it after a pause: frames do not grow with it";
+  EXPECT_FALSE(moves(10'801, 3'600)) << "nor after a pause, which makes no frame longer";
   EXPECT_TRUE(moves(10'800, 3'600));
 }
 
 TEST_F(FairnessTest, ABounceAtFullSpeedIsNoJump) {
   begin();
   ASSERT_TRUE(moves(200, 200));
-  // Slow frames go 300 units on each axis; the first throws the ball back from both walls, and three follow.
+  // Slow frames move 300 units on each axis. The first bounces the ball off both walls, and three more follow.
   EXPECT_TRUE(moves(1'900, 1'900));
 }
 
-TEST_F(FairnessTest, ASecondsWorthMayBeGoneAtOnce) {
+TEST_F(FairnessTest, ASecondsWorthOfDistanceIsAllowedAtOnce) {
   begin();
-  // 90000 units: twelve of the longest steps and a half.
+  // 90000 units: twelve and a half maximum steps.
   for (int i = 1; i <= 12; ++i) EXPECT_TRUE(moves(7'200 * i, 0)) << i;
   EXPECT_FALSE(moves(86'400, 3'601));
   EXPECT_TRUE(moves(86'400, 3'600));
   EXPECT_FALSE(moves(86'400, 3'601));
 }
 
-TEST_F(FairnessTest, ThenItIsTheSpeedThatCounts) {
+TEST_F(FairnessTest, AfterThatTheSpeedCounts) {
   begin();
   for (int i = 1; i <= 12; ++i) ASSERT_TRUE(moves(7'200 * i, 0));
   ASSERT_TRUE(moves(86'400, 3'600));
@@ -79,7 +79,7 @@ TEST_F(FairnessTest, FullSpeedIsNeverRefused) {
   }
 }
 
-TEST_F(FairnessTest, TurboMakesFaster) {
+TEST_F(FairnessTest, TurboRaisesTheLimit) {
   login(ann, "Ann");
   login(bob, "Bob", "1");
   pass(20'000);
@@ -88,14 +88,14 @@ TEST_F(FairnessTest, TurboMakesFaster) {
   say(ann, wire::msgBuyRequest, {"1"});
   say(ann, wire::msgActivateRequest, {"1"});
   report(ann, 0, 0);
-  EXPECT_FALSE(moves(21'601, 0)) << "270 units a ms for 80 ms";
+  EXPECT_FALSE(moves(21'601, 0)) << "270 units per ms for 80 ms";
   EXPECT_TRUE(moves(21'600, 0));
   now += 200;
   EXPECT_FALSE(moves(97'201, 0)) << "on a slow machine a turbo's frames are longer, here by 200 ms";
   EXPECT_TRUE(moves(97'200, 0));
 }
 
-TEST_F(FairnessTest, DeathMakesFasterToo) {
+TEST_F(FairnessTest, DeathRaisesTheLimitToo) {
   begin();
   for (const auto& [x, y] : {std::pair{200, 0}, {2'000, 0}, {2'000, 2'000}, {1'000, 2'000}}) report(bob, x, y);
   report(ann, 1'500, 1'000);
@@ -103,11 +103,11 @@ TEST_F(FairnessTest, DeathMakesFasterToo) {
   ASSERT_FALSE(view(ann).isAlive);
   now += 1'000;
   report(ann, 1'500, 1'000);
-  EXPECT_FALSE(moves(15'901, 1'000)) << "180 units a ms for 80 ms";
+  EXPECT_FALSE(moves(15'901, 1'000)) << "180 units per ms for 80 ms";
   EXPECT_TRUE(moves(15'900, 1'000));
 }
 
-TEST_F(FairnessTest, AfterASecondOfRefusalsAPlayerBeginsAnew) {
+TEST_F(FairnessTest, AfterASecondOfRefusalsAPlayerStartsOver) {
   begin();
   report(ann, 0, 0);
   report(ann, 10, 0);
@@ -132,10 +132,10 @@ TEST_F(FairnessTest, APauseAloneLosesNoTail) {
   EXPECT_EQ(view(ann).tail.size(), 2U);
 }
 
-TEST_F(FairnessTest, ALeapCapturesNobody) {
+TEST_F(FairnessTest, JumpCapturesNobody) {
   begin();
   report(bob, 5'000, 5'000);
-  // Three sides of a square around Bob, and a leap that would close it.
+  // Three sides of a square around Bob, and a jump that would close it.
   for (const auto& [x, y] : {std::pair{1'000, 1'000}, {7'000, 1'000}, {7'000, 7'000}, {1'000, 7'000}})
     report(ann, x, y);
   ASSERT_EQ(view(ann).tail.size(), 4U);
@@ -163,17 +163,17 @@ TEST_F(NoLimitTest, WithoutAFactorAnySpeedIsFine) {
   EXPECT_EQ(view(ann).tail.size(), 20U);
 }
 
-TEST(SpeedLimit, FillsUpToASecondsWorthAndNoFurther) {
+TEST(SpeedLimit, AccumulatesAtMostASecondsWorth) {
   SpeedLimit limit;
   EXPECT_TRUE(limit.allows(1'000, 1, 0));
   EXPECT_FALSE(limit.allows(1, 1, 0));
   EXPECT_FALSE(limit.allows(501, 1, 500));
-  EXPECT_TRUE(limit.allows(500, 1, 500)) << "the refusal has used nothing up";
+  EXPECT_TRUE(limit.allows(500, 1, 500)) << "the refusal has used up nothing";
   EXPECT_FALSE(limit.allows(1'001, 1, 100'000));
   EXPECT_TRUE(limit.allows(1'000, 1, 100'000));
 }
 
-TEST(SpeedLimit, ASlowerSpeedTakesBackWhatAFasterOneHasSaved) {
+TEST(SpeedLimit, SlowerSpeedReducesTheSavedDistance) {
   SpeedLimit limit;
   EXPECT_TRUE(limit.allows(0, 3, 0));
   EXPECT_FALSE(limit.allows(1'001, 1, 0));

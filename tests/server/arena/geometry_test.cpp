@@ -12,13 +12,13 @@ namespace {
 
 using Points = std::vector<GridPoint>;
 
-/// The same figure in another size.
+/// The same figure, scaled.
 Points scaled(Points points, std::int64_t factor) {
   for (GridPoint& point : points) point = {point.x * factor, point.y * factor};
   return points;
 }
 
-/// The first vertex of the loop around the place; -1 for none.
+/// The first vertex of the loop around the point; -1 for none.
 int loopAround(const Points& tail, GridPoint place) {
   const Points places{place};
   const auto loop = enclosingLoops(tail, places).at(0);
@@ -34,7 +34,7 @@ TEST(Geometry, TheGridHas1024PointsToAUnit) {
   EXPECT_EQ(toGrid(0.0004, 0.0005), (GridPoint{0, 1})) << "0.41 and 0.512 points";
 }
 
-// The last segment goes from (0, 10) down to (0, -2) and crosses the first one in (0, 0): the loop is (0, 0), (10, 0),
+// The last segment goes down from (0, 10) to (0, -2) and crosses the first one at (0, 0): the loop is (0, 0), (10, 0),
 // (10, 10), (0, 10).
 const Points square{{-2, 0}, {10, 0}, {10, 10}, {0, 10}, {0, -2}};
 
@@ -50,10 +50,10 @@ TEST(Geometry, TheLoopItselfIsNotInside) {
   for (const GridPoint place : {GridPoint{5, 0}, {10, 5}, {5, 10}, {0, 5}, {0, 0}, {10, 0}, {10, 10}, {0, 10}}) {
     EXPECT_EQ(loopAround(square, place), -1) << place.x << ' ' << place.y;
   }
-  EXPECT_EQ(loopAround(square, {-1, 0}), -1) << "on the tail, but behind the crossing";
+  EXPECT_EQ(loopAround(square, {-1, 0}), -1) << "on the tail, but before the crossing";
 }
 
-TEST(Geometry, ALoopTurnsEitherWay) {
+TEST(Geometry, LoopMayTurnEitherWay) {
   const Points other{{0, -2}, {0, 10}, {10, 10}, {10, 0}, {-2, 0}};
   EXPECT_EQ(loopAround(other, {5, 5}), 1);
   EXPECT_EQ(loopAround(other, {-1, -1}), -1);
@@ -85,20 +85,20 @@ TEST(Geometry, ConsecutiveSegmentsCloseNothing) {
   EXPECT_EQ(enclosingLoops({}, {}).size(), 0U);
 }
 
-TEST(Geometry, ATriangleIsTheLeastLoop) { EXPECT_EQ(loopAround({{0, 0}, {10, 0}, {5, 8}, {0, -1}}, {5, 3}), 1); }
+TEST(Geometry, SmallestLoopIsATriangle) { EXPECT_EQ(loopAround({{0, 0}, {10, 0}, {5, 8}, {0, -1}}, {5, 3}), 1); }
 
-TEST(Geometry, AStretchInCommonClosesTheLoopBeforeIt) {
-  // The last segment comes back onto the first one and runs along it, one way and the other.
+TEST(Geometry, OverlapClosesTheLoopBeforeIt) {
+  // The last segment returns to the first one and runs along it, in either direction.
   const Points along{{0, 0}, {10, 0}, {10, 10}, {2, 10}, {2, 0}, {8, 0}};
   EXPECT_EQ(loopAround(along, {5, 5}), 1);
   const Points against{{0, 0}, {10, 0}, {10, 10}, {-5, 10}, {-5, 0}, {8, 0}};
   EXPECT_EQ(loopAround(against, {5, 5}), 1);
   EXPECT_EQ(loopAround(against, {-2, 5}), 1);
   const Points beside{{0, 0}, {10, 0}, {10, 10}, {-5, 10}, {-5, 0}, {-1, 0}};
-  EXPECT_EQ(loopAround(beside, {5, 5}), -1) << "on the same line, without a point in common";
+  EXPECT_EQ(loopAround(beside, {5, 5}), -1) << "on the same line, without a shared point";
 }
 
-TEST(Geometry, ALoopWithoutAnInsideHoldsNobody) {
+TEST(Geometry, LoopWithoutAnInsideEnclosesNobody) {
   const Points line{{0, 0}, {10, 0}, {20, 0}, {5, 0}};
   for (std::int64_t x = -1; x <= 21; ++x) {
     for (std::int64_t y = -1; y <= 1; ++y) EXPECT_EQ(loopAround(line, {x, y}), -1);
@@ -106,8 +106,8 @@ TEST(Geometry, ALoopWithoutAnInsideHoldsNobody) {
 }
 
 TEST(Geometry, EveryOlderSegmentThatIsCrossedClosesALoopOfItsOwn) {
-  // The last segment, along y = 5, crosses x = 10 (the second segment) and x = 20 (the one before): the short
-  // loop is right of x = 20, the long one has the part between the two beside it.
+  // The last segment, along y = 5, crosses x = 10 (the second segment) and x = 20 (the one before). The short loop is
+  // to the right of x = 20, and only the long one contains the part between the two.
   const Points tail{{10, -10}, {10, 10}, {20, 10}, {20, -10}, {30, -10}, {30, 5}, {0, 5}};
   EXPECT_EQ(loopAround(tail, {25, 0}), 1);
   EXPECT_EQ(loopAround(tail, {15, 7}), 1);
@@ -116,7 +116,7 @@ TEST(Geometry, EveryOlderSegmentThatIsCrossedClosesALoopOfItsOwn) {
 }
 
 TEST(Geometry, TheLongestLoopIsNamed) {
-  // A small square within the big one, closed by the same last segment: up along x = 5.
+  // A small square inside the big one, closed by the same last segment: up along x = 5.
   const Points tail{{0, 0}, {20, 0}, {20, 20}, {-5, 20}, {-5, 4}, {10, 4}, {10, 8}, {5, 8}, {5, -3}};
   EXPECT_EQ(loopAround(tail, {7, 6}), 1);
   EXPECT_EQ(loopAround(tail, {15, 10}), 1);
@@ -125,14 +125,14 @@ TEST(Geometry, TheLongestLoopIsNamed) {
   EXPECT_EQ(loopAround(shortOnly, {7, 6}), 2);
 }
 
-TEST(Geometry, TwiceRoundIsInsideToo) {
-  // Two turns round (0, 0), the outer one ending where the whole tail began.
+TEST(Geometry, TwiceAroundIsInsideToo) {
+  // Two turns around (0, 0). The outer one ends where the tail starts.
   const Points tail{{-10, -10}, {8, -10}, {8, 8}, {-8, 8}, {-8, -8}, {9, -8}, {9, 9}, {-10, 9}, {-10, -12}};
   EXPECT_EQ(loopAround(tail, {0, 0}), 1);
 }
 
 TEST(Geometry, BothEyesOfAFigureEightAreInside) {
-  // Two triangles that meet in (5, 5), turning opposite ways.
+  // Two triangles that meet at (5, 5), turning opposite ways.
   const Points tail{{0, 0}, {10, 10}, {10, 0}, {0, 10}, {0, -1}};
   EXPECT_EQ(loopAround(tail, {1, 5}), 1);
   EXPECT_EQ(loopAround(tail, {9, 5}), 1);
@@ -147,7 +147,7 @@ TEST(Geometry, ALoopMayBeAsSmallAsThreeGridPoints) {
 
 TEST(Geometry, ALoopMayBeAsLargeAsTheWorld) {
   constexpr std::int64_t end = 102'400'000;
-  // The last segment crosses the first one at a third of a point: (1/3, 0).
+  // The last segment crosses the first one between grid points: at (1/3, 0).
   const Points tail{{0, 0}, {end, 0}, {end, end}, {1, 2}, {0, -1}};
   EXPECT_EQ(loopAround(tail, {end / 2, 1}), 1);
   EXPECT_EQ(loopAround(tail, {end - 1, end - 2}), 1);
@@ -156,7 +156,7 @@ TEST(Geometry, ALoopMayBeAsLargeAsTheWorld) {
   EXPECT_EQ(loopAround(tail, {0, 1}), -1);
 }
 
-TEST(Geometry, VerticesAtOnePlaceAreNoObstacle) {
+TEST(Geometry, RepeatedVerticesDoNoHarm) {
   const Points tail{{-2, 0}, {-2, 0}, {10, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 10}, {0, -2}};
   EXPECT_EQ(loopAround(tail, {5, 5}), 2);
   EXPECT_EQ(loopAround({{0, 0}, {10, 0}, {10, 10}, {0, 0}, {0, 0}}, {8, 5}), -1) << "nothing moved";
@@ -179,7 +179,7 @@ TEST_P(RandomTails, GiveTheSameLoopsAsTheSlowTwin) {
     for (GridPoint& place : places) place = point();
     const auto loops = enclosingLoops(tail, places);
     ASSERT_EQ(loops, slowEnclosingLoops(tail, places)) << "round " << round;
-    // As large as the world, where the products of coordinates are the longest.
+    // As large as the world, where the products of coordinates are largest.
     const std::int64_t factor = 102'400'000 / size;
     ASSERT_EQ(loops, enclosingLoops(scaled(tail, factor), scaled(places, factor))) << "round " << round;
     for (const auto& loop : loops) ++(loop ? inside : outside);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr Millis start = 1'000'000;
 
-/// One with that many credits, of which it began with 10.
+/// An inventory with this many credits, including the initial 10.
 Inventory withFunds(int credits) {
   Inventory inventory;
   inventory.book(Entry::capture, credits - 10);
@@ -18,7 +18,7 @@ Inventory withFunds(int credits) {
   return inventory;
 }
 
-TEST(Inventory, BeginsWithTenCreditsAndNothing) {
+TEST(Inventory, StartsWithTenCreditsAndNothing) {
   const Inventory inventory;
   EXPECT_EQ(inventory.funds(), 10);
   EXPECT_EQ(inventory.totalStock(), 0);
@@ -45,7 +45,7 @@ TEST(Inventory, EachItemCostsItsPriceAndGivesBackHalf) {
   }
 }
 
-TEST(Inventory, RefusesInClearWords) {
+TEST(Inventory, RefusalsNameTheReason) {
   Inventory inventory;
   EXPECT_EQ(inventory.buy(shieldSlot).reason(), "Shield costs 20 credits. You have 10 credits.");
   EXPECT_EQ(withFunds(1).buy(pulseSlot).reason(), "EMP costs 70 credits. You have 1 credit.");
@@ -122,7 +122,7 @@ TEST(Inventory, PowerupsOutOfStockDoNotStart) {
   }
 }
 
-TEST(Inventory, PowerupsRunBesideEachOther) {
+TEST(Inventory, PowerupsRunInParallel) {
   Inventory inventory = withFunds(30);
   ASSERT_EQ(inventory.buy(shieldSlot).reason(), "");
   ASSERT_EQ(inventory.buy(turboSlot).reason(), "");
@@ -145,10 +145,10 @@ TEST(Inventory, ARunningPowerupCanBeEndedEarly) {
   EXPECT_FALSE(inventory.end(PowerupSlot{6}, start));
 }
 
-TEST(Inventory, EarnsWholeCreditsAndKeepsTheRest) {
+TEST(Inventory, EarnsWholeCreditsAndKeepsTheFraction) {
   Inventory inventory;
   EXPECT_EQ(inventory.earned(5, 11'999), 0);
-  EXPECT_EQ(inventory.earned(5, 1), 1) << "12 s at five a minute";
+  EXPECT_EQ(inventory.earned(5, 1), 1) << "12 s at five per minute";
   EXPECT_EQ(inventory.earned(5, 600'000), 50);
   EXPECT_EQ(inventory.earned(0, 600'000), 0);
 }
@@ -159,7 +159,7 @@ TEST(Inventory, NothingIsLostWhereAMinuteDoesNotDivideEvenly) {
   for (int i = 1; i <= 600; ++i) {
     if (inventory.earned(7, 100) == 1) times.push_back(i);
   }
-  // A seventh of a minute is 8571.4 ms.
+  // 1/7 of a minute is 8571.4 ms.
   EXPECT_EQ(times, (std::vector<int>{86, 172, 258, 343, 429, 515, 600}));
 }
 

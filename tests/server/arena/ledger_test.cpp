@@ -31,7 +31,7 @@ class LedgerTest : public ArenaTest {
   int captures = 0;
   int rounds = 0;
 
-  /// Books the messages: each player's own credits, and the captures as told to Ann.
+  /// Books the messages: each player's own credits, and the captures that Ann was told about.
   void settle() {
     for (const auto& [client, messages] : got) {
       for (const Message& message : messages) {
@@ -55,7 +55,7 @@ class LedgerTest : public ArenaTest {
     }
     got.clear();
   }
-  /// The players of this test have the numbers of their nodes.
+  /// The numbers of this test's players are their nodes.
   static ClientId node(const Message& message) { return static_cast<ClientId>(std::stoi(message.fields[0])); }
 };
 
@@ -88,7 +88,7 @@ TEST_F(LedgerTest, IsBalancedAfterEveryStepOfABusyMatch) {
         report(client, 48'000 + 500 * draw(8), 48'000 + 500 * draw(8));
     }
     now += 20;
-    // The tick pays for the time since the last one to whoever is alive then, and then ends the round.
+    // The tick pays everybody alive for the time since the previous one, and then ends the round.
     const auto beforeTick = arena.players(now);
     const bool isRunning = arena.isRoundRunning();
     arena.tick(now);
@@ -110,7 +110,7 @@ TEST_F(LedgerTest, IsBalancedAfterEveryStepOfABusyMatch) {
     settle();
     for (const PlayerView& player : arena.players(now)) {
       const Account& account = accounts[player.client];
-      // Four credits a second alive; what a life leaves over counts in the next one.
+      // Four credits per second alive. Fractions left over from one life count in the next.
       ASSERT_EQ(player.funds, account.expected + account.alive * 240 / 60'000) << "step " << step << ' ' << player.name;
       ASSERT_EQ(player.funds, account.told) << "step " << step << ' ' << player.name;
       ASSERT_GE(player.funds, 0);

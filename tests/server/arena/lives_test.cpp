@@ -78,7 +78,7 @@ TEST_F(LivesTest, PlayersWithAPendingRequestAreNotInvited) {
   EXPECT_TRUE(all(ann, wire::msgServerText).empty());
 }
 
-TEST_F(LivesTest, ARequestOfThePastLifeIsForgotten) {
+TEST_F(LivesTest, RequestFromThePreviousLifeIsForgotten) {
   begin();
   capture(bob, ann);
   say(ann, wire::msgSpawnRequest, {""});
@@ -89,7 +89,7 @@ TEST_F(LivesTest, ARequestOfThePastLifeIsForgotten) {
   EXPECT_FALSE(view(ann).isAlive);
 }
 
-TEST_F(LivesTest, KillsStandThroughDeathAndRespawn) {
+TEST_F(LivesTest, KillsSurviveDeathAndRespawn) {
   begin();
   capture(ann, bob);
   pass(3'000);
@@ -111,7 +111,7 @@ class LongWaitTest : public LivesTest {
   LongWaitTest() : LivesTest(longWait()) {}
 };
 
-TEST_F(LongWaitTest, TheWaitIsTheOperators) {
+TEST_F(LongWaitTest, OperatorSetsTheWait) {
   begin();
   capture(bob, ann);
   say(ann, wire::msgSpawnRequest, {""});

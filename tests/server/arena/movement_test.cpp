@@ -7,7 +7,7 @@ namespace {
 
 constexpr Millis now = 10'000;
 
-/// At 3 times the design speed of 30 units a ms a player flies 90 units a ms, and so 7200 in the 80 ms of one step.
+/// At 3 times the design speed of 30 units per ms, a player flies 90 units per ms, so 7200 in the 80 ms of one step.
 struct MoveTest : testing::Test {
   Player player = playerAt(1, 20'000, 20'000);
 
@@ -24,14 +24,14 @@ TEST_F(MoveTest, AStepSetsSpotAndHeading) {
   EXPECT_EQ(player.heading, (Point{300, -400})) << "standing still keeps the heading";
 }
 
-TEST_F(MoveTest, AStepEndsWhereTheFlightOf80MsDoes) {
-  EXPECT_EQ(move(23'601, 16'400, now + 80), Move::refused) << "7201 units, both axes together";
+TEST_F(MoveTest, StepsReachAsFarAs80MsOfFlight) {
+  EXPECT_EQ(move(23'601, 16'400, now + 80), Move::refused) << "7201 units, both axes combined";
   EXPECT_EQ(player.spot.point(), (Point{20'000, 20'000}));
   EXPECT_EQ(player.lastReport, now);
   EXPECT_EQ(move(23'600, 16'400, now + 80), Move::step);
 }
 
-TEST_F(MoveTest, AfterASecondAnywhereIsANewStart) {
+TEST_F(MoveTest, AfterASecondAnySpotIsANewStart) {
   fly(player, {spotAt(19'000, 20'000), spotAt(20'000, 20'000)}, now);
   player.heading = {1, 0};
   EXPECT_EQ(move(90'000, 20'000, now + 999), Move::refused);
@@ -50,7 +50,7 @@ TEST_F(MoveTest, GhostsFlyTwiceAsFar) {
 
 TEST_F(MoveTest, ATurboTriplesTheSpeedAndStretchesTheStep) {
   run(player, turboSlot, now);
-  EXPECT_EQ(move(52'401, 20'000, now + 40), Move::refused) << "270 units a ms for 80 + 40 ms are 32400";
+  EXPECT_EQ(move(52'401, 20'000, now + 40), Move::refused) << "270 units per ms for 80 + 40 ms are 32400";
   EXPECT_EQ(move(52'400, 20'000, now + 40), Move::step);
 }
 

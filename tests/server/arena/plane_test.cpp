@@ -17,7 +17,7 @@ TEST(Plane, TheSegmentDistanceIsTheShortest) {
   EXPECT_EQ(segmentDistance({5, 3}, {5, 10}, {0, 0}, {10, 0}), 3);
   EXPECT_EQ(segmentDistance({0, 0}, {10, 0}, {13, 4}, {20, 4}), 5) << "end to end, 3 and 4";
   EXPECT_EQ(segmentDistance({0, 0}, {10, 0}, {0, 7}, {10, 7}), 7) << "side by side";
-  EXPECT_EQ(segmentDistance({4, 2}, {4, 2}, {0, 0}, {10, 0}), 2) << "a place and a way";
+  EXPECT_EQ(segmentDistance({4, 2}, {4, 2}, {0, 0}, {10, 0}), 2) << "a point and a segment";
   EXPECT_EQ(segmentDistance({0, 0}, {0, 0}, {3, 4}, {3, 4}), 5) << "two places";
 }
 

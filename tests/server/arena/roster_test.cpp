@@ -22,7 +22,7 @@ TEST_F(RosterTest, FindsPlayersByClientAndByNode) {
   EXPECT_EQ(roster.findNode(9), nullptr);
 }
 
-TEST_F(RosterTest, TellsPeopleFromBots) {
+TEST_F(RosterTest, DistinguishesPeopleFromBots) {
   EXPECT_FALSE(roster.hasPeople());
   Player bot = playerAt(1, 0, 0);
   bot.client = firstBotClient;
@@ -33,7 +33,7 @@ TEST_F(RosterTest, TellsPeopleFromBots) {
   EXPECT_TRUE(roster.hasPeople());
 }
 
-TEST_F(RosterTest, NodesStartAnewBehindTheLastOneAndSkipThoseInUse) {
+TEST_F(RosterTest, NodesWrapAroundAndSkipThoseInUse) {
   EXPECT_EQ(roster.nextNode(), 1);
   roster.join(playerAt(1, 0, 0));
   for (int node = 2; node <= 32'767; ++node) EXPECT_EQ(roster.nextNode(), node);
@@ -58,7 +58,7 @@ TEST_F(RosterTest, ALeaverKeepsColourAndNodeUntilTheCaptureHasLanded) {
   EXPECT_TRUE(roster.isColourFree(yellowPlayer));
 }
 
-TEST_F(RosterTest, LeaversCountAgainstTheColours) {
+TEST_F(RosterTest, LeaversStillOccupyTheirColours) {
   for (ClientId client = 1; client <= 6; ++client) roster.join(playerAt(client, 0, 0));
   EXPECT_TRUE(roster.isFull());
   pending.add(1, 2, spotAt(5, 5), 1'000, 0);

@@ -3,7 +3,7 @@
 namespace kelvora::server {
 namespace {
 
-/// A minute's round, three captures to win, ten seconds between.
+/// Rounds of a minute, three captures to win, intermissions of ten seconds.
 const ArenaRules shortRounds{.roundMs = 60'000,
                              .captureGoal = 3,
                              .intermissionMs = 10'000,
@@ -48,7 +48,7 @@ TEST_F(RoundsTest, ARoundEndsWhenItsTimeIsUp) {
     EXPECT_EQ(all(client, wire::msgRoundOver).size(), 1U);
     EXPECT_EQ(all(client, wire::msgServerText), (std::vector<Fields>{{"The next round begins in 10 seconds."}}));
     EXPECT_EQ(all(client, wire::msgAliveState), (std::vector<Fields>{{std::to_string(client), "0"}}))
-        << "his own, for a client that has its store open";
+        << "for a client with an open store";
     EXPECT_EQ(got[client].back().id, wire::msgAliveState);
     EXPECT_FALSE(view(client).isAlive);
   }
@@ -73,14 +73,14 @@ TEST_F(RoundsTest, TheTextNamesTheWinner) {
   EXPECT_EQ(result(), "Bob wins the round with 3 captures!");
 }
 
-TEST_F(RoundsTest, OneCaptureIsOne) {
+TEST_F(RoundsTest, OneCaptureIsSingular) {
   begin();
   captureAndRespawn(cat, bob);
   pass(60'000);
   EXPECT_EQ(result(), "Cat wins the round with 1 capture!");
 }
 
-TEST_F(RoundsTest, OfTwoWithAsManyTheEarlierOneHasWon) {
+TEST_F(RoundsTest, TieGoesToTheEarlierPlayer) {
   begin();
   captureAndRespawn(ann, cat);
   captureAndRespawn(bob, cat);
@@ -142,7 +142,7 @@ TEST_F(RoundsTest, ARequestFromBeforeTheEndIsNotForgotten) {
   EXPECT_TRUE(view(bob).isAlive);
 }
 
-TEST_F(RoundsTest, TheCountOfARoundBeginsAnewButKillsStand) {
+TEST_F(RoundsTest, RoundCountRestartsButKillsRemain) {
   begin();
   captureAndRespawn(ann, bob);
   captureAndRespawn(ann, bob);
@@ -156,7 +156,7 @@ TEST_F(RoundsTest, TheCountOfARoundBeginsAnewButKillsStand) {
   EXPECT_TRUE(arena.isRoundRunning()) << "the third of all, the first of this round";
 }
 
-TEST_F(RoundsTest, ANewcomerOfAnIntermissionIsDeadAndKnowsWhenItEnds) {
+TEST_F(RoundsTest, NewcomerInAnIntermissionIsDeadAndToldWhenItEnds) {
   begin();
   pass(60'000);
   pass(2'100);
@@ -187,18 +187,18 @@ TEST_F(RoundsTest, TheFirstPlayerStartsARound) {
   EXPECT_FALSE(arena.isRoundRunning());
   arena.disconnected(cat);
   pass(500'000);
-  EXPECT_FALSE(arena.isRoundRunning()) << "the clock stands while nobody is in";
+  EXPECT_FALSE(arena.isRoundRunning()) << "the clock stops while nobody is in";
   login(ann, "Ann");
-  EXPECT_TRUE(arena.isRoundRunning()) << "nobody has to wait for the end of an intermission that was others'";
+  EXPECT_TRUE(arena.isRoundRunning()) << "newcomers don't wait for the end of others' intermission";
   EXPECT_TRUE(view(ann).isAlive);
   login(bob, "Bob");
   pass(59'999);
-  EXPECT_TRUE(arena.isRoundRunning()) << "the second one has not begun it again";
+  EXPECT_TRUE(arena.isRoundRunning()) << "the second player hasn't restarted it";
   pass(1);
   EXPECT_FALSE(arena.isRoundRunning());
 }
 
-TEST_F(RoundsTest, BotsDoNotMakeItGo) {
+TEST_F(RoundsTest, BotsDoNotRunTheClock) {
   login(firstBotClient, "Bot");
   pass(500'000);
   EXPECT_TRUE(arena.isRoundRunning());
@@ -226,7 +226,7 @@ TEST_F(EndlessTest, WithoutAGoalOnlyTimeEndsARound) {
   EXPECT_TRUE(arena.isRoundRunning());
 }
 
-TEST_F(EndlessTest, AnIntermissionMayTakeNoTime) {
+TEST_F(EndlessTest, IntermissionMayBeZero) {
   begin();
   pass(60'000);
   EXPECT_FALSE(arena.isRoundRunning());

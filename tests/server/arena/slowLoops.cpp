@@ -70,7 +70,7 @@ std::optional<Point> meeting(Point a, Point b, Point c, Point d) {
   return point;
 }
 
-/// 0 to 3 around the place, each including the half axis at its beginning.
+/// The quadrant around the point, 0 to 3. Each includes its first half axis.
 int quarter(Point place, Point point) {
   const int x = (point.x - place.x).sign();
   const int y = (point.y - place.y).sign();

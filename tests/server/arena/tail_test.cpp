@@ -24,16 +24,17 @@ TEST(ServerTail, KeepsVerticesForTwoSeconds) {
   EXPECT_TRUE(tail.vertices().empty());
 }
 
-TEST(ServerTail, TheSamePlaceIsLaidOnce) {
+TEST(ServerTail, SameSpotIsLaidOnce) {
   Tail tail;
   EXPECT_TRUE(tail.lay(spot(1, 1), 0, false, 0));
   EXPECT_FALSE(tail.lay(spot(1, 1), 10, false, 0));
-  EXPECT_TRUE(tail.lay(spot(1, 1.0001F), 20, false, 0)) << "another place to clients, if the same one on the grid";
+  EXPECT_TRUE(tail.lay(spot(1, 1.0001F), 20, false, 0))
+      << "a different position to clients, though the same one on the grid";
   EXPECT_TRUE(tail.lay(spot(1, 1), 30, false, 0));
   EXPECT_EQ(tail.vertices().size(), 3U);
 }
 
-TEST(ServerTail, AnExtensionNeverShortensALife) {
+TEST(ServerTail, ExtensionNeverShortensALifetime) {
   Tail tail;
   tail.lay(spot(1, 1), 0, false, 0);
   tail.lay(spot(2, 2), 900, false, 0);

@@ -1,4 +1,4 @@
-// People are let in although bots have filled the arena or wear their colour.
+// People can join even if bots fill the arena or have their colour.
 
 #include "tests/server/arena/arenaTest.h"
 
@@ -21,7 +21,7 @@ class WaitingLogins : public ArenaTest {
   }
 };
 
-TEST_F(WaitingLogins, AColourThatABotHasIsWaitedFor) {
+TEST_F(WaitingLogins, ColourHeldByABotIsWaitedFor) {
   login(firstBotClient, "Bot", "3");
   ask(ann, "3");
   EXPECT_TRUE(got[ann].empty());
@@ -34,7 +34,7 @@ TEST_F(WaitingLogins, AColourThatABotHasIsWaitedFor) {
   EXPECT_TRUE(arena.wantedColours().empty());
 }
 
-TEST_F(WaitingLogins, AfterThreeSecondsAnotherColourWillDo) {
+TEST_F(WaitingLogins, AfterThreeSecondsAnotherColourIsUsed) {
   login(firstBotClient, "Bot", "0");
   ask(ann, "0");
   now += 2'960;
@@ -46,7 +46,7 @@ TEST_F(WaitingLogins, AfterThreeSecondsAnotherColourWillDo) {
   EXPECT_EQ(got[ann].at(0).fields.at(0), "1");
 }
 
-TEST_F(WaitingLogins, AFullArenaIsWaitedForAsLongAsALoginMayTake) {
+TEST_F(WaitingLogins, FullArenaIsWaitedForUntilTheLoginTimesOut) {
   fillUp();
   ask(ann, "9");
   EXPECT_EQ(arena.wantedColours().size(), 1U);
@@ -59,7 +59,7 @@ TEST_F(WaitingLogins, AFullArenaIsWaitedForAsLongAsALoginMayTake) {
   EXPECT_TRUE(hungUp.contains(ann));
 }
 
-TEST_F(WaitingLogins, InAFullArenaTheWishedColoursBotGoes) {
+TEST_F(WaitingLogins, InAFullArenaTheBotWithTheWantedColourLeaves) {
   fillUp();
   ask(ann, "4");
   EXPECT_EQ(arena.wantedColours(), (std::vector<PlayerColour>{bluePlayer}));
@@ -68,7 +68,7 @@ TEST_F(WaitingLogins, InAFullArenaTheWishedColoursBotGoes) {
   EXPECT_TRUE(isIn(ann));
 }
 
-TEST_F(WaitingLogins, AnArenaFullOfPeopleIsFull) {
+TEST_F(WaitingLogins, ArenaFullOfPeopleIsNotWaitedFor) {
   for (ClientId i = 1; i <= 6; ++i) login(i, "Bob", "0");
   EXPECT_EQ(refusal(arena, {"Ann", "", "0", KELVORA_VERSION}), "The arena is full.");
 }

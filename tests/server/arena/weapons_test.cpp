@@ -13,7 +13,7 @@ struct WeaponsTest : testing::Test {
   Player& ann = players.at(1);
   Player& bob = players.at(2);
 
-  /// Whether Ann's weapons hit Bob, and nobody else anybody.
+  /// True if Ann's weapons hit Bob. Expects no other hits.
   bool annHitsBob() {
     const auto hits = hitsNow(players, now);
     if (hits.empty()) return false;
@@ -36,7 +36,7 @@ TEST_F(WeaponsTest, ALaserReachesFromItsOwnerToTheEdgeOfTheWorld) {
   bob.spot = spotAt(9'600, 10'000);
   EXPECT_FALSE(annHitsBob()) << "behind its owner";
   bob.spot = spotAt(9'700, 10'000);
-  EXPECT_TRUE(annHitsBob()) << "behind the owner's centre, but over it";
+  EXPECT_TRUE(annHitsBob()) << "behind the owner's centre, but overlapping it";
 }
 
 TEST_F(WeaponsTest, ALaserNeedsADirection) {
@@ -102,7 +102,7 @@ TEST_F(WeaponsTest, AMoverHitsOthersWhereTheyAre) {
   EXPECT_EQ(hits[0].loser, &bob);
 }
 
-TEST_F(WeaponsTest, APulseReachesTheLivingAround) {
+TEST_F(WeaponsTest, PulseReachesTheLivingInRange) {
   players.emplace(3, playerAt(3, 10'000, 14'500));
   players.emplace(4, playerAt(4, 10'000, 14'501));
   players.emplace(5, playerAt(5, 10'000, 10'001)).first->second.isAlive = false;

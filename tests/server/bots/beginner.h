@@ -4,8 +4,8 @@
 
 namespace kelvora::server {
 
-/// A person who has just learned to play: sees what happened 300 ms ago, flies at seven tenths of full speed to the
-/// nearest opponent, and there in rough circles, with an unsteady hand.
+/// A person who has just learned to play: sees the world with a delay of 300 ms, flies to the nearest opponent at seven
+/// tenths of full speed, and circles there with an unsteady hand.
 class Beginner {
  public:
   static constexpr Millis reaction = 300;

@@ -14,7 +14,7 @@
 namespace kelvora::server {
 namespace {
 
-/// An arena with a keeper of bots, and people who do nothing but come and go.
+/// An arena with a bot keeper, and people who only come and go.
 class BotKeeperTest : public testing::Test, private ArenaOutput {
  protected:
   static constexpr ClientId ann = 1;
@@ -74,7 +74,7 @@ TEST_F(BotKeeperTest, WithoutPeopleThereAreNoBots) {
   EXPECT_TRUE(sent.empty());
 }
 
-TEST_F(BotKeeperTest, TheyComeSoonAfterTheFirstPerson) {
+TEST_F(BotKeeperTest, BotsJoinSoonAfterTheFirstPerson) {
   keep(3);
   ask(ann, "0");
   pass(5'000);
@@ -84,14 +84,14 @@ TEST_F(BotKeeperTest, TheyComeSoonAfterTheFirstPerson) {
   EXPECT_EQ(bots().size(), 3U) << "and no more of them";
 }
 
-TEST_F(BotKeeperTest, NotAllAtOnce) {
+TEST_F(BotKeeperTest, BotsDoNotJoinAllAtOnce) {
   keep(5);
   ask(ann, "0");
   pass(280);
   EXPECT_LE(bots().size(), 1U);
 }
 
-TEST_F(BotKeeperTest, TheyLeaveWithTheLastPerson) {
+TEST_F(BotKeeperTest, BotsLeaveWithTheLastPerson) {
   keep(3);
   ask(ann, "0");
   ask(bob, "0", "Bob");
@@ -104,7 +104,7 @@ TEST_F(BotKeeperTest, TheyLeaveWithTheLastPerson) {
   EXPECT_EQ(arena->playerCount(), 0U);
 }
 
-TEST_F(BotKeeperTest, SleepingTheySayNothing) {
+TEST_F(BotKeeperTest, BotsSendNothingWithoutPeople) {
   keep(5);
   ask(ann, "0");
   pass(8'000);
@@ -115,10 +115,10 @@ TEST_F(BotKeeperTest, SleepingTheySayNothing) {
   EXPECT_TRUE(sent.empty());
   ask(ann, "0");
   pass(8'000);
-  EXPECT_EQ(bots().size(), 5U) << "and wake up again";
+  EXPECT_EQ(bots().size(), 5U) << "and they return";
 }
 
-TEST_F(BotKeeperTest, TheyAnswerThePassword) {
+TEST_F(BotKeeperTest, BotsKnowThePassword) {
   keep(2, SkillLevel::easy, "sesame");
   ask(ann, "0", "Ann", "sesame");
   pass(5'000);
@@ -145,7 +145,7 @@ TEST_F(BotKeeperTest, NamesDifferFromEachOtherAndFromPeoples) {
   for (const std::string& name : names) EXPECT_LE(name.size(), Lobby::maxNameLength);
 }
 
-TEST_F(BotKeeperTest, PeopleTakeTheirPlaces) {
+TEST_F(BotKeeperTest, PeopleReplaceBots) {
   keep(5);
   ask(ann, "0");
   pass(8'000);
@@ -154,7 +154,7 @@ TEST_F(BotKeeperTest, PeopleTakeTheirPlaces) {
     ask(person, std::to_string(person - 1), "P" + std::to_string(person));
     pass(8'000);
     EXPECT_TRUE(isIn(person)) << person;
-    EXPECT_EQ(colourOf(person), static_cast<std::int16_t>(person - 1)) << "the colour that he wanted";
+    EXPECT_EQ(colourOf(person), static_cast<std::int16_t>(person - 1)) << "the wanted colour";
     EXPECT_EQ(bots().size(), 6U - person);
   }
   EXPECT_EQ(arena->playerCount(), 6U);
@@ -164,7 +164,7 @@ TEST_F(BotKeeperTest, PeopleTakeTheirPlaces) {
   EXPECT_LE(most, 6U);
 }
 
-TEST_F(BotKeeperTest, ABotGivesUpItsColourAndComesBackInAnother) {
+TEST_F(BotKeeperTest, BotGivesUpItsColourAndReturnsWithAnother) {
   keep(3);
   ask(ann, "0");
   pass(8'000);
@@ -177,14 +177,14 @@ TEST_F(BotKeeperTest, ABotGivesUpItsColourAndComesBackInAnother) {
   for (const PlayerView& bot : bots()) EXPECT_NE(bot.colour, colour);
 }
 
-TEST_F(BotKeeperTest, AMixtureHasAllLevels) {
-  // Told by their pace: an easy one makes at most 720 a report, a normal one 840, a hard one 1200.
+TEST_F(BotKeeperTest, MixedSkillHasAllLevels) {
+  // Levels are recognised by their pace: an easy bot flies at most 720 per report, a normal one 840, a hard one 1200.
   keep(5, SkillLevel::mixed);
   ask(ann, "0");
   pass(8'000);
   std::map<ClientId, double> fastest;
   std::map<ClientId, Point> last;
-  std::map<ClientId, int> plain;  // ticks since it was a ghost or had the turbo, from which it may still roll out
+  std::map<ClientId, int> plain;  // ticks since it was a ghost or had a turbo, because it may still be slowing down
   for (int tick = 0; tick < 1'500; ++tick) {
     pass(40);
     for (const PlayerView& bot : bots()) {
@@ -206,7 +206,7 @@ TEST_F(BotKeeperTest, AMixtureHasAllLevels) {
   for (const double level : expected) EXPECT_NEAR(*speed++, level, 1);
 }
 
-TEST_F(BotKeeperTest, AFastClockMakesNoFastBots) {
+TEST_F(BotKeeperTest, FrequentTicksDoNotSpeedUpBots) {
   keep(1, SkillLevel::hard);
   ask(ann, "0");
   pass(5'000);
@@ -215,12 +215,12 @@ TEST_F(BotKeeperTest, AFastClockMakesNoFastBots) {
     now += 1;
     keeper->tick(now);
   }
-  // A second has 25 steps; a line of chat or a purchase may come on top.
+  // A second has 25 steps. A chat line or a purchase may come in addition.
   EXPECT_GE(sent[ann] - before, 20);
   EXPECT_LE(sent[ann] - before, 30);
 }
 
-TEST_F(BotKeeperTest, AMachineThatStoodStillIsNotMadeUpFor) {
+TEST_F(BotKeeperTest, MissedTimeIsNotMadeUpFor) {
   keep(1, SkillLevel::hard);
   ask(ann, "0");
   pass(5'000);
@@ -230,7 +230,7 @@ TEST_F(BotKeeperTest, AMachineThatStoodStillIsNotMadeUpFor) {
   EXPECT_LE(sent[ann] - before, 3);
 }
 
-TEST_F(BotKeeperTest, ADisconnectedBotComesBack) {
+TEST_F(BotKeeperTest, DisconnectedBotReturns) {
   keep(1);
   ask(ann, "0");
   pass(5'000);

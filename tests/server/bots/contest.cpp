@@ -9,7 +9,7 @@
 
 namespace kelvora::server {
 
-/// A beginner's client. Knows about a death as soon as the arena does, and requests a new life after two seconds.
+/// A beginner's client. Learns of a death at once, and requests a new life after two seconds.
 class Contest::Person {
  public:
   explicit Person(std::uint32_t seed) : hand_(seed) {}

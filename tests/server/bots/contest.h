@@ -12,8 +12,8 @@
 
 namespace kelvora::server {
 
-/// An arena with bots and scripted beginners, all of them its clients, on a clock set by hand. They are numbered in the
-/// order of adding.
+/// An arena whose clients are bots and scripted beginners, on a clock set by hand. Players are numbered in the order in
+/// which they were added.
 class Contest : private ArenaOutput {
  public:
   explicit Contest(std::uint32_t seed, const ArenaRules& rules = {});

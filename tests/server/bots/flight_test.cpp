@@ -29,7 +29,7 @@ TEST(BotFlight, ReportsEveryFourthFrame) {
   EXPECT_EQ(reports, "---R---R---R");
 }
 
-TEST(BotFlight, BothAxesTogetherMakeTheSpeed) {
+TEST(BotFlight, SpeedIsTheSumOfBothAxes) {
   for (int i = 0; i < 64; ++i) {
     const double angle = 0.05 + i * 0.098;
     Flight flight = free(50'000, 50'000);
@@ -38,9 +38,10 @@ TEST(BotFlight, BothAxesTogetherMakeTheSpeed) {
   }
 }
 
-TEST(BotFlight, FliesWhereItIsToAsNearAsAMouseCan) {
-  // The 89 bearings of a quadrant divide the share of the speed in steps of at most .0174 (at 44 degrees, half of 2
-  // degrees' tangent's growth), so the nearest is within .0088, apart from the last, straight to the side.
+TEST(BotFlight, FliesInTheNearestDirectionThatAMouseCanSelect) {
+  // The 89 bearings of a quadrant divide the share of the speed into steps of at most .0174 (near 44 degrees: half the
+  // growth of the tangent over 2 degrees). So the nearest one is within .0088, except for the last, straight to the
+  // side.
   for (int i = 0; i < 64; ++i) {
     const double angle = 0.05 + i * 0.098;
     const Point way = towards(angle);
@@ -54,21 +55,21 @@ TEST(BotFlight, FliesWhereItIsToAsNearAsAMouseCan) {
   }
 }
 
-TEST(BotFlight, StraightToTheSideThereIsALittleSlant) {
-  // The bearing 88 gives (tan 43 + 1) / 2 of the speed: 300 x 0.966258 = 289.877.
+TEST(BotFlight, SidewaysFlightIsSlightlySlanted) {
+  // Bearing 88 gives (tan 43 + 1) / 2 of the speed: 300 x 0.966258 = 289.877.
   Flight flight = free(50'000, 50'000);
   flight.step(right, 1, true, false);
   EXPECT_NEAR(flight.point().x, 50'289.877, 0.01);
   EXPECT_NEAR(std::fabs(flight.point().y - 50'000), 10.123, 0.01);
 }
 
-TEST(BotFlight, TurboIsThreeTimesAsFastAndEscapesTheLimitOfAnAxis) {
+TEST(BotFlight, TurboIsThreeTimesAsFastAndIgnoresTheAxisLimit) {
   Flight flight = free(50'000, 50'000);
   flight.step(down, 1, true, true);
   EXPECT_EQ(flight.position().y, 50'900);
 }
 
-TEST(BotFlight, AGhostIsTwiceAsFastUpToTheLimitOfAnAxis) {
+TEST(BotFlight, GhostIsTwiceAsFastUpToTheAxisLimit) {
   Flight straight = free(50'000, 50'000);
   straight.step(down, 1, false, false);
   EXPECT_EQ(straight.position().y, 50'300);
@@ -98,7 +99,7 @@ TEST(BotFlight, TheEdgeItselfIsInsideTheWorld) {
   EXPECT_EQ(flight.position().y, 100'000);
 }
 
-TEST(BotFlight, RollsOutUnderTheBrakesByThreeAFrame) {
+TEST(BotFlight, BrakesByThreePerFrame) {
   Flight flight = free(50'000, 50'000);
   flight.step(down, 1, true, false);
   flight.setBrakes(true);

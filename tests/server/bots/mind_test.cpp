@@ -25,7 +25,7 @@ class BotMind : public testing::Test {
                            .velocity = velocity});
     return view.others.back();
   }
-  /// The powerups that it activates within that time, in order. Activated ones run.
+  /// The powerups that it activates within this time, in order. Activated ones run.
   std::vector<int> uses(Mind& mind, int seconds) {
     std::vector<int> used;
     for (int tick = 0; tick < 25 * seconds; ++tick) {
@@ -55,7 +55,7 @@ class BotMind : public testing::Test {
   Mind easy{skillOf(SkillLevel::easy), 1};
 };
 
-TEST_F(BotMind, TheSameSeedDecidesAlike) {
+TEST_F(BotMind, SameSeedGivesTheSameDecisions) {
   opponent({60'000, 55'000}, {10, 5});
   Mind twin(skillOf(SkillLevel::hard), 1);
   for (int i = 0; i < 50; ++i) {
@@ -76,7 +76,7 @@ TEST_F(BotMind, FliesToItsPreyAtItsOwnSpeed) {
 }
 
 TEST_F(BotMind, LeadsAMovingOpponent) {
-  // It crosses from above to below, 40000 to the right; who aims at where it is flies straight to the right.
+  // It crosses downwards, 40000 to the right. A bot that aims at its current position flies straight to the right.
   opponent({90'000, 30'000}, {0, 20});
   const double angle = later(hard, 25).angle;
   EXPECT_GT(angle, -0.25) << "ahead of where it is, at -0.46";
@@ -88,7 +88,7 @@ TEST_F(BotMind, TurnsNoFasterThanItsHand) {
   view.others[0].position = {10'000, 50'000};
   for (int i = 0; i < 25; ++i) {
     const double angle = later(easy, 1).angle;
-    EXPECT_LE(std::fabs(wrapped(angle - last)), 6 * 0.04 + 1e-9) << "six radians a second";
+    EXPECT_LE(std::fabs(wrapped(angle - last)), 6 * 0.04 + 1e-9) << "six radians per second";
     last = angle;
   }
   EXPECT_LT(std::cos(last), -0.5) << "but it gets there";
@@ -101,7 +101,7 @@ TEST_F(BotMind, WithNobodyAliveItWanders) {
 }
 
 TEST_F(BotMind, ClosesALoopAroundAnOpponent) {
-  // Three sides of a square of 4000 stand as its tail, the opponent rests in the middle.
+  // The bot's tail is three sides of a square of 4000, and the opponent rests in its middle.
   std::vector<Point> tail;
   for (int i = 0; i < 4; ++i) tail.push_back({46'000, 54'000 - 1'000.0 * i});
   for (int i = 0; i < 4; ++i) tail.push_back({46'000 + 1'000.0 * i, 50'000});
@@ -113,7 +113,7 @@ TEST_F(BotMind, ClosesALoopAroundAnOpponent) {
   EXPECT_LT(std::cos(intent.angle), -0.9) << "to the left";
 }
 
-/// How far a bot that rests gets away, in two seconds, from somebody who flies circles of 2500 around its place.
+/// How far a resting bot moves, in two seconds, from somebody who flies circles of 2500 around its initial position.
 double escape(double alertness) {
   Skill skill = skillOf(SkillLevel::hard);
   skill.alertness = alertness;
@@ -122,7 +122,7 @@ double escape(double alertness) {
   Mind mind(skill, 1);
   mind.triumph(0);
   constexpr Point place = {50'000, 50'000};
-  constexpr double turn = 1'200 * 0.75 / 2'500;  // in 40 ms, on the average of all directions
+  constexpr double turn = 1'200 * 0.75 / 2'500;  // in 40 ms, averaged over all directions
   Flight flight({50'000, 50'000});
   flight.setBrakes(false);
   Sight sight;
@@ -147,12 +147,12 @@ double escape(double alertness) {
 }
 
 TEST_F(BotMind, FleesFromALoopThatCloses) {
-  EXPECT_LT(escape(0), 2'500) << "who does not notice is caught";
+  EXPECT_LT(escape(0), 2'500) << "a bot that doesn't notice is caught";
   EXPECT_GT(escape(1), 2'500);
 }
 
-TEST_F(BotMind, AChargedTailIsNotFlownInto) {
-  // It stands across the way to its owner, 2500 ahead.
+TEST_F(BotMind, AvoidsChargedTails) {
+  // It lies across the way to its owner, 2500 ahead.
   std::vector<Point> tail;
   for (int i = 0; i <= 6; ++i) tail.push_back({52'500, 47'000 + 1'000.0 * i});
   Seen& other = opponent({60'000, 50'000});
@@ -162,17 +162,17 @@ TEST_F(BotMind, AChargedTailIsNotFlownInto) {
   EXPECT_FALSE(segmentsMeet(view.position, view.position + way * 3'000, tail.front(), tail.back()));
   view.isRunning[shieldSlot] = true;
   Mind shielded(skillOf(SkillLevel::hard), 2);
-  EXPECT_GT(std::cos(later(shielded, 10).angle), 0.9) << "which a shield does not mind";
+  EXPECT_GT(std::cos(later(shielded, 10).angle), 0.9) << "which is harmless to a shield";
 }
 
-TEST_F(BotMind, AShieldComesBeforeAPulse) {
+TEST_F(BotMind, ShieldComesBeforeAPulse) {
   view.stock[shieldSlot] = 1;
   view.stock[pulseSlot] = 1;
   opponent({51'000, 52'000});
   EXPECT_EQ(uses(hard, 10), (std::vector<int>{shieldSlot, pulseSlot}));
 }
 
-TEST_F(BotMind, APulseWithoutAShieldIsKept) {
+TEST_F(BotMind, KeepsAPulseWithoutAShield) {
   view.stock[pulseSlot] = 1;
   opponent({51'000, 52'000});
   EXPECT_TRUE(uses(hard, 10).empty());
@@ -185,7 +185,7 @@ TEST_F(BotMind, APulseIsNotWastedOnShields) {
   EXPECT_TRUE(uses(hard, 10).empty());
 }
 
-TEST_F(BotMind, AShieldMeetsACharge) {
+TEST_F(BotMind, RaisesAShieldNearAChargedTail) {
   view.stock[shieldSlot] = 1;
   Seen& other = opponent({55'000, 52'000});
   EXPECT_TRUE(uses(hard, 10).empty()) << "there is nothing to fear";
@@ -193,10 +193,10 @@ TEST_F(BotMind, AShieldMeetsACharge) {
   EXPECT_EQ(uses(hard, 1), (std::vector<int>{shieldSlot}));
 }
 
-TEST_F(BotMind, ALaserIsFiredInLineAlone) {
+TEST_F(BotMind, FiresALaserOnlyInLine) {
   view.stock[laserSlot] = 1;
   opponent({65'000, 50'000});
-  EXPECT_EQ(uses(hard, 4), (std::vector<int>{laserSlot})) << "it flies towards him";
+  EXPECT_EQ(uses(hard, 4), (std::vector<int>{laserSlot})) << "it flies towards the opponent";
   view.stock[laserSlot] = 1;
   view.isRunning[laserSlot] = false;
   view.others[0].position = {95'000, 50'000};
@@ -224,7 +224,7 @@ TEST_F(BotMind, BuysAffordableAndUsefulItems) {
   view.stock[turboSlot] = 1;
   EXPECT_FALSE(hard.wantsToBuy(view));
   view.funds = 1'000;
-  EXPECT_FALSE(easy.wantsToBuy(view)) << "an easy one has its turbo";
+  EXPECT_FALSE(easy.wantsToBuy(view)) << "an easy bot has its turbo";
   std::set<int> wishes;
   for (int i = 0; i < 200; ++i) wishes.insert(*hard.wantsToBuy(view));
   EXPECT_EQ(wishes, (std::set<int>{shieldSlot, chargedTailSlot, extendedTailSlot, laserSlot})) << "a shield first";

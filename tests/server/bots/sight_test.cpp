@@ -17,7 +17,7 @@ PlayerView player(std::int16_t node, Point position) {
   return view;
 }
 
-/// Node 1 stands, node 2 flies by 800 to the right in every picture.
+/// Node 1 stands still, node 2 flies 800 to the right per snapshot.
 class BotSight : public testing::Test {
  protected:
   void watch(int pictures) {
@@ -33,7 +33,7 @@ class BotSight : public testing::Test {
   double x = 10'000;
 };
 
-TEST_F(BotSight, OthersAreSeenAReactionLate) {
+TEST_F(BotSight, OthersAreSeenAfterTheReactionTime) {
   watch(20);
   const BotView view = sight.viewOf(*sight.player(1), 120, now);
   ASSERT_EQ(view.others.size(), 1U);
@@ -49,7 +49,7 @@ TEST_F(BotSight, NewcomersAreSeenWithShortHistory) {
   EXPECT_EQ(view.others[0].velocity, Point{});
 }
 
-TEST_F(BotSight, AVelocityIsThatOfTheWay) {
+TEST_F(BotSight, VelocityIsMeasuredFromPositions) {
   watch(20);
   const Seen other = sight.viewOf(*sight.player(1), 0, now).others[0];
   EXPECT_NEAR(other.velocity.x, 20, 1e-9) << "800 in 40 ms";
@@ -58,7 +58,7 @@ TEST_F(BotSight, AVelocityIsThatOfTheWay) {
 }
 
 TEST_F(BotSight, ACircleHasATurn) {
-  // A twentieth of a circle in each picture of 40 ms.
+  // A twentieth of a circle per snapshot of 40 ms.
   for (int i = 0; i < 20; ++i) {
     now += 40;
     sight.add({player(1, {50'000, 50'000}), player(2, Point{30'000, 30'000} + towards(i * M_PI / 10) * 2'000)}, now);
@@ -74,7 +74,7 @@ TEST_F(BotSight, DepartedPlayersAreNotSeen) {
   EXPECT_TRUE(sight.viewOf(*sight.player(1), 400, now).others.empty());
 }
 
-TEST_F(BotSight, ATailStaysDangerousForAsLongAsItsChargedPointsMayStand) {
+TEST_F(BotSight, TailStaysDangerousAsLongAsItsChargedPointsMayLast) {
   PlayerView charged = player(2, {x, 20'000});
   charged.isRunning[chargedTailSlot] = true;
   now += 40;

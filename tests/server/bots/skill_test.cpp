@@ -1,4 +1,4 @@
-// How well the bots play, measured in matches on a clock that is set by hand.
+// How well the bots play, measured in matches on a clock set by hand.
 
 #include "server/bots/skill.h"
 
@@ -26,7 +26,7 @@ TEST(BotSkill, WordsNameTheLevels) {
   EXPECT_FALSE(skillLevel(""));
 }
 
-TEST(BotSkill, ABeginnerCapturesAnEasyOneWithinThreeMinutes) {
+TEST(BotSkill, BeginnerCapturesAnEasyBotWithinThreeMinutes) {
   int successes = 0;
   for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
     Contest contest(seed);
@@ -38,7 +38,7 @@ TEST(BotSkill, ABeginnerCapturesAnEasyOneWithinThreeMinutes) {
   EXPECT_GE(successes, seeds * 8 / 10);
 }
 
-TEST(BotSkill, ABeginnerBeatsAnEasyOneAlone) {
+TEST(BotSkill, BeginnerBeatsASingleEasyBot) {
   Score score;
   for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
     Contest contest(seed);
@@ -81,10 +81,10 @@ Score match(SkillLevel first, SkillLevel second) {
 TEST(BotSkill, HardBeatsEasyThreeToOne) {
   const Score score = match(SkillLevel::hard, SkillLevel::easy);
   EXPECT_GE(score.first, 3 * score.second);
-  EXPECT_GE(score.first, 30) << "more than one a minute";
+  EXPECT_GE(score.first, 30) << "more than one per minute";
 }
 
-TEST(BotSkill, NormalIsInBetween) {
+TEST(BotSkill, NormalIsBetweenEasyAndHard) {
   const Score withEasy = match(SkillLevel::normal, SkillLevel::easy);
   EXPECT_GT(withEasy.first, withEasy.second);
   const Score withHard = match(SkillLevel::hard, SkillLevel::normal);

@@ -50,8 +50,8 @@ TEST_F(BotWire, NoStepIsLongerThanTheGameAllows) {
       EXPECT_TRUE(place.x >= 0 && place.x <= 100'000 && place.y >= 0 && place.y <= 100'000)
           << testing::PrintToString(report.message);
       if (last) {
-        // Four frames at 300, times 3 with the turbo, and times 2 as a ghost; a bounce throws a thousand inward on
-        // either axis.
+        // Four frames at 300, times 3 with a turbo, and times 2 for a ghost. A bounce adds a thousand inward on either
+        // axis.
         const double step = flightLength(place - *last);
         EXPECT_LE(step, 4 * 300 * 3 * 2 + 2'000);
         const bool isByTheEdge = place.x < 8'200 || place.x > 91'800 || place.y < 8'200 || place.y > 91'800;
@@ -60,11 +60,11 @@ TEST_F(BotWire, NoStepIsLongerThanTheGameAllows) {
       last = place;
     }
   }
-  EXPECT_GT(longest, 1'150) << "the hard ones use their speed";
+  EXPECT_GT(longest, 1'150) << "hard bots use their speed";
 }
 
-TEST_F(BotWire, WithoutTurboALivingBotMakesTwelveHundredAReport) {
-  // Easy ones have no credits for a turbo before they have died once.
+TEST_F(BotWire, WithoutTurboALivingBotFliesTwelveHundredPerReport) {
+  // Easy bots can't afford a turbo before their first death.
   Contest alone(3);
   alone.listen();
   alone.addBot(SkillLevel::hard);
@@ -87,16 +87,16 @@ TEST_F(BotWire, TheArenaAcceptsEveryReport) {
   contest.pass(120'000);
   std::size_t reported = 0;
   for (int player = 1; player <= 6; ++player) reported += reports(player).size();
-  // All have been in from the beginning, so each got an echo of everything.
+  // All have been in since the start, so each got an echo of everything.
   EXPECT_EQ(static_cast<std::size_t>(contest.sent(1, wire::msgPosition)), reported);
 }
 
-TEST_F(BotWire, OneReportInFortyMs) {
+TEST_F(BotWire, ReportsOncePerFortyMs) {
   contest.pass(60'000);
   for (int player = 1; player <= 6; ++player) {
     std::map<Millis, int> atOnce;
     for (const auto& report : reports(player)) ++atOnce[report.at];
-    for (const auto& [at, count] : atOnce) EXPECT_LE(count, 2) << "one, and one with the answer to a ping";
+    for (const auto& [at, count] : atOnce) EXPECT_LE(count, 2) << "one, and one with the reply to a ping";
     EXPECT_GT(reports(player).size(), 300U) << player;
   }
 }
@@ -113,14 +113,14 @@ TEST_F(BotWire, AnswersEveryPing) {
   }
 }
 
-TEST_F(BotWire, StandsStillForAMomentAfterItCameIn) {
+TEST_F(BotWire, StandsStillForAMomentAfterJoining) {
   contest.pass(200);
   for (int player = 1; player <= 6; ++player) EXPECT_TRUE(reports(player).empty()) << player;
   contest.pass(2'400);
   for (int player = 1; player <= 6; ++player) EXPECT_FALSE(reports(player).empty()) << player;
 }
 
-TEST_F(BotWire, ARespawnedBotRollsOutWithTheBrakesOn) {
+TEST_F(BotWire, RespawnedBotRollsToAStopWithTheBrakesOn) {
   contest.pass(60'000);
   int checked = 0;
   for (int tick = 0; tick < 1'500; ++tick) {
@@ -132,7 +132,7 @@ TEST_F(BotWire, ARespawnedBotRollsOutWithTheBrakesOn) {
       if (!wasAlive[player] && contest.player(player).isAlive) risen[player] = reports(player).size();
     }
     if (risen.empty()) continue;
-    // No bot releases the brakes in the first 200 ms: each step is shorter than the one before, or there is none.
+    // No bot releases the brakes in the first 200 ms: each step is shorter than the previous one, or there is none.
     contest.pass(120);
     for (const auto& [player, count] : risen) {
       const auto all = reports(player);
@@ -148,7 +148,7 @@ TEST_F(BotWire, ARespawnedBotRollsOutWithTheBrakesOn) {
   EXPECT_GE(checked, 5);
 }
 
-TEST_F(BotWire, ASpawnIsAskedForAHumanMomentAfterTheDeathIsSeen) {
+TEST_F(BotWire, RequestsASpawnAHumanMomentAfterSeeingItsDeath) {
   contest.pass(120'000);
   int asked = 0;
   for (const auto& said : contest.said()) asked += idOf(said) == wire::msgSpawnRequest ? 1 : 0;
@@ -156,7 +156,7 @@ TEST_F(BotWire, ASpawnIsAskedForAHumanMomentAfterTheDeathIsSeen) {
   for (int player = 1; player <= 6; ++player) EXPECT_EQ(contest.sent(player, wire::msgSpawnDenied), 0) << player;
 }
 
-TEST_F(BotWire, SaysNothingThatTheArenaDoesNotKnow) {
+TEST_F(BotWire, SendsOnlyMessagesThatTheArenaKnows) {
   contest.pass(120'000);
   const std::set<int> known = {wire::msgLogin,        wire::msgPositionReport, wire::msgPingReply,      wire::msgChat,
                                wire::msgSpawnRequest, wire::msgBuyRequest,     wire::msgActivateRequest};
@@ -173,7 +173,7 @@ TEST_F(BotWire, ABuyIsNeverRefused) {
   EXPECT_GT(bought, 5);
 }
 
-TEST_F(BotWire, ChatsRarelyAndInPlainLetters) {
+TEST_F(BotWire, ChatsRarelyAndInPlainAscii) {
   contest.pass(600'000);
   std::map<int, Millis> last;
   int lines = 0;

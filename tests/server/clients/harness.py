@@ -1,5 +1,5 @@
-"""A real server, and what the tests need to meet it with other people's programs: frames, ports, nginx. Everything stays on
-this machine, and everything that is started here is ended here."""
+"""A real server, and what the tests need to connect third-party programs to it: frames, ports, nginx. Everything stays
+on this machine, and everything started here is stopped here."""
 
 import os
 import pathlib
@@ -54,7 +54,7 @@ def connect(port, host=1):
 
 
 def read_to_end(connection):
-    """What comes up to the end of the connection, orderly or not."""
+    """Everything received up to the end of the connection, orderly or not."""
     data = b""
     try:
         while piece := connection.recv(65536):
@@ -65,7 +65,7 @@ def read_to_end(connection):
 
 
 class Server:
-    """The program. `end` and the end of a `with` tell it to stop, and fail unless it does so with status 0."""
+    """The server program. `end` and the end of a `with` stop it, and fail unless it exits with status 0."""
 
     def __init__(self, *options, program=SERVER):
         self.log_file = tempfile.TemporaryFile("w+")
@@ -81,7 +81,7 @@ class Server:
         return self.log_file.read()
 
     def address_of(self, client):
-        """Where the log says that this player comes from."""
+        """The player's address according to the log."""
         return re.search(rf"client {client} comes from (\S+)", self.log())[1]
 
     def end(self):
@@ -105,12 +105,12 @@ class Server:
 
 
 class RawPlayer:
-    """Speaks the game's protocol over TCP, or over any other stream with the same two calls."""
+    """A player over TCP, or over any other stream with the same two calls."""
 
     def __init__(self, connection, name, colour=0):
         self.connection = connection
         self.arrived = b""
-        self.frames = []  # texts of the frames so far, ids included
+        self.frames = []  # texts of the frames so far, with ids
         self.send(login(name, colour))
 
     def send(self, data):
@@ -127,7 +127,7 @@ class RawPlayer:
         return data
 
     def read(self):
-        """Takes in what comes next, and answers pings."""
+        """Reads the next frames and answers pings."""
         self.arrived += self.receive()
         *whole, self.arrived = self.arrived.split(END)
         for text in whole:
@@ -137,7 +137,7 @@ class RawPlayer:
                 self.send(frame(protocol.PING_REPLY, f"{time.time() % 86400:.3f}"))
 
     def find(self, message, accept=lambda fields: True, start=0):
-        """The fields of the first frame of that id that is accepted; reads until there is one."""
+        """The fields of the first frame with that id that `accept` accepts. Reads until there is one."""
         at = start
         deadline = time.monotonic() + PATIENCE
         while True:
@@ -155,8 +155,8 @@ class RawPlayer:
 
 
 class Nginx:
-    """A real nginx with the configuration of docs/server.md: its addresses and its certificate are replaced, and a folder of
-    its own takes its files."""
+    """A real nginx with the configuration of docs/server.md: only its addresses and certificate are replaced, and a
+    temporary folder holds its files."""
 
     program = shutil.which("nginx", path="/usr/sbin:/usr/bin:/usr/local/sbin")
 
@@ -214,6 +214,6 @@ class Nginx:
 
 
 def documented(program):
-    """The configuration of that proxy in docs/server.md: the fenced block behind "For <program>:"."""
+    """That proxy's configuration in docs/server.md: the fenced block after "For <program>:"."""
     text = (PROJECT / "docs/server.md").read_text(encoding="utf-8")
     return re.search(rf"[Ff]or {program}:\n\n```\n(.*?)```", text, re.DOTALL)[1]

@@ -1,5 +1,5 @@
-"""The program ends with status 0 whatever is half open when it is told to. KELVORA_ENDINGS=0-1999 in the environment makes
-it two thousand starts, and each number gives the same start again."""
+"""The program exits with status 0 whatever is half open when it is told to stop. KELVORA_ENDINGS=0-1999 in the
+environment makes two thousand starts. Each number always gives the same start."""
 
 import os
 import random
@@ -39,13 +39,13 @@ HALF_OPEN = {
     "a request in a WebSocket": HANDSHAKE + masked(0x82, b"GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n"),
     "half a game frame": START + b"\x87Half",
     "a player": login("Raw"),
-    "a player in the midst of a word": login("Mid", 4) + frame(CHAT, "-1", "a word")[:5],
+    "a player in the middle of a line": login("Mid", 4) + frame(CHAT, "-1", "a word")[:5],
     "garbage": b"\xff\xfe",
 }
 
 
 def leave_as(kind, one):
-    """Ends it as `kind` says, or leaves it open."""
+    """Closes the connection as `kind` says, or leaves it open."""
     if kind == "reset":
         one.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
         one.close()
@@ -73,12 +73,13 @@ class Endings(unittest.TestCase):
                     for one in held:
                         leave_as(chance.choice(("open", "open", "open", "reset", "finish", "close")), one)
                     if chance.random() < 0.8:
-                        # The server has then seen all that came before.
+                        # The server has now seen everything before.
                         with connect(server.port, 200) as last:
                             last.sendall(b"GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n")
                             last.recv(100)
                     if chance.random() < 0.5:
-                        # The second signal ends it at once, else it waits two seconds for those who don't leave.
+                        # The second signal stops it at once. Otherwise it waits two seconds for clients who don't
+                        # leave.
                         server.process.send_signal(signal.SIGTERM)
                 finally:
                     server.end()

@@ -1,4 +1,4 @@
-"""Everyday programs and odd requests: curl, wget, HTTP of other versions, and clients that take their time."""
+"""Everyday programs and odd requests: curl, wget, HTTP of other versions, and slow clients."""
 
 import os
 import random
@@ -64,7 +64,7 @@ class EverydayPrograms(Site):
         self.assertEqual(self.run_program("curl", "-sS", "--proxy", self.url, "http://elsewhere.example" + UPDATE),
                          UPDATE_FILE, "an absolute address")
 
-    def test_curl_with_the_preface_of_http_2_is_refused(self):
+    def test_curl_with_an_http_2_preface_is_refused(self):
         result = subprocess.run(["curl", "-sS", "--http2-prior-knowledge", self.url + UPDATE], capture_output=True,
                                 timeout=PATIENCE)
         self.assertNotEqual(result.returncode, 0)
@@ -116,7 +116,7 @@ class OddRequests(Site):
 
 
 class Storm(Site):
-    """Slow, half, broken and hasty clients all at once, beside two players who are heard through all of it."""
+    """Slow, incomplete, broken and hasty clients all at once, beside two players whose chat must arrive throughout."""
 
     def test_the_players_play_on(self):
         players = [RawPlayer(connect(self.server.port, 240 + number), f"P{number}", number) for number in range(2)]
@@ -152,7 +152,7 @@ class Storm(Site):
                 one.settimeout(0.2)
                 held.append(one)
                 data = chance.choice(kinds)
-                if chance.random() < 0.5:  # slowly: a piece now and others later
+                if chance.random() < 0.5:  # slowly, piece by piece
                     one.send(data[:chance.randrange(len(data) + 1)])
                 else:
                     one.sendall(data)
@@ -170,7 +170,7 @@ class Storm(Site):
                         held.remove(other)
                         other.close()
             except OSError:
-                pass  # refused, reset or full, as the limits have it
+                pass  # refused, reset or full, according to the limits
             if len(held) > 60:
                 held.pop(0).close()
             time.sleep(0.002)

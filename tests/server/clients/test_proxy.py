@@ -1,4 +1,4 @@
-"""A real proxy in front of the server: nginx, and Caddy where it is installed. Both run the configuration of
+"""A real proxy in front of the server: nginx, and Caddy if it is installed. Both use the configuration in
 docs/server.md."""
 
 import os
@@ -74,7 +74,7 @@ class BehindNginx(unittest.TestCase):
         self.expect_held(7)
 
     def streamed(self, host, more=b""):
-        """A request over the raw stream."""
+        """Sends a request over the raw stream."""
         connection = connect(self.nginx.stream_port, host)
         self.addCleanup(connection.close)
         connection.sendall(UPDATE + more + b"\r\n")
@@ -99,7 +99,7 @@ class BehindCaddy(unittest.TestCase):
 
     def test_the_documented_configuration_is_valid_and_works(self):
         text = documented("Caddy")
-        for old, new in (("games.example", f"http://127.0.0.1:{self.port}"),  # without a certificate of the network's
+        for old, new in (("games.example", f"http://127.0.0.1:{self.port}"),  # without a public certificate
                          ("127.0.0.1:2010", f"127.0.0.1:{self.server.port}")):
             self.assertEqual(text.count(old), 1, old)
             text = text.replace(old, new)
@@ -118,7 +118,7 @@ class BehindCaddy(unittest.TestCase):
         self.addCleanup(web.close)
         web.find(LOGIN_ACCEPTED)
         self.assertEqual(self.server.address_of(r"\d+"), "127.0.0.8")
-        # Caddy keeps its connections to the server, and different clients take turns on them.
+        # Caddy keeps its connections to the server and reuses them for different clients.
         for host in range(20, 20 + 2 * BURST):
             with connect(self.port, host) as one:
                 one.sendall(UPDATE.replace(b"/games/kelvora/ver.txt", b"/") + b"X-Forwarded-For: 192.0.2.1\r\n\r\n")

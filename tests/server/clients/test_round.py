@@ -10,7 +10,7 @@ from protocol import (ACTIVATE_REQUEST, BUY_ACCEPTED, BUY_REQUEST, CHAT, FUNDS, 
                       frame)
 from webSocketPlayer import WebSocket, WebSocketPlayer
 
-# What goes to everybody who is in. The rest is for one player: pings, answers of the store, refusals.
+# Messages that everybody gets. The rest is for one player: pings, answers of the store, refusals.
 PUBLIC = (POSITION, PLAYER_JOINED, PLAYER_LEFT, TAIL_CAPTURE, ROUND_OVER, CHAT, FUNDS, RESPAWN, POWERUP_ON, POWERUP_OFF)
 TURBO = 1
 REPORT_INTERVAL = 0.02  # s; the server takes a hundred a second
@@ -23,7 +23,7 @@ def by_kind(texts):
 
 class Round(unittest.TestCase):
     def setUp(self):
-        # Nothing limits the speed, so the script is around the other player in a moment.
+        # The speed is unlimited, so the script circles the other player within a moment.
         self.server = Server("--bots", "2", "--skill", "easy", "--captures-to-win", "2", "--respawn-wait", "1",
                              "--intermission", "2", "--speed-limit", "0")
         self.addCleanup(self.server.end)
@@ -41,7 +41,7 @@ class Round(unittest.TestCase):
         return fields
 
     def circle(self):
-        """The raw player flies around the other one, who fidgets. Returns what the latter reported."""
+        """Lets the raw player circle the other one, who fidgets. Returns the latter's reports."""
         x, y = self.place
         reported = []
         for step in range(14):
@@ -52,7 +52,8 @@ class Round(unittest.TestCase):
         return reported
 
     def meet(self, text):
-        """Everything public up to this chat line has then reached both. Returns the numbers of frames of each."""
+        """Waits until everything public up to this chat line has reached both. Returns each player's number of
+        frames."""
         self.raw.say(text)
         line = [self.raw_node, text]
         for player in (self.raw, self.web):
@@ -76,7 +77,7 @@ class Round(unittest.TestCase):
 
     @staticmethod
     def roster(player, own):
-        """Name and colour of everybody else who is in, by their nodes."""
+        """Name and colour of all other players, by node."""
         others = {}
         for text in player.frames:
             node, *rest = fields_of(text)
@@ -90,7 +91,7 @@ class Round(unittest.TestCase):
         self.web.send(frame(BUY_REQUEST, TURBO))
         self.web.find(BUY_ACCEPTED)
         for player, own in ((self.raw, self.raw_node), (self.web, self.web_node)):
-            while len(self.roster(player, own)) < 3:  # the other one and two bots
+            while len(self.roster(player, own)) < 3:  # the other player and two bots
                 player.read()
         begin = self.meet("begin")
         of_raw, of_web = self.roster(self.raw, self.raw_node), self.roster(self.web, self.web_node)

@@ -1,4 +1,4 @@
-"""A player over somebody else's WebSocket library: Debian's python3-websockets."""
+"""A player over a third-party WebSocket library: Debian's python3-websockets."""
 
 import asyncio
 
@@ -8,7 +8,7 @@ from harness import PATIENCE, RawPlayer
 
 
 class WebSocket:
-    """The library's client, one blocking call at a time."""
+    """The library's client with blocking calls."""
 
     def __init__(self, uri, host=1, **options):
         self.loop = asyncio.new_event_loop()
@@ -39,7 +39,7 @@ class WebSocket:
 
 
 class WebSocketPlayer(RawPlayer):
-    """Everything that a raw player does, over a WebSocket."""
+    """A RawPlayer over a WebSocket."""
 
     def receive(self):
         return self.connection.receive()

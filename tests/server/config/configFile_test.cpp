@@ -16,7 +16,7 @@ namespace {
 
 using Settings = std::vector<std::pair<std::string, std::string>>;
 
-/// Reads a text of which everything is taken.
+/// Parses a text and accepts every setting.
 std::string read(std::string_view text, Settings& settings) {
   settings.clear();
   const auto take = [&](std::string_view name, const std::string& value) {
@@ -58,14 +58,14 @@ TEST(ServerConfig, LinesAreNamesAndValues) {
   EXPECT_EQ(settings, (Settings{{"port", "2011"}, {"notes", "two words"}, {"password", "a=b #1"}, {"empty", ""}}));
 }
 
-TEST(ServerConfig, CommentsAndEmptyLinesSayNothing) {
+TEST(ServerConfig, CommentsAndEmptyLinesAreIgnored) {
   Settings settings;
   EXPECT_EQ(read("# port = 1\n\n  \r\n  #x\n", settings), "");
   EXPECT_EQ(read("", settings), "");
   EXPECT_TRUE(settings.empty());
 }
 
-TEST(ServerConfig, FaultsAreToldWithTheirLine) {
+TEST(ServerConfig, ErrorsNameTheirLine) {
   Settings settings;
   EXPECT_EQ(read("port = 1\n\nrubbish\n", settings), "a.conf:3: expected \"name = value\"");
   EXPECT_EQ(read("a = 1\n# a\na = 2\n", settings), "a.conf:3: a is already set on line 1");
@@ -75,7 +75,7 @@ TEST(ServerConfig, FaultsAreToldWithTheirLine) {
   EXPECT_EQ(readConfig("a=1\nb=2\nc=3", "f", refuseB).reason(), "f:2: no");
 }
 
-TEST(ServerConfig, AFileHasTheNamesOfTheOptions) {
+TEST(ServerConfig, FileUsesTheNamesOfTheOptions) {
   const std::string file = fileWith("# arena\nport = 2011\nround-seconds = 60\nnotes = a # b\n");
   const char* arguments[] = {"--config", file.c_str()};
   Options options;
@@ -97,7 +97,7 @@ TEST(ServerConfig, TheCommandLineOverridesTheFileInAnyOrder) {
   }
 }
 
-TEST(ServerConfig, AWrongFileIsToldWithItsNameAndLine) {
+TEST(ServerConfig, ErrorsInAFileNameTheFileAndLine) {
   struct Row {
     const char* text;
     const char* complaint;
@@ -119,7 +119,7 @@ TEST(ServerConfig, AWrongFileIsToldWithItsNameAndLine) {
   }
 }
 
-TEST(ServerConfig, AFileThatCannotBeReadIsToldByItsName) {
+TEST(ServerConfig, UnreadableFileIsNamed) {
   const std::string missing = testing::TempDir() + "kelvora-no-such.conf";
   const std::string folder = testing::TempDir();
   for (const std::string& name : {missing, folder}) {

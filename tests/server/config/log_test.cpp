@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::time_t moment = 1'000'000'000;  // 2001-09-09, 01:46:40 in Greenwich
 
-TEST(ServerLog, ALineStandsBehindTheTimeIfThatIsWanted) {
+TEST(ServerLog, LineFollowsTheTimeIfRequested) {
   std::ostringstream stamped;
   Log(stamped, true).write("Ann left", 0, moment);
   EXPECT_EQ(stamped.str(), "2001-09-09T01:46:40Z Ann left\n");
@@ -18,7 +18,7 @@ TEST(ServerLog, ALineStandsBehindTheTimeIfThatIsWanted) {
   EXPECT_EQ(plain.str(), "Ann left\n");
 }
 
-TEST(ServerLog, NoByteOfALineEndsItOrMovesTheCursor) {
+TEST(ServerLog, ControlCharactersAreReplaced) {
   std::ostringstream out;
   Log(out, false).write(std::string("a\nb\r\x1B[2J\0c\x7F\x80\xFF ~", 15), 0, moment);
   EXPECT_EQ(out.str(), "a?b??[2J?c??? ~\n");
@@ -37,7 +37,7 @@ TEST(ServerLog, AFloodOfLinesIsCutAndCounted) {
   EXPECT_EQ(out.str(), "y\n");
 }
 
-/// A disk without room.
+/// A full disk.
 class FullDisk : public std::stringbuf {
  public:
   bool isFull = true;
@@ -49,7 +49,7 @@ class FullDisk : public std::stringbuf {
   }
 };
 
-TEST(ServerLog, GoesOnAfterAFullDisk) {
+TEST(ServerLog, ContinuesAfterAFullDisk) {
   FullDisk disk;
   std::ostream out(&disk);
   Log log(out, true);

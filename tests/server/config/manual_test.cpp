@@ -28,7 +28,7 @@ std::string replaced(std::string text, const std::string& what, const std::strin
   return text;
 }
 
-/// All that looks like an option in the text.
+/// Everything that looks like an option in the text.
 std::set<std::string> optionsIn(const std::string& text) {
   static const std::regex expression("--([a-z][a-z-]*)");
   std::set<std::string> names;
@@ -75,8 +75,8 @@ TEST(ServerManual, TheGuideHasARowForEachOption) {
   }
 }
 
-TEST(ServerManual, TheInstalledConfigurationMakesSense) {
-  // As it stands, and with its examples switched on.
+TEST(ServerManual, InstalledConfigurationIsValid) {
+  // As installed, and with its examples uncommented.
   const std::string file = text("packaging/server/default.conf");
   for (const std::string& config : {file, std::regex_replace(file, std::regex("\n#([a-z-]+ =)"), "\n$1")}) {
     Options options;

@@ -14,7 +14,7 @@ namespace kelvora::server {
 namespace {
 
 struct Parsed : Options {
-  std::string error;  // empty: none
+  std::string error;  // empty for none
 };
 
 Parsed parse(std::vector<const char*> arguments) {
@@ -40,7 +40,7 @@ TEST(ServerOptions, HaveDefaults) {
   EXPECT_FALSE(options.version);
 }
 
-TEST(ServerOptions, TextsAreKeptInTheLettersOfTheGame) {
+TEST(ServerOptions, TextsAreStoredInTheGamesCodePage) {
   const Parsed options = parse({"--password", "\u00D6ffne dich", "--notes", "f\u00FCr alle, 5 \u20AC"});
   EXPECT_EQ(options.error, "");
   EXPECT_EQ(options.password,
@@ -57,7 +57,7 @@ TEST(ServerOptions, APasswordThatNoLoginCanCarryIsRefused) {
     EXPECT_EQ(parse({"--password", password}).error,
               "--password must not contain a euro sign or a low quotation mark, which no player can send");
   }
-  EXPECT_EQ(parse({"--password", "\u201Eso\u201C"}).error, "") << "the double ones are letters like others";
+  EXPECT_EQ(parse({"--password", "\u201Eso\u201C"}).error, "") << "double quotation marks are ordinary characters";
 }
 
 TEST(ServerOptions, AreReadInBothSpellings) {
@@ -86,7 +86,7 @@ TEST(ServerOptions, ReachTheWebServerAndTheIncome) {
   EXPECT_EQ(parse({"--income", "6000"}).error, "");
 }
 
-TEST(ServerOptions, ThatMakeNoSenseAreTold) {
+TEST(ServerOptions, ThatAreInvalidAreReported) {
   EXPECT_NE(parse({"--prot", "1"}).error, "");
   EXPECT_NE(parse({"2010"}).error, "");
   EXPECT_NE(parse({"--port"}).error, "");
@@ -124,10 +124,10 @@ TEST(ServerOptions, SetTheRules) {
   for (const char* value : {"", "x", "-0.5", "1000.5", "nan", "inf", "1,5"}) {
     EXPECT_NE(parse({"--speed-limit", value}).error, "") << value;
   }
-  EXPECT_NE(parse({"--round-seconds", "0"}).error, "") << "a round takes some time";
+  EXPECT_NE(parse({"--round-seconds", "0"}).error, "") << "a round can't take no time";
 }
 
-TEST(ServerOptions, AskForBots) {
+TEST(ServerOptions, ConfigureTheBots) {
   EXPECT_EQ(parse({}).bots.count, 0);
   EXPECT_EQ(parse({}).bots.skill, SkillLevel::mixed);
   EXPECT_EQ(parse({"--bots", "5"}).bots.count, 5);
@@ -155,14 +155,14 @@ TEST(ServerOptions, HelpFitsATerminalOf120Columns) {
   for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 120U) << line;
 }
 
-TEST(ServerOptions, NoNameStandsTwiceInTheTable) {
+TEST(ServerOptions, NoNameAppearsTwiceInTheTable) {
   std::set<std::string_view> names;
   for (const Option& option : optionTable()) {
     EXPECT_TRUE(option.name.empty() || names.insert(option.name).second) << option.name;
   }
 }
 
-TEST(ServerOptions, TextsHaveALongestLength) {
+TEST(ServerOptions, TextsHaveAMaximumLength) {
   const std::string longest(200, 'n');
   EXPECT_EQ(parse({"--notes", longest.c_str()}).notes, longest);
   EXPECT_EQ(parse({"--notes", (longest + "n").c_str()}).error, "--notes must not be longer than 200 bytes");
@@ -174,7 +174,7 @@ TEST(ServerOptions, SwitchesTakeNoValue) {
   EXPECT_EQ(parse({"--help", "--port", "1"}).port, 1);
 }
 
-TEST(ServerOptions, AWordIsOneOfThoseOfTheRow) {
+TEST(ServerOptions, WordMustBeOneOfItsRow) {
   Options options;
   const Option row{"colour", "red|green|blue", "",
                    Option::Word{[](Options& o, int index) { o.port = static_cast<std::uint16_t>(index); }}};

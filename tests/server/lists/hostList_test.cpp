@@ -30,11 +30,11 @@ TEST(HostList, TextsCannotBreakTheRecordOrTheList) {
   EXPECT_EQ(hostRecord(evil), "[ ::1 |2010|0|a b c d      END- x|0|6]");
 }
 
-TEST(HostList, NothingIsListedBeforeTheFirstWordAboutIt) {
+TEST(HostList, DefaultEntryIsNotListed) {
   EXPECT_FALSE(matches(HostEntry{}, KELVORA_VERSION, {.version = KELVORA_VERSION}));
 }
 
-TEST(HostList, OnlyTheVeryVersionMatches) {
+TEST(HostList, OnlyTheSameVersionMatches) {
   for (const char* version : {"", "1.2", KELVORA_VERSION "0", KELVORA_VERSION " ", "0" KELVORA_VERSION}) {
     EXPECT_FALSE(matches(host(false, 3), KELVORA_VERSION, {.version = version})) << version;
   }
@@ -69,8 +69,8 @@ TEST(HostList, EachFlagHidesItsOwnKindOfHost) {
   }
 }
 
-// A client reads ports as 16 bits with a sign; one beyond that ends it.
-TEST(HostList, APortThatClientsCannotTakeIsNotListed) {
+// Clients read ports as signed 16-bit numbers, and end with a fault at a larger one.
+TEST(HostList, PortThatClientsCannotUseIsNotListed) {
   HostEntry entry = host(false, 3);
   entry.port = 32'766;
   EXPECT_TRUE(matches(entry, KELVORA_VERSION, {.version = KELVORA_VERSION}));

@@ -53,17 +53,17 @@ TEST(HostRegistry, OnlyItsAnnouncerChangesOrWithdrawsAnEntry) {
   EXPECT_EQ(registry.announce("b", of("192.0.2.7", 2011), 1), Answer::done) << "another port is another server";
   EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done);
   EXPECT_EQ(*registry.listing(all, 1), "[192.0.2.7|2011|0|n|3|6]-END-\n");
-  EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done) << "it is gone already";
+  EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done) << "it is already gone";
   EXPECT_EQ(registry.announce("c", of("192.0.2.7", 2011), 1 + hour), Answer::done) << "the hour is over";
 }
 
-TEST(HostRegistry, OneHostHasThirtyTwoEntries) {
+TEST(HostRegistry, OneHostHasAtMostThirtyTwoEntries) {
   HostRegistry registry;
   for (std::uint16_t port = 1; port <= 32; ++port) {
     EXPECT_EQ(registry.announce("a", of("x", port), 0), Answer::done) << port;
   }
   EXPECT_EQ(registry.announce("a", of("x", 33), 0), Answer::tooManyFromNetwork);
-  EXPECT_EQ(registry.announce("a", of("x", 32, 5), 0), Answer::done) << "those it has may change";
+  EXPECT_EQ(registry.announce("a", of("x", 32, 5), 0), Answer::done) << "its existing entries may change";
   EXPECT_EQ(registry.announce("b", of("x", 33), 0), Answer::done);
   EXPECT_EQ(registry.announce("a", of("x", 34), 0, true), Answer::done) << "trusted";
 }
@@ -100,7 +100,7 @@ TEST(HostRegistry, OutdatedListingsTakeAtMostAMebibyteInAll) {
   EXPECT_EQ(registry.listing(all, 0)->size(), size) << "the current one is always whole";
 }
 
-TEST(HostRegistry, HoldsAThousandEntriesAndAClientTakesThem) {
+TEST(HostRegistry, HoldsAThousandEntriesThatAClientCanRead) {
   HostRegistry registry;
   Announcement longest = of(std::string(255, 'a'), 1);
   longest.host.notes = std::string(200, '&');
@@ -136,7 +136,7 @@ TEST(HostRegistry, EverybodySharesAListingUntilAnEntryChanges) {
   registry.withdraw("a", of("one.example", 1).host, 4'000);
   expectNew(4'000, "[two.example|2|0|n|3|6]");
   EXPECT_EQ(*registry.listing(all, 3'000 + hour), "-END-\n");
-  EXPECT_EQ(*first, "[one.example|1|0|n|3|6]-END-\n") << "an answer that is under way stays whole";
+  EXPECT_EQ(*first, "[one.example|1|0|n|3|6]-END-\n") << "an answer being sent stays whole";
 }
 
 TEST(HostRegistry, EverybodySharesATableUntilAnEntryChanges) {
@@ -164,7 +164,7 @@ TEST(HostRegistry, ListingsOfUnknownVersionsAreNotKept) {
   EXPECT_EQ(unknown.use_count(), 1);
 }
 
-/// Reads the query as a web server would, of which nothing but these characters is escaped.
+/// Decodes the query like a web server. Only these characters are escaped in it.
 std::string read(std::string query, Announcement& announcement) {
   std::map<std::string, std::string, std::less<>> values;
   query += '&';
@@ -187,7 +187,7 @@ std::string read(std::string query, Announcement& announcement) {
       .reason();
 }
 
-TEST(Announcement, ComesBackFromItsQuery) {
+TEST(Announcement, RoundTripsThroughItsQuery) {
   const Announcement sent{KELVORA_VERSION,
                           {.address = "2001:db8::7",
                            .port = 32'766,
@@ -265,13 +265,13 @@ TEST(Announcement, InvalidValuesAreRefusedByName) {
     query += std::string(row.name) + "=" + row.value;
     Announcement announcement;
     const std::string fault = read(query, announcement);
-    // Fewer places than players are the players' fault.
+    // A maximum below the number of players is reported as an error of `players`.
     const char* toBlame = row.value == "2" && row.name == std::string_view("max") ? "players" : row.name;
     EXPECT_EQ(fault, row.isFit ? "" : toBlame) << row.name << " " << row.value;
   }
 }
 
-TEST(PublishSchedule, BeginsAtOnceAndThenEveryFiveMinutes) {
+TEST(PublishSchedule, StartsAtOnceAndRepeatsEveryFiveMinutes) {
   PublishSchedule schedule;
   EXPECT_EQ(schedule.due(), 0);
   schedule.begins(10'000);
@@ -279,12 +279,12 @@ TEST(PublishSchedule, BeginsAtOnceAndThenEveryFiveMinutes) {
   EXPECT_EQ(schedule.due(), 310'000);
 }
 
-TEST(PublishSchedule, NewsGoOutTenSecondsAfterTheLastTime) {
+TEST(PublishSchedule, NewsIsAnnouncedTenSecondsAfterTheLastTime) {
   PublishSchedule schedule;
   schedule.news();
   EXPECT_EQ(schedule.due(), 0);
   schedule.begins(10'000);
-  schedule.news();  // while it is under way
+  schedule.news();  // while it is in progress
   schedule.ends(true);
   EXPECT_EQ(schedule.due(), 20'000);
   schedule.begins(20'000);
@@ -292,7 +292,7 @@ TEST(PublishSchedule, NewsGoOutTenSecondsAfterTheLastTime) {
   EXPECT_EQ(schedule.due(), 320'000);
 }
 
-TEST(PublishSchedule, AFailureIsTriedAgainAfterAMinute) {
+TEST(PublishSchedule, FailureIsRetriedAfterAMinute) {
   PublishSchedule schedule;
   schedule.begins(10'000);
   schedule.ends(false);

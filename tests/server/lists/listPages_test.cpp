@@ -85,7 +85,7 @@ TEST_F(ListPagesTest, TheQueryFiltersTheList) {
   }
 }
 
-TEST_F(ListPagesTest, OtherMethodsAreRefusedWithThoseThatAreAllowed) {
+TEST_F(ListPagesTest, OtherMethodsAreRefusedWithTheAllowedOnes) {
   for (const char* method : {"POST", "PUT", "DELETE", "OPTIONS", "BREW"}) {
     const HttpAnswer answer = ask(method, "/games/kelvora/ver.txt");
     EXPECT_EQ(answer.status, 405U) << method;
@@ -94,7 +94,7 @@ TEST_F(ListPagesTest, OtherMethodsAreRefusedWithThoseThatAreAllowed) {
   EXPECT_EQ(ask("GET", "/games/kelvora/publish").headers.back(), "Allow: POST, DELETE");
 }
 
-TEST_F(ListPagesTest, NothingMayBeCachedNorKept) {
+TEST_F(ListPagesTest, AnswersAreNotCachedAndEndTheConnection) {
   const HttpAnswer answer = ask("GET", "/games/kelvora/gethosts.php?version=" KELVORA_VERSION);
   EXPECT_EQ(answer.headers.front(), "Cache-Control: no-store");
   EXPECT_EQ(answer.type, "text/plain");
@@ -174,7 +174,7 @@ unsigned int announce(ListPages& pages, int port, const std::string& from, const
   return pages.answer(request, {.address = from, .network = from}, 0).status;
 }
 
-TEST_F(ListPagesTest, OneAddressHasThirtyTwoEntries) {
+TEST_F(ListPagesTest, OneAddressHasAtMostThirtyTwoEntries) {
   for (int port = 1; port <= 32; ++port) EXPECT_EQ(announce(pages, port, "198.51.100.1"), 200U) << port;
   EXPECT_EQ(announce(pages, 33, "198.51.100.1"), 429U);
   EXPECT_EQ(announce(pages, 33, "198.51.100.2"), 200U);

@@ -1,4 +1,4 @@
-// The limits of one connection, whatever it speaks. Time runs out when the test says so.
+// The limits of one connection in each protocol. The tests set the clock.
 
 #include "server/net/connection.h"
 
@@ -19,7 +19,7 @@ namespace {
 
 using std::chrono::seconds;
 
-/// A connection and its client. The parameter says whether they speak inside a WebSocket.
+/// A connection and its client. The parameter says whether they use a WebSocket.
 class ConnectionLimits : public testing::TestWithParam<bool> {
  protected:
   ConnectionLimits() {
@@ -49,7 +49,7 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
     client.waitUntilDelivered();
     settle();
   }
-  /// The connection lasts for this long after what it did last, and no longer.
+  /// Expects that the connection lasts exactly this long after its last activity.
   void expectToLast(seconds time, const std::string& reason) {
     const auto now = Connection::Clock::now();
     connection->closeIfOverdue(now + time - seconds(1));
@@ -66,7 +66,7 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
 
  protected:
   WebSocketClient client{door_.local_endpoint().port()};
-  std::string closed;  // why
+  std::string closed;  // the reason
   bool hangsUpOnFrame = false;
   std::size_t heard = 0;      // bytes of the frames
   std::size_t bodyTaken = 0;  // bytes of a large answer

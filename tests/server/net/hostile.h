@@ -27,7 +27,7 @@ constexpr std::size_t allowedBytes(std::size_t connections, std::size_t deaf = 0
   return connections * (std::size_t{7} << 10) + deaf * (std::size_t{400} << 10) + (std::size_t{1} << 20);
 }
 
-/// Two players from an address of their own, one of whom watches the other fly.
+/// Two players on their own addresses. One watches the other fly.
 class Game {
  public:
   explicit Game(std::uint16_t port) : ann_(port, 200), bob_(port, 201) {
@@ -99,7 +99,7 @@ class UnderAttack : public testing::Test {
   }
 };
 
-/// Connections that pour the same bytes in for as long as they are taken. They read nothing unless they are told to.
+/// Connections that send the same bytes for as long as the server takes them. They read nothing unless told to.
 class Flood {
  public:
   Flood(std::uint16_t port, int count, const std::string& first, std::string bytes, bool isReading = false)

@@ -1,4 +1,4 @@
-// Hostile clients that speak HTTP and WebSocket, on real sockets of the loopback interface: the others play on.
+// Hostile clients that speak HTTP and WebSocket on real loopback sockets. The others play on.
 
 #include <string>
 
@@ -33,7 +33,7 @@ TEST_F(HostileWeb, FloodsOfTinyWebSocketFramesAreHeldBack) {
   const auto start = std::chrono::steady_clock::now();
   expectPlay([&](int) { flood.pour(); });
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-  // Of each, half a second's worth at once and then the rate; the rest waits in the buffers of both sides.
+  // Each is allowed half a second's worth at once and then the rate. The rest waits in the buffers of both sides.
   EXPECT_LT(static_cast<double>(flood.poured()),
             60 * (PacedSocket::bytesPerSecond * (time.count() + 0.5) + (256 << 10)));
 }

@@ -39,7 +39,7 @@ TEST_F(Hostile, FloodsOfTinyFramesFromSixtyAreHeldBack) {
   const auto start = Clock::now();
   expectPlay([&](int) { flood.pour(); });
   const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-  // Of each, half a second's worth at once and then the rate; the rest waits in the buffers of both sides.
+  // Each is allowed half a second's worth at once and then the rate. The rest waits in the buffers of both sides.
   EXPECT_LT(static_cast<double>(flood.poured()), 60 * (PacedSocket::bytesPerSecond * (seconds + 0.5) + (256 << 10)));
 }
 
@@ -79,7 +79,7 @@ TEST_F(Hostile, LeavingInTheMiddleOfAFrame) {
   int times = 0;
   expectPlay([&](int i) {
     if (times > i * 3) return;
-    // Every length from nothing to the whole of it, now with an orderly end and now with a reset.
+    // Every length from nothing to the whole text, alternating between an orderly end and a reset.
     TcpClient client(port, static_cast<std::uint32_t>(10 + times % 100));
     client.push(session.substr(0, static_cast<std::size_t>(times) % (session.size() + 1)));
     if (++times % 2 == 0) client.reset();
@@ -139,7 +139,7 @@ TEST_F(Hostile, SixteenOfOneAddressComeInAndNoMore) {
 }
 
 TEST_F(Hostile, ThousandsOfConnectionsFromManyAddresses) {
-  // Some hold the line as long as they can, some come and go.
+  // Some stay connected as long as they can, some come and go.
   std::vector<std::unique_ptr<TcpClient>> held;
   int count = 0;
   const std::size_t growth = expectPlay([&](int i) {
@@ -164,7 +164,7 @@ TEST_F(Hostile, LoginsByTheHundred) {
   EXPECT_EQ(many.readUntil(wire::msgLoginAccepted).substr(0, 4),
             "2\x82"
             "3\x82");
-  // On many connections the places run out, and then the patience with the address.
+  // On many connections the slots run out, and then the address's limit is reached.
   std::vector<std::unique_ptr<Client>> others;
   expectPlay([&](int i) {
     if (others.size() > static_cast<std::size_t>(i) * 5) return;
@@ -268,7 +268,7 @@ TEST_F(Hostile, ReplaysOfAWholeSession) {
   for (std::uint32_t host = 10; host < 13; ++host) clients.push_back(std::make_unique<Client>(port, host));
   int times = 0;
   expectPlay([&](int) {
-    if (++times > 20) return;  // else there is much to wait for at the end
+    if (++times > 20) return;  // otherwise the test would end with a long wait
     for (const auto& client : clients) client->push(session);
   });
   for (const auto& client : clients) {
@@ -281,7 +281,7 @@ TEST_F(Hostile, ReplaysOfAWholeSession) {
   }
 }
 
-/// With fewer descriptors than it would take.
+/// With fewer descriptors than it would need.
 TEST(HostileDescriptors, TheirEndIsNotTheServersEnd) {
   RunningServer server;
   Game game(server.port());

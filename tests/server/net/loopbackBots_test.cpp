@@ -1,4 +1,4 @@
-// Bots of a server on real sockets.
+// A server's bots on real loopback sockets.
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// The server on real sockets of the loopback interface.
+// The server on real loopback sockets.
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -100,7 +100,7 @@ TEST_F(Loopback, ARefusedClientGetsTheReasonAndThenTheEnd) {
   EXPECT_TRUE(ann.isCutOff());
 }
 
-// The bytes 128 to 130, which a player can type as a euro sign, paste, and type as a low quotation mark.
+// The bytes 128 to 130, which players can type as a euro sign, paste, and type as a low quotation mark.
 TEST_F(Loopback, ADelimiterInANameIsRefusedWithAReason) {
   for (const char* name : {"A\x80nn", "A\x81nn", "A\x82nn", "\x80\x80", "\x82\x82\x82", "\x80\x87"}) {
     Client ann(port());
@@ -179,7 +179,7 @@ TEST(ServerConnection, AClientThatNeverReadsIsDropped) {
   context.run();
 }
 
-/// The program itself, on ports of its own choice.
+/// The program itself, on free ports.
 class Program {
  public:
   explicit Program(std::vector<std::string> arguments) {
@@ -213,7 +213,7 @@ class Program {
     return static_cast<std::uint16_t>(std::stoi(text.substr(text.rfind(':') + 1)));
   }
   void signal(int number) const { ::kill(process_, number); }
-  /// Its exit status, once it has ended; -1 if it did not end by itself.
+  /// Its exit status once it has ended; -1 if it didn't end by itself.
   int status() const {
     int status = 0;
     EXPECT_EQ(::waitpid(process_, &status, 0), process_);

@@ -1,4 +1,4 @@
-// Servers that announce themselves to each other's lists, on real sockets of the loopback interface.
+// Servers that announce themselves to each other's lists, on real loopback sockets.
 
 #include <gtest/gtest.h>
 
@@ -66,7 +66,7 @@ class Publishing : public testing::Test {
   static std::string own(const RunningServer& list) {
     return "[list.example|" + std::to_string(list.port()) + "|0||0|6]";
   }
-  /// Waits for a line of the log, for a minute.
+  /// Waits up to a minute for a line of the log.
   static bool logs(const RunningServer& server, const std::string& start) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (std::chrono::steady_clock::now() < end) {

@@ -71,7 +71,7 @@ class TcpClient {
     const int size = 16 << 10;
     ::setsockopt(socket_, SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
   }
-  /// The system takes little of what this one does not read.
+  /// Limits the receive buffer, so that the system takes little that this client doesn't read.
   void keepLittleUnread() {
     const int size = 16 << 10;
     ::setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);

@@ -1,4 +1,4 @@
-// The web files on real sockets of the loopback interface.
+// The web files on real loopback sockets.
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -58,7 +58,7 @@ Response ask(std::uint16_t port, const std::string& request, std::uint32_t host 
   return {all.substr(0, all.find("\r\n")), all.substr(0, end), all.substr(end + 4)};
 }
 
-/// Logs in, and waits until the server has done all that belongs to it.
+/// Logs in, and waits until the server has finished that.
 void join(Client& client, const std::string& name) {
   client.login(name);
   client.say(wire::msgChat, {"-1", "in"});
@@ -294,7 +294,7 @@ TEST(WebSite, AFolderIsServedInPiecesAndTheListBesideIt) {
   std::filesystem::remove_all(folder);
 }
 
-/// The game and the web server together, as the program runs them.
+/// The game and the web server combined, as in the program.
 class GameWithWeb : public testing::Test {
  protected:
   ~GameWithWeb() override {

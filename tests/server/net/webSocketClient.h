@@ -80,7 +80,8 @@ class WebSocketClient : public TcpClient {
     arrived_.erase(0, start + size);
     return frame;
   }
-  /// The payloads of binary frames, joined, until the text has come in them; all there was if it doesn't come.
+  /// The concatenated payloads of binary frames, up to the one that contains the text; everything received if none
+  /// does.
   std::string readUntil(const std::string& wanted) {
     std::string all;
     while (all.find(wanted) == std::string::npos) {

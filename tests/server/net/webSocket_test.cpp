@@ -1,4 +1,4 @@
-// The game over WebSocket, on real sockets of the loopback interface.
+// The game over WebSocket on real loopback sockets.
 
 #include <gtest/gtest.h>
 
@@ -267,7 +267,7 @@ TEST(WebSocketOrigin, OtherPagesMayPlayUnlessTheOperatorSaysOtherwise) {
   EXPECT_TRUE(evil.head.starts_with("HTTP/1.1 403 ")) << evil.head;
 }
 
-/// A server that believes the proxy at 127.0.0.5.
+/// A server that trusts the proxy at 127.0.0.5.
 class TrustedProxy : public testing::Test {
  protected:
   RunningServer server{[] {
@@ -301,7 +301,7 @@ TEST_F(TrustedProxy, ItsClientsAreCountedByTheirOwnAddresses) {
   EXPECT_LT(served, 40);
   EXPECT_EQ(ask(5, ""), "400");
   EXPECT_EQ(ask(5, "X-Forwarded-For: somebody\r\n"), "400");
-  // The word of others does not count.
+  // Others are not trusted.
   int others = 0;
   for (int i = 0; i < 40; ++i) {
     others += ask(6, "X-Forwarded-For: 198.51.100." + std::to_string(i) + "\r\n") == "200" ? 1 : 0;
@@ -310,7 +310,7 @@ TEST_F(TrustedProxy, ItsClientsAreCountedByTheirOwnAddresses) {
 }
 
 TEST_F(TrustedProxy, EachRequestOfAKeptConnectionHasAClientOfItsOwn) {
-  // More clients than one address may be, over one connection.
+  // More clients than one address may have, over one connection.
   std::string requests;
   for (int i = 0; i < 40; ++i) requests += page("198.51.100." + std::to_string(i));
   TcpClient kept(server.port(), 5);
@@ -318,7 +318,7 @@ TEST_F(TrustedProxy, EachRequestOfAKeptConnectionHasAClientOfItsOwn) {
   const std::string all = kept.readToEnd();
   EXPECT_EQ(all.find("HTTP/1.1 4"), std::string::npos);
   EXPECT_TRUE(all.ends_with("tvqver:" KELVORA_VERSION "\n"));
-  // A client that keeps a connection of the proxy's to itself is one, however many requests it has.
+  // A client that keeps one of the proxy's connections counts once, however many requests it makes.
   TcpClient single(server.port(), 5);
   std::string many;
   for (int i = 0; i < 40; ++i) many += page("203.0.113.1");
