@@ -56,7 +56,7 @@ class SoundMixer {
 
   /// Queues a command for the thread. False if no thread can be started.
   bool post(std::function<void(MixerDevice&)> run, Clock::time_point latest = Clock::time_point::max());
-  /// Ends the calm early, because an effect is to be played.
+  /// Ends the calm early, because an effect is waiting for the device.
   void await();
   void work();
   /// Sets the track's state, unless another track has been requested since.

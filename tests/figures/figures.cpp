@@ -12,8 +12,8 @@
 #include "base/wholeNumber.h"
 #include "platform/pictures/pictureFile.h"
 
-// Prints checksums of what has to be the same in every build: figures COUNT PICTURE... takes COUNT numbers of each kind
-// through the texts of base, and the pixels of the pictures. tests/figures/compare.sh compares two builds.
+// Prints checksums of results that must be the same in every build: figures COUNT PICTURE... converts COUNT numbers of
+// each kind with the functions of base, and loads the pictures. tests/figures/compare.sh compares two builds.
 namespace {
 
 using namespace kelvora;
