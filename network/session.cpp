@@ -42,7 +42,7 @@ const std::string& colourName(PlayerColour colour) {
 
 // Quirk Q-228: the tail stays as it is. Tails age when they are painted, and departed players are not. Beyond half of
 // the maximum number of vertices it is freed, so that present players never run out.
-void letGo(clsPlayer& player) {
+void markDeparted(clsPlayer& player) {
   player.isConnected = false;
   if (clsTail::count() > modMain::maxTailVertices / 2) player.tails.clear();
 }
@@ -138,7 +138,7 @@ void receivePlayerLeft(std::int16_t node) {
   if (index < 0 || index >= world.opponentCount) return;
   clsPlayer& player = modMain::playerAt(index);
   printChat(player.name + " has disconnected.", LineType::ServerMessage);
-  letGo(player);
+  markDeparted(player);
   if (!hasPlayerRow(player.colour)) return;
   frmMain->lbUserName[player.colour].Caption = "";
   frmMain->lblKills[player.colour].Caption = "";
@@ -160,7 +160,7 @@ void receiveRoundOver(const std::string& text) {
 
 void modMain::resetConnectionState() {
   world.localPlayer.isConnected = false;
-  for (std::int16_t i = 0; i < world.opponentCount; ++i) netMan::letGo(playerAt(i));
+  for (std::int16_t i = 0; i < world.opponentCount; ++i) netMan::markDeparted(playerAt(i));
   // A server may have assigned a colour that has no label. The dialog opens anyway.
   resumeNext([] {
     Label& label = frmMain->lbUserName[world.localPlayer.colour];

@@ -305,11 +305,11 @@ bool isFar(double coordinate) { return std::fabs(coordinate) > reach; }
 // Clips to the square of `reach`, keeping the slope. False if nothing is left. The line's equation is run y - rise x =
 // cross. Products of single-precision numbers are exact in doubles, so even two ends at 1e38 tell where the line
 // between them passes the image.
-bool cutFarEnds(TwipPoint& a, TwipPoint& b) {
-  const auto liesBeyond = [](double first, double second) {
+bool clipFarEnds(TwipPoint& a, TwipPoint& b) {
+  const auto areBothBeyond = [](double first, double second) {
     return (first > reach && second > reach) || (first < -reach && second < -reach);
   };
-  if (liesBeyond(a.x, b.x) || liesBeyond(a.y, b.y)) return false;
+  if (areBothBeyond(a.x, b.x) || areBothBeyond(a.y, b.y)) return false;
   const double run = b.x - a.x;
   const double rise = b.y - a.y;
   const double cross = b.x * a.y - a.x * b.y;
@@ -340,7 +340,7 @@ void Surface::Line(float x1, float y1, float x2, float y2) {
   TwipPoint a{x1, y1};
   TwipPoint b{x2, y2};
   if (isFar(x1) || isFar(y1) || isFar(x2) || isFar(y2)) {
-    if (!cutFarEnds(a, b)) return;
+    if (!clipFarEnds(a, b)) return;
   }
   const PixelPoint from{toPixels(a.x), toPixels(a.y)};
   const PixelPoint to{toPixels(b.x), toPixels(b.y)};

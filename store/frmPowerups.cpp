@@ -12,7 +12,7 @@ FormSlot<FrmPowerups> frmPowerups;
 namespace {
 
 constexpr Colour affordable = RGB(255, 255, 255);
-constexpr Colour tooDear = RGB(128, 95, 95);
+constexpr Colour unaffordable = RGB(128, 95, 95);
 constexpr float offsetFromMain = 120;  // twips
 
 }  // namespace
@@ -58,8 +58,8 @@ void FrmPowerups::have(PowerupSlot item, std::int16_t count) {
 void FrmPowerups::colourPrices() {
   for (int i = 0; i <= lblItemCost.UBound; ++i) {
     // Quirk Q-305: credits at the end of a double's range can't be read back from the label's 15 digits.
-    const bool isTooDear = readNumber(lblFunds.Caption.get()) < readNumber(lblItemCost[i].Caption.get());
-    lblItemCost[i].BackColor = isTooDear ? tooDear : affordable;
+    const bool isUnaffordable = readNumber(lblFunds.Caption.get()) < readNumber(lblItemCost[i].Caption.get());
+    lblItemCost[i].BackColor = isUnaffordable ? unaffordable : affordable;
   }
 }
 

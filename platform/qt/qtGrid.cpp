@@ -28,8 +28,8 @@ QString cellText(const std::string& text) {
 Qt::Alignment toQAlignment(int alignment) {
   constexpr Qt::Alignment across[] = {Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight};
   constexpr Qt::Alignment down[] = {Qt::AlignTop, Qt::AlignVCenter, Qt::AlignBottom};
-  constexpr int asTheTextLies = 9;
-  if (alignment == asTheTextLies) return Qt::AlignLeft | Qt::AlignVCenter;
+  constexpr int automatic = 9;
+  if (alignment == automatic) return Qt::AlignLeft | Qt::AlignVCenter;
   return across[alignment / 3] | down[alignment % 3];
 }
 

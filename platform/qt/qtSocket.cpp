@@ -14,13 +14,13 @@ namespace kelvora {
 /// none from its past.
 struct QtSocket::Connection {
   QTcpSocket wire;
-  bool isConnected = false;      ///< it was established
-  bool isClosed = false;         ///< the peer closed it
-  bool isBroken = false;         ///< it failed
-  bool hasNews = false;          ///< data has arrived since the last data event
-  bool isTellingQueued = false;  ///< a turn of the event loop will notify the game
-  bool isDropped = false;        ///< the game has dropped it
-  qint64 told = 0;               ///< bytes announced to the game
+  bool isConnected = false;    ///< it was established
+  bool isClosed = false;       ///< the peer closed it
+  bool isBroken = false;       ///< it failed
+  bool hasNews = false;        ///< data has arrived since the last data event
+  bool isEventQueued = false;  ///< a turn of the event loop will notify the game
+  bool isDropped = false;      ///< the game has dropped it
+  qint64 announced = 0;        ///< bytes announced to the game
 
   /// Deletes the connection at a later turn of the event loop, because its socket may have started this one.
   static void retire(Connection* connection) {
@@ -62,21 +62,21 @@ void QtSocket::connect(const std::string& host, int port) {
   QObject::connect(&wire, &QTcpSocket::connected, &wire, [this, &connection] {
     connection.wire.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     connection.isConnected = true;
-    note();
+    queueEvent();
   });
   QObject::connect(&wire, &QTcpSocket::readyRead, &wire, [this, &connection] {
     connection.hasNews = true;
-    note();
+    queueEvent();
   });
   QObject::connect(&wire, &QTcpSocket::disconnected, &wire, [this, &connection] {
     connection.isClosed = true;
-    note();
+    queueEvent();
   });
   QObject::connect(&wire, &QTcpSocket::errorOccurred, &wire, [this, &connection](QAbstractSocket::SocketError error) {
     if (error == QAbstractSocket::RemoteHostClosedError) return;  // a normal close; `disconnected` follows
     if (error == QAbstractSocket::SocketTimeoutError) return;     // no more data
     connection.isBroken = true;
-    note();
+    queueEvent();
   });
   wire.connectToHost(toQString(host), static_cast<quint16>(port));
 }
@@ -98,19 +98,19 @@ void QtSocket::send(std::string_view data) {
 
 std::string QtSocket::take() {
   if (!connection_) return {};
-  const QByteArray portion = connection_->wire.read(connection_->told);
-  connection_->told -= portion.size();
+  const QByteArray portion = connection_->wire.read(connection_->announced);
+  connection_->announced -= portion.size();
   return portion.toStdString();
 }
 
-void QtSocket::note() {
-  if (!connection_ || connection_->isTellingQueued) return;
-  connection_->isTellingQueued = true;
-  const std::weak_ptr<Connection> noted = connection_;
+void QtSocket::queueEvent() {
+  if (!connection_ || connection_->isEventQueued) return;
+  connection_->isEventQueued = true;
+  const std::weak_ptr<Connection> current = connection_;
   QMetaObject::invokeMethod(
       &connection_->wire,
-      [this, noted] {
-        if (noted.lock()) tell();
+      [this, current] {
+        if (current.lock()) raiseNextEvent();
       },
       Qt::QueuedConnection);
 }
@@ -124,25 +124,25 @@ void QtSocket::readAhead(QTcpSocket& wire) {
 
 /// Raises one event: the connection, then all data read, and the close once nothing is left. A handler may drop the
 /// connection, which deletes this object.
-void QtSocket::tell() {
+void QtSocket::raiseNextEvent() {
   const std::shared_ptr<Connection> connection = connection_;
-  connection->isTellingQueued = false;
+  connection->isEventQueued = false;
   if (connection->isConnected && state_ < sckConnected) {
     state_ = sckConnected;
-    if (connection->hasNews || connection->isClosed || connection->isBroken) note();
+    if (connection->hasNews || connection->isClosed || connection->isBroken) queueEvent();
     runEvent(owner_.onConnect);
   } else if (connection->hasNews && connection->wire.bytesAvailable() > 0) {
     readAhead(connection->wire);
     const qint64 portion = connection->wire.bytesAvailable();
     connection->hasNews = false;
-    connection->told = portion;
+    connection->announced = portion;
     noteForReport("bytes that came from " + toBytes(connection->wire.peerName()) + ":" +
                   std::to_string(connection->wire.peerPort()));
     runEvent(owner_.onDataArrival);
     if (connection->isDropped) return;
     // If a handler leaves bytes unread, there is no further event until more arrive.
-    if (connection->told < portion && connection->wire.bytesAvailable() > 0) connection->hasNews = true;
-    if (connection->hasNews || connection->isClosed || connection->isBroken) note();
+    if (connection->announced < portion && connection->wire.bytesAvailable() > 0) connection->hasNews = true;
+    if (connection->hasNews || connection->isClosed || connection->isBroken) queueEvent();
   } else if (connection->isBroken) {
     fail();
   } else if (connection->isClosed && state_ != sckClosing) {

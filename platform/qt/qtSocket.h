@@ -29,8 +29,8 @@ class QtSocket : public SocketPeer {
   struct Connection;
 
   static void readAhead(QTcpSocket& wire);
-  void note();
-  void tell();
+  void queueEvent();
+  void raiseNextEvent();
   void fail();
   void drop();
 

@@ -10,7 +10,7 @@ void Combat::activate(Player& player, std::string_view fields, Millis now) {
   const PowerupSlot item{std::get<0>(*request)};
   Inventory& inventory = player.inventory;
   const auto refuse = [&](const char* why) { roster_.sendTo(player.client, wire::toClient<wire::msgServerText>(why)); };
-  // Clients rarely request in vain, except that they show a capture only when it is carried out. And their timers count
+  // A client's request is rarely refused. But it shows a capture only when it carries it out, and its timers count
   // changes of the clock's second, so they end up to a second before these.
   if (!player.isAlive) return refuse("You are out, and cannot use abilities until you are respawned.");
   if (inventory.isRunning(item, now)) return refuse("That ability isn't ready yet.");

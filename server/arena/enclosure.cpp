@@ -6,7 +6,7 @@ namespace kelvora::server {
 
 namespace {
 
-std::optional<Spot> vertexToName(const Player& winner, std::size_t firstOfLoop, const PendingCaptures& pending) {
+std::optional<Spot> chooseVertex(const Player& winner, std::size_t firstOfLoop, const PendingCaptures& pending) {
   if (const Spot* named = pending.vertexOf(winner.node)) return *named;
   // The oldest vertex expires first, so the loser learns of the capture soonest.
   const auto vertices = winner.tail.vertices();
@@ -34,7 +34,7 @@ Enclosure enclosedBy(const Player& winner, std::map<ClientId, Player>& players, 
     enclosure.losers.push_back(others[i]);
     if (!longest || *loops[i] < *longest) longest = loops[i];
   }
-  if (longest) enclosure.vertex = vertexToName(winner, *longest, pending);
+  if (longest) enclosure.vertex = chooseVertex(winner, *longest, pending);
   return enclosure;
 }
 

@@ -19,7 +19,7 @@ struct FinePoint {
   std::int64_t scale = 1;
 };
 
-FinePoint fine(GridPoint point) { return {point.x, point.y, 1}; }
+FinePoint toFinePoint(GridPoint point) { return {point.x, point.y, 1}; }
 
 template <class Number>
 int sign(Number value) {
@@ -55,11 +55,11 @@ std::optional<FinePoint> sharedPoint(GridPoint a, GridPoint b, GridPoint c, Grid
   const std::int64_t turnB = turn(c, d, b);
   const bool isAShared = turnA == 0 && isBetween(c, d, a);
   const bool isBShared = turnB == 0 && isBetween(c, d, b);
-  if (turnC == 0 && isBetween(a, b, c)) return fine(c);
-  if (isAShared && isBShared) return fine(isBetween(c, b, a) ? a : b);
-  if (isAShared) return fine(a);
-  if (isBShared) return fine(b);
-  if (turnD == 0 && isBetween(a, b, d)) return fine(d);
+  if (turnC == 0 && isBetween(a, b, c)) return toFinePoint(c);
+  if (isAShared && isBShared) return toFinePoint(isBetween(c, b, a) ? a : b);
+  if (isAShared) return toFinePoint(a);
+  if (isBShared) return toFinePoint(b);
+  if (turnD == 0 && isBetween(a, b, d)) return toFinePoint(d);
   if (sign(turnC) * sign(turnD) >= 0 || sign(turnA) * sign(turnB) >= 0) return std::nullopt;
   // They truly cross: b is on the other side of c-d than a, so the difference is not 0.
   std::int64_t part = turnA;
@@ -123,8 +123,8 @@ std::vector<std::optional<std::size_t>> enclosingLoops(std::span<const GridPoint
       windings[k] += step(tail[i + 1], tail[i + 2], place);
       if (!shared) continue;
       Winding loop = windings[k];
-      loop += partialStep(fine(from), *shared, sign(turn(from, to, place)), place);
-      loop += partialStep(*shared, fine(tail[i + 1]), sign(turn(tail[i], tail[i + 1], place)), place);
+      loop += partialStep(toFinePoint(from), *shared, sign(turn(from, to, place)), place);
+      loop += partialStep(*shared, toFinePoint(tail[i + 1]), sign(turn(tail[i], tail[i + 1], place)), place);
       if (loop.turns != 0 && !loop.isTouched) loops[k] = i + 1;
     }
   }

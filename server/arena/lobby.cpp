@@ -72,8 +72,8 @@ bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferr
   if (!visitor.loginSince) visitor.loginSince = now;
   visitor.wantedColour.reset();
   if (isBot(client)) return !roster_.hasFreeColour();
-  const bool isPatient = now - *visitor.loginSince < colourPatience;
-  const auto wish = wholeNumber<std::int16_t>(preferred);
+  const bool mayWait = now - *visitor.loginSince < colourPatience;
+  const auto wanted = wholeNumber<std::int16_t>(preferred);
   for (const auto& [other, player] : roster_.players()) {
     if (!isBot(other)) continue;
     const bool isWish = wish == player.colour && isPatient;

@@ -7,7 +7,7 @@ namespace kelvora::server {
 
 namespace {
 
-double distanceToWay(Point place, Point a, Point b) {
+double distanceToSegment(Point place, Point a, Point b) {
   const Point way = b - a;
   const double square = dot(way, way);
   const double part = square > 0 ? std::clamp(dot(place - a, way) / square, 0.0, 1.0) : 0;
@@ -15,7 +15,7 @@ double distanceToWay(Point place, Point a, Point b) {
 }
 
 /// True if each segment has the other's ends on both sides. Segments that only touch are found by their ends.
-bool areAcross(Point a, Point b, Point c, Point d) {
+bool crossProperly(Point a, Point b, Point c, Point d) {
   return cross(b - a, c - a) * cross(b - a, d - a) < 0 && cross(d - c, a - c) * cross(d - c, b - c) < 0;
 }
 
@@ -29,8 +29,9 @@ double stepsToEdge(double from, double along) {
 }  // namespace
 
 double segmentDistance(Point a, Point b, Point c, Point d) {
-  if (areAcross(a, b, c, d)) return 0;
-  return std::min({distanceToWay(a, c, d), distanceToWay(b, c, d), distanceToWay(c, a, b), distanceToWay(d, a, b)});
+  if (crossProperly(a, b, c, d)) return 0;
+  return std::min(
+      {distanceToSegment(a, c, d), distanceToSegment(b, c, d), distanceToSegment(c, a, b), distanceToSegment(d, a, b)});
 }
 
 Point worldEdge(Point from, Point along) {

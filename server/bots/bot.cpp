@@ -121,7 +121,7 @@ void Bot::tick(const Sight& sight, const PlayerView& self, Millis now, const Say
   BotView view = sight.viewOf(self, skillOf(level_).reaction, now);
   view.isAlive = isAlive_;
   view.position = flight_->point();
-  if (!isAlive_) beDead(view, say);
+  if (!isAlive_) actWhileDead(view, say);
   act(view, say);
 }
 
@@ -138,7 +138,7 @@ void Bot::report(const Say& say) const {
   say(wire::toServer<wire::msgPositionReport>(flight_->position().x, flight_->position().y));
 }
 
-void Bot::beDead(const BotView& view, const Say& say) {
+void Bot::actWhileDead(const BotView& view, const Say& say) {
   if (view.now >= nextBuy_) {
     nextBuy_ = view.now + static_cast<Millis>(mind_.between(600, 1'500));
     if (const auto item = mind_.wantsToBuy(view)) say(wire::toServer<wire::msgBuyRequest>(*item));

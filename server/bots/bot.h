@@ -43,7 +43,7 @@ class Bot {
   void rise(Millis now);
   void awaitDoom(const Sight& sight, Millis now);
   void act(const BotView& view, const Say& say);
-  void beDead(const BotView& view, const Say& say);
+  void actWhileDead(const BotView& view, const Say& say);
   void report(const Say& say) const;
 
   const std::string name_;

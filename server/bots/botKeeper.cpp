@@ -12,7 +12,7 @@ namespace kelvora::server {
 
 namespace {
 
-static_assert(BotWishes::maxCount < Arena::colourCount);
+static_assert(BotSettings::maxCount < Arena::colourCount);
 
 constexpr Millis maxDelay = 200;  // steps missed for longer are skipped
 
@@ -29,10 +29,10 @@ SkillLevel levelOf(SkillLevel skill, std::size_t seat) {
 
 }  // namespace
 
-BotKeeper::BotKeeper(Arena& arena, BotWishes wishes, std::string password, std::string version, std::uint32_t seed)
-    : arena_(arena), wishes_(wishes), password_(std::move(password)), version_(std::move(version)), random_(seed) {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(std::clamp(wishes.count, 0, BotWishes::maxCount)); ++i) {
-    seats_.push_back({.level = levelOf(wishes.skill, i)});
+BotKeeper::BotKeeper(Arena& arena, BotSettings settings, std::string password, std::string version, std::uint32_t seed)
+    : arena_(arena), settings_(settings), password_(std::move(password)), version_(std::move(version)), random_(seed) {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(std::clamp(settings.count, 0, BotSettings::maxCount)); ++i) {
+    seats_.push_back({.level = levelOf(settings.skill, i)});
   }
 }
 

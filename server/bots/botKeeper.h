@@ -8,7 +8,7 @@
 
 #include "server/arena/arena.h"
 #include "server/bots/bot.h"
-#include "server/bots/botWishes.h"
+#include "server/bots/botSettings.h"
 
 namespace kelvora::server {
 
@@ -17,7 +17,7 @@ namespace kelvora::server {
 class BotKeeper {
  public:
   /// `password` and `version` are the arena's.
-  BotKeeper(Arena& arena, BotWishes wishes, std::string password, std::string version, std::uint32_t seed);
+  BotKeeper(Arena& arena, BotSettings settings, std::string password, std::string version, std::uint32_t seed);
 
   /// Called when the arena sends a frame to a bot or closes its connection. Both take effect at the next tick, because
   /// the arena must not be called from within its own calls.
@@ -49,7 +49,7 @@ class BotKeeper {
   std::string freshName() const;
 
   Arena& arena_;
-  const BotWishes wishes_;
+  const BotSettings settings_;
   const std::string password_;
   const std::string version_;
   mutable std::mt19937 random_;

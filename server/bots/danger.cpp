@@ -11,10 +11,10 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr double nearby = 12'000;    // world units
-constexpr double warning = 600;      // ms before a loop closes
-constexpr Millis calm = 600;         // ms without danger after which the next one counts as new
-constexpr double ballWithAir = 450;  // world units
+constexpr double nearby = 12'000;      // world units
+constexpr double warning = 600;        // ms before a loop closes
+constexpr Millis calm = 600;           // ms without danger after which the next one counts as new
+constexpr double ballClearance = 450;  // world units
 constexpr int directions = 16;
 
 double safeDistance(std::span<const Point> tail, Point head, Point point) {
@@ -81,7 +81,7 @@ void Mind::avoidCharges(const BotView& view) {
   if (skill_.alertness <= 0 || view.isRunning[shieldSlot]) return;
   const double reach = speed(view) * 0.75 * 200;
   const auto isDeadly = [&](double angle) {
-    const Point there = view.position + towards(angle) * (reach + ballWithAir);
+    const Point there = view.position + towards(angle) * (reach + ballClearance);
     for (const Seen& other : view.others) {
       if (!other.isAlive || length(other.position - view.position) > 40'000) continue;
       if (other.isTailCharged) {

@@ -17,7 +17,7 @@ constexpr Millis loopPatience = 2'600;
 /// The duration of a circle in ms. Its length, measured as |x| + |y|, is eight times the radius.
 double roundTrip(double radius, double speed) { return 8 * radius / speed; }
 
-Point heldInside(Point place, double margin) {
+Point clampedInside(Point place, double margin) {
   return {std::clamp(place.x, margin, worldSize - margin), std::clamp(place.y, margin, worldSize - margin)};
 }
 
@@ -83,7 +83,7 @@ void Mind::approach(const BotView& view, const Seen& prey) {
   const double radius = isLong ? 1.6 * skill_.maxLoopRadius : between(skill_.minLoopRadius, skill_.maxLoopRadius);
   const double late = static_cast<double>(view.delay);
   const auto placeIn = [&](double ms) { return foreseen(prey, (ms + late) * skill_.foresight, skill_.foreseesTurns); };
-  const Point centre = heldInside(placeIn(roundTrip(radius, pace) * 0.85), radius);
+  const Point centre = clampedInside(placeIn(roundTrip(radius, pace) * 0.85), radius);
   const Point way = centre - view.position;
   if (length(way) < 1.15 * radius) {
     const double side = cross(towards(angle_), way) < 0 ? -1 : 1;
@@ -101,9 +101,9 @@ void Mind::approach(const BotView& view, const Seen& prey) {
   double ms = roundTrip(radius, pace);
   for (int i = 0; i < 2; ++i) {
     ms = std::min(predictionLimit,
-                  roundTrip(radius, pace) + flightLength(heldInside(placeIn(ms), radius) - view.position) / pace);
+                  roundTrip(radius, pace) + flightLength(clampedInside(placeIn(ms), radius) - view.position) / pace);
   }
-  steer(angleOf(heldInside(placeIn(ms), radius) - view.position), throttle());
+  steer(angleOf(clampedInside(placeIn(ms), radius) - view.position), throttle());
 }
 
 void Mind::flyLoop(const BotView& view) {
@@ -115,7 +115,7 @@ void Mind::flyLoop(const BotView& view) {
     const double left = roundTrip(loop.radius, pace) * std::max(0.1, 1 - loop.swept / (2 * M_PI));
     const Point wish =
         foreseen(prey, (left + static_cast<double>(view.delay)) * skill_.foresight, skill_.foreseesTurns);
-    const Point shift = heldInside(wish + loop.miss, loop.radius) - loop.centre;
+    const Point shift = clampedInside(wish + loop.miss, loop.radius) - loop.centre;
     const double most = (skill_.foreseesTurns ? 0.15 : 0.06) * loop.radius;
     loop.centre = loop.centre + shift * std::min(1.0, most / std::max(1.0, length(shift)));
   }

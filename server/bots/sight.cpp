@@ -66,13 +66,14 @@ BotView Sight::viewOf(const PlayerView& self, Millis delay, Millis now) const {
       const PlayerView* longBefore = findNode(late + 2 * stretch, player.node);
       constexpr double time = static_cast<double>(stretch) * static_cast<double>(step);
       if (before && longBefore) {
-        const Point way = (player.position - before->position) * (1 / time);
-        const Point wayBefore = (before->position - longBefore->position) * (1 / time);
-        if (length(way) > slowest && length(wayBefore) > slowest) {
-          seen.turn = std::clamp(wrapped(angleOf(way) - angleOf(wayBefore)) / time, -maxTurnRate, maxTurnRate);
+        const Point velocity = (player.position - before->position) * (1 / time);
+        const Point earlierVelocity = (before->position - longBefore->position) * (1 / time);
+        if (length(velocity) > slowest && length(earlierVelocity) > slowest) {
+          seen.turn =
+              std::clamp(wrapped(angleOf(velocity) - angleOf(earlierVelocity)) / time, -maxTurnRate, maxTurnRate);
         }
         // The measured velocity was that of half the stretch ago.
-        seen.velocity = rotated(way, seen.turn * time / 2);
+        seen.velocity = rotated(velocity, seen.turn * time / 2);
       }
     }
     view.others.push_back(seen);

@@ -50,7 +50,7 @@ const std::array table = {
     Option{"speed-limit", "FACTOR", "maximum sustained speed in multiples of the game's, 0 for no limit (3)",
            Decimal([](Options& o, double value) { o.rules.speedFactor = value; }), 0, 1'000},
     Option{"bots", "COUNT", "number of bots while people play (0)",
-           Whole([](Options& o, int value) { o.bots.count = value; }), 0, BotWishes::maxCount},
+           Whole([](Options& o, int value) { o.bots.count = value; }), 0, BotSettings::maxCount},
     Option{"skill", "easy|normal|hard|mixed", "skill of the bots (mixed)",
            Option::Word{[](Options& o, int index) { o.bots.skill = static_cast<SkillLevel>(index); }}},
 

@@ -7,7 +7,7 @@
 
 #include "base/outcome.h"
 #include "server/arena/arenaRules.h"
-#include "server/bots/botWishes.h"
+#include "server/bots/botSettings.h"
 
 namespace kelvora::server {
 
@@ -17,7 +17,7 @@ struct Options {
   std::uint16_t port = 2010;  ///< 0 for any free one
   std::string password;       ///< empty for none
   ArenaRules rules;
-  BotWishes bots;
+  BotSettings bots;
   std::optional<std::uint16_t> webPort;  ///< the second port; nothing for none, 0 for any free one
   std::string webAddress;                ///< empty for `address`
   std::optional<std::string> site;       ///< folder of the page for browsers; empty for none, nothing for the usual one

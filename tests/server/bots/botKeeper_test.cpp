@@ -22,7 +22,7 @@ class BotKeeperTest : public testing::Test, private ArenaOutput {
 
   void keep(int count, SkillLevel skill = SkillLevel::mixed, const std::string& password = "") {
     arena.emplace(static_cast<ArenaOutput&>(*this), KELVORA_VERSION, password, 1);
-    keeper.emplace(*arena, BotWishes{count, skill}, password, KELVORA_VERSION, 1);
+    keeper.emplace(*arena, BotSettings{count, skill}, password, KELVORA_VERSION, 1);
   }
   void ask(ClientId client, const std::string& colour, const std::string& name = "Ann",
            const std::string& password = "") {

@@ -5,8 +5,8 @@
 namespace kelvora::server {
 
 /// The bots that the operator wants.
-struct BotWishes {
-  static constexpr int maxCount = 5;  ///< one slot is left for a person; without people there are no bots
+struct BotSettings {
+  static constexpr int maxCount = 5;  ///< one slot stays free for a person
 
   int count = 0;  ///< 0 to `maxCount`
   SkillLevel skill = SkillLevel::mixed;
