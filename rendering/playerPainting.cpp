@@ -82,7 +82,7 @@ void clsPlayer::advanceAnimation() {
   if (animTick < framesPerCell) return;
   animTick = 0;
   animFrame = static_cast<std::int16_t>(animFalling ? animFrame - 1 : animFrame + 1);
-  // Quirk Q-244: reversing takes a step of its own, so the first and the last cell show twice.
+  // Quirk Q-244: reversing takes an extra step, so the first and the last cell show twice.
   if (animFrame > lastBallCell) {
     animFalling = true;
     animFrame = lastBallCell;

@@ -6,8 +6,8 @@
 
 namespace kelvora::modMain {
 
-// Quirk Q-125: the pulse counts frames without the time scale, so it is faster on a faster machine. Turning takes a
-// step of its own, so the widest and the narrowest line last twice as long as the others.
+// Quirk Q-125: the pulse counts frames without the time scale, so it is faster on a faster machine. Turning takes an
+// extra step, so the widest and the narrowest line last twice as long as the others.
 void paintWorldBorder() {
   world.borderCounter = static_cast<std::int16_t>(world.borderCounter + 1);
   if (world.borderCounter == 5) {

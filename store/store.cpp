@@ -19,7 +19,7 @@ void modMain::openStore() {
   frmPowerups->lblWinners.Caption = world.roundMessage;
   world.localPlayer.populatePowerupsForm();
   frmPowerups->Show();
-  // Quirk Q-270: closing the store doesn't stop this track. It plays to its end, and then the rotation goes on.
+  // Quirk Q-270: closing the store doesn't stop this track. It plays to its end, and then the rotation continues.
   soundMan::playMusic(soundMan::storeTrack);
 }
 

@@ -227,7 +227,7 @@ def earn(client, tap):
 
 
 def fight(client, camera, tap):
-    """Flies loops and keeps the liveliest picture of a minute."""
+    """Flies loops for a minute and keeps the liveliest picture."""
     display, best, best_score = camera.display, None, -1.0
     flight = Flight(client, tap)
     fired = dict.fromkeys(ITEMS, -99.0)  # seconds

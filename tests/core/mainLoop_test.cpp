@@ -146,7 +146,7 @@ TEST_F(MainLoop, InStarsModeBackgroundParticlesWrapButDoNotMove) {
   EXPECT_EQ(modMain::world.particles[0].position, (Vector{50'007, 50'007}));
 }
 
-// The canvas's centre (5722, 4560) shows the local player; 2000 units to the right lie at pixel (515, 304).
+// The canvas's centre (5722, 4560) shows the local player; 2000 units to the right is pixel (515, 304).
 TEST_F(MainLoop, Q221ParticlesAreShownOneStepBehind) {
   login();
   frmMain->mnuQuarkStars.Checked = false;

@@ -72,7 +72,7 @@ class Request:
 
 
 class WebHost:
-    """A web host that does what the test says."""
+    """A web host scripted by the test."""
 
     def __init__(self, port=0):
         self.listener = socket.create_server(("127.0.0.1", port))

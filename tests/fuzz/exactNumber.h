@@ -8,8 +8,8 @@
 
 namespace kelvora::fuzz {
 
-/// An exact number of any size, computed digit by digit: slow, but simple enough to be correct. Its value is sign *
-/// 0.d1d2d3... * 10^exponent, without zeros at either end of the digits. Zero has no digits.
+/// An exact number of any size, computed digit by digit: slow, but obviously correct. Its value is sign * 0.d1d2d3... *
+/// 10^exponent, without zeros at either end of the digits. Zero has no digits.
 struct ExactNumber {
   bool isNegative = false;
   std::vector<int> digits;

@@ -143,7 +143,7 @@ class Melee : private server::ArenaOutput {
     double goalX = fighter.x;
     double goalY = fighter.y;
     if (!prey || prey->client == fighter.client) {
-      if (chance(0.5)) return;  // stands
+      if (chance(0.5)) return;  // stands still
       stepLeft /= 4;
       goalX += 1'000 * std::cos(fighter.angle);
       goalY += 1'000 * std::sin(fighter.angle);

@@ -25,7 +25,7 @@ constexpr int serverText = 0xA2;
 /// The input of both sides, and their results.
 struct Reads {
   Pieces outer;
-  Pieces whileBoxStands;  ///< one per box, in order; an empty one is no read
+  Pieces whileBoxStands;  ///< one per box, in order; an empty one means no read
   std::size_t nextInner = 0;
 };
 

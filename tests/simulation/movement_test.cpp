@@ -321,7 +321,7 @@ class MovementEdge : public Movement, public testing::WithParamInterface<EdgeCas
 TEST_P(MovementEdge, Q094PlacesThePlayerFarInside) {
   const EdgeCase& edge = GetParam();
   player.powerups[turboSlot].active = true;  // no clamp
-  steer(0, 0);                               // the velocity stands
+  steer(0, 0);                               // the velocity stays
   player.position = edge.from;
   player.velocity = edge.velocity;
   player.move();

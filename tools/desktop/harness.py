@@ -20,7 +20,7 @@ CLIENT = os.environ.get("KELVORA_CLIENT")
 SERVER = os.environ.get("KELVORA_SERVER")
 VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())[1]
 TITLE = f"Kelvora v{VERSION}"
-TWIPS = 15  # to a pixel
+TWIPS = 15  # per pixel
 # The update check at every start connects to a port of this machine without a listener.
 CLOSED_PORT = "127.0.0.1:9"
 CLIENT_AREA = (894, 670)  # pixels of the main window below its menu, as designed

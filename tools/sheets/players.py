@@ -6,7 +6,7 @@ from . import palette, shapes
 from .paint import Layer, blank, cut, linear, matte_picture, noise, paste, smooth
 
 CELL = 49
-# The ball breathes: radius by frame.
+# The ball pulsates: its radius by frame.
 RADII = [17.0, 17.5, 18.1, 18.8]
 GLOW = 2.6  # pixels of light around the ball that belong to the sprite
 

@@ -21,7 +21,7 @@ def _spread(make, note, cents, salt):
 
 @functools.lru_cache(maxsize=None)
 def pad(note, length):
-    """Warm strings of detuned saws behind a filter that breathes."""
+    """Warm strings of detuned saws through a slowly moving filter."""
     time = seconds(length + 0.7)
     cut = 650 + 1300 * np.sin(np.pi * np.clip(time / (length + 0.7), 0, 1)) ** 2
     tone = _spread(lambda pitch, start: saw(pitch, time, cut, 0, start), note, 8, 1)

@@ -16,7 +16,7 @@ struct Findings {
   std::set<std::string> seen;  ///< the situations that the checks met, in words
 };
 
-/// Starts the whole game in a process of its own, takes the steps, and checks after each one:
+/// Starts the whole game in its own process, takes the steps, and checks after each one:
 /// - While no modal form and no box is visible, every window takes clicks, the main window also takes keys, and closing
 ///   it ends the process.
 /// - Otherwise the newest modal form or box takes clicks.

@@ -120,7 +120,7 @@ class RawPlayer:
         self.connection.close()
 
     def receive(self):
-        """Waits for more bytes."""
+        """Reads bytes, waiting for at least one."""
         data = self.connection.recv(65536)
         if not data:
             raise AssertionError("the server hung up")

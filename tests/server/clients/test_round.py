@@ -13,7 +13,7 @@ from webSocketPlayer import WebSocket, WebSocketPlayer
 # Messages that everybody gets. The rest is for one player: pings, answers of the store, refusals.
 PUBLIC = (POSITION, PLAYER_JOINED, PLAYER_LEFT, TAIL_CAPTURE, ROUND_OVER, CHAT, FUNDS, RESPAWN, POWERUP_ON, POWERUP_OFF)
 TURBO = 1
-REPORT_INTERVAL = 0.02  # s; the server takes a hundred a second
+REPORT_INTERVAL = 0.02  # seconds; the server accepts a hundred reports per second
 
 
 def by_kind(texts):
