@@ -46,7 +46,7 @@ TEST_F(Players, Q030AnUnknownNodeYieldsZero) {
   EXPECT_EQ(getPlayerIndex(99), 0);
 }
 
-TEST_F(Players, AMessageForNobodyIsIgnoredWhileThereAreNoOpponents) {
+TEST_F(Players, MessageForAnUnknownNodeIsIgnoredWithoutOpponents) {
   login(0, 7);
   serverSends(wire::msgPowerupOn, {"99", "0"});
   EXPECT_FALSE(modMain::world.localPlayer.powerups[shieldSlot].active);

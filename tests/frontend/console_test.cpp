@@ -145,7 +145,7 @@ TEST_F(Console, ShortTextIsNotSplit) {
   EXPECT_EQ(rest, "");
 }
 
-TEST_F(Console, AnEmptyTextIsALineOfItsOwn) {
+TEST_F(Console, EmptyTextPrintsAnEmptyLine) {
   printChat("first", LineType::PublicChat);
   printChat("", LineType::PublicChat);
   EXPECT_EQ(world.chatLines[0].text, "");

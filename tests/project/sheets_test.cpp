@@ -356,7 +356,7 @@ TEST(Sheets, IconsOfTheSixPowerupsDiffer) {
 
 TEST(Sheets, TheNullIconIsBlank) { EXPECT_EQ(share(*load("null"), blackPixel), 1.0); }
 
-TEST(Sheets, TheApplicationIconComesInTheUsualSizes) {
+TEST(Sheets, ApplicationIconHasTheUsualSizes) {
   for (const int size : {16, 32, 48, 64, 128, 256}) {
     const auto icon = load(numbered("icon-", size));
     EXPECT_EQ(icon->width, size);

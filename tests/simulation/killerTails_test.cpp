@@ -172,7 +172,7 @@ TEST_F(Captures, UnderAnExtendedTailTheCaptureWaits) {
   EXPECT_FALSE(bob().isAlive());
 }
 
-TEST_F(Captures, ARecordIsFoundByOwnerAndIdTogether) {
+TEST_F(Captures, RecordIsFoundByBothOwnerAndId) {
   modMain::world.killerTails = {{0, "a", {1}, ""}, {1, "a", {0}, ""}, {1, "b", {0}, ""}};
   EXPECT_EQ(modMain::findKillerTail(1, "a"), 1);
   EXPECT_EQ(modMain::findKillerTail(1, "b"), 2);
@@ -284,7 +284,7 @@ TEST_F(Captures, ARespawnOfTheLocalPlayerShowsTheNextTip) {
   EXPECT_EQ(modMain::world.nextTip, 1);
 }
 
-TEST_F(Captures, SetAliveTrueShowsATipForTheLocalPlayerAlone) {
+TEST_F(Captures, SetAliveTrueShowsATipOnlyForTheLocalPlayer) {
   modMain::world.tips[0] = "first tip";
   bob().setAlive(true);
   EXPECT_EQ(modMain::world.nextTip, 0);

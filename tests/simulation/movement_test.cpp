@@ -412,13 +412,13 @@ TEST_F(Movement, InitSetsTheStartOfALife) {
   EXPECT_EQ(modMain::world.particleCount, 150) << "the local player's init makes the field";
 }
 
-TEST_F(Movement, OnlyTheLocalPlayersInitMakesTheField) {
+TEST_F(Movement, OnlyTheLocalPlayersInitCreatesTheField) {
   modMain::world.particleCount = 0;
   modMain::world.opponents.emplace_back().init(yellowPlayer, 0, 8, "Bob");
   EXPECT_EQ(modMain::world.particleCount, 0);
 }
 
-TEST_F(Movement, FundsAreRoundedToEvenAndShownForTheLocalPlayerAlone) {
+TEST_F(Movement, FundsAreRoundedToEvenAndShownOnlyForTheLocalPlayer) {
   player.funds(12.5);
   EXPECT_EQ(player.funds(), 12);
   EXPECT_EQ(frmMain->lblCredits.Caption.get(), "12");

@@ -53,7 +53,7 @@ TEST_F(Opponents, ADroppedFirstPositionLeavesThePlayerWaiting) {
   EXPECT_TRUE(other().awaitingFirstPosition);
 }
 
-TEST_F(Opponents, AnEmptyQueueStandsStillAtAnyVelocity) {
+TEST_F(Opponents, StandsStillWithAnEmptyQueueAtAnyVelocity) {
   other().velocity = {20, 30};
   other().lastPosition = {1, 1};
   other().moveAsOpponent();
@@ -214,7 +214,7 @@ TEST_F(Opponents, Q113TheVertexIsLaidBeforeTheEdgeStops) {
   EXPECT_EQ(other().velocity, (Vector{150, 250}));
 }
 
-TEST_F(Opponents, TheFarEdgesStopAsWell) {
+TEST_F(Opponents, FarEdgesStopOpponentsToo) {
   modMain::world.localPlayer.position = {99000, 99000};
   other().position = {99900, 99800};
   other().queuePosition({99000, 98000});

@@ -39,7 +39,7 @@ TEST(Pixels, AreCopiedUnchangedOnAPlainWindow) {
   EXPECT_EQ(window.pixelColor(0, 1), QColor(16, 32, 48));
 }
 
-TEST(Pixels, APartGoesToItsOwnPlace) {
+TEST(Pixels, PartIsCopiedToItsOwnPosition) {
   QImage window(2, 2, QImage::Format_ARGB32_Premultiplied);
   window.fill(Qt::transparent);
   QPainter painter(&window);

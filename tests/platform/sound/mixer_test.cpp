@@ -94,7 +94,7 @@ TEST_F(Mixer, RestartsAPlayingEffectAtOnce) {
   EXPECT_TRUE(std::all_of(first + 1, second, [](int sample) { return isNear(sample, 1'000); })) << "without a gap";
 }
 
-TEST_F(Mixer, LetsEffectsSoundOverOneAnother) {
+TEST_F(Mixer, MixesSeveralEffects) {
   awaitDevice();
   const int low = mixer.openEffect(wave("low.wav", constant(20, 3'000)));
   const int high = mixer.openEffect(wave("high.wav", constant(0.1, 5'000)));
@@ -114,7 +114,7 @@ TEST_F(Mixer, IsSilentAfterAStop) {
   EXPECT_TRUE(waitFor([&] { return isSilentOfLate(recording.left()); }));
 }
 
-TEST_F(Mixer, DoesNotLetASilencedEffectBeHeard) {
+TEST_F(Mixer, PlaysAMutedEffectInaudibly) {
   awaitDevice();
   const int silenced = mixer.openEffect(wave("silenced.wav", constant(30, 3'000)));
   const int other = mixer.openEffect(wave("other.wav", constant(0.3, 5'000)));

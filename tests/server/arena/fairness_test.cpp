@@ -45,7 +45,7 @@ TEST_F(FairnessTest, StepsCoverAtMostTwoReportIntervals) {
   EXPECT_TRUE(moves(10'800, 3'600));
 }
 
-TEST_F(FairnessTest, ABounceAtFullSpeedIsNoJump) {
+TEST_F(FairnessTest, BounceAtFullSpeedDoesNotCountAsAJump) {
   begin();
   ASSERT_TRUE(moves(200, 200));
   // Slow frames move 300 units on each axis. The first bounces the ball off both walls, and three more follow.
@@ -124,7 +124,7 @@ TEST_F(FairnessTest, AfterASecondOfRefusalsAPlayerStartsOver) {
   EXPECT_EQ(view(ann).tail, (std::vector<Point>{{100'000, 100'000}})) << "and no segment leads there";
 }
 
-TEST_F(FairnessTest, APauseAloneLosesNoTail) {
+TEST_F(FairnessTest, PauseAloneKeepsTheTail) {
   begin();
   report(ann, 1'000, 0);
   now += 1'500;

@@ -105,7 +105,7 @@ TEST(Geometry, LoopWithoutAnInsideEnclosesNobody) {
   }
 }
 
-TEST(Geometry, EveryOlderSegmentThatIsCrossedClosesALoopOfItsOwn) {
+TEST(Geometry, EveryCrossedOlderSegmentClosesItsOwnLoop) {
   // The last segment, along y = 5, crosses x = 10 (the second segment) and x = 20 (the one before). The short loop is
   // to the right of x = 20, and only the long one contains the part between the two.
   const Points tail{{10, -10}, {10, 10}, {20, 10}, {20, -10}, {30, -10}, {30, 5}, {0, 5}};

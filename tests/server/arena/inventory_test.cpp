@@ -25,7 +25,7 @@ TEST(Inventory, StartsWithTenCreditsAndNothing) {
   for (const PowerupSlot item : powerupSlots) EXPECT_FALSE(inventory.isRunning(item, 0)) << item;
 }
 
-TEST(Inventory, EachItemCostsItsPriceAndGivesBackHalf) {
+TEST(Inventory, EachItemCostsItsPriceAndSellsForHalf) {
   constexpr int prices[] = {20, 10, 30, 20, 20, 70};
   constexpr int resale[] = {10, 5, 15, 10, 10, 35};
   for (const PowerupSlot item : powerupSlots) {

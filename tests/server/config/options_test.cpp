@@ -188,7 +188,7 @@ TEST(ServerOptions, WordMustBeOneOfItsRow) {
   EXPECT_EQ(options.port, 2);
 }
 
-TEST(ServerOptions, HeadingsAreNoOptions) {
+TEST(ServerOptions, HeadingsAreNotOptions) {
   EXPECT_EQ(parse({"--", "x"}).error, "unknown option --");
   EXPECT_EQ(parse({"--=x"}).error, "unknown option --");
 }

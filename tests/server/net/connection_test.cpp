@@ -115,7 +115,7 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
 INSTANTIATE_TEST_SUITE_P(Plain, ConnectionLimits, testing::Values(false));
 INSTANTIATE_TEST_SUITE_P(WebSocket, ConnectionLimits, testing::Values(true));
 
-TEST_P(ConnectionLimits, TheFirstByteComesWithinTenSeconds) { expectToLast(seconds(10), "sent nothing"); }
+TEST_P(ConnectionLimits, FirstByteMustArriveWithinTenSeconds) { expectToLast(seconds(10), "sent nothing"); }
 
 TEST_P(ConnectionLimits, AllStagesUpToTheFirstByteHaveTenSecondsTogether) {
   const auto opened = connection->opened();
@@ -146,24 +146,24 @@ TEST_P(ConnectionLimits, AnAnswerThatIsCutShortEndsTheConnection) {
   EXPECT_EQ(closed, "its answer is outdated");
 }
 
-TEST_P(ConnectionLimits, ARequestComesWithinFiveSeconds) {
+TEST_P(ConnectionLimits, RequestMustArriveWithinFiveSeconds) {
   say("GET / HT");
   expectToLast(seconds(5), "took too long to send its request");
 }
 
-TEST_P(ConnectionLimits, ARequestThatTricklesHasNoMoreTime) {
+TEST_P(ConnectionLimits, TricklingRequestGetsNoExtraTime) {
   say("GET / HT");
   connection->closeIfOverdue(Connection::Clock::now() + seconds(4));
   say("TP/1.1\r\n");
   expectToLast(seconds(5), "took too long to send its request");
 }
 
-TEST_P(ConnectionLimits, AKeptConnectionAsksAgainWithinFiveSeconds) {
+TEST_P(ConnectionLimits, KeptConnectionMustSendAgainWithinFiveSeconds) {
   say("GET /page HTTP/1.1\r\nHost: h\r\n\r\n");
   expectToLast(seconds(5), "sent no further request");
 }
 
-TEST_P(ConnectionLimits, AnAnswerIsTakenInFiveSecondsAndNotHeldMeanwhile) {
+TEST_P(ConnectionLimits, AnswerMustBeReadWithinFiveSecondsAndIsNotBuffered) {
   client.keepLittleUnread();
   say("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
   EXPECT_GT(bodyTaken, 0U);
@@ -171,19 +171,19 @@ TEST_P(ConnectionLimits, AnAnswerIsTakenInFiveSecondsAndNotHeldMeanwhile) {
   expectToLast(seconds(5), "does not read");
 }
 
-TEST_P(ConnectionLimits, AGameIsSilentForTwoMinutes) {
+TEST_P(ConnectionLimits, PlayerMayBeSilentForTwoMinutes) {
   say(frameOf(wire::msgPing, {}));
   EXPECT_EQ(heard, 3U);
   expectToLast(seconds(120), "silent for too long");
 }
 
-TEST_P(ConnectionLimits, AFrameThatTakesLongerIsNoSilence) {
+TEST_P(ConnectionLimits, SlowFrameDoesNotCountAsSilence) {
   say("\x80\x84");
   say("1");
   expectToLast(seconds(120), "silent for too long");
 }
 
-TEST_P(ConnectionLimits, TheEndIsTakenWithinTwoSeconds) {
+TEST_P(ConnectionLimits, PeerMustCloseWithinTwoSeconds) {
   say(frameOf(wire::msgPing, {}));
   connection->hangUp();
   settle();
@@ -206,7 +206,7 @@ TEST_P(ConnectionLimits, BothSidesMayEndAtOnce) {
   EXPECT_NE(closed, "");
 }
 
-TEST_P(ConnectionLimits, WhatIsUnreadIsAtMost256KiB) {
+TEST_P(ConnectionLimits, UnreadDataIsAtMost256KiB) {
   say(frameOf(wire::msgPing, {}));
   const std::string frame = frameOf(wire::msgChat, {std::string(1'021, 'c')});
   ASSERT_EQ(frame.size(), 1'024U);
@@ -218,7 +218,7 @@ TEST_P(ConnectionLimits, WhatIsUnreadIsAtMost256KiB) {
   EXPECT_EQ(closed, "does not read");
 }
 
-TEST_P(ConnectionLimits, WhatIsSentIsReadAtARate) {
+TEST_P(ConnectionLimits, IncomingDataIsRateLimited) {
   const std::string frame = frameOf(wire::msgChat, {std::string(97, 'c')});
   const auto start = Connection::Clock::now();
   for (int i = 0; i < 1'000; ++i) {

@@ -15,7 +15,7 @@ TEST(ServerDoor, AHostIsItsAddressOrItsRange) {
   EXPECT_NE(network("2001:db8:1:3::9"), network("2001:db8:1:2::9"));
 }
 
-TEST(ServerDoor, SixteenOfOneAddressAreInsideAtATime) {
+TEST(ServerDoor, OneAddressHasAtMostSixteenConnections) {
   Door door;
   for (int i = 0; i < 16; ++i) EXPECT_TRUE(door.admits("a", 1'000)) << i;
   EXPECT_FALSE(door.admits("a", 1'000));
@@ -40,7 +40,7 @@ TEST(ServerDoor, ReconnectingIsAllowedTwiceASecond) {
   EXPECT_TRUE(door.admits("b", 1'502));
 }
 
-TEST(ServerDoor, ForgetsTheForgivenFirstAndNeverThoseInside) {
+TEST(ServerDoor, ForgetsIdleHostsFirstAndConnectedOnesNever) {
   Door door;
   for (int i = 0; i < 16; ++i) EXPECT_TRUE(door.admits("inside", 0));
   for (std::size_t i = 1; i < Door::maxNetworks; ++i) {

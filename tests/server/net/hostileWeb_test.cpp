@@ -21,13 +21,13 @@ std::string repeated(const std::string& bytes, int count) {
 
 const std::string page = "GET / HTTP/1.1\r\nHost: h\r\n\r\n";
 
-TEST_F(HostileWeb, FloodsOfRequestsOverKeptConnectionsAreHeldBack) {
+TEST_F(HostileWeb, FloodsOfRequestsOverKeptConnectionsAreThrottled) {
   Flood flood(port, 60, page, repeated(page, 100), true);
   expectPlay([&](int) { flood.pour(); });
   EXPECT_GT(flood.poured(), 64U << 10) << "there was a flood";
 }
 
-TEST_F(HostileWeb, FloodsOfTinyWebSocketFramesAreHeldBack) {
+TEST_F(HostileWeb, FloodsOfTinyWebSocketFramesAreThrottled) {
   const std::string chat = frameOf(wire::msgChat, {});
   Flood flood(port, 60, Web::handshake(), repeated(Web::frame(Web::binary, chat), 1'000));
   const auto start = std::chrono::steady_clock::now();
@@ -73,7 +73,7 @@ TEST_F(HostileWeb, SlowRequestsAndEndlessBodiesEnd) {
   EXPECT_LT(growth, allowedBytes(90));
 }
 
-TEST_F(HostileWeb, ListsAndHandshakesByTheHundred) {
+TEST_F(HostileWeb, HundredsOfListsAndHandshakes) {
   const std::string requests[] = {
       "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION " HTTP/1.0\r\n\r\n",
       Web::handshake(),

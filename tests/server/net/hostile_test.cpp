@@ -20,7 +20,7 @@ std::ptrdiff_t openDescriptors() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
 }
 
-TEST_F(Hostile, FloodsOfPlayersAreHeldBack) {
+TEST_F(Hostile, FloodsOfPlayersAreThrottled) {
   std::string bytes;
   for (int i = 0; i < 100; ++i) {
     bytes += frameOf(wire::msgPositionReport, {"50000", "50000"}) + frameOf(wire::msgChat, {"-1", "buy my stuff"}) +
@@ -32,7 +32,7 @@ TEST_F(Hostile, FloodsOfPlayersAreHeldBack) {
   EXPECT_GT(flood.poured(), 64U << 10) << "there was a flood";
 }
 
-TEST_F(Hostile, FloodsOfTinyFramesFromSixtyAreHeldBack) {
+TEST_F(Hostile, FloodsOfTinyFramesFromSixtyClientsAreThrottled) {
   std::string bytes;
   for (int i = 0; i < 1'000; ++i) bytes += frameOf(wire::msgChat, {});
   Flood flood(port, 60, "", bytes);
@@ -112,7 +112,7 @@ TEST_F(Hostile, AThousandPlayersComeAndGo) {
   EXPECT_LE(openDescriptors(), descriptors) << "the last ones may have been on their way out";
 }
 
-TEST_F(Hostile, HalfFramesAreWaitedForTenSecondsAndCostNothing) {
+TEST_F(Hostile, HalfFramesTimeOutAfterTenSecondsAndCostNothing) {
   Flood flood(port, 20, "\x80\x87half", "x");
   expectPlay([&](int i) {
     if (i % 10 == 0) flood.pour();
@@ -127,7 +127,7 @@ TEST_F(Hostile, ClientsThatNeverReadAreDroppedOrCostAtMostTheirQueue) {
   EXPECT_LT(growth, allowedBytes(4, 4));
 }
 
-TEST_F(Hostile, SixteenOfOneAddressComeInAndNoMore) {
+TEST_F(Hostile, AtMostSixteenPerAddressAreAdmitted) {
   std::vector<std::unique_ptr<TcpClient>> crowd;
   for (int i = 0; i < 16; ++i) crowd.push_back(std::make_unique<TcpClient>(port, 10));
   TcpClient oneTooMany(port, 10);
@@ -155,7 +155,7 @@ TEST_F(Hostile, ThousandsOfConnectionsFromManyAddresses) {
   EXPECT_NE(late.readUntil(wire::msgLoginAccepted), "nothing") << "the silent ones make room";
 }
 
-TEST_F(Hostile, LoginsByTheHundred) {
+TEST_F(Hostile, HundredsOfLogins) {
   // On one connection only the first one counts.
   Client many(port, 10);
   std::string all;
@@ -282,7 +282,7 @@ TEST_F(Hostile, ReplaysOfAWholeSession) {
 }
 
 /// With fewer descriptors than it would need.
-TEST(HostileDescriptors, TheirEndIsNotTheServersEnd) {
+TEST(HostileDescriptors, RunningOutDoesNotEndTheServer) {
   RunningServer server;
   Game game(server.port());
   rlimit usual{};

@@ -16,7 +16,7 @@ Options withBots() {
   return options;
 }
 
-TEST(LoopbackBots, APersonAloneSoonHasCompany) {
+TEST(LoopbackBots, BotsSoonJoinALonePerson) {
   const RunningServer server(withBots());
   Client ann(server.port());
   ann.login("Ann");

@@ -40,7 +40,7 @@ class Loopback : public testing::Test {
   std::thread thread_{[this] { context_.run(); }};
 };
 
-TEST_F(Loopback, AFrameInSingleBytesIsReadLikeAWholeOne) {
+TEST_F(Loopback, FrameSentByteByByteIsReadLikeAWholeOne) {
   Client ann(port());
   for (const char byte : frameOf(wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION})) ann.write(std::string(1, byte));
   EXPECT_EQ(ann.readUntil(wire::msgLoginAccepted).substr(0, 4),
@@ -64,7 +64,7 @@ TEST_F(Loopback, SeveralFramesInOneWriteAreAllHandled) {
             "b");
 }
 
-TEST_F(Loopback, PlayersSeeEachOtherComeMoveAndLeave) {
+TEST_F(Loopback, PlayersSeeEachOtherJoinMoveAndLeave) {
   Client ann(port());
   ann.login("Ann");
   ann.readUntil(wire::msgLoginAccepted);
@@ -92,7 +92,7 @@ TEST_F(Loopback, PlayersSeeEachOtherComeMoveAndLeave) {
   EXPECT_EQ(ann.readUntil(wire::msgPlayerLeft), "2");
 }
 
-TEST_F(Loopback, ARefusedClientGetsTheReasonAndThenTheEnd) {
+TEST_F(Loopback, RefusedClientGetsTheReasonAndIsDisconnected) {
   Client ann(port());
   ann.login("Ann", "0.9");
   ann.write(frameOf(wire::msgChat, {"-1", std::string(4000, 'x')}));
@@ -110,7 +110,7 @@ TEST_F(Loopback, ADelimiterInANameIsRefusedWithAReason) {
   }
 }
 
-TEST_F(Loopback, AFloodIsThinnedOutAndTheServerStaysThere) {
+TEST_F(Loopback, FloodIsThrottledAndTheServerKeepsRunning) {
   Client ann(port());
   Client bob(port());
   ann.login("Ann");
@@ -225,7 +225,7 @@ class Program {
   pid_t process_ = 0;
 };
 
-TEST(ServerProgram, TellsItsPortAndTakesLeaveAtItsEnd) {
+TEST(ServerProgram, PrintsItsPortAndSaysGoodbyeWhenItStops) {
   for (const int signal : {SIGTERM, SIGINT}) {
     Program program({"--port", "0"});
     {
@@ -242,7 +242,7 @@ TEST(ServerProgram, TellsItsPortAndTakesLeaveAtItsEnd) {
   }
 }
 
-TEST(ServerProgram, ConnectionsWithoutLoginAreNotToldOfTheEnd) {
+TEST(ServerProgram, ConnectionsWithoutALoginGetNoGoodbye) {
   Program program({"--port", "0"});
   {
     Client stranger(program.port());
@@ -254,7 +254,7 @@ TEST(ServerProgram, ConnectionsWithoutLoginAreNotToldOfTheEnd) {
   EXPECT_EQ(program.status(), 0);
 }
 
-TEST(ServerProgram, AClientThatStaysHoldsTheEndUpForTwoSeconds) {
+TEST(ServerProgram, LingeringClientDelaysTheShutdownByTwoSeconds) {
   Program program({"--port", "0"});
   Client ann(program.port());
   ann.login("Ann");
@@ -276,7 +276,7 @@ TEST(ServerProgram, TheSecondSignalIsHarmless) {
   EXPECT_EQ(program.status(), 0);
 }
 
-TEST(ServerProgram, WithoutSenseEndsWithTwo) {
+TEST(ServerProgram, ReportsErrorsInItsExitStatus) {
   EXPECT_EQ(Program({"--prot", "1"}).status(), 2);
   EXPECT_EQ(Program({"--config", "/no/such/file"}).status(), 2);
   EXPECT_EQ(Program({"--address", "no.such.address.invalid"}).status(), 1);

@@ -5,7 +5,7 @@
 namespace kelvora::server {
 namespace {
 
-TEST(Origin, ItsOwnPagesAndProgramsMayAlwaysPlay) {
+TEST(Origin, OwnPagesAndProgramsMayAlwaysPlay) {
   EXPECT_TRUE(isOriginAllowed("", "arena.example:2010", ""));
   EXPECT_TRUE(isOriginAllowed("http://arena.example:2010", "arena.example:2010", ""));
   EXPECT_TRUE(isOriginAllowed("https://ARENA.example", "arena.example", ""));

@@ -18,14 +18,14 @@ TEST(ProxyLine, NamesTheClient) {
   EXPECT_EQ(six.rest(), "");
 }
 
-TEST(ProxyLine, MayComeByteByByte) {
+TEST(ProxyLine, MayArriveByteByByte) {
   ProxyLine line;
   const std::string text = "PROXY TCP4 192.0.2.1 198.51.100.1 50000 2010\r\n";
   for (std::size_t i = 0; i + 1 < text.size(); ++i) ASSERT_EQ(line.read(text.substr(i, 1)), Result::partial) << i;
   EXPECT_EQ(line.read("\n"), Result::complete);
 }
 
-TEST(ProxyLine, OtherBytesAreLeftAsTheyAre) {
+TEST(ProxyLine, KeepsOtherBytes) {
   for (const std::string text : {"\x80\x87", "GET / HTTP/1.0\r\n\r\n", "PUT", "PROXZ ", "proxy TCP4"}) {
     ProxyLine line;
     EXPECT_EQ(line.read(text), Result::absent) << text;
@@ -37,7 +37,7 @@ TEST(ProxyLine, OtherBytesAreLeftAsTheyAre) {
   EXPECT_EQ(late.rest(), "PROPOSE");
 }
 
-TEST(ProxyLine, WhatNamesNobodyIsMalformed) {
+TEST(ProxyLine, LineWithoutAClientIsMalformed) {
   for (const std::string text :
        {"PROXY \r\n", "PROXY UNKNOWN\r\n", "PROXY TCP4 somebody 1.2.3.4 1 2\r\n",
         "PROXY TCP6 192.0.2.1 198.51.100.1 1 2\r\n", "PROXY TCP4 ::1 ::1 1 2\r\n", "PROXY TCP4\r\n"}) {

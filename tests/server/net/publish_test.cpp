@@ -79,7 +79,7 @@ class Publishing : public testing::Test {
   }
 };
 
-TEST_F(Publishing, AServerIsInTheListUntilItEnds) {
+TEST_F(Publishing, ServerIsListedUntilItStops) {
   const RunningServer list(this->list());
   {
     const RunningServer arena(publishing(list));
@@ -89,7 +89,7 @@ TEST_F(Publishing, AServerIsInTheListUntilItEnds) {
   EXPECT_EQ(listOf(list), own(list) + "-END-\n") << "it has signed off";
 }
 
-TEST_F(Publishing, WithoutAPublicAddressItIsTheOneThatTheListSees) {
+TEST_F(Publishing, WithoutAPublicAddressTheListUsesTheSendersAddress) {
   const RunningServer list(this->list());
   Options options = publishing(list);
   options.publicAddress.clear();
@@ -111,7 +111,7 @@ TEST_F(Publishing, ManyArenasShareOneList) {
   }
 }
 
-TEST_F(Publishing, AListWithAKeyAsksForIt) {
+TEST_F(Publishing, ListWithAKeyRequiresIt) {
   const RunningServer list(this->list("open sesame"));
   const RunningServer without(publishing(list));
   const RunningServer wrong(publishing(list, "open sesamE"));
@@ -127,7 +127,7 @@ TEST_F(Publishing, AListWithAKeyAsksForIt) {
   }
 }
 
-TEST_F(Publishing, AListThatIsNotThereIsToldAndTheGameGoesOn) {
+TEST_F(Publishing, MissingListIsReportedAndTheGameContinues) {
   Options options;
   {
     const RunningServer list(this->list());
@@ -140,7 +140,7 @@ TEST_F(Publishing, AListThatIsNotThereIsToldAndTheGameGoesOn) {
   EXPECT_NE(ann.readUntil(wire::msgLoginAccepted), "nothing");
 }
 
-TEST_F(Publishing, AListThatNeverAnswersHoldsNobodyUp) {
+TEST_F(Publishing, SilentListDelaysNobody) {
   asio::io_context context;
   asio::ip::tcp::acceptor silent(context, {asio::ip::address_v4::loopback(), 0});
   Options options;
@@ -152,7 +152,7 @@ TEST_F(Publishing, AListThatNeverAnswersHoldsNobodyUp) {
   EXPECT_NE(ann.readUntil(wire::msgLoginAccepted), "nothing");
 }
 
-TEST_F(Publishing, OnlyItsPublisherTouchesAnEntry) {
+TEST_F(Publishing, OnlyItsPublisherChangesAnEntry) {
   const RunningServer list(this->list());
   EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).status, 200);
   EXPECT_EQ(ask(list.webPort(), request("POST", query), 11).status, 409);
@@ -162,7 +162,7 @@ TEST_F(Publishing, OnlyItsPublisherTouchesAnEntry) {
   EXPECT_EQ(listOf(list), own(list) + "-END-\n");
 }
 
-TEST_F(Publishing, EvilAnnouncementsAreRefused) {
+TEST_F(Publishing, HostileAnnouncementsAreRefused) {
   const RunningServer list(this->list());
   const std::string head =
       "version=" KELVORA_VERSION "&address=play.example&port=2010&password=0&players=3&max=6&notes=";

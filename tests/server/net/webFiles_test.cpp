@@ -91,7 +91,7 @@ TEST_F(WebFilesTest, AnswersTheUpdateCheckAndClosesOnBothPorts) {
   }
 }
 
-TEST_F(WebFilesTest, AnswersTheGameFinderAndClosesThoughItAsksForMore) {
+TEST_F(WebFilesTest, AnswersTheGameFinderAndClosesDespiteKeepAlive) {
   const Response response = ask(port, listRequest("version=" KELVORA_VERSION "&password=0&full=0&empty=1"));
   EXPECT_EQ(response.status, "HTTP/1.1 200 OK");
   EXPECT_EQ(response.body, listOfThis());
@@ -100,7 +100,7 @@ TEST_F(WebFilesTest, AnswersTheGameFinderAndClosesThoughItAsksForMore) {
   EXPECT_NE(response.head.find("Connection: close"), std::string::npos);
 }
 
-TEST_F(WebFilesTest, TheSecondPortSpeaksTheGameToo) {
+TEST_F(WebFilesTest, SecondPortAcceptsPlayersToo) {
   Client ann(server.webPort());
   join(ann, "Ann");
 }
@@ -141,7 +141,7 @@ TEST_F(WebFilesTest, BrowsersGetATableOfGames) {
   EXPECT_NE(ask(port, "GET / HTTP/1.0\r\n\r\n").body.find("<a href=\"/games\">"), std::string::npos);
 }
 
-TEST_F(WebFilesTest, AKeptConnectionAnswersOneRequestAfterTheOther) {
+TEST_F(WebFilesTest, KeptConnectionAnswersSeveralRequests) {
   TcpClient client(port);
   const std::string page = "GET / HTTP/1.1\r\nHost: h\r\n\r\n";
   // Two at once, then one in pieces, then the last one.
@@ -155,7 +155,7 @@ TEST_F(WebFilesTest, AKeptConnectionAnswersOneRequestAfterTheOther) {
   EXPECT_TRUE(all.ends_with("tvqver:" KELVORA_VERSION "\n"));
 }
 
-TEST_F(WebFilesTest, ARequestInSingleBytesIsAnsweredToo) {
+TEST_F(WebFilesTest, RequestSentByteByByteIsAnswered) {
   TcpClient client(port);
   for (const char byte : updateRequest) client.write(std::string(1, byte));
   EXPECT_TRUE(client.readToEnd().ends_with("\r\n\r\ntvqver:" KELVORA_VERSION "\n"));
@@ -188,7 +188,7 @@ TEST_F(WebFilesTest, BodiesAreNotWaitedFor) {
   expectToBeThere();
 }
 
-TEST_F(WebFilesTest, GarbageIsTurnedAway) {
+TEST_F(WebFilesTest, GarbageIsRefused) {
   std::uint32_t host = 2;
   for (const std::string& bytes : std::vector<std::string>{
            "\x80\x87"
@@ -246,7 +246,7 @@ TEST_F(WebFilesTest, ASlowRequestIsCutOffAfterFiveSeconds) {
   EXPECT_TRUE(slow.isCutOff());
 }
 
-TEST_F(WebFilesTest, ManyAreServedOneBehindTheOther) {
+TEST_F(WebFilesTest, ManyAreServedOneAfterTheOther) {
   std::vector<std::unique_ptr<TcpClient>> crowd;
   for (std::uint32_t i = 0; i < 90; ++i) {
     crowd.push_back(std::make_unique<TcpClient>(port, 1 + i % 30));
@@ -264,7 +264,7 @@ TEST_F(WebFilesTest, ResetsAndHalfRequestsDisturbNobody) {
   expectToBeThere();
 }
 
-TEST_F(WebFilesTest, ATakenPortIsAnErrorThatNamesIt) {
+TEST_F(WebFilesTest, PortInUseIsAnErrorThatNamesIt) {
   asio::io_context context;
   Options options;
   options.port = port;
@@ -276,7 +276,7 @@ TEST_F(WebFilesTest, ATakenPortIsAnErrorThatNamesIt) {
   }
 }
 
-TEST(WebSite, AFolderIsServedInPiecesAndTheListBesideIt) {
+TEST(WebSite, FolderIsServedInPiecesAlongsideTheList) {
   std::string folder = "/tmp/kelvora-files-XXXXXX";
   ASSERT_NE(::mkdtemp(folder.data()), nullptr);
   const std::string large(1'000'000, 'm');
@@ -345,7 +345,7 @@ TEST_F(GameWithWeb, TheListCountsThePlayers) {
   EXPECT_EQ(list(), expected(1));
 }
 
-TEST_F(GameWithWeb, TheGameGoesOnWhileTheWebServerIsFlooded) {
+TEST_F(GameWithWeb, GameContinuesWhileTheWebServerIsFlooded) {
   Client ann(port());
   join(ann, "Ann");
   std::vector<std::unique_ptr<TcpClient>> crowd;
@@ -360,7 +360,7 @@ TEST_F(GameWithWeb, TheGameGoesOnWhileTheWebServerIsFlooded) {
   EXPECT_NE(ann.readUntil(wire::msgPlayerJoined), "nothing");
 }
 
-TEST(ServerProgram, TellsBothItsPortsAndEndsWithRequestsUnderWay) {
+TEST(ServerProgram, PrintsBothPortsAndStopsDuringRequests) {
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);
   const std::string chosen = std::to_string(freeListedPort());

@@ -38,7 +38,7 @@ class WebSocketTest : public testing::Test {
 
 std::string login(const std::string& name) { return frameOf(wire::msgLogin, {name, "", "0", versionText()}); }
 
-TEST_F(WebSocketTest, AnswersTheHandshakeAsItMust) {
+TEST_F(WebSocketTest, AnswersTheHandshakeByTheStandard) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open("Sec-WebSocket-Extensions: permessage-deflate\r\n"));
   // The answer to this key is the example of RFC 6455.
@@ -62,7 +62,7 @@ TEST_F(WebSocketTest, PlayersOfBothKindsSeeTheSame) {
   EXPECT_NE(browser.readUntil("hello browser").find("hello browser"), std::string::npos);
 }
 
-TEST_F(WebSocketTest, MessagesAreAStreamHoweverTheyAreCut) {
+TEST_F(WebSocketTest, MessagesFormAStreamHoweverTheyAreSplit) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open());
   const std::string bytes = login("Ann") + frameOf(wire::msgChat, {"-1", "in pieces"});
@@ -82,7 +82,7 @@ TEST_F(WebSocketTest, MessagesAreAStreamHoweverTheyAreCut) {
   EXPECT_NE(client.readUntil("in pieces").find("in pieces"), std::string::npos);
 }
 
-TEST_F(WebSocketTest, FramesThatCameWithTheHandshakeCount) {
+TEST_F(WebSocketTest, FramesSentWithTheHandshakeCount) {
   WebSocketClient client(server.port());
   client.write(WebSocketClient::handshake() +
                WebSocketClient::frame(WebSocketClient::binary, "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n"));
@@ -90,7 +90,7 @@ TEST_F(WebSocketTest, FramesThatCameWithTheHandshakeCount) {
   EXPECT_NE(all.find("tvqver:"), std::string::npos) << all;
 }
 
-TEST_F(WebSocketTest, TheWebFilesComeOverItAndItEndsInOrder) {
+TEST_F(WebSocketTest, ServesWebFilesAndClosesCleanly) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open());
   expectToBeServed(client);
@@ -220,7 +220,7 @@ TEST_F(WebSocketTest, AMessageHasAtMost65536BytesHoweverItIsCut) {
   }
 }
 
-TEST_F(WebSocketTest, FragmentsWithoutEndAreAMessageTooLong) {
+TEST_F(WebSocketTest, EndlessFragmentsAreTooLongAMessage) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open());
   client.write(WebSocketClient::frame(WebSocketClient::binary, login("Ann"), false));
@@ -309,7 +309,7 @@ TEST_F(TrustedProxy, ItsClientsAreCountedByTheirOwnAddresses) {
   EXPECT_LT(others, 40);
 }
 
-TEST_F(TrustedProxy, EachRequestOfAKeptConnectionHasAClientOfItsOwn) {
+TEST_F(TrustedProxy, EachRequestOfAKeptConnectionHasItsOwnClient) {
   // More clients than one address may have, over one connection.
   std::string requests;
   for (int i = 0; i < 40; ++i) requests += page("198.51.100." + std::to_string(i));

@@ -132,7 +132,7 @@ TEST(HttpReader, RefusesInvalidRequests) {
   }
 }
 
-TEST(HttpAnswer, TellsTheWholeLength) {
+TEST(HttpAnswer, StatesTheWholeLength) {
   HttpAnswer answer{.status = 404, .body = "abc", .headers = {"A: b"}};
   answer.moreSize = 1'000;
   EXPECT_EQ(answer.head(false),

@@ -112,7 +112,7 @@ TEST_F(SiteTest, FollowsALinkThatStaysInside) {
   EXPECT_EQ(bodyOf(ask(Site(folder), "/start.html")), "<p>");
 }
 
-TEST_F(SiteTest, SendsTheCompressedCopyToThoseWhoTakeIt) {
+TEST_F(SiteTest, SendsTheCompressedCopyToClientsThatAcceptIt) {
   const Site site(folder);
   HttpRequest request = get("/js/game.wasm");
   request.acceptsGzip = true;
@@ -161,7 +161,7 @@ TEST_F(SiteTest, AConditionMayListTagsWeakOrNotOrNameAnyCopy) {
   }
 }
 
-TEST_F(SiteTest, AFileThatHasShrunkIsFilledUp) {
+TEST_F(SiteTest, ShrunkFileIsPadded) {
   const HttpAnswer answer = ask(Site(folder), "/js/game.wasm");
   write("site/js/game.wasm", "new");
   EXPECT_EQ(bodyOf(answer).size(), 40'000U);
