@@ -244,7 +244,7 @@ void limitFiles(rlim_t bytes) {
   setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-TEST_F(SettingsFaults, AFullDiskKeepsTheOldFile) {
+TEST_F(SettingsFaults, FullDiskKeepsTheOldFile) {
   write("name", "Ann");
   write("long", std::string(3'000, 'x'));
   for (const rlim_t room : {0U, 1U, 100U, 2'900U}) {
