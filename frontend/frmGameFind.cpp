@@ -21,8 +21,8 @@ FrmGameFind::FrmGameFind()
   cmdRefresh.Click = [this] { requestHostList(); };
   for (CheckBox* box : {&chkPassword, &chkEmpty, &chkFull}) {
     // Quirk Q-160: the press starts the fetch before the box changes, and the value is read once the socket is
-    // connected. A host that answers while the button is down gets the old value. Quirk Q-282: only a mouse press
-    // fetches. Keys change a box without a fetch, the right button does the reverse.
+    // connected. A host that answers while the button is down gets the old value.
+    // Quirk Q-282: only a mouse press fetches. Keys change a box without a fetch, the right button does the reverse.
     box->MouseDown = [this](int, int, float, float) { requestHostList(); };
   }
   grid.DblClick = [this] { connectToChosen(); };
