@@ -10,7 +10,7 @@ namespace kelvora {
 
 using FileBytes = std::vector<unsigned char>;
 
-inline constexpr std::uint32_t maxPictureSide = 8192;  ///< pixels, width and height
+inline constexpr std::uint32_t maxPictureSide = 8192;  ///< pixels, limit of width and height
 
 /// Decodes a file. Nothing if it isn't a complete, valid picture of that kind, or larger than `maxPictureSide`.
 std::optional<Picture> decodePng(const FileBytes& bytes);

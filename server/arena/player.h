@@ -41,7 +41,7 @@ struct Player {
   RateLimit requests{requestsPerSecond, 20};
 };
 
-/// A snapshot of the player, whose powerups run as of `now`.
+/// A snapshot of the player at `now`.
 PlayerView viewOf(const Player& player, Millis now);
 
 }  // namespace kelvora::server

@@ -86,14 +86,14 @@ void Mind::avoidCharges(const BotView& view) {
       if (!other.isAlive || length(other.position - view.position) > 40'000) continue;
       if (other.isTailCharged) {
         for (std::size_t i = 0; i + 1 < other.tail.size(); ++i) {
-          if (segmentsMeet(view.position, there, other.tail[i], other.tail[i + 1])) return true;
+          if (segmentsCross(view.position, there, other.tail[i], other.tail[i + 1])) return true;
         }
       }
       if (other.isRunning[laserSlot]) {
         const double pace = length(other.velocity);
         if (pace < 1) continue;
         const Point end = other.position + other.velocity * (2 * worldSize / pace);
-        if (segmentsMeet(view.position, there, other.position, end)) return true;
+        if (segmentsCross(view.position, there, other.position, end)) return true;
       }
     }
     return false;

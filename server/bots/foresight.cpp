@@ -58,7 +58,7 @@ bool isInside(std::span<const Point> tail, Point head, const Closing& closing, P
   return isOdd;
 }
 
-bool segmentsMeet(Point a, Point b, Point c, Point d) {
+bool segmentsCross(Point a, Point b, Point c, Point d) {
   const Point ab = b - a;
   const Point cd = d - c;
   return (cross(ab, c - a) > 0) != (cross(ab, d - a) > 0) && (cross(cd, a - c) > 0) != (cross(cd, b - c) > 0);

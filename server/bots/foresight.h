@@ -34,6 +34,6 @@ std::optional<Closing> soonestClosing(std::span<const Point> tail, Point head, d
 bool isInside(std::span<const Point> tail, Point head, const Closing& closing, Point point);
 
 /// True if the segments a-b and c-d cross.
-bool segmentsMeet(Point a, Point b, Point c, Point d);
+bool segmentsCross(Point a, Point b, Point c, Point d);
 
 }  // namespace kelvora::server

@@ -71,9 +71,9 @@ TEST(Foresight, PointThatExpiresBeforeItIsReachedClosesNothing) {
 }
 
 TEST(Foresight, SegmentsMeetOrDoNot) {
-  EXPECT_TRUE(segmentsMeet({0, 0}, {10, 10}, {0, 10}, {10, 0}));
-  EXPECT_FALSE(segmentsMeet({0, 0}, {4, 4}, {0, 10}, {10, 0}));
-  EXPECT_FALSE(segmentsMeet({0, 0}, {10, 0}, {0, 1}, {10, 1}));
+  EXPECT_TRUE(segmentsCross({0, 0}, {10, 10}, {0, 10}, {10, 0}));
+  EXPECT_FALSE(segmentsCross({0, 0}, {4, 4}, {0, 10}, {10, 0}));
+  EXPECT_FALSE(segmentsCross({0, 0}, {10, 0}, {0, 1}, {10, 1}));
 }
 
 }  // namespace

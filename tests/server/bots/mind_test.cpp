@@ -159,7 +159,7 @@ TEST_F(BotMind, AvoidsChargedTails) {
   other.tail = tail;
   other.isTailCharged = true;
   const Point way = towards(later(hard, 10).angle);
-  EXPECT_FALSE(segmentsMeet(view.position, view.position + way * 3'000, tail.front(), tail.back()));
+  EXPECT_FALSE(segmentsCross(view.position, view.position + way * 3'000, tail.front(), tail.back()));
   view.isRunning[shieldSlot] = true;
   Mind shielded(skillOf(SkillLevel::hard), 2);
   EXPECT_GT(std::cos(later(shielded, 10).angle), 0.9) << "which is harmless to a shield";
