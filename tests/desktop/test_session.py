@@ -73,7 +73,7 @@ class Session(DesktopTest):
         self.assertEqual(answers, [PING_REPLY, POSITION_REPORT] * pings)
         self.assertEqual(line.frames_during(0.5), [])
 
-    def test_frame_that_is_split_inside_its_fields_is_lost(self):
+    def test_frame_split_inside_its_fields_is_lost(self):
         client, line = self.log_in()
         self.send_and_await(line, bytes([128, PING]) + b"1")
         line.send_bytes(b"2" + bytes([129]))

@@ -107,7 +107,7 @@ TEST(Desktop, PacedPassesLastTheirFrameAndServeEvents) {
   // A busy machine may leave a pass no time for a second event.
   int passes = 10;
   for (; ticks <= passes && passes < 10'000; ++passes) desktop.doEvents(false);
-  EXPECT_GT(ticks, passes) << "more than one event a pass";
+  EXPECT_GT(ticks, passes) << "more than one event per pass";
 }
 
 TEST(Desktop, NestedHandlersHaveABoundedDepth) {

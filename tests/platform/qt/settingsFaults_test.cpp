@@ -206,7 +206,7 @@ TEST_F(SettingsFaults, LeftoversOfAKilledRunAreRemoved) {
   std::filesystem::create_directory(left);
   std::ofstream(left / "7") << "[misc]\nafter=half";
   std::ofstream(left / "7.lock") << "1\nkelvora\nanother-machine\n";
-  std::ofstream(file() + ".lock");  // of an older version, without the number of its process
+  std::ofstream(file() + ".lock");  // from an older version, without a process id
   EXPECT_TRUE(isTurnFree());
   write("after", "all");
   EXPECT_EQ(readInLaterRun("before"), "of old");

@@ -20,7 +20,7 @@ VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.tx
 # Seconds to wait for what happens at once on an idle machine.
 PATIENCE = 60
 
-# The build writes the messages' ids beside its programs.
+# The build writes the message ids beside its programs.
 sys.path += [str(pathlib.Path(SERVER).resolve().parent / "generated"), str(PROJECT / "tools/desktop")]
 import protocol
 from ports import free_port
@@ -39,7 +39,7 @@ def fields_of(text):
 
 
 def wait_for(condition, what):
-    """The first true result of `condition`; an error when there is none in time."""
+    """Waits for the first true result of `condition`. An error if there is none in time."""
     deadline = time.monotonic() + PATIENCE
     while not (result := condition()):
         if time.monotonic() > deadline:
@@ -49,7 +49,7 @@ def wait_for(condition, what):
 
 
 def connect(port, host=1):
-    """From 127.0.0.`host`, which stands for another machine."""
+    """Connects from 127.0.0.`host`, which stands for another machine."""
     return socket.create_connection(("127.0.0.1", port), PATIENCE, (f"127.0.0.{host}", 0))
 
 

@@ -90,7 +90,7 @@ class Endings(unittest.TestCase):
         server = Server()
         for number in (signal.SIGSTOP, signal.SIGINT, signal.SIGTERM, signal.SIGCONT):
             server.process.send_signal(number)
-        # Another signal would be one too many.
+        # A third signal would be one too many.
         self.assertEqual(server.process.wait(PATIENCE), 0)
         server.process.stdout.close()
         server.log_file.close()

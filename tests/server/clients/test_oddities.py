@@ -135,7 +135,7 @@ class Storm(Site):
             for player in players:
                 player.find(CHAT, lambda fields: fields[-1] == word, max(0, len(player.frames) - 1))
                 del player.frames[:-1]
-            time.sleep(0.2)  # ten lines a second may be said
+            time.sleep(0.2)  # ten lines per second are allowed
 
     def storm(self, number, over):
         chance = random.Random(number)

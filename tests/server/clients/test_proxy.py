@@ -38,7 +38,7 @@ class BehindNginx(unittest.TestCase):
         wait_for(lambda: self.server.log().count(f"comes from 127.0.0.{host}\n") == AT_A_TIME, "all connections")
         self.assertEqual(read_to_end(self.streamed(host, b"X-Forwarded-For: 192.0.2.2\r\n")), b"")
         self.assertEqual(self.status(host), b"429")
-        self.assertEqual(self.status(host, b"X-Forwarded-For: 192.0.2.1\r\n" * 3), b"429", "what it says of itself")
+        self.assertEqual(self.status(host, b"X-Forwarded-For: 192.0.2.1\r\n" * 3), b"429", "forged by the client")
         self.assertEqual(self.status(host + 1), b"200", "another client of the same proxy")
         self.assertTrue(read_to_end(self.streamed(host + 1)).startswith(b"HTTP/1.1 200 OK"))
 
@@ -80,7 +80,7 @@ class BehindNginx(unittest.TestCase):
         connection.sendall(UPDATE + more + b"\r\n")
         return connection
 
-    def test_of_one_address_sixteen_come_through_the_stream_at_a_time(self):
+    def test_the_stream_passes_sixteen_connections_per_address(self):
         for _ in range(AT_A_TIME):
             one = connect(self.nginx.stream_port, 9)
             self.addCleanup(one.close)

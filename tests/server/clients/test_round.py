@@ -100,7 +100,7 @@ class Round(unittest.TestCase):
         self.assertEqual(of_raw, of_web)
         self.assertEqual(len(of_raw), 2, "bots")
 
-        # A message of the WebSocket may be cut anywhere.
+        # A WebSocket message may be split anywhere.
         line = frame(CHAT, -1, "over the web")
         self.web.send([line[:1], line[1:5], line[5:]])
         self.raw.find(CHAT, lambda fields: fields == [self.web_node, "over the web"])

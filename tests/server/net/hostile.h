@@ -42,8 +42,8 @@ class Game {
     bob_.readUntil(wire::msgLoginAccepted);
   }
 
-  /// Ann moves on a step `count` times, and Bob must see each step, in order, with only other players' positions
-  /// between them. `attack` has its turn before each step and for a while after it.
+  /// Ann moves `count` times. Bob must see each move, in order, with only other players' positions in between. `attack`
+  /// is called before each move and for a while after it.
   void play(int count, const std::function<void(int)>& attack) {
     for (int i = 0; i < count && !testing::Test::HasFailure(); ++i) {
       attack(i);

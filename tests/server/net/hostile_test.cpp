@@ -297,7 +297,7 @@ TEST(HostileDescriptors, RunningOutDoesNotEndTheServer) {
   few.rlim_cur = static_cast<rlim_t>(next + 1);
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
   const auto start = Clock::now();
-  // Both are in one process: this one takes the last descriptor, so the server has none for it.
+  // Client and server share a process: this connection takes the last descriptor, so the server has none left for it.
   const auto unseen = std::make_unique<TcpClient>(server.port(), 60);
   game.play(steps, [](int) {});
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);

@@ -146,7 +146,7 @@ TEST_F(Publishing, SilentListDelaysNobody) {
   Options options;
   options.publishUrl = "http://127.0.0.1:" + std::to_string(silent.local_endpoint().port());
   const RunningServer arena(options);
-  const auto request = silent.accept();  // so that the announcement is under way
+  const auto request = silent.accept();  // so that the announcement is in progress
   Client ann(arena.port());
   ann.login("Ann");
   EXPECT_NE(ann.readUntil(wire::msgLoginAccepted), "nothing");

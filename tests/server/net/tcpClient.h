@@ -60,7 +60,7 @@ class TcpClient {
   void waitUntilDelivered() {
     for (int unsent = 1; unsent != 0; std::this_thread::yield()) ASSERT_EQ(::ioctl(socket_, SIOCOUTQ, &unsent), 0);
   }
-  /// Drops what has come so far.
+  /// Discards everything received so far.
   void drain() {
     char bytes[4096];
     while (::recv(socket_, bytes, sizeof bytes, MSG_DONTWAIT) > 0) {
