@@ -68,7 +68,7 @@ class Session(DesktopTest):
         self.assertEqual([line.recv_frame()[0], line.recv_frame()[0]], [PING_REPLY, POSITION_REPORT])
 
     def assert_answers(self, line, pings):
-        """So many pings are answered, and no more."""
+        """Asserts that exactly this many pings are answered."""
         answers = [line.recv_frame()[0] for _ in range(2 * pings)]
         self.assertEqual(answers, [PING_REPLY, POSITION_REPORT] * pings)
         self.assertEqual(line.frames_during(0.5), [])

@@ -66,7 +66,7 @@ class BehindNginx(unittest.TestCase):
         self.assertTrue(answer.startswith(b"HTTP/1.1 200 OK\r\n"), answer)
         self.assertTrue(answer.endswith(f"\r\n\r\ntvqver:{VERSION}\n".encode()), answer)
 
-    def test_of_one_address_sixteen_come_over_tls_at_a_time(self):
+    def test_tls_passes_sixteen_connections_per_address(self):
         for _ in range(AT_A_TIME):
             one = self.tls(7)
             self.addCleanup(one.close)

@@ -17,7 +17,7 @@ REPORT_INTERVAL = 0.02  # seconds; the server accepts a hundred reports per seco
 
 
 def by_kind(texts):
-    """The fields of the public ones among these frames, by their ids."""
+    """The fields of the public frames among these, by id."""
     return {kind: [fields_of(text) for text in texts if text[0] == kind] for kind in PUBLIC}
 
 
@@ -65,8 +65,8 @@ class Round(unittest.TestCase):
         return next(at for at, text in enumerate(player.frames) if text[0] == CHAT and fields_of(text) == line)
 
     def missing(self, texts):
-        """What has to be seen, but is not in these frames yet. The bots play at random: they can win a round, or be out
-        for a while."""
+        """What must be seen but isn't in these frames yet. The bots play at random: they can win a round, or be out for
+        a while."""
         kinds = by_kind(texts)
         return [what for what, is_seen in (
             ("a turbo", [self.web_node, str(TURBO)] in kinds[POWERUP_ON]),

@@ -222,7 +222,7 @@ TEST_P(ConnectionLimits, IncomingDataIsRateLimited) {
   const std::string frame = frameOf(wire::msgChat, {std::string(97, 'c')});
   const auto start = Connection::Clock::now();
   for (int i = 0; i < 1'000; ++i) {
-    push(frame);  // more than is taken
+    push(frame);  // more than the server takes
     settle();
   }
   const std::chrono::duration<double> time = Connection::Clock::now() - start;

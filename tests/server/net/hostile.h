@@ -87,7 +87,7 @@ class UnderAttack : public testing::Test {
   const std::uint16_t port = server.port();
   Game game{port};
 
-  /// The two play on. Returns by how many bytes the process grew at most.
+  /// Expects that the two play on. Returns the maximum growth of the process in bytes.
   std::size_t expectPlay(const std::function<void(int)>& attack) {
     const std::size_t before = allocatedBytes();
     std::size_t most = before;

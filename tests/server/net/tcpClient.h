@@ -51,7 +51,7 @@ class TcpClient {
   ssize_t push(const std::string& bytes) {
     return ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
   }
-  /// True if something has come, or the end.
+  /// True if data has arrived or the connection has ended.
   bool hasNews() {
     char byte;
     return ::recv(socket_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;

@@ -1,4 +1,4 @@
-// A server whose turns the test takes by hand, one handler each. Counting them replaces measuring time.
+// A server whose event loop the test runs by hand, one handler at a time. Counting handlers replaces measuring time.
 
 #include "server/net/gameServer.h"
 #include "tests/server/net/hostile.h"
@@ -35,14 +35,14 @@ class ByTurns : public testing::Test {
     return options;
   }
 
-  int joined = 0;  // connections that have sent something of the game
+  int joined = 0;  // connections that have sent game data
   asio::io_context context;
   GameServer server{context, anyPort(),
                     [this](const std::string& line) { joined += line.find("comes from") != std::string::npos; }};
   Client ann{server.port(), 200};
 };
 
-TEST_F(ByTurns, AFloodOfSixtyDelaysAReportByAFewReadsOfEach) {
+TEST_F(ByTurns, FloodFromSixtyClientsDelaysAReportByAFewReadsOfEach) {
   constexpr int count = 60;
   Client bob(server.port(), 201);
   logIn(ann, "Ann");
