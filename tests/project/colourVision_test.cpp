@@ -122,7 +122,7 @@ TEST(ColourVision, PureRedHasItsPublishedCoordinates) {
 }
 
 TEST(ColourVision, EachEyeLosesTheDifferenceItIsKnownToLose) {
-  // Pairs that ordinary eyes tell apart easily, and eyes without one kind of cones hardly.
+  // Pairs that ordinary eyes tell apart easily, but eyes without one kind of cones hardly at all.
   const auto pair = [](Eye eye, const Triple& a, const Triple& b) {
     return distance(labOf(a[0], a[1], a[2], eye), labOf(b[0], b[1], b[2], eye));
   };
