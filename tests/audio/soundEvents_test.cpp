@@ -7,7 +7,7 @@
 namespace kelvora {
 namespace {
 
-/// When the game makes a sound.
+/// The events that make a sound.
 class SoundEvents : public AudioTest {
  protected:
   SoundEvents() {

@@ -74,7 +74,7 @@ void printNumbers(int count) {
   for (int i = 0; i < count; ++i) {
     const auto single = bitCast<float>(static_cast<std::uint32_t>(draws()));
     const auto real = bitCast<double>(draws());
-    // As large as times and credits, with more decimals that are ties than by chance.
+    // As large as times and credits, with more ties among the decimals than by chance.
     const double amount = static_cast<double>(static_cast<std::int64_t>(draws() >> 24)) / (i % 2 == 0 ? 65536.0 : 1e5);
     singles.add(orFault([&] { return numberText(single); }));
     doubles.add(orFault([&] { return numberText(real); }));

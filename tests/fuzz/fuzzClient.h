@@ -13,7 +13,8 @@ namespace kelvora::fuzz {
 /// A whole headless client for one run of a target.
 class FuzzClient : public GameTest {
  public:
-  static constexpr char command = '\xFF';  ///< in an input: the next byte is a command, or itself if doubled
+  /// escapes in an input: the next byte is a command, or this byte itself if doubled
+  static constexpr char command = '\xFF';
 
   FuzzClient();
 

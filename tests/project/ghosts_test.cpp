@@ -105,7 +105,7 @@ TEST(Ghosts, AreAClearRingInThePlayersColourOnBlack) {
     EXPECT_LE(hueDistance(ring.hue, playerHues.at(static_cast<std::size_t>(colour))), hueTolerance);
     for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
       if (matte.pixels[i] == blackPixel || matte.pixels[i] == whitePixel) {
-        ASSERT_EQ(picture.pixels[i], blackPixel) << "only the ring is visible, except for pixel " << i;
+        ASSERT_EQ(picture.pixels[i], blackPixel) << "only the ring should be visible, not pixel " << i;
       }
     }
   });

@@ -146,7 +146,7 @@ TEST_F(ParticlePainting, Q124ABallIsAnchoredAtItsLowerRightCorner) {
 }
 
 TEST_F(ParticlePainting, BallIsNotShiftedAndMayTouchTheCanvasEdges) {
-  machine.seconds = 0;  // the one time of day at which an explosion is seen
+  machine.seconds = 0;  // the only time of day at which explosions are visible
   for (const ParticleType type : {ParticleType::Network, ParticleType::Explosion}) {
     canvas().Cls();
     ball(type, 11445, 9120).paintSelf();
@@ -160,7 +160,7 @@ TEST_F(ParticlePainting, BallIsNotShiftedAndMayTouchTheCanvasEdges) {
 }
 
 TEST_F(ParticlePainting, ABallIsDrawnOutsideTheWorldToo) {
-  machine.seconds = 0;  // the one time of day at which an explosion is seen
+  machine.seconds = 0;  // the only time of day at which explosions are visible
   for (const Vector& corner : {Vector{0, 0}, Vector{100000, 100000}}) {
     modMain::world.localPlayer.position = corner;
     const float out = corner.x == 0 ? -500.0F : 500.0F;

@@ -225,7 +225,7 @@ TEST_F(Opponents, FarEdgesStopOpponentsToo) {
   EXPECT_EQ(other().velocity, (Vector{-150, -250}));
 }
 
-// A step to one unit beyond an edge is stopped, one to the edge itself is not.
+// A step to one unit beyond an edge is stopped there. A step to the edge itself is not.
 TEST_F(Opponents, WorldIncludesItsEdge) {
   const auto stepTo = [this](Vector point, Vector velocity) {
     modMain::world.localPlayer.position = point;

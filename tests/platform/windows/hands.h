@@ -27,7 +27,7 @@ void choose(const QString& menu, const QString& item);
 void press(int key, const QString& text = {});
 /// Clicks on a text box and replaces its text.
 void replaceText(Control& box, const QString& text);
-/// Makes the window the active one, at the next turn of the event loop.
+/// Activates the window at the next turn of the event loop.
 void activate(QWidget& window);
 /// Closes the window with the button in its title bar.
 void close(QWidget& window);

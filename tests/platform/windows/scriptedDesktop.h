@@ -9,7 +9,7 @@
 
 namespace kelvora {
 
-/// A socket in memory. The game uses the side of SocketPeer. The other members play the server and run the game's
+/// An in-memory socket. The game uses the SocketPeer interface. The other members act as the server and run the game's
 /// handlers at once.
 class ScriptedSocket : public SocketPeer {
  public:
@@ -21,7 +21,7 @@ class ScriptedSocket : public SocketPeer {
   void send(std::string_view) override {}
   std::string take() override { return std::exchange(arrived_, {}); }
 
-  // Each does nothing in a state where it can't happen.
+  // Each does nothing in a state in which it isn't possible.
   void accept();
   void deliver(const std::string& bytes);
   void hangUp();

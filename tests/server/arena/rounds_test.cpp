@@ -21,7 +21,7 @@ class RoundsTest : public ArenaTest {
     login(bob, "Bob", "1");
     login(cat, "Cat", "2");
   }
-  /// Then respawns the loser as soon as possible.
+  /// Captures, then respawns the loser as soon as possible.
   void captureAndRespawn(ClientId winner, ClientId loser) {
     capture(winner, loser);
     say(loser, wire::msgSpawnRequest, {""});

@@ -152,7 +152,7 @@ TEST_F(BotMind, FleesFromALoopThatCloses) {
 }
 
 TEST_F(BotMind, AvoidsChargedTails) {
-  // It lies across the way to its owner, 2500 ahead.
+  // It crosses the way to its owner, 2500 ahead.
   std::vector<Point> tail;
   for (int i = 0; i <= 6; ++i) tail.push_back({52'500, 47'000 + 1'000.0 * i});
   Seen& other = opponent({60'000, 50'000});

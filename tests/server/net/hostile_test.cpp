@@ -241,7 +241,7 @@ TEST_F(Hostile, EveryMessageWithEveryKindOfField) {
       if (size > 0) sent[i] += static_cast<std::size_t>(size);
     }
   });
-  // How much of it that was depends on the system's buffers.
+  // How much that is depends on the system's buffers.
   for (std::size_t i = 0; i < clients.size(); ++i) clients[i]->write(bytes.substr(sent[i]));
 }
 

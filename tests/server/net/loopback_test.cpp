@@ -246,7 +246,7 @@ TEST(ServerProgram, ConnectionsWithoutALoginGetNoGoodbye) {
   Program program({"--port", "0"});
   {
     Client stranger(program.port());
-    stranger.login("Ann", "0.1");  // so that it is in the server's hands, and stays on the line
+    stranger.login("Ann", "0.1");  // so that the server has accepted it and it stays connected
     EXPECT_NE(stranger.readUntil(wire::msgLoginDenied), "nothing");
     program.signal(SIGTERM);
     EXPECT_TRUE(stranger.isCutOff());

@@ -58,7 +58,7 @@ Response ask(std::uint16_t port, const std::string& request, std::uint32_t host 
   return {all.substr(0, all.find("\r\n")), all.substr(0, end), all.substr(end + 4)};
 }
 
-/// Logs in, and waits until the server has finished that.
+/// Logs in, and waits until the server has completed the login.
 void join(Client& client, const std::string& name) {
   client.login(name);
   client.say(wire::msgChat, {"-1", "in"});

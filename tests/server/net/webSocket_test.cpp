@@ -75,7 +75,7 @@ TEST_F(WebSocketTest, MessagesFormAStreamHoweverTheyAreSplit) {
     if (i % 3 == 0) frames += WebSocketClient::frame(WebSocketClient::pong, "");
     if (i == 15) break;
   }
-  // The burst of control frames is used up by now; the rest comes without.
+  // The burst of control frames is used up by now. The rest is sent without any.
   frames +=
       WebSocketClient::frame(16 % 5 == 0 ? WebSocketClient::binary : WebSocketClient::continuation, bytes.substr(16));
   for (const char byte : frames) client.write(std::string(1, byte));
