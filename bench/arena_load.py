@@ -5,8 +5,8 @@
 
 First one arena with six clients, each reporting 25 positions per second and answering every ping. Then as many arenas
 as --arenas says, each a process with bots and one such client. Processor time is that of the server processes, as
-counted by the system, in percent of one core. Memory is their resident set (RSS) and the part of it that they don't
-share (PSS). The script ends by itself and stops its servers.
+counted by the system, in percent of one core. Memory is their resident set (RSS) and their proportional share of it
+(PSS). The script ends by itself and stops its servers.
 """
 
 import argparse

@@ -57,7 +57,7 @@ class WindowWatch:
 
 
 def memory(pid):
-    """Megabytes in memory, and the part that only this process uses (PSS)."""
+    """Megabytes in memory, and the process's proportional share of them (PSS)."""
     figures = {}
     for line in Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]:
         name, value = line.split()[:2]

@@ -39,7 +39,7 @@ def use_build(folder):
 
 
 def load_protocol():
-    """The build writes the message ids beside its programs."""
+    """Loads the message ids, which the build writes beside its programs."""
     global protocol
     sys.path.insert(0, str(pathlib.Path(CLIENT).resolve().parent / "generated"))
     import protocol

@@ -34,7 +34,8 @@ class BehindNginx(unittest.TestCase):
             return read_to_end(one)
 
     def expect_held(self, host):
-        """Both ways in count the connections of this client: each has sent the first byte of the game."""
+        """Expects that both ways in refuse further connections of this client and accept another client's. A connection
+        counts once it has sent the first byte of the game."""
         wait_for(lambda: self.server.log().count(f"comes from 127.0.0.{host}\n") == AT_A_TIME, "all connections")
         self.assertEqual(read_to_end(self.streamed(host, b"X-Forwarded-For: 192.0.2.2\r\n")), b"")
         self.assertEqual(self.status(host), b"429")
