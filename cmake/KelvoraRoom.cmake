@@ -17,12 +17,12 @@ endif()
 if(KELVORA_SANITIZE)
   target_compile_options(kelvora_options INTERFACE
     -fsanitize=${KELVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-    # The instrumented code of the library's own headers looks uninitialised to g++ 12; the plain builds keep the warning.
+    # To g++ 12, instrumented code in library headers looks uninitialised. The plain builds keep the warning.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(kelvora_options INTERFACE -fsanitize=${KELVORA_SANITIZE})
 endif()
 if(KELVORA_SANITIZE STREQUAL "thread")
-  # Asio's fences, which the thread sanitizer does not see; what they would order runs on one thread.
+  # For Asio's fences, which the thread sanitizer doesn't see. They only order work on one thread.
   target_compile_options(kelvora_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-tsan>)
 endif()
 

@@ -5,7 +5,7 @@
 namespace kelvora::modMain {
 
 bool isSurvivalMode();  ///< a run goes on
-/// Ends the run once for every background particle that touches the local player.
+/// Calls `endSurvival` for each background particle that touches the local player, if the mode is on.
 void checkSurvival();
 /// Turns the mode off and prints the record on the console.
 void endSurvival();

@@ -89,7 +89,7 @@ TEST_F(SoundEvents, EachPowerupOfTheLocalPlayerHasItsSound) {
   }
 }
 
-TEST_F(SoundEvents, ARunningPowerupIsNotHeardAgain) {
+TEST_F(SoundEvents, RunningPowerupMakesNoSecondSound) {
   modMain::world.localPlayer.activatePowerup(shieldSlot);
   machine.soundCommands.clear();
   modMain::world.localPlayer.activatePowerup(shieldSlot);
@@ -123,7 +123,7 @@ TEST_F(SoundEvents, EarlyEndOfAnOpponentsPowerupAlsoStopsASound) {
   EXPECT_EQ(machine.soundCommands, stopping("bounce.wav"));
 }
 
-TEST_F(SoundEvents, AnEndBeyondTheSlotsStopsNothing) {
+TEST_F(SoundEvents, EarlyEndOfAnUnknownSlotStopsNothing) {
   modMain::world.localPlayer.unactivatePowerup(PowerupSlot{6});
   modMain::world.localPlayer.unactivatePowerup(PowerupSlot{-1});
   EXPECT_TRUE(machine.soundCommands.empty());

@@ -88,7 +88,7 @@ TEST_F(ConnectionState, DisconnectingAfterAFailureWakesTheTimer) {
   EXPECT_EQ(shownState(), "Closed");
 }
 
-TEST_F(ConnectionState, IsRefreshedAtTheConnectionBeforeTheLoginGoesOut) {
+TEST_F(ConnectionState, IsRefreshedOnConnectBeforeTheLoginIsSent) {
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", greenPlayer);
   server().acceptConnection();
   passEvents();

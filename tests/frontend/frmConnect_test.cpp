@@ -249,7 +249,7 @@ TEST_F(ConnectDialog, Q041APressLeavesTheBorderDottedInColourOne) {
   EXPECT_EQ(frmConnect->shpUserColor[0].BorderColor.get(), RGB(0, 0, 0));
 }
 
-TEST_F(ConnectDialog, Q051APressIntoAGapClearsAllMarksAndKeepsTheColour) {
+TEST_F(ConnectDialog, Q051APressInAGapClearsAllMarksAndKeepsTheColour) {
   frmConnect->selectColour(greenPlayer);
   press(370, 100);  // between circles 0 and 1: 315 to 420
   EXPECT_EQ(frmConnect->colour, 2);
@@ -364,7 +364,7 @@ TEST_F(ConnectDialog, ClosingTheWindowUnloadsIt) {
   EXPECT_FALSE(frmConnect.isLoaded());
 }
 
-TEST_F(ConnectDialog, ALoadAfterAnUnloadBeginsAnew) {
+TEST_F(ConnectDialog, ReloadingResetsTheColour) {
   frmConnect->selectColour(bluePlayer);
   frmConnect.unload();
   EXPECT_EQ(frmConnect->colour, 0) << "nothing was saved";

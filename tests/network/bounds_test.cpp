@@ -112,7 +112,7 @@ TEST_F(Bounds, AtMostAThousandExplosionParticlesExist) {
   EXPECT_EQ(modMain::world.explosionParticles.size(), 1'000U);
 }
 
-TEST_F(Bounds, CapturesOfALifeAreCountedInSixteenBits) {
+TEST_F(Bounds, CapturesPerLifeAreCountedInSixteenBits) {
   world.localPlayer.captures.assign(32'767, yellowPlayer);
   EXPECT_EQ(world.localPlayer.captureCount(), 32'767);
   EXPECT_THROW(world.localPlayer.receiveCapture(yellowPlayer), RuntimeFault);

@@ -28,7 +28,7 @@ TEST_F(Session, ConnectingStoresTheLoginAndDialsTheServer) {
   EXPECT_TRUE(frmMain->mnuFileDisconnect.Enabled);
 }
 
-TEST_F(Session, TheLoginGoesOutWhenTheConnectionStands) {
+TEST_F(Session, LoginIsSentOnceConnected) {
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "pw", greenPlayer);
   EXPECT_TRUE(server().sent.empty());
   server().acceptConnection();
@@ -53,7 +53,7 @@ class CaptionWatch : public Peer {
   std::vector<bool>& sentBefore_;
 };
 
-TEST_F(Session, TheStateIsShownBeforeTheLoginGoesOut) {
+TEST_F(Session, StateIsShownBeforeTheLoginIsSent) {
   netMan::connectToServer("Ann", "127.0.0.1", 2010, "", redPlayer);
   std::vector<bool> sentBefore;
   Label& label = frmMain->lblNetStatus;

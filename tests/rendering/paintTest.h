@@ -77,7 +77,7 @@ class PaintTest : public GameTest {
   PictureBox& radar() { return frmMain->picRadar; }
   /// Puts the local player into the game: red, alive, brakes off, without opponents or particles.
   clsPlayer& placeLocal(float x = 50000, float y = 50000);
-  /// An opponent in the next slot.
+  /// Adds an opponent in the next slot.
   clsPlayer& placeOpponent(PlayerColour colour, float x, float y);
 };
 

@@ -55,7 +55,7 @@ TEST_F(PlayerPainting, BallIsCentred) {
   EXPECT_EQ(pixelAt(canvas(), 380, 329), white);
 }
 
-TEST_F(PlayerPainting, TheLaterSpriteIsWholeWithNoMixing) {
+TEST_F(PlayerPainting, LaterSpriteIsWholeWithoutMixing) {
   clsPlayer& other = placeOpponent(purplePlayer, 50000 + 300, 50000);
   canvas().Cls();
   local->paintSelf();
@@ -123,7 +123,7 @@ TEST_F(PlayerPainting, CellsLastShorterAtAHigherTimeScale) {
   EXPECT_EQ(cellAfter(*local, 1), 3);
 }
 
-TEST_F(PlayerPainting, Q242AnUnseenOpponentsAnimationStands) {
+TEST_F(PlayerPainting, Q242AnOffScreenOpponentsAnimationStops) {
   clsPlayer& other = placeOpponent(cyanPlayer, 50000, 50000);
   EXPECT_EQ(cellAfter(other, 14), 1);
   other.position.x = 10000;
@@ -178,7 +178,7 @@ class ArrowTable : public PlayerPainting, public testing::WithParamInterface<Arr
 TEST_P(ArrowTable, Q138TheArrowIsOnTheEdge) {
   const ArrowRow& row = GetParam();
   clsPlayer& other = placeOpponent(bluePlayer, 50000 - 5722 + row.screen.x, 50000 - 4560 + row.screen.y);
-  // The image is larger than the control by an arrow, so that one just beyond its right or lower edge is seen.
+  // The image is larger than the control by one arrow, so that an arrow just beyond its right or lower edge would show.
   canvas().resize(763 + 18, 608 + 18);
   paint(other);
   if (row.frame < 0) {

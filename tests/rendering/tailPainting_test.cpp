@@ -148,8 +148,8 @@ TEST_F(TailPainting, VerticesThatExpireInThisFrameAreNotDrawn) {
   EXPECT_EQ(pixelAt(canvas(), 2250.0, 1500.0), Colour{});
 }
 
-TEST_F(TailPainting, Q243ATailNeitherAgesNorFiresUnlessItIsPainted) {
-  // The capture of the opponent waits for the local player's older vertex, which lives for 2 s and a little.
+TEST_F(TailPainting, Q243AnUnpaintedTailNeitherAgesNorCaptures) {
+  // The capture of the opponent waits for the local player's older vertex, which lives for slightly more than 2 s.
   clsPlayer& victim = placeOpponent(cyanPlayer, 10000, 10000);
   lay(1500, 1500);
   lay(3000, 1500);

@@ -33,13 +33,13 @@ TEST_F(Lives, TheStripIsShownAtEachCaptureAndRespawn) {
   captureBob();
   EXPECT_EQ(shown, 1);
   ann().init(redPlayer, -1, 7, "Ann");
-  EXPECT_EQ(shown, 1) << "a new login leaves the marks";
+  EXPECT_EQ(shown, 1) << "a new login keeps the marks";
   ann().respawn();
   EXPECT_EQ(shown, 2);
   frmMain->picCaps[0].peer.reset();
 }
 
-TEST_F(Lives, ADeadVictimDiesOnceMore) {
+TEST_F(Lives, DeadVictimDiesAgain) {
   bob().captures = {greenPlayer, cyanPlayer};
   captureBob();
   ASSERT_FALSE(bob().alive);
@@ -100,7 +100,7 @@ TEST_F(Lives, KillsAreCountedInSixteenBits) {
   EXPECT_THROW(ann().receiveCapture(bluePlayer), RuntimeFault);
   EXPECT_EQ(ann().kills, 32767);
   EXPECT_EQ(ann().captures, (std::vector<PlayerColour>{yellowPlayer, bluePlayer}))
-      << "the capture is noted before it is counted";
+      << "the capture is recorded before it is counted";
   EXPECT_EQ(frmMain->lblKills[0].Caption.get(), "32767");
 }
 

@@ -182,7 +182,7 @@ TEST_F(PowerupRules, AnOpponentsPulseIsNotAnnounced) {
   EXPECT_EQ(modMain::world.centreMessage, "Electro-Magnetic Pulse");
 }
 
-TEST_F(PowerupRules, ASlotOutsideTheSixIsAFaultInTheActivationAlone) {
+TEST_F(PowerupRules, UnknownSlotIsAFaultOnlyInTheActivation) {
   EXPECT_THROW(player().activatePowerup(PowerupSlot{6}), RuntimeFault);
   EXPECT_THROW(player().activatePowerup(PowerupSlot{-1}), RuntimeFault);
   forgetTexts();

@@ -44,8 +44,8 @@ class GameTest : public testing::Test, protected HeadlessClient {
  protected:
   GameTest() { machine.pictureSource = testPicture; }
 
-  /// Connects the socket, and the client sends its login. Afterwards the state is 7, and the local player is not
-  /// connected yet. sentFrames() has what was sent.
+  /// Connects the socket, so that the client sends its login. Afterwards the state is 7, and the local player is not
+  /// connected yet. sentFrames() returns what was sent.
   void connect(const std::string& name = "Ann", PlayerColour colour = redPlayer);
   /// Runs `connect` and accepts the login: the local player is in the game at the position. Discards what was sent.
   void login(std::int16_t colour = 0, std::int16_t node = 7, float x = 50'000, float y = 50'000,

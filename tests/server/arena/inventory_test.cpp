@@ -74,7 +74,7 @@ TEST(Inventory, HoldsTenOfAllKindsTogether) {
   EXPECT_EQ(inventory.buy(extendedTailSlot).reason(), "");  // 20
   EXPECT_EQ(inventory.funds(), 125);
   EXPECT_TRUE(inventory.start(extendedTailSlot, start));
-  EXPECT_EQ(inventory.buy(laserSlot).reason(), "") << "one that runs takes no room";
+  EXPECT_EQ(inventory.buy(laserSlot).reason(), "") << "a running one takes no room";
   EXPECT_EQ(inventory.funds(), 105);
 }
 
