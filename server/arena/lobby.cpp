@@ -76,12 +76,12 @@ bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferr
   const auto wanted = wholeNumber<std::int16_t>(preferred);
   for (const auto& [other, player] : roster_.players()) {
     if (!isBot(other)) continue;
-    const bool isWish = wish == player.colour && isPatient;
-    if (isWish || (roster_.isFull() && !visitor.wantedColour)) visitor.wantedColour = player.colour;
-    if (isWish) break;
+    const bool isWanted = wanted == player.colour && mayWait;
+    if (isWanted || (roster_.isFull() && !visitor.wantedColour)) visitor.wantedColour = player.colour;
+    if (isWanted) break;
   }
-  const bool isLeaving = anyOf(roster_.leavers(), [&](const Player& leaver) { return wish == leaver.colour; });
-  return visitor.wantedColour || !roster_.hasFreeColour() || (isLeaving && isPatient);
+  const bool isLeaving = anyOf(roster_.leavers(), [&](const Player& leaver) { return wanted == leaver.colour; });
+  return visitor.wantedColour || !roster_.hasFreeColour() || (isLeaving && mayWait);
 }
 
 void Lobby::admit(ClientId client, const Request& request, Millis now) {
@@ -111,9 +111,9 @@ void Lobby::admit(ClientId client, const Request& request, Millis now) {
 }
 
 PlayerColour Lobby::chooseColour(std::string_view preferred) const {
-  const auto wish = wholeNumber<std::int16_t>(preferred);
-  if (wish && *wish >= 0 && *wish < Roster::colourCount && roster_.isColourFree(PlayerColour{*wish}))
-    return PlayerColour{*wish};
+  const auto wanted = wholeNumber<std::int16_t>(preferred);
+  if (wanted && *wanted >= 0 && *wanted < Roster::colourCount && roster_.isColourFree(PlayerColour{*wanted}))
+    return PlayerColour{*wanted};
   return *findIf(playerColours, [&](PlayerColour colour) { return roster_.isColourFree(colour); });
 }
 
