@@ -4,7 +4,7 @@
 /// turns it on.
 namespace kelvora::modMain {
 
-bool isSurvivalMode();  ///< a run goes on
+bool isSurvivalMode();  ///< true during a run
 /// Calls `endSurvival` for each background particle that touches the local player, if the mode is on.
 void checkSurvival();
 /// Turns the mode off and prints the record on the console.

@@ -17,13 +17,13 @@ class OffscreenToolkit {
   }
   ~OffscreenToolkit() {
     Surface::setGlyphSource(nullptr);
-    QCoreApplication::sendPostedEvents();  // connections of the last test that wait to be freed
+    QCoreApplication::sendPostedEvents();  // frees connections of the last test
   }
   OffscreenToolkit(const OffscreenToolkit&) = delete;
   OffscreenToolkit& operator=(const OffscreenToolkit&) = delete;
 
  private:
-  // Set before the application begins.
+  // Set before the application starts.
   [[maybe_unused]] const bool isOffscreen_ = qputenv("QT_QPA_PLATFORM", "offscreen");
   int argc_ = 1;
   char name_[8] = "kelvora";
