@@ -30,7 +30,7 @@ TEST(ServerLog, AFloodOfLinesIsCutAndCounted) {
   for (int i = 0; i < 1'000; ++i) log.write("x", 10'000, moment);
   EXPECT_EQ(out.str().size(), 200U * 2);
   out.str("");
-  log.write("x", 10'050, moment);  // a twentieth of a second later one more is due
+  log.write("x", 10'050, moment);  // 1/20 of a second later, one more line is allowed
   EXPECT_EQ(out.str(), "800 lines dropped\nx\n");
   out.str("");
   log.write("y", 10'100, moment);
