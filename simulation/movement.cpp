@@ -15,7 +15,7 @@ namespace kelvora {
 
 namespace {
 
-// Quirk Q-237: pi with five decimals, which affects the third decimal of a velocity.
+// Quirk Q-237: pi with five decimals, which takes up to 0.0002 units off a velocity.
 constexpr double pi = 3.14159;
 
 float scaled(float component, double factor) { return static_cast<float>(component * factor); }

@@ -16,17 +16,17 @@ namespace {
 
 constexpr const char* helpText =
     "Usage: kelvora [nosound] [nomusic]\n"
-    "The client of an arena game for up to six players.\n"
+    "An arena game for up to six players.\n"
     "\n"
     "  nosound    no sound effects\n"
     "  nomusic    no music\n"
-    "  --version  print the version and the data folders\n"
+    "  --version  print the version and the folders in use\n"
     "  --help     print this help\n"
     "\n"
-    "Environment:\n"
+    "Environment, with defaults:\n"
     "  KELVORA_FRAME_MS  milliseconds per frame; 10 is the design pace (as fast as possible)\n"
     "  KELVORA_DATA      folder that holds assets and sounds (found automatically)\n"
-    "  KELVORA_WEB_HOST  host, or host:port, that serves the list of games and updates\n";
+    "  KELVORA_WEB_HOST  host, or host:port, that serves the list of games and the update file\n";
 
 }  // namespace
 

@@ -49,7 +49,7 @@ void chooseWindowSystem() {
 void warnMissingFeatures() {
   if (!QGuiApplication::platformName().startsWith("wayland")) return;
   say("running on Wayland, which lets no program place the mouse pointer or its windows: the left button does not keep "
-      "the mouse inside the picture. Install XWayland to fix that.");
+      "the mouse inside the game view. Install XWayland to fix that.");
 }
 
 ScreenSearch::ScreenSearch() { qInstallMessageHandler(holdBack); }

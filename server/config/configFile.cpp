@@ -29,11 +29,11 @@ Outcome readConfig(std::string_view text, const std::string& fileName, const Tak
     if (line.empty() || line.starts_with('#')) continue;
     const std::string where = fileName + ":" + std::to_string(number) + ": ";
     const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos) return Outcome::refused(where + "not of the form \"name = value\"");
+    if (equals == std::string_view::npos) return Outcome::refused(where + "expected \"name = value\"");
     const std::string_view name = trim(line.substr(0, equals));
     const auto [first, isNew] = lines.emplace(name, number);
     if (!isNew) {
-      return Outcome::refused(where + std::string(name) + " is already set in line " + std::to_string(first->second));
+      return Outcome::refused(where + std::string(name) + " is already set on line " + std::to_string(first->second));
     }
     const Outcome outcome = take(name, std::string(trim(line.substr(equals + 1))));
     if (outcome.isRefused()) return Outcome::refused(where + outcome.reason());

@@ -15,7 +15,7 @@ void Log::write(std::string_view line, Millis now, std::time_t wallClock) {
     ++leftOut_;
     return;
   }
-  if (leftOut_ > 0) writeLine(std::to_string(std::exchange(leftOut_, 0)) + " lines left out", wallClock);
+  if (leftOut_ > 0) writeLine(std::to_string(std::exchange(leftOut_, 0)) + " lines dropped", wallClock);
   writeLine(line, wallClock);
 }
 

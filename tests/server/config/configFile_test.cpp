@@ -51,8 +51,8 @@ TEST(ServerConfig, CommentsAndEmptyLinesSayNothing) {
 
 TEST(ServerConfig, FaultsAreToldWithTheirLine) {
   Settings settings;
-  EXPECT_EQ(read("port = 1\n\nrubbish\n", settings), "a.conf:3: not of the form \"name = value\"");
-  EXPECT_EQ(read("a = 1\n# a\na = 2\n", settings), "a.conf:3: a is already set in line 1");
+  EXPECT_EQ(read("port = 1\n\nrubbish\n", settings), "a.conf:3: expected \"name = value\"");
+  EXPECT_EQ(read("a = 1\n# a\na = 2\n", settings), "a.conf:3: a is already set on line 1");
   const auto refuseB = [](std::string_view name, const std::string&) {
     return name == "b" ? Outcome::refused("no") : Outcome::done();
   };

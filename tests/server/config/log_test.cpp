@@ -31,7 +31,7 @@ TEST(ServerLog, AFloodOfLinesIsCutAndCounted) {
   EXPECT_EQ(out.str().size(), 200U * 2);
   out.str("");
   log.write("x", 10'050, moment);  // a twentieth of a second later one more is due
-  EXPECT_EQ(out.str(), "800 lines left out\nx\n");
+  EXPECT_EQ(out.str(), "800 lines dropped\nx\n");
   out.str("");
   log.write("y", 10'100, moment);
   EXPECT_EQ(out.str(), "y\n");
