@@ -144,10 +144,10 @@ TEST_F(SiteTest, AKnownCopyIsNotSentAgain) {
 TEST_F(SiteTest, AConditionMayListTagsWeakOrNotOrNameAnyCopy) {
   const Site site(folder);
   HttpRequest request = get("/js/game.wasm");
-  const std::string tag = header(site.answer(request), "ETag");
+  const std::string tag = header(ask(site, request), "ETag");
   const auto statusFor = [&](const std::string& condition) {
     request.ifNoneMatch = condition;
-    return site.answer(request).status;
+    return ask(site, request).status;
   };
   for (const std::string& known : {"*" + std::string(), "W/" + tag, "\"a\", " + tag, tag + ",\"a\"",
                                    "\"a,b\",W/\"c\" , W/" + tag, "\"\", " + tag}) {
