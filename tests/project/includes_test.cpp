@@ -22,6 +22,8 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"platform/sound", {}},
     {"platform/desktop", {"base", "platform", "platform/sound"}},
     {"platform/qt", {"base", "platform", "platform/desktop", "platform/pictures", "raster"}},
+    {"platform/win32", {"base", "platform", "platform/desktop", "platform/pictures", "platform/sound", "raster"}},
+    {"platform/web", {"base", "platform", "platform/desktop", "platform/pictures", "raster"}},
     {"core", {"audio", "base", "frontend", "particles", "platform", "protocol", "raster", "rendering", "simulation"}},
     {"simulation",
      {"audio", "base", "core", "frontend", "network", "particles", "platform", "protocol", "raster", "store"}},
