@@ -1,8 +1,6 @@
 #include "platform/win32/hostAddresses.h"
 
 #include <cstring>
-#include <system_error>
-#include <thread>
 
 #include "platform/win32/messagePump.h"
 #include "platform/win32/wideText.h"
@@ -12,21 +10,39 @@
 
 namespace kelvora {
 
+namespace {
+
+struct Search {
+  std::shared_ptr<HostAddresses> addresses;
+  std::string host;
+  int port;
+};
+
+void CALLBACK runSearch(PTP_CALLBACK_INSTANCE, void* context) {
+  const std::unique_ptr<Search> search(static_cast<Search*>(context));
+  search->addresses->find(search->host, search->port);
+  SetEvent(networkSignal());
+}
+
+}  // namespace
+
 std::shared_ptr<HostAddresses> HostAddresses::lookUp(const std::string& host, int port) {
   auto addresses = std::make_shared<HostAddresses>();
-  try {
-    std::thread([addresses, host, port] {
-      addresses->find(host, port);
-      addresses->areKnown_ = true;
-      SetEvent(networkSignal());
-    }).detach();
-  } catch (const std::system_error&) {
+  auto search = std::make_unique<Search>(Search{addresses, host, port});
+  if (TrySubmitThreadpoolCallback(runSearch, search.get(), nullptr) != FALSE) {
+    search.release();
+  } else {
     addresses->areKnown_ = true;
   }
   return addresses;
 }
 
 void HostAddresses::find(const std::string& host, int port) {
+  search(host, port);
+  areKnown_ = true;
+}
+
+void HostAddresses::search(const std::string& host, int port) {
   ADDRINFOW wanted{};
   wanted.ai_family = AF_UNSPEC;
   wanted.ai_socktype = SOCK_STREAM;

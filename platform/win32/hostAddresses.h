@@ -16,18 +16,20 @@ struct HostAddress {
   std::array<std::byte, 128> bytes{};  ///< as the system's sockets take it
 };
 
-/// The addresses of a host, which a thread looks up.
+/// The addresses of a host, which a thread of the system looks up.
 class HostAddresses {
  public:
   /// Starts the search. The network signal tells its end.
   static std::shared_ptr<HostAddresses> lookUp(const std::string& host, int port);
 
   bool areKnown() const { return areKnown_; }
+  /// Looks them up here and now, in the thread of the search.
+  void find(const std::string& host, int port);
   /// The next address to try; nothing after the last. Call it once they are known.
   std::optional<HostAddress> next();
 
  private:
-  void find(const std::string& host, int port);
+  void search(const std::string& host, int port);
 
   std::vector<HostAddress> found_;
   std::size_t tried_ = 0;

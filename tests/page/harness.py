@@ -2,7 +2,9 @@
 
 import os
 import pathlib
+import random
 import re
+import socket
 import subprocess
 import tempfile
 import time
@@ -17,7 +19,7 @@ SITE = os.environ["KELVORA_SITE"]
 PICTURES = os.environ.get("KELVORA_PAGE_PICTURES")  # a folder for screenshots, which are taken only if it is set
 
 
-def wait_for(condition, what, seconds=20.0, pause=0.05):
+def wait_for(condition, what, seconds=60.0, pause=0.05):
     """The first true result of `condition`; fails the test when there is none in time."""
     deadline = time.monotonic() + seconds
     while True:
@@ -29,10 +31,24 @@ def wait_for(condition, what, seconds=20.0, pause=0.05):
         time.sleep(pause)
 
 
-class Server:
-    """The real server with the site, on a port of its own choice or on a given one."""
+def free_port():
+    """A port that nobody listens on. The connect dialog refuses 32767 and above, where the system's own choice lies."""
+    while True:
+        port = random.randrange(10000, 32767)
+        with socket.socket() as probe:
+            probe.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+            try:
+                probe.bind(("127.0.0.1", port))
+            except OSError:
+                continue
+        return port
 
-    def __init__(self, *options, port=0):
+
+class Server:
+    """The real server with the site, on a free port or on a given one."""
+
+    def __init__(self, *options, port=None):
+        port = port or free_port()
         self.process = subprocess.Popen(
             [SERVER, "--address", "127.0.0.1", "--port", str(port), "--web-port", "0", "--site", SITE, *options],
             stdout=subprocess.PIPE, text=True)

@@ -79,7 +79,7 @@ class Sockets : public ::testing::Test {
     while (!condition()) {
       if (serveSockets()) continue;
       if (condition()) return;
-      ASSERT_EQ(WaitForSingleObject(networkSignal(), patience), WAIT_OBJECT_0);
+      ASSERT_EQ(WaitForSingleObject(networkSignal(), patience), WAIT_OBJECT_0) << "state " << socket->State();
     }
   }
 
