@@ -1,8 +1,8 @@
-# The site in build/web/site: page, program and what it loads.
-set(site ${CMAKE_BINARY_DIR}/site)
+# The page for browsers: the program, and what it loads. It is published in build/web/site, where the server finds it.
+set(stage ${CMAKE_BINARY_DIR}/stage)
 set(page ${CMAKE_SOURCE_DIR}/platform/web/page)
 add_executable(kelvora webMain.cpp)
-set_target_properties(kelvora PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${site})
+set_target_properties(kelvora PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${stage})
 target_link_libraries(kelvora PRIVATE kelvora_client kelvora_web)
 target_link_options(kelvora PRIVATE
   -sENVIRONMENT=web -sALLOW_MEMORY_GROWTH=1 -sINITIAL_MEMORY=32MB
@@ -32,13 +32,17 @@ set(fonts ${comic}/ComicNeue-Regular.otf ${comic}/ComicNeue-Bold.otf ${liberatio
   ${liberation}/LiberationSans-Bold.ttf)
 file(GLOB sounds CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/sounds/*.wav ${CMAKE_SOURCE_DIR}/sounds/*.mp3)
 set(loose ${page}/index.html ${page}/begin.js ${page}/style.css)
+set(publish ${CMAKE_SOURCE_DIR}/tools/publish_site.sh)
 set(stamp ${CMAKE_CURRENT_BINARY_DIR}/site.stamp)
 add_custom_command(OUTPUT ${stamp}
-  COMMAND ${CMAKE_COMMAND} -E make_directory ${site}/fonts ${site}/sounds
-  COMMAND ${CMAKE_COMMAND} -E copy ${loose} ${site}
-  COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_SOURCE_DIR}/assets/icon-128.png ${site}/icon.png
-  COMMAND ${CMAKE_COMMAND} -E copy ${fonts} ${site}/fonts
-  COMMAND ${CMAKE_COMMAND} -E copy ${sounds} ${site}/sounds
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${stage}/fonts ${stage}/sounds
+  COMMAND ${CMAKE_COMMAND} -E copy ${loose} ${stage}
+  COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_SOURCE_DIR}/assets/icon-128.png ${stage}/icon.png
+  COMMAND ${CMAKE_COMMAND} -E copy ${fonts} ${stage}/fonts
+  COMMAND ${CMAKE_COMMAND} -E copy /usr/share/doc/fonts-comic-neue/copyright ${stage}/fonts/ComicNeue.txt
+  COMMAND ${CMAKE_COMMAND} -E copy /usr/share/doc/fonts-liberation/copyright ${stage}/fonts/LiberationSans.txt
+  COMMAND ${CMAKE_COMMAND} -E copy ${sounds} ${stage}/sounds
+  COMMAND ${publish} ${stage} ${CMAKE_BINARY_DIR}/site
   COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
-  DEPENDS ${loose} ${fonts} ${sounds})
+  DEPENDS kelvora ${loose} ${fonts} ${sounds} ${publish})
 add_custom_target(kelvora_site ALL DEPENDS ${stamp})
