@@ -11,6 +11,7 @@
 #include "base/codePage.h"
 #include "platform/desktop/boxText.h"
 #include "platform/desktop/handlerCall.h"
+#include "platform/desktop/polledTimers.h"
 #include "platform/form.h"
 #include "platform/pictures/pictureFile.h"
 #include "platform/web/page.h"
@@ -18,7 +19,6 @@
 #include "platform/web/webPeer.h"
 #include "platform/web/webSocket.h"
 #include "platform/web/webSound.h"
-#include "platform/web/webTimers.h"
 #include "raster/surface.h"
 
 namespace kelvora {

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "platform/desktop/handlerCall.h"
+#include "platform/desktop/polledTimers.h"
 #include "platform/grid.h"
 #include "platform/menuItem.h"
 #include "platform/pictureBox.h"
@@ -109,7 +110,7 @@ bool realizeAs(Control& control, int parent) {
 void realizeChildren(Control& container, int parent) {
   for (Control* child : container.children()) {
     if (auto* timer = dynamic_cast<IntervalTimer*>(child)) {
-      makePeer(*timer);
+      timer->peer = makePolledTimer(*timer);
       continue;
     }
     [[maybe_unused]] const bool isShown =

@@ -15,7 +15,6 @@ class Form;
 class Frame;
 class Grid;
 class Image;
-class IntervalTimer;
 class Label;
 class MenuItem;
 class PictureBox;
@@ -65,7 +64,6 @@ void makePeer(CheckBox& box, int parent);
 void makePeer(Grid& grid, int parent);
 void makePeer(PictureBox& box, int parent);
 void makePeer(MenuItem& item, int parent);
-void makePeer(IntervalTimer& timer);
 void makePeer(Form& form);
 
 /// Gives every control on `container` its peer, in the order of their declaration; later ones lie on top.
