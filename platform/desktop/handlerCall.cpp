@@ -2,9 +2,11 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <utility>
 
 #include "platform/backend.h"
+#include "platform/desktop/controlWalk.h"
 #include "platform/form.h"
 #include "platform/widgets.h"
 
@@ -15,16 +17,6 @@ int depth = 0;
 bool faultReported = false;
 std::string noted;
 FaultBox* faultBox = nullptr;
-
-Button* findButton(Control& container, Button::Role role) {
-  Button* found = nullptr;
-  for (Control* child : container.children()) {
-    auto* button = dynamic_cast<Button*>(child);
-    if (button && button->role == role && button->Visible) found = button;
-    if (Button* inside = findButton(*child, role)) found = inside;
-  }
-  return found;
-}
 }  // namespace
 
 int handlerDepth() { return depth; }
@@ -50,13 +42,26 @@ void reportFault(const char* what) {
   std::_Exit(1);
 }
 
+void runGame(void (*game)()) {
+  try {
+    game();
+  } catch (const std::exception& fault) {
+    reportFault(fault.what());
+  }
+}
+
 bool takesEvents(Control& control) {
   const auto* form = dynamic_cast<Form*>(&control.root());
   return !form || !form->isUnloaded();
 }
 
 bool answerKey(Control& form, bool enter) {
-  Button* answer = findButton(form, enter ? Button::Role::Default : Button::Role::Cancel);
+  const Button::Role role = enter ? Button::Role::Default : Button::Role::Cancel;
+  Button* answer = nullptr;
+  visitControls(form, [&answer, role](Control& control) {
+    auto* button = dynamic_cast<Button*>(&control);
+    if (button && button->role == role && button->Visible) answer = button;
+  });
   if (!answer) return false;
   raiseEvent(*answer, answer->Click);
   return true;

@@ -46,6 +46,9 @@ void runHandler(Statement&& statement) {
   }
 }
 
+/// Runs the game until it ends. A fault ends the program.
+void runGame(void (*game)());
+
 /// False on an unloaded form, which stays in memory for a while but takes no events.
 bool takesEvents(Control& control);
 
@@ -56,7 +59,7 @@ void raiseEvent(Control& control, const std::function<void(Arguments...)>& event
   runHandler([handler = event, values...] { handler(values...); });
 }
 
-/// Clicks the form's visible default button (Enter) or cancel button (Esc). False if it has none.
+/// Clicks the form's last visible default button (Enter) or cancel button (Esc). False if it has none.
 bool answerKey(Control& form, bool enter);
 
 }  // namespace kelvora

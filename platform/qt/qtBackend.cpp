@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <clocale>
-#include <exception>
 #include <optional>
 #include <string>
 
@@ -53,11 +52,7 @@ int runDesktop(int argc, char** argv, void (*game)()) {
   setProgramIconLater(desktop.applicationPath());
   installBackend(&desktop);
   ignoreFatalSignals();
-  try {
-    game();
-  } catch (const std::exception& fault) {
-    reportFault(fault.what());
-  }
+  runGame(game);
   return 0;
 }
 

@@ -9,6 +9,7 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "platform/desktop/controlWalk.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/gameLooks.h"
@@ -52,14 +53,6 @@ Qt::WindowFlags formWindowFlags(const Form& form) {
   if (form.design.border == Form::Border::Sizable) return Qt::Window;
   return Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
          Qt::WindowCloseButtonHint;
-}
-
-template <class Visit>
-void visitControls(Control& container, const Visit& visit) {
-  for (Control* child : container.children()) {
-    visit(*child);
-    visitControls(*child, visit);
-  }
 }
 
 }  // namespace
@@ -202,15 +195,11 @@ void FormPeer::placeWindow() {
 
 /// The tab order follows TabIndex. The lowest one has the focus when the form opens.
 void FormPeer::orderTabs() {
-  std::vector<Control*> order;
-  visitControls(form_, [&order](Control& control) {
-    const auto* peer = dynamic_cast<WidgetPeer*>(control.peer.get());
-    if (control.TabIndex >= 0 && peer && peer->widget()->focusPolicy() != Qt::NoFocus) order.push_back(&control);
-  });
-  std::stable_sort(order.begin(), order.end(), [](Control* a, Control* b) { return a->TabIndex < b->TabIndex; });
   QWidget* previous = nullptr;
-  for (const Control* control : order) {
-    QWidget* widget = dynamic_cast<WidgetPeer&>(*control->peer).widget();
+  for (const Control* control : controlsInTabOrder(form_)) {
+    const auto* peer = dynamic_cast<WidgetPeer*>(control->peer.get());
+    if (!peer || peer->widget()->focusPolicy() == Qt::NoFocus) continue;
+    QWidget* widget = peer->widget();
     if (previous) QWidget::setTabOrder(previous, widget);
     if (!previous) widget->setFocus(Qt::OtherFocusReason);
     previous = widget;

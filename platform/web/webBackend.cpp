@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <exception>
 #include <limits>
 
 #include "base/codePage.h"
@@ -166,11 +165,7 @@ std::string WebBackend::webHost() { return placePart("host"); }
 void runInPage(void (*game)()) {
   static WebBackend page;
   installBackend(&page);
-  try {
-    game();
-  } catch (const std::exception& fault) {
-    reportFault(fault.what());
-  }
+  runGame(game);
   backend().endProcess();
 }
 

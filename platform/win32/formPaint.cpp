@@ -1,22 +1,10 @@
 #include <algorithm>
 
-#include "platform/desktop/handlerCall.h"
+#include "platform/desktop/controlWalk.h"
 #include "platform/widgets.h"
 #include "platform/win32/formPeer.h"
 
 namespace kelvora {
-
-namespace {
-
-template <class Visit>
-void visitControls(const Control& container, const Visit& visit) {
-  for (Control* child : container.children()) {
-    visit(*child);
-    visitControls(*child, visit);
-  }
-}
-
-}  // namespace
 
 void FormPeer::repaint(const Box& box) const {
   const RECT place = deviceRect(box, scale_);
@@ -92,13 +80,10 @@ void FormPeer::followControls(const Control& control) const {
 
 std::vector<ControlPeer*> FormPeer::tabOrder() const {
   std::vector<ControlPeer*> order;
-  visitControls(form_, [&order](const Control& control) {
-    ControlPeer* peer = peerOf(control);
-    if (peer != nullptr && control.TabIndex >= 0 && peer->window() != nullptr && peer->isShown()) order.push_back(peer);
-  });
-  std::stable_sort(order.begin(), order.end(), [](const ControlPeer* a, const ControlPeer* b) {
-    return a->control().TabIndex < b->control().TabIndex;
-  });
+  for (const Control* control : controlsInTabOrder(form_)) {
+    ControlPeer* peer = peerOf(*control);
+    if (peer != nullptr && peer->window() != nullptr && peer->isShown()) order.push_back(peer);
+  }
   return order;
 }
 

@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <exception>
 #include <string>
 
 #include "platform/desktop/dataFolder.h"
@@ -61,11 +60,7 @@ int runDesktop(int, char**, void (*game)()) {
   setFaultBox(showFaultBox);
   Win32Backend desktop(commandLine);
   installBackend(&desktop);
-  try {
-    game();
-  } catch (const std::exception& fault) {
-    reportFault(fault.what());
-  }
+  runGame(game);
   return 0;
 }
 
