@@ -4,12 +4,19 @@
 
 #include "base/vector.h"
 
-namespace kelvora::modMain {
+namespace kelvora {
+
+struct Bearing;
+
+namespace modMain {
 
 /// The mouse position in canvas units. It keeps its last value when the mouse leaves the canvas.
 void setMousePos(float x, float y);
 Vector getMousePos();
-/// The steering computed when the pointer was last painted; see World.
+/// Steers the local player toward the mouse, from the next frame's movement on. Returns the mouse's bearing from the
+/// canvas's centre.
+Bearing steerToMouse();
+/// The steering since the last call of `steerToMouse`; see World.
 std::int16_t getSteerAngle();
 std::int16_t getSteerQuadrant();
 
@@ -18,4 +25,6 @@ void requestPowerup(std::int16_t number);
 /// Toggles the local player's brakes.
 void toggleLocalBreaks();
 
-}  // namespace kelvora::modMain
+}  // namespace modMain
+
+}  // namespace kelvora

@@ -2,8 +2,7 @@
 
 #include <cmath>
 
-#include "base/numbers.h"
-#include "core/modMain.h"
+#include "core/input.h"
 #include "core/view.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
@@ -21,24 +20,22 @@ int pointerFrame(const Bearing& bearing) {
   return frames[bearing.quadrant - 1][band];
 }
 
-// Painting the pointer steers: `move` uses this bearing in the next frame.
 void paintPointer() {
   FrmMain& form = *frmMain;
-  const Vector centre = getCanvasCentre();
-  const Bearing bearing = getBearing(centre, world.mousePos);
-  world.steerQuadrant = bearing.quadrant;
+  const Bearing bearing = steerToMouse();
+  const Vector mouse = getMousePos();
   if (form.mnuDirLineAlways.Checked || (form.mnuDirLineClick.Checked && form.isLockMouse())) {
     form.canvas.ForeColor = RGB(255, 255, 255);
-    form.canvas.Line(centre.x, centre.y, world.mousePos.x, world.mousePos.y);
+    const Vector centre = getCanvasCentre();
+    form.canvas.Line(centre.x, centre.y, mouse.x, mouse.y);
   }
-  world.steerAngle = toInt16(bearing.angle);
 
   const SheetImage& sheet = frmGfx->imgArrows;
   const float width = std::floor(sheet.Width / 12);
   const float height = std::floor(sheet.Height / 2);
   const float left = static_cast<float>(pointerFrame(bearing)) * width;
   paintSprite(form.canvas, {sheet, left, height}, {sheet, left, 0},
-              {world.mousePos.x - std::floor(width / 2), world.mousePos.y - std::floor(height / 2), width, height});
+              {mouse.x - std::floor(width / 2), mouse.y - std::floor(height / 2), width, height});
 }
 
 }  // namespace kelvora::modMain
