@@ -19,7 +19,7 @@ using Pieces = std::vector<std::string>;
 constexpr char start = '\x80';
 constexpr char end = '\x81';
 constexpr char separator = '\x82';
-constexpr int spawnDenied = 0x99;
+constexpr int spawnDeniedId = 0x99;
 constexpr int serverText = 0xA2;
 
 /// The input of both sides, and their results.
@@ -86,7 +86,7 @@ class LiteralQueue {
 
   void handle(int id, const Pieces& fields) {
     if (id == serverText && !fields.empty()) shown.push_back("line " + fields[0]);
-    if (id != spawnDenied) return;
+    if (id != spawnDeniedId) return;
     shown.emplace_back("box");
     if (reads_.nextInner == reads_.whileBoxStands.size()) return;
     const std::string inner = reads_.whileBoxStands[reads_.nextInner++];
@@ -145,9 +145,9 @@ class Streams {
       case 3:
         return {separator};
       case 4:
-        return {static_cast<char>(spawnDenied)};
+        return {static_cast<char>(spawnDeniedId)};
       case 5:
-        return {start, static_cast<char>(spawnDenied), end};
+        return {start, static_cast<char>(spawnDeniedId), end};
       case 6:
         return {start, static_cast<char>(serverText)};
       case 7:

@@ -9,16 +9,16 @@
 namespace kelvora {
 namespace {
 
-using Texts = std::vector<std::string_view>;
+using Views = std::vector<std::string_view>;
 
 TEST(WireFormat, SplitsAtEverySeparator) {
   EXPECT_EQ(wire::splitFields("a\x82"
                               "b\x82"
                               "c"),
-            (Texts{"a", "b", "c"}));
-  EXPECT_EQ(wire::splitFields("\x82\x82"), (Texts{"", "", ""}));
-  EXPECT_EQ(wire::splitFields("whole"), (Texts{"whole"}));
-  EXPECT_EQ(wire::splitFields(""), (Texts{""}));
+            (Views{"a", "b", "c"}));
+  EXPECT_EQ(wire::splitFields("\x82\x82"), (Views{"", "", ""}));
+  EXPECT_EQ(wire::splitFields("whole"), (Views{"whole"}));
+  EXPECT_EQ(wire::splitFields(""), (Views{""}));
 }
 
 TEST(WireFormat, SplitsIntoTheRequestedNumberOfFields) {

@@ -8,8 +8,6 @@
 namespace kelvora {
 namespace {
 
-float twips(int pixels) { return static_cast<float>(pixels * twipsPerPixel); }
-
 // 'o' for the outline, 'x' for the inside.
 std::string drawnCircle(int size, int radius) {
   Surface surface;

@@ -14,8 +14,6 @@ namespace {
 
 constexpr Colour white = RGB(255, 255, 255);
 
-float twips(int pixels) { return static_cast<float>(pixels * twipsPerPixel); }
-
 Surface blank(int width, int height) {
   Surface surface;
   surface.ForeColor = white;

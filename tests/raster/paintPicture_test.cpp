@@ -8,11 +8,7 @@
 namespace kelvora {
 namespace {
 
-float twips(int pixels) { return static_cast<float>(pixels * twipsPerPixel); }
-
 Picture picture(int width, int height, std::vector<Pixel> pixels) { return {width, height, std::move(pixels)}; }
-
-std::vector<Pixel> pixelsOf(const Surface& surface) { return {surface.pixels().begin(), surface.pixels().end()}; }
 
 TEST(RasterOperations, HaveTheirPublishedValues) {
   EXPECT_EQ(static_cast<unsigned>(SRCAND), 0x8800C6U);

@@ -7,6 +7,12 @@
 
 namespace kelvora {
 
+inline float twips(int pixels) { return static_cast<float>(pixels * twipsPerPixel); }
+
+inline std::vector<Pixel> pixelsOf(const Surface& surface) {
+  return {surface.pixels().begin(), surface.pixels().end()};
+}
+
 /// The slow twin of Surface: tests every pixel of the image against the definition of the drawing operation.
 /// Coordinates are whole pixels.
 class ReferenceSurface {

@@ -9,10 +9,10 @@
 #include <random>
 #include <vector>
 
+#include "tests/raster/referenceSurface.h"
+
 namespace kelvora {
 namespace {
-
-std::vector<Pixel> pixelsOf(const Surface& surface) { return {surface.pixels().begin(), surface.pixels().end()}; }
 
 TEST(ToPixels, TakesTheNearestPixelHalvesUpward) {
   EXPECT_EQ(toPixels(0), 0);

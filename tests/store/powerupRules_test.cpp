@@ -255,12 +255,12 @@ TEST_F(PowerupRules, TheLaserEndsAtTheNextTick) {
 }
 
 TEST_F(PowerupRules, AllThatEndInOneTickAreReported) {
-  for (const std::size_t slot : {shieldSlot, turboSlot, laserSlot}) player().powerups[slot] = {0, 1, true};
+  for (const PowerupSlot slot : {shieldSlot, turboSlot, laserSlot}) player().powerups[indexOf(slot)] = {0, 1, true};
   player().powerups[extendedTailSlot] = {0, 2, true};
   forgetTexts();
   nextSecond(player());
-  for (const std::size_t slot : {shieldSlot, turboSlot, laserSlot})
-    EXPECT_FALSE(player().powerups[slot].active) << slot;
+  for (const PowerupSlot slot : {shieldSlot, turboSlot, laserSlot})
+    EXPECT_FALSE(player().powerups[indexOf(slot)].active) << slot;
   EXPECT_TRUE(player().powerups[extendedTailSlot].active);
   EXPECT_EQ(player().powerups[extendedTailSlot].timeLeft, 1);
   for (std::size_t line = 0; line < 3; ++line) EXPECT_EQ(modMain::world.chatLines[line].text, "Powerup faded...");
@@ -268,9 +268,9 @@ TEST_F(PowerupRules, AllThatEndInOneTickAreReported) {
 
   join(8, 1, "Bob");
   clsPlayer& bob = modMain::world.opponents[0];
-  for (const std::size_t slot : {shieldSlot, turboSlot}) bob.powerups[slot] = {0, 1, true};
+  for (const PowerupSlot slot : {shieldSlot, turboSlot}) bob.powerups[indexOf(slot)] = {0, 1, true};
   nextSecond(bob);
-  for (const std::size_t slot : {shieldSlot, turboSlot}) EXPECT_FALSE(bob.powerups[slot].active) << slot;
+  for (const PowerupSlot slot : {shieldSlot, turboSlot}) EXPECT_FALSE(bob.powerups[indexOf(slot)].active) << slot;
 }
 
 TEST_F(PowerupRules, NoSoundStopsWhenAPowerupRunsOut) {

@@ -5,8 +5,6 @@
 namespace kelvora::server {
 namespace {
 
-constexpr Millis now = 10'000;
-
 /// Ann's tail crosses itself around 10000 to 30000, and Bob is inside.
 struct EnclosureTest : testing::Test {
   std::map<ClientId, Player> players{
@@ -20,7 +18,7 @@ struct EnclosureTest : testing::Test {
     fly(ann,
         {spotAt(5'000, 10'000), spotAt(30'000, 10'000), spotAt(30'000, 30'000), spotAt(10'000, 30'000),
          spotAt(10'000, 5'000)},
-        now);
+        testTime);
   }
 };
 
@@ -45,21 +43,21 @@ TEST_F(EnclosureTest, SeveralAreCapturedTogether) {
 }
 
 TEST_F(EnclosureTest, WinnersPendingCaptureKeepsItsVertex) {
-  pending.add(ann.node, 9, spotAt(1, 2), now, 0);
+  pending.add(ann.node, 9, spotAt(1, 2), testTime, 0);
   EXPECT_EQ(enclosedBy(ann, players, pending).vertex->x, "1");
 }
 
 TEST_F(EnclosureTest, VertexNamedByAnotherIsSkipped) {
-  pending.add(cat.node, 9, spotAt(30'000, 10'000), now, 0);
+  pending.add(cat.node, 9, spotAt(30'000, 10'000), testTime, 0);
   const Enclosure enclosure = enclosedBy(ann, players, pending);
   EXPECT_EQ(enclosure.vertex->x, "30000");
   EXPECT_EQ(enclosure.vertex->y, "30000");
 }
 
 TEST_F(EnclosureTest, WithEveryVertexNamedTheCaptureHasNone) {
-  pending.add(cat.node, 9, spotAt(30'000, 10'000), now, 0);
-  pending.add(cat.node, 9, spotAt(30'000, 30'000), now, 0);
-  pending.add(cat.node, 9, spotAt(10'000, 30'000), now, 0);
+  pending.add(cat.node, 9, spotAt(30'000, 10'000), testTime, 0);
+  pending.add(cat.node, 9, spotAt(30'000, 30'000), testTime, 0);
+  pending.add(cat.node, 9, spotAt(10'000, 30'000), testTime, 0);
   const Enclosure enclosure = enclosedBy(ann, players, pending);
   EXPECT_EQ(enclosure.losers, std::vector<Player*>{&bob});
   EXPECT_FALSE(enclosure.vertex.has_value()) << "the newest vertex is not part of the loop";

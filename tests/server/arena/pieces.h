@@ -9,6 +9,9 @@
 
 namespace kelvora::server {
 
+/// When the pieces are tested, in the arena's clock.
+inline constexpr Millis testTime = 10'000;
+
 inline Spot spotAt(int x, int y) {
   return spotOf(std::to_string(x), std::to_string(y), {static_cast<float>(x), static_cast<float>(y)});
 }

@@ -36,42 +36,44 @@ struct Fraction {
   int sign() const { return (upper > 0) - (upper < 0); }
 };
 
-struct Point {
+struct ExactPoint {
   Fraction x;
   Fraction y;
-  friend bool operator==(const Point&, const Point&) = default;
+  friend bool operator==(const ExactPoint&, const ExactPoint&) = default;
 };
 
-Point exact(GridPoint point) { return {point.x, point.y}; }
+ExactPoint exact(GridPoint point) { return {point.x, point.y}; }
 
-int side(Point a, Point b, Point c) { return ((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x)).sign(); }
+int side(ExactPoint a, ExactPoint b, ExactPoint c) {
+  return ((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x)).sign();
+}
 
-bool isOn(Point a, Point b, Point c) {
+bool isOn(ExactPoint a, ExactPoint b, ExactPoint c) {
   if (side(a, b, c) != 0) return false;
   return ((c.x - a.x) * (c.x - b.x)).sign() <= 0 && ((c.y - a.y) * (c.y - b.y)).sign() <= 0;
 }
 
-Fraction square(Point a, Point b) { return (a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y); }
+Fraction squaredDistance(ExactPoint a, ExactPoint b) { return (a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y); }
 
 /// The point shared by a-b and c-d that is nearest to c.
-std::optional<Point> meeting(Point a, Point b, Point c, Point d) {
+std::optional<ExactPoint> meeting(ExactPoint a, ExactPoint b, ExactPoint c, ExactPoint d) {
   const Fraction across = (b.x - a.x) * (d.y - c.y) - (b.y - a.y) * (d.x - c.x);
   if (across.sign() == 0) {
-    std::optional<Point> nearest;
-    for (const Point end : {a, b, c, d}) {
+    std::optional<ExactPoint> nearest;
+    for (const ExactPoint end : {a, b, c, d}) {
       if (!isOn(a, b, end) || !isOn(c, d, end)) continue;
-      if (!nearest || (square(end, c) - square(*nearest, c)).sign() < 0) nearest = end;
+      if (!nearest || (squaredDistance(end, c) - squaredDistance(*nearest, c)).sign() < 0) nearest = end;
     }
     return nearest;
   }
   const Fraction part = ((c.x - a.x) * (d.y - c.y) - (c.y - a.y) * (d.x - c.x)) / across;
-  const Point point{a.x + part * (b.x - a.x), a.y + part * (b.y - a.y)};
+  const ExactPoint point{a.x + part * (b.x - a.x), a.y + part * (b.y - a.y)};
   if (!isOn(a, b, point) || !isOn(c, d, point)) return std::nullopt;
   return point;
 }
 
 /// The quadrant around the point, 0 to 3. Each includes its first half axis.
-int quarter(Point place, Point point) {
+int quarter(ExactPoint place, ExactPoint point) {
   const int x = (point.x - place.x).sign();
   const int y = (point.y - place.y).sign();
   if (x > 0 && y >= 0) return 0;
@@ -80,11 +82,11 @@ int quarter(Point place, Point point) {
   return 3;
 }
 
-bool isInside(const std::vector<Point>& polygon, Point place) {
+bool isInside(const std::vector<ExactPoint>& polygon, ExactPoint place) {
   int quarters = 0;
   for (std::size_t i = 0; i < polygon.size(); ++i) {
-    const Point a = polygon[i];
-    const Point b = polygon[(i + 1) % polygon.size()];
+    const ExactPoint a = polygon[i];
+    const ExactPoint b = polygon[(i + 1) % polygon.size()];
     if (isOn(a, b, place)) return false;
     const int step = (quarter(place, b) - quarter(place, a) + 4) % 4;
     if (step == 1) quarters += 1;
@@ -104,7 +106,7 @@ std::vector<std::optional<std::size_t>> slowEnclosingLoops(std::span<const GridP
     if (tail[last] == tail[last - 1]) continue;
     const auto point = meeting(exact(tail[last - 1]), exact(tail[last]), exact(tail[i]), exact(tail[i + 1]));
     if (!point) continue;
-    std::vector<Point> polygon{*point};
+    std::vector<ExactPoint> polygon{*point};
     for (std::size_t k = i + 1; k < last; ++k) polygon.push_back(exact(tail[k]));
     for (std::size_t k = 0; k < places.size(); ++k) {
       if (!loops[k] && isInside(polygon, exact(places[k]))) loops[k] = i + 1;

@@ -5,8 +5,6 @@
 namespace kelvora::server {
 namespace {
 
-constexpr Millis now = 10'000;
-
 /// Two players. A ball's radius is 367.5 world units.
 struct WeaponsTest : testing::Test {
   std::map<ClientId, Player> players{{1, playerAt(1, 10'000, 10'000)}, {2, playerAt(2, 50'000, 10'000)}};
@@ -15,7 +13,7 @@ struct WeaponsTest : testing::Test {
 
   /// True if Ann's weapons hit Bob. Expects no other hits.
   bool annHitsBob() {
-    const auto hits = hitsNow(players, now);
+    const auto hits = hitsNow(players, testTime);
     if (hits.empty()) return false;
     EXPECT_EQ(hits.size(), 1U);
     EXPECT_EQ(hits[0].winner, &ann);
@@ -27,7 +25,7 @@ struct WeaponsTest : testing::Test {
 TEST_F(WeaponsTest, ALaserReachesFromItsOwnerToTheEdgeOfTheWorld) {
   ann.heading = {1, 0};
   EXPECT_FALSE(annHitsBob()) << "it is off";
-  run(ann, laserSlot, now - 999);
+  run(ann, laserSlot, testTime - 999);
   EXPECT_TRUE(annHitsBob());
   bob.spot = spotAt(99'999, 10'367);
   EXPECT_TRUE(annHitsBob());
@@ -40,14 +38,14 @@ TEST_F(WeaponsTest, ALaserReachesFromItsOwnerToTheEdgeOfTheWorld) {
 }
 
 TEST_F(WeaponsTest, ALaserNeedsADirection) {
-  run(ann, laserSlot, now);
+  run(ann, laserSlot, testTime);
   bob.spot = ann.spot;
   EXPECT_FALSE(annHitsBob());
 }
 
 TEST_F(WeaponsTest, OnlyChargedSegmentsKill) {
-  fly(ann, {spotAt(10'000, 10'000), spotAt(20'000, 10'000)}, now, false);
-  fly(ann, {spotAt(30'000, 10'000)}, now, true);
+  fly(ann, {spotAt(10'000, 10'000), spotAt(20'000, 10'000)}, testTime, false);
+  fly(ann, {spotAt(30'000, 10'000)}, testTime, true);
   bob.spot = spotAt(15'000, 10'000);
   EXPECT_FALSE(annHitsBob());
   bob.spot = spotAt(25'000, 10'367);
@@ -58,11 +56,11 @@ TEST_F(WeaponsTest, OnlyChargedSegmentsKill) {
 
 TEST_F(WeaponsTest, ShieldsAndDeathProtect) {
   ann.heading = {1, 0};
-  run(ann, laserSlot, now);
-  run(bob, shieldSlot, now);
-  EXPECT_FALSE(isVulnerable(bob, now));
+  run(ann, laserSlot, testTime);
+  run(bob, shieldSlot, testTime);
+  EXPECT_FALSE(isVulnerable(bob, testTime));
   EXPECT_FALSE(annHitsBob());
-  EXPECT_TRUE(isVulnerable(bob, now + 15'000)) << "a shield lasts for 15 seconds";
+  EXPECT_TRUE(isVulnerable(bob, testTime + 15'000)) << "a shield lasts for 15 seconds";
   bob = playerAt(2, 50'000, 10'000);
   bob.isAlive = false;
   EXPECT_FALSE(annHitsBob());
@@ -74,29 +72,29 @@ TEST_F(WeaponsTest, ShieldsAndDeathProtect) {
 TEST_F(WeaponsTest, TwoCanHitEachOtherAtOnce) {
   ann.heading = {1, 0};
   bob.heading = {-1, 0};
-  run(ann, laserSlot, now);
-  run(bob, laserSlot, now);
-  const auto hits = hitsNow(players, now);
+  run(ann, laserSlot, testTime);
+  run(bob, laserSlot, testTime);
+  const auto hits = hitsNow(players, testTime);
   ASSERT_EQ(hits.size(), 2U);
   EXPECT_EQ(hits[0].winner, &ann);
   EXPECT_EQ(hits[1].winner, &bob);
 }
 
 TEST_F(WeaponsTest, AMoverIsHitAnywhereOnTheWay) {
-  fly(ann, {spotAt(10'000, 10'000), spotAt(10'000, 20'000)}, now, true);
+  fly(ann, {spotAt(10'000, 10'000), spotAt(10'000, 20'000)}, testTime, true);
   bob.spot = spotAt(12'000, 15'000);
-  EXPECT_TRUE(hitsOnTheWay(players, bob, {11'000, 15'000}, now).empty());
-  const auto hits = hitsOnTheWay(players, bob, {8'000, 15'000}, now);
+  EXPECT_TRUE(hitsOnTheWay(players, bob, {11'000, 15'000}, testTime).empty());
+  const auto hits = hitsOnTheWay(players, bob, {8'000, 15'000}, testTime);
   ASSERT_EQ(hits.size(), 1U);
   EXPECT_EQ(hits[0].winner, &ann);
   EXPECT_EQ(hits[0].loser, &bob);
   bob.isAlive = false;
-  EXPECT_TRUE(hitsOnTheWay(players, bob, {8'000, 15'000}, now).empty());
+  EXPECT_TRUE(hitsOnTheWay(players, bob, {8'000, 15'000}, testTime).empty());
 }
 
 TEST_F(WeaponsTest, AMoverHitsOthersWhereTheyAre) {
-  fly(ann, {spotAt(49'000, 9'000), spotAt(51'000, 11'000)}, now, true);
-  const auto hits = hitsOnTheWay(players, ann, {49'000, 9'000}, now);
+  fly(ann, {spotAt(49'000, 9'000), spotAt(51'000, 11'000)}, testTime, true);
+  const auto hits = hitsOnTheWay(players, ann, {49'000, 9'000}, testTime);
   ASSERT_EQ(hits.size(), 1U);
   EXPECT_EQ(hits[0].winner, &ann);
   EXPECT_EQ(hits[0].loser, &bob);

@@ -70,7 +70,7 @@ class Budget : public testing::Test {
   }
 };
 
-std::string page(std::uint16_t port, std::uint32_t host) {
+std::string askForPage(std::uint16_t port, std::uint32_t host) {
   TcpClient client(port, host);
   client.write("GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
   return client.readToEnd();
@@ -80,7 +80,7 @@ TEST_F(Budget, NinetySixConnectionsAreInAndTheNextTakesTheOldestOnesPlace) {
   tryInTime([](const RunningServer& server) {
     Mixture crowd(server.port());
     while (crowd.size() < 96) crowd.add(static_cast<std::uint32_t>(10 + crowd.size() / 16));
-    const std::string answer = page(server.port(), 200);
+    const std::string answer = askForPage(server.port(), 200);
     const auto gone = crowd.gone();
     return [=] {
       EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
@@ -93,7 +93,7 @@ TEST_F(Budget, NinetyFiveLeaveRoomForOne) {
   tryInTime([](const RunningServer& server) {
     Mixture crowd(server.port());
     while (crowd.size() < 95) crowd.add(static_cast<std::uint32_t>(10 + crowd.size() / 16));
-    const std::string answer = page(server.port(), 200);
+    const std::string answer = askForPage(server.port(), 200);
     const auto gone = crowd.gone();
     return [=] {
       EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
@@ -106,8 +106,8 @@ TEST_F(Budget, OfOneAddressSixteenAreInWhateverTheySpeak) {
   tryInTime([](const RunningServer& server) {
     Mixture crowd(server.port());
     while (crowd.size() < 16) crowd.add(10);
-    const std::string refused = page(server.port(), 10);
-    const std::string other = page(server.port(), 11);
+    const std::string refused = askForPage(server.port(), 10);
+    const std::string other = askForPage(server.port(), 11);
     const auto gone = crowd.gone();
     return [=] {
       EXPECT_EQ(refused, "");

@@ -98,14 +98,14 @@ class Crowd {
   std::size_t before_ = 0;
 };
 
-const std::string request = "GET / HTTP/1.1\r\nHost: h\r\n";
+const std::string requestHead = "GET / HTTP/1.1\r\nHost: h\r\n";
 
 std::string inWebSocket(const std::string& bytes) { return WebSocketClient::frame(WebSocketClient::binary, bytes); }
 
 TEST(ConnectionMemory, IsWithinTheTableInEveryState) {
   const std::string handshake = WebSocketClient::handshake();
   const std::string frame = "\x80\x90" + std::string(4'094, 'x');
-  const std::string head = request + "A: " + std::string(4'096 - request.size() - 3, 'a');
+  const std::string head = requestHead + "A: " + std::string(4'096 - requestHead.size() - 3, 'a');
   const struct {
     const char* name;
     std::vector<std::string> pieces;
@@ -116,7 +116,7 @@ TEST(ConnectionMemory, IsWithinTheTableInEveryState) {
       {"a request begun", {"G"}},
       {"a request almost too long", {head}},
       {"a request too long", {head, "a"}},
-      {"an answered request", {request + "\r\n"}},
+      {"an answered request", {requestHead + "\r\n"}},
       {"a WebSocket", {handshake}},
       {"a frame begun in a WebSocket", {handshake, inWebSocket("\x80\x90")}},
       {"a frame almost whole in a WebSocket", {handshake, inWebSocket(frame)}},

@@ -10,29 +10,14 @@
 #include "server/lists/announcement.h"
 #include "server/lists/publisher.h"
 #include "tests/server/net/runningServer.h"
-#include "tests/server/net/tcpClient.h"
+#include "tests/server/net/webAnswer.h"
 
 namespace kelvora::server {
 namespace {
 
-struct Response {
-  int status = 0;
-  std::string body;
-};
-
-/// The answer to a request from the address 127.0.0.`host`.
-Response ask(std::uint16_t port, const std::string& request, std::uint32_t host = 1) {
-  TcpClient client(port, host);
-  client.write(request + "\r\n");
-  const std::string all = client.readToEnd();
-  const std::size_t end = all.find("\r\n\r\n");
-  if (end == std::string::npos) return {};
-  return {std::stoi(all.substr(9, 3)), all.substr(end + 4)};
-}
-
 std::string request(const std::string& method, const std::string& query, const std::string& headers = {}) {
   return method + " " + std::string(publishPath) + "?" + query + " HTTP/1.1\r\nHost: h\r\nContent-Length: 0\r\n" +
-         headers;
+         headers + "\r\n";
 }
 
 const std::string query =
@@ -60,7 +45,7 @@ class Publishing : public testing::Test {
   static std::string urlOf(const RunningServer& list) { return "http://127.0.0.1:" + std::to_string(list.webPort()); }
   static std::string listOf(const RunningServer& server) {
     return ask(server.webPort(),
-               "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION "&password=1&full=1&empty=1 HTTP/1.0\r\n")
+               "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION "&password=1&full=1&empty=1 HTTP/1.0\r\n\r\n")
         .body;
   }
   static std::string own(const RunningServer& list) {
@@ -120,10 +105,10 @@ TEST_F(Publishing, ListWithAKeyRequiresIt) {
   EXPECT_TRUE(logs(wrong, "cannot publish at " + urlOf(list) + ": status 403"));
   EXPECT_TRUE(logs(right, "published at "));
   EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(right.port()) + "|0|of all|0|6]-END-\n");
-  EXPECT_EQ(ask(list.webPort(), request("POST", query, "Authorization: Bearer open sesame\r\n")).status, 200);
+  EXPECT_EQ(ask(list.webPort(), request("POST", query, "Authorization: Bearer open sesame\r\n")).code(), 200);
   for (const char* header : {"", "Authorization: open sesame\r\n", "Authorization: Bearer \r\n",
                              "Authorization: Bearer open sesame2\r\n", "Authorization: Basic b3Blbg==\r\n"}) {
-    EXPECT_EQ(ask(list.webPort(), request("DELETE", query, header)).status, 403) << header;
+    EXPECT_EQ(ask(list.webPort(), request("DELETE", query, header)).code(), 403) << header;
   }
 }
 
@@ -154,11 +139,11 @@ TEST_F(Publishing, SilentListDelaysNobody) {
 
 TEST_F(Publishing, OnlyItsPublisherChangesAnEntry) {
   const RunningServer list(this->list());
-  EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).status, 200);
-  EXPECT_EQ(ask(list.webPort(), request("POST", query), 11).status, 409);
-  EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 11).status, 409);
+  EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).code(), 200);
+  EXPECT_EQ(ask(list.webPort(), request("POST", query), 11).code(), 409);
+  EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 11).code(), 409);
   EXPECT_EQ(listOf(list), own(list) + "[play.example|2010|0|n|3|6]-END-\n");
-  EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 10).status, 200);
+  EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 10).code(), 200);
   EXPECT_EQ(listOf(list), own(list) + "-END-\n");
 }
 
@@ -169,10 +154,10 @@ TEST_F(Publishing, HostileAnnouncementsAreRefused) {
   for (const std::string& evil :
        {std::string(), std::string("version=" KELVORA_VERSION), head + "a%7Cb", head + "%5Bx%5D", head + "-END-",
         head + "%0A", head + "%00", head + std::string(201, 'n'), std::string(3'000, 'x')}) {
-    EXPECT_EQ(ask(list.webPort(), request("POST", evil)).status, 400) << evil;
+    EXPECT_EQ(ask(list.webPort(), request("POST", evil)).code(), 400) << evil;
   }
   for (const char* method : {"GET", "HEAD", "PUT", "BREW"}) {
-    EXPECT_EQ(ask(list.webPort(), request(method, query)).status, 405) << method;
+    EXPECT_EQ(ask(list.webPort(), request(method, query)).code(), 405) << method;
   }
   EXPECT_EQ(listOf(list), own(list) + "-END-\n");
 }

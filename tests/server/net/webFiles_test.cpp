@@ -18,6 +18,7 @@
 #include "server/net/gameServer.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
+#include "tests/server/net/webAnswer.h"
 #include "tests/support/allocatedBytes.h"
 
 namespace kelvora::server {
@@ -40,22 +41,6 @@ std::string listRequest(const std::string& query) {
          "Keep-Alive: 300\r\n"
          "Connection: keep-alive\r\n"
          "\r\n";
-}
-
-struct Response {
-  std::string status;
-  std::string head;
-  std::string body;
-};
-
-/// The answer to a request, up to the end of the connection.
-Response ask(std::uint16_t port, const std::string& request, std::uint32_t host = 1) {
-  TcpClient client(port, host);
-  client.tryWrite(request);
-  const std::string all = client.readToEnd();
-  const std::size_t end = all.find("\r\n\r\n");
-  if (end == std::string::npos) return {};
-  return {all.substr(0, all.find("\r\n")), all.substr(0, end), all.substr(end + 4)};
 }
 
 /// Logs in, and waits until the server has completed the login.
@@ -85,14 +70,14 @@ class WebFilesTest : public testing::Test {
 
 TEST_F(WebFilesTest, AnswersTheUpdateCheckAndClosesOnBothPorts) {
   for (const std::uint16_t each : {port, server.webPort()}) {
-    const Response response = ask(each, updateRequest);
+    const WebAnswer response = ask(each, updateRequest);
     EXPECT_EQ(response.status, "HTTP/1.1 200 OK");
     EXPECT_EQ(response.body, "tvqver:" KELVORA_VERSION "\n");
   }
 }
 
 TEST_F(WebFilesTest, AnswersTheGameFinderAndClosesDespiteKeepAlive) {
-  const Response response = ask(port, listRequest("version=" KELVORA_VERSION "&password=0&full=0&empty=1"));
+  const WebAnswer response = ask(port, listRequest("version=" KELVORA_VERSION "&password=0&full=0&empty=1"));
   EXPECT_EQ(response.status, "HTTP/1.1 200 OK");
   EXPECT_EQ(response.body, listOfThis());
   EXPECT_EQ(response.head.find('['), std::string::npos) << "the game looks for records in the headers, too";
@@ -108,7 +93,7 @@ TEST_F(WebFilesTest, SecondPortAcceptsPlayersToo) {
 TEST_F(WebFilesTest, ThePageListsThePlayersAndHowToJoin) {
   Client ann(port);
   join(ann, "<b>Ann\xE9");
-  const Response page = ask(port, "GET / HTTP/1.0\r\n\r\n", 2);
+  const WebAnswer page = ask(port, "GET / HTTP/1.0\r\n\r\n", 2);
   EXPECT_NE(page.head.find("text/html; charset=utf-8"), std::string::npos);
   EXPECT_NE(page.body.find("&lt;b>Ann\xC3\xA9</li>"), std::string::npos) << page.body;
   EXPECT_NE(page.body.find("friendly &lt;game>"), std::string::npos);
@@ -134,7 +119,7 @@ TEST(WebFilesOfBots, ThePageCountsPeopleAndNamesTheBotsApart) {
 }
 
 TEST_F(WebFilesTest, BrowsersGetATableOfGames) {
-  const Response page = ask(port, "GET /games HTTP/1.0\r\n\r\n");
+  const WebAnswer page = ask(port, "GET /games HTTP/1.0\r\n\r\n");
   EXPECT_NE(page.head.find("text/html; charset=utf-8"), std::string::npos);
   EXPECT_NE(page.body.find("friendly &lt;game>"), std::string::npos) << page.body;
   EXPECT_NE(page.body.find("<a href=\"http://192.0.2.7:" + std::to_string(port) + "/\""), std::string::npos);
@@ -165,11 +150,11 @@ TEST_F(WebFilesTest, NothingElseIsServed) {
   std::uint32_t host = 2;
   for (const char* path : {"/games/kelvora/", "/games/kelvora/ver.txt/", "/games/kelvora/../kelvora/ver.txt",
                            "/GAMES/KELVORA/VER.TXT", "/../../../../etc/passwd", "/index.html"}) {
-    const Response response = ask(port, std::string("GET ") + path + " HTTP/1.0\r\n\r\n", host++);
+    const WebAnswer response = ask(port, std::string("GET ") + path + " HTTP/1.0\r\n\r\n", host++);
     EXPECT_EQ(response.status.substr(8), " 404 Not Found") << path;
   }
   for (const char* method : {"POST", "PUT", "DELETE", "OPTIONS", "BREW"}) {
-    const Response response = ask(port, std::string(method) + " / HTTP/1.0\r\n\r\n", host++);
+    const WebAnswer response = ask(port, std::string(method) + " / HTTP/1.0\r\n\r\n", host++);
     EXPECT_EQ(response.status.substr(8, 4), " 405") << method;
     EXPECT_NE(response.head.find("Allow: GET, HEAD"), std::string::npos) << method;
   }
@@ -179,8 +164,8 @@ TEST_F(WebFilesTest, NothingElseIsServed) {
 
 TEST_F(WebFilesTest, BodiesAreNotWaitedFor) {
   for (const char* method : {"POST", "GET"}) {
-    const Response response = ask(port, std::string(method) + " /games/kelvora/ver.txt HTTP/1.1\r\nHost: h\r\n" +
-                                            "Content-Length: 1000000000\r\n\r\n");
+    const WebAnswer response = ask(port, std::string(method) + " /games/kelvora/ver.txt HTTP/1.1\r\nHost: h\r\n" +
+                                             "Content-Length: 1000000000\r\n\r\n");
     EXPECT_NE(response.status, "") << method;
   }
   ask(port, "POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 2000\r\n\r\n" + std::string(2'000, 'x'));
@@ -286,7 +271,7 @@ TEST(WebSite, FolderIsServedInPiecesAlongsideTheList) {
   options.site = folder;
   const RunningServer server(options);
   EXPECT_EQ(ask(server.port(), "GET / HTTP/1.0\r\n\r\n").body, "<p>the game</p>");
-  const Response music = ask(server.port(), "GET /music.mp3 HTTP/1.0\r\n\r\n");
+  const WebAnswer music = ask(server.port(), "GET /music.mp3 HTTP/1.0\r\n\r\n");
   EXPECT_NE(music.head.find("Content-Length: 1000000"), std::string::npos);
   EXPECT_EQ(music.body.size(), large.size());
   EXPECT_EQ(ask(server.port(), "HEAD /music.mp3 HTTP/1.0\r\n\r\n").body, "");
