@@ -98,19 +98,13 @@ void FrmMain::connectSocket() {
     netMan::disconnectFromServer();
     showConnectionState();
   };
-  sock.onDataArrival = [this] { readSocket(); };
+  sock.onDataArrival = netMan::readSocket;
   sockUpdates.onConnect = [] { updateCheck::connected(); };
   sockUpdates.onDataArrival = [] { updateCheck::dataArrived(); };
   sockUpdates.onClose = [] { updateCheck::closedByHost(); };
 }
 
 Winsock& gameSocket() { return frmMain->sock; }
-
-void FrmMain::readSocket() {
-  std::string receiveBuffer;
-  for (std::string portion = sock.GetData(); !portion.empty(); portion = sock.GetData()) receiveBuffer += portion;
-  netMan::receiveData(receiveBuffer);
-}
 
 // Quirk Q-036: sends, saves and closes nothing. The server finds out by itself.
 void FrmMain::unloading() { endProcess(); }

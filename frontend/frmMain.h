@@ -115,7 +115,6 @@ class FrmMain : public Form {
   void connectHandlers();
   void connectMenu();
   void connectSocket();
-  void readSocket();
   void openConnectDialog();
   void resizeControls();
 

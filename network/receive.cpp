@@ -1,6 +1,9 @@
 #include "network/receive.h"
 
+#include <string>
+
 #include "base/fault.h"
+#include "frontend/gameSocket.h"
 #include "network/dispatch.h"
 #include "network/messageQueue.h"
 #include "protocol/wireFormat.h"
@@ -9,6 +12,13 @@ namespace kelvora::netMan {
 
 // Quirk Q-062: the queue outlives a connection, so the next server can complete an unfinished entry.
 MessageQueue messageQueue;
+
+void readSocket() {
+  Winsock& socket = gameSocket();
+  std::string data;
+  for (std::string portion = socket.GetData(); !portion.empty(); portion = socket.GetData()) data += portion;
+  receiveData(data);
+}
 
 void receiveData(std::string_view data) {
   // Quirk Q-063: a frame's text counts from the start of this read. If two reads share a frame, the part before the
