@@ -9,11 +9,9 @@ target_compile_options(kelvora_options INTERFACE
   # g++ 12 sees overlapping copies in any optimised `"text" + std::string`.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-restrict>
   # Fused multiply-adds would make pictures and positions differ between machines.
-  -ffp-contract=off)
-if(CMAKE_UNITY_BUILD)
+  -ffp-contract=off
   # In a unity build, locals of one source shadow declarations of another.
-  target_compile_options(kelvora_options INTERFACE -Wno-shadow)
-endif()
+  $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>)
 if(KELVORA_SANITIZE)
   target_compile_options(kelvora_options INTERFACE
     -fsanitize=${KELVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
@@ -82,6 +80,10 @@ function(kelvora_run_in_node target)
   target_link_options(${target} PRIVATE -sNODERAWFS=1 -sEXIT_RUNTIME=1 -sALLOW_MEMORY_GROWTH=1 -O1)
 endfunction()
 
+set(KELVORA_TEST_SHARDS "" CACHE STRING
+    "Run each test program in this many parts, which saves thousands of starts; empty to run each test by itself")
+option(KELVORA_UNITY_TESTS "Compile a dozen sources of a test program at a time" OFF)
+
 # kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder.
 function(kelvora_tests name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
@@ -93,11 +95,15 @@ function(kelvora_tests name)
   # The tested code is built according to the preset. The tests' own lines run once each and are built as fast as
   # possible.
   target_compile_options(kelvora_${name}_tests PRIVATE -O0)
+  if(KELVORA_SANITIZE)
+    target_compile_definitions(kelvora_${name}_tests PRIVATE KELVORA_SANITIZED)
+  endif()
   if(KELVORA_SANITIZE MATCHES undefined)
     # Pointer checks take a third of the compile time, and the address sanitizer finds most of the same errors.
     target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,vptr,object-size)
   endif()
-  set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests UNITY_BUILD OFF)
+  set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests
+    UNITY_BUILD ${KELVORA_UNITY_TESTS} UNITY_BUILD_BATCH_SIZE 12)
   if(EMSCRIPTEN)
     kelvora_run_in_node(kelvora_${name}_tests)
   endif()
@@ -105,9 +111,16 @@ function(kelvora_tests name)
     # The emulator takes longer to start than most tests to run.
     add_test(NAME ${name} COMMAND kelvora_${name}_tests)
     set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS ${name})
-    return()
+  elseif(KELVORA_TEST_SHARDS)
+    foreach(shard RANGE 1 ${KELVORA_TEST_SHARDS})
+      math(EXPR index "${shard} - 1")
+      add_test(NAME ${name}.${shard} COMMAND kelvora_${name}_tests)
+      set_tests_properties(${name}.${shard} PROPERTIES TIMEOUT 900 LABELS ${name}
+        ENVIRONMENT "GTEST_TOTAL_SHARDS=${KELVORA_TEST_SHARDS};GTEST_SHARD_INDEX=${index}")
+    endforeach()
+  else()
+    gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 900 LABELS ${name})
   endif()
-  gtest_discover_tests(kelvora_${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 900 LABELS ${name})
 endfunction()
 
 # kelvora_record_surfaces(TARGET): lets the program record its drawing calls (bench/surfaceRecorder.h). The linker

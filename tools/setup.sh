@@ -3,9 +3,9 @@
 # Packages for building and playing, and additional ones for the checks.
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libboost-dev
   libcurl4-openssl-dev libfontconfig-dev libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
-check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 clang-format-14 clang-tidy-14 python3
-  python3-numpy python3-websockets nginx libnginx-mod-stream caddy openssl curl wget mpg123 xvfb xdotool openbox wmctrl
-  x11-utils x11-xserver-utils imagemagick"
+check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev clang-format-14
+  clang-tidy-14 python3 python3-numpy python3-websockets nginx libnginx-mod-stream caddy openssl curl wget mpg123 xvfb
+  xdotool openbox wmctrl x11-utils x11-xserver-utils imagemagick"
 
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
 server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev"
@@ -85,6 +85,13 @@ configure() {
   # A build folder that was copied along with the project still refers to the old path.
   if [ -f "$cache" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$cache"; then
     say "build/$preset was created for another path: recreating it"
+    rm -rf "build/$preset"
+  fi
+  # With another compiler, CMake would drop the preset's values.
+  local compiler
+  compiler=$(printf '%s\n' "$@" | sed -n 's/^-DCMAKE_CXX_COMPILER=//p')
+  if [ -n "$compiler" ] && [ -f "$cache" ] && ! grep -q "^CMAKE_CXX_COMPILER:[A-Z]*=$(command -v "$compiler")\$" "$cache"; then
+    say "build/$preset was created by another compiler: recreating it"
     rm -rf "build/$preset"
   fi
   # A build keeps its compiler launcher, because changing it would recompile everything.

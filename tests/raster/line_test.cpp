@@ -7,7 +7,7 @@
 
 #include "raster/surface.h"
 #include "tests/raster/referenceSurface.h"
-#include "tests/support/browserBuild.h"
+#include "tests/support/slowBuild.h"
 
 namespace kelvora {
 namespace {
@@ -256,7 +256,7 @@ TEST(Line, KeepsItsSlopeHoweverFarAwayItsEndsAre) {
   const auto between = [&](double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(draws);
   };
-  constexpr int lines = isBrowserBuild ? 400 : 10'000;
+  constexpr int lines = isSlowBuild ? 400 : 10'000;
   int seen = 0;
   for (int i = 0; i < lines; ++i) {
     Surface surface = blank(120, 90);

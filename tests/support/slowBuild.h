@@ -2,11 +2,11 @@
 
 namespace kelvora {
 
-/// True in the browser's build, which is slow in Node. Long tests are shorter there.
-#if defined(__EMSCRIPTEN__)
-inline constexpr bool isBrowserBuild = true;
+/// True where programs take several times as long: in Node and with sanitizers. Long tests are shorter there.
+#if defined(__EMSCRIPTEN__) || defined(KELVORA_SANITIZED)
+inline constexpr bool isSlowBuild = true;
 #else
-inline constexpr bool isBrowserBuild = false;
+inline constexpr bool isSlowBuild = false;
 #endif
 
 }  // namespace kelvora

@@ -1,0 +1,44 @@
+#!/usr/bin/env python3
+"""tests/failed_tests.py BUILD_FOLDER: names the failed tests of the last run and the commands that run each alone.
+
+Reads tests.xml, which ctest writes with --output-junit. Prints at most eight lines.
+"""
+import re
+import sys
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+MOST = 8
+
+
+def names_of(output):
+    """The tests that failed inside one test program, or the one that was running when it ended."""
+    failed = re.findall(r"^\[  FAILED  \] ([\w./]+)(?:, where .*)? \(\d+ ms\)$", output, re.M)
+    begun = re.findall(r"^\[ RUN      \] (\S+)$", output, re.M)
+    ended = re.findall(r"^\[ +(?:OK|FAILED|SKIPPED) +\] ([\w./]+)", output, re.M)
+    return failed + [name for name in begun if name not in ended]
+
+
+def commands(folder):
+    for case in ElementTree.parse(folder / "tests.xml").iter("testcase"):
+        if case.get("status") != "fail":
+            continue
+        test = case.get("name")
+        part = re.fullmatch(r"(\w+)\.\d+", test)  # of a test program that runs in parts
+        names = names_of(case.findtext("system-out") or "") if part else []
+        for name in names:
+            yield f"{folder}/tests/kelvora_{part[1]}_tests --gtest_filter='{name}'"
+        if not names:
+            yield f"ctest --test-dir {folder} -R '^{re.escape(test)}$' -V"
+
+
+def main():
+    failed = list(commands(Path(sys.argv[1])))
+    for command in failed[:MOST]:
+        print("  " + command)
+    if len(failed) > MOST:
+        print(f"  and {len(failed) - MOST} more")
+
+
+if __name__ == "__main__":
+    main()
