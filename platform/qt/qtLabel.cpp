@@ -1,5 +1,6 @@
 #include <QFontMetrics>
 
+#include "platform/desktop/shownLabel.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"
@@ -74,8 +75,7 @@ class LabelPeer : public WidgetPeer {
 
  protected:
   void show(PropertyId id) override {
-    if (id == PropertyId::Caption && !note(caption_, label_.Caption.get())) return;
-    if (id == PropertyId::BackColor && !note(back_, label_.BackColor.get())) return;
+    if (!shown_.isNew(id)) return;
     if (id == PropertyId::Caption || id == PropertyId::FontSize) followCaption();
     widget()->update();
   }
@@ -89,17 +89,8 @@ class LabelPeer : public WidgetPeer {
     widget()->setGeometry(pixelPlace(label_));
   }
 
-  /// The game sets the same values again and again, once a second or once a frame. True if the value is new.
-  template <class T>
-  static bool note(T& shown, const T& value) {
-    if (shown == value) return false;
-    shown = value;
-    return true;
-  }
-
   Label& label_;
-  std::string caption_ = label_.Caption.get();
-  Colour back_ = label_.BackColor.get();
+  ShownLabel shown_{label_};
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "platform/desktop/shownLabel.h"
 #include "platform/win32/controlPeer.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
@@ -17,8 +18,7 @@ class LabelPeer : public ControlPeer {
   LabelPeer(Label& label, FormPeer& form) : ControlPeer(label, form), label_(label) { followCaption(); }
 
   void changed(PropertyId id) override {
-    if (id == PropertyId::Caption && !note(caption_, label_.Caption.get())) return;
-    if (id == PropertyId::BackColor && !note(back_, label_.BackColor.get())) return;
+    if (!shown_.isNew(id)) return;
     if (id == PropertyId::Caption || id == PropertyId::FontSize) followCaption();
     ControlPeer::changed(id);
   }
@@ -94,17 +94,8 @@ class LabelPeer : public ControlPeer {
     label_.Width.adopt(Surface::textWidth(font, label_.Caption.get()));
   }
 
-  /// The game sets the same values again and again, once a second or once a frame. True if the value is new.
-  template <class T>
-  static bool note(T& shown, const T& value) {
-    if (shown == value) return false;
-    shown = value;
-    return true;
-  }
-
   Label& label_;
-  std::string caption_ = label_.Caption.get();
-  Colour back_ = label_.BackColor.get();
+  ShownLabel shown_{label_};
 };
 
 }  // namespace
