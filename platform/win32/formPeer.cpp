@@ -62,6 +62,7 @@ FormPeer::FormPeer(Form& form)
   window_ = CreateWindowExW(0, windowClass(&FormPeer::procedure), toWide(form.Caption.get()).c_str(), styleOf(form),
                             CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr,
                             GetModuleHandleW(nullptr), this);
+  toolTip_ = std::make_unique<ToolTip>(window_);
   scale_ = screenScale(window_);
   constexpr DWORD darkTitle = 20;
   const BOOL isDark = TRUE;

@@ -6,6 +6,7 @@
 #include "platform/form.h"
 #include "platform/win32/controlPeer.h"
 #include "platform/win32/looks.h"
+#include "platform/win32/toolTip.h"
 
 namespace kelvora {
 
@@ -68,6 +69,7 @@ class FormPeer : public Peer, public InputTarget {
   Form& form_;
   Looks looks_;
   HWND window_ = nullptr;
+  std::unique_ptr<ToolTip> toolTip_;
   double scale_ = 1;
   HBITMAP buffer_ = nullptr;  ///< what the window shows, to paint without flicker
   SIZE bufferSize_{};

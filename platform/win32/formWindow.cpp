@@ -168,6 +168,7 @@ bool FormPeer::handleMouse(UINT message, WPARAM first, LPARAM second) {
   const int y = static_cast<int>(std::floor(GET_Y_LPARAM(second) / scale_));
   auto* peer = dynamic_cast<ControlPeer*>(InputTarget::find(captured_));
   if (peer == nullptr) peer = at(form_, x, y);
+  if (toolTip_) toolTip_->follow(peer, scale_, message, first, second);
   if (peer == nullptr) return true;
   const Box place = peer->box();
   Input input{InputKind::MouseMove, buttonOf(message), shiftBits(),
