@@ -1,24 +1,18 @@
-#include <sys/resource.h>
-
-#include <algorithm>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <chrono>
-#include <csignal>
 #include <ctime>
 #include <exception>
-#include <filesystem>
 #include <functional>
 #include <iostream>
-#include <span>
 #include <string>
-#include <system_error>
 
 #include "base/millis.h"
 #include "base/outcome.h"
 #include "server/config/log.h"
 #include "server/config/options.h"
 #include "server/net/gameServer.h"
+#include "server/system/process.h"
 #include "server/web/site.h"
 
 using kelvora::Millis;
@@ -31,42 +25,11 @@ Millis steadyMillis() {
       .count();
 }
 
-std::string signalName(int signal) {
-  if (signal == SIGHUP) return "SIGHUP";
-  return signal == SIGINT ? "SIGINT" : "SIGTERM";
-}
-
-/// Raises the limit of open files to what the server may need, if allowed, and returns the limit.
-std::size_t provideDescriptors() {
-  rlimit limit{};
-  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return GameServer::descriptors;
-  if (limit.rlim_cur < GameServer::descriptors) {
-    limit.rlim_cur = std::min<rlim_t>(GameServer::descriptors, limit.rlim_max);
-    ::setrlimit(RLIMIT_NOFILE, &limit);
-    ::getrlimit(RLIMIT_NOFILE, &limit);
-  }
-  return limit.rlim_cur;
-}
-
-/// The folder of this program.
-std::filesystem::path programFolder() {
-  std::error_code ignored;
-  return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
-}
-
-/// The server is ending: a further signal would only turn that into a failure.
-void ignoreFurtherSignals() {
-  sigset_t all;
-  sigfillset(&all);
-  ::sigprocmask(SIG_BLOCK, &all, nullptr);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   Options options;
-  const auto arguments = std::span<const char* const>(argv, static_cast<std::size_t>(argc)).subspan(1);
-  if (const kelvora::Outcome outcome = parseOptions(arguments, options); outcome.isRefused()) {
+  if (const kelvora::Outcome outcome = parseOptions(commandLine(argc, argv), options); outcome.isRefused()) {
     std::cerr << "kelvora-server: " << outcome.reason() << "\nkelvora-server --help lists the options.\n";
     return 2;
   }
@@ -78,22 +41,20 @@ int main(int argc, char** argv) {
     std::cout << "kelvora-server " << versionText() << "\n";
     return 0;
   }
-  std::signal(SIGPIPE, SIG_IGN);  // the game continues if nobody reads the log any more
-  std::signal(SIGXFSZ, SIG_IGN);  // likewise if the log may not grow
+  ignoreFatalSignals();
   try {
     // Other threads only post to it, so its sockets need no locks.
     boost::asio::io_context context(BOOST_ASIO_CONCURRENCY_HINT_UNSAFE_IO);
     Log logFile(std::cerr, !isLoggingToJournal());
     const auto log = [&](const std::string& line) { logFile.write(line, steadyMillis(), std::time(nullptr)); };
-    if (const std::size_t most = provideDescriptors(); most < GameServer::descriptors) {
+    if (const std::size_t most = provideDescriptors(GameServer::descriptors); most < GameServer::descriptors) {
       log("only " + std::to_string(most) + " files may be open, so the server may have to turn players away");
     }
-    if (!options.site) options.site = usualSite(programFolder()).string();
+    if (!options.site) options.site = utf8FromPath(usualSite(programFolder()));
     GameServer server(context, options, log);
     if (!options.site->empty()) log("the page for browsers is in " + *options.site);
-    boost::asio::signal_set signals(context, SIGINT, SIGTERM);
-    // The terminal is closed. Ignored if nohup says so.
-    if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) signals.add(SIGHUP);
+    boost::asio::signal_set signals(context);
+    for (const int signal : stopSignals()) signals.add(signal);
     bool hasStopped = false;
     std::function<void()> awaitSignal = [&] {
       signals.async_wait([&](boost::system::error_code error, int signal) {

@@ -1,9 +1,39 @@
 #!/usr/bin/env bash
 # Builds the Debian packages kelvora and kelvora-server, with the page for browsers, into build/package/packages.
+# "tools/package.sh windows" builds a zip and an installer for Windows into build/windows/packages instead.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 # shellcheck source=tools/setup.sh
 source tools/setup.sh
+
+if [ "${1-}" = windows ]; then
+  # shellcheck disable=SC2086
+  install_packages $windows_packages nsis zip
+  # A new build has no tests. One that has them keeps them.
+  tests=()
+  [ -f build/windows/CMakeCache.txt ] || tests=(-DKELVORA_TESTS=OFF)
+  say "Building the programs for Windows"
+  configure windows "${tests[@]}"
+  cmake --build --preset windows --target kelvora kelvora-server kelvora-online kelvora-bots ||
+    fail "The build failed; see above."
+  version=$(sed -n 's/^project(kelvora VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+  packages=build/windows/packages
+  folder=$packages/Kelvora
+  rm -rf "$packages"
+  mkdir -p "$folder/assets" "$folder/sounds"
+  cp build/windows/{kelvora,kelvora-server,"Play online","Play against bots"}.exe kelvora.jpg "$folder"
+  cp LICENSE "$folder/LICENSE.txt"
+  cp assets/*.png "$folder/assets"
+  rm "$folder"/assets/icon-*.png
+  cp sounds/*.wav sounds/*.mp3 "$folder/sounds"
+  say "Packaging"
+  (cd "$packages" && zip -qr9X "kelvora-$version-windows.zip" Kelvora) || fail "The zip could not be made; see above."
+  makensis -V2 -NOCD -DVERSION="$version" -DFILES="$folder" -DICON=build/windows/kelvora.ico \
+    -DOUTPUT="$packages/kelvora-$version-setup.exe" packaging/windows/kelvora.nsi ||
+    fail "The installer could not be made; see above."
+  ls -l "$packages"/*.zip "$packages"/*.exe
+  exit
+fi
 
 # shellcheck disable=SC2086
 install_packages $play_packages $web_packages dpkg-dev file

@@ -13,8 +13,8 @@ web_packages="cmake ninja-build emscripten libstb-dev fonts-comic-neue fonts-lib
 web_check_packages="$web_packages g++ ccache googletest libpng-dev libjpeg-dev"
 
 # Packages for the Windows build and its tests.
-windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libpng-dev
-  libjpeg-dev"
+windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libboost-dev
+  libpng-dev libjpeg-dev"
 
 say() { printf '==> %s\n' "$*"; }
 fail() {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cmath>
+#include <numbers>
 
 #include "protocol/rules.h"
 
 namespace kelvora::server {
 
 inline constexpr double worldSize = rules::worldSize;
+inline constexpr double pi = std::numbers::pi;
 
 /// A position or displacement in world units.
 struct Point {
@@ -35,7 +37,7 @@ inline Point rotated(Point a, double angle) {
   return {a.x * turn.x - a.y * turn.y, a.x * turn.y + a.y * turn.x};
 }
 /// The same angle, between -pi and pi.
-inline double wrapped(double angle) { return std::remainder(angle, 2 * M_PI); }
+inline double wrapped(double angle) { return std::remainder(angle, 2 * pi); }
 
 /// The minimum distance between the segments a-b and c-d. Either may be a single point.
 double segmentDistance(Point a, Point b, Point c, Point d);

@@ -62,7 +62,7 @@ bool Mind::flee(const BotView& view) {
   const double step =
       rules::topSpeed * throttle() * 0.75 * (view.isRunning[turboSlot] ? rules::turboFactor : 1) * (soonest->ms + 80);
   for (int i = 0; i < directions; ++i) {
-    const double angle = angle_ + i * 2 * M_PI / directions;
+    const double angle = angle_ + i * 2 * pi / directions;
     const Point there = view.position + towards(angle) * step;
     double worth = safeDistance(threat->tail.subspan(soonest->vertex), head, there);
     if (isInside(threat->tail, head, *soonest, there)) worth = -worth - worldSize;
@@ -104,7 +104,7 @@ void Mind::avoidCharges(const BotView& view) {
   if (!anything || !isDeadly(wanted_)) return;
   for (int i = 1; i <= directions / 2; ++i) {
     for (const double side : {1.0, -1.0}) {
-      const double angle = wanted_ + side * i * 2 * M_PI / directions;
+      const double angle = wanted_ + side * i * 2 * pi / directions;
       if (!isDeadly(angle)) return steer(angle, throttle_);
     }
   }

@@ -9,7 +9,7 @@ namespace kelvora::server {
 namespace {
 
 constexpr auto brakeRate = static_cast<float>(rules::brakeRate);
-constexpr double degree = M_PI / 180;
+constexpr double degree = pi / 180;
 constexpr double steepest = 88;  // the bearing of a mouse straight to the side, on a scale of 350 to the circle
 
 /// The velocity of one frame. A mouse selects a whole number from 0 to 88 in each quadrant, which determines the

@@ -87,7 +87,7 @@ void Mind::approach(const BotView& view, const Seen& prey) {
   const Point way = centre - view.position;
   if (length(way) < 1.15 * radius) {
     const double side = cross(towards(angle_), way) < 0 ? -1 : 1;
-    const Point miss = towards(between(-M_PI, M_PI)) * (between(0, skill_.aimError) * radius);
+    const Point miss = towards(between(-pi, pi)) * (between(0, skill_.aimError) * radius);
     loop_ = Loop{.prey = prey.node,
                  .centre = centre + miss,
                  .miss = miss,
@@ -112,7 +112,7 @@ void Mind::flyLoop(const BotView& view) {
   const double pace = speed(view);
   if (skill_.foresight > 0.5) {
     // The circle follows the opponent as far as it can without breaking the loop.
-    const double left = roundTrip(loop.radius, pace) * std::max(0.1, 1 - loop.swept / (2 * M_PI));
+    const double left = roundTrip(loop.radius, pace) * std::max(0.1, 1 - loop.swept / (2 * pi));
     const Point wish =
         foreseen(prey, (left + static_cast<double>(view.delay)) * skill_.foresight, skill_.foreseesTurns);
     const Point shift = clampedInside(wish + loop.miss, loop.radius) - loop.centre;
@@ -123,10 +123,10 @@ void Mind::flyLoop(const BotView& view) {
   const double angle = angleOf(arm);
   loop.swept += loop.side * wrapped(angle - loop.lastAngle);
   loop.lastAngle = angle;
-  if (loop.swept > 2 * M_PI + 0.9 || view.now - loop.since > loopPatience || length(arm) > 3 * loop.radius) {
+  if (loop.swept > 2 * pi + 0.9 || view.now - loop.since > loopPatience || length(arm) > 3 * loop.radius) {
     return endLoop(view);
   }
-  if (loop.swept > 1.3 * M_PI) {
+  if (loop.swept > 1.3 * pi) {
     const auto closing =
         soonestClosing(view.tail, view.position, pace, loop.centre, 0, 700, view.isRunning[extendedTailSlot]);
     if (closing) {
@@ -137,7 +137,7 @@ void Mind::flyLoop(const BotView& view) {
   // Along the circle, turned inward by half of the next step, and back towards the circle if off it.
   const double error = (length(arm) - loop.radius) / loop.radius;
   const double lean = pace * 40 * 0.75 / loop.radius / 2 + std::clamp(1.5 * error, -1.0, 1.2);
-  steer(angle + loop.side * (M_PI / 2 + lean), throttle());
+  steer(angle + loop.side * (pi / 2 + lean), throttle());
 }
 
 void Mind::endLoop(const BotView& view) {

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <map>
 
+#include "server/system/process.h"
+
 namespace kelvora::server {
 
 namespace {
@@ -43,7 +45,7 @@ Outcome readConfig(std::string_view text, const std::string& fileName, const Tak
 
 Outcome readConfigFile(const std::string& fileName, const TakeSetting& take) {
   errno = 0;
-  std::ifstream file(fileName, std::ios::binary);
+  std::ifstream file(pathFromUtf8(fileName), std::ios::binary);
   std::string text(maxFileSize + 1, '\0');
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
   if (!file.eof() && file.gcount() == 0) {

@@ -1,10 +1,6 @@
 #include "server/config/log.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
-#include <cstdlib>
 #include <ostream>
 #include <utility>
 
@@ -26,20 +22,12 @@ void Log::writeLine(std::string_view line, std::time_t wallClock) {
     if (c < ' ' || c > '~') c = '?';
   }
   if (withTime_) {
-    std::tm time{};
     std::array<char, 32> stamp{};
-    ::gmtime_r(&wallClock, &time);
+    const std::tm time = *std::gmtime(&wallClock);
     out_.write(stamp.data(),
                static_cast<std::streamsize>(std::strftime(stamp.data(), stamp.size(), "%Y-%m-%dT%H:%M:%SZ ", &time)));
   }
   out_ << text << std::endl;
-}
-
-bool isLoggingToJournal() {
-  const char* stream = std::getenv("JOURNAL_STREAM");
-  struct stat file {};
-  if (stream == nullptr || ::fstat(STDERR_FILENO, &file) != 0) return false;
-  return std::string(stream) == std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
 }
 
 }  // namespace kelvora::server

@@ -28,7 +28,4 @@ class Log {
   int leftOut_ = 0;
 };
 
-/// True if standard error goes to the journal, which records the time by itself.
-bool isLoggingToJournal();
-
 }  // namespace kelvora::server

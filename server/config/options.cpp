@@ -27,7 +27,7 @@ Outcome takeLine(Options& options, std::string_view name, const std::string& val
   return outcome.isRefused() ? Outcome::refused(std::string(name) + " " + outcome.reason()) : outcome;
 }
 
-Outcome takeArguments(Options& options, std::span<const char* const> arguments) {
+Outcome takeArguments(Options& options, std::span<const std::string> arguments) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string_view argument = arguments[i];
     const std::size_t equals = std::min(argument.find('='), argument.size());
@@ -49,7 +49,7 @@ Outcome takeArguments(Options& options, std::span<const char* const> arguments) 
 
 }  // namespace
 
-Outcome parseOptions(std::span<const char* const> arguments, Options& options) {
+Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
   options = {};
   if (Outcome outcome = takeArguments(options, arguments); outcome.isRefused()) return outcome;
   if (!options.config.empty()) {

@@ -35,7 +35,7 @@ struct Options {
 
 /// Parses `arguments`, without the program's name, into new options. "--port 2010" and "--port=2010" are the same. If
 /// they name a configuration file, it is read first, wherever its name appears, so that the command line overrides it.
-Outcome parseOptions(std::span<const char* const> arguments, Options& options);
+Outcome parseOptions(std::span<const std::string> arguments, Options& options);
 
 /// The text that "--help" prints.
 std::string helpText();

@@ -10,6 +10,7 @@
 
 #include "protocol/frames.h"
 #include "server/net/origin.h"
+#include "server/system/process.h"
 #include "server/web/homePage.h"
 
 namespace kelvora::server {
@@ -53,7 +54,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
     : options_(options),
       log_(std::move(log)),
       trustedProxy_(proxyAddress(options.trustedProxy)),
-      site_(options.site.value_or("")),
+      site_(pathFromUtf8(options.site.value_or(""))),
       listener_(context, options.address, options.port, listenerHandlers()),
       timer_(context),
       arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),

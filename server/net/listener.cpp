@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "server/system/process.h"
+
 namespace kelvora::server {
 
 namespace {
@@ -44,7 +46,7 @@ void Listener::listenOn(const std::string& address, std::uint16_t port) {
 
 Acceptor Listener::opened(const asio::ip::tcp::endpoint& endpoint) const {
   Acceptor acceptor(context_, endpoint.protocol());
-  acceptor.set_option(Acceptor::reuse_address(true));
+  if (mustReusePorts()) acceptor.set_option(Acceptor::reuse_address(true));
   // The system's default may be otherwise.
   if (endpoint.address().is_v6()) acceptor.set_option(asio::ip::v6_only(!endpoint.address().is_unspecified()));
   acceptor.bind(endpoint);

@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "server/system/process.h"
+
 namespace kelvora::server {
 
 namespace fs = std::filesystem;
@@ -74,10 +76,11 @@ std::optional<Copy> openCopy(const fs::path& file) {
               .tag = '"' + std::to_string(size) + "-" + std::to_string(changed) + '"'};
 }
 
-/// True for names like "game.wasm", but not for "..", ".hidden" or an empty one.
+/// True for names like "game.wasm", but not for "..", ".hidden" or an empty one. Windows has drives, streams and
+/// another separator in names.
 bool isPlainName(std::string_view name) {
-  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
-  return !name.empty() && name.front() != '.' && std::none_of(name.begin(), name.end(), isControl);
+  const auto isOdd = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == ':' || c == '\\'; };
+  return !name.empty() && name.front() != '.' && std::none_of(name.begin(), name.end(), isOdd);
 }
 
 /// True if an If-None-Match names the tag, by itself or in a list, as "W/..." too, or is "*".
@@ -98,7 +101,8 @@ Site::Site(fs::path folder) : folder_(std::move(folder)) {
   if (folder_.empty()) return;
   std::error_code error;
   const fs::directory_iterator probe(folder_, error);
-  if (error) throw std::runtime_error("the site's folder " + folder_.string() + " can't be read: " + error.message());
+  if (error)
+    throw std::runtime_error("the site's folder " + utf8FromPath(folder_) + " can't be read: " + error.message());
 }
 
 std::optional<fs::path> Site::find(std::string_view path) const {
@@ -113,7 +117,7 @@ std::optional<fs::path> Site::find(std::string_view path) const {
   std::error_code error;
   const fs::path root = fs::canonical(folder_, error);
   if (error) return std::nullopt;
-  const fs::path file = fs::canonical(root / relative, error);
+  const fs::path file = fs::canonical(root / pathFromUtf8(relative), error);
   if (error || file.extension() == ".gz") return std::nullopt;
   const bool isInside = std::mismatch(root.begin(), root.end(), file.begin(), file.end()).first == root.end();
   return isInside && fs::is_regular_file(file, error) ? std::optional(file) : std::nullopt;
@@ -123,7 +127,7 @@ std::optional<HttpAnswer> Site::answer(const HttpRequest& request) const {
   const auto file = find(request.path());
   if (!file) return std::nullopt;
   std::optional<Copy> copy;
-  if (request.acceptsGzip) copy = openCopy(file->string() + ".gz");
+  if (request.acceptsGzip) copy = openCopy(fs::path(*file) += ".gz");
   const bool isCompressed = copy.has_value();
   if (!copy) copy = openCopy(*file);
   if (!copy) return std::nullopt;

@@ -30,12 +30,10 @@ void configFile(Input input) {
 
 /// The input's texts, one per line, as arguments. Doesn't read a file.
 void commandLine(Input input) {
-  std::vector<std::string> texts;
-  while (!input.isEmpty()) texts.emplace_back(input.upTo('\n'));
-  std::vector<const char*> arguments;
-  for (const std::string& text : texts) {
+  std::vector<std::string> arguments;
+  while (!input.isEmpty()) arguments.emplace_back(input.upTo('\n'));
+  for (const std::string& text : arguments) {
     if (text.find("config") != std::string::npos) return;
-    arguments.push_back(text.c_str());
   }
   Options options;
   if (parseOptions(arguments, options).isRefused()) return;

@@ -34,14 +34,18 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"store", {"audio", "base", "core", "frontend", "network", "platform", "protocol", "simulation"}},
     {"audio", {"base", "frontend", "platform", "store"}},
     {"frontend", {"audio", "base", "core", "network", "platform", "protocol", "raster", "store"}},
-    {"server", {"base", "server/config", "server/net", "server/web"}},
+    {"server", {"base", "server/config", "server/net", "server/system", "server/web"}},
     {"server/arena", {"base", "protocol"}},
     {"server/bots", {"base", "protocol", "server/arena"}},
-    {"server/web", {"base"}},
-    {"server/lists", {"base", "server/web"}},
-    {"server/config", {"base", "protocol", "server/arena", "server/bots", "server/lists"}},
-    {"server/net", {"base", "protocol", "server/arena", "server/bots", "server/config", "server/lists", "server/web"}},
+    {"server/system", {}},
+    {"server/web", {"base", "server/system"}},
+    {"server/lists", {"base", "server/system", "server/web"}},
+    {"server/config", {"base", "protocol", "server/arena", "server/bots", "server/lists", "server/system"}},
+    {"server/net",
+     {"base", "protocol", "server/arena", "server/bots", "server/config", "server/lists", "server/system",
+      "server/web"}},
     {"app", {"core", "platform/desktop", "platform/web"}},
+    {"app/windows", {}},
 };
 const std::set<std::string> outsideTheRooms = {"tests", "bench", "tools", "assets", "docs", "cmake", "packaging"};
 
@@ -141,12 +145,17 @@ TEST(Includes, OnlyPlatformQtIncludesQt) {
   }
 }
 
-TEST(Includes, OnlyPlatformWin32IncludesTheSystemsHeadersOfWindows) {
+TEST(Includes, OnlyTheRoomsOfWindowsIncludeItsHeaders) {
   int checked = 0;
   for (const auto& file : sources()) {
     const auto found = includes(
-        file, R"re([<"]((?:windows|windowsx|winsock2|ws2tcpip|commctrl|mmsystem|shellapi|dwmapi|uxtheme)\.h)[>"])re");
-    if (tree::startsWith(file.path, "platform/win32/") || tree::startsWith(file.path, "tests/platform/win32/")) {
+        file,
+        R"re([<"]((?:windows|windowsx|winsock2|ws2tcpip|commctrl|mmsystem|shellapi|dwmapi|uxtheme|winhttp)\.h)[>"])re");
+    bool isForWindows = false;
+    for (const char* folder : {"app/windows/", "platform/win32/", "server/system/", "tests/platform/win32/"}) {
+      isForWindows = isForWindows || tree::startsWith(file.path, folder);
+    }
+    if (isForWindows) {
       checked += static_cast<int>(found.size());
     } else {
       EXPECT_TRUE(found.empty()) << file.path;

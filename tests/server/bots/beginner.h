@@ -24,7 +24,7 @@ class Beginner {
     if (nearest) {
       const Point arm = view.position - nearest->position;
       const double error = (length(arm) - radius) / radius;
-      wanted = angleOf(arm) + M_PI / 2 + 0.15 + std::clamp(error, -0.8, M_PI / 2 - 0.15);
+      wanted = angleOf(arm) + pi / 2 + 0.15 + std::clamp(error, -0.8, pi / 2 - 0.15);
     }
     hand_ += -0.1 * hand_ + std::normal_distribution(0.0, 0.07)(random_);
     angle_ = wrapped(angle_ + std::clamp(wrapped(wanted + hand_ - angle_), -0.32, 0.32));

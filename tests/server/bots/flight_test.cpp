@@ -6,9 +6,9 @@ namespace kelvora::server {
 namespace {
 
 constexpr double right = 0;
-constexpr double down = M_PI / 2;
-constexpr double up = -M_PI / 2;
-constexpr double left = M_PI;
+constexpr double down = pi / 2;
+constexpr double up = -pi / 2;
+constexpr double left = pi;
 
 Flight free(float x, float y) {
   Flight flight({x, y});
@@ -74,7 +74,7 @@ TEST(BotFlight, GhostIsTwiceAsFastUpToTheAxisLimit) {
   straight.step(down, 1, false, false);
   EXPECT_EQ(straight.position().y, 50'300);
   Flight slanting = free(50'000, 50'000);
-  slanting.step(M_PI / 4, 1, false, false);
+  slanting.step(pi / 4, 1, false, false);
   EXPECT_NEAR(flightLength(slanting.point() - Point{50'000, 50'000}), 600, 0.02);
 }
 

@@ -25,14 +25,14 @@ TEST(Foresight, StraightFlightContinues) {
 
 TEST(Foresight, ACircleEndsWhereItBegan) {
   // 2 pi in 1000 ms.
-  const Seen player{.position = {50'000, 50'000}, .velocity = {20, 0}, .turn = 2 * M_PI / 1000};
+  const Seen player{.position = {50'000, 50'000}, .velocity = {20, 0}, .turn = 2 * pi / 1000};
   const Point back = foreseen(player, 1'000, true);
   EXPECT_NEAR(back.x, 50'000, 1e-6);
   EXPECT_NEAR(back.y, 50'000, 1e-6);
   // Half of it ends on the opposite side: the circle is 20000 long, so 20000 / pi wide.
   const Point across = foreseen(player, 500, true);
   EXPECT_NEAR(across.x, 50'000, 1e-6);
-  EXPECT_NEAR(across.y, 50'000 + 20'000 / M_PI, 1e-6);
+  EXPECT_NEAR(across.y, 50'000 + 20'000 / pi, 1e-6);
   EXPECT_EQ(foreseen(player, 500, false), (Point{60'000, 50'000})) << "without foreseeing turns";
 }
 

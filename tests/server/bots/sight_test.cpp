@@ -61,10 +61,10 @@ TEST_F(BotSight, ACircleHasATurn) {
   // A twentieth of a circle per snapshot of 40 ms.
   for (int i = 0; i < 20; ++i) {
     now += 40;
-    sight.add({player(1, {50'000, 50'000}), player(2, Point{30'000, 30'000} + towards(i * M_PI / 10) * 2'000)}, now);
+    sight.add({player(1, {50'000, 50'000}), player(2, Point{30'000, 30'000} + towards(i * pi / 10) * 2'000)}, now);
   }
   const Seen other = sight.viewOf(*sight.player(1), 0, now).others[0];
-  EXPECT_NEAR(other.turn, M_PI / 10 / 40, 1e-6);
+  EXPECT_NEAR(other.turn, pi / 10 / 40, 1e-6);
 }
 
 TEST_F(BotSight, DepartedPlayersAreNotSeen) {

@@ -26,7 +26,7 @@ std::string read(std::string_view text, Settings& settings) {
   return readConfig(text, "a.conf", take).reason();
 }
 
-std::string faultOf(std::span<const char* const> arguments) {
+std::string faultOf(const std::vector<std::string>& arguments) {
   Options options;
   return parseOptions(arguments, options).reason();
 }
@@ -77,7 +77,7 @@ TEST(ServerConfig, ErrorsNameTheirLine) {
 
 TEST(ServerConfig, FileUsesTheNamesOfTheOptions) {
   const std::string file = fileWith("# arena\nport = 2011\nround-seconds = 60\nnotes = a # b\n");
-  const char* arguments[] = {"--config", file.c_str()};
+  const std::vector<std::string> arguments{"--config", file};
   Options options;
   EXPECT_EQ(parseOptions(arguments, options).reason(), "");
   EXPECT_EQ(options.port, 2011);
@@ -88,7 +88,7 @@ TEST(ServerConfig, FileUsesTheNamesOfTheOptions) {
 TEST(ServerConfig, TheCommandLineOverridesTheFileInAnyOrder) {
   const std::string file = fileWith("port = 2011\nnotes = file\n");
   const std::string config = "--config=" + file;
-  const std::vector<std::vector<const char*>> orders = {{"--port", "5", config.c_str()}, {config.c_str(), "--port=5"}};
+  const std::vector<std::vector<std::string>> orders = {{"--port", "5", config}, {config, "--port=5"}};
   for (const auto& arguments : orders) {
     Options options;
     EXPECT_EQ(parseOptions(arguments, options).reason(), "");
@@ -114,7 +114,7 @@ TEST(ServerConfig, ErrorsInAFileNameTheFileAndLine) {
   };
   for (const Row& row : rows) {
     const std::string file = fileWith(row.text);
-    const char* arguments[] = {"--config", file.c_str()};
+    const std::vector<std::string> arguments{"--config", file};
     EXPECT_EQ(faultOf(arguments), file + row.complaint);
   }
 }
@@ -123,17 +123,17 @@ TEST(ServerConfig, UnreadableFileIsNamed) {
   const std::string missing = testing::TempDir() + "kelvora-no-such.conf";
   const std::string folder = testing::TempDir();
   for (const std::string& name : {missing, folder}) {
-    const char* arguments[] = {"--config", name.c_str()};
+    const std::vector<std::string> arguments{"--config", name};
     EXPECT_TRUE(faultOf(arguments).starts_with("cannot read " + name)) << faultOf(arguments);
   }
   const std::string endless = fileWith(std::string(70'000, '#'));
-  const char* arguments[] = {"--config", endless.c_str()};
+  const std::vector<std::string> arguments{"--config", endless};
   EXPECT_EQ(faultOf(arguments), endless + " is longer than 64 KiB");
 }
 
 TEST(ServerConfig, AnEmptyFileIsFine) {
   const std::string file = fileWith("");
-  const char* arguments[] = {"--config", file.c_str()};
+  const std::vector<std::string> arguments{"--config", file};
   EXPECT_EQ(faultOf(arguments), "");
 }
 

@@ -17,7 +17,7 @@ struct Parsed : Options {
   std::string error;  // empty for none
 };
 
-Parsed parse(std::vector<const char*> arguments) {
+Parsed parse(std::vector<std::string> arguments) {
   Parsed parsed;
   const Outcome outcome = parseOptions(arguments, parsed);
   EXPECT_EQ(outcome.isRefused(), !outcome.reason().empty());

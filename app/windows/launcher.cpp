@@ -1,0 +1,130 @@
+#include "app/windows/launcher.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+#include <type_traits>
+
+namespace kelvora {
+
+namespace {
+
+struct Close {
+  void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using Handle = std::unique_ptr<std::remove_pointer_t<HANDLE>, Close>;
+
+int fail(const wchar_t* what) {
+  MessageBoxW(nullptr, what, L"Kelvora", MB_OK | MB_ICONERROR);
+  return 1;
+}
+
+/// The file of this name beside this program.
+std::wstring beside(const wchar_t* name) {
+  constexpr DWORD longestPath = 32'768;  // characters
+  std::wstring path(longestPath, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), longestPath));
+  return path.substr(0, path.rfind(L'\\') + 1) + name;
+}
+
+/// This program's arguments as they were given.
+std::wstring arguments() {
+  const std::wstring line = GetCommandLineW();
+  const std::size_t end = line.starts_with(L'"') ? line.find(L'"', 1) : line.find(L' ');
+  return end == std::wstring::npos ? L"" : line.substr(end + 1);
+}
+
+void setUnlessSet(const wchar_t* name, const std::wstring& value) {
+  if (GetEnvironmentVariableW(name, nullptr, 0) == 0) SetEnvironmentVariableW(name, value.c_str());
+}
+
+/// Starts a program of this folder. Returns nothing if that fails.
+Handle start(const wchar_t* program, const std::wstring& itsArguments, STARTUPINFOW& how, DWORD flags) {
+  const std::wstring path = beside(program);
+  std::wstring line = L'"' + path + L"\" " + itsArguments;
+  how.cb = sizeof how;
+  PROCESS_INFORMATION started{};
+  const BOOL inherits = (how.dwFlags & STARTF_USESTDHANDLES) != 0 ? TRUE : FALSE;
+  if (CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, inherits, flags, nullptr, nullptr, &how, &started) ==
+      FALSE) {
+    return nullptr;
+  }
+  CloseHandle(started.hThread);
+  return Handle(started.hProcess);
+}
+
+/// Ends its processes when this program ends, however it ends.
+Handle makeJob() {
+  Handle job(CreateJobObjectW(nullptr, nullptr));
+  JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+  limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+  SetInformationJobObject(job.get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
+  return job;
+}
+
+/// Reads what a program prints until a line begins with "listening on ", and returns the rest of that line. Empty if
+/// the program ends before.
+std::string readEndpoint(HANDLE output) {
+  constexpr char start[] = "listening on ";
+  std::string line;
+  char letter = 0;
+  DWORD size = 0;
+  while (ReadFile(output, &letter, 1, &size, nullptr) != FALSE && size == 1) {
+    if (letter != '\n') {
+      line += letter;
+      continue;
+    }
+    if (line.starts_with(start)) return line.substr(sizeof start - 1, line.find('\r') - (sizeof start - 1));
+    line.clear();
+  }
+  return {};
+}
+
+/// Starts the server on this port, 0 for any free one. Returns where it listens; empty if it doesn't.
+std::string startServer(const std::wstring& port, HANDLE job) {
+  SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+  HANDLE reader = nullptr;
+  HANDLE writer = nullptr;
+  if (CreatePipe(&reader, &writer, &inheritable, 0) == FALSE) return {};
+  const Handle output(reader);
+  Handle input(writer);
+  SetHandleInformation(reader, HANDLE_FLAG_INHERIT, 0);
+  STARTUPINFOW how{};
+  how.dwFlags = STARTF_USESTDHANDLES;
+  how.hStdOutput = writer;
+  const Handle server =
+      start(L"kelvora-server.exe", L"--port " + port + L" --notes \"on this machine\" --bots 3 --skill mixed", how,
+            CREATE_NO_WINDOW);
+  if (!server) return {};
+  AssignProcessToJobObject(job, server.get());
+  input.reset();
+  return readEndpoint(output.get());
+}
+
+int play() {
+  setUnlessSet(L"KELVORA_FRAME_MS", L"10");
+  STARTUPINFOW how{};
+  const Handle game = start(L"kelvora.exe", arguments(), how, 0);
+  if (!game) return fail(L"kelvora.exe could not be started.");
+  WaitForSingleObject(game.get(), INFINITE);
+  DWORD result = 1;
+  GetExitCodeProcess(game.get(), &result);
+  return static_cast<int>(result);
+}
+
+}  // namespace
+
+int playOnline() { return play(); }
+
+int playAgainstBots() {
+  const Handle job = makeJob();
+  // The connect dialog's default port. If it is taken, the game finder shows the other one.
+  std::string endpoint = startServer(L"2010", job.get());
+  if (endpoint.empty()) endpoint = startServer(L"0", job.get());
+  if (endpoint.empty()) return fail(L"kelvora-server.exe could not be started.");
+  setUnlessSet(L"KELVORA_WEB_HOST", std::wstring(endpoint.begin(), endpoint.end()));
+  return play();
+}
+
+}  // namespace kelvora

@@ -1,0 +1,86 @@
+; The installer for Windows, for one user and without an administrator's rights. tools/package.sh defines VERSION, FILES
+; (the folder to install), ICON and OUTPUT.
+Target amd64-unicode
+!include MUI2.nsh
+
+!define UNINSTALL "Software\Microsoft\Windows\CurrentVersion\Uninstall\Kelvora"
+!define MENU "$SMPROGRAMS\Kelvora"
+
+Name "Kelvora"
+OutFile "${OUTPUT}"
+RequestExecutionLevel user
+InstallDir "$LOCALAPPDATA\Programs\Kelvora"
+InstallDirRegKey HKCU "${UNINSTALL}" "InstallLocation"
+SetCompressor /SOLID lzma
+BrandingText " "
+
+VIProductVersion "${VERSION}.0"
+VIAddVersionKey "CompanyName" "The Kelvora developers"
+VIAddVersionKey "FileDescription" "Installs Kelvora, an arena game"
+VIAddVersionKey "FileVersion" "${VERSION}"
+VIAddVersionKey "LegalCopyright" ""
+VIAddVersionKey "ProductName" "Kelvora"
+VIAddVersionKey "ProductVersion" "${VERSION}"
+
+!define MUI_ICON "${ICON}"
+!define MUI_UNICON "${ICON}"
+!define MUI_FINISHPAGE_RUN "$INSTDIR\Play against bots.exe"
+!define MUI_FINISHPAGE_RUN_TEXT "Play against bots"
+!insertmacro MUI_PAGE_DIRECTORY
+!insertmacro MUI_PAGE_INSTFILES
+!insertmacro MUI_PAGE_FINISH
+!insertmacro MUI_UNPAGE_CONFIRM
+!insertmacro MUI_UNPAGE_INSTFILES
+!insertmacro MUI_LANGUAGE "English"
+
+; Windows doesn't replace or remove programs that run.
+!macro AwaitEndOfGame
+  again:
+  FindWindow $0 "KelvoraForm"
+  IntPtrCmp $0 0 ended
+  MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "Please close Kelvora first." /SD IDCANCEL IDRETRY again
+  Abort
+  ended:
+!macroend
+
+Section
+  !insertmacro AwaitEndOfGame
+  SetOutPath "$INSTDIR"
+  File /r "${FILES}/*"
+  WriteUninstaller "$INSTDIR\Uninstall.exe"
+  CreateDirectory "${MENU}"
+  CreateShortcut "${MENU}\Kelvora.lnk" "$INSTDIR\Play online.exe"
+  CreateShortcut "${MENU}\Play against bots.lnk" "$INSTDIR\Play against bots.exe"
+  WriteRegStr HKCU "${UNINSTALL}" "DisplayName" "Kelvora"
+  WriteRegStr HKCU "${UNINSTALL}" "DisplayVersion" "${VERSION}"
+  WriteRegStr HKCU "${UNINSTALL}" "DisplayIcon" "$INSTDIR\kelvora.exe"
+  WriteRegStr HKCU "${UNINSTALL}" "Publisher" "The Kelvora developers"
+  WriteRegStr HKCU "${UNINSTALL}" "InstallLocation" "$INSTDIR"
+  WriteRegStr HKCU "${UNINSTALL}" "UninstallString" '"$INSTDIR\Uninstall.exe"'
+  WriteRegStr HKCU "${UNINSTALL}" "QuietUninstallString" '"$INSTDIR\Uninstall.exe" /S'
+  WriteRegDWORD HKCU "${UNINSTALL}" "NoModify" 1
+  WriteRegDWORD HKCU "${UNINSTALL}" "NoRepair" 1
+SectionEnd
+
+; Removes what was installed and the player's settings, but nothing else that is in the folder.
+Section "Uninstall"
+  !insertmacro AwaitEndOfGame
+  Delete "$INSTDIR\kelvora.exe"
+  Delete "$INSTDIR\kelvora-server.exe"
+  Delete "$INSTDIR\Play online.exe"
+  Delete "$INSTDIR\Play against bots.exe"
+  Delete "$INSTDIR\kelvora.jpg"
+  Delete "$INSTDIR\LICENSE.txt"
+  Delete "$INSTDIR\assets\*.png"
+  Delete "$INSTDIR\sounds\*.wav"
+  Delete "$INSTDIR\sounds\*.mp3"
+  Delete "$INSTDIR\Uninstall.exe"
+  RMDir "$INSTDIR\assets"
+  RMDir "$INSTDIR\sounds"
+  RMDir "$INSTDIR"
+  Delete "${MENU}\Kelvora.lnk"
+  Delete "${MENU}\Play against bots.lnk"
+  RMDir "${MENU}"
+  DeleteRegKey HKCU "${UNINSTALL}"
+  DeleteRegKey HKCU "Software\kelvora"
+SectionEnd

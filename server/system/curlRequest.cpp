@@ -1,0 +1,60 @@
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include "server/system/webRequest.h"
+
+namespace kelvora::server {
+
+namespace {
+
+std::size_t onBody(char* bytes, std::size_t /*one*/, std::size_t size, void* body) {
+  auto& text = *static_cast<std::string*>(body);
+  text.append(bytes, std::min(size, WebReply::maxBody - text.size()));
+  return size;
+}
+
+int onProgress(void* isEnding, curl_off_t /*toGet*/, curl_off_t /*got*/, curl_off_t /*toPut*/, curl_off_t /*put*/) {
+  return *static_cast<const std::atomic<bool>*>(isEnding) ? 1 : 0;
+}
+
+bool isInitialised() {
+  static const CURLcode result = curl_global_init(CURL_GLOBAL_DEFAULT);
+  return result == CURLE_OK;
+}
+
+}  // namespace
+
+WebReply sendRequest(const WebRequest& request) {
+  const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(isInitialised() ? curl_easy_init() : nullptr,
+                                                                 &curl_easy_cleanup);
+  if (!curl) return {.error = "the HTTP client does not start", .body = {}};
+  std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> headers(nullptr, &curl_slist_free_all);
+  if (!request.key.empty()) {
+    headers.reset(curl_slist_append(nullptr, ("Authorization: Bearer " + request.key).c_str()));
+  }
+  WebReply reply;
+  const auto set = [&](CURLoption option, auto value) { curl_easy_setopt(curl.get(), option, value); };
+  set(CURLOPT_URL, request.url.c_str());
+  set(CURLOPT_PROTOCOLS_STR, "http,https");
+  set(CURLOPT_POSTFIELDS, "");
+  set(CURLOPT_CUSTOMREQUEST, request.method.c_str());
+  set(CURLOPT_HTTPHEADER, headers.get());
+  set(CURLOPT_USERAGENT, request.agent.c_str());
+  set(CURLOPT_TIMEOUT_MS, request.timeLimit);
+  set(CURLOPT_NOSIGNAL, 1L);
+  set(CURLOPT_WRITEFUNCTION, &onBody);
+  set(CURLOPT_WRITEDATA, &reply.body);
+  set(CURLOPT_NOPROGRESS, request.isEnding == nullptr ? 1L : 0L);
+  set(CURLOPT_XFERINFOFUNCTION, &onProgress);
+  set(CURLOPT_XFERINFODATA, request.isEnding);
+  if (const CURLcode result = curl_easy_perform(curl.get()); result != CURLE_OK) {
+    return {.error = curl_easy_strerror(result), .body = {}};
+  }
+  curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &reply.status);
+  return reply;
+}
+
+}  // namespace kelvora::server

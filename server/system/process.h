@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kelvora::server {
+
+/// The command line without the program's name, in UTF-8.
+std::vector<std::string> commandLine(int argc, char** argv);
+
+/// The folder of this program.
+std::filesystem::path programFolder();
+
+/// The path for a text in UTF-8. Not all systems have paths in UTF-8.
+std::filesystem::path pathFromUtf8(std::string_view text);
+/// The reverse.
+std::string utf8FromPath(const std::filesystem::path& path);
+
+/// Whether a server must ask for a port on which closed connections remain. On Windows that would let two servers
+/// listen on it.
+bool mustReusePorts();
+/// Raises the limit of open files to `wanted`, if allowed, and returns the limit.
+std::size_t provideDescriptors(std::size_t wanted);
+
+/// Ignores the signals of failed writes, so that the failing call returns an error: the game continues if nobody reads
+/// the log any more, or if it may not grow.
+void ignoreFatalSignals();
+/// The signals that ask the server to stop. Windows sends events instead, which become such signals after this call.
+std::vector<int> stopSignals();
+std::string signalName(int signal);
+/// The server is ending: a further signal would only turn that into a failure.
+void ignoreFurtherSignals();
+
+/// True if standard error goes to the journal, which records the time by itself.
+bool isLoggingToJournal();
+
+}  // namespace kelvora::server

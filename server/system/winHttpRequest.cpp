@@ -1,0 +1,168 @@
+#include <windows.h>
+// After the above.
+#include <winhttp.h>
+
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <cstring>
+#include <memory>
+#include <mutex>
+
+#include "server/system/webRequest.h"
+
+namespace kelvora::server {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// What a thread of the system's reports about a request.
+class Progress {
+ public:
+  void report(DWORD step) {
+    const std::lock_guard lock(mutex_);
+    step_ = step;
+    changed_.notify_all();
+  }
+
+  /// Waits for this step. Returns false if the request fails or `isHopeless` becomes true.
+  template <class Predicate>
+  bool wait(DWORD step, Predicate isHopeless) {
+    constexpr auto pause = std::chrono::milliseconds(50);
+    std::unique_lock lock(mutex_);
+    while (step_ != step) {
+      if (step_ == WINHTTP_CALLBACK_STATUS_REQUEST_ERROR || isHopeless()) return false;
+      changed_.wait_for(lock, pause);
+    }
+    step_ = 0;
+    return true;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  DWORD step_ = 0;  ///< the last one that was reported
+};
+
+void CALLBACK onProgress(HINTERNET, DWORD_PTR progress, DWORD step, LPVOID, DWORD) {
+  if (progress != 0) reinterpret_cast<Progress*>(progress)->report(step);
+}
+
+struct Close {
+  void operator()(HINTERNET handle) const { WinHttpCloseHandle(handle); }
+};
+using Handle = std::unique_ptr<void, Close>;
+
+std::wstring wide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
+
+WebReply failure(const char* reason) { return {.error = reason, .body = {}}; }
+
+/// One request, which ends with this object.
+class Exchange {
+ public:
+  explicit Exchange(const WebRequest& request)
+      : request_(request), deadline_(Clock::now() + std::chrono::milliseconds(request.timeLimit)) {}
+  Exchange(const Exchange&) = delete;
+  Exchange& operator=(const Exchange&) = delete;
+  ~Exchange() {
+    if (!isWatched_) return;
+    handle_.reset();
+    // The system reports to this object until then.
+    progress_.wait(WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING, [] { return false; });
+  }
+
+  WebReply run() {
+    if (!open()) return failure("the URL is invalid");
+    if (!send() || !reached(WINHTTP_CALLBACK_STATUS_SENDREQUEST_COMPLETE)) return failure("no connection");
+    if (WinHttpReceiveResponse(handle_.get(), nullptr) == FALSE ||
+        !reached(WINHTTP_CALLBACK_STATUS_HEADERS_AVAILABLE)) {
+      return failure("no answer");
+    }
+    WebReply reply{.error = {}, .status = status(), .body = {}};
+    // The reply's text only explains a failure, so an incomplete one will do.
+    while (reply.body.size() < WebReply::maxBody && readMore(reply.body)) {
+    }
+    return reply;
+  }
+
+ private:
+  bool open() {
+    const std::wstring url = wide(request_.url);
+    std::array<wchar_t, 512> host{};
+    URL_COMPONENTS parts{};
+    parts.dwStructSize = sizeof parts;
+    parts.lpszHostName = host.data();
+    parts.dwHostNameLength = static_cast<DWORD>(host.size());
+    parts.dwUrlPathLength = static_cast<DWORD>(-1);  // with the query that follows it
+    parts.dwExtraInfoLength = static_cast<DWORD>(-1);
+    if (WinHttpCrackUrl(url.c_str(), 0, 0, &parts) == FALSE) return false;
+    session_.reset(WinHttpOpen(wide(request_.agent).c_str(), WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, nullptr, nullptr,
+                               WINHTTP_FLAG_ASYNC));
+    if (!session_) return false;
+    connection_.reset(WinHttpConnect(session_.get(), host.data(), parts.nPort, 0));
+    if (!connection_) return false;
+    const std::wstring target = std::wstring(parts.lpszUrlPath, parts.dwUrlPathLength) +
+                                std::wstring(parts.lpszExtraInfo, parts.dwExtraInfoLength);
+    const DWORD security = parts.nScheme == INTERNET_SCHEME_HTTPS ? WINHTTP_FLAG_SECURE : 0;
+    handle_.reset(WinHttpOpenRequest(connection_.get(), wide(request_.method).c_str(), target.c_str(), nullptr, nullptr,
+                                     nullptr, security));
+    return handle_ != nullptr;
+  }
+
+  bool send() {
+    DWORD_PTR context = reinterpret_cast<DWORD_PTR>(&progress_);
+    DWORD disabled = WINHTTP_DISABLE_REDIRECTS;
+    if (WinHttpSetOption(handle_.get(), WINHTTP_OPTION_CONTEXT_VALUE, &context, sizeof context) == FALSE ||
+        WinHttpSetOption(handle_.get(), WINHTTP_OPTION_DISABLE_FEATURE, &disabled, sizeof disabled) == FALSE ||
+        WinHttpSetStatusCallback(handle_.get(), &onProgress,
+                                 WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES,
+                                 0) == WINHTTP_INVALID_STATUS_CALLBACK) {
+      return false;
+    }
+    isWatched_ = true;
+    const std::wstring key = request_.key.empty() ? L"" : L"Authorization: Bearer " + wide(request_.key);
+    return WinHttpSendRequest(handle_.get(), key.empty() ? nullptr : key.c_str(), static_cast<DWORD>(key.size()),
+                              nullptr, 0, 0, context) != FALSE;
+  }
+
+  bool reached(DWORD step) {
+    return progress_.wait(
+        step, [this] { return Clock::now() > deadline_ || (request_.isEnding != nullptr && *request_.isEnding); });
+  }
+
+  long status() const {
+    DWORD status = 0;
+    DWORD size = sizeof status;
+    WinHttpQueryHeaders(handle_.get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER, nullptr, &status, &size,
+                        nullptr);
+    return static_cast<long>(status);
+  }
+
+  bool readMore(std::string& body) {
+    buffer_ = {};
+    const auto room = static_cast<DWORD>(WebReply::maxBody - body.size());
+    if (WinHttpReadData(handle_.get(), buffer_.data(), room, nullptr) == FALSE ||
+        !reached(WINHTTP_CALLBACK_STATUS_READ_COMPLETE)) {
+      return false;
+    }
+    const std::string text(buffer_.data(), strnlen(buffer_.data(), room));
+    body += text;
+    return !text.empty();
+  }
+
+  const WebRequest& request_;
+  const Clock::time_point deadline_;
+  Progress progress_;
+  std::array<char, WebReply::maxBody> buffer_{};  // the system fills it while it reads
+  bool isWatched_ = false;
+  Handle session_;
+  Handle connection_;
+  Handle handle_;
+};
+
+}  // namespace
+
+WebReply sendRequest(const WebRequest& request) { return Exchange(request).run(); }
+
+}  // namespace kelvora::server

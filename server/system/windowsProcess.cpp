@@ -1,0 +1,82 @@
+#include <windows.h>
+// After the above.
+#include <shellapi.h>
+
+#include <csignal>
+
+#include "server/system/process.h"
+
+namespace kelvora::server {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Called on a thread of the system's.
+BOOL WINAPI takeConsoleEvent(DWORD event) {
+  std::raise(event == CTRL_C_EVENT ? SIGINT : SIGTERM);
+  const bool mustEnd = event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT;
+  // The system ends the program when this returns, or after a few seconds. The server ends by itself before that.
+  if (mustEnd) Sleep(INFINITE);
+  return TRUE;
+}
+
+}  // namespace
+
+std::vector<std::string> commandLine(int, char**) {
+  // The arguments as the system has them, because those of `main` lack characters.
+  int count = 0;
+  LPWSTR* const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> line;
+  for (int i = 1; i < count; ++i) line.push_back(utf8FromPath(arguments[i]));
+  LocalFree(arguments);
+  return line;
+}
+
+fs::path programFolder() {
+  constexpr std::size_t longestPath = 32'768;  // characters
+  std::wstring path(longestPath, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  return fs::path(path).parent_path();
+}
+
+fs::path pathFromUtf8(std::string_view text) {
+  const int size = static_cast<int>(text.size());
+  std::wstring path(text.size(), L'\0');
+  const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), size, path.data(), size);
+  path.resize(static_cast<std::size_t>(length));
+  return path;
+}
+
+std::string utf8FromPath(const fs::path& path) {
+  constexpr std::size_t longestCharacter = 3;  // bytes for a part of the path
+  const int size = static_cast<int>(path.native().size());
+  std::string text(path.native().size() * longestCharacter, '\0');
+  text.resize(static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, path.c_str(), size, text.data(),
+                                                           static_cast<int>(text.size()), nullptr, nullptr)));
+  return text;
+}
+
+bool mustReusePorts() { return false; }
+
+// The system has no such limit.
+std::size_t provideDescriptors(std::size_t wanted) { return wanted; }
+
+// The system has no such signals.
+void ignoreFatalSignals() {}
+
+std::vector<int> stopSignals() {
+  SetConsoleCtrlHandler(&takeConsoleEvent, TRUE);
+  return {SIGINT, SIGTERM};
+}
+
+std::string signalName(int signal) { return signal == SIGINT ? "Ctrl+C" : "asked to end"; }
+
+void ignoreFurtherSignals() {
+  std::signal(SIGINT, SIG_IGN);
+  std::signal(SIGTERM, SIG_IGN);
+}
+
+bool isLoggingToJournal() { return false; }
+
+}  // namespace kelvora::server

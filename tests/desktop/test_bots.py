@@ -1,0 +1,93 @@
+"""Play against bots: what a player starts brings a server with bots, and takes it away again."""
+
+import os
+import pathlib
+import tempfile
+import unittest
+
+import harness
+import wine
+from desktopTest import DesktopTest
+from harness import TWIPS
+
+FINDER = "Game Finder"
+FIRST_ROW = (60 // TWIPS + 40, 1080 // TWIPS + 18 + 9)  # pixels of the finder's client area
+GREEN = (128, 255, 128)
+
+
+class LaunchedClient(harness.Client):
+    """A client that another program starts. Its windows are the only ones of the display."""
+
+    def visible(self):
+        return self.display.xdotool("search", "--onlyvisible", "--name", ".").split()
+
+
+class PlayAgainstBots(DesktopTest):
+
+    def launcher(self):
+        """The program that a player starts, beside the client and the server of this build."""
+        build = pathlib.Path(harness.CLIENT).resolve().parent
+        if wine.is_for_windows(harness.CLIENT):
+            return str(build / "Play against bots.exe")
+        # An installation has all three in one folder.
+        folder = pathlib.Path(tempfile.mkdtemp(prefix="kelvora-bots-"))
+        self.addCleanup(lambda: [file.unlink() for file in folder.iterdir()] and folder.rmdir())
+        for program in (harness.CLIENT, harness.SERVER, str(harness.PROJECT / "packaging" / "client" / "kelvora-bots")):
+            program = pathlib.Path(program).resolve()
+            (folder / program.name).symlink_to(program)
+        return str(folder / "kelvora-bots")
+
+    def start(self):
+        client = LaunchedClient(self.display, program=self.launcher(), web_host=None, frame_ms=None)
+        self.addCleanup(client.close)
+        harness.wait_for(lambda: self.servers(client), "the server")
+        return client
+
+    def servers(self, client):
+        """The running servers that this client's start brought: they have its folder for settings."""
+        found = []
+        for process in filter(str.isdigit, os.listdir("/proc")):
+            try:
+                line = pathlib.Path(f"/proc/{process}/cmdline").read_bytes()
+                environment = pathlib.Path(f"/proc/{process}/environ").read_bytes()
+            except OSError:
+                continue  # it has ended, or belongs to somebody else
+            if b"kelvora-server" in line and client.config.encode() in environment:
+                found.append(int(process))
+        return found
+
+    def test_finder_shows_a_game_with_bots_to_join(self):
+        client = self.start()
+        dialog = client.wait_for_window("Connect")
+        dialog.activate()
+        dialog.click(1740 // TWIPS + 20, 180 // TWIPS + 9)
+        self.display.xdotool("key", "ctrl+a", "type", "Ann")
+        self.display.xdotool("key", "Escape")
+        finder = client.wait_for_window(FINDER)
+
+        def is_joined():
+            # The list may not have arrived at the first double click.
+            if FINDER in client.windows():
+                left, top = finder.geometry()[:2]
+                self.display.xdotool("mousemove", left + FIRST_ROW[0], top + FIRST_ROW[1], "click", "--repeat", 2,
+                                     "--delay", 60, 1)
+            return client.status_colour() == GREEN
+        harness.wait_for(is_joined, "the game")
+
+    def test_server_ends_with_the_game(self):
+        client = self.start()
+        client.wait_for_window("Connect")
+        client.window.activate()
+        self.display.xdotool("key", "alt+F4")
+        self.assertEqual(client.process.wait(harness.PATIENCE), 0)
+        harness.wait_for(lambda: not self.servers(client), "the server's end")
+
+    def test_server_ends_when_the_start_is_broken_off(self):
+        client = self.start()
+        client.process.terminate()
+        client.process.wait(harness.PATIENCE)
+        harness.wait_for(lambda: not self.servers(client), "the server's end")
+
+
+if __name__ == "__main__":
+    unittest.main()
