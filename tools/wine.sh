@@ -1,14 +1,20 @@
 #!/bin/sh
-# Runs a Windows program in Wine. The prefix is $WINEPREFIX, or build/windows/wine, which is created when it is missing.
+# Runs a Windows program in Wine. The prefix is $WINEPREFIX, or build/windows/wine, which is created when it is missing,
+# with a copy of its registry as it is then in the folder "new".
 build=$(dirname "$0")/../build/windows
 mkdir -p "$build"
-export WINEPREFIX="${WINEPREFIX:-$(cd "$build" && pwd)/wine}"
+build=$(cd "$build" && pwd)
+export WINEPREFIX="${WINEPREFIX:-$build/wine}"
 export WINEDEBUG="${WINEDEBUG:--all}"
 # The prefix gets no menu entries, and neither .NET nor a browser.
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winemenubuilder.exe,mscoree,mshtml=}"
-if [ ! -f "$WINEPREFIX/system.reg" ]; then
+if [ "$WINEPREFIX" = "$build/wine" ] && [ ! -d "$WINEPREFIX/new" ]; then
   # Programs that start together share one prefix. The first of them creates it.
   # shellcheck disable=SC2016
-  flock "$build/wine.lock" sh -c '[ -f "$WINEPREFIX/system.reg" ] || { wine wineboot -i && wineserver -w; }' >&2
+  flock "$build/wine.lock" sh -c '[ -d "$WINEPREFIX/new" ] || {
+    wine wineboot -i && wineserver -w && mkdir -p "$WINEPREFIX/part" &&
+      cp "$WINEPREFIX"/*.reg "$WINEPREFIX/.update-timestamp" "$WINEPREFIX/part" &&
+      mv "$WINEPREFIX/part" "$WINEPREFIX/new"
+  }' >&2
 fi
 exec wine "$@"

@@ -42,7 +42,7 @@ class Company(DesktopTest):
 
     def two_clients(self):
         ann = self.start_client()
-        bob = harness.Client(self.other_display)
+        bob = harness.Client(self.other_display, program=harness.OTHER_CLIENT)
         self.addCleanup(bob.close)
         return ann, bob
 

@@ -13,10 +13,13 @@ import sys
 import tempfile
 import time
 
+import wine
 from ports import free_port
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 CLIENT = os.environ.get("KELVORA_CLIENT")
+# The second client of a game of two. It may be the build of another system.
+OTHER_CLIENT = os.environ.get("KELVORA_OTHER_CLIENT", CLIENT)
 SERVER = os.environ.get("KELVORA_SERVER")
 VERSION = re.search(r"project\(kelvora VERSION (\S+)", (PROJECT / "CMakeLists.txt").read_text())[1]
 TITLE = f"Kelvora v{VERSION}"
@@ -238,20 +241,24 @@ class Window:
 
 class Client:
     """The real client, with a new settings folder or one from an earlier run. `environment` has additional variables;
-    None removes one. `scale` is the screen's scale, if it has one."""
+    None removes one. `scale` is the screen's scale, if it has one. `program` is the client if not the usual one."""
 
     def __init__(self, display, frame_ms="10", config=None, arguments=("nosound", "nomusic"), web_host=CLOSED_PORT,
-                 environment=(), scale=1):
+                 environment=(), scale=1, program=None):
+        program = program or CLIENT
         self.display = display
         self.scale = scale
         self.own_config = config is None
         self.config = config or tempfile.mkdtemp(prefix="kelvora-settings-")
         variables = dict(display.environment, XDG_CONFIG_HOME=self.config, HOME=self.config, QT_QPA_PLATFORM="xcb",
                          SDL_AUDIODRIVER="dummy", KELVORA_WEB_HOST=web_host, KELVORA_FRAME_MS=frame_ms)
+        self.prefix = wine.prefix_in(self.config, scale) if wine.is_for_windows(program) else None
+        if self.prefix:
+            variables["WINEPREFIX"] = self.prefix
         variables.update(environment)
         variables = {name: value for name, value in variables.items() if value is not None}
         self.log = tempfile.TemporaryFile()
-        self.process = subprocess.Popen([CLIENT, *arguments], env=variables, stdin=subprocess.DEVNULL,
+        self.process = subprocess.Popen(wine.command(program, *arguments), env=variables, stdin=subprocess.DEVNULL,
                                         stdout=self.log, stderr=subprocess.STDOUT)
         self.window = self.wait_for_window(TITLE)
         # The menu is the part of the window above the designed client area.
@@ -259,6 +266,8 @@ class Client:
 
     def close(self):
         stop(self.process)
+        if self.prefix:
+            wine.end(self.prefix)
         if self.own_config:
             shutil.rmtree(self.config, ignore_errors=True)
         self.log.close()
@@ -366,8 +375,8 @@ class Server:
     def __init__(self, *arguments):
         self.port = free_port()
         self.web_host = None
-        self.process = subprocess.Popen([SERVER, "--address", "127.0.0.1", "--port", str(self.port), "--speed-limit", "0",
-                                         *arguments],
+        self.process = subprocess.Popen(wine.command(SERVER, "--address", "127.0.0.1", "--port", str(self.port),
+                                                     "--speed-limit", "0", *arguments),
                                         stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                                         text=True)
         for line in self.process.stdout:

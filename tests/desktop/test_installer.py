@@ -1,0 +1,107 @@
+"""The zip and the installer for Windows: what is in them, that the installed game starts, and that nothing is left of it
+in the end."""
+
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+import zipfile
+
+import harness
+import wine
+from desktopTest import DesktopTest
+
+PACKAGES = harness.PROJECT / "build" / "windows" / "packages"
+SETUP = PACKAGES / f"kelvora-{harness.VERSION}-setup.exe"
+ZIP = PACKAGES / f"kelvora-{harness.VERSION}-windows.zip"
+MAX_SIZE = 12_000_000  # bytes
+PROGRAMS = ("kelvora.exe", "kelvora-server.exe", "Play online.exe", "Play against bots.exe")
+
+
+def data_files():
+    """Pictures and sounds of the project that the game loads, relative to its folder."""
+    assets, sounds = harness.PROJECT / "assets", harness.PROJECT / "sounds"
+    pictures = {f"assets/{file.name}" for file in assets.glob("*.png") if not file.name.startswith("icon-")}
+    return pictures | {f"sounds/{file.name}" for file in sounds.iterdir() if file.suffix in (".wav", ".mp3")} | {
+        "kelvora.jpg"}
+
+
+class Packages(unittest.TestCase):
+
+    def test_both_are_small(self):
+        for package in (SETUP, ZIP):
+            self.assertLess(package.stat().st_size, MAX_SIZE, package.name)
+
+    def test_zip_has_the_programs_and_their_data(self):
+        with zipfile.ZipFile(ZIP) as packed:
+            names = {name.removeprefix("Kelvora/") for name in packed.namelist() if not name.endswith("/")}
+        self.assertEqual(names, data_files() | set(PROGRAMS) | {"LICENSE.txt"})
+
+    def test_programs_tell_their_version(self):
+        for name in PROGRAMS:
+            program = (PACKAGES / "Kelvora" / name).read_bytes()
+            for key, value in (("FileVersion", harness.VERSION), ("OriginalFilename", name)):
+                # Each key and its value are padded to whole words of four bytes.
+                place = program.find((key + "\0").encode("utf-16le"))
+                self.assertGreater(place, 0, f"{name}: {key}")
+                found = program[place:place + 200].decode("utf-16le", "replace").split("\0")
+                self.assertEqual(next(filter(None, found[1:])), value, name)
+
+
+class Installer(DesktopTest):
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="kelvora-installer-")
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.prefix = pathlib.Path(wine.prefix_in(self.folder))
+        self.addCleanup(wine.end, str(self.prefix))
+
+    def run_windows(self, program, *arguments):
+        environment = dict(self.display.environment, WINEPREFIX=str(self.prefix))
+        subprocess.run(wine.command(str(program), *arguments), env=environment, stdin=subprocess.DEVNULL,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True, timeout=harness.PATIENCE * 4)
+
+    def files(self):
+        """The user's files. The uninstaller runs from a copy of itself in the folder for temporary files, which Windows
+        clears when it starts."""
+        users = self.prefix / "drive_c" / "users"
+        return {str(file.relative_to(users)) for file in users.rglob("*") if "Temp" not in file.parts}
+
+    def registry(self):
+        """The names of the user's registry that belong to the game."""
+        wine.end(str(self.prefix))
+        text = (self.prefix / "user.reg").read_text(errors="replace")
+        return [line for line in text.splitlines() if line.startswith("[") and "kelvora" in line.lower()]
+
+    def test_installed_game_starts_and_is_removed_without_a_trace(self):
+        self.run_windows("cmd.exe", "/c", "exit")  # creates what every user has
+        wine.end(str(self.prefix))
+        before = self.files()
+        self.run_windows(SETUP, "/S")
+        [installed] = (self.prefix / "drive_c" / "users").glob("*/AppData/Local/Programs/Kelvora")
+        present = {str(file.relative_to(installed)) for file in installed.rglob("*") if file.is_file()}
+        self.assertEqual(present, data_files() | set(PROGRAMS) | {"LICENSE.txt", "Uninstall.exe"})
+        links = {file.name for file in (self.prefix / "drive_c" / "users").rglob("*.lnk") if "Kelvora" in str(file)}
+        self.assertEqual(links, {"Kelvora.lnk", "Play against bots.lnk"})
+
+        environment = dict(self.display.environment, WINEPREFIX=str(self.prefix), KELVORA_WEB_HOST=harness.CLOSED_PORT)
+        game = subprocess.Popen(wine.command(str(installed / "Play online.exe"), "nosound", "nomusic"), env=environment,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(harness.stop, game)
+
+        def window(title):
+            return self.display.xdotool("search", "--onlyvisible", "--name", title).split()
+        harness.wait_for(lambda: window("Connect"), "the connect dialog, the last window of the start")
+        self.display.xdotool("windowactivate", "--sync", window(harness.TITLE)[0], "key", "alt+F4")
+        self.assertEqual(game.wait(harness.PATIENCE), 0)
+        self.assertIn("[Software\\\\kelvora", " ".join(self.registry()))
+
+        self.run_windows(installed / "Uninstall.exe", "/S")
+        harness.wait_for(lambda: self.files() <= before, lambda: f"the removal of {self.files() - before}")
+        self.assertEqual(self.files(), before)
+        self.assertEqual(self.registry(), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
