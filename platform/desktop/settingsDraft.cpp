@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <system_error>
 
 namespace kelvora {
@@ -14,6 +16,8 @@ namespace kelvora {
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr const char* draftSuffix = ".saving";
 
 /// The target of a link, if it exists.
 fs::path resolved(const fs::path& path) {
@@ -48,18 +52,35 @@ bool copyBytes(int from, int to) {
 
 }  // namespace
 
-SettingsDraft::SettingsDraft(const std::string& path)
-    : file_(resolved(path)), turn_(file_.parent_path()), folder_(file_.string() + ".saving") {
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
-  if (::mkdir(folder_.c_str(), S_IRWXU) != 0) return;
+SettingsDraft::SettingsDraft(const std::string& path, std::chrono::milliseconds patience)
+    : file_(resolved(path)), turn_(file_.parent_path(), patience) {
+  std::string folder = file_.string() + draftSuffix + "-XXXXXX";
+  if (::mkdtemp(folder.data()) == nullptr) return;
+  folder_ = folder;
+  openFolder_ = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  removeOthers();
   draft_ = folder_ / freshName();
   if (!copyFile()) draft_.clear();
 }
 
 SettingsDraft::~SettingsDraft() {
+  if (openFolder_ >= 0) ::close(openFolder_);
   std::error_code ignored;
-  fs::remove_all(folder_, ignored);
+  if (!folder_.empty()) fs::remove_all(folder_, ignored);
+}
+
+/// Moves the other folders into this one before it removes them: nothing can be added to a folder that has lost its
+/// path.
+void SettingsDraft::removeOthers() const {
+  const std::string prefix = file_.filename().string() + draftSuffix;
+  std::error_code error;
+  for (fs::directory_iterator entry(file_.parent_path(), error), end; !error && entry != end; entry.increment(error)) {
+    if (!entry->path().filename().string().starts_with(prefix) || entry->path() == folder_) continue;
+    const fs::path moved = folder_ / freshName();
+    std::error_code ignored;
+    fs::rename(entry->path(), moved, ignored);
+    fs::remove_all(moved, ignored);
+  }
 }
 
 bool SettingsDraft::copyFile() const {
@@ -84,14 +105,22 @@ void SettingsDraft::rename() {
   if (!error) draft_ = fresh;
 }
 
-void SettingsDraft::publish() {
+bool SettingsDraft::publish() {
   // The toolkit detects a changed file by its size and its time in milliseconds, which can both be equal for files
   // written in quick succession. So each file gets a later time than the last, whatever the clock says.
   std::error_code error;
   const fs::file_time_type now = fs::file_time_type::clock::now();
   const fs::file_time_type before = fs::last_write_time(file_, error);
   fs::last_write_time(draft_, error ? now : std::max(now, before + std::chrono::milliseconds(1)), error);
-  fs::rename(draft_, file_, error);
+  // From the open folder: the toolkit creates a removed one again, with nothing but the value to be saved.
+  return ::renameat(openFolder_, draft_.filename().c_str(), AT_FDCWD, file_.c_str()) == 0;
+}
+
+bool SettingsDraft::isRemoved() const {
+  struct stat made = {};
+  struct stat found = {};
+  if (folder_.empty()) return false;
+  return ::fstat(openFolder_, &made) != 0 || ::stat(folder_.c_str(), &found) != 0 || made.st_ino != found.st_ino;
 }
 
 }  // namespace kelvora

@@ -1,15 +1,17 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 namespace kelvora {
 
-/// The right to write the settings, held by one instance of the game at a time. The system releases it when the
-/// instance ends in any way. If an instance holds it for more than two seconds, it counts as hanging and is ignored
-/// from then on. A folder that can't be opened or locked is ignored as well.
+/// The turn to write the settings, held by one instance of the game at a time. The system releases it when the instance
+/// ends in any way. An instance that holds it for longer than the patience of another counts as hanging and is ignored
+/// from then on. A folder that can't be opened or locked is ignored as well. So the turn keeps instances from
+/// disturbing one another, but `SettingsDraft` alone keeps them from losing values.
 class SettingsTurn {
  public:
-  explicit SettingsTurn(const std::string& folder);
+  SettingsTurn(const std::string& folder, std::chrono::milliseconds patience);
   ~SettingsTurn();
   SettingsTurn(const SettingsTurn&) = delete;
   SettingsTurn& operator=(const SettingsTurn&) = delete;

@@ -36,7 +36,8 @@ bool holdsAll(const QSettings& copy, const QSettings& store) {
 
 }  // namespace
 
-QtSettings::QtSettings(std::string path) : path_(std::move(path)) {}
+QtSettings::QtSettings(std::string path, std::chrono::milliseconds patience)
+    : path_(std::move(path)), patience_(patience) {}
 
 std::string QtSettings::read(const std::string& section, const std::string& key, const std::string& fallback) const {
   const QSettings store(pathName(path_), QSettings::IniFormat);
@@ -46,17 +47,27 @@ std::string QtSettings::read(const std::string& section, const std::string& key,
   return value.isValid() && value.canConvert<QString>() ? toBytes(value.toString()) : fallback;
 }
 
-// The toolkit replaces the file atomically, but on a disk that fills up the new file may be truncated. So it writes a
-// draft, which is read back first. Its status is useless, because junk in the file is an error as well.
 void QtSettings::write(const std::string& section, const std::string& key, const std::string& value) {
   makeFolder();
-  SettingsDraft draft(path_);
-  if (draft.path().empty()) return;
+  // Another instance that considers this one hanging removes its draft. Other programs could do that forever.
+  constexpr int maxDrafts = 100;
+  for (int draft = 0; draft < maxDrafts; ++draft) {
+    if (writeDraft(section, key, value)) return;
+  }
+}
+
+/// Returns false if another instance has removed the draft. The toolkit replaces a file atomically, but on a disk that
+/// fills up the new file may be truncated. So the toolkit writes a draft, which is read back first. Its status is
+/// useless, because junk in the file is an error as well.
+bool QtSettings::writeDraft(const std::string& section, const std::string& key, const std::string& value) const {
+  SettingsDraft draft(path_, patience_);
+  if (draft.path().empty()) return !draft.isRemoved();
   QSettings store(pathName(draft.path()), QSettings::IniFormat);
   store.setValue(keyPath(section, key), toQString(value));
   store.sync();
   draft.rename();
-  if (holdsAll(QSettings(pathName(draft.path()), QSettings::IniFormat), store)) draft.publish();
+  const bool isWhole = holdsAll(QSettings(pathName(draft.path()), QSettings::IniFormat), store);
+  return (isWhole && draft.publish()) || !draft.isRemoved();
 }
 
 /// The folder contains the last password in plain text, so nobody else may read it.

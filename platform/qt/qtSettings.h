@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 namespace kelvora {
@@ -8,8 +9,9 @@ namespace kelvora {
 /// or inaccessible settings read as the fallback, and values that can't be written are dropped. Neither is a fault.
 class QtSettings {
  public:
-  /// The file's path, in the file system's encoding.
-  explicit QtSettings(std::string path);
+  /// The file's path, in the file system's encoding. `patience` is how long a write waits for another instance that
+  /// hangs while it saves.
+  explicit QtSettings(std::string path, std::chrono::milliseconds patience = std::chrono::seconds(2));
 
   std::string read(const std::string& section, const std::string& key, const std::string& fallback) const;
   /// Saved at once.
@@ -20,8 +22,10 @@ class QtSettings {
 
  private:
   void makeFolder() const;
+  bool writeDraft(const std::string& section, const std::string& key, const std::string& value) const;
 
   std::string path_;
+  std::chrono::milliseconds patience_;
 };
 
 }  // namespace kelvora

@@ -1,11 +1,8 @@
-#include <fcntl.h>
+#include "tests/platform/qt/settingsFaults.h"
+
 #include <gtest/gtest.h>
-#include <sys/file.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <atomic>
@@ -13,101 +10,13 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <random>
 #include <string>
 #include <string_view>
 #include <thread>
 
-#include "platform/desktop/settingsDraft.h"
-#include "platform/qt/qtSettings.h"
-
 namespace kelvora {
 namespace {
-
-using std::chrono::milliseconds;
-using Clock = std::chrono::steady_clock;
-
-/// Memory shared by this process and its children.
-template <class Content>
-class Shared {
- public:
-  Shared()
-      : content_(static_cast<Content*>(
-            mmap(nullptr, sizeof(Content), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
-    new (content_) Content{};
-  }
-  ~Shared() { munmap(content_, sizeof(Content)); }
-  Shared(const Shared&) = delete;
-  Shared& operator=(const Shared&) = delete;
-  Content* operator->() const { return content_; }
-
- private:
-  Content* content_;
-};
-
-/// Another run of the game in its own process. It executes its orders and ends with status 0.
-class OtherRun {
- public:
-  explicit OtherRun(const std::function<void()>& work) : process_(fork()) {
-    if (process_ != 0) return;
-    work();
-    _exit(0);
-  }
-  ~OtherRun() {
-    if (process_ > 0) kill();
-  }
-  OtherRun(const OtherRun&) = delete;
-  OtherRun& operator=(const OtherRun&) = delete;
-
-  void kill() {
-    ::kill(process_, SIGKILL);
-    status();
-  }
-  /// Waits for its end.
-  int status() {
-    int status = -1;
-    waitpid(process_, &status, 0);
-    process_ = -1;
-    return status;
-  }
-
- private:
-  pid_t process_;
-};
-
-/// A settings file exposed to other runs, full disks and kills.
-class SettingsFaults : public ::testing::Test {
- protected:
-  SettingsFaults() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kelvora-faults-XXXXXX").string();
-    home_ = mkdtemp(pattern.data());
-  }
-  ~SettingsFaults() override { std::filesystem::remove_all(home_); }
-
-  std::string file() const { return home_ / "kelvora" / "kelvora.ini"; }
-
-  void write(const std::string& key, const std::string& value) { QtSettings(file()).write("misc", key, value); }
-  /// The value that a later run would read: the same bytes under a path that this process hasn't cached.
-  std::string readInLaterRun(const std::string& key) {
-    const std::filesystem::path copy = home_ / ("later" + std::to_string(++copies_) + ".ini");
-    std::filesystem::copy_file(file(), copy);
-    return QtSettings(copy.string()).read("misc", key, "missing");
-  }
-
-  /// True if no run holds the turn to write, so that nobody has to wait.
-  bool isTurnFree() const {
-    const int folder = ::open(std::filesystem::path(file()).parent_path().c_str(), O_RDONLY | O_DIRECTORY);
-    const bool isFree = ::flock(folder, LOCK_EX | LOCK_NB) == 0;
-    ::close(folder);
-    return isFree;
-  }
-
-  std::filesystem::path home_;
-
- private:
-  int copies_ = 0;
-};
 
 constexpr std::size_t keyCount = 5;
 
@@ -128,8 +37,8 @@ TEST_F(SettingsFaults, KilledRunLosesNoSavedValueAndLeavesNoPartialFile) {
   write("before", "of old");
   std::mt19937 random(20261121);
   int interrupted = 0;
-  // On a slow machine the run may be killed before it writes. Then it is retried.
-  for (int round = 0; round < 40 || ((interrupted <= 5 || progress->number <= 40) && round < 400); ++round) {
+  for (int round = 0; round < 40 || interrupted <= 5; ++round) {
+    const int before = progress->number;
     OtherRun run([&] {
       for (;;) {
         const int number = ++progress->number;
@@ -139,7 +48,8 @@ TEST_F(SettingsFaults, KilledRunLosesNoSavedValueAndLeavesNoPartialFile) {
         progress->saved[key] = number;
       }
     });
-    std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(0, 30'000)(random)));
+    while (progress->number == before) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(0, 5'000)(random)));
     run.kill();
     ASSERT_EQ(readInLaterRun("before"), "of old");
     for (std::size_t key = 0; key < keyCount; ++key) {
@@ -158,46 +68,9 @@ TEST_F(SettingsFaults, KilledRunLosesNoSavedValueAndLeavesNoPartialFile) {
       }
     }
   }
-  EXPECT_GT(progress->number, 40) << "the runs got to write";
-  EXPECT_GT(interrupted, 5) << "and were killed while they did";
   EXPECT_TRUE(isTurnFree());
   write("after", "all");
   EXPECT_EQ(readInLaterRun("after"), "all");
-}
-
-TEST_F(SettingsFaults, ConcurrentRunsKeepEachOthersValues) {
-  constexpr int rounds = 40;
-  write("before", "of old");
-  const auto writeAll = [&](const std::string& name) {
-    for (int number = 100; number < 100 + rounds; ++number) {
-      // All have the same length, so the file's size doesn't reveal another run's write.
-      write(name + std::to_string(number % 4), std::to_string(number));
-      write("shared", name + std::to_string(number));
-      std::this_thread::sleep_for(milliseconds(3));  // no user is faster
-    }
-  };
-  OtherRun ann([&] { writeAll("Ann"); });
-  OtherRun bob([&] { writeAll("Bob"); });
-  EXPECT_EQ(ann.status(), 0);
-  EXPECT_EQ(bob.status(), 0);
-  EXPECT_EQ(readInLaterRun("before"), "of old");
-  for (const std::string name : {"Ann", "Bob"}) {
-    for (int number = 100 + rounds - 4; number < 100 + rounds; ++number) {
-      EXPECT_EQ(readInLaterRun(name + std::to_string(number % 4)), std::to_string(number)) << name;
-    }
-  }
-  const std::string last = readInLaterRun("shared");
-  EXPECT_TRUE(last == "Ann139" || last == "Bob139") << last;
-}
-
-TEST_F(SettingsFaults, AWriteSeesOtherRunsRecentWrites) {
-  write("name", "Ann");
-  write("port", "2010");
-  OtherRun other([&] { write("name", "Bob"); });
-  EXPECT_EQ(other.status(), 0);
-  write("port", "2011");
-  EXPECT_EQ(readInLaterRun("name"), "Bob");
-  EXPECT_EQ(readInLaterRun("port"), "2011");
 }
 
 TEST_F(SettingsFaults, LeftoversOfAKilledRunAreRemoved) {
@@ -207,32 +80,12 @@ TEST_F(SettingsFaults, LeftoversOfAKilledRunAreRemoved) {
   std::ofstream(left / "7") << "[misc]\nafter=half";
   std::ofstream(left / "7.lock") << "1\nkelvora\nanother-machine\n";
   std::ofstream(file() + ".lock");  // from an older version, without a process id
+  std::filesystem::create_directories(file() + ".saving-xyz/2");
   EXPECT_TRUE(isTurnFree());
   write("after", "all");
   EXPECT_EQ(readInLaterRun("before"), "of old");
   EXPECT_EQ(readInLaterRun("after"), "all");
-  EXPECT_FALSE(std::filesystem::exists(left));
-}
-
-TEST_F(SettingsFaults, WaitsForAnotherWriterButNotForEver) {
-  write("before", "of old");
-  const Shared<std::atomic<bool>> isHeld;
-  OtherRun frozen([&] {
-    const SettingsDraft draft(file());
-    isHeld->store(true);
-    for (;;) pause();
-  });
-  while (!isHeld->load()) std::this_thread::yield();
-  EXPECT_FALSE(isTurnFree());
-  const auto start = Clock::now();
-  write("after", "all");
-  EXPECT_GT(Clock::now() - start, milliseconds(500));
-  EXPECT_EQ(readInLaterRun("after"), "all");
-  constexpr int more = 20;
-  const auto next = Clock::now();
-  for (int number = 1; number <= more; ++number) write("next", std::to_string(number));
-  EXPECT_LT(Clock::now() - next, more * milliseconds(2'000)) << "once is enough";
-  EXPECT_EQ(readInLaterRun("next"), std::to_string(more));
+  EXPECT_TRUE(isTidy());
 }
 
 /// Simulates a full disk: files may not grow beyond this many bytes.
