@@ -5,7 +5,7 @@ play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev lib
   libcurl4-openssl-dev libfontconfig-dev libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev clang-format-14
   clang-tidy-14 python3 python3-numpy python3-websockets nginx libnginx-mod-stream caddy openssl curl wget mpg123 xvfb
-  xdotool openbox wmctrl x11-utils x11-xserver-utils imagemagick"
+  xdotool openbox wmctrl x11-utils x11-xserver-utils"
 
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
 server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev"

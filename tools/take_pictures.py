@@ -136,12 +136,9 @@ class Camera:
 
     def shot(self):
         """The main window with its frame and everything on it."""
-        whole = Image.open(io.BytesIO(self.display.picture().ppm)).convert("RGB")
-        left, top, width, height = self.client.window.geometry()
-        text = self.display.run("xprop", "-id", self.client.window.identifier, "_NET_FRAME_EXTENTS")
-        sides = [int(side) for side in re.findall(r"\d+", text.partition("=")[2])]
-        before, after, above, below = sides if len(sides) == 4 else (0, 0, 0, 0)
-        return whole.crop((left - before, top - above, left + width + after, top + height + below))
+        whole = Image.open(io.BytesIO(self.display.picture().ppm())).convert("RGB")
+        left, top, width, height = self.client.window.frame()
+        return whole.crop((left, top, left + width, top + height))
 
     def keep(self, name, picture):
         picture.save(self.output / f"{name}.png", optimize=True)

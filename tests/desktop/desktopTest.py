@@ -1,5 +1,7 @@
 """Shared code of the tests of the real window."""
 
+import functools
+import pathlib
 import signal
 import unittest
 
@@ -55,7 +57,21 @@ class DesktopTest(unittest.TestCase):
             raise AssertionError(f"the test took longer than {HANG} s")
         signal.signal(signal.SIGALRM, late)
         signal.alarm(HANG)
+        setattr(self, self._testMethodName, functools.partial(self.run_method, getattr(self, self._testMethodName)))
         try:
             return super().run(result)
         finally:
             signal.alarm(0)
+
+    def run_method(self, method):
+        """Keeps a picture of the screen if the test fails."""
+        try:
+            method()
+        except unittest.SkipTest:
+            raise
+        except BaseException:
+            folder = pathlib.Path(harness.CLIENT).parent / "desktop"
+            folder.mkdir(exist_ok=True)
+            (folder / f"{self.id()}.ppm").write_bytes(self.display.picture().ppm())
+            print(f"[the screen: {folder / self.id()}.ppm]", end=" ", flush=True)
+            raise

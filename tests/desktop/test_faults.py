@@ -160,8 +160,7 @@ class ClientFaults(DesktopTest):
                                            stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
                 self.addCleanup(harness.stop, process)
                 self.addCleanup(process.stderr.close)
-                box = wait_for(lambda: self.display.xdotool("search", "--onlyvisible", "--pid", process.pid).split(),
-                               "the error box")[0]
+                box = wait_for(lambda: list(self.display.titles(process.pid)), "the error box")[0]
                 self.display.xdotool("windowactivate", "--sync", box, "key", "Return")
                 self.assertEqual(process.wait(harness.PATIENCE), 1)
                 self.assertIn(str(sheet), process.stderr.read())

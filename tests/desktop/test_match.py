@@ -2,6 +2,7 @@
 buys and fires a powerup, and plays through the end of a round."""
 
 import os
+import pathlib
 import time
 
 from desktopTest import DesktopTest
@@ -41,7 +42,7 @@ class Match(DesktopTest):
         """Saves a picture of the screen for inspection, if KELVORA_PICTURES names a folder."""
         folder = os.environ.get("KELVORA_PICTURES")
         if folder:
-            self.display.picture().save(os.path.join(folder, name + ".ppm"))
+            pathlib.Path(folder, name + ".ppm").write_bytes(self.display.picture().ppm())
 
     def test_captures_an_easy_bot(self):
         client, relay, pilot = self.begin_in_company("--bots", "3", "--skill", "easy")

@@ -2,7 +2,6 @@
 screen, maximised, minimised."""
 
 import os
-import re
 import subprocess
 import unittest
 
@@ -191,8 +190,7 @@ class Scaled(Flying):
             with self.subTest(scale=scale):
                 client, line = self.log_in(self.scaled_client(scale))
                 left, top = client.window.geometry()[:2]
-                extents = self.display.run("xprop", "-id", client.window.identifier, "_NET_FRAME_EXTENTS")
-                border, _, title, _ = (int(number) for number in re.findall(r"\d+", extents))
+                border, _, title, _ = self.display.screen.numbers(client.window.identifier, "_NET_FRAME_EXTENTS")
                 # The corner of the frame and the mouse on it, both in window pixels. The mouse is 15 twips from the
                 # left edge of the canvas, so it is pushed 30 pixels to the right, and vertically by the difference
                 # between the fixed conversion from twips to pixels and the real one.
@@ -291,7 +289,7 @@ class Two(DesktopTest):
 class States(Flying):
 
     def change(self, client, change):
-        self.display.run("wmctrl", "-i", "-r", hex(int(client.window.identifier)), "-b", change)
+        self.display.run("wmctrl", "-i", "-r", hex(client.window.identifier), "-b", change)
 
     def assert_there_and_back(self, state, largest):
         client, line = self.log_in()

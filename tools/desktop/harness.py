@@ -15,6 +15,7 @@ import time
 
 import wine
 from ports import free_port
+from screen import Gone, Screen
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 CLIENT = os.environ.get("KELVORA_CLIENT")
@@ -62,7 +63,7 @@ def on_display(action):
         display.close()
 
 
-def wait_for(condition, what, seconds=PATIENCE, pause=0.05):
+def wait_for(condition, what, seconds=PATIENCE, pause=0.02):
     """Waits for the first true result of `condition`. Fails the test if there is none in time. `what` names it, and may
     be a function that does."""
     deadline = time.monotonic() + seconds
@@ -75,7 +76,7 @@ def wait_for(condition, what, seconds=PATIENCE, pause=0.05):
         time.sleep(pause)
 
 
-def wait_until_it_holds(assertion, seconds=PATIENCE, pause=0.05):
+def wait_until_it_holds(assertion, seconds=PATIENCE, pause=0.02):
     """Waits until `assertion` passes. If it doesn't in time, fails the test with its last failure."""
     deadline = time.monotonic() + seconds
     while True:
@@ -130,19 +131,19 @@ def listener():
 class Picture:
     """A screenshot of the whole screen."""
 
-    def __init__(self, ppm):
-        header = re.match(rb"P6\s+(\d+)\s+(\d+)\s+255\s", ppm)
-        self.width, self.height = int(header[1]), int(header[2])
-        self.ppm = ppm
-        self.bytes = ppm[header.end():]
+    def __init__(self, screen):
+        self.width, self.height = screen.width, screen.height
+        pixels = screen.pixels(0, 0, self.width, self.height)
+        self.bytes = bytearray(3 * self.width * self.height)
+        for channel in range(3):
+            self.bytes[channel::3] = pixels[2 - channel::4]
 
     def pixel(self, x, y):
         at = (y * self.width + x) * 3
         return tuple(self.bytes[at:at + 3])
 
-    def save(self, path):
-        with open(path, "wb") as file:
-            file.write(self.ppm)
+    def ppm(self):
+        return b"P6 %d %d 255\n" % (self.width, self.height) + self.bytes
 
 
 class Display:
@@ -161,6 +162,7 @@ class Display:
             number = stream.readline().strip()
         if not number:
             raise RuntimeError("Xvfb did not start")
+        self.screen = Screen(number)
         self.environment = dict(os.environ, DISPLAY=f":{number}", HOME=self.folder, LC_ALL="C.UTF-8",
                                 XDG_CONFIG_HOME=self.folder, XDG_CACHE_HOME=self.folder, XDG_RUNTIME_DIR=self.folder)
         for name in ("WAYLAND_DISPLAY", "XAUTHORITY", "SESSION_MANAGER", "KELVORA_FRAME_MS"):
@@ -190,20 +192,31 @@ class Display:
         return self.xdotool("get_num_desktops").strip() == "1"
 
     def close(self):
+        self.screen.close()
         stop(self.manager)
         stop(self.xvfb)
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def run(self, *command):
-        return subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL, capture_output=True, text=True,
-                              timeout=PATIENCE).stdout
+        return subprocess.run([str(word) for word in command], env=self.environment, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, timeout=PATIENCE).stdout
 
     def xdotool(self, *arguments):
-        return self.run("xdotool", *[str(argument) for argument in arguments])
+        return self.run("xdotool", *arguments)
+
+    def titles(self, process):
+        """The titles of a process's visible windows by id. Menus and tool tips have none."""
+        found = {}
+        for window in self.screen.shown():
+            try:
+                if self.screen.numbers(window, "_NET_WM_PID") == (process,):
+                    found[window] = self.screen.property(window, "_NET_WM_NAME").decode()
+            except Gone:
+                pass
+        return found
 
     def picture(self):
-        return Picture(subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"], env=self.environment,
-                                      stdin=subprocess.DEVNULL, capture_output=True, timeout=PATIENCE, check=True).stdout)
+        return Picture(self.screen)
 
 
 class Window:
@@ -217,19 +230,19 @@ class Window:
 
     def geometry(self):
         """Left, top, width and height in screen pixels."""
-        text = self.display.run("xwininfo", "-id", self.identifier)
-        keys = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
-        return tuple(int(re.search(key + r":\s+(-?\d+)", text)[1]) for key in keys)
+        return self.display.screen.geometry(self.identifier)
 
     def frame(self):
         """The same for the window manager's frame around it."""
         left, top, width, height = self.geometry()
-        extents = self.display.run("xprop", "-id", self.identifier, "_NET_FRAME_EXTENTS")
-        before, after, above, below = (int(pixels) for pixels in re.findall(r"\d+", extents))
+        before, after, above, below = self.display.screen.numbers(self.identifier, "_NET_FRAME_EXTENTS")
         return left - before, top - above, width + before + after, height + above + below
 
     def is_shown(self):
-        return "IsViewable" in self.display.run("xwininfo", "-id", self.identifier)
+        try:
+            return self.display.screen.is_shown(self.identifier)
+        except Gone:
+            return False
 
     def activate(self):
         self.display.xdotool("windowactivate", "--sync", self.identifier)
@@ -277,7 +290,8 @@ class Client:
         return self.log.read().decode(errors="replace")
 
     def visible(self):
-        return self.display.xdotool("search", "--onlyvisible", "--pid", self.process.pid).split()
+        """The ids of the client's visible windows."""
+        return list(self.display.titles(self.process.pid))
 
     def choose(self, x, *keys):
         """Opens the menu at pixel x of the menu bar and moves to an item with these keys."""
@@ -289,12 +303,8 @@ class Client:
 
     def windows(self):
         """The client's visible windows by title."""
-        found = {}
-        for identifier in self.visible():
-            title = self.display.xdotool("getwindowname", identifier).strip()
-            if title and Window(self.display, identifier).is_shown():
-                found[title] = Window(self.display, identifier, self.scale)
-        return found
+        return {title: Window(self.display, identifier, self.scale)
+                for identifier, title in self.display.titles(self.process.pid).items() if title}
 
     def wait_for_window(self, title):
         def find():
