@@ -35,6 +35,10 @@ def bearing(canvas, pixel):
     return angle, 1  # on the axes through the centre, on either side
 
 
+def clamped(speed):
+    return max(-TOP_SPEED, min(TOP_SPEED, speed))
+
+
 def velocity(canvas, pixel, factor=1.0):
     """World units per frame of a player who steers by this pixel, at the design pace."""
     cx, cy = centre(canvas)
@@ -46,7 +50,7 @@ def velocity(canvas, pixel, factor=1.0):
     h = t * 0.5 * s if steer < 45 else (t + 1.0) * s * 0.5
     x = h if quadrant in (1, 4) else -h
     y = -(s - h) if quadrant in (1, 2) else s - h
-    return max(-300.0, min(300.0, x)), max(-300.0, min(300.0, y))
+    return clamped(x), clamped(y)
 
 
 def step(position, v):
@@ -62,11 +66,17 @@ def step(position, v):
     return tuple(result)
 
 
-def reports(position, v, count):
-    """The positions of the next reports, one every fourth frame."""
-    found = []
-    for frame in range(1, 4 * count + 1):
-        position = step(position, v)
-        if frame % 4 == 0:
-            found.append(position)
-    return found
+def is_flight(before, after, v):
+    """True if these can be successive reports, four frames apart. A frame counts for more than one while painting takes
+    longer than 10 ms on average, as on a busy machine. This time scale has tenths and changes slowly."""
+    for early in range(10, 60):
+        for late in range(max(10, early - 20), early + 20):
+            for change in range(4):
+                position = before
+                for frame in range(4):
+                    scale = (early if frame < change else late) / 10
+                    position = step(position, [clamped(speed * scale) for speed in v])
+                # Reports have seven digits, here down to hundredths, and each frame rounds.
+                if all(abs(a - b) < 0.1 for a, b in zip(position, after)):
+                    return True
+    return False
