@@ -2,6 +2,7 @@
 server or a scripted one, the mouse and the keyboard. Everything stays on this machine, and everything started here is
 stopped here."""
 
+import atexit
 import os
 import pathlib
 import re
@@ -53,9 +54,27 @@ if CLIENT:
     load_protocol()
 
 
+# What is open, in order. It is closed even if the script is interrupted.
+opened = []
+signal.signal(signal.SIGTERM, signal.default_int_handler)
+
+
+def take_out(program):
+    """Takes it out of what is open. Returns False if it has been closed before."""
+    if program not in opened:
+        return False
+    opened.remove(program)
+    return True
+
+
+@atexit.register
+def close_all():
+    while opened:
+        opened[-1].close()
+
+
 def on_display(action):
-    """Runs `action` with a display, which is closed afterwards, even if the script is interrupted."""
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    """Runs `action` with a display, which is closed afterwards."""
     display = Display()
     try:
         action(display)
@@ -152,11 +171,22 @@ class Display:
 
     def __init__(self, size="1280x1024", border=None, padding=None):
         self.folder = tempfile.mkdtemp(prefix="kelvora-display-")
+        self.programs = []
+        self.screen = None
+        opened.append(self)
+        try:
+            self.start(size, border, padding)
+        except BaseException:
+            self.close()
+            raise
+
+    def start(self, size, border, padding):
         reader, writer = os.pipe()
         self.xvfb = subprocess.Popen(
             # Keys don't repeat (-r): on a busy machine a key is often released late.
             ["Xvfb", "-displayfd", str(writer), "-screen", "0", f"{size}x24", "-nolisten", "tcp", "-noreset", "-r"],
             pass_fds=[writer], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.programs.append(self.xvfb)
         os.close(writer)
         with os.fdopen(reader) as stream:
             number = stream.readline().strip()
@@ -169,8 +199,9 @@ class Display:
             self.environment.pop(name, None)
         if border is not None:
             self.choose_frame(border, padding)
-        self.manager = subprocess.Popen(["openbox", "--sm-disable"], env=self.environment, stdin=subprocess.DEVNULL,
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.programs.append(subprocess.Popen(
+            ["openbox", "--sm-disable"], env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL))
         wait_for(self.manager_answers, "the window manager")
 
     def choose_frame(self, border, padding):
@@ -192,9 +223,12 @@ class Display:
         return self.xdotool("get_num_desktops").strip() == "1"
 
     def close(self):
-        self.screen.close()
-        stop(self.manager)
-        stop(self.xvfb)
+        if not take_out(self):
+            return
+        if self.screen:
+            self.screen.close()
+        for program in reversed(self.programs):
+            stop(program)
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def run(self, *command):
@@ -273,11 +307,18 @@ class Client:
         self.log = tempfile.TemporaryFile()
         self.process = subprocess.Popen(wine.command(program, *arguments), env=variables, stdin=subprocess.DEVNULL,
                                         stdout=self.log, stderr=subprocess.STDOUT)
-        self.window = self.wait_for_window(TITLE)
+        opened.append(self)
+        try:
+            self.window = self.wait_for_window(TITLE)
+        except BaseException:
+            self.close()
+            raise
         # The menu is the part of the window above the designed client area.
         self.menu = round(self.window.geometry()[3] / scale) - CLIENT_AREA[1]
 
     def close(self):
+        if not take_out(self):
+            return
         stop(self.process)
         if self.prefix:
             wine.end(self.prefix)
@@ -389,6 +430,7 @@ class Server:
                                                      "--speed-limit", "0", *arguments),
                                         stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                                         text=True)
+        opened.append(self)
         for line in self.process.stdout:
             if line.startswith("web on "):
                 self.web_host = line.split()[-1]
@@ -398,6 +440,8 @@ class Server:
         raise AssertionError("the server ended at once")
 
     def close(self):
+        if not take_out(self):
+            return
         stop(self.process)
         self.process.stdout.close()
 
