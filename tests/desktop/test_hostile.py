@@ -49,7 +49,7 @@ class Attack:
         self.error = None
         # A separate socket object, because the reader keeps changing the timeout of its own.
         self.socket = line.socket.dup()
-        self.socket.settimeout(harness.PATIENCE)
+        self.socket.settimeout(HANG)
         self.thread = threading.Thread(target=self.run, daemon=True)
         self.thread.start()
 
@@ -111,7 +111,7 @@ class HostileTest(DesktopTest):
         with self.answer_in_time():
             self.display.xdotool("key", "x", "Return")
             while CHAT not in identifiers:
-                received = line.recv_frame()
+                received = line.recv_frame(HANG)  # the processor time counts
                 self.assertIsNotNone(received, "the client has closed the line")
                 identifiers.append(received[0])
         return identifiers
@@ -313,7 +313,7 @@ class HostileTest(DesktopTest):
                 self.display.xdotool("key", "Return")
                 return len(self.boxes(client)) < before
             with self.answer_in_time():
-                wait_for(is_closed, "the end of a box", pause=0.1)
+                wait_for(is_closed, "the end of a box", HANG, pause=0.1)
 
     def test_flood_while_a_box_is_open(self):
         client, line = self.log_in()

@@ -132,7 +132,7 @@ class WebTest(DesktopTest):
         """Double-clicks a row of the list, counted from 0 below the heading."""
         left, top = finder.geometry()[:2]
         x, y = GRID[0] + 40, GRID[1] + ROW_HEIGHT * (row + 1) + ROW_HEIGHT // 2
-        self.display.xdotool("mousemove", left + x, top + y, "click", "--repeat", 2, "--delay", 60, 1)
+        self.display.screen.double_click(left + x, top + y)
 
     def has_row(self, finder, row):
         """True if the row has text, on any background."""

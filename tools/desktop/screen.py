@@ -8,6 +8,7 @@ ERROR = 0
 ANY_TYPE = 0
 VIEWABLE = 2
 Z_PIXMAP = 2
+BUTTON_PRESS, BUTTON_RELEASE, MOTION = 4, 5, 6
 
 
 class Gone(Exception):
@@ -42,9 +43,13 @@ class Screen:
             view = view[received:]
         return data
 
+    @staticmethod
+    def request(code, detail, arguments):
+        return struct.pack("<BBH", code, detail, 1 + len(arguments) // 4) + arguments
+
     def ask(self, code, detail, arguments):
         """Returns the answer to a request, 32 bytes and more."""
-        self.socket.sendall(struct.pack("<BBH", code, detail, 1 + len(arguments) // 4) + arguments)
+        self.socket.sendall(self.request(code, detail, arguments))
         answer = self.receive(32)
         while answer[0] > 1:  # an event, such as that of a new keyboard layout, which every connection gets
             answer = self.receive(32)
@@ -81,10 +86,12 @@ class Screen:
 
     def atom(self, name):
         if name not in self.atoms:
-            text = name.encode()
-            padded = text + bytes(-len(text) % 4)
-            self.atoms[name] = struct.unpack_from("<I", self.ask(16, 0, struct.pack("<Hxx", len(text)) + padded), 8)[0]
+            self.atoms[name] = struct.unpack_from("<I", self.ask(16, 0, self.text(name)), 8)[0]
         return self.atoms[name]
+
+    @staticmethod
+    def text(name):
+        return struct.pack("<Hxx", len(name)) + name.encode() + bytes(-len(name) % 4)
 
     def property(self, window, name):
         """The bytes of a property; none if the window doesn't have it."""
@@ -96,3 +103,12 @@ class Screen:
         """The same as numbers of 32 bits."""
         data = self.property(window, name)
         return struct.unpack(f"<{len(data) // 4}I", data)
+
+    def double_click(self, x, y):
+        """Double-clicks a point of the screen. The server gets everything at once, so both clicks happen in time."""
+        code = self.ask(98, 0, self.text("XTEST"))[9]
+
+        def event(kind, detail):
+            return self.request(code, 2, struct.pack("<BBxxII8xhh8x", kind, detail, 0, self.root, x, y))
+        click = event(BUTTON_PRESS, 1) + event(BUTTON_RELEASE, 1)
+        self.socket.sendall(event(MOTION, 0) + click + click)
