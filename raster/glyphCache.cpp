@@ -5,6 +5,14 @@
 
 namespace kelvora {
 
+namespace {
+
+// A frame has about 30 lines, most of which stay the same for many frames.
+constexpr std::size_t maxCachedLines = 128;
+constexpr std::size_t maxCachedLength = 256;
+
+}  // namespace
+
 FontGlyphs::FontGlyphs(GlyphSource& source, FontSpec font)
     : source_(source), font_(std::move(font)), lineHeight_(source.lineHeight(font_)) {}
 
@@ -18,6 +26,13 @@ const Glyph& FontGlyphs::glyph(unsigned char character) {
     slot = std::move(glyph);
   }
   return *slot;
+}
+
+const TextLine* FontGlyphs::line(std::string_view text) {
+  if (text.size() > maxCachedLength) return nullptr;
+  if (const auto known = lines_.find(text); known != lines_.end()) return &known->second;
+  if (lines_.size() == maxCachedLines) lines_.clear();
+  return &lines_.emplace(text, TextLine(*this, text)).first->second;
 }
 
 void GlyphCache::setSource(GlyphSource* source) {

@@ -1,11 +1,16 @@
 #pragma once
 
 #include <array>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "raster/font.h"
+#include "raster/textLine.h"
 
 namespace kelvora {
 
@@ -18,12 +23,15 @@ class FontGlyphs {
   int lineHeight() const { return lineHeight_; }  ///< pixels
   /// The coverage has width times height bytes, whatever the source supplied.
   const Glyph& glyph(unsigned char character);
+  /// The line laid out for drawing. Null if it is longer than 256 characters. Valid until the next call.
+  const TextLine* line(std::string_view text);
 
  private:
   GlyphSource& source_;
   FontSpec font_;
   int lineHeight_;
   std::array<std::optional<Glyph>, 256> glyphs_;
+  std::map<std::string, TextLine, std::less<>> lines_;
 };
 
 /// The fonts printed or measured so far. References stay valid until the source changes.

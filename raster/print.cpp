@@ -1,7 +1,13 @@
 #include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #include "raster/glyphCache.h"
+#include "raster/spans.h"
 #include "raster/surface.h"
+#include "raster/textLine.h"
 
 namespace kelvora {
 namespace {
@@ -26,7 +32,68 @@ Pixel blend(Pixel paper, Pixel ink, unsigned coverage) {
   return channel(16) | channel(8) | channel(0);
 }
 
+// The channels of four pixels, in two widths.
+using Channels [[gnu::vector_size(16)]] = std::uint8_t;
+using WideChannels [[gnu::vector_size(32)]] = std::uint16_t;
+
+// `blend` for a block of four pixels. It writes pixels without coverage back as they are.
+[[gnu::always_inline]] inline void blendBlock(Pixel* target, const std::array<std::uint8_t, 4>& coverage,
+                                              const WideChannels& ink) {
+  using Pixels [[gnu::vector_size(16)]] = std::uint32_t;
+  const Pixels spread = {coverage[0], coverage[1], coverage[2], coverage[3]};
+  const auto share = std::bit_cast<Channels>(spread * 0x01010101U);
+  Channels paper;
+  std::memcpy(&paper, target, sizeof(paper));
+  const WideChannels from = __builtin_convertvector(paper, WideChannels);
+  // At most 255 * 255 + 127. The difference may wrap, but the sum doesn't.
+  const WideChannels sum = __builtin_convertvector(share, WideChannels) * (ink - from) + from * 255 + 127;
+  const WideChannels quotient = (sum + 1 + (sum >> 8)) >> 8;  // sum / 255
+  const Channels result = __builtin_convertvector(quotient, Channels);
+  std::memcpy(target, &result, sizeof(result));
+}
+
+// `pen` is the index of the pixel at the pen, which may lie outside the image.
+[[gnu::always_inline]] inline void blendLine(const TextLine& line, Pixel* image, std::ptrdiff_t pen,
+                                             std::ptrdiff_t pitch, Pixel ink) {
+  Channels narrow;
+  const Block fourInks = {ink, ink, ink, ink};
+  std::memcpy(&narrow, &fourInks, sizeof(narrow));
+  const WideChannels inks = __builtin_convertvector(narrow, WideChannels);
+  const TextLine::Block* block = line.blocks.data();
+  for (const TextLine::Row& row : line.rows) {
+    const std::ptrdiff_t start = pen + row.y * pitch;
+    for (const TextLine::Block* const end = line.blocks.data() + row.end; block != end; ++block) {
+      blendBlock(image + (start + block->x), block->coverage, inks);
+    }
+  }
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]] void blendLineWide(const TextLine& line, Pixel* image, std::ptrdiff_t pen, std::ptrdiff_t pitch,
+                                           Pixel ink) {
+  blendLine(line, image, pen, pitch, ink);
+}
+#else
+void blendLineWide(const TextLine&, Pixel*, std::ptrdiff_t, std::ptrdiff_t, Pixel) {}
+#endif
+void blendLineNarrow(const TextLine& line, Pixel* image, std::ptrdiff_t pen, std::ptrdiff_t pitch, Pixel ink) {
+  blendLine(line, image, pen, pitch, ink);
+}
+
 }  // namespace
+
+bool Surface::drawWhole(const TextLine& line, PixelPoint pen, Pixel ink) {
+  if (line.blocks.empty()) return true;
+  const int top = pen.y + line.rows.front().y;
+  const int bottom = pen.y + line.rows.back().y;
+  const int left = pen.x + line.left;
+  const int right = pen.x + line.right;
+  if (left < 0 || right >= width_ || top < 0 || bottom >= height_) return false;
+  touch(left, top, right, bottom);
+  const auto blend = hasWideRegisters ? blendLineWide : blendLineNarrow;
+  blend(line, pixels_.data(), std::ptrdiff_t{pen.y} * width_ + pen.x, width_, ink);
+  return true;
+}
 
 void Surface::drawGlyph(const Glyph& glyph, PixelPoint corner, Pixel ink) {
   const int firstColumn = std::max(0, -corner.x);
@@ -55,11 +122,13 @@ void Surface::Print(std::string_view text) {
   const int top = toPixels(CurrentY);
   int lines = 0;
   for (bool isLast = false; !isLast; ++lines) {
-    int pen = column;
-    for (const char character : takeLine(text, isLast)) {
+    PixelPoint pen{column, top + lines * glyphs->lineHeight()};
+    const std::string_view line = takeLine(text, isLast);
+    if (const TextLine* const ready = glyphs->line(line); ready && drawWhole(*ready, pen, ink)) continue;
+    for (const char character : line) {
       const Glyph& glyph = glyphs->glyph(static_cast<unsigned char>(character));
-      drawGlyph(glyph, {pen + glyph.left, top + lines * glyphs->lineHeight() + glyph.top}, ink);
-      pen += glyph.advance;
+      drawGlyph(glyph, {pen.x + glyph.left, pen.y + glyph.top}, ink);
+      pen.x += glyph.advance;
     }
   }
   CurrentX = 0;

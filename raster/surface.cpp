@@ -28,6 +28,19 @@ constexpr int maxScatteredTiles = 16;  // per word
 
 constexpr int roundedUp(int count, int bits) { return (count + (1 << bits) - 1) >> bits; }
 
+struct TileRun {
+  int first;
+  int count;
+};
+
+// The first run of neighbouring tiles, whose bits it clears. There must be one.
+TileRun takeRun(std::uint64_t& tiles) {
+  const int first = std::countr_zero(tiles);
+  const int count = std::countr_one(tiles >> first);
+  tiles &= count == wordTiles ? 0 : ~(((std::uint64_t{1} << count) - 1) << first);
+  return {first, count};
+}
+
 // Pixels in rows, `pitch` apart in memory.
 struct Rectangle {
   Pixel* corner;
@@ -108,8 +121,10 @@ void Surface::resize(int width, int height) {
   pixels_ = PixelStore(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
   clearedTo_ = 0;
   wordsAcross_ = roundedUp(width_, wordWidthBits);
-  touched_.assign(static_cast<std::size_t>(wordsAcross_) * static_cast<std::size_t>(roundedUp(height_, tileHeightBits)),
-                  0);
+  const auto words =
+      static_cast<std::size_t>(wordsAcross_) * static_cast<std::size_t>(roundedUp(height_, tileHeightBits));
+  touched_.assign(words, 0);
+  taken_.assign(words, ~std::uint64_t{0});
   smallDiscs_.clear();
   if (background_) touchAll();
   Cls();
@@ -122,7 +137,7 @@ void Surface::setBackground(PicturePointer picture) {
   Cls();
 }
 
-void Surface::touch(int left, int top, int right, int bottom) {
+void Surface::mark(std::vector<std::uint64_t>& tiles, int left, int top, int right, int bottom) const {
   const int firstTile = std::max(0, left) >> tileWidthBits;
   const int lastTile = std::min(right, width_ - 1) >> tileWidthBits;
   const int firstRow = std::max(0, top) >> tileHeightBits;
@@ -132,7 +147,7 @@ void Surface::touch(int left, int top, int right, int bottom) {
   const int lastWord = lastTile / wordTiles;
   const std::uint64_t fromFirst = ~std::uint64_t{0} << (firstTile % wordTiles);
   const std::uint64_t upToLast = ~std::uint64_t{0} >> (wordTiles - 1 - lastTile % wordTiles);
-  std::uint64_t* words = touched_.data() + std::ptrdiff_t{firstRow} * wordsAcross_;
+  std::uint64_t* words = tiles.data() + std::ptrdiff_t{firstRow} * wordsAcross_;
   if (firstWord == lastWord && lastRow - firstRow <= 1) {
     // One or two rows of tiles, as for every particle: no loop to mispredict.
     words[firstWord] |= fromFirst & upToLast;
@@ -151,7 +166,40 @@ void Surface::touch(int left, int top, int right, int bottom) {
 }
 
 // Also sets bits beyond the image's last tile. Their pixels are clipped.
-void Surface::touchAll() { std::fill(touched_.begin(), touched_.end(), ~std::uint64_t{0}); }
+void Surface::touchAll() {
+  std::fill(touched_.begin(), touched_.end(), ~std::uint64_t{0});
+  std::fill(taken_.begin(), taken_.end(), ~std::uint64_t{0});
+}
+
+std::span<const PixelArea> Surface::takeChanges() {
+  drawn_ = touched_;
+  for (const SmallDisc& disc : smallDiscs_) {
+    const int x = disc.centre % width_;
+    const int y = disc.centre / width_;
+    mark(drawn_, x - disc.radius, y - disc.radius, x + disc.radius, y + disc.radius);
+  }
+  changes_.clear();
+  const std::uint64_t* drawn = drawn_.data();
+  const std::uint64_t* taken = taken_.data();
+  for (int row = 0; row < height_; row += tileHeight) {
+    for (int firstTile = 0; firstTile << tileWidthBits < width_; firstTile += wordTiles) {
+      std::uint64_t tiles = *drawn++ | *taken++;
+      while (tiles != 0) {
+        const TileRun run = takeRun(tiles);
+        const int x = (firstTile + run.first) << tileWidthBits;
+        const int end = std::min(x + (run.count << tileWidthBits), width_);
+        if (end <= x) break;
+        if (!changes_.empty() && changes_.back().y == row && changes_.back().x + changes_.back().width == x) {
+          changes_.back().width += end - x;
+        } else {
+          changes_.push_back({x, row, end - x, std::min(tileHeight, height_ - row)});
+        }
+      }
+    }
+  }
+  std::swap(drawn_, taken_);
+  return changes_;
+}
 
 void Surface::clearTouched(int row, std::uint64_t* words) {
   const int height = std::min(tileHeight, height_ - row);
@@ -168,11 +216,9 @@ void Surface::clearTouched(int row, std::uint64_t* words) {
     }
     const SpanFiller filler(clearedTo_);
     while (tiles != 0) {
-      const int first = std::countr_zero(tiles);
-      const int count = std::countr_one(tiles >> first);
-      tiles &= count == wordTiles ? 0 : ~(((std::uint64_t{1} << count) - 1) << first);
-      const int column = (firstTile + first) << tileWidthBits;
-      const Rectangle area{line + column, width_, std::min(count << tileWidthBits, width_ - column), height};
+      const TileRun run = takeRun(tiles);
+      const int column = (firstTile + run.first) << tileWidthBits;
+      const Rectangle area{line + column, width_, std::min(run.count << tileWidthBits, width_ - column), height};
       if (background_) {
         restoreRows(area, column, row, *background_, clearedTo_, filler);
       } else {

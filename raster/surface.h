@@ -12,6 +12,8 @@
 
 namespace kelvora {
 
+struct TextLine;
+
 /// How a raster copy combines source and destination.
 enum class RasterOperation : std::uint32_t {
   SRCAND = 0x8800C6,    ///< destination AND source
@@ -19,6 +21,14 @@ enum class RasterOperation : std::uint32_t {
   SRCCOPY = 0xCC0020,   ///< source
 };
 using enum RasterOperation;
+
+/// A rectangle of pixels.
+struct PixelArea {
+  int x;
+  int y;
+  int width;
+  int height;
+};
 
 /// The picture being drawn: a 32-bit image in memory with the game's drawing operations. Coordinates and lengths are in
 /// twips, line widths in pixels. Everything is clipped to the image, and only glyphs are antialiased. The same calls
@@ -39,6 +49,10 @@ class Surface {
   int pixelWidth() const { return width_; }
   int pixelHeight() const { return height_; }
   std::span<const Pixel> pixels() const { return pixels_.all(); }
+
+  /// The areas outside which every pixel is as it was at the previous call; the whole image at first. They are
+  /// disjoint, and ordered by rows of equal height, then from left to right. Valid until the next call.
+  std::span<const PixelArea> takeChanges();
 
   /// Sets the background that `Cls` restores at the top left corner; null for none. Clears at once.
   void setBackground(PicturePointer picture);
@@ -83,11 +97,15 @@ class Surface {
     int y;
   };
   /// Marks the pixels from (left, top) to (right, bottom) as about to be drawn on. Clips them to the image.
-  void touch(int left, int top, int right, int bottom);
+  void touch(int left, int top, int right, int bottom) { mark(touched_, left, top, right, bottom); }
+  void mark(std::vector<std::uint64_t>& tiles, int left, int top, int right, int bottom) const;
+  /// Marks all pixels, for a clear that also changes untouched ones.
   void touchAll();
   /// Clears the touched tiles in the row of tiles that begins at pixel row `row`, and resets their bits.
   void clearTouched(int row, std::uint64_t* words);
   void clearSmallDiscs();
+  /// Draws a line that lies entirely in the image. Otherwise returns false and draws nothing.
+  bool drawWhole(const TextLine& line, PixelPoint pen, Pixel ink);
   void drawGlyph(const Glyph& glyph, PixelPoint corner, Pixel ink);
 
   int width_ = 0;
@@ -96,6 +114,10 @@ class Surface {
   // One bit per tile, each row of tiles in whole words, for tiles drawn on since the last Cls. Untouched tiles are
   // still clear.
   std::vector<std::uint64_t> touched_;
+  // Tiles that differed from the cleared image at the last call of takeChanges, and room for the current ones.
+  std::vector<std::uint64_t> taken_;
+  std::vector<std::uint64_t> drawn_;
+  std::vector<PixelArea> changes_;
   int wordsAcross_ = 0;
   Pixel clearedTo_ = 0;
   /// A disc with a radius of one or two pixels, drawn since the last Cls. It touches no tile and is cleared the way it

@@ -1,10 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <random>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "raster/surface.h"
 #include "tests/raster/referenceSurface.h"
+#include "tests/support/allocatedBytes.h"
 
 namespace kelvora {
 namespace {
@@ -120,6 +125,104 @@ TEST_F(Print, IsClippedAtTheBorders) {
   surface_.Print("a\r\na");
   EXPECT_EQ(drawing(surface_).substr(11),
             "..........\n..........\n..........\n..........\n..........\n..........\n..........\n");
+}
+
+// Glyphs of any size and coverage, many of which overlap their neighbours.
+class RandomFace : public GlyphSource {
+ public:
+  RandomFace() {
+    for (Glyph& glyph : glyphs) {
+      glyph = {draw(-3, 2), draw(-1, 4), draw(0, 9), draw(0, 6), draw(0, 8), {}};
+      glyph.coverage.resize(static_cast<std::size_t>(glyph.width * glyph.height));
+      for (std::uint8_t& coverage : glyph.coverage) {
+        coverage = static_cast<std::uint8_t>(draw(0, 2) == 0 ? 0 : draw(0, 1) == 0 ? 255 : draw(0, 255));
+      }
+    }
+  }
+  Glyph glyph(const FontSpec&, unsigned char character) override { return glyphs.at(character); }
+  int lineHeight(const FontSpec&) override { return 9; }
+
+  int draw(int least, int most) { return std::uniform_int_distribution<int>(least, most)(random_); }
+
+ private:
+  std::mt19937 random_{1};
+
+ public:
+  std::vector<Glyph> glyphs = std::vector<Glyph>(256);
+};
+
+// Blends each pixel of each glyph by itself, over the image that `surface` has.
+std::vector<Pixel> printedSlowly(const Surface& surface, const std::vector<Glyph>& glyphs, const std::string& text,
+                                 int pen, int top) {
+  std::vector<Pixel> pixels(surface.pixels().begin(), surface.pixels().end());
+  const Pixel ink = toPixel(surface.ForeColor);
+  for (const char character : text) {
+    const Glyph& glyph = glyphs.at(static_cast<unsigned char>(character));
+    for (int i = 0; i < glyph.width * glyph.height; ++i) {
+      const int x = pen + glyph.left + i % glyph.width;
+      const int y = top + glyph.top + i / glyph.width;
+      if (x < 0 || y < 0 || x >= surface.pixelWidth() || y >= surface.pixelHeight()) continue;
+      Pixel& pixel = pixels.at(static_cast<std::size_t>(y * surface.pixelWidth() + x));
+      const unsigned share = glyph.coverage.at(static_cast<std::size_t>(i));
+      Pixel mixed = 0;
+      for (const unsigned shift : {0U, 8U, 16U}) {
+        const unsigned parts = (ink >> shift & 0xFF) * share + (pixel >> shift & 0xFF) * (255 - share);
+        mixed |= (2 * parts + 255) / 510 << shift;  // rounded to the nearest
+      }
+      pixel = mixed;
+    }
+    pen += glyph.advance;
+  }
+  return pixels;
+}
+
+TEST_F(Print, DrawsEveryLineAsItsGlyphsOneByOne) {
+  RandomFace face;
+  Surface::setGlyphSource(&face);
+  surface_.resize(100, 40);
+  for (int run = 0; run < 3000; ++run) {
+    std::string text(static_cast<std::size_t>(run % 50 == 0 ? face.draw(250, 260) : face.draw(0, 25)), ' ');
+    for (char& character : text) character = static_cast<char>(face.draw('A', 'z'));
+    const int pen = face.draw(-40, 110);
+    const int top = face.draw(-12, 45);
+    surface_.ForeColor = RGB(face.draw(0, 255), face.draw(0, 255), face.draw(0, 255));
+    surface_.CurrentX = static_cast<float>(pen * twipsPerPixel);
+    surface_.CurrentY = static_cast<float>(top * twipsPerPixel);
+    const std::vector<Pixel> expected = printedSlowly(surface_, face.glyphs, text, pen, top);
+    surface_.Print(text);
+    ASSERT_TRUE(std::ranges::equal(surface_.pixels(), expected)) << "run " << run << " at " << pen << ", " << top;
+    if (run % 40 == 0) {
+      surface_.BackColor = RGB(face.draw(0, 255), face.draw(0, 255), face.draw(0, 255));
+      surface_.Cls();
+    }
+  }
+  Surface::setGlyphSource(nullptr);
+}
+
+TEST_F(Print, IsClearedCompletely) {
+  RandomFace face;
+  Surface::setGlyphSource(&face);
+  surface_.resize(600, 40);
+  for (int run = 0; run < 300; ++run) {
+    surface_.CurrentX = static_cast<float>(face.draw(0, 500) * twipsPerPixel);
+    surface_.CurrentY = static_cast<float>(face.draw(0, 30) * twipsPerPixel);
+    surface_.Print(std::string(static_cast<std::size_t>(face.draw(1, 20)), static_cast<char>(face.draw('A', 'z'))));
+    surface_.Cls();
+    ASSERT_EQ(std::ranges::count(surface_.pixels(), 0U), std::ssize(surface_.pixels())) << "run " << run;
+  }
+  Surface::setGlyphSource(nullptr);
+}
+
+TEST_F(Print, RemembersABoundedNumberOfLines) {
+  const auto print = [this](int first) {
+    for (int i = first; i < first + 2000; ++i) surface_.Print(std::to_string(i) + std::string(200, 'a'));
+  };
+  print(10000);
+  const std::size_t before = allocatedBytes();
+  print(20000);
+  print(30000);
+  // A line of 205 letters of 2 by 2 pixels takes about 5 KiB. At most 128 lines are kept.
+  EXPECT_LT(allocatedBytes(), before + 128 * 8192);
 }
 
 TEST_F(Print, RequestsEachGlyphOnce) {

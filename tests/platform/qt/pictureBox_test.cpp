@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QScreen>
+#include <random>
+
+#include "tests/platform/qt/desktopTest.h"
+#include "tests/platform/qt/formProbe.h"
+
+namespace kelvora {
+namespace {
+
+class PictureBoxTest : public testing::Test {
+ protected:
+  PictureBoxTest() {
+    slot_->Show();
+    box_.Refresh();
+    QCoreApplication::processEvents();
+  }
+
+  void draw() {
+    box_.FillColor = RGB(number(0, 255), number(0, 255), number(0, 255));
+    const auto x = static_cast<float>(number(-10, box_.pixelWidth() + 10) * 15);
+    const auto y = static_cast<float>(number(-10, box_.pixelHeight() + 10) * 15);
+    box_.Circle(x, y, static_cast<float>(number(1, 12) * 15), RGB(255, 255, 255));
+  }
+
+  int number(int least, int most) { return std::uniform_int_distribution<int>(least, most)(random_); }
+
+  /// What the screen shows at the box's place.
+  QImage shown() {
+    QWidget& widget = widgetOf(box_);
+    QWidget& window = *widget.window();
+    const QPoint corner = widget.mapTo(&window, QPoint());
+    return window.screen()
+        ->grabWindow(window.winId(), corner.x(), corner.y(), box_.pixelWidth(), box_.pixelHeight())
+        .toImage()
+        .convertToFormat(QImage::Format_RGB32);
+  }
+
+  int stalePixels() {
+    const QImage picture = shown();
+    int stale = 0;
+    for (int y = 0; y < box_.pixelHeight(); ++y) {
+      const auto* const line = reinterpret_cast<const Pixel*>(picture.constScanLine(y));
+      for (int x = 0; x < box_.pixelWidth(); ++x) {
+        const Pixel drawn = box_.pixels()[static_cast<std::size_t>(y * box_.pixelWidth() + x)];
+        if ((line[x] & 0xFFFFFF) != drawn) ++stale;
+      }
+    }
+    return stale;
+  }
+
+  FormSlot<FormProbe> slot_;
+  PictureBox& box_ = slot_->box;
+
+ private:
+  std::mt19937 random_{3};
+};
+
+TEST_F(PictureBoxTest, ShowsEveryFrameCompletely) {
+  for (int frame = 0; frame < 500; ++frame) {
+    box_.Cls();
+    for (int i = number(0, 6); i > 0; --i) draw();
+    if (frame % 100 == 50) box_.BackColor = RGB(number(0, 255), 0, 0);
+    box_.Refresh();
+    if (frame % 7 == 0) QCoreApplication::processEvents();
+    ASSERT_EQ(stalePixels(), 0) << "frame " << frame;
+  }
+}
+
+TEST_F(PictureBoxTest, ShowsNothingBeforeItIsRefreshed) {
+  const QImage before = shown();
+  draw();
+  EXPECT_EQ(shown(), before);
+}
+
+TEST_F(PictureBoxTest, StaysBehindAControlThatCoversIt) {
+  QWidget cover(widgetOf(box_).parentWidget());
+  cover.setGeometry(widgetOf(box_).geometry());
+  cover.setAutoFillBackground(true);
+  cover.setPalette(QPalette(Qt::green));
+  cover.show();
+  ASSERT_TRUE(serveUntil([this] { return shown().pixelColor(5, 5) == QColor(Qt::green); }));
+  const QImage covered = shown();
+  draw();
+  box_.Refresh();
+  EXPECT_EQ(shown(), covered);
+  cover.hide();
+  EXPECT_TRUE(serveUntil([this] { return stalePixels() == 0; }));
+}
+
+TEST_F(PictureBoxTest, IsCompleteAfterItWasHidden) {
+  box_.Visible = false;
+  QCoreApplication::processEvents();
+  draw();
+  box_.Refresh();
+  box_.Visible = true;
+  EXPECT_TRUE(serveUntil([this] { return stalePixels() == 0; }));
+  slot_->Hide();
+  draw();
+  box_.Refresh();
+  slot_->Show();
+  EXPECT_TRUE(serveUntil([this] { return stalePixels() == 0; }));
+}
+
+TEST_F(PictureBoxTest, IsCompleteAfterItsSizeHasChanged) {
+  for (const float width : {1500.0F, 4200.0F, 45.0F, 3000.0F}) {
+    box_.Width = width;
+    draw();
+    box_.Refresh();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(stalePixels(), 0) << width;
+    draw();
+    box_.Refresh();
+    EXPECT_EQ(stalePixels(), 0) << width;
+  }
+}
+
+}  // namespace
+}  // namespace kelvora
