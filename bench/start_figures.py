@@ -8,6 +8,9 @@ the runs. Then come the processor time and wake-ups of a disconnected client, an
 (10 ms per pass) while visible, covered and minimised; the latency from a jump of the mouse to its picture on the screen
 and to the first position report that includes the turn; and the length of an unpaced pass. The script ends by itself
 and stops everything it has started.
+
+With build/windows, it only compares start and memory, in Wine, with an empty window of the system's own. Build that
+first: cmake --build --preset windows --target kelvora_empty_window
 """
 
 import argparse
@@ -24,6 +27,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tools" / "desktop"))
 sys.dont_write_bytecode = True
 import harness  # noqa: E402  (found by the line above)
+import wine  # noqa: E402
 
 
 def arguments():
@@ -36,6 +40,7 @@ def arguments():
 
 OPTIONS = arguments()
 harness.use_build(OPTIONS.build)
+EMPTY_WINDOW = harness.program_in(OPTIONS.build, "kelvora_empty_window")
 
 
 class WindowWatch:
@@ -66,9 +71,9 @@ def memory(pid):
 
 
 def processor_seconds(pid):
-    """Of all threads, with a resolution of nanoseconds."""
-    return sum(int(Path(f"/proc/{pid}/task/{task}/schedstat").read_text().split()[0])
-               for task in os.listdir(f"/proc/{pid}/task")) / 1e9
+    """Of all threads, ended ones included, by the process's clock in the kernel."""
+    scheduler_clock = 2
+    return time.clock_gettime(~pid << 3 | scheduler_clock)
 
 
 def start_once(display, command):
@@ -79,8 +84,8 @@ def start_once(display, command):
                            SDL_AUDIODRIVER="dummy", KELVORA_WEB_HOST=harness.CLOSED_PORT, KELVORA_FRAME_MS="10")
         watch = WindowWatch(display)
         begin = time.monotonic()
-        process = subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL)
+        process = subprocess.Popen(wine.command(*command), env=environment, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         try:
             shown = watch.next_window() - begin
             to_window = processor_seconds(process.pid)
@@ -89,13 +94,13 @@ def start_once(display, command):
         finally:
             harness.stop(process)
             watch.close()
-            time.sleep(0.2)
+            time.sleep(0.5)
 
 
 def starts(display):
-    commands = {"kelvora": [os.environ["KELVORA_CLIENT"]],
-                "without sound": [os.environ["KELVORA_CLIENT"], "nosound", "nomusic"],
-                "empty window": [str((OPTIONS.build / "kelvora_empty_window").resolve())]}
+    commands = {"kelvora": [harness.CLIENT],
+                "without sound": [harness.CLIENT, "nosound", "nomusic"],
+                "empty window": [EMPTY_WINDOW]}
     results = {name: [] for name in commands}
     for command in commands.values():
         start_once(display, command)  # from here on, the files are cached
@@ -157,13 +162,13 @@ def idle(display):
         print(f"{what:48}{percent:8.4f} % of a core {waits:6.2f} wake-ups a second")
 
     tell("not connected, caret in the connect dialog:", client.process.pid)
-    field = subprocess.Popen([str((OPTIONS.build / "kelvora_empty_window").resolve()), "field"],
+    field = subprocess.Popen([EMPTY_WINDOW, "field"],
                              env=dict(display.environment, QT_QPA_PLATFORM="xcb"), stdin=subprocess.DEVNULL,
                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     time.sleep(2)
     tell("an empty window with a caret:", field.pid)
     harness.stop(field)
-    empty = subprocess.Popen([str((OPTIONS.build / "kelvora_empty_window").resolve()), "-geometry", "100x100+1100+850"],
+    empty = subprocess.Popen([EMPTY_WINDOW, "-geometry", "100x100+1100+850"],
                              env=dict(display.environment, QT_QPA_PLATFORM="xcb"), stdin=subprocess.DEVNULL,
                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     time.sleep(2)
@@ -188,7 +193,7 @@ def paced(display):
     client.right_click()
     time.sleep(1)
     print(f"connected, paced, in sight:  {share(client):.1f} % of a core")
-    over = subprocess.Popen([str((OPTIONS.build / "kelvora_empty_window").resolve()), "-geometry", "1270x1000+0+0"],
+    over = subprocess.Popen([EMPTY_WINDOW, "-geometry", "1270x1000+0+0"],
                             env=dict(display.environment, QT_QPA_PLATFORM="xcb"), stdin=subprocess.DEVNULL,
                             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     time.sleep(2)
@@ -291,7 +296,25 @@ def unpaced(display):
     server.close()
 
 
+def starts_in_wine(display):
+    """Wine's own programs run already, so that only the measured program's start counts."""
+    with tempfile.TemporaryDirectory() as folder:
+        prefix = display.environment["WINEPREFIX"] = wine.prefix_in(folder)
+        watch = WindowWatch(display)
+        other = subprocess.Popen(wine.command(EMPTY_WINDOW), env=display.environment, stdin=subprocess.DEVNULL,
+                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        try:
+            watch.next_window()
+            starts(display)
+        finally:
+            watch.close()
+            harness.stop(other)
+            wine.end(prefix)
+
+
 def measure(display):
+    if wine.is_for_windows(harness.CLIENT):
+        return starts_in_wine(display)
     starts(display)
     idle(display)
     paced(display)

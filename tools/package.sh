@@ -8,7 +8,7 @@ source tools/setup.sh
 
 if [ "${1-}" = windows ]; then
   # shellcheck disable=SC2086
-  install_packages $windows_packages nsis zip
+  install_packages $windows_packages
   # A new build has no tests. One that has them keeps them.
   tests=()
   [ -f build/windows/CMakeCache.txt ] || tests=(-DKELVORA_TESTS=OFF)

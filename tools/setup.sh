@@ -3,18 +3,19 @@
 # Packages for building and playing, and additional ones for the checks.
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libboost-dev
   libcurl4-openssl-dev libfontconfig-dev libsdl2-dev libsdl2-mixer-dev fonts-comic-neue fonts-liberation"
+window_test_packages="python3 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev clang-format-14
-  clang-tidy-14 python3 python3-numpy python3-websockets nginx libnginx-mod-stream caddy openssl curl wget mpg123 xvfb
-  xdotool openbox wmctrl x11-utils x11-xserver-utils"
+  clang-tidy-14 python3-numpy python3-websockets nginx libnginx-mod-stream caddy openssl curl wget mpg123
+  $window_test_packages"
 
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
 server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev"
 web_packages="cmake ninja-build emscripten libstb-dev fonts-comic-neue fonts-liberation"
 web_check_packages="$web_packages g++ ccache googletest libpng-dev libjpeg-dev"
 
-# Packages for the Windows build and its tests.
+# Packages for the Windows build, its zip and installer, and its tests.
 windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libboost-dev
-  libpng-dev libjpeg-dev"
+  libpng-dev libjpeg-dev nsis zip $window_test_packages"
 
 say() { printf '==> %s\n' "$*"; }
 fail() {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "platform/grid.h"
@@ -30,6 +31,8 @@ int formatOf(int alignment) {
 
 /// A list view, whose headings are the grid's fixed row.
 class GridPeer : public NativePeer {
+  static constexpr int rowHeight = 18;  // pixels, of the headings, too
+
  public:
   GridPeer(Grid& grid, FormPeer& form)
       : NativePeer(grid, form, WC_LISTVIEWW, LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
@@ -42,8 +45,10 @@ class GridPeer : public NativePeer {
     ListView_SetTextBkColor(window(), toColorRef(looks.field));
     ListView_SetTextColor(window(), toColorRef(looks.text));
     SetWindowTheme(window(), L"DarkMode_Explorer", nullptr);
+    SetWindowSubclass(ListView_GetHeader(window()), &GridPeer::headings, 0, reinterpret_cast<DWORD_PTR>(this));
     reload();
   }
+  ~GridPeer() override { RemoveWindowSubclass(ListView_GetHeader(window()), &GridPeer::headings, 0); }
 
   void changed(PropertyId id) override {
     if (id == PropertyId::Cells) {
@@ -58,6 +63,9 @@ class GridPeer : public NativePeer {
   }
 
   void follow() override {
+    // The system's rows are a pixel higher than their pictures. The list view destroys the last of these.
+    const HIMAGELIST strut = ImageList_Create(1, deviceHeight() - 1, ILC_COLOR, 0, 0);
+    if (const HIMAGELIST before = ListView_SetImageList(window(), strut, LVSIL_SMALL)) ImageList_Destroy(before);
     NativePeer::follow();
     for (int column = 0; column < columns_; ++column) ListView_SetColumnWidth(window(), column, widthOf(column));
   }
@@ -102,6 +110,19 @@ class GridPeer : public NativePeer {
   }
 
  private:
+  int deviceHeight() const { return static_cast<int>(std::lround(rowHeight * form().scale())); }
+
+  /// Makes the headings as high as the rows.
+  static LRESULT CALLBACK headings(HWND window, UINT message, WPARAM first, LPARAM second, UINT_PTR, DWORD_PTR self) {
+    const LRESULT result = DefSubclassProc(window, message, first, second);
+    if (message != HDM_LAYOUT) return result;
+    const auto& layout = *reinterpret_cast<const HDLAYOUT*>(second);
+    const int height = reinterpret_cast<const GridPeer*>(self)->deviceHeight();
+    layout.prc->top += height - layout.pwpos->cy;
+    layout.pwpos->cy = height;
+    return result;
+  }
+
   LRESULT drawHeading(const NMCUSTOMDRAW& drawing) const {
     const Looks& looks = form().looks();
     const Painter painter(drawing.hdc, 1);

@@ -7,6 +7,7 @@
 #include "platform/form.h"
 #include "platform/win32/eventQueue.h"
 #include "platform/win32/messagePump.h"
+#include "platform/win32/win32.h"
 #include "platform/win32/win32Backend.h"
 #include "platform/win32/win32Socket.h"
 
@@ -31,6 +32,8 @@ void Win32Backend::servePending() {
     isMore = serveSockets() || isMore;
     serveTimers(tickCount());
   }
+  // What is left must not wait for the next message.
+  if (isMore) SetEvent(networkSignal());
 }
 
 void Win32Backend::wait(std::int64_t milliseconds) {

@@ -1,7 +1,5 @@
 """The font dialog, opened from the menu and operated with the mouse: changes show and are saved at once."""
 
-import configparser
-import os
 import unittest
 
 import harness
@@ -53,10 +51,7 @@ class Fonts(DesktopTest):
         self.drag(dialog, (pixels(BAR_LEFT) + 2, y), (pixels(BAR_LEFT) + end, y))
 
     def saved(self, client, key):
-        parser = configparser.RawConfigParser()
-        parser.optionxform = str
-        parser.read(os.path.join(client.config, "kelvora", "kelvora.ini"))
-        return parser.get("fonts", key, fallback=None)
+        return client.saved("fonts", key)
 
     def wait_for_saved(self, client, key, text):
         harness.wait_for(lambda: self.saved(client, key) == text,

@@ -23,7 +23,7 @@ class Places(DesktopTest):
         """Waits until the dialog's frame is this many pixels to the right of and below the main window's."""
         def offset():
             left, top = main.frame()[:2]
-            return tuple(a - b for a, b in zip(dialog.frame()[:2], (left, top)))
+            return tuple(a - b - harness.DIALOG_SHIFT for a, b in zip(dialog.frame()[:2], (left, top)))
         harness.wait_for(lambda: offset() == place, lambda: f"the dialog at {place}, but it is at {offset()}")
 
     def move_main(self, client, left, top):

@@ -26,7 +26,8 @@ class Store(DesktopTest):
         """Waits for the store's position, 120 twips to the right of and below the main window."""
         def is_home():
             (left, top), (main_left, main_top) = (one.geometry()[:2] for one in (store.window, store.client.window))
-            return (left, top) == (main_left + 120 // TWIPS, main_top + 120 // TWIPS) and (left, top)
+            beside = 120 // TWIPS + harness.DIALOG_SHIFT
+            return (left, top) == (main_left + beside, main_top + beside) and (left, top)
         return harness.wait_for(is_home, lambda: f"the store's place, but {store.window.geometry()}")
 
     def test_window_has_its_size_and_opens_over_the_main_one(self):

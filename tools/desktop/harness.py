@@ -3,6 +3,7 @@ server or a scripted one, the mouse and the keyboard. Everything stays on this m
 stopped here."""
 
 import atexit
+import configparser
 import os
 import pathlib
 import re
@@ -32,14 +33,24 @@ CLIENT_AREA = (894, 670)  # pixels of the main window below its menu, as designe
 # The part of the client area outside the canvas, in pixels, at any window size.
 BESIDE_CANVAS = (131, 62)
 
+# Wine's frames of dialogs are a pixel thinner than those of windows that can be resized, whatever the window manager
+# draws. So dialogs are this many pixels from where they would be.
+DIALOG_SHIFT = -1 if CLIENT and wine.is_for_windows(CLIENT) else 0
+
 # Timeout in seconds for things that happen at once on an idle machine. Nothing waits longer than necessary.
 PATIENCE = 60.0
+
+
+def program_in(folder, name):
+    """The path of a program in a build folder. Those for Windows have an ending."""
+    program = (pathlib.Path(folder) / name).resolve()
+    return str(program if program.exists() else program.with_name(name + ".exe"))
 
 
 def use_build(folder):
     """Uses the programs of this build folder, whatever the environment says."""
     global CLIENT, SERVER
-    CLIENT, SERVER = (str((pathlib.Path(folder) / name).resolve()) for name in ("kelvora", "kelvora-server"))
+    CLIENT, SERVER = (program_in(folder, name) for name in ("kelvora", "kelvora-server"))
     load_protocol()
 
 
@@ -329,6 +340,15 @@ class Client:
     def output(self):
         self.log.seek(0)
         return self.log.read().decode(errors="replace")
+
+    def saved(self, section, key):
+        """The setting's text as it is stored, or None."""
+        if self.prefix:
+            return wine.setting(self.prefix, section, key)
+        parser = configparser.RawConfigParser()
+        parser.optionxform = str
+        parser.read(os.path.join(self.config, "kelvora", "kelvora.ini"))
+        return parser.get(section, key, fallback=None)
 
     def visible(self):
         """The ids of the client's visible windows."""

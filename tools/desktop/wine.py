@@ -46,6 +46,15 @@ def prefix_in(folder, scale=1):
     return str(prefix)
 
 
+def setting(prefix, section, key):
+    """The text of a setting in the prefix's registry, or None."""
+    found = subprocess.run([RUN, "reg", "query", rf"HKCU\Software\kelvora\{section}", "/v", key],
+                           env=dict(os.environ, WINEPREFIX=prefix), stdin=subprocess.DEVNULL, capture_output=True,
+                           text=True, check=False).stdout
+    value = re.search(rf"(?m)^\s*{re.escape(key)}\s+REG_SZ\s+(.*?)\r?$", found)
+    return value and value[1]
+
+
 def end(prefix):
     """Ends what still runs in the prefix, and waits until its registry is saved."""
     for option in ("-k", "-w"):

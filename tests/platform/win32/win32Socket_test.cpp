@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -163,6 +164,24 @@ TEST_F(Sockets, ClosingRaisesNoEventAndTheSocketConnectsAgain) {
   connect(second.port);
   serveUntil([&] { return socket->State() == sckConnected; });
   EXPECT_EQ(events, (Events{"connect", "connect"}));
+}
+
+TEST_F(Sockets, TheCloseBehindASlowHandlerIsNotForgotten) {
+  Listener server;
+  connect(server.port);
+  serveUntil([&] { return socket->State() == sckConnected; });
+  server.accept();
+  socket->onDataArrival = [this] {
+    received += socket->GetData();
+    // Longer than events are served in one turn.
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
+    while (std::chrono::steady_clock::now() < end) {
+    }
+  };
+  server.send("last words");
+  server.hangUp();
+  while (socket->State() != sckClosing) backend().doEvents(true);
+  EXPECT_EQ(received, "last words");
 }
 
 TEST_F(Sockets, AHandlerMayDestroyItsSocket) {
