@@ -18,8 +18,8 @@ GREEN = (128, 255, 128)
 class LaunchedClient(harness.Client):
     """A client that another program starts. Its windows are the only ones of the display."""
 
-    def visible(self):
-        return self.display.xdotool("search", "--onlyvisible", "--name", ".").split()
+    def titles(self):
+        return self.display.titles()
 
 
 class PlayAgainstBots(DesktopTest):

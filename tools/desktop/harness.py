@@ -249,12 +249,12 @@ class Display:
     def xdotool(self, *arguments):
         return self.run("xdotool", *arguments)
 
-    def titles(self, process):
-        """The titles of a process's visible windows by id. Menus and tool tips have none."""
+    def titles(self, process=None):
+        """The titles of visible windows by id: those of a process, or of all. Menus and tool tips have none."""
         found = {}
         for window in self.screen.shown():
             try:
-                if self.screen.numbers(window, "_NET_WM_PID") == (process,):
+                if process is None or self.screen.numbers(window, "_NET_WM_PID") == (process,):
                     found[window] = self.screen.property(window, "_NET_WM_NAME").decode()
             except Gone:
                 pass
@@ -350,9 +350,13 @@ class Client:
         parser.read(os.path.join(self.config, "kelvora", "kelvora.ini"))
         return parser.get(section, key, fallback=None)
 
+    def titles(self):
+        """The titles of the client's visible windows by id."""
+        return self.display.titles(self.process.pid)
+
     def visible(self):
         """The ids of the client's visible windows."""
-        return list(self.display.titles(self.process.pid))
+        return list(self.titles())
 
     def choose(self, x, *keys):
         """Opens the menu at pixel x of the menu bar and moves to an item with these keys."""
@@ -365,7 +369,7 @@ class Client:
     def windows(self):
         """The client's visible windows by title."""
         return {title: Window(self.display, identifier, self.scale)
-                for identifier, title in self.display.titles(self.process.pid).items() if title}
+                for identifier, title in self.titles().items() if title}
 
     def wait_for_window(self, title):
         def find():
