@@ -95,7 +95,9 @@ class Installer(DesktopTest):
         harness.wait_for(lambda: window("Connect"), "the connect dialog, the last window of the start")
         self.display.xdotool("windowactivate", "--sync", window(harness.TITLE)[0], "key", "alt+F4")
         self.assertEqual(game.wait(harness.PATIENCE), 0)
-        self.assertIn("[Software\\\\kelvora", " ".join(self.registry()))
+        # A setting, as the game saves them.
+        self.run_windows("reg.exe", "add", r"HKCU\Software\kelvora\last login", "/v", "user name", "/d", "Ann", "/f")
+        self.assertIn("Software\\\\kelvora\\\\last login", " ".join(self.registry()))
 
         self.run_windows(installed / "Uninstall.exe", "/S")
         harness.wait_for(lambda: self.files() <= before, lambda: f"the removal of {self.files() - before}")
