@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "raster/surface.h"
+#include "tests/raster/referenceSurface.h"
 
 namespace kelvora {
 namespace {
@@ -113,7 +114,7 @@ TEST(Changes, KeepACopyEqualToTheImage) {
             std::copy_n(from, area.width, copy.begin() + row * width + area.x);
           }
         }
-        ASSERT_TRUE(std::ranges::equal(copy, surface.pixels())) << "run " << run;
+        ASSERT_EQ(copy, pixelsOf(surface)) << "run " << run;
         break;
       case 6:
         surface.BackColor = colour();
