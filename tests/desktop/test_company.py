@@ -27,9 +27,10 @@ def is_green(pixel):
     return pixel[1] > 60 and pixel[0] == 0 and pixel[2] == 0
 
 
-def count(client, picture, area, test):
-    left, top = client.on_screen(area[0], area[1])
-    return sum(test(picture.pixel(left + x, top + y)) for y in range(area[3]) for x in range(area[2]))
+def count(client, area, test):
+    """The number of pixels of a rectangle in the client area that pass the test."""
+    picture = client.display.picture((*client.on_screen(*area[:2]), *area[2:]))
+    return sum(map(test, picture.pixels()))
 
 
 class Company(DesktopTest):
@@ -47,7 +48,7 @@ class Company(DesktopTest):
         return ann, bob
 
     def expect_on_screen(self, client, area, test, what, least=3):
-        wait_for(lambda: count(client, client.display.picture(), area, test) >= least, what)
+        wait_for(lambda: count(client, area, test) >= least, what)
 
     def expect_line(self, client, colour, what):
         self.expect_on_screen(client, CONSOLE, lambda pixel: pixel == colour, what, least=20)
@@ -56,7 +57,7 @@ class Company(DesktopTest):
         """The number of radar pixels that pass the test where a player at this position has a dot."""
         left, top, width, height = RADAR
         x, y = left + int(place[0] * width / 100000), top + int(place[1] * height / 100000)
-        return count(client, client.display.picture(), (max(left, x - 4), max(top, y - 4), 9, 9), test)
+        return count(client, (max(left, x - 4), max(top, y - 4), 9, 9), test)
 
     def expect_radar_dot(self, client, place, test, what):
         wait_for(lambda: self.radar_dot(client, place, test) >= LEAST_DOT, what)
@@ -177,20 +178,19 @@ class OnAScriptedServer(Company):
         """True if the tail is seen at several of the last positions. The ball has no pixel in the tail's colours."""
         if reports and abs(reports[-1][0] - 50000) > 4000:
             self.steer_bob(-1 if reports[-1][0] > 50000 else 1)
-        picture = self.display.picture()
-        return sum(self.tail_at(picture, place) for place in reports[-60:]) >= 3
+        return sum(self.tail_at(place) for place in reports[-60:]) >= 3
 
     def sees_ball(self, reports):
         x, y = reports[-1]
         left, top = round(763 / 2 + (x - 50000) / 15), round(608 / 2 + (y - 50000) / 15)
-        return count(self.ann, self.display.picture(), (left - 20, top - 20, 40, 40), is_cyan) >= 300
+        return count(self.ann, (left - 20, top - 20, 40, 40), is_cyan) >= 300
 
-    def tail_at(self, picture, place):
+    def tail_at(self, place):
         left, top = round(763 / 2 + (place[0] - 50000) / 15), round(608 / 2 + (place[1] - 50000) / 15)
 
         def is_tail(pixel):
             return pixel[0] == 0 and pixel[1] == pixel[2] and pixel[1] >= 55
-        return count(self.ann, picture, (left - 2, top - 2, 5, 5), is_tail) > 0
+        return count(self.ann, (left - 2, top - 2, 5, 5), is_tail) > 0
 
     def test_a_capture_plays_out_on_both(self):
         for line, client, name in zip(self.lines, (self.ann, self.bob), ("Ann", "Bob")):
@@ -203,5 +203,5 @@ class OnAScriptedServer(Company):
             self.expect_on_screen(client, strip, is_red, f"the mark in {name}'s list")
         # Ann flies on as a ghost: only a red ring remains of her ball, in the middle of her canvas.
         self.expect_on_screen(self.ann, (361, 284, 40, 40), is_red, "Ann's ring", least=100)
-        self.assertLess(count(self.ann, self.display.picture(), (373, 296, 16, 16), is_red), 10)
+        self.assertLess(count(self.ann, (373, 296, 16, 16), is_red), 10)
         self.expect_on_screen(self.bob, (361, 284, 40, 40), is_cyan, "Bob's ball", least=300)

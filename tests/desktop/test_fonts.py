@@ -59,7 +59,7 @@ class Fonts(DesktopTest):
 
     def swatch(self, dialog, purpose):
         left, top = dialog.geometry()[:2]
-        return self.display.picture().pixel(left + pixels(4920 + 300), top + row(purpose, 225 + 150))
+        return self.display.pixel(left + pixels(4920 + 300), top + row(purpose, 225 + 150))
 
     def sample(self, dialog, purpose):
         """The rectangle of the sample's letters, in pixels of the dialog, and their brightest colour."""

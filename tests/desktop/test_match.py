@@ -34,9 +34,7 @@ class Match(DesktopTest):
         return client, relay, pilot
 
     def pixels(self, client, area):
-        picture = self.display.picture()
-        left, top = client.on_screen(area[0], area[1])
-        return [picture.pixel(left + x, top + y) for y in range(area[3]) for x in range(area[2])]
+        return self.display.picture((*client.on_screen(*area[:2]), *area[2:])).pixels()
 
     def keep(self, name):
         """Saves a picture of the screen for inspection, if KELVORA_PICTURES names a folder."""

@@ -75,7 +75,7 @@ class Small(Flying):
         wait_for(lambda: "Connect" in client.windows(), "the dialog")
         # The window doesn't have the designed size, so the menu is measured: a column without text.
         left, top = client.window.geometry()[:2]
-        wait_for(lambda: self.display.picture().pixel(left + 250, top) == MENU_GROUND, "the menu")
+        wait_for(lambda: self.display.pixel(left + 250, top) == MENU_GROUND, "the menu")
         picture = self.display.picture()
         client.menu = 0
         while picture.pixel(left + 250, top + client.menu) == MENU_GROUND:

@@ -137,9 +137,8 @@ class WebTest(DesktopTest):
     def has_row(self, finder, row):
         """True if the row has text, on any background."""
         left, top = finder.geometry()[:2]
-        picture = self.display.picture()
-        y = top + GRID[1] + ROW_HEIGHT * (row + 1)
-        colours = {picture.pixel(left + GRID[0] + x, y + dy) for x in range(4, 120) for dy in range(4, 16)}
+        text = self.display.picture((left + GRID[0] + 4, top + GRID[1] + ROW_HEIGHT * (row + 1) + 4, 116, 12))
+        colours = set(text.pixels())
         return max(map(sum, colours)) - min(map(sum, colours)) > 300
 
     def wait_for_row(self, finder, row):
@@ -165,8 +164,7 @@ class WebTest(DesktopTest):
     def box_pixels(self, finder, name):
         left, top = finder.geometry()[:2]
         x, y = BOXES[name]
-        picture = self.display.picture()
-        return [picture.pixel(left + x + dx, top + y + dy) for dx in range(-8, 8) for dy in range(-8, 8)]
+        return self.display.picture((left + x - 8, top + y - 8, 16, 16)).pixels()
 
     def change_box(self, finder, name):
         """Changes a box. Returns once it shows its new value with the mouse elsewhere."""

@@ -21,8 +21,7 @@ class Canvas(DesktopTest):
         """The mean colour in the middle of the canvas."""
         width, height = client.canvas_size()
         x, y = client.on_screen(width // 2, height // 2)
-        picture = self.display.picture()
-        block = [picture.pixel(x + dx, y + dy) for dx in range(-12, 13) for dy in range(-12, 13)]
+        block = self.display.picture((x - 12, y - 12, 25, 25)).pixels()
         return [sum(pixel[channel] for pixel in block) / len(block) for channel in range(3)]
 
     def assert_ball(self, client, colour):
@@ -109,10 +108,10 @@ class Layout(DesktopTest):
         client.wait_for_status((255, 128, 128))
         # The chat box (64, 0, 64) has moved down with the canvas: 105 twips below it, 1440 from the left, 360 high.
         x, y = client.on_screen(1440 // 15 + 20, 758 + 105 // 15 + 360 // 15 // 2)
-        harness.wait_for(lambda: self.display.picture().pixel(x, y) == (64, 0, 64), "the chat's box")
+        harness.wait_for(lambda: self.display.pixel(x, y) == (64, 0, 64), "the chat's box")
         # Its old position, 9225 twips from the top, now belongs to the canvas.
         x, y = client.on_screen(1440 // 15 + 20, 9225 // 15 + 12)
-        self.assertNotEqual(self.display.picture().pixel(x, y), (64, 0, 64))
+        self.assertNotEqual(self.display.pixel(x, y), (64, 0, 64))
 
     def test_window_too_small_for_the_canvas_does_no_harm(self):
         client, line = self.log_in()

@@ -159,18 +159,23 @@ def listener():
 
 
 class Picture:
-    """A screenshot of the whole screen."""
+    """A screenshot of the screen, or of one area: left, top, width, height. Positions are the screen's."""
 
-    def __init__(self, screen):
-        self.width, self.height = screen.width, screen.height
-        pixels = screen.pixels(0, 0, self.width, self.height)
+    def __init__(self, screen, area):
+        self.left, self.top, self.width, self.height = area or (0, 0, screen.width, screen.height)
+        pixels = screen.pixels(self.left, self.top, self.width, self.height)
         self.bytes = bytearray(3 * self.width * self.height)
         for channel in range(3):
             self.bytes[channel::3] = pixels[2 - channel::4]
 
     def pixel(self, x, y):
-        at = (y * self.width + x) * 3
+        assert 0 <= x - self.left < self.width and 0 <= y - self.top < self.height
+        at = ((y - self.top) * self.width + x - self.left) * 3
         return tuple(self.bytes[at:at + 3])
+
+    def pixels(self):
+        """All pixels, row by row."""
+        return list(zip(self.bytes[0::3], self.bytes[1::3], self.bytes[2::3]))
 
     def ppm(self):
         return b"P6 %d %d 255\n" % (self.width, self.height) + self.bytes
@@ -260,8 +265,11 @@ class Display:
                 pass
         return found
 
-    def picture(self):
-        return Picture(self.screen)
+    def pixel(self, x, y):
+        return self.picture((x, y, 1, 1)).pixel(x, y)
+
+    def picture(self, area=None):
+        return Picture(self.screen, area)
 
 
 class Window:
@@ -422,12 +430,12 @@ class Client:
         self.display.xdotool("windowsize", self.window.identifier, width, height + self.menu)
         wait_for(lambda: self.window.geometry()[2:] == (width, height + self.menu), "the new size")
 
-    def status_colour(self, picture=None):
+    def status_colour(self):
         """The background colour of the connection label, read near its corner, where it has no text."""
         height = self.canvas_size()[1]
         # The status bar starts 465 twips below the canvas, and the label 60 twips inside it.
         x, y = self.on_screen(4 + 4, height + (465 + 60) // TWIPS + 4)
-        return (picture or self.display.picture()).pixel(x, y)
+        return self.display.pixel(x, y)
 
     def wait_for_status(self, colour):
         wait_for(lambda: self.status_colour() == colour, f"the label in {colour}")

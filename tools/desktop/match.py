@@ -151,9 +151,6 @@ class Pilot:
     def play_until(self, condition, what, seconds=200):
         """Flies until the condition holds. After each death it requests a new life and releases the brakes."""
         self.client.canvas = self.client.canvas_size()
-        origin = self.client.on_screen(0, 0)
-        # the window doesn't move, and querying it is slow
-        self.client.on_screen = lambda x, y: (origin[0] + x, origin[1] + y)
         deadline = time.monotonic() + seconds
         has_brakes = True
         asked = 0.0

@@ -40,9 +40,8 @@ class StoreWindow:
         """The pixels of a rectangle on the screen, row by row."""
         window_left, window_top = self.window.geometry()[:2]
         left, top, width, height = place
-        left, top = window_left + left, window_top + top + ROW * item
-        picture = self.client.display.picture()
-        return [picture.pixel(x, y) for y in range(top, top + height) for x in range(left, left + width)]
+        area = window_left + left, window_top + top + ROW * item, width, height
+        return self.client.display.picture(area).pixels()
 
     def wait_for_change(self, place, before, item=0):
         return harness.wait_for(lambda: (now := self.pixels(place, item)) != before and now, f"a change at {place}")
