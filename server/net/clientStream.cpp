@@ -39,7 +39,7 @@ void async_teardown(beast::role_type /*role*/, PacedSocket& socket, Handler&& ha
 using WebSocket = beast::websocket::stream<PacedSocket, false>;  // without compression
 
 struct ClientStream::State {
-  std::variant<std::monostate, PacedSocket, std::unique_ptr<WebSocket>> stream;  // nothing once it is closed
+  std::variant<std::monostate, PacedSocket, WebSocket> stream;  // nothing once it is closed
   RateLimit controlFrames{controlFramesPerSecond, controlFrameBurst};
   bool isFlooded = false;
 
@@ -47,12 +47,9 @@ struct ClientStream::State {
 
   PacedSocket& socket() {
     if (auto* plain = std::get_if<PacedSocket>(&stream)) return *plain;
-    return std::get<std::unique_ptr<WebSocket>>(stream)->next_layer();
+    return std::get<WebSocket>(stream).next_layer();
   }
-  WebSocket* webSocket() {
-    auto* const found = std::get_if<std::unique_ptr<WebSocket>>(&stream);
-    return found != nullptr ? found->get() : nullptr;
-  }
+  WebSocket* webSocket() { return std::get_if<WebSocket>(&stream); }
 };
 
 ClientStream::ClientStream(Socket socket) {
@@ -95,19 +92,17 @@ void ClientStream::upgrade(const std::string& request, std::string_view rest, st
   parser.put(asio::buffer(request), error);
   PacedSocket socket = std::move(state_->socket());
   socket.putBack(rest);
-  auto webSocket = std::make_unique<WebSocket>(std::move(socket));
-  webSocket->binary(true);
-  webSocket->auto_fragment(false);
-  webSocket->read_message_max(maxMessage);
-  webSocket->control_callback([state = state_.get()](beast::websocket::frame_type, beast::string_view) {
+  WebSocket& webSocket = state_->stream.emplace<WebSocket>(std::move(socket));
+  webSocket.binary(true);
+  webSocket.auto_fragment(false);
+  webSocket.read_message_max(maxMessage);
+  webSocket.control_callback([state = state_.get()](beast::websocket::frame_type, beast::string_view) {
     // Under a flood of control frames the current read would never end.
     if (state->controlFrames.allows(steadyMillis())) return;
     state->isFlooded = true;
     state->socket().close();
   });
-  WebSocket& stream = *webSocket;
-  state_->stream = std::move(webSocket);
-  stream.async_accept(parser.get(), [user = std::move(user)](error_code result) { user->upgraded(result); });
+  webSocket.async_accept(parser.get(), [user = std::move(user)](error_code result) { user->upgraded(result); });
 }
 
 void ClientStream::endSending(std::shared_ptr<User> user) {
