@@ -74,7 +74,7 @@ int main(int argc, char** argv) {
     std::cout << "listening on " << server.endpointText() << std::endl;
     context.run();
     ignoreFurtherSignals();
-    log("ended");
+    log("stopped");
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "kelvora-server: " << error.what() << "\n";

@@ -36,7 +36,7 @@ void Lobby::login(ClientId client, std::string_view text, Millis now) {
   const auto request = read(text);
   const Outcome outcome = request ? check(client, *request) : Outcome::refused(unreadable);
   if (outcome.isRefused()) {
-    output_.log("client " + std::to_string(client) + " refused: " + outcome.reason());
+    output_.log("client " + std::to_string(client) + " was refused: " + outcome.reason());
     roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>(outcome.reason()));
     output_.hangUp(client);
     visitors_.erase(visitor);

@@ -58,7 +58,7 @@ struct Publisher::State {
       sent = *host;
       lock.unlock();
       const std::string fault = request("POST", *sent, timeLimit);
-      const std::string news = fault.empty() ? "published at " + url : "cannot publish at " + url + ": " + fault;
+      const std::string news = fault.empty() ? "announced to " + url : "cannot announce to " + url + ": " + fault;
       if (news != said && !isEnding) log(said = news);
       lock.lock();
       schedule.ends(fault.empty());

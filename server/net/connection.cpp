@@ -21,7 +21,7 @@ bool beginsRequest(char first) { return first == '\r' || (first >= 'A' && first 
 Connection::Connection(Socket socket, ClientId client, Handlers handlers)
     : stream_(std::move(socket)), client_(client), handlers_(std::move(handlers)) {
   if (handlers_.onForwarded) proxyLine_ = std::make_unique<ProxyLine>();
-  await(openingTime, "sent nothing", opened_);
+  await(openingTime, "timed out before sending anything", opened_);
 }
 
 void Connection::await(std::chrono::seconds time, const char* reason, Clock::time_point from) {
@@ -35,16 +35,15 @@ void Connection::closeIfOverdue(Clock::time_point now) {
 
 void Connection::send(const std::string& frame) {
   if (closed_ || hangingUp_) return;
-  if (underWay_.size() + queued_.size() + frame.size() > maxQueue) return close("does not read");
+  if (underWay_.size() + queued_.size() + frame.size() > maxQueue) return close("stopped reading");
   queued_ += frame;
   writeMore();
 }
 
 void Connection::hangUp() {
-  if (speech_ == Speech::upgrading)
-    return close("disconnected by the server");  // nothing can be sent during an upgrade
+  if (speech_ == Speech::upgrading) return close("closed by the server");  // nothing can be sent during an upgrade
   if (std::exchange(hangingUp_, true)) return;
-  await(goodbyeTime, "disconnected by the server");
+  await(goodbyeTime, "closed by the server");
   writeMore();
 }
 
@@ -62,7 +61,7 @@ void Connection::readMore() {
 
 void Connection::arrived(error_code error, std::size_t size) {
   if (closed_) return;
-  if (error) return close(error == asio::error::eof ? "hung up" : error.message());
+  if (error) return close(error == asio::error::eof ? "closed by the client" : error.message());
   if (take({arrived_.data(), size})) readMore();
 }
 
@@ -79,7 +78,7 @@ bool Connection::readProxyLine(std::string_view bytes) {
   if (result == ProxyLine::Result::partial) return true;
   const auto line = std::exchange(proxyLine_, nullptr);
   if (result == ProxyLine::Result::malformed) {
-    close("is not named by its proxy");
+    close("the proxy's line is invalid");
     return false;
   }
   if (result == ProxyLine::Result::complete) handlers_.onForwarded(client_, line->address());
@@ -93,22 +92,22 @@ bool Connection::open(std::string_view bytes) {
     return takeFrames(bytes);
   }
   if (!beginsRequest(bytes[0])) {
-    close("does not speak the protocol");
+    close("sent invalid data");
     return false;
   }
   speech_ = Speech::request;
-  await(requestTime, "took too long to send its request");
+  await(requestTime, "timed out during a request");
   request_ = std::make_unique<HttpReader>();
   return takeRequest(bytes);
 }
 
 bool Connection::takeFrames(std::string_view bytes) {
-  await(silence, "silent for too long");
+  await(silence, "timed out");
   const bool isSound = frames_.read(bytes, [&](std::string_view text) {
     if (!closed_ && !hangingUp_) handlers_.onFrame(client_, text);
   });
-  if (!isSound && !hangingUp_) close("does not speak the protocol");
-  if (hangingUp_) await(goodbyeTime, "disconnected by the server");
+  if (!isSound && !hangingUp_) close("sent invalid data");
+  if (hangingUp_) await(goodbyeTime, "closed by the server");
   return !closed_;
 }
 
@@ -142,7 +141,7 @@ bool Connection::answer(const HttpRequest& request) {
     return false;
   }
   speech_ = Speech::answering;
-  await(answerTime, "does not read");
+  await(answerTime, "stopped reading");
   keepsAlive_ = request.keepsAlive && answer.mayKeepAlive;
   queued_ += answer.head(keepsAlive_);
   if (!request.isHead()) {
@@ -167,7 +166,7 @@ void Connection::upgraded(error_code error) {
   if (closed_) return;
   if (error) return close(error.message());
   speech_ = Speech::opening;
-  await(openingTime, "sent nothing", opened_);
+  await(openingTime, "timed out before sending anything", opened_);
   readMore();
 }
 
@@ -179,7 +178,7 @@ void Connection::answered() {
   const auto before = std::exchange(request_, nullptr);
   speech_ = Speech::opening;
   opened_ = Clock::now();
-  await(requestTime, "sent no further request", opened_);
+  await(requestTime, "timed out between requests", opened_);
   if (before->rest().empty() || take(before->rest())) readMore();
 }
 
@@ -187,7 +186,7 @@ void Connection::writeMore() {
   if (closed_ || !underWay_.empty()) return;
   if (queued_.empty() && bodyLeft_ > 0) {
     queueBody();
-    if (queued_.empty()) return close("its answer is outdated");
+    if (queued_.empty()) return close("the answer is outdated");
   }
   if (queued_.empty()) {
     if (hangingUp_) return stream_.endSending(streamUser());
@@ -210,7 +209,7 @@ void Connection::written(error_code error) {
   if (underWay_.capacity() > bodyPiece) std::string().swap(underWay_);  // a burst's memory
   if (closed_) return;
   if (error) return close(error.message());
-  if (speech_ == Speech::answering && !hangingUp_) await(answerTime, "does not read");
+  if (speech_ == Speech::answering && !hangingUp_) await(answerTime, "stopped reading");
   writeMore();
 }
 

@@ -70,7 +70,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   void arrived(error_code error, std::size_t size) override;
   void written(error_code error) override;
   void upgraded(error_code error) override;
-  void ended() override { close("disconnected by the server"); }
+  void ended() override { close("closed by the server"); }
 
   std::shared_ptr<ClientStream::User> streamUser() { return {shared_from_this(), this}; }
   void readMore();

@@ -71,7 +71,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
 
 Listener::Handlers GameServer::listenerHandlers() {
   return {.onConnection = [this](Socket socket) { welcome(std::move(socket)); },
-          .onFailure = [this](const std::string& reason) { log_("cannot accept: " + reason); }};
+          .onFailure = [this](const std::string& reason) { log_("cannot accept connections: " + reason); }};
 }
 
 void GameServer::stop(std::function<void()> whenDone) {
@@ -118,7 +118,7 @@ void GameServer::welcome(Socket socket) {
   if (!guest.isForwarded && !admit(guest, guest.address)) return;
   if (guests_.size() >= maxConnections && !makeRoom()) {
     door_.left(guest.network);
-    return log_("turned away " + guest.address.to_string() + ": no room");
+    return log_("refused " + guest.address.to_string() + ": the server is full");
   }
   const ClientId client = ++lastClient_;
   Connection::Handlers handlers{
@@ -139,7 +139,7 @@ bool GameServer::admit(Guest& guest, const asio::ip::address& address) {
   if (network == guest.network) return true;
   if (const std::string before = std::exchange(guest.network, {}); !before.empty()) door_.left(before);
   if (!door_.admits(network, now())) {
-    log_("turned away " + network + ": too many connections");
+    log_("refused " + network + ": too many connections");
     return false;
   }
   guest.address = unmapped(address);
@@ -156,7 +156,7 @@ void GameServer::forwarded(ClientId client, const asio::ip::address& address) {
 void GameServer::beginGame(ClientId client) {
   Guest& guest = guests_.at(client);
   if (guest.network.empty() && !admit(guest, guest.address)) return guest.connection->hangUp();
-  log_("client " + std::to_string(client) + " comes from " + guest.address.to_string());
+  log_("client " + std::to_string(client) + " connected from " + guest.address.to_string());
   arena_.connected(client, at(guest.connection->opened()));  // the time without a first byte counts
 }
 
@@ -174,7 +174,7 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
       guest.isForwarded = false;  // from here on the client itself speaks
       return {.status = 101};
     }
-    log_("turned away a page of another origin");
+    log_("refused " + guest.address.to_string() + ": a page of another origin");
     return refusal(403, "Pages from other sites may not play here.\n");
   }
   if (ListPages::has(path)) {
@@ -205,7 +205,7 @@ void GameServer::closed(ClientId client, const std::string& reason) {
   const Guest& guest = gone.mapped();
   if (!guest.network.empty()) door_.left(guest.network);
   if (guest.connection->isGame()) {
-    log_("client " + std::to_string(client) + " closed: " + reason);
+    log_("client " + std::to_string(client) + " disconnected: " + reason);
     arena_.disconnected(client);
     publish();
   }
@@ -217,7 +217,7 @@ bool GameServer::makeRoom() {
   for (const PlayerView& player : arena_.players(now())) players.insert(player.client);
   const auto oldest = std::ranges::find_if(guests_, [&](const auto& entry) { return !players.contains(entry.first); });
   if (oldest == guests_.end()) return false;
-  oldest->second.connection->close("made room for another");
+  oldest->second.connection->close("made room for a newcomer");
   return true;
 }
 

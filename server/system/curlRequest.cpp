@@ -30,7 +30,7 @@ bool isInitialised() {
 WebReply sendRequest(const WebRequest& request) {
   const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(isInitialised() ? curl_easy_init() : nullptr,
                                                                  &curl_easy_cleanup);
-  if (!curl) return {.error = "the HTTP client does not start", .body = {}};
+  if (!curl) return {.error = "the HTTP library failed to start", .body = {}};
   std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> headers(nullptr, &curl_slist_free_all);
   if (!request.key.empty()) {
     headers.reset(curl_slist_append(nullptr, ("Authorization: Bearer " + request.key).c_str()));

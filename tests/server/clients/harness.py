@@ -82,7 +82,7 @@ class Server:
 
     def address_of(self, client):
         """The player's address according to the log."""
-        return re.search(rf"client {client} comes from (\S+)", self.log())[1]
+        return re.search(rf"client {client} connected from (\S+)", self.log())[1]
 
     def end(self):
         self.process.send_signal(signal.SIGTERM)

@@ -36,7 +36,7 @@ class BehindNginx(unittest.TestCase):
     def expect_held(self, host):
         """Expects that both ways in refuse further connections of this client and accept another client's. A connection
         counts once it has sent the first byte of the game."""
-        wait_for(lambda: self.server.log().count(f"comes from 127.0.0.{host}\n") == AT_A_TIME, "all connections")
+        wait_for(lambda: self.server.log().count(f"connected from 127.0.0.{host}\n") == AT_A_TIME, "all connections")
         self.assertEqual(read_to_end(self.streamed(host, b"X-Forwarded-For: 192.0.2.2\r\n")), b"")
         self.assertEqual(self.status(host), b"429")
         self.assertEqual(self.status(host, b"X-Forwarded-For: 192.0.2.1\r\n" * 3), b"429", "forged by the client")
@@ -59,7 +59,7 @@ class BehindNginx(unittest.TestCase):
             one.say("hello")
             for player in (one, other):
                 player.find(CHAT, lambda fields: fields[-1].endswith("hello"), start=len(player.frames))
-        addresses = [line.rsplit(" ", 1)[1] for line in self.server.log().splitlines() if " comes from " in line]
+        addresses = [line.rsplit(" ", 1)[1] for line in self.server.log().splitlines() if " connected from " in line]
         self.assertEqual(addresses, ["127.0.0.7", "127.0.0.8"])
 
     def test_the_web_files_come_over_tls(self):

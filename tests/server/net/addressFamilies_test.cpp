@@ -97,7 +97,7 @@ TEST_P(AddressFamilies, TheLimitsOfAnAddressHold) {
   EXPECT_EQ(readToEnd(oneTooMany), "");
   const auto log = server.log();
   ASSERT_EQ(log.size(), 1U);
-  EXPECT_EQ(log[0], "turned away " + networkOf(GetParam()) + ": too many connections");
+  EXPECT_EQ(log[0], "refused " + networkOf(GetParam()) + ": too many connections");
 }
 
 }  // namespace

@@ -21,8 +21,8 @@
 
 namespace kelvora::server {
 
-/// The bytes that docs/server.md allows for this many connections, `deaf` of which leave much unread. A mebibyte more
-/// is for log lines, remembered addresses and the test's own clients.
+/// A bound below what docs/server.md allows for this many connections, `deaf` of which leave much unread. A mebibyte
+/// more is for log lines, remembered addresses and the test's own clients.
 constexpr std::size_t allowedBytes(std::size_t connections, std::size_t deaf = 0) {
   return connections * (std::size_t{7} << 10) + deaf * (std::size_t{400} << 10) + (std::size_t{1} << 20);
 }

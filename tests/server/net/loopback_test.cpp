@@ -175,7 +175,7 @@ TEST(ServerConnection, AClientThatNeverReadsIsDropped) {
     connection->send(frame);
     context.poll();
   }
-  EXPECT_EQ(reason, "does not read");
+  EXPECT_EQ(reason, "stopped reading");
   context.run();
 }
 

@@ -68,7 +68,7 @@ TEST_F(Publishing, ServerIsListedUntilItStops) {
   const RunningServer list(this->list());
   {
     const RunningServer arena(publishing(list));
-    EXPECT_TRUE(logs(arena, "published at " + urlOf(list)));
+    EXPECT_TRUE(logs(arena, "announced to " + urlOf(list)));
     EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(arena.port()) + "|0|of all|0|6]-END-\n");
   }
   EXPECT_EQ(listOf(list), own(list) + "-END-\n") << "it has signed off";
@@ -81,7 +81,7 @@ TEST_F(Publishing, WithoutAPublicAddressTheListUsesTheSendersAddress) {
   options.password = "secret";
   options.publishUrl += "//";
   const RunningServer arena(options);
-  EXPECT_TRUE(logs(arena, "published at " + urlOf(list)));
+  EXPECT_TRUE(logs(arena, "announced to " + urlOf(list)));
   EXPECT_EQ(listOf(list), own(list) + "[127.0.0.1|" + std::to_string(arena.port()) + "|1|of all|0|6]-END-\n");
 }
 
@@ -89,7 +89,7 @@ TEST_F(Publishing, ManyArenasShareOneList) {
   const RunningServer list(this->list());
   std::vector<std::unique_ptr<RunningServer>> arenas;
   for (int i = 0; i < 8; ++i) arenas.push_back(std::make_unique<RunningServer>(publishing(list)));
-  for (const auto& arena : arenas) EXPECT_TRUE(logs(*arena, "published at "));
+  for (const auto& arena : arenas) EXPECT_TRUE(logs(*arena, "announced to "));
   const std::string all = listOf(list);
   for (const auto& arena : arenas) {
     EXPECT_NE(all.find("[arena.example|" + std::to_string(arena->port()) + "|"), std::string::npos) << all;
@@ -101,9 +101,9 @@ TEST_F(Publishing, ListWithAKeyRequiresIt) {
   const RunningServer without(publishing(list));
   const RunningServer wrong(publishing(list, "open sesamE"));
   const RunningServer right(publishing(list, "open sesame"));
-  EXPECT_TRUE(logs(without, "cannot publish at " + urlOf(list) + ": status 403, This list needs a key."));
-  EXPECT_TRUE(logs(wrong, "cannot publish at " + urlOf(list) + ": status 403"));
-  EXPECT_TRUE(logs(right, "published at "));
+  EXPECT_TRUE(logs(without, "cannot announce to " + urlOf(list) + ": status 403, This list needs a key."));
+  EXPECT_TRUE(logs(wrong, "cannot announce to " + urlOf(list) + ": status 403"));
+  EXPECT_TRUE(logs(right, "announced to "));
   EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(right.port()) + "|0|of all|0|6]-END-\n");
   EXPECT_EQ(ask(list.webPort(), request("POST", query, "Authorization: Bearer open sesame\r\n")).code(), 200);
   for (const char* header : {"", "Authorization: open sesame\r\n", "Authorization: Bearer \r\n",
@@ -119,7 +119,7 @@ TEST_F(Publishing, MissingListIsReportedAndTheGameContinues) {
     options = publishing(list);
   }
   const RunningServer arena(options);
-  EXPECT_TRUE(logs(arena, "cannot publish at http://127.0.0.1:"));
+  EXPECT_TRUE(logs(arena, "cannot announce to http://127.0.0.1:"));
   Client ann(arena.port());
   ann.login("Ann");
   EXPECT_NE(ann.readUntil(wire::msgLoginAccepted), "nothing");

@@ -38,7 +38,7 @@ class ByTurns : public testing::Test {
   int joined = 0;  // connections that have sent game data
   asio::io_context context;
   GameServer server{context, anyPort(),
-                    [this](const std::string& line) { joined += line.find("comes from") != std::string::npos; }};
+                    [this](const std::string& line) { joined += line.find("connected from") != std::string::npos; }};
   Client ann{server.port(), 200};
 };
 
