@@ -14,6 +14,7 @@
 #include "generated/sourceFolder.h"
 #include "protocol/messages.h"
 #include "server/net/connection.h"
+#include "server/net/gameServer.h"
 #include "tests/server/net/heapBytes.h"
 #include "tests/server/net/webSocketClient.h"
 #include "tests/support/wireMessage.h"
@@ -145,6 +146,44 @@ TEST(ConnectionMemory, IsWithinTheTableWithUnreadBytes) {
       std::cout << "[  memory  ] " << mebibytes << " MiB unread, in frames of " << size << "\n";
     }
   }
+}
+
+/// The bytes that a server holds for a player who flies alone.
+double bytesOfAPlayer(bool isOverWebSocket) {
+  Options options;
+  options.port = 0;
+  options.rules.speedFactor = 0;
+  bool hasJoined = false;
+  asio::io_context context;
+  GameServer server(context, options,
+                    [&](const std::string& line) { hasJoined = hasJoined || line.starts_with("Ann joined"); });
+  TcpClient client(server.port());
+  const std::size_t before = heapBytes();
+  const auto say = [&](const std::string& bytes) {
+    client.write(bytes);
+    client.waitUntilDelivered();
+    while (context.poll_one() > 0) client.drain();
+  };
+  std::string flight;
+  for (int x = 50'000; x < 50'050; ++x) flight += frameOf(wire::msgPositionReport, {std::to_string(x), "50000"});
+  const std::string login = frameOf(wire::msgLogin, {"Ann", "", "0", KELVORA_VERSION});
+  if (isOverWebSocket) say(WebSocketClient::handshake());
+  say(isOverWebSocket ? inWebSocket(login) : login);
+  say(isOverWebSocket ? inWebSocket(flight) : flight);
+  EXPECT_TRUE(hasJoined);
+  const auto held = static_cast<double>(heapBytes() - before);
+  server.stop();
+  server.stop();
+  context.run();
+  return held;
+}
+
+TEST(ConnectionMemory, APlayerOverWebSocketTakesAtMostTwiceAsMuchAsOneOverTcp) {
+  const double plain = bytesOfAPlayer(false);
+  const double overWebSocket = bytesOfAPlayer(true);
+  EXPECT_LE(overWebSocket, 2 * plain);
+  std::cout << "[  memory  ] a player: " << plain / 1024 << " KiB over TCP, " << overWebSocket / 1024
+            << " KiB over WebSocket\n";
 }
 
 }  // namespace

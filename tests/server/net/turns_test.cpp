@@ -1,7 +1,11 @@
 // A server whose event loop the test runs by hand, one handler at a time. Counting handlers replaces measuring time.
 
+#include <functional>
+#include <utility>
+
 #include "server/net/gameServer.h"
 #include "tests/server/net/hostile.h"
+#include "tests/server/net/webSocketClient.h"
 
 namespace kelvora::server {
 namespace {
@@ -60,6 +64,37 @@ TEST_F(ByTurns, FloodFromSixtyClientsDelaysAReportByAFewReadsOfEach) {
                              "50000\x82"
                              "50000"))
       << "without another turn";
+}
+
+TEST_F(ByTurns, AReportIsRelayedInTheTurnThatReadsIt) {
+  Client bob(server.port(), 201);
+  WebSocketClient web(server.port(), 202);
+  logIn(ann, "Ann");
+  logIn(bob, "Bob");
+  web.write(WebSocketClient::handshake());
+  serveUntil([&] { return web.hasNews(); });
+  web.send(login("Web"));
+  serveUntil([&] { return joined == 3; });
+  const std::string report = frameOf(wire::msgPositionReport, {"50000", "50000"});
+  const std::pair<TcpClient&, std::string> reports[] = {{ann, report},
+                                                        {web, WebSocketClient::frame(WebSocketClient::binary, report)}};
+  for (const auto& [client, bytes] : reports) {
+    // A tick may come in between, but not every time.
+    bool isAtOnce = false;
+    for (int i = 0; i < 20 && !isAtOnce; ++i) {
+      context.poll();
+      bob.drain();
+      client.write(bytes);
+      client.waitUntilDelivered();
+      int turns = -1;
+      serveUntil([&] {
+        ++turns;
+        return bob.hasNews();
+      });
+      isAtOnce = turns == 1 && static_cast<unsigned char>(bob.read()[0]) == wire::msgPosition;
+    }
+    EXPECT_TRUE(isAtOnce);
+  }
 }
 
 TEST_F(ByTurns, TheSecondStopWaitsForNobody) {
