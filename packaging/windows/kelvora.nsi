@@ -78,6 +78,7 @@ Section "Uninstall"
   RMDir "$INSTDIR\assets"
   RMDir "$INSTDIR\sounds"
   RMDir "$INSTDIR"
+  RMDir "$LOCALAPPDATA\Programs"  ; unless it has other programs
   Delete "${MENU}\Kelvora.lnk"
   Delete "${MENU}\Play against bots.lnk"
   RMDir "${MENU}"
