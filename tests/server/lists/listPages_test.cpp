@@ -135,10 +135,10 @@ TEST_F(ListPagesTest, BrowsersGetATableWithALinkToPlayEachGame) {
 }
 
 TEST_F(ListPagesTest, AServerWithoutAnAddressIsPlayedWhereThePageIs) {
-  ListPages pages(KELVORA_VERSION, "", "0.0.0.0");
-  pages.publish({.address = "", .port = 2010, .notes = "", .players = 0, .maxPlayers = 6});
+  ListPages wildcard(KELVORA_VERSION, "", "0.0.0.0");
+  wildcard.publish({.address = "", .port = 2010, .notes = "", .players = 0, .maxPlayers = 6});
   const auto ask = [&](const std::string& target) {
-    return text(pages.answer({.method = "GET", .target = target}, {.address = "198.51.100.1", .network = "n"}, 0));
+    return text(wildcard.answer({.method = "GET", .target = target}, {.address = "198.51.100.1", .network = "n"}, 0));
   };
   EXPECT_EQ(rows(ask("/games")), std::vector<std::string>{"|0 of 6|this server|2010|/"});
   EXPECT_EQ(ask("/games/kelvora/gethosts.php?version=" KELVORA_VERSION), "[0.0.0.0|2010|0||0|6]-END-\n");
