@@ -11,7 +11,7 @@ target_link_options(kelvora PRIVATE
   "-sASYNCIFY_REMOVE=['kelvora::Surface::*']"
   "-sEXPORTED_RUNTIME_METHODS=['callMain']"
   "SHELL:--js-library ${page}/library.js")
-set(parts text.js events.js input.js sockets.js glyphs.js settings.js sound.js windows.js menus.js grid.js controls.js start.js)
+set(parts text.js events.js touch.js input.js sockets.js glyphs.js settings.js sound.js windows.js menus.js grid.js controls.js start.js)
 foreach(part ${parts})
   target_link_options(kelvora PRIVATE "SHELL:--extern-pre-js ${page}/${part}")
 endforeach()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace kelvora::modMain {
@@ -13,6 +14,8 @@ void paintWorldBorder();
 /// Updates the record of a survival run and draws a line from the local player to the start.
 void paintSurvival();
 void paintActionIcons();
+/// The F key, 1 to 6, of the powerup icon at a place on the canvas. 0 if there is none.
+std::int16_t actionIconAt(float x, float y);
 /// The console's newest seven lines and the debug text.
 void paintTextLines();
 /// Advances the message's age, and paints the message until it is 250 frames old.

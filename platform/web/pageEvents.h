@@ -29,6 +29,8 @@ enum class PageEventKind {
   SocketData,
   SocketClosed,
   SocketFailed,
+  Touched,
+  Released,
 };
 
 struct PageEvent {

@@ -49,6 +49,10 @@ class WebPeer : public Peer, public PageObject {
   Control& control_;
 };
 
+/// Sets what is asked first about a finger on a picture with keys, at a place in twips. True if it has handled it.
+/// Any other finger steers like the mouse.
+void setTouchHandler(bool (*handler)(float x, float y));
+
 /// The font as a style sheet spells it; `points` in place of the font's own size.
 std::string cssFont(const FontSpec& font, float points);
 

@@ -3,10 +3,13 @@
 #include "platform/pictureBox.h"
 #include "platform/web/webPeer.h"
 #include "platform/web/webPixels.h"
+#include "raster/twips.h"
 
 namespace kelvora {
 
 namespace {
+
+bool (*touchHandler)(float x, float y) = nullptr;
 
 class PictureBoxPeer : public WebPeer {
  public:
@@ -20,6 +23,13 @@ class PictureBoxPeer : public WebPeer {
   void present() override { pixels_.show(id(), box_.pixels(), box_.pixelWidth(), box_.pixelHeight()); }
 
   void take(const PageEvent& event) override {
+    if (event.kind == PageEventKind::Touched) {
+      const auto x = static_cast<float>(event.numbers[2] * twipsPerPixel);
+      const auto y = static_cast<float>(event.numbers[3] * twipsPerPixel);
+      isTouchHandled_ = touchHandler != nullptr && touchHandler(x, y);
+    }
+    if (event.kind == PageEventKind::Released) isTouchHandled_ = false;
+    if (event.kind == PageEventKind::MouseMove && isTouchHandled_) return;
     // Quirk Q-020: a picture hears of no movement outside its edges, not even while a button is held.
     const bool isInside = event.numbers[4] != 0;
     if (event.kind == PageEventKind::MouseMove && !isInside) return;
@@ -38,9 +48,12 @@ class PictureBoxPeer : public WebPeer {
  private:
   PictureBox& box_;
   WebPixels pixels_;
+  bool isTouchHandled_ = false;
 };
 
 }  // namespace
+
+void setTouchHandler(bool (*handler)(float x, float y)) { touchHandler = handler; }
 
 void makePeer(PictureBox& box, int parent) { box.peer = std::make_unique<PictureBoxPeer>(box, parent); }
 

@@ -44,7 +44,7 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"server/net",
      {"base", "protocol", "server/arena", "server/bots", "server/config", "server/lists", "server/system",
       "server/web"}},
-    {"app", {"core", "platform/desktop", "platform/web"}},
+    {"app", {"core", "platform/desktop", "platform/web", "rendering"}},
     {"app/windows", {}},
 };
 const std::set<std::string> outsideTheRooms = {"tests", "bench", "tools", "assets", "docs", "cmake", "packaging"};

@@ -1,19 +1,22 @@
-// Says so where the browser can't run the game; loads it where it can.
+// Says so where the browser can't run the game; loads it where it can. Any browser can read this.
+function showEnd(title, text) {
+  document.getElementById('loading').hidden = true;
+  var end = document.getElementById('end');
+  if (!end.hidden) return;  // the first reason counts
+  end.querySelector('h1').textContent = title;
+  end.querySelector('p').textContent = text;
+  end.hidden = false;
+  document.getElementById('desk').inert = true;
+}
+
 (function () {
   var isAble = window.WebAssembly && window.HTMLDialogElement && Array.prototype.findLast;
   var script = document.createElement('script');
   script.src = 'kelvora.js';
-  script.onerror = function () { say('Kelvora could not be loaded', 'Reload the page to try again.'); };
-  function say(title, text) {
-    document.getElementById('loading').hidden = true;
-    var end = document.getElementById('end');
-    end.querySelector('h1').textContent = title;
-    end.querySelector('p').textContent = text;
-    end.hidden = false;
-  }
+  script.onerror = function () { showEnd('Kelvora could not be loaded', 'Reload the page to try again.'); };
   if (isAble) {
     document.body.append(script);
   } else {
-    say('This browser is too old', 'Kelvora needs WebAssembly. Firefox, Chrome, Edge and Safari from 2023 on have it.');
+    showEnd('This browser is too old', 'Kelvora needs WebAssembly. Firefox, Chrome, Edge and Safari from 2023 on have it.');
   }
 })();

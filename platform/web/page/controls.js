@@ -3,13 +3,14 @@ const controls = new Map();
 
 const elementNames = {
   Form: 'section', Label: 'div', TextBox: 'input', Button: 'button', Frame: 'div', Image: 'canvas', Shape: 'div',
-  Slider: 'input', PictureBox: 'canvas', CheckBox: 'label', Grid: 'div',
+  Slider: 'input', PictureBox: 'div', CheckBox: 'label', Grid: 'div',
 };
 
 function createControl(id, parentId, kind) {
   const element = document.createElement(elementNames[kind]);
   element.classList.add(kind.toLowerCase());
-  const control = {id, kind, element, client: element, place: {}};
+  // The face takes focus, mouse and keys.
+  const control = {id, kind, element, client: element, face: element};
   controls.set(id, control);
   const make = makers[kind];
   if (make) make(control);
@@ -62,12 +63,15 @@ const makers = {
     control.box = document.createElement('input');
     control.box.type = 'checkbox';
     control.words = document.createElement('span');
+    control.face = control.box;
     control.element.append(control.box, control.words);
     control.box.addEventListener('change', () => post('ticked', control.id, [control.box.checked ? 1 : 0]));
   },
   Grid: (control) => makeGrid(control),
   PictureBox: (control) => {
-    control.element.addEventListener('contextmenu', (event) => event.preventDefault());
+    control.face = document.createElement('canvas');
+    control.element.append(control.face);
+    control.face.addEventListener('contextmenu', (event) => event.preventDefault());
     listenToKeys(control);
   },
 };
@@ -82,15 +86,14 @@ const commonProperties = {
   Height: (control, value) => { control.element.style.height = value + 'px'; fitLine(control); },
   Visible: (control, value) => { control.element.hidden = !value; },
   ToolTipText: (control, value) => { control.element.title = value; },
-  Caption: (control, value) => { (control.words || control.title || control.element).textContent = value; },
+  Caption: (control, value) => { (control.words || control.title || control.element).textContent = value; fitLine(control); },
   ForeColor: (control, value) => { control.element.style.color = colourText(value); },
   BackColor: (control, value) => { control.element.style.backgroundColor = colourText(value); },
   BorderStyle: (control, value) => { control.element.classList.toggle('bordered', value !== 0); },
   Font: (control, value) => { control.element.style.font = value; fitLine(control); },
   Alignment: (control, value) => { control.element.style.textAlign = value; },
-  TabIndex: (control, value) => { (control.box || control.element).tabIndex = value; },
+  TabIndex: (control, value) => { control.face.tabIndex = value; },
   Default: (control) => { control.element.classList.add('default'); },
-  AccessibleName: (control, value) => { control.element.setAttribute('aria-label', value); },
 };
 
 const ownProperties = {
@@ -104,7 +107,7 @@ const ownProperties = {
     Value: (control, value) => { control.element.value = value; },
   },
   CheckBox: {Value: (control, value) => { control.box.checked = value !== 0; }},
-  PictureBox: {MousePointer: (control, value) => { control.element.style.cursor = value === 99 ? 'none' : ''; }},
+  PictureBox: {MousePointer: (control, value) => { control.face.style.cursor = value === 99 ? 'none' : ''; }},
   Shape: {
     BorderColor: (control, value) => { control.element.style.borderColor = colourText(value); },
     BorderStyle: (control, value) => { control.element.style.borderStyle = value === 3 ? 'dotted' : 'solid'; },
@@ -129,24 +132,48 @@ function fitLine(control) {
   const height = parseFloat(style.height);
   control.element.classList.toggle('line', height < 2.3 * size);
   style.lineHeight = height < 2.3 * size ? height + 'px' : '';
+  tightenLine(control.element);
+}
+
+// Browsers' letters are up to a pixel wider than the design's. A line that this cuts off moves its letters together.
+function tightenLine(element) {
+  element.style.letterSpacing = '';
+  const excess = element.scrollWidth - element.clientWidth;
+  const isLine = element.classList.contains('line') && element.clientWidth > 0;
+  if (isLine && excess > 0 && excess < 20) element.style.letterSpacing = -(excess + 1) / element.textContent.length + 'px';
 }
 
 function focusControl(id) {
   const control = controls.get(id);
   raiseWindow(windowOf(control));
-  if (control.kind !== 'Form') (control.box || control.element).focus({preventScroll: true});
+  if (control.kind !== 'Form') control.face.focus({preventScroll: true});
 }
+
+// Names boxes and sliders, for screen readers, by the label on their left.
+function nameFields(form) {
+  const labels = [...form.client.querySelectorAll('.label')];
+  for (const field of form.client.querySelectorAll('.textbox, .slider')) {
+    const {left, top, bottom} = field.getBoundingClientRect();
+    const isBeside = (place) => place.width > 0 && place.right <= left + 1 && place.top < bottom && place.bottom > top;
+    const label = labels.filter((one) => isBeside(one.getBoundingClientRect()))
+      .sort((a, b) => b.getBoundingClientRect().right - a.getBoundingClientRect().right)[0];
+    if (!label) continue;
+    label.id = label.id || `label${++lastLabel}`;
+    field.setAttribute('aria-labelledby', label.id);
+  }
+}
+let lastLabel = 0;
 
 const windowOf = (control) => controls.get(Number(control.element.closest('.form').dataset.id));
 
 // Shows rows of a picture: pixels as the canvas wants them, from the program's memory.
 function showPixels(id, pixels, width, height, firstRow, rows) {
-  const {element} = controls.get(id);
-  if (element.width !== width || element.height !== height) {
-    element.width = width;
-    element.height = height;
+  const {face} = controls.get(id);
+  if (face.width !== width || face.height !== height) {
+    face.width = width;
+    face.height = height;
   }
   if (width === 0 || rows === 0) return;
-  const context = element.getContext('2d', {alpha: false});
+  const context = face.getContext('2d', {alpha: false});
   context.putImageData(new ImageData(pixels, width, rows), 0, firstRow);
 }

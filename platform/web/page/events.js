@@ -2,7 +2,7 @@
 const eventKinds = [
   'none', 'mouseDown', 'mouseMove', 'mouseUp', 'doubleClick', 'click', 'keyDown', 'keyPress', 'edited', 'scrolled',
   'changed', 'ticked', 'cellChosen', 'resized', 'moved', 'closed', 'activated', 'socketOpened', 'socketData',
-  'socketClosed', 'socketFailed',
+  'socketClosed', 'socketFailed', 'touched', 'released',
 ];
 const kindNumbers = Object.fromEntries(eventKinds.map((kind, number) => [kind, number]));
 const nothing = new Uint8Array(0);
@@ -20,8 +20,13 @@ function post(kind, id, numbers = [], bytes = nothing) {
   if (endWait) endWait();
 }
 
-// Comes back with the next event, or after the milliseconds. A browser rounds its timers up to 4 ms and slows them down
-// in hidden tabs; messages between ports come at once.
+// Comes back with the next event, or after the milliseconds. Messages between ports come at once, while a browser rounds
+// its timers up to 4 ms. In a hidden tab it slows them down to one a second or less, but not those of a worker. So the
+// game goes on there, as in a minimised window.
+const workerCode = 'onmessage = (event) => setTimeout(() => postMessage(event.data.number), event.data.milliseconds);';
+const clock = new Worker(URL.createObjectURL(new Blob([workerCode], {type: 'text/javascript'})));
+let clockNumber = 0;
+clock.onmessage = (event) => { if (event.data === clockNumber && endWait) endWait(); };
 const turn = new MessageChannel();
 let nextTurn = null;
 turn.port1.onmessage = () => nextTurn();
@@ -38,7 +43,11 @@ function waitForEvents(milliseconds, wakeUp) {
   endWait = end;
   if (pendingEvents.length > 0 || milliseconds < 1) {
     end();
-  } else if (Number.isFinite(milliseconds)) {
+  } else if (!Number.isFinite(milliseconds)) {
+    return;
+  } else if (document.hidden) {
+    clock.postMessage({number: ++clockNumber, milliseconds: Math.floor(milliseconds)});
+  } else {
     timer = setTimeout(end, Math.floor(milliseconds));
   }
 }

@@ -2,35 +2,49 @@
 const buttonBits = [1, 4, 2];
 const shiftBits = (event) => (event.shiftKey ? 1 : 0) + (event.ctrlKey ? 2 : 0) + (event.altKey ? 4 : 0);
 
+// Button, Shift, place in the control's pixels, 1 for inside.
+function mouseNumbers(element, event, button) {
+  const place = element.getBoundingClientRect();
+  const scale = place.width / element.offsetWidth || 1;
+  const x = Math.floor((event.clientX - place.left) / scale);
+  const y = Math.floor((event.clientY - place.top) / scale);
+  const isInside = x >= 0 && y >= 0 && x < element.offsetWidth && y < element.offsetHeight;
+  return [button, shiftBits(event), x, y, isInside ? 1 : 0];
+}
+
 function listenToMouse(control) {
-  const {element, id} = control;
-  const tell = (kind, button) => (event) => {
-    const place = element.getBoundingClientRect();
-    const x = Math.floor(event.clientX - place.left);
-    const y = Math.floor(event.clientY - place.top);
-    const isInside = x >= 0 && y >= 0 && x < place.width && y < place.height;
-    post(kind, id, [button(event), shiftBits(event), x, y, isInside ? 1 : 0]);
-  };
-  const pressed = tell('mouseDown', (event) => buttonBits[event.button] || 0);
+  const {id, kind} = control;
+  const element = kind === 'PictureBox' ? control.face : control.element;
+  const takesKeys = () => kind === 'PictureBox' && element.tabIndex >= 0;
+  const tell = (what, event, button) => post(what, id, mouseNumbers(element, event, button));
   element.addEventListener('pointerdown', (event) => {
     event.stopPropagation();
     raiseWindow(windowOf(control));
-    if (control.kind === 'PictureBox' || control.kind === 'Label') {
+    if (kind === 'PictureBox' || kind === 'Label') {
       element.setPointerCapture(event.pointerId);
-      if (control.kind === 'PictureBox' && element.tabIndex >= 0) element.focus({preventScroll: true});
+      if (takesKeys()) element.focus({preventScroll: true});
       event.preventDefault();
     }
-    pressed(event);
+    if (event.pointerType === 'touch') showTouchButtons(control);
+    if (event.pointerType === 'touch' && takesKeys()) return fingerDown(control, event);
+    tell('mouseDown', event, buttonBits[event.button] || 0);
   });
-  element.addEventListener('pointermove', tell('mouseMove', (event) => event.buttons & 7));
-  element.addEventListener('pointerup', tell('mouseUp', (event) => buttonBits[event.button] || 0));
-  element.addEventListener('dblclick', tell('doubleClick', () => 1));
+  element.addEventListener('pointermove', (event) => {
+    if (fingers.has(event.pointerId) && event.pointerId !== steeringFinger()) return;
+    tell('mouseMove', event, fingers.has(event.pointerId) ? 0 : event.buttons & 7);
+  });
+  element.addEventListener('pointerup', (event) => {
+    if (!fingers.has(event.pointerId)) tell('mouseUp', event, buttonBits[event.button] || 0);
+    fingerUp(control, event);
+  });
+  element.addEventListener('pointercancel', (event) => fingerUp(control, event));
+  element.addEventListener('dblclick', (event) => tell('doubleClick', event, 1));
 }
 
 const isFunctionKey = (event) => /^F([1-9]|10)$/.test(event.key);
 
 function listenToKeys(control) {
-  control.element.addEventListener('keydown', (event) => {
+  control.face.addEventListener('keydown', (event) => {
     if (event.isComposing) return;
     if (isFunctionKey(event) || event.key === 'Enter' || event.key === 'Escape') event.preventDefault();
     post('keyDown', control.id, [event.keyCode, shiftBits(event)]);
@@ -46,7 +60,7 @@ const letterOf = (event) => [...event.key].length === 1 ? event.key : '';
 // Keys in a window whose focus has no use for them: Enter and Esc answer its buttons, function keys go to the program.
 document.addEventListener('keydown', (event) => {
   const form = frontWindow();
-  if (!form || event.target.closest('.textbox, .picturebox, dialog')) return;
+  if (!form || event.target.closest('.textbox, canvas, dialog')) return;
   const answers = event.key === 'Escape' || (event.key === 'Enter' && event.target.tagName !== 'BUTTON');
   if (answers) post('keyDown', form.id, [event.keyCode, shiftBits(event)]);
   if (answers || isFunctionKey(event)) event.preventDefault();

@@ -1,6 +1,7 @@
 // A socket of the program is a WebSocket to the host's /play, whose binary messages are a plain stream of bytes.
 const sockets = new Map();
-const readLimit = 64 << 20;
+const readLimit = 64 << 20;  // bytes that wait for the program
+const readAhead = 256 << 10;  // bytes of one event, so that the page has its turn between them
 const writeLimit = 4 << 20;
 
 function openSocket(id, host, port) {
@@ -34,13 +35,17 @@ function openSocket(id, host, port) {
   };
 }
 
-// All that has arrived since the program looked is one event.
+// What has arrived since the program looked becomes one event, up to a limit.
 function takeBytes(id, bytes) {
-  const last = pendingEvents.findLast((event) => event.id === id);
-  if (!last || last.kind !== 'socketData') return post('socketData', id, [], bytes);
-  if (last.bytes.length + bytes.length > readLimit) {
+  const size = (event) => event.length || event.bytes.length;
+  const unread = pendingEvents.reduce((sum, event) => event.id === id ? sum + size(event) : sum, 0);
+  if (unread + bytes.length > readLimit) {
     closeSocket(id);
     return post('socketFailed', id);
+  }
+  const last = pendingEvents.findLast((event) => event.id === id);
+  if (!last || last.kind !== 'socketData' || size(last) + bytes.length > readAhead) {
+    return post('socketData', id, [], bytes);
   }
   last.parts = last.parts || [last.bytes];
   last.parts.push(bytes);

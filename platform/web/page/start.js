@@ -1,6 +1,13 @@
 // Loading, and the two ends of it: the program runs, or the page says why it doesn't.
 const progress = document.getElementById('progress');
 
+// A page that can't go on says so instead of standing still.
+function showStop(what) {
+  showEnd('Kelvora has stopped', `The page can't go on: ${what}. Reload it to play again.`);
+}
+addEventListener('error', (event) => showStop(event.message));
+addEventListener('unhandledrejection', (event) => showStop(event.reason));
+
 var Module = {
   noInitialRun: true,
   setStatus: (text) => {
@@ -14,5 +21,5 @@ var Module = {
       Module.callMain([]);
     });
   },
-  onAbort: (what) => showEnd('Kelvora has stopped', `The page can't go on: ${what}. Reload it to play again.`),
+  onAbort: showStop,
 };

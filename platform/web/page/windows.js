@@ -2,6 +2,28 @@
 // top. A modal one makes all below it inert.
 const desk = document.getElementById('desk');
 let mainWindow = null;
+
+// The smallest desk on which the game can be played. A smaller page shows it scaled down.
+const smallestDesk = {width: 640, height: 600};
+let deskScale = 1;
+let deskWidth = 0;
+let deskHeight = 0;
+
+function fitDesk() {
+  deskScale = Math.min(1, innerWidth / smallestDesk.width, innerHeight / smallestDesk.height) || 1;
+  deskWidth = Math.floor(innerWidth / deskScale);
+  deskHeight = Math.floor(innerHeight / deskScale);
+  Object.assign(desk.style, {width: deskWidth + 'px', height: deskHeight + 'px', transform: scaleText(deskScale)});
+}
+const scaleText = (scale) => scale === 1 ? '' : `scale(${scale})`;
+fitDesk();
+
+// A dialog is shown in its own size, as far as the page has room for it.
+function fitDialog(control) {
+  const {element} = control;
+  control.scale = Math.min(1 / deskScale, deskWidth / element.offsetWidth, deskHeight / element.offsetHeight) || 1;
+  element.style.transform = scaleText(control.scale);
+}
 const shownWindows = [];
 
 const frontWindow = () => shownWindows[shownWindows.length - 1];
@@ -33,30 +55,38 @@ function dragByBar(control) {
   let grip = null;
   control.bar.addEventListener('pointerdown', (event) => {
     if (event.target.closest('button')) return;
-    grip = {x: event.clientX - control.element.offsetLeft, y: event.clientY - control.element.offsetTop};
+    const {offsetLeft, offsetTop} = control.element;
+    grip = {x: event.clientX / deskScale - offsetLeft, y: event.clientY / deskScale - offsetTop};
     control.bar.setPointerCapture(event.pointerId);
   });
   control.bar.addEventListener('pointermove', (event) => {
-    if (grip) placeWindow(control, event.clientX - grip.x, event.clientY - grip.y);
+    if (grip) placeWindow(control, event.clientX / deskScale - grip.x, event.clientY / deskScale - grip.y);
   });
   control.bar.addEventListener('pointerup', () => { grip = null; });
 }
 
 function placeWindow(control, left, top) {
-  const {element} = control;
-  const x = Math.round(Math.max(0, Math.min(left, innerWidth - element.offsetWidth)));
-  const y = Math.round(Math.max(0, Math.min(top, innerHeight - element.offsetHeight)));
+  const {element, scale} = control;
+  const x = Math.round(Math.max(0, Math.min(left, deskWidth - element.offsetWidth * scale)));
+  const y = Math.round(Math.max(0, Math.min(top, deskHeight - element.offsetHeight * scale)));
   element.style.left = x + 'px';
   element.style.top = y + 'px';
   post('moved', control.id, [x, y]);
 }
 
 function fillPage(control) {
-  const height = innerHeight - control.client.offsetTop;
-  post('resized', control.id, [innerWidth, height]);
+  post('resized', control.id, [deskWidth, deskHeight - control.client.offsetTop]);
 }
 
-addEventListener('resize', () => { if (mainWindow) fillPage(mainWindow); });
+addEventListener('resize', () => {
+  fitDesk();
+  if (mainWindow) fillPage(mainWindow);
+  for (const control of shownWindows) {
+    if (control === mainWindow) continue;
+    fitDialog(control);
+    placeWindow(control, control.element.offsetLeft, control.element.offsetTop);
+  }
+});
 
 function raiseWindow(control) {
   const at = shownWindows.indexOf(control);
@@ -96,10 +126,12 @@ function showWindow(control) {
   if (control === mainWindow) {
     fillPage(control);
   } else {
-    const left = control.left === undefined ? (innerWidth - control.element.offsetWidth) / 2 : control.left;
-    const top = control.top === undefined ? (innerHeight - control.element.offsetHeight) / 2 : control.top;
+    fitDialog(control);
+    const left = control.left ?? (deskWidth - control.element.offsetWidth * control.scale) / 2;
+    const top = control.top ?? (deskHeight - control.element.offsetHeight * control.scale) / 2;
     placeWindow(control, left, top);
   }
+  nameFields(control);
   raiseWindow(control);
   const first = [...control.client.querySelectorAll('[tabindex]')]
     .filter((element) => element.tabIndex > 0).sort((a, b) => a.tabIndex - b.tabIndex)[0];
@@ -144,13 +176,4 @@ function showBox(id, text) {
   box.append(words, ok);
   document.body.append(box);
   box.showModal();
-}
-
-// The program is over; what it drew stays behind the words.
-function showEnd(title, text) {
-  const end = document.getElementById('end');
-  end.querySelector('h1').textContent = title;
-  end.querySelector('p').textContent = text;
-  end.hidden = false;
-  desk.inert = true;
 }
