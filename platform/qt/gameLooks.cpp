@@ -1,13 +1,18 @@
 #include "platform/qt/gameLooks.h"
 
 #include <malloc.h>
+
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
 #include <QIconEngine>
+#include <QImage>
+#include <QPixmap>
 #include <QProxyStyle>
 #include <QTimer>
+#include <optional>
 
+#include "platform/pictures/decode.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/widgets.h"
 
@@ -50,6 +55,17 @@ class GameStyle : public QProxyStyle {
   }
 };
 
+/// The toolkit's own reader would load a library for each kind of picture.
+void addIcon(QIcon& icon, const QString& path) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return;
+  const QByteArray bytes = file.readAll();
+  const std::optional<Picture> picture = decodeIcon({bytes.begin(), bytes.end()});
+  if (!picture) return;
+  icon.addPixmap(QPixmap::fromImage(QImage(reinterpret_cast<const uchar*>(picture->pixels.data()), picture->width,
+                                           picture->height, QImage::Format_ARGB32)));
+}
+
 }  // namespace
 
 QPalette gamePalette(const QColor& ground) {
@@ -84,7 +100,7 @@ void setProgramIconLater(const std::string& applicationPath) {
   QTimer::singleShot(0, qApp, [files] {
     // Quirk Q-308: by its design the window has a blank icon.
     QIcon icon;
-    for (const int size : {16, 32, 48, 64, 128, 256}) icon.addFile(files.arg(size));
+    for (const int size : {16, 32, 48, 64, 128}) addIcon(icon, files.arg(size));
     QApplication::setWindowIcon(icon);
     malloc_trim(0);  // returns about a megabyte that the start has used and freed to the system
   });

@@ -7,12 +7,14 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <jpeglib.h>
 
 #include "base/fault.h"
+#include "platform/pictures/decode.h"
 
 namespace kelvora {
 namespace {
@@ -92,6 +94,15 @@ TEST_F(PictureFile, ReadsPngPixelByPixel) {
 TEST_F(PictureFile, PutsTransparentPngPixelsOnBlack) {
   const std::string path = writePng("a.png", 2, 1, {200, 100, 50, 0, 200, 100, 50, 255}, 4);
   EXPECT_EQ(loadPictureFile(path)->pixels, (std::vector<Pixel>{0x000000, 0xC86432}));
+}
+
+TEST_F(PictureFile, AnIconKeepsItsTransparency) {
+  const std::string bytes = contents(writePng("a.png", 2, 1, {200, 100, 50, 128, 1, 2, 3, 255}, 4));
+  const std::optional<Picture> icon = decodeIcon({bytes.begin(), bytes.end()});
+  ASSERT_TRUE(icon);
+  EXPECT_EQ(icon->width, 2);
+  EXPECT_EQ(icon->pixels, (std::vector<Pixel>{0x80C86432, 0xFF010203}));
+  EXPECT_FALSE(decodeIcon({'n', 'o'}));
 }
 
 TEST_F(PictureFile, ReadsJpeg) {
