@@ -152,7 +152,7 @@ def reports_during(line, seconds):
 
 def idle(display):
     """Measures a disconnected client. A focused field has the toolkit's blinking caret, so the client is compared with
-    an empty window, with and without the focus. An open sound device must be fed, even with silence."""
+    an empty window, with and without the focus. A sound device that plays must be fed."""
     seconds = max(20, OPTIONS.seconds)
     client = harness.Client(display)
     time.sleep(2)

@@ -18,7 +18,7 @@ SoundMixer::~SoundMixer() {
   if (thread_.joinable()) thread_.join();
 }
 
-bool SoundMixer::post(std::function<void(MixerDevice&)> run, Clock::time_point latest) {
+bool SoundMixer::post(Command command) {
   if (!thread_.joinable()) {
     try {
       thread_ = std::thread([this] { work(); });
@@ -26,13 +26,13 @@ bool SoundMixer::post(std::function<void(MixerDevice&)> run, Clock::time_point l
       return false;
     }
   }
-  bool isOpen = false;
+  bool isLoaded = false;
   {
     const std::lock_guard lock(mutex_);
-    commands_.push_back({std::move(run), latest});
-    isOpen = device_ != nullptr;
+    commands_.push_back(std::move(command));
+    isLoaded = device_ != nullptr;
   }
-  if (isOpen) arrived_.notify_one();  // before that, a command alone wakes nobody
+  if (isLoaded) arrived_.notify_one();  // before that, a command alone wakes nobody
   return true;
 }
 
@@ -52,13 +52,23 @@ void SoundMixer::work() {
   const std::unique_ptr<MixerDevice> device = openMixerDevice(module_);
   lock.lock();
   device_ = device.get();
+  const auto isDue = [this] { return closing_ || !commands_.empty(); };
+  bool isResting = true;
   for (;;) {
-    arrived_.wait(lock, [this] { return closing_ || !commands_.empty(); });
+    if (isResting) {
+      arrived_.wait(lock, isDue);
+    } else {
+      arrived_.wait_for(lock, rest_, isDue);
+    }
     if (closing_) return;
-    const Command command = std::move(commands_.front());
-    commands_.pop_front();
+    Command command = [&isResting](MixerDevice& awake) { isResting = awake.rest(); };
+    if (!commands_.empty()) {
+      isResting = false;
+      command = std::move(commands_.front());
+      commands_.pop_front();
+    }
     lock.unlock();
-    if (Clock::now() <= command.latest) command.run(*device);
+    command(*device);
     lock.lock();
   }
 }
@@ -86,7 +96,10 @@ void SoundMixer::silenceEffect(int channel, bool silent) {
 
 void SoundMixer::startEffect(int channel) {
   await();
-  post([channel](MixerDevice& device) { device.startEffect(channel); }, Clock::now() + patience_);
+  post([channel, latest = Clock::now() + patience_](MixerDevice& device) {
+    if (Clock::now() <= latest) device.wake();
+    if (Clock::now() <= latest) device.startEffect(channel);
+  });
 }
 
 void SoundMixer::stopEffect(int channel) {

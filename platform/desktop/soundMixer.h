@@ -17,20 +17,23 @@ namespace kelvora {
 
 class MixerDevice;
 
-/// Runs all sound on its own thread, which loads the sound module, opens the device and controls it, so that no call
-/// blocks. The thread is created with the first file. The device is opened a little later, so that it doesn't delay the
-/// first windows. Game code never runs on this thread.
+/// Runs all sound on its own thread, which loads the sound module and controls the device, so that no call blocks. The
+/// thread is created with the first file. The module is loaded a little later, so that it doesn't delay the first
+/// windows. Game code never runs on this thread.
 class SoundMixer {
  public:
   /// The patience of the game.
   static constexpr std::chrono::milliseconds usualPatience{500};
-  /// How long the device stays closed after the first file, unless an effect is played.
+  /// How long after the first file the module is loaded, unless an effect is played.
   static constexpr std::chrono::milliseconds calm{400};
+  /// How often the device may rest. It closes after one or two of these without a sound.
+  static constexpr std::chrono::milliseconds usualRest{5000};
 
   /// `module` is the path of the mixer's module. Without it, or without a sound device, everything is silent. Effects
   /// that couldn't be started within `patience` are dropped, because a late sound would confuse.
-  explicit SoundMixer(std::string module = soundModulePath(), std::chrono::milliseconds patience = usualPatience)
-      : module_(std::move(module)), patience_(patience) {}
+  explicit SoundMixer(std::string module = soundModulePath(), std::chrono::milliseconds patience = usualPatience,
+                      std::chrono::milliseconds rest = usualRest)
+      : module_(std::move(module)), patience_(patience), rest_(rest) {}
   ~SoundMixer();
   SoundMixer(const SoundMixer&) = delete;
   SoundMixer& operator=(const SoundMixer&) = delete;
@@ -49,13 +52,10 @@ class SoundMixer {
 
  private:
   using Clock = std::chrono::steady_clock;
-  struct Command {
-    std::function<void(MixerDevice&)> run;
-    Clock::time_point latest;
-  };
+  using Command = std::function<void(MixerDevice&)>;
 
   /// Queues a command for the thread. False if no thread can be started.
-  bool post(std::function<void(MixerDevice&)> run, Clock::time_point latest = Clock::time_point::max());
+  bool post(Command command);
   /// Ends the calm early, because an effect is waiting for the device.
   void await();
   void work();
@@ -64,13 +64,14 @@ class SoundMixer {
 
   const std::string module_;
   const std::chrono::milliseconds patience_;
+  const std::chrono::milliseconds rest_;
   std::vector<bool> channels_;  ///< true if in use
   mutable std::mutex mutex_;    ///< guards everything below; never held during calls of the device
   std::condition_variable arrived_;
   std::deque<Command> commands_;
   bool closing_ = false;
   bool isAwaited_ = false;               ///< an effect is waiting for the device
-  const MixerDevice* device_ = nullptr;  ///< set once open; lives as long as the thread
+  const MixerDevice* device_ = nullptr;  ///< set once loaded; lives as long as the thread
   int track_ = 0;                        ///< counts the music commands
   PlayState musicState_ = psReady;
   std::thread thread_;

@@ -14,7 +14,7 @@ class MixerDevice {
   virtual void loadEffect(int channel, const std::string& file) = 0;
   virtual void freeEffect(int channel) = 0;
   virtual void silence(int channel, bool silent) = 0;
-  /// Plays from the first sample, even if it is playing.
+  /// Plays from the first sample, even if it is playing. Call `wake` first.
   virtual void startEffect(int channel) = 0;
   virtual void stopEffect(int channel) = 0;
 
@@ -23,9 +23,14 @@ class MixerDevice {
   virtual void stopMusic() = 0;
   /// May be called from any thread once a track has been started.
   virtual bool isMusicPlaying() const = 0;
+
+  /// Prepares for sound. May take a while after silence.
+  virtual void wake() {}
+  /// Call this regularly while it returns false. It saves power if nothing has been heard since the last call.
+  virtual bool rest() { return true; }
 };
 
-/// The function `createMixerDeviceName` of the sound module. Opens the default device. The caller owns the result.
+/// The function `createMixerDeviceName` of the sound module. The caller owns the result.
 using CreateMixerDevice = MixerDevice*();
 inline constexpr const char* createMixerDeviceName = "kelvoraCreateMixerDevice";
 

@@ -23,7 +23,7 @@ TEST(SoundModule, OpensADeviceThatPlays) {
   ScopedEnvironment environment;
   environment.set("SDL_AUDIODRIVER", "dummy");
   const std::unique_ptr<MixerDevice> device = openMixerDevice(soundModulePath());
-  EXPECT_TRUE(device->startMusic(effectFile));
+  EXPECT_TRUE(device->startMusic(KELVORA_SOURCE_DIR "/sounds/music1.mp3"));
   EXPECT_TRUE(device->isMusicPlaying());
   device->stopMusic();
   EXPECT_FALSE(device->isMusicPlaying());

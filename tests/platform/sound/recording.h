@@ -8,16 +8,19 @@
 #include <fstream>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
+
+#include "generated/sourceFolder.h"
+#include "platform/sound/soundFiles.h"
 
 namespace kelvora {
 
 using Samples = std::vector<std::int16_t>;
-
-inline constexpr int sampleRate = 44100;
 
 /// Sets environment variables and restores them in its destructor.
 class ScopedEnvironment {
@@ -71,8 +74,9 @@ inline bool waitFor(const std::function<bool()>& isDone) {
   return true;
 }
 
-/// Writes a wave file: one channel, 16 bits, 44100 samples per second.
-inline void writeWave(const std::filesystem::path& file, const Samples& samples) {
+/// Writes a wave file of 16 bits.
+inline void writeWave(const std::filesystem::path& file, const Samples& samples, std::size_t speakers = 1,
+                      std::size_t rate = sampleRate) {
   std::ofstream out(file, std::ios::binary);
   const auto number = [&out](std::size_t value, int bytes) {
     for (int i = 0; i < bytes; ++i) out.put(static_cast<char>(value >> (8 * i)));
@@ -83,17 +87,38 @@ inline void writeWave(const std::filesystem::path& file, const Samples& samples)
   out << "WAVEfmt ";
   number(16, 4);
   number(1, 2);
-  number(1, 2);
-  number(sampleRate, 4);
-  number(sampleRate * 2, 4);
-  number(2, 2);
+  number(speakers, 2);
+  number(rate, 4);
+  number(rate * speakers * 2, 4);
+  number(speakers * 2, 2);
   number(16, 2);
   out << "data";
   number(size, 4);
   for (const std::int16_t sample : samples) number(static_cast<std::uint16_t>(sample), 2);
 }
 
-/// Makes a file the sound device. `left()` and `right()` return the samples written so far.
+/// Copies the first bytes of a track of the game: about 14,000 a second.
+inline std::string cutTrack(const char* name, std::uintmax_t bytes, const std::filesystem::path& copy) {
+  std::filesystem::copy_file(std::filesystem::path(KELVORA_SOURCE_DIR "/sounds") / name, copy);
+  std::filesystem::resize_file(copy, bytes);
+  return copy.string();
+}
+
+/// All samples of a track, interleaved.
+inline Samples decode(const std::string& file) {
+  Samples samples;
+  const std::unique_ptr<Track> track = openMp3(file);
+  if (!track) return samples;
+  Samples block(2048);
+  bool isMore = true;
+  while (isMore) {
+    isMore = track->read(block);
+    samples.insert(samples.end(), block.begin(), block.end());
+  }
+  return samples;
+}
+
+/// Makes a file the sound device, which each opening empties. `left()` and `right()` return the samples written since.
 class Recording {
  public:
   explicit Recording(const std::filesystem::path& file) : file_(file) {
@@ -101,6 +126,15 @@ class Recording {
     environment_.set("SDL_DISKAUDIOFILE", file.string());
   }
 
+  /// True while this process has the device open.
+  bool isOpen() const {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+      std::error_code closed;
+      if (std::filesystem::read_symlink(entry.path(), closed) == file_) return true;
+    }
+    return false;
+  }
+  const std::filesystem::path& file() const { return file_; }
   Samples left() const { return speaker(0); }
   Samples right() const { return speaker(1); }
 
