@@ -11,7 +11,8 @@ check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 lib
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
 server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev"
 web_packages="cmake ninja-build emscripten libstb-dev fonts-comic-neue fonts-liberation"
-web_check_packages="$web_packages g++ ccache googletest libpng-dev libjpeg-dev"
+web_check_packages="$web_packages $play_packages ccache googletest chromium chromium-driver firefox-esr
+  python3-websockets openssl nginx libnginx-mod-stream xvfb xdotool openbox x11-utils imagemagick"
 
 # Packages for the Windows build, its zip and installer, and its tests.
 windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libboost-dev

@@ -1,0 +1,73 @@
+"""Pages that can't play say why: old browsers, missing files, faults. And the way out of the game."""
+
+import pathlib
+import shutil
+import tempfile
+
+import harness
+from pageTest import SITE, PageTest, unittest
+
+END = "words(document.getElementById('end'))"
+
+
+class Endings(PageTest):
+
+    def site_without(self, *names):
+        """A server whose page lacks these files."""
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        site = pathlib.Path(folder.name, "site")
+        shutil.copytree(SITE, site)
+        for name in names:
+            for file in (site / name, site / f"{name}.gz"):
+                file.unlink(missing_ok=True)
+        server = harness.Server("--site", str(site))
+        self.addCleanup(server.close)
+        return server
+
+    def test_a_browser_without_webassembly_is_told(self):
+        server = self.start_server()
+        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration="() => { delete window.WebAssembly; }")
+        self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
+        page = self.open(server.port)
+        page.wait_for(f"{END}.includes('This browser is too old')")
+        self.assertFalse(page.see("all('#loading').length"))
+        page.keep("old")
+
+    def test_missing_files_are_told(self):
+        for name in ("kelvora.js", "kelvora.wasm", "kelvora.data"):
+            with self.subTest(name):
+                page = self.open(self.site_without(name).port)
+                page.wait_for(f"{END}.includes('Reload')", f"the words about {name}")
+                self.assertFalse(page.see("all('#loading').length"))
+        page.keep("incomplete")
+
+    def test_missing_sounds_disturb_nobody(self):
+        server = self.site_without(*(f"sounds/{file.name}" for file in pathlib.Path(SITE, "sounds").iterdir()))
+        page = self.open(server.port, arguments="")
+        page.connect()
+        page.wait_for_status("Connected")
+        self.assertFalse(page.see(f"!document.getElementById('end').hidden && {END}"))
+
+    def test_a_fault_ends_the_game_with_its_text(self):
+        _, page = self.begin()
+        self.log_in(page)
+        page.click_on("canvas()")
+        # A command that lacks its number is a fault of the game.
+        page.type("~playsound")
+        page.press("Enter")
+        page.wait_for(f"{END}.includes('Run-time error')")
+        page.wait_for(f"{END}.includes('Reload the page')")
+        page.keep("fault")
+        page.reload()
+        page.wait_for("dialog('Connect')")
+
+    def test_exit_ends_the_game(self):
+        _, page = self.begin()
+        page.press_button("Cancel", "dialog('Connect')")
+        page.choose("File", "Exit")
+        page.wait_for(f"{END}.includes('Kelvora has ended')")
+
+
+if __name__ == "__main__":
+    unittest.main()

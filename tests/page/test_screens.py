@@ -1,0 +1,169 @@
+"""Pages of any size, fingers, hidden tabs and several visitors."""
+
+import harness
+from harness import wait_for
+from pageTest import PageTest, Spy, unittest
+from protocol import ACTIVATE_REQUEST, BUY_ACCEPTED, PLAYER_JOINED, POSITION, POSITION_REPORT
+
+GREY = "r === g && g === b && r > 60"
+CYAN = "r < 110 && g > 110 && b > 110"
+
+
+class Screens(PageTest):
+
+    def test_a_larger_page_shows_more_of_the_world(self):
+        _, page = self.begin()
+        width, height = page.canvas_size()
+        page.resize(1300, 900)
+        page.wait_for(f"canvas().width === {width + 300} && canvas().height === {height + 100}")
+        page.keep("large")
+        page.resize(1000, 800)
+        page.wait_for(f"canvas().width === {width} && canvas().height === {height}")
+
+    def test_a_small_page_shows_everything_smaller(self):
+        for name, size in (("portrait", (390, 780)), ("landscape", (780, 360))):
+            with self.subTest(name):
+                _, page = self.begin()
+                page.resize(*size)
+                page.wait_for(f"innerWidth === {size[0]}")
+                inside = "(one) => { const r = one.getBoundingClientRect(); return r.left >= -1 && r.top >= -1 && " \
+                         "r.right <= innerWidth + 1 && r.bottom <= innerHeight + 1; }"
+                page.wait_for(f"dialog('Connect') && all('.form.dialog, .form.dialog *').every({inside})", "the dialog inside")
+                page.keep(name + "-dialog")
+                line = self.log_in(page, colour=2)
+                page.wait_for(f"all('.main .picturebox, .main .textbox, .main .label').every({inside})", "all inside")
+                page.release_brakes(*(pixels / 2 + 30 for pixels in page.canvas_size()))
+                self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
+                page.keep(name)
+
+    def test_a_click_hits_the_same_place_in_a_small_page(self):
+        _, page = self.begin()
+        page.resize(450, 700)
+        line = self.log_in(page)
+        width, height = page.canvas_size()
+        # Right of the ball and as far below it, at full speed: the bearing's steps make it 13 % more along one axis.
+        page.release_brakes(width / 2 + 150, height / 2 + 150)
+        line.report()
+        begin, end = line.report(), line.report()
+        self.assertGreater(end[0], begin[0])
+        self.assertAlmostEqual((end[1] - begin[1]) / (end[0] - begin[0]), 1, delta=0.15)
+
+
+class Fingers(PageTest):
+
+    def test_a_finger_steers_and_another_one_brakes(self):
+        _, page = self.begin()
+        page.resize(390, 780)
+        line = self.log_in(page)
+        left, top, width, height = page.place("canvas()")
+        middle = left + width / 2, top + height / 2
+        page.fingers(("down", middle[0] + 60, middle[1] + 10), ("move", middle[0] + 80, middle[1] + 10))
+        page.tap(middle[0], middle[1] + 100, finger=2)
+        line.report()
+        begin, end = line.report(), line.report()
+        self.assertGreater(end[0], begin[0] + 100, "not to the right")
+        page.fingers(("move", middle[0] - 80, middle[1] + 10))
+
+        def flies_left():
+            begin, end = line.report(), line.report()
+            return end[0] < begin[0]
+        wait_for(flies_left, "the flight to the left")
+        page.fingers(("up",))
+        page.keep("touch")
+        # The button does the same as the second finger.
+        page.tap(*page.middle("by('button', 'Brakes')"))
+        line.wait_for_rest()
+
+    def test_a_tap_on_an_icon_fires_its_powerup(self):
+        _, page = self.begin()
+        page.resize(780, 360)
+        line = self.log_in(page)
+        line.send(BUY_ACCEPTED, 1, 2, 0)
+        line.ask()
+        left, top, width, _ = page.place("canvas()")
+        scale = width / page.canvas_size()[0]
+        canvas_width, canvas_height = page.canvas_size()
+        # Icons of 41 pixels with gaps of 25 twips, placed as if the gaps were 50, 1500 above the lower edge.
+        x = canvas_width - 6 * (41 + 50 / 15) + 1 * (41 + 25 / 15) + 20
+        page.tap(left + x * scale, top + (canvas_height - 100 + 20) * scale)
+        while (received := line.recv_frame())[0] != ACTIVATE_REQUEST:
+            pass
+        self.assertEqual(received[1], [b"1"])
+
+    def test_the_chat_line_takes_the_keyboard(self):
+        _, page = self.begin()
+        self.log_in(page)
+        page.tap(*page.middle("named('Public Chat')"))
+        self.assertEqual(page.see("document.activeElement.tagName"), "INPUT")
+
+
+class Company(PageTest):
+
+    def test_a_hidden_tab_flies_on(self):
+        server = self.start_server()
+        visitor = self.browser.visitor()
+        page = self.open(server.port, visitor=visitor)
+        spy = Spy(server.port)
+        self.addCleanup(spy.close)
+        page.connect()
+        page.wait_for_status("Connected")
+        node, *_ = spy.await_frame(PLAYER_JOINED)
+        width, height = page.canvas_size()
+        page.release_brakes(width / 2 + 40, height / 2 - 20)
+        # Another tab in the same window.
+        other = self.open(server.port, visitor=visitor, kind="tab", size=None)
+        other.activate()
+        page.wait_for("document.hidden", "the tab hidden")
+        # A page that a browser slows down to a frame a second would need four minutes for these.
+        for _ in range(60):
+            spy.await_frame(POSITION, lambda fields: fields[0] == node)
+        page.activate()
+        page.wait_for("!document.hidden")
+        page.wait_for_status("Connected")
+        spy.await_frame(POSITION, lambda fields: fields[0] == node)
+
+    def test_two_pages_and_a_desktop_client_see_the_same(self):
+        display = harness.Display()
+        self.addCleanup(display.close)
+        server, ann = self.begin()
+        bob = self.open(server.port)
+        spy = Spy(server.port)
+        self.addCleanup(spy.close)
+        ann.connect("Ann", colour=0)
+        node = spy.await_frame(PLAYER_JOINED)[0]
+        bob.connect("Bob", colour=3)
+        start = spy.await_frame(PLAYER_JOINED)[3:5]
+        client = harness.Client(display)
+        self.addCleanup(client.close)
+        client.connect(server.port, name="Cy", circle=2)
+        self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Cy")
+        names = ["Ann", "Bob", "Cy", "Spy"]
+        seen = "all('.main .frame .label').map(words).filter((text) => ['Ann', 'Bob', 'Cy', 'Spy'].includes(text)).sort()"
+        for page in (ann, bob):
+            wait_for(lambda: page.see(seen) == names, "everybody's name")
+        # Bob's dot has the same place on the radars of Ann's page and of the desktop.
+        radar = "all('.main .picturebox canvas').at(-1)"
+        x, y = (float(coordinate) for coordinate in start)
+        left, top = int(x * 117 / 100000), int(y * 93 / 100000)
+        area = (max(left - 4, 0), max(top - 4, 0), 9, 9)
+        wait_for(lambda: ann.count_pixels(CYAN, radar, area) >= 3, "Bob's dot on Ann's radar")
+        self.assertLess(ann.count_pixels(CYAN, radar), 60)
+
+        def on_desktop():
+            picture = display.picture()
+            origin = client.on_screen(772 + area[0], 460 + area[1])
+            pixels = [picture.pixel(origin[0] + i, origin[1] + j) for i in range(9) for j in range(9)]
+            return sum(r < 110 and g > 110 and b > 110 for r, g, b in pixels) >= 3
+        wait_for(on_desktop, "Bob's dot on the desktop's radar")
+        ann.keep("company")
+        # A line from one reaches the others.
+        ann.click_on("canvas()")
+        ann.type("hello")
+        ann.press("Enter")
+        line = (0, bob.canvas_size()[1] - 30, 300, 26)
+        wait_for(lambda: bob.count_pixels("r === 128 && g === 255 && b === 128", area=line) > 20, "Ann's line on Bob's page")
+        self.assertTrue(node)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,94 @@
+"""From the link to the game and back."""
+
+import harness
+from pageTest import PageTest, Spy, unittest
+from protocol import CHAT, PLAYER_JOINED, PLAYER_LEFT, POSITION
+
+
+class Session(PageTest):
+
+    def test_the_link_leads_to_a_dialog_for_the_server_of_the_page(self):
+        server, page = self.begin()
+        self.assertEqual(page.see("[named('Server Address:').value, named('Server Port:').value]"),
+                         ["127.0.0.1", str(server.port)])
+        self.assertEqual(page.see("document.title"), harness.TITLE)
+        page.keep("start")
+        self.assertEqual(page.complaints(), [])
+
+    def test_a_player_logs_in_and_flies(self):
+        server, page = self.begin()
+        spy = Spy(server.port)
+        self.addCleanup(spy.close)
+        page.connect()
+        node, colour, name, x, y, *_ = spy.await_frame(PLAYER_JOINED)
+        self.assertEqual((colour, name), (b"0", b"Ann"))
+        page.wait_for_status("Connected")
+        page.wait_for("by('.main .label', 'Ann') && by('.main .label', 'Spy')", "both names")
+        # Towards the far side of the world, wherever the ball starts.
+        width, height = page.canvas_size()
+        far_right = float(x) < 50000
+        page.release_brakes(width - 60 if far_right else 60, height / 2 - 20)
+        spy.await_frame(POSITION, lambda fields: fields[0] == node and abs(float(fields[1]) - float(x)) > 5000
+                        and (float(fields[1]) > float(x)) == far_right)
+        page.keep("flight")
+        page.release_brakes(width / 2, 40)
+        page.choose("File", "Disconnect")
+        spy.await_frame(PLAYER_LEFT, lambda fields: fields[0] == node)
+        page.wait_for("dialog('Connect')")
+        page.wait_for_status("Closed")
+        self.assertEqual(page.complaints(), [])
+
+    def test_the_picture_on_the_start_screen_opens_the_dialog(self):
+        _, page = self.begin()
+        page.press_button("Cancel", "dialog('Connect')")
+        page.wait_for("!dialog('Connect')")
+        page.click_on("document.querySelector('.main .label')")
+        page.wait_for("dialog('Connect')")
+
+    def test_both_sides_chat(self):
+        server, page = self.begin()
+        spy = Spy(server.port, "Spy")
+        self.addCleanup(spy.close)
+        page.connect()
+        node = spy.await_frame(PLAYER_JOINED)[0]
+        page.wait_for_status("Connected")
+        # The first letter moves from the game to the chat line.
+        page.click_on("canvas()")
+        page.type("hello")
+        self.assertEqual(page.wait_for("named('Public Chat').value"), "hello")
+        page.press("Enter")
+        self.assertEqual(spy.await_frame(CHAT), [node, b"hello"])
+        page.wait_for("named('Public Chat').value === ''")
+        green = "r === 128 && g === 255 && b === 128"
+        width, height = page.canvas_size()
+        console = (0, height - 30, 300, 26)
+        harness.wait_for(lambda: page.count_pixels(green, area=console) > 20, "the own line on the console")
+        spy.send(CHAT, int(node), "psst")
+        # The own line moves up for the other one, a little darker.
+        above = (0, height - 56, 300, 26)
+        harness.wait_for(lambda: page.count_pixels("g > 150 && r === b && g - r > 90", area=above) > 20,
+                         "the answer on the console")
+        page.keep("chat")
+
+    def test_a_lost_server_and_another_login(self):
+        server, page = self.begin()
+        page.connect()
+        page.wait_for_status("Connected")
+        server.close()
+        page.wait_for("dialog('Connect')", "the dialog after the loss")
+        page.keep("lost")
+        # Nobody answers at that port now.
+        page.press_button("Connect", "dialog('Connect')")
+        page.wait_for_status("Error")
+        page.keep("error")
+        page.choose("File", "Disconnect")
+        other = self.start_server()
+        spy = Spy(other.port)
+        self.addCleanup(spy.close)
+        page.connect(port=other.port)
+        self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Ann")
+        page.wait_for_status("Connected")
+
+
+if __name__ == "__main__":
+    unittest.main()
