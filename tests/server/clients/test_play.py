@@ -120,7 +120,7 @@ class Play(unittest.TestCase):
     def test_the_end_of_the_game_ends_the_building(self):
         self.play()
         wait_for((self.folder / "builder").exists, "the page's building")
-        builder = wait_for((self.folder / "builder").read_text().strip, "its number")
+        builder = wait_for(lambda: (self.folder / "builder").read_text().strip(), "its number")
         self.write("quit")
         self.assertEqual(self.process.wait(60), 3)
         wait_for(lambda: not pathlib.Path("/proc", builder).exists(), "the building's end")
