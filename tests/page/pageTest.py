@@ -6,6 +6,7 @@ import os
 import pathlib
 import signal
 import socket
+import sys
 import unittest
 
 import harness
@@ -18,6 +19,8 @@ KIND = os.environ.get("KELVORA_BROWSER", "chromium")
 SITE = os.environ["KELVORA_SITE"]
 PICTURES = os.environ.get("KELVORA_PICTURES")  # a folder for screenshots, which are kept only if it is set
 HANG = 300  # seconds; a test that takes longer hangs
+# A stopped run ends its browsers and servers, too.
+signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 LEFT, RIGHT = 0, 2  # mouse buttons
 
 # What a user can see: elements with a box that nothing hides, by selector and text.
@@ -145,7 +148,6 @@ class Spy(harness.Line):
 class PageTest(unittest.TestCase):
     """One browser for all tests of a class, and for each test a server of its own and visitors without a past."""
 
-    server_options = ()
     browser_options = ()
 
     @classmethod
@@ -173,7 +175,7 @@ class PageTest(unittest.TestCase):
 
     def begin(self, *options):
         """The real server and a page from it that shows the connect dialog."""
-        server = self.start_server(*(options or self.server_options))
+        server = self.start_server(*options)
         page = self.open(server.port)
         page.wait_for("dialog('Connect')")
         return server, page
