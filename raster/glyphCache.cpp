@@ -8,7 +8,7 @@ namespace kelvora {
 namespace {
 
 // A frame has about 30 lines, most of which stay the same for many frames.
-constexpr std::size_t maxCachedLines = 128;
+constexpr std::size_t maxCachedLines = 64;
 constexpr std::size_t maxCachedLength = 256;
 
 }  // namespace
@@ -30,9 +30,17 @@ const Glyph& FontGlyphs::glyph(unsigned char character) {
 
 const TextLine* FontGlyphs::line(std::string_view text) {
   if (text.size() > maxCachedLength) return nullptr;
-  if (const auto known = lines_.find(text); known != lines_.end()) return &known->second;
-  if (lines_.size() == maxCachedLines) lines_.clear();
-  return &lines_.emplace(text, TextLine(*this, text)).first->second;
+  ++uses_;
+  if (const auto known = lines_.find(text); known != lines_.end()) {
+    known->second.lastUse = uses_;
+    return &known->second.line;
+  }
+  if (lines_.size() == maxCachedLines) {
+    lines_.erase(std::min_element(lines_.begin(), lines_.end(), [](const auto& one, const auto& other) {
+      return one.second.lastUse < other.second.lastUse;
+    }));
+  }
+  return &lines_.emplace(text, KnownLine{TextLine(*this, text), uses_}).first->second.line;
 }
 
 void GlyphCache::setSource(GlyphSource* source) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -31,7 +32,12 @@ class FontGlyphs {
   FontSpec font_;
   int lineHeight_;
   std::array<std::optional<Glyph>, 256> glyphs_;
-  std::map<std::string, TextLine, std::less<>> lines_;
+  struct KnownLine {
+    TextLine line;
+    std::uint64_t lastUse;
+  };
+  std::map<std::string, KnownLine, std::less<>> lines_;
+  std::uint64_t uses_ = 0;
 };
 
 /// The fonts printed or measured so far. References stay valid until the source changes.

@@ -29,8 +29,8 @@ TEST(PrintMemory, HoldsABoundedNumberOfLines) {
   const std::size_t before = allocatedBytes();
   print(20000);
   print(30000);
-  // A line of 205 letters of 2 by 2 pixels takes about 5 KiB. At most 128 lines are kept.
-  EXPECT_LT(allocatedBytes(), before + 128 * 8192);
+  // A line of 205 letters of 2 by 2 pixels takes about 5 KiB. At most 64 lines are kept.
+  EXPECT_LT(allocatedBytes(), before + 64 * 8192);
 }
 
 }  // namespace
