@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
+#include "base/bitCast.h"
 #include "raster/glyphCache.h"
 #include "raster/spans.h"
 #include "raster/surface.h"
@@ -41,7 +41,7 @@ using WideChannels [[gnu::vector_size(32)]] = std::uint16_t;
                                               const WideChannels& ink) {
   using Pixels [[gnu::vector_size(16)]] = std::uint32_t;
   const Pixels spread = {coverage[0], coverage[1], coverage[2], coverage[3]};
-  const auto share = std::bit_cast<Channels>(spread * 0x01010101U);
+  const auto share = bitCast<Channels>(spread * 0x01010101U);
   Channels paper;
   std::memcpy(&paper, target, sizeof(paper));
   const WideChannels from = __builtin_convertvector(paper, WideChannels);

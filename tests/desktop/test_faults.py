@@ -190,6 +190,7 @@ class ClientFaults(DesktopTest):
         server = self.scripted_server()
         ann = self.start_client()
         bob = self.start_client(config=ann.config)
+        bob.wait_for_window("Connect")  # it opens above Ann's, at the same place
         ann.connect(server.port, name="Ann")
         self.assertEqual(server.accept().recv_frame()[1][0], b"Ann")
         bob.connect(server.port, name="Bob", address="localhost")

@@ -285,7 +285,8 @@ TEST(Line, KeepsItsSlopeHoweverFarAwayItsEndsAre) {
     if (!std::isfinite(x0) || !std::isfinite(y0)) continue;
     surface.Line(x0, y0, x2, y2);
     ASSERT_EQ(compareFarLine(surface, x0, y0, x2, y2), "") << i;
-    seen += std::ranges::any_of(surface.pixels(), [](Pixel pixel) { return pixel != 0; }) ? 1 : 0;
+    const auto pixels = surface.pixels();
+    seen += std::any_of(pixels.begin(), pixels.end(), [](Pixel pixel) { return pixel != 0; }) ? 1 : 0;
   }
   EXPECT_GT(seen, lines / 2);
 }
