@@ -107,7 +107,6 @@ bool Connection::takeFrames(std::string_view bytes) {
     if (!closed_ && !hangingUp_) handlers_.onFrame(client_, text);
   });
   if (!isSound && !hangingUp_) close("sent invalid data");
-  if (hangingUp_) await(goodbyeTime, "closed by the server");
   return !closed_;
 }
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <string>
+#include <thread>
 
 #include "generated/version.h"
 #include "tests/server/net/runningServer.h"
@@ -90,6 +92,16 @@ TEST_F(WebSocketTest, FramesSentWithTheHandshakeCount) {
   EXPECT_NE(all.find("tvqver:"), std::string::npos) << all;
 }
 
+TEST_F(WebSocketTest, FramesSentWithTheHandshakeCountOnce) {
+  WebSocketClient client(server.port());
+  client.write(WebSocketClient::handshake() + WebSocketClient::frame(WebSocketClient::binary, login("Ann")));
+  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (!client.hasNews() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+  client.send(frameOf(wire::msgChat, {"-1", "hello"}));
+  client.finish();
+  EXPECT_NE(client.readToEnd().find("hello"), std::string::npos);
+}
+
 TEST_F(WebSocketTest, ServesWebFilesAndClosesCleanly) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open());
@@ -148,7 +160,8 @@ TEST_F(WebSocketTest, ViolatingItsRulesEndsTheConnection) {
   using Client = WebSocketClient;
   const std::string big(70'000, 'x');
   for (const std::string& bytes : {
-           Client::frame(Client::text, login("Ann")),                 // no bytes
+           Client::frame(Client::text, login("Ann")),  // no bytes
+           Client::frame(Client::text, "GET / HTTP/1.0\r\n\r\n"),
            Client::frame(Client::binary, login("Ann"), true, false),  // not masked
            Client::frame(Client::continuation, "a"),                  // of nothing
            Client::frame(Client::binary, "\x80", false) + Client::frame(Client::binary, "b"),
@@ -163,7 +176,9 @@ TEST_F(WebSocketTest, ViolatingItsRulesEndsTheConnection) {
     WebSocketClient client(server.port(), static_cast<std::uint32_t>(20 + bytes.size() % 100));
     ASSERT_TRUE(client.open());
     client.tryWrite(bytes);
-    client.readToEnd();
+    const std::string answer = client.readToEnd();
+    EXPECT_EQ(answer.find(wire::frameStart), std::string::npos) << "the game answers";
+    EXPECT_EQ(answer.find("HTTP"), std::string::npos) << "the web server answers";
   }
   expectOthersToPlay();
 }
