@@ -116,6 +116,10 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
 INSTANTIATE_TEST_SUITE_P(Plain, ConnectionLimits, testing::Values(false));
 INSTANTIATE_TEST_SUITE_P(WebSocket, ConnectionLimits, testing::Values(true));
 
+class WebSocketLimits : public ConnectionLimits {};
+
+INSTANTIATE_TEST_SUITE_P(WebSocket, WebSocketLimits, testing::Values(true));
+
 TEST_P(ConnectionLimits, FirstByteMustArriveWithinTenSeconds) {
   expectToLast(seconds(10), "timed out before sending anything");
 }
@@ -208,6 +212,31 @@ TEST_P(ConnectionLimits, BothSidesMayEndAtOnce) {
     client.write(frame);
     client.finish();
   }
+  client.waitUntilDelivered();
+  settle();
+  EXPECT_NE(closed, "");
+}
+
+TEST_P(ConnectionLimits, FramesAfterTheEndAreIgnored) {
+  hangsUpOnFrame = true;
+  say(frameOf(wire::msgPing, {}) + frameOf(wire::msgPing, {}));
+  EXPECT_EQ(heard, 3U) << "only the first";
+}
+
+TEST_P(ConnectionLimits, AnyCapitalBeginsARequest) {
+  say("A");
+  expectToLast(seconds(5), "timed out during a request");
+}
+
+TEST_P(ConnectionLimits, NothingElseBeginsAnything) {
+  say("@");
+  EXPECT_EQ(closed, "sent invalid data");
+}
+
+TEST_P(WebSocketLimits, AFloodOfControlFramesEndsAtOnce) {
+  std::string pings;
+  for (int i = 0; i < 30; ++i) pings += WebSocketClient::frame(WebSocketClient::ping, "");
+  client.write(pings);
   client.waitUntilDelivered();
   settle();
   EXPECT_NE(closed, "");

@@ -12,6 +12,7 @@ TEST(ServerDoor, AHostIsItsAddressOrItsRange) {
   EXPECT_EQ(network("::ffff:192.0.2.7"), "192.0.2.7");
   EXPECT_EQ(network("2001:db8:1:2:3:4:5:6"), "2001:db8:1:2::/64");
   EXPECT_EQ(network("2001:db8:1:2::9"), "2001:db8:1:2::/64");
+  EXPECT_EQ(network("2001:db8:1:2:ffff:ffff:ffff:ffff"), "2001:db8:1:2::/64");
   EXPECT_NE(network("2001:db8:1:3::9"), network("2001:db8:1:2::9"));
 }
 
@@ -51,6 +52,35 @@ TEST(ServerDoor, ForgetsIdleHostsFirstAndConnectedOnesNever) {
   EXPECT_TRUE(door.admits("newcomer", 16'100));
   EXPECT_TRUE(door.admits("another", 16'100));
   EXPECT_FALSE(door.admits("inside", 16'100)) << "sixteen are inside still";
+}
+
+/// A door at which "hasty" has used up its connections.
+class DoorOfMany : public testing::Test {
+ protected:
+  DoorOfMany() {
+    while (door.admits("hasty", 20'000)) door.left("hasty");
+  }
+  /// Fills the memory with visitors who came at that time and have left.
+  void fill(Millis now) {
+    for (std::size_t i = 1; i < Door::maxNetworks; ++i) {
+      ASSERT_TRUE(door.admits(std::to_string(i), now));
+      door.left(std::to_string(i));
+    }
+  }
+
+  Door door;
+};
+
+TEST_F(DoorOfMany, RemembersRecentHostsWhileThereAreOlderOnes) {
+  fill(0);
+  EXPECT_TRUE(door.admits("newcomer", 20'001));
+  EXPECT_FALSE(door.admits("hasty", 20'001));
+}
+
+TEST_F(DoorOfMany, ForgetsRecentHostsIfThereAreTooMany) {
+  fill(20'000);
+  EXPECT_TRUE(door.admits("newcomer", 20'001));
+  EXPECT_TRUE(door.admits("hasty", 20'001));
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <string>
+
 namespace kelvora::server {
 namespace {
 
@@ -139,6 +142,17 @@ TEST(HttpAnswer, StatesTheWholeLength) {
             "HTTP/1.1 404 Not Found\r\nContent-Type: text/plain\r\nContent-Length: 1003\r\nConnection: close\r\nA: "
             "b\r\n\r\n");
   EXPECT_EQ(HttpAnswer{.status = 304}.head(true), "HTTP/1.1 304 Not Modified\r\nConnection: keep-alive\r\n\r\n");
+}
+
+TEST(HttpAnswer, AppendedTextComesInPieces) {
+  const auto text = std::make_shared<const std::string>("one text in four");
+  HttpAnswer answer;
+  answer.append(text);
+  EXPECT_EQ(answer.moreSize, text->size());
+  std::string all;
+  for (int piece = 0; piece < 4; ++piece) all += answer.more(4);
+  EXPECT_EQ(all, *text);
+  EXPECT_EQ(answer.more(4), "");
 }
 
 }  // namespace
