@@ -1,11 +1,14 @@
 #pragma once
 
+#include <cstddef>
+
 #include "base/millis.h"
 
 namespace kelvora::server {
 
-/// Decides when a server announces itself next: at once at first, then every five minutes. News is announced sooner,
-/// but at least ten seconds after the last announcement. After a failure it waits for a minute, even with news.
+/// Decides when a server announces itself next: at once at first, then every five minutes. A number of players other
+/// than the announced one is announced sooner, but at least ten seconds after the last announcement. After a failure it
+/// waits for a minute, even then.
 class PublishSchedule {
  public:
   static constexpr Millis interval = 300'000;
@@ -16,14 +19,14 @@ class PublishSchedule {
   Millis due() const {
     if (!hasTried_) return 0;
     if (hasFailed_) return last_ + retryInterval;
-    return last_ + (hasNews_ ? newsInterval : interval);
+    return last_ + (players_ == announced_ ? interval : newsInterval);
   }
-  /// Something to announce has changed.
-  void news() { hasNews_ = true; }
-  /// An announcement begins, with all news so far.
+  /// The current number of players.
+  void setPlayers(std::size_t players) { players_ = players; }
+  /// An announcement begins, with the current number of players.
   void begins(Millis now) {
     hasTried_ = true;
-    hasNews_ = false;
+    announced_ = players_;
     last_ = now;
   }
   /// The announcement has ended.
@@ -31,8 +34,9 @@ class PublishSchedule {
 
  private:
   bool hasTried_ = false;
-  bool hasNews_ = false;
   bool hasFailed_ = false;
+  std::size_t players_ = 0;
+  std::size_t announced_ = 0;
   Millis last_ = 0;
 };
 

@@ -99,9 +99,10 @@ Publisher::~Publisher() {
 
 void Publisher::publish(HostEntry host) {
   const std::lock_guard lock(state_->mutex);
+  const Millis due = state_->host ? state_->schedule.due() : -1;
+  state_->schedule.setPlayers(host.players);
   state_->host = std::move(host);
-  state_->schedule.news();
-  state_->changed.notify_one();
+  if (state_->schedule.due() != due) state_->changed.notify_one();
 }
 
 void Publisher::signOff() {

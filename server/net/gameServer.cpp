@@ -253,10 +253,8 @@ HostEntry GameServer::hostEntry() const {
 
 void GameServer::publish() {
   if (!publisher_ || stopped_) return;
-  HostEntry host = hostEntry();
   // Without an address, the list uses the one from which the announcement comes.
-  if (publishedPlayers_ != host.players) publisher_->publish(host);
-  publishedPlayers_ = host.players;
+  publisher_->publish(hostEntry());
 }
 
 Millis GameServer::at(std::chrono::steady_clock::time_point time) const {

@@ -69,7 +69,7 @@ class GameServer : private ArenaOutput {
   void finishStop();
   /// This server's entry in lists. Doesn't count bots, which make room for people.
   HostEntry hostEntry() const;
-  /// Announces the number of players to other lists, if it has changed.
+  /// Tells other lists the number of players.
   void publish();
   /// The arena's time.
   Millis at(std::chrono::steady_clock::time_point time) const;
@@ -91,7 +91,6 @@ class GameServer : private ArenaOutput {
   Door door_;
   StallWatch stallWatch_;
   ClientId lastClient_ = 0;
-  std::optional<std::size_t> publishedPlayers_;
   bool stopped_ = false;
   std::function<void()> whenStopped_;
 };

@@ -18,24 +18,30 @@ bool isMissing(error_code error) {
 
 }  // namespace
 
-Listener::Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers)
+std::vector<asio::ip::address> Listener::resolve(asio::io_context& context, const std::string& name) {
+  asio::ip::tcp::resolver resolver(context);
+  std::vector<asio::ip::address> addresses;
+  for (const auto& entry : resolver.resolve(name, "")) addresses.push_back(entry.endpoint().address());
+  return addresses;
+}
+
+Listener::Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers,
+                   Resolver addressesOf)
     : context_(context), handlers_(std::move(handlers)) {
   try {
-    listenOn(address, port);
+    listenOn(addressesOf(context, address), port);
   } catch (const boost::system::system_error& error) {
     throw std::system_error(error.code(), "cannot listen on " + address + ":" + std::to_string(port));
   }
   resume();
 }
 
-void Listener::listenOn(const std::string& address, std::uint16_t port) {
-  asio::ip::tcp::resolver resolver(context_);
+void Listener::listenOn(const std::vector<asio::ip::address>& addresses, std::uint16_t port) {
   error_code missing;
-  for (const auto& entry : resolver.resolve(address, std::to_string(port))) {
-    asio::ip::tcp::endpoint endpoint = entry.endpoint();
-    if (port == 0 && !entrances_.empty()) endpoint.port(this->port());
+  for (const asio::ip::address& address : addresses) {
+    const bool isChosen = port == 0 && !entrances_.empty();
     try {
-      entrances_.push_back({opened(endpoint)});
+      entrances_.push_back({opened({address, isChosen ? this->port() : port})});
     } catch (const boost::system::system_error& error) {
       if (!isMissing(error.code())) throw;
       missing = error.code();

@@ -4,6 +4,7 @@
 #include <functional>
 #include <list>
 #include <string>
+#include <vector>
 
 #include "server/net/asio.h"
 
@@ -18,10 +19,15 @@ class Listener {
     std::function<void(const std::string& reason)> onFailure;
   };
 
+  /// Returns the addresses of a name, or the address that it is. Throws boost::system::system_error if there is none.
+  using Resolver = std::vector<asio::ip::address> (*)(asio::io_context& context, const std::string& name);
+  static std::vector<asio::ip::address> resolve(asio::io_context& context, const std::string& name);
+
   /// Listens at once. Port 0 is any free one. "::" is every address of the machine, in IPv4 as well. Skips the
   /// addresses of a name that the machine doesn't have, unless none is left. A bad address or port throws
   /// std::system_error, whose text names both.
-  Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers);
+  Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers,
+           Resolver addressesOf = resolve);
 
   /// Accepts again after a failure. Does nothing otherwise.
   void resume();
@@ -37,7 +43,7 @@ class Listener {
     bool isAccepting = false;
   };
 
-  void listenOn(const std::string& address, std::uint16_t port);
+  void listenOn(const std::vector<asio::ip::address>& addresses, std::uint16_t port);
   Acceptor opened(const asio::ip::tcp::endpoint& endpoint) const;
   void acceptMore(Entrance& entrance);
 

@@ -279,17 +279,22 @@ TEST(PublishSchedule, StartsAtOnceAndRepeatsEveryFiveMinutes) {
   EXPECT_EQ(schedule.due(), 310'000);
 }
 
-TEST(PublishSchedule, NewsIsAnnouncedTenSecondsAfterTheLastTime) {
+TEST(PublishSchedule, ChangedNumberOfPlayersIsAnnouncedOnceTenSecondsAfterTheLastTime) {
   PublishSchedule schedule;
-  schedule.news();
+  schedule.setPlayers(1);
   EXPECT_EQ(schedule.due(), 0);
   schedule.begins(10'000);
-  schedule.news();  // while it is in progress
+  schedule.setPlayers(2);  // while it is in progress
   schedule.ends(true);
   EXPECT_EQ(schedule.due(), 20'000);
   schedule.begins(20'000);
   schedule.ends(true);
+  schedule.setPlayers(2);
   EXPECT_EQ(schedule.due(), 320'000);
+  schedule.setPlayers(3);
+  EXPECT_EQ(schedule.due(), 30'000);
+  schedule.setPlayers(2);
+  EXPECT_EQ(schedule.due(), 320'000) << "the list has the right number";
 }
 
 TEST(PublishSchedule, FailureIsRetriedAfterAMinute) {
@@ -297,7 +302,7 @@ TEST(PublishSchedule, FailureIsRetriedAfterAMinute) {
   schedule.begins(10'000);
   schedule.ends(false);
   EXPECT_EQ(schedule.due(), 70'000);
-  schedule.news();
+  schedule.setPlayers(1);
   EXPECT_EQ(schedule.due(), 70'000);
   schedule.begins(70'000);
   schedule.ends(true);

@@ -313,5 +313,25 @@ TEST(ProxiedConnection, ItsLineAndTheFirstByteComeWithinTenSeconds) {
   }
 }
 
+TEST(ProxiedConnection, AnInvalidLineEndsItAtOnce) {
+  asio::io_context context;
+  Acceptor door(context, {asio::ip::address_v4::loopback(), 0});
+  TcpClient client(door.local_endpoint().port());
+  std::string closed;
+  const auto connection = std::make_shared<Connection>(
+      door.accept(), ClientId{1},
+      Connection::Handlers{.onForwarded = [](ClientId, const asio::ip::address&) { FAIL() << "nobody is named"; },
+                           .onGame = [](ClientId) { FAIL() << "the rest counts"; },
+                           .onFrame = [](ClientId, std::string_view) {},
+                           .onRequest = [](ClientId, const HttpRequest&) { return HttpAnswer{}; },
+                           .onClosed = [&](ClientId, const std::string& reason) { closed = reason; }});
+  connection->start();
+  client.write("PROXY UNKNOWN\r\n\x80");
+  client.waitUntilDelivered();
+  while (context.poll() > 0) {
+  }
+  EXPECT_EQ(closed, "the proxy's line is invalid");
+}
+
 }  // namespace
 }  // namespace kelvora::server
