@@ -12,6 +12,7 @@
 #include "platform/desktop/controlWalk.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
+#include "platform/qt/coveredWindows.h"
 #include "platform/qt/gameLooks.h"
 #include "platform/qt/qtMenu.h"
 #include "platform/qt/widgetPeer.h"
@@ -160,8 +161,9 @@ void FormPeer::showWindow() {
     QWidget* owner = modal && active && active != window_.get() ? active : mainWindow.data();
     if (owner && owner->windowHandle()) window_->windowHandle()->setTransientParent(owner->windowHandle());
   }
-  shownBefore_ = true;
   window_->show();
+  if (!shownBefore_) watchCover(*window_);
+  shownBefore_ = true;
   takeFocus();
 }
 

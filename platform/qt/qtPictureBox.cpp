@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/pictureBox.h"
+#include "platform/qt/coveredWindows.h"
 #include "platform/qt/inputEvents.h"
 #include "platform/qt/widgetPeer.h"
 
@@ -87,7 +88,8 @@ bool copyToWindow(const QWidget& widget, const PictureBox& box, std::span<const 
   QWindow* const window = widget.window()->windowHandle();
   if (!store || !window || !window->isExposed() || !isUncovered(widget)) return false;
   const QPoint corner = widget.mapTo(widget.window(), QPoint());
-  std::vector<QRect> places;
+  static std::vector<QRect> places;  // keeps its memory, because this runs in every frame
+  places.clear();
   for (const PixelArea& area : changes) {
     places.push_back(QRect(area.x, area.y, area.width, area.height).translated(corner));
   }
@@ -121,7 +123,7 @@ class PictureBoxPeer : public WidgetPeer {
 
   /// At once, not at the next turn of the event loop, because the next frame begins now.
   void present() override {
-    if (!widget()) return;
+    if (!widget() || isCovered(*widget()->window())) return;
     const std::span<const PixelArea> changes = box_.takeChanges();
     if (!copyToWindow(*widget(), box_, changes)) widget()->repaint();
   }

@@ -26,8 +26,8 @@ void drawBorder(QPainter& painter, const QRect& place, const QColor& colour) {
 
 namespace {
 
-/// True if what is painted on may show what is behind it: windows under Wayland, but not under X11.
-bool isTranslucent(const QPainter& painter) {
+/// True if what is painted on has an alpha channel, as the images of most windows do.
+bool hasAlpha(const QPainter& painter) {
   const QPaintDevice* device = painter.paintEngine()->paintDevice();
   return device->devType() == QInternal::Image && static_cast<const QImage*>(device)->hasAlphaChannel();
 }
@@ -37,7 +37,7 @@ bool isTranslucent(const QPainter& painter) {
 void drawPixels(QPainter& painter, const QImage& picture, const QRect& part) {
   const double scale = painter.deviceTransform().m11();
   painter.setRenderHint(QPainter::SmoothPixmapTransform, scale != std::floor(scale));
-  if (!isTranslucent(painter)) {
+  if (!hasAlpha(painter)) {
     painter.drawImage(part, picture, part);
     return;
   }

@@ -31,6 +31,10 @@ class Canvas(DesktopTest):
         self.assertGreater(mean[colour], 60, mean)
         self.assertGreater(mean[colour], 1.2 * max(others), mean)
 
+    def assert_title_picture(self, client):
+        red, green, blue = self.middle(client)
+        self.assertLess(green, 1.2 * max(red, blue))
+
     def test_ball_in_its_colour_is_in_the_middle(self):
         for number, channel in ((0, 0), (2, 1), (4, 2)):
             with self.subTest(colour=number):
@@ -54,6 +58,17 @@ class Canvas(DesktopTest):
         client.mouse_to(100, 100)
         self.assertEqual(client.canvas_size(), (969, 738))
         harness.wait_until_it_holds(lambda: self.assert_ball(client, 1))
+
+    def test_window_that_was_covered_shows_what_happened_meanwhile(self):
+        client, line = self.log_in(colour=2)
+        client.mouse_to(100, 100)
+        harness.wait_until_it_holds(lambda: self.assert_ball(client, 1))
+        above = self.start_client()  # opens in the same place
+        harness.wait_until_it_holds(lambda: self.assert_title_picture(client))
+        line.close()
+        client.wait_for_window("Connect")
+        above.close()
+        harness.wait_until_it_holds(lambda: self.assert_title_picture(client))
 
     def test_border_comes_into_view(self):
         # 2000 from the right edge: c.x + 2000 = 7722 twips, pixel 515 of the canvas.
