@@ -67,6 +67,8 @@ Socket::executor_type ClientStream::executor() { return state_->socket().get_exe
 
 bool ClientStream::isWebSocket() const { return state_->webSocket() != nullptr; }
 
+bool ClientStream::isFlooded() const { return state_->isFlooded; }
+
 void ClientStream::readSome(asio::mutable_buffer buffer, std::shared_ptr<User> user) {
   WebSocket* const webSocket = state_->webSocket();
   if (webSocket == nullptr) {

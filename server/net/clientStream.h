@@ -39,6 +39,8 @@ class ClientStream {
 
   Socket::executor_type executor();
   bool isWebSocket() const;
+  /// True if too many control frames have come. Every operation then fails.
+  bool isFlooded() const;
 
   /// Reads whatever comes next, possibly nothing. Text messages, messages that are too long, and too many control
   /// frames are errors.

@@ -61,8 +61,13 @@ void Connection::readMore() {
 
 void Connection::arrived(error_code error, std::size_t size) {
   if (closed_) return;
-  if (error) return close(error == asio::error::eof ? "closed by the client" : error.message());
+  if (error) return fail(error);
   if (take({arrived_.data(), size})) readMore();
+}
+
+void Connection::fail(error_code error) {
+  if (stream_.isFlooded()) return close("sent too many control frames");
+  close(error == asio::error::eof ? "closed by the client" : error.message());
 }
 
 bool Connection::take(std::string_view bytes) {
@@ -163,7 +168,7 @@ void Connection::upgrade() {
 
 void Connection::upgraded(error_code error) {
   if (closed_) return;
-  if (error) return close(error.message());
+  if (error) return fail(error);
   speech_ = Speech::opening;
   await(openingTime, "timed out before sending anything", opened_);
   readMore();
@@ -207,7 +212,7 @@ void Connection::written(error_code error) {
   underWay_.clear();
   if (underWay_.capacity() > bodyPiece) std::string().swap(underWay_);  // a burst's memory
   if (closed_) return;
-  if (error) return close(error.message());
+  if (error) return fail(error);
   if (speech_ == Speech::answering && !hangingUp_) await(answerTime, "stopped reading");
   writeMore();
 }

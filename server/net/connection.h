@@ -74,6 +74,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
 
   std::shared_ptr<ClientStream::User> streamUser() { return {shared_from_this(), this}; }
   void readMore();
+  void fail(error_code error);
   /// True if reading should go on.
   bool take(std::string_view bytes);
   bool readProxyLine(std::string_view bytes);
