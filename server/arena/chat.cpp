@@ -9,7 +9,7 @@ namespace kelvora::server {
 
 void relayChat(Roster& roster, Player& sender, std::string_view fields, Millis now) {
   const auto request = wire::fromClient<wire::msgChat>(fields);
-  if (!request || !sender.requests.allows(now)) return;
+  if (!request || !roster.allowsRequest(sender, now)) return;
   const auto& [target, words] = *request;
   std::string text(words);
   std::erase_if(text, isControl);

@@ -6,7 +6,7 @@ namespace kelvora::server {
 
 void Combat::activate(Player& player, std::string_view fields, Millis now) {
   const auto request = wire::fromClient<wire::msgActivateRequest>(fields);
-  if (!request || !player.requests.allows(now)) return;
+  if (!request || !roster_.allowsRequest(player, now)) return;
   const PowerupSlot item{std::get<0>(*request)};
   Inventory& inventory = player.inventory;
   const auto refuse = [&](const char* why) { roster_.sendTo(player.client, wire::toClient<wire::msgServerText>(why)); };

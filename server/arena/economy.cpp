@@ -9,7 +9,7 @@ namespace kelvora::server {
 void Economy::trade(Player& player, bool isSale, std::string_view fields, Millis now) {
   const auto request =
       isSale ? wire::fromClient<wire::msgSellRequest>(fields) : wire::fromClient<wire::msgBuyRequest>(fields);
-  if (!request || !player.requests.allows(now)) return;
+  if (!request || !roster_.allowsRequest(player, now)) return;
   const PowerupSlot item{std::get<0>(*request)};
   Inventory& inventory = player.inventory;
   const Outcome outcome = isSale ? inventory.sell(item) : inventory.buy(item);

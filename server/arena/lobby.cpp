@@ -142,6 +142,7 @@ void Lobby::tick(Millis now) {
     if (now - visitor.since < loginTimeLimit) return false;
     if (visitor.login) roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>("The arena is full."));
     output_.log("client " + std::to_string(client) + " took too long to log in");
+    output_.dropped(Drop::lateLogin);
     output_.hangUp(client);
     return true;
   });

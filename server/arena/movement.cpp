@@ -48,7 +48,7 @@ void Movement::report(Player& player, std::string_view fields, Millis now) {
   const auto request = wire::fromClient<wire::msgPositionReport>(fields);
   if (!request) return;
   const auto& [x, y] = *request;
-  if (!isInWorld(x.value) || !isInWorld(y.value) || !player.positions.allows(now)) return;
+  if (!isInWorld(x.value) || !isInWorld(y.value) || !roster_.allowsPosition(player, now)) return;
   const Point before = player.spot.point();
   const Spot spot = spotOf(x.text, y.text, {static_cast<float>(x.value), static_cast<float>(y.value)});
   const Move move = moveTo(player, spot, speedFactor_, now);

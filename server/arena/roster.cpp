@@ -74,4 +74,10 @@ void Roster::sendToAll(const std::string& frame) const {
 
 void Roster::sendLeft(const Player& player) const { sendToAll(wire::toClient<wire::msgPlayerLeft>(player.node)); }
 
+bool Roster::allows(RateLimit& limit, Drop what, Millis now) const {
+  if (limit.allows(now)) return true;
+  output_.dropped(what);
+  return false;
+}
+
 }  // namespace kelvora::server

@@ -49,9 +49,14 @@ class Roster {
   void sendToAll(const std::string& frame) const;
   /// Logs a line for the operator.
   void log(const std::string& line) const { output_.log(line); }
+  /// False if the player has made too many requests, such as chat lines and purchases.
+  bool allowsRequest(Player& player, Millis now) const { return allows(player.requests, Drop::request, now); }
+  /// False if the player has reported too many positions.
+  bool allowsPosition(Player& player, Millis now) const { return allows(player.positions, Drop::position, now); }
 
  private:
   void sendLeft(const Player& player) const;
+  bool allows(RateLimit& limit, Drop what, Millis now) const;
 
   ArenaOutput& output_;
   std::map<ClientId, Player> players_;

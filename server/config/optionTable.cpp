@@ -41,6 +41,8 @@ const std::array table = {
            Text([](Options& o) -> std::string& { return o.webAddress; }), 0, maxTextLength},
     Option{"trusted-proxy", "ADDRESS", "IP address of a proxy that names its clients (none)",
            Text([](Options& o) -> std::string& { return o.trustedProxy; }), 0, maxTextLength},
+    Option{"metrics-for", "ADDRESSES", "IP addresses that may read /metrics, besides this machine; * for all (none)",
+           Text([](Options& o) -> std::string& { return o.metricsFor; }), 0, maxPathLength},
 
     heading("Game:"),
     Option{"round-seconds", "SECONDS", "length of a round (180)",

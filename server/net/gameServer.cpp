@@ -19,6 +19,8 @@ namespace {
 
 constexpr auto tickInterval = std::chrono::milliseconds(40);
 constexpr std::string_view playPath = "/play";
+constexpr std::string_view metricsPath = "/metrics";
+constexpr std::string_view healthPath = "/healthz";
 
 /// Its log lines are written on the context's thread.
 std::unique_ptr<Publisher> startPublisher(asio::io_context& context, const Options& options,
@@ -54,6 +56,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
     : options_(options),
       log_(std::move(log)),
       trustedProxy_(proxyAddress(options.trustedProxy)),
+      metricsFor_("--metrics-for", options.metricsFor),
       site_(pathFromUtf8(options.site.value_or(""))),
       listener_(context, options.address, options.port, listenerHandlers()),
       timer_(context),
@@ -101,7 +104,10 @@ void GameServer::finishStop() {
 
 void GameServer::send(ClientId client, const std::string& frame) {
   if (isBot(client)) return bots_.hear(client, frame, now());
-  if (const auto found = guests_.find(client); found != guests_.end()) found->second.connection->send(frame);
+  const auto found = guests_.find(client);
+  if (found == guests_.end()) return;
+  figures_.addSent(frame);
+  found->second.connection->send(frame);
 }
 
 void GameServer::hangUp(ClientId client) {
@@ -115,16 +121,18 @@ void GameServer::welcome(Socket socket) {
   if (error) return;  // already gone; leaving this scope closes the socket
   Guest guest{.connection = nullptr, .address = unmapped(peer.address()), .network = {}};
   guest.isForwarded = guest.address == trustedProxy_;
+  guest.isDirect = !guest.isForwarded;
   if (!guest.isForwarded && !admit(guest, guest.address)) return;
   if (guests_.size() >= maxConnections && !makeRoom()) {
     door_.left(guest.network);
+    ++figures_.refusedWhenFull;
     return log_("refused " + guest.address.to_string() + ": the server is full");
   }
   const ClientId client = ++lastClient_;
   Connection::Handlers handlers{
       .onGame = [this](ClientId from) { beginGame(from); },
-      .onFrame = [this](ClientId from, std::string_view text) { arena_.received(from, text, now()); },
-      .onRequest = [this](ClientId from, const HttpRequest& request) { return answer(from, request); },
+      .onFrame = [this](ClientId from, std::string_view text) { received(from, text); },
+      .onRequest = [this](ClientId from, const HttpRequest& request) { return countedAnswer(from, request); },
       .onClosed = [this](ClientId gone, const std::string& reason) { closed(gone, reason); }};
   if (guest.isForwarded) {
     handlers.onForwarded = [this](ClientId from, const asio::ip::address& address) { forwarded(from, address); };
@@ -139,6 +147,7 @@ bool GameServer::admit(Guest& guest, const asio::ip::address& address) {
   if (network == guest.network) return true;
   if (const std::string before = std::exchange(guest.network, {}); !before.empty()) door_.left(before);
   if (!door_.admits(network, now())) {
+    ++figures_.refusedOfAddress;
     log_("refused " + network + ": too many connections");
     return false;
   }
@@ -160,18 +169,33 @@ void GameServer::beginGame(ClientId client) {
   arena_.connected(client, at(guest.connection->opened()));  // the time without a first byte counts
 }
 
+void GameServer::received(ClientId client, std::string_view text) {
+  const auto begin = Clock::now();
+  const std::size_t id = figures_.addReceived(text);
+  arena_.received(client, text, at(begin));
+  if (id == wire::msgPositionReport) figures_.relays.add(Clock::now() - begin);
+}
+
+HttpAnswer GameServer::countedAnswer(ClientId client, const HttpRequest& request) {
+  HttpAnswer result = answer(client, request);
+  figures_.answers[result.status].add(request.isHead() ? 0 : result.body.size() + result.moreSize);
+  return result;
+}
+
 HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
+  const std::string_view path = request.path();
+  if (path == healthPath) return {.body = "ok\n", .headers = {"Cache-Control: no-store"}};
   Guest& guest = guests_.at(client);
   if (guest.isForwarded) {
     const auto address = forwardedAddress(request);
     if (!address) return refusal(400, "The proxy names no client address.\n");
     if (!admit(guest, *address)) return refusal(429, "There are too many connections from your address.\n");
   }
-  const std::string_view path = request.path();
   if (path == playPath) {
     if (!request.isUpgrade) return refusal(426, "This is for the game, over WebSocket.\n");
     if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) {
       guest.isForwarded = false;  // from here on the client itself speaks
+      guest.isDirect = false;
       return {.status = 101};
     }
     log_("refused " + guest.address.to_string() + ": a page of another origin");
@@ -182,9 +206,20 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
     return list_.answer(request, {.address = guest.address.to_string(), .network = guest.network}, now());
   }
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
+  if (path == metricsPath) return metrics(guest, request);
   if (auto file = site_.answer(request)) return *std::move(file);
   if (path == "/") return homePage();
   return refusal(404, "This page does not exist.\n");
+}
+
+HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) const {
+  const bool isLocal = guest.isDirect && !request.isForwarded && guest.address.is_loopback();
+  if (!isLocal && !metricsFor_.has(guest.address)) return refusal(403, "The figures are not for your address.\n");
+  return metricsPage(figures_, {.version = versionText(),
+                                .uptime = Clock::now() - start_,
+                                .players = people(),
+                                .bots = arena_.playerCount() - people(),
+                                .connections = guests_.size()});
 }
 
 HttpAnswer GameServer::homePage() const {
@@ -204,6 +239,7 @@ void GameServer::closed(ClientId client, const std::string& reason) {
   const auto gone = guests_.extract(client);
   const Guest& guest = gone.mapped();
   if (!guest.network.empty()) door_.left(guest.network);
+  ++figures_.closed[reason];
   if (guest.connection->isGame()) {
     log_("client " + std::to_string(client) + " disconnected: " + reason);
     arena_.disconnected(client);
@@ -225,10 +261,11 @@ void GameServer::tickMore() {
   timer_.expires_after(tickInterval);
   timer_.async_wait([this](error_code error) {
     if (error || stopped_) return;
-    arena_.tick(now());
-    bots_.tick(now());
+    const auto time = Clock::now();
+    figures_.waits.add(time - timer_.expiry());
+    arena_.tick(at(time));
+    bots_.tick(at(time));
     publish();
-    const auto time = Connection::Clock::now();
     const auto stop = stallWatch_.stop(time);
     for (const auto& [client, guest] : guests_) {
       guest.connection->excuse(stop);
@@ -236,18 +273,23 @@ void GameServer::tickMore() {
     }
     listener_.resume();
     if (webListener_) webListener_->resume();
+    figures_.ticks.add(Clock::now() - time);
     tickMore();
   });
 }
 
-HostEntry GameServer::hostEntry() const {
+std::size_t GameServer::people() const {
   const auto players = arena_.players(now());
-  const auto isPerson = [](const PlayerView& player) { return !isBot(player.client); };
+  return static_cast<std::size_t>(
+      std::ranges::count_if(players, [](const PlayerView& player) { return !isBot(player.client); }));
+}
+
+HostEntry GameServer::hostEntry() const {
   return {.address = options_.publicAddress,
           .port = port(),
           .passwordRequired = !options_.password.empty(),
           .notes = options_.notes,
-          .players = static_cast<std::size_t>(std::ranges::count_if(players, isPerson)),
+          .players = people(),
           .maxPlayers = Arena::colourCount};
 }
 
@@ -257,7 +299,7 @@ void GameServer::publish() {
   publisher_->publish(hostEntry());
 }
 
-Millis GameServer::at(std::chrono::steady_clock::time_point time) const {
+Millis GameServer::at(Clock::time_point time) const {
   return std::chrono::duration_cast<std::chrono::milliseconds>(time - start_).count();
 }
 

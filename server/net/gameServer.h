@@ -13,8 +13,10 @@
 #include "server/config/options.h"
 #include "server/lists/listPages.h"
 #include "server/lists/publisher.h"
+#include "server/net/addressList.h"
 #include "server/net/connection.h"
 #include "server/net/door.h"
+#include "server/net/figures.h"
 #include "server/net/listener.h"
 #include "server/net/stallWatch.h"
 #include "server/web/site.h"
@@ -42,16 +44,20 @@ class GameServer : private ArenaOutput {
   void stop(std::function<void()> whenDone = {});
 
  private:
+  using Clock = Connection::Clock;
+
   struct Guest {
     std::shared_ptr<Connection> connection;
     asio::ip::address address;
     std::string network;       ///< the one that the door's limits apply to; empty until a proxy has named it
     bool isForwarded = false;  ///< a proxy may name another client with each request
+    bool isDirect = false;     ///< nobody is in between: no trusted proxy, and no page that opened a WebSocket
   };
 
   void send(ClientId client, const std::string& frame) override;
   void hangUp(ClientId client) override;
   void log(const std::string& line) override { log_(line); }
+  void dropped(Drop what) override { figures_.addDrop(what); }
 
   Listener::Handlers listenerHandlers();
   void welcome(Socket socket);
@@ -59,30 +65,36 @@ class GameServer : private ArenaOutput {
   bool admit(Guest& guest, const asio::ip::address& address);
   void forwarded(ClientId client, const asio::ip::address& address);
   void beginGame(ClientId client);
+  void received(ClientId client, std::string_view text);
+  HttpAnswer countedAnswer(ClientId client, const HttpRequest& request);
   HttpAnswer answer(ClientId client, const HttpRequest& request);
+  HttpAnswer metrics(const Guest& guest, const HttpRequest& request) const;
   HttpAnswer homePage() const;
+  /// The number of people, without bots, who make room for them.
+  std::size_t people() const;
   void closed(ClientId client, const std::string& reason);
   /// Closes the oldest connection without a player. False if there is none.
   bool makeRoom();
   void tickMore();
   void closeAll();
   void finishStop();
-  /// This server's entry in lists. Doesn't count bots, which make room for people.
+  /// This server's entry in lists.
   HostEntry hostEntry() const;
   /// Tells other lists the number of players.
   void publish();
   /// The arena's time.
-  Millis at(std::chrono::steady_clock::time_point time) const;
-  Millis now() const { return at(std::chrono::steady_clock::now()); }
+  Millis at(Clock::time_point time) const;
+  Millis now() const { return at(Clock::now()); }
 
   const Options options_;
   std::function<void(const std::string&)> log_;
   std::optional<asio::ip::address> trustedProxy_;
+  AddressList metricsFor_;
   Site site_;
   Listener listener_;
   std::optional<Listener> webListener_;
   asio::steady_timer timer_;
-  const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+  const Clock::time_point start_ = Clock::now();
   Arena arena_;
   BotKeeper bots_;
   ListPages list_;
@@ -90,6 +102,7 @@ class GameServer : private ArenaOutput {
   std::map<ClientId, Guest> guests_;
   Door door_;
   StallWatch stallWatch_;
+  Figures figures_;
   ClientId lastClient_ = 0;
   bool stopped_ = false;
   std::function<void()> whenStopped_;

@@ -107,17 +107,20 @@ HttpReader::Result HttpReader::read(std::string_view bytes) {
   parser.put(boost::asio::buffer(text_.data(), headSize_), error);
   if (!parser.is_header_done()) return Result::malformed;
   const auto& head = parser.get();
-  request_ = {.method = text(head.method_string()),
-              .target = text(head.target()),
-              .host = text(head[http::field::host]),
-              .origin = text(head[http::field::origin]),
-              .authorization = text(head[http::field::authorization]),
-              .forwardedFor = lastLine(head, "X-Forwarded-For"),
-              .ifNoneMatch = allLines(head, http::field::if_none_match),
-              .acceptsGzip = takesGzip(head[http::field::accept_encoding]),
-              // A body would have to be read first.
-              .keepsAlive = parser.keep_alive() && !parser.chunked() && parser.content_length().value_or(0) == 0,
-              .isUpgrade = boost::beast::websocket::is_upgrade(head)};
+  request_ = {
+      .method = text(head.method_string()),
+      .target = text(head.target()),
+      .host = text(head[http::field::host]),
+      .origin = text(head[http::field::origin]),
+      .authorization = text(head[http::field::authorization]),
+      .forwardedFor = lastLine(head, "X-Forwarded-For"),
+      .ifNoneMatch = allLines(head, http::field::if_none_match),
+      .acceptsGzip = takesGzip(head[http::field::accept_encoding]),
+      // A body would have to be read first.
+      .keepsAlive = parser.keep_alive() && !parser.chunked() && parser.content_length().value_or(0) == 0,
+      .isUpgrade = boost::beast::websocket::is_upgrade(head),
+      .isForwarded =
+          head.count("X-Forwarded-For") + head.count(http::field::forwarded) + head.count(http::field::via) > 0};
   return Result::complete;
 }
 

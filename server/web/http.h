@@ -20,7 +20,8 @@ struct HttpRequest {
   std::string ifNoneMatch{};
   bool acceptsGzip = false;
   bool keepsAlive = false;
-  bool isUpgrade = false;  ///< to WebSocket
+  bool isUpgrade = false;    ///< to WebSocket
+  bool isForwarded = false;  ///< a proxy says that it passes it on
 
   bool isHead() const { return method == "HEAD"; }
   /// The target without host and query: "http://host:80/a?b" is "/a". "/" for an absolute target without a path.
