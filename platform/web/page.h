@@ -13,8 +13,9 @@ void page_remove(int id);
 void page_setNumber(int id, const char* property, double value);
 void page_setText(int id, const char* property, const char* text, std::size_t size);
 void page_focus(int id);
-/// Rows of a picture in RGBA. The page has copied them when this returns.
-void page_showPixels(int id, const std::uint32_t* pixels, int width, int height, int firstRow, int rows);
+/// Shows a part of a picture in RGBA: left, top, width and height. The page has copied it when this returns.
+void page_showPixels(int id, const std::uint32_t* pixels, int width, int height, int partLeft, int partTop,
+                     int partWidth, int partHeight);
 void page_showBox(int id, const char* text, std::size_t size);
 void page_showEnd(const char* title, const char* text, std::size_t size);
 

@@ -20,7 +20,9 @@ class PictureBoxPeer : public WebPeer {
     present();
   }
 
-  void present() override { pixels_.show(id(), box_.pixels(), box_.pixelWidth(), box_.pixelHeight()); }
+  void present() override {
+    pixels_.show(id(), box_.pixels(), box_.pixelWidth(), box_.pixelHeight(), box_.takeChanges());
+  }
 
   void take(const PageEvent& event) override {
     if (event.kind == PageEventKind::Touched) {

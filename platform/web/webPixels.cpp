@@ -1,7 +1,7 @@
 #include "platform/web/webPixels.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
 
 #include "platform/web/page.h"
 
@@ -9,41 +9,36 @@ namespace kelvora {
 
 namespace {
 
-constexpr int bandHeight = 16;  // rows that are compared and shown together
-
 // 0x00RRGGBB to the bytes R, G, B, 255.
 constexpr Pixel converted(Pixel pixel) {
   return 0xFF000000 | (pixel & 0xFF) << 16 | (pixel & 0xFF00) | (pixel >> 16 & 0xFF);
 }
 
+// The smallest area that covers both.
+PixelArea covering(const PixelArea& one, const PixelArea& other) {
+  const int left = std::min(one.x, other.x);
+  const int top = std::min(one.y, other.y);
+  return {left, top, std::max(one.x + one.width, other.x + other.width) - left,
+          std::max(one.y + one.height, other.y + other.height) - top};
+}
+
 }  // namespace
 
-void WebPixels::show(int id, std::span<const Pixel> pixels, int width, int height) {
-  const bool isNew = width != width_ || height != height_;
-  width_ = width;
-  height_ = height;
-  shown_.resize(pixels.size());
+void WebPixels::show(int id, std::span<const Pixel> pixels, int width, int height, std::span<const PixelArea> changes) {
   converted_.resize(pixels.size());
-  if (isNew) page_showPixels(id, converted_.data(), width, height, 0, 0);
-  const auto rowSize = static_cast<std::size_t>(width);
-  int first = -1;  // of the bands that wait to be shown
-  for (int row = 0; row <= height; row += bandHeight) {
-    const auto rows = static_cast<std::size_t>(std::clamp(height - row, 0, bandHeight));
-    const std::size_t at = static_cast<std::size_t>(row) * rowSize;
-    const std::size_t size = rows * rowSize;
-    const bool isChanged = size > 0 && (isNew || std::memcmp(&shown_[at], &pixels[at], size * sizeof(Pixel)) != 0);
-    if (isChanged) {
-      std::copy_n(&pixels[at], size, &shown_[at]);
-      std::transform(&pixels[at], &pixels[at] + size, &converted_[at], converted);
-      if (first < 0) first = row;
-    } else if (first >= 0) {
-      const std::size_t from = static_cast<std::size_t>(first) * rowSize;
-      page_showPixels(id, &converted_[from], width, height, first, std::min(row, height) - first);
-      first = -1;
+  for (const PixelArea& area : changes) {
+    for (int row = area.y; row < area.y + area.height; ++row) {
+      const std::ptrdiff_t first = std::ptrdiff_t{row} * width + area.x;
+      std::transform(pixels.data() + first, pixels.data() + first + area.width, converted_.data() + first, converted);
     }
   }
-  if (first >= 0) {
-    page_showPixels(id, &converted_[static_cast<std::size_t>(first) * rowSize], width, height, first, height - first);
+  // Few large copies cost the browser less than many small ones. So areas in adjacent rows are shown as one.
+  for (std::size_t next = 0; next < changes.size();) {
+    PixelArea shown = changes[next];
+    while (++next < changes.size() && changes[next].y <= shown.y + shown.height) {
+      shown = covering(shown, changes[next]);
+    }
+    page_showPixels(id, converted_.data(), width, height, shown.x, shown.y, shown.width, shown.height);
   }
 }
 

@@ -4,19 +4,19 @@
 #include <vector>
 
 #include "raster/picture.h"
+#include "raster/surface.h"
 
 namespace kelvora {
 
-/// Shows a picture on a canvas of the page, only the rows that have changed since the last time.
+/// Shows a picture on a canvas of the page.
 class WebPixels {
  public:
-  void show(int id, std::span<const Pixel> pixels, int width, int height);
+  /// Shows the areas that have changed since the last call, from top to bottom. At first and with another size, this is
+  /// the whole picture.
+  void show(int id, std::span<const Pixel> pixels, int width, int height, std::span<const PixelArea> changes);
 
  private:
-  std::vector<Pixel> shown_;
-  std::vector<Pixel> converted_;  ///< in the page's order of bytes
-  int width_ = -1;
-  int height_ = -1;
+  std::vector<Pixel> converted_;  ///< the picture in the page's order of bytes
 };
 
 }  // namespace kelvora

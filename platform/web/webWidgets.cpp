@@ -153,14 +153,14 @@ class ImagePeer : public WebPeer {
   void show(PropertyId id) override {
     if (id != PropertyId::Picture || !image_.Picture.get()) return;
     const Picture& picture = *image_.Picture.get();
-    pixels_.show(this->id(), picture.pixels, picture.width, picture.height);
+    const PixelArea whole{0, 0, picture.width, picture.height};
+    WebPixels().show(this->id(), picture.pixels, picture.width, picture.height, {&whole, 1});
     set("Width", picture.width);
     set("Height", picture.height);
   }
 
  private:
   Image& image_;
-  WebPixels pixels_;
 };
 
 class ShapePeer : public WebPeer {

@@ -24,7 +24,6 @@ std::vector<FormPeer*> shownForms;
 
 double screenScale(HWND window) { return GetDpiForWindow(window) / dotsToTheInch; }
 
-int scaled(int pixels, double scale) { return static_cast<int>(std::lround(pixels * scale)); }
 int unscaled(int pixels, double scale) { return static_cast<int>(std::lround(pixels / scale)); }
 
 DWORD styleOf(const Form& form) {

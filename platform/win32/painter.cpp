@@ -7,11 +7,7 @@
 
 namespace kelvora {
 
-namespace {
-
 int scaled(int pixels, double scale) { return static_cast<int>(std::lround(pixels * scale)); }
-
-}  // namespace
 
 RECT deviceRect(const Box& box, double scale) {
   return {scaled(box.left, scale), scaled(box.top, scale), scaled(box.left + box.width, scale),

@@ -17,6 +17,9 @@ struct Box {
   bool contains(int x, int y) const { return x >= left && y >= top && x < left + width && y < top + height; }
 };
 
+/// Device pixels for this many of the game's.
+int scaled(int pixels, double scale);
+
 /// The device pixels that a box covers on a screen with this scale.
 RECT deviceRect(const Box& box, double scale);
 

@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <vector>
-
 #include "platform/pictureBox.h"
 #include "platform/win32/controlPeer.h"
 #include "platform/win32/formPeer.h"
@@ -30,33 +27,16 @@ class PictureBoxPeer : public ControlPeer {
 
   /// At once, because the next frame begins now. Only the rows from the first to the last that changed.
   void present() override {
-    if (!isShown() || !form().isShown()) return;
-    const auto pixels = box_.pixels();
-    const auto width = static_cast<std::size_t>(box_.pixelWidth());
-    if (width == 0) return;
-    const std::size_t rows = pixels.size() / width;
-    std::size_t first = 0;
-    std::size_t end = rows;
-    if (shown_.size() == pixels.size() && shownWidth_ == width) {
-      const auto isSame = [&](std::size_t row) {
-        const auto from = static_cast<std::ptrdiff_t>(row * width);
-        return std::equal(pixels.begin() + from, pixels.begin() + from + static_cast<std::ptrdiff_t>(width),
-                          shown_.begin() + from);
-      };
-      while (first < end && isSame(first)) ++first;
-      while (end > first && isSame(end - 1)) --end;
-    }
-    if (first == end) return;
-    shown_.assign(pixels.begin(), pixels.end());
-    shownWidth_ = width;
+    const auto changes = box_.takeChanges();
+    if (changes.empty() || !isShown() || !form().isShown()) return;
     const Box place = box();
-    form().presentNow({place.left, place.top + static_cast<int>(first), place.width, static_cast<int>(end - first)});
+    const int first = changes.front().y;
+    const int end = changes.back().y + changes.back().height;
+    form().presentNow({place.left, place.top + first, place.width, end - first});
   }
 
  private:
   PictureBox& box_;
-  std::vector<Pixel> shown_;  ///< as presented last
-  std::size_t shownWidth_ = 0;
 };
 
 }  // namespace

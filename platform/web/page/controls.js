@@ -166,14 +166,10 @@ let lastLabel = 0;
 
 const windowOf = (control) => controls.get(Number(control.element.closest('.form').dataset.id));
 
-// Shows rows of a picture: pixels as the canvas wants them, from the program's memory.
-function showPixels(id, pixels, width, height, firstRow, rows) {
+// Shows a part of a picture: its left, top, width and height.
+function showPixels(id, picture, part) {
   const {face} = controls.get(id);
-  if (face.width !== width || face.height !== height) {
-    face.width = width;
-    face.height = height;
-  }
-  if (width === 0 || rows === 0) return;
-  const context = face.getContext('2d', {alpha: false});
-  context.putImageData(new ImageData(pixels, width, rows), 0, firstRow);
+  const {width, height} = picture;
+  if (face.width !== width || face.height !== height) Object.assign(face, {width, height});
+  face.getContext('2d', {alpha: false}).putImageData(picture, 0, 0, ...part);
 }

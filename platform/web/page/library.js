@@ -6,8 +6,8 @@ mergeInto(LibraryManager.library, {
   page_setNumber: function(id, name, value) { return setProperty(id, UTF8ToString(name), value); },
   page_setText: function(id, name, bytes, size) { return setProperty(id, UTF8ToString(name), toText(HEAPU8.subarray(bytes, bytes + size))); },
   page_focus: function(id) { return focusControl(id); },
-  page_showPixels: function(id, pixels, width, height, firstRow, rows) {
-    showPixels(id, new Uint8ClampedArray(HEAPU8.buffer, pixels, width * rows * 4), width, height, firstRow, rows);
+  page_showPixels: function(id, pixels, width, height, ...part) {
+    showPixels(id, new ImageData(new Uint8ClampedArray(HEAPU8.buffer, pixels, width * height * 4), width, height), part);
   },
   page_showBox: function(id, bytes, size) { return showBox(id, toText(HEAPU8.subarray(bytes, bytes + size))); },
   page_showEnd: function(title, bytes, size) { return showEnd(UTF8ToString(title), toText(HEAPU8.subarray(bytes, bytes + size))); },
