@@ -156,6 +156,11 @@ class Chat(Keyboard):
         self.layout("de")
         self.assertEqual(self.chat_typed(keys), (CHAT, [b"-1", b"^z@"]))
 
+    def test_quick_typing_reaches_the_chat_line(self):
+        # The first letter moves the focus to the chat line, where Enter sends it, however soon it follows.
+        self.assertEqual(self.chat_typed(lambda: self.display.xdotool("key", "--delay", "0", Q, W, "Return", E)),
+                         (CHAT, [b"-1", b"qw"]))
+
     def test_chat_drops_non_ascii(self):
         def keys():
             self.press(SEMICOLON, "a", EQUALS_PLACE, E, "b")

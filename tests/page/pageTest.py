@@ -99,7 +99,7 @@ class Page(Tab):
     def canvas_size(self):
         return self.see("[canvas().width, canvas().height]")
 
-    def point_at(self, x, y):
+    def mouse_to(self, x, y):
         """Moves the mouse to a pixel of the canvas."""
         left, top, width, _ = self.see("(r => [r.left, r.top, r.width, r.height])(canvas().getBoundingClientRect())")
         scale = width / self.canvas_size()[0]
@@ -107,7 +107,7 @@ class Page(Tab):
 
     def release_brakes(self, x, y):
         """Points at a pixel of the canvas, then presses the right button."""
-        self.point_at(x, y)
+        self.mouse_to(x, y)
         self.mouse({"type": "pointerDown", "button": RIGHT}, {"type": "pointerUp", "button": RIGHT})
 
     def count_pixels(self, test, canvas="canvas()", area=None):

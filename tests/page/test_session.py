@@ -70,6 +70,44 @@ class Session(PageTest):
                          "the answer on the console")
         page.keep("chat")
 
+    def test_a_private_line_reaches_one_player(self):
+        server, page = self.begin()
+        spy = Spy(server.port, "Spy", colour=5)
+        self.addCleanup(spy.close)
+        other = Spy(server.port, "Other", colour=4)
+        self.addCleanup(other.close)
+        page.connect()
+        node = spy.await_frame(PLAYER_JOINED, lambda fields: fields[2] == b"Ann")[0]
+        page.wait_for_status("Connected")
+        page.click_on("by('.main .label', 'Spy')")
+        page.wait_for("named('Spy')", "the chat line for Spy")
+        page.click_on("canvas()")
+        page.type("psst")
+        page.press("Enter")
+        self.assertEqual(spy.await_frame(CHAT), [node, b"(private) psst"])
+        # A click on the label of the line makes it public again.
+        page.click_on("all('.main .label').filter((one) => words(one) === 'Spy').at(-1)")
+        page.wait_for("named('Public Chat')")
+        page.click_on("canvas()")
+        page.type("all")
+        page.press("Enter")
+        self.assertEqual(spy.await_frame(CHAT), [node, b"all"])
+        self.assertEqual(other.await_frame(CHAT), [node, b"all"])
+        spy.send(CHAT, int(node), "(private) yes")
+        page.wait_for("named('Spy')", "the answer to Spy alone")
+
+    def test_quick_typing_reaches_the_chat_line(self):
+        _, page = self.begin()
+        line = self.log_in(page)
+        page.click_on("canvas()")
+        # All keys at once, before the program takes the first one, which moves the focus to the chat line.
+        page.see("[['h', 72], ['i', 73], ['Enter', 13], ['y', 89], ['o', 79]].forEach(([key, keyCode]) => canvas().dispatchEvent("
+                 "new KeyboardEvent('keydown', {key, keyCode, bubbles: true, cancelable: true})))")
+        while (received := line.recv_frame())[0] != CHAT:
+            pass
+        self.assertEqual(received[1], [b"-1", b"hi"])
+        page.wait_for("named('Public Chat').value === 'yo'")
+
     def test_a_lost_server_and_another_login(self):
         server, page = self.begin()
         page.connect()

@@ -146,7 +146,9 @@ function tightenLine(element) {
 function focusControl(id) {
   const control = controls.get(id);
   raiseWindow(windowOf(control));
-  if (control.kind !== 'Form') control.face.focus({preventScroll: true});
+  if (control.kind === 'Form') return;
+  moveKeys(control);
+  control.face.focus({preventScroll: true});
 }
 
 // Names boxes and sliders, for screen readers, by the label on their left.

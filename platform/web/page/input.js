@@ -46,16 +46,47 @@ const isFunctionKey = (event) => /^F([1-9]|10)$/.test(event.key);
 function listenToKeys(control) {
   control.face.addEventListener('keydown', (event) => {
     if (event.isComposing) return;
-    if (isFunctionKey(event) || event.key === 'Enter' || event.key === 'Escape') event.preventDefault();
-    post('keyDown', control.id, [event.keyCode, shiftBits(event)]);
-    if (event.altKey || event.metaKey) return;
+    const isAnswer = event.key === 'Enter' || event.key === 'Escape';
     const controlKeys = {Enter: 13, Escape: 27, Backspace: 8, Tab: 9};
-    const typed = controlKeys[event.key] ? [controlKeys[event.key]] : event.ctrlKey ? [] : toBytes(letterOf(event));
+    const letters = event.altKey || event.metaKey || event.ctrlKey ? [] : toBytes(letterOf(event));
+    const typed = event.altKey || event.metaKey ? [] : controlKeys[event.key] ? [controlKeys[event.key]] : letters;
+    // Keys behind moved ones must not overtake them. A browser would search the page for letters on a picture.
+    const isMoved = pendingEvents.some((other) => other.isMoved && other.id === control.id);
+    const isUnused = control.kind === 'PictureBox' && letters.length > 0;
+    if (isMoved || isUnused || isAnswer || isFunctionKey(event)) event.preventDefault();
+    post('keyDown', control.id, [event.keyCode, shiftBits(event)]);
     for (const byte of typed) post('keyPress', control.id, [byte]);
+    if (isMoved) markMoved(control, control);
   });
 }
 
 const letterOf = (event) => [...event.key].length === 1 ? event.key : '';
+const isKey = (event) => event.kind === 'keyDown' || event.kind === 'keyPress';
+
+// Moves the keys that wait for the program from one control to another.
+function markMoved(from, to) {
+  for (const event of pendingEvents) {
+    if (event.id === from.id && isKey(event)) Object.assign(event, {id: to.id, isMoved: true});
+  }
+}
+
+// Keys go to the control that has the focus when the program takes them, as on a desktop. It may move the focus between
+// two keys: the first letter of a chat line moves it from the view to the line.
+function moveKeys(to) {
+  const from = [...controls.values()].find((control) => control.face === document.activeElement);
+  if (from && from !== to) markMoved(from, to);
+}
+
+// The browser hasn't typed a moved letter into its text box.
+function typeMoved(event) {
+  const control = controls.get(event.id);
+  const [byte] = event.numbers;
+  if (!event.isMoved || event.kind !== 'keyPress' || byte < 32 || !control || control.kind !== 'TextBox') return;
+  const input = control.element;
+  input.setRangeText(toText(Uint8Array.of(byte)), input.selectionStart, input.selectionEnd, 'end');
+  const edited = {kind: 'edited', id: event.id, numbers: [input.selectionStart], bytes: toBytes(input.value)};
+  pendingEvents.splice(1, 0, edited);
+}
 
 // Keys in a window whose focus has no use for them: Enter and Esc answer its buttons, function keys go to the program.
 document.addEventListener('keydown', (event) => {

@@ -16,6 +16,7 @@ mergeInto(LibraryManager.library, {
   page_nextEvent: function(numbers) {
     const event = pendingEvents[0];
     if (!event) return 0;
+    typeMoved(event);
     if (event.parts) {
       event.bytes = new Uint8Array(event.length);
       let at = 0;
