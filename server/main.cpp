@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <chrono>
@@ -5,6 +6,7 @@
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <optional>
 #include <string>
 
 #include "base/millis.h"
@@ -12,6 +14,7 @@
 #include "server/config/log.h"
 #include "server/config/options.h"
 #include "server/net/gameServer.h"
+#include "server/system/passwords.h"
 #include "server/system/process.h"
 #include "server/web/site.h"
 
@@ -23,6 +26,28 @@ namespace {
 Millis steadyMillis() {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
       .count();
+}
+
+/// Reads a password and prints its hash. Returns the exit status.
+int printHash() {
+  if (!canHashPasswords()) {
+    std::cerr << "kelvora-server: this system has no password hashes\n";
+    return 1;
+  }
+  const std::string password = readSecret("Password: ");
+  // Other letters can't be typed into the game's chat line.
+  const auto isTypeable = [](char c) { return c > ' ' && c <= '~'; };
+  if (password.empty() || !std::all_of(password.begin(), password.end(), isTypeable)) {
+    std::cerr << "kelvora-server: the password must have letters, digits and signs of ASCII only, and no blanks\n";
+    return 2;
+  }
+  const std::string hash = hashOf(password);
+  if (hash.empty()) {
+    std::cerr << "kelvora-server: the password can't be hashed\n";
+    return 1;
+  }
+  std::cout << hash << "\n";
+  return 0;
 }
 
 }  // namespace
@@ -41,6 +66,7 @@ int main(int argc, char** argv) {
     std::cout << "kelvora-server " << versionText() << "\n";
     return 0;
   }
+  if (options.hashPassword) return printHash();
   ignoreFatalSignals();
   try {
     // Other threads only post to it, so its sockets need no locks.
@@ -54,13 +80,20 @@ int main(int argc, char** argv) {
     GameServer server(context, options, log);
     if (!options.site->empty()) log("the page for browsers is in " + *options.site);
     boost::asio::signal_set signals(context);
-    for (const int signal : stopSignals()) signals.add(signal);
+    // Only a server with such a file has anything to read again.
+    const auto reread = options.moderation.bansFile.empty() ? std::nullopt : rereadSignal();
+    for (const int signal : stopSignals(!reread)) signals.add(signal);
+    if (reread) signals.add(*reread);
     bool hasStopped = false;
     std::function<void()> awaitSignal = [&] {
       signals.async_wait([&](boost::system::error_code error, int signal) {
         // A second signal may be on its way here when the server stops. It can't be cancelled, and must not be the
         // reason for another wait, which would never end.
         if (error || hasStopped) return;
+        if (signal == reread) {
+          server.reread();
+          return awaitSignal();
+        }
         log(signalName(signal) + ": shutting down");
         awaitSignal();
         server.stop([&] {

@@ -10,13 +10,15 @@ namespace kelvora::server {
 
 Arena::Arena(ArenaOutput& output, std::string version, std::string password, std::uint32_t seed,
              const ArenaRules& rules)
-    : roster_(output),
+    : output_(output),
+      roster_(output),
       economy_(roster_, rules.incomePerMinute),
       rounds_(roster_, economy_, rules),
       lives_(roster_, pending_, economy_, rounds_, rules),
       combat_(roster_, pending_, lives_),
       movement_(roster_, pending_, lives_, combat_, rules.speedFactor),
-      lobby_(output, roster_, economy_, rounds_, std::move(version), std::move(password), seed) {}
+      coach_(roster_, rounds_, rules),
+      lobby_(output, roster_, economy_, rounds_, combat_, std::move(version), std::move(password), seed) {}
 
 void Arena::received(ClientId client, std::string_view text, Millis now) {
   const auto message = wire::open(text);
@@ -55,6 +57,12 @@ void Arena::disconnected(ClientId client) {
   roster_.leave(client, pending_);
 }
 
+void Arena::expel(ClientId client, const std::string& reason) {
+  roster_.tell(client, reason);
+  output_.hangUp(client);
+  disconnected(client);
+}
+
 void Arena::tick(Millis now) {
   pending_.prune(now);
   roster_.releaseLeavers(pending_);
@@ -68,6 +76,8 @@ void Arena::tick(Millis now) {
   rounds_.endIfWon();
   rounds_.passTime(now);
   lives_.respawnDue(now);
+  combat_.tellEnded(now);
+  coach_.tick(now);
 }
 
 std::vector<PlayerView> Arena::players(Millis now) const {

@@ -8,6 +8,7 @@
 #include "protocol/wireFormat.h"
 #include "server/arena/arenaOutput.h"
 #include "server/arena/arenaRules.h"
+#include "server/arena/coach.h"
 #include "server/arena/combat.h"
 #include "server/arena/economy.h"
 #include "server/arena/lives.h"
@@ -45,12 +46,23 @@ class Arena {
   std::vector<PlayerView> players(Millis now) const;
   /// Colours that bots hold and people waiting to log in need. Disconnect these bots. Each tick retries the logins.
   std::vector<PlayerColour> wantedColours() const { return lobby_.wantedColours(); }
+
+  /// Sends a player, or everybody, a line of the server.
+  void tell(ClientId client, const std::string& text) const { roster_.tell(client, text); }
+  void tellAll(const std::string& text) const { roster_.tellAll(text); }
+  /// Removes a player, who is told why. The others see the player leave.
+  void expel(ClientId client, const std::string& reason);
+  /// Ends a running round, with its winner.
+  void endRound() { rounds_.endNow(); }
+  /// Begins a new round. A running one ends without a winner.
+  void restartRound() { rounds_.restart(); }
   /// False in the intermission between two rounds, when everybody is dead.
   bool isRoundRunning() const { return rounds_.isRunning(); }
 
  private:
   void handle(Player& player, const wire::Incoming& message, Millis now);
 
+  ArenaOutput& output_;
   // Each piece knows the ones above it.
   Roster roster_;
   PendingCaptures pending_;
@@ -59,6 +71,7 @@ class Arena {
   Lives lives_;
   Combat combat_;
   Movement movement_;
+  Coach coach_;
   Lobby lobby_;
 };
 

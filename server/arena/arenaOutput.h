@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/outcome.h"
 #include "server/arena/clientId.h"
 
 namespace kelvora::server {
@@ -10,7 +11,8 @@ namespace kelvora::server {
 /// What a limit drops: a position, another request, or a connection that didn't log in in time.
 enum class Drop : std::uint8_t { position, request, lateLogin };
 
-/// The arena's effects on the outside world. Called from within the arena's calls, and must not call back.
+/// The arena's effects on the outside world, and its questions to it. Called from within the arena's calls, and must
+/// not call back.
 class ArenaOutput {
  public:
   virtual ~ArenaOutput() = default;
@@ -22,6 +24,13 @@ class ArenaOutput {
   virtual void log(const std::string& line) = 0;
   /// Counts what a limit has dropped.
   virtual void dropped(Drop /*what*/) {}
+
+  /// Takes a command for the server: a chat line from its "!" on. Nobody else has got it.
+  virtual void command(ClientId, const std::string& /*line*/) {}
+  /// Refuses people who must not come in, with a text for them. Not called for bots.
+  virtual Outcome mayEnter(ClientId) { return Outcome::done(); }
+  /// Why a player's lines must reach nobody, as a text for the player. Empty if they may. Not called for bots.
+  virtual std::string muteReason(ClientId) { return {}; }
 };
 
 }  // namespace kelvora::server

@@ -16,6 +16,7 @@ struct ArenaRules {
   int captureCredits = 10;              ///< for each player captured or killed
   int survivalCredits = 10;             ///< for being alive when a round ends
   int incomePerMinute = defaultIncome;  ///< credits per minute spent alive in a round, paid in whole credits
+  bool coach = false;                   ///< tells newcomers what to do
   double speedFactor = 3;               ///< maximum sustained speed in multiples of the design speed, 0 for no limit
 };
 

@@ -6,7 +6,8 @@
 
 namespace kelvora::server {
 
-/// Relays a player's line to everybody, or only to one player and the sender.
+/// Relays a player's line to everybody, or only to one player and the sender. Commands and the lines of muted players
+/// reach nobody. A muted player is told so once.
 void relayChat(Roster& roster, Player& sender, std::string_view fields, Millis now);
 
 }  // namespace kelvora::server

@@ -9,7 +9,7 @@ void Combat::activate(Player& player, std::string_view fields, Millis now) {
   if (!request || !roster_.allowsRequest(player, now)) return;
   const PowerupSlot item{std::get<0>(*request)};
   Inventory& inventory = player.inventory;
-  const auto refuse = [&](const char* why) { roster_.sendTo(player.client, wire::toClient<wire::msgServerText>(why)); };
+  const auto refuse = [&](const char* why) { roster_.tell(player.client, why); };
   // A client's request is rarely refused. But it shows a capture only when it carries it out, and its timers count
   // changes of the clock's second, so they end up to a second before these.
   if (!player.isAlive) return refuse("You are out, and cannot use abilities until you are respawned.");
@@ -29,6 +29,28 @@ void Combat::strikeOnTheWay(Player& mover, Point from, Millis now) {
 }
 
 void Combat::strikeAll(Millis now) { strike(hitsNow(roster_.players(), now), now); }
+
+void Combat::tellRunning(ClientId newcomer, Millis now) {
+  for (const auto& [client, player] : roster_.players()) {
+    for (const PowerupSlot item : powerupSlots) {
+      if (!player.inventory.isRunning(item, now)) continue;
+      roster_.sendTo(newcomer, wire::toClient<wire::msgPowerupOn>(player.node, item));
+      shownLate_.push_back({newcomer, client, item, player.inventory.runsUntil(item)});
+    }
+  }
+}
+
+void Combat::tellEnded(Millis now) {
+  std::erase_if(shownLate_, [&](const Shown& shown) {
+    const Player* owner = roster_.find(shown.owner);
+    // An early end, or another start, has been told to everybody.
+    if (owner == nullptr || roster_.find(shown.newcomer) == nullptr) return true;
+    if (owner->inventory.runsUntil(shown.item) != shown.until) return true;
+    if (now < shown.until) return false;
+    roster_.sendTo(shown.newcomer, wire::toClient<wire::msgPowerupOff>(owner->node, shown.item));
+    return true;
+  });
+}
 
 void Combat::strike(const std::vector<Hit>& hits, Millis now) {
   // All at once: two players may kill each other, but nobody dies twice.

@@ -20,6 +20,10 @@ class Combat {
   void strikeOnTheWay(Player& mover, Point from, Millis now);
   /// Applies everybody's weapons to everybody else at their current positions.
   void strikeAll(Millis now);
+  /// Tells a newcomer which powerups of the players run.
+  void tellRunning(ClientId newcomer, Millis now);
+  /// Tells newcomers when these powerups have run out. Clients time powerups from the message on, which came late.
+  void tellEnded(Millis now);
 
  private:
   void strike(const std::vector<Hit>& hits, Millis now);
@@ -27,9 +31,17 @@ class Combat {
   /// Ends a running powerup early.
   void end(Player& player, PowerupSlot item, Millis now);
 
+  struct Shown {
+    ClientId newcomer;
+    ClientId owner;
+    PowerupSlot item;
+    Millis until;
+  };
+
   Roster& roster_;
   PendingCaptures& pending_;
   Lives& lives_;
+  std::vector<Shown> shownLate_;
 };
 
 }  // namespace kelvora::server

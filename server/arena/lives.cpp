@@ -48,8 +48,7 @@ void Lives::requestSpawn(Player& player, Millis now) {
   const Millis wait = respawnWait(player, now);
   if (wait == 0) return respawn(player);
   player.wantsRespawn = true;
-  const std::string answer = "You will be respawned in " + secondsText(wait) + ".";
-  roster_.sendTo(player.client, wire::toClient<wire::msgServerText>(answer));
+  roster_.tell(player.client, "You will be respawned in " + secondsText(wait) + ".");
 }
 
 void Lives::respawnDue(Millis now) {
@@ -59,7 +58,7 @@ void Lives::respawnDue(Millis now) {
       respawn(player);
     } else if (!std::exchange(player.isOffered, true)) {
       // Nothing else on a ghost's screen says so, and the button stays grey.
-      roster_.sendTo(client, wire::toClient<wire::msgServerText>("Press Spawn for a new life."));
+      roster_.tell(client, "Press Spawn for a new life.");
     }
   }
 }

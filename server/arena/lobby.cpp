@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "base/search.h"
-#include "base/text.h"
 #include "base/wholeNumber.h"
 #include "protocol/frames.h"
 #include "protocol/rules.h"
+#include "server/arena/names.h"
 #include "server/arena/plainText.h"
 
 namespace kelvora::server {
@@ -20,12 +20,13 @@ constexpr int startInset = 10'000;  // world units from every edge
 
 }  // namespace
 
-Lobby::Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, std::string version,
+Lobby::Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, Combat& combat, std::string version,
              std::string password, std::uint32_t seed)
     : output_(output),
       roster_(roster),
       economy_(economy),
       rounds_(rounds),
+      combat_(combat),
       version_(std::move(version)),
       password_(std::move(password)),
       random_(seed) {}
@@ -56,14 +57,10 @@ std::optional<Lobby::Request> Lobby::read(std::string_view text) {
 }
 
 Outcome Lobby::check(ClientId client, const Request& request) const {
-  const std::string_view name = request.name;
+  if (Outcome outcome = roster_.mayEnter(client); outcome.isRefused()) return outcome;
   if (request.version != version_) return Outcome::refused("This server needs version " + version_ + " of the game.");
   if (!password_.empty() && request.password != password_) return Outcome::refused("Wrong password.");
-  if (trimBlanks(name).empty()) return Outcome::refused("A name is needed.");
-  if (name.size() > maxNameLength) {
-    return Outcome::refused("The name is longer than " + std::to_string(maxNameLength) + " characters.");
-  }
-  if (anyOf(name, isControl)) return Outcome::refused("The name contains control characters.");
+  if (Outcome outcome = checkName(request.name); outcome.isRefused()) return outcome;
   if (roster_.isFull() && (isBot(client) || !roster_.hasBots())) return Outcome::refused("The arena is full.");
   return Outcome::done();
 }
@@ -86,15 +83,17 @@ bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferr
 
 void Lobby::admit(ClientId client, const Request& request, Millis now) {
   rounds_.prepareFor(client, now);
+  const std::string name = visibleName(request.name);
   Player player{.client = client,
                 .node = roster_.nextNode(),
                 .colour = chooseColour(request.colour),
-                .name = trimBlanks(request.name),
+                .name = distinctName(name, takenNames()),
                 .spot = startSpot(),
                 .isAlive = rounds_.isRunning(),
                 .paidUntil = now,
                 .nextPing = now + firstPingDelay,
-                .lastReport = now};
+                .lastReport = now,
+                .joined = now};
   output_.log(printable(player.name) + " joined as " + rules::colourNames[static_cast<std::size_t>(player.colour)] +
               ", node " + std::to_string(player.node));
   roster_.sendTo(client,
@@ -106,7 +105,13 @@ void Lobby::admit(ClientId client, const Request& request, Millis now) {
     economy_.sendFundsTo(client, opponent);
     sendJoined(other, player);
   }
+  if (player.name != name) {
+    // A client shows its own player under the name that it has sent.
+    roster_.tell(client,
+                 "Your name is taken or looks like another player's. The others see you as " + player.name + ".");
+  }
   if (!player.isAlive) rounds_.explainIntermission(player);
+  combat_.tellRunning(client, now);
   economy_.sendFunds(roster_.join(std::move(player)));
 }
 
@@ -122,6 +127,13 @@ Spot Lobby::startSpot() {
   const int x = coordinate(random_);
   const int y = coordinate(random_);
   return spotOf(std::to_string(x), std::to_string(y), {static_cast<float>(x), static_cast<float>(y)});
+}
+
+std::vector<std::string> Lobby::takenNames() const {
+  std::vector<std::string> names;
+  for (const auto& [client, player] : roster_.players()) names.push_back(skeletonOf(player.name));
+  for (const Player& leaver : roster_.leavers()) names.push_back(skeletonOf(leaver.name));
+  return names;
 }
 
 void Lobby::sendJoined(ClientId client, const Player& player) const {

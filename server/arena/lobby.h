@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/outcome.h"
+#include "server/arena/combat.h"
 #include "server/arena/roster.h"
 #include "server/arena/rounds.h"
 
@@ -18,13 +19,12 @@ namespace kelvora::server {
 /// until everybody has been told that the previous player of that colour has left.
 class Lobby {
  public:
-  static constexpr std::size_t maxNameLength = 32;  ///< bytes
   static constexpr Millis loginTimeLimit = 10'000;
   static constexpr Millis colourPatience = 3'000;  ///< maximum wait for a bot to give up the wanted colour
   static constexpr Millis firstPingDelay = 1'000;
 
   /// `version` is required of clients. An empty `password` admits everybody.
-  Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, std::string version,
+  Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, Combat& combat, std::string version,
         std::string password, std::uint32_t seed);
 
   /// Adds a connection. Its time to log in starts now.
@@ -59,12 +59,15 @@ class Lobby {
   void admit(ClientId client, const Request& request, Millis now);
   PlayerColour chooseColour(std::string_view preferred) const;
   Spot startSpot();
+  /// The skeletons of the names that players and leavers have.
+  std::vector<std::string> takenNames() const;
   void sendJoined(ClientId client, const Player& player) const;
 
   ArenaOutput& output_;
   Roster& roster_;
   Economy& economy_;
   Rounds& rounds_;
+  Combat& combat_;
   const std::string version_;
   const std::string password_;
   std::mt19937 random_;

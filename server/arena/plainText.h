@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/codePage.h"
+#include "protocol/wireFormat.h"
 
 namespace kelvora::server {
 
@@ -12,6 +13,9 @@ constexpr bool isControl(char c) {
   const auto code = static_cast<unsigned char>(c);
   return code < 32 || code == 127 || (code > 127 && toUnicode(code) == code && code < 160);
 }
+
+/// True for the bytes that no field of a message may contain.
+constexpr bool isDelimiter(char c) { return c == wire::frameStart || c == wire::frameEnd || c == wire::fieldSeparator; }
 
 /// The text for the log, with question marks for everything but plain ASCII.
 inline std::string printable(std::string_view text) {

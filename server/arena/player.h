@@ -6,6 +6,7 @@
 
 #include "base/rateLimit.h"
 #include "server/arena/inventory.h"
+#include "server/arena/lessons.h"
 #include "server/arena/playerView.h"
 #include "server/arena/speedLimit.h"
 #include "server/arena/tail.h"
@@ -39,6 +40,9 @@ struct Player {
   SpeedLimit speed{};
   RateLimit positions{positionsPerSecond, 50};
   RateLimit requests{requestsPerSecond, 20};
+  Millis joined = 0;
+  Lessons lessons{};         ///< of the coach
+  bool knowsOfMute = false;  ///< has been told why nobody gets the player's lines
 };
 
 /// A snapshot of the player at `now`.

@@ -72,6 +72,12 @@ void Roster::sendToAll(const std::string& frame) const {
   for (const auto& [client, player] : players_) output_.send(client, frame);
 }
 
+void Roster::tell(ClientId client, const std::string& text) const {
+  sendTo(client, wire::toClient<wire::msgServerText>(text));
+}
+
+void Roster::tellAll(const std::string& text) const { sendToAll(wire::toClient<wire::msgServerText>(text)); }
+
 void Roster::sendLeft(const Player& player) const { sendToAll(wire::toClient<wire::msgPlayerLeft>(player.node)); }
 
 bool Roster::allows(RateLimit& limit, Drop what, Millis now) const {

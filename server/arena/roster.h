@@ -47,12 +47,19 @@ class Roster {
 
   void sendTo(ClientId client, const std::string& frame) const { output_.send(client, frame); }
   void sendToAll(const std::string& frame) const;
+  /// Sends a line of the server.
+  void tell(ClientId client, const std::string& text) const;
+  void tellAll(const std::string& text) const;
   /// Logs a line for the operator.
   void log(const std::string& line) const { output_.log(line); }
   /// False if the player has made too many requests, such as chat lines and purchases.
   bool allowsRequest(Player& player, Millis now) const { return allows(player.requests, Drop::request, now); }
   /// False if the player has reported too many positions.
   bool allowsPosition(Player& player, Millis now) const { return allows(player.positions, Drop::position, now); }
+  /// As in ArenaOutput. Bots may enter and are never muted.
+  void command(ClientId client, const std::string& line) const { output_.command(client, line); }
+  Outcome mayEnter(ClientId client) const { return isBot(client) ? Outcome::done() : output_.mayEnter(client); }
+  std::string muteReason(ClientId client) const { return isBot(client) ? "" : output_.muteReason(client); }
 
  private:
   void sendLeft(const Player& player) const;

@@ -57,10 +57,25 @@ void Rounds::passTime(Millis now) {
   }
 }
 
+void Rounds::endNow() {
+  if (clock_.isRunning()) end();
+}
+
+void Rounds::restart() {
+  const bool wasRunning = clock_.isRunning();
+  clock_.beginAnew();
+  if (wasRunning) stop("The round begins again.");
+  welcome();
+}
+
 void Rounds::begin() {
   clock_.turnOver();
+  welcome();
+}
+
+void Rounds::welcome() {
   for (auto& [client, player] : roster_.players()) player.roundCaptures = 0;
-  roster_.sendToAll(wire::toClient<wire::msgServerText>("A new round has begun. Press Spawn to play."));
+  roster_.tellAll("A new round has begun. Press Spawn to play.");
 }
 
 void Rounds::end() {
@@ -69,14 +84,18 @@ void Rounds::end() {
   for (auto& [client, player] : roster_.players()) {
     if (player.isAlive) economy_.credit(player, Entry::survival, survivalCredits_);
   }
+  clock_.turnOver();
+  stop(text);
+}
+
+void Rounds::stop(const std::string& text) {
   for (auto& [client, player] : roster_.players()) {
     player.isAlive = false;
     player.isOffered = true;  // the next round's first message does that
     player.tail.clear();
   }
-  clock_.turnOver();
   roster_.sendToAll(wire::toClient<wire::msgRoundOver>(text));
-  if (clock_.left() > 0) roster_.sendToAll(wire::toClient<wire::msgServerText>(nextRoundText(clock_.left())));
+  if (!clock_.isRunning() && clock_.left() > 0) roster_.tellAll(nextRoundText(clock_.left()));
   // A client with an open store ignores the end of the round, but not this.
   for (const auto& [client, player] : roster_.players()) sendDead(player);
 }

@@ -30,10 +30,17 @@ class Rounds {
   void endIfWon();
   /// Ends the round or intermission once its time is up.
   void passTime(Millis now);
+  /// Ends a running round as if its time were up.
+  void endNow();
+  /// Begins a new round. A running one ends without a winner.
+  void restart();
 
  private:
   void begin();
+  void welcome();
   void end();
+  /// Kills everybody and tells them why. The clock must have been changed before.
+  void stop(const std::string& text);
   std::string result() const;
   /// Tells a client that its player is dead.
   void sendDead(const Player& player) const;

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "base/search.h"
-#include "base/text.h"
 #include "protocol/wireFormat.h"
+#include "server/arena/names.h"
 
 namespace kelvora::server {
 
@@ -30,9 +30,21 @@ SkillLevel levelOf(SkillLevel skill, std::size_t seat) {
 }  // namespace
 
 BotKeeper::BotKeeper(Arena& arena, BotSettings settings, std::string password, std::string version, std::uint32_t seed)
-    : arena_(arena), settings_(settings), password_(std::move(password)), version_(std::move(version)), random_(seed) {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(std::clamp(settings.count, 0, BotSettings::maxCount)); ++i) {
-    seats_.push_back({.level = levelOf(settings.skill, i)});
+    : arena_(arena), password_(std::move(password)), version_(std::move(version)), random_(seed) {
+  configure(settings, 0);
+}
+
+void BotKeeper::configure(BotSettings settings, Millis now) {
+  settings.count = std::clamp(settings.count, 0, BotSettings::maxCount);
+  settings_ = settings;
+  const auto wanted = static_cast<std::size_t>(settings.count);
+  if (wanted == 0) sight_.clear();  // nobody looks until there are bots again
+  for (; seats_.size() > wanted; seats_.pop_back()) leave(seats_.back(), now);
+  while (seats_.size() < wanted) seats_.push_back({});
+  for (std::size_t i = 0; i < wanted; ++i) {
+    const SkillLevel level = levelOf(settings.skill, i);
+    if (seats_[i].level != level) leave(seats_[i], now);
+    seats_[i].level = level;
   }
 }
 
@@ -119,8 +131,8 @@ std::size_t BotKeeper::people() const {
 
 std::string BotKeeper::freshName() const {
   const auto isTaken = [&](const char* name) {
-    const auto isSame = [&](const auto& entry) { return lowerCase(entry.name) == lowerCase(name); };
-    return anyOf(sight_.players(), isSame) || anyOf(seats_, isSame);
+    const auto looksAlike = [&](const auto& entry) { return skeletonOf(entry.name) == skeletonOf(name); };
+    return anyOf(sight_.players(), looksAlike) || anyOf(seats_, looksAlike);
   };
   std::vector<std::string> free;
   for (const char* name : names) {

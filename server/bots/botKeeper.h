@@ -26,12 +26,16 @@ class BotKeeper {
   /// Call this at least every 40 ms. However often it is called, bots act every 40 ms.
   void tick(Millis now);
 
+  /// Changes the number of bots and their skill. Bots of another skill leave, and others come.
+  void configure(BotSettings settings, Millis now);
+  const BotSettings& settings() const { return settings_; }
+
   /// Bots that are in or joining.
   std::size_t count() const;
 
  private:
   struct Seat {
-    SkillLevel level;
+    SkillLevel level = SkillLevel::mixed;
     std::string name{};
     std::optional<Bot> bot{};  // set while it is in
     ClientId client = 0;
@@ -49,7 +53,7 @@ class BotKeeper {
   std::string freshName() const;
 
   Arena& arena_;
-  const BotSettings settings_;
+  BotSettings settings_;
   const std::string password_;
   const std::string version_;
   mutable std::mt19937 random_;

@@ -62,6 +62,16 @@ const std::array table = {
     Option{"skill", "easy|normal|hard|mixed", "skill of the bots (mixed)",
            Option::Word{[](Options& o, int index) { o.bots.skill = static_cast<SkillLevel>(index); }}},
 
+    Option{"coach", "on|off", "tell newcomers what to do (on)",
+           Option::Word{[](Options& o, int index) { o.rules.coach = index == 0; }}},
+    Option{"no-coach", "", "the same as --coach off", Switch([](Options& o) { o.rules.coach = false; })},
+
+    heading("Moderation:"),
+    Option{"moderator", "HASH", "hash of the moderators' password, see --hash-password (none)",
+           Text([](Options& o) -> std::string& { return o.moderation.moderatorHash; }), 0, maxTextLength},
+    Option{"bans", "FILE", "file that keeps bans and mutes (none)",
+           Text([](Options& o) -> std::string& { return o.moderation.bansFile; }), 0, maxPathLength},
+
     heading("Browsers:"),
     Option{"site", "FOLDER", "folder of the page for browsers (the one that belongs to the program)",
            Text([](Options& o) -> std::string& { return o.site ? *o.site : o.site.emplace(); }), 0, maxPathLength},
@@ -84,6 +94,8 @@ const std::array table = {
     heading("Other:"),
     Option{"config", "FILE", "read options from lines \"name = value\"; the command line overrides them (none)",
            Text([](Options& o) -> std::string& { return o.config; }), 1, maxPathLength},
+    Option{"hash-password", "", "read a password and print its hash",
+           Switch([](Options& o) { o.hashPassword = true; })},
     Option{"help", "", "print this help", Switch([](Options& o) { o.help = true; })},
     Option{"version", "", "print the version, which clients must match", Switch([](Options& o) { o.version = true; })},
 };

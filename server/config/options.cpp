@@ -5,6 +5,7 @@
 
 #include "server/config/configFile.h"
 #include "server/config/optionTable.h"
+#include "server/system/passwords.h"
 
 namespace kelvora::server {
 
@@ -63,6 +64,13 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
   const std::string& url = options.publishUrl;
   if (!url.empty() && !url.starts_with("http://") && !url.starts_with("https://")) {
     return Outcome::refused("the URL to publish to must begin with http:// or https://");
+  }
+  const std::string& hash = options.moderation.moderatorHash;
+  if (!hash.empty() && !canHashPasswords()) {
+    return Outcome::refused("this system has no password hashes, so there can't be a moderator");
+  }
+  if (!hash.empty() && !isPasswordHash(hash)) {
+    return Outcome::refused("moderator must be what kelvora-server --hash-password prints");
   }
   return Outcome::done();
 }

@@ -8,6 +8,7 @@
 #include "base/outcome.h"
 #include "server/arena/arenaRules.h"
 #include "server/bots/botSettings.h"
+#include "server/moderation/settings.h"
 
 namespace kelvora::server {
 
@@ -16,8 +17,9 @@ struct Options {
   std::string address = "127.0.0.1";
   std::uint16_t port = 2010;  ///< 0 for any free one
   std::string password;       ///< empty for none
-  ArenaRules rules;
+  ArenaRules rules{.coach = true};
   BotSettings bots;
+  ModerationSettings moderation;
   std::optional<std::uint16_t> webPort;  ///< the second port; nothing for none, 0 for any free one
   std::string webAddress;                ///< empty for `address`
   std::optional<std::string> site;       ///< folder of the page for browsers; empty for none, nothing for the usual one
@@ -30,6 +32,7 @@ struct Options {
   std::string publishUrl;  ///< the list's host; empty for none
   std::string publishKey;
   std::string config;  ///< path of the file that was read; empty for none
+  bool hashPassword = false;
   bool help = false;
   bool version = false;
 };

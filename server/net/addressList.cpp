@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "base/text.h"
-#include "server/net/door.h"
+#include "server/moderation/network.h"
 
 namespace kelvora::server {
 

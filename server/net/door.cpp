@@ -1,7 +1,5 @@
 #include "server/net/door.h"
 
-#include <algorithm>
-
 namespace kelvora::server {
 
 namespace {
@@ -9,21 +7,6 @@ namespace {
 constexpr auto timeToForgive = static_cast<Millis>(1000 * Door::burst / Door::connectionsPerSecond);
 
 }  // namespace
-
-asio::ip::address unmapped(const asio::ip::address& address) {
-  if (address.is_v4()) return address;
-  const asio::ip::address_v6 bare(address.to_v6().to_bytes());
-  if (bare.is_v4_mapped()) return asio::ip::make_address_v4(asio::ip::v4_mapped, bare);
-  return bare;
-}
-
-std::string networkOf(const asio::ip::address& address) {
-  const asio::ip::address host = unmapped(address);
-  if (host.is_v4()) return host.to_string();
-  asio::ip::address_v6::bytes_type bytes = host.to_v6().to_bytes();
-  std::fill(bytes.begin() + 8, bytes.end(), static_cast<unsigned char>(0));
-  return asio::ip::address_v6(bytes).to_string() + "/64";
-}
 
 bool Door::admits(const std::string& network, Millis now) {
   if (visitors_.size() >= maxNetworks && !visitors_.contains(network)) forget(now);

@@ -1,21 +1,11 @@
 #pragma once
 
-#include <boost/asio/ip/address.hpp>
 #include <map>
 #include <string>
 
 #include "base/rateLimit.h"
 
 namespace kelvora::server {
-
-namespace asio = boost::asio;
-
-/// Turns a mapped IPv4 address into the IPv4 address, and drops an IPv6 address's scope (its interface).
-asio::ip::address unmapped(const asio::ip::address& address);
-
-/// The identity of a host for limits: its address, or the first 64 bits in IPv6, where every host has a whole range. An
-/// IPv4 address mapped to IPv6 counts as the IPv4 address.
-std::string networkOf(const asio::ip::address& address);
 
 /// Decides who may connect, so that no single address takes all slots or all time.
 class Door {

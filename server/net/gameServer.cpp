@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "protocol/frames.h"
+#include "server/moderation/network.h"
 #include "server/net/origin.h"
 #include "server/system/process.h"
 #include "server/web/homePage.h"
@@ -59,9 +60,11 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
       metricsFor_("--metrics-for", options.metricsFor),
       site_(pathFromUtf8(options.site.value_or(""))),
       listener_(context, options.address, options.port, listenerHandlers()),
+      context_(context),
       timer_(context),
       arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),
       bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
+      moderation_(arena_, bots_, *this, options.moderation),
       list_(versionText(), options.listKey, options.address),
       publisher_(startPublisher(context, options, log_)) {
   if (options.webPort) {
@@ -173,6 +176,7 @@ void GameServer::received(ClientId client, std::string_view text) {
   const auto begin = Clock::now();
   const std::size_t id = figures_.addReceived(text);
   arena_.received(client, text, at(begin));
+  for (const auto& [from, line] : std::exchange(commands_, {})) moderation_.run(from, line, at(begin));
   if (id == wire::msgPositionReport) figures_.relays.add(Clock::now() - begin);
 }
 
@@ -180,6 +184,18 @@ HttpAnswer GameServer::countedAnswer(ClientId client, const HttpRequest& request
   HttpAnswer result = answer(client, request);
   figures_.answers[result.status].add(request.isHead() ? 0 : result.body.size() + result.moreSize);
   return result;
+}
+
+std::string GameServer::network(ClientId client) const {
+  const auto found = guests_.find(client);
+  return found == guests_.end() ? std::string() : found->second.network;
+}
+
+bool GameServer::runAside(std::function<void()> work, std::function<void()> finish) {
+  return worker_.post([this, work = std::move(work), finish = std::move(finish)] {
+    work();
+    asio::post(context_, finish);
+  });
 }
 
 HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
@@ -219,6 +235,8 @@ HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) c
                                 .uptime = Clock::now() - start_,
                                 .players = people(),
                                 .bots = arena_.playerCount() - people(),
+                                .bans = moderation_.count(PenaltyKind::ban),
+                                .mutes = moderation_.count(PenaltyKind::mute),
                                 .connections = guests_.size()});
 }
 
@@ -243,6 +261,7 @@ void GameServer::closed(ClientId client, const std::string& reason) {
   if (guest.connection->isGame()) {
     log_("client " + std::to_string(client) + " disconnected: " + reason);
     arena_.disconnected(client);
+    moderation_.left(client);
     publish();
   }
   if (stopped_ && guests_.empty()) finishStop();
@@ -265,6 +284,7 @@ void GameServer::tickMore() {
     figures_.waits.add(time - timer_.expiry());
     arena_.tick(at(time));
     bots_.tick(at(time));
+    moderation_.tick(at(time));
     publish();
     const auto stop = stallWatch_.stop(time);
     for (const auto& [client, guest] : guests_) {

@@ -2,11 +2,15 @@
 
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
+#include <ctime>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "server/arena/arena.h"
 #include "server/bots/botKeeper.h"
@@ -14,18 +18,20 @@
 #include "server/lists/listPages.h"
 #include "server/lists/publisher.h"
 #include "server/net/addressList.h"
+#include "server/moderation/moderation.h"
 #include "server/net/connection.h"
 #include "server/net/door.h"
 #include "server/net/figures.h"
 #include "server/net/listener.h"
 #include "server/net/stallWatch.h"
+#include "server/net/worker.h"
 #include "server/web/site.h"
 
 namespace kelvora::server {
 
 /// The arena on the network: players over TCP and WebSocket, and the web files. Everything runs on the thread that runs
 /// the context.
-class GameServer : private ArenaOutput {
+class GameServer : private ArenaOutput, private ModerationHost {
  public:
   static constexpr std::size_t maxConnections = 96;  ///< of any kind
   /// Files that may be open at a time: connections, files being served, and the process's own.
@@ -42,6 +48,8 @@ class GameServer : private ArenaOutput {
   /// Notifies the players, then closes everything once they have got the message or `Connection::goodbyeTime` has
   /// passed, so that the context runs out of work. Finally calls `whenDone`. A second call closes everything at once.
   void stop(std::function<void()> whenDone = {});
+  /// Reads the bans again.
+  void reread() { moderation_.reread(); }
 
  private:
   using Clock = Connection::Clock;
@@ -58,6 +66,12 @@ class GameServer : private ArenaOutput {
   void hangUp(ClientId client) override;
   void log(const std::string& line) override { log_(line); }
   void dropped(Drop what) override { figures_.addDrop(what); }
+  void command(ClientId client, const std::string& line) override { commands_.emplace_back(client, line); }
+  Outcome mayEnter(ClientId client) override { return moderation_.mayEnter(network(client)); }
+  std::string muteReason(ClientId client) override { return moderation_.muteReason(network(client)); }
+  std::string network(ClientId client) const override;
+  Seconds wallClock() const override { return std::time(nullptr); }
+  bool runAside(std::function<void()> work, std::function<void()> finish) override;
 
   Listener::Handlers listenerHandlers();
   void welcome(Socket socket);
@@ -93,10 +107,13 @@ class GameServer : private ArenaOutput {
   Site site_;
   Listener listener_;
   std::optional<Listener> webListener_;
+  asio::io_context& context_;
   asio::steady_timer timer_;
   const Clock::time_point start_ = Clock::now();
   Arena arena_;
   BotKeeper bots_;
+  Moderation moderation_;
+  std::vector<std::pair<ClientId, std::string>> commands_;  // of the frame in progress
   ListPages list_;
   std::unique_ptr<Publisher> publisher_;  // null if there is no list to announce to
   std::map<ClientId, Guest> guests_;
@@ -106,6 +123,7 @@ class GameServer : private ArenaOutput {
   ClientId lastClient_ = 0;
   bool stopped_ = false;
   std::function<void()> whenStopped_;
+  Worker worker_;  // goes first, with its work done
 };
 
 }  // namespace kelvora::server

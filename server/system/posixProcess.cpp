@@ -42,12 +42,14 @@ void ignoreFatalSignals() {
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
-std::vector<int> stopSignals() {
+std::vector<int> stopSignals(bool withTerminal) {
   std::vector<int> signals{SIGINT, SIGTERM};
-  // The terminal is closed. Ignored if nohup says so.
-  if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) signals.push_back(SIGHUP);
+  // nohup ignores it.
+  if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN && withTerminal) signals.push_back(SIGHUP);
   return signals;
 }
+
+std::optional<int> rereadSignal() { return SIGHUP; }
 
 std::string signalName(int signal) {
   if (signal == SIGHUP) return "SIGHUP";

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,7 +30,10 @@ std::size_t provideDescriptors(std::size_t wanted);
 /// the log any more, or if it may not grow.
 void ignoreFatalSignals();
 /// The signals that ask the server to stop. Windows sends events instead, which become such signals after this call.
-std::vector<int> stopSignals();
+/// `withTerminal` adds the one of a terminal that is closed, unless it is ignored.
+std::vector<int> stopSignals(bool withTerminal);
+/// The signal that asks the server to read its files again, if the system has one. A closed terminal sends it, too.
+std::optional<int> rereadSignal();
 std::string signalName(int signal);
 /// The server is ending: a further signal would only turn that into a failure.
 void ignoreFurtherSignals();

@@ -65,10 +65,12 @@ std::size_t provideDescriptors(std::size_t wanted) { return wanted; }
 // The system has no such signals.
 void ignoreFatalSignals() {}
 
-std::vector<int> stopSignals() {
+std::vector<int> stopSignals(bool) {
   SetConsoleCtrlHandler(&takeConsoleEvent, TRUE);
   return {SIGINT, SIGTERM};
 }
+
+std::optional<int> rereadSignal() { return std::nullopt; }
 
 std::string signalName(int signal) { return signal == SIGINT ? "Ctrl+C" : "asked to end"; }
 

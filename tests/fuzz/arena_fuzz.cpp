@@ -99,7 +99,7 @@ class Table : private ArenaOutput {
       require(player.node > 0 && nodes.insert(player.node).second);
       require(player.position.x >= 0 && player.position.x <= 100'000);
       require(player.position.y >= 0 && player.position.y <= 100'000);
-      require(!player.name.empty() && player.name.size() <= Lobby::maxNameLength);
+      require(!player.name.empty() && player.name.size() <= maxNameLength);
       require(player.funds >= 0 && player.tail.size() < 100'000);
       int stock = 0;
       for (const int count : player.stock) require((stock += count) >= 0 && count >= 0);

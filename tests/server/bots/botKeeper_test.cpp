@@ -9,6 +9,7 @@
 
 #include "generated/version.h"
 #include "protocol/messages.h"
+#include "server/arena/names.h"
 #include "tests/support/wireMessage.h"
 
 namespace kelvora::server {
@@ -142,7 +143,7 @@ TEST_F(BotKeeperTest, NamesDifferFromEachOtherAndFromPeoples) {
     ask(ann, "0", "quillon");
   }
   EXPECT_GT(names.size(), 10U);
-  for (const std::string& name : names) EXPECT_LE(name.size(), Lobby::maxNameLength);
+  for (const std::string& name : names) EXPECT_LE(name.size(), maxNameLength);
 }
 
 TEST_F(BotKeeperTest, PeopleReplaceBots) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "generated/version.h"
+#include "server/moderation/network.h"
 #include "tests/server/net/runningServer.h"
 
 namespace kelvora::server {

@@ -5,17 +5,6 @@
 namespace kelvora::server {
 namespace {
 
-std::string network(const char* address) { return networkOf(asio::ip::make_address(address)); }
-
-TEST(ServerDoor, AHostIsItsAddressOrItsRange) {
-  EXPECT_EQ(network("192.0.2.7"), "192.0.2.7");
-  EXPECT_EQ(network("::ffff:192.0.2.7"), "192.0.2.7");
-  EXPECT_EQ(network("2001:db8:1:2:3:4:5:6"), "2001:db8:1:2::/64");
-  EXPECT_EQ(network("2001:db8:1:2::9"), "2001:db8:1:2::/64");
-  EXPECT_EQ(network("2001:db8:1:2:ffff:ffff:ffff:ffff"), "2001:db8:1:2::/64");
-  EXPECT_NE(network("2001:db8:1:3::9"), network("2001:db8:1:2::9"));
-}
-
 TEST(ServerDoor, OneAddressHasAtMostSixteenConnections) {
   Door door;
   for (int i = 0; i < 16; ++i) EXPECT_TRUE(door.admits("a", 1'000)) << i;

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "server/arena/playerView.h"
+
+namespace kelvora::server {
+
+/// Cuts the first word off, and the blanks around it. Empty if there is none.
+std::string_view takeWord(std::string_view& text);
+
+/// Cuts a player's name off the beginning of a text. Upper and lower case, accents and punctuation don't matter. Of
+/// several names that fit, the longest counts, so names may contain blanks. The word for a player's colour does, too.
+/// Null, with the text unchanged, if nobody fits.
+const PlayerView* takePlayer(std::string_view& text, const std::vector<PlayerView>& players);
+
+}  // namespace kelvora::server

@@ -1,0 +1,30 @@
+#include "server/system/files.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <system_error>
+
+#include "server/system/process.h"
+
+namespace kelvora::server {
+
+FileText readFile(const std::string& path, std::size_t maxSize) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::path file = pathFromUtf8(path);
+  const fs::file_status status = fs::status(file, error);
+  if (status.type() == fs::file_type::not_found) return {};
+  if (error) return {.error = error.message()};
+  if (status.type() != fs::file_type::regular) return {.error = "not a file"};
+  errno = 0;
+  std::ifstream stream(file, std::ios::binary);
+  std::string text(maxSize + 1, '\0');
+  stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (!stream.eof() && stream.gcount() == 0) return {.error = errno == 0 ? "unreadable" : std::strerror(errno)};
+  text.resize(static_cast<std::size_t>(stream.gcount()));
+  if (text.size() > maxSize) return {.error = "longer than " + std::to_string(maxSize >> 10U) + " KiB"};
+  return {.text = std::move(text)};
+}
+
+}  // namespace kelvora::server

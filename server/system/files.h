@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace kelvora::server {
+
+/// Replaces a file's contents in one step: after a crash at any moment the file has the old or the new contents. Writes
+/// FILE.new first. Returns the error; empty if there was none. Waits for the disk. `path` is UTF-8.
+std::string replaceFile(const std::string& path, const std::string& contents);
+
+/// A whole file of at most `maxSize` bytes.
+struct FileText {
+  std::optional<std::string> text{};  ///< nothing if there is no such file
+  std::string error{};                ///< empty if it was read or doesn't exist
+};
+FileText readFile(const std::string& path, std::size_t maxSize);
+
+}  // namespace kelvora::server
