@@ -7,8 +7,7 @@ import subprocess
 import tempfile
 import unittest
 
-import protocol
-from harness import SERVER, RawPlayer, Server, connect, frame, wait_for
+from harness import SERVER, RawPlayer, Server, connect, frame, protocol, wait_for
 
 
 def hash_of(password):
