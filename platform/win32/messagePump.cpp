@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/win32/eventQueue.h"
 #include "platform/win32/win32.h"
 
 namespace kelvora {
@@ -33,7 +32,6 @@ void CALLBACK pump(LPVOID) {
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
       TranslateMessage(&message);
       DispatchMessageW(&message);
-      if (isInputQueued()) leavePump();
     }
     leavePump();
   }

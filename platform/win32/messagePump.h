@@ -2,8 +2,7 @@
 
 namespace kelvora {
 
-/// Dispatches the window messages that are pending, up to the first that queues input: its handler may move the focus,
-/// and the next key goes where the focus is then. Menus and the dragging of windows run loops of the system's own
+/// Dispatches the window messages that are pending. Menus and the dragging of windows run loops of the system's own
 /// inside a dispatch. They run on a fiber, so that this returns meanwhile, and the game goes on.
 void pumpMessages();
 

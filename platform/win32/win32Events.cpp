@@ -25,13 +25,13 @@ constexpr int maxServiceDepth = 40;
 
 void Win32Backend::servePending() {
   const Clock::time_point end = Clock::now() + maxServiceTime;
-  bool isMore = false;
-  do {
-    pumpMessages();
+  pumpMessages();
+  bool isMore = true;
+  while (isMore && Clock::now() < end) {
     isMore = serveInput();
     isMore = serveSockets() || isMore;
     serveTimers(tickCount());
-  } while (isMore && Clock::now() < end);
+  }
   // What is left must not wait for the next message.
   if (isMore) SetEvent(networkSignal());
 }
