@@ -88,10 +88,8 @@ class CheckBoxPeer : public PushPeer {
     painter.fill(place, looks.ground);
     painter.fill(square, looks.field);
     painter.border(square, (state & ODS_FOCUS) != 0 ? looks.chosen : looks.line);
-    if (box_.Value != 0) {
-      constexpr int inset = 3;
-      painter.fill({inset, square.top + inset, side - 2 * inset, side - 2 * inset}, looks.text);
-    }
+    constexpr int inset = 3;
+    if (box_.Value != 0) painter.tick({inset, square.top + inset, side - 2 * inset, side - 2 * inset}, looks.text);
     painter.text({side + gap, 0, place.width - side - gap, place.height}, toWide(box_.Caption.get()), FontSpec{},
                  looks.text, DT_LEFT | DT_VCENTER | DT_SINGLELINE);
   }

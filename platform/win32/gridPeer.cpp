@@ -170,11 +170,18 @@ class GridPeer : public NativePeer {
     }
     columns_ = blank ? 0 : grid_.Cols;
     fixedRows_ = blank ? 0 : grid_.FixedRows;
+    showHeadings(fixedRows_ > 0);
     for (int column = 0; column < columns_; ++column) addColumn(column);
     for (int row = fixedRows_; !blank && row < grid_.Rows; ++row) addRow(row);
     SendMessageW(window(), WM_SETREDRAW, TRUE, 0);
     InvalidateRect(window(), nullptr, TRUE);
     isShowing_ = false;
+  }
+
+  void showHeadings(bool areShown) const {
+    const LONG_PTR style = GetWindowLongPtrW(window(), GWL_STYLE);
+    constexpr LONG_PTR hidden = LVS_NOCOLUMNHEADER;
+    SetWindowLongPtrW(window(), GWL_STYLE, areShown ? style & ~hidden : style | hidden);
   }
 
   void addColumn(int column) {

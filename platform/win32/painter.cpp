@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "platform/win32/gdiFonts.h"
 
@@ -53,6 +54,19 @@ void Painter::text(const Box& box, const std::wstring& text, const FontSpec& fon
   RECT place = deviceRect(box, scale_);
   DrawTextW(dc_, text.c_str(), static_cast<int>(text.size()), &place, flags | DT_NOPREFIX | DT_EXPANDTABS);
   SelectObject(dc_, before);
+}
+
+void Painter::tick(const Box& box, Colour colour) const {
+  const RECT place = deviceRect(box, scale_);
+  const LONG width = place.right - place.left;
+  const LONG low = place.bottom - 1;
+  const HPEN pen = CreatePen(PS_SOLID, std::max(scaled(2, scale_), 1), toColorRef(colour));
+  const HGDIOBJ before = SelectObject(dc_, pen);
+  const POINT corners[] = {
+      {place.left, (place.top + place.bottom) / 2}, {place.left + width / 3, low}, {place.right - 1, place.top}};
+  Polyline(dc_, corners, static_cast<int>(std::size(corners)));
+  SelectObject(dc_, before);
+  DeleteObject(pen);
 }
 
 void Painter::ellipse(const Box& box, Colour fill, Colour line, int lineWidth, bool isDotted) const {

@@ -42,6 +42,8 @@ class Painter {
   void picture(int left, int top, std::span<const Pixel> pixels, int width, int height) const;
   /// `flags` are those of the system's DrawText.
   void text(const Box& box, const std::wstring& text, const FontSpec& font, Colour colour, UINT flags) const;
+  /// A check mark that fills the box.
+  void tick(const Box& box, Colour colour) const;
   void ellipse(const Box& box, Colour fill, Colour line, int lineWidth, bool isDotted) const;
 
  private:

@@ -26,8 +26,10 @@ struct Win32Socket::Connection {
   bool isBroken = false;     ///< it failed
   bool isDropped = false;    ///< the game has dropped it
 
-  ~Connection() {
+  ~Connection() { closeWire(); }
+  void closeWire() {
     if (wire != INVALID_SOCKET) closesocket(wire);
+    wire = INVALID_SOCKET;
   }
 };
 
@@ -62,8 +64,7 @@ void Win32Socket::connect(const std::string& host, int port) {
 
 void Win32Socket::startNextAddress() {
   Connection& connection = *connection_;
-  if (connection.wire != INVALID_SOCKET) closesocket(connection.wire);
-  connection.wire = INVALID_SOCKET;
+  connection.closeWire();
   const std::optional<HostAddress> address = connection.addresses->next();
   if (!address) {
     connection.isBroken = true;
@@ -86,7 +87,7 @@ void Win32Socket::close() {
 }
 
 void Win32Socket::send(std::string_view data) {
-  if (!connection_ || !connection_->isConnected) return;
+  if (!connection_ || !connection_->isConnected || connection_->isClosed) return;
   if (connection_->unsent.size() + data.size() > writeBufferLimit) return fail();
   connection_->unsent += data;
   flush();
@@ -138,7 +139,9 @@ void Win32Socket::receive() {
       connection.received.append(portion.data(), static_cast<std::size_t>(count));
       connection.hasNews = true;
     } else if (count == 0) {
+      // Closes this end, too, as other systems do. The game may keep the socket for long.
       connection.isClosed = true;
+      connection.closeWire();
     } else {
       connection.isBroken = WSAGetLastError() != WSAEWOULDBLOCK;
       return;
@@ -184,8 +187,7 @@ void Win32Socket::drop() {
   if (!connection_) return;
   connection_->isDropped = true;
   // The peer learns of it at once, although a handler of this connection may still be running.
-  if (connection_->wire != INVALID_SOCKET) closesocket(connection_->wire);
-  connection_->wire = INVALID_SOCKET;
+  connection_->closeWire();
   connection_.reset();
 }
 

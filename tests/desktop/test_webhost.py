@@ -122,7 +122,9 @@ class WebTest(DesktopTest):
         dialog.click(1740 // TWIPS + 20, 180 // TWIPS + 9)
         self.display.xdotool("key", "ctrl+a", "type", "Ann")
         self.display.xdotool("key", "Escape")
-        return client.wait_for_window(FINDER)
+        finder = client.wait_for_window(FINDER)
+        harness.wait_for(lambda: self.has_plain_rows(finder), "the finder's painting")
+        return finder
 
     def start_finder(self, host):
         client = self.start_client(web_host=host.name)
@@ -133,6 +135,12 @@ class WebTest(DesktopTest):
         left, top = finder.geometry()[:2]
         x, y = GRID[0] + 40, GRID[1] + ROW_HEIGHT * (row + 1) + ROW_HEIGHT // 2
         self.display.screen.double_click(left + x, top + y)
+
+    def has_plain_rows(self, finder):
+        """True if the lower rows, which no test fills, have one colour, unlike the picture behind the finder."""
+        left, top = finder.geometry()[:2]
+        rows = self.display.picture((left + GRID[0] + 4, top + GRID[1] + ROW_HEIGHT * 8, 500, ROW_HEIGHT * 5))
+        return len(set(rows.pixels())) == 1
 
     def has_row(self, finder, row):
         """True if the row has text, on any background."""

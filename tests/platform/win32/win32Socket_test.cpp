@@ -42,6 +42,13 @@ class Listener {
     bytes.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
     return bytes;
   }
+  void endSending() const { shutdown(line_, SD_SEND); }
+  bool isClosedByPeer() const {
+    const DWORD patience = 60'000;
+    setsockopt(line_, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&patience), sizeof patience);
+    char byte = 0;
+    return recv(line_, &byte, 1, 0) == 0;
+  }
   void hangUp() {
     if (line_ != INVALID_SOCKET) closesocket(line_);
     line_ = INVALID_SOCKET;
@@ -105,6 +112,16 @@ TEST_F(Sockets, AConnectionGoesThroughItsStatesAndBytesGoBothWays) {
   serveUntil([&] { return socket->State() == sckClosing; });
   EXPECT_EQ(events.front(), "connect");
   EXPECT_EQ(events.back(), "close");
+}
+
+TEST_F(Sockets, TheEndIsClosedOnceThePeerHasClosedItsOwn) {
+  Listener server;
+  connect(server.port);
+  serveUntil([&] { return socket->State() == sckConnected; });
+  server.accept();
+  server.endSending();
+  serveUntil([&] { return socket->State() == sckClosing; });
+  EXPECT_TRUE(server.isClosedByPeer());
 }
 
 TEST_F(Sockets, WhatArrivesBeforeTheCloseIsToldFirst) {
