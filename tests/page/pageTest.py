@@ -1,148 +1,21 @@
-"""Shared code of the tests of the page: a real browser, the real server that delivers the page, and the page's controls
-by what a user sees of them."""
+"""Shared code of the tests of the page: a real browser, and the real server that delivers the page."""
 
-import json
 import os
-import pathlib
 import signal
-import socket
 import sys
 import unittest
 
 import harness
 from bridge import Bridge
-from browser import Browser, Tab
-from harness import wait_for
-from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT
+from browser import Browser
+from page import Page
+from protocol import LOGIN, LOGIN_ACCEPTED
 
 KIND = os.environ.get("KELVORA_BROWSER", "chromium")
 SITE = os.environ["KELVORA_SITE"]
-PICTURES = os.environ.get("KELVORA_PICTURES")  # a folder for screenshots, which are kept only if it is set
 HANG = 300  # seconds; a test that takes longer hangs
 # A stopped run ends its browsers and servers, too.
 signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
-LEFT, RIGHT = 0, 2  # mouse buttons
-
-# What a user can see: elements with a box that nothing hides, by selector and text.
-PRELUDE = """
-const shown = (element) => element.checkVisibility({visibilityProperty: true}) && element.getClientRects().length > 0;
-const all = (selector, root = document) => [...root.querySelectorAll(selector)].filter(shown);
-const words = (element) => element.innerText.trim();
-const by = (selector, text, root) => all(selector, root).find((element) => words(element) === text);
-const dialog = (title) => all('.form.dialog').find((form) => words(form.querySelector('h2')) === title);
-const box = () => all('dialog[open]').at(-1);
-const named = (name, root) => all('input', root).find((input) => (input.labels && input.labels[0] ? words(input.labels[0])
-  : (input.getAttribute('aria-labelledby') || '').split(' ').map((id) => document.getElementById(id)?.textContent).join(' ')) === name);
-const canvas = () => document.querySelector('.main canvas');
-"""
-
-
-class Page(Tab):
-    """The client in a browser."""
-
-    def see(self, expression):
-        """The value of an expression of what can be seen, with the words of PRELUDE."""
-        return self.evaluate(f"(() => {{ {PRELUDE} const seen = {expression}; "
-                             "return seen instanceof Node ? true : seen; })()")
-
-    def wait_for(self, expression, what=None):
-        return wait_for(lambda: self.see(expression), lambda: f"{what or expression}; the page says {self.texts()!r}")
-
-    def texts(self):
-        return self.see("document.body.innerText")
-
-    def place(self, element):
-        """Left, top, width and height of an element, whose middle nothing covers."""
-        found = f"(() => {{ const e = {element}; if (!e) return null; const r = e.getBoundingClientRect(); " \
-                "const top = document.elementFromPoint(r.left + r.width / 2, r.top + r.height / 2); " \
-                "return e === top || e.contains(top) ? [r.left, r.top, r.width, r.height] : null; })()"
-        return self.wait_for(found, f"{element} in sight")
-
-    def middle(self, element):
-        left, top, width, height = self.place(element)
-        return left + width / 2, top + height / 2
-
-    def click_on(self, element, button=LEFT, times=1):
-        self.click(*self.middle(element), button=button, times=times)
-
-    def press_button(self, caption, root="document"):
-        self.click_on(f"by('button', {json.dumps(caption)}, {root})")
-
-    def choose(self, *captions):
-        """Clicks through the menus."""
-        for caption in captions:
-            self.click_on(f"by('.menubar button', {json.dumps(caption)})")
-
-    def fill(self, name, text, root="document"):
-        self.click_on(f"named({json.dumps(name)}, {root})")
-        self.press("Control+a", "Backspace")
-        self.type(text)
-
-    def connect(self, name="Ann", port=None, colour=None):
-        """Fills in the connect dialog and presses its button."""
-        self.wait_for("dialog('Connect')")
-        self.fill("Player Name:", name, "dialog('Connect')")
-        if port is not None:
-            self.fill("Server Port:", str(port), "dialog('Connect')")
-        if colour is not None:
-            left, top, width, height = self.place(f"all('.shape', dialog('Connect'))[{colour}].parentElement.parentElement")
-            circle = self.see(f"(r => [r.left + r.width / 2, r.top + r.height / 2])(all('.shape')[{colour}].getBoundingClientRect())")
-            self.click(*circle)
-        self.press_button("Connect", "dialog('Connect')")
-
-    def status(self):
-        return self.see("words(all('.main .frame .label.bordered').at(-1))")
-
-    def wait_for_status(self, text):
-        self.wait_for(f"by('.main .label', {json.dumps(text)})", f"the status {text}")
-
-    def canvas_size(self):
-        return self.see("[canvas().width, canvas().height]")
-
-    def mouse_to(self, x, y):
-        """Moves the mouse to a pixel of the canvas."""
-        left, top, width, _ = self.see("(r => [r.left, r.top, r.width, r.height])(canvas().getBoundingClientRect())")
-        scale = width / self.canvas_size()[0]
-        self.move(left + x * scale, top + y * scale)
-
-    def release_brakes(self, x, y):
-        """Points at a pixel of the canvas, then presses the right button."""
-        self.mouse_to(x, y)
-        self.mouse({"type": "pointerDown", "button": RIGHT}, {"type": "pointerUp", "button": RIGHT})
-
-    def count_pixels(self, test, canvas="canvas()", area=None):
-        """How many pixels of a canvas pass a test of r, g and b. `area`: left, top, width and height."""
-        place = ",".join(str(round(number)) for number in area) if area else "0, 0, c.width, c.height"
-        return self.see(f"(() => {{ const c = {canvas}; const d = c.getContext('2d').getImageData({place}).data; let n = 0; "
-                        f"for (let i = 0; i < d.length; i += 4) {{ const r = d[i], g = d[i + 1], b = d[i + 2]; "
-                        f"if ({test}) ++n; }} return n; }})()")
-
-    def keep(self, name):
-        """Keeps a screenshot for inspection."""
-        if PICTURES:
-            pathlib.Path(PICTURES, f"{KIND}-{name}.png").write_bytes(self.screenshot())
-
-
-class Spy(harness.Line):
-    """A player who flies nowhere and reads all that the real server says."""
-
-    def __init__(self, port, name="Spy", colour=5):
-        super().__init__(socket.create_connection(("127.0.0.1", port)))
-        self.send(LOGIN, name, "", colour, harness.VERSION)
-        identifier, fields = self.recv_frame()
-        assert identifier == LOGIN_ACCEPTED, (identifier, fields)
-        self.node = fields[1]
-        self.start = float(fields[2]), float(fields[3])
-
-    def await_frame(self, wanted, condition=lambda fields: True):
-        """The fields of the next such frame. Answers pings meanwhile."""
-        while True:
-            identifier, fields = self.recv_frame()
-            if identifier == PING:
-                self.send(PING_REPLY, 1)
-                self.send(POSITION_REPORT, *self.start)
-            if identifier == wanted and condition(fields):
-                return fields
 
 
 class PageTest(unittest.TestCase):

@@ -4,8 +4,9 @@ import math
 import threading
 
 from harness import wait_for
-from pageTest import PageTest, Spy, unittest
+from pageTest import PageTest, unittest
 from protocol import PING, PING_REPLY, PLAYER_JOINED, POSITION, POSITION_REPORT, TAIL_CAPTURE
+from spy import Spy
 
 WORLD = 100000.0
 STEPS = 16  # of the mouse in a circle

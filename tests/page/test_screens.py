@@ -2,8 +2,9 @@
 
 import harness
 from harness import wait_for
-from pageTest import PageTest, Spy, unittest
+from pageTest import PageTest, unittest
 from protocol import ACTIVATE_REQUEST, BUY_ACCEPTED, PLAYER_JOINED, POSITION, POSITION_REPORT
+from spy import Spy
 
 GREY = "r === g && g === b && r > 60"
 CYAN = "r < 110 && g > 110 && b > 110"

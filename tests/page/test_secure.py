@@ -6,9 +6,10 @@ import tempfile
 
 import harness
 from harness import wait_for
-from pageTest import PageTest, Spy, unittest
+from pageTest import PageTest, unittest
 from ports import free_port
 from protocol import PLAYER_JOINED
+from spy import Spy
 
 
 class Proxy:

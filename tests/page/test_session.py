@@ -1,8 +1,9 @@
 """From the link to the game and back."""
 
 import harness
-from pageTest import PageTest, Spy, unittest
+from pageTest import PageTest, unittest
 from protocol import CHAT, PLAYER_JOINED, PLAYER_LEFT, POSITION
+from spy import Spy
 
 
 class Session(PageTest):

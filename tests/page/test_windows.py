@@ -1,8 +1,9 @@
 """The page's other windows: store, fonts, finder, menus and message boxes."""
 
 import harness
-from pageTest import PageTest, Spy, unittest
+from pageTest import PageTest, unittest
 from protocol import BUY_ACCEPTED, BUY_REQUEST, FUNDS, PLAYER_JOINED, SERVER_TEXT
+from spy import Spy
 
 STORE = "all('.form').find((form) => words(form.querySelector('h2')) === 'Powerups')"
 VALUES = "all('.slider').map((one) => one.valueAsNumber)"
