@@ -20,7 +20,8 @@ function createMenu(id, parentId, isSeparator) {
   menuList(parent).append(element);
   button.addEventListener('click', (event) => {
     event.stopPropagation();
-    if (control.list) return toggleMenu(control);
+    // The mouse has already opened a list beside another one.
+    if (control.list) return depthOf(control) === 0 ? toggleMenu(control) : openMenu(control);
     closeMenus();
     post('click', id);
   });
