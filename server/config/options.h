@@ -24,7 +24,7 @@ struct Options {
   std::string webAddress;                ///< empty for `address`
   std::optional<std::string> site;       ///< folder of the page for browsers; empty for none, nothing for the usual one
   std::string allowOrigin = "*";         ///< pages that may open a WebSocket, separated by commas
-  std::string trustedProxy;              ///< proxy whose X-Forwarded-For is trusted; empty for none
+  std::string trustedProxy;              ///< proxy whose header or line names its clients; empty for none
   std::string metricsFor;                ///< addresses that may read /metrics as well, separated by commas
   std::string publicAddress;             ///< empty for `address`
   std::string notes;

@@ -67,7 +67,13 @@ Socket::executor_type ClientStream::executor() { return state_->socket().get_exe
 
 bool ClientStream::isWebSocket() const { return state_->webSocket() != nullptr; }
 
-bool ClientStream::isFlooded() const { return state_->isFlooded; }
+std::string ClientStream::reasonOf(error_code error) const {
+  // The flood's end makes other operations fail first.
+  if (state_->isFlooded) return "sent too many control frames";
+  if (error == asio::error::eof || error == beast::websocket::error::closed) return "closed by the client";
+  const bool isBroken = error.category() == error_code(beast::websocket::error::closed).category();
+  return isBroken ? "sent invalid data" : error.message();
+}
 
 void ClientStream::readSome(asio::mutable_buffer buffer, std::shared_ptr<User> user) {
   WebSocket* const webSocket = state_->webSocket();
@@ -76,7 +82,8 @@ void ClientStream::readSome(asio::mutable_buffer buffer, std::shared_ptr<User> u
         buffer, [user = std::move(user)](error_code error, std::size_t size) { user->arrived(error, size); });
   }
   webSocket->async_read_some(buffer, [this, user = std::move(user)](error_code error, std::size_t size) {
-    const bool isRefused = state_->isFlooded || (size > 0 && state_->webSocket()->got_text());
+    const WebSocket* const open = state_->webSocket();
+    const bool isRefused = state_->isFlooded || (open != nullptr && open->got_text());
     if (!error && isRefused) error = beast::websocket::error::bad_opcode;
     user->arrived(error, size);
   });
@@ -98,6 +105,8 @@ void ClientStream::upgrade(const std::string& request, std::string_view rest, st
   webSocket.binary(true);
   webSocket.auto_fragment(false);
   webSocket.read_message_max(maxMessage);
+  webSocket.set_option(beast::websocket::stream_base::decorator(
+      [](beast::websocket::response_type& answer) { answer.set(beast::http::field::server, "kelvora-server"); }));
   webSocket.control_callback([state = state_.get()](beast::websocket::frame_type, beast::string_view) {
     // Under a flood of control frames the current read would never end.
     if (state->controlFrames.allows(steadyMillis())) return;
@@ -114,6 +123,8 @@ void ClientStream::endSending(std::shared_ptr<User> user) {
   }
   state_->socket().endSending();
 }
+
+void ClientStream::discardUnread() { state_->socket().discardUnread(); }
 
 void ClientStream::close() {
   state_->socket().close();

@@ -39,8 +39,8 @@ class ClientStream {
 
   Socket::executor_type executor();
   bool isWebSocket() const;
-  /// True if too many control frames have come. Every operation then fails.
-  bool isFlooded() const;
+  /// Why an operation has failed, for the log.
+  std::string reasonOf(error_code error) const;
 
   /// Reads whatever comes next, possibly nothing. Text messages, messages that are too long, and too many control
   /// frames are errors.
@@ -53,6 +53,8 @@ class ClientStream {
   /// Tells the client that nothing more follows. Nothing may be written afterwards. A WebSocket then reads by itself
   /// until the client has confirmed, and tells the user. Nothing else may read from it.
   void endSending(std::shared_ptr<User> user);
+  /// Lets `close` drop what the client hasn't taken.
+  void discardUnread();
   /// Completes every operation with an error.
   void close();
 

@@ -12,6 +12,7 @@ namespace kelvora::server {
 namespace {
 
 constexpr std::size_t bodyPiece = std::size_t{16} << 10;  // bytes
+constexpr const char* stoppedReading = "stopped reading";
 
 /// An empty line may precede a request.
 bool beginsRequest(char first) { return first == '\r' || (first >= 'A' && first <= 'Z'); }
@@ -30,12 +31,17 @@ void Connection::await(std::chrono::seconds time, const char* reason, Clock::tim
 }
 
 void Connection::closeIfOverdue(Clock::time_point now) {
-  if (deadline_ < now) close(overdue_);
+  if (deadline_ >= now) return;
+  if (overdue_ == stoppedReading) stream_.discardUnread();
+  close(overdue_);
 }
 
 void Connection::send(const std::string& frame) {
   if (closed_ || hangingUp_) return;
-  if (underWay_.size() + queued_.size() + frame.size() > maxQueue) return close("stopped reading");
+  if (underWay_.size() + queued_.size() + frame.size() > maxQueue) {
+    stream_.discardUnread();
+    return close(stoppedReading);
+  }
   queued_ += frame;
   writeMore();
 }
@@ -61,13 +67,8 @@ void Connection::readMore() {
 
 void Connection::arrived(error_code error, std::size_t size) {
   if (closed_) return;
-  if (error) return fail(error);
+  if (error) return close(stream_.reasonOf(error));
   if (take({arrived_.data(), size})) readMore();
-}
-
-void Connection::fail(error_code error) {
-  if (stream_.isFlooded()) return close("sent too many control frames");
-  close(error == asio::error::eof ? "closed by the client" : error.message());
 }
 
 bool Connection::take(std::string_view bytes) {
@@ -145,7 +146,7 @@ bool Connection::answer(const HttpRequest& request) {
     return false;
   }
   speech_ = Speech::answering;
-  await(answerTime, "stopped reading");
+  await(answerTime, stoppedReading);
   keepsAlive_ = request.keepsAlive && answer.mayKeepAlive;
   queued_ += answer.head(keepsAlive_);
   if (!request.isHead()) {
@@ -168,7 +169,7 @@ void Connection::upgrade() {
 
 void Connection::upgraded(error_code error) {
   if (closed_) return;
-  if (error) return fail(error);
+  if (error) return close(stream_.reasonOf(error));
   speech_ = Speech::opening;
   await(openingTime, "timed out before sending anything", opened_);
   readMore();
@@ -212,8 +213,8 @@ void Connection::written(error_code error) {
   underWay_.clear();
   if (underWay_.capacity() > bodyPiece) std::string().swap(underWay_);  // a burst's memory
   if (closed_) return;
-  if (error) return fail(error);
-  if (speech_ == Speech::answering && !hangingUp_) await(answerTime, "stopped reading");
+  if (error) return close(stream_.reasonOf(error));
+  if (speech_ == Speech::answering && !hangingUp_) await(answerTime, stoppedReading);
   writeMore();
 }
 

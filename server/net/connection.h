@@ -62,7 +62,10 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   }
   /// When the connection, or the last answer, left it to the client to begin. An upgrade doesn't change this.
   Clock::time_point opened() const { return opened_; }
-  bool isGame() const { return speech_ == Speech::game; }
+  /// True if `onClosed` has been or is about to be called.
+  bool isClosed() const { return closed_; }
+  /// True if nothing is awaited but the client's end.
+  bool isHangingUp() const { return hangingUp_; }
 
  private:
   enum class Speech { opening, game, request, answering, upgrading };
@@ -74,7 +77,6 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
 
   std::shared_ptr<ClientStream::User> streamUser() { return {shared_from_this(), this}; }
   void readMore();
-  void fail(error_code error);
   /// True if reading should go on.
   bool take(std::string_view bytes);
   bool readProxyLine(std::string_view bytes);

@@ -8,13 +8,22 @@ constexpr auto timeToForgive = static_cast<Millis>(1000 * Door::burst / Door::co
 
 }  // namespace
 
-bool Door::admits(const std::string& network, Millis now) {
-  if (visitors_.size() >= maxNetworks && !visitors_.contains(network)) forget(now);
-  Visitor& visitor = visitors_[network];
-  visitor.lastSeen = now;
-  if (!visitor.connections.allows(now) || visitor.inside >= maxPerNetwork) return false;
-  ++visitor.inside;
+bool Door::allowsConnection(const std::string& network, Millis now) {
+  return visitor(network, now).connections.allows(now);
+}
+
+bool Door::takesIn(const std::string& network, Millis now) {
+  Visitor& newcomer = visitor(network, now);
+  if (newcomer.inside >= maxPerNetwork) return false;
+  ++newcomer.inside;
   return true;
+}
+
+Door::Visitor& Door::visitor(const std::string& network, Millis now) {
+  if (visitors_.size() >= maxNetworks && !visitors_.contains(network)) forget(now);
+  Visitor& found = visitors_[network];
+  found.lastSeen = now;
+  return found;
 }
 
 void Door::left(const std::string& network) {

@@ -10,18 +10,13 @@
 
 #include "protocol/frames.h"
 #include "server/moderation/network.h"
-#include "server/net/origin.h"
 #include "server/system/process.h"
-#include "server/web/homePage.h"
 
 namespace kelvora::server {
 
 namespace {
 
 constexpr auto tickInterval = std::chrono::milliseconds(40);
-constexpr std::string_view playPath = "/play";
-constexpr std::string_view metricsPath = "/metrics";
-constexpr std::string_view healthPath = "/healthz";
 
 /// Its log lines are written on the context's thread.
 std::unique_ptr<Publisher> startPublisher(asio::io_context& context, const Options& options,
@@ -39,17 +34,6 @@ std::optional<asio::ip::address> proxyAddress(const std::string& text) {
   if (error) throw std::runtime_error("--trusted-proxy must be an IP address, not " + text);
   return unmapped(address);
 }
-
-/// The address that the proxy has seen itself. The proxy appends it to what its client claimed.
-std::optional<asio::ip::address> forwardedAddress(const HttpRequest& request) {
-  std::string text = request.forwardedFor.substr(request.forwardedFor.rfind(',') + 1);
-  text.erase(0, text.find_first_not_of(' '));
-  error_code error;
-  const auto address = asio::ip::make_address(text, error);
-  return error ? std::nullopt : std::optional(address);
-}
-
-HttpAnswer refusal(unsigned int status, std::string text) { return {.status = status, .body = std::move(text)}; }
 
 }  // namespace
 
@@ -77,7 +61,8 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
 
 Listener::Handlers GameServer::listenerHandlers() {
   return {.onConnection = [this](Socket socket) { welcome(std::move(socket)); },
-          .onFailure = [this](const std::string& reason) { log_("cannot accept connections: " + reason); }};
+          .onFailure = [this](const std::string& reason) { log_("cannot accept connections: " + reason); },
+          .onRecovery = [this] { log_("can accept connections again"); }};
 }
 
 void GameServer::stop(std::function<void()> whenDone) {
@@ -126,7 +111,7 @@ void GameServer::welcome(Socket socket) {
   guest.isForwarded = guest.address == trustedProxy_;
   guest.isDirect = !guest.isForwarded;
   if (!guest.isForwarded && !admit(guest, guest.address)) return;
-  if (guests_.size() >= maxConnections && !makeRoom()) {
+  if (!makeRoom()) {
     door_.left(guest.network);
     ++figures_.refusedWhenFull;
     return log_("refused " + guest.address.to_string() + ": the server is full");
@@ -145,11 +130,11 @@ void GameServer::welcome(Socket socket) {
   guest.connection->start();
 }
 
-bool GameServer::admit(Guest& guest, const asio::ip::address& address) {
+bool GameServer::admit(Guest& guest, const asio::ip::address& address, bool isNew) {
   const std::string network = networkOf(address);
-  if (network == guest.network) return true;
-  if (const std::string before = std::exchange(guest.network, {}); !before.empty()) door_.left(before);
-  if (!door_.admits(network, now())) {
+  const bool isIn = network == guest.network;
+  if (!isIn && !guest.network.empty()) door_.left(std::exchange(guest.network, {}));
+  if ((isNew && !door_.allowsConnection(network, now())) || (!isIn && !door_.takesIn(network, now()))) {
     ++figures_.refusedOfAddress;
     log_("refused " + network + ": too many connections");
     return false;
@@ -162,12 +147,13 @@ bool GameServer::admit(Guest& guest, const asio::ip::address& address) {
 void GameServer::forwarded(ClientId client, const asio::ip::address& address) {
   Guest& guest = guests_.at(client);
   guest.isForwarded = false;
-  if (!admit(guest, address)) guest.connection->hangUp();
+  if (!admit(guest, address)) guest.connection->close("too many connections");
 }
 
 void GameServer::beginGame(ClientId client) {
   Guest& guest = guests_.at(client);
-  if (guest.network.empty() && !admit(guest, guest.address)) return guest.connection->hangUp();
+  if (guest.network.empty() && !admit(guest, guest.address)) return guest.connection->close("too many connections");
+  guest.isPlaying = true;
   log_("client " + std::to_string(client) + " connected from " + guest.address.to_string());
   arena_.connected(client, at(guest.connection->opened()));  // the time without a first byte counts
 }
@@ -178,12 +164,6 @@ void GameServer::received(ClientId client, std::string_view text) {
   arena_.received(client, text, at(begin));
   for (const auto& [from, line] : std::exchange(commands_, {})) moderation_.run(from, line, at(begin));
   if (id == wire::msgPositionReport) figures_.relays.add(Clock::now() - begin);
-}
-
-HttpAnswer GameServer::countedAnswer(ClientId client, const HttpRequest& request) {
-  HttpAnswer result = answer(client, request);
-  figures_.answers[result.status].add(request.isHead() ? 0 : result.body.size() + result.moreSize);
-  return result;
 }
 
 std::string GameServer::network(ClientId client) const {
@@ -198,67 +178,12 @@ bool GameServer::runAside(std::function<void()> work, std::function<void()> fini
   });
 }
 
-HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
-  const std::string_view path = request.path();
-  if (path == healthPath) return {.body = "ok\n", .headers = {"Cache-Control: no-store"}};
-  Guest& guest = guests_.at(client);
-  if (guest.isForwarded) {
-    const auto address = forwardedAddress(request);
-    if (!address) return refusal(400, "The proxy names no client address.\n");
-    if (!admit(guest, *address)) return refusal(429, "There are too many connections from your address.\n");
-  }
-  if (path == playPath) {
-    if (!request.isUpgrade) return refusal(426, "This is for the game, over WebSocket.\n");
-    if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) {
-      guest.isForwarded = false;  // from here on the client itself speaks
-      guest.isDirect = false;
-      return {.status = 101};
-    }
-    log_("refused " + guest.address.to_string() + ": a page of another origin");
-    return refusal(403, "Pages from other sites may not play here.\n");
-  }
-  if (ListPages::has(path)) {
-    list_.publish(hostEntry());
-    return list_.answer(request, {.address = guest.address.to_string(), .network = guest.network}, now());
-  }
-  if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
-  if (path == metricsPath) return metrics(guest, request);
-  if (auto file = site_.answer(request)) return *std::move(file);
-  if (path == "/") return homePage();
-  return refusal(404, "This page does not exist.\n");
-}
-
-HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) const {
-  const bool isLocal = guest.isDirect && !request.isForwarded && guest.address.is_loopback();
-  if (!isLocal && !metricsFor_.has(guest.address)) return refusal(403, "The figures are not for your address.\n");
-  return metricsPage(figures_, {.version = versionText(),
-                                .uptime = Clock::now() - start_,
-                                .players = people(),
-                                .bots = arena_.playerCount() - people(),
-                                .bans = moderation_.count(PenaltyKind::ban),
-                                .mutes = moderation_.count(PenaltyKind::mute),
-                                .connections = guests_.size()});
-}
-
-HttpAnswer GameServer::homePage() const {
-  HomePage page{.notes = options_.notes,
-                .port = port(),
-                .passwordRequired = !options_.password.empty(),
-                .players = {},
-                .bots = {},
-                .maxPlayers = Arena::colourCount};
-  for (const PlayerView& player : arena_.players(now())) {
-    (isBot(player.client) ? page.bots : page.players).push_back(player.name);
-  }
-  return homePageAnswer(page);
-}
-
 void GameServer::closed(ClientId client, const std::string& reason) {
   const auto gone = guests_.extract(client);
   const Guest& guest = gone.mapped();
   if (!guest.network.empty()) door_.left(guest.network);
   ++figures_.closed[reason];
-  if (guest.connection->isGame()) {
+  if (guest.isPlaying) {
     log_("client " + std::to_string(client) + " disconnected: " + reason);
     arena_.disconnected(client);
     moderation_.left(client);
@@ -268,11 +193,21 @@ void GameServer::closed(ClientId client, const std::string& reason) {
 }
 
 bool GameServer::makeRoom() {
+  const auto isOpen = [](const auto& entry) { return !entry.second.connection->isClosed(); };
+  if (guests_.size() < maxConnections ||
+      static_cast<std::size_t>(std::ranges::count_if(guests_, isOpen)) < maxConnections) {
+    return true;
+  }
   std::set<ClientId> players;
   for (const PlayerView& player : arena_.players(now())) players.insert(player.client);
-  const auto oldest = std::ranges::find_if(guests_, [&](const auto& entry) { return !players.contains(entry.first); });
-  if (oldest == guests_.end()) return false;
-  oldest->second.connection->close("made room for a newcomer");
+  auto leaver = std::ranges::find_if(
+      guests_, [&](const auto& entry) { return isOpen(entry) && entry.second.connection->isHangingUp(); });
+  if (leaver == guests_.end()) {
+    leaver = std::ranges::find_if(guests_,
+                                  [&](const auto& entry) { return isOpen(entry) && !players.contains(entry.first); });
+  }
+  if (leaver == guests_.end()) return false;
+  leaver->second.connection->close("made room for a newcomer");
   return true;
 }
 

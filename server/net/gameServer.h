@@ -60,6 +60,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
     std::string network;       ///< the one that the door's limits apply to; empty until a proxy has named it
     bool isForwarded = false;  ///< a proxy may name another client with each request
     bool isDirect = false;     ///< nobody is in between: no trusted proxy, and no page that opened a WebSocket
+    bool isPlaying = false;    ///< speaks the game's protocol
   };
 
   void send(ClientId client, const std::string& frame) override;
@@ -75,8 +76,9 @@ class GameServer : private ArenaOutput, private ModerationHost {
 
   Listener::Handlers listenerHandlers();
   void welcome(Socket socket);
-  /// Counts the guest at the door as coming from this address only. False if it must go.
-  bool admit(Guest& guest, const asio::ip::address& address);
+  /// Counts the guest at the door as coming from this address only. False if it must go. A connection that isn't new
+  /// costs its network nothing.
+  bool admit(Guest& guest, const asio::ip::address& address, bool isNew = true);
   void forwarded(ClientId client, const asio::ip::address& address);
   void beginGame(ClientId client);
   void received(ClientId client, std::string_view text);
@@ -87,7 +89,8 @@ class GameServer : private ArenaOutput, private ModerationHost {
   /// The number of people, without bots, who make room for them.
   std::size_t people() const;
   void closed(ClientId client, const std::string& reason);
-  /// Closes the oldest connection without a player. False if there is none.
+  /// Makes sure that another connection may come in: closes one that has been hung up, or the oldest without a player.
+  /// False if there is none.
   bool makeRoom();
   void tickMore();
   void closeAll();

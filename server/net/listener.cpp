@@ -1,5 +1,6 @@
 #include "server/net/listener.h"
 
+#include <algorithm>
 #include <boost/asio/ip/v6_only.hpp>
 #include <sstream>
 #include <system_error>
@@ -27,21 +28,22 @@ std::vector<asio::ip::address> Listener::resolve(asio::io_context& context, cons
 
 Listener::Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers,
                    Resolver addressesOf)
-    : context_(context), handlers_(std::move(handlers)) {
+    : context_(context), port_(port), handlers_(std::move(handlers)) {
   try {
-    listenOn(addressesOf(context, address), port);
+    listenOn(addressesOf(context, address));
   } catch (const boost::system::system_error& error) {
     throw std::system_error(error.code(), "cannot listen on " + address + ":" + std::to_string(port));
   }
   resume();
 }
 
-void Listener::listenOn(const std::vector<asio::ip::address>& addresses, std::uint16_t port) {
+void Listener::listenOn(const std::vector<asio::ip::address>& addresses) {
   error_code missing;
-  for (const asio::ip::address& address : addresses) {
-    const bool isChosen = port == 0 && !entrances_.empty();
+  for (auto address = addresses.begin(); address != addresses.end(); ++address) {
+    if (std::find(addresses.begin(), address, *address) != address) continue;  // a name can list an address twice
     try {
-      entrances_.push_back({opened({address, isChosen ? this->port() : port})});
+      entrances_.push_back({opened({*address, port_})});
+      port_ = entrances_.back().acceptor.local_endpoint().port();
     } catch (const boost::system::system_error& error) {
       if (!isMissing(error.code())) throw;
       missing = error.code();
@@ -82,11 +84,12 @@ std::string Listener::endpointText() const {
 void Listener::acceptMore(Entrance& entrance) {
   entrance.acceptor.async_accept([this, &entrance](error_code error, Socket socket) {
     if (!entrance.acceptor.is_open()) return;
+    if (!error && std::exchange(isFailing_, false)) handlers_.onRecovery();
     if (!error) handlers_.onConnection(std::move(socket));
     if (!error || error == asio::error::connection_aborted) return acceptMore(entrance);
     // Trying again at once would loop for ever.
     entrance.isAccepting = false;
-    handlers_.onFailure(error.message());
+    if (!std::exchange(isFailing_, true)) handlers_.onFailure(error.message());
   });
 }
 

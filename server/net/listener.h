@@ -15,8 +15,10 @@ class Listener {
  public:
   struct Handlers {
     std::function<void(Socket socket)> onConnection;
-    /// Called when accepting fails, usually for lack of descriptors. Nothing is accepted until `resume`.
+    /// Called when accepting begins to fail, usually for lack of descriptors. Nothing is accepted until `resume`.
     std::function<void(const std::string& reason)> onFailure;
+    /// Called when accepting works again.
+    std::function<void()> onRecovery;
   };
 
   /// Returns the addresses of a name, or the address that it is. Throws boost::system::system_error if there is none.
@@ -33,7 +35,7 @@ class Listener {
   void resume();
   /// Stops listening. No handler is called afterwards.
   void close();
-  std::uint16_t port() const { return entrances_.front().acceptor.local_endpoint().port(); }
+  std::uint16_t port() const { return port_; }
   /// "127.0.0.1:2010", or several with commas between them.
   std::string endpointText() const;
 
@@ -43,13 +45,15 @@ class Listener {
     bool isAccepting = false;
   };
 
-  void listenOn(const std::vector<asio::ip::address>& addresses, std::uint16_t port);
+  void listenOn(const std::vector<asio::ip::address>& addresses);
   Acceptor opened(const asio::ip::tcp::endpoint& endpoint) const;
   void acceptMore(Entrance& entrance);
 
   asio::io_context& context_;
+  std::uint16_t port_;
   std::list<Entrance> entrances_;
   Handlers handlers_;
+  bool isFailing_ = false;
 };
 
 }  // namespace kelvora::server

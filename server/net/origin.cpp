@@ -26,7 +26,8 @@ bool isOriginAllowed(std::string_view origin, std::string_view host, std::string
   if (scheme != std::string_view::npos && !host.empty() && isSame(origin.substr(scheme + 3), host)) return true;
   while (!allowed.empty()) {
     const std::size_t comma = std::min(allowed.find(','), allowed.size());
-    const std::string_view entry = trimmed(allowed.substr(0, comma));
+    std::string_view entry = trimmed(allowed.substr(0, comma));
+    if (entry.ends_with('/')) entry.remove_suffix(1);
     if (entry == "*" || isSame(entry, origin)) return true;
     allowed.remove_prefix(std::min(comma + 1, allowed.size()));
   }

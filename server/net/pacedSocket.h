@@ -66,6 +66,11 @@ class PacedSocket {
     error_code ignored;
     state_->socket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
   }
+  /// Lets `close` drop what the peer hasn't taken. Otherwise the system keeps it for minutes.
+  void discardUnread() {
+    error_code ignored;
+    state_->socket.set_option(asio::socket_base::linger(true, 0), ignored);
+  }
   /// Completes every operation with an error.
   void close() {
     error_code ignored;

@@ -46,6 +46,13 @@ bool takesGzip(boost::beast::string_view accepted) {
   });
 }
 
+/// True if the request is a correct handshake of a WebSocket.
+bool isUpgrade(const http::request<http::empty_body>& head) {
+  constexpr std::size_t keySize = 24;
+  return boost::beast::websocket::is_upgrade(head) && head[http::field::sec_websocket_version] == "13" &&
+         head[http::field::sec_websocket_key].size() == keySize;
+}
+
 /// Decodes "%41" to "A" and "+" to a blank. A percent sign without two digits is literal.
 std::string decoded(std::string_view escaped) {
   std::string result;
@@ -118,7 +125,7 @@ HttpReader::Result HttpReader::read(std::string_view bytes) {
       .acceptsGzip = takesGzip(head[http::field::accept_encoding]),
       // A body would have to be read first.
       .keepsAlive = parser.keep_alive() && !parser.chunked() && parser.content_length().value_or(0) == 0,
-      .isUpgrade = boost::beast::websocket::is_upgrade(head),
+      .isUpgrade = isUpgrade(head),
       .isForwarded =
           head.count("X-Forwarded-For") + head.count(http::field::forwarded) + head.count(http::field::via) > 0};
   return Result::complete;

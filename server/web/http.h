@@ -20,7 +20,7 @@ struct HttpRequest {
   std::string ifNoneMatch{};
   bool acceptsGzip = false;
   bool keepsAlive = false;
-  bool isUpgrade = false;    ///< to WebSocket
+  bool isUpgrade = false;    ///< a correct one to WebSocket
   bool isForwarded = false;  ///< a proxy says that it passes it on
 
   bool isHead() const { return method == "HEAD"; }

@@ -8,10 +8,12 @@
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/io_context.hpp>
+#include <charconv>
 #include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "generated/version.h"
 #include "protocol/frames.h"
@@ -28,13 +30,14 @@ constexpr std::chrono::minutes patience{1};
 constexpr std::string_view handshake =
     "GET /play HTTP/1.1\r\nHost: h\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
     "X-Forwarded-For: 192.0.2.1\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n";
-constexpr std::array<std::string_view, 8> requests = {
+constexpr std::array<std::string_view, 9> requests = {
     "GET / HTTP/1.1\r\nHost: h\r\n\r\n",
     "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n",
     "GET /games/kelvora/gethosts.php?version=" KELVORA_VERSION "&password=1&full=1&empty=1 HTTP/1.1\r\nHost: h\r\n\r\n",
     "POST /games/kelvora/publish?version=" KELVORA_VERSION
     "&address=a&port=1&password=0&notes=n&players=1&max=6 HTTP/1.0\r\n\r\n",
     "GET /fight.png HTTP/1.1\r\nHost: h\r\nAccept-Encoding: gzip\r\n\r\n",
+    "GET /metrics HTTP/1.1\r\nHost: h\r\n\r\n",
     "POST / HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nabcde\r\n",
     "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n",
     "PROXY TCP4 192.0.2.7 127.0.0.1 1 2\r\n"};
@@ -56,13 +59,8 @@ std::string webSocketFrame(std::uint8_t head, bool isMasked, std::string_view pa
   return frame;
 }
 
-/// Requires whole frames of the game, except for the last one, which a dropped connection may cut off; or HTTP answers.
-void checkPlain(std::string_view heard) {
-  if (heard.empty()) return;
-  if (heard.front() != wire::frameStart) {
-    const std::string_view start = "HTTP/1.1 ";
-    return require(heard.starts_with(start.substr(0, heard.size())));
-  }
+/// Requires whole frames of the game, except for the last one, which a dropped connection may cut off.
+void checkFrames(std::string_view heard) {
   while (!heard.empty()) {
     require(heard.front() == wire::frameStart);
     const std::size_t end = heard.find(wire::frameEnd);
@@ -71,8 +69,35 @@ void checkPlain(std::string_view heard) {
   }
 }
 
+void checkWebSocket(std::string_view heard, bool isHeadPossible);
+
+/// Requires frames of the game, or answers that are as long as they state, except for the last. An answer to HEAD has
+/// no body, so where there can be one, only the beginning counts.
+void checkPlain(std::string_view heard, bool isHeadPossible) {
+  if (!heard.empty() && heard.front() == wire::frameStart) return checkFrames(heard);
+  constexpr std::string_view start = "HTTP/1.1 ";
+  constexpr std::string_view length = "\r\nContent-Length: ";
+  while (!heard.empty()) {
+    require(heard.starts_with(start.substr(0, heard.size())));
+    const std::size_t end = heard.find("\r\n\r\n");
+    if (end == std::string_view::npos) return;
+    const std::string_view head = heard.substr(0, end);
+    heard.remove_prefix(end + 4);
+    if (head.starts_with("HTTP/1.1 101 ")) return checkWebSocket(heard, isHeadPossible);
+    if (isHeadPossible) return;
+    const std::size_t at = head.find(length);
+    require((at == std::string_view::npos) == head.starts_with("HTTP/1.1 304 "));
+    std::size_t size = 0;
+    if (at != std::string_view::npos) {
+      const char* const digits = head.data() + at + length.size();
+      require(std::from_chars(digits, head.data() + head.size(), size).ec == std::errc{});
+    }
+    heard.remove_prefix(std::min(size, heard.size()));
+  }
+}
+
 /// Decodes a server's WebSocket frames, which are never masked or compressed. Their payload is a plain stream.
-void checkWebSocket(std::string_view heard) {
+void checkWebSocket(std::string_view heard, bool isHeadPossible) {
   std::string payload;
   while (heard.size() >= 2) {
     const auto head = static_cast<std::uint8_t>(heard[0]);
@@ -82,7 +107,7 @@ void checkWebSocket(std::string_view heard) {
     std::size_t start = 2;
     if (size >= 126) {
       start = size == 126 ? 4 : 10;
-      if (heard.size() < start) return;
+      if (heard.size() < start) break;
       size = 0;
       for (std::size_t i = 2; i < start; ++i) size = size << 8 | static_cast<std::uint8_t>(heard[i]);
     }
@@ -90,7 +115,7 @@ void checkWebSocket(std::string_view heard) {
     if (head == 0x82) payload += heard.substr(start, size);
     heard.remove_prefix(start + size);
   }
-  checkPlain(payload);
+  checkPlain(payload, isHeadPossible);
 }
 
 /// The client's end of a connection.
@@ -113,6 +138,11 @@ class Line {
     error_code ignored;
     socket_.send(asio::buffer(bytes), MSG_NOSIGNAL, ignored);
   }
+  /// Sends bytes that may be any request, or a part of one.
+  void sendAny(std::string_view bytes) {
+    any_ += bytes;
+    send(bytes);
+  }
   void finish() {
     error_code ignored;
     socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
@@ -124,19 +154,16 @@ class Line {
     while (const std::size_t size = socket_.receive(asio::buffer(bytes), 0, error)) heard_.append(bytes.data(), size);
   }
   void check() const {
-    constexpr std::string_view agreed = "HTTP/1.1 101 ";
-    const std::size_t end = heard_.find("\r\n\r\n");
-    if (heard_.starts_with(agreed) && end != std::string::npos) {
-      checkWebSocket(std::string_view(heard_).substr(end + 4));
-    } else {
-      checkPlain(heard_);
-    }
+    // Masks hide what is asked for inside a WebSocket.
+    const bool isUpgraded = heard_.find("HTTP/1.1 101 ") != std::string::npos;
+    checkPlain(heard_, any_.find("HEAD") != std::string::npos || (isUpgraded && !any_.empty()));
   }
   const std::string& heard() const { return heard_; }
 
  private:
   asio::ip::tcp::socket socket_;
   std::string heard_;
+  std::string any_;
 };
 
 class Scene {
@@ -156,7 +183,8 @@ class Scene {
     const std::size_t seat = what % lines_.size();
     if (!lines_[seat]) {
       // The first connection comes from the proxy.
-      lines_[seat] = std::make_unique<Line>(clients_, server_.port(), static_cast<std::uint32_t>(5 + seat));
+      lines_[seat] = std::make_unique<Line>(clients_, seat % 2 == 0 ? server_.port() : webPort_,
+                                            static_cast<std::uint32_t>(5 + seat));
     }
     Line& line = *lines_[seat];
     switch (what / lines_.size() % 10) {
@@ -168,12 +196,12 @@ class Scene {
         break;
       case 2: {
         const std::uint8_t head = input.byte();
-        line.send(webSocketFrame(head, true, input.take(input.byte())));
+        line.sendAny(webSocketFrame(head, true, input.take(input.byte())));
         break;
       }
       case 3: {
         const std::uint8_t head = input.byte();
-        line.send(webSocketFrame(head, false, input.take(input.byte())));
+        line.sendAny(webSocketFrame(head, false, input.take(input.byte())));
         break;
       }
       case 4:
@@ -189,7 +217,7 @@ class Scene {
         hangUp(seat);
         break;
       default:
-        line.send(input.take(input.byte()));
+        line.sendAny(input.take(input.byte()));
     }
     settle();
   }
@@ -227,6 +255,8 @@ class Scene {
     if ((flags & 4) != 0) options.site = KELVORA_SITE;
     if ((flags & 8) != 0) options.listKey = "key";
     if ((flags & 16) != 0) options.bots.count = 2;
+    if ((flags & 32) != 0) options.webPort = 0;
+    if ((flags & 64) != 0) options.allowOrigin = "http://games.example";
     return options;
   }
   void hangUp(std::size_t seat) {
@@ -249,6 +279,11 @@ class Scene {
   asio::io_context clients_;
   asio::io_context context_;
   GameServer server_;
+  const std::uint16_t webPort_ = [this] {
+    const std::string endpoint = server_.webEndpointText();
+    return endpoint.empty() ? server_.port()
+                            : static_cast<std::uint16_t>(std::stoi(endpoint.substr(endpoint.rfind(':') + 1)));
+  }();
   Line ann_{clients_, server_.port(), 200};
   std::array<std::unique_ptr<Line>, 6> lines_;
 };

@@ -74,6 +74,15 @@ class BehindNginx(unittest.TestCase):
             one.sendall(HANDSHAKE + masked(0x82, START))
         self.expect_held(7)
 
+    def test_a_visitor_may_load_the_page_twice_and_play(self):
+        for _ in range(2 * BURST):
+            self.assertEqual(self.https(7, UPDATE.replace(b"/games/kelvora/ver.txt", b"/") + b"\r\n").split(b" ", 2)[1],
+                             b"200")
+        web = WebSocketPlayer(WebSocket(f"wss://127.0.0.1:{self.nginx.https_port}/play", 7, ssl=self.nginx.context()),
+                              "Web")
+        self.addCleanup(web.close)
+        web.find(LOGIN_ACCEPTED)
+
     def streamed(self, host, more=b""):
         """Sends a request over the raw stream."""
         connection = connect(self.nginx.stream_port, host)

@@ -117,5 +117,60 @@ TEST_F(Budget, OfOneAddressSixteenAreInWhateverTheySpeak) {
   });
 }
 
+/// A server with two ports, whose event loop the test runs by hand.
+class BudgetOfTwoPorts : public testing::Test {
+ protected:
+  ~BudgetOfTwoPorts() override {
+    server_.stop();
+    server_.stop();
+    context_.poll();
+  }
+
+  static Options options() {
+    Options options;
+    options.port = 0;
+    options.webPort = 0;
+    return options;
+  }
+  void settle() {
+    while (context_.poll() > 0) {
+    }
+  }
+  void add(std::uint16_t to, std::uint32_t host) { clients.push_back(std::make_unique<TcpClient>(to, host)); }
+  std::ptrdiff_t connected() const {
+    return std::ranges::count_if(clients, [](const auto& client) { return !client->hasEnded(); });
+  }
+
+ private:
+  asio::io_context context_;
+  GameServer server_{context_, options(), [](const std::string&) {}};
+
+ protected:
+  const std::uint16_t port = server_.port();
+  const std::uint16_t webPort = [this] {
+    const std::string endpoint = server_.webEndpointText();
+    return static_cast<std::uint16_t>(std::stoi(endpoint.substr(endpoint.rfind(':') + 1)));
+  }();
+  std::vector<std::unique_ptr<TcpClient>> clients;
+};
+
+TEST_F(BudgetOfTwoPorts, NewcomersAtTheSameTimeDisplaceOneEach) {
+  for (std::uint32_t i = 0; i < 96; ++i) add(i % 2 == 0 ? port : webPort, 10 + i / 12);
+  settle();
+  ASSERT_EQ(connected(), 96);
+  for (std::uint32_t pair = 0; pair < 5; ++pair) {
+    add(port, 100 + pair);
+    add(webPort, 100 + pair);
+    settle();
+    EXPECT_EQ(connected(), 96);
+  }
+}
+
+TEST_F(BudgetOfTwoPorts, AnAddressHasItsLimitOnBothTogether) {
+  for (std::uint32_t i = 0; i < 20; ++i) add(i % 2 == 0 ? port : webPort, 10);
+  settle();
+  EXPECT_EQ(connected(), 16);
+}
+
 }  // namespace
 }  // namespace kelvora::server

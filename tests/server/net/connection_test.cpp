@@ -242,6 +242,57 @@ TEST_P(WebSocketLimits, AFloodOfControlFramesEndsAtOnce) {
   EXPECT_EQ(closed, "sent too many control frames");
 }
 
+TEST_P(WebSocketLimits, TextIsInvalidEvenIfEmpty) {
+  client.write(WebSocketClient::frame(WebSocketClient::text, ""));
+  client.waitUntilDelivered();
+  settle();
+  EXPECT_EQ(closed, "sent invalid data");
+}
+
+TEST_P(WebSocketLimits, UnmaskedFramesAreInvalid) {
+  client.write(WebSocketClient::frame(WebSocketClient::binary, "\x80", true, false));
+  client.waitUntilDelivered();
+  settle();
+  EXPECT_EQ(closed, "sent invalid data");
+}
+
+TEST_P(WebSocketLimits, TheClientMayClose) {
+  client.write(WebSocketClient::frame(WebSocketClient::closing, "\x03\xE8"));
+  client.waitUntilDelivered();
+  settle();
+  EXPECT_EQ(closed, "closed by the client");
+}
+
+TEST_P(ConnectionLimits, NothingIsKeptForAClientWhoDoesNotRead) {
+  client.keepLittleUnread();
+  say(frameOf(wire::msgPing, {}));
+  const std::string frame = frameOf(wire::msgChat, {std::string(1'021, 'c')});
+  while (closed.empty()) {
+    connection->send(frame);
+    settle();
+  }
+  EXPECT_EQ(closed, "stopped reading");
+  EXPECT_TRUE(client.isResetAtTheEnd());
+}
+
+TEST_P(ConnectionLimits, NothingIsKeptForAClientWhoDoesNotTakeAnAnswer) {
+  client.keepLittleUnread();
+  say("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
+  expectToLast(seconds(5), "stopped reading");
+  EXPECT_TRUE(client.isResetAtTheEnd());
+}
+
+TEST_P(ConnectionLimits, WhatIsUnderWayAtAnOrderlyEndArrives) {
+  say(frameOf(wire::msgPing, {}));
+  connection->send(std::string(30'000, 'x'));
+  connection->hangUp();
+  settle();
+  connection->closeIfOverdue(Connection::Clock::now() + seconds(3));
+  settle();
+  EXPECT_EQ(closed, "closed by the server");
+  EXPECT_GE(client.readToEnd().size(), 30'000U);
+}
+
 TEST_P(ConnectionLimits, UnreadDataIsAtMost256KiB) {
   say(frameOf(wire::msgPing, {}));
   const std::string frame = frameOf(wire::msgChat, {std::string(1'021, 'c')});

@@ -43,6 +43,20 @@ TEST(ServerDoor, ForgetsIdleHostsFirstAndConnectedOnesNever) {
   EXPECT_FALSE(door.admits("inside", 16'100)) << "sixteen are inside still";
 }
 
+TEST(ServerDoor, AConnectionThatIsNotNewCostsNothing) {
+  Door door;
+  while (door.allowsConnection("busy", 0)) {
+  }
+  EXPECT_FALSE(door.admits("busy", 0));
+  for (int i = 0; i < 100; ++i) {
+    EXPECT_TRUE(door.takesIn("busy", 0));
+    door.left("busy");
+  }
+  for (int i = 0; i < Door::maxPerNetwork; ++i) EXPECT_TRUE(door.takesIn("busy", 0));
+  EXPECT_FALSE(door.takesIn("busy", 0)) << "it counts while it is in";
+  EXPECT_TRUE(door.takesIn("other", 0));
+}
+
 /// A door at which "hasty" has used up its connections.
 class DoorOfMany : public testing::Test {
  protected:

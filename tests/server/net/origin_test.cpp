@@ -21,6 +21,7 @@ TEST(Origin, OtherPagesMayIfTheyAreListed) {
   EXPECT_TRUE(isOriginAllowed("https://b.example", "h", "http://a.example, https://b.example"));
   EXPECT_TRUE(isOriginAllowed("http://a.example", "h", "http://A.example,https://b.example"));
   EXPECT_FALSE(isOriginAllowed("http://b.example", "h", "http://a.example, https://b.example"));
+  EXPECT_TRUE(isOriginAllowed("https://b.example", "h", "https://b.example/")) << "as the address bar shows it";
 }
 
 TEST(Origin, ARequestWithoutAHostHasNoOwnPage) { EXPECT_FALSE(isOriginAllowed("http://", "", "")); }

@@ -89,6 +89,15 @@ class TcpClient {
       all.append(bytes, static_cast<std::size_t>(size));
     }
   }
+  /// Reads up to the end of the connection. True if that is a reset.
+  bool isResetAtTheEnd() {
+    char bytes[4096];
+    ssize_t size = 0;
+    do {
+      size = ::recv(socket_, bytes, sizeof bytes, 0);
+    } while (size > 0);
+    return size < 0 && errno == ECONNRESET;
+  }
   /// True if the server has closed the connection and nothing is left to read.
   bool isCutOff() {
     char byte;

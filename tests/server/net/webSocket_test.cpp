@@ -92,6 +92,27 @@ TEST_F(WebSocketTest, FramesSentWithTheHandshakeCount) {
   EXPECT_NE(all.find("tvqver:"), std::string::npos) << all;
 }
 
+TEST_F(WebSocketTest, ABrokenHandshakeLearnsWhatIsNeeded) {
+  const std::string good = WebSocketClient::handshake();
+  const auto broken = [&](const std::string& what, const std::string& by) {
+    std::string text = good;
+    return text.replace(text.find(what), what.size(), by);
+  };
+  for (const std::string& request :
+       {broken("Sec-WebSocket-Version: 13", "Sec-WebSocket-Version: 8"), broken("Sec-WebSocket-Version: 13\r\n", ""),
+        broken("Sec-WebSocket-Key: ", "Sec-WebSocket-Key: x"), broken("Sec-WebSocket-Key: dG", "Sec-WebSocket-Key: "),
+        broken("Upgrade: websocket", "Upgrade: h2c"), broken("HTTP/1.1", "HTTP/1.0")}) {
+    TcpClient client(server.port(), 20);
+    client.write(request);
+    const std::string answer = client.readToEnd();
+    EXPECT_TRUE(answer.starts_with("HTTP/1.1 426 ")) << request << answer;
+    EXPECT_NE(answer.find("\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"), std::string::npos) << answer;
+  }
+  WebSocketClient client(server.port(), 21);
+  ASSERT_TRUE(client.open());
+  EXPECT_NE(client.head.find("\r\nServer: kelvora-server\r\n"), std::string::npos) << client.head;
+}
+
 TEST_F(WebSocketTest, FramesSentWithTheHandshakeCountOnce) {
   WebSocketClient client(server.port());
   client.write(WebSocketClient::handshake() + WebSocketClient::frame(WebSocketClient::binary, login("Ann")));
@@ -291,10 +312,13 @@ class TrustedProxy : public testing::Test {
     return options;
   }()};
 
-  std::string statusOf(const std::string& request, std::uint32_t from = 5) const {
+  std::string webAnswer(std::uint32_t from, const std::string& request) const {
     TcpClient client(server.port(), from);
     client.write(request);
-    const std::string answer = client.readToEnd();
+    return client.readToEnd();
+  }
+  std::string statusOf(const std::string& request, std::uint32_t from = 5) const {
+    const std::string answer = webAnswer(from, request);
     return answer.size() < 12 ? std::string() : answer.substr(9, 3);
   }
   std::string ask(std::uint32_t from, const std::string& forwarded) const {
@@ -344,6 +368,51 @@ TEST_F(TrustedProxy, EachRequestOfAKeptConnectionHasItsOwnClient) {
   single.write(many + "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
   EXPECT_NE(single.readToEnd().find("HTTP/1.1 400"), std::string::npos) << "the last one names nobody";
   for (int i = 0; i < 31; ++i) ASSERT_EQ(ask(5, "X-Forwarded-For: 203.0.113.1\r\n"), "200") << i;
+}
+
+TEST_F(TrustedProxy, APageLoadOverNewConnectionsIsNoFlood) {
+  // A direct client keeps its connections. The proxy may make one for each request.
+  for (int i = 0; i < 60; ++i) {
+    ASSERT_EQ(statusOf("GET / HTTP/1.0\r\nX-Forwarded-For: 203.0.113.1\r\n\r\n"), "200") << i;
+  }
+  WebSocketClient player(server.port(), 5);
+  EXPECT_TRUE(player.open("X-Forwarded-For: 203.0.113.1\r\n"));
+}
+
+TEST_F(TrustedProxy, UpgradesCountAsNewConnections) {
+  int refused = 0;
+  for (int i = 0; i < 60; ++i) {
+    WebSocketClient player(server.port(), 5);
+    if (player.open("X-Forwarded-For: 203.0.113.1\r\n")) continue;
+    EXPECT_TRUE(player.head.starts_with("HTTP/1.1 429 ")) << player.head;
+    ++refused;
+  }
+  EXPECT_GT(refused, 0);
+}
+
+TEST_F(TrustedProxy, ClientsMayTakeTurnsOnAKeptConnection) {
+  std::string requests;
+  for (int i = 0; i < 90; ++i) requests += page(i % 2 == 0 ? "203.0.113.1" : "203.0.113.2");
+  TcpClient kept(server.port(), 5);
+  kept.write(requests + "GET /games/kelvora/ver.txt HTTP/1.0\r\nX-Forwarded-For: 203.0.113.1\r\n\r\n");
+  const std::string all = kept.readToEnd();
+  EXPECT_EQ(all.find("HTTP/1.1 4"), std::string::npos);
+  EXPECT_TRUE(all.ends_with("tvqver:" KELVORA_VERSION "\n"));
+}
+
+TEST_F(TrustedProxy, RefusedStreamsEndAtOnce) {
+  std::vector<std::unique_ptr<TcpClient>> streams;
+  for (int i = 0; i < 20; ++i) {
+    streams.push_back(std::make_unique<TcpClient>(server.port(), 5));
+    streams.back()->write("PROXY TCP4 203.0.113.1 127.0.0.1 50000 2010\r\n\x80");
+  }
+  for (int i = 16; i < 20; ++i) EXPECT_TRUE(streams[static_cast<std::size_t>(i)]->isCutOff());
+  const auto figures = webAnswer(6, "GET /metrics HTTP/1.0\r\n\r\n");
+  EXPECT_NE(figures.find("kelvora_closed_connections_total{reason=\"too many connections\"} 4\n"), std::string::npos);
+  const auto log = server.log();
+  EXPECT_EQ(std::ranges::count(log, "refused 203.0.113.1: too many connections"), 4);
+  EXPECT_EQ(std::ranges::count_if(log, [](const auto& line) { return line.find("disconnected") != line.npos; }), 0)
+      << "they never were connected";
 }
 
 TEST_F(TrustedProxy, InsideAWebSocketTheHeaderDoesNotCount) {

@@ -69,7 +69,7 @@ TEST(HttpReader, ParsesTheAcceptHeaders) {
     EXPECT_FALSE(request("GET / HTTP/1.1\r\nAccept-Encoding: " + std::string(list) + "\r\n\r\n").acceptsGzip) << list;
   }
   EXPECT_TRUE(request("GET /play HTTP/1.1\r\nHost: h\r\nConnection: keep-alive, Upgrade\r\nUpgrade: websocket\r\n"
-                      "Sec-WebSocket-Version: 13\r\n\r\n")
+                      "Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n")
                   .isUpgrade);
   EXPECT_FALSE(request("GET /play HTTP/1.1\r\nUpgrade: h2c\r\nConnection: Upgrade\r\n\r\n").isUpgrade);
 }

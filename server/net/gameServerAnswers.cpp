@@ -1,0 +1,98 @@
+// The server's answers to HTTP requests.
+
+#include <optional>
+#include <utility>
+
+#include "server/net/gameServer.h"
+#include "server/net/origin.h"
+#include "server/web/homePage.h"
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr std::string_view playPath = "/play";
+constexpr std::string_view metricsPath = "/metrics";
+constexpr std::string_view healthPath = "/healthz";
+
+/// The address that the proxy has seen itself. The proxy appends it to what its client claimed.
+std::optional<asio::ip::address> forwardedAddress(const HttpRequest& request) {
+  std::string text = request.forwardedFor.substr(request.forwardedFor.rfind(',') + 1);
+  text.erase(0, text.find_first_not_of(' '));
+  error_code error;
+  const auto address = asio::ip::make_address(text, error);
+  return error ? std::nullopt : std::optional(address);
+}
+
+HttpAnswer refusal(unsigned int status, std::string text) { return {.status = status, .body = std::move(text)}; }
+
+}  // namespace
+
+HttpAnswer GameServer::countedAnswer(ClientId client, const HttpRequest& request) {
+  HttpAnswer result = answer(client, request);
+  figures_.answers[result.status].add(request.isHead() ? 0 : result.body.size() + result.moreSize);
+  return result;
+}
+
+HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
+  const std::string_view path = request.path();
+  if (path == healthPath) return {.body = "ok\n", .headers = {"Cache-Control: no-store"}};
+  Guest& guest = guests_.at(client);
+  if (guest.isForwarded) {
+    const auto address = forwardedAddress(request);
+    if (!address) return refusal(400, "The proxy names no client address.\n");
+    // The proxy decides when it connects. What a direct client would have to connect for counts as a new connection.
+    const bool isNew = path == playPath || ListPages::has(path);
+    if (!admit(guest, *address, isNew)) return refusal(429, "There are too many connections from your address.\n");
+  }
+  if (path == playPath) {
+    if (!request.isUpgrade) {
+      HttpAnswer answer = refusal(426, "This is for the game, over WebSocket.\n");
+      answer.headers = {"Upgrade: websocket", "Sec-WebSocket-Version: 13"};
+      return answer;
+    }
+    if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) {
+      guest.isForwarded = false;  // from here on the client itself speaks
+      guest.isDirect = false;
+      return {.status = 101};
+    }
+    log_("refused " + guest.address.to_string() + ": a page of another origin");
+    return refusal(403, "Pages from other sites may not play here.\n");
+  }
+  if (ListPages::has(path)) {
+    list_.publish(hostEntry());
+    return list_.answer(request, {.address = guest.address.to_string(), .network = guest.network}, now());
+  }
+  if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
+  if (path == metricsPath) return metrics(guest, request);
+  if (auto file = site_.answer(request)) return *std::move(file);
+  if (path == "/") return homePage();
+  return refusal(404, "This page does not exist.\n");
+}
+
+HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) const {
+  const bool isLocal = guest.isDirect && !request.isForwarded && guest.address.is_loopback();
+  if (!isLocal && !metricsFor_.has(guest.address)) return refusal(403, "The figures are not for your address.\n");
+  return metricsPage(figures_, {.version = versionText(),
+                                .uptime = Clock::now() - start_,
+                                .players = people(),
+                                .bots = arena_.playerCount() - people(),
+                                .bans = moderation_.count(PenaltyKind::ban),
+                                .mutes = moderation_.count(PenaltyKind::mute),
+                                .connections = guests_.size()});
+}
+
+HttpAnswer GameServer::homePage() const {
+  HomePage page{.notes = options_.notes,
+                .port = port(),
+                .passwordRequired = !options_.password.empty(),
+                .players = {},
+                .bots = {},
+                .maxPlayers = Arena::colourCount};
+  for (const PlayerView& player : arena_.players(now())) {
+    (isBot(player.client) ? page.bots : page.players).push_back(player.name);
+  }
+  return homePageAnswer(page);
+}
+
+}  // namespace kelvora::server
