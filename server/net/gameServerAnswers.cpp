@@ -84,6 +84,7 @@ HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) c
 
 HttpAnswer GameServer::homePage() const {
   HomePage page{.notes = options_.notes,
+                .address = options_.publicAddress,
                 .port = port(),
                 .passwordRequired = !options_.password.empty(),
                 .players = {},

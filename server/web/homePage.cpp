@@ -26,7 +26,8 @@ HttpAnswer homePageAnswer(const HomePage& page) {
   if (!page.bots.empty()) {
     body += "<p>Bots play until people take their places:</p>\n" + listOf(page.bots);
   }
-  body += "<p>To join, start the game and type this machine's address and port " + std::to_string(page.port) +
+  const std::string address = page.address.empty() ? "this machine's address" : "the address " + htmlText(page.address);
+  body += "<p>To join, start the game and type " + address + " and port " + std::to_string(page.port) +
           " into its connect dialog.";
   if (page.passwordRequired) body += " You need a password.";
   body += "</p>\n<p><a href=\"/games\">List of games</a></p>\n";

@@ -11,6 +11,7 @@ namespace kelvora::server {
 /// The contents of the arena's page. Texts are in code page 1252.
 struct HomePage {
   std::string notes;
+  std::string address;  ///< where players reach the server; empty for the machine's own
   std::uint16_t port = 0;
   bool passwordRequired = false;
   std::vector<std::string> players;  ///< people only, as in lists

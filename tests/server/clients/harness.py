@@ -171,6 +171,8 @@ class Nginx:
         text = documented("nginx")
         for old, new in (("listen 443 ssl", f"listen 127.0.0.1:{self.https_port} ssl"),
                          ("listen 2011", f"listen 127.0.0.1:{self.stream_port}"),
+                         ("    listen [::]:443 ssl;\n", ""),  # not every machine has IPv6
+                         ("    listen [::]:2011;\n", ""),
                          ("http://127.0.0.1:2010", f"http://127.0.0.1:{server.port}"),
                          ("proxy_pass 127.0.0.1:2010", f"proxy_pass 127.0.0.1:{server.port}"),
                          ("/etc/ssl/games.pem", self.certificate), ("/etc/ssl/games.key", self.key)):

@@ -102,6 +102,16 @@ TEST_F(WebFilesTest, ThePageListsThePlayersAndHowToJoin) {
   EXPECT_EQ(page.body.find("password"), std::string::npos);
 }
 
+TEST(WebFilesOfAnArena, ThePageNamesThePublicAddress) {
+  Options options;
+  EXPECT_NE(ask(RunningServer(options).port(), "GET / HTTP/1.0\r\n\r\n").body.find("this machine's address and port "),
+            std::string::npos);
+  options.publicAddress = "play.example";
+  EXPECT_NE(
+      ask(RunningServer(options).port(), "GET / HTTP/1.0\r\n\r\n").body.find("the address play.example and port "),
+      std::string::npos);
+}
+
 TEST(WebFilesOfBots, ThePageCountsPeopleAndNamesTheBotsApart) {
   Options options;
   options.bots.count = 2;
