@@ -13,12 +13,12 @@ import threading
 import time
 import unittest
 
+import attacks
 import harness
 from desktopTest import HANG, DesktopTest
 from harness import wait_for
-from protocol import (ALIVE_STATE, CHAT, END, FUNDS, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY,
-                      PLAYER_JOINED, PLAYER_LEFT, POSITION, POWERUP_OFF, POWERUP_ON, RESPAWN, SEPARATOR, SPAWN_DENIED,
-                      START, TAIL_CAPTURE, TO_CLIENT, VELOCITY, frame)
+from protocol import (CHAT, END, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION,
+                      POWERUP_ON, SPAWN_DENIED, START, TAIL_CAPTURE, TO_CLIENT, frame)
 from test_webhost import UPDATE_FILE, WebHost
 
 ENDLESS_MIB = int(os.environ.get("KELVORA_HOSTILE_MIB", "64"))
@@ -199,26 +199,19 @@ class HostileTest(DesktopTest):
         self.endless(bytes([START, POSITION]), b"x" * 65536, STREAM_MIB)
 
     def test_end_bytes_that_repeat_their_frame(self):
-        # Each end byte appends to its entry everything that the read has brought since the start, so little input
-        # becomes much.
-        repeated = bytes([START, CHAT]) + b"7" + bytes([SEPARATOR]) + b"x" + bytes([END]) * 1000
-        self.endless(b"", repeated * 64, WORLD_MIB, ENDLESS_MIB / 64)
+        self.endless(b"", attacks.REPEATED_ENDS, WORLD_MIB, ENDLESS_MIB / 64)
 
     def test_forty_thousand_joins(self):
         client, line = self.log_in()
         self.begin_attack(client)
-        # All of them alive, visible, and with a chat line each.
-        joins = b"".join(frame(PLAYER_JOINED, 8 + n, n % 6, f"Player {n}", 50000 + n * 4, 50000 - n * 3, 1, 0)
-                         for n in range(1000))
-        attack = Attack(line, joins, 40 * len(joins))
+        attack = Attack(line, attacks.THOUSAND_JOINS, 40 * len(attacks.THOUSAND_JOINS))
         while not attack.is_over():
             self.assert_answers(line)
         attack.stop()
         self.await_all_read(line)
         self.assert_answers(line)
-        # Messages for the last of them, and for an unknown one.
-        for node in (1007, 31000):
-            line.send_bytes(frame(POSITION, node, 50000, 50000) * 5000)
+        for messages in attacks.LATE_MESSAGES:
+            line.send_bytes(messages)
             self.assert_answers(line)
         self.await_all_read(line)
         self.assert_within(client, WORLD_MIB)
@@ -227,25 +220,14 @@ class HostileTest(DesktopTest):
     def test_nodes_and_colours_out_of_range(self):
         client, line = self.log_in()
         self.begin_attack(client)
-        odd = ["-32769", "-32768", "-1", "6", "255", "256", "32767", "32768", "65536", "99999999999"]
-        everything = b""
-        for number in odd:
-            everything += frame(PLAYER_JOINED, number, 1, "Node", 50100, 50100, 1, number)
-            everything += frame(PLAYER_JOINED, 9, number, "Colour", 50200, 50200, 1, 0)
-            everything += frame(TAIL_CAPTURE, 7, 9, 1, 1) + frame(RESPAWN, 9)
-            for identifier in (POSITION, PLAYER_LEFT, TAIL_CAPTURE, CHAT, FUNDS, RESPAWN, POWERUP_ON, POWERUP_OFF,
-                               VELOCITY, ALIVE_STATE):
-                everything += frame(identifier, number, number, 50000, 50000)
-                everything += frame(identifier, 9, number, number, number)
+        everything = attacks.nodes_and_colours()
         line.send_bytes(everything)
         self.await_all_read(line)
         self.assert_answers(line)
-        for number in odd:
-            # A colour that doesn't exist, replaced before a frame can paint it.
-            line.send_bytes(frame(LOGIN_ACCEPTED, number, 7, 50000, 50000) +
-                            frame(LOGIN_ACCEPTED, 0, number, 50000, 50000))
+        for login in attacks.odd_logins():
+            line.send_bytes(login)
             line.frames_during(0.05)
-            self.assertIsNone(client.process.poll(), number)
+            self.assertIsNone(client.process.poll(), login)
         line.send_bytes(everything)
         self.await_all_read(line)
         self.assert_answers(line)
@@ -255,31 +237,16 @@ class HostileTest(DesktopTest):
     def test_invalid_and_extreme_numbers_in_every_field(self):
         client, line = self.log_in()
         self.begin_attack(client)
-        values = ["nan", "-nan", "inf", "-inf", "infinity", "1e999", "-1e999", "1e308", "-1e308", "3.4e38", "-3.4e38",
-                  "3.5e38", "1e-400", "1e-40", "2147483647", "-2147483648", "2147483648", "99999.99", "-1", "",
-                  "word", ".", "-", "+", "e5", "1e", "0x7f", "9" * 400, "." + "0" * 400 + "1"]
-        usual = {"text": "Bob", "int16": "1", "int32": "1", "single": "50010.5", "real": "5"}
-        count = 0
         self.assertEqual(len(TO_CLIENT), 25)
-        line.send(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
-        for identifier, types in TO_CLIENT.items():
-            for field, kind in enumerate(types):
-                if kind == "text":
-                    continue
-                for value in values:
-                    # The own node, an opponent's and an unknown one. The colour in a login is tested elsewhere.
-                    for node in ("7", "8", "99") if types[0] == "int16" and identifier != LOGIN_ACCEPTED else ("1",):
-                        fields = [usual[kind] for kind in types]
-                        fields[0] = node
-                        fields[field] = value
-                        if (identifier, field, value) == (LOGIN_ACCEPTED, 0, "-1"):
-                            continue
-                        line.send(identifier, *fields)
-                        count += 1
-                # Frames in between ensure that everything received is moved and painted.
-                line.frames_during(0.03)
-                self.assertIsNone(client.process.poll(), f"field {field} of {identifier}: {client.output()}")
-                self.assertEqual(client.output(), "", f"field {field} of {identifier}")
+        line.send_bytes(attacks.BOB)
+        count = 0
+        for identifier, field, frames in attacks.extreme_numbers():
+            line.send_bytes(b"".join(frames))
+            count += len(frames)
+            # Frames in between ensure that everything received is moved and painted.
+            line.frames_during(0.03)
+            self.assertIsNone(client.process.poll(), f"field {field} of {identifier}: {client.output()}")
+            self.assertEqual(client.output(), "", f"field {field} of {identifier}")
         self.assertGreater(count, 3000)
         self.await_all_read(line)
         self.assert_answers(line)
@@ -289,15 +256,11 @@ class HostileTest(DesktopTest):
     def test_texts_of_maximum_length(self):
         client, line = self.log_in()
         self.begin_attack(client)
-        for identifier, types in TO_CLIENT.items():
-            if identifier == LOGIN_DENIED or "text" not in types:
-                continue
-            for text in ("x" * 60000, "word " * 12000, "\n" * 60000):
-                usual = {"text": text, "int16": "1", "int32": "1", "single": "50010.5", "real": "5"}
-                # Alone, so that one read contains all of it.
-                line.frames_during(0.1)
-                line.send(identifier, *[usual[kind] for kind in types])
-                self.assert_answers(line)
+        for message in attacks.long_texts():
+            # Alone, so that one read contains all of it.
+            line.frames_during(0.1)
+            line.send_bytes(message)
+            self.assert_answers(line)
         self.assert_within(client, WORLD_MIB)
         self.assert_plays_on(client, line)
 
@@ -320,10 +283,7 @@ class HostileTest(DesktopTest):
         self.begin_attack(client)
         line.send(SPAWN_DENIED)
         wait_for(lambda: self.boxes(client), "a box")
-        flood = b"".join(frame(POSITION, 7, 50000 + n, 50000) + frame(CHAT, 7, "hello") + frame(SPAWN_DENIED) +
-                         frame(POSITION, 8, 50000, 50000 + n) + bytes([START]) for n in range(100))
-        flood += frame(PLAYER_JOINED, 8, 1, "Bob", 50000, 50000, 1, 0)
-        attack = Attack(line, flood, 8 * MIB)
+        attack = Attack(line, attacks.BOX_FLOOD, 8 * MIB)
         attack.stop_at_its_end()
         # The box now has the focus.
         self.await_all_read(line, lambda line: [identifier for identifier, _ in line.frames_during(0.3)])
@@ -336,7 +296,7 @@ class HostileTest(DesktopTest):
 
     def test_longest_box_fits_on_the_screen(self):
         client = self.start_client()
-        for reason in ("x" * 60000, "word " * 12000, "\n" * 60000):
+        for reason in attacks.LONG_TEXTS:
             server = self.scripted_server()
             client.connect(server.port)
             line = server.accept()
@@ -357,19 +317,12 @@ class HostileTest(DesktopTest):
     def test_captures_of_unknown_players(self):
         client, line = self.log_in()
         self.begin_attack(client)
-        captures = [frame(TAIL_CAPTURE, winner, loser, *place)
-                    for winner in (7, 8, 9, 99, -1, 0) for loser in (7, 8, 9, 99, -1, 0)
-                    for place in ((50000, 50000), (1, 1), (-5, 1e38), ("nan", ""))]
-        line.send_bytes(b"".join(captures))  # no opponents
+        line.send_bytes(attacks.captures())  # no opponents
         self.await_all_read(line)
         self.assert_answers(line)
-        line.send(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
+        line.send_bytes(attacks.BOB)
         line.send(POSITION, 7, 50000.5, 50000)
-        everything = b"".join(captures) + b"".join(frame(TAIL_CAPTURE, 7, 99, 50000.5, 50000) for _ in range(100))
-        for node in (7, 8):
-            everything += frame(RESPAWN, node) + frame(PLAYER_LEFT, 99)
-        for _ in range(20):
-            line.send_bytes(everything)
+        line.send_bytes(attacks.captures_at_a_vertex() * 20)
         self.await_all_read(line)
         self.assert_answers(line)
         self.assert_within(client, WORLD_MIB)
@@ -377,7 +330,7 @@ class HostileTest(DesktopTest):
 
     def test_closing_in_the_middle_of_a_frame(self):
         client = self.start_client()
-        whole = frame(PLAYER_JOINED, 8, 1, "Bob", 50050, 50050, 1, 0)
+        whole = attacks.BOB
         for cut in (1, 2, 3, len(whole) - 1):
             client, line = self.log_in(client)
             line.send_bytes(whole[:cut])
