@@ -50,10 +50,8 @@ WebReply sendRequest(const WebRequest& request) {
   set(CURLOPT_NOPROGRESS, request.isEnding == nullptr ? 1L : 0L);
   set(CURLOPT_XFERINFOFUNCTION, &onProgress);
   set(CURLOPT_XFERINFODATA, request.isEnding);
-  const CURLcode result = curl_easy_perform(curl.get());
-  // Otherwise the end waits for a name server that doesn't answer.
-  if (request.isEnding == nullptr || *request.isEnding) set(CURLOPT_QUICK_EXIT, 1L);
-  if (result != CURLE_OK) {
+  set(CURLOPT_QUICK_EXIT, 1L);  // doesn't wait for a name server that doesn't answer
+  if (const CURLcode result = curl_easy_perform(curl.get()); result != CURLE_OK) {
     return {.error = curl_easy_strerror(result), .body = {}};
   }
   curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &reply.status);

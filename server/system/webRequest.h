@@ -12,7 +12,7 @@ struct WebRequest {
   std::string key;                              ///< the bearer token; empty for none
   std::string agent;                            ///< this program and its version
   long timeLimit = 0;                           ///< ms, for all of it
-  const std::atomic<bool>* isEnding = nullptr;  ///< aborts the request when it becomes true; null if it is true
+  const std::atomic<bool>* isEnding = nullptr;  ///< aborts the request when it becomes true; null for never
 };
 
 struct WebReply {
