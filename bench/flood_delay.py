@@ -8,15 +8,18 @@ from another address."""
 
 import argparse
 import multiprocessing
+import os
 import select
 import statistics
 import subprocess
+import tempfile
 import time
 
 from arena_load import Player, Server, load_protocol, play
 from listener_load import HANDSHAKE, from_host, web_frame
 
 PAGE = b"GET / HTTP/1.1\r\nHost: h\r\n\r\n"
+DOWNLOAD = b"GET /large HTTP/1.1\r\nHost: h\r\n\r\n"
 
 
 def floods(version):
@@ -41,6 +44,7 @@ def floods(version):
         ("requests over kept connections", ((60, PAGE, PAGE * 100),)),
         ("lists and handshakes", ((30, b"", b"GET " + games + b" HTTP/1.0\r\n\r\n"),
                                   (30, b"", HANDSHAKE + b"\x88\x80\0\0\0\0"))),
+        ("60 downloads of 20 MiB", ((60, DOWNLOAD, DOWNLOAD),)),
         ("slow requests, endless bodies and heads",
          ((30, b"GET / HTTP/1.1\r\n", b"a"), (30, b"GET / HTTP/1.1\r\n", b"a: b\r\n" * 1000),
           (30, b"POST / HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n", b"1\r\nx\r\n" * 100))),
@@ -124,22 +128,25 @@ def main():
     global protocol
     protocol = load_protocol(chosen.program)
     version = subprocess.run([chosen.program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
-    for name, crowds in floods(version):
-        server = Server(chosen.program)
-        players = [Player(server.port, number, version) for number in range(2)]
-        play(players, 1)
-        ready = multiprocessing.Event()
-        attack = multiprocessing.Process(target=flood, args=(server.port, crowds, "read nothing" not in name, ready))
-        attack.start()
-        ready.wait()
-        used, begin = server.seconds(), time.monotonic()
-        times = delays(*players, chosen.reports)
-        share = (server.seconds() - used) / (time.monotonic() - begin)
-        attack.kill()
-        attack.join()
-        print(f"{name}: {1000 * statistics.median(times):.2f} ms at the median, {1000 * max(times):.2f} ms at most; "
-              f"the server takes {100 * share:.0f} % of a core", flush=True)
-        server.end()
+    with tempfile.TemporaryDirectory() as site:
+        with open(os.path.join(site, "large"), "wb") as file:
+            file.truncate(20 << 20)
+        for name, crowds in floods(version):
+            server = Server(chosen.program, "--site", site)
+            players = [Player(server.port, number, version) for number in range(2)]
+            play(players, 1)
+            ready = multiprocessing.Event()
+            attack = multiprocessing.Process(target=flood, args=(server.port, crowds, "read nothing" not in name, ready))
+            attack.start()
+            ready.wait()
+            used, begin = server.seconds(), time.monotonic()
+            times = delays(*players, chosen.reports)
+            share = (server.seconds() - used) / (time.monotonic() - begin)
+            attack.kill()
+            attack.join()
+            print(f"{name}: {1000 * statistics.median(times):.2f} ms at the median, {1000 * max(times):.2f} ms at most; "
+                  f"the server takes {100 * share:.0f} % of a core", flush=True)
+            server.end()
 
 
 if __name__ == "__main__":
