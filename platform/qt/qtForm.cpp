@@ -161,10 +161,15 @@ void FormPeer::showWindow() {
     QWidget* owner = modal && active && active != window_.get() ? active : mainWindow.data();
     if (owner && owner->windowHandle()) window_->windowHandle()->setTransientParent(owner->windowHandle());
   }
-  window_->show();
+  // The desktop activates a window that appears. A request of the window's own would only be sent once the desktop has
+  // told of its appearance, and could then take the focus from a dialog that has opened meanwhile.
+  if (window_->isVisible()) {
+    takeFocus();
+  } else {
+    window_->show();
+  }
   if (!shownBefore_) watchCover(*window_);
   shownBefore_ = true;
-  takeFocus();
 }
 
 /// Centres a form that the game hasn't placed, on the screen or on the main window. Every window starts on the game's
