@@ -7,11 +7,8 @@ import unittest
 
 import harness
 import wine
-from desktopTest import DesktopTest
-from harness import TWIPS
+from finderTest import FinderTest
 
-FINDER = "Game Finder"
-FIRST_ROW = (60 // TWIPS + 40, 1080 // TWIPS + 18 + 9)  # pixels of the finder's client area
 GREEN = (128, 255, 128)
 
 
@@ -22,7 +19,7 @@ class LaunchedClient(harness.Client):
         return self.display.titles()
 
 
-class PlayAgainstBots(DesktopTest):
+class PlayAgainstBots(FinderTest):
 
     def launcher(self):
         """The program that a player starts, beside the client and the server of this build."""
@@ -58,21 +55,10 @@ class PlayAgainstBots(DesktopTest):
 
     def test_finder_shows_a_game_with_bots_to_join(self):
         client = self.start()
-        dialog = client.wait_for_window("Connect")
-        dialog.activate()
-        dialog.click(1740 // TWIPS + 20, 180 // TWIPS + 9)
-        self.display.xdotool("key", "ctrl+a", "type", "Ann")
-        self.display.xdotool("key", "Escape")
-        finder = client.wait_for_window(FINDER)
-
-        def is_joined():
-            # The list may not have arrived at the first double click.
-            if FINDER in client.windows():
-                left, top = finder.geometry()[:2]
-                self.display.xdotool("mousemove", left + FIRST_ROW[0], top + FIRST_ROW[1], "click", "--repeat", 2,
-                                     "--delay", 60, 1)
-            return client.status_colour() == GREEN
-        harness.wait_for(is_joined, "the game")
+        finder = self.open_finder(client)
+        self.wait_for_row(finder, 0)
+        self.double_click(finder, 0)
+        client.wait_for_status(GREEN)
 
     def test_server_ends_with_the_game(self):
         client = self.start()

@@ -293,8 +293,8 @@ class States(Flying):
         client, line = self.log_in()
         before = client.window.geometry()
         self.change(client, "add," + state)
-        wait_for(lambda: client.window.geometry()[2] == 1280, "the large window")
-        self.assertEqual(client.window.geometry()[3], largest(client))
+        # It is resized and moved one after the other.
+        wait_for(lambda: client.window.geometry()[2:] == (1280, largest(client)), "the large window")
         # The ball steers relative to the centre of the larger canvas, and the picture fills it.
         self.assert_steers(client, line, (1000, 700))
         client.wait_for_status((128, 255, 128))
