@@ -1,0 +1,176 @@
+#!/usr/bin/env python3
+"""Measures all figures of docs/performance.md and writes them into its table.
+
+    bench/report.py build/release [--only frame_bench]
+
+Runs the benchmarks one after another, which takes about ten minutes, and marks the figures that miss their goals. Use a
+release build with KELVORA_BENCH on a machine that is otherwise idle. --only measures the commands that contain the word
+and leaves the other rows alone.
+"""
+
+import argparse
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+PROJECT = Path(__file__).resolve().parent.parent
+DOCUMENT = PROJECT / "docs" / "performance.md"
+HEAD = "| figure | goal | today | command |\n| --- | --- | --- | --- |\n"
+TABLE = re.compile(re.escape(HEAD) + r"(?:\|.*\n)*")
+AT_LEAST, AT_MOST = "at least", "at most"
+
+
+def counter(benchmark, name):
+    """A counter's value in the line of a benchmark."""
+    return rf"^{benchmark}\S*\s.*? {name}=([\d.]+[kMGm]?)"
+
+
+def processor_time(benchmark):
+    """A benchmark's processor time in its own unit."""
+    return rf"^{benchmark}\s+\S+ \w+\s+([\d.]+) \w+"
+
+
+def column(program, number):
+    """A number in the row of a program in the table of starts."""
+    return rf"^{program}\s+" + r"[\d.]+\s+" * number + r"([\d.]+)"
+
+
+def ratio(program, number):
+    """One of a program's ratios to the empty window."""
+    return rf"^{program}\s.*ratios " + r"[\d.]+ " * number + r"([\d.]+)"
+
+
+def share(what):
+    return rf"^{what}: +([\d.]+) % of a core"
+
+
+# Per command its figures: what, goal (None if there is none), unit, and the pattern that finds it in the output.
+FIGURES = {
+    "kelvora_frame_bench --benchmark_filter=frames": [
+        ("light frame: the painter's time by ours", (AT_LEAST, 10), "", counter("frames/light/", "ratio")),
+        ("heavy frame: the same", (AT_LEAST, 8), "", counter("frames/heavy/", "ratio")),
+        ("light frame with all texts: the same", (AT_LEAST, 10), "", counter("frames/lightWithTexts/", "ratio")),
+        ("heavy frame with all texts: the same", (AT_LEAST, 11), "", counter("frames/heavyWithTexts/", "ratio")),
+        ("light frame with texts and the game's rules", None, "us", counter("frames/lightWithTexts/", "frame_us")),
+        ("heavy frame with texts and the game's rules", None, "us", counter("frames/heavyWithTexts/", "frame_us"))],
+    "kelvora_frame_bench --benchmark_filter=canvasSize": [
+        ("heavy frame's drawing, canvas of 763 by 608", None, "us", counter("canvasSize/763", "draw_us")),
+        ("the same at 1920 by 1080", None, "us", counter("canvasSize/1920", "draw_us")),
+        ("the same at 3840 by 2160", None, "us", counter("canvasSize/3840", "draw_us")),
+        ("copying the whole picture to the screen, 3840 by 2160", None, "us", counter("canvasSize/3840", "show_us"))],
+    "kelvora_raster_bench": [
+        ("sprites of 49 by 49, SRCAND: our time by memcpy's", (AT_MOST, 1.5), "", counter("sprites/0", "of_memory")),
+        ("sprites of 49 by 49, SRCPAINT: the same", (AT_MOST, 1.5), "", counter("sprites/1", "of_memory")),
+        ("sprites of 49 by 49, SRCCOPY: the same", (AT_MOST, 1.5), "", counter("sprites/2", "of_memory")),
+        ("picture of 763 by 608, SRCAND: the same", (AT_MOST, 1.5), "", counter("wholePicture/0", "of_memory")),
+        ("picture of 763 by 608, SRCCOPY: the same", (AT_MOST, 1.5), "", counter("wholePicture/2", "of_memory")),
+        ("clear to black, 763 by 608: our time by memset's", (AT_MOST, 1.5), "", counter("clear/0/763", "of_memory")),
+        ("clear to a picture, 763 by 608: by memcpy's", (AT_MOST, 1.5), "", counter("clear/2/763", "of_memory"))],
+    "kelvora_message_bench": [
+        ("positions a second, from bytes to queue, 100 a read", (AT_LEAST, 1), "million",
+         r"^positions/100\s.*items_per_second=([\d.]+)M/s"),
+        ("the same, 100,000 a read", (AT_LEAST, 1), "million", r"^positions/100000\s.*items_per_second=([\d.]+)M/s")],
+    "kelvora_tail_bench": [
+        ("painting a tail of 100,000 vertices out of sight", (AT_MOST, 5), "ms",
+         counter("paintUnseenTail/100000", "ms")),
+        ("ageing it", (AT_MOST, 5), "ms", counter("ageTail/100000", "ms")),
+        ("painting it with six captures waiting", (AT_MOST, 5), "ms",
+         counter("paintTailWithCapturesWaiting/100000", "ms")),
+        ("ending it", (AT_MOST, 10), "ms", counter("endWholeTail/100000", "ms"))],
+    "start_figures.py": [
+        ("start to window, by an empty window's", (AT_MOST, 1.5), "", ratio("kelvora", 0)),
+        ("processor time to the window", None, "ms", column("kelvora", 1)),
+        ("the same, by an empty window's", (AT_MOST, 1.5), "", ratio("kelvora", 1)),
+        ("processor time of the whole start", None, "ms", column("kelvora", 4)),
+        ("memory (RSS)", None, "MB", column("kelvora", 2)),
+        ("the same, by an empty window's", (AT_MOST, 1.5), "", ratio("kelvora", 2)),
+        ("memory without sound, by an empty window's", (AT_MOST, 1.35), "", ratio("without sound", 2)),
+        ("not connected, minimised: wake-ups a second", (AT_MOST, 0), "",
+         r"^not connected, minimised: .* ([\d.]+) wake-ups"),
+        ("the same with effects on", (AT_MOST, 5), "",
+         r"^not connected, minimised, effects on: .* ([\d.]+) wake-ups"),
+        ("the same with effects on: of a core", (AT_MOST, 0.02), "%", share("not connected, minimised, effects on")),
+        ("the same with effects and music on: of a core", None, "%",
+         share("not connected, minimised, effects and music on")),
+        ("at 10 ms a pass, a light scene in sight: of a core", (AT_MOST, 5), "%", share("connected, paced, in sight")),
+        ("the same, covered by another window", (AT_MOST, 3), "%", share("connected, paced, covered")),
+        ("the same, minimised", (AT_MOST, 3), "%", share("connected, paced, minimised")),
+        ("mouse to the picture on the screen, at 10 ms a pass", None, "ms",
+         r"^mouse to picture, on the screen: +(\d+) ms"),
+        ("mouse to the first report with the turn, the same", None, "ms",
+         r"^mouse to the first report with the turn: +(\d+) ms"),
+        ("an unpaced pass, painted and shown", None, "us", r"^unpaced: (\d+) us")],
+    "kelvora_arena_bench": [
+        ("a report against a tail of 50 vertices, relayed to 5", None, "us",
+         processor_time("report/tail:50/opponents:5")),
+        ("a tick with five bots", None, "us", processor_time("tick/bots:5"))],
+    "arena_load.py build/release/kelvora-server": [
+        ("an arena of six clients: of a core", None, "%", r"^1 arena.*\n +processor: ([\d.]+) %"),
+        ("an arena of six clients: memory (RSS)", None, "MiB", r"^1 arena.*\n.*\n +memory: ([\d.]+) MiB"),
+        ("100 arenas of a client and five bots: of a core", (AT_MOST, 40), "%",
+         r"^100 arena.*\n +processor: ([\d.]+) %"),
+        ("100 arenas: memory, shared pages once", None, "MiB",
+         r"^100 arena.*\n.*\n.*\(RSS\), ([\d.]+) MiB without")],
+    "listener_load.py build/release/kelvora-server": [
+        ("six players over WebSocket: processor time by TCP's", (AT_MOST, 1.5), "",
+         r"^  WebSocket.*, ([\d.]+) of the first"),
+        ("list of 1000 entries: answers a second of processor time", (AT_LEAST, 2000), "",
+         r"^The list at 1000 .*: (\d+) requests a second"),
+        ("report to the other player", (AT_MOST, 40), "ms", r"^From a report .*, alone: ([\d.]+) ms"),
+        ("the same beside 1000 idle connections", (AT_MOST, 40), "ms",
+         r"^From a report .* idle connections: ([\d.]+) ms")],
+}
+
+
+def number(text):
+    """A number as the benchmarks print it: 1.5k is 1500, 7m is 0.007."""
+    scale = {"k": 1e3, "M": 1e6, "G": 1e9, "m": 1e-3}.get(text[-1])
+    return float(text[:-1]) * scale if scale else float(text)
+
+
+def output(command, build):
+    program, *words = command.split()
+    if program.endswith(".py"):
+        words = [str(build)] if not words else [str(build / "kelvora-server")]
+        call = [sys.executable, str(PROJECT / "bench" / program), *words]
+    else:
+        call = [str(build / program), *words]
+    print("#", *call, flush=True)
+    text = subprocess.run(call, cwd=PROJECT, stdout=subprocess.PIPE, text=True, check=True).stdout
+    print(text, flush=True)
+    return text
+
+
+def row(command, figure, text):
+    what, goal, unit, pattern = figure
+    found = re.search(pattern, text, re.M)
+    if not found:
+        sys.exit(f"{command} did not print: {what}")
+    value = number(found[1])
+    today = f"{value:.3g}" if value < 1000 else f"{value:.0f}"
+    words = f"{goal[0]} {goal[1]}" if goal else ""
+    missed = goal and (value < goal[1] if goal[0] == AT_LEAST else value > goal[1])
+    parts = (what, f"{words} {unit}".strip() if goal else "", f"{today} {unit}".strip(), f"`{command}`")
+    return "| {} | {} | {}{} | {} |\n".format(*parts[:3], ", **missed**" if missed else "", parts[3])
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("build", type=Path, help="the folder of a release build")
+    parser.add_argument("--only", default="", help="a part of the commands to run")
+    options = parser.parse_args()
+    document = DOCUMENT.read_text()
+    rows = TABLE.search(document)[0][len(HEAD):].splitlines(keepends=True)
+    table = HEAD
+    for command, figures in FIGURES.items():
+        if options.only in command:
+            text = output(command, options.build.resolve())
+            table += "".join(row(command, figure, text) for figure in figures)
+        else:
+            table += "".join(line for line in rows if line.endswith(f"| `{command}` |\n"))
+    DOCUMENT.write_text(TABLE.sub(lambda _: table, document))
+
+
+if __name__ == "__main__":
+    main()
