@@ -2,12 +2,14 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <chrono>
+#include <csignal>
 #include <ctime>
 #include <exception>
 #include <functional>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/millis.h"
 #include "base/outcome.h"
@@ -85,6 +87,7 @@ int main(int argc, char** argv) {
     for (const int signal : stopSignals(!reread)) signals.add(signal);
     if (reread) signals.add(*reread);
     bool hasStopped = false;
+    bool isDraining = false;
     std::function<void()> awaitSignal = [&] {
       signals.async_wait([&](boost::system::error_code error, int signal) {
         // A second signal may be on its way here when the server stops. It can't be cancelled, and must not be the
@@ -94,12 +97,17 @@ int main(int argc, char** argv) {
           server.reread();
           return awaitSignal();
         }
-        log(signalName(signal) + ": shutting down");
-        awaitSignal();
-        server.stop([&] {
+        const auto whenDone = [&] {
           hasStopped = true;
           signals.cancel();
-        });
+        };
+        awaitSignal();
+        if (signal == SIGTERM && options.drainSeconds > 0 && !std::exchange(isDraining, true)) {
+          log(signalName(signal) + ": shutting down after this round");
+          return server.drain(std::chrono::seconds(options.drainSeconds), whenDone);
+        }
+        log(signalName(signal) + ": shutting down");
+        server.stop(whenDone);
       });
     };
     awaitSignal();

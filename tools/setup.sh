@@ -2,14 +2,14 @@
 
 # Packages for building and playing, and additional ones for the checks.
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libboost-dev
-  libcurl4-openssl-dev libfontconfig-dev libxcb1-dev libsdl2-dev libmpg123-dev fonts-comic-neue fonts-liberation"
+  libcurl4-openssl-dev libsqlite3-dev libfontconfig-dev libxcb1-dev libsdl2-dev libmpg123-dev fonts-comic-neue fonts-liberation"
 window_test_packages="python3 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev clang-format-14
   clang-tidy-14 python3-numpy python3-websockets nginx libnginx-mod-stream caddy prometheus openssl curl wget mpg123
   $window_test_packages"
 
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
-server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev"
+server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev libsqlite3-dev"
 web_packages="cmake ninja-build emscripten libstb-dev fonts-comic-neue fonts-liberation"
 web_check_packages="$web_packages $play_packages ccache googletest chromium chromium-driver firefox-esr
   python3-websockets openssl nginx libnginx-mod-stream xvfb xdotool openbox x11-utils imagemagick"

@@ -54,6 +54,8 @@ void Arena::handle(Player& player, const wire::Incoming& message, Millis now) {
 
 void Arena::disconnected(ClientId client) {
   lobby_.leave(client);
+  const Player* leaver = roster_.find(client);
+  if (leaver != nullptr && rounds_.isRunning()) roster_.reportScore(*leaver);
   roster_.leave(client, pending_);
 }
 

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "base/outcome.h"
 #include "server/arena/clientId.h"
+#include "server/arena/score.h"
 
 namespace kelvora::server {
 
@@ -29,6 +31,10 @@ class ArenaOutput {
   virtual void command(ClientId, const std::string& /*line*/) {}
   /// Refuses people who must not come in, with a text for them. Not called for bots.
   virtual Outcome mayEnter(ClientId) { return Outcome::done(); }
+  /// Whether a person may play under this name, with the password for it. Called again while the answer is pending.
+  virtual NameVerdict nameVerdict(ClientId, const std::string& /*name*/, const std::string& /*password*/) { return {}; }
+  /// Tells what people have done in a round: all of them when it is over, or one who leaves before.
+  virtual void scored(const std::vector<Score>&, bool /*isRoundOver*/) {}
   /// Why a player's lines must reach nobody, as a text for the player. Empty if they may. Not called for bots.
   virtual std::string muteReason(ClientId) { return {}; }
 };

@@ -35,13 +35,20 @@ void Lobby::login(ClientId client, std::string_view text, Millis now) {
   const auto visitor = visitors_.find(client);
   if (visitor == visitors_.end() || visitor->second.login) return;
   const auto request = read(text);
-  const Outcome outcome = request ? check(client, *request) : Outcome::refused(unreadable);
+  Outcome outcome = request ? check(client, *request) : Outcome::refused(unreadable);
+  visitor->second.awaitsVerdict = false;
+  if (!outcome.isRefused()) {
+    NameVerdict verdict =
+        roster_.nameVerdict(client, visibleName(request->name), namePassword(request->password).value_or(""));
+    visitor->second.awaitsVerdict = verdict.isPending;
+    outcome = std::move(verdict.outcome);
+  }
   if (outcome.isRefused()) {
     output_.log("client " + std::to_string(client) + " was refused: " + outcome.reason());
     roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>(outcome.reason()));
     output_.hangUp(client);
     visitors_.erase(visitor);
-  } else if (mustWait(client, visitor->second, request->colour, now)) {
+  } else if (visitor->second.awaitsVerdict || mustWait(client, visitor->second, request->colour, now)) {
     visitor->second.login = text;
   } else {
     visitors_.erase(visitor);
@@ -59,10 +66,18 @@ std::optional<Lobby::Request> Lobby::read(std::string_view text) {
 Outcome Lobby::check(ClientId client, const Request& request) const {
   if (Outcome outcome = roster_.mayEnter(client); outcome.isRefused()) return outcome;
   if (request.version != version_) return Outcome::refused("This server needs version " + version_ + " of the game.");
-  if (!password_.empty() && request.password != password_) return Outcome::refused("Wrong password.");
+  if (!namePassword(request.password)) return Outcome::refused("Wrong password.");
   if (Outcome outcome = checkName(request.name); outcome.isRefused()) return outcome;
   if (roster_.isFull() && (isBot(client) || !roster_.hasBots())) return Outcome::refused("The arena is full.");
   return Outcome::done();
+}
+
+std::optional<std::string> Lobby::namePassword(std::string_view password) const {
+  if (password_.empty()) return std::string(password);
+  if (password == password_) return std::string();
+  // Clients have one field for both.
+  if (!password.starts_with(password_ + " ")) return std::nullopt;
+  return std::string(password.substr(password_.size() + 1));
 }
 
 bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferred, Millis now) const {
@@ -152,7 +167,8 @@ void Lobby::tick(Millis now) {
   std::erase_if(visitors_, [&](const auto& entry) {
     const auto& [client, visitor] = entry;
     if (now - visitor.since < loginTimeLimit) return false;
-    if (visitor.login) roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>("The arena is full."));
+    const char* reason = visitor.awaitsVerdict ? "The server is busy. Try again in a moment." : "The arena is full.";
+    if (visitor.login) roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>(reason));
     output_.log("client " + std::to_string(client) + " took too long to log in");
     output_.dropped(Drop::lateLogin);
     output_.hangUp(client);

@@ -44,6 +44,7 @@ class Lobby {
     std::optional<std::string> login{};  // its fields while it waits
     std::optional<Millis> loginSince{};
     std::optional<PlayerColour> wantedColour{};
+    bool awaitsVerdict = false;  // on the name
   };
 
   struct Request {  // the fields of a login, in their order
@@ -55,6 +56,8 @@ class Lobby {
 
   static std::optional<Request> read(std::string_view text);
   Outcome check(ClientId client, const Request& request) const;
+  /// The part of the password that is for a claimed name. Nothing if the arena's own part is wrong.
+  std::optional<std::string> namePassword(std::string_view password) const;
   bool mustWait(ClientId client, Visitor& visitor, std::string_view preferred, Millis now) const;
   void admit(ClientId client, const Request& request, Millis now);
   PlayerColour chooseColour(std::string_view preferred) const;

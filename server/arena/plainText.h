@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,11 @@ constexpr bool isControl(char c) {
 
 /// True for the bytes that no field of a message may contain.
 constexpr bool isDelimiter(char c) { return c == wire::frameStart || c == wire::frameEnd || c == wire::fieldSeparator; }
+
+/// "1 capture" or "3 captures"
+inline std::string counted(std::int64_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
 
 /// The text for the log, with question marks for everything but plain ASCII.
 inline std::string printable(std::string_view text) {

@@ -9,6 +9,14 @@
 
 namespace kelvora::server {
 
+namespace {
+
+Score scoreOf(const Player& player) {
+  return {.client = player.client, .name = player.name, .captures = player.roundCaptures, .joined = player.joined};
+}
+
+}  // namespace
+
 Player& Roster::join(Player player) {
   const ClientId client = player.client;
   return players_.insert_or_assign(client, std::move(player)).first->second;
@@ -70,6 +78,20 @@ std::int16_t Roster::nextNode() {
 
 void Roster::sendToAll(const std::string& frame) const {
   for (const auto& [client, player] : players_) output_.send(client, frame);
+}
+
+void Roster::reportScore(const Player& player) const {
+  if (!isBot(player.client)) output_.scored({scoreOf(player)}, false);
+}
+
+void Roster::reportScores(const Player* winner) const {
+  std::vector<Score> scores;
+  for (const auto& [client, player] : players_) {
+    if (isBot(client)) continue;
+    scores.push_back(scoreOf(player));
+    scores.back().isWinner = &player == winner;
+  }
+  if (!scores.empty()) output_.scored(scores, true);
 }
 
 void Roster::tell(ClientId client, const std::string& text) const {

@@ -22,6 +22,8 @@ class Roster {
 
   /// Adds a player without telling anybody.
   Player& join(Player player);
+  /// Tells what a person who leaves has done in the round.
+  void reportScore(const Player& player) const;
   /// Removes a player, at once or after pending captures. Ignores a client that isn't logged in.
   void leave(ClientId client, const PendingCaptures& pending);
   /// Removes leavers whose captures have been carried out.
@@ -59,6 +61,11 @@ class Roster {
   /// As in ArenaOutput. Bots may enter and are never muted.
   void command(ClientId client, const std::string& line) const { output_.command(client, line); }
   Outcome mayEnter(ClientId client) const { return isBot(client) ? Outcome::done() : output_.mayEnter(client); }
+  NameVerdict nameVerdict(ClientId client, const std::string& name, const std::string& password) const {
+    return isBot(client) ? NameVerdict{} : output_.nameVerdict(client, name, password);
+  }
+  /// Tells what people have done in the round, `winner` being its winner if it is over.
+  void reportScores(const Player* winner) const;
   std::string muteReason(ClientId client) const { return isBot(client) ? "" : output_.muteReason(client); }
 
  private:

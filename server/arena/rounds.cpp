@@ -10,10 +10,6 @@ namespace kelvora::server {
 
 namespace {
 
-std::string counted(std::int64_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 std::string nextRoundText(Millis wait) { return "The next round begins in " + secondsText(wait) + "."; }
 
 }  // namespace
@@ -64,7 +60,10 @@ void Rounds::endNow() {
 void Rounds::restart() {
   const bool wasRunning = clock_.isRunning();
   clock_.beginAnew();
-  if (wasRunning) stop("The round begins again.");
+  if (wasRunning) {
+    roster_.reportScores(nullptr);
+    stop("The round begins again.");
+  }
   welcome();
 }
 
@@ -79,7 +78,11 @@ void Rounds::welcome() {
 }
 
 void Rounds::end() {
-  const std::string text = result();
+  const Player* best = winner();
+  const std::string text = best == nullptr
+                               ? "The round is over. Nobody has captured anybody."
+                               : best->name + " wins the round with " + counted(best->roundCaptures, "capture") + "!";
+  roster_.reportScores(best);
   roster_.log("round over: " + printable(text));
   for (auto& [client, player] : roster_.players()) {
     if (player.isAlive) economy_.credit(player, Entry::survival, survivalCredits_);
@@ -100,15 +103,14 @@ void Rounds::stop(const std::string& text) {
   for (const auto& [client, player] : roster_.players()) sendDead(player);
 }
 
-std::string Rounds::result() const {
+const Player* Rounds::winner() const {
   const Player* best = nullptr;
   const auto rank = [](const Player& player) { return std::pair(player.roundCaptures, -player.lastCapture); };
   for (const auto& [client, player] : roster_.players()) {
     if (player.roundCaptures == 0) continue;
     if (best == nullptr || rank(player) > rank(*best)) best = &player;
   }
-  if (best == nullptr) return "The round is over. Nobody has captured anybody.";
-  return best->name + " wins the round with " + counted(best->roundCaptures, "capture") + "!";
+  return best;
 }
 
 void Rounds::sendDead(const Player& player) const {

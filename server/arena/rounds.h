@@ -41,7 +41,8 @@ class Rounds {
   void end();
   /// Kills everybody and tells them why. The clock must have been changed before.
   void stop(const std::string& text);
-  std::string result() const;
+  /// The player with the most captures, or the first of equals. Null if nobody has captured anybody.
+  const Player* winner() const;
   /// Tells a client that its player is dead.
   void sendDead(const Player& player) const;
 

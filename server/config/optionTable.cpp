@@ -72,6 +72,9 @@ const std::array table = {
     Option{"bans", "FILE", "file that keeps bans and mutes (none)",
            Text([](Options& o) -> std::string& { return o.moderation.bansFile; }), 0, maxPathLength},
 
+    Option{"records", "FILE", "file that keeps the players' records and claimed names (none)",
+           Text([](Options& o) -> std::string& { return o.recordsFile; }), 0, maxPathLength},
+
     heading("Browsers:"),
     Option{"site", "FOLDER", "folder of the page for browsers (the one that belongs to the program)",
            Text([](Options& o) -> std::string& { return o.site ? *o.site : o.site.emplace(); }), 0, maxPathLength},
@@ -92,6 +95,8 @@ const std::array table = {
            Text([](Options& o) -> std::string& { return o.publishKey; }), 0, maxTextLength},
 
     heading("Other:"),
+    Option{"drain", "SECONDS", "time for the round to end after SIGTERM, without newcomers (0)",
+           Whole([](Options& o, int value) { o.drainSeconds = value; }), 0, maxSeconds},
     Option{"config", "FILE", "read options from lines \"name = value\"; the command line overrides them (none)",
            Text([](Options& o) -> std::string& { return o.config; }), 1, maxPathLength},
     Option{"hash-password", "", "read a password and print its hash",

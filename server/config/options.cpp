@@ -5,6 +5,7 @@
 
 #include "server/config/configFile.h"
 #include "server/config/optionTable.h"
+#include "server/records/database.h"
 #include "server/system/passwords.h"
 
 namespace kelvora::server {
@@ -64,6 +65,9 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
   const std::string& url = options.publishUrl;
   if (!url.empty() && !url.starts_with("http://") && !url.starts_with("https://")) {
     return Outcome::refused("the URL to publish to must begin with http:// or https://");
+  }
+  if (!options.recordsFile.empty() && !Database::isSupported()) {
+    return Outcome::refused("this system's server has no SQLite, so it can't keep records");
   }
   const std::string& hash = options.moderation.moderatorHash;
   if (!hash.empty() && !canHashPasswords()) {

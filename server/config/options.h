@@ -20,6 +20,8 @@ struct Options {
   ArenaRules rules{.coach = true};
   BotSettings bots;
   ModerationSettings moderation;
+  int drainSeconds = 0;                  ///< for the round after SIGTERM; 0 to stop at once
+  std::string recordsFile;               ///< path in UTF-8; empty for no records
   std::optional<std::uint16_t> webPort;  ///< the second port; nothing for none, 0 for any free one
   std::string webAddress;                ///< empty for `address`
   std::optional<std::string> site;       ///< folder of the page for browsers; empty for none, nothing for the usual one

@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "base/wholeNumber.h"
 #include "protocol/rules.h"
+#include "server/arena/plainText.h"
 #include "server/moderation/commandLine.h"
 #include "server/moderation/moderation.h"
 
@@ -14,10 +15,6 @@ namespace kelvora::server {
 namespace {
 
 constexpr std::size_t maxBansShown = 5;
-
-std::string counted(int count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
 
 }  // namespace
 
@@ -29,6 +26,10 @@ std::span<const Moderation::Command> Moderation::commands() {
               "Starts a vote, or agrees to it. It needs more than half of the people here within 30 seconds.", false,
               &Moderation::vote},
       Command{"login", "PASSWORD", "Makes you a moderator.", false, &Moderation::login},
+      Command{"top", "", "Lists the players with the most captures.", false, &Moderation::top},
+      Command{"stats", "[NAME]", "Tells what you or somebody else has done.", false, &Moderation::stats},
+      Command{"claim", "PASSWORD", "Keeps your name for you. You need the password for it from then on.", false,
+              &Moderation::claim},
       Command{"kick", "NAME [REASON]", "Removes a player, who may come back.", true, &Moderation::kick},
       Command{"ban", "NAME [TIME] [REASON]", "Keeps a player's network out, such as for 30m, 2h, 7d or forever.", true,
               &Moderation::ban},

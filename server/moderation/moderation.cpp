@@ -20,9 +20,11 @@ std::string withReason(std::string text, const std::string& reason) {
 
 }  // namespace
 
-Moderation::Moderation(Arena& arena, BotKeeper& bots, ModerationHost& host, ModerationSettings settings)
+Moderation::Moderation(Arena& arena, BotKeeper& bots, RecordBook& records, ModerationHost& host,
+                       ModerationSettings settings)
     : arena_(arena),
       bots_(bots),
+      records_(records),
       host_(host),
       moderatorHash_(std::move(settings.moderatorHash)),
       penalties_(host, std::move(settings.bansFile)),

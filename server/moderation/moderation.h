@@ -13,6 +13,7 @@
 #include "server/moderation/networkLimit.h"
 #include "server/moderation/penaltyFile.h"
 #include "server/moderation/settings.h"
+#include "server/records/recordBook.h"
 
 namespace kelvora::server {
 
@@ -25,7 +26,7 @@ class Moderation {
   static constexpr Seconds usualLength = 3'600;  ///< of a ban or mute
 
   /// Throws std::runtime_error if the bans can't be read.
-  Moderation(Arena& arena, BotKeeper& bots, ModerationHost& host, ModerationSettings settings);
+  Moderation(Arena& arena, BotKeeper& bots, RecordBook& records, ModerationHost& host, ModerationSettings settings);
 
   /// Carries out a player's line, which begins with "!". Answers go to that player alone.
   void run(ClientId client, std::string_view line, Millis now);
@@ -63,6 +64,9 @@ class Moderation {
   Outcome who(Call call);
   Outcome vote(Call call);
   Outcome login(Call call);
+  Outcome top(Call call);
+  Outcome stats(Call call);
+  Outcome claim(Call call);
   Outcome kick(Call call);
   Outcome ban(Call call);
   Outcome unban(Call call);
@@ -87,11 +91,13 @@ class Moderation {
 
   Arena& arena_;
   BotKeeper& bots_;
+  RecordBook& records_;
   ModerationHost& host_;
   const std::string moderatorHash_;
   PenaltyFile penalties_;
   Ballot ballot_;
   NetworkLimit logins_{loginBurst, 60'000};
+  NetworkLimit claims_{1, 60'000};
   std::set<ClientId> loggingIn_;
   std::set<ClientId> moderators_;
 };

@@ -48,13 +48,15 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
       timer_(context),
       arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),
       bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
-      moderation_(arena_, bots_, *this, options.moderation),
+      records_(*this, options.recordsFile),
+      moderation_(arena_, bots_, records_, *this, options.moderation),
       list_(versionText(), options.listKey, options.address),
       publisher_(startPublisher(context, options, log_)) {
   if (options.webPort) {
     const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
     webListener_.emplace(context, address, *options.webPort, listenerHandlers());
   }
+  records_.open();
   publish();
   tickMore();
 }
@@ -79,6 +81,23 @@ void GameServer::stop(std::function<void()> whenDone) {
     if (!error) closeAll();
   });
   if (guests_.empty()) finishStop();
+}
+
+void GameServer::drain(std::chrono::seconds time, std::function<void()> whenDone) {
+  if (stopped_) return;
+  whenStopped_ = std::move(whenDone);
+  drainsUntil_ = Clock::now() + time;
+  if (publisher_) publisher_->signOff();
+  arena_.tellAll("The server stops when this round is over.");
+}
+
+bool GameServer::isDrained() const {
+  return drainsUntil_ && (people() == 0 || !arena_.isRoundRunning() || Clock::now() >= *drainsUntil_);
+}
+
+Outcome GameServer::mayEnter(ClientId client) {
+  if (drainsUntil_) return Outcome::refused("The server is about to stop. Try another one.");
+  return moderation_.mayEnter(network(client));
 }
 
 void GameServer::closeAll() {
@@ -166,6 +185,15 @@ void GameServer::received(ClientId client, std::string_view text) {
   if (id == wire::msgPositionReport) figures_.relays.add(Clock::now() - begin);
 }
 
+NameVerdict GameServer::nameVerdict(ClientId client, const std::string& name, const std::string& password) {
+  // A password costs a hash, and may be guessed.
+  const bool isAttempt = records_.isKept() && !password.empty() && !records_.hasAsked(client);
+  if (isAttempt && !nameLogins_.allows(network(client), now())) {
+    return {.outcome = Outcome::refused("Too many passwords from your network. Try again in a minute.")};
+  }
+  return records_.verdict(client, name, password);
+}
+
 std::string GameServer::network(ClientId client) const {
   const auto found = guests_.find(client);
   return found == guests_.end() ? std::string() : found->second.network;
@@ -187,6 +215,7 @@ void GameServer::closed(ClientId client, const std::string& reason) {
     log_("client " + std::to_string(client) + " disconnected: " + reason);
     arena_.disconnected(client);
     moderation_.left(client);
+    records_.left(client);
     publish();
   }
   if (stopped_ && guests_.empty()) finishStop();
@@ -220,6 +249,7 @@ void GameServer::tickMore() {
     arena_.tick(at(time));
     bots_.tick(at(time));
     moderation_.tick(at(time));
+    if (isDrained()) return stop(std::move(whenStopped_));
     publish();
     const auto stop = stallWatch_.stop(time);
     for (const auto& [client, guest] : guests_) {
@@ -249,7 +279,7 @@ HostEntry GameServer::hostEntry() const {
 }
 
 void GameServer::publish() {
-  if (!publisher_ || stopped_) return;
+  if (!publisher_ || stopped_ || drainsUntil_) return;
   // Without an address, the list uses the one from which the announcement comes.
   publisher_->publish(hostEntry());
 }

@@ -18,6 +18,7 @@
 #include "server/lists/listPages.h"
 #include "server/lists/publisher.h"
 #include "server/moderation/moderation.h"
+#include "server/moderation/networkLimit.h"
 #include "server/net/addressList.h"
 #include "server/net/connection.h"
 #include "server/net/door.h"
@@ -25,6 +26,8 @@
 #include "server/net/listener.h"
 #include "server/net/stallWatch.h"
 #include "server/net/worker.h"
+#include "server/records/recordBook.h"
+#include "server/web/homePage.h"
 #include "server/web/site.h"
 
 namespace kelvora::server {
@@ -48,6 +51,9 @@ class GameServer : private ArenaOutput, private ModerationHost {
   /// Notifies the players, then closes everything once they have got the message or `Connection::goodbyeTime` has
   /// passed, so that the context runs out of work. Finally calls `whenDone`. A second call closes everything at once.
   void stop(std::function<void()> whenDone = {});
+  /// Stops once the round is over, nobody is left or the time has passed. Until then the game goes on without
+  /// newcomers.
+  void drain(std::chrono::seconds time, std::function<void()> whenDone);
   /// Reads the bans again.
   void reread() { moderation_.reread(); }
 
@@ -68,7 +74,9 @@ class GameServer : private ArenaOutput, private ModerationHost {
   void log(const std::string& line) override { log_(line); }
   void dropped(Drop what) override { figures_.addDrop(what); }
   void command(ClientId client, const std::string& line) override { commands_.emplace_back(client, line); }
-  Outcome mayEnter(ClientId client) override { return moderation_.mayEnter(network(client)); }
+  Outcome mayEnter(ClientId client) override;
+  NameVerdict nameVerdict(ClientId client, const std::string& name, const std::string& password) override;
+  void scored(const std::vector<Score>& scores, bool isRoundOver) override { records_.add(scores, isRoundOver, now()); }
   std::string muteReason(ClientId client) override { return moderation_.muteReason(network(client)); }
   std::string network(ClientId client) const override;
   Seconds wallClock() const override { return std::time(nullptr); }
@@ -86,6 +94,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   HttpAnswer answer(ClientId client, const HttpRequest& request);
   HttpAnswer metrics(const Guest& guest, const HttpRequest& request) const;
   HttpAnswer homePage() const;
+  std::vector<RecordTable> recordTables() const;
   /// The number of people, without bots, who make room for them.
   std::size_t people() const;
   void closed(ClientId client, const std::string& reason);
@@ -93,6 +102,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   /// False if there is none.
   bool makeRoom();
   void tickMore();
+  bool isDrained() const;
   void closeAll();
   void finishStop();
   /// This server's entry in lists.
@@ -115,6 +125,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   const Clock::time_point start_ = Clock::now();
   Arena arena_;
   BotKeeper bots_;
+  RecordBook records_;
   Moderation moderation_;
   std::vector<std::pair<ClientId, std::string>> commands_;  // of the frame in progress
   ListPages list_;
@@ -125,7 +136,9 @@ class GameServer : private ArenaOutput, private ModerationHost {
   Figures figures_;
   ClientId lastClient_ = 0;
   bool stopped_ = false;
+  std::optional<Clock::time_point> drainsUntil_;
   std::function<void()> whenStopped_;
+  NetworkLimit nameLogins_{10, 6'000};
   Worker worker_;  // goes first, with its work done
 };
 

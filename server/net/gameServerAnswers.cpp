@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "server/net/gameServer.h"
 #include "server/net/origin.h"
@@ -14,6 +15,7 @@ namespace {
 constexpr std::string_view playPath = "/play";
 constexpr std::string_view metricsPath = "/metrics";
 constexpr std::string_view healthPath = "/healthz";
+constexpr std::string_view arenaPath = "/arena";  // the small page, even if there is one to play in
 
 /// The address that the proxy has seen itself. The proxy appends it to what its client claimed.
 std::optional<asio::ip::address> forwardedAddress(const HttpRequest& request) {
@@ -66,7 +68,7 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
   if (path == metricsPath) return metrics(guest, request);
   if (auto file = site_.answer(request)) return *std::move(file);
-  if (path == "/") return homePage();
+  if (path == "/" || path == arenaPath) return homePage();
   return refusal(404, "This page does not exist.\n");
 }
 
@@ -82,6 +84,19 @@ HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) c
                                 .connections = guests_.size()});
 }
 
+std::vector<RecordTable> GameServer::recordTables() const {
+  if (!records_.isKept()) return {};
+  const auto table = [](const char* title, const std::vector<Deeds>& deeds) {
+    RecordTable rows{.title = title, .rows = {}};
+    for (const Deeds& player : deeds) {
+      rows.rows.push_back({player.name, player.captures, player.wins, player.rounds, player.seconds / 60});
+    }
+    return rows;
+  };
+  const auto& [always, lately] = records_.tables();
+  return {table("Best players", always), table("Best players of the last 30 days", lately)};
+}
+
 HttpAnswer GameServer::homePage() const {
   HomePage page{.notes = options_.notes,
                 .address = options_.publicAddress,
@@ -89,6 +104,7 @@ HttpAnswer GameServer::homePage() const {
                 .passwordRequired = !options_.password.empty(),
                 .players = {},
                 .bots = {},
+                .records = recordTables(),
                 .maxPlayers = Arena::colourCount};
   for (const PlayerView& player : arena_.players(now())) {
     (isBot(player.client) ? page.bots : page.players).push_back(player.name);

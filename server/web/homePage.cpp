@@ -15,6 +15,20 @@ std::string listOf(const std::vector<std::string>& names) {
   return list + "</ul>\n";
 }
 
+std::string tableOf(const RecordTable& table) {
+  if (table.rows.empty()) return {};
+  std::string text = "<h2>" + htmlText(table.title) + "</h2>\n<table>\n";
+  text += "<tr><th>Player</th><th>Captures</th><th>Wins</th><th>Rounds</th><th>Minutes</th></tr>\n";
+  for (const RecordTable::Row& row : table.rows) {
+    text += "<tr><td>" + htmlText(row.name) + "</td>";
+    for (const std::int64_t number : {row.captures, row.wins, row.rounds, row.minutes}) {
+      text += "<td>" + std::to_string(number) + "</td>";
+    }
+    text += "</tr>\n";
+  }
+  return text + "</table>\n";
+}
+
 }  // namespace
 
 HttpAnswer homePageAnswer(const HomePage& page) {
@@ -30,7 +44,9 @@ HttpAnswer homePageAnswer(const HomePage& page) {
   body += "<p>To join, start the game and type " + address + " and port " + std::to_string(page.port) +
           " into its connect dialog.";
   if (page.passwordRequired) body += " You need a password.";
-  body += "</p>\n<p><a href=\"/games\">List of games</a></p>\n";
+  body += "</p>\n";
+  for (const RecordTable& table : page.records) body += tableOf(table);
+  body += "<p><a href=\"/games\">List of games</a></p>\n";
   body += htmlEnd;
   return htmlAnswer(std::move(body));
 }

@@ -8,6 +8,19 @@
 
 namespace kelvora::server {
 
+/// What some players have done.
+struct RecordTable {
+  struct Row {
+    std::string name;
+    std::int64_t captures;
+    std::int64_t wins;
+    std::int64_t rounds;
+    std::int64_t minutes;
+  };
+  std::string title;
+  std::vector<Row> rows;
+};
+
 /// The contents of the arena's page. Texts are in code page 1252.
 struct HomePage {
   std::string notes;
@@ -16,6 +29,7 @@ struct HomePage {
   bool passwordRequired = false;
   std::vector<std::string> players;  ///< people only, as in lists
   std::vector<std::string> bots;
+  std::vector<RecordTable> records;
   std::size_t maxPlayers = 0;
 };
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "server/moderation/host.h"
+#include "server/moderation/timeText.h"
 
 namespace kelvora::server {
 

@@ -1,5 +1,7 @@
 #include "server/moderation/moderation.h"
 
+#include <filesystem>
+#include <optional>
 #include <random>
 
 #include "server/system/passwords.h"
@@ -23,7 +25,8 @@ class ModerationTest : public ArenaTest {
 
   FakeHost host;
   BotKeeper bots{arena, {}, "", KELVORA_VERSION, 1};
-  Moderation moderation{arena, bots, host, {.moderatorHash = hashOfOpenSesame(), .bansFile = ""}};
+  RecordBook records{host, ""};
+  Moderation moderation{arena, bots, records, host, {.moderatorHash = hashOfOpenSesame(), .bansFile = ""}};
   std::vector<std::pair<ClientId, std::string>> commands;
 
   void command(ClientId client, const std::string& line) override { commands.emplace_back(client, line); }
@@ -99,7 +102,8 @@ TEST_F(ModerationTest, CommandsCountAsRequests) {
 
 TEST_F(ModerationTest, HelpListsWhatThePlayerMayDo) {
   login(ann, "Ann");
-  EXPECT_EQ(answerTo(ann, "!help"), "Commands: !help !who !vote !login. !help COMMAND explains one.");
+  EXPECT_EQ(answerTo(ann, "!help"),
+            "Commands: !help !who !vote !login !top !stats !claim. !help COMMAND explains one.");
   EXPECT_EQ(answerTo(ann, "!HELP !Who"), "!who: Lists the players.");
   EXPECT_EQ(answerTo(ann, "!nonsense"), "There is no such command. !help lists them.");
   EXPECT_EQ(answerTo(ann, "!help nonsense"), "There is no such command. !help lists them.");
@@ -175,7 +179,7 @@ TEST_F(ModerationTest, ABusyServerRefusesAttempts) {
 
 TEST_F(ModerationTest, WithoutAPasswordThereAreNoModerators) {
   login(ann, "Ann");
-  Moderation open(arena, bots, host, {});
+  Moderation open(arena, bots, records, host, {});
   got.clear();
   open.run(ann, "!login ", now);
   EXPECT_EQ(textsTo(ann), (std::vector<std::string>{"This server has no moderators."}));
@@ -393,16 +397,109 @@ TEST_F(ModerationTest, ALonePersonDecidesAlone) {
   EXPECT_EQ(answerTo(ann, "!vote"), "Type !vote kick NAME, !vote restart or !vote yes.");
 }
 
+TEST_F(ModerationTest, WithoutRecordsTheirCommandsSaySo) {
+  login(ann, "Ann");
+  for (const char* line : {"!top", "!stats", "!claim secret"}) {
+    EXPECT_EQ(answerTo(ann, line), "This server keeps no records.") << line;
+  }
+}
+
+/// The same with records in a file.
+class RecordCommandsTest : public ModerationTest {
+ protected:
+  const std::filesystem::path folder =
+      std::filesystem::temp_directory_path() / ("kelvora-commands-" + std::to_string(std::random_device{}()));
+  std::optional<RecordBook> book;
+  std::optional<Moderation> kept;
+
+  void SetUp() override {
+    std::filesystem::create_directory(folder);
+    book.emplace(host, (folder / "records").native());
+    kept.emplace(arena, bots, *book, host, ModerationSettings{});
+    login(ann, "Ann", "0");
+    login(bob, "Bob", "1");
+  }
+  void TearDown() override {
+    book.reset();
+    std::filesystem::remove_all(folder);
+  }
+  std::vector<std::string> run(ClientId client, const std::string& line) {
+    got.clear();
+    kept->run(client, line, now);
+    host.finishWork();
+    return textsTo(client);
+  }
+};
+
+TEST_F(RecordCommandsTest, TopAndStatsTellWhatPlayersHaveDone) {
+  EXPECT_EQ(run(ann, "!top"), std::vector<std::string>{"Nobody has a record yet."});
+  book->add({{.client = bob, .name = "Bob", .captures = 7, .isWinner = true, .joined = 0},
+             {.client = ann, .name = "Ann", .captures = 2, .joined = 0}},
+            true, 7'500'000);
+  const std::string bobs = "Bob: 7 captures and 1 win in 1 round, 2 h 5 min";
+  EXPECT_EQ(run(ann, "!stats bob"), std::vector<std::string>{bobs});
+  EXPECT_EQ(run(ann, "!stats"), std::vector<std::string>{"Ann: 2 captures and 0 wins in 1 round, 2 h 5 min"});
+  EXPECT_EQ(run(ann, "!stats nobody"), std::vector<std::string>{"There is no record of that name."});
+  EXPECT_EQ(run(ann, "!top").at(0), "1. " + bobs);
+  arena.disconnected(bob);
+  EXPECT_EQ(run(ann, "!stats BOB"), std::vector<std::string>{bobs}) << "of somebody who isn't here";
+}
+
+TEST_F(RecordCommandsTest, ANameIsClaimedOnceAMinuteByANetwork) {
+  EXPECT_EQ(run(ann, "!claim"), std::vector<std::string>{"Type !claim and a password of up to 64 letters."});
+  EXPECT_EQ(run(ann, "!claim " + std::string(65, 'x')).size(), 1U);
+  EXPECT_EQ(run(ann, "!claim secret "),
+            std::vector<std::string>{"The name Ann is yours. From now on, log in with this password."});
+  EXPECT_EQ(run(ann, "!claim secret"), std::vector<std::string>{"You can claim one name a minute."});
+  now += 60'000;
+  EXPECT_EQ(run(ann, "!claim secret"), std::vector<std::string>{"Somebody has claimed the name already."});
+  EXPECT_TRUE(book->verdict(9, "ann", "secret").isPending);
+  host.finishWork();
+  EXPECT_FALSE(book->verdict(9, "ann", "secret").outcome.isRefused());
+}
+
 // A command, then words that commands look for and random ones.
 TEST_F(ModerationTest, RandomCommandLinesDoNoHarm) {
   std::mt19937 random(11);
-  const std::vector<std::string> words = {
-      "!help",      "!who",   "!vote",    "kick",  "restart", "yes",        "!login",
-      "!kick",      "!ban",   "!unban",   "!mute", "!unmute", "!bans",      "!say",
-      "!bots",      "!skill", "!restart", "!end",  "2h",      "forever",    "Ann",
-      "bob",        "Cat",    "red",      "hard",  "3",       "-1",         "99999999999999999999",
-      "192.0.2.2",  "::1/64", "\"",       "!",     " ",       "(private) ", "%s%n",
-      "open-sesame"};
+  const std::vector<std::string> words = {"!help",
+                                          "!who",
+                                          "!vote",
+                                          "kick",
+                                          "restart",
+                                          "yes",
+                                          "!login",
+                                          "!kick",
+                                          "!ban",
+                                          "!unban",
+                                          "!mute",
+                                          "!unmute",
+                                          "!bans",
+                                          "!say",
+                                          "!bots",
+                                          "!skill",
+                                          "!restart",
+                                          "!end",
+                                          "!top",
+                                          "!stats",
+                                          "!claim",
+                                          "2h",
+                                          "forever",
+                                          "Ann",
+                                          "bob",
+                                          "Cat",
+                                          "red",
+                                          "hard",
+                                          "3",
+                                          "-1",
+                                          "99999999999999999999",
+                                          "192.0.2.2",
+                                          "::1/64",
+                                          "\"",
+                                          "!",
+                                          " ",
+                                          "(private) ",
+                                          "%s%n",
+                                          "open-sesame"};
   loginThree();
   becomeModerator(ann);
   for (int round = 0; round < 4'000; ++round) {

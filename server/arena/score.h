@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "base/millis.h"
+#include "base/outcome.h"
+#include "server/arena/clientId.h"
+
+namespace kelvora::server {
+
+/// What a person has done in a round.
+struct Score {
+  ClientId client = 0;
+  std::string name{};
+  int captures = 0;
+  bool isWinner = false;
+  Millis joined = 0;  ///< when the person logged in
+};
+
+/// Whether a login may use its name, which may be claimed by somebody.
+struct NameVerdict {
+  bool isPending = false;  ///< ask again
+  Outcome outcome = Outcome::done();
+};
+
+}  // namespace kelvora::server

@@ -1,0 +1,212 @@
+#include "server/records/database.h"
+
+#include <sqlite3.h>
+
+#include <string_view>
+
+namespace kelvora::server {
+
+namespace {
+
+constexpr int busyTimeout = 5'000;  // ms to wait for another server's transaction
+constexpr std::int64_t secondsPerDay = 86'400;
+
+constexpr const char* schema =
+    "PRAGMA journal_mode = WAL;"
+    "PRAGMA synchronous = FULL;"
+    "PRAGMA journal_size_limit = 1048576;"
+    "CREATE TABLE IF NOT EXISTS players (key BLOB PRIMARY KEY, name BLOB NOT NULL, rounds INTEGER NOT NULL DEFAULT 0,"
+    " captures INTEGER NOT NULL DEFAULT 0, wins INTEGER NOT NULL DEFAULT 0, seconds INTEGER NOT NULL DEFAULT 0,"
+    " seen INTEGER NOT NULL, hash TEXT NOT NULL DEFAULT '') WITHOUT ROWID;"
+    "CREATE TABLE IF NOT EXISTS days (day INTEGER NOT NULL, key BLOB NOT NULL, rounds INTEGER NOT NULL,"
+    " captures INTEGER NOT NULL, wins INTEGER NOT NULL, seconds INTEGER NOT NULL, PRIMARY KEY (day, key)) WITHOUT "
+    "ROWID;"
+    "CREATE INDEX IF NOT EXISTS best ON players (captures DESC, wins DESC);"
+    "CREATE INDEX IF NOT EXISTS oldest ON players (seen) WHERE hash = '';"
+    "CREATE INDEX IF NOT EXISTS claimed ON players (key) WHERE hash <> '';";
+
+/// A prepared statement. Texts are stored as blobs, because they aren't UTF-8.
+class Statement {
+ public:
+  Statement(sqlite3* database, const char* text) : database_(database) {
+    if (sqlite3_prepare_v2(database, text, -1, &statement_, nullptr) != SQLITE_OK) fail();
+  }
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+  ~Statement() { sqlite3_finalize(statement_); }
+
+  Statement& with(std::int64_t value) {
+    if (sqlite3_bind_int64(statement_, ++bound_, value) != SQLITE_OK) fail();
+    return *this;
+  }
+  /// The text must outlive the steps.
+  Statement& with(const std::string& bytes) {
+    if (sqlite3_bind_blob64(statement_, ++bound_, bytes.data(), bytes.size(), SQLITE_STATIC) != SQLITE_OK) fail();
+    return *this;
+  }
+  /// True if there is a row.
+  bool step() {
+    const int result = sqlite3_step(statement_);
+    if (result != SQLITE_ROW && result != SQLITE_DONE) fail();
+    return result == SQLITE_ROW;
+  }
+  std::int64_t number(int column) const { return sqlite3_column_int64(statement_, column); }
+  std::string text(int column) const {
+    const void* bytes = sqlite3_column_blob(statement_, column);
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement_, column));
+    return bytes == nullptr ? std::string() : std::string(static_cast<const char*>(bytes), size);
+  }
+
+ private:
+  [[noreturn]] void fail() const { throw DatabaseError(sqlite3_errmsg(database_)); }
+
+  sqlite3* database_;
+  sqlite3_stmt* statement_ = nullptr;
+  int bound_ = 0;
+};
+
+Deeds readDeeds(const Statement& row) {
+  return {row.text(0), row.number(1), row.number(2), row.number(3), row.number(4)};
+}
+
+}  // namespace
+
+struct Database::Connection {
+  sqlite3* handle = nullptr;
+
+  ~Connection() { sqlite3_close(handle); }
+  void run(const char* text) const {
+    if (sqlite3_exec(handle, text, nullptr, nullptr, nullptr) != SQLITE_OK) {
+      throw DatabaseError(sqlite3_errmsg(handle));
+    }
+  }
+};
+
+namespace {
+
+/// Takes effect as a whole at `commit`, or not at all.
+template <class Connection>
+class Transaction {
+ public:
+  explicit Transaction(const Connection& connection) : connection_(connection) { connection.run("BEGIN IMMEDIATE"); }
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  ~Transaction() {
+    if (!isDone_) sqlite3_exec(connection_.handle, "ROLLBACK", nullptr, nullptr, nullptr);
+  }
+  void commit() {
+    connection_.run("COMMIT");
+    isDone_ = true;
+  }
+
+ private:
+  const Connection& connection_;
+  bool isDone_ = false;
+};
+
+}  // namespace
+
+bool Database::isSupported() { return true; }
+
+Database::Database(const std::string& path) : connection_(std::make_unique<Connection>()) {
+  constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+  if (sqlite3_open_v2(path.c_str(), &connection_->handle, flags, nullptr) != SQLITE_OK) {
+    throw DatabaseError(sqlite3_errmsg(connection_->handle));
+  }
+  sqlite3_busy_timeout(connection_->handle, busyTimeout);
+  connection_->run(schema);
+}
+
+Database::~Database() = default;
+
+void Database::add(const std::vector<Deeds>& deeds, const std::vector<std::string>& keys, std::int64_t now) {
+  sqlite3* const handle = connection_->handle;
+  const std::int64_t day = now / secondsPerDay;
+  Transaction transaction(*connection_);
+  for (std::size_t i = 0; i < deeds.size(); ++i) {
+    const Deeds& part = deeds[i];
+    Statement(handle,
+              "INSERT INTO players (key, name, rounds, captures, wins, seconds, seen) VALUES (?, ?, ?, ?, ?, ?, ?)"
+              " ON CONFLICT (key) DO UPDATE SET name = excluded.name, rounds = rounds + excluded.rounds,"
+              " captures = captures + excluded.captures, wins = wins + excluded.wins,"
+              " seconds = seconds + excluded.seconds, seen = excluded.seen")
+        .with(keys[i])
+        .with(part.name)
+        .with(part.rounds)
+        .with(part.captures)
+        .with(part.wins)
+        .with(part.seconds)
+        .with(now)
+        .step();
+    Statement(handle,
+              "INSERT INTO days (day, key, rounds, captures, wins, seconds) VALUES (?, ?, ?, ?, ?, ?)"
+              " ON CONFLICT (day, key) DO UPDATE SET rounds = rounds + excluded.rounds,"
+              " captures = captures + excluded.captures, wins = wins + excluded.wins,"
+              " seconds = seconds + excluded.seconds")
+        .with(day)
+        .with(keys[i])
+        .with(part.rounds)
+        .with(part.captures)
+        .with(part.wins)
+        .with(part.seconds)
+        .step();
+  }
+  Statement(handle, "DELETE FROM days WHERE day <= ?").with(day - daysKept).step();
+  Statement(handle,
+            "DELETE FROM players WHERE key IN (SELECT key FROM players WHERE hash = '' ORDER BY seen"
+            " LIMIT max(0, (SELECT count(*) FROM players) - ?))")
+      .with(maxPlayers)
+      .step();
+  transaction.commit();
+}
+
+std::vector<Deeds> Database::top(std::size_t count) const {
+  Statement rows(connection_->handle,
+                 "SELECT name, rounds, captures, wins, seconds FROM players ORDER BY captures DESC, wins DESC, key"
+                 " LIMIT ?");
+  rows.with(static_cast<std::int64_t>(count));
+  std::vector<Deeds> best;
+  while (rows.step()) best.push_back(readDeeds(rows));
+  return best;
+}
+
+std::vector<Deeds> Database::topOfTheLastDays(std::size_t count, std::int64_t now) const {
+  Statement rows(connection_->handle,
+                 "SELECT coalesce((SELECT name FROM players WHERE players.key = days.key), key), sum(rounds),"
+                 " sum(captures) AS total, sum(wins) AS won, sum(seconds) FROM days WHERE day > ? GROUP BY key"
+                 " ORDER BY total DESC, won DESC, key LIMIT ?");
+  rows.with(now / secondsPerDay - daysKept).with(static_cast<std::int64_t>(count));
+  std::vector<Deeds> best;
+  while (rows.step()) best.push_back(readDeeds(rows));
+  return best;
+}
+
+Deeds Database::deedsOf(const std::string& key) const {
+  Statement row(connection_->handle, "SELECT name, rounds, captures, wins, seconds FROM players WHERE key = ?");
+  return row.with(key).step() ? readDeeds(row) : Deeds{};
+}
+
+std::string Database::claimOf(const std::string& key) const {
+  Statement row(connection_->handle, "SELECT hash FROM players WHERE key = ?");
+  return row.with(key).step() ? row.text(0) : std::string();
+}
+
+Database::Claim Database::claim(const std::string& key, const std::string& name, const std::string& hash,
+                                std::int64_t now) {
+  Transaction transaction(*connection_);
+  if (!claimOf(key).empty()) return Claim::taken;
+  Statement claims(connection_->handle, "SELECT count(*) FROM players WHERE hash <> ''");
+  if (claims.step() && claims.number(0) >= maxClaims) return Claim::full;
+  Statement(connection_->handle,
+            "INSERT INTO players (key, name, seen, hash) VALUES (?, ?, ?, ?)"
+            " ON CONFLICT (key) DO UPDATE SET hash = excluded.hash")
+      .with(key)
+      .with(name)
+      .with(now)
+      .with(hash)
+      .step();
+  transaction.commit();
+  return Claim::made;
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,131 @@
+#include "server/records/recordBook.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "server/arena/names.h"
+#include "server/system/passwords.h"
+
+namespace kelvora::server {
+
+/// Used on the other thread only.
+struct RecordBook::File {
+  std::optional<Database> database{};
+};
+
+RecordBook::RecordBook(Background& background, std::string path)
+    : background_(background), path_(std::move(path)), file_(std::make_shared<File>()) {}
+
+void RecordBook::open() { add({}, false, 0); }
+
+void RecordBook::add(const std::vector<Score>& scores, bool isRoundOver, Millis now) {
+  if (!isKept()) return;
+  std::vector<Deeds> deeds;
+  std::vector<std::string> keys;
+  for (const Score& score : scores) {
+    Millis& counted = countedUntil_.try_emplace(score.client, score.joined).first->second;
+    deeds.push_back({.name = score.name,
+                     .rounds = isRoundOver ? 1 : 0,
+                     .captures = score.captures,
+                     .wins = score.isWinner ? 1 : 0,
+                     .seconds = (now - counted) / 1'000});
+    keys.push_back(skeletonOf(score.name));
+    counted = now;
+  }
+  const auto tables = std::make_shared<Tables>();
+  const std::int64_t today = background_.wallClock();
+  const bool isUnderWay = use(
+      [deeds = std::move(deeds), keys = std::move(keys), tables, today](Database& database) {
+        if (!deeds.empty()) database.add(deeds, keys, today);
+        *tables = {database.top(tableLength), database.topOfTheLastDays(tableLength, today)};
+      },
+      [this, tables](const std::string& error) {
+        if (error.empty()) tables_ = std::move(*tables);
+      });
+  if (!isUnderWay) report("too much is to be written");
+}
+
+void RecordBook::left(ClientId client) {
+  countedUntil_.erase(client);
+  verdicts_.erase(client);
+}
+
+bool RecordBook::find(const std::string& name, std::function<void(const Deeds& deeds)> finish) {
+  const auto deeds = std::make_shared<Deeds>();
+  return use([key = skeletonOf(name), deeds](Database& database) { *deeds = database.deedsOf(key); },
+             [deeds, finish = std::move(finish)](const std::string&) { finish(*deeds); });
+}
+
+NameVerdict RecordBook::verdict(ClientId client, const std::string& name, const std::string& password) {
+  if (!isKept()) return {};
+  const auto [known, isNew] = verdicts_.try_emplace(client, NameVerdict{.isPending = true});
+  if (!isNew) return known->second;
+  const auto isRight = std::make_shared<bool>(true);  // what can't be read is nobody's
+  const bool isUnderWay = use(
+      [key = skeletonOf(name), password, isRight](Database& database) {
+        const std::string hash = database.claimOf(key);
+        *isRight = hash.empty() || (!password.empty() && matches(password, hash));
+      },
+      [this, client, isRight](const std::string&) {
+        const auto asked = verdicts_.find(client);
+        if (asked == verdicts_.end()) return;
+        asked->second.isPending = false;
+        if (!*isRight) {
+          asked->second.outcome =
+              Outcome::refused("That name is claimed. Log in with its password, or choose another name.");
+        }
+      });
+  if (isUnderWay) return known->second;
+  verdicts_.erase(known);
+  return {.outcome = Outcome::refused("The server is busy. Try again in a moment.")};
+}
+
+bool RecordBook::claim(const std::string& name, const std::string& password,
+                       std::function<void(const std::string& text)> finish) {
+  const auto result = std::make_shared<Database::Claim>();
+  const std::int64_t now = background_.wallClock();
+  return use(
+      [key = skeletonOf(name), name, password, result, now](Database& database) {
+        const std::string hash = hashOf(password);
+        if (hash.empty()) throw DatabaseError("the password can't be hashed");
+        *result = database.claim(key, name, hash, now);
+      },
+      [name, result, finish = std::move(finish)](const std::string& error) {
+        if (!error.empty()) return finish("The name can't be claimed now.");
+        switch (*result) {
+          case Database::Claim::made:
+            return finish("The name " + name + " is yours. From now on, log in with this password.");
+          case Database::Claim::taken:
+            return finish("Somebody has claimed the name already.");
+          case Database::Claim::full:
+            return finish("No more names can be claimed here.");
+        }
+      });
+}
+
+bool RecordBook::use(std::function<void(Database&)> work, std::function<void(const std::string& error)> finish) {
+  const auto error = std::make_shared<std::string>();
+  return background_.runAside(
+      [file = file_, path = path_, work = std::move(work), error] {
+        try {
+          if (!file->database) file->database.emplace(path);
+          work(*file->database);
+        } catch (const DatabaseError& fault) {
+          *error = fault.what();
+          file->database.reset();
+        }
+      },
+      [this, error, finish = std::move(finish)] {
+        report(*error);
+        finish(*error);
+      });
+}
+
+void RecordBook::report(const std::string& error) {
+  if (error == reported_) return;
+  reported_ = error;
+  background_.log(error.empty() ? "the records work again" : "no records: " + path_ + ": " + error);
+}
+
+}  // namespace kelvora::server

@@ -1,0 +1,19 @@
+#include "server/web/homePage.h"
+
+#include <gtest/gtest.h>
+
+namespace kelvora::server {
+namespace {
+
+TEST(HomePage, HasATableOfRecordsIfThereAreAny) {
+  HomePage page;
+  EXPECT_EQ(homePageAnswer(page).body.find("<table>"), std::string::npos);
+  page.records = {{.title = "Best players", .rows = {{"<J\xFCrgen>", 7, 2, 5, 61}}}, {.title = "Lately", .rows = {}}};
+  const std::string body = homePageAnswer(page).body;
+  EXPECT_NE(body.find("<h2>Best players</h2>"), std::string::npos);
+  EXPECT_NE(body.find("<td>&lt;J\u00FCrgen&gt;</td><td>7</td><td>2</td><td>5</td><td>61</td>"), std::string::npos);
+  EXPECT_EQ(body.find("Lately"), std::string::npos) << "an empty table";
+}
+
+}  // namespace
+}  // namespace kelvora::server
