@@ -31,22 +31,20 @@ std::string replaceFile(const std::string& path, const std::string& contents) {
   const std::string fresh = path + ".new";
   const int file = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   if (file < 0) return lastError();
-  const bool isWritten = writeAll(file, contents) && ::fsync(file) == 0;
-  const std::string error = isWritten ? "" : lastError();
+  std::string error = writeAll(file, contents) && ::fsync(file) == 0 ? "" : lastError();
   ::close(file);
-  if (!isWritten || std::rename(fresh.c_str(), path.c_str()) != 0) {
-    const std::string reason = isWritten ? lastError() : error;
+  if (error.empty() && std::rename(fresh.c_str(), path.c_str()) != 0) error = lastError();
+  if (!error.empty()) {
     ::unlink(fresh.c_str());
-    return reason;
+    return error;
   }
   // The new name is in the folder, which the disk has to hold as well.
   const std::string folder = std::filesystem::path(path).parent_path().native();
   const int opened = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (opened < 0) return lastError();
-  const bool isKept = ::fsync(opened) == 0;
-  const std::string reason = isKept ? "" : lastError();
+  if (::fsync(opened) != 0) error = lastError();
   ::close(opened);
-  return reason;
+  return error;
 }
 
 }  // namespace kelvora::server

@@ -123,6 +123,7 @@ void run(Input input) {
                          .intermissionMs = 1'000,
                          .respawnWaitMs = 500,
                          .incomePerMinute = 6'000,
+                         .coach = true,
                          .speedFactor = (flags & 8) != 0 ? 3.0 : 0.0};
   Table table(flags % 6, (flags & 64) != 0 ? "sesame" : "", rules);
   // After byte 255 comes an action and its target. Everything else is sent by the current client.
