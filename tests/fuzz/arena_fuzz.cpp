@@ -9,6 +9,7 @@
 #include "protocol/frameReader.h"
 #include "protocol/wireFormat.h"
 #include "server/arena/arena.h"
+#include "server/arena/names.h"
 #include "server/bots/botKeeper.h"
 #include "tests/fuzz/input.h"
 
