@@ -1,11 +1,13 @@
 """The script that starts everything, ./play, with the real server and stand-ins for the build and the game."""
 
+import http.server
 import os
 import pathlib
 import shutil
 import signal
 import subprocess
 import tempfile
+import threading
 import unittest
 import urllib.error
 import urllib.request
@@ -150,6 +152,28 @@ class Play(unittest.TestCase):
             self.assertEqual(self.process.wait(60), 3)
             self.assertIsNotNone(self.page(), "the server goes on")
 
+    def test_another_program_on_the_port_is_no_server(self):
+        class Other(http.server.BaseHTTPRequestHandler):
+            def log_message(self, *_):
+                pass
+        with Server(), http.server.ThreadingHTTPServer(("127.0.0.1", self.port), Other) as other:
+            thread = threading.Thread(target=other.serve_forever)
+            thread.start()
+            try:
+                self.play()
+                self.assertEqual(self.process.wait(60), 1)
+            finally:
+                other.shutdown()
+                thread.join()
+        self.assertIn(f"Another program uses port {self.port}", self.said())
+        self.assertFalse((self.folder / "game.told").exists())
+
+    def test_help_starts_nothing(self):
+        self.play("--help")
+        self.assertEqual(self.process.wait(60), 0)
+        self.assertIn("./play web", self.said())
+        self.assertFalse((self.folder / "build").exists())
+
     def test_another_web_host_is_kept(self):
         self.play(KELVORA_WEB_HOST="games.example", KELVORA_FRAME_MS="20")
         self.assertEqual(self.told()[:2], ["games.example", "20"])
@@ -172,6 +196,19 @@ class Play(unittest.TestCase):
         self.wait_to_hear("Ctrl+C stops the server")
         self.assertIn(f"Play in a browser: http://127.0.0.1:{self.port}/\n", self.said())
         self.assertRegex(self.said(), rf"From other machines: http://[0-9a-f.:]*:{self.port}/\n")
+
+    def test_web_for_ipv6_tells_links_that_open(self):
+        self.write("page", "<p>page</p>")
+        self.play("web", "--address", "::")
+        self.wait_to_hear("Ctrl+C stops the server")
+        self.assertIn(f"Play in a browser: http://127.0.0.1:{self.port}/\n", self.said())
+        self.assertIn("From other machines: ", self.said())
+
+    def test_web_shows_the_servers_version(self):
+        self.write("page", "<p>page</p>")
+        self.play("web", "--version")
+        self.assertEqual(self.process.wait(60), 0)
+        self.assertIn("kelvora-server ", self.said())
 
     def test_web_tells_what_is_wrong(self):
         self.write("page", "fault")
