@@ -5,6 +5,7 @@
 #include <csignal>
 #include <ctime>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <optional>
@@ -80,7 +81,10 @@ int main(int argc, char** argv) {
     }
     if (!options.site) options.site = utf8FromPath(usualSite(programFolder()));
     GameServer server(context, options, log);
-    if (!options.site->empty()) log("the page for browsers is in " + *options.site);
+    if (!options.site->empty()) {
+      const bool isThere = std::filesystem::exists(pathFromUtf8(*options.site) / "index.html");
+      log("the page for browsers " + std::string(isThere ? "is in " : "can be put into ") + *options.site);
+    }
     boost::asio::signal_set signals(context);
     // Only a server with such a file has anything to read again.
     const auto reread = options.moderation.bansFile.empty() ? std::nullopt : rereadSignal();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/asio/ip/v6_only.hpp>
+#include <random>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -42,7 +43,7 @@ void Listener::listenOn(const std::vector<asio::ip::address>& addresses) {
   for (auto address = addresses.begin(); address != addresses.end(); ++address) {
     if (std::find(addresses.begin(), address, *address) != address) continue;  // a name can list an address twice
     try {
-      entrances_.push_back({opened({*address, port_})});
+      entrances_.push_back({port_ == 0 ? openedOnFreePort(*address) : opened({*address, port_})});
       port_ = entrances_.back().acceptor.local_endpoint().port();
     } catch (const boost::system::system_error& error) {
       if (!isMissing(error.code())) throw;
@@ -50,6 +51,20 @@ void Listener::listenOn(const std::vector<asio::ip::address>& addresses) {
     }
   }
   if (entrances_.empty()) throw boost::system::system_error(missing);
+}
+
+Acceptor Listener::openedOnFreePort(const asio::ip::address& address) const {
+  std::random_device random;
+  std::uniform_int_distribution<std::uint16_t> ports(10'000, 19'999);
+  for (int tries = 0; tries < 100; ++tries) {
+    try {
+      return opened({address, ports(random)});
+    } catch (const boost::system::system_error& error) {
+      // Windows denies ports that another program has to itself.
+      if (error.code() != asio::error::address_in_use && error.code() != asio::error::access_denied) throw;
+    }
+  }
+  return opened({address, 0});
 }
 
 Acceptor Listener::opened(const asio::ip::tcp::endpoint& endpoint) const {

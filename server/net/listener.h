@@ -47,6 +47,8 @@ class Listener {
 
   void listenOn(const std::vector<asio::ip::address>& addresses);
   Acceptor opened(const asio::ip::tcp::endpoint& endpoint) const;
+  /// Most systems' own choice is higher than any port that the game's clients accept.
+  Acceptor openedOnFreePort(const asio::ip::address& address) const;
   void acceptMore(Entrance& entrance);
 
   asio::io_context& context_;

@@ -58,7 +58,10 @@ def load_protocol():
     """Loads the message ids, which the build writes beside its programs."""
     global protocol
     sys.path.insert(0, str(pathlib.Path(CLIENT).resolve().parent / "generated"))
-    import protocol
+    try:
+        import protocol
+    except ModuleNotFoundError:
+        sys.exit(f"The message ids for Python are missing beside {CLIENT}. Build them: cmake --build --preset release")
 
 
 if CLIENT:

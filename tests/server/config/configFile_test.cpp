@@ -65,6 +65,12 @@ TEST(ServerConfig, CommentsAndEmptyLinesAreIgnored) {
   EXPECT_TRUE(settings.empty());
 }
 
+TEST(ServerConfig, AByteOrderMarkIsNotPartOfTheFirstName) {
+  Settings settings;
+  EXPECT_EQ(read("\xEF\xBB\xBFport = 1\r\n", settings), "");
+  EXPECT_EQ(settings, (Settings{{"port", "1"}}));
+}
+
 TEST(ServerConfig, ErrorsNameTheirLine) {
   Settings settings;
   EXPECT_EQ(read("port = 1\n\nrubbish\n", settings), "a.conf:3: expected \"name = value\"");

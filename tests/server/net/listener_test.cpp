@@ -9,6 +9,7 @@
 #include <system_error>
 #include <vector>
 
+#include "server/lists/hostList.h"
 #include "tests/server/net/tcpClient.h"
 
 namespace kelvora::server {
@@ -69,6 +70,11 @@ TEST_F(ListenerOnAName, AtLeastOneAddressIsNeeded) {
   } catch (const std::system_error& error) {
     EXPECT_TRUE(std::string(error.what()).starts_with("cannot listen on missing:2010: ")) << error.what();
   }
+}
+
+TEST_F(ListenerOnAName, AFreePortIsOneThatClientsAccept) {
+  EXPECT_GE(port, 1024);
+  EXPECT_LE(port, maxListedPort);
 }
 
 TEST_F(ListenerOnAName, APortInUseIsAnError) {
