@@ -23,9 +23,9 @@ std::string_view trim(std::string_view text) {
 }  // namespace
 
 Outcome readConfig(std::string_view text, const std::string& fileName, const TakeSetting& take) {
-  std::map<std::string_view, int> lines;  // by name
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";  // editors for Windows write it
   if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
+  std::map<std::string_view, int> lines;  // by name
   for (int number = 1; !text.empty(); ++number) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     const std::string_view line = trim(text.substr(0, end));
