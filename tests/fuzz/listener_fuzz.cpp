@@ -71,13 +71,13 @@ void checkFrames(std::string_view heard) {
 
 void checkWebSocket(std::string_view heard, bool isHeadPossible);
 
-/// Requires frames of the game, or answers that are as long as they state, except for the last. An answer to HEAD has
-/// no body, so where there can be one, only the beginning counts.
+/// Requires answers that are as long as they state, except for the last, and then frames of the game. An answer to HEAD
+/// has no body, so where there can be one, only the beginning counts.
 void checkPlain(std::string_view heard, bool isHeadPossible) {
-  if (!heard.empty() && heard.front() == wire::frameStart) return checkFrames(heard);
   constexpr std::string_view start = "HTTP/1.1 ";
   constexpr std::string_view length = "\r\nContent-Length: ";
   while (!heard.empty()) {
+    if (heard.front() == wire::frameStart) return checkFrames(heard);
     require(heard.starts_with(start.substr(0, heard.size())));
     const std::size_t end = heard.find("\r\n\r\n");
     if (end == std::string_view::npos) return;
