@@ -1,4 +1,4 @@
-#include "core/startUp.h"
+#include "app/recordGame.h"
 #include "platform/desktop/runDesktop.h"
 
-int main(int argc, char** argv) { return kelvora::runDesktop(argc, argv, kelvora::modMain::startGame); }
+int main(int argc, char** argv) { return kelvora::runDesktop(argc, argv, kelvora::startGameRecorded); }

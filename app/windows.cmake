@@ -1,4 +1,4 @@
-add_executable(kelvora main.cpp)
+add_executable(kelvora windows/game.cpp)
 target_link_libraries(kelvora PRIVATE kelvora_client kelvora_win32)
 set_target_properties(kelvora PROPERTIES WIN32_EXECUTABLE ON)
 kelvora_windows_program(kelvora "Kelvora, an arena game")

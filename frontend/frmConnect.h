@@ -24,7 +24,7 @@ class FrmConnect : public Form {
   // Quirk Q-230: the only caption without a colon.
   Label Label4{this, {120, 1260, 1455, 285}, "Server Password", caption};
   // Quirk Q-229: the password is shown and stored as it is typed.
-  TextBox txtServerPassword{this, {1740, 1260, 2055, 285}, ""};
+  TextBox txtServerPassword{this, {1740, 1260, 2055, 285}, "", {.isSecret = true}};
   Label Label5{this, {120, 1620, 1455, 285}, "Preferred Color:", caption};
   /// The circles' borders are black, so their background is lighter than the dialog.
   Label colourGround{this, {1740, 1620, 1935, 255}, "", {.back = RGB(150, 156, 182)}};

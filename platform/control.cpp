@@ -2,10 +2,31 @@
 
 #include <algorithm>
 
+#include "platform/seamWatch.h"
+
 namespace kelvora {
 
+namespace {
+SeamWatch* seamWatch = nullptr;
+}
+
+void installSeamWatch(SeamWatch* watch) { seamWatch = watch; }
+
+PeerCall::PeerCall() {
+  if (seamWatch) seamWatch->peerCallBegins();
+}
+
+PeerCall::~PeerCall() {
+  if (seamWatch) seamWatch->peerCallEnds();
+}
+
 void notifyPeer(Control& owner, PropertyId id) {
+  const PeerCall call;
   if (owner.peer) owner.peer->changed(id);
+}
+
+void noteAdoption(Control& owner, PropertyId id) {
+  if (seamWatch) seamWatch->adopted(owner, id);
 }
 
 Control::Control(Control* container, Place place)
@@ -31,6 +52,7 @@ Control& Control::root() {
 }
 
 void Control::SetFocus() {
+  const PeerCall call;
   if (peer) peer->takeFocus();
 }
 

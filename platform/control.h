@@ -25,6 +25,15 @@ class Peer {
   virtual void present() {}
 };
 
+/// Tells the seam's watch, if any, that the game calls a peer as long as this exists.
+class PeerCall {
+ public:
+  PeerCall();
+  ~PeerCall();
+  PeerCall(const PeerCall&) = delete;
+  PeerCall& operator=(const PeerCall&) = delete;
+};
+
 /// Position and size in twips, relative to the container's client area.
 struct Place {
   float left = 0;

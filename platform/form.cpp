@@ -15,6 +15,10 @@ Form::Form(std::string caption, Design formDesign)
       Caption(*this, PropertyId::Caption, std::move(caption)),
       design(formDesign) {
   Visible.adopt(false);
+  Closing = [this] {
+    unloading();
+    if (unload) unload();
+  };
 }
 
 void Form::Show(Modality modality) {
@@ -33,10 +37,7 @@ void Form::clientResized(float clientWidth, float clientHeight) {
   if (Resize) Resize();
 }
 
-void Form::closedByUser() {
-  unloading();
-  if (unload) unload();
-}
+void Form::closedByUser() { Closing(); }
 
 void retireForm(std::unique_ptr<Form> form) {
   form->unloaded_ = true;

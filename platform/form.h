@@ -41,6 +41,8 @@ class Form : public Control {
 
   /// Raised when the client area has a new size.
   std::function<void()> Resize;
+  /// Raised when the user closes the window. Runs `unloading`, then unloads the form.
+  std::function<void()> Closing;
   /// Raised whenever the window gets the focus, including when it is first shown.
   std::function<void()> Activate;
 
@@ -52,7 +54,7 @@ class Form : public Control {
 
   /// Called when the user or the window manager resizes the window; client area in twips. Runs Resize.
   void clientResized(float clientWidth, float clientHeight);
-  /// Called when the user closes the window: runs `unloading`, then unloads the form.
+  /// Called when the user closes the window. Runs Closing.
   void closedByUser();
 
   /// The modality of the call that made the form visible. Kept until the form is hidden.

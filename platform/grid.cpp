@@ -71,6 +71,7 @@ void Grid::adoptCell(int row, int column) {
   if (!isWithin(row, cells_.size()) || !isWithin(column, columns_.size())) return;
   Row.value_ = row;
   Col.value_ = column;
+  noteAdoption(*this, PropertyId::CurrentCell);
 }
 
 void Grid::setRows(int value) {

@@ -18,6 +18,7 @@ void PictureBox::setPicture(PicturePointer picture) {
 }
 
 void PictureBox::Refresh() {
+  const PeerCall call;
   if (peer) peer->present();
 }
 

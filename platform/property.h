@@ -35,6 +35,8 @@ enum class PropertyId : std::uint8_t {
 class Control;
 /// Tells the control's peer, if any, that the property has a new value.
 void notifyPeer(Control& owner, PropertyId id);
+/// Tells the seam's watch, if any, that the user or the window system has changed the property.
+void noteAdoption(Control& owner, PropertyId id);
 
 /// A property of a control. Assigning it notifies the control's peer, if any. Reading it never calls the peer.
 template <class T>
@@ -54,7 +56,10 @@ class Property {
   }
 
   /// Stores a change made by the user or the window system, without notifying the peer.
-  void adopt(T value) { value_ = std::move(value); }
+  void adopt(T value) {
+    value_ = std::move(value);
+    noteAdoption(owner_, id_);
+  }
 
   friend bool operator==(const Property& property, const T& value) { return property.value_ == value; }
 

@@ -42,6 +42,7 @@ class TextBox : public Control {
     Colour back = RGB(255, 255, 255);
     FontSpec font = {};
     bool systemColours = true;  ///< the dialog's own colours instead of the two above
+    bool isSecret = false;      ///< no recording may contain the text
   };
   TextBox(Control* container, Place place, std::string text, Design design);
   TextBox(Control* container, Place place, std::string text) : TextBox(container, place, std::move(text), Design{}) {}

@@ -45,6 +45,7 @@ class GlyphCache {
  public:
   /// Discards all glyphs and sets the source; null for none.
   void setSource(GlyphSource* source);
+  GlyphSource* source() const { return source_; }
   /// Null if there is no source.
   FontGlyphs* find(const FontSpec& font);
 

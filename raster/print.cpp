@@ -151,4 +151,6 @@ float Surface::textWidth(const FontSpec& font, std::string_view text) {
 
 void Surface::setGlyphSource(GlyphSource* source) { glyphCache().setSource(source); }
 
+GlyphSource* Surface::glyphSource() { return glyphCache().source(); }
+
 }  // namespace kelvora

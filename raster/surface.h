@@ -90,6 +90,8 @@ class Surface {
   /// Sets the source of glyphs, which must outlive all printing. The backend calls it once before anything is printed.
   /// Discards all glyphs of an earlier source.
   static void setGlyphSource(GlyphSource* source);
+  /// The source set last; null for none.
+  static GlyphSource* glyphSource();
 
  private:
   struct PixelPoint {

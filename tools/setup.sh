@@ -2,7 +2,8 @@
 
 # Packages for building and playing, and additional ones for the checks.
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libboost-dev
-  libcurl4-openssl-dev libsqlite3-dev libfontconfig-dev libxcb1-dev libsdl2-dev libmpg123-dev fonts-comic-neue fonts-liberation"
+  libcurl4-openssl-dev libsqlite3-dev libfontconfig-dev libxcb1-dev zlib1g-dev libsdl2-dev libmpg123-dev
+  fonts-comic-neue fonts-liberation"
 window_test_packages="python3 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev clang-format-14
   clang-tidy-14 python3-numpy python3-websockets nginx libnginx-mod-stream caddy prometheus openssl curl wget mpg123

@@ -16,6 +16,7 @@ namespace {
 int depth = 0;
 bool faultReported = false;
 std::string noted;
+std::string recordingFile;
 FaultBox* faultBox = nullptr;
 }  // namespace
 
@@ -28,6 +29,8 @@ HandlerScope::~HandlerScope() {
 
 void noteForReport(std::string what) { noted = std::move(what); }
 
+void nameRecording(std::string file) { recordingFile = std::move(file); }
+
 bool isFaultReported() { return faultReported; }
 void setFaultBox(FaultBox* box) { faultBox = box; }
 
@@ -37,7 +40,8 @@ void reportFault(const char* what) {
   std::fprintf(stderr, "kelvora: %s\n", error.c_str());
   const std::string before = noted.empty() ? std::string() : "Just before: " + noted + ".\n";
   if (faultBox) {
-    faultBox(error, before + "Kelvora " + appVersionText() + " has to end. If you report this, add what you did last.");
+    const std::string proof = recordingFile.empty() ? "what you did last" : "the recording " + recordingFile;
+    faultBox(error, before + "Kelvora " + appVersionText() + " has to end. If you report this, add " + proof + ".");
   }
   std::_Exit(1);
 }

@@ -24,6 +24,9 @@ class HandlerScope {
 /// the outermost handler ends.
 void noteForReport(std::string what);
 
+/// Names the file with the game's recording, for the error box of a fault.
+void nameRecording(std::string file);
+
 /// Shows the error box and ends the process with status 1. No handler runs any more while the box is open.
 [[noreturn]] void reportFault(const char* what);
 /// True once `reportFault` has been called.

@@ -35,6 +35,11 @@ void HeadlessBackend::advance(Tick ms) {
   seconds += static_cast<double>(ms) / 1000;
 }
 
+Tick HeadlessBackend::tickCount() {
+  if (queriesPerTick > 0 && ++tickQueries_ % queriesPerTick == 0) advance(1);
+  return ticks;
+}
+
 Control* HeadlessBackend::focus() const { return screen_->focus; }
 
 HeadlessSocket& HeadlessBackend::socketOf(const Winsock& socket) {

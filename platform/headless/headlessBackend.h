@@ -30,6 +30,7 @@ class HeadlessBackend : public Backend {
 
   // The outside world.
   Tick ticks = 1'000'000;
+  int queriesPerTick = 0;           ///< if set, the clocks advance by 1 ms whenever they have been read this often
   double seconds = 43'200;          ///< since midnight
   std::deque<float> scriptedDraws;  ///< returned by Rnd() first; then the generator
   RandomGenerator generator;
@@ -72,7 +73,7 @@ class HeadlessBackend : public Backend {
   /// The far end of a socket.
   HeadlessSocket& socketOf(const Winsock& socket);
 
-  Tick tickCount() override { return ticks; }
+  Tick tickCount() override;
   float secondsSinceMidnight() override { return static_cast<float>(seconds); }
   float random() override;
   float random(float argument) override { return generator.next(argument); }
@@ -99,6 +100,7 @@ class HeadlessBackend : public Backend {
 
   std::shared_ptr<HeadlessScreen> screen_;
   std::deque<std::function<void()>> events_;
+  int tickQueries_ = 0;
 };
 
 }  // namespace kelvora

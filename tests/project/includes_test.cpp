@@ -19,6 +19,7 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"platform", {"base", "raster"}},
     {"platform/pictures", {"base", "raster"}},
     {"platform/headless", {"base", "platform", "platform/pictures", "raster"}},
+    {"platform/recording", {"base", "platform", "platform/pictures", "raster"}},
     {"platform/sound", {}},
     {"platform/desktop", {"base", "platform", "platform/sound"}},
     {"platform/qt", {"base", "platform", "platform/desktop", "platform/pictures", "raster"}},
@@ -48,8 +49,10 @@ const std::map<std::string, std::set<std::string>> mayInclude = {
     {"server/net",
      {"base", "protocol", "server/arena", "server/bots", "server/config", "server/lists", "server/moderation",
       "server/records", "server/system", "server/web"}},
-    {"app", {"core", "platform/desktop", "platform/web", "rendering"}},
-    {"app/windows", {}},
+    {"app",
+     {"core", "frontend", "platform", "platform/desktop", "platform/pictures", "platform/recording", "platform/web",
+      "raster", "rendering"}},
+    {"app/windows", {"core", "platform/desktop"}},
 };
 const std::set<std::string> outsideTheRooms = {"tests", "bench", "tools", "assets", "docs", "cmake", "packaging"};
 

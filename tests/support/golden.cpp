@@ -8,7 +8,7 @@
 
 #include "generated/sourceFolder.h"
 #include "platform/pictures/pictureFile.h"
-#include "tests/support/pngFile.h"
+#include "platform/pictures/writePng.h"
 
 namespace kelvora {
 

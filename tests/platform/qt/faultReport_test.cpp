@@ -60,6 +60,17 @@ TEST_F(FaultReportDeathTest, PictureIsNamedInsteadOfTheSettingBeforeIt) {
       ::testing::ExitedWithCode(1), "Run-time error: File not found: /nowhere/sheet.png");
 }
 
+TEST_F(FaultReportDeathTest, TheRecordingIsNamed) {
+  EXPECT_EXIT(
+      {
+        nameRecording("match.recording");
+        answerIf(toQString("Kelvora " + appVersionText() +
+                           " has to end. If you report this, add the recording match.recording."));
+        runHandler([] { raiseTypeMismatch(); });
+      },
+      ::testing::ExitedWithCode(1), "Run-time error: Type mismatch");
+}
+
 TEST_F(FaultReportDeathTest, ACommandIsNamed) {
   EXPECT_EXIT(
       {

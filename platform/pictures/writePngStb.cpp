@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "tests/support/pngFile.h"
+#include "platform/pictures/writePng.h"
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC

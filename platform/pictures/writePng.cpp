@@ -1,4 +1,4 @@
-#include "tests/support/pngFile.h"
+#include "platform/pictures/writePng.h"
 
 #include <png.h>
 

@@ -1,0 +1,87 @@
+#include "app/film.h"
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "frontend/frmMain.h"
+#include "platform/pictures/writePng.h"
+
+namespace kelvora {
+
+namespace {
+
+/// The text as one word for the shell.
+std::string quoted(const std::string& text) {
+  std::string word = "'";
+  for (const char letter : text) word += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
+  return word + "'";
+}
+
+}  // namespace
+
+bool Film::add(Tick now) {
+  constexpr Tick interval = 1000 / picturesPerSecond;
+  constexpr Tick longestPause = 1000;
+  next_ = std::max(next_, now - longestPause);
+  if (now < next_) return true;
+  const PictureBox& canvas = frmMain->canvas;
+  const Picture picture{canvas.pixelWidth(), canvas.pixelHeight(), {canvas.pixels().begin(), canvas.pixels().end()}};
+  for (; error_.empty() && next_ <= now; next_ += interval) take(picture);
+  return error_.empty();
+}
+
+FrameFolder::FrameFolder(std::string folder) : folder_(std::move(folder)) {
+  std::error_code ignored;  // a file that can't be written tells it
+  std::filesystem::create_directories(folder_, ignored);
+}
+
+void FrameFolder::take(const Picture& picture) {
+  std::array<char, 32> name{};
+  std::snprintf(name.data(), name.size(), "/%06d.png", ++count_);
+  if (!writePng(folder_ + name.data(), picture)) fail(folder_ + name.data() + " can't be written");
+}
+
+Video::~Video() {
+  if (pipe_ != nullptr) ::pclose(pipe_);
+}
+
+void Video::open() {
+  if (std::system("command -v ffmpeg >/dev/null") != 0) return fail("ffmpeg is not installed");
+  std::signal(SIGPIPE, SIG_IGN);
+  const std::string size = std::to_string(width_) + "x" + std::to_string(height_);
+  const std::string command = "ffmpeg -loglevel error -y -f rawvideo -pix_fmt bgr0 -video_size " + size +
+                              " -framerate " + std::to_string(picturesPerSecond) +
+                              " -i - -vf 'pad=ceil(iw/2)*2:ceil(ih/2)*2' -pix_fmt yuv420p " + quoted("file:" + file_);
+  pipe_ = ::popen(command.c_str(), "w");
+  if (pipe_ == nullptr) fail("ffmpeg can't be started");
+}
+
+void Video::take(const Picture& picture) {
+  if (pipe_ == nullptr) {
+    width_ = picture.width;
+    height_ = picture.height;
+    open();
+  }
+  if (pipe_ == nullptr) return;
+  // A window may change its size, but a video can't.
+  std::vector<Pixel> frame(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+  const auto columns = static_cast<std::ptrdiff_t>(std::min(width_, picture.width));
+  for (int row = 0; row < std::min(height_, picture.height); ++row) {
+    const auto from = picture.pixels.begin() + std::ptrdiff_t{row} * picture.width;
+    std::copy(from, from + columns, frame.begin() + std::ptrdiff_t{row} * width_);
+  }
+  if (std::fwrite(frame.data(), sizeof(Pixel), frame.size(), pipe_) != frame.size()) fail("ffmpeg has failed");
+}
+
+bool Video::finish() {
+  if (pipe_ != nullptr && ::pclose(std::exchange(pipe_, nullptr)) != 0) fail("ffmpeg has failed");
+  return error().empty();
+}
+
+}  // namespace kelvora

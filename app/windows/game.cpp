@@ -1,0 +1,4 @@
+#include "core/startUp.h"
+#include "platform/desktop/runDesktop.h"
+
+int main(int argc, char** argv) { return kelvora::runDesktop(argc, argv, kelvora::modMain::startGame); }

@@ -1,0 +1,364 @@
+#include "platform/recording/replay.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "base/fault.h"
+#include "platform/form.h"
+#include "platform/pictures/pictureFile.h"
+#include "platform/recording/handlers.h"
+#include "platform/recording/replayedPeers.h"
+#include "raster/surface.h"
+
+namespace kelvora::recording {
+
+namespace {
+
+constexpr Tick maxTick = 1'000'000'000'000'000;  // ms
+constexpr std::size_t maxDifferences = 10;
+
+const char* nameOf(Kind kind) {
+  static constexpr const char* names[] = {"nothing",           "the end of events", "events",
+                                          "the clock",         "an event",          "a change by the user",
+                                          "a timer's pause",   "a socket's state",  "a socket's event",
+                                          "received bytes",    "a setting",         "the command line",
+                                          "the web host",      "a picture",         "a sound",
+                                          "the music's state", "a letter",          "a line height",
+                                          "a comparison",      "a fault",           "the end"};
+  return names[static_cast<std::size_t>(kind)];
+}
+
+[[noreturn]] void diverge(const std::string& game, Kind recorded) {
+  throw ReplayEnd{ReplayEnd::Reason::Diverged,
+                  "the game comes to " + game + ", the recorded one to " + nameOf(recorded)};
+}
+
+}  // namespace
+
+/// The recorded letters.
+class Replay::Glyphs : public GlyphSource {
+ public:
+  explicit Glyphs(Replay& replay) : replay_(replay) {}
+
+  Glyph glyph(const FontSpec& font, unsigned char character) override {
+    auto& letters = replay_.glyphs_[keyOf(font)];
+    if (!letters.contains(character)) replay_.next();
+    if (!letters.contains(character)) diverge("a letter", replay_.next());
+    return letters.at(character);
+  }
+
+  int lineHeight(const FontSpec& font) override {
+    if (!replay_.lineHeights_.contains(keyOf(font))) replay_.next();
+    const auto height = replay_.lineHeights_.find(keyOf(font));
+    if (height == replay_.lineHeights_.end()) diverge("a line height", replay_.next());
+    return height->second;
+  }
+
+ private:
+  static FontKey keyOf(const FontSpec& font) { return {font.family, font.size, font.bold}; }
+
+  Replay& replay_;
+};
+
+Replay::Replay(Reader::Source source, std::string dataFolder, GameState state)
+    : reader_(std::move(source)),
+      dataFolder_(std::move(dataFolder)),
+      state_(std::move(state)),
+      glyphSource_(std::make_unique<Glyphs>(*this)),
+      glyphSourceBefore_(Surface::glyphSource()),
+      live_(std::make_shared<Live>()) {
+  try {
+    version_ = reader_.text(maxText);
+    now_ = start_ = reader_.whole();
+    startOfDay_ = reader_.whole();
+  } catch (const Reader::Truncated&) {
+    throw Damaged("it ends too early");
+  }
+  constexpr std::int64_t day = 24 * 3600 * 1000;
+  if (start_ < 0 || start_ > maxTick || startOfDay_ < 0 || startOfDay_ > day) throw Damaged("its time is out of range");
+  Surface::setGlyphSource(glyphSource_.get());
+  installSeamWatch(this);
+}
+
+Replay::~Replay() {
+  installSeamWatch(nullptr);
+  Surface::setGlyphSource(glyphSourceBefore_);
+}
+
+// Reading.
+
+Kind Replay::next() {
+  while (!next_) {
+    if (reader_.isAtEnd()) throw ReplayEnd{ReplayEnd::Reason::Ended, {}};
+    const std::uint8_t byte = reader_.byte();
+    if (byte < static_cast<std::uint8_t>(Kind::Return) || byte > static_cast<std::uint8_t>(Kind::End)) {
+      throw Damaged("a record is of an unknown kind");
+    }
+    const auto kind = static_cast<Kind>(byte);
+    if (kind == Kind::Glyph) {
+      takeGlyph();
+    } else if (kind == Kind::LineHeight) {
+      takeLineHeight();
+    } else {
+      if (kind == Kind::Call || kind == Kind::Tick) nextCall_ = reader_.number();
+      next_ = kind;
+    }
+  }
+  return *next_;
+}
+
+void Replay::consume() {
+  next_.reset();
+  calls_ = 0;
+}
+
+void Replay::expect(Kind kind) {
+  if (next() != kind) diverge(nameOf(kind), next());
+  consume();
+}
+
+void Replay::passTime() {
+  const std::uint64_t passed = reader_.number();
+  if (passed > static_cast<std::uint64_t>(maxTick - now_)) throw Damaged("its time is out of range");
+  now_ += static_cast<Tick>(passed);
+}
+
+Control& Replay::readControl() {
+  const std::uint64_t form = reader_.number();
+  const std::uint64_t control = reader_.number();
+  if (form >= live_->forms.size() || live_->forms[static_cast<std::size_t>(form)] == nullptr) {
+    throw Damaged("a window doesn't exist");
+  }
+  const std::vector<Control*> controls = controlsOf(*live_->forms[static_cast<std::size_t>(form)]);
+  if (control >= controls.size()) throw Damaged("a control doesn't exist");
+  return *controls[static_cast<std::size_t>(control)];
+}
+
+// The world.
+
+void Replay::command() {
+  ++calls_;
+  if (next() != Kind::Call || nextCall_ != calls_) return;
+  consume();
+  playUntilReturn();
+}
+
+void Replay::playUntilReturn() {
+  if (++nesting_ > maxNesting) throw Damaged("its events nest too deeply");
+  for (Kind kind = next(); kind != Kind::Return; kind = next()) playRecord(kind);
+  consume();
+  passTime();
+  --nesting_;
+}
+
+void Replay::playRecord(Kind kind) {
+  consume();
+  switch (kind) {
+    case Kind::Event:
+      return playEvent();
+    case Kind::SocketEvent:
+      return playSocketEvent();
+    case Kind::Adopted:
+      return adopt();
+    case Kind::Check:
+      return compare();
+    case Kind::Resting:
+      if (auto* timer = dynamic_cast<IntervalTimer*>(&readControl())) timer->isResting = true;
+      return;
+    case Kind::SocketState: {
+      const std::uint64_t number = reader_.number();
+      const int state = reader_.byte();
+      if (number >= live_->sockets.size() || state > sckError) throw Damaged("a socket doesn't exist");
+      if (ReplayedSocket* socket = live_->sockets[static_cast<std::size_t>(number)]) {
+        socket->setState(static_cast<SocketState>(state));
+      }
+      return;
+    }
+    default:
+      diverge("events", kind);
+  }
+}
+
+template <class Handler>
+void Replay::runHandler(const Handler& handler) {
+  ++handlers_;
+  try {
+    handler();
+  } catch (const Damaged&) {
+    throw;
+  } catch (const std::exception& fault) {
+    readFault();
+    throw ReplayEnd{ReplayEnd::Reason::Fault, fault.what()};
+  }
+  --handlers_;
+}
+
+void Replay::readFault() {
+  try {
+    if (next() == Kind::Fault) recordedFault_ = reader_.text(maxText);
+  } catch (const ReplayEnd&) {  // a killed game may have lost it
+  } catch (const Reader::Truncated&) {
+  }
+}
+
+void Replay::playEvent() {
+  passTime();
+  Control& control = readControl();
+  const auto* form = dynamic_cast<Form*>(&control.root());
+  const std::uint8_t id = reader_.byte();
+  bool isKnown = false;
+  std::size_t place = 0;
+  const auto read = [&]<class Argument>(Argument) -> Argument {
+    if constexpr (std::is_same_v<Argument, int>) {
+      constexpr int most = 1'000'000;
+      return reader_.within(-most, most);
+    } else {
+      return reader_.coordinate(place++);
+    }
+  };
+  visitHandlers(control, [&]<class... Arguments>(EventId known, std::function<void(Arguments...)>& handler) {
+    if (isKnown || static_cast<std::uint8_t>(known) != id) return;
+    isKnown = true;
+    if (!handler || form->isUnloaded()) throw Damaged("a control doesn't take an event");
+    const std::tuple<Arguments...> arguments{read(Arguments{})...};
+    // A copy, because the handler may destroy what it belongs to.
+    runHandler([&, copy = handler] { std::apply(copy, arguments); });
+  });
+  if (!isKnown) throw Damaged("an event is of an unknown kind");
+}
+
+void Replay::playSocketEvent() {
+  passTime();
+  const std::uint64_t number = reader_.number();
+  const auto id = static_cast<SocketEventId>(reader_.byte());
+  ReplayedSocket* const socket =
+      number < live_->sockets.size() ? live_->sockets[static_cast<std::size_t>(number)] : nullptr;
+  if (socket == nullptr) throw Damaged("a socket doesn't exist");
+  const Winsock& owner = socket->owner();
+  const std::function<void()> handler = id == SocketEventId::Connect       ? owner.onConnect
+                                        : id == SocketEventId::Close       ? owner.onClose
+                                        : id == SocketEventId::DataArrival ? owner.onDataArrival
+                                                                           : nullptr;
+  if (!handler) throw Damaged("a socket doesn't take an event");
+  runHandler(handler);
+}
+
+void Replay::compare() {
+  const std::uint64_t count = reader_.number();
+  if (count > maxParts) throw Damaged("a comparison has too many parts");
+  if (checks_++ == 0) {
+    for (std::uint64_t i = 0; i < count; ++i) partNames_.push_back(reader_.text(maxText));
+  }
+  if (count != partNames_.size()) throw Damaged("a comparison lacks parts");
+  const std::vector<StatePart> parts = state_ ? state_() : std::vector<StatePart>();
+  Difference difference{frames_, elapsed(), {}};
+  for (const std::string& name : partNames_) {
+    std::uint32_t sum = 0;
+    for (const unsigned shift : {0U, 8U, 16U, 24U}) sum |= std::uint32_t{reader_.byte()} << shift;
+    const auto part = std::find_if(parts.begin(), parts.end(), [&](const StatePart& own) { return own.name == name; });
+    if (part != parts.end() && static_cast<std::uint32_t>(part->sum) != sum) difference.parts.push_back(name);
+  }
+  if (!difference.parts.empty() && differences_.size() < maxDifferences) differences_.push_back(difference);
+}
+
+void Replay::takeGlyph() {
+  FontKey key{reader_.text(maxText), reader_.real(), false};
+  std::get<bool>(key) = reader_.byte() != 0;
+  const std::uint8_t character = reader_.byte();
+  Glyph glyph;
+  glyph.left = reader_.within(-maxGlyphSide, maxGlyphSide);
+  glyph.top = reader_.within(-maxGlyphSide, maxGlyphSide);
+  glyph.width = reader_.within(0, maxGlyphSide);
+  glyph.height = reader_.within(0, maxGlyphSide);
+  glyph.advance = reader_.within(-maxGlyphSide, maxGlyphSide);
+  const int size = glyph.width * glyph.height;
+  for (int i = 0; i < size; ++i) glyph.coverage.push_back(reader_.byte());
+  glyphBytes_ += sizeof glyph + glyph.coverage.size();
+  if (glyphBytes_ > maxGlyphBytes) throw Damaged("it has too many letters");
+  glyphs_[key][character] = std::move(glyph);
+}
+
+void Replay::takeLineHeight() {
+  FontKey key{reader_.text(maxText), reader_.real(), false};
+  std::get<bool>(key) = reader_.byte() != 0;
+  constexpr std::size_t maxFonts = 1000;
+  if (lineHeights_.size() >= maxFonts) throw Damaged("it has too many fonts");
+  lineHeights_[key] = reader_.within(0, maxGlyphSide);
+}
+
+// The services.
+
+Tick Replay::tickCount() {
+  ++calls_;
+  if (next() == Kind::Tick && nextCall_ == calls_) {
+    consume();
+    passTime();
+  }
+  return now_;
+}
+
+float Replay::secondsSinceMidnight() {
+  constexpr std::int64_t day = 24 * 3600 * 1000;
+  return static_cast<float>(static_cast<double>((startOfDay_ + now_ - start_) % day) / 1000);
+}
+
+void Replay::doEvents(bool mayWait) {
+  if (!mayWait && handlers_ == 0) {
+    ++frames_;
+    if (onFrame && !onFrame()) throw ReplayEnd{ReplayEnd::Reason::Stopped, {}};
+  }
+  playUntilReturn();
+}
+
+void Replay::messageBox(const std::string&) { playUntilReturn(); }
+
+void Replay::runModal(Form&) { playUntilReturn(); }
+
+void Replay::endProcess() {
+  if (next() != Kind::End) diverge("the end", next());
+  throw ReplayEnd{ReplayEnd::Reason::Ended, {}};
+}
+
+void Replay::placePointer(int, int) { command(); }
+
+std::string Replay::commandLine() {
+  expect(Kind::CommandLine);
+  return reader_.text(maxText);
+}
+
+std::string Replay::webHost() {
+  expect(Kind::WebHost);
+  return reader_.text(maxText);
+}
+
+PicturePointer Replay::loadPicture(const std::string& path) {
+  expect(Kind::Picture);
+  const std::string fault = reader_.text(maxText);
+  if (!fault.empty()) throw RuntimeFault(fault);
+  return pictureSource ? pictureSource(path) : loadPictureFile(path);
+}
+
+std::string Replay::readSetting(const std::string&, const std::string&, const std::string&) {
+  expect(Kind::Setting);
+  return reader_.text(maxText);
+}
+
+void Replay::writeSetting(const std::string&, const std::string&, const std::string&) { command(); }
+
+std::unique_ptr<SocketPeer> Replay::createSocket(Winsock& socket) {
+  return std::make_unique<ReplayedSocket>(*this, socket);
+}
+
+std::unique_ptr<SoundPeer> Replay::createSound() { return std::make_unique<ReplayedSound>(*this); }
+
+std::unique_ptr<MusicPeer> Replay::createMusic() { return std::make_unique<ReplayedMusic>(*this); }
+
+void Replay::realize(Form& form) {
+  const std::size_t number = live_->forms.size();
+  live_->forms.push_back(&form);
+  for (Control* control : controlsOf(form)) control->peer = std::make_unique<ReplayedPeer>(live_, *control, number);
+  command();
+}
+
+}  // namespace kelvora::recording

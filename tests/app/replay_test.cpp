@@ -1,0 +1,190 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "app/replayGame.h"
+#include "core/modMain.h"
+#include "generated/sourceFolder.h"
+#include "platform/recording/format.h"
+#include "platform/recording/stream.h"
+#include "tests/app/recordedMatch.h"
+#include "tests/support/gameTest.h"
+
+namespace kelvora {
+namespace {
+
+using recording::ReplayEnd;
+
+class ReplayTest : public testing::Test {
+ protected:
+  ReplayTest()
+      : path_((std::filesystem::temp_directory_path() /
+               (std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" +
+                std::to_string(testing::UnitTest::GetInstance()->random_seed()) + ".recording"))
+                  .string()) {}
+  ~ReplayTest() override { std::filesystem::remove(path_); }
+
+  /// Returns the fault that has ended the game; empty if none has.
+  std::string record(const RecordedMatch::Rules& rules, const RecordedMatch::Script& script) const {
+    RecordedMatch match(path_, rules, script);
+    match.play();
+    return match.fault;
+  }
+
+  ReplayReport replay(const std::function<void()>& onFrame250 = nullptr) const {
+    const HeadlessClient client;
+    return replayGame(recording::openRecording(path_), KELVORA_SOURCE_DIR, [&](recording::Replay& replay) {
+      replay.pictureSource = testPicture;
+      replay.onFrame = [&] {
+        if (onFrame250 && replay.frames() == 250) onFrame250();
+        return true;
+      };
+    });
+  }
+
+  std::string bytes() const {
+    std::ifstream file(path_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  void write(const std::string& bytes) const { std::ofstream(path_, std::ios::binary) << bytes; }
+
+  /// The recording without its compression.
+  std::string contents() const {
+    const recording::Reader::Source source = recording::openRecording(path_);
+    std::string all;
+    for (std::string part = source(); !part.empty(); part = source()) all += part;
+    return all;
+  }
+
+  std::string refusal() const {
+    try {
+      recording::openRecording(path_);
+    } catch (const recording::Damaged& damage) {
+      return damage.what();
+    }
+    return {};
+  }
+
+  const std::string path_;
+};
+
+void playOn(RecordedMatch& match) {
+  if (match.frame() == 100) match.logIn();
+  if (!modMain::world.localPlayer.isConnected) return;
+  match.steer();
+  if (match.every(4)) match.respawn();
+  if (match.every(7)) match.type("still here");
+}
+
+TEST_F(ReplayTest, EveryComparisonOfAMatchIsEqual) {
+  record({.seconds = 20}, playOn);
+  const ReplayReport report = replay();
+  EXPECT_TRUE(report.isExact()) << report.text;
+  EXPECT_EQ(report.version, appVersionText());
+  // The last pass closes the window, and the first 100 wait for the login. The clock also runs within frames.
+  EXPECT_EQ(report.frames, 2'001U - 100);
+  EXPECT_EQ(report.checks, 19U);
+  EXPECT_GT(report.duration, 20'000);
+}
+
+TEST_F(ReplayTest, ADifferenceIsShownWithItsFrameAndTheStateThatDiffers) {
+  record({.seconds = 6}, playOn);
+  const ReplayReport report = replay([] { modMain::world.localPlayer.kills = 7; });
+  EXPECT_FALSE(report.isExact());
+  ASSERT_FALSE(report.differences.empty());
+  EXPECT_EQ(report.differences.front().frame, 300U);
+  EXPECT_EQ(report.differences.front().parts, std::vector<std::string>{"the local player"});
+}
+
+TEST_F(ReplayTest, ContainsNoPassword) {
+  record({.seconds = 3}, playOn);
+  const std::string all = contents();
+  EXPECT_NE(all.find("Ann"), std::string::npos);
+  EXPECT_EQ(all.find(RecordedMatch::password), std::string::npos);
+}
+
+TEST_F(ReplayTest, ContainsNoStoredPassword) {
+  record({.seconds = 2,
+          .settings = {{{"last login", "server password"}, "swordfish"}, {{"last login", "player name"}, "Zoe"}}},
+         [](RecordedMatch&) {});
+  EXPECT_NE(contents().find("Zoe"), std::string::npos);
+  EXPECT_EQ(contents().find("swordfish"), std::string::npos);
+}
+
+TEST_F(ReplayTest, AKilledGameLosesAtMostASecond) {
+  std::string atKill;
+  record({.seconds = 6}, [&](RecordedMatch& match) {
+    playOn(match);
+    if (match.frame() == 500) atKill = bytes();
+  });
+  write(atKill);
+  const ReplayReport report = replay();
+  EXPECT_TRUE(report.isExact()) << report.text;
+  EXPECT_GE(report.duration, 4'000);
+  EXPECT_LE(report.frames, 500U);
+}
+
+TEST_F(ReplayTest, ReproducesAFaultAtTheStart) {
+  const RecordedMatch::Rules rules{.seconds = 2, .settings = {{{"last login", "player color"}, "red"}}};
+  EXPECT_EQ(record(rules, [](RecordedMatch&) {}), "Type mismatch");
+  const ReplayReport report = replay();
+  EXPECT_EQ(report.reason, ReplayEnd::Reason::Fault);
+  EXPECT_EQ(report.text, "Type mismatch");
+  EXPECT_EQ(report.recordedFault, "Type mismatch");
+}
+
+TEST_F(ReplayTest, ReproducesAFaultInAHandler) {
+  const std::string fault = record({.seconds = 6}, [](RecordedMatch& game) {
+    playOn(game);
+    if (game.frame() != 400) return;
+    game.machine.settings[{"last login", "player color"}] = "red";
+    game.reconnect();
+  });
+  EXPECT_EQ(fault, "Type mismatch");
+  const ReplayReport report = replay();
+  EXPECT_EQ(report.reason, ReplayEnd::Reason::Fault);
+  EXPECT_EQ(report.recordedFault, "Type mismatch");
+  EXPECT_EQ(report.frames, 400U - 100);
+}
+
+TEST_F(ReplayTest, AFullDiskEndsTheRecordingAndNotTheGame) {
+  int frames = 0;
+  RecordedMatch match("/dev/full", {.seconds = 5}, [&](RecordedMatch& game) {
+    playOn(game);
+    frames = game.frame();
+  });
+  match.play();
+  EXPECT_GE(frames, 499);
+  EXPECT_FALSE(match.isRecording());
+}
+
+TEST_F(ReplayTest, RefusesANewerFormatByName) {
+  record({.seconds = 2}, playOn);
+  std::string newer = bytes();
+  newer[recording::magic.size()] = static_cast<char>(recording::formatVersion + 1);
+  write(newer);
+  EXPECT_EQ(refusal(), "it has format 2, which is newer than this program's format 1");
+}
+
+TEST_F(ReplayTest, RefusesOtherFiles) {
+  EXPECT_EQ(refusal(), "it can't be read");
+  write("a text");
+  EXPECT_EQ(refusal(), "it is no recording");
+}
+
+TEST_F(ReplayTest, DamagedBytesEndTheReplay) {
+  record({.seconds = 3}, playOn);
+  std::string damaged = bytes();
+  // A compressed block of an undefined kind.
+  damaged.replace(recording::magic.size() + 1 + 2, 1, 1, '\x07');
+  write(damaged);
+  const ReplayReport report = replay();
+  EXPECT_EQ(report.reason, ReplayEnd::Reason::Damaged);
+  EXPECT_EQ(report.text, "its bytes are damaged");
+}
+
+}  // namespace
+}  // namespace kelvora
