@@ -1,23 +1,16 @@
 #include <benchmark/benchmark.h>
 #include <QGuiApplication>
-#include <cmath>
 #include <cstring>
-#include <random>
 #include <string>
 
 #include "bench/painterReplay.h"
+#include "bench/scene.h"
 #include "bench/surfaceRecorder.h"
 #include "bench/surfaceReplay.h"
 #include "bench/turns.h"
-#include "core/centreMessage.h"
-#include "core/modMain.h"
 #include "frontend/frmMain.h"
-#include "particles/pools.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"
-#include "rendering/paintFrame.h"
-#include "simulation/clsPlayer.h"
-#include "tools/headless/headlessClient.h"
 
 // Records the drawing calls of a whole frame, then repeats them with the game's surface and the desktop's painter, both
 // in memory. Also measures the game's whole frame, which includes ageing, tests and building texts.
@@ -29,100 +22,20 @@ using namespace kelvora::bench;
 
 enum class Texts { None, Full };
 
-/// A world without a screen.
-class Scene : private HeadlessClient {
- public:
-  Scene(bool heavy, Texts texts) {
-    if (texts == Texts::Full) {
-      Surface::setGlyphSource(&glyphs);
-    } else {
-      Surface::setGlyphSource(nullptr);  // prints nothing
-    }
-    machine.generator.randomize(1);
-    clsPlayer& local = modMain::world.localPlayer;
-    local.position = {50000, 50000};
-    local.init(redPlayer, -1, 1, "Ann");
-    modMain::world.mousePos = {8000, 3000};
-    modMain::world.centreMessageAge = 251;
-    if (heavy) fill();
-    if (texts == Texts::Full) write();
-    paint();
-  }
-  ~Scene() { Surface::setGlyphSource(nullptr); }
-
-  /// One frame. The clock stands still, but every tail gets its ageing pass.
-  void paint() {
-    modMain::world.localPlayer.lastAgeTick = machine.ticks - 1;
-    for (clsPlayer& player : modMain::world.opponents) player.lastAgeTick = machine.ticks - 1;
-    modMain::world.centreMessageAge = messageAge;
-    modMain::paintFrame();
-    modMain::world.frameTime = 0;
-  }
-
-  std::vector<DrawingCall> record() {
-    SurfaceRecorder recorder;
-    paint();
-    return recorder.calls;
-  }
-
- private:
-  /// Six players with tails of 300 vertices on the canvas, shields up, and the world's upper edge in view.
-  void fill() {
-    std::mt19937 draws(42);
-    clsPlayer& local = modMain::world.localPlayer;
-    local.position = {50000, 2000};
-    modMain::createParticleField();
-    for (std::int16_t i = 0; i < 5; ++i) {
-      clsPlayer& player = modMain::world.opponents.emplace_back();
-      player.init(static_cast<PlayerColour>(i + 1), i, static_cast<std::int16_t>(i + 2), "Bob");
-      player.awaitingFirstPosition = false;
-      ++modMain::world.opponentCount;
-    }
-    layTail(local, draws);
-    for (clsPlayer& player : modMain::world.opponents) layTail(player, draws);
-    local.position = {50000, 2000};
-  }
-
-  /// A wandering course over the canvas, 250 units per step, with the player at its end.
-  void layTail(clsPlayer& player, std::mt19937& draws) {
-    std::uniform_real_distribution<float> places(-4000, 4000);
-    std::uniform_real_distribution<float> turns(-0.3F, 0.3F);
-    const Vector middle{50000, 2000};
-    Vector place{middle.x + places(draws), middle.y + places(draws)};
-    float heading = turns(draws) * 10;
-    for (int i = 0; i < 300; ++i) {
-      heading += turns(draws);
-      Vector next{place.x + 250 * std::cos(heading), place.y + 250 * std::sin(heading)};
-      if (std::fabs(next.x - middle.x) > 5600 || std::fabs(next.y - middle.y) > 4400) {
-        heading += 2;
-        next = place;
-      }
-      place = next;
-      player.addTail(place);
-    }
-    if (player.playerIndex >= 0) player.position = place;
-    player.powerups[shieldSlot].active = true;
-  }
-
-  void write() {
-    for (std::size_t i = 0; i < modMain::world.chatLines.size(); ++i) {
-      modMain::world.chatLines[i] = {"Ann: that was a close one, see you at the next corner", RGB(200, 220, 255), 10};
-    }
-    modMain::showCentreMessage("Capture your opponents in a loop of your tail");
-    messageAge = 0;
-  }
-
-  QtGlyphSource glyphs;
-  std::int16_t messageAge = 251;
-};
+std::vector<DrawingCall> record(Scene& scene) {
+  SurfaceRecorder recorder;
+  scene.paint();
+  return recorder.calls;
+}
 
 enum Piece : std::size_t { Drawing, Painter, Frame };
 
 /// Argument 0: frames per slice. Counters, in microseconds per frame: the list with the game's surface and with the
 /// desktop's painter, their ratio, the game's whole frame, and the part of it that isn't drawing.
 void frames(benchmark::State& state, bool heavy, Texts texts) {
-  Scene scene(heavy, texts);
-  std::vector<DrawingCall> calls = scene.record();
+  QtGlyphSource glyphs;
+  Scene scene(heavy, texts == Texts::Full ? &glyphs : nullptr);
+  std::vector<DrawingCall> calls = record(scene);
   if (texts == Texts::None) {
     std::erase_if(calls, [](const DrawingCall& call) { return std::holds_alternative<PrintCall>(call.what); });
   }
@@ -158,8 +71,9 @@ void frames(benchmark::State& state, bool heavy, Texts texts) {
 /// Calls of one kind, numbered as in DrawingCall: 1 lines, 2 circles, 3 copies, 4 texts; 0 for all but texts. Clears
 /// first.
 void kinds(benchmark::State& state, bool heavy) {
-  Scene scene(heavy, Texts::Full);
-  std::vector<DrawingCall> calls = scene.record();
+  QtGlyphSource glyphs;
+  Scene scene(heavy, &glyphs);
+  std::vector<DrawingCall> calls = record(scene);
   const auto kind = static_cast<std::size_t>(state.range(0));
   std::erase_if(calls, [&](const DrawingCall& call) {
     return kind == 0 ? std::holds_alternative<PrintCall>(call.what) : call.what.index() != kind;
@@ -181,8 +95,8 @@ void kinds(benchmark::State& state, bool heavy) {
 /// takes the same time on both. Only the pixels cleared and shown increase. Showing copies the image once, like memcpy.
 void canvasSize(benchmark::State& state) {
   enum Part : std::size_t { Draw, Clear, ClearAll, Show, Parts };
-  Scene scene(true, Texts::None);
-  std::vector<DrawingCall> calls = scene.record();
+  Scene scene(true, nullptr);
+  std::vector<DrawingCall> calls = record(scene);
   const Surface* const canvas = &frmMain->canvas;
   std::erase_if(calls, [&](const DrawingCall& call) {
     return call.surface != canvas || std::holds_alternative<PrintCall>(call.what) ||

@@ -18,9 +18,9 @@ class Spy(harness.Line):
         self.start = float(fields[2]), float(fields[3])
 
     def await_frame(self, wanted, condition=lambda fields: True):
-        """The fields of the next such frame. Answers pings meanwhile."""
-        while True:
-            identifier, fields = self.recv_frame()
+        """The fields of the next such frame. Answers pings meanwhile. None once the server has closed."""
+        while received := self.recv_frame():
+            identifier, fields = received
             if identifier == PING:
                 self.send(PING_REPLY, 1)
                 self.send(POSITION_REPORT, *self.start)

@@ -1,0 +1,197 @@
+#!/usr/bin/env python3
+"""Measures the page in headless Chromium, beside the native programs.
+
+    bench/page.py [--browser chromium] [--runs 5] [--minutes 10]
+
+Needs build/web, build/release, and in both the target kelvora_page_frames. Prints the time of whole frames in the browser
+and natively, in turns; the time from the link to the connect dialog, and the bytes that were fetched until then, both
+with an empty cache; the passes per second of a page in a game of six; and the memory of the browser's processes, beside
+those of an empty tab, once a minute. Stops everything it has started.
+"""
+
+import argparse
+import functools
+import http.server
+import re
+import statistics
+import subprocess
+import sys
+import threading
+import time
+from pathlib import Path
+
+PROJECT = Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(PROJECT / "tools" / "desktop"))
+sys.dont_write_bytecode = True
+
+
+def arguments():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--browser", choices=("chromium", "firefox"), default="chromium")
+    parser.add_argument("--native", type=Path, default=PROJECT / "build/release", help="the folder of a release build")
+    parser.add_argument("--web", type=Path, default=PROJECT / "build/web", help="the folder of the browser build")
+    parser.add_argument("--runs", type=int, default=5, help="of each figure that is a median")
+    parser.add_argument("--minutes", type=int, default=10, help="of play while memory is measured")
+    return parser.parse_args()
+
+
+OPTIONS = arguments()
+import harness  # noqa: E402  (found by the line above)
+harness.use_build(OPTIONS.native)
+from browser import Browser  # noqa: E402  (needs the build)
+from page import Page  # noqa: E402
+from protocol import PLAYER_JOINED, POSITION  # noqa: E402
+from spy import Spy  # noqa: E402
+
+EMPTY = "about:blank"
+# Notes when the connect dialog is shown, in milliseconds since the page was asked for.
+WATCH = """() => {
+  const look = () => {
+    if (window.dialogTime || !document.querySelector('.form.dialog:not([hidden])')) return;
+    requestAnimationFrame(() => { window.dialogTime = performance.now(); });
+  };
+  new MutationObserver(look).observe(document, {subtree: true, childList: true, attributes: true});
+}"""
+FETCHED = """[performance.getEntriesByType('navigation')[0], ...performance.getEntriesByType('resource')]
+  .map((entry) => [new URL(entry.name).pathname, entry.transferSize])"""
+
+
+class Silent(http.server.SimpleHTTPRequestHandler):
+    def log_message(self, *_):
+        pass
+
+
+def frame_times(text):
+    return {name: float(time_) for name, time_ in re.findall(r"(light|heavy) ([\d.]+)", text)}
+
+
+def frames_in_browser(port):
+    """Microseconds of a frame by scene."""
+    browser = Browser(OPTIONS.browser)
+    try:
+        tab = browser.open(f"http://127.0.0.1:{port}/kelvora_page_frames.html", browser.visitor(), Page)
+        output = "document.getElementById('output').value"
+        return frame_times(harness.wait_for(lambda: "heavy" in tab.evaluate(output) and tab.evaluate(output), "the frames",
+                                            seconds=180, pause=1))
+    finally:
+        browser.close()
+
+
+def measure_frames():
+    handler = functools.partial(Silent, directory=str(OPTIONS.web))
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    native, browser = [], []
+    for _ in range(OPTIONS.runs):
+        native.append(frame_times(subprocess.run([OPTIONS.native / "kelvora_page_frames"], stdin=subprocess.DEVNULL,
+                                                 capture_output=True, text=True, check=True).stdout))
+        browser.append(frames_in_browser(server.server_port))
+    server.shutdown()
+    for scene, goal in (("light", 3), ("heavy", 2.5)):
+        mine, its = ([times[scene] for times in runs] for runs in (native, browser))
+        ratio = statistics.median(b / a for a, b in zip(mine, its))
+        print(f"{scene} frame: {statistics.median(mine):.1f} us natively, {statistics.median(its):.1f} us in the "
+              f"browser, ratio {ratio:.2f} (goal {goal})", flush=True)
+
+
+def with_page(measure, *options):
+    """Runs `measure` with a server and a new browser, whose cache is empty."""
+    server = harness.Server("--site", str(OPTIONS.web / "site"), *options)
+    browser = Browser(OPTIONS.browser)
+    try:
+        return measure(server, browser)
+    finally:
+        browser.close()
+        server.close()
+
+
+def open_page(server, browser):
+    browser.wire.call("script.addPreloadScript", functionDeclaration=WATCH)
+    page = browser.open(f"http://127.0.0.1:{server.port}/", browser.visitor(), Page)
+    harness.wait_for(lambda: page.evaluate("window.dialogTime"), "the dialog")
+    return page
+
+
+def measure_start():
+    def start(server, browser):
+        page = open_page(server, browser)
+        return page.evaluate("window.dialogTime"), page.evaluate(FETCHED)
+    runs = [with_page(start) for _ in range(OPTIONS.runs)]
+    print(f"from the link to the dialog: {statistics.median(time_ for time_, _ in runs):.0f} ms (goal 1500)")
+    fetched = runs[0][1]
+    print(f"fetched until then: {sum(size for _, size in fetched) / 1e6:.2f} MB (goal 1.5)")
+    for name, size in sorted(fetched, key=lambda one: -one[1])[:6]:
+        print(f"    {size / 1e3:7.0f} KB {name}")
+    sys.stdout.flush()
+
+
+def descendants(pid):
+    """The process and all that it has started."""
+    found = [pid]
+    for one in found:
+        for task in Path(f"/proc/{one}/task").glob("*"):
+            try:
+                found += [int(child) for child in (task / "children").read_text().split()]
+            except OSError:
+                pass
+    return found
+
+
+def memory(browser):
+    """Megabytes of all processes of the browser, shared ones by their share."""
+    total = 0
+    for pid in descendants(browser.process.pid):
+        try:
+            total += int(re.search(r"^Pss:\s+(\d+)", Path(f"/proc/{pid}/smaps_rollup").read_text(), re.M)[1]) / 1024
+        except OSError:
+            pass
+    return total
+
+
+def settled_memory(browser):
+    time.sleep(5)
+    return memory(browser)
+
+
+def measure_game():
+    def play(server, browser):
+        tab = browser.open(EMPTY, browser.visitor(), Page)
+        empty = settled_memory(browser)
+        tab.close()
+        spy = Spy(server.port)
+        page = open_page(server, browser)
+        page.connect()
+        node = spy.await_frame(PLAYER_JOINED, lambda fields: fields[2] == b"Ann")[0]
+        page.wait_for_status("Connected")
+        width, height = page.canvas_size()
+        page.release_brakes(width / 2 + 100, height / 2 + 40)
+        reported = []
+        threading.Thread(target=listen, args=(spy, node, reported), daemon=True).start()
+        print(f"memory of an empty tab: {empty:.0f} MB")
+        print("minute  MB more (goal 120)  passes a second (goal 100)")
+        for minute in range(OPTIONS.minutes + 1):
+            begin, first = time.monotonic(), len(reported)
+            # A turn of the mouse now and then, and a new life after each capture.
+            while time.monotonic() - begin < (60 if minute else 20):
+                before = len(reported)
+                page.mouse_to(width / 2 + 100, height / 2 + (40 if before % 2 else -40))
+                time.sleep(2)
+                if len(reported) == before:
+                    page.click_on("all('.main .picturebox canvas')[2]")  # Spawn
+                    page.release_brakes(width / 2 + 100, height / 2 + 40)
+            # Every fourth pass reports the place, unless the ball rests.
+            gaps = [later - earlier for earlier, later in zip(reported[first:], reported[first + 1:])]
+            flown = [gap for gap in gaps if gap < 0.5]
+            rate = 4 * len(flown) / sum(flown) if flown else 0
+            print(f"{minute:6} {memory(browser) - empty:13.0f} {rate:21.0f}", flush=True)
+    with_page(play, "--bots", "4", "--skill", "easy")
+
+
+def listen(spy, node, reported):
+    while spy.await_frame(POSITION, lambda fields: fields[0] == node):
+        reported.append(time.monotonic())
+
+
+measure_frames()
+measure_start()
+measure_game()
