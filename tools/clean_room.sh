@@ -6,8 +6,8 @@
 # The room is a folder, KELVORA_ROOM (/var/tmp/kelvora-room), recreated each time. The base system is cached next to it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-# shellcheck source=tools/setup.sh
-source tools/setup.sh
+# shellcheck source=tools/common.sh
+source tools/common.sh
 
 room=${KELVORA_ROOM:-/var/tmp/kelvora-room}
 user=player

@@ -3,8 +3,8 @@
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
-# shellcheck source=tools/setup.sh
-source tools/setup.sh
+# shellcheck source=tools/common.sh
+source tools/common.sh
 
 formatter=$(clang_tool clang-format) || exit 1
 mode=(-i)

@@ -5,8 +5,8 @@
 # tools/fuzz.sh --merge [TARGET|all]: adds inputs that reach new code to tests/fuzz/corpus.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
-# shellcheck source=tools/setup.sh
-source tools/setup.sh
+# shellcheck source=tools/common.sh
+source tools/common.sh
 
 all_targets=$(cd tests/fuzz && ls -- *_fuzz.cpp | sed 's/_fuzz\.cpp$//')
 for version in '' -19 -18 -17 -16; do

@@ -3,8 +3,8 @@
 # "tools/package.sh windows" builds a zip and an installer for Windows into build/windows/packages instead.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
-# shellcheck source=tools/setup.sh
-source tools/setup.sh
+# shellcheck source=tools/common.sh
+source tools/common.sh
 
 if [ "${1-}" = windows ]; then
   # shellcheck disable=SC2086

@@ -2,8 +2,8 @@
 # tools/release.sh VERSION: sets the version, such as 9.8.7. docs/releasing.md has the other steps.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-# shellcheck source=tools/setup.sh
-source tools/setup.sh
+# shellcheck source=tools/common.sh
+source tools/common.sh
 
 version=${1:-}
 [[ $version =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || fail "Usage: tools/release.sh VERSION, three numbers such as 9.8.7"

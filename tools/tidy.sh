@@ -3,8 +3,8 @@
 # .clang-tidy changes.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
-# shellcheck source=tools/setup.sh
-source tools/setup.sh
+# shellcheck source=tools/common.sh
+source tools/common.sh
 jobs=${1:-$(nproc)}
 
 tidy=$(clang_tool clang-tidy) || exit 1

@@ -49,7 +49,7 @@ class Play(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kelvora-play-"))
         self.addCleanup(shutil.rmtree, self.folder)
         (self.folder / "tools").mkdir()
-        for name in ("play", "tools/setup.sh"):
+        for name in ("play", "tools/common.sh"):
             shutil.copy(PROJECT / name, self.folder / name)
         self.script("game", GAME)
         self.script("bin/cmake", CMAKE)
