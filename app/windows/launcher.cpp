@@ -22,9 +22,9 @@ int fail(const wchar_t* what) {
 
 /// The file of this name beside this program.
 std::wstring beside(const wchar_t* name) {
-  constexpr DWORD longestPath = 32'768;  // characters
-  std::wstring path(longestPath, L'\0');
-  path.resize(GetModuleFileNameW(nullptr, path.data(), longestPath));
+  constexpr DWORD maxPath = 32'768;  // characters
+  std::wstring path(maxPath, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), maxPath));
   return path.substr(0, path.rfind(L'\\') + 1) + name;
 }
 
@@ -54,7 +54,7 @@ Handle start(const wchar_t* program, const std::wstring& itsArguments, STARTUPIN
   return Handle(started.hProcess);
 }
 
-/// Ends its processes when this program ends, however it ends.
+/// A job whose processes die with this program.
 Handle makeJob() {
   Handle job(CreateJobObjectW(nullptr, nullptr));
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};

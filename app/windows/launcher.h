@@ -2,10 +2,10 @@
 
 namespace kelvora {
 
-/// Starts the game at its design speed and waits for its end. The game gets this program's arguments. Returns its exit
-/// code, or 1 if it can't be started, which a box tells.
+/// Starts the game at its design speed with this program's arguments, and waits. Returns its exit code. If it can't
+/// start, shows a box and returns 1.
 int playOnline();
-/// The same, with a server with bots on this machine, which ends with the game, or with this program.
+/// Also starts a local server with bots, and stops it with the game or this program.
 int playAgainstBots();
 
 }  // namespace kelvora

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <string>
 
 namespace kelvora {
 
-/// What the page tells, in the order of page/events.js.
+/// The kinds of page events, in the same order as `eventKinds` in page/events.js.
 enum class PageEventKind {
   None,
   MouseDown,
@@ -35,11 +34,14 @@ enum class PageEventKind {
 
 struct PageEvent {
   PageEventKind kind = PageEventKind::None;
-  std::array<int, 5> numbers{};  ///< of a mouse event: button, Shift, x and y in pixels, 1 for inside
-  std::string bytes;
+  /// Of a mouse event or touch: button, Shift, x and y in pixels, 1 for inside. Of a key event: KeyCode or KeyAscii, and
+  /// Shift. Of a slider: its value. Of an edited box: the caret. Of a cell: row and column. Of a form: its size or place
+  /// in pixels.
+  std::array<int, 5> numbers{};
+  std::string bytes;  ///< the text of an edited box, or what a socket has received
 };
 
-/// Something that the page knows by a number: a control, a box, a socket. Events for one that is gone are dropped.
+/// A control, box or socket that the page addresses by its id. Events for destroyed objects are dropped.
 class PageObject {
  public:
   PageObject();
@@ -53,7 +55,7 @@ class PageObject {
   int id_;
 };
 
-/// Hands the first waiting event to its object; false if there is none.
+/// Hands the oldest pending event to its object. False if there is none.
 bool servePageEvent();
 
 }  // namespace kelvora

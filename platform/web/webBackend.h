@@ -9,15 +9,15 @@
 
 namespace kelvora {
 
-/// Where the program finds its files; the sounds lie beside the page under the same names.
+/// The folder of the program's files. Sounds are next to the page, under the same names.
 inline constexpr const char* programFolder = "/kelvora";
 
-/// A browser page behind the seam. It has one thread: DoEvents alone gives the browser its turn.
+/// A browser page behind the seam. Single-threaded: only DoEvents yields to the browser.
 class WebBackend : public Backend {
  public:
   WebBackend();
 
-  Tick tickCount() override;
+  Millis tickCount() override;
   float secondsSinceMidnight() override;
   float random() override { return generator_.next(); }
   float random(float argument) override { return generator_.next(argument); }
@@ -51,7 +51,7 @@ class WebBackend : public Backend {
   FramePacer pacer_;
 };
 
-/// Runs the game in a page; does not return.
+/// Runs the game in the page. Never returns.
 [[noreturn]] void runInPage(void (*game)());
 
 }  // namespace kelvora

@@ -2,7 +2,7 @@
 
 namespace kelvora {
 
-/// Brings the tables of the page up to date. Called where the browser gets its turn, since a list comes row by row.
+/// Shows the tables that have changed. Called once per wait, because lists arrive row by row.
 void showStaleGrids();
 
 }  // namespace kelvora

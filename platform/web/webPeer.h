@@ -24,7 +24,7 @@ class TextBox;
 
 inline constexpr int noParent = 0;  ///< of forms
 
-/// A control's element on the page and what all of them share: place, visibility, mouse.
+/// The base of the page's peers: a control's element, with its place, visibility and mouse input.
 class WebPeer : public Peer, public PageObject {
  public:
   /// `parent`: the id of the container's element.
@@ -41,22 +41,22 @@ class WebPeer : public Peer, public PageObject {
   void set(const char* property, double value) const;
   void set(const char* property, const std::string& text) const;
   void set(const char* property, Colour colour) const;
-  /// The browser tabs in the order of the game's numbers.
+  /// Sets the element's position in the tab order.
   void showTabIndex() const;
-  /// The element shows the place and the properties of the control.
+  /// Applies the control's place and size.
   void showPlace();
 
   Control& control_;
 };
 
-/// Sets what is asked first about a finger on a picture with keys, at a place in twips. True if it has handled it.
-/// Any other finger steers like the mouse.
+/// Sets the handler of touches on the canvas, which gets their place in twips. If it returns false, the touch steers
+/// like the mouse.
 void setTouchHandler(bool (*handler)(float x, float y));
 
-/// The font as a style sheet spells it; `points` in place of the font's own size.
+/// The font in CSS, with `points` as its size.
 std::string cssFont(const FontSpec& font, float points);
 
-// One function a kind of control. Each gives the control its peer.
+// One function for each kind of control.
 void makePeer(Label& label, int parent);
 void makePeer(TextBox& box, int parent);
 void makePeer(Button& button, int parent);
@@ -70,7 +70,7 @@ void makePeer(PictureBox& box, int parent);
 void makePeer(MenuItem& item, int parent);
 void makePeer(Form& form);
 
-/// Gives every control on `container` its peer, in the order of their declaration; later ones lie on top.
+/// Creates the peers of all controls on `container`, in order of declaration. Later ones are on top.
 void realizeChildren(Control& container, int parent);
 
 }  // namespace kelvora

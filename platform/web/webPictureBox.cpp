@@ -32,7 +32,7 @@ class PictureBoxPeer : public WebPeer {
     }
     if (event.kind == PageEventKind::Released) isTouchHandled_ = false;
     if (event.kind == PageEventKind::MouseMove && isTouchHandled_) return;
-    // Quirk Q-020: a picture hears of no movement outside its edges, not even while a button is held.
+    // Quirk Q-020: no moves outside the picture's edges, even while a button is held.
     const bool isInside = event.numbers[4] != 0;
     if (event.kind == PageEventKind::MouseMove && !isInside) return;
     WebPeer::take(event);

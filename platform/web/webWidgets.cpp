@@ -29,7 +29,7 @@ class LabelPeer : public WebPeer {
   void show(PropertyId id) override {
     switch (id) {
       case PropertyId::Caption:
-        // The game says the same again and again, once a second or once a frame.
+        // The game sets the same caption again and again, once a second or once a frame.
         if (isCaptionShown_ && caption_ == label_.Caption.get()) return;
         isCaptionShown_ = true;
         caption_ = label_.Caption;

@@ -12,11 +12,12 @@ namespace kelvora {
 
 int shiftBits() {
   const auto isDown = [](int key) { return GetKeyState(key) < 0; };
-  return (isDown(VK_SHIFT) ? 1 : 0) + (isDown(VK_CONTROL) ? 2 : 0) + (isDown(VK_MENU) ? 4 : 0);
+  return (isDown(VK_SHIFT) ? shiftBit : 0) + (isDown(VK_CONTROL) ? controlBit : 0) + (isDown(VK_MENU) ? altBit : 0);
 }
 
 int buttonBits(WPARAM keys) {
-  return ((keys & MK_LBUTTON) != 0 ? 1 : 0) + ((keys & MK_RBUTTON) != 0 ? 2 : 0) + ((keys & MK_MBUTTON) != 0 ? 4 : 0);
+  return ((keys & MK_LBUTTON) != 0 ? leftButton : 0) + ((keys & MK_RBUTTON) != 0 ? rightButton : 0) +
+         ((keys & MK_MBUTTON) != 0 ? middleButton : 0);
 }
 
 ControlPeer* peerOf(const Control& control) { return dynamic_cast<ControlPeer*>(control.peer.get()); }
@@ -48,7 +49,7 @@ void ControlPeer::changed(PropertyId id) {
     case PropertyId::Width:
     case PropertyId::Height:
     case PropertyId::Visible:
-      // What it has covered shows, too.
+      // Also repaints what it covered.
       form_.followControls(control_);
       form_.repaintAll();
       break;
@@ -62,7 +63,6 @@ void ControlPeer::changed(PropertyId id) {
 void ControlPeer::take(const Input& input) {
   const auto x = static_cast<float>(input.x * twipsPerPixel);
   const auto y = static_cast<float>(input.y * twipsPerPixel);
-  constexpr int leftButton = 1;
   switch (input.kind) {
     case InputKind::DoubleClick:
       if (input.first == leftButton && control_.DblClick) return raiseEvent(control_, control_.DblClick);

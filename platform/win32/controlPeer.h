@@ -39,13 +39,13 @@ class ControlPeer : public Peer, public InputTarget {
   virtual void paintOver(const Painter&, const Box&) {}
   /// Called when the control, its container or the form's scale has changed its place or visibility.
   virtual void follow() {}
-  /// What it may draw on.
+  /// The area it may draw on.
   virtual Box reach(const Box& place) const { return place; }
   virtual bool takesMouse() const { return true; }
   virtual bool takesMovesOutside() const { return true; }
   /// True if a press gives it the keyboard.
   virtual bool takesKeys() const { return false; }
-  /// The window that has the focus when the control has; null if it can't have any.
+  /// The control's native window. Null if it has none.
   virtual HWND window() const { return nullptr; }
 
   Control& control() const { return control_; }

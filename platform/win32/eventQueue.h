@@ -24,7 +24,7 @@ enum class InputKind : std::uint8_t {
 
 struct Input {
   InputKind kind;
-  int first = 0;
+  int first = 0;  ///< the first number that InputKind lists
   int shift = 0;
   int x = 0;  ///< pixels of the game
   int y = 0;

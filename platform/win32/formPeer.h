@@ -36,9 +36,9 @@ class FormPeer : public Peer, public InputTarget {
   /// Tells a control and all on it to follow their places.
   void followControls(const Control& control) const;
 
-  /// Gives the keyboard to a control.
+  /// Moves the focus to a control.
   void focus(const ControlPeer& peer);
-  /// Moves the keyboard to the next control in the tab order.
+  /// Moves the focus to the next control in the tab order.
   void focusNext(bool backwards);
 
  private:

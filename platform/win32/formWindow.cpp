@@ -1,6 +1,5 @@
 #include <windowsx.h>
 
-#include <algorithm>
 #include <cmath>
 
 #include "platform/pictureBox.h"

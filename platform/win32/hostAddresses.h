@@ -16,14 +16,14 @@ struct HostAddress {
   std::array<std::byte, 128> bytes{};  ///< as the system's sockets take it
 };
 
-/// The addresses of a host, which a thread of the system looks up.
+/// The addresses of a host, looked up on a system thread.
 class HostAddresses {
  public:
-  /// Starts the search. The network signal tells its end.
+  /// Starts the lookup. Signals networkSignal() when it is done.
   static std::shared_ptr<HostAddresses> lookUp(const std::string& host, int port);
 
   bool areKnown() const { return areKnown_; }
-  /// Looks them up here and now, in the thread of the search.
+  /// Blocks. Called on the lookup's thread.
   void find(const std::string& host, int port);
   /// The next address to try; nothing after the last. Call it once they are known.
   std::optional<HostAddress> next();

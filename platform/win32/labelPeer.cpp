@@ -1,4 +1,3 @@
-#include <algorithm>
 
 #include "platform/desktop/shownLabel.h"
 #include "platform/win32/controlPeer.h"

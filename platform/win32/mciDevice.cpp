@@ -71,7 +71,7 @@ class MciDevice : public MixerDevice {
     command(L"close kelvoraMusic");
   }
 
-  /// By the track's length: only the thread that has opened a device may ask for its state.
+  /// Goes by the track's length, because only the thread that has opened a device may query it.
   bool isMusicPlaying() const override { return Clock::now().time_since_epoch().count() < musicEnd_; }
 
  private:

@@ -54,7 +54,7 @@ void* networkSignal() {
 }
 
 void waitForMessages(int milliseconds) {
-  // A loop of the system's own takes the messages, and returns here with the next turn.
+  // A loop of the system is taking the messages. It returns here with the next turn.
   if (systemLoops > 0) return;
   const HANDLE event = networkSignal();
   const DWORD patience = milliseconds < 0 ? INFINITE : static_cast<DWORD>(milliseconds);

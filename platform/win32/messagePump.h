@@ -2,14 +2,14 @@
 
 namespace kelvora {
 
-/// Dispatches the window messages that are pending. Menus and the dragging of windows run loops of the system's own
+/// Dispatches the window messages that are pending. Menus and the dragging of windows run the system's loops
 /// inside a dispatch. They run on a fiber, so that this returns meanwhile, and the game goes on.
 void pumpMessages();
 
 /// Sleeps until a window message, a network event or the end of this time (ms; -1 for none).
 void waitForMessages(int milliseconds);
 
-/// Called for messages that begin and end a loop of the system's own.
+/// Called for messages that begin and end a loop of the system.
 void systemLoopBegins();
 void systemLoopEnds();
 

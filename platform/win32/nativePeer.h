@@ -4,7 +4,7 @@
 
 namespace kelvora {
 
-/// The peer of a control with a window of the system's.
+/// The peer of a control with a window of its own.
 class NativePeer : public ControlPeer {
  public:
   NativePeer(Control& control, FormPeer& form, const wchar_t* kind, DWORD style, const FontSpec& font);
@@ -26,7 +26,7 @@ class NativePeer : public ControlPeer {
  protected:
   /// The window's place within that of the control.
   virtual Box windowBox(const Box& place) const { return place; }
-  /// A message for the window, before the system handles it. True if the system shall not.
+  /// Sees each message for the window first. True to suppress the system's handling.
   virtual bool handle(UINT, WPARAM, LPARAM, LRESULT& /*result*/) { return false; }
 
  private:

@@ -44,6 +44,7 @@ class Painter {
   void text(const Box& box, const std::wstring& text, const FontSpec& font, Colour colour, UINT flags) const;
   /// A check mark that fills the box.
   void tick(const Box& box, Colour colour) const;
+  /// An ellipse inside the box. `lineWidth` is in pixels of the game.
   void ellipse(const Box& box, Colour fill, Colour line, int lineWidth, bool isDotted) const;
 
  private:

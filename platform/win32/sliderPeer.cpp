@@ -47,7 +47,7 @@ class SliderPeer : public NativePeer {
   }
 
  private:
-  /// The system's are dark, and hard to see on a dark form.
+  /// Draws the ticks, because the system's are dark and hard to see on a dark form.
   void drawTicks(HDC dc) const {
     constexpr int length = 4;
     RECT channel{};

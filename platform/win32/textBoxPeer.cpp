@@ -61,7 +61,7 @@ class TextBoxPeer : public NativePeer {
   }
 
  protected:
-  /// The system's window has no border and begins with its line, which stands in the middle.
+  /// The native edit window is as high as its line of text, and centred in the control, which draws the border.
   Box windowBox(const Box& place) const override {
     constexpr int margin = 4;
     const int height = FontMeasure(gdiFont(box_.design.font, 1)).lineHeight();

@@ -26,13 +26,13 @@ Win32Backend::Win32Backend(std::string commandLine) : commandLine_(std::move(com
   const char* frame = std::getenv("KELVORA_FRAME_MS");
   if (const auto length = frameFromText(frame == nullptr ? "" : frame)) {
     pacer_.emplace(*length);
-    // The system's clock of waits is 15 ms coarse unless a program asks for more.
+    // By default, waits have a resolution of 15 ms.
     timeBeginPeriod(1);
   }
 }
 
-Tick Win32Backend::tickCount() {
-  constexpr Tick first = 1'000'000;
+Millis Win32Backend::tickCount() {
+  constexpr Millis first = 1'000'000;
   return first + std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_).count();
 }
 
@@ -47,7 +47,7 @@ void Win32Backend::messageBox(const std::string& text) {
   std::string shown;
   for (const char16_t letter : boxText(text)) {
     constexpr char16_t mayBreakHere = 0x200B;
-    // The system breaks lines at blanks alone.
+    // The system breaks lines only at blanks.
     if (letter == mayBreakHere) shown += ' ';
     if (const auto byte = toCodePage(letter)) shown += *byte;
   }

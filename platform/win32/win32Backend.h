@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,7 +19,7 @@ class Win32Backend : public Backend {
   /// `commandLine` is the program's arguments, joined by blanks.
   explicit Win32Backend(std::string commandLine);
 
-  Tick tickCount() override;
+  Millis tickCount() override;
   float secondsSinceMidnight() override;
   float random() override { return generator_.next(); }
   float random(float argument) override { return generator_.next(argument); }

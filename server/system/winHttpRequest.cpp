@@ -17,7 +17,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// What a thread of the system's reports about a request.
+/// What a system thread reports about a request.
 class Progress {
  public:
   void report(DWORD step) {

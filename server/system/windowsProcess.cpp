@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Called on a thread of the system's.
+/// Called on a system thread.
 BOOL WINAPI takeConsoleEvent(DWORD event) {
   std::raise(event == CTRL_C_EVENT ? SIGINT : SIGTERM);
   const bool mustEnd = event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT;

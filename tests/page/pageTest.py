@@ -19,7 +19,7 @@ signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 
 
 class PageTest(unittest.TestCase):
-    """One browser for all tests of a class, and for each test a server of its own and visitors without a past."""
+    """One browser for all tests of a class. Each test gets its own server and fresh profiles."""
 
     browser_options = ()
 

@@ -122,7 +122,7 @@ class Browser:
         self.folder.cleanup()
 
     def visitor(self):
-        """A visitor of their own: no tab of another one shares their settings."""
+        """A fresh profile, which shares no settings with other tabs."""
         return self.wire.call("browser.createUserContext")["userContext"]
 
     def open(self, address, visitor, page, size=(1000, 800), kind="window"):
@@ -175,7 +175,7 @@ class Tab:
         return base64.b64decode(self.wire.call("browsingContext.captureScreenshot", context=self.context)["data"])
 
     def complaints(self):
-        """What the browser's console and the page's scripts hold against the page."""
+        """The errors from the page's console and scripts."""
         self.evaluate("1")  # takes in what is on the way
         return [event["params"]["text"] for event in self.wire.events
                 if event["params"]["source"].get("context") == self.context and event["params"]["level"] == "error"]

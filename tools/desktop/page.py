@@ -28,7 +28,7 @@ class Page(Tab):
     """The client in a browser."""
 
     def see(self, expression):
-        """The value of an expression of what can be seen, with the words of PRELUDE."""
+        """The value of an expression that may use PRELUDE's functions."""
         return self.evaluate(f"(() => {{ {PRELUDE} const seen = {expression}; "
                              "return seen instanceof Node ? true : seen; })()")
 

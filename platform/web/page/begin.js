@@ -1,4 +1,4 @@
-// Says so where the browser can't run the game; loads it where it can. Any browser can read this.
+// Loads the game, or says that this browser can't run it. Any browser can read this.
 function showEnd(title, text) {
   document.getElementById('loading').hidden = true;
   var end = document.getElementById('end');

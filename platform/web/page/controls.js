@@ -1,4 +1,4 @@
-// One element a control, found by its number. A control is made, gets its properties one by one, and is removed.
+// The elements of controls, by id. A control is created, gets its properties one by one, and is removed.
 const controls = new Map();
 
 const elementNames = {
@@ -9,7 +9,7 @@ const elementNames = {
 function createControl(id, parentId, kind) {
   const element = document.createElement(elementNames[kind]);
   element.classList.add(kind.toLowerCase());
-  // The face takes focus, mouse and keys.
+  // `face` receives focus, mouse and keys.
   const control = {id, kind, element, client: element, face: element};
   controls.set(id, control);
   const make = makers[kind];
@@ -78,7 +78,7 @@ const makers = {
 
 const colourText = (value) => `rgb(${value >> 16 & 255} ${value >> 8 & 255} ${value & 255})`;
 
-// What all controls understand; a kind's own understanding comes first.
+// The properties of all controls. A kind may override them.
 const commonProperties = {
   Left: (control, value) => { control.element.style.left = value + 'px'; },
   Top: (control, value) => { control.element.style.top = value + 'px'; },
@@ -124,7 +124,7 @@ function setProperty(id, name, value) {
   ((own && own[name]) || commonProperties[name])(control, value);
 }
 
-// A single line stands in the middle of its label.
+// Centres a single line in its label vertically.
 function fitLine(control) {
   if (control.kind !== 'Label') return;
   const style = control.element.style;
@@ -135,7 +135,7 @@ function fitLine(control) {
   tightenLine(control.element);
 }
 
-// Browsers' letters are up to a pixel wider than the design's. A line that this cuts off moves its letters together.
+// Browsers' letters are up to a pixel wider than the design's. Moves the letters of a line together if it is cut off.
 function tightenLine(element) {
   element.style.letterSpacing = '';
   const excess = element.scrollWidth - element.clientWidth;
@@ -151,7 +151,7 @@ function focusControl(id) {
   control.face.focus({preventScroll: true});
 }
 
-// Names boxes and sliders, for screen readers, by the label on their left.
+// Names text boxes and sliders after the label on their left, for screen readers.
 function nameFields(form) {
   const labels = [...form.client.querySelectorAll('.label')];
   for (const field of form.client.querySelectorAll('.textbox, .slider')) {

@@ -1,4 +1,5 @@
-// What the browser tells waits here until the program asks for it inside DoEvents. Nothing ever calls into the program.
+// Queues the browser's events until the program takes them inside DoEvents. Nothing ever calls into the program.
+// The kinds are in the same order as PageEventKind in pageEvents.h.
 const eventKinds = [
   'none', 'mouseDown', 'mouseMove', 'mouseUp', 'doubleClick', 'click', 'keyDown', 'keyPress', 'edited', 'scrolled',
   'changed', 'ticked', 'cellChosen', 'resized', 'moved', 'closed', 'activated', 'socketOpened', 'socketData',
@@ -14,15 +15,15 @@ function post(kind, id, numbers = [], bytes = nothing) {
   const last = pendingEvents[pendingEvents.length - 1];
   const replaces = last && last.kind === kind && last.id === id && (kind === 'mouseMove' || kind === 'resized');
   if (replaces) pendingEvents.pop();
-  // Only a program that has stopped asking gets here.
+  // Reached only if the program has stopped taking events.
   if (pendingEvents.length >= maximumPendingEvents && !kind.startsWith('socket')) return;
   pendingEvents.push({kind, id, numbers, bytes});
   if (endWait) endWait();
 }
 
-// Comes back with the next event, or after the milliseconds. Messages between ports come at once, while a browser rounds
-// its timers up to 4 ms. In a hidden tab it slows them down to one a second or less, but not those of a worker. So the
-// game goes on there, as in a minimised window.
+// Resolves on the next event, or after the milliseconds. Messages between ports arrive at once, while browsers round
+// timers up to 4 ms. In a hidden tab they slow timers down to one a second or less, except in a worker. So the game goes
+// on there, as in a minimised window.
 const workerCode = 'onmessage = (event) => setTimeout(() => postMessage(event.data.number), event.data.milliseconds);';
 const clock = new Worker(URL.createObjectURL(new Blob([workerCode], {type: 'text/javascript'})));
 let clockNumber = 0;

@@ -1,4 +1,4 @@
-// A table of texts whose rows can be chosen; a double click takes one.
+// A table of texts. Clicks and arrow keys choose a row, a double-click takes it.
 function makeGrid(control) {
   control.table = document.createElement('table');
   control.table.tabIndex = 0;
@@ -17,7 +17,7 @@ function makeGrid(control) {
 }
 
 const gridProperties = {
-  // Rows of cells, each row a line and its cells apart by tabs; the fixed rows and columns; then widths and alignments.
+  // JSON: the rows with their cells' texts, the numbers of fixed rows and columns, and the columns' widths and alignments.
   Cells: (control, value) => {
     const {rows, fixedRows, fixedColumns, widths, alignments} = JSON.parse(value);
     control.table.replaceChildren(...rows.map((row, y) => {

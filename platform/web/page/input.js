@@ -1,8 +1,8 @@
-// Mouse and keys as the controls of the program take them: buttons 1 left, 2 right, 4 middle; Shift 1, Ctrl 2, Alt 4.
+// Turns mouse and key events into the program's. Buttons: 1 left, 2 right, 4 middle. Shift: 1 Shift, 2 Ctrl, 4 Alt.
 const buttonBits = [1, 4, 2];
 const shiftBits = (event) => (event.shiftKey ? 1 : 0) + (event.ctrlKey ? 2 : 0) + (event.altKey ? 4 : 0);
 
-// Button, Shift, place in the control's pixels, 1 for inside.
+// A mouse event's numbers: button, Shift, x and y in pixels of the control, 1 for inside.
 function mouseNumbers(element, event, button) {
   const place = element.getBoundingClientRect();
   const scale = place.width / element.offsetWidth || 1;

@@ -37,22 +37,21 @@ mergeInto(LibraryManager.library, {
   page_closeSocket: function(id) { return closeSocket(id); },
   page_send: function(id, bytes, size) { return sendBytes(id, HEAPU8.slice(bytes, bytes + size)); },
 
-  // Settings and other texts come into the room that the program has for them; -1 is none.
-  page_readSetting: function(section, key, room, size) {
+  page_readSetting: function(section, key, buffer, size) {
     const text = readSetting(UTF8ToString(section), UTF8ToString(key));
     if (text === null) return -1;
     const bytes = toBytes(text).subarray(0, size);
-    HEAPU8.set(bytes, room);
+    HEAPU8.set(bytes, buffer);
     return bytes.length;
   },
   page_writeSetting: function(section, key, bytes, size) {
     writeSetting(UTF8ToString(section), UTF8ToString(key), toText(HEAPU8.subarray(bytes, bytes + size)));
   },
-  page_place: function(part, room, size) {
+  page_place: function(part, buffer, size) {
     const parts = {hostname: location.hostname, port: location.port || (location.protocol === 'https:' ? '443' : '80'),
       host: location.host, arguments: decodeURIComponent(location.search.slice(1)).replaceAll('&', ' ')};
     const bytes = toBytes(parts[UTF8ToString(part)]).subarray(0, size);
-    HEAPU8.set(bytes, room);
+    HEAPU8.set(bytes, buffer);
     return bytes.length;
   },
   page_secondsSinceMidnight: function() {
@@ -60,10 +59,10 @@ mergeInto(LibraryManager.library, {
     return now.getHours() * 3600 + now.getMinutes() * 60 + now.getSeconds() + now.getMilliseconds() / 1000;
   },
 
-  page_glyph: function(font, character, numbers, room, size) {
+  page_glyph: function(font, character, numbers, buffer, size) {
     const glyph = drawGlyph(UTF8ToString(font), character);
     HEAP32.set([glyph.left, glyph.top, glyph.width, glyph.height, glyph.advance], numbers >> 2);
-    if (glyph.coverage.length <= size) HEAPU8.set(glyph.coverage, room);
+    if (glyph.coverage.length <= size) HEAPU8.set(glyph.coverage, buffer);
   },
   page_lineHeight: function(font) { return fontLineHeight(UTF8ToString(font)); },
 

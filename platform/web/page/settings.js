@@ -1,4 +1,4 @@
-// Settings in the browser's store, or for this visit alone where it has none.
+// Settings are in the browser's local storage. If it is blocked or full, they last for this visit only.
 const visitSettings = new Map();
 const settingName = (section, key) => `kelvora/${section}/${key}`;
 

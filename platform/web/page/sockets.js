@@ -1,8 +1,8 @@
-// A socket of the program is a WebSocket to the host's /play, whose binary messages are a plain stream of bytes.
+// The program's sockets: each is a WebSocket to the host's /play. Its binary messages are a plain stream of bytes.
 const sockets = new Map();
-const readLimit = 64 << 20;  // bytes that wait for the program
-const readAhead = 256 << 10;  // bytes of one event, so that the page has its turn between them
-const writeLimit = 4 << 20;
+const readLimit = 64 << 20;  // unread bytes; beyond it the connection fails
+const readAhead = 256 << 10;  // bytes of one event, so that the page stays responsive
+const writeLimit = 4 << 20;  // unsent bytes, as in platform/winsock.h
 
 function openSocket(id, host, port) {
   closeSocket(id);
@@ -52,7 +52,7 @@ function takeBytes(id, bytes) {
   last.length = (last.length || last.bytes.length) + bytes.length;
 }
 
-// What is told of a socket dies with its connection.
+// Closes the connection and drops its pending events.
 function closeSocket(id) {
   const socket = sockets.get(id);
   sockets.delete(id);

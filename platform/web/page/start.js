@@ -1,7 +1,7 @@
-// Loading, and the two ends of it: the program runs, or the page says why it doesn't.
+// Loads the program and starts it, or says why it doesn't run.
 const progress = document.getElementById('progress');
 
-// A page that can't go on says so instead of standing still.
+// Reports an error of the page, which would otherwise just stand still.
 function showStop(what) {
   showEnd('Kelvora has stopped', `The page can't go on: ${what}. Reload it to play again.`);
 }

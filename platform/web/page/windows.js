@@ -1,5 +1,5 @@
-// Windows of the page. The first one that is shown fills it; the others are dialogs in front of it, the last raised on
-// top. A modal one makes all below it inert.
+// Windows of the page. The first one fills it. The others are dialogs in front of it, the last raised one on top. A
+// modal dialog makes everything below it inert.
 const desk = document.getElementById('desk');
 let mainWindow = null;
 
@@ -18,7 +18,7 @@ function fitDesk() {
 const scaleText = (scale) => scale === 1 ? '' : `scale(${scale})`;
 fitDesk();
 
-// A dialog is shown in its own size, as far as the page has room for it.
+// Shows a dialog in its own size, or smaller if it doesn't fit into the page.
 function fitDialog(control) {
   const {element} = control;
   control.scale = Math.min(1 / deskScale, deskWidth / element.offsetWidth, deskHeight / element.offsetHeight) || 1;
@@ -162,7 +162,7 @@ const windowProperties = {
   },
 };
 
-// Message boxes stand over everything, the newest on top.
+// Message boxes are above all windows, the newest on top.
 function showBox(id, text) {
   const box = document.createElement('dialog');
   const words = document.createElement('p');
