@@ -25,9 +25,9 @@ std::string quoted(const std::string& text) {
 
 }  // namespace
 
-bool Film::add(Tick now) {
-  constexpr Tick interval = 1000 / picturesPerSecond;
-  constexpr Tick longestPause = 1000;
+bool Film::add(Millis now) {
+  constexpr Millis interval = 1000 / picturesPerSecond;
+  constexpr Millis longestPause = 1000;
   next_ = std::max(next_, now - longestPause);
   if (now < next_) return true;
   const PictureBox& canvas = frmMain->canvas;

@@ -16,7 +16,7 @@ class Film {
 
   virtual ~Film() = default;
   /// Called after each frame with the time since the start, in ms. Returns false after an error.
-  bool add(Tick now);
+  bool add(Millis now);
   /// Ends the film. False after an error.
   virtual bool finish() { return error_.empty(); }
   /// Empty if there is none.
@@ -28,7 +28,7 @@ class Film {
 
  private:
   std::string error_;
-  Tick next_ = 0;  ///< when the next picture is due
+  Millis next_ = 0;  ///< when the next picture is due
 };
 
 /// A folder of PNG files, 000001.png and so on. Creates it.

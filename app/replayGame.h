@@ -17,7 +17,7 @@ struct ReplayReport {
   std::string version;        ///< of the program that recorded
   std::uint64_t frames = 0;
   std::uint64_t checks = 0;
-  Tick duration = 0;  ///< ms
+  Millis duration = 0;  ///< ms
   std::vector<recording::Difference> differences;
 
   /// True if the replay was the recorded game to its end, even if that was a fault.

@@ -26,7 +26,7 @@ constexpr const char* helpText =
     "\n"
     "Exit status: 0 if the replay is exact, 1 if it is not or the recorded game failed, 2 if it can't be read.\n";
 
-std::string clock(Tick milliseconds) {
+std::string clock(Millis milliseconds) {
   const long long seconds = milliseconds / 1000;
   char text[64];
   std::snprintf(text, sizeof text, "%lld:%02lld:%02lld.%03lld", seconds / 3600, seconds / 60 % 60, seconds % 60,

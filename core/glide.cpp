@@ -2,8 +2,8 @@
 
 #include "base/numbers.h"
 #include "core/bounds.h"
-#include "core/mainLoop.h"
 #include "core/modMain.h"
+#include "core/timeScale.h"
 #include "core/view.h"
 #include "protocol/rules.h"
 

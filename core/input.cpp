@@ -1,7 +1,5 @@
 #include "core/input.h"
 
-#include <iterator>
-
 #include "base/numbers.h"
 #include "core/modMain.h"
 #include "core/view.h"

@@ -1,6 +1,5 @@
 #include "core/mainLoop.h"
 
-#include <algorithm>
 #include <cstddef>
 
 #include "core/modMain.h"
@@ -12,9 +11,6 @@
 #include "simulation/clsPlayer.h"
 
 namespace kelvora::modMain {
-
-// Quirk Q-033: at least 1. A machine that paints in less than 10 ms runs the game faster, not smoother.
-double getTimeScale() { return std::max(world.frameTime / 10.0, 1.0); }
 
 void runFrame() {
   if (world.localPlayer.isConnected) {

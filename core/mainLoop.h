@@ -6,7 +6,5 @@ namespace kelvora::modMain {
 void mainLoop();
 /// Runs one frame: moves players, paints, moves particles. Processes no events.
 void runFrame();
-/// The average paint time in units of 10 ms, at least 1. It multiplies every speed per frame.
-double getTimeScale();
 
 }  // namespace kelvora::modMain

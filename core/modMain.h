@@ -35,7 +35,7 @@ namespace modMain {
 struct World {
   // Quirk Q-225: keeps its last value when the mouse leaves the canvas, so the ball flies on towards that point.
   Vector mousePos;                         ///< last mouse position on the canvas, canvas units
-  clsPlayer localPlayer;                   ///< playerIndex -1 once logged in
+  clsPlayer localPlayer;                   ///< its index is localIndex once logged in
   std::int16_t opponentCount = 0;          ///< used slots of `opponents`; never shrinks
   std::deque<clsPlayer> opponents;         ///< a deque, because growing must not move players
   double particleCount = 0;                ///< used slots of `particles`

@@ -14,7 +14,7 @@ void fillColourNames() { std::copy(rules::colourNames.begin(), rules::colourName
 
 std::int16_t getPlayerIndex(std::int16_t node) {
   // Quirk Q-222: isConnected is not checked, so before the first login node 0 is the local player.
-  if (node == world.localPlayer.serverNode) return -1;
+  if (node == world.localPlayer.serverNode) return localIndex;
   for (std::int16_t index = 0; index < world.opponentCount; ++index) {
     const clsPlayer& opponent = playerAt(index);
     if (opponent.serverNode == node && opponent.isConnected) return index;
@@ -24,7 +24,7 @@ std::int16_t getPlayerIndex(std::int16_t node) {
 }
 
 std::int16_t getServerNode(std::int16_t index) {
-  if (index == -1) return world.localPlayer.serverNode;
+  if (index == localIndex) return world.localPlayer.serverNode;
   // Quirk Q-031: a departed player counts as the owner of node 0.
   if (index < 0 || index >= world.opponentCount || !playerAt(index).isConnected) return 0;
   return playerAt(index).serverNode;
@@ -36,7 +36,7 @@ std::string getPlayerName(std::int16_t index) {
 }
 
 clsPlayer& playerAt(std::int16_t index) {
-  if (index == -1) return world.localPlayer;
+  if (index == localIndex) return world.localPlayer;
   if (index < 0 || static_cast<std::size_t>(index) >= world.opponents.size()) raiseSubscriptOutOfRange();
   return world.opponents[static_cast<std::size_t>(index)];
 }

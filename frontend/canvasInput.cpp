@@ -8,10 +8,6 @@ namespace kelvora {
 
 namespace {
 
-constexpr int keyF1 = 112;
-constexpr int leftButton = 1;
-constexpr int rightButton = 2;
-
 constexpr float edge = 30;  // canvas units from the canvas's border within which the pointer is pushed back
 // Quirk Q-224: one number, two units: 2 pixels from an edge, the pointer is pushed 30 pixels.
 constexpr std::int32_t push = 30;  // pixels

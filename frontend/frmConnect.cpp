@@ -1,7 +1,5 @@
 #include "frontend/frmConnect.h"
 
-#include <string>
-
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "base/text.h"

@@ -33,8 +33,7 @@ void FrmFonts::load() { fontMan::showFontsToForm(); }
 
 // Quirk Q-142: only a drag sets the channel. A press on a bar does nothing.
 void FrmFonts::barMouseMove(const Label& bar, int purpose, std::uint8_t channel, int Button, float X) {
-  constexpr int leftAlone = 1;
-  if (Button != leftAlone) return;
+  if (Button != leftButton) return;
   // Quirk Q-140: the factor is 100 although a channel goes up to 255. The bar ends at 100, and brighter colours need a
   // drag beyond it.
   const double value = std::floor(static_cast<double>(X) * 100 / bar.Width);

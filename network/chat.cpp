@@ -50,7 +50,7 @@ void receiveChat(std::int16_t node, const std::string& text) {
   const std::string name = modMain::getPlayerName(index);
   LineType lineType = LineType::PublicChat;
   if (lowerCase(text.substr(0, privatePrefix.size())) == privatePrefix) {
-    if (index == -1) {
+    if (index == localIndex) {
       lineType = LineType::PrivateSent;
     } else {
       // Quirk Q-078: a private message makes its sender the partner, so the next line typed goes to them alone.
@@ -115,22 +115,19 @@ void stepChatHistory(std::int16_t direction) {
 }
 
 void chatKeyDown(int KeyCode) {
-  constexpr int keyReturn = 13;
-  constexpr int keyUp = 38;
-  constexpr int keyDown = 40;
   if (KeyCode == keyUp) stepChatHistory(-1);
   if (KeyCode == keyDown) stepChatHistory(1);
-  if (KeyCode == keyReturn) stepChatHistory(0);
+  if (KeyCode == keyEnter) stepChatHistory(0);
 }
 
 void chatKeyPress(int KeyAscii) {
-  if (KeyAscii != 13) return;
+  if (KeyAscii != keyEnter) return;
   sendChat(frmMain->txtChat.Text);
   frmMain->txtChat.Text = "";
 }
 
 void privateLabelMouseDown(int Button) {
-  if (Button == 1) frmMain->lblPrivChat.BorderStyle = 1;
+  if (Button == leftButton) frmMain->lblPrivChat.BorderStyle = 1;
 }
 
 // Quirk Q-265: only the left button presses the label, but releasing any button changes the mode.

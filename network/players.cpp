@@ -19,7 +19,7 @@ bool isKnownOpponent(std::int16_t index) { return index >= 0 && index < world.op
 /// none.
 clsPlayer* findPlayer(std::int16_t node) {
   const std::int16_t index = modMain::getPlayerIndex(node);
-  if (index == -1) return &world.localPlayer;
+  if (index == localIndex) return &world.localPlayer;
   return isKnownOpponent(index) ? &modMain::playerAt(index) : nullptr;
 }
 
@@ -47,7 +47,7 @@ void receiveAliveState(std::int16_t node, std::int16_t alive) {
   if (index >= world.opponentCount) return;
   // Quirk Q-068: for an opponent this asks for the slot after the last one. There is none, so the message never changes
   // an opponent.
-  if (index != -1) raiseSubscriptOutOfRange();
+  if (index != localIndex) raiseSubscriptOutOfRange();
   world.localPlayer.setAlive(alive != 0);
 }
 

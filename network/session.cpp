@@ -99,7 +99,7 @@ void requestSpawn() {
 }
 
 void receiveLoginAccepted(PlayerColour colour, std::int16_t node, const std::string& name, float x, float y) {
-  world.localPlayer.init(colour, -1, node, name);
+  world.localPlayer.init(colour, localIndex, node, name);
   world.localPlayer.queuePosition({x, y});
   // Quirk Q-071: init has already created the field around the old position. This is the second one.
   modMain::createParticleField();

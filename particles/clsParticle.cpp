@@ -6,8 +6,8 @@
 #include "base/numbers.h"
 #include "core/chance.h"
 #include "core/glide.h"
-#include "core/mainLoop.h"
 #include "core/players.h"
+#include "core/timeScale.h"
 #include "core/view.h"
 
 namespace kelvora {

@@ -16,7 +16,7 @@ Backend& backend() {
   return *installed;
 }
 
-Tick GetTickCount() { return backend().tickCount(); }
+Millis GetTickCount() { return backend().tickCount(); }
 float Timer() { return backend().secondsSinceMidnight(); }
 float Rnd() { return backend().random(); }
 float Rnd(float argument) { return backend().random(argument); }

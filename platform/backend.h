@@ -1,10 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 
+#include "base/millis.h"
 #include "platform/winsock.h"
 #include "raster/picture.h"
 
@@ -15,16 +14,13 @@ class Control;
 class SoundPeer;
 class MusicPeer;
 
-/// Milliseconds, wide enough never to wrap around.
-using Tick = std::int64_t;
-
 /// The services of a platform. One backend is installed before the game starts and outlives it. The game calls it
 /// through the free functions below, which state its contracts.
 class Backend {
  public:
   virtual ~Backend() = default;
 
-  virtual Tick tickCount() = 0;
+  virtual Millis tickCount() = 0;
   virtual float secondsSinceMidnight() = 0;
   virtual float random() = 0;
   virtual float random(float argument) = 0;
@@ -58,7 +54,7 @@ Backend& backend();
 
 /// Milliseconds since an unspecified start. Never decreases. Well above 32001 from the first call on, so that a stored
 /// tick of 0 counts as long ago.
-Tick GetTickCount();
+Millis GetTickCount();
 /// Seconds since midnight, in local time.
 float Timer();
 /// A uniform random number from 0 up to but excluding 1. A negative argument restarts the sequence from it, 0 repeats

@@ -1,7 +1,5 @@
 #include "platform/control.h"
 
-#include <algorithm>
-
 #include "platform/seamWatch.h"
 
 namespace kelvora {

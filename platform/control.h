@@ -54,9 +54,25 @@ class Extent : public Property<float> {
   }
 };
 
+// An event's Button is a bit sum of these.
+inline constexpr int leftButton = 1;
+inline constexpr int rightButton = 2;
+inline constexpr int middleButton = 4;
+
+// An event's Shift is a bit sum of these.
+inline constexpr int shiftBit = 1;
+inline constexpr int controlBit = 2;
+inline constexpr int altBit = 4;
+
+// An event's KeyCode is a virtual-key code, such as these. The first two are also KeyAscii's.
+inline constexpr int keyEnter = 13;
+inline constexpr int keyEscape = 27;
+inline constexpr int keyUp = 38;
+inline constexpr int keyDown = 40;
+inline constexpr int keyF1 = 112;
+
 /// The base of all controls. A control is state: properties and event handlers. It belongs to a form, in the order of
 /// declaration, and can be neither copied nor moved. Mouse coordinates of events are twips relative to the control.
-/// Button and Shift are bit sums (left 1, right 2, middle 4; Shift 1, Ctrl 2, Alt 4).
 class Control {
  public:
   /// Creates a control on `container` (a form, frame or picture box). Only forms have none.
@@ -76,8 +92,8 @@ class Control {
   std::function<void(int Button, int Shift, float X, float Y)> MouseDown;
   std::function<void(int Button, int Shift, float X, float Y)> MouseMove;
   std::function<void(int Button, int Shift, float X, float Y)> MouseUp;
-  std::function<void(int KeyCode, int Shift)> KeyDown;  ///< a virtual-key code: 13 is Enter, 112 F1
-  std::function<void(int KeyAscii)> KeyPress;           ///< a character of code page 1252
+  std::function<void(int KeyCode, int Shift)> KeyDown;
+  std::function<void(int KeyAscii)> KeyPress;  ///< a character of code page 1252
   std::function<void()> DblClick;
 
   /// Requests the keyboard focus from the backend.

@@ -28,6 +28,10 @@ enum SocketState : int {
 /// `send` only on a connected one.
 class SocketPeer {
  public:
+  static constexpr std::int64_t readBufferSize = 256 * 1024;  ///< bytes; beyond it the server has to wait
+  static constexpr std::int64_t writeBufferLimit =
+      4 * 1024 * 1024;  ///< unsent bytes; beyond it the connection is dropped
+
   virtual ~SocketPeer() = default;
   virtual SocketState state() const = 0;
   virtual void connect(const std::string& host, int port) = 0;
@@ -60,7 +64,7 @@ class Winsock {
 
   std::function<void()> onCommand;  ///< called by Connect and Close, the only ways out of a closed or failed state
   std::function<void()> onConnect;
-  std::function<void()> onClose;  ///< the peer closed the connection
+  std::function<void()> onClose;  ///< the server closed the connection
   std::function<void()> onDataArrival;
 
  private:

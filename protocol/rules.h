@@ -24,6 +24,7 @@ inline constexpr double turboFactor = 3;            ///< of the top step
 inline constexpr double ghostFactor = 2;            ///< of the top step
 inline constexpr double brakeRate = 3;              ///< how much the brakes shorten the step along each axis per frame
 inline constexpr int framesPerReport = 4;           ///< between two position reports
+inline constexpr int reportInterval = 10 * framesPerReport;  ///< ms, at the design pace
 
 inline constexpr int vertexLifetime = 2'000;  ///< ms, without an Extra Long Tail
 

@@ -49,7 +49,7 @@ void paintFrame() {
   canvas.Cls();
   radar.Cls();
   world.debugText.clear();
-  const Tick begin = GetTickCount();
+  const Millis begin = GetTickCount();
 
   if (world.localPlayer.isConnected && !world.localPlayer.isAlive()) world.localPlayer.paintSelf();
   paintPool(world.particles, world.particleCount);

@@ -3,7 +3,8 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "core/mainLoop.h"
+#include "core/players.h"
+#include "core/timeScale.h"
 #include "core/view.h"
 #include "frontend/frmMain.h"
 #include "protocol/rules.h"
@@ -17,7 +18,6 @@ namespace kelvora {
 
 namespace {
 
-constexpr std::int16_t localIndex = -1;
 constexpr std::int16_t lastBallCell = 3;
 
 bool isOutside(Vector point, const PictureBox& canvas) {

@@ -2,8 +2,8 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "core/mainLoop.h"
 #include "core/modMain.h"
+#include "core/timeScale.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
 #include "rendering/paintFrame.h"

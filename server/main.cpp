@@ -21,15 +21,9 @@
 #include "server/system/process.h"
 #include "server/web/site.h"
 
-using kelvora::Millis;
 using namespace kelvora::server;
 
 namespace {
-
-Millis steadyMillis() {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
-      .count();
-}
 
 /// Reads a password and prints its hash. Returns the exit status.
 int printHash() {
@@ -75,7 +69,7 @@ int main(int argc, char** argv) {
     // Other threads only post to it, so its sockets need no locks.
     boost::asio::io_context context(BOOST_ASIO_CONCURRENCY_HINT_UNSAFE_IO);
     Log logFile(std::cerr, !isLoggingToJournal());
-    const auto log = [&](const std::string& line) { logFile.write(line, steadyMillis(), std::time(nullptr)); };
+    const auto log = [&](const std::string& line) { logFile.write(line, kelvora::steadyNow(), std::time(nullptr)); };
     if (const std::size_t most = provideDescriptors(GameServer::descriptors); most < GameServer::descriptors) {
       log("only " + std::to_string(most) + " files may be open, so the server may have to turn players away");
     }

@@ -21,12 +21,12 @@ struct PowerupState {
   bool active = false;
 };
 
-/// A player: the local one, steered by the mouse, with playerIndex -1, or an opponent, replayed from relayed positions.
-/// Every room reads and writes the fields.
+/// A player: the local one, steered by the mouse, with playerIndex localIndex, or an opponent, replayed from relayed
+/// positions. Every room reads and writes the fields.
 class clsPlayer {
  public:
   PlayerColour colour = redPlayer;
-  std::int16_t playerIndex = 0;  ///< -1 for the local player, else the slot in `opponents`
+  std::int16_t playerIndex = 0;  ///< localIndex, or the slot in `opponents`
   std::int16_t serverNode = 0;   ///< the server's number for this player
   std::string name;
   Vector position;               ///< world units
@@ -35,7 +35,7 @@ class clsPlayer {
   bool isConnected = false;      ///< false once the player has left
   std::int32_t lag = 0;          ///< ms from the last ping to the last latency report, as the client measured it
   std::int32_t reportedLag = 0;  ///< ms, as the server measured it
-  Tick pingTick = 0;             ///< ms, when the last ping arrived
+  Millis pingTick = 0;           ///< ms, when the last ping arrived
   float clockOffset = 0;         ///< seconds between the server's clock and the client's
   // Quirk Q-220: the game spells brakes "breaks", in names and in texts.
   bool breaksOn = false;              ///< brakes
@@ -56,7 +56,7 @@ class clsPlayer {
 
   // Progress of the operations.
   double reportCounter = 0;          ///< frames since the last position report
-  Tick lastAgeTick = 0;              ///< ms, tick of the last ageing pass
+  Millis lastAgeTick = 0;            ///< ms, tick of the last ageing pass
   bool steering = false;             ///< `moveAsOpponent` has set a velocity for its current target
   bool animFalling = false;          ///< the cells run backwards
   std::int16_t animFrame = 0;        ///< cell of the ball's sheet, 0 to 3
@@ -68,7 +68,8 @@ class clsPlayer {
   double positionQueueCount() const { return static_cast<double>(positionQueue.size()); }
   std::int16_t captureCount() const { return static_cast<std::int16_t>(captures.size()); }
 
-  // Life and score (life.cpp).
+  // Life and score (life.cpp). Captures, kills and lives are displayed in the panel's row of the player's colour:
+  // RuntimeFault if it has none.
   /// Begins a session: connected, alive, brakes on, with the initial stock. Keeps position and tail.
   void init(PlayerColour colour, std::int16_t playerIndex, std::int16_t serverNode, const std::string& name);
   /// Death puts the brakes on. Life shows the local player a tip.
@@ -82,7 +83,7 @@ class clsPlayer {
   void receiveCapture(PlayerColour colour);
   /// Sets the kills and displays them.
   void setKills(std::int16_t kills);
-  /// Credits; always a whole number.
+  /// Credits. Whole, except after a sale with a fraction.
   double funds() const { return funds_; }
   /// Sets the credits, rounding half to even, and displays them if the player is the local one.
   void funds(double credits);
@@ -134,7 +135,8 @@ class clsPlayer {
   // Powerups (store/powerupRules.cpp).
   /// The number of owned powerups of all kinds. RuntimeFault "Overflow" beyond 16 bits.
   std::int16_t totalPowerups() const;
-  /// Asks the server to start the local player's powerup. Refusals go to the console.
+  /// Asks the server to start the local player's powerup. Refusals go to the console. RuntimeFault outside 0
+  /// to 5.
   void requestActivatePowerup(PowerupSlot slot);
   /// The server started a powerup, or ended it early. For a slot outside 0 to 5, `activatePowerup` raises RuntimeFault
   /// and `unactivatePowerup` does nothing.
@@ -146,7 +148,7 @@ class clsPlayer {
   // The store (store/store.cpp).
   /// Fills in the store's window, for the local player only.
   void populatePowerupsForm();
-  /// Sends a request to the server.
+  /// Asks the server. With a full capacity, `purchaseItem` refuses by itself, with a text and a sound.
   void purchaseItem(PowerupSlot item);
   void sellItem(PowerupSlot item);
   /// The server's answers with the item's new stock and the new balance. For an item outside 0 to 5, a purchase sets
@@ -175,7 +177,7 @@ class clsPlayer {
   void paintLaser();
   void paintPowerupCounts();
 
-  double funds_ = 0;  // whole credits
+  double funds_ = 0;
 };
 
 }  // namespace kelvora

@@ -61,7 +61,7 @@ class clsTail {
   Vector position_;              // world units
   std::string tailID_;
   bool isCharged_ = false;
-  Tick lastStep_ = 0;  // 0 until the first step
+  Millis lastStep_ = 0;  // 0 until the first step
   [[no_unique_address]] Counted counted_;
 };
 

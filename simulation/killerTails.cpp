@@ -77,14 +77,15 @@ void executeCapture(std::int16_t winnerNode, std::int16_t loserNode) {
   // Quirk Q-108: nothing checks that the loser is alive. A ghost can be captured again, and the winner scores.
   clsPlayer& victim = playerAt(loser);
   victim.die();
-  if (loser == -1) showCentreMessage("You have been captured!");
+  if (loser == localIndex) showCentreMessage("You have been captured!");
   playerAt(winner).receiveCapture(victim.colour);
-  if (winner == -1) showCentreMessage("You have captured " + getPlayerName(loser));
+  if (winner == localIndex) showCentreMessage("You have captured " + getPlayerName(loser));
 }
 
 void killTailOf(std::int16_t ownerIndex, double num) {
   // Quirk Q-103: the upper bound is inclusive, unlike everywhere else. The slot after the last one is a fault.
-  if (ownerIndex == -1 || (ownerIndex >= 0 && ownerIndex <= world.opponentCount)) playerAt(ownerIndex).killTail(num);
+  if (ownerIndex == localIndex || (ownerIndex >= 0 && ownerIndex <= world.opponentCount))
+    playerAt(ownerIndex).killTail(num);
 }
 
 }  // namespace kelvora::modMain

@@ -2,6 +2,7 @@
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "core/centreMessage.h"
+#include "core/players.h"
 #include "core/view.h"
 #include "particles/pools.h"
 #include "protocol/powerupTable.h"
@@ -10,12 +11,6 @@
 #include "store/frmPowerups.h"
 
 namespace kelvora {
-
-namespace {
-
-constexpr std::int16_t localIndex = -1;
-
-}  // namespace
 
 void clsPlayer::init(PlayerColour newColour, std::int16_t index, std::int16_t node, const std::string& newName) {
   colour = newColour;

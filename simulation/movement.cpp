@@ -3,8 +3,8 @@
 
 #include "audio/soundMan.h"
 #include "base/fault.h"
-#include "core/mainLoop.h"
 #include "core/modMain.h"
+#include "core/timeScale.h"
 #include "core/view.h"
 #include "network/send.h"
 #include "protocol/rules.h"

@@ -11,8 +11,6 @@ namespace kelvora {
 
 namespace {
 
-constexpr float speedLimit = 300;  // world units per frame
-
 /// Stops one axis of an opponent at the edge, without the local player's inset.
 void stopAtEdge(float& coordinate, float& speed) {
   if (coordinate < 0) {
@@ -41,7 +39,7 @@ void clsPlayer::moveAsOpponent() {
   if (positionQueue.empty()) return;
   lastPosition = position;
   const auto layTail = [this] { addTail(position); };
-  if (!modMain::glide({position, velocity, positionQueue, steering, speedLimit}, layTail)) return;
+  if (!modMain::glide({position, velocity, positionQueue, steering, rules::axisClamp}, layTail)) return;
   // Quirk Q-113: the vertex is laid before the position is clamped, so it can lie outside the world.
   addTail(position);
   stopAtEdge(position.x, velocity.x);

@@ -15,14 +15,14 @@ namespace kelvora {
 
 namespace {
 
-constexpr Tick maxStep = 32001;  // ms; a vertex that was never stepped, with a tick of 0, exceeds it too
-constexpr Tick minStep = 10;     // ms
-constexpr double stepUnit = 10;  // ms per unit of age
+constexpr Millis maxStep = 32001;  // ms; a vertex that was never stepped, with a tick of 0, exceeds it too
+constexpr Millis minStep = 10;     // ms
+constexpr double stepUnit = 10;    // ms per unit of age
 constexpr int oldestAge = rules::vertexLifetime / 10;
 
 /// Serial number of a player's oldest vertex; 0 if there is no such player.
 double serialBase(std::int16_t ownerIndex) {
-  if (ownerIndex == -1) return modMain::world.localPlayer.tailBase;
+  if (ownerIndex == localIndex) return modMain::world.localPlayer.tailBase;
   const std::size_t slot = static_cast<std::size_t>(ownerIndex);
   return slot < modMain::world.opponents.size() ? modMain::world.opponents[slot].tailBase : 0;
 }
@@ -43,8 +43,8 @@ void clsTail::initTail(double newNum, std::int16_t ownerIndex, Vector position) 
 }
 
 bool clsTail::age() {
-  const Tick now = GetTickCount();
-  const Tick elapsed = now - lastStep_;
+  const Millis now = GetTickCount();
+  const Millis elapsed = now - lastStep_;
   // Quirk Q-101: a gap above 32 seconds doesn't count. The first call, with a tick of 0, takes the same branch: it
   // stamps the vertex and adds nothing.
   if (elapsed >= maxStep) {
@@ -126,16 +126,16 @@ void clsPlayer::ageTails() {
   // Quirk Q-100: no tick advances while the tail is extended, so the first pass afterwards counts the whole time at
   // once. A tail that was extended for more than two seconds then vanishes in one frame.
   if (powerups[extendedTailSlot].active) return;
-  const Tick now = GetTickCount();
+  const Millis now = GetTickCount();
   if (lastAgeTick == 0) lastAgeTick = now;
   if (now - lastAgeTick <= 0) return;
-  Tick walkStart = now;
+  Millis walkStart = now;
   for (std::size_t i = 0; i < tails.size();) {
     if (!tails[i].age()) {
       ++i;
       continue;
     }
-    const Tick tick = GetTickCount();
+    const Millis tick = GetTickCount();
     if (tick != walkStart) {
       walkStart = tick;
       i = 0;

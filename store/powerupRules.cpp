@@ -4,6 +4,7 @@
 #include "base/fault.h"
 #include "base/numbers.h"
 #include "core/centreMessage.h"
+#include "core/players.h"
 #include "frontend/console.h"
 #include "network/send.h"
 #include "platform/backend.h"
@@ -54,7 +55,7 @@ void clsPlayer::activatePowerup(PowerupSlot slot) {
     powerup.count = 0;
   powerup.timeLeft = powerupTable[index].seconds;
   powerup.active = powerupTable[index].runs;
-  if (playerIndex != -1) return;
+  if (playerIndex != localIndex) return;
   modMain::showCentreMessage(powerupTable[index].announcement);
   soundMan::playSound(static_cast<soundMan::Sound>(slot + static_cast<int>(soundMan::Sound::Shield)));
 }
@@ -85,7 +86,7 @@ void clsPlayer::tickPowerups() {
     --powerup.timeLeft;
     if (powerup.timeLeft > 0) continue;
     powerup.active = false;
-    if (playerIndex != -1) continue;
+    if (playerIndex != localIndex) continue;
     printChat("Powerup faded...", LineType::Plain);
     modMain::showCentreMessage("Powerup faded");
   }

@@ -1,13 +1,12 @@
 #include "store/store.h"
 
-#include <array>
 #include <cmath>
-#include <cstddef>
 
 #include "audio/soundMan.h"
 #include "base/fault.h"
 #include "base/text.h"
 #include "core/modMain.h"
+#include "core/players.h"
 #include "frontend/console.h"
 #include "network/send.h"
 #include "simulation/clsPlayer.h"
@@ -25,7 +24,7 @@ void modMain::openStore() {
 
 void clsPlayer::populatePowerupsForm() {
   // Quirk Q-200: before the first login nobody is the local player, and the window keeps its design texts.
-  if (playerIndex != -1) return;
+  if (playerIndex != localIndex) return;
   // Quirk Q-201: doesn't fill in the capacity. A new window shows its design text until something is bought or sold.
   frmPowerups->init(funds_);
   for (const PowerupSlot slot : powerupSlots) frmPowerups->have(slot, powerups[indexOf(slot)].count);

@@ -8,6 +8,12 @@ namespace kelvora {
 
 class Control;
 
+/// DoEvents processes all pending events, but not for longer than this if more keep coming.
+inline constexpr int maxServiceTime = 10;  // ms
+/// DoEvents does nothing in handlers that are nested deeper than this: a held key would overflow the stack. The game's
+/// 16 message boxes need two levels each.
+inline constexpr int maxServiceDepth = 40;
+
 /// The number of nested game handlers, message boxes and event loops.
 int handlerDepth();
 

@@ -11,7 +11,7 @@ namespace kelvora {
 
 namespace {
 
-constexpr Tick never = std::numeric_limits<Tick>::max();
+constexpr Millis never = std::numeric_limits<Millis>::max();
 
 class TimerPeer;
 std::vector<TimerPeer*> timers;
@@ -25,9 +25,9 @@ class TimerPeer : public Peer {
   ~TimerPeer() override { std::erase(timers, this); }
 
   void changed(PropertyId) override { follow(); }
-  Tick due() const { return due_; }
+  Millis due() const { return due_; }
 
-  void tick(Tick now) {
+  void tick(Millis now) {
     due_ = now + timer_.Interval;
     raiseEvent(timer_, timer_.Timer);
     if (!timer_.mayRest || !timer_.mayRest()) return;
@@ -42,22 +42,22 @@ class TimerPeer : public Peer {
   }
 
   IntervalTimer& timer_;
-  Tick due_ = never;
+  Millis due_ = never;
 };
 
 }  // namespace
 
 std::unique_ptr<Peer> makePolledTimer(IntervalTimer& timer) { return std::make_unique<TimerPeer>(timer); }
 
-void serveTimers(Tick now) {
+void serveTimers(Millis now) {
   // By index, because a handler may create or destroy timers. Forms outlive their handlers.
   for (std::size_t i = 0; i < timers.size(); ++i) {
     if (timers[i]->due() <= now) timers[i]->tick(now);
   }
 }
 
-Tick nextTimer() {
-  Tick next = never;
+Millis nextTimer() {
+  Millis next = never;
   for (const TimerPeer* timer : timers) next = std::min(next, timer->due());
   return next;
 }

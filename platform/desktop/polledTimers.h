@@ -13,8 +13,8 @@ class IntervalTimer;
 std::unique_ptr<Peer> makePolledTimer(IntervalTimer& timer);
 
 /// Runs the timers that are due.
-void serveTimers(Tick now);
-/// When the next timer is due. The largest Tick if none is.
-Tick nextTimer();
+void serveTimers(Millis now);
+/// When the next timer is due. The largest Millis if none is.
+Millis nextTimer();
 
 }  // namespace kelvora

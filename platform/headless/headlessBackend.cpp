@@ -30,12 +30,12 @@ HeadlessBackend::HeadlessBackend() : screen_(std::make_shared<HeadlessScreen>())
 
 HeadlessBackend::~HeadlessBackend() { screen_->machine = nullptr; }
 
-void HeadlessBackend::advance(Tick ms) {
+void HeadlessBackend::advance(Millis ms) {
   ticks += ms;
   seconds += static_cast<double>(ms) / 1000;
 }
 
-Tick HeadlessBackend::tickCount() {
+Millis HeadlessBackend::tickCount() {
   if (queriesPerTick > 0 && ++tickQueries_ % queriesPerTick == 0) advance(1);
   return ticks;
 }

@@ -29,7 +29,7 @@ class HeadlessBackend : public Backend {
   ~HeadlessBackend() override;
 
   // The outside world.
-  Tick ticks = 1'000'000;
+  Millis ticks = 1'000'000;
   int queriesPerTick = 0;           ///< if set, the clocks advance by 1 ms whenever they have been read this often
   double seconds = 43'200;          ///< since midnight
   std::deque<float> scriptedDraws;  ///< returned by Rnd() first; then the generator
@@ -44,7 +44,7 @@ class HeadlessBackend : public Backend {
   std::function<PicturePointer(const std::string& path)> pictureSource;
 
   /// Advances both clocks.
-  void advance(Tick ms);
+  void advance(Millis ms);
   /// Queues an event for the next DoEvents.
   void post(std::function<void()> event) { events_.push_back(std::move(event)); }
   /// Called while a message box is open, before it is answered.
@@ -73,7 +73,7 @@ class HeadlessBackend : public Backend {
   /// The far end of a socket.
   HeadlessSocket& socketOf(const Winsock& socket);
 
-  Tick tickCount() override;
+  Millis tickCount() override;
   float secondsSinceMidnight() override { return static_cast<float>(seconds); }
   float random() override;
   float random(float argument) override { return generator.next(argument); }

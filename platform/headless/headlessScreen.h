@@ -13,7 +13,7 @@ namespace kelvora {
 struct HeadlessScreen {
   struct RunningTimer {
     IntervalTimer* timer = nullptr;
-    Tick due = 0;  ///< ms
+    Millis due = 0;  ///< ms
   };
   struct Plug {
     const Winsock* socket = nullptr;

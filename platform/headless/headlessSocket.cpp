@@ -1,7 +1,5 @@
 #include "platform/headless/headlessSocket.h"
 
-#include <algorithm>
-
 #include "platform/headless/headlessScreen.h"
 
 namespace kelvora {

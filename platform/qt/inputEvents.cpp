@@ -88,13 +88,14 @@ void raiseMouse(Control& control, const MouseEvent& handler, Qt::MouseButtons bu
 }  // namespace
 
 int shiftBits(Qt::KeyboardModifiers modifiers) {
-  return (modifiers.testFlag(Qt::ShiftModifier) ? 1 : 0) + (modifiers.testFlag(Qt::ControlModifier) ? 2 : 0) +
-         (modifiers.testFlag(Qt::AltModifier) ? 4 : 0);
+  return (modifiers.testFlag(Qt::ShiftModifier) ? shiftBit : 0) +
+         (modifiers.testFlag(Qt::ControlModifier) ? controlBit : 0) +
+         (modifiers.testFlag(Qt::AltModifier) ? altBit : 0);
 }
 
 int buttonBits(Qt::MouseButtons buttons) {
-  return (buttons.testFlag(Qt::LeftButton) ? 1 : 0) + (buttons.testFlag(Qt::RightButton) ? 2 : 0) +
-         (buttons.testFlag(Qt::MiddleButton) ? 4 : 0);
+  return (buttons.testFlag(Qt::LeftButton) ? leftButton : 0) + (buttons.testFlag(Qt::RightButton) ? rightButton : 0) +
+         (buttons.testFlag(Qt::MiddleButton) ? middleButton : 0);
 }
 
 int virtualKeyCode(Qt::Key key, bool onKeypad) {

@@ -8,9 +8,9 @@ namespace kelvora {
 
 class Control;
 
-/// The bit sum for an event's Shift: 1 Shift, 2 Ctrl, 4 Alt.
+/// The bit sum for an event's Shift.
 int shiftBits(Qt::KeyboardModifiers modifiers);
-/// The bit sum for an event's Button: 1 left, 2 right, 4 middle.
+/// The bit sum for an event's Button.
 int buttonBits(Qt::MouseButtons buttons);
 /// The Windows virtual key code, or 0 if the key has none.
 int virtualKeyCode(Qt::Key key, bool onKeypad);

@@ -40,8 +40,8 @@ QtDesktop::QtDesktop(std::string commandLine)
   wakeUp_.setTimerType(Qt::PreciseTimer);
 }
 
-Tick QtDesktop::tickCount() {
-  constexpr Tick first = 1'000'000;
+Millis QtDesktop::tickCount() {
+  constexpr Millis first = 1'000'000;
   return first + sinceStart_.elapsed();
 }
 

@@ -20,7 +20,7 @@ class QtDesktop : public Backend {
   /// `commandLine` is the program's arguments, separated by blanks.
   explicit QtDesktop(std::string commandLine);
 
-  Tick tickCount() override;
+  Millis tickCount() override;
   float secondsSinceMidnight() override;
   float random() override { return generator_.next(); }
   float random(float argument) override { return generator_.next(argument); }

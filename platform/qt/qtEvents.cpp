@@ -10,12 +10,6 @@ namespace kelvora {
 
 namespace {
 
-/// Processes all pending events, but not for longer than this if more keep coming.
-constexpr int maxServiceTime = 10;  // ms
-
-/// Handlers that process events nest, and a held key would overflow the stack.
-constexpr int maxServiceDepth = 40;  // handlers and loops; sixteen message boxes need two each
-
 void servePending() { QCoreApplication::processEvents(QEventLoop::AllEvents, maxServiceTime); }
 
 }  // namespace

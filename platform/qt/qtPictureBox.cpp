@@ -4,7 +4,6 @@
 #include <QPainter>
 #include <QRegion>
 #include <QWindow>
-#include <algorithm>
 #include <cstddef>
 #include <span>
 #include <vector>

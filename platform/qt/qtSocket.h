@@ -13,9 +13,6 @@ namespace kelvora {
 /// and raised at the next turn of the event loop, so a handler may close, reopen or destroy its socket.
 class QtSocket : public SocketPeer {
  public:
-  static constexpr qint64 readBufferSize = 256 * 1024;         ///< bytes; beyond it the peer has to wait
-  static constexpr qint64 writeBufferLimit = 4 * 1024 * 1024;  ///< unsent bytes; beyond it the connection is dropped
-
   explicit QtSocket(Winsock& owner) : owner_(owner) {}
   ~QtSocket() override;
 

@@ -19,8 +19,8 @@ namespace {
 /// Takes the place of a password.
 constexpr std::string_view hidden = "hidden";
 
-constexpr Tick saveInterval = 1000;        // ms
-constexpr Tick waitingSaveInterval = 200;  // ms, where nothing may happen for long
+constexpr Millis saveInterval = 1000;        // ms
+constexpr Millis waitingSaveInterval = 200;  // ms, where nothing may happen for long
 
 bool isSecret(const std::string& key) { return key.find("password") != std::string::npos; }
 
@@ -79,7 +79,7 @@ void Recorder::begin(Kind kind) {
 }
 
 void Recorder::putTime() {
-  const Tick now = std::max(inner_.tickCount(), now_);
+  const Millis now = std::max(inner_.tickCount(), now_);
   writer_.number(static_cast<std::uint64_t>(now - now_));
   now_ = now;
 }
@@ -102,7 +102,7 @@ void Recorder::putControl(std::uint64_t form, std::uint64_t control) {
 }
 
 void Recorder::save() {
-  const Tick interval = place_.mayWait ? waitingSaveInterval : saveInterval;
+  const Millis interval = place_.mayWait ? waitingSaveInterval : saveInterval;
   if (now_ - saved_ < interval) return;
   saved_ = now_;
   writer_.flush();
@@ -132,7 +132,7 @@ void Recorder::check() {
 
 // The services.
 
-Tick Recorder::tickCount() {
+Millis Recorder::tickCount() {
   if (!place_.isInGame) return inner_.tickCount();
   ++calls_;
   if (inner_.tickCount() > now_) {

@@ -44,7 +44,7 @@ class Recorder : public Backend, private SeamWatch {
   void fault(const std::string& what);
   std::uint64_t fileSize() const { return writer_.size(); }
 
-  Tick tickCount() override;
+  Millis tickCount() override;
   float secondsSinceMidnight() override;
   float random() override { return generator_.next(); }
   float random(float argument) override { return generator_.next(argument); }
@@ -158,9 +158,9 @@ class Recorder : public Backend, private SeamWatch {
   std::uint64_t calls_ = 0;       ///< of the game since the last record
   std::uint64_t frames_ = 0;
   std::size_t coordinates_ = 0;  ///< in the current record
-  Tick now_ = 0;                 ///< as the game knows it
-  Tick start_ = 0;
-  Tick saved_ = 0;
+  Millis now_ = 0;                 ///< as the game knows it
+  Millis start_ = 0;
+  Millis saved_ = 0;
   std::int64_t startOfDay_ = 0;  ///< ms since midnight at the start
   std::uint64_t forms_ = 0;
   std::map<const Control*, std::uint64_t> formNumbers_;

@@ -15,7 +15,7 @@ namespace kelvora::recording {
 
 namespace {
 
-constexpr Tick maxTick = 1'000'000'000'000'000;  // ms
+constexpr Millis maxTick = 1'000'000'000'000'000;  // ms
 constexpr std::size_t maxDifferences = 10;
 
 const char* nameOf(Kind kind) {
@@ -121,7 +121,7 @@ void Replay::expect(Kind kind) {
 void Replay::passTime() {
   const std::uint64_t passed = reader_.number();
   if (passed > static_cast<std::uint64_t>(maxTick - now_)) throw Damaged("its time is out of range");
-  now_ += static_cast<Tick>(passed);
+  now_ += static_cast<Millis>(passed);
 }
 
 Control& Replay::readControl() {
@@ -289,7 +289,7 @@ void Replay::takeLineHeight() {
 
 // The services.
 
-Tick Replay::tickCount() {
+Millis Replay::tickCount() {
   ++calls_;
   if (next() == Kind::Tick && nextCall_ == calls_) {
     consume();

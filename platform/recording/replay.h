@@ -42,7 +42,7 @@ struct ReplayEnd {
 /// A comparison that has failed.
 struct Difference {
   std::uint64_t frame = 0;
-  Tick time = 0;                   ///< ms since the start
+  Millis time = 0;                   ///< ms since the start
   std::vector<std::string> parts;  ///< names
 };
 
@@ -61,7 +61,7 @@ class Replay : public Backend, private SeamWatch {
 
   const std::string& version() const { return version_; }  ///< of the program that recorded
   std::uint64_t frames() const { return frames_; }
-  Tick elapsed() const { return now_ - start_; }  ///< ms
+  Millis elapsed() const { return now_ - start_; }  ///< ms
   std::uint64_t checks() const { return checks_; }
   /// The first failed comparisons, at most ten.
   const std::vector<Difference>& differences() const { return differences_; }
@@ -71,7 +71,7 @@ class Replay : public Backend, private SeamWatch {
   /// Reads the fault that the recorded game had at this point, if it had one.
   void readFault();
 
-  Tick tickCount() override;
+  Millis tickCount() override;
   float secondsSinceMidnight() override;
   float random() override { return generator_.next(); }
   float random(float argument) override { return generator_.next(argument); }
@@ -141,8 +141,8 @@ class Replay : public Backend, private SeamWatch {
   std::unique_ptr<Glyphs> glyphSource_;
   GlyphSource* glyphSourceBefore_;
   RandomGenerator generator_;
-  Tick now_ = 0;
-  Tick start_ = 0;
+  Millis now_ = 0;
+  Millis start_ = 0;
   std::int64_t startOfDay_ = 0;  ///< ms since midnight
   std::uint64_t calls_ = 0;      ///< of the game since the last record
   std::optional<Kind> next_;

@@ -24,20 +24,14 @@ namespace kelvora {
 
 namespace {
 
-/// The design's pace: a page has no other.
+/// A page always runs at the design pace.
 constexpr std::chrono::milliseconds designFrame(10);
-
-/// Everything that is waiting, but no longer than this if more keeps coming.
-constexpr double longestService = 10;  // ms
-
-/// Handlers that ask for events run inside one another.
-constexpr int deepestService = 40;
 
 constexpr double forever = std::numeric_limits<double>::infinity();
 
 std::string placePart(const char* part) {
-  std::array<char, 1024> room{};
-  return {room.data(), static_cast<std::size_t>(page_place(part, room.data(), room.size()))};
+  std::array<char, 1024> buffer{};
+  return {buffer.data(), static_cast<std::size_t>(page_place(part, buffer.data(), buffer.size()))};
 }
 
 /// Never returns: what the game has drawn stays behind the text.
@@ -61,15 +55,15 @@ WebBackend::WebBackend() : pacer_(designFrame) {
   setFaultBox(showFault);
 }
 
-Tick WebBackend::tickCount() {
-  constexpr Tick first = 1'000'000;
-  return first + static_cast<Tick>(emscripten_get_now());
+Millis WebBackend::tickCount() {
+  constexpr Millis first = 1'000'000;
+  return first + static_cast<Millis>(emscripten_get_now());
 }
 
 float WebBackend::secondsSinceMidnight() { return static_cast<float>(page_secondsSinceMidnight()); }
 
 void WebBackend::servePending() {
-  const double end = emscripten_get_now() + longestService;
+  const double end = emscripten_get_now() + maxServiceTime;
   while (servePageEvent() && emscripten_get_now() < end) {
   }
   serveTimers(tickCount());
@@ -78,9 +72,9 @@ void WebBackend::servePending() {
 /// Sleeps until an event comes, a timer is due or the milliseconds have passed.
 void WebBackend::waitUntil(double milliseconds) {
   showStaleGrids();
-  const Tick next = nextTimer();
+  const Millis next = nextTimer();
   const double untilTimer =
-      next == std::numeric_limits<Tick>::max() ? forever : std::max(0.0, static_cast<double>(next - tickCount()));
+      next == std::numeric_limits<Millis>::max() ? forever : std::max(0.0, static_cast<double>(next - tickCount()));
   page_wait(std::min(milliseconds, untilTimer));
 }
 
@@ -99,7 +93,7 @@ void WebBackend::doEvents(bool mayWait) {
       waitUntil(std::max(0.0, left.count()));
       if (left <= left.zero()) return;
     }
-  } else if (handlerDepth() <= deepestService) {
+  } else if (handlerDepth() <= maxServiceDepth) {
     page_wait(0);
     servePending();
   }
@@ -129,9 +123,9 @@ std::string WebBackend::commandLine() { return placePart("arguments"); }
 PicturePointer WebBackend::loadPicture(const std::string& path) { return loadPictureFile(path); }
 
 std::string WebBackend::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
-  std::array<char, 4096> room{};
-  const int size = page_readSetting(section.c_str(), key.c_str(), room.data(), room.size());
-  if (size >= 0) return {room.data(), static_cast<std::size_t>(size)};
+  std::array<char, 4096> buffer{};
+  const int size = page_readSetting(section.c_str(), key.c_str(), buffer.data(), buffer.size());
+  if (size >= 0) return {buffer.data(), static_cast<std::size_t>(size)};
   // On the first visit the server that has the page is the one to play on.
   if (section == "last login" && key == "server address") return placePart("hostname");
   if (section == "last login" && key == "server port") return placePart("port");

@@ -1,4 +1,3 @@
-#include <functional>
 
 #include "platform/desktop/handlerCall.h"
 #include "platform/form.h"
@@ -10,8 +9,6 @@
 namespace kelvora {
 
 namespace {
-
-constexpr int enterKey = 13;
 
 class FormPeer : public WebPeer {
  public:
@@ -30,7 +27,7 @@ class FormPeer : public WebPeer {
     switch (id) {
       case PropertyId::Left:
       case PropertyId::Top:
-        // A form that the game has not placed stands in the middle of the page.
+        // The page centres a form that the game hasn't placed.
         if (isMade_ || form_.Left != 0.0F || form_.Top != 0.0F) WebPeer::changed(id);
         return;
       case PropertyId::Width:
@@ -63,7 +60,7 @@ class FormPeer : public WebPeer {
       case PageEventKind::Activated:
         return raiseEvent(form_, form_.Activate);
       case PageEventKind::KeyDown:
-        answerKey(form_, event.numbers[0] == enterKey);
+        answerKey(form_, event.numbers[0] == keyEnter);
         return;
       default:
         return;

@@ -55,7 +55,6 @@ void WebPeer::take(const PageEvent& event) {
   const auto [button, shift, x, y, isInside] = event.numbers;
   const auto twipsX = static_cast<float>(x * twipsPerPixel);
   const auto twipsY = static_cast<float>(y * twipsPerPixel);
-  constexpr int leftButton = 1;
   switch (event.kind) {
     case PageEventKind::MouseDown:
       return raiseEvent(control_, control_.MouseDown, button, shift, twipsX, twipsY);

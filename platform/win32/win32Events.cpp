@@ -13,18 +13,8 @@
 
 namespace kelvora {
 
-namespace {
-
-/// Processes all pending events, but not for longer than this if more keep coming.
-constexpr std::chrono::milliseconds maxServiceTime(10);
-
-/// Handlers that process events nest, and a held key would overflow the stack.
-constexpr int maxServiceDepth = 40;
-
-}  // namespace
-
 void Win32Backend::servePending() {
-  const Clock::time_point end = Clock::now() + maxServiceTime;
+  const Clock::time_point end = Clock::now() + std::chrono::milliseconds(maxServiceTime);
   pumpMessages();
   bool isMore = true;
   while (isMore && Clock::now() < end) {
@@ -32,19 +22,19 @@ void Win32Backend::servePending() {
     isMore = serveSockets() || isMore;
     serveTimers(tickCount());
   }
-  // What is left must not wait for the next message.
+  // Events that are left must not wait for the next message.
   if (isMore) SetEvent(networkSignal());
 }
 
 void Win32Backend::wait(std::int64_t milliseconds) {
   if (isInputQueued()) return;
-  const Tick next = nextTimer();
-  if (next != std::numeric_limits<Tick>::max()) {
-    const Tick left = std::max<Tick>(next - tickCount(), 0);
+  const Millis next = nextTimer();
+  if (next != std::numeric_limits<Millis>::max()) {
+    const Millis left = std::max<Millis>(next - tickCount(), 0);
     milliseconds = milliseconds < 0 ? left : std::min(milliseconds, left);
   }
-  constexpr std::int64_t longest = 1'000'000;
-  waitForMessages(static_cast<int>(std::min(milliseconds, longest)));
+  constexpr std::int64_t maxWait = 1'000'000;
+  waitForMessages(static_cast<int>(std::min(milliseconds, maxWait)));
 }
 
 void Win32Backend::doEvents(bool mayWait) {

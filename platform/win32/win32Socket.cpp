@@ -1,6 +1,5 @@
 #include "platform/win32/win32Socket.h"
 
-#include <algorithm>
 #include <array>
 #include <functional>
 #include <optional>
@@ -88,7 +87,7 @@ void Win32Socket::close() {
 
 void Win32Socket::send(std::string_view data) {
   if (!connection_ || !connection_->isConnected || connection_->isClosed) return;
-  if (connection_->unsent.size() + data.size() > writeBufferLimit) return fail();
+  if (std::ssize(connection_->unsent) + std::ssize(data) > writeBufferLimit) return fail();
   connection_->unsent += data;
   flush();
 }
@@ -110,7 +109,7 @@ std::string Win32Socket::take() {
   std::string portion;
   portion.swap(connection_->received);
   // There may be more on the wire than fitted.
-  if (portion.size() >= readBufferSize) SetEvent(networkSignal());
+  if (std::ssize(portion) >= readBufferSize) SetEvent(networkSignal());
   return portion;
 }
 
@@ -133,7 +132,7 @@ void Win32Socket::note() {
 void Win32Socket::receive() {
   Connection& connection = *connection_;
   std::array<char, 16384> portion;
-  while (!connection.isClosed && !connection.isBroken && connection.received.size() < readBufferSize) {
+  while (!connection.isClosed && !connection.isBroken && std::ssize(connection.received) < readBufferSize) {
     const int count = recv(connection.wire, portion.data(), static_cast<int>(portion.size()), 0);
     if (count > 0) {
       connection.received.append(portion.data(), static_cast<std::size_t>(count));

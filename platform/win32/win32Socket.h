@@ -12,10 +12,6 @@ namespace kelvora {
 /// handler may close, reopen or destroy its socket.
 class Win32Socket : public SocketPeer {
  public:
-  static constexpr std::size_t readBufferSize = 256 * 1024;  ///< bytes; beyond it the peer has to wait
-  static constexpr std::size_t writeBufferLimit =
-      4 * 1024 * 1024;  ///< unsent bytes; beyond it the connection is dropped
-
   explicit Win32Socket(Winsock& owner);
   ~Win32Socket() override;
 

@@ -10,7 +10,7 @@ namespace kelvora::server {
 namespace {
 
 constexpr Millis newStartAfter = 1'000;
-constexpr Millis maxStep = 80;  // of flight, twice the interval of reports at the design pace
+constexpr Millis maxStep = 2 * rules::reportInterval;  // of flight
 
 bool isInWorld(double coordinate) { return coordinate >= 0 && coordinate <= worldSize; }
 

@@ -1,7 +1,6 @@
 #include "server/arena/plane.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace kelvora::server {
 

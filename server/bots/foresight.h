@@ -3,6 +3,7 @@
 #include <optional>
 #include <span>
 
+#include "protocol/rules.h"
 #include "server/arena/plane.h"
 #include "server/bots/botView.h"
 
@@ -11,7 +12,7 @@ namespace kelvora::server {
 /// Minimum lifetime of a tail in ms. Its points live a little longer.
 inline constexpr double tailLife = 1'900;
 /// Milliseconds between two points of a tail.
-inline constexpr double tailStep = 40;
+inline constexpr double tailStep = rules::reportInterval;
 
 /// Where a player will be `ms` after being seen, assuming a straight line or, with `turns`, the circle that they are
 /// flying. The result is inside the world.

@@ -136,7 +136,7 @@ void Mind::flyLoop(const BotView& view) {
   }
   // Along the circle, turned inward by half of the next step, and back towards the circle if off it.
   const double error = (length(arm) - loop.radius) / loop.radius;
-  const double lean = pace * 40 * 0.75 / loop.radius / 2 + std::clamp(1.5 * error, -1.0, 1.2);
+  const double lean = pace * rules::reportInterval * 0.75 / loop.radius / 2 + std::clamp(1.5 * error, -1.0, 1.2);
   steer(angle + loop.side * (pi / 2 + lean), throttle());
 }
 

@@ -6,12 +6,6 @@
 
 namespace kelvora::server {
 
-namespace {
-
-constexpr double thinkStep = 40;  // ms
-
-}  // namespace
-
 Intent Mind::think(const BotView& view) {
   brakes_ = false;
   isClosing_ = false;
@@ -25,8 +19,8 @@ Intent Mind::think(const BotView& view) {
   if (view.isAlive) avoidCharges(view);
   // Imitates a hand, which errs by a slowly changing amount and can't turn at once.
   wobble_ += -0.1 * wobble_ + std::normal_distribution(0.0, 0.45 * skill_.wobble)(random_);
-  const double most = skill_.turnRate * thinkStep / 1000;
-  angle_ = wrapped(angle_ + std::clamp(wrapped(wanted_ + wobble_ - angle_), -most, most));
+  const double maxTurn = skill_.turnRate * rules::reportInterval / 1000;
+  angle_ = wrapped(angle_ + std::clamp(wrapped(wanted_ + wobble_ - angle_), -maxTurn, maxTurn));
   return {.angle = angle_,
           .throttle = throttle_,
           .brakes = brakes_,

@@ -4,6 +4,7 @@
 #include <map>
 #include <vector>
 
+#include "protocol/rules.h"
 #include "server/bots/botView.h"
 
 namespace kelvora::server {
@@ -11,7 +12,7 @@ namespace kelvora::server {
 /// Recent snapshots of the arena, so that each bot can see it with its skill's delay.
 class Sight {
  public:
-  static constexpr Millis step = 40;  ///< between two snapshots
+  static constexpr Millis step = rules::reportInterval;  ///< between two snapshots
 
   /// Adds a snapshot. Call this every `step`.
   void add(std::vector<PlayerView> players, Millis now);

@@ -2,7 +2,6 @@
 
 #include <ctime>
 #include <iosfwd>
-#include <string>
 #include <string_view>
 
 #include "base/rateLimit.h"

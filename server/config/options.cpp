@@ -82,7 +82,7 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
 std::string helpText() {
   std::string text =
       "Usage: kelvora-server [options]\n"
-      "Runs an arena for up to six players until it gets SIGINT, SIGTERM or SIGHUP.\n";
+      "Runs an arena for up to six players until it is told to stop.\n";
   std::size_t width = 0;
   for (const Option& option : optionTable()) width = std::max(width, option.name.size() + option.valueName.size() + 3);
   for (const Option& option : optionTable()) {

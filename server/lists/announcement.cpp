@@ -1,7 +1,6 @@
 #include "server/lists/announcement.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 
 #include "base/wholeNumber.h"

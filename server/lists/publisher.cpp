@@ -17,14 +17,8 @@ namespace kelvora::server {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr long timeLimit = 10'000;        // ms for an announcement
 constexpr long goodbyeTimeLimit = 2'000;  // ms
-
-Millis millisNow() {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch()).count();
-}
 
 }  // namespace
 
@@ -49,12 +43,12 @@ struct Publisher::State {
     std::optional<HostEntry> sent;
     std::unique_lock lock(mutex);
     while (!isEnding) {
-      const Millis due = host ? schedule.due() : millisNow() + PublishSchedule::interval;
-      if (const Millis wait = due - millisNow(); wait > 0) {
+      const Millis due = host ? schedule.due() : steadyNow() + PublishSchedule::interval;
+      if (const Millis wait = due - steadyNow(); wait > 0) {
         changed.wait_for(lock, std::chrono::milliseconds(wait));
         continue;
       }
-      schedule.begins(millisNow());
+      schedule.begins(steadyNow());
       sent = *host;
       lock.unlock();
       const std::string fault = request("POST", *sent, timeLimit);

@@ -4,7 +4,6 @@
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/websocket/stream.hpp>
-#include <chrono>
 #include <utility>
 #include <variant>
 
@@ -18,11 +17,6 @@ namespace beast = boost::beast;
 namespace {
 
 constexpr int systemBuffer = 64 << 10;  // bytes
-
-Millis steadyMillis() {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
-      .count();
-}
 
 }  // namespace
 
@@ -109,7 +103,7 @@ void ClientStream::upgrade(const std::string& request, std::string_view rest, st
       [](beast::websocket::response_type& answer) { answer.set(beast::http::field::server, "kelvora-server"); }));
   webSocket.control_callback([state = state_.get()](beast::websocket::frame_type, beast::string_view) {
     // Under a flood of control frames the current read would never end.
-    if (state->controlFrames.allows(steadyMillis())) return;
+    if (state->controlFrames.allows(steadyNow())) return;
     state->isFlooded = true;
     state->socket().close();
   });

@@ -6,7 +6,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <variant>
 
 #include "protocol/frameReader.h"
 #include "server/arena/clientId.h"

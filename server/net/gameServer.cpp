@@ -6,9 +6,9 @@
 #include <set>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
 #include "protocol/frames.h"
+#include "protocol/rules.h"
 #include "server/moderation/network.h"
 #include "server/system/process.h"
 
@@ -16,7 +16,7 @@ namespace kelvora::server {
 
 namespace {
 
-constexpr auto tickInterval = std::chrono::milliseconds(40);
+constexpr auto tickInterval = std::chrono::milliseconds(rules::reportInterval);
 
 /// Its log lines are written on the context's thread.
 std::unique_ptr<Publisher> startPublisher(asio::io_context& context, const Options& options,

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <boost/asio/ip/address.hpp>
-#include <optional>
 #include <string>
 #include <string_view>
 

@@ -5,7 +5,6 @@
 #include <cfenv>
 #include <cmath>
 #include <limits>
-#include <string>
 
 #include "tests/support/faultOf.h"
 

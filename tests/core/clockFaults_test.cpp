@@ -14,7 +14,7 @@
 namespace kelvora {
 namespace {
 
-constexpr Tick hour = 3'600'000;
+constexpr Millis hour = 3'600'000;
 
 /// A running game on a machine whose clocks misbehave.
 class ClockFaults : public GameTest {
@@ -118,7 +118,7 @@ TEST_F(ClockFaults, PlayContinuesThroughMidnight) {
 }
 
 /// The tick count passes a number at which a narrower counter would wrap around.
-class Uptime : public ClockFaults, public ::testing::WithParamInterface<Tick> {};
+class Uptime : public ClockFaults, public ::testing::WithParamInterface<Millis> {};
 
 TEST_P(Uptime, MakesNoDifferenceInPlay) {
   machine.ticks = GetParam() - 1'000;
@@ -143,17 +143,17 @@ TEST_P(Uptime, MakesNoDifferenceInPlay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Counts, Uptime,
-                         ::testing::Values(Tick{std::numeric_limits<std::int32_t>::max()} + 1,
-                                           Tick{std::numeric_limits<std::uint32_t>::max()} + 1,
-                                           Tick{1'000} * 365 * 24 * 3'600'000),
+                         ::testing::Values(Millis{std::numeric_limits<std::int32_t>::max()} + 1,
+                                           Millis{std::numeric_limits<std::uint32_t>::max()} + 1,
+                                           Millis{1'000} * 365 * 24 * 3'600'000),
                          [](const auto& instance) { return "Number" + std::to_string(instance.index); });
 
 /// A machine that was stopped while painting a frame.
 class StoppedPaint : public HeadlessBackend {
  public:
-  Tick stop = 0;
-  Tick tickCount() override {
-    const Tick now = ticks;
+  Millis stop = 0;
+  Millis tickCount() override {
+    const Millis now = ticks;
     ticks += std::exchange(stop, 0);
     return now;
   }

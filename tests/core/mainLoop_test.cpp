@@ -291,8 +291,8 @@ TEST_F(MainLoop, Q236TheSpareParticlesAreNeverFilled) {
 // A frame with only the local player reads the clock twice, at the beginning and at the end of painting.
 class SlowPaint : public HeadlessBackend {
  public:
-  Tick paintTime = 0;
-  Tick tickCount() override { return ticks += paintTime; }
+  Millis paintTime = 0;
+  Millis tickCount() override { return ticks += paintTime; }
 };
 
 TEST_F(MainLoop, TheFirstFrameRunsAtTimeScaleOneHoweverSlowItsPainting) {

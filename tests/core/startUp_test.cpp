@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "frontend/fontMan.h"
 #include "frontend/frmConnect.h"
 #include "generated/version.h"

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cmath>
 #include <string>
 #include <vector>
 

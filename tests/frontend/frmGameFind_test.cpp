@@ -170,7 +170,6 @@ TEST_F(GameFinder, Q282AnyPressOnABoxFetchesButKeysDoNot) {
     if (box->Click) box->Click();
   }
   EXPECT_EQ(host().connects.size(), 1U);
-  constexpr int rightButton = 2;
   finder.chkFull.MouseDown(rightButton, 0, 15, 15);
   EXPECT_EQ(host().connects.size(), 2U);
   EXPECT_EQ(finder.chkFull.Value.get(), 1);

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <map>
-#include <memory>
 #include <set>
 #include <string>
 

@@ -9,8 +9,6 @@ namespace {
 using fuzz::FuzzClient;
 using fuzz::Input;
 
-constexpr int keyReturn = 13;
-
 void act(FuzzClient& client, char what, Input& input) {
   switch (what) {
     case 'k':
@@ -33,7 +31,7 @@ void act(FuzzClient& client, char what, Input& input) {
       client.server().deliver(std::string(input.upTo('\n')));
       break;
     case 't':
-      client.tick(input.byte() * Tick{64});
+      client.tick(input.byte() * Millis{64});
       client.machine.playState = static_cast<PlayState>(input.byte() % 4);
       break;
     default:
@@ -52,8 +50,8 @@ void run(Input input) {
         input,
         [&](std::string piece) {
           frmMain->txtChat.Text = std::move(piece);
-          frmMain->txtChat.KeyDown(keyReturn, 0);
-          frmMain->txtChat.KeyPress(keyReturn);
+          frmMain->txtChat.KeyDown(keyEnter, 0);
+          frmMain->txtChat.KeyPress(keyEnter);
           client.passEvents();
         },
         [&](char what, Input& rest) { act(client, what, rest); });

@@ -1,7 +1,6 @@
 // The server's configuration file, its command line, and announcements to its list.
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "generated/version.h"

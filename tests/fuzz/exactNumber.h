@@ -2,7 +2,6 @@
 
 #include <compare>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 

@@ -1,7 +1,5 @@
 #include "tests/fuzz/fuzzClient.h"
 
-#include <algorithm>
-
 #include "base/fault.h"
 
 namespace kelvora::fuzz {

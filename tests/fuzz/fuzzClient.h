@@ -3,7 +3,6 @@
 #include <deque>
 #include <functional>
 #include <string>
-#include <string_view>
 
 #include "tests/fuzz/input.h"
 #include "tests/support/gameTest.h"

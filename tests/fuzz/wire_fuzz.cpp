@@ -11,7 +11,7 @@ namespace {
 using fuzz::FuzzClient;
 using fuzz::Input;
 
-void runFrames(FuzzClient& client, int count, Tick ms) {
+void runFrames(FuzzClient& client, int count, Millis ms) {
   for (int i = 0; i < count; ++i) {
     client.tick(ms);
     if (frmMain->sock.State() == sckConnected) modMain::runFrame();
@@ -46,7 +46,7 @@ void act(FuzzClient& client, char what, Input& input) {
     case 'f':
       return runFrames(client, 1 + input.byte() % 8, 10);
     case 't':
-      return runFrames(client, 1, input.byte() * Tick{16});
+      return runFrames(client, 1, input.byte() * Millis{16});
     case 'T':
       return runFrames(client, 1, 40'000);
     case 'c':

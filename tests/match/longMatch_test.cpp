@@ -23,7 +23,7 @@
 namespace kelvora {
 namespace {
 
-constexpr Tick frameLength = 10;  // ms, the design pace
+constexpr Millis frameLength = 10;  // ms, the design pace
 constexpr int framesPerMinute = 6000;
 constexpr int framesPerReport = 4;
 constexpr int restLength = 600;  // frames at the end of a minute

@@ -3,9 +3,9 @@
 namespace kelvora {
 namespace {
 
-constexpr int keyReturn = 13;
-constexpr int keyUp = 38;
-constexpr int keyDown = 40;
+constexpr int returnCode = 13;
+constexpr int upCode = 38;
+constexpr int downCode = 40;
 constexpr Colour publicBack = RGB(255, 255, 255);
 constexpr Colour privateBack = RGB(128, 128, 255);
 
@@ -22,8 +22,8 @@ class Chat : public GameTest {
   /// Types a line and presses Enter.
   void enter(const std::string& line) {
     frmMain->txtChat.Text = line;
-    key(keyReturn);
-    frmMain->txtChat.KeyPress(keyReturn);
+    key(returnCode);
+    frmMain->txtChat.KeyPress(returnCode);
   }
   const std::string& entryText() { return frmMain->txtChat.Text; }
   std::vector<WireMessage> chats() { return sentFrames(); }
@@ -234,12 +234,12 @@ TEST_F(Chat, Q080UpAddsABlankAndDownDoesNot) {
   enter("one");
   enter("two");
   enter("three");
-  key(keyUp);
+  key(upCode);
   EXPECT_EQ(entryText(), "three ");
   EXPECT_EQ(frmMain->txtChat.SelStart.get(), 6);
-  key(keyUp);
+  key(upCode);
   EXPECT_EQ(entryText(), "two ");
-  key(keyDown);
+  key(downCode);
   EXPECT_EQ(entryText(), "three");
   EXPECT_EQ(frmMain->txtChat.SelStart.get(), 5);
 }
@@ -247,35 +247,35 @@ TEST_F(Chat, Q080UpAddsABlankAndDownDoesNot) {
 TEST_F(Chat, Q081EnterKeepsTheHistoryPosition) {
   enter("one");
   enter("two");
-  key(keyUp);
+  key(upCode);
   enter("three");
   EXPECT_EQ(frmMain->chatHistoryPosition, 1);
-  key(keyUp);
+  key(upCode);
   EXPECT_EQ(entryText(), "two ") << "entries: three, three, two, one";
 }
 
 TEST_F(Chat, HistoryStopsAtBothEnds) {
   enter("one");
-  key(keyDown);
+  key(downCode);
   EXPECT_EQ(entryText(), "");
   EXPECT_EQ(frmMain->chatHistoryPosition, 0);
   frmMain->chatHistory[255] = "oldest";
-  for (int i = 0; i < 300; ++i) key(keyUp);
+  for (int i = 0; i < 300; ++i) key(upCode);
   EXPECT_EQ(frmMain->chatHistoryPosition, 255);
   EXPECT_EQ(entryText(), "oldest ");
   frmMain->txtChat.Text = "typed";
-  for (int i = 0; i < 255; ++i) key(keyDown);
+  for (int i = 0; i < 255; ++i) key(downCode);
   EXPECT_EQ(frmMain->chatHistoryPosition, 0);
   EXPECT_EQ(entryText(), "one");
-  key(keyDown);
+  key(downCode);
   EXPECT_EQ(entryText(), "");
 }
 
 TEST_F(Chat, EveryKeyIsPassedOnToTheCanvas) {
   std::vector<int> seen;
   frmMain->canvas.KeyDown = [&](int code, int) { seen.push_back(code); };
-  for (const int code : {keyUp, keyDown, keyReturn, 112, 65}) key(code);
-  EXPECT_EQ(seen, (std::vector<int>{keyUp, keyDown, keyReturn, 112, 65}));
+  for (const int code : {upCode, downCode, returnCode, 112, 65}) key(code);
+  EXPECT_EQ(seen, (std::vector<int>{upCode, downCode, returnCode, 112, 65}));
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "base/fault.h"
 #include "tests/support/gameTest.h"
 

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <numbers>
 #include <string>
-#include <vector>
 
 #include "generated/sourceFolder.h"
 #include "platform/pictures/pictureFile.h"

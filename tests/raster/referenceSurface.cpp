@@ -1,6 +1,5 @@
 #include "tests/raster/referenceSurface.h"
 
-#include <algorithm>
 #include <cstdlib>
 
 namespace kelvora {

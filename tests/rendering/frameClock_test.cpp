@@ -13,8 +13,8 @@ namespace {
 /// Every reading of the clock takes time.
 class SlowClock : public HeadlessBackend {
  public:
-  Tick perReading = 0;
-  Tick tickCount() override { return ticks += perReading; }
+  Millis perReading = 0;
+  Millis tickCount() override { return ticks += perReading; }
 };
 
 class FrameClock : public PaintTest {
@@ -27,7 +27,7 @@ class FrameClock : public PaintTest {
   }
   ~FrameClock() override { installBackend(&machine); }
   /// The time of a frame of an empty world, which reads the clock twice.
-  void paint(Tick ms) {
+  void paint(Millis ms) {
     slow.perReading = ms;
     modMain::paintFrame();
   }
@@ -81,7 +81,7 @@ TEST_F(FrameClock, TheCentreMessageAgesByTheTimeScaleBeforeThisFrame) {
 /// Shows nothing. Records the frame time at each presentation and lets time pass.
 class ShowingPeer : public Peer {
  public:
-  ShowingPeer(Tick& clock, std::vector<std::int32_t>& frameTimes) : clock_(clock), frameTimes_(frameTimes) {}
+  ShowingPeer(Millis& clock, std::vector<std::int32_t>& frameTimes) : clock_(clock), frameTimes_(frameTimes) {}
   void changed(PropertyId) override {}
   void present() override {
     clock_ += 10'000'000;
@@ -89,7 +89,7 @@ class ShowingPeer : public Peer {
   }
 
  private:
-  Tick& clock_;
+  Millis& clock_;
   std::vector<std::int32_t>& frameTimes_;
 };
 
@@ -108,7 +108,7 @@ class PaintTime : public FrameClock {
     canvas().peer.reset();
     radar().peer.reset();
   }
-  static Tick durationOf(const bench::DrawingCall& call) {
+  static Millis durationOf(const bench::DrawingCall& call) {
     if (std::holds_alternative<bench::LineCall>(call.what)) return 1;
     if (std::holds_alternative<bench::CircleCall>(call.what)) return 100;
     if (std::holds_alternative<bench::CopyCall>(call.what)) return 1'000;

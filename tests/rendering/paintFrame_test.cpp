@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <map>
 #include <memory>
 
 #include "tests/rendering/paintTest.h"
@@ -293,19 +291,19 @@ TEST_F(Frames, ADeadLocalPlayerStillHasALocationLine) {
 // Time passes whenever a glyph is requested, so only in the text layers.
 class SlowGlyphs : public GlyphSource {
  public:
-  explicit SlowGlyphs(Tick& clock) : ticks(clock) {}
+  explicit SlowGlyphs(Millis& clock) : ticks(clock) {}
   Glyph glyph(const FontSpec&, unsigned char) override {
     ticks += 1000;
     return {0, 0, 0, 0, 5, {}};
   }
   int lineHeight(const FontSpec&) override { return 12; }
-  Tick& ticks;
+  Millis& ticks;
 };
 
 TEST_F(Frames, Q139TheTextsAreNotPartOfTheMeasuredTime) {
   SlowGlyphs glyphs(machine.ticks);
   Surface::setGlyphSource(&glyphs);
-  const Tick before = machine.ticks;
+  const Millis before = machine.ticks;
   modMain::paintFrame();
   Surface::setGlyphSource(nullptr);
   EXPECT_GT(machine.ticks, before + 1000) << "the debug text took time";

@@ -1,6 +1,5 @@
 #include "tests/rendering/paintTest.h"
 
-#include <array>
 #include <filesystem>
 #include <memory>
 

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <string>
 #include <vector>
 
 #include "tests/rendering/paintTest.h"

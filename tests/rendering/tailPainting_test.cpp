@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 
 #include "base/fault.h"
 #include "tests/rendering/paintTest.h"

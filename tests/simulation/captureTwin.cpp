@@ -96,7 +96,7 @@ int TwinGame::getTailNumByPos(const TwinPlayer& owner, Vector position) const {
 
 bool TwinGame::age(TwinPlayer& owner, std::size_t i) {
   TwinVertex& vertex = owner.tails[i];
-  const Tick d = clock - vertex.tick;
+  const Millis d = clock - vertex.tick;
   if (d >= 32001) {
     vertex.tick = clock;
     return false;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <deque>
 #include <string>
 #include <vector>
@@ -16,7 +15,7 @@ struct TwinVertex {
   int num = 0;
   Vector position;
   int age = 0;
-  Tick tick = 0;
+  Millis tick = 0;
   bool isCharged = false;
 };
 
@@ -36,7 +35,7 @@ struct TwinPlayer {
   bool laysChargedTail = false;
   bool hasExtendedTail = false;
   std::vector<TwinVertex> tails;
-  Tick lastAgeTick = 0;
+  Millis lastAgeTick = 0;
   std::vector<int> captures;
   int kills = 0;
   std::vector<bool> strip = std::vector<bool>(6);  ///< colours in its capture strip
@@ -54,7 +53,7 @@ struct TwinRecord {
 class TwinGame {
  public:
   // The outside world.
-  Tick clock = 0;
+  Millis clock = 0;
   double timeScale = 1;
   float canvasWidth = 0, canvasHeight = 0;
   std::vector<std::string> tips;

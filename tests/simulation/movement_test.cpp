@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "base/fault.h"
 #include "tests/support/gameTest.h"
 

@@ -18,7 +18,7 @@ class LiteralTail {
   struct Vertex {
     double num = 0;
     int age = 0;
-    Tick tick = 0;
+    Millis tick = 0;
     Vector position;
     bool isCharged = false;
   };
@@ -44,10 +44,10 @@ class LiteralTail {
     }
   }
 
-  void ageTails(Tick clock) {
+  void ageTails(Millis clock) {
     if (tailCount < 1) return;
     if (isExtended) return;
-    const Tick t = clock + moved();
+    const Millis t = clock + moved();
     if (lastAgeTick == 0) lastAgeTick = t;
     if (t - lastAgeTick <= 0) return;
     std::size_t i = 0;
@@ -69,22 +69,22 @@ class LiteralTail {
   }
 
   /// How far the clock has advanced during the pass, if each expiry of a vertex takes this long.
-  Tick moved() const { return msForEachEnd * ended; }
+  Millis moved() const { return msForEachEnd * ended; }
 
   std::vector<Vertex> tails;
   std::size_t tailCount = 0;
-  Tick lastAgeTick = 0;
+  Millis lastAgeTick = 0;
   bool isAlive = true;
   bool isCharged = false;
   bool isExtended = false;
-  Tick msForEachEnd = 0;
-  Tick ended = 0;
+  Millis msForEachEnd = 0;
+  Millis ended = 0;
 
  private:
-  bool age(std::size_t index, Tick clock) {
+  bool age(std::size_t index, Millis clock) {
     Vertex& vertex = tails[index];
-    const Tick t = clock + moved();
-    const Tick d = t - vertex.tick;
+    const Millis t = clock + moved();
+    const Millis d = t - vertex.tick;
     if (d >= 32001) {
       vertex.tick = t;
       return false;
@@ -102,12 +102,12 @@ class LiteralTail {
 /// A machine on which a vertex's expiry takes time.
 class SlowMachine : public HeadlessBackend {
  public:
-  Tick tickCount() override {
-    return ticks + msForEachEnd * (vertices - static_cast<Tick>(modMain::world.localPlayer.tailCount()));
+  Millis tickCount() override {
+    return ticks + msForEachEnd * (vertices - static_cast<Millis>(modMain::world.localPlayer.tailCount()));
   }
 
-  Tick msForEachEnd = 0;
-  Tick vertices = 0;  ///< laid and not killed explicitly
+  Millis msForEachEnd = 0;
+  Millis vertices = 0;  ///< laid and not killed explicitly
 };
 
 class TailModel : public GameTest {
@@ -164,7 +164,7 @@ TEST_F(TailModel, MatchesTheReferenceTailForThousandsOfLives) {
           const double before = player.tailCount();
           literal.killTail(num);
           player.killTail(num);
-          slow.vertices -= static_cast<Tick>(before - player.tailCount());
+          slow.vertices -= static_cast<Millis>(before - player.tailCount());
           break;
         }
         case 3:

@@ -20,7 +20,7 @@ class Tails : public GameTest {
     for (const int x : xs) player.addTail({static_cast<float>(x), 0});
   }
   /// Runs the ageing pass of one painted frame.
-  void pass(Tick ms = 0) {
+  void pass(Millis ms = 0) {
     tick(ms);
     player.paintSelf();
   }
@@ -215,7 +215,7 @@ TEST_F(Tails, Q100TheTimeOfAnExtendedTailCountsWhenItEnds) {
   pass(10);
   pass(1000);
   ASSERT_EQ(ageOf(0), 100);
-  const Tick before = player.lastAgeTick;
+  const Millis before = player.lastAgeTick;
   player.powerups[extendedTailSlot].active = true;
   for (int step = 0; step < 5; ++step) pass(1000);
   ASSERT_EQ(player.tailCount(), 2);
@@ -340,7 +340,7 @@ TEST_F(Tails, StartingOverAfterARemovalAgesNoVertexTwice) {
 // A clock that advances by 11 ms with every reading during the pass.
 class RunningClock : public HeadlessBackend {
  public:
-  Tick tickCount() override { return ticks += 11; }
+  Millis tickCount() override { return ticks += 11; }
 };
 
 TEST_F(Tails, StartsOverIfTheClockHasMoved) {

@@ -55,7 +55,7 @@ class GameTest : public testing::Test, protected HeadlessClient {
                     float y = 50'000);
 
   /// Advances the clocks.
-  void tick(Tick ms) { machine.advance(ms); }
+  void tick(Millis ms) { machine.advance(ms); }
   /// Runs queued events and due timers.
   void passEvents() { machine.doEvents(false); }
   /// Delivers bytes from the server in one read and handles them.

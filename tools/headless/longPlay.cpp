@@ -25,13 +25,11 @@ namespace kelvora {
 
 namespace {
 
-constexpr Tick frameLength = 10;          // ms
+constexpr Millis frameLength = 10;        // ms
 constexpr std::size_t latency = 3;        // frames
 constexpr double midnight = 24.0 * 3600;  // seconds
 constexpr int second = LongPlay::framesPerSecond;
 constexpr int minute = LongPlay::framesPerMinute;
-constexpr int keyReturn = 13;
-constexpr int keyF1 = 112;
 constexpr Millis calmAfter = 4'000;   // after the end of a round nobody has a tail
 constexpr Millis calmEvery = 20'000;  // how often the store is closed and the window small
 const std::string password = "open sesame";
@@ -185,8 +183,8 @@ void LongPlay::trade() {
 
 void LongPlay::typeLine(const std::string& line) {
   frmMain->txtChat.Text = line;
-  frmMain->txtChat.KeyDown(keyReturn, 0);
-  frmMain->txtChat.KeyPress(keyReturn);
+  frmMain->txtChat.KeyDown(keyEnter, 0);
+  frmMain->txtChat.KeyPress(keyEnter);
 }
 
 void LongPlay::logIn(const std::string& itsPassword) {

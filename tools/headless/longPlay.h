@@ -1,13 +1,10 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "protocol/frameReader.h"
 #include "server/arena/arena.h"

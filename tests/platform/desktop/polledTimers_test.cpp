@@ -11,7 +11,7 @@
 namespace kelvora {
 namespace {
 
-constexpr Tick never = std::numeric_limits<Tick>::max();
+constexpr Millis never = std::numeric_limits<Millis>::max();
 
 class TimerForm : public Form {
  public:
@@ -33,7 +33,7 @@ class PolledTimers : public testing::Test {
   ~PolledTimers() override { installBackend(nullptr); }
 
   // How often the timer ticks in one turn after these milliseconds.
-  int ticksAfter(Tick ms) {
+  int ticksAfter(Millis ms) {
     form.ticks = 0;
     backend.advance(ms);
     serveTimers(GetTickCount());
@@ -57,7 +57,7 @@ TEST_F(PolledTimers, TickOnceAfterSeveralIntervals) {
 }
 
 TEST_F(PolledTimers, TellWhenTheNextOneIsDue) {
-  const Tick begin = GetTickCount();
+  const Millis begin = GetTickCount();
   EXPECT_EQ(nextTimer(), begin + 100);
   form.soon.peer = makePolledTimer(form.soon);
   EXPECT_EQ(nextTimer(), begin + 30);

@@ -36,11 +36,11 @@ class Environment {
 
 TEST(Desktop, ClockStartsAtAMillionAndNeverDecreases) {
   QtDesktop desktop("");
-  Tick last = desktop.tickCount();
+  Millis last = desktop.tickCount();
   EXPECT_GE(last, 1'000'000);
   EXPECT_LT(last, 1'001'000);
   for (int i = 0; i < 1000; ++i) {
-    const Tick now = desktop.tickCount();
+    const Millis now = desktop.tickCount();
     EXPECT_GE(now, last);
     last = now;
   }

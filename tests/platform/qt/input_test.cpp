@@ -3,7 +3,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QLineEdit>
-#include <memory>
 
 #include "platform/qt/inputEvents.h"
 #include "tests/platform/qt/formProbe.h"

@@ -7,7 +7,6 @@
 #include <QPainter>
 #include <QProxyStyle>
 #include <QStyle>
-#include <cmath>
 
 #include "platform/pictureBox.h"
 #include "platform/qt/gameLooks.h"

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <memory>
 #include <optional>
 #include <string>
 #include <thread>

@@ -3,7 +3,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QTest>
-#include <memory>
 
 #include "base/fault.h"
 #include "platform/backend.h"

@@ -1,8 +1,5 @@
 #include "tests/server/arena/slowLoops.h"
 
-#include <cstdlib>
-#include <numeric>
-
 namespace kelvora::server {
 
 namespace {
