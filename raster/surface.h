@@ -50,7 +50,8 @@ class Surface {
   int pixelHeight() const { return height_; }
   std::span<const Pixel> pixels() const { return pixels_.all(); }
 
-  /// The areas that may have changed since the previous call; the whole image at first. They are disjoint, and ordered by rows of equal height, then from left to right. Valid until the next call.
+  /// The areas that may have changed since the previous call; the whole image at first. They are disjoint, and ordered
+  /// by rows of equal height, then from left to right. Valid until the next call.
   std::span<const PixelArea> takeChanges();
 
   /// Sets the background that `Cls` restores at the top left corner; null for none. Clears at once.
