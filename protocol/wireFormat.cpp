@@ -2,7 +2,7 @@
 
 namespace kelvora::wire {
 
-std::optional<Incoming> open(std::string_view text) {
+std::optional<Incoming> splitId(std::string_view text) {
   if (text.empty()) return std::nullopt;
   return Incoming{MessageId{static_cast<unsigned char>(text.front())}, text.substr(1)};
 }

@@ -25,11 +25,11 @@ constexpr std::string_view textOf(std::string_view frame) {
   return frame.size() < 2 ? std::string_view() : frame.substr(1, frame.size() - 2);
 }
 /// Splits a frame's text into id and fields. Nothing for an empty text, which has no id.
-std::optional<Incoming> open(std::string_view text);
+std::optional<Incoming> splitId(std::string_view text);
 
 /// Splits the fields at every separator. A text without a separator is one field. The results point into `text`.
 std::vector<std::string_view> splitFields(std::string_view text);
 /// The same into `fields`. False if the text doesn't have exactly that many fields, or `fields` is empty.
-bool splitFields(std::string_view text, std::span<std::string_view> fields);
+[[nodiscard]] bool splitFields(std::string_view text, std::span<std::string_view> fields);
 
 }  // namespace kelvora::wire

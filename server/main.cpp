@@ -70,8 +70,8 @@ int main(int argc, char** argv) {
     boost::asio::io_context context(BOOST_ASIO_CONCURRENCY_HINT_UNSAFE_IO);
     Log logFile(std::cerr, !isLoggingToJournal());
     const auto log = [&](const std::string& line) { logFile.write(line, kelvora::steadyNow(), std::time(nullptr)); };
-    if (const std::size_t most = provideDescriptors(GameServer::descriptors); most < GameServer::descriptors) {
-      log("only " + std::to_string(most) + " files may be open, so the server may have to turn players away");
+    if (const std::size_t limit = provideDescriptors(GameServer::descriptors); limit < GameServer::descriptors) {
+      log("only " + std::to_string(limit) + " files may be open, so the server may have to turn players away");
     }
     if (!options.site) options.site = utf8FromPath(usualSite(programFolder()));
     GameServer server(context, options, log);

@@ -21,7 +21,7 @@ Arena::Arena(ArenaOutput& output, std::string version, std::string password, std
       lobby_(output, roster_, economy_, rounds_, combat_, std::move(version), std::move(password), seed) {}
 
 void Arena::received(ClientId client, std::string_view text, Millis now) {
-  const auto message = wire::open(text);
+  const auto message = wire::splitId(text);
   if (!message) return;
   if (Player* player = roster_.find(client)) {
     handle(*player, *message, now);

@@ -13,8 +13,7 @@ namespace kelvora::server {
 enum class Entry { start, income, capture, survival, purchase, sale };
 inline constexpr std::size_t entryCount = 6;
 
-/// A player's possessions: credits, powerups in stock and running powerups. Invalid numbers
-/// are safe to pass.
+/// A player's possessions: credits, powerups in stock and running powerups. Invalid numbers are safe to pass.
 class Inventory {
  public:
   std::int64_t funds() const { return funds_; }  ///< credits
@@ -35,7 +34,7 @@ class Inventory {
 
   /// Takes one from the stock and starts it. False, without any change, if there is none or it is running. The pulse is
   /// over as soon as it has started.
-  bool start(PowerupSlot item, Millis now);
+  [[nodiscard]] bool start(PowerupSlot item, Millis now);
   /// Ends a running powerup early. False if it isn't running.
   bool end(PowerupSlot item, Millis now);
   /// A powerup runs for its seconds in the table, then stops by itself.

@@ -10,7 +10,7 @@
 namespace kelvora::server {
 
 /// How a report has moved a player.
-enum class Move { refused, step, jump };
+enum class [[nodiscard]] Move{refused, step, jump};
 
 /// Moves a player to a reported spot. Refuses a spot out of reach at `speedFactor` times the design speed (0 for no
 /// limit). After a second without a valid report, such a spot counts as a jump instead, and a new tail starts there.

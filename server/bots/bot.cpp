@@ -24,7 +24,7 @@ std::string Bot::login(const std::string& password, PlayerColour colour, const s
 }
 
 void Bot::hear(std::string_view frame, Millis now) {
-  const auto message = wire::open(wire::textOf(frame));
+  const auto message = wire::splitId(wire::textOf(frame));
   if (!message) return;
   switch (message->id) {
     case wire::msgLoginAccepted:

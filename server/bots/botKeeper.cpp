@@ -95,11 +95,11 @@ void BotKeeper::fill(Millis now) {
   if (count() >= target || now < nextArrival_ || !arena_.wantedColours().empty()) return;
   const auto free = findIf(seats_, [&](const Seat& seat) { return !seat.bot && now >= seat.backAt; });
   if (!free) return;
-  seat(*free, now);
+  join(*free, now);
   nextArrival_ = now + std::uniform_int_distribution(300, 1'200)(random_);
 }
 
-void BotKeeper::seat(Seat& seat, Millis now) {
+void BotKeeper::join(Seat& seat, Millis now) {
   seat.name = freshName();
   seat.client = ++lastClient_;
   seat.isHungUp = false;
@@ -129,7 +129,7 @@ std::size_t BotKeeper::people() const {
       std::count_if(players.begin(), players.end(), [](const PlayerView& player) { return !isBot(player.client); }));
 }
 
-std::string BotKeeper::freshName() const {
+std::string BotKeeper::freshName() {
   const auto isTaken = [&](const char* name) {
     const auto looksAlike = [&](const auto& entry) { return skeletonOf(entry.name) == skeletonOf(name); };
     return anyOf(sight_.players(), looksAlike) || anyOf(seats_, looksAlike);

@@ -46,17 +46,17 @@ class BotKeeper {
   void step(Millis now);
   void makeRoom(Millis now);
   void fill(Millis now);
-  void seat(Seat& seat, Millis now);
+  void join(Seat& seat, Millis now);
   void leave(Seat& seat, Millis now);
   Seat* find(ClientId client);
   std::size_t people() const;
-  std::string freshName() const;
+  std::string freshName();
 
   Arena& arena_;
   BotSettings settings_;
   const std::string password_;
   const std::string version_;
-  mutable std::mt19937 random_;
+  std::mt19937 random_;
   Sight sight_;
   std::vector<Seat> seats_;
   ClientId lastClient_ = firstBotClient;

@@ -16,7 +16,6 @@ class Flight {
 
   /// With the brakes on, the ball rolls to a stop and then reports nothing.
   void setBrakes(bool on) { brakes_ = on; }
-  bool hasBrakes() const { return brakes_; }
   Vector position() const { return position_; }
   Point point() const { return {static_cast<double>(position_.x), static_cast<double>(position_.y)}; }
 

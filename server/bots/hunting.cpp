@@ -116,8 +116,8 @@ void Mind::flyLoop(const BotView& view) {
     const Point wish =
         foreseen(prey, (left + static_cast<double>(view.delay)) * skill_.foresight, skill_.foreseesTurns);
     const Point shift = clampedInside(wish + loop.miss, loop.radius) - loop.centre;
-    const double most = (skill_.foreseesTurns ? 0.15 : 0.06) * loop.radius;
-    loop.centre = loop.centre + shift * std::min(1.0, most / std::max(1.0, length(shift)));
+    const double maxShift = (skill_.foreseesTurns ? 0.15 : 0.06) * loop.radius;
+    loop.centre = loop.centre + shift * std::min(1.0, maxShift / std::max(1.0, length(shift)));
   }
   const Point arm = view.position - loop.centre;
   const double angle = angleOf(arm);

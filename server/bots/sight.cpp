@@ -14,7 +14,7 @@ constexpr std::size_t stretch = 3;  // snapshots used to measure a velocity
 constexpr std::size_t maxPictures = 24;
 constexpr Millis chargeLasts = 2'200;
 constexpr double maxTurnRate = 0.02;  // radians per ms
-constexpr double slowest = 2;         // world units per ms, below which no turn is measured
+constexpr double minSpeed = 2;        // world units per ms, below which no turn is measured
 
 }  // namespace
 
@@ -68,7 +68,7 @@ BotView Sight::viewOf(const PlayerView& self, Millis delay, Millis now) const {
       if (before && longBefore) {
         const Point velocity = (player.position - before->position) * (1 / time);
         const Point earlierVelocity = (before->position - longBefore->position) * (1 / time);
-        if (length(velocity) > slowest && length(earlierVelocity) > slowest) {
+        if (length(velocity) > minSpeed && length(earlierVelocity) > minSpeed) {
           seen.turn =
               std::clamp(wrapped(angleOf(velocity) - angleOf(earlierVelocity)) / time, -maxTurnRate, maxTurnRate);
         }

@@ -18,6 +18,7 @@ void Log::write(std::string_view line, Millis now, std::time_t wallClock) {
 void Log::writeLine(std::string_view line, std::time_t wallClock) {
   out_.clear();  // a full disk may have room again
   std::string text(line);
+  // The arena cleans what clients send. Reasons and paths of the system may also have bytes that a terminal obeys.
   for (char& c : text) {
     if (c < ' ' || c > '~') c = '?';
   }

@@ -106,7 +106,7 @@ const std::array table = {
 };
 
 std::string range(const Option& option) {
-  return " from " + std::to_string(option.lowest) + " to " + std::to_string(option.highest);
+  return " from " + std::to_string(option.min) + " to " + std::to_string(option.max);
 }
 
 /// Sets an option according to its kind, or refuses the value with a reason.
@@ -121,10 +121,10 @@ struct Set {
     return Outcome::done();
   }
   Outcome operator()(Text target) const {
-    if (value.size() > static_cast<std::size_t>(option.highest)) {
-      return Outcome::refused("must not be longer than " + std::to_string(option.highest) + " bytes");
+    if (value.size() > static_cast<std::size_t>(option.max)) {
+      return Outcome::refused("must not be longer than " + std::to_string(option.max) + " bytes");
     }
-    if (value.size() < static_cast<std::size_t>(option.lowest)) return Outcome::refused("must not be empty");
+    if (value.size() < static_cast<std::size_t>(option.min)) return Outcome::refused("must not be empty");
     target(options) = value;
     return Outcome::done();
   }
@@ -138,7 +138,7 @@ struct Set {
   }
   Outcome operator()(Whole set) const {
     const auto number = wholeNumber<int>(value);
-    if (!number || *number < option.lowest || *number > option.highest)
+    if (!number || *number < option.min || *number > option.max)
       return Outcome::refused("must be a whole number" + range(option));
     set(options, *number);
     return Outcome::done();
@@ -146,7 +146,7 @@ struct Set {
   Outcome operator()(Decimal set) const {
     const auto number = wholeNumber<double>(value);
     // NaN fails every comparison.
-    if (!number || !(*number >= option.lowest && *number <= option.highest))
+    if (!number || !(*number >= option.min && *number <= option.max))
       return Outcome::refused("must be a number" + range(option));
     set(options, *number);
     return Outcome::done();

@@ -10,19 +10,22 @@
 
 namespace kelvora::server {
 
-/// An option, or a heading of the help if it has no name. The kind of its target determines its values. A Switch takes
-/// none. A Text has `lowest` to `highest` bytes. Letters are given as UTF-8 and stored in code page 1252, in `lowest`
-/// to `highest` bytes. With `inLogins` they must not contain a login's delimiters. Whole and Decimal numbers are from
-/// `lowest` to `highest`. A Word is one of those in `valueName`, separated by vertical bars, and its index is stored.
+/// An option, or a heading of the help if it has no name. The kind of its target determines its values.
 struct Option {
+  /// Takes no value.
   using Switch = void (*)(Options&);
+  /// `min` to `max` bytes, as given.
   using Text = std::string& (*)(Options&);
+  /// Given in UTF-8 and stored in code page 1252, in `min` to `max` bytes. With `inLogins` it must not contain a
+  /// login's delimiters.
   struct Letters {
     Text target;
     bool inLogins;
   };
+  /// A number from `min` to `max`.
   using Whole = void (*)(Options&, int);
   using Decimal = void (*)(Options&, double);
+  /// One of the words in `valueName`, separated by vertical bars. Stores its index.
   struct Word {
     void (*set)(Options&, int);
   };
@@ -31,8 +34,8 @@ struct Option {
   std::string_view valueName;
   std::string_view help;  ///< including the default in brackets
   std::variant<Switch, Text, Letters, Whole, Decimal, Word> target;
-  int lowest = 0;
-  int highest = 0;
+  int min = 0;
+  int max = 0;
 };
 
 /// All options in the order of the help.

@@ -35,9 +35,9 @@ bool consistsOf(std::string_view text, std::string_view others) {
                              [&](char c) { return isLetterOrDigit(c) || others.find(c) != std::string_view::npos; });
 }
 
-std::optional<std::uint16_t> number(const std::string& text, std::uint16_t lowest, std::uint16_t highest) {
+std::optional<std::uint16_t> number(const std::string& text, std::uint16_t min, std::uint16_t max) {
   const auto value = wholeNumber<std::uint16_t>(text);
-  return value && *value >= lowest && *value <= highest ? value : std::nullopt;
+  return value && *value >= min && *value <= max ? value : std::nullopt;
 }
 
 }  // namespace

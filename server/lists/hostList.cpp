@@ -36,9 +36,4 @@ std::string hostRecord(const HostEntry& host) {
          "]";
 }
 
-std::string updateFile(std::string_view version) {
-  // Clients ignore the last character of the answer.
-  return "tvqver:" + std::string(version) + "\n";
-}
-
 }  // namespace kelvora::server

@@ -48,7 +48,4 @@ std::string hostRecord(const HostEntry& host);
 /// the next address.
 inline constexpr std::string_view endOfList = "-END-\n";
 
-/// The body of the file with which clients compare their version.
-std::string updateFile(std::string_view version);
-
 }  // namespace kelvora::server

@@ -28,8 +28,8 @@ class HostRegistry {
   Answer announce(const std::string& network, const Announcement& announcement, Millis now, bool isTrusted = false);
   /// Removes the entry with this address and port, if there is one.
   Answer withdraw(const std::string& network, const HostEntry& host, Millis now);
-  /// The matching records, concatenated, and the end of the list. Callers share one text until an entry changes. An
-  /// older text that somebody still holds becomes empty if there are too many of them.
+  /// The matching records, concatenated, and the end of the list. Callers share one text until an entry changes. Old
+  /// texts that are still held are emptied beyond `maxOutdated`.
   std::shared_ptr<const std::string> listing(const HostQuery& query, Millis now);
   /// The rows of all entries in a page's table, those with most players first, and what follows them. Shared likewise.
   std::shared_ptr<const std::string> table(Millis now);

@@ -1,7 +1,5 @@
 #include "server/lists/listPages.h"
 
-#include <utility>
-
 #include "server/lists/announcement.h"
 #include "server/lists/listTable.h"
 #include "server/web/html.h"
@@ -14,12 +12,8 @@ constexpr std::string_view updatePath = "/games/kelvora/ver.txt";
 constexpr std::string_view listPath = "/games/kelvora/gethosts.php";
 constexpr std::string_view tablePath = "/games";
 
-HttpAnswer page(unsigned int status, std::string body) {
-  return {.status = status, .body = std::move(body), .headers = {"Cache-Control: no-store"}};
-}
-
 /// Compares in constant time, to reveal nothing about the difference.
-bool isSame(std::string_view one, std::string_view other) {
+bool equalsInConstantTime(std::string_view one, std::string_view other) {
   if (one.size() != other.size()) return false;
   int difference = 0;
   for (std::size_t i = 0; i < one.size(); ++i) difference |= one[i] ^ other[i];
@@ -29,13 +23,13 @@ bool isSame(std::string_view one, std::string_view other) {
 HttpAnswer answerOf(HostRegistry::Answer answer) {
   switch (answer) {
     case HostRegistry::Answer::notOwner:
-      return page(409, "That address and port have been published by another host.\n");
+      return textAnswer(409, "That address and port have been published by another host.\n");
     case HostRegistry::Answer::tooManyFromNetwork:
-      return page(429, "Too many servers have been published from your address.\n");
+      return textAnswer(429, "Too many servers have been published from your address.\n");
     case HostRegistry::Answer::full:
-      return page(503, "The list is full.\n");
+      return textAnswer(503, "The list is full.\n");
     default:
-      return page(200, "Done.\n");
+      return textAnswer(200, "Done.\n");
   }
 }
 
@@ -46,33 +40,33 @@ HostQuery hostQuery(const HttpRequest& request) {
           .withEmpty = request.argument("empty") != "0"};
 }
 
-}  // namespace
-
-HttpAnswer methodNotAllowed(const std::string& methods, const std::string& text) {
-  HttpAnswer answer = page(405, text);
-  answer.headers.push_back("Allow: " + methods);
-  return answer;
+/// The body of the file with which clients compare their version.
+std::string updateFile(std::string_view version) {
+  // Clients ignore the last character of the answer.
+  return "tvqver:" + std::string(version) + "\n";
 }
+
+}  // namespace
 
 bool ListPages::has(std::string_view path) {
   return path == updatePath || path == listPath || path == tablePath || path == publishPath;
 }
 
-HttpAnswer ListPages::answer(const HttpRequest& request, const Peer& peer, Millis now) {
+HttpAnswer ListPages::answer(const HttpRequest& request, const Requester& requester, Millis now) {
   const std::string_view path = request.path();
   if (path == publishPath) {
-    if (request.method == "POST" || request.method == "DELETE") return announce(request, peer, now);
+    if (request.method == "POST" || request.method == "DELETE") return announce(request, requester, now);
     return methodNotAllowed("POST, DELETE", "Servers publish themselves here.\n");
   }
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
-  if (path == updatePath) return page(200, updateFile(version_));
+  if (path == updatePath) return textAnswer(200, updateFile(version_));
   return path == tablePath ? table(now) : listing(hostQuery(request), now);
 }
 
 HttpAnswer ListPages::listing(const HostQuery& query, Millis now) {
   HostEntry own = host_;
   if (own.address.empty()) own.address = ownAddress_;
-  HttpAnswer answer = page(200, matches(own, version_, query) ? hostRecord(own) : "");
+  HttpAnswer answer = textAnswer(200, matches(own, version_, query) ? hostRecord(own) : "");
   answer.append(registry_.listing(query, now));
   return answer;
 }
@@ -83,16 +77,16 @@ HttpAnswer ListPages::table(Millis now) {
   return answer;
 }
 
-HttpAnswer ListPages::announce(const HttpRequest& request, const Peer& peer, Millis now) {
-  if (!key_.empty() && !isSame(request.authorization, "Bearer " + key_)) {
-    return page(403, "This list needs a key.\n");
+HttpAnswer ListPages::announce(const HttpRequest& request, const Requester& requester, Millis now) {
+  if (!key_.empty() && !equalsInConstantTime(request.authorization, "Bearer " + key_)) {
+    return textAnswer(403, "This list needs a key.\n");
   }
   Announcement announcement;
   const Outcome outcome = readAnnouncement([&](std::string_view name) { return request.argument(name); }, announcement);
-  if (outcome.isRefused()) return page(400, "The list refuses this announcement: " + outcome.reason() + "\n");
-  if (announcement.host.address.empty()) announcement.host.address = peer.address;
-  return answerOf(request.method == "DELETE" ? registry_.withdraw(peer.network, announcement.host, now)
-                                             : registry_.announce(peer.network, announcement, now, !key_.empty()));
+  if (outcome.isRefused()) return textAnswer(400, "The list refuses this announcement: " + outcome.reason() + "\n");
+  if (announcement.host.address.empty()) announcement.host.address = requester.address;
+  return answerOf(request.method == "DELETE" ? registry_.withdraw(requester.network, announcement.host, now)
+                                             : registry_.announce(requester.network, announcement, now, !key_.empty()));
 }
 
 }  // namespace kelvora::server

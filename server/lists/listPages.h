@@ -9,7 +9,7 @@
 namespace kelvora::server {
 
 /// The sender of a request.
-struct Peer {
+struct Requester {
   std::string address;  ///< as a list shows it
   std::string network;  ///< the one that limits apply to
 };
@@ -24,17 +24,17 @@ class ListPages {
       : version_(std::move(version)), key_(std::move(key)), ownAddress_(std::move(ownAddress)) {}
 
   /// Sets this server's own entry. Browsers play it where they got the page if it has no address.
-  void publish(HostEntry host) { host_ = std::move(host); }
+  void setOwnEntry(HostEntry host) { host_ = std::move(host); }
   const HostEntry& host() const { return host_; }
   /// True if this class answers the path.
   static bool has(std::string_view path);
   /// Answers a request whose path `has` accepts. Refusals are answers with an error status.
-  HttpAnswer answer(const HttpRequest& request, const Peer& peer, Millis now);
+  HttpAnswer answer(const HttpRequest& request, const Requester& requester, Millis now);
 
  private:
   HttpAnswer listing(const HostQuery& query, Millis now);
   HttpAnswer table(Millis now);
-  HttpAnswer announce(const HttpRequest& request, const Peer& peer, Millis now);
+  HttpAnswer announce(const HttpRequest& request, const Requester& requester, Millis now);
 
   const std::string version_;
   const std::string key_;
@@ -42,8 +42,5 @@ class ListPages {
   HostEntry host_;
   HostRegistry registry_;
 };
-
-/// Status 405 with `text`, such as "Only GET is served here.", and the allowed methods as its Allow header.
-HttpAnswer methodNotAllowed(const std::string& methods, const std::string& text);
 
 }  // namespace kelvora::server

@@ -51,31 +51,34 @@ struct Publisher::State {
       schedule.begins(steadyNow());
       sent = *host;
       lock.unlock();
-      const std::string fault = request("POST", *sent, timeLimit);
-      const std::string news = fault.empty() ? "announced to " + url : "cannot announce to " + url + ": " + fault;
+      const Outcome outcome = request("POST", *sent, timeLimit);
+      const std::string news =
+          outcome.isRefused() ? "cannot announce to " + url + ": " + outcome.reason() : "announced to " + url;
       if (news != said && !isEnding) log(said = news);
       lock.lock();
-      schedule.ends(fault.empty());
+      schedule.ends(!outcome.isRefused());
     }
     lock.unlock();
-    if (sent) request("DELETE", *sent, goodbyeTimeLimit);
+    // Nobody reads the log any more if that fails.
+    if (sent) static_cast<void>(request("DELETE", *sent, goodbyeTimeLimit));
   }
 
-  /// Sends a request and returns the error; empty if there was none.
-  std::string request(const char* method, const HostEntry& about, long limit) {
+  /// Refused if the list is, or can't be reached.
+  Outcome request(const char* method, const HostEntry& about, long limit) {
     const bool isGoodbye = method == std::string_view("DELETE");
     const std::string target = url + std::string(publishPath) + "?" + announcementQuery({version, about});
-    WebReply reply = sendRequest({.method = method,
-                                  .url = target,
-                                  .key = key,
-                                  .agent = "kelvora-server/" + version,
-                                  .timeLimit = limit,
-                                  // The end aborts an announcement.
-                                  .isEnding = isGoodbye ? nullptr : &isEnding});
-    if (!reply.error.empty()) return reply.error;
-    if (reply.status == 200) return {};
+    WebReply reply;
+    Outcome outcome = sendRequest({.method = method,
+                                   .url = target,
+                                   .key = key,
+                                   .agent = "kelvora-server/" + version,
+                                   .timeLimit = limit,
+                                   // The end aborts an announcement.
+                                   .isEnding = isGoodbye ? nullptr : &isEnding},
+                                  reply);
+    if (outcome.isRefused() || reply.status == 200) return outcome;
     std::erase(reply.body, '\n');
-    return "status " + std::to_string(reply.status) + (reply.body.empty() ? "" : ", " + reply.body);
+    return Outcome::refused("status " + std::to_string(reply.status) + (reply.body.empty() ? "" : ", " + reply.body));
   }
 };
 

@@ -18,6 +18,7 @@ class ClientStream {
   /// it alive, and it has to keep the stream alive.
   class User {
    public:
+    /// An error means that nothing more will come, or be written.
     virtual void arrived(error_code error, std::size_t size) = 0;
     virtual void written(error_code error) = 0;
     virtual void upgraded(error_code error) = 0;
@@ -55,7 +56,7 @@ class ClientStream {
   void endSending(std::shared_ptr<User> user);
   /// Lets `close` drop what the client hasn't taken.
   void discardUnread();
-  /// Completes every operation with an error.
+  /// Completes every operation with an error. Call nothing afterwards.
   void close();
 
  private:

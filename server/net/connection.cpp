@@ -132,7 +132,7 @@ bool Connection::takeRequest(std::string_view bytes) {
 
 bool Connection::refuse(unsigned int status, const std::string& text) {
   request_ = nullptr;
-  const HttpAnswer refusal{.status = status, .body = text};
+  const HttpAnswer refusal = textAnswer(status, text);
   queued_ += refusal.head(false) + refusal.body;
   hangUp();
   return true;

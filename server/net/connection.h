@@ -55,7 +55,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   /// Closes the connection if its time has run out. Call this several times a second.
   void closeIfOverdue(Clock::time_point now);
   /// Extends the deadline by the time for which the server couldn't listen.
-  void excuse(Clock::duration time) {
+  void extendDeadline(Clock::duration time) {
     opened_ += time;
     deadline_ += time;
   }

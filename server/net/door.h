@@ -16,13 +16,13 @@ class Door {
   static constexpr std::size_t maxNetworks = 4096;  ///< maximum number of networks remembered
 
   /// True if a new connection may come in. Call `left` when an admitted one ends.
-  bool admits(const std::string& network, Millis now) {
+  [[nodiscard]] bool admits(const std::string& network, Millis now) {
     return allowsConnection(network, now) && takesIn(network, now);
   }
   /// True if the network may make a new connection now, apart from how many it has.
-  bool allowsConnection(const std::string& network, Millis now);
+  [[nodiscard]] bool allowsConnection(const std::string& network, Millis now);
   /// The same as `admits` for a connection that isn't new, as of a proxy that has served somebody else on it.
-  bool takesIn(const std::string& network, Millis now);
+  [[nodiscard]] bool takesIn(const std::string& network, Millis now);
   void left(const std::string& network);
 
  private:

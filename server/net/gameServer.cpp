@@ -251,9 +251,9 @@ void GameServer::tickMore() {
     moderation_.tick(at(time));
     if (isDrained()) return stop(std::move(whenStopped_));
     publish();
-    const auto stop = stallWatch_.stop(time);
+    const auto stop = stallWatch_.stoppedFor(time);
     for (const auto& [client, guest] : guests_) {
-      guest.connection->excuse(stop);
+      guest.connection->extendDeadline(stop);
       guest.connection->closeIfOverdue(time);
     }
     listener_.resume();

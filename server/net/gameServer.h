@@ -84,7 +84,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
 
   Listener::Handlers listenerHandlers();
   void welcome(Socket socket);
-  /// Counts the guest at the door as coming from this address only. False if it must go. A connection that isn't new
+  /// Charges the connection to this address's limits alone. False if they are exceeded. A connection that isn't new
   /// costs its network nothing.
   bool admit(Guest& guest, const asio::ip::address& address, bool isNew = true);
   void forwarded(ClientId client, const asio::ip::address& address);

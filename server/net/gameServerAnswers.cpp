@@ -26,8 +26,6 @@ std::optional<asio::ip::address> forwardedAddress(const HttpRequest& request) {
   return error ? std::nullopt : std::optional(address);
 }
 
-HttpAnswer refusal(unsigned int status, std::string text) { return {.status = status, .body = std::move(text)}; }
-
 }  // namespace
 
 HttpAnswer GameServer::countedAnswer(ClientId client, const HttpRequest& request) {
@@ -38,19 +36,19 @@ HttpAnswer GameServer::countedAnswer(ClientId client, const HttpRequest& request
 
 HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   const std::string_view path = request.path();
-  if (path == healthPath) return {.body = "ok\n", .headers = {"Cache-Control: no-store"}};
+  if (path == healthPath) return textAnswer(200, "ok\n");
   Guest& guest = guests_.at(client);
   if (guest.isForwarded) {
     const auto address = forwardedAddress(request);
-    if (!address) return refusal(400, "The proxy names no client address.\n");
+    if (!address) return textAnswer(400, "The proxy names no client address.\n");
     // The proxy decides when it connects. What a direct client would have to connect for counts as a new connection.
     const bool isNew = path == playPath || ListPages::has(path);
-    if (!admit(guest, *address, isNew)) return refusal(429, "There are too many connections from your address.\n");
+    if (!admit(guest, *address, isNew)) return textAnswer(429, "There are too many connections from your address.\n");
   }
   if (path == playPath) {
     if (!request.isUpgrade) {
-      HttpAnswer answer = refusal(426, "This is for the game, over WebSocket.\n");
-      answer.headers = {"Upgrade: websocket", "Sec-WebSocket-Version: 13"};
+      HttpAnswer answer = textAnswer(426, "This is for the game, over WebSocket.\n");
+      answer.headers.insert(answer.headers.end(), {"Upgrade: websocket", "Sec-WebSocket-Version: 13"});
       return answer;
     }
     if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) {
@@ -59,22 +57,22 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
       return {.status = 101};
     }
     log_("refused " + guest.address.to_string() + ": a page of another origin");
-    return refusal(403, "Pages from other sites may not play here.\n");
+    return textAnswer(403, "Pages from other sites may not play here.\n");
   }
   if (ListPages::has(path)) {
-    list_.publish(hostEntry());
+    list_.setOwnEntry(hostEntry());
     return list_.answer(request, {.address = guest.address.to_string(), .network = guest.network}, now());
   }
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
   if (path == metricsPath) return metrics(guest, request);
   if (auto file = site_.answer(request)) return *std::move(file);
   if (path == "/" || path == arenaPath) return homePage();
-  return refusal(404, "This page does not exist.\n");
+  return textAnswer(404, "This page does not exist.\n");
 }
 
 HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) const {
   const bool isLocal = guest.isDirect && !request.isForwarded && guest.address.is_loopback();
-  if (!isLocal && !metricsFor_.has(guest.address)) return refusal(403, "The figures are not for your address.\n");
+  if (!isLocal && !metricsFor_.has(guest.address)) return textAnswer(403, "The figures are not for your address.\n");
   return metricsPage(figures_, {.version = versionText(),
                                 .uptime = Clock::now() - start_,
                                 .players = people(),

@@ -25,8 +25,8 @@ class Listener {
   using Resolver = std::vector<asio::ip::address> (*)(asio::io_context& context, const std::string& name);
   static std::vector<asio::ip::address> resolve(asio::io_context& context, const std::string& name);
 
-  /// Listens at once. Port 0 is any free one. "::" is every address of the machine, in IPv4 as well. Skips the
-  /// addresses of a name that the machine doesn't have, unless none is left. A bad address or port throws
+  /// Listens at once. Port 0 is any free one. "::" is every address of the machine, in IPv4 as well. Of a
+  /// name's addresses, skips those that this machine lacks, unless it lacks all. A bad address or port throws
   /// std::system_error, whose text names both.
   Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers,
            Resolver addressesOf = resolve);

@@ -15,7 +15,7 @@ class StallWatch {
   static constexpr std::chrono::seconds hitch{5};
 
   /// Call this in every tick. Returns how long the process was stopped, zero if it was no longer than a hitch.
-  Clock::duration stop(Clock::time_point now) {
+  Clock::duration stoppedFor(Clock::time_point now) {
     const std::optional<Clock::time_point> before = std::exchange(last_, now);
     return before && now - *before > hitch ? now - *before : Clock::duration::zero();
   }

@@ -26,15 +26,15 @@ bool isInitialised() {
 
 }  // namespace
 
-WebReply sendRequest(const WebRequest& request) {
+Outcome sendRequest(const WebRequest& request, WebReply& reply) {
   const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(isInitialised() ? curl_easy_init() : nullptr,
                                                                  &curl_easy_cleanup);
-  if (!curl) return {.error = "the HTTP library failed to start", .body = {}};
+  if (!curl) return Outcome::refused("the HTTP library failed to start");
   std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> headers(nullptr, &curl_slist_free_all);
   if (!request.key.empty()) {
     headers.reset(curl_slist_append(nullptr, ("Authorization: Bearer " + request.key).c_str()));
   }
-  WebReply reply;
+  reply = {};
   const auto set = [&](CURLoption option, auto value) { curl_easy_setopt(curl.get(), option, value); };
   set(CURLOPT_URL, request.url.c_str());
   set(CURLOPT_PROTOCOLS_STR, "http,https");
@@ -51,10 +51,10 @@ WebReply sendRequest(const WebRequest& request) {
   set(CURLOPT_XFERINFODATA, request.isEnding);
   set(CURLOPT_QUICK_EXIT, 1L);  // doesn't wait for a name server that doesn't answer
   if (const CURLcode result = curl_easy_perform(curl.get()); result != CURLE_OK) {
-    return {.error = curl_easy_strerror(result), .body = {}};
+    return Outcome::refused(curl_easy_strerror(result));
   }
   curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &reply.status);
-  return reply;
+  return Outcome::done();
 }
 
 }  // namespace kelvora::server

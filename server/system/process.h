@@ -12,7 +12,7 @@ namespace kelvora::server {
 /// The command line without the program's name, in UTF-8.
 std::vector<std::string> commandLine(int argc, char** argv);
 
-/// The folder of this program.
+/// The folder of this program. Empty if the system doesn't tell.
 std::filesystem::path programFolder();
 
 /// The path for a text in UTF-8. Not all systems have paths in UTF-8.
@@ -20,8 +20,8 @@ std::filesystem::path pathFromUtf8(std::string_view text);
 /// The reverse.
 std::string utf8FromPath(const std::filesystem::path& path);
 
-/// Whether a server must ask for a port on which closed connections remain. On Windows that would let two servers
-/// listen on it.
+/// True if listening needs SO_REUSEADDR to ignore old connections. On Windows that option would let two servers share
+/// a port.
 bool mustReusePorts();
 /// Raises the limit of open files to `wanted`, if allowed, and returns the limit.
 std::size_t provideDescriptors(std::size_t wanted);
@@ -35,7 +35,7 @@ std::vector<int> stopSignals(bool withTerminal);
 /// The signal that asks the server to read its files again, if the system has one. A closed terminal sends it, too.
 std::optional<int> rereadSignal();
 std::string signalName(int signal);
-/// The server is ending: a further signal would only turn that into a failure.
+/// Ignores all further signals, which could only make a clean exit fail.
 void ignoreFurtherSignals();
 
 /// True if standard error goes to the journal, which records the time by itself.

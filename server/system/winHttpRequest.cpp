@@ -56,8 +56,6 @@ using Handle = std::unique_ptr<void, Close>;
 
 std::wstring wide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
 
-WebReply failure(const char* reason) { return {.error = reason, .body = {}}; }
-
 /// One request, which ends with this object.
 class Exchange {
  public:
@@ -72,18 +70,18 @@ class Exchange {
     progress_.wait(WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING, [] { return false; });
   }
 
-  WebReply run() {
-    if (!open()) return failure("the URL is invalid");
-    if (!send() || !reached(WINHTTP_CALLBACK_STATUS_SENDREQUEST_COMPLETE)) return failure("no connection");
+  Outcome run(WebReply& reply) {
+    if (!open()) return Outcome::refused("the URL is invalid");
+    if (!send() || !reached(WINHTTP_CALLBACK_STATUS_SENDREQUEST_COMPLETE)) return Outcome::refused("no connection");
     if (WinHttpReceiveResponse(handle_.get(), nullptr) == FALSE ||
         !reached(WINHTTP_CALLBACK_STATUS_HEADERS_AVAILABLE)) {
-      return failure("no answer");
+      return Outcome::refused("no answer");
     }
-    WebReply reply{.error = {}, .status = status(), .body = {}};
+    reply = {.status = status(), .body = {}};
     // The reply's text only explains a failure, so an incomplete one will do.
     while (reply.body.size() < WebReply::maxBody && readMore(reply.body)) {
     }
-    return reply;
+    return Outcome::done();
   }
 
  private:
@@ -163,6 +161,6 @@ class Exchange {
 
 }  // namespace
 
-WebReply sendRequest(const WebRequest& request) { return Exchange(request).run(); }
+Outcome sendRequest(const WebRequest& request, WebReply& reply) { return Exchange(request).run(reply); }
 
 }  // namespace kelvora::server

@@ -34,8 +34,8 @@ std::vector<std::string> commandLine(int, char**) {
 }
 
 fs::path programFolder() {
-  constexpr std::size_t longestPath = 32'768;  // characters
-  std::wstring path(longestPath, L'\0');
+  constexpr std::size_t maxPath = 32'768;  // characters
+  std::wstring path(maxPath, L'\0');
   path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
   return fs::path(path).parent_path();
 }
@@ -49,9 +49,9 @@ fs::path pathFromUtf8(std::string_view text) {
 }
 
 std::string utf8FromPath(const fs::path& path) {
-  constexpr std::size_t longestCharacter = 3;  // bytes for a part of the path
+  constexpr std::size_t maxBytes = 3;  // bytes for a part of the path
   const int size = static_cast<int>(path.native().size());
-  std::string text(path.native().size() * longestCharacter, '\0');
+  std::string text(path.native().size() * maxBytes, '\0');
   text.resize(static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, path.c_str(), size, text.data(),
                                                            static_cast<int>(text.size()), nullptr, nullptr)));
   return text;

@@ -15,7 +15,7 @@ std::string htmlBegin(std::string_view title);
 
 inline constexpr std::string_view htmlEnd = "</html>\n";
 
-/// An answer with a page that nobody keeps and that loads nothing.
+/// An answer with a page that isn't cached and loads no other files.
 HttpAnswer htmlAnswer(std::string body);
 
 }  // namespace kelvora::server

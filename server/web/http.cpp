@@ -21,13 +21,13 @@ bool isCapital(char c) { return c >= 'A' && c <= 'Z'; }
 
 std::string text(boost::beast::string_view view) { return {view.data(), view.size()}; }
 
-/// The last line of a header, or nothing. Programs in between add theirs behind those that they got.
+/// The last line of a header, or nothing. Each proxy appends its own line.
 std::string lastLine(const http::fields& head, boost::beast::string_view name) {
   const auto [first, end] = head.equal_range(name);
   return first == end ? std::string() : text(std::prev(end)->value());
 }
 
-/// All lines of a header, as the one that they stand for.
+/// All lines of a header, joined with commas.
 std::string allLines(const http::fields& head, http::field name) {
   std::string all;
   const auto [first, end] = head.equal_range(name);
@@ -123,7 +123,7 @@ HttpReader::Result HttpReader::read(std::string_view bytes) {
       .forwardedFor = lastLine(head, "X-Forwarded-For"),
       .ifNoneMatch = allLines(head, http::field::if_none_match),
       .acceptsGzip = takesGzip(head[http::field::accept_encoding]),
-      // A body would have to be read first.
+      // Bodies aren't read, so a connection with one can't be kept.
       .keepsAlive = parser.keep_alive() && !parser.chunked() && parser.content_length().value_or(0) == 0,
       .isUpgrade = isUpgrade(head),
       .isForwarded =
@@ -150,6 +150,16 @@ std::string HttpAnswer::head(bool keepsAlive) const {
   result += keepsAlive ? "Connection: keep-alive\r\n" : "Connection: close\r\n";
   for (const std::string& header : headers) result += header + "\r\n";
   return result + "\r\n";
+}
+
+HttpAnswer textAnswer(unsigned int status, std::string text) {
+  return {.status = status, .body = std::move(text), .headers = {"Cache-Control: no-store"}};
+}
+
+HttpAnswer methodNotAllowed(const std::string& methods, std::string text) {
+  HttpAnswer answer = textAnswer(405, std::move(text));
+  answer.headers.push_back("Allow: " + methods);
+  return answer;
 }
 
 }  // namespace kelvora::server

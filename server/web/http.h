@@ -73,4 +73,9 @@ struct HttpAnswer {
   std::string head(bool keepsAlive) const;
 };
 
+/// A text that nobody may cache.
+HttpAnswer textAnswer(unsigned int status, std::string text);
+/// Status 405 with `text`, such as "Only GET is served here.", and the allowed methods as its Allow header.
+HttpAnswer methodNotAllowed(const std::string& methods, std::string text);
+
 }  // namespace kelvora::server

@@ -46,8 +46,8 @@ std::string typeOf(const fs::path& file) {
 
 /// Pads the body with zeros if the file has become shorter, because its length has already been sent.
 BodySource contents(std::shared_ptr<std::ifstream> stream, std::size_t size) {
-  return [stream = std::move(stream), left = size](std::size_t most) mutable {
-    std::string piece(std::min(most, left), '\0');
+  return [stream = std::move(stream), left = size](std::size_t maxSize) mutable {
+    std::string piece(std::min(maxSize, left), '\0');
     stream->read(piece.data(), static_cast<std::streamsize>(piece.size()));
     left -= piece.size();
     return piece;

@@ -151,7 +151,7 @@ TEST(ProtocolDocument, HasCorrectExamples) {
     ASSERT_GE(bytes.size(), 3U) << row[1];
     EXPECT_EQ(bytes.front(), wire::frameStart) << row[1];
     EXPECT_EQ(bytes.back(), wire::frameEnd) << row[1];
-    const auto incoming = wire::open(wire::textOf(bytes));
+    const auto incoming = wire::splitId(wire::textOf(bytes));
     ASSERT_TRUE(incoming) << row[1];
     const auto direction = row[0] == "to server" ? wire::Direction::toServer : wire::Direction::toClient;
     const auto message = std::ranges::find_if(

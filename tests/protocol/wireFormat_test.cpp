@@ -34,11 +34,11 @@ TEST(WireFormat, OpensAFrame) {
   EXPECT_EQ(wire::textOf("\x80\x81"), "");
   EXPECT_EQ(wire::textOf("\x80"), "");
   EXPECT_EQ(wire::textOf(""), "");
-  const auto message = wire::open("\x90-1\x82hi");
+  const auto message = wire::splitId("\x90-1\x82hi");
   ASSERT_TRUE(message);
   EXPECT_EQ(message->id, 144);
   EXPECT_EQ(message->fields, "-1\x82hi");
-  EXPECT_FALSE(wire::open(""));
+  EXPECT_FALSE(wire::splitId(""));
 }
 
 }  // namespace

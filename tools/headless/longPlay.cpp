@@ -277,7 +277,7 @@ void LongPlay::send(server::ClientId client, const std::string& frame) {
     if (visitor_ && client == visitorClient_) visitor_->hear(frame, now());
     return;
   }
-  if (const auto message = wire::open(wire::textOf(frame))) {
+  if (const auto message = wire::splitId(wire::textOf(frame))) {
     if (message->id == wire::msgTailCapture) ++captures_;
     if (message->id == wire::msgRoundOver) ++rounds_;
   }

@@ -35,7 +35,7 @@ def login(name, colour=0):
 
 def fields_of(text):
     """The fields of a frame's text, without its id."""
-    return text[1:].decode("latin-1").split("\x82")
+    return text[1:].decode("latin-1").split(SEPARATOR.decode("latin-1"))
 
 
 def wait_for(condition, what):

@@ -8,7 +8,7 @@ import socket
 import struct
 import unittest
 
-from harness import PATIENCE, START, Server, connect, login
+from harness import PATIENCE, Server, connect, login
 from protocol import CHAT, frame
 
 FIRST, LAST = (int(number) for number in os.environ.get("KELVORA_ENDINGS", "0-11").split("-"))
@@ -37,7 +37,7 @@ HALF_OPEN = {
     "a player over WebSocket": HANDSHAKE + masked(0x82, login("Web", 3)),
     "a close handshake": HANDSHAKE + masked(0x88, b"\x03\xe8"),
     "a request in a WebSocket": HANDSHAKE + masked(0x82, b"GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n"),
-    "half a game frame": START + b"\x87Half",
+    "half a game frame": login("Half")[:6],
     "a player": login("Raw"),
     "a player in the middle of a line": login("Mid", 4) + frame(CHAT, "-1", "a word")[:5],
     "garbage": b"\xff\xfe",

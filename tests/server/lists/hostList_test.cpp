@@ -80,9 +80,5 @@ TEST(HostList, PortThatClientsCannotUseIsNotListed) {
   }
 }
 
-TEST(HostList, TheUpdateFileEndsWithALineBreak) {
-  EXPECT_EQ(updateFile(KELVORA_VERSION), "tvqver:" KELVORA_VERSION "\n");
-}
-
 }  // namespace
 }  // namespace kelvora::server

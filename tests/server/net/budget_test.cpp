@@ -101,7 +101,7 @@ TEST_F(Budget, NinetyFiveLeaveRoomForOne) {
   });
 }
 
-TEST_F(Budget, OfOneAddressSixteenAreInWhateverTheySpeak) {
+TEST_F(Budget, SixteenConnectionsPerAddressAcrossProtocols) {
   tryInTime([](const RunningServer& server) {
     Mixture crowd(server.port());
     while (crowd.size() < 16) crowd.add(10);

@@ -126,7 +126,7 @@ TEST_P(ConnectionLimits, FirstByteMustArriveWithinTenSeconds) {
 
 TEST_P(ConnectionLimits, AllStagesUpToTheFirstByteHaveTenSecondsTogether) {
   const auto opened = connection->opened();
-  connection->excuse(-seconds(6));  // as if that long had passed
+  connection->extendDeadline(-seconds(6));  // as if that long had passed
   EXPECT_EQ(connection->opened(), opened - seconds(6));
   if (!GetParam()) {
     client.write(WebSocketClient::handshake());
@@ -138,7 +138,7 @@ TEST_P(ConnectionLimits, AllStagesUpToTheFirstByteHaveTenSecondsTogether) {
 }
 
 TEST_P(ConnectionLimits, AnAnswerIsANewBeginning) {
-  connection->excuse(-seconds(6));
+  connection->extendDeadline(-seconds(6));
   const auto before = Connection::Clock::now();
   say("GET /page HTTP/1.1\r\nHost: h\r\n\r\n");
   EXPECT_GE(connection->opened(), before);

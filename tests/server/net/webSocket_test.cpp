@@ -221,7 +221,7 @@ TEST_F(WebSocketTest, AControlFrameHasAtMost125Bytes) {
   }
 }
 
-TEST_F(WebSocketTest, AMessageHasAtMost65536BytesHoweverItIsCut) {
+TEST_F(WebSocketTest, FragmentedMessagesAreLimitedTo64KiB) {
   const std::string report = frameOf(wire::msgPositionReport, {"50000", "50000"});
   const std::string last = frameOf(wire::msgChat, {"-1", "the end"});
   std::string message = login("Ann");
