@@ -40,6 +40,7 @@ class FrmConnect : public Form {
 
   /// Also called by the game finder, after filling in address and port.
   void cmdConnect_Click();
+  /// Highlights a colour's circle. RuntimeFault for a colour outside 0 to 5.
   void selectColour(PlayerColour chosen);
 
  private:

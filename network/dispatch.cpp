@@ -1,14 +1,11 @@
 #include "network/dispatch.h"
 
-#include <algorithm>
-#include <iterator>
 #include <type_traits>
 #include <utility>
 
 #include "audio/soundMan.h"
 #include "base/fault.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "base/search.h"
 #include "core/modMain.h"
 #include "frontend/console.h"
 #include "network/handlers.h"
@@ -20,19 +17,6 @@
 #include "store/frmPowerups.h"
 
 namespace kelvora::netMan {
-
-MessageFields::MessageFields(std::string_view text) : fields_(wire::splitFields(text)) {}
-
-std::string_view MessageFields::at(std::size_t field) const {
-  if (field >= fields_.size()) raiseSubscriptOutOfRange();
-  return fields_[field];
-}
-
-std::string MessageFields::text(std::size_t field) const { return std::string(at(field)); }
-std::int16_t MessageFields::int16(std::size_t field) const { return toInt16(readNumber(at(field))); }
-std::int32_t MessageFields::int32(std::size_t field) const { return toInt32(readNumber(at(field))); }
-float MessageFields::single(std::size_t field) const { return toSingle(readNumber(at(field))); }
-double MessageFields::real(std::size_t field) const { return readNumber(at(field)); }
 
 namespace {
 
@@ -139,10 +123,6 @@ constexpr Route table[] = {
 
 std::span<const Route> routes() { return table; }
 
-const Route* findRoute(wire::MessageId id) {
-  const auto* found =
-      std::find_if(std::begin(table), std::end(table), [id](const Route& route) { return route.id == id; });
-  return found == std::end(table) ? nullptr : found;
-}
+const Route* findRoute(wire::MessageId id) { return findBy(table, &Route::id, id); }
 
 }  // namespace kelvora::netMan

@@ -8,6 +8,7 @@
 
 /// Handlers of the server's messages. Only processMessages calls them, and it swallows their faults. Players are
 /// identified by node; an unknown node is taken for the first opponent, if there is one. Positions are world units.
+/// They are defined in session.cpp, playerMessages.cpp and chat.cpp.
 namespace kelvora::netMan {
 
 void receiveLoginAccepted(PlayerColour colour, std::int16_t node, const std::string& name, float x, float y);

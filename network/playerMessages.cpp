@@ -1,8 +1,8 @@
 // Messages that concern one player, by node.
 
-#include "core/players.h"
 #include "base/fault.h"
 #include "core/modMain.h"
+#include "core/players.h"
 #include "network/handlers.h"
 #include "rendering/playerPanel.h"
 #include "simulation/clsPlayer.h"

@@ -42,7 +42,7 @@ void processMessages() {
   while (const auto taken = messageQueue.takeFirstReady()) {
     MessageFields fields;
     // Quirk Q-065: an empty frame has no id. It reuses the one handled before it in this call, without any fields.
-    if (const auto message = wire::open(taken->text)) {
+    if (const auto message = wire::splitId(taken->text)) {
       id = message->id;
       fields = MessageFields(message->fields);
     }

@@ -16,7 +16,7 @@ class FrameReader {
   /// that call. False if the bytes contain a byte outside a frame, a start inside one, or a frame that is too long.
   /// Don't call it again after that. Only a login may contain starts: names and passwords are sent as typed, and a
   /// player who types a euro sign must get an answer.
-  [[nodiscard]] bool read(std::string_view bytes, const std::function<void(std::string_view text)>& handle);
+  bool read(std::string_view bytes, const std::function<void(std::string_view text)>& handle);
 
  private:
   bool isLogin() const;

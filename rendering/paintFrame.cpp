@@ -8,6 +8,7 @@
 #include "core/modMain.h"
 #include "core/players.h"
 #include "frontend/frmMain.h"
+#include "rendering/layers.h"
 #include "rendering/pointer.h"
 #include "simulation/clsPlayer.h"
 

@@ -3,12 +3,12 @@
 
 #include "base/fault.h"
 #include "base/numbers.h"
+#include "core/glide.h"
 #include "core/modMain.h"
 #include "core/view.h"
 #include "frontend/frmMain.h"
 #include "particles/clsParticle.h"
 #include "particles/pools.h"
-#include "protocol/rules.h"
 #include "rendering/frmGfx.h"
 #include "rendering/paintFrame.h"
 #include "rendering/sprites.h"
@@ -40,7 +40,7 @@ void clsParticle::paintSelf() {
   Vector place = getScreenPosition();
   const bool isBackground = type == ParticleType::Background;
   if (isBackground) {
-    if (position.x < 0 || position.x > rules::worldSize || position.y < 0 || position.y > rules::worldSize) return;
+    if (!modMain::isInWorld(position)) return;
     place = {pulled(place.x, canvas.Width, depth), pulled(place.y, canvas.Height, depth)};
   }
   if (place.y < 0 || place.y > canvas.Height || place.x < 0 || place.x > canvas.Width) return;

@@ -9,7 +9,7 @@
 #include "frontend/frmMain.h"
 #include "protocol/rules.h"
 #include "rendering/frmGfx.h"
-#include "rendering/paintFrame.h"
+#include "rendering/layers.h"
 #include "rendering/sprites.h"
 #include "simulation/clsPlayer.h"
 #include "simulation/survival.h"

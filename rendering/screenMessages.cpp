@@ -6,6 +6,7 @@
 #include "core/timeScale.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
+#include "rendering/layers.h"
 #include "rendering/paintFrame.h"
 #include "rendering/sprites.h"
 #include "simulation/clsPlayer.h"

@@ -4,7 +4,7 @@
 #include "core/modMain.h"
 #include "core/view.h"
 #include "frontend/frmMain.h"
-#include "rendering/paintFrame.h"
+#include "rendering/layers.h"
 
 namespace kelvora::modMain {
 

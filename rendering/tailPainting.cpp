@@ -15,8 +15,8 @@ namespace kelvora {
 
 namespace {
 
-constexpr double thinnest = 1;  // pixels
-constexpr double widest = 30;
+constexpr double minWidth = 1;  // pixels
+constexpr double maxWidth = 30;
 
 /// The offset between the two ends of an arc's stroke on one axis.
 float strokeOffset() {
@@ -62,7 +62,7 @@ void clsPlayer::paintTail() {
       const Vector a = modMain::worldToScreen(newer.getPosition());
       const Vector b = modMain::worldToScreen(older.getPosition());
       canvas.ForeColor = newer.getColour(colour);
-      canvas.DrawWidth = static_cast<int>(std::clamp(roundToEven(static_cast<double>(i) / 10), thinnest, widest));
+      canvas.DrawWidth = static_cast<int>(std::clamp(roundToEven(static_cast<double>(i) / 10), minWidth, maxWidth));
       canvas.Line(a.x, a.y, b.x, b.y);
       canvas.DrawWidth = 1;
       if (newer.isCharged()) paintChargedArc(newer.getPosition(), older.getPosition());

@@ -2,7 +2,7 @@
 #include "core/view.h"
 #include "frontend/frmMain.h"
 #include "protocol/rules.h"
-#include "rendering/paintFrame.h"
+#include "rendering/layers.h"
 
 namespace kelvora::modMain {
 

@@ -38,7 +38,7 @@ class clsTail {
   void expire();
   /// In world units.
   const Vector& getPosition() const { return position_; }
-  /// A player colour at this vertex's age, darker with every 10 ms.
+  /// A player colour at this vertex's age, darker with every 10 ms (rendering/tailPainting.cpp).
   Colour getColour(PlayerColour colour) const;
 
   /// The number of vertices of all players.

@@ -21,11 +21,12 @@ class FrmPowerups : public Form {
   /// Places the window over the main one, as every Activate does.
   void load() override;
 
-  /// Fills in the balance and colours the prices.
+  /// Fills in the balance and colours the prices. RuntimeFault as `colourPrices`.
   void init(double funds);
   /// Fills in the stock of one item. RuntimeFault for an item outside 0 to 5.
   void have(PowerupSlot item, std::int16_t count);
-  /// Darkens the prices above the displayed balance. Their items can still be requested.
+  /// Darkens the prices above the displayed balance. Their items can still be requested. RuntimeFault "Overflow" for
+  /// a balance that its own label's text exceeds.
   void colourPrices();
 
   Image imgBackground{this, {0, 0, 11415, 9090}};

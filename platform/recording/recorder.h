@@ -158,7 +158,7 @@ class Recorder : public Backend, private SeamWatch {
   std::uint64_t calls_ = 0;       ///< of the game since the last record
   std::uint64_t frames_ = 0;
   std::size_t coordinates_ = 0;  ///< in the current record
-  Millis now_ = 0;                 ///< as the game knows it
+  Millis now_ = 0;               ///< as the game knows it
   Millis start_ = 0;
   Millis saved_ = 0;
   std::int64_t startOfDay_ = 0;  ///< ms since midnight at the start

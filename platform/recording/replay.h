@@ -42,7 +42,7 @@ struct ReplayEnd {
 /// A comparison that has failed.
 struct Difference {
   std::uint64_t frame = 0;
-  Millis time = 0;                   ///< ms since the start
+  Millis time = 0;                 ///< ms since the start
   std::vector<std::string> parts;  ///< names
 };
 

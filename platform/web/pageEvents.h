@@ -34,9 +34,9 @@ enum class PageEventKind {
 
 struct PageEvent {
   PageEventKind kind = PageEventKind::None;
-  /// Of a mouse event or touch: button, Shift, x and y in pixels, 1 for inside. Of a key event: KeyCode or KeyAscii, and
-  /// Shift. Of a slider: its value. Of an edited box: the caret. Of a cell: row and column. Of a form: its size or place
-  /// in pixels.
+  /// Of a mouse event or touch: button, Shift, x and y in pixels, 1 for inside. Of a key event: KeyCode or KeyAscii,
+  /// and Shift. Of a slider: its value. Of an edited box: the caret. Of a cell: row and column. Of a form: its size or
+  /// place in pixels.
   std::array<int, 5> numbers{};
   std::string bytes;  ///< the text of an edited box, or what a socket has received
 };

@@ -18,8 +18,8 @@ void runEvent(const std::function<void()>& event) {
 WebSocketPeer::~WebSocketPeer() { page_closeSocket(id()); }
 
 void WebSocketPeer::connect(const std::string& host, int port) {
-  constexpr int highestPort = 65535;
-  if (port < 1 || port > highestPort) {
+  constexpr int maxPort = 65535;
+  if (port < 1 || port > maxPort) {
     state_ = sckError;
     return;
   }

@@ -37,7 +37,6 @@ void play(RecordedMatch& match) {
 void trade(RecordedMatch& match) {
   play(match);
   if (!isPlaying()) return;
-  constexpr int keyF1 = 112;
   if (match.every(3, 0.5)) frmMain->btnShop.Click();
   if (frmPowerups.isVisible()) {
     const int item = match.frame() / 300 % powerupSlotCount;

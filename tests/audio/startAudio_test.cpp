@@ -51,7 +51,7 @@ TEST_F(StartAudio, WithoutSoundLoadsTheMusicToNoEffect) {
   EXPECT_TRUE(machine.tracks.empty());
 }
 
-TEST_F(StartAudio, WithoutBothTouchesNeither) {
+TEST_F(StartAudio, WithoutSoundAndMusicLoadsNoForm) {
   start("nosound nomusic");
   EXPECT_FALSE(frmSound.isLoaded());
   EXPECT_FALSE(frmMusic.isLoaded());

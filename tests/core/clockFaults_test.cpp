@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "core/timeScale.h"
 #include "protocol/powerupTable.h"
 #include "protocol/rules.h"
 #include "protocol/wireFormat.h"

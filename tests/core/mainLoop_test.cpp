@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/fault.h"
+#include "core/timeScale.h"
 #include "frontend/frmConnect.h"
 #include "tests/support/gameTest.h"
 

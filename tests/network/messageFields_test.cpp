@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "base/fault.h"
-#include "network/dispatch.h"
+#include "network/messageFields.h"
 
 namespace kelvora {
 namespace {

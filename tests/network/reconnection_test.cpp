@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/timeScale.h"
 #include "store/frmPowerups.h"
 #include "tests/support/gameTest.h"
 

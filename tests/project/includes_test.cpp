@@ -142,7 +142,7 @@ void expectOnlyIn(const std::vector<std::string>& folders, const std::string& pa
 }
 
 TEST(Includes, OnlyPlatformQtIncludesQt) {
-  expectOnlyIn({"platform/qt", "bench", "tests/platform/qt", "tests/platform/sound", "tests/platform/windows"},
+  expectOnlyIn({"platform/qt", "bench", "tests/platform/qt", "tests/platform/sound", "tests/platform/windowModel"},
                R"re([<"]((?:Q[A-Z]|Qt)[^>"\n]*)[>"])re");
 }
 

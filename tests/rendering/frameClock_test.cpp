@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "bench/surfaceRecorder.h"
+#include "core/timeScale.h"
 #include "tests/rendering/paintTest.h"
 
 // Which work counts towards the paint time, and how that becomes the time scale.

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "rendering/layers.h"
 #include "tests/rendering/goldenPainting.h"
 
 namespace kelvora {

@@ -2,6 +2,7 @@
 
 #include "frontend/console.h"
 #include "frontend/fontMan.h"
+#include "rendering/layers.h"
 #include "tests/rendering/paintTest.h"
 
 // Characters as wide as the font's size in pixels, so that a text's width reveals its size.

@@ -3,6 +3,7 @@
 #include <map>
 #include <vector>
 
+#include "rendering/layers.h"
 #include "tests/rendering/paintTest.h"
 
 namespace kelvora {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "rendering/layers.h"
 #include "tests/rendering/paintTest.h"
 
 namespace kelvora {

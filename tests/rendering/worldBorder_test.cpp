@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "rendering/layers.h"
 #include "tests/rendering/paintTest.h"
 
 namespace kelvora {

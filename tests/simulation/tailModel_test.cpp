@@ -7,6 +7,7 @@
 #include <random>
 
 #include "base/numbers.h"
+#include "core/timeScale.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {

@@ -124,7 +124,7 @@ TEST_F(Sockets, TheEndIsClosedOnceThePeerHasClosedItsOwn) {
   EXPECT_TRUE(server.isClosedByPeer());
 }
 
-TEST_F(Sockets, WhatArrivesBeforeTheCloseIsToldFirst) {
+TEST_F(Sockets, DataBeforeTheCloseIsDeliveredFirst) {
   Listener server;
   connect(server.port);
   serveUntil([&] { return socket->State() == sckConnected; });

@@ -1,4 +1,4 @@
-#include "tests/platform/windows/hands.h"
+#include "tests/platform/windowModel/hands.h"
 
 #include <QApplication>
 #include <QMenu>

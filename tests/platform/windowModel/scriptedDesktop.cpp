@@ -1,4 +1,4 @@
-#include "tests/platform/windows/scriptedDesktop.h"
+#include "tests/platform/windowModel/scriptedDesktop.h"
 
 #include <filesystem>
 

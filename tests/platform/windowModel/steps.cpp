@@ -1,4 +1,4 @@
-#include "tests/platform/windows/steps.h"
+#include "tests/platform/windowModel/steps.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -11,8 +11,8 @@
 #include "frontend/frmMain.h"
 #include "protocol/messages.h"
 #include "store/frmPowerups.h"
-#include "tests/platform/windows/hands.h"
-#include "tests/platform/windows/scriptedDesktop.h"
+#include "tests/platform/windowModel/hands.h"
+#include "tests/platform/windowModel/scriptedDesktop.h"
 #include "tests/support/wireMessage.h"
 
 namespace kelvora {

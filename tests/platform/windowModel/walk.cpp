@@ -1,4 +1,4 @@
-#include "tests/platform/windows/walk.h"
+#include "tests/platform/windowModel/walk.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,8 +17,8 @@
 #include "frontend/frmConnect.h"
 #include "frontend/frmGameFind.h"
 #include "frontend/frmMain.h"
-#include "tests/platform/windows/hands.h"
-#include "tests/platform/windows/scriptedDesktop.h"
+#include "tests/platform/windowModel/hands.h"
+#include "tests/platform/windowModel/scriptedDesktop.h"
 
 namespace kelvora {
 

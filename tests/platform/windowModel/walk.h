@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/platform/windows/steps.h"
+#include "tests/platform/windowModel/steps.h"
 
 namespace kelvora {
 

@@ -7,8 +7,8 @@
 
 #include "platform/qt/gameLooks.h"
 #include "tests/platform/qt/offscreenToolkit.h"
-#include "tests/platform/windows/scriptedDesktop.h"
-#include "tests/platform/windows/walk.h"
+#include "tests/platform/windowModel/scriptedDesktop.h"
+#include "tests/platform/windowModel/walk.h"
 
 namespace kelvora {
 namespace {
