@@ -6,6 +6,7 @@
 #include "core/bounds.h"
 #include "core/chance.h"
 #include "core/modMain.h"
+#include "core/players.h"
 #include "protocol/rules.h"
 #include "simulation/clsPlayer.h"
 #include "simulation/clsTail.h"
