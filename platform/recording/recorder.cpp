@@ -177,14 +177,14 @@ void Recorder::placePointer(int x, int y) {
 }
 
 std::string Recorder::commandLine() {
-  const std::string line = inner_.commandLine();
+  std::string line = inner_.commandLine();
   begin(Kind::CommandLine);
   writer_.text(line);
   return line;
 }
 
 std::string Recorder::webHost() {
-  const std::string host = inner_.webHost();
+  std::string host = inner_.webHost();
   begin(Kind::WebHost);
   writer_.text(host);
   return host;

@@ -9,6 +9,14 @@
 
 namespace kelvora::server {
 
+namespace {
+
+std::string refusal(const std::string& option, const std::string& entry) {
+  return option + " must have IP addresses, not \"" + entry + "\"";
+}
+
+}  // namespace
+
 AddressList::AddressList(const std::string& option, const std::string& text) {
   std::istringstream entries(text);
   for (std::string entry; std::getline(entries, entry, ',');) {
@@ -19,7 +27,7 @@ AddressList::AddressList(const std::string& option, const std::string& text) {
     }
     boost::system::error_code error;
     addresses_.push_back(unmapped(asio::ip::make_address(entry, error)));
-    if (error) throw std::runtime_error(option + " must have IP addresses, not \"" + entry + "\"");
+    if (error) throw std::runtime_error(refusal(option, entry));
   }
 }
 
