@@ -6,6 +6,7 @@ import base64
 import json
 import os
 import pathlib
+import signal
 import subprocess
 import tempfile
 import urllib.request
@@ -119,7 +120,21 @@ class Browser:
 
     def end_processes(self):
         stop(self.process)
+        wait_for(self.kill_rest, "the browser's end")  # a driver does not always end its browser
         self.folder.cleanup()
+
+    def kill_rest(self):
+        """Kills what is left of driver and browser, whose home or arguments name the folder. True once nothing is left."""
+        name = self.folder.name.encode()
+        left = False
+        for process in pathlib.Path("/proc").glob("[0-9]*"):
+            try:
+                if name in (process / "environ").read_bytes() or name in (process / "cmdline").read_bytes():
+                    left = True
+                    os.kill(int(process.name), signal.SIGKILL)
+            except OSError:
+                pass  # it has ended, or belongs to somebody else
+        return not left
 
     def visitor(self):
         """A fresh profile, which shares no settings with other tabs."""
