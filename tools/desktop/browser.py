@@ -124,7 +124,8 @@ class Browser:
         self.folder.cleanup()
 
     def kill_rest(self):
-        """Kills what is left of driver and browser, whose home or arguments name the folder. True once nothing is left."""
+        """Kills what is left of driver and browser, which name the folder in their home or arguments. True once nothing
+        is left."""
         name = self.folder.name.encode()
         left = False
         for process in pathlib.Path("/proc").glob("[0-9]*"):
