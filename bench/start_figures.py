@@ -181,6 +181,7 @@ def idle(display):
     client.close()
     for what, words in (("effects on", ("nomusic",)), ("effects and music on", ())):
         client = harness.Client(display, arguments=words)
+        client.wait_for_window("Connect")  # otherwise it opens over the minimised window, and has a caret
         display.xdotool("windowminimize", client.window.identifier)
         time.sleep(3)
         tell(f"not connected, minimised, {what}:", client.process.pid)
