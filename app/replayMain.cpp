@@ -7,6 +7,7 @@
 #include "app/film.h"
 #include "app/replayGame.h"
 #include "platform/desktop/dataFolder.h"
+#include "platform/recording/file.h"
 
 namespace {
 

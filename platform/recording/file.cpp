@@ -1,11 +1,13 @@
+#include "platform/recording/file.h"
+
 #include <zlib.h>
 
 #include <array>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/recording/format.h"
-#include "platform/recording/stream.h"
 
 namespace kelvora::recording {
 
@@ -18,7 +20,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-/// The file's contents, without what precedes the compressed part.
+/// The file's contents, which are compressed streams, one after another.
 class Inflater {
  public:
   explicit Inflater(File file) : file_(std::move(file)) {
@@ -28,14 +30,11 @@ class Inflater {
   Inflater(const Inflater&) = delete;
   Inflater& operator=(const Inflater&) = delete;
 
+  /// Empty at the end.
   std::string next() {
     std::string out(chunkSize, '\0');
-    while (!isOver_) {
-      if (state_.avail_in == 0) {
-        state_.avail_in = static_cast<uInt>(std::fread(in_.data(), 1, in_.size(), file_.get()));
-        state_.next_in = in_.data();
-        if (state_.avail_in == 0) break;
-      }
+    while (state_.avail_in > 0 || read()) {
+      if (std::exchange(isOver_, false)) inflateReset(&state_);
       state_.next_out = reinterpret_cast<Bytef*>(out.data());
       state_.avail_out = static_cast<uInt>(out.size());
       const int result = inflate(&state_, Z_SYNC_FLUSH);
@@ -49,77 +48,75 @@ class Inflater {
   }
 
  private:
+  bool read() {
+    state_.avail_in = static_cast<uInt>(std::fread(in_.data(), 1, in_.size(), file_.get()));
+    state_.next_in = in_.data();
+    return state_.avail_in > 0;
+  }
+
   File file_;
   z_stream state_{};
   std::array<Bytef, chunkSize> in_;
-  bool isOver_ = false;
+  bool isOver_ = false;  ///< one stream; another may follow
 };
 
 }  // namespace
 
-struct Writer::Compressor {
+struct RecordingFile::Compressor {
+  Compressor() : isReady(deflateInit(&state, Z_BEST_COMPRESSION) == Z_OK) {}
+  ~Compressor() { deflateEnd(&state); }
+  Compressor(const Compressor&) = delete;
+  Compressor& operator=(const Compressor&) = delete;
+
   z_stream state{};
+  bool isReady;
 };
 
-Writer::Writer(const std::string& path)
-    : file_(std::fopen(path.c_str(), "wb")), compressor_(std::make_unique<Compressor>()) {
-  if (file_ == nullptr || deflateInit(&compressor_->state, Z_BEST_COMPRESSION) != Z_OK) {
+RecordingFile::RecordingFile(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {
+  if (file_ == nullptr) return;
+  compressor_ = std::make_unique<Compressor>();
+  if (compressor_->isReady) {
+    putOut(std::string(magic) + static_cast<char>(formatVersion));
+  } else {
     compressor_.reset();
-    return;
   }
-  putOut(std::string(magic) + static_cast<char>(formatVersion));
 }
 
-Writer::~Writer() {
-  finish();
+RecordingFile::~RecordingFile() {
   if (file_ != nullptr) std::fclose(file_);
 }
 
-bool Writer::isBroken() const { return !compressor_; }
-
-void Writer::putOut(std::string_view bytes) {
-  if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) {
-    deflateEnd(&compressor_->state);
-    compressor_.reset();
-    return;
-  }
-  size_ += bytes.size();
+void RecordingFile::putOut(std::string_view bytes) {
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) compressor_.reset();
 }
 
-void Writer::deflate(int mode) {
-  if (compressor_) {
-    z_stream& state = compressor_->state;
-    state.next_in = reinterpret_cast<Bytef*>(pending_.data());
-    state.avail_in = static_cast<uInt>(pending_.size());
-    std::array<Bytef, chunkSize> out;
-    do {
-      state.next_out = out.data();
-      state.avail_out = static_cast<uInt>(out.size());
-      ::deflate(&state, mode);
-      putOut({reinterpret_cast<const char*>(out.data()), out.size() - state.avail_out});
-    } while (compressor_ && state.avail_out == 0);
-  }
-  pending_.clear();
-}
-
-void Writer::compress() {
-  if (!pending_.empty()) deflate(Z_NO_FLUSH);
-}
-
-void Writer::flush() {
-  deflate(Z_SYNC_FLUSH);
-  if (compressor_ && std::fflush(file_) != 0) {
-    deflateEnd(&compressor_->state);
-    compressor_.reset();
-  }
-}
-
-void Writer::finish() {
+void RecordingFile::deflate(std::string_view contents, int mode) {
   if (!compressor_) return;
-  deflate(Z_FINISH);
-  if (!compressor_) return;
+  z_stream& state = compressor_->state;
+  // zlib doesn't change its input.
+  state.next_in = const_cast<Bytef*>(reinterpret_cast<const Bytef*>(contents.data()));
+  state.avail_in = static_cast<uInt>(contents.size());
+  std::array<Bytef, chunkSize> out;
+  bool isFull = true;
+  while (isFull && compressor_) {
+    state.next_out = out.data();
+    state.avail_out = static_cast<uInt>(out.size());
+    ::deflate(&state, mode);
+    isFull = state.avail_out == 0;
+    putOut({reinterpret_cast<const char*>(out.data()), out.size() - state.avail_out});
+  }
+}
+
+void RecordingFile::put(std::string_view contents) { deflate(contents, Z_NO_FLUSH); }
+
+void RecordingFile::flush() {
+  deflate({}, Z_SYNC_FLUSH);
+  if (std::fflush(file_) != 0) compressor_.reset();
+}
+
+void RecordingFile::finish() {
+  deflate({}, Z_FINISH);
   std::fflush(file_);
-  deflateEnd(&compressor_->state);
   compressor_.reset();
 }
 

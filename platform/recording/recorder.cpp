@@ -30,9 +30,9 @@ std::string_view told(bool isSecretText, const std::string& text) {
 
 }  // namespace
 
-Recorder::Recorder(Backend& inner, const std::string& path, GameState state)
+Recorder::Recorder(Backend& inner, std::unique_ptr<Sink> sink, GameState state)
     : inner_(inner),
-      writer_(path),
+      writer_(std::move(sink)),
       state_(std::move(state)),
       now_(inner.tickCount()),
       start_(now_),

@@ -34,15 +34,14 @@ using RecordedSockets = std::vector<RecordedSocket*>;
 /// game may end at any time, and loses at most a second of its recording.
 class Recorder : public Backend, private SeamWatch {
  public:
-  /// Records the game on `inner`, which is installed, into a new file. Both backends outlive the game.
-  Recorder(Backend& inner, const std::string& path, GameState state);
+  /// Records the game on `inner`, which is installed. Both backends outlive the game.
+  Recorder(Backend& inner, std::unique_ptr<Sink> sink, GameState state);
   ~Recorder() override;
 
-  /// False if the file could not be written, for example on a full disk. The game goes on, unrecorded.
-  bool isRecording() const { return !writer_.isBroken(); }
-  /// Records that a fault is about to end the game, and ends the file.
+  /// False once the sink has failed, for example on a full disk. The game goes on, unrecorded.
+  bool isRecording() const { return writer_.isGood(); }
+  /// Records that a fault is about to end the game, and ends the recording.
   void fault(const std::string& what);
-  std::uint64_t fileSize() const { return writer_.size(); }
 
   Millis tickCount() override;
   float secondsSinceMidnight() override;

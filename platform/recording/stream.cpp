@@ -38,7 +38,28 @@ void Writer::real(float value) {
 
 void Writer::text(std::string_view value) {
   number(value.size());
+  raw(value);
+}
+
+void Writer::raw(std::string_view value) {
+  constexpr std::size_t maxPending = 64 * 1024;
   pending_ += value;
+  if (pending_.size() > maxPending) putOut();
+}
+
+void Writer::putOut() {
+  if (isGood()) sink_->put(pending_);
+  pending_.clear();
+}
+
+void Writer::flush() {
+  putOut();
+  if (isGood()) sink_->flush();
+}
+
+void Writer::finish() {
+  putOut();
+  if (isGood()) sink_->finish();
 }
 
 // Steps are even numbers of the code, and 1 announces any other value.

@@ -2,12 +2,12 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kelvora::recording {
 
@@ -17,45 +17,46 @@ class Damaged : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Compresses numbers and texts into a file. After an error it does nothing any more.
+/// Takes the contents of a recording, in order. Compressing and storing them is left to the platform.
+class Sink {
+ public:
+  virtual ~Sink() = default;
+  /// False after an error. From then on nothing is taken.
+  virtual bool isGood() const = 0;
+  virtual void put(std::string_view contents) = 0;
+  /// Secures everything, so that it survives the end of the process.
+  virtual void flush() = 0;
+  /// Ends the recording. Nothing follows.
+  virtual void finish() = 0;
+};
+
+/// Writes numbers and texts into a sink.
 class Writer {
  public:
-  /// Creates the file, or empties it.
-  explicit Writer(const std::string& path);
-  ~Writer();
+  explicit Writer(std::unique_ptr<Sink> sink) : sink_(std::move(sink)) {}
+  ~Writer() { finish(); }
   Writer(const Writer&) = delete;
   Writer& operator=(const Writer&) = delete;
 
-  bool isBroken() const;
+  bool isGood() const { return sink_->isGood(); }
 
   void byte(std::uint8_t value) { pending_ += static_cast<char>(value); }
   void number(std::uint64_t value);
   void whole(std::int64_t value);
   void real(float value);
   void text(std::string_view value);
-  void raw(std::string_view value) { pending_ += value; }
+  void raw(std::string_view value);
   /// A coordinate in twips. Whole pixels near the last one in the same place are short.
   void coordinate(float value, std::size_t place);
 
-  /// Compresses what has been written so far.
-  void compress();
-  /// Passes everything to the system, so that it survives the end of the process.
   void flush();
-  /// Ends the file.
   void finish();
 
-  /// The bytes written to the file so far.
-  std::uint64_t size() const { return size_; }
-
  private:
-  struct Compressor;
-  void deflate(int mode);
-  void putOut(std::string_view bytes);
+  void putOut();
 
-  std::FILE* file_ = nullptr;
-  std::unique_ptr<Compressor> compressor_;
+  std::unique_ptr<Sink> sink_;
   std::string pending_;
-  std::uint64_t size_ = 0;
   std::array<float, 2> last_{};
 };
 
@@ -92,8 +93,5 @@ class Reader {
   std::size_t at_ = 0;
   std::array<float, 2> last_{};
 };
-
-/// The uncompressed contents of a recording's file. Throws Damaged if it is no recording or has a newer format.
-Reader::Source openRecording(const std::string& path);
 
 }  // namespace kelvora::recording

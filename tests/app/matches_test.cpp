@@ -16,6 +16,7 @@
 #include "frontend/frmFonts.h"
 #include "frontend/frmGameFind.h"
 #include "generated/sourceFolder.h"
+#include "platform/recording/file.h"
 #include "store/frmPowerups.h"
 #include "tests/app/recordedMatch.h"
 #include "tests/support/gameTest.h"
@@ -164,7 +165,7 @@ TEST_P(Matches, AreReplayedExactly) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Matches, testing::Range<std::size_t>(0, 10),
-                         [](const auto& info) { return std::string(matches()[info.param].name); });
+                         [](const auto& match) { return std::string(matches()[match.param].name); });
 
 }  // namespace
 }  // namespace kelvora

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "platform/recording/file.h"
 
 namespace kelvora {
 namespace {
@@ -15,7 +18,7 @@ using namespace recording;
 std::vector<std::string> throughAFile(const std::vector<std::string>& all) {
   const std::string path = (std::filesystem::temp_directory_path() / "kelvora-messages.recording").string();
   {
-    Writer writer(path);
+    Writer writer(std::make_unique<RecordingFile>(path));
     Messages messages;
     for (const std::string& bytes : all) messages.write(writer, bytes);
   }

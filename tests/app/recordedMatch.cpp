@@ -1,6 +1,7 @@
 #include "tests/app/recordedMatch.h"
 
 #include <cmath>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -10,6 +11,7 @@
 #include "core/startUp.h"
 #include "core/view.h"
 #include "frontend/frmConnect.h"
+#include "platform/recording/file.h"
 #include "protocol/frames.h"
 #include "protocol/wireFormat.h"
 
@@ -25,7 +27,7 @@ constexpr std::size_t latency = 3;  // frames
 RecordedMatch::RecordedMatch(const std::string& file, const Rules& rules, Script script)
     : rules_(rules),
       script_(std::move(script)),
-      recorder_(machine, file, gameState),
+      recorder_(machine, std::make_unique<recording::RecordingFile>(file), gameState),
       arena_(*this, appVersionText(), password, rules.seed, {.incomePerMinute = 600}),
       keeper_(arena_, {.count = rules.bots, .skill = rules.skill}, password, appVersionText(), rules.seed + 1) {
   machine.onDoEvents = [this] { onPass(); };

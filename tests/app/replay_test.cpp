@@ -8,8 +8,8 @@
 #include "app/replayGame.h"
 #include "core/modMain.h"
 #include "generated/sourceFolder.h"
+#include "platform/recording/file.h"
 #include "platform/recording/format.h"
-#include "platform/recording/stream.h"
 #include "tests/app/recordedMatch.h"
 #include "tests/support/gameTest.h"
 
@@ -173,6 +173,21 @@ TEST_F(ReplayTest, RefusesOtherFiles) {
   EXPECT_EQ(refusal(), "it can't be read");
   write("a text");
   EXPECT_EQ(refusal(), "it is no recording");
+}
+
+TEST_F(ReplayTest, CompressedStreamsMayFollowOneAnother) {
+  const auto fileOf = [&](const std::string& text) {
+    {
+      recording::RecordingFile file(path_);
+      file.put(text);
+      file.finish();
+    }
+    return bytes();
+  };
+  const std::string first = fileOf("one, ");
+  const std::string second = fileOf("two").substr(recording::magic.size() + 1);
+  write(first + second + second.substr(0, second.size() - 4));
+  EXPECT_EQ(contents(), "one, twotwo");
 }
 
 TEST_F(ReplayTest, DamagedBytesEndTheReplay) {
