@@ -3,6 +3,7 @@
 #include <boost/asio/signal_set.hpp>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
 #include <exception>
 #include <filesystem>
@@ -14,6 +15,7 @@
 
 #include "base/millis.h"
 #include "base/outcome.h"
+#include "server/agones/sidecar.h"
 #include "server/config/log.h"
 #include "server/config/options.h"
 #include "server/net/gameServer.h"
@@ -64,6 +66,12 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (options.hashPassword) return printHash();
+  if (const char* port = std::getenv(Sidecar::portVariable)) {
+    if (const kelvora::Outcome outcome = takeAgonesPort(port, options); outcome.isRefused()) {
+      std::cerr << "kelvora-server: " << Sidecar::portVariable << " " << outcome.reason() << "\n";
+      return 2;
+    }
+  }
   ignoreFatalSignals();
   try {
     // Other threads only post to it, so its sockets need no locks.

@@ -43,6 +43,8 @@ const std::array table = {
            Text([](Options& o) -> std::string& { return o.trustedProxy; }), 0, maxTextLength},
     Option{"metrics-for", "ADDRESSES", "IP addresses that may read /metrics, besides this machine; * for all (none)",
            Text([](Options& o) -> std::string& { return o.metricsFor; }), 0, maxPathLength},
+    Option{"unlimited-for", "ADDRESSES", "IP addresses and networks of your own, without the limits per address (none)",
+           Text([](Options& o) -> std::string& { return o.unlimitedFor; }), 0, maxPathLength},
 
     heading("Game:"),
     Option{"round-seconds", "SECONDS", "length of a round (180)",
@@ -89,9 +91,11 @@ const std::array table = {
            Letters{[](Options& o) -> std::string& { return o.notes; }, false}, 0, int{maxNotesLength}},
     Option{"list-key", "KEY", "key that other servers need to join this server's list (none)",
            Text([](Options& o) -> std::string& { return o.listKey; }), 0, maxTextLength},
-    Option{"publish", "URL", "list to announce this server to, http://HOST:PORT (none)",
-           Text([](Options& o) -> std::string& { return o.publishUrl; }), 0, maxTextLength},
-    Option{"publish-key", "KEY", "key of that list (none)",
+    Option{"list-size", "COUNT", "maximum number of other servers in this server's list (1000)",
+           Whole([](Options& o, int value) { o.listSize = static_cast<std::size_t>(value); }), 0, 100'000},
+    Option{"publish", "URLS", "lists to announce this server to, http://HOST:PORT, separated by commas (none)",
+           Text([](Options& o) -> std::string& { return o.publishUrls; }), 0, maxPathLength},
+    Option{"publish-key", "KEY", "key of these lists (none)",
            Text([](Options& o) -> std::string& { return o.publishKey; }), 0, maxTextLength},
 
     heading("Other:"),

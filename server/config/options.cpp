@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/wholeNumber.h"
+#include "server/config/commaList.h"
 #include "server/config/configFile.h"
 #include "server/config/optionTable.h"
 #include "server/records/database.h"
@@ -62,9 +64,10 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
     if (!outcome.isRefused()) outcome = takeArguments(options, arguments);
     if (outcome.isRefused()) return outcome;
   }
-  const std::string& url = options.publishUrl;
-  if (!url.empty() && !url.starts_with("http://") && !url.starts_with("https://")) {
-    return Outcome::refused("the URL to publish to must begin with http:// or https://");
+  for (const std::string& url : commaList(options.publishUrls)) {
+    if (!url.starts_with("http://") && !url.starts_with("https://")) {
+      return Outcome::refused("each URL to publish to must begin with http:// or https://");
+    }
   }
   if (!options.recordsFile.empty() && !Database::isSupported()) {
     return Outcome::refused("this system's server has no SQLite, so it can't keep records");
@@ -76,6 +79,12 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
   if (!hash.empty() && !isPasswordHash(hash)) {
     return Outcome::refused("moderator must be what kelvora-server --hash-password prints");
   }
+  return Outcome::done();
+}
+
+Outcome takeAgonesPort(const std::string& value, Options& options) {
+  options.agonesPort = wholeNumber<std::uint16_t>(value);
+  if (!options.agonesPort || *options.agonesPort == 0) return Outcome::refused("must be a port, not \"" + value + "\"");
   return Outcome::done();
 }
 

@@ -4,10 +4,12 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "base/outcome.h"
 #include "server/arena/arenaRules.h"
 #include "server/bots/botSettings.h"
+#include "server/lists/hostRegistry.h"
 #include "server/moderation/settings.h"
 
 namespace kelvora::server {
@@ -30,10 +32,13 @@ struct Options {
   std::string metricsFor;                ///< addresses that may read /metrics as well, separated by commas
   std::string publicAddress;             ///< empty for `address`
   std::string notes;
-  std::string listKey;     ///< key that others must give to be listed here; empty for none
-  std::string publishUrl;  ///< the list's host; empty for none
+  std::string listKey;                                 ///< key that others must give to be listed here; empty for none
+  std::size_t listSize = HostRegistry::usualMaxHosts;  ///< maximum number of servers in this server's list
+  std::string publishUrls;                             ///< the lists' hosts, separated by commas
   std::string publishKey;
-  std::string config;  ///< path of the file that was read; empty for none
+  std::string unlimitedFor;                 ///< addresses and networks without limits on connections and entries
+  std::optional<std::uint16_t> agonesPort;  ///< where Agones listens for this server's reports, if it runs there
+  std::string config;                       ///< path of the file that was read; empty for none
   bool hashPassword = false;
   bool help = false;
   bool version = false;
@@ -42,6 +47,9 @@ struct Options {
 /// Parses `arguments`, without the program's name, into new options. "--port 2010" and "--port=2010" are the same. If
 /// they name a configuration file, it is read first, wherever its name appears, so that the command line overrides it.
 Outcome parseOptions(std::span<const std::string> arguments, Options& options);
+
+/// Takes the value of the environment variable with Agones' port, which overrides nothing else.
+Outcome takeAgonesPort(const std::string& value, Options& options);
 
 /// The text that "--help" prints.
 std::string helpText();

@@ -85,8 +85,9 @@ HttpAnswer ListPages::announce(const HttpRequest& request, const Requester& requ
   const Outcome outcome = readAnnouncement([&](std::string_view name) { return request.argument(name); }, announcement);
   if (outcome.isRefused()) return textAnswer(400, "The list refuses this announcement: " + outcome.reason() + "\n");
   if (announcement.host.address.empty()) announcement.host.address = requester.address;
-  return answerOf(request.method == "DELETE" ? registry_.withdraw(requester.network, announcement.host, now)
-                                             : registry_.announce(requester.network, announcement, now, !key_.empty()));
+  if (request.method == "DELETE") return answerOf(registry_.withdraw(requester.network, announcement.host, now));
+  const bool isTrusted = requester.isTrusted || !key_.empty();
+  return answerOf(registry_.announce(requester.network, announcement, now, isTrusted));
 }
 
 }  // namespace kelvora::server

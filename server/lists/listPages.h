@@ -10,8 +10,9 @@ namespace kelvora::server {
 
 /// The sender of a request.
 struct Requester {
-  std::string address;  ///< as a list shows it
-  std::string network;  ///< the one that limits apply to
+  std::string address;     ///< as a list shows it
+  std::string network;     ///< the one that limits apply to
+  bool isTrusted = false;  ///< may announce any number of servers
 };
 
 /// Serves the list of published games, to the game and to browsers, and the update file, and accepts other servers'
@@ -20,8 +21,9 @@ class ListPages {
  public:
   /// Announcements need the key, unless it is empty. The game's list shows `ownAddress` for this server's entry if that
   /// has none.
-  ListPages(std::string version, std::string key, std::string ownAddress = {})
-      : version_(std::move(version)), key_(std::move(key)), ownAddress_(std::move(ownAddress)) {}
+  ListPages(std::string version, std::string key, std::string ownAddress = {},
+            std::size_t maxHosts = HostRegistry::usualMaxHosts)
+      : version_(std::move(version)), key_(std::move(key)), ownAddress_(std::move(ownAddress)), registry_(maxHosts) {}
 
   /// Sets this server's own entry. Browsers play it where they got the page if it has no address.
   void setOwnEntry(HostEntry host) { host_ = std::move(host); }

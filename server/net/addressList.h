@@ -1,12 +1,13 @@
 #pragma once
 
 #include <boost/asio/ip/address.hpp>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace kelvora::server {
 
-/// IP addresses from an option, separated by commas; "*" is every address.
+/// IP addresses and networks, such as 192.0.2.0/24, from an option, separated by commas; "*" is every address.
 class AddressList {
  public:
   /// Throws std::runtime_error, whose text begins with the option's name, if the text has anything else.
@@ -16,8 +17,13 @@ class AddressList {
   bool has(const boost::asio::ip::address& address) const;
 
  private:
+  struct Network {
+    boost::asio::ip::address address;
+    std::size_t bits;  ///< of the address that belong to the network
+  };
+
   bool hasAll_ = false;
-  std::vector<boost::asio::ip::address> addresses_;
+  std::vector<Network> networks_;
 };
 
 }  // namespace kelvora::server

@@ -12,9 +12,9 @@ bool Door::allowsConnection(const std::string& network, Millis now) {
   return visitor(network, now).connections.allows(now);
 }
 
-bool Door::takesIn(const std::string& network, Millis now) {
+bool Door::takesIn(const std::string& network, Millis now, bool isLimited) {
   Visitor& newcomer = visitor(network, now);
-  if (newcomer.inside >= maxPerNetwork) return false;
+  if (isLimited && newcomer.inside >= maxPerNetwork) return false;
   ++newcomer.inside;
   return true;
 }

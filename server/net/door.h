@@ -21,8 +21,9 @@ class Door {
   }
   /// True if the network may make a new connection now, apart from how many it has.
   [[nodiscard]] bool allowsConnection(const std::string& network, Millis now);
-  /// The same as `admits` for a connection that isn't new, as of a proxy that has served somebody else on it.
-  [[nodiscard]] bool takesIn(const std::string& network, Millis now);
+  /// The same as `admits` for a connection that isn't new, as of a proxy that has served somebody else on it. Always
+  /// true without a limit.
+  [[nodiscard]] bool takesIn(const std::string& network, Millis now, bool isLimited = true);
   void left(const std::string& network);
 
  private:

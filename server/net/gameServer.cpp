@@ -9,6 +9,7 @@
 
 #include "protocol/frames.h"
 #include "protocol/rules.h"
+#include "server/config/commaList.h"
 #include "server/moderation/network.h"
 #include "server/system/process.h"
 
@@ -18,13 +19,26 @@ namespace {
 
 constexpr auto tickInterval = std::chrono::milliseconds(rules::reportInterval);
 
-/// Its log lines are written on the context's thread.
-std::unique_ptr<Publisher> startPublisher(asio::io_context& context, const Options& options,
-                                          const std::function<void(const std::string&)>& log) {
-  if (options.publishUrl.empty()) return nullptr;
-  return std::make_unique<Publisher>(
-      options.publishUrl, options.publishKey, versionText(),
-      [&context, log](const std::string& line) { asio::post(context, [log, line] { log(line); }); });
+/// Writes lines of other threads on the context's.
+std::function<void(const std::string&)> logFromAside(asio::io_context& context,
+                                                     const std::function<void(const std::string&)>& log) {
+  return [&context, log](const std::string& line) { asio::post(context, [log, line] { log(line); }); };
+}
+
+std::vector<std::unique_ptr<Publisher>> startPublishers(asio::io_context& context, const Options& options,
+                                                        const std::function<void(const std::string&)>& log) {
+  std::vector<std::unique_ptr<Publisher>> publishers;
+  for (const std::string& url : commaList(options.publishUrls)) {
+    publishers.push_back(
+        std::make_unique<Publisher>(url, options.publishKey, versionText(), logFromAside(context, log)));
+  }
+  return publishers;
+}
+
+std::unique_ptr<Sidecar> startSidecar(asio::io_context& context, const Options& options,
+                                      const std::function<void(const std::string&)>& log) {
+  if (!options.agonesPort) return nullptr;
+  return std::make_unique<Sidecar>(*options.agonesPort, versionText(), logFromAside(context, log));
 }
 
 std::optional<asio::ip::address> proxyAddress(const std::string& text) {
@@ -42,6 +56,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
       log_(std::move(log)),
       trustedProxy_(proxyAddress(options.trustedProxy)),
       metricsFor_("--metrics-for", options.metricsFor),
+      unlimitedFor_("--unlimited-for", options.unlimitedFor),
       site_(pathFromUtf8(options.site.value_or(""))),
       listener_(context, options.address, options.port, listenerHandlers()),
       context_(context),
@@ -50,8 +65,9 @@ GameServer::GameServer(asio::io_context& context, const Options& options, std::f
       bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
       records_(*this, options.recordsFile),
       moderation_(arena_, bots_, records_, *this, options.moderation),
-      list_(versionText(), options.listKey, options.address),
-      publisher_(startPublisher(context, options, log_)) {
+      list_(versionText(), options.listKey, options.address, options.listSize),
+      publishers_(startPublishers(context, options, log_)),
+      sidecar_(startSidecar(context, options, log_)) {
   if (options.webPort) {
     const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
     webListener_.emplace(context, address, *options.webPort, listenerHandlers());
@@ -72,7 +88,8 @@ void GameServer::stop(std::function<void()> whenDone) {
   whenStopped_ = std::move(whenDone);
   listener_.close();
   if (webListener_) webListener_->close();
-  if (publisher_) publisher_->signOff();
+  for (const auto& publisher : publishers_) publisher->signOff();
+  if (sidecar_) sidecar_->finish();
   const std::string goodbye = wire::toClient<wire::msgServerText>("The server is shutting down.");
   for (const PlayerView& player : arena_.players(now())) send(player.client, goodbye);
   for (const auto& [client, guest] : guests_) guest.connection->hangUp();
@@ -87,7 +104,7 @@ void GameServer::drain(std::chrono::seconds time, std::function<void()> whenDone
   if (stopped_) return;
   whenStopped_ = std::move(whenDone);
   drainsUntil_ = Clock::now() + time;
-  if (publisher_) publisher_->signOff();
+  for (const auto& publisher : publishers_) publisher->signOff();
   arena_.tellAll("The server stops when this round is over.");
 }
 
@@ -152,8 +169,10 @@ void GameServer::welcome(Socket socket) {
 bool GameServer::admit(Guest& guest, const asio::ip::address& address, bool isNew) {
   const std::string network = networkOf(address);
   const bool isIn = network == guest.network;
+  const bool isLimited = !unlimitedFor_.has(address);
   if (!isIn && !guest.network.empty()) door_.left(std::exchange(guest.network, {}));
-  if ((isNew && !door_.allowsConnection(network, now())) || (!isIn && !door_.takesIn(network, now()))) {
+  if ((isNew && isLimited && !door_.allowsConnection(network, now())) ||
+      (!isIn && !door_.takesIn(network, now(), isLimited))) {
     ++figures_.refusedOfAddress;
     log_("refused " + network + ": too many connections");
     return false;
@@ -279,9 +298,11 @@ HostEntry GameServer::hostEntry() const {
 }
 
 void GameServer::publish() {
-  if (!publisher_ || stopped_ || drainsUntil_) return;
+  if (stopped_) return;
+  if (sidecar_) sidecar_->update(people());
+  if (drainsUntil_) return;
   // Without an address, the list uses the one from which the announcement comes.
-  publisher_->publish(hostEntry());
+  for (const auto& publisher : publishers_) publisher->publish(hostEntry());
 }
 
 Millis GameServer::at(Clock::time_point time) const {

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "server/agones/sidecar.h"
 #include "server/arena/arena.h"
 #include "server/bots/botKeeper.h"
 #include "server/config/options.h"
@@ -107,7 +108,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   void finishStop();
   /// This server's entry in lists.
   HostEntry hostEntry() const;
-  /// Tells other lists the number of players.
+  /// Tells other lists, and Agones, the number of players.
   void publish();
   /// The arena's time.
   Millis at(Clock::time_point time) const;
@@ -117,6 +118,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   std::function<void(const std::string&)> log_;
   std::optional<asio::ip::address> trustedProxy_;
   AddressList metricsFor_;
+  AddressList unlimitedFor_;
   Site site_;
   Listener listener_;
   std::optional<Listener> webListener_;
@@ -129,7 +131,8 @@ class GameServer : private ArenaOutput, private ModerationHost {
   Moderation moderation_;
   std::vector<std::pair<ClientId, std::string>> commands_;  // of the frame in progress
   ListPages list_;
-  std::unique_ptr<Publisher> publisher_;  // null if there is no list to announce to
+  std::vector<std::unique_ptr<Publisher>> publishers_;  // one for each list to announce to
+  std::unique_ptr<Sidecar> sidecar_;                    // null outside of Agones
   std::map<ClientId, Guest> guests_;
   Door door_;
   StallWatch stallWatch_;

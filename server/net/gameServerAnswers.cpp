@@ -61,7 +61,10 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   }
   if (ListPages::has(path)) {
     list_.setOwnEntry(hostEntry());
-    return list_.answer(request, {.address = guest.address.to_string(), .network = guest.network}, now());
+    return list_.answer(
+        request,
+        {.address = guest.address.to_string(), .network = guest.network, .isTrusted = unlimitedFor_.has(guest.address)},
+        now());
   }
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
   if (path == metricsPath) return metrics(guest, request);

@@ -31,19 +31,22 @@ Outcome sendRequest(const WebRequest& request, WebReply& reply) {
                                                                  &curl_easy_cleanup);
   if (!curl) return Outcome::refused("the HTTP library failed to start");
   std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> headers(nullptr, &curl_slist_free_all);
-  if (!request.key.empty()) {
-    headers.reset(curl_slist_append(nullptr, ("Authorization: Bearer " + request.key).c_str()));
-  }
+  const auto addHeader = [&](const std::string& line) {
+    headers.reset(curl_slist_append(headers.release(), line.c_str()));
+  };
+  if (!request.key.empty()) addHeader("Authorization: Bearer " + request.key);
+  if (!request.json.empty()) addHeader("Content-Type: application/json");
   reply = {};
   const auto set = [&](CURLoption option, auto value) { curl_easy_setopt(curl.get(), option, value); };
   set(CURLOPT_URL, request.url.c_str());
   set(CURLOPT_PROTOCOLS_STR, "http,https");
-  set(CURLOPT_POSTFIELDS, "");
+  set(CURLOPT_POSTFIELDS, request.json.c_str());
   set(CURLOPT_CUSTOMREQUEST, request.method.c_str());
   set(CURLOPT_HTTPHEADER, headers.get());
   set(CURLOPT_USERAGENT, request.agent.c_str());
   set(CURLOPT_TIMEOUT_MS, request.timeLimit);
   set(CURLOPT_NOSIGNAL, 1L);
+  if (!request.usesProxy) set(CURLOPT_NOPROXY, "*");
   set(CURLOPT_WRITEFUNCTION, &onBody);
   set(CURLOPT_WRITEDATA, &reply.body);
   set(CURLOPT_NOPROGRESS, request.isEnding == nullptr ? 1L : 0L);

@@ -7,13 +7,15 @@
 
 namespace kelvora::server {
 
-/// A request without a body to another web server, by http or https.
+/// A request to another web server, by http or https.
 struct WebRequest {
   std::string method;
   std::string url;
-  std::string key;                              ///< the bearer token; empty for none
+  std::string key{};                            ///< the bearer token; empty for none
+  std::string json{};                           ///< the body; empty for none
   std::string agent;                            ///< this program and its version
   long timeLimit;                               ///< ms, above 0, for all of it
+  bool usesProxy = true;                        ///< the one that this machine is set up for, if any
   const std::atomic<bool>* isEnding = nullptr;  ///< aborts the request when it becomes true; null for never
 };
 

@@ -95,8 +95,8 @@ class Exchange {
     parts.dwUrlPathLength = static_cast<DWORD>(-1);  // with the query that follows it
     parts.dwExtraInfoLength = static_cast<DWORD>(-1);
     if (WinHttpCrackUrl(url.c_str(), 0, 0, &parts) == FALSE) return false;
-    session_.reset(WinHttpOpen(wide(request_.agent).c_str(), WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, nullptr, nullptr,
-                               WINHTTP_FLAG_ASYNC));
+    const DWORD access = request_.usesProxy ? WINHTTP_ACCESS_TYPE_DEFAULT_PROXY : WINHTTP_ACCESS_TYPE_NO_PROXY;
+    session_.reset(WinHttpOpen(wide(request_.agent).c_str(), access, nullptr, nullptr, WINHTTP_FLAG_ASYNC));
     if (!session_) return false;
     connection_.reset(WinHttpConnect(session_.get(), host.data(), parts.nPort, 0));
     if (!connection_) return false;
@@ -119,9 +119,12 @@ class Exchange {
       return false;
     }
     isWatched_ = true;
-    const std::wstring key = request_.key.empty() ? L"" : L"Authorization: Bearer " + wide(request_.key);
-    return WinHttpSendRequest(handle_.get(), key.empty() ? nullptr : key.c_str(), static_cast<DWORD>(key.size()),
-                              nullptr, 0, 0, context) != FALSE;
+    std::wstring headers = request_.key.empty() ? L"" : L"Authorization: Bearer " + wide(request_.key) + L"\r\n";
+    if (!request_.json.empty()) headers += L"Content-Type: application/json\r\n";
+    body_ = request_.json;
+    const auto size = static_cast<DWORD>(body_.size());
+    return WinHttpSendRequest(handle_.get(), headers.empty() ? nullptr : headers.c_str(),
+                              static_cast<DWORD>(headers.size()), body_.data(), size, size, context) != FALSE;
   }
 
   bool reached(DWORD step) {
@@ -152,6 +155,7 @@ class Exchange {
   const WebRequest& request_;
   const Clock::time_point deadline_;
   Progress progress_;
+  std::string body_;                              // the system reads it while it sends
   std::array<char, WebReply::maxBody> buffer_{};  // the system fills it while it reads
   bool isWatched_ = false;
   Handle session_;

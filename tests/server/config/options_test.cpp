@@ -40,6 +40,22 @@ TEST(ServerOptions, HaveDefaults) {
   EXPECT_FALSE(options.version);
 }
 
+TEST(ServerOptions, EachListMustBeAWebServer) {
+  EXPECT_EQ(parse({"--publish", "http://a:8080, https://b"}).error, "");
+  for (const char* urls : {"a:8080", "http://a, b", "http://a,,http://b"}) {
+    EXPECT_EQ(parse({"--publish", urls}).error, "each URL to publish to must begin with http:// or https://") << urls;
+  }
+}
+
+TEST(ServerOptions, AgonesPortMustBeAPort) {
+  Options options;
+  EXPECT_FALSE(takeAgonesPort("9358", options).isRefused());
+  EXPECT_EQ(options.agonesPort, 9358);
+  for (const char* port : {"", "0", "65536", "-1", "http", "9358 "}) {
+    EXPECT_TRUE(takeAgonesPort(port, options).isRefused()) << port;
+  }
+}
+
 TEST(ServerOptions, TextsAreStoredInTheGamesCodePage) {
   const Parsed options = parse({"--password", "\u00D6ffne dich", "--notes", "f\u00FCr alle, 5 \u20AC"});
   EXPECT_EQ(options.error, "");

@@ -21,15 +21,15 @@ Announcement of(const std::string& address, std::uint16_t port, std::size_t play
 }
 
 const HostQuery all{.version = KELVORA_VERSION};
-constexpr Millis hour = 3'600'000;
+constexpr Millis lifetime = 900'000;  // a quarter of an hour
 
-TEST(HostRegistry, KeepsAnEntryForAnHourAfterItsLastAnnouncement) {
+TEST(HostRegistry, KeepsAnEntryForAQuarterOfAnHourAfterItsLastAnnouncement) {
   HostRegistry registry;
   EXPECT_EQ(registry.announce("a", of("192.0.2.7", 2010), 1'000), Answer::done);
-  EXPECT_EQ(*registry.listing(all, 1'000 + hour - 1), "[192.0.2.7|2010|0|n|3|6]-END-\n");
+  EXPECT_EQ(*registry.listing(all, 1'000 + lifetime - 1), "[192.0.2.7|2010|0|n|3|6]-END-\n");
   EXPECT_EQ(registry.announce("a", of("192.0.2.7", 2010, 4), 500'000), Answer::done);
-  EXPECT_EQ(*registry.listing(all, 1'000 + hour), "[192.0.2.7|2010|0|n|4|6]-END-\n");
-  EXPECT_EQ(*registry.listing(all, 500'000 + hour), "-END-\n");
+  EXPECT_EQ(*registry.listing(all, 1'000 + lifetime), "[192.0.2.7|2010|0|n|4|6]-END-\n");
+  EXPECT_EQ(*registry.listing(all, 500'000 + lifetime), "-END-\n");
   EXPECT_EQ(registry.size(), 0U);
 }
 
@@ -54,7 +54,7 @@ TEST(HostRegistry, OnlyItsAnnouncerChangesOrWithdrawsAnEntry) {
   EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done);
   EXPECT_EQ(*registry.listing(all, 1), "[192.0.2.7|2011|0|n|3|6]-END-\n");
   EXPECT_EQ(registry.withdraw("a", of("192.0.2.7", 2010).host, 1), Answer::done) << "it is already gone";
-  EXPECT_EQ(registry.announce("c", of("192.0.2.7", 2011), 1 + hour), Answer::done) << "the hour is over";
+  EXPECT_EQ(registry.announce("c", of("192.0.2.7", 2011), 1 + lifetime), Answer::done) << "its time is over";
 }
 
 TEST(HostRegistry, OneHostHasAtMostThirtyTwoEntries) {
@@ -87,17 +87,95 @@ TEST(HostRegistry, OutdatedListingsTakeAtMostAMebibyteInAll) {
   }
   const std::size_t size = held.back()->size();
   EXPECT_GT(size, std::size_t{400} << 10);
-  EXPECT_EQ(held.back()->size(), size);
-  EXPECT_EQ(held[4]->size(), size) << "two fit into a mebibyte";
-  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(held[i]->capacity(), std::string().capacity()) << i;
+  // The last one has not been replaced yet.
+  EXPECT_EQ(held[4]->size(), size);
+  EXPECT_EQ(held[3]->size(), size) << "two fit into a mebibyte";
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(held[i]->capacity(), std::string().capacity()) << i;
 
   // Those that nobody holds any more don't count.
-  held.erase(held.begin() + 4);
+  held.erase(held.begin() + 3);
   held.push_back(registry.listing(all, 0));
-  change(1);
+  EXPECT_EQ(held[3]->size(), size);
   EXPECT_EQ(held[4]->size(), size);
-  EXPECT_EQ(held[5]->size(), size);
-  EXPECT_EQ(registry.listing(all, 0)->size(), size) << "the current one is always whole";
+  EXPECT_EQ(held[5]->size(), size) << "the current one is always whole";
+}
+
+TEST(HostRegistry, HasNoMoreEntriesThanItMay) {
+  HostRegistry registry(2);
+  EXPECT_EQ(registry.announce("a", of("x", 1), 0), Answer::done);
+  EXPECT_EQ(registry.announce("b", of("x", 2), 0), Answer::done);
+  EXPECT_EQ(registry.announce("c", of("x", 3), 0, true), Answer::full) << "nobody is exempt";
+  EXPECT_EQ(registry.announce("a", of("x", 1, 5), 0), Answer::done);
+  registry.withdraw("a", of("x", 1).host, 0);
+  EXPECT_EQ(registry.announce("c", of("x", 3), 0), Answer::done);
+}
+
+TEST(HostRegistry, AHostThatHasLeftMayReturn) {
+  HostRegistry registry;
+  for (int round = 0; round < 3; ++round) {
+    for (std::uint16_t port = 1; port <= 32; ++port) {
+      ASSERT_EQ(registry.announce("a", of("x", port), round), Answer::done) << port;
+    }
+    for (std::uint16_t port = 1; port <= 32; ++port) registry.withdraw("a", of("x", port).host, round);
+  }
+  EXPECT_EQ(registry.size(), 0U);
+}
+
+/// A registry with one more entry than a listing has room for, each with two players.
+HostRegistry large(Millis now) {
+  HostRegistry registry(2'000);
+  for (std::uint16_t port = 1; port <= 1'001; ++port) registry.announce("a", of("x", port, 2), now, true);
+  return registry;
+}
+
+std::size_t countOf(const std::string& text, const std::string& what) {
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; ++at) ++count;
+  return count;
+}
+
+TEST(HostRegistry, OfALargeNumberOfGamesTheMostAttractiveAreShown) {
+  HostRegistry registry = large(0);
+  registry.announce("a", of("x", 1'000, 6), 0, true);
+  registry.announce("a", of("x", 1'001, 5), 0, true);
+  Announcement closed = of("x", 999, 4);
+  closed.host.passwordRequired = true;
+  registry.announce("a", closed, 0, true);
+  const std::string text = *registry.listing(all, 0);
+  EXPECT_EQ(countOf(text, "["), 1'000U);
+  EXPECT_TRUE(text.starts_with("[x|1001|0|n|5|6][x|1|0|n|2|6]")) << text.substr(0, 100);
+  EXPECT_TRUE(text.ends_with("|2|6][x|1000|0|n|6|6]-END-\n")) << "full, but with more players than the closed one";
+  EXPECT_EQ(countOf(*registry.listing({.version = KELVORA_VERSION, .withFull = false}, 0), "[x|999|1|"), 1U)
+      << "all thousand that match";
+  const std::string table = *registry.table(0);
+  EXPECT_EQ(countOf(table, "<tr>"), 1'000U);
+  EXPECT_LT(table.find("x:1000/"), table.find("x:1001/"));
+  EXPECT_LT(table.find("x:1001/"), table.find("x:999/"));
+}
+
+TEST(HostRegistry, ALargeListingIsMadeOnceASecond) {
+  HostRegistry registry = large(0);
+  const auto first = registry.listing(all, 5'000);
+  const auto table = registry.table(5'000);
+  registry.announce("a", of("x", 1, 5), 5'001, true);
+  EXPECT_EQ(registry.listing(all, 5'999), first);
+  EXPECT_EQ(registry.table(5'999), table);
+  EXPECT_NE(registry.listing(all, 6'000), first);
+  EXPECT_NE(registry.table(6'000), table);
+  EXPECT_TRUE(registry.listing(all, 6'000)->starts_with("[x|1|0|n|5|6]"));
+  // A thousand entries are few enough to be up to date.
+  registry.withdraw("a", of("x", 1).host, 6'001);
+  EXPECT_FALSE(registry.listing(all, 6'001)->starts_with("[x|1|"));
+}
+
+TEST(HostRegistry, KeepsThirtyTwoListings) {
+  HostRegistry registry;
+  const auto version = [](std::size_t number) { return "1.0." + std::to_string(number); };
+  std::vector<std::shared_ptr<const std::string>> listings;
+  for (std::uint16_t i = 0; i < 33; ++i) registry.announce("n", of("x", i, 3, version(i)), 0, true);
+  for (std::uint16_t i = 0; i < 33; ++i) listings.push_back(registry.listing({.version = version(i)}, i));
+  for (std::size_t i = 1; i < 33; ++i) EXPECT_EQ(registry.listing({.version = version(i)}, 33), listings[i]) << i;
+  EXPECT_NE(registry.listing({.version = version(0)}, 33), listings[0]) << "the oldest made room";
 }
 
 TEST(HostRegistry, HoldsAThousandEntriesThatAClientCanRead) {
@@ -112,7 +190,7 @@ TEST(HostRegistry, HoldsAThousandEntriesThatAClientCanRead) {
   EXPECT_EQ(registry.announce("late", longest, 0), Answer::full);
   EXPECT_LT(registry.listing(all, 0)->size(), 1U << 20) << "the longest answer that a client reads";
   EXPECT_LT(registry.table(0)->size(), 4U << 20);
-  EXPECT_EQ(registry.announce("late", longest, hour), Answer::done);
+  EXPECT_EQ(registry.announce("late", longest, lifetime), Answer::done);
   EXPECT_EQ(registry.size(), 1U);
 }
 
@@ -135,7 +213,7 @@ TEST(HostRegistry, EverybodySharesAListingUntilAnEntryChanges) {
   expectNew(3'000, "[one.example|1|0|n|4|6][two.example|2|0|n|3|6]");
   registry.withdraw("a", of("one.example", 1).host, 4'000);
   expectNew(4'000, "[two.example|2|0|n|3|6]");
-  EXPECT_EQ(*registry.listing(all, 3'000 + hour), "-END-\n");
+  EXPECT_EQ(*registry.listing(all, 3'000 + lifetime), "-END-\n");
   EXPECT_EQ(*first, "[one.example|1|0|n|3|6]-END-\n") << "an answer being sent stays whole";
 }
 
@@ -153,7 +231,7 @@ TEST(HostRegistry, EverybodySharesATableUntilAnEntryChanges) {
   EXPECT_LT(second->find("two.example:2/"), second->find("one.example:1/")) << "more players";
   registry.withdraw("b", of("two.example", 2).host, 3'000);
   EXPECT_EQ(*registry.table(3'000), *first);
-  EXPECT_EQ(*registry.table(1'000 + hour), *empty);
+  EXPECT_EQ(*registry.table(1'000 + lifetime), *empty);
 }
 
 TEST(HostRegistry, ListingsOfUnknownVersionsAreNotKept) {

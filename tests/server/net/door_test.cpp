@@ -15,6 +15,15 @@ TEST(ServerDoor, OneAddressHasAtMostSixteenConnections) {
   EXPECT_FALSE(door.admits("a", 1'000));
 }
 
+TEST(ServerDoor, WithoutALimitOneAddressHasAnyNumber) {
+  Door door;
+  for (int i = 0; i < 40; ++i) EXPECT_TRUE(door.takesIn("a", 1'000, false)) << i;
+  EXPECT_FALSE(door.takesIn("a", 1'000)) << "they count all the same";
+  for (int i = 0; i < 25; ++i) door.left("a");
+  EXPECT_TRUE(door.takesIn("a", 1'000));
+  EXPECT_FALSE(door.takesIn("a", 1'000));
+}
+
 TEST(ServerDoor, ReconnectingIsAllowedTwiceASecond) {
   Door door;
   const auto visit = [&](Millis now) {

@@ -203,8 +203,26 @@ TEST(AddressList, HasItsAddresses) {
   EXPECT_TRUE(has("192.0.2.1, *", "2001:db8::2"));
 }
 
+TEST(AddressList, HasTheAddressesOfItsNetworks) {
+  const auto has = [](const std::string& text, const char* address) {
+    return AddressList("--option", text).has(asio::ip::make_address(address));
+  };
+  EXPECT_TRUE(has("192.0.2.77/24", "192.0.2.1"));
+  EXPECT_FALSE(has("192.0.2.0/24", "192.0.3.1"));
+  EXPECT_TRUE(has("192.0.2.128/25", "192.0.2.200"));
+  EXPECT_FALSE(has("192.0.2.128/25", "192.0.2.127"));
+  EXPECT_TRUE(has("10.0.0.0/15", "10.1.255.255"));
+  EXPECT_FALSE(has("10.0.0.0/15", "10.2.0.0"));
+  EXPECT_FALSE(has("192.0.2.1/32", "192.0.2.0"));
+  EXPECT_TRUE(has("0.0.0.0/0", "192.0.2.1"));
+  EXPECT_FALSE(has("0.0.0.0/0", "2001:db8::1")) << "the other family";
+  EXPECT_TRUE(has("2001:db8::/32", "2001:db8:ffff::1"));
+  EXPECT_FALSE(has("2001:db8::/32", "2001:db9::1"));
+}
+
 TEST(AddressList, RefusesAnythingElse) {
-  for (const char* text : {"localhost", ",", "192.0.2.1 192.0.2.2", "192.0.2.0/24", "**"}) {
+  for (const char* text : {"localhost", ",", "192.0.2.1 192.0.2.2", "192.0.2.0/33", "192.0.2.0/", "192.0.2.0/-1",
+                           "2001:db8::/129", "/8", "**"}) {
     try {
       const AddressList list("--option", text);
       ADD_FAILURE() << "takes " << text;

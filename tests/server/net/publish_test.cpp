@@ -38,7 +38,7 @@ class Publishing : public testing::Test {
     Options options;
     options.publicAddress = "arena.example";
     options.notes = "of all";
-    options.publishUrl = urlOf(list);
+    options.publishUrls = urlOf(list);
     options.publishKey = key;
     return options;
   }
@@ -79,10 +79,53 @@ TEST_F(Publishing, WithoutAPublicAddressTheListUsesTheSendersAddress) {
   Options options = publishing(list);
   options.publicAddress.clear();
   options.password = "secret";
-  options.publishUrl += "//";
+  options.publishUrls += "//";
   const RunningServer arena(options);
   EXPECT_TRUE(logs(arena, "announced to " + urlOf(list)));
   EXPECT_EQ(listOf(list), own(list) + "[127.0.0.1|" + std::to_string(arena.port()) + "|1|of all|0|6]-END-\n");
+}
+
+TEST_F(Publishing, ServerIsInSeveralLists) {
+  const RunningServer one(this->list());
+  const RunningServer other(this->list());
+  Options options = publishing(one);
+  options.publishUrls += ", " + urlOf(other);
+  const auto entryOf = [](const RunningServer& arena) {
+    return "[arena.example|" + std::to_string(arena.port()) + "|0|of all|0|6]";
+  };
+  {
+    const RunningServer arena(options);
+    EXPECT_TRUE(logs(arena, "announced to " + urlOf(one)));
+    EXPECT_TRUE(logs(arena, "announced to " + urlOf(other)));
+    EXPECT_EQ(listOf(one), own(one) + entryOf(arena) + "-END-\n");
+    EXPECT_EQ(listOf(other), own(other) + entryOf(arena) + "-END-\n");
+  }
+  EXPECT_EQ(listOf(one), own(one) + "-END-\n");
+  EXPECT_EQ(listOf(other), own(other) + "-END-\n");
+}
+
+TEST_F(Publishing, ListHasAsManyEntriesAsItMay) {
+  Options options = this->list();
+  options.listSize = 1;
+  const RunningServer list(options);
+  EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).code(), 200);
+  const std::string another = "version=" KELVORA_VERSION "&address=b&port=2010&password=0&notes=n&players=3&max=6";
+  EXPECT_EQ(ask(list.webPort(), request("POST", another), 11).code(), 503);
+}
+
+TEST_F(Publishing, MachinesWithoutLimitsAnnounceAnyNumber) {
+  Options options = this->list();
+  options.unlimitedFor = "127.0.0.10/31";
+  const RunningServer list(options);
+  const auto announce = [&](int number, std::uint32_t host) {
+    const std::string entry = "version=" KELVORA_VERSION "&address=a" + std::to_string(number) +
+                              "&port=2010&password=0&notes=n&players=3&max=6";
+    return ask(list.webPort(), request("POST", entry), host).code();
+  };
+  for (int i = 0; i < 80; ++i) EXPECT_EQ(announce(i, i % 2 == 0 ? 10 : 11), 200) << i;
+  int others = 0;
+  for (int i = 100; i < 180; ++i) others += announce(i, 12) == 200 ? 1 : 0;
+  EXPECT_EQ(others, 32);
 }
 
 TEST_F(Publishing, ManyArenasShareOneList) {
@@ -129,7 +172,7 @@ TEST_F(Publishing, SilentListDelaysNobody) {
   asio::io_context context;
   asio::ip::tcp::acceptor silent(context, {asio::ip::address_v4::loopback(), 0});
   Options options;
-  options.publishUrl = "http://127.0.0.1:" + std::to_string(silent.local_endpoint().port());
+  options.publishUrls = "http://127.0.0.1:" + std::to_string(silent.local_endpoint().port());
   const RunningServer arena(options);
   const auto request = silent.accept();  // so that the announcement is in progress
   Client ann(arena.port());
