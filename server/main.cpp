@@ -78,11 +78,12 @@ int main(int argc, char** argv) {
     boost::asio::io_context context(BOOST_ASIO_CONCURRENCY_HINT_UNSAFE_IO);
     Log logFile(std::cerr, !isLoggingToJournal());
     const auto log = [&](const std::string& line) { logFile.write(line, kelvora::steadyNow(), std::time(nullptr)); };
+    const auto logAct = [&](const std::string& line) { logFile.writeAlways(line, std::time(nullptr)); };
     if (const std::size_t limit = provideDescriptors(GameServer::descriptors); limit < GameServer::descriptors) {
       log("only " + std::to_string(limit) + " files may be open, so the server may have to turn players away");
     }
     if (!options.site) options.site = utf8FromPath(usualSite(programFolder()));
-    GameServer server(context, options, log);
+    GameServer server(context, options, log, logAct);
     if (!options.site->empty()) {
       const bool isThere = std::filesystem::exists(pathFromUtf8(*options.site) / "index.html");
       log("the page for browsers " + std::string(isThere ? "is in " : "can be put into ") + *options.site);

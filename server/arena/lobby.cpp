@@ -167,7 +167,7 @@ void Lobby::tick(Millis now) {
   std::erase_if(visitors_, [&](const auto& entry) {
     const auto& [client, visitor] = entry;
     if (now - visitor.since < loginTimeLimit) return false;
-    const char* reason = visitor.awaitsVerdict ? "The server is busy. Try again in a moment." : "The arena is full.";
+    const char* reason = visitor.awaitsVerdict ? serverIsBusy : "The arena is full.";
     if (visitor.login) roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>(reason));
     output_.log("client " + std::to_string(client) + " took too long to log in");
     output_.dropped(Drop::lateLogin);

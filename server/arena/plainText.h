@@ -18,6 +18,9 @@ constexpr bool isControl(char c) {
 /// True for the bytes that no field of a message may contain.
 constexpr bool isDelimiter(char c) { return c == wire::frameStart || c == wire::frameEnd || c == wire::fieldSeparator; }
 
+/// For players whose request would take too much of the server.
+inline constexpr const char* serverIsBusy = "The server is busy. Try again in a moment.";
+
 /// "1 capture" or "3 captures"
 inline std::string counted(std::int64_t count, const std::string& what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");

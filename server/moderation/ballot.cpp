@@ -3,8 +3,6 @@
 #include <set>
 #include <utility>
 
-#include "base/search.h"
-
 namespace kelvora::server {
 
 Outcome Ballot::begin(const PlayerView& starter, Motion motion, Millis now) {
@@ -36,12 +34,6 @@ std::optional<Motion> Ballot::passed(Millis now) {
     arena_.tellAll("The vote to " + vote_->motion().text() + " has " + how + ".");
     return std::exchange(vote_, std::nullopt);
   };
-  const auto players = arena_.players(now);
-  const auto isTarget = [&](const PlayerView& player) { return player.client == vote_->motion().kicked; };
-  if (vote_->motion().kicked && !anyOf(players, isTarget)) {
-    vote_.reset();  // everybody has seen the player leave
-    return std::nullopt;
-  }
   const Count state = count(now);
   if (state.votes >= state.needed) return end("passed")->motion();
   if (vote_->isOver(now)) {

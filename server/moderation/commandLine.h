@@ -9,6 +9,9 @@
 
 namespace kelvora::server {
 
+/// For somebody who has named a player that isn't here.
+inline constexpr const char* nobodyHasThatName = "Nobody here has that name or colour.";
+
 /// Cuts the first word off, and the blanks around it. Empty if there is none.
 std::string_view takeWord(std::string_view& text);
 

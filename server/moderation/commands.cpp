@@ -1,6 +1,7 @@
 // The table of commands, and those that only talk to the arena and its bots.
 
 #include <array>
+#include <utility>
 
 #include "base/search.h"
 #include "base/text.h"
@@ -30,12 +31,12 @@ std::span<const Moderation::Command> Moderation::commands() {
       Command{"stats", "[NAME]", "Tells what you or somebody else has done.", false, &Moderation::stats},
       Command{"claim", "PASSWORD", "Keeps your name for you. You need the password for it from then on.", false,
               &Moderation::claim},
-      Command{"kick", "NAME [REASON]", "Removes a player, who may come back.", true, &Moderation::kick},
+      Command{"kick", "NAME [REASON]", "Removes a player, who may come back.", true, &Moderation::kick, true},
       Command{"ban", "NAME [TIME] [REASON]", "Keeps a player's network out, such as for 30m, 2h, 7d or forever.", true,
-              &Moderation::ban},
+              &Moderation::ban, true},
       Command{"unban", "NAME | NETWORK", "Lifts a ban.", true, &Moderation::unban},
       Command{"mute", "NAME [TIME] [REASON]", "Nobody gets the lines of the player's network any more.", true,
-              &Moderation::mute},
+              &Moderation::mute, true},
       Command{"unmute", "NAME | NETWORK", "Lifts a mute.", true, &Moderation::unmute},
       Command{"bans", "[WORD]", "Lists the newest bans and mutes, or those with a word in them.", true,
               &Moderation::bans},
@@ -92,10 +93,11 @@ Outcome Moderation::vote(Call call) {
   if (what == "restart") return ballot_.begin(call.caller, {}, call.now);
   if (what != "kick") return Outcome::refused("Type !vote kick NAME, !vote restart or !vote yes.");
   const PlayerView* player = takePlayer(call.rest, call.players);
-  if (player == nullptr) return Outcome::refused("Nobody here has that name or colour.");
+  if (player == nullptr) return Outcome::refused(nobodyHasThatName);
   if (isBot(player->client)) return Outcome::refused("Bots can't be kicked.");
   if (player->client == call.caller.client) return Outcome::refused("You can leave by yourself.");
-  return ballot_.begin(call.caller, {.kicked = player->client, .name = player->name}, call.now);
+  Motion motion{.kicked = player->client, .name = player->name, .network = host_.network(player->client)};
+  return ballot_.begin(call.caller, std::move(motion), call.now);
 }
 
 Outcome Moderation::bans(Call call) {
@@ -103,8 +105,9 @@ Outcome Moderation::bans(Call call) {
   const auto& all = penalties_.penalties().all();
   std::size_t shown = 0;
   for (auto penalty = all.rbegin(); penalty != all.rend(); ++penalty) {
-    const std::string line = std::string(wordFor(penalty->kind)) + " " + penalty->network + " " +
-                             untilText(penalty->end) + " " + penalty->name + ": " + penalty->reason;
+    std::string line = std::string(wordFor(penalty->kind)) + " " + penalty->network + " " + untilText(penalty->end);
+    if (!penalty->name.empty()) line += " " + penalty->name;
+    if (!penalty->reason.empty()) line += ": " + penalty->reason;
     if (lowerCase(line).find(word) == line.npos) continue;
     if (++shown <= maxBansShown) answer(call, line);
   }

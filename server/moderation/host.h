@@ -12,6 +12,8 @@ class ModerationHost : public Background {
  public:
   /// The network of a person, see `networkOf`.
   virtual std::string network(ClientId client) const = 0;
+  /// Logs what a moderator has done. Unlike other lines, it is never dropped.
+  virtual void logAct(const std::string& line) = 0;
 };
 
 }  // namespace kelvora::server

@@ -40,13 +40,23 @@ void Moderation::run(ClientId client, std::string_view line, Millis now) {
   const auto all = commands();
   const auto command = findIf(all, [&](const Command& entry) { return entry.name == name; });
   if (!command) return arena_.tell(client, "There is no such command. !help lists them.");
-  if (command->isForModerators) {
-    if (!isModerator(client)) return arena_.tell(client, "Only moderators may do that.");
-    host_.log("moderator " + describe(*caller) + ": " + printable(line));
-  }
-  const Outcome outcome = (this->*command->run)({*caller, players, rest, now});
+  const Call call{*caller, players, rest, now};
+  const Outcome outcome =
+      command->isForModerators ? runForModerators(*command, call, line) : (this->*command->run)(call);
   if (outcome.isRefused()) arena_.tell(client, outcome.reason());
   carryOut(now);
+}
+
+Outcome Moderation::runForModerators(const Command& command, Call call, std::string_view line) {
+  if (!isModerator(call.caller.client)) return Outcome::refused("Only moderators may do that.");
+  if (command.hasTarget) call.target = takePlayer(call.rest, call.players);
+  host_.logAct("moderator " + describe(call.caller) + (call.target != nullptr ? " on " + describe(*call.target) : "") +
+               ": " + printable(line));
+  if (command.hasTarget && call.target == nullptr) return Outcome::refused(nobodyHasThatName);
+  if (command.hasTarget && isBot(call.target->client)) {
+    return Outcome::refused("That is a bot. !bots changes their number.");
+  }
+  return (this->*command.run)(call);
 }
 
 void Moderation::left(ClientId client) {
@@ -57,6 +67,11 @@ void Moderation::left(ClientId client) {
 void Moderation::tick(Millis now) {
   carryOut(now);
   penalties_.tick();
+}
+
+void Moderation::reread(Millis now) {
+  penalties_.reread();
+  expelBanned(now);
 }
 
 Outcome Moderation::mayEnter(const std::string& network) const {
@@ -91,46 +106,45 @@ Outcome Moderation::login(Call call) {
   const bool isUnderWay = host_.runAside(
       [password = std::string(call.rest), hash = moderatorHash_, isRight] { *isRight = matches(password, hash); },
       [this, client, who = describe(call.caller), isRight] { concludeLogin(client, who, *isRight); });
-  if (!isUnderWay) return Outcome::refused("The server is busy. Try again in a moment.");
+  if (!isUnderWay) return Outcome::refused(serverIsBusy);
   loggingIn_.insert(client);
   return Outcome::done();
 }
 
 void Moderation::concludeLogin(ClientId client, const std::string& who, bool isRight) {
-  host_.log((isRight ? "moderator " : "wrong moderators' password from ") + who + (isRight ? " has logged in" : ""));
-  if (loggingIn_.erase(client) == 0) return;  // has left meanwhile
-  if (isRight) moderators_.insert(client);
-  arena_.tell(client, isRight ? "You are a moderator now. !help lists your commands." : "Wrong password.");
+  const bool isHere = loggingIn_.erase(client) != 0;
+  if (!isRight) {
+    host_.log("wrong moderators' password from " + who);
+    return arena_.tell(client, "Wrong password.");
+  }
+  if (!isHere) return;
+  host_.logAct("moderator " + who + " has logged in");
+  moderators_.insert(client);
+  arena_.tell(client, "You are a moderator now. !help lists your commands.");
 }
 
 Outcome Moderation::kick(Call call) {
-  const PlayerView* player = takePlayer(call.rest, call.players);
-  if (player == nullptr) return Outcome::refused("Nobody here has that name or colour.");
-  if (isBot(player->client)) return Outcome::refused("That is a bot. !bots changes their number.");
-  arena_.expel(player->client, withReason("You have been kicked", std::string(call.rest)));
-  arena_.tellAll("A moderator has kicked " + player->name + ".");
+  arena_.expel(call.target->client, withReason("You have been kicked", std::string(call.rest)));
+  arena_.tellAll("A moderator has kicked " + call.target->name + ".");
   return Outcome::done();
 }
 
 Outcome Moderation::punish(PenaltyKind kind, Call call) {
-  const PlayerView* player = takePlayer(call.rest, call.players);
-  if (player == nullptr) return Outcome::refused("Nobody here has that name or colour.");
-  if (isBot(player->client)) return Outcome::refused("That is a bot.");
-  const std::string network = host_.network(player->client);
+  const std::string network = host_.network(call.target->client);
   if (network == host_.network(call.caller.client)) return Outcome::refused("That player is in your own network.");
   Seconds length = usualLength;
   std::string_view rest = call.rest;
-  if (const auto given = readLength(takeWord(rest))) {
+  if (const auto given = readLength(lowerCase(takeWord(rest)))) {
     length = *given;
     call.rest = rest;
   }
   const Seconds end = endOf(host_.wallClock(), length);
-  const Outcome outcome = penalties_.add(
-      {.kind = kind, .network = network, .end = end, .name = player->name, .reason = std::string(call.rest)});
+  const std::string& name = call.target->name;
+  const Outcome outcome =
+      penalties_.add({.kind = kind, .network = network, .end = end, .name = name, .reason = std::string(call.rest)});
   if (outcome.isRefused()) return Outcome::refused("Not done: " + outcome.reason() + ".");
-  const std::string name = player->name;
   if (kind == PenaltyKind::ban) {
-    expelNetwork(network, mayEnter(network).reason(), call.now);
+    expelBanned(call.now);
     arena_.tellAll("A moderator has banned " + name + ".");
   }
   answer(call, std::string(kind == PenaltyKind::ban ? "Banned " : "Muted ") + name + " (" + network + ") " +
@@ -152,9 +166,11 @@ Outcome Moderation::pardon(PenaltyKind kind, Call call) {
 Outcome Moderation::unban(Call call) { return pardon(PenaltyKind::ban, call); }
 Outcome Moderation::unmute(Call call) { return pardon(PenaltyKind::mute, call); }
 
-void Moderation::expelNetwork(const std::string& network, const std::string& reason, Millis now) {
+void Moderation::expelBanned(Millis now) {
   for (const PlayerView& player : arena_.players(now)) {
-    if (!isBot(player.client) && host_.network(player.client) == network) arena_.expel(player.client, reason);
+    if (isBot(player.client)) continue;
+    const Outcome outcome = mayEnter(host_.network(player.client));
+    if (outcome.isRefused()) arena_.expel(player.client, outcome.reason());
   }
 }
 
@@ -163,19 +179,26 @@ void Moderation::carryOut(Millis now) {
   if (!motion) return;
   host_.log("the vote to " + printable(motion->text()) + " has passed");
   if (!motion->kicked) return arena_.restartRound();
-  const std::string network = host_.network(*motion->kicked);
-  const Penalty ban{.kind = PenaltyKind::ban,
-                    .network = network,
-                    .end = endOf(host_.wallClock(), kickedFor),
-                    .name = motion->name,
-                    .reason = "the players have voted"};
-  if (const Penalty* longer = penalties_.find(PenaltyKind::ban, network); longer == nullptr) {
-    if (const Outcome outcome = penalties_.add(ban); outcome.isRefused()) host_.log("no ban: " + outcome.reason());
+  const auto players = arena_.players(now);
+  const bool isHere = findBy(players, &PlayerView::client, *motion->kicked) != nullptr;
+  for (const PlayerView& player : players) {
+    // Leaving and coming back doesn't help. Others of the network may stay.
+    const bool isBack = !isHere && player.client > *motion->kicked && host_.network(player.client) == motion->network;
+    if (isBack || player.client == *motion->kicked) arena_.expel(player.client, "The players have voted to kick you.");
   }
-  arena_.expel(*motion->kicked, "The players have voted to kick you.");
+  const Seconds end = endOf(host_.wallClock(), kickedFor);
+  const Penalty* const known = penalties_.find(PenaltyKind::ban, motion->network);
+  if (known != nullptr && known->end >= end) return;
+  const Outcome outcome = penalties_.add({.kind = PenaltyKind::ban,
+                                          .network = motion->network,
+                                          .end = end,
+                                          .name = motion->name,
+                                          .reason = "the players have voted"});
+  if (outcome.isRefused()) host_.log("no ban: " + outcome.reason());
 }
 
 std::string Moderation::describe(const PlayerView& player) const {
+  if (isBot(player.client)) return printable(player.name) + " (bot)";
   return printable(player.name) + " (client " + std::to_string(player.client) + ", " + host_.network(player.client) +
          ")";
 }

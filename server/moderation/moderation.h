@@ -34,8 +34,8 @@ class Moderation {
   void left(ClientId client);
   /// Call this several times a second.
   void tick(Millis now);
-  /// Reads the bans again.
-  void reread() { penalties_.reread(); }
+  /// Reads the bans again, and removes players who are banned now.
+  void reread(Millis now);
 
   /// Refuses people of a banned network, with a text for them.
   Outcome mayEnter(const std::string& network) const;
@@ -49,6 +49,7 @@ class Moderation {
     const std::vector<PlayerView>& players;
     std::string_view rest;  // of the line
     Millis now;
+    const PlayerView* target = nullptr;  // the person that the command is about
   };
   struct Command {
     std::string_view name;
@@ -56,9 +57,11 @@ class Moderation {
     std::string_view help;
     bool isForModerators;
     Outcome (Moderation::*run)(Call);
+    bool hasTarget = false;  // begins with the name of a person who is here
   };
   static std::span<const Command> commands();
 
+  Outcome runForModerators(const Command& command, Call call, std::string_view line);
   // Refusals are texts for the caller.
   Outcome help(Call call);
   Outcome who(Call call);
@@ -81,7 +84,7 @@ class Moderation {
 
   Outcome punish(PenaltyKind kind, Call call);
   Outcome pardon(PenaltyKind kind, Call call);
-  void expelNetwork(const std::string& network, const std::string& reason, Millis now);
+  void expelBanned(Millis now);
   void carryOut(Millis now);
   bool isModerator(ClientId client) const { return moderators_.contains(client); }
   void answer(const Call& call, const std::string& text) const { arena_.tell(call.caller.client, text); }

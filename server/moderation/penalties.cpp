@@ -120,8 +120,7 @@ Outcome Penalties::add(Penalty penalty, Seconds now) {
   penalty.name = bounded(penalty.name, maxNameLength);
   std::replace(penalty.name.begin(), penalty.name.end(), '"', '\'');
   penalty.reason = bounded(penalty.reason, maxReason);
-  std::erase_if(penalties_,
-                [&](const Penalty& other) { return other.kind == penalty.kind && other.network == penalty.network; });
+  lift(penalty.kind, penalty.network);
   if (penalties_.size() >= maxCount) {
     return Outcome::refused("there are " + std::to_string(maxCount) + " bans and mutes already");
   }
@@ -140,6 +139,10 @@ std::vector<Penalty> Penalties::remove(PenaltyKind kind, std::string_view networ
   std::copy_if(penalties_.begin(), penalties_.end(), std::back_inserter(removed), isMeant);
   std::erase_if(penalties_, isMeant);
   return removed;
+}
+
+void Penalties::lift(PenaltyKind kind, std::string_view network) {
+  std::erase_if(penalties_, [&](const Penalty& penalty) { return penalty.kind == kind && penalty.network == network; });
 }
 
 void Penalties::forgetOver(Seconds now) {

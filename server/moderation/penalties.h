@@ -43,6 +43,8 @@ class Penalties {
   Outcome add(Penalty penalty, Seconds now);
   /// Removes those of the network or of the name. Returns the removed ones.
   std::vector<Penalty> remove(PenaltyKind kind, std::string_view networkOrName);
+  /// Removes the network's penalty of this kind, if it has one.
+  void lift(PenaltyKind kind, std::string_view network);
   const std::vector<Penalty>& all() const { return penalties_; }
 
  private:

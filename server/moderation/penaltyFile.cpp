@@ -13,7 +13,9 @@ PenaltyFile::PenaltyFile(ModerationHost& host, std::string path) : host_(host), 
 }
 
 PenaltyFile::~PenaltyFile() {
-  if (isStale_) replaceFile(path_, penalties_.text());
+  if (saving_.empty() && unsaved_.empty()) return;
+  const std::string error = replaceFile(path_, penalties_.text());
+  if (!error.empty()) host_.log("cannot write " + path_ + ": " + error);
 }
 
 void PenaltyFile::reread() {
@@ -30,11 +32,23 @@ std::string PenaltyFile::read() {
   for (const std::string& complaint : penalties_.read(file.text.value_or(""), host_.wallClock())) {
     host_.log(path_ + ":" + complaint);
   }
+  restoreUnsaved();
   return {};
 }
 
+void PenaltyFile::restoreUnsaved() {
+  unsaved_.insert(saving_.begin(), saving_.end());  // what is being written may be replacing what has been read
+  for (const auto& [place, penalty] : unsaved_) {
+    penalties_.lift(place.first, place.second);
+    if (!penalty) continue;
+    const Outcome outcome = penalties_.add(*penalty, host_.wallClock());
+    if (outcome.isRefused())
+      host_.log("lost the " + std::string(wordFor(place.first)) + " of " + place.second + ": " + outcome.reason());
+  }
+}
+
 void PenaltyFile::tick() {
-  if (isStale_ && !isSaving_ && host_.wallClock() >= retryAt_) save();
+  if (!unsaved_.empty() && host_.wallClock() >= retryAt_) save();
 }
 
 const Penalty* PenaltyFile::find(PenaltyKind kind, std::string_view network) const {
@@ -42,34 +56,39 @@ const Penalty* PenaltyFile::find(PenaltyKind kind, std::string_view network) con
 }
 
 Outcome PenaltyFile::add(Penalty penalty) {
-  Outcome outcome = penalties_.add(std::move(penalty), host_.wallClock());
-  if (!outcome.isRefused()) save();
+  Outcome outcome = penalties_.add(penalty, host_.wallClock());
+  if (outcome.isRefused()) return outcome;
+  unsaved_[{penalty.kind, penalty.network}] = std::move(penalty);
+  save();
   return outcome;
 }
 
 std::vector<Penalty> PenaltyFile::remove(PenaltyKind kind, std::string_view networkOrName) {
   std::vector<Penalty> removed = penalties_.remove(kind, networkOrName);
+  for (const Penalty& penalty : removed) unsaved_[{kind, penalty.network}] = std::nullopt;
   if (!removed.empty()) save();
   return removed;
 }
 
 void PenaltyFile::save() {
-  if (path_.empty()) return;
-  isStale_ = true;
-  if (isSaving_) return;
+  if (path_.empty()) return unsaved_.clear();
+  if (!saving_.empty()) return;
   const auto error = std::make_shared<std::string>();
-  isSaving_ = host_.runAside([path = path_, text = penalties_.text(), error] { *error = replaceFile(path, text); },
-                             [this, error] {
-                               isSaving_ = false;
-                               if (!error->empty()) {
-                                 host_.log("cannot write " + path_ + ": " + *error);
-                                 retryAt_ = host_.wallClock() + retryAfter;
-                                 isStale_ = true;
-                               } else if (isStale_) {
-                                 save();
-                               }
-                             });
-  if (isSaving_) isStale_ = false;
+  const bool isUnderWay =
+      host_.runAside([path = path_, text = penalties_.text(), error] { *error = replaceFile(path, text); },
+                     [this, error] { concludeSaving(*error); });
+  if (isUnderWay) saving_ = std::exchange(unsaved_, {});
+}
+
+void PenaltyFile::concludeSaving(const std::string& error) {
+  if (error.empty()) {
+    saving_.clear();
+    if (!unsaved_.empty()) save();
+    return;
+  }
+  host_.log("cannot write " + path_ + ": " + error);
+  retryAt_ = host_.wallClock() + retryAfter;
+  unsaved_.merge(std::exchange(saving_, {}));  // which has the older changes
 }
 
 }  // namespace kelvora::server

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "server/moderation/host.h"
@@ -19,10 +22,10 @@ class PenaltyFile {
   PenaltyFile(ModerationHost& host, std::string path);
   PenaltyFile(const PenaltyFile&) = delete;
   PenaltyFile& operator=(const PenaltyFile&) = delete;
-  /// Writes what hasn't been written yet. No work may be running aside any more.
+  /// Writes what hasn't been written yet, and logs it if that fails. No work may be running aside any more.
   ~PenaltyFile();
 
-  /// Reads the file again. Keeps what is known if it can't be read.
+  /// Reads the file again. Keeps what is known if it can't be read, and always what hasn't been written yet.
   void reread();
   /// Retries a failed replacement when due.
   void tick();
@@ -35,13 +38,18 @@ class PenaltyFile {
  private:
   /// Returns the error; empty if there was none.
   std::string read();
+  void restoreUnsaved();
   void save();
+  void concludeSaving(const std::string& error);
+
+  /// By kind and network. Nothing stands for a penalty that has been lifted.
+  using Changes = std::map<std::pair<PenaltyKind, std::string>, std::optional<Penalty>>;
 
   ModerationHost& host_;
   const std::string path_;
   Penalties penalties_;
-  bool isSaving_ = false;
-  bool isStale_ = false;  // the file lacks a change that is not being saved
+  Changes unsaved_;  // what the file lacks
+  Changes saving_;   // what is being written; empty if nothing is
   Seconds retryAt_ = 0;
 };
 

@@ -11,7 +11,6 @@ namespace {
 constexpr std::size_t maxPlayersShown = 5;
 constexpr std::size_t maxClaimPassword = 64;  // bytes
 constexpr const char* noRecords = "This server keeps no records.";
-constexpr const char* busy = "The server is busy. Try again in a moment.";
 
 std::string textOf(const Deeds& deeds) {
   const std::int64_t minutes = deeds.seconds / 60;
@@ -40,7 +39,7 @@ Outcome Moderation::stats(Call call) {
       records_.find(name.empty() ? call.caller.name : name, [this, client = call.caller.client](const Deeds& deeds) {
         arena_.tell(client, deeds.name.empty() ? "There is no record of that name." : textOf(deeds));
       });
-  return isUnderWay ? Outcome::done() : Outcome::refused(busy);
+  return isUnderWay ? Outcome::done() : Outcome::refused(serverIsBusy);
 }
 
 Outcome Moderation::claim(Call call) {
@@ -55,7 +54,7 @@ Outcome Moderation::claim(Call call) {
   const bool isUnderWay =
       records_.claim(call.caller.name, password,
                      [this, client = call.caller.client](const std::string& text) { arena_.tell(client, text); });
-  return isUnderWay ? Outcome::done() : Outcome::refused(busy);
+  return isUnderWay ? Outcome::done() : Outcome::refused(serverIsBusy);
 }
 
 }  // namespace kelvora::server

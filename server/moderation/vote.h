@@ -12,7 +12,8 @@ namespace kelvora::server {
 /// What people vote on: to kick a player, or to restart the round if there is none.
 struct Motion {
   std::optional<ClientId> kicked{};
-  std::string name{};  ///< of the player to be kicked
+  std::string name{};     ///< of the player to be kicked
+  std::string network{};  ///< of that player, who may leave before the vote is over
 
   friend bool operator==(const Motion& a, const Motion& b) { return a.kicked == b.kicked; }
   /// "kick Ann" or "restart the round"

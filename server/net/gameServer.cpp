@@ -51,9 +51,10 @@ std::optional<asio::ip::address> proxyAddress(const std::string& text) {
 
 }  // namespace
 
-GameServer::GameServer(asio::io_context& context, const Options& options, std::function<void(const std::string&)> log)
+GameServer::GameServer(asio::io_context& context, const Options& options, WriteLine log, WriteLine logAct)
     : options_(options),
       log_(std::move(log)),
+      logAct_(logAct ? std::move(logAct) : log_),
       trustedProxy_(proxyAddress(options.trustedProxy)),
       metricsFor_("--metrics-for", options.metricsFor),
       unlimitedFor_("--unlimited-for", options.unlimitedFor),

@@ -41,8 +41,10 @@ class GameServer : private ArenaOutput, private ModerationHost {
   /// Files that may be open at a time: connections, files being served, and the process's own.
   static constexpr std::size_t descriptors = 2 * maxConnections + 64;
 
-  /// Listens at once. Throws std::runtime_error or a derived class if the options can't be met.
-  GameServer(asio::io_context& context, const Options& options, std::function<void(const std::string&)> log);
+  using WriteLine = std::function<void(const std::string&)>;
+  /// Listens at once. Throws std::runtime_error or a derived class if the options can't be met. `logAct` gets what
+  /// moderators do; without it, `log` does.
+  GameServer(asio::io_context& context, const Options& options, WriteLine log, WriteLine logAct = {});
 
   /// "127.0.0.1:2010"
   std::string endpointText() const { return listener_.endpointText(); }
@@ -56,7 +58,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   /// newcomers.
   void drain(std::chrono::seconds time, std::function<void()> whenDone);
   /// Reads the bans again.
-  void reread() { moderation_.reread(); }
+  void reread() { moderation_.reread(now()); }
 
  private:
   using Clock = Connection::Clock;
@@ -73,6 +75,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   void send(ClientId client, const std::string& frame) override;
   void hangUp(ClientId client) override;
   void log(const std::string& line) override { log_(line); }
+  void logAct(const std::string& line) override { logAct_(line); }
   void dropped(Drop what) override { figures_.addDrop(what); }
   void command(ClientId client, const std::string& line) override { commands_.emplace_back(client, line); }
   Outcome mayEnter(ClientId client) override;
@@ -115,7 +118,8 @@ class GameServer : private ArenaOutput, private ModerationHost {
   Millis now() const { return at(Clock::now()); }
 
   const Options options_;
-  std::function<void(const std::string&)> log_;
+  WriteLine log_;
+  WriteLine logAct_;
   std::optional<asio::ip::address> trustedProxy_;
   AddressList metricsFor_;
   AddressList unlimitedFor_;

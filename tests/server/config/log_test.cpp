@@ -37,6 +37,18 @@ TEST(ServerLog, AFloodOfLinesIsCutAndCounted) {
   EXPECT_EQ(out.str(), "y\n");
 }
 
+TEST(ServerLog, ALineThatMustAppearDoesInAFlood) {
+  std::ostringstream out;
+  Log log(out, false);
+  for (int i = 0; i < 1'000; ++i) log.write("x", 10'000, moment);
+  out.str("");
+  log.writeAlways("kicked", moment);
+  EXPECT_EQ(out.str(), "kicked\n");
+  out.str("");
+  log.write("x", 10'050, moment);
+  EXPECT_EQ(out.str(), "800 lines dropped\nx\n") << "and costs other lines nothing";
+}
+
 /// A full disk.
 class FullDisk : public std::stringbuf {
  public:

@@ -18,6 +18,7 @@ class FakeHost : public ModerationHost {
   Seconds time = 1'000'000'000;  // 2001-09-09T01:46:40Z
   std::map<ClientId, std::string> networks;
   std::vector<std::string> lines;  // logged
+  std::vector<std::string> acts;   // of moderators
   bool isBusy = false;
 
   std::string network(ClientId client) const override {
@@ -25,6 +26,7 @@ class FakeHost : public ModerationHost {
     return found == networks.end() ? "192.0.2." + std::to_string(client) : found->second;
   }
   void log(const std::string& line) override { lines.push_back(line); }
+  void logAct(const std::string& line) override { acts.push_back(line); }
   Seconds wallClock() const override { return time; }
   bool runAside(std::function<void()> work, std::function<void()> finish) override {
     if (isBusy) return false;
@@ -39,6 +41,10 @@ class FakeHost : public ModerationHost {
       work_.front().first();
       work_.front().second();
     }
+  }
+  /// Does the work, but concludes none, as at the end of the process.
+  void doWork() {
+    for (; !work_.empty(); work_.pop_front()) work_.front().first();
   }
 
  private:

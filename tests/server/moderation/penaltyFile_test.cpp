@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "tests/server/moderation/fakeHost.h"
+#include "tests/server/system/fileSizeLimit.h"
 
 namespace kelvora::server {
 namespace {
@@ -100,6 +101,39 @@ TEST_F(PenaltyFileTest, AFailedWriteIsLoggedAndRetriedAfterAMinute) {
   EXPECT_EQ(host.pendingWork(), 0U);
 }
 
+TEST_F(PenaltyFileTest, RereadingDuringAWriteKeepsBoth) {
+  PenaltyFile file(host, path);
+  EXPECT_FALSE(file.add({.network = "192.0.2.1"}).isRefused());
+  write("mute 192.0.2.9 forever\n");
+  file.reread();
+  EXPECT_NE(file.find(PenaltyKind::ban, "192.0.2.1"), nullptr);
+  EXPECT_NE(file.find(PenaltyKind::mute, "192.0.2.9"), nullptr);
+  host.finishWork();
+  EXPECT_EQ(contents(), "mute 192.0.2.9 forever\nban 192.0.2.1 forever\n");
+}
+
+TEST_F(PenaltyFileTest, RereadingAfterAFailedWriteKeepsBoth) {
+  write("ban 192.0.2.1 forever\nban 192.0.2.2 forever\n");
+  PenaltyFile file(host, path);
+  fs::create_directory(path + ".new");  // in the way
+  EXPECT_EQ(file.remove(PenaltyKind::ban, "192.0.2.1").size(), 1U);
+  EXPECT_FALSE(file.add({.network = "192.0.2.3", .end = host.time + 600}).isRefused());
+  EXPECT_FALSE(file.add({.network = "192.0.2.4"}).isRefused());
+  EXPECT_EQ(file.remove(PenaltyKind::ban, "192.0.2.4").size(), 1U);
+  host.finishWork();
+  EXPECT_FALSE(file.add({.network = "192.0.2.3"}).isRefused());
+  host.finishWork();
+  fs::remove(path + ".new");
+  write("ban 192.0.2.1 forever\nban 192.0.2.5 forever\n");
+  file.reread();
+  EXPECT_EQ(file.find(PenaltyKind::ban, "192.0.2.1"), nullptr) << "lifted";
+  EXPECT_EQ(file.find(PenaltyKind::ban, "192.0.2.2"), nullptr) << "taken out by the operator";
+  host.time += PenaltyFile::retryAfter;
+  file.tick();
+  host.finishWork();
+  EXPECT_EQ(contents(), "ban 192.0.2.5 forever\nban 192.0.2.3 forever\n");
+}
+
 TEST_F(PenaltyFileTest, TheEndWritesWhatTheDiskLacks) {
   {
     PenaltyFile file(host, path);
@@ -107,6 +141,49 @@ TEST_F(PenaltyFileTest, TheEndWritesWhatTheDiskLacks) {
     EXPECT_FALSE(file.add({.network = "192.0.2.1"}).isRefused());
   }
   EXPECT_EQ(contents(), "ban 192.0.2.1 forever\n");
+}
+
+TEST_F(PenaltyFileTest, TheEndWritesWhatFailedToBeWritten) {
+  fs::create_directory(path + ".new");  // in the way
+  {
+    PenaltyFile file(host, path);
+    EXPECT_FALSE(file.add({.network = "192.0.2.1"}).isRefused());
+    host.doWork();
+    fs::remove(path + ".new");
+  }
+  EXPECT_EQ(contents(), "ban 192.0.2.1 forever\n");
+}
+
+TEST_F(PenaltyFileTest, TheEndLogsThatItCantWrite) {
+  {
+    PenaltyFile file(host, path);
+    host.isBusy = true;
+    EXPECT_FALSE(file.add({.network = "192.0.2.1"}).isRefused());
+    fs::create_directory(path + ".new");  // in the way
+  }
+  ASSERT_EQ(host.lines.size(), 1U);
+  EXPECT_TRUE(host.lines[0].starts_with("cannot write " + path + ": ")) << host.lines[0];
+}
+
+TEST_F(PenaltyFileTest, ADiskThatFillsUpKeepsTheOldFile) {
+  PenaltyFile file(host, path);
+  for (int i = 1; i <= 100; ++i) EXPECT_FALSE(file.add({.network = "192.0.2." + std::to_string(i)}).isRefused());
+  host.finishWork();
+  const std::string before = contents();
+  EXPECT_FALSE(file.add({.network = "192.0.2.101"}).isRefused());
+  for (const rlim_t size : {rlim_t{0}, rlim_t{1}, rlim_t{before.size()}}) {
+    {
+      const FileSizeLimit full(size);
+      host.finishWork();
+    }
+    EXPECT_EQ(contents(), before);
+    EXPECT_FALSE(fs::exists(path + ".new"));
+    EXPECT_EQ(host.lines.back(), "cannot write " + path + ": File too large");
+    host.time += PenaltyFile::retryAfter;
+    file.tick();
+  }
+  host.finishWork();
+  EXPECT_EQ(contents(), before + "ban 192.0.2.101 forever\n");
 }
 
 TEST_F(PenaltyFileTest, AReplacementCutAtAnyByteLeavesTheOldFile) {
