@@ -13,6 +13,11 @@ inline constexpr std::uint8_t formatVersion = 1;
 /// Frames from one comparison of the state to the next.
 inline constexpr std::uint64_t checkInterval = 100;
 
+/// Contents consist of blocks, whose numbers stand in planes of the same kind. Compression profits from that.
+enum class Plane : std::uint8_t { Records, Times, Across, Down, Nodes, PointAcross, PointDown };
+inline constexpr std::size_t planeCount = 7;
+inline constexpr std::size_t maxBlock = 64 * 1024;  ///< bytes of all planes of a block
+
 /// What a record says. docs/recordings.md has their contents.
 enum class Kind : std::uint8_t {
   Return = 1,   ///< DoEvents, a message box, a modal form or a call of a peer is over

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -12,6 +13,11 @@ namespace kelvora::recording {
 struct StatePart {
   std::string name;
   std::uint64_t sum = 0;
+
+  /// What a recording keeps of the sum: its upper 16 bits, which depend on all that was added.
+  std::array<std::uint8_t, 2> recorded() const {
+    return {static_cast<std::uint8_t>(sum >> 56), static_cast<std::uint8_t>(sum >> 48 & 255U)};
+  }
 };
 
 /// Sums up the game's state, one entry per part.

@@ -1,6 +1,8 @@
 #include "platform/recording/messages.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 
 #include "platform/recording/format.h"
 
@@ -26,12 +28,20 @@ std::optional<std::int64_t> wholeOf(std::string_view text, std::size_t most) {
   return value;
 }
 
-/// Where two points lead.
-std::int64_t lead(std::int64_t last, std::int64_t before) {
-  return std::clamp<std::int64_t>(2 * last - before, 0, maxValue);
-}
+constexpr std::array<Plane, 2> pointPlanes = {Plane::PointAcross, Plane::PointDown};
+
+std::int64_t bounded(std::int64_t value) { return std::clamp<std::int64_t>(value, 0, maxValue); }
 
 }  // namespace
+
+Messages::Thousandths Messages::Track::expectedAcross() const { return bounded(2 * last[0] - before[0]); }
+
+Messages::Thousandths Messages::Track::expectedDown(Thousandths across) const {
+  const Thousandths down = last[1] - before[1];
+  const Thousandths speed = std::abs(last[0] - before[0]) + std::abs(down);
+  const Thousandths rest = speed - std::abs(across - last[0]);
+  return bounded(last[1] + (down < 0 ? -rest : rest));
+}
 
 std::optional<Messages::Thousandths> Messages::coordinateOf(std::string_view text) {
   const std::size_t point = text.find('.');
@@ -97,14 +107,14 @@ void Messages::write(Writer& writer, std::string_view bytes) {
     other = 0;
     bytes.remove_prefix(message->size);
     writer.byte(message->id);
-    writer.number(message->node);
+    writer.number(message->node, Plane::Nodes);
     Track& track = trackOf(*message);
     for (std::size_t axis = 0; axis < 2; ++axis) {
       // Most have two decimals. Others are marked by the lowest bit.
-      const Thousandths expected = lead(track.last[axis], track.before[axis]);
+      const Thousandths expected = axis == 0 ? track.expectedAcross() : track.expectedDown(message->point[0]);
       const bool isFine = message->point[axis] % 10 != 0;
       const Thousandths distance = isFine ? message->point[axis] - expected : message->point[axis] / 10 - expected / 10;
-      writer.whole(distance * 2 + (isFine ? 1 : 0));
+      writer.whole(distance * 2 + (isFine ? 1 : 0), pointPlanes[axis]);
     }
     track = {message->point, track.last};
   }
@@ -120,11 +130,11 @@ std::string Messages::read(Reader& reader) {
     if ((piece & 1) == 0) continue;
     Message message;
     message.id = reader.byte();
-    message.node = static_cast<std::uint32_t>(reader.number());
+    message.node = static_cast<std::uint32_t>(reader.number(Plane::Nodes));
     Track& track = trackOf(message);
     for (std::size_t axis = 0; axis < 2; ++axis) {
-      const Thousandths expected = lead(track.last[axis], track.before[axis]);
-      const std::int64_t code = reader.whole();
+      const Thousandths expected = axis == 0 ? track.expectedAcross() : track.expectedDown(message.point[0]);
+      const std::int64_t code = reader.whole(pointPlanes[axis]);
       if (code < -4 * maxValue || code > 4 * maxValue) throw Damaged("a point is out of range");
       const bool isFine = code % 2 != 0;
       const Thousandths distance = (code - (isFine ? 1 : 0)) / 2;

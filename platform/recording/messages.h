@@ -13,6 +13,9 @@ namespace kelvora::recording {
 /// The bytes that a server sends. Nearly all of them tell positions: messages with a number and a point, which is
 /// usually near to where the last two such points lead. Such a message is written as the distance from there, in about
 /// six bytes instead of twenty. Any other bytes are written as they are.
+///
+/// A ball's speed is the sum of both axes, and steering keeps it. So once the movement across is known, that down
+/// follows, but for its direction.
 class Messages {
  public:
   void write(Writer& writer, std::string_view bytes);
@@ -24,6 +27,10 @@ class Messages {
   struct Track {
     std::array<Thousandths, 2> last{};
     std::array<Thousandths, 2> before{};
+
+    /// Where the last two points lead. The second axis uses what the first has come to.
+    Thousandths expectedAcross() const;
+    Thousandths expectedDown(Thousandths across) const;
   };
   struct Message {
     std::uint8_t id = 0;

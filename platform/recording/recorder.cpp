@@ -75,12 +75,12 @@ void Recorder::begin(Kind kind) {
   }
   writer_.byte(static_cast<std::uint8_t>(kind));
   calls_ = 0;
-  coordinates_ = 0;
+  coordinatePlane_ = Plane::Across;
 }
 
 void Recorder::putTime() {
   const Millis now = std::max(inner_.tickCount(), now_);
-  writer_.number(static_cast<std::uint64_t>(now - now_));
+  writer_.number(static_cast<std::uint64_t>(now - now_), Plane::Times);
   now_ = now;
 }
 
@@ -126,7 +126,7 @@ void Recorder::check() {
   }
   isNamed_ = true;
   for (const StatePart& part : parts) {
-    for (const unsigned shift : {0U, 8U, 16U, 24U}) writer_.byte(static_cast<std::uint8_t>(part.sum >> shift & 255U));
+    for (const std::uint8_t byte : part.recorded()) writer_.byte(byte);
   }
 }
 

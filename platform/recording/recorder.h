@@ -140,7 +140,7 @@ class Recorder : public Backend, private SeamWatch {
   void watchTimer(std::uint64_t form, std::uint64_t control, IntervalTimer& timer);
   void watchSocket(std::size_t socket, SocketEventId id, std::function<void()>& handler);
   void put(int value) { writer_.whole(value); }
-  void put(float value) { writer_.coordinate(value, coordinates_++); }
+  void put(float value) { writer_.coordinate(value, std::exchange(coordinatePlane_, Plane::Down)); }
 
   void peerCallBegins() override;
   void peerCallEnds() override;
@@ -156,8 +156,8 @@ class Recorder : public Backend, private SeamWatch {
   std::vector<Place> peerCalls_;  ///< where the program was before each
   std::uint64_t calls_ = 0;       ///< of the game since the last record
   std::uint64_t frames_ = 0;
-  std::size_t coordinates_ = 0;  ///< in the current record
-  Millis now_ = 0;               ///< as the game knows it
+  Plane coordinatePlane_ = Plane::Across;  ///< of the record's next coordinate
+  Millis now_ = 0;                         ///< as the game knows it
   Millis start_ = 0;
   Millis saved_ = 0;
   std::int64_t startOfDay_ = 0;  ///< ms since midnight at the start

@@ -1,6 +1,7 @@
 #include "platform/recording/replay.h"
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <utility>
 
@@ -119,7 +120,7 @@ void Replay::expect(Kind kind) {
 }
 
 void Replay::passTime() {
-  const std::uint64_t passed = reader_.number();
+  const std::uint64_t passed = reader_.number(Plane::Times);
   if (passed > static_cast<std::uint64_t>(maxTick - now_)) throw Damaged("its time is out of range");
   now_ += static_cast<Millis>(passed);
 }
@@ -208,13 +209,13 @@ void Replay::playEvent() {
   const auto* form = dynamic_cast<Form*>(&control.root());
   const std::uint8_t id = reader_.byte();
   bool isKnown = false;
-  std::size_t place = 0;
+  Plane plane = Plane::Across;
   const auto read = [&]<class Argument>(Argument) -> Argument {
     if constexpr (std::is_same_v<Argument, int>) {
       constexpr int most = 1'000'000;
       return reader_.within(-most, most);
     } else {
-      return reader_.coordinate(place++);
+      return reader_.coordinate(std::exchange(plane, Plane::Down));
     }
   };
   visitHandlers(control, [&]<class... Arguments>(EventId known, std::function<void(Arguments...)>& handler) {
@@ -254,10 +255,9 @@ void Replay::compare() {
   const std::vector<StatePart> parts = state_ ? state_() : std::vector<StatePart>();
   Difference difference{frames_, elapsed(), {}};
   for (const std::string& name : partNames_) {
-    std::uint32_t sum = 0;
-    for (const unsigned shift : {0U, 8U, 16U, 24U}) sum |= std::uint32_t{reader_.byte()} << shift;
+    const std::array<std::uint8_t, 2> recorded{reader_.byte(), reader_.byte()};
     const auto part = std::find_if(parts.begin(), parts.end(), [&](const StatePart& own) { return own.name == name; });
-    if (part != parts.end() && static_cast<std::uint32_t>(part->sum) != sum) difference.parts.push_back(name);
+    if (part != parts.end() && part->recorded() != recorded) difference.parts.push_back(name);
   }
   if (!difference.parts.empty() && differences_.size() < maxDifferences) differences_.push_back(difference);
 }

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/recording/format.h"
+
 namespace kelvora::recording {
 
 /// A file that is no recording, or a damaged one.
@@ -40,24 +42,25 @@ class Writer {
 
   bool isGood() const { return sink_->isGood(); }
 
-  void byte(std::uint8_t value) { pending_ += static_cast<char>(value); }
-  void number(std::uint64_t value);
-  void whole(std::int64_t value);
-  void real(float value);
+  void byte(std::uint8_t value, Plane plane = Plane::Records);
+  void number(std::uint64_t value, Plane plane = Plane::Records);
+  void whole(std::int64_t value, Plane plane = Plane::Records);
+  void real(float value, Plane plane = Plane::Records);
   void text(std::string_view value);
   void raw(std::string_view value);
-  /// A coordinate in twips. Whole pixels near the last one in the same place are short.
-  void coordinate(float value, std::size_t place);
+  /// A coordinate in twips, in its plane. Whole pixels near the last one there are short.
+  void coordinate(float value, Plane plane);
 
   void flush();
   void finish();
 
  private:
-  void putOut();
+  void putBlock();
 
   std::unique_ptr<Sink> sink_;
-  std::string pending_;
-  std::array<float, 2> last_{};
+  std::array<std::string, planeCount> planes_;
+  std::size_t size_ = 0;  ///< of all planes
+  std::array<float, planeCount> last_{};
 };
 
 /// Reads what Writer has written. Throws Damaged.
@@ -67,31 +70,37 @@ class Reader {
   using Source = std::function<std::string()>;
   explicit Reader(Source source) : source_(std::move(source)) {}
 
-  /// True at the end. What a killed game has left ends in the middle of a record.
+  /// True at the end of the last whole block. What a killed game has left ends in the middle of one.
   bool isAtEnd();
-  /// The next byte, which isn't consumed.
-  std::uint8_t peek();
-  std::uint8_t byte();
-  std::uint64_t number();
-  std::int64_t whole();
+  std::uint8_t byte(Plane plane = Plane::Records);
+  std::uint64_t number(Plane plane = Plane::Records);
+  std::int64_t whole(Plane plane = Plane::Records);
   /// A whole number from `least` to `most`.
   int within(int least, int most);
-  float real();
+  float real(Plane plane = Plane::Records);
   std::string text(std::size_t limit);
   /// Appends the next bytes.
   void raw(std::uint64_t size, std::string& bytes);
-  float coordinate(std::size_t place);
+  float coordinate(Plane plane);
 
   /// Thrown where the contents end within a number or a text.
   struct Truncated {};
 
  private:
-  bool fill();
+  struct Bytes {
+    std::string all;
+    std::size_t at = 0;
+    bool isEmpty() const { return at == all.size(); }
+  };
+  /// Makes sure that the plane has a byte. False at the end.
+  bool fill(Plane plane);
+  bool readBlock();
+  std::uint64_t headNumber();
 
   Source source_;
-  std::string bytes_;
-  std::size_t at_ = 0;
-  std::array<float, 2> last_{};
+  Bytes contents_;
+  std::array<Bytes, planeCount> planes_;
+  std::array<float, planeCount> last_{};
 };
 
 }  // namespace kelvora::recording

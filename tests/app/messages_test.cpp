@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/recording/file.h"
@@ -80,6 +82,83 @@ TEST(Messages, AnyBytesComeBack) {
       "2\x81",
   };
   EXPECT_EQ(throughAFile(all), all);
+}
+
+/// The contents that a writer passes to its sink.
+class Memory : public Sink {
+ public:
+  explicit Memory(std::string& contents) : contents_(contents) {}
+  bool isGood() const override { return true; }
+  void put(std::string_view contents) override { contents_ += contents; }
+  void flush() override {}
+  void finish() override {}
+
+ private:
+  std::string& contents_;
+};
+
+TEST(Messages, APointOfSteadySpeedTakesLittle) {
+  // Both axes together move 300 in each step, which is steered a little each time.
+  const auto message = [](int x, int y) {
+    return std::string("\x80\x86\x31\x82") + std::to_string(x) + "\x82" + std::to_string(y) + "\x81";
+  };
+  std::string contents;
+  {
+    Writer writer(std::make_unique<Memory>(contents));
+    Messages messages;
+    messages.write(writer, message(20'000, 30'000));
+    messages.write(writer, message(20'100, 30'200));
+    writer.flush();
+    contents.clear();
+    messages.write(writer, message(20'201, 30'399));
+    messages.write(writer, message(20'303, 30'597));
+  }
+  // For each message its piece, id and end, the node, two bytes across for the bend of 1.00, and one down for none.
+  constexpr std::size_t sizes = planeCount;
+  EXPECT_EQ(contents.size(), sizes + 2 * (3 + 1 + 2 + 1));
+}
+
+TEST(Reader, RefusesPlanesThatDontFitTogether) {
+  // A block with a time and a record. Reading another record needs the next block, though the time is unread.
+  std::string contents(
+      "\1\1\0\0\0\0\0"
+      "\7\5",
+      9);
+  Reader reader([&] { return std::exchange(contents, {}); });
+  EXPECT_EQ(reader.byte(), 7);
+  EXPECT_THROW(reader.byte(), Damaged);
+}
+
+TEST(Reader, RefusesABlockThatIsTooLarge) {
+  std::string contents("\x81\x80\4\0\0\0\0\0\0", 9);  // 65537
+  Reader reader([&] { return std::exchange(contents, {}); });
+  EXPECT_THROW(reader.byte(), Damaged);
+}
+
+TEST(Reader, EndsBeforeABlockThatIsCutOff) {
+  std::string contents(
+      "\1\0\0\0\0\0\0"
+      "\7"
+      "\2\0\0\0\0\0\0"
+      "\7",
+      16);
+  Reader reader([&] { return std::exchange(contents, {}); });
+  EXPECT_EQ(reader.byte(), 7);
+  EXPECT_TRUE(reader.isAtEnd());
+}
+
+TEST(Writer, SplitsWhatExceedsABlock) {
+  const std::string text(3 * maxBlock + 5, 'x');
+  std::string contents;
+  {
+    Writer writer(std::make_unique<Memory>(contents));
+    writer.text(text);
+    writer.number(300, Plane::Times);
+  }
+  Reader reader([&] { return std::exchange(contents, {}); });
+  EXPECT_EQ(reader.text(maxText), text);
+  EXPECT_EQ(reader.number(Plane::Times), 300U);
+  EXPECT_TRUE(reader.isAtEnd());
 }
 
 }  // namespace
