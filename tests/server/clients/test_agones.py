@@ -171,7 +171,7 @@ class Agones(unittest.TestCase):
     def test_a_silent_sidecar_does_not_keep_the_server_from_stopping(self):
         self.sidecar.silent = {SHUTDOWN}
         self.sidecar.start()
-        with self.server() as server:
+        with self.server():
             self.wait(lambda: HEALTH in self.sidecar.names(), "a health call")
         self.assertIn(SHUTDOWN, self.sidecar.names())
 
