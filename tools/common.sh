@@ -6,7 +6,7 @@ play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev lib
   fonts-comic-neue fonts-liberation"
 window_test_packages="python3 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils"
 check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev clang-format-14
-  clang-tidy-14 python3-numpy python3-websockets nginx libnginx-mod-stream caddy prometheus openssl curl wget mpg123
+  clang-tidy-14 python3-numpy python3-websockets python3-yaml nginx libnginx-mod-stream caddy prometheus openssl curl wget mpg123
   $window_test_packages"
 
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.

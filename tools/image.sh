@@ -51,7 +51,7 @@ mmdebstrap --quiet --mode=root --variant=extract --include="$libraries" \
 root=$context/root
 dpkg-deb -x "$package" "$root"
 rm -rf "$root"/var/lib/{apt,dpkg} "$root"/var/cache "$root"/usr/share/man "$root"/etc/kelvora-server "$root"/lib/systemd
-mkdir -p "$root"/etc/ssl/certs "$root"/tmp
+mkdir -p "$root"/etc/ssl/certs "$root"/{dev,proc,sys,tmp}
 cat /usr/share/ca-certificates/mozilla/*.crt >"$root/etc/ssl/certs/ca-certificates.crt"  # for lists with https
 echo "kelvora:x:$user:$user:Kelvora:/:/usr/sbin/nologin" >"$root/etc/passwd"
 echo "kelvora:x:$user:" >"$root/etc/group"

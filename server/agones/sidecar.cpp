@@ -34,18 +34,24 @@ constexpr Route routes[] = {
     {Call::ready, "POST", "/ready", "Agones knows that this server is ready"},
     {Call::health, "POST", "/health", ""},
     {Call::allocate, "POST", "/allocate", "Agones keeps this server for its players"},
+    {Call::place, "GET", "/gameserver", ""},
     {Call::players, "PATCH", "/v1beta1/counters/players", ""},
     {Call::shutdown, "POST", "/shutdown", "Agones knows that this server ends"},
 };
 
 const Route& routeOf(Call call) { return *std::ranges::find(routes, call, &Route::call); }
 
+std::string bodyOf(Call call, std::size_t players) {
+  if (call == Call::place) return {};
+  return call == Call::players ? "{\"count\": \"" + std::to_string(players) + "\"}" : "{}";
+}
+
 }  // namespace
 
 struct Sidecar::State {
   const std::string url;
   const std::string agent;
-  const std::function<void(const std::string&)> log;
+  const Handlers handlers;
 
   std::mutex mutex;  // guards the following two
   std::condition_variable changed;
@@ -55,8 +61,10 @@ struct Sidecar::State {
   std::array<std::string, SidecarPlan::callCount> failures;  // that the log has, by call
   std::thread thread;
 
-  State(std::uint16_t port, const std::string& version, std::function<void(const std::string&)> itsLog)
-      : url("http://localhost:" + std::to_string(port)), agent("kelvora-server/" + version), log(std::move(itsLog)) {}
+  State(std::uint16_t port, const std::string& version, Handlers itsHandlers)
+      : url("http://localhost:" + std::to_string(port)),
+        agent("kelvora-server/" + version),
+        handlers(std::move(itsHandlers)) {}
 
   void run() {
     Millis endsAt = 0;
@@ -83,37 +91,42 @@ struct Sidecar::State {
   Result tell(Call call, std::size_t players) {
     const Route& route = routeOf(call);
     WebReply reply;
-    Outcome outcome =
-        sendRequest({.method = route.method,
-                     .url = url + route.path,
-                     .json = call == Call::players ? "{\"count\": \"" + std::to_string(players) + "\"}" : "{}",
-                     .agent = agent,
-                     .timeLimit = timeLimit,
-                     .usesProxy = false,
-                     // The end aborts everything else.
-                     .isEnding = call == Call::shutdown ? nullptr : &isFinishing},
-                    reply);
+    Outcome outcome = sendRequest({.method = route.method,
+                                   .url = url + route.path,
+                                   .json = bodyOf(call, players),
+                                   .agent = agent,
+                                   .timeLimit = timeLimit,
+                                   .usesProxy = false,
+                                   .maxReply = std::size_t{64} << 10,
+                                   // The end aborts everything else.
+                                   .isEnding = call == Call::shutdown ? nullptr : &isFinishing},
+                                  reply);
     const bool isUnknown = !outcome.isRefused() && (reply.status == 404 || reply.status == 501);
     if (!outcome.isRefused() && reply.status != 200) {
       outcome = Outcome::refused("status " + std::to_string(reply.status));
     }
+    if (call == Call::place && !outcome.isRefused()) {
+      const auto place = readPlace(reply.body);
+      if (place) handlers.onPlace(*place);
+      if (!place) outcome = Outcome::refused("no address yet");
+    }
     std::string& failure = failures[static_cast<std::size_t>(call)];
     if (!outcome.isRefused()) {
       failure.clear();
-      if (*route.news != '\0') log(route.news);
+      if (*route.news != '\0') handlers.log(route.news);
       return Result::done;
     }
     const bool isAborted = isFinishing && call != Call::shutdown;
     if (failure != outcome.reason() && !isAborted) {
       failure = outcome.reason();
-      log("cannot tell Agones " + std::string(route.path) + ": " + failure);
+      handlers.log("cannot tell Agones " + std::string(route.path) + ": " + failure);
     }
     return isUnknown ? Result::unknown : Result::failed;
   }
 };
 
-Sidecar::Sidecar(std::uint16_t port, const std::string& version, std::function<void(const std::string&)> log)
-    : state_(std::make_unique<State>(port, version, std::move(log))) {
+Sidecar::Sidecar(std::uint16_t port, const std::string& version, Handlers handlers)
+    : state_(std::make_unique<State>(port, version, std::move(handlers))) {
   state_->thread = std::thread([state = state_.get()] { state->run(); });
 }
 

@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "server/agones/place.h"
+
 namespace kelvora::server {
 
 /// Reports this server's state to Agones, which runs many servers on a cluster, by the HTTP interface of the container
@@ -14,8 +16,15 @@ class Sidecar {
  public:
   static constexpr const char* portVariable = "AGONES_SDK_HTTP_PORT";  ///< in the environment of Agones' servers
 
-  /// `log` is called on the sidecar's thread when Agones learns something or can't be told.
-  Sidecar(std::uint16_t port, const std::string& version, std::function<void(const std::string&)> log);
+  /// Both are called on the sidecar's thread.
+  struct Handlers {
+    /// Called with a line when Agones learns something or can't be told.
+    std::function<void(const std::string& line)> log;
+    /// Called once, when Agones has told where players reach this server.
+    std::function<void(const Place& place)> onPlace;
+  };
+
+  Sidecar(std::uint16_t port, const std::string& version, Handlers handlers);
   /// After `finish`, waits at most three seconds until Agones knows.
   ~Sidecar();
   Sidecar(const Sidecar&) = delete;

@@ -9,7 +9,7 @@ namespace {
 using Call = SidecarPlan::Call;
 
 // The most urgent first.
-constexpr std::array allCalls{Call::shutdown, Call::ready, Call::health, Call::allocate, Call::players};
+constexpr std::array allCalls{Call::shutdown, Call::ready, Call::health, Call::allocate, Call::place, Call::players};
 static_assert(allCalls.size() == SidecarPlan::callCount);
 
 std::size_t indexOf(Call call) { return static_cast<std::size_t>(call); }
@@ -42,6 +42,8 @@ bool SidecarPlan::isWanted(Call call, Millis now) const {
       return isAlive && known_ != Known::nothing;
     case Call::allocate:
       return known_ == Known::ready && players_ > 0;
+    case Call::place:
+      return known_ != Known::nothing && !isPlaceKnown_;
     case Call::players:
       return isCounting_ && known_ != Known::nothing && knownPlayers_ != players_;
   }
@@ -55,6 +57,7 @@ void SidecarPlan::ended(Call call, std::size_t players, Result result, Millis no
   if (!isDone) return;
   if (call == Call::ready) known_ = Known::ready;
   if (call == Call::allocate) known_ = Known::allocated;
+  if (call == Call::place) isPlaceKnown_ = true;
   if (call == Call::players) knownPlayers_ = players;
   if (call == Call::shutdown) isOver_ = true;
 }

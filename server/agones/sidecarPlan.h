@@ -9,11 +9,12 @@
 namespace kelvora::server {
 
 /// Decides what to tell Agones, and when. It is told once that the server is ready, then every two seconds that it
-/// works. It is told when people play, so that it keeps the server, and when they have left.
+/// works. It is told when people play, so that it keeps the server, and when they have left. It is asked once at which
+/// address and port players reach the server.
 class SidecarPlan {
  public:
-  enum class Call { ready, health, allocate, players, shutdown };
-  static constexpr std::size_t callCount = 5;
+  enum class Call { ready, health, allocate, place, players, shutdown };
+  static constexpr std::size_t callCount = 6;
   /// `unknown`: Agones has no such call, and won't have it later.
   enum class Result { done, failed, unknown };
 
@@ -51,6 +52,7 @@ class SidecarPlan {
   bool isOver_ = false;
   Known known_ = Known::nothing;
   std::optional<std::size_t> knownPlayers_;
+  bool isPlaceKnown_ = false;
   bool isCounting_ = true;
   std::array<Millis, callCount> notBefore_{};
 };

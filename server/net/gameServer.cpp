@@ -35,12 +35,6 @@ std::vector<std::unique_ptr<Publisher>> startPublishers(asio::io_context& contex
   return publishers;
 }
 
-std::unique_ptr<Sidecar> startSidecar(asio::io_context& context, const Options& options,
-                                      const std::function<void(const std::string&)>& log) {
-  if (!options.agonesPort) return nullptr;
-  return std::make_unique<Sidecar>(*options.agonesPort, versionText(), logFromAside(context, log));
-}
-
 std::optional<asio::ip::address> proxyAddress(const std::string& text) {
   if (text.empty()) return std::nullopt;
   error_code error;
@@ -68,7 +62,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
       moderation_(arena_, bots_, records_, *this, options.moderation),
       list_(versionText(), options.listKey, options.address, options.listSize),
       publishers_(startPublishers(context, options, log_)),
-      sidecar_(startSidecar(context, options, log_)) {
+      sidecar_(startSidecar()) {
   if (options.webPort) {
     const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
     webListener_.emplace(context, address, *options.webPort, listenerHandlers());
@@ -289,9 +283,22 @@ std::size_t GameServer::people() const {
       std::ranges::count_if(players, [](const PlayerView& player) { return !isBot(player.client); }));
 }
 
+std::unique_ptr<Sidecar> GameServer::startSidecar() {
+  if (!options_.agonesPort) return nullptr;
+  const auto onPlace = [this](const Place& place) {
+    asio::post(context_, [this, place] {
+      place_ = place;
+      log_("players reach this server at " + place.address + ", port " + std::to_string(place.port));
+    });
+  };
+  return std::make_unique<Sidecar>(*options_.agonesPort, versionText(),
+                                   Sidecar::Handlers{.log = logFromAside(context_, log_), .onPlace = onPlace});
+}
+
 HostEntry GameServer::hostEntry() const {
-  return {.address = options_.publicAddress,
-          .port = port(),
+  const Place place = place_.value_or(Place{"", port()});
+  return {.address = options_.publicAddress.empty() ? place.address : options_.publicAddress,
+          .port = place.port,
           .passwordRequired = !options_.password.empty(),
           .notes = options_.notes,
           .players = people(),
@@ -301,7 +308,7 @@ HostEntry GameServer::hostEntry() const {
 void GameServer::publish() {
   if (stopped_) return;
   if (sidecar_) sidecar_->update(people());
-  if (drainsUntil_) return;
+  if (drainsUntil_ || (sidecar_ && !place_)) return;
   // Without an address, the list uses the one from which the announcement comes.
   for (const auto& publisher : publishers_) publisher->publish(hostEntry());
 }

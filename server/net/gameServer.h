@@ -109,6 +109,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   bool isDrained() const;
   void closeAll();
   void finishStop();
+  std::unique_ptr<Sidecar> startSidecar();
   /// This server's entry in lists.
   HostEntry hostEntry() const;
   /// Tells other lists, and Agones, the number of players.
@@ -137,6 +138,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   ListPages list_;
   std::vector<std::unique_ptr<Publisher>> publishers_;  // one for each list to announce to
   std::unique_ptr<Sidecar> sidecar_;                    // null outside of Agones
+  std::optional<Place> place_;                          // that Agones has told
   std::map<ClientId, Guest> guests_;
   Door door_;
   StallWatch stallWatch_;

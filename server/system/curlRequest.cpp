@@ -9,9 +9,14 @@ namespace kelvora::server {
 
 namespace {
 
-std::size_t onBody(char* bytes, std::size_t /*one*/, std::size_t size, void* body) {
-  auto& text = *static_cast<std::string*>(body);
-  text.append(bytes, std::min(size, WebReply::maxBody - text.size()));
+struct Body {
+  std::string& text;
+  std::size_t maxSize;
+};
+
+std::size_t onBody(char* bytes, std::size_t /*one*/, std::size_t size, void* target) {
+  const auto& body = *static_cast<Body*>(target);
+  body.text.append(bytes, std::min(size, body.maxSize - body.text.size()));
   return size;
 }
 
@@ -37,6 +42,7 @@ Outcome sendRequest(const WebRequest& request, WebReply& reply) {
   if (!request.key.empty()) addHeader("Authorization: Bearer " + request.key);
   if (!request.json.empty()) addHeader("Content-Type: application/json");
   reply = {};
+  Body body{reply.body, request.maxReply};
   const auto set = [&](CURLoption option, auto value) { curl_easy_setopt(curl.get(), option, value); };
   set(CURLOPT_URL, request.url.c_str());
   set(CURLOPT_PROTOCOLS_STR, "http,https");
@@ -48,7 +54,7 @@ Outcome sendRequest(const WebRequest& request, WebReply& reply) {
   set(CURLOPT_NOSIGNAL, 1L);
   if (!request.usesProxy) set(CURLOPT_NOPROXY, "*");
   set(CURLOPT_WRITEFUNCTION, &onBody);
-  set(CURLOPT_WRITEDATA, &reply.body);
+  set(CURLOPT_WRITEDATA, &body);
   set(CURLOPT_NOPROGRESS, request.isEnding == nullptr ? 1L : 0L);
   set(CURLOPT_XFERINFOFUNCTION, &onProgress);
   set(CURLOPT_XFERINFODATA, request.isEnding);

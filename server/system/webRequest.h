@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <string>
 
 #include "base/outcome.h"
@@ -16,12 +17,11 @@ struct WebRequest {
   std::string agent;                            ///< this program and its version
   long timeLimit;                               ///< ms, above 0, for all of it
   bool usesProxy = true;                        ///< the one that this machine is set up for, if any
+  std::size_t maxReply = 200;                   ///< bytes of the reply's body; the rest is dropped
   const std::atomic<bool>* isEnding = nullptr;  ///< aborts the request when it becomes true; null for never
 };
 
 struct WebReply {
-  static constexpr std::size_t maxBody = 200;  ///< bytes; the rest is dropped
-
   long status = 0;
   std::string body;
 };

@@ -79,7 +79,7 @@ class Exchange {
     }
     reply = {.status = status(), .body = {}};
     // The reply's text only explains a failure, so an incomplete one will do.
-    while (reply.body.size() < WebReply::maxBody && readMore(reply.body)) {
+    while (reply.body.size() < request_.maxReply && readMore(reply.body)) {
     }
     return Outcome::done();
   }
@@ -141,8 +141,8 @@ class Exchange {
   }
 
   bool readMore(std::string& body) {
-    buffer_ = {};
-    const auto room = static_cast<DWORD>(WebReply::maxBody - body.size());
+    buffer_.assign(request_.maxReply, '\0');
+    const auto room = static_cast<DWORD>(request_.maxReply - body.size());
     if (WinHttpReadData(handle_.get(), buffer_.data(), room, nullptr) == FALSE ||
         !reached(WINHTTP_CALLBACK_STATUS_READ_COMPLETE)) {
       return false;
@@ -155,8 +155,8 @@ class Exchange {
   const WebRequest& request_;
   const Clock::time_point deadline_;
   Progress progress_;
-  std::string body_;                              // the system reads it while it sends
-  std::array<char, WebReply::maxBody> buffer_{};  // the system fills it while it reads
+  std::string body_;    // the system reads it while it sends
+  std::string buffer_;  // the system fills it while it reads
   bool isWatched_ = false;
   Handle session_;
   Handle connection_;

@@ -10,7 +10,7 @@ namespace {
 using Call = SidecarPlan::Call;
 using Result = SidecarPlan::Result;
 
-constexpr const char* names[] = {"ready", "health", "allocate", "players", "shutdown"};
+constexpr const char* names[] = {"ready", "health", "allocate", "place", "players", "shutdown"};
 
 /// Makes all calls that are due, with this result. Returns their names.
 std::string tell(SidecarPlan& plan, Millis now, Result result = Result::done) {
@@ -28,7 +28,7 @@ std::string tell(SidecarPlan& plan, Millis now, Result result = Result::done) {
 SidecarPlan ready(Millis now) {
   SidecarPlan plan;
   plan.update(0, now);
-  EXPECT_EQ(tell(plan, now), "ready health players");
+  EXPECT_EQ(tell(plan, now), "ready health place players");
   return plan;
 }
 
@@ -45,7 +45,7 @@ TEST(SidecarPlan, RepeatsReadyEverySecondUntilItIsHeard) {
   EXPECT_EQ(plan.wait(10'000), 1'000);
   EXPECT_EQ(tell(plan, 10'999), "");
   EXPECT_EQ(tell(plan, 11'000, Result::unknown), "ready") << "the sidecar may only be starting";
-  EXPECT_EQ(tell(plan, 12'000), "ready health allocate players");
+  EXPECT_EQ(tell(plan, 12'000), "ready health allocate place players");
   EXPECT_EQ(tell(plan, 12'001), "");
 }
 
@@ -87,6 +87,20 @@ TEST(SidecarPlan, ServerThatSomebodyElseAllocatedStaysSoUntilPeopleHaveLeft) {
   }
 }
 
+TEST(SidecarPlan, AsksForThePlaceUntilItIsKnown) {
+  SidecarPlan plan;
+  plan.update(0, 10'000);
+  EXPECT_NE(plan.next(10'000), Call::place);
+  plan.ended(Call::ready, 0, Result::done, 10'000);
+  for (const Millis now : {10'000, 11'000}) {
+    plan.ended(Call::health, 0, Result::done, now);
+    ASSERT_EQ(plan.next(now), Call::place);
+    plan.ended(Call::place, 0, Result::failed, now);
+    EXPECT_NE(plan.next(now + 999), Call::place);
+  }
+  EXPECT_EQ(tell(plan, 12'000), "place players");
+}
+
 TEST(SidecarPlan, AFailedCallDelaysNoOther) {
   SidecarPlan plan = ready(10'000);
   plan.update(1, 11'500);
@@ -112,6 +126,7 @@ TEST(SidecarPlan, WithoutACounterPlayersAreNotTold) {
   plan.update(0, 10'000);
   ASSERT_EQ(plan.next(10'000), Call::ready);
   plan.ended(Call::ready, 0, Result::done, 10'000);
+  plan.ended(Call::place, 0, Result::done, 10'000);
   plan.ended(Call::players, 0, Result::unknown, 10'000);
   plan.update(1, 12'000);
   EXPECT_EQ(tell(plan, 12'000), "health allocate");

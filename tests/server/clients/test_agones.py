@@ -8,7 +8,7 @@ import threading
 import unittest
 from unittest import mock
 
-from harness import PATIENCE, RawPlayer, Server, connect, free_port, protocol, wait_for
+from harness import PATIENCE, RawPlayer, Server, VERSION, connect, free_port, protocol, read_to_end, wait_for
 
 
 class Sidecar:
@@ -20,6 +20,7 @@ class Sidecar:
         self.calls = []  # pairs of path and body
         self.statuses = {}
         self.silent = set()
+        self.description = {"object_meta": {"name": "kelvora-x7k"}, "status": {"state": "Ready"}}
         self.released = threading.Event()
         self.http = None
 
@@ -28,7 +29,7 @@ class Sidecar:
 
         class Handler(http.server.BaseHTTPRequestHandler):
             def answer(self):
-                body = self.rfile.read(int(self.headers["Content-Length"]))
+                body = self.rfile.read(int(self.headers["Content-Length"] or 0)) or b"{}"
                 call = f"{self.command} {self.path}"
                 sidecar.calls.append((call, json.loads(body), self.headers["Content-Type"]))
                 if call in sidecar.silent:
@@ -36,7 +37,7 @@ class Sidecar:
                     return
                 self.send_response(sidecar.statuses.get(call, 200))
                 self.end_headers()
-                self.wfile.write(b"{}")
+                self.wfile.write(json.dumps(sidecar.description if call == PLACE else {}).encode())
 
             do_POST = do_PATCH = do_GET = answer
 
@@ -68,6 +69,7 @@ class Sidecar:
 
 
 READY, HEALTH, ALLOCATE, SHUTDOWN = "POST /ready", "POST /health", "POST /allocate", "POST /shutdown"
+PLACE = "GET /gameserver"
 COUNTER = "PATCH /v1beta1/counters/players"
 
 
@@ -111,7 +113,7 @@ class Agones(unittest.TestCase):
             self.wait(lambda: self.sidecar.count(READY) == 2 and self.sidecar.players()[-1] == "0", "an empty server")
             self.assertEqual(self.sidecar.count(SHUTDOWN), 0)
         self.assertEqual(self.sidecar.names()[-1], SHUTDOWN)
-        self.assertEqual({kind for _, _, kind in self.sidecar.calls}, {"application/json"})
+        self.assertEqual({kind for call, _, kind in self.sidecar.calls if call != PLACE}, {"application/json"})
         self.assertEqual({json.dumps(body) for call, body, _ in self.sidecar.calls if call != COUNTER}, {"{}"})
 
     def test_the_sidecar_may_come_later(self):
@@ -157,6 +159,18 @@ class Agones(unittest.TestCase):
             health = self.sidecar.count(HEALTH)
             self.wait(lambda: self.sidecar.count(HEALTH) >= health + 2, "health calls")
             self.assertEqual(self.sidecar.count(COUNTER), 1)
+
+    def test_lists_learn_where_players_reach_the_server(self):
+        self.sidecar.start()
+        with Server() as games, mock.patch.dict(os.environ, {"no_proxy": "*"}):
+            with self.server("--publish", f"http://127.0.0.1:{games.port}", "--notes", "in a cluster") as server:
+                self.wait(lambda: self.sidecar.count(PLACE) >= 2, "repeated questions")
+                self.assertNotIn("announced", server.log())
+                self.sidecar.description["status"].update(address="192.0.2.7", ports=[{"name": "game", "port": 7123}])
+                wait_for(lambda: "announced to" in server.log(), "an announcement")
+                with connect(games.port) as connection:
+                    connection.sendall(b"GET /games/kelvora/gethosts.php?version=" + VERSION.encode() + b" HTTP/1.0\r\n\r\n")
+                    self.assertIn(b"[192.0.2.7|7123|0|in a cluster|0|6]", read_to_end(connection))
 
     def test_a_silent_sidecar_delays_nobody(self):
         self.sidecar.silent = {READY}
