@@ -26,7 +26,7 @@ using server::ClientId;
 using server::PlayerView;
 using server::SkillLevel;
 
-constexpr int roundsToPlay = isSlowBuild ? 20 : 100;
+constexpr int roundsToPlay = isSlowBuild ? 10 : 100;
 constexpr Millis maxRoundTime = 180'000 + 12'000;
 constexpr ClientId botCount = 6;
 constexpr std::int64_t startCredits = 10;

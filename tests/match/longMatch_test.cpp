@@ -154,7 +154,7 @@ class LongMatch : public GameTest, public server::ArenaOutput {
 
 TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndConsistent) {
   join();
-  constexpr int minutes = isSlowBuild ? 8 : 30;
+  constexpr int minutes = isSlowBuild ? 6 : 30;
   std::vector<std::int64_t> heapByMinute;
   double maxTailLength = 0;
   std::size_t maxQueueLength = 0;

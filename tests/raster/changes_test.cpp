@@ -9,6 +9,7 @@
 
 #include "raster/surface.h"
 #include "tests/raster/referenceSurface.h"
+#include "tests/support/slowBuild.h"
 
 namespace kelvora {
 namespace {
@@ -87,7 +88,8 @@ TEST(Changes, KeepACopyEqualToTheImage) {
   const auto colour = [&] { return RGB(draw(0, 255), draw(0, 255), draw(0, 255)); };
   Surface surface;
   std::vector<Pixel> copy;
-  for (int run = 0; run < 20000; ++run) {
+  constexpr int steps = isSlowBuild ? 5'000 : 20'000;
+  for (int run = 0; run < steps; ++run) {
     const int width = surface.pixelWidth();
     const int height = surface.pixelHeight();
     switch (run == 0 ? 8 : draw(0, run % 300 == 0 ? 8 : 5)) {
