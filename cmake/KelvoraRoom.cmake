@@ -84,7 +84,8 @@ set(KELVORA_TEST_SHARDS "" CACHE STRING
     "Run each test program in this many parts, which saves thousands of starts; empty to run each test by itself")
 option(KELVORA_UNITY_TESTS "Compile a dozen sources of a test program at a time" OFF)
 
-# kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder.
+# kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder. A folder of long tests sets
+# KELVORA_TEST_COST, and they start first.
 function(kelvora_tests name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources)
@@ -115,7 +116,7 @@ function(kelvora_tests name)
     foreach(shard RANGE 1 ${KELVORA_TEST_SHARDS})
       math(EXPR index "${shard} - 1")
       add_test(NAME ${name}.${shard} COMMAND kelvora_${name}_tests)
-      set_tests_properties(${name}.${shard} PROPERTIES TIMEOUT 900 LABELS ${name}
+      set_tests_properties(${name}.${shard} PROPERTIES TIMEOUT 900 LABELS ${name} COST "${KELVORA_TEST_COST}"
         ENVIRONMENT "GTEST_TOTAL_SHARDS=${KELVORA_TEST_SHARDS};GTEST_SHARD_INDEX=${index}")
     endforeach()
   else()

@@ -5,9 +5,9 @@ play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev lib
   libcurl4-openssl-dev libsqlite3-dev libfontconfig-dev libxcb1-dev zlib1g-dev libsdl2-dev libmpg123-dev
   fonts-comic-neue fonts-liberation"
 window_test_packages="python3 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils"
-check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev clang-format-14
-  clang-tidy-14 python3-numpy python3-websockets python3-yaml nginx libnginx-mod-stream caddy prometheus openssl curl wget mpg123
-  $window_test_packages"
+linux_check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev lld-14
+  clang-format-14 clang-tidy-14 python3-numpy python3-websockets python3-yaml nginx libnginx-mod-stream caddy prometheus
+  openssl curl wget mpg123 $window_test_packages"
 
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
 server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev libsqlite3-dev"
@@ -18,6 +18,7 @@ web_check_packages="$web_packages $play_packages ccache googletest chromium chro
 # Packages for the Windows build, its zip and installer, and its tests.
 windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libboost-dev
   libz-mingw-w64-dev libpng-dev libjpeg-dev nsis zip $window_test_packages"
+windows_check_packages="$windows_packages $play_packages"
 
 say() { printf '==> %s\n' "$*"; }
 fail() {
