@@ -6,6 +6,7 @@
 
 #include "base/outcome.h"
 #include "server/arena/clientId.h"
+#include "server/arena/nameVerdict.h"
 #include "server/arena/score.h"
 
 namespace kelvora::server {

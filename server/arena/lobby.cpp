@@ -36,13 +36,12 @@ void Lobby::login(ClientId client, std::string_view text, Millis now) {
   if (visitor == visitors_.end() || visitor->second.login) return;
   const auto request = read(text);
   Outcome outcome = request ? check(client, *request) : Outcome::refused(unreadable);
-  visitor->second.awaitsVerdict = false;
+  NameVerdict verdict;
   if (!outcome.isRefused()) {
-    NameVerdict verdict =
-        roster_.nameVerdict(client, visibleName(request->name), namePassword(request->password).value_or(""));
-    visitor->second.awaitsVerdict = verdict.isPending;
+    verdict = roster_.nameVerdict(client, visibleName(request->name), namePassword(request->password).value_or(""));
     outcome = std::move(verdict.outcome);
   }
+  visitor->second.awaitsVerdict = verdict.isPending;
   if (outcome.isRefused()) {
     output_.log("client " + std::to_string(client) + " was refused: " + outcome.reason());
     roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>(outcome.reason()));
@@ -52,7 +51,7 @@ void Lobby::login(ClientId client, std::string_view text, Millis now) {
     visitor->second.login = text;
   } else {
     visitors_.erase(visitor);
-    admit(client, *request, now);
+    admit(client, *request, std::move(verdict.claimed), now);
   }
 }
 
@@ -96,13 +95,14 @@ bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferr
   return visitor.wantedColour || !roster_.hasFreeColour() || (isLeaving && mayWait);
 }
 
-void Lobby::admit(ClientId client, const Request& request, Millis now) {
+void Lobby::admit(ClientId client, const Request& request, std::vector<std::string> claimedNames, Millis now) {
   rounds_.prepareFor(client, now);
   const std::string name = visibleName(request.name);
+  appendTakenNames(claimedNames);
   Player player{.client = client,
                 .node = roster_.nextNode(),
                 .colour = chooseColour(request.colour),
-                .name = distinctName(name, takenNames()),
+                .name = distinctName(name, claimedNames),
                 .spot = startSpot(),
                 .isAlive = rounds_.isRunning(),
                 .paidUntil = now,
@@ -144,11 +144,9 @@ Spot Lobby::startSpot() {
   return spotOf(std::to_string(x), std::to_string(y), {static_cast<float>(x), static_cast<float>(y)});
 }
 
-std::vector<std::string> Lobby::takenNames() const {
-  std::vector<std::string> names;
-  for (const auto& [client, player] : roster_.players()) names.push_back(skeletonOf(player.name));
-  for (const Player& leaver : roster_.leavers()) names.push_back(skeletonOf(leaver.name));
-  return names;
+void Lobby::appendTakenNames(std::vector<std::string>& skeletons) const {
+  for (const auto& [client, player] : roster_.players()) skeletons.push_back(skeletonOf(player.name));
+  for (const Player& leaver : roster_.leavers()) skeletons.push_back(skeletonOf(leaver.name));
 }
 
 void Lobby::sendJoined(ClientId client, const Player& player) const {

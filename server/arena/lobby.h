@@ -59,11 +59,11 @@ class Lobby {
   /// The part of the password that is for a claimed name. Nothing if the arena's own part is wrong.
   std::optional<std::string> namePassword(std::string_view password) const;
   bool mustWait(ClientId client, Visitor& visitor, std::string_view preferred, Millis now) const;
-  void admit(ClientId client, const Request& request, Millis now);
+  void admit(ClientId client, const Request& request, std::vector<std::string> claimedNames, Millis now);
   PlayerColour chooseColour(std::string_view preferred) const;
   Spot startSpot();
-  /// The skeletons of the names that players and leavers have.
-  std::vector<std::string> takenNames() const;
+  /// Appends the skeletons of the names that players and leavers have.
+  void appendTakenNames(std::vector<std::string>& skeletons) const;
   void sendJoined(ClientId client, const Player& player) const;
 
   ArenaOutput& output_;

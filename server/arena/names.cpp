@@ -26,8 +26,8 @@ constexpr std::array<std::string_view, 128> upperHalf = {
     "d", "n", "o", "o", "o", "o", "o",  "",  "o", "u",  "u", "u", "u",  "y",  "p",  "y",  // F0
 };
 
-constexpr std::string_view confusing = "i1|!0o5$8@";  // ASCII, each with the letter below it
-constexpr std::string_view plainLetter = "lllloossba";
+constexpr std::string_view confusing = "i1|!05$8@";  // ASCII, each with the letter below it
+constexpr std::string_view plainLetter = "llllossba";
 static_assert(confusing.size() == plainLetter.size());
 
 // What the server calls itself, or what people take for it.
@@ -89,6 +89,14 @@ Outcome checkName(std::string_view name) {
   if (name.find_first_of("[]") != name.npos) return Outcome::refused("A name can't contain square brackets.");
   if (looksLikeTheServer(name)) return Outcome::refused("The name looks like the server's. Choose another one.");
   return Outcome::done();
+}
+
+std::string commonSkeleton(std::string_view name) {
+  constexpr std::size_t uncut = maxNameLength - std::string_view(" 999").size();
+  std::string skeleton = skeletonOf(name.substr(0, uncut));
+  // The letter at the cut may be half of one that looks like two.
+  if (name.size() > uncut && !skeleton.empty()) skeleton.pop_back();
+  return skeleton;
 }
 
 std::string distinctName(std::string_view name, const std::vector<std::string>& skeletons) {

@@ -3,7 +3,6 @@
 #include <string>
 
 #include "base/millis.h"
-#include "base/outcome.h"
 #include "server/arena/clientId.h"
 
 namespace kelvora::server {
@@ -15,12 +14,6 @@ struct Score {
   int captures = 0;
   bool isWinner = false;
   Millis joined = 0;  ///< when the person logged in
-};
-
-/// Whether a login may use its name, which may be claimed by somebody.
-struct NameVerdict {
-  bool isPending = false;  ///< ask again
-  Outcome outcome = Outcome::done();
 };
 
 }  // namespace kelvora::server

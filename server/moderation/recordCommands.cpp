@@ -36,8 +36,9 @@ Outcome Moderation::stats(Call call) {
   const PlayerView* player = takePlayer(call.rest, call.players);
   const std::string name = player != nullptr ? player->name : std::string(call.rest);
   const bool isUnderWay =
-      records_.find(name.empty() ? call.caller.name : name, [this, client = call.caller.client](const Deeds& deeds) {
-        arena_.tell(client, deeds.name.empty() ? "There is no record of that name." : textOf(deeds));
+      records_.find(name.empty() ? call.caller.name : name, [this, client = call.caller.client](const auto& deeds) {
+        if (!deeds) return arena_.tell(client, "The records can't be read now.");
+        arena_.tell(client, deeds->name.empty() ? "There is no record of that name." : textOf(*deeds));
       });
   return isUnderWay ? Outcome::done() : Outcome::refused(serverIsBusy);
 }

@@ -2,7 +2,7 @@
 
 #include <sqlite3.h>
 
-#include <string_view>
+#include "server/records/statement.h"
 
 namespace kelvora::server {
 
@@ -25,46 +25,6 @@ constexpr const char* schema =
     "CREATE INDEX IF NOT EXISTS oldest ON players (seen) WHERE hash = '';"
     "CREATE INDEX IF NOT EXISTS claimed ON players (key) WHERE hash <> '';";
 
-/// A prepared statement. Texts are stored as blobs, because they aren't UTF-8.
-class Statement {
- public:
-  Statement(sqlite3* database, const char* text) : database_(database) {
-    if (sqlite3_prepare_v2(database, text, -1, &statement_, nullptr) != SQLITE_OK) fail();
-  }
-  Statement(const Statement&) = delete;
-  Statement& operator=(const Statement&) = delete;
-  ~Statement() { sqlite3_finalize(statement_); }
-
-  Statement& with(std::int64_t value) {
-    if (sqlite3_bind_int64(statement_, ++bound_, value) != SQLITE_OK) fail();
-    return *this;
-  }
-  /// The text must outlive the steps.
-  Statement& with(const std::string& bytes) {
-    if (sqlite3_bind_blob64(statement_, ++bound_, bytes.data(), bytes.size(), SQLITE_STATIC) != SQLITE_OK) fail();
-    return *this;
-  }
-  /// True if there is a row.
-  bool step() {
-    const int result = sqlite3_step(statement_);
-    if (result != SQLITE_ROW && result != SQLITE_DONE) fail();
-    return result == SQLITE_ROW;
-  }
-  std::int64_t number(int column) const { return sqlite3_column_int64(statement_, column); }
-  std::string text(int column) const {
-    const void* bytes = sqlite3_column_blob(statement_, column);
-    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement_, column));
-    return bytes == nullptr ? std::string() : std::string(static_cast<const char*>(bytes), size);
-  }
-
- private:
-  [[noreturn]] void fail() const { throw DatabaseError(sqlite3_errmsg(database_)); }
-
-  sqlite3* database_;
-  sqlite3_stmt* statement_ = nullptr;
-  int bound_ = 0;
-};
-
 Deeds readDeeds(const Statement& row) {
   return {row.text(0), row.number(1), row.number(2), row.number(3), row.number(4)};
 }
@@ -75,46 +35,18 @@ struct Database::Connection {
   sqlite3* handle = nullptr;
 
   ~Connection() { sqlite3_close(handle); }
-  void run(const char* text) const {
-    if (sqlite3_exec(handle, text, nullptr, nullptr, nullptr) != SQLITE_OK) {
-      throw DatabaseError(sqlite3_errmsg(handle));
-    }
-  }
 };
-
-namespace {
-
-/// Takes effect as a whole at `commit`, or not at all.
-template <class Connection>
-class Transaction {
- public:
-  explicit Transaction(const Connection& connection) : connection_(connection) { connection.run("BEGIN IMMEDIATE"); }
-  Transaction(const Transaction&) = delete;
-  Transaction& operator=(const Transaction&) = delete;
-  ~Transaction() {
-    if (!isDone_) sqlite3_exec(connection_.handle, "ROLLBACK", nullptr, nullptr, nullptr);
-  }
-  void commit() {
-    connection_.run("COMMIT");
-    isDone_ = true;
-  }
-
- private:
-  const Connection& connection_;
-  bool isDone_ = false;
-};
-
-}  // namespace
 
 bool Database::isSupported() { return true; }
 
-Database::Database(const std::string& path) : connection_(std::make_unique<Connection>()) {
+Database::Database(const std::string& path, int maxPlayers)
+    : connection_(std::make_unique<Connection>()), maxPlayers_(maxPlayers) {
   constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
   if (sqlite3_open_v2(path.c_str(), &connection_->handle, flags, nullptr) != SQLITE_OK) {
     throw DatabaseError(sqlite3_errmsg(connection_->handle));
   }
   sqlite3_busy_timeout(connection_->handle, busyTimeout);
-  connection_->run(schema);
+  run(connection_->handle, schema);
 }
 
 Database::~Database() = default;
@@ -122,7 +54,7 @@ Database::~Database() = default;
 void Database::add(const std::vector<Deeds>& deeds, const std::vector<std::string>& keys, std::int64_t now) {
   sqlite3* const handle = connection_->handle;
   const std::int64_t day = now / secondsPerDay;
-  Transaction transaction(*connection_);
+  Transaction transaction(connection_->handle);
   for (std::size_t i = 0; i < deeds.size(); ++i) {
     const Deeds& part = deeds[i];
     Statement(handle,
@@ -151,13 +83,26 @@ void Database::add(const std::vector<Deeds>& deeds, const std::vector<std::strin
         .with(part.seconds)
         .step();
   }
-  Statement(handle, "DELETE FROM days WHERE day <= ?").with(day - daysKept).step();
-  Statement(handle,
-            "DELETE FROM players WHERE key IN (SELECT key FROM players WHERE hash = '' ORDER BY seen"
-            " LIMIT max(0, (SELECT count(*) FROM players) - ?))")
-      .with(maxPlayers)
-      .step();
+  forget(day);
   transaction.commit();
+}
+
+void Database::forget(std::int64_t day) {
+  sqlite3* const handle = connection_->handle;
+  Statement(handle, "DELETE FROM days WHERE day <= ?").with(day - daysKept).step();
+  Statement oldest(handle,
+                   "SELECT key FROM players WHERE hash = '' ORDER BY seen"
+                   " LIMIT max(0, (SELECT count(*) FROM players) - ?)");
+  oldest.with(maxPlayers_);
+  std::vector<std::string> keys;
+  while (oldest.step()) keys.push_back(oldest.text(0));
+  for (const std::string& key : keys) {
+    Statement(handle, "DELETE FROM players WHERE key = ?").with(key).step();
+    // By day, because that comes first in the table's key.
+    for (std::int64_t past = 0; past < daysKept; ++past) {
+      Statement(handle, "DELETE FROM days WHERE day = ? AND key = ?").with(day - past).with(key).step();
+    }
+  }
 }
 
 std::vector<Deeds> Database::top(std::size_t count) const {
@@ -191,9 +136,18 @@ std::string Database::claimOf(const std::string& key) const {
   return row.with(key).step() ? row.text(0) : std::string();
 }
 
+std::vector<std::string> Database::claimsBeginningWith(const std::string& bytes) const {
+  Statement rows(connection_->handle, "SELECT key FROM players WHERE hash <> '' AND key >= ? AND key < ?");
+  const std::string end = bytes + '\x7F';  // above all ASCII letters
+  rows.with(bytes).with(end);
+  std::vector<std::string> keys;
+  while (rows.step()) keys.push_back(rows.text(0));
+  return keys;
+}
+
 Database::Claim Database::claim(const std::string& key, const std::string& name, const std::string& hash,
                                 std::int64_t now) {
-  Transaction transaction(*connection_);
+  Transaction transaction(connection_->handle);
   if (!claimOf(key).empty()) return Claim::taken;
   Statement claims(connection_->handle, "SELECT count(*) FROM players WHERE hash <> ''");
   if (claims.step() && claims.number(0) >= maxClaims) return Claim::full;

@@ -30,14 +30,14 @@ struct DatabaseError : std::runtime_error {
 class Database {
  public:
   static constexpr int daysKept = 30;
-  static constexpr int maxPlayers = 100'000;  ///< beyond that, the ones seen longest ago are forgotten, unless claimed
+  static constexpr int usualPlayers = 100'000;
   static constexpr int maxClaims = 10'000;
 
   /// False on Windows, where it can't be opened.
   static bool isSupported();
 
-  /// Opens or creates the file.
-  explicit Database(const std::string& path);
+  /// Opens or creates the file. Beyond `maxPlayers`, it forgets the players seen longest ago, unless claimed.
+  explicit Database(const std::string& path, int maxPlayers = usualPlayers);
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
   ~Database();
@@ -52,12 +52,17 @@ class Database {
 
   /// The password's hash of a claimed name; empty if it isn't claimed.
   std::string claimOf(const std::string& key) const;
+  /// The keys of claimed names that begin with these bytes, which are ASCII.
+  std::vector<std::string> claimsBeginningWith(const std::string& bytes) const;
   enum class Claim { made, taken, full };
   Claim claim(const std::string& key, const std::string& name, const std::string& hash, std::int64_t now);
 
  private:
+  void forget(std::int64_t day);
+
   struct Connection;
   std::unique_ptr<Connection> connection_;
+  const int maxPlayers_;
 };
 
 }  // namespace kelvora::server

@@ -1,10 +1,10 @@
 #include "server/records/recordBook.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 #include "server/arena/names.h"
+#include "server/arena/plainText.h"
 #include "server/system/passwords.h"
 
 namespace kelvora::server {
@@ -24,14 +24,15 @@ void RecordBook::add(const std::vector<Score>& scores, bool isRoundOver, Millis 
   std::vector<Deeds> deeds;
   std::vector<std::string> keys;
   for (const Score& score : scores) {
-    Millis& counted = countedUntil_.try_emplace(score.client, score.joined).first->second;
-    deeds.push_back({.name = score.name,
-                     .rounds = isRoundOver ? 1 : 0,
-                     .captures = score.captures,
-                     .wins = score.isWinner ? 1 : 0,
-                     .seconds = (now - counted) / 1'000});
+    const Millis since = std::exchange(countedUntil_.try_emplace(score.client, score.joined).first->second, now);
+    Deeds part{.name = score.name,
+               .rounds = isRoundOver ? 1 : 0,
+               .captures = score.captures,
+               .wins = score.isWinner ? 1 : 0,
+               .seconds = (now - since) / 1'000};
+    if (part.rounds + part.captures + part.seconds == 0) continue;
+    deeds.push_back(std::move(part));
     keys.push_back(skeletonOf(score.name));
-    counted = now;
   }
   const auto tables = std::make_shared<Tables>();
   const std::int64_t today = background_.wallClock();
@@ -51,8 +52,8 @@ void RecordBook::left(ClientId client) {
   verdicts_.erase(client);
 }
 
-bool RecordBook::find(const std::string& name, std::function<void(const Deeds& deeds)> finish) {
-  const auto deeds = std::make_shared<Deeds>();
+bool RecordBook::find(const std::string& name, std::function<void(const std::optional<Deeds>& deeds)> finish) {
+  const auto deeds = std::make_shared<std::optional<Deeds>>();
   return use([key = skeletonOf(name), deeds](Database& database) { *deeds = database.deedsOf(key); },
              [deeds, finish = std::move(finish)](const std::string&) { finish(*deeds); });
 }
@@ -61,24 +62,23 @@ NameVerdict RecordBook::verdict(ClientId client, const std::string& name, const 
   if (!isKept()) return {};
   const auto [known, isNew] = verdicts_.try_emplace(client, NameVerdict{.isPending = true});
   if (!isNew) return known->second;
-  const auto isRight = std::make_shared<bool>(true);  // what can't be read is nobody's
+  const auto answer = std::make_shared<NameVerdict>();  // what can't be read is nobody's
   const bool isUnderWay = use(
-      [key = skeletonOf(name), password, isRight](Database& database) {
+      [name, password, answer](Database& database) {
+        const std::string key = skeletonOf(name);
         const std::string hash = database.claimOf(key);
-        *isRight = hash.empty() || (!password.empty() && matches(password, hash));
-      },
-      [this, client, isRight](const std::string&) {
-        const auto asked = verdicts_.find(client);
-        if (asked == verdicts_.end()) return;
-        asked->second.isPending = false;
-        if (!*isRight) {
-          asked->second.outcome =
-              Outcome::refused("That name is claimed. Log in with its password, or choose another name.");
+        if (!hash.empty() && (password.empty() || !matches(password, hash))) {
+          answer->outcome = Outcome::refused("That name is claimed. Log in with its password, or choose another name.");
         }
+        answer->claimed = database.claimsBeginningWith(commonSkeleton(name));
+        std::erase(answer->claimed, key);
+      },
+      [this, client, answer](const std::string&) {
+        if (const auto asked = verdicts_.find(client); asked != verdicts_.end()) asked->second = std::move(*answer);
       });
   if (isUnderWay) return known->second;
   verdicts_.erase(known);
-  return {.outcome = Outcome::refused("The server is busy. Try again in a moment.")};
+  return {.outcome = Outcome::refused(serverIsBusy)};
 }
 
 bool RecordBook::claim(const std::string& name, const std::string& password,

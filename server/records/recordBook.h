@@ -3,11 +3,12 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/millis.h"
-#include "base/outcome.h"
+#include "server/arena/nameVerdict.h"
 #include "server/arena/score.h"
 #include "server/records/database.h"
 #include "server/system/background.h"
@@ -38,10 +39,11 @@ class RecordBook {
     std::vector<Deeds> always;
     std::vector<Deeds> lately;  ///< in the last 30 days
   };
-  /// As of the last round's end or player's departure.
+  /// As of this arena's last round's end or player's departure.
   const Tables& tables() const { return tables_; }
-  /// Passes a player's deeds on, later. The name is empty if the player is unknown. False if the server is busy.
-  bool find(const std::string& name, std::function<void(const Deeds& deeds)> finish);
+  /// Passes a player's deeds on, later, or nothing if they can't be read. The name is empty if the player is unknown.
+  /// False if the server is busy.
+  bool find(const std::string& name, std::function<void(const std::optional<Deeds>& deeds)> finish);
 
   /// Whether this client may play under the name. Asks the database first, so the first answer is always pending.
   NameVerdict verdict(ClientId client, const std::string& name, const std::string& password);

@@ -77,6 +77,23 @@ TEST(Names, StayWithinTheLimitWithANumber) {
   }
 }
 
+TEST(Names, HaveACommonBeginningWithAnyNumber) {
+  EXPECT_EQ(commonSkeleton("Bob 7"), "bob7");
+  std::mt19937 random(3);
+  for (int round = 0; round < 30; ++round) {
+    std::string name;
+    for (auto length = random() % 6 == 0 ? random() % 20 : 28 + random() % 5; length > 0; --length) {
+      name += "aArnv0W 1."[random() % 10];
+    }
+    name = visibleName(name);
+    std::vector<std::string> taken;
+    for (int number = 0; number < 110; ++number) {
+      taken.push_back(skeletonOf(distinctName(name, taken)));
+      ASSERT_TRUE(taken.back().starts_with(commonSkeleton(name))) << name << ", " << taken.back();
+    }
+  }
+}
+
 TEST(Names, OfAnyBytesGetDistinctSkeletonsInOneArena) {
   std::mt19937 random(7);
   for (int round = 0; round < 300; ++round) {

@@ -125,5 +125,14 @@ TEST_F(ScoresTest, TheNamesPasswordFollowsTheArenas) {
   EXPECT_TRUE(asked.empty());
 }
 
+TEST_F(ScoresTest, NobodyGetsAClaimedNameByANumber) {
+  login(ann, "Ann", "0");
+  verdict.claimed = {"ann2", "ann4"};
+  login(bob, "Ann", "1");
+  EXPECT_EQ(view(bob).name, "Ann 3");
+  login(cat, "Ann", "2");
+  EXPECT_EQ(view(cat).name, "Ann 5");
+}
+
 }  // namespace
 }  // namespace kelvora::server

@@ -12,6 +12,7 @@
 #include "server/records/database.h"
 #include "server/records/recordBook.h"
 #include "server/system/process.h"
+#include "tests/server/system/fileSizeLimit.h"
 
 namespace kelvora::server {
 namespace {
@@ -27,6 +28,7 @@ class RecordsTest : public testing::Test, protected Background {
   const fs::path folder = fs::temp_directory_path() / ("kelvora-records-" + std::to_string(std::random_device{}()));
   const std::string path = (folder / "records").native();
   std::int64_t time = today;
+  const Deeds unreadable{.name = "unreadable"};
   std::vector<std::string> lines;  // logged
   std::deque<std::pair<std::function<void()>, std::function<void()>>> work;
   bool isBusy = false;
@@ -56,10 +58,10 @@ class RecordsTest : public testing::Test, protected Background {
   }
   Deeds found(RecordBook& book, const std::string& name) {
     std::optional<Deeds> deeds;
-    EXPECT_TRUE(book.find(name, [&](const Deeds& answer) { deeds = answer; }));
+    EXPECT_TRUE(book.find(name, [&](const std::optional<Deeds>& answer) { deeds = answer; }));
     EXPECT_FALSE(deeds.has_value()) << "the disk must not hold up the game";
     finishWork();
-    return deeds.value();
+    return deeds.value_or(unreadable);
   }
   /// The second answer, after the pending one.
   Outcome verdict(RecordBook& book, const std::string& name, const std::string& password) {
@@ -173,7 +175,7 @@ TEST_F(RecordsTest, ABrokenFileCostsTheRecordsOnly) {
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_EQ(lines[0], "no records: " + path + ": file is not a database");
   book.add({{.client = 1, .name = "Ann", .captures = 2}}, true, 60'000);
-  EXPECT_EQ(found(book, "Ann"), Deeds{});
+  EXPECT_EQ(found(book, "Ann"), unreadable);
   EXPECT_EQ(lines.size(), 1U) << "once";
   EXPECT_FALSE(verdict(book, "Ann", "").isRefused());
   EXPECT_EQ(claimed(book, "Ann", "secret"), "The name can't be claimed now.");
@@ -190,6 +192,52 @@ TEST_F(RecordsTest, AFullDiskCostsTheRecordsOnly) {
   finishWork();
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_TRUE(lines[0].starts_with("no records: /dev/full: ")) << lines[0];
+}
+
+TEST_F(RecordsTest, ADiskThatFillsUpCostsWhatItCantTake) {
+  // Whatever piece of the database is cut, each round is stored as a whole or not at all.
+  int failed = 0;
+  for (rlim_t size = 0; size < 120'000; size += 2'999) {
+    const std::string file = path + std::to_string(size);
+    std::int64_t stored = 0;
+    {
+      const FileSizeLimit full(size);
+      std::optional<Database> database;
+      for (int round = 0; round < 40; ++round) {
+        try {
+          if (!database) database.emplace(file);
+          database->add({once("Ann", 1), once("Bob " + std::to_string(round), 1)}, {"ann", "bob"}, today + round);
+          ++stored;
+        } catch (const DatabaseError&) {
+          database.reset();
+          ++failed;
+        }
+      }
+    }
+    Database database(file);
+    EXPECT_EQ(database.deedsOf("ann").captures, stored) << size;
+    EXPECT_EQ(database.deedsOf("bob").captures, stored) << size;
+    database.add({once("Ann", 1)}, {"ann"}, today);
+    EXPECT_EQ(database.deedsOf("ann").captures, stored + 1) << "with room, it goes on";
+  }
+  EXPECT_GT(failed, 0);
+}
+
+TEST_F(RecordsTest, AGameOnADiskThatFillsUpGoesOn) {
+  RecordBook book(*this, path);
+  book.add({{.client = 1, .name = "Ann", .captures = 2}}, true, 60'000);
+  finishWork();
+  {
+    const FileSizeLimit full(0);
+    book.add({{.client = 1, .name = "Ann", .captures = 3}}, true, 120'000);
+    EXPECT_FALSE(verdict(book, "Bob", "").isRefused());
+    EXPECT_EQ(claimed(book, "Bob", "secret"), "The name can't be claimed now.");
+    EXPECT_EQ(lines.size(), 1U) << "once";
+  }
+  EXPECT_TRUE(lines.at(0).starts_with("no records: " + path + ": ")) << lines.at(0);
+  book.add({{.client = 1, .name = "Ann", .captures = 4}}, true, 180'000);
+  EXPECT_EQ(found(book, "Ann").captures, 6);
+  EXPECT_EQ(lines.back(), "the records work again");
 }
 
 TEST_F(RecordsTest, CountTheTimeSinceTheLastRound) {
@@ -231,11 +279,52 @@ TEST_F(RecordsTest, AClaimKeepsTheRecord) {
   EXPECT_EQ(database.claimOf("ann"), "hash");
 }
 
+TEST_F(RecordsTest, AVerdictNamesTheClaimsThatANumberCouldLeadTo) {
+  RecordBook book(*this, path);
+  for (const char* name : {"Ann", "Ann 2", "Anna 10", "Bob", "Anm"}) claimed(book, name, "secret");
+  const auto claims = [&](const std::string& name, const std::string& password) {
+    EXPECT_TRUE(book.verdict(1, name, password).isPending);
+    finishWork();
+    const NameVerdict answer = book.verdict(1, name, password);
+    EXPECT_FALSE(answer.isPending);
+    EXPECT_FALSE(answer.outcome.isRefused());
+    book.left(1);
+    return answer.claimed;
+  };
+  EXPECT_EQ(claims("Ann", "secret"), (std::vector<std::string>{"ann2", "annalo"}));
+  EXPECT_EQ(claims("Ann 2", "secret"), std::vector<std::string>{});
+  EXPECT_EQ(claims("Bo", ""), std::vector<std::string>{"bob"});
+  EXPECT_EQ(claims("Cat", ""), std::vector<std::string>{});
+}
+
+TEST_F(RecordsTest, ForgetThePlayersSeenLongestAgo) {
+  Database database(path, 3);
+  EXPECT_EQ(database.claim("ann", "Ann", "hash", today - 9 * day), Database::Claim::made);
+  database.add({once("Ann", 9)}, {"ann"}, today - 9 * day);
+  database.add({once("Bob", 8)}, {"bob"}, today - 8 * day);
+  database.add({once("Cat", 7)}, {"cat"}, today - 7 * day);
+  database.add({once("Bob", 1)}, {"bob"}, today - 6 * day);
+  database.add({once("Dan", 1)}, {"dan"}, today);
+  EXPECT_EQ(names(database.top(10)), (std::vector<std::string>{"Ann", "Bob", "Dan"})) << "a claim is kept";
+  EXPECT_EQ(names(database.topOfTheLastDays(10, today)), (std::vector<std::string>{"Ann", "Bob", "Dan"}));
+  database.add({once("Cat", 2), once("Eve", 3)}, {"cat", "eve"}, today + 1);
+  EXPECT_EQ(names(database.topOfTheLastDays(10, today)), (std::vector<std::string>{"Ann", "Eve", "Cat"}))
+      << "Cat begins anew";
+}
+
+TEST_F(RecordsTest, OfAPlayerWhoHasDoneNothingArentStored) {
+  RecordBook book(*this, path);
+  book.add({{.client = 1, .name = "Ann", .joined = 60'000}}, false, 60'999);
+  EXPECT_EQ(found(book, "Ann"), Deeds{});
+  book.add({{.client = 2, .name = "Bob", .joined = 60'000}}, false, 61'000);
+  EXPECT_EQ(found(book, "Bob"), (Deeds{.name = "Bob", .seconds = 1}));
+}
+
 TEST_F(RecordsTest, ABusyServerSaysSo) {
   RecordBook book(*this, path);
   isBusy = true;
   EXPECT_EQ(book.verdict(1, "Ann", "").outcome.reason(), "The server is busy. Try again in a moment.");
-  EXPECT_FALSE(book.find("Ann", [](const Deeds&) {}));
+  EXPECT_FALSE(book.find("Ann", [](const std::optional<Deeds>&) {}));
   book.add({{.client = 1, .name = "Ann"}}, true, 60'000);
   EXPECT_EQ(lines.back(), "no records: " + path + ": too much is to be written");
 }
