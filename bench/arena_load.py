@@ -32,7 +32,7 @@ class Player:
     """Flies circles at the game's normal speed and reads everything it gets."""
 
     def __init__(self, port, number, version):
-        self.socket = socket.create_connection(("127.0.0.1", port))
+        self.socket = self.connect(port)
         self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
         self.open()
         self.send(protocol.frame(protocol.LOGIN, f"Load{number}", "", str(number % 6), version))
@@ -42,8 +42,14 @@ class Player:
         self.centre = None
         self.angle = number
 
+    def connect(self, port):
+        return socket.create_connection(("127.0.0.1", port))
+
     def open(self):
         """Overridden by transports with a handshake."""
+
+    def hear(self, text):
+        """Called with each frame, without its end."""
 
     def send(self, data):
         self.socket.sendall(data)
@@ -61,6 +67,7 @@ class Player:
         *whole, self.rest = self.rest.split(bytes([protocol.END]))
         for text in whole:
             self.frames += 1
+            self.hear(text)
             if text[1] == protocol.PING:
                 self.pings += 1
                 self.send(protocol.frame(protocol.PING_REPLY, f"{time.time() % 86400:.3f}"))
@@ -81,7 +88,12 @@ class Server:
     def __init__(self, program, *options):
         words = [program, "--port", "0", *options]
         self.process = subprocess.Popen(words, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        self.port = int(self.process.stdout.readline().rsplit(":", 1)[1])
+        ports = {}
+        while "listening" not in ports:
+            what, _, endpoint = self.process.stdout.readline().split()
+            ports[what] = int(endpoint.rsplit(":", 1)[1])
+        self.port = ports["listening"]
+        self.spectator_port = ports.get("spectators")
 
     def seconds(self):
         """Processor time since the server's start, in seconds."""

@@ -119,6 +119,7 @@ int main(int argc, char** argv) {
     };
     awaitSignal();
     if (options.webPort) std::cout << "web on " << server.webEndpointText() << std::endl;
+    if (options.rules.spectators > 0) std::cout << "spectators on " << server.spectatorEndpointText() << std::endl;
     std::cout << "listening on " << server.endpointText() << std::endl;
     context.run();
     ignoreFurtherSignals();

@@ -12,13 +12,14 @@ Arena::Arena(ArenaOutput& output, std::string version, std::string password, std
              const ArenaRules& rules)
     : output_(output),
       roster_(output),
+      gallery_(roster_, rules.spectators),
       economy_(roster_, rules.incomePerMinute),
       rounds_(roster_, economy_, rules),
       lives_(roster_, pending_, economy_, rounds_, rules),
       combat_(roster_, pending_, lives_),
       movement_(roster_, pending_, lives_, combat_, rules.speedFactor),
       coach_(roster_, rounds_, rules),
-      lobby_(output, roster_, economy_, rounds_, combat_, std::move(version), std::move(password), seed) {}
+      lobby_(output, roster_, gallery_, economy_, rounds_, combat_, std::move(version), std::move(password), seed) {}
 
 void Arena::received(ClientId client, std::string_view text, Millis now) {
   const auto message = wire::splitId(text);
@@ -26,6 +27,8 @@ void Arena::received(ClientId client, std::string_view text, Millis now) {
   if (Player* player = roster_.find(client)) {
     handle(*player, *message, now);
     rounds_.endIfWon();
+  } else if (const auto found = roster_.spectators().find(client); found != roster_.spectators().end()) {
+    gallery_.received(found->second, *message, now);
   } else if (message->id == wire::msgLogin) {
     lobby_.login(client, message->fields, now);
   }
@@ -37,7 +40,7 @@ void Arena::handle(Player& player, const wire::Incoming& message, Millis now) {
     case wire::msgPositionReport:
       return movement_.report(player, fields, now);
     case wire::msgPingReply:
-      return reportLatency(roster_, player, now);
+      return reportLatency(roster_, player.client, player.session, now);
     case wire::msgChat:
       return relayChat(roster_, player, fields, now);
     case wire::msgSpawnRequest:
@@ -70,7 +73,7 @@ void Arena::tick(Millis now) {
   roster_.releaseLeavers(pending_);
   lobby_.tick(now);
   for (auto& [client, player] : roster_.players()) {
-    pingIfDue(roster_, player, now);
+    pingIfDue(roster_, client, player.session, now);
     economy_.payIncome(player, now);
     player.tail.prune(now);
   }
@@ -79,6 +82,7 @@ void Arena::tick(Millis now) {
   rounds_.passTime(now);
   lives_.respawnDue(now);
   combat_.tellEnded(now);
+  gallery_.tick(now);
   coach_.tick(now);
 }
 

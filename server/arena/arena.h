@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "server/arena/coach.h"
 #include "server/arena/combat.h"
 #include "server/arena/economy.h"
+#include "server/arena/gallery.h"
 #include "server/arena/lives.h"
 #include "server/arena/lobby.h"
 #include "server/arena/movement.h"
@@ -33,7 +35,7 @@ class Arena {
   Arena& operator=(const Arena&) = delete;
 
   /// Adds a connection, which has to log in.
-  void connected(ClientId client, Millis now) { lobby_.enter(client, now); }
+  void connected(ClientId client, Millis now, Role role = Role::player) { lobby_.enter(client, role, now); }
   /// Handles one frame's text: id and fields. Invalid messages are dropped.
   void received(ClientId client, std::string_view text, Millis now);
   /// Removes a connection that either side has closed.
@@ -42,15 +44,18 @@ class Arena {
   void tick(Millis now);
 
   std::size_t playerCount() const { return roster_.players().size(); }
+  const std::map<ClientId, Spectator>& spectators() const { return roster_.spectators(); }
+  /// True for a player or spectator.
+  bool isIn(ClientId client) const { return roster_.isIn(client); }
   /// All logged-in players, in the order of their connections.
   std::vector<PlayerView> players(Millis now) const;
   /// Colours that bots hold and people waiting to log in need. Disconnect these bots. Each tick retries the logins.
   std::vector<PlayerColour> wantedColours() const { return lobby_.wantedColours(); }
 
-  /// Sends a player, or everybody, a line of the server.
+  /// Sends a player or spectator, or everybody, a line of the server.
   void tell(ClientId client, const std::string& text) const { roster_.tell(client, text); }
   void tellAll(const std::string& text) const { roster_.tellAll(text); }
-  /// Removes a player, who is told why. The others see the player leave.
+  /// Removes a player or spectator, who is told why. The others see a player leave.
   void expel(ClientId client, const std::string& reason);
   /// Ends a running round, with its winner.
   void endRound() { rounds_.endNow(); }
@@ -65,6 +70,7 @@ class Arena {
   ArenaOutput& output_;
   // Each piece knows the ones above it.
   Roster roster_;
+  Gallery gallery_;
   PendingCaptures pending_;
   Economy economy_;
   Rounds rounds_;

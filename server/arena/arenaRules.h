@@ -18,6 +18,7 @@ struct ArenaRules {
   int incomePerMinute = defaultIncome;  ///< credits per minute spent alive in a round, paid in whole credits
   bool coach = false;                   ///< tells newcomers what to do
   double speedFactor = 3;               ///< maximum sustained speed in multiples of the design speed, 0 for no limit
+  int spectators = 0;                   ///< maximum number
 };
 
 }  // namespace kelvora::server

@@ -11,4 +11,7 @@ using ClientId = std::uint32_t;
 inline constexpr ClientId firstBotClient = 0x8000'0000;
 constexpr bool isBot(ClientId client) { return client >= firstBotClient; }
 
+/// What somebody logs in for.
+enum class Role : std::uint8_t { player, spectator };
+
 }  // namespace kelvora::server

@@ -6,7 +6,7 @@ namespace kelvora::server {
 
 void Combat::activate(Player& player, std::string_view fields, Millis now) {
   const auto request = wire::fromClient<wire::msgActivateRequest>(fields);
-  if (!request || !roster_.allowsRequest(player, now)) return;
+  if (!request || !roster_.allowsRequest(player.session, now)) return;
   const PowerupSlot item{std::get<0>(*request)};
   Inventory& inventory = player.inventory;
   const auto refuse = [&](const char* why) { roster_.tell(player.client, why); };
@@ -44,7 +44,7 @@ void Combat::tellEnded(Millis now) {
   std::erase_if(shownLate_, [&](const Shown& shown) {
     const Player* owner = roster_.find(shown.owner);
     // An early end, or another start, has been told to everybody.
-    if (owner == nullptr || roster_.find(shown.newcomer) == nullptr) return true;
+    if (owner == nullptr || !roster_.isIn(shown.newcomer)) return true;
     if (owner->inventory.runsUntil(shown.item) != shown.until) return true;
     if (now < shown.until) return false;
     roster_.sendTo(shown.newcomer, wire::toClient<wire::msgPowerupOff>(owner->node, shown.item));

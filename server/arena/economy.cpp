@@ -1,15 +1,24 @@
 #include "server/arena/economy.h"
 
+#include <string>
 #include <utility>
 
 #include "protocol/frames.h"
 
 namespace kelvora::server {
 
+namespace {
+
+std::string fundsOf(const Player& player) {
+  return wire::toClient<wire::msgFunds>(player.node, player.inventory.funds());
+}
+
+}  // namespace
+
 void Economy::trade(Player& player, bool isSale, std::string_view fields, Millis now) {
   const auto request =
       isSale ? wire::fromClient<wire::msgSellRequest>(fields) : wire::fromClient<wire::msgBuyRequest>(fields);
-  if (!request || !roster_.allowsRequest(player, now)) return;
+  if (!request || !roster_.allowsRequest(player.session, now)) return;
   const PowerupSlot item{std::get<0>(*request)};
   Inventory& inventory = player.inventory;
   const Outcome outcome = isSale ? inventory.sell(item) : inventory.buy(item);
@@ -22,9 +31,7 @@ void Economy::trade(Player& player, bool isSale, std::string_view fields, Millis
   const std::int64_t funds = inventory.funds();
   roster_.sendTo(player.client, isSale ? wire::toClient<wire::msgSellAccepted>(item, stock, funds)
                                        : wire::toClient<wire::msgBuyAccepted>(item, stock, funds));
-  for (const auto& [client, other] : roster_.players()) {
-    if (client != player.client) sendFundsTo(client, player);
-  }
+  roster_.sendToOthers(player.client, fundsOf(player));
 }
 
 void Economy::payIncome(Player& player, Millis now) {
@@ -38,12 +45,8 @@ void Economy::credit(Player& player, Entry entry, std::int64_t amount) {
   sendFunds(player);
 }
 
-void Economy::sendFunds(const Player& player) const {
-  for (const auto& [client, other] : roster_.players()) sendFundsTo(client, player);
-}
+void Economy::sendFunds(const Player& player) const { roster_.sendToAll(fundsOf(player)); }
 
-void Economy::sendFundsTo(ClientId client, const Player& player) const {
-  roster_.sendTo(client, wire::toClient<wire::msgFunds>(player.node, player.inventory.funds()));
-}
+void Economy::sendFundsTo(ClientId client, const Player& player) const { roster_.sendTo(client, fundsOf(player)); }
 
 }  // namespace kelvora::server

@@ -43,7 +43,7 @@ void Lives::kill(Player& winner, Player& loser, const std::optional<Spot>& verte
 }
 
 void Lives::requestSpawn(Player& player, Millis now) {
-  if (!roster_.allowsRequest(player, now)) return;
+  if (!roster_.allowsRequest(player.session, now)) return;
   if (player.isAlive) return roster_.sendTo(player.client, wire::toClient<wire::msgSpawnDenied>());
   const Millis wait = respawnWait(player, now);
   if (wait == 0) return respawn(player);

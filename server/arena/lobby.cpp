@@ -18,12 +18,18 @@ constexpr const char* unreadable =
     "The login is not readable. Neither name nor password may contain a euro sign or a low quotation mark.";
 constexpr int startInset = 10'000;  // world units from every edge
 
+std::string joinedFrame(const Player& player) {
+  return wire::toClient<wire::msgPlayerJoined>(player.node, player.colour, player.name, wire::NumberText{player.spot.x},
+                                               wire::NumberText{player.spot.y}, player.isAlive, player.kills);
+}
+
 }  // namespace
 
-Lobby::Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& rounds, Combat& combat, std::string version,
-             std::string password, std::uint32_t seed)
+Lobby::Lobby(ArenaOutput& output, Roster& roster, const Gallery& gallery, Economy& economy, Rounds& rounds,
+             Combat& combat, std::string version, std::string password, std::uint32_t seed)
     : output_(output),
       roster_(roster),
+      gallery_(gallery),
       economy_(economy),
       rounds_(rounds),
       combat_(combat),
@@ -34,8 +40,9 @@ Lobby::Lobby(ArenaOutput& output, Roster& roster, Economy& economy, Rounds& roun
 void Lobby::login(ClientId client, std::string_view text, Millis now) {
   const auto visitor = visitors_.find(client);
   if (visitor == visitors_.end() || visitor->second.login) return;
+  const Role role = visitor->second.role;
   const auto request = read(text);
-  Outcome outcome = request ? check(client, *request) : Outcome::refused(unreadable);
+  Outcome outcome = request ? check(client, role, *request) : Outcome::refused(unreadable);
   NameVerdict verdict;
   if (!outcome.isRefused()) {
     verdict = roster_.nameVerdict(client, visibleName(request->name), namePassword(request->password).value_or(""));
@@ -47,11 +54,13 @@ void Lobby::login(ClientId client, std::string_view text, Millis now) {
     roster_.sendTo(client, wire::toClient<wire::msgLoginDenied>(outcome.reason()));
     output_.hangUp(client);
     visitors_.erase(visitor);
-  } else if (visitor->second.awaitsVerdict || mustWait(client, visitor->second, request->colour, now)) {
+  } else if (visitor->second.awaitsVerdict ||
+             (role == Role::player && mustWait(client, visitor->second, request->colour, now))) {
     visitor->second.login = text;
   } else {
     visitors_.erase(visitor);
-    admit(client, *request, std::move(verdict.claimed), now);
+    const auto enter = role == Role::spectator ? &Lobby::admitSpectator : &Lobby::admit;
+    (this->*enter)(client, *request, std::move(verdict.claimed), now);
   }
 }
 
@@ -62,11 +71,14 @@ std::optional<Lobby::Request> Lobby::read(std::string_view text) {
   return Request{name, password, colour, version};
 }
 
-Outcome Lobby::check(ClientId client, const Request& request) const {
+Outcome Lobby::check(ClientId client, Role role, const Request& request) const {
   if (Outcome outcome = roster_.mayEnter(client); outcome.isRefused()) return outcome;
   if (request.version != version_) return Outcome::refused("This server needs version " + version_ + " of the game.");
   if (!namePassword(request.password)) return Outcome::refused("Wrong password.");
   if (Outcome outcome = checkName(request.name); outcome.isRefused()) return outcome;
+  if (role == Role::spectator) {
+    return gallery_.isFull() ? Outcome::refused("There is no room for more spectators.") : Outcome::done();
+  }
   if (roster_.isFull() && (isBot(client) || !roster_.hasBots())) return Outcome::refused("The arena is full.");
   return Outcome::done();
 }
@@ -101,12 +113,12 @@ void Lobby::admit(ClientId client, const Request& request, std::vector<std::stri
   appendTakenNames(claimedNames);
   Player player{.client = client,
                 .node = roster_.nextNode(),
-                .colour = chooseColour(request.colour),
+                .colour = *chooseColour(request.colour),
                 .name = distinctName(name, claimedNames),
                 .spot = startSpot(),
                 .isAlive = rounds_.isRunning(),
                 .paidUntil = now,
-                .nextPing = now + firstPingDelay,
+                .session = {.nextPing = now + firstPingDelay},
                 .lastReport = now,
                 .joined = now};
   output_.log(printable(player.name) + " joined as " + rules::colourNames[static_cast<std::size_t>(player.colour)] +
@@ -114,27 +126,45 @@ void Lobby::admit(ClientId client, const Request& request, std::vector<std::stri
   roster_.sendTo(client,
                  wire::toClient<wire::msgLoginAccepted>(player.colour, player.node, wire::NumberText{player.spot.x},
                                                         wire::NumberText{player.spot.y}));
-  for (const Player& leaver : roster_.leavers()) sendJoined(client, leaver);
-  for (const auto& [other, opponent] : roster_.players()) {
-    sendJoined(client, opponent);
-    economy_.sendFundsTo(client, opponent);
-    sendJoined(other, player);
-  }
-  if (player.name != name) {
-    // A client shows its own player under the name that it has sent.
-    roster_.tell(client,
-                 "Your name is taken or looks like another player's. The others see you as " + player.name + ".");
-  }
+  showPlayers(client);
+  roster_.sendToAll(joinedFrame(player));
+  explainName(client, name, player.name);
   if (!player.isAlive) rounds_.explainIntermission(player);
   combat_.tellRunning(client, now);
   economy_.sendFunds(roster_.join(std::move(player)));
 }
 
-PlayerColour Lobby::chooseColour(std::string_view preferred) const {
+void Lobby::admitSpectator(ClientId client, const Request& request, std::vector<std::string> claimedNames, Millis now) {
+  const std::string typed = visibleName(request.name);
+  appendTakenNames(claimedNames);
+  for (const auto& [other, spectator] : roster_.spectators()) claimedNames.push_back(skeletonOf(spectator.name));
+  const std::string name = distinctName(typed, claimedNames);
+  output_.log(printable(name) + " watches");
+  const Spot spot = startSpot();
+  roster_.sendTo(client,
+                 wire::toClient<wire::msgLoginAccepted>(chooseColour(request.colour).value_or(redPlayer), spectatorNode,
+                                                        wire::NumberText{spot.x}, wire::NumberText{spot.y}));
+  roster_.sendTo(client, wire::toClient<wire::msgAliveState>(spectatorNode, false));
+  showPlayers(client);
+  combat_.tellRunning(client, now);
+  explainName(client, typed, name);
+  roster_.tell(client, "You are watching. Only the other spectators get your lines.");
+  roster_.spectators().insert(
+      {client, {.client = client, .name = name, .session = {.nextPing = now + firstPingDelay}}});
+}
+
+void Lobby::explainName(ClientId client, const std::string& typed, const std::string& name) const {
+  if (name == typed) return;
+  // A client shows its own player under the name that it has sent.
+  roster_.tell(client, "Your name is taken or looks like another player's. The others see you as " + name + ".");
+}
+
+std::optional<PlayerColour> Lobby::chooseColour(std::string_view preferred) const {
   const auto wanted = wholeNumber<std::int16_t>(preferred);
   if (wanted && *wanted >= 0 && *wanted < Roster::colourCount && roster_.isColourFree(PlayerColour{*wanted}))
     return PlayerColour{*wanted};
-  return *findIf(playerColours, [&](PlayerColour colour) { return roster_.isColourFree(colour); });
+  const auto free = findIf(playerColours, [&](PlayerColour colour) { return roster_.isColourFree(colour); });
+  return free ? std::optional(*free) : std::nullopt;
 }
 
 Spot Lobby::startSpot() {
@@ -149,10 +179,12 @@ void Lobby::appendTakenNames(std::vector<std::string>& skeletons) const {
   for (const Player& leaver : roster_.leavers()) skeletons.push_back(skeletonOf(leaver.name));
 }
 
-void Lobby::sendJoined(ClientId client, const Player& player) const {
-  roster_.sendTo(client, wire::toClient<wire::msgPlayerJoined>(
-                             player.node, player.colour, player.name, wire::NumberText{player.spot.x},
-                             wire::NumberText{player.spot.y}, player.isAlive, player.kills));
+void Lobby::showPlayers(ClientId newcomer) const {
+  for (const Player& leaver : roster_.leavers()) roster_.sendTo(newcomer, joinedFrame(leaver));
+  for (const auto& [client, player] : roster_.players()) {
+    roster_.sendTo(newcomer, joinedFrame(player));
+    economy_.sendFundsTo(newcomer, player);
+  }
 }
 
 void Lobby::tick(Millis now) {

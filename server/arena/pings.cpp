@@ -13,17 +13,17 @@ constexpr Millis pingInterval = 12'000;
 
 }  // namespace
 
-void pingIfDue(Roster& roster, Player& player, Millis now) {
-  if (now < player.nextPing) return;
-  player.nextPing = now + pingInterval;
-  player.pingSent = now;
-  roster.sendTo(player.client, wire::toClient<wire::msgPing>(now / 1000));
+void pingIfDue(const Roster& roster, ClientId client, Session& session, Millis now) {
+  if (now < session.nextPing) return;
+  session.nextPing = now + pingInterval;
+  session.pingSent = now;
+  roster.sendTo(client, wire::toClient<wire::msgPing>(now / 1000));
 }
 
-void reportLatency(Roster& roster, Player& player, Millis now) {
-  if (!player.pingSent) return;
-  const Millis latency = now - *std::exchange(player.pingSent, std::nullopt);
-  roster.sendTo(player.client, wire::toClient<wire::msgLatencyReport>(latency));
+void reportLatency(const Roster& roster, ClientId client, Session& session, Millis now) {
+  if (!session.pingSent) return;
+  const Millis latency = now - *std::exchange(session.pingSent, std::nullopt);
+  roster.sendTo(client, wire::toClient<wire::msgLatencyReport>(latency));
 }
 
 }  // namespace kelvora::server

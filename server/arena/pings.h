@@ -4,9 +4,9 @@
 
 namespace kelvora::server {
 
-/// Pings a player when due: soon after the login, then five times a minute.
-void pingIfDue(Roster& roster, Player& player, Millis now);
-/// Tells a player the round-trip time of the last ping.
-void reportLatency(Roster& roster, Player& player, Millis now);
+/// Pings a client when due: soon after the login, then five times a minute.
+void pingIfDue(const Roster& roster, ClientId client, Session& session, Millis now);
+/// Tells a client the round-trip time of the last ping.
+void reportLatency(const Roster& roster, ClientId client, Session& session, Millis now);
 
 }  // namespace kelvora::server

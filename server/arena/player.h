@@ -8,13 +8,13 @@
 #include "server/arena/inventory.h"
 #include "server/arena/lessons.h"
 #include "server/arena/playerView.h"
+#include "server/arena/session.h"
 #include "server/arena/speedLimit.h"
 #include "server/arena/tail.h"
 
 namespace kelvora::server {
 
 inline constexpr double positionsPerSecond = 100;  ///< of one player that are relayed; the others are dropped
-inline constexpr double requestsPerSecond = 10;    ///< of one player: chat, store, spawns and powerups combined
 
 /// A logged-in player.
 struct Player {
@@ -34,15 +34,12 @@ struct Player {
   std::int64_t lastCapture = 0;  ///< its number among all captures, to break ties
   Inventory inventory{};
   Millis paidUntil = 0;
-  Millis nextPing = 0;
-  std::optional<Millis> pingSent{};  ///< the unanswered ping
-  Millis lastReport = 0;             ///< when the last position was accepted
+  Session session{};
+  Millis lastReport = 0;  ///< when the last position was accepted
   SpeedLimit speed{};
   RateLimit positions{positionsPerSecond, 50};
-  RateLimit requests{requestsPerSecond, 20};
   Millis joined = 0;
-  Lessons lessons{};         ///< of the coach
-  bool knowsOfMute = false;  ///< has been told why nobody gets the player's lines
+  Lessons lessons{};  ///< of the coach
 };
 
 /// A snapshot of the player at `now`.

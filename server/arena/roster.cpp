@@ -23,6 +23,9 @@ Player& Roster::join(Player player) {
 }
 
 void Roster::leave(ClientId client, const PendingCaptures& pending) {
+  if (const auto spectator = spectators_.extract(client); !spectator.empty()) {
+    return log(printable(spectator.mapped().name) + " stops watching");
+  }
   auto entry = players_.extract(client);
   if (entry.empty()) return;
   Player& player = entry.mapped();
@@ -76,8 +79,11 @@ std::int16_t Roster::nextNode() {
   return lastNode_;
 }
 
-void Roster::sendToAll(const std::string& frame) const {
-  for (const auto& [client, player] : players_) output_.send(client, frame);
+void Roster::sendToOthers(ClientId exception, const std::string& frame) const {
+  for (const auto& [client, player] : players_) {
+    if (client != exception) output_.send(client, frame);
+  }
+  for (const auto& [client, spectator] : spectators_) output_.send(client, frame);
 }
 
 void Roster::reportScore(const Player& player) const {

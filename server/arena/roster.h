@@ -9,11 +9,12 @@
 #include "server/arena/arenaOutput.h"
 #include "server/arena/pendingCaptures.h"
 #include "server/arena/player.h"
+#include "server/arena/spectator.h"
 
 namespace kelvora::server {
 
-/// The logged-in players, and how to send them messages. A player who leaves while one of their captures is pending
-/// keeps colour and node until it has been carried out. Only then are the others told.
+/// The logged-in players, the spectators, and how to send them messages. A player who leaves while one of their
+/// captures is pending keeps colour and node until it has been carried out. Only then are the others told.
 class Roster {
  public:
   static constexpr int colourCount = rules::colourCount;
@@ -37,6 +38,11 @@ class Roster {
   /// Null if there is no such player.
   Player* find(ClientId client);
   Player* findNode(std::int16_t node);
+  /// Those who get everything that all players get. Nothing else counts them.
+  std::map<ClientId, Spectator>& spectators() { return spectators_; }
+  const std::map<ClientId, Spectator>& spectators() const { return spectators_; }
+  /// True for a player or spectator.
+  bool isIn(ClientId client) const { return players_.count(client) + spectators_.count(client) > 0; }
   bool hasPeople() const;
   bool hasBots() const;
   bool isFull() const { return players_.size() == colourCount; }
@@ -48,14 +54,17 @@ class Roster {
   std::int16_t nextNode();
 
   void sendTo(ClientId client, const std::string& frame) const { output_.send(client, frame); }
-  void sendToAll(const std::string& frame) const;
+  /// Sends to all players, then to all spectators.
+  void sendToAll(const std::string& frame) const { sendToOthers(0, frame); }
+  /// The same without one player.
+  void sendToOthers(ClientId exception, const std::string& frame) const;
   /// Sends a line of the server.
   void tell(ClientId client, const std::string& text) const;
   void tellAll(const std::string& text) const;
   /// Logs a line for the operator.
   void log(const std::string& line) const { output_.log(line); }
-  /// False if the player has made too many requests, such as chat lines and purchases.
-  bool allowsRequest(Player& player, Millis now) const { return allows(player.requests, Drop::request, now); }
+  /// False if the client has made too many requests, such as chat lines and purchases.
+  bool allowsRequest(Session& session, Millis now) const { return allows(session.requests, Drop::request, now); }
   /// False if the player has reported too many positions.
   bool allowsPosition(Player& player, Millis now) const { return allows(player.positions, Drop::position, now); }
   /// As in ArenaOutput. Bots may enter and are never muted.
@@ -74,6 +83,7 @@ class Roster {
 
   ArenaOutput& output_;
   std::map<ClientId, Player> players_;
+  std::map<ClientId, Spectator> spectators_;
   std::vector<Player> leavers_;
   std::int16_t lastNode_ = 0;
 };

@@ -15,6 +15,7 @@ constexpr int maxPort = 65'535;
 constexpr int maxTextLength = 255;    // bytes
 constexpr int maxSeconds = 86'400;    // seconds
 constexpr int maxPathLength = 4'096;  // bytes
+constexpr int maxSpectators = 64;     // of the connections, so that the others suffice for players
 
 using Text = Option::Text;
 using Letters = Option::Letters;
@@ -67,6 +68,10 @@ const std::array table = {
     Option{"coach", "on|off", "tell newcomers what to do (on)",
            Option::Word{[](Options& o, int index) { o.rules.coach = index == 0; }}},
     Option{"no-coach", "", "the same as --coach off", Switch([](Options& o) { o.rules.coach = false; })},
+    Option{"spectators", "COUNT", "maximum number of people who may watch (0)",
+           Whole([](Options& o, int value) { o.rules.spectators = value; }), 0, maxSpectators},
+    Option{"spectator-port", "PORT", "TCP port to watch on, 0 for any free one (the one after --port)",
+           Whole([](Options& o, int value) { o.spectatorPort = static_cast<std::uint16_t>(value); }), 0, maxPort},
 
     heading("Moderation:"),
     Option{"moderator", "HASH", "hash of the moderators' password, see --hash-password (none)",

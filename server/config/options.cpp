@@ -69,6 +69,12 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
       return Outcome::refused("each URL to publish to must begin with http:// or https://");
     }
   }
+  if (options.spectatorPort && options.rules.spectators == 0) {
+    return Outcome::refused("a port for spectators needs --spectators");
+  }
+  if (options.rules.spectators > 0 && options.port != 0 && options.portOfSpectators() == 0) {
+    return Outcome::refused("there is no port after the game's, so spectators need --spectator-port");
+  }
   if (!options.recordsFile.empty() && !Database::isSupported()) {
     return Outcome::refused("this system's server has no SQLite, so it can't keep records");
   }

@@ -22,15 +22,16 @@ struct Options {
   ArenaRules rules{.coach = true};
   BotSettings bots;
   ModerationSettings moderation;
-  int drainSeconds = 0;                  ///< for the round after SIGTERM; 0 to stop at once
-  std::string recordsFile;               ///< path in UTF-8; empty for no records
-  std::optional<std::uint16_t> webPort;  ///< the second port; nothing for none, 0 for any free one
-  std::string webAddress;                ///< empty for `address`
-  std::optional<std::string> site;       ///< folder of the page for browsers; empty for none, nothing for the usual one
-  std::string allowOrigin = "*";         ///< pages that may open a WebSocket, separated by commas
-  std::string trustedProxy;              ///< proxy whose header or line names its clients; empty for none
-  std::string metricsFor;                ///< addresses that may read /metrics as well, separated by commas
-  std::string publicAddress;             ///< empty for `address`
+  int drainSeconds = 0;                        ///< for the round after SIGTERM; 0 to stop at once
+  std::string recordsFile;                     ///< path in UTF-8; empty for no records
+  std::optional<std::uint16_t> webPort;        ///< the second port; nothing for none, 0 for any free one
+  std::optional<std::uint16_t> spectatorPort;  ///< nothing for the one after `port`, 0 for any free one
+  std::string webAddress;                      ///< empty for `address`
+  std::optional<std::string> site;  ///< folder of the page for browsers; empty for none, nothing for the usual one
+  std::string allowOrigin = "*";    ///< pages that may open a WebSocket, separated by commas
+  std::string trustedProxy;         ///< proxy whose header or line names its clients; empty for none
+  std::string metricsFor;           ///< addresses that may read /metrics as well, separated by commas
+  std::string publicAddress;        ///< empty for `address`
   std::string notes;
   std::string listKey;                                 ///< key that others must give to be listed here; empty for none
   std::size_t listSize = HostRegistry::usualMaxHosts;  ///< maximum number of servers in this server's list
@@ -42,6 +43,10 @@ struct Options {
   bool hashPassword = false;
   bool help = false;
   bool version = false;
+
+  std::uint16_t portOfSpectators() const {
+    return spectatorPort.value_or(port == 0 ? std::uint16_t{0} : static_cast<std::uint16_t>(port + 1));
+  }
 };
 
 /// Parses `arguments`, without the program's name, into new options. "--port 2010" and "--port=2010" are the same. If

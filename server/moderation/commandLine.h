@@ -1,11 +1,12 @@
 #pragma once
 
-#include <optional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "server/arena/playerView.h"
+#include "server/arena/spectator.h"
 
 namespace kelvora::server {
 
@@ -19,5 +20,8 @@ std::string_view takeWord(std::string_view& text);
 /// several names that fit, the longest counts, so names may contain blanks. The word for a player's colour does, too.
 /// Null, with the text unchanged, if nobody fits.
 const PlayerView* takePlayer(std::string_view& text, const std::vector<PlayerView>& players);
+
+/// The same for a spectator, who has no colour.
+const Spectator* takeSpectator(std::string_view& text, const std::map<ClientId, Spectator>& spectators);
 
 }  // namespace kelvora::server

@@ -84,6 +84,10 @@ Outcome Moderation::who(Call call) {
     }
     answer(call, line);
   }
+  if (!isModerator(call.caller.client)) return Outcome::done();
+  for (const auto& [client, spectator] : arena_.spectators()) {
+    answer(call, "Watching: " + spectator.name + ", " + host_.network(client));
+  }
   return Outcome::done();
 }
 

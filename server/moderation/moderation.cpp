@@ -49,10 +49,10 @@ void Moderation::run(ClientId client, std::string_view line, Millis now) {
 
 Outcome Moderation::runForModerators(const Command& command, Call call, std::string_view line) {
   if (!isModerator(call.caller.client)) return Outcome::refused("Only moderators may do that.");
-  if (command.hasTarget) call.target = takePlayer(call.rest, call.players);
-  host_.logAct("moderator " + describe(call.caller) + (call.target != nullptr ? " on " + describe(*call.target) : "") +
-               ": " + printable(line));
-  if (command.hasTarget && call.target == nullptr) return Outcome::refused(nobodyHasThatName);
+  if (command.hasTarget) call.target = takeTarget(call);
+  host_.logAct("moderator " + describe(call.caller.client, call.caller.name) +
+               (call.target ? " on " + describe(call.target->client, call.target->name) : "") + ": " + printable(line));
+  if (command.hasTarget && !call.target) return Outcome::refused(nobodyHasThatName);
   if (command.hasTarget && isBot(call.target->client)) {
     return Outcome::refused("That is a bot. !bots changes their number.");
   }
@@ -105,7 +105,9 @@ Outcome Moderation::login(Call call) {
   const auto isRight = std::make_shared<bool>(false);
   const bool isUnderWay = host_.runAside(
       [password = std::string(call.rest), hash = moderatorHash_, isRight] { *isRight = matches(password, hash); },
-      [this, client, who = describe(call.caller), isRight] { concludeLogin(client, who, *isRight); });
+      [this, client, who = describe(call.caller.client, call.caller.name), isRight] {
+        concludeLogin(client, who, *isRight);
+      });
   if (!isUnderWay) return Outcome::refused(serverIsBusy);
   loggingIn_.insert(client);
   return Outcome::done();
@@ -123,9 +125,20 @@ void Moderation::concludeLogin(ClientId client, const std::string& who, bool isR
   arena_.tell(client, "You are a moderator now. !help lists your commands.");
 }
 
+std::optional<Moderation::Target> Moderation::takeTarget(Call& call) const {
+  if (const PlayerView* player = takePlayer(call.rest, call.players))
+    return Target{player->client, player->name, false};
+  const Spectator* spectator = takeSpectator(call.rest, arena_.spectators());
+  return spectator ? std::optional(Target{spectator->client, spectator->name, true}) : std::nullopt;
+}
+
 Outcome Moderation::kick(Call call) {
   arena_.expel(call.target->client, withReason("You have been kicked", std::string(call.rest)));
-  arena_.tellAll("A moderator has kicked " + call.target->name + ".");
+  if (call.target->isSpectator) {
+    answer(call, "Kicked " + call.target->name + ", who was watching.");
+  } else {
+    arena_.tellAll("A moderator has kicked " + call.target->name + ".");
+  }
   return Outcome::done();
 }
 
@@ -145,7 +158,7 @@ Outcome Moderation::punish(PenaltyKind kind, Call call) {
   if (outcome.isRefused()) return Outcome::refused("Not done: " + outcome.reason() + ".");
   if (kind == PenaltyKind::ban) {
     expelBanned(call.now);
-    arena_.tellAll("A moderator has banned " + name + ".");
+    if (!call.target->isSpectator) arena_.tellAll("A moderator has banned " + name + ".");
   }
   answer(call, std::string(kind == PenaltyKind::ban ? "Banned " : "Muted ") + name + " (" + network + ") " +
                    untilText(end) + ".");
@@ -167,10 +180,14 @@ Outcome Moderation::unban(Call call) { return pardon(PenaltyKind::ban, call); }
 Outcome Moderation::unmute(Call call) { return pardon(PenaltyKind::mute, call); }
 
 void Moderation::expelBanned(Millis now) {
+  std::vector<ClientId> people;
   for (const PlayerView& player : arena_.players(now)) {
-    if (isBot(player.client)) continue;
-    const Outcome outcome = mayEnter(host_.network(player.client));
-    if (outcome.isRefused()) arena_.expel(player.client, outcome.reason());
+    if (!isBot(player.client)) people.push_back(player.client);
+  }
+  for (const auto& [client, spectator] : arena_.spectators()) people.push_back(client);
+  for (const ClientId client : people) {
+    const Outcome outcome = mayEnter(host_.network(client));
+    if (outcome.isRefused()) arena_.expel(client, outcome.reason());
   }
 }
 
@@ -197,10 +214,9 @@ void Moderation::carryOut(Millis now) {
   if (outcome.isRefused()) host_.log("no ban: " + outcome.reason());
 }
 
-std::string Moderation::describe(const PlayerView& player) const {
-  if (isBot(player.client)) return printable(player.name) + " (bot)";
-  return printable(player.name) + " (client " + std::to_string(player.client) + ", " + host_.network(player.client) +
-         ")";
+std::string Moderation::describe(ClientId client, const std::string& name) const {
+  if (isBot(client)) return printable(name) + " (bot)";
+  return printable(name) + " (client " + std::to_string(client) + ", " + host_.network(client) + ")";
 }
 
 }  // namespace kelvora::server

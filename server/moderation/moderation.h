@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
@@ -44,12 +45,17 @@ class Moderation {
   std::size_t count(PenaltyKind kind) const;
 
  private:
+  struct Target {
+    ClientId client;
+    std::string name;
+    bool isSpectator;
+  };
   struct Call {
     const PlayerView& caller;
     const std::vector<PlayerView>& players;
     std::string_view rest;  // of the line
     Millis now;
-    const PlayerView* target = nullptr;  // the person that the command is about
+    std::optional<Target> target{};  // the person that the command is about
   };
   struct Command {
     std::string_view name;
@@ -61,6 +67,8 @@ class Moderation {
   };
   static std::span<const Command> commands();
 
+  /// Cuts the name of a player or spectator off the call.
+  std::optional<Target> takeTarget(Call& call) const;
   Outcome runForModerators(const Command& command, Call call, std::string_view line);
   // Refusals are texts for the caller.
   Outcome help(Call call);
@@ -90,7 +98,7 @@ class Moderation {
   void answer(const Call& call, const std::string& text) const { arena_.tell(call.caller.client, text); }
   void concludeLogin(ClientId client, const std::string& who, bool isRight);
   /// For the log: name and network.
-  std::string describe(const PlayerView& player) const;
+  std::string describe(ClientId client, const std::string& name) const;
 
   Arena& arena_;
   BotKeeper& bots_;

@@ -36,14 +36,17 @@ void Connection::closeIfOverdue(Clock::time_point now) {
   close(overdue_);
 }
 
-void Connection::send(const std::string& frame) {
+void Connection::queue(const std::string& frame) {
   if (closed_ || hangingUp_) return;
   if (underWay_.size() + queued_.size() + frame.size() > maxQueue) {
     stream_.discardUnread();
     return close(stoppedReading);
   }
   queued_ += frame;
-  writeMore();
+}
+
+void Connection::flush() {
+  if (!hangingUp_ && !queued_.empty()) writeMore();
 }
 
 void Connection::hangUp() {

@@ -46,8 +46,14 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   Connection(Socket socket, ClientId client, Handlers handlers);
 
   void start() { readMore(); }
-  /// Queues a frame. Drops a client whose queue is full.
-  void send(const std::string& frame);
+  /// Sends a frame as soon as possible. Drops a client whose queue is full.
+  void send(const std::string& frame) {
+    queue(frame);
+    flush();
+  }
+  /// The same, but the frame waits for the next call of `send` or `flush`, so that many leave together.
+  void queue(const std::string& frame);
+  void flush();
   /// Stops sending once the queue is empty. The client then has `goodbyeTime` to close the connection.
   void hangUp();
   /// Closes the connection at once. `reason` goes to `onClosed`.

@@ -44,6 +44,7 @@ HttpAnswer metricsPage(const Figures& figures, const State& state) {
   text.addGauge("kelvora_uptime_seconds", "Time since the start.", std::chrono::duration<double>(state.uptime).count());
   text.addGauge("kelvora_players", "People in the arena.", state.players);
   text.addGauge("kelvora_bots", "Bots in the arena.", state.bots);
+  text.addGauge("kelvora_spectators", "People who watch.", state.spectators);
   text.addGauge("kelvora_bans", "Networks that are banned.", state.bans);
   text.addGauge("kelvora_mutes", "Networks whose lines reach nobody.", state.mutes);
   text.addGauge("kelvora_connections", "Open connections of all kinds.", state.connections);

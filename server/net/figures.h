@@ -54,6 +54,7 @@ struct State {
   std::chrono::nanoseconds uptime{};
   std::size_t players = 0;
   std::size_t bots = 0;
+  std::size_t spectators = 0;
   std::size_t bans = 0;
   std::size_t mutes = 0;
   std::size_t connections = 0;

@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <boost/asio/post.hpp>
 #include <random>
-#include <set>
 #include <stdexcept>
 #include <utility>
 
-#include "protocol/frames.h"
 #include "protocol/rules.h"
 #include "server/config/commaList.h"
 #include "server/moderation/network.h"
@@ -67,13 +65,16 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
     const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
     webListener_.emplace(context, address, *options.webPort, listenerHandlers());
   }
+  if (options.rules.spectators > 0) {
+    spectatorListener_.emplace(context, options.address, options.portOfSpectators(), listenerHandlers(Role::spectator));
+  }
   records_.open();
   publish();
   tickMore();
 }
 
-Listener::Handlers GameServer::listenerHandlers() {
-  return {.onConnection = [this](Socket socket) { welcome(std::move(socket)); },
+Listener::Handlers GameServer::listenerHandlers(Role role) {
+  return {.onConnection = [this, role](Socket socket) { welcome(std::move(socket), role); },
           .onFailure = [this](const std::string& reason) { log_("cannot accept connections: " + reason); },
           .onRecovery = [this] { log_("can accept connections again"); }};
 }
@@ -83,10 +84,10 @@ void GameServer::stop(std::function<void()> whenDone) {
   whenStopped_ = std::move(whenDone);
   listener_.close();
   if (webListener_) webListener_->close();
+  if (spectatorListener_) spectatorListener_->close();
   for (const auto& publisher : publishers_) publisher->signOff();
   if (sidecar_) sidecar_->finish();
-  const std::string goodbye = wire::toClient<wire::msgServerText>("The server is shutting down.");
-  for (const PlayerView& player : arena_.players(now())) send(player.client, goodbye);
+  arena_.tellAll("The server is shutting down.");
   for (const auto& [client, guest] : guests_) guest.connection->hangUp();
   timer_.expires_after(Connection::goodbyeTime);
   timer_.async_wait([this](error_code error) {
@@ -125,8 +126,11 @@ void GameServer::send(ClientId client, const std::string& frame) {
   if (isBot(client)) return bots_.hear(client, frame, now());
   const auto found = guests_.find(client);
   if (found == guests_.end()) return;
+  const Guest& guest = found->second;
   figures_.addSent(frame);
-  found->second.connection->send(frame);
+  // A spectator gets the frames of a tick together, so that players hardly wait for the sending.
+  if (guest.role == Role::spectator) return guest.connection->queue(frame);
+  guest.connection->send(frame);
 }
 
 void GameServer::hangUp(ClientId client) {
@@ -134,11 +138,11 @@ void GameServer::hangUp(ClientId client) {
   if (const auto found = guests_.find(client); found != guests_.end()) found->second.connection->hangUp();
 }
 
-void GameServer::welcome(Socket socket) {
+void GameServer::welcome(Socket socket, Role role) {
   error_code error;
   const auto peer = socket.remote_endpoint(error);
   if (error) return;  // already gone; leaving this scope closes the socket
-  Guest guest{.connection = nullptr, .address = unmapped(peer.address()), .network = {}};
+  Guest guest{.connection = nullptr, .address = unmapped(peer.address()), .network = {}, .role = role};
   guest.isForwarded = guest.address == trustedProxy_;
   guest.isDirect = !guest.isForwarded;
   if (!guest.isForwarded && !admit(guest, guest.address)) return;
@@ -188,7 +192,7 @@ void GameServer::beginGame(ClientId client) {
   if (guest.network.empty() && !admit(guest, guest.address)) return guest.connection->close("too many connections");
   guest.isPlaying = true;
   log_("client " + std::to_string(client) + " connected from " + guest.address.to_string());
-  arena_.connected(client, at(guest.connection->opened()));  // the time without a first byte counts
+  arena_.connected(client, at(guest.connection->opened()), guest.role);  // the time without a first byte counts
 }
 
 void GameServer::received(ClientId client, std::string_view text) {
@@ -196,7 +200,8 @@ void GameServer::received(ClientId client, std::string_view text) {
   const std::size_t id = figures_.addReceived(text);
   arena_.received(client, text, at(begin));
   for (const auto& [from, line] : std::exchange(commands_, {})) moderation_.run(from, line, at(begin));
-  if (id == wire::msgPositionReport) figures_.relays.add(Clock::now() - begin);
+  if (id == wire::msgPositionReport && guests_.at(client).role == Role::player)
+    figures_.relays.add(Clock::now() - begin);
 }
 
 NameVerdict GameServer::nameVerdict(ClientId client, const std::string& name, const std::string& password) {
@@ -241,13 +246,11 @@ bool GameServer::makeRoom() {
       static_cast<std::size_t>(std::ranges::count_if(guests_, isOpen)) < maxConnections) {
     return true;
   }
-  std::set<ClientId> players;
-  for (const PlayerView& player : arena_.players(now())) players.insert(player.client);
   auto leaver = std::ranges::find_if(
       guests_, [&](const auto& entry) { return isOpen(entry) && entry.second.connection->isHangingUp(); });
   if (leaver == guests_.end()) {
-    leaver = std::ranges::find_if(guests_,
-                                  [&](const auto& entry) { return isOpen(entry) && !players.contains(entry.first); });
+    leaver =
+        std::ranges::find_if(guests_, [&](const auto& entry) { return isOpen(entry) && !arena_.isIn(entry.first); });
   }
   if (leaver == guests_.end()) return false;
   leaver->second.connection->close("made room for a newcomer");
@@ -269,9 +272,11 @@ void GameServer::tickMore() {
     for (const auto& [client, guest] : guests_) {
       guest.connection->extendDeadline(stop);
       guest.connection->closeIfOverdue(time);
+      if (guest.role == Role::spectator) guest.connection->flush();
     }
     listener_.resume();
     if (webListener_) webListener_->resume();
+    if (spectatorListener_) spectatorListener_->resume();
     figures_.ticks.add(Clock::now() - time);
     tickMore();
   });

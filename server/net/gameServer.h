@@ -50,6 +50,8 @@ class GameServer : private ArenaOutput, private ModerationHost {
   std::string endpointText() const { return listener_.endpointText(); }
   /// The same for the second port; empty if there is none.
   std::string webEndpointText() const { return webListener_ ? webListener_->endpointText() : ""; }
+  /// The same for the spectators' port; empty if there is none.
+  std::string spectatorEndpointText() const { return spectatorListener_ ? spectatorListener_->endpointText() : ""; }
   std::uint16_t port() const { return listener_.port(); }
   /// Notifies the players, then closes everything once they have got the message or `Connection::goodbyeTime` has
   /// passed, so that the context runs out of work. Finally calls `whenDone`. A second call closes everything at once.
@@ -70,6 +72,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
     bool isForwarded = false;  ///< a proxy may name another client with each request
     bool isDirect = false;     ///< nobody is in between: no trusted proxy, and no page that opened a WebSocket
     bool isPlaying = false;    ///< speaks the game's protocol
+    Role role = Role::player;  ///< what it may log in for
   };
 
   void send(ClientId client, const std::string& frame) override;
@@ -86,8 +89,8 @@ class GameServer : private ArenaOutput, private ModerationHost {
   Seconds wallClock() const override { return std::time(nullptr); }
   bool runAside(std::function<void()> work, std::function<void()> finish) override;
 
-  Listener::Handlers listenerHandlers();
-  void welcome(Socket socket);
+  Listener::Handlers listenerHandlers(Role role = Role::player);
+  void welcome(Socket socket, Role role);
   /// Charges the connection to this address's limits alone. False if they are exceeded. A connection that isn't new
   /// costs its network nothing.
   bool admit(Guest& guest, const asio::ip::address& address, bool isNew = true);
@@ -127,6 +130,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   Site site_;
   Listener listener_;
   std::optional<Listener> webListener_;
+  std::optional<Listener> spectatorListener_;
   asio::io_context& context_;
   asio::steady_timer timer_;
   const Clock::time_point start_ = Clock::now();

@@ -13,6 +13,7 @@ namespace kelvora::server {
 namespace {
 
 constexpr std::string_view playPath = "/play";
+constexpr std::string_view watchPath = "/watch";  // the page as well, whose WebSocket then goes here
 constexpr std::string_view metricsPath = "/metrics";
 constexpr std::string_view healthPath = "/healthz";
 constexpr std::string_view arenaPath = "/arena";  // the small page, even if there is one to play in
@@ -35,7 +36,8 @@ HttpAnswer GameServer::countedAnswer(ClientId client, const HttpRequest& request
 }
 
 HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
-  const std::string_view path = request.path();
+  const bool watches = options_.rules.spectators > 0 && request.path() == watchPath;
+  const std::string_view path = watches ? (request.isUpgrade ? playPath : "/") : request.path();
   if (path == healthPath) return textAnswer(200, "ok\n");
   Guest& guest = guests_.at(client);
   if (guest.isForwarded) {
@@ -54,6 +56,7 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
     if (isOriginAllowed(request.origin, request.host, options_.allowOrigin)) {
       guest.isForwarded = false;  // from here on the client itself speaks
       guest.isDirect = false;
+      if (watches) guest.role = Role::spectator;
       return {.status = 101};
     }
     log_("refused " + guest.address.to_string() + ": a page of another origin");
@@ -68,7 +71,7 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   }
   if (request.method != "GET" && !request.isHead()) return methodNotAllowed("GET, HEAD", "Only GET is served here.\n");
   if (path == metricsPath) return metrics(guest, request);
-  if (auto file = site_.answer(request)) return *std::move(file);
+  if (auto file = site_.answer(request, path)) return *std::move(file);
   if (path == "/" || path == arenaPath) return homePage();
   return textAnswer(404, "This page does not exist.\n");
 }
@@ -80,6 +83,7 @@ HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) c
                                 .uptime = Clock::now() - start_,
                                 .players = people(),
                                 .bots = arena_.playerCount() - people(),
+                                .spectators = arena_.spectators().size(),
                                 .bans = moderation_.count(PenaltyKind::ban),
                                 .mutes = moderation_.count(PenaltyKind::mute),
                                 .connections = guests_.size()});
@@ -103,6 +107,7 @@ HttpAnswer GameServer::homePage() const {
                 .address = options_.publicAddress,
                 .port = port(),
                 .passwordRequired = !options_.password.empty(),
+                .spectatorPort = spectatorListener_ ? spectatorListener_->port() : std::uint16_t{0},
                 .players = {},
                 .bots = {},
                 .records = recordTables(),

@@ -45,6 +45,7 @@ HttpAnswer homePageAnswer(const HomePage& page) {
           " into its connect dialog.";
   if (page.passwordRequired) body += " You need a password.";
   body += "</p>\n";
+  if (page.spectatorPort != 0) body += "<p>To watch, do so with port " + std::to_string(page.spectatorPort) + ".</p>\n";
   for (const RecordTable& table : page.records) body += tableOf(table);
   body += "<p><a href=\"/games\">List of games</a></p>\n";
   body += htmlEnd;

@@ -123,8 +123,8 @@ std::optional<fs::path> Site::find(std::string_view path) const {
   return isInside && fs::is_regular_file(file, error) ? std::optional(file) : std::nullopt;
 }
 
-std::optional<HttpAnswer> Site::answer(const HttpRequest& request) const {
-  const auto file = find(request.path());
+std::optional<HttpAnswer> Site::answer(const HttpRequest& request, std::string_view path) const {
+  const auto file = find(path);
   if (!file) return std::nullopt;
   std::optional<Copy> copy;
   if (request.acceptsGzip) copy = openCopy(fs::path(*file) += ".gz");

@@ -15,9 +15,10 @@ class Site {
   /// Without a folder nothing is served. Throws std::runtime_error if the folder can't be read.
   explicit Site(std::filesystem::path folder = {});
 
-  /// The file at the request's path; "/" is `index.html`. Status 304 if the client's copy is current. Nothing if there
-  /// is no such file.
-  std::optional<HttpAnswer> answer(const HttpRequest& request) const;
+  /// The file at the path; "/" is `index.html`. Status 304 if the client's copy is current. Nothing if there is no such
+  /// file.
+  std::optional<HttpAnswer> answer(const HttpRequest& request, std::string_view path) const;
+  std::optional<HttpAnswer> answer(const HttpRequest& request) const { return answer(request, request.path()); }
 
  private:
   std::optional<std::filesystem::path> find(std::string_view path) const;

@@ -29,6 +29,7 @@ using server::SkillLevel;
 constexpr int roundsToPlay = isSlowBuild ? 10 : 100;
 constexpr Millis maxRoundTime = 180'000 + 12'000;
 constexpr ClientId botCount = 6;
+constexpr ClientId spectator = 7;
 constexpr std::int64_t startCredits = 10;
 constexpr std::int64_t captureCredits = 10;
 constexpr std::int64_t survivalCredits = 10;
@@ -44,7 +45,8 @@ struct Account {
 /// Six bots of all levels in an arena that takes them for people, so that its clock runs.
 class BotMatch : private server::ArenaOutput {
  public:
-  BotMatch(unsigned seed, bool records) : isRecording_(records), arena_(*this, KELVORA_VERSION, "", seed) {
+  BotMatch(unsigned seed, bool records)
+      : isRecording_(records), arena_(*this, KELVORA_VERSION, "", seed, {.spectators = 1}) {
     constexpr std::array levels = {SkillLevel::easy, SkillLevel::normal, SkillLevel::hard};
     for (ClientId client = 1; client <= botCount; ++client) {
       bots_.emplace_back("Bot" + std::to_string(client), levels[client % 3], seed * 10 + client);
@@ -55,6 +57,14 @@ class BotMatch : private server::ArenaOutput {
     }
   }
 
+  /// Somebody begins to watch.
+  void admitSpectator() {
+    arena_.connected(spectator, now_, server::Role::spectator);
+    arena_.received(spectator, textOf(wire::msgLogin, {"Spectator", "", "0", KELVORA_VERSION}), now_);
+  }
+  void play(Millis time) {
+    for (const Millis end = now_ + time; now_ < end;) step();
+  }
   /// Plays to the end of a round. False if it doesn't end in time.
   bool playRound() {
     const std::size_t before = results.size();
@@ -90,6 +100,7 @@ class BotMatch : private server::ArenaOutput {
 
   void send(ClientId client, const std::string& frame) override {
     if (isRecording_) recording.add(client, now_, frame);
+    if (client == spectator) return;
     const auto [id, fields] = messageOf(frame);
     // The nodes are 1 to 6 in the order of the logins, like the clients.
     if (client == 1 && id == wire::msgTailCapture) {
@@ -152,6 +163,17 @@ TEST(BotRounds, ClientsSeeThemAsTheServerDoes) {
     const ClientId client = 1 + seed % botCount;
     expectTrueReplay(match.recording, client, players, {.latencyFrames = static_cast<int>(seed)});
   }
+}
+
+TEST(BotRounds, ASpectatorWhoComesLateSeesThemAsTheServerDoes) {
+  BotMatch match(5, true);
+  match.play(20'000);
+  ASSERT_GT(match.captures, 0) << "the spectator must have missed something";
+  match.admitSpectator();
+  ASSERT_TRUE(match.playRound());
+  ASSERT_TRUE(match.playRound());
+  match.settle();
+  expectTrueReplay(match.recording, spectator, match.players(), {.latencyFrames = 5, .jitterFrames = 4});
 }
 
 }  // namespace

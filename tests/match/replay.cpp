@@ -113,6 +113,7 @@ class Spectator : public GameTest {
       if (message.id == wire::msgPlayerLeft) living_.erase(numberOf(message.fields[0]));
       if (message.id == wire::msgTailCapture) living_.erase(numberOf(message.fields[1]));
       if (message.id == wire::msgRoundOver) living_.clear();
+      if (message.id == wire::msgAliveState && message.fields[1] == "0") living_.erase(numberOf(message.fields[0]));
     }
   }
 

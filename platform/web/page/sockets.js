@@ -1,4 +1,5 @@
-// The program's sockets: each is a WebSocket to the host's /play. Its binary messages are a plain stream of bytes.
+// The program's sockets: each is a WebSocket to the host's /play, or to its /watch for a spectator. Its binary messages
+// are a plain stream of bytes.
 const sockets = new Map();
 const readLimit = 64 << 20;  // unread bytes; beyond it the connection fails
 const readAhead = 256 << 10;  // bytes of one event, so that the page stays responsive
@@ -8,9 +9,10 @@ function openSocket(id, host, port) {
   closeSocket(id);
   const scheme = location.protocol === 'https:' ? 'wss' : 'ws';
   const address = host.includes(':') && !host.startsWith('[') ? `[${host}]` : host;
+  const place = location.pathname.endsWith('/watch') ? '/watch' : '/play';
   let wire;
   try {
-    wire = new WebSocket(`${scheme}://${address}:${port}/play`);
+    wire = new WebSocket(`${scheme}://${address}:${port}${place}`);
   } catch {
     post('socketFailed', id);
     return;

@@ -72,9 +72,8 @@ class Server:
         self.port = free_port()
         self.process = subprocess.Popen([program, "--port", str(self.port), *options], stdin=subprocess.DEVNULL,
                                         stdout=subprocess.PIPE, stderr=self.log_file, text=True)
-        line = self.process.stdout.readline()
-        if not line.startswith("listening on "):
-            raise AssertionError(f"the server does not start: {line}{self.log()}")
+        if not any(line.startswith("listening on ") for line in self.process.stdout):
+            raise AssertionError(f"the server does not start: {self.log()}")
 
     def log(self):
         self.log_file.seek(0)

@@ -24,6 +24,8 @@ class ModerationTest : public ArenaTest {
   static constexpr ClientId dan = 4;
   static constexpr ClientId eve = 5;
 
+  explicit ModerationTest(const ArenaRules& rules = quietRules) : ArenaTest(rules) {}
+
   FakeHost host;
   BotKeeper bots{arena, {}, "", KELVORA_VERSION, 1};
   RecordBook records{host, ""};

@@ -52,6 +52,7 @@ class RunningServer {
   std::uint16_t port() const { return port_; }
   std::string endpointText() const { return endpointText_; }
   std::uint16_t webPort() const { return webPort_; }
+  std::uint16_t spectatorPort() const { return spectatorPort_; }
   std::vector<std::string> log() const {
     const std::lock_guard lock(mutex_);
     return lines_;
@@ -61,6 +62,7 @@ class RunningServer {
   static Options onAnyPort(Options options) {
     options.port = freeListedPort();
     if (options.webPort) options.webPort = 0;
+    if (options.rules.spectators > 0) options.spectatorPort = 0;
     return options;
   }
   static std::uint16_t portOf(const std::string& endpoint) {
@@ -75,6 +77,7 @@ class RunningServer {
   const std::uint16_t port_ = server_.port();
   const std::string endpointText_ = server_.endpointText();
   const std::uint16_t webPort_ = portOf(server_.webEndpointText());
+  const std::uint16_t spectatorPort_ = portOf(server_.spectatorEndpointText());
   std::thread thread_{[this] { context_.run(); }};
 };
 
