@@ -22,7 +22,7 @@ PAGE = b"GET / HTTP/1.1\r\nHost: h\r\n\r\n"
 DOWNLOAD = b"GET /large HTTP/1.1\r\nHost: h\r\n\r\n"
 
 
-def floods(version):
+def floods(protocol, version):
     """Pairs of a name and the crowds that flood: how many, what each sends first, and what it repeats."""
     frame = protocol.frame
     login = frame(protocol.LOGIN, "Flood", "", "0", version)
@@ -131,7 +131,7 @@ def main():
     with tempfile.TemporaryDirectory() as site:
         with open(os.path.join(site, "large"), "wb") as file:
             file.truncate(20 << 20)
-        for name, crowds in floods(version):
+        for name, crowds in floods(protocol, version):
             server = Server(chosen.program, "--site", site)
             players = [Player(server.port, number, version) for number in range(2)]
             play(players, 1)

@@ -15,6 +15,5 @@ changes=$(sed -n '/^## Unreleased$/,/^## [0-9]/p' CHANGELOG.md | grep -c '^- ') 
   fail "CHANGELOG.md lists no changes under Unreleased."
 
 sed -i "s/^project(kelvora VERSION $now /project(kelvora VERSION $version /" CMakeLists.txt
-sed -i "s|\(image: .*/kelvora-server\):$now\$|\1:$version|" packaging/kubernetes/fleet.yaml
 sed -i "s/^## Unreleased\$/## Unreleased\n\n## $version/" CHANGELOG.md
 say "Version $version has $changes changes. Next: ./check"
