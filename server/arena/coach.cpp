@@ -34,7 +34,7 @@ void Coach::tick(Millis now) {
   for (auto& [client, player] : roster_.players()) {
     Lessons& lessons = player.lessons;
     if (isBot(client) || now < lessons.nextAt) continue;
-    // Who knows how to capture needs no coach.
+    // People who know how to capture need no coach.
     const bool isExpert = player.lastCapture > 0 && !isGiven(lessons, Lesson::circle);
     if (isExpert) lessons.nextAt = std::numeric_limits<Millis>::max();
     if (isExpert || !rounds_.isRunning()) continue;

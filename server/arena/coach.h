@@ -33,7 +33,7 @@ class Coach {
   const ArenaRules rules_;
 };
 
-/// "right", "lower right", "down" and so on, as seen on the screen.
+/// "right", "lower right", "bottom" and so on, as seen on the screen.
 std::string directionOf(Point way);
 
 }  // namespace kelvora::server

@@ -4,7 +4,7 @@
 
 namespace kelvora::server {
 
-/// What a coach teaches, in no order.
+/// What a coach teaches.
 enum class Lesson { brakes, opponents, circle, capture, spawn, store };
 
 /// What a player has learned.

@@ -32,7 +32,7 @@ const std::array table = {
     heading("Connections:"),
     Option{"address", "ADDRESS", "address to listen on (127.0.0.1)",  //
            Text([](Options& o) -> std::string& { return o.address; }), 0, maxTextLength},
-    Option{"port", "PORT", "TCP port, 0 for any free one (2010)",  //
+    Option{"port", "PORT", "TCP port, up to 32766 for the game and lists, 0 for any free one (2010)",  //
            Whole([](Options& o, int value) { o.port = static_cast<std::uint16_t>(value); }), 0, maxPort},
     Option{"password", "PASSWORD", "password that players need (none)",
            Letters{[](Options& o) -> std::string& { return o.password; }, true}, 0, maxTextLength},

@@ -32,7 +32,7 @@ struct Option {
 
   std::string_view name;  ///< without dashes, as in the configuration file
   std::string_view valueName;
-  std::string_view help;  ///< including the default in brackets
+  std::string_view help;  ///< ends with the default in brackets if it takes a value
   std::variant<Switch, Text, Letters, Whole, Decimal, Word> target;
   int min = 0;
   int max = 0;

@@ -94,6 +94,21 @@ Outcome takeAgonesPort(const std::string& value, Options& options) {
   return Outcome::done();
 }
 
+namespace {
+
+/// The option's help, with the range of a number beside its default.
+std::string helpOf(const Option& option) {
+  std::string help(option.help);
+  if (!std::holds_alternative<Option::Whole>(option.target) &&
+      !std::holds_alternative<Option::Decimal>(option.target)) {
+    return help;
+  }
+  return help.substr(0, help.size() - 1) + "; " + std::to_string(option.min) + " to " + std::to_string(option.max) +
+         ")";
+}
+
+}  // namespace
+
 std::string helpText() {
   std::string text =
       "Usage: kelvora-server [options]\n"
@@ -107,7 +122,7 @@ std::string helpText() {
     }
     std::string left = "--" + std::string(option.name) + " " + std::string(option.valueName);
     left.resize(width, ' ');
-    text += "  " + left + "  " + std::string(option.help) + "\n";
+    text += "  " + left + "  " + helpOf(option) + "\n";
   }
   return text;
 }

@@ -14,10 +14,11 @@ std::string listTableRow(const HostEntry& host) {
   const bool isIpv6 = host.address.find(':') != std::string::npos;
   const std::string authority = (isIpv6 ? "[" + address + "]" : address) + ":" + port;
   const std::string link = host.address.empty() ? "/" : "http://" + authority + "/";
-  return "<tr><td>" + htmlText(host.notes) + (host.passwordRequired ? " (password)" : "") + "<td>" +
-         std::to_string(host.players) + " of " + std::to_string(host.maxPlayers) + "<td>" +
-         (address.empty() ? "this server" : address) + "<td>" + port + "<td><a href=\"" + link +
-         "\" aria-label=\"Play at " + (address.empty() ? "this server" : authority) + "\">Play</a></tr>\n";
+  const std::string notes = host.notes.empty() ? "(no description)" : htmlText(host.notes);
+  return "<tr><td>" + notes + (host.passwordRequired ? " (password)" : "") + "<td>" + std::to_string(host.players) +
+         " of " + std::to_string(host.maxPlayers) + "<td>" + (address.empty() ? "this server" : address) + "<td>" +
+         port + "<td><a href=\"" + link + "\" aria-label=\"Play at " + (address.empty() ? "this server" : authority) +
+         "\">Play</a></tr>\n";
 }
 
 std::string listTableEnd() {

@@ -68,6 +68,10 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
   if (options.rules.spectators > 0) {
     spectatorListener_.emplace(context, options.address, options.portOfSpectators(), listenerHandlers(Role::spectator));
   }
+  if (port() > maxListedPort) {
+    log_("port " + std::to_string(port()) + " is for browsers only: the game and lists accept ports up to " +
+         std::to_string(maxListedPort));
+  }
   records_.open();
   publish();
   tickMore();

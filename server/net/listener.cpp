@@ -4,7 +4,7 @@
 #include <boost/asio/ip/v6_only.hpp>
 #include <random>
 #include <sstream>
-#include <system_error>
+#include <stdexcept>
 #include <utility>
 
 #include "server/system/process.h"
@@ -16,6 +16,12 @@ namespace {
 /// True if the machine doesn't have the address, or lacks its whole family.
 bool isMissing(error_code error) {
   return error == asio::error::address_family_not_supported || error == boost::system::errc::address_not_available;
+}
+
+std::string reasonOf(error_code error) {
+  if (error == asio::error::host_not_found) return "there is no such host";
+  if (error == asio::error::host_not_found_try_again) return "the name server doesn't answer";
+  return error.message();
 }
 
 }  // namespace
@@ -33,7 +39,8 @@ Listener::Listener(asio::io_context& context, const std::string& address, std::u
   try {
     listenOn(addressesOf(context, address));
   } catch (const boost::system::system_error& error) {
-    throw std::system_error(error.code(), "cannot listen on " + address + ":" + std::to_string(port));
+    throw std::runtime_error("cannot listen on " + address + ":" + std::to_string(port) + ": " +
+                             reasonOf(error.code()));
   }
   resume();
 }

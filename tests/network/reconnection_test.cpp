@@ -89,7 +89,7 @@ TEST_F(Reconnection, KeepsTheCaptures) {
   EXPECT_EQ(modMain::world.explosionCount, 1);
 }
 
-TEST_F(Reconnection, KeepsTheKillsOnThePanel) {
+TEST_F(Reconnection, Q309KeepsTheKillsOnThePanel) {
   serverSends(wire::msgTailCapture, {"7", "8", "1", "1"});
   modMain::world.opponents[0].setKills(5);
   netMan::disconnectFromServer();

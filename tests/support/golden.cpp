@@ -101,7 +101,7 @@ std::string compareWithGolden(const std::string& name, const Picture& actual, co
     int count = 0;
     const Picture differing = difference(actual, *expected, count);
     files += leave("difference", differing);
-    fault = std::to_string(count) + " pixels differ";
+    fault = count == 1 ? "1 pixel differs" : std::to_string(count) + " pixels differ";
   } else {
     fault = "it is " + sizeText(actual) + " pixels and not " + sizeText(*expected);
   }
@@ -113,7 +113,9 @@ void expectGolden(const std::string& name, const Picture& actual) {
   const bool renew = update != nullptr && std::string_view(update) == "1";
   const std::string fault =
       compareWithGolden(name, actual, {KELVORA_SOURCE_DIR "/tests/golden", KELVORA_GOLDEN_LEFT}, renew);
-  EXPECT_EQ(fault, "") << "golden picture " << name << ": " << fault;
+  if (fault.empty()) return;
+  ADD_FAILURE() << "golden picture " << name << ": " << fault
+                << "\nLook at them. To accept the new picture, run the test again with KELVORA_UPDATE_GOLDEN=1.";
 }
 
 void expectGolden(const std::string& name, const Surface& surface, const Part& part) {

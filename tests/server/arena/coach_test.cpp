@@ -34,14 +34,14 @@ const std::string brakesLine =
 const std::string circleLine =
     "Fly a circle around Bob (Yellow) and cross your own tail. That captures everybody inside.";
 
-TEST_F(CoachTest, WhoDoesntMoveLearnsOfTheBrakesOnce) {
+TEST_F(CoachTest, PeopleWhoDontMoveLearnOfTheBrakesOnce) {
   login(ann, "Ann");
   EXPECT_EQ(wait(ann, 3'960), Lines{});
   EXPECT_EQ(wait(ann, 40), Lines{brakesLine});
   EXPECT_EQ(wait(ann, 60'000), Lines{});
 }
 
-TEST_F(CoachTest, WhoMovesNeedsNoBrakes) {
+TEST_F(CoachTest, PeopleWhoMoveNeedNoBrakes) {
   login(ann, "Ann");
   report(ann, 50'000, 50'000);
   report(ann, 50'100, 50'000);
@@ -90,7 +90,7 @@ TEST_F(CoachTest, TheFirstCaptureIsPraised) {
   EXPECT_EQ(wait(bob, 40), Lines{});
 }
 
-TEST_F(CoachTest, WhoCapturesAtOnceHearsNothing) {
+TEST_F(CoachTest, PeopleWhoCaptureAtOnceHearNothing) {
   login(bob, "Bob", "1");
   login(ann, "Ann", "0");
   capture(ann, bob);

@@ -166,6 +166,18 @@ TEST(ServerOptions, TheHelpNamesEachOption) {
   }
 }
 
+TEST(ServerOptions, TheHelpHasTheRangesOfNumbers) {
+  const std::string help = helpText();
+  EXPECT_NE(help.find(" length of a round (180; 1 to 86400)\n"), help.npos) << help;
+  EXPECT_NE(help.find("number of bots while people play (0; 0 to 5)\n"), help.npos);
+  EXPECT_NE(help.find("0 for no limit (3; 0 to 1000)\n"), help.npos);
+  EXPECT_NE(help.find("second port with the same services (none; 0 to 65535)\n"), help.npos);
+  for (const Option& option : optionTable()) {
+    if (option.valueName.empty()) continue;
+    EXPECT_TRUE(option.help.ends_with(')')) << option.name << " lacks its default";
+  }
+}
+
 TEST(ServerOptions, HelpFitsATerminalOf120Columns) {
   std::istringstream lines(helpText());
   for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 120U) << line;

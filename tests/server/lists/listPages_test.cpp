@@ -140,7 +140,7 @@ TEST_F(ListPagesTest, AServerWithoutAnAddressIsPlayedWhereThePageIs) {
   const auto ask = [&](const std::string& target) {
     return text(wildcard.answer({.method = "GET", .target = target}, {.address = "198.51.100.1", .network = "n"}, 0));
   };
-  EXPECT_EQ(rows(ask("/games")), std::vector<std::string>{"|0 of 6|this server|2010|/"});
+  EXPECT_EQ(rows(ask("/games")), std::vector<std::string>{"(no description)|0 of 6|this server|2010|/"});
   EXPECT_EQ(ask("/games/kelvora/gethosts.php?version=" KELVORA_VERSION), "[0.0.0.0|2010|0||0|6]-END-\n");
 }
 

@@ -5,11 +5,15 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <optional>
+#include <random>
+#include <stdexcept>
 #include <string>
-#include <system_error>
+#include <utility>
 #include <vector>
 
 #include "server/lists/hostList.h"
+#include "server/net/gameServer.h"
 #include "tests/server/net/tcpClient.h"
 
 namespace kelvora::server {
@@ -18,6 +22,8 @@ namespace {
 std::vector<asio::ip::address> addressesOf(asio::io_context&, const std::string& name) {
   const auto missing = asio::ip::make_address("192.0.2.1");  // reserved for examples
   if (name == "missing") return {missing, missing};
+  if (name == "nowhere") throw boost::system::system_error(asio::error::host_not_found);
+  if (name == "silence") throw boost::system::system_error(asio::error::host_not_found_try_again);
   const auto first = asio::ip::make_address("127.0.0.1");
   return {missing, first, asio::ip::make_address("127.0.0.2"), first};
 }
@@ -67,8 +73,20 @@ TEST_F(ListenerOnAName, AtLeastOneAddressIsNeeded) {
   try {
     const Listener other(context, "missing", 2010, {}, addressesOf);
     FAIL() << "it listens on " << other.endpointText();
-  } catch (const std::system_error& error) {
+  } catch (const std::runtime_error& error) {
     EXPECT_TRUE(std::string(error.what()).starts_with("cannot listen on missing:2010: ")) << error.what();
+  }
+}
+
+TEST_F(ListenerOnAName, ANameWithoutAnAddressIsAnError) {
+  for (const auto& [name, reason] :
+       {std::pair{"nowhere", "there is no such host"}, std::pair{"silence", "the name server doesn't answer"}}) {
+    try {
+      const Listener other(context, name, 2010, {}, addressesOf);
+      FAIL() << "it listens on " << other.endpointText();
+    } catch (const std::runtime_error& error) {
+      EXPECT_EQ(error.what(), std::string("cannot listen on ") + name + ":2010: " + reason);
+    }
   }
 }
 
@@ -78,7 +96,34 @@ TEST_F(ListenerOnAName, AFreePortIsOneThatClientsAccept) {
 }
 
 TEST_F(ListenerOnAName, APortInUseIsAnError) {
-  EXPECT_THROW(Listener(context, "several", port, {}, addressesOf), std::system_error);
+  EXPECT_THROW(Listener(context, "several", port, {}, addressesOf), std::runtime_error);
+}
+
+/// What a server on this port logs at its start. Nothing if the port is in use.
+std::optional<std::vector<std::string>> linesAtTheStart(std::uint16_t port) {
+  asio::io_context context;
+  std::vector<std::string> lines;
+  Options options;
+  options.port = port;
+  try {
+    const GameServer server(context, options, [&](const std::string& line) { lines.push_back(line); });
+  } catch (const std::runtime_error&) {
+    return std::nullopt;
+  }
+  return lines;
+}
+
+TEST(ServerPort, ThatTheGameRefusesIsLogged) {
+  std::mt19937 random(std::random_device{}());
+  std::optional<std::vector<std::string>> lines;
+  std::uint16_t port = 0;
+  for (int tries = 0; !lines && tries < 100; ++tries) {
+    port = static_cast<std::uint16_t>(40'000 + random() % 20'000);
+    lines = linesAtTheStart(port);
+  }
+  EXPECT_EQ(lines, std::vector<std::string>{"port " + std::to_string(port) +
+                                            " is for browsers only: the game and lists accept ports up to 32766"});
+  EXPECT_EQ(linesAtTheStart(0), std::vector<std::string>{});
 }
 
 }  // namespace
