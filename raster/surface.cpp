@@ -58,8 +58,14 @@ struct Rectangle {
 void fillWide(Pixel*, std::ptrdiff_t, Pixel) {}
 #endif
 
+#if defined(__wasm_simd128__)
+constexpr bool isMemsetFast = false;  // the browser's stores words
+#else
+constexpr bool isMemsetFast = true;
+#endif
+
 void fillLong(Pixel* target, std::ptrdiff_t count, Pixel pixel) {
-  if (pixel == 0) {
+  if (isMemsetFast && pixel == 0) {
     std::memset(target, 0, static_cast<std::size_t>(count) * sizeof(Pixel));  // black, the usual case
   } else if (hasWideRegisters) {
     fillWide(target, count, pixel);

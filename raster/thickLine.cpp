@@ -18,13 +18,17 @@
 namespace kelvora {
 namespace {
 
-// Rows of an arc or edge computed at a time. One block is nearly always enough, so the branch is predictable.
-constexpr int arcBlock = 32;
-constexpr int edgeBlock = 32;
+// Rows of an arc or edge computed at a time. One block is nearly always enough, so the branch is predictable. A
+// browser's narrow registers take too long for a block of 32.
+#if defined(__wasm_simd128__)
+constexpr int blockRows = 8;
+#else
+constexpr int blockRows = 32;
+#endif
 
 // The pen's disc, row by row from its top: how far the row extends to the right of the pen's pixel. To the left it
 // extends as far plus e. A disc of width w has w rows, followed by zeros up to a whole block.
-using Disc = std::array<std::int8_t, maxPenWidth + arcBlock>;
+using Disc = std::array<std::int8_t, maxPenWidth + blockRows>;
 
 constexpr std::array<Disc, maxPenWidth + 1> makeDiscs() {
   std::array<Disc, maxPenWidth + 1> discs{};
@@ -44,7 +48,7 @@ constexpr std::array<Disc, maxPenWidth + 1> discs = makeDiscs();
 
 // Rows of a thick line computed before they are filled, with room after them for the rest of a block.
 constexpr int bandRows = 128;
-using BandSide = std::array<int, bandRows + std::max(arcBlock, edgeBlock)>;
+using BandSide = std::array<int, bandRows + blockRows>;
 
 // A straight edge. In row r it is at (start + (r - firstRow) step) / divisor, rounded down. It is tracked with 32
 // fractional bits, whose error stays below 129 units in a band of rows. Adding 256 units ensures that no whole number
@@ -67,8 +71,8 @@ class Edge {
     constexpr std::int64_t lift = 256;
     auto value = static_cast<std::uint64_t>(places(start_ + (row - firstRow_) * step_) + lift);
     const auto step = static_cast<std::uint64_t>(placesPerRow_);
-    for (; row < endRow; row += edgeBlock, column += edgeBlock) {
-      for (int i = 0; i < edgeBlock; ++i) {
+    for (; row < endRow; row += blockRows, column += blockRows) {
+      for (int i = 0; i < blockRows; ++i) {
         column[i] = static_cast<int>(static_cast<std::uint32_t>(value >> 32));
         value += step;
       }
@@ -115,10 +119,10 @@ struct Side {
   // The columns where the rows end. Whatever a block writes beyond its end is overwritten later.
   void trace(const Disc& disc, int firstRow, int endRow, BandSide& columns) const {
     const auto arc = [&](int first, int end, int top, int middle) {
-      for (int row = first; row < end; row += arcBlock) {
+      for (int row = first; row < end; row += blockRows) {
         const std::int8_t* const reach = disc.data() + (row - top);
         int* const column = columns.data() + (row - firstRow);
-        for (int i = 0; i < arcBlock; ++i) column[i] = middle + sign * reach[i];
+        for (int i = 0; i < blockRows; ++i) column[i] = middle + sign * reach[i];
       }
     };
     arc(firstRow, std::min({straight, lower, endRow}), upperTop, upperMiddle);
