@@ -11,7 +11,7 @@ linux_check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-
 
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
 server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev libsqlite3-dev"
-web_packages="cmake ninja-build emscripten libstb-dev fonts-comic-neue fonts-liberation"
+web_packages="cmake ninja-build emscripten libstb-dev flac fonts-comic-neue fonts-liberation"
 web_check_packages="$web_packages $play_packages ccache googletest chromium chromium-driver firefox-esr
   python3-websockets openssl nginx libnginx-mod-stream xvfb xdotool openbox x11-utils imagemagick"
 

@@ -10,10 +10,15 @@ namespace {
 /// The file's address beside the page.
 std::string addressOf(const std::string& file) { return file.substr(std::string(programFolder).size() + 1); }
 
+/// The site has effects as FLAC files, which browsers decode into the same samples.
+std::string packedAddressOf(const std::string& waveFile) {
+  return addressOf(waveFile.substr(0, waveFile.rfind('.'))) + ".flac";
+}
+
 }  // namespace
 
 bool WebSound::open(const std::string& file) {
-  page_openSound(id(), addressOf(file).c_str());
+  page_openSound(id(), packedAddressOf(file).c_str());
   return true;
 }
 

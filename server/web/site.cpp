@@ -32,7 +32,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 16> types{{
     {".woff2", "font/woff2"},
     {".ttf", "font/ttf"},
     {".otf", "font/otf"},
-    {".wav", "audio/wav"},
+    {".flac", "audio/flac"},
     {".mp3", "audio/mpeg"},
     {".txt", "text/plain; charset=utf-8"},
 }};

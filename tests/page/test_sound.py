@@ -1,5 +1,9 @@
 """Sound in the browser: nothing before the first click, then effects, and music that is fetched when it is wanted."""
 
+import array
+import wave
+
+from harness import PROJECT
 from pageTest import KIND, PageTest, unittest
 
 # Notes the lengths of the effects that are started.
@@ -51,6 +55,18 @@ class Sound(PageTest):
         page.press("Enter")
         line.ask()
         self.assertEqual(page.see("started"), [])
+
+    def test_effects_have_the_samples_of_the_programs_files(self):
+        page = self.open_watched("")
+        for file in sorted((PROJECT / "sounds").glob("*.wav")):
+            with wave.open(str(file)) as sound:
+                samples = array.array("h", sound.readframes(sound.getnframes()))
+            decoded = page.evaluate(f"""fetch('sounds/{file.stem}.flac').then((answer) => answer.arrayBuffer())
+              .then((bytes) => new OfflineAudioContext(1, 1, {sound.getframerate()}).decodeAudioData(bytes))
+              .then((buffer) => [...buffer.getChannelData(0)].map((sample) => Math.round(sample * 32768)))""")
+            self.assertEqual(len(decoded), len(samples), file.name)
+            # Chromium's numbers for positive samples are a little larger.
+            self.assertLessEqual(max(abs(a - b) for a, b in zip(decoded, samples)), 1, file.name)
 
     def test_music_is_fetched_once_it_may_sound(self):
         page = self.open_watched("")
