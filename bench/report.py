@@ -3,9 +3,9 @@
 
     bench/report.py build/release [--only frame_bench]
 
-Runs the benchmarks one after another, which takes about ten minutes, and marks the figures that miss their goals. Use a
-release build with KELVORA_BENCH on a machine that is otherwise idle. --only measures the commands that contain the word
-and leaves the other rows alone.
+Runs the benchmarks one after another, which takes about 25 minutes, and marks the figures that miss their goals. Use a
+release build with KELVORA_BENCH, and beside it the browser build with kelvora_page_frames, on a machine that is
+otherwise idle. --only measures the commands that contain the word and leaves the other rows alone.
 """
 
 import argparse
@@ -120,6 +120,16 @@ FIGURES = {
         ("report to the other player", (AT_MOST, 40), "ms", r"^From a report .*, alone: ([\d.]+) ms"),
         ("the same beside 1000 idle connections", (AT_MOST, 40), "ms",
          r"^From a report .* idle connections: ([\d.]+) ms")],
+    "page.py": [
+        ("in Chromium, a light frame: by the native one", (AT_MOST, 3), "", r"^light frame: .* ratio ([\d.]+)"),
+        ("a heavy frame: the same", (AT_MOST, 2.5), "", r"^heavy frame: .* ratio ([\d.]+)"),
+        ("from the link to the connect dialog", (AT_MOST, 1500), "ms", r"^from the link to the dialog: (\d+) ms"),
+        ("fetched until then", None, "MB", r"^fetched until the dialog: ([\d.]+) MB"),
+        ("fetched before the first login, music aside", (AT_MOST, 1.5), "MB",
+         r"^fetched before the first login: ([\d.]+) MB"),
+        ("passes a second in a game of six", (AT_LEAST, 100), "", r"^passes a second: (\d+)"),
+        ("memory above an empty tab, in ten minutes of play", (AT_MOST, 120), "MB",
+         r"^memory above an empty tab: (-?\d+) MB at most")],
 }
 
 
