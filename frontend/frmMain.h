@@ -49,8 +49,8 @@ class FrmMain : public Form {
                    {11760, 4320, 1395, 375},
                    "0",
                    {.fore = green, .transparent = true, .alignment = Alignment::Centre, .font = headingFont}};
-  PictureBox btnShop{this, {11700, 4800, 1620, 765}};
-  PictureBox btnSpawn{this, {11700, 5760, 1620, 765}};
+  PictureBox btnShop{this, {11700, 4800, 1620, 765}, {.name = "Store"}};
+  PictureBox btnSpawn{this, {11700, 5760, 1620, 765}, {.name = "Spawn"}};
   Label Label3{this,
                {11520, 6600, 1875, 1815},
                "-- Radar --",

@@ -5,7 +5,7 @@
 namespace kelvora {
 
 PictureBox::PictureBox(Control* container, Place place, Design design)
-    : Control(container, place), MousePointer(*this, PropertyId::MousePointer, 0) {
+    : Control(container, place), name(design.name), MousePointer(*this, PropertyId::MousePointer, 0) {
   BackColor = design.back;
   Font = design.font;
   FontSize = design.font.size;

@@ -12,9 +12,12 @@ class PictureBox : public Control, public Surface {
   struct Design {
     Colour back = RGB(0, 0, 0);
     FontSpec font = {};
+    const char* name = "";  ///< for screen readers
   };
   PictureBox(Control* container, Place place, Design design);
   PictureBox(Control* container, Place place) : PictureBox(container, place, Design{}) {}
+
+  const char* const name;
 
   Property<int> MousePointer;  ///< 0 the system's arrow, 99 invisible
 

@@ -21,6 +21,7 @@ class PictureBoxWidget : public ControlWidget {
  public:
   PictureBoxWidget(PictureBox& box, QWidget* parent) : ControlWidget(box, parent), box_(box) {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(QString::fromLatin1(box.name));
     setAttribute(Qt::WA_InputMethodEnabled);
     // Clicking a picture without key handlers leaves the focus alone. For others, mousePressEvent takes it.
     setFocusPolicy(box.TabIndex >= 0 ? Qt::TabFocus : Qt::NoFocus);

@@ -1,6 +1,8 @@
 #include <memory>
+#include <string>
 
 #include "platform/pictureBox.h"
+#include "platform/web/page.h"
 #include "platform/web/webPeer.h"
 #include "platform/web/webPixels.h"
 #include "raster/twips.h"
@@ -11,16 +13,30 @@ namespace {
 
 bool (*touchHandler)(float x, float y) = nullptr;
 
+/// A picture box's background in front of it. The page shows the whole picture as large as fits into the box.
+class FrontPicture : public PageObject {
+ public:
+  FrontPicture(const Picture& picture, int box) {
+    page_create(id(), box, "Image");
+    const PixelArea whole{0, 0, picture.width, picture.height};
+    WebPixels().show(id(), picture.pixels, picture.width, picture.height, {&whole, 1});
+  }
+  ~FrontPicture() override { page_remove(id()); }
+  void take(const PageEvent&) override {}
+};
+
 class PictureBoxPeer : public WebPeer {
  public:
   PictureBoxPeer(PictureBox& box, int parent) : WebPeer(box, parent, "PictureBox"), box_(box) {
-    if (box.KeyDown || box.KeyPress) set("TabIndex", 0);
+    if (isView()) set("View", 1);
+    if (*box.name != '\0') set("Name", std::string(box.name));
     show(PropertyId::MousePointer);
     box_.fitImage();
     present();
   }
 
   void present() override {
+    if (isView() && box_.background() != front_) showFront();
     pixels_.show(id(), box_.pixels(), box_.pixelWidth(), box_.pixelHeight(), box_.takeChanges());
   }
 
@@ -48,7 +64,20 @@ class PictureBoxPeer : public WebPeer {
   }
 
  private:
+  bool isView() const { return box_.KeyDown || box_.KeyPress; }
+
+  // The game's start picture has one size, and pages have any.
+  void showFront() {
+    front_ = box_.background();
+    frontPicture_.reset();
+    if (front_) frontPicture_ = std::make_unique<FrontPicture>(*front_, id());
+    set("FrontWidth", front_ ? front_->width : 0);
+    set("FrontHeight", front_ ? front_->height : 0);
+  }
+
   PictureBox& box_;
+  PicturePointer front_;
+  std::unique_ptr<FrontPicture> frontPicture_;
   WebPixels pixels_;
   bool isTouchHandled_ = false;
 };

@@ -37,6 +37,40 @@ class Screens(PageTest):
                 self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
                 page.keep(name)
 
+    def test_the_start_picture_fits_any_page(self):
+        _, page = self.begin()
+        page.press_button("Cancel", "dialog('Connect')")
+        page.wait_for("!dialog('Connect')")
+        for name, size in (("wide", (1920, 1080)), ("portrait", (390, 780)), ("landscape", (780, 360))):
+            with self.subTest(name):
+                page.resize(*size)
+                page.wait_for(f"innerWidth === {size[0]} && innerHeight === {size[1]}")
+                # As large as the view on one axis, centred on both.
+                rectangle = "((one) => { const r = one.getBoundingClientRect(); return [r.left, r.top, r.right, r.bottom]; })"
+                margins = "((p, v) => [p[0] - v[0], p[1] - v[1], v[2] - p[2], v[3] - p[3]])" \
+                          f"({rectangle}(document.querySelector('.front canvas')), {rectangle}(canvas()))"
+                fits = f"((m) => Math.abs(m[0] - m[2]) <= 2 && Math.abs(m[1] - m[3]) <= 2 && Math.abs(Math.min(...m)) <= 2)({margins})"
+                page.wait_for(fits, "the picture in the middle of the view")
+                page.keep("start-" + name)
+                page.click_on("document.querySelector('.main .label')")
+                page.wait_for("dialog('Connect')")
+                page.press_button("Cancel", "dialog('Connect')")
+                page.wait_for("!dialog('Connect')")
+        page.click_on("document.querySelector('.main .label')")
+        self.log_in(page)
+        page.wait_for("!document.querySelector('.front canvas')", "the game without the picture")
+        page.choose("File", "Disconnect")
+        page.wait_for(fits, "the picture again")
+
+    def test_screen_readers_and_keys_know_the_pictures_that_are_buttons(self):
+        _, page = self.begin()
+        buttons = "all('.main canvas[role=button]')"
+        self.assertEqual(page.see(f"{buttons}.map((one) => one.getAttribute('aria-label'))"), ["Store", "Spawn"])
+        self.log_in(page)
+        page.evaluate("document.querySelector('[aria-label=Store]').focus()")
+        page.press("Enter")
+        page.wait_for("all('.form h2').some((title) => words(title) === 'Powerups')", "the store")
+
     def test_a_click_hits_the_same_place_in_a_small_page(self):
         _, page = self.begin()
         page.resize(450, 700)

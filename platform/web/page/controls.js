@@ -70,7 +70,9 @@ const makers = {
   Grid: (control) => makeGrid(control),
   PictureBox: (control) => {
     control.face = document.createElement('canvas');
-    control.element.append(control.face);
+    control.client = document.createElement('div');
+    control.client.className = 'front';
+    control.element.append(control.face, control.client);
     control.face.addEventListener('contextmenu', (event) => event.preventDefault());
     listenToKeys(control);
   },
@@ -107,7 +109,23 @@ const ownProperties = {
     Value: (control, value) => { control.element.value = value; },
   },
   CheckBox: {Value: (control, value) => { control.box.checked = value !== 0; }},
-  PictureBox: {MousePointer: (control, value) => { control.face.style.cursor = value === 99 ? 'none' : ''; }},
+  PictureBox: {
+    Width: (control, value) => { commonProperties.Width(control, control.width = value); fitFront(control); },
+    Height: (control, value) => { commonProperties.Height(control, control.height = value); fitFront(control); },
+    MousePointer: (control, value) => { control.face.style.cursor = value === 99 ? 'none' : ''; },
+    // Only pictures that are buttons have names. Keys press them as they press a real one.
+    Name: (control, value) => {
+      control.face.setAttribute('role', 'button');
+      control.face.setAttribute('aria-label', value);
+      control.face.tabIndex = 0;
+      control.face.addEventListener('keydown', (event) => {
+        if (event.key === 'Enter' || event.key === ' ') for (const kind of ['mouseDown', 'mouseUp']) post(kind, control.id, [1, 0, 0, 0, 1]);
+      });
+    },
+    View: (control) => { control.isView = true; control.face.tabIndex = 0; },
+    FrontWidth: (control, value) => { control.frontWidth = value; fitFront(control); },
+    FrontHeight: (control, value) => { control.frontHeight = value; fitFront(control); },
+  },
   Shape: {
     BorderColor: (control, value) => { control.element.style.borderColor = colourText(value); },
     BorderStyle: (control, value) => { control.element.style.borderStyle = value === 3 ? 'dotted' : 'solid'; },
@@ -141,6 +159,17 @@ function tightenLine(element) {
   const excess = element.scrollWidth - element.clientWidth;
   const isLine = element.classList.contains('line') && element.clientWidth > 0;
   if (isLine && excess > 0 && excess < 20) element.style.letterSpacing = -(excess + 1) / element.textContent.length + 'px';
+}
+
+// Scales what is in front of a picture box until its picture fits, and centres it. The box's own picture is hidden then.
+function fitFront({element, client, width, height, frontWidth, frontHeight}) {
+  element.classList.toggle('fitted', Boolean(frontWidth && frontHeight));
+  if (!frontWidth || !frontHeight) return client.removeAttribute('style');
+  const scale = Math.min(width / frontWidth, height / frontHeight);
+  const left = (width - frontWidth * scale) / 2;
+  const top = (height - frontHeight * scale) / 2;
+  Object.assign(client.style, {width: frontWidth + 'px', height: frontHeight + 'px',
+    transform: `translate(${left}px, ${top}px) scale(${scale})`});
 }
 
 function focusControl(id) {

@@ -15,18 +15,17 @@ function mouseNumbers(element, event, button) {
 function listenToMouse(control) {
   const {id, kind} = control;
   const element = kind === 'PictureBox' ? control.face : control.element;
-  const takesKeys = () => kind === 'PictureBox' && element.tabIndex >= 0;
   const tell = (what, event, button) => post(what, id, mouseNumbers(element, event, button));
   element.addEventListener('pointerdown', (event) => {
     event.stopPropagation();
     raiseWindow(windowOf(control));
     if (kind === 'PictureBox' || kind === 'Label') {
       element.setPointerCapture(event.pointerId);
-      if (takesKeys()) element.focus({preventScroll: true});
+      if (control.isView) element.focus({preventScroll: true});
       event.preventDefault();
     }
     if (event.pointerType === 'touch') showTouchButtons(control);
-    if (event.pointerType === 'touch' && takesKeys()) return fingerDown(control, event);
+    if (event.pointerType === 'touch' && control.isView) return fingerDown(control, event);
     tell('mouseDown', event, buttonBits[event.button] || 0);
   });
   element.addEventListener('pointermove', (event) => {

@@ -26,7 +26,7 @@ function toggleBrakes(control) {
 // The first touch shows the button, which people with a mouse don't need.
 function showTouchButtons(control) {
   if (document.getElementById('brakes') || !mainWindow || windowOf(control) !== mainWindow) return;
-  const view = [...controls.values()].find((one) => one.kind === 'PictureBox' && one.face.tabIndex >= 0);
+  const view = [...controls.values()].find((one) => one.isView);
   const button = document.createElement('button');
   button.id = 'brakes';
   button.type = 'button';
