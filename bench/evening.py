@@ -154,13 +154,12 @@ def moderate(evening, moderators):
     def work():
         rest()
         for moderator in moderators:
-            # A network may start one vote a minute.
             if moderator.is_in and not moderator.leaves and time.monotonic() > due[moderator]:
                 break
         else:
             return time.sleep(0.02)
-        due[moderator] = time.monotonic() + 65
         fault = scene(moderator)
+        due[moderator] = time.monotonic() + 61  # a network may start one vote a minute
         for guest in guests:
             if not guest.is_gone:
                 guest.quit()
