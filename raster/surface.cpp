@@ -132,6 +132,7 @@ void Surface::resize(int width, int height) {
   touched_.assign(words, 0);
   taken_.assign(words, ~std::uint64_t{0});
   smallDiscs_.clear();
+  showsBackground_ = false;
   if (background_) touchAll();
   Cls();
 }
@@ -140,7 +141,19 @@ void Surface::setBackground(PicturePointer picture) {
   background_ = std::move(picture);
   smallDiscs_.clear();
   touchAll();
+  showsBackground_ = background_ && background_->width == width_ && background_->height == height_;
+  if (showsBackground_) {
+    const std::size_t size = pixels_.all().size();
+    pixels_ = {};  // frees the old image
+    pixels_ = PixelStore(size);
+    std::fill(touched_.begin(), touched_.end(), 0);
+  }
   Cls();
+}
+
+void Surface::copyBackground() {
+  showsBackground_ = false;
+  std::copy(background_->pixels.begin(), background_->pixels.end(), pixels_.data());
 }
 
 void Surface::mark(std::vector<std::uint64_t>& tiles, int left, int top, int right, int bottom) const {

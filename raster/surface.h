@@ -48,7 +48,9 @@ class Surface {
   void resize(int width, int height);
   int pixelWidth() const { return width_; }
   int pixelHeight() const { return height_; }
-  std::span<const Pixel> pixels() const { return pixels_.all(); }
+  std::span<const Pixel> pixels() const {
+    return showsBackground_ ? std::span<const Pixel>(background_->pixels) : pixels_.all();
+  }
 
   /// The areas that may have changed since the previous call; the whole image at first. They are disjoint, and ordered
   /// by rows of equal height, then from left to right. Valid until the next call.
@@ -99,7 +101,11 @@ class Surface {
     int y;
   };
   /// Marks the pixels from (left, top) to (right, bottom) as about to be drawn on. Clips them to the image.
-  void touch(int left, int top, int right, int bottom) { mark(touched_, left, top, right, bottom); }
+  void touch(int left, int top, int right, int bottom) {
+    if (showsBackground_) copyBackground();
+    mark(touched_, left, top, right, bottom);
+  }
+  void copyBackground();
   void mark(std::vector<std::uint64_t>& tiles, int left, int top, int right, int bottom) const;
   /// Marks all pixels, for a clear that also changes untouched ones.
   void touchAll();
@@ -130,6 +136,9 @@ class Surface {
   };
   std::vector<SmallDisc> smallDiscs_;
   PicturePointer background_;
+  /// A background of the image's size stands for the image until something is drawn on it, so that a title picture
+  /// takes its memory once.
+  bool showsBackground_ = false;
 };
 
 }  // namespace kelvora

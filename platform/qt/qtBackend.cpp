@@ -1,5 +1,7 @@
 #include "platform/desktop/runDesktop.h"
 
+#include <malloc.h>
+
 #include <QApplication>
 #include <clocale>
 #include <optional>
@@ -26,10 +28,18 @@ std::string joinedArguments(int argc, char** argv) {
   return toBytes(line);
 }
 
+/// Large blocks, which are pictures, come from the system and go back to it. Otherwise the C library keeps the memory
+/// of the first one freed for later ones, and clears it by hand.
+void giveLargeBlocksBack() {
+  constexpr int largeBlock = 256 * 1024;
+  mallopt(M_MMAP_THRESHOLD, largeBlock);
+}
+
 }  // namespace
 
 int runDesktop(int argc, char** argv, void (*game)()) {
   if (handleInfoOptions(argc, argv)) return 0;
+  giveLargeBlocksBack();
   const std::string commandLine = joinedArguments(argc, argv);
   chooseWindowSystem();
   std::optional<ScreenSearch> search(std::in_place);

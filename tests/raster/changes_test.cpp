@@ -122,7 +122,16 @@ TEST(Changes, KeepACopyEqualToTheImage) {
         surface.BackColor = colour();
         break;
       case 7:
-        surface.setBackground(draw(0, 1) == 0 ? nullptr : plainPicture(draw(1, 300), draw(1, 100), 0x445566));
+        switch (draw(0, 2)) {
+          case 0:
+            surface.setBackground(nullptr);
+            break;
+          case 1:
+            surface.setBackground(plainPicture(width, height, 0x112233));
+            break;
+          default:
+            surface.setBackground(plainPicture(draw(1, 300), draw(1, 100), 0x445566));
+        }
         break;
       default:
         surface.resize(draw(1, 1200), draw(1, 90));

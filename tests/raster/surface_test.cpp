@@ -75,6 +75,33 @@ TEST(Cls, ClipsABackgroundThatIsTooLarge) {
   EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{1, 2}));
 }
 
+TEST(Background, OfTheImagesSizeTakesItsMemoryOnceUntilItIsDrawnOn) {
+  Surface surface;
+  surface.resize(2, 2);
+  const auto background = std::make_shared<const Picture>(Picture{2, 2, {1, 2, 3, 4}});
+  surface.setBackground(background);
+  EXPECT_EQ(surface.pixels().data(), background->pixels.data());
+  surface.ForeColor = RGB(0, 0, 9);
+  surface.Line(15, 15, 15, 15);
+  EXPECT_NE(surface.pixels().data(), background->pixels.data());
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{1, 2, 3, 9}));
+  EXPECT_EQ(background->pixels, (std::vector<Pixel>{1, 2, 3, 4}));
+  surface.Cls();
+  EXPECT_EQ(pixelsOf(surface), background->pixels);
+}
+
+TEST(Background, OfAnotherSizeIsCopied) {
+  Surface surface;
+  surface.resize(2, 2);
+  surface.setBackground(std::make_shared<const Picture>(Picture{2, 2, {1, 2, 3, 4}}));
+  surface.resize(3, 1);
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{1, 2, 0}));
+  surface.setBackground(std::make_shared<const Picture>(Picture{3, 2, {1, 2, 3, 4, 5, 6}}));
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{1, 2, 3}));
+  surface.setBackground(std::make_shared<const Picture>(Picture{4, 1, {1, 2, 3, 4}}));
+  EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{1, 2, 3}));
+}
+
 TEST(Cls, UsesNoBackgroundAfterItsRemoval) {
   Surface surface;
   surface.resize(1, 1);
