@@ -44,7 +44,7 @@ TEST_F(GoldenCompare, UpdatedPictureIsTheSameByteForByte) {
 TEST_F(GoldenCompare, SmallestDifferenceIsFoundAndThreePicturesAreWritten) {
   compare(true);
   picture.pixels[1] = 0xFF0081;
-  EXPECT_EQ(compare().substr(0, 15), "1 pixels differ");
+  EXPECT_EQ(compare().substr(0, 15), "1 pixel differs");
   EXPECT_EQ(loadPictureFile((folders.left / "spot-actual.png").string())->pixels[1], 0xFF0081U);
   EXPECT_EQ(loadPictureFile((folders.left / "spot-expected.png").string())->pixels[1], 0xFF0080U);
   EXPECT_EQ(loadPictureFile((folders.left / "spot-difference.png").string())->pixels,
