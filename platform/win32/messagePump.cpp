@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/win32/eventQueue.h"
 #include "platform/win32/win32.h"
 
 namespace kelvora {
@@ -29,7 +30,7 @@ void CALLBACK giveTurn(HWND, UINT, UINT_PTR, DWORD) {
 void CALLBACK pump(LPVOID) {
   for (;;) {
     MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+    while (!isInputQueued() && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
       TranslateMessage(&message);
       DispatchMessageW(&message);
     }
@@ -55,11 +56,13 @@ void* networkSignal() {
 
 void waitForMessages(int milliseconds) {
   // A loop of the system is taking the messages. It returns here with the next turn.
-  if (systemLoops > 0) return;
+  if (isInSystemLoop()) return;
   const HANDLE event = networkSignal();
   const DWORD patience = milliseconds < 0 ? INFINITE : static_cast<DWORD>(milliseconds);
   MsgWaitForMultipleObjectsEx(1, &event, patience, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
 }
+
+bool isInSystemLoop() { return systemLoops > 0; }
 
 void systemLoopBegins() {
   if (systemLoops++ == 0) turnTimer = SetTimer(nullptr, 0, turnLength, giveTurn);

@@ -2,8 +2,9 @@
 
 namespace kelvora {
 
-/// Dispatches the window messages that are pending. Menus and the dragging of windows run the system's loops
-/// inside a dispatch. They run on a fiber, so that this returns meanwhile, and the game goes on.
+/// Dispatches pending window messages until one of them queues input: the game may move the focus before the next key.
+/// Menus and the dragging of windows run the system's loops inside a dispatch. They run on a fiber, so that this
+/// returns meanwhile, and the game goes on.
 void pumpMessages();
 
 /// Sleeps until a window message, a network event or the end of this time (ms; -1 for none).
@@ -12,6 +13,8 @@ void waitForMessages(int milliseconds);
 /// Called for messages that begin and end a loop of the system.
 void systemLoopBegins();
 void systemLoopEnds();
+/// True while a loop of the system runs. Each call of pumpMessages() then lasts some milliseconds.
+bool isInSystemLoop();
 
 /// The event that sockets signal. A `void*` is the system's handle.
 void* networkSignal();

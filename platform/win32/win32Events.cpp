@@ -14,13 +14,14 @@
 namespace kelvora {
 
 void Win32Backend::servePending() {
-  const Clock::time_point end = Clock::now() + std::chrono::milliseconds(maxServiceTime);
   pumpMessages();
+  const Clock::time_point end = Clock::now() + std::chrono::milliseconds(maxServiceTime);
   bool isMore = true;
   while (isMore && Clock::now() < end) {
     isMore = serveInput();
     isMore = serveSockets() || isMore;
     serveTimers(tickCount());
+    if (isMore && !isInSystemLoop()) pumpMessages();
   }
   // Events that are left must not wait for the next message.
   if (isMore) SetEvent(networkSignal());

@@ -4,7 +4,6 @@ keys and locks. Letters outside the game's code page are dropped."""
 import unittest
 
 import harness
-import wine
 from desktopTest import DesktopTest
 from harness import Line, wait_for
 from protocol import ACTIVATE_REQUEST, BUY_ACCEPTED, CHAT, LOGIN, LOGIN_DENIED, PLAYER_JOINED, POSITION_REPORT, frame
@@ -157,8 +156,6 @@ class Chat(Keyboard):
         self.layout("de")
         self.assertEqual(self.chat_typed(keys), (CHAT, [b"-1", b"^z@"]))
 
-    # On Windows, keys that are typed within a frame all go to the control that had the focus at the first one.
-    @unittest.skipIf(wine.is_for_windows(harness.CLIENT), "Windows doesn't move the focus between two keys")
     def test_quick_typing_reaches_the_chat_line(self):
         # The first letter moves the focus to the chat line, where Enter sends it, however soon it follows.
         self.assertEqual(self.chat_typed(lambda: self.display.xdotool("key", "--delay", "0", Q, W, "Return", E)),

@@ -148,6 +148,15 @@ class Session(DesktopTest):
         self.display.xdotool("key", "Return")
         self.assertEqual(line.recv_frame(), (CHAT, [b"-1", b"hello there"]))
 
+    def test_the_game_runs_on_while_a_menu_is_open(self):
+        client, line = self.log_in()
+        client.choose(20)
+        for _ in range(3):
+            line.wait_for_paint()
+        # The menu is still there.
+        client.display.xdotool("key", "Up", "Return")
+        self.assertEqual(client.process.wait(harness.PATIENCE), 0)
+
     def test_closing_the_window_ends_the_process_at_once_and_sends_nothing(self):
         client, line = self.log_in()
         client.window.activate()
