@@ -96,6 +96,12 @@ LRESULT FormPeer::handle(UINT message, WPARAM first, LPARAM second) {
     case WM_EXITSIZEMOVE:
       systemLoopEnds();
       return 0;
+    case WM_GETMINMAXINFO: {
+      // By default, a window hardly exceeds the screen, so its frame takes room from the game in full screen.
+      constexpr LONG unlimited = 32767;
+      reinterpret_cast<MINMAXINFO*>(second)->ptMaxTrackSize = {unlimited, unlimited};
+      return 0;
+    }
     case WM_DPICHANGED: {
       constexpr double dotsToTheInch = 96;
       const RECT& place = *reinterpret_cast<const RECT*>(second);

@@ -99,21 +99,23 @@ void realizeMenu(Form& form, FormPeer& peer) {
 void paintMenuBar(const FormPeer& form) {
   const HWND window = form.window();
   const HMENU menu = GetMenu(window);
-  MENUBARINFO bar{};
-  bar.cbSize = sizeof bar;
-  if (menu == nullptr || GetMenuBarInfo(window, OBJID_MENU, 0, &bar) == 0) return;
-  MENUBARINFO last = bar;
-  if (GetMenuBarInfo(window, OBJID_MENU, GetMenuItemCount(menu), &last) == 0) return;
+  RECT last{};
+  if (menu == nullptr || GetMenuItemRect(window, menu, static_cast<UINT>(GetMenuItemCount(menu) - 1), &last) == 0)
+    return;
   RECT outer{};
   GetWindowRect(window, &outer);
-  RECT rest{last.rcBar.right, bar.rcBar.top, bar.rcBar.right, bar.rcBar.bottom};
-  RECT below{bar.rcBar.left, bar.rcBar.bottom, bar.rcBar.right, bar.rcBar.bottom + 1};
+  RECT client{};
+  GetClientRect(window, &client);
+  POINT corner{};
+  ClientToScreen(window, &corner);
+  OffsetRect(&client, corner.x - outer.left, corner.y - outer.top);
+  const LONG top = client.top - GetSystemMetricsForDpi(SM_CYMENU, GetDpiForWindow(window));
+  const RECT parts[] = {{client.left, top, client.right, top + 1},
+                        {last.right - outer.left, top, client.right, client.top},
+                        {client.left, client.top - 1, client.right, client.top}};
   const HDC dc = GetWindowDC(window);
   SetDCBrushColor(dc, toColorRef(groundOf(form)));
-  for (RECT* part : {&rest, &below}) {
-    OffsetRect(part, -outer.left, -outer.top);
-    FillRect(dc, part, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
-  }
+  for (const RECT& part : parts) FillRect(dc, &part, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
   ReleaseDC(window, dc);
 }
 
