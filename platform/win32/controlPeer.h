@@ -41,6 +41,8 @@ class ControlPeer : public Peer, public InputTarget {
   virtual void follow() {}
   /// The area it may draw on.
   virtual Box reach(const Box& place) const { return place; }
+  /// True if it paints every pixel of its place, and nothing outside.
+  virtual bool isOpaque() const { return false; }
   virtual bool takesMouse() const { return true; }
   virtual bool takesMovesOutside() const { return true; }
   /// True if a press gives it the keyboard.

@@ -21,41 +21,67 @@ void FormPeer::presentNow(const Box& box) const {
 void FormPeer::paintWindow() {
   PAINTSTRUCT paint{};
   const HDC screen = BeginPaint(window_, &paint);
-  RECT client{};
-  GetClientRect(window_, &client);
-  if (buffer_ == nullptr || bufferSize_.cx != client.right || bufferSize_.cy != client.bottom) {
-    if (buffer_ != nullptr) DeleteObject(buffer_);
-    bufferSize_ = {client.right, client.bottom};
-    buffer_ = CreateCompatibleBitmap(screen, std::max(bufferSize_.cx, 1L), std::max(bufferSize_.cy, 1L));
-    paint.rcPaint = client;
-  }
   const RECT& part = paint.rcPaint;
-  const HDC dc = CreateCompatibleDC(screen);
-  const HGDIOBJ before = SelectObject(dc, buffer_);
-  IntersectClipRect(dc, part.left, part.top, part.right, part.bottom);
-  SetDCBrushColor(dc, toColorRef(looks_.ground));
-  FillRect(dc, &part, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
-  paintControls(Painter(dc, scale_), form_);
-  constexpr DWORD copy = 0x00CC0020;
-  BitBlt(screen, part.left, part.top, part.right - part.left, part.bottom - part.top, dc, part.left, part.top, copy);
-  SelectObject(dc, before);
-  DeleteDC(dc);
+  if (ControlPeer* picture = pictureAt(part)) {
+    picture->paint(Painter(screen, scale_), picture->box());
+  } else if (IsRectEmpty(&part) == 0) {
+    paintBuffered(screen, part);
+  }
   EndPaint(window_, &paint);
 }
 
-void FormPeer::paintControls(const Painter& painter, const Control& container) const {
+/// Strip by strip in memory, so that nothing flickers where controls lie on top of each other. A buffer for the whole
+/// window would be as large as the game's picture.
+void FormPeer::paintBuffered(HDC screen, const RECT& part) const {
+  constexpr LONG stripHeight = 64;
+  const LONG width = part.right - part.left;
+  const HDC dc = CreateCompatibleDC(screen);
+  const HBITMAP buffer = CreateCompatibleBitmap(screen, width, stripHeight);
+  const HGDIOBJ before = SelectObject(dc, buffer);
+  for (LONG top = part.top; top < part.bottom; top += stripHeight) {
+    const RECT strip{part.left, top, part.right, std::min(top + stripHeight, part.bottom)};
+    SetViewportOrgEx(dc, -strip.left, -strip.top, nullptr);
+    SetDCBrushColor(dc, toColorRef(looks_.ground));
+    FillRect(dc, &strip, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+    paintControls(Painter(dc, scale_), form_, strip);
+    constexpr DWORD copy = 0x00CC0020;
+    BitBlt(screen, strip.left, strip.top, width, strip.bottom - strip.top, dc, strip.left, strip.top, copy);
+  }
+  SelectObject(dc, before);
+  DeleteObject(buffer);
+  DeleteDC(dc);
+}
+
+ControlPeer* FormPeer::pictureAt(const RECT& part) const {
+  const auto& children = form_.children();
+  for (auto child = children.rbegin(); child != children.rend(); ++child) {
+    ControlPeer* peer = peerOf(**child);
+    if (peer == nullptr || !(*child)->Visible) continue;
+    const RECT reach = deviceRect(peer->reach(peer->box()), scale_);
+    RECT common{};
+    if (IntersectRect(&common, &reach, &part) == 0) continue;
+    const auto& above = (*child)->children();
+    const bool isAlone =
+        std::none_of(above.begin(), above.end(), [](const Control* one) { return one->Visible.get(); });
+    return EqualRect(&common, &part) != 0 && peer->isOpaque() && isAlone ? peer : nullptr;
+  }
+  return nullptr;
+}
+
+void FormPeer::paintControls(const Painter& painter, const Control& container, const RECT& part) const {
   const HDC dc = painter.dc();
   for (const Control* child : container.children()) {
     ControlPeer* peer = peerOf(*child);
     if (peer == nullptr || !child->Visible) continue;
     const Box place = peer->box();
     const RECT reach = deviceRect(peer->reach(place), scale_);
+    RECT common{};
+    if (IntersectRect(&common, &reach, &part) == 0) continue;
     const int saved = SaveDC(dc);
-    if (IntersectClipRect(dc, reach.left, reach.top, reach.right, reach.bottom) != NULLREGION) {
-      peer->paint(painter, place);
-      paintControls(painter, *child);
-      peer->paintOver(painter, place);
-    }
+    IntersectClipRect(dc, common.left, common.top, common.right, common.bottom);
+    peer->paint(painter, place);
+    paintControls(painter, *child, common);
+    peer->paintOver(painter, place);
     RestoreDC(dc, saved);
   }
 }

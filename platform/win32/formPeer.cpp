@@ -75,7 +75,6 @@ FormPeer::~FormPeer() {
   if (mainForm == this) mainForm = nullptr;
   SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
   DestroyWindow(window_);
-  if (buffer_ != nullptr) DeleteObject(buffer_);
 }
 
 int FormPeer::clientWidth() const { return toPixels(form_.Width - Form::frameWidth); }

@@ -51,7 +51,11 @@ class FormPeer : public Peer, public InputTarget {
   bool hidePointer() const;
 
   void paintWindow();
-  void paintControls(const Painter& painter, const Control& container) const;
+  void paintBuffered(HDC screen, const RECT& part) const;
+  /// The topmost control in this part of the window, if it is a picture that fills the part. Otherwise null.
+  ControlPeer* pictureAt(const RECT& part) const;
+  /// Paints what lies in this part of the window, in device pixels.
+  void paintControls(const Painter& painter, const Control& container, const RECT& part) const;
   /// The topmost visible control at a point in the game's pixels, or null.
   ControlPeer* at(const Control& container, int x, int y) const;
   std::vector<ControlPeer*> tabOrder() const;
@@ -71,8 +75,6 @@ class FormPeer : public Peer, public InputTarget {
   HWND window_ = nullptr;
   std::unique_ptr<ToolTip> toolTip_;
   double scale_ = 1;
-  HBITMAP buffer_ = nullptr;  ///< what the window shows, to paint without flicker
-  SIZE bufferSize_{};
   int keyTarget_ = 0;  ///< id of the control with the keyboard
   int captured_ = 0;   ///< id of the control that was pressed
   bool isShownBefore_ = false;
@@ -81,7 +83,7 @@ class FormPeer : public Peer, public InputTarget {
 
 /// Creates the menu bar, if the form has menus.
 void realizeMenu(Form& form, FormPeer& peer);
-/// Paints what the system leaves light beside and below the bar's entries.
+/// Paints what the system leaves light around the bar's entries.
 void paintMenuBar(const FormPeer& form);
 void measureMenuItem(const FormPeer& form, MEASUREITEMSTRUCT& item);
 void drawMenuItem(const FormPeer& form, const DRAWITEMSTRUCT& item);

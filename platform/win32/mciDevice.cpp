@@ -26,33 +26,48 @@ std::wstring quoted(const std::string& path) {
 
 bool command(const std::wstring& text) { return mciSendStringW(text.c_str(), nullptr, 0, nullptr) == 0; }
 
+struct Effect {
+  std::string file;  ///< until the first attempt to open it
+  bool isOpen = false;
+  bool isSilent = false;
+};
+
 /// The system's media control: a device for each effect, and one for the music.
 class MciDevice : public MixerDevice {
  public:
   ~MciDevice() override { command(L"close all"); }
 
   void loadEffect(int channel, const std::string& file) override {
-    if (command(L"open " + quoted(file) + L" type waveaudio alias " + nameOf(channel))) silent_[channel] = false;
+    freeEffect(channel);
+    effects_[channel].file = file;
   }
 
   void freeEffect(int channel) override {
-    if (silent_.erase(channel) > 0) command(L"close " + nameOf(channel));
+    if (isOpen(channel)) command(L"close " + nameOf(channel));
+    effects_.erase(channel);
   }
 
   void silence(int channel, bool silent) override {
-    const auto effect = silent_.find(channel);
-    if (effect == silent_.end()) return;
-    effect->second = silent;
+    const auto effect = effects_.find(channel);
+    if (effect == effects_.end()) return;
+    effect->second.isSilent = silent;
     if (silent) stopEffect(channel);
   }
 
+  /// Opens the effect's device first if it hasn't been played before: a device takes memory and time.
   void startEffect(int channel) override {
-    const auto effect = silent_.find(channel);
-    if (effect != silent_.end() && !effect->second) command(L"play " + nameOf(channel) + L" from 0");
+    const auto found = effects_.find(channel);
+    if (found == effects_.end() || found->second.isSilent) return;
+    Effect& effect = found->second;
+    if (!effect.isOpen && !effect.file.empty()) {
+      effect.isOpen = command(L"open " + quoted(effect.file) + L" type waveaudio alias " + nameOf(channel));
+      effect.file.clear();
+    }
+    if (effect.isOpen) command(L"play " + nameOf(channel) + L" from 0");
   }
 
   void stopEffect(int channel) override {
-    if (silent_.contains(channel)) command(L"stop " + nameOf(channel));
+    if (isOpen(channel)) command(L"stop " + nameOf(channel));
   }
 
   bool startMusic(const std::string& file) override {
@@ -77,7 +92,12 @@ class MciDevice : public MixerDevice {
  private:
   static std::wstring nameOf(int channel) { return L"kelvoraEffect" + std::to_wstring(channel); }
 
-  std::map<int, bool> silent_;  ///< of the open channels
+  bool isOpen(int channel) const {
+    const auto effect = effects_.find(channel);
+    return effect != effects_.end() && effect->second.isOpen;
+  }
+
+  std::map<int, Effect> effects_;
   std::atomic<Clock::rep> musicEnd_ = 0;
 };
 

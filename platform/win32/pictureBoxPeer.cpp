@@ -13,6 +13,7 @@ class PictureBoxPeer : public ControlPeer {
   // Quirk Q-020: no moves outside the picture's edges, even while a button is held. So a fast mouse escapes the canvas,
   // which confines the pointer in this event.
   bool takesMovesOutside() const override { return false; }
+  bool isOpaque() const override { return true; }
   bool takesKeys() const override { return box_.KeyDown || box_.KeyPress; }
   HWND window() const override { return box_.TabIndex >= 0 || takesKeys() ? form().window() : nullptr; }
 
