@@ -1,4 +1,5 @@
-#include "core/startUp.h"
+#include "app/recordGame.h"
 #include "platform/desktop/runDesktop.h"
 
-int main(int argc, char** argv) { return kelvora::runDesktop(argc, argv, kelvora::modMain::startGame); }
+// The program reads its arguments itself, because those of a plain `main` lack characters.
+extern "C" int wmain(int, wchar_t**) { return kelvora::runDesktop(0, nullptr, kelvora::startGameRecorded); }

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "platform/desktop/dataFolder.h"
@@ -8,20 +9,15 @@
 #include "platform/win32/formPeer.h"
 #include "platform/win32/wideText.h"
 #include "platform/win32/win32Backend.h"
-// After the above.
-#include <shellapi.h>
 
 namespace kelvora {
 
 namespace {
 
-/// The arguments as the system has them, because those of `main` lack characters.
+/// The arguments of `wmain`. Parsing them by the system's function would load the shell.
 std::string joinedArguments() {
-  int count = 0;
-  LPWSTR* arguments = CommandLineToArgvW(GetCommandLineW(), &count);
   std::string line;
-  for (int i = 1; i < count; ++i) line += (i > 1 ? " " : "") + fromWide(arguments[i]);
-  LocalFree(arguments);
+  for (int i = 1; i < __argc; ++i) line += (i > 1 ? " " : "") + fromWide(__wargv[i]);
   return line;
 }
 
