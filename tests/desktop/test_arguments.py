@@ -7,16 +7,24 @@ import subprocess
 import tempfile
 import unittest
 
+import wine
+
 CLIENT = pathlib.Path(os.environ["KELVORA_CLIENT"])
+IN_WINE = wine.is_for_windows(CLIENT.name)
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 
 
 def answer(client, *arguments, **environment):
     # Without a display, because printing needs none.
     kept = {name: os.environ[name] for name in ("PATH", "HOME", "LSAN_OPTIONS") if name in os.environ}
-    done = subprocess.run([client, *arguments], env=dict(kept, **environment), stdin=subprocess.DEVNULL,
+    done = subprocess.run(wine.command(str(client), *arguments), env=dict(kept, **environment), stdin=subprocess.DEVNULL,
                           capture_output=True, text=True, timeout=60)
     return done.returncode, done.stdout.splitlines()
+
+
+def named(path):
+    """A path as the client prints it."""
+    return "Z:" + str(path).replace("/", "\\") if IN_WINE else str(path)
 
 
 def sound_module(client):
@@ -31,7 +39,11 @@ class Arguments(unittest.TestCase):
         status, lines = answer(CLIENT, "--version", XDG_CONFIG_HOME="/tmp/settings of mine")
         self.assertEqual(status, 0)
         self.assertRegex(lines[0], r"^kelvora \d+\.\d+\.\d+$")
+        # The folder of the build tree, which the compiler of Linux has named.
         self.assertEqual(lines[1], f"pictures and sounds: {PROJECT}")
+        if IN_WINE:
+            self.assertEqual(lines[2:], [r"settings: HKEY_CURRENT_USER\Software\kelvora"])
+            return
         self.assertEqual(lines[2], "settings: /tmp/settings of mine/kelvora/kelvora.ini")
         self.assertEqual(lines[3], f"sound module: {sound_module(CLIENT)}")
         self.assertTrue(sound_module(CLIENT).is_file())
@@ -58,17 +70,18 @@ class Places(unittest.TestCase):
     def test_beside_the_program(self):
         shutil.copy(CLIENT, self.folder)
         (self.folder / "assets").mkdir()
-        self.assertEqual(self.found(self.folder / "kelvora"), str(self.folder))
+        self.assertEqual(self.found(self.folder / CLIENT.name), named(self.folder))
 
     def test_in_an_installed_tree_even_after_a_move(self):
         tree = self.folder / "tree"
         for folder in ("games", "share/kelvora/assets"):
             (tree / folder).mkdir(parents=True)
         shutil.copy(CLIENT, tree / "games")
-        self.assertEqual(self.found(tree / "games/kelvora"), str(tree / "share/kelvora"))
+        self.assertEqual(self.found(tree / "games" / CLIENT.name), named(tree / "share/kelvora"))
         moved = tree.rename(self.folder / "moved tree")
-        self.assertEqual(self.found(moved / "games/kelvora"), str(moved / "share/kelvora"))
+        self.assertEqual(self.found(moved / "games" / CLIENT.name), named(moved / "share/kelvora"))
 
+    @unittest.skipIf(IN_WINE, "Windows has a mixer, so there is no module")
     def test_the_sound_module_is_found_as_well(self):
         module = sound_module(CLIENT)
         place = module.relative_to(CLIENT.parent)  # "lib/...", as in an installation

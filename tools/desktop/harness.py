@@ -294,6 +294,15 @@ class Window:
         before, after, above, below = self.display.screen.numbers(self.identifier, "_NET_FRAME_EXTENTS")
         return left - before, top - above, width + before + after, height + above + below
 
+    def corner_for_the_game(self):
+        """The upper left corner of the frame as the game knows it, in screen pixels. Wine tells programs about a frame
+        of its own, whatever the window manager draws."""
+        if not wine.is_for_windows(CLIENT):
+            return self.frame()[:2]
+        left, top = self.geometry()[:2]
+        border, title = wine.frame(self.scale)
+        return left - border, top - title
+
     def is_shown(self):
         try:
             return self.display.screen.is_shown(self.identifier)
@@ -335,8 +344,8 @@ class Client:
         except BaseException:
             self.close()
             raise
-        # The menu is the part of the window above the designed client area.
-        self.menu = round(self.window.geometry()[3] / scale) - CLIENT_AREA[1]
+        # The menu is the part of the window above the designed client area. It may end between two of its pixels.
+        self.menu = self.window.geometry()[3] / scale - CLIENT_AREA[1]
 
     def close(self):
         if not take_out(self):
@@ -359,6 +368,7 @@ class Client:
         parser = configparser.RawConfigParser()
         parser.optionxform = str
         parser.read(os.path.join(self.config, "kelvora", "kelvora.ini"))
+        section, key = (name.replace(" ", "%20") for name in (section, key))
         return parser.get(section, key, fallback=None)
 
     def titles(self):
@@ -411,8 +421,8 @@ class Client:
 
     def canvas_size(self):
         """Width and height in pixels."""
-        width, height = (round(pixels / self.scale) for pixels in self.window.geometry()[2:])
-        return width - BESIDE_CANVAS[0], height - self.menu - BESIDE_CANVAS[1]
+        width, height = (pixels / self.scale for pixels in self.window.geometry()[2:])
+        return round(width) - BESIDE_CANVAS[0], round(height - self.menu) - BESIDE_CANVAS[1]
 
     def on_screen(self, x, y):
         """The screen position of a pixel of the client area."""
@@ -430,8 +440,9 @@ class Client:
 
     def resize(self, width, height):
         """Resizes the client area below the menu, in pixels."""
-        self.display.xdotool("windowsize", self.window.identifier, width, height + self.menu)
-        wait_for(lambda: self.window.geometry()[2:] == (width, height + self.menu), "the new size")
+        size = width, height + round(self.menu)
+        self.display.xdotool("windowsize", self.window.identifier, *size)
+        wait_for(lambda: self.window.geometry()[2:] == size, "the new size")
 
     def status_colour(self):
         """The background colour of the connection label, read near its corner, where it has no text."""

@@ -46,6 +46,12 @@ def prefix_in(folder, scale=1):
     return str(prefix)
 
 
+def frame(scale):
+    """Border and title of a window that can be resized, in pixels of a screen with this scale."""
+    line, border = round(scale), 3
+    return border + line, border + line + round(18 * scale) + 1
+
+
 def setting(prefix, section, key):
     """The text of a setting in the prefix's registry, or None."""
     found = subprocess.run([RUN, "reg", "query", rf"HKCU\Software\kelvora\{section}", "/v", key],
