@@ -120,6 +120,7 @@ TEST_F(PenaltyFileTest, RereadingAfterAFailedWriteKeepsBoth) {
   EXPECT_FALSE(file.add({.network = "192.0.2.3", .end = host.time + 600}).isRefused());
   EXPECT_FALSE(file.add({.network = "192.0.2.4"}).isRefused());
   EXPECT_EQ(file.remove(PenaltyKind::ban, "192.0.2.4").size(), 1U);
+  EXPECT_FALSE(file.add({.network = "192.0.2.6"}).isRefused());
   host.finishWork();
   EXPECT_FALSE(file.add({.network = "192.0.2.3"}).isRefused());
   host.finishWork();
@@ -131,7 +132,7 @@ TEST_F(PenaltyFileTest, RereadingAfterAFailedWriteKeepsBoth) {
   host.time += PenaltyFile::retryAfter;
   file.tick();
   host.finishWork();
-  EXPECT_EQ(contents(), "ban 192.0.2.5 forever\nban 192.0.2.3 forever\n");
+  EXPECT_EQ(contents(), "ban 192.0.2.5 forever\nban 192.0.2.3 forever\nban 192.0.2.6 forever\n");
 }
 
 TEST_F(PenaltyFileTest, TheEndWritesWhatTheDiskLacks) {
