@@ -37,17 +37,18 @@ void addMessages(MetricsText& text, const Figures& figures, std::uint64_t Figure
 
 }  // namespace
 
-HttpAnswer metricsPage(const Figures& figures, const State& state) {
+HttpAnswer metricsPage(const Figures& figures, const Gauges& gauges) {
   MetricsText text;
   text.begin("kelvora_build_info", "gauge", "The server's version.");
-  text.add(1, MetricsText::label("version", state.version));
-  text.addGauge("kelvora_uptime_seconds", "Time since the start.", std::chrono::duration<double>(state.uptime).count());
-  text.addGauge("kelvora_players", "People in the arena.", state.players);
-  text.addGauge("kelvora_bots", "Bots in the arena.", state.bots);
-  text.addGauge("kelvora_spectators", "People who watch.", state.spectators);
-  text.addGauge("kelvora_bans", "Networks that are banned.", state.bans);
-  text.addGauge("kelvora_mutes", "Networks whose lines reach nobody.", state.mutes);
-  text.addGauge("kelvora_connections", "Open connections of all kinds.", state.connections);
+  text.add(1, MetricsText::label("version", gauges.version));
+  text.addGauge("kelvora_uptime_seconds", "Time since the start.",
+                std::chrono::duration<double>(gauges.uptime).count());
+  text.addGauge("kelvora_players", "People in the arena.", gauges.players);
+  text.addGauge("kelvora_bots", "Bots in the arena.", gauges.bots);
+  text.addGauge("kelvora_spectators", "People who watch.", gauges.spectators);
+  text.addGauge("kelvora_bans", "Networks that are banned.", gauges.bans);
+  text.addGauge("kelvora_mutes", "Networks whose lines reach nobody.", gauges.mutes);
+  text.addGauge("kelvora_connections", "Open connections of all kinds.", gauges.connections);
   text.addHistogram("kelvora_tick_seconds", "Duration of a tick of the rules and bots.", figures.ticks);
   text.addHistogram("kelvora_wait_seconds", "Delay of a tick, which is what arriving messages wait for their turn.",
                     figures.waits);

@@ -49,7 +49,7 @@ struct Figures {
 };
 
 /// The server's state at the moment.
-struct State {
+struct Gauges {
   std::string version;
   std::chrono::nanoseconds uptime{};
   std::size_t players = 0;
@@ -61,6 +61,6 @@ struct State {
 };
 
 /// The page /metrics, in the text format of Prometheus.
-HttpAnswer metricsPage(const Figures& figures, const State& state);
+HttpAnswer metricsPage(const Figures& figures, const Gauges& gauges);
 
 }  // namespace kelvora::server

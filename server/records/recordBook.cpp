@@ -42,7 +42,9 @@ void RecordBook::add(const std::vector<Score>& scores, bool isRoundOver, Millis 
         *tables = {database.top(tableLength), database.topOfTheLastDays(tableLength, today)};
       },
       [this, tables](const std::string& error) {
-        if (error.empty()) tables_ = std::move(*tables);
+        if (!error.empty()) return;
+        report({});
+        tables_ = std::move(*tables);
       });
   if (!isUnderWay) report("too much is to be written");
 }
@@ -117,7 +119,7 @@ bool RecordBook::use(std::function<void(Database&)> work, std::function<void(con
         }
       },
       [this, error, finish = std::move(finish)] {
-        report(*error);
+        if (!error->empty()) report(*error);
         finish(*error);
       });
 }

@@ -56,6 +56,7 @@ class RecordBook {
   /// Runs `work` with the database on the other thread, then `finish` here, with the error or an empty text. False if
   /// the server is busy.
   bool use(std::function<void(Database&)> work, std::function<void(const std::string& error)> finish);
+  /// Logs an error, or its end, but neither twice. A file that can be read may still be on a full disk.
   void report(const std::string& error);
 
   Background& background_;

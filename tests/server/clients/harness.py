@@ -83,6 +83,12 @@ class Server:
         """The player's address according to the log."""
         return re.search(rf"client {client} connected from (\S+)", self.log())[1]
 
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+        self.process.stdout.close()
+        self.log_file.close()
+
     def end(self):
         self.process.send_signal(signal.SIGTERM)
         try:

@@ -96,10 +96,7 @@ class Moderation(unittest.TestCase):
                     self.chat(ann, "!ban eve forever")
                     self.said(ann, "Banned Eve")
             finally:
-                server.process.kill()
-                server.process.wait()
-                server.process.stdout.close()
-                server.log_file.close()
+                server.kill()
             lines = self.bans.read_text().splitlines() if self.bans.exists() else []
             for line in lines:
                 self.assertRegex(line, r'^ban 127\.0\.0\.\d+ forever "Eve"$')

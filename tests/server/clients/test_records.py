@@ -44,10 +44,7 @@ class Records(unittest.TestCase):
                 wait_for(lambda: f"0 captures and 0 wins in {rounds} round" in self.answer(ann, "!stats"),
                          "the round is stored")
             finally:
-                server.process.kill()
-                server.process.wait()
-                server.process.stdout.close()
-                server.log_file.close()
+                server.kill()
         with self.server() as server:
             wait_for(lambda: "<td>Ann</td><td>0</td><td>0</td><td>3</td>" in self.page(server), "the table")
             self.assertIn("Best players of the last 30 days", self.page(server))

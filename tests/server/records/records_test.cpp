@@ -234,6 +234,8 @@ TEST_F(RecordsTest, AGameOnADiskThatFillsUpGoesOn) {
     EXPECT_EQ(claimed(book, "Bob", "secret"), "The name can't be claimed now.");
     EXPECT_EQ(lines.size(), 1U) << "once";
   }
+  EXPECT_EQ(found(book, "Ann").captures, 2);
+  EXPECT_EQ(lines.size(), 1U) << "reading tells nothing of writing";
   EXPECT_TRUE(lines.at(0).starts_with("no records: " + path + ": ")) << lines.at(0);
   book.add({{.client = 1, .name = "Ann", .captures = 4}}, true, 180'000);
   EXPECT_EQ(found(book, "Ann").captures, 6);
