@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include "platform/desktop/controlWalk.h"
 #include "platform/widgets.h"
@@ -33,7 +34,9 @@ void FormPeer::paintWindow() {
 /// Strip by strip in memory, so that nothing flickers where controls lie on top of each other. A buffer for the whole
 /// window would be as large as the game's picture.
 void FormPeer::paintBuffered(HDC screen, const RECT& part) const {
-  constexpr LONG stripHeight = 64;
+  // Where pictures are blended, their parts wouldn't meet exactly.
+  const bool isBlended = scale_ != std::floor(scale_);
+  const LONG stripHeight = isBlended ? part.bottom - part.top : 64;
   const LONG width = part.right - part.left;
   const HDC dc = CreateCompatibleDC(screen);
   const HBITMAP buffer = CreateCompatibleBitmap(screen, width, stripHeight);

@@ -152,14 +152,18 @@ void drawMenuItem(const FormPeer& form, const DRAWITEMSTRUCT& item) {
     painter.fill({place.left, place.top + place.height / 2, place.width, 1}, looks.line);
   } else {
     constexpr UINT middle = DT_VCENTER | DT_SINGLELINE;
-    constexpr wchar_t checkMark[] = L"\u2713";
     constexpr wchar_t arrow[] = L"\u203A";
     const Colour ink = peer->isEnabled() ? looks.text : looks.quiet;
     const int left = peer->isInBar() ? 0 : markWidth;
     const Box room{place.left + left, place.top, place.width - left, place.height};
     painter.text(room, text, FontSpec{}, ink, middle | (peer->isInBar() ? DT_CENTER : DT_LEFT));
-    if (peer->isChecked())
-      painter.text({place.left, place.top, markWidth, place.height}, checkMark, FontSpec{}, ink, middle | DT_CENTER);
+    // Drawn, because many fonts lack the letter.
+    constexpr int markSide = 7;
+    if (peer->isChecked()) {
+      painter.tick(
+          {place.left + (markWidth - markSide) / 2, place.top + (place.height - markSide) / 2, markSide, markSide},
+          ink);
+    }
     if (peer->hasSubmenu() && !peer->isInBar()) {
       painter.text({place.left + place.width - arrowWidth, place.top, arrowWidth, place.height}, arrow, FontSpec{}, ink,
                    middle | DT_CENTER);
