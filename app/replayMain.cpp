@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/film.h"
+#include "app/player/playRecording.h"
 #include "app/replayGame.h"
 #include "platform/desktop/dataFolder.h"
 #include "platform/recording/file.h"
@@ -14,11 +15,13 @@ namespace {
 using namespace kelvora;
 
 constexpr const char* helpText =
-    "Usage: kelvora-replay --verify FILE\n"
+    "Usage: kelvora-replay FILE\n"
+    "       kelvora-replay --verify FILE\n"
     "       kelvora-replay --frames FOLDER FILE\n"
     "       kelvora-replay --video VIDEO FILE\n"
-    "Plays a recorded game again, without a window. KELVORA_RECORD=FILE records one.\n"
+    "Plays a recorded game again. KELVORA_RECORD=FILE records one.\n"
     "\n"
+    "  FILE              show it in windows; press ? there for the keys\n"
     "  --verify          compare every picture and state that the recording sums up\n"
     "  --frames FOLDER   write the canvas as PNG files, 25 for each second\n"
     "  --video VIDEO     write them into a film without sound; needs ffmpeg\n"
@@ -88,6 +91,16 @@ int run(const std::string& file, Film* film) {
   return tell(file, report, passed.count());
 }
 
+int show(const std::string& file, char* program) {
+  try {
+    player::playRecording(file, program);
+    return 0;
+  } catch (const recording::Damaged& damage) {
+    std::fprintf(stderr, "kelvora-replay: %s: %s\n", file.c_str(), damage.what());
+    return 2;
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -110,6 +123,7 @@ int main(int argc, char** argv) {
     Video film(arguments[1]);
     return run(arguments[2], &film);
   }
+  if (arguments.size() == 1 && !option.starts_with("-")) return show(arguments[0], argv[0]);
   std::fputs(helpText, stderr);
   return 2;
 }

@@ -15,16 +15,14 @@ namespace {
 
 constexpr std::size_t chunkSize = 64 * 1024;
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-/// The file's contents, which are compressed streams, one after another.
+/// A file's contents, which are compressed streams, one after another. The file is in memory, so that copies of the
+/// process can go on reading.
 class Inflater {
  public:
-  explicit Inflater(File file) : file_(std::move(file)) {
+  Inflater(std::string file, std::size_t begin) : file_(std::move(file)) {
     if (inflateInit(&state_) != Z_OK) throw Damaged("out of memory");
+    state_.next_in = reinterpret_cast<Bytef*>(file_.data()) + begin;
+    state_.avail_in = static_cast<uInt>(file_.size() - begin);
   }
   ~Inflater() { inflateEnd(&state_); }
   Inflater(const Inflater&) = delete;
@@ -33,7 +31,7 @@ class Inflater {
   /// Empty at the end.
   std::string next() {
     std::string out(chunkSize, '\0');
-    while (state_.avail_in > 0 || read()) {
+    while (state_.avail_in > 0) {
       if (std::exchange(isOver_, false)) inflateReset(&state_);
       state_.next_out = reinterpret_cast<Bytef*>(out.data());
       state_.avail_out = static_cast<uInt>(out.size());
@@ -48,17 +46,25 @@ class Inflater {
   }
 
  private:
-  bool read() {
-    state_.avail_in = static_cast<uInt>(std::fread(in_.data(), 1, in_.size(), file_.get()));
-    state_.next_in = in_.data();
-    return state_.avail_in > 0;
-  }
-
-  File file_;
+  std::string file_;
   z_stream state_{};
-  std::array<Bytef, chunkSize> in_;
   bool isOver_ = false;  ///< one stream; another may follow
 };
+
+/// The whole file. Throws Damaged.
+std::string readFile(const std::string& path) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+  if (!file) throw Damaged("it can't be read");
+  std::string all;
+  std::size_t size = 0;
+  do {
+    all.resize(size + chunkSize);
+    size += std::fread(all.data() + size, 1, chunkSize, file.get());
+    if (size > maxFile) throw Damaged("it is too large");
+  } while (size == all.size());
+  all.resize(size);
+  return all;
+}
 
 }  // namespace
 
@@ -121,17 +127,14 @@ void RecordingFile::finish() {
 }
 
 Reader::Source openRecording(const std::string& path) {
-  File file(std::fopen(path.c_str(), "rb"));
-  if (!file) throw Damaged("it can't be read");
-  std::string head(magic.size() + 1, '\0');
-  if (std::fread(head.data(), 1, head.size(), file.get()) != head.size() || !head.starts_with(magic)) {
-    throw Damaged("it is no recording");
-  }
-  if (const auto version = static_cast<std::uint8_t>(head.back()); version > formatVersion) {
+  std::string file = readFile(path);
+  const std::size_t head = magic.size() + 1;
+  if (file.size() < head || !file.starts_with(magic)) throw Damaged("it is no recording");
+  if (const auto version = static_cast<std::uint8_t>(file[head - 1]); version > formatVersion) {
     throw Damaged("it has format " + std::to_string(version) + ", which is newer than this program's format " +
                   std::to_string(formatVersion));
   }
-  return [inflater = std::make_shared<Inflater>(std::move(file))] { return inflater->next(); };
+  return [inflater = std::make_shared<Inflater>(std::move(file), head)] { return inflater->next(); };
 }
 
 }  // namespace kelvora::recording

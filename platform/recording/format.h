@@ -63,6 +63,7 @@ enum class EventId : std::uint8_t {
 enum class SocketEventId : std::uint8_t { Connect = 1, Close, DataArrival };
 
 // Bounds of what a file may contain.
+inline constexpr std::size_t maxFile = 256 * 1024 * 1024;    ///< bytes
 inline constexpr std::size_t maxText = 1024 * 1024;          ///< bytes of a text
 inline constexpr std::size_t maxPortion = 64 * 1024 * 1024;  ///< bytes that a socket delivers at once
 inline constexpr std::size_t maxParts = 100;                 ///< sums in one check

@@ -119,10 +119,16 @@ void Replay::expect(Kind kind) {
   consume();
 }
 
-void Replay::passTime() {
+Millis Replay::readTime() {
   const std::uint64_t passed = reader_.number(Plane::Times);
   if (passed > static_cast<std::uint64_t>(maxTick - now_)) throw Damaged("its time is out of range");
-  now_ += static_cast<Millis>(passed);
+  return now_ + static_cast<Millis>(passed);
+}
+
+void Replay::rest() {
+  const Millis next = readTime();
+  if (onPause) onPause(next - start_);
+  now_ = next;
 }
 
 Control& Replay::readControl() {
@@ -149,7 +155,7 @@ void Replay::playUntilReturn() {
   if (++nesting_ > maxNesting) throw Damaged("its events nest too deeply");
   for (Kind kind = next(); kind != Kind::Return; kind = next()) playRecord(kind);
   consume();
-  passTime();
+  rest();
   --nesting_;
 }
 
@@ -204,7 +210,7 @@ void Replay::readFault() {
 }
 
 void Replay::playEvent() {
-  passTime();
+  rest();
   Control& control = readControl();
   const auto* form = dynamic_cast<Form*>(&control.root());
   const std::uint8_t id = reader_.byte();
@@ -230,7 +236,7 @@ void Replay::playEvent() {
 }
 
 void Replay::playSocketEvent() {
-  passTime();
+  rest();
   const std::uint64_t number = reader_.number();
   const auto id = static_cast<SocketEventId>(reader_.byte());
   ReplayedSocket* const socket =
@@ -293,7 +299,7 @@ Millis Replay::tickCount() {
   ++calls_;
   if (next() == Kind::Tick && nextCall_ == calls_) {
     consume();
-    passTime();
+    now_ = readTime();
   }
   return now_;
 }
@@ -311,7 +317,11 @@ void Replay::doEvents(bool mayWait) {
   playUntilReturn();
 }
 
-void Replay::messageBox(const std::string&) { playUntilReturn(); }
+void Replay::messageBox(const std::string& text) {
+  boxes_.push_back(text);
+  playUntilReturn();
+  boxes_.pop_back();
+}
 
 void Replay::runModal(Form&) { playUntilReturn(); }
 

@@ -39,6 +39,13 @@ struct ReplayEnd {
   std::string text;
 };
 
+/// A sound that the game plays or stops.
+struct Sounding {
+  std::string file;
+  bool isMusic = false;
+  bool starts = false;
+};
+
 /// A comparison that has failed.
 struct Difference {
   std::uint64_t frame = 0;
@@ -56,6 +63,11 @@ class Replay : public Backend, private SeamWatch {
 
   /// Called at the end of each frame, before its events. Returns false to stop.
   std::function<bool()> onFrame;
+  /// Called before time passes between the game's calls, with the time since the start that follows. The game rests
+  /// meanwhile, and nothing changes before then.
+  std::function<void(Millis next)> onPause;
+  /// Called when the game plays or stops an audible sound.
+  std::function<void(const Sounding& sounding)> onSound;
   /// Reads a picture. By default from its file.
   std::function<PicturePointer(const std::string& path)> pictureSource;
 
@@ -65,6 +77,10 @@ class Replay : public Backend, private SeamWatch {
   std::uint64_t checks() const { return checks_; }
   /// The first failed comparisons, at most ten.
   const std::vector<Difference>& differences() const { return differences_; }
+  /// The forms that exist, by their number in the recording. Others are null.
+  const std::vector<Form*>& forms() const { return live_->forms; }
+  /// The texts of the open message boxes, from the outermost to the innermost.
+  const std::vector<std::string>& boxes() const { return boxes_; }
   /// The fault that has ended the recorded game; empty if none has.
   const std::string& recordedFault() const { return recordedFault_; }
 
@@ -125,7 +141,9 @@ class Replay : public Backend, private SeamWatch {
   void compare();
   void takeGlyph();
   void takeLineHeight();
-  void passTime();
+  Millis readTime();
+  /// Lets time pass while the game rests.
+  void rest();
   Control& readControl();
   template <class Handler>
   void runHandler(const Handler& handler);
@@ -152,6 +170,7 @@ class Replay : public Backend, private SeamWatch {
   int handlers_ = 0;
   int nesting_ = 0;
   std::shared_ptr<Live> live_;
+  std::vector<std::string> boxes_;
   std::map<FontKey, std::map<unsigned char, Glyph>> glyphs_;
   std::map<FontKey, int> lineHeights_;
   std::size_t glyphBytes_ = 0;

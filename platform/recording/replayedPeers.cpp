@@ -6,7 +6,7 @@
 namespace kelvora::recording {
 
 ReplayedPeer::~ReplayedPeer() {
-  if (dynamic_cast<Form*>(&control_) != nullptr) live_->forms[form_] = nullptr;
+  if (isForm_) live_->forms[form_] = nullptr;
 }
 
 void ReplayedPeer::changed(PropertyId id) {
@@ -27,9 +27,26 @@ std::string ReplayedSocket::take() {
   return messages_.read(replay_.reader_);
 }
 
-bool ReplayedSound::open(const std::string&) {
+bool ReplayedSound::open(const std::string& file) {
+  file_ = file;
   replay_.expect(Kind::SoundFile);
   return replay_.reader_.byte() != 0;
+}
+
+void ReplayedSound::play() {
+  if (replay_.onSound && !isSilent_) replay_.onSound({file_, false, true});
+}
+
+void ReplayedSound::stop() {
+  if (replay_.onSound) replay_.onSound({file_, false, false});
+}
+
+void ReplayedMusic::play(const std::string& file) {
+  if (replay_.onSound) replay_.onSound({file, true, true});
+}
+
+void ReplayedMusic::stop() {
+  if (replay_.onSound) replay_.onSound({{}, true, false});
 }
 
 PlayState ReplayedMusic::playState() const {

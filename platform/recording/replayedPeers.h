@@ -18,13 +18,14 @@ class ReplayedPeer : public Peer {
  public:
   /// `form` is the number of the control if that is a form.
   ReplayedPeer(std::shared_ptr<Replay::Live> live, Control& control, std::size_t form)
-      : live_(std::move(live)), control_(control), form_(form) {}
+      : live_(std::move(live)), control_(control), isForm_(dynamic_cast<Form*>(&control) != nullptr), form_(form) {}
   ~ReplayedPeer() override;
   void changed(PropertyId id) override;
 
  private:
   std::shared_ptr<Replay::Live> live_;
   Control& control_;
+  bool isForm_;  ///< can't be asked any more once the control is being destroyed
   std::size_t form_;
 };
 
@@ -52,25 +53,27 @@ class ReplayedSocket : public SocketPeer {
   SocketState state_ = sckClosed;
 };
 
-/// A sound effect that nobody hears.
+/// A sound effect that only `onSound` hears.
 class ReplayedSound : public SoundPeer {
  public:
   explicit ReplayedSound(Replay& replay) : replay_(replay) {}
   bool open(const std::string& file) override;
-  void silence(bool) override {}
+  void silence(bool silent) override { isSilent_ = silent; }
   void rewind() override {}
-  void play() override {}
-  void stop() override {}
+  void play() override;
+  void stop() override;
 
  private:
   Replay& replay_;
+  std::string file_;
+  bool isSilent_ = false;
 };
 
 class ReplayedMusic : public MusicPeer {
  public:
   explicit ReplayedMusic(Replay& replay) : replay_(replay) {}
-  void play(const std::string&) override {}
-  void stop() override {}
+  void play(const std::string& file) override;
+  void stop() override;
   PlayState playState() const override;
 
  private:

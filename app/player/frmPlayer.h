@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "app/player/playback.h"
+#include "platform/audio.h"
+#include "platform/form.h"
+#include "platform/grid.h"
+#include "platform/pictureBox.h"
+#include "platform/widgets.h"
+
+namespace kelvora::player {
+
+/// The player's controls: a bar with the captures, buttons, and the lines of the console. It is modal, so that the
+/// game's windows take no input.
+class FrmPlayer : public Form {
+ public:
+  FrmPlayer(Playback& playback, const std::string& file);
+
+  void unloading() override { Hide(); }
+
+  bool isPlaying() const { return isPlaying_; }
+  /// 1 is real time.
+  double speed() const;
+  /// Where the recording is played, in ms.
+  Millis position() const { return static_cast<Millis>(position_); }
+  void playOrPause();
+  void changeSpeed(int steps);
+  void step();
+  void jump(Millis time);
+  /// Jumps to the next mark of a kind (1) or the previous one (-1).
+  void jumpToMark(Mark::Kind kind, int direction);
+
+  // Positions are left, top, width and height in twips.
+  PictureBox strip{this, {0, 0, 11430, 1080}};
+  Label lblGoTo{this, {120, 1140, 1020, 255}, "Go to time", {.systemColours = true}};
+  TextBox txtTime{this, {1140, 1110, 900, 315}, ""};
+  Label lblKeys{
+      this, {2280, 1140, 9000, 255}, "Space plays and pauses. Press ? for all keys.", {.systemColours = true}};
+  Grid grdLines{this, {120, 1500, 11190, 1800}};
+  IntervalTimer tmrFrame{this, 15};
+
+ private:
+  void tick();
+  void paint();
+  void paintBar();
+  void paintButtons();
+  void addLines();
+  void followLine();
+  void pressKey(int key);
+  void pressCode(int code);
+  void click(float x, float y);
+  void hear(const recording::Sounding& sounding);
+  std::string status() const;
+  float barX(Millis time) const;
+  Millis timeAt(float x) const;
+
+  Playback& playback_;
+  bool isPlaying_ = true;
+  int speedStep_ = 2;
+  Millis lastTick_ = 0;
+  double position_ = 0;  ///< ms; the frame that is shown may be a little later
+  bool isDragging_ = false;
+  bool isStepping_ = false;
+  std::vector<Millis> lineTimes_;  ///< of the grid's rows
+  std::size_t seenMarks_ = 0;
+  int shownRow_ = 0;
+  std::map<std::string, std::unique_ptr<SoundPeer>> sounds_;
+  std::unique_ptr<MusicPeer> music_;
+  std::string track_;
+  std::string painted_;  ///< what the strip shows
+};
+
+}  // namespace kelvora::player

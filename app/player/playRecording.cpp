@@ -1,0 +1,55 @@
+#include "app/player/playRecording.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <utility>
+
+#include "app/player/engine.h"
+#include "app/player/frmPlayer.h"
+#include "app/player/playback.h"
+#include "platform/desktop/dataFolder.h"
+#include "platform/desktop/runDesktop.h"
+#include "platform/recording/file.h"
+
+namespace kelvora::player {
+
+namespace {
+
+std::string fileName;
+Channel scout;
+
+/// Puts the player's window below the game's, and both into the middle of the screen.
+void place(Form& game, Form& player) {
+  constexpr float title = 450;  // a window that is moved later may lose its title at the screen's edge
+  game.Top = std::max(title, game.Top.get() - player.Height.get() / 2);
+  player.Left = game.Left.get() + (game.Width.get() - player.Width.get()) / 2;
+  player.Top = game.Top.get() + game.Height.get();
+}
+
+void show() {
+  Playback playback(std::move(scout));
+  // The first window to be shown is the main one, and the others stay in front of it.
+  constexpr Millis step = 100;
+  for (Millis time = 0; playback.mirror().forms().empty() && !playback.isAtEnd(); time += step) {
+    playback.goTo(time);
+    playback.wait();
+    if (playback.isScouted() && time > playback.length()) break;
+  }
+  FrmPlayer player(playback, fileName);
+  const std::vector<Form*> forms = playback.mirror().forms();
+  if (!forms.empty()) place(*forms.front(), player);
+  player.Show(Form::Modality::Modal);
+}
+
+}  // namespace
+
+void playRecording(const std::string& file, char* program) {
+  fileName = std::filesystem::path(file).filename().string();
+  // The other processes are copies of this one, which has no threads or windows yet.
+  scout = startScout(recording::openRecording(file), dataFolder());
+  std::array<char*, 2> arguments{program, nullptr};
+  runDesktop(1, arguments.data(), show);
+}
+
+}  // namespace kelvora::player

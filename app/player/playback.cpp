@@ -1,0 +1,125 @@
+#include "app/player/playback.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "app/player/pack.h"
+
+namespace kelvora::player {
+
+void Playback::serve() {
+  hearScout();
+  if (isAsked_ && runner_.hasInput()) hearRunner();
+  if (!isAsked_ && wanted_) ask();
+}
+
+void Playback::wait() {
+  for (serve(); isBusy() && (isAsked_ || scout_.isOpen()); serve()) (isAsked_ ? runner_ : scout_).awaitInput();
+}
+
+void Playback::hearScout() {
+  constexpr std::size_t maxMarks = 100'000;
+  while (scout_.isOpen() && scout_.hasInput()) {
+    auto message = scout_.receive();
+    if (!message) {
+      if (!isScouted_) ending_ = "The replay has failed.";
+      isScouted_ = true;
+      scout_.close();
+      return;
+    }
+    Unpack tale(message->text);
+    switch (tale.value<Tale>()) {
+      case Tale::Mark: {
+        Mark mark;
+        tale.field(mark.time);
+        tale.field(mark.kind);
+        tale.field(mark.isOwn);
+        tale.field(mark.text);
+        if (marks_.size() < maxMarks) marks_.push_back(std::move(mark));
+        break;
+      }
+      case Tale::Progress:
+        tale.field(length_);
+        break;
+      case Tale::Snapshot:
+        snapshots_.push_back({tale.value<Millis>(), std::move(message->passed)});
+        break;
+      case Tale::End:
+        tale.field(length_);
+        tale.field(ending_);
+        isScouted_ = true;
+        break;
+    }
+  }
+}
+
+void Playback::hearRunner() {
+  isAsked_ = false;
+  const auto message = runner_.receive();
+  if (!message) {
+    runner_.close();
+    isAtEnd_ = true;
+    return;
+  }
+  Unpack state(message->text);
+  const auto time = state.value<Millis>();
+  if (time < 0) {  // the recording is over
+    isAtEnd_ = true;
+    return;
+  }
+  time_ = time;
+  isAtEnd_ = isScouted_ && time_ >= length_ - 1;
+  state.field(frame_);
+  mirror_.show(state);
+  for (auto count = state.value<std::size_t>(); count > 0; --count) {
+    recording::Sounding sounding;
+    state.field(sounding.file);
+    state.field(sounding.isMusic);
+    state.field(sounding.starts);
+    if (onSound && !isJump_) onSound(sounding);
+  }
+}
+
+void Playback::goTo(Millis time) { wanted_ = Target{std::max<Millis>(time, 0), anyFrame}; }
+
+void Playback::step() {
+  constexpr Millis longestPause = 1000;  // where there are no frames
+  wanted_ = Target{time_ + longestPause, frame_ + 1};
+}
+
+Playback::Snapshot* Playback::snapshotBefore(Millis time) {
+  const auto after = std::find_if(snapshots_.begin(), snapshots_.end(),
+                                  [time](const Snapshot& snapshot) { return snapshot.time > time; });
+  return after == snapshots_.begin() ? nullptr : &*std::prev(after);
+}
+
+void Playback::ask() {
+  Snapshot* const snapshot = snapshotBefore(wanted_->time);
+  const bool isBack = !runner_.isOpen() || wanted_->time < time_;
+  const bool isFarAhead = snapshot && wanted_->frame == anyFrame && snapshot->time > time_;
+  isJump_ = isBack || isFarAhead;
+  if (isJump_) {
+    if (!snapshot) return;  // the scout has just begun
+    start(*snapshot);
+  }
+  if (isAtEnd_ && !isJump_) {
+    wanted_.reset();
+    return;
+  }
+  Pack pack;
+  // The last moment is just before the end.
+  if (isScouted_) wanted_->time = std::min(wanted_->time, length_ - 1);
+  pack.field(*wanted_);
+  wanted_.reset();
+  isAsked_ = runner_.send(pack.bytes);
+}
+
+void Playback::start(Snapshot& snapshot) {
+  auto [ours, theirs] = Channel::pair();
+  snapshot.channel.send({}, theirs);
+  runner_ = std::move(ours);
+  isAtEnd_ = false;
+}
+
+}  // namespace kelvora::player

@@ -1,0 +1,88 @@
+"""kelvora-replay with a window: the game's windows, and the player's own."""
+
+import pathlib
+import unittest
+
+import harness
+from desktopTest import DesktopTest
+from harness import wait_for
+
+PROGRAM = pathlib.Path(harness.CLIENT).with_name("kelvora-replay")
+RECORDINGS = pathlib.Path(__file__).resolve().parent.parent / "app" / "recordings"
+
+
+def processes_with(file):
+    """The processes with this file among their arguments."""
+    found = []
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        try:
+            if str(file).encode() in (folder / "cmdline").read_bytes().split(b"\0"):
+                found.append(int(folder.name))
+        except OSError:
+            pass
+    return found
+
+
+class Player(DesktopTest):
+
+    def play(self, name):
+        self.file = RECORDINGS / name
+        self.client = self.start_client(program=str(PROGRAM), arguments=(str(self.file),))
+        self.bar = self.client.wait_for_window(f"Replay of {name}")
+        self.bar.activate()
+
+    def press(self, *keys):
+        self.display.xdotool("key", *keys)
+
+    def go_to(self, time):
+        """Jumps to another time, and returns the picture there."""
+        before = self.canvas()
+        self.press("g")
+        self.display.xdotool("type", time)
+        self.press("Return")
+        wait_for(lambda: self.canvas() != before, "another picture")
+        return harness.wait_for_rest(self.canvas, "the picture")
+
+    def canvas(self):
+        left, top, _, _ = self.client.window.geometry()
+        # Without the edge, where the player's window may be.
+        return self.display.picture((left, top + self.client.menu, 762, 500)).pixels()
+
+    def pause_at(self, time):
+        self.press("space")
+        harness.wait_for_rest(self.canvas, "the picture")
+        return self.go_to(time)
+
+    def test_a_jump_back_shows_the_same_picture(self):
+        self.play("trade")
+        early = self.pause_at("0:05")
+        self.assertNotEqual(self.go_to("0:09"), early)
+        self.assertEqual(self.go_to("0:05"), early)
+
+    def test_a_step_shows_another_frame(self):
+        self.play("easy")
+        before = self.pause_at("0:08")
+        self.press("period")
+        wait_for(lambda: self.canvas() != before, "the next frame")
+
+    def test_the_game_takes_no_input(self):
+        self.play("easy")
+        before = self.pause_at("0:08")
+        self.client.window.click(300, 300, button=3)
+        self.client.window.click(20, 10)
+        self.bar.activate()
+        self.press("period")
+        wait_for(lambda: self.canvas() != before, "the next frame")
+        self.assertEqual(sorted(self.client.windows()), sorted([harness.TITLE, "Replay of easy"]))
+
+    def test_closing_the_player_ends_all_its_processes(self):
+        self.play("hard")
+        self.assertGreater(len(processes_with(self.file)), 1)
+        self.press("alt+F4")
+        wait_for(lambda: self.client.process.poll() is not None, "the end")
+        self.assertEqual(self.client.process.returncode, 0)
+        wait_for(lambda: not processes_with(self.file), "the end of the copies")
+
+
+if __name__ == "__main__":
+    unittest.main()
