@@ -283,7 +283,13 @@ TEST_F(RecordsTest, AClaimKeepsTheRecord) {
 
 TEST_F(RecordsTest, AVerdictNamesTheClaimsThatANumberCouldLeadTo) {
   RecordBook book(*this, path);
-  for (const char* name : {"Ann", "Ann 2", "Anna 10", "Bob", "Anm"}) claimed(book, name, "secret");
+  const std::string longest(32, 'a');
+  const std::string cut = longest.substr(0, 30) + " 2";
+  for (const std::string& name : {std::string("Ann"), std::string("Ann 2"), std::string("Anna 10"), std::string("Bob"),
+                                  std::string("Anm"), cut}) {
+    claimed(book, name, "secret");
+  }
+  book.add({{.client = 2, .name = "Ann 3", .captures = 2}}, true, 60'000);
   const auto claims = [&](const std::string& name, const std::string& password) {
     EXPECT_TRUE(book.verdict(1, name, password).isPending);
     finishWork();
@@ -297,6 +303,7 @@ TEST_F(RecordsTest, AVerdictNamesTheClaimsThatANumberCouldLeadTo) {
   EXPECT_EQ(claims("Ann 2", "secret"), std::vector<std::string>{});
   EXPECT_EQ(claims("Bo", ""), std::vector<std::string>{"bob"});
   EXPECT_EQ(claims("Cat", ""), std::vector<std::string>{});
+  EXPECT_EQ(claims(longest, ""), std::vector<std::string>{std::string(30, 'a') + "2"});
 }
 
 TEST_F(RecordsTest, ForgetThePlayersSeenLongestAgo) {
