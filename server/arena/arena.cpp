@@ -62,6 +62,13 @@ void Arena::disconnected(ClientId client) {
   roster_.leave(client, pending_);
 }
 
+void Arena::observe(bool isObserved, Millis now) {
+  roster_.setObserved(isObserved);
+  if (!isObserved) return;
+  lobby_.showPlayers(observerClient);
+  combat_.tellRunning(observerClient, now);
+}
+
 void Arena::expel(ClientId client, const std::string& reason) {
   roster_.tell(client, reason);
   output_.hangUp(client);

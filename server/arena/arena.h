@@ -44,6 +44,8 @@ class Arena {
   void tick(Millis now);
 
   std::size_t playerCount() const { return roster_.players().size(); }
+  /// Sends all spectators a frame.
+  void show(const std::string& frame) const { gallery_.show(frame); }
   const std::map<ClientId, Spectator>& spectators() const { return roster_.spectators(); }
   /// True for a player or spectator.
   bool isIn(ClientId client) const { return roster_.isIn(client); }
@@ -61,6 +63,11 @@ class Arena {
   void endRound() { rounds_.endNow(); }
   /// Begins a new round. A running one ends without a winner.
   void restartRound() { rounds_.restart(); }
+  /// Shows `observerClient` all players, and then everything that all players get, until it is switched off. Nobody
+  /// learns of it.
+  void observe(bool isObserved, Millis now);
+  /// How many rounds have begun.
+  int roundCount() const { return rounds_.count(); }
   /// False in the intermission between two rounds, when everybody is dead.
   bool isRoundRunning() const { return rounds_.isRunning(); }
 

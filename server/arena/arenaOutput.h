@@ -28,6 +28,8 @@ class ArenaOutput {
   /// Counts what a limit has dropped.
   virtual void dropped(Drop /*what*/) {}
 
+  /// Shows a new spectator more than the arena does. Only sends messages.
+  virtual void watches(ClientId) {}
   /// Takes a command for the server: a chat line from its "!" on. Nobody else has got it.
   virtual void command(ClientId, const std::string& /*line*/) {}
   /// Refuses people who must not come in, with a text for them. Not called for bots.

@@ -11,6 +11,9 @@ using ClientId = std::uint32_t;
 inline constexpr ClientId firstBotClient = 0x8000'0000;
 constexpr bool isBot(ClientId client) { return client >= firstBotClient; }
 
+/// The server's own recorder, which gets what all players get.
+inline constexpr ClientId observerClient = firstBotClient - 1;
+
 /// What somebody logs in for.
 enum class Role : std::uint8_t { player, spectator };
 

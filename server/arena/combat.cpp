@@ -44,7 +44,7 @@ void Combat::tellEnded(Millis now) {
   std::erase_if(shownLate_, [&](const Shown& shown) {
     const Player* owner = roster_.find(shown.owner);
     // An early end, or another start, has been told to everybody.
-    if (owner == nullptr || !roster_.isIn(shown.newcomer)) return true;
+    if (owner == nullptr || !roster_.hears(shown.newcomer)) return true;
     if (owner->inventory.runsUntil(shown.item) != shown.until) return true;
     if (now < shown.until) return false;
     roster_.sendTo(shown.newcomer, wire::toClient<wire::msgPowerupOff>(owner->node, shown.item));

@@ -22,6 +22,10 @@ void Gallery::received(Spectator& spectator, const wire::Incoming& message, Mill
   }
 }
 
+void Gallery::show(const std::string& frame) const {
+  for (const auto& [client, spectator] : roster_.spectators()) roster_.sendTo(client, frame);
+}
+
 void Gallery::tick(Millis now) {
   for (auto& [client, spectator] : roster_.spectators()) pingIfDue(roster_, client, spectator.session, now);
 }

@@ -14,6 +14,8 @@ class Gallery {
   bool isFull() const { return roster_.spectators().size() >= capacity_; }
   /// Handles a spectator's message: relays chat to the other spectators, and refuses to let the sender play.
   void received(Spectator& spectator, const wire::Incoming& message, Millis now);
+  /// Sends all spectators a frame.
+  void show(const std::string& frame) const;
   void tick(Millis now);
 
  private:

@@ -34,6 +34,8 @@ class Lobby {
   void leave(ClientId client) { visitors_.erase(client); }
   /// `text` holds the login's fields. Ignores a client that isn't in the lobby or is already waiting.
   void login(ClientId client, std::string_view text, Millis now);
+  /// Shows a newcomer all players.
+  void showPlayers(ClientId newcomer) const;
   /// Retries waiting logins and drops clients whose time is up.
   void tick(Millis now);
   /// Colours held by bots that people need.
@@ -70,8 +72,6 @@ class Lobby {
   void appendTakenNames(std::vector<std::string>& skeletons) const;
   /// Tells somebody whose name has changed.
   void explainName(ClientId client, const std::string& typed, const std::string& name) const;
-  /// Shows a newcomer all players.
-  void showPlayers(ClientId newcomer) const;
 
   ArenaOutput& output_;
   Roster& roster_;

@@ -84,6 +84,7 @@ void Roster::sendToOthers(ClientId exception, const std::string& frame) const {
     if (client != exception) output_.send(client, frame);
   }
   for (const auto& [client, spectator] : spectators_) output_.send(client, frame);
+  if (isObserved_) output_.send(observerClient, frame);
 }
 
 void Roster::reportScore(const Player& player) const {

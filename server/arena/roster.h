@@ -41,8 +41,12 @@ class Roster {
   /// Those who get everything that all players get. Nothing else counts them.
   std::map<ClientId, Spectator>& spectators() { return spectators_; }
   const std::map<ClientId, Spectator>& spectators() const { return spectators_; }
+  /// Whether `observerClient` gets everything, too.
+  void setObserved(bool isObserved) { isObserved_ = isObserved; }
   /// True for a player or spectator.
   bool isIn(ClientId client) const { return players_.count(client) + spectators_.count(client) > 0; }
+  /// True for whoever gets what all players get.
+  bool hears(ClientId client) const { return isIn(client) || (isObserved_ && client == observerClient); }
   bool hasPeople() const;
   bool hasBots() const;
   bool isFull() const { return players_.size() == colourCount; }
@@ -54,7 +58,7 @@ class Roster {
   std::int16_t nextNode();
 
   void sendTo(ClientId client, const std::string& frame) const { output_.send(client, frame); }
-  /// Sends to all players, then to all spectators.
+  /// Sends to all players, then to all spectators and the observer.
   void sendToAll(const std::string& frame) const { sendToOthers(0, frame); }
   /// The same without one player.
   void sendToOthers(ClientId exception, const std::string& frame) const;
@@ -84,6 +88,7 @@ class Roster {
   ArenaOutput& output_;
   std::map<ClientId, Player> players_;
   std::map<ClientId, Spectator> spectators_;
+  bool isObserved_ = false;
   std::vector<Player> leavers_;
   std::int16_t lastNode_ = 0;
 };

@@ -25,7 +25,10 @@ Rounds::Rounds(Roster& roster, Economy& economy, const ArenaRules& rules)
 
 void Rounds::prepareFor(ClientId newcomer, Millis now) {
   // Nobody is left to finish the previous round.
-  if (roster_.players().empty()) clock_.beginAnew();
+  if (roster_.players().empty()) {
+    clock_.beginAnew();
+    ++count_;
+  }
   if (!isBot(newcomer) && !roster_.hasPeople()) clockSet_ = now;
 }
 
@@ -73,6 +76,7 @@ void Rounds::begin() {
 }
 
 void Rounds::welcome() {
+  ++count_;
   for (auto& [client, player] : roster_.players()) player.roundCaptures = 0;
   roster_.tellAll("A new round has begun. Press Spawn to play.");
 }

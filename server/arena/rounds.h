@@ -19,6 +19,8 @@ class Rounds {
 
   /// False in an intermission, when everybody is dead.
   bool isRunning() const { return clock_.isRunning(); }
+  /// How many rounds have begun.
+  int count() const { return count_; }
   /// Time left in the round or intermission.
   Millis left() const { return clock_.left(); }
 
@@ -52,6 +54,7 @@ class Rounds {
   const int survivalCredits_;
   RoundClock clock_;
   Millis clockSet_ = 0;
+  int count_ = 0;
 };
 
 }  // namespace kelvora::server

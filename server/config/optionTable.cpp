@@ -82,6 +82,16 @@ const std::array table = {
     Option{"records", "FILE", "file that keeps the players' records and claimed names (none)",
            Text([](Options& o) -> std::string& { return o.recordsFile; }), 0, maxPathLength},
 
+    heading("Recordings:"),
+    Option{"record", "FOLDER", "folder that keeps each round (none)",
+           Text([](Options& o) -> std::string& { return o.record.folder; }), 0, maxPathLength},
+    Option{"record-count", "COUNT", "maximum number of rounds in it (100)",
+           Whole([](Options& o, int value) { o.record.maxCount = value; }), 1, 100'000},
+    Option{"record-size", "MIB", "maximum size of all rounds in it (100)",
+           Whole([](Options& o, int value) { o.record.maxMebibytes = value; }), 1, 1'000'000},
+    Option{"replay", "FILE", "show this round to everybody who connects, instead of a game (none)",
+           Text([](Options& o) -> std::string& { return o.replayFile; }), 0, maxPathLength},
+
     heading("Browsers:"),
     Option{"site", "FOLDER", "folder of the page for browsers (the one that belongs to the program)",
            Text([](Options& o) -> std::string& { return o.site ? *o.site : o.site.emplace(); }), 0, maxPathLength},

@@ -8,6 +8,7 @@
 #include "server/config/configFile.h"
 #include "server/config/optionTable.h"
 #include "server/records/database.h"
+#include "server/replays/compression.h"
 #include "server/system/passwords.h"
 
 namespace kelvora::server {
@@ -72,8 +73,16 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
   if (options.spectatorPort && options.rules.spectators == 0) {
     return Outcome::refused("a port for spectators needs --spectators");
   }
-  if (options.rules.spectators > 0 && options.port != 0 && options.portOfSpectators() == 0) {
+  if (options.rules.spectators > 0 && !options.spectatorPort && options.port == 65'535) {
     return Outcome::refused("there is no port after the game's, so spectators need --spectator-port");
+  }
+  const bool records = !options.record.folder.empty();
+  if ((records || !options.replayFile.empty()) && !canCompress()) {
+    return Outcome::refused("this system's server has no zlib, so it can't record or replay rounds");
+  }
+  if (records && !options.replayFile.empty()) return Outcome::refused("a replay can't be recorded again");
+  if (!options.replayFile.empty() && !options.publishUrls.empty()) {
+    return Outcome::refused("a replay isn't a game that lists can have");
   }
   if (!options.recordsFile.empty() && !Database::isSupported()) {
     return Outcome::refused("this system's server has no SQLite, so it can't keep records");

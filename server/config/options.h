@@ -11,6 +11,7 @@
 #include "server/bots/botSettings.h"
 #include "server/lists/hostRegistry.h"
 #include "server/moderation/settings.h"
+#include "server/replays/settings.h"
 
 namespace kelvora::server {
 
@@ -22,8 +23,10 @@ struct Options {
   ArenaRules rules{.coach = true};
   BotSettings bots;
   ModerationSettings moderation;
-  int drainSeconds = 0;                        ///< for the round after SIGTERM; 0 to stop at once
-  std::string recordsFile;                     ///< path in UTF-8; empty for no records
+  int drainSeconds = 0;     ///< for the round after SIGTERM; 0 to stop at once
+  std::string recordsFile;  ///< path in UTF-8; empty for no records
+  RecordSettings record;
+  std::string replayFile;                      ///< path in UTF-8 of a round to show; empty to play
   std::optional<std::uint16_t> webPort;        ///< the second port; nothing for none, 0 for any free one
   std::optional<std::uint16_t> spectatorPort;  ///< nothing for the one after `port`, 0 for any free one
   std::string webAddress;                      ///< empty for `address`

@@ -9,12 +9,14 @@
 #include "protocol/rules.h"
 #include "server/config/commaList.h"
 #include "server/moderation/network.h"
+#include "server/system/files.h"
 #include "server/system/process.h"
 
 namespace kelvora::server {
 
 namespace {
 
+constexpr int spectatorsOfReplay = 64;
 constexpr auto tickInterval = std::chrono::milliseconds(rules::reportInterval);
 
 /// Writes lines of other threads on the context's.
@@ -41,6 +43,27 @@ std::optional<asio::ip::address> proxyAddress(const std::string& text) {
   return unmapped(address);
 }
 
+/// A replay is there to be watched.
+ArenaRules rulesFor(const Options& options) {
+  ArenaRules rules = options.rules;
+  if (!options.replayFile.empty() && rules.spectators == 0) rules.spectators = spectatorsOfReplay;
+  return rules;
+}
+
+Moments roundIn(const std::string& fileName) {
+  const FileText file = readFile(fileName, Moments::maxSize);
+  const auto refuse = [&](const std::string& why) {
+    return std::runtime_error("the recording " + fileName + " can't be shown: " + why);
+  };
+  if (!file.error.empty()) throw refuse(file.error);
+  if (!file.text) throw refuse("there is no such file");
+  try {
+    return readRound(*file.text);
+  } catch (const std::runtime_error& error) {
+    throw refuse(error.what());
+  }
+}
+
 }  // namespace
 
 GameServer::GameServer(asio::io_context& context, const Options& options, WriteLine log, WriteLine logAct)
@@ -54,7 +77,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
       listener_(context, options.address, options.port, listenerHandlers()),
       context_(context),
       timer_(context),
-      arena_(*this, versionText(), options.password, std::random_device{}(), options.rules),
+      arena_(*this, versionText(), options.password, std::random_device{}(), rulesFor(options)),
       bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
       records_(*this, options.recordsFile),
       moderation_(arena_, bots_, records_, *this, options.moderation),
@@ -72,6 +95,8 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
     log_("port " + std::to_string(port()) + " is for browsers only: the game and lists accept ports up to " +
          std::to_string(maxListedPort));
   }
+  if (!options.record.folder.empty()) recorder_.emplace(static_cast<Background&>(*this), options.record);
+  if (!options.replayFile.empty()) replay_.emplace(roundIn(options.replayFile));
   records_.open();
   publish();
   tickMore();
@@ -91,6 +116,7 @@ void GameServer::stop(std::function<void()> whenDone) {
   if (spectatorListener_) spectatorListener_->close();
   for (const auto& publisher : publishers_) publisher->signOff();
   if (sidecar_) sidecar_->finish();
+  if (recorder_) recorder_->end(now());
   arena_.tellAll("The server is shutting down.");
   for (const auto& [client, guest] : guests_) guest.connection->hangUp();
   timer_.expires_after(Connection::goodbyeTime);
@@ -128,6 +154,7 @@ void GameServer::finishStop() {
 
 void GameServer::send(ClientId client, const std::string& frame) {
   if (isBot(client)) return bots_.hear(client, frame, now());
+  if (client == observerClient) return recorder_->add(frame, now());
   const auto found = guests_.find(client);
   if (found == guests_.end()) return;
   const Guest& guest = found->second;
@@ -146,7 +173,10 @@ void GameServer::welcome(Socket socket, Role role) {
   error_code error;
   const auto peer = socket.remote_endpoint(error);
   if (error) return;  // already gone; leaving this scope closes the socket
-  Guest guest{.connection = nullptr, .address = unmapped(peer.address()), .network = {}, .role = role};
+  Guest guest{.connection = nullptr,
+              .address = unmapped(peer.address()),
+              .network = {},
+              .role = replay_ ? Role::spectator : role};
   guest.isForwarded = guest.address == trustedProxy_;
   guest.isDirect = !guest.isForwarded;
   if (!guest.isForwarded && !admit(guest, guest.address)) return;
@@ -270,6 +300,8 @@ void GameServer::tickMore() {
     arena_.tick(at(time));
     bots_.tick(at(time));
     moderation_.tick(at(time));
+    recordRounds(at(time));
+    replayRound(at(time));
     if (isDrained()) return stop(std::move(whenStopped_));
     publish();
     const auto stop = stallWatch_.stoppedFor(time);
@@ -302,6 +334,28 @@ std::unique_ptr<Sidecar> GameServer::startSidecar() {
   };
   return std::make_unique<Sidecar>(*options_.agonesPort, versionText(),
                                    Sidecar::Handlers{.log = logFromAside(context_, log_), .onPlace = onPlace});
+}
+
+void GameServer::recordRounds(Millis now) {
+  if (!recorder_) return;
+  const bool isOn = arena_.isRoundRunning() && people() > 0;
+  if (recorder_->isRecording() && (!isOn || arena_.roundCount() != recordedRound_)) {
+    arena_.observe(false, now);
+    recorder_->end(now);
+  }
+  if (!isOn || recorder_->isRecording()) return;
+  recorder_->begin(now);
+  recordedRound_ = arena_.roundCount();
+  arena_.observe(true, now);
+}
+
+void GameServer::replayRound(Millis now) {
+  if (!replay_) return;
+  replay_->tick(now, !arena_.spectators().empty(), [this](const std::string& frame) { arena_.show(frame); });
+}
+
+void GameServer::watches(ClientId client) {
+  if (replay_) replay_->show([this, client](const std::string& frame) { send(client, frame); });
 }
 
 HostEntry GameServer::hostEntry() const {

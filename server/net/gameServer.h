@@ -28,6 +28,8 @@
 #include "server/net/stallWatch.h"
 #include "server/net/worker.h"
 #include "server/records/recordBook.h"
+#include "server/replays/roundPlayer.h"
+#include "server/replays/roundRecorder.h"
 #include "server/web/homePage.h"
 #include "server/web/site.h"
 
@@ -84,6 +86,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   Outcome mayEnter(ClientId client) override;
   NameVerdict nameVerdict(ClientId client, const std::string& name, const std::string& password) override;
   void scored(const std::vector<Score>& scores, bool isRoundOver) override { records_.add(scores, isRoundOver, now()); }
+  void watches(ClientId client) override;
   std::string muteReason(ClientId client) override { return moderation_.muteReason(network(client)); }
   std::string network(ClientId client) const override;
   Seconds wallClock() const override { return std::time(nullptr); }
@@ -109,6 +112,10 @@ class GameServer : private ArenaOutput, private ModerationHost {
   /// False if there is none.
   bool makeRoom();
   void tickMore();
+  /// Begins and ends the recordings of rounds.
+  void recordRounds(Millis now);
+  /// Shows spectators what is due of a recorded round.
+  void replayRound(Millis now);
   bool isDrained() const;
   void closeAll();
   void finishStop();
@@ -138,6 +145,9 @@ class GameServer : private ArenaOutput, private ModerationHost {
   BotKeeper bots_;
   RecordBook records_;
   Moderation moderation_;
+  std::optional<RoundRecorder> recorder_;                   // nothing if rounds aren't recorded
+  int recordedRound_ = 0;                                   // its number
+  std::optional<RoundPlayer> replay_;                       // nothing for a game
   std::vector<std::pair<ClientId, std::string>> commands_;  // of the frame in progress
   ListPages list_;
   std::vector<std::unique_ptr<Publisher>> publishers_;  // one for each list to announce to

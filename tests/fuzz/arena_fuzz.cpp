@@ -21,17 +21,21 @@ using fuzz::require;
 /// Independent of the build's version, so that the logins in the corpus stay valid after a release.
 constexpr const char* version = "9.9.9";
 
-/// Connects up to six people and the bots without sockets. Splits incoming bytes into frames and checks what is sent.
+/// Connects up to six people, one of whom may watch, and the bots without sockets. Splits incoming bytes into frames
+/// and checks what is sent.
 class Table : private ArenaOutput {
  public:
   Table(int bots, const std::string& password, const ArenaRules& rules)
-      : arena_(*this, version, password, 1, rules), keeper_(arena_, {.count = bots}, password, version, 1) {}
+      : hasSpectator_(rules.spectators > 0),
+        arena_(*this, version, password, 1, rules),
+        keeper_(arena_, {.count = bots}, password, version, 1) {}
 
   void connect(std::size_t seat) {
     leave(seat);
     people_[seat] = {.client = ++lastClient_};
     sentTo_[lastClient_] = 0;
-    arena_.connected(lastClient_, now_);
+    const bool watches = seat == 5 && hasSpectator_;
+    arena_.connected(lastClient_, now_, watches ? Role::spectator : Role::player);
   }
   void say(std::size_t seat, std::string_view bytes) {
     Person& person = people_[seat];
@@ -107,6 +111,7 @@ class Table : private ArenaOutput {
     }
   }
 
+  const bool hasSpectator_;
   Millis now_ = 5'000;
   std::array<Person, 6> people_;
   std::map<ClientId, std::size_t> sentTo_;
@@ -124,7 +129,8 @@ void run(Input input) {
                          .respawnWaitMs = 500,
                          .incomePerMinute = 6'000,
                          .coach = true,
-                         .speedFactor = (flags & 8) != 0 ? 3.0 : 0.0};
+                         .speedFactor = (flags & 8) != 0 ? 3.0 : 0.0,
+                         .spectators = (flags & 16) != 0 ? 1 : 0};
   Table table(flags % 6, (flags & 64) != 0 ? "sesame" : "", rules);
   // After byte 255 comes an action and its target. Everything else is sent by the current client.
   std::size_t seat = 0;

@@ -260,6 +260,42 @@ TEST_F(Spectators, CanBeExpelled) {
   EXPECT_TRUE(got[ann].empty());
 }
 
+TEST_F(Spectators, TheObserverGetsTheSameUncounted) {
+  const std::string annsNode = std::to_string(login(ann, "Ann"));
+  say(ann, wire::msgBuyRequest, {"1"});
+  say(ann, wire::msgActivateRequest, {"1"});
+  got.clear();
+  arena.observe(true, now);
+  EXPECT_EQ(all(observerClient, wire::msgPlayerJoined).size(), 1U);
+  EXPECT_EQ(all(observerClient, wire::msgFunds), (std::vector<Fields>{{annsNode, "0"}}));
+  EXPECT_EQ(all(observerClient, wire::msgPowerupOn), (std::vector<Fields>{{annsNode, "1"}}));
+  report(ann, 100, 200);
+  EXPECT_EQ(all(observerClient, wire::msgPosition), (std::vector<Fields>{{annsNode, "100", "200"}}));
+  pass(5'000);
+  EXPECT_EQ(all(observerClient, wire::msgPowerupOff), (std::vector<Fields>{{annsNode, "1"}}));
+  EXPECT_TRUE(all(observerClient, wire::msgPing).empty());
+  EXPECT_TRUE(arena.spectators().empty());
+  arena.observe(false, now);
+  got.clear();
+  report(ann, 300, 200);
+  EXPECT_TRUE(got[observerClient].empty());
+}
+
+TEST_F(Spectators, RoundsAreCounted) {
+  EXPECT_EQ(arena.roundCount(), 0);
+  login(ann, "Ann");
+  EXPECT_EQ(arena.roundCount(), 1);
+  login(bob, "Bob");
+  EXPECT_EQ(arena.roundCount(), 1);
+  arena.endRound();
+  EXPECT_EQ(arena.roundCount(), 1);
+  pass(40);
+  pass(12'000);
+  EXPECT_EQ(arena.roundCount(), 2);
+  arena.restartRound();
+  EXPECT_EQ(arena.roundCount(), 3);
+}
+
 /// A message of random bytes, or of a known kind with random fields.
 std::string randomMessage(std::mt19937& random) {
   const auto below = [&](int limit) { return std::uniform_int_distribution(0, limit - 1)(random); };

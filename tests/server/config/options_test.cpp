@@ -102,6 +102,32 @@ TEST(ServerOptions, ReachTheWebServerAndTheIncome) {
   EXPECT_EQ(parse({"--income", "6000"}).error, "");
 }
 
+TEST(ServerOptions, SpectatorsHaveTheNextPort) {
+  EXPECT_EQ(parse({}).rules.spectators, 0);
+  EXPECT_EQ(parse({"--spectators", "32"}).rules.spectators, 32);
+  EXPECT_EQ(parse({"--spectators", "32"}).portOfSpectators(), 2011);
+  EXPECT_EQ(parse({"--spectators", "32", "--port", "0"}).portOfSpectators(), 0);
+  EXPECT_EQ(parse({"--spectators", "32", "--spectator-port", "99"}).portOfSpectators(), 99);
+  EXPECT_NE(parse({"--spectators", "65"}).error, "");
+  EXPECT_EQ(parse({"--spectator-port", "99"}).error, "a port for spectators needs --spectators");
+  EXPECT_EQ(parse({"--spectators", "1", "--port", "65535"}).error,
+            "there is no port after the game's, so spectators need --spectator-port");
+  EXPECT_EQ(parse({"--spectators", "1", "--port", "65535", "--spectator-port", "0"}).error, "");
+}
+
+TEST(ServerOptions, RoundsAreRecordedOrShown) {
+  const Parsed options = parse({"--record", "rounds", "--record-count", "5", "--record-size", "7"});
+  EXPECT_EQ(options.error, "");
+  EXPECT_EQ(options.record.folder, "rounds");
+  EXPECT_EQ(options.record.maxCount, 5);
+  EXPECT_EQ(options.record.maxMebibytes, 7);
+  EXPECT_NE(parse({"--record-count", "0"}).error, "");
+  EXPECT_NE(parse({"--record-size", "0"}).error, "");
+  EXPECT_EQ(parse({"--replay", "a.round"}).replayFile, "a.round");
+  EXPECT_EQ(parse({"--replay", "a.round", "--record", "rounds"}).error, "a replay can't be recorded again");
+  EXPECT_EQ(parse({"--replay", "a.round", "--publish", "http://h"}).error, "a replay isn't a game that lists can have");
+}
+
 TEST(ServerOptions, ThatAreInvalidAreReported) {
   EXPECT_NE(parse({"--prot", "1"}).error, "");
   EXPECT_NE(parse({"2010"}).error, "");
