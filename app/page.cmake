@@ -1,14 +1,14 @@
 # The page for browsers: the program, and what it loads. It is published in build/web/site, where the server finds it.
 set(stage ${CMAKE_BINARY_DIR}/stage)
 set(page ${CMAKE_SOURCE_DIR}/platform/web/page)
-add_executable(kelvora webMain.cpp)
+add_executable(kelvora webMain.cpp recordGame.cpp gameState.cpp)
 set_target_properties(kelvora PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${stage})
-target_link_libraries(kelvora PRIVATE kelvora_client kelvora_web)
+target_link_libraries(kelvora PRIVATE kelvora_client kelvora_web kelvora_recording)
 target_link_options(kelvora PRIVATE
   -sENVIRONMENT=web -sALLOW_MEMORY_GROWTH=1 -sINITIAL_MEMORY=32MB
   "-sEXPORTED_RUNTIME_METHODS=['callMain']"
   "SHELL:--js-library ${page}/library.js")
-set(parts text.js events.js touch.js input.js sockets.js glyphs.js settings.js sound.js windows.js menus.js grid.js controls.js start.js)
+set(parts text.js events.js touch.js input.js sockets.js glyphs.js settings.js sound.js windows.js menus.js recording.js grid.js controls.js start.js)
 foreach(part ${parts})
   target_link_options(kelvora PRIVATE "SHELL:--extern-pre-js ${page}/${part}")
 endforeach()

@@ -1,30 +1,22 @@
 #include "app/recordGame.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <exception>
-#include <memory>
+#include <utility>
 
 #include "app/gameState.h"
 #include "core/startUp.h"
 #include "platform/desktop/handlerCall.h"
-#include "platform/recording/file.h"
 #include "platform/recording/recorder.h"
 
 namespace kelvora {
 
-void startGameRecorded() {
-  const char* const file = std::getenv("KELVORA_RECORD");
-  if (file == nullptr || *file == '\0') return modMain::startGame();
+void recordGame(std::unique_ptr<recording::Sink> sink, const std::string& name) {
+  if (!sink->isGood()) return modMain::startGame();
   // Outlives the game, whose objects live until the process ends.
-  static const auto recorder =
-      std::make_unique<recording::Recorder>(backend(), std::make_unique<recording::RecordingFile>(file), gameState);
-  if (!recorder->isRecording()) {
-    std::fprintf(stderr, "kelvora: the recording %s can't be written, so this game isn't recorded\n", file);
-    return modMain::startGame();
-  }
+  static std::unique_ptr<recording::Recorder> recorder;
+  recorder = std::make_unique<recording::Recorder>(backend(), std::move(sink), gameState);
   installBackend(recorder.get());
-  nameRecording(file);
+  nameRecording(name);
   try {
     modMain::startGame();
   } catch (const std::exception& fault) {

@@ -1,4 +1,4 @@
-#include "app/recordGame.h"
+#include "app/recordToFile.h"
 #include "platform/desktop/runDesktop.h"
 
 // The program reads its arguments itself, because those of a plain `main` lack characters.

@@ -132,7 +132,8 @@ bool Reader::readBlock() {
     while (block[i].all.size() < sizes[i]) {
       if (contents_.isEmpty()) contents_ = {source_(), 0};
       if (contents_.isEmpty()) return false;
-      const std::size_t part = std::min(sizes[i] - block[i].all.size(), contents_.all.size() - contents_.at);
+      const auto part = static_cast<std::size_t>(
+          std::min<std::uint64_t>(sizes[i] - block[i].all.size(), contents_.all.size() - contents_.at));
       block[i].all.append(contents_.all, contents_.at, part);
       contents_.at += part;
     }

@@ -63,4 +63,11 @@ void page_playMusic(const char* file);
 void page_stopMusic();
 /// The music's state, as in PlayState.
 int page_musicState();
+
+/// 1 if the visitor wants this game recorded.
+int page_wantsRecording();
+/// Begins the recording. Its file begins with these bytes.
+void page_beginRecording(const char* head, std::size_t size);
+/// Adds contents, which the page compresses. 0 if the recording has become too large.
+int page_record(const char* contents, std::size_t size);
 }

@@ -49,9 +49,8 @@ class WebPeer : public Peer, public PageObject {
   Control& control_;
 };
 
-/// Sets the handler of touches on the canvas, which gets their place in twips. If it returns false, the touch steers
-/// like the mouse.
-void setTouchHandler(bool (*handler)(float x, float y));
+/// Sets what tells the key of a touched place on the canvas, in twips. Where it is 0, the touch steers like the mouse.
+void setTouchHandler(int (*keyAt)(float x, float y));
 
 /// The font in CSS, with `points` as its size.
 std::string cssFont(const FontSpec& font, float points);

@@ -1,6 +1,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/desktop/handlerCall.h"
 #include "platform/pictureBox.h"
 #include "platform/web/page.h"
 #include "platform/web/webPeer.h"
@@ -11,7 +12,7 @@ namespace kelvora {
 
 namespace {
 
-bool (*touchHandler)(float x, float y) = nullptr;
+int (*touchedKey)(float x, float y) = nullptr;
 
 /// A picture box's background in front of it. The page shows the whole picture as large as fits into the box.
 class FrontPicture : public PageObject {
@@ -44,7 +45,9 @@ class PictureBoxPeer : public WebPeer {
     if (event.kind == PageEventKind::Touched) {
       const auto x = static_cast<float>(event.numbers[2] * twipsPerPixel);
       const auto y = static_cast<float>(event.numbers[3] * twipsPerPixel);
-      isTouchHandled_ = touchHandler != nullptr && touchHandler(x, y);
+      const int key = touchedKey != nullptr ? touchedKey(x, y) : 0;
+      isTouchHandled_ = key != 0;
+      if (key != 0) raiseEvent(box_, box_.KeyDown, key, 0);
     }
     if (event.kind == PageEventKind::Released) isTouchHandled_ = false;
     if (event.kind == PageEventKind::MouseMove && isTouchHandled_) return;
@@ -84,7 +87,7 @@ class PictureBoxPeer : public WebPeer {
 
 }  // namespace
 
-void setTouchHandler(bool (*handler)(float x, float y)) { touchHandler = handler; }
+void setTouchHandler(int (*keyAt)(float x, float y)) { touchedKey = keyAt; }
 
 void makePeer(PictureBox& box, int parent) { box.peer = std::make_unique<PictureBoxPeer>(box, parent); }
 

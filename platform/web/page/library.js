@@ -73,4 +73,8 @@ mergeInto(LibraryManager.library, {
   page_playMusic: function(file) { return playMusic(UTF8ToString(file)); },
   page_stopMusic: function() { return stopMusic(); },
   page_musicState: function() { return musicState; },
+
+  page_wantsRecording: function() { return wantsRecording() ? 1 : 0; },
+  page_beginRecording: function(bytes, size) { return beginRecording(HEAPU8.slice(bytes, bytes + size)); },
+  page_record: function(bytes, size) { return record(HEAPU8.slice(bytes, bytes + size)) ? 1 : 0; },
 });

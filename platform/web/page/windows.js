@@ -119,6 +119,7 @@ function leaveDesk(control) {
 
 function showWindow(control) {
   mainWindow = mainWindow || control;
+  if (control === mainWindow) addRecordMenu(control);
   control.element.classList.toggle('main', control === mainWindow);
   control.element.hidden = false;
   if (!shownWindows.includes(control)) shownWindows.push(control);

@@ -1,0 +1,79 @@
+"""Recordings from the page, which the desktop's program plays again."""
+
+import base64
+import os
+import pathlib
+import subprocess
+
+from harness import wait_for
+from pageTest import PageTest, unittest
+from protocol import PLAYER_JOINED, POSITION
+from spy import Spy
+
+REPLAY = pathlib.Path(os.environ["KELVORA_CLIENT"]).with_name("kelvora-replay")
+
+
+class Recording(PageTest):
+
+    def saved(self, page):
+        """Chooses the menu and returns the file that the browser is offered."""
+        page.evaluate("(HTMLAnchorElement.prototype.click = function () { window.offered = [this.href, this.download]; }, 1)")
+        page.choose("Save recording")
+        address, name = page.wait_for("window.offered")
+        self.assertRegex(name, r"^kelvora-[-0-9T]+\.recording$")
+        text = page.evaluate(f"fetch('{address}').then((answer) => answer.blob()).then((blob) => new Promise((done) => {{ "
+                             "const reader = new FileReader(); reader.onload = () => done(reader.result); "
+                             "reader.readAsDataURL(blob); }))")
+        file = pathlib.Path(self.browser.folder.name, name)
+        file.write_bytes(base64.b64decode(text.split(",", 1)[1]))
+        return file
+
+    def is_loaded_to_record(self, page):
+        try:
+            return page.see("by('.menubar button', 'Save recording') && dialog('Connect')")
+        except RuntimeError:
+            return False  # the browser is between the two pages
+
+    def verify(self, file):
+        return subprocess.run([REPLAY, "--verify", file], stdin=subprocess.DEVNULL, capture_output=True, text=True)
+
+    def test_a_recorded_match_is_the_same_on_the_desktop(self):
+        server, page = self.begin("--bots", "3")
+        page.press_button("Cancel", "dialog('Connect')")
+        page.choose("Record")
+        wait_for(lambda: self.is_loaded_to_record(page), "the page that records")
+        spy = Spy(server.port, "Spy")
+        self.addCleanup(spy.close)
+        page.connect()
+        node = spy.await_frame(PLAYER_JOINED, lambda fields: fields[2] == b"Ann")[0]
+        page.wait_for_status("Connected")
+        width, height = page.canvas_size()
+        page.release_brakes(width / 2 + 90, height / 2 + 30)
+        page.type("hello")
+        page.press("Enter")
+        page.tap(*page.middle("canvas()"))
+        for _ in range(100):
+            spy.await_frame(POSITION, lambda fields: fields[0] == node)
+        page.choose("File", "Disconnect")
+        page.wait_for_status("Closed")
+        self.assertEqual(page.complaints(), [])
+        file = self.saved(page)
+        done = self.verify(file)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        frames = int(done.stdout.split(" frames in")[0].split()[-1])
+        self.assertGreater(frames, 300, done.stdout)
+        # The next load is an ordinary one.
+        page.reload()
+        page.wait_for("by('.menubar button', 'Record') && dialog('Connect')")
+
+    def test_a_connected_player_is_not_thrown_out(self):
+        _, page = self.begin()
+        line = self.log_in(page)
+        page.choose("Record")
+        page.wait_for("box() && words(box()).includes('Disconnect first.')")
+        page.press_button("OK", "box()")
+        line.ask()
+
+
+if __name__ == "__main__":
+    unittest.main()
