@@ -46,7 +46,7 @@ class Player(DesktopTest):
     def canvas(self):
         left, top, _, _ = self.client.window.geometry()
         # Without the edge, where the player's window may be.
-        return self.display.picture((left, top + self.client.menu, 762, 500)).pixels()
+        return self.display.picture((left, top + round(self.client.menu), 762, 500)).pixels()
 
     def pause_at(self, time):
         self.press("space")
