@@ -70,8 +70,6 @@ class Game {
 
 inline constexpr int steps = 40;
 
-inline std::string login(const std::string& name) { return frameOf(wire::msgLogin, {name, "", "0", KELVORA_VERSION}); }
-
 /// A server with two players on it, while a test attacks it.
 class UnderAttack : public testing::Test {
  protected:

@@ -8,7 +8,6 @@
 #include <fstream>
 #include <string>
 
-#include "generated/version.h"
 #include "server/system/process.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
@@ -24,8 +23,6 @@ Options withSpectators(int count) {
   options.rules.spectators = count;
   return options;
 }
-
-std::string login(const std::string& name) { return frameOf(wire::msgLogin, {name, "", "0", versionText()}); }
 
 TEST(SpectatorPort, ShowsPlayersWhoDontHearOfIt) {
   const RunningServer server(withSpectators(2));

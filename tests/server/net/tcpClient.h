@@ -125,6 +125,11 @@ class TcpClient {
   int socket_;
 };
 
+/// The frame of a login without a password.
+inline std::string login(const std::string& name, const std::string& version = KELVORA_VERSION) {
+  return frameOf(wire::msgLogin, {name, "", "0", version});
+}
+
 /// A client that speaks the game's protocol.
 class Client : public TcpClient {
  public:
@@ -132,7 +137,7 @@ class Client : public TcpClient {
 
   void say(std::int16_t id, const std::vector<std::string>& fields) { write(frameOf(id, fields)); }
   void login(const std::string& name, const std::string& version = KELVORA_VERSION) {
-    say(wire::msgLogin, {name, "", "0", version});
+    write(server::login(name, version));
   }
 
   /// The next frame's id and text; empty at the end of the connection or after a timeout.

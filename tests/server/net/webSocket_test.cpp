@@ -40,8 +40,6 @@ class WebSocketTest : public testing::Test {
   }
 };
 
-std::string login(const std::string& name) { return frameOf(wire::msgLogin, {name, "", "0", versionText()}); }
-
 TEST_F(WebSocketTest, AnswersTheHandshakeByTheStandard) {
   WebSocketClient client(server.port());
   ASSERT_TRUE(client.open("Sec-WebSocket-Extensions: permessage-deflate\r\n"));
