@@ -189,7 +189,8 @@ def measure_game():
             figures.append((memory(browser) - empty, rate))
             print("{:6} {:8.0f} {:16.0f}".format(minute, *figures[-1]), flush=True)
         more, rates = zip(*figures)
-        print(f"memory above an empty tab: {max(more):.0f} MB at most, {more[-1]:.0f} MB in the end")
+        print(f"memory above an empty tab: {max(more):.0f} MB at most, {more[-1]:.0f} MB in the end, "
+              f"in {OPTIONS.minutes} minutes of play")
         print(f"passes a second: {statistics.median(rates):.0f}")
     with_page(play, "--bots", "4", "--skill", "easy")
 

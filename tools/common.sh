@@ -74,8 +74,8 @@ install_packages() {
   "${apt[@]}" install -y --no-install-recommends "${missing[@]}" </dev/null && return
   fail "apt-get could not install: ${missing[*]}" \
     "See above. Common remedies: connect to the network; wait for another installation to finish; on Ubuntu, enable" \
-    "'universe' (add-apt-repository universe). Debian 12, Ubuntu 24.04 and newer have all of these packages. Then try" \
-    "again."
+    "'universe' (add-apt-repository universe). Debian 12 has all of these packages, Ubuntu 24.04 all but Chromium and" \
+    "Firefox, which only './check web' needs. Then try again."
 }
 
 # configure PRESET [cmake arguments]: configures build/PRESET, with ccache where it is installed.
