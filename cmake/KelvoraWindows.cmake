@@ -13,7 +13,8 @@ add_custom_target(kelvora_icon DEPENDS ${icon})
 
 # kelvora_windows_program(TARGET DESCRIPTION): gives a program its resources. The description is for its properties.
 function(kelvora_windows_program target description)
-  set(manifest ${kelvora_resources}/kelvora.manifest)
+  set(manifest ${CMAKE_CURRENT_BINARY_DIR}/kelvora.manifest)
+  configure_file(${kelvora_resources}/kelvora.manifest.in ${manifest} @ONLY)
   get_target_property(file ${target} OUTPUT_NAME)
   if(NOT file)
     set(file ${target})

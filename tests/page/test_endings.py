@@ -25,14 +25,21 @@ class Endings(PageTest):
         self.addCleanup(server.close)
         return server
 
-    def test_a_browser_without_webassembly_is_told(self):
+    def expect_too_old(self, change):
+        """Opens the page in a browser that this script has changed."""
         server = self.start_server()
-        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration="() => { delete window.WebAssembly; }")
+        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration=f"() => {{ {change}; }}")
         self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
         page = self.open(server.port)
         page.wait_for(f"{END}.includes('This browser is too old')")
         self.assertFalse(page.see("all('#loading').length"))
         page.keep("old")
+
+    def test_a_browser_without_webassembly_is_told(self):
+        self.expect_too_old("delete window.WebAssembly")
+
+    def test_a_browser_without_simd_is_told(self):
+        self.expect_too_old("WebAssembly.validate = () => false")
 
     def test_missing_files_are_told(self):
         for name in ("kelvora.js", "kelvora.wasm", "kelvora.data"):

@@ -10,13 +10,16 @@ function showEnd(title, text) {
 }
 
 (function () {
-  var isAble = window.WebAssembly && window.HTMLDialogElement && Array.prototype.findLast;
+  // The smallest module that needs SIMD: the type of a function that returns a vector.
+  var vectors = [0, 97, 115, 109, 1, 0, 0, 0, 1, 5, 1, 96, 0, 1, 123];
+  var isAble = window.HTMLDialogElement && Array.prototype.findLast && window.WebAssembly &&
+      WebAssembly.validate(new Uint8Array(vectors));
   var script = document.createElement('script');
   script.src = 'kelvora.js';
   script.onerror = function () { showEnd('Kelvora could not be loaded', 'Reload the page to try again.'); };
   if (isAble) {
     document.body.append(script);
   } else {
-    showEnd('This browser is too old', 'Kelvora needs WebAssembly. Firefox, Chrome, Edge and Safari from 2023 on have it.');
+    showEnd('This browser is too old', 'Kelvora needs WebAssembly with SIMD. Firefox, Chrome, Edge and Safari from 2023 on have it.');
   }
 })();
