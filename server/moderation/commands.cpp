@@ -115,7 +115,11 @@ Outcome Moderation::bans(Call call) {
     if (lowerCase(line).find(word) == line.npos) continue;
     if (++shown <= maxBansShown) answer(call, line);
   }
-  answer(call, std::to_string(shown) + (word.empty() ? " in all." : " with that word."));
+  if (all.empty()) {
+    answer(call, "Nobody is banned or muted.");
+  } else {
+    answer(call, std::to_string(shown) + (word.empty() ? " in all." : " with that word."));
+  }
   return Outcome::done();
 }
 

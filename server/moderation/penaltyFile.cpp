@@ -1,5 +1,6 @@
 #include "server/moderation/penaltyFile.h"
 
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -10,6 +11,10 @@ namespace kelvora::server {
 
 PenaltyFile::PenaltyFile(ModerationHost& host, std::string path) : host_(host), path_(std::move(path)) {
   if (const std::string error = read(); !error.empty()) throw std::runtime_error(error);
+  const std::filesystem::path folder = std::filesystem::path(path_).parent_path();
+  if (!folder.empty() && !std::filesystem::is_directory(folder)) {
+    throw std::runtime_error("cannot write " + path_ + ": there is no folder " + folder.string());
+  }
 }
 
 PenaltyFile::~PenaltyFile() {

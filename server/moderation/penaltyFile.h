@@ -18,7 +18,8 @@ class PenaltyFile {
   static constexpr std::size_t maxSize = 1024UL << 10U;  ///< bytes
   static constexpr Seconds retryAfter = 60;              ///< a failed replacement
 
-  /// Throws std::runtime_error if the file exists but can't be read. Without a path nothing is kept.
+  /// Throws std::runtime_error if the file can't be read although it exists, or if its folder is missing. Without a
+  /// path nothing is kept.
   PenaltyFile(ModerationHost& host, std::string path);
   PenaltyFile(const PenaltyFile&) = delete;
   PenaltyFile& operator=(const PenaltyFile&) = delete;

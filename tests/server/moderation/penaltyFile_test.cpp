@@ -68,6 +68,10 @@ TEST_F(PenaltyFileTest, AFileThatCantBeReadIsAnErrorAtTheStart) {
   EXPECT_THROW(PenaltyFile(host, path), std::runtime_error);
 }
 
+TEST_F(PenaltyFileTest, AFolderThatIsMissingIsAnErrorAtTheStart) {
+  EXPECT_THROW(PenaltyFile(host, path + "/bans"), std::runtime_error);
+}
+
 TEST_F(PenaltyFileTest, RereadingTakesOverWhatTheOperatorWrote) {
   PenaltyFile file(host, path);
   write("mute 192.0.2.9 forever\n");
