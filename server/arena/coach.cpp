@@ -56,7 +56,7 @@ std::string Coach::lineFor(Player& player, Millis now) const {
   lessons.wasAlive = true;
   const bool hasMoved = player.heading.has_value();
   if (!hasMoved && now - player.joined >= brakesAfter && begins(lessons, Lesson::brakes)) {
-    return "Your brakes are on. Press the right mouse button to release them, and steer with the mouse.";
+    return "Your brakes are on. Press the right mouse button, or Brakes on a touch screen, and steer.";
   }
   if (player.lastCapture > 0 && begins(lessons, Lesson::capture)) {
     return "Well done! " + captureText();

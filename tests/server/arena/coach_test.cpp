@@ -30,7 +30,7 @@ class CoachTest : public ArenaTest {
 };
 
 const std::string brakesLine =
-    "Your brakes are on. Press the right mouse button to release them, and steer with the mouse.";
+    "Your brakes are on. Press the right mouse button, or Brakes on a touch screen, and steer.";
 const std::string circleLine =
     "Fly a circle around Bob (Yellow) and cross your own tail. That captures everybody inside.";
 

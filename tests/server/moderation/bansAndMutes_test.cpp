@@ -36,6 +36,7 @@ TEST_F(ModerationTest, ABanCanBeLifted) {
   EXPECT_EQ(answerTo(ann, "!bans mute"), "0 with that word.");
   EXPECT_EQ(answerTo(ann, "!unban cat"), "There is no ban of that name or network. !bans lists them.");
   EXPECT_EQ(answerTo(ann, "!unban bob"), "Lifted the ban of 192.0.2.2.");
+  EXPECT_EQ(answerTo(ann, "!bans"), "Nobody is banned or muted.");
   login(bob, "Bob");
   EXPECT_TRUE(isIn(bob));
 }
