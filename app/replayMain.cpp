@@ -28,7 +28,8 @@ constexpr const char* helpText =
     "  --version         print the version\n"
     "  --help            print this help\n"
     "\n"
-    "Exit status: 0 if the replay is exact, 1 if it is not or the recorded game failed, 2 if it can't be read.\n";
+    "Exit status: 2 if the recording can't be read. With --verify, --frames or --video, 1 if the replay is not\n"
+    "exact or the recorded game failed. 0 otherwise.\n";
 
 std::string clock(Millis milliseconds) {
   const long long seconds = milliseconds / 1000;

@@ -11,7 +11,10 @@
 #include "app/player/formState.h"
 #include "app/player/marks.h"
 #include "app/player/pack.h"
+#include "app/player/snapshotPlan.h"
 #include "app/replayGame.h"
+#include "platform/form.h"
+#include "raster/twips.h"
 
 namespace kelvora::player {
 
@@ -20,9 +23,18 @@ namespace {
 using recording::Replay;
 using recording::Sounding;
 
+/// Of all windows.
+double pixelsOf(const std::vector<Form*>& forms) {
+  double pixels = 0;
+  for (const Form* form : forms) {
+    if (form) pixels += static_cast<double>(form->Width) * static_cast<double>(form->Height);
+  }
+  return pixels / (twipsPerPixel * twipsPerPixel);
+}
+
 class Engine {
  public:
-  Engine(Channel player, Millis interval) : channel_(std::move(player)), interval_(interval) {}
+  Engine(Channel player, Millis interval) : channel_(std::move(player)), plan_(interval) {}
 
   void attach(Replay& replay) {
     replay_ = &replay;
@@ -32,13 +44,17 @@ class Engine {
       return true;
     };
     replay.onSound = [this](const Sounding& sounding) {
-      if (!isScout_) soundings_.push_back(sounding);
+      if (sounding.isMusic) {
+        music_ = {sounding.starts ? sounding.file : "", music_.number + 1};
+      } else if (!isScout_) {
+        soundings_.push_back(sounding);
+      }
     };
   }
 
   [[noreturn]] void end(const ReplayReport& report) {
     Pack pack;
-    if (isScout_) pack.field(Tale::End);
+    if (isScout_) pack.field(Report::End);
     pack.field(isScout_ ? report.duration : Millis{-1});
     pack.field(report.text);
     channel_.send(pack.bytes);
@@ -52,7 +68,7 @@ class Engine {
   void reach(Millis next) {
     if (isScout_) {
       tellProgress();
-      if (replay_->elapsed() >= nextSnapshot_) leaveSnapshot();
+      if (plan_.isDue(replay_->elapsed())) leaveSnapshot();
     }
     if (isScout_) return;
     while (next > target_.time || replay_->frames() >= target_.frame) {
@@ -68,7 +84,7 @@ class Engine {
   void tellMarks() {
     for (const Mark& mark : marks_.find(replay_->elapsed())) {
       Pack pack;
-      pack.field(Tale::Mark);
+      pack.field(Report::Mark);
       pack.field(mark.time);
       pack.field(mark.kind);
       pack.field(mark.isOwn);
@@ -82,16 +98,13 @@ class Engine {
     if (replay_->elapsed() < told_ + step) return;
     told_ = replay_->elapsed();
     Pack pack;
-    pack.field(Tale::Progress);
+    pack.field(Report::Progress);
     pack.field(told_);
     tell(pack);
   }
 
   void leaveSnapshot() {
-    constexpr Millis share = 30;
-    constexpr int maxSnapshots = 100;
-    if (++snapshots_ > maxSnapshots) return;
-    nextSnapshot_ = replay_->elapsed() + std::max(interval_, replay_->elapsed() / share);
+    plan_.leave(replay_->elapsed(), pixelsOf(replay_->forms()));
     auto [ours, theirs] = Channel::pair();
     const pid_t snapshot = ::fork();
     if (snapshot == 0) {
@@ -102,7 +115,7 @@ class Engine {
     }
     if (snapshot < 0) return;  // jumps take longer
     Pack pack;
-    pack.field(Tale::Snapshot);
+    pack.field(Report::Snapshot);
     pack.field(replay_->elapsed());
     tell(pack, theirs);
   }
@@ -133,11 +146,12 @@ class Engine {
     pack.field(std::max(replay_->elapsed(), std::min(target_.time, next)));
     pack.field(replay_->frames());
     report_.pack(pack, replay_->forms(), replay_->boxes());
+    pack.field(music_.file);
+    pack.field(music_.number);
     const std::vector<Sounding> soundings = std::exchange(soundings_, {});
     pack.field(soundings.size());
     for (const Sounding& sounding : soundings) {
       pack.field(sounding.file);
-      pack.field(sounding.isMusic);
       pack.field(sounding.starts);
     }
     tell(pack);
@@ -146,12 +160,11 @@ class Engine {
   Channel channel_;  ///< to the player
   Replay* replay_ = nullptr;
   bool isScout_ = true;
+  Music music_;
   // Of the scout.
   MarkFinder marks_;
   Millis told_ = 0;
-  Millis interval_;
-  Millis nextSnapshot_ = 0;
-  int snapshots_ = 0;
+  SnapshotPlan plan_;
   // Of a runner.
   Target target_;
   FormReport report_;

@@ -16,11 +16,19 @@ namespace kelvora::player {
 // *snapshot*, a copy that waits. Asked to, a snapshot makes a *runner*, another copy, which runs on to any later time
 // and describes its windows. So a jump takes as long as an interval at full speed.
 
-/// Time of the recording between two snapshots, in ms. They are farther apart from an hour on.
+/// Time of the recording between two snapshots, in ms. SnapshotPlan says where they are farther apart.
 inline constexpr Millis snapshotInterval = 120'000;
 
 /// What the scout tells. A snapshot's message carries the channel to it.
-enum class Tale : std::uint8_t { Mark, Progress, Snapshot, End };
+enum class Report : std::uint8_t { Mark, Progress, Snapshot, End };
+
+/// The game's current track.
+struct Music {
+  std::string file;          ///< empty if there is none
+  std::uint64_t number = 0;  ///< tells a track that begins again from one that goes on
+
+  bool operator==(const Music&) const = default;
+};
 
 /// Where a runner stops: before time passes this moment, or after that frame, whichever comes first.
 struct Target {

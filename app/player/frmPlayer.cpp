@@ -93,12 +93,6 @@ double FrmPlayer::speed() const { return speeds.at(static_cast<std::size_t>(spee
 void FrmPlayer::playOrPause() {
   if (!isPlaying_ && playback_.isAtEnd()) jump(0);
   isPlaying_ = !isPlaying_;
-  if (!music_) return;
-  if (isPlaying_ && !track_.empty()) {
-    music_->play(track_);
-  } else {
-    music_->stop();
-  }
 }
 
 void FrmPlayer::changeSpeed(int steps) {
@@ -118,18 +112,24 @@ void FrmPlayer::jump(Millis time) {
 }
 
 void FrmPlayer::jumpToMark(Mark::Kind kind, int direction) {
-  // Just before it, so that it can be seen. Going back skips the mark that is about to come.
+  // Just before it, so that it can be seen. Going back skips the mark of the last jump until it has been seen.
   constexpr Millis lead = 1500;
   const std::vector<Mark>& marks = playback_.marks();
-  const Millis here = position() + lead;
+  const bool isAwaited = position() >= markTime_ - lead && position() <= markTime_;
+  const Millis before = isAwaited ? markTime_ : position();
+  const auto jumpTo = [&](const Mark& mark) {
+    markTime_ = mark.time;
+    jump(mark.time - lead);
+  };
   if (direction > 0) {
-    const auto next = std::find_if(marks.begin(), marks.end(),
-                                   [&](const Mark& mark) { return mark.kind == kind && mark.time > here; });
-    if (next != marks.end()) jump(next->time - lead);
+    const auto next = std::find_if(marks.begin(), marks.end(), [&](const Mark& mark) {
+      return mark.kind == kind && mark.time > position() + lead;
+    });
+    if (next != marks.end()) jumpTo(*next);
   } else {
     const auto previous = std::find_if(marks.rbegin(), marks.rend(),
-                                       [&](const Mark& mark) { return mark.kind == kind && mark.time < here; });
-    if (previous != marks.rend()) jump(previous->time - lead);
+                                       [&](const Mark& mark) { return mark.kind == kind && mark.time < before; });
+    if (previous != marks.rend()) jumpTo(*previous);
   }
 }
 
@@ -147,8 +147,9 @@ void FrmPlayer::tick() {
     position_ += static_cast<double>(passed) * speed();
     if (position() > playback_.time()) playback_.goTo(position());
   }
-  addLines();
   followLine();
+  addLines();
+  followMusic();
   paint();
 }
 
@@ -159,18 +160,20 @@ void FrmPlayer::addLines() {
   for (; seenMarks_ < marks.size(); ++seenMarks_) {
     const Mark& mark = marks[seenMarks_];
     if (mark.kind != Mark::Kind::Line) continue;
-    lineTimes_.push_back(mark.time);
+    if (lineTimes_.empty()) grdLines.AddItem("Time\tConsole");
     grdLines.AddItem(clockText(mark.time) + "\t" + mark.text);
+    grdLines.FixedRows = 1;
+    grdLines.Row = 0;
+    lineTimes_.push_back(mark.time);
   }
-  if (grdLines.Row >= 0 && shownRow_ < 0) shownRow_ = grdLines.Row;
 }
 
-/// The user has chosen another line.
+/// Jumps to a line that the user has chosen. Then none is chosen, so that each can be chosen again.
 void FrmPlayer::followLine() {
   const int row = grdLines.Row;
-  if (row == shownRow_ || row < 0) return;
-  shownRow_ = row;
-  jump(lineTimes_.at(static_cast<std::size_t>(row)));
+  if (row < 1) return;
+  grdLines.Row = 0;
+  jump(lineTimes_.at(static_cast<std::size_t>(row - 1)));
   strip.SetFocus();
 }
 
@@ -233,16 +236,6 @@ void FrmPlayer::click(float x, float y) {
 // Sound, which only makes sense at the recording's own pace.
 
 void FrmPlayer::hear(const recording::Sounding& sounding) {
-  if (sounding.isMusic) {
-    track_ = sounding.starts ? sounding.file : "";
-    if (!music_) music_ = backend().createMusic();
-    if (sounding.starts) {
-      music_->play(track_);
-    } else {
-      music_->stop();
-    }
-    return;
-  }
   std::unique_ptr<SoundPeer>& sound = sounds_[sounding.file];
   if (!sound) {
     sound = backend().createSound();
@@ -252,6 +245,19 @@ void FrmPlayer::hear(const recording::Sounding& sounding) {
     sound->play();
   } else {
     sound->stop();
+  }
+}
+
+/// Plays the recording's track, from its beginning.
+void FrmPlayer::followMusic() {
+  const Music wanted = isPlaying_ && speedStep_ == normalSpeed ? playback_.music() : Music{};
+  if (wanted == played_) return;
+  played_ = wanted;
+  if (!music_) music_ = backend().createMusic();
+  if (wanted.file.empty()) {
+    music_->stop();
+  } else {
+    music_->play(wanted.file);
   }
 }
 

@@ -54,6 +54,7 @@ class FrmPlayer : public Form {
   void pressCode(int code);
   void click(float x, float y);
   void hear(const recording::Sounding& sounding);
+  void followMusic();
   std::string status() const;
   float barX(Millis time) const;
   Millis timeAt(float x) const;
@@ -63,14 +64,14 @@ class FrmPlayer : public Form {
   int speedStep_ = 2;
   Millis lastTick_ = 0;
   double position_ = 0;  ///< ms; the frame that is shown may be a little later
+  Millis markTime_ = 0;  ///< of the mark to which the last such jump led
   bool isDragging_ = false;
   bool isStepping_ = false;
-  std::vector<Millis> lineTimes_;  ///< of the grid's rows
+  std::vector<Millis> lineTimes_;  ///< of the grid's rows below the heading
   std::size_t seenMarks_ = 0;
-  int shownRow_ = 0;
   std::map<std::string, std::unique_ptr<SoundPeer>> sounds_;
   std::unique_ptr<MusicPeer> music_;
-  std::string track_;
+  Music played_;
   std::string painted_;  ///< what the strip shows
 };
 

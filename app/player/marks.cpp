@@ -20,26 +20,18 @@ void MarkFinder::findCaptures(std::vector<Mark>& found, Millis now) {
   std::vector<const clsPlayer*> players{&world.localPlayer};
   for (const clsPlayer& opponent : world.opponents) players.push_back(&opponent);
   players_.resize(players.size());
-  std::string victims;
-  std::string winners;
+  bool isCapture = false;
   bool isOwn = false;
   for (std::size_t i = 0; i < players.size(); ++i) {
     const clsPlayer& player = *players[i];
     const Player before = players_[i];
     players_[i] = {player.isConnected && player.alive, player.isConnected ? player.kills : 0};
     if (!player.isConnected) continue;
-    const auto add = [&](std::string& names) {
-      names += (names.empty() ? "" : ", ") + player.name;
-      isOwn = isOwn || i == 0;
-    };
-    if (players_[i].kills > before.kills && before.isAlive) add(winners);
-    if (before.isAlive && !players_[i].isAlive) add(victims);
+    if (!before.isAlive || (players_[i].isAlive && players_[i].kills <= before.kills)) continue;
+    isCapture = true;
+    isOwn = isOwn || i == 0;
   }
-  if (winners.empty() && victims.empty()) return;
-  const std::string text = winners.empty()   ? victims + " captured"
-                           : victims.empty() ? winners + " captures"
-                                             : winners + " captures " + victims;
-  found.push_back({now, Mark::Kind::Capture, isOwn, text});
+  if (isCapture) found.push_back({now, Mark::Kind::Capture, isOwn, {}});
 }
 
 void MarkFinder::findLines(std::vector<Mark>& found, Millis now) {

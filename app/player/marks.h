@@ -15,7 +15,7 @@ struct Mark {
   Millis time = 0;  ///< ms since the start
   Kind kind = Kind::Capture;
   bool isOwn = false;  ///< the local player captures or is captured
-  std::string text;
+  std::string text;    ///< of a line
 };
 
 /// Finds captures and lines of the console in a running game.

@@ -5,12 +5,14 @@
 #include <filesystem>
 #include <utility>
 
+#include "app/gameState.h"
 #include "app/player/engine.h"
 #include "app/player/frmPlayer.h"
 #include "app/player/playback.h"
 #include "platform/desktop/dataFolder.h"
 #include "platform/desktop/runDesktop.h"
 #include "platform/recording/file.h"
+#include "platform/recording/replay.h"
 
 namespace kelvora::player {
 
@@ -30,22 +32,23 @@ void place(Form& game, Form& player) {
 void show() {
   Playback playback(std::move(scout));
   // The first window to be shown is the main one, and the others stay in front of it.
-  constexpr Millis step = 100;
-  for (Millis time = 0; playback.mirror().forms().empty() && !playback.isAtEnd(); time += step) {
-    playback.goTo(time);
-    playback.wait();
-    if (playback.isScouted() && time > playback.length()) break;
-  }
+  playback.goToFirstWindow();
   FrmPlayer player(playback, fileName);
   const std::vector<Form*> forms = playback.mirror().forms();
   if (!forms.empty()) place(*forms.front(), player);
   player.Show(Form::Modality::Modal);
 }
 
+/// Throws Damaged if the recording has no head.
+void requireHead(const std::string& file) {
+  const recording::Replay replay(recording::openRecording(file), dataFolder(), gameState);
+}
+
 }  // namespace
 
 void playRecording(const std::string& file, char* program) {
   fileName = std::filesystem::path(file).filename().string();
+  requireHead(file);
   // The other processes are copies of this one, which has no threads or windows yet.
   scout = startScout(recording::openRecording(file), dataFolder());
   std::array<char*, 2> arguments{program, nullptr};

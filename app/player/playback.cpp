@@ -28,26 +28,26 @@ void Playback::hearScout() {
       scout_.close();
       return;
     }
-    Unpack tale(message->text);
-    switch (tale.value<Tale>()) {
-      case Tale::Mark: {
+    Unpack report(message->text);
+    switch (report.value<Report>()) {
+      case Report::Mark: {
         Mark mark;
-        tale.field(mark.time);
-        tale.field(mark.kind);
-        tale.field(mark.isOwn);
-        tale.field(mark.text);
+        report.field(mark.time);
+        report.field(mark.kind);
+        report.field(mark.isOwn);
+        report.field(mark.text);
         if (marks_.size() < maxMarks) marks_.push_back(std::move(mark));
         break;
       }
-      case Tale::Progress:
-        tale.field(length_);
+      case Report::Progress:
+        report.field(length_);
         break;
-      case Tale::Snapshot:
-        snapshots_.push_back({tale.value<Millis>(), std::move(message->passed)});
+      case Report::Snapshot:
+        snapshots_.push_back({report.value<Millis>(), std::move(message->passed)});
         break;
-      case Tale::End:
-        tale.field(length_);
-        tale.field(ending_);
+      case Report::End:
+        report.field(length_);
+        report.field(ending_);
         isScouted_ = true;
         break;
     }
@@ -72,16 +72,27 @@ void Playback::hearRunner() {
   isAtEnd_ = isScouted_ && time_ >= length_ - 1;
   state.field(frame_);
   mirror_.show(state);
+  state.field(music_.file);
+  state.field(music_.number);
   for (auto count = state.value<std::size_t>(); count > 0; --count) {
     recording::Sounding sounding;
     state.field(sounding.file);
-    state.field(sounding.isMusic);
     state.field(sounding.starts);
     if (onSound && !isJump_) onSound(sounding);
   }
 }
 
 void Playback::goTo(Millis time) { wanted_ = Target{std::max<Millis>(time, 0), anyFrame}; }
+
+void Playback::goToFirstWindow() {
+  constexpr Millis step = 100;
+  constexpr Millis longest = 60'000;
+  for (Millis time = 0; time <= longest && mirror_.forms().empty() && !isAtEnd_; time += step) {
+    goTo(time);
+    wait();
+    if (isScouted_ && time > length_) return;
+  }
+}
 
 void Playback::step() {
   constexpr Millis longestPause = 1000;  // where there are no frames

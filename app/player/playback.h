@@ -16,7 +16,7 @@
 
 namespace kelvora::player {
 
-/// Shows a recording's windows at any of its times. The game runs in other processes, so only the two calls that say so
+/// Shows a recording's windows at any of its times. The game runs in other processes, so only the calls that say so
 /// wait for it.
 class Playback {
  public:
@@ -41,17 +41,20 @@ class Playback {
   // What is shown.
   Millis time() const { return time_; }
   std::uint64_t frame() const { return frame_; }
+  const Music& music() const { return music_; }
   bool isAtEnd() const { return isAtEnd_; }
   /// True while a picture is awaited.
   bool isBusy() const { return isAsked_ || wanted_; }
   const FormMirror& mirror() const { return mirror_; }
 
+  /// Waits until a window is there, up to a minute of the recording.
+  void goToFirstWindow();
   /// Goes to a time, forward or back. While busy, only the last request counts.
   void goTo(Millis time);
   /// Goes on to the next frame.
   void step();
 
-  /// Called for each sound that begins or ends while the recording goes on. Jumps are silent.
+  /// Called for each sound effect that begins or ends while the recording goes on. Jumps are silent.
   std::function<void(const recording::Sounding& sounding)> onSound;
 
  private:
@@ -81,6 +84,7 @@ class Playback {
   std::optional<Target> wanted_;
   Millis time_ = 0;
   std::uint64_t frame_ = 0;
+  Music music_;
   bool isAtEnd_ = false;
   FormMirror mirror_;
 };

@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/player/clockText.h"
@@ -13,7 +14,9 @@
 #include "app/player/engine.h"
 #include "app/player/frmPlayer.h"
 #include "app/player/marks.h"
+#include "app/player/pack.h"
 #include "app/player/playback.h"
+#include "app/player/snapshotPlan.h"
 #include "generated/sourceFolder.h"
 #include "platform/recording/file.h"
 #include "platform/recording/handlers.h"
@@ -118,13 +121,10 @@ TEST_F(PlayerTest, EveryCaptureIsMarkedWhereItIsAnnounced) {
   const std::string verb = " has captured ";
   int announced = 0;
   for (const Mark& line : marks) {
-    const std::size_t at = line.text.find(verb);
-    if (line.kind != Mark::Kind::Line || at == std::string::npos) continue;
+    if (line.kind != Mark::Kind::Line || line.text.find(verb) == std::string::npos) continue;
     ++announced;
-    const std::string victim = line.text.substr(at + verb.size());
     const bool isMarked = std::any_of(marks.begin(), marks.end(), [&](const Mark& mark) {
-      return mark.kind == Mark::Kind::Capture && std::abs(mark.time - line.time) < 1000 &&
-             mark.text.find(victim) != std::string::npos;
+      return mark.kind == Mark::Kind::Capture && std::abs(mark.time - line.time) < 1000;
     });
     EXPECT_TRUE(isMarked) << line.text << " at " << line.time;
   }
@@ -191,6 +191,25 @@ TEST_F(RecordedPlayerTest, AnOpenMessageBoxOpensAgain) {
   EXPECT_EQ(boxesAt(opened + 400), 1);
   EXPECT_EQ(boxesAt(opened + 1000), 0);
   EXPECT_EQ(boxesAt(opened + 400), 1);
+}
+
+TEST_F(RecordedPlayerTest, AJumpFindsTheTrackThatPlaysThere) {
+  record([](RecordedMatch& game) {
+    if (game.frame() == 50) game.machine.playState = psStopped;  // the track is over
+  });
+  const HeadlessClient client;
+  Playback playback(scoutOf(path));
+  const auto trackAt = [&](Millis time) {
+    playback.goTo(time);
+    playback.wait();
+    return playback.music();
+  };
+  const Music first = trackAt(1000);
+  EXPECT_FALSE(first.file.empty());
+  const Music next = trackAt(3500);
+  EXPECT_NE(next.file, first.file);
+  EXPECT_NE(next.number, first.number);
+  EXPECT_EQ(trackAt(1000), first);
 }
 
 TEST_F(RecordedPlayerTest, AFaultIsTheEnding) {
@@ -283,6 +302,30 @@ TEST_F(FrmPlayerTest, JumpsToCapturesAndLines) {
   EXPECT_TRUE(isMarked(Mark::Kind::Line));
 }
 
+TEST_F(FrmPlayerTest, GoesBackFromMarkToMarkWhilePlaying) {
+  const auto press = [this](char key) {
+    FrmPlayerTest::press(key);
+    pass(3);
+    return form->position();
+  };
+  std::vector<Millis> forward;
+  for (int i = 0; i < 3; ++i) forward.push_back(press('l'));
+  EXPECT_LT(forward[0], forward[1]);
+  EXPECT_LT(forward[1], forward[2]);
+  EXPECT_TRUE(form->isPlaying());
+  EXPECT_LT(press('L'), forward[2]);
+  const Millis back = form->position();
+  EXPECT_LT(press('L'), back);
+}
+
+TEST_F(FrmPlayerTest, GoesBackToAMarkThatHasJustBeenSeen) {
+  press('c');
+  const Millis before = form->position();
+  for (int i = 0; form->position() < before + 1600 && i < 1000; ++i) pass(1);
+  press('C');
+  EXPECT_EQ(form->position(), before);
+}
+
 TEST_F(FrmPlayerTest, JumpsToATypedTimeAndToTheBarsMiddle) {
   press(' ');
   form->txtTime.Text.adopt("0:07");
@@ -299,21 +342,107 @@ TEST_F(FrmPlayerTest, JumpsToAChosenLine) {
   press(' ');
   pass(1);
   const auto& marks = playback->marks();
-  ASSERT_GT(form->grdLines.Rows, 5);
-  form->grdLines.adoptCell(5, 1);
-  pass(1);
   std::vector<Millis> times;
   for (const Mark& mark : marks) {
     if (mark.kind == Mark::Kind::Line) times.push_back(mark.time);
   }
-  EXPECT_EQ(form->position(), times.at(5));
-  EXPECT_EQ(form->grdLines.TextMatrix(5, 0), clockText(times.at(5)));
+  ASSERT_EQ(form->grdLines.Rows, static_cast<int>(times.size()) + 1);
+  // The first one, and each again.
+  for (const int line : {1, 6, 6, 1}) {
+    form->jump(0);
+    form->grdLines.adoptCell(line, 1);
+    pass(1);
+    const Millis time = times.at(static_cast<std::size_t>(line - 1));
+    EXPECT_EQ(form->position(), time);
+    EXPECT_EQ(form->grdLines.TextMatrix(line, 0), clockText(time));
+  }
+}
+
+TEST_F(FrmPlayerTest, MusicPlaysOnlyAtTheRecordingsOwnPace) {
+  pass(1);
+  const HeadlessBackend& machine = client.machine;
+  ASSERT_EQ(machine.tracks.size(), 1U);
+  EXPECT_EQ(machine.playState, psPlaying);
+  form->changeSpeed(1);
+  pass(1);
+  EXPECT_EQ(machine.playState, psStopped);
+  form->changeSpeed(-1);
+  pass(1);
+  EXPECT_EQ(machine.playState, psPlaying);
+  press(' ');
+  pass(1);
+  EXPECT_EQ(machine.playState, psStopped);
+  EXPECT_EQ(machine.tracks.size(), 2U);
 }
 
 TEST_F(FrmPlayerTest, QuestionMarkListsTheKeys) {
   press('?');
   ASSERT_EQ(client.machine.messageBoxes.size(), 1U);
   EXPECT_NE(client.machine.messageBoxes[0].find("previous capture"), std::string::npos);
+}
+
+TEST(Playback, WaitsAMinuteForAWindowAtMost) {
+  auto [scout, ours] = Channel::pair();
+  Millis asked = 0;
+  // A game that never shows a window.
+  std::thread game([&asked, channel = std::move(scout)] {
+    auto [orders, theirs] = Channel::pair();
+    Pack snapshot;
+    snapshot.field(Report::Snapshot);
+    snapshot.field(Millis{0});
+    channel.send(snapshot.bytes, theirs);
+    const auto runner = orders.receive();
+    for (auto order = runner->passed.receive(); order; order = runner->passed.receive()) {
+      asked = Unpack(order->text).value<Target>().time;
+      if (asked > 600'000) return;
+      Pack state;
+      state.field(asked);
+      state.field(std::uint64_t{0});                            // frames
+      for (int i = 0; i < 2; ++i) state.field(std::size_t{0});  // forms, boxes
+      state.field(std::string());                               // music
+      state.field(std::uint64_t{0});
+      state.field(std::size_t{0});  // sounds
+      runner->passed.send(state.bytes);
+    }
+  });
+  {
+    const HeadlessClient client;
+    Playback playback(std::move(ours));
+    playback.goToFirstWindow();
+    EXPECT_FALSE(playback.isAtEnd());
+  }
+  game.join();
+  EXPECT_EQ(asked, 60'000);
+}
+
+class SnapshotPlanTest : public testing::Test {
+ protected:
+  /// The times of all snapshots in so many hours.
+  static std::vector<Millis> times(Millis hours, double pixels) {
+    SnapshotPlan plan(120'000);
+    std::vector<Millis> all;
+    for (Millis now = 0; now <= hours * 3'600'000; now += 10'000) {
+      if (!plan.isDue(now)) continue;
+      all.push_back(now);
+      plan.leave(now, pixels);
+    }
+    return all;
+  }
+};
+
+TEST_F(SnapshotPlanTest, LeavesOneEveryTwoMinutesInTheFirstHour) {
+  EXPECT_EQ(times(1, 800 * 600).size(), 31U);
+  EXPECT_EQ(times(1, 1920 * 1040).size(), 31U);
+}
+
+TEST_F(SnapshotPlanTest, LeavesABoundedNumber) { EXPECT_EQ(times(1000, 800 * 600).size(), 100U); }
+
+TEST_F(SnapshotPlanTest, LeavesFewerOfLargeWindows) {
+  constexpr double pixels = 36'000'000;
+  const std::vector<Millis> few = times(1000, pixels);
+  EXPECT_GE(few.size(), 2U);
+  EXPECT_LT(static_cast<double>(few.size() - 1) * pixels, SnapshotPlan::maxPixels);
+  EXPECT_GT(few[1], 600'000);
 }
 
 TEST(ClockText, ShowsHoursOnlyIfThereAreAny) {
@@ -334,14 +463,17 @@ class MarkFinderTest : public GameTest {
  protected:
   std::vector<std::string> found() {
     std::vector<std::string> texts;
-    for (const Mark& mark : finder.find(1000)) texts.push_back((mark.isOwn ? "own: " : "") + mark.text);
+    for (const Mark& mark : finder.find(1000)) {
+      const std::string capture = mark.isOwn ? "own capture" : "capture";
+      texts.push_back(mark.kind == Mark::Kind::Capture ? capture + mark.text : mark.text);
+    }
     return texts;
   }
   using Texts = std::vector<std::string>;
   MarkFinder finder;
 };
 
-TEST_F(MarkFinderTest, ACaptureNamesWinnerAndVictim) {
+TEST_F(MarkFinderTest, ACaptureIsMarkedOnceAndWithoutNames) {
   login();
   auto& world = modMain::world;
   clsPlayer& bob = world.opponents.at(static_cast<std::size_t>(join(8, 1, "Bob")));
@@ -349,10 +481,10 @@ TEST_F(MarkFinderTest, ACaptureNamesWinnerAndVictim) {
   found();
   bob.kills = 1;
   eve.alive = false;
-  EXPECT_EQ(found(), Texts{"Bob captures Eve"});
+  EXPECT_EQ(found(), Texts{"capture"});
   EXPECT_EQ(found(), Texts{});
   world.localPlayer.alive = false;
-  EXPECT_EQ(found(), Texts{"own: Ann captured"});
+  EXPECT_EQ(found(), Texts{"own capture"});
   eve.alive = true;
   EXPECT_EQ(found(), Texts{});
   eve.isConnected = false;

@@ -1,6 +1,8 @@
 """kelvora-replay with a window: the game's windows, and the player's own."""
 
 import pathlib
+import subprocess
+import tempfile
 import unittest
 
 import harness
@@ -74,6 +76,15 @@ class Player(DesktopTest):
         self.press("period")
         wait_for(lambda: self.canvas() != before, "the next frame")
         self.assertEqual(sorted(self.client.windows()), sorted([harness.TITLE, "Replay of easy"]))
+
+    def test_a_damaged_recording_opens_no_window(self):
+        with tempfile.TemporaryDirectory() as folder:
+            file = pathlib.Path(folder) / "damaged.recording"
+            file.write_bytes((RECORDINGS / "easy").read_bytes()[:20] + b"\0" * 100)
+            done = subprocess.run([PROGRAM, file], stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                                  timeout=harness.PATIENCE)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(f"{file}: ", done.stderr)
 
     def test_closing_the_player_ends_all_its_processes(self):
         self.play("hard")
