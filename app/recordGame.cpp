@@ -1,5 +1,6 @@
 #include "app/recordGame.h"
 
+#include <cstdio>
 #include <exception>
 #include <utility>
 
@@ -17,6 +18,10 @@ void recordGame(std::unique_ptr<recording::Sink> sink, const std::string& name) 
   recorder = std::make_unique<recording::Recorder>(backend(), std::move(sink), gameState);
   installBackend(recorder.get());
   nameRecording(name);
+  recorder->onLoss = [name] {
+    nameRecording({});
+    std::fprintf(stderr, "kelvora: the recording %s can't be written any more and ends here\n", name.c_str());
+  };
   try {
     modMain::startGame();
   } catch (const std::exception& fault) {

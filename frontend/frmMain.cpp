@@ -80,6 +80,7 @@ void FrmMain::connectHandlers() {
     canvas.KeyDown(KeyCode, Shift);
   };
   txtChat.KeyPress = [](int KeyAscii) { netMan::chatKeyPress(KeyAscii); };
+  txtChat.secretAt = netMan::secretAt;
 
   btnShop.Click = [] { modMain::openStore(); };
   btnSpawn.Click = [] { netMan::requestSpawn(); };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <iterator>
 
 #include "base/text.h"
@@ -23,6 +24,8 @@ namespace {
 
 const std::string privatePrefix = "(private) ";
 constexpr Colour privateBack = RGB(128, 128, 255);
+
+bool isPrivate(const std::string& line) { return lowerCase(line.substr(0, privatePrefix.size())) == privatePrefix; }
 
 void setChatText(const std::string& text) {
   frmMain->txtChat.Text = text;
@@ -49,7 +52,7 @@ void receiveChat(std::int16_t node, const std::string& text) {
   const std::int16_t index = modMain::getPlayerIndex(node);
   const std::string name = modMain::getPlayerName(index);
   LineType lineType = LineType::PublicChat;
-  if (lowerCase(text.substr(0, privatePrefix.size())) == privatePrefix) {
+  if (isPrivate(text)) {
     if (index == localIndex) {
       lineType = LineType::PrivateSent;
     } else {
@@ -67,6 +70,13 @@ std::string filterChatText(const std::string& text) {
   std::string kept;
   std::copy_if(text.begin(), text.end(), std::back_inserter(kept), [](unsigned char c) { return c >= 32 && c < 128; });
   return kept;
+}
+
+// A server looks for its commands behind blanks and the private prefix, and gets no special characters.
+std::size_t secretAt(const std::string& line) {
+  std::size_t at = isPrivate(line) ? privatePrefix.size() : 0;
+  while (at < line.size() && (line[at] <= ' ' || line[at] > '~')) ++at;
+  return at < line.size() && line[at] == '!' ? at + 1 : std::string::npos;
 }
 
 void setChatMode(ChatMode mode) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -16,6 +17,8 @@ extern std::string privateTargetName;    ///< empty until a partner is chosen
 void sendChat(const std::string& text);
 /// Keeps only characters 32 to 127.
 std::string filterChatText(const std::string& text);
+/// Where a command to the server begins behind its "!", which may contain a password; npos if the line has none.
+std::size_t secretAt(const std::string& line);
 /// Private starts private chat if a partner is set. Anything else is public chat.
 void setChatMode(ChatMode mode);
 ChatMode getChatMode();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 
 #include "platform/control.h"
@@ -49,6 +51,8 @@ class TextBox : public Control {
 
   Property<std::string> Text;  ///< a single line
   Property<int> SelStart;      ///< caret position in characters, 0 before the first
+  /// If set, returns from which character on no recording may contain a text; npos if it may contain all.
+  std::function<std::size_t(const std::string& text)> secretAt;
   const Design design;
 };
 

@@ -81,10 +81,11 @@ struct RecordingFile::Compressor {
 RecordingFile::RecordingFile(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {
   if (file_ == nullptr) return;
   compressor_ = std::make_unique<Compressor>();
+  isGood_ = true;
   if (compressor_->isReady) {
     putOut(std::string(magic) + static_cast<char>(formatVersion));
   } else {
-    compressor_.reset();
+    fail();
   }
 }
 
@@ -92,8 +93,13 @@ RecordingFile::~RecordingFile() {
   if (file_ != nullptr) std::fclose(file_);
 }
 
+void RecordingFile::fail() {
+  isGood_ = false;
+  compressor_.reset();
+}
+
 void RecordingFile::putOut(std::string_view bytes) {
-  if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) compressor_.reset();
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) fail();
 }
 
 void RecordingFile::deflate(std::string_view contents, int mode) {
@@ -117,12 +123,12 @@ void RecordingFile::put(std::string_view contents) { deflate(contents, Z_NO_FLUS
 
 void RecordingFile::flush() {
   deflate({}, Z_SYNC_FLUSH);
-  if (std::fflush(file_) != 0) compressor_.reset();
+  if (compressor_ && std::fflush(file_) != 0) fail();
 }
 
 void RecordingFile::finish() {
   deflate({}, Z_FINISH);
-  std::fflush(file_);
+  if (compressor_ && std::fflush(file_) != 0) fail();
   compressor_.reset();
 }
 

@@ -18,7 +18,7 @@ class RecordingFile : public Sink {
   RecordingFile(const RecordingFile&) = delete;
   RecordingFile& operator=(const RecordingFile&) = delete;
 
-  bool isGood() const override { return compressor_ != nullptr; }
+  bool isGood() const override { return isGood_; }
   void put(std::string_view contents) override;
   void flush() override;
   void finish() override;
@@ -27,9 +27,11 @@ class RecordingFile : public Sink {
   struct Compressor;
   void deflate(std::string_view contents, int mode);
   void putOut(std::string_view bytes);
+  void fail();
 
   std::FILE* file_;
   std::unique_ptr<Compressor> compressor_;  ///< null after an error or the end
+  bool isGood_ = false;
 };
 
 /// The uncompressed contents of a recording's file. Throws Damaged if it is no recording or has a newer format.

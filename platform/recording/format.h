@@ -62,11 +62,15 @@ enum class EventId : std::uint8_t {
 /// Handlers of sockets.
 enum class SocketEventId : std::uint8_t { Connect = 1, Close, DataArrival };
 
+inline constexpr std::int64_t dayLength = 24 * 3600 * 1000;  ///< ms
+
 // Bounds of what a file may contain.
 inline constexpr std::size_t maxFile = 256 * 1024 * 1024;    ///< bytes
 inline constexpr std::size_t maxText = 1024 * 1024;          ///< bytes of a text
 inline constexpr std::size_t maxPortion = 64 * 1024 * 1024;  ///< bytes that a socket delivers at once
+inline constexpr std::size_t maxName = 100;                  ///< bytes of the name of a font or a sum
 inline constexpr std::size_t maxParts = 100;                 ///< sums in one check
+inline constexpr std::size_t maxFonts = 1000;                ///< with letters, and as many with a line height
 inline constexpr int maxGlyphSide = 512;                     ///< pixels
 inline constexpr std::size_t maxGlyphBytes = 64 * 1024 * 1024;
 inline constexpr int maxNesting = 100;        ///< calls within handlers within calls

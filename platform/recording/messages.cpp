@@ -10,7 +10,7 @@ namespace kelvora::recording {
 
 namespace {
 
-// The game's protocol: a frame's start and end, and what separates its fields.
+// A frame's start and end, and what separates its fields. They are the protocol's, but belong to the format of files.
 constexpr char start = '\x80';
 constexpr char end = '\x81';
 constexpr char separator = '\x82';

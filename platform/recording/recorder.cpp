@@ -22,11 +22,41 @@ constexpr std::string_view hidden = "hidden";
 constexpr Millis saveInterval = 1000;        // ms
 constexpr Millis waitingSaveInterval = 200;  // ms, where nothing may happen for long
 
+/// The game's keys are in lower case.
 bool isSecret(const std::string& key) { return key.find("password") != std::string::npos; }
 
 std::string_view told(bool isSecretText, const std::string& text) {
   return isSecretText && !text.empty() ? hidden : std::string_view(text);
 }
+
+/// The text of a box, as a recording may contain it. Some of it is hidden without changing its length.
+std::string told(const TextBox& box) {
+  const std::string& text = box.Text;
+  const std::size_t kept = box.secretAt ? box.secretAt(text) : std::string::npos;
+  if (kept == std::string::npos) return std::string(told(box.design.isSecret, text));
+  return text.substr(0, kept) + std::string(text.size() - kept, '*');
+}
+
+/// True while a secret is being typed into the form.
+bool isTypingSecret(Form& form) {
+  const std::vector<Control*> controls = controlsOf(form);
+  return std::any_of(controls.begin(), controls.end(), [](Control* control) {
+    const auto* box = dynamic_cast<TextBox*>(control);
+    return box != nullptr && box->secretAt && box->secretAt(box->Text) != std::string::npos;
+  });
+}
+
+/// A key event's number without the letter that it tells. Keys that write nothing stay, such as Enter and the arrows.
+int withoutLetter(EventId id, int code) {
+  constexpr int firstLetter = 32;
+  constexpr int firstWritingKey = 48;
+  constexpr int keyF1 = 112;
+  constexpr int keyF24 = 135;
+  if (id == EventId::KeyPress) return code < firstLetter ? code : '*';
+  const bool writes = code == firstLetter || (code >= firstWritingKey && (code < keyF1 || code > keyF24));
+  return id == EventId::KeyDown && writes ? 0 : code;
+}
+float withoutLetter(EventId, float coordinate) { return coordinate; }
 
 }  // namespace
 
@@ -106,18 +136,29 @@ void Recorder::save() {
   if (now_ - saved_ < interval) return;
   saved_ = now_;
   writer_.flush();
+  tellLoss();
+}
+
+void Recorder::finish() {
+  writer_.finish();
+  isOver_ = true;
+  tellLoss();
+}
+
+void Recorder::tellLoss() {
+  if (!writer_.isGood() && onLoss) std::exchange(onLoss, nullptr)();
 }
 
 void Recorder::fault(const std::string& what) {
-  if (!isRecording()) return;
+  if (isOver_) return;
   writer_.byte(static_cast<std::uint8_t>(Kind::Fault));
   writer_.text(what);
-  writer_.finish();
+  finish();
 }
 
 /// Begins a frame's events with the sums of the state that the frame has left.
 void Recorder::check() {
-  if (++frames_ % checkInterval != 0 || !state_) return;
+  if (++frames_ % checkInterval != 0 || !state_ || !isRecording()) return;
   const std::vector<StatePart> parts = state_();
   begin(Kind::Check);
   writer_.number(parts.size());
@@ -146,8 +187,7 @@ Millis Recorder::tickCount() {
 
 float Recorder::secondsSinceMidnight() {
   if (!place_.isInGame) return inner_.secondsSinceMidnight();
-  constexpr std::int64_t day = 24 * 3600 * 1000;
-  return static_cast<float>(static_cast<double>((startOfDay_ + now_ - start_) % day) / 1000);
+  return static_cast<float>(static_cast<double>((startOfDay_ + now_ - start_) % dayLength) / 1000);
 }
 
 void Recorder::doEvents(bool mayWait) {
@@ -167,7 +207,7 @@ void Recorder::runModal(Form& form) {
 
 void Recorder::endProcess() {
   writer_.byte(static_cast<std::uint8_t>(Kind::End));
-  writer_.finish();
+  finish();
   inner_.endProcess();
   std::abort();  // not reached
 }
@@ -239,7 +279,7 @@ void Recorder::realize(Form& form) {
   formNumbers_[&form] = number;
   std::uint64_t index = 0;
   for (Control* control : controlsOf(form)) {
-    visitHandlers(*control, [&](EventId id, auto& handler) { watch(number, index, id, handler); });
+    visitHandlers(*control, [&](EventId id, auto& handler) { watch(form, number, index, id, handler); });
     if (auto* timer = dynamic_cast<IntervalTimer*>(control)) watchTimer(number, index, *timer);
     ++index;
   }
@@ -247,17 +287,19 @@ void Recorder::realize(Form& form) {
 }
 
 template <class... Arguments>
-void Recorder::watch(std::uint64_t form, std::uint64_t control, EventId id,
+void Recorder::watch(Form& form, std::uint64_t number, std::uint64_t control, EventId id,
                      std::function<void(Arguments...)>& handler) {
   if (!handler) return;
-  handler = [this, form, control, id, game = std::move(handler)](Arguments... arguments) {
+  handler = [this, &form, number, control, id, game = std::move(handler)](Arguments... arguments) {
     if (place_.isInGame) return game(arguments...);
     putSocketStates();
     begin(Kind::Event);
     putTime();
-    putControl(form, control);
+    putControl(number, control);
     writer_.byte(static_cast<std::uint8_t>(id));
-    (put(arguments), ...);
+    const bool isKey = id == EventId::KeyDown || id == EventId::KeyPress;
+    [[maybe_unused]] const bool isSecretKey = isKey && isTypingSecret(form);
+    (put(isSecretKey ? withoutLetter(id, arguments) : arguments), ...);
     enterGame([&] { game(arguments...); });
   };
 }
@@ -318,7 +360,7 @@ void Recorder::adopted(Control& control, PropertyId id) {
     case PropertyId::Height:
       return writer_.real(control.Height);
     case PropertyId::Text:
-      return writer_.text(told(isSecretBox, textBox->Text));
+      return writer_.text(told(*textBox));
     case PropertyId::SelStart:
       return writer_.whole(textBox->SelStart);
     case PropertyId::Value:

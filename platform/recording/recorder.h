@@ -26,7 +26,7 @@ namespace recording {
 
 class RecordedGlyphs;
 class RecordedSocket;
-/// By number, null once destroyed. Sockets may outlive the recorder.
+/// By number, null once destroyed. A socket may be destroyed after the recorder, but not used any more.
 using RecordedSockets = std::vector<RecordedSocket*>;
 
 /// Stands between the game and a backend and writes down what reaches the game, and when. Clock, random numbers and the
@@ -38,8 +38,10 @@ class Recorder : public Backend, private SeamWatch {
   Recorder(Backend& inner, std::unique_ptr<Sink> sink, GameState state);
   ~Recorder() override;
 
-  /// False once the sink has failed, for example on a full disk. The game goes on, unrecorded.
-  bool isRecording() const { return writer_.isGood(); }
+  /// False after the end, and once the sink has failed, for example on a full disk. The game goes on, unrecorded.
+  bool isRecording() const { return !isOver_ && writer_.isGood(); }
+  /// Called once, after the sink has failed.
+  std::function<void()> onLoss;
   /// Records that a fault is about to end the game, and ends the recording.
   void fault(const std::string& what);
 
@@ -134,9 +136,12 @@ class Recorder : public Backend, private SeamWatch {
   void putControl(std::uint64_t form, std::uint64_t control);
   void check();
   void save();
+  void finish();
+  void tellLoss();
 
   template <class... Arguments>
-  void watch(std::uint64_t form, std::uint64_t control, EventId id, std::function<void(Arguments...)>& handler);
+  void watch(Form& form, std::uint64_t number, std::uint64_t control, EventId id,
+             std::function<void(Arguments...)>& handler);
   void watchTimer(std::uint64_t form, std::uint64_t control, IntervalTimer& timer);
   void watchSocket(std::size_t socket, SocketEventId id, std::function<void()>& handler);
   void put(int value) { writer_.whole(value); }
@@ -165,6 +170,7 @@ class Recorder : public Backend, private SeamWatch {
   std::map<const Control*, std::uint64_t> formNumbers_;
   std::shared_ptr<RecordedSockets> sockets_;
   bool isNamed_ = false;  ///< the parts of the state have been named
+  bool isOver_ = false;
 };
 
 }  // namespace recording

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 #include "base/fault.h"
@@ -27,6 +28,7 @@ const char* nameOf(Kind kind) {
                                           "the web host",      "a picture",         "a sound",
                                           "the music's state", "a letter",          "a line height",
                                           "a comparison",      "a fault",           "the end"};
+  static_assert(std::size(names) == static_cast<std::size_t>(Kind::End) + 1);
   return names[static_cast<std::size_t>(kind)];
 }
 
@@ -76,8 +78,8 @@ Replay::Replay(Reader::Source source, std::string dataFolder, GameState state)
   } catch (const Reader::Truncated&) {
     throw Damaged("it ends too early");
   }
-  constexpr std::int64_t day = 24 * 3600 * 1000;
-  if (start_ < 0 || start_ > maxTick || startOfDay_ < 0 || startOfDay_ > day) throw Damaged("its time is out of range");
+  if (start_ < 0 || start_ > maxTick || startOfDay_ < 0 || startOfDay_ > dayLength)
+    throw Damaged("its time is out of range");
   Surface::setGlyphSource(glyphSource_.get());
   installSeamWatch(this);
 }
@@ -255,7 +257,7 @@ void Replay::compare() {
   const std::uint64_t count = reader_.number();
   if (count > maxParts) throw Damaged("a comparison has too many parts");
   if (checks_++ == 0) {
-    for (std::uint64_t i = 0; i < count; ++i) partNames_.push_back(reader_.text(maxText));
+    for (std::uint64_t i = 0; i < count; ++i) partNames_.push_back(reader_.text(maxName));
   }
   if (count != partNames_.size()) throw Damaged("a comparison lacks parts");
   const std::vector<StatePart> parts = state_ ? state_() : std::vector<StatePart>();
@@ -268,9 +270,14 @@ void Replay::compare() {
   if (!difference.parts.empty() && differences_.size() < maxDifferences) differences_.push_back(difference);
 }
 
-void Replay::takeGlyph() {
-  FontKey key{reader_.text(maxText), reader_.real(), false};
+Replay::FontKey Replay::readFont() {
+  FontKey key{reader_.text(maxName), reader_.real(), false};
   std::get<bool>(key) = reader_.byte() != 0;
+  return key;
+}
+
+void Replay::takeGlyph() {
+  const FontKey key = readFont();
   const std::uint8_t character = reader_.byte();
   Glyph glyph;
   glyph.left = reader_.within(-maxGlyphSide, maxGlyphSide);
@@ -282,14 +289,13 @@ void Replay::takeGlyph() {
   for (int i = 0; i < size; ++i) glyph.coverage.push_back(reader_.byte());
   glyphBytes_ += sizeof glyph + glyph.coverage.size();
   if (glyphBytes_ > maxGlyphBytes) throw Damaged("it has too many letters");
+  if (glyphs_.size() >= maxFonts && !glyphs_.contains(key)) throw Damaged("it has too many fonts");
   glyphs_[key][character] = std::move(glyph);
 }
 
 void Replay::takeLineHeight() {
-  FontKey key{reader_.text(maxText), reader_.real(), false};
-  std::get<bool>(key) = reader_.byte() != 0;
-  constexpr std::size_t maxFonts = 1000;
-  if (lineHeights_.size() >= maxFonts) throw Damaged("it has too many fonts");
+  const FontKey key = readFont();
+  if (lineHeights_.size() >= maxFonts && !lineHeights_.contains(key)) throw Damaged("it has too many fonts");
   lineHeights_[key] = reader_.within(0, maxGlyphSide);
 }
 
@@ -305,8 +311,7 @@ Millis Replay::tickCount() {
 }
 
 float Replay::secondsSinceMidnight() {
-  constexpr std::int64_t day = 24 * 3600 * 1000;
-  return static_cast<float>(static_cast<double>((startOfDay_ + now_ - start_) % day) / 1000);
+  return static_cast<float>(static_cast<double>((startOfDay_ + now_ - start_) % dayLength) / 1000);
 }
 
 void Replay::doEvents(bool mayWait) {

@@ -54,7 +54,7 @@ struct Difference {
 };
 
 /// A backend without a screen that lets the game live through a recording again. The recording is untrusted: whatever
-/// it contains, the game may get a fault, and memory stays bounded.
+/// it contains, the replay ends in one of the ways of ReplayEnd or with Damaged, and memory stays bounded.
 class Replay : public Backend, private SeamWatch {
  public:
   /// `dataFolder` holds the pictures. Throws Damaged if the recording has no head.
@@ -139,6 +139,7 @@ class Replay : public Backend, private SeamWatch {
   void playSocketEvent();
   void adopt();
   void compare();
+  FontKey readFont();
   void takeGlyph();
   void takeLineHeight();
   Millis readTime();

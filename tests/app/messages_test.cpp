@@ -5,11 +5,12 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "platform/recording/file.h"
+#include "protocol/wireFormat.h"
+#include "tests/app/memorySink.h"
 
 namespace kelvora {
 namespace {
@@ -84,19 +85,6 @@ TEST(Messages, AnyBytesComeBack) {
   EXPECT_EQ(throughAFile(all), all);
 }
 
-/// The contents that a writer passes to its sink.
-class Memory : public Sink {
- public:
-  explicit Memory(std::string& contents) : contents_(contents) {}
-  bool isGood() const override { return true; }
-  void put(std::string_view contents) override { contents_ += contents; }
-  void flush() override {}
-  void finish() override {}
-
- private:
-  std::string& contents_;
-};
-
 TEST(Messages, APointOfSteadySpeedTakesLittle) {
   // Both axes together move 300 in each step, which is steered a little each time.
   const auto message = [](int x, int y) {
@@ -104,7 +92,7 @@ TEST(Messages, APointOfSteadySpeedTakesLittle) {
   };
   std::string contents;
   {
-    Writer writer(std::make_unique<Memory>(contents));
+    Writer writer(std::make_unique<MemorySink>(contents));
     Messages messages;
     messages.write(writer, message(20'000, 30'000));
     messages.write(writer, message(20'100, 30'200));
@@ -116,6 +104,18 @@ TEST(Messages, APointOfSteadySpeedTakesLittle) {
   // For each message its piece, id and end, the node, two bytes across for the bend of 1.00, and one down for none.
   constexpr std::size_t sizes = planeCount;
   EXPECT_EQ(contents.size(), sizes + 2 * (3 + 1 + 2 + 1));
+}
+
+TEST(Messages, AreThoseOfTheProtocol) {
+  const std::string message =
+      std::string{wire::frameStart, 'a', '1', wire::fieldSeparator, '2', wire::fieldSeparator, '3', wire::frameEnd};
+  std::string contents;
+  {
+    Writer writer(std::make_unique<MemorySink>(contents));
+    Messages messages;
+    messages.write(writer, message);
+  }
+  EXPECT_EQ(contents.find(message), std::string::npos) << "as a point, not as it is";
 }
 
 TEST(Reader, RefusesPlanesThatDontFitTogether) {
@@ -151,7 +151,7 @@ TEST(Writer, SplitsWhatExceedsABlock) {
   const std::string text(3 * maxBlock + 5, 'x');
   std::string contents;
   {
-    Writer writer(std::make_unique<Memory>(contents));
+    Writer writer(std::make_unique<MemorySink>(contents));
     writer.text(text);
     writer.number(300, Plane::Times);
   }

@@ -1,15 +1,20 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 
+#include "app/recordGame.h"
 #include "app/replayGame.h"
 #include "core/modMain.h"
 #include "generated/sourceFolder.h"
+#include "platform/desktop/handlerCall.h"
 #include "platform/recording/file.h"
 #include "platform/recording/format.h"
+#include "raster/surface.h"
 #include "tests/app/recordedMatch.h"
 #include "tests/support/gameTest.h"
 
@@ -114,6 +119,57 @@ TEST_F(ReplayTest, ContainsNoStoredPassword) {
   EXPECT_EQ(contents().find("swordfish"), std::string::npos);
 }
 
+/// Types a line into the chat line, or over the picture, from where the game takes it to the chat line.
+void typeByKeys(const std::string& line, bool isOverPicture) {
+  TextBox& box = frmMain->txtChat;
+  Control& target = isOverPicture ? static_cast<Control&>(frmMain->canvas) : box;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    target.KeyDown(line[i] - 'a' + 'A', 0);
+    target.KeyPress(line[i]);
+    if (isOverPicture) continue;
+    box.Text.adopt(line.substr(0, i + 1));
+    box.SelStart.adopt(static_cast<int>(i + 1));
+  }
+}
+
+TEST_F(ReplayTest, ContainsNoPasswordOfACommand) {
+  std::string sent;
+  record({.seconds = 7}, [&](RecordedMatch& match) {
+    playOn(match);
+    if (match.frame() == 400) typeByKeys("!login swordfish", false);
+    if (match.frame() == 405) frmMain->txtChat.KeyPress(keyEnter);
+    if (match.frame() == 450) typeByKeys("!claim haddock", true);
+    if (match.frame() == 455) match.type(frmMain->txtChat.Text);
+    if (match.frame() == 500) match.type("~?");
+    if (match.frame() == 550) typeByKeys("to all", false);
+    sent += match.server().sent;
+  });
+  EXPECT_NE(sent.find("!login swordfish"), std::string::npos) << "the game itself isn't touched";
+  EXPECT_NE(sent.find("!claim haddock"), std::string::npos);
+  EXPECT_EQ(contents().find("wordfish"), std::string::npos);
+  EXPECT_EQ(contents().find("haddock"), std::string::npos);
+  std::string keys;
+  std::string line;
+  const ReplayReport report = replay([&] {
+    for (Control* control : {static_cast<Control*>(&frmMain->txtChat), static_cast<Control*>(&frmMain->canvas)}) {
+      control->KeyPress = [&keys, &line, press = control->KeyPress](int code) {
+        if (code != keyEnter) keys += static_cast<char>(code);
+        if (frmMain->txtChat.Text.get().size() > line.size()) line = frmMain->txtChat.Text;
+        press(code);
+      };
+      control->KeyDown = [press = control->KeyDown](int code, int shift) {
+        if (frmMain->txtChat.Text.get().starts_with('!')) {
+          EXPECT_TRUE(code == 0 || code == keyEnter) << code;
+        }
+        press(code, shift);
+      };
+    }
+  });
+  EXPECT_TRUE(report.isExact()) << report.text;
+  EXPECT_EQ(keys, "!" + std::string(15, '*') + "!" + std::string(13, '*') + "to all");
+  EXPECT_EQ(line, "!" + std::string(15, '*'));
+}
+
 TEST_F(ReplayTest, AKilledGameLosesAtMostASecond) {
   std::string atKill;
   record({.seconds = 6}, [&](RecordedMatch& match) {
@@ -159,6 +215,52 @@ TEST_F(ReplayTest, AFullDiskEndsTheRecordingAndNotTheGame) {
   match.play();
   EXPECT_GE(frames, 499);
   EXPECT_FALSE(match.isRecording());
+}
+
+TEST_F(ReplayTest, AGameWhoseRecordingCannotBeWrittenIsTouchedByNoRecorder) {
+  HeadlessClient client;
+  client.machine.pictureSource = testPicture;
+  GlyphSource* const glyphs = Surface::glyphSource();
+  int calls = 0;
+  client.machine.onDoEvents = [&] {
+    EXPECT_EQ(&backend(), &client.machine);
+    EXPECT_EQ(Surface::glyphSource(), glyphs);
+    if (++calls == 3) frmMain->closedByUser();
+  };
+  EXPECT_THROW(recordGame(std::make_unique<recording::RecordingFile>("/nowhere/a.recording"), "a"), ProcessEnded);
+  EXPECT_EQ(calls, 3);
+}
+
+TEST_F(ReplayTest, AnEndThatCannotBeStoredIsNoGoodOne) {
+  recording::RecordingFile full("/dev/full");
+  full.put("a little");
+  full.finish();
+  EXPECT_FALSE(full.isGood());
+  recording::RecordingFile file(path_);
+  file.put("a little");
+  file.finish();
+  EXPECT_TRUE(file.isGood());
+}
+
+TEST(RecordGameDeathTest, AFaultAfterALossDoesNotNameTheFile) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        HeadlessClient client;
+        client.machine.pictureSource = testPicture;
+        client.machine.onDoEvents = [&client] {
+          client.machine.advance(1100);
+          if (client.machine.doEventsCount == 5) frmMain->closedByUser();
+        };
+        setFaultBox([](const std::string&, const std::string& advice) { std::fputs(advice.c_str(), stderr); });
+        try {
+          recordGame(std::make_unique<recording::RecordingFile>("/dev/full"), "full.recording");
+        } catch (const ProcessEnded&) {
+          reportFault("Overflow");
+        }
+      },
+      testing::ExitedWithCode(1),
+      "the recording full.recording can't be written any more and ends here\n.*add what you did last");
 }
 
 TEST_F(ReplayTest, RefusesANewerFormatByName) {

@@ -52,6 +52,19 @@ TEST_F(Chat, OnlyEnterSends) {
   EXPECT_EQ(entryText(), "hello");
 }
 
+TEST(ChatSecret, BeginsBehindTheMarkOfACommand) {
+  constexpr std::size_t none = std::string::npos;
+  EXPECT_EQ(netMan::secretAt(""), none);
+  EXPECT_EQ(netMan::secretAt("hello!"), none);
+  EXPECT_EQ(netMan::secretAt("~!login x"), none);
+  EXPECT_EQ(netMan::secretAt("!"), 1U);
+  EXPECT_EQ(netMan::secretAt("!login x"), 1U);
+  EXPECT_EQ(netMan::secretAt("  !login x"), 3U);
+  EXPECT_EQ(netMan::secretAt("\xE9\t\x7F!login x"), 4U) << "what isn't sent";
+  EXPECT_EQ(netMan::secretAt("(Private) !login x"), 11U);
+  EXPECT_EQ(netMan::secretAt("(private)!login x"), none);
+}
+
 TEST_F(Chat, OnlyCharactersFrom32To127AreKept) {
   std::string all;
   std::string kept;
