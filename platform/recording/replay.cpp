@@ -216,7 +216,7 @@ void Replay::playEvent() {
   Control& control = readControl();
   const auto* form = dynamic_cast<Form*>(&control.root());
   const std::uint8_t id = reader_.byte();
-  bool isKnown = false;
+  std::function<void()> call;
   Plane plane = Plane::Across;
   const auto read = [&]<class Argument>(Argument) -> Argument {
     if constexpr (std::is_same_v<Argument, int>) {
@@ -227,14 +227,14 @@ void Replay::playEvent() {
     }
   };
   visitHandlers(control, [&]<class... Arguments>(EventId known, std::function<void(Arguments...)>& handler) {
-    if (isKnown || static_cast<std::uint8_t>(known) != id) return;
-    isKnown = true;
+    if (call || static_cast<std::uint8_t>(known) != id) return;
     if (!handler || form->isUnloaded()) throw Damaged("a control doesn't take an event");
     const std::tuple<Arguments...> arguments{read(Arguments{})...};
-    // A copy, because the handler may destroy what it belongs to.
-    runHandler([&, copy = handler] { std::apply(copy, arguments); });
+    call = [copy = handler, arguments] { std::apply(copy, arguments); };
   });
-  if (!isKnown) throw Damaged("an event is of an unknown kind");
+  if (!call) throw Damaged("an event is of an unknown kind");
+  // The handler is a copy and runs last, because it may destroy what it belongs to.
+  runHandler(call);
 }
 
 void Replay::playSocketEvent() {
