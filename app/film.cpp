@@ -10,7 +10,10 @@
 #include <vector>
 
 #include "frontend/frmMain.h"
+#include "platform/desktop/soundModule.h"
 #include "platform/pictures/writePng.h"
+#include "platform/sound/mix.h"
+#include "platform/sound/soundtrack.h"
 
 namespace kelvora {
 
@@ -25,15 +28,26 @@ std::string quoted(const std::string& text) {
 
 }  // namespace
 
-bool Film::add(Millis now) {
-  constexpr Millis interval = 1000 / picturesPerSecond;
+void Film::cut(Millis now) {
   constexpr Millis longestPause = 1000;
   next_ = std::max(next_, now - longestPause);
+}
+
+bool Film::add(Millis now) {
+  cut(now);
   if (now < next_) return true;
   const PictureBox& canvas = frmMain->canvas;
   const Picture picture{canvas.pixelWidth(), canvas.pixelHeight(), {canvas.pixels().begin(), canvas.pixels().end()}};
-  for (; error_.empty() && next_ <= now; next_ += interval) take(picture);
+  for (; error_.empty() && next_ <= now; next_ += interval) {
+    ++pictures_;
+    take(picture);
+  }
   return error_.empty();
+}
+
+void Film::hear(const recording::Sounding& sounding, Millis now) {
+  cut(now);
+  if (error_.empty()) play(sounding, pictures_ * interval + now - next_);
 }
 
 FrameFolder::FrameFolder(std::string folder) : folder_(std::move(folder)) {
@@ -43,21 +57,40 @@ FrameFolder::FrameFolder(std::string folder) : folder_(std::move(folder)) {
 
 void FrameFolder::take(const Picture& picture) {
   std::array<char, 32> name{};
-  std::snprintf(name.data(), name.size(), "/%06d.png", ++count_);
+  std::snprintf(name.data(), name.size(), "/%06lld.png", static_cast<long long>(pictures()));
   if (!writePng(folder_ + name.data(), picture)) fail(folder_ + name.data() + " can't be written");
+}
+
+Video::Video(std::string file) : file_(std::move(file)) { prepare(); }
+
+void Video::prepare() {
+  if (std::system("command -v ffmpeg >/dev/null") != 0) return fail("ffmpeg is not installed");
+  std::unique_ptr<Soundtrack> track = openSoundtrack(soundModulePath());
+  if (!track) return fail("the sound module kelvora-sound.so is missing");
+  std::string folder = file_ + "-XXXXXX";
+  if (::mkdtemp(folder.data()) == nullptr) return fail(file_ + " can't be written");
+  folder_ = folder;
+  sound_ = std::make_unique<FilmSound>(soundFile(), std::move(track));
 }
 
 Video::~Video() {
   if (pipe_ != nullptr) ::pclose(pipe_);
+  std::error_code ignored;
+  if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
+}
+
+/// The film's extension tells ffmpeg the format.
+std::string Video::picturesFile() const {
+  return folder_ + "/pictures" + std::filesystem::path(file_).extension().string();
 }
 
 void Video::open() {
-  if (std::system("command -v ffmpeg >/dev/null") != 0) return fail("ffmpeg is not installed");
   std::signal(SIGPIPE, SIG_IGN);
   const std::string size = std::to_string(width_) + "x" + std::to_string(height_);
   const std::string command = "ffmpeg -loglevel error -y -f rawvideo -pix_fmt bgr0 -video_size " + size +
                               " -framerate " + std::to_string(picturesPerSecond) +
-                              " -i - -vf 'pad=ceil(iw/2)*2:ceil(ih/2)*2' -pix_fmt yuv420p " + quoted("file:" + file_);
+                              " -i - -vf 'pad=ceil(iw/2)*2:ceil(ih/2)*2' -pix_fmt yuv420p " +
+                              quoted("file:" + picturesFile());
   pipe_ = ::popen(command.c_str(), "w");
   if (pipe_ == nullptr) fail("ffmpeg can't be started");
 }
@@ -79,8 +112,22 @@ void Video::take(const Picture& picture) {
   if (std::fwrite(frame.data(), sizeof(Pixel), frame.size(), pipe_) != frame.size()) fail("ffmpeg has failed");
 }
 
+void Video::play(const recording::Sounding& sounding, Millis at) {
+  if (!sound_->play(sounding, at)) fail(soundFile() + " can't be written");
+}
+
 bool Video::finish() {
-  if (pipe_ != nullptr && ::pclose(std::exchange(pipe_, nullptr)) != 0) fail("ffmpeg has failed");
+  if (pipe_ == nullptr) return error().empty();
+  if (::pclose(std::exchange(pipe_, nullptr)) != 0) fail("ffmpeg has failed");
+  if (!error().empty()) return false;
+  if (!sound_->finish(pictures() * interval)) {
+    fail(soundFile() + " can't be written");
+    return false;
+  }
+  const std::string command = "ffmpeg -nostdin -loglevel error -y -i " + quoted("file:" + picturesFile()) +
+                              " -f s16le -ar " + std::to_string(sampleRate) + " -ac 2 -i " +
+                              quoted("file:" + soundFile()) + " -c:v copy " + quoted("file:" + file_);
+  if (std::system(command.c_str()) != 0) fail("ffmpeg has failed");
   return error().empty();
 }
 

@@ -24,7 +24,7 @@ constexpr const char* helpText =
     "  FILE              show it in windows; press ? there for the keys\n"
     "  --verify          compare every picture and state that the recording sums up\n"
     "  --frames FOLDER   write the canvas as PNG files, 25 for each second\n"
-    "  --video VIDEO     write them into a film without sound; needs ffmpeg\n"
+    "  --video VIDEO     make a film of them, with sound; needs ffmpeg\n"
     "  --version         print the version\n"
     "  --help            print this help\n"
     "\n"
@@ -78,7 +78,9 @@ int run(const std::string& file, Film* film) {
   ReplayReport report;
   try {
     report = replayGame(recording::openRecording(file), dataFolder(), [film](recording::Replay& replay) {
-      if (film) replay.onFrame = [film, &replay] { return film->add(replay.elapsed()); };
+      if (!film) return;
+      replay.onFrame = [film, &replay] { return film->add(replay.elapsed()); };
+      replay.onSound = [film, &replay](const recording::Sounding& sounding) { film->hear(sounding, replay.elapsed()); };
     });
   } catch (const recording::Damaged& damage) {
     report.reason = recording::ReplayEnd::Reason::Damaged;

@@ -7,6 +7,7 @@
 
 #include "platform/desktop/dataFolder.h"
 #include "platform/sound/mixerDevice.h"
+#include "platform/sound/soundtrack.h"
 
 namespace kelvora {
 
@@ -24,6 +25,13 @@ class SilentDevice : public MixerDevice {
   bool isMusicPlaying() const override { return false; }
 };
 
+/// A function of the module. Null without a loadable module.
+void* moduleFunction(const std::string& module, const char* name) {
+  // An empty name would mean the program itself, and a name without a folder any system library.
+  void* library = module.starts_with('/') ? dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+  return library ? dlsym(library, name) : nullptr;
+}
+
 }  // namespace
 
 std::string soundModulePath() {
@@ -40,11 +48,15 @@ std::string soundModulePath() {
 }
 
 std::unique_ptr<MixerDevice> openMixerDevice(const std::string& module) {
-  // An empty name would mean the program itself, and a name without a folder any system library.
-  void* library = module.starts_with('/') ? dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
-  void* create = library ? dlsym(library, createMixerDeviceName) : nullptr;
+  void* create = moduleFunction(module, createMixerDeviceName);
   if (!create) return std::make_unique<SilentDevice>();
   return std::unique_ptr<MixerDevice>(reinterpret_cast<CreateMixerDevice*>(create)());
+}
+
+std::unique_ptr<Soundtrack> openSoundtrack(const std::string& module) {
+  void* create = moduleFunction(module, createSoundtrackName);
+  if (!create) return nullptr;
+  return std::unique_ptr<Soundtrack>(reinterpret_cast<CreateSoundtrack*>(create)());
 }
 
 }  // namespace kelvora

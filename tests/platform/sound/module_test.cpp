@@ -1,10 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <fstream>
+#include <memory>
 
 #include "generated/sourceFolder.h"
 #include "platform/desktop/soundMixer.h"
 #include "platform/sound/mixerDevice.h"
+#include "platform/sound/soundFiles.h"
+#include "platform/sound/soundtrack.h"
 #include "tests/platform/sound/recording.h"
 
 namespace kelvora {
@@ -27,6 +32,26 @@ TEST(SoundModule, OpensADeviceThatPlays) {
   EXPECT_TRUE(device->isMusicPlaying());
   device->stopMusic();
   EXPECT_FALSE(device->isMusicPlaying());
+}
+
+TEST(SoundModule, MixesASoundtrackWithoutADevice) {
+  const Samples wave = loadWave(effectFile).samples;
+  ASSERT_FALSE(wave.empty());
+  const std::unique_ptr<Soundtrack> track = openSoundtrack(soundModulePath());
+  ASSERT_NE(track, nullptr);
+  track->startEffect(effectFile);
+  Samples stereo(2 * wave.size());
+  track->read(stereo);
+  for (std::size_t i = 0; i < stereo.size(); ++i) ASSERT_EQ(stereo[i], wave[i / 2]) << i;
+  track->stopEffect("unknown.wav");
+  track->startMusic(KELVORA_SOURCE_DIR "/sounds/music1.mp3");
+  track->read(stereo);
+  const Samples music = decode(KELVORA_SOURCE_DIR "/sounds/music1.mp3");
+  ASSERT_GT(music.size(), stereo.size());
+  EXPECT_TRUE(std::equal(stereo.begin(), stereo.end(), music.begin()));
+  track->stopMusic();
+  track->read(stereo);
+  EXPECT_EQ(stereo, Samples(stereo.size()));
 }
 
 /// A file that isn't a library, and a library of something else.
@@ -59,6 +84,8 @@ TEST_P(UselessModule, LeavesTheGameSilentWithoutAMessage) {
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
+
+TEST_P(UselessModule, HasNoSoundtrack) { EXPECT_EQ(openSoundtrack(path()), nullptr); }
 
 INSTANTIATE_TEST_SUITE_P(Files, UselessModule,
                          ::testing::Values("", "/nowhere/kelvora-sound.so", "libm.so.6", "/", "text.so"),
