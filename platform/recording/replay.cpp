@@ -71,6 +71,7 @@ Replay::Replay(Reader::Source source, std::string dataFolder, GameState state)
       glyphSource_(std::make_unique<Glyphs>(*this)),
       glyphSourceBefore_(Surface::glyphSource()),
       live_(std::make_shared<Live>()) {
+  live_->replay = this;
   try {
     version_ = reader_.text(maxText);
     now_ = start_ = reader_.whole();
@@ -85,8 +86,13 @@ Replay::Replay(Reader::Source source, std::string dataFolder, GameState state)
 }
 
 Replay::~Replay() {
+  live_->replay = nullptr;
   installSeamWatch(nullptr);
   Surface::setGlyphSource(glyphSourceBefore_);
+}
+
+void Replay::Live::tell(const Sounding& sounding) const {
+  if (replay != nullptr && replay->onSound) replay->onSound(sounding);
 }
 
 // Reading.

@@ -118,10 +118,13 @@ class Replay : public Backend, private SeamWatch {
   friend class ReplayedMusic;
   class Glyphs;
 
-  /// Forms and sockets by number, null once destroyed. They may outlive the replay.
+  /// Forms and sockets by number, null once destroyed. They and sounds may outlive the replay.
   struct Live {
     std::vector<Form*> forms;
     std::vector<ReplayedSocket*> sockets;
+    Replay* replay = nullptr;  ///< null once it has been destroyed
+
+    void tell(const Sounding& sounding) const;
   };
   using FontKey = std::tuple<std::string, float, bool>;
 

@@ -34,20 +34,14 @@ bool ReplayedSound::open(const std::string& file) {
 }
 
 void ReplayedSound::play() {
-  if (replay_.onSound && !isSilent_) replay_.onSound({file_, false, true});
+  if (!isSilent_) live_->tell({file_, false, true});
 }
 
-void ReplayedSound::stop() {
-  if (replay_.onSound) replay_.onSound({file_, false, false});
-}
+void ReplayedSound::stop() { live_->tell({file_, false, false}); }
 
-void ReplayedMusic::play(const std::string& file) {
-  if (replay_.onSound) replay_.onSound({file, true, true});
-}
+void ReplayedMusic::play(const std::string& file) { live_->tell({file, true, true}); }
 
-void ReplayedMusic::stop() {
-  if (replay_.onSound) replay_.onSound({{}, true, false});
-}
+void ReplayedMusic::stop() { live_->tell({{}, true, false}); }
 
 PlayState ReplayedMusic::playState() const {
   replay_.expect(Kind::MusicState);

@@ -56,7 +56,7 @@ class ReplayedSocket : public SocketPeer {
 /// A sound effect that only `onSound` hears.
 class ReplayedSound : public SoundPeer {
  public:
-  explicit ReplayedSound(Replay& replay) : replay_(replay) {}
+  explicit ReplayedSound(Replay& replay) : replay_(replay), live_(replay.live_) {}
   bool open(const std::string& file) override;
   void silence(bool silent) override { isSilent_ = silent; }
   void rewind() override {}
@@ -65,19 +65,21 @@ class ReplayedSound : public SoundPeer {
 
  private:
   Replay& replay_;
+  std::shared_ptr<Replay::Live> live_;
   std::string file_;
   bool isSilent_ = false;
 };
 
 class ReplayedMusic : public MusicPeer {
  public:
-  explicit ReplayedMusic(Replay& replay) : replay_(replay) {}
+  explicit ReplayedMusic(Replay& replay) : replay_(replay), live_(replay.live_) {}
   void play(const std::string& file) override;
   void stop() override;
   PlayState playState() const override;
 
  private:
   Replay& replay_;
+  std::shared_ptr<Replay::Live> live_;
 };
 
 }  // namespace kelvora::recording
