@@ -18,10 +18,10 @@
 #include "server/agones/sidecar.h"
 #include "server/config/log.h"
 #include "server/config/options.h"
+#include "server/http/site.h"
 #include "server/net/gameServer.h"
 #include "server/system/passwords.h"
 #include "server/system/process.h"
-#include "server/web/site.h"
 
 using namespace kelvora::server;
 

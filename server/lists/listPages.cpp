@@ -1,8 +1,8 @@
 #include "server/lists/listPages.h"
 
+#include "server/http/html.h"
 #include "server/lists/announcement.h"
 #include "server/lists/listTable.h"
-#include "server/web/html.h"
 
 namespace kelvora::server {
 

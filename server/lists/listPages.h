@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "server/http/http.h"
 #include "server/lists/hostList.h"
 #include "server/lists/hostRegistry.h"
-#include "server/web/http.h"
 
 namespace kelvora::server {
 

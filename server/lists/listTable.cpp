@@ -1,6 +1,6 @@
 #include "server/lists/listTable.h"
 
-#include "server/web/html.h"
+#include "server/http/html.h"
 
 namespace kelvora::server {
 

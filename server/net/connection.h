@@ -9,9 +9,9 @@
 
 #include "protocol/frameReader.h"
 #include "server/arena/clientId.h"
+#include "server/http/http.h"
 #include "server/net/clientStream.h"
 #include "server/net/proxyLine.h"
-#include "server/web/http.h"
 
 namespace kelvora::server {
 

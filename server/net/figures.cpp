@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "protocol/messages.h"
-#include "server/web/metricsText.h"
+#include "server/http/metricsText.h"
 
 namespace kelvora::server {
 

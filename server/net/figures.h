@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "server/arena/arenaOutput.h"
-#include "server/web/histogram.h"
-#include "server/web/http.h"
+#include "server/http/histogram.h"
+#include "server/http/http.h"
 
 namespace kelvora::server {
 

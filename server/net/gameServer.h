@@ -16,6 +16,8 @@
 #include "server/arena/arena.h"
 #include "server/bots/botKeeper.h"
 #include "server/config/options.h"
+#include "server/http/homePage.h"
+#include "server/http/site.h"
 #include "server/lists/listPages.h"
 #include "server/lists/publisher.h"
 #include "server/moderation/moderation.h"
@@ -30,8 +32,6 @@
 #include "server/records/recordBook.h"
 #include "server/replays/roundPlayer.h"
 #include "server/replays/roundRecorder.h"
-#include "server/web/homePage.h"
-#include "server/web/site.h"
 
 namespace kelvora::server {
 

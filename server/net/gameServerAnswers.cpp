@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
+#include "server/http/homePage.h"
 #include "server/net/gameServer.h"
 #include "server/net/origin.h"
-#include "server/web/homePage.h"
 
 namespace kelvora::server {
 

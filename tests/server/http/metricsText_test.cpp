@@ -1,10 +1,10 @@
-#include "server/web/metricsText.h"
+#include "server/http/metricsText.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "server/web/histogram.h"
+#include "server/http/histogram.h"
 
 namespace kelvora::server {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "server/web/histogram.h"
-#include "server/web/http.h"
+#include "server/http/histogram.h"
+#include "server/http/http.h"
 
 namespace kelvora::server {
 

@@ -1,4 +1,4 @@
-#include "server/web/site.h"
+#include "server/http/site.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "server/web/metricsText.h"
+#include "server/http/metricsText.h"
 
 #include <array>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "server/web/html.h"
+#include "server/http/html.h"
 
 #include <utility>
 

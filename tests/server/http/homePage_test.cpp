@@ -1,4 +1,4 @@
-#include "server/web/homePage.h"
+#include "server/http/homePage.h"
 
 #include <gtest/gtest.h>
 

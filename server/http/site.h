@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "server/web/http.h"
+#include "server/http/http.h"
 
 namespace kelvora::server {
 

@@ -1,4 +1,4 @@
-#include "server/web/http.h"
+#include "server/http/http.h"
 
 #include <algorithm>
 #include <boost/asio/buffer.hpp>

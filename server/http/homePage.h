@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "server/web/http.h"
+#include "server/http/http.h"
 
 namespace kelvora::server {
 

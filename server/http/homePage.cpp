@@ -1,8 +1,8 @@
-#include "server/web/homePage.h"
+#include "server/http/homePage.h"
 
 #include <utility>
 
-#include "server/web/html.h"
+#include "server/http/html.h"
 
 namespace kelvora::server {
 

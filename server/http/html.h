@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "server/web/http.h"
+#include "server/http/http.h"
 
 namespace kelvora::server {
 
