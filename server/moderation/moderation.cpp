@@ -50,8 +50,16 @@ void Moderation::run(ClientId client, std::string_view line, Millis now) {
 Outcome Moderation::runForModerators(const Command& command, Call call, std::string_view line) {
   if (!isModerator(call.caller.client)) return Outcome::refused("Only moderators may do that.");
   if (command.hasTarget) call.target = takeTarget(call);
-  host_.logAct("moderator " + describe(call.caller.client, call.caller.name) +
-               (call.target ? " on " + describe(call.target->client, call.target->name) : "") + ": " + printable(line));
+  // Described first, because the target may be gone afterwards.
+  const std::string act = "moderator " + describe(call.caller.client, call.caller.name) +
+                          (call.target ? " on " + describe(call.target->client, call.target->name) : "") + ": " +
+                          printable(line);
+  const Outcome outcome = perform(command, call);
+  host_.logAct(act + (outcome.isRefused() ? " (refused: " + outcome.reason() + ")" : ""));
+  return outcome;
+}
+
+Outcome Moderation::perform(const Command& command, const Call& call) {
   if (command.hasTarget && !call.target) return Outcome::refused(nobodyHasThatName);
   if (command.hasTarget && isBot(call.target->client)) {
     return Outcome::refused("That is a bot. !bots changes their number.");

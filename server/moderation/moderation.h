@@ -69,7 +69,9 @@ class Moderation {
 
   /// Cuts the name of a player or spectator off the call.
   std::optional<Target> takeTarget(Call& call) const;
+  /// Logs the act and whether it was refused.
   Outcome runForModerators(const Command& command, Call call, std::string_view line);
+  Outcome perform(const Command& command, const Call& call);
   // Refusals are texts for the caller.
   Outcome help(Call call);
   Outcome who(Call call);

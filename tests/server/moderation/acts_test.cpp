@@ -88,8 +88,9 @@ TEST_F(ModerationTest, EachActIsLoggedWithItsModeratorAndTarget) {
   const std::string who = "moderator Ann (client 1, 192.0.2.1)";
   const std::vector<std::pair<std::string, std::string>> lines = {
       {"!say hello", who + ": !say hello"},
-      {"!kick dan", who + ": !kick dan"},
-      {"!kick lumo", who + " on Lumo (bot): !kick lumo"},
+      {"!kick dan", who + ": !kick dan (refused: Nobody here has that name or colour.)"},
+      {"!kick lumo", who + " on Lumo (bot): !kick lumo (refused: That is a bot. !bots changes their number.)"},
+      {"!bots 6", who + ": !bots 6 (refused: The number of bots is 0 to 5.)"},
       {"!mute cat 1h", who + " on Cat (client 3, 192.0.2.3): !mute cat 1h"},
       {"!ban yellow 2h rude", who + " on Bob (client 2, 192.0.2.2): !ban yellow 2h rude"},
   };
