@@ -5,7 +5,9 @@
 #include "base/codePage.h"
 #include "base/wholeNumber.h"
 #include "protocol/wireFormat.h"
+#include "server/config/commaList.h"
 #include "server/lists/announcement.h"
+#include "server/system/passwords.h"
 
 namespace kelvora::server {
 
@@ -22,6 +24,25 @@ using Letters = Option::Letters;
 using Whole = Option::Whole;
 using Decimal = Option::Decimal;
 using Switch = Option::Switch;
+
+Outcome checkHash(const std::string& hash) {
+  if (!canHashPasswords()) return Outcome::refused("needs password hashes, which this system doesn't have");
+  if (!isPasswordHash(hash)) return Outcome::refused("must be what kelvora-server --hash-password prints");
+  return Outcome::done();
+}
+
+Outcome checkPublicAddress(const std::string& address) {
+  if (isListable(address)) return Outcome::done();
+  return Outcome::refused("must have letters, digits, points, colons and hyphens only");
+}
+
+Outcome checkUrls(const std::string& urls) {
+  for (const std::string& url : commaList(urls)) {
+    if (url.starts_with("http://") || url.starts_with("https://")) continue;
+    return Outcome::refused("needs URLs that begin with http:// or https://");
+  }
+  return Outcome::done();
+}
 
 Option heading(std::string_view text) {
   return {"", "", text, Switch([](Options&) {})};
@@ -75,7 +96,7 @@ const std::array table = {
 
     heading("Moderation:"),
     Option{"moderator", "HASH", "hash of the moderators' password, see --hash-password (none)",
-           Text([](Options& o) -> std::string& { return o.moderation.moderatorHash; }), 0, maxTextLength},
+           Text([](Options& o) -> std::string& { return o.moderation.moderatorHash; }), 0, maxTextLength, checkHash},
     Option{"bans", "FILE", "file that keeps bans and mutes (none)",
            Text([](Options& o) -> std::string& { return o.moderation.bansFile; }), 0, maxPathLength},
 
@@ -101,7 +122,7 @@ const std::array table = {
 
     heading("List of games:"),
     Option{"public-address", "ADDRESS", "this server's address in lists (as --address)",
-           Text([](Options& o) -> std::string& { return o.publicAddress; }), 0, maxTextLength},
+           Text([](Options& o) -> std::string& { return o.publicAddress; }), 0, maxTextLength, checkPublicAddress},
     Option{"notes", "TEXT", "description in lists (none)",
            Letters{[](Options& o) -> std::string& { return o.notes; }, false}, 0, int{maxNotesLength}},
     Option{"list-key", "KEY", "key that other servers need to join this server's list (none)",
@@ -109,7 +130,7 @@ const std::array table = {
     Option{"list-size", "COUNT", "maximum number of other servers in this server's list (1000)",
            Whole([](Options& o, int value) { o.listSize = static_cast<std::size_t>(value); }), 0, 100'000},
     Option{"publish", "URLS", "lists to announce this server to, http://HOST:PORT, separated by commas (none)",
-           Text([](Options& o) -> std::string& { return o.publishUrls; }), 0, maxPathLength},
+           Text([](Options& o) -> std::string& { return o.publishUrls; }), 0, maxPathLength, checkUrls},
     Option{"publish-key", "KEY", "key of these lists (none)",
            Text([](Options& o) -> std::string& { return o.publishKey; }), 0, maxTextLength},
 
@@ -144,6 +165,9 @@ struct Set {
       return Outcome::refused("must not be longer than " + std::to_string(option.max) + " bytes");
     }
     if (value.size() < static_cast<std::size_t>(option.min)) return Outcome::refused("must not be empty");
+    if (option.check != nullptr && !value.empty()) {
+      if (Outcome outcome = option.check(value); outcome.isRefused()) return outcome;
+    }
     target(options) = value;
     return Outcome::done();
   }

@@ -4,12 +4,10 @@
 #include <string_view>
 
 #include "base/wholeNumber.h"
-#include "server/config/commaList.h"
 #include "server/config/configFile.h"
 #include "server/config/optionTable.h"
 #include "server/records/database.h"
 #include "server/replays/compression.h"
-#include "server/system/passwords.h"
 
 namespace kelvora::server {
 
@@ -65,11 +63,6 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
     if (!outcome.isRefused()) outcome = takeArguments(options, arguments);
     if (outcome.isRefused()) return outcome;
   }
-  for (const std::string& url : commaList(options.publishUrls)) {
-    if (!url.starts_with("http://") && !url.starts_with("https://")) {
-      return Outcome::refused("each URL to publish to must begin with http:// or https://");
-    }
-  }
   if (options.spectatorPort && options.rules.spectators == 0) {
     return Outcome::refused("a port for spectators needs --spectators");
   }
@@ -86,13 +79,6 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
   }
   if (!options.recordsFile.empty() && !Database::isSupported()) {
     return Outcome::refused("this system's server has no SQLite, so it can't keep records");
-  }
-  const std::string& hash = options.moderation.moderatorHash;
-  if (!hash.empty() && !canHashPasswords()) {
-    return Outcome::refused("this system has no password hashes, so there can't be a moderator");
-  }
-  if (!hash.empty() && !isPasswordHash(hash)) {
-    return Outcome::refused("moderator must be what kelvora-server --hash-password prints");
   }
   return Outcome::done();
 }

@@ -40,6 +40,11 @@ HttpAnswer homePageAnswer(const HomePage& page) {
   if (!page.bots.empty()) {
     body += "<p>Bots play until people take their places:</p>\n" + listOf(page.bots);
   }
+  if (page.hasSite) {
+    body += "<p><a href=\"/\">Play</a>";
+    if (page.spectatorPort != 0) body += " or <a href=\"/watch\">watch</a>";
+    body += " in the browser.</p>\n";
+  }
   const std::string address = page.address.empty() ? "this machine's address" : "the address " + htmlText(page.address);
   body += "<p>To join, start the game and type " + address + " and port " + std::to_string(page.port) +
           " into its connect dialog.";

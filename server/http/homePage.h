@@ -27,6 +27,7 @@ struct HomePage {
   std::string address;  ///< where players reach the server; empty for the machine's own
   std::uint16_t port = 0;
   bool passwordRequired = false;
+  bool hasSite = false;              ///< there is a page to play in at "/"
   std::uint16_t spectatorPort = 0;   ///< 0 for none
   std::vector<std::string> players;  ///< people only, as in lists
   std::vector<std::string> bots;

@@ -19,6 +19,8 @@ class Site {
   /// file.
   std::optional<HttpAnswer> answer(const HttpRequest& request, std::string_view path) const;
   std::optional<HttpAnswer> answer(const HttpRequest& request) const { return answer(request, request.path()); }
+  /// True if there is an `index.html`.
+  bool hasPage() const { return find("/").has_value(); }
 
  private:
   std::optional<std::filesystem::path> find(std::string_view path) const;

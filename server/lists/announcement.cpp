@@ -42,12 +42,14 @@ std::optional<std::uint16_t> number(const std::string& text, std::uint16_t min, 
 
 }  // namespace
 
+bool isListable(std::string_view address) { return address.size() <= maxAddressLength && consistsOf(address, ".:-"); }
+
 std::string announcementQuery(const Announcement& announcement) {
   const HostEntry& host = announcement.host;
   return "version=" + escape(announcement.version) + "&address=" + escape(host.address) +
          "&port=" + std::to_string(host.port) + "&password=" + (host.passwordRequired ? "1" : "0") +
          "&notes=" + escape(recordText(host.notes)) + "&players=" + std::to_string(host.players) +
-         "&max=" + std::to_string(host.maxPlayers);
+         "&max=" + std::to_string(host.maxPlayers) + (host.mayWatch ? "&watch=1" : "");
 }
 
 Outcome readAnnouncement(const std::function<std::string(std::string_view name)>& value, Announcement& announcement) {
@@ -58,7 +60,7 @@ Outcome readAnnouncement(const std::function<std::string(std::string_view name)>
   }
   HostEntry& host = announcement.host;
   host.address = value("address");
-  if (host.address.size() > maxAddressLength || !consistsOf(host.address, ".:-")) return Outcome::refused("address");
+  if (!isListable(host.address)) return Outcome::refused("address");
   const auto port = number(value("port"), 1, maxListedPort);
   if (!port) return Outcome::refused("port");
   host.port = *port;
@@ -73,6 +75,9 @@ Outcome readAnnouncement(const std::function<std::string(std::string_view name)>
   const auto players = number(value("players"), 0, *places);
   if (!players) return Outcome::refused("players");
   host.players = *players;
+  const std::string watch = value("watch");
+  if (!watch.empty() && watch != "0" && watch != "1") return Outcome::refused("watch");
+  host.mayWatch = watch == "1";
   return Outcome::done();
 }
 

@@ -21,7 +21,12 @@ struct Announcement {
   bool operator==(const Announcement&) const = default;
 };
 
-/// The announcement as a request's query: "version=9.8.7&address=...&port=2010&password=0&notes=...&players=1&max=6".
+/// True for up to 255 letters, digits, points, colons and hyphens, which can't break a record.
+bool isListable(std::string_view address);
+
+/// The announcement as a request's query: "version=9.8.7&address=...&port=2010&password=0&notes=...&players=1&max=6",
+/// and
+/// "&watch=1" if it takes spectators.
 std::string announcementQuery(const Announcement& announcement);
 
 /// Parses the values of such a query. Refuses it, naming the invalid value, if a text is too long or would break a

@@ -18,6 +18,7 @@ struct HostEntry {
   std::string notes;
   std::size_t players = 0;
   std::size_t maxPlayers = 0;
+  bool mayWatch = false;  ///< takes spectators; in pages only
 
   bool operator==(const HostEntry&) const = default;
 };

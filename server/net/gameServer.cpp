@@ -365,7 +365,8 @@ HostEntry GameServer::hostEntry() const {
           .passwordRequired = !options_.password.empty(),
           .notes = options_.notes,
           .players = people(),
-          .maxPlayers = Arena::colourCount};
+          .maxPlayers = Arena::colourCount,
+          .mayWatch = options_.rules.spectators > 0};
 }
 
 void GameServer::publish() {

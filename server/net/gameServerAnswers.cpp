@@ -79,10 +79,11 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
 HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) const {
   const bool isLocal = guest.isDirect && !request.isForwarded && guest.address.is_loopback();
   if (!isLocal && !metricsFor_.has(guest.address)) return textAnswer(403, "The figures are not for your address.\n");
+  const std::size_t players = people();
   return metricsPage(figures_, {.version = versionText(),
                                 .uptime = Clock::now() - start_,
-                                .players = people(),
-                                .bots = arena_.playerCount() - people(),
+                                .players = players,
+                                .bots = arena_.playerCount() - players,
                                 .spectators = arena_.spectators().size(),
                                 .bans = moderation_.count(PenaltyKind::ban),
                                 .mutes = moderation_.count(PenaltyKind::mute),
@@ -107,6 +108,7 @@ HttpAnswer GameServer::homePage() const {
                 .address = options_.publicAddress,
                 .port = port(),
                 .passwordRequired = !options_.password.empty(),
+                .hasSite = site_.hasPage(),
                 .spectatorPort = spectatorListener_ ? spectatorListener_->port() : std::uint16_t{0},
                 .players = {},
                 .bots = {},

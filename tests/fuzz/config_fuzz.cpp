@@ -51,6 +51,7 @@ void announcements(Input input) {
     Announcement announcement;
     const Outcome outcome = readAnnouncement(
         [&](std::string_view name) {
+          if (name == "watch") return std::string((flags & 4) != 0 ? "1" : "");
           if (name == "version" && (flags & 1) != 0) return std::string(KELVORA_VERSION);
           return std::string(input.upTo('\n'));
         },

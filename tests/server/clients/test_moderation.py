@@ -59,7 +59,7 @@ class Moderation(unittest.TestCase):
             self.assertEqual((result.returncode, result.stdout), (2, ""))
         result = subprocess.run([SERVER, "--moderator", "open-sesame"], capture_output=True, text=True)
         self.assertEqual(result.returncode, 2)
-        self.assertIn("--hash-password prints", result.stderr)
+        self.assertIn("--moderator must be what kelvora-server --hash-password prints", result.stderr)
 
     def test_a_ban_lasts_beyond_the_server(self):
         with self.server() as server:

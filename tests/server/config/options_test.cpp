@@ -43,7 +43,18 @@ TEST(ServerOptions, HaveDefaults) {
 TEST(ServerOptions, EachListMustBeAWebServer) {
   EXPECT_EQ(parse({"--publish", "http://a:8080, https://b"}).error, "");
   for (const char* urls : {"a:8080", "http://a, b", "http://a,,http://b"}) {
-    EXPECT_EQ(parse({"--publish", urls}).error, "each URL to publish to must begin with http:// or https://") << urls;
+    EXPECT_EQ(parse({"--publish", urls}).error, "--publish needs URLs that begin with http:// or https://") << urls;
+  }
+}
+
+TEST(ServerOptions, PublicAddressesAreThoseThatListsAccept) {
+  for (const char* address : {"", "games.example", "2001:db8::7", "my-server"}) {
+    EXPECT_EQ(parse({"--public-address", address}).error, "") << address;
+  }
+  for (const char* address : {"a[b]", "games example", "a|b", "http://games.example/"}) {
+    EXPECT_EQ(parse({"--public-address", address}).error,
+              "--public-address must have letters, digits, points, colons and hyphens only")
+        << address;
   }
 }
 

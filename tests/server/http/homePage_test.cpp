@@ -15,5 +15,18 @@ TEST(HomePage, HasATableOfRecordsIfThereAreAny) {
   EXPECT_EQ(body.find("Lately"), std::string::npos) << "an empty table";
 }
 
+TEST(HomePage, LinksToThePageForBrowsersIfThereIsOne) {
+  const std::string play = "<a href=\"/\">Play</a>";
+  const std::string watch = "<a href=\"/watch\">watch</a>";
+  HomePage page;
+  page.spectatorPort = 2011;
+  EXPECT_EQ(homePageAnswer(page).body.find(play), std::string::npos);
+  EXPECT_EQ(homePageAnswer(page).body.find(watch), std::string::npos);
+  page.hasSite = true;
+  EXPECT_NE(homePageAnswer(page).body.find(play + " or " + watch + " in the browser."), std::string::npos);
+  page.spectatorPort = 0;
+  EXPECT_NE(homePageAnswer(page).body.find(play + " in the browser."), std::string::npos);
+}
+
 }  // namespace
 }  // namespace kelvora::server

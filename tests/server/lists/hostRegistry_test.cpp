@@ -272,11 +272,11 @@ TEST(Announcement, RoundTripsThroughItsQuery) {
                            .passwordRequired = true,
                            .notes = "50% + 1 & more = f\xFCr alle?#/",
                            .players = 5,
-                           .maxPlayers = 6}};
+                           .maxPlayers = 6,
+                           .mayWatch = true}};
   Announcement read;
   EXPECT_EQ(server::read(announcementQuery(sent), read), "");
-  EXPECT_EQ(read.version, KELVORA_VERSION);
-  EXPECT_EQ(hostRecord(read.host), hostRecord(sent.host));
+  EXPECT_EQ(read, sent);
 }
 
 TEST(Announcement, TheSenderRemovesTextThatTheListWouldRefuse) {
@@ -307,6 +307,10 @@ TEST(Announcement, InvalidValuesAreRefusedByName) {
       {"address", "a%00", false},
       {"address", std::string(255, 'a'), true},
       {"address", std::string(256, 'a'), false},
+      {"watch", "1", true},
+      {"watch", "0", true},
+      {"watch", "", true},
+      {"watch", "2", false},
       {"port", "", false},
       {"port", "0", false},
       {"port", "1", true},

@@ -90,6 +90,10 @@ TEST(WatchLink, IsThePageOfTheGame) {
     EXPECT_EQ(ask(server.port(), "GET /watch/ HTTP/1.0\r\n\r\n").code(), 404);
     const WebAnswer arena = ask(server.port(), "GET /arena HTTP/1.0\r\n\r\n");
     EXPECT_NE(arena.body.find("port " + std::to_string(server.spectatorPort())), std::string::npos) << arena.body;
+    EXPECT_NE(arena.body.find("<a href=\"/\">Play</a> or <a href=\"/watch\">watch</a>"), std::string::npos)
+        << arena.body;
+    const WebAnswer games = ask(server.port(), "GET /games HTTP/1.0\r\n\r\n");
+    EXPECT_NE(games.body.find("/watch\""), std::string::npos) << games.body;
   }
   options.rules.spectators = 0;
   {
@@ -97,7 +101,10 @@ TEST(WatchLink, IsThePageOfTheGame) {
     EXPECT_EQ(ask(server.port(), "GET /watch HTTP/1.0\r\n\r\n").code(), 404);
     WebSocketClient client(server.port());
     EXPECT_FALSE(client.open({}, "/watch"));
-    EXPECT_EQ(ask(server.port(), "GET /arena HTTP/1.0\r\n\r\n").body.find("watch"), std::string::npos);
+    for (const char* page : {"arena", "games"}) {
+      const WebAnswer answer = ask(server.port(), std::string("GET /") + page + " HTTP/1.0\r\n\r\n");
+      EXPECT_EQ(answer.body.find("watch"), std::string::npos) << answer.body;
+    }
   }
   std::filesystem::remove_all(folder);
 }
