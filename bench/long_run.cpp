@@ -3,11 +3,26 @@
 // on follows. The exit status is 1 if memory has grown beyond what the rules keep by more than 32 KiB plus 1 KiB for
 // each player who joined.
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <vector>
 
 #include "tools/headless/longPlay.h"
+
+namespace {
+
+/// Of the program's memory, in bytes.
+std::int64_t residentBytes() {
+  std::ifstream memory("/proc/self/statm");
+  std::int64_t pages = 0;
+  memory >> pages >> pages;
+  return pages * ::sysconf(_SC_PAGESIZE);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   using kelvora::LongPlay;
@@ -22,8 +37,8 @@ int main(int argc, char** argv) {
     const LongPlay::Figures& line = lines.emplace_back(game.figures());
     const auto inKilobytes = [](std::int64_t bytes) { return static_cast<double>(bytes) / kilobyte; };
     std::printf("%4d %11.0f %11.0f %11.0f %11.0f %7zu %9d %7d %10.1f\n", hour, inKilobytes(line.heapBytes),
-                inKilobytes(line.keptBytes), inKilobytes(line.heapBytes - line.keptBytes),
-                inKilobytes(line.residentBytes), line.slots, line.captures, line.rounds, line.clientMicroseconds);
+                inKilobytes(line.keptBytes), inKilobytes(line.heapBytes - line.keptBytes), inKilobytes(residentBytes()),
+                line.slots, line.captures, line.rounds, line.clientMicroseconds);
     std::fflush(stdout);
   }
   if (lines.empty()) return 1;

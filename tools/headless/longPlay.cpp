@@ -1,12 +1,9 @@
 #include "tools/headless/longPlay.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
-#include <fstream>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -297,10 +294,6 @@ LongPlay::Figures LongPlay::figures() {
       bytesOf(modMain::world.localPlayer) + bytesOf(modMain::world.opponents) + bytesOf(modMain::world.netParticles);
   for (const clsPlayer& opponent : modMain::world.opponents) figures.keptBytes += bytesOf(opponent);
   for (const clsParticle& particle : modMain::world.netParticles) figures.keptBytes += bytesOf(particle.positionQueue);
-  std::ifstream memory("/proc/self/statm");
-  std::int64_t pages = 0;
-  memory >> pages >> pages;
-  figures.residentBytes = pages * ::sysconf(_SC_PAGESIZE);
   figures.slots = modMain::world.opponents.size();
   figures.captures = captures_;
   figures.rounds = rounds_;

@@ -37,8 +37,7 @@ class LongPlay : private HeadlessClient, private server::ArenaOutput {
   struct Figures {
     std::int64_t heapBytes = 0;  ///< used by client and arena combined
     std::int64_t keptBytes = 0;  ///< part that the rules keep: players with their tails, network particles
-    std::int64_t residentBytes = 0;
-    std::size_t slots = 0;  ///< opponents so far
+    std::size_t slots = 0;       ///< opponents so far
     int captures = 0;
     int rounds = 0;
     double clientMicroseconds = 0;  ///< processor time of a client's pass, average since the last call

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "server/config/options.h"
+#include "tests/support/temporaryFolder.h"
 
 namespace kelvora::server {
 namespace {
@@ -31,23 +32,10 @@ std::string faultOf(const std::vector<std::string>& arguments) {
   return parseOptions(arguments, options).reason();
 }
 
-/// A folder of its own, which is gone afterwards: other runs of the tests, and other users, have theirs.
-class Folder {
- public:
-  Folder() { EXPECT_NE(::mkdtemp(path_.data()), nullptr); }
-  ~Folder() { std::filesystem::remove_all(path_); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_ = testing::TempDir() + "kelvora-config-XXXXXX";
-};
-
 /// A file that holds the text.
 std::string fileWith(const std::string& text) {
-  static const Folder folder;
-  const std::string name = folder.path() + "/server.conf";
+  static const TemporaryFolder folder;
+  const std::string name = (folder.path() / "server.conf").string();
   std::ofstream(name, std::ios::binary) << text;
   return name;
 }
