@@ -4,10 +4,10 @@
 play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libboost-dev
   libcurl4-openssl-dev libsqlite3-dev libfontconfig-dev libxcb1-dev zlib1g-dev libsdl2-dev libmpg123-dev
   fonts-comic-neue fonts-liberation"
-window_test_packages="python3 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils"
+window_test_packages="python3 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils pulseaudio pulseaudio-utils mpg123"
 linux_check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev lld-14
   clang-format-14 clang-tidy-14 python3-numpy python3-websockets python3-yaml nginx libnginx-mod-stream caddy prometheus
-  openssl curl wget mpg123 $window_test_packages"
+  openssl curl wget $window_test_packages"
 
 # Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
 server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev libsqlite3-dev"

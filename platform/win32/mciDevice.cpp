@@ -1,27 +1,21 @@
-#include <atomic>
-#include <chrono>
 #include <map>
 #include <memory>
 #include <string>
 
 #include "platform/desktop/soundModule.h"
 #include "platform/sound/mixerDevice.h"
-#include "platform/win32/win32.h"
-// After the above.
-#include <mmsystem.h>
+#include "platform/win32/musicStream.h"
 
 namespace kelvora {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-std::wstring quoted(const std::string& path) {
+std::wstring widePath(const std::string& path) {
   std::wstring wide(path.size(), L'\0');
   const int length = MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(path.size()), wide.data(),
                                          static_cast<int>(wide.size()));
   wide.resize(static_cast<std::size_t>(length));
-  return L"\"" + wide + L"\"";
+  return wide;
 }
 
 bool command(const std::wstring& text) { return mciSendStringW(text.c_str(), nullptr, 0, nullptr) == 0; }
@@ -32,7 +26,8 @@ struct Effect {
   bool isSilent = false;
 };
 
-/// The system's media control: a device for each effect, and one for the music.
+/// Each effect has a device of the system's media control, the music a wave device. The media control's own player of
+/// MP3 files would load a dozen libraries.
 class MciDevice : public MixerDevice {
  public:
   ~MciDevice() override { command(L"close all"); }
@@ -60,7 +55,7 @@ class MciDevice : public MixerDevice {
     if (found == effects_.end() || found->second.isSilent) return;
     Effect& effect = found->second;
     if (!effect.isOpen && !effect.file.empty()) {
-      effect.isOpen = command(L"open " + quoted(effect.file) + L" type waveaudio alias " + nameOf(channel));
+      effect.isOpen = command(L"open \"" + widePath(effect.file) + L"\" type waveaudio alias " + nameOf(channel));
       effect.file.clear();
     }
     if (effect.isOpen) command(L"play " + nameOf(channel) + L" from 0");
@@ -70,24 +65,9 @@ class MciDevice : public MixerDevice {
     if (isOpen(channel)) command(L"stop " + nameOf(channel));
   }
 
-  bool startMusic(const std::string& file) override {
-    stopMusic();
-    if (!command(L"open " + quoted(file) + L" type mpegvideo alias kelvoraMusic")) return false;
-    command(L"set kelvoraMusic time format milliseconds");
-    wchar_t length[32] = L"";
-    mciSendStringW(L"status kelvoraMusic length", length, 32, nullptr);
-    if (!command(L"play kelvoraMusic")) return false;
-    musicEnd_ = (Clock::now() + std::chrono::milliseconds(std::wcstol(length, nullptr, 10))).time_since_epoch().count();
-    return true;
-  }
-
-  void stopMusic() override {
-    musicEnd_ = 0;
-    command(L"close kelvoraMusic");
-  }
-
-  /// Goes by the track's length, because only the thread that has opened a device may query it.
-  bool isMusicPlaying() const override { return Clock::now().time_since_epoch().count() < musicEnd_; }
+  bool startMusic(const std::string& file) override { return music_.start(widePath(file)); }
+  void stopMusic() override { music_.stop(); }
+  bool isMusicPlaying() const override { return music_.isPlaying(); }
 
  private:
   static std::wstring nameOf(int channel) { return L"kelvoraEffect" + std::to_wstring(channel); }
@@ -98,7 +78,7 @@ class MciDevice : public MixerDevice {
   }
 
   std::map<int, Effect> effects_;
-  std::atomic<Clock::rep> musicEnd_ = 0;
+  MusicStream music_;
 };
 
 }  // namespace
