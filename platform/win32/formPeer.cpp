@@ -129,14 +129,19 @@ void FormPeer::takeFocus() {
   SetForegroundWindow(window_);
 }
 
-/// While a modal form is visible, only it and the forms shown after it take input.
-void FormPeer::enableOnlyTheModal() {
+/// The modal form shown last, or null.
+FormPeer* FormPeer::newestModal() {
   const auto modal = std::find_if(shownForms.rbegin(), shownForms.rend(), [](const FormPeer* peer) {
     return peer->form().modality() == Form::Modality::Modal;
   });
-  const auto first = modal == shownForms.rend() ? shownForms.begin() : modal.base() - 1;
-  for (auto peer = shownForms.begin(); peer != shownForms.end(); ++peer) {
-    EnableWindow((*peer)->window(), peer >= first ? TRUE : FALSE);
+  return modal == shownForms.rend() ? nullptr : *modal;
+}
+
+/// While a modal form is visible, only the newest one takes input.
+void FormPeer::enableOnlyTheModal() {
+  const FormPeer* modal = newestModal();
+  for (const FormPeer* peer : shownForms) {
+    EnableWindow(peer->window(), modal == nullptr || modal == peer ? TRUE : FALSE);
   }
 }
 
@@ -151,6 +156,12 @@ void FormPeer::showWindow() {
   }
   isShownBefore_ = true;
   followControls(form_);
+  const FormPeer* modal = newestModal();
+  if (modal != nullptr && modal != this) {
+    // Below the modal form, which keeps the keyboard.
+    SetWindowPos(window_, modal->window(), 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    return;
+  }
   ShowWindow(window_, SW_SHOW);
   takeFocus();
 }

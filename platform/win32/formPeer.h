@@ -68,6 +68,7 @@ class FormPeer : public Peer, public InputTarget {
   RECT workArea() const;
   int clientWidth() const;
   int clientHeight() const;
+  static FormPeer* newestModal();
   static void enableOnlyTheModal();
 
   Form& form_;
