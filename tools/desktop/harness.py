@@ -419,6 +419,20 @@ class Client:
             dialog.click((1860 + 300 * circle + 97) // TWIPS, (1620 + 127) // TWIPS)
         self.display.xdotool("key", "Return")
 
+    def press_enter_at_the_start(self, is_answered):
+        """Presses Enter in the connect dialog. On a busy machine, Wine hears late that the main window was active
+        before, and gives it the key, which it ignores. So in Wine another Enter follows after a while."""
+        dialog = self.wait_for_window("Connect")
+        pause = 4 if self.prefix else PATIENCE
+        while pause < 4 * PATIENCE:
+            dialog.activate()
+            self.display.xdotool("key", "Return")
+            try:
+                return wait_for(is_answered, "the answer to Enter", pause)
+            except AssertionError:
+                pause *= 2
+        raise AssertionError("the dialog doesn't take Enter")
+
     def canvas_size(self):
         """Width and height in pixels."""
         width, height = (pixels / self.scale for pixels in self.window.geometry()[2:])
