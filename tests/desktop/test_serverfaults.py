@@ -8,8 +8,15 @@ import subprocess
 import unittest
 
 import harness
+import wine
 from harness import wait_for
 from protocol import CHAT, LOGIN, LOGIN_ACCEPTED, POSITION_REPORT, SERVER_TEXT
+
+IN_WINE = wine.is_for_windows(harness.SERVER)
+ONLY_LINUX = unittest.skipIf(IN_WINE, "Windows has neither these signals nor a limit of open files")
+# What the system says. Wine has no words for a port in use, only the number.
+IN_USE = "Unknown error (10048)" if IN_WINE else "Address already in use"
+A_FOLDER = "Permission denied" if IN_WINE else "Is a directory"
 
 
 def cpu_seconds(pid):
@@ -23,7 +30,8 @@ class ServerFaults(unittest.TestCase):
     def start(self, *arguments, **options):
         port = harness.free_port()
         options = dict(dict(stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True), **options)
-        process = subprocess.Popen([harness.SERVER, "--address", "127.0.0.1", "--port", str(port), *arguments], **options)
+        process = subprocess.Popen(wine.command(harness.SERVER, "--address", "127.0.0.1", "--port", str(port), *arguments),
+                                   **options)
         self.addCleanup(harness.stop, process)
         for stream in (process.stdout, process.stderr):
             if stream:
@@ -36,6 +44,12 @@ class ServerFaults(unittest.TestCase):
         wait_for(is_listening, "the server")
         return process
 
+    def run_server(self, *arguments):
+        """Runs a server that ends at once. Returns its status and what it complains about."""
+        done = subprocess.run(wine.command(harness.SERVER, *arguments), capture_output=True, stdin=subprocess.DEVNULL,
+                              text=True, timeout=harness.PATIENCE)
+        return done.returncode, done.stderr
+
     def log_in(self, process, name="Ann", colour=0):
         line = harness.Line(socket.create_connection(("127.0.0.1", process.port)))
         self.addCleanup(line.close)
@@ -45,7 +59,8 @@ class ServerFaults(unittest.TestCase):
     def test_signals_end_it_with_a_message_to_the_players(self):
         # A test run that ignores SIGHUP, as under nohup, would pass that on.
         self.addCleanup(signal.signal, signal.SIGHUP, signal.signal(signal.SIGHUP, signal.SIG_DFL))
-        for sent in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+        # Of these, Wine passes on an interrupt, as Ctrl+C.
+        for sent in (signal.SIGINT,) if IN_WINE else (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
             with self.subTest(signal=sent.name):
                 process = self.start("--bots", "3")
                 line = self.log_in(process)
@@ -58,6 +73,7 @@ class ServerFaults(unittest.TestCase):
                 line.close()
                 self.assertEqual(process.wait(harness.PATIENCE), 0)
 
+    @ONLY_LINUX
     def test_an_ignored_hang_up_stays_ignored(self):
         process = self.start(preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
         process.send_signal(signal.SIGHUP)
@@ -66,17 +82,20 @@ class ServerFaults(unittest.TestCase):
     def test_a_port_in_use(self):
         with socket.create_server(("127.0.0.1", 0)) as other:
             port = other.getsockname()[1]
-            done = subprocess.run([harness.SERVER, "--address", "127.0.0.1", "--port", str(port)], capture_output=True,
-                                  stdin=subprocess.DEVNULL, text=True, timeout=harness.PATIENCE)
-        self.assertEqual(done.returncode, 1)
-        self.assertEqual(done.stderr, f"kelvora-server: cannot listen on 127.0.0.1:{port}: Address already in use\n")
+            status, complaint = self.run_server("--address", "127.0.0.1", "--port", str(port))
+        self.assertEqual(status, 1)
+        self.assertEqual(complaint, f"kelvora-server: cannot listen on 127.0.0.1:{port}: {IN_USE}\n")
+
+    def test_a_wrong_option(self):
+        status, complaint = self.run_server("--bots", "seven")
+        self.assertEqual(status, 2)
+        self.assertRegex(complaint, "^kelvora-server: --bots must be .*\nkelvora-server --help lists the options.\n$")
 
     def test_an_unreadable_configuration(self):
-        for path, reason in (("/no/such/file", "No such file or directory"), ("/", "Is a directory")):
-            done = subprocess.run([harness.SERVER, "--config", path], capture_output=True, stdin=subprocess.DEVNULL,
-                                  text=True, timeout=harness.PATIENCE)
-            self.assertEqual(done.returncode, 2)
-            self.assertEqual(done.stderr.splitlines()[0], f"kelvora-server: cannot read {path}: {reason}")
+        for path, reason in (("/no/such/file", "No such file or directory"), ("/", A_FOLDER)):
+            status, complaint = self.run_server("--config", path)
+            self.assertEqual(status, 2)
+            self.assertEqual(complaint.splitlines()[0], f"kelvora-server: cannot read {path}: {reason}")
 
     def test_a_log_on_a_full_disk(self):
         with open("/dev/full", "w") as full:
@@ -93,6 +112,7 @@ class ServerFaults(unittest.TestCase):
             self.assertEqual(line.recv_frame()[0], LOGIN_ACCEPTED)
         self.assertIsNone(process.poll())
 
+    @ONLY_LINUX
     def test_no_descriptors_left(self):
         process = self.start()
         open_files = harness.wait_for_rest(lambda: len(os.listdir(f"/proc/{process.pid}/fd")), "the open files")
@@ -110,11 +130,13 @@ class ServerFaults(unittest.TestCase):
         ann.close()
         self.assertEqual(bob.recv_frame()[0], LOGIN_ACCEPTED)
 
+    @ONLY_LINUX
     def test_it_raises_a_low_limit_of_descriptors(self):
         hard = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
         process = self.start(preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (20, hard)))
         self.assertEqual(resource.prlimit(process.pid, resource.RLIMIT_NOFILE)[0], 256)
 
+    @ONLY_LINUX
     def test_it_warns_about_a_low_limit_of_descriptors(self):
         process = self.start(preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (40, 40)))
         self.assertIn("only 40 files may be open", process.stderr.readline())
