@@ -5,10 +5,12 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "app/clockText.h"
 #include "frontend/frmMain.h"
 #include "platform/desktop/soundModule.h"
 #include "platform/pictures/writePng.h"
@@ -33,9 +35,15 @@ void Film::cut(Millis now) {
   next_ = std::max(next_, now - longestPause);
 }
 
+void Film::startTrack() {
+  if (error_.empty() && !track_.empty()) play({.file = std::exchange(track_, {}), .isMusic = true, .starts = true}, 0);
+}
+
 bool Film::add(Millis now) {
+  if (now >= range_.to) return false;
   cut(now);
   if (now < next_) return true;
+  startTrack();
   const PictureBox& canvas = frmMain->canvas;
   const Picture picture{canvas.pixelWidth(), canvas.pixelHeight(), {canvas.pixels().begin(), canvas.pixels().end()}};
   for (; error_.empty() && next_ <= now; next_ += interval) {
@@ -46,14 +54,27 @@ bool Film::add(Millis now) {
 }
 
 void Film::hear(const recording::Sounding& sounding, Millis now) {
+  if (now < range_.from) {
+    if (sounding.isMusic) track_ = sounding.starts ? sounding.file : "";
+    return;
+  }
   cut(now);
+  startTrack();
   if (error_.empty()) play(sounding, pictures_ * interval + now - next_);
 }
 
-FrameFolder::FrameFolder(std::string folder) : folder_(std::move(folder)) {
+bool Film::finish() {
+  if (error_.empty() && pictures_ == 0) fail("there is no picture to write");
+  if (error_.empty()) conclude();
+  return error_.empty();
+}
+
+FrameFolder::FrameFolder(std::string folder, FilmRange range) : Film(range), folder_(std::move(folder)) {
   std::error_code ignored;  // a file that can't be written tells it
   std::filesystem::create_directories(folder_, ignored);
 }
+
+std::string FrameFolder::result() const { return folder_ + ": " + std::to_string(pictures()) + " pictures"; }
 
 void FrameFolder::take(const Picture& picture) {
   std::array<char, 32> name{};
@@ -61,7 +82,7 @@ void FrameFolder::take(const Picture& picture) {
   if (!writePng(folder_ + name.data(), picture)) fail(folder_ + name.data() + " can't be written");
 }
 
-Video::Video(std::string file) : file_(std::move(file)) { prepare(); }
+Video::Video(std::string file, FilmRange range) : Film(range), file_(std::move(file)) { prepare(); }
 
 void Video::prepare() {
   if (std::system("command -v ffmpeg >/dev/null") != 0) return fail("ffmpeg is not installed");
@@ -79,18 +100,35 @@ Video::~Video() {
   if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
 }
 
-/// The film's extension tells ffmpeg the format.
-std::string Video::picturesFile() const {
-  return folder_ + "/pictures" + std::filesystem::path(file_).extension().string();
+std::string Video::result() const { return file_ + ": a film of " + clockText(pictures() * interval); }
+
+std::string Video::part(const std::string& name) const {
+  return folder_ + "/" + name + std::filesystem::path(file_).extension().string();
+}
+
+/// Runs in a session of its own, so that Ctrl+C only reaches this program, which then ends in order.
+std::string Video::ffmpeg(const std::string& arguments) const {
+  return "exec setsid ffmpeg -loglevel error -y " + arguments + " 2>" + quoted(wordsFile());
+}
+
+void Video::failByFfmpeg() {
+  std::ifstream words(wordsFile());
+  std::string last;
+  for (std::string line; std::getline(words, line);) {
+    if (line.find("suitable output format") != line.npos) {
+      return fail("ffmpeg knows no kind of film by the name of " + file_ + ". Try one that ends in .mp4");
+    }
+    if (!line.empty()) last = line;
+  }
+  fail("ffmpeg has failed" + (last.empty() ? "" : ": " + last));
 }
 
 void Video::open() {
   std::signal(SIGPIPE, SIG_IGN);
   const std::string size = std::to_string(width_) + "x" + std::to_string(height_);
-  const std::string command = "ffmpeg -loglevel error -y -f rawvideo -pix_fmt bgr0 -video_size " + size +
-                              " -framerate " + std::to_string(picturesPerSecond) +
-                              " -i - -vf 'pad=ceil(iw/2)*2:ceil(ih/2)*2' -pix_fmt yuv420p " +
-                              quoted("file:" + picturesFile());
+  const std::string command =
+      ffmpeg("-f rawvideo -pix_fmt bgr0 -video_size " + size + " -framerate " + std::to_string(picturesPerSecond) +
+             " -i - -vf 'pad=ceil(iw/2)*2:ceil(ih/2)*2' -pix_fmt yuv420p " + quoted("file:" + part("pictures")));
   pipe_ = ::popen(command.c_str(), "w");
   if (pipe_ == nullptr) fail("ffmpeg can't be started");
 }
@@ -109,26 +147,25 @@ void Video::take(const Picture& picture) {
     const auto from = picture.pixels.begin() + std::ptrdiff_t{row} * picture.width;
     std::copy(from, from + columns, frame.begin() + std::ptrdiff_t{row} * width_);
   }
-  if (std::fwrite(frame.data(), sizeof(Pixel), frame.size(), pipe_) != frame.size()) fail("ffmpeg has failed");
+  if (std::fwrite(frame.data(), sizeof(Pixel), frame.size(), pipe_) == frame.size()) return;
+  ::pclose(std::exchange(pipe_, nullptr));  // so that its messages are complete
+  failByFfmpeg();
 }
 
 void Video::play(const recording::Sounding& sounding, Millis at) {
   if (!sound_->play(sounding, at)) fail(soundFile() + " can't be written");
 }
 
-bool Video::finish() {
-  if (pipe_ == nullptr) return error().empty();
-  if (::pclose(std::exchange(pipe_, nullptr)) != 0) fail("ffmpeg has failed");
-  if (!error().empty()) return false;
-  if (!sound_->finish(pictures() * interval)) {
-    fail(soundFile() + " can't be written");
-    return false;
-  }
-  const std::string command = "ffmpeg -nostdin -loglevel error -y -i " + quoted("file:" + picturesFile()) +
-                              " -f s16le -ar " + std::to_string(sampleRate) + " -ac 2 -i " +
-                              quoted("file:" + soundFile()) + " -c:v copy " + quoted("file:" + file_);
-  if (std::system(command.c_str()) != 0) fail("ffmpeg has failed");
-  return error().empty();
+void Video::conclude() {
+  if (::pclose(std::exchange(pipe_, nullptr)) != 0) return failByFfmpeg();
+  if (!sound_->finish(pictures() * interval)) return fail(soundFile() + " can't be written");
+  const std::string command =
+      ffmpeg("-nostdin -i " + quoted("file:" + part("pictures")) + " -f s16le -ar " + std::to_string(sampleRate) +
+             " -ac 2 -i " + quoted("file:" + soundFile()) + " -c:v copy " + quoted("file:" + part("film")));
+  if (std::system(command.c_str()) != 0) return failByFfmpeg();
+  std::error_code error;
+  std::filesystem::rename(part("film"), file_, error);
+  if (error) fail(file_ + " can't be written");
 }
 
 }  // namespace kelvora

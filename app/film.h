@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -12,19 +13,30 @@
 
 namespace kelvora {
 
+/// The part of a game that becomes a film, in ms since its start.
+struct FilmRange {
+  Millis from = 0;
+  Millis to = std::numeric_limits<Millis>::max();
+};
+
 /// Takes pictures of the canvas at a steady rate while a game runs. Where nothing is painted for long, such as before
-/// the login, a second of it remains.
+/// the login, a second of it remains. A track that plays when the range begins, begins with it.
 class Film {
  public:
   static constexpr int picturesPerSecond = 25;
 
+  explicit Film(FilmRange range) : range_(range), next_(range.from) {}
   virtual ~Film() = default;
-  /// Called after each frame with the time since the start, in ms. Returns false after an error.
+  Film(const Film&) = delete;
+  Film& operator=(const Film&) = delete;
+  /// Called after each frame with the time since the start, in ms. Returns false after an error and at the range's end.
   bool add(Millis now);
   /// Called when the game plays or stops a sound, with the time since the start, in ms.
   void hear(const recording::Sounding& sounding, Millis now);
-  /// Ends the film. False after an error.
-  virtual bool finish() { return error_.empty(); }
+  /// Ends the film. False after an error, or if there is no picture in the range.
+  bool finish();
+  /// What has been written, as a line for people.
+  virtual std::string result() const = 0;
   /// Empty if there is none.
   const std::string& error() const { return error_; }
 
@@ -32,6 +44,8 @@ class Film {
   static constexpr Millis interval = 1000 / picturesPerSecond;
 
   virtual void take(const Picture& picture) = 0;
+  /// Puts the pictures together.
+  virtual void conclude() {}
   /// A sound begins or ends `at` ms of the film.
   virtual void play(const recording::Sounding&, Millis /*at*/) {}
   void fail(const std::string& error) { error_ = error; }
@@ -40,16 +54,20 @@ class Film {
  private:
   /// Shortens a pause that is too long.
   void cut(Millis now);
+  void startTrack();
 
+  const FilmRange range_;
   std::string error_;
+  std::string track_;  ///< the music that plays when the range begins
   std::int64_t pictures_ = 0;
-  Millis next_ = 0;  ///< when the next picture is due
+  Millis next_;  ///< when the next picture is due
 };
 
 /// A folder of PNG files, 000001.png and so on. Creates it.
 class FrameFolder : public Film {
  public:
-  explicit FrameFolder(std::string folder);
+  explicit FrameFolder(std::string folder, FilmRange range = {});
+  std::string result() const override;
 
  private:
   void take(const Picture& picture) override;
@@ -57,21 +75,28 @@ class FrameFolder : public Film {
   std::string folder_;
 };
 
-/// A video file with sound, made by ffmpeg, as large as the first picture. It replaces an existing file. Pictures and
-/// sound are kept in a folder beside it until they are put together.
+/// A video file with sound, made by ffmpeg, as large as the first picture. Pictures and sound are kept in a folder
+/// beside it until they are put together. Then it replaces an existing file.
 class Video : public Film {
  public:
-  explicit Video(std::string file);
+  explicit Video(std::string file, FilmRange range = {});
   ~Video() override;
-  bool finish() override;
+  std::string result() const override;
 
  private:
+  void conclude() override;
   void take(const Picture& picture) override;
   void play(const recording::Sounding& sounding, Millis at) override;
   void prepare();
   void open();
-  std::string picturesFile() const;
+  /// A part of the film. The film's extension tells ffmpeg the format.
+  std::string part(const std::string& name) const;
   std::string soundFile() const { return folder_ + "/sound"; }
+  std::string wordsFile() const { return folder_ + "/words"; }  ///< ffmpeg's messages
+  /// The command for ffmpeg with these arguments, both words for the shell.
+  std::string ffmpeg(const std::string& arguments) const;
+  /// Says why ffmpeg has failed.
+  void failByFfmpeg();
 
   std::string file_;
   std::string folder_;  ///< empty if there is none

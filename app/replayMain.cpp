@@ -1,35 +1,23 @@
+#include <unistd.h>
+
+#include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "app/film.h"
 #include "app/player/playRecording.h"
 #include "app/replayGame.h"
+#include "app/replayOptions.h"
 #include "platform/desktop/dataFolder.h"
 #include "platform/recording/file.h"
 
 namespace {
 
 using namespace kelvora;
-
-constexpr const char* helpText =
-    "Usage: kelvora-replay FILE\n"
-    "       kelvora-replay --verify FILE\n"
-    "       kelvora-replay --frames FOLDER FILE\n"
-    "       kelvora-replay --video VIDEO FILE\n"
-    "Plays a recorded game again. KELVORA_RECORD=FILE records one.\n"
-    "\n"
-    "  FILE              show it in windows; press ? there for the keys\n"
-    "  --verify          compare every picture and state that the recording sums up\n"
-    "  --frames FOLDER   write the canvas as PNG files, 25 for each second\n"
-    "  --video VIDEO     make a film of them, with sound; needs ffmpeg\n"
-    "  --version         print the version\n"
-    "  --help            print this help\n"
-    "\n"
-    "Exit status: 2 if the recording can't be read. With --verify, --frames or --video, 1 if the replay is not\n"
-    "exact or the recorded game failed. 0 otherwise.\n";
 
 std::string clock(Millis milliseconds) {
   const long long seconds = milliseconds / 1000;
@@ -69,29 +57,78 @@ int tell(const std::string& file, const ReplayReport& report, double seconds) {
     return report.reason == Reason::Damaged ? 2 : 1;
   }
   if (!report.differences.empty()) return 1;
+  if (report.reason == Reason::Stopped) return 0;  // at the end of the film's range
   std::printf("all %llu comparisons are equal\n", static_cast<unsigned long long>(report.checks));
   return 0;
 }
 
-int run(const std::string& file, Film* film) {
+volatile std::sig_atomic_t wasInterrupted = 0;
+
+/// Shows on a terminal how much of a film is done.
+class ProgressLine {
+ public:
+  ~ProgressLine() { clear(); }
+  void show(double share) {
+    const int percent = std::clamp(static_cast<int>(100 * share), 0, 100);
+    if (!isShown_ || percent == std::exchange(percent_, percent)) return;
+    std::fprintf(stderr, "\r%3d %%", percent);
+  }
+  void clear() {
+    if (isShown_ && std::exchange(percent_, -1) >= 0) std::fputs("\r     \r", stderr);
+  }
+
+ private:
+  const bool isShown_ = ::isatty(STDERR_FILENO) != 0;
+  int percent_ = -1;
+};
+
+/// Ends a film in order when it is interrupted, so that no part of it is left.
+void catchInterruption() {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    std::signal(signal, [](int) { wasInterrupted = 1; });
+  }
+}
+
+int run(const ReplayOptions& options, Film* film) {
   const auto begin = std::chrono::steady_clock::now();
+  const std::string& file = options.file;
+  const bool hasEnd = options.range.to != FilmRange{}.to;
   ReplayReport report;
+  ProgressLine progress;
+  double read = 0;
   try {
-    report = replayGame(recording::openRecording(file), dataFolder(), [film](recording::Replay& replay) {
+    const auto source = recording::openRecording(file, [&read](double share) { read = share; });
+    report = replayGame(source, dataFolder(), [&](recording::Replay& replay) {
       if (!film) return;
-      replay.onFrame = [film, &replay] { return film->add(replay.elapsed()); };
-      replay.onSound = [film, &replay](const recording::Sounding& sounding) { film->hear(sounding, replay.elapsed()); };
+      replay.onFrame = [&, film] {
+        const auto length = static_cast<double>(options.range.to);
+        progress.show(hasEnd ? static_cast<double>(replay.elapsed()) / length : read);
+        return wasInterrupted == 0 && film->add(replay.elapsed());
+      };
+      replay.onSound = [&, film](const recording::Sounding& sounding) { film->hear(sounding, replay.elapsed()); };
     });
   } catch (const recording::Damaged& damage) {
     report.reason = recording::ReplayEnd::Reason::Damaged;
     report.text = damage.what();
   }
-  if (film && !film->finish()) {
-    std::fprintf(stderr, "kelvora-replay: %s\n", film->error().c_str());
-    return 2;
+  const bool isReadable = !report.version.empty();
+  if (film && isReadable) {
+    if (wasInterrupted != 0) {
+      progress.clear();
+      std::fputs("kelvora-replay: interrupted\n", stderr);
+      return 130;
+    }
+    const bool isDone = film->finish();
+    progress.clear();
+    if (!isDone) {
+      std::fprintf(stderr, "kelvora-replay: %s\n", film->error().c_str());
+      return 2;
+    }
   }
   const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
-  return tell(file, report, passed.count());
+  const int status = tell(file, report, passed.count());
+  if (film && isReadable) std::puts(film->result().c_str());
+  return status;
 }
 
 int show(const std::string& file, char* program) {
@@ -108,25 +145,32 @@ int show(const std::string& file, char* program) {
 
 int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
-  const std::string_view option = arguments.empty() ? "" : std::string_view(arguments[0]);
-  if (option == "--help" || option == "--version") {
-    if (option == "--help") {
-      std::fputs(helpText, stdout);
-    } else {
+  ReplayOptions options;
+  if (const Outcome outcome = parseReplayOptions(arguments, options); outcome.isRefused()) {
+    std::fprintf(stderr, "kelvora-replay: %s\nkelvora-replay --help lists the options.\n", outcome.reason().c_str());
+    return 2;
+  }
+  switch (options.action) {
+    case ReplayOptions::Action::Help:
+      std::fputs(replayHelp().c_str(), stdout);
+      return 0;
+    case ReplayOptions::Action::Version:
       std::printf("kelvora-replay %s\n", appVersionText().c_str());
+      return 0;
+    case ReplayOptions::Action::Verify:
+      return run(options, nullptr);
+    case ReplayOptions::Action::Frames: {
+      catchInterruption();
+      FrameFolder film(options.target, options.range);
+      return run(options, &film);
     }
-    return 0;
+    case ReplayOptions::Action::Video: {
+      catchInterruption();
+      Video film(options.target, options.range);
+      return run(options, &film);
+    }
+    case ReplayOptions::Action::Show:
+      break;
   }
-  if (option == "--verify" && arguments.size() == 2) return run(arguments[1], nullptr);
-  if (option == "--frames" && arguments.size() == 3) {
-    FrameFolder film(arguments[1]);
-    return run(arguments[2], &film);
-  }
-  if (option == "--video" && arguments.size() == 3) {
-    Video film(arguments[1]);
-    return run(arguments[2], &film);
-  }
-  if (arguments.size() == 1 && !option.starts_with("-")) return show(arguments[0], argv[0]);
-  std::fputs(helpText, stderr);
-  return 2;
+  return show(options.file, argv[0]);
 }

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <utility>
 
-#include "app/player/clockText.h"
+#include "app/clockText.h"
 #include "platform/backend.h"
 #include "raster/twips.h"
 

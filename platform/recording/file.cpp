@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <array>
+#include <cerrno>
 #include <memory>
 #include <string>
 #include <utility>
@@ -19,7 +20,8 @@ constexpr std::size_t chunkSize = 64 * 1024;
 /// process can go on reading.
 class Inflater {
  public:
-  Inflater(std::string file, std::size_t begin) : file_(std::move(file)) {
+  Inflater(std::string file, std::size_t begin, OnProgress onProgress)
+      : file_(std::move(file)), onProgress_(std::move(onProgress)) {
     if (inflateInit(&state_) != Z_OK) throw Damaged("out of memory");
     state_.next_in = reinterpret_cast<Bytef*>(file_.data()) + begin;
     state_.avail_in = static_cast<uInt>(file_.size() - begin);
@@ -39,6 +41,7 @@ class Inflater {
       isOver_ = result == Z_STREAM_END;
       if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) throw Damaged("its bytes are damaged");
       out.resize(out.size() - state_.avail_out);
+      if (onProgress_) onProgress_(1 - static_cast<double>(state_.avail_in) / static_cast<double>(file_.size()));
       if (!out.empty()) return out;
       out.resize(chunkSize);
     }
@@ -47,6 +50,7 @@ class Inflater {
 
  private:
   std::string file_;
+  OnProgress onProgress_;
   z_stream state_{};
   bool isOver_ = false;  ///< one stream; another may follow
 };
@@ -54,7 +58,7 @@ class Inflater {
 /// The whole file. Throws Damaged.
 std::string readFile(const std::string& path) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-  if (!file) throw Damaged("it can't be read");
+  if (!file) throw Damaged(errno == ENOENT ? "there is no such file" : "it can't be read");
   std::string all;
   std::size_t size = 0;
   do {
@@ -132,15 +136,18 @@ void RecordingFile::finish() {
   compressor_.reset();
 }
 
-Reader::Source openRecording(const std::string& path) {
+Reader::Source openRecording(const std::string& path, OnProgress onProgress) {
   std::string file = readFile(path);
   const std::size_t head = magic.size() + 1;
+  if (file.starts_with(roundMark)) throw Damaged("it is a server's round, which kelvora-server --replay shows");
   if (file.size() < head || !file.starts_with(magic)) throw Damaged("it is no recording");
   if (const auto version = static_cast<std::uint8_t>(file[head - 1]); version > formatVersion) {
     throw Damaged("it has format " + std::to_string(version) + ", which is newer than this program's format " +
                   std::to_string(formatVersion));
   }
-  return [inflater = std::make_shared<Inflater>(std::move(file), head)] { return inflater->next(); };
+  return [inflater = std::make_shared<Inflater>(std::move(file), head, std::move(onProgress))] {
+    return inflater->next();
+  };
 }
 
 }  // namespace kelvora::recording

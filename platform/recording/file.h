@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -34,7 +35,9 @@ class RecordingFile : public Sink {
   bool isGood_ = false;
 };
 
+/// Called with the share of the file that has been read, from 0 to 1.
+using OnProgress = std::function<void(double share)>;
 /// The uncompressed contents of a recording's file. Throws Damaged if it is no recording or has a newer format.
-Reader::Source openRecording(const std::string& path);
+Reader::Source openRecording(const std::string& path, OnProgress onProgress = {});
 
 }  // namespace kelvora::recording

@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <string_view>
 
+#include "base/recordingMarks.h"
+
 namespace kelvora::recording {
 
 /// A file begins with these bytes and the format's version in one byte. The rest is compressed.
-inline constexpr std::string_view magic = "kelvora recording\n";
+inline constexpr std::string_view magic = gameMark;
 inline constexpr std::uint8_t formatVersion = 1;
 
 /// Frames from one comparison of the state to the next.

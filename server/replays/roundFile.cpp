@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/recordingMarks.h"
 #include "protocol/frameReader.h"
 #include "protocol/frames.h"
 #include "protocol/powerupTable.h"
@@ -13,8 +14,7 @@ namespace kelvora::server {
 
 namespace {
 
-// A file begins with these and the format's version in one byte. The rest is a zlib stream.
-constexpr std::string_view magic = "kelvora round\n";
+// A file begins with roundMark and the format's version in one byte. The rest is a zlib stream.
 constexpr char formatVersion = 1;
 
 constexpr int bitsPerByte = 7;  // of a number
@@ -114,16 +114,20 @@ std::optional<Moment> Moments::Reader::next() {
   return moment;
 }
 
-std::string roundFile(const Moments& round) { return std::string(magic) + formatVersion + compressed(round.bytes()); }
+std::string roundFile(const Moments& round) {
+  return std::string(roundMark) + formatVersion + compressed(round.bytes());
+}
 
 Moments readRound(std::string_view file) {
-  if (!file.starts_with(magic) || file.size() == magic.size()) throw std::runtime_error("it holds no recorded round");
-  const char version = file[magic.size()];
+  if (file.starts_with(gameMark)) throw std::runtime_error("it is a game's recording, which kelvora-replay shows");
+  if (!file.starts_with(roundMark) || file.size() == roundMark.size())
+    throw std::runtime_error("it holds no recorded round");
+  const char version = file[roundMark.size()];
   if (version != formatVersion) {
     throw std::runtime_error("its format " + std::to_string(static_cast<unsigned char>(version)) +
                              " needs another version of the server");
   }
-  auto bytes = decompressed(file.substr(magic.size() + 1), Moments::maxSize);
+  auto bytes = decompressed(file.substr(roundMark.size() + 1), Moments::maxSize);
   if (!bytes) throw std::runtime_error("it is damaged or too large");
   Moments::Reader reader(*bytes);
   while (!reader.isAtEnd()) {

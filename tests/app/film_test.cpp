@@ -151,6 +151,58 @@ TEST_F(ShortFilm, HasMusicUntilItStops) {
   EXPECT_FALSE(isHeard(1'200, 2'040));
 }
 
+/// A film of the seconds from 2 to 3.
+class PartFilm : public FilmTest {
+ protected:
+  bool add(Millis from, Millis to) {
+    bool goesOn = true;
+    for (Millis now = from; goesOn && now <= to; now += 10) goesOn = video_.add(now);
+    return goesOn;
+  }
+
+  const HeadlessClient client_;
+  Video video_{path("film.mp4"), {.from = 2'000, .to = 3'000}};
+};
+
+TEST_F(PartFilm, HasItsRangeAlone) {
+  EXPECT_TRUE(add(0, 1'900));
+  video_.hear({soundPath("bounce.wav"), false, true}, 1'900);
+  EXPECT_TRUE(add(1'910, 2'400));
+  video_.hear({soundPath("capture.wav"), false, true}, 2'405);
+  EXPECT_TRUE(add(2'410, 2'990));
+  EXPECT_FALSE(add(3'000, 3'000)) << "the replay ends with the range";
+  ASSERT_TRUE(video_.finish()) << video_.error();
+  Samples expected(samplesIn(1'000));
+  const Samples wave = effect("capture.wav");
+  std::copy_n(wave.begin(), std::min(wave.size(), expected.size() - samplesIn(405)),
+              expected.begin() + static_cast<std::ptrdiff_t>(samplesIn(405)));
+  EXPECT_TRUE(heard() == expected);
+  EXPECT_EQ(video_.result(), path("film.mp4") + ": a film of 0:01");
+}
+
+TEST_F(PartFilm, BeginsWithTheTrackThatPlays) {
+  video_.hear({soundPath("music1.mp3"), true, true}, 100);
+  add(0, 3'000);
+  ASSERT_TRUE(video_.finish()) << video_.error();
+  const Samples stereo = readSamples(path("film.mp4"), 0);
+  EXPECT_EQ(stereo.size(), 2 * samplesIn(1'000));
+  EXPECT_TRUE(std::any_of(stereo.begin(), stereo.end(), [](std::int16_t sample) { return sample != 0; }));
+}
+
+TEST_F(PartFilm, HasNoTrackThatStoppedBefore) {
+  video_.hear({soundPath("music1.mp3"), true, true}, 100);
+  video_.hear({{}, true, false}, 200);
+  add(0, 3'000);
+  ASSERT_TRUE(video_.finish()) << video_.error();
+  EXPECT_TRUE(heard() == Samples(samplesIn(1'000)));
+}
+
+TEST_F(PartFilm, WithoutPicturesIsAnError) {
+  EXPECT_TRUE(add(0, 1'990));
+  EXPECT_FALSE(video_.finish());
+  EXPECT_EQ(video_.error(), "there is no picture to write");
+}
+
 TEST_F(ShortFilm, OfMissingFilesIsSilent) {
   film(0, 100);
   start("missing.wav", 100);
@@ -171,6 +223,40 @@ TEST_F(FilmTest, LeavesNothingElseBehind) {
   for (const auto& entry : fs::directory_iterator(folder_.path())) names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
   EXPECT_EQ(names, (std::vector<std::string>{"film.mp4", "tools"}));
+}
+
+TEST_F(FilmTest, AnInterruptedOneLeavesNothing) {
+  const HeadlessClient client;
+  { Video(path("film.mp4")).add(0); }
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder_.path())) names.push_back(entry.path().filename().string());
+  EXPECT_EQ(names, std::vector<std::string>{"tools"});
+}
+
+TEST_F(FilmTest, TellsWhyFfmpegHasFailed) {
+  const auto errorOf = [this](const std::string& words) {
+    std::ofstream(path("tools/ffmpeg")) << "#!/bin/sh\ncat >/dev/null\necho '" << words << "' >&2\nexit 1\n";
+    const HeadlessClient client;
+    Video video(path("film.mp4"));
+    video.add(0);
+    EXPECT_FALSE(video.finish());
+    return video.error();
+  };
+  EXPECT_EQ(errorOf("[mp4] first\nNo space left on device"), "ffmpeg has failed: No space left on device");
+  EXPECT_EQ(errorOf(""), "ffmpeg has failed");
+  EXPECT_EQ(errorOf("[NULL] Unable to find a suitable output format for it\nInvalid argument"),
+            "ffmpeg knows no kind of film by the name of " + path("film.mp4") + ". Try one that ends in .mp4");
+}
+
+TEST_F(FilmTest, AFailureKeepsTheFilmThatWasThere) {
+  std::ofstream(path("film.mp4")) << "the old film";
+  std::ofstream(path("tools/ffmpeg")) << "#!/bin/sh\ncat >/dev/null\nexit 1\n";
+  const HeadlessClient client;
+  Video video(path("film.mp4"));
+  video.add(0);
+  EXPECT_FALSE(video.finish());
+  std::ifstream film(path("film.mp4"));
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(film), {}), "the old film");
 }
 
 TEST_F(FilmTest, TellsThatFfmpegIsMissing) {

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "app/player/clockText.h"
+#include "app/clockText.h"
 #include "app/player/controlState.h"
 #include "app/player/engine.h"
 #include "app/player/frmPlayer.h"

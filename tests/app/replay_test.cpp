@@ -272,9 +272,11 @@ TEST_F(ReplayTest, RefusesANewerFormatByName) {
 }
 
 TEST_F(ReplayTest, RefusesOtherFiles) {
-  EXPECT_EQ(refusal(), "it can't be read");
+  EXPECT_EQ(refusal(), "there is no such file");
   write("a text");
   EXPECT_EQ(refusal(), "it is no recording");
+  write("kelvora round\n\x01 and more");
+  EXPECT_EQ(refusal(), "it is a server's round, which kelvora-server --replay shows");
 }
 
 TEST_F(ReplayTest, CompressedStreamsMayFollowOneAnother) {

@@ -64,7 +64,7 @@ TEST(RoundFile, HoldsFramesAndTheirTimes) {
 TEST(RoundFile, OfAnotherKindOrVersionIsRefused) {
   EXPECT_EQ(refusal(""), "it holds no recorded round");
   EXPECT_EQ(refusal("kelvora round\n"), "it holds no recorded round");
-  EXPECT_EQ(refusal("kelvora recording\n\1"), "it holds no recorded round");
+  EXPECT_EQ(refusal("kelvora recording\n\1"), "it is a game's recording, which kelvora-replay shows");
   std::string newer = roundFile(someRound());
   newer[14] = 2;
   EXPECT_EQ(refusal(newer), "its format 2 needs another version of the server");

@@ -1,9 +1,9 @@
-#include "app/player/clockText.h"
+#include "app/clockText.h"
 
 #include <array>
 #include <cstdio>
 
-namespace kelvora::player {
+namespace kelvora {
 
 std::string clockText(Millis time) {
   const long long seconds = time / 1000;
@@ -35,4 +35,4 @@ std::optional<Millis> timeFromText(std::string_view text) {
   }
 }
 
-}  // namespace kelvora::player
+}  // namespace kelvora

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "app/film.h"
+#include "base/outcome.h"
+
+namespace kelvora {
+
+/// What kelvora-replay is asked to do.
+struct ReplayOptions {
+  enum class Action { Show, Verify, Frames, Video, Help, Version };
+
+  Action action = Action::Show;
+  std::string file;
+  std::string target;  ///< the folder of Frames, or the file of Video
+  FilmRange range;     ///< of these two
+};
+
+/// Reads the arguments, without the program's name, into new options. Their order doesn't matter.
+Outcome parseReplayOptions(std::span<const std::string> arguments, ReplayOptions& options);
+
+/// What --help prints.
+std::string replayHelp();
+
+}  // namespace kelvora
