@@ -56,7 +56,8 @@ class Engine {
     Pack pack;
     if (isScout_) pack.field(Report::End);
     pack.field(isScout_ ? report.duration : Millis{-1});
-    pack.field(report.text);
+    const bool isDamaged = report.reason == recording::ReplayEnd::Reason::Damaged;
+    pack.field(isDamaged ? "The recording is damaged here." : report.text);
     channel_.send(pack.bytes);
     // A runner stays until it isn't needed any more, because its end would look like a fault.
     if (!isScout_) channel_.receive();

@@ -29,7 +29,7 @@ constexpr Colour captureColour = RGB(236, 112, 99);
 
 // Pixels of the strip.
 constexpr float barLeft = 18;
-constexpr float barRight = 744;
+constexpr float barRight = 430;
 constexpr float barTop = 18;
 constexpr float barWidth = 8;
 constexpr float buttonTop = 50;
@@ -40,25 +40,27 @@ constexpr float stepX = 84;
 constexpr float slowerX = 122;
 constexpr float fasterX = 192;
 constexpr float captureX = 226;
+constexpr float endingTop = 72;
 
 constexpr const char* help =
     "Space: play or pause\r\n"
     "Left, right: 5 seconds back or forward\r\n"
     "Up, down: faster or slower, from 1/4 to 16\r\n"
-    ".: the next frame\r\n"
+    "Point: the next frame\r\n"
     "C, Shift+C: the next or previous capture\r\n"
     "L, Shift+L: the next or previous line of the console\r\n"
     "Home, End: the start or the end\r\n"
     "G: type a time, such as 12:30\r\n"
     "\r\n"
-    "Click the bar to jump. Its strokes are captures, yellow if you take part. Choose a line to jump to it.";
+    "Click the bar to jump. Its strokes are captures, yellow if you take part. Choose a line to jump to it, and "
+    "double-click the marked one.";
 
 float twips(float pixels) { return pixels * static_cast<float>(twipsPerPixel); }
 
 }  // namespace
 
 FrmPlayer::FrmPlayer(Playback& playback, const std::string& file)
-    : Form("Replay of " + file, {.clientWidth = 11430, .clientHeight = 3420, .systemColours = true}),
+    : Form("Replay of " + file, {.clientWidth = 6720, .clientHeight = 9600, .systemColours = true}),
       playback_(playback) {
   strip.BackColor = background;
   strip.TabIndex = 0;
@@ -66,8 +68,9 @@ FrmPlayer::FrmPlayer(Playback& playback, const std::string& file)
   txtTime.ToolTipText = "minutes:seconds, then Enter";
   grdLines.FixedCols = 0;
   grdLines.Rows = 0;
-  grdLines.ColWidth(0, 1000);
-  grdLines.ColWidth(1, 9800);
+  grdLines.ColWidth(0, 900);
+  grdLines.ColWidth(1, 5250);
+  grdLines.DblClick = [this] { jumpToLine(); };
 
   strip.KeyPress = [this](int key) { pressKey(key); };
   strip.KeyDown = [this](int code, int) { pressCode(code); };
@@ -77,10 +80,7 @@ FrmPlayer::FrmPlayer(Playback& playback, const std::string& file)
   };
   strip.MouseUp = [this](int, int, float, float) { isDragging_ = false; };
   txtTime.KeyPress = [this](int key) {
-    if (key != keyEnter) return;
-    if (const auto time = timeFromText(txtTime.Text.get())) jump(*time);
-    txtTime.Text = "";
-    strip.SetFocus();
+    if (key == keyEnter) goToTypedTime();
   };
   tmrFrame.Timer = [this] { tick(); };
   playback_.onSound = [this](const recording::Sounding& sounding) { hear(sounding); };
@@ -147,7 +147,8 @@ void FrmPlayer::tick() {
     position_ += static_cast<double>(passed) * speed();
     if (position() > playback_.time()) playback_.goTo(position());
   }
-  followLine();
+  takeChosenLine();
+  markLine();
   addLines();
   followMusic();
   paint();
@@ -163,16 +164,31 @@ void FrmPlayer::addLines() {
     if (lineTimes_.empty()) grdLines.AddItem("Time\tConsole");
     grdLines.AddItem(clockText(mark.time) + "\t" + mark.text);
     grdLines.FixedRows = 1;
-    grdLines.Row = 0;
+    grdLines.Row = markedRow_;
     lineTimes_.push_back(mark.time);
+    hasNewLines_ = true;
   }
 }
 
-/// Jumps to a line that the user has chosen. Then none is chosen, so that each can be chosen again.
-void FrmPlayer::followLine() {
+/// Marks the last line so far, which the grid then shows.
+void FrmPlayer::markLine() {
+  if (lineTimes_.empty()) return;
+  const auto next = std::upper_bound(lineTimes_.begin(), lineTimes_.end(), position());
+  const auto row = static_cast<int>(next - lineTimes_.begin());
+  if (row == markedRow_ && !std::exchange(hasNewLines_, false)) return;
+  markedRow_ = row;
+  grdLines.Row = row;
+}
+
+/// Jumps to a line other than the marked one that the user has chosen.
+void FrmPlayer::takeChosenLine() {
+  if (grdLines.Row >= 1 && grdLines.Row != markedRow_) jumpToLine();
+}
+
+void FrmPlayer::jumpToLine() {
   const int row = grdLines.Row;
   if (row < 1) return;
-  grdLines.Row = 0;
+  markedRow_ = row;
   jump(lineTimes_.at(static_cast<std::size_t>(row - 1)));
   strip.SetFocus();
 }
@@ -197,11 +213,25 @@ void FrmPlayer::pressKey(int key) {
     case 'G':
       return txtTime.SetFocus();
     case '?':
-      if (isPlaying_) playOrPause();
-      return MsgBox(help);
+      return listKeys();
     default:
       return;
   }
+}
+
+void FrmPlayer::listKeys() {
+  const bool wasPlaying = std::exchange(isPlaying_, false);
+  MsgBox(help);
+  isPlaying_ = wasPlaying;
+}
+
+void FrmPlayer::goToTypedTime() {
+  const auto time = timeFromText(txtTime.Text.get());
+  lblHint.Caption = time ? hint : "Type minutes and seconds, such as 12:30.";
+  if (!time) return;
+  jump(*time);
+  txtTime.Text = "";
+  strip.SetFocus();
 }
 
 void FrmPlayer::pressCode(int code) {
@@ -355,20 +385,21 @@ void FrmPlayer::paintButtons() {
   strip.DrawWidth = 1;
   triangle(captureX - 3, size * 1.4F);
 
-  const auto print = [&](float x, const std::string& text, Colour colour) {
+  const auto print = [&](float x, float top, const std::string& text, Colour colour) {
     strip.ForeColor = colour;
     strip.CurrentX = x;
-    strip.CurrentY = twips(buttonTop - 8);
+    strip.CurrentY = twips(top);
     strip.Print(text);
   };
   strip.FontSize = 10;
   FontSpec font = strip.Font;
   font.size = strip.FontSize;
   const std::string pace = std::string(speedTexts.at(static_cast<std::size_t>(speedStep_))) + " x";
-  print(twips((slowerX + fasterX) / 2) - Surface::textWidth(font, pace) / 2, pace, lightColour);
-  print(twips(captureX + 30), playback_.ending(), ownColour);
+  const float textTop = buttonTop - 8;
+  print(twips((slowerX + fasterX) / 2) - Surface::textWidth(font, pace) / 2, textTop, pace, lightColour);
   const std::string text = status();
-  print(twips(barRight) - Surface::textWidth(font, text), text, dimColour);
+  print(twips(barRight) - Surface::textWidth(font, text), textTop, text, dimColour);
+  print(twips(barLeft), endingTop, playback_.ending(), ownColour);
 }
 
 }  // namespace kelvora::player

@@ -14,8 +14,8 @@
 
 namespace kelvora::player {
 
-/// The player's controls: a bar with the captures, buttons, and the lines of the console. It is modal, so that the
-/// game's windows take no input.
+/// The player's controls: a bar with the captures, buttons, and the lines of the console. It is narrow, to fit beside
+/// the game. It is modal, so that the game's windows take no input.
 class FrmPlayer : public Form {
  public:
   FrmPlayer(Playback& playback, const std::string& file);
@@ -35,12 +35,11 @@ class FrmPlayer : public Form {
   void jumpToMark(Mark::Kind kind, int direction);
 
   // Positions are left, top, width and height in twips.
-  PictureBox strip{this, {0, 0, 11430, 1080}};
-  Label lblGoTo{this, {120, 1140, 1020, 255}, "Go to time", {.systemColours = true}};
-  TextBox txtTime{this, {1140, 1110, 900, 315}, ""};
-  Label lblKeys{
-      this, {2280, 1140, 9000, 255}, "Space plays and pauses. Press ? for all keys.", {.systemColours = true}};
-  Grid grdLines{this, {120, 1500, 11190, 1800}};
+  PictureBox strip{this, {0, 0, 6720, 1440}};
+  Label lblGoTo{this, {120, 1560, 1020, 255}, "Go to time", {.systemColours = true}};
+  TextBox txtTime{this, {1140, 1530, 900, 315}, ""};
+  Label lblHint{this, {2160, 1560, 4440, 255}, hint, {.systemColours = true}};
+  Grid grdLines{this, {120, 1980, 6480, 7500}};
   IntervalTimer tmrFrame{this, 15};
 
  private:
@@ -48,8 +47,12 @@ class FrmPlayer : public Form {
   void paint();
   void paintBar();
   void paintButtons();
+  void goToTypedTime();
+  void listKeys();
   void addLines();
-  void followLine();
+  void markLine();
+  void takeChosenLine();
+  void jumpToLine();
   void pressKey(int key);
   void pressCode(int code);
   void click(float x, float y);
@@ -58,6 +61,8 @@ class FrmPlayer : public Form {
   std::string status() const;
   float barX(Millis time) const;
   Millis timeAt(float x) const;
+
+  static constexpr const char* hint = "Space plays and pauses, ? lists all keys.";
 
   Playback& playback_;
   bool isPlaying_ = true;
@@ -68,6 +73,8 @@ class FrmPlayer : public Form {
   bool isDragging_ = false;
   bool isStepping_ = false;
   std::vector<Millis> lineTimes_;  ///< of the grid's rows below the heading
+  int markedRow_ = 0;              ///< of the line that is shown or has just been; 0 before the first one
+  bool hasNewLines_ = false;       ///< the grid forgets its mark with them
   std::size_t seenMarks_ = 0;
   std::map<std::string, std::unique_ptr<SoundPeer>> sounds_;
   std::unique_ptr<MusicPeer> music_;

@@ -21,12 +21,11 @@ namespace {
 std::string fileName;
 Channel scout;
 
-/// Puts the player's window below the game's, and both into the middle of the screen.
+/// Puts the player's window to the right of the game's, and both into the middle of the screen.
 void place(Form& game, Form& player) {
-  constexpr float title = 450;  // a window that is moved later may lose its title at the screen's edge
-  game.Top = std::max(title, game.Top.get() - player.Height.get() / 2);
-  player.Left = game.Left.get() + (game.Width.get() - player.Width.get()) / 2;
-  player.Top = game.Top.get() + game.Height.get();
+  game.Left = std::max(0.0F, game.Left.get() - player.Width.get() / 2);
+  player.Left = game.Left.get() + game.Width.get();
+  player.Top = game.Top.get();
 }
 
 void show() {

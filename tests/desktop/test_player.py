@@ -47,7 +47,7 @@ class Player(DesktopTest):
 
     def canvas(self):
         left, top, _, _ = self.client.window.geometry()
-        # Without the edge, where the player's window may be.
+        # Without the game's right part, which the player's window may cover.
         return self.display.picture((left, top + round(self.client.menu), 762, 500)).pixels()
 
     def pause_at(self, time):
