@@ -7,7 +7,6 @@
 #include <ctime>
 #include <exception>
 #include <filesystem>
-#include <functional>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -49,6 +48,82 @@ int printHash() {
   return 0;
 }
 
+/// Stops, drains or rereads a server when a signal asks for it.
+class SignalWatch {
+ public:
+  using WriteLine = GameServer::WriteLine;
+
+  SignalWatch(boost::asio::io_context& context, GameServer& server, const Options& options, WriteLine log)
+      : server_(server),
+        drainSeconds_(options.drainSeconds),
+        // Only a server with such a file has anything to read again.
+        reread_(options.moderation.bansFile.empty() ? std::nullopt : rereadSignal()),
+        log_(std::move(log)),
+        signals_(context) {
+    for (const int signal : stopSignals(!reread_)) signals_.add(signal);
+    if (reread_) signals_.add(*reread_);
+    await();
+  }
+
+ private:
+  void await() {
+    signals_.async_wait([this](boost::system::error_code error, int signal) {
+      // A second signal may be on its way here when the server stops. It can't be cancelled, and must not be the reason
+      // for another wait, which would never end.
+      if (error || hasStopped_) return;
+      await();
+      take(signal);
+    });
+  }
+
+  void take(int signal) {
+    if (signal == reread_) return server_.reread();
+    const auto whenDone = [this] {
+      hasStopped_ = true;
+      signals_.cancel();
+    };
+    if (signal == SIGTERM && drainSeconds_ > 0 && !std::exchange(isDraining_, true)) {
+      log_(signalName(signal) + ": shutting down after this round");
+      return server_.drain(std::chrono::seconds(drainSeconds_), whenDone);
+    }
+    log_(signalName(signal) + ": shutting down");
+    server_.stop(whenDone);
+  }
+
+  GameServer& server_;
+  const int drainSeconds_;
+  const std::optional<int> reread_;
+  const WriteLine log_;
+  boost::asio::signal_set signals_;
+  bool hasStopped_ = false;
+  bool isDraining_ = false;
+};
+
+/// Runs the server until it is told to stop. Throws std::runtime_error or a derived class if it can't begin.
+void serve(Options options) {
+  // Other threads only post to it, so its sockets need no locks.
+  boost::asio::io_context context(BOOST_ASIO_CONCURRENCY_HINT_UNSAFE_IO);
+  Log logFile(std::cerr, !isLoggingToJournal());
+  const auto log = [&](const std::string& line) { logFile.write(line, kelvora::steadyNow(), std::time(nullptr)); };
+  const auto logAct = [&](const std::string& line) { logFile.writeAlways(line, std::time(nullptr)); };
+  if (const std::size_t limit = provideDescriptors(GameServer::descriptors); limit < GameServer::descriptors) {
+    log("only " + std::to_string(limit) + " files may be open, so the server may have to turn players away");
+  }
+  if (!options.site) options.site = utf8FromPath(usualSite(programFolder()));
+  GameServer server(context, options, log, logAct);
+  if (!options.site->empty()) {
+    const bool isThere = std::filesystem::exists(pathFromUtf8(*options.site) / "index.html");
+    log("the page for browsers " + std::string(isThere ? "is in " : "can be put into ") + *options.site);
+  }
+  SignalWatch signals(context, server, options, log);
+  if (options.webPort) std::cout << "web on " << server.webEndpointText() << std::endl;
+  if (options.rules.spectators > 0) std::cout << "spectators on " << server.spectatorEndpointText() << std::endl;
+  std::cout << "listening on " << server.endpointText() << std::endl;
+  context.run();
+  ignoreFurtherSignals();
+  log("stopped");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -74,56 +149,7 @@ int main(int argc, char** argv) {
   }
   ignoreFatalSignals();
   try {
-    // Other threads only post to it, so its sockets need no locks.
-    boost::asio::io_context context(BOOST_ASIO_CONCURRENCY_HINT_UNSAFE_IO);
-    Log logFile(std::cerr, !isLoggingToJournal());
-    const auto log = [&](const std::string& line) { logFile.write(line, kelvora::steadyNow(), std::time(nullptr)); };
-    const auto logAct = [&](const std::string& line) { logFile.writeAlways(line, std::time(nullptr)); };
-    if (const std::size_t limit = provideDescriptors(GameServer::descriptors); limit < GameServer::descriptors) {
-      log("only " + std::to_string(limit) + " files may be open, so the server may have to turn players away");
-    }
-    if (!options.site) options.site = utf8FromPath(usualSite(programFolder()));
-    GameServer server(context, options, log, logAct);
-    if (!options.site->empty()) {
-      const bool isThere = std::filesystem::exists(pathFromUtf8(*options.site) / "index.html");
-      log("the page for browsers " + std::string(isThere ? "is in " : "can be put into ") + *options.site);
-    }
-    boost::asio::signal_set signals(context);
-    // Only a server with such a file has anything to read again.
-    const auto reread = options.moderation.bansFile.empty() ? std::nullopt : rereadSignal();
-    for (const int signal : stopSignals(!reread)) signals.add(signal);
-    if (reread) signals.add(*reread);
-    bool hasStopped = false;
-    bool isDraining = false;
-    std::function<void()> awaitSignal = [&] {
-      signals.async_wait([&](boost::system::error_code error, int signal) {
-        // A second signal may be on its way here when the server stops. It can't be cancelled, and must not be the
-        // reason for another wait, which would never end.
-        if (error || hasStopped) return;
-        if (signal == reread) {
-          server.reread();
-          return awaitSignal();
-        }
-        const auto whenDone = [&] {
-          hasStopped = true;
-          signals.cancel();
-        };
-        awaitSignal();
-        if (signal == SIGTERM && options.drainSeconds > 0 && !std::exchange(isDraining, true)) {
-          log(signalName(signal) + ": shutting down after this round");
-          return server.drain(std::chrono::seconds(options.drainSeconds), whenDone);
-        }
-        log(signalName(signal) + ": shutting down");
-        server.stop(whenDone);
-      });
-    };
-    awaitSignal();
-    if (options.webPort) std::cout << "web on " << server.webEndpointText() << std::endl;
-    if (options.rules.spectators > 0) std::cout << "spectators on " << server.spectatorEndpointText() << std::endl;
-    std::cout << "listening on " << server.endpointText() << std::endl;
-    context.run();
-    ignoreFurtherSignals();
-    log("stopped");
+    serve(std::move(options));
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "kelvora-server: " << error.what() << "\n";
