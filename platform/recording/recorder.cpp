@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "base/fault.h"
-#include "platform/audio.h"
 #include "platform/form.h"
 #include "platform/grid.h"
 #include "platform/recording/handlers.h"
 #include "platform/recording/recordedPeers.h"
+#include "platform/recording/secrets.h"
 #include "platform/widgets.h"
 #include "raster/surface.h"
 
@@ -16,47 +16,8 @@ namespace kelvora::recording {
 
 namespace {
 
-/// Takes the place of a password.
-constexpr std::string_view hidden = "hidden";
-
 constexpr Millis saveInterval = 1000;        // ms
 constexpr Millis waitingSaveInterval = 200;  // ms, where nothing may happen for long
-
-/// The game's keys are in lower case.
-bool isSecret(const std::string& key) { return key.find("password") != std::string::npos; }
-
-std::string_view told(bool isSecretText, const std::string& text) {
-  return isSecretText && !text.empty() ? hidden : std::string_view(text);
-}
-
-/// The text of a box, as a recording may contain it. Some of it is hidden without changing its length.
-std::string told(const TextBox& box) {
-  const std::string& text = box.Text;
-  const std::size_t kept = box.secretAt ? box.secretAt(text) : std::string::npos;
-  if (kept == std::string::npos) return std::string(told(box.design.isSecret, text));
-  return text.substr(0, kept) + std::string(text.size() - kept, '*');
-}
-
-/// True while a secret is being typed into the form.
-bool isTypingSecret(Form& form) {
-  const std::vector<Control*> controls = controlsOf(form);
-  return std::any_of(controls.begin(), controls.end(), [](Control* control) {
-    const auto* box = dynamic_cast<TextBox*>(control);
-    return box != nullptr && box->secretAt && box->secretAt(box->Text) != std::string::npos;
-  });
-}
-
-/// A key event's number without the letter that it tells. Keys that write nothing stay, such as Enter and the arrows.
-int withoutLetter(EventId id, int code) {
-  constexpr int firstLetter = 32;
-  constexpr int firstWritingKey = 48;
-  constexpr int keyF1 = 112;
-  constexpr int keyF24 = 135;
-  if (id == EventId::KeyPress) return code < firstLetter ? code : '*';
-  const bool writes = code == firstLetter || (code >= firstWritingKey && (code < keyF1 || code > keyF24));
-  return id == EventId::KeyDown && writes ? 0 : code;
-}
-float withoutLetter(EventId, float coordinate) { return coordinate; }
 
 }  // namespace
 
@@ -171,105 +132,6 @@ void Recorder::check() {
   }
 }
 
-// The services.
-
-Millis Recorder::tickCount() {
-  if (!place_.isInGame) return inner_.tickCount();
-  ++calls_;
-  if (inner_.tickCount() > now_) {
-    const std::uint64_t calls = calls_;
-    begin(Kind::Tick);
-    writer_.number(calls);
-    putTime();
-  }
-  return now_;
-}
-
-float Recorder::secondsSinceMidnight() {
-  if (!place_.isInGame) return inner_.secondsSinceMidnight();
-  return static_cast<float>(static_cast<double>((startOfDay_ + now_ - start_) % dayLength) / 1000);
-}
-
-void Recorder::doEvents(bool mayWait) {
-  callOut(true, mayWait, [&] {
-    if (!mayWait && place_.handlers == 0) check();
-    inner_.doEvents(mayWait);
-  });
-}
-
-void Recorder::messageBox(const std::string& text) {
-  callOut(true, true, [&] { inner_.messageBox(text); });
-}
-
-void Recorder::runModal(Form& form) {
-  callOut(true, true, [&] { inner_.runModal(form); });
-}
-
-void Recorder::endProcess() {
-  writer_.byte(static_cast<std::uint8_t>(Kind::End));
-  finish();
-  inner_.endProcess();
-  std::abort();  // not reached
-}
-
-void Recorder::placePointer(int x, int y) {
-  command([&] { inner_.placePointer(x, y); });
-}
-
-std::string Recorder::commandLine() {
-  std::string line = inner_.commandLine();
-  begin(Kind::CommandLine);
-  writer_.text(line);
-  return line;
-}
-
-std::string Recorder::webHost() {
-  std::string host = inner_.webHost();
-  begin(Kind::WebHost);
-  writer_.text(host);
-  return host;
-}
-
-PicturePointer Recorder::loadPicture(const std::string& path) {
-  std::string fault;
-  PicturePointer picture;
-  try {
-    picture = inner_.loadPicture(path);
-  } catch (const RuntimeFault& reason) {
-    fault = reason.what();
-  }
-  begin(Kind::Picture);
-  writer_.text(fault);
-  if (!fault.empty()) throw RuntimeFault(fault);
-  return picture;
-}
-
-std::string Recorder::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
-  std::string value = inner_.readSetting(section, key, fallback);
-  if (!place_.isInGame) return value;
-  begin(Kind::Setting);
-  writer_.text(told(isSecret(key), value));
-  return value;
-}
-
-void Recorder::writeSetting(const std::string& section, const std::string& key, const std::string& value) {
-  command([&] { inner_.writeSetting(section, key, value); });
-}
-
-std::unique_ptr<SocketPeer> Recorder::createSocket(Winsock& socket) {
-  return std::make_unique<RecordedSocket>(*this, socket, inner_.createSocket(socket));
-}
-
-std::unique_ptr<SoundPeer> Recorder::createSound() {
-  return std::make_unique<RecordedSound>(*this, inner_.createSound());
-}
-
-std::unique_ptr<MusicPeer> Recorder::createMusic() {
-  return std::make_unique<RecordedMusic>(*this, inner_.createMusic());
-}
-
-// Forms.
-
 void Recorder::realize(Form& form) {
   if (!place_.isInGame) {  // the backend's own window
     formNumbers_.erase(&form);
@@ -360,7 +222,7 @@ void Recorder::adopted(Control& control, PropertyId id) {
     case PropertyId::Height:
       return writer_.real(control.Height);
     case PropertyId::Text:
-      return writer_.text(told(*textBox));
+      return writer_.text(toldText(*textBox));
     case PropertyId::SelStart:
       return writer_.whole(textBox->SelStart);
     case PropertyId::Value:
