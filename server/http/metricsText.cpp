@@ -14,9 +14,7 @@ std::string numberText(double value) {
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
 }
 
-std::string secondsText(std::chrono::nanoseconds time) {
-  return numberText(std::chrono::duration<double>(time).count());
-}
+std::string inSeconds(std::chrono::nanoseconds time) { return numberText(std::chrono::duration<double>(time).count()); }
 
 }  // namespace
 
@@ -32,11 +30,11 @@ void MetricsText::addHistogram(std::string_view name, std::string_view help, con
   std::uint64_t count = 0;
   for (std::size_t i = 0; i < Histogram::bounds.size(); ++i) {
     count += histogram.counts()[i];
-    addLine("_bucket", std::to_string(count), label("le", secondsText(Histogram::bounds[i])));
+    addLine("_bucket", std::to_string(count), label("le", inSeconds(Histogram::bounds[i])));
   }
   count += histogram.counts().back();
   addLine("_bucket", std::to_string(count), label("le", "+Inf"));
-  addLine("_sum", secondsText(histogram.sum()), {});
+  addLine("_sum", inSeconds(histogram.sum()), {});
   addLine("_count", std::to_string(count), {});
 }
 

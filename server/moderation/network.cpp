@@ -4,6 +4,8 @@
 
 namespace kelvora::server {
 
+namespace asio = boost::asio;
+
 asio::ip::address unmapped(const asio::ip::address& address) {
   if (address.is_v4()) return address;
   const asio::ip::address_v6 bare(address.to_v6().to_bytes());

@@ -7,6 +7,7 @@
 #include "base/wholeNumber.h"
 #include "server/config/commaList.h"
 #include "server/moderation/network.h"
+#include "server/net/asio.h"
 
 namespace kelvora::server {
 

@@ -1,7 +1,5 @@
 #include "server/net/figures.h"
 
-#include <utility>
-
 #include "protocol/messages.h"
 #include "server/http/metricsText.h"
 
@@ -16,6 +14,18 @@ struct Stream {
   wire::Direction direction;
   const char* name;
 };
+
+const char* nameOf(Drop what) {
+  switch (what) {
+    case Drop::position:
+      return "position";
+    case Drop::request:
+      return "request";
+    case Drop::lateLogin:
+      break;
+  }
+  return "late login";
+}
 
 /// One sample for each message of both directions.
 void addMessages(MetricsText& text, const Figures& figures, std::uint64_t Figures::Traffic::*value) {
@@ -67,13 +77,14 @@ HttpAnswer metricsPage(const Figures& figures, const Gauges& gauges) {
     text.add(traffic.bytes, MetricsText::label("status", std::to_string(status)));
   }
   text.begin("kelvora_dropped_total", "counter", "What limits have dropped or refused.");
-  for (const auto& [what, count] : {std::pair{"position", figures.dropped[0]},
-                                    {"request", figures.dropped[1]},
-                                    {"late login", figures.dropped[2]},
-                                    {"connection of a busy address", figures.refusedOfAddress},
-                                    {"connection to a full server", figures.refusedWhenFull}}) {
+  const auto addDropped = [&text](const char* what, std::uint64_t count) {
     text.add(count, MetricsText::label("what", what));
+  };
+  for (const Drop what : {Drop::position, Drop::request, Drop::lateLogin}) {
+    addDropped(nameOf(what), figures.dropped[static_cast<std::size_t>(what)]);
   }
+  addDropped("connection of a busy address", figures.refusedOfAddress);
+  addDropped("connection to a full server", figures.refusedWhenFull);
   text.begin("kelvora_closed_connections_total", "counter", "Connections by the reason for their end.");
   for (const auto& [reason, count] : figures.closed) text.add(count, MetricsText::label("reason", reason));
   return text.answer();

@@ -5,7 +5,7 @@
 namespace kelvora::server {
 namespace {
 
-std::string network(const char* address) { return networkOf(asio::ip::make_address(address)); }
+std::string network(const char* address) { return networkOf(boost::asio::ip::make_address(address)); }
 
 TEST(Network, OfAHostIsItsAddressOrItsRange) {
   EXPECT_EQ(network("192.0.2.7"), "192.0.2.7");
