@@ -8,7 +8,7 @@ import threading
 import unittest
 from unittest import mock
 
-from harness import PATIENCE, RawPlayer, Server, VERSION, connect, free_port, protocol, read_to_end, wait_for
+from realServer import PATIENCE, RawPlayer, Server, VERSION, connect, free_port, protocol, read_to_end, wait_for
 
 
 class Sidecar:

@@ -3,7 +3,7 @@
 import signal
 import unittest
 
-from harness import PATIENCE, RawPlayer, Server, connect, protocol, wait_for
+from realServer import PATIENCE, RawPlayer, Server, connect, protocol, wait_for
 
 
 class Drain(unittest.TestCase):

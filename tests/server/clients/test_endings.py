@@ -8,7 +8,7 @@ import socket
 import struct
 import unittest
 
-from harness import PATIENCE, Server, connect, login
+from realServer import PATIENCE, Server, connect, login
 from protocol import CHAT, frame
 
 FIRST, LAST = (int(number) for number in os.environ.get("KELVORA_ENDINGS", "0-11").split("-"))

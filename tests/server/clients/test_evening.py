@@ -4,7 +4,7 @@ import subprocess
 import sys
 import unittest
 
-from harness import PROJECT, SERVER
+from realServer import PROJECT, SERVER
 
 
 class Evening(unittest.TestCase):

@@ -6,7 +6,7 @@ import re
 import subprocess
 import unittest
 
-from harness import PROJECT, SERVER, Server, connect, read_to_end
+from realServer import PROJECT, SERVER, Server, connect, read_to_end
 
 IMAGE = pathlib.Path(SERVER).resolve().parent / "unpacked"
 

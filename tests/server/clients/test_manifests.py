@@ -7,7 +7,7 @@ import unittest
 
 import yaml
 
-from harness import PROJECT, SERVER, VERSION
+from realServer import PROJECT, SERVER, VERSION
 
 FOLDER = PROJECT / "packaging/kubernetes"
 

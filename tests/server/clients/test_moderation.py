@@ -7,7 +7,7 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import SERVER, RawPlayer, Server, connect, frame, protocol, wait_for
+from realServer import SERVER, RawPlayer, Server, connect, frame, protocol, wait_for
 
 
 def hash_of(password):

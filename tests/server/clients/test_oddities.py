@@ -10,7 +10,7 @@ import threading
 import time
 import unittest
 
-from harness import PATIENCE, VERSION, RawPlayer, Server, connect, login, read_to_end
+from realServer import PATIENCE, VERSION, RawPlayer, Server, connect, login, read_to_end
 from protocol import CHAT, LOGIN_ACCEPTED, POSITION_REPORT, frame
 from test_endings import HALF_OPEN, HANDSHAKE, masked
 

@@ -12,7 +12,7 @@ import unittest
 import urllib.error
 import urllib.request
 
-from harness import PROJECT, SERVER, Server, free_port, wait_for
+from realServer import PROJECT, SERVER, Server, free_port, wait_for
 
 # Builds at once, but the page only when the file "page" says how.
 CMAKE = """#!/bin/bash

@@ -6,7 +6,7 @@ import tempfile
 import unittest
 import urllib.request
 
-from harness import RawPlayer, Server, VERSION, connect, frame, protocol, wait_for
+from realServer import RawPlayer, Server, VERSION, connect, frame, protocol, wait_for
 
 
 class Records(unittest.TestCase):

@@ -5,7 +5,7 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import PATIENCE, SERVER, RawPlayer, Server, connect, frame, protocol, wait_for
+from realServer import PATIENCE, SERVER, RawPlayer, Server, connect, frame, protocol, wait_for
 from webSocketPlayer import WebSocket, WebSocketPlayer
 
 

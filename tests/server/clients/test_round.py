@@ -4,7 +4,7 @@ import math
 import time
 import unittest
 
-from harness import PATIENCE, RawPlayer, Server, connect, fields_of
+from realServer import PATIENCE, RawPlayer, Server, connect, fields_of
 from protocol import (ACTIVATE_REQUEST, BUY_ACCEPTED, BUY_REQUEST, CHAT, FUNDS, LOGIN_ACCEPTED, PLAYER_JOINED, PLAYER_LEFT,
                       POSITION, POSITION_REPORT, POWERUP_OFF, POWERUP_ON, RESPAWN, ROUND_OVER, SPAWN_REQUEST, TAIL_CAPTURE,
                       frame)

@@ -10,7 +10,7 @@ import unittest
 import urllib.error
 import urllib.request
 
-from harness import PROJECT, SERVER, Server
+from realServer import PROJECT, SERVER, Server
 
 ARENA = "To join, start the game"
 

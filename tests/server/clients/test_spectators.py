@@ -4,7 +4,7 @@ import signal
 import unittest
 import urllib.request
 
-from harness import RawPlayer, Server, connect, fields_of, frame, free_port, protocol
+from realServer import RawPlayer, Server, connect, fields_of, frame, free_port, protocol
 from webSocketPlayer import WebSocket, WebSocketPlayer
 
 

@@ -4,7 +4,7 @@ import asyncio
 
 import websockets
 
-from harness import PATIENCE, RawPlayer
+from realServer import PATIENCE, RawPlayer
 
 
 class WebSocket:
