@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 #include "platform/control.h"
 #include "platform/win32/eventQueue.h"
@@ -35,6 +36,8 @@ class ControlPeer : public Peer, public InputTarget {
 
   /// Draws the control, below its children.
   virtual void paint(const Painter&, const Box&) {}
+  /// Draws only these areas of a picture.
+  virtual void paintParts(const Painter&, const Box&, std::span<const PixelArea>) {}
   /// Draws what lies above its children.
   virtual void paintOver(const Painter&, const Box&) {}
   /// Called when the control, its container or the form's scale has changed its place or visibility.

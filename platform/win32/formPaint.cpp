@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <cmath>
 
 #include "platform/desktop/controlWalk.h"
 #include "platform/widgets.h"
 #include "platform/win32/formPeer.h"
+#include "raster/surface.h"
 
 namespace kelvora {
 
@@ -14,9 +14,19 @@ void FormPeer::repaint(const Box& box) const {
 
 void FormPeer::repaintAll() const { InvalidateRect(window_, nullptr, FALSE); }
 
-void FormPeer::presentNow(const Box& box) const {
-  repaint(box);
-  UpdateWindow(window_);
+void FormPeer::presentNow(ControlPeer& picture, std::span<const PixelArea> areas) {
+  if (IsIconic(window_) != 0) return;
+  const Box place = picture.box();
+  const int top = place.top + areas.front().y;
+  const Box rows{place.left, top, place.width, place.top + areas.back().y + areas.back().height - top};
+  if (pictureAt(deviceRect(rows, scale_)) == &picture) {
+    const HDC dc = GetDC(window_);
+    picture.paintParts(Painter(dc, scale_), place, areas);
+    ReleaseDC(window_, dc);
+  } else {
+    repaint(rows);
+    UpdateWindow(window_);
+  }
 }
 
 void FormPeer::paintWindow() {
@@ -34,9 +44,7 @@ void FormPeer::paintWindow() {
 /// Strip by strip in memory, so that nothing flickers where controls lie on top of each other. A buffer for the whole
 /// window would be as large as the game's picture.
 void FormPeer::paintBuffered(HDC screen, const RECT& part) const {
-  // Where pictures are blended, their parts wouldn't meet exactly.
-  const bool isBlended = scale_ != std::floor(scale_);
-  const LONG stripHeight = isBlended ? part.bottom - part.top : 64;
+  constexpr LONG stripHeight = 64;
   const LONG width = part.right - part.left;
   const HDC dc = CreateCompatibleDC(screen);
   const HBITMAP buffer = CreateCompatibleBitmap(screen, width, stripHeight);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "platform/form.h"
@@ -31,8 +32,8 @@ class FormPeer : public Peer, public InputTarget {
 
   void repaint(const Box& box) const;
   void repaintAll() const;
-  /// Paints part of the form at once.
-  void presentNow(const Box& box) const;
+  /// Paints areas of a picture at once.
+  void presentNow(ControlPeer& picture, std::span<const PixelArea> areas);
   /// Tells a control and all on it to follow their places.
   void followControls(const Control& control) const;
 

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <vector>
 
 #include "platform/win32/gdiFonts.h"
+#include "platform/win32/pictureScaler.h"
 
 namespace kelvora {
 
@@ -36,15 +38,55 @@ void Painter::border(const Box& box, Colour colour) const {
 
 void Painter::picture(int left, int top, std::span<const Pixel> pixels, int width, int height) const {
   if (width <= 0 || height <= 0) return;
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
   const RECT place = deviceRect({left, top, width, height}, scale_);
-  const bool isWhole = scale_ == std::floor(scale_);
-  SetStretchBltMode(dc_, isWhole ? COLORONCOLOR : HALFTONE);
-  SetBrushOrgEx(dc_, 0, 0, nullptr);
-  constexpr DWORD copy = 0x00CC0020;
-  StretchDIBits(dc_, place.left, place.top, place.right - place.left, place.bottom - place.top, 0, 0, width, height,
-                pixels.data(), &info, DIB_RGB_COLORS, copy);
+  RECT clip{};
+  RECT part{};
+  GetClipBox(dc_, &clip);
+  if (IntersectRect(&part, &place, &clip) == 0) return;
+  const PixelArea shown{part.left - place.left, part.top - place.top, part.right - part.left, part.bottom - part.top};
+  if (scale_ == 1) return copy({place.left, place.top}, pixels, width, shown);
+  scaleParts({place.left, place.top}, PictureScaler(width, height, place.right - place.left, place.bottom - place.top),
+             pixels, {&shown, 1});
+}
+
+void Painter::pictureParts(int left, int top, std::span<const Pixel> pixels, int width, int height,
+                           std::span<const PixelArea> areas) const {
+  if (width <= 0 || height <= 0) return;
+  const RECT place = deviceRect({left, top, width, height}, scale_);
+  const POINT corner{place.left, place.top};
+  if (scale_ == 1) {
+    for (const PixelArea& area : areas) copy(corner, pixels, width, area);
+    return;
+  }
+  const PictureScaler scaler(width, height, place.right - place.left, place.bottom - place.top);
+  std::vector<PixelArea> shown;
+  shown.reserve(areas.size());
+  for (const PixelArea& area : areas) shown.push_back(scaler.reach(area));
+  scaleParts(corner, scaler, pixels, shown);
+}
+
+void Painter::copy(POINT corner, std::span<const Pixel> pixels, int width, const PixelArea& area) const {
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -area.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  const auto rows = static_cast<UINT>(area.height);
+  SetDIBitsToDevice(dc_, corner.x + area.x, corner.y + area.y, static_cast<DWORD>(area.width), rows, area.x, 0, 0, rows,
+                    &pixels[static_cast<std::size_t>(area.y) * static_cast<std::size_t>(width)], &info, DIB_RGB_COLORS);
+}
+
+void Painter::scaleParts(POINT corner, const PictureScaler& scaler, std::span<const Pixel> pixels,
+                         std::span<const PixelArea> parts) const {
+  constexpr int maxPixels = 64 * 1024;
+  std::vector<Pixel> strip;
+  for (const PixelArea& part : parts) {
+    if (part.width <= 0) continue;
+    const int stripHeight = std::max(maxPixels / part.width, 1);
+    for (int y = 0; y < part.height; y += stripHeight) {
+      const int height = std::min(stripHeight, part.height - y);
+      strip.resize(static_cast<std::size_t>(part.width) * static_cast<std::size_t>(height));
+      scaler.scale(pixels, {part.x, part.y + y, part.width, height}, strip);
+      copy({corner.x + part.x, corner.y + part.y + y}, strip, part.width, {0, 0, part.width, height});
+    }
+  }
 }
 
 void Painter::text(const Box& box, const std::wstring& text, const FontSpec& font, Colour colour, UINT flags) const {

@@ -8,6 +8,9 @@
 
 namespace kelvora {
 
+class PictureScaler;
+struct PixelArea;
+
 /// Position and size in the game's pixels, relative to a form's client area.
 struct Box {
   int left = 0;
@@ -40,6 +43,9 @@ class Painter {
   void border(const Box& box, Colour colour) const;
   /// Blends pixels if the scale isn't a whole number, because some would be twice as large as others.
   void picture(int left, int top, std::span<const Pixel> pixels, int width, int height) const;
+  /// Draws only these areas of the picture. They look as in the whole picture.
+  void pictureParts(int left, int top, std::span<const Pixel> pixels, int width, int height,
+                    std::span<const PixelArea> areas) const;
   /// `flags` are those of the system's DrawText.
   void text(const Box& box, const std::wstring& text, const FontSpec& font, Colour colour, UINT flags) const;
   /// A check mark that fills the box.
@@ -48,6 +54,12 @@ class Painter {
   void ellipse(const Box& box, Colour fill, Colour line, int lineWidth, bool isDotted) const;
 
  private:
+  /// Copies part of a picture of this width, pixel by pixel.
+  void copy(POINT corner, std::span<const Pixel> pixels, int width, const PixelArea& area) const;
+  /// `parts` are areas of the enlarged picture.
+  void scaleParts(POINT corner, const PictureScaler& scaler, std::span<const Pixel> pixels,
+                  std::span<const PixelArea> parts) const;
+
   HDC dc_;
   double scale_;
 };

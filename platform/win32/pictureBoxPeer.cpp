@@ -26,14 +26,14 @@ class PictureBoxPeer : public ControlPeer {
     painter.picture(place.left, place.top, box_.pixels(), box_.pixelWidth(), box_.pixelHeight());
   }
 
-  /// At once, because the next frame begins now. Only the rows from the first to the last that changed.
+  void paintParts(const Painter& painter, const Box& place, std::span<const PixelArea> areas) override {
+    painter.pictureParts(place.left, place.top, box_.pixels(), box_.pixelWidth(), box_.pixelHeight(), areas);
+  }
+
+  /// At once, because the next frame begins now.
   void present() override {
     const auto changes = box_.takeChanges();
-    if (changes.empty() || !isShown() || !form().isShown()) return;
-    const Box place = box();
-    const int first = changes.front().y;
-    const int end = changes.back().y + changes.back().height;
-    form().presentNow({place.left, place.top + first, place.width, end - first});
+    if (!changes.empty() && isShown() && form().isShown()) form().presentNow(*this, changes);
   }
 
  private:

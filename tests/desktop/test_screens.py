@@ -138,7 +138,7 @@ class Scaled(Flying):
         return self.start_client(scale=scale, environment=environment or {"QT_SCALE_FACTOR": str(scale)})
 
     def test_the_window_grows_with_the_scale(self):
-        for scale in (1.5, 2):
+        for scale in (1.25, 1.5, 2):
             with self.subTest(scale=scale):
                 client = self.scaled_client(scale)
                 self.assertAlmostEqual(client.window.geometry()[2], 894 * scale, delta=1)
