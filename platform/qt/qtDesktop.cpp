@@ -17,8 +17,8 @@
 #include "platform/qt/codePage.h"
 #include "platform/qt/qtFaultBox.h"
 #include "platform/qt/qtForm.h"
-#include "platform/qt/qtSocket.h"
 #include "platform/qt/widgetPeer.h"
+#include "platform/sockets/streamSocket.h"
 
 namespace kelvora {
 
@@ -38,6 +38,7 @@ QtDesktop::QtDesktop(std::string commandLine)
   if (const auto frame = frameFromText(qgetenv("KELVORA_FRAME_MS").toStdString())) pacer_.emplace(*frame);
   wakeUp_.setSingleShot(true);
   wakeUp_.setTimerType(Qt::PreciseTimer);
+  QObject::connect(&network_, &QSocketNotifier::activated, &network_, serveSockets);
 }
 
 Millis QtDesktop::tickCount() {
@@ -86,7 +87,7 @@ void QtDesktop::writeSetting(const std::string& section, const std::string& key,
   settings_.write(section, key, value);
 }
 
-std::unique_ptr<SocketPeer> QtDesktop::createSocket(Winsock& socket) { return std::make_unique<QtSocket>(socket); }
+std::unique_ptr<SocketPeer> QtDesktop::createSocket(Winsock& socket) { return std::make_unique<StreamSocket>(socket); }
 
 std::unique_ptr<SoundPeer> QtDesktop::createSound() { return std::make_unique<MixedSound>(mixer_); }
 

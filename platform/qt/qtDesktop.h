@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QSocketNotifier>
 #include <QTimer>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 #include "platform/desktop/framePacer.h"
 #include "platform/desktop/soundMixer.h"
 #include "platform/qt/qtSettings.h"
+#include "platform/sockets/networkSignal.h"
 
 namespace kelvora {
 
@@ -56,6 +58,7 @@ class QtDesktop : public Backend {
   std::shared_ptr<SoundMixer> mixer_ = std::make_shared<SoundMixer>();
   std::optional<FramePacer> pacer_;
   QTimer wakeUp_;
+  QSocketNotifier network_{networkSignal(), QSocketNotifier::Read};
 };
 
 }  // namespace kelvora

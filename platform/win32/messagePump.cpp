@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/sockets/networkSignal.h"
 #include "platform/win32/eventQueue.h"
 #include "platform/win32/win32.h"
 
@@ -49,15 +50,10 @@ void pumpMessages() {
   SwitchToFiber(pumpFiber);
 }
 
-void* networkSignal() {
-  static const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-  return event;
-}
-
 void waitForMessages(int milliseconds) {
   // A loop of the system is taking the messages. It returns here with the next turn.
   if (isInSystemLoop()) return;
-  const HANDLE event = networkSignal();
+  const auto event = reinterpret_cast<HANDLE>(networkSignal());
   const DWORD patience = milliseconds < 0 ? INFINITE : static_cast<DWORD>(milliseconds);
   MsgWaitForMultipleObjectsEx(1, &event, patience, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
 }

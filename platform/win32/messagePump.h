@@ -16,7 +16,4 @@ void systemLoopEnds();
 /// True while a loop of the system runs. Each call of pumpMessages() then lasts some milliseconds.
 bool isInSystemLoop();
 
-/// The event that sockets signal. A `void*` is the system's handle.
-void* networkSignal();
-
 }  // namespace kelvora

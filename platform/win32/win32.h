@@ -2,10 +2,9 @@
 
 // The system's headers, without their macros that are names of the game. Include this instead of <windows.h>.
 
-#include <winsock2.h>
-// First.
-#include <commctrl.h>
 #include <windows.h>
+// After it.
+#include <commctrl.h>
 
 #undef RGB
 #undef SRCAND

@@ -9,9 +9,9 @@
 #include "platform/desktop/handlerCall.h"
 #include "platform/desktop/mixedAudio.h"
 #include "platform/pictures/pictureFile.h"
+#include "platform/sockets/streamSocket.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/messageWindow.h"
-#include "platform/win32/win32Socket.h"
 #include "raster/surface.h"
 // After the above.
 #include <mmsystem.h>
@@ -20,9 +20,6 @@ namespace kelvora {
 
 Win32Backend::Win32Backend(std::string commandLine) : commandLine_(std::move(commandLine)) {
   Surface::setGlyphSource(&glyphs_);
-  WSADATA ignored{};
-  constexpr WORD version = 0x0202;
-  WSAStartup(version, &ignored);
   const char* frame = std::getenv("KELVORA_FRAME_MS");
   if (const auto length = frameFromText(frame == nullptr ? "" : frame)) {
     pacer_.emplace(*length);
@@ -80,7 +77,7 @@ void Win32Backend::writeSetting(const std::string& section, const std::string& k
 }
 
 std::unique_ptr<SocketPeer> Win32Backend::createSocket(Winsock& socket) {
-  return std::make_unique<Win32Socket>(socket);
+  return std::make_unique<StreamSocket>(socket);
 }
 
 std::unique_ptr<SoundPeer> Win32Backend::createSound() { return std::make_unique<MixedSound>(mixer_); }

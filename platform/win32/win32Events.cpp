@@ -5,11 +5,12 @@
 #include "platform/desktop/handlerCall.h"
 #include "platform/desktop/polledTimers.h"
 #include "platform/form.h"
+#include "platform/sockets/networkSignal.h"
+#include "platform/sockets/streamSocket.h"
 #include "platform/win32/eventQueue.h"
 #include "platform/win32/messagePump.h"
 #include "platform/win32/win32.h"
 #include "platform/win32/win32Backend.h"
-#include "platform/win32/win32Socket.h"
 
 namespace kelvora {
 
@@ -24,7 +25,7 @@ void Win32Backend::servePending() {
     if (isMore && !isInSystemLoop()) pumpMessages();
   }
   // Events that are left must not wait for the next message.
-  if (isMore) SetEvent(networkSignal());
+  if (isMore) signalNetwork();
 }
 
 void Win32Backend::wait(std::int64_t milliseconds) {

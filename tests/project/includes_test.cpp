@@ -152,7 +152,7 @@ TEST(Includes, OnlyPlatformSoundIncludesItsLibraries) {
 
 TEST(Includes, OnlyTheRoomsOfWindowsIncludeItsHeaders) {
   expectOnlyIn(
-      {"app/windows", "bench/windows", "platform/win32", "server/system", "tests/platform/win32"},
+      {"app/windows", "bench/windows", "platform/sockets", "platform/win32", "server/system", "tests/platform/sockets"},
       R"re([<"]((?:windows|windowsx|winsock2|ws2tcpip|commctrl|mmsystem|shellapi|dwmapi|uxtheme|winhttp)\.h)[>"])re");
 }
 

@@ -15,10 +15,7 @@ class OffscreenToolkit {
     installFontSubstitutes();
     Surface::setGlyphSource(&glyphs_);
   }
-  ~OffscreenToolkit() {
-    Surface::setGlyphSource(nullptr);
-    QCoreApplication::sendPostedEvents();  // frees connections of the last test
-  }
+  ~OffscreenToolkit() { Surface::setGlyphSource(nullptr); }
   OffscreenToolkit(const OffscreenToolkit&) = delete;
   OffscreenToolkit& operator=(const OffscreenToolkit&) = delete;
 

@@ -10,10 +10,10 @@ namespace kelvora {
 
 /// A TCP connection through the system's sockets. Its events are raised within serveSockets alone, one at a time, so a
 /// handler may close, reopen or destroy its socket.
-class Win32Socket : public SocketPeer {
+class StreamSocket : public SocketPeer {
  public:
-  explicit Win32Socket(Winsock& owner);
-  ~Win32Socket() override;
+  explicit StreamSocket(Winsock& owner);
+  ~StreamSocket() override;
 
   SocketState state() const override { return state_; }
   void connect(const std::string& host, int port) override;
@@ -21,7 +21,7 @@ class Win32Socket : public SocketPeer {
   void send(std::string_view data) override;
   std::string take() override;
 
-  /// Raises at most one event. True if there may be another.
+  /// Raises at most one event. True if it did.
   bool serve();
 
  private:
@@ -39,7 +39,8 @@ class Win32Socket : public SocketPeer {
   std::shared_ptr<Connection> connection_;
 };
 
-/// Raises at most one event of each socket. True if there may be others.
+/// Raises at most one event of each socket. Call it when the network is signaled. True if there may be others, for
+/// which it signals again.
 bool serveSockets();
 
 }  // namespace kelvora
