@@ -60,7 +60,7 @@ std::vector<HostAddress> findAddresses(const std::string& host, int port, HostKi
   wanted.ai_flags = AI_NUMERICSERV | (kind == HostKind::Numeric ? AI_NUMERICHOST : AI_IDN);
   addrinfo* list = nullptr;
   if (getaddrinfo(utf8FromCodePage(host).c_str(), std::to_string(port).c_str(), &wanted, &list) != 0) return {};
-  const std::vector<HostAddress> found = copyAddresses(list);
+  std::vector<HostAddress> found = copyAddresses(list);
   freeaddrinfo(list);
   return found;
 }

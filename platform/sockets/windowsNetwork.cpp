@@ -61,7 +61,7 @@ std::vector<HostAddress> findAddresses(const std::string& host, int port, HostKi
   wanted.ai_flags = kind == HostKind::Numeric ? AI_NUMERICHOST : 0;
   ADDRINFOW* list = nullptr;
   if (GetAddrInfoW(wideHost(host).c_str(), std::to_wstring(port).c_str(), &wanted, &list) != 0) return {};
-  const std::vector<HostAddress> found = copyAddresses(list);
+  std::vector<HostAddress> found = copyAddresses(list);
   FreeAddrInfoW(list);
   return found;
 }
