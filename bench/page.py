@@ -41,6 +41,7 @@ harness.use_build(OPTIONS.native)
 from browser import Browser  # noqa: E402  (needs the build)
 from page import Page  # noqa: E402
 from protocol import PLAYER_JOINED, POSITION  # noqa: E402
+from quiet_browser import QuietBrowser, QuietPage  # noqa: E402
 from spy import Spy  # noqa: E402
 
 EMPTY = "about:blank"
@@ -155,44 +156,59 @@ def settled_memory(browser):
     return memory(browser)
 
 
+def with_quiet_browser(measure, address):
+    browser = QuietBrowser(address)
+    try:
+        return measure(browser)
+    finally:
+        browser.close()
+
+
 def measure_game():
-    def play(server, browser):
-        tab = browser.open(EMPTY, browser.visitor(), Page)
-        empty = settled_memory(browser)
-        tab.close()
-        spy = Spy(server.port)
-        page = open_page(server, browser)
-        page.connect()
-        node = spy.await_frame(PLAYER_JOINED, lambda fields: fields[2] == b"Ann")[0]
-        page.wait_for_status("Connected")
-        width, height = page.canvas_size()
-        page.release_brakes(width / 2 + 100, height / 2 + 40)
-        reported = []
-        threading.Thread(target=listen, args=(spy, node, reported), daemon=True).start()
-        print(f"memory of an empty tab: {empty:.0f} MB")
-        print("minute  MB more  passes a second")
-        figures = []
-        for minute in range(OPTIONS.minutes + 1):
-            begin, first = time.monotonic(), len(reported)
-            # A turn of the mouse now and then, and a new life after each capture.
-            while time.monotonic() - begin < (60 if minute else 20):
-                before = len(reported)
-                page.mouse_to(width / 2 + 100, height / 2 + (40 if before % 2 else -40))
-                time.sleep(2)
-                if len(reported) == before:
-                    page.click_on("all('.main .picturebox canvas')[2]")  # Spawn
-                    page.release_brakes(width / 2 + 100, height / 2 + 40)
-            # Every fourth pass reports the place, unless the ball rests.
-            gaps = [later - earlier for earlier, later in zip(reported[first:], reported[first + 1:])]
-            flown = [gap for gap in gaps if gap < 0.5]
-            rate = 4 * len(flown) / sum(flown) if flown else 0
-            figures.append((memory(browser) - empty, rate))
-            print("{:6} {:8.0f} {:16.0f}".format(minute, *figures[-1]), flush=True)
-        more, rates = zip(*figures)
-        print(f"memory above an empty tab: {max(more):.0f} MB at most, {more[-1]:.0f} MB in the end, "
-              f"in {OPTIONS.minutes} minutes of play")
-        print(f"passes a second: {statistics.median(rates):.0f}")
-    with_page(play, "--bots", "4", "--skill", "easy")
+    empty = with_quiet_browser(settled_memory, EMPTY)
+    print(f"memory of an empty tab: {empty:.0f} MB")
+    server = harness.Server("--site", str(OPTIONS.web / "site"), "--bots", "4", "--skill", "easy")
+    try:
+        with_quiet_browser(lambda browser: play(server, browser, empty), f"http://127.0.0.1:{server.port}/")
+    finally:
+        server.close()
+
+
+def play(server, browser, empty):
+    spy = Spy(server.port)
+    page = QuietPage(browser)
+    page.wait_for("dialog('Connect')")
+    page.click_on("named('Player Name:')")
+    page.type("Ann")
+    page.press_button("Connect", "dialog('Connect')")
+    node = spy.await_frame(PLAYER_JOINED, lambda fields: fields[2] == b"Ann")[0]
+    page.wait_for_status("Connected")
+    width, height = page.canvas_size()
+    page.release_brakes(width / 2 + 100, height / 2 + 40)
+    reported = []
+    threading.Thread(target=listen, args=(spy, node, reported), daemon=True).start()
+    print("minute  MB more  passes a second")
+    figures = []
+    for minute in range(OPTIONS.minutes + 1):
+        begin, first = time.monotonic(), len(reported)
+        # A turn of the mouse now and then, and a new life after each capture.
+        while time.monotonic() - begin < (60 if minute else 20):
+            before = len(reported)
+            page.mouse_to(width / 2 + 100, height / 2 + (40 if before % 2 else -40))
+            time.sleep(2)
+            if len(reported) == before:
+                page.click_on("all('.main .picturebox canvas')[2]")  # Spawn
+                page.release_brakes(width / 2 + 100, height / 2 + 40)
+        # Every fourth pass reports the place, unless the ball rests.
+        gaps = [later - earlier for earlier, later in zip(reported[first:], reported[first + 1:])]
+        flown = [gap for gap in gaps if gap < 0.5]
+        rate = 4 * len(flown) / sum(flown) if flown else 0
+        figures.append((memory(browser) - empty, rate))
+        print("{:6} {:8.0f} {:16.0f}".format(minute, *figures[-1]), flush=True)
+    more, rates = zip(*figures)
+    print(f"memory above an empty tab: {max(more):.0f} MB at most, {more[-1]:.0f} MB in the end, "
+          f"in {OPTIONS.minutes} minutes of play")
+    print(f"passes a second: {statistics.median(rates):.0f}")
 
 
 def listen(spy, node, reported):
