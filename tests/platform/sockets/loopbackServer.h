@@ -67,11 +67,12 @@ inline bool waitForNews() { return waitUntilReadable(static_cast<int>(networkSig
 
 #endif
 
-/// Raises events until the condition holds. False if nothing happens for a minute.
+/// Raises events until the condition holds, at each signal. False if there is none for a minute.
 template <class Condition>
 bool serveSocketsUntil(Condition isDone) {
   while (!isDone()) {
-    if (!serveSockets() && !isDone() && !waitForNews()) return false;
+    if (!waitForNews()) return false;
+    serveSockets();
   }
   return true;
 }
