@@ -11,12 +11,13 @@ counted by the system, in percent of one core. Memory is their resident set (RSS
 
 import argparse
 import math
-import os
 import socket
 import subprocess
 import sys
 import time
 from pathlib import Path
+
+from process_figures import memory, processor_seconds
 
 
 def load_protocol(program):
@@ -97,19 +98,11 @@ class Server:
 
     def seconds(self):
         """Processor time since the server's start, in seconds."""
-        with open(f"/proc/{self.process.pid}/schedstat", encoding="ascii") as file:
-            main = int(file.read().split()[0]) / 1e9
-        threads = 0.0
-        for thread in os.listdir(f"/proc/{self.process.pid}/task"):
-            with open(f"/proc/{self.process.pid}/task/{thread}/schedstat", encoding="ascii") as file:
-                threads += int(file.read().split()[0]) / 1e9
-        return max(main, threads)
+        return processor_seconds(self.process.pid)
 
     def memory(self):
         """RSS and PSS in KiB."""
-        with open(f"/proc/{self.process.pid}/smaps_rollup", encoding="ascii") as file:
-            lines = {line.split(":")[0]: line.split()[1] for line in file.readlines()[1:]}
-        return int(lines["Rss"]), int(lines["Pss"])
+        return memory(self.process.pid)
 
     def end(self):
         self.process.terminate()

@@ -19,6 +19,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tools" / "desktop"))
 sys.dont_write_bytecode = True
 import harness  # noqa: E402  (found by the line above)
+from process_figures import memory, processor_seconds  # noqa: E402
 from match import TURBO, Pilot, Relay  # noqa: E402
 from storeWindow import BUY, DONE, StoreWindow  # noqa: E402
 
@@ -42,21 +43,17 @@ class Process:
 
     def __init__(self, process):
         self.process = process
-        self.cpu, self.asked = self.cpu_seconds(), time.monotonic()
-
-    def cpu_seconds(self):
-        folder = f"/proc/{self.process.pid}/task"
-        return sum(int(Path(folder, task, "schedstat").read_text().split()[0]) for task in os.listdir(folder)) / 1e9
+        self.cpu, self.asked = processor_seconds(process.pid), time.monotonic()
 
     def figures(self):
         """Megabytes in memory, open files, threads, percent of a core."""
         if self.process.poll() is not None:
             raise AssertionError(f"a program ended with {self.process.returncode}")
         status = dict(line.split(":", 1) for line in Path(f"/proc/{self.process.pid}/status").read_text().splitlines())
-        cpu, now = self.cpu_seconds(), time.monotonic()
+        cpu, now = processor_seconds(self.process.pid), time.monotonic()
         share = (cpu - self.cpu) / (now - self.asked) * 100
         self.cpu, self.asked = cpu, now
-        return (int(status["VmRSS"].split()[0]) / 1024, len(os.listdir(f"/proc/{self.process.pid}/fd")),
+        return (memory(self.process.pid)[0] / 1024, len(os.listdir(f"/proc/{self.process.pid}/fd")),
                 int(status["Threads"]), share)
 
 

@@ -37,6 +37,7 @@ def arguments():
 
 OPTIONS = arguments()
 import harness  # noqa: E402  (found by the line above)
+import process_figures  # noqa: E402
 harness.use_build(OPTIONS.native)
 from browser import Browser  # noqa: E402  (needs the build)
 from page import Page  # noqa: E402
@@ -145,7 +146,7 @@ def memory(browser):
     total = 0
     for pid in descendants(browser.process.pid):
         try:
-            total += int(re.search(r"^Pss:\s+(\d+)", Path(f"/proc/{pid}/smaps_rollup").read_text(), re.M)[1]) / 1024
+            total += process_figures.memory(pid)[1] / 1024
         except OSError:
             pass
     return total

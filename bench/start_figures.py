@@ -28,6 +28,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tools" / "deskt
 sys.dont_write_bytecode = True
 import harness  # noqa: E402  (found by the line above)
 import wine  # noqa: E402
+from process_figures import memory, processor_seconds  # noqa: E402
 
 
 def arguments():
@@ -61,21 +62,6 @@ class WindowWatch:
         self.process.stdout.close()
 
 
-def memory(pid):
-    """Megabytes in memory, and the process's proportional share of them (PSS)."""
-    figures = {}
-    for line in Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]:
-        name, value = line.split()[:2]
-        figures[name] = int(value) / 1024
-    return figures["Rss:"], figures["Pss:"]
-
-
-def processor_seconds(pid):
-    """Of all threads, ended ones included, by the process's clock in the kernel."""
-    scheduler_clock = 2
-    return time.clock_gettime(~pid << 3 | scheduler_clock)
-
-
 def start_once(display, command):
     """Seconds to the window; processor seconds of all threads until then; RSS and PSS some seconds later; processor
     seconds of the whole start."""
@@ -90,7 +76,8 @@ def start_once(display, command):
             shown = watch.next_window() - begin
             to_window = processor_seconds(process.pid)
             time.sleep(2.5)  # the sound starts after the window
-            return (shown, to_window, *memory(process.pid), processor_seconds(process.pid))
+            megabytes = (kibibytes / 1024 for kibibytes in memory(process.pid))
+            return (shown, to_window, *megabytes, processor_seconds(process.pid))
         finally:
             harness.stop(process)
             watch.close()
