@@ -44,6 +44,7 @@ class FrmPlayer : public Form {
 
  private:
   void tick();
+  void prepareStrip();
   void paint();
   void paintBar();
   void paintButtons();
@@ -58,6 +59,7 @@ class FrmPlayer : public Form {
   void click(float x, float y);
   void hear(const recording::Sounding& sounding);
   void followMusic();
+  std::string speedText() const;
   std::string status() const;
   float barX(Millis time) const;
   Millis timeAt(float x) const;
