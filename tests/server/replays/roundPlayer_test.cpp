@@ -70,7 +70,20 @@ TEST_F(RoundPlayerTest, BeginsAnewOnceNobodyHasWatched) {
   pass(0);
   pass(150);
   pass(40, false);
-  EXPECT_EQ(pass(40).size(), 2U);
+  const Messages again = pass(40);
+  ASSERT_EQ(again.size(), 2U);
+  for (const WireMessage& message : again) EXPECT_EQ(message.id, wire::msgPlayerJoined);
+}
+
+TEST(RoundPlayerStates, PlayersMayHaveBeenDeadWhenTheRoundWasRecorded) {
+  Moments round;
+  round.add(0, wire::toClient<wire::msgPlayerJoined>(1, 1, "P", wire::NumberText{"1"}, wire::NumberText{"1"}, 0, 0));
+  RoundPlayer player(std::move(round));
+  player.tick(1, true, [](const std::string&) {});
+  Messages shown;
+  player.show([&](const std::string& frame) { shown.push_back(messageOf(frame)); });
+  ASSERT_EQ(shown.size(), 3U);
+  EXPECT_EQ(shown[1], (WireMessage{wire::msgPlayerJoined, {"1", "1", "P", "1", "1", "0", "0"}}));
 }
 
 TEST_F(RoundPlayerTest, ShowsNewcomersThePlayersAsTheyAre) {
