@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/recording/file.h"
@@ -116,49 +115,6 @@ TEST(Messages, AreThoseOfTheProtocol) {
     messages.write(writer, message);
   }
   EXPECT_EQ(contents.find(message), std::string::npos) << "as a point, not as it is";
-}
-
-TEST(Reader, RefusesPlanesThatDontFitTogether) {
-  // A block with a time and a record. Reading another record needs the next block, though the time is unread.
-  std::string contents(
-      "\1\1\0\0\0\0\0"
-      "\7\5",
-      9);
-  Reader reader([&] { return std::exchange(contents, {}); });
-  EXPECT_EQ(reader.byte(), 7);
-  EXPECT_THROW(reader.byte(), Damaged);
-}
-
-TEST(Reader, RefusesABlockThatIsTooLarge) {
-  std::string contents("\x81\x80\4\0\0\0\0\0\0", 9);  // 65537
-  Reader reader([&] { return std::exchange(contents, {}); });
-  EXPECT_THROW(reader.byte(), Damaged);
-}
-
-TEST(Reader, EndsBeforeABlockThatIsCutOff) {
-  std::string contents(
-      "\1\0\0\0\0\0\0"
-      "\7"
-      "\2\0\0\0\0\0\0"
-      "\7",
-      16);
-  Reader reader([&] { return std::exchange(contents, {}); });
-  EXPECT_EQ(reader.byte(), 7);
-  EXPECT_TRUE(reader.isAtEnd());
-}
-
-TEST(Writer, SplitsWhatExceedsABlock) {
-  const std::string text(3 * maxBlock + 5, 'x');
-  std::string contents;
-  {
-    Writer writer(std::make_unique<MemorySink>(contents));
-    writer.text(text);
-    writer.number(300, Plane::Times);
-  }
-  Reader reader([&] { return std::exchange(contents, {}); });
-  EXPECT_EQ(reader.text(maxText), text);
-  EXPECT_EQ(reader.number(Plane::Times), 300U);
-  EXPECT_TRUE(reader.isAtEnd());
 }
 
 }  // namespace
