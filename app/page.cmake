@@ -8,7 +8,7 @@ target_link_options(kelvora PRIVATE
   -sENVIRONMENT=web -sALLOW_MEMORY_GROWTH=1 -sINITIAL_MEMORY=32MB
   "-sEXPORTED_RUNTIME_METHODS=['callMain']"
   "SHELL:--js-library ${page}/library.js")
-set(parts text.js events.js touch.js input.js sockets.js glyphs.js settings.js sound.js windows.js menus.js recording.js grid.js controls.js start.js)
+set(parts text.js events.js touch.js input.js sockets.js glyphs.js settings.js sound.js windows.js menus.js recording.js grid.js pictures.js controls.js start.js)
 foreach(part ${parts})
   target_link_options(kelvora PRIVATE "SHELL:--extern-pre-js ${page}/${part}")
 endforeach()

@@ -17,7 +17,10 @@ void page_setNumber(int id, const char* property, double value);
 void page_setText(int id, const char* property, const char* text, std::size_t size);
 /// Moves the focus to an element.
 void page_focus(int id);
-/// Shows a part of a picture in RGBA: left, top, width and height. The page has copied it when this returns.
+/// Shows a picture in RGBA. The page has copied it when this returns.
+void page_showPicture(int id, const std::uint32_t* pixels, int width, int height);
+/// Shows a part of a picture in RGBA before the display's next frame: left, top, width and height. The page reads the
+/// pixels later, while the program waits: until the next call for this element, or until it is removed.
 void page_showPixels(int id, const std::uint32_t* pixels, int width, int height, int partLeft, int partTop,
                      int partWidth, int partHeight);
 /// Opens a message box, which sends `Closed`.

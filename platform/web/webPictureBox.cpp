@@ -19,8 +19,7 @@ class FrontPicture : public PageObject {
  public:
   FrontPicture(const Picture& picture, int box) {
     page_create(id(), box, "Image");
-    const PixelArea whole{0, 0, picture.width, picture.height};
-    WebPixels().show(id(), picture.pixels, picture.width, picture.height, {&whole, 1});
+    showPicture(id(), picture);
   }
   ~FrontPicture() override { page_remove(id()); }
   void take(const PageEvent&) override {}

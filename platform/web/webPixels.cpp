@@ -24,22 +24,24 @@ PixelArea covering(const PixelArea& one, const PixelArea& other) {
 
 }  // namespace
 
+void showPicture(int id, const Picture& picture) {
+  std::vector<Pixel> shown(picture.pixels.size());
+  std::transform(picture.pixels.begin(), picture.pixels.end(), shown.begin(), converted);
+  page_showPicture(id, shown.data(), picture.width, picture.height);
+}
+
 void WebPixels::show(int id, std::span<const Pixel> pixels, int width, int height, std::span<const PixelArea> changes) {
+  if (changes.empty()) return;
   converted_.resize(pixels.size());
+  PixelArea shown = changes.front();
   for (const PixelArea& area : changes) {
     for (int row = area.y; row < area.y + area.height; ++row) {
       const std::ptrdiff_t first = std::ptrdiff_t{row} * width + area.x;
       std::transform(pixels.data() + first, pixels.data() + first + area.width, converted_.data() + first, converted);
     }
+    shown = covering(shown, area);
   }
-  // Few large copies cost the browser less than many small ones. So areas in adjacent rows are shown as one.
-  for (std::size_t next = 0; next < changes.size();) {
-    PixelArea shown = changes[next];
-    while (++next < changes.size() && changes[next].y <= shown.y + shown.height) {
-      shown = covering(shown, changes[next]);
-    }
-    page_showPixels(id, converted_.data(), width, height, shown.x, shown.y, shown.width, shown.height);
-  }
+  page_showPixels(id, converted_.data(), width, height, shown.x, shown.y, shown.width, shown.height);
 }
 
 }  // namespace kelvora

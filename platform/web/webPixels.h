@@ -8,10 +8,13 @@
 
 namespace kelvora {
 
-/// Shows a picture on a canvas of the page.
+/// Shows a picture that doesn't change on a canvas of the page.
+void showPicture(int id, const Picture& picture);
+
+/// Shows a picture on a canvas of the page, which must be removed before this object.
 class WebPixels {
  public:
-  /// Shows the areas that have changed since the last call, from top to bottom. At first and with another size, this is
+  /// Shows the areas that have changed since the last call. At first and with another size, this is
   /// the whole picture.
   void show(int id, std::span<const Pixel> pixels, int width, int height, std::span<const PixelArea> changes);
 

@@ -153,8 +153,7 @@ class ImagePeer : public WebPeer {
   void show(PropertyId id) override {
     if (id != PropertyId::Picture || !image_.Picture.get()) return;
     const Picture& picture = *image_.Picture.get();
-    const PixelArea whole{0, 0, picture.width, picture.height};
-    WebPixels().show(this->id(), picture.pixels, picture.width, picture.height, {&whole, 1});
+    showPicture(this->id(), picture);
     set("Width", picture.width);
     set("Height", picture.height);
   }

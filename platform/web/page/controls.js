@@ -21,6 +21,7 @@ function createControl(id, parentId, kind) {
 function removeControl(id) {
   const control = controls.get(id);
   controls.delete(id);
+  stalePictures.delete(id);
   control.element.remove();
   if (control.removed) control.removed();
 }
@@ -196,11 +197,3 @@ function nameFields(form) {
 let lastLabel = 0;
 
 const windowOf = (control) => controls.get(Number(control.element.closest('.form').dataset.id));
-
-// Shows a part of a picture: its left, top, width and height.
-function showPixels(id, picture, part) {
-  const {face} = controls.get(id);
-  const {width, height} = picture;
-  if (face.width !== width || face.height !== height) Object.assign(face, {width, height});
-  face.getContext('2d', {alpha: false}).putImageData(picture, 0, 0, ...part);
-}

@@ -6,8 +6,9 @@ mergeInto(LibraryManager.library, {
   page_setNumber: function(id, name, value) { return setProperty(id, UTF8ToString(name), value); },
   page_setText: function(id, name, bytes, size) { return setProperty(id, UTF8ToString(name), toText(HEAPU8.subarray(bytes, bytes + size))); },
   page_focus: function(id) { return focusControl(id); },
-  page_showPixels: function(id, pixels, width, height, ...part) {
-    showPixels(id, new ImageData(new Uint8ClampedArray(HEAPU8.buffer, pixels, width * height * 4), width, height), part);
+  page_showPicture: function(id, pixels, width, height) { return showPicture(id, pixels, width, height); },
+  page_showPixels: function(id, pixels, width, height, left, top, partWidth, partHeight) {
+    return showPixels(id, pixels, width, height, left, top, partWidth, partHeight);
   },
   page_showBox: function(id, bytes, size) { return showBox(id, toText(HEAPU8.subarray(bytes, bytes + size))); },
   page_showEnd: function(title, bytes, size) { return showEnd(UTF8ToString(title), toText(HEAPU8.subarray(bytes, bytes + size))); },
