@@ -27,7 +27,9 @@ class FormPeer : public WebPeer {
     switch (id) {
       case PropertyId::Left:
       case PropertyId::Top:
-        // The page centres a form that the game hasn't placed.
+        // The game places dialogs in a window of the designed size, but pages have any size. So the page centres them,
+        // and other forms that the game hasn't placed.
+        if (form_.design.systemColours) return;
         if (isMade_ || form_.Left != 0.0F || form_.Top != 0.0F) WebPeer::changed(id);
         return;
       case PropertyId::Width:

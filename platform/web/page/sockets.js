@@ -1,6 +1,7 @@
 // The program's sockets: each is a WebSocket to the host's /play, or to its /watch for a spectator. Its binary messages
 // are a plain stream of bytes.
 const sockets = new Map();
+const isWatching = location.pathname.endsWith('/watch');
 const readLimit = 64 << 20;  // unread bytes; beyond it the connection fails
 const readAhead = 256 << 10;  // bytes of one event, so that the page stays responsive
 const writeLimit = 4 << 20;  // unsent bytes, as in platform/winsock.h
@@ -9,10 +10,9 @@ function openSocket(id, host, port) {
   closeSocket(id);
   const scheme = location.protocol === 'https:' ? 'wss' : 'ws';
   const address = host.includes(':') && !host.startsWith('[') ? `[${host}]` : host;
-  const place = location.pathname.endsWith('/watch') ? '/watch' : '/play';
   let wire;
   try {
-    wire = new WebSocket(`${scheme}://${address}:${port}${place}`);
+    wire = new WebSocket(`${scheme}://${address}:${port}${isWatching ? '/watch' : '/play'}`);
   } catch {
     post('socketFailed', id);
     return;

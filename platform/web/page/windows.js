@@ -4,7 +4,7 @@ const desk = document.getElementById('desk');
 let mainWindow = null;
 
 // The smallest desk on which the game can be played. A smaller page shows it scaled down.
-const smallestDesk = {width: 640, height: 600};
+const smallestDesk = {width: 640, height: 606};
 let deskScale = 1;
 let deskWidth = 0;
 let deskHeight = 0;
@@ -60,7 +60,9 @@ function dragByBar(control) {
     control.bar.setPointerCapture(event.pointerId);
   });
   control.bar.addEventListener('pointermove', (event) => {
-    if (grip) placeWindow(control, event.clientX / deskScale - grip.x, event.clientY / deskScale - grip.y);
+    if (!grip) return;
+    control.isDragged = true;
+    placeWindow(control, event.clientX / deskScale - grip.x, event.clientY / deskScale - grip.y);
   });
   control.bar.addEventListener('pointerup', () => { grip = null; });
 }
@@ -74,6 +76,14 @@ function placeWindow(control, left, top) {
   post('moved', control.id, [x, y]);
 }
 
+// In the middle of the page, unless the game has placed it.
+function placeFirst(control) {
+  control.isDragged = false;
+  const {element, scale} = control;
+  placeWindow(control, control.left ?? (deskWidth - element.offsetWidth * scale) / 2,
+    control.top ?? (deskHeight - element.offsetHeight * scale) / 2);
+}
+
 function fillPage(control) {
   post('resized', control.id, [deskWidth, deskHeight - control.client.offsetTop]);
 }
@@ -84,7 +94,11 @@ addEventListener('resize', () => {
   for (const control of shownWindows) {
     if (control === mainWindow) continue;
     fitDialog(control);
-    placeWindow(control, control.element.offsetLeft, control.element.offsetTop);
+    if (control.isDragged) {
+      placeWindow(control, control.element.offsetLeft, control.element.offsetTop);
+    } else {
+      placeFirst(control);
+    }
   }
 });
 
@@ -120,6 +134,7 @@ function leaveDesk(control) {
 function showWindow(control) {
   mainWindow = mainWindow || control;
   if (control === mainWindow) addRecordMenu(control);
+  if (control === mainWindow && isWatching) addWatchNote(control);
   control.element.classList.toggle('main', control === mainWindow);
   control.element.hidden = false;
   if (!shownWindows.includes(control)) shownWindows.push(control);
@@ -128,15 +143,23 @@ function showWindow(control) {
     fillPage(control);
   } else {
     fitDialog(control);
-    const left = control.left ?? (deskWidth - control.element.offsetWidth * control.scale) / 2;
-    const top = control.top ?? (deskHeight - control.element.offsetHeight * control.scale) / 2;
-    placeWindow(control, left, top);
+    placeFirst(control);
   }
   nameFields(control);
   raiseWindow(control);
   const first = [...control.client.querySelectorAll('[tabindex]')]
     .filter((element) => element.tabIndex > 0).sort((a, b) => a.tabIndex - b.tabIndex)[0];
   if (first) first.focus({preventScroll: true});
+}
+
+// Until somebody has logged in, watching would look like playing.
+function addWatchNote(control) {
+  if (control.list.querySelector('.note')) return;
+  const note = document.createElement('li');
+  note.className = 'note';
+  note.setAttribute('role', 'none');
+  note.textContent = 'Watching: players don\u2019t see you';
+  control.list.append(note);
 }
 
 addEventListener('focusin', (event) => {
@@ -147,7 +170,7 @@ addEventListener('focusin', (event) => {
 const windowProperties = {
   Caption: (control, value) => {
     control.words.textContent = value;
-    if (control === mainWindow || !mainWindow) document.title = value;
+    if (control === mainWindow || !mainWindow) document.title = isWatching ? `Watching ${value}` : value;
   },
   Left: (control, value) => { control.left = value; if (!control.element.hidden) placeWindow(control, value, control.top || 0); },
   Top: (control, value) => { control.top = value; if (!control.element.hidden) placeWindow(control, control.left || 0, value); },
