@@ -149,6 +149,7 @@ void Lobby::admitSpectator(ClientId client, const Request& request, std::vector<
   combat_.tellRunning(client, now);
   explainName(client, typed, name);
   roster_.tell(client, "You are watching. Only the other spectators get your lines.");
+  roster_.tell(client, "To fly, press the right mouse button, or Brakes on a touch screen, and steer.");
   output_.watches(client);
   roster_.spectators().insert(
       {client, {.client = client, .name = name, .session = {.nextPing = now + firstPingDelay}}});

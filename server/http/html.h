@@ -18,4 +18,7 @@ inline constexpr std::string_view htmlEnd = "</html>\n";
 /// An answer with a page that isn't cached and loads no other files.
 HttpAnswer htmlAnswer(std::string body);
 
+/// Answers with a page that says why there is no other, and leads back to "/".
+HttpAnswer messagePage(unsigned int status, std::string_view title, std::string_view text);
+
 }  // namespace kelvora::server

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "server/http/homePage.h"
+#include "server/http/html.h"
 #include "server/net/gameServer.h"
 #include "server/net/origin.h"
 
@@ -73,7 +74,8 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   if (path == metricsPath) return metrics(guest, request);
   if (auto file = site_.answer(request, path)) return *std::move(file);
   if (path == "/" || path == arenaPath) return homePage();
-  return textAnswer(404, "This page does not exist.\n");
+  if (path == watchPath) return messagePage(404, "Nobody can watch here", "This arena has no room for spectators.");
+  return messagePage(404, "Page not found", "This page does not exist.");
 }
 
 HttpAnswer GameServer::metrics(const Guest& guest, const HttpRequest& request) const {

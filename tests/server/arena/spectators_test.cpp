@@ -50,7 +50,9 @@ TEST_F(Spectators, GetAGhostAndAllPlayersAtTheLogin) {
   EXPECT_EQ(messages.at(1), (Message{wire::msgAliveState, {"-1", "0"}}));
   EXPECT_EQ(messages.at(2), (Message{wire::msgPlayerJoined, {annsNode, "3", "Ann", "500", "600", "1", "0"}}));
   EXPECT_EQ(messages.at(3), (Message{wire::msgFunds, {annsNode, "10"}}));
-  EXPECT_EQ(textsTo(sue), (std::vector<std::string>{"You are watching. Only the other spectators get your lines."}));
+  EXPECT_EQ(textsTo(sue), (std::vector<std::string>{
+                              "You are watching. Only the other spectators get your lines.",
+                              "To fly, press the right mouse button, or Brakes on a touch screen, and steer."}));
 }
 
 TEST_F(Spectators, AreInNobodysListAndOnNobodysScreen) {

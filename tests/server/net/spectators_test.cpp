@@ -98,7 +98,9 @@ TEST(WatchLink, IsThePageOfTheGame) {
   options.rules.spectators = 0;
   {
     const RunningServer server(options);
-    EXPECT_EQ(ask(server.port(), "GET /watch HTTP/1.0\r\n\r\n").code(), 404);
+    const WebAnswer watch = ask(server.port(), "GET /watch HTTP/1.0\r\n\r\n");
+    EXPECT_EQ(watch.code(), 404);
+    EXPECT_NE(watch.body.find("<h1>Nobody can watch here</h1>"), std::string::npos) << watch.body;
     WebSocketClient client(server.port());
     EXPECT_FALSE(client.open({}, "/watch"));
     for (const char* page : {"arena", "games"}) {
