@@ -1,26 +1,36 @@
-"""The page captures a player: the mouse flies a loop, whose tail closes around somebody."""
+"""The page captures a player: it flies loops, whose tail closes around somebody."""
 
-import math
 import threading
+import time
 
 from harness import wait_for
-from pageTest import PageTest, unittest
+from pageTest import HANG, PageTest, unittest
 from protocol import PING, PING_REPLY, PLAYER_JOINED, POSITION, POSITION_REPORT, TAIL_CAPTURE
 from spy import Spy
 
 WORLD = 100000.0
-STEPS = 16  # of the mouse in a circle
-STEP_MS = 60  # so that a circle takes half the time that a tail lasts
-CIRCLE_REPORTS = STEPS * STEP_MS // 40
+CIRCLE_SECONDS = 1.0  # half the time that a tail lasts
+# Moves the mouse around the middle of the view, by the page's own clock. However slowly the page and this script run, a
+# circle takes the same time.
+CIRCLE = """(() => {
+  const place = canvas().getBoundingClientRect();
+  const move = () => {
+    const turn = performance.now() / %d * 2 * Math.PI;
+    canvas().dispatchEvent(new PointerEvent('pointermove', {pointerType: 'mouse',
+      clientX: place.left + place.width / 2 + 200 * Math.cos(turn), clientY: place.top + place.height / 2 + 200 * Math.sin(turn)}));
+  };
+  return setInterval(move, 20);
+})()""" % (CIRCLE_SECONDS * 1000)
 
 
 class Victim(Spy):
-    """A player who always moves to the middle of what the next one to join flies."""
+    """A player who rests in the middle of the circle that the next one to join has flown last."""
 
     def __init__(self, port):
         super().__init__(port, "Victim")
         self.flyer = None
-        self.places = []
+        self.places = []  # of the flyer, with their times
+        self.rest = None
         self.captures = []
         threading.Thread(target=self.run, daemon=True).start()
 
@@ -40,20 +50,21 @@ class Victim(Spy):
         elif identifier == TAIL_CAPTURE:
             self.captures.append(fields[:2])
         elif identifier == POSITION and fields[0] == self.flyer:
-            self.places.append((float(fields[1]), float(fields[2])))
-            circle = self.places[-CIRCLE_REPORTS:]
-            self.send(POSITION_REPORT, *(sum(axis) / len(circle) for axis in zip(*circle)))
+            self.places.append((time.monotonic(), float(fields[1]), float(fields[2])))
+            self.follow()
+
+    def follow(self):
+        """Moves once the circle has: by more than a quarter of its size."""
+        now = self.places[-1][0]
+        _, *axes = zip(*(place for place in self.places if place[0] > now - CIRCLE_SECONDS))
+        middle = [sum(axis) / len(axis) for axis in axes]
+        size = max(max(axis) - min(axis) for axis in axes)
+        if not self.rest or max(abs(new - old) for new, old in zip(middle, self.rest)) > size / 4:
+            self.rest = middle
+        self.send(POSITION_REPORT, *self.rest)
 
 
 class Capture(PageTest):
-
-    def fly_circle(self, page):
-        """Moves the mouse around the middle of the canvas once."""
-        left, top, width, height = page.place("canvas()")
-        turns = [2 * math.pi * step / STEPS for step in range(STEPS)]
-        moves = [{"type": "pointerMove", "duration": 0, "x": round(left + width / 2 + 200 * math.cos(turn)),
-                  "y": round(top + height / 2 + 200 * math.sin(turn))} for turn in turns]
-        page.mouse(*(action for move in moves for action in (move, {"type": "pause", "duration": STEP_MS})))
 
     def test_a_loop_around_a_player_captures_them(self):
         server, page = self.begin()
@@ -68,13 +79,10 @@ class Capture(PageTest):
         width, height = page.canvas_size()
         x, y = victim.flyer_start
         page.release_brakes(width / 2 + (150 if x < WORLD / 2 else -150), height / 2 + (150 if y < WORLD / 2 else -150))
-        wait_for(lambda: victim.places and all(WORLD / 5 < axis < WORLD * 4 / 5 for axis in victim.places[-1]),
-                 "the flight to the middle")
-
-        def captures():
-            self.fly_circle(page)
-            return [victim.flyer, victim.node] in victim.captures
-        wait_for(captures, "the capture")
+        wait_for(lambda: victim.places and all(WORLD / 5 < axis < WORLD * 4 / 5 for axis in victim.places[-1][1:]),
+                 "the flight to the middle", seconds=HANG)
+        page.see(CIRCLE)
+        wait_for(lambda: [victim.flyer, victim.node] in victim.captures, "the capture", seconds=HANG)
         # The number below the own name, and the reward.
         page.wait_for("by('.main .label', '1')", "one capture")
         page.wait_for("by('.main .label', '20')", "ten more credits")
