@@ -21,11 +21,12 @@ signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 class PageTest(unittest.TestCase):
     """One browser for all tests of a class. Each test gets its own server and fresh profiles."""
 
-    browser_options = ()
+    browser_options = ()  # Chromium's
+    browser_preferences = ()  # Firefox's
 
     @classmethod
     def setUpClass(cls):
-        cls.browser = Browser(KIND, cls.browser_options)
+        cls.browser = Browser(KIND, cls.browser_options, cls.browser_preferences)
         cls.addClassCleanup(cls.browser.close)
 
     def start_server(self, *options):
@@ -41,8 +42,9 @@ class PageTest(unittest.TestCase):
         self.addCleanup(bridge.close)
         return server, bridge.port
 
-    def open(self, port, arguments="nomusic", visitor=None, scheme="http", **options):
-        page = self.browser.open(f"{scheme}://127.0.0.1:{port}/?{arguments}", visitor or self.browser.visitor(), Page, **options)
+    def open(self, port, arguments="nomusic", visitor=None, scheme="http", path="/", **options):
+        address = f"{scheme}://127.0.0.1:{port}{path}?{arguments}"
+        page = self.browser.open(address, visitor or self.browser.visitor(), Page, **options)
         self.addCleanup(page.close)
         return page
 

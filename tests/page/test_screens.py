@@ -8,6 +8,11 @@ from spy import Spy
 
 GREY = "r === g && g === b && r > 60"
 CYAN = "r < 110 && g > 110 && b > 110"
+INSIDE = "((one) => { const r = one.getBoundingClientRect(); return r.left >= -1 && r.top >= -1 && " \
+         "r.right <= innerWidth + 1 && r.bottom <= innerHeight + 1; })"
+# How far a dialog's middle is from the page's, in pixels.
+OFF_CENTRE = "((r) => Math.max(Math.abs(r.left + r.right - innerWidth), Math.abs(r.top + r.bottom - innerHeight)) / 2)" \
+             "(dialog('Connect').getBoundingClientRect())"
 
 
 class Screens(PageTest):
@@ -27,15 +32,26 @@ class Screens(PageTest):
                 _, page = self.begin()
                 page.resize(*size)
                 page.wait_for(f"innerWidth === {size[0]}")
-                inside = "(one) => { const r = one.getBoundingClientRect(); return r.left >= -1 && r.top >= -1 && " \
-                         "r.right <= innerWidth + 1 && r.bottom <= innerHeight + 1; }"
-                page.wait_for(f"dialog('Connect') && all('.form.dialog, .form.dialog *').every({inside})", "the dialog inside")
+                page.wait_for(f"dialog('Connect') && all('.form.dialog, .form.dialog *').every({INSIDE})", "the dialog inside")
                 page.keep(name + "-dialog")
                 line = self.log_in(page, colour=2)
-                page.wait_for(f"all('.main .picturebox, .main .textbox, .main .label').every({inside})", "all inside")
+                page.wait_for(f"all('.main .picturebox, .main .textbox, .main .label').every({INSIDE})", "all inside")
                 page.release_brakes(*(pixels / 2 + 30 for pixels in page.canvas_size()))
                 self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
                 page.keep(name)
+
+    def test_the_dialog_is_in_the_middle_of_any_page_until_it_is_dragged(self):
+        _, page = self.begin()
+        for size in ((1000, 800), (1920, 1080), (390, 780), (780, 360), (1366, 768)):
+            page.resize(*size)
+            page.wait_for(f"innerWidth === {size[0]} && innerHeight === {size[1]} && {OFF_CENTRE} <= 2")
+        x, y = page.middle("dialog('Connect').querySelector('h2')")
+        page.drag((x, y), (x + 200, y + 100))
+        page.wait_for(f"{OFF_CENTRE} > 190")
+        left = page.see("dialog('Connect').getBoundingClientRect().left")
+        page.resize(1400, 800)
+        page.wait_for("innerWidth === 1400 && canvas().width > 1200")
+        self.assertEqual(page.see("dialog('Connect').getBoundingClientRect().left"), left)
 
     def test_the_start_picture_fits_any_page(self):
         _, page = self.begin()
@@ -49,7 +65,8 @@ class Screens(PageTest):
                 rectangle = "((one) => { const r = one.getBoundingClientRect(); return [r.left, r.top, r.right, r.bottom]; })"
                 margins = "((p, v) => [p[0] - v[0], p[1] - v[1], v[2] - p[2], v[3] - p[3]])" \
                           f"({rectangle}(document.querySelector('.front canvas')), {rectangle}(canvas()))"
-                fits = f"((m) => Math.abs(m[0] - m[2]) <= 2 && Math.abs(m[1] - m[3]) <= 2 && Math.abs(Math.min(...m)) <= 2)({margins})"
+                fits = "document.querySelector('.front canvas') && " \
+                       f"((m) => Math.abs(m[0] - m[2]) <= 2 && Math.abs(m[1] - m[3]) <= 2 && Math.abs(Math.min(...m)) <= 2)({margins})"
                 page.wait_for(fits, "the picture in the middle of the view")
                 page.keep("start-" + name)
                 page.click_on("document.querySelector('.main .label')")
@@ -82,6 +99,27 @@ class Screens(PageTest):
         begin, end = line.report(), line.report()
         self.assertGreater(end[0], begin[0])
         self.assertAlmostEqual((end[1] - begin[1]) / (end[0] - begin[0]), 1, delta=0.15)
+
+
+class Phones(PageTest):
+    """In browsers that know of no mouse, menus are larger."""
+
+    browser_options = ("blink-settings=primaryPointerType=2,availablePointerTypes=2",)
+    browser_preferences = {"ui.primaryPointerCapabilities": 1, "ui.allPointerCapabilities": 1}
+
+    def test_the_whole_game_and_its_menus_fit(self):
+        for name, size in (("portrait", (390, 844)), ("landscape", (844, 390))):
+            with self.subTest(name):
+                _, page = self.begin()
+                page.resize(*size)
+                page.wait_for(f"innerWidth === {size[0]} && matchMedia('(pointer: coarse)').matches")
+                page.press_button("Cancel", "dialog('Connect')")
+                page.wait_for(f"all('.main .picturebox, .main .textbox, .main .label').every({INSIDE})", "all inside")
+                for caption in ("Settings", "Misc", "Directional Line Visible"):
+                    page.tap(*page.middle(f"by('.menubar button', '{caption}')"))
+                page.wait_for("all('.menubar ul ul ul button').length > 1", "the innermost menu")
+                self.assertTrue(page.see(f"all('.menubar button').every({INSIDE})"), "a menu outside")
+                page.keep("menus-" + name)
 
 
 class Fingers(PageTest):

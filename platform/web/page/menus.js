@@ -60,7 +60,15 @@ function openMenu(control) {
   closeMenus(depthOf(control));
   openMenus.push(control);
   control.list.hidden = false;
+  keepInPage(control);
   control.words.setAttribute('aria-expanded', 'true');
+}
+
+// Moves a list that would end beyond the page's right edge, in front of the one that it belongs to.
+function keepInPage({list}) {
+  list.style.marginLeft = '';
+  const excess = list.getBoundingClientRect().right - innerWidth;
+  if (excess > 0) list.style.marginLeft = -excess / deskScale + 'px';
 }
 
 function toggleMenu(control) {
