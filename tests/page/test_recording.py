@@ -1,6 +1,5 @@
 """Recordings from the page, which the desktop's program plays again."""
 
-import base64
 import os
 import pathlib
 import subprocess
@@ -16,16 +15,15 @@ REPLAY = pathlib.Path(os.environ["KELVORA_CLIENT"]).with_name("kelvora-replay")
 class Recording(PageTest):
 
     def saved(self, page):
-        """Chooses the menu and returns the file that the browser is offered."""
-        page.evaluate("(HTMLAnchorElement.prototype.click = function () { window.offered = [this.href, this.download]; }, 1)")
+        """Chooses the menu and returns the file that the browser has downloaded."""
+        folder = pathlib.Path(self.browser.folder.name, "downloads")
+        folder.mkdir()
+        self.browser.save_downloads(folder)
         page.choose("Save recording")
-        address, name = page.wait_for("window.offered")
-        self.assertRegex(name, r"^kelvora-[-0-9T]+\.recording$")
-        text = page.evaluate(f"fetch('{address}').then((answer) => answer.blob()).then((blob) => new Promise((done) => {{ "
-                             "const reader = new FileReader(); reader.onload = () => done(reader.result); "
-                             "reader.readAsDataURL(blob); }))")
-        file = pathlib.Path(self.browser.folder.name, name)
-        file.write_bytes(base64.b64decode(text.split(",", 1)[1]))
+        # Browsers give a file its name once it is whole.
+        (file,) = wait_for(lambda: list(folder.glob("*.recording")), "the file")
+        wait_for(lambda: file.stat().st_size and [file] == list(folder.iterdir()), "the end of the download")
+        self.assertRegex(file.name, r"^kelvora-[-0-9T]+\.recording$")
         return file
 
     def is_loaded_to_record(self, page):

@@ -4,7 +4,7 @@ import array
 import wave
 
 from harness import PROJECT
-from pageTest import KIND, PageTest, unittest
+from pageTest import PageTest, unittest
 
 # Notes the lengths of the effects that are started.
 WATCH = """() => {
@@ -18,10 +18,6 @@ WATCH = """() => {
 TRACKS = "performance.getEntriesByType('resource').map((entry) => entry.name).filter((name) => name.endsWith('.mp3'))"
 
 
-# Effects play in Firefox, too, but its context doesn't run where there is no sound device, as on machines for tests.
-needs_device = unittest.skipIf(KIND == "firefox", "Firefox needs a sound device")
-
-
 class Sound(PageTest):
 
     def open_watched(self, arguments):
@@ -31,7 +27,6 @@ class Sound(PageTest):
         page.wait_for("dialog('Connect')")
         return page
 
-    @needs_device
     def test_an_effect_sounds_after_the_first_click(self):
         page = self.open_watched("nomusic")
         self.assertIsNone(page.see("speaker"))
@@ -45,7 +40,6 @@ class Sound(PageTest):
         self.assertEqual(page.wait_for("started.length && started"), [effects[4]])
         self.assertEqual(page.complaints(), [])
 
-    @needs_device
     def test_effects_that_are_switched_off_are_silent(self):
         page = self.open_watched("nomusic nosound")
         line = self.log_in(page)
@@ -80,7 +74,6 @@ class Sound(PageTest):
         page.wait_for("!music.paused")
         self.assertEqual(page.complaints(), [])
 
-    @needs_device
     def test_music_that_is_switched_off_is_never_fetched(self):
         page = self.open_watched("nomusic")
         page.press_button("Cancel", "dialog('Connect')")

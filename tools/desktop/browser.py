@@ -24,7 +24,9 @@ FIREFOX_PREFERENCES = {"network.proxy.type": 1, "network.proxy.http": "127.0.0.1
                        "network.proxy.ssl": "127.0.0.1", "network.proxy.ssl_port": 9,
                        "datareporting.policy.dataSubmissionEnabled": False, "app.update.enabled": False,
                        "browser.shell.checkDefaultBrowser": False, "security.sandbox.content.level": 0,
-                       "dom.w3c_touch_events.enabled": 1}
+                       "dom.w3c_touch_events.enabled": 1,
+                       # A sound device that nobody hears, for machines without one.
+                       "media.cubeb.force_mock_context": True}
 
 
 class Wire:
@@ -140,6 +142,11 @@ class Browser:
     def visitor(self):
         """A fresh profile, which shares no settings with other tabs."""
         return self.wire.call("browser.createUserContext")["userContext"]
+
+    def save_downloads(self, folder):
+        """Saves files in a folder without asking."""
+        self.wire.call("browser.setDownloadBehavior",
+                       downloadBehavior={"type": "allowed", "destinationFolder": str(folder)})
 
     def open(self, address, visitor, page, size=(1000, 800), kind="window"):
         """Opens an address as a `page`, which is a Tab. `kind` is "window" or "tab"."""
