@@ -13,8 +13,11 @@ import urllib.request
 
 import websockets
 
-from harness import PATIENCE, stop, wait_for
+from harness import stop, wait_for
 from ports import free_port
+
+# Seconds. On a machine that is several times overloaded, a browser needs minutes to start.
+PATIENCE = 300.0
 
 CHROMIUM_OPTIONS = ("headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run",
                     "disable-background-networking", "disable-component-update", "disable-sync", "no-proxy-server",
@@ -86,7 +89,7 @@ class Browser:
                                         stderr=subprocess.DEVNULL, start_new_session=True)
         self.session = None
         try:
-            self.wire = wait_for(lambda: self.begin(profile, options), f"{kind}")
+            self.wire = wait_for(lambda: self.begin(profile, options), f"{kind}", PATIENCE)
             self.wire.call("session.subscribe", events=["log.entryAdded"])
         except BaseException:
             self.end_processes()

@@ -5,7 +5,7 @@ import os
 import pathlib
 
 from browser import Tab
-from harness import wait_for
+from harness import BESIDE_CANVAS, wait_for
 
 PICTURES = os.environ.get("KELVORA_PICTURES")  # a folder for screenshots, which are kept only if it is set
 LEFT, RIGHT = 0, 2  # mouse buttons
@@ -84,6 +84,8 @@ class Page(Tab):
         self.wait_for(f"by('.main .label', {json.dumps(text)})", f"the status {text}")
 
     def canvas_size(self):
+        """Once the game has taken the page's size."""
+        self.wait_for(f"canvas().width + {BESIDE_CANVAS[0]} === deskWidth", "the page's size")
         return self.see("[canvas().width, canvas().height]")
 
     def mouse_to(self, x, y):
