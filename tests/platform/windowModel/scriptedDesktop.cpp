@@ -48,14 +48,19 @@ void ScriptedSocket::fail() {
 void ScriptedDesktop::readPictures() {
   const std::string folder = KELVORA_SOURCE_DIR;
   for (const auto& file : std::filesystem::directory_iterator(folder + "/assets")) {
-    if (file.path().extension() == ".png") pictures[file.path()] = loadPictureFile(file.path());
+    const std::string path = file.path().generic_string();
+    if (path.ends_with(".png")) pictures[path] = loadPictureFile(path);
   }
   pictures[folder + "/kelvora.jpg"] = loadPictureFile(folder + "/kelvora.jpg");
 }
 
 std::string ScriptedDesktop::applicationPath() { return KELVORA_SOURCE_DIR; }
 
-PicturePointer ScriptedDesktop::loadPicture(const std::string& path) { return pictures.at(path); }
+PicturePointer ScriptedDesktop::loadPicture(const std::string& path) {
+  PicturePointer& picture = pictures[path];
+  if (!picture) picture = loadPictureFile(path);
+  return picture;
+}
 
 std::string ScriptedDesktop::readSetting(const std::string& section, const std::string& key,
                                          const std::string& fallback) {

@@ -5,7 +5,12 @@
 #include <string>
 #include <utility>
 
+#include "platform/winsock.h"
+#if defined(_WIN32)
+#include "platform/win32/win32Backend.h"
+#else
 #include "platform/qt/qtDesktop.h"
+#endif
 
 namespace kelvora {
 
@@ -34,10 +39,16 @@ class ScriptedSocket : public SocketPeer {
   std::string arrived_;
 };
 
+#if defined(_WIN32)
+using DesktopBackend = Win32Backend;
+#else
+using DesktopBackend = QtDesktop;
+#endif
+
 /// The desktop with real windows, and with sockets, settings and pictures in memory.
-class ScriptedDesktop : public QtDesktop {
+class ScriptedDesktop : public DesktopBackend {
  public:
-  ScriptedDesktop() : QtDesktop("nosound nomusic") {}
+  ScriptedDesktop() : DesktopBackend("nosound nomusic") {}
 
   /// Reads every picture of the game once, for all desktops of this process and its children.
   static void readPictures();

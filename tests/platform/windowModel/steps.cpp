@@ -1,10 +1,5 @@
 #include "tests/platform/windowModel/steps.h"
 
-#include <QApplication>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTableView>
-
 #include "frontend/frmConnect.h"
 #include "frontend/frmFonts.h"
 #include "frontend/frmGameFind.h"
@@ -31,20 +26,17 @@ void clickOn(FormSlot<FormType>& slot, ControlType FormType::*control) {
   if (slot.isVisible()) hands::click((*slot).*control);
 }
 
-void typeName(const QString& name) {
+void typeName(const std::string& name) {
   if (frmConnect.isVisible()) hands::replaceText(frmConnect->txtPlayerName, name);
 }
 
-/// Hits the first host, or the heading of an empty list.
 void doubleClickHost() {
-  if (!frmGameFind.isVisible()) return;
-  auto* view = hands::windowOf(*frmGameFind).findChild<QTableView*>();
-  hands::doubleClick(*view->viewport(), {20, view->rowHeight(0) / 2 + 1});
+  if (frmGameFind.isVisible()) hands::doubleClick(frmGameFind->grid);
 }
 
 void answerBox() {
-  auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-  if (box) hands::click(*box->button(QMessageBox::Ok));
+  const hands::Window newest = hands::newestModal();
+  if (newest != nullptr && hands::isBox(newest)) hands::answer(newest);
 }
 
 void say(Desktop desktop, std::int16_t id, const std::vector<std::string>& fields) {
@@ -69,8 +61,8 @@ constexpr Step table[] = {
     {"click the title", [](Desktop) { clickOn(frmMain, &FrmMain::lbcConnect); }},
     {"File > Connect", [](Desktop) { hands::choose("File", "Connect to server"); }},
     {"File > Disconnect", [](Desktop) { hands::choose("File", "Disconnect"); }},
-    {"Escape", [](Desktop) { hands::press(Qt::Key_Escape); }},
-    {"Enter", [](Desktop) { hands::press(Qt::Key_Return, "\r"); }},
+    {"Escape", [](Desktop) { hands::press(hands::Key::Escape); }},
+    {"Enter", [](Desktop) { hands::press(hands::Key::Enter); }},
     {"activate the connect dialog",
      [](Desktop) {
        if (frmConnect.isVisible()) hands::activate(hands::windowOf(*frmConnect));

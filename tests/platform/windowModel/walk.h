@@ -19,7 +19,7 @@ struct Findings {
 /// Starts the whole game in its own process, takes the steps, and checks after each one:
 /// - While no modal form and no box is visible, every window takes clicks, the main window also takes keys, and closing
 ///   it ends the process.
-/// - Otherwise the newest modal form or box takes clicks.
+/// - Otherwise the newest modal form or box takes clicks, and no other form does.
 /// At the end the user closes all modal windows with their own buttons, and then the main window. A crash, a run-time
 /// fault and a process that hangs are complaints too.
 Findings walk(const Steps& steps);

@@ -5,39 +5,22 @@
 #include <memory>
 #include <random>
 
-#include "platform/qt/gameLooks.h"
-#include "tests/platform/qt/offscreenToolkit.h"
-#include "tests/platform/windowModel/scriptedDesktop.h"
+#include "tests/platform/windowModel/process.h"
 #include "tests/platform/windowModel/walk.h"
 
 namespace kelvora {
 namespace {
 
-/// The toolkit without a screen. Each walk runs the game in a child of this process.
-class Toolkit : public ::testing::Environment {
+class Preparation : public ::testing::Environment {
  public:
-  void SetUp() override {
-    qunsetenv("KELVORA_FRAME_MS");
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-      // Windows without a screen have no size hints and no order.
-      if (!text.startsWith("This plugin does not support")) std::cerr << qPrintable(text) << "\n";
-      if (type == QtFatalMsg) std::abort();
-    });
-    toolkit_ = std::make_unique<OffscreenToolkit>();
-    QApplication::setQuitOnLastWindowClosed(false);
-    installGameLooks();
-    ScriptedDesktop::readPictures();
-  }
-  void TearDown() override {
-    toolkit_.reset();
-    qInstallMessageHandler(nullptr);
-  }
+  void SetUp() override { toolkit_ = prepareWalks(); }
+  void TearDown() override { toolkit_.reset(); }
 
  private:
-  std::unique_ptr<OffscreenToolkit> toolkit_;
+  std::shared_ptr<void> toolkit_;
 };
 
-[[maybe_unused]] const auto* const toolkit = ::testing::AddGlobalTestEnvironment(new Toolkit);
+[[maybe_unused]] const auto* const preparation = ::testing::AddGlobalTestEnvironment(new Preparation);
 
 std::uint32_t fromEnvironment(const char* variable, std::uint32_t usual) {
   const char* text = std::getenv(variable);

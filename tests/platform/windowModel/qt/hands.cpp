@@ -4,16 +4,17 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QTableView>
 #include <QTest>
+#include <QTimer>
 #include <QWindow>
+#include <algorithm>
+#include <utility>
 
-#include "frontend/frmConnect.h"
-#include "frontend/frmFonts.h"
-#include "frontend/frmGameFind.h"
 #include "frontend/frmMain.h"
 #include "platform/qt/qtForm.h"
 #include "platform/qt/widgetPeer.h"
-#include "store/frmPowerups.h"
 
 namespace kelvora::hands {
 
@@ -46,6 +47,13 @@ void pressIn(QWindow& window, int key, const QString& text, Qt::KeyboardModifier
   if (still && still->isVisible()) qt_handleKeyEvent(&window, QEvent::KeyRelease, key, modifiers, text);
 }
 
+void pressInActive(int key, const QString& text = {}) {
+  QWindow* window = QGuiApplication::focusWindow();
+  if (window && window->isVisible()) pressIn(*window, key, text, Qt::NoModifier);
+}
+
+QWidget& widgetOf(Window window) { return *static_cast<QWidget*>(window); }
+
 /// A point where the widget can be clicked, in pixels of its window; null if it isn't visible.
 QPoint placeOf(const QWidget& widget, QPoint inside) {
   if (!widget.isVisible() || !widget.isEnabled()) return {};
@@ -54,9 +62,17 @@ QPoint placeOf(const QWidget& widget, QPoint inside) {
   return hit && (hit == &widget || widget.isAncestorOf(hit)) ? place : QPoint();
 }
 
-template <class FormType>
-void addVisible(std::vector<Form*>& forms, FormSlot<FormType>& slot) {
-  if (slot.isVisible()) forms.push_back(&*slot);
+void clickOn(QWidget& widget) {
+  const QPoint place = placeOf(widget, widget.rect().center());
+  if (!place.isNull()) clickAfterAWhile(*widget.window()->windowHandle(), place);
+}
+
+void doubleClickAt(QWidget& widget, QPoint inside) {
+  const QPoint place = placeOf(widget, inside);
+  if (place.isNull()) return;
+  QWindow& window = *widget.window()->windowHandle();
+  clickAfterAWhile(window, place);
+  if (widget.isVisible()) clickAt(window, place);
 }
 
 /// Records whether input of one kind reaches the widgets of a window, and keeps all input from all widgets.
@@ -83,52 +99,39 @@ class Interceptor : public QObject {
 
 }  // namespace
 
-std::vector<Form*> visibleForms() {
-  std::vector<Form*> forms;
-  addVisible(forms, frmMain);
-  addVisible(forms, frmConnect);
-  addVisible(forms, frmGameFind);
-  addVisible(forms, frmFonts);
-  addVisible(forms, frmPowerups);
-  return forms;
+bool isBoxVisible() {
+  return std::ranges::any_of(QApplication::topLevelWidgets(), [](const QWidget* window) {
+    return qobject_cast<const QMessageBox*>(window) && window->isVisible();
+  });
 }
 
-std::vector<QWidget*> visibleBoxes() {
-  std::vector<QWidget*> boxes;
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (qobject_cast<QMessageBox*>(window) && window->isVisible()) boxes.push_back(window);
-  }
-  return boxes;
+Window newestModal() {
+  QWidget* newest = QApplication::activeModalWidget();
+  return newest && newest->isVisible() ? newest : nullptr;
 }
 
-QWidget& windowOf(Form& form) { return dynamic_cast<FormPeer&>(*form.peer).window(); }
+bool isBox(Window window) { return qobject_cast<QMessageBox*>(&widgetOf(window)) != nullptr; }
 
-void click(QWidget& widget) {
-  const QPoint place = placeOf(widget, widget.rect().center());
-  if (!place.isNull()) clickAfterAWhile(*widget.window()->windowHandle(), place);
-}
+Window windowOf(Form& form) { return &dynamic_cast<FormPeer&>(*form.peer).window(); }
 
 void click(Control& control) {
-  if (control.peer) click(*dynamic_cast<WidgetPeer&>(*control.peer).widget());
+  if (control.peer) clickOn(*dynamic_cast<WidgetPeer&>(*control.peer).widget());
 }
 
-void doubleClick(QWidget& widget, QPoint inside) {
-  const QPoint place = placeOf(widget, inside);
-  if (place.isNull()) return;
-  QWindow& window = *widget.window()->windowHandle();
-  clickAfterAWhile(window, place);
-  if (widget.isVisible()) clickAt(window, place);
+void doubleClick(Grid& grid) {
+  auto* view = dynamic_cast<WidgetPeer&>(*grid.peer).widget()->window()->findChild<QTableView*>();
+  doubleClickAt(*view->viewport(), {20, view->rowHeight(0) / 2 + 1});
 }
 
-void choose(const QString& menu, const QString& item) {
-  QMenuBar& bar = *dynamic_cast<FormWindow&>(windowOf(*frmMain)).menuBar();
+void choose(const std::string& menu, const std::string& item) {
+  QMenuBar& bar = *dynamic_cast<FormWindow&>(widgetOf(windowOf(*frmMain))).menuBar();
   for (QAction* title : bar.actions()) {
-    if (title->text() != menu) continue;
+    if (title->text().toStdString() != menu) continue;
     const QPoint place = bar.mapTo(bar.window(), bar.actionGeometry(title).center());
     clickAfterAWhile(*bar.window()->windowHandle(), place);
     QMenu& list = *title->menu();
     for (QAction* action : list.actions()) {
-      if (action->text() == item && list.isVisible()) {
+      if (action->text().toStdString() == item && list.isVisible()) {
         clickAfterAWhile(*list.windowHandle(), list.actionGeometry(action).center());
       }
     }
@@ -136,45 +139,54 @@ void choose(const QString& menu, const QString& item) {
   }
 }
 
-void press(int key, const QString& text) {
-  QWindow* window = QGuiApplication::focusWindow();
-  if (window && window->isVisible()) pressIn(*window, key, text, Qt::NoModifier);
+void press(Key key) {
+  if (key == Key::Enter) {
+    pressInActive(Qt::Key_Return, "\r");
+  } else {
+    pressInActive(Qt::Key_Escape);
+  }
 }
 
-void replaceText(Control& box, const QString& text) {
+void replaceText(Control& box, const std::string& text) {
   click(box);
   QWindow& window = *dynamic_cast<WidgetPeer&>(*box.peer).widget()->window()->windowHandle();
   pressIn(window, Qt::Key_A, {}, Qt::ControlModifier);
   pressIn(window, Qt::Key_Backspace, {}, Qt::NoModifier);
-  for (const QChar letter : text) pressIn(window, letter.toUpper().unicode(), letter, Qt::NoModifier);
+  for (const QChar letter : QString::fromStdString(text))
+    pressIn(window, letter.toUpper().unicode(), letter, Qt::NoModifier);
 }
 
-void activate(QWidget& window) { window.windowHandle()->requestActivate(); }
+void activate(Window window) { widgetOf(window).windowHandle()->requestActivate(); }
 
-void close(QWidget& window) {
+void close(Window window) {
   // A modal window stops the window system's request like a click, but not this call.
-  if (takesClicks(window)) window.windowHandle()->close();
+  if (takesClicks(window)) widgetOf(window).windowHandle()->close();
 }
 
-bool takesClicks(QWidget& window) {
-  const Interceptor interceptor(window, QEvent::MouseButtonPress);
-  clickAfterAWhile(*window.windowHandle(), {window.width() - 2, window.height() - 2});
+void answer(Window box) { clickOn(*dynamic_cast<QMessageBox&>(widgetOf(box)).button(QMessageBox::Ok)); }
+
+bool takesClicks(Window window) {
+  QWidget& widget = widgetOf(window);
+  const Interceptor interceptor(widget, QEvent::MouseButtonPress);
+  clickAfterAWhile(*widget.windowHandle(), {widget.width() - 2, widget.height() - 2});
   return interceptor.hasMet();
 }
 
-bool takesKeys(QWidget& window) {
+bool takesKeys(Window window) {
   const QPointer<QWindow> before = QGuiApplication::focusWindow();
   activate(window);
   QCoreApplication::processEvents();
   bool arrived = false;
   {
-    const Interceptor interceptor(window, QEvent::KeyPress);
-    press(Qt::Key_F12);
+    const Interceptor interceptor(widgetOf(window), QEvent::KeyPress);
+    pressInActive(Qt::Key_F12);
     arrived = interceptor.hasMet();
   }
   if (before && before->isVisible()) before->requestActivate();
   QCoreApplication::processEvents();
   return arrived;
 }
+
+void atNextTurn(std::function<void()> turn) { QTimer::singleShot(0, std::move(turn)); }
 
 }  // namespace kelvora::hands
