@@ -18,15 +18,15 @@ constexpr float buttonHeight = 375;
 }  // namespace
 
 MessageWindow::Size MessageWindow::measure(const std::string& text) {
-  constexpr LONG maxWidth = 480;  // pixels
+  constexpr LONG lineWidth = 480;  // pixels; a longer word widens the box
   constexpr LONG minWidth = 160;
   const FontMeasure measure(gdiFont(FontSpec{}, 1));
   const std::wstring wide = toWide(text);
-  RECT place{0, 0, maxWidth, 0};
+  RECT place{0, 0, lineWidth, 0};
   DrawTextW(measure.dc(), wide.c_str(), static_cast<int>(wide.size()), &place,
             DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX | DT_EXPANDTABS);
   const LONG slack = 8;  // for other scales, whose letters aren't exact multiples
-  return {static_cast<float>(std::clamp(place.right + slack, minWidth, maxWidth + slack) * twipsPerPixel),
+  return {static_cast<float>(std::max(place.right + slack, minWidth) * twipsPerPixel),
           static_cast<float>((std::max(place.bottom, 2L * measure.lineHeight()) + slack) * twipsPerPixel)};
 }
 

@@ -98,6 +98,8 @@ TEST(PictureScaler, PixelsAreTheMeanOfWhatTheyCover) {
   EXPECT_EQ(scaledRow({0x000000, 0x646464}, 2), (Pixels{0x000000, 0x646464}));
   // The middle pixel covers half of each.
   EXPECT_EQ(scaledRow({0x000000, 0x646464}, 3), (Pixels{0x000000, 0x323232, 0x646464}));
+  // Halves round up.
+  EXPECT_EQ(scaledRow({0x000000, 0x010101}, 3), (Pixels{0x000000, 0x010101, 0x010101}));
   EXPECT_EQ(scaledRow({0x000000, 0x646464}, 4), (Pixels{0x000000, 0x000000, 0x646464, 0x646464}));
   // Each covers 0.8 pixels: of the second and third, for example, 0.2 and 0.6, 0.4 and 0.4.
   EXPECT_EQ(scaledRow({0x000000, 0x640000, 0x006400, 0x000064}, 5),
