@@ -69,14 +69,13 @@ bool Film::finish() {
   return error_.empty();
 }
 
-FrameFolder::FrameFolder(std::string folder, FilmRange range) : Film(range), folder_(std::move(folder)) {
-  std::error_code ignored;  // a file that can't be written tells it
-  std::filesystem::create_directories(folder_, ignored);
-}
+FrameFolder::FrameFolder(std::string folder, FilmRange range) : Film(range), folder_(std::move(folder)) {}
 
 std::string FrameFolder::result() const { return folder_ + ": " + std::to_string(pictures()) + " pictures"; }
 
 void FrameFolder::take(const Picture& picture) {
+  std::error_code ignored;  // a file that can't be written tells it
+  std::filesystem::create_directories(folder_, ignored);
   std::array<char, 32> name{};
   std::snprintf(name.data(), name.size(), "/%06lld.png", static_cast<long long>(pictures()));
   if (!writePng(folder_ + name.data(), picture)) fail(folder_ + name.data() + " can't be written");

@@ -22,7 +22,8 @@ struct Option {
 
 template <Action action>
 Outcome choose(ReplayOptions& options, const std::string& target) {
-  if (options.action != Action::Show && options.action != action) {
+  constexpr bool isQuestion = action == Action::Help || action == Action::Version;
+  if (!isQuestion && options.action != Action::Show && options.action != action) {
     return Outcome::refused("only one of --verify, --frames and --video can be done at a time");
   }
   options.action = action;
@@ -97,9 +98,9 @@ std::string replayHelp() {
   }
   return text +
          "\n"
-         "Exit status: 2 if the recording can't be read or the options are wrong. With --verify, --frames or --video, "
-         "1\n"
-         "if the replay is not exact or the recorded game failed, 130 if it was interrupted. 0 otherwise.\n";
+         "Exit status: 2 if the options are wrong, the recording can't be read, or a film can't be made.\n"
+         "With --verify, --frames or --video, 1 if the replay is not exact or the recorded game failed,\n"
+         "130 if it was interrupted. 0 otherwise.\n";
 }
 
 }  // namespace kelvora

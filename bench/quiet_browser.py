@@ -8,8 +8,8 @@ import subprocess
 import tempfile
 import urllib.request
 
-from browser import Browser, CHROMIUM_OPTIONS, Wire
-from harness import PATIENCE, wait_for
+from browser import BROWSER_PATIENCE, CHROMIUM_OPTIONS, Browser, Wire
+from harness import wait_for
 from page import Page
 from ports import free_port
 
@@ -42,7 +42,7 @@ class QuietBrowser(Browser):
                                         stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                         start_new_session=True)
         try:
-            self.wire = Port(wait_for(lambda: self.address_of(address), "chromium"))
+            self.wire = Port(wait_for(lambda: self.address_of(address), "chromium", BROWSER_PATIENCE))
         except BaseException:
             self.end_processes()
             raise
@@ -50,7 +50,7 @@ class QuietBrowser(Browser):
     def address_of(self, page):
         """Where the debugging port offers this page. None while it doesn't."""
         try:
-            with urllib.request.urlopen(f"http://127.0.0.1:{self.port}/json", timeout=PATIENCE) as answer:
+            with urllib.request.urlopen(f"http://127.0.0.1:{self.port}/json", timeout=BROWSER_PATIENCE) as answer:
                 return next((one["webSocketDebuggerUrl"] for one in json.load(answer) if one["url"] == page), None)
         except OSError:
             return None

@@ -58,6 +58,7 @@ void FrmPlayer::click(float x, float y) {
     isDragging_ = true;
     return jump(timeAt(x));
   }
+  if (row > buttonTop + 2 * buttonSize) return;  // the line that tells the ending
   const auto hits = [column](float middle) { return std::abs(column - middle) < 15; };
   if (hits(backX)) jump(0);
   if (hits(playX)) playOrPause();

@@ -27,8 +27,8 @@ class FormPeer : public WebPeer {
     switch (id) {
       case PropertyId::Left:
       case PropertyId::Top:
-        // The game places dialogs in a window of the designed size, but pages have any size. So the page centres them,
-        // and other forms that the game hasn't placed.
+        // The game places dialogs, which have the system's colours, for a window of the designed size. Pages have any
+        // size, so they centre dialogs, and other forms that the game hasn't placed.
         if (form_.design.systemColours) return;
         if (isMade_ || form_.Left != 0.0F || form_.Top != 0.0F) WebPeer::changed(id);
         return;

@@ -14,8 +14,7 @@ void showPicture(int id, const Picture& picture);
 /// Shows a picture on a canvas of the page, which must be removed before this object.
 class WebPixels {
  public:
-  /// Shows the areas that have changed since the last call. At first and with another size, this is
-  /// the whole picture.
+  /// Shows the areas that have changed since the last call. At first and with another size, this is the whole picture.
   void show(int id, std::span<const Pixel> pixels, int width, int height, std::span<const PixelArea> changes);
 
  private:

@@ -36,7 +36,7 @@ struct Option {
   std::variant<Switch, Text, Letters, Whole, Decimal, Word> target;
   int min = 0;
   int max = 0;
-  Outcome (*check)(const std::string& text) = nullptr;  ///< refuses texts that can't be meant, in the same way
+  Outcome (*check)(const std::string& text) = nullptr;  ///< a further check, whose reason follows the name
 };
 
 /// All options in the order of the help.

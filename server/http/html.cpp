@@ -43,7 +43,7 @@ HttpAnswer htmlAnswer(std::string body) {
 
 HttpAnswer messagePage(unsigned int status, std::string_view title, std::string_view text) {
   HttpAnswer answer = htmlAnswer(htmlBegin(title) + "<p>" + htmlText(text) +
-                                 "</p>\n<p><a href=\"/\">The arena</a></p>\n" + std::string(htmlEnd));
+                                 "</p>\n<p><a href=\"/\">The start page</a></p>\n" + std::string(htmlEnd));
   answer.status = status;
   answer.mayKeepAlive = false;
   return answer;

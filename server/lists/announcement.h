@@ -25,8 +25,7 @@ struct Announcement {
 bool isListable(std::string_view address);
 
 /// The announcement as a request's query: "version=9.8.7&address=...&port=2010&password=0&notes=...&players=1&max=6",
-/// and
-/// "&watch=1" if it takes spectators.
+/// and "&watch=1" if it takes spectators.
 std::string announcementQuery(const Announcement& announcement);
 
 /// Parses the values of such a query. Refuses it, naming the invalid value, if a text is too long or would break a

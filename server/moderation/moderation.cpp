@@ -54,7 +54,7 @@ Outcome Moderation::runForModerators(const Command& command, Call call, std::str
   const std::string act = "moderator " + describe(call.caller.client, call.caller.name) +
                           (call.target ? " on " + describe(call.target->client, call.target->name) : "") + ": " +
                           printable(line);
-  const Outcome outcome = perform(command, call);
+  Outcome outcome = perform(command, call);
   host_.logAct(act + (outcome.isRefused() ? " (refused: " + outcome.reason() + ")" : ""));
   return outcome;
 }

@@ -57,7 +57,7 @@ class Watch(PageTest):
         page = self.open(server.port, path="/watch")
         page.wait_for("by('h1', 'Nobody can watch here')")
         page.keep("nobody")
-        page.click_on("by('a', 'The arena')")
+        page.click_on("by('a', 'The start page')")
         harness.wait_for(lambda: self.shows_dialog(page), "the game")
 
     def shows_dialog(self, page):

@@ -17,7 +17,7 @@ from harness import stop, wait_for
 from ports import free_port
 
 # Seconds. On a machine that is several times overloaded, a browser needs minutes to start.
-PATIENCE = 300.0
+BROWSER_PATIENCE = 300.0
 
 CHROMIUM_OPTIONS = ("headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run",
                     "disable-background-networking", "disable-component-update", "disable-sync", "no-proxy-server",
@@ -53,7 +53,8 @@ class Wire:
 
     def call(self, method, **parameters):
         self.number += 1
-        return self.loop.run_until_complete(asyncio.wait_for(self.ask(self.number, method, parameters), PATIENCE))
+        return self.loop.run_until_complete(asyncio.wait_for(self.ask(self.number, method, parameters),
+                                                              BROWSER_PATIENCE))
 
     async def ask(self, number, method, parameters):
         await self.socket.send(json.dumps({"id": number, "method": method, "params": parameters}))
@@ -89,7 +90,7 @@ class Browser:
                                         stderr=subprocess.DEVNULL, start_new_session=True)
         self.session = None
         try:
-            self.wire = wait_for(lambda: self.begin(profile, options), f"{kind}", PATIENCE)
+            self.wire = wait_for(lambda: self.begin(profile, options), kind, BROWSER_PATIENCE)
             self.wire.call("session.subscribe", events=["log.entryAdded"])
         except BaseException:
             self.end_processes()
@@ -113,7 +114,7 @@ class Browser:
     def driver(self, method, path, body=None):
         request = urllib.request.Request(f"http://127.0.0.1:{self.port}{path}", method=method,
                                          data=body and json.dumps(body).encode())
-        with urllib.request.urlopen(request, timeout=PATIENCE) as answer:
+        with urllib.request.urlopen(request, timeout=BROWSER_PATIENCE) as answer:
             return json.load(answer)["value"]
 
     def close(self):

@@ -423,15 +423,19 @@ class Client:
         """Presses Enter in the connect dialog. On a busy machine, Wine hears late that the main window was active
         before, and gives it the key, which it ignores. So in Wine another Enter follows after a while."""
         dialog = self.wait_for_window("Connect")
-        pause = 4 if self.prefix else PATIENCE
-        while pause < 4 * PATIENCE:
+
+        def is_answered_after_enter(pause):
             dialog.activate()
             self.display.xdotool("key", "Return")
-            try:
-                return wait_for(is_answered, "the answer to Enter", pause)
-            except AssertionError:
-                pause *= 2
-        raise AssertionError("the dialog doesn't take Enter")
+            return wait_for(is_answered, "the answer to Enter", pause)
+
+        if self.prefix:
+            for pause in (4, 8, 16, 32):
+                try:
+                    return is_answered_after_enter(pause)
+                except AssertionError:
+                    pass
+        return is_answered_after_enter(PATIENCE)
 
     def canvas_size(self):
         """Width and height in pixels."""

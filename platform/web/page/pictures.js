@@ -1,6 +1,6 @@
 // The parts of pictures that the page doesn't show yet, by control: the program's copy of the picture, and the edges of
 // the part. The program paints more often than most displays show, so each canvas is filled at most once per frame of the
-// display. The program has finished its copy whenever it waits, and the page runs then alone.
+// display. The page only runs while the program waits, and then the copy is finished.
 const stalePictures = new Map();
 
 // Shows a part of a picture before the next frame: `pixels` is where the program keeps it.
