@@ -34,7 +34,7 @@ constexpr float playX = 54;
 constexpr float stepX = 84;
 constexpr float slowerX = 122;
 constexpr float fasterX = 192;
-constexpr float captureX = 226;
+constexpr float captureX = 222;
 constexpr float endingTop = 72;
 
 float twips(float pixels) { return pixels * static_cast<float>(twipsPerPixel); }
@@ -80,14 +80,13 @@ Millis FrmPlayer::timeAt(float x) const {
 }
 
 std::string FrmPlayer::status() const {
-  std::string text = clockText(playback_.time()) + " of " + clockText(playback_.length());
-  if (!playback_.isScouted()) text += " so far";
-  return text + ", frame " + std::to_string(playback_.frame());
+  return clockText(playback_.time()) + " of " + clockText(playback_.length()) + ", frame " +
+         std::to_string(playback_.frame());
 }
 
 void FrmPlayer::paint() {
-  const std::string shown = status() + (isPlaying_ ? "p" : "-") + std::to_string(speedStep_) +
-                            std::to_string(playback_.marks().size()) + playback_.ending();
+  const std::string shown = status() + (isPlaying_ ? "p" : "-") + (playback_.isScouted() ? "s" : "-") +
+                            std::to_string(speedStep_) + std::to_string(playback_.marks().size()) + playback_.ending();
   if (shown == painted_) return;
   painted_ = shown;
   strip.Cls();
