@@ -128,6 +128,16 @@ class Session(PageTest):
         self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Ann")
         page.wait_for_status("Connected")
 
+    def test_leaving_the_page_leaves_the_game(self):
+        server, page = self.begin()
+        spy = Spy(server.port)
+        self.addCleanup(spy.close)
+        page.connect()
+        node = spy.await_frame(PLAYER_JOINED)[0]
+        page.wait_for_status("Connected")
+        page.load(f"http://127.0.0.1:{server.port}/arena")
+        spy.await_frame(PLAYER_LEFT, lambda fields: fields[0] == node)
+
 
 if __name__ == "__main__":
     unittest.main()
