@@ -20,10 +20,11 @@ void Win32Backend::servePending() {
   bool isMore = true;
   while (isMore && Clock::now() < end) {
     isMore = serveInput();
-    isMore = serveSockets() || isMore;
     serveTimers(tickCount());
     if (isMore && !isInSystemLoop()) pumpMessages();
   }
+  // Once, as on Linux: a server nearby could otherwise accept a login and hang up within a handler's DoEvents.
+  isMore = serveSockets() || isMore;
   // Events that are left must not wait for the next message.
   if (isMore) signalNetwork();
 }
