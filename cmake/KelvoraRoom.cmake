@@ -111,7 +111,7 @@ function(kelvora_tests name)
   if(CMAKE_CROSSCOMPILING)
     # The emulator takes longer to start than most tests to run.
     add_test(NAME ${name} COMMAND kelvora_${name}_tests)
-    set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS ${name} FIXTURES_REQUIRED "${KELVORA_TEST_FIXTURE}")
   elseif(KELVORA_TEST_SHARDS)
     foreach(shard RANGE 1 ${KELVORA_TEST_SHARDS})
       math(EXPR index "${shard} - 1")

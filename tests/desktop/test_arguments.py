@@ -3,7 +3,6 @@
 import os
 import pathlib
 import shutil
-import subprocess
 import tempfile
 import unittest
 
@@ -17,9 +16,8 @@ PROJECT = pathlib.Path(__file__).resolve().parents[2]
 def answer(client, *arguments, **environment):
     # Without a display, because printing needs none.
     kept = {name: os.environ[name] for name in ("PATH", "HOME", "LSAN_OPTIONS") if name in os.environ}
-    done = subprocess.run(wine.command(str(client), *arguments), env=dict(kept, **environment), stdin=subprocess.DEVNULL,
-                          capture_output=True, text=True, timeout=60)
-    return done.returncode, done.stdout.splitlines()
+    status, output, _ = wine.run(str(client), *arguments, environment=dict(kept, **environment))
+    return status, output.splitlines()
 
 
 def named(path):

@@ -46,9 +46,8 @@ class ServerFaults(unittest.TestCase):
 
     def run_server(self, *arguments):
         """Runs a server that ends at once. Returns its status and what it complains about."""
-        done = subprocess.run(wine.command(harness.SERVER, *arguments), capture_output=True, stdin=subprocess.DEVNULL,
-                              text=True, timeout=harness.PATIENCE)
-        return done.returncode, done.stderr
+        status, _, errors = wine.run(harness.SERVER, *arguments)
+        return status, errors
 
     def log_in(self, process, name="Ann", colour=0):
         line = harness.Line(socket.create_connection(("127.0.0.1", process.port)))

@@ -1,11 +1,13 @@
 """Runs programs of the Windows build in Wine. Each client has a registry of its own, as other clients have a folder for
-their settings."""
+their settings. "wine.py start" keeps Wine's own programs running in the prefix of all others until "wine.py end"."""
 
 import os
 import pathlib
 import re
 import shutil
 import subprocess
+import sys
+import tempfile
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 RUN = str(PROJECT / "tools" / "wine.sh")
@@ -20,6 +22,16 @@ def command(program, *arguments):
 
 def is_for_windows(program):
     return program.endswith(".exe")
+
+
+def run(program, *arguments, environment=None):
+    """Runs a program to its end. Returns its status, output and errors. The errors go through a file: Wine's own programs
+    keep the error stream of the program that starts them, so a pipe may stay open after it."""
+    with tempfile.TemporaryFile("w+") as errors:
+        done = subprocess.run(command(program, *arguments), env=environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=errors, text=True, timeout=60, check=False)
+        errors.seek(0)
+        return done.returncode, done.stdout, errors.read()
 
 
 def prefix_in(folder, scale=1):
@@ -54,15 +66,31 @@ def frame(scale):
 
 def setting(prefix, section, key):
     """The text of a setting in the prefix's registry, or None."""
-    found = subprocess.run([RUN, "reg", "query", rf"HKCU\Software\kelvora\{section}", "/v", key],
-                           env=dict(os.environ, WINEPREFIX=prefix), stdin=subprocess.DEVNULL, capture_output=True,
-                           text=True, check=False).stdout
+    found = run("reg.exe", "query", rf"HKCU\Software\kelvora\{section}", "/v", key,
+                environment=dict(os.environ, WINEPREFIX=prefix))[1]
     value = re.search(rf"(?m)^\s*{re.escape(key)}\s+REG_SZ\s+(.*?)\r?$", found)
     return value and value[1]
+
+
+def run_quietly(*command, prefix, check=False):
+    subprocess.run(command, env=dict(os.environ, WINEPREFIX=str(prefix)), stdin=subprocess.DEVNULL,
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=check)
 
 
 def end(prefix):
     """Ends what still runs in the prefix, and waits until its registry is saved."""
     for option in ("-k", "-w"):
-        subprocess.run(["wineserver", option], env=dict(os.environ, WINEPREFIX=prefix), stdin=subprocess.DEVNULL,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
+        run_quietly("wineserver", option, prefix=prefix)
+
+
+def start():
+    """Starts Wine's own programs in the template, where they stay until its end. Otherwise the first program there starts
+    them again whenever none is left, and everyone who reads its errors waits for them, too."""
+    run_quietly(RUN, "cmd", "/c", "exit", prefix=TEMPLATE, check=True)  # creates the template
+    end(TEMPLATE)
+    run_quietly("wineserver", "-p", prefix=TEMPLATE, check=True)
+    run_quietly(RUN, "cmd", "/c", "exit", prefix=TEMPLATE, check=True)
+
+
+if __name__ == "__main__":
+    {"start": start, "end": lambda: end(TEMPLATE)}[sys.argv[1]]()
