@@ -21,30 +21,33 @@ constexpr std::size_t maxBansShown = 5;
 
 std::span<const Moderation::Command> Moderation::commands() {
   static constexpr std::array table = {
-      Command{"help", "[COMMAND]", "Lists the commands, or explains one.", false, &Moderation::help},
-      Command{"who", "", "Lists the players.", false, &Moderation::who},
+      Command{"help", "[COMMAND]", "Lists the commands, or explains one.", Needs::Nothing, &Moderation::help},
+      Command{"who", "", "Lists the players.", Needs::Nothing, &Moderation::who},
       Command{"vote", "kick NAME | restart | yes",
-              "Starts a vote, or agrees to it. It needs more than half of the people here within 30 seconds.", false,
-              &Moderation::vote},
-      Command{"login", "PASSWORD", "Makes you a moderator.", false, &Moderation::login},
-      Command{"top", "", "Lists the players with the most captures.", false, &Moderation::top},
-      Command{"stats", "[NAME]", "Tells what you or somebody else has done.", false, &Moderation::stats},
-      Command{"claim", "PASSWORD", "Keeps your name for you. You need the password for it from then on.", false,
-              &Moderation::claim},
-      Command{"kick", "NAME [REASON]", "Removes a player, who may come back.", true, &Moderation::kick, true},
-      Command{"ban", "NAME [TIME] [REASON]", "Keeps a player's network out, such as for 30m, 2h, 7d or forever.", true,
-              &Moderation::ban, true},
-      Command{"unban", "NAME | NETWORK", "Lifts a ban.", true, &Moderation::unban},
-      Command{"mute", "NAME [TIME] [REASON]", "Nobody gets the lines of the player's network any more.", true,
-              &Moderation::mute, true},
-      Command{"unmute", "NAME | NETWORK", "Lifts a mute.", true, &Moderation::unmute},
-      Command{"bans", "[WORD]", "Lists the newest bans and mutes, or those with a word in them.", true,
+              "Starts a vote, or agrees to it. It needs more than half of the people here within 30 seconds.",
+              Needs::Nothing, &Moderation::vote},
+      Command{"login", "PASSWORD", "Makes you a moderator.", Needs::Password, &Moderation::login},
+      Command{"top", "", "Lists the players with the most captures.", Needs::Records, &Moderation::top},
+      Command{"stats", "[NAME]", "Tells what you or somebody else has done.", Needs::Records, &Moderation::stats},
+      Command{"claim", "PASSWORD", "Keeps your name for you. You need the password for it from then on.",
+              Needs::Records, &Moderation::claim},
+      Command{"kick", "NAME [REASON]", "Removes a player, who may come back.", Needs::Moderator, &Moderation::kick,
+              true},
+      Command{"ban", "NAME [TIME] [REASON]", "Keeps a player's network out, such as for 30m, 2h, 7d or forever.",
+              Needs::Moderator, &Moderation::ban, true},
+      Command{"unban", "NAME | NETWORK", "Lifts a ban.", Needs::Moderator, &Moderation::unban},
+      Command{"mute", "NAME [TIME] [REASON]", "Nobody gets the lines of the player's network any more.",
+              Needs::Moderator, &Moderation::mute, true},
+      Command{"unmute", "NAME | NETWORK", "Lifts a mute.", Needs::Moderator, &Moderation::unmute},
+      Command{"bans", "[WORD]", "Lists the newest bans and mutes, or those with a word in them.", Needs::Moderator,
               &Moderation::bans},
-      Command{"say", "TEXT", "Sends everybody a line of the server.", true, &Moderation::say},
-      Command{"bots", "COUNT", "Changes the number of bots, 0 to 5.", true, &Moderation::setBots},
-      Command{"skill", "easy | normal | hard | mixed", "Changes the skill of the bots.", true, &Moderation::setSkill},
-      Command{"restart", "", "Begins a new round without a winner of this one.", true, &Moderation::restart},
-      Command{"end", "", "Ends the round, with its winner.", true, &Moderation::end},
+      Command{"say", "TEXT", "Sends everybody a line of the server.", Needs::Moderator, &Moderation::say},
+      Command{"bots", "COUNT", "Changes the number of bots, 0 to 5.", Needs::Moderator, &Moderation::setBots},
+      Command{"skill", "easy | normal | hard | mixed", "Changes the skill of the bots.", Needs::Moderator,
+              &Moderation::setSkill},
+      Command{"restart", "", "Begins a new round without a winner of this one.", Needs::Moderator,
+              &Moderation::restart},
+      Command{"end", "", "Ends the round, with its winner.", Needs::Moderator, &Moderation::end},
   };
   return table;
 }
@@ -60,10 +63,11 @@ Outcome Moderation::help(Call call) {
                      std::string(command->arguments) + ": " + std::string(command->help));
     return Outcome::done();
   }
-  const auto list = [](bool isForModerators) {
+  const auto list = [&](bool isForModerators) {
     std::string names;
     for (const Command& command : commands()) {
-      if (command.isForModerators == isForModerators) names += " !" + std::string(command.name);
+      if ((command.needs == Needs::Moderator) != isForModerators) continue;
+      if (!availability(command, call.caller.client).isRefused()) names += " !" + std::string(command.name);
     }
     return names;
   };

@@ -41,14 +41,29 @@ void Moderation::run(ClientId client, std::string_view line, Millis now) {
   const auto command = findIf(all, [&](const Command& entry) { return entry.name == name; });
   if (!command) return arena_.tell(client, "There is no such command. !help lists them.");
   const Call call{*caller, players, rest, now};
-  const Outcome outcome =
-      command->isForModerators ? runForModerators(*command, call, line) : (this->*command->run)(call);
+  const Outcome outcome = runIfAvailable(*command, call, line);
   if (outcome.isRefused()) arena_.tell(client, outcome.reason());
   carryOut(now);
 }
 
+Outcome Moderation::availability(const Command& command, ClientId client) const {
+  if (command.needs == Needs::Password && moderatorHash_.empty()) {
+    return Outcome::refused("This server has no moderators.");
+  }
+  if (command.needs == Needs::Records && !records_.isKept()) return Outcome::refused("This server keeps no records.");
+  if (command.needs == Needs::Moderator && !isModerator(client)) {
+    return Outcome::refused("Only moderators may do that.");
+  }
+  return Outcome::done();
+}
+
+Outcome Moderation::runIfAvailable(const Command& command, const Call& call, std::string_view line) {
+  Outcome available = availability(command, call.caller.client);
+  if (available.isRefused()) return available;
+  return command.needs == Needs::Moderator ? runForModerators(command, call, line) : (this->*command.run)(call);
+}
+
 Outcome Moderation::runForModerators(const Command& command, Call call, std::string_view line) {
-  if (!isModerator(call.caller.client)) return Outcome::refused("Only moderators may do that.");
   if (command.hasTarget) call.target = takeTarget(call);
   // Described first, because the target may be gone afterwards.
   const std::string act = "moderator " + describe(call.caller.client, call.caller.name) +
@@ -103,7 +118,6 @@ std::size_t Moderation::count(PenaltyKind kind) const {
 
 Outcome Moderation::login(Call call) {
   const ClientId client = call.caller.client;
-  if (moderatorHash_.empty()) return Outcome::refused("This server has no moderators.");
   if (isModerator(client)) return Outcome::refused("You are a moderator already.");
   if (call.rest.empty()) return Outcome::refused("Type !login and the password.");
   if (loggingIn_.contains(client)) return Outcome::refused("Your last attempt is still being checked.");

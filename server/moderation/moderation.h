@@ -57,11 +57,13 @@ class Moderation {
     Millis now;
     std::optional<Target> target{};  // the person that the command is about
   };
+  /// What a command needs.
+  enum class Needs { Nothing, Password, Records, Moderator };
   struct Command {
     std::string_view name;
     std::string_view arguments;
     std::string_view help;
-    bool isForModerators;
+    Needs needs;
     Outcome (Moderation::*run)(Call);
     bool hasTarget = false;  // begins with the name of a person who is here
   };
@@ -69,6 +71,9 @@ class Moderation {
 
   /// Cuts the name of a player or spectator off the call.
   std::optional<Target> takeTarget(Call& call) const;
+  /// Refuses a command for which this server, or the client, lacks what it needs.
+  Outcome availability(const Command& command, ClientId client) const;
+  Outcome runIfAvailable(const Command& command, const Call& call, std::string_view line);
   /// Logs the act and whether it was refused.
   Outcome runForModerators(const Command& command, Call call, std::string_view line);
   Outcome perform(const Command& command, const Call& call);

@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::size_t maxPlayersShown = 5;
 constexpr std::size_t maxClaimPassword = 64;  // bytes
-constexpr const char* noRecords = "This server keeps no records.";
 
 std::string textOf(const Deeds& deeds) {
   const std::int64_t minutes = deeds.seconds / 60;
@@ -22,7 +21,6 @@ std::string textOf(const Deeds& deeds) {
 }  // namespace
 
 Outcome Moderation::top(Call call) {
-  if (!records_.isKept()) return Outcome::refused(noRecords);
   const auto& table = records_.tables().always;
   if (table.empty()) return Outcome::refused("Nobody has a record yet.");
   for (std::size_t i = 0; i < table.size() && i < maxPlayersShown; ++i) {
@@ -32,7 +30,6 @@ Outcome Moderation::top(Call call) {
 }
 
 Outcome Moderation::stats(Call call) {
-  if (!records_.isKept()) return Outcome::refused(noRecords);
   const PlayerView* player = takePlayer(call.rest, call.players);
   const std::string name = player != nullptr ? player->name : std::string(call.rest);
   const bool isUnderWay =
@@ -44,7 +41,6 @@ Outcome Moderation::stats(Call call) {
 }
 
 Outcome Moderation::claim(Call call) {
-  if (!records_.isKept()) return Outcome::refused(noRecords);
   const std::string password(call.rest.substr(0, call.rest.find_last_not_of(' ') + 1));
   if (password.empty() || password.size() > maxClaimPassword) {
     return Outcome::refused("Type !claim and a password of up to " + std::to_string(maxClaimPassword) + " letters.");

@@ -76,7 +76,7 @@ function sendBytes(id, bytes) {
   socket.wire.send(bytes);
 }
 
-// Whoever leaves the page leaves the game, even if the browser keeps the page for its back button.
+// Leaving the page leaves the game, even if the browser keeps the page for its back button.
 addEventListener('pagehide', () => {
   for (const {wire} of sockets.values()) wire.close();
 });

@@ -24,14 +24,24 @@ TEST_F(ModerationTest, CommandsCountAsRequests) {
 
 TEST_F(ModerationTest, HelpListsWhatThePlayerMayDo) {
   login(ann, "Ann");
-  EXPECT_EQ(answerTo(ann, "!help"),
-            "Commands: !help !who !vote !login !top !stats !claim. !help COMMAND explains one.");
+  EXPECT_EQ(answerTo(ann, "!help"), "Commands: !help !who !vote !login. !help COMMAND explains one.");
   EXPECT_EQ(answerTo(ann, "!HELP !Who"), "!who: Lists the players.");
   EXPECT_EQ(answerTo(ann, "!nonsense"), "There is no such command. !help lists them.");
   EXPECT_EQ(answerTo(ann, "!help nonsense"), "There is no such command. !help lists them.");
   EXPECT_EQ(answerTo(ann, "!" + std::string(Moderation::maxLine, 'x')), "That line is too long.");
   becomeModerator(ann);
   EXPECT_EQ(chat(ann, "!help").size(), 2U);
+}
+
+TEST_F(ModerationTest, HelpLeavesOutWhatTheServerLacks) {
+  login(ann, "Ann");
+  Moderation withoutModerators(arena, bots, records, host, {});
+  got.clear();
+  withoutModerators.run(ann, "!help", now);
+  EXPECT_EQ(textsTo(ann), (std::vector<std::string>{"Commands: !help !who !vote. !help COMMAND explains one."}));
+  got.clear();
+  withoutModerators.run(ann, "!login open-sesame", now);
+  EXPECT_EQ(textsTo(ann), (std::vector<std::string>{"This server has no moderators."}));
 }
 
 TEST_F(ModerationTest, WhoListsPlayersAndForModeratorsTheirNetworks) {

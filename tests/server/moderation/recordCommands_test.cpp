@@ -55,6 +55,11 @@ TEST_F(RecordCommandsTest, TopAndStatsTellWhatPlayersHaveDone) {
   EXPECT_EQ(run(ann, "!stats BOB"), std::vector<std::string>{bobs}) << "of somebody who isn't here";
 }
 
+TEST_F(RecordCommandsTest, HelpListsThem) {
+  EXPECT_EQ(run(ann, "!help"), std::vector<std::string>{"Commands: !help !who !vote !top !stats !claim. !help COMMAND "
+                                                        "explains one."});
+}
+
 TEST_F(RecordCommandsTest, ANameIsClaimedOnceAMinuteByANetwork) {
   EXPECT_EQ(run(ann, "!claim"), std::vector<std::string>{"Type !claim and a password of up to 64 letters."});
   EXPECT_EQ(run(ann, "!claim " + std::string(65, 'x')).size(), 1U);
