@@ -6,6 +6,7 @@
 #include "app/player/controlState.h"
 #include "platform/recording/handlers.h"
 #include "platform/widgets.h"
+#include "raster/twips.h"
 
 namespace kelvora::player {
 
@@ -135,7 +136,7 @@ void FormMirror::show(Unpack& unpack) {
     copy = std::move(copies_[number]);
     if (!copy || copy->structure() != structure) copy = std::make_unique<Copy>(structure, Unpack(structure));
     copy->assign(unpack);
-    if (!copy->Visible) copy->Show();
+    if (!copy->Visible) open(*copy);
   }
   copies_ = std::move(shown);
 
@@ -148,6 +149,16 @@ void FormMirror::show(Unpack& unpack) {
     boxes_.push_back(std::make_unique<Box>(texts[same]));
     boxes_.back()->Show();
   }
+}
+
+/// Opens the game's main window at the screen's upper left, so that the player's fits beside it, and others above it.
+void FormMirror::open(Form& form) {
+  constexpr float corner = twipsPerPixel;  // not 0, which would leave the place to the desktop
+  if (form.design.border == Form::Border::Sizable) {
+    form.Left = corner;
+    form.Top = corner;
+  }
+  form.Show();
 }
 
 std::vector<Form*> FormMirror::forms() const {

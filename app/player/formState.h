@@ -39,6 +39,9 @@ class FormMirror {
  private:
   class Copy;
   class Box;
+
+  static void open(Form& form);
+
   std::map<std::uint64_t, std::unique_ptr<Copy>> copies_;
   std::vector<std::unique_ptr<Box>> boxes_;
 };

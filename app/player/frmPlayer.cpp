@@ -27,13 +27,15 @@ constexpr const char* help =
     "Home, End: the start or the end\r\n"
     "G: type a time, such as 12:30\r\n"
     "\r\n"
-    "Click the bar to jump. Its strokes are captures, yellow if you take part. Choose a line to jump to it, and "
-    "double-click the marked one.";
+    // Lines of a length that keeps the box within the screen.
+    "Click the bar to jump. Its strokes are captures,\r\n"
+    "yellow if you take part. Choose a line to jump to it,\r\n"
+    "and double-click the marked one.";
 
 }  // namespace
 
 FrmPlayer::FrmPlayer(Playback& playback, const std::string& file)
-    : Form("Replay of " + file, {.clientWidth = 6720, .clientHeight = 9600, .systemColours = true}),
+    : Form("Replay of " + file, {.clientWidth = clientWidth, .clientHeight = 9600, .systemColours = true}),
       playback_(playback) {
   prepareStrip();
   txtTime.TabIndex = 1;
@@ -41,7 +43,7 @@ FrmPlayer::FrmPlayer(Playback& playback, const std::string& file)
   grdLines.FixedCols = 0;
   grdLines.Rows = 0;
   grdLines.ColWidth(0, 900);
-  grdLines.ColWidth(1, 5250);
+  grdLines.ColWidth(1, 5130);
   grdLines.DblClick = [this] { jumpToLine(); };
 
   strip.KeyPress = [this](int key) { pressKey(key); };

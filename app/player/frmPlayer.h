@@ -14,8 +14,8 @@
 
 namespace kelvora::player {
 
-/// The player's controls: a bar with the captures, buttons, and the lines of the console. It is narrow, to fit beside
-/// the game. It is modal, so that the game's windows take no input.
+/// The player's controls: a bar with the captures, buttons, and the lines of the console. On a screen of 1366
+/// pixels it fits beside the game. It is modal, so that the game's windows take no input.
 class FrmPlayer : public Form {
  public:
   FrmPlayer(Playback& playback, const std::string& file);
@@ -35,11 +35,12 @@ class FrmPlayer : public Form {
   void jumpToMark(Mark::Kind kind, int direction);
 
   // Positions are left, top, width and height in twips.
-  PictureBox strip{this, {0, 0, 6720, 1440}};
+  static constexpr float clientWidth = 6600;
+  PictureBox strip{this, {0, 0, clientWidth, 1440}};
   Label lblGoTo{this, {120, 1560, 1020, 255}, "Go to time", {.systemColours = true}};
   TextBox txtTime{this, {1140, 1530, 900, 315}, ""};
-  Label lblHint{this, {2160, 1560, 4440, 255}, hint, {.systemColours = true}};
-  Grid grdLines{this, {120, 1980, 6480, 7500}};
+  Label lblHint{this, {2160, 1560, 4320, 255}, hint, {.systemColours = true}};
+  Grid grdLines{this, {120, 1980, 6360, 7500}};
   IntervalTimer tmrFrame{this, 15};
 
  private:

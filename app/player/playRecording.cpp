@@ -1,6 +1,5 @@
 #include "app/player/playRecording.h"
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <utility>
@@ -21,9 +20,8 @@ namespace {
 std::string fileName;
 Channel scout;
 
-/// Puts the player's window to the right of the game's, and both into the middle of the screen.
-void place(Form& game, Form& player) {
-  game.Left = std::max(0.0F, game.Left.get() - player.Width.get() / 2);
+/// Puts the player's window to the right of the game's.
+void place(const Form& game, Form& player) {
   player.Left = game.Left.get() + game.Width.get();
   player.Top = game.Top.get();
 }

@@ -23,7 +23,7 @@ constexpr Colour ownColour = RGB(255, 216, 72);
 constexpr Colour captureColour = RGB(236, 112, 99);
 
 // Pixels of the strip.
-constexpr float barLeft = 18;
+constexpr float barLeft = 10;
 constexpr float barRight = 430;
 constexpr float barTop = 18;
 constexpr float barWidth = 8;

@@ -125,6 +125,19 @@ TEST_F(FrmPlayerTest, JumpsToATypedTimeAndToTheBarsMiddle) {
   EXPECT_NEAR(static_cast<double>(playback->time()), static_cast<double>(playback->length()) / 2, 100);
 }
 
+TEST_F(FrmPlayerTest, OnlyTheButtonsRowHasButtons) {
+  // The play button's column; the row's middle is 50 pixels below the strip's top, and the ending's line is at 72.
+  const auto click = [this](float row) {
+    form->strip.MouseDown(leftButton, 0, 54 * 15, row * 15);
+    form->strip.MouseUp(leftButton, 0, 54 * 15, row * 15);
+    return form->isPlaying();
+  };
+  EXPECT_FALSE(click(50));
+  EXPECT_FALSE(click(80)) << "on the ending's line";
+  EXPECT_TRUE(click(50));
+  EXPECT_TRUE(click(80));
+}
+
 TEST_F(FrmPlayerTest, JumpsToAChosenLine) {
   press(' ');
   pass(1);

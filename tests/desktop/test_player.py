@@ -26,6 +26,7 @@ def processes_with(file):
 
 
 class Player(DesktopTest):
+    screen = "1366x768"
 
     def play(self, name):
         self.file = RECORDINGS / name
@@ -47,7 +48,6 @@ class Player(DesktopTest):
 
     def canvas(self):
         left, top, _, _ = self.client.window.geometry()
-        # Without the game's right part, which the player's window may cover.
         return self.display.picture((left, top + round(self.client.menu), 762, 500)).pixels()
 
     def pause_at(self, time):
@@ -76,6 +76,20 @@ class Player(DesktopTest):
         self.press("period")
         wait_for(lambda: self.canvas() != before, "the next frame")
         self.assertEqual(sorted(self.client.windows()), sorted([harness.TITLE, "Replay of easy"]))
+
+    def test_the_windows_are_side_by_side(self):
+        self.play("hard")
+        game, player = self.client.window.frame(), self.bar.frame()
+        self.assertGreaterEqual(min(game[:2] + player[:2]), 0)
+        self.assertLessEqual(game[0] + game[2], player[0])
+        self.assertLessEqual(player[0] + player[2], 1366)
+        self.pause_at("0:05")
+        self.assertEqual(self.client.window.frame(), game, "a jump moves no window")
+        self.press("question")
+        box = wait_for(lambda: [window for window, title in self.display.titles(self.client.process.pid).items()
+                                if title == "Kelvora"], "the box of keys")[0]
+        left, _, width, _ = harness.Window(self.display, box).frame()
+        self.assertLess(left + width, 1366, "it isn't pushed to the screen's edge")
 
     def test_a_damaged_recording_opens_no_window(self):
         with tempfile.TemporaryDirectory() as folder:
