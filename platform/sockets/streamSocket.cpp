@@ -104,9 +104,7 @@ void StreamSocket::note() {
   Connection& connection = *connection_;
   if (!connection.wire.isOpen() || connection.isBroken) return;
   const Wire::Step step = connection.wire.connecting();
-  if (step == Wire::Step::Broken && !connection.isConnected) return startNextAddress();
-  connection.isBroken = step == Wire::Step::Broken;
-  if (connection.isBroken) return;
+  if (step == Wire::Step::Broken) return startNextAddress();
   if (step == Wire::Step::NotYet) return;
   connection.isConnected = true;
   flush();

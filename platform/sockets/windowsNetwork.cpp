@@ -90,7 +90,9 @@ bool Wire::connect(const HostAddress& address) {
 
 Wire::Step Wire::connecting() {
   WSANETWORKEVENTS events{};
-  if (WSAEnumNetworkEvents(static_cast<SOCKET>(socket_), nullptr, &events) != 0) return Step::Broken;
+  if (WSAEnumNetworkEvents(static_cast<SOCKET>(socket_), nullptr, &events) != 0) {
+    return isConnected_ ? Step::Done : Step::Broken;
+  }
   if ((events.lNetworkEvents & FD_CONNECT) != 0) {
     if (events.iErrorCode[FD_CONNECT_BIT] != 0) return Step::Broken;
     isConnected_ = true;

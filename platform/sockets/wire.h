@@ -26,7 +26,8 @@ class Wire {
 
   /// Begins to connect, after closing the previous connection. False if it fails at once.
   bool connect(const HostAddress& address);
-  /// Whether the connection is established: Done, NotYet or Broken. Call it on each news.
+  /// Whether the connection has been established: Done, NotYet or Broken. Call it on each news. Once Done, it stays
+  /// so: `receive` tells of later failures.
   Step connecting();
   Received receive(std::span<char> buffer) const;
   /// Returns the number of bytes that the system has taken. `receive` tells why it took none.

@@ -67,6 +67,18 @@ inline bool waitForNews() { return waitUntilReadable(static_cast<int>(networkSig
 
 #endif
 
+/// This process's socket that is connected to a server's port.
+inline SystemSocket socketConnectedTo(int port) {
+  constexpr SystemSocket limit = 65'536;
+  for (SystemSocket socket = 0; socket < limit; ++socket) {
+    sockaddr_in peer{};
+    socklen_t size = sizeof peer;
+    if (getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &size) != 0 || peer.sin_family != AF_INET) continue;
+    if (ntohs(peer.sin_port) == port) return socket;
+  }
+  return noSocket;
+}
+
 /// Raises events until the condition holds, at each signal. False if there is none for a minute.
 template <class Condition>
 bool serveSocketsUntil(Condition isDone) {
