@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string>
 
+#include "server/replays/roundFile.h"
 #include "server/system/process.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
@@ -117,6 +118,22 @@ TEST(WatchLink, ObeysTheAllowedOrigins) {
   const RunningServer server(options);
   WebSocketClient client(server.port());
   EXPECT_FALSE(client.open("Origin: http://elsewhere.example\r\n", "/watch"));
+}
+
+TEST(ShownRound, IsWatchedByEverybody) {
+  const auto file = std::filesystem::path(testing::TempDir()) / "kelvora-shown.round";
+  std::ofstream(file, std::ios::binary) << roundFile({});
+  Options options;
+  options.replayFile = utf8FromPath(file);
+  {
+    const RunningServer server(options);
+    Client ann(server.port(), 20);
+    ann.login("Ann");
+    EXPECT_EQ(ann.readUntil(wire::msgAliveState), std::string("-1\x82") + "0");
+    EXPECT_NE(ask(server.port(), "GET /metrics HTTP/1.0\r\n\r\n").body.find("\nkelvora_spectators 1\n"),
+              std::string::npos);
+  }
+  std::filesystem::remove(file);
 }
 
 /// The number of spectators according to /metrics.

@@ -115,6 +115,13 @@ TEST(RoundFile, IsBounded) {
   for (std::size_t i = 0; i <= Moments::maxSize / line.size(); ++i) round.add(1, line);
   EXPECT_LE(round.bytes().size(), Moments::maxSize);
   EXPECT_EQ(refusal(roundFile(round)), "");
+  // A time and the frame's length take one byte and four.
+  constexpr std::size_t room = Moments::maxSize - 5;
+  Moments full;
+  full.add(1, std::string(room + 1, 'x'));
+  EXPECT_TRUE(full.bytes().empty());
+  full.add(1, std::string(room, 'x'));
+  EXPECT_EQ(full.bytes().size(), Moments::maxSize);
   Moments late;
   late.add(Moments::maxLength + 1, line);
   EXPECT_TRUE(late.bytes().empty());
@@ -124,6 +131,10 @@ TEST(RoundFile, NumbersBeyondTheirRangeEndIt) {
   const std::string endless(12, '\xFF');
   EXPECT_FALSE(Moments::Reader(endless).next());
   EXPECT_FALSE(Moments::Reader("\1\5abc").next()) << "a frame that is cut";
+  EXPECT_FALSE(Moments::Reader("\x80\x80\x80\x80\10\1a").next()) << "2^31";
+  const auto last = Moments::Reader("\xFF\xFF\xFF\xFF\7\1a").next();
+  ASSERT_TRUE(last);
+  EXPECT_EQ(last->at, 2'147'483'647);
   const auto moment = Moments::Reader("\x81\1\1a").next();
   ASSERT_TRUE(moment);
   EXPECT_EQ(moment->at, 129);

@@ -111,6 +111,17 @@ TEST_F(RoundRecorderTest, TheirSizeIsBounded) {
   EXPECT_EQ(files(), (std::vector<std::string>{"2000-01-01.round", "2000-01-02.round", "2001-09-09T01.46.40Z.round"}));
 }
 
+TEST_F(RoundRecorderTest, TheirSizeMayReachTheLimit) {
+  const std::size_t room = 1'048'576 - roundFile({}).size();
+  fs::create_directories(folder);
+  std::ofstream(folder / "2000.round") << std::string(room, 'x');
+  EXPECT_EQ(storeRound(settings(), {}, nameOfRound(time)), "");
+  EXPECT_EQ(files().size(), 2U);
+  std::ofstream(folder / "2000.round", std::ios::app) << 'x';
+  EXPECT_EQ(storeRound(settings(), {}, nameOfRound(time + 1)), "");
+  EXPECT_EQ(files(), (std::vector<std::string>{"2001-09-09T01.46.40Z.round", "2001-09-09T01.46.41Z.round"}));
+}
+
 TEST_F(RoundRecorderTest, ErrorsCostTheRecordingAlone) {
   RoundRecorder recorder(*this, settings());
   fs::remove_all(folder);
