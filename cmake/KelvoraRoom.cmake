@@ -85,7 +85,7 @@ set(KELVORA_TEST_SHARDS "" CACHE STRING
 option(KELVORA_UNITY_TESTS "Compile a dozen sources of a test program at a time" OFF)
 
 # kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder. A folder of long tests sets
-# KELVORA_TEST_COST, and they start first.
+# KELVORA_TEST_COST, and they start first. One whose tests start a program sets KELVORA_TEST_PROGRAM.
 function(kelvora_tests name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources)
@@ -117,6 +117,7 @@ function(kelvora_tests name)
       math(EXPR index "${shard} - 1")
       add_test(NAME ${name}.${shard} COMMAND kelvora_${name}_tests)
       set_tests_properties(${name}.${shard} PROPERTIES TIMEOUT 900 LABELS ${name} COST "${KELVORA_TEST_COST}"
+        REQUIRED_FILES "${KELVORA_TEST_PROGRAM}"
         ENVIRONMENT "GTEST_TOTAL_SHARDS=${KELVORA_TEST_SHARDS};GTEST_SHARD_INDEX=${index}")
     endforeach()
   else()

@@ -1,0 +1,129 @@
+#!/usr/bin/env python3
+"""tests/run_tests.py BUILD_FOLDER JOBS [--all]: runs the tests of a build with ctest, except those that have passed and
+whose inputs are the same since. --all runs these, too.
+
+A test's inputs are its command and environment, the programs, files and folders that these name, all of the project's
+files that are not compiled, and the installed packages. The tests in tests/project read the sources, too.
+BUILD_FOLDER/passed.json has a hash of each passed test's inputs. ctest writes its results to tests.xml.
+"""
+import functools
+import hashlib
+import json
+import os
+import subprocess
+import sys
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+PROJECT = Path(__file__).resolve().parents[1]
+PACKAGES = Path("/var/lib/dpkg/status")
+COMPILED = (".cpp", ".h")
+
+
+@functools.cache
+def hash_of(path):
+    """The hash of a file."""
+    return hashlib.sha256(Path(path).read_bytes()).hexdigest()
+
+
+def hash_of_all(files):
+    text = "\n".join(f"{path} {hash_of(path)}" for path in sorted(files))
+    return hashlib.sha256(text.encode()).hexdigest()
+
+
+def files_below(folder):
+    return [Path(place, name) for place, _, names in os.walk(folder) for name in names if not name.endswith(".pyc")]
+
+
+@functools.cache
+def project_files(with_sources):
+    """The hash of the project's files."""
+    files = []
+    for place, folders, names in os.walk(PROJECT):
+        folders[:] = [name for name in folders if not name.startswith(("build", ".git", "__pycache__"))]
+        files += [Path(place, name) for name in names if with_sources or not name.endswith(COMPILED)]
+    return hash_of_all(path for path in files if path.is_file())
+
+
+@functools.cache
+def programs_beside(folder):
+    """The hash of the programs in a build's folder, their message ids for Python, and their packages. A script that is
+    told of one program uses the others, too."""
+    programs = [path for path in folder.iterdir() if path.is_file() and os.access(path, os.X_OK)]
+    scripts = list((folder / "generated").glob("*.py"))
+    return hash_of_all(programs + scripts + files_below(folder / "packages"))
+
+
+@functools.cache
+def named_by(word):
+    """The hash of what a word of a command, or the value of a variable, names; None for the project's own files."""
+    path = Path(word)
+    if not path.is_absolute() or not path.exists():
+        return None
+    if path.is_relative_to(PROJECT) and not path.is_relative_to(PROJECT / "build"):
+        return None
+    if path.is_dir():
+        return hash_of_all(files_below(path))
+    if (path.parent / "CMakeCache.txt").exists():
+        return programs_beside(path.parent)
+    return hash_of_all([path, *path.parent.glob(f"{path.stem}.wasm")])
+
+
+def properties_of(test):
+    return {entry["name"]: entry["value"] for entry in test.get("properties", [])}
+
+
+def inputs_of(test):
+    properties = properties_of(test)
+    variables = sorted(properties.get("ENVIRONMENT", []))
+    command = test.get("command", [])  # none if it has not been built
+    words = command + [variable.partition("=")[2] for variable in variables]
+    words += properties.get("REQUIRED_FILES", [])
+    inputs = [command, variables, [named_by(word) for word in words],
+              project_files("project" in properties.get("LABELS", [])),
+              hash_of(PACKAGES) if PACKAGES.exists() else None,
+              sorted(pair for pair in os.environ.items() if pair[0].startswith("KELVORA_"))]
+    return hashlib.sha256(json.dumps(inputs).encode()).hexdigest()
+
+
+def listed(build):
+    """The build's tests by name: the number and the inputs of each."""
+    listing = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=True, capture_output=True)
+    # ctest adds fixtures to the tests that need them.
+    return {test["name"]: (number, inputs_of(test))
+            for number, test in enumerate(json.loads(listing.stdout)["tests"], 1)
+            if not {"FIXTURES_SETUP", "FIXTURES_CLEANUP"} & properties_of(test).keys()}
+
+
+def passed_before(record):
+    try:
+        return json.loads(record.read_text())
+    except (OSError, ValueError):
+        return {}
+
+
+def main():
+    build, jobs = Path(sys.argv[1]).resolve(), sys.argv[2]
+    record, results = build / "passed.json", build / "tests.xml"
+    tests = listed(build)
+    passed = {} if "--all" in sys.argv else passed_before(record)
+    passed = {name: inputs for name, inputs in passed.items() if tests.get(name, (0, ""))[1] == inputs}
+    numbers = [str(number) for name, (number, _) in tests.items() if name not in passed]
+    print(f"{len(passed)} of {len(tests)} tests have passed on the same inputs before", flush=True)
+    record.write_text(json.dumps(passed))
+    results.unlink(missing_ok=True)
+    if not numbers:
+        return 0
+    status = subprocess.run(["ctest", "--test-dir", build, "-j", jobs, "--timeout", "300", "--output-on-failure",
+                             "--output-junit", results, "-I", f"{numbers[0]},{numbers[0]},1,{','.join(numbers)}"],
+                            check=False).returncode
+    cases = ElementTree.parse(results).iter("testcase") if results.exists() else ()
+    for case in cases:
+        if case.get("status") == "run" and case.get("name") in tests:
+            passed[case.get("name")] = tests[case.get("name")][1]
+    record.write_text(json.dumps(passed))
+    return status
+
+
+if __name__ == "__main__":
+    sys.exit(main())
