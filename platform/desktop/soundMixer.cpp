@@ -81,7 +81,7 @@ int SoundMixer::openEffect(const std::string& file) {
   } else {
     *free = true;
   }
-  post([channel, file](MixerDevice& device) { device.loadEffect(channel, file); });
+  post([channel, file](MixerDevice& device) { device.setEffect(channel, file); });
   return channel;
 }
 

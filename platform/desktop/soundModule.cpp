@@ -15,7 +15,7 @@ namespace {
 
 class SilentDevice : public MixerDevice {
  public:
-  void loadEffect(int, const std::string&) override {}
+  void setEffect(int, const std::string&) override {}
   void freeEffect(int) override {}
   void silence(int, bool) override {}
   void startEffect(int) override {}

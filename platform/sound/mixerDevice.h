@@ -10,8 +10,9 @@ class MixerDevice {
  public:
   virtual ~MixerDevice() = default;
 
-  /// Loads a wave file into a channel, replacing its effect. A channel whose file can't be loaded stays silent.
-  virtual void loadEffect(int channel, const std::string& file) = 0;
+  /// Gives a channel a wave file, replacing its effect. The file is loaded when it is first played, because most
+  /// effects aren't heard for a while. A channel whose file can't be loaded stays silent.
+  virtual void setEffect(int channel, const std::string& file) = 0;
   virtual void freeEffect(int channel) = 0;
   virtual void silence(int channel, bool silent) = 0;
   /// Plays from the first sample, even if it is playing. Call `wake` first.

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -39,12 +40,10 @@ class SdlDevice final : public MixerDevice {
   SdlDevice(const SdlDevice&) = delete;
   SdlDevice& operator=(const SdlDevice&) = delete;
 
-  void loadEffect(int channel, const std::string& file) override;
-  void freeEffect(int channel) override { mix_.setEffect(channel, {}); }
-  void silence(int channel, bool silent) override { mix_.silence(channel, silent); }
-  void startEffect(int channel) override {
-    if (device_ != 0) mix_.startEffect(channel);
-  }
+  void setEffect(int channel, const std::string& file) override;
+  void freeEffect(int channel) override;
+  void silence(int channel, bool silent) override;
+  void startEffect(int channel) override;
   void stopEffect(int channel) override { mix_.stopEffect(channel); }
   bool startMusic(const std::string& file) override;
   void stopMusic() override { mix_.stopTrack(); }
@@ -56,14 +55,21 @@ class SdlDevice final : public MixerDevice {
   using Clock = std::chrono::steady_clock;
   static constexpr std::chrono::seconds retryInterval{30};
 
+  struct Unheard {
+    std::string file;
+    bool isSilent = false;
+  };
+
+  void load(int channel);
   static void SDLCALL play(void* mix, Uint8* stream, int length);
   void open();
   void close();
 
   Mix mix_;
-  SDL_AudioDeviceID device_ = 0;  ///< 0 while closed
-  Clock::time_point nextTry_{};   ///< not before, because the last one failed
-  bool wasHeard_ = false;         ///< since the last rest
+  std::map<int, Unheard> unheard_;  ///< by channel: effects that haven't been played, and so aren't loaded
+  SDL_AudioDeviceID device_ = 0;    ///< 0 while closed
+  Clock::time_point nextTry_{};     ///< not before, because the last one failed
+  bool wasHeard_ = false;           ///< since the last rest
 };
 
 SdlDevice::SdlDevice() {
@@ -77,8 +83,36 @@ SdlDevice::~SdlDevice() {
   SDL_TLSCleanup();  // frees SDL's thread-local data, which it only does by itself for its own threads
 }
 
-void SdlDevice::loadEffect(int channel, const std::string& file) {
-  mix_.setEffect(channel, loadWave(file));
+void SdlDevice::setEffect(int channel, const std::string& file) {
+  mix_.setEffect(channel, {});
+  unheard_[channel] = {file};
+}
+
+void SdlDevice::freeEffect(int channel) {
+  mix_.setEffect(channel, {});
+  unheard_.erase(channel);
+}
+
+void SdlDevice::silence(int channel, bool silent) {
+  const auto found = unheard_.find(channel);
+  if (found == unheard_.end()) {
+    mix_.silence(channel, silent);
+  } else {
+    found->second.isSilent = silent;
+  }
+}
+
+void SdlDevice::startEffect(int channel) {
+  if (device_ == 0) return;
+  load(channel);
+  mix_.startEffect(channel);
+}
+
+void SdlDevice::load(int channel) {
+  const auto found = unheard_.extract(channel);
+  if (!found) return;
+  mix_.setEffect(channel, loadWave(found.mapped().file));
+  mix_.silence(channel, found.mapped().isSilent);
   malloc_trim(0);  // reading takes three times the file's size
 }
 

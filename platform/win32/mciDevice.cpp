@@ -32,7 +32,7 @@ class MciDevice : public MixerDevice {
  public:
   ~MciDevice() override { command(L"close all"); }
 
-  void loadEffect(int channel, const std::string& file) override {
+  void setEffect(int channel, const std::string& file) override {
     freeEffect(channel);
     effects_[channel].file = file;
   }

@@ -161,6 +161,18 @@ TEST_F(Mixer, ReusesAClosedChannel) {
   EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); })) << "and not muted like its predecessor";
 }
 
+TEST_F(Mixer, LoadsAnEffectWhenItIsFirstPlayed) {
+  const int effect = mixer.openEffect(wave("effect.wav", constant(0.1, 3'000)));
+  awaitCommands();
+  wave("effect.wav", constant(30, 5'000));
+  mixer.startEffect(effect);
+  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 5'000); }));
+  wave("effect.wav", constant(30, 7'000));
+  mixer.startEffect(effect);
+  mixer.startEffect(mixer.openEffect(wave("later.wav", constant(30, 1'000))));
+  EXPECT_TRUE(waitFor([&] { return contains(recording.left(), 6'000); })) << "and not again";
+}
+
 TEST_F(Mixer, DropsAFileThatIsNotASound) {
   const auto file = folder.path() / "broken.wav";
   std::ofstream(file) << "RIFF....WAVE and then garbage";
