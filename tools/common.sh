@@ -116,14 +116,14 @@ can_install_quietly() {
   [ -z "$(missing_packages "$@")" ] || [ "$(id -u)" -eq 0 ] || sudo -n true 2>/dev/null
 }
 
-# build_page: builds the page for browsers, build/web/site.
+# build_page [arguments of the build]: builds the page for browsers, build/web/site.
 build_page() {
   local tests=()
   [ -f build/web/CMakeCache.txt ] || tests=(-DKELVORA_TESTS=OFF)
   # shellcheck disable=SC2086
   install_packages $web_packages
   configure web "${tests[@]}"
-  cmake --build --preset web --target kelvora_site
+  cmake --build --preset web --target kelvora_site "$@"
 }
 
 # Clones in different folders share the cache.

@@ -5,6 +5,7 @@ import os
 import pathlib
 import shutil
 import signal
+import socket
 import subprocess
 import tempfile
 import threading
@@ -49,7 +50,8 @@ class Play(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kelvora-play-"))
         self.addCleanup(shutil.rmtree, self.folder)
         (self.folder / "tools").mkdir()
-        for name in ("play", "tools/common.sh"):
+        (self.folder / "server/config").mkdir(parents=True)
+        for name in ("play", "tools/common.sh", "server/config/optionTable.cpp"):
             shutil.copy(PROJECT / name, self.folder / name)
         self.script("game", GAME)
         self.script("bin/cmake", CMAKE)
@@ -166,6 +168,7 @@ class Play(unittest.TestCase):
                 other.shutdown()
                 thread.join()
         self.assertIn(f"Another program uses port {self.port}", self.said())
+        self.assertIn("such as KELVORA_PORT=2011 ./play, and type it into the connect dialog.", self.said())
         self.assertFalse((self.folder / "game.told").exists())
 
     def test_help_starts_nothing(self):
@@ -215,10 +218,50 @@ class Play(unittest.TestCase):
         self.play("web")
         self.assertEqual(self.process.wait(60), 1)
         self.assertIn("The page could not be built", self.said())
-        self.write("page", "<p>page</p>")
-        self.play("web", "--no-such-option")
+
+    def test_web_refuses_a_mistyped_option_before_it_builds(self):
+        self.play("web", "--notes", "--address", "--adress=0.0.0.0")
         self.assertEqual(self.process.wait(60), 1)
-        self.assertIn("unknown option --no-such-option", self.said())
+        self.assertIn("unknown option --adress\n", self.said())
+        self.assertFalse((self.folder / "build").exists())
+
+    def test_web_refuses_a_wrong_value_before_it_builds_the_page(self):
+        self.play("web", "--bots", "many")
+        self.assertEqual(self.process.wait(60), 1)
+        self.assertIn("--bots must be", self.said())
+        self.assertFalse((self.folder / "builder").exists())
+
+    def test_web_advises_its_own_command_for_a_taken_port(self):
+        with socket.create_server(("127.0.0.1", self.port)):
+            self.play("web")
+            self.assertEqual(self.process.wait(60), 1)
+        self.assertIn(f"Another program uses port {self.port}", self.said())
+        self.assertIn("such as KELVORA_PORT=2011 ./play web.\n", self.said())
+        self.assertFalse((self.folder / "build").exists())
+
+    def test_web_tells_of_a_running_server(self):
+        self.write("page", "<p>page</p>")
+        with Server() as server:
+            self.port = server.port
+            self.play("web")
+            self.assertEqual(self.process.wait(60), 0)
+            self.assertIn(f"A server is already running: http://127.0.0.1:{self.port}/\n", self.said())
+            self.assertTrue((self.folder / "build/web/site/index.html").exists(), "the server serves it now")
+            self.play("web", "--notes", "for all")
+            self.assertEqual(self.process.wait(60), 1)
+            self.assertIn(f"A server is already running: http://127.0.0.1:{self.port}/\n", self.said())
+            self.assertIn("Your options don't apply to it.", self.said())
+            self.play("web", "--port", str(free_port()))
+            self.wait_to_hear("Ctrl+C stops the server")
+            self.assertEqual(self.end(), 143)
+
+    def test_web_says_that_it_updates_what_is_built(self):
+        self.write("page", "<p>page</p>")
+        for words in ("Building server and page", "Updating server and page"):
+            self.play("web")
+            self.wait_to_hear("Ctrl+C stops the server")
+            self.assertIn(words, self.said())
+            self.end()
 
 
 if __name__ == "__main__":
