@@ -5,7 +5,7 @@ import shutil
 import tempfile
 
 import harness
-from pageTest import SITE, PageTest, unittest
+from pageTest import KIND, SITE, PageTest, unittest
 
 END = "words(document.getElementById('end'))"
 
@@ -42,12 +42,16 @@ class Endings(PageTest):
         self.expect_too_old("WebAssembly.validate = () => false")
 
     def test_missing_files_are_told(self):
-        for name in ("kelvora.js", "kelvora.wasm", "kelvora.data"):
+        for name in ("style.css", "kelvora.js", "kelvora.wasm", "kelvora.data"):
             with self.subTest(name):
                 page = self.open(self.site_without(name).port)
                 page.wait_for(f"{END}.includes('Reload')", f"the words about {name}")
                 self.assertFalse(page.see("all('#loading').length"))
         page.keep("incomplete")
+
+    def test_a_page_without_its_first_script_is_told(self):
+        page = self.open(self.site_without("begin.js").port)
+        page.wait_for("by('h1', 'Kelvora could not be loaded. Reload the page to try again.')")
 
     def test_missing_sounds_disturb_nobody(self):
         server = self.site_without(*(f"sounds/{file.name}" for file in pathlib.Path(SITE, "sounds").iterdir()))
@@ -74,6 +78,19 @@ class Endings(PageTest):
         page.press_button("Cancel", "dialog('Connect')")
         page.choose("File", "Exit")
         page.wait_for(f"{END}.includes('Kelvora has ended')")
+
+
+class OldBrowsers(PageTest):
+    """Browsers whose own options take away what the game needs: Chromium's SIMD and Firefox's WebAssembly."""
+
+    browser_options = ("js-flags=--no-enable-sse4-1 --no-enable-ssse3",)
+    browser_preferences = {"javascript.options.wasm": False}
+
+    def test_are_told_what_they_lack(self):
+        page = self.open(self.start_server().port)
+        page.wait_for(f"{END}.includes('This browser is too old')")
+        self.assertEqual(page.see("typeof WebAssembly"), "object" if KIND == "chromium" else "undefined")
+        page.keep("too-old")
 
 
 if __name__ == "__main__":

@@ -14,12 +14,15 @@ function showEnd(title, text) {
   var vectors = [0, 97, 115, 109, 1, 0, 0, 0, 1, 5, 1, 96, 0, 1, 123];
   var isAble = window.HTMLDialogElement && Array.prototype.findLast && window.WebAssembly &&
       WebAssembly.validate(new Uint8Array(vectors));
+  if (!isAble) {
+    showEnd('This browser is too old', 'Kelvora needs WebAssembly with SIMD. Firefox, Chrome, Edge and Safari from 2023 on have it.');
+    return;
+  }
+  function showLoss() { showEnd('Kelvora could not be loaded', 'Reload the page to try again.'); }
+  var hasStyle = getComputedStyle(document.documentElement).getPropertyValue('--ground') !== '';
+  if (!hasStyle) return showLoss();
   var script = document.createElement('script');
   script.src = 'kelvora.js';
-  script.onerror = function () { showEnd('Kelvora could not be loaded', 'Reload the page to try again.'); };
-  if (isAble) {
-    document.body.append(script);
-  } else {
-    showEnd('This browser is too old', 'Kelvora needs WebAssembly with SIMD. Firefox, Chrome, Edge and Safari from 2023 on have it.');
-  }
+  script.onerror = showLoss;
+  document.body.append(script);
 })();
