@@ -166,6 +166,7 @@ bool Connection::answer(const HttpRequest& request) {
 
 void Connection::upgrade() {
   speech_ = Speech::upgrading;
+  keepsAlive_ = false;
   const auto request = std::exchange(request_, nullptr);
   stream_.upgrade(std::string(request->head()), request->rest(), streamUser());
 }

@@ -67,6 +67,8 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   }
   /// When the connection, or the last answer, left it to the client to begin. An upgrade doesn't change this.
   Clock::time_point opened() const { return opened_; }
+  /// True between the requests of a connection that a client has kept. Clients make a new one if they lose it then.
+  bool isKept() const { return speech_ == Speech::opening && keepsAlive_ && !closed_; }
   /// True if `onClosed` has been or is about to be called.
   bool isClosed() const { return closed_; }
   /// True if nothing is awaited but the client's end.

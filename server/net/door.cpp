@@ -12,6 +12,11 @@ bool Door::allowsConnection(const std::string& network, Millis now) {
   return visitor(network, now).connections.allows(now);
 }
 
+bool Door::hasPlace(const std::string& network) const {
+  const auto found = visitors_.find(network);
+  return found == visitors_.end() || found->second.inside < maxPerNetwork;
+}
+
 bool Door::takesIn(const std::string& network, Millis now, bool isLimited) {
   Visitor& newcomer = visitor(network, now);
   if (isLimited && newcomer.inside >= maxPerNetwork) return false;

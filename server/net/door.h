@@ -19,6 +19,8 @@ class Door {
   [[nodiscard]] bool admits(const std::string& network, Millis now) {
     return allowsConnection(network, now) && takesIn(network, now);
   }
+  /// True if the network has fewer connections than it may have.
+  bool hasPlace(const std::string& network) const;
   /// True if the network may make a new connection now, apart from how many it has.
   [[nodiscard]] bool allowsConnection(const std::string& network, Millis now);
   /// The same as `admits` for a connection that isn't new, as of a proxy that has served somebody else on it. Always

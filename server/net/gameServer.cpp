@@ -114,6 +114,7 @@ void GameServer::stop(std::function<void()> whenDone) {
   listener_.close();
   if (webListener_) webListener_->close();
   if (spectatorListener_) spectatorListener_->close();
+  waitingRoom_.close();
   for (const auto& publisher : publishers_) publisher->signOff();
   if (sidecar_) sidecar_->finish();
   if (recorder_) recorder_->end(now());
@@ -173,17 +174,29 @@ void GameServer::welcome(Socket socket, Role role) {
   error_code error;
   const auto peer = socket.remote_endpoint(error);
   if (error) return;  // already gone; leaving this scope closes the socket
+  const auto address = unmapped(peer.address());
+  Newcomer newcomer{.socket = std::move(socket),
+                    .address = address,
+                    .network = networkOf(address),
+                    .role = role,
+                    .since = Clock::now()};
+  if (!waitingRoom_.has(newcomer.network) && enter(newcomer)) return;
+  if (!waitingRoom_.add(newcomer)) refuse(newcomer.network);
+}
+
+bool GameServer::enter(Newcomer& newcomer) {
   Guest guest{.connection = nullptr,
-              .address = unmapped(peer.address()),
+              .address = newcomer.address,
               .network = {},
-              .role = replay_ ? Role::spectator : role};
+              .role = replay_ ? Role::spectator : newcomer.role};
   guest.isForwarded = guest.address == trustedProxy_;
   guest.isDirect = !guest.isForwarded;
-  if (!guest.isForwarded && !admit(guest, guest.address)) return;
+  if (!guest.isForwarded && !admit(guest, guest.address)) return false;
   if (!makeRoom()) {
     door_.left(guest.network);
     ++figures_.refusedWhenFull;
-    return log_("refused " + guest.address.to_string() + ": the server is full");
+    log_("refused " + guest.address.to_string() + ": the server is full");
+    return true;
   }
   const ClientId client = ++lastClient_;
   Connection::Handlers handlers{
@@ -194,9 +207,15 @@ void GameServer::welcome(Socket socket, Role role) {
   if (guest.isForwarded) {
     handlers.onForwarded = [this](ClientId from, const asio::ip::address& address) { forwarded(from, address); };
   }
-  guest.connection = std::make_shared<Connection>(std::move(socket), client, std::move(handlers));
+  guest.connection = std::make_shared<Connection>(std::move(newcomer.socket), client, std::move(handlers));
   guests_.emplace(client, guest);
   guest.connection->start();
+  return true;
+}
+
+void GameServer::refuse(const std::string& network) {
+  ++figures_.refusedOfAddress;
+  log_("refused " + network + ": too many connections");
 }
 
 bool GameServer::admit(Guest& guest, const asio::ip::address& address, bool isNew) {
@@ -204,12 +223,20 @@ bool GameServer::admit(Guest& guest, const asio::ip::address& address, bool isNe
   const bool isIn = network == guest.network;
   const bool isLimited = !unlimitedFor_.has(address);
   if (!isIn && !guest.network.empty()) door_.left(std::exchange(guest.network, {}));
-  if ((isNew && isLimited && !door_.allowsConnection(network, now())) ||
-      (!isIn && !door_.takesIn(network, now(), isLimited))) {
-    ++figures_.refusedOfAddress;
-    log_("refused " + network + ": too many connections");
-    return false;
+  const auto isKept = [&](const auto& entry) {
+    return entry.second.network == network && entry.second.connection->isKept();
+  };
+  auto leaver = guests_.end();
+  if (!isIn && isLimited && !door_.hasPlace(network)) {
+    leaver = std::ranges::find_if(guests_, isKept);
+    if (leaver == guests_.end()) return false;
   }
+  if (isNew && isLimited && !door_.allowsConnection(network, now())) return false;
+  if (leaver != guests_.end()) {
+    door_.left(std::exchange(leaver->second.network, {}));
+    leaver->second.connection->close("made room for a newcomer");
+  }
+  if (!isIn && !door_.takesIn(network, now(), isLimited)) return false;
   guest.address = unmapped(address);
   guest.network = network;
   return true;
@@ -218,12 +245,17 @@ bool GameServer::admit(Guest& guest, const asio::ip::address& address, bool isNe
 void GameServer::forwarded(ClientId client, const asio::ip::address& address) {
   Guest& guest = guests_.at(client);
   guest.isForwarded = false;
-  if (!admit(guest, address)) guest.connection->close("too many connections");
+  if (admit(guest, address)) return;
+  refuse(networkOf(address));
+  guest.connection->close("too many connections");
 }
 
 void GameServer::beginGame(ClientId client) {
   Guest& guest = guests_.at(client);
-  if (guest.network.empty() && !admit(guest, guest.address)) return guest.connection->close("too many connections");
+  if (guest.network.empty() && !admit(guest, guest.address)) {
+    refuse(networkOf(guest.address));
+    return guest.connection->close("too many connections");
+  }
   guest.isPlaying = true;
   log_("client " + std::to_string(client) + " connected from " + guest.address.to_string());
   arena_.connected(client, at(guest.connection->opened()), guest.role);  // the time without a first byte counts
@@ -310,6 +342,9 @@ void GameServer::tickMore() {
       guest.connection->closeIfOverdue(time);
       if (guest.role == Role::spectator) guest.connection->flush();
     }
+    waitingRoom_.letIn(
+        time, [this](Newcomer& newcomer) { return enter(newcomer); },
+        [this](const std::string& network) { refuse(network); });
     listener_.resume();
     if (webListener_) webListener_->resume();
     if (spectatorListener_) spectatorListener_->resume();

@@ -28,6 +28,7 @@
 #include "server/net/figures.h"
 #include "server/net/listener.h"
 #include "server/net/stallWatch.h"
+#include "server/net/waitingRoom.h"
 #include "server/net/worker.h"
 #include "server/records/recordBook.h"
 #include "server/replays/roundPlayer.h"
@@ -41,7 +42,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
  public:
   static constexpr std::size_t maxConnections = 96;  ///< of any kind
   /// Files that may be open at a time: connections, files being served, and the process's own.
-  static constexpr std::size_t descriptors = 2 * maxConnections + 64;
+  static constexpr std::size_t descriptors = 2 * maxConnections + WaitingRoom::maxWaiting + 64;
 
   using WriteLine = std::function<void(const std::string&)>;
   /// Listens at once. Throws std::runtime_error or a derived class if the options can't be met. `logAct` gets what
@@ -94,8 +95,13 @@ class GameServer : private ArenaOutput, private ModerationHost {
 
   Listener::Handlers listenerHandlers(Role role = Role::player);
   void welcome(Socket socket, Role role);
+  /// True if the newcomer has been dealt with. False if they exceed their address's limits.
+  bool enter(Newcomer& newcomer);
+  /// Tells that a connection of this network was turned away.
+  void refuse(const std::string& network);
   /// Charges the connection to this address's limits alone. False if they are exceeded. A connection that isn't new
-  /// costs its network nothing.
+  /// costs its network nothing. If the address has all of its places, a connection kept between two requests makes
+  /// room.
   bool admit(Guest& guest, const asio::ip::address& address, bool isNew = true);
   void forwarded(ClientId client, const asio::ip::address& address);
   void beginGame(ClientId client);
@@ -155,6 +161,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   std::optional<Place> place_;                          // that Agones has told
   std::map<ClientId, Guest> guests_;
   Door door_;
+  WaitingRoom waitingRoom_;
   StallWatch stallWatch_;
   Figures figures_;
   ClientId lastClient_ = 0;

@@ -46,7 +46,10 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
     if (!address) return textAnswer(400, "The proxy names no client address.\n");
     // The proxy decides when it connects. What a direct client would have to connect for counts as a new connection.
     const bool isNew = path == playPath || ListPages::has(path);
-    if (!admit(guest, *address, isNew)) return textAnswer(429, "There are too many connections from your address.\n");
+    if (!admit(guest, *address, isNew)) {
+      refuse(networkOf(*address));
+      return textAnswer(429, "There are too many connections from your address.\n");
+    }
   }
   if (path == playPath) {
     if (!request.isUpgrade) {

@@ -42,9 +42,9 @@ class PageTest(unittest.TestCase):
         self.addCleanup(bridge.close)
         return server, bridge.port
 
-    def open(self, port, arguments="nomusic", visitor=None, scheme="http", path="/", **options):
+    def open(self, port, arguments="nomusic", visitor=None, scheme="http", path="/", page=Page, **options):
         address = f"{scheme}://127.0.0.1:{port}{path}?{arguments}"
-        page = self.browser.open(address, visitor or self.browser.visitor(), Page, **options)
+        page = self.browser.open(address, visitor or self.browser.visitor(), page, **options)
         self.addCleanup(page.close)
         return page
 

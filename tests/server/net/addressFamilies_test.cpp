@@ -93,7 +93,7 @@ TEST_P(AddressFamilies, ANameIsServedOnAllOfItsAddresses) {
 TEST_P(AddressFamilies, TheLimitsOfAnAddressHold) {
   const RunningServer server(at(GetParam().to_string()));
   std::vector<Tcp::socket> crowd;
-  for (int i = 0; i < 16; ++i) crowd.push_back(connect(GetParam(), server.port()));
+  for (int i = 0; i < 16 + 32; ++i) crowd.push_back(connect(GetParam(), server.port()));
   Tcp::socket oneTooMany = connect(GetParam(), server.port());
   EXPECT_EQ(readToEnd(oneTooMany), "");
   const auto log = server.log();

@@ -8,6 +8,7 @@
 
 #include "server/net/gameServer.h"
 #include "tests/server/net/runningServer.h"
+#include "tests/server/net/webAnswer.h"
 #include "tests/server/net/webSocketClient.h"
 
 namespace kelvora::server {
@@ -69,9 +70,11 @@ class Budget : public testing::Test {
   }
 };
 
+constexpr const char* pageRequest = "GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n";
+
 std::string askForPage(std::uint16_t port, std::uint32_t host) {
   TcpClient client(port, host);
-  client.write("GET /games/kelvora/ver.txt HTTP/1.0\r\n\r\n");
+  client.write(pageRequest);
   return client.readToEnd();
 }
 
@@ -101,17 +104,46 @@ TEST_F(Budget, NinetyFiveLeaveRoomForOne) {
   });
 }
 
-TEST_F(Budget, SixteenConnectionsPerAddressAcrossProtocols) {
+TEST_F(Budget, SixteenConnectionsPerAddressAcrossProtocolsAndTheNextWaits) {
   tryInTime([](const RunningServer& server) {
     Mixture crowd(server.port());
     while (crowd.size() < 16) crowd.add(10);
-    const std::string refused = askForPage(server.port(), 10);
-    const std::string other = askForPage(server.port(), 11);
+    TcpClient late(server.port(), 10);
+    late.write(pageRequest);
+    const std::string other = ask(server.port(), "GET /metrics HTTP/1.0\r\n\r\n", 11).body;
     const auto gone = crowd.gone();
+    crowd[0].finish();
+    const std::string answer = late.readToEnd();
     return [=] {
-      EXPECT_EQ(refused, "");
-      EXPECT_TRUE(other.starts_with("HTTP/1.1 200 OK"));
+      EXPECT_NE(other.find("\nkelvora_connections 17\n"), std::string::npos) << other;
       EXPECT_EQ(gone, std::vector<std::size_t>{});
+      EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
+    };
+  });
+}
+
+TEST_F(Budget, KeptConnectionsMakeRoomForTheirOwnAddress) {
+  tryInTime([](const RunningServer& server) {
+    std::vector<std::unique_ptr<TcpClient>> crowd;
+    for (std::uint32_t i = 0; i < 24; ++i) {
+      crowd.push_back(std::make_unique<TcpClient>(server.port(), i < 8 ? 11 : 10));
+      if (i >= 10) continue;
+      crowd.back()->write("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+      std::string answer;
+      while (!answer.ends_with("</html>\n")) {
+        const std::string more = crowd.back()->readSome();
+        if (more.empty()) break;
+        answer += more;
+      }
+    }
+    const std::string answer = askForPage(server.port(), 10);
+    std::vector<std::size_t> gone;
+    for (std::size_t i = 0; i < crowd.size(); ++i) {
+      if (crowd[i]->hasEnded()) gone.push_back(i);
+    }
+    return [=] {
+      EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
+      EXPECT_EQ(gone, std::vector<std::size_t>{8}) << "the oldest of the two that the address keeps";
     };
   });
 }
@@ -166,9 +198,9 @@ TEST_F(BudgetOfTwoPorts, NewcomersAtTheSameTimeDisplaceOneEach) {
 }
 
 TEST_F(BudgetOfTwoPorts, AnAddressHasItsLimitOnBothTogether) {
-  for (std::uint32_t i = 0; i < 20; ++i) add(i % 2 == 0 ? port : webPort, 10);
+  for (std::uint32_t i = 0; i < 60; ++i) add(i % 2 == 0 ? port : webPort, 10);
   settle();
-  EXPECT_EQ(connected(), 16);
+  EXPECT_EQ(connected(), 16 + 32) << "sixteen, and those who wait";
 }
 
 }  // namespace

@@ -172,6 +172,26 @@ TEST_P(ConnectionLimits, KeptConnectionMustSendAgainWithinFiveSeconds) {
   expectToLast(seconds(5), "timed out between requests");
 }
 
+TEST_P(ConnectionLimits, AConnectionIsKeptBetweenTwoRequests) {
+  EXPECT_FALSE(connection->isKept()) << "it has not asked for anything";
+  say("GET /page HTTP/1.1\r\nHost: h\r\n\r\n");
+  EXPECT_TRUE(connection->isKept());
+  say("GET /pa");
+  EXPECT_FALSE(connection->isKept()) << "a request has begun";
+  say("ge HTTP/1.1\r\nHost: h\r\n\r\n");
+  EXPECT_TRUE(connection->isKept());
+  say("\x80");
+  EXPECT_FALSE(connection->isKept()) << "a game has begun";
+}
+
+TEST_P(ConnectionLimits, AKeptConnectionThatIsUpgradedIsNoLongerKept) {
+  if (GetParam()) return;
+  say("GET /page HTTP/1.1\r\nHost: h\r\n\r\n");
+  say(WebSocketClient::handshake());
+  EXPECT_FALSE(connection->isKept());
+  EXPECT_EQ(closed, "");
+}
+
 TEST_P(ConnectionLimits, AnswerMustBeReadWithinFiveSecondsAndIsNotBuffered) {
   client.keepLittleUnread();
   say("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");

@@ -9,8 +9,12 @@ TEST(ServerDoor, OneAddressHasAtMostSixteenConnections) {
   Door door;
   for (int i = 0; i < 16; ++i) EXPECT_TRUE(door.admits("a", 1'000)) << i;
   EXPECT_FALSE(door.admits("a", 1'000));
+  EXPECT_FALSE(door.hasPlace("a"));
+  EXPECT_TRUE(door.hasPlace("b"));
   EXPECT_TRUE(door.admits("b", 1'000)) << "others are not held to that";
+  EXPECT_TRUE(door.hasPlace("b"));
   door.left("a");
+  EXPECT_TRUE(door.hasPlace("a"));
   EXPECT_TRUE(door.admits("a", 1'000));
   EXPECT_FALSE(door.admits("a", 1'000));
 }

@@ -127,9 +127,9 @@ TEST_F(Hostile, ClientsThatNeverReadAreDroppedOrCostAtMostTheirQueue) {
   EXPECT_LT(growth, allowedBytes(4, 4));
 }
 
-TEST_F(Hostile, AtMostSixteenPerAddressAreAdmitted) {
+TEST_F(Hostile, OfOneAddressAtMostSixteenAreInAndThirtyTwoWait) {
   std::vector<std::unique_ptr<TcpClient>> crowd;
-  for (int i = 0; i < 16; ++i) crowd.push_back(std::make_unique<TcpClient>(port, 10));
+  for (int i = 0; i < 16 + 32; ++i) crowd.push_back(std::make_unique<TcpClient>(port, 10));
   TcpClient oneTooMany(port, 10);
   EXPECT_TRUE(oneTooMany.isCutOff());
   Client other(port, 11);

@@ -10,6 +10,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 #include <thread>
@@ -78,16 +79,18 @@ class TcpClient {
   }
   /// Stops sending. The server then closes the connection.
   void finish() { ::shutdown(socket_, SHUT_WR); }
+  /// The next bytes that come; empty at the end of the connection, which must come otherwise.
+  std::string readSome() {
+    char bytes[4096];
+    const ssize_t size = ::recv(socket_, bytes, sizeof bytes, 0);
+    EXPECT_TRUE(size >= 0 || errno == ECONNRESET) << "the connection stays open";
+    return {bytes, static_cast<std::size_t>(std::max<ssize_t>(size, 0))};
+  }
   /// Reads up to the end of the connection, which must come.
   std::string readToEnd() {
     std::string all;
-    while (true) {
-      char bytes[4096];
-      const ssize_t size = ::recv(socket_, bytes, sizeof bytes, 0);
-      EXPECT_TRUE(size >= 0 || errno == ECONNRESET) << "the connection stays open";
-      if (size <= 0) return all;
-      all.append(bytes, static_cast<std::size_t>(size));
-    }
+    for (std::string more = readSome(); !more.empty(); more = readSome()) all += more;
+    return all;
   }
   /// Reads up to the end of the connection. True if that is a reset.
   bool isResetAtTheEnd() {
