@@ -164,13 +164,15 @@ class Settings(DesktopTest):
         server.accept().recv_frame()
         client.close()
         client = self.start_client(config=config)
-        client.press_enter_at_the_start(lambda: "Connect" not in client.windows())
+        client.wait_for_window("Connect").activate()
+        self.display.xdotool("key", "Return")
         self.assertEqual(server.accept().recv_bytes(), frame(LOGIN, "Zoe", "hush", 3, harness.VERSION))
 
     def test_first_start_offers_this_machine_and_port_2010(self):
         client = self.start_client()
         # A box refuses an empty name, and the dialog stays open.
-        client.press_enter_at_the_start(lambda: len(client.windows()) == 3)
+        client.wait_for_window("Connect").activate()
+        self.display.xdotool("key", "Return")
         box = client.wait_for_other_window()
         box.activate()
         self.display.xdotool("key", "Return")

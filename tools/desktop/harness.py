@@ -310,6 +310,9 @@ class Window:
             return False
 
     def activate(self):
+        # First the program hears of any earlier change. Otherwise Wine, on a busy machine, makes another window active
+        # afterwards.
+        self.display.screen.ping(self.identifier)
         self.display.xdotool("windowactivate", "--sync", self.identifier)
 
     def click(self, x, y, button=1):
@@ -418,24 +421,6 @@ class Client:
         if circle is not None:
             dialog.click((1860 + 300 * circle + 97) // TWIPS, (1620 + 127) // TWIPS)
         self.display.xdotool("key", "Return")
-
-    def press_enter_at_the_start(self, is_answered):
-        """Presses Enter in the connect dialog. On a busy machine, Wine hears late that the main window was active
-        before, and gives it the key, which it ignores. So in Wine another Enter follows after a while."""
-        dialog = self.wait_for_window("Connect")
-
-        def is_answered_after_enter(pause):
-            dialog.activate()
-            self.display.xdotool("key", "Return")
-            return wait_for(is_answered, "the answer to Enter", pause)
-
-        if self.prefix:
-            for pause in (4, 8, 16, 32):
-                try:
-                    return is_answered_after_enter(pause)
-                except AssertionError:
-                    pass
-        return is_answered_after_enter(PATIENCE)
 
     def canvas_size(self):
         """Width and height in pixels."""

@@ -8,7 +8,9 @@ ERROR = 0
 ANY_TYPE = 0
 VIEWABLE = 2
 Z_PIXMAP = 2
-BUTTON_PRESS, BUTTON_RELEASE, MOTION = 4, 5, 6
+BUTTON_PRESS, BUTTON_RELEASE, MOTION, CLIENT_MESSAGE = 4, 5, 6, 33
+STRUCTURE_NOTIFY, SUBSTRUCTURE_NOTIFY = 1 << 17, 1 << 19
+EVENT_MASK = 1 << 11
 
 
 class Gone(Exception):
@@ -19,6 +21,7 @@ class Screen:
 
     def __init__(self, display):
         """Connects to a display with this number, whose screen has 32 bits per pixel."""
+        self.display = display
         self.socket = socket.socket(socket.AF_UNIX)
         self.socket.settimeout(60)
         self.socket.connect(f"/tmp/.X11-unix/X{display}")
@@ -112,3 +115,24 @@ class Screen:
             return self.request(code, 2, struct.pack("<BBxxII8xhh8x", kind, detail, 0, self.root, x, y))
         click = event(BUTTON_PRESS, 1) + event(BUTTON_RELEASE, 1)
         self.socket.sendall(event(MOTION, 0) + click + click)
+
+    def ping(self, window):
+        """Asks a window's program whether it is alive, as window managers do, and waits for the answer. By then, the
+        program has handled the window's earlier events."""
+        asker = Screen(self.display)
+        protocols, ping = self.atom("WM_PROTOCOLS"), self.atom("_NET_WM_PING")
+        message = struct.pack("<BBxxIIIII8x", CLIENT_MESSAGE, 32, window, protocols, ping, 0, window)
+        # The answer goes to the root window. Qt and Wine address it differently.
+        notify = STRUCTURE_NOTIFY | SUBSTRUCTURE_NOTIFY
+        asker.socket.sendall(self.request(2, 0, struct.pack("<III", self.root, EVENT_MASK, notify)) +
+                             self.request(25, 0, struct.pack("<II", window, 0) + message))
+        try:
+            while True:
+                event = asker.receive(32)
+                if event[0] == ERROR:
+                    raise Gone(f"window {window}: error {event[1]}")
+                addressee, _, protocol, _, pinged = struct.unpack_from("<5I", event, 4)
+                if event[0] & 127 == CLIENT_MESSAGE and (addressee, protocol, pinged) == (self.root, ping, window):
+                    return
+        finally:
+            asker.close()
