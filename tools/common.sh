@@ -18,7 +18,7 @@ web_check_packages="$web_packages $play_packages ccache googletest chromium chro
 # Packages for the Windows build, its zip and installer, and its tests.
 windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libboost-dev
   libz-mingw-w64-dev libpng-dev libjpeg-dev nsis zip $window_test_packages"
-windows_check_packages="$windows_packages $play_packages"
+windows_check_packages="$windows_packages $play_packages clang-tidy-14"
 
 say() { printf '==> %s\n' "$*"; }
 fail() {

@@ -21,7 +21,7 @@ std::string replaceFile(const std::string& path, const std::string& contents) {
   DWORD count = 0;
   const bool isWritten = WriteFile(file, contents.data(), static_cast<DWORD>(contents.size()), &count, nullptr) != 0 &&
                          count == contents.size() && FlushFileBuffers(file) != 0;
-  const std::string error = isWritten ? "" : lastError();
+  std::string error = isWritten ? "" : lastError();
   CloseHandle(file);
   if (!isWritten) return error;
   return MoveFileExW(fresh.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0
