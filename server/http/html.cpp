@@ -29,7 +29,12 @@ std::string htmlBegin(std::string_view title) {
          "</title>\n"
          "<style>body{background:#101418;color:#d8e0e8;font:1.1em/1.5 sans-serif;max-width:48em;margin:3em auto;"
          "padding:0 1em}h1{color:#fff}a{color:#8cf}td,th{text-align:left;padding:.2em 1em .2em 0;"
-         "vertical-align:top;overflow-wrap:anywhere}th{overflow-wrap:normal}</style>\n<h1>" +
+         "vertical-align:top;overflow-wrap:anywhere}th{overflow-wrap:normal}"
+         // On phones, a game's notes have a line of their own, with everything else below.
+         "@media(max-width:36em){.games tr:first-child{display:none}.games tr{display:block;padding:.5em 0}"
+         ".games td{display:inline-block;padding:0 .5em 0 0}.games td:first-child{display:block;color:#fff}"
+         ".games td:nth-child(2)::after{content:' players'}.games td:nth-child(4)::before{content:'port "
+         "'}}</style>\n<h1>" +
          std::string(title) + "</h1>\n";
 }
 

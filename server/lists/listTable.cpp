@@ -5,7 +5,7 @@
 namespace kelvora::server {
 
 std::string listTableBegin() {
-  return htmlBegin("Kelvora games") + "<table>\n<tr><th>Game<th>Players<th>Address<th>Port<td></tr>\n";
+  return htmlBegin("Kelvora games") + "<table class=\"games\">\n<tr><th>Game<th>Players<th>Address<th>Port<td></tr>\n";
 }
 
 std::string listTableRow(const HostEntry& host) {
