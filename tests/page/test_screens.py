@@ -53,6 +53,16 @@ class Screens(PageTest):
         page.resize(1400, 800)
         page.wait_for("innerWidth === 1400 && canvas().width > 1200")
         self.assertEqual(page.see("dialog('Connect').getBoundingClientRect().left"), left)
+        # No drag takes it out of the page.
+        page.drag(page.middle("dialog('Connect').querySelector('h2')"), (2, 2))
+        page.wait_for("(r => r.left === 0 && r.top === 0)(dialog('Connect').getBoundingClientRect())")
+        # The next time it is in the middle again.
+        page.press_button("Cancel", "dialog('Connect')")
+        page.wait_for("!dialog('Connect')")
+        page.click_on("document.querySelector('.main .label')")
+        page.wait_for(f"dialog('Connect') && {OFF_CENTRE} <= 2")
+        page.resize(1000, 800)
+        page.wait_for(f"innerWidth === 1000 && {OFF_CENTRE} <= 2")
 
     def test_the_start_picture_fits_any_page(self):
         _, page = self.begin()
@@ -103,7 +113,7 @@ class Screens(PageTest):
 
 
 class Phones(PageTest):
-    """In browsers that know of no mouse, menus are larger."""
+    """Browsers that know of no mouse, in which menus are larger."""
 
     browser_options = ("blink-settings=primaryPointerType=2,availablePointerTypes=2",)
     browser_preferences = {"ui.primaryPointerCapabilities": 1, "ui.allPointerCapabilities": 1}
@@ -121,6 +131,39 @@ class Phones(PageTest):
                 page.wait_for("all('.menubar ul ul ul button').length > 1", "the innermost menu")
                 self.assertTrue(page.see(f"all('.menubar button').every({INSIDE})"), "a menu outside")
                 page.keep("menus-" + name)
+
+    def test_large_dialogs_fit(self):
+        for name, size in (("portrait", (390, 844)), ("landscape", (844, 390))):
+            with self.subTest(name):
+                page = self.open(self.start_server().port, size=size)
+                inside = f"all('.form:not(.main), .form:not(.main) .button').every({INSIDE})"
+                page.press_button("Get List", "dialog('Connect')")
+                page.wait_for(f"dialog('Game Finder') && {inside}")
+                page.keep("finder-" + name)
+                page.click_on("dialog('Game Finder').querySelector('.close')")
+                page.wait_for("!dialog('Game Finder')")
+                page.press_button("Cancel", "dialog('Connect')")
+                page.choose("Settings", "Fonts")
+                page.wait_for(f"all('.slider').length === 5 && {inside}")
+                self.assertTrue(page.see("all('.form:not(.main) .label.line').every((one) => one.scrollWidth <= one.clientWidth)"))
+                page.keep("fonts-" + name)
+                page.press_button("Done")
+                page.wait_for("!all('.slider').length")
+                page.click_on("document.querySelector('[aria-label=Store]')")
+                page.wait_for(f"by('h2', 'Powerups') && {inside}")
+                page.keep("store-" + name)
+
+    def test_the_list_of_games_breaks_no_words(self):
+        server = self.start_server("--notes", "An evening of games for everybody", "--public-address", "arena.games.example")
+        page = self.open(server.port, path="/games", size=(390, 844))
+        lines = "((one) => { const range = document.createRange(); range.selectNodeContents(one); " \
+                "return new Set([...range.getClientRects()].map((r) => Math.round(r.top))).size; })"
+        for width in (390, 844):
+            page.resize(width, 844)
+            page.wait_for(f"innerWidth === {width}")
+            page.keep(f"games-{width}")
+            self.assertEqual(page.see(f"all('tr + tr td:nth-child(n + 2), a').map({lines})"), [1, 1, 1, 1, 1])
+            self.assertTrue(page.see("document.documentElement.scrollWidth <= innerWidth"))
 
 
 class Fingers(PageTest):
@@ -147,6 +190,11 @@ class Fingers(PageTest):
         # The button does the same as the second finger.
         page.tap(*page.middle("by('button', 'Brakes')"))
         line.wait_for_rest()
+        # By keyboard, too. There is only one, however many fingers have come.
+        page.evaluate("document.getElementById('brakes').focus()")
+        page.press("Enter")
+        wait_for(flies_left, "the flight after a key")
+        self.assertEqual(page.see("all('#brakes').length"), 1)
 
     def test_a_tap_on_an_icon_fires_its_powerup(self):
         _, page = self.begin()

@@ -16,6 +16,12 @@ class Windows(PageTest):
         page.choose("Settings", "Fonts")
         page.wait_for("all('.slider').length === 5", "five sliders")
 
+    def expect_no_menu(self, page):
+        """Expects that a click on a menu does nothing."""
+        page.click(*page.see("((r) => [r.left + r.width / 2, r.top + r.height / 2])"
+                             "(by('.menubar button', 'File').getBoundingClientRect())"))
+        self.assertFalse(page.see("by('.menubar button', 'Exit')"))
+
     def test_the_store_sells_a_powerup(self):
         _, page = self.begin()
         line = self.log_in(page)
@@ -36,6 +42,34 @@ class Windows(PageTest):
         page.press_button("Done", STORE)
         page.wait_for(f"!{STORE}")
         self.assertEqual(page.complaints(), [])
+
+    def test_the_store_jumps_back_to_its_place(self):
+        _, page = self.begin()
+        place = f"((r) => [r.left, r.top])({STORE}.getBoundingClientRect())"
+        page.press_button("Cancel", "dialog('Connect')")
+        page.wait_for("!dialog('Connect')")
+        page.click_on("document.querySelector('[aria-label=Store]')")
+        page.wait_for(STORE)
+        # 120 twips from the corner of the page.
+        page.wait_for(f"{place}.every((one) => one === 8)")
+        x, y = page.middle(f"{STORE}.querySelector('h2')")
+        page.drag((x, y), (x + 100, y + 50))
+        page.wait_for(f"{place}[0] === 108 && {place}[1] === 58")
+        # It gets the focus back from a dialog.
+        page.choose("File", "Connect to server")
+        page.wait_for("dialog('Connect')")
+        page.press_button("Cancel", "dialog('Connect')")
+        page.wait_for(f"{place}.every((one) => one === 8)")
+
+    def test_a_dialog_blocks_those_below_and_gives_the_focus_back(self):
+        _, page = self.begin()
+        self.assertEqual(page.see("document.activeElement === named('Player Name:')"), True)
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("dialog('Game Finder')")
+        self.expect_no_menu(page)
+        page.click_on("dialog('Game Finder').querySelector('.close')")
+        page.wait_for("!dialog('Game Finder')")
+        page.wait_for("document.activeElement === by('button', 'Get List')", "the focus back in the dialog")
 
     def test_a_font_size_survives_a_reload(self):
         _, page = self.begin()
@@ -91,9 +125,38 @@ class Windows(PageTest):
         page.press("ArrowDown", "ArrowRight")
         self.assertEqual(page.see("words(document.activeElement)"), "Stars")
         page.keep("menus")
-        page.press("Escape", "Escape")
+        page.press("ArrowLeft")
+        self.assertEqual(page.see("words(document.activeElement)"), "Background Objects")
+        page.press("ArrowRight", "Escape", "Escape")
         self.assertEqual(page.see("words(document.activeElement)"), "Settings")
         self.assertFalse(page.see("by('.menubar button', 'Fonts')"))
+        # Disconnect is disabled.
+        page.press("ArrowLeft", "ArrowDown", "ArrowDown")
+        self.assertEqual(page.see("words(document.activeElement)"), "Exit")
+
+    def test_menus_work_by_mouse(self):
+        _, page = self.begin()
+        page.press_button("Cancel", "dialog('Connect')")
+        item = "by('.menubar button', '{}')".format
+        page.choose("File")
+        page.wait_for(item("Exit"))
+        self.assertTrue(page.see(f"{item('Disconnect')}.disabled && !{item('Connect to server')}.disabled"))
+        page.move(*page.middle(item("Settings")))
+        page.wait_for(f"{item('Fonts')} && !{item('Exit')}", "the neighbour instead")
+        page.move(*page.middle(item("Background Objects")))
+        page.wait_for(item("Quarks"))
+        checked = "all('.menubar [aria-checked=true]').map(words)"
+        self.assertEqual(page.see(checked), ["Stars"])
+        page.click_on(item("Quarks"))
+        page.wait_for(f"!{item('Fonts')}", "the menus closed by a choice")
+        page.choose("Settings", "Background Objects")
+        page.wait_for(f"{checked}.join() === 'Quarks'")
+        page.click_on("canvas()")
+        page.wait_for(f"!{item('Fonts')}", "the menus closed by a click elsewhere")
+        page.choose("File")
+        page.wait_for(item("Exit"))
+        page.choose("File")
+        page.wait_for(f"!{item('Exit')}", "the menu closed by a second click")
 
     def test_a_message_box_waits_for_its_answer(self):
         _, page = self.begin()
@@ -107,6 +170,17 @@ class Windows(PageTest):
         page.press("Enter")
         page.wait_for("!box()")
         line.ask()
+        page.type("~?")
+        page.press("Enter")
+        page.wait_for("box()", "another box")
+        self.expect_no_menu(page)
+        page.press_button("OK")
+        page.wait_for("!box()")
+        # The game stood still behind the box, and goes on.
+        width, height = page.canvas_size()
+        page.release_brakes(width / 2 + 150, height / 2)
+        begin, end = line.report(), line.report()
+        self.assertGreater(end[0], begin[0])
 
     def test_the_right_button_opens_no_menu_of_the_browser(self):
         _, page = self.begin()
