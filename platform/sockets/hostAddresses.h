@@ -34,8 +34,7 @@ std::vector<HostAddress> copyAddresses(const Entry* entry) {
 /// Numeric hosts are converted at once. Names block, because the system asks name servers.
 enum class HostKind { Numeric, Name };
 
-/// The system's addresses of a host, in the order in which to try them. Empty if there are none. On Linux, letters
-/// outside ASCII need a UTF-8 locale.
+/// The system's addresses of a host, in the order in which to try them. Empty if there are none.
 std::vector<HostAddress> findAddresses(const std::string& host, int port, HostKind kind);
 
 /// Runs it on a thread of its own. False if there is none.

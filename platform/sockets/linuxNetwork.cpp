@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cerrno>
+#include <clocale>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -39,6 +40,25 @@ const Watch& watch() {
   return only;
 }
 
+/// While it exists, the system takes this thread's host names for UTF-8, whatever the user's locale is.
+class Utf8Names {
+ public:
+  Utf8Names() : locale_(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {
+    if (locale_ != nullptr) before_ = uselocale(locale_);
+  }
+  ~Utf8Names() {
+    if (locale_ == nullptr) return;
+    uselocale(before_);
+    freelocale(locale_);
+  }
+  Utf8Names(const Utf8Names&) = delete;
+  Utf8Names& operator=(const Utf8Names&) = delete;
+
+ private:
+  locale_t locale_;
+  locale_t before_ = nullptr;
+};
+
 void setOption(int socket, int option, int value) { setsockopt(socket, IPPROTO_TCP, option, &value, sizeof value); }
 
 }  // namespace
@@ -58,6 +78,7 @@ std::vector<HostAddress> findAddresses(const std::string& host, int port, HostKi
   wanted.ai_family = AF_UNSPEC;
   wanted.ai_socktype = SOCK_STREAM;
   wanted.ai_flags = AI_NUMERICSERV | (kind == HostKind::Numeric ? AI_NUMERICHOST : AI_IDN);
+  const Utf8Names names;
   addrinfo* list = nullptr;
   if (getaddrinfo(utf8FromCodePage(host).c_str(), std::to_string(port).c_str(), &wanted, &list) != 0) return {};
   std::vector<HostAddress> found = copyAddresses(list);
