@@ -1,6 +1,8 @@
 #include "platform/desktop/framePacer.h"
 
 #include <charconv>
+#include <cstdio>
+#include <cstdlib>
 
 namespace kelvora {
 
@@ -18,6 +20,19 @@ std::optional<std::chrono::milliseconds> frameFromText(std::string_view text) {
   const auto [stop, error] = std::from_chars(text.data(), end, milliseconds);
   if (error != std::errc{} || stop != end || milliseconds < 1 || milliseconds > 1000) return std::nullopt;
   return std::chrono::milliseconds(milliseconds);
+}
+
+std::optional<std::chrono::milliseconds> frameFromEnvironment() {
+  const char* text = std::getenv("KELVORA_FRAME_MS");
+  if (text == nullptr || *text == '\0') return std::nullopt;
+  const auto frame = frameFromText(text);
+  if (!frame) {
+    std::fprintf(stderr,
+                 "kelvora: KELVORA_FRAME_MS must be a number from 1 to 1000, not \"%s\", so the game runs as fast as "
+                 "it can\n",
+                 text);
+  }
+  return frame;
 }
 
 }  // namespace kelvora

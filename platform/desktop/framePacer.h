@@ -23,7 +23,10 @@ class FramePacer {
   std::optional<TimePoint> lastEnd_;
 };
 
-/// Parses KELVORA_FRAME_MS: 1 to 1000 in plain digits. Nothing for any other text.
+/// Parses a frame's length: 1 to 1000 in plain digits. Nothing for any other text.
 std::optional<std::chrono::milliseconds> frameFromText(std::string_view text);
+
+/// The same for the environment variable KELVORA_FRAME_MS. Warns on stderr of a text that is no length.
+std::optional<std::chrono::milliseconds> frameFromEnvironment();
 
 }  // namespace kelvora

@@ -35,7 +35,7 @@ QtDesktop::QtDesktop(std::string commandLine)
   setFaultBox(showFaultBox);
   sinceStart_.start();
   QPixmapCache::setCacheLimit(styleCacheLimit);
-  if (const auto frame = frameFromText(qgetenv("KELVORA_FRAME_MS").toStdString())) pacer_.emplace(*frame);
+  if (const auto frame = frameFromEnvironment()) pacer_.emplace(*frame);
   wakeUp_.setSingleShot(true);
   wakeUp_.setTimerType(Qt::PreciseTimer);
   QObject::connect(&network_, &QSocketNotifier::activated, &network_, serveSockets);

@@ -20,9 +20,8 @@ namespace kelvora {
 
 Win32Backend::Win32Backend(std::string commandLine) : commandLine_(std::move(commandLine)) {
   Surface::setGlyphSource(&glyphs_);
-  const char* frame = std::getenv("KELVORA_FRAME_MS");
-  if (const auto length = frameFromText(frame == nullptr ? "" : frame)) {
-    pacer_.emplace(*length);
+  if (const auto frame = frameFromEnvironment()) {
+    pacer_.emplace(*frame);
     // By default, waits have a resolution of 15 ms.
     timeBeginPeriod(1);
   }

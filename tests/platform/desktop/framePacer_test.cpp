@@ -2,6 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+
 namespace kelvora {
 namespace {
 
@@ -46,6 +52,28 @@ TEST(FramePacer, ReadsOneToAThousandInPlainDigits) {
   EXPECT_EQ(frameFromText("1"), milliseconds(1));
   EXPECT_EQ(frameFromText("1000"), milliseconds(1000));
 }
+
+#ifndef _WIN32  // has another setenv
+
+TEST(FramePacer, WarnsOfAWrongLengthInTheEnvironment) {
+  const auto read = [](const char* text) {
+    ::setenv("KELVORA_FRAME_MS", text, 1);
+    testing::internal::CaptureStderr();
+    const auto frame = frameFromEnvironment();
+    ::unsetenv("KELVORA_FRAME_MS");
+    return std::pair(frame, testing::internal::GetCapturedStderr());
+  };
+  using Length = std::optional<milliseconds>;
+  EXPECT_EQ(read("10"), std::pair(Length(10), std::string()));
+  EXPECT_EQ(read(""), std::pair(Length(), std::string()));
+  EXPECT_EQ(read("abc"), std::pair(Length(), std::string("kelvora: KELVORA_FRAME_MS must be a number from 1 to 1000, "
+                                                         "not \"abc\", so the game runs as fast as it can\n")));
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(frameFromEnvironment(), std::nullopt) << "unset";
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+#endif
 
 TEST(FramePacer, IgnoresAnyOtherText) {
   for (const char* text : {"", "0", "1001", "-5", "+5", " 10", "10 ", "10ms", "ten", "1.5", "99999999999999999999"}) {
