@@ -107,11 +107,11 @@ std::string Video::part(const std::string& name) const {
 
 /// Runs in a session of its own, so that Ctrl+C only reaches this program, which then ends in order.
 std::string Video::ffmpeg(const std::string& arguments) const {
-  return "exec setsid ffmpeg -loglevel error -y " + arguments + " 2>" + quoted(wordsFile());
+  return "exec setsid ffmpeg -loglevel error -y " + arguments + " 2>" + quoted(messagesFile());
 }
 
-void Video::failByFfmpeg() {
-  std::ifstream words(wordsFile());
+void Video::failWithFfmpegsReason() {
+  std::ifstream words(messagesFile());
   std::string last;
   for (std::string line; std::getline(words, line);) {
     if (line.find("suitable output format") != line.npos) {
@@ -148,7 +148,7 @@ void Video::take(const Picture& picture) {
   }
   if (std::fwrite(frame.data(), sizeof(Pixel), frame.size(), pipe_) == frame.size()) return;
   ::pclose(std::exchange(pipe_, nullptr));  // so that its messages are complete
-  failByFfmpeg();
+  failWithFfmpegsReason();
 }
 
 void Video::play(const recording::Sounding& sounding, Millis at) {
@@ -156,12 +156,12 @@ void Video::play(const recording::Sounding& sounding, Millis at) {
 }
 
 void Video::conclude() {
-  if (::pclose(std::exchange(pipe_, nullptr)) != 0) return failByFfmpeg();
+  if (::pclose(std::exchange(pipe_, nullptr)) != 0) return failWithFfmpegsReason();
   if (!sound_->finish(pictures() * interval)) return fail(soundFile() + " can't be written");
   const std::string command =
       ffmpeg("-nostdin -i " + quoted("file:" + part("pictures")) + " -f s16le -ar " + std::to_string(sampleRate) +
              " -ac 2 -i " + quoted("file:" + soundFile()) + " -c:v copy " + quoted("file:" + part("film")));
-  if (std::system(command.c_str()) != 0) return failByFfmpeg();
+  if (std::system(command.c_str()) != 0) return failWithFfmpegsReason();
   std::error_code error;
   std::filesystem::rename(part("film"), file_, error);
   if (error) fail(file_ + " can't be written");

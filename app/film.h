@@ -92,11 +92,11 @@ class Video : public Film {
   /// A part of the film. The film's extension tells ffmpeg the format.
   std::string part(const std::string& name) const;
   std::string soundFile() const { return folder_ + "/sound"; }
-  std::string wordsFile() const { return folder_ + "/words"; }  ///< ffmpeg's messages
+  std::string messagesFile() const { return folder_ + "/words"; }  ///< ffmpeg's messages
   /// The command for ffmpeg with these arguments, both words for the shell.
   std::string ffmpeg(const std::string& arguments) const;
   /// Says why ffmpeg has failed.
-  void failByFfmpeg();
+  void failWithFfmpegsReason();
 
   std::string file_;
   std::string folder_;  ///< empty if there is none

@@ -139,7 +139,7 @@ void RecordingFile::finish() {
 Reader::Source openRecording(const std::string& path, OnProgress onProgress) {
   std::string file = readFile(path);
   const std::size_t head = magic.size() + 1;
-  if (file.starts_with(roundMark)) throw Damaged("it is a server's round, which kelvora-server --replay shows");
+  if (file.starts_with(roundMagic)) throw Damaged("it is a server's round, which kelvora-server --replay shows");
   if (file.size() < head || !file.starts_with(magic)) throw Damaged("it is no recording");
   if (const auto version = static_cast<std::uint8_t>(file[head - 1]); version > formatVersion) {
     throw Damaged("it has format " + std::to_string(version) + ", which is newer than this program's format " +

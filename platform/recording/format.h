@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <string_view>
 
-#include "base/recordingMarks.h"
+#include "base/recordingMagic.h"
 
 namespace kelvora::recording {
 
 /// A file begins with these bytes and the format's version in one byte. The rest is compressed.
-inline constexpr std::string_view magic = gameMark;
+inline constexpr std::string_view magic = gameMagic;
 inline constexpr std::uint8_t formatVersion = 1;
 
 /// Frames from one comparison of the state to the next.

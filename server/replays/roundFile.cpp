@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "base/recordingMarks.h"
+#include "base/recordingMagic.h"
 #include "protocol/frameReader.h"
 #include "protocol/frames.h"
 #include "protocol/powerupTable.h"
@@ -14,7 +14,7 @@ namespace kelvora::server {
 
 namespace {
 
-// A file begins with roundMark and the format's version in one byte. The rest is a zlib stream.
+// A file begins with roundMagic and the format's version in one byte. The rest is a zlib stream.
 constexpr char formatVersion = 1;
 
 constexpr int bitsPerByte = 7;  // of a number
@@ -115,19 +115,20 @@ std::optional<Moment> Moments::Reader::next() {
 }
 
 std::string roundFile(const Moments& round) {
-  return std::string(roundMark) + formatVersion + compressed(round.bytes());
+  return std::string(roundMagic) + formatVersion + compressed(round.bytes());
 }
 
 Moments readRound(std::string_view file) {
-  if (file.starts_with(gameMark)) throw std::runtime_error("it is a game's recording, which kelvora-replay shows");
-  if (!file.starts_with(roundMark) || file.size() == roundMark.size())
+  if (file.starts_with(gameMagic)) throw std::runtime_error("it is a game's recording, which kelvora-replay shows");
+  if (!file.starts_with(roundMagic) || file.size() == roundMagic.size()) {
     throw std::runtime_error("it holds no recorded round");
-  const char version = file[roundMark.size()];
+  }
+  const char version = file[roundMagic.size()];
   if (version != formatVersion) {
     throw std::runtime_error("its format " + std::to_string(static_cast<unsigned char>(version)) +
                              " needs another version of the server");
   }
-  auto bytes = decompressed(file.substr(roundMark.size() + 1), Moments::maxSize);
+  auto bytes = decompressed(file.substr(roundMagic.size() + 1), Moments::maxSize);
   if (!bytes) throw std::runtime_error("it is damaged or too large");
   Moments::Reader reader(*bytes);
   while (!reader.isAtEnd()) {
