@@ -166,10 +166,7 @@ TEST_F(RecordedPlayerTest, AFaultIsTheEnding) {
   });
   const HeadlessClient client;
   Playback playback(scoutOf(path));
-  while (!playback.isScouted()) {
-    playback.awaitScout();
-    playback.serve();
-  }
+  scoutWhole(playback);
   EXPECT_EQ(playback.ending(), "Type mismatch");
 }
 
@@ -180,10 +177,7 @@ TEST_F(RecordedPlayerTest, DamageIsTheEnding) {
   std::ofstream(path, std::ios::binary) << bytes;
   const HeadlessClient client;
   Playback playback(scoutOf(path));
-  while (!playback.isScouted()) {
-    playback.awaitScout();
-    playback.serve();
-  }
+  scoutWhole(playback);
   EXPECT_EQ(playback.ending(), "The recording is damaged here.");
 }
 

@@ -28,17 +28,19 @@ inline std::string recordingOf(const std::string& name) {
   return std::string(KELVORA_SOURCE_DIR) + "/tests/app/recordings/" + name;
 }
 
+/// Waits until the whole recording is known.
+inline void scoutWhole(Playback& playback) {
+  while (!playback.isScouted()) {
+    playback.awaitScout();
+    playback.serve();
+  }
+}
+
 /// A recording that is played by the processes of a player, shown without a screen.
 class PlayerTest : public testing::Test {
  protected:
   void open(const std::string& file) { playback.emplace(scoutOf(file)); }
-  /// Waits until the whole recording is known.
-  void scout() {
-    while (!playback->isScouted()) {
-      playback->awaitScout();
-      playback->serve();
-    }
-  }
+  void scout() { scoutWhole(*playback); }
   void goTo(Millis time) {
     playback->goTo(time);
     playback->wait();
