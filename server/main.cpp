@@ -35,7 +35,11 @@ int printHash() {
   const std::string password = readSecret("Password: ");
   // Other letters can't be typed into the game's chat line.
   const auto isTypeable = [](char c) { return c > ' ' && c <= '~'; };
-  if (password.empty() || !std::all_of(password.begin(), password.end(), isTypeable)) {
+  if (password.empty()) {
+    std::cerr << "kelvora-server: the password is empty\n";
+    return 2;
+  }
+  if (!std::all_of(password.begin(), password.end(), isTypeable)) {
     std::cerr << "kelvora-server: the password must have letters, digits and signs of ASCII only, and no blanks\n";
     return 2;
   }

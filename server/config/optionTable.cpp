@@ -44,6 +44,14 @@ Outcome checkUrls(const std::string& urls) {
   return Outcome::done();
 }
 
+Outcome checkOrigins(const std::string& origins) {
+  for (const std::string& origin : commaList(origins)) {
+    if (origin == "*" || origin.find("://") != std::string::npos) continue;
+    return Outcome::refused("needs origins such as https://games.example, or *");
+  }
+  return Outcome::done();
+}
+
 Option heading(std::string_view text) {
   return {"", "", text, Switch([](Options&) {})};
 }
@@ -118,7 +126,7 @@ const std::array table = {
            Text([](Options& o) -> std::string& { return o.site ? *o.site : o.site.emplace(); }), 0, maxPathLength},
     Option{"no-site", "", "serve no page to play in browsers", Switch([](Options& o) { o.site = ""; })},
     Option{"allow-origin", "ORIGINS", "web pages that may play here, separated by commas, * for all (*)",
-           Text([](Options& o) -> std::string& { return o.allowOrigin; }), 0, maxPathLength},
+           Text([](Options& o) -> std::string& { return o.allowOrigin; }), 0, maxPathLength, checkOrigins},
 
     heading("List of games:"),
     Option{"public-address", "ADDRESS", "this server's address in lists (as --address)",

@@ -34,7 +34,7 @@ Outcome takeArguments(Options& options, std::span<const std::string> arguments) 
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string_view argument = arguments[i];
     const std::size_t equals = std::min(argument.find('='), argument.size());
-    const std::string name(argument.substr(0, equals));
+    const std::string name(argument == "-h" ? "--help" : argument.substr(0, equals));
     const Option* option = name.starts_with("--") ? find(std::string_view(name).substr(2)) : nullptr;
     if (option == nullptr) return Outcome::refused("unknown option " + name);
     std::string value;

@@ -34,8 +34,7 @@ std::string tableOf(const RecordTable& table) {
 HttpAnswer homePageAnswer(const HomePage& page) {
   std::string body = htmlBegin("Kelvora arena");
   if (!page.notes.empty()) body += "<p>" + htmlText(page.notes) + "</p>\n";
-  body +=
-      "<p>" + std::to_string(page.players.size()) + " of " + std::to_string(page.maxPlayers) + " players are in.</p>\n";
+  body += "<p>Players: " + std::to_string(page.players.size()) + " of " + std::to_string(page.maxPlayers) + "</p>\n";
   body += listOf(page.players);
   if (!page.bots.empty()) {
     body += "<p>Bots play until people take their places:</p>\n" + listOf(page.bots);

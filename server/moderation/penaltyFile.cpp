@@ -1,6 +1,5 @@
 #include "server/moderation/penaltyFile.h"
 
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -11,10 +10,7 @@ namespace kelvora::server {
 
 PenaltyFile::PenaltyFile(ModerationHost& host, std::string path) : host_(host), path_(std::move(path)) {
   if (const std::string error = read(); !error.empty()) throw std::runtime_error(error);
-  const std::filesystem::path folder = std::filesystem::path(path_).parent_path();
-  if (!folder.empty() && !std::filesystem::is_directory(folder)) {
-    throw std::runtime_error("cannot write " + path_ + ": there is no folder " + folder.string());
-  }
+  requireFolderOf(path_);
 }
 
 PenaltyFile::~PenaltyFile() {

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cctype>
+#include <string>
 
-#include "base/text.h"
+#include "server/config/commaList.h"
 
 namespace kelvora::server {
 
@@ -21,12 +22,9 @@ bool isOriginAllowed(std::string_view origin, std::string_view host, std::string
   const std::size_t scheme = origin.find("://");
   if (scheme != std::string_view::npos && !host.empty() && equalsIgnoringCase(origin.substr(scheme + 3), host))
     return true;
-  while (!allowed.empty()) {
-    const std::size_t comma = std::min(allowed.find(','), allowed.size());
-    std::string entry = trimBlanks(allowed.substr(0, comma));
-    if (entry.ends_with('/')) entry.pop_back();
+  for (std::string_view entry : commaList(allowed)) {
+    if (entry.ends_with('/')) entry.remove_suffix(1);
     if (entry == "*" || equalsIgnoringCase(entry, origin)) return true;
-    allowed.remove_prefix(std::min(comma + 1, allowed.size()));
   }
   return false;
 }

@@ -5,6 +5,7 @@
 
 #include "server/arena/names.h"
 #include "server/arena/plainText.h"
+#include "server/system/files.h"
 #include "server/system/passwords.h"
 
 namespace kelvora::server {
@@ -15,7 +16,9 @@ struct RecordBook::File {
 };
 
 RecordBook::RecordBook(Background& background, std::string path)
-    : background_(background), path_(std::move(path)), file_(std::make_shared<File>()) {}
+    : background_(background), path_(std::move(path)), file_(std::make_shared<File>()) {
+  requireFolderOf(path_);
+}
 
 void RecordBook::open() { add({}, false, 0); }
 

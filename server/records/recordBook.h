@@ -21,7 +21,7 @@ class RecordBook {
  public:
   static constexpr std::size_t tableLength = 10;
 
-  /// An empty path keeps no records.
+  /// An empty path keeps no records. Throws std::runtime_error if the file's folder is missing.
   RecordBook(Background& background, std::string path);
   RecordBook(const RecordBook&) = delete;
   RecordBook& operator=(const RecordBook&) = delete;

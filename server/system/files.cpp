@@ -2,7 +2,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <system_error>
 
 #include "server/system/process.h"
@@ -25,6 +27,12 @@ FileText readFile(const std::string& path, std::size_t maxSize) {
   text.resize(static_cast<std::size_t>(stream.gcount()));
   if (text.size() > maxSize) return {.error = "longer than " + std::to_string(maxSize >> 10U) + " KiB"};
   return {.text = std::move(text)};
+}
+
+void requireFolderOf(const std::string& path) {
+  const std::filesystem::path folder = pathFromUtf8(path).parent_path();
+  if (folder.empty() || std::filesystem::is_directory(folder)) return;
+  throw std::runtime_error("cannot write " + path + ": there is no folder " + utf8FromPath(folder));
 }
 
 }  // namespace kelvora::server

@@ -16,4 +16,7 @@ struct FileText {
 };
 FileText readFile(const std::string& path, std::size_t maxSize);
 
+/// Throws std::runtime_error if there is no folder for this file, whose path may be mistyped.
+void requireFolderOf(const std::string& path);
+
 }  // namespace kelvora::server

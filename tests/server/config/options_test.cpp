@@ -60,6 +60,22 @@ TEST(ServerOptions, PublicAddressesAreThoseThatListsAccept) {
   }
 }
 
+TEST(ServerOptions, OriginsHaveASchemeOrAreAnyPage) {
+  for (const char* origins : {"", "*", "https://games.example", "http://a:8080, https://b/"}) {
+    EXPECT_EQ(parse({"--allow-origin", origins}).error, "") << origins;
+  }
+  for (const char* origins : {"games.example", "http://a, b", "http://a,,http://b", "http:a"}) {
+    EXPECT_EQ(parse({"--allow-origin", origins}).error,
+              "--allow-origin needs origins such as https://games.example, or *")
+        << origins;
+  }
+}
+
+TEST(ServerOptions, HelpHasAShortName) {
+  EXPECT_TRUE(parse({"-h"}).help);
+  EXPECT_EQ(parse({"-x"}).error, "unknown option -x");
+}
+
 TEST(ServerOptions, AgonesPortMustBeAPort) {
   Options options;
   EXPECT_FALSE(takeAgonesPort("9358", options).isRefused());

@@ -121,8 +121,7 @@ TEST(WebFilesOfBots, ThePageCountsPeopleAndNamesTheBotsApart) {
   ann.readUntil(wire::msgPlayerJoined);
   ann.readUntil(wire::msgPlayerJoined);
   const std::string page = ask(server.port(), "GET / HTTP/1.0\r\n\r\n", 2).body;
-  EXPECT_NE(page.find("<p>1 of 6 players are in.</p>\n<ul>\n<li>Ann</li>\n</ul>\n<p>Bots play"), std::string::npos)
-      << page;
+  EXPECT_NE(page.find("<p>Players: 1 of 6</p>\n<ul>\n<li>Ann</li>\n</ul>\n<p>Bots play"), std::string::npos) << page;
   std::size_t names = 0;
   for (std::size_t at = 0; (at = page.find("<li>", at)) != std::string::npos; ++at) ++names;
   EXPECT_EQ(names, 3U) << page;

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <optional>
 #include <random>
+#include <stdexcept>
 
 #include "server/records/database.h"
 #include "server/records/recordBook.h"
@@ -240,6 +241,15 @@ TEST_F(RecordsTest, AGameOnADiskThatFillsUpGoesOn) {
   book.add({{.client = 1, .name = "Ann", .captures = 4}}, true, 180'000);
   EXPECT_EQ(found(book, "Ann").captures, 6);
   EXPECT_EQ(lines.back(), "the records work again");
+}
+
+TEST_F(RecordsTest, AMissingFolderIsAnErrorAtTheStart) {
+  try {
+    const RecordBook book(*this, path + "/records");
+    FAIL() << "it is accepted";
+  } catch (const std::runtime_error& error) {
+    EXPECT_EQ(error.what(), "cannot write " + path + "/records: there is no folder " + path);
+  }
 }
 
 TEST_F(RecordsTest, CountTheTimeSinceTheLastRound) {
