@@ -8,6 +8,7 @@
 #include <variant>
 
 #include "base/rateLimit.h"
+#include "server/net/errorText.h"
 #include "server/net/pacedSocket.h"
 
 namespace kelvora::server {
@@ -66,7 +67,7 @@ std::string ClientStream::reasonOf(error_code error) const {
   if (state_->isFlooded) return "sent too many control frames";
   if (error == asio::error::eof || error == beast::websocket::error::closed) return "closed by the client";
   const bool isBroken = error.category() == error_code(beast::websocket::error::closed).category();
-  return isBroken ? "sent invalid data" : error.message();
+  return isBroken ? "sent invalid data" : errorText(error);
 }
 
 void ClientStream::readSome(asio::mutable_buffer buffer, std::shared_ptr<User> user) {

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "server/net/errorText.h"
 #include "server/system/process.h"
 
 namespace kelvora::server {
@@ -21,7 +22,7 @@ bool isMissing(error_code error) {
 std::string reasonOf(error_code error) {
   if (error == asio::error::host_not_found) return "there is no such host";
   if (error == asio::error::host_not_found_try_again) return "the name server doesn't answer";
-  return error.message();
+  return errorText(error);
 }
 
 }  // namespace
@@ -111,7 +112,7 @@ void Listener::acceptMore(Entrance& entrance) {
     if (!error || error == asio::error::connection_aborted) return acceptMore(entrance);
     // Trying again at once would loop for ever.
     entrance.isAccepting = false;
-    if (!std::exchange(isFailing_, true)) handlers_.onFailure(error.message());
+    if (!std::exchange(isFailing_, true)) handlers_.onFailure(errorText(error));
   });
 }
 
