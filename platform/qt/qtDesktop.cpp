@@ -3,7 +3,10 @@
 #include <QApplication>
 #include <QCursor>
 #include <QDateTime>
+#include <QDialogButtonBox>
 #include <QFile>
+#include <QGridLayout>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPixmapCache>
 #include <cstdlib>
@@ -27,6 +30,22 @@ namespace {
 /// KiB, for the style's cached button parts. It never reuses them for a window that is created again, such as the store
 /// at every visit, so they would grow to the toolkit's own limit of 10 MiB.
 constexpr int styleCacheLimit = 1024;
+
+/// Gives a box without an icon equal margins. By default its text is indented, and its button at the right edge.
+void centre(QMessageBox& box) {
+  if (auto* text = box.findChild<QLabel*>("qt_msgbox_label")) {
+    text->setIndent(0);
+    text->setContentsMargins({});
+  }
+  if (auto* buttons = box.findChild<QDialogButtonBox*>()) buttons->setCenterButtons(true);
+  auto* const layout = qobject_cast<QGridLayout*>(box.layout());
+  if (layout == nullptr) return;
+  layout->setHorizontalSpacing(0);
+  for (int i = 0; i < layout->count(); ++i) {
+    if (QSpacerItem* const gap = layout->itemAt(i)->spacerItem()) gap->changeSize(0, 0);
+  }
+  layout->invalidate();
+}
 
 }  // namespace
 
@@ -63,6 +82,7 @@ void QtDesktop::messageBox(const std::string& text) {
   QMessageBox box(QMessageBox::NoIcon, "Kelvora", QString::fromStdU16String(boxText(text)), QMessageBox::Ok,
                   QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
+  centre(box);
   box.exec();
 }
 

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPixmapCache>
+#include <QPushButton>
 #include <QScreen>
 #include <QTime>
 #include <QTimer>
@@ -146,6 +148,26 @@ TEST(Desktop, MessageBoxShowsPlainTextAndKeepsProcessingEvents) {
   EXPECT_EQ(text, QString::fromUtf16(u"Login denied: \n<b>full\u20AC</b>"));
   EXPECT_EQ(title, "Kelvora");
   EXPECT_EQ(format, Qt::PlainText);
+}
+
+TEST(Desktop, MessageBoxHasEqualMarginsAndACentredButton) {
+  QRect text;
+  QRect button;
+  QRect whole;
+  QTimer::singleShot(0, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_NE(box, nullptr);
+    const auto* label = box->findChild<QLabel*>("qt_msgbox_label");
+    const auto* ok = box->button(QMessageBox::Ok);
+    text = {label->mapTo(box, label->contentsRect().topLeft()), label->contentsRect().size()};
+    button = {ok->mapTo(box, QPoint()), ok->size()};
+    whole = box->rect();
+    box->accept();
+  });
+  MsgBox("Please enter a name for yourself");
+  EXPECT_GT(text.width(), 100);
+  EXPECT_NEAR(text.left(), whole.right() - text.right(), 1);
+  EXPECT_NEAR(button.center().x(), whole.center().x(), 1);
 }
 
 TEST(DesktopDeathTest, AFaultInAHandlerEndsTheProgramWithABox) {
