@@ -15,17 +15,22 @@ struct Close {
 };
 using Handle = std::unique_ptr<std::remove_pointer_t<HANDLE>, Close>;
 
-int fail(const wchar_t* what) {
-  MessageBoxW(nullptr, what, L"Kelvora", MB_OK | MB_ICONERROR);
-  return 1;
-}
-
 /// The file of this name beside this program.
 std::wstring beside(const wchar_t* name) {
   constexpr DWORD maxPath = 32'768;  // characters
   std::wstring path(maxPath, L'\0');
   path.resize(GetModuleFileNameW(nullptr, path.data(), maxPath));
   return path.substr(0, path.rfind(L'\\') + 1) + name;
+}
+
+/// Says why a program of this folder didn't start, and what to do.
+int fail(const std::wstring& program) {
+  const bool isMissing = GetFileAttributesW(beside(program.c_str()).c_str()) == INVALID_FILE_ATTRIBUTES;
+  const std::wstring text =
+      isMissing ? program + L" is missing. Unpack the whole archive into one folder, or install the game again."
+                : program + L" could not be started. Start it in a command prompt to see why.";
+  MessageBoxW(nullptr, text.c_str(), L"Kelvora", MB_OK | MB_ICONERROR);
+  return 1;
 }
 
 /// This program's arguments as they were given.
@@ -106,7 +111,7 @@ int play() {
   setUnlessSet(L"KELVORA_FRAME_MS", L"10");
   STARTUPINFOW how{};
   const Handle game = start(L"kelvora.exe", arguments(), how, 0);
-  if (!game) return fail(L"kelvora.exe could not be started.");
+  if (!game) return fail(L"kelvora.exe");
   WaitForSingleObject(game.get(), INFINITE);
   DWORD result = 1;
   GetExitCodeProcess(game.get(), &result);
@@ -122,7 +127,7 @@ int playAgainstBots() {
   // The connect dialog's default port. If it is taken, the game finder shows the other one.
   std::string endpoint = startServer(L"2010", job.get());
   if (endpoint.empty()) endpoint = startServer(L"0", job.get());
-  if (endpoint.empty()) return fail(L"kelvora-server.exe could not be started.");
+  if (endpoint.empty()) return fail(L"kelvora-server.exe");
   setUnlessSet(L"KELVORA_WEB_HOST", std::wstring(endpoint.begin(), endpoint.end()));
   return play();
 }

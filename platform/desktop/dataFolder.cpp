@@ -14,7 +14,8 @@ std::string dataFolder() {
   for (const fs::path& folder : {program, program / "../share/kelvora"}) {
     if (fs::exists(folder / "assets", ignored)) return fs::canonical(folder, ignored).string();
   }
-  return KELVORA_DATA_FOLDER;
+  // On other machines than the builder's, faults name the place where the pictures belong.
+  return fs::exists(KELVORA_DATA_FOLDER, ignored) ? KELVORA_DATA_FOLDER : program.string();
 }
 
 }  // namespace kelvora

@@ -9,7 +9,7 @@ namespace kelvora {
 std::filesystem::path programFolder();
 
 /// The folder with assets and sounds: KELVORA_DATA if set, else the program's folder, an installation's data folder, or
-/// the source folder of a build tree.
+/// the source folder of a build tree. The program's folder if none of them exists.
 std::string dataFolder();
 
 }  // namespace kelvora
