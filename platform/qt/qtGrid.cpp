@@ -129,6 +129,11 @@ class TableView : public QTableView {
 
   void mouseDoubleClickEvent(QMouseEvent* event) override { raiseDoubleClickOf(*event); }
 
+  void resizeEvent(QResizeEvent* event) override {
+    QTableView::resizeEvent(event);
+    followWidths();
+  }
+
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (watched == horizontalHeader()->viewport() && event->type() == QEvent::MouseButtonDblClick) {
       raiseDoubleClickOf(static_cast<const QMouseEvent&>(*event));
@@ -150,9 +155,21 @@ class TableView : public QTableView {
     model_->reload();
     isShowing_ = false;
     horizontalHeader()->setVisible(grid_.FixedRows > 0);
-    for (int column = 0; column < grid_.Cols; ++column) setColumnWidth(column, toPixels(grid_.ColWidth(column)));
+    followWidths();
     // Nothing is selected before the user or the game chooses.
     moveTo(QItemSelectionModel::NoUpdate);
+  }
+
+  /// The last column leaves out what needs a scroll bar if its texts fit without.
+  void followWidths() {
+    const int last = grid_.Cols - 1;
+    int room = viewport()->width();
+    for (int column = 0; column <= last; ++column) {
+      const int width = toPixels(grid_.ColWidth(column));
+      const bool isCut = column == last && room < width && sizeHintForColumn(last) <= room;
+      setColumnWidth(column, isCut ? room : width);
+      room -= width;
+    }
   }
 
   void moveTo(QItemSelectionModel::SelectionFlags marking) {

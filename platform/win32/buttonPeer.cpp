@@ -9,7 +9,7 @@ namespace kelvora {
 
 namespace {
 
-constexpr UINT centred = DT_CENTER | DT_VCENTER | DT_SINGLELINE;
+constexpr UINT centred = DT_CENTER | DT_VCENTER;
 
 Colour lighter(Colour colour) {
   constexpr int step = 14;
@@ -91,7 +91,7 @@ class CheckBoxPeer : public PushPeer {
     constexpr int inset = 3;
     if (box_.Value != 0) painter.tick({inset, square.top + inset, side - 2 * inset, side - 2 * inset}, looks.text);
     painter.text({side + gap, 0, place.width - side - gap, place.height}, toWide(box_.Caption.get()), FontSpec{},
-                 looks.text, DT_LEFT | DT_VCENTER | DT_SINGLELINE);
+                 looks.text, DT_LEFT | DT_VCENTER);
   }
 
  private:

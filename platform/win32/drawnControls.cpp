@@ -28,7 +28,7 @@ class FramePeer : public ControlPeer {
     const std::wstring title = toWide(frame_.Caption);
     const Box room{place.left + indent, place.top, measure.width(title.data(), title.size()) + 4, height};
     painter.fill(room, frame_.BackColor);
-    painter.text(room, title, FontSpec{}, frame_.ForeColor, DT_CENTER | DT_SINGLELINE | DT_NOCLIP);
+    painter.text(room, title, FontSpec{}, frame_.ForeColor, DT_CENTER | DT_NOCLIP);
   }
 
  private:
@@ -66,8 +66,8 @@ class ShapePeer : public ControlPeer {
     constexpr int dotted = 3;
     const int side = std::min(place.width, place.height);
     const bool isDotted = shape_.BorderStyle == dotted && shape_.BorderWidth <= 1;
-    painter.ellipse({place.left + (place.width - side) / 2, place.top + (place.height - side) / 2, side, side},
-                    shape_.FillColor, shape_.BorderColor, std::max(shape_.BorderWidth.get(), 1), isDotted);
+    painter.circle({place.left + (place.width - side) / 2, place.top + (place.height - side) / 2, side, side},
+                   shape_.FillColor, shape_.BorderColor, std::max(shape_.BorderWidth.get(), 1), isDotted);
   }
 
  private:

@@ -53,7 +53,8 @@ HFONT gdiFont(const FontSpec& font, double scale) {
   constexpr float pointsToTheInch = 72;
   const float pixels = std::round(font.size * dotsToTheInch / pointsToTheInch);
   const int designed = pixels >= 1 && pixels <= 200 ? static_cast<int>(pixels) : 12;
-  const int height = std::max(static_cast<int>(std::lround(designed * scale)), 1);
+  // Rounded down, so that texts fit where they do at scale 1.
+  const int height = std::max(static_cast<int>(designed * scale), 1);
   HFONT& found = fonts[{font.family, height, font.bold}];
   if (found != nullptr) return found;
   auto family = families.find(font.family);

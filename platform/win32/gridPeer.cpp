@@ -6,6 +6,7 @@
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/nativePeer.h"
+#include "platform/win32/textLines.h"
 #include "platform/win32/wideText.h"
 #include "raster/twips.h"
 // After the above.
@@ -23,15 +24,17 @@ std::wstring cellText(const std::string& text) {
   return line;
 }
 
-int formatOf(int alignment) {
+UINT flagsOf(int alignment) {
   constexpr int automatic = 9;
-  constexpr int across[] = {LVCFMT_LEFT, LVCFMT_CENTER, LVCFMT_RIGHT};
-  return alignment == automatic ? LVCFMT_LEFT : across[alignment / 3];
+  constexpr UINT across[] = {DT_LEFT, DT_CENTER, DT_RIGHT};
+  return alignment == automatic ? DT_LEFT : across[alignment / 3];
 }
 
 /// A list view, whose headings are the grid's fixed row.
 class GridPeer : public NativePeer {
   static constexpr int rowHeight = 18;  // pixels, of the headings, too
+  static constexpr int margin = 3;      // device pixels beside a cell's text
+  static constexpr UINT cellFlags = DT_VCENTER | DT_END_ELLIPSIS;
 
  public:
   GridPeer(Grid& grid, FormPeer& form)
@@ -78,6 +81,8 @@ class GridPeer : public NativePeer {
         if (isChosen && !isShowing_) post({InputKind::Edited, item.iItem + fixedRows_});
         return 0;
       }
+      case static_cast<UINT>(NM_CUSTOMDRAW):
+        return drawRow(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
       case static_cast<UINT>(NM_DBLCLK):
         post({InputKind::DoubleClick, 1});
         return 0;
@@ -134,21 +139,63 @@ class GridPeer : public NativePeer {
     if (drawing.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
     const int column = static_cast<int>(drawing.dwItemSpec);
     if (column >= columns_ || column >= grid_.Cols || grid_.Rows == 0) return CDRF_SKIPDEFAULT;
-    constexpr int margin = 5;
     painter.fill({box.left + box.width - 1, box.top, 1, box.height}, looks.line);
     // In device pixels, and so at the form's scale.
-    const HGDIOBJ before = SelectObject(drawing.hdc, gdiFont(FontSpec{}, form().scale()));
-    SetBkMode(drawing.hdc, TRANSPARENT);
-    SetTextColor(drawing.hdc, toColorRef(looks.text));
     InflateRect(&place, -margin, 0);
-    const std::wstring title = cellText(grid_.TextMatrix(0, column));
-    DrawTextW(drawing.hdc, title.c_str(), static_cast<int>(title.size()), &place,
-              DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
-    SelectObject(drawing.hdc, before);
+    drawText(drawing.hdc, place, cellText(grid_.TextMatrix(0, column)), font(), looks.text, cellFlags);
     return CDRF_SKIPDEFAULT;
   }
 
-  int widthOf(int column) const { return static_cast<int>(toPixels(grid_.ColWidth(column)) * form().scale()); }
+  /// Draws whole rows, because the system's chosen row is light, and lighter still without the keyboard.
+  LRESULT drawRow(const NMLVCUSTOMDRAW& drawing) const {
+    const HDC dc = drawing.nmcd.hdc;
+    if (drawing.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (drawing.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
+    const Looks& looks = form().looks();
+    const Painter painter(dc, 1);
+    const int item = static_cast<int>(drawing.nmcd.dwItemSpec);
+    const int row = item + fixedRows_;
+    RECT place{};
+    if (row >= grid_.Rows || ListView_GetItemRect(window(), item, &place, LVIR_BOUNDS) == FALSE)
+      return CDRF_SKIPDEFAULT;
+    const bool isChosen = ListView_GetItemState(window(), item, LVIS_SELECTED) != 0;
+    const int height = static_cast<int>(place.bottom - place.top);
+    const int top = static_cast<int>(place.top);
+    int left = static_cast<int>(place.left);
+    for (int column = 0; column < columns_ && column < grid_.Cols; ++column) {
+      const int width = ListView_GetColumnWidth(window(), column);
+      painter.fill({left, top, width, height}, isChosen ? looks.chosen : looks.field);
+      const RECT cell{left + margin, top, left + width - margin, top + height};
+      drawText(dc, cell, cellText(grid_.TextMatrix(row, column)), font(), looks.text,
+               flagsOf(grid_.ColAlignment(column)) | cellFlags);
+      left += width;
+      painter.fill({left - 1, top, 1, height}, looks.ground);
+    }
+    painter.fill({static_cast<int>(place.left), top + height - 1, left - static_cast<int>(place.left), 1},
+                 looks.ground);
+    return CDRF_SKIPDEFAULT;
+  }
+
+  HFONT font() const { return gdiFont(FontSpec{}, form().scale()); }
+
+  /// The last column leaves out what needs a scroll bar if its texts fit without.
+  int widthOf(int column) const {
+    const int width = deviceWidth(column);
+    if (column + 1 < columns_) return width;
+    const RECT place = deviceRect(box(), form().scale());
+    const bool scrolls = grid_.Rows * deviceHeight() > place.bottom - place.top;
+    int room = static_cast<int>(place.right - place.left) - (scrolls ? GetSystemMetrics(SM_CXVSCROLL) : 0);
+    for (int other = 0; other < column; ++other) room -= deviceWidth(other);
+    const FontMeasure measure(font());
+    int needed = 0;
+    for (int row = 0; row < grid_.Rows; ++row) {
+      const std::wstring text = cellText(grid_.TextMatrix(row, column));
+      needed = std::max(needed, measure.width(text.data(), text.size()) + 2 * margin);
+    }
+    return width > room && needed <= room ? room : width;
+  }
+
+  int deviceWidth(int column) const { return static_cast<int>(toPixels(grid_.ColWidth(column)) * form().scale()); }
 
   /// Hides cells without any text: a list that hasn't arrived yet is an empty field.
   bool isBlank() const {
@@ -187,8 +234,7 @@ class GridPeer : public NativePeer {
   void addColumn(int column) {
     std::wstring title = fixedRows_ > 0 ? cellText(grid_.TextMatrix(0, column)) : std::wstring();
     LVCOLUMNW entry{};
-    entry.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT;
-    entry.fmt = formatOf(grid_.ColAlignment(column));
+    entry.mask = LVCF_WIDTH | LVCF_TEXT;
     entry.cx = widthOf(column);
     entry.pszText = title.data();
     SendMessageW(window(), LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&entry));

@@ -1,8 +1,10 @@
+#include <vector>
 
 #include "platform/desktop/shownLabel.h"
 #include "platform/win32/controlPeer.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
+#include "platform/win32/textLines.h"
 #include "platform/win32/wideText.h"
 #include "raster/surface.h"
 
@@ -59,13 +61,11 @@ class LabelPeer : public ControlPeer {
       const FontMeasure measure(gdiFont(font, scale));
       const int lineHeight = static_cast<int>(measure.lineHeight() / scale);
       const bool severalLines = room.height >= 2 * lineHeight;
-      RECT lines = deviceRect({0, 0, room.width, room.height}, scale);
-      const LONG width = lines.right;
-      const LONG height = lines.bottom;
-      DrawTextW(measure.dc(), text.c_str(), static_cast<int>(text.size()), &lines,
-                DT_CALCRECT | DT_NOPREFIX | DT_EXPANDTABS | (severalLines ? DT_WORDBREAK : 0U));
-      const bool fits = lines.right <= width && (lines.bottom <= height || !severalLines);
-      const bool wraps = severalLines && lines.bottom >= 2 * measure.lineHeight();
+      const RECT place = deviceRect({0, 0, room.width, room.height}, scale);
+      const std::vector<TextLine> lines = textLines(measure.dc(), text, severalLines ? place.right : 0);
+      const int height = measure.lineHeight() * static_cast<int>(lines.size());
+      const bool fits = widest(lines) <= place.right && (height <= place.bottom || !severalLines);
+      const bool wraps = severalLines && lines.size() > 1;
       if (fits) return {lineHeight, wraps};
       if (font.size - pixelInPoints < smallest) {
         font = designed;

@@ -151,7 +151,7 @@ void drawMenuItem(const FormPeer& form, const DRAWITEMSTRUCT& item) {
   if (text == separator) {
     painter.fill({place.left, place.top + place.height / 2, place.width, 1}, looks.line);
   } else {
-    constexpr UINT middle = DT_VCENTER | DT_SINGLELINE;
+    constexpr UINT middle = DT_VCENTER;
     constexpr wchar_t arrow[] = L"\u203A";
     const Colour ink = peer->isEnabled() ? looks.text : looks.quiet;
     const int left = peer->isInBar() ? 0 : markWidth;

@@ -1,8 +1,10 @@
 #include "platform/win32/messageWindow.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "platform/win32/gdiFonts.h"
+#include "platform/win32/textLines.h"
 #include "platform/win32/wideText.h"
 #include "raster/twips.h"
 
@@ -18,16 +20,14 @@ constexpr float buttonHeight = 375;
 }  // namespace
 
 MessageWindow::Size MessageWindow::measure(const std::string& text) {
-  constexpr LONG lineWidth = 480;  // pixels; a longer word widens the box
-  constexpr LONG minWidth = 160;
+  constexpr int lineWidth = 480;  // pixels; a longer word widens the box
+  constexpr int minWidth = 160;
   const FontMeasure measure(gdiFont(FontSpec{}, 1));
-  const std::wstring wide = toWide(text);
-  RECT place{0, 0, lineWidth, 0};
-  DrawTextW(measure.dc(), wide.c_str(), static_cast<int>(wide.size()), &place,
-            DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX | DT_EXPANDTABS);
-  const LONG slack = 8;  // for other scales, whose letters aren't exact multiples
-  return {static_cast<float>(std::max(place.right + slack, minWidth) * twipsPerPixel),
-          static_cast<float>((std::max(place.bottom, 2L * measure.lineHeight()) + slack) * twipsPerPixel)};
+  const std::vector<TextLine> lines = textLines(measure.dc(), toWide(text), lineWidth);
+  const int height = measure.lineHeight() * static_cast<int>(lines.size());
+  const int slack = 8;  // for other scales, whose letters aren't exact multiples
+  return {static_cast<float>(std::max(widest(lines) + slack, minWidth) * twipsPerPixel),
+          static_cast<float>((height + slack) * twipsPerPixel)};
 }
 
 MessageWindow::MessageWindow(const std::string& text) : MessageWindow(text, measure(text)) {}

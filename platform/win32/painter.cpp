@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <vector>
 
+#include "platform/win32/circlePixels.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/pictureScaler.h"
+#include "platform/win32/textLines.h"
 
 namespace kelvora {
 
@@ -90,12 +94,7 @@ void Painter::scaleParts(POINT corner, const PictureScaler& scaler, std::span<co
 }
 
 void Painter::text(const Box& box, const std::wstring& text, const FontSpec& font, Colour colour, UINT flags) const {
-  const HGDIOBJ before = SelectObject(dc_, gdiFont(font, scale_));
-  SetBkMode(dc_, TRANSPARENT);
-  SetTextColor(dc_, toColorRef(colour));
-  RECT place = deviceRect(box, scale_);
-  DrawTextW(dc_, text.c_str(), static_cast<int>(text.size()), &place, flags | DT_NOPREFIX | DT_EXPANDTABS);
-  SelectObject(dc_, before);
+  drawText(dc_, deviceRect(box, scale_), text, gdiFont(font, scale_), colour, flags);
 }
 
 void Painter::tick(const Box& box, Colour colour) const {
@@ -111,19 +110,24 @@ void Painter::tick(const Box& box, Colour colour) const {
   DeleteObject(pen);
 }
 
-void Painter::ellipse(const Box& box, Colour fill, Colour line, int lineWidth, bool isDotted) const {
+void Painter::circle(const Box& box, Colour fill, Colour line, int lineWidth, bool isDotted) const {
   const RECT place = deviceRect(box, scale_);
-  const int width = std::max(scaled(lineWidth, scale_), 1);
-  const HPEN pen = CreatePen(isDotted && width == 1 ? PS_DOT : PS_SOLID, width, toColorRef(line));
-  const HBRUSH brush = CreateSolidBrush(toColorRef(fill));
-  const HGDIOBJ penBefore = SelectObject(dc_, pen);
-  const HGDIOBJ brushBefore = SelectObject(dc_, brush);
-  SetBkMode(dc_, TRANSPARENT);
-  Ellipse(dc_, place.left, place.top, place.right, place.bottom);
-  SelectObject(dc_, brushBefore);
-  SelectObject(dc_, penBefore);
-  DeleteObject(brush);
-  DeleteObject(pen);
+  const Circle circle{(place.right - place.left - scale_) / 2, lineWidth * scale_, fill, line, isDotted};
+  const int margin = static_cast<int>(std::ceil(circle.lineWidth / 2));
+  const int side = static_cast<int>(place.right - place.left) + 2 * margin;
+  const std::vector<std::uint32_t> pixels = circlePixels(circle, side);
+  const HDC source = CreateCompatibleDC(dc_);
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(BITMAPINFOHEADER), side, -side, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  const HBITMAP bitmap = CreateDIBSection(source, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  if (bits != nullptr) std::memcpy(bits, pixels.data(), pixels.size() * sizeof pixels[0]);
+  const HGDIOBJ before = SelectObject(source, bitmap);
+  GdiAlphaBlend(dc_, place.left - margin, place.top - margin, side, side, source, 0, 0, side, side,
+                {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
+  SelectObject(source, before);
+  DeleteObject(bitmap);
+  DeleteDC(source);
 }
 
 }  // namespace kelvora

@@ -46,12 +46,12 @@ class Painter {
   /// Draws only these areas of the picture. They look as in the whole picture.
   void pictureParts(int left, int top, std::span<const Pixel> pixels, int width, int height,
                     std::span<const PixelArea> areas) const;
-  /// `flags` are those of the system's DrawText.
+  /// `flags` are those of `drawText`.
   void text(const Box& box, const std::wstring& text, const FontSpec& font, Colour colour, UINT flags) const;
   /// A check mark that fills the box.
   void tick(const Box& box, Colour colour) const;
-  /// An ellipse inside the box. `lineWidth` is in pixels of the game.
-  void ellipse(const Box& box, Colour fill, Colour line, int lineWidth, bool isDotted) const;
+  /// A disc in a square box, with a line around it. `lineWidth` is in pixels of the game.
+  void circle(const Box& box, Colour fill, Colour line, int lineWidth, bool isDotted) const;
 
  private:
   /// Copies part of a picture of this width, pixel by pixel.

@@ -10,7 +10,8 @@ namespace {
 class SliderPeer : public NativePeer {
  public:
   SliderPeer(Slider& slider, FormPeer& form)
-      : NativePeer(slider, form, TRACKBAR_CLASSW, TBS_HORZ | TBS_AUTOTICKS, FontSpec{}), slider_(slider) {
+      : NativePeer(slider, form, TRACKBAR_CLASSW, TBS_HORZ | TBS_AUTOTICKS | TBS_FIXEDLENGTH, FontSpec{}),
+        slider_(slider) {
     SendMessageW(window(), TBM_SETRANGE, TRUE, MAKELPARAM(slider.Min, slider.Max));
     SendMessageW(window(), TBM_SETPAGESIZE, 0, 1);
     SendMessageW(window(), TBM_SETTICFREQ, 1, 0);
@@ -31,12 +32,15 @@ class SliderPeer : public NativePeer {
     post({code == TB_THUMBTRACK ? InputKind::Scrolled : InputKind::Changed, value});
   }
 
+  void follow() override {
+    NativePeer::follow();
+    SendMessageW(window(), TBM_SETTHUMBLENGTH, static_cast<WPARAM>(scaled(thumbLength, form().scale())), 0);
+  }
+
   LRESULT notify(const NMHDR& header) override {
     if (header.code != static_cast<UINT>(NM_CUSTOMDRAW)) return CDRF_DODEFAULT;
     const auto& drawing = reinterpret_cast<const NMCUSTOMDRAW&>(header);
-    if (drawing.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
-    if (drawing.dwItemSpec != TBCD_TICS) return CDRF_DODEFAULT;
-    drawTicks(drawing.hdc);
+    if (drawing.dwDrawStage == CDDS_PREPAINT) paintAll(drawing.hdc);
     return CDRF_SKIPDEFAULT;
   }
 
@@ -47,23 +51,35 @@ class SliderPeer : public NativePeer {
   }
 
  private:
-  /// Draws the ticks, because the system's are dark and hard to see on a dark form.
-  void drawTicks(HDC dc) const {
-    constexpr int length = 4;
+  static constexpr int thumbLength = 15;  // pixels
+
+  /// Draws all of it, because the system's slider is light, and in Wine the ticks are below its edge.
+  void paintAll(HDC dc) const {
+    const Looks& looks = form().looks();
+    const Painter painter(dc, 1);  // in device pixels
+    RECT whole{};
     RECT channel{};
-    RECT handle{};
+    RECT thumb{};
+    GetClientRect(window(), &whole);
     SendMessageW(window(), TBM_GETCHANNELRECT, 0, reinterpret_cast<LPARAM>(&channel));
-    SendMessageW(window(), TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&handle));
-    const LONG half = (handle.right - handle.left) / 2;
-    const LONG left = channel.left + half;
-    const LONG steps = slider_.Max - slider_.Min;
-    const LONG across = channel.right - half - 1 - left;
-    SetDCBrushColor(dc, toColorRef(form().looks().text));
-    for (LONG step = 0; step <= steps; ++step) {
-      const LONG x = left + across * step / steps;
-      const RECT tick{x, handle.bottom + 1, x + 1, handle.bottom + 1 + length};
-      FillRect(dc, &tick, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+    SendMessageW(window(), TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
+    const auto paint = [&](const RECT& place, Colour fill, Colour line) {
+      const Box box{static_cast<int>(place.left), static_cast<int>(place.top),
+                    static_cast<int>(place.right - place.left), static_cast<int>(place.bottom - place.top)};
+      painter.fill(box, fill);
+      painter.border(box, line);
+    };
+    paint(whole, looks.ground, looks.ground);
+    paint(channel, looks.field, looks.line);
+    const int half = static_cast<int>(thumb.right - thumb.left) / 2;
+    const int left = static_cast<int>(channel.left) + half;
+    const int steps = slider_.Max - slider_.Min;
+    const int across = static_cast<int>(channel.right) - half - 1 - left;
+    const int top = static_cast<int>(thumb.bottom) + 2;
+    for (int step = 0; step <= steps; ++step) {
+      painter.fill({left + across * step / steps, top, 1, scaled(3, form().scale())}, looks.text);
     }
+    paint(thumb, GetFocus() == window() ? looks.chosen : looks.raised, looks.text);
   }
 
   Slider& slider_;

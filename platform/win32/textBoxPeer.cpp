@@ -48,6 +48,11 @@ class TextBoxPeer : public NativePeer {
     }
   }
 
+  void follow() override {
+    NativePeer::follow();
+    SendMessageW(window(), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);
+  }
+
   HBRUSH colours(HDC dc) const override {
     SetTextColor(dc, toColorRef(fore()));
     SetBkColor(dc, toColorRef(back()));
@@ -57,15 +62,16 @@ class TextBoxPeer : public NativePeer {
 
   void paint(const Painter& painter, const Box& place) override {
     painter.fill(place, back());
-    painter.border(place, GetFocus() == window() ? form().looks().chosen : form().looks().line);
+    const Looks& looks = form().looks();
+    if (box_.design.systemColours) painter.border(place, GetFocus() == window() ? looks.chosen : looks.line);
   }
 
  protected:
   /// The native edit window is as high as its line of text, and centred in the control, which draws the border.
   Box windowBox(const Box& place) const override {
-    constexpr int margin = 4;
+    constexpr int margin = 3;
     const int height = FontMeasure(gdiFont(box_.design.font, 1)).lineHeight();
-    const int above = std::max((place.height - height) / 2, 1);
+    const int above = std::max((place.height - height + 1) / 2, 1);
     return {place.left + margin, place.top + above, place.width - 2 * margin, std::min(height, place.height - 2)};
   }
 

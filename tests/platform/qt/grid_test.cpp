@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QTableView>
 
 #include "platform/widgets.h"
@@ -76,6 +77,19 @@ TEST_F(TablePeer, ColumnsAreAsWideAsTheGridSays) {
   EXPECT_EQ(view().columnWidth(0), 100);
   EXPECT_EQ(view().columnWidth(1), 72);
   EXPECT_EQ(view().model()->index(0, 1).data(Qt::TextAlignmentRole).toInt(), Qt::AlignRight | Qt::AlignVCenter);
+}
+
+TEST_F(TablePeer, TheLastColumnEndsAtTheEdgeIfItsTextsFit) {
+  form_.grid.ColWidth(2, 9000);
+  EXPECT_TRUE(serveUntil([this] { return view().columnWidth(2) == view().viewport()->width() - 172; }));
+  EXPECT_EQ(view().horizontalScrollBar()->maximum(), 0);
+}
+
+TEST_F(TablePeer, TheLastColumnKeepsItsWidthForALongText) {
+  form_.grid.AddItem("gamma\t3\t" + std::string(80, 'W'));
+  form_.grid.ColWidth(2, 9000);
+  EXPECT_TRUE(serveUntil([this] { return view().columnWidth(2) == 600; }));
+  EXPECT_GT(view().horizontalScrollBar()->maximum(), 0);
 }
 
 TEST_F(TablePeer, ClickSelectsTheCell) {
