@@ -22,6 +22,7 @@ sys.dont_write_bytecode = True  # no bytecode in the source tree
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools" / "desktop"))
 import harness  # noqa: E402  (found by the line above)
+import wine  # noqa: E402
 
 CANVAS = (763, 608)  # pixels, as designed
 EDGE = 9000  # world units; the pictures show no edge
@@ -147,7 +148,7 @@ class Camera:
 
 def bots(count):
     """The options that fill a server with players."""
-    text = subprocess.run([harness.SERVER, "--help"], capture_output=True, text=True).stdout
+    text = subprocess.run(wine.command(harness.SERVER, "--help"), capture_output=True, text=True).stdout
     return ["--bots", str(count), "--skill", "easy"] if re.search(r"^\s*--bots\b", text, re.M) else []
 
 
