@@ -2,8 +2,9 @@
 """tests/run_tests.py BUILD_FOLDER JOBS [--all]: runs the tests of a build with ctest, except those that have passed and
 whose inputs are the same since. --all runs these, too.
 
-A test's inputs are its command and environment, the programs, files and folders that these name, all of the project's
-files that are not compiled, and the installed packages. The tests in tests/project read the sources, too.
+A test's inputs are its command and environment, the programs, files and folders that these name, the project's files
+that are not compiled, and the installed packages. Scripts in tests are inputs of the tests in their folder. Those in
+tests/project read everything.
 BUILD_FOLDER/passed.json has a hash of each passed test's inputs. ctest writes its results to tests.xml.
 """
 import functools
@@ -36,34 +37,37 @@ def files_below(folder):
 
 
 @functools.cache
-def project_files(with_sources):
-    """The hash of the project's files."""
+def project_files(with_sources, script_folder):
+    """The hash of the project's files. Of the scripts in tests, only those in one folder."""
+    def is_read(path):
+        if path.suffix == ".py" and path.is_relative_to(PROJECT / "tests"):
+            return with_sources or path.parent == script_folder
+        return with_sources or path.suffix not in COMPILED
+
     files = []
     for place, folders, names in os.walk(PROJECT):
         folders[:] = [name for name in folders if not name.startswith(("build", ".git", "__pycache__"))]
-        files += [Path(place, name) for name in names if with_sources or not name.endswith(COMPILED)]
-    return hash_of_all(path for path in files if path.is_file())
+        files += [path for path in (Path(place, name) for name in names) if is_read(path) and path.is_file()]
+    return hash_of_all(files)
 
 
 @functools.cache
 def programs_beside(folder):
-    """The hash of the programs in a build's folder, their message ids for Python, and their packages. A script that is
-    told of one program uses the others, too."""
+    """The hash of the programs in a build's folder and their message ids for Python. A script that is told of one
+    program uses the others, too. Their zip and installer are made from them and the project's files."""
     programs = [path for path in folder.iterdir() if path.is_file() and os.access(path, os.X_OK)]
-    scripts = list((folder / "generated").glob("*.py"))
-    return hash_of_all(programs + scripts + files_below(folder / "packages"))
+    return hash_of_all(programs + list((folder / "generated").glob("*.py")))
 
 
 @functools.cache
 def named_by(word):
-    """The hash of what a word of a command, or the value of a variable, names; None for the project's own files."""
+    """The hash of what a word of a command, or the value of a variable, names; None for the project's folders."""
     path = Path(word)
     if not path.is_absolute() or not path.exists():
         return None
-    if path.is_relative_to(PROJECT) and not path.is_relative_to(PROJECT / "build"):
-        return None
     if path.is_dir():
-        return hash_of_all(files_below(path))
+        is_sources = path.is_relative_to(PROJECT) and not path.is_relative_to(PROJECT / "build")
+        return None if is_sources else hash_of_all(files_below(path))
     if (path.parent / "CMakeCache.txt").exists():
         return programs_beside(path.parent)
     return hash_of_all([path, *path.parent.glob(f"{path.stem}.wasm")])
@@ -80,7 +84,7 @@ def inputs_of(test):
     words = command + [variable.partition("=")[2] for variable in variables]
     words += properties.get("REQUIRED_FILES", [])
     inputs = [command, variables, [named_by(word) for word in words],
-              project_files("project" in properties.get("LABELS", [])),
+              project_files("project" in properties.get("LABELS", []), Path(properties.get("WORKING_DIRECTORY", ""))),
               hash_of(PACKAGES) if PACKAGES.exists() else None,
               sorted(pair for pair in os.environ.items() if pair[0].startswith("KELVORA_"))]
     return hashlib.sha256(json.dumps(inputs).encode()).hexdigest()
