@@ -1,7 +1,7 @@
 # Functions shared by ./play, ./check and the tools. Source it in bash with the project's folder as the current one.
 
 # Packages for building and playing, and additional ones for the checks.
-play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libjpeg-dev libboost-dev
+play_packages="g++ cmake ninja-build qt6-base-dev libgl1-mesa-dev libpng-dev libstb-dev libboost-dev
   libcurl4-openssl-dev libsqlite3-dev libfontconfig-dev libxcb1-dev zlib1g-dev libsdl2-dev libmpg123-dev
   fonts-comic-neue fonts-liberation"
 window_test_packages="python3 xvfb xdotool openbox wmctrl x11-utils x11-xserver-utils pulseaudio pulseaudio-utils mpg123"
@@ -17,7 +17,7 @@ web_check_packages="$web_packages $play_packages ccache googletest chromium chro
 
 # Packages for the Windows build, its zip and installer, and its tests.
 windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libboost-dev
-  libz-mingw-w64-dev libpng-dev libjpeg-dev nsis zip $window_test_packages"
+  libz-mingw-w64-dev libpng-dev nsis zip $window_test_packages"
 windows_check_packages="$windows_packages $play_packages clang-tidy-14"
 
 say() { printf '==> %s\n' "$*"; }

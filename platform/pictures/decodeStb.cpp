@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <memory>
 
 #include "platform/pictures/decode.h"
@@ -5,15 +8,15 @@
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
 #define STBI_ONLY_JPEG
-#define STBI_ONLY_PNG
 #define STBI_NO_STDIO
 #define STBI_NO_LINEAR
 #define STBI_NO_HDR
 #define STBI_MAX_DIMENSIONS 8192
 #include <stb_image.h>
 
-// The decoder of the browser and Windows builds, in place of decodePng.cpp and decodeJpeg.cpp. It gives the same pixels
-// for PNG files, but doesn't check their checksums and refuses transparency. JPEG colours may differ by a rounding.
+// Decodes JPEG files everywhere: libjpeg would be half a megabyte in memory for one picture. STBI_ONLY_PNG adds PNG
+// files for browsers and Windows, with the same pixels as from libpng. But their checksums aren't checked, and
+// transparency is refused.
 
 namespace kelvora {
 
@@ -42,9 +45,34 @@ std::optional<Picture> decode(const FileBytes& bytes) {
   return picture;
 }
 
+/// True if a Huffman table claims more codes than there are bytes. The decoder would write them beyond its own table.
+bool hasOversizedTable(const FileBytes& jpeg) {
+  constexpr std::array<unsigned char, 2> marker{0xFF, 0xC4};
+  constexpr std::size_t lengths = 16;  // a table begins with its kind and the number of codes of each length
+  constexpr int maxCodes = 256;
+  const auto byteAt = [&jpeg](std::size_t at) { return at < jpeg.size() ? jpeg[at] : 0; };
+  for (auto found = jpeg.begin();; ++found) {
+    found = std::search(found, jpeg.end(), marker.begin(), marker.end());
+    if (found == jpeg.end()) return false;
+    std::size_t at = static_cast<std::size_t>(found - jpeg.begin()) + marker.size();
+    const std::size_t end = at + static_cast<std::size_t>(byteAt(at) << 8 | byteAt(at + 1));
+    for (at += 2; at < end;) {
+      int codes = 0;
+      for (std::size_t i = 1; i <= lengths; ++i) codes += byteAt(at + i);
+      if (codes > maxCodes) return true;
+      at += 1 + lengths + static_cast<std::size_t>(codes);
+    }
+  }
+}
+
 }  // namespace
 
+#ifdef STBI_ONLY_PNG
 std::optional<Picture> decodePng(const FileBytes& bytes) { return decode(bytes); }
-std::optional<Picture> decodeJpeg(const FileBytes& bytes) { return decode(bytes); }
+#endif
+std::optional<Picture> decodeJpeg(const FileBytes& bytes) {
+  if (hasOversizedTable(bytes)) return std::nullopt;
+  return decode(bytes);
+}
 
 }  // namespace kelvora

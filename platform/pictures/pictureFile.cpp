@@ -18,7 +18,7 @@ std::optional<FileBytes> readWholeFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw RuntimeFault("File not found: " + path);
   FileBytes bytes;
-  std::array<char, 65536> portion;
+  std::array<char, 4096> portion;  // small, because a stack that has grown stays in memory
   while (file) {
     file.read(portion.data(), portion.size());
     bytes.insert(bytes.end(), portion.begin(), portion.begin() + file.gcount());

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -11,7 +10,9 @@
 #include <string>
 #include <vector>
 
-#include <jpeglib.h>
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#define STB_IMAGE_WRITE_STATIC
+#include <stb_image_write.h>
 
 #include "base/fault.h"
 #include "platform/pictures/decode.h"
@@ -49,28 +50,13 @@ class PictureFile : public ::testing::Test {
   }
 
   std::string writeJpeg(const std::string& name, unsigned width, unsigned height, Colour colour) const {
-    jpeg_compress_struct encoder;
-    jpeg_error_mgr errors;
-    encoder.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&encoder);
-    std::FILE* file = std::fopen(pathOf(name).c_str(), "wb");
-    jpeg_stdio_dest(&encoder, file);
-    encoder.image_width = width;
-    encoder.image_height = height;
-    encoder.input_components = 3;
-    encoder.in_color_space = JCS_RGB;
-    jpeg_set_defaults(&encoder);
-    jpeg_set_quality(&encoder, 100, TRUE);
-    jpeg_start_compress(&encoder, TRUE);
-    std::vector<JSAMPLE> row;
-    for (unsigned x = 0; x < width; ++x) row.insert(row.end(), {colour.red, colour.green, colour.blue});
-    for (unsigned y = 0; y < height; ++y) {
-      JSAMPROW rows[] = {row.data()};
-      jpeg_write_scanlines(&encoder, rows, 1);
-    }
-    jpeg_finish_compress(&encoder);
-    jpeg_destroy_compress(&encoder);
-    std::fclose(file);
+    std::vector<unsigned char> samples;
+    for (unsigned i = 0; i < width * height; ++i)
+      samples.insert(samples.end(), {colour.red, colour.green, colour.blue});
+    constexpr int bestQuality = 100;
+    EXPECT_NE(stbi_write_jpg(pathOf(name).c_str(), static_cast<int>(width), static_cast<int>(height), 3, samples.data(),
+                             bestQuality),
+              0);
     return pathOf(name);
   }
 
