@@ -29,17 +29,19 @@ std::string joinedArguments(int argc, char** argv) {
 }
 
 /// Large blocks, which are pictures, come from the system and go back to it. Otherwise the C library keeps the memory
-/// of the first one freed for later ones, and clears it by hand.
-void giveLargeBlocksBack() {
+/// of the first one freed for later ones, and clears it by hand. All threads share one heap, because those besides the
+/// game's allocate little.
+void limitHeap() {
   constexpr int largeBlock = 256 * 1024;
   mallopt(M_MMAP_THRESHOLD, largeBlock);
+  mallopt(M_ARENA_MAX, 1);
 }
 
 }  // namespace
 
 int runDesktop(int argc, char** argv, void (*game)()) {
   if (handleInfoOptions(argc, argv)) return 0;
-  giveLargeBlocksBack();
+  limitHeap();
   const std::string commandLine = joinedArguments(argc, argv);
   chooseWindowSystem();
   std::optional<ScreenSearch> search(std::in_place);
