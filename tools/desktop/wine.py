@@ -52,7 +52,9 @@ def prefix_in(folder, scale=1):
         for entry in (TEMPLATE / "drive_c").iterdir():
             own = prefix / "drive_c" / entry.name
             if entry.name == "users":
-                shutil.copytree(entry, own, symlinks=True)
+                # Without temporary files, which come and go meanwhile.
+                shutil.copytree(entry, own, symlinks=True,
+                                ignore=lambda folder, names: names if folder.endswith("/Temp") else ())
             else:
                 own.symlink_to(entry)
     return str(prefix)
