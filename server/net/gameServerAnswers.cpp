@@ -6,6 +6,7 @@
 
 #include "server/http/homePage.h"
 #include "server/http/html.h"
+#include "server/moderation/network.h"
 #include "server/net/gameServer.h"
 #include "server/net/origin.h"
 

@@ -137,6 +137,9 @@ class Session(PageTest):
         page.wait_for_status("Connected")
         page.load(f"http://127.0.0.1:{server.port}/arena")
         spy.await_frame(PLAYER_LEFT, lambda fields: fields[0] == node)
+        # A silent player leaves, too, after two minutes.
+        end = next(line for line in server.process.stdout if "disconnected" in line)
+        self.assertNotIn("timed out", end)
 
 
 if __name__ == "__main__":

@@ -190,6 +190,7 @@ const windowProperties = {
 // Message boxes are above all windows, the newest on top.
 function showBox(id, text) {
   const box = document.createElement('dialog');
+  box.tabIndex = -1;  // a click beside the button leaves the focus in the box
   const words = document.createElement('p');
   words.textContent = text;
   const ok = document.createElement('button');
@@ -197,6 +198,7 @@ function showBox(id, text) {
   ok.className = 'button default';
   ok.textContent = 'OK';
   ok.addEventListener('click', () => box.close());
+  box.addEventListener('keydown', (event) => { if (event.key === 'Enter') box.close(); });
   box.addEventListener('close', () => { box.remove(); post('closed', id); });
   box.append(words, ok);
   document.body.append(box);
