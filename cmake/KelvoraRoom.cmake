@@ -85,7 +85,8 @@ set(KELVORA_TEST_SHARDS "" CACHE STRING
 option(KELVORA_UNITY_TESTS "Compile a dozen sources of a test program at a time" OFF)
 
 # kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder. A folder of long tests sets
-# KELVORA_TEST_COST, and they start first. One whose tests start a program sets KELVORA_TEST_PROGRAM.
+# KELVORA_TEST_COST, and they start first. One whose tests start a program or load a module sets
+# KELVORA_TEST_PROGRAM.
 function(kelvora_tests name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources)

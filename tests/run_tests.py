@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """tests/run_tests.py BUILD_FOLDER JOBS [--all]: runs the tests of a build with ctest, except those that have passed and
-whose inputs are the same since. --all runs these, too.
+whose inputs are the same since. --all runs these, too. Those with the label "random" always run.
 
 A test's inputs are its command and environment, the programs, files and folders that these name, the project's files
 that are not compiled, and the installed packages. Scripts in tests are inputs of the tests in their folder. Those in
@@ -53,10 +53,11 @@ def project_files(with_sources, script_folder):
 
 @functools.cache
 def programs_beside(folder):
-    """The hash of the programs in a build's folder and their message ids for Python. A script that is told of one
-    program uses the others, too. Their zip and installer are made from them and the project's files."""
+    """The hash of the programs in a build's folder, of the modules that they load, and of their message ids for Python.
+    A script that is told of one program uses the others, too. Their zip and installer are made from them and the
+    project's files."""
     programs = [path for path in folder.iterdir() if path.is_file() and os.access(path, os.X_OK)]
-    return hash_of_all(programs + list((folder / "generated").glob("*.py")))
+    return hash_of_all(programs + list(folder.glob("lib*/**/*.so")) + list((folder / "generated").glob("*.py")))
 
 
 @functools.cache
@@ -80,6 +81,8 @@ def properties_of(test):
 def inputs_of(test):
     properties = properties_of(test)
     variables = sorted(properties.get("ENVIRONMENT", []))
+    if "random" in properties.get("LABELS", []):
+        return None
     command = test.get("command", [])  # none if it has not been built
     words = command + [variable.partition("=")[2] for variable in variables]
     words += properties.get("REQUIRED_FILES", [])
@@ -123,8 +126,9 @@ def main():
                             check=False).returncode
     cases = ElementTree.parse(results).iter("testcase") if results.exists() else ()
     for case in cases:
-        if case.get("status") == "run" and case.get("name") in tests:
-            passed[case.get("name")] = tests[case.get("name")][1]
+        inputs = tests.get(case.get("name"), (0, None))[1]
+        if case.get("status") == "run" and inputs:
+            passed[case.get("name")] = inputs
     record.write_text(json.dumps(passed))
     return status
 

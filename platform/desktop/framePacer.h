@@ -26,7 +26,7 @@ class FramePacer {
 /// Parses a frame's length: 1 to 1000 in plain digits. Nothing for any other text.
 std::optional<std::chrono::milliseconds> frameFromText(std::string_view text);
 
-/// The same for the environment variable KELVORA_FRAME_MS. Warns on stderr of a text that is no length.
+/// The same for the environment variable KELVORA_FRAME_MS. Warns on stderr if the text is no valid length.
 std::optional<std::chrono::milliseconds> frameFromEnvironment();
 
 }  // namespace kelvora

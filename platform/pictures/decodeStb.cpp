@@ -55,7 +55,7 @@ bool hasOversizedTable(const FileBytes& jpeg) {
     found = std::search(found, jpeg.end(), marker.begin(), marker.end());
     if (found == jpeg.end()) return false;
     std::size_t at = static_cast<std::size_t>(found - jpeg.begin()) + marker.size();
-    const std::size_t end = at + static_cast<std::size_t>(byteAt(at) << 8 | byteAt(at + 1));
+    const std::size_t end = std::min(at + static_cast<std::size_t>(byteAt(at) << 8 | byteAt(at + 1)), jpeg.size());
     for (at += 2; at < end;) {
       int codes = 0;
       for (std::size_t i = 1; i <= lengths; ++i) codes += byteAt(at + i);

@@ -160,7 +160,7 @@ class TableView : public QTableView {
     moveTo(QItemSelectionModel::NoUpdate);
   }
 
-  /// The last column leaves out what needs a scroll bar if its texts fit without.
+  /// Cuts the last column at the edge if its texts still fit, so that no scroll bar is needed.
   void followWidths() {
     const int last = grid_.Cols - 1;
     int room = viewport()->width();

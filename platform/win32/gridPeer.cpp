@@ -178,7 +178,7 @@ class GridPeer : public NativePeer {
 
   HFONT font() const { return gdiFont(FontSpec{}, form().scale()); }
 
-  /// The last column leaves out what needs a scroll bar if its texts fit without.
+  /// Cuts the last column at the edge if its texts still fit, so that no scroll bar is needed.
   int widthOf(int column) const {
     const int width = deviceWidth(column);
     if (column + 1 < columns_) return width;

@@ -102,7 +102,9 @@ void drawText(HDC dc, const RECT& place, const std::wstring& text, HFONT font, C
   for (const TextLine& whole : lines) {
     const TextLine line = (flags & DT_END_ELLIPSIS) != 0 ? shortened(dc, whole, width) : whole;
     const int room = width - line.width;
-    const int left = place.left + ((flags & DT_RIGHT) != 0 ? room : (flags & DT_CENTER) != 0 ? room / 2 : 0);
+    int left = place.left;
+    if ((flags & DT_RIGHT) != 0) left += room;
+    if ((flags & DT_CENTER) != 0) left += room / 2;
     ExtTextOutW(dc, left, top, (flags & DT_NOCLIP) != 0 ? 0U : ETO_CLIPPED, &place, line.text.c_str(),
                 static_cast<UINT>(line.text.size()), line.advances.data());
     top += metrics.tmHeight;

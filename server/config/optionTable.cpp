@@ -46,7 +46,7 @@ Outcome checkUrls(const std::string& urls) {
 
 Outcome checkOrigins(const std::string& origins) {
   for (const std::string& origin : commaList(origins)) {
-    if (origin == "*" || origin.find("://") != std::string::npos) continue;
+    if (origin == "*" || origin.starts_with("http://") || origin.starts_with("https://")) continue;
     return Outcome::refused("needs origins such as https://games.example, or *");
   }
   return Outcome::done();
@@ -56,7 +56,8 @@ Option heading(std::string_view text) {
   return {"", "", text, Switch([](Options&) {})};
 }
 
-// One row per option: name, value, help, target, and the value's range.
+// One row per option: name, value, help, target, and the value's range. `play` looks up names in this source: each
+// row begins a line with its name and its value.
 const std::array table = {
     heading("Connections:"),
     Option{"address", "ADDRESS", "address to listen on (127.0.0.1)",  //

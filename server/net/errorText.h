@@ -6,7 +6,8 @@
 
 namespace kelvora::server {
 
-/// What went wrong, in the same words on every system. Windows and Wine have long or no texts for socket errors.
+/// What went wrong, in the same words on every system. Windows' own texts are long, and Wine has none for
+/// socket errors.
 std::string errorText(error_code error);
 
 }  // namespace kelvora::server

@@ -180,7 +180,9 @@ void GameServer::welcome(Socket socket, Role role) {
                     .network = networkOf(address),
                     .role = role,
                     .since = Clock::now()};
-  if (!waitingRoom_.has(newcomer.network) && enter(newcomer)) return;
+  // Nobody without a limit waits behind those of the same network who have one.
+  const bool mayPass = address == trustedProxy_ || unlimitedFor_.has(address);
+  if ((mayPass || !waitingRoom_.has(newcomer.network)) && enter(newcomer)) return;
   if (!waitingRoom_.add(newcomer)) refuse(newcomer.network);
 }
 

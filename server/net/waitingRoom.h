@@ -32,7 +32,7 @@ class WaitingRoom {
   /// False, with the newcomer untouched, if there is no room.
   bool add(Newcomer& newcomer);
   /// Calls `enter` for each newcomer, the first one first, until it returns false for one of their network. Those who
-  /// have lost their patience leave, and `refuse` gets their network.
+  /// have waited for `patience` are dropped, and `refuse` gets their network.
   void letIn(std::chrono::steady_clock::time_point now, const std::function<bool(Newcomer&)>& enter,
              const std::function<void(const std::string&)>& refuse);
   /// Closes all connections.

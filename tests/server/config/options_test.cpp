@@ -64,7 +64,7 @@ TEST(ServerOptions, OriginsHaveASchemeOrAreAnyPage) {
   for (const char* origins : {"", "*", "https://games.example", "http://a:8080, https://b/"}) {
     EXPECT_EQ(parse({"--allow-origin", origins}).error, "") << origins;
   }
-  for (const char* origins : {"games.example", "http://a, b", "http://a,,http://b", "http:a"}) {
+  for (const char* origins : {"games.example", "http://a, b", "http://a,,http://b", "http:a", "ftp://a"}) {
     EXPECT_EQ(parse({"--allow-origin", origins}).error,
               "--allow-origin needs origins such as https://games.example, or *")
         << origins;
