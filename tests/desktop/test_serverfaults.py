@@ -131,7 +131,7 @@ class ServerFaults(unittest.TestCase):
     def test_it_raises_a_low_limit_of_descriptors(self):
         hard = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
         process = self.start(preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (20, hard)))
-        self.assertEqual(resource.prlimit(process.pid, resource.RLIMIT_NOFILE)[0], 256)
+        self.assertEqual(resource.prlimit(process.pid, resource.RLIMIT_NOFILE)[0], 320)
 
     @ONLY_LINUX
     def test_it_warns_about_a_low_limit_of_descriptors(self):
