@@ -134,7 +134,7 @@ void FormPeer::changed(PropertyId id) {
       window_->resizeClient(clientSize(form_));
       break;
     case PropertyId::Visible:
-      form_.Visible ? showWindow() : window_->hide();
+      form_.Visible ? showWindow() : hideWindow();
       break;
     default:
       break;
@@ -170,6 +170,15 @@ void FormPeer::showWindow() {
   }
   if (!shownBefore_) watchCover(*window_);
   shownBefore_ = true;
+}
+
+void FormPeer::hideWindow() {
+  const bool isModal = window_->isVisible() && window_->isModal();
+  window_->hide();
+  QWindow* owner = isModal ? window_->windowHandle()->transientParent() : nullptr;
+  // The desktop may still take this window for inactive, because a box in front of it has only just closed. It would
+  // activate no other one then.
+  if (owner != nullptr && owner->isVisible()) owner->requestActivate();
 }
 
 /// Centres a form that the game hasn't placed, on the screen or on the main window. Every window starts on the game's

@@ -50,6 +50,7 @@ class FormPeer : public Peer {
 
  private:
   void showWindow();
+  void hideWindow();
   void placeWindow();
   void orderTabs();
 

@@ -264,6 +264,21 @@ class Finder(WebTest):
         self.answer_box(box)
         harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the finder's end")
 
+    def test_the_dialog_has_the_keyboard_after_a_refused_name(self):
+        host = self.web_host()
+        client = self.start_client(web_host=host.name)
+        dialog = client.wait_for_window("Connect")
+        dialog.activate()
+        self.display.xdotool("key", "Escape")
+        finder = client.wait_for_window(FINDER)
+        self.list_request(host).send(record(1) + b"-END-")
+        self.wait_for_row(finder, 0)
+        self.double_click(finder, 0)
+        self.answer_box(client.wait_for_window(BOX))
+        harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the finder's end")
+        harness.wait_for(lambda: self.display.xdotool("getwindowfocus").strip() == str(dialog.identifier),
+                         "the dialog's focus")
+
     def test_closing_the_finder_aborts_the_fetch(self):
         host = self.web_host()
         client, finder = self.start_finder(host)
