@@ -1,5 +1,7 @@
 """From the link to the game and back."""
 
+import time
+
 import harness
 from pageTest import PageTest, unittest
 from protocol import CHAT, PLAYER_JOINED, PLAYER_LEFT, POSITION
@@ -135,11 +137,10 @@ class Session(PageTest):
         page.connect()
         node = spy.await_frame(PLAYER_JOINED)[0]
         page.wait_for_status("Connected")
+        begin = time.monotonic()
         page.load(f"http://127.0.0.1:{server.port}/arena")
         spy.await_frame(PLAYER_LEFT, lambda fields: fields[0] == node)
-        # A silent player leaves, too, after two minutes.
-        end = next(line for line in server.process.stdout if "disconnected" in line)
-        self.assertNotIn("timed out", end)
+        self.assertLess(time.monotonic() - begin, 100, "the server lets a silent player go after 120 s")
 
 
 if __name__ == "__main__":
