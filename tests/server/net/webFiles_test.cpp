@@ -97,7 +97,7 @@ TEST_F(WebFilesTest, ThePageListsThePlayersAndHowToJoin) {
   EXPECT_NE(page.head.find("text/html; charset=utf-8"), std::string::npos);
   EXPECT_NE(page.body.find("&lt;b>Ann\xC3\xA9</li>"), std::string::npos) << page.body;
   EXPECT_NE(page.body.find("friendly &lt;game>"), std::string::npos);
-  EXPECT_NE(page.body.find("1 of 6 players"), std::string::npos);
+  EXPECT_NE(page.body.find("Players: 1 of 6"), std::string::npos);
   EXPECT_NE(page.body.find("port " + std::to_string(port)), std::string::npos);
   EXPECT_EQ(page.body.find("password"), std::string::npos);
 }
