@@ -68,8 +68,8 @@ void frames(benchmark::State& state, bool heavy, Texts texts) {
   }
 }
 
-/// Calls of one kind, numbered as in DrawingCall: 1 lines, 2 circles, 3 copies, 4 texts; 0 for all but texts. Clears
-/// first.
+/// Calls of one kind, numbered as in DrawingCall: 1 lines, 2 circles, 3 copies, 4 texts, 5 sprites; 0 for all but
+/// texts. Clears first.
 void kinds(benchmark::State& state, bool heavy) {
   QtGlyphSource glyphs;
   Scene scene(heavy, &glyphs);
@@ -125,8 +125,8 @@ void canvasSize(benchmark::State& state) {
 }
 BENCHMARK(canvasSize)->Args({763, 608})->Args({1920, 1080})->Args({3840, 2160})->Unit(benchmark::kMicrosecond);
 
-BENCHMARK_CAPTURE(kinds, light, false)->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(kinds, heavy, true)->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(kinds, light, false)->DenseRange(0, 5)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(kinds, heavy, true)->DenseRange(0, 5)->Unit(benchmark::kMicrosecond);
 
 BENCHMARK_CAPTURE(frames, light, false, Texts::None)->Arg(10)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(frames, heavy, true, Texts::None)->Arg(1)->Unit(benchmark::kMicrosecond);

@@ -33,10 +33,18 @@ Overloaded(Handlers...) -> Overloaded<Handlers...>;
 PainterReplay::PainterReplay(const std::vector<DrawingCall>& calls) {
   steps_.reserve(calls.size());
   for (const DrawingCall& call : calls) {
-    Step& step = steps_.emplace_back();
-    step.target = &targetFor(*call.surface);
-    step.call = call.what;
-    prepare(step);
+    const auto add = [&](decltype(DrawingCall::what) what) {
+      Step& step = steps_.emplace_back();
+      step.target = &targetFor(*call.surface);
+      step.call = std::move(what);
+      prepare(step);
+    };
+    if (const auto* sprite = std::get_if<SpriteCall>(&call.what)) {
+      add(sprite->matte);
+      add(sprite->image);
+    } else {
+      add(call.what);
+    }
   }
 }
 
@@ -79,6 +87,7 @@ void PainterReplay::prepare(Step& step) {
                           step.brush = toQColor(call.fill);
                         },
                         [&](const CopyCall& call) { step.source = imageFor(call.source); },
+                        [](const SpriteCall&) {},  // two copies
                         [&](const PrintCall& call) {
                           step.pen = QPen(toQColor(call.colour));
                           step.font = toQFont(call.font);
@@ -115,6 +124,7 @@ void PainterReplay::perform(const Step& step) {
                                             call.height);
                           painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
                         },
+                        [](const SpriteCall&) {},
                         [&](const PrintCall&) {
                           painter.setPen(step.pen);
                           painter.setFont(step.font);

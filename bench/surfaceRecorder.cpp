@@ -27,6 +27,10 @@ void realPaintPicture(Surface*, const Picture&, float, float, float, float, floa
     "__real__ZN7kelvora7Surface12PaintPictureERKNS_7PictureEffffffNS_15RasterOperationE");
 void wrappedPaintPicture(Surface*, const Picture&, float, float, float, float, float, float, RasterOperation) asm(
     "__wrap__ZN7kelvora7Surface12PaintPictureERKNS_7PictureEffffffNS_15RasterOperationE");
+void realPaintSprite(Surface*, const SpriteCopy&, const SpriteCopy&, float, float, float,
+                     float) asm("__real__ZN7kelvora7Surface11PaintSpriteERKNS_10SpriteCopyES3_ffff");
+void wrappedPaintSprite(Surface*, const SpriteCopy&, const SpriteCopy&, float, float, float,
+                        float) asm("__wrap__ZN7kelvora7Surface11PaintSpriteERKNS_10SpriteCopyES3_ffff");
 void realPrint(Surface*,
                std::string_view) asm("__real__ZN7kelvora7Surface5PrintESt17basic_string_viewIcSt11char_traitsIcEE");
 void wrappedPrint(Surface*,
@@ -57,6 +61,16 @@ void wrappedPaintPicture(Surface* surface, const Picture& source, float x, float
          CopyCall{&source, toPixels(x), toPixels(y), toPixels(w), toPixels(h), toPixels(sx), toPixels(sy), operation});
   }
   realPaintPicture(surface, source, x, y, w, h, sx, sy, operation);
+}
+
+void wrappedPaintSprite(Surface* surface, const SpriteCopy& matte, const SpriteCopy& image, float x, float y, float w,
+                        float h) {
+  const auto noted = [&](const SpriteCopy& copy) {
+    return CopyCall{&copy.source, toPixels(x),         toPixels(y),        toPixels(w),
+                    toPixels(h),  toPixels(copy.left), toPixels(copy.top), copy.operation};
+  };
+  if (recorder) note(surface, SpriteCall{noted(matte), noted(image)});
+  realPaintSprite(surface, matte, image, x, y, w, h);
 }
 
 void wrappedPrint(Surface* surface, std::string_view text) {

@@ -27,6 +27,9 @@ struct CopyCall {
   int x, y, width, height, sourceX, sourceY;
   RasterOperation operation;
 };
+struct SpriteCall {
+  CopyCall matte, image;
+};
 struct PrintCall {
   int x, y;
   FontSpec font;
@@ -36,7 +39,7 @@ struct PrintCall {
 
 struct DrawingCall {
   const Surface* surface;
-  std::variant<ClearCall, LineCall, CircleCall, CopyCall, PrintCall> what;
+  std::variant<ClearCall, LineCall, CircleCall, CopyCall, PrintCall, SpriteCall> what;
 };
 
 /// Records all drawing calls of all surfaces while it exists; they still draw. The linker inserts the recorder between

@@ -27,6 +27,14 @@ void perform(Surface& target, const CopyCall& call) {
                       twips(call.sourceX), twips(call.sourceY), call.operation);
 }
 
+void perform(Surface& target, const SpriteCall& call) {
+  const auto copy = [](const CopyCall& part) {
+    return SpriteCopy{*part.source, twips(part.sourceX), twips(part.sourceY), part.operation};
+  };
+  target.PaintSprite(copy(call.matte), copy(call.image), twips(call.matte.x), twips(call.matte.y),
+                     twips(call.matte.width), twips(call.matte.height));
+}
+
 void perform(Surface& target, const PrintCall& call) {
   target.ForeColor = call.colour;
   target.FontSize = call.font.size;

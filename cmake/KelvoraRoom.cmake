@@ -135,5 +135,6 @@ function(kelvora_record_surfaces target)
     -Wl,--wrap=_ZN7kelvora7Surface4LineEffff
     -Wl,--wrap=_ZN7kelvora7Surface6CircleEfffNS_6ColourE
     -Wl,--wrap=_ZN7kelvora7Surface12PaintPictureERKNS_7PictureEffffffNS_15RasterOperationE
+    -Wl,--wrap=_ZN7kelvora7Surface11PaintSpriteERKNS_10SpriteCopyES3_ffff
     -Wl,--wrap=_ZN7kelvora7Surface5PrintESt17basic_string_viewIcSt11char_traitsIcEE)
 endfunction()

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 
@@ -8,6 +9,84 @@
 
 namespace kelvora {
 namespace {
+
+struct SourceRows {
+  const Pixel* first;
+  std::ptrdiff_t pitch;
+};
+
+struct TargetRows {
+  Pixel* first;
+  std::ptrdiff_t pitch;
+  int width;
+  int height;
+};
+
+// The rows that each operation copies.
+template <RasterOperation... operations>
+using Sources = std::array<SourceRows, sizeof...(operations)>;
+
+// By reference, because each machine returns wide values differently.
+template <RasterOperation operation, class Value>
+[[gnu::always_inline]] inline void combine(Value& result, const Pixel* source) {
+  Value pixels;
+  std::memcpy(&pixels, source, sizeof(Value));
+  if constexpr (operation == SRCCOPY) result = pixels;
+  if constexpr (operation == SRCAND) result &= pixels;
+  if constexpr (operation == SRCPAINT) result |= pixels;
+}
+
+template <RasterOperation... operations, class Value>
+[[gnu::always_inline]] inline void combineAll(Value& result, const Pixel* target, const Sources<operations...>& sources,
+                                              std::ptrdiff_t column) {
+  std::memcpy(&result, target + column, sizeof(Value));
+  std::size_t i = 0;
+  (combine<operations>(result, sources[i++].first + column), ...);
+}
+
+// Copies whole blocks, the last of which overlaps the one before. It is read before the row is written, because reading
+// across two recent stores stalls. There must be at least a block in a row.
+template <class Block, RasterOperation... operations>
+[[gnu::always_inline]] inline void copyBlocks(TargetRows target, Sources<operations...> sources) {
+  constexpr auto width = static_cast<std::ptrdiff_t>(sizeof(Block) / sizeof(Pixel));
+  const std::ptrdiff_t last = target.width - width;
+  for (; target.height > 0; --target.height) {
+    Block end;
+    combineAll<operations...>(end, target.first, sources, last);
+    for (std::ptrdiff_t i = 0; i < last; i += width) {
+      Block block;
+      combineAll<operations...>(block, target.first, sources, i);
+      std::memcpy(target.first + i, &block, sizeof(Block));
+    }
+    std::memcpy(target.first + last, &end, sizeof(Block));
+    target.first += target.pitch;
+    for (SourceRows& source : sources) source.first += source.pitch;
+  }
+}
+
+#if defined(__x86_64__)
+using WideBlock [[gnu::vector_size(2 * sizeof(Block))]] = Pixel;
+const bool hasWidestRegisters = __builtin_cpu_supports("avx512f") != 0;
+
+template <RasterOperation... operations>
+[[gnu::target("avx512f")]] void copyWidest(const TargetRows& target, const Sources<operations...>& sources) {
+  copyBlocks<WideBlock, operations...>(target, sources);
+}
+template <RasterOperation... operations>
+[[gnu::target("avx2")]] void copyWide(const TargetRows& target, const Sources<operations...>& sources) {
+  copyBlocks<Block, operations...>(target, sources);
+}
+#endif
+
+template <RasterOperation... operations>
+void copy(const TargetRows& target, const Sources<operations...>& sources) {
+#if defined(__x86_64__)
+  if (hasWidestRegisters && target.width >= 2 * blockWidth) return copyWidest<operations...>(target, sources);
+  if (hasWideRegisters && target.width >= blockWidth) return copyWide<operations...>(target, sources);
+#endif
+  if (target.width >= blockWidth) return copyBlocks<Block, operations...>(target, sources);
+  copyBlocks<Pixel, operations...>(target, sources);
+}
 
 // One axis of a copy: the start on either side and the number of pixels.
 struct Stretch {
@@ -24,90 +103,59 @@ Stretch clipped(Stretch stretch, int targetSize, int sourceSize) {
   return stretch;
 }
 
-// By reference, because each machine returns wide values differently.
-template <RasterOperation operation, class Value>
-[[gnu::always_inline]] inline void join(Value& result, const Pixel* target, const Pixel* source) {
-  std::memcpy(&result, source, sizeof(Value));
-  if constexpr (operation == SRCCOPY) return;
-  Value below;
-  std::memcpy(&below, target, sizeof(Value));
-  if constexpr (operation == SRCAND) result &= below;
-  if constexpr (operation == SRCPAINT) result |= below;
-}
+// A copy after clipping. Its area is empty if nothing is left.
+struct Clip {
+  PixelArea area{};
+  SourceRows source{};
+};
 
-// Copies whole blocks, the last of which overlaps the one before. Combining the shared pixels twice changes nothing.
-// The last block is read before the row is written, because reading across two recent stores stalls.
-template <RasterOperation operation, class Block>
-[[gnu::always_inline]] inline void joinBlocks(Rows rows) {
-  constexpr auto blockWidth = static_cast<std::ptrdiff_t>(sizeof(Block) / sizeof(Pixel));
-  const std::ptrdiff_t last = rows.width - blockWidth;
-  for (; rows.height > 0; --rows.height, rows.target += rows.targetPitch, rows.source += rows.sourcePitch) {
-    Block end;
-    join<operation>(end, rows.target + last, rows.source + last);
-    for (std::ptrdiff_t i = 0; i < last; i += blockWidth) {
-      Block block;
-      join<operation>(block, rows.target + i, rows.source + i);
-      std::memcpy(rows.target + i, &block, sizeof(Block));
-    }
-    std::memcpy(rows.target + last, &end, sizeof(Block));
-  }
-}
-
-#if defined(__x86_64__)
-using WideBlock [[gnu::vector_size(2 * sizeof(Block))]] = Pixel;
-const bool hasWidestRegisters = __builtin_cpu_supports("avx512f") != 0;
-
-template <RasterOperation operation>
-[[gnu::target("avx512f")]] void joinWidest(const Rows& rows) {
-  joinBlocks<operation, WideBlock>(rows);
-}
-template <RasterOperation operation>
-[[gnu::target("avx2")]] void joinWide(const Rows& rows) {
-  joinBlocks<operation, Block>(rows);
-}
-#endif
-
-template <RasterOperation operation>
-void joinRows(const Rows& rows) {
-#if defined(__x86_64__)
-  if (hasWidestRegisters && rows.width >= 2 * blockWidth) return joinWidest<operation>(rows);
-  if (hasWideRegisters && rows.width >= blockWidth) return joinWide<operation>(rows);
-#endif
-  if (rows.width >= blockWidth) return joinBlocks<operation, Block>(rows);
-  for (int row = 0; row < rows.height; ++row) {
-    for (int i = 0; i < rows.width; ++i) {
-      Pixel* const target = rows.target + row * rows.targetPitch + i;
-      Pixel pixel;
-      join<operation>(pixel, target, rows.source + row * rows.sourcePitch + i);
-      *target = pixel;
-    }
-  }
+Clip clipped(const Surface& surface, const PixelArea& place, const Picture& source, float left, float top) {
+  const Stretch across = clipped({place.x, toPixels(left), place.width}, surface.pixelWidth(), source.width);
+  const Stretch down = clipped({place.y, toPixels(top), place.height}, surface.pixelHeight(), source.height);
+  if (across.count <= 0 || down.count <= 0) return {};
+  return {{across.target, down.target, across.count, down.count},
+          {source.pixels.data() + std::ptrdiff_t{down.source} * source.width + across.source, source.width}};
 }
 
 }  // namespace
 
-void copyRows(const Rows& rows) { joinRows<SRCCOPY>(rows); }
+void copyRows(const Rows& rows) {
+  copy<SRCCOPY>({rows.target, rows.targetPitch, rows.width, rows.height}, {{{rows.source, rows.sourcePitch}}});
+}
 
 void Surface::PaintPicture(const Picture& source, float x, float y, float w, float h, float sx, float sy,
                            RasterOperation operation) {
-  const Stretch across = clipped({toPixels(x), toPixels(sx), toPixels(w)}, width_, source.width);
-  const Stretch down = clipped({toPixels(y), toPixels(sy), toPixels(h)}, height_, source.height);
-  if (across.count <= 0 || down.count <= 0) return;
-  touch(across.target, down.target, across.target + across.count - 1, down.target + down.count - 1);
-  const Rows rows{pixels_.data() + std::ptrdiff_t{down.target} * width_ + across.target,
-                  width_,
-                  source.pixels.data() + std::ptrdiff_t{down.source} * source.width + across.source,
-                  source.width,
-                  across.count,
-                  down.count};
+  const auto [area, rows] = clipped(*this, {toPixels(x), toPixels(y), toPixels(w), toPixels(h)}, source, sx, sy);
+  if (area.width == 0) return;
+  touch(area.x, area.y, area.x + area.width - 1, area.y + area.height - 1);
+  const TargetRows target{pixels_.data() + std::ptrdiff_t{area.y} * width_ + area.x, width_, area.width, area.height};
   switch (operation) {
     case SRCAND:
-      return joinRows<SRCAND>(rows);
+      return copy<SRCAND>(target, {{rows}});
     case SRCPAINT:
-      return joinRows<SRCPAINT>(rows);
+      return copy<SRCPAINT>(target, {{rows}});
     case SRCCOPY:
-      return copyRows(rows);
+      return copy<SRCCOPY>(target, {{rows}});
   }
+}
+
+void Surface::PaintSprite(const SpriteCopy& matte, const SpriteCopy& image, float x, float y, float w, float h) {
+  const PixelArea place{toPixels(x), toPixels(y), toPixels(w), toPixels(h)};
+  const Clip first = clipped(*this, place, matte.source, matte.left, matte.top);
+  const Clip second = clipped(*this, place, image.source, image.left, image.top);
+  const bool isNormal = matte.operation == SRCAND && image.operation == SRCPAINT;
+  const bool isExchanged = matte.operation == SRCPAINT && image.operation == SRCAND;
+  if (first.area != second.area || !(isNormal || isExchanged)) {
+    PaintPicture(matte.source, x, y, w, h, matte.left, matte.top, matte.operation);
+    PaintPicture(image.source, x, y, w, h, image.left, image.top, image.operation);
+    return;
+  }
+  const PixelArea& area = first.area;
+  if (area.width == 0) return;
+  touch(area.x, area.y, area.x + area.width - 1, area.y + area.height - 1);
+  const TargetRows target{pixels_.data() + std::ptrdiff_t{area.y} * width_ + area.x, width_, area.width, area.height};
+  const auto copyBoth = isNormal ? copy<SRCAND, SRCPAINT> : copy<SRCPAINT, SRCAND>;
+  copyBoth(target, {first.source, second.source});
 }
 
 }  // namespace kelvora

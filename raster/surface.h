@@ -22,12 +22,21 @@ enum class RasterOperation : std::uint32_t {
 };
 using enum RasterOperation;
 
+/// One of a sprite's two copies: the source's cell, whose corner is in twips, and how it is combined.
+struct SpriteCopy {
+  const Picture& source;
+  float left;
+  float top;
+  RasterOperation operation;
+};
+
 /// A rectangle of pixels.
 struct PixelArea {
   int x;
   int y;
   int width;
   int height;
+  bool operator==(const PixelArea&) const = default;
 };
 
 /// The picture being drawn: a 32-bit image in memory with the game's drawing operations. Coordinates and lengths are in
@@ -80,6 +89,9 @@ class Surface {
   /// the source or the image are skipped.
   void PaintPicture(const Picture& source, float x, float y, float w, float h, float sx, float sy,
                     RasterOperation operation);
+
+  /// Does the same as a `PaintPicture` of the matte and then one of the image, but in one pass over the pixels.
+  void PaintSprite(const SpriteCopy& matte, const SpriteCopy& image, float x, float y, float w, float h);
 
   /// Prints text at the pen in ForeColor over the existing background. A line break ("\r\n") moves down one line, to
   /// the column where this text began. Afterwards the pen is at the left border, one line below the last. Does nothing

@@ -36,8 +36,7 @@ const Picture matte = picture(3, 3, {0xFFFFFF, 0, 0xFFFFFF, 0, 0, 0, 0xFFFFFF, 0
 Picture plus(Pixel colour) { return picture(3, 3, {0, colour, 0, colour, colour, colour, 0, colour, 0}); }
 
 void paintSprite(Surface& surface, const Picture& image, int x, int y) {
-  surface.PaintPicture(matte, twips(x), twips(y), 45, 45, 0, 0, SRCAND);
-  surface.PaintPicture(image, twips(x), twips(y), 45, 45, 0, 0, SRCPAINT);
+  surface.PaintSprite({matte, 0, 0, SRCAND}, {image, 0, 0, SRCPAINT}, twips(x), twips(y), 45, 45);
 }
 
 TEST(SpriteStep, LaterSpritePunchesItsOwnHoleWithoutMixingColours) {
@@ -75,8 +74,7 @@ TEST(SpriteStep, ExchangedMakesABrightPatchWithTheImageInsideItsShape) {
   surface.resize(3, 1);
   const Picture patchMatte = picture(3, 1, {0xFFFFFF, 0, 0xFFFFFF});
   const Picture patchImage = picture(3, 1, {0, colour, 0});
-  surface.PaintPicture(patchMatte, 0, 0, 45, 15, 0, 0, SRCPAINT);
-  surface.PaintPicture(patchImage, 0, 0, 45, 15, 0, 0, SRCAND);
+  surface.PaintSprite({patchMatte, 0, 0, SRCPAINT}, {patchImage, 0, 0, SRCAND}, 0, 0, 45, 15);
   // The matte whitens its outside, whatever was there. The image then keeps only its own bits.
   EXPECT_EQ(pixelsOf(surface), (std::vector<Pixel>{0, colour, 0}));
 }
@@ -139,6 +137,51 @@ TEST(PaintPicture, MatchesItsDefinitionForAllCellsAndOperations) {
     reference.copy(sheet, x, y, w, h, sx, sy, operation);
     ASSERT_EQ(difference(surface, reference), "") << "copy " << i;
   }
+}
+
+// Sheets of different sizes, so that the copies are also clipped differently.
+TEST(PaintSprite, EqualsItsTwoCopiesForAllCellsAndOperations) {
+  std::mt19937 draws(6);
+  const auto between = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws); };
+  const auto randomSheet = [&](int width, int height) {
+    Picture sheet{width, height, {}};
+    for (int i = 0; i < width * height; ++i) sheet.pixels.push_back(static_cast<Pixel>(draws()) & 0xFFFFFF);
+    return sheet;
+  };
+  const Picture mattes = randomSheet(29, 17);
+  const Picture images = randomSheet(40, 21);
+  const RasterOperation operations[] = {SRCAND, SRCPAINT, SRCCOPY};
+  Surface surface;
+  surface.BackColor = RGB(0x5A, 0xC3, 0x0F);
+  surface.resize(37, 23);
+  ReferenceSurface reference(37, 23, 0x5AC30F);
+  for (int i = 0; i < 5000; ++i) {
+    const int x = between(-25, 40);
+    const int y = between(-25, 30);
+    const int w = between(-3, 35);
+    const int h = between(-3, 25);
+    const int matteX = between(-12, 32);
+    const int matteY = between(-12, 20);
+    const int imageX = between(0, 1) == 0 ? matteX : between(-12, 42);
+    const int imageY = between(0, 1) == 0 ? matteY : between(-12, 24);
+    const RasterOperation matteOperation = operations[i % 3];
+    const RasterOperation imageOperation = operations[i / 3 % 3];
+    surface.PaintSprite({mattes, twips(matteX), twips(matteY), matteOperation},
+                        {images, twips(imageX), twips(imageY), imageOperation}, twips(x), twips(y), twips(w), twips(h));
+    reference.copy(mattes, x, y, w, h, matteX, matteY, matteOperation);
+    reference.copy(images, x, y, w, h, imageX, imageY, imageOperation);
+    ASSERT_EQ(difference(surface, reference), "") << "sprite " << i;
+  }
+}
+
+TEST(PaintSprite, IsClearedAfterwards) {
+  Surface surface;
+  surface.BackColor = RGB(0x40, 0x40, 0x40);
+  surface.resize(70, 40);
+  Picture white{50, 30, std::vector<Pixel>(50 * 30, 0xFFFFFF)};
+  surface.PaintSprite({white, 0, 0, SRCAND}, {white, 0, 0, SRCPAINT}, twips(17), twips(9), twips(50), twips(30));
+  surface.Cls();
+  EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(70 * 40, 0x404040));
 }
 
 }  // namespace

@@ -95,7 +95,7 @@ class ShowingPeer : public Peer {
 };
 
 /// Each kind of work takes its own power of ten, so the digits of a paint time tell how often each was measured: lines,
-/// circles, copies, texts and readings of the clock. Clearing and presenting a surface take far longer.
+/// circles, sprites, texts and readings of the clock. Clearing and presenting a surface take far longer.
 class PaintTime : public FrameClock {
  protected:
   PaintTime() {
@@ -112,7 +112,7 @@ class PaintTime : public FrameClock {
   static Millis durationOf(const bench::DrawingCall& call) {
     if (std::holds_alternative<bench::LineCall>(call.what)) return 1;
     if (std::holds_alternative<bench::CircleCall>(call.what)) return 100;
-    if (std::holds_alternative<bench::CopyCall>(call.what)) return 1'000;
+    if (std::holds_alternative<bench::SpriteCall>(call.what)) return 1'000;
     if (std::holds_alternative<bench::PrintCall>(call.what)) return 100'000;
     return 10'000'000;
   }
@@ -130,20 +130,19 @@ class PaintTime : public FrameClock {
   bench::SurfaceRecorder recorder;
 };
 
-// The border has 4 lines, the icons 12 copies and the pointer 2. The end of the measurement is one reading of the
-// clock.
-TEST_F(PaintTime, CountsBorderIconsAndPointerInAnEmptyWorld) { EXPECT_EQ(paintAndMeasure(), 1'014'004); }
+// The border has 4 lines. The icons are 6 sprites and the pointer is one. The end of the measurement is one reading of
+// the clock.
+TEST_F(PaintTime, CountsBorderIconsAndPointerInAnEmptyWorld) { EXPECT_EQ(paintAndMeasure(), 1'007'004); }
 
-// In addition: a star's circle; a server's ball with 2 copies; an opponent with 2 for the dot, 2 for the ball and a
-// clock reading for the tail's ageing; the local player with the same, the 2 lines of the crosshair and 6 stock
-// numbers.
+// In addition: a star's circle; a server's ball; an opponent with a dot, a ball and a clock reading for the tail's
+// ageing; the local player with the same, the 2 lines of the crosshair and 6 stock numbers.
 TEST_F(PaintTime, CountsTheWholeWorldButNotClearingTextsOrPresenting) {
   placeLocal().addTail({51000, 50000});
   placeOpponent(cyanPlayer, 52000, 50000).addTail({53000, 50000});
   addStar();
   modMain::receiveParticleNew("n", 4, 50000, 50000, 0, 0);
   modMain::showCentreMessage("abcd");
-  EXPECT_EQ(paintAndMeasure(), 3'624'106);
+  EXPECT_EQ(paintAndMeasure(), 3'612'106);
 }
 
 // A ghost has no dot, and is painted first.
@@ -151,14 +150,14 @@ TEST_F(PaintTime, CountsAGhostThatIsPaintedFirst) {
   clsPlayer& ghost = placeLocal();
   ghost.addTail({51000, 50000});
   ghost.alive = false;
-  EXPECT_EQ(paintAndMeasure(), 2'616'006);
+  EXPECT_EQ(paintAndMeasure(), 2'608'006);
 }
 
 TEST_F(PaintTime, NewAverageAppliesOnceThePictureIsShown) {
   paintAndMeasure();
   paintAndMeasure();
-  // 1014004 / 101 is 10039.6.
-  EXPECT_EQ(shownFrameTimes, (std::vector<std::int32_t>{0, 0, 10'040, 10'040}));
+  // 1007004 / 101 is 9970.3.
+  EXPECT_EQ(shownFrameTimes, (std::vector<std::int32_t>{0, 0, 9'970, 9'970}));
 }
 
 }  // namespace
