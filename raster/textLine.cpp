@@ -2,46 +2,49 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <map>
 
 #include "raster/glyphCache.h"
 
 namespace kelvora {
 
-namespace {
-
-// Adds a pixel to the row's last block, unless that lies elsewhere or has this pixel from an earlier glyph.
-void addPixel(std::vector<TextLine::Block>& row, int x, std::uint8_t coverage) {
-  const int offset = row.empty() ? -1 : x - row.back().x;
-  if (offset < 0 || offset >= 4 || row.back().coverage.at(static_cast<std::size_t>(offset)) != 0) {
-    row.push_back({x, {coverage}});
-  } else {
-    row.back().coverage.at(static_cast<std::size_t>(offset)) = coverage;
+// A text with changing numbers is laid out in every frame, so this allocates little.
+TextLine::TextLine(FontGlyphs& glyphs, std::string_view text) {
+  int top = 0;
+  int bottom = 0;
+  for (const char character : text) {
+    const Glyph& glyph = glyphs.glyph(static_cast<unsigned char>(character));
+    top = std::min(top, glyph.top);
+    bottom = std::max(bottom, glyph.top + glyph.height);
+  }
+  for (int y = top; y < bottom; ++y) {
+    const std::size_t firstOfRow = blocks.size();
+    int pen = 0;
+    for (const char character : text) {
+      const Glyph& glyph = glyphs.glyph(static_cast<unsigned char>(character));
+      const int row = y - glyph.top;
+      if (row >= 0 && row < glyph.height) {
+        const std::uint8_t* const coverage = glyph.coverage.data() + std::ptrdiff_t{row} * glyph.width;
+        for (int column = 0; column < glyph.width; ++column) {
+          if (coverage[column] != 0) add(firstOfRow, pen + glyph.left + column, coverage[column]);
+        }
+      }
+      pen += glyph.advance;
+    }
+    if (blocks.size() > firstOfRow) rows.push_back({y, blocks.size()});
+  }
+  if (!blocks.empty()) left = right = blocks.front().x;
+  for (const Block& block : blocks) {
+    left = std::min(left, block.x);
+    right = std::max(right, block.x + 3);
   }
 }
 
-}  // namespace
-
-TextLine::TextLine(FontGlyphs& glyphs, std::string_view text) {
-  std::map<int, std::vector<Block>> drawn;
-  int pen = 0;
-  for (const char character : text) {
-    const Glyph& glyph = glyphs.glyph(static_cast<unsigned char>(character));
-    const std::uint8_t* coverage = glyph.coverage.data();
-    for (int row = 0; row < glyph.height; ++row) {
-      for (int column = 0; column < glyph.width; ++column, ++coverage) {
-        if (*coverage != 0) addPixel(drawn[glyph.top + row], pen + glyph.left + column, *coverage);
-      }
-    }
-    pen += glyph.advance;
-  }
-  for (const auto& [y, added] : drawn) {
-    for (const Block& block : added) {
-      left = blocks.empty() ? block.x : std::min(left, block.x);
-      right = blocks.empty() ? block.x + 3 : std::max(right, block.x + 3);
-      blocks.push_back(block);
-    }
-    rows.push_back({y, blocks.size()});
+void TextLine::add(std::size_t firstOfRow, int x, std::uint8_t coverage) {
+  const int offset = blocks.size() == firstOfRow ? -1 : x - blocks.back().x;
+  if (offset < 0 || offset >= 4 || blocks.back().coverage.at(static_cast<std::size_t>(offset)) != 0) {
+    blocks.push_back({x, {coverage}});
+  } else {
+    blocks.back().coverage.at(static_cast<std::size_t>(offset)) = coverage;
   }
 }
 

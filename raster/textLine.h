@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,11 @@ struct TextLine {
   // The smallest rectangle that contains all blocks. Meaningless without blocks.
   int left = 0;
   int right = 0;  ///< the last pixel's column
+
+ private:
+  /// Adds a pixel to the last block, unless that is before index `firstOfRow`, lies elsewhere, or has this pixel from
+  /// an earlier glyph.
+  void add(std::size_t firstOfRow, int x, std::uint8_t coverage);
 };
 
 }  // namespace kelvora
