@@ -1,10 +1,12 @@
 """Runs programs of the Windows build in Wine. Each client has a registry of its own, as other clients have a folder for
 their settings. "wine.py start" keeps Wine's own programs running in the prefix of all others until "wine.py end"."""
 
+import contextlib
 import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -79,10 +81,24 @@ def run_quietly(*command, prefix, check=False):
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=check)
 
 
+def processes_in(prefix):
+    """The processes that run in a prefix."""
+    for environment in pathlib.Path("/proc").glob("[0-9]*/environ"):
+        try:
+            if f"WINEPREFIX={prefix}".encode() in environment.read_bytes().split(b"\0"):
+                yield int(environment.parent.name)
+        except OSError:
+            pass  # has ended, or is another user's
+
+
 def end(prefix):
     """Ends what still runs in the prefix, and waits until its registry is saved."""
     for option in ("-k", "-w"):
         run_quietly("wineserver", option, prefix=prefix)
+    # Some of Wine's own programs don't notice that the server has ended, and would wait for it forever.
+    for process in processes_in(prefix):
+        with contextlib.suppress(ProcessLookupError):
+            os.kill(process, signal.SIGKILL)
 
 
 def start():
