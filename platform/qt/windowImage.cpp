@@ -1,0 +1,115 @@
+#include "platform/qt/windowImage.h"
+
+#include <QBackingStore>
+#include <QImage>
+#include <QRegion>
+#include <QWidget>
+#include <QWindow>
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace kelvora {
+
+namespace {
+
+// The highest byte of the game's pixels is 0, which an image with an alpha channel would show as transparent.
+constexpr Pixel opaque = 0xFF000000;
+
+struct PixelRows {
+  Pixel* first;
+  std::ptrdiff_t pitch;  // pixels
+};
+
+// True if the window shows every pixel of the widget, and nothing else there.
+bool isUncovered(const QWidget& widget) {
+  if (widget.visibleRegion() != QRegion(widget.rect())) return false;
+  for (const QWidget* part = &widget; !part->isWindow(); part = part->parentWidget()) {
+    const QObjectList& siblings = part->parentWidget()->children();  // from the lowest to the topmost
+    for (qsizetype i = siblings.indexOf(part) + 1; i < siblings.size(); ++i) {
+      const auto* const above = qobject_cast<const QWidget*>(siblings[i]);
+      if (above && above->isVisible() && !above->isWindow() && above->geometry().intersects(part->geometry()))
+        return false;
+    }
+  }
+  return true;
+}
+
+// The widget's rows in the window's image; null where pixels can't be copied one to one.
+PixelRows rowsOf(QBackingStore& store, const QRect& place) {
+  QPaintDevice* const device = store.paintDevice();
+  auto* const image = device && device->devType() == QInternal::Image ? static_cast<QImage*>(device) : nullptr;
+  if (!image || image->depth() != 32 || image->devicePixelRatio() != 1 || !image->rect().contains(place)) return {};
+  const auto pitch = static_cast<std::ptrdiff_t>(image->bytesPerLine() / qsizetype{sizeof(Pixel)});
+  return {reinterpret_cast<Pixel*>(image->bits()) + place.y() * pitch + place.x(), pitch};
+}
+
+bool isShown(const PixelArea& tile, const PictureBox& box, PixelRows window) {
+  const Pixel* source = box.pixels().data() + std::ptrdiff_t{tile.y} * box.pixelWidth() + tile.x;
+  const Pixel* target = window.first + tile.y * window.pitch + tile.x;
+  Pixel difference = 0;
+  for (int row = 0; row < tile.height; ++row, source += box.pixelWidth(), target += window.pitch) {
+    for (int column = 0; column < tile.width; ++column) difference |= (source[column] | opaque) ^ target[column];
+  }
+  return difference == 0;
+}
+
+// The tiles of the areas that the window doesn't show yet. Much is drawn again as it was, such as icons and texts, and
+// comparing takes less time than copying. Valid until the next call.
+std::span<const PixelArea> differences(const PictureBox& box, std::span<const PixelArea> areas, PixelRows window) {
+  constexpr int tileWidth = 16;
+  static std::vector<PixelArea> tiles;  // keeps its memory, because this runs in every frame
+  tiles.clear();
+  for (const PixelArea& area : areas) {
+    const int end = area.x + area.width;
+    for (int x = area.x; x < end; x += tileWidth) {
+      const PixelArea tile{x, area.y, std::min(tileWidth, end - x), area.height};
+      if (isShown(tile, box, window)) continue;
+      if (!tiles.empty() && tiles.back().y == tile.y && tiles.back().x + tiles.back().width == x) {
+        tiles.back().width += tile.width;
+      } else {
+        tiles.push_back(tile);
+      }
+    }
+  }
+  return tiles;
+}
+
+void copyArea(const PixelArea& area, const PictureBox& box, PixelRows window) {
+  const Pixel* source = box.pixels().data() + std::ptrdiff_t{area.y} * box.pixelWidth() + area.x;
+  Pixel* target = window.first + area.y * window.pitch + area.x;
+  for (int row = 0; row < area.height; ++row, source += box.pixelWidth(), target += window.pitch) {
+    for (int column = 0; column < area.width; ++column) target[column] = source[column] | opaque;
+  }
+}
+
+}  // namespace
+
+bool copyToWindow(const QWidget& widget, const PictureBox& box, std::span<const PixelArea> areas) {
+  QBackingStore* const store = widget.backingStore();
+  QWindow* const window = widget.window()->windowHandle();
+  if (!store || !window || !window->isExposed() || !isUncovered(widget)) return false;
+  const QRect place(widget.mapTo(widget.window(), QPoint()), QSize(box.pixelWidth(), box.pixelHeight()));
+  const PixelRows rows = rowsOf(*store, place);
+  if (!rows.first) return false;
+  const std::span<const PixelArea> changed = differences(box, areas, rows);
+  if (changed.empty()) return true;
+  static std::vector<QRect> places;
+  places.clear();
+  for (const PixelArea& area : changed) {
+    places.push_back(QRect(area.x, area.y, area.width, area.height).translated(place.topLeft()));
+  }
+  QRegion region;
+  region.setRects(places.data(), static_cast<int>(places.size()));
+  store->beginPaint(region);
+  // The window system may have exchanged the image.
+  const PixelRows target = rowsOf(*store, place);
+  if (target.first) {
+    for (const PixelArea& area : changed) copyArea(area, box, target);
+  }
+  store->endPaint();
+  if (target.first) store->flush(region, window);
+  return target.first != nullptr;
+}
+
+}  // namespace kelvora
