@@ -27,13 +27,13 @@ class PictureBoxTest : public testing::Test {
 
   int number(int least, int most) { return std::uniform_int_distribution<int>(least, most)(random_); }
 
-  /// What the screen shows at the box's place.
-  QImage shown() {
+  /// What the screen shows at the box's place, or `right` pixels further to the right.
+  QImage shown(int right = 0) {
     QWidget& widget = widgetOf(box_);
     QWidget& window = *widget.window();
     const QPoint corner = widget.mapTo(&window, QPoint());
     return window.screen()
-        ->grabWindow(window.winId(), corner.x(), corner.y(), box_.pixelWidth(), box_.pixelHeight())
+        ->grabWindow(window.winId(), corner.x() + right, corner.y(), box_.pixelWidth(), box_.pixelHeight())
         .toImage()
         .convertToFormat(QImage::Format_RGB32);
   }
@@ -67,6 +67,26 @@ TEST_F(PictureBoxTest, ShowsEveryFrameCompletely) {
     if (frame % 7 == 0) QCoreApplication::processEvents();
     ASSERT_EQ(stalePixels(), 0) << "frame " << frame;
   }
+}
+
+TEST_F(PictureBoxTest, ShowsEverySinglePixelThatChanges) {
+  const Colour colour = RGB(0, 0, 1);
+  box_.FillColor = colour;
+  for (int y = 0; y < 20; ++y) {
+    for (int x = 0; x < 40; ++x) {
+      box_.Circle(static_cast<float>(x * 15), static_cast<float>(y * 15), 0, colour);
+      box_.Refresh();
+      ASSERT_EQ(stalePixels(), 0) << x << ", " << y;
+    }
+  }
+}
+
+TEST_F(PictureBoxTest, LeavesAloneWhatIsBesideIt) {
+  const QImage beside = shown(box_.pixelWidth());
+  box_.BackColor = RGB(0, 0, 255);
+  box_.Cls();
+  box_.Refresh();
+  EXPECT_EQ(shown(box_.pixelWidth()), beside);
 }
 
 TEST_F(PictureBoxTest, ShowsNothingBeforeItIsRefreshed) {
