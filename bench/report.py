@@ -4,9 +4,10 @@
     bench/report.py build/release [--only frame_bench]
 
 Runs the benchmarks one after another, which takes about half an hour, and marks the figures that miss their goals. Use a
-release build with KELVORA_BENCH, and beside it the browser build with kelvora_site and kelvora_page_frames, on a
-machine that is otherwise idle. --only measures the commands that contain the word and leaves the other rows alone. The
-rows of a benchmark that fails keep their figures, and the script ends with status 1.
+release build with KELVORA_BENCH, and beside it the browser build with kelvora_site and kelvora_page_frames and the
+Windows build with kelvora_empty_window, on a machine that is otherwise idle. --only measures the commands that contain
+the word and leaves the other rows alone. The rows of a benchmark that fails keep their figures, and the script ends with
+status 1.
 """
 
 import argparse
@@ -79,7 +80,7 @@ FIGURES = {
         ("painting it with six captures waiting", (AT_MOST, 1.5), "ms",
          counter("paintTailWithCapturesWaiting/100000", "ms")),
         ("ending it", (AT_MOST, 8), "ms", counter("endWholeTail/100000", "ms"))],
-    "start_figures.py": [
+    "start_figures.py build/release": [
         ("start to window, by an empty window's", (AT_MOST, 1.5), "", ratio("kelvora", 0)),
         ("processor time to the window", None, "ms", column("kelvora", 1)),
         ("the same, by an empty window's", (AT_MOST, 1.5), "", ratio("kelvora", 1)),
@@ -98,11 +99,20 @@ FIGURES = {
         ("the same, covered by another window (without a compositor)", (AT_MOST, 3), "%",
          share("connected, paced, covered")),
         ("the same, minimised", (AT_MOST, 3), "%", share("connected, paced, minimised")),
+        ("at 10 ms a pass, six long tails in sight: of a core", None, "%",
+         share("connected, paced, six long tails in sight")),
         ("mouse to the picture on the screen, at 10 ms a pass", None, "ms",
          r"^mouse to picture, on the screen: +(\d+) ms"),
         ("mouse to the first report with the turn, the same", None, "ms",
          r"^mouse to the first report with the turn: +(\d+) ms"),
         ("an unpaced pass, painted and shown", None, "us", r"^unpaced: (\d+) us")],
+    "start_figures.py build/windows": [
+        ("in Wine, start to window: by an empty window's", (AT_MOST, 1.5), "", ratio("kelvora", 0)),
+        ("processor time to the window: the same", (AT_MOST, 1.5), "", ratio("kelvora", 1)),
+        ("processor time of the whole start: the same", (AT_MOST, 1.5), "", ratio("kelvora", 4)),
+        ("the same without sound", (AT_MOST, 1.5), "", ratio("without sound", 4)),
+        ("memory (RSS), with music: by an empty window's", (AT_MOST, 1.5), "", ratio("kelvora", 2)),
+        ("the same without sound", (AT_MOST, 1.5), "", ratio("without sound", 2))],
     "kelvora_arena_bench": [
         ("a report against a tail of 50 vertices, relayed to 5", None, "us",
          processor_time("report/tail:50/opponents:5")),
@@ -130,7 +140,7 @@ FIGURES = {
         ("report to another player, median", None, "ms", r"^0 spectators: ([\d.]+) ms at the median"),
         ("the same with 32 spectators", None, "ms", r"^32 spectators: ([\d.]+) ms at the median"),
         ("the same at the 99th percentile", None, "ms", r"^32 spectators: .*median, ([\d.]+) ms")],
-    "page.py": [
+    "page_figures.py build/release": [
         ("in Chromium, a light frame: by the native one", (AT_MOST, 2.5), "", r"^light frame: .* ratio ([\d.]+)"),
         ("a heavy frame: the same", (AT_MOST, 2.5), "", r"^heavy frame: .* ratio ([\d.]+)"),
         ("from the link to the connect dialog", (AT_MOST, 1000), "ms", r"^from the link to the dialog: (\d+) ms"),
@@ -149,10 +159,16 @@ def number(text):
     return float(text[:-1]) * scale if scale else float(text)
 
 
+def in_build(word, build):
+    """A word of a command, for this release build and those beside it."""
+    if word.startswith("build/release"):
+        return str(build) + word.removeprefix("build/release")
+    return str(build.parent / word.removeprefix("build/")) if word.startswith("build/") else word
+
+
 def output(command, build):
-    program, *words = command.split()
+    program, *words = (in_build(word, build) for word in command.split())
     if program.endswith(".py"):
-        words = [str(build)] if not words else [str(build / "kelvora-server")]
         call = [sys.executable, str(PROJECT / "bench" / program), *words]
     else:
         call = [str(build / program), *words]

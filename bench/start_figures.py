@@ -5,16 +5,15 @@
 
 Start and memory are compared with an empty Qt Widgets window (kelvora_empty_window), both started in turn, medians of
 the runs. Then come the processor time and wake-ups of a disconnected client, and of a connected one at the game's pace
-(10 ms per pass) while visible, covered and minimised; the latency from a jump of the mouse to its picture on the screen
-and to the first position report that includes the turn; and the length of an unpaced pass. The script ends by itself
-and stops everything it has started.
+(10 ms per pass) while visible, covered and minimised, and with six long tails in sight; the latency from a jump of the
+mouse to its picture on the screen and to the first position report that includes the turn; and the length of an unpaced
+pass. The script ends by itself and stops everything it has started.
 
 With build/windows, it only compares start and memory, in Wine, with an empty window of the system's own. Build that
 first: cmake --build --preset windows --target kelvora_empty_window
 """
 
 import argparse
-import ctypes
 import os
 import re
 import statistics
@@ -28,6 +27,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tools" / "deskt
 sys.dont_write_bytecode = True
 import harness  # noqa: E402  (found by the line above)
 import wine  # noqa: E402
+from direct_screen import DirectScreen  # noqa: E402
 from process_figures import memory, processor_seconds  # noqa: E402
 
 
@@ -41,6 +41,7 @@ def arguments():
 
 OPTIONS = arguments()
 harness.use_build(OPTIONS.build)
+from scripted_scene import LongTails, log_in  # noqa: E402  (needs the build)
 EMPTY_WINDOW = harness.program_in(OPTIONS.build, "kelvora_empty_window")
 
 
@@ -121,18 +122,6 @@ def share(client):
     return cost(client.process.pid)[0]
 
 
-def log_in(display, **options):
-    client = harness.Client(display, **options)
-    server = harness.ScriptedServer()
-    client.connect(server.port)
-    line = server.accept()
-    line.recv_frame()
-    line.send(harness.protocol.LOGIN_ACCEPTED, 0, 7, 50000, 50000)
-    line.send(harness.protocol.PING, 1)
-    line.report()
-    return client, server, line
-
-
 def reports_during(line, seconds):
     return sum(identifier == harness.protocol.POSITION_REPORT for identifier, _ in line.frames_during(seconds))
 
@@ -193,38 +182,14 @@ def paced(display):
     line.close()
     client.close()
     server.close()
-
-
-class Screen:
-    """A direct connection to the X server: moves the mouse and reads a pixel within a fraction of a millisecond."""
-
-    def __init__(self, display):
-        self.x11 = ctypes.CDLL("libX11.so.6")
-        self.xtst = ctypes.CDLL("libXtst.so.6")
-        self.x11.XOpenDisplay.restype = ctypes.c_void_p
-        self.x11.XGetImage.restype = ctypes.c_void_p
-        self.x11.XGetPixel.restype = ctypes.c_ulong
-        self.x11.XDefaultRootWindow.restype = ctypes.c_ulong
-        self.connection = ctypes.c_void_p(self.x11.XOpenDisplay(display.environment["DISPLAY"].encode()))
-        self.root = ctypes.c_ulong(self.x11.XDefaultRootWindow(self.connection))
-
-    def jump(self, x, y):
-        """Moves the mouse and returns the time at which the server has done so."""
-        self.xtst.XTestFakeMotionEvent(self.connection, -1, x, y, ctypes.c_ulong(0))
-        self.x11.XSync(self.connection, 0)
-        return time.monotonic()
-
-    def brightest(self, x, y, reach):
-        """The brightest channel near a point."""
-        image = ctypes.c_void_p(self.x11.XGetImage(self.connection, self.root, x - reach, y - reach, 2 * reach, 2 * reach,
-                                                   ctypes.c_ulong(0xFFFFFF), 2))
-        pixels = [self.x11.XGetPixel(image, column, row) for row in range(0, 2 * reach, 2)
-                  for column in range(0, 2 * reach, 2)]
-        self.x11.XDestroyImage(image)
-        return max(max(pixel >> 16, pixel >> 8 & 255, pixel & 255) for pixel in pixels)
-
-    def close(self):
-        self.x11.XCloseDisplay(self.connection)
+    client, server, line = log_in(display)
+    tails = LongTails(line)
+    time.sleep(tails.cycle)
+    print(f"connected, paced, six long tails in sight: {cost(client.process.pid, 2 * tails.cycle)[0]:.1f} % of a core")
+    tails.close()
+    line.close()
+    client.close()
+    server.close()
 
 
 def median_of(times):
@@ -237,7 +202,7 @@ def latency(display):
     client, server, line = log_in(display)
     client.mouse_to(700, 280)
     client.right_click()
-    screen = Screen(display)
+    screen = DirectScreen(display)
     side, to_picture, to_report = 1, [], []
     for turn in range(60):
         time.sleep(0.25 + turn % 7 * 0.0057)  # at any moment of a pass and of the four passes of a report

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures the page in headless Chromium, beside the native programs.
 
-    bench/page.py build/release [--web build/web] [--browser chromium] [--runs 5] [--minutes 10]
+    bench/page_figures.py build/release [--web build/web] [--browser chromium] [--runs 5] [--minutes 10]
 
 Needs the browser build, and in both builds the target kelvora_page_frames. Prints the time of whole frames in the
 browser and natively, in turns; the time from the link to the connect dialog, and the bytes that are fetched until then
