@@ -166,6 +166,13 @@ TEST(ServerOptions, RoundsAreRecordedOrShown) {
   EXPECT_EQ(parse({"--replay", "a.round", "--publish", "http://h"}).error, "a replay isn't a game that lists can have");
 }
 
+TEST(ServerOptions, LimitsOfRecordedRoundsNeedAFolder) {
+  const std::string refusal = "limits of recorded rounds need --record";
+  EXPECT_EQ(parse({"--record-size", "7"}).error, refusal);
+  EXPECT_EQ(parse({"--record-count", "7"}).error, refusal);
+  EXPECT_EQ(parse({"--record-size", "7", "--replay", "a.round"}).error, refusal);
+}
+
 TEST(ServerOptions, ThatAreInvalidAreReported) {
   EXPECT_NE(parse({"--prot", "1"}).error, "");
   EXPECT_NE(parse({"2010"}).error, "");
