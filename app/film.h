@@ -92,7 +92,7 @@ class Video : public Film {
   /// A part of the film. The film's extension tells ffmpeg the format.
   std::string part(const std::string& name) const;
   std::string soundFile() const { return folder_ + "/sound"; }
-  std::string messagesFile() const { return folder_ + "/words"; }  ///< ffmpeg's messages
+  std::string messagesFile() const { return folder_ + "/messages"; }  ///< ffmpeg's messages
   /// The command for ffmpeg with these arguments, both words for the shell.
   std::string ffmpeg(const std::string& arguments) const;
   /// Says why ffmpeg has failed.
