@@ -3,6 +3,7 @@
 import http.server
 import os
 import pathlib
+import re
 import shutil
 import signal
 import socket
@@ -224,6 +225,15 @@ class Play(unittest.TestCase):
         self.assertEqual(self.process.wait(60), 1)
         self.assertIn("unknown option --adress\n", self.said())
         self.assertFalse((self.folder / "build").exists())
+
+    def test_web_knows_each_option_and_its_value(self):
+        help_text = subprocess.run([SERVER, "--help"], capture_output=True, text=True, check=True).stdout
+        options = re.findall(r"^  (--[a-z-]+) (\S*)", help_text, re.M)
+        self.assertGreater(len(options), 40)
+        for name, value in options:
+            self.play("web", name, *(["--a-value"] if value else []), "--mistyped", "--wrong")
+            self.assertEqual(self.process.wait(60), 1, name)
+            self.assertIn("unknown option --mistyped\n", self.said())
 
     def test_web_refuses_a_wrong_value_before_it_builds_the_page(self):
         self.play("web", "--bots", "many")
