@@ -11,7 +11,8 @@ import urllib.error
 import urllib.parse
 import urllib.request
 
-from realServer import PATIENCE, PROJECT, RawPlayer, Server, connect, documented, free_port, wait_for
+from operatorsGuide import documented
+from realServer import PATIENCE, PROJECT, RawPlayer, Server, connect, free_port, wait_for
 from protocol import CHAT, LOGIN_ACCEPTED, POSITION, POSITION_REPORT, frame
 
 REPORTS = 5

@@ -7,8 +7,8 @@ import subprocess
 import tempfile
 import unittest
 
-from realServer import (PATIENCE, START, VERSION, Nginx, RawPlayer, Server, connect, documented, free_port, read_to_end,
-                        wait_for)
+from operatorsGuide import Nginx, documented
+from realServer import PATIENCE, START, VERSION, RawPlayer, Server, connect, free_port, read_to_end, wait_for
 from protocol import CHAT, LOGIN_ACCEPTED
 from test_endings import HANDSHAKE, masked
 from webSocketPlayer import WebSocket, WebSocketPlayer
