@@ -9,12 +9,11 @@
 #include <cstddef>
 #include <vector>
 
+#include "raster/opaqueRows.h"
+
 namespace kelvora {
 
 namespace {
-
-// The highest byte of the game's pixels is 0, which an image with an alpha channel would show as transparent.
-constexpr Pixel opaque = 0xFF000000;
 
 struct PixelRows {
   Pixel* first;
@@ -44,14 +43,14 @@ PixelRows rowsOf(QBackingStore& store, const QRect& place) {
   return {reinterpret_cast<Pixel*>(image->bits()) + place.y() * pitch + place.x(), pitch};
 }
 
-bool isShown(const PixelArea& tile, const PictureBox& box, PixelRows window) {
-  const Pixel* source = box.pixels().data() + std::ptrdiff_t{tile.y} * box.pixelWidth() + tile.x;
-  const Pixel* target = window.first + tile.y * window.pitch + tile.x;
-  Pixel difference = 0;
-  for (int row = 0; row < tile.height; ++row, source += box.pixelWidth(), target += window.pitch) {
-    for (int column = 0; column < tile.width; ++column) difference |= (source[column] | opaque) ^ target[column];
-  }
-  return difference == 0;
+Rows rowsOf(const PixelArea& area, const PictureBox& box, PixelRows window) {
+  const int pitch = box.pixelWidth();
+  return {window.first + area.y * window.pitch + area.x,
+          window.pitch,
+          box.pixels().data() + std::ptrdiff_t{area.y} * pitch + area.x,
+          pitch,
+          area.width,
+          area.height};
 }
 
 // The tiles of the areas that the window doesn't show yet. Much is drawn again as it was, such as icons and texts, and
@@ -64,7 +63,7 @@ std::span<const PixelArea> differences(const PictureBox& box, std::span<const Pi
     const int end = area.x + area.width;
     for (int x = area.x; x < end; x += tileWidth) {
       const PixelArea tile{x, area.y, std::min(tileWidth, end - x), area.height};
-      if (isShown(tile, box, window)) continue;
+      if (isOpaqueCopy(rowsOf(tile, box, window))) continue;
       if (!tiles.empty() && tiles.back().y == tile.y && tiles.back().x + tiles.back().width == x) {
         tiles.back().width += tile.width;
       } else {
@@ -73,14 +72,6 @@ std::span<const PixelArea> differences(const PictureBox& box, std::span<const Pi
     }
   }
   return tiles;
-}
-
-void copyArea(const PixelArea& area, const PictureBox& box, PixelRows window) {
-  const Pixel* source = box.pixels().data() + std::ptrdiff_t{area.y} * box.pixelWidth() + area.x;
-  Pixel* target = window.first + area.y * window.pitch + area.x;
-  for (int row = 0; row < area.height; ++row, source += box.pixelWidth(), target += window.pitch) {
-    for (int column = 0; column < area.width; ++column) target[column] = source[column] | opaque;
-  }
 }
 
 }  // namespace
@@ -105,7 +96,7 @@ bool copyToWindow(const QWidget& widget, const PictureBox& box, std::span<const 
   // The window system may have exchanged the image.
   const PixelRows target = rowsOf(*store, place);
   if (target.first) {
-    for (const PixelArea& area : changed) copyArea(area, box, target);
+    for (const PixelArea& area : changed) copyOpaque(rowsOf(area, box, target));
   }
   store->endPaint();
   if (target.first) store->flush(region, window);

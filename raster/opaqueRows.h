@@ -1,0 +1,15 @@
+#pragma once
+
+#include "raster/copyRows.h"
+
+namespace kelvora {
+
+// The highest byte of the game's pixels is 0, which a window's image with an alpha channel would show as transparent.
+
+/// Copies as `copyRows` does, with 255 in the highest byte of each pixel.
+void copyOpaque(const Rows& rows);
+
+/// True if the target has the pixels that `copyOpaque` would write.
+[[nodiscard]] bool isOpaqueCopy(const Rows& rows);
+
+}  // namespace kelvora
