@@ -1,5 +1,5 @@
 """A hostile server against the real window. Whatever it sends, the window responds, the process stays within its memory
-limits, and afterwards the same process can join and play a game. docs/reliability.md states the limits.
+limits, and afterwards the same process can join and play a game. The guide to reliability states the limits.
 
 KELVORA_HOSTILE_MIB is the length of the endless streams, 64 by default. KELVORA_HOSTILE_RECONNECTS is the number of
 reconnections, 60 by default."""

@@ -1,5 +1,5 @@
-"""The zip and the installer for Windows: what is in them, that the installed game starts, and that nothing is left of it
-in the end."""
+"""The zip and the installer for Windows, which tools/package.sh makes with packaging/windows: what is in them, that the
+installed game starts, and that nothing is left of it in the end."""
 
 import pathlib
 import shutil

@@ -1,5 +1,5 @@
 """A hostile server against the page: whatever it sends, the page answers keys, its memory stays bounded, and afterwards it
-can join and play a game. docs/reliability.md states the limits."""
+can join and play a game. The guide to reliability states the limits."""
 
 import os
 import threading

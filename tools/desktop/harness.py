@@ -57,14 +57,15 @@ def use_build(folder):
 def load_protocol():
     """Loads the message ids, which the build writes beside its programs."""
     global protocol
-    sys.path.insert(0, str(pathlib.Path(CLIENT).resolve().parent / "generated"))
+    program = CLIENT or SERVER
+    sys.path.insert(0, str(pathlib.Path(program).resolve().parent / "generated"))
     try:
         import protocol
     except ModuleNotFoundError:
-        sys.exit(f"The message ids for Python are missing beside {CLIENT}. Build them: cmake --build --preset release")
+        sys.exit(f"The message ids for Python are missing beside {program}. Build them: cmake --build --preset release")
 
 
-if CLIENT:
+if CLIENT or SERVER:
     load_protocol()
 
 
@@ -327,6 +328,7 @@ class Client:
     def __init__(self, display, frame_ms="10", config=None, arguments=("nosound", "nomusic"), web_host=CLOSED_PORT,
                  environment=(), scale=1, program=None):
         program = program or CLIENT
+        assert program, "KELVORA_CLIENT is unset: CMakeLists.txt lists the tests that start the client"
         self.display = display
         self.scale = scale
         self.own_config = config is None
@@ -473,6 +475,7 @@ class Server:
     times faster than designed, so the speed is not limited."""
 
     def __init__(self, *arguments):
+        assert SERVER, "KELVORA_SERVER is unset: CMakeLists.txt lists the tests that start the server"
         self.port = free_port()
         self.web_host = None
         self.process = subprocess.Popen(wine.command(SERVER, "--address", "127.0.0.1", "--port", str(self.port),
