@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <random>
+#include <string>
 
 #include "raster/surface.h"
 #include "tests/raster/referenceSurface.h"
@@ -116,61 +118,70 @@ TEST(PaintPicture, WithoutASizeChangesNothing) {
   EXPECT_EQ(pixelsOf(surface), std::vector<Pixel>(9, 0));
 }
 
-TEST(PaintPicture, MatchesItsDefinitionForAllCellsAndOperations) {
-  std::mt19937 draws(5);
-  const auto between = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws); };
-  Picture sheet{29, 17, {}};
-  for (int i = 0; i < 29 * 17; ++i) sheet.pixels.push_back(static_cast<Pixel>(draws()) & 0xFFFFFF);
+/// Random cells and places, of which many lie in part outside the sheet or the image.
+class RandomCopies : public testing::Test {
+ protected:
+  struct Cell {
+    int x, y;
+  };
+
+  RandomCopies() {
+    surface.BackColor = RGB(0x5A, 0xC3, 0x0F);
+    surface.resize(37, 23);
+  }
+
+  int between(int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws_); }
+
+  Picture randomSheet(int width, int height) {
+    Picture sheet{width, height, {}};
+    for (int i = 0; i < width * height; ++i) sheet.pixels.push_back(static_cast<Pixel>(draws_()) & 0xFFFFFF);
+    return sheet;
+  }
+  Cell randomCell(const Picture& sheet) { return {between(-12, sheet.width + 3), between(-12, sheet.height + 3)}; }
+  PixelArea randomPlace() { return {between(-25, 40), between(-25, 30), between(-3, 35), between(-3, 25)}; }
+
+  void copyToReference(const Picture& sheet, Cell cell, const PixelArea& place, RasterOperation operation) {
+    reference_.copy(sheet, place.x, place.y, place.width, place.height, cell.x, cell.y, operation);
+  }
+  std::string difference() { return kelvora::difference(surface, reference_); }
+
+  static constexpr std::array operations{SRCAND, SRCPAINT, SRCCOPY};
   Surface surface;
-  surface.BackColor = RGB(0x5A, 0xC3, 0x0F);
-  surface.resize(37, 23);
-  ReferenceSurface reference(37, 23, 0x5AC30F);
-  for (int i = 0; i < 5000; ++i) {
-    const int x = between(-25, 40);
-    const int y = between(-25, 30);
-    const int w = between(-3, 35);
-    const int h = between(-3, 25);
-    const int sx = between(-12, 32);
-    const int sy = between(-12, 20);
-    const RasterOperation operation = i % 3 == 0 ? SRCAND : i % 3 == 1 ? SRCPAINT : SRCCOPY;
-    surface.PaintPicture(sheet, twips(x), twips(y), twips(w), twips(h), twips(sx), twips(sy), operation);
-    reference.copy(sheet, x, y, w, h, sx, sy, operation);
-    ASSERT_EQ(difference(surface, reference), "") << "copy " << i;
+
+ private:
+  std::mt19937 draws_{5};
+  ReferenceSurface reference_{37, 23, 0x5AC30F};
+};
+
+TEST_F(RandomCopies, OfPicturesMatchTheirDefinitionForAllOperations) {
+  const Picture sheet = randomSheet(29, 17);
+  for (std::size_t i = 0; i < 5000; ++i) {
+    const Cell cell = randomCell(sheet);
+    const PixelArea place = randomPlace();
+    const RasterOperation operation = operations.at(i % 3);
+    surface.PaintPicture(sheet, twips(place.x), twips(place.y), twips(place.width), twips(place.height), twips(cell.x),
+                         twips(cell.y), operation);
+    copyToReference(sheet, cell, place, operation);
+    ASSERT_EQ(difference(), "") << "copy " << i;
   }
 }
 
-// Sheets of different sizes, so that the copies are also clipped differently.
-TEST(PaintSprite, EqualsItsTwoCopiesForAllCellsAndOperations) {
-  std::mt19937 draws(6);
-  const auto between = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(draws); };
-  const auto randomSheet = [&](int width, int height) {
-    Picture sheet{width, height, {}};
-    for (int i = 0; i < width * height; ++i) sheet.pixels.push_back(static_cast<Pixel>(draws()) & 0xFFFFFF);
-    return sheet;
-  };
+// The sheets have different sizes, so that the two copies are also clipped differently.
+TEST_F(RandomCopies, OfSpritesEqualTheirTwoCopiesForAllOperations) {
   const Picture mattes = randomSheet(29, 17);
   const Picture images = randomSheet(40, 21);
-  const RasterOperation operations[] = {SRCAND, SRCPAINT, SRCCOPY};
-  Surface surface;
-  surface.BackColor = RGB(0x5A, 0xC3, 0x0F);
-  surface.resize(37, 23);
-  ReferenceSurface reference(37, 23, 0x5AC30F);
-  for (int i = 0; i < 5000; ++i) {
-    const int x = between(-25, 40);
-    const int y = between(-25, 30);
-    const int w = between(-3, 35);
-    const int h = between(-3, 25);
-    const int matteX = between(-12, 32);
-    const int matteY = between(-12, 20);
-    const int imageX = between(0, 1) == 0 ? matteX : between(-12, 42);
-    const int imageY = between(0, 1) == 0 ? matteY : between(-12, 24);
-    const RasterOperation matteOperation = operations[i % 3];
-    const RasterOperation imageOperation = operations[i / 3 % 3];
-    surface.PaintSprite({mattes, twips(matteX), twips(matteY), matteOperation},
-                        {images, twips(imageX), twips(imageY), imageOperation}, twips(x), twips(y), twips(w), twips(h));
-    reference.copy(mattes, x, y, w, h, matteX, matteY, matteOperation);
-    reference.copy(images, x, y, w, h, imageX, imageY, imageOperation);
-    ASSERT_EQ(difference(surface, reference), "") << "sprite " << i;
+  for (std::size_t i = 0; i < 5000; ++i) {
+    const Cell matte = randomCell(mattes);
+    const Cell image = between(0, 1) == 0 ? matte : randomCell(images);
+    const PixelArea place = randomPlace();
+    const RasterOperation matteOperation = operations.at(i % 3);
+    const RasterOperation imageOperation = operations.at(i / 3 % 3);
+    surface.PaintSprite({mattes, twips(matte.x), twips(matte.y), matteOperation},
+                        {images, twips(image.x), twips(image.y), imageOperation}, twips(place.x), twips(place.y),
+                        twips(place.width), twips(place.height));
+    copyToReference(mattes, matte, place, matteOperation);
+    copyToReference(images, image, place, imageOperation);
+    ASSERT_EQ(difference(), "") << "sprite " << i;
   }
 }
 
