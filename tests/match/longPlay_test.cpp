@@ -1,4 +1,4 @@
-// A short form of bench/long_run.cpp, which plays for hours.
+// A short form of kelvora_long_run, which plays for hours.
 
 #include "tools/headless/longPlay.h"
 
