@@ -126,5 +126,6 @@ build_page() {
   cmake --build --preset web --target kelvora_site "$@"
 }
 
-# Clones in different folders share the cache.
-export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+# Clones in different folders share the cache, but not the files that combine sources. In depend mode, a compilation that
+# is not in the cache needs no separate run of the preprocessor.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1
