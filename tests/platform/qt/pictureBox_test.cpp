@@ -2,7 +2,9 @@
 
 #include <QImage>
 #include <QScreen>
+#include <QWindow>
 #include <random>
+#include <vector>
 
 #include "tests/platform/qt/desktopTest.h"
 #include "tests/platform/qt/formProbe.h"
@@ -15,14 +17,21 @@ class PictureBoxTest : public testing::Test {
   PictureBoxTest() {
     slot_->Show();
     box_.Refresh();
-    QCoreApplication::processEvents();
+    EXPECT_TRUE(serveUntil([this] { return widgetOf(box_).window()->windowHandle()->isExposed(); }));
+    EXPECT_TRUE(serveUntil([this] { return stalePixels() == 0; }));
   }
 
+  /// Draws as the game does: circles and lines that move, an icon and a text that stay.
   void draw() {
-    box_.FillColor = RGB(number(0, 255), number(0, 255), number(0, 255));
-    const auto x = static_cast<float>(number(-10, box_.pixelWidth() + 10) * 15);
-    const auto y = static_cast<float>(number(-10, box_.pixelHeight() + 10) * 15);
-    box_.Circle(x, y, static_cast<float>(number(1, 12) * 15), RGB(255, 255, 255));
+    box_.FillColor = randomColour();
+    box_.Circle(randomX(), randomY(), static_cast<float>(number(1, 12) * 15), RGB(255, 255, 255));
+    box_.ForeColor = randomColour();
+    box_.DrawWidth = number(1, 9);
+    box_.Line(randomX(), randomY(), randomX(), randomY());
+    box_.PaintSprite({icon_, 0, 0, SRCAND}, {icon_, 0, 0, SRCPAINT}, 300, 150, 450, 450);
+    box_.CurrentX = 900;
+    box_.CurrentY = 450;
+    box_.Print("Stays");
   }
 
   int number(int least, int most) { return std::uniform_int_distribution<int>(least, most)(random_); }
@@ -55,11 +64,16 @@ class PictureBoxTest : public testing::Test {
   PictureBox& box_ = slot_->box;
 
  private:
+  Colour randomColour() { return RGB(number(0, 255), number(0, 255), number(0, 255)); }
+  float randomX() { return static_cast<float>(number(-10, box_.pixelWidth() + 10) * 15); }
+  float randomY() { return static_cast<float>(number(-10, box_.pixelHeight() + 10) * 15); }
+
   std::mt19937 random_{3};
+  const Picture icon_{30, 30, std::vector<Pixel>(900, 0x40C080)};
 };
 
 TEST_F(PictureBoxTest, ShowsEveryFrameCompletely) {
-  for (int frame = 0; frame < 500; ++frame) {
+  for (int frame = 0; frame < 3000; ++frame) {
     box_.Cls();
     for (int i = number(0, 6); i > 0; --i) draw();
     if (frame % 100 == 50) box_.BackColor = RGB(number(0, 255), 0, 0);
