@@ -15,11 +15,11 @@ namespace kelvora {
 ///
 /// Two limits keep a hostile server from filling the memory, both far above any real message. An entry stores its first
 /// `entryLimit` bytes and its end byte. A text is dropped if all entries together would exceed `totalLimit`. Both
-/// limits are in bytes.
+/// limits are in bytes. Strings that grow take up to twice as much memory.
 class MessageQueue {
  public:
   static constexpr std::size_t entryLimit = std::size_t{1} << 20;
-  static constexpr std::size_t totalLimit = std::size_t{64} << 20;
+  static constexpr std::size_t totalLimit = std::size_t{32} << 20;
 
   struct Taken {
     std::size_t index;  ///< the entry's number at that time

@@ -97,14 +97,14 @@ TEST(MessageQueue, AnEntryOfExactlyTheLimitIsWhole) {
 TEST(MessageQueue, TextBeyondTheTotalIsDropped) {
   MessageQueue queue;
   const std::string half = std::string(MessageQueue::entryLimit / 2 - 1, 'x') + '\x81';
-  for (int i = 0; i < 128; ++i) {
+  for (int i = 0; i < 64; ++i) {
     queue.startEntry();
     queue.append(half);
   }
   queue.startEntry();
   queue.append("one too many\x81");
-  EXPECT_EQ(queue.text(129), "");
-  for (int i = 0; i < 128; ++i) queue.removeMessage(queue.takeFirstReady()->index);
+  EXPECT_EQ(queue.text(65), "");
+  for (int i = 0; i < 64; ++i) queue.removeMessage(queue.takeFirstReady()->index);
   EXPECT_FALSE(queue.takeFirstReady());
   queue.append("room again\x81");
   EXPECT_EQ(queue.takeFirstReady()->text, "room again");
