@@ -217,24 +217,27 @@ class Display:
                                 XDG_CONFIG_HOME=self.folder, XDG_CACHE_HOME=self.folder, XDG_RUNTIME_DIR=self.folder)
         for name in ("WAYLAND_DISPLAY", "XAUTHORITY", "SESSION_MANAGER", "KELVORA_FRAME_MS"):
             self.environment.pop(name, None)
-        if border is not None:
-            self.choose_frame(border, padding)
+        self.write_manager_settings(border, padding)
         self.programs.append(subprocess.Popen(
             ["openbox", "--sm-disable"], env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL))
         wait_for(self.manager_answers, "the window manager")
 
-    def choose_frame(self, border, padding):
-        """Writes a theme for the window manager and a copy of its default settings that selects it."""
-        theme = os.path.join(self.folder, ".themes", "Frame", "openbox-3")
-        os.makedirs(theme)
-        with open(os.path.join(theme, "themerc"), "w") as file:
-            file.write(f"border.width: {border}\npadding.height: {padding}\n")
+    def write_manager_settings(self, border, padding):
+        """Writes a copy of the window manager's default settings, in which it takes no clicks inside windows. It would
+        pass them on late, after keys pressed later. Also selects a theme with these frames, if they are given."""
         with open("/etc/xdg/openbox/rc.xml") as file:
             settings = file.read()
+        settings = re.sub(r'(?s)<context name="Client">.*?</context>', "", settings)
+        if border is not None:
+            theme = os.path.join(self.folder, ".themes", "Frame", "openbox-3")
+            os.makedirs(theme)
+            with open(os.path.join(theme, "themerc"), "w") as file:
+                file.write(f"border.width: {border}\npadding.height: {padding}\n")
+            settings = re.sub(r"(<theme>\s*<name>)[^<]*", r"\1Frame", settings)
         os.makedirs(os.path.join(self.folder, "openbox"))
         with open(os.path.join(self.folder, "openbox", "rc.xml"), "w") as file:
-            file.write(re.sub(r"(<theme>\s*<name>)[^<]*", r"\1Frame", settings))
+            file.write(settings)
 
     def manager_answers(self):
         """Waits until openbox has started: a window shown before that never appears. So one of our requests must
