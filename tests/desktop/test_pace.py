@@ -6,6 +6,7 @@ import unittest
 
 import harness
 from desktopTest import DesktopTest
+from harness import wait_for
 
 
 def seconds_without_a_processor(process):
@@ -19,28 +20,40 @@ class Pace(DesktopTest):
         return seconds_without_a_processor(client.process) + seconds_without_a_processor(self.display.xvfb)
 
     def fly(self, frame_ms):
-        """Flies 400 frames in a small circle that never meets an edge: the mouse is near the centre. Returns the
-        seconds taken, the part of them without a processor, and the processor seconds used."""
+        """A client that flies in a small circle that never meets an edge: the mouse is near the centre."""
         client, line = self.log_in(self.start_client(frame_ms=frame_ms))
         client.mouse_to(386, 308)
         client.right_click()
         line.frames_during(0.5)
         line.report()
+        return client, line
+
+    def test_hundred_frames_per_second_take_a_third_of_a_core(self):
+        client, line = self.fly("10")
         cpu, waited, begin = client.cpu_seconds(), self.seconds_waited(client), time.monotonic()
         for _ in range(100):  # a report every fourth frame
             line.report()
-        return (time.monotonic() - begin, self.seconds_waited(client) - waited, client.cpu_seconds() - cpu)
-
-    def test_hundred_frames_per_second_take_a_third_of_a_core(self):
-        seconds, waited, cpu = self.fly("10")
+        seconds = time.monotonic() - begin
+        waited, cpu = self.seconds_waited(client) - waited, client.cpu_seconds() - cpu
         # 4 s at 10 ms a frame.
         self.assertGreater(seconds, 3.92)
         self.assertLess(seconds - waited, 4.08)
         self.assertLess(cpu, 4 / 3)
 
     def test_unpaced_loop_is_faster_than_the_paced_one(self):
-        seconds, waited, _ = self.fly(None)
-        self.assertLess(seconds - waited, 3.5)
+        # Minimised, because frames in sight are slower than the pace on a busy machine.
+        client, line = self.fly(None)
+        self.display.xdotool("windowminimize", client.window.identifier)
+        wait_for(lambda: not client.window.is_shown(), "the minimised window")
+
+        def seconds_for_hundred_frames():
+            begin = time.monotonic()
+            line.ask()
+            for _ in range(25):
+                line.report()
+            return time.monotonic() - begin
+        # At 10 ms a frame, of which at most three late ones are made up for, these take more than 0.9 s.
+        wait_for(lambda: seconds_for_hundred_frames() < 0.5, "a hundred frames in half a second")
 
     def assert_idle(self, frame_ms):
         client = self.start_client(frame_ms=frame_ms)
