@@ -1,5 +1,6 @@
 """Shared code of the tests of the page: a real browser, and the real server that delivers the page."""
 
+import functools
 import os
 import signal
 import sys
@@ -14,20 +15,29 @@ from protocol import LOGIN, LOGIN_ACCEPTED
 KIND = os.environ.get("KELVORA_BROWSER", "chromium")
 SITE = os.environ["KELVORA_SITE"]
 HANG = 300  # seconds; a test that takes longer hangs
+# Firefox shows this many frames a second. The game's own pace is the same, and pictures take much processor time.
+FRAMES = {"layout.frame_rate": 20}
 # A stopped run ends its browsers and servers, too.
 signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 
 
+@functools.cache
+def browser_with(options, preferences):
+    """One browser for all tests of a file that need these options and preferences."""
+    browser = Browser(KIND, options, preferences)
+    unittest.addModuleCleanup(browser.close)
+    return browser
+
+
 class PageTest(unittest.TestCase):
-    """One browser for all tests of a class. Each test gets its own server and fresh profiles."""
+    """Classes with the same options share a browser. Each test gets its own server and fresh profiles."""
 
     browser_options = ()  # Chromium's
-    browser_preferences = ()  # Firefox's
+    browser_preferences = {}  # Firefox's
 
     @classmethod
     def setUpClass(cls):
-        cls.browser = Browser(KIND, cls.browser_options, cls.browser_preferences)
-        cls.addClassCleanup(cls.browser.close)
+        cls.browser = browser_with(cls.browser_options, tuple({**FRAMES, **cls.browser_preferences}.items()))
 
     def start_server(self, *options):
         server = harness.Server("--site", SITE, *options)
