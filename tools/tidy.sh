@@ -9,12 +9,12 @@ jobs=${1:-$(nproc)}
 
 tidy=$(clang_tool clang-tidy) || exit 1
 
-# Most of the time goes to library headers, so a dozen sources of a room are read as one and share them. For that, names
+# Most of the time goes to library headers, so the sources of a room are read as one and share them. For that, names
 # in the unnamed namespaces of a room's sources must differ.
 list_linux_sources() {
   folder=build/tidy checks=-bugprone-suspicious-include
   local output
-  output=$(cmake --preset release -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=12 \
+  output=$(cmake --preset release -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 \
     -DKELVORA_TESTS=OFF -DKELVORA_BENCH=OFF 2>&1) || { echo "$output"; exit 1; }
 }
 

@@ -15,7 +15,7 @@
 namespace kelvora::server {
 namespace {
 
-std::string request(const std::string& method, const std::string& query, const std::string& headers = {}) {
+std::string listRequest(const std::string& method, const std::string& query, const std::string& headers = {}) {
   return method + " " + std::string(publishPath) + "?" + query + " HTTP/1.1\r\nHost: h\r\nContent-Length: 0\r\n" +
          headers + "\r\n";
 }
@@ -108,9 +108,9 @@ TEST_F(Publishing, ListHasAsManyEntriesAsItMay) {
   Options options = this->list();
   options.listSize = 1;
   const RunningServer list(options);
-  EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).code(), 200);
+  EXPECT_EQ(ask(list.webPort(), listRequest("POST", query), 10).code(), 200);
   const std::string another = "version=" KELVORA_VERSION "&address=b&port=2010&password=0&notes=n&players=3&max=6";
-  EXPECT_EQ(ask(list.webPort(), request("POST", another), 11).code(), 503);
+  EXPECT_EQ(ask(list.webPort(), listRequest("POST", another), 11).code(), 503);
 }
 
 TEST_F(Publishing, MachinesWithoutLimitsAnnounceAnyNumber) {
@@ -120,7 +120,7 @@ TEST_F(Publishing, MachinesWithoutLimitsAnnounceAnyNumber) {
   const auto announce = [&](int number, std::uint32_t host) {
     const std::string entry = "version=" KELVORA_VERSION "&address=a" + std::to_string(number) +
                               "&port=2010&password=0&notes=n&players=3&max=6";
-    return ask(list.webPort(), request("POST", entry), host).code();
+    return ask(list.webPort(), listRequest("POST", entry), host).code();
   };
   for (int i = 0; i < 80; ++i) EXPECT_EQ(announce(i, i % 2 == 0 ? 10 : 11), 200) << i;
   int others = 0;
@@ -148,10 +148,10 @@ TEST_F(Publishing, ListWithAKeyRequiresIt) {
   EXPECT_TRUE(logs(wrong, "cannot announce to " + urlOf(list) + ": status 403"));
   EXPECT_TRUE(logs(right, "announced to "));
   EXPECT_EQ(listOf(list), own(list) + "[arena.example|" + std::to_string(right.port()) + "|0|of all|0|6]-END-\n");
-  EXPECT_EQ(ask(list.webPort(), request("POST", query, "Authorization: Bearer open sesame\r\n")).code(), 200);
+  EXPECT_EQ(ask(list.webPort(), listRequest("POST", query, "Authorization: Bearer open sesame\r\n")).code(), 200);
   for (const char* header : {"", "Authorization: open sesame\r\n", "Authorization: Bearer \r\n",
                              "Authorization: Bearer open sesame2\r\n", "Authorization: Basic b3Blbg==\r\n"}) {
-    EXPECT_EQ(ask(list.webPort(), request("DELETE", query, header)).code(), 403) << header;
+    EXPECT_EQ(ask(list.webPort(), listRequest("DELETE", query, header)).code(), 403) << header;
   }
 }
 
@@ -182,11 +182,11 @@ TEST_F(Publishing, SilentListDelaysNobody) {
 
 TEST_F(Publishing, OnlyItsPublisherChangesAnEntry) {
   const RunningServer list(this->list());
-  EXPECT_EQ(ask(list.webPort(), request("POST", query), 10).code(), 200);
-  EXPECT_EQ(ask(list.webPort(), request("POST", query), 11).code(), 409);
-  EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 11).code(), 409);
+  EXPECT_EQ(ask(list.webPort(), listRequest("POST", query), 10).code(), 200);
+  EXPECT_EQ(ask(list.webPort(), listRequest("POST", query), 11).code(), 409);
+  EXPECT_EQ(ask(list.webPort(), listRequest("DELETE", query), 11).code(), 409);
   EXPECT_EQ(listOf(list), own(list) + "[play.example|2010|0|n|3|6]-END-\n");
-  EXPECT_EQ(ask(list.webPort(), request("DELETE", query), 10).code(), 200);
+  EXPECT_EQ(ask(list.webPort(), listRequest("DELETE", query), 10).code(), 200);
   EXPECT_EQ(listOf(list), own(list) + "-END-\n");
 }
 
@@ -197,10 +197,10 @@ TEST_F(Publishing, HostileAnnouncementsAreRefused) {
   for (const std::string& evil :
        {std::string(), std::string("version=" KELVORA_VERSION), head + "a%7Cb", head + "%5Bx%5D", head + "-END-",
         head + "%0A", head + "%00", head + std::string(201, 'n'), std::string(3'000, 'x')}) {
-    EXPECT_EQ(ask(list.webPort(), request("POST", evil)).code(), 400) << evil;
+    EXPECT_EQ(ask(list.webPort(), listRequest("POST", evil)).code(), 400) << evil;
   }
   for (const char* method : {"GET", "HEAD", "PUT", "BREW"}) {
-    EXPECT_EQ(ask(list.webPort(), request(method, query)).code(), 405) << method;
+    EXPECT_EQ(ask(list.webPort(), listRequest(method, query)).code(), 405) << method;
   }
   EXPECT_EQ(listOf(list), own(list) + "-END-\n");
 }
