@@ -1,4 +1,4 @@
-"""What a scripted server shows a real client."""
+"""Scenes that a scripted server shows a real client."""
 
 import math
 import threading

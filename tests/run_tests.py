@@ -4,10 +4,10 @@ whose inputs are the same since. --all runs these, too. Those with the label "ra
 
 A test's inputs are its command and environment, the programs, files and folders that these name, the installed
 packages, and what it reads of the project's files that are not compiled. All tests read tests/ without its scripts, and
-what programs load: assets/, sounds/ and kelvora.jpg. What a test names, it reads, too: another file of its folder, a
-file or folder beside tests/, or a program beside one of its programs. Its text is its command, its environment, and the
-files of its folder, or the script that it runs and the files of the folder that this one names. Those with the label
-"project" read everything, and so do those whose folder is unknown.
+what programs load: assets/, sounds/ and kelvora.jpg. A test also reads whatever its text names: another file of its
+folder, a file or folder beside tests/, or a program beside one of its programs. The text of a script's test is its
+command, its environment, the script, and the files of its folder that the script names. The text of a program's test
+has all files of its folder. Tests with the label "project" read everything, and so do those whose folder is unknown.
 BUILD_FOLDER/passed.json has a hash of each passed test's inputs. ctest writes its results to tests.xml.
 """
 import functools
@@ -150,7 +150,7 @@ def listed(build):
 
 
 def passed_before(record, tests):
-    """The tests that have passed on the same inputs, with these. None if the record is missing or damaged."""
+    """The tests that have passed on the same inputs, with these. Empty if the record is missing or damaged."""
     try:
         passed = json.loads(record.read_text())
     except (OSError, ValueError):

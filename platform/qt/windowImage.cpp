@@ -34,11 +34,17 @@ bool isUncovered(const QWidget& widget) {
   return true;
 }
 
-// The widget's rows in the window's image; null where pixels can't be copied one to one.
+bool hasGamePixels(QImage::Format format) {
+  return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32 ||
+         format == QImage::Format_ARGB32_Premultiplied;
+}
+
+// The place's rows in the window's image, which is being painted; null where pixels can't be copied one to one.
 PixelRows rowsOf(QBackingStore& store, const QRect& place) {
   QPaintDevice* const device = store.paintDevice();
   auto* const image = device && device->devType() == QInternal::Image ? static_cast<QImage*>(device) : nullptr;
-  if (!image || image->depth() != 32 || image->devicePixelRatio() != 1 || !image->rect().contains(place)) return {};
+  if (!image || !hasGamePixels(image->format()) || image->devicePixelRatio() != 1 || !image->rect().contains(place))
+    return {};
   const auto pitch = static_cast<std::ptrdiff_t>(image->bytesPerLine() / qsizetype{sizeof(Pixel)});
   return {reinterpret_cast<Pixel*>(image->bits()) + place.y() * pitch + place.x(), pitch};
 }
@@ -74,33 +80,37 @@ std::span<const PixelArea> differences(const PictureBox& box, std::span<const Pi
   return tiles;
 }
 
-}  // namespace
-
-bool copyToWindow(const QWidget& widget, const PictureBox& box, std::span<const PixelArea> areas) {
-  QBackingStore* const store = widget.backingStore();
-  QWindow* const window = widget.window()->windowHandle();
-  if (!store || !window || !window->isExposed() || !isUncovered(widget)) return false;
-  const QRect place(widget.mapTo(widget.window(), QPoint()), QSize(box.pixelWidth(), box.pixelHeight()));
-  const PixelRows rows = rowsOf(*store, place);
-  if (!rows.first) return false;
-  const std::span<const PixelArea> changed = differences(box, areas, rows);
-  if (changed.empty()) return true;
+QRegion regionOf(std::span<const PixelArea> areas, QPoint corner) {
   static std::vector<QRect> places;
   places.clear();
-  for (const PixelArea& area : changed) {
-    places.push_back(QRect(area.x, area.y, area.width, area.height).translated(place.topLeft()));
+  for (const PixelArea& area : areas) {
+    places.push_back(QRect(area.x, area.y, area.width, area.height).translated(corner));
   }
   QRegion region;
   region.setRects(places.data(), static_cast<int>(places.size()));
-  store->beginPaint(region);
-  // The window system may have exchanged the image.
-  const PixelRows target = rowsOf(*store, place);
-  if (target.first) {
-    for (const PixelArea& area : changed) copyOpaque(rowsOf(area, box, target));
+  return region;
+}
+
+}  // namespace
+
+std::optional<int> copyToWindow(const QWidget& widget, const PictureBox& box, std::span<const PixelArea> areas) {
+  QBackingStore* const store = widget.backingStore();
+  QWindow* const window = widget.window()->windowHandle();
+  if (!store || !window || !window->isExposed() || !isUncovered(widget)) return std::nullopt;
+  const QRect place(widget.mapTo(widget.window(), QPoint()), QSize(box.pixelWidth(), box.pixelHeight()));
+  store->beginPaint(regionOf(areas, place.topLeft()));
+  const PixelRows rows = rowsOf(*store, place);
+  std::span<const PixelArea> changed;
+  if (rows.first) changed = differences(box, areas, rows);
+  int pixels = 0;
+  for (const PixelArea& area : changed) {
+    copyOpaque(rowsOf(area, box, rows));
+    pixels += area.width * area.height;
   }
   store->endPaint();
-  if (target.first) store->flush(region, window);
-  return target.first != nullptr;
+  if (!rows.first) return std::nullopt;
+  if (pixels > 0) store->flush(regionOf(changed, place.topLeft()), window);
+  return pixels;
 }
 
 }  // namespace kelvora

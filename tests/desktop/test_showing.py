@@ -1,4 +1,4 @@
-"""What a screen of X11 shows, compared with the game's picture after each of thousands of frames."""
+"""Compares a screen of X11 with a picture box after each of thousands of frames."""
 
 import os
 import subprocess
@@ -8,7 +8,7 @@ from desktopTest import DesktopTest
 
 class Showing(DesktopTest):
     def test_the_screen_shows_every_frame_completely(self):
-        environment = dict(self.display.environment, QT_QPA_PLATFORM="xcb")
+        environment = dict(self.display.environment, KELVORA_TEST_PLATFORM="xcb")
         done = subprocess.run([os.environ["KELVORA_QT_TESTS"], "--gtest_filter=PictureBoxTest.*"], env=environment,
                               stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=120, check=False)
         self.assertEqual(done.returncode, 0, done.stdout[-2000:])

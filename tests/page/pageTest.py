@@ -26,6 +26,7 @@ def browser_with(options, preferences):
     """One browser for all tests of a file that need these options and preferences."""
     browser = Browser(KIND, options, preferences)
     unittest.addModuleCleanup(browser.close)
+    unittest.addModuleCleanup(browser_with.cache_clear)
     return browser
 
 

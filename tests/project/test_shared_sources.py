@@ -1,5 +1,5 @@
-"""What many tests use names no document on their behalf, and finds none by itself. So tests/run_tests.py sees in a
-test's own text what it reads."""
+"""Scripts and sources that tests share neither name documents nor search for them, so that a test's own text tells
+tests/run_tests.py what it reads."""
 
 import pathlib
 import sys

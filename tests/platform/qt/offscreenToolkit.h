@@ -8,8 +8,8 @@
 
 namespace kelvora {
 
-/// The toolkit without a screen, unless the environment asks for one, drawing the game's own fonts, for as long as this
-/// exists.
+/// The toolkit without a screen, or with that of KELVORA_TEST_PLATFORM, drawing the game's own fonts, for as long as
+/// this exists.
 class OffscreenToolkit {
  public:
   OffscreenToolkit() {
@@ -22,8 +22,8 @@ class OffscreenToolkit {
 
  private:
   // Set before the application starts.
-  [[maybe_unused]] const bool isOffscreen_ =
-      qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qputenv("QT_QPA_PLATFORM", "offscreen");
+  [[maybe_unused]] const bool isChosen_ =
+      qputenv("QT_QPA_PLATFORM", qEnvironmentVariable("KELVORA_TEST_PLATFORM", "offscreen").toLatin1());
   int argc_ = 1;
   char name_[8] = "kelvora";
   char* argv_[2] = {name_, nullptr};

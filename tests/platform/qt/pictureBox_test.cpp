@@ -4,8 +4,10 @@
 #include <QScreen>
 #include <QWindow>
 #include <random>
+#include <utility>
 #include <vector>
 
+#include "platform/qt/windowImage.h"
 #include "tests/platform/qt/desktopTest.h"
 #include "tests/platform/qt/formProbe.h"
 
@@ -95,12 +97,36 @@ TEST_F(PictureBoxTest, ShowsEverySinglePixelThatChanges) {
   }
 }
 
+TEST_F(PictureBoxTest, ShowsOnlyTheTilesThatDiffer) {
+  const auto pixelsShown = [this] { return copyToWindow(widgetOf(box_), box_, box_.takeChanges()); };
+  box_.FillColor = RGB(0, 0, 1);
+  const auto dot = [this](int x, int y) {
+    box_.Circle(static_cast<float>(x * 15), static_cast<float>(y * 15), 0, box_.FillColor);
+  };
+  dot(40, 20);
+  EXPECT_EQ(pixelsShown(), 16 * 8);
+  box_.Cls();
+  dot(40, 20);
+  EXPECT_EQ(pixelsShown(), 0);
+  box_.Cls();
+  dot(40, 20);
+  dot(100, 60);
+  EXPECT_EQ(pixelsShown(), 16 * 8);
+  box_.Cls();
+  EXPECT_EQ(pixelsShown(), 2 * 16 * 8);
+}
+
 TEST_F(PictureBoxTest, LeavesAloneWhatIsBesideIt) {
-  const QImage beside = shown(box_.pixelWidth());
+  constexpr int reach = 90;  // as far as the window goes
+  const auto besideIt = [this] {
+    return std::pair(shown(box_.pixelWidth()).copy(0, 0, reach, box_.pixelHeight()),
+                     shown(-reach).copy(0, 0, reach, box_.pixelHeight()));
+  };
+  const auto before = besideIt();
   box_.BackColor = RGB(0, 0, 255);
   box_.Cls();
   box_.Refresh();
-  EXPECT_EQ(shown(box_.pixelWidth()), beside);
+  EXPECT_EQ(besideIt(), before);
 }
 
 TEST_F(PictureBoxTest, ShowsNothingBeforeItIsRefreshed) {
