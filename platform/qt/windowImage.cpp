@@ -98,18 +98,25 @@ std::optional<int> copyToWindow(const QWidget& widget, const PictureBox& box, st
   QWindow* const window = widget.window()->windowHandle();
   if (!store || !window || !window->isExposed() || !isUncovered(widget)) return std::nullopt;
   const QRect place(widget.mapTo(widget.window(), QPoint()), QSize(box.pixelWidth(), box.pixelHeight()));
-  store->beginPaint(regionOf(areas, place.topLeft()));
+  // Painting nothing makes the image readable. Painting all areas would wait for the transfer of the previous frame.
+  store->beginPaint({});
   const PixelRows rows = rowsOf(*store, place);
   std::span<const PixelArea> changed;
   if (rows.first) changed = differences(box, areas, rows);
+  store->endPaint();
+  if (!rows.first) return std::nullopt;
+  if (changed.empty()) return 0;
+  const QRegion region = regionOf(changed, place.topLeft());
+  store->beginPaint(region);
+  const bool isSameImage = rowsOf(*store, place).first == rows.first;
   int pixels = 0;
   for (const PixelArea& area : changed) {
-    copyOpaque(rowsOf(area, box, rows));
+    if (isSameImage) copyOpaque(rowsOf(area, box, rows));
     pixels += area.width * area.height;
   }
   store->endPaint();
-  if (!rows.first) return std::nullopt;
-  if (pixels > 0) store->flush(regionOf(changed, place.topLeft()), window);
+  if (!isSameImage) return std::nullopt;
+  store->flush(region, window);
   return pixels;
 }
 
