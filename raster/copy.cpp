@@ -64,6 +64,8 @@ template <class Block, RasterOperation... operations>
   }
 }
 
+using OnePixel [[gnu::vector_size(sizeof(Pixel))]] = Pixel;
+
 #if defined(__x86_64__)
 using WideBlock [[gnu::vector_size(2 * sizeof(Block))]] = Pixel;
 const bool hasWidestRegisters = __builtin_cpu_supports("avx512f") != 0;
@@ -85,7 +87,7 @@ void copy(const TargetRows& target, const Sources<operations...>& sources) {
   if (hasWideRegisters && target.width >= blockWidth) return copyWide<operations...>(target, sources);
 #endif
   if (target.width >= blockWidth) return copyBlocks<Block, operations...>(target, sources);
-  copyBlocks<Pixel, operations...>(target, sources);
+  copyBlocks<OnePixel, operations...>(target, sources);
 }
 
 // One axis of a copy: the start on either side and the number of pixels.

@@ -7,6 +7,9 @@ from protocol import ACTIVATE_REQUEST, BUY_ACCEPTED, POSITION_REPORT
 GREY = "r === g && g === b && r > 60"
 INSIDE = "((one) => { const r = one.getBoundingClientRect(); return r.left >= -1 && r.top >= -1 && " \
          "r.right <= innerWidth + 1 && r.bottom <= innerHeight + 1; })"
+# The game's window is as large as the page on one axis.
+FILLS_PAGE = "((r) => Math.min(Math.abs(r.width - innerWidth), Math.abs(r.height - innerHeight)) <= 2)" \
+             "(document.querySelector('.main').getBoundingClientRect())"
 # How far a dialog's middle is from the page's, in pixels.
 OFF_CENTRE = "((r) => Math.max(Math.abs(r.left + r.right - innerWidth), Math.abs(r.top + r.bottom - innerHeight)) / 2)" \
              "(dialog('Connect').getBoundingClientRect())"
@@ -67,7 +70,7 @@ class Screens(PageTest):
         for name, size in (("wide", (1920, 1080)), ("portrait", (390, 780)), ("landscape", (780, 360))):
             with self.subTest(name):
                 page.resize(*size)
-                page.wait_for(f"innerWidth === {size[0]} && innerHeight === {size[1]}")
+                page.wait_for(f"innerWidth === {size[0]} && innerHeight === {size[1]} && {FILLS_PAGE}", "the new layout")
                 # As large as the view on one axis, centred on both.
                 rectangle = "((one) => { const r = one.getBoundingClientRect(); return [r.left, r.top, r.right, r.bottom]; })"
                 margins = "((p, v) => [p[0] - v[0], p[1] - v[1], v[2] - p[2], v[3] - p[3]])" \
