@@ -6,8 +6,9 @@ mkdir -p "$build"
 build=$(cd "$build" && pwd)
 export WINEPREFIX="${WINEPREFIX:-$build/wine}"
 export WINEDEBUG="${WINEDEBUG:--all}"
-# The prefix gets no menu entries, and neither .NET nor a browser.
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winemenubuilder.exe,mscoree,mshtml=}"
+# The prefix gets no menu entries, and neither .NET nor a browser. No program needs services, whose start takes most of
+# the time that a program needs in a new prefix.
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winemenubuilder.exe,mscoree,mshtml,services.exe=}"
 if [ "$WINEPREFIX" = "$build/wine" ] && [ ! -d "$WINEPREFIX/new" ]; then
   # Programs that start together share one prefix. The first of them creates it.
   # shellcheck disable=SC2016
