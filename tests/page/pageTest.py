@@ -1,5 +1,6 @@
 """Shared code of the tests of the page: a real browser, and the real server that delivers the page."""
 
+import atexit
 import functools
 import os
 import signal
@@ -22,27 +23,31 @@ signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 
 
 @functools.cache
-def browser_with(options, preferences):
-    """One browser for all tests of a file that need these options and preferences."""
-    browser = Browser(KIND, options, preferences)
-    unittest.addModuleCleanup(browser.close)
-    unittest.addModuleCleanup(browser_with.cache_clear)
+def shared_browser():
+    """The browser of all tests that need no special one. Starting one takes seconds of a processor."""
+    browser = Browser(KIND, preferences=FRAMES)
+    atexit.register(browser.close)
     return browser
 
 
 class PageTest(unittest.TestCase):
-    """Classes with the same options share a browser. Each test gets its own server and fresh profiles."""
+    """Each test gets its own server. That is a new origin, so no settings are stored for its page."""
 
     browser_options = ()  # Chromium's
     browser_preferences = {}  # Firefox's
 
     @classmethod
     def setUpClass(cls):
-        cls.browser = browser_with(cls.browser_options, tuple({**FRAMES, **cls.browser_preferences}.items()))
+        if cls.browser_options or cls.browser_preferences:
+            cls.browser = Browser(KIND, cls.browser_options, {**FRAMES, **cls.browser_preferences})
+            cls.addClassCleanup(cls.browser.close)
+        else:
+            cls.browser = shared_browser()
 
-    def start_server(self, *options):
-        server = harness.Server("--site", SITE, *options)
+    def start_server(self, *options, site=SITE):
+        server = harness.Server("--site", str(site), *options)
         self.addCleanup(server.close)
+        self.addCleanup(server.process.kill)  # it would wait two seconds for the browser's connections
         return server
 
     def scripted_server(self):
@@ -53,11 +58,18 @@ class PageTest(unittest.TestCase):
         self.addCleanup(bridge.close)
         return server, bridge.port
 
-    def open(self, port, arguments="nomusic", visitor=None, scheme="http", path="/", page=Page, **options):
-        address = f"{scheme}://127.0.0.1:{port}{path}?{arguments}"
-        page = self.browser.open(address, visitor or self.browser.visitor(), page, **options)
-        self.addCleanup(page.close)
+    def open(self, port, arguments="nomusic", scheme="http", path="/", size=(1000, 800), wait="interactive"):
+        """Opens a page in a window of its own. One that an earlier test has left costs a third of a new one."""
+        empty = self.browser.empty_pages
+        page = empty.pop() if empty else self.browser.open("about:blank", self.browser.visitor(), Page)
+        self.addCleanup(self.leave, page)
+        page.resize(*size)
+        page.load(f"{scheme}://127.0.0.1:{port}{path}?{arguments}", wait)
         return page
+
+    def leave(self, page):
+        page.empty()
+        self.browser.empty_pages.append(page)
 
     def begin(self, *options):
         """The real server and a page from it that shows the connect dialog."""

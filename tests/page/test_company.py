@@ -10,20 +10,13 @@ from spy import Spy
 CYAN = "r < 110 && g > 110 && b > 110"
 
 
-class Hasty(Page):
-    """A page whose visitor does something else while it loads."""
-
-    def load(self, address):
-        self.wire.call("browsingContext.navigate", context=self.context, url=address, wait="none")
-
-
 class Company(PageTest):
 
     def test_four_people_of_one_house_open_the_page_at_once(self):
         server = self.start_server()
         spy = Spy(server.port)
         self.addCleanup(spy.close)
-        pages = [self.open(server.port, arguments="", page=Hasty) for _ in range(4)]
+        pages = [self.open(server.port, arguments="", wait="none") for _ in range(4)]
         for number, page in enumerate(pages):
             page.connect(f"P{number}", colour=number)
             self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"P%d" % number)
@@ -34,7 +27,9 @@ class Company(PageTest):
     def test_a_hidden_tab_flies_on(self):
         server = self.start_server()
         visitor = self.browser.visitor()
-        page = self.open(server.port, visitor=visitor)
+        address = f"http://127.0.0.1:{server.port}/?nomusic"
+        page = self.browser.open(address, visitor, Page)
+        self.addCleanup(page.close)
         spy = Spy(server.port)
         self.addCleanup(spy.close)
         page.connect()
@@ -43,7 +38,8 @@ class Company(PageTest):
         width, height = page.canvas_size()
         page.release_brakes(width / 2 + 40, height / 2 - 20)
         # Another tab in the same window.
-        other = self.open(server.port, visitor=visitor, kind="tab", size=None)
+        other = self.browser.open(address, visitor, Page, kind="tab", size=None)
+        self.addCleanup(other.close)
         other.activate()
         page.wait_for("document.hidden", "the tab hidden")
         # A page that a browser slows down to a frame a second would need four minutes for these.

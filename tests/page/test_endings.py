@@ -4,7 +4,6 @@ import pathlib
 import shutil
 import tempfile
 
-import harness
 from pageTest import KIND, SITE, PageTest, unittest
 
 END = "words(document.getElementById('end'))"
@@ -21,9 +20,7 @@ class Endings(PageTest):
         for name in names:
             for file in (site / name, site / f"{name}.gz"):
                 file.unlink(missing_ok=True)
-        server = harness.Server("--site", str(site))
-        self.addCleanup(server.close)
-        return server
+        return self.start_server(site=site)
 
     def expect_too_old(self, change):
         """Opens the page in a browser that this script has changed."""
@@ -47,7 +44,8 @@ class Endings(PageTest):
                 page = self.open(self.site_without(name).port)
                 page.wait_for(f"{END}.includes('Reload')", f"the words about {name}")
                 self.assertFalse(page.see("all('#loading').length"))
-        page.keep("incomplete")
+                page.keep(f"without-{name}")
+                self.doCleanups()
 
     def test_a_page_without_its_first_script_is_told(self):
         page = self.open(self.site_without("begin.js").port)

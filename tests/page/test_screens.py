@@ -39,6 +39,7 @@ class Screens(PageTest):
                 page.release_brakes(*(pixels / 2 + 30 for pixels in page.canvas_size()))
                 self.assertEqual(line.recv_frame()[0], POSITION_REPORT)
                 page.keep(name)
+                self.doCleanups()
 
     def test_the_dialog_is_in_the_middle_of_any_page_until_it_is_dragged(self):
         _, page = self.begin()
@@ -130,6 +131,7 @@ class Phones(PageTest):
                 page.wait_for("all('.menubar ul ul ul button').length > 1", "the innermost menu")
                 self.assertTrue(page.see(f"all('.menubar button').every({INSIDE})"), "a menu outside")
                 page.keep("menus-" + name)
+                self.doCleanups()
 
     def test_large_dialogs_fit(self):
         for name, size in (("portrait", (390, 844)), ("landscape", (844, 390))):
@@ -151,6 +153,7 @@ class Phones(PageTest):
                 page.click_on("document.querySelector('[aria-label=Store]')")
                 page.wait_for(f"by('h2', 'Powerups') && {inside}")
                 page.keep("store-" + name)
+                self.doCleanups()
 
     def test_the_list_of_games_breaks_no_words(self):
         server = self.start_server("--notes", "An evening of games for everybody", "--public-address", "arena.games.example")
