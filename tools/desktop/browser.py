@@ -19,7 +19,9 @@ from ports import free_port
 # Seconds. On a machine that is several times overloaded, a browser needs minutes to start.
 BROWSER_PATIENCE = 300.0
 
-CHROMIUM_OPTIONS = ("headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run",
+# Each window would load two pages of the address bar's own.
+CHROMIUM_OPTIONS = ("disable-features=WebUIOmniboxPopup,WebUIOmniboxAimPopup",
+                    "headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run",
                     "disable-background-networking", "disable-component-update", "disable-sync", "no-proxy-server",
                     "host-resolver-rules=MAP * ~NOTFOUND , EXCLUDE 127.0.0.1", "autoplay-policy=user-gesture-required")
 # Firefox ends whatever leaves the machine at a proxy that nobody runs. Addresses of the machine itself take no proxy.
