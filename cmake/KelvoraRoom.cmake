@@ -82,7 +82,6 @@ endfunction()
 
 set(KELVORA_TEST_SHARDS "" CACHE STRING
     "Run each test program in this many parts, which saves thousands of starts; empty to run each test by itself")
-option(KELVORA_UNITY_TESTS "Compile the sources of a test program together" OFF)
 
 # kelvora_tests(ROOM [libraries ...]): one test program from the .cpp files of this folder. A folder of long tests sets
 # KELVORA_TEST_COST, and they start first. One whose tests start a program or load a module sets
@@ -104,8 +103,7 @@ function(kelvora_tests name)
     # Pointer checks take a third of the compile time, and the address sanitizer finds most of the same errors.
     target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,vptr,object-size)
   endif()
-  set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests
-    UNITY_BUILD ${KELVORA_UNITY_TESTS} UNITY_BUILD_BATCH_SIZE 0)
+  set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   if(EMSCRIPTEN)
     kelvora_run_in_node(kelvora_${name}_tests)
   endif()

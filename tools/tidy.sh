@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # tools/tidy.sh [JOBS] [windows]: runs clang-tidy on the game's sources, or on those that only Windows has, for which
-# build/windows must be configured. Clean ones are skipped until a source, a header or .clang-tidy changes.
+# build/windows must be configured. Then compiles each of them by itself. Clean ones are skipped until a source, a header
+# or .clang-tidy changes.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 # shellcheck source=tools/common.sh
@@ -8,21 +9,21 @@ source tools/common.sh
 jobs=${1:-$(nproc)}
 
 tidy=$(clang_tool clang-tidy) || exit 1
+clang=$(clang_tool clang++) || exit 1
 
 # Most of the time goes to library headers, so the sources of a room are read as one and share them. For that, names
 # in the unnamed namespaces of a room's sources must differ.
 list_linux_sources() {
   folder=build/tidy checks=-bugprone-suspicious-include
   local output
-  output=$(cmake --preset release -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 \
-    -DKELVORA_TESTS=OFF -DKELVORA_BENCH=OFF 2>&1) || { echo "$output"; exit 1; }
+  output=$(cmake --preset release -B "$folder" -DKELVORA_TESTS=OFF -DKELVORA_BENCH=OFF 2>&1) || { echo "$output"; exit 1; }
 }
 
 # Windows passes pointers as numbers. The headers are g++'s, but clang has intrinsics of its own.
 list_windows_sources() {
   folder=build/tidy-windows checks=-bugprone-suspicious-include,-performance-no-int-to-ptr
   local flags room unity separator="["
-  flags=$(sed -n 's|.*"command": "[^ ]* \(.*\) -o platform/win32/.*/wideText.cpp.obj .*|\1|p' build/windows/compile_commands.json)
+  flags=$(sed -n 's|.*"command": "[^ ]* \(.*\) -o platform/win32/.*/unity_0_cxx.cxx.obj .*|\1|p' build/windows/compile_commands.json)
   [ -n "$flags" ] || { echo "build/windows is not configured"; exit 1; }
   flags+=$(x86_64-w64-mingw32-g++-posix -E -v -x c++ /dev/null 2>&1 |
     sed -n '/^#include </,/^End/{/posix\/include\(-fixed\)\?$/d; s/^ / -isystem /p}' | tr -d '\n')
@@ -48,7 +49,7 @@ tidy_one() {
   key=$({ printf '%s' "$common"; sed -n 's/^#include "\(.*\)"$/\1/p' "$file" | xargs -d '\n' cat; } | sha256sum)
   [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$key" ] && return
   # The preset makes clang's warnings errors, too. The commands are g++'s, with some warnings that clang doesn't know.
-  # Shadowing is left to g++, which sees each source by itself. Reserved names are left to clang's warning.
+  # Sources in one file shadow each other's names. Reserved names are left to clang's warning.
   if output=$("$tidy" --quiet -p "$folder" --checks="$checks" \
     --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wreserved-identifier \
     --extra-arg=-Wreserved-macro-identifier --extra-arg=-Wno-shadow "$file" 2>/dev/null); then
@@ -62,4 +63,5 @@ export -f tidy_one
 export tidy folder checks common
 # shellcheck disable=SC2016
 sed -n 's/^ *"file": "\(.*\)",\?$/\1/p' "$folder/compile_commands.json" |
-  xargs -d '\n' -r -n 1 -P "$jobs" bash -c 'tidy_one "$1"' _
+  xargs -d '\n' -r -n 1 -P "$jobs" bash -c 'tidy_one "$1"' _ || exit 1
+tools/compile_alone.py "$clang" "$folder" "$jobs"
