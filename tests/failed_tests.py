@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """tests/failed_tests.py BUILD_FOLDER: names the failed tests of the last run and the commands that run each alone.
 
-Reads tests.xml, which ctest writes with --output-junit. Prints at most eight lines.
+Reads tests.xml, which ctest writes with --output-junit. Names at most eight.
 """
 import re
 import sys

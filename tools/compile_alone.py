@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""tools/compile_alone.py CLANG FOLDER JOBS: compiles each source of a unity build by itself, without output. Finds missing
-includes and shadowed names, which a unity build hides. FOLDER has the build's compile_commands.json. Clean sources are
-skipped until they, a header or their command change.
+"""tools/compile_alone.py CLANG FOLDER JOBS: compiles each source of a unity build by itself, without output. Finds
+shadowed names and missing includes of the project, which a unity build hides. FOLDER has the build's
+compile_commands.json. Clean sources are skipped until they, a header or their command change.
 
-Most of the time would go to library headers, so sources with equal flags share a precompiled one.
+Most of the time would go to library headers, so sources with equal flags share a precompiled one. It hides missing
+includes of libraries. A test of the project's files finds those of the standard library.
 """
 import hashlib
 import json
@@ -91,7 +92,7 @@ def main():
         clean = json.loads(record.read_text(encoding="utf-8"))
     except (OSError, ValueError):
         clean = {}
-    common = hashlib.sha256(b"".join(path.read_bytes() for path in headers()))
+    common = hashlib.sha256(b"".join(path.read_bytes() for path in [Path(__file__), *headers()]))
     keys, pending = {}, {}
     for entry in json.loads((folder / "compile_commands.json").read_text(encoding="utf-8")):
         flags = flags_of(entry, clang)

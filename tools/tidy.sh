@@ -32,7 +32,7 @@ list_windows_sources() {
     mkdir -p "${unity%/*}"
     # Without the entry points, of which a program has one.
     grep -L "WINAPI WinMain" "$PWD/$room"*.cpp | sed 's/.*/#include "&"/' >"$unity"
-    printf '%s{\n  "directory": "%s",\n  "command": "clang++ --target=x86_64-w64-mingw32 %s -c %s",\n  "file": "%s"\n}' \
+    printf '%s{\n  "directory": "%s",\n  "command": "clang++ --target=x86_64-w64-mingw32 %s -c \\"%s\\"",\n  "file": "%s"\n}' \
       "$separator" "$PWD" "$flags" "$unity" "$unity"
     separator=,
   done >"$folder.json"

@@ -1,5 +1,6 @@
 #include "server/config/configFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <ostream>
+#include <string>
 #include <utility>
 
 namespace kelvora::server {

@@ -8,6 +8,7 @@
 #include <boost/beast/websocket/rfc6455.hpp>
 #include <charconv>
 #include <iterator>
+#include <utility>
 
 namespace kelvora::server {
 

@@ -3,6 +3,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "base/millis.h"
 #include "server/arena/clientId.h"

@@ -5,6 +5,7 @@ import functools
 import os
 import signal
 import sys
+import traceback
 import unittest
 
 import harness
@@ -26,8 +27,18 @@ signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 def shared_browser():
     """The browser of all tests that need no special one. Starting one takes seconds of a processor."""
     browser = Browser(KIND, preferences=FRAMES)
-    atexit.register(browser.close)
+    atexit.register(end, browser)
     return browser
+
+
+def end(browser):
+    """Closes the browser when the tests have ended. One that doesn't end is a failure."""
+    try:
+        browser.close()
+    except Exception:
+        traceback.print_exc()
+        sys.stderr.flush()
+        os._exit(1)  # an exception wouldn't change the status any more
 
 
 class PageTest(unittest.TestCase):
@@ -63,12 +74,17 @@ class PageTest(unittest.TestCase):
         empty = self.browser.empty_pages
         page = empty.pop() if empty else self.browser.open("about:blank", self.browser.visitor(), Page)
         self.addCleanup(self.leave, page)
+        page.activate()
         page.resize(*size)
         page.load(f"{scheme}://127.0.0.1:{port}{path}?{arguments}", wait)
         return page
 
     def leave(self, page):
-        page.empty()
+        try:
+            page.empty()
+        except Exception:
+            page.close()  # it would keep a processor busy beside later tests
+            raise
         self.browser.empty_pages.append(page)
 
     def begin(self, *options):

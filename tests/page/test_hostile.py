@@ -93,7 +93,7 @@ class Hostile(PageTest):
         sending = self.send(line, portion, total)
         while sending.is_alive():
             self.assert_answers(page, line)
-            sending.join(0.2)  # the keys of a quick player, not as many as fit in
+            sending.join(0.2)  # a quick player's pause between keys
         line.send_bytes(bytes([END]))
         self.await_all_read(line)
         self.assert_answers(page, line)
