@@ -2,13 +2,25 @@
 
 import functools
 import pathlib
+import shutil
 import signal
+import subprocess
 import unittest
 
 import harness
 from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT
 
 HANG = 300  # seconds; a test that takes longer hangs
+
+
+def stacks():
+    """Where every thread of the running clients and servers is, if gdb is installed."""
+    if not shutil.which("gdb"):
+        return ""
+    processes = [program.process for program in harness.opened if hasattr(program, "process")]
+    return "".join(subprocess.run(["gdb", "-p", str(process.pid), "-batch", "-ex", "thread apply all backtrace"],
+                                  capture_output=True, text=True, timeout=harness.PATIENCE, check=False).stdout
+                   for process in processes if process.poll() is None)
 
 
 class DesktopTest(unittest.TestCase):
@@ -64,7 +76,7 @@ class DesktopTest(unittest.TestCase):
             signal.alarm(0)
 
     def run_method(self, method):
-        """Keeps a picture of the screen if the test fails."""
+        """Keeps the screen, a list of its windows, and the programs' stacks if the test fails."""
         try:
             method()
         except unittest.SkipTest:
@@ -73,5 +85,6 @@ class DesktopTest(unittest.TestCase):
             folder = pathlib.Path(harness.CLIENT).parent / "desktop"
             folder.mkdir(exist_ok=True)
             (folder / f"{self.id()}.ppm").write_bytes(self.display.picture().ppm())
-            print(f"[the screen: {folder / self.id()}.ppm]", end=" ", flush=True)
+            (folder / f"{self.id()}.txt").write_text(self.display.run("xwininfo", "-root", "-tree") + stacks())
+            print(f"[screen, windows, stacks: {folder / self.id()}.*]", end=" ", flush=True)
             raise
