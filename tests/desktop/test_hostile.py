@@ -265,9 +265,10 @@ class HostileTest(DesktopTest):
         self.assert_plays_on(client, line)
 
     def boxes(self, client):
-        """The open message boxes: all windows on the screen except the main one."""
+        """The open message boxes: all windows of the client that the window manager lists, except the main one."""
         screen = self.display.screen
-        return set(screen.numbers(screen.root, "_NET_CLIENT_LIST")) - {client.window.identifier}
+        listed = set(screen.numbers(screen.root, "_NET_CLIENT_LIST"))
+        return listed.intersection(client.visible()) - {client.window.identifier}
 
     def close_boxes(self, client):
         """Closes each box with Enter, in time. A key pressed before the next box has the focus is lost."""

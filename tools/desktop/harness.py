@@ -193,6 +193,8 @@ class Display:
         self.folder = tempfile.mkdtemp(prefix="kelvora-display-")
         self.programs = []
         self.screen = None
+        self.placeholders = []
+        self.last_window = 0
         opened.append(self)
         try:
             self.start(size, border, padding)
@@ -248,11 +250,17 @@ class Display:
     def close(self):
         if not take_out(self):
             return
-        if self.screen:
-            self.screen.close()
+        for connection in self.placeholders + [self.screen] * bool(self.screen):
+            connection.close()
         for program in reversed(self.programs):
             stop(program)
         shutil.rmtree(self.folder, ignore_errors=True)
+
+    def use_new_window_numbers(self):
+        """The X server gives a client's window numbers to the next one, which the window manager may take for windows
+        that it still manages: those never appear. Connections that stay open keep the numbers of earlier clients."""
+        while not self.placeholders or self.placeholders[-1].last_number < self.last_window:
+            self.placeholders.append(Screen(self.screen.display))
 
     def run(self, *command):
         return subprocess.run([str(word) for word in command], env=self.environment, stdin=subprocess.DEVNULL,
@@ -344,11 +352,13 @@ class Client:
         variables.update(environment)
         variables = {name: value for name, value in variables.items() if value is not None}
         self.log = tempfile.TemporaryFile()
+        display.use_new_window_numbers()
         self.process = subprocess.Popen(wine.command(program, *arguments), env=variables, stdin=subprocess.DEVNULL,
                                         stdout=self.log, stderr=subprocess.STDOUT)
         opened.append(self)
         try:
             self.window = self.wait_for_window(TITLE)
+            display.last_window = max(display.last_window, self.window.identifier)
         except BaseException:
             self.close()
             raise

@@ -29,7 +29,8 @@ class Screen:
         accepted, words = struct.unpack("<BxxxxxH", self.receive(8))
         assert accepted == 1
         setup = self.receive(4 * words)
-        vendor, formats = struct.unpack("<16xH3xB", setup[:22])
+        base, mask, vendor, formats = struct.unpack("<4xII4xH3xB", setup[:22])
+        self.last_number = base + mask  # of the windows that this connection could make
         self.root, self.width, self.height = struct.unpack_from("<I16xHH", setup, 32 + (vendor + 3) // 4 * 4 + 8 * formats)
         self.atoms = {}
 
