@@ -104,7 +104,7 @@ function(kelvora_tests name)
   endif()
   if(KELVORA_SANITIZE MATCHES undefined)
     # Pointer checks take a third of the compile time, and the address sanitizer finds most of the same errors.
-    target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,vptr,object-size)
+    target_compile_options(kelvora_${name}_tests PRIVATE -fno-sanitize=null,alignment,object-size)
   endif()
   set_target_properties(kelvora_${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   if(EMSCRIPTEN)

@@ -26,13 +26,13 @@ fail() {
   exit 1
 }
 
-# clang_tool NAME: prints the command for clang++, clang-format or clang-tidy in version 14. Versions differ in findings
-# and layout, so exactly this one is required.
+# clang_tool NAME: prints the path of clang++, clang-format or clang-tidy in version 14. Versions differ in findings and
+# layout, so exactly this one is required.
 clang_tool() {
   local name
   for name in "$1-14" "$1"; do
     if command -v "$name" >/dev/null && "$name" --version | grep -q 'version 14\.'; then
-      echo "$name"
+      command -v "$name"
       return
     fi
   done
@@ -91,10 +91,10 @@ configure() {
     say "build/$preset was created for another path: recreating it"
     rm -rf "build/$preset"
   fi
-  # With another compiler, CMake would drop the preset's values.
+  # With another compiler, CMake would drop the preset's values. The cache has the path as it was given.
   local compiler
   compiler=$(printf '%s\n' "$@" | sed -n 's/^-DCMAKE_CXX_COMPILER=//p')
-  if [ -n "$compiler" ] && [ -f "$cache" ] && ! grep -q "^CMAKE_CXX_COMPILER:[A-Z]*=$(command -v "$compiler")\$" "$cache"; then
+  if [ -n "$compiler" ] && [ -f "$cache" ] && ! grep -q "^CMAKE_CXX_COMPILER:[A-Z]*=$compiler\$" "$cache"; then
     say "build/$preset was created by another compiler: recreating it"
     rm -rf "build/$preset"
   fi
