@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import subprocess
 
 from harness import wait_for
@@ -10,6 +11,7 @@ from protocol import PLAYER_JOINED, POSITION
 from spy import Spy
 
 REPLAY = pathlib.Path(os.environ["KELVORA_CLIENT"]).with_name("kelvora-replay")
+NAME = re.compile(r"kelvora-[-0-9T]+\.recording$")
 
 
 class Recording(PageTest):
@@ -20,11 +22,13 @@ class Recording(PageTest):
         folder.mkdir()
         self.browser.save_downloads(folder)
         page.choose("Save recording")
-        # Browsers give a file its name once it is whole.
-        (file,) = wait_for(lambda: list(folder.glob("*.recording")), "the file")
-        wait_for(lambda: file.stat().st_size and [file] == list(folder.iterdir()), "the end of the download")
-        self.assertRegex(file.name, r"^kelvora-[-0-9T]+\.recording$")
-        return file
+
+        def whole():
+            # Until a file is whole, a browser keeps it under another name, and beside it an empty one with its own.
+            files = list(folder.iterdir())
+            return len(files) == 1 and NAME.match(files[0].name) and files[0].stat().st_size and files[0]
+
+        return wait_for(whole, lambda: f"the recording alone among {list(folder.iterdir())}")
 
     def is_loaded_to_record(self, page):
         try:
