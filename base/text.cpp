@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <optional>
+#include <system_error>
 
 #include "base/decimal.h"
 #include "base/fault.h"

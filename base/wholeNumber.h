@@ -3,6 +3,7 @@
 #include <charconv>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <type_traits>
 
 #include "base/decimal.h"

@@ -178,12 +178,18 @@ def output(command, build):
     return text
 
 
-def row(command, figure, text):
-    what, goal, unit, pattern = figure
+def measured(figure, text):
+    """A figure's value in the output of its command."""
+    what, _, _, pattern = figure
     found = re.search(pattern, text, re.M)
     if not found:
         raise LookupError(f"did not print: {what}")
-    value = number(found[1])
+    return number(found[1])
+
+
+def row(command, figure, value):
+    """A line of the table."""
+    what, goal, unit, _ = figure
     today = f"{value:.3g}" if value < 1000 else f"{value:.0f}"
     words = f"{goal[0]} {goal[1]}" if goal else ""
     missed = goal and (value < goal[1] if goal[0] == AT_LEAST else value > goal[1])
@@ -205,7 +211,7 @@ def main():
             continue
         try:
             text = output(command, options.build.resolve())
-            rows[command] = "".join(row(command, figure, text) for figure in figures)
+            rows[command] = "".join(row(command, figure, measured(figure, text)) for figure in figures)
         except (OSError, subprocess.CalledProcessError, LookupError) as failure:
             failures.append(f"{command}: {failure}")
         DOCUMENT.write_text(TABLE.sub(lambda _: HEAD + "".join(rows.values()), document))

@@ -15,7 +15,7 @@ target_compile_options(kelvora_options INTERFACE
 if(KELVORA_SANITIZE)
   target_compile_options(kelvora_options INTERFACE
     -fsanitize=${KELVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-    # To read an object's type, the check of virtual calls opens a pipe. It reports an error where that fails, in tests
+    # The check of virtual calls opens a pipe to probe an object's memory. It reports an error if that fails, as in tests
     # that use up all descriptors.
     -fno-sanitize=vptr
     # To g++ 12, instrumented code in library headers looks uninitialised. The plain builds keep the warning.

@@ -1,6 +1,7 @@
 #include "frontend/frmGameFind.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "base/numbers.h"
 #include "base/text.h"

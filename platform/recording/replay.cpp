@@ -4,6 +4,7 @@
 #include <array>
 #include <exception>
 #include <iterator>
+#include <type_traits>
 #include <utility>
 
 #include "base/fault.h"

@@ -1,5 +1,6 @@
 """Shared code of the tests of the real window."""
 
+import contextlib
 import functools
 import pathlib
 import shutil
@@ -82,9 +83,14 @@ class DesktopTest(unittest.TestCase):
         except unittest.SkipTest:
             raise
         except BaseException:
-            folder = pathlib.Path(harness.CLIENT).parent / "desktop"
-            folder.mkdir(exist_ok=True)
-            (folder / f"{self.id()}.ppm").write_bytes(self.display.picture().ppm())
-            (folder / f"{self.id()}.txt").write_text(self.display.run("xwininfo", "-root", "-tree") + stacks())
-            print(f"[screen, windows, stacks: {folder / self.id()}.*]", end=" ", flush=True)
+            # The failure counts, even if the display has ended, too.
+            with contextlib.suppress(OSError, subprocess.SubprocessError):
+                self.keep_state(pathlib.Path(harness.CLIENT).parent / "desktop" / self.id())
             raise
+
+    def keep_state(self, place):
+        place.parent.mkdir(exist_ok=True)
+        pathlib.Path(f"{place}.ppm").write_bytes(self.display.picture().ppm())
+        windows = self.display.run("xwininfo", "-root", "-tree")
+        pathlib.Path(f"{place}.txt").write_text(windows + stacks(), encoding="utf-8")
+        print(f"[screen, windows, stacks: {place}.*]", end=" ", flush=True)

@@ -253,7 +253,7 @@ class HostileTest(DesktopTest):
         self.assert_within(client, WORLD_MIB)
         self.assert_plays_on(client, line)
 
-    def test_texts_of_maximum_length(self):
+    def test_long_texts(self):
         client, line = self.log_in()
         self.begin_attack(client)
         for message in attacks.long_texts():

@@ -27,17 +27,18 @@ signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 def shared_browser():
     """The browser of all tests that need no special one. Starting one takes seconds of a processor."""
     browser = Browser(KIND, preferences=FRAMES)
-    atexit.register(end, browser)
+    atexit.register(close_at_exit, browser)
     return browser
 
 
-def end(browser):
+def close_at_exit(browser):
     """Closes the browser when the tests have ended. One that doesn't end is a failure."""
     try:
         browser.close()
     except Exception:
         traceback.print_exc()
         sys.stderr.flush()
+        harness.close_all()
         os._exit(1)  # an exception wouldn't change the status any more
 
 
@@ -74,7 +75,7 @@ class PageTest(unittest.TestCase):
         empty = self.browser.empty_pages
         page = empty.pop() if empty else self.browser.open("about:blank", self.browser.visitor(), Page)
         self.addCleanup(self.leave, page)
-        page.activate()
+        page.activate()  # a browser paints no page behind another window
         page.resize(*size)
         page.load(f"{scheme}://127.0.0.1:{port}{path}?{arguments}", wait)
         return page

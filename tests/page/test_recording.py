@@ -24,9 +24,11 @@ class Recording(PageTest):
         page.choose("Save recording")
 
         def whole():
-            # Until a file is whole, a browser keeps it under another name, and beside it an empty one with its own.
+            # A browser downloads under another name. Meanwhile an empty file may have the final one.
             files = list(folder.iterdir())
-            return len(files) == 1 and NAME.match(files[0].name) and files[0].stat().st_size and files[0]
+            if len(files) != 1 or not NAME.match(files[0].name):
+                return None
+            return files[0] if files[0].stat().st_size else None
 
         return wait_for(whole, lambda: f"the recording alone among {list(folder.iterdir())}")
 

@@ -66,7 +66,7 @@ def extreme_numbers():
 
 
 def long_texts():
-    """Every message with a text, with texts of maximum length. Each should arrive in one read."""
+    """Every message with a text, with long texts. Each should arrive in one read."""
     for identifier, types in harness.protocol.TO_CLIENT.items():
         if identifier != LOGIN_DENIED and "text" in types:
             for text in LONG_TEXTS:
