@@ -62,7 +62,7 @@ class LabelPeer : public ControlPeer {
       const int lineHeight = static_cast<int>(measure.lineHeight() / scale);
       const bool severalLines = room.height >= 2 * lineHeight;
       const RECT place = deviceRect({0, 0, room.width, room.height}, scale);
-      const std::vector<TextLine> lines = textLines(measure.dc(), text, severalLines ? place.right : 0);
+      const std::vector<MeasuredLine> lines = textLines(measure.dc(), text, severalLines ? place.right : 0);
       const int height = measure.lineHeight() * static_cast<int>(lines.size());
       const bool fits = widest(lines) <= place.right && (height <= place.bottom || !severalLines);
       const bool wraps = severalLines && lines.size() > 1;

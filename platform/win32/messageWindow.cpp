@@ -23,7 +23,7 @@ MessageWindow::Size MessageWindow::measure(const std::string& text) {
   constexpr int lineWidth = 480;  // pixels; a longer word widens the box
   constexpr int minWidth = 160;
   const FontMeasure measure(gdiFont(FontSpec{}, 1));
-  const std::vector<TextLine> lines = textLines(measure.dc(), toWide(text), lineWidth);
+  const std::vector<MeasuredLine> lines = textLines(measure.dc(), toWide(text), lineWidth);
   const int height = measure.lineHeight() * static_cast<int>(lines.size());
   const int slack = 8;  // for other scales, whose letters aren't exact multiples
   return {static_cast<float>(std::max(widest(lines) + slack, minWidth) * twipsPerPixel),

@@ -9,8 +9,8 @@ namespace kelvora {
 
 namespace {
 
-TextLine measured(HDC dc, std::wstring text) {
-  TextLine line{std::move(text), {}, 0};
+MeasuredLine measured(HDC dc, std::wstring text) {
+  MeasuredLine line{std::move(text), {}, 0};
   std::vector<int> ends(line.text.size());
   SIZE size{};
   if (!ends.empty() && GetTextExtentExPointW(dc, line.text.c_str(), static_cast<int>(ends.size()), 0, nullptr,
@@ -22,15 +22,16 @@ TextLine measured(HDC dc, std::wstring text) {
   return line;
 }
 
-TextLine part(const TextLine& whole, std::size_t begin, std::size_t end) {
+MeasuredLine part(const MeasuredLine& whole, std::size_t begin, std::size_t end) {
   const auto from = static_cast<std::ptrdiff_t>(begin);
   const auto to = static_cast<std::ptrdiff_t>(end);
-  TextLine line{whole.text.substr(begin, end - begin), {whole.advances.begin() + from, whole.advances.begin() + to}, 0};
+  MeasuredLine line{
+      whole.text.substr(begin, end - begin), {whole.advances.begin() + from, whole.advances.begin() + to}, 0};
   for (const int advance : line.advances) line.width += advance;
   return line;
 }
 
-void wrap(const TextLine& paragraph, int maxWidth, std::vector<TextLine>& lines) {
+void wrap(const MeasuredLine& paragraph, int maxWidth, std::vector<MeasuredLine>& lines) {
   std::size_t begin = 0;
   std::size_t blank = 0;  // the last one in the line; `begin` without any
   int width = 0;
@@ -47,9 +48,9 @@ void wrap(const TextLine& paragraph, int maxWidth, std::vector<TextLine>& lines)
 }
 
 /// Ends a line that is too wide with dots.
-TextLine shortened(HDC dc, const TextLine& line, int maxWidth) {
+MeasuredLine shortened(HDC dc, const MeasuredLine& line, int maxWidth) {
   if (line.width <= maxWidth) return line;
-  const TextLine dots = measured(dc, L"...");
+  const MeasuredLine dots = measured(dc, L"...");
   std::size_t end = 0;
   for (int width = dots.width; end < line.text.size() && width + line.advances[end] <= maxWidth; ++end) {
     width += line.advances[end];
@@ -59,11 +60,11 @@ TextLine shortened(HDC dc, const TextLine& line, int maxWidth) {
 
 }  // namespace
 
-std::vector<TextLine> textLines(HDC dc, const std::wstring& text, int maxWidth) {
-  std::vector<TextLine> lines;
+std::vector<MeasuredLine> textLines(HDC dc, const std::wstring& text, int maxWidth) {
+  std::vector<MeasuredLine> lines;
   std::wstring paragraph;
   const auto finish = [&] {
-    TextLine line = measured(dc, std::move(paragraph));
+    MeasuredLine line = measured(dc, std::move(paragraph));
     paragraph.clear();
     maxWidth > 0 ? wrap(line, maxWidth, lines) : lines.push_back(std::move(line));
   };
@@ -81,9 +82,9 @@ std::vector<TextLine> textLines(HDC dc, const std::wstring& text, int maxWidth) 
   return lines;
 }
 
-int widest(const std::vector<TextLine>& lines) {
+int widest(const std::vector<MeasuredLine>& lines) {
   int width = 0;
-  for (const TextLine& line : lines) width = std::max(width, line.width);
+  for (const MeasuredLine& line : lines) width = std::max(width, line.width);
   return width;
 }
 
@@ -92,15 +93,15 @@ void drawText(HDC dc, const RECT& place, const std::wstring& text, HFONT font, C
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, toColorRef(colour));
   const int width = place.right - place.left;
-  const std::vector<TextLine> lines = textLines(dc, text, (flags & DT_WORDBREAK) != 0 ? width : 0);
+  const std::vector<MeasuredLine> lines = textLines(dc, text, (flags & DT_WORDBREAK) != 0 ? width : 0);
   TEXTMETRICW metrics{};
   GetTextMetricsW(dc, &metrics);
   int top = place.top;
   if ((flags & DT_VCENTER) != 0) {
     top += (place.bottom - place.top - metrics.tmHeight * static_cast<int>(lines.size())) / 2;
   }
-  for (const TextLine& whole : lines) {
-    const TextLine line = (flags & DT_END_ELLIPSIS) != 0 ? shortened(dc, whole, width) : whole;
+  for (const MeasuredLine& whole : lines) {
+    const MeasuredLine line = (flags & DT_END_ELLIPSIS) != 0 ? shortened(dc, whole, width) : whole;
     const int room = width - line.width;
     int left = place.left;
     if ((flags & DT_RIGHT) != 0) left += room;

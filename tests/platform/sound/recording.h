@@ -17,6 +17,7 @@
 
 #include "generated/sourceFolder.h"
 #include "platform/sound/soundFiles.h"
+#include "tests/support/temporaryFolder.h"
 
 namespace kelvora {
 
@@ -42,26 +43,6 @@ class ScopedEnvironment {
 
  private:
   std::map<std::string, std::optional<std::string>> before_;
-};
-
-/// A temporary folder, removed by its destructor.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kelvora-sound-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
 };
 
 /// Polls until `isDone()` holds. False after a minute.

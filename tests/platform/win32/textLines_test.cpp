@@ -14,7 +14,7 @@ namespace {
 
 class TextLines : public ::testing::Test {
  protected:
-  std::vector<TextLine> lines(const std::wstring& text, int maxWidth) const {
+  std::vector<MeasuredLine> lines(const std::wstring& text, int maxWidth) const {
     return textLines(measure_.dc(), text, maxWidth);
   }
   int widthOf(const std::wstring& text) const { return measure_.width(text.data(), text.size()); }
