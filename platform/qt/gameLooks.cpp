@@ -14,6 +14,7 @@
 
 #include "platform/pictures/decode.h"
 #include "platform/qt/qtFonts.h"
+#include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
 
 namespace kelvora {
@@ -68,28 +69,24 @@ void addIcon(QIcon& icon, const QString& path) {
 
 }  // namespace
 
-QPalette gamePalette(const QColor& ground) {
-  const QColor quiet(120, 126, 152);
-  // Buttons are slightly lighter than their background.
-  const QColor raised(54 + ground.red() / 2, 60 + ground.green() / 2, 92 + ground.blue() / 2);
-  QPalette colours(raised, ground);
-  colours.setColor(QPalette::Mid, QColor(104, 110, 146));
-  colours.setColor(QPalette::Highlight, QColor(52, 104, 196));
+QPalette gamePalette(const Looks& looks) {
+  QPalette colours(toQColor(looks.raised), toQColor(looks.ground));
+  colours.setColor(QPalette::Mid, toQColor(looks.line));
+  colours.setColor(QPalette::Highlight, toQColor(looks.chosen));
   colours.setColor(QPalette::HighlightedText, Qt::white);
   colours.setColor(QPalette::ToolTipBase, QColor(54, 60, 92));
   colours.setColor(QPalette::ToolTipText, Qt::white);
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-    colours.setColor(role, QColor(238, 241, 250));
-    colours.setColor(QPalette::Disabled, role, quiet);
+    colours.setColor(role, toQColor(looks.text));
+    colours.setColor(QPalette::Disabled, role, toQColor(looks.quiet));
   }
   return colours;
 }
 
 void installGameLooks() {
   QApplication::setStyle(new GameStyle);
-  // Dialogs are less dark than the game's windows, so that fields and boxes stand out.
-  QPalette colours = gamePalette(QColor(46, 51, 78));
-  colours.setColor(QPalette::Base, QColor(13, 15, 27));
+  QPalette colours = gamePalette(dialogLooks);
+  colours.setColor(QPalette::Base, toQColor(dialogLooks.field));
   colours.setColor(QPalette::AlternateBase, QColor(20, 22, 38));
   QApplication::setPalette(colours);
   QApplication::setFont(toQFont(FontSpec{}));

@@ -1,16 +1,17 @@
 #pragma once
 
-#include <QColor>
 #include <QPalette>
 #include <string>
+
+#include "platform/desktop/looks.h"
 
 namespace kelvora {
 
 /// Gives all windows, dialogs and boxes the game's dark look, whatever the desktop's theme.
 void installGameLooks();
 
-/// Colours of native controls on a dark background of this colour.
-QPalette gamePalette(const QColor& ground);
+/// The looks as colours of native controls.
+QPalette gamePalette(const Looks& looks);
 
 /// Sets the program's icon in all available sizes, when the first events are processed: loading it earlier would delay
 /// the first window. Needs a QApplication.

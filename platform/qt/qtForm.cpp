@@ -59,7 +59,7 @@ Qt::WindowFlags formWindowFlags(const Form& form) {
 }  // namespace
 
 QPalette formPalette(const Form& form) {
-  return form.design.systemColours ? QApplication::palette() : gamePalette(toQColor(form.design.back));
+  return form.design.systemColours ? QApplication::palette() : gamePalette(looksOn(form.design.back));
 }
 
 FormWindow::FormWindow(Form& form, FormPeer& peer)

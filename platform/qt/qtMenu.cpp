@@ -7,8 +7,10 @@
 #include <memory>
 
 #include "platform/desktop/handlerCall.h"
+#include "platform/desktop/looks.h"
 #include "platform/menuItem.h"
 #include "platform/qt/codePage.h"
+#include "platform/qt/widgetPeer.h"
 
 namespace kelvora {
 
@@ -75,8 +77,8 @@ void realizeMenu(Form& form, QMainWindow& window, QPalette colours) {
   for (Control* child : form.children()) {
     if (!dynamic_cast<MenuItem*>(child)) continue;
     if (!form.design.systemColours) {
-      // Menus stand out from the window below, and disabled entries have no light edge.
-      const QColor ground(28, 31, 48);
+      // Disabled entries have no light edge.
+      const QColor ground = toQColor(dialogLooks.menu);
       for (const auto role : {QPalette::Window, QPalette::Base}) colours.setColor(role, ground);
       colours.setColor(QPalette::Disabled, QPalette::Light, ground);
     }

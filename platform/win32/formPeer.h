@@ -4,9 +4,9 @@
 #include <span>
 #include <vector>
 
+#include "platform/desktop/looks.h"
 #include "platform/form.h"
 #include "platform/win32/controlPeer.h"
-#include "platform/win32/looks.h"
 #include "platform/win32/toolTip.h"
 
 namespace kelvora {

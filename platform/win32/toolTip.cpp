@@ -2,7 +2,7 @@
 
 #include <commctrl.h>
 
-#include "platform/win32/looks.h"
+#include "platform/desktop/looks.h"
 #include "platform/win32/wideText.h"
 
 namespace kelvora {

@@ -13,7 +13,7 @@ struct Looks {
   Colour quiet = RGB(120, 126, 152);  ///< disabled text
   Colour line = RGB(104, 110, 146);
   Colour chosen = RGB(52, 104, 196);
-  Colour menu = RGB(28, 31, 48);
+  Colour menu = RGB(28, 31, 48);  ///< the ground of menus, which stand out from the window below
 };
 
 /// Controls on a dark background of this colour. Buttons are slightly lighter than it.
