@@ -1,9 +1,14 @@
-"""Compares a screen of X11 with a picture box after each of thousands of frames."""
+"""Compares a screen of X11 with a picture box after each of thousands of frames, and with those of the game in play."""
 
 import os
 import subprocess
+import time
 
 from desktopTest import DesktopTest
+from harness import wait_for
+
+
+GREEN = (128, 255, 128)
 
 
 class Showing(DesktopTest):
@@ -13,3 +18,19 @@ class Showing(DesktopTest):
                               stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=120, check=False)
         self.assertEqual(done.returncode, 0, done.stdout[-2000:])
         self.assertIn("OK ] PictureBoxTest.ShowsEveryFrameCompletely", done.stdout)
+
+    def test_the_screen_shows_canvas_radar_and_texts_of_a_game_completely(self):
+        server = self.start_server("--bots", "5")
+        client = self.start_client(program=os.environ["KELVORA_WATCHED_GAME"], frame_ms="3")
+        client.connect(server.port)
+        client.wait_for_status(GREEN)
+
+        def is_played():
+            client.mouse_to(*places[int(time.monotonic() * 2) % len(places)])
+            return "canvas: 2000 pictures" in client.output() and "radar: 500 pictures" in client.output()
+        places = [(600, 200), (500, 500), (200, 450), (250, 150)]
+        client.right_click()
+        self.display.xdotool("type", "hello")
+        self.display.xdotool("key", "Return")
+        wait_for(is_played, client.output)
+        self.assertNotIn("stale", client.output())

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
-#include <QScreen>
 #include <QWindow>
 #include <random>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "platform/qt/windowImage.h"
 #include "tests/platform/qt/desktopTest.h"
 #include "tests/platform/qt/formProbe.h"
+#include "tests/platform/qt/screenPixels.h"
 
 namespace kelvora {
 namespace {
@@ -20,7 +20,7 @@ class PictureBoxTest : public testing::Test {
     slot_->Show();
     box_.Refresh();
     EXPECT_TRUE(serveUntil([this] { return widgetOf(box_).window()->windowHandle()->isExposed(); }));
-    EXPECT_TRUE(serveUntil([this] { return stalePixels() == 0; }));
+    EXPECT_TRUE(serveUntil([this] { return stalePixels(box_) == 0; }));
   }
 
   /// Draws as the game does: circles and lines that move, an icon and a text that stay.
@@ -37,30 +37,6 @@ class PictureBoxTest : public testing::Test {
   }
 
   int number(int least, int most) { return std::uniform_int_distribution<int>(least, most)(random_); }
-
-  /// What the screen shows at the box's place, or `right` pixels further to the right.
-  QImage shown(int right = 0) {
-    QWidget& widget = widgetOf(box_);
-    QWidget& window = *widget.window();
-    const QPoint corner = widget.mapTo(&window, QPoint());
-    return window.screen()
-        ->grabWindow(window.winId(), corner.x() + right, corner.y(), box_.pixelWidth(), box_.pixelHeight())
-        .toImage()
-        .convertToFormat(QImage::Format_RGB32);
-  }
-
-  int stalePixels() {
-    const QImage picture = shown();
-    int stale = 0;
-    for (int y = 0; y < box_.pixelHeight(); ++y) {
-      const auto* const line = reinterpret_cast<const Pixel*>(picture.constScanLine(y));
-      for (int x = 0; x < box_.pixelWidth(); ++x) {
-        const Pixel drawn = box_.pixels()[static_cast<std::size_t>(y * box_.pixelWidth() + x)];
-        if ((line[x] & 0xFFFFFF) != drawn) ++stale;
-      }
-    }
-    return stale;
-  }
 
   FormSlot<FormProbe> slot_;
   PictureBox& box_ = slot_->box;
@@ -81,7 +57,7 @@ TEST_F(PictureBoxTest, ShowsEveryFrameCompletely) {
     if (frame % 100 == 50) box_.BackColor = RGB(number(0, 255), 0, 0);
     box_.Refresh();
     if (frame % 7 == 0) QCoreApplication::processEvents();
-    ASSERT_EQ(stalePixels(), 0) << "frame " << frame;
+    ASSERT_EQ(stalePixels(box_), 0) << "frame " << frame;
   }
 }
 
@@ -92,7 +68,7 @@ TEST_F(PictureBoxTest, ShowsEverySinglePixelThatChanges) {
     for (int x = 0; x < 40; ++x) {
       box_.Circle(static_cast<float>(x * 15), static_cast<float>(y * 15), 0, colour);
       box_.Refresh();
-      ASSERT_EQ(stalePixels(), 0) << x << ", " << y;
+      ASSERT_EQ(stalePixels(box_), 0) << x << ", " << y;
     }
   }
 }
@@ -119,8 +95,8 @@ TEST_F(PictureBoxTest, ShowsOnlyTheTilesThatDiffer) {
 TEST_F(PictureBoxTest, LeavesAloneWhatIsBesideIt) {
   constexpr int reach = 90;  // as far as the window goes
   const auto besideIt = [this] {
-    return std::pair(shown(box_.pixelWidth()).copy(0, 0, reach, box_.pixelHeight()),
-                     shown(-reach).copy(0, 0, reach, box_.pixelHeight()));
+    return std::pair(screenAt(box_, box_.pixelWidth()).copy(0, 0, reach, box_.pixelHeight()),
+                     screenAt(box_, -reach).copy(0, 0, reach, box_.pixelHeight()));
   };
   const auto before = besideIt();
   box_.BackColor = RGB(0, 0, 255);
@@ -130,9 +106,9 @@ TEST_F(PictureBoxTest, LeavesAloneWhatIsBesideIt) {
 }
 
 TEST_F(PictureBoxTest, ShowsNothingBeforeItIsRefreshed) {
-  const QImage before = shown();
+  const QImage before = screenAt(box_);
   draw();
-  EXPECT_EQ(shown(), before);
+  EXPECT_EQ(screenAt(box_), before);
 }
 
 TEST_F(PictureBoxTest, StaysBehindAControlThatCoversIt) {
@@ -141,13 +117,13 @@ TEST_F(PictureBoxTest, StaysBehindAControlThatCoversIt) {
   cover.setAutoFillBackground(true);
   cover.setPalette(QPalette(Qt::green));
   cover.show();
-  ASSERT_TRUE(serveUntil([this] { return shown().pixelColor(5, 5) == QColor(Qt::green); }));
-  const QImage covered = shown();
+  ASSERT_TRUE(serveUntil([this] { return screenAt(box_).pixelColor(5, 5) == QColor(Qt::green); }));
+  const QImage covered = screenAt(box_);
   draw();
   box_.Refresh();
-  EXPECT_EQ(shown(), covered);
+  EXPECT_EQ(screenAt(box_), covered);
   cover.hide();
-  EXPECT_TRUE(serveUntil([this] { return stalePixels() == 0; }));
+  EXPECT_TRUE(serveUntil([this] { return stalePixels(box_) == 0; }));
 }
 
 TEST_F(PictureBoxTest, IsCompleteAfterItWasHidden) {
@@ -156,12 +132,12 @@ TEST_F(PictureBoxTest, IsCompleteAfterItWasHidden) {
   draw();
   box_.Refresh();
   box_.Visible = true;
-  EXPECT_TRUE(serveUntil([this] { return stalePixels() == 0; }));
+  EXPECT_TRUE(serveUntil([this] { return stalePixels(box_) == 0; }));
   slot_->Hide();
   draw();
   box_.Refresh();
   slot_->Show();
-  EXPECT_TRUE(serveUntil([this] { return stalePixels() == 0; }));
+  EXPECT_TRUE(serveUntil([this] { return stalePixels(box_) == 0; }));
 }
 
 TEST_F(PictureBoxTest, IsCompleteAfterItsSizeHasChanged) {
@@ -170,10 +146,10 @@ TEST_F(PictureBoxTest, IsCompleteAfterItsSizeHasChanged) {
     draw();
     box_.Refresh();
     QCoreApplication::processEvents();
-    EXPECT_EQ(stalePixels(), 0) << width;
+    EXPECT_EQ(stalePixels(box_), 0) << width;
     draw();
     box_.Refresh();
-    EXPECT_EQ(stalePixels(), 0) << width;
+    EXPECT_EQ(stalePixels(box_), 0) << width;
   }
 }
 
