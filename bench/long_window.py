@@ -19,8 +19,11 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tools" / "desktop"))
 sys.dont_write_bytecode = True
 import harness  # noqa: E402  (found by the line above)
+from client import Client  # noqa: E402
+from display import on_display  # noqa: E402
 from process_figures import memory, processor_seconds  # noqa: E402
 from match import TURBO, Pilot, Relay  # noqa: E402
+from servers import Server  # noqa: E402
 from storeWindow import BUY, DONE, StoreWindow  # noqa: E402
 
 
@@ -114,9 +117,9 @@ class Watch:
 
 
 def play(display):
-    server = harness.Server("--bots", "5", "--skill", "mixed")
+    server = Server("--bots", "5", "--skill", "mixed")
     relay = Relay(server.port)
-    client = harness.Client(display, arguments=())
+    client = Client(display, arguments=())
     client.connect(relay.port, circle=0)
     harness.wait_for(lambda: relay.node, "the login")
     harness.wait_for(lambda: relay.opponents() or not relay.is_alive, "company", 15)
@@ -130,4 +133,4 @@ def play(display):
 
 
 if __name__ == "__main__":
-    harness.on_display(play)
+    on_display(play)

@@ -43,6 +43,7 @@ from browser import Browser  # noqa: E402  (needs the build)
 from page import Page  # noqa: E402
 from protocol import PLAYER_JOINED, POSITION  # noqa: E402
 from quiet_browser import QuietBrowser, QuietPage  # noqa: E402
+from servers import Server  # noqa: E402
 from spy import Spy  # noqa: E402
 
 EMPTY = "about:blank"
@@ -96,7 +97,7 @@ def measure_frames():
 
 def with_page(measure, *options):
     """Runs `measure` with a server and a new browser, whose cache is empty."""
-    server = harness.Server("--site", str(OPTIONS.web / "site"), *options)
+    server = Server("--site", str(OPTIONS.web / "site"), *options)
     browser = Browser(OPTIONS.browser)
     try:
         return measure(server, browser)
@@ -168,7 +169,7 @@ def with_quiet_browser(measure, address):
 def measure_game():
     empty = with_quiet_browser(settled_memory, EMPTY)
     print(f"memory of an empty tab: {empty:.0f} MB")
-    server = harness.Server("--site", str(OPTIONS.web / "site"), "--bots", "4", "--skill", "easy")
+    server = Server("--site", str(OPTIONS.web / "site"), "--bots", "4", "--skill", "easy")
     try:
         with_quiet_browser(lambda browser: play(server, browser, empty), f"http://127.0.0.1:{server.port}/")
     finally:

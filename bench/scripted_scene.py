@@ -4,8 +4,9 @@ import math
 import threading
 import time
 
-import harness
+from client import Client
 from harness import protocol
+from servers import ScriptedServer
 
 REPORTS_A_SECOND = 25
 OWN_NODE, PLACE = 7, 50000
@@ -13,8 +14,8 @@ EXTRA_LONG_TAIL = 3
 
 
 def log_in(display, **options):
-    client = harness.Client(display, **options)
-    server = harness.ScriptedServer()
+    client = Client(display, **options)
+    server = ScriptedServer()
     client.connect(server.port)
     line = server.accept()
     line.recv_frame()

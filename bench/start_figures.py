@@ -41,7 +41,9 @@ def arguments():
 
 OPTIONS = arguments()
 harness.use_build(OPTIONS.build)
-from scripted_scene import LongTails, log_in  # noqa: E402  (needs the build)
+from client import Client  # noqa: E402  (needs the build)
+from display import on_display  # noqa: E402
+from scripted_scene import LongTails, log_in  # noqa: E402
 EMPTY_WINDOW = harness.program_in(OPTIONS.build, "kelvora_empty_window")
 
 
@@ -130,7 +132,7 @@ def idle(display):
     """Measures a disconnected client. A focused field has the toolkit's blinking caret, so the client is compared with
     an empty window, with and without the focus. A sound device that plays must be fed."""
     seconds = max(20, OPTIONS.seconds)
-    client = harness.Client(display)
+    client = Client(display)
     time.sleep(2)
 
     def tell(what, pid):
@@ -156,7 +158,7 @@ def idle(display):
     harness.stop(empty)
     client.close()
     for what, words in (("effects on", ("nomusic",)), ("effects and music on", ())):
-        client = harness.Client(display, arguments=words)
+        client = Client(display, arguments=words)
         client.wait_for_window("Connect")  # otherwise it opens over the minimised window, and has a caret
         display.xdotool("windowminimize", client.window.identifier)
         time.sleep(3)
@@ -276,4 +278,4 @@ def measure(display):
 
 
 if __name__ == "__main__":
-    harness.on_display(measure)
+    on_display(measure)

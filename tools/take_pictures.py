@@ -23,6 +23,10 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tools" / "desktop"))
 import harness  # noqa: E402  (found by the line above)
 import wine  # noqa: E402
+from client import Client  # noqa: E402
+from display import Display  # noqa: E402
+from ports import free_port  # noqa: E402
+from servers import Line, Server, listener  # noqa: E402
 
 CANVAS = (763, 608)  # pixels, as designed
 EDGE = 9000  # world units; the pictures show no edge
@@ -35,7 +39,7 @@ class Tap:
 
     def __init__(self, server_port):
         self.server_port = server_port
-        self.listener = harness.listener()
+        self.listener = listener()
         self.port = self.listener.getsockname()[1]
         self.me, self.alive, self.funds = None, True, 10.0
         self.others = {}  # by node: x, y, alive
@@ -93,7 +97,7 @@ class Pilot(threading.Thread):
         super().__init__(daemon=True)
         self.tap, self.words, self.turn = tap, words, random.choice((-1, 1))
         self.side, self.radius = colour * 1.26, 900 + 90 * colour
-        self.line = harness.Line(socket.create_connection(("127.0.0.1", port)))
+        self.line = Line(socket.create_connection(("127.0.0.1", port)))
         self.line.send(harness.protocol.LOGIN, name, "", colour, harness.VERSION)
         identifier, fields = self.line.recv_frame()
         assert identifier == harness.protocol.LOGIN_ACCEPTED, fields
@@ -252,9 +256,9 @@ def play(display, output, wanted):
     # Three of the server's bots, and two pilots who stay nearby.
     crew = bots(3)
     # One long round, with credits early enough for a visit to the store.
-    server = harness.Server("--income", "200", "--captures-to-win", "0", "--round-seconds", "600", *crew)
+    server = Server("--income", "200", "--captures-to-win", "0", "--round-seconds", "600", *crew)
     tap = Tap(server.port)
-    client = harness.Client(display)
+    client = Client(display)
     camera = Camera(display, client, output)
     try:
         dialog = client.wait_for_window("Connect")
@@ -285,7 +289,7 @@ class HostList:
 
     def __init__(self, ports):
         self.ports = ports
-        self.listener = harness.listener()
+        self.listener = listener()
         self.address = "127.0.0.1:%d" % self.listener.getsockname()[1]
         threading.Thread(target=self.run, daemon=True).start()
 
@@ -314,7 +318,7 @@ class Guest(threading.Thread):
 
     def __init__(self, port, colour):
         super().__init__(daemon=True)
-        self.line = harness.Line(socket.create_connection(("127.0.0.1", port)))
+        self.line = Line(socket.create_connection(("127.0.0.1", port)))
         self.line.send(harness.protocol.LOGIN, f"Guest{colour}", "", colour, harness.VERSION)
         self.start()
 
@@ -332,13 +336,13 @@ def find(display, output):
             ("Long tails only", "198.51.100.23", 2, []),
             ("Our club, ask for the word", "198.51.100.140", 0, ["--password", "loop"]),
             ("Practice against bots, be kind to beginners", "203.0.113.80", 1, bots(3))):
-        web_ports.append(harness.free_port())
-        servers.append(harness.Server("--web-port", str(web_ports[-1]), "--notes", notes, "--public-address", address,
+        web_ports.append(free_port())
+        servers.append(Server("--web-port", str(web_ports[-1]), "--notes", notes, "--public-address", address,
                                       *options))
         for colour in range(guests):
             Guest(servers[-1].port, colour)
     time.sleep(2)
-    client = harness.Client(display, web_host=HostList(web_ports).address)
+    client = Client(display, web_host=HostList(web_ports).address)
     camera = Camera(display, client, output)
     try:
         client.wait_for_window("Connect").activate()
@@ -363,7 +367,7 @@ def main():
     os.environ["KELVORA_DATA"] = str(ROOT)
     options.output.mkdir(parents=True, exist_ok=True)
     wanted = set(options.only.split(","))
-    display = harness.Display()
+    display = Display()
     try:
         if wanted & {"start", "fight", "store"}:
             play(display, options.output, wanted)

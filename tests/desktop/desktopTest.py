@@ -9,7 +9,10 @@ import subprocess
 import unittest
 
 import harness
+from client import Client
+from display import Display
 from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT
+from servers import ScriptedServer, Server
 
 HANG = 300  # seconds; a test that takes longer hangs
 
@@ -32,21 +35,21 @@ class DesktopTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.display = harness.Display(cls.screen, **cls.frame)
+        cls.display = Display(cls.screen, **cls.frame)
         cls.addClassCleanup(cls.display.close)
 
     def start_client(self, **options):
-        client = harness.Client(self.display, **options)
+        client = Client(self.display, **options)
         self.addCleanup(client.close)
         return client
 
     def start_server(self, *arguments):
-        server = harness.Server(*arguments)
+        server = Server(*arguments)
         self.addCleanup(server.close)
         return server
 
     def scripted_server(self):
-        server = harness.ScriptedServer()
+        server = ScriptedServer()
         self.addCleanup(server.close)
         return server
 

@@ -7,12 +7,13 @@ import unittest
 
 import harness
 import wine
+from client import Client
 from finderTest import FinderTest
 
 GREEN = (128, 255, 128)
 
 
-class LaunchedClient(harness.Client):
+class LaunchedClient(Client):
     """A client that another program starts. Its windows are the only ones of the display."""
 
     def titles(self):

@@ -4,9 +4,12 @@ import socket
 import threading
 
 import harness
+from client import Client
 from desktopTest import DesktopTest
+from display import Display
 from harness import wait_for
 from protocol import CHAT, LOGIN, LOGIN_ACCEPTED, PLAYER_JOINED, POSITION, POSITION_REPORT, TAIL_CAPTURE
+from servers import Line
 
 LEAST_DOT = 3  # pixels
 RADAR = (772, 460, 117, 93)  # left, top, width, height in pixels of the client area
@@ -38,12 +41,12 @@ class Company(DesktopTest):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.other_display = harness.Display()
+        cls.other_display = Display()
         cls.addClassCleanup(cls.other_display.close)
 
     def two_clients(self):
         ann = self.start_client()
-        bob = harness.Client(self.other_display, program=harness.OTHER_CLIENT)
+        bob = Client(self.other_display, program=harness.OTHER_CLIENT)
         self.addCleanup(bob.close)
         return ann, bob
 
@@ -72,7 +75,7 @@ class OnTheRealServer(Company):
         self.ann.connect(self.server.port, name="Ann", circle=0)
         self.bob.connect(self.server.port, name="Bob", circle=3)
         # The spy comes last: the server drops those who are silent for long.
-        self.spy = harness.Line(socket.create_connection(("127.0.0.1", self.server.port)))
+        self.spy = Line(socket.create_connection(("127.0.0.1", self.server.port)))
         self.addCleanup(self.spy.close)
         self.spy.send(LOGIN, "Spy", "", 5, harness.VERSION)
         self.assertEqual(self.spy.recv_frame()[0], LOGIN_ACCEPTED)

@@ -11,9 +11,12 @@ import unittest
 
 import harness
 import wine
+from client import Client
 from desktopTest import DesktopTest
+from display import Display
 from harness import wait_for
 from protocol import CHAT, LOGIN, PING, PING_REPLY, PLAYER_JOINED, PLAYER_LEFT, POSITION_REPORT
+from servers import Line
 
 IN_WINE = wine.is_for_windows(harness.CLIENT)
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
@@ -21,7 +24,7 @@ EMPTY_FONTCONFIG = '<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd"
 
 
 def spy_on(server, name="Spy", colour=5):
-    spy = harness.Line(socket.create_connection(("127.0.0.1", server.port)))
+    spy = Line(socket.create_connection(("127.0.0.1", server.port)))
     spy.send(LOGIN, name, "", colour, harness.VERSION)
     return spy
 
@@ -59,10 +62,10 @@ class ClientFaults(DesktopTest):
 
     @unittest.skipIf(IN_WINE, "a desktop of Windows doesn't die alone")
     def test_the_x_server_dies_during_play(self):
-        display = harness.Display()
+        display = Display()
         self.addCleanup(display.close)
         server = self.start_server()
-        client = harness.Client(display)
+        client = Client(display)
         self.addCleanup(client.close)
         node, spy = self.in_game(client, server)
         before = self.settings(client)

@@ -7,6 +7,7 @@ reconnections, 60 by default."""
 import contextlib
 import os
 import re
+import signal
 import socket
 import struct
 import threading
@@ -19,6 +20,7 @@ from desktopTest import HANG, DesktopTest
 from harness import wait_for
 from protocol import (CHAT, END, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION,
                       POWERUP_ON, SPAWN_DENIED, START, TAIL_CAPTURE, TO_CLIENT, frame)
+from servers import Line
 from test_webhost import UPDATE_FILE, WebHost
 
 ENDLESS_MIB = int(os.environ.get("KELVORA_HOSTILE_MIB", "64"))
@@ -147,7 +149,7 @@ class HostileTest(DesktopTest):
         server = self.start_server()
         client.connect(server.port, name="After")
         # The watcher comes last: the server drops those who are silent for long.
-        watcher = harness.Line(socket.create_connection(("127.0.0.1", server.port), harness.PATIENCE))
+        watcher = Line(socket.create_connection(("127.0.0.1", server.port), harness.PATIENCE))
         self.addCleanup(watcher.close)
         watcher.send(LOGIN, "Watcher", "", 1, harness.VERSION)
 
@@ -180,7 +182,7 @@ class HostileTest(DesktopTest):
         client, line = self.log_in()
         self.begin_attack(client)
         line.send_bytes(head)
-        harness.signal.alarm(HANG + ENDLESS_MIB // 4)
+        signal.alarm(HANG + ENDLESS_MIB // 4)
         attack = Attack(line, portion, length * MIB)
         self.assert_answers(line)
         while not attack.is_over(0.2):
@@ -383,7 +385,7 @@ class HostileTest(DesktopTest):
         self.assertEqual(client.process.wait(harness.PATIENCE), 0)
 
     def test_reconnections_leave_nothing_behind(self):
-        harness.signal.alarm(HANG + RECONNECTS)
+        signal.alarm(HANG + RECONNECTS)
         client = self.start_client()
         server = self.scripted_server()
 

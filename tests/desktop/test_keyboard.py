@@ -1,12 +1,14 @@
 """Typed text appears correctly on keyboards of several countries: in names and passwords, in the chat line, with dead
 keys and locks. Letters outside the game's code page are dropped."""
 
+import socket
 import unittest
 
 import harness
 from desktopTest import DesktopTest
-from harness import Line, wait_for
+from harness import wait_for
 from protocol import ACTIVATE_REQUEST, BUY_ACCEPTED, CHAT, LOGIN, LOGIN_DENIED, PLAYER_JOINED, POSITION_REPORT, frame
+from servers import Line
 
 # Keys by their position on the keyboard, as numbered by the display.
 DIGIT_0, MINUS_PLACE, EQUALS_PLACE = "19", "20", "21"
@@ -125,7 +127,7 @@ class WithTheServer(Keyboard):
             self.display.xdotool("type", "--delay", "20", text)
         self.press("Return")
         client.wait_for_status((128, 255, 128))
-        witness = Line(harness.socket.create_connection(("127.0.0.1", server.port)))
+        witness = Line(socket.create_connection(("127.0.0.1", server.port)))
         self.addCleanup(witness.close)
         witness.send(LOGIN, "Bob", "\u00D6ffne", 1, harness.VERSION)
         while (received := witness.recv_frame())[0] != PLAYER_JOINED:

@@ -7,6 +7,7 @@ import unittest
 
 import harness
 from desktopTest import DesktopTest
+from display import Window
 from harness import wait_for
 
 PROGRAM = pathlib.Path(harness.CLIENT).with_name("kelvora-replay")
@@ -88,7 +89,7 @@ class Player(DesktopTest):
         self.press("question")
         box = wait_for(lambda: [window for window, title in self.display.titles(self.client.process.pid).items()
                                 if title == "Kelvora"], "the box of keys")[0]
-        left, _, width, _ = harness.Window(self.display, box).frame()
+        left, _, width, _ = Window(self.display, box).frame()
         self.assertLess(left + width, 1366, "it isn't pushed to the screen's edge")
 
     def test_a_damaged_recording_opens_no_window(self):

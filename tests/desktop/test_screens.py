@@ -6,10 +6,10 @@ import subprocess
 import unittest
 
 import harness
-from desktopTest import DesktopTest
 import rules
-from harness import CLIENT, TITLE, TWIPS, wait_for
 import wine
+from desktopTest import DesktopTest
+from harness import CLIENT, TITLE, TWIPS, wait_for
 from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT, SPAWN_REQUEST, frame
 
 IN_WINE = wine.is_for_windows(CLIENT)

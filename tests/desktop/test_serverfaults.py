@@ -10,7 +10,9 @@ import unittest
 import harness
 import wine
 from harness import wait_for
+from ports import free_port
 from protocol import CHAT, LOGIN, LOGIN_ACCEPTED, POSITION_REPORT, SERVER_TEXT
+from servers import Line
 
 IN_WINE = wine.is_for_windows(harness.SERVER)
 ONLY_LINUX = unittest.skipIf(IN_WINE, "Windows has neither these signals nor a limit of open files")
@@ -26,7 +28,7 @@ def cpu_seconds(pid):
 class ServerFaults(unittest.TestCase):
 
     def start(self, *arguments, **options):
-        port = harness.free_port()
+        port = free_port()
         options = dict(dict(stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True), **options)
         process = subprocess.Popen(wine.command(harness.SERVER, "--address", "127.0.0.1", "--port", str(port), *arguments),
                                    **options)
@@ -48,7 +50,7 @@ class ServerFaults(unittest.TestCase):
         return status, errors
 
     def log_in(self, process, name="Ann", colour=0):
-        line = harness.Line(socket.create_connection(("127.0.0.1", process.port)))
+        line = Line(socket.create_connection(("127.0.0.1", process.port)))
         self.addCleanup(line.close)
         line.send(LOGIN, name, "", colour, harness.VERSION)
         return line

@@ -1,12 +1,15 @@
 """From the connect dialog to the game and back: what is sent and what the player sees."""
 
 import datetime
+import socket
 import unittest
 
 import harness
 from desktopTest import DesktopTest
+from ports import free_port
 from protocol import (CHAT, LOGIN, LOGIN_ACCEPTED, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION,
                       POSITION_REPORT, frame)
+from servers import Line, is_read
 
 DAY = 86400  # seconds
 GREEN, RED, GREY = (128, 255, 128), (255, 128, 128), (128, 128, 128)
@@ -78,7 +81,7 @@ class Session(DesktopTest):
         client, line = self.log_in()
         self.send_and_await(line, bytes([128, PING]) + b"1")
         line.send_bytes(b"2" + bytes([129]))
-        harness.wait_for(lambda: harness.is_read(line.socket), "the rest of the frame")
+        harness.wait_for(lambda: is_read(line.socket), "the rest of the frame")
         line.send(PING, 12)
         self.assert_answers(line, 1)
 
@@ -95,7 +98,7 @@ class Session(DesktopTest):
 
     def refused_client(self):
         client = self.start_client()
-        client.connect(harness.free_port())
+        client.connect(free_port())
         client.wait_for_status(GREY)
         return client
 
@@ -169,7 +172,7 @@ class RealServer(DesktopTest):
 
     def test_client_is_seen_by_another_player(self):
         server = self.start_server()
-        other = harness.Line(harness.socket.create_connection(("127.0.0.1", server.port), harness.PATIENCE))
+        other = Line(socket.create_connection(("127.0.0.1", server.port), harness.PATIENCE))
         self.addCleanup(other.close)
         other.send(LOGIN, "Watcher", "", 1, harness.VERSION)
 

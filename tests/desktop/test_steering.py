@@ -3,8 +3,8 @@ the rules."""
 
 import unittest
 
-from desktopTest import DesktopTest
 import rules
+from desktopTest import DesktopTest
 
 
 class Flight(DesktopTest):

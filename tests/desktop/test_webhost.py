@@ -9,7 +9,9 @@ import urllib.request
 import harness
 from finderTest import FINDER, FinderTest
 from harness import TWIPS
+from ports import free_port
 from protocol import LOGIN, LOGIN_ACCEPTED, PLAYER_JOINED
+from servers import Line, is_read
 
 BOX = "Kelvora"
 UPDATE_FILE = b"HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\ntvqver:%s\r\n"
@@ -44,7 +46,7 @@ class Request:
 
     def await_all_read(self):
         """Waits until the client has read everything sent."""
-        harness.wait_for(lambda: harness.is_read(self.connection), "the reading", pause=0.001)
+        harness.wait_for(lambda: is_read(self.connection), "the reading", pause=0.001)
 
     def end(self):
         """Ends the answer and waits until the client has closed the connection, too."""
@@ -197,7 +199,7 @@ class Finder(WebTest):
             self.assertIn(query, self.list_request(host).head)
 
     def test_unreachable_host_can_be_retried(self):
-        port = harness.free_port()
+        port = free_port()
         client = self.start_client(web_host=f"127.0.0.1:{port}")
         finder = self.open_finder(client)
         self.change_box(finder, "full")  # so both the first request and the box's have failed
@@ -376,7 +378,7 @@ class OwnWebHost(WebTest):
         self.double_click(finder, 1)
         client.wait_for_status((128, 255, 128))
         with socket.create_connection(("127.0.0.1", other.port)) as connection:
-            player = harness.Line(connection)
+            player = Line(connection)
             player.send(LOGIN, "Bob", "", 5, harness.VERSION)
             self.assertEqual(player.recv_frame()[0], LOGIN_ACCEPTED)
             identifier, fields = player.recv_frame()
@@ -390,7 +392,7 @@ class OwnWebHost(WebTest):
         self.change_box_and_refresh(finder, "empty")
         self.wait_for_no_row(finder, 0)
         with socket.create_connection(("127.0.0.1", server.port)) as connection:
-            player = harness.Line(connection)
+            player = Line(connection)
             player.send(LOGIN, "Bob", "", 0, harness.VERSION)
             self.assertEqual(player.recv_frame()[0], LOGIN_ACCEPTED)
             finder.click(*REFRESH)

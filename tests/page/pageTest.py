@@ -13,6 +13,7 @@ from bridge import Bridge
 from browser import Browser
 from page import Page
 from protocol import LOGIN, LOGIN_ACCEPTED
+from servers import ScriptedServer, Server
 
 KIND = os.environ.get("KELVORA_BROWSER", "chromium")
 SITE = os.environ["KELVORA_SITE"]
@@ -57,14 +58,14 @@ class PageTest(unittest.TestCase):
             cls.browser = shared_browser()
 
     def start_server(self, *options, site=SITE):
-        server = harness.Server("--site", str(site), *options)
+        server = Server("--site", str(site), *options)
         self.addCleanup(server.close)
         self.addCleanup(server.process.kill)  # it would wait two seconds for the browser's connections
         return server
 
     def scripted_server(self):
         """A scripted server and the port at which pages reach it."""
-        server = harness.ScriptedServer()
+        server = ScriptedServer()
         self.addCleanup(server.close)
         bridge = Bridge(server.port)
         self.addCleanup(bridge.close)

@@ -1,6 +1,7 @@
 """Several visitors, hidden tabs, and a player with the desktop client."""
 
-import harness
+from client import Client
+from display import Display
 from harness import wait_for
 from page import Page
 from pageTest import PageTest, unittest
@@ -51,7 +52,7 @@ class Company(PageTest):
         spy.await_frame(POSITION, lambda fields: fields[0] == node)
 
     def test_two_pages_and_a_desktop_client_see_the_same(self):
-        display = harness.Display()
+        display = Display()
         self.addCleanup(display.close)
         server, ann = self.begin()
         bob = self.open(server.port)
@@ -61,7 +62,7 @@ class Company(PageTest):
         node = spy.await_frame(PLAYER_JOINED)[0]
         bob.connect("Bob", colour=3)
         start = spy.await_frame(PLAYER_JOINED)[3:5]
-        client = harness.Client(display)
+        client = Client(display)
         self.addCleanup(client.close)
         client.connect(server.port, name="Cy", circle=2)
         self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Cy")

@@ -8,6 +8,7 @@ import time
 
 import harness
 from harness import TWIPS
+from servers import listener
 
 TURBO = 1
 
@@ -16,7 +17,7 @@ class Relay:
     """A proxy between client and server that reads what both send."""
 
     def __init__(self, port):
-        self.listener = harness.listener()
+        self.listener = listener()
         self.port = self.listener.getsockname()[1]
         self.server_port = port
         self.lock = threading.Condition()

@@ -4,9 +4,10 @@ import socket
 
 import harness
 from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT
+from servers import Line
 
 
-class Spy(harness.Line):
+class Spy(Line):
     """A player who flies nowhere and reads all that the real server says."""
 
     def __init__(self, port, name="Spy", colour=5):
