@@ -47,7 +47,7 @@ void Grid::ColWidth(int column, float twips) {
 }
 
 void Grid::ColAlignment(int column, int alignment) {
-  require(0 <= alignment && alignment <= designAlignment);
+  require(0 <= alignment && alignment <= automaticAlignment);
   Column changed = columnAt(column);
   changed.alignment = alignment;
   columns_[static_cast<std::size_t>(column)] = changed;

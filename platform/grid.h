@@ -13,6 +13,8 @@ namespace kelvora {
 /// current cell only if it hits another one. Values out of range raise RuntimeFault.
 class Grid : public Control {
  public:
+  static constexpr int automaticAlignment = 9;
+
   /// One of the grid's numbers. Assigning it is checked and takes effect at once.
   class Number {
    public:
@@ -49,7 +51,7 @@ class Grid : public Control {
   /// In twips.
   float ColWidth(int column) const { return columnAt(column).width; }
   void ColWidth(int column, float twips);
-  /// 0 to 2 left (top, middle, bottom), 3 to 5 centre, 6 to 8 right, 9 automatic.
+  /// 0 to 2 left (top, middle, bottom), 3 to 5 centre, 6 to 8 right, or `automaticAlignment`.
   int ColAlignment(int column) const { return columnAt(column).alignment; }
   void ColAlignment(int column, int alignment);
 
@@ -61,10 +63,9 @@ class Grid : public Control {
 
  private:
   static constexpr float designWidth = 1080;  // twips; fits "REQUIRED", the longest word in a list
-  static constexpr int designAlignment = 9;
   struct Column {
     float width = designWidth;
-    int alignment = designAlignment;
+    int alignment = automaticAlignment;
   };
 
   void setRows(int value);

@@ -5,6 +5,7 @@
 #include <QTableView>
 #include <QTimer>
 
+#include "platform/desktop/gridCells.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/grid.h"
 #include "platform/qt/codePage.h"
@@ -16,20 +17,10 @@ namespace kelvora {
 
 namespace {
 
-/// Control characters would break a cell into several lines.
-QString cellText(const std::string& text) {
-  QString line = toQString(text);
-  for (QChar& character : line) {
-    if (character.unicode() < u' ') character = u' ';
-  }
-  return line;
-}
-
 Qt::Alignment toQAlignment(int alignment) {
   constexpr Qt::Alignment across[] = {Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight};
   constexpr Qt::Alignment down[] = {Qt::AlignTop, Qt::AlignVCenter, Qt::AlignBottom};
-  constexpr int automatic = 9;
-  if (alignment == automatic) return Qt::AlignLeft | Qt::AlignVCenter;
+  if (alignment == Grid::automaticAlignment) return Qt::AlignLeft | Qt::AlignVCenter;
   return across[alignment / 3] | down[alignment % 3];
 }
 
@@ -40,7 +31,7 @@ class GridModel : public QAbstractTableModel {
 
   void reload() {
     beginResetModel();
-    const bool blank = isBlank();
+    const bool blank = isBlank(grid_);
     rows_ = blank ? 0 : grid_.Rows;
     columns_ = blank ? 0 : grid_.Cols;
     fixedRows_ = blank ? 0 : grid_.FixedRows;
@@ -62,18 +53,10 @@ class GridModel : public QAbstractTableModel {
   }
 
  private:
-  /// Hides cells without any text: a list that hasn't arrived yet is an empty field.
-  bool isBlank() const {
-    for (int row = 0; row < grid_.Rows; ++row)
-      for (int column = 0; column < grid_.Cols; ++column)
-        if (!grid_.TextMatrix(row, column).empty()) return false;
-    return true;
-  }
-
   /// The grid may have changed since the view asked for its size.
   QVariant cell(int row, int column, int role) const {
     if (row >= grid_.Rows || column >= grid_.Cols) return {};
-    if (role == Qt::DisplayRole) return cellText(grid_.TextMatrix(row, column));
+    if (role == Qt::DisplayRole) return toQString(cellLine(grid_, row, column));
     if (role == Qt::TextAlignmentRole) return QVariant(toQAlignment(grid_.ColAlignment(column)));
     return {};
   }

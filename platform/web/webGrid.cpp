@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/desktop/gridCells.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/grid.h"
 #include "platform/web/webPeer.h"
@@ -17,13 +18,13 @@ std::string quoted(const std::string& text) {
   std::string result = "\"";
   for (const char letter : text) {
     if (letter == '"' || letter == '\\') result += '\\';
-    result += static_cast<unsigned char>(letter) < 32 ? ' ' : letter;
+    result += letter;
   }
   return result + '"';
 }
 
 const char* alignmentName(int alignment) {
-  if (alignment == 9 || alignment <= 2) return "\"left\"";
+  if (alignment == Grid::automaticAlignment || alignment <= 2) return "\"left\"";
   return alignment <= 5 ? "\"center\"" : "\"right\"";
 }
 
@@ -56,7 +57,7 @@ class GridPeer : public WebPeer {
     set("Cells", "{\"rows\":" +
                      list(grid_.Rows,
                           [&](int row) {
-                            return list(columns, [&](int column) { return quoted(grid_.TextMatrix(row, column)); });
+                            return list(columns, [&](int column) { return quoted(cellLine(grid_, row, column)); });
                           }) +
                      ",\"fixedRows\":" + std::to_string(grid_.FixedRows) +
                      ",\"fixedColumns\":" + std::to_string(grid_.FixedCols) + ",\"widths\":" +

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <string>
 
+#include "platform/desktop/gridCells.h"
 #include "platform/grid.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
@@ -16,18 +17,9 @@ namespace kelvora {
 
 namespace {
 
-/// Control characters would break a cell into several lines.
-std::wstring cellText(const std::string& text) {
-  std::wstring line = toWide(text);
-  std::ranges::replace_if(
-      line, [](wchar_t letter) { return letter < L' '; }, L' ');
-  return line;
-}
-
 UINT flagsOf(int alignment) {
-  constexpr int automatic = 9;
   constexpr UINT across[] = {DT_LEFT, DT_CENTER, DT_RIGHT};
-  return alignment == automatic ? DT_LEFT : across[alignment / 3];
+  return alignment == Grid::automaticAlignment ? DT_LEFT : across[alignment / 3];
 }
 
 /// A list view, whose headings are the grid's fixed row.
@@ -142,7 +134,7 @@ class GridPeer : public NativePeer {
     painter.fill({box.left + box.width - 1, box.top, 1, box.height}, looks.line);
     // In device pixels, and so at the form's scale.
     InflateRect(&place, -margin, 0);
-    drawText(drawing.hdc, place, cellText(grid_.TextMatrix(0, column)), font(), looks.text, cellFlags);
+    drawText(drawing.hdc, place, toWide(cellLine(grid_, 0, column)), font(), looks.text, cellFlags);
     return CDRF_SKIPDEFAULT;
   }
 
@@ -166,7 +158,7 @@ class GridPeer : public NativePeer {
       const int width = ListView_GetColumnWidth(window(), column);
       painter.fill({left, top, width, height}, isChosen ? looks.chosen : looks.field);
       const RECT cell{left + margin, top, left + width - margin, top + height};
-      drawText(dc, cell, cellText(grid_.TextMatrix(row, column)), font(), looks.text,
+      drawText(dc, cell, toWide(cellLine(grid_, row, column)), font(), looks.text,
                flagsOf(grid_.ColAlignment(column)) | cellFlags);
       left += width;
       painter.fill({left - 1, top, 1, height}, looks.ground);
@@ -189,7 +181,7 @@ class GridPeer : public NativePeer {
     const FontMeasure measure(font());
     int needed = 0;
     for (int row = 0; row < grid_.Rows; ++row) {
-      const std::wstring text = cellText(grid_.TextMatrix(row, column));
+      const std::wstring text = toWide(cellLine(grid_, row, column));
       needed = std::max(needed, measure.width(text.data(), text.size()) + 2 * margin);
     }
     return width > room && needed <= room ? room : width;
@@ -197,20 +189,10 @@ class GridPeer : public NativePeer {
 
   int deviceWidth(int column) const { return static_cast<int>(toPixels(grid_.ColWidth(column)) * form().scale()); }
 
-  /// Hides cells without any text: a list that hasn't arrived yet is an empty field.
-  bool isBlank() const {
-    for (int row = 0; row < grid_.Rows; ++row) {
-      for (int column = 0; column < grid_.Cols; ++column) {
-        if (!grid_.TextMatrix(row, column).empty()) return false;
-      }
-    }
-    return true;
-  }
-
   void reload() {
     isReloadQueued_ = false;
     isShowing_ = true;
-    const bool blank = isBlank();
+    const bool blank = isBlank(grid_);
     SendMessageW(window(), WM_SETREDRAW, FALSE, 0);
     ListView_DeleteAllItems(window());
     while (ListView_DeleteColumn(window(), 0) != FALSE) {
@@ -232,7 +214,7 @@ class GridPeer : public NativePeer {
   }
 
   void addColumn(int column) {
-    std::wstring title = fixedRows_ > 0 ? cellText(grid_.TextMatrix(0, column)) : std::wstring();
+    std::wstring title = fixedRows_ > 0 ? toWide(cellLine(grid_, 0, column)) : std::wstring();
     LVCOLUMNW entry{};
     entry.mask = LVCF_WIDTH | LVCF_TEXT;
     entry.cx = widthOf(column);
@@ -242,7 +224,7 @@ class GridPeer : public NativePeer {
 
   void addRow(int row) {
     for (int column = 0; column < columns_; ++column) {
-      std::wstring text = cellText(grid_.TextMatrix(row, column));
+      std::wstring text = toWide(cellLine(grid_, row, column));
       LVITEMW cell{};
       cell.mask = LVIF_TEXT;
       cell.iItem = row - fixedRows_;
