@@ -15,7 +15,7 @@ namespace {
 
 // A tile is 16 by 8 pixels. A frame with little on it is mostly untouched, so clearing it costs a small part of a full
 // clear.
-constexpr int tileWidthBits = 4;
+constexpr int tileWidthBits = std::countr_zero(unsigned{Surface::tileWidth});
 constexpr int tileHeightBits = 3;
 constexpr int tileHeight = 1 << tileHeightBits;
 constexpr int wordTiles = 64;  // tiles per word of bits
@@ -91,7 +91,7 @@ void clearRows(Rectangle area, Pixel pixel, const SpanFiller& filler) {
   const SpanFiller filler(pixel);
   for (; tiles != 0; tiles &= tiles - 1) {
     Pixel* line = corner + (std::ptrdiff_t{std::countr_zero(tiles)} << tileWidthBits);
-    for (int row = 0; row < tileHeight; ++row, line += pitch) filler.fill(line, 1 << tileWidthBits);
+    for (int row = 0; row < tileHeight; ++row, line += pitch) filler.fill(line, Surface::tileWidth);
   }
 }
 
@@ -208,11 +208,7 @@ std::span<const PixelArea> Surface::takeChanges() {
         const int x = (firstTile + run.first) << tileWidthBits;
         const int end = std::min(x + (run.count << tileWidthBits), width_);
         if (end <= x) break;
-        if (!changes_.empty() && changes_.back().y == row && changes_.back().x + changes_.back().width == x) {
-          changes_.back().width += end - x;
-        } else {
-          changes_.push_back({x, row, end - x, std::min(tileHeight, height_ - row)});
-        }
+        joinOrAppend(changes_, {x, row, end - x, std::min(tileHeight, height_ - row)});
       }
     }
   }

@@ -7,6 +7,7 @@
 
 #include "raster/font.h"
 #include "raster/picture.h"
+#include "raster/pixelArea.h"
 #include "raster/pixelStore.h"
 #include "raster/twips.h"
 
@@ -28,15 +29,6 @@ struct SpriteCopy {
   float left;
   float top;
   RasterOperation operation;
-};
-
-/// A rectangle of pixels.
-struct PixelArea {
-  int x;
-  int y;
-  int width;
-  int height;
-  bool operator==(const PixelArea&) const = default;
 };
 
 /// The picture being drawn: a 32-bit image in memory with the game's drawing operations. Coordinates and lengths are in
@@ -61,8 +53,10 @@ class Surface {
     return showsBackground_ ? std::span<const Pixel>(background_->pixels) : pixels_.all();
   }
 
+  static constexpr int tileWidth = 16;  ///< pixels
   /// The areas that may have changed since the previous call; the whole image at first. They are disjoint, and ordered
-  /// by rows of equal height, then from left to right. Valid until the next call.
+  /// by rows of equal height, then from left to right. Each begins and ends at a multiple of `tileWidth` or at the
+  /// image's edge. Valid until the next call.
   std::span<const PixelArea> takeChanges();
 
   /// Sets the background that `Cls` restores at the top left corner; null for none. Clears at once.

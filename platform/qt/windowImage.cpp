@@ -62,19 +62,13 @@ Rows rowsOf(const PixelArea& area, const PictureBox& box, PixelRows window) {
 // The tiles of the areas that the window doesn't show yet. Much is drawn again as it was, such as icons and texts, and
 // comparing takes less time than copying. Valid until the next call.
 std::span<const PixelArea> differences(const PictureBox& box, std::span<const PixelArea> areas, PixelRows window) {
-  constexpr int tileWidth = 16;
   static std::vector<PixelArea> tiles;  // keeps its memory, because this runs in every frame
   tiles.clear();
   for (const PixelArea& area : areas) {
     const int end = area.x + area.width;
-    for (int x = area.x; x < end; x += tileWidth) {
-      const PixelArea tile{x, area.y, std::min(tileWidth, end - x), area.height};
-      if (isOpaqueCopy(rowsOf(tile, box, window))) continue;
-      if (!tiles.empty() && tiles.back().y == tile.y && tiles.back().x + tiles.back().width == x) {
-        tiles.back().width += tile.width;
-      } else {
-        tiles.push_back(tile);
-      }
+    for (int x = area.x; x < end; x += Surface::tileWidth) {
+      const PixelArea tile{x, area.y, std::min(Surface::tileWidth, end - x), area.height};
+      if (!isOpaqueCopy(rowsOf(tile, box, window))) joinOrAppend(tiles, tile);
     }
   }
   return tiles;
