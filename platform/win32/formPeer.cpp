@@ -14,15 +14,11 @@ namespace kelvora {
 
 namespace {
 
-constexpr double dotsToTheInch = 96;  // at scale 1
-
 /// The first form shown. It owns the others, so they stay in front of it.
 FormPeer* mainForm = nullptr;
 
 /// The visible forms, in the order in which they were shown.
 std::vector<FormPeer*> shownForms;
-
-double screenScale(HWND window) { return GetDpiForWindow(window) / dotsToTheInch; }
 
 int unscaled(int pixels, double scale) { return static_cast<int>(std::lround(pixels / scale)); }
 
@@ -48,6 +44,10 @@ const wchar_t* windowClass(WNDPROC procedure) {
 }
 
 }  // namespace
+
+double scaleAt(UINT dotsPerInch) { return dotsPerInch / double{USER_DEFAULT_SCREEN_DPI}; }
+
+double screenScale(HWND window) { return scaleAt(GetDpiForWindow(window)); }
 
 HWND activeForm() {
   const HWND active = GetActiveWindow();

@@ -11,8 +11,6 @@
 
 namespace kelvora {
 
-class ControlPeer;
-
 /// A form's window. It paints all controls that have no windows of their own, and finds the one under the mouse.
 class FormPeer : public Peer, public InputTarget {
  public:
@@ -90,7 +88,13 @@ void paintMenuBar(const FormPeer& form);
 void measureMenuItem(const FormPeer& form, MEASUREITEMSTRUCT& item);
 void drawMenuItem(const FormPeer& form, const DRAWITEMSTRUCT& item);
 
-/// The window that owns message boxes: the active one of the game.
+/// The game's active window, which owns message boxes. If another program is active, the first form shown, or
+/// null without one.
 HWND activeForm();
+
+/// Device pixels for each of the game's on a screen with this many dots per inch.
+double scaleAt(UINT dotsPerInch);
+/// The same for the window's screen.
+double screenScale(HWND window);
 
 }  // namespace kelvora

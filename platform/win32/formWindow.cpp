@@ -103,9 +103,8 @@ LRESULT FormPeer::handle(UINT message, WPARAM first, LPARAM second) {
       return 0;
     }
     case WM_DPICHANGED: {
-      constexpr double dotsToTheInch = 96;
       const RECT& place = *reinterpret_cast<const RECT*>(second);
-      rescale(LOWORD(first) / dotsToTheInch);
+      rescale(scaleAt(LOWORD(first)));
       SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
                    SWP_NOZORDER | SWP_NOACTIVATE);
       return 0;

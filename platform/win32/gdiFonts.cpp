@@ -49,9 +49,8 @@ std::wstring familyFor(const std::string& family) {
 HFONT gdiFont(const FontSpec& font, double scale) {
   static std::map<std::string, std::wstring> families;
   static std::map<std::tuple<std::string, int, bool>, HFONT> fonts;
-  constexpr float dotsToTheInch = 96;
-  constexpr float pointsToTheInch = 72;
-  const float pixels = std::round(font.size * dotsToTheInch / pointsToTheInch);
+  constexpr float pointsPerInch = 72;
+  const float pixels = std::round(font.size * USER_DEFAULT_SCREEN_DPI / pointsPerInch);
   const int designed = pixels >= 1 && pixels <= 200 ? static_cast<int>(pixels) : 12;
   // Rounded down, so that texts fit where they do at scale 1.
   const int height = std::max(static_cast<int>(designed * scale), 1);

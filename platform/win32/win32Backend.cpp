@@ -55,7 +55,7 @@ void Win32Backend::messageBox(const std::string& text) {
 void Win32Backend::endProcess() { std::_Exit(0); }
 
 void Win32Backend::placePointer(int x, int y) {
-  const double scale = GetDpiForWindow(activeForm()) / 96.0;
+  const double scale = screenScale(activeForm());
   ::SetCursorPos(static_cast<int>(x * scale), static_cast<int>(y * scale));
 }
 
