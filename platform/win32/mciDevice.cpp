@@ -5,18 +5,11 @@
 #include "platform/desktop/soundModule.h"
 #include "platform/sound/mixerDevice.h"
 #include "platform/win32/musicStream.h"
+#include "platform/win32/wideText.h"
 
 namespace kelvora {
 
 namespace {
-
-std::wstring widePath(const std::string& path) {
-  std::wstring wide(path.size(), L'\0');
-  const int length = MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(path.size()), wide.data(),
-                                         static_cast<int>(wide.size()));
-  wide.resize(static_cast<std::size_t>(length));
-  return wide;
-}
 
 bool command(const std::wstring& text) { return mciSendStringW(text.c_str(), nullptr, 0, nullptr) == 0; }
 
@@ -55,7 +48,7 @@ class MciDevice : public MixerDevice {
     if (found == effects_.end() || found->second.isSilent) return;
     Effect& effect = found->second;
     if (!effect.isOpen && !effect.file.empty()) {
-      effect.isOpen = command(L"open \"" + widePath(effect.file) + L"\" type waveaudio alias " + nameOf(channel));
+      effect.isOpen = command(L"open \"" + wideFromUtf8(effect.file) + L"\" type waveaudio alias " + nameOf(channel));
       effect.file.clear();
     }
     if (effect.isOpen) command(L"play " + nameOf(channel) + L" from 0");
@@ -65,7 +58,7 @@ class MciDevice : public MixerDevice {
     if (isOpen(channel)) command(L"stop " + nameOf(channel));
   }
 
-  bool startMusic(const std::string& file) override { return music_.start(widePath(file)); }
+  bool startMusic(const std::string& file) override { return music_.start(wideFromUtf8(file)); }
   void stopMusic() override { music_.stop(); }
   bool isMusicPlaying() const override { return music_.isPlaying(); }
 

@@ -12,6 +12,7 @@ bool MusicStream::start(const std::wstring& file) {
   const auto event = reinterpret_cast<DWORD_PTR>(wake_);
   if (waveOutOpen(&device_, WAVE_MAPPER, &decoder_->format(), event, 0, CALLBACK_EVENT) != 0) {
     CloseHandle(wake_);
+    decoder_.reset();
     return false;
   }
   for (Block& block : blocks_) {

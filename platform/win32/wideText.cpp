@@ -1,6 +1,7 @@
 #include "platform/win32/wideText.h"
 
 #include "base/codePage.h"
+#include "platform/win32/win32.h"
 
 namespace kelvora {
 
@@ -17,6 +18,14 @@ std::string fromWide(std::wstring_view text) {
     if (const auto byte = toCodePage(static_cast<char32_t>(letter))) bytes += *byte;
   }
   return bytes;
+}
+
+std::wstring wideFromUtf8(std::string_view bytes) {
+  std::wstring text(bytes.size(), L'\0');
+  const int size = static_cast<int>(bytes.size());
+  const int length = MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, text.data(), size);
+  text.resize(static_cast<std::size_t>(length));
+  return text;
 }
 
 }  // namespace kelvora
