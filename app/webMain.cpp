@@ -11,7 +11,7 @@
 #include "platform/web/page.h"
 #include "platform/web/webBackend.h"
 #include "platform/web/webPeer.h"
-#include "rendering/paintFrame.h"
+#include "rendering/actionIcons.h"
 
 namespace modMain = kelvora::modMain;
 

@@ -8,6 +8,7 @@
 #include "platform/backend.h"
 #include "platform/form.h"
 #include "rendering/paintFrame.h"
+#include "rendering/particlePainting.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora::modMain {

@@ -8,6 +8,7 @@
 #include "core/modMain.h"
 #include "core/players.h"
 #include "frontend/frmMain.h"
+#include "rendering/actionIcons.h"
 #include "rendering/layers.h"
 #include "rendering/pointer.h"
 #include "simulation/clsPlayer.h"
@@ -37,11 +38,6 @@ std::int32_t averageFrameTime(std::int32_t newest) {
 }
 
 }  // namespace
-
-void addDebugText(const std::string& line) {
-  world.debugText += line;
-  world.debugText += "\r\n";
-}
 
 // The painting order is the order of the layers, lowest first.
 void paintFrame() {

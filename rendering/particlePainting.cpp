@@ -1,3 +1,5 @@
+#include "rendering/particlePainting.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -10,7 +12,6 @@
 #include "particles/clsParticle.h"
 #include "particles/pools.h"
 #include "rendering/frmGfx.h"
-#include "rendering/paintFrame.h"
 #include "rendering/sprites.h"
 
 namespace kelvora {

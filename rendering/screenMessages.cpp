@@ -1,17 +1,12 @@
 #include <cstddef>
 
 #include "base/numbers.h"
-#include "base/text.h"
 #include "core/modMain.h"
 #include "core/timeScale.h"
 #include "frontend/frmMain.h"
-#include "rendering/frmGfx.h"
 #include "rendering/layers.h"
-#include "rendering/paintFrame.h"
-#include "rendering/sprites.h"
-#include "simulation/clsPlayer.h"
 
-namespace kelvora {
+namespace kelvora::modMain {
 
 namespace {
 
@@ -28,32 +23,20 @@ std::uint8_t darkened(std::uint8_t channel, int amount) {
   return static_cast<std::uint8_t>(channel > amount ? channel - amount : channel);
 }
 
-/// Calls `action` with the number, left and top of each powerup icon.
-template <class Action>
-void forEachActionIcon(Action&& action) {
-  auto& icons = frmGfx->imgAction;
-  const PictureBox& canvas = frmMain->canvas;
-  const int count = icons.UBound;
-  const float width = icons[0].Width;
-  const float y = canvas.Height - 1500;
-  // Quirk Q-135: the start allows for gaps of 50 but the step uses 25, so the row ends short of the right edge.
-  float x = canvas.Width - static_cast<float>(count) * (width + 50);
-  for (int i = 1; i <= count; ++i) {
-    action(i, x, y);
-    x += width + 25;
-  }
-}
+}  // namespace
 
-void printAt(PictureBox& canvas, float x, float y, Colour colour, const std::string& text) {
+void printOnCanvas(float x, float y, Colour colour, const std::string& text) {
+  PictureBox& canvas = frmMain->canvas;
   canvas.CurrentX = x;
   canvas.CurrentY = y;
   canvas.ForeColor = colour;
   canvas.Print(text);
 }
 
-}  // namespace
-
-namespace modMain {
+void addDebugText(const std::string& line) {
+  world.debugText += line;
+  world.debugText += "\r\n";
+}
 
 void paintTextLines() {
   PictureBox& canvas = frmMain->canvas;
@@ -68,10 +51,10 @@ void paintTextLines() {
     colour = {darkened(colour.red, amount), darkened(colour.green, amount), darkened(colour.blue, amount)};
     y -= lineSpacing;
     canvas.FontSize = line.size < minSize ? minSize : line.size;
-    printAt(canvas, leftMargin, y, colour, line.text);
+    printOnCanvas(leftMargin, y, colour, line.text);
   }
   canvas.FontSize = ownSize;
-  printAt(canvas, leftMargin, 0, RGB(0, 255, 255), world.debugText);
+  printOnCanvas(leftMargin, 0, RGB(0, 255, 255), world.debugText);
 }
 
 void paintCentreMessage() {
@@ -93,40 +76,8 @@ void paintCentreMessage() {
   const float x = static_cast<float>((centre - measure.Width + centre) / 2.3);
   const float ownSize = canvas.FontSize;
   canvas.FontSize = ownSize + 3;
-  printAt(canvas, x, y, RGB(0, 255 - world.centreMessageAge, 0), world.centreMessage);
+  printOnCanvas(x, y, RGB(0, 255 - world.centreMessageAge, 0), world.centreMessage);
   canvas.FontSize = ownSize;
 }
 
-void paintActionIcons() {
-  auto& icons = frmGfx->imgAction;
-  forEachActionIcon([&](int i, float x, float y) {
-    paintSprite(frmMain->canvas, {icons[0], 0, 0}, {icons[i], 0, 0}, {x, y, icons[0].Width, icons[0].Height});
-  });
-}
-
-std::int16_t actionIconAt(float x, float y) {
-  auto& icons = frmGfx->imgAction;
-  std::int16_t found = 0;
-  forEachActionIcon([&](int i, float left, float top) {
-    const bool isInside = left <= x && x < left + icons[0].Width && top <= y && y < top + icons[0].Height;
-    if (isInside) found = static_cast<std::int16_t>(i);
-  });
-  return found;
-}
-
-}  // namespace modMain
-
-void clsPlayer::paintPowerupCounts() {
-  PictureBox& canvas = frmMain->canvas;
-  auto& icons = frmGfx->imgAction;
-  const float width = icons[0].Width;
-  const float height = icons[0].Height;
-  const float left = canvas.Width - (width + 50) * static_cast<float>(icons.UBound);
-  float x = left;
-  for (const PowerupState& powerup : powerups) {
-    printAt(canvas, x, canvas.Height - (height + 150), RGB(0, 255, 255), numberText(std::int32_t{powerup.count}));
-    x += width + 25;
-  }
-}
-
-}  // namespace kelvora
+}  // namespace kelvora::modMain

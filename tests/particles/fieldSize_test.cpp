@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "rendering/particlePainting.h"
 #include "tests/support/gameTest.h"
 
 // The size of the field around the player.

@@ -6,6 +6,7 @@
 
 #include "frontend/console.h"
 #include "frontend/fontMan.h"
+#include "rendering/actionIcons.h"
 #include "rendering/layers.h"
 #include "tests/rendering/goldenPainting.h"
 
