@@ -88,6 +88,19 @@ class Windows(PageTest):
         stored = page.see("Object.fromEntries(Object.entries(localStorage))")
         self.assertIn(str(wanted), [value for name, value in stored.items() if name.startswith("kelvora/fonts/")], stored)
 
+    def test_a_click_on_a_mark_sets_the_size(self):
+        _, page = self.begin()
+        self.open_fonts(page)
+        left, top, width, height = page.place("all('.slider')[2]")
+        self.assertIn("gradient", page.see("getComputedStyle(all('.slider')[2]).backgroundImage"), "no marks")
+        # Eight marks, from 9 to 16. The outer ones are below the middle of the knob, 13 pixels wide, at its two ends.
+        between = (width - 13) / 7
+        for size in (16, 9, 12):
+            page.click(left + 6.5 + (size - 9) * between, top + height - 2)
+            page.wait_for(f"all('.slider')[2].valueAsNumber === {size}")
+            page.wait_for(f"getComputedStyle(all('.label').filter((one) => words(one).startsWith('This is'))[2]).fontSize"
+                          f" === '{round(size * 4 / 3)}px'", "the sample's size")
+
     def test_the_dialog_remembers_the_last_login(self):
         server, page = self.begin()
         page.connect("Zo\u00eb", colour=3)

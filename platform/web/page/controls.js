@@ -106,7 +106,10 @@ const ownProperties = {
   },
   Slider: {
     Min: (control, value) => { control.element.min = value; },
-    Max: (control, value) => { control.element.max = value; },
+    Max: (control, value) => {
+      control.element.max = value;
+      control.element.style.setProperty('--steps', value - control.element.min);
+    },
     Value: (control, value) => { control.element.value = value; },
   },
   CheckBox: {Value: (control, value) => { control.box.checked = value !== 0; }},
