@@ -125,9 +125,20 @@ class Windows(PageTest):
         harness.wait_for(is_listed, "the other server in the list", pause=0.5)
         page.wait_for("by('td', 'the other one')")
         page.keep("finder")
+        self.assertTrue(page.see("((grid) => grid.scrollWidth <= grid.clientWidth)(document.querySelector('.grid'))"),
+                        "a scroll bar for texts that fit")
         page.click_on("by('td', 'the other one')", times=2)
         self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Ann")
         page.wait_for_status("Connected")
+
+    def test_a_long_note_can_be_scrolled_into_sight(self):
+        # It fits into the column, but not into the room that the others leave.
+        _, page = self.begin("--notes", "i" * 125)
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("all('td').length")
+        note = "all('td').at(-1)"
+        self.assertTrue(page.see(f"{note}.scrollWidth <= {note}.clientWidth"), "a note that is cut")
+        self.assertTrue(page.see("((grid) => grid.scrollWidth > grid.clientWidth)(document.querySelector('.grid'))"))
 
     def test_menus_work_by_keyboard(self):
         _, page = self.begin()

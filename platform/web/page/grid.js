@@ -33,11 +33,25 @@ const gridProperties = {
       }));
       return line;
     }));
+    control.widths = widths;
+    cutLastColumn(control);
     showChosen(control);
   },
   Row: (control, value) => { control.row = value; showChosen(control); },
   Col: (control, value) => { control.column = value; showChosen(control); },
 };
+
+// Cuts the last column at the edge if its texts still fit, so that no scroll bar is needed.
+function cutLastColumn({element, table, widths}) {
+  if (element.clientWidth === 0) return;  // hidden
+  const cells = [...table.rows].map((row) => row.lastChild);
+  const setWidth = (width) => { for (const cell of cells) cell.style.width = width + 'px'; };
+  setWidth(0);  // no horizontal scroll bar takes some of the height
+  const full = widths[widths.length - 1];
+  const room = widths.reduce((rest, width) => rest - width, element.clientWidth) + full;
+  setWidth(Math.min(room, full));
+  if (cells.some((cell) => cell.scrollWidth > cell.clientWidth)) setWidth(full);
+}
 
 function showChosen(control) {
   for (const cell of control.table.querySelectorAll('td')) {
