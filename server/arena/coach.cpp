@@ -23,8 +23,8 @@ bool isGiven(const Lessons& lessons, Lesson lesson) {
 }  // namespace
 
 std::string directionOf(Point way) {
-  constexpr std::array names = {"right", "lower right", "bottom", "lower left",
-                                "left",  "upper left",  "top",    "upper right"};
+  constexpr std::array names = {"to your right", "below you to the right", "below you", "below you to the left",
+                                "to your left",  "above you to the left",  "above you", "above you to the right"};
   const auto eighth = static_cast<int>(std::lround(angleOf(way) / (pi / 4)));
   return names[static_cast<std::size_t>((eighth + 8) % 8)];
 }
@@ -69,9 +69,9 @@ std::string Coach::lineFor(Player& player, Millis now) const {
   if (opponent == nullptr) return {};
   const Point way = opponent->spot.point() - player.spot.point();
   const std::string name = opponent->name + " (" + rules::colourNames[static_cast<std::size_t>(opponent->colour)] + ")";
-  if (begins(lessons, Lesson::opponents)) return name + " is the nearest player, to the " + directionOf(way) + ".";
+  if (begins(lessons, Lesson::opponents)) return name + " is the nearest player, " + directionOf(way) + ".";
   if (length(way) <= nearby && begins(lessons, Lesson::circle)) {
-    return "Fly a circle around " + name + " and cross your own tail. That captures everybody inside.";
+    return "Circle " + name + " and cross your own tail to capture them.";
   }
   return {};
 }

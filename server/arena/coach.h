@@ -9,7 +9,8 @@
 namespace kelvora::server {
 
 /// Tells newcomers what to do, in lines of the server to them alone: each when it is needed, and once. People who
-/// capture somebody before they have been told how are left alone.
+/// capture somebody before they have been told how are left alone. No line has more than 90 bytes: the game would break
+/// it in two.
 class Coach {
  public:
   static constexpr Millis brakesAfter = 4'000;  ///< time without a movement
@@ -33,7 +34,7 @@ class Coach {
   const ArenaRules rules_;
 };
 
-/// "right", "lower right", "bottom" and so on, as seen on the screen.
+/// "to your right", "below you to the right", "below you" and so on, as seen on the screen.
 std::string directionOf(Point way);
 
 }  // namespace kelvora::server

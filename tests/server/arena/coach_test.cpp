@@ -1,5 +1,6 @@
 #include "server/arena/coach.h"
 
+#include "server/arena/names.h"
 #include "tests/server/arena/arenaTest.h"
 
 namespace kelvora::server {
@@ -31,8 +32,7 @@ class CoachTest : public ArenaTest {
 
 const std::string brakesLine =
     "Your brakes are on. Press the right mouse button, or Brakes on a touch screen, and steer.";
-const std::string circleLine =
-    "Fly a circle around Bob (Yellow) and cross your own tail. That captures everybody inside.";
+const std::string circleLine = "Circle Bob (Yellow) and cross your own tail to capture them.";
 
 TEST_F(CoachTest, PeopleWhoDontMoveLearnOfTheBrakesOnce) {
   login(ann, "Ann");
@@ -55,7 +55,7 @@ TEST_F(CoachTest, AMovingNewcomerLearnsWhoIsNearestAndWhere) {
   report(cat, 90'000, 90'000);
   login(ann, "Ann", "0");
   report(ann, 30'000, 40'000);
-  EXPECT_EQ(wait(ann, 40), Lines{"Bob (Yellow) is the nearest player, to the upper left."});
+  EXPECT_EQ(wait(ann, 40), Lines{"Bob (Yellow) is the nearest player, above you to the left."});
   EXPECT_EQ(wait(ann, 30'000), Lines{}) << "nobody is near";
 }
 
@@ -77,6 +77,21 @@ TEST_F(CoachTest, LinesCanBeReadBeforeTheNextOne) {
   report(ann, 21'000, 30'000);
   EXPECT_EQ(wait(ann, 4'000).size(), 1U);
   EXPECT_EQ(wait(ann, 40), Lines{circleLine});
+}
+
+TEST_F(CoachTest, TheGameBreaksNoLineInTwo) {
+  constexpr std::size_t longestLine = 90;  // of the game's console
+  const std::string longestName(maxNameLength, 'm');
+  login(bob, longestName, "5");
+  report(bob, 20'000, 30'000);
+  login(ann, "Ann", "0");
+  Lines lines = wait(ann, 4'000);
+  report(ann, 24'000, 34'000);
+  for (const std::string& line : wait(ann, 8'000)) lines.push_back(line);
+  const std::string name = longestName + " (Purple)";
+  EXPECT_EQ(lines, (Lines{brakesLine, name + " is the nearest player, above you to the left.",
+                          "Circle " + name + " and cross your own tail to capture them."}));
+  for (const std::string& line : lines) EXPECT_LE(line.size(), longestLine) << line;
 }
 
 TEST_F(CoachTest, TheFirstCaptureIsPraised) {
@@ -140,16 +155,16 @@ TEST_F(ArenaTest, WithoutACoachNobodyIsCoached) {
 }
 
 TEST(Directions, AreThoseOfTheScreen) {
-  EXPECT_EQ(directionOf({5, 0}), "right");
-  EXPECT_EQ(directionOf({5, 5}), "lower right");
-  EXPECT_EQ(directionOf({0, 5}), "bottom");
-  EXPECT_EQ(directionOf({-5, 5}), "lower left");
-  EXPECT_EQ(directionOf({-5, 0}), "left");
-  EXPECT_EQ(directionOf({-5, -0.1}), "left");
-  EXPECT_EQ(directionOf({-5, -5}), "upper left");
-  EXPECT_EQ(directionOf({0, -5}), "top");
-  EXPECT_EQ(directionOf({5, -5}), "upper right");
-  EXPECT_EQ(directionOf({5, -2}), "right");
+  EXPECT_EQ(directionOf({5, 0}), "to your right");
+  EXPECT_EQ(directionOf({5, 5}), "below you to the right");
+  EXPECT_EQ(directionOf({0, 5}), "below you");
+  EXPECT_EQ(directionOf({-5, 5}), "below you to the left");
+  EXPECT_EQ(directionOf({-5, 0}), "to your left");
+  EXPECT_EQ(directionOf({-5, -0.1}), "to your left");
+  EXPECT_EQ(directionOf({-5, -5}), "above you to the left");
+  EXPECT_EQ(directionOf({0, -5}), "above you");
+  EXPECT_EQ(directionOf({5, -5}), "above you to the right");
+  EXPECT_EQ(directionOf({5, -2}), "to your right");
 }
 
 }  // namespace
