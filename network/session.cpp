@@ -80,6 +80,7 @@ void connectToServer(const std::string& name, const std::string& address, std::i
 }
 
 // resetConnectionState leaves the opponents' names on the panel. Showing the title clears all six.
+// Quirk Q-314: the chat partner stays, too.
 void disconnectFromServer() {
   resumeNext([] {
     if (gameSocket().State() > sckClosed) gameSocket().Close();

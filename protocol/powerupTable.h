@@ -29,6 +29,7 @@ struct Powerup {
   const char* collapse;      ///< console text after the player's name at an early end; null for none
 };
 
+// Quirk Q-315: apostrophes are misplaced.
 inline constexpr std::array<Powerup, powerupSlotCount> powerupTable{{
     {"Shield", 20,
      "Protects you from charged tails, lasers, and EMP's for 15 seconds.  Warning: EMP's will disable the shield.", 15,

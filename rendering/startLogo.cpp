@@ -15,7 +15,7 @@ void showStartLogo() {
       frmMain->picCaps[i].Cls();
       frmMain->picCaps[i].Refresh();
     });
-    // Quirk Q-309: the captures beside the names stay.
+    // Quirk Q-309: the captures beside the names, the credits and the latency stay.
     resumeNext([i] { frmMain->lbUserName[i].Caption = ""; });
     resumeNext([i] { frmMain->lbUserName[i].BackColor = RGB(0, 0, 0); });
   }

@@ -36,6 +36,7 @@ void clsPlayer::purchaseItem(PowerupSlot item) {
     netMan::sendMessage<wire::msgBuyRequest>(item);
     return;
   }
+  // Quirk Q-315: "nowhere" is two words.
   showStoreStatus("Cannot purchase powerup, you have no where to store it.  Check your capacity, consider selling.");
   soundMan::playSound(soundMan::Sound::Error);
 }

@@ -101,5 +101,28 @@ TEST_F(Reconnection, Q309KeepsTheKillsOnThePanel) {
   EXPECT_EQ(frmMain->lblKills[4].Caption.get(), "5");
 }
 
+TEST_F(Reconnection, Q309KeepsCreditsAndLatencyOnThePanel) {
+  serverSends(wire::msgFunds, {"7", "75"});
+  serverSends(wire::msgPing, {"1000"});
+  tick(30);
+  serverSends(wire::msgLatencyReport, {"41"});
+  netMan::disconnectFromServer();
+  EXPECT_EQ(frmMain->lblCredits.Caption.get(), "75");
+  EXPECT_EQ(frmMain->lblLag.Caption.get(), "30/41");
+  login(2, 7);
+  EXPECT_EQ(frmMain->lblCredits.Caption.get(), "10");
+  EXPECT_EQ(frmMain->lblLag.Caption.get(), "30/41") << "until the first report";
+}
+
+TEST_F(Reconnection, Q314KeepsTheChatPartner) {
+  netMan::selectPrivateTarget("Bob");
+  netMan::disconnectFromServer();
+  EXPECT_EQ(frmMain->lblPrivChat.Caption.get(), "Bob");
+  login(2, 7);
+  EXPECT_EQ(frmMain->lblPrivChat.Caption.get(), "Bob");
+  netMan::sendChat("hello");
+  EXPECT_EQ(sentFrames(), (std::vector<WireMessage>{{wire::msgChat, {"0", "(private) hello"}}}));
+}
+
 }  // namespace
 }  // namespace kelvora

@@ -166,6 +166,16 @@ TEST_F(Store, TenItemsLeaveNoRoom) {
   EXPECT_TRUE(isErrorPlayed());
 }
 
+TEST_F(Store, Q315ItsTextsMisspell) {
+  const auto says = [](const std::string& text, const char* words) { return text.find(words) != std::string::npos; };
+  modMain::openStore();
+  EXPECT_TRUE(says(frmPowerups->lblItemDescription[shieldSlot].Caption, "lasers, and EMP's for 15 seconds"));
+  EXPECT_TRUE(says(frmPowerups->lblItemDescription[laserSlot].Caption, "anything in it's path"));
+  stock(10);
+  frmPowerups->cmdBuy[shieldSlot].Click();
+  EXPECT_TRUE(says(status(), "you have no where to store it"));
+}
+
 TEST_F(Store, NineItemsLeaveRoomForOne) {
   modMain::openStore();
   stock(9);
