@@ -46,6 +46,7 @@ void runFrame() {
 
 void mainLoop() {
   for (;;) {
+    // Quirk Q-313: only a frame clears the radar and the game view, so both keep the last one.
     if (gameSocket().State() == sckConnected) runFrame();
     DoEvents(gameSocket().State() != sckConnected);
     releaseUnloadedForms();

@@ -154,6 +154,7 @@ void receiveRoundOver(const std::string& text) {
   for (std::int16_t i = 0; i < world.opponentCount; ++i) modMain::playerAt(i).setAlive(false);
   modMain::world.roundMessage = text;
   printChat(text, LineType::ServerMessage);
+  // Quirk Q-311: only the next respawn greys the buttons again, neither a disconnection nor a login.
   modMain::setButtonsState(true);
 }
 

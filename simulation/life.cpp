@@ -74,6 +74,7 @@ void clsPlayer::setKills(std::int16_t newKills) {
 
 void clsPlayer::funds(double credits) {
   funds_ = roundToEven(credits) + 0.0;  // no negative zero
+  // Quirk Q-312: an open store keeps its own balance until a purchase or sale.
   if (playerIndex == localIndex) displayFunds();
 }
 

@@ -15,6 +15,7 @@
 namespace kelvora {
 
 void modMain::openStore() {
+  // Quirk Q-310: a disconnection doesn't clear the text, so it may tell of a round on another server.
   frmPowerups->lblWinners.Caption = world.roundMessage;
   world.localPlayer.populatePowerupsForm();
   frmPowerups->Show();

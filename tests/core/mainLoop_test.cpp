@@ -22,6 +22,8 @@ class MainLoop : public GameTest {
     EXPECT_THROW(modMain::mainLoop(), ProcessEnded);
     machine.onDoEvents = nullptr;
   }
+
+  static std::vector<Pixel> copyOf(const PictureBox& box) { return {box.pixels().begin(), box.pixels().end()}; }
 };
 
 TEST_F(MainLoop, WithoutAConnectionAPassIsJustDoEvents) {
@@ -77,6 +79,34 @@ TEST_F(MainLoop, PaintsWithNoOpponents) {
   ASSERT_EQ(modMain::world.opponentCount, 0);
   modMain::runFrame();
   EXPECT_NE(modMain::world.debugText.find("Paint Time:"), std::string::npos);
+}
+
+TEST_F(MainLoop, Q313ADisconnectionLeavesTheRadar) {
+  login();
+  join(8, 1, "Bob", 75'000, 25'000);
+  runPasses(1);
+  const auto radar = copyOf(frmMain->picRadar);
+  const auto view = copyOf(frmMain->canvas);
+  netMan::disconnectFromServer();
+  runPasses(2);
+  EXPECT_EQ(copyOf(frmMain->picRadar), radar);
+  EXPECT_NE(copyOf(frmMain->canvas), view) << "the title picture";
+  connect();
+  runPasses(1);
+  EXPECT_NE(copyOf(frmMain->picRadar), radar) << "nobody is in the game yet";
+}
+
+TEST_F(MainLoop, Q313AConnectionErrorLeavesTheLastFrame) {
+  login();
+  join(8, 1, "Bob", 75'000, 25'000);
+  runPasses(1);
+  const auto radar = copyOf(frmMain->picRadar);
+  const auto view = copyOf(frmMain->canvas);
+  server().setState(sckError);
+  tick(1000);
+  runPasses(2);
+  EXPECT_EQ(copyOf(frmMain->picRadar), radar);
+  EXPECT_EQ(copyOf(frmMain->canvas), view);
 }
 
 TEST_F(MainLoop, MovesTheLocalPlayerAndTicksItsPowerups) {

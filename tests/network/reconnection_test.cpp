@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "core/timeScale.h"
+#include "rendering/frmGfx.h"
 #include "store/frmPowerups.h"
 #include "tests/support/gameTest.h"
 
@@ -59,12 +61,30 @@ TEST_F(Reconnection, KeepsTheNextTip) {
   EXPECT_EQ(modMain::world.nextTip, 2);
 }
 
-TEST_F(Reconnection, KeepsTheRoundsMessage) {
+TEST_F(Reconnection, Q310KeepsTheRoundsMessage) {
   serverSends(wire::msgRoundOver, {"Bob wins"});
   netMan::disconnectFromServer();
+  modMain::openStore();
+  EXPECT_EQ(frmPowerups->lblWinners.Caption.get(), "Bob wins");
+  frmPowerups.unload();
   login(2, 7);
   modMain::openStore();
   EXPECT_EQ(frmPowerups->lblWinners.Caption.get(), "Bob wins");
+}
+
+TEST_F(Reconnection, Q311KeepsTheButtonsLitUntilARespawn) {
+  const auto lit = [] {
+    return std::pair{frmMain->btnSpawn.background() == frmGfx->imgBtnPlay[1].Picture.get(),
+                     frmMain->btnShop.background() == frmGfx->imgBtnStore[1].Picture.get()};
+  };
+  serverSends(wire::msgRoundOver, {"Bob wins"});
+  netMan::disconnectFromServer();
+  EXPECT_EQ(lit(), std::pair(true, true));
+  login(2, 7);
+  EXPECT_TRUE(modMain::world.localPlayer.alive);
+  EXPECT_EQ(lit(), std::pair(true, true));
+  serverSends(wire::msgRespawn, {"7"});
+  EXPECT_EQ(lit(), std::pair(false, false));
 }
 
 TEST_F(Reconnection, KeepsTheExplosions) {

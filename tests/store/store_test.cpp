@@ -360,6 +360,18 @@ TEST_F(Store, FundsAreWholeNumbersRoundedToEven) {
   }
 }
 
+// The shield costs 20.
+TEST_F(Store, Q312AnOpenStoreKeepsItsBalance) {
+  modMain::openStore();
+  serverSends(148, {"7", "25"});
+  EXPECT_EQ(mainCredits(), "25");
+  EXPECT_EQ(shownFunds(), "10");
+  EXPECT_EQ(frmPowerups->lblItemCost[0].BackColor.get(), RGB(128, 95, 95));
+  modMain::openStore();
+  EXPECT_EQ(shownFunds(), "25");
+  EXPECT_EQ(frmPowerups->lblItemCost[0].BackColor.get(), RGB(255, 255, 255));
+}
+
 TEST_F(Store, OpponentsFundsAreSeparate) {
   const std::int16_t bob = join(8, 1, "Bob");
   EXPECT_EQ(modMain::playerAt(bob).funds(), 10);
