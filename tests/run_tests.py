@@ -10,6 +10,7 @@ command, its environment, the script, and the files of its folder that the scrip
 has all files of its folder. Tests with the label "project" read everything, and so do those whose folder is unknown.
 BUILD_FOLDER/passed.json has a hash of each passed test's inputs. ctest writes its results to tests.xml.
 """
+import argparse
 import functools
 import hashlib
 import json
@@ -142,7 +143,9 @@ def inputs_of(test, build):
 
 def listed(build):
     """The build's tests by name: the number and the inputs of each."""
-    listing = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=True, capture_output=True)
+    listing = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=False, stdout=subprocess.PIPE)
+    if listing.returncode:
+        sys.exit(f"ctest could not list the tests of {build}.")
     # ctest adds fixtures to the tests that need them.
     return {test["name"]: (number, inputs_of(test, build))
             for number, test in enumerate(json.loads(listing.stdout)["tests"], 1)
@@ -159,20 +162,36 @@ def passed_before(record, tests):
     return {name: inputs for name, inputs in known if inputs and tests.get(name, (0, None))[1] == inputs}
 
 
+def parse_arguments():
+    parser = argparse.ArgumentParser(prog="tests/run_tests.py", description="Runs the tests of a build with ctest.")
+    parser.add_argument("build", metavar="BUILD_FOLDER", type=Path, help="such as build/debug")
+    parser.add_argument("jobs", metavar="JOBS", type=int, help="number of tests at a time")
+    parser.add_argument("--all", action="store_true", help="also run those that have passed on the same inputs")
+    arguments = parser.parse_args()
+    if not arguments.build.is_dir():
+        parser.error(f"there is no folder {arguments.build}")
+    if arguments.jobs < 1:
+        parser.error("JOBS must be at least 1")
+    return arguments
+
+
 def main():
-    build, jobs = Path(sys.argv[1]).resolve(), sys.argv[2]
+    arguments = parse_arguments()
+    build = arguments.build.resolve()
     record, results = build / "passed.json", build / "tests.xml"
     tests = listed(build)
-    passed = {} if "--all" in sys.argv else passed_before(record, tests)
+    if not tests:
+        sys.exit(f"{arguments.build} has no tests. Configure the build with -DKELVORA_TESTS=ON, then build it.")
+    passed = {} if arguments.all else passed_before(record, tests)
     numbers = [str(number) for name, (number, _) in tests.items() if name not in passed]
     print(f"{len(passed)} of {len(tests)} tests have passed on the same inputs before", flush=True)
     record.write_text(json.dumps(passed))
     results.unlink(missing_ok=True)
     if not numbers:
         return 0
-    status = subprocess.run(["ctest", "--test-dir", build, "-j", jobs, "--timeout", "300", "--output-on-failure",
-                             "--output-junit", results, "-I", f"{numbers[0]},{numbers[0]},1,{','.join(numbers)}"],
-                            check=False).returncode
+    status = subprocess.run(["ctest", "--test-dir", build, "-j", str(arguments.jobs), "--timeout", "300",
+                             "--output-on-failure", "--output-junit", results,
+                             "-I", f"{numbers[0]},{numbers[0]},1,{','.join(numbers)}"], check=False).returncode
     cases = ElementTree.parse(results).iter("testcase") if results.exists() else ()
     for case in cases:
         inputs = tests.get(case.get("name"), (0, None))[1]

@@ -26,6 +26,12 @@ fail() {
   exit 1
 }
 
+# usage SCRIPT: prints the comment at the top of a script.
+usage() { sed -n '2,/^[^#]/s/^# \?//p' "$1"; }
+
+# refuse SCRIPT WORDS: fails because the script doesn't know these arguments.
+refuse() { fail "$1 doesn't know \"$2\"." "$(usage "$1")"; }
+
 # clang_tool NAME: prints the path of clang++, clang-format or clang-tidy in version 14. Versions differ in findings and
 # layout, so exactly this one is required.
 clang_tool() {

@@ -1,10 +1,20 @@
 #!/usr/bin/env bash
-# Builds the Debian packages kelvora and kelvora-server, with the page for browsers, into build/package/packages.
-# "tools/package.sh windows" builds a zip and an installer for Windows into build/windows/packages instead.
+# tools/package.sh: builds the Debian packages kelvora and kelvora-server, with the page for browsers, into
+#   build/package/packages.
+# tools/package.sh windows: builds a zip and an installer for Windows into build/windows/packages.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 # shellcheck source=tools/common.sh
 source tools/common.sh
+
+case $* in
+  "" | windows) ;;
+  -h | --help)
+    usage tools/package.sh
+    exit
+    ;;
+  *) refuse tools/package.sh "$*" ;;
+esac
 
 if [ "${1-}" = windows ]; then
   # shellcheck disable=SC2086

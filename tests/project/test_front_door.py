@@ -1,0 +1,101 @@
+"""What ./check and the tools do first: they read their arguments and configure a build."""
+
+import json
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+COMMON = PROJECT / "tools" / "common.sh"
+CLANG = '"-DCMAKE_CXX_COMPILER=$(clang_tool clang++)"'  # as ./check gives it
+SCRIPTS = {"./check": PROJECT / "check", "tools/package.sh": PROJECT / "tools" / "package.sh"}
+
+
+class FrontDoor(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kelvora-door-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        (self.folder / "tools").mkdir()
+
+    def run_in_folder(self, *command):
+        return subprocess.run(command, cwd=self.folder, stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                              check=False)
+
+
+class Arguments(FrontDoor):
+    def setUp(self):
+        super().setUp()
+        shutil.copy(COMMON, self.folder / "tools")
+        for name, script in SCRIPTS.items():
+            shutil.copy(script, self.folder / name)
+
+    def expect(self, status, *command):
+        done = self.run_in_folder(*command)
+        self.assertEqual(done.returncode, status, done)
+        self.assertFalse((self.folder / "build").exists())
+        return done
+
+    def test_help(self):
+        for script in SCRIPTS:
+            for word in ("-h", "--help"):
+                done = self.expect(0, script, word)
+                self.assertIn("windows", done.stdout)
+                self.assertEqual(done.stdout.partition(" ")[0].rstrip(":"), script)
+                self.assertEqual(done.stdout.count("#"), 0)
+                self.assertEqual(done.stderr, "")
+
+    def test_wrong_words(self):
+        for script in SCRIPTS:
+            for words in (("mac",), ("windows", "fast"), ("--help", "windows"), ("--every",)):
+                done = self.expect(1, script, *words)
+                self.assertIn(f"""{script} doesn't know "{' '.join(words)}".""", done.stderr)
+                self.assertIn("windows: builds" if "package" in script else "[linux|web|windows]", done.stderr)
+        self.assertIn('"fast"', self.expect(1, "./check", "--all", "fast").stderr)
+
+
+class Configure(FrontDoor):
+    """A tiny project with a preset. Its values are lost if CMake changes the compiler of a build folder."""
+
+    def setUp(self):
+        super().setUp()
+        preset = {"name": "made", "binaryDir": "${sourceDir}/build/${presetName}", "generator": "Ninja",
+                  "cacheVariables": {"CMAKE_BUILD_TYPE": "Debug", "KEPT": "from the preset"}}
+        (self.folder / "CMakePresets.json").write_text(json.dumps({"version": 6, "configurePresets": [preset]}))
+        (self.folder / "CMakeLists.txt").write_text("cmake_minimum_required(VERSION 3.25)\nproject(tiny CXX)\n")
+        self.cache = self.folder / "build/made/CMakeCache.txt"
+        self.mark = self.cache.with_name("mark")
+        self.clang = shutil.which(self.shell("clang_tool clang++").strip())
+
+    def shell(self, command):
+        done = self.run_in_folder("bash", "-c", f'set -uo pipefail; source "{COMMON}"; {command}')
+        self.assertEqual(done.returncode, 0, done)
+        return done.stdout
+
+    def configure(self, *arguments):
+        """Configures the build. Returns the values of the cache."""
+        self.shell(" ".join(["configure made -DADDED=yes", *arguments]))
+        lines = [line for line in self.cache.read_text().splitlines() if "=" in line and line[0] not in "#/"]
+        return {name.partition(":")[0]: value for name, _, value in (line.partition("=") for line in lines)}
+
+    def test_another_call_changes_nothing(self):
+        first = self.configure(CLANG)
+        self.assertEqual(first["CMAKE_CXX_COMPILER"], self.clang)
+        self.assertEqual(first["KEPT"], "from the preset")
+        self.mark.touch()
+        for arguments in ((CLANG,), (CLANG,), ()):
+            self.assertEqual(self.configure(*arguments), first)
+            self.assertTrue(self.mark.exists())
+
+    def test_another_compiler_begins_the_build_anew(self):
+        self.configure()
+        self.mark.touch()
+        values = self.configure(CLANG)
+        self.assertEqual(values["CMAKE_CXX_COMPILER"], self.clang)
+        self.assertEqual(values["KEPT"], "from the preset")
+        self.assertFalse(self.mark.exists())
+
+
+if __name__ == "__main__":
+    unittest.main()
