@@ -33,6 +33,8 @@ esac
 """
 # Tells its surroundings, and plays until the file "quit" is there.
 GAME = """#!/bin/bash
+echo $$ >game.number
+echo "the words of the game" >&2
 printf '%s\\n' "$KELVORA_WEB_HOST" "$KELVORA_FRAME_MS" "$*" >game.told.new && mv game.told.new game.told
 until [ -f quit ]; do sleep 0.02; done
 exit 3
@@ -103,9 +105,27 @@ class Play(unittest.TestCase):
     def wait_to_hear(self, words):
         wait_for(lambda: words in self.said(), words)
 
+    def kill(self, name, number):
+        """Kills a child of the script, which tells of it in its own words."""
+        status = pathlib.Path("/proc", number, "status").read_text(encoding="utf-8")
+        self.assertIn(f"PPid:\t{self.process.pid}\n", status)
+        os.kill(int(number), signal.SIGKILL)
+        self.wait_to_hear(f"==> {name} was ended by the signal KILL\n")
+
+    def assert_only_own_words(self):
+        self.assertNotRegex(self.said(), r"play: line|Killed|Terminated")
+
+    def server_number(self):
+        """The process of the server that the script has started."""
+        children = pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children").read_text().split()
+        server, = (child for child in children
+                   if pathlib.Path("/proc", child, "cmdline").read_bytes().split(b"\0")[0].endswith(b"kelvora-server"))
+        return server
+
     def test_the_game_does_not_wait_for_the_page(self):
         self.play("nosound")
         self.assertEqual(self.told(), [f"127.0.0.1:{self.port}", "10", "nosound"])
+        self.assertIn("the words of the game\n", self.said())
         self.assertIn(ARENA, self.page())
         self.write("page", "<p>page</p>")
         self.wait_to_hear(f"Play in a browser, too: http://127.0.0.1:{self.port}/")
@@ -121,6 +141,39 @@ class Play(unittest.TestCase):
         self.told()
         self.assertIn(f"Play in a browser, too: http://127.0.0.1:{self.port}/", self.said())
         self.assertEqual(self.page(), "<p>before</p>")
+
+    def test_the_dialogs_server_is_told(self):
+        self.play()
+        self.told()
+        self.assertIn(f"its dialog needs your name, the server address 127.0.0.1 and the port {self.port}\n", self.said())
+
+    def test_the_game_outlives_a_killed_server(self):
+        self.write("page", "<p>page</p>")
+        self.play()
+        self.told()
+        self.kill("The server", self.server_number())
+        self.wait_to_hear("==> Quit the game and run ./play again for a new server\n")
+        self.assertIsNone(self.process.poll())
+        self.write("quit")
+        self.assertEqual(self.process.wait(60), 3, "the game's own status")
+        self.assert_only_own_words()
+
+    def test_the_game_outlives_a_stopped_server(self):
+        self.play()
+        self.told()
+        os.kill(int(self.server_number()), signal.SIGTERM)
+        self.wait_to_hear("==> The server has ended\n==> Quit the game and run ./play again for a new server\n")
+        self.assertIsNone(self.process.poll())
+        self.write("quit")
+        self.assertEqual(self.process.wait(60), 3, "the game's own status")
+
+    def test_a_killed_game_ends_the_server(self):
+        self.play()
+        self.told()
+        self.kill("The game", (self.folder / "game.number").read_text().strip())
+        self.assertEqual(self.process.wait(60), 128 + signal.SIGKILL)
+        self.assertIsNone(self.page())
+        self.assert_only_own_words()
 
     def test_the_end_of_the_game_ends_the_building(self):
         self.play()
@@ -193,6 +246,14 @@ class Play(unittest.TestCase):
         self.process.send_signal(signal.SIGINT)
         self.assertEqual(self.process.wait(60), 130)
         self.assertIsNone(self.page())
+
+    def test_web_tells_of_a_killed_server(self):
+        self.write("page", "<p>page</p>")
+        self.play("web")
+        self.wait_to_hear("Ctrl+C stops the server")
+        self.kill("The server", self.server_number())
+        self.assertEqual(self.process.wait(60), 128 + signal.SIGKILL)
+        self.assert_only_own_words()
 
     def test_web_passes_options_to_the_server(self):
         self.write("page", "<p>page</p>")
