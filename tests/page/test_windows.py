@@ -133,10 +133,11 @@ class Windows(PageTest):
 
     def test_a_long_note_can_be_scrolled_into_sight(self):
         # It fits into the column, but not into the room that the others leave.
-        _, page = self.begin("--notes", "i" * 125)
+        text = "i" * 125
+        _, page = self.begin("--notes", text)
         page.press_button("Get List", "dialog('Connect')")
-        page.wait_for("all('td').length")
-        note = "all('td').at(-1)"
+        note = f"by('td', '{text}')"
+        page.wait_for(note)
         self.assertTrue(page.see(f"{note}.scrollWidth <= {note}.clientWidth"), "a note that is cut")
         self.assertTrue(page.see("((grid) => grid.scrollWidth > grid.clientWidth)(document.querySelector('.grid'))"))
 
