@@ -9,7 +9,7 @@
 namespace kelvora::modMain {
 
 // Limits on what a server can make the client store, in total. They are far above what any game needs, and keep a
-// hostile server from filling the memory or making a frame last for ever. Anything beyond a limit is dropped, or ends
+// hostile server from filling the memory or making a frame last forever. Anything beyond a limit is dropped, or ends
 // its message with a fault.
 inline constexpr std::size_t maxTailVertices = 250'000;       ///< of all players
 inline constexpr std::size_t maxQueuedPositions = 1'000'000;  ///< of all players and network particles

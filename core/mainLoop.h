@@ -2,7 +2,7 @@
 
 namespace kelvora::modMain {
 
-/// Runs frames for ever: a frame if the socket is connected, then all events. Never returns.
+/// Runs frames forever: a frame if the socket is connected, then all events. Never returns.
 void mainLoop();
 /// Runs one frame: moves players, paints, moves particles. Processes no events.
 void runFrame();

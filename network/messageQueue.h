@@ -10,7 +10,7 @@
 namespace kelvora {
 
 /// Received messages that wait to be handled, numbered from 1 in order of arrival. An entry holds a frame without its
-/// start byte, and is ready when its last byte is the frame's end. Entries that never become ready stay for ever, so
+/// start byte, and is ready when its last byte is the frame's end. Entries that never become ready stay forever, so
 /// the cost of finding, taking and removing doesn't depend on their number.
 ///
 /// Two limits keep a hostile server from filling the memory, both far above any real message. An entry stores its first

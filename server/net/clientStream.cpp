@@ -124,8 +124,8 @@ void ClientStream::discardUnread() { state_->socket().discardUnread(); }
 void ClientStream::close() {
   state_->socket().close();
   if (!isWebSocket()) return;
-  // Operations of a WebSocket can wait for each other for ever. Destroying the
-  // stream cancels them, once the socket's own have completed.
+  // Operations of a WebSocket can wait for each other forever. Destroying the stream cancels them, once the socket's
+  // own have completed.
   asio::post(executor(), [state = state_] { state->stream.emplace<std::monostate>(); });
 }
 

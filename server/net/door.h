@@ -15,16 +15,12 @@ class Door {
   static constexpr double burst = 32;
   static constexpr std::size_t maxNetworks = 4096;  ///< maximum number of networks remembered
 
-  /// True if a new connection may come in. Call `left` when an admitted one ends.
-  [[nodiscard]] bool admits(const std::string& network, Millis now) {
-    return allowsConnection(network, now) && takesIn(network, now);
-  }
   /// True if the network has fewer connections than it may have.
   bool hasPlace(const std::string& network) const;
-  /// True if the network may make a new connection now, apart from how many it has.
+  /// Charges the network for a new connection. False if it makes them too fast.
   [[nodiscard]] bool allowsConnection(const std::string& network, Millis now);
-  /// The same as `admits` for a connection that isn't new, as of a proxy that has served somebody else on it. Always
-  /// true without a limit.
+  /// Takes a connection in without charging for a new one, such as a proxy's that has served another client. Always
+  /// true without a limit. Otherwise false if the network has no place. Call `left` when the connection ends.
   [[nodiscard]] bool takesIn(const std::string& network, Millis now, bool isLimited = true);
   void left(const std::string& network);
 

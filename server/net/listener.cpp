@@ -110,7 +110,7 @@ void Listener::acceptMore(Entrance& entrance) {
     if (!error && std::exchange(isFailing_, false)) handlers_.onRecovery();
     if (!error) handlers_.onConnection(std::move(socket));
     if (!error || error == asio::error::connection_aborted) return acceptMore(entrance);
-    // Trying again at once would loop for ever.
+    // Trying again at once would loop forever.
     entrance.isAccepting = false;
     if (!std::exchange(isFailing_, true)) handlers_.onFailure(errorText(error));
   });

@@ -25,7 +25,7 @@ class Worker {
  private:
   void run();
 
-  std::mutex mutex_;  // guards the following three
+  std::mutex mutex_;  // guards jobs_, isEnding_ and the start of thread_
   std::condition_variable changed_;
   std::deque<std::function<void()>> jobs_;
   bool isEnding_ = false;

@@ -80,7 +80,7 @@ TEST_F(ConcurrentSettings, AWriteSeesOtherRunsRecentWrites) {
   EXPECT_EQ(readInLaterRun("port"), "2011");
 }
 
-TEST_F(ConcurrentSettings, WaitForAnotherWriterButNotForEver) {
+TEST_F(ConcurrentSettings, WaitForAnotherWriterButNotForever) {
   write("before", "of old");
   const Shared<std::atomic<bool>> isHeld;
   OtherRun frozen([&] {

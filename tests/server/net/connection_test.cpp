@@ -33,7 +33,7 @@ class ConnectionLimits : public testing::TestWithParam<bool> {
     if (closed.empty()) connection->close("over");
     settle();
     EXPECT_FALSE(closed.empty());
-    EXPECT_EQ(connection.use_count(), 1) << "nothing is under way for ever";
+    EXPECT_EQ(connection.use_count(), 1) << "nothing is under way forever";
   }
 
   void settle() {
