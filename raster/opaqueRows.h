@@ -4,7 +4,8 @@
 
 namespace kelvora {
 
-// The highest byte of the game's pixels is 0, which a window's image with an alpha channel would show as transparent.
+// The game's pixels have 0 in their highest byte. A window's image with an alpha channel would show them as
+// transparent.
 
 /// Copies as `copyRows` does, with 255 in the highest byte of each pixel.
 void copyOpaque(const Rows& rows);

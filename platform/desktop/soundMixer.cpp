@@ -36,17 +36,17 @@ bool SoundMixer::post(Command command) {
   return true;
 }
 
-void SoundMixer::await() {
+void SoundMixer::loadNow() {
   {
     const std::lock_guard lock(mutex_);
-    isAwaited_ = true;
+    isEffectWaiting_ = true;
   }
   arrived_.notify_one();
 }
 
 void SoundMixer::work() {
   std::unique_lock lock(mutex_);
-  arrived_.wait_for(lock, calm, [this] { return closing_ || isAwaited_; });
+  arrived_.wait_for(lock, loadDelay, [this] { return closing_ || isEffectWaiting_; });
   if (closing_) return;
   lock.unlock();
   const std::unique_ptr<MixerDevice> device = openMixerDevice(module_);
@@ -95,8 +95,8 @@ void SoundMixer::silenceEffect(int channel, bool silent) {
 }
 
 void SoundMixer::startEffect(int channel) {
-  await();
-  post([channel, latest = Clock::now() + patience_](MixerDevice& device) {
+  loadNow();
+  post([channel, latest = Clock::now() + maxDelay_](MixerDevice& device) {
     if (Clock::now() <= latest) device.wake();
     if (Clock::now() <= latest) device.startEffect(channel);
   });

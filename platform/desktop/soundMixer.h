@@ -22,18 +22,18 @@ class MixerDevice;
 /// windows. Game code never runs on this thread.
 class SoundMixer {
  public:
-  /// The patience of the game.
-  static constexpr std::chrono::milliseconds usualPatience{500};
+  /// The default for how late an effect may start.
+  static constexpr std::chrono::milliseconds maxEffectDelay{500};
   /// How long after the first file the module is loaded, unless an effect is played.
-  static constexpr std::chrono::milliseconds calm{400};
+  static constexpr std::chrono::milliseconds loadDelay{400};
   /// How often the device may rest. It closes after one or two of these without a sound.
   static constexpr std::chrono::milliseconds usualRest{5000};
 
   /// `module` is the path of the mixer's module. Without it, or without a sound device, everything is silent. Effects
-  /// that couldn't be started within `patience` are dropped, because a late sound would confuse.
-  explicit SoundMixer(std::string module = soundModulePath(), std::chrono::milliseconds patience = usualPatience,
+  /// that couldn't be started within `maxDelay` are dropped, because a late sound would confuse.
+  explicit SoundMixer(std::string module = soundModulePath(), std::chrono::milliseconds maxDelay = maxEffectDelay,
                       std::chrono::milliseconds rest = usualRest)
-      : module_(std::move(module)), patience_(patience), rest_(rest) {}
+      : module_(std::move(module)), maxDelay_(maxDelay), rest_(rest) {}
   ~SoundMixer();
   SoundMixer(const SoundMixer&) = delete;
   SoundMixer& operator=(const SoundMixer&) = delete;
@@ -56,21 +56,21 @@ class SoundMixer {
 
   /// Queues a command for the thread. False if no thread can be started.
   bool post(Command command);
-  /// Ends the calm early, because an effect is waiting for the device.
-  void await();
+  /// Loads the module without further delay, because an effect is waiting for the device.
+  void loadNow();
   void work();
   /// Sets the track's state, unless another track has been requested since.
   bool noteMusic(int track, PlayState state);
 
   const std::string module_;
-  const std::chrono::milliseconds patience_;
+  const std::chrono::milliseconds maxDelay_;
   const std::chrono::milliseconds rest_;
   std::vector<bool> channels_;  ///< true if in use
   mutable std::mutex mutex_;    ///< guards everything below; never held during calls of the device
   std::condition_variable arrived_;
   std::deque<Command> commands_;
   bool closing_ = false;
-  bool isAwaited_ = false;               ///< an effect is waiting for the device
+  bool isEffectWaiting_ = false;         ///< for the device
   const MixerDevice* device_ = nullptr;  ///< set once loaded; lives as long as the thread
   int track_ = 0;                        ///< counts the music commands
   PlayState musicState_ = psReady;

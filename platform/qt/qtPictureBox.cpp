@@ -63,7 +63,7 @@ class PictureBoxPeer : public WidgetPeer {
     showPointer();
   }
 
-  /// At once, not at the next turn of the event loop, because the next frame begins now.
+  /// Presents at once: the next frame begins before the event loop runs.
   void present() override {
     if (!widget() || isCovered(*widget()->window())) return;
     const std::span<const PixelArea> changes = box_.takeChanges();

@@ -9,10 +9,9 @@ class QWidget;
 
 namespace kelvora {
 
-/// Copies the picture's areas straight into the window's image, and shows the tiles that differ there. Returns the
-/// number of their pixels. A painter takes many times as long: it blends what it clips and converts the pixels first.
-/// Shows nothing and returns nothing where only a painter gives the right picture: on covered widgets and scaled
-/// screens. The widget shows the picture in its upper left corner.
+/// Copies the areas' tiles that differ into the window's image and shows them. Returns how many pixels they have, or
+/// nothing if only a painter gives the right picture: the widget is covered or the screen scaled. The widget shows the
+/// picture in its upper left corner. A painter takes many times as long.
 std::optional<int> copyToWindow(const QWidget& widget, const PictureBox& box, std::span<const PixelArea> areas);
 
 }  // namespace kelvora

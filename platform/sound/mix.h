@@ -28,7 +28,7 @@ class Track {
   virtual bool read(std::span<std::int16_t> stereo) = 0;
 };
 
-/// Adds up one effect per channel and one track. Thread-safe.
+/// Adds up one effect per channel and one track. Channels are 0 or more. Thread-safe.
 class Mix {
  public:
   /// The channel's new effect is neither playing nor silenced.
@@ -51,7 +51,7 @@ class Mix {
  private:
   struct Channel {
     Effect effect;
-    std::size_t next = 0;  ///< sample to play; as many as there are if it isn't playing
+    std::size_t next = 0;  ///< index of the next sample; the number of samples if it isn't playing
     bool isSilent = false;
   };
 

@@ -4,8 +4,8 @@
 
 namespace kelvora {
 
-/// The sound device: a channel for each effect, and one music track. Used by one thread, which it may block. Without a
-/// device every call does nothing. One may exist at a time.
+/// The sound device: a channel, 0 or more, for each effect, and one music track. Used by one thread, which it may
+/// block. Without a device every call does nothing. One may exist at a time.
 class MixerDevice {
  public:
   virtual ~MixerDevice() = default;

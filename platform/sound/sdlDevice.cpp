@@ -68,7 +68,7 @@ class SdlDevice final : public MixerDevice {
   Mix mix_;
   std::map<int, Unheard> unheard_;  ///< by channel: effects that haven't been played, and so aren't loaded
   SDL_AudioDeviceID device_ = 0;    ///< 0 while closed
-  Clock::time_point nextTry_{};     ///< not before, because the last one failed
+  Clock::time_point nextTry_{};     ///< earliest time of the next attempt after a failed one
   bool wasHeard_ = false;           ///< since the last rest
 };
 
@@ -145,7 +145,7 @@ void SdlDevice::close() {
   device_ = 0;
 }
 
-/// Today's default device replaces a lost one. If there is none, everything stops.
+/// Reopens the current default device if the old one is lost. If there is none, stops everything.
 void SdlDevice::wake() {
   wasHeard_ = true;
   if (device_ != 0 && SDL_GetAudioDeviceStatus(device_) == SDL_AUDIO_STOPPED) close();

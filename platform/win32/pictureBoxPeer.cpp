@@ -30,7 +30,7 @@ class PictureBoxPeer : public ControlPeer {
     painter.pictureParts(place.left, place.top, box_.pixels(), box_.pixelWidth(), box_.pixelHeight(), areas);
   }
 
-  /// At once, because the next frame begins now.
+  /// Presents at once: the next frame begins before the event loop runs.
   void present() override {
     const auto changes = box_.takeChanges();
     if (!changes.empty() && isShown() && form().isShown()) form().presentNow(*this, changes);
