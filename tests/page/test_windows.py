@@ -132,7 +132,7 @@ class Windows(PageTest):
         page.wait_for_status("Connected")
 
     def test_a_long_note_can_be_scrolled_into_sight(self):
-        # It fits into the column, but not into the room that the others leave.
+        # It is wider than the room that the other columns leave.
         text = "i" * 125
         _, page = self.begin("--notes", text)
         page.press_button("Get List", "dialog('Connect')")

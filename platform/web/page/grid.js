@@ -41,16 +41,14 @@ const gridProperties = {
   Col: (control, value) => { control.column = value; showChosen(control); },
 };
 
-// Cuts the last column at the edge if its texts still fit, so that no scroll bar is needed.
+// Cuts the last column at the edge, so that no scroll bar is needed. Longer texts widen it again.
 function cutLastColumn({element, table, widths}) {
-  if (element.clientWidth === 0) return;  // hidden
   const cells = [...table.rows].map((row) => row.lastChild);
   const setWidth = (width) => { for (const cell of cells) cell.style.width = width + 'px'; };
   setWidth(0);  // no horizontal scroll bar takes some of the height
   const full = widths[widths.length - 1];
   const room = widths.reduce((rest, width) => rest - width, element.clientWidth) + full;
-  setWidth(Math.min(room, full));
-  if (cells.some((cell) => cell.scrollWidth > cell.clientWidth)) setWidth(full);
+  setWidth(Math.max(0, Math.min(room, full)));
 }
 
 function showChosen(control) {
