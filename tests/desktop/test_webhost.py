@@ -7,6 +7,7 @@ import unittest
 import urllib.request
 
 import harness
+import wine
 from finderTest import FINDER, FinderTest
 from harness import TWIPS
 from ports import free_port
@@ -266,6 +267,8 @@ class Finder(WebTest):
         self.answer_box(box)
         harness.wait_for(lambda: set(client.windows()) == {harness.TITLE, "Connect"}, "the finder's end")
 
+    # In Wine, no window has the keyboard after one that closes before the window manager has heard of its focus.
+    @unittest.skipIf(wine.is_for_windows(harness.CLIENT), "Wine loses the focus")
     def test_the_dialog_has_the_keyboard_after_a_refused_name(self):
         host = self.web_host()
         client = self.start_client(web_host=host.name)
