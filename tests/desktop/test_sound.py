@@ -44,14 +44,18 @@ def share_heard(name, heard):
     return found / len(pieces(name))
 
 
-def plays_at(samples, at, heard):
-    """True if the recording, some samples after its first sound, is the track within a tenth of a second of there.
-    Decoders round differently, and start differently many samples before the first."""
+def is_at(samples, at, part):
+    """True if the part is in the track here, up to half a second before, or up to a tenth after. Decoders round
+    differently, and start differently many samples before the first. A busy sound server delays the rest."""
+    return max(part) > 100 and any(all(abs(a - b) <= 8 for a, b in zip(part, samples[begin:begin + len(part)]))
+                                   for begin in range(at - ears.RATE // 2, at + ears.RATE // 10))
+
+
+def plays_from_its_start(samples, heard):
+    """True if at least half of ten parts of the recording are the track's. A busy sound server leaves gaps."""
     first = next(index for index, sample in enumerate(heard) if sample)
-    part = heard[first + at:first + at + 500]
-    assert max(part) > 100, "loud enough to tell tracks apart"
-    return any(all(abs(a - b) <= 8 for a, b in zip(part, samples[begin:begin + len(part)]))
-               for begin in range(at - ears.RATE // 10, at + ears.RATE // 10))
+    places = range(ears.RATE // 2, 3 * ears.RATE, ears.RATE // 4)
+    return sum(is_at(samples, at, heard[first + at:first + at + 500]) for at in places) >= len(places) / 2
 
 
 class Sound(DesktopTest):
@@ -100,8 +104,8 @@ class Sound(DesktopTest):
         wait_for(lambda: any(self.ears.heard()), "the music")
         self.listen(3)
         heard = self.ears.heard()
-        self.assertEqual(sum(all(plays_at(track(name), at, heard) for at in (ears.RATE, 2 * ears.RATE))
-                             for name in TRACKS[1:5]), 1, "one of the second to the fifth track")
+        self.assertEqual(sum(plays_from_its_start(track(name), heard) for name in TRACKS[1:5]), 1,
+                         "one of the second to the fifth track")
         client.choose(MENU, "Down", "Right", "Return")
         wait_for(lambda: not any(self.listen(1)), "silence")
         self.command(client, line, "~playmusic:0")
