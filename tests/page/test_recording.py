@@ -16,12 +16,20 @@ NAME = re.compile(r"kelvora-[-0-9T]+\.recording$")
 
 class Recording(PageTest):
 
-    def saved(self, page):
-        """Chooses the menu and returns the file that the browser has downloaded."""
-        folder = pathlib.Path(self.browser.folder.name, "downloads")
+    def begin_recording(self, *options):
+        """The real server and a page from it that records."""
+        server, page = self.begin(*options)
+        page.press_button("Cancel", "dialog('Connect')")
+        page.choose("Record")
+        wait_for(lambda: self.is_loaded_to_record(page), "the page that records")
+        return server, page
+
+    def saved(self, press):
+        """Presses what saves the recording. Returns the file that the browser has downloaded."""
+        folder = pathlib.Path(self.browser.folder.name, self._testMethodName)
         folder.mkdir()
         self.browser.save_downloads(folder)
-        page.choose("Save recording")
+        press()
 
         def whole():
             # A browser downloads under another name. Meanwhile an empty file may have the final one.
@@ -42,10 +50,7 @@ class Recording(PageTest):
         return subprocess.run([REPLAY, "--verify", file], stdin=subprocess.DEVNULL, capture_output=True, text=True)
 
     def test_a_recorded_match_is_the_same_on_the_desktop(self):
-        server, page = self.begin("--bots", "3")
-        page.press_button("Cancel", "dialog('Connect')")
-        page.choose("Record")
-        wait_for(lambda: self.is_loaded_to_record(page), "the page that records")
+        server, page = self.begin_recording("--bots", "3")
         spy = Spy(server.port, "Spy")
         self.addCleanup(spy.close)
         page.connect()
@@ -61,14 +66,30 @@ class Recording(PageTest):
         page.choose("File", "Disconnect")
         page.wait_for_status("Closed")
         self.assertEqual(page.complaints(), [])
-        file = self.saved(page)
-        done = self.verify(file)
+        done = self.verify(self.saved(lambda: page.choose("Save recording")))
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
         frames = int(done.stdout.split(" frames in")[0].split()[-1])
         self.assertGreater(frames, 300, done.stdout)
         # The next load is an ordinary one.
         page.reload()
         page.wait_for("by('.menubar button', 'Record') && dialog('Connect')")
+
+    def test_a_game_that_has_ended_can_be_saved(self):
+        _, page = self.begin_recording()
+        page.press_button("Cancel", "dialog('Connect')")
+        page.choose("File", "Exit")
+        save = "by('#end .button', 'Save recording')"
+        left, _, width, height = page.place(save)
+        page.keep("ended")
+        # The size of a message box's button: 26 pixels high, at least 80 wide, with 12 beside the text and an edge of 1.
+        self.assertEqual(height, 26)
+        self.assertGreaterEqual(width, 80)
+        text = page.see("((range) => (range.selectNodeContents(" + save + "), range.getBoundingClientRect().toJSON()))"
+                        "(document.createRange())")
+        self.assertAlmostEqual(text["left"] - left, 13, delta=0.1)
+        self.assertAlmostEqual(left + width - text["right"], 13, delta=0.1)
+        done = self.verify(self.saved(lambda: page.click_on(save)))
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
 
     def test_a_connected_player_is_not_thrown_out(self):
         _, page = self.begin()
