@@ -27,29 +27,18 @@ const gridProperties = {
         cell.textContent = text;
         cell.dataset.row = y;
         cell.dataset.column = x;
-        cell.style.width = widths[x] + 'px';
+        // The last column takes the remaining room, or more if its texts are longer.
+        if (x + 1 < widths.length) cell.style.width = cell.style.minWidth = widths[x] + 'px';
         cell.style.textAlign = alignments[x];
         return cell;
       }));
       return line;
     }));
-    control.widths = widths;
-    cutLastColumn(control);
     showChosen(control);
   },
   Row: (control, value) => { control.row = value; showChosen(control); },
   Col: (control, value) => { control.column = value; showChosen(control); },
 };
-
-// Cuts the last column at the edge, so that no scroll bar is needed. Longer texts widen it again.
-function cutLastColumn({element, table, widths}) {
-  const cells = [...table.rows].map((row) => row.lastChild);
-  const setWidth = (width) => { for (const cell of cells) cell.style.width = width + 'px'; };
-  setWidth(0);  // no horizontal scroll bar takes some of the height
-  const full = widths[widths.length - 1];
-  const room = widths.reduce((rest, width) => rest - width, element.clientWidth) + full;
-  setWidth(Math.max(0, Math.min(room, full)));
-}
 
 function showChosen(control) {
   for (const cell of control.table.querySelectorAll('td')) {

@@ -146,9 +146,7 @@ function showWindow(control) {
     placeFirst(control);
   }
   nameFields(control);
-  // Hidden ones had no size.
-  control.client.querySelectorAll('.label').forEach(tightenLine);
-  for (const other of controls.values()) if (other.kind === 'Grid') cutLastColumn(other);
+  control.client.querySelectorAll('.label').forEach(tightenLine);  // hidden ones had no size
   raiseWindow(control);
   const first = [...control.client.querySelectorAll('[tabindex]')]
     .filter((element) => element.tabIndex > 0).sort((a, b) => a.tabIndex - b.tabIndex)[0];
