@@ -190,9 +190,10 @@ def measured(figure, text):
 def row(command, figure, value):
     """A line of the table."""
     what, goal, unit, _ = figure
-    today = f"{value:.3g}" if value < 1000 else f"{value:.0f}"
+    today = f"{value:.3g}" if value < 999.5 else f"{value:.0f}"
+    shown = float(today)  # the goal is for the rounded figure
     words = f"{goal[0]} {goal[1]}" if goal else ""
-    missed = goal and (value < goal[1] if goal[0] == AT_LEAST else value > goal[1])
+    missed = goal and (shown < goal[1] if goal[0] == AT_LEAST else shown > goal[1])
     parts = (what, f"{words} {unit}".strip() if goal else "", f"{today} {unit}".strip(), f"`{command}`")
     return "| {} | {} | {}{} | {} |\n".format(*parts[:3], ", **missed**" if missed else "", parts[3])
 

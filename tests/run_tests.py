@@ -179,6 +179,7 @@ def main():
     arguments = parse_arguments()
     build = arguments.build.resolve()
     record, results = build / "passed.json", build / "tests.xml"
+    results.unlink(missing_ok=True)
     tests = listed(build)
     if not tests:
         sys.exit(f"{arguments.build} has no tests. Configure the build with -DKELVORA_TESTS=ON, then build it.")
@@ -186,7 +187,6 @@ def main():
     numbers = [str(number) for name, (number, _) in tests.items() if name not in passed]
     print(f"{len(passed)} of {len(tests)} tests have passed on the same inputs before", flush=True)
     record.write_text(json.dumps(passed))
-    results.unlink(missing_ok=True)
     if not numbers:
         return 0
     status = subprocess.run(["ctest", "--test-dir", build, "-j", str(arguments.jobs), "--timeout", "300",

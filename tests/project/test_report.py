@@ -19,6 +19,13 @@ class Report(unittest.TestCase):
             today = line.split(" | ")[2].split()[0].rstrip(",")
             self.assertEqual(line, report.row(command, figure, float(today)))
 
+    def test_a_figure_is_rounded_before_it_is_held_against_its_goal(self):
+        for value, goal, cell in ((3.996, (report.AT_LEAST, 4), "4 ms"), (3.994, (report.AT_LEAST, 4), "3.99 ms, **missed**"),
+                                  (1.504, (report.AT_MOST, 1.5), "1.5 ms"), (1.506, (report.AT_MOST, 1.5), "1.51 ms, **missed**"),
+                                  (999.4, None, "999 ms"), (999.6, None, "1000 ms"), (2583.2, None, "2583 ms")):
+            with self.subTest(value):
+                self.assertEqual(report.row("bench", ("sum", goal, "ms", ""), value).split(" | ")[2], cell)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -22,7 +22,7 @@ class Arguments(unittest.TestCase):
         (self.build / "CTestTestfile.cmake").write_text(tests)
 
     def said_with(self, status, *words):
-        """What the script says that ends with this status."""
+        """The words of the script, which ends with this status."""
         done = subprocess.run([sys.executable, "-B", SCRIPT, *words], check=False, text=True, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT)
         self.assertEqual(done.returncode, status, done.stdout)
@@ -48,15 +48,19 @@ class Arguments(unittest.TestCase):
             self.assertIn(self.USAGE, self.said_with(0, word))
 
     def test_a_build_without_tests_fails(self):
+        self.said_with(0, self.build, "2")
         self.define("")
         self.assertIn(f"{self.build} has no tests. Configure the build with -DKELVORA_TESTS=ON",
                       self.said_with(1, self.build, "2"))
+        self.assertFalse((self.build / "tests.xml").exists())  # these would be the results of the run before
 
     def test_a_build_whose_tests_cannot_be_read_fails(self):
+        self.said_with(0, self.build, "2")
         self.define("add_test(")
         said = self.said_with(1, self.build, "2")
         self.assertIn("CTestTestfile.cmake", said)
         self.assertIn(f"could not list the tests of {self.build}", said)
+        self.assertFalse((self.build / "tests.xml").exists())
 
 
 if __name__ == "__main__":
