@@ -20,4 +20,6 @@ with tempfile.TemporaryDirectory(prefix="kelvora-wine-") as folder:
                                 stdin=subprocess.DEVNULL, check=False).returncode
     finally:
         wine.end(prefix)
+if status:
+    print(f"the program ended with status {status}", flush=True)
 sys.exit(status)

@@ -3,7 +3,6 @@
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QWidget>
 #include <algorithm>
 #include <cstdio>
@@ -53,10 +52,10 @@ bool isAlone() {
 }
 
 void compareFrames() {
-  // The screen shows a closed window until the game has heard of it.
-  static QElapsedTimer alone;
-  if (!isAlone() || !alone.isValid()) alone.start();
-  if (!alone.hasExpired(1000)) return;
+  // The screen shows a closed window until the game has heard of its end.
+  static bool isUncovered = false;
+  isUncovered = isAlone() && (isUncovered || stalePixels(frmMain->canvas) + stalePixels(frmMain->picRadar) == 0);
+  if (!isUncovered) return;
   static Watch canvas("canvas", frmMain->canvas), radar("radar", frmMain->picRadar);
   canvas.compare();
   radar.compare();

@@ -19,6 +19,13 @@ constexpr const wchar_t* walkVariable = L"KELVORA_WALK";
 constexpr auto maxWalkLength = std::chrono::minutes(4);
 constexpr int tookTooLong = 5;  // exit status
 
+/// Ends the test if the system refuses something.
+void require(BOOL result, const char* call) {
+  if (result != FALSE) return;
+  std::fprintf(stderr, "%s failed with error %lu\n", call, GetLastError());
+  std::abort();
+}
+
 /// The steps of this process, if it is a walk.
 bool stepsHere(Steps& found) {
   const wchar_t* text = _wgetenv(walkVariable);
@@ -54,7 +61,7 @@ Ended runApart(const Steps& sequence) {
   SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
   HANDLE reader = nullptr;
   HANDLE writer = nullptr;
-  if (CreatePipe(&reader, &writer, &inheritable, 0) == FALSE) std::abort();
+  require(CreatePipe(&reader, &writer, &inheritable, 0), "CreatePipe");
   SetHandleInformation(reader, HANDLE_FLAG_INHERIT, 0);
   STARTUPINFOW how{};
   how.cb = sizeof how;
@@ -64,9 +71,8 @@ Ended runApart(const Steps& sequence) {
   PROCESS_INFORMATION started{};
   wchar_t program[MAX_PATH] = {};
   GetModuleFileNameW(nullptr, program, MAX_PATH);
-  if (CreateProcessW(program, nullptr, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &how, &started) == FALSE) {
-    std::abort();
-  }
+  require(CreateProcessW(program, nullptr, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &how, &started),
+          "CreateProcess");
   SetEnvironmentVariableW(walkVariable, nullptr);
   CloseHandle(writer);
   Ended ended;
