@@ -15,7 +15,7 @@
 #include "server/arena/arena.h"
 #include "server/bots/bot.h"
 #include "tests/match/replay.h"
-#include "tests/support/slowBuild.h"
+#include "tests/support/shortTests.h"
 #include "tests/support/wireMessage.h"
 
 namespace kelvora {
@@ -26,7 +26,7 @@ using server::ClientId;
 using server::PlayerView;
 using server::SkillLevel;
 
-constexpr int roundsToPlay = isSlowBuild ? 10 : 100;
+constexpr int roundsToPlay = hasShortTests ? 10 : 100;
 constexpr Millis maxRoundTime = 180'000 + 12'000;
 constexpr ClientId botCount = 6;
 constexpr ClientId spectator = 7;
@@ -153,7 +153,7 @@ TEST(BotRounds, AHundredRoundsEndWithBalancedCredits) {
 TEST(BotRounds, ClientsSeeThemAsTheServerDoes) {
   // Six extra rounds, because a client takes about half a second for each.
   for (const unsigned seed : {2U, 3U, 4U}) {
-    if (isSlowBuild && seed > 2) break;
+    if (hasShortTests && seed > 2) break;
     BotMatch match(seed, true);
     ASSERT_TRUE(match.playRound());
     ASSERT_TRUE(match.playRound());

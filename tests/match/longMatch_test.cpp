@@ -14,7 +14,7 @@
 #include "rendering/frmGfx.h"
 #include "server/arena/arena.h"
 #include "tests/support/gameTest.h"
-#include "tests/support/slowBuild.h"
+#include "tests/support/shortTests.h"
 #include "tools/headless/heap.h"
 
 // A long match: the real client, the real rules of the server and five other players, in one process and on a clock set
@@ -154,7 +154,7 @@ class LongMatch : public GameTest, public server::ArenaOutput {
 
 TEST_F(LongMatch, HalfAnHourOfSixPlayersStaysBoundedAndConsistent) {
   join();
-  constexpr int minutes = isSlowBuild ? 6 : 30;
+  constexpr int minutes = hasShortTests ? 6 : 30;
   std::vector<std::int64_t> heapByMinute;
   double maxTailLength = 0;
   std::size_t maxQueueLength = 0;

@@ -14,7 +14,7 @@
 #include "protocol/messages.h"
 #include "server/arena/arena.h"
 #include "tests/match/replay.h"
-#include "tests/support/slowBuild.h"
+#include "tests/support/shortTests.h"
 #include "tests/support/wireMessage.h"
 
 namespace kelvora {
@@ -241,7 +241,7 @@ TEST(RulesReplay, NobodyElseDiesWhenALoserLeaves) { expectTruthWithout(3, 1); }
 
 TEST(RulesReplay, CaptureSurvivesItsWinnersDeparture) { expectTruthWithout(2, 2); }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, MeleeReplay, testing::Range(1U, isSlowBuild ? 2U : 3U));
+INSTANTIATE_TEST_SUITE_P(Seeds, MeleeReplay, testing::Range(1U, hasShortTests ? 2U : 3U));
 
 }  // namespace
 }  // namespace kelvora

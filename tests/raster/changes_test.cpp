@@ -9,7 +9,7 @@
 
 #include "raster/surface.h"
 #include "tests/raster/referenceSurface.h"
-#include "tests/support/slowBuild.h"
+#include "tests/support/shortTests.h"
 
 namespace kelvora {
 namespace {
@@ -88,7 +88,7 @@ TEST(Changes, KeepACopyEqualToTheImage) {
   const auto colour = [&] { return RGB(draw(0, 255), draw(0, 255), draw(0, 255)); };
   Surface surface;
   std::vector<Pixel> copy;
-  constexpr int steps = isSlowBuild ? 5'000 : 20'000;
+  constexpr int steps = hasShortTests ? 5'000 : 20'000;
   for (int run = 0; run < steps; ++run) {
     const int width = surface.pixelWidth();
     const int height = surface.pixelHeight();

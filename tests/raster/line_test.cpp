@@ -8,7 +8,7 @@
 
 #include "raster/surface.h"
 #include "tests/raster/referenceSurface.h"
-#include "tests/support/slowBuild.h"
+#include "tests/support/shortTests.h"
 
 namespace kelvora {
 namespace {
@@ -265,7 +265,7 @@ TEST(Line, KeepsItsSlopeHoweverFarAwayItsEndsAre) {
   const auto between = [&](double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(draws);
   };
-  constexpr int lines = isSlowBuild ? 2'000 : 10'000;
+  constexpr int lines = hasShortTests ? 2'000 : 10'000;
   int seen = 0;
   for (int i = 0; i < lines; ++i) {
     Surface surface = blank(120, 90);

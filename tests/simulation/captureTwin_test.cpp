@@ -11,7 +11,7 @@
 #include "audio/soundMan.h"
 #include "rendering/frmGfx.h"
 #include "tests/support/gameTest.h"
-#include "tests/support/slowBuild.h"
+#include "tests/support/shortTests.h"
 
 namespace kelvora {
 namespace {
@@ -292,7 +292,7 @@ class CaptureTwin : public GameTest {
 };
 
 TEST_F(CaptureTwin, MatchesTheTwinInHundredsOfGames) {
-  constexpr int games = isSlowBuild ? 300 : 1'000;
+  constexpr int games = hasShortTests ? 300 : 1'000;
   int executed = 0;
   int atOnce = 0;
   int shared = 0;

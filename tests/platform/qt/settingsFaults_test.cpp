@@ -15,7 +15,7 @@
 #include <string_view>
 #include <thread>
 
-#include "tests/support/slowBuild.h"
+#include "tests/support/shortTests.h"
 
 namespace kelvora {
 namespace {
@@ -122,7 +122,7 @@ TEST_F(SettingsFaults, AnyAmountOfFreeSpaceStoresAllOrNothing) {
   write("long", std::string(300, 'x'));
   write("name", "Ann");
   const auto size = std::filesystem::file_size(file());
-  for (rlim_t room = 0; room < size + 20; room += isSlowBuild ? 8 : 1) {
+  for (rlim_t room = 0; room < size + 20; room += hasShortTests ? 8 : 1) {
     write("name", "Ann");
     OtherRun run([&] {
       limitFiles(room);

@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 #include "tests/server/bots/contest.h"
-#include "tests/support/slowBuild.h"
+#include "tests/support/shortTests.h"
 
 namespace kelvora::server {
 namespace {
 
-constexpr int seeds = isSlowBuild ? 3 : 10;
+constexpr int seeds = hasShortTests ? 3 : 10;
 constexpr Millis threeMinutes = 180'000;
 
 struct Score {
