@@ -89,13 +89,13 @@ class Play(unittest.TestCase):
         return (self.folder / "output").read_text(encoding="utf-8")
 
     def told(self):
-        """What the game was started with."""
+        """The words and variables that the game was started with."""
         path = self.folder / "game.told"
         wait_for(path.exists, f"the game's start\n{self.said()}")
         return path.read_text(encoding="utf-8").splitlines()
 
     def page(self):
-        """What a browser gets; nothing without a server."""
+        """The page that a browser gets; nothing without a server."""
         try:
             with urllib.request.urlopen(f"http://127.0.0.1:{self.port}/", timeout=60) as answer:
                 return answer.read().decode()
