@@ -9,7 +9,7 @@
 
 namespace kelvora {
 
-/// What a whole replay has found.
+/// The result of a whole replay.
 struct ReplayReport {
   recording::ReplayEnd::Reason reason = recording::ReplayEnd::Reason::Ended;
   std::string text;           ///< the fault, or what is wrong

@@ -8,7 +8,7 @@
 
 namespace kelvora {
 
-/// What kelvora-replay is asked to do.
+/// The task of kelvora-replay.
 struct ReplayOptions {
   enum class Action { Show, Verify, Frames, Video, Help, Version };
 

@@ -34,7 +34,7 @@ COUNTED = ("POSITION_REPORT", "POSITION", "CHAT", "LOGIN", "LOGIN_ACCEPTED", "PL
 
 
 class Evening:
-    """What all processes share."""
+    """The values that all processes share."""
 
     def __init__(self, program, list_port):
         self.protocol = load_protocol(program)
@@ -124,7 +124,7 @@ def moderate(evening, moderators):
         return rascal
 
     def scene(moderator):
-        """What went wrong; nothing if all went well."""
+        """The failures; nothing if all went well."""
         first = 30_005 + 6 * len(guests)  # addresses that nobody has banned
         moderator.said.clear()
         moderator.say("!login " + PASSWORD)

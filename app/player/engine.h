@@ -19,7 +19,7 @@ namespace kelvora::player {
 /// Time of the recording between two snapshots, in ms. SnapshotPlan says where they are farther apart.
 inline constexpr Millis snapshotInterval = 120'000;
 
-/// What the scout tells. A snapshot's message carries the channel to it.
+/// Messages of the scout. A snapshot's message carries the channel to it.
 enum class Report : std::uint8_t { Mark, Progress, Snapshot, End };
 
 /// The game's current track.

@@ -125,7 +125,7 @@ void FrmPlayer::tick() {
   paint();
 }
 
-// What the console has printed.
+// The console's text.
 
 void FrmPlayer::addLines() {
   const std::vector<Mark>& marks = playback_.marks();

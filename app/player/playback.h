@@ -30,7 +30,7 @@ class Playback {
   /// Waits for more from the scout.
   void awaitScout() const { scout_.awaitInput(); }
 
-  // What the scout has found so far.
+  // The scout's findings so far.
   const std::vector<Mark>& marks() const { return marks_; }
   /// The recording's length in ms, as far as it is known.
   Millis length() const { return length_; }
@@ -38,7 +38,7 @@ class Playback {
   /// How the recording has ended: a fault, for example. Empty if it simply ends.
   const std::string& ending() const { return ending_; }
 
-  // What is shown.
+  // The moment that is shown.
   Millis time() const { return time_; }
   std::uint64_t frame() const { return frame_; }
   const Music& music() const { return music_; }

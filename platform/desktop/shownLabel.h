@@ -6,8 +6,8 @@
 
 namespace kelvora {
 
-/// What a label's peer shows. The game sets the same captions and colours again and again, once a second or once a
-/// frame.
+/// The state that a label's peer shows. The game sets the same captions and colours again and again, once a second or
+/// once a frame.
 class ShownLabel {
  public:
   explicit ShownLabel(const Label& label)

@@ -20,7 +20,7 @@ enum class Plane : std::uint8_t { Records, Times, Across, Down, Nodes, PointAcro
 inline constexpr std::size_t planeCount = 7;
 inline constexpr std::size_t maxBlock = 64 * 1024;  ///< bytes of all planes of a block
 
-/// What a record says. docs/recordings.md has their contents.
+/// The kinds of records. docs/recordings.md has their contents.
 enum class Kind : std::uint8_t {
   Return = 1,   ///< DoEvents, a message box, a modal form or a call of a peer is over
   Call,         ///< one of the game's next calls lets the world in

@@ -8,7 +8,7 @@
 
 namespace kelvora::recording {
 
-// What a recording conceals.
+// The secrets that a recording conceals.
 
 /// A setting's value, hidden if its key is that of a password.
 std::string toldSetting(const std::string& key, const std::string& value);

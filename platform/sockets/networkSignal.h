@@ -4,8 +4,8 @@
 
 namespace kelvora {
 
-/// What an event loop waits for besides its own events. Once it is signaled, call serveSockets(). A file descriptor
-/// that can be read then; on Windows the handle of an event.
+/// The handle that an event loop waits for besides its own events. Once it is signaled, call serveSockets(). A file
+/// descriptor that can be read then; on Windows the handle of an event.
 std::intptr_t networkSignal();
 
 /// Signals it. Thread-safe.

@@ -4,7 +4,7 @@
 
 namespace kelvora {
 
-/// What the user did to a control or window.
+/// An action of the user on a control or window.
 enum class InputKind : std::uint8_t {
   MouseDown,    ///< button, shift, x, y
   MouseMove,    ///< buttons, shift, x, y

@@ -17,7 +17,7 @@ constexpr std::size_t blockSize = 4096;  // more than two of the largest frames
 // goes by the first frame, and in Wine what exceeds it waits in the decoder until the file ends.
 constexpr std::size_t decodedSize = (blockSize / 24 + 2) * 576 * 2 * 2;
 
-/// What the header of a frame says about it.
+/// The header of a frame.
 struct Frame {
   std::size_t size;  ///< bytes, header included
   int bitRate;       ///< bits a second

@@ -15,7 +15,7 @@ class NativePeer : public ControlPeer {
   void follow() override;
   HWND window() const override { return window_; }
 
-  // What the window reports to its form.
+  // The window's reports to its form.
   virtual void command(int) {}
   virtual LRESULT notify(const NMHDR&) { return 0; }
   virtual void scrolled(int) {}

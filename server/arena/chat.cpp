@@ -41,7 +41,7 @@ struct Line {
   std::string command{};  // empty if it is none
 };
 
-/// What a client has typed; nothing if it is invalid or too early.
+/// The line that a client has typed; nothing if it is invalid or too early.
 std::optional<Line> lineIn(const Roster& roster, Session& session, std::string_view fields, Millis now) {
   const auto request = wire::fromClient<wire::msgChat>(fields);
   if (!request || !roster.allowsRequest(session, now)) return std::nullopt;

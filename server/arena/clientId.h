@@ -14,7 +14,7 @@ constexpr bool isBot(ClientId client) { return client >= firstBotClient; }
 /// The server's own recorder, which gets what all players get.
 inline constexpr ClientId observerClient = firstBotClient - 1;
 
-/// What somebody logs in for.
+/// The purpose of a login.
 enum class Role : std::uint8_t { player, spectator };
 
 }  // namespace kelvora::server

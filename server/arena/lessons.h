@@ -4,10 +4,10 @@
 
 namespace kelvora::server {
 
-/// What a coach teaches.
+/// The lessons of a coach.
 enum class Lesson { brakes, opponents, circle, capture, spawn, store };
 
-/// What a player has learned.
+/// The lessons that a player has had.
 struct Lessons {
   unsigned int given = 0;  ///< one bit per lesson
   bool wasAlive = false;

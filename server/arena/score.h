@@ -7,7 +7,7 @@
 
 namespace kelvora::server {
 
-/// What a person has done in a round.
+/// A person's score in a round.
 struct Score {
   ClientId client = 0;
   std::string name{};

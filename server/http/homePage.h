@@ -8,7 +8,7 @@
 
 namespace kelvora::server {
 
-/// What some players have done.
+/// Records of some players.
 struct RecordTable {
   struct Row {
     std::string name;

@@ -11,7 +11,7 @@ std::string listTableBegin();
 /// A game's row, with links to play it in the browser, and to watch it if it takes spectators. Without an address, they
 /// lead to the server that sends the page. Addresses, notes and numbers may be anything.
 std::string listTableRow(const HostEntry& host);
-/// What follows the last row.
+/// The text after the last row.
 std::string listTableEnd();
 
 }  // namespace kelvora::server

@@ -7,7 +7,7 @@
 
 namespace kelvora::server {
 
-/// What moderation needs besides the arena and its bots.
+/// The server as moderation sees it, besides the arena and its bots.
 class ModerationHost : public Background {
  public:
   /// The network of a person, see `networkOf`.

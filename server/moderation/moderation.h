@@ -57,7 +57,7 @@ class Moderation {
     Millis now;
     std::optional<Target> target{};  // the person that the command is about
   };
-  /// What a command needs.
+  /// A command's requirement.
   enum class Needs { Nothing, Password, Records, Moderator };
   struct Command {
     std::string_view name;

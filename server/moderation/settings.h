@@ -4,7 +4,7 @@
 
 namespace kelvora::server {
 
-/// What the operator sets.
+/// The operator's settings.
 struct ModerationSettings {
   std::string moderatorHash;  ///< hash of the moderators' password; empty for no moderators
   std::string bansFile;       ///< path in UTF-8; empty to keep bans and mutes until the end of the process only

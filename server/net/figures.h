@@ -14,7 +14,7 @@
 
 namespace kelvora::server {
 
-/// What the server has done since its start. Counting takes a few additions.
+/// Counts of the server's work since its start. Counting takes a few additions.
 struct Figures {
   struct Traffic {
     std::uint64_t count = 0;

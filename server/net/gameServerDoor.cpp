@@ -1,4 +1,4 @@
-// Who may connect.
+// Admission of connections.
 
 #include <algorithm>
 #include <utility>

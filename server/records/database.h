@@ -8,7 +8,7 @@
 
 namespace kelvora::server {
 
-/// What a player has done. Names are in code page 1252.
+/// A player's record. Names are in code page 1252.
 struct Deeds {
   std::string name{};
   std::int64_t rounds = 0;

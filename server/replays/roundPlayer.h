@@ -32,7 +32,7 @@ class RoundPlayer {
   void show(const Send& toNewcomer) const;
 
  private:
-  /// What a newcomer gets to know of a player.
+  /// A player as newcomers get to know them.
   struct Seen {
     std::int16_t colour = 0;
     std::string name;

@@ -67,7 +67,7 @@ RoundRecorder::RoundRecorder(Background& host, RecordSettings settings) : host_(
   if (error || !fs::is_directory(folder, error)) {
     throw std::runtime_error("the folder " + settings_.folder + " for recordings can't be made");
   }
-  // What a killed server was writing.
+  // Left by a killed server.
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
     const fs::path& path = entry->path();
     std::error_code ignored;

@@ -6,7 +6,7 @@
 
 namespace kelvora::server {
 
-/// What pieces of the server need of the process that runs them.
+/// The process as pieces of the server see it.
 class Background {
  public:
   virtual ~Background() = default;

@@ -17,7 +17,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// What a system thread reports about a request.
+/// A system thread's report about a request.
 class Progress {
  public:
   void report(DWORD step) {

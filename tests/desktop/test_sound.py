@@ -87,7 +87,7 @@ class Sound(DesktopTest):
         return self.ears.heard(begin)
 
     def listen(self, seconds):
-        """What is heard from now on for this time."""
+        """The sound from now on, for this time."""
         begin = self.ears.now()
         wait_for(lambda: self.ears.now() >= begin + seconds * ears.RATE, "the recording")
         return self.ears.heard(begin)

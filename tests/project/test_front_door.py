@@ -1,4 +1,4 @@
-"""What ./check and the tools do first: they read their arguments and configure a build."""
+"""The first steps of ./check and the tools: reading arguments, configuring a build."""
 
 import json
 import pathlib

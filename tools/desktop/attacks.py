@@ -1,4 +1,4 @@
-"""What a hostile server sends to a client that is logged in as node 7."""
+"""Messages of a hostile server to a client that is logged in as node 7."""
 
 import harness
 from protocol import (ALIVE_STATE, CHAT, END, FUNDS, LOGIN_ACCEPTED, LOGIN_DENIED, PLAYER_JOINED, PLAYER_LEFT, POSITION,

@@ -1,5 +1,5 @@
-"""What all that drives the real programs shares: which programs, how to wait for them, and what to close. Everything
-stays on this machine, and everything started is stopped."""
+"""Shared by everything that drives the real programs: their paths, waiting and closing. Everything stays on this
+machine, and everything started is stopped."""
 
 import atexit
 import os

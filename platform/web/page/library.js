@@ -1,4 +1,4 @@
-// What the program calls (platform/web/page.h).
+// The functions that the program calls (platform/web/page.h).
 mergeInto(LibraryManager.library, {
   page_create: function(id, parent, kind) { return createControl(id, parent, UTF8ToString(kind)); },
   page_createMenu: function(id, parent, isSeparator) { return createMenu(id, parent, isSeparator !== 0); },

@@ -65,8 +65,8 @@ class Round(unittest.TestCase):
         return next(at for at, text in enumerate(player.frames) if text[0] == CHAT and fields_of(text) == line)
 
     def missing(self, texts):
-        """What must be seen but isn't in these frames yet. The bots play at random: they can win a round, or be out for
-        a while."""
+        """The events that must be seen but aren't in these frames yet. The bots play at random: they can win a round, or
+        be out for a while."""
         kinds = by_kind(texts)
         return [what for what, is_seen in (
             ("a turbo", [self.web_node, str(TURBO)] in kinds[POWERUP_ON]),

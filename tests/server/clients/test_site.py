@@ -37,7 +37,7 @@ class Folders(unittest.TestCase):
         return server
 
     def refusal(self, *options):
-        """What the server says when it does not start."""
+        """The server's words when it does not start."""
         done = subprocess.run([SERVER, "--port", "0", *options], stdin=subprocess.DEVNULL, capture_output=True, text=True,
                               timeout=60)
         self.assertNotEqual(done.returncode, 0)

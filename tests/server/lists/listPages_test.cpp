@@ -156,7 +156,7 @@ TEST_F(ListPagesTest, NothingInAnEntryBecomesMarkup) {
   EXPECT_EQ(page.find("script>"), page.find("&lt;script>") + 4) << page;
   EXPECT_EQ(page.find("<script"), std::string::npos);
   EXPECT_NE(page.find("&lt;script>&quot;&amp;amp;&lt;/table>"), std::string::npos);
-  // What follows the quotation mark stays inside the attribute.
+  // Text after the quotation mark stays inside the attribute.
   EXPECT_NE(page.find("href=\"http://&lt;/td>&lt;script>alert(1)&lt;/script>&quot;' onclick=x &amp;lt; :2010/\""),
             std::string::npos)
       << page;

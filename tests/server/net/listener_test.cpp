@@ -99,7 +99,7 @@ TEST_F(ListenerOnAName, APortInUseIsAnError) {
   EXPECT_THROW(Listener(context, "several", port, {}, addressesOf), std::runtime_error);
 }
 
-/// What a server on this port logs at its start. Nothing if the port is in use.
+/// The lines that a server on this port logs at its start. Nothing if the port is in use.
 std::optional<std::vector<std::string>> linesAtTheStart(std::uint16_t port) {
   asio::io_context context;
   std::vector<std::string> lines;
