@@ -36,6 +36,7 @@ Outcome takeTime(ReplayOptions& options, const std::string& value) {
   const auto time = timeFromText(value);
   if (!time) return Outcome::refused("\"" + value + "\" is no time such as 1:30");
   options.range.*end = *time;
+  options.hasRange = true;
   return Outcome::done();
 }
 
@@ -51,9 +52,7 @@ constexpr std::array table = {
 
 Outcome check(const ReplayOptions& options) {
   if (options.file.empty()) return Outcome::refused("name the recording to play");
-  const FilmRange whole;
-  const bool hasRange = options.range.from != whole.from || options.range.to != whole.to;
-  if (hasRange && options.action != Action::Frames && options.action != Action::Video) {
+  if (options.hasRange && options.action != Action::Frames && options.action != Action::Video) {
     return Outcome::refused("--from and --to need --frames or --video");
   }
   if (options.range.from >= options.range.to) return Outcome::refused("--to must be later than --from");

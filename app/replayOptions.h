@@ -14,8 +14,9 @@ struct ReplayOptions {
 
   Action action = Action::Show;
   std::string file;
-  std::string target;  ///< the folder of Frames, or the file of Video
-  FilmRange range;     ///< of these two
+  std::string target;     ///< the folder of Frames, or the file of Video
+  FilmRange range;        ///< of these two
+  bool hasRange = false;  ///< whether an end of it was given
 };
 
 /// Reads the arguments, without the program's name, into new options. Their order doesn't matter.

@@ -52,6 +52,12 @@ Outcome checkOrigins(const std::string& origins) {
   return Outcome::done();
 }
 
+template <int RecordSettings::*limit>
+void recordLimit(Options& options, int value) {
+  options.record.*limit = value;
+  options.limitsRecords = true;
+}
+
 Option heading(std::string_view text) {
   return {"", "", text, Switch([](Options&) {})};
 }
@@ -116,9 +122,9 @@ const std::array table = {
     Option{"record", "FOLDER", "folder that keeps each round (none)",
            Text([](Options& o) -> std::string& { return o.record.folder; }), 0, maxPathLength},
     Option{"record-count", "COUNT", "maximum number of rounds in it (100)",
-           Whole([](Options& o, int value) { o.record.maxCount = value; }), 1, 100'000},
+           Whole(recordLimit<&RecordSettings::maxCount>), 1, 100'000},
     Option{"record-size", "MIB", "maximum size of all rounds in it (100)",
-           Whole([](Options& o, int value) { o.record.maxMebibytes = value; }), 1, 1'000'000},
+           Whole(recordLimit<&RecordSettings::maxMebibytes>), 1, 1'000'000},
     Option{"replay", "FILE", "show this round to everybody who connects, instead of a game (none)",
            Text([](Options& o) -> std::string& { return o.replayFile; }), 0, maxPathLength},
 

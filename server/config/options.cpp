@@ -70,7 +70,7 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
     return Outcome::refused("there is no port after the game's, so spectators need --spectator-port");
   }
   const bool records = !options.record.folder.empty();
-  if (!records && options.record != RecordSettings{}) {
+  if (!records && options.limitsRecords) {
     return Outcome::refused("limits of recorded rounds need --record");
   }
   if ((records || !options.replayFile.empty()) && !canCompress()) {

@@ -9,8 +9,6 @@ struct RecordSettings {
   std::string folder;      ///< in UTF-8; empty for no recordings
   int maxCount = 100;      ///< files
   int maxMebibytes = 100;  ///< of all files
-
-  bool operator==(const RecordSettings&) const = default;
 };
 
 }  // namespace kelvora::server

@@ -58,7 +58,8 @@ TEST(ReplayOptions, RefusalsSayWhatIsWrong) {
             "only one of --verify, --frames and --video can be done at a time");
   EXPECT_EQ(refusal({"--from", "soon", "--video", "v.mp4", "file"}), "\"soon\" is no time such as 1:30");
   EXPECT_EQ(refusal({"--from", "5", "--to", "5", "--video", "v.mp4", "file"}), "--to must be later than --from");
-  for (const Arguments& arguments : {Arguments{"--from", "5", "file"}, Arguments{"--to", "5", "--verify", "file"}}) {
+  for (const Arguments& arguments : {Arguments{"--from", "5", "file"}, Arguments{"--from", "0", "file"},
+                                     Arguments{"--to", "5", "--verify", "file"}}) {
     EXPECT_EQ(refusal(arguments), "--from and --to need --frames or --video");
   }
 }

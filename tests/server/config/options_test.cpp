@@ -170,6 +170,8 @@ TEST(ServerOptions, LimitsOfRecordedRoundsNeedAFolder) {
   const std::string refusal = "limits of recorded rounds need --record";
   EXPECT_EQ(parse({"--record-size", "7"}).error, refusal);
   EXPECT_EQ(parse({"--record-count", "7"}).error, refusal);
+  EXPECT_EQ(parse({"--record-count", "100"}).error, refusal) << "the default";
+  EXPECT_EQ(parse({"--record-size", "100"}).error, refusal) << "the default";
   EXPECT_EQ(parse({"--record-size", "7", "--replay", "a.round"}).error, refusal);
 }
 
