@@ -169,7 +169,8 @@ TEST_F(Store, TenItemsLeaveNoRoom) {
 TEST_F(Store, Q315ItsTextsMisspell) {
   const auto says = [](const std::string& text, const char* words) { return text.find(words) != std::string::npos; };
   modMain::openStore();
-  EXPECT_TRUE(says(frmPowerups->lblItemDescription[shieldSlot].Caption, "lasers, and EMP's for 15 seconds"));
+  EXPECT_TRUE(says(frmPowerups->lblItemDescription[shieldSlot].Caption,
+                   "lasers, and EMP's for 15 seconds.  Warning: EMP's will"));
   EXPECT_TRUE(says(frmPowerups->lblItemDescription[laserSlot].Caption, "anything in it's path"));
   stock(10);
   frmPowerups->cmdBuy[shieldSlot].Click();
