@@ -74,8 +74,6 @@ QPalette gamePalette(const Looks& looks) {
   colours.setColor(QPalette::Mid, toQColor(looks.line));
   colours.setColor(QPalette::Highlight, toQColor(looks.chosen));
   colours.setColor(QPalette::HighlightedText, Qt::white);
-  colours.setColor(QPalette::ToolTipBase, QColor(54, 60, 92));
-  colours.setColor(QPalette::ToolTipText, Qt::white);
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
     colours.setColor(role, toQColor(looks.text));
     colours.setColor(QPalette::Disabled, role, toQColor(looks.quiet));
@@ -87,7 +85,8 @@ void installGameLooks() {
   QApplication::setStyle(new GameStyle);
   QPalette colours = gamePalette(dialogLooks);
   colours.setColor(QPalette::Base, toQColor(dialogLooks.field));
-  colours.setColor(QPalette::AlternateBase, QColor(20, 22, 38));
+  colours.setColor(QPalette::ToolTipBase, toQColor(dialogLooks.ground));
+  colours.setColor(QPalette::ToolTipText, toQColor(dialogLooks.text));
   QApplication::setPalette(colours);
   QApplication::setFont(toQFont(FontSpec{}));
 }

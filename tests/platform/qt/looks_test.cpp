@@ -105,12 +105,13 @@ TEST(GameLooks, EveryDialogIsDarkAndLegible) {
   const QFont font = QApplication::font();
   installGameLooks();
   const QPalette colours = QApplication::palette();
-  for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button})
+  for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::ToolTipBase})
     EXPECT_LT(colours.color(role).lightness(), 110) << role;
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
     EXPECT_GT(colours.color(role).lightness(), 220) << role;
     EXPECT_GT(colours.color(role).lightness(), colours.color(QPalette::Disabled, role).lightness() + 80) << role;
   }
+  EXPECT_GT(colours.color(QPalette::ToolTipText).lightness(), 220);
   // Fields and buttons stand out from the dialog.
   const int ground = colours.color(QPalette::Window).lightness();
   EXPECT_LT(colours.color(QPalette::Base).lightness(), ground - 30);
