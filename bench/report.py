@@ -3,11 +3,11 @@
 
     bench/report.py build/release [--only frame_bench]
 
-Runs the benchmarks one after another, which takes about half an hour, and marks the figures that miss their goals. Use a
-release build with KELVORA_BENCH, and beside it the browser build with kelvora_site and kelvora_page_frames and the
-Windows build with kelvora_empty_window, on a machine that is otherwise idle. --only measures the commands that contain
-the word and leaves the other rows alone. The rows of a benchmark that fails keep their figures, and the script ends with
-status 1.
+Runs the benchmarks one after another, which takes about an hour and a half, and marks the figures that miss their
+goals. Use a release build with KELVORA_BENCH, and beside it the browser build with kelvora_site and kelvora_page_frames
+and the Windows build with kelvora_empty_window, on a machine that is otherwise idle. --only measures the commands that
+contain the word and leaves the other rows alone. The rows of a benchmark that fails keep their figures, and the script
+ends with status 1.
 """
 
 import argparse
@@ -150,6 +150,14 @@ FIGURES = {
         ("passes a second in a game of six", (AT_LEAST, 100), "", r"^passes a second: (\d+)"),
         ("memory above an empty tab, in play", (AT_MOST, 110), "MB",
          r"^memory above an empty tab: (-?\d+) MB at most")],
+    "check_figures.py": [
+        ("`./check` without the compiler's cache", (AT_MOST, 20), "min", r"^all systems: ([\d.]+) min"),
+        ("a second `./check`", (AT_MOST, 1), "min", r"^again: ([\d.]+) min"),
+        ("`./check` after a change of one test's source", (AT_MOST, 4), "min",
+         r"^after a change of a test: ([\d.]+) min"),
+        ("`./check` after a change of one source of the game", (AT_MOST, 4), "min",
+         r"^after a change of the game: ([\d.]+) min"),
+        ("`./check linux` without the compiler's cache", (AT_MOST, 12), "min", r"^linux: ([\d.]+) min")],
 }
 
 

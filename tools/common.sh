@@ -110,7 +110,8 @@ configure() {
   elif [ ! -f "$cache" ]; then
     launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
-  output=$(cmake --preset "$preset" "${launcher[@]}" "$@" 2>&1) || fail "$output" "cmake could not configure the $preset build."
+  output=$(cmake --preset "$preset" "${launcher[@]}" "$@" 2>&1) ||
+    fail "$output" "cmake could not configure the $preset build. Run it alone:" "  cmake --preset $preset ${*@Q}"
 }
 
 # can_install_quietly NAME...: true if the packages are there or can be installed without asking for a password.

@@ -2,6 +2,7 @@
 
 import json
 import pathlib
+import shlex
 import shutil
 import subprocess
 import tempfile
@@ -95,6 +96,15 @@ class Configure(FrontDoor):
         self.assertEqual(values["CMAKE_CXX_COMPILER"], self.clang)
         self.assertEqual(values["KEPT"], "from the preset")
         self.assertFalse(self.mark.exists())
+
+    def test_a_failure_ends_with_the_command(self):
+        (self.folder / "CMakeLists.txt").write_text("message(FATAL_ERROR wrong)\n")
+        done = self.run_in_folder("bash", "-c", f'source "{COMMON}"; configure made "-DROOMS=a;b" -DADDED=yes')
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("wrong", done.stderr)
+        said, command = done.stderr.strip().rsplit("\n", 1)
+        self.assertTrue(said.endswith("cmake could not configure the made build. Run it alone:"), said)
+        self.assertEqual(shlex.split(command), ["cmake", "--preset", "made", "-DROOMS=a;b", "-DADDED=yes"])
 
 
 if __name__ == "__main__":

@@ -1,0 +1,60 @@
+#!/usr/bin/env python3
+"""Measures how long ./check takes, in a new clone of the last commit with an empty compiler cache, and prints minutes.
+
+    bench/check_figures.py
+
+Takes three quarters of an hour on a machine that should be otherwise idle. Packages that are missing are installed
+beforehand. If a ./check fails, prints its last lines and ends with status 1.
+"""
+
+import os
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+PROJECT = Path(__file__).resolve().parent.parent
+TEST, GAME = "tests/simulation/movement_test.cpp", "simulation/movement.cpp"
+# Changes every program that the source is linked into.
+CHANGE = "\nstatic volatile int checkFigure = 0;\n[[maybe_unused]] static const int checkFigures = checkFigure;\n"
+INSTALL = "source tools/common.sh; install_packages $linux_check_packages $web_check_packages $windows_check_packages"
+
+
+def clone(folder):
+    """A new clone below the folder, and variables for an empty compiler cache."""
+    subprocess.run(["git", "clone", "-q", PROJECT, folder / "kelvora"], check=True)
+    return folder / "kelvora", dict(os.environ, CCACHE_DIR=str(folder / "ccache"))
+
+
+def change(path):
+    path.write_text(path.read_text() + CHANGE)
+
+
+def minutes(what, place, *words):
+    """Runs ./check with these words and prints how long it took."""
+    project, environment = place
+    begin = time.monotonic()
+    done = subprocess.run(["./check", *words], cwd=project, env=environment, stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+    if done.returncode:
+        sys.exit("\n".join([f"{what}: failed", *done.stdout.splitlines()[-20:]]))
+    print(f"{what}: {(time.monotonic() - begin) / 60:.2f} min", flush=True)
+
+
+def main():
+    subprocess.run(["bash", "-c", INSTALL], cwd=PROJECT, check=True)
+    with tempfile.TemporaryDirectory(prefix="kelvora-check-") as folder:
+        place = clone(Path(folder))
+        minutes("all systems", place)
+        minutes("again", place)
+        change(place[0] / TEST)
+        minutes("after a change of a test", place)
+        change(place[0] / GAME)
+        minutes("after a change of the game", place)
+    with tempfile.TemporaryDirectory(prefix="kelvora-check-") as folder:
+        minutes("linux", clone(Path(folder)), "linux")
+
+
+if __name__ == "__main__":
+    main()
