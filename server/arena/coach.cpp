@@ -49,7 +49,7 @@ std::string Coach::lineFor(Player& player, Millis now) const {
   Lessons& lessons = player.lessons;
   if (!player.isAlive) {
     if (lessons.wasAlive && begins(lessons, Lesson::spawn)) {
-      return "You are out, and fly on as a ghost. Soon you can press Spawn for a new life.";
+      return "You are out, and fly on as a ghost until you press Spawn.";
     }
     return {};
   }

@@ -117,7 +117,7 @@ TEST_F(CoachTest, ACapturedNewcomerHearsHowToComeBack) {
   pass(40);
   login(ann, "Ann", "0");
   capture(ann, bob);
-  EXPECT_EQ(wait(bob, 40), Lines{"You are out, and fly on as a ghost. Soon you can press Spawn for a new life."});
+  EXPECT_EQ(wait(bob, 40), Lines{"You are out, and fly on as a ghost until you press Spawn."});
   EXPECT_EQ(wait(bob, 8'000), Lines{});
 }
 

@@ -226,10 +226,11 @@ class Play(unittest.TestCase):
         self.assertFalse((self.folder / "game.told").exists())
 
     def test_help_starts_nothing(self):
-        self.play("--help")
-        self.assertEqual(self.process.wait(60), 0)
-        self.assertIn("./play web", self.said())
-        self.assertFalse((self.folder / "build").exists())
+        for words in (("--help",), ("web", "--help"), ("web", "--port", "3000", "-h")):
+            self.play(*words)
+            self.assertEqual(self.process.wait(60), 0)
+            self.assertIn("./play web [SERVER OPTIONS]: builds", self.said())
+            self.assertFalse((self.folder / "build").exists())
 
     def test_another_web_host_is_kept(self):
         self.play(KELVORA_WEB_HOST="games.example", KELVORA_FRAME_MS="20")
@@ -289,7 +290,7 @@ class Play(unittest.TestCase):
 
     def test_web_knows_each_option_and_its_value(self):
         help_text = subprocess.run([SERVER, "--help"], capture_output=True, text=True, check=True).stdout
-        options = re.findall(r"^  (--[a-z-]+) (\S*)", help_text, re.M)
+        options = re.findall(r"^  (--(?!help)[a-z-]+) (\S*)", help_text, re.M)
         self.assertGreater(len(options), 40)
         for name, value in options:
             self.play("web", name, *(["--a-value"] if value else []), "--mistyped", "--wrong")
