@@ -8,19 +8,16 @@ constexpr auto timeToForgive = static_cast<Millis>(1000 * Door::burst / Door::co
 
 }  // namespace
 
-bool Door::allowsConnection(const std::string& network, Millis now) {
-  return visitor(network, now).connections.allows(now);
-}
-
 bool Door::hasPlace(const std::string& network) const {
   const auto found = visitors_.find(network);
   return found == visitors_.end() || found->second.inside < maxPerNetwork;
 }
 
-bool Door::takesIn(const std::string& network, Millis now, bool isLimited) {
+bool Door::admit(const std::string& network, Millis now, const Terms& terms) {
   Visitor& newcomer = visitor(network, now);
-  if (isLimited && newcomer.inside >= maxPerNetwork) return false;
-  ++newcomer.inside;
+  if (terms.isLimited && !terms.takesOver && newcomer.inside >= maxPerNetwork) return false;
+  if (terms.isLimited && terms.isNew && !newcomer.connections.allows(now)) return false;
+  if (!terms.takesOver) ++newcomer.inside;
   return true;
 }
 

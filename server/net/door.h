@@ -15,13 +15,17 @@ class Door {
   static constexpr double burst = 32;
   static constexpr std::size_t maxNetworks = 4096;  ///< maximum number of networks remembered
 
+  struct Terms {
+    bool isNew = true;       ///< charged for, unlike a proxy's connection that has served another client
+    bool isLimited = true;   ///< without limits it is neither charged for nor refused
+    bool takesOver = false;  ///< gets the place of a connection that is in, such as its own
+  };
+
   /// True if the network has fewer connections than it may have.
   bool hasPlace(const std::string& network) const;
-  /// Charges the network for a new connection. False if it makes them too fast.
-  [[nodiscard]] bool allowsConnection(const std::string& network, Millis now);
-  /// Takes a connection in without charging for a new one, such as a proxy's that has served another client. Always
-  /// true without a limit. Otherwise false if the network has no place. Call `left` when the connection ends.
-  [[nodiscard]] bool takesIn(const std::string& network, Millis now, bool isLimited = true);
+  /// Lets a connection in. Call `left` when it ends. False, without charging for it, if the network has no place for it
+  /// or makes connections too fast.
+  [[nodiscard]] bool admit(const std::string& network, Millis now, const Terms& terms);
   void left(const std::string& network);
 
  private:

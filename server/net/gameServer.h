@@ -93,30 +93,33 @@ class GameServer : private ArenaOutput, private ModerationHost {
   Seconds wallClock() const override { return std::time(nullptr); }
   bool runAside(std::function<void()> work, std::function<void()> finish) override;
 
-  Listener::Handlers listenerHandlers(Role role = Role::player);
+  // Admission (gameServerDoor.cpp).
   void welcome(Socket socket, Role role);
   /// True if the newcomer has been dealt with. False if they exceed their address's limits.
   bool enter(Newcomer& newcomer);
   /// Tells that a connection of this network was turned away.
   void refuse(const std::string& network);
-  /// Charges the connection to this address's limits alone. False if they are exceeded. A connection that isn't new
-  /// costs its network nothing. If the address has all of its places, a connection kept between two requests makes
-  /// room.
+  /// Counts the connection for the network of this address, and no longer for another one. False if that network's
+  /// limits are exceeded. If it has all of its places, a connection kept between two requests makes room.
   bool admit(Guest& guest, const asio::ip::address& address, bool isNew = true);
   void forwarded(ClientId client, const asio::ip::address& address);
-  void beginGame(ClientId client);
-  void received(ClientId client, std::string_view text);
+  /// Makes sure that another connection may come in: closes one that has been hung up, or the oldest without a player.
+  /// False if there is none.
+  bool makeRoom();
+
+  // HTTP (gameServerAnswers.cpp).
   HttpAnswer countedAnswer(ClientId client, const HttpRequest& request);
   HttpAnswer answer(ClientId client, const HttpRequest& request);
   HttpAnswer metrics(const Guest& guest, const HttpRequest& request) const;
   HttpAnswer homePage() const;
   std::vector<RecordTable> recordTables() const;
+
+  Listener::Handlers listenerHandlers(Role role = Role::player);
+  void beginGame(ClientId client);
+  void received(ClientId client, std::string_view text);
   /// The number of people, without bots, who make room for them.
   std::size_t people() const;
   void closed(ClientId client, const std::string& reason);
-  /// Makes sure that another connection may come in: closes one that has been hung up, or the oldest without a player.
-  /// False if there is none.
-  bool makeRoom();
   void tickMore();
   /// Begins and ends the recordings of rounds.
   void recordRounds(Millis now);

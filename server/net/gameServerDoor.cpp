@@ -66,17 +66,14 @@ bool GameServer::admit(Guest& guest, const asio::ip::address& address, bool isNe
   const auto isKept = [&](const auto& entry) {
     return entry.second.network == network && entry.second.connection->isKept();
   };
-  auto leaver = guests_.end();
-  if (!isIn && isLimited && !door_.hasPlace(network)) {
-    leaver = std::ranges::find_if(guests_, isKept);
-    if (leaver == guests_.end()) return false;
-  }
-  if (isNew && isLimited && !door_.allowsConnection(network, now())) return false;
+  const bool isFull = !isIn && isLimited && !door_.hasPlace(network);
+  const auto leaver = isFull ? std::ranges::find_if(guests_, isKept) : guests_.end();
+  const bool takesOver = isIn || leaver != guests_.end();
+  if (!door_.admit(network, now(), {.isNew = isNew, .isLimited = isLimited, .takesOver = takesOver})) return false;
   if (leaver != guests_.end()) {
-    door_.left(std::exchange(leaver->second.network, {}));
+    leaver->second.network.clear();
     leaver->second.connection->close("made room for a newcomer");
   }
-  if (!isIn && !door_.takesIn(network, now(), isLimited)) return false;
   guest.address = unmapped(address);
   guest.network = network;
   return true;
