@@ -6,7 +6,7 @@
 
 #include "app/gameState.h"
 #include "core/startUp.h"
-#include "platform/desktop/handlerCall.h"
+#include "platform/desktop/faultReport.h"
 #include "platform/recording/recorder.h"
 
 namespace kelvora {

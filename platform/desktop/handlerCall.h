@@ -2,7 +2,8 @@
 
 #include <exception>
 #include <functional>
-#include <string>
+
+#include "platform/desktop/faultReport.h"
 
 namespace kelvora {
 
@@ -25,23 +26,6 @@ class HandlerScope {
   HandlerScope(const HandlerScope&) = delete;
   HandlerScope& operator=(const HandlerScope&) = delete;
 };
-
-/// Records what the game is about to do, for the error box of a subsequent fault. Valid until the next note or until
-/// the outermost handler ends.
-void noteForReport(std::string what);
-
-/// Names the file with the game's recording, for the error box of a fault.
-void nameRecording(std::string file);
-
-/// Shows the error box and ends the process with status 1. No handler runs any more while the box is open.
-[[noreturn]] void reportFault(const char* what);
-/// True once `reportFault` has been called.
-bool isFaultReported();
-
-/// Shows an error and what the user can do about it, until the box is closed.
-using FaultBox = void(const std::string& error, const std::string& advice);
-/// Sets the backend's error box.
-void setFaultBox(FaultBox* box);
 
 /// Runs game code inside the backend's dispatch, which exceptions must not cross. A fault ends the program.
 template <class Statement>
@@ -67,8 +51,5 @@ void raiseEvent(Control& control, const std::function<void(Arguments...)>& event
   if (!event || !takesEvents(control)) return;
   runHandler([handler = event, values...] { handler(values...); });
 }
-
-/// Clicks the form's last visible default button (Enter) or cancel button (Esc). False if it has none.
-bool answerKey(Control& form, bool enter);
 
 }  // namespace kelvora

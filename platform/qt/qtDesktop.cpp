@@ -13,6 +13,7 @@
 
 #include "platform/desktop/boxText.h"
 #include "platform/desktop/dataFolder.h"
+#include "platform/desktop/faultReport.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/desktop/mixedAudio.h"
 #include "platform/form.h"

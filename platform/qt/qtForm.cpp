@@ -9,6 +9,7 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "platform/desktop/answerKey.h"
 #include "platform/desktop/controlWalk.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"

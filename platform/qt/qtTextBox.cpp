@@ -2,7 +2,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
-#include "platform/desktop/handlerCall.h"
+#include "platform/desktop/faultReport.h"
 #include "platform/desktop/lineText.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/inputEvents.h"

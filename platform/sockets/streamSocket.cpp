@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "platform/desktop/faultReport.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/sockets/hostAddresses.h"
 #include "platform/sockets/networkSignal.h"

@@ -9,6 +9,7 @@
 
 #include "base/codePage.h"
 #include "platform/desktop/boxText.h"
+#include "platform/desktop/faultReport.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/desktop/polledTimers.h"
 #include "platform/form.h"

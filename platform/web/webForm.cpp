@@ -1,4 +1,5 @@
 
+#include "platform/desktop/answerKey.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/form.h"
 #include "platform/web/page.h"

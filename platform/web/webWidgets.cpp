@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "platform/desktop/answerKey.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/web/page.h"
 #include "platform/web/webPeer.h"

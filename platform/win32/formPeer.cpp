@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/desktop/answerKey.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/widgets.h"
 #include "platform/win32/wideText.h"

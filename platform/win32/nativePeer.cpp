@@ -1,5 +1,6 @@
 #include "platform/win32/nativePeer.h"
 
+#include "platform/desktop/answerKey.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"

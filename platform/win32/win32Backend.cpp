@@ -6,6 +6,7 @@
 #include "base/codePage.h"
 #include "platform/desktop/boxText.h"
 #include "platform/desktop/dataFolder.h"
+#include "platform/desktop/faultReport.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/desktop/mixedAudio.h"
 #include "platform/pictures/pictureFile.h"

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/desktop/dataFolder.h"
+#include "platform/desktop/faultReport.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/desktop/helpText.h"
 #include "platform/desktop/runDesktop.h"

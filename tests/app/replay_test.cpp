@@ -11,7 +11,7 @@
 #include "app/replayGame.h"
 #include "core/modMain.h"
 #include "generated/sourceFolder.h"
-#include "platform/desktop/handlerCall.h"
+#include "platform/desktop/faultReport.h"
 #include "platform/recording/file.h"
 #include "platform/recording/format.h"
 #include "raster/surface.h"

@@ -8,6 +8,7 @@
 
 #include "base/fault.h"
 #include "platform/backend.h"
+#include "platform/desktop/faultReport.h"
 #include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/qtSettings.h"
