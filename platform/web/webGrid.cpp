@@ -53,9 +53,11 @@ class GridPeer : public WebPeer {
   }
 
   void showCells() {
-    const int columns = grid_.Cols;
+    const bool blank = isBlank(grid_);
+    const int rows = blank ? 0 : grid_.Rows;
+    const int columns = blank ? 0 : grid_.Cols;
     set("Cells", "{\"rows\":" +
-                     list(grid_.Rows,
+                     list(rows,
                           [&](int row) {
                             return list(columns, [&](int column) { return quoted(cellLine(grid_, row, column)); });
                           }) +

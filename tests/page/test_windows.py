@@ -1,5 +1,7 @@
 """The page's other windows: store, fonts, finder, menus and message boxes."""
 
+import signal
+
 import harness
 from pageTest import PageTest, unittest
 from protocol import BUY_ACCEPTED, BUY_REQUEST, FUNDS, PLAYER_JOINED, SERVER_TEXT
@@ -130,6 +132,15 @@ class Windows(PageTest):
         page.click_on("by('td', 'the other one')", times=2)
         self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Ann")
         page.wait_for_status("Connected")
+
+    def test_the_finder_is_empty_until_its_list_arrives(self):
+        server, page = self.begin()
+        server.process.send_signal(signal.SIGSTOP)
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("all('.grid', dialog('Game Finder')).length === 1")
+        self.assertEqual(page.see("document.querySelectorAll('.grid th, .grid td').length"), 0)
+        server.process.send_signal(signal.SIGCONT)
+        page.wait_for("all('.grid td', dialog('Game Finder')).length > 0")
 
     def test_a_long_note_can_be_scrolled_into_sight(self):
         # It is wider than the room that the other columns leave.
