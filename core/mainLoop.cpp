@@ -8,7 +8,7 @@
 #include "platform/backend.h"
 #include "platform/form.h"
 #include "rendering/paintFrame.h"
-#include "rendering/particlePainting.h"
+#include "rendering/starsMode.h"
 #include "simulation/clsPlayer.h"
 
 namespace kelvora::modMain {

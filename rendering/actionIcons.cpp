@@ -1,5 +1,7 @@
 #include "rendering/actionIcons.h"
 
+#include <cstddef>
+
 #include "base/text.h"
 #include "frontend/frmMain.h"
 #include "rendering/frmGfx.h"
@@ -51,17 +53,11 @@ std::int16_t actionIconAt(float x, float y) {
 }  // namespace modMain
 
 void clsPlayer::paintPowerupCounts() {
-  PictureBox& canvas = frmMain->canvas;
-  auto& icons = frmGfx->imgAction;
-  const float width = icons[0].Width;
-  const float height = icons[0].Height;
-  const float left = canvas.Width - (width + 50) * static_cast<float>(icons.UBound);
-  float x = left;
-  for (const PowerupState& powerup : powerups) {
-    modMain::printOnCanvas(x, canvas.Height - (height + 150), RGB(0, 255, 255),
-                           numberText(std::int32_t{powerup.count}));
-    x += width + 25;
-  }
+  const float y = frmMain->canvas.Height - (frmGfx->imgAction[0].Height + 150);
+  forEachActionIcon([&](int i, float x, float) {
+    const PowerupState& powerup = powerups[static_cast<std::size_t>(i - 1)];
+    modMain::printOnCanvas(x, y, RGB(0, 255, 255), numberText(std::int32_t{powerup.count}));
+  });
 }
 
 }  // namespace kelvora

@@ -4,7 +4,7 @@
 
 #include "raster/colour.h"
 
-/// The layers of a frame other than players and particles. For this room only.
+/// The layers of a frame other than players, particles and icons, and printing on the canvas. For this room only.
 namespace kelvora::modMain {
 
 void paintWorldBorder();

@@ -1,5 +1,3 @@
-#include "rendering/particlePainting.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -13,6 +11,7 @@
 #include "particles/pools.h"
 #include "rendering/frmGfx.h"
 #include "rendering/sprites.h"
+#include "rendering/starsMode.h"
 
 namespace kelvora {
 
@@ -30,8 +29,6 @@ float pulled(float coordinate, float extent, std::int16_t depth) {
 }
 
 }  // namespace
-
-bool modMain::isStarsMode() { return frmMain->mnuQuarkStars.Checked; }
 
 Vector clsParticle::getScreenPosition() const { return modMain::worldToScreen(position); }
 

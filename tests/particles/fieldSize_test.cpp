@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "rendering/particlePainting.h"
+#include "rendering/starsMode.h"
 #include "tests/support/gameTest.h"
 
 // The size of the field around the player.

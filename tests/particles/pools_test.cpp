@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "base/fault.h"
-#include "rendering/particlePainting.h"
+#include "rendering/starsMode.h"
 #include "tests/support/gameTest.h"
 
 namespace kelvora {
