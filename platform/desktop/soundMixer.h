@@ -23,22 +23,23 @@ class MixerDevice;
 class SoundMixer {
  public:
   /// The default for how late an effect may start.
-  static constexpr std::chrono::milliseconds maxEffectDelay{500};
-  /// How long after the first file the module is loaded, unless an effect is played.
+  static constexpr std::chrono::milliseconds usualMaxDelay{500};
+  /// The module is loaded this long after the first file. An effect loads it at once.
   static constexpr std::chrono::milliseconds loadDelay{400};
-  /// How often the device may rest. It closes after one or two of these without a sound.
+  /// The device closes after one to two of these intervals without a sound.
   static constexpr std::chrono::milliseconds usualRest{5000};
 
   /// `module` is the path of the mixer's module. Without it, or without a sound device, everything is silent. Effects
   /// that couldn't be started within `maxDelay` are dropped, because a late sound would confuse.
-  explicit SoundMixer(std::string module = soundModulePath(), std::chrono::milliseconds maxDelay = maxEffectDelay,
+  explicit SoundMixer(std::string module = soundModulePath(), std::chrono::milliseconds maxDelay = usualMaxDelay,
                       std::chrono::milliseconds rest = usualRest)
       : module_(std::move(module)), maxDelay_(maxDelay), rest_(rest) {}
   ~SoundMixer();
   SoundMixer(const SoundMixer&) = delete;
   SoundMixer& operator=(const SoundMixer&) = delete;
 
-  /// Loads the wave file and returns the channel, which is in use until it is closed.
+  /// Returns a channel for the wave file, which is loaded when it is first played. The channel is in use until it is
+  /// closed.
   int openEffect(const std::string& file);
   void closeEffect(int channel);
   void silenceEffect(int channel, bool silent);
@@ -66,6 +67,7 @@ class SoundMixer {
   const std::chrono::milliseconds maxDelay_;
   const std::chrono::milliseconds rest_;
   std::vector<bool> channels_;  ///< true if in use
+  std::thread thread_;          ///< created and joined by the game's thread
   mutable std::mutex mutex_;    ///< guards everything below; never held during calls of the device
   std::condition_variable arrived_;
   std::deque<Command> commands_;
@@ -74,7 +76,6 @@ class SoundMixer {
   const MixerDevice* device_ = nullptr;  ///< set once loaded; lives as long as the thread
   int track_ = 0;                        ///< counts the music commands
   PlayState musicState_ = psReady;
-  std::thread thread_;
 };
 
 }  // namespace kelvora

@@ -8,9 +8,9 @@
 
 namespace kelvora::server {
 
-/// Tells newcomers what to do, in lines of the server to them alone: each when it is needed, and once. People who
-/// capture somebody before they have been told how are left alone. No line has more than 90 bytes: the game would break
-/// it in two.
+/// Tells newcomers what to do, in private lines from the server: each line once, when it is needed. People who capture
+/// somebody before they have been told how are left alone. No line has more than 90 bytes: the game would break it in
+/// two.
 class Coach {
  public:
   static constexpr Millis brakesAfter = 4'000;  ///< time without a movement

@@ -75,7 +75,7 @@ TEST_F(SoundingGame, PlaysEveryEffectAudibly) {
   EXPECT_TRUE(play([&] {
     if (const auto now = std::chrono::steady_clock::now(); now >= next) {
       soundMan::playSound(soundMan::Sound{0});
-      next = now + 4 * SoundMixer::maxEffectDelay;
+      next = now + 4 * SoundMixer::usualMaxDelay;
     }
     return isHeard();
   }));

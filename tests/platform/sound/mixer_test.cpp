@@ -277,7 +277,7 @@ TEST_F(Mixer, KeepsTheDeviceOpenDuringAQuietPassage) {
 /// A device that hangs while being opened until somebody reads from it, and that breaks when nobody reads any more.
 class HangingDevice : public Mixer {
  protected:
-  HangingDevice() : Mixer(SoundMixer::maxEffectDelay, SoundMixer::usualRest) {
+  HangingDevice() : Mixer(SoundMixer::usualMaxDelay, SoundMixer::usualRest) {
     std::signal(SIGPIPE, SIG_IGN);  // from here on, because the mixer may write until it is destroyed
     EXPECT_EQ(mkfifo(pipe_.c_str(), 0600), 0);
   }
@@ -308,7 +308,7 @@ TEST_F(HangingDevice, BlocksNobodyAndDropsLateEffects) {
   mixer.startEffect(effect);
   mixer.startMusic((folder.path() / "nowhere.mp3").string());
   EXPECT_EQ(mixer.musicState(), psTransitioning);
-  std::this_thread::sleep_for(2 * SoundMixer::maxEffectDelay);
+  std::this_thread::sleep_for(2 * SoundMixer::usualMaxDelay);
   EXPECT_EQ(mixer.musicState(), psTransitioning);
   beginReading();
   bool heard = false;
