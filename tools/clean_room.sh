@@ -12,13 +12,8 @@ source tools/common.sh
 room=${KELVORA_ROOM:-/var/tmp/kelvora-room}
 user=player
 
-# The base system comes from KELVORA_MIRROR, or else from this machine's own apt source for Debian 12.
-# shellcheck disable=SC2016
-mirror=${KELVORA_MIRROR:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' \
-  'Codename: bookworm' 'Component: main' | head -n 1)}
-
 [ "$(id -u)" -eq 0 ] || fail "Only root can create the room: sudo tools/clean_room.sh"
-[ -n "$mirror" ] || fail "apt has no source for Debian 12. Run apt-get update, or set KELVORA_MIRROR."
+mirror=$(debian_mirror)
 install_packages debootstrap
 
 close_room() {

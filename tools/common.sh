@@ -133,6 +133,22 @@ build_page() {
   cmake --build --preset web --target kelvora_site "$@"
 }
 
+# use_commit_time: packages and images carry the time of the last commit, so that their builds are reproducible.
+use_commit_time() {
+  SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
+  export SOURCE_DATE_EPOCH
+}
+
+# debian_mirror: prints where Debian 12 comes from: KELVORA_MIRROR, or else this machine's own apt source.
+debian_mirror() {
+  local mirror=${KELVORA_MIRROR-}
+  # shellcheck disable=SC2016
+  [ -n "$mirror" ] || mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' \
+    'Codename: bookworm' 'Component: main' | head -n 1)
+  [ -n "$mirror" ] || fail "apt has no source for Debian 12. Run apt-get update, or set KELVORA_MIRROR."
+  echo "$mirror"
+}
+
 # Clones in different folders share the cache, but not the files that combine sources. In depend mode, a compilation that
 # is not in the cache needs no separate run of the preprocessor.
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1

@@ -26,9 +26,7 @@ elif [ -z "$page" ]; then
   page=$PWD/build/web/site
 fi
 
-# The image carries the time of the last commit, so that the same packages make the same image.
-SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
-export SOURCE_DATE_EPOCH
+use_commit_time
 umask 022
 say "Building the server"
 configure package -B $image -DKELVORA_CLIENT=OFF "-DKELVORA_SITE=$page"
@@ -38,9 +36,7 @@ rm -rf $image/packages
 package=$(echo $image/packages/kelvora-server_*.deb)
 
 say "Making the root file system"
-mirror=${KELVORA_MIRROR:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' \
-  'Codename: bookworm' 'Component: main' | head -n 1)}
-[ -n "$mirror" ] || fail "apt has no source for Debian 12. Run apt-get update, or set KELVORA_MIRROR."
+mirror=$(debian_mirror)
 libraries=$(dpkg-deb -f "$package" Depends | sed 's/([^)]*)//g; s/|[^,]*//g; s/ //g')
 rm -rf "$context"
 mkdir -p "$context"

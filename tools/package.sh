@@ -48,9 +48,7 @@ fi
 # shellcheck disable=SC2086
 install_packages $play_packages $web_packages dpkg-dev file
 
-# The packages carry the time of the last commit, so that the build is reproducible.
-SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
-export SOURCE_DATE_EPOCH
+use_commit_time
 umask 022
 say "Building the page for browsers"
 build_page || fail "The page could not be built; see above."
