@@ -12,6 +12,7 @@ import harness
 from client import Client
 from display import Display
 from protocol import LOGIN, LOGIN_ACCEPTED, PING, PING_REPLY, POSITION_REPORT
+from screen import Gone
 from servers import ScriptedServer, Server
 
 HANG = 300  # seconds; a test that takes longer hangs
@@ -87,7 +88,7 @@ class DesktopTest(unittest.TestCase):
             raise
         except BaseException:
             # The failure counts, even if the display has ended, too.
-            with contextlib.suppress(OSError, subprocess.SubprocessError):
+            with contextlib.suppress(OSError, subprocess.SubprocessError, Gone):
                 self.keep_state(pathlib.Path(harness.CLIENT).parent / "desktop" / self.id())
             raise
 
