@@ -105,11 +105,19 @@ addEventListener('resize', () => {
 function raiseWindow(control) {
   const at = shownWindows.indexOf(control);
   if (at < 0 || control.element.inert) return;
+  keepFocus();
   const wasFront = at === shownWindows.length - 1;
   if (control !== mainWindow) shownWindows.push(...shownWindows.splice(at, 1));
   orderWindows();
   if (!wasFront || !control.isActive) post('activated', control.id);
   for (const other of shownWindows) other.isActive = other === control;
+}
+
+// Keeps the focused element for when its window is in front again. Focus events would be missing while the browser's own
+// window is inactive.
+function keepFocus() {
+  const form = document.activeElement.closest('.form');
+  if (form) controls.get(Number(form.dataset.id)).focus = document.activeElement;
 }
 
 function orderWindows() {
@@ -162,11 +170,6 @@ function addWatchNote(control) {
   note.textContent = 'Watching: players don\u2019t see you';
   control.list.append(note);
 }
-
-addEventListener('focusin', (event) => {
-  const form = event.target.closest('.form');
-  if (form) controls.get(Number(form.dataset.id)).focus = event.target;
-});
 
 const windowProperties = {
   Caption: (control, value) => {
