@@ -136,14 +136,23 @@ TEST_F(Budget, KeptConnectionsMakeRoomForTheirOwnAddress) {
         answer += more;
       }
     }
-    const std::string answer = askForPage(server.port(), 10);
-    std::vector<std::size_t> gone;
-    for (std::size_t i = 0; i < crowd.size(); ++i) {
-      if (crowd[i]->hasEnded()) gone.push_back(i);
-    }
+    const auto gone = [&crowd] {
+      std::vector<std::size_t> found;
+      for (std::size_t i = 0; i < crowd.size(); ++i) {
+        if (crowd[i]->hasEnded()) found.push_back(i);
+      }
+      return found;
+    };
+    const std::string first = askForPage(server.port(), 10);
+    const auto goneAtFirst = gone();
+    const TcpClient sixteenth(server.port(), 10);
+    const std::string second = askForPage(server.port(), 10);
+    const auto goneAtLast = gone();
     return [=] {
-      EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
-      EXPECT_EQ(gone, std::vector<std::size_t>{8}) << "the oldest of the two that the address keeps";
+      EXPECT_TRUE(first.starts_with("HTTP/1.1 200 OK"));
+      EXPECT_EQ(goneAtFirst, std::vector<std::size_t>{8}) << "the oldest of the two that the address keeps";
+      EXPECT_TRUE(second.starts_with("HTTP/1.1 200 OK"));
+      EXPECT_EQ(goneAtLast, (std::vector<std::size_t>{8, 9})) << "the first one freed one place, not two";
     };
   });
 }
