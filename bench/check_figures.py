@@ -15,7 +15,7 @@ import time
 from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parent.parent
-TEST, GAME = "tests/simulation/movement_test.cpp", "simulation/movement.cpp"
+GAME, TEST = "tails.cpp", "tails_test.cpp"
 # Changes every program that the source is linked into.
 CHANGE = "\nstatic volatile int checkFigure = 0;\n[[maybe_unused]] static const int checkFigures = checkFigure;\n"
 INSTALL = "source tools/common.sh; install_packages $linux_check_packages $web_check_packages $windows_check_packages"
@@ -27,7 +27,9 @@ def clone(folder):
     return folder / "kelvora", dict(os.environ, CCACHE_DIR=str(folder / "ccache"))
 
 
-def change(path):
+def change(name, place):
+    """Changes the source of this name."""
+    [path] = place[0].rglob(name)
     path.write_text(path.read_text() + CHANGE)
 
 
@@ -46,9 +48,9 @@ def main():
         place = clone(Path(folder))
         minutes("all systems", place)
         minutes("again", place)
-        change(place[0] / TEST)
+        change(TEST, place)
         minutes("after a change of a test", place)
-        change(place[0] / GAME)
+        change(GAME, place)
         minutes("after a change of the game", place)
     with tempfile.TemporaryDirectory(prefix="kelvora-check-") as folder:
         minutes("linux", clone(Path(folder)), "linux")
