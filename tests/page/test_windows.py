@@ -4,7 +4,7 @@ import signal
 
 import harness
 from pageTest import PageTest, unittest
-from protocol import BUY_ACCEPTED, BUY_REQUEST, FUNDS, PLAYER_JOINED, SERVER_TEXT
+from protocol import BUY_ACCEPTED, BUY_REQUEST, FUNDS, PLAYER_JOINED, RESPAWN, SERVER_TEXT
 from spy import Spy
 
 STORE = "all('.form').find((form) => words(form.querySelector('h2')) === 'Powerups')"
@@ -72,6 +72,18 @@ class Windows(PageTest):
         page.click_on("dialog('Game Finder').querySelector('.close')")
         page.wait_for("!dialog('Game Finder')")
         page.wait_for("document.activeElement === by('button', 'Get List')", "the focus back in the dialog")
+
+    def test_the_canvas_keeps_the_focus_when_the_store_is_closed(self):
+        _, page = self.begin()
+        line = self.log_in(page)
+        page.click_on("document.querySelector('[aria-label=Store]')")
+        page.wait_for(STORE)
+        # The store covers the middle.
+        page.click(*page.see("((r) => [r.right - 20, r.bottom - 20])(canvas().getBoundingClientRect())"))
+        page.wait_for("document.activeElement === canvas()")
+        line.send(RESPAWN, 7)
+        page.wait_for(f"!{STORE}")
+        page.wait_for("document.activeElement === canvas()")
 
     def test_a_font_size_survives_a_reload(self):
         _, page = self.begin()

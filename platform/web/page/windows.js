@@ -113,10 +113,10 @@ function raiseWindow(control) {
   for (const other of shownWindows) other.isActive = other === control;
 }
 
-// Keeps the focused element for when its window is in front again. Focus events would be missing while the browser's own
-// window is inactive.
+// Keeps the focused element for when its window is in front again. Focus events can't tell it: there are none while the
+// browser's own window is inactive.
 function keepFocus() {
-  const form = document.activeElement.closest('.form');
+  const form = document.activeElement?.closest('.form');
   if (form) controls.get(Number(form.dataset.id)).focus = document.activeElement;
 }
 
@@ -131,6 +131,7 @@ function orderWindows() {
 function leaveDesk(control) {
   const at = shownWindows.indexOf(control);
   if (at < 0) return;
+  keepFocus();
   shownWindows.splice(at, 1);
   orderWindows();
   const front = frontWindow();
