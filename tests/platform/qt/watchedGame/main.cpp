@@ -27,7 +27,7 @@ class Watch {
     if (!takePicture()) return;
     const int stale = stalePixels(box_);
     if (stale > 0) std::printf("%s: %d pixels of picture %d are stale\n", name_, stale, count_);
-    if (++count_ % 500 == 0) std::printf("%s: %d pictures compared\n", name_, count_);
+    if (++count_ % 100 == 0) std::printf("%s: %d pictures compared\n", name_, count_);
     std::fflush(stdout);
   }
 
