@@ -35,7 +35,7 @@ class Film {
   void hear(const recording::Sounding& sounding, Millis now);
   /// Ends the film. False after an error, or if there is no picture in the range.
   bool finish();
-  /// What has been written, as a line for people.
+  /// The written files, as a line for people.
   virtual std::string result() const = 0;
   /// Empty if there is none.
   const std::string& error() const { return error_; }

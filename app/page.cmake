@@ -22,7 +22,7 @@ target_link_options(kelvora PRIVATE "SHELL:--preload-file ${CMAKE_SOURCE_DIR}/ke
 list(TRANSFORM parts PREPEND ${page}/)
 set_target_properties(kelvora PROPERTIES LINK_DEPENDS "${parts};${page}/library.js;${pictures}")
 
-# What the browser fetches beside it.
+# Files that the browser fetches beside it.
 set(comic /usr/share/fonts/opentype/comic-neue)
 set(liberation /usr/share/fonts/truetype/liberation)
 set(fonts ${comic}/ComicNeue-Regular.otf ${comic}/ComicNeue-Bold.otf ${liberation}/LiberationSans-Regular.ttf

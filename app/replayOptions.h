@@ -22,7 +22,7 @@ struct ReplayOptions {
 /// Reads the arguments, without the program's name, into new options. Their order doesn't matter.
 Outcome parseReplayOptions(std::span<const std::string> arguments, ReplayOptions& options);
 
-/// What --help prints.
+/// The text of --help.
 std::string replayHelp();
 
 }  // namespace kelvora

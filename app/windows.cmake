@@ -4,7 +4,7 @@ target_link_options(kelvora PRIVATE -municode)
 set_target_properties(kelvora PROPERTIES WIN32_EXECUTABLE ON)
 kelvora_windows_program(kelvora "Kelvora, an arena game")
 
-# What a player starts by a double click.
+# Programs that players start by a double click.
 function(kelvora_launcher target file source)
   add_executable(${target} windows/launcher.cpp windows/${source})
   target_link_libraries(${target} PRIVATE kelvora_options)

@@ -1,4 +1,4 @@
-"""What a process uses, as the kernel counts it."""
+"""The processor time and memory of a process, as the kernel counts them."""
 
 import time
 from pathlib import Path

@@ -133,7 +133,7 @@ build_page() {
   cmake --build --preset web --target kelvora_site "$@"
 }
 
-# use_commit_time: packages and images carry the time of the last commit, so that their builds are reproducible.
+# use_commit_time: exports the last commit's time for packages and images, so that their builds are reproducible.
 use_commit_time() {
   SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
   export SOURCE_DATE_EPOCH

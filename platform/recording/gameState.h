@@ -14,7 +14,7 @@ struct StatePart {
   std::string name;
   std::uint64_t sum = 0;
 
-  /// What a recording keeps of the sum: its upper 16 bits, which depend on all that was added.
+  /// The part of the sum that a recording keeps: its upper 16 bits, which depend on all that was added.
   std::array<std::uint8_t, 2> recorded() const {
     return {static_cast<std::uint8_t>(sum >> 56), static_cast<std::uint8_t>(sum >> 48 & 255U)};
   }

@@ -1,4 +1,4 @@
-// What the game asks its backend for, recorded on its way.
+// The backend's services, whose answers are recorded on their way.
 
 #include <cstdint>
 #include <cstdlib>

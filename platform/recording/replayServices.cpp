@@ -1,4 +1,4 @@
-// What the game asks its backend for, answered by the recording.
+// The backend's services, answered by the recording.
 
 #include <cstddef>
 #include <memory>

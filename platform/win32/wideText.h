@@ -10,7 +10,7 @@ std::wstring toWide(std::string_view bytes);
 /// The reverse. Drops characters that the code page lacks.
 std::string fromWide(std::wstring_view text);
 
-/// Converts UTF-8, in which paths are, to the system's wide characters.
+/// Converts UTF-8, the encoding of paths, to the system's wide characters.
 std::wstring wideFromUtf8(std::string_view bytes);
 
 }  // namespace kelvora

@@ -30,7 +30,7 @@ class SidecarPlan {
   /// The server has nothing left to do. Nothing else is told from now on.
   void finish() { isFinished_ = true; }
 
-  /// What to tell now, if anything.
+  /// Returns the message that is due now, if any.
   std::optional<Call> next(Millis now) const;
   /// How long to wait for the next call, unless something changes: above 0, at most `healthInterval`.
   Millis wait(Millis now) const;

@@ -14,7 +14,7 @@ namespace {
 constexpr char noBreakBlank = '\xA0';
 constexpr char softHyphen = '\xAD';  // invisible
 
-// What the bytes from 128 on look like, 16 in a row. Quotes, dashes and accents alone look like nothing.
+// The letters that bytes from 128 on look like, 16 in a row. Quotes, dashes and accents alone look like nothing.
 constexpr std::array<std::string_view, 128> upperHalf = {
     "",  "",  "",  "f", "",  "",  "t",  "t", "",  "",   "s", "",  "oe", "",   "z",  "",   // 80
     "",  "",  "",  "",  "",  "",  "",   "",  "",  "tm", "s", "",  "oe", "",   "z",  "y",  // 90
@@ -30,7 +30,7 @@ constexpr std::string_view confusing = "i1|!05$8@";  // ASCII, each with the let
 constexpr std::string_view plainLetter = "llllossba";
 static_assert(confusing.size() == plainLetter.size());
 
-// What the server calls itself, or what people take for it.
+// Names of the server, and names that people take for it.
 constexpr std::array serverNames = {"server", "the server",    "kelvora",   "kelvora server", "system",  "admin",
                                     "admins", "administrator", "moderator", "operator",       "console", "coach"};
 

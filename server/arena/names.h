@@ -20,7 +20,7 @@ std::string skeletonOf(std::string_view name);
 /// Refuses a name that nobody may have, with a text for the player.
 Outcome checkName(std::string_view name);
 
-/// What the skeleton of the name begins with, whatever number `distinctName` gives it up to 999.
+/// The beginning of the name's skeleton, whatever number `distinctName` gives it up to 999.
 std::string commonSkeleton(std::string_view name);
 
 /// The name, with a number from 2 on if one of the skeletons is the same. At most `maxNameLength` bytes if the name is.

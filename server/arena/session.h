@@ -8,7 +8,7 @@ namespace kelvora::server {
 
 inline constexpr double requestsPerSecond = 10;  ///< of one client: chat, store, spawns and powerups combined
 
-/// What the arena keeps of each connection that has logged in, a player's or a spectator's.
+/// A connection that has logged in, a player's or a spectator's, as the arena sees it.
 struct Session {
   Millis nextPing = 0;
   std::optional<Millis> pingSent{};  ///< the unanswered ping

@@ -10,7 +10,7 @@
 
 namespace kelvora::server {
 
-/// What people vote on: to kick a player, or to restart the round if there is none.
+/// The subject of a vote: to kick a player, or to restart the round if there is none.
 struct Motion {
   std::optional<ClientId> kicked{};
   std::string name{};     ///< of the player to be kicked

@@ -16,9 +16,9 @@ class Door {
   static constexpr std::size_t maxNetworks = 4096;  ///< maximum number of networks remembered
 
   struct Terms {
-    bool isNew = true;       ///< charged for, unlike a proxy's connection that has served another client
+    bool isNew = true;       ///< charged for, unlike a proxy's requests for pages
     bool isLimited = true;   ///< without limits it is neither charged for nor refused
-    bool takesOver = false;  ///< gets the place of a connection that is in, such as its own
+    bool takesOver = false;  ///< keeps its own place, or gets that of another connection
   };
 
   /// True if the network has fewer connections than it may have.

@@ -6,7 +6,7 @@
 
 namespace kelvora::server {
 
-/// What went wrong, in the same words on every system. Windows' own texts are long, and Wine has none for
+/// The text of an error, in the same words on every system. Windows' own texts are long, and Wine has none for
 /// socket errors.
 std::string errorText(error_code error);
 

@@ -16,7 +16,7 @@ namespace {
 
 using namespace recording;
 
-/// What comes out of a file that these were written to, one by one.
+/// Writes the messages to a file one by one, and returns those read from it.
 std::vector<std::string> throughAFile(const std::vector<std::string>& all) {
   const std::string path = (std::filesystem::temp_directory_path() / "kelvora-messages.recording").string();
   {

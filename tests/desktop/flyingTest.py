@@ -1,4 +1,4 @@
-"""Shared code of the tests that look whether the ball flies where the mouse points."""
+"""Shared code of the tests that check that the ball flies where the mouse points."""
 
 import rules
 from desktopTest import DesktopTest

@@ -1,4 +1,4 @@
-"""What the program prints for informational options, and where it finds its files."""
+"""The program's answers to informational options, and the places of its files."""
 
 import os
 import pathlib

@@ -1,4 +1,4 @@
-"""What is heard: effects and music, recorded from the sound server and searched for the samples of the files."""
+"""Effects and music, recorded from the sound server and searched for the samples of the files."""
 
 import array
 import subprocess

@@ -62,7 +62,7 @@ if CLIENT or SERVER:
     load_protocol()
 
 
-# What is open, in order. It is closed even if the script is interrupted.
+# Everything open, in order. It is closed even if the script is interrupted.
 opened = []
 signal.signal(signal.SIGTERM, signal.default_int_handler)
 

@@ -10,7 +10,7 @@ from harness import BESIDE_CANVAS, wait_for
 PICTURES = os.environ.get("KELVORA_PICTURES")  # a folder for screenshots, which are kept only if it is set
 LEFT, RIGHT = 0, 2  # mouse buttons
 
-# What a user can see: elements with a box that nothing hides, by selector and text.
+# The things that a user can see: elements with a box that nothing hides, by selector and text.
 PRELUDE = """
 const shown = (element) => element.checkVisibility({visibilityProperty: true}) && element.getClientRects().length > 0;
 const all = (selector, root = document) => [...root.querySelectorAll(selector)].filter(shown);

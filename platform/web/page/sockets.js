@@ -37,7 +37,7 @@ function openSocket(id, host, port) {
   };
 }
 
-// What has arrived since the program looked becomes one event, up to a limit.
+// All bytes that have arrived since the program looked become one event, up to a limit.
 function takeBytes(id, bytes) {
   const size = (event) => event.length || event.bytes.length;
   const unread = pendingEvents.reduce((sum, event) => event.id === id ? sum + size(event) : sum, 0);

@@ -11,7 +11,7 @@
 
 namespace kelvora {
 
-/// What the screen shows at the box's place, or `right` pixels further to the right.
+/// The screen at the box's place, or `right` pixels further to the right.
 inline QImage screenAt(const PictureBox& box, int right = 0) {
   QWidget& widget = *dynamic_cast<WidgetPeer&>(*box.peer).widget();
   QWidget& window = *widget.window();

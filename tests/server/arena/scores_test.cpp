@@ -1,4 +1,4 @@
-// What the arena tells about people's rounds, and what it asks about their names.
+// The arena's reports of people's rounds, and its questions about their names.
 
 #include "tests/server/arena/arenaTest.h"
 

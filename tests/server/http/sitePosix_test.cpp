@@ -1,4 +1,4 @@
-// What Windows' files lack: links without an administrator, replacing an open file, permissions of other users.
+// Files as Windows lacks them: links without an administrator, replacing an open file, permissions of other users.
 
 #include <unistd.h>
 
