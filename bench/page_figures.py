@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures the page in headless Chromium, beside the native programs.
 
-    bench/page_figures.py build/release [--web build/web] [--browser chromium] [--runs 5] [--minutes 10]
+    bench/page_figures.py build/release [--web FOLDER] [--browser chromium] [--runs 5] [--minutes 10]
 
 Needs the browser build, and in both builds the target kelvora_page_frames. Prints the time of whole frames in the
 browser and natively, in turns; the time from the link to the connect dialog, and the bytes that are fetched until then
@@ -29,10 +29,12 @@ def arguments():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--browser", choices=("chromium", "firefox"), default="chromium")
     parser.add_argument("native", type=Path, help="the folder of a release build")
-    parser.add_argument("--web", type=Path, default=PROJECT / "build/web", help="the folder of the browser build")
+    parser.add_argument("--web", type=Path, help="the folder of the browser build; usually the one beside it")
     parser.add_argument("--runs", type=int, default=5, help="of each figure that is a median")
     parser.add_argument("--minutes", type=int, default=10, help="of play while memory is measured")
-    return parser.parse_args()
+    options = parser.parse_args()
+    options.web = options.web or options.native.resolve().parent / "web"
+    return options
 
 
 OPTIONS = arguments()

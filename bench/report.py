@@ -21,6 +21,7 @@ DOCUMENT = PROJECT / "docs" / "performance.md"
 HEAD = "| figure | goal | today | command |\n| --- | --- | --- | --- |\n"
 TABLE = re.compile(re.escape(HEAD) + r"(?:\|.*\n)*")
 AT_LEAST, AT_MOST = "at least", "at most"
+PYTHON = "/usr/bin/python3"  # the system's, whose packages page_figures.py needs
 
 
 def counter(benchmark, name):
@@ -90,9 +91,9 @@ FIGURES = {
         ("memory without sound, by an empty window's", (AT_MOST, 1.35), "", ratio("without sound", 2)),
         ("not connected, minimised: wake-ups a second", (AT_MOST, 0), "",
          r"^not connected, minimised: .* ([\d.]+) wake-ups"),
-        ("the same with effects on", (AT_MOST, 0.5), "",
+        ("the same with effects on", (AT_MOST, 0.2), "",
          r"^not connected, minimised, effects on: .* ([\d.]+) wake-ups"),
-        ("the same with effects on: of a core", (AT_MOST, 0.01), "%", share("not connected, minimised, effects on")),
+        ("the same with effects on: of a core", (AT_MOST, 0.002), "%", share("not connected, minimised, effects on")),
         ("the same with effects and music on: of a core", None, "%",
          share("not connected, minimised, effects and music on")),
         ("at 10 ms a pass, a light scene in sight: of a core", (AT_MOST, 5), "%", share("connected, paced, in sight")),
@@ -127,15 +128,15 @@ FIGURES = {
     "listener_load.py build/release/kelvora-server": [
         ("six players over WebSocket: processor time by TCP's", (AT_MOST, 1.3), "",
          r"^  WebSocket.*, ([\d.]+) of the first"),
-        ("list of 1000 entries: answers a second of processor time", (AT_LEAST, 7000), "",
+        ("list of 1000 entries: answers a second of processor time", (AT_LEAST, 8000), "",
          r"^The list at 1000 .*: (\d+) requests a second"),
-        ("report to the other player", (AT_MOST, 1), "ms", r"^From a report .*, alone: ([\d.]+) ms"),
-        ("the same beside 1000 idle connections", (AT_MOST, 1), "ms",
+        ("report to the other player", (AT_MOST, 0.4), "ms", r"^From a report .*, alone: ([\d.]+) ms"),
+        ("the same beside 1000 idle connections", (AT_MOST, 0.4), "ms",
          r"^From a report .* idle connections: ([\d.]+) ms")],
     "list_load.py build/release/kelvora-server": [
-        ("list of 20,000 arenas: answers a second of processor time", (AT_LEAST, 4000), "",
+        ("list of 20,000 arenas: answers a second of processor time", (AT_LEAST, 5000), "",
          r"^lists: .*, (\d+) a second of processor time"),
-        ("the same: memory (RSS)", (AT_MOST, 30), "MiB", r"^lists: .*; ([\d.]+) MiB;")],
+        ("the same: memory (RSS)", (AT_MOST, 25), "MiB", r"^lists: .*; ([\d.]+) MiB;")],
     "spectator_load.py build/release/kelvora-server": [
         ("report to another player, median", None, "ms", r"^0 spectators: ([\d.]+) ms at the median"),
         ("the same with 32 spectators", None, "ms", r"^32 spectators: ([\d.]+) ms at the median"),
@@ -177,7 +178,7 @@ def in_build(word, build):
 def output(command, build):
     program, *words = (in_build(word, build) for word in command.split())
     if program.endswith(".py"):
-        call = [sys.executable, str(PROJECT / "bench" / program), *words]
+        call = [PYTHON, str(PROJECT / "bench" / program), *words]
     else:
         call = [str(build / program), *words]
     print("#", *call, flush=True)
