@@ -14,12 +14,15 @@ namespace kelvora {
 /// One vertex of a tail. It lives a little over two seconds of real time in its owner's `tails`.
 class clsTail {
  public:
+  /// A vertex of the tail with this serial number of its oldest vertex.
+  explicit clsTail(const double& base) : base_(&base) {}
+
   /// Owner, second of the day and a random number. Two vertices have the same id only by chance.
   const std::string& tailID() const { return tailID_; }
   // Quirk Q-048: killer and isLong store nothing, and no vertex is ever looped.
   void killer(bool) {}
   bool looped() const { return false; }
-  /// The vertex's index in its owner's tail.
+  /// The vertex's index in its tail.
   void num(double value);
   double num() const;
   /// Ages by one step. True if the vertex has expired. It has then been removed from its owner's tail, and this object
@@ -55,7 +58,8 @@ class clsTail {
 
   friend class clsPlayer;  // updates serials when a vertex is removed from the middle of the tail
 
-  double serial_ = 0;            // num plus the owner's tailBase
+  const double* base_;           // the tailBase of the player with this tail
+  double serial_ = 0;            // num plus the tailBase
   std::int16_t age_ = 0;         // 10 ms units, expires above 200
   std::int16_t ownerIndex_ = 0;  // playerIndex
   Vector position_;              // world units

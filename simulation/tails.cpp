@@ -21,18 +21,11 @@ constexpr Millis minStep = 10;     // ms
 constexpr double stepUnit = 10;    // ms per unit of age
 constexpr int oldestAge = rules::vertexLifetime / 10;
 
-/// Serial number of a player's oldest vertex; 0 if there is no such player.
-double serialBase(std::int16_t ownerIndex) {
-  if (ownerIndex == localIndex) return modMain::world.localPlayer.tailBase;
-  const std::size_t slot = static_cast<std::size_t>(ownerIndex);
-  return slot < modMain::world.opponents.size() ? modMain::world.opponents[slot].tailBase : 0;
-}
-
 }  // namespace
 
-void clsTail::num(double value) { serial_ = value + serialBase(ownerIndex_); }
+void clsTail::num(double value) { serial_ = value + *base_; }
 
-double clsTail::num() const { return serial_ - serialBase(ownerIndex_); }
+double clsTail::num() const { return serial_ - *base_; }
 
 void clsTail::initTail(double newNum, std::int16_t ownerIndex, Vector position) {
   ownerIndex_ = ownerIndex;
@@ -72,7 +65,7 @@ void clsTail::expire() {
 void clsPlayer::addTail(Vector point) {
   if (!alive || clsTail::count() >= modMain::maxTailVertices) return;
   const double count = tailCount();
-  clsTail& vertex = tails.emplace_back();
+  clsTail& vertex = tails.emplace_back(tailBase);
   vertex.initTail(count, playerIndex, point);
   if (powerups[chargedTailSlot].active) vertex.isCharged(true);
 }

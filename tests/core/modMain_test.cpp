@@ -27,7 +27,8 @@ TEST_F(World, ANewPlayerIsAllZero) {
 }
 
 TEST_F(World, Q048KillerAndIsLongOfATailChangeNothing) {
-  clsTail tail;
+  const double base = 0;
+  clsTail tail(base);
   tail.initTail(3, -1, {10, 20});
   const std::string id = tail.tailID();
   tail.killer(true);

@@ -34,12 +34,13 @@ TEST_F(GoldenPlayers, TheLivingInEachColourAndCell) {
 }
 
 TEST_F(GoldenPlayers, TheDeadInEachColourAndCell) {
+  const double base = 0;
   std::vector<Picture> pictures;
   for (const PlayerColour colour : playerColours) {
     for (const bool overTail : {false, true}) {
       for (std::int16_t cell = 0; cell < 4; ++cell) {
         canvas().Cls();
-        const Colour tail = clsTail{}.getColour(static_cast<PlayerColour>((colour + cell) % 6));
+        const Colour tail = clsTail(base).getColour(static_cast<PlayerColour>((colour + cell) % 6));
         if (overTail) {
           canvas().ForeColor = tail;
           canvas().DrawWidth = 20;

@@ -297,12 +297,11 @@ TEST_F(ChargedArc, Q303ASlopeBeyondSinglePrecisionIsAFault) {
 
 class VertexOfSlotZero : public TailPainting {
  protected:
-  /// Lays vertices before the first login, when the local player counts as slot 0. Then an opponent gets that slot.
+  /// Lays vertices before the first login, when the local player counts as slot 0.
   void layForSlotZero(int count) {
     local->playerIndex = 0;
     for (int i = 0; i < count; ++i) lay(1500 + 1500 * i, 1500);
     local->playerIndex = -1;
-    placeOpponent(yellowPlayer, 90000, 90000);
     paint();
     tick(11);
     paint();
@@ -314,6 +313,7 @@ class VertexOfSlotZero : public TailPainting {
 };
 
 TEST_F(VertexOfSlotZero, Q300IsNotRemovedAndFaultsWhenDarkerThanBlack) {
+  placeOpponent(yellowPlayer, 90000, 90000);
   layForSlotZero(2);
   ageBy(255);
   ASSERT_EQ(local->tailCount(), 2) << "an ordinary vertex expires above 200";
@@ -323,11 +323,22 @@ TEST_F(VertexOfSlotZero, Q300IsNotRemovedAndFaultsWhenDarkerThanBlack) {
 }
 
 TEST_F(VertexOfSlotZero, Q300AloneIsNotDrawnAndFaultsWhenItsAgeOverflows) {
+  placeOpponent(yellowPlayer, 90000, 90000);
   layForSlotZero(1);
   for (int i = 0; i < 10; ++i) ageBy(3199);
   ageBy(777);
   EXPECT_EQ(local->tails[0].getAge(), 32767);
   EXPECT_THROW(ageBy(1), RuntimeFault);
+}
+
+TEST_F(VertexOfSlotZero, Q300RemovesThatOfSlotZeroWithItsNumber) {
+  clsPlayer& bob = placeOpponent(yellowPlayer, 90000, 90000);
+  for (const float x : {1.0F, 2.0F, 3.0F}) bob.addTail({90000 + x, 90000});
+  layForSlotZero(1);
+  bob.killTail(0);
+  ageBy(201);
+  ASSERT_EQ(bob.tailCount(), 1) << "the first of two";
+  EXPECT_EQ(bob.tails[0].getPosition().x, 90003);
 }
 
 TEST_F(ChargedArc, AnUnchargedSegmentHasNoLightningAndDrawsNoNumbers) {

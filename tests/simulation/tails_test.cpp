@@ -348,7 +348,7 @@ TEST_F(Tails, StartsOverIfTheClockHasMoved) {
   pass();
   pass(5);
   pass(1000);
-  player.tails[0] = {};  // the first vertex is younger
+  player.tails[0] = clsTail(player.tailBase);  // the first vertex is younger
   player.tails[0].initTail(0, -1, {1, 0});
   pass(900);
   ASSERT_EQ(ageOf(0), 0) << "stamped now";
