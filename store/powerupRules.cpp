@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 #include "audio/soundMan.h"
 #include "base/fault.h"
@@ -49,10 +51,7 @@ void clsPlayer::activatePowerup(PowerupSlot slot) {
   PowerupState& powerup = powerups[index];
   if (powerup.active) return;
   // Quirk Q-046: an activation by the server runs even without stock.
-  if (powerup.count > 0)
-    --powerup.count;
-  else
-    powerup.count = 0;
+  powerup.count = std::max<std::int16_t>(toInt16(powerup.count - 1), 0);
   powerup.timeLeft = powerupTable[index].seconds;
   powerup.active = powerupTable[index].runs;
   if (playerIndex != localIndex) return;

@@ -191,6 +191,17 @@ TEST_F(PowerupRules, UnknownSlotIsAFaultOnlyInTheActivation) {
   EXPECT_EQ(lastLine(), "");
 }
 
+TEST_F(PowerupRules, SmallestStockOverflowsInTheActivation) {
+  serverSends(wire::msgBuyAccepted, {"0", "-32768", "5"});
+  ASSERT_EQ(player().powerups[shieldSlot].count, -32768);
+  EXPECT_THROW(player().activatePowerup(shieldSlot), RuntimeFault);
+  EXPECT_FALSE(player().powerups[shieldSlot].active);
+  player().powerups[shieldSlot].count = -32767;
+  player().activatePowerup(shieldSlot);
+  EXPECT_EQ(player().powerups[shieldSlot].count, 0);
+  EXPECT_TRUE(player().powerups[shieldSlot].active);
+}
+
 TEST_F(PowerupRules, ATickIsOneWholeSecond) {
   machine.seconds = 1000;
   player().powerups[shieldSlot] = {0, 15, true};
