@@ -108,6 +108,8 @@ TEST_F(ParticlePainting, CanvasIsTestedAfterTheShift) {
   canvas().Cls();
   background(1, -2000, 4560).paintSelf();  // .05 * 7722.5 - 2000: still outside
   EXPECT_TRUE(isEmpty());
+  background(10, 5722.5, -2000).paintSelf();  // .5 * 6560 - 2000 = 1280
+  EXPECT_EQ(pixelAt(canvas(), 5722.5, 1280.0), RGB(100, 100, 100));
 }
 
 TEST_F(ParticlePainting, OutsideTheWorldABackgroundParticleIsNotDrawn) {

@@ -95,12 +95,15 @@ TEST_F(ScreenMessages, TheDebugTextRunsDownFromTheTopInCyan) {
 }
 
 TEST_F(ScreenMessages, ShortCanvasCutsOffTheUpperLines) {
-  canvas().Height = 1000;
+  canvas().Height = 1100;
   for (std::size_t i = 0; i < 7; ++i) setLine(i, RGB(255, 255, 255));
   modMain::world.debugText.clear();
   modMain::paintTextLines();
-  EXPECT_NE(pixelAt(canvas(), 60.0, 600.0), Colour{});
-  EXPECT_NE(pixelAt(canvas(), 60.0, 200.0), Colour{});
+  EXPECT_NE(pixelAt(canvas(), 60.0, 700.0), Colour{});
+  EXPECT_NE(pixelAt(canvas(), 60.0, 300.0), Colour{});
+  // The third line from the bottom begins 7 pixels above the canvas: its last three rows are in sight.
+  EXPECT_EQ(pixelAt(canvas(), 4, 2), RGB(195, 195, 195));
+  EXPECT_EQ(pixelAt(canvas(), 4, 3), Colour{});
 }
 
 TEST_F(ScreenMessages, Q134TheCentreMessageIsLeftOfTheMiddle) {
