@@ -12,7 +12,7 @@ class FrmMusic : public Form {
   FrmMusic();
   /// Creates the hidden window, without which the timer wouldn't run.
   void load() override;
-  /// Stops the timer.
+  /// Stops the timer and the music.
   void unloaded() override;
 
   MusicPlayer player{this, {120, 195, 4230, 255}};

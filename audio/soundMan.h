@@ -16,7 +16,7 @@ inline constexpr std::int16_t storeTrack = 0;
 inline constexpr std::int16_t lastTrack = 5;  ///< last track of the rotation, which begins at 1
 
 extern std::array<std::string, lastTrack + 1> musicFiles;  ///< paths by track; empty before initAudio
-extern std::int16_t currentMusic;                          ///< the rotation's track started last, 1 to 5
+extern std::int16_t currentMusic;                          ///< rotation's track started or drawn last; 0 at first
 
 /// Resets the module to its initial state.
 void clear();
@@ -30,7 +30,8 @@ void playSound(Sound sound);
 /// Stops an effect. Numbers outside the enum do nothing.
 void stopSound(Sound sound);
 
-/// Loads the player and draws the rotation's start, unless music is switched off.
+/// Loads the player, starts its timer and draws currentMusic, after which the rotation begins, unless music is switched
+/// off.
 void startMusic();
 /// Plays a track, 0 to 5, unless music is switched off. Other numbers do nothing.
 void playMusic(std::int16_t index);

@@ -38,7 +38,8 @@ std::string PenaltyFile::read() {
 }
 
 void PenaltyFile::restoreUnsaved() {
-  unsaved_.insert(saving_.begin(), saving_.end());  // what is being written may be replacing what has been read
+  // The write in progress may be replacing the file that has just been read.
+  unsaved_.insert(saving_.begin(), saving_.end());
   for (const auto& [place, penalty] : unsaved_) {
     penalties_.lift(place.first, place.second);
     if (!penalty) continue;
@@ -89,7 +90,8 @@ void PenaltyFile::concludeSaving(const std::string& error) {
   }
   host_.log("cannot write " + path_ + ": " + error);
   retryAt_ = host_.wallClock() + retryAfter;
-  unsaved_.merge(std::exchange(saving_, {}));  // which has the older changes
+  // Keeps the newer changes.
+  unsaved_.merge(std::exchange(saving_, {}));
 }
 
 }  // namespace kelvora::server

@@ -43,7 +43,7 @@ class PenaltyFile {
   void save();
   void concludeSaving(const std::string& error);
 
-  /// By kind and network. Nothing stands for a penalty that has been lifted.
+  /// By kind and network. `nullopt` is a penalty that has been lifted.
   using Changes = std::map<std::pair<PenaltyKind, std::string>, std::optional<Penalty>>;
 
   ModerationHost& host_;

@@ -16,15 +16,15 @@ class Door {
   static constexpr std::size_t maxNetworks = 4096;  ///< maximum number of networks remembered
 
   struct Terms {
-    bool isNew = true;       ///< charged for, unlike a proxy's requests for pages
-    bool isLimited = true;   ///< without limits it is neither charged for nor refused
+    bool isNew = true;       ///< counts for the network's rate, unlike a proxy's requests for pages
+    bool isLimited = true;   ///< without limits it doesn't count for the rate and isn't refused
     bool takesOver = false;  ///< keeps its own place, or gets that of another connection
   };
 
   /// True if the network has fewer connections than it may have.
   bool hasPlace(const std::string& network) const;
-  /// Lets a connection in. Call `left` when it ends. False, without charging for it, if the network has no place for it
-  /// or makes connections too fast.
+  /// Lets a connection in. Call `left` when it ends. False, without counting it, if the network has no place for it or
+  /// makes connections too fast.
   [[nodiscard]] bool admit(const std::string& network, Millis now, const Terms& terms);
   void left(const std::string& network);
 

@@ -100,8 +100,8 @@ class GameServer : private ArenaOutput, private ModerationHost {
   /// Tells that a connection of this network was turned away.
   void refuse(const std::string& network);
   /// Counts the connection for the network of this address, and no longer for another one. A connection that isn't new
-  /// costs its network nothing. False if the network's limits are exceeded. If it has all of its places, a connection
-  /// kept between two requests makes room.
+  /// takes a place, but doesn't count for its network's rate. False if the network's limits are exceeded. If it has all
+  /// of its places, a connection kept between two requests makes room.
   bool admit(Guest& guest, const asio::ip::address& address, bool isNew = true);
   void forwarded(ClientId client, const asio::ip::address& address);
   /// Makes sure that another connection may come in: closes one that has been hung up, or the oldest without a player.

@@ -26,8 +26,8 @@ class Listener {
   static std::vector<asio::ip::address> resolve(asio::io_context& context, const std::string& name);
 
   /// Listens at once. Port 0 is any free one. "::" is every address of the machine, in IPv4 as well. Of a
-  /// name's addresses, skips those that this machine lacks, unless it lacks all. A bad address or port throws
-  /// std::system_error, whose text names both.
+  /// name's addresses, skips those that this machine lacks, unless it lacks all. Throws
+  /// std::runtime_error, whose text names both, for a bad address or port.
   Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers,
            Resolver addressesOf = resolve);
 

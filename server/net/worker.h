@@ -8,7 +8,7 @@
 
 namespace kelvora::server {
 
-/// A thread for what would hold up the game, such as hashes and files. Runs its jobs one after the other.
+/// A thread for work that would hold up the game, such as hashes and files. Runs its jobs one after the other.
 class Worker {
  public:
   static constexpr std::size_t maxPending = 32;  ///< jobs

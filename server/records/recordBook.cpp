@@ -67,7 +67,7 @@ NameVerdict RecordBook::verdict(ClientId client, const std::string& name, const 
   if (!isKept()) return {};
   const auto [known, isNew] = verdicts_.try_emplace(client, NameVerdict{.isPending = true});
   if (!isNew) return known->second;
-  const auto answer = std::make_shared<NameVerdict>();  // what can't be read is nobody's
+  const auto answer = std::make_shared<NameVerdict>();  // by default, the name is nobody's
   const bool isUnderWay = use(
       [name, password, answer](Database& database) {
         const std::string key = skeletonOf(name);
