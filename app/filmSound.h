@@ -26,7 +26,7 @@ class FilmSound {
   bool finish(Millis end);
 
  private:
-  /// Writes the samples before this time. What is written stays.
+  /// Writes the samples before this time. Samples are final once written.
   void writeUntil(Millis time);
 
   std::ofstream file_;

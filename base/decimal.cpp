@@ -71,7 +71,7 @@ std::optional<double> parseDecimal(std::string_view text) {
 }
 
 std::optional<double> parseWholeDecimal(std::string_view text) {
-  // strtod also reads blanks, a plus sign, hexadecimal digits. The letters spell e, inf, infinity and nan.
+  // strtod also reads blanks, plus signs and hexadecimal digits. These letters are those of e, inf, infinity and nan.
   const bool isSuspect = text.find_first_not_of("0123456789.+-aefintyAEFINTY") != std::string_view::npos;
   if (text.empty() || text.front() == '+' || isSuspect) return std::nullopt;
   const std::string copy(text);

@@ -70,7 +70,7 @@ class Reader {
   using Source = std::function<std::string()>;
   explicit Reader(Source source) : source_(std::move(source)) {}
 
-  /// True at the end of the last whole block. What a killed game has left ends in the middle of one.
+  /// True at the end of the last whole block. A killed game's file ends in the middle of one.
   bool isAtEnd();
   std::uint8_t byte(Plane plane = Plane::Records);
   std::uint64_t number(Plane plane = Plane::Records);

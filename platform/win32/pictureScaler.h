@@ -19,7 +19,7 @@ class PictureScaler {
   void scale(std::span<const Pixel> pixels, const PixelArea& part, std::span<Pixel> shown) const;
 
  private:
-  /// A shown column or row is a mixture: of this one of the picture, and of the next with a weight of 0 to 256.
+  /// A shown column or row mixes two of the picture: `first`, and the next one with this weight, 0 to 256.
   struct Mixture {
     int first;
     Pixel nextWeight;

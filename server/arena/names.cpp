@@ -30,7 +30,7 @@ constexpr std::string_view confusing = "i1|!05$8@";  // ASCII, each with the let
 constexpr std::string_view plainLetter = "llllossba";
 static_assert(confusing.size() == plainLetter.size());
 
-// Names of the server, and names that people take for it.
+// Names that the server has or could be taken for.
 constexpr std::array serverNames = {"server", "the server",    "kelvora",   "kelvora server", "system",  "admin",
                                     "admins", "administrator", "moderator", "operator",       "console", "coach"};
 

@@ -9,7 +9,7 @@
 namespace kelvora::server {
 
 /// Writes lines for the operator. After a burst of 200 lines it writes 20 a second and counts the rest, so that
-/// strangers can't fill the disk. What moderators do isn't limited, since few people can be moderators.
+/// strangers can't fill the disk. Moderators' acts aren't limited, since few people can be moderators.
 class Log {
  public:
   /// `withTime` prefixes each line with the time.

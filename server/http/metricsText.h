@@ -26,7 +26,7 @@ class MetricsText {
   /// Adds a family of durations in seconds.
   void addHistogram(std::string_view name, std::string_view help, const Histogram& histogram);
 
-  /// `name="value"`. What isn't ASCII text becomes question marks.
+  /// `name="value"`. Other bytes than ASCII text become question marks.
   static std::string label(std::string_view name, std::string_view value);
 
   /// The answer with everything added so far.

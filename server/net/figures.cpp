@@ -76,7 +76,7 @@ HttpAnswer metricsPage(const Figures& figures, const Gauges& gauges) {
   for (const auto& [status, traffic] : figures.answers) {
     text.add(traffic.bytes, MetricsText::label("status", std::to_string(status)));
   }
-  text.begin("kelvora_dropped_total", "counter", "What limits have dropped or refused.");
+  text.begin("kelvora_dropped_total", "counter", "Input and connections dropped or refused by limits.");
   const auto addDropped = [&text](const char* what, std::uint64_t count) {
     text.add(count, MetricsText::label("what", what));
   };

@@ -45,7 +45,8 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
   if (guest.isForwarded) {
     const auto address = forwardedAddress(request);
     if (!address) return textAnswer(400, "The proxy names no client address.\n");
-    // The proxy decides when it connects. What a direct client would have to connect for counts as a new connection.
+    // The proxy decides when it connects. A request counts as a new connection where a direct client would have to
+    // connect.
     const bool isNew = path == playPath || ListPages::has(path);
     if (!admit(guest, *address, isNew)) {
       refuse(networkOf(*address));

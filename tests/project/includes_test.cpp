@@ -161,7 +161,7 @@ TEST(Includes, OfHeadersFormNoCycle) {
   for (const auto& file : sources()) {
     if (file.path.ends_with(".h")) graph[file.path] = includes(file, R"re("([^"\n]+)")re");
   }
-  // A header whose includes have all been removed can be removed itself. What remains forms a cycle.
+  // A header whose includes have all been removed can be removed itself. The rest forms a cycle.
   bool progress = true;
   while (progress) {
     progress = std::erase_if(graph, [&graph](const auto& entry) {

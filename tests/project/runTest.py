@@ -100,7 +100,7 @@ class RunTest(unittest.TestCase):
         self.write("build/made/CTestTestfile.cmake", tests.format(build=self.build, project=self.project))
 
     def run_tests(self, *options, **variables):
-        """The names of the tests that ran. What the script said and its status are kept."""
+        """The names of the tests that ran. Keeps the script's words and status."""
         environment = dict(os.environ, PYTHONPATH=str(self.project / "tests"), **variables)
         done = subprocess.run([sys.executable, "-B", "-c", RUN, self.build, "2", *options], env=environment,
                               cwd=self.project, stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False)

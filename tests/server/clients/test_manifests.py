@@ -87,7 +87,7 @@ ALLOCATION = {
 
 
 def faults(value, form, place=""):
-    """Returns all misfits with the form, as texts. A field whose name ends with an exclamation mark is required."""
+    """Returns where the value doesn't fit the form, as texts. A field whose name ends with an exclamation mark is required."""
     if callable(form):
         return [] if form(value) else [f"{place}: {value!r}"]
     if isinstance(form, Each):

@@ -1,4 +1,5 @@
-// Files as Windows lacks them: links without an administrator, replacing an open file, permissions of other users.
+// Features of files that Windows lacks: links without an administrator, replacing an open file, permissions of other
+// users.
 
 #include <unistd.h>
 
