@@ -55,12 +55,12 @@ constexpr bool canHold(FieldType type) {
 /// Appends the text of a field's value.
 inline void append(std::string& frame, NumberText number) { frame += number.text; }
 inline void append(std::string& frame, std::string_view text) { frame += text; }
-template <WholeNumber Number>
-void append(std::string& frame, Number number) {
+template <WholeNumber Value>
+void append(std::string& frame, Value number) {
   frame += std::to_string(number);
 }
-template <std::floating_point Number>
-void append(std::string& frame, Number number) {
+template <std::floating_point Value>
+void append(std::string& frame, Value number) {
   frame += numberText(number);
 }
 
