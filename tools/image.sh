@@ -1,12 +1,18 @@
 #!/usr/bin/env bash
-# Makes an OCI image of the server, build/image/kelvora-server.tar, from Debian's packages. Needs no registry and no
-# container engine, but root. Then runs tests against the server in the unpacked image, on a read-only root.
-#   tools/image.sh             with the page for browsers, which is that of KELVORA_SITE or is built
-#   tools/image.sh --no-page   without it
+# tools/image.sh [--no-page]: makes an OCI image of the server, build/image/kelvora-server.tar, from Debian's packages.
+#   Needs no registry and no container engine, but root. Then runs tests against the server in the unpacked image, on a
+#   read-only root. The image has the page for browsers, which is that of KELVORA_SITE or is built, unless --no-page is
+#   given.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/common.sh
 source tools/common.sh
+
+case $* in
+  "" | --no-page) ;;
+  -h | --help) usage tools/image.sh && exit ;;
+  *) refuse tools/image.sh "$*" ;;
+esac
 
 user=65532  # as in the Containerfile
 image=build/image

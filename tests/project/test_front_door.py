@@ -11,7 +11,10 @@ import unittest
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 COMMON = PROJECT / "tools" / "common.sh"
 CLANG = '"-DCMAKE_CXX_COMPILER=$(clang_tool clang++)"'  # as ./check gives it
-SCRIPTS = {"./check": PROJECT / "check", "tools/package.sh": PROJECT / "tools" / "package.sh"}
+SCRIPTS = {"./check": PROJECT / "check", "tools/package.sh": PROJECT / "tools" / "package.sh",
+           "tools/format.sh": PROJECT / "tools" / "format.sh", "tools/image.sh": PROJECT / "tools" / "image.sh"}
+USAGES = {"./check": "[linux|web|windows]", "tools/package.sh": "windows: builds", "tools/format.sh": "[--check]: formats",
+          "tools/image.sh": "[--no-page]: makes"}
 
 
 class FrontDoor(unittest.TestCase):
@@ -42,7 +45,7 @@ class Arguments(FrontDoor):
         for script in SCRIPTS:
             for word in ("-h", "--help"):
                 done = self.expect(0, script, word)
-                self.assertIn("windows", done.stdout)
+                self.assertIn(USAGES[script], done.stdout)
                 self.assertEqual(done.stdout.partition(" ")[0].rstrip(":"), script)
                 self.assertEqual(done.stdout.count("#"), 0)
                 self.assertEqual(done.stderr, "")
@@ -52,7 +55,7 @@ class Arguments(FrontDoor):
             for words in (("mac",), ("windows", "fast"), ("--help", "windows"), ("--every",)):
                 done = self.expect(1, script, *words)
                 self.assertIn(f"""{script} doesn't know "{' '.join(words)}".""", done.stderr)
-                self.assertIn("windows: builds" if "package" in script else "[linux|web|windows]", done.stderr)
+                self.assertIn(USAGES[script], done.stderr)
         self.assertIn('"fast"', self.expect(1, "./check", "--all", "fast").stderr)
 
 
