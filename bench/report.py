@@ -212,6 +212,8 @@ def main():
     parser.add_argument("build", type=Path, help="the folder of a release build")
     parser.add_argument("--only", default="", help="a part of the commands to run")
     options = parser.parse_args()
+    if not any(options.only in command for command in FIGURES):
+        parser.error(f"no command contains {options.only}")
     document = DOCUMENT.read_text()
     old = TABLE.search(document)[0][len(HEAD):].splitlines(keepends=True)
     rows = {command: "".join(line for line in old if line.endswith(f"| `{command}` |\n")) for command in FIGURES}

@@ -1,5 +1,6 @@
 """The table of docs/performance.md has the rows and goals of bench/report.py, and marks what misses its goal."""
 
+import subprocess
 import sys
 import unittest
 from pathlib import Path
@@ -20,11 +21,18 @@ class Report(unittest.TestCase):
             self.assertEqual(line, report.row(command, figure, float(today)))
 
     def test_a_figure_is_rounded_before_it_is_held_against_its_goal(self):
-        for value, goal, cell in ((3.996, (report.AT_LEAST, 4), "4 ms"), (3.994, (report.AT_LEAST, 4), "3.99 ms, **missed**"),
-                                  (1.504, (report.AT_MOST, 1.5), "1.5 ms"), (1.506, (report.AT_MOST, 1.5), "1.51 ms, **missed**"),
+        at_least, at_most = (report.AT_LEAST, 4), (report.AT_MOST, 1.5)
+        for value, goal, cell in ((3.996, at_least, "4 ms"), (3.994, at_least, "3.99 ms, **missed**"),
+                                  (1.504, at_most, "1.5 ms"), (1.506, at_most, "1.51 ms, **missed**"),
                                   (999.4, None, "999 ms"), (999.6, None, "1000 ms"), (2583.2, None, "2583 ms")):
             with self.subTest(value):
                 self.assertEqual(report.row("bench", ("sum", goal, "ms", ""), value).split(" | ")[2], cell)
+
+    def test_a_word_that_no_command_contains_is_refused(self):
+        done = subprocess.run([sys.executable, "-B", PROJECT / "bench" / "report.py", "build", "--only", "nosuch_bench"],
+                              capture_output=True, text=True, check=False)
+        self.assertEqual(done.returncode, 2, done)
+        self.assertIn("no command contains nosuch_bench", done.stderr)
 
 
 if __name__ == "__main__":
