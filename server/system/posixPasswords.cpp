@@ -2,6 +2,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <iostream>
 #include <memory>
 
@@ -20,6 +21,25 @@ std::string hashWith(const std::string& password, const std::string& setting) {
   const auto data = std::make_unique<crypt_data>();  // 32 KiB
   const char* hash = ::crypt_rn(password.c_str(), setting.c_str(), data.get(), sizeof(crypt_data));
   return hash == nullptr ? "" : hash;
+}
+
+/// The terminal's settings while it shows what is typed.
+termios shown{};
+
+void showInput() { ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown); }
+
+/// Stops the terminal from showing what is typed. A signal that ends the program shows it again.
+void hideInput() {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    std::signal(signal, [](int number) {
+      showInput();
+      std::signal(number, SIG_DFL);
+      std::raise(number);
+    });
+  }
+  termios hidden = shown;
+  hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+  ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
 }
 
 }  // namespace
@@ -47,18 +67,15 @@ bool matches(const std::string& password, const std::string& hash) {
 }
 
 std::string readSecret(const std::string& prompt) {
-  termios before{};
-  const bool isTerminal = ::tcgetattr(STDIN_FILENO, &before) == 0;
+  const bool isTerminal = ::tcgetattr(STDIN_FILENO, &shown) == 0;
   if (isTerminal) {
     std::cerr << prompt;
-    termios silent = before;
-    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
+    hideInput();
   }
   std::string line;
   std::getline(std::cin, line);
   if (isTerminal) {
-    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
+    showInput();
     std::cerr << "\n";
   }
   return line;

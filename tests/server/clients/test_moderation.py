@@ -1,10 +1,13 @@
 """Moderators, bans and the file that keeps them, with the real program and sockets."""
 
+import os
 import pathlib
+import pty
 import shutil
 import signal
 import subprocess
 import tempfile
+import termios
 import unittest
 
 from realServer import SERVER, RawPlayer, Server, connect, frame, protocol, wait_for
@@ -60,6 +63,22 @@ class Moderation(unittest.TestCase):
         result = subprocess.run([SERVER, "--moderator", "open-sesame"], capture_output=True, text=True)
         self.assertEqual(result.returncode, 2)
         self.assertIn("--moderator must be what kelvora-server --hash-password prints", result.stderr)
+
+    def test_a_terminal_shows_no_password_and_everything_after_a_signal(self):
+        for number in (signal.SIGINT, signal.SIGQUIT, signal.SIGTERM, signal.SIGHUP):
+            ends = pty.openpty()
+            for end in ends:
+                self.addCleanup(os.close, end)
+
+            def echoes(terminal=ends[1]):
+                return bool(termios.tcgetattr(terminal)[3] & termios.ECHO)
+
+            self.assertTrue(echoes())
+            with subprocess.Popen([SERVER, "--hash-password"], stdin=ends[1], stderr=subprocess.DEVNULL) as process:
+                wait_for(lambda: not echoes(), "a hidden password")
+                process.send_signal(number)
+                self.assertEqual(process.wait(60), -number)
+            self.assertTrue(echoes(), number)
 
     def test_a_ban_lasts_beyond_the_server(self):
         with self.server() as server:
