@@ -1,12 +1,9 @@
 #include "server/config/configFile.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <map>
 
-#include "server/system/process.h"
+#include "server/system/files.h"
 
 namespace kelvora::server {
 
@@ -47,17 +44,10 @@ Outcome readConfig(std::string_view text, const std::string& fileName, const Tak
 }
 
 Outcome readConfigFile(const std::string& fileName, const TakeSetting& take) {
-  errno = 0;
-  std::ifstream file(pathFromUtf8(fileName), std::ios::binary);
-  std::string text(maxFileSize + 1, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (!file.eof() && file.gcount() == 0) {
-    return Outcome::refused("cannot read " + fileName +
-                            (errno == 0 ? std::string() : std::string(": ") + std::strerror(errno)));
-  }
-  text.resize(static_cast<std::size_t>(file.gcount()));
-  if (text.size() > maxFileSize) return Outcome::refused(fileName + " is longer than 64 KiB");
-  return readConfig(text, fileName, take);
+  const FileText file = readFile(fileName, maxFileSize, true);
+  if (file.text) return readConfig(*file.text, fileName, take);
+  return Outcome::refused("cannot read " + fileName + ": " +
+                          (file.error.empty() ? "there is no such file" : file.error));
 }
 
 }  // namespace kelvora::server

@@ -12,14 +12,15 @@
 
 namespace kelvora::server {
 
-FileText readFile(const std::string& path, std::size_t maxSize) {
+FileText readFile(const std::string& path, std::size_t maxSize, bool mayBePipe) {
   namespace fs = std::filesystem;
   std::error_code error;
   const fs::path file = pathFromUtf8(path);
   const fs::file_status status = fs::status(file, error);
   if (status.type() == fs::file_type::not_found) return {};
   if (error) return {.error = error.message()};
-  if (status.type() != fs::file_type::regular) return {.error = "not a file"};
+  const bool isFile = mayBePipe ? !fs::is_directory(status) : fs::is_regular_file(status);
+  if (!isFile) return {.error = "not a file"};
   errno = 0;
   std::ifstream stream(file, std::ios::binary);
   std::string text(maxSize + 1, '\0');

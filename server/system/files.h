@@ -9,12 +9,12 @@ namespace kelvora::server {
 /// FILE.new first. Returns the error; empty if there was none. Waits for the disk. `path` is UTF-8.
 std::string replaceFile(const std::string& path, const std::string& contents);
 
-/// A whole file of at most `maxSize` bytes.
+/// A whole file of at most `maxSize` bytes. `mayBePipe` allows pipes and devices, too, which can block.
 struct FileText {
   std::optional<std::string> text{};  ///< nothing if there is no such file
   std::string error{};                ///< empty if it was read or doesn't exist
 };
-FileText readFile(const std::string& path, std::size_t maxSize);
+FileText readFile(const std::string& path, std::size_t maxSize, bool mayBePipe = false);
 
 /// Throws std::runtime_error if there is no folder for this file, whose path may be mistyped.
 void requireFolderOf(const std::string& path);
