@@ -150,6 +150,7 @@ class HostileTest(DesktopTest):
             node, *place = next_of(POSITION)[:3]
             if node == joined[0]:
                 places.add(tuple(place))
+        client.window.activate()
         self.display.xdotool("click", 1, "key", "h", "Return")
         while (chat := next_of(CHAT))[0] != joined[0]:
             pass

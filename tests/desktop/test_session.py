@@ -146,6 +146,7 @@ class Session(DesktopTest):
 
     def test_chat_line_is_sent_on_enter(self):
         client, line = self.log_in()
+        client.window.activate()
         client.mouse_to(300, 300)
         self.display.xdotool("click", 1, "type", "--delay", "20", "hello there")
         self.display.xdotool("key", "Return")
