@@ -5,7 +5,8 @@
 
 Prints minutes. In one clone, ./check runs four times: first, again, after a change of a test and after one of the game.
 In a second clone, ./check linux runs. Takes three quarters of an hour on a machine that should be otherwise idle.
-Packages that are missing are installed beforehand. The output of ./check goes to standard error. If one fails, the script ends with status 1.
+Packages that are missing are installed beforehand. The output of ./check goes to standard error. If one fails, the
+script ends with status 1.
 """
 
 import os

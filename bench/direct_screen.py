@@ -25,8 +25,8 @@ class DirectScreen:
 
     def brightest(self, x, y, reach):
         """The brightest channel near a point."""
-        image = ctypes.c_void_p(self.x11.XGetImage(self.connection, self.root, x - reach, y - reach, 2 * reach, 2 * reach,
-                                                   ctypes.c_ulong(0xFFFFFF), 2))
+        image = ctypes.c_void_p(self.x11.XGetImage(self.connection, self.root, x - reach, y - reach, 2 * reach,
+                                                   2 * reach, ctypes.c_ulong(0xFFFFFF), 2))
         pixels = [self.x11.XGetPixel(image, column, row) for row in range(0, 2 * reach, 2)
                   for column in range(0, 2 * reach, 2)]
         self.x11.XDestroyImage(image)

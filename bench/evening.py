@@ -9,8 +9,8 @@ Each arena has five people. Hostile clients and spectators visit every second on
 others, and their people vote. There the counts of /metrics must equal what the scripts sent and got. Ends with status 1
 if anybody who behaves well loses a connection that no server announced, if a report takes more than a tick (40 ms) to
 reach others at the median or two at the 99th percentile, if the quiet arenas' memory grows by a tenth between the start
-and the end of a half, or if a figure differs. --untimed judges neither time nor memory. --update names the program that replaces the
-first one; without it, the program replaces itself."""
+and the end of a half, or if a figure differs. --untimed judges neither time nor memory. --update names the program that
+replaces the first one; without it, the program replaces itself."""
 
 import argparse
 import collections
@@ -38,7 +38,8 @@ class Evening:
 
     def __init__(self, program, list_port):
         self.protocol = load_protocol(program)
-        self.version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
+        self.version = subprocess.run([program, "--version"], capture_output=True, text=True,
+                                      check=True).stdout.split()[-1]
         self.list_port = list_port
         self.phase = multiprocessing.Value("i", RUN)
         self.joined = multiprocessing.Value("i", 0)
@@ -290,8 +291,8 @@ class Coordinator:
         time.sleep(self.chosen.seconds / 2)
         share = (self.processor_time() - used) / (time.monotonic() - begin)
         after = {group: memory(arenas) for group, arenas in groups.items()}
-        print(f"{name} half: the arenas took {100 * share:.0f} % of a core, the quiet ones {before['quiet']:.1f} MiB at "
-              f"its start and {after['quiet']:.1f} at its end, the attacked ones {before['attacked']:.1f} and "
+        print(f"{name} half: the arenas took {100 * share:.0f} % of a core, the quiet ones {before['quiet']:.1f} MiB "
+              f"at its start and {after['quiet']:.1f} at its end, the attacked ones {before['attacked']:.1f} and "
               f"{after['attacked']:.1f}; load of the machine {os.getloadavg()[0]:.1f}", flush=True)
         if after["quiet"] > 1.1 * before["quiet"] and not self.chosen.untimed:
             self.faults.append(f"the quiet arenas' memory grew in the {name} half")
@@ -359,8 +360,8 @@ class Coordinator:
     def judge(self, figures, results):
         times = sorted(one for result in results for one in result.get("times", ()))
         median, late = statistics.median(times), statistics.quantiles(times, n=100)[98]
-        print(f"{len(times)} reports: {1000 * median:.2f} ms to another player at the median, {1000 * late:.2f} ms at the "
-              f"99th percentile, {1000 * times[-1]:.2f} ms at most; by the servers' figures at most "
+        print(f"{len(times)} reports: {1000 * median:.2f} ms to another player at the median, {1000 * late:.2f} ms at "
+              f"the 99th percentile, {1000 * times[-1]:.2f} ms at most; by the servers' figures at most "
               f"{1000 * quantile(figures, 'kelvora_relay_seconds', 0.99):.2f} ms to relay and "
               f"{1000 * quantile(figures, 'kelvora_wait_seconds', 0.99):.2f} ms to wait, at the 99th percentile")
         if (median > 0.04 or late > 0.08) and not self.chosen.untimed:

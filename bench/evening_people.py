@@ -141,7 +141,8 @@ class Person:
             elif message == protocol.SERVER_TEXT:
                 self.said.append(fields[0])
                 self.leaves = self.leaves or fields[0] == FAREWELL
-                if "Type !vote yes" in fields[0] and not re.search(rf"\b{self.name}\b", fields[0]) and not self.is_watching:
+                is_named = re.search(rf"\b{self.name}\b", fields[0])
+                if "Type !vote yes" in fields[0] and not is_named and not self.is_watching:
                     self.answer(protocol.CHAT, "-1", "!vote yes")
 
     def answer(self, message, *fields):

@@ -127,7 +127,8 @@ def main():
     chosen = arguments.parse_args()
     global protocol
     protocol = load_protocol(chosen.program)
-    version = subprocess.run([chosen.program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
+    version = subprocess.run([chosen.program, "--version"], capture_output=True, text=True,
+                             check=True).stdout.split()[-1]
     with tempfile.TemporaryDirectory() as site:
         with open(os.path.join(site, "large"), "wb") as file:
             file.truncate(20 << 20)
@@ -136,7 +137,8 @@ def main():
             players = [Player(server.port, number, version) for number in range(2)]
             play(players, 1)
             ready = multiprocessing.Event()
-            attack = multiprocessing.Process(target=flood, args=(server.port, crowds, "read nothing" not in name, ready))
+            attack = multiprocessing.Process(target=flood,
+                                             args=(server.port, crowds, "read nothing" not in name, ready))
             attack.start()
             ready.wait()
             used, begin = server.seconds(), time.monotonic()
@@ -144,8 +146,8 @@ def main():
             share = (server.seconds() - used) / (time.monotonic() - begin)
             attack.kill()
             attack.join()
-            print(f"{name}: {1000 * statistics.median(times):.2f} ms at the median, {1000 * max(times):.2f} ms at most; "
-                  f"the server takes {100 * share:.0f} % of a core", flush=True)
+            print(f"{name}: {1000 * statistics.median(times):.2f} ms at the median, {1000 * max(times):.2f} ms at "
+                  f"most; the server takes {100 * share:.0f} % of a core", flush=True)
             server.end()
 
 

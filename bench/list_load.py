@@ -33,8 +33,8 @@ def ask(port, request):
 
 
 def change(port, method, version, arena, players):
-    query = (f"{method} /games/kelvora/publish?version={version}&address=arena{arena}.games.example&port=2010&password=0"
-             f"&notes=arena+{arena}&players={players}&max=6 HTTP/1.0\r\n\r\n")
+    query = (f"{method} /games/kelvora/publish?version={version}&address=arena{arena}.games.example&port=2010"
+             f"&password=0&notes=arena+{arena}&players={players}&max=6 HTTP/1.0\r\n\r\n")
     first, _, _ = ask(port, query.encode())
     assert b" 200" in first, first
 
@@ -69,7 +69,8 @@ def main():
     arguments.add_argument("--requests", type=float, default=2_000)
     arguments.add_argument("--seconds", type=float, default=20)
     chosen = arguments.parse_args()
-    version = subprocess.run([chosen.program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
+    version = subprocess.run([chosen.program, "--version"], capture_output=True, text=True,
+                             check=True).stdout.split()[-1]
     # All clients of this measurement come from one machine.
     server = Server(chosen.program, "--list-size", str(chosen.arenas), "--unlimited-for", "127.0.0.0/8", "--no-site")
     processes = []
@@ -78,8 +79,9 @@ def main():
         for arena in range(chosen.arenas):
             change(server.port, "POST", version, arena, arena % 7)
         taken = time.monotonic() - begin
-        print(f"{chosen.arenas} arenas announced in {taken:.1f} s, {(server.seconds() - used) / chosen.arenas * 1e6:.0f} µs "
-              f"of processor time each; {server.memory()[0] / 1024:.1f} MiB")
+        print(f"{chosen.arenas} arenas announced in {taken:.1f} s, "
+              f"{(server.seconds() - used) / chosen.arenas * 1e6:.0f} µs of processor time each; "
+              f"{server.memory()[0] / 1024:.1f} MiB")
         results = multiprocessing.Queue()
         processes = [multiprocessing.Process(target=request_lists, args=(
             server.port, version, chosen.requests / CLIENTS, chosen.seconds, results)) for _ in range(CLIENTS)]
@@ -95,8 +97,8 @@ def main():
             largest = max(largest, size)
         used = server.seconds() - used
         rss = server.memory()[0]
-        print(f"lists: {rate:.0f} a second, {len(delays) / used:.0f} a second of processor time, up to {largest / 1024:.0f} "
-              f"KiB; {1000 * statistics.median(delays):.1f} ms at the median, "
+        print(f"lists: {rate:.0f} a second, {len(delays) / used:.0f} a second of processor time, "
+              f"up to {largest / 1024:.0f} KiB; {1000 * statistics.median(delays):.1f} ms at the median, "
               f"{1000 * statistics.quantiles(delays, n=100)[98]:.1f} ms at the 99th percentile; {rss / 1024:.1f} MiB; "
               f"load of the machine {os.getloadavg()[0]:.1f}")
         if rss > MAX_MEMORY:

@@ -18,8 +18,8 @@ import time
 
 from arena_load import Player, Server, load_protocol, play
 
-HANDSHAKE = (b"GET /play HTTP/1.1\r\nHost: h\r\nConnection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Version: 13\r\n"
-             b"Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n")
+HANDSHAKE = (b"GET /play HTTP/1.1\r\nHost: h\r\nConnection: Upgrade\r\nUpgrade: websocket\r\n"
+             b"Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n")
 
 
 def web_frame(data):
@@ -75,8 +75,8 @@ def compare_players(programs, seconds):
     print(f"Six players each for {taken:.0f} s, all at once:")
     for (name, _, _), group, cost, server in zip(programs, players, used, servers):
         heard = sum(player.frames for player in group) / taken
-        print(f"  {name}: {100 * cost / taken:.2f} % of a core, {cost / used[0]:.2f} of the first; {heard:.0f} messages a "
-              f"second, {server.memory()[1]} KiB (PSS)")
+        print(f"  {name}: {100 * cost / taken:.2f} % of a core, {cost / used[0]:.2f} of the first; "
+              f"{heard:.0f} messages a second, {server.memory()[1]} KiB (PSS)")
         server.end()
 
 
@@ -141,8 +141,8 @@ def list_rate(program, seconds):
     server = Server(program, "--list-key", "k")
     version = subprocess.run([program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
     for entry in range(1000):
-        answer = ask(server.port, entry, (f"POST /games/kelvora/publish?version={version}&address=games{entry}.example&port=2010"
-                                          "&password=0&notes=one+of+a+thousand&players=3&max=6 HTTP/1.0\r\n"
+        answer = ask(server.port, entry, (f"POST /games/kelvora/publish?version={version}&address=games{entry}.example"
+                                          "&port=2010&password=0&notes=one+of+a+thousand&players=3&max=6 HTTP/1.0\r\n"
                                           "Authorization: Bearer k\r\n\r\n").encode())
         assert b" 200 " in answer, answer
     request = f"GET /games/kelvora/gethosts.php?version={version}&password=1&full=1&empty=1 HTTP/1.0\r\n\r\n".encode()

@@ -76,8 +76,8 @@ def frames_in_browser(port):
     try:
         tab = browser.open(f"http://127.0.0.1:{port}/kelvora_page_frames.html", browser.visitor(), Page)
         output = "document.getElementById('output').value"
-        return frame_times(harness.wait_for(lambda: "heavy" in tab.evaluate(output) and tab.evaluate(output), "the frames",
-                                            seconds=180, pause=1))
+        return frame_times(harness.wait_for(lambda: "heavy" in tab.evaluate(output) and tab.evaluate(output),
+                                            "the frames", seconds=180, pause=1))
     finally:
         browser.close()
 

@@ -1,4 +1,4 @@
-"""Chromium without WebDriver, for measuring its memory. Under WebDriver, it keeps nearly 2 KB of every WebSocket message
+"""Chromium without WebDriver, for measuring its memory. Under WebDriver, it keeps a record of every WebSocket message
 that a page gets, as long as the page lives. Through the debugging port it is asked for one thing at a time, and keeps
 nothing."""
 

@@ -103,7 +103,8 @@ def main():
     chosen = arguments.parse_args()
     global protocol
     protocol = load_protocol(chosen.program)
-    version = subprocess.run([chosen.program, "--version"], capture_output=True, text=True, check=True).stdout.split()[-1]
+    version = subprocess.run([chosen.program, "--version"], capture_output=True, text=True,
+                             check=True).stdout.split()[-1]
     server = Server(chosen.program, "--spectators", str(chosen.spectators))
     try:
         players = [TimedPlayer(server.port, number, version) for number in range(6)]

@@ -103,7 +103,8 @@ def starts(display):
     for name, row in medians.items():
         shown, to_window, rss, pss, cpu = row
         ratios = " ".join(f"{value / least:.2f}" for value, least in zip(row, floor))
-        print(f"{name:16}{shown * 1000:12.0f}{to_window * 1000:14.0f}{rss:10.1f}{pss:10.1f}{cpu * 1000:14.0f}   ratios {ratios}")
+        print(f"{name:16}{shown * 1000:12.0f}{to_window * 1000:14.0f}{rss:10.1f}{pss:10.1f}{cpu * 1000:14.0f}   "
+              f"ratios {ratios}")
 
 
 def wake_ups(pid):
@@ -245,7 +246,8 @@ def unpaced(display):
     count = reports_during(line, OPTIONS.seconds)
     seconds = time.monotonic() - begin
     if count:
-        print(f"unpaced: {seconds / count / 4 * 1e6:.0f} us a pass, painted and shown ({count * 4 / seconds:.0f} a second)")
+        print(f"unpaced: {seconds / count / 4 * 1e6:.0f} us a pass, painted and shown "
+              f"({count * 4 / seconds:.0f} a second)")
     line.close()
     client.close()
     server.close()

@@ -65,7 +65,8 @@ def is_compiled(flags):
 def compile_alone(pending, jobs):
     """The sources that fail. pending has the sources by their flags."""
     with tempfile.TemporaryDirectory() as scratch, ThreadPoolExecutor(jobs) as pool:
-        groups = [(flags, sources, Path(scratch, f"{number}.pch")) for number, (flags, sources) in enumerate(pending.items())]
+        groups = [(flags, sources, Path(scratch, f"{number}.pch"))
+                  for number, (flags, sources) in enumerate(pending.items())]
 
         def precompile(group):
             flags, sources, output = group
@@ -101,7 +102,8 @@ def main():
         if changed := [source for source, key in found.items() if clean.get(source) != key]:
             pending.setdefault(flags, []).extend(changed)
     failed = compile_alone(pending, jobs)
-    record.write_text(json.dumps({source: key for source, key in keys.items() if source not in failed}), encoding="utf-8")
+    record.write_text(json.dumps({source: key for source, key in keys.items() if source not in failed}),
+                      encoding="utf-8")
     return 1 if failed else 0
 
 

@@ -200,7 +200,8 @@ class OnAScriptedServer(Company):
         for line, client, name in zip(self.lines, (self.ann, self.bob), ("Ann", "Bob")):
             line.send(TAIL_CAPTURE, 4, 1, 1, 1)
             # First what fades.
-            self.expect_on_screen(client, CENTRE_MESSAGE, is_green, f"the message in the middle of {name}'s canvas", least=20)
+            self.expect_on_screen(client, CENTRE_MESSAGE, is_green, f"the message in the middle of {name}'s canvas",
+                                  least=20)
             self.expect_line(client, SERVER, f"the words on {name}'s console")
             # The winner's strip, row 3, has a red mark in its first cell.
             strip = ((11580 + 660) // 15, (60 + 600 + 3 * 540) // 15, 11, 11)

@@ -40,8 +40,8 @@ def has_left(spy, node):
 class ClientFaults(DesktopTest):
 
     def in_game(self, client, server):
-        """Logs the client in to the real server, and then a spy: the server drops those who are silent for long. Returns
-        the client's node and the spy."""
+        """Logs the client in to the real server, and then a spy: the server drops those who are silent for long.
+        Returns the client's node and the spy."""
         client.connect(server.port)
         spy = spy_on(server)
         self.addCleanup(spy.close)

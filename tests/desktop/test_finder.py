@@ -20,7 +20,8 @@ class Finder(WebTest):
         self.assertEqual(finder.geometry()[2:], (635, 419))
         request = self.list_request(host)
         self.assertTrue(request.head.startswith(
-            b"GET /games/kelvora/gethosts.php?version=" + harness.VERSION.encode() + b"&password=0&full=0&empty=1 HTTP/1.1\r\n"
+            b"GET /games/kelvora/gethosts.php?version=" + harness.VERSION.encode() +
+            b"&password=0&full=0&empty=1 HTTP/1.1\r\n"
             b"Host: " + host.name.encode() + b"\r\nUser-Agent: Mozilla/5.0 "), request.head)
         request.send(b"HTTP/1.1 200 OK\r\n\r\n" + record(first.port) + record(second.port, flag="1") + b"-END-")
         self.assertTrue(request.is_closed())

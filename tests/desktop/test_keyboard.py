@@ -71,13 +71,14 @@ class Names(Keyboard):
             self.with_key(SHIFT, SEMICOLON)
             self.press(EQUALS_PLACE, E)
             self.with_key(ALT_GR, Q)
-        self.assertEqual(self.login_typed("de", keys=keys), frame(LOGIN, "z\u00F6\u00FC\u00E4\u00DF\u00D6\u00E9@", "", 0,
-                                                                  harness.VERSION))
+        self.assertEqual(self.login_typed("de", keys=keys), frame(
+            LOGIN, "z\u00F6\u00FC\u00E4\u00DF\u00D6\u00E9@", "", 0, harness.VERSION))
 
     def test_french(self):
         def keys():
             self.press(Q, DIGIT_2, DIGIT_7, DIGIT_0, BRACKET_LEFT, E)
-        self.assertEqual(self.login_typed("fr", keys=keys), frame(LOGIN, "a\u00E9\u00E8\u00E0\u00EA", "", 0, harness.VERSION))
+        self.assertEqual(self.login_typed("fr", keys=keys), frame(
+            LOGIN, "a\u00E9\u00E8\u00E0\u00EA", "", 0, harness.VERSION))
 
     def test_american_with_dead_keys(self):
         def keys():

@@ -100,7 +100,8 @@ class Match(DesktopTest):
         wait_for(lambda: relay.said(ROUND_OVER), "the end of the round")
         self.assertFalse(relay.is_alive)
         self.keep("end")
-        wait_for(lambda: relay.said(ALIVE_STATE, lambda fields: fields == [relay.node, b"0"]), "the message that nobody is alive")
+        wait_for(lambda: relay.said(ALIVE_STATE, lambda fields: fields == [relay.node, b"0"]),
+                 "the message that nobody is alive")
         wait_for(lambda: self.pixels(client, SPAWN) != grey, "the button in its colours")
         pilot.press_spawn()
         wait_for(lambda: relay.said(SERVER_TEXT, lambda fields: fields[0].startswith(b"You will be respawned in")),

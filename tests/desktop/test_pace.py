@@ -1,5 +1,5 @@
-"""The pace and its cost. The system reports how long the client, and the display that it draws on, were runnable without
-a processor because of other work on the machine. That time is subtracted."""
+"""The pace and its cost. The system reports how long the client, and the display that it draws on, were runnable
+without a processor because of other work on the machine. That time is subtracted."""
 
 import time
 import unittest

@@ -15,8 +15,8 @@ from protocol import PING, PING_REPLY
 
 IN_WINE = wine.is_for_windows(CLIENT)
 MENU_GROUND = (28, 31, 48)
-# The store's size, and the centre of its button "Done" as the distance from its lower right corner, in twips: the button
-# is 1080 by 480 at 9840, 8250.
+# The store's size, and the centre of its button "Done" as the distance from its lower right corner, in twips: the
+# button is 1080 by 480 at 9840, 8250.
 STORE = (11370, 9060)
 DONE = (STORE[0] - 9840 - 540, STORE[1] - 8250 - 240)
 

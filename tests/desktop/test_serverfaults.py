@@ -28,9 +28,10 @@ class ServerFaults(unittest.TestCase):
 
     def start(self, *arguments, **options):
         port = free_port()
-        options = dict(dict(stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True), **options)
-        process = subprocess.Popen(wine.command(harness.SERVER, "--address", "127.0.0.1", "--port", str(port), *arguments),
-                                   **options)
+        options = dict(dict(stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True),
+                       **options)
+        process = subprocess.Popen(
+            wine.command(harness.SERVER, "--address", "127.0.0.1", "--port", str(port), *arguments), **options)
         self.addCleanup(harness.stop, process)
         for stream in (process.stdout, process.stderr):
             if stream:

@@ -20,7 +20,8 @@ class OwnWebHost(WebTest):
 
     def servers_listed(self, server):
         query = f"gethosts.php?version={harness.VERSION}&password=1&full=1&empty=1"
-        with urllib.request.urlopen(f"http://{server.web_host}/games/kelvora/{query}", timeout=harness.PATIENCE) as answer:
+        with urllib.request.urlopen(f"http://{server.web_host}/games/kelvora/{query}",
+                                    timeout=harness.PATIENCE) as answer:
             return answer.read().count(b"[")
 
     def test_server_lists_itself_and_is_joined(self):

@@ -17,7 +17,8 @@ CIRCLE = """(() => {
   const move = () => {
     const turn = performance.now() / %d * 2 * Math.PI;
     canvas().dispatchEvent(new PointerEvent('pointermove', {pointerType: 'mouse',
-      clientX: place.left + place.width / 2 + 200 * Math.cos(turn), clientY: place.top + place.height / 2 + 200 * Math.sin(turn)}));
+      clientX: place.left + place.width / 2 + 200 * Math.cos(turn),
+      clientY: place.top + place.height / 2 + 200 * Math.sin(turn)}));
   };
   return setInterval(move, 20);
 })()""" % (CIRCLE_SECONDS * 1000)

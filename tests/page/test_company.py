@@ -67,7 +67,8 @@ class Company(PageTest):
         client.connect(server.port, name="Cy", circle=2)
         self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Cy")
         names = ["Ann", "Bob", "Cy", "Spy"]
-        seen = "all('.main .frame .label').map(words).filter((text) => ['Ann', 'Bob', 'Cy', 'Spy'].includes(text)).sort()"
+        seen = "all('.main .frame .label').map(words)" \
+               ".filter((text) => ['Ann', 'Bob', 'Cy', 'Spy'].includes(text)).sort()"
         for page in (ann, bob):
             wait_for(lambda: page.see(seen) == names, "everybody's name")
         # Bob's dot has the same place on the radars of Ann's page and of the desktop.

@@ -1,5 +1,5 @@
-"""A hostile server against the page: whatever it sends, the page answers keys, its memory stays bounded, and afterwards it
-can join and play a game. The guide to reliability states the limits."""
+"""A hostile server against the page: whatever it sends, the page answers keys, its memory stays bounded, and afterwards
+it can join and play a game. The guide to reliability states the limits."""
 
 import os
 import threading
@@ -12,8 +12,8 @@ from spy import Spy
 
 ENDLESS_MIB = int(os.environ.get("KELVORA_HOSTILE_MIB", "64"))
 MIB = 1 << 20
-# How far the program's memory may grow, in MiB: for a stream without messages, and for what the world keeps of messages.
-# It grows by a fifth at a time and never shrinks.
+# How far the program's memory may grow, in MiB: for a stream without messages, and for what the world keeps of
+# messages. It grows by a fifth at a time and never shrinks.
 STREAM_MIB, WORLD_MIB = 32, 128
 MAX_BOXES = 16
 
@@ -30,7 +30,8 @@ class Hostile(PageTest):
 
     def memory(self, page):
         """The bytes of the program's memory, and of what waits for it."""
-        return page.evaluate("HEAPU8.length + pendingEvents.reduce((sum, event) => sum + (event.length || event.bytes.length), 0)")
+        return page.evaluate("HEAPU8.length + "
+                             "pendingEvents.reduce((sum, event) => sum + (event.length || event.bytes.length), 0)")
 
     def send(self, line, portion, total):
         def run():
@@ -48,8 +49,8 @@ class Hostile(PageTest):
         self.assertEqual(received[1][1], b"x")
 
     def await_all_read(self, line):
-        """Waits until the page has handled everything sent: it answers a ping again. One that is split between two reads
-        is lost."""
+        """Waits until the page has handled everything sent: it answers a ping again. One that is split between two
+        reads is lost."""
         def answers():
             line.send(PING, 1)
             return PING_REPLY in [identifier for identifier, _ in line.frames_during(0.5)]

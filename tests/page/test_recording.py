@@ -81,7 +81,8 @@ class Recording(PageTest):
         save = "by('#end .button', 'Save recording')"
         left, _, width, height = page.place(save)
         page.keep("ended")
-        # The size of a message box's button: 26 pixels high, at least 80 wide, with 12 beside the text and an edge of 1.
+        # The size of a message box's button: 26 pixels high, at least 80 wide, with 12 beside the text and an edge
+        # of 1.
         self.assertEqual(height, 26)
         self.assertGreaterEqual(width, 80)
         text = page.see("((range) => (range.selectNodeContents(" + save + "), range.getBoundingClientRect().toJSON()))"

@@ -11,8 +11,8 @@ INSIDE = "((one) => { const r = one.getBoundingClientRect(); return r.left >= -1
 FILLS_PAGE = "((r) => Math.min(Math.abs(r.width - innerWidth), Math.abs(r.height - innerHeight)) <= 2)" \
              "(document.querySelector('.main').getBoundingClientRect())"
 # How far a dialog's middle is from the page's, in pixels.
-OFF_CENTRE = "((r) => Math.max(Math.abs(r.left + r.right - innerWidth), Math.abs(r.top + r.bottom - innerHeight)) / 2)" \
-             "(dialog('Connect').getBoundingClientRect())"
+OFF_CENTRE = "((r) => Math.max(Math.abs(r.left + r.right - innerWidth)," \
+             " Math.abs(r.top + r.bottom - innerHeight)) / 2)(dialog('Connect').getBoundingClientRect())"
 
 
 class Screens(PageTest):
@@ -32,7 +32,8 @@ class Screens(PageTest):
                 _, page = self.begin()
                 page.resize(*size)
                 page.wait_for(f"innerWidth === {size[0]}")
-                page.wait_for(f"dialog('Connect') && all('.form.dialog, .form.dialog *').every({INSIDE})", "the dialog inside")
+                page.wait_for(f"dialog('Connect') && all('.form.dialog, .form.dialog *').every({INSIDE})",
+                              "the dialog inside")
                 page.keep(name + "-dialog")
                 line = self.log_in(page, colour=2)
                 page.wait_for(f"all('.main .picturebox, .main .textbox, .main .label').every({INSIDE})", "all inside")
@@ -71,13 +72,16 @@ class Screens(PageTest):
         for name, size in (("wide", (1920, 1080)), ("portrait", (390, 780)), ("landscape", (780, 360))):
             with self.subTest(name):
                 page.resize(*size)
-                page.wait_for(f"innerWidth === {size[0]} && innerHeight === {size[1]} && {FILLS_PAGE}", "the new layout")
+                page.wait_for(f"innerWidth === {size[0]} && innerHeight === {size[1]} && {FILLS_PAGE}",
+                              "the new layout")
                 # As large as the view on one axis, centred on both.
-                rectangle = "((one) => { const r = one.getBoundingClientRect(); return [r.left, r.top, r.right, r.bottom]; })"
+                rectangle = "((one) => { const r = one.getBoundingClientRect();" \
+                            " return [r.left, r.top, r.right, r.bottom]; })"
                 margins = "((p, v) => [p[0] - v[0], p[1] - v[1], v[2] - p[2], v[3] - p[3]])" \
                           f"({rectangle}(document.querySelector('.front canvas')), {rectangle}(canvas()))"
                 fits = "document.querySelector('.front canvas') && " \
-                       f"((m) => Math.abs(m[0] - m[2]) <= 2 && Math.abs(m[1] - m[3]) <= 2 && Math.abs(Math.min(...m)) <= 2)({margins})"
+                       f"((m) => Math.abs(m[0] - m[2]) <= 2 && Math.abs(m[1] - m[3]) <= 2 && " \
+                       f"Math.abs(Math.min(...m)) <= 2)({margins})"
                 page.wait_for(fits, "the picture in the middle of the view")
                 page.keep("start-" + name)
                 page.click_on("document.querySelector('.main .label')")
@@ -146,7 +150,8 @@ class Phones(PageTest):
                 page.press_button("Cancel", "dialog('Connect')")
                 page.choose("Settings", "Fonts")
                 page.wait_for(f"all('.slider').length === 5 && {inside}")
-                self.assertTrue(page.see("all('.form:not(.main) .label.line').every((one) => one.scrollWidth <= one.clientWidth)"))
+                self.assertTrue(page.see("all('.form:not(.main) .label.line')"
+                                         ".every((one) => one.scrollWidth <= one.clientWidth)"))
                 page.keep("fonts-" + name)
                 page.press_button("Done")
                 page.wait_for("!all('.slider').length")
@@ -156,7 +161,8 @@ class Phones(PageTest):
                 self.doCleanups()
 
     def test_the_list_of_games_breaks_no_words(self):
-        server = self.start_server("--notes", "An evening of games for everybody", "--public-address", "arena.games.example")
+        server = self.start_server("--notes", "An evening of games for everybody",
+                                   "--public-address", "arena.games.example")
         page = self.open(server.port, path="/games", size=(390, 844))
         lines = "((one) => { const range = document.createRange(); range.selectNodeContents(one); " \
                 "return new Set([...range.getClientRects()].map((r) => Math.round(r.top))).size; })"

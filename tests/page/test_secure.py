@@ -19,8 +19,8 @@ class Proxy:
         self.folder = tempfile.TemporaryDirectory()
         self.port = free_port()
         key, certificate = (pathlib.Path(self.folder.name, name) for name in ("key.pem", "certificate.pem"))
-        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes",
-                        "-days", "2", "-subj", "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1",
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
+                        "-nodes", "-days", "2", "-subj", "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1",
                         "-keyout", key, "-out", certificate], check=True, capture_output=True)
         configuration = pathlib.Path(self.folder.name, "nginx.conf")
         configuration.write_text(f"""
@@ -29,8 +29,8 @@ class Proxy:
             events {{}}
             stream {{ server {{ listen 127.0.0.1:{self.port} ssl; proxy_pass 127.0.0.1:{target};
                                 ssl_certificate {certificate}; ssl_certificate_key {key}; }} }}""")
-        self.process = subprocess.Popen(["nginx", "-p", self.folder.name, "-c", configuration], stdin=subprocess.DEVNULL,
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.process = subprocess.Popen(["nginx", "-p", self.folder.name, "-c", configuration],
+                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         wait_for(lambda: pathlib.Path(self.folder.name, "pid").exists(), "the proxy")
 
     def close(self):

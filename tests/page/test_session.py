@@ -104,7 +104,8 @@ class Session(PageTest):
         line = self.log_in(page)
         page.click_on("canvas()")
         # All keys at once, before the program takes the first one, which moves the focus to the chat line.
-        page.see("[['h', 72], ['i', 73], ['Enter', 13], ['y', 89], ['o', 79]].forEach(([key, keyCode]) => canvas().dispatchEvent("
+        page.see("[['h', 72], ['i', 73], ['Enter', 13], ['y', 89], ['o', 79]].forEach(([key, keyCode]) => "
+                 "canvas().dispatchEvent("
                  "new KeyboardEvent('keydown', {key, keyCode, bubbles: true, cancelable: true})))")
         while (received := line.recv_frame())[0] != CHAT:
             pass

@@ -32,7 +32,8 @@ class Sound(PageTest):
         self.assertIsNone(page.see("speaker"))
         self.log_in(page)
         page.wait_for("speaker.state === 'running'")
-        effects = page.wait_for("[...sounds.values()].every((one) => one.buffer) && [...sounds.values()].map((one) => one.buffer.duration)")
+        effects = page.wait_for("[...sounds.values()].every((one) => one.buffer) && "
+                                "[...sounds.values()].map((one) => one.buffer.duration)")
         self.assertEqual(len(effects), 9)
         page.click_on("canvas()")
         page.type("~playsound:4")

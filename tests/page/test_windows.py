@@ -100,7 +100,8 @@ class Windows(PageTest):
         self.open_fonts(page)
         self.assertEqual(page.see(VALUES), [wanted, *others])
         stored = page.see("Object.fromEntries(Object.entries(localStorage))")
-        self.assertIn(str(wanted), [value for name, value in stored.items() if name.startswith("kelvora/fonts/")], stored)
+        sizes = [value for name, value in stored.items() if name.startswith("kelvora/fonts/")]
+        self.assertIn(str(wanted), sizes, stored)
 
     def test_a_click_on_a_mark_sets_the_size(self):
         _, page = self.begin()
@@ -112,8 +113,8 @@ class Windows(PageTest):
         for size in (16, 9, 12):
             page.click(left + 6.5 + (size - 9) * between, top + height - 2)
             page.wait_for(f"all('.slider')[2].valueAsNumber === {size}")
-            page.wait_for(f"getComputedStyle(all('.label').filter((one) => words(one).startsWith('This is'))[2]).fontSize"
-                          f" === '{round(size * 4 / 3)}px'", "the sample's size")
+            page.wait_for(f"getComputedStyle(all('.label').filter((one) => words(one).startsWith('This is'))[2])"
+                          f".fontSize === '{round(size * 4 / 3)}px'", "the sample's size")
 
     def test_the_dialog_remembers_the_last_login(self):
         server, page = self.begin()

@@ -2,6 +2,7 @@
 
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,13 @@ TEST(Hygiene, TextsEndWithOneLineBreak) {
     if (file.text.empty()) continue;
     EXPECT_TRUE(file.text.ends_with('\n')) << file.path;
     EXPECT_FALSE(file.text.ends_with("\n\n")) << file.path;
+  }
+}
+
+TEST(Hygiene, LinesOfPythonHaveAtMost120Columns) {
+  for (const auto& file : tree::files({".py"})) {
+    std::istringstream lines(file.text);
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 120) << file.path << ": " << line;
   }
 }
 

@@ -13,8 +13,8 @@ COMMON = PROJECT / "tools" / "common.sh"
 CLANG = '"-DCMAKE_CXX_COMPILER=$(clang_tool clang++)"'  # as ./check gives it
 SCRIPTS = {"./check": PROJECT / "check", "tools/package.sh": PROJECT / "tools" / "package.sh",
            "tools/format.sh": PROJECT / "tools" / "format.sh", "tools/image.sh": PROJECT / "tools" / "image.sh"}
-USAGES = {"./check": "[linux|web|windows]", "tools/package.sh": "windows: builds", "tools/format.sh": "[--check]: formats",
-          "tools/image.sh": "[--no-page]: makes"}
+USAGES = {"./check": "[linux|web|windows]", "tools/package.sh": "windows: builds",
+          "tools/format.sh": "[--check]: formats", "tools/image.sh": "[--no-page]: makes"}
 
 
 class FrontDoor(unittest.TestCase):

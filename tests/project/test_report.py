@@ -29,8 +29,9 @@ class Report(unittest.TestCase):
                 self.assertEqual(report.row("bench", ("sum", goal, "ms", ""), value).split(" | ")[2], cell)
 
     def test_a_word_that_no_command_contains_is_refused(self):
-        done = subprocess.run([sys.executable, "-B", PROJECT / "bench" / "report.py", "build", "--only", "nosuch_bench"],
-                              capture_output=True, text=True, check=False)
+        script = PROJECT / "bench" / "report.py"
+        done = subprocess.run([sys.executable, "-B", script, "build", "--only", "nosuch_bench"], capture_output=True,
+                              text=True, check=False)
         self.assertEqual(done.returncode, 2, done)
         self.assertIn("no command contains nosuch_bench", done.stderr)
 

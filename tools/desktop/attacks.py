@@ -7,8 +7,8 @@ from protocol import (ALIVE_STATE, CHAT, END, FUNDS, LOGIN_ACCEPTED, LOGIN_DENIE
 
 ODD_NUMBERS = ["-32769", "-32768", "-1", "6", "255", "256", "32767", "32768", "65536", "99999999999"]
 EXTREME_VALUES = ["nan", "-nan", "inf", "-inf", "infinity", "1e999", "-1e999", "1e308", "-1e308", "3.4e38", "-3.4e38",
-                  "3.5e38", "1e-400", "1e-40", "2147483647", "-2147483648", "2147483648", "99999.99", "-1", "", "word", ".",
-                  "-", "+", "e5", "1e", "0x7f", "9" * 400, "." + "0" * 400 + "1"]
+                  "3.5e38", "1e-400", "1e-40", "2147483647", "-2147483648", "2147483648", "99999.99", "-1", "", "word",
+                  ".", "-", "+", "e5", "1e", "0x7f", "9" * 400, "." + "0" * 400 + "1"]
 # They fit into one packet. Longer ones could arrive in two reads, and the game loses a message that spans two.
 LONG_TEXTS = ["x" * 30000, "word " * 6000, "\n" * 30000]
 USUAL = {"int16": "1", "int32": "1", "single": "50010.5", "real": "5"}

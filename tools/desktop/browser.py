@@ -188,12 +188,14 @@ class Tab:
         self.wire.call("browsingContext.navigate", context=self.context, url=address, wait=wait)
 
     def empty(self):
-        """Leaves the page for an empty one in the same process, which costs less than a new window. Forgets complaints."""
+        """Leaves the page for an empty one in the same process, which costs less than a new window. Forgets
+        complaints."""
         self.wire.call("input.releaseActions", context=self.context)
         self.mouse({"type": "pointerMove", "x": 0, "y": 0})
         self.evaluate("void location.replace('about:blank')")
         wait_for(self.is_empty, "the empty page")
-        self.wire.events = [event for event in self.wire.events if event["params"]["source"].get("context") != self.context]
+        self.wire.events = [event for event in self.wire.events
+                            if event["params"]["source"].get("context") != self.context]
 
     def is_empty(self):
         try:
@@ -248,7 +250,8 @@ class Tab:
         self.mouse({"type": "pointerMove", "x": round(x), "y": round(y)}, *down_and_up * times)
 
     def drag(self, begin, end):
-        self.mouse({"type": "pointerMove", "x": round(begin[0]), "y": round(begin[1])}, {"type": "pointerDown", "button": 0},
+        self.mouse({"type": "pointerMove", "x": round(begin[0]), "y": round(begin[1])},
+                   {"type": "pointerDown", "button": 0},
                    {"type": "pointerMove", "x": round(end[0]), "y": round(end[1])}, {"type": "pointerUp", "button": 0})
 
     def fingers(self, *actions, finger=1):

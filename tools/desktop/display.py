@@ -107,8 +107,8 @@ class Display:
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def use_new_window_numbers(self):
-        """Makes the next client's window numbers new. The X server reuses those of a client that has ended, and a window
-        manager that still manages such a window never shows the new one. Connections that stay open reserve the
+        """Makes the next client's window numbers new. The X server reuses those of a client that has ended, and a
+        window manager that still manages such a window never shows the new one. Connections that stay open reserve the
         numbers of earlier clients."""
         while not self.placeholders or self.placeholders[-1].last_number < self.last_window:
             self.placeholders.append(Screen(self.screen.display))

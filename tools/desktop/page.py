@@ -18,8 +18,9 @@ const words = (element) => element.innerText.trim();
 const by = (selector, text, root) => all(selector, root).find((element) => words(element) === text);
 const dialog = (title) => all('.form.dialog').find((form) => words(form.querySelector('h2')) === title);
 const box = () => all('dialog[open]').at(-1);
-const named = (name, root) => all('input', root).find((input) => (input.labels && input.labels[0] ? words(input.labels[0])
-  : (input.getAttribute('aria-labelledby') || '').split(' ').map((id) => document.getElementById(id)?.textContent).join(' ')) === name);
+const named = (name, root) => all('input', root).find((input) => (
+  input.labels && input.labels[0] ? words(input.labels[0]) : (input.getAttribute('aria-labelledby') || '').split(' ')
+    .map((id) => document.getElementById(id)?.textContent).join(' ')) === name);
 const canvas = () => document.querySelector('.main canvas');
 """
 
@@ -72,8 +73,10 @@ class Page(Tab):
         if port is not None:
             self.fill("Server Port:", str(port), "dialog('Connect')")
         if colour is not None:
-            left, top, width, height = self.place(f"all('.shape', dialog('Connect'))[{colour}].parentElement.parentElement")
-            circle = self.see(f"(r => [r.left + r.width / 2, r.top + r.height / 2])(all('.shape')[{colour}].getBoundingClientRect())")
+            left, top, width, height = self.place(
+                f"all('.shape', dialog('Connect'))[{colour}].parentElement.parentElement")
+            circle = self.see("(r => [r.left + r.width / 2, r.top + r.height / 2])"
+                              f"(all('.shape')[{colour}].getBoundingClientRect())")
             self.click(*circle)
         self.press_button("Connect", "dialog('Connect')")
 
@@ -102,9 +105,9 @@ class Page(Tab):
     def count_pixels(self, test, canvas="canvas()", area=None):
         """How many pixels of a canvas pass a test of r, g and b. `area`: left, top, width and height."""
         place = ",".join(str(round(number)) for number in area) if area else "0, 0, c.width, c.height"
-        return self.see(f"(() => {{ const c = {canvas}; const d = c.getContext('2d').getImageData({place}).data; let n = 0; "
-                        f"for (let i = 0; i < d.length; i += 4) {{ const r = d[i], g = d[i + 1], b = d[i + 2]; "
-                        f"if ({test}) ++n; }} return n; }})()")
+        return self.see(f"(() => {{ const c = {canvas}; const d = c.getContext('2d').getImageData({place}).data; "
+                        f"let n = 0; for (let i = 0; i < d.length; i += 4) {{ "
+                        f"const r = d[i], g = d[i + 1], b = d[i + 2]; if ({test}) ++n; }} return n; }})()")
 
     def keep(self, name):
         """Keeps a screenshot for inspection."""

@@ -7,8 +7,8 @@ reserved = []
 
 
 def free_port():
-    """A port that the connect dialog and lists accept. A socket is bound to it, which keeps other programs from choosing
-    it, but allows a listener."""
+    """A port that the connect dialog and lists accept. A socket is bound to it, which keeps other programs from
+    choosing it, but allows a listener."""
     while True:
         probe = socket.socket()
         try:
@@ -16,6 +16,7 @@ def free_port():
         except OSError:
             probe.close()
             continue
-        probe.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)  # only now: it would share the port with other probes
+        # Only now: it would share the port with other probes.
+        probe.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
         reserved.append(probe)
         return probe.getsockname()[1]

@@ -31,7 +31,8 @@ class Screen:
         setup = self.receive(4 * words)
         base, mask, vendor, formats = struct.unpack("<4xII4xH3xB", setup[:22])
         self.last_number = base + mask  # of the windows that this connection could make
-        self.root, self.width, self.height = struct.unpack_from("<I16xHH", setup, 32 + (vendor + 3) // 4 * 4 + 8 * formats)
+        at = 32 + (vendor + 3) // 4 * 4 + 8 * formats
+        self.root, self.width, self.height = struct.unpack_from("<I16xHH", setup, at)
         self.atoms = {}
 
     def close(self):

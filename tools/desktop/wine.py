@@ -27,8 +27,8 @@ def is_for_windows(program):
 
 
 def run(program, *arguments, environment=None):
-    """Runs a program to its end. Returns its status, output and errors. The errors go through a file: Wine's own programs
-    keep the error stream of the program that starts them, so a pipe may stay open after it."""
+    """Runs a program to its end. Returns its status, output and errors. The errors go through a file: Wine's own
+    programs keep the error stream of the program that starts them, so a pipe may stay open after it."""
     with tempfile.TemporaryFile("w+") as errors:
         done = subprocess.run(command(program, *arguments), env=environment, stdin=subprocess.DEVNULL,
                               stdout=subprocess.PIPE, stderr=errors, text=True, timeout=60, check=False)
@@ -102,8 +102,8 @@ def end(prefix):
 
 
 def start():
-    """Starts Wine's own programs in the template, where they stay until its end. Otherwise the first program there starts
-    them again whenever none is left, and everyone who reads its errors waits for them, too."""
+    """Starts Wine's own programs in the template, where they stay until its end. Otherwise the first program there
+    starts them again whenever none is left, and everyone who reads its errors waits for them, too."""
     run_quietly(RUN, "cmd", "/c", "exit", prefix=TEMPLATE, check=True)  # creates the template
     end(TEMPLATE)
     run_quietly("wineserver", "-p", prefix=TEMPLATE, check=True)

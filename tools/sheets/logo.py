@@ -243,7 +243,8 @@ def icon(size):
     turns = np.linspace(start - 2 * np.pi * 1.06, start, 48)
     radius, bold = 20.0 * u, size <= 32
     points = [(size / 2 + radius * np.sin(a), size / 2 - radius * np.cos(a)) for a in turns]
-    Tail(layer, points, (6 if bold else 3.5) * u, (11 if bold else 9) * u, reach=10 * u, steps=4).paint(layer, palette.PLAYERS[3], reach=2.5 * u)
+    tail = Tail(layer, points, (6 if bold else 3.5) * u, (11 if bold else 9) * u, reach=10 * u, steps=4)
+    tail.paint(layer, palette.PLAYERS[3], reach=2.5 * u)
     player_ball(layer, size / 2, size / 2, (12.5 if bold else 11) * u, 0)
     player_ball(layer, points[-1][0], points[-1][1], (10 if bold else 8.5) * u, 3)
     alpha = layer.reduced((tile < 0).astype(float))

@@ -3,8 +3,8 @@
 import numpy as np
 
 from sounds.loudness import loudest
-from sounds.synth import (RATE, band, convolved, faded, frequency, moving_band, noise, phase, room_response, rounded_off,
-                          saw, seconds, strike, sweep, swell)
+from sounds.synth import (RATE, band, convolved, faded, frequency, moving_band, noise, phase, room_response,
+                          rounded_off, saw, seconds, strike, sweep, swell)
 
 CEILING = 0.55  # so that an effect over the music doesn't clip
 

@@ -20,8 +20,8 @@ class Nginx:
         self.folder = tempfile.mkdtemp(prefix="kelvora-nginx-")
         self.certificate = os.path.join(self.folder, "cert.pem")
         self.key = os.path.join(self.folder, "key.pem")
-        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes",
-                        "-keyout", self.key, "-out", self.certificate, "-days", "2", "-subj", "/CN=localhost",
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
+                        "-nodes", "-keyout", self.key, "-out", self.certificate, "-days", "2", "-subj", "/CN=localhost",
                         "-addext", "subjectAltName=IP:127.0.0.1"], check=True, capture_output=True)
         self.https_port, self.stream_port = free_port(), free_port()
         text = documented("nginx")

@@ -169,7 +169,8 @@ class Agones(unittest.TestCase):
                 self.sidecar.description["status"].update(address="192.0.2.7", ports=[{"name": "game", "port": 7123}])
                 wait_for(lambda: "announced to" in server.log(), "an announcement")
                 with connect(games.port) as connection:
-                    connection.sendall(b"GET /games/kelvora/gethosts.php?version=" + VERSION.encode() + b" HTTP/1.0\r\n\r\n")
+                    connection.sendall(b"GET /games/kelvora/gethosts.php?version=" + VERSION.encode() +
+                                       b" HTTP/1.0\r\n\r\n")
                     self.assertIn(b"[192.0.2.7|7123|0|in a cluster|0|6]", read_to_end(connection))
 
     def test_a_silent_sidecar_delays_nobody(self):

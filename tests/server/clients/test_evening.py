@@ -9,8 +9,9 @@ from realServer import PROJECT, SERVER
 
 class Evening(unittest.TestCase):
     def test_two_arenas_are_attacked_moderated_and_updated(self):
-        result = subprocess.run([sys.executable, "-B", PROJECT / "bench/evening.py", SERVER, "--arenas", "2", "--seconds", "4",
-                                 "--round", "5", "--untimed"], capture_output=True, text=True, check=False)
+        result = subprocess.run([sys.executable, "-B", PROJECT / "bench/evening.py", SERVER, "--arenas", "2",
+                                 "--seconds", "4", "--round", "5", "--untimed"], capture_output=True, text=True,
+                                check=False)
         self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
 
 

@@ -42,7 +42,8 @@ class Image(unittest.TestCase):
             self.assertEqual([file for file in files if not file.startswith(str(IMAGE))], [])
 
     def test_nothing_in_it_may_change_its_user(self):
-        found = subprocess.run(["find", IMAGE, "-type", "f", "-perm", "/6000"], capture_output=True, text=True, check=True)
+        found = subprocess.run(["find", IMAGE, "-type", "f", "-perm", "/6000"], capture_output=True, text=True,
+                               check=True)
         self.assertEqual(found.stdout, "")
 
     def test_it_knows_authorities_for_https(self):

@@ -87,7 +87,8 @@ ALLOCATION = {
 
 
 def faults(value, form, place=""):
-    """Returns where the value doesn't fit the form, as texts. A field whose name ends with an exclamation mark is required."""
+    """Returns where the value doesn't fit the form, as texts. A field whose name ends with an exclamation mark is
+    required."""
     if callable(form):
         return [] if form(value) else [f"{place}: {value!r}"]
     if isinstance(form, Each):
@@ -133,7 +134,8 @@ class Manifests(unittest.TestCase):
     def test_the_program_takes_the_arguments(self):
         arguments = [argument.replace("=", "\0", 1).split("\0") for argument in self.container["args"]]
         # --version ends the program after it has read the others.
-        result = subprocess.run([SERVER, *self.container["args"], "--version"], capture_output=True, text=True, check=False)
+        result = subprocess.run([SERVER, *self.container["args"], "--version"], capture_output=True, text=True,
+                                check=False)
         self.assertEqual((result.returncode, result.stdout.split()[-1:]), (0, [VERSION]), result.stderr)
         drain = dict(arguments)["--drain"]
         self.assertGreater(self.pod["terminationGracePeriodSeconds"], int(drain) + 10)

@@ -59,8 +59,8 @@ class EverydayPrograms(Site):
         self.assertEqual(self.run_program("curl", "-sS", "-o", "-", "-w", "%{http_code}", "-H",
                                           f"If-None-Match: {tag.decode()}", self.url + "/large.bin"), b"304")
         for method, status in (("POST", b"405"), ("OPTIONS", b"405"), ("TRACE", b"405")):
-            self.assertEqual(self.run_program("curl", "-sS", "-o", "/dev/null", "-w", "%{http_code}", "-X", method, "-d",
-                                              "x" * 5000, self.url + "/"), status)
+            self.assertEqual(self.run_program("curl", "-sS", "-o", "/dev/null", "-w", "%{http_code}", "-X", method,
+                                              "-d", "x" * 5000, self.url + "/"), status)
         self.assertEqual(self.run_program("curl", "-sS", "--proxy", self.url, "http://elsewhere.example" + UPDATE),
                          UPDATE_FILE, "an absolute address")
 
@@ -76,7 +76,8 @@ class EverydayPrograms(Site):
                          b"<p>the game</p>" + bytes(range(256)) * 8192)
 
     def test_a_request_in_a_websocket_that_ends_at_once(self):
-        answer = self.ask(HANDSHAKE + masked(0x82, f"GET {UPDATE} HTTP/1.0\r\n\r\n".encode()) + masked(0x88, b"\x03\xe8"))
+        request = masked(0x82, f"GET {UPDATE} HTTP/1.0\r\n\r\n".encode())
+        answer = self.ask(HANDSHAKE + request + masked(0x88, b"\x03\xe8"))
         self.assertTrue(answer.startswith(b"HTTP/1.1 101 "), answer)
         self.assertIn(UPDATE_FILE, answer)
 
@@ -107,7 +108,8 @@ class OddRequests(Site):
                 b"GET /../CMakeLists.txt HTTP/1.0\r\n\r\n", b"GET / HTTP/1.1\r\nA\r\n\r\n",
                 b"GET / HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n",
                 b"GET / HTTP/1.1\r\nA: \0\r\n\r\n", b"GET / HTTP/1.1\r\n A: b\r\n\r\n",
-                b"\x16\x03\x01\x00\xa5\x01\x00\x00\xa1\x03\x03", b"SSH-2.0-OpenSSH_9.2\r\n\r\n\r\n", b"\r\n\r\n", b"\0"), 2):
+                b"\x16\x03\x01\x00\xa5\x01\x00\x00\xa1\x03\x03", b"SSH-2.0-OpenSSH_9.2\r\n\r\n\r\n",
+                b"\r\n\r\n", b"\0"), 2):
             with self.subTest(request=request):
                 answer = self.ask(request, host)
                 self.assertNotIn(b" 200 ", answer.split(b"\r\n")[0])

@@ -39,7 +39,8 @@ class Play(PlayScript):
     def test_the_dialogs_server_is_told(self):
         self.play()
         self.told()
-        self.assertIn(f"its dialog needs your name, the server address 127.0.0.1 and the port {self.port}\n", self.said())
+        self.assertIn(f"its dialog needs your name, the server address 127.0.0.1 and the port {self.port}\n",
+                      self.said())
 
     def test_the_game_outlives_a_killed_server(self):
         self.write("page", "<p>page</p>")

@@ -5,9 +5,9 @@ import time
 import unittest
 
 from realServer import PATIENCE, RawPlayer, Server, connect, fields_of
-from protocol import (ACTIVATE_REQUEST, BUY_ACCEPTED, BUY_REQUEST, CHAT, FUNDS, LOGIN_ACCEPTED, PLAYER_JOINED, PLAYER_LEFT,
-                      POSITION, POSITION_REPORT, POWERUP_OFF, POWERUP_ON, RESPAWN, ROUND_OVER, SPAWN_REQUEST, TAIL_CAPTURE,
-                      frame)
+from protocol import (ACTIVATE_REQUEST, BUY_ACCEPTED, BUY_REQUEST, CHAT, FUNDS, LOGIN_ACCEPTED, PLAYER_JOINED,
+                      PLAYER_LEFT, POSITION, POSITION_REPORT, POWERUP_OFF, POWERUP_ON, RESPAWN, ROUND_OVER,
+                      SPAWN_REQUEST, TAIL_CAPTURE, frame)
 from webSocketPlayer import WebSocket, WebSocketPlayer
 
 # Messages that everybody gets. The rest is for one player: pings, answers of the store, refusals.
@@ -65,8 +65,8 @@ class Round(unittest.TestCase):
         return next(at for at, text in enumerate(player.frames) if text[0] == CHAT and fields_of(text) == line)
 
     def missing(self, texts):
-        """The events that must be seen but aren't in these frames yet. The bots play at random: they can win a round, or
-        be out for a while."""
+        """The events that must be seen but aren't in these frames yet. The bots play at random: they can win a round,
+        or be out for a while."""
         kinds = by_kind(texts)
         return [what for what, is_seen in (
             ("a turbo", [self.web_node, str(TURBO)] in kinds[POWERUP_ON]),

@@ -1,4 +1,5 @@
-"""The page for browsers: where the server finds it, how it is switched off, and how a new one takes the old one's place."""
+"""The page for browsers: where the server finds it, how it is switched off, and how a new one takes the old one's
+place."""
 
 import gzip
 import os
@@ -38,8 +39,8 @@ class Folders(unittest.TestCase):
 
     def refusal(self, *options):
         """The server's words when it does not start."""
-        done = subprocess.run([SERVER, "--port", "0", *options], stdin=subprocess.DEVNULL, capture_output=True, text=True,
-                              timeout=60)
+        done = subprocess.run([SERVER, "--port", "0", *options], stdin=subprocess.DEVNULL, capture_output=True,
+                              text=True, timeout=60)
         self.assertNotEqual(done.returncode, 0)
         self.assertEqual(done.stdout, "")
         return done.returncode, done.stderr

@@ -12,8 +12,8 @@ class WebSocket:
 
     def __init__(self, uri, host=1, **options):
         self.loop = asyncio.new_event_loop()
-        self.connection = self.run(self.open(uri, local_addr=(f"127.0.0.{host}", 0), open_timeout=None, ping_interval=None,
-                                             max_size=None, **options))
+        self.connection = self.run(self.open(uri, local_addr=(f"127.0.0.{host}", 0), open_timeout=None,
+                                             ping_interval=None, max_size=None, **options))
 
     @staticmethod
     async def open(uri, **options):
