@@ -16,7 +16,7 @@ CIRCLE = """(() => {
   const place = canvas().getBoundingClientRect();
   const move = () => {
     const turn = performance.now() / %d * 2 * Math.PI;
-    canvas().dispatchEvent(new PointerEvent('pointermove', {pointerType: 'mouse',
+    canvas().dispatchEvent(new PointerEvent('pointermove', {pointerType: 'mouse', button: -1,
       clientX: place.left + place.width / 2 + 200 * Math.cos(turn),
       clientY: place.top + place.height / 2 + 200 * Math.sin(turn)}));
   };

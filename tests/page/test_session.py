@@ -3,6 +3,7 @@
 import time
 
 import harness
+from page import LEFT, RIGHT
 from pageTest import PageTest, unittest
 from protocol import CHAT, PLAYER_JOINED, PLAYER_LEFT, POSITION
 from spy import Spy
@@ -40,6 +41,19 @@ class Session(PageTest):
         page.wait_for("dialog('Connect')")
         page.wait_for_status("Closed")
         self.assertEqual(page.complaints(), [])
+
+    def test_the_right_button_works_while_the_left_one_is_held(self):
+        _, page = self.begin()
+        line = self.log_in(page)
+        width, height = page.canvas_size()
+        page.mouse_to(width / 2 + 150, height / 2)
+        page.note_events()
+        page.mouse({"type": "pointerDown", "button": LEFT}, {"type": "pointerDown", "button": RIGHT},
+                   {"type": "pointerUp", "button": LEFT}, {"type": "pointerUp", "button": RIGHT})
+        presses = page.see("noted.map(([kind, button]) => [kind, button]).filter(([kind]) => /Down|Up/.test(kind))")
+        self.assertEqual(presses, [["mouseDown", 1], ["mouseDown", 2], ["mouseUp", 1], ["mouseUp", 2]])
+        begin, end = line.report(), line.report()
+        self.assertGreater(end[0], begin[0], "the brakes are on")
 
     def test_the_picture_on_the_start_screen_opens_the_dialog(self):
         _, page = self.begin()

@@ -30,6 +30,11 @@ function listenToMouse(control) {
   });
   element.addEventListener('pointermove', (event) => {
     if (fingers.has(event.pointerId) && event.pointerId !== steeringFinger()) return;
+    // While a button is held, browsers report those of others as moves.
+    if (event.button >= 0) {
+      const bit = buttonBits[event.button] || 0;
+      return tell(event.buttons & bit ? 'mouseDown' : 'mouseUp', event, bit);
+    }
     tell('mouseMove', event, fingers.has(event.pointerId) ? 0 : event.buttons & 7);
   });
   element.addEventListener('pointerup', (event) => {
