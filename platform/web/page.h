@@ -42,7 +42,7 @@ void page_closeSocket(int id);
 /// Queues bytes for sending. With more than 4 MiB unsent, the socket sends `SocketFailed`. Ignored unless it is open.
 void page_send(int id, const char* bytes, std::size_t size);
 
-/// Copies at most `size` bytes and returns how many; -1 if there is no such setting.
+/// Copies at most `size` bytes of a setting, and returns its length; -1 if there is none.
 int page_readSetting(const char* section, const char* key, char* buffer, std::size_t size);
 /// Saves a setting, for this visit only if the browser keeps none.
 void page_writeSetting(const char* section, const char* key, const char* text, std::size_t size);
@@ -61,6 +61,8 @@ void page_silenceSound(int id, int isSilent);
 /// Plays an effect from its beginning, once it is loaded.
 void page_playSound(int id);
 void page_stopSound(int id);
+/// Stops an effect, and forgets it.
+void page_closeSound(int id);
 /// Plays a track once. Browsers wait for the first click or key.
 void page_playMusic(const char* file);
 void page_stopMusic();

@@ -3,9 +3,9 @@
 #include <emscripten.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <limits>
+#include <optional>
 
 #include "base/codePage.h"
 #include "platform/desktop/boxText.h"
@@ -30,9 +30,18 @@ constexpr std::chrono::milliseconds designFrame(10);
 
 constexpr double forever = std::numeric_limits<double>::infinity();
 
+/// A text of the page's. `read` copies as much of it as there is room for, and returns its length, or -1 for none.
+template <typename Read>
+std::optional<std::string> pageText(Read read) {
+  const int size = read(nullptr, 0);
+  if (size < 0) return std::nullopt;
+  std::string text(static_cast<std::size_t>(size), '\0');
+  read(text.data(), text.size());
+  return text;
+}
+
 std::string placePart(const char* part) {
-  std::array<char, 1024> buffer{};
-  return {buffer.data(), static_cast<std::size_t>(page_place(part, buffer.data(), buffer.size()))};
+  return pageText([part](char* buffer, std::size_t size) { return page_place(part, buffer, size); }).value();
 }
 
 /// Never returns: what the game has drawn stays behind the text.
@@ -124,9 +133,9 @@ std::string WebBackend::commandLine() { return placePart("arguments"); }
 PicturePointer WebBackend::loadPicture(const std::string& path) { return loadPictureFile(path); }
 
 std::string WebBackend::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
-  std::array<char, 4096> buffer{};
-  const int size = page_readSetting(section.c_str(), key.c_str(), buffer.data(), buffer.size());
-  if (size >= 0) return {buffer.data(), static_cast<std::size_t>(size)};
+  const auto stored = pageText(
+      [&](char* buffer, std::size_t size) { return page_readSetting(section.c_str(), key.c_str(), buffer, size); });
+  if (stored) return *stored;
   // On the first visit the server that has the page is the one to play on.
   if (section == "last login" && key == "server address") return placePart("hostname");
   if (section == "last login" && key == "server port") return placePart("port");

@@ -17,6 +17,8 @@ std::string packedAddressOf(const std::string& waveFile) {
 
 }  // namespace
 
+WebSound::~WebSound() { page_closeSound(id()); }
+
 bool WebSound::open(const std::string& file) {
   page_openSound(id(), packedAddressOf(file).c_str());
   return true;

@@ -10,6 +10,7 @@ namespace kelvora {
 /// An effect of the page's, fetched when it is opened.
 class WebSound : public SoundPeer, public PageObject {
  public:
+  ~WebSound() override;
   bool open(const std::string& file) override;
   void silence(bool silent) override;
   void rewind() override;

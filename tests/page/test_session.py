@@ -55,6 +55,15 @@ class Session(PageTest):
         begin, end = line.report(), line.report()
         self.assertGreater(end[0], begin[0], "the brakes are on")
 
+    def test_any_link_starts_the_game(self):
+        server = self.start_server()
+        for arguments in ("100%", "x" * 2000 + "&nosound"):
+            with self.subTest(arguments):
+                page = self.open(server.port, arguments=arguments)
+                page.wait_for("dialog('Connect')")
+                self.assertEqual(page.complaints(), [])
+        self.assertEqual(page.see("sounds.size"), 0, "the end of the long link is lost")
+
     def test_the_picture_on_the_start_screen_opens_the_dialog(self):
         _, page = self.begin()
         page.press_button("Cancel", "dialog('Connect')")

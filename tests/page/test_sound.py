@@ -6,7 +6,7 @@ import wave
 from harness import PROJECT
 from pageTest import PageTest, unittest
 
-# Notes the lengths of the effects that are started.
+# Notes the lengths of the effects that are started and stopped.
 WATCH = """() => {
   window.started = [];
   const start = AudioBufferSourceNode.prototype.start;
@@ -14,7 +14,14 @@ WATCH = """() => {
     window.started.push(this.buffer.duration);
     return start.apply(this, when);
   };
+  window.stopped = [];
+  const stop = AudioBufferSourceNode.prototype.stop;
+  AudioBufferSourceNode.prototype.stop = function (...when) {
+    window.stopped.push(this.buffer.duration);
+    return stop.apply(this, when);
+  };
 }"""
+LENGTHS = "[...sounds.values()].every((one) => one.buffer) && [...sounds.values()].map((one) => one.buffer.duration)"
 TRACKS = "performance.getEntriesByType('resource').map((entry) => entry.name).filter((name) => name.endsWith('.mp3'))"
 
 
@@ -27,27 +34,40 @@ class Sound(PageTest):
         page.wait_for("dialog('Connect')")
         return page
 
+    def command(self, page, text):
+        page.click_on("canvas()")
+        page.type(text)
+        page.press("Enter")
+
     def test_an_effect_sounds_after_the_first_click(self):
         page = self.open_watched("nomusic")
         self.assertIsNone(page.see("speaker"))
         self.log_in(page)
         page.wait_for("speaker.state === 'running'")
-        effects = page.wait_for("[...sounds.values()].every((one) => one.buffer) && "
-                                "[...sounds.values()].map((one) => one.buffer.duration)")
+        effects = page.wait_for(LENGTHS)
         self.assertEqual(len(effects), 9)
-        page.click_on("canvas()")
-        page.type("~playsound:4")
-        page.press("Enter")
+        self.command(page, "~playsound:4")
         self.assertEqual(page.wait_for("started.length && started"), [effects[4]])
         self.assertEqual(page.complaints(), [])
+
+    def test_a_reload_stops_the_effects_and_forgets_them(self):
+        page = self.open_watched("nomusic")
+        line = self.log_in(page)
+        effects = page.wait_for(LENGTHS)
+        self.command(page, "~playsound:4")
+        page.wait_for("started.length")
+        self.command(page, "~reloadsounds")
+        line.ask()
+        self.assertEqual(page.see("stopped"), [effects[4]])
+        self.assertEqual(page.wait_for(LENGTHS), effects)
+        self.command(page, "~playsound:4")
+        self.assertEqual(page.wait_for("started.length > 1 && started"), [effects[4], effects[4]])
 
     def test_effects_that_are_switched_off_are_silent(self):
         page = self.open_watched("nomusic nosound")
         line = self.log_in(page)
         page.wait_for("speaker.state === 'running'")
-        page.click_on("canvas()")
-        page.type("~playsound:4")
-        page.press("Enter")
+        self.command(page, "~playsound:4")
         line.ask()
         self.assertEqual(page.see("started"), [])
 

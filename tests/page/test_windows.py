@@ -164,6 +164,13 @@ class Windows(PageTest):
         page.wait_for(note)
         self.assertTrue(page.see(f"{note}.scrollWidth <= {note}.clientWidth"), "a note that is cut")
         self.assertTrue(page.see("((grid) => grid.scrollWidth > grid.clientWidth)(document.querySelector('.grid'))"))
+    def test_a_long_name_is_stored_whole(self):
+        _, page = self.begin()
+        name = "0123456789" * 500
+        page.see(f"localStorage.setItem('kelvora/last login/player name', '{name}')")
+        page.reload()
+        page.wait_for("dialog('Connect')")
+        self.assertEqual(page.see("named('Player Name:').value"), name)
 
     def test_menus_work_by_keyboard(self):
         _, page = self.begin()

@@ -40,20 +40,15 @@ mergeInto(LibraryManager.library, {
 
   page_readSetting: function(section, key, buffer, size) {
     const text = readSetting(UTF8ToString(section), UTF8ToString(key));
-    if (text === null) return -1;
-    const bytes = toBytes(text).subarray(0, size);
-    HEAPU8.set(bytes, buffer);
-    return bytes.length;
+    return text === null ? -1 : copyText(text, buffer, size);
   },
   page_writeSetting: function(section, key, bytes, size) {
     writeSetting(UTF8ToString(section), UTF8ToString(key), toText(HEAPU8.subarray(bytes, bytes + size)));
   },
   page_place: function(part, buffer, size) {
     const parts = {hostname: location.hostname, port: location.port || (location.protocol === 'https:' ? '443' : '80'),
-      host: location.host, arguments: decodeURIComponent(location.search.slice(1)).replaceAll('&', ' ')};
-    const bytes = toBytes(parts[UTF8ToString(part)]).subarray(0, size);
-    HEAPU8.set(bytes, buffer);
-    return bytes.length;
+      host: location.host, arguments: decodedLink(location.search.slice(1)).replaceAll('&', ' ')};
+    return copyText(parts[UTF8ToString(part)], buffer, size);
   },
   page_secondsSinceMidnight: function() {
     const now = new Date();
@@ -71,6 +66,7 @@ mergeInto(LibraryManager.library, {
   page_silenceSound: function(id, isSilent) { return silenceSound(id, isSilent !== 0); },
   page_playSound: function(id) { return playSound(id); },
   page_stopSound: function(id) { return stopSound(id); },
+  page_closeSound: function(id) { return closeSound(id); },
   page_playMusic: function(file) { return playMusic(UTF8ToString(file)); },
   page_stopMusic: function() { return stopMusic(); },
   page_musicState: function() { return musicState; },

@@ -60,6 +60,11 @@ function stopSound(id) {
   sound.source = null;
 }
 
+function closeSound(id) {
+  stopSound(id);
+  sounds.delete(id);
+}
+
 function startMusic() {
   music.play().catch(() => {});
 }

@@ -14,3 +14,19 @@ function toBytes(text) {
 }
 
 const toText = (bytes) => codePage.decode(bytes);
+
+// Copies as much of a text into the program's memory as there is room for. Returns the length of the whole text.
+function copyText(text, buffer, size) {
+  const bytes = toBytes(text);
+  HEAPU8.set(bytes.subarray(0, size), buffer);
+  return bytes.length;
+}
+
+// A part of a link, as it stands if its escapes are malformed.
+function decodedLink(text) {
+  try {
+    return decodeURIComponent(text);
+  } catch {
+    return text;
+  }
+}
