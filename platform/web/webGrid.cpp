@@ -35,6 +35,8 @@ std::string list(int count, Item&& item) {
   return text + "]";
 }
 
+std::string number(const std::string& name, int value) { return ",\"" + name + "\":" + std::to_string(value); }
+
 class GridPeer;
 std::vector<GridPeer*> staleGrids;
 
@@ -56,17 +58,13 @@ class GridPeer : public WebPeer {
     const bool blank = isBlank(grid_);
     const int rows = blank ? 0 : grid_.Rows;
     const int columns = blank ? 0 : grid_.Cols;
-    set("Cells", "{\"rows\":" +
-                     list(rows,
-                          [&](int row) {
-                            return list(columns, [&](int column) { return quoted(cellLine(grid_, row, column)); });
-                          }) +
-                     ",\"fixedRows\":" + std::to_string(grid_.FixedRows) +
-                     ",\"fixedColumns\":" + std::to_string(grid_.FixedCols) + ",\"widths\":" +
-                     list(columns, [&](int column) { return std::to_string(toPixels(grid_.ColWidth(column))); }) +
-                     ",\"alignments\":" +
-                     list(columns, [&](int column) { return alignmentName(grid_.ColAlignment(column)); }) + "}");
-    showChosen();
+    const auto cells = list(
+        rows, [&](int row) { return list(columns, [&](int column) { return quoted(cellLine(grid_, row, column)); }); });
+    const auto widths = list(columns, [&](int column) { return std::to_string(toPixels(grid_.ColWidth(column))); });
+    const auto alignments = list(columns, [&](int column) { return alignmentName(grid_.ColAlignment(column)); });
+    set("Cells", "{\"rows\":" + cells + ",\"widths\":" + widths + ",\"alignments\":" + alignments +
+                     number("fixedRows", grid_.FixedRows) + number("fixedColumns", grid_.FixedCols) +
+                     number("row", grid_.Row) + number("column", grid_.Col) + "}");
   }
 
   void take(const PageEvent& event) override {

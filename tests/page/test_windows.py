@@ -1,11 +1,7 @@
-"""The page's other windows: store, fonts, finder, menus and message boxes."""
+"""The page's other windows: store, fonts, menus and message boxes."""
 
-import signal
-
-import harness
 from pageTest import PageTest, unittest
-from protocol import BUY_ACCEPTED, BUY_REQUEST, FUNDS, PLAYER_JOINED, RESPAWN, SERVER_TEXT
-from spy import Spy
+from protocol import BUY_ACCEPTED, BUY_REQUEST, FUNDS, RESPAWN, SERVER_TEXT
 
 STORE = "all('.form').find((form) => words(form.querySelector('h2')) === 'Powerups')"
 VALUES = "all('.slider').map((one) => one.valueAsNumber)"
@@ -125,45 +121,6 @@ class Windows(PageTest):
         self.assertEqual(page.see("[named('Player Name:').value, named('Server Port:').value]"),
                          ["Zo\u00eb", str(server.port)])
 
-    def test_the_finder_leads_to_another_server(self):
-        server, page = self.begin("--notes", "the first one")
-        other = self.start_server("--notes", "the other one", "--publish", f"http://127.0.0.1:{server.port}")
-        spy = Spy(other.port)
-        self.addCleanup(spy.close)
-        page.fill("Player Name:", "Ann", "dialog('Connect')")
-        page.press_button("Get List", "dialog('Connect')")
-        page.wait_for("dialog('Game Finder')")
-
-        def is_listed():
-            page.press_button("Refresh", "dialog('Game Finder')")
-            return page.see("by('td', 'the other one')")
-        harness.wait_for(is_listed, "the other server in the list", pause=0.5)
-        page.wait_for("by('td', 'the other one')")
-        page.keep("finder")
-        self.assertTrue(page.see("((grid) => grid.scrollWidth <= grid.clientWidth)(document.querySelector('.grid'))"),
-                        "a scroll bar for texts that fit")
-        page.click_on("by('td', 'the other one')", times=2)
-        self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Ann")
-        page.wait_for_status("Connected")
-
-    def test_the_finder_is_empty_until_its_list_arrives(self):
-        server, page = self.begin()
-        server.process.send_signal(signal.SIGSTOP)
-        page.press_button("Get List", "dialog('Connect')")
-        page.wait_for("all('.grid', dialog('Game Finder')).length === 1")
-        self.assertEqual(page.see("document.querySelectorAll('.grid th, .grid td').length"), 0)
-        server.process.send_signal(signal.SIGCONT)
-        page.wait_for("all('.grid td', dialog('Game Finder')).length > 0")
-
-    def test_a_long_note_can_be_scrolled_into_sight(self):
-        # It is wider than the room that the other columns leave.
-        text = "i" * 125
-        _, page = self.begin("--notes", text)
-        page.press_button("Get List", "dialog('Connect')")
-        note = f"by('td', '{text}')"
-        page.wait_for(note)
-        self.assertTrue(page.see(f"{note}.scrollWidth <= {note}.clientWidth"), "a note that is cut")
-        self.assertTrue(page.see("((grid) => grid.scrollWidth > grid.clientWidth)(document.querySelector('.grid'))"))
     def test_a_long_name_is_stored_whole(self):
         _, page = self.begin()
         name = "0123456789" * 500

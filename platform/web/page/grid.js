@@ -12,17 +12,20 @@ function makeGrid(control) {
     const steps = {ArrowUp: -1, ArrowDown: 1};
     if (!steps[event.key]) return;
     event.preventDefault();
-    post('cellChosen', control.id, [control.row + steps[event.key], control.column]);
+    const row = control.row + steps[event.key];
+    if (control.table.querySelector(`td[data-row="${row}"]`)) post('cellChosen', control.id, [row, control.column]);
   });
 }
 
 const gridProperties = {
-  // JSON: the rows with their cells' texts, the numbers of fixed rows and columns, and the columns' widths and alignments.
+  // JSON: the rows with their cells' texts, the numbers of fixed rows and columns, the columns' widths and alignments,
+  // and the current cell, which isn't marked before the user or the game chooses.
   Cells: (control, value) => {
-    const {rows, fixedRows, fixedColumns, widths, alignments} = JSON.parse(value);
-    control.table.replaceChildren(...rows.map((row, y) => {
+    const {rows, fixedRows, fixedColumns, widths, alignments, row, column} = JSON.parse(value);
+    Object.assign(control, {row, column});
+    control.table.replaceChildren(...rows.map((texts, y) => {
       const line = document.createElement('tr');
-      line.append(...row.map((text, x) => {
+      line.append(...texts.map((text, x) => {
         const cell = document.createElement(y < fixedRows || x < fixedColumns ? 'th' : 'td');
         cell.textContent = text;
         cell.dataset.row = y;
@@ -34,7 +37,6 @@ const gridProperties = {
       }));
       return line;
     }));
-    showChosen(control);
   },
   Row: (control, value) => { control.row = value; showChosen(control); },
   Col: (control, value) => { control.column = value; showChosen(control); },

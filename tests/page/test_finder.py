@@ -1,0 +1,81 @@
+"""The page's game finder, and what it enters in the connect dialog."""
+
+import signal
+
+from harness import wait_for
+from pageTest import PageTest, unittest
+from protocol import PLAYER_JOINED
+from spy import Spy
+
+# The numbers of the marked rows.
+CHOSEN = "[...new Set(all('.grid [aria-selected=true]').map((one) => Number(one.dataset.row)))]"
+
+
+class Finder(PageTest):
+
+    def await_listed(self, page, note):
+        """Refreshes the finder until it lists the server with this note."""
+        page.wait_for("dialog('Game Finder')")
+
+        def is_listed():
+            page.press_button("Refresh", "dialog('Game Finder')")
+            return page.see(f"by('td', '{note}')")
+        wait_for(is_listed, f"{note} in the list", pause=0.5)
+        page.wait_for(f"by('td', '{note}')")
+
+    def test_the_finder_leads_to_another_server(self):
+        server, page = self.begin("--notes", "the first one")
+        other = self.start_server("--notes", "the other one", "--publish", f"http://127.0.0.1:{server.port}")
+        spy = Spy(other.port)
+        self.addCleanup(spy.close)
+        page.fill("Player Name:", "Ann", "dialog('Connect')")
+        page.press_button("Get List", "dialog('Connect')")
+        self.await_listed(page, "the other one")
+        page.keep("finder")
+        self.assertEqual(page.see(CHOSEN), [])
+        self.assertTrue(page.see("((grid) => grid.scrollWidth <= grid.clientWidth)(document.querySelector('.grid'))"),
+                        "a scroll bar for texts that fit")
+        page.click_on("by('td', 'the other one')", times=2)
+        self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Ann")
+        page.wait_for_status("Connected")
+
+    def test_the_finder_is_empty_until_its_list_arrives(self):
+        server, page = self.begin()
+        server.process.send_signal(signal.SIGSTOP)
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("all('.grid', dialog('Game Finder')).length === 1")
+        self.assertEqual(page.see("document.querySelectorAll('.grid th, .grid td').length"), 0)
+        server.process.send_signal(signal.SIGCONT)
+        page.wait_for("all('.grid td', dialog('Game Finder')).length > 0")
+
+    def test_arrow_keys_choose_a_server_but_not_the_heading(self):
+        server, page = self.begin()
+        self.start_server("--notes", "the other one", "--publish", f"http://127.0.0.1:{server.port}")
+        page.press_button("Get List", "dialog('Connect')")
+        self.await_listed(page, "the other one")
+        # Another finder asks for its list only once.
+        page.click_on("dialog('Game Finder').querySelector('.close')")
+        page.wait_for("!dialog('Game Finder')")
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("by('td', 'the other one')")
+        page.see("document.querySelector('.grid table').focus()")
+        for key, row in (("ArrowDown", 2), ("ArrowUp", 1)):
+            page.press(key)
+            page.wait_for(f"{CHOSEN}.join() === '{row}'")
+        page.note_events()
+        page.press("ArrowUp")
+        self.assertEqual(page.see("noted.filter(([kind]) => kind === 'cellChosen')"), [])
+
+    def test_a_long_note_can_be_scrolled_into_sight(self):
+        # It is wider than the room that the other columns leave.
+        text = "i" * 125
+        _, page = self.begin("--notes", text)
+        page.press_button("Get List", "dialog('Connect')")
+        note = f"by('td', '{text}')"
+        page.wait_for(note)
+        self.assertTrue(page.see(f"{note}.scrollWidth <= {note}.clientWidth"), "a note that is cut")
+        self.assertTrue(page.see("((grid) => grid.scrollWidth > grid.clientWidth)(document.querySelector('.grid'))"))
+
+
+if __name__ == "__main__":
+    unittest.main()
