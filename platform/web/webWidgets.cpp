@@ -74,7 +74,7 @@ class TextBoxPeer : public WebPeer {
       set("ForeColor", box.design.fore);
       set("BackColor", box.design.back);
     }
-    set("Text", box.Text.get());
+    set("Text", shown_);
   }
 
   void take(const PageEvent& event) override {
@@ -82,6 +82,7 @@ class TextBoxPeer : public WebPeer {
     constexpr int escapeKey = 27;
     const int key = event.numbers[0];
     if (event.kind == PageEventKind::Edited) {
+      shown_ = event.bytes;
       box_.Text.adopt(event.bytes);
       box_.SelStart.adopt(key);
       return;
@@ -102,8 +103,9 @@ class TextBoxPeer : public WebPeer {
 
  protected:
   void show(PropertyId id) override {
-    if (id == PropertyId::Text) {
-      set("Text", box_.Text.get());
+    if (id == PropertyId::Text && shown_ != box_.Text.get()) {
+      shown_ = box_.Text;
+      set("Text", shown_);
       box_.SelStart.adopt(0);
     }
     if (id == PropertyId::SelStart) set("SelStart", box_.SelStart);
@@ -111,6 +113,7 @@ class TextBoxPeer : public WebPeer {
 
  private:
   TextBox& box_;
+  std::string shown_ = box_.Text;
   bool isAnswered_ = false;
 };
 

@@ -23,6 +23,20 @@ class Finder(PageTest):
         wait_for(is_listed, f"{note} in the list", pause=0.5)
         page.wait_for(f"by('td', '{note}')")
 
+    def test_only_a_new_text_moves_the_caret_to_its_beginning(self):
+        server, page = self.begin()
+        page.fill("Server Port:", "1", "dialog('Connect')")
+        page.click_on("named('Server Address:')")
+        page.press("Home", *["ArrowRight"] * 3)
+        page.press_button("Get List", "dialog('Connect')")
+        page.click_on(f"by('td', '{server.port}')", times=2)
+        page.wait_for("box()", "the box about the missing name")
+        page.press("Enter")
+        page.wait_for("!box()")
+        state = "((one) => [one.value, one.selectionStart, one.selectionEnd])"
+        self.assertEqual(page.see(f"{state}(named('Server Port:'))"), [str(server.port), 0, 0])
+        self.assertEqual(page.see(f"{state}(named('Server Address:'))"), ["127.0.0.1", 3, 3])
+
     def test_the_finder_leads_to_another_server(self):
         server, page = self.begin("--notes", "the first one")
         other = self.start_server("--notes", "the other one", "--publish", f"http://127.0.0.1:{server.port}")

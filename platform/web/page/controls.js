@@ -101,7 +101,7 @@ const commonProperties = {
 
 const ownProperties = {
   TextBox: {
-    Text: (control, value) => { if (control.element.value !== value) control.element.value = value; },
+    Text: (control, value) => { control.element.value = value; control.element.setSelectionRange(0, 0); },
     SelStart: (control, value) => { control.element.setSelectionRange(value, value); },
   },
   Slider: {
