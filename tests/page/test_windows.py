@@ -1,9 +1,11 @@
 """The page's other windows: store, fonts, menus and message boxes."""
 
+from page import RIGHT
 from pageTest import PageTest, unittest
 from protocol import BUY_ACCEPTED, BUY_REQUEST, FUNDS, RESPAWN, SERVER_TEXT
 
 STORE = "all('.form').find((form) => words(form.querySelector('h2')) === 'Powerups')"
+CONNECT_PLACE = "((r) => [r.left, r.top])(dialog('Connect').getBoundingClientRect())"
 VALUES = "all('.slider').map((one) => one.valueAsNumber)"
 
 
@@ -58,6 +60,26 @@ class Windows(PageTest):
         page.wait_for("dialog('Connect')")
         page.press_button("Cancel", "dialog('Connect')")
         page.wait_for(f"{place}.every((one) => one === 8)")
+
+    def test_only_the_left_button_drags_a_window(self):
+        _, page = self.begin()
+        before = page.see(CONNECT_PLACE)
+        x, y = page.middle("dialog('Connect').querySelector('h2')")
+        page.mouse({"type": "pointerMove", "x": round(x), "y": round(y)}, {"type": "pointerDown", "button": RIGHT},
+                   {"type": "pointerMove", "x": round(x) + 100, "y": round(y)}, {"type": "pointerUp", "button": RIGHT})
+        self.assertEqual(page.see(CONNECT_PLACE), before)
+
+    def test_a_cancelled_touch_lets_go_of_a_window(self):
+        _, page = self.begin()
+        page.see("addEventListener('pointermove', (event) => { window.finger = event; })")
+        left, top = page.see(CONNECT_PLACE)
+        x, y = page.middle("dialog('Connect').querySelector('h2')")
+        page.fingers(("down", x, y), ("move", x + 30, y))
+        page.wait_for(f"{CONNECT_PLACE}.join() === '{left + 30},{top}'")
+        page.see("dialog('Connect').querySelector('header').releasePointerCapture(finger.pointerId)")
+        page.fingers(("move", x + 60, y))
+        page.wait_for(f"Math.round(finger.clientX) === {round(x + 60)}")
+        self.assertEqual(page.see(CONNECT_PLACE), [left + 30, top])
 
     def test_a_dialog_blocks_those_below_and_gives_the_focus_back(self):
         _, page = self.begin()

@@ -54,7 +54,7 @@ function makeWindow(control) {
 function dragByBar(control) {
   let grip = null;
   control.bar.addEventListener('pointerdown', (event) => {
-    if (event.target.closest('button')) return;
+    if (event.button !== 0 || event.target.closest('button')) return;
     const {offsetLeft, offsetTop} = control.element;
     grip = {x: event.clientX / deskScale - offsetLeft, y: event.clientY / deskScale - offsetTop};
     control.bar.setPointerCapture(event.pointerId);
@@ -64,7 +64,7 @@ function dragByBar(control) {
     control.isDragged = true;
     placeWindow(control, event.clientX / deskScale - grip.x, event.clientY / deskScale - grip.y);
   });
-  control.bar.addEventListener('pointerup', () => { grip = null; });
+  control.bar.addEventListener('lostpointercapture', () => { grip = null; });
 }
 
 function placeWindow(control, left, top) {
