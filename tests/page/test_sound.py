@@ -21,15 +21,27 @@ WATCH = """() => {
     return stop.apply(this, when);
   };
 }"""
+# The first answer for each effect is an error.
+FAIL_ONCE = """() => {
+  const askServer = fetch;
+  const failed = new Set();
+  window.fetch = async (file, ...options) => {
+    const answer = await askServer(file, ...options);
+    if (!String(file).endsWith('.flac') || failed.has(file)) return answer;
+    failed.add(file);
+    return new Response(answer.body, {status: 503});
+  };
+}"""
 LENGTHS = "[...sounds.values()].every((one) => one.buffer) && [...sounds.values()].map((one) => one.buffer.duration)"
 TRACKS = "performance.getEntriesByType('resource').map((entry) => entry.name).filter((name) => name.endsWith('.mp3'))"
 
 
 class Sound(PageTest):
 
-    def open_watched(self, arguments):
-        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration=WATCH)
-        self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
+    def open_watched(self, arguments, *changes):
+        for change in (WATCH, *changes):
+            script = self.browser.wire.call("script.addPreloadScript", functionDeclaration=change)
+            self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
         page = self.open(self.start_server().port, arguments=arguments)
         page.wait_for("dialog('Connect')")
         return page
@@ -62,6 +74,18 @@ class Sound(PageTest):
         self.assertEqual(page.wait_for(LENGTHS), effects)
         self.command(page, "~playsound:4")
         self.assertEqual(page.wait_for("started.length > 1 && started"), [effects[4], effects[4]])
+
+    def test_an_effect_whose_fetch_has_failed_is_fetched_when_it_should_play(self):
+        page = self.open_watched("nomusic", FAIL_ONCE)
+        line = self.log_in(page)
+        page.wait_for("sounds.size === 9 && [...sounds.values()].every((one) => one.isLoading === false)")
+        self.command(page, "~playsound:4")
+        page.wait_for("[...sounds.values()][4].buffer !== undefined", "the effect in a second answer")
+        self.assertEqual(page.see("[...sounds.values()].filter((one) => one.buffer).length"), 1)
+        self.command(page, "~playsound:4")
+        page.wait_for("started.length === 1")
+        line.ask()
+        self.assertEqual(page.complaints(), [])
 
     def test_effects_that_are_switched_off_are_silent(self):
         page = self.open_watched("nomusic nosound")

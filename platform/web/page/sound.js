@@ -10,9 +10,11 @@ music.onended = () => { musicState = 1; };
 music.onerror = () => { if (wantsMusic) musicState = 1; };
 
 function startSpeaker() {
-  if (!speaker) speaker = new AudioContext();
+  if (!speaker) {
+    speaker = new AudioContext();
+    for (const sound of sounds.values()) loadSound(sound);
+  }
   if (speaker.state === 'suspended') speaker.resume();
-  for (const sound of sounds.values()) loadSound(sound);
   if (wantsMusic && music.paused) startMusic();
 }
 addEventListener('pointerdown', startSpeaker, true);
@@ -22,10 +24,10 @@ function loadSound(sound) {
   if (sound.isLoading || !sound.file || !speaker) return;
   sound.isLoading = true;
   fetch(sound.file)
-    .then((answer) => answer.arrayBuffer())
+    .then((answer) => answer.ok ? answer.arrayBuffer() : Promise.reject(answer.status))
     .then((bytes) => speaker.decodeAudioData(bytes))
     .then((buffer) => { sound.buffer = buffer; })
-    .catch(() => {});
+    .catch(() => { sound.isLoading = false; });
 }
 
 function soundOf(id) {
@@ -46,7 +48,8 @@ function silenceSound(id, isSilent) {
 
 function playSound(id) {
   const sound = soundOf(id);
-  if (!speaker || !sound.buffer || sound.isSilent) return;
+  if (!speaker || sound.isSilent) return;
+  if (!sound.buffer) return loadSound(sound);  // it may have failed before
   stopSound(id);
   sound.source = speaker.createBufferSource();
   sound.source.buffer = sound.buffer;
