@@ -12,10 +12,11 @@ function showEnd(title, text) {
 (function () {
   // The smallest module that needs SIMD: the type of a function that returns a vector.
   var vectors = [0, 97, 115, 109, 1, 0, 0, 0, 1, 5, 1, 96, 0, 1, 123];
-  var isAble = window.HTMLDialogElement && Array.prototype.findLast && window.WebAssembly &&
-      WebAssembly.validate(new Uint8Array(vectors));
+  var isAble = window.HTMLDialogElement && 'inert' in HTMLElement.prototype && Array.prototype.findLast &&
+      window.WebAssembly && WebAssembly.validate(new Uint8Array(vectors));
   if (!isAble) {
-    showEnd('This browser is too old', 'Kelvora needs WebAssembly with SIMD. Firefox, Chrome, Edge and Safari from 2023 on have it.');
+    showEnd('This browser is too old',
+      'Kelvora needs WebAssembly with SIMD, and Firefox, Chrome, Edge or Safari from May 2023 on.');
     return;
   }
   function showLoss() { showEnd('Kelvora could not be loaded', 'Reload the page to try again.'); }
