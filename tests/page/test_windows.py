@@ -6,6 +6,7 @@ from protocol import BUY_ACCEPTED, BUY_REQUEST, FUNDS, RESPAWN, SERVER_TEXT
 
 STORE = "all('.form').find((form) => words(form.querySelector('h2')) === 'Powerups')"
 CONNECT_PLACE = "((r) => [r.left, r.top])(dialog('Connect').getBoundingClientRect())"
+LINE_HEIGHT = "Math.round(parseFloat(getComputedStyle(box().querySelector('p')).lineHeight))"
 VALUES = "all('.slider').map((one) => one.valueAsNumber)"
 
 
@@ -201,6 +202,8 @@ class Windows(PageTest):
         page.press("Enter")
         page.wait_for("box()", "the box of commands")
         page.keep("box")
+        # The longest word that desktops show whole.
+        self.assertEqual(page.see("box().querySelector('p').offsetHeight"), page.see(LINE_HEIGHT), "a broken word")
         line.send(SERVER_TEXT, "still here")
         # Clicks beside the button don't take the box its Enter.
         page.click(5, 5)
