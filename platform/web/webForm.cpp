@@ -1,3 +1,4 @@
+#include <memory>
 
 #include "platform/desktop/answerKey.h"
 #include "platform/desktop/handlerCall.h"

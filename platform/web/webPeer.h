@@ -49,7 +49,8 @@ class WebPeer : public Peer, public PageObject {
   Control& control_;
 };
 
-/// Sets what tells the key of a touched place on the canvas, in twips. Where it is 0, the touch steers like the mouse.
+/// Sets the function that returns the key for a touched place on the canvas, in twips. 0: the touch steers like the
+/// mouse.
 void setTouchHandler(int (*keyAt)(float x, float y));
 
 /// The font in CSS, with `points` as its size.

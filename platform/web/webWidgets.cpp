@@ -3,6 +3,7 @@
 
 #include "platform/desktop/answerKey.h"
 #include "platform/desktop/handlerCall.h"
+#include "platform/desktop/shownLabel.h"
 #include "platform/web/page.h"
 #include "platform/web/webPeer.h"
 #include "platform/web/webPixels.h"
@@ -19,22 +20,23 @@ class LabelPeer : public WebPeer {
   LabelPeer(Label& label, int parent) : WebPeer(label, parent, "Label"), label_(label) {
     constexpr const char* alignments[] = {"left", "right", "center"};
     set("Alignment", std::string(alignments[static_cast<int>(label.design.alignment)]));
-    for (const PropertyId id : {PropertyId::FontSize, PropertyId::Caption, PropertyId::BorderStyle}) show(id);
+    for (const PropertyId id : {PropertyId::FontSize, PropertyId::Caption, PropertyId::BorderStyle}) display(id);
     if (!label.design.systemColours) {
-      show(PropertyId::ForeColor);
-      show(PropertyId::BackColor);
+      display(PropertyId::ForeColor);
+      display(PropertyId::BackColor);
     }
   }
 
  protected:
   void show(PropertyId id) override {
+    if (shown_.isNew(id)) display(id);
+  }
+
+ private:
+  void display(PropertyId id) {
     switch (id) {
       case PropertyId::Caption:
-        // The game sets the same caption again and again, once a second or once a frame.
-        if (isCaptionShown_ && caption_ == label_.Caption.get()) return;
-        isCaptionShown_ = true;
-        caption_ = label_.Caption;
-        set("Caption", caption_);
+        set("Caption", label_.Caption.get());
         return followCaption();
       case PropertyId::FontSize:
         set("Font", cssFont(label_.design.font, label_.FontSize));
@@ -51,7 +53,6 @@ class LabelPeer : public WebPeer {
     }
   }
 
- private:
   void followCaption() {
     if (!label_.design.autoSize) return;
     FontSpec font = label_.design.font;
@@ -61,8 +62,7 @@ class LabelPeer : public WebPeer {
   }
 
   Label& label_;
-  std::string caption_;
-  bool isCaptionShown_ = false;
+  ShownLabel shown_{label_};
 };
 
 class TextBoxPeer : public WebPeer {
@@ -78,8 +78,6 @@ class TextBoxPeer : public WebPeer {
   }
 
   void take(const PageEvent& event) override {
-    constexpr int enterKey = 13;
-    constexpr int escapeKey = 27;
     const int key = event.numbers[0];
     if (event.kind == PageEventKind::Edited) {
       shown_ = event.bytes;
@@ -88,9 +86,9 @@ class TextBoxPeer : public WebPeer {
       return;
     }
     // A default or cancel button of the form takes the key, and the box does not hear of it.
-    const bool isAnswer = key == enterKey || key == escapeKey;
+    const bool isAnswer = key == keyEnter || key == keyEscape;
     if (event.kind == PageEventKind::KeyDown && isAnswer && takesEvents(box_) &&
-        answerKey(box_.root(), key == enterKey)) {
+        answerKey(box_.root(), key == keyEnter)) {
       isAnswered_ = true;
       return;
     }
