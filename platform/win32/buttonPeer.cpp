@@ -40,7 +40,10 @@ class PushPeer : public NativePeer {
   virtual void paintFace(const Painter& painter, const Box& place, UINT state) = 0;
 
   bool handle(UINT message, WPARAM first, LPARAM, LRESULT&) override {
-    if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) post({InputKind::MouseDown, 1, shiftBits()});
+    const auto mouse = mouseReport(message);
+    // The second press of a double-click is a press as well.
+    const bool isPress = mouse && (mouse->kind == InputKind::MouseDown || mouse->kind == InputKind::DoubleClick);
+    if (isPress) post({InputKind::MouseDown, mouse->button, shiftBits()});
     if (message == WM_SETFOCUS || message == WM_KILLFOCUS) InvalidateRect(window(), nullptr, FALSE);
     const bool isEnter = message == WM_KEYDOWN && first == VK_RETURN;
     if (isEnter) post({InputKind::Click});

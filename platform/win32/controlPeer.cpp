@@ -20,6 +20,33 @@ int buttonBits(WPARAM keys) {
          ((keys & MK_MBUTTON) != 0 ? middleButton : 0);
 }
 
+std::optional<MouseReport> mouseReport(UINT message) {
+  switch (message) {
+    case WM_MOUSEMOVE:
+      return MouseReport{InputKind::MouseMove, 0};
+    case WM_LBUTTONDOWN:
+      return MouseReport{InputKind::MouseDown, leftButton};
+    case WM_LBUTTONUP:
+      return MouseReport{InputKind::MouseUp, leftButton};
+    case WM_LBUTTONDBLCLK:
+      return MouseReport{InputKind::DoubleClick, leftButton};
+    case WM_RBUTTONDOWN:
+      return MouseReport{InputKind::MouseDown, rightButton};
+    case WM_RBUTTONUP:
+      return MouseReport{InputKind::MouseUp, rightButton};
+    case WM_RBUTTONDBLCLK:
+      return MouseReport{InputKind::DoubleClick, rightButton};
+    case WM_MBUTTONDOWN:
+      return MouseReport{InputKind::MouseDown, middleButton};
+    case WM_MBUTTONUP:
+      return MouseReport{InputKind::MouseUp, middleButton};
+    case WM_MBUTTONDBLCLK:
+      return MouseReport{InputKind::DoubleClick, middleButton};
+    default:
+      return std::nullopt;
+  }
+}
+
 ControlPeer* peerOf(const Control& control) { return dynamic_cast<ControlPeer*>(control.peer.get()); }
 
 Box ControlPeer::box() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <span>
 
 #include "platform/control.h"
@@ -25,6 +26,14 @@ class TextBox;
 /// Bits of the buttons and shift keys that are down now.
 int shiftBits();
 int buttonBits(WPARAM keys);
+
+/// What a mouse message reports.
+struct MouseReport {
+  InputKind kind;
+  int button;  ///< bit; 0 for a move
+};
+/// None for other messages.
+std::optional<MouseReport> mouseReport(UINT message);
 
 /// The peer of a control that the form paints. It has no window of its own, so that it can show what is below it.
 class ControlPeer : public Peer, public InputTarget {

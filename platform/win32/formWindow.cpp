@@ -16,22 +16,6 @@ NativePeer* nativePeer(HWND window) {
   return dynamic_cast<NativePeer*>(InputTarget::find(static_cast<int>(GetWindowLongPtrW(window, GWLP_ID))));
 }
 
-/// The button of a mouse message, as a bit.
-int buttonOf(UINT message) {
-  switch (message) {
-    case WM_LBUTTONDOWN:
-    case WM_LBUTTONUP:
-    case WM_LBUTTONDBLCLK:
-      return 1;
-    case WM_RBUTTONDOWN:
-    case WM_RBUTTONUP:
-    case WM_RBUTTONDBLCLK:
-      return 2;
-    default:
-      return 4;
-  }
-}
-
 }  // namespace
 
 LRESULT CALLBACK FormPeer::procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
@@ -167,7 +151,8 @@ bool FormPeer::handleChild(UINT message, WPARAM first, LPARAM second, LRESULT& r
 }
 
 bool FormPeer::handleMouse(UINT message, WPARAM first, LPARAM second) {
-  if (message < WM_MOUSEFIRST || message > WM_MBUTTONDBLCLK) return false;
+  const auto report = mouseReport(message);
+  if (!report) return false;
   const int x = static_cast<int>(std::floor(GET_X_LPARAM(second) / scale_));
   const int y = static_cast<int>(std::floor(GET_Y_LPARAM(second) / scale_));
   auto* peer = dynamic_cast<ControlPeer*>(InputTarget::find(captured_));
@@ -175,26 +160,19 @@ bool FormPeer::handleMouse(UINT message, WPARAM first, LPARAM second) {
   if (toolTip_) toolTip_->follow(peer, scale_, message, first, second);
   if (peer == nullptr) return true;
   const Box place = peer->box();
-  Input input{InputKind::MouseMove, buttonOf(message), shiftBits(),
-              x - place.left,       y - place.top,     place.contains(x, y) ? 1 : 0};
-  switch (message) {
-    case WM_MOUSEMOVE:
+  Input input{report->kind, report->button, shiftBits(), x - place.left, y - place.top, place.contains(x, y) ? 1 : 0};
+  switch (report->kind) {
+    case InputKind::MouseMove:
       if (input.inside == 0 && !peer->takesMovesOutside()) return true;
       input.first = buttonBits(first);
       break;
-    case WM_LBUTTONUP:
-    case WM_RBUTTONUP:
-    case WM_MBUTTONUP:
-      input.kind = InputKind::MouseUp;
+    case InputKind::MouseUp:
       if (buttonBits(first) == 0) {
         captured_ = 0;
         ReleaseCapture();
       }
       break;
     default:
-      input.kind = message == WM_LBUTTONDBLCLK || message == WM_RBUTTONDBLCLK || message == WM_MBUTTONDBLCLK
-                       ? InputKind::DoubleClick
-                       : InputKind::MouseDown;
       captured_ = peer->id();
       SetCapture(window_);
       if (peer->takesKeys()) focus(*peer);

@@ -9,7 +9,9 @@ import wine
 from finderTest import FINDER
 from ports import free_port
 from protocol import LOGIN
-from webTest import BOX, WebTest, record
+from webTest import BOX, REFRESH, WebTest, record
+
+MIDDLE, RIGHT = 2, 3  # mouse buttons
 
 
 class Finder(WebTest):
@@ -52,6 +54,22 @@ class Finder(WebTest):
             host.let_in()
             query = "password={password}&full={full}&empty={empty} HTTP/1.1".format(**flags).encode()
             self.assertIn(query, self.list_request(host).head)
+
+    def test_other_buttons_on_a_box_fetch_and_change_nothing(self):
+        host = self.web_host()
+        client, finder = self.start_finder(host)
+        self.list_request(host)
+        fetched = len(host.requests)
+        self.mouse_elsewhere(finder)
+        before = harness.wait_for_rest(lambda: self.box_pixels(finder, "full"), "the box", looks=2)
+        for button in (RIGHT, MIDDLE):
+            self.click_box(finder, "full", button)
+            self.assertIn(b"&full=0&", self.list_request(host).head)
+        self.mouse_elsewhere(finder)
+        finder.click(*REFRESH)
+        self.assertIn(b"&full=0&", self.list_request(host).head)
+        self.assertEqual(len(host.requests), fetched + 3, "one for each press")
+        self.assertEqual(harness.wait_for_rest(lambda: self.box_pixels(finder, "full"), "the box", looks=2), before)
 
     def test_unreachable_host_can_be_retried(self):
         port = free_port()

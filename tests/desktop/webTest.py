@@ -113,10 +113,12 @@ class WebTest(FinderTest):
         client = self.start_client(web_host=host.name)
         return client, self.open_finder(client)
 
-    def click_box(self, finder, name):
-        left, top = finder.geometry()[:2]
-        x, y = BOXES[name]
-        self.display.xdotool("mousemove", left + x, top + y, "click", 1)
+    def click_box(self, finder, name, button=1):
+        finder.click(*BOXES[name], button)
+
+    def mouse_elsewhere(self, finder):
+        """Moves the mouse to the finder's corner, where it highlights nothing."""
+        self.display.xdotool("mousemove", *finder.geometry()[:2])
 
     def assert_alive(self, client, finder, host):
         """Asserts that the finder still works: a new fetch, and a double-click that connects."""
@@ -134,10 +136,10 @@ class WebTest(FinderTest):
 
     def change_box(self, finder, name):
         """Changes a box. Returns once it shows its new value with the mouse elsewhere."""
-        self.display.xdotool("mousemove", *finder.geometry()[:2])
+        self.mouse_elsewhere(finder)
         before = harness.wait_for_rest(lambda: self.box_pixels(finder, name), "the box", looks=2)
         self.click_box(finder, name)
-        self.display.xdotool("mousemove", *finder.geometry()[:2])
+        self.mouse_elsewhere(finder)
         harness.wait_for(lambda: self.box_pixels(finder, name) != before, f"the box '{name}' changed")
         harness.wait_for_rest(lambda: self.box_pixels(finder, name), "the box", looks=2)
 
