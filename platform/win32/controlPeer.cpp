@@ -6,6 +6,7 @@
 #include "platform/pictureBox.h"
 #include "platform/widgets.h"
 #include "platform/win32/formPeer.h"
+#include "platform/win32/wideText.h"
 #include "raster/twips.h"
 
 namespace kelvora {
@@ -44,6 +45,13 @@ std::optional<MouseReport> mouseReport(UINT message) {
       return MouseReport{InputKind::DoubleClick, middleButton};
     default:
       return std::nullopt;
+  }
+}
+
+void postKey(const InputTarget& target, UINT message, WPARAM first) {
+  if (message != WM_CHAR) return target.post({InputKind::KeyDown, static_cast<int>(first), shiftBits()});
+  for (const char byte : fromWide(std::wstring(1, static_cast<wchar_t>(first)))) {
+    target.post({InputKind::KeyPress, static_cast<unsigned char>(byte)});
   }
 }
 

@@ -35,6 +35,9 @@ struct MouseReport {
 /// None for other messages.
 std::optional<MouseReport> mouseReport(UINT message);
 
+/// Posts the bytes of WM_CHAR as KeyPress, and other messages about keys as KeyDown.
+void postKey(const InputTarget& target, UINT message, WPARAM first);
+
 /// The peer of a control that the form paints. It has no window of its own, so that it can show what is below it.
 class ControlPeer : public Peer, public InputTarget {
  public:

@@ -6,7 +6,6 @@
 #include "platform/win32/formPeer.h"
 #include "platform/win32/messagePump.h"
 #include "platform/win32/nativePeer.h"
-#include "platform/win32/wideText.h"
 
 namespace kelvora {
 
@@ -182,17 +181,9 @@ bool FormPeer::handleMouse(UINT message, WPARAM first, LPARAM second) {
 }
 
 void FormPeer::handleKey(UINT message, WPARAM first) const {
-  const InputTarget* target = InputTarget::find(keyTarget_);
-  if (message == WM_CHAR) {
-    if (target == nullptr) return;
-    for (const char byte : fromWide(std::wstring(1, static_cast<wchar_t>(first)))) {
-      target->post({InputKind::KeyPress, static_cast<unsigned char>(byte)});
-    }
-    return;
-  }
-  const int code = static_cast<int>(first);
-  if (target != nullptr) return target->post({InputKind::KeyDown, code, shiftBits()});
-  if (code == VK_RETURN || code == VK_ESCAPE) post({InputKind::KeyDown, code});
+  if (const InputTarget* target = InputTarget::find(keyTarget_)) return postKey(*target, message, first);
+  const bool isAnswer = first == VK_RETURN || first == VK_ESCAPE;
+  if (message != WM_CHAR && isAnswer) postKey(*this, message, first);
 }
 
 bool FormPeer::hidePointer() const {

@@ -4,7 +4,6 @@
 #include "platform/desktop/handlerCall.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
-#include "platform/win32/wideText.h"
 
 namespace kelvora {
 
@@ -57,19 +56,13 @@ void NativePeer::take(const Input& input) {
 }
 
 bool NativePeer::handleKey(UINT message, WPARAM first) {
-  if (message == WM_CHAR) {
-    for (const char byte : fromWide(std::wstring(1, static_cast<wchar_t>(first)))) {
-      post({InputKind::KeyPress, static_cast<unsigned char>(byte)});
-    }
-    // The system would beep.
-    return first == VK_TAB || first == VK_RETURN || first == VK_ESCAPE;
-  }
-  if (first == VK_TAB) {
-    form().focusNext((shiftBits() & 1) != 0);
+  if (message == WM_KEYDOWN && first == VK_TAB) {
+    form().focusNext((shiftBits() & shiftBit) != 0);
     return true;
   }
-  post({InputKind::KeyDown, static_cast<int>(first), shiftBits()});
-  return first == VK_RETURN || first == VK_ESCAPE;
+  postKey(*this, message, first);
+  // With Alt, every key is also the system's, such as Alt+F4. It would beep for these.
+  return message != WM_SYSKEYDOWN && (first == VK_TAB || first == VK_RETURN || first == VK_ESCAPE);
 }
 
 LRESULT CALLBACK NativePeer::procedure(HWND window, UINT message, WPARAM first, LPARAM second, UINT_PTR,
@@ -84,6 +77,7 @@ LRESULT CALLBACK NativePeer::procedure(HWND window, UINT message, WPARAM first, 
       peer->form().focus(*peer);
       break;
     case WM_KEYDOWN:
+    case WM_SYSKEYDOWN:
     case WM_CHAR:
       if (peer->handleKey(message, first)) return 0;
       break;

@@ -184,6 +184,18 @@ class Chat(Keyboard):
                 finally:
                     self.press("Caps_Lock", "Num_Lock")
 
+    def test_powerups_fire_from_the_chat_line_with_any_shift_key(self):
+        client, line = self.in_game()
+        client.window.activate()
+        client.mouse_to(300, 300)
+        self.press(Q)  # moves the focus to the chat line
+        for key in ("F1", "shift+F1", "ctrl+F1", "alt+F1"):
+            with self.subTest(key=key):
+                self.press(key)
+                self.assertEqual(self.next_but_reports(line), (ACTIVATE_REQUEST, [b"0"]))
+        self.press("Return")
+        self.assertEqual(self.next_but_reports(line), (CHAT, [b"-1", b"q"]))
+
 
 if __name__ == "__main__":
     unittest.main()
