@@ -39,15 +39,13 @@ class PushPeer : public NativePeer {
  protected:
   virtual void paintFace(const Painter& painter, const Box& place, UINT state) = 0;
 
-  bool handle(UINT message, WPARAM first, LPARAM, LRESULT&) override {
+  bool handle(UINT message, WPARAM, LPARAM, LRESULT&) override {
     const auto mouse = mouseReport(message);
     // The second press of a double-click is a press as well.
     const bool isPress = mouse && (mouse->kind == InputKind::MouseDown || mouse->kind == InputKind::DoubleClick);
     if (isPress) post({InputKind::MouseDown, mouse->button, shiftBits()});
     if (message == WM_SETFOCUS || message == WM_KILLFOCUS) InvalidateRect(window(), nullptr, FALSE);
-    const bool isEnter = message == WM_KEYDOWN && first == VK_RETURN;
-    if (isEnter) post({InputKind::Click});
-    return isEnter || (message == WM_CHAR && first == VK_RETURN);
+    return false;
   }
 };
 
@@ -64,6 +62,12 @@ class ButtonPeer : public PushPeer {
     painter.fill(place, isPressed ? looks.ground : isDefault ? lighter(looks.raised) : looks.raised);
     painter.border(place, isFocused ? looks.chosen : looks.line);
     painter.text(place, toWide(button_.Caption.get()), FontSpec{}, looks.text, centred);
+  }
+
+  bool handle(UINT message, WPARAM first, LPARAM second, LRESULT& result) override {
+    const bool isEnter = message == WM_KEYDOWN && first == VK_RETURN;
+    if (isEnter) post({InputKind::Click});
+    return isEnter || PushPeer::handle(message, first, second, result);
   }
 
  private:

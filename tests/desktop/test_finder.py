@@ -71,6 +71,17 @@ class Finder(WebTest):
         self.assertEqual(len(host.requests), fetched + 3, "one for each press")
         self.assertEqual(harness.wait_for_rest(lambda: self.box_pixels(finder, "full"), "the box", looks=2), before)
 
+    def test_enter_on_a_box_changes_nothing(self):
+        host = self.web_host()
+        client, finder = self.start_finder(host)
+        self.list_request(host)
+        self.change_box(finder, "full")
+        self.list_request(host)
+        # Enter belongs to the default button, which the finder lacks. The blank changes the box.
+        self.display.xdotool("key", "Return", "key", "space")
+        finder.click(*REFRESH)
+        self.assertIn(b"&full=0&", self.list_request(host).head)
+
     def test_unreachable_host_can_be_retried(self):
         port = free_port()
         client = self.start_client(web_host=f"127.0.0.1:{port}")
