@@ -75,10 +75,6 @@ LRESULT FormPeer::handle(UINT message, WPARAM first, LPARAM second) {
     case WM_ENTERSIZEMOVE:
       systemLoopBegins();
       return 0;
-    case WM_EXITMENULOOP:
-    case WM_EXITSIZEMOVE:
-      systemLoopEnds();
-      return 0;
     case WM_GETMINMAXINFO: {
       // By default, a window hardly exceeds the screen, so its frame takes room from the game in full screen.
       constexpr LONG unlimited = 32767;

@@ -1,7 +1,5 @@
 #include "platform/win32/messagePump.h"
 
-#include <algorithm>
-
 #include "platform/sockets/networkSignal.h"
 #include "platform/win32/eventQueue.h"
 #include "platform/win32/win32.h"
@@ -15,8 +13,7 @@ constexpr SIZE_T pumpStack = 1024 * 1024;  // bytes
 
 LPVOID gameFiber = nullptr;
 LPVOID pumpFiber = nullptr;
-UINT_PTR turnTimer = 0;
-int systemLoops = 0;
+UINT_PTR turnTimer = 0;  ///< runs during a loop of the system's; 0 for none
 bool isPumping = false;  ///< the pump's fiber runs
 
 void leavePump() {
@@ -28,6 +25,11 @@ void CALLBACK giveTurn(HWND, UINT, UINT_PTR, DWORD) {
   if (isPumping) leavePump();
 }
 
+void endTurns() {
+  if (turnTimer != 0) KillTimer(nullptr, turnTimer);
+  turnTimer = 0;
+}
+
 void CALLBACK pump(LPVOID) {
   for (;;) {
     MSG message;
@@ -35,6 +37,8 @@ void CALLBACK pump(LPVOID) {
       TranslateMessage(&message);
       DispatchMessageW(&message);
     }
+    // A loop lasts as long as a dispatch. A window that was destroyed meanwhile doesn't hear of the loop's end.
+    endTurns();
     leavePump();
   }
 }
@@ -58,15 +62,10 @@ void waitForMessages(int milliseconds) {
   MsgWaitForMultipleObjectsEx(1, &event, patience, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
 }
 
-bool isInSystemLoop() { return systemLoops > 0; }
+bool isInSystemLoop() { return turnTimer != 0; }
 
 void systemLoopBegins() {
-  if (systemLoops++ == 0) turnTimer = SetTimer(nullptr, 0, turnLength, giveTurn);
-}
-
-void systemLoopEnds() {
-  systemLoops = std::max(systemLoops - 1, 0);
-  if (systemLoops == 0) KillTimer(nullptr, turnTimer);
+  if (turnTimer == 0) turnTimer = SetTimer(nullptr, 0, turnLength, giveTurn);
 }
 
 }  // namespace kelvora

@@ -10,9 +10,8 @@ void pumpMessages();
 /// Sleeps until a window message, a network event or the end of this time (ms; -1 for none).
 void waitForMessages(int milliseconds);
 
-/// Called for messages that begin and end a loop of the system.
+/// Called for messages that begin a loop of the system, which ends by itself.
 void systemLoopBegins();
-void systemLoopEnds();
 /// True while a loop of the system runs. Each call of pumpMessages() then lasts some milliseconds.
 bool isInSystemLoop();
 
