@@ -9,8 +9,6 @@ namespace kelvora {
 
 namespace {
 
-constexpr Colour frameGrey = RGB(160, 160, 164);
-
 class FramePeer : public ControlPeer {
  public:
   FramePeer(Frame& frame, FormPeer& form) : ControlPeer(frame, form), frame_(frame) {}
@@ -22,7 +20,7 @@ class FramePeer : public ControlPeer {
     if (!frame_.border) return;
     const FontMeasure measure(gdiFont(FontSpec{}, 1));
     const int height = measure.lineHeight();
-    painter.border({place.left, place.top + height / 2, place.width, place.height - height / 2}, frameGrey);
+    painter.border({place.left, place.top + height / 2, place.width, place.height - height / 2}, lineGrey);
     if (frame_.Caption.empty()) return;
     constexpr int indent = 8;
     const std::wstring title = toWide(frame_.Caption);

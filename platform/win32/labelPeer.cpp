@@ -12,8 +12,6 @@ namespace kelvora {
 
 namespace {
 
-constexpr Colour borderGrey = RGB(160, 160, 164);
-
 class LabelPeer : public ControlPeer {
  public:
   LabelPeer(Label& label, FormPeer& form) : ControlPeer(label, form), label_(label) { followCaption(); }
@@ -30,7 +28,7 @@ class LabelPeer : public ControlPeer {
     if (!design.transparent) painter.fill(place, design.systemColours ? looks.ground : label_.BackColor.get());
     Box inside = place;
     if (label_.BorderStyle != 0) {
-      painter.border(place, design.systemColours ? looks.line : borderGrey);
+      painter.border(place, design.systemColours ? looks.line : lineGrey);
       inside = {place.left + 1, place.top + 1, place.width - 2, place.height - 2};
     }
     const std::wstring text = toWide(label_.Caption.get());

@@ -43,8 +43,7 @@ MessageWindow::MessageWindow(const std::string& text, Size size)
   close_.TabIndex = 0;
   close_.Click = [this] { Hide(); };
   close_.KeyDown = [this](int KeyCode, int) {
-    constexpr int escape = 27;
-    if (KeyCode == escape) Hide();
+    if (KeyCode == keyEscape) Hide();
   };
   unload = [this] { Hide(); };
 }

@@ -20,6 +20,9 @@ struct Box {
   bool contains(int x, int y) const { return x >= left && y >= top && x < left + width && y < top + height; }
 };
 
+/// The line around frames and labels.
+inline constexpr Colour lineGrey = RGB(160, 160, 164);
+
 /// Device pixels for this many of the game's.
 int scaled(int pixels, double scale);
 
