@@ -39,6 +39,12 @@ class Progress {
     return true;
   }
 
+  /// Waits for the last report, whatever the earlier ones were.
+  void waitForEnd() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return step_ == WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING; });
+  }
+
  private:
   std::mutex mutex_;
   std::condition_variable changed_;
@@ -67,7 +73,7 @@ class Exchange {
     if (!isWatched_) return;
     handle_.reset();
     // The system reports to this object until then.
-    progress_.wait(WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING, [] { return false; });
+    progress_.waitForEnd();
   }
 
   Outcome run(WebReply& reply) {
