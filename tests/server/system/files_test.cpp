@@ -39,6 +39,13 @@ TEST_F(Files, ThatCantBeReplacedStay) {
   EXPECT_NE(replaceFile(path + "/below/a/file", "x"), "");
 }
 
+TEST_F(Files, LeaveNothingBehindWhenTheMoveFails) {
+  fs::create_directory(pathFromUtf8(path));  // no file can replace it
+  EXPECT_NE(replaceFile(path, "text"), "");
+  EXPECT_FALSE(fs::exists(pathFromUtf8(path + ".new")));
+  EXPECT_TRUE(fs::is_directory(pathFromUtf8(path)));
+}
+
 TEST_F(Files, MayBeMissingButNotTooLongOrFolders) {
   const FileText missing = readFile(path, 10);
   EXPECT_EQ(missing.text, std::nullopt);
