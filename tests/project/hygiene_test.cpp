@@ -49,9 +49,10 @@ TEST(Hygiene, LinesHaveNoTabsOrTrailingBlanks) {
   }
 }
 
-TEST(Hygiene, TextsEndWithOneLineBreak) {
+TEST(Hygiene, TextsBeginWithoutALineBreakAndEndWithOne) {
   for (const auto& file : texts()) {
     if (file.text.empty()) continue;
+    EXPECT_FALSE(file.text.starts_with('\n')) << file.path;
     EXPECT_TRUE(file.text.ends_with('\n')) << file.path;
     EXPECT_FALSE(file.text.ends_with("\n\n")) << file.path;
   }
