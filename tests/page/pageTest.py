@@ -89,10 +89,10 @@ class PageTest(unittest.TestCase):
             raise
         self.browser.empty_pages.append(page)
 
-    def begin(self, *options):
+    def begin(self, *options, **opening):
         """The real server and a page from it that shows the connect dialog."""
         server = self.start_server(*options)
-        page = self.open(server.port)
+        page = self.open(server.port, **opening)
         page.wait_for("dialog('Connect')")
         return server, page
 

@@ -104,8 +104,7 @@ class Screens(PageTest):
         page.wait_for("all('.form h2').some((title) => words(title) === 'Powerups')", "the store")
 
     def test_a_click_hits_the_same_place_in_a_small_page(self):
-        _, page = self.begin()
-        page.resize(450, 700)
+        _, page = self.begin(size=(450, 700))
         line = self.log_in(page)
         width, height = page.canvas_size()
         # Right of the ball and as far below it, at full speed: the bearing's steps make it 13 % more along one axis.
@@ -177,8 +176,7 @@ class Phones(PageTest):
 class Fingers(PageTest):
 
     def test_a_finger_steers_and_another_one_brakes(self):
-        _, page = self.begin()
-        page.resize(390, 780)
+        _, page = self.begin(size=(390, 780))
         line = self.log_in(page)
         left, top, width, height = page.place("canvas()")
         middle = left + width / 2, top + height / 2
@@ -205,8 +203,7 @@ class Fingers(PageTest):
         self.assertEqual(page.see("all('#brakes').length"), 1)
 
     def test_a_tap_on_an_icon_fires_its_powerup(self):
-        _, page = self.begin()
-        page.resize(780, 360)
+        _, page = self.begin(size=(780, 360))
         line = self.log_in(page)
         line.send(BUY_ACCEPTED, 1, 2, 0)
         line.ask()
