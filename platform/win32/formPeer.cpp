@@ -44,6 +44,14 @@ const wchar_t* windowClass(WNDPROC procedure) {
   return registered != 0 ? name : L"";
 }
 
+int activeFormId() {
+  const HWND active = GetActiveWindow();
+  for (const FormPeer* peer : shownForms) {
+    if (peer->window() == active) return peer->id();
+  }
+  return 0;
+}
+
 }  // namespace
 
 double scaleAt(UINT dotsPerInch) { return dotsPerInch / double{USER_DEFAULT_SCREEN_DPI}; }
@@ -148,7 +156,10 @@ void FormPeer::enableOnlyTheModal() {
 
 void FormPeer::showWindow() {
   if (mainForm == nullptr) mainForm = this;
-  if (std::find(shownForms.begin(), shownForms.end(), this) == shownForms.end()) shownForms.push_back(this);
+  if (std::find(shownForms.begin(), shownForms.end(), this) == shownForms.end()) {
+    below_ = form_.modality() == Form::Modality::Modal ? activeFormId() : 0;
+    shownForms.push_back(this);
+  }
   enableOnlyTheModal();
   if (!isShownBefore_) {
     placeWindow();
@@ -171,8 +182,16 @@ void FormPeer::hideWindow() {
   std::erase(shownForms, this);
   // Before it hides, so that the system activates the window below and not another program's.
   enableOnlyTheModal();
+  const bool wasActive = GetActiveWindow() == window_;
   ShowWindow(window_, SW_HIDE);
-  if (!shownForms.empty() && GetActiveWindow() == nullptr) SetForegroundWindow(shownForms.back()->window());
+  const FormPeer* next = newestModal();
+  if (next == nullptr) next = dynamic_cast<const FormPeer*>(InputTarget::find(below_));
+  if (wasActive && next != nullptr && next->isShown()) {
+    // The system has activated the main window, which owns this one.
+    SetForegroundWindow(next->window());
+  } else if (!shownForms.empty() && GetActiveWindow() == nullptr) {
+    SetForegroundWindow(shownForms.back()->window());
+  }
 }
 
 /// Centres a form that the game hasn't placed, on the screen or on the main window. Every window starts on the game's

@@ -77,6 +77,7 @@ class FormPeer : public Peer, public InputTarget {
   double scale_ = 1;
   int keyTarget_ = 0;  ///< id of the control with the keyboard
   int captured_ = 0;   ///< id of the control that was pressed
+  int below_ = 0;      ///< id of the form that a modal one gives the keyboard back to
   bool isShownBefore_ = false;
   bool isPlacedByGame_ = false;
 };
