@@ -76,7 +76,7 @@ class FormPeer : public Peer, public InputTarget {
   std::unique_ptr<ToolTip> toolTip_;
   double scale_ = 1;
   int keyTarget_ = 0;  ///< id of the control with the keyboard
-  int captured_ = 0;   ///< id of the control that was pressed
+  int captured_ = 0;   ///< id of the control that was pressed, or of the form beside the controls; 0 for none
   int below_ = 0;      ///< id of the form that a modal one gives the keyboard back to
   bool isShownBefore_ = false;
   bool isPlacedByGame_ = false;

@@ -61,6 +61,10 @@ LRESULT FormPeer::handle(UINT message, WPARAM first, LPARAM second) {
         SetFocus(peer->window());
       }
       return 0;
+    case WM_CAPTURECHANGED:
+      // Also without a release, such as when a message box opens.
+      captured_ = 0;
+      return 0;
     case WM_SETCURSOR:
       if (LOWORD(second) != HTCLIENT || !hidePointer()) break;
       SetCursor(nullptr);
@@ -150,27 +154,25 @@ bool FormPeer::handleMouse(UINT message, WPARAM first, LPARAM second) {
   if (!report) return false;
   const int x = static_cast<int>(std::floor(GET_X_LPARAM(second) / scale_));
   const int y = static_cast<int>(std::floor(GET_Y_LPARAM(second) / scale_));
-  auto* peer = dynamic_cast<ControlPeer*>(InputTarget::find(captured_));
-  if (peer == nullptr) peer = at(form_, x, y);
+  auto* peer = captured_ == 0 ? at(form_, x, y) : dynamic_cast<ControlPeer*>(InputTarget::find(captured_));
   if (toolTip_) toolTip_->follow(peer, scale_, message, first, second);
+  const bool isPress = report->kind == InputKind::MouseDown || report->kind == InputKind::DoubleClick;
+  const bool isHeld = report->button != 0 || buttonBits(first) != 0;
+  // The press was elsewhere, such as on a window that has closed since.
+  if (captured_ == 0 && isHeld && !isPress) return true;
+  if (isPress) {
+    SetCapture(window_);
+    captured_ = peer == nullptr ? id() : peer->id();
+  } else if (report->kind == InputKind::MouseUp && buttonBits(first) == 0) {
+    ReleaseCapture();
+  }
   if (peer == nullptr) return true;
   const Box place = peer->box();
   Input input{report->kind, report->button, shiftBits(), x - place.left, y - place.top, place.contains(x, y) ? 1 : 0};
-  switch (report->kind) {
-    case InputKind::MouseMove:
-      if (input.inside == 0 && !peer->takesMovesOutside()) return true;
-      input.first = buttonBits(first);
-      break;
-    case InputKind::MouseUp:
-      if (buttonBits(first) == 0) {
-        captured_ = 0;
-        ReleaseCapture();
-      }
-      break;
-    default:
-      captured_ = peer->id();
-      SetCapture(window_);
-      if (peer->takesKeys()) focus(*peer);
+  if (isPress && peer->takesKeys()) focus(*peer);
+  if (report->kind == InputKind::MouseMove) {
+    if (input.inside == 0 && !peer->takesMovesOutside()) return true;
+    input.first = buttonBits(first);
   }
   peer->post(input);
   return true;

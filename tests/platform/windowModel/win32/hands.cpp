@@ -42,7 +42,9 @@ std::vector<HWND> shownWindows() {
 Form& formOf(Control& control) { return dynamic_cast<Form&>(control.root()); }
 
 void post(HWND window, std::initializer_list<UINT> messages, int x, int y) {
-  for (const UINT message : messages) PostMessageW(window, message, MK_LBUTTON, MAKELPARAM(x, y));
+  for (const UINT message : messages) {
+    PostMessageW(window, message, message == WM_LBUTTONUP ? 0 : MK_LBUTTON, MAKELPARAM(x, y));
+  }
 }
 
 /// The system passes no input to disabled windows.

@@ -1,0 +1,68 @@
+#include <string>
+
+#include "platform/pictureBox.h"
+#include "platform/widgets.h"
+#include "tests/platform/windowModel/win32/formTest.h"
+
+namespace kelvora {
+namespace {
+
+/// A picture of 100 by 100 pixels with a label of the same size to its right.
+class FormMouse : public FormTest {
+ protected:
+  FormMouse() {
+    picture_.MouseDown = [this](int, int, float, float) { events_ += "press "; };
+    picture_.MouseMove = [this](int Button, int, float, float) { events_ += Button == 0 ? "move " : "drag "; };
+    picture_.MouseUp = [this](int, int, float, float) { events_ += "release "; };
+    label_.MouseUp = [this](int, int, float, float) { events_ += "label's release "; };
+    label_.Click = [this] { events_ += "label's click "; };
+    show();
+  }
+
+  PictureBox picture_{&form_, {0, 0, 1500, 1500}};
+  Label label_{&form_, {1500, 0, 1500, 1500}, "Label", {}};
+  std::string events_;
+};
+
+TEST_F(FormMouse, APressKeepsTheMouseUntilItsRelease) {
+  mouse(WM_LBUTTONDOWN, 50, 50, MK_LBUTTON);
+  mouse(WM_MOUSEMOVE, 150, 50, MK_LBUTTON);
+  mouse(WM_LBUTTONUP, 150, 50);
+  mouse(WM_LBUTTONDOWN, 150, 50, MK_LBUTTON);
+  mouse(WM_LBUTTONUP, 150, 50);
+  EXPECT_EQ(events_, "press release label's release label's click ");
+}
+
+TEST_F(FormMouse, APressIsForgottenWhenTheSystemTakesTheMouse) {
+  mouse(WM_LBUTTONDOWN, 50, 50, MK_LBUTTON);
+  // As a message box does.
+  EnableWindow(windowOf(form_), FALSE);
+  EnableWindow(windowOf(form_), TRUE);
+  mouse(WM_LBUTTONDOWN, 150, 50, MK_LBUTTON);
+  mouse(WM_LBUTTONUP, 150, 50);
+  EXPECT_EQ(events_, "press label's release label's click ");
+}
+
+TEST_F(FormMouse, AReleaseWithoutItsPressIsNoClick) {
+  mouse(WM_LBUTTONUP, 150, 50);
+  EXPECT_EQ(events_, "");
+}
+
+TEST_F(FormMouse, ADragFromElsewhereMovesOverNoControl) {
+  mouse(WM_MOUSEMOVE, 50, 50, MK_LBUTTON);
+  EXPECT_EQ(events_, "");
+  mouse(WM_MOUSEMOVE, 50, 50);
+  EXPECT_EQ(events_, "move ");
+}
+
+TEST_F(FormMouse, APressBesideTheControlsReachesNone) {
+  mouse(WM_LBUTTONDOWN, 50, 300, MK_LBUTTON);
+  mouse(WM_MOUSEMOVE, 50, 50, MK_LBUTTON);
+  mouse(WM_LBUTTONUP, 150, 50);
+  EXPECT_EQ(events_, "");
+  mouse(WM_MOUSEMOVE, 50, 50);
+  EXPECT_EQ(events_, "move ");
+}
+
+}  // namespace
+}  // namespace kelvora
