@@ -4,6 +4,7 @@
 #include "platform/desktop/handlerCall.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
+#include "platform/win32/messagePump.h"
 
 namespace kelvora {
 
@@ -75,6 +76,10 @@ LRESULT CALLBACK NativePeer::procedure(HWND window, UINT message, WPARAM first, 
       return DLGC_WANTALLKEYS;
     case WM_SETFOCUS:
       peer->form().focus(*peer);
+      break;
+    case WM_CONTEXTMENU:
+      // A text box's menu runs a loop of the system's.
+      systemLoopBegins();
       break;
     case WM_KEYDOWN:
     case WM_SYSKEYDOWN:

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "platform/widgets.h"
 #include "platform/win32/eventQueue.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/messagePump.h"
@@ -29,6 +30,27 @@ TEST(SystemLoops, EndWithoutTheirWindow) {
   form.peer.reset();
   pumpMessages();  // returns although the button is still down
   PostThreadMessageW(GetCurrentThreadId(), WM_LBUTTONUP, 0, 0);
+  pumpUntilLoops(false);
+  EXPECT_FALSE(isInSystemLoop());
+}
+
+TEST(SystemLoops, GiveTurnsWhileATextBoxShowsItsMenu) {
+  Form form("Chat", {.clientWidth = 3000, .clientHeight = 3000});
+  TextBox line(&form, {0, 0, 3000, 300}, "");
+  auto peer = std::make_unique<FormPeer>(form);
+  FormPeer& window = *peer;
+  form.peer = std::move(peer);
+  realizeChildren(form, window);
+  form.Visible = true;
+  // If the menu gives no turns, this ends it, and the test fails.
+  constexpr UINT patience = 5000;  // ms
+  const UINT_PTR last = SetTimer(nullptr, 0, patience, [](HWND, UINT, UINT_PTR, DWORD) { EndMenu(); });
+  const HWND box = peerOf(line)->window();
+  PostMessageW(box, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(box), 0);
+  pumpUntilLoops(true);
+  EXPECT_TRUE(isInSystemLoop());
+  KillTimer(nullptr, last);
+  EndMenu();
   pumpUntilLoops(false);
   EXPECT_FALSE(isInSystemLoop());
 }
