@@ -100,7 +100,6 @@ class GridPeer : public NativePeer {
   bool handle(UINT message, WPARAM, LPARAM second, LRESULT& result) override {
     if (message != WM_NOTIFY) return false;
     const auto& header = *reinterpret_cast<const NMHDR*>(second);
-    if (header.code == static_cast<UINT>(HDN_ITEMDBLCLICKW)) post({InputKind::DoubleClick, 1});
     if (header.code != static_cast<UINT>(NM_CUSTOMDRAW)) return false;
     result = drawHeading(reinterpret_cast<const NMCUSTOMDRAW&>(header));
     return true;
@@ -109,12 +108,14 @@ class GridPeer : public NativePeer {
  private:
   int deviceHeight() const { return static_cast<int>(std::lround(rowHeight * form().scale())); }
 
-  /// Makes the headings as high as the rows.
+  /// Makes the headings as high as the rows, and posts their double-clicks, of which the list view hears only some.
   static LRESULT CALLBACK headings(HWND window, UINT message, WPARAM first, LPARAM second, UINT_PTR, DWORD_PTR self) {
+    const auto& peer = *reinterpret_cast<const GridPeer*>(self);
+    if (message == WM_LBUTTONDBLCLK) peer.post({InputKind::DoubleClick, leftButton});
     const LRESULT result = DefSubclassProc(window, message, first, second);
     if (message != HDM_LAYOUT) return result;
     const auto& layout = *reinterpret_cast<const HDLAYOUT*>(second);
-    const int height = reinterpret_cast<const GridPeer*>(self)->deviceHeight();
+    const int height = peer.deviceHeight();
     layout.prc->top += height - layout.pwpos->cy;
     layout.pwpos->cy = height;
     return result;

@@ -1,7 +1,9 @@
 #include <string>
 
+#include "platform/grid.h"
 #include "platform/pictureBox.h"
 #include "platform/widgets.h"
+#include "platform/win32/nativePeer.h"
 #include "tests/platform/windowModel/win32/formTest.h"
 
 namespace kelvora {
@@ -62,6 +64,25 @@ TEST_F(FormMouse, APressBesideTheControlsReachesNone) {
   EXPECT_EQ(events_, "");
   mouse(WM_MOUSEMOVE, 50, 50);
   EXPECT_EQ(events_, "move ");
+}
+
+class GridMouse : public FormTest {
+ protected:
+  Grid grid_{&form_, {0, 0, 3000, 3000}};
+};
+
+TEST_F(GridMouse, ADoubleClickOnTheHeadingsCounts) {
+  grid_.FixedCols = 0;
+  grid_.AddItem("first\tsecond");
+  int doubleClicks = 0;
+  grid_.DblClick = [&] { ++doubleClicks; };
+  show();
+  const HWND headings = ListView_GetHeader(windowOf(grid_));
+  ASSERT_TRUE(IsWindowVisible(headings));
+  constexpr int inFirst = 20;
+  constexpr int beyondLast = 180;
+  for (const int x : {inFirst, beyondLast}) post(headings, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(x, 5));
+  EXPECT_EQ(doubleClicks, 2);
 }
 
 }  // namespace
