@@ -137,7 +137,10 @@ void FormPeer::focusNext(bool backwards) {
   const std::size_t count = order.size();
   const auto index = static_cast<std::size_t>(now - order.begin());
   const std::size_t next = now == order.end() ? 0 : (index + (backwards ? count - 1 : 1)) % count;
+  if (next == index) return;
   focus(*order[next]);
+  // A text box's whole text. Others have no such message.
+  SendMessageW(order[next]->window(), EM_SETSEL, 0, -1);
 }
 
 }  // namespace kelvora

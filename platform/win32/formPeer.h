@@ -37,7 +37,7 @@ class FormPeer : public Peer, public InputTarget {
 
   /// Moves the focus to a control.
   void focus(const ControlPeer& peer);
-  /// Moves the focus to the next control in the tab order.
+  /// Moves the focus to the next control in the tab order, and selects its text.
   void focusNext(bool backwards);
 
  private:
@@ -46,7 +46,7 @@ class FormPeer : public Peer, public InputTarget {
   /// Messages about the controls' own windows and the menu. False for any other.
   bool handleChild(UINT message, WPARAM first, LPARAM second, LRESULT& result);
   bool handleMouse(UINT message, WPARAM first, LPARAM second);
-  void handleKey(UINT message, WPARAM first) const;
+  void handleKey(UINT message, WPARAM first);
   bool hidePointer() const;
 
   void paintWindow();

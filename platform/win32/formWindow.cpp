@@ -178,7 +178,11 @@ bool FormPeer::handleMouse(UINT message, WPARAM first, LPARAM second) {
   return true;
 }
 
-void FormPeer::handleKey(UINT message, WPARAM first) const {
+void FormPeer::handleKey(UINT message, WPARAM first) {
+  if (first == VK_TAB && message != WM_SYSKEYDOWN) {
+    if (message == WM_KEYDOWN) focusNext((shiftBits() & shiftBit) != 0);
+    return;
+  }
   if (const InputTarget* target = InputTarget::find(keyTarget_)) return postKey(*target, message, first);
   const bool isAnswer = first == VK_RETURN || first == VK_ESCAPE;
   if (message != WM_CHAR && isAnswer) postKey(*this, message, first);

@@ -10,7 +10,8 @@ namespace {
 class SliderPeer : public NativePeer {
  public:
   SliderPeer(Slider& slider, FormPeer& form)
-      : NativePeer(slider, form, TRACKBAR_CLASSW, TBS_HORZ | TBS_AUTOTICKS | TBS_FIXEDLENGTH, FontSpec{}),
+      : NativePeer(slider, form, TRACKBAR_CLASSW, TBS_HORZ | TBS_AUTOTICKS | TBS_FIXEDLENGTH | TBS_DOWNISLEFT,
+                   FontSpec{}),
         slider_(slider) {
     SendMessageW(window(), TBM_SETRANGE, TRUE, MAKELPARAM(slider.Min, slider.Max));
     SendMessageW(window(), TBM_SETPAGESIZE, 0, 1);

@@ -75,9 +75,12 @@ class TextBoxPeer : public NativePeer {
     return {place.left + margin, place.top + above, place.width - 2 * margin, std::min(height, place.height - 2)};
   }
 
-  bool handle(UINT message, WPARAM, LPARAM, LRESULT&) override {
+  bool handle(UINT message, WPARAM first, LPARAM, LRESULT&) override {
+    constexpr WPARAM controlBackspace = 0x7F;
     if (message == WM_SETFOCUS || message == WM_KILLFOCUS) repaint();
-    return false;
+    const bool isWord = message == WM_CHAR && first == controlBackspace;
+    if (isWord) deleteWord();
+    return isWord;
   }
 
  private:
@@ -90,11 +93,12 @@ class TextBoxPeer : public NativePeer {
     isShowing_ = false;
   }
 
-  std::string textOf() const {
+  std::wstring wideText() const {
     std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window())), L'\0');
     GetWindowTextW(window(), text.data(), static_cast<int>(text.size()) + 1);
-    return fromWide(text);
+    return text;
   }
+  std::string textOf() const { return fromWide(wideText()); }
 
   int caretOf() const {
     DWORD from = 0;
@@ -106,6 +110,20 @@ class TextBoxPeer : public NativePeer {
   void moveCaret(int position) {
     SendMessageW(window(), EM_SETSEL, static_cast<WPARAM>(position), position);
     SendMessageW(window(), EM_SCROLLCARET, 0, 0);
+  }
+
+  /// Deletes the selection, or else the word before the caret.
+  void deleteWord() {
+    DWORD from = 0;
+    DWORD to = 0;
+    SendMessageW(window(), EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+    if (from == to) {
+      const std::wstring text = wideText();
+      while (from > 0 && text[from - 1] == L' ') --from;
+      while (from > 0 && text[from - 1] != L' ') --from;
+      SendMessageW(window(), EM_SETSEL, from, static_cast<LPARAM>(to));
+    }
+    SendMessageW(window(), EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(L""));
   }
 
   void adoptEdit() {
