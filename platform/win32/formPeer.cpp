@@ -104,6 +104,16 @@ void FormPeer::resizeClient(int width, int height) {
                SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+/// Where the game wants the window's corner. A dialog that is shown smaller keeps its place.
+POINT FormPeer::wantedCorner() const {
+  const double scale = screenScale(window_);
+  return {scaled(toPixels(form_.Left), scale), scaled(toPixels(form_.Top), scale)};
+}
+
+void FormPeer::moveTo(POINT corner) {
+  SetWindowPos(window_, nullptr, corner.x, corner.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void FormPeer::rescale(double scale) {
   scale_ = scale;
   followControls(form_);
@@ -118,8 +128,7 @@ void FormPeer::changed(PropertyId id) {
     case PropertyId::Left:
     case PropertyId::Top:
       isPlacedByGame_ = true;
-      SetWindowPos(window_, nullptr, scaled(toPixels(form_.Left), scale_), scaled(toPixels(form_.Top), scale_), 0, 0,
-                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+      moveTo(wantedCorner());
       break;
     case PropertyId::Width:
     case PropertyId::Height:
@@ -216,7 +225,7 @@ void FormPeer::placeWindow() {
   GetWindowRect(window_, &outer);
   const LONG across = outer.right - outer.left;
   const LONG down = outer.bottom - outer.top;
-  POINT corner{scaled(toPixels(form_.Left), scale_), scaled(toPixels(form_.Top), scale_)};
+  POINT corner = wantedCorner();
   if (!isPlacedByGame_) {
     RECT around = work;
     if (!isMain) GetWindowRect(mainForm->window(), &around);
@@ -224,11 +233,12 @@ void FormPeer::placeWindow() {
   }
   const POINT inside{std::clamp(corner.x, work.left, std::max(work.right - across, work.left)),
                      std::clamp(corner.y, work.top, std::max(work.bottom - down, work.top))};
-  SetWindowPos(window_, nullptr, inside.x, inside.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  moveTo(inside);
   // Keeps the game's position between two pixels.
   if (isPlacedByGame_ && inside.x == corner.x && inside.y == corner.y) return;
-  form_.Left.adopt(static_cast<float>(unscaled(inside.x, scale_) * twipsPerPixel));
-  form_.Top.adopt(static_cast<float>(unscaled(inside.y, scale_) * twipsPerPixel));
+  const double scale = screenScale(window_);
+  form_.Left.adopt(static_cast<float>(unscaled(inside.x, scale) * twipsPerPixel));
+  form_.Top.adopt(static_cast<float>(unscaled(inside.y, scale) * twipsPerPixel));
 }
 
 void FormPeer::take(const Input& input) {
@@ -248,8 +258,9 @@ void FormPeer::take(const Input& input) {
       if (!form_.Visible || IsIconic(window_) != 0) return;
       RECT outer{};
       GetWindowRect(window_, &outer);
-      const int left = unscaled(outer.left, scale_);
-      const int top = unscaled(outer.top, scale_);
+      const double scale = screenScale(window_);
+      const int left = unscaled(outer.left, scale);
+      const int top = unscaled(outer.top, scale);
       // Keeps the game's position between two pixels until the window moves.
       if (left == toPixels(form_.Left) && top == toPixels(form_.Top)) return;
       form_.Left.adopt(static_cast<float>(left * twipsPerPixel));

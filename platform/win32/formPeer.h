@@ -62,6 +62,8 @@ class FormPeer : public Peer, public InputTarget {
   void showWindow();
   void hideWindow();
   void placeWindow();
+  POINT wantedCorner() const;
+  void moveTo(POINT corner);
   void resizeClient(int width, int height);
   void rescale(double scale);
   RECT workArea() const;

@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "platform/widgets.h"
+#include "raster/twips.h"
 #include "tests/platform/windowModel/win32/formTest.h"
 
 namespace kelvora {
@@ -49,6 +50,26 @@ TEST_F(FormWindows, AHiddenBoxLeavesTheKeyboardToTheBoxAboveIt) {
   upper.Hide();
   serveAll();
   EXPECT_EQ(GetActiveWindow(), windowOf(form_));
+}
+
+TEST_F(FormWindows, AFormThatIsShrunkToTheScreenStandsWhereTheGamePutsIt) {
+  constexpr float twiceTheScreen = 2 * 1080 * twipsPerPixel;
+  Form tall("Tall", {.clientWidth = 3000, .clientHeight = twiceTheScreen, .systemColours = true});
+  tall.Left = 300 * twipsPerPixel;
+  tall.Show();
+  ASSERT_LT(dynamic_cast<FormPeer&>(*tall.peer).scale(), screenScale(windowOf(tall)));
+  const auto left = [&] {
+    RECT outer{};
+    GetWindowRect(windowOf(tall), &outer);
+    return outer.left / screenScale(windowOf(tall));
+  };
+  EXPECT_EQ(left(), 300);
+  tall.Left = 200 * twipsPerPixel;
+  EXPECT_EQ(left(), 200);
+  SetWindowPos(windowOf(tall), nullptr, static_cast<int>(100 * screenScale(windowOf(tall))), 0, 0, 0,
+               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  serveAll();
+  EXPECT_FLOAT_EQ(tall.Left, 100 * twipsPerPixel);
 }
 
 }  // namespace
