@@ -98,7 +98,8 @@ class TextBoxPeer : public NativePeer {
     GetWindowTextW(window(), text.data(), static_cast<int>(text.size()) + 1);
     return text;
   }
-  std::string textOf() const { return fromWide(wideText()); }
+  static std::string bytesOf(std::wstring_view text) { return fromWide(withJoinedAccents(text)); }
+  std::string textOf() const { return bytesOf(wideText()); }
 
   int caretOf() const {
     DWORD from = 0;
@@ -130,7 +131,7 @@ class TextBoxPeer : public NativePeer {
     const std::string text = textOf();
     const std::string clean = cleanLine(text);
     if (clean != text || static_cast<int>(text.size()) != GetWindowTextLengthW(window())) {
-      const auto caret = cleanLine(text.substr(0, static_cast<std::size_t>(std::max(caretOf(), 0)))).size();
+      const auto caret = cleanLine(bytesOf(wideText().substr(0, static_cast<std::size_t>(caretOf())))).size();
       show(clean);
       moveCaret(static_cast<int>(caret));
     }

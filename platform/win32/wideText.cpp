@@ -20,6 +20,16 @@ std::string fromWide(std::wstring_view text) {
   return bytes;
 }
 
+std::wstring withJoinedAccents(std::wstring_view text) {
+  if (text.empty()) return {};
+  std::wstring joined(text.size(), L'\0');
+  const int size = static_cast<int>(text.size());
+  const int length = FoldStringW(MAP_PRECOMPOSED, text.data(), size, joined.data(), size);
+  if (length == 0) return std::wstring(text);
+  joined.resize(static_cast<std::size_t>(length));
+  return joined;
+}
+
 std::wstring wideFromUtf8(std::string_view bytes) {
   std::wstring text(bytes.size(), L'\0');
   const int size = static_cast<int>(bytes.size());

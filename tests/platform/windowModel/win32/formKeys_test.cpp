@@ -56,6 +56,19 @@ TEST_F(FormKeys, ControlAndBackspaceDeleteTheWordBeforeTheCaret) {
   EXPECT_EQ(name_.Text.get(), "three");
 }
 
+TEST_F(FormKeys, PastedAccentsJoinTheirLetters) {
+  SendMessageW(windowOf(name_), EM_SETSEL, 0, 0);
+  SendMessageW(windowOf(name_), EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"Rene\u0301e "));
+  serveAll();
+  EXPECT_EQ(name_.Text.get(),
+            "Ren\xE9"
+            "e Ann");
+  EXPECT_EQ(name_.SelStart, 6);
+  wchar_t shown[16] = {};
+  GetWindowTextW(windowOf(name_), shown, 16);
+  EXPECT_STREQ(shown, L"Ren\u00E9e Ann");
+}
+
 TEST_F(FormKeys, UpMovesASliderToTheRight) {
   slider_.Value = 2;
   post(windowOf(slider_), WM_KEYDOWN, VK_UP);
