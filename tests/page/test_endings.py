@@ -3,8 +3,11 @@
 import pathlib
 import shutil
 import tempfile
+import time
 
 from pageTest import KIND, SITE, PageTest, unittest
+from protocol import PLAYER_JOINED, PLAYER_LEFT
+from spy import Spy
 
 END = "words(document.getElementById('end'))"
 
@@ -79,6 +82,27 @@ class Endings(PageTest):
         page.press_button("Cancel", "dialog('Connect')")
         page.choose("File", "Exit")
         page.wait_for(f"{END}.includes('Kelvora has ended')")
+
+    def test_the_end_leaves_the_arena_and_silences_the_music(self):
+        server = self.start_server()
+        spy = Spy(server.port)
+        self.addCleanup(spy.close)
+        ways = {"Kelvora has ended": lambda page: page.choose("File", "Exit"),
+                "Run-time error": lambda page: (page.click_on("canvas()"), page.press(*"~playsound", "Enter")),
+                "a mistake": lambda page: page.see("setTimeout(() => { throw new Error('a mistake'); })")}
+        for words, end in ways.items():
+            with self.subTest(words):
+                page = self.open(server.port, arguments="")
+                page.connect()
+                node = spy.await_frame(PLAYER_JOINED)[0]
+                page.wait_for("!music.paused", "the music")
+                begin = time.monotonic()
+                end(page)
+                page.wait_for(f"{END}.includes('{words}')")
+                page.wait_for("music.paused")
+                spy.await_frame(PLAYER_LEFT, lambda fields: fields[0] == node)
+                self.assertLess(time.monotonic() - begin, 100, "the server lets a silent player go after 120 s")
+                self.assertTrue(page.see("music.paused"))
 
 
 class OldBrowsers(PageTest):

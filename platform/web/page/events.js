@@ -10,6 +10,7 @@ const nothing = new Uint8Array(0);
 const pendingEvents = [];
 const maximumPendingEvents = 10000;
 let endWait = null;
+let hasEnded = false;
 
 function post(kind, id, numbers = [], bytes = nothing) {
   const last = pendingEvents[pendingEvents.length - 1];
@@ -35,7 +36,7 @@ turn.port1.onmessage = () => nextTurn();
 function waitForEvents(milliseconds, wakeUp) {
   let timer = 0;
   const end = () => {
-    if (endWait !== end) return;
+    if (endWait !== end || hasEnded) return;
     endWait = null;
     clearTimeout(timer);
     nextTurn = wakeUp;

@@ -11,7 +11,10 @@ mergeInto(LibraryManager.library, {
     return showPixels(id, pixels, width, height, left, top, partWidth, partHeight);
   },
   page_showBox: function(id, bytes, size) { return showBox(id, toText(HEAPU8.subarray(bytes, bytes + size))); },
-  page_showEnd: function(title, bytes, size) { return showEnd(UTF8ToString(title), toText(HEAPU8.subarray(bytes, bytes + size))); },
+  page_showEnd: function(title, bytes, size) {
+    showEnd(UTF8ToString(title), toText(HEAPU8.subarray(bytes, bytes + size)));
+    endGame();
+  },
 
   page_wait: function(milliseconds) { return Asyncify.handleSleep((wakeUp) => waitForEvents(milliseconds, wakeUp)); },
   page_nextEvent: function(numbers) {

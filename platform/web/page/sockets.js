@@ -77,6 +77,7 @@ function sendBytes(id, bytes) {
 }
 
 // Leaving the page leaves the game, even if the browser keeps the page for its back button.
-addEventListener('pagehide', () => {
+function leaveArena() {
   for (const {wire} of sockets.values()) wire.close();
-});
+}
+addEventListener('pagehide', leaveArena);

@@ -4,6 +4,15 @@ const progress = document.getElementById('progress');
 // Reports an error of the page, which would otherwise just stand still.
 function showStop(what) {
   showEnd('Kelvora has stopped', `The page can't go on: ${what}. Reload it to play again.`);
+  endGame();
+}
+
+// Leaves the arena, silences everything and gives the program no turn any more.
+function endGame() {
+  hasEnded = true;
+  leaveArena();
+  stopMusic();
+  for (const id of sounds.keys()) stopSound(id);
 }
 addEventListener('error', (event) => showStop(event.message));
 addEventListener('unhandledrejection', (event) => showStop(event.reason));
