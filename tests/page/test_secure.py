@@ -15,9 +15,9 @@ from spy import Spy
 class Proxy:
     """Ends the encryption of connections and passes their bytes on to a port of this machine."""
 
-    def __init__(self, target):
+    def __init__(self, target, port=None):
         self.folder = tempfile.TemporaryDirectory()
-        self.port = free_port()
+        self.port = port or free_port()
         key, certificate = (pathlib.Path(self.folder.name, name) for name in ("key.pem", "certificate.pem"))
         subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
                         "-nodes", "-days", "2", "-subj", "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1",
@@ -53,6 +53,24 @@ class Secure(PageTest):
         page.connect()
         self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Ann")
         page.wait_for_status("Connected")
+
+
+class UsualPort(PageTest):
+    """The proxy seems to be at port 443."""
+
+    proxy_port = free_port()
+    browser_options = (f"host-resolver-rules=MAP 127.0.0.1:443 127.0.0.1:{proxy_port}",)
+    browser_preferences = {"network.socket.forcePort": f"443={proxy_port}"}
+
+    def test_the_list_comes_from_the_page_s_server(self):
+        server = self.start_server("--notes", "the only one")
+        proxy = Proxy(server.port, self.proxy_port)
+        self.addCleanup(proxy.close)
+        page = self.open(443, scheme="https")
+        page.wait_for("dialog('Connect')")
+        self.assertEqual(page.see("location.port"), "")
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("by('td', 'the only one')", "the server in the list")
 
 
 if __name__ == "__main__":

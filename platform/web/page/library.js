@@ -49,8 +49,9 @@ mergeInto(LibraryManager.library, {
     writeSetting(UTF8ToString(section), UTF8ToString(key), toText(HEAPU8.subarray(bytes, bytes + size)));
   },
   page_place: function(part, buffer, size) {
-    const parts = {hostname: location.hostname, port: location.port || (location.protocol === 'https:' ? '443' : '80'),
-      host: location.host, arguments: decodedLink(location.search.slice(1)).replaceAll('&', ' ')};
+    const port = location.port || (location.protocol === 'https:' ? '443' : '80');
+    const parts = {hostname: location.hostname, port, host: `${location.hostname}:${port}`,
+      arguments: decodedLink(location.search.slice(1)).replaceAll('&', ' ')};
     return copyText(parts[UTF8ToString(part)], buffer, size);
   },
   page_secondsSinceMidnight: function() {
