@@ -42,7 +42,10 @@ std::vector<GridPeer*> staleGrids;
 
 class GridPeer : public WebPeer {
  public:
-  GridPeer(Grid& grid, int parent) : WebPeer(grid, parent, "Grid"), grid_(grid) { showCells(); }
+  GridPeer(Grid& grid, int parent) : WebPeer(grid, parent, "Grid"), grid_(grid) {
+    showTabIndex();
+    showCells();
+  }
   ~GridPeer() override { std::erase(staleGrids, this); }
 
   void changed(PropertyId id) override {

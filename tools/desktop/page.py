@@ -103,9 +103,10 @@ class Page(Tab):
         self.mouse({"type": "pointerDown", "button": RIGHT}, {"type": "pointerUp", "button": RIGHT})
 
     def note_events(self):
-        """From now on the page's `noted` lists the events that it queues for the program: kind and numbers."""
+        """From now on the page's `noted` lists the events that it queues for the program: kind, id and
+        numbers."""
         self.see("(() => { window.noted = []; const queue = post; post = (kind, id, numbers = [], ...rest) => { "
-                 "noted.push([kind, ...numbers]); queue(kind, id, numbers, ...rest); }; })()")
+                 "noted.push([kind, id, ...numbers]); queue(kind, id, numbers, ...rest); }; })()")
 
     def count_pixels(self, test, canvas="canvas()", area=None):
         """How many pixels of a canvas pass a test of r, g and b. `area`: left, top, width and height."""

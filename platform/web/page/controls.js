@@ -34,10 +34,10 @@ const makers = {
     control.element.spellcheck = false;
     control.element.addEventListener('input', () => {
       const input = control.element;
-      const bytes = toBytes(input.value);
+      const bytes = lineBytes(input.value);
       const clean = toText(bytes);
       if (clean !== input.value) {
-        const caret = toBytes(input.value.slice(0, input.selectionStart)).length;
+        const caret = lineBytes(input.value.slice(0, input.selectionStart)).length;
         input.value = clean;
         input.setSelectionRange(caret, caret);
       }

@@ -1,9 +1,9 @@
 // A table of texts. Clicks and arrow keys choose a row, a double-click takes it.
 function makeGrid(control) {
   control.table = document.createElement('table');
-  control.table.tabIndex = 0;
   control.table.setAttribute('role', 'grid');
   control.element.append(control.table);
+  control.face = control.table;
   control.table.addEventListener('pointerdown', (event) => {
     const cell = event.target.closest('td');
     if (cell) post('cellChosen', control.id, [Number(cell.dataset.row), Number(cell.dataset.column)]);

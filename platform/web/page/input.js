@@ -51,7 +51,7 @@ function listenToKeys(control) {
   control.face.addEventListener('keydown', (event) => {
     if (event.isComposing) return;
     const isAnswer = event.key === 'Enter' || event.key === 'Escape';
-    const controlKeys = {Enter: 13, Escape: 27, Backspace: 8, Tab: 9};
+    const controlKeys = {Enter: 13, Escape: 27, Backspace: 8};
     const letters = event.altKey || event.metaKey || event.ctrlKey ? [] : toBytes(letterOf(event));
     const typed = event.altKey || event.metaKey ? [] : controlKeys[event.key] ? [controlKeys[event.key]] : letters;
     // Keys behind moved ones must not overtake them. A browser would search the page for letters on a picture.
@@ -91,6 +91,17 @@ function typeMoved(event) {
   const edited = {kind: 'edited', id: event.id, numbers: [input.selectionStart], bytes: toBytes(input.value)};
   pendingEvents.splice(1, 0, edited);
 }
+
+// Tab goes round in a dialog, and doesn't leave it for the windows behind it.
+document.addEventListener('keydown', (event) => {
+  const form = event.key === 'Tab' && event.target.closest('.form:not(.main)');
+  if (!form) return;
+  const order = tabOrder(controls.get(Number(form.dataset.id)));
+  const [begin, end] = event.shiftKey ? [order.at(-1), order[0]] : [order[0], order.at(-1)];
+  if (event.target !== end) return;
+  event.preventDefault();
+  begin.focus();
+});
 
 // Keys in a window whose focus has no use for them: Enter and Esc answer its buttons, function keys go to the program.
 document.addEventListener('keydown', (event) => {

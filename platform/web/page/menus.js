@@ -1,5 +1,6 @@
 // Menus: a bar of buttons, each with a list below it, whose items may have lists beside them. Arrow keys walk through.
 let openMenus = [];
+let focusBefore = null;  // had the focus before the menus took it
 
 function createMenu(id, parentId, isSeparator) {
   const parent = controls.get(parentId);
@@ -22,7 +23,7 @@ function createMenu(id, parentId, isSeparator) {
     event.stopPropagation();
     // The mouse has already opened a list beside another one.
     if (control.list) return depthOf(control) === 0 ? toggleMenu(control) : openMenu(control);
-    closeMenus();
+    leaveMenus();
     post('click', id);
   });
   element.addEventListener('pointerenter', (event) => {
@@ -41,6 +42,11 @@ function menuList(parent) {
     parent.list.className = 'menubar';
     parent.list.setAttribute('role', 'menubar');
     parent.client.before(parent.list);
+    parent.list.addEventListener('focusin', ({relatedTarget}) => {
+      if (relatedTarget && !parent.list.contains(relatedTarget)) focusBefore = relatedTarget;
+    });
+    // Fingers leave the focus: giving it back to a text box would open the keyboard on the screen.
+    parent.list.addEventListener('pointerdown', (event) => { if (event.pointerType === 'touch') event.preventDefault(); });
   } else {
     parent.list.setAttribute('role', 'menu');
     parent.list.hidden = true;
@@ -72,7 +78,7 @@ function keepInPage({list}) {
 }
 
 function toggleMenu(control) {
-  if (openMenus.includes(control)) return closeMenus(depthOf(control));
+  if (openMenus.includes(control)) return leaveMenus();
   openMenu(control);
 }
 
@@ -83,7 +89,13 @@ function closeMenus(depth = 0) {
   }
 }
 
-document.addEventListener('pointerdown', (event) => { if (!event.target.closest('.menubar')) closeMenus(); }, true);
+// Closes the menus, and gives the focus back to where it was.
+function leaveMenus() {
+  closeMenus();
+  if (document.activeElement?.closest('.menubar')) focusBefore?.focus({preventScroll: true});
+}
+
+document.addEventListener('pointerdown', (event) => { if (!event.target.closest('.menubar')) leaveMenus(); }, true);
 
 function walkMenu(control, event) {
   event.stopPropagation();
@@ -105,7 +117,7 @@ function walkMenu(control, event) {
     Escape: () => {
       const above = openMenus[openMenus.length - 1];
       closeMenus(Math.max(0, openMenus.length - 1));
-      if (above) above.words.focus();
+      above ? above.words.focus() : leaveMenus();
     },
   };
   if (!inBar) moves.ArrowLeft = moves.Escape;

@@ -3,15 +3,19 @@ const codePage = new TextDecoder('windows-1252');
 const codePageBytes = new Map();
 for (let byte = 0; byte < 256; ++byte) codePageBytes.set(codePage.decode(Uint8Array.of(byte)), byte);
 
-// Letters without a byte are dropped, and so are control characters.
+// Separate accents are first combined with their letters. Letters without a byte are dropped, and so are control
+// characters.
 function toBytes(text) {
   const bytes = [];
-  for (const letter of text) {
+  for (const letter of text.normalize('NFC')) {
     const byte = codePageBytes.get(letter);
     if (byte !== undefined && byte >= 32) bytes.push(byte);
   }
   return Uint8Array.from(bytes);
 }
+
+// As a text box takes a text: tabs become one blank, or nothing at the ends.
+const lineBytes = (text) => toBytes(text.replace(/^\t+|\t+$/g, '').replace(/\t+/g, ' '));
 
 const toText = (bytes) => codePage.decode(bytes);
 

@@ -102,6 +102,11 @@ addEventListener('resize', () => {
   }
 });
 
+// A press on something that takes no keys leaves the focus where it is, as on a desktop.
+desk.addEventListener('mousedown', (event) => {
+  if (!event.target.closest('input, .button, .checkbox, .grid, .menubar button')) event.preventDefault();
+});
+
 function raiseWindow(control) {
   const at = shownWindows.indexOf(control);
   if (at < 0 || control.element.inert) return;
@@ -111,6 +116,7 @@ function raiseWindow(control) {
   orderWindows();
   if (!wasFront || !control.isActive) post('activated', control.id);
   for (const other of shownWindows) other.isActive = other === control;
+  if (!control.element.contains(document.activeElement)) control.focus?.focus({preventScroll: true});
 }
 
 // Keeps the focused element for when its window is in front again. Focus events can't tell it: there are none while the
@@ -157,10 +163,11 @@ function showWindow(control) {
   nameFields(control);
   control.client.querySelectorAll('.label').forEach(tightenLine);  // hidden ones had no size
   raiseWindow(control);
-  const first = [...control.client.querySelectorAll('[tabindex]')]
-    .filter((element) => element.tabIndex > 0).sort((a, b) => a.tabIndex - b.tabIndex)[0];
-  if (first) first.focus({preventScroll: true});
+  tabOrder(control)[0]?.focus({preventScroll: true});
 }
+
+const tabOrder = (control) => [...control.client.querySelectorAll('[tabindex]')]
+  .filter((element) => element.tabIndex > 0).sort((a, b) => a.tabIndex - b.tabIndex);
 
 // Until somebody has logged in, watching would look like playing.
 function addWatchNote(control) {
@@ -202,7 +209,11 @@ function showBox(id, text) {
   ok.className = 'button default';
   ok.textContent = 'OK';
   ok.addEventListener('click', () => box.close());
-  box.addEventListener('keydown', (event) => { if (event.key === 'Enter') box.close(); });
+  box.addEventListener('keydown', (event) => {
+    if (event.key !== 'Enter') return;
+    event.preventDefault();  // the rest of the key would press the button that gets the focus back
+    box.close();
+  });
   box.addEventListener('close', () => { box.remove(); post('closed', id); });
   box.append(words, ok);
   document.body.append(box);

@@ -1,0 +1,134 @@
+"""The keyboard: which presses take it away, what gets it back, and keys that other keys must not overtake."""
+
+from pageTest import PageTest, unittest
+from protocol import CHAT
+
+CONNECT = "dialog('Connect')"
+FINDER = "dialog('Game Finder')"
+NAME = "named('Player Name:')"
+
+
+class Keyboard(PageTest):
+
+    def click_beside(self, page, selector, root="document.body"):
+        """Clicks where an element with this selector is in front of all others."""
+        page.click(*page.wait_for(
+            f"(() => {{ const r = {root}.getBoundingClientRect();"
+            " for (let y = r.top + 1; y < r.bottom; y += 3) for (let x = r.left + 1; x < r.right; x += 3)"
+            f" if (document.elementFromPoint(x, y)?.matches('{selector}')) return [x, y]; }})()"))
+
+    def begin_offline(self):
+        """A page with the focus on the view, and no other window."""
+        _, page = self.begin()
+        page.press_button("Cancel", CONNECT)
+        page.wait_for(f"!{CONNECT}")
+        # The label of the start picture covers the rest.
+        page.see("canvas().focus()")
+        return page
+
+    def await_chat(self, line):
+        while (received := line.recv_frame())[0] != CHAT:
+            pass
+        return received[1][1]
+
+    def assert_focused(self, page, element, message=None):
+        self.assertTrue(page.see(f"document.activeElement === {element}"), message)
+
+    def insert(self, page, text):
+        """As pasting does."""
+        page.see(f"document.execCommand('insertText', false, {text!r})")
+
+    def test_presses_on_what_takes_no_keys_leave_the_focus(self):
+        page = self.begin_offline()
+        for selector in (".main .frame", ".main .client", ".menubar"):
+            self.click_beside(page, selector)
+            self.assert_focused(page, "canvas()", selector)
+        page.choose("File", "Connect to server")
+        page.wait_for(CONNECT)
+        for selector in (".client", "header"):
+            self.click_beside(page, selector, CONNECT)
+            self.assert_focused(page, NAME, selector)
+
+    def test_menus_give_the_focus_back(self):
+        page = self.begin_offline()
+        ways = {
+            "a choice": lambda: page.choose("Settings", "Background Objects", "Quarks"),
+            "a second click": lambda: page.choose("File", "File"),
+            "a click elsewhere": lambda: (page.choose("File"), self.click_beside(page, ".main .frame")),
+            "a disabled item": lambda: (page.choose("File"), page.click_on("by('.menubar li', 'Disconnect')"),
+                                        self.click_beside(page, ".main .frame")),
+            "Enter": lambda: (page.choose("Settings"), page.press("ArrowDown", "ArrowDown", "ArrowDown", "ArrowRight",
+                                                                  "Enter")),
+            "Escape": lambda: (page.choose("File"), page.press("ArrowDown", "Escape", "Escape")),
+        }
+        for way, use in ways.items():
+            with self.subTest(way):
+                use()
+                page.wait_for("!all('.menubar [role=menu]').length", "no open menu")
+                self.assert_focused(page, "canvas()")
+
+    def test_typing_works_after_a_menu(self):
+        _, page = self.begin()
+        line = self.log_in(page)
+        page.click_on("canvas()")
+        page.choose("Settings", "Background Objects", "Quarks")
+        page.type("hi")
+        page.press("Enter")
+        self.assertEqual(self.await_chat(line), b"hi")
+
+    def test_a_raised_window_has_the_keyboard(self):
+        _, page = self.begin()
+        page.see("named('Server Port:').focus()")
+        for press in (lambda: self.click_beside(page, "header", CONNECT),
+                      lambda: page.click_on("document.querySelector('.main .label')")):
+            page.click_on("named('Public Chat')")
+            self.assert_focused(page, "named('Public Chat')")
+            press()
+            page.wait_for("document.activeElement === named('Server Port:')", "the focus in the dialog")
+
+    def test_enter_closes_a_box_and_presses_nothing_behind_it(self):
+        _, page = self.begin()
+        page.press_button("Connect", CONNECT)
+        page.wait_for("box()", "the box about the missing name")
+        page.note_events()
+        page.press("Enter")
+        page.wait_for("!box()")
+        self.assertEqual(page.see("noted.map(([kind]) => kind)"), ["closed"])
+
+    def test_tab_on_the_view_types_nothing(self):
+        _, page = self.begin()
+        line = self.log_in(page)
+        page.click_on("canvas()")
+        page.press("Tab")
+        line.ask()
+        self.assertEqual(page.see("all('.main .textbox')[0].value"), "")
+
+    def test_tab_goes_round_in_a_dialog(self):
+        _, page = self.begin()
+        for keys, wanted in ((["Tab"] * 6, "by('button', 'Cancel')"), (["Tab"], NAME),
+                             (["Shift+Tab"], "by('button', 'Cancel')"), (["Shift+Tab"], "by('button', 'Get List')")):
+            page.press(*keys)
+            self.assert_focused(page, wanted)
+
+    def test_tab_reaches_the_list_in_its_order(self):
+        _, page = self.begin()
+        page.press_button("Get List", CONNECT)
+        page.wait_for(f"{FINDER} && document.activeElement.closest('.form') === {FINDER}")
+        for wanted in ("INPUT", "INPUT", "INPUT", "TABLE", "BUTTON"):
+            page.press("Tab")
+            self.assertEqual(page.see("document.activeElement.tagName"), wanted)
+        self.assert_focused(page, "by('button', 'Refresh')")
+
+    def test_a_pasted_text_becomes_a_line_of_the_game(self):
+        _, page = self.begin()
+        page.see("named('Server Address:').select()")
+        self.insert(page, "\t192.0.2.7\t2010\t")
+        self.assertEqual(page.see("named('Server Address:').value"), "192.0.2.7 2010")
+        # Letters with their accents apart.
+        page.see(f"{NAME}.focus()")
+        self.insert(page, "Zoe\u0308 Rene\u0301")
+        self.assertEqual(page.see(f"[{NAME}.value, {NAME}.selectionStart]"), ["Zo\u00eb Ren\u00e9", 8])
+
+
+if __name__ == "__main__":
+    unittest.main()
