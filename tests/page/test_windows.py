@@ -227,8 +227,49 @@ class Windows(PageTest):
         _, page = self.begin()
         self.log_in(page)
         page.see("addEventListener('contextmenu', (event) => { window.wasPrevented = event.defaultPrevented; })")
-        page.release_brakes(300, 300)
-        self.assertIs(page.wait_for("window.wasPrevented !== undefined && [window.wasPrevented]")[0], True)
+        for element in ("canvas()", "by('.main .label', 'Public Chat')"):
+            page.see("window.wasPrevented = undefined")
+            page.click_on(element, button=RIGHT)
+            self.assertIs(page.wait_for("window.wasPrevented !== undefined && [window.wasPrevented]")[0], True, element)
+
+    def test_a_press_elsewhere_and_its_release_are_nothing_to_pictures_and_labels(self):
+        _, page = self.begin()
+        self.log_in(page)
+        begin = page.middle("named('Public Chat')")
+        for end in ("by('.main .label', 'Public Chat')", "canvas()", "document.querySelector('[aria-label=Spawn]')"):
+            page.note_events()
+            page.drag(begin, page.middle(end))
+            told = page.see("noted.filter(([kind, id]) => kind.startsWith('mouse')"
+                            " && controls.get(id).kind !== 'TextBox')")
+            self.assertEqual(told, [], end)
+
+    def test_a_visible_dialog_is_shown_again_where_it_is(self):
+        _, page = self.begin()
+        self.open_fonts(page)
+        x, y = page.middle("by('h2', 'Configure Fonts')")
+        page.drag((x, y), (x + 100, y + 50))
+        page.see("all('.slider')[1].focus()")
+        place = "((r) => [r.left, r.top])(all('.form:not(.main)')[0].getBoundingClientRect())"
+        before = page.see(place)
+        page.choose("Settings", "Fonts")
+        page.wait_for("document.activeElement === all('.slider')[1]")
+        self.assertEqual(page.see(place), before)
+
+    def test_settings_last_for_the_visit_if_the_store_is_full(self):
+        _, page = self.begin()
+        page.see("localStorage.setItem('kelvora/last login/player name', 'Old')")
+        page.see("Storage.prototype.setItem = () => { throw new DOMException('full', 'QuotaExceededError'); }")
+        page.fill("Player Name:", "New")
+        page.fill("Server Port:", "0")
+        page.press_button("Connect", "dialog('Connect')")
+        page.wait_for("box()", "the box about the port")
+        page.press("Enter")
+        page.wait_for("!box()")
+        page.press_button("Cancel", "dialog('Connect')")
+        page.wait_for("!dialog('Connect')")
+        page.choose("File", "Connect to server")
+        page.wait_for("dialog('Connect')")
+        self.assertEqual(page.see("named('Player Name:').value"), "New")
 
 
 if __name__ == "__main__":

@@ -74,7 +74,6 @@ const makers = {
     control.client = document.createElement('div');
     control.client.className = 'front';
     control.element.append(control.face, control.client);
-    control.face.addEventListener('contextmenu', (event) => event.preventDefault());
     listenToKeys(control);
   },
 };

@@ -15,11 +15,14 @@ function mouseNumbers(element, event, button) {
 function listenToMouse(control) {
   const {id, kind} = control;
   const element = kind === 'PictureBox' ? control.face : control.element;
+  const isCaptor = kind === 'PictureBox' || kind === 'Label';
+  // As on a desktop, a press elsewhere is none of this control's business, and neither are its moves and release.
+  const isOwn = (event) => !isCaptor || element.hasPointerCapture(event.pointerId);
   const tell = (what, event, button) => post(what, id, mouseNumbers(element, event, button));
   element.addEventListener('pointerdown', (event) => {
     event.stopPropagation();
     raiseWindow(windowOf(control));
-    if (kind === 'PictureBox' || kind === 'Label') {
+    if (isCaptor) {
       element.setPointerCapture(event.pointerId);
       if (control.isView) element.focus({preventScroll: true});
       event.preventDefault();
@@ -30,6 +33,7 @@ function listenToMouse(control) {
   });
   element.addEventListener('pointermove', (event) => {
     if (fingers.has(event.pointerId) && event.pointerId !== steeringFinger()) return;
+    if (event.buttons !== 0 && !isOwn(event)) return;
     // While a button is held, browsers report those of others as moves.
     if (event.button >= 0) {
       const bit = buttonBits[event.button] || 0;
@@ -38,10 +42,11 @@ function listenToMouse(control) {
     tell('mouseMove', event, fingers.has(event.pointerId) ? 0 : event.buttons & 7);
   });
   element.addEventListener('pointerup', (event) => {
-    if (!fingers.has(event.pointerId)) tell('mouseUp', event, buttonBits[event.button] || 0);
+    if (!fingers.has(event.pointerId) && isOwn(event)) tell('mouseUp', event, buttonBits[event.button] || 0);
     fingerUp(control, event);
   });
   element.addEventListener('pointercancel', (event) => fingerUp(control, event));
+  if (isCaptor) element.addEventListener('contextmenu', (event) => event.preventDefault());
   element.addEventListener('dblclick', (event) => tell('doubleClick', event, 1));
 }
 

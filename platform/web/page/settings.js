@@ -4,21 +4,20 @@ const settingName = (section, key) => `kelvora/${section}/${key}`;
 
 function readSetting(section, key) {
   const name = settingName(section, key);
+  if (visitSettings.has(name)) return visitSettings.get(name);
   try {
-    const stored = localStorage.getItem(name);
-    if (stored !== null) return stored;
+    return localStorage.getItem(name);
   } catch {
-    // No store.
+    return null;  // no store
   }
-  return visitSettings.has(name) ? visitSettings.get(name) : null;
 }
 
 function writeSetting(section, key, value) {
   const name = settingName(section, key);
-  visitSettings.set(name, value);
   try {
     localStorage.setItem(name, value);
+    visitSettings.delete(name);
   } catch {
-    // No store, or no room in it.
+    visitSettings.set(name, value);
   }
 }

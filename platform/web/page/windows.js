@@ -152,7 +152,7 @@ function showWindow(control) {
   if (control === mainWindow && isWatching) addWatchNote(control);
   control.element.classList.toggle('main', control === mainWindow);
   control.element.hidden = false;
-  if (!shownWindows.includes(control)) shownWindows.push(control);
+  shownWindows.push(control);
   control.isActive = false;
   if (control === mainWindow) {
     fillPage(control);
@@ -192,7 +192,7 @@ const windowProperties = {
   SystemColours: (control) => { control.element.classList.add('dialog'); },
   Modal: (control, value) => { control.isModal = value !== 0; },
   Visible: (control, value) => {
-    if (value) return showWindow(control);
+    if (value) return shownWindows.includes(control) ? raiseWindow(control) : showWindow(control);
     control.element.hidden = true;
     leaveDesk(control);
   },
