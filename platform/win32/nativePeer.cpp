@@ -78,7 +78,8 @@ LRESULT CALLBACK NativePeer::procedure(HWND window, UINT message, WPARAM first, 
       peer->form().focus(*peer);
       break;
     case WM_CONTEXTMENU:
-      // A text box's menu runs a loop of the system's.
+    case WM_NCLBUTTONDOWN:
+      // A text box's menu and a list's scroll bar run loops of the system's.
       systemLoopBegins();
       break;
     case WM_KEYDOWN:

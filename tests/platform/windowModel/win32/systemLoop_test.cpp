@@ -1,11 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <memory>
 
+#include "platform/grid.h"
 #include "platform/widgets.h"
-#include "platform/win32/eventQueue.h"
-#include "platform/win32/formPeer.h"
-#include "platform/win32/messagePump.h"
+#include "tests/platform/windowModel/win32/formTest.h"
 
 namespace kelvora {
 namespace {
@@ -34,25 +31,45 @@ TEST(SystemLoops, EndWithoutTheirWindow) {
   EXPECT_FALSE(isInSystemLoop());
 }
 
-TEST(SystemLoops, GiveTurnsWhileATextBoxShowsItsMenu) {
-  Form form("Chat", {.clientWidth = 3000, .clientHeight = 3000});
-  TextBox line(&form, {0, 0, 3000, 300}, "");
-  auto peer = std::make_unique<FormPeer>(form);
-  FormPeer& window = *peer;
-  form.peer = std::move(peer);
-  realizeChildren(form, window);
-  form.Visible = true;
-  // If the menu gives no turns, this ends it, and the test fails.
-  constexpr UINT patience = 5000;  // ms
-  const UINT_PTR last = SetTimer(nullptr, 0, patience, [](HWND, UINT, UINT_PTR, DWORD) { EndMenu(); });
-  const HWND box = peerOf(line)->window();
-  PostMessageW(box, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(box), 0);
-  pumpUntilLoops(true);
-  EXPECT_TRUE(isInSystemLoop());
-  KillTimer(nullptr, last);
-  EndMenu();
-  pumpUntilLoops(false);
-  EXPECT_FALSE(isInSystemLoop());
+class ControlLoops : public FormTest {
+ protected:
+  /// Fails if this message begins no loop of the system, or one that gives the game no turns.
+  static void expectTurns(HWND window, UINT message, WPARAM first, LPARAM second) {
+    const auto endLoop = [](HWND, UINT, UINT_PTR, DWORD) -> void {
+      EndMenu();
+      ReleaseCapture();
+    };
+    constexpr UINT patience = 5000;  // ms
+    const UINT_PTR timer = SetTimer(nullptr, 0, patience, endLoop);
+    PostMessageW(window, message, first, second);
+    pumpUntilLoops(true);
+    EXPECT_TRUE(isInSystemLoop());
+    // The loop goes on.
+    for (int turn = 0; turn < 3; ++turn) pumpMessages();
+    EXPECT_TRUE(isInSystemLoop());
+    KillTimer(nullptr, timer);
+    endLoop(nullptr, 0, 0, 0);
+    pumpUntilLoops(false);
+    EXPECT_FALSE(isInSystemLoop());
+  }
+};
+
+TEST_F(ControlLoops, GiveTurnsWhileATextBoxShowsItsMenu) {
+  TextBox line(&form_, {0, 0, 3000, 300}, "");
+  show();
+  expectTurns(windowOf(line), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(windowOf(line)), 0);
+}
+
+TEST_F(ControlLoops, GiveTurnsWhileAListIsScrolled) {
+  Grid grid(&form_, {0, 0, 3000, 3000});
+  for (int row = 0; row < 100; ++row) grid.AddItem("cell");
+  show();
+  SCROLLBARINFO bar{};
+  bar.cbSize = sizeof bar;
+  ASSERT_TRUE(GetScrollBarInfo(windowOf(grid), OBJID_VSCROLL, &bar));
+  const LONG x = (bar.rcScrollBar.left + bar.rcScrollBar.right) / 2;
+  const LONG y = bar.rcScrollBar.top + (bar.xyThumbTop + bar.xyThumbBottom) / 2;
+  expectTurns(windowOf(grid), WM_NCLBUTTONDOWN, HTVSCROLL, MAKELPARAM(x, y));
 }
 
 }  // namespace
