@@ -7,7 +7,7 @@ import sys
 
 sys.dont_write_bytecode = True  # no bytecode in the source tree
 
-from sheets import backdrop, icons, logo, panel, players, pointers
+from sheets import backdrop, icons, logo, panel, players, pointers, setup
 from sheets.paint import save
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -38,8 +38,8 @@ def sheets():
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--output", type=pathlib.Path, default=ROOT, help="folder that holds assets/ and kelvora.jpg")
-    parser.add_argument("--only", choices=["sheets", "logo", "icon"], help="draw just these")
+    parser.add_argument("--output", type=pathlib.Path, default=ROOT, help="folder for assets/, kelvora.jpg and packaging/")
+    parser.add_argument("--only", choices=["sheets", "logo", "icon", "setup"], help="draw just these")
     options = parser.parse_args()
     assets = options.output / "assets"
     assets.mkdir(parents=True, exist_ok=True)
@@ -50,6 +50,10 @@ def main():
         logo.draw(options.output / "kelvora.jpg")
     if options.only in (None, "icon"):
         logo.draw_icons(assets)
+    if options.only in (None, "setup"):
+        folder = options.output / "packaging" / "windows"
+        folder.mkdir(parents=True, exist_ok=True)
+        setup.draw(folder / "setup.bmp")
 
 
 if __name__ == "__main__":

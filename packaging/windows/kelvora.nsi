@@ -24,6 +24,7 @@ VIAddVersionKey "ProductVersion" "${VERSION}"
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${__FILEDIR__}/setup.bmp"
 !define MUI_FINISHPAGE_RUN "$INSTDIR\Play against bots.exe"
 !define MUI_FINISHPAGE_RUN_TEXT "Play against bots"
 !insertmacro MUI_PAGE_DIRECTORY
