@@ -38,7 +38,7 @@ def sheets():
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--output", type=pathlib.Path, default=ROOT, help="folder for assets/, kelvora.jpg and packaging/")
+    parser.add_argument("--output", type=pathlib.Path, default=ROOT, help="folder for the pictures, as in the project")
     parser.add_argument("--only", choices=["sheets", "logo", "icon", "setup"], help="draw just these")
     options = parser.parse_args()
     assets = options.output / "assets"
