@@ -217,6 +217,15 @@ class Fingers(PageTest):
             pass
         self.assertEqual(received[1], [b"1"])
 
+    def test_a_tap_on_a_menu_leaves_the_focus(self):
+        _, page = self.begin()
+        page.press_button("Cancel", "dialog('Connect')")
+        page.wait_for("!dialog('Connect')")
+        page.see("canvas().focus()")
+        page.tap(*page.middle("by('.menubar button', 'File')"))
+        page.wait_for("by('.menubar button', 'Exit')")
+        self.assertTrue(page.see("document.activeElement === canvas()"))
+
     def test_the_chat_line_takes_the_keyboard(self):
         _, page = self.begin()
         self.log_in(page)
