@@ -95,6 +95,21 @@ class Keyboard(PageTest):
         page.wait_for("!box()")
         self.assertEqual(page.see("noted.map(([kind]) => kind)"), ["closed"])
 
+    def test_letters_behind_enter_begin_the_next_line(self):
+        _, page = self.begin()
+        line = self.log_in(page)
+        page.click_on("named('Public Chat')")
+        # The program takes no events before all keys are pressed.
+        page.see("(() => { const wait = waitForEvents; waitForEvents = (time, wakeUp) => { "
+                 "window.goOn = () => { waitForEvents = wait; wait(0, wakeUp); }; }; })()")
+        page.wait_for("window.goOn !== undefined")
+        page.press(*"hi", "Enter", *"yo")
+        page.see("goOn()")
+        self.assertEqual(self.await_chat(line), b"hi")
+        page.wait_for("named('Public Chat').value === 'yo'")
+        page.press("Enter")
+        self.assertEqual(self.await_chat(line), b"yo")
+
     def test_tab_on_the_view_types_nothing(self):
         _, page = self.begin()
         line = self.log_in(page)

@@ -59,18 +59,21 @@ function listenToKeys(control) {
     const controlKeys = {Enter: 13, Escape: 27, Backspace: 8};
     const letters = event.altKey || event.metaKey || event.ctrlKey ? [] : toBytes(letterOf(event));
     const typed = event.altKey || event.metaKey ? [] : controlKeys[event.key] ? [controlKeys[event.key]] : letters;
-    // Keys behind moved ones must not overtake them. A browser would search the page for letters on a picture.
-    const isMoved = pendingEvents.some((other) => other.isMoved && other.id === control.id);
+    // Keys behind moved ones, or behind an Enter that may clear the line, must not overtake them. A browser would search
+    // the page for letters on a picture.
+    const isMoved = pendingEvents.some((other) => other.id === control.id && (other.isMoved || isEnter(other)));
     const isUnused = control.kind === 'PictureBox' && letters.length > 0;
     if (isMoved || isUnused || isAnswer || isFunctionKey(event)) event.preventDefault();
+    const first = pendingEvents.length;
     post('keyDown', control.id, [event.keyCode, shiftBits(event)]);
     for (const byte of typed) post('keyPress', control.id, [byte]);
-    if (isMoved) markMoved(control, control);
+    for (const key of pendingEvents.slice(first)) key.isMoved = isMoved;
   });
 }
 
 const letterOf = (event) => [...event.key].length === 1 ? event.key : '';
 const isKey = (event) => event.kind === 'keyDown' || event.kind === 'keyPress';
+const isEnter = (event) => event.kind === 'keyPress' && event.numbers[0] === 13;
 
 // Moves the keys that wait for the program from one control to another.
 function markMoved(from, to) {
