@@ -225,12 +225,14 @@ class Windows(PageTest):
 
     def test_the_right_button_opens_no_menu_of_the_browser(self):
         _, page = self.begin()
-        self.log_in(page)
         page.see("addEventListener('contextmenu', (event) => { window.wasPrevented = event.defaultPrevented; })")
-        for element in ("canvas()", "by('.main .label', 'Public Chat')"):
+        for element in ("dialog('Connect').querySelector('h2')", "by('.main .label', 'Public Chat')",
+                        "document.querySelector('[aria-label=Store]')"):
             page.see("window.wasPrevented = undefined")
             page.click_on(element, button=RIGHT)
             self.assertIs(page.wait_for("window.wasPrevented !== undefined && [window.wasPrevented]")[0], True, element)
+        self.assertTrue(page.see("named('Player Name:').dispatchEvent(new MouseEvent('contextmenu', "
+                                 "{bubbles: true, cancelable: true}))"), "texts can be pasted")
 
     def test_a_press_elsewhere_and_its_release_are_nothing_to_pictures_and_labels(self):
         _, page = self.begin()

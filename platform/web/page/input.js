@@ -46,7 +46,6 @@ function listenToMouse(control) {
     fingerUp(control, event);
   });
   element.addEventListener('pointercancel', (event) => fingerUp(control, event));
-  if (isCaptor) element.addEventListener('contextmenu', (event) => event.preventDefault());
   element.addEventListener('dblclick', (event) => tell('doubleClick', event, 1));
 }
 

@@ -107,6 +107,9 @@ desk.addEventListener('mousedown', (event) => {
   if (!event.target.closest('input, .button, .checkbox, .grid, .menubar button')) event.preventDefault();
 });
 
+// The right button is the game's, but for cutting and pasting texts.
+desk.addEventListener('contextmenu', (event) => { if (!event.target.closest('input')) event.preventDefault(); });
+
 function raiseWindow(control) {
   const at = shownWindows.indexOf(control);
   if (at < 0 || control.element.inert) return;
