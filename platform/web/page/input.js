@@ -110,7 +110,8 @@ document.addEventListener('keydown', (event) => {
   begin.focus();
 });
 
-// Keys in a window whose focus has no use for them: Enter and Esc answer its buttons, function keys go to the program.
+// Keys in a window whose focus has no use for them: Enter and Esc answer its buttons. The browser gets none of the
+// function keys.
 document.addEventListener('keydown', (event) => {
   const form = frontWindow();
   if (!form || event.target.closest('.textbox, canvas, dialog')) return;
