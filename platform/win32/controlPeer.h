@@ -27,7 +27,7 @@ class TextBox;
 int shiftBits();
 int buttonBits(WPARAM keys);
 
-/// What a mouse message reports.
+/// The report of a mouse message.
 struct MouseReport {
   InputKind kind;
   int button;  ///< bit; 0 for a move

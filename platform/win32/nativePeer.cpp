@@ -62,7 +62,7 @@ bool NativePeer::handleKey(UINT message, WPARAM first) {
     return true;
   }
   postKey(*this, message, first);
-  // With Alt, every key is also the system's, such as Alt+F4. It would beep for these.
+  // With Alt, every key is also the system's, such as Alt+F4. Without Alt, it would beep for these three.
   return message != WM_SYSKEYDOWN && (first == VK_TAB || first == VK_RETURN || first == VK_ESCAPE);
 }
 

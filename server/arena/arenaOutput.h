@@ -11,7 +11,7 @@
 
 namespace kelvora::server {
 
-/// Drops by limits: of a position, of another request, of a connection that didn't log in in time.
+/// Drops by limits: a position, another request, or a connection that didn't log in in time.
 enum class Drop : std::uint8_t { position, request, lateLogin };
 
 /// The arena's effects on the outside world, and its questions to it. Called from within the arena's calls, and must

@@ -120,10 +120,13 @@ class Keyboard(PageTest):
 
     def test_tab_goes_round_in_a_dialog(self):
         _, page = self.begin()
+        page.fill("Player Name:", "Ann", CONNECT)
         for keys, wanted in ((["Tab"] * 6, "by('button', 'Cancel')"), (["Tab"], NAME),
                              (["Shift+Tab"], "by('button', 'Cancel')"), (["Shift+Tab"], "by('button', 'Get List')")):
             page.press(*keys)
             self.assert_focused(page, wanted)
+        page.press("Tab", "Tab")
+        self.assertEqual(page.see(f"[{NAME}.selectionStart, {NAME}.selectionEnd]"), [0, 3])
 
     def test_tab_reaches_the_list_in_its_order(self):
         _, page = self.begin()

@@ -219,6 +219,9 @@ class Fingers(PageTest):
 
     def test_a_tap_on_a_menu_leaves_the_focus(self):
         _, page = self.begin()
+        page.tap(*page.middle("by('.menubar button', 'File')"))
+        page.wait_for("by('.menubar button', 'Exit')")
+        self.assertTrue(page.see("document.activeElement === named('Player Name:', dialog('Connect'))"))
         page.press_button("Cancel", "dialog('Connect')")
         page.wait_for("!dialog('Connect')")
         page.see("canvas().focus()")

@@ -31,12 +31,12 @@ let clockNumber = 0;
 clock.onmessage = (event) => { if (event.data === clockNumber && endWait) endWait(); };
 const turn = new MessageChannel();
 let nextTurn = null;
-turn.port1.onmessage = () => nextTurn();
+turn.port1.onmessage = () => { if (!hasEnded) nextTurn(); };
 
 function waitForEvents(milliseconds, wakeUp) {
   let timer = 0;
   const end = () => {
-    if (endWait !== end || hasEnded) return;
+    if (endWait !== end) return;
     endWait = null;
     clearTimeout(timer);
     nextTurn = wakeUp;

@@ -16,12 +16,12 @@ function listenToMouse(control) {
   const {id, kind} = control;
   const element = kind === 'PictureBox' ? control.face : control.element;
   const isCaptor = kind === 'PictureBox' || kind === 'Label';
-  // As on a desktop, a press elsewhere is none of this control's business, and neither are its moves and release.
+  // As on a desktop, a control doesn't hear of a press elsewhere, nor of its moves and release.
   const isOwn = (event) => !isCaptor || element.hasPointerCapture(event.pointerId);
   const tell = (what, event, button) => post(what, id, mouseNumbers(element, event, button));
   element.addEventListener('pointerdown', (event) => {
     event.stopPropagation();
-    raiseWindow(windowOf(control));
+    raiseWindow(windowOf(control), event.pointerType === 'touch');
     if (isCaptor) {
       element.setPointerCapture(event.pointerId);
       if (control.isView) element.focus({preventScroll: true});
@@ -35,10 +35,8 @@ function listenToMouse(control) {
     if (fingers.has(event.pointerId) && event.pointerId !== steeringFinger()) return;
     if (event.buttons !== 0 && !isOwn(event)) return;
     // While a button is held, browsers report those of others as moves.
-    if (event.button >= 0) {
-      const bit = buttonBits[event.button] || 0;
-      return tell(event.buttons & bit ? 'mouseDown' : 'mouseUp', event, bit);
-    }
+    const bit = buttonBits[event.button];
+    if (bit) return tell(event.buttons & bit ? 'mouseDown' : 'mouseUp', event, bit);
     tell('mouseMove', event, fingers.has(event.pointerId) ? 0 : event.buttons & 7);
   });
   element.addEventListener('pointerup', (event) => {
@@ -108,6 +106,7 @@ document.addEventListener('keydown', (event) => {
   if (event.target !== end) return;
   event.preventDefault();
   begin.focus();
+  begin.select?.();
 });
 
 // Keys in a window whose focus has no use for them: Enter and Esc answer its buttons. The browser gets none of the

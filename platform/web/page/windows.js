@@ -45,7 +45,7 @@ function makeWindow(control) {
   control.client = document.createElement('div');
   control.client.className = 'client';
   element.append(control.bar, control.client);
-  element.addEventListener('pointerdown', () => raiseWindow(control));
+  element.addEventListener('pointerdown', (event) => raiseWindow(control, event.pointerType === 'touch'));
   dragByBar(control);
   control.removed = () => leaveDesk(control);
   desk.append(element);
@@ -107,10 +107,11 @@ desk.addEventListener('mousedown', (event) => {
   if (!event.target.closest('input, .button, .checkbox, .grid, .menubar button')) event.preventDefault();
 });
 
-// The right button is the game's, but for cutting and pasting texts.
+// The browser's menu opens only over texts, for cutting and pasting.
 desk.addEventListener('contextmenu', (event) => { if (!event.target.closest('input')) event.preventDefault(); });
 
-function raiseWindow(control) {
+// A finger leaves the focus where it is: a text box that gets it would open the keyboard on the screen.
+function raiseWindow(control, isFinger = false) {
   const at = shownWindows.indexOf(control);
   if (at < 0 || control.element.inert) return;
   keepFocus();
@@ -119,7 +120,7 @@ function raiseWindow(control) {
   orderWindows();
   if (!wasFront || !control.isActive) post('activated', control.id);
   for (const other of shownWindows) other.isActive = other === control;
-  if (!control.element.contains(document.activeElement)) control.focus?.focus({preventScroll: true});
+  if (!isFinger && !control.element.contains(document.activeElement)) control.focus?.focus({preventScroll: true});
 }
 
 // Keeps the focused element for when its window is in front again. Focus events can't tell it: there are none while the
