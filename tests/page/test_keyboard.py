@@ -92,7 +92,7 @@ class Keyboard(PageTest):
         page.wait_for("box()", "the box about the missing name")
         page.note_events()
         page.press("Enter")
-        page.wait_for("!box()")
+        page.wait_for("noted.some(([kind]) => kind === 'closed')")
         self.assertEqual(page.see("noted.map(([kind]) => kind)"), ["closed"])
 
     def test_letters_behind_enter_begin_the_next_line(self):
