@@ -60,6 +60,8 @@ def load_protocol():
 
 if CLIENT or SERVER:
     load_protocol()
+if SERVER and wine.is_for_windows(SERVER):
+    wine.use_own_prefix()
 
 
 # Everything open, in order. It is closed even if the script is interrupted.

@@ -1,6 +1,8 @@
 """Runs programs of the Windows build in Wine. Each client has a registry of its own, as other clients have a folder for
-their settings. "wine.py start" keeps Wine's own programs running in the prefix of all others until "wine.py end"."""
+their settings. The other programs of a script share a prefix. "wine.py start" keeps Wine's own programs running in the
+prefix of programs that no script starts, until "wine.py end"."""
 
+import atexit
 import contextlib
 import os
 import pathlib
@@ -60,6 +62,15 @@ def prefix_in(folder, scale=1):
             else:
                 own.symlink_to(entry)
     return str(prefix)
+
+
+def use_own_prefix():
+    """Gives the script a prefix of its own until it ends. When a program with connections ends, the server of Wine 8
+    sometimes fails an assertion and aborts, and all other programs of its prefix are lost with it."""
+    folder = tempfile.TemporaryDirectory(prefix="kelvora-wine-", ignore_cleanup_errors=True)
+    prefix = os.environ["WINEPREFIX"] = prefix_in(folder.name)
+    atexit.register(folder.cleanup)
+    atexit.register(end, prefix)
 
 
 def frame(scale):
