@@ -237,7 +237,7 @@ def latency(display):
 
 
 def unpaced(display):
-    client, server, line = log_in(display, frame_ms=None)
+    client, server, line = log_in(display, frame_ms="0")
     client.mouse_to(386, 308)
     client.right_click()
     time.sleep(1)

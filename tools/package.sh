@@ -24,14 +24,14 @@ if [ "${1-}" = windows ]; then
   [ -f build/windows/CMakeCache.txt ] || tests=(-DKELVORA_TESTS=OFF)
   say "Building the programs for Windows"
   configure windows "${tests[@]}"
-  cmake --build --preset windows --target kelvora kelvora-server kelvora-online kelvora-bots ||
+  cmake --build --preset windows --target kelvora kelvora-server kelvora-bots ||
     fail "The build failed; see above."
   version=$(sed -n 's/^project(kelvora VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
   packages=build/windows/packages
   folder=$packages/Kelvora
   rm -rf "$packages"
   mkdir -p "$folder/assets" "$folder/sounds"
-  cp build/windows/{kelvora,kelvora-server,"Play online","Play against bots"}.exe kelvora.jpg "$folder"
+  cp build/windows/{kelvora,kelvora-server,"Play against bots"}.exe kelvora.jpg "$folder"
   cp LICENSE "$folder/LICENSE.txt"
   cp assets/*.png "$folder/assets"
   rm "$folder"/assets/icon-*.png

@@ -25,11 +25,11 @@ std::optional<std::chrono::milliseconds> frameFromText(std::string_view text) {
 
 std::optional<std::chrono::milliseconds> frameFromEnvironment() {
   const char* text = std::getenv("KELVORA_FRAME_MS");
-  if (text == nullptr || *text == '\0') return std::nullopt;
+  if (text == nullptr || *text == '\0' || std::string_view(text) == "0") return std::nullopt;
   const auto frame = frameFromText(text);
   if (!frame) {
     std::fprintf(stderr,
-                 "kelvora: KELVORA_FRAME_MS must be a number from 1 to 1000, not \"%s\", so the game runs as fast as "
+                 "kelvora: KELVORA_FRAME_MS must be a number from 0 to 1000, not \"%s\", so the game runs as fast as "
                  "it can\n",
                  text);
   }

@@ -26,7 +26,8 @@ class FramePacer {
 /// Parses a frame's length: 1 to 1000 in plain digits. Nothing for any other text.
 std::optional<std::chrono::milliseconds> frameFromText(std::string_view text);
 
-/// The same for the environment variable KELVORA_FRAME_MS. Warns on stderr if the text is no valid length.
+/// The same for the environment variable KELVORA_FRAME_MS, where 0 also means no pace. Warns on stderr of any other
+/// text that is no valid length.
 std::optional<std::chrono::milliseconds> frameFromEnvironment();
 
 }  // namespace kelvora

@@ -16,7 +16,7 @@ PACKAGES = harness.PROJECT / "build" / "windows" / "packages"
 SETUP = PACKAGES / f"kelvora-{harness.VERSION}-setup.exe"
 ZIP = PACKAGES / f"kelvora-{harness.VERSION}-windows.zip"
 MAX_SIZE = 12_000_000  # bytes
-PROGRAMS = ("kelvora.exe", "kelvora-server.exe", "Play online.exe", "Play against bots.exe")
+PROGRAMS = ("kelvora.exe", "kelvora-server.exe", "Play against bots.exe")
 
 
 def data_files():
@@ -86,7 +86,7 @@ class Installer(DesktopTest):
         self.assertEqual(links, {"Kelvora.lnk", "Play against bots.lnk"})
 
         environment = dict(self.display.environment, WINEPREFIX=str(self.prefix), KELVORA_WEB_HOST=harness.CLOSED_PORT)
-        game = subprocess.Popen(wine.command(str(installed / "Play online.exe"), "nosound", "nomusic"), env=environment,
+        game = subprocess.Popen(wine.command(str(installed / "kelvora.exe"), "nosound", "nomusic"), env=environment,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.addCleanup(harness.stop, game)
 

@@ -66,7 +66,8 @@ TEST(FramePacer, WarnsOfAWrongLengthInTheEnvironment) {
   using Length = std::optional<milliseconds>;
   EXPECT_EQ(read("10"), std::pair(Length(10), std::string()));
   EXPECT_EQ(read(""), std::pair(Length(), std::string()));
-  EXPECT_EQ(read("abc"), std::pair(Length(), std::string("kelvora: KELVORA_FRAME_MS must be a number from 1 to 1000, "
+  EXPECT_EQ(read("0"), std::pair(Length(), std::string()));
+  EXPECT_EQ(read("abc"), std::pair(Length(), std::string("kelvora: KELVORA_FRAME_MS must be a number from 0 to 1000, "
                                                          "not \"abc\", so the game runs as fast as it can\n")));
   testing::internal::CaptureStderr();
   EXPECT_EQ(frameFromEnvironment(), std::nullopt) << "unset";
