@@ -1,6 +1,7 @@
 ; The installer for Windows, for one user and without an administrator's rights. tools/package.sh defines VERSION, FILES
 ; (the folder to install), ICON and OUTPUT.
 Target amd64-unicode
+!include LogicLib.nsh
 !include MUI2.nsh
 
 !define UNINSTALL "Software\Microsoft\Windows\CurrentVersion\Uninstall\Kelvora"
@@ -9,6 +10,7 @@ Target amd64-unicode
 Name "Kelvora"
 OutFile "${OUTPUT}"
 RequestExecutionLevel user
+ManifestDPIAware true
 InstallDir "$LOCALAPPDATA\Programs\Kelvora"
 InstallDirRegKey HKCU "${UNINSTALL}" "InstallLocation"
 SetCompressor /SOLID lzma
@@ -34,18 +36,28 @@ VIAddVersionKey "ProductVersion" "${VERSION}"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
 
-; Windows doesn't replace or remove programs that run.
-!macro AwaitEndOfGame
-  again:
-  FindWindow $0 "KelvoraForm"
-  IntPtrCmp $0 0 ended
-  MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "Please close Kelvora first." /SD IDCANCEL IDRETRY again
-  Abort
-  ended:
+; Windows doesn't open a program that runs for writing, and neither replaces nor removes it.
+!macro AwaitEndOf PROGRAM
+  ${DoWhile} ${FileExists} "$INSTDIR\${PROGRAM}"
+    ClearErrors
+    FileOpen $0 "$INSTDIR\${PROGRAM}" a
+    ${IfNot} ${Errors}
+      FileClose $0
+      ${Break}
+    ${EndIf}
+    MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "Please close Kelvora and its server first." /SD IDCANCEL IDRETRY +2
+    Abort
+  ${Loop}
+!macroend
+
+!macro AwaitEndOfAll
+  !insertmacro AwaitEndOf "kelvora.exe"
+  !insertmacro AwaitEndOf "kelvora-server.exe"
+  !insertmacro AwaitEndOf "Play against bots.exe"
 !macroend
 
 Section
-  !insertmacro AwaitEndOfGame
+  !insertmacro AwaitEndOfAll
   SetOutPath "$INSTDIR"
   File /r "${FILES}/*"
   WriteUninstaller "$INSTDIR\Uninstall.exe"
@@ -65,7 +77,7 @@ SectionEnd
 
 ; Removes what was installed and the player's settings, but nothing else that is in the folder.
 Section "Uninstall"
-  !insertmacro AwaitEndOfGame
+  !insertmacro AwaitEndOfAll
   Delete "$INSTDIR\kelvora.exe"
   Delete "$INSTDIR\kelvora-server.exe"
   Delete "$INSTDIR\Play against bots.exe"

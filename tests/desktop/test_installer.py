@@ -57,10 +57,20 @@ class Installer(DesktopTest):
         self.prefix = pathlib.Path(wine.prefix_in(self.folder))
         self.addCleanup(wine.end, str(self.prefix))
 
-    def run_windows(self, program, *arguments):
-        environment = dict(self.display.environment, WINEPREFIX=str(self.prefix))
-        subprocess.run(wine.command(str(program), *arguments), env=environment, stdin=subprocess.DEVNULL,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True, timeout=harness.PATIENCE * 4)
+    def start_windows(self, program, *arguments, output=subprocess.DEVNULL):
+        environment = dict(self.display.environment, WINEPREFIX=str(self.prefix), KELVORA_WEB_HOST=harness.CLOSED_PORT)
+        process = subprocess.Popen(wine.command(str(program), *arguments), env=environment, stdin=subprocess.DEVNULL,
+                                   stdout=output, stderr=subprocess.DEVNULL)
+        self.addCleanup(harness.stop, process)
+        return process
+
+    def run_windows(self, program, *arguments, status=0):
+        self.assertEqual(self.start_windows(program, *arguments).wait(harness.PATIENCE * 4), status)
+
+    def installed(self):
+        """The folder of the installed game."""
+        [folder] = (self.prefix / "drive_c" / "users").glob("*/AppData/Local/Programs/Kelvora")
+        return folder
 
     def files(self):
         """The user's files. The uninstaller runs from a copy of itself in the folder for temporary files, which Windows
@@ -79,16 +89,13 @@ class Installer(DesktopTest):
         wine.end(str(self.prefix))
         before = self.files()
         self.run_windows(SETUP, "/S")
-        [installed] = (self.prefix / "drive_c" / "users").glob("*/AppData/Local/Programs/Kelvora")
+        installed = self.installed()
         present = {str(file.relative_to(installed)) for file in installed.rglob("*") if file.is_file()}
         self.assertEqual(present, data_files() | set(PROGRAMS) | {"LICENSE.txt", "Uninstall.exe"})
         links = {file.name for file in (self.prefix / "drive_c" / "users").rglob("*.lnk") if "Kelvora" in str(file)}
         self.assertEqual(links, {"Kelvora.lnk", "Play against bots.lnk"})
 
-        environment = dict(self.display.environment, WINEPREFIX=str(self.prefix), KELVORA_WEB_HOST=harness.CLOSED_PORT)
-        game = subprocess.Popen(wine.command(str(installed / "kelvora.exe"), "nosound", "nomusic"), env=environment,
-                                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.addCleanup(harness.stop, game)
+        game = self.start_windows(installed / "kelvora.exe", "nosound", "nomusic")
 
         def window(title):
             return self.display.xdotool("search", "--onlyvisible", "--name", title).split()
@@ -103,6 +110,24 @@ class Installer(DesktopTest):
         harness.wait_for(lambda: self.files() <= before, lambda: f"the removal of {self.files() - before}")
         self.assertEqual(self.files(), before)
         self.assertEqual(self.registry(), [])
+
+    def test_running_server_is_neither_replaced_nor_removed(self):
+        self.run_windows(SETUP, "/S")
+        installed = self.installed()
+        (installed / "LICENSE.txt").write_text("of an older version")
+        before = {file: file.stat().st_mtime_ns for file in installed.rglob("*")}
+        server = self.start_windows(installed / "kelvora-server.exe", "--port", "0", output=subprocess.PIPE)
+        self.assertIn(b"listening on", server.stdout.readline())
+        aborted = 2
+        # The option lets the uninstaller run where it is.
+        here = "_?=C:\\" + str(installed.relative_to(self.prefix / "drive_c")).replace("/", "\\")
+        for command in ((SETUP, "/S"), (installed / "Uninstall.exe", "/S", here)):
+            self.run_windows(*command, status=aborted)
+            self.assertEqual({file: file.stat().st_mtime_ns for file in installed.rglob("*")}, before)
+        harness.stop(server)
+        server.stdout.close()
+        self.run_windows(SETUP, "/S")
+        self.assertNotEqual((installed / "LICENSE.txt").read_text(), "of an older version")
 
 
 if __name__ == "__main__":
