@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
-# Tests building and installing in a fresh, minimal Debian 12. Run it as root:
-#   tools/clean_room.sh check     clones the project into it and runs ./check there, as a user with sudo
-#   tools/clean_room.sh package   builds the packages here, installs them there, fetches the page for browsers, starts
-#                                 server and client with a login, upgrades them, removes them, and looks for leftovers
+# tools/clean_room.sh check|package: tests building or installing in a fresh, minimal Debian 12. Only root can.
+#   check     clones the project into it and runs ./check there, as a user with sudo
+#   package   builds the packages here, installs them there, fetches the page for browsers, starts server and client
+#             with a login, upgrades them, removes them, and looks for leftovers
 # The room is a folder, KELVORA_ROOM (/var/tmp/kelvora-room), recreated each time. The base system is cached next to it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/common.sh
 source tools/common.sh
+
+case $* in
+  check | package) ;;
+  -h | --help) usage tools/clean_room.sh && exit ;;
+  *) refuse tools/clean_room.sh "$*" ;;
+esac
 
 room=${KELVORA_ROOM:-/var/tmp/kelvora-room}
 user=player
@@ -117,8 +123,7 @@ check_packages() {
   say "No leftovers"
 }
 
-case ${1:-} in
+case $1 in
   check) check_clone ;;
   package) check_packages ;;
-  *) fail "Usage: tools/clean_room.sh check|package" ;;
 esac

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # tools/fuzz.sh [TARGET|all] [MINUTES]: fuzzes, guided by coverage, with the sanitizers. New inputs go to
-# build/fuzz/found/TARGET, failing ones to build/fuzz/crashes. Needs clang 16 or newer.
+# build/fuzz/found/TARGET, failing ones to build/fuzz/crashes. Needs clang 16 or newer. The source of a target is
+# tests/fuzz/TARGET_fuzz.cpp.
 # tools/fuzz.sh --coverage: prints the lines that the corpus reaches, by room.
 # tools/fuzz.sh --merge [TARGET|all]: adds inputs that reach new code to tests/fuzz/corpus.
 set -uo pipefail
@@ -8,7 +9,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 # shellcheck source=tools/common.sh
 source tools/common.sh
 
+case $* in
+  -h | --help) usage tools/fuzz.sh && exit ;;
+esac
 all_targets=$(cd tests/fuzz && ls -- *_fuzz.cpp | sed 's/_fuzz\.cpp$//')
+target="(all|${all_targets//$'\n'/|})"
+[[ $* =~ ^(--coverage|--merge( $target)?|($target( [1-9][0-9]*)?)?)$ ]] || refuse tools/fuzz.sh "$*"
 for version in '' -19 -18 -17 -16; do
   command -v "clang++$version" >/dev/null || continue
   [ "$("clang++$version" -dumpversion | cut -d. -f1)" -ge 16 ] && break
@@ -80,7 +86,6 @@ build build/fuzz
 mkdir -p build/fuzz/crashes
 status=0
 for target in $targets; do
-  [ -f "tests/fuzz/${target}_fuzz.cpp" ] || fail "There is no target $target. The targets are:" $all_targets
   mkdir -p "build/fuzz/found/$target"
   say "$target for $minutes minutes"
   words=()

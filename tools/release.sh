@@ -5,8 +5,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/common.sh
 source tools/common.sh
 
-version=${1:-}
-[[ $version =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || fail "Usage: tools/release.sh VERSION, three numbers such as 9.8.7"
+case $* in
+  -h | --help) usage tools/release.sh && exit ;;
+esac
+[[ $* =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || refuse tools/release.sh "$*"
+version=$1
 now=$(sed -n 's/^project(kelvora VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
 if [ "$version" = "$now" ] || [ "$(printf '%s\n' "$now" "$version" | sort -V | tail -n 1)" = "$now" ]; then
   fail "$version is not newer than the current version, $now."

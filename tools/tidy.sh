@@ -6,7 +6,12 @@ set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 # shellcheck source=tools/common.sh
 source tools/common.sh
-jobs=${1:-$(nproc)}
+
+case $* in
+  -h | --help) usage tools/tidy.sh && exit ;;
+esac
+[[ $* =~ ^([1-9][0-9]*)?\ ?(windows)?$ ]] || refuse tools/tidy.sh "$*"
+jobs=${BASH_REMATCH[1]:-$(nproc)} system=${BASH_REMATCH[2]:-linux}
 
 tidy=$(clang_tool clang-tidy) || exit 1
 clang=$(clang_tool clang++) || exit 1
@@ -40,7 +45,7 @@ list_windows_sources() {
   mv "$folder.json" "$folder/compile_commands.json"
 }
 
-"list_${2:-linux}_sources"
+"list_${system}_sources"
 headers() { find . \( -name 'build*' -o -name tests -o -name bench -o -name tools \) -prune -o -name '*.h' -print0 | sort -z; }
 common=$({ cat .clang-tidy; headers | xargs -0 cat; } | sha256sum)
 

@@ -12,9 +12,14 @@ PROJECT = pathlib.Path(__file__).resolve().parents[2]
 COMMON = PROJECT / "tools" / "common.sh"
 CLANG = '"-DCMAKE_CXX_COMPILER=$(clang_tool clang++)"'  # as ./check gives it
 SCRIPTS = {"./check": PROJECT / "check", "tools/package.sh": PROJECT / "tools" / "package.sh",
-           "tools/format.sh": PROJECT / "tools" / "format.sh", "tools/image.sh": PROJECT / "tools" / "image.sh"}
+           "tools/format.sh": PROJECT / "tools" / "format.sh", "tools/image.sh": PROJECT / "tools" / "image.sh",
+           "tools/clean_room.sh": PROJECT / "tools" / "clean_room.sh",
+           "tools/release.sh": PROJECT / "tools" / "release.sh", "tools/tidy.sh": PROJECT / "tools" / "tidy.sh",
+           "tools/fuzz.sh": PROJECT / "tools" / "fuzz.sh"}
 USAGES = {"./check": "[linux|web|windows]", "tools/package.sh": "windows: builds",
-          "tools/format.sh": "[--check]: formats", "tools/image.sh": "[--no-page]: makes"}
+          "tools/format.sh": "[--check]: formats", "tools/image.sh": "[--no-page]: makes",
+          "tools/clean_room.sh": "check|package: tests", "tools/release.sh": "VERSION: sets",
+          "tools/tidy.sh": "[JOBS] [windows]: runs", "tools/fuzz.sh": "[TARGET|all] [MINUTES]: fuzzes"}
 
 
 class FrontDoor(unittest.TestCase):
@@ -57,6 +62,19 @@ class Arguments(FrontDoor):
                 self.assertIn(f"""{script} doesn't know "{' '.join(words)}".""", done.stderr)
                 self.assertIn(USAGES[script], done.stderr)
         self.assertIn('"fast"', self.expect(1, "./check", "--all", "fast").stderr)
+
+    def test_fuzzing_needs_a_target_and_whole_minutes(self):
+        targets = self.folder / "tests" / "fuzz"
+        targets.mkdir(parents=True)
+        (targets / "wire_fuzz.cpp").touch()
+        for words in (("wires",), ("wire", "0.5"), ("wire", "1h"), ("wire", "0"), ("--merge", "wires")):
+            self.assertIn("doesn't know", self.expect(1, "tools/fuzz.sh", *words).stderr)
+        for words in ((), ("wire",), ("all", "60"), ("--merge", "wire"), ("--coverage",)):
+            self.assertNotIn("doesn't know", self.run_in_folder("tools/fuzz.sh", *words).stderr)
+
+    def test_tidy_takes_jobs_and_a_system(self):
+        for words in (("windows",), ("2", "windows")):
+            self.assertIn("build/windows is not configured", self.expect(1, "tools/tidy.sh", *words).stdout)
 
 
 class Configure(FrontDoor):
