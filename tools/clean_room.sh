@@ -101,7 +101,9 @@ log_in_from_packages() {
 }
 
 check_packages() {
-  tools/package.sh
+  # shellcheck disable=SC2086
+  install_packages $package_packages
+  as_owner tools/package.sh
   open_room
   cp build/package/packages/*.deb "$room/tmp/"
   say "Installing the packages in the room"

@@ -9,11 +9,12 @@ linux_check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-
   clang-format-14 clang-tidy-14 python3-numpy python3-websockets python3-yaml nginx libnginx-mod-stream caddy prometheus
   openssl curl wget $window_test_packages"
 
-# Packages for the server alone, for the page for browsers, and additional ones for the page's checks.
+# Packages for the server alone, for the page for browsers, for the page's checks, and for tools/package.sh.
 server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev libsqlite3-dev"
 web_packages="cmake ninja-build emscripten libstb-dev flac fonts-comic-neue fonts-liberation"
 web_check_packages="$web_packages $play_packages ccache googletest chromium chromium-driver firefox-esr
   python3-websockets openssl nginx libnginx-mod-stream xvfb xdotool openbox x11-utils imagemagick"
+package_packages="$play_packages $web_packages dpkg-dev file"
 
 # Packages for the Windows build, its zip and installer, and its tests.
 windows_packages="g++ cmake ninja-build ccache g++-mingw-w64-x86-64-posix wine wine64 googletest libstb-dev libboost-dev
@@ -133,9 +134,21 @@ build_page() {
   cmake --build --preset web --target kelvora_site "$@"
 }
 
+# as_owner COMMAND...: root runs the command as the owner of the project's folder, who must be able to write to build
+# afterwards, and whose repository git reads.
+as_owner() {
+  local owner
+  owner=$(stat -c %U .)
+  if [ "$(id -u)" -ne 0 ] || [[ $owner =~ ^(root|UNKNOWN)$ ]]; then
+    "$@"
+  else
+    runuser -u "$owner" -- "$@"
+  fi
+}
+
 # use_commit_time: exports the last commit's time for packages and images, so that their builds are reproducible.
 use_commit_time() {
-  SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
+  SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(as_owner git log -1 --format=%ct 2>/dev/null || date +%s)}
   export SOURCE_DATE_EPOCH
 }
 

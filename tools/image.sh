@@ -23,12 +23,15 @@ unpacked=$image/unpacked
 # shellcheck disable=SC2086
 install_packages $server_packages ca-certificates dpkg-dev mmdebstrap buildah python3
 
+as_owner mkdir -p build
 page=${KELVORA_SITE-}
 if [ "${1-}" = --no-page ]; then
   page=
 elif [ -z "$page" ]; then
   say "Building the page for browsers"
-  build_page
+  # shellcheck disable=SC2086
+  install_packages $web_packages
+  as_owner bash -c 'source tools/common.sh; build_page'
   page=$PWD/build/web/site
 fi
 

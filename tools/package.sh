@@ -46,7 +46,7 @@ if [ "${1-}" = windows ]; then
 fi
 
 # shellcheck disable=SC2086
-install_packages $play_packages $web_packages dpkg-dev file
+install_packages $package_packages
 
 use_commit_time
 umask 022

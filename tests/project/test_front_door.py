@@ -1,7 +1,9 @@
 """The first steps of ./check and the tools: reading arguments, configuring a build."""
 
 import json
+import os
 import pathlib
+import pwd
 import shlex
 import shutil
 import subprocess
@@ -75,6 +77,26 @@ class Arguments(FrontDoor):
     def test_tidy_takes_jobs_and_a_system(self):
         for words in (("windows",), ("2", "windows")):
             self.assertIn("build/windows is not configured", self.expect(1, "tools/tidy.sh", *words).stdout)
+
+
+class Owner(FrontDoor):
+    def owner_of_a_new_file(self):
+        commands = f'source "{COMMON}"; as_owner touch made; as_owner false || echo failed'
+        done = self.run_in_folder("bash", "-c", commands)
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "failed\n", ""))
+        return (self.folder / "made").stat().st_uid
+
+    def test_commands_run_as_the_user(self):
+        self.assertEqual(self.owner_of_a_new_file(), os.getuid())
+
+    @unittest.skipUnless(os.getuid() == 0, "only root can run a command as somebody else")
+    def test_root_runs_commands_as_the_owner_of_the_folder(self):
+        nobody = pwd.getpwnam("nobody").pw_uid
+        os.chown(self.folder, nobody, -1)
+        self.assertEqual(self.owner_of_a_new_file(), nobody)
+        os.chown(self.folder, 54321, -1)  # without an account
+        (self.folder / "made").unlink()
+        self.assertEqual(self.owner_of_a_new_file(), 0)
 
 
 class Configure(FrontDoor):
