@@ -1,5 +1,6 @@
 """The script that starts everything, ./play, with the real server and stand-ins for the build and the game."""
 
+import contextlib
 import os
 import pathlib
 import shutil
@@ -61,7 +62,10 @@ class PlayScript(unittest.TestCase):
         path.chmod(0o755)
 
     def write(self, name, text=""):
-        (self.folder / name).write_text(text, encoding="utf-8")
+        """Nobody finds the file before its text."""
+        new = self.folder / f"{name}.new"
+        new.write_text(text, encoding="utf-8")
+        new.rename(self.folder / name)
 
     def play(self, *arguments, **environment):
         self.output = open(self.folder / "output", "w+", encoding="utf-8")
@@ -110,7 +114,11 @@ class PlayScript(unittest.TestCase):
 
     def server_number(self):
         """The process of the server that the script has started."""
-        children = pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children").read_text().split()
-        server, = (child for child in children
-                   if pathlib.Path("/proc", child, "cmdline").read_bytes().split(b"\0")[0].endswith(b"kelvora-server"))
-        return server
+        def find():
+            children = pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children").read_text().split()
+            for child in children:
+                with contextlib.suppress(OSError):  # the child has ended
+                    words = pathlib.Path("/proc", child, "cmdline").read_bytes().split(b"\0")
+                    if words[0].endswith(b"kelvora-server"):
+                        return child
+        return wait_for(find, "the server's process")
