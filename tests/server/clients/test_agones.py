@@ -112,7 +112,7 @@ class Agones(unittest.TestCase):
             ann.close()
             self.wait(lambda: self.sidecar.count(READY) == 2 and self.sidecar.players()[-1] == "0", "an empty server")
             self.assertEqual(self.sidecar.count(SHUTDOWN), 0)
-        self.assertEqual(self.sidecar.names()[-1], SHUTDOWN)
+        self.wait(lambda: self.sidecar.names()[-1] == SHUTDOWN, "the last call")
         self.assertEqual({kind for call, _, kind in self.sidecar.calls if call != PLACE}, {"application/json"})
         self.assertEqual({json.dumps(body) for call, body, _ in self.sidecar.calls if call != COUNTER}, {"{}"})
 
@@ -188,7 +188,7 @@ class Agones(unittest.TestCase):
         self.sidecar.start()
         with self.server():
             self.wait(lambda: HEALTH in self.sidecar.names(), "a health call")
-        self.assertIn(SHUTDOWN, self.sidecar.names())
+        self.wait(lambda: SHUTDOWN in self.sidecar.names(), "the last call")
 
     def test_a_drained_server_is_over(self):
         self.sidecar.start()
@@ -202,7 +202,7 @@ class Agones(unittest.TestCase):
             self.assertNotIn(SHUTDOWN, self.sidecar.names())
             ann.close()
             self.assertEqual(server.process.wait(PATIENCE), 0)
-            self.assertEqual(self.sidecar.names()[-1], SHUTDOWN)
+            self.wait(lambda: self.sidecar.names()[-1] == SHUTDOWN, "the last call")
 
     def test_an_impossible_port_is_refused(self):
         for port in ("", "0", "65536", "http"):

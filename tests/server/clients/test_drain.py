@@ -17,7 +17,7 @@ class Drain(unittest.TestCase):
         player.find(protocol.SERVER_TEXT, lambda fields: fields[0] == "The server stops when this round is over.")
 
     def test_the_round_plays_out_without_newcomers(self):
-        with Server("--drain", "3600", "--round-seconds", "5", "--no-coach") as server:
+        with Server("--drain", "3600", "--round-seconds", "10", "--no-coach") as server:
             ann = self.player(server, "Ann")
             ann.find(protocol.LOGIN_ACCEPTED)
             self.drain(server, ann)
