@@ -13,6 +13,7 @@ from servers import Line
 
 LEAST_DOT = 3  # pixels
 RADAR = (772, 460, 117, 93)  # left, top, width, height in pixels of the client area
+CHAT_BOX = (300, 625)  # a pixel of the client area
 CONSOLE = (4, 582, 500, 20)  # the newest line
 PUBLIC, PRIVATE_SENT, PRIVATE_RECEIVED, SERVER = (128, 255, 128), (255, 255, 255), (255, 0, 255), (255, 255, 0)
 CENTRE_MESSAGE = (150, 270, 500, 30)
@@ -112,23 +113,30 @@ class OnTheRealServer(Company):
         wait_for(is_where_he_was_last_seen, "Bob's dot at the new position")
 
     def test_a_public_line_reaches_everybody(self):
-        self.ann.window.activate()
-        self.display.xdotool("type", "--delay", "5", "hello all")
-        self.display.xdotool("key", "Return")
+        self.say("hello all")
         fields = self.await_frame(lambda identifier, fields: identifier == CHAT)
         self.assertEqual(fields, [self.players["Ann"][0], b"hello all"])
         self.expect_line(self.ann, PUBLIC, "the line on Ann's screen")
         self.expect_line(self.bob, PUBLIC, "the line on Bob's screen")
 
     def test_a_private_line_reaches_its_addressee(self):
+        self.expect_radar_dot(self.ann, self.players["Bob"][1], is_cyan, "Bob's dot on Ann's radar")
         # Bob is cyan, row 3 of the players' list.
         self.ann.window.click((11580 + 360) // 15 + 20, self.ann.menu + (60 + 300 + 3 * 540) // 15 + 8)
-        self.ann.window.click(300, self.ann.menu + 9225 // 15 + 10)
-        self.display.xdotool("type", "--delay", "5", "psst")
-        self.display.xdotool("key", "Return")
+        self.say("psst")
         self.expect_line(self.ann, PRIVATE_SENT, "the echo on Ann's screen")
         self.expect_line(self.bob, PRIVATE_RECEIVED, "the line on Bob's screen")
-        self.assertEqual([fields for identifier, fields in self.spy.frames_during(0.5) if identifier == CHAT], [])
+        # The label beside the chat box switches back to public lines.
+        self.ann.window.click(50, CHAT_BOX[1] + self.ann.menu)
+        self.say("hello all")
+        self.assertEqual(self.await_frame(lambda identifier, fields: identifier == CHAT)[1], b"hello all")
+
+    def say(self, line):
+        """Ann says a line."""
+        self.ann.window.activate()
+        self.ann.window.click(CHAT_BOX[0], CHAT_BOX[1] + self.ann.menu)
+        self.display.xdotool("type", "--delay", "5", line)
+        self.display.xdotool("key", "Return")
 
 
 class OnAScriptedServer(Company):

@@ -77,6 +77,7 @@ class Finder(WebTest):
         self.list_request(host)
         self.change_box(finder, "full")
         self.list_request(host)
+        finder.activate()
         # Enter belongs to the default button, which the finder lacks. The blank changes the box.
         self.display.xdotool("key", "Return", "key", "space")
         finder.click(*REFRESH)

@@ -20,6 +20,7 @@ class Recording(DesktopTest):
             file = pathlib.Path(folder) / "game.recording"
             client, line = self.log_in(self.start_client(environment={"KELVORA_RECORD": str(file)}))
             line.send(PLAYER_JOINED, 8, 1, "Bob", 50500, 50000, 1, 0)
+            client.window.activate()
             client.mouse_to(700, 250)
             client.right_click()
             # Four frames each. Every hundredth picture is compared.

@@ -108,7 +108,6 @@ class Session(DesktopTest):
 
     def test_disconnect_in_the_menu_clears_the_error(self):
         client = self.refused_client()
-        client.window.activate()
         client.choose(20, "Up", "Up", "Return")
         client.wait_for_window("Connect")
         client.wait_for_status(RED)

@@ -24,6 +24,7 @@ class Showing(DesktopTest):
         client = self.start_client(program=os.environ["KELVORA_WATCHED_GAME"], frame_ms="3")
         client.connect(server.port)
         client.wait_for_status(GREEN)
+        client.window.activate()
         client.right_click()
         self.display.xdotool("type", "hello")
         self.display.xdotool("key", "Return")

@@ -174,12 +174,14 @@ class Keys(DesktopTest):
 
     def test_powerups_fire_from_the_canvas(self):
         client, line = self.log_in()
+        client.window.activate()
         client.mouse_to(300, 300)
         self.display.xdotool("click", 1)
         self.fire_all(client, line)
 
     def test_powerups_fire_from_the_chat_box(self):
         client, line = self.log_in()
+        client.window.activate()
         # txtChat is 1440 twips from the left and 105 below the canvas.
         x, y = client.on_screen(1440 // TWIPS + 100, client.canvas_size()[1] + 105 // TWIPS + 12)
         self.display.xdotool("mousemove", x, y, "click", 1)

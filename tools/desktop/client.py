@@ -79,6 +79,7 @@ class Client:
 
     def choose(self, x, *keys):
         """Opens the menu at pixel x of the menu bar and moves to an item with these keys."""
+        self.window.activate()
         before = set(self.visible())
         self.window.click(x, self.menu // 2)
         wait_for(lambda: set(self.visible()) - before, "the menu")
