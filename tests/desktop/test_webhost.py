@@ -2,11 +2,10 @@
 
 import socket
 import unittest
-import urllib.request
 
 import harness
 from protocol import LOGIN, LOGIN_ACCEPTED, PLAYER_JOINED
-from servers import Line
+from servers import Line, servers_listed
 from webTest import BOX, REFRESH, WebTest
 
 
@@ -17,12 +16,6 @@ class OwnWebHost(WebTest):
         new one."""
         self.change_box(finder, name)
         finder.click(*REFRESH)
-
-    def servers_listed(self, server):
-        query = f"gethosts.php?version={harness.VERSION}&password=1&full=1&empty=1"
-        with urllib.request.urlopen(f"http://{server.web_host}/games/kelvora/{query}",
-                                    timeout=harness.PATIENCE) as answer:
-            return answer.read().count(b"[")
 
     def test_server_lists_itself_and_is_joined(self):
         server = self.start_server("--web-port", "0", "--notes", "friendly game")
@@ -38,7 +31,7 @@ class OwnWebHost(WebTest):
     def test_second_server_of_its_list_is_joined(self):
         server = self.start_server("--web-port", "0")
         other = self.start_server("--publish", f"http://{server.web_host}")
-        harness.wait_for(lambda: self.servers_listed(server) == 2, "the other server in the list")
+        harness.wait_for(lambda: servers_listed(server.web_host).count("[") == 2, "the other server in the list")
         client = self.start_client(web_host=server.web_host)
         finder = self.open_finder(client)
         self.wait_for_row(finder, 1)

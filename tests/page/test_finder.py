@@ -5,6 +5,7 @@ import signal
 from harness import wait_for
 from pageTest import PageTest, unittest
 from protocol import PLAYER_JOINED
+from servers import servers_listed
 from spy import Spy
 
 # The numbers of the marked rows.
@@ -13,15 +14,9 @@ CHOSEN = "[...new Set(all('.grid [aria-selected=true]').map((one) => Number(one.
 
 class Finder(PageTest):
 
-    def await_listed(self, page, note):
-        """Refreshes the finder until it lists the server with this note."""
-        page.wait_for("dialog('Game Finder')")
-
-        def is_listed():
-            page.press_button("Refresh", "dialog('Game Finder')")
-            return page.see(f"by('td', '{note}')")
-        wait_for(is_listed, f"{note} in the list", pause=0.5)
-        page.wait_for(f"by('td', '{note}')")
+    def await_listed(self, server, note):
+        """Waits until the server's list has one with this note. Finders ask for it when they open and at "Refresh"."""
+        wait_for(lambda: note in servers_listed(f"127.0.0.1:{server.port}"), f"{note} in the list")
 
     def test_only_a_new_text_moves_the_caret_to_its_beginning(self):
         server, page = self.begin()
@@ -29,7 +24,7 @@ class Finder(PageTest):
         page.click_on("named('Server Address:')")
         page.press("Home", *["ArrowRight"] * 3)
         page.press_button("Get List", "dialog('Connect')")
-        page.click_on(f"by('td', '{server.port}')", times=2)
+        page.double_click_on(f"by('td', '{server.port}')")
         page.wait_for("box()", "the box about the missing name")
         page.press("Enter")
         page.wait_for("!box()")
@@ -39,17 +34,20 @@ class Finder(PageTest):
 
     def test_the_finder_leads_to_another_server(self):
         server, page = self.begin("--notes", "the first one")
+        page.fill("Player Name:", "Ann", "dialog('Connect')")
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("by('td', 'the first one')")
         other = self.start_server("--notes", "the other one", "--publish", f"http://127.0.0.1:{server.port}")
         spy = Spy(other.port)
         self.addCleanup(spy.close)
-        page.fill("Player Name:", "Ann", "dialog('Connect')")
-        page.press_button("Get List", "dialog('Connect')")
-        self.await_listed(page, "the other one")
+        self.await_listed(server, "the other one")
+        page.press_button("Refresh", "dialog('Game Finder')")
+        page.wait_for("by('td', 'the other one')")
         page.keep("finder")
         self.assertEqual(page.see(CHOSEN), [])
         self.assertTrue(page.see("((grid) => grid.scrollWidth <= grid.clientWidth)(document.querySelector('.grid'))"),
                         "a scroll bar for texts that fit")
-        page.click_on("by('td', 'the other one')", times=2)
+        page.double_click_on("by('td', 'the other one')")
         self.assertEqual(spy.await_frame(PLAYER_JOINED)[2], b"Ann")
         page.wait_for_status("Connected")
 
@@ -65,11 +63,7 @@ class Finder(PageTest):
     def test_arrow_keys_choose_a_server_but_not_the_heading(self):
         server, page = self.begin()
         self.start_server("--notes", "the other one", "--publish", f"http://127.0.0.1:{server.port}")
-        page.press_button("Get List", "dialog('Connect')")
-        self.await_listed(page, "the other one")
-        # Another finder asks for its list only once.
-        page.click_on("dialog('Game Finder').querySelector('.close')")
-        page.wait_for("!dialog('Game Finder')")
+        self.await_listed(server, "the other one")
         page.press_button("Get List", "dialog('Connect')")
         page.wait_for("by('td', 'the other one')")
         page.see("document.querySelector('.grid table').focus()")

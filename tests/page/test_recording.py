@@ -21,7 +21,7 @@ class Recording(PageTest):
         server, page = self.begin(*options)
         page.press_button("Cancel", "dialog('Connect')")
         page.choose("Record")
-        wait_for(lambda: self.is_loaded_to_record(page), "the page that records")
+        page.wait_for("by('.menubar button', 'Save recording') && dialog('Connect')", "the page that records")
         return server, page
 
     def saved(self, press):
@@ -39,12 +39,6 @@ class Recording(PageTest):
             return files[0] if files[0].stat().st_size else None
 
         return wait_for(whole, lambda: f"the recording alone among {list(folder.iterdir())}")
-
-    def is_loaded_to_record(self, page):
-        try:
-            return page.see("by('.menubar button', 'Save recording') && dialog('Connect')")
-        except RuntimeError:
-            return False  # the browser is between the two pages
 
     def verify(self, file):
         return subprocess.run([REPLAY, "--verify", file], stdin=subprocess.DEVNULL, capture_output=True, text=True)

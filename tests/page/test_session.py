@@ -86,7 +86,7 @@ class Session(PageTest):
         # The first letter moves from the game to the chat line.
         page.click_on("canvas()")
         page.type("hello")
-        self.assertEqual(page.wait_for("named('Public Chat').value"), "hello")
+        page.wait_for("named('Public Chat').value === 'hello'")
         page.press("Enter")
         self.assertEqual(spy.await_frame(CHAT), [node, b"hello"])
         page.wait_for("named('Public Chat').value === ''")

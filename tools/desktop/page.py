@@ -1,5 +1,6 @@
 """The client in a browser, and its controls by what a user sees of them."""
 
+import contextlib
 import json
 import os
 import pathlib
@@ -34,7 +35,10 @@ class Page(Tab):
                              "return seen instanceof Node ? true : seen; })()")
 
     def wait_for(self, expression, what=None):
-        return wait_for(lambda: self.see(expression), lambda: f"{what or expression}; the page says {self.texts()!r}")
+        def look():
+            with contextlib.suppress(RuntimeError):  # the browser is between two pages
+                return self.see(expression)
+        return wait_for(look, lambda: f"{what or expression}; the page says {self.texts()!r}")
 
     def texts(self):
         return self.see("document.body.innerText")
@@ -52,6 +56,15 @@ class Page(Tab):
 
     def click_on(self, element, button=LEFT, times=1):
         self.click(*self.middle(element), button=button, times=times)
+
+    def double_click_on(self, element):
+        """A busy browser takes two clicks for single ones. Then they are repeated."""
+        self.see("(() => { window.isDouble = false; addEventListener('dblclick', () => { isDouble = true; }, true); })()")
+
+        def is_double():
+            self.click_on(element, times=2)
+            return self.see("isDouble")
+        wait_for(is_double, f"a double-click on {element}")
 
     def press_button(self, caption, root="document"):
         self.click_on(f"by('button', {json.dumps(caption)}, {root})")

@@ -3,6 +3,7 @@
 import socket
 import subprocess
 import time
+import urllib.request
 
 import harness
 import wine
@@ -27,6 +28,13 @@ def is_read(connection):
 def listener():
     """A socket that listens on a free port."""
     return socket.create_server(("127.0.0.1", free_port()))
+
+
+def servers_listed(host):
+    """The list of all servers that a game finder gets from this web host, as text."""
+    query = f"version={harness.VERSION}&password=1&full=1&empty=1"
+    with urllib.request.urlopen(f"http://{host}/games/kelvora/gethosts.php?{query}", timeout=PATIENCE) as answer:
+        return answer.read().decode()
 
 
 class Server:
