@@ -59,7 +59,8 @@ class Page(Tab):
 
     def double_click_on(self, element):
         """A busy browser takes two clicks for single ones. Then they are repeated."""
-        self.see("(() => { window.isDouble = false; addEventListener('dblclick', () => { isDouble = true; }, true); })()")
+        self.see("(() => { window.isDouble = false; "
+                 "addEventListener('dblclick', () => { isDouble = true; }, true); })()")
 
         def is_double():
             self.click_on(element, times=2)
