@@ -126,11 +126,9 @@ can_install_quietly() {
 
 # build_page [arguments of the build]: builds the page for browsers, build/web/site.
 build_page() {
-  local tests=()
-  [ -f build/web/CMakeCache.txt ] || tests=(-DKELVORA_TESTS=OFF)
   # shellcheck disable=SC2086
   install_packages $web_packages
-  configure web "${tests[@]}"
+  configure web
   cmake --build --preset web --target kelvora_site "$@"
 }
 

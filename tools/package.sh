@@ -19,11 +19,8 @@ esac
 if [ "${1-}" = windows ]; then
   # shellcheck disable=SC2086
   install_packages $windows_packages
-  # A new build has no tests. One that has them keeps them.
-  tests=()
-  [ -f build/windows/CMakeCache.txt ] || tests=(-DKELVORA_TESTS=OFF)
   say "Building the programs for Windows"
-  configure windows "${tests[@]}"
+  configure windows
   cmake --build --preset windows --target kelvora kelvora-server kelvora-bots ||
     fail "The build failed; see above."
   version=$(sed -n 's/^project(kelvora VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)

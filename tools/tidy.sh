@@ -21,7 +21,7 @@ clang=$(clang_tool clang++) || exit 1
 list_linux_sources() {
   folder=build/tidy checks=-bugprone-suspicious-include
   local output
-  output=$(cmake --preset release -B "$folder" -DKELVORA_TESTS=OFF -DKELVORA_BENCH=OFF 2>&1) || { echo "$output"; exit 1; }
+  output=$(cmake --preset release -B "$folder" 2>&1) || { echo "$output"; exit 1; }
 }
 
 # Windows passes pointers as numbers. The headers are g++'s, but clang has intrinsics of its own.
