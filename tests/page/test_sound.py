@@ -1,4 +1,4 @@
-"""Sound in the browser: nothing before the first click, then effects, and music that is fetched when it is wanted."""
+"""Sound in the browser: nothing before the first click or tap, then effects, and music that is fetched when wanted."""
 
 import array
 import wave
@@ -60,6 +60,35 @@ class Sound(PageTest):
         self.assertEqual(len(effects), 9)
         self.command(page, "~playsound:4")
         self.assertEqual(page.wait_for("started.length && started"), [effects[4]])
+        self.assertEqual(page.complaints(), [])
+
+    def test_an_effect_sounds_after_the_first_tap(self):
+        page = self.open_watched("nomusic")
+        page.tap(*page.middle("by('.menubar button', 'File')"))
+        page.wait_for("speaker.state === 'running'")
+
+    def test_a_browser_without_sound_plays_on(self):
+        page = self.open_watched("nomusic", "() => { delete window.AudioContext; }")
+        line = self.log_in(page)
+        self.command(page, "~playsound:4")
+        line.ask()
+        self.assertFalse(page.see("hasEnded"))
+
+    def test_a_taken_device_is_asked_again(self):
+        page = self.open_watched("nomusic", """() => {
+          window.asked = 0;
+          Object.defineProperty(AudioContext.prototype, 'state', {get: () => 'interrupted'});
+          AudioContext.prototype.resume = () => {
+            window.asked += 1;
+            return Promise.reject(new DOMException('no device', 'InvalidStateError'));
+          };
+        }""")
+        line = self.log_in(page)
+        asked = page.see("asked")
+        page.click_on("canvas()")
+        line.ask()
+        self.assertGreater(page.see("asked"), asked)
+        self.assertFalse(page.see("hasEnded"))
         self.assertEqual(page.complaints(), [])
 
     def test_a_reload_stops_the_effects_and_forgets_them(self):

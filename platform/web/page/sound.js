@@ -1,4 +1,4 @@
-// Effects and music. A browser lets nothing sound before the first key or click.
+// Effects and music. A browser lets nothing sound before the first key, click or tap.
 let speaker = null;
 const sounds = new Map();
 const music = new Audio();
@@ -10,15 +10,16 @@ music.onended = () => { musicState = 1; };
 music.onerror = () => { if (wantsMusic) musicState = 1; };
 
 function startSpeaker() {
-  if (!speaker) {
+  if (!speaker && window.AudioContext) {
     speaker = new AudioContext();
     for (const sound of sounds.values()) loadSound(sound);
   }
-  if (speaker.state === 'suspended') speaker.resume();
+  // The device may be taken, as by a phone call. Then the next press tries again.
+  if (speaker && speaker.state !== 'running') speaker.resume().catch(() => {});
   if (wantsMusic && music.paused) startMusic();
 }
-addEventListener('pointerdown', startSpeaker, true);
-addEventListener('keydown', startSpeaker, true);
+// A finger lets sound begin only when it leaves the screen.
+for (const act of ['pointerdown', 'touchend', 'click', 'keydown']) addEventListener(act, startSpeaker, true);
 
 function loadSound(sound) {
   if (sound.isLoading || !sound.file || !speaker) return;
