@@ -67,6 +67,21 @@ class Keyboard(PageTest):
                 page.wait_for("!all('.menubar [role=menu]').length", "no open menu")
                 self.assert_focused(page, "canvas()")
 
+    def test_arrows_pass_over_disabled_items(self):
+        _, page = self.begin()
+        self.log_in(page)
+        page.see("by('.menubar button', 'File').focus()")
+        for item in ("Disconnect", "Exit"):  # Connect to server is disabled
+            page.press("ArrowDown")
+            self.assert_focused(page, f"by('.menubar button', '{item}')")
+
+    def test_tab_closes_the_menus_that_it_leaves(self):
+        page = self.begin_offline()
+        page.choose("Settings")
+        while page.see("document.activeElement.closest('.menubar')"):
+            page.press("Tab")
+        self.assertFalse(page.see("all('.menubar [role=menu]').length"))
+
     def test_typing_works_after_a_menu(self):
         _, page = self.begin()
         line = self.log_in(page)

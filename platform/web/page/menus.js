@@ -1,6 +1,5 @@
 // Menus: a bar of buttons, each with a list below it, whose items may have lists beside them. Arrow keys walk through.
 let openMenus = [];
-let focusBefore = null;  // had the focus before the menus took it
 
 function createMenu(id, parentId, isSeparator) {
   const parent = controls.get(parentId);
@@ -42,11 +41,15 @@ function menuList(parent) {
     parent.list.className = 'menubar';
     parent.list.setAttribute('role', 'menubar');
     parent.client.before(parent.list);
-    parent.list.addEventListener('focusin', ({relatedTarget}) => {
-      if (relatedTarget && !parent.list.contains(relatedTarget)) focusBefore = relatedTarget;
+    parent.list.addEventListener('focusin', ({relatedTarget}) => keepFocus(relatedTarget));
+    parent.list.addEventListener('focusout', ({relatedTarget}) => {
+      if (relatedTarget && !parent.list.contains(relatedTarget)) closeMenus();
     });
-    // Fingers leave the focus: giving it back to a text box would open the keyboard on the screen.
-    parent.list.addEventListener('pointerdown', (event) => { if (event.pointerType === 'touch') event.preventDefault(); });
+    // Not every browser gives a pressed button the focus. Fingers leave it: giving it back to a text box would open the
+    // keyboard on the screen.
+    parent.list.addEventListener('pointerdown', (event) => {
+      if (event.pointerType !== 'touch') event.target.closest('button:enabled')?.focus();
+    });
   } else {
     parent.list.setAttribute('role', 'menu');
     parent.list.hidden = true;
@@ -92,7 +95,7 @@ function closeMenus(depth = 0) {
 // Closes the menus, and gives the focus back to where it was.
 function leaveMenus() {
   closeMenus();
-  if (document.activeElement?.closest('.menubar')) focusBefore?.focus({preventScroll: true});
+  if (document.activeElement?.closest('.menubar')) mainWindow.focus?.focus({preventScroll: true});
 }
 
 document.addEventListener('pointerdown', (event) => { if (!event.target.closest('.menubar')) leaveMenus(); }, true);
@@ -100,11 +103,12 @@ document.addEventListener('pointerdown', (event) => { if (!event.target.closest(
 function walkMenu(control, event) {
   event.stopPropagation();
   const inBar = depthOf(control) === 0;
-  const step = (element) => element && element.querySelector(':scope > button').focus();
+  const canTake = (item) => item.querySelector(':scope > button:enabled');
+  const step = (item) => item && item.querySelector(':scope > button').focus();
   const neighbour = (direction) => {
-    let element = control.element[direction];
-    while (element && !element.querySelector(':scope > button:not(:disabled)')) element = element[direction];
-    return element;
+    let item = control.element[direction];
+    while (item && !canTake(item)) item = item[direction];
+    return item;
   };
   const moves = {
     [inBar ? 'ArrowRight' : 'ArrowDown']: () => step(neighbour('nextElementSibling')),
@@ -112,7 +116,7 @@ function walkMenu(control, event) {
     [inBar ? 'ArrowDown' : 'ArrowRight']: () => {
       if (!control.list) return;
       openMenu(control);
-      step(control.list.querySelector('li[role=none]'));
+      step([...control.list.children].find(canTake));
     },
     Escape: () => {
       const above = openMenus[openMenus.length - 1];

@@ -104,7 +104,7 @@ addEventListener('resize', () => {
 
 // A press on something that takes no keys leaves the focus where it is, as on a desktop.
 desk.addEventListener('mousedown', (event) => {
-  if (!event.target.closest('input, .button, .checkbox, .grid, .menubar button')) event.preventDefault();
+  if (!event.target.closest('input, .button, .checkbox, .grid')) event.preventDefault();
 });
 
 // The browser's menu opens only over texts, for cutting and pasting.
@@ -123,11 +123,11 @@ function raiseWindow(control, isFinger = false) {
   if (!isFinger && !control.element.contains(document.activeElement)) control.focus?.focus({preventScroll: true});
 }
 
-// Keeps the focused element for when its window is in front again. Focus events can't tell it: there are none while the
-// browser's own window is inactive.
-function keepFocus() {
-  const form = document.activeElement?.closest('.form');
-  if (form) controls.get(Number(form.dataset.id)).focus = document.activeElement;
+// Keeps the focused element for when its window is in front again, or its menus are left. Focus events can't tell it:
+// there are none while the browser's own window is inactive.
+function keepFocus(element = document.activeElement) {
+  const form = element?.closest('.form');
+  if (form && !element.closest('.menubar')) controls.get(Number(form.dataset.id)).focus = element;
 }
 
 function orderWindows() {
