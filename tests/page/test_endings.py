@@ -44,6 +44,9 @@ class Endings(PageTest):
     def test_a_browser_that_cannot_block_windows_is_told(self):
         self.expect_too_old("delete HTMLElement.prototype.inert")
 
+    def test_a_browser_that_cannot_measure_fonts_is_told(self):
+        self.expect_too_old("delete TextMetrics.prototype.fontBoundingBoxAscent")
+
     def test_missing_files_are_told(self):
         for name in ("style.css", "kelvora.js", "kelvora.wasm", "kelvora.data"):
             with self.subTest(name):
