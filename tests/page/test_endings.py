@@ -92,13 +92,15 @@ class Endings(PageTest):
         self.addCleanup(spy.close)
         ways = {"Kelvora has ended": lambda page: page.choose("File", "Exit"),
                 "Run-time error": lambda page: (page.click_on("canvas()"), page.press(*"~playsound", "Enter")),
-                "a mistake": lambda page: page.see("setTimeout(() => { throw new Error('a mistake'); })")}
+                "Reload it to play again": lambda page: page.see("setTimeout(showChosen)")}  # it lacks its grid
         for words, end in ways.items():
             with self.subTest(words):
                 page = self.open(server.port, arguments="")
                 page.connect()
                 node = spy.await_frame(PLAYER_JOINED)[0]
                 page.wait_for("!music.paused", "the music")
+                page.see("(() => { const wait = waitForEvents; window.turns = 0; "
+                         "waitForEvents = (...how) => { window.turns += 1; wait(...how); }; })()")
                 begin = time.monotonic()
                 end(page)
                 page.wait_for(f"{END}.includes('{words}')")
@@ -107,6 +109,24 @@ class Endings(PageTest):
                 self.assertLess(time.monotonic() - begin, 100, "the server lets a silent player go after 120 s")
                 page.click(5, 5)
                 self.assertTrue(page.see("music.paused"), "a press doesn't start it again")
+                turns = page.see("turns")
+                page.see("post('click', 0)")
+                time.sleep(0.2)
+                self.assertEqual(page.see("turns"), turns, "the program goes on")
+
+    def test_mistakes_of_other_scripts_end_nothing(self):
+        _, page = self.begin()
+        page.see("setTimeout(() => { throw new Error('not the game\\'s'); })")
+        page.see("void Promise.reject(new Error('not the game\\'s'))")
+        page.see("void Promise.reject()")
+        line = self.log_in(page)
+        line.ask()
+        self.assertFalse(page.see("hasEnded"))
+
+    def test_a_rejected_promise_of_the_page_ends_the_game(self):
+        _, page = self.begin()
+        page.see("void Promise.resolve().then(showChosen)")
+        page.wait_for(f"{END}.includes(\"The page can't go on\")")
 
 
 class OldBrowsers(PageTest):

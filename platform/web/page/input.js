@@ -68,7 +68,8 @@ function listenToKeys(control) {
   });
 }
 
-const letterOf = (event) => [...event.key].length === 1 ? event.key : '';
+// Password managers send keydown events without a key.
+const letterOf = ({key = ''}) => [...key].length === 1 ? key : '';
 const isKey = (event) => event.kind === 'keyDown' || event.kind === 'keyPress';
 const isEnter = (event) => event.kind === 'keyPress' && event.numbers[0] === 13;
 

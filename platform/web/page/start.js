@@ -14,8 +14,11 @@ function endGame() {
   stopMusic();
   for (const id of sounds.keys()) stopSound(id);
 }
-addEventListener('error', (event) => showStop(event.message));
-addEventListener('unhandledrejection', (event) => showStop(event.reason));
+
+// Extensions, and browsers inside other apps, run scripts of their own in pages. Their mistakes are none of the game's.
+const isOwn = (place) => /\/kelvora\.(js|wasm)/.test(place);
+addEventListener('error', (event) => { if (isOwn(event.filename)) showStop(event.message); });
+addEventListener('unhandledrejection', ({reason}) => { if (isOwn(reason?.stack)) showStop(reason); });
 
 var Module = {
   noInitialRun: true,
