@@ -136,14 +136,15 @@ class Keyboard(PageTest):
     def test_tab_goes_round_in_a_dialog(self):
         _, page = self.begin()
         page.fill("Player Name:", "Ann", CONNECT)
-        for keys, wanted in ((["Tab"] * 6, "by('button', 'Cancel')"), (["Tab"], NAME),
-                             (["Shift+Tab"], "by('button', 'Cancel')"), (["Shift+Tab"], "by('button', 'Get List')")):
+        close = f"{CONNECT}.querySelector('.close')"
+        for keys, wanted in ((["Tab"] * 6, "by('button', 'Cancel')"), (["Tab"], close), (["Tab"], NAME),
+                             (["Shift+Tab"], close), (["Shift+Tab"] * 2, "by('button', 'Get List')")):
             page.press(*keys)
             self.assert_focused(page, wanted)
-        page.press("Tab", "Tab")
+        page.press("Tab", "Tab", "Tab")
         self.assertEqual(page.see(f"[{NAME}.selectionStart, {NAME}.selectionEnd]"), [0, 3])
 
-    def test_tab_reaches_the_list_in_its_order(self):
+    def test_keys_reach_the_list_in_its_order_and_close_it(self):
         _, page = self.begin()
         page.press_button("Get List", CONNECT)
         page.wait_for(f"{FINDER} && document.activeElement.closest('.form') === {FINDER}")
@@ -152,6 +153,28 @@ class Keyboard(PageTest):
             self.assertEqual(page.see("document.activeElement.tagName"), wanted)
         self.assert_focused(page, "by('button', 'Refresh')")
 
+        page.press("Shift+Tab", "Enter")
+        page.wait_for(f"!{FINDER}")
+
+    def test_a_letter_may_be_composed_of_unknown_ones(self):
+        _, page = self.begin()
+        told = f"{NAME}.dispatchEvent(new InputEvent('input', {{isComposing: true}}))"
+        page.see(f"(() => {{ {NAME}.value = '\u02c7'; {told}; }})()")
+        self.assertEqual(page.see(f"{NAME}.value"), "\u02c7", "the composition has ended")
+        page.see(f"(() => {{ {NAME}.value = '\u0161\u02c7'; "
+                 f"{NAME}.dispatchEvent(new CompositionEvent('compositionend')); }})()")
+        self.assertEqual(page.see(f"{NAME}.value"), "\u0161")
+
+    def test_keys_of_input_methods_and_password_managers_mean_nothing(self):
+        _, page = self.begin()
+        page.note_events()
+        keys = "noted.map(([kind]) => kind).filter((kind) => kind.startsWith('key'))"
+        # The Enter that Safari sends behind a composition, and an event without a key.
+        page.see(f"{NAME}.dispatchEvent(new KeyboardEvent('keydown', {{key: 'Enter', keyCode: 229}}))")
+        self.assertEqual(page.see(keys), [])
+        page.see(f"{NAME}.dispatchEvent(new Event('keydown'))")
+        self.assertFalse(page.see("hasEnded"))
+        self.assertEqual(page.see(keys), ["keyDown"])
     def test_a_pasted_text_becomes_a_line_of_the_game(self):
         _, page = self.begin()
         page.see("named('Server Address:').select()")

@@ -98,16 +98,17 @@ function typeMoved(event) {
   pendingEvents.splice(1, 0, edited);
 }
 
-// Tab goes round in a dialog, and doesn't leave it for the windows behind it.
+// Tab goes round in a dialog and its title bar, and doesn't leave it for the windows behind it. Some browsers would pass
+// over buttons.
 document.addEventListener('keydown', (event) => {
   const form = event.key === 'Tab' && event.target.closest('.form:not(.main)');
   if (!form) return;
-  const order = tabOrder(controls.get(Number(form.dataset.id)));
-  const [begin, end] = event.shiftKey ? [order.at(-1), order[0]] : [order[0], order.at(-1)];
-  if (event.target !== end) return;
+  const control = controls.get(Number(form.dataset.id));
+  const order = [...tabOrder(control), control.bar.querySelector('.close')];
+  const next = order.at((order.indexOf(event.target) + (event.shiftKey ? -1 : 1)) % order.length);
   event.preventDefault();
-  begin.focus();
-  begin.select?.();
+  next.focus();
+  next.select?.();
 });
 
 // Keys in a window whose focus has no use for them: Enter and Esc answer its buttons. The browser gets none of the
