@@ -238,3 +238,8 @@ class Fingers(PageTest):
 
 if __name__ == "__main__":
     unittest.main()
+    def test_keyboards_on_the_screen_leave_texts_as_they_are(self):
+        _, page = self.begin()
+        self.assertEqual(page.see("[...new Set(all('.textbox').map((box) => "
+                                  "[box.autocapitalize, box.getAttribute('autocorrect')].join()))]"), ["none,off"])
+

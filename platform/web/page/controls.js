@@ -32,7 +32,9 @@ const makers = {
     control.element.type = 'text';
     control.element.autocomplete = 'off';
     control.element.spellcheck = false;
-    control.element.addEventListener('input', () => {
+    control.element.autocapitalize = 'none';  // for passwords
+    control.element.setAttribute('autocorrect', 'off');
+    const read = (event) => {
       const input = control.element;
       const bytes = lineBytes(input.value);
       const clean = toText(bytes);
