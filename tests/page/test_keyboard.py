@@ -181,6 +181,11 @@ class Keyboard(PageTest):
         self.insert(page, "\t192.0.2.7\t2010\t")
         self.assertEqual(page.see("named('Server Address:').value"), "192.0.2.7 2010")
         # Letters with their accents apart.
+        # The tab at its end stands in mid-line, and is a blank with the caret behind it.
+        page.press("Home")
+        self.insert(page, "at\t")
+        self.assertEqual(page.see("((box) => [box.value, box.selectionStart])(named('Server Address:'))"),
+                         ["at 192.0.2.7 2010", 3])
         page.see(f"{NAME}.focus()")
         self.insert(page, "Zoe\u0308 Rene\u0301")
         self.assertEqual(page.see(f"[{NAME}.value, {NAME}.selectionStart]"), ["Zo\u00eb Ren\u00e9", 8])

@@ -37,14 +37,17 @@ const makers = {
     const read = (event) => {
       const input = control.element;
       const bytes = lineBytes(input.value);
+      const caret = bytes.length - toBytes(input.value.slice(input.selectionStart)).length;
       const clean = toText(bytes);
-      if (clean !== input.value) {
-        const caret = lineBytes(input.value.slice(0, input.selectionStart)).length;
+      // A new value would end the composition of a letter.
+      if (clean !== input.value && !event.isComposing) {
         input.value = clean;
         input.setSelectionRange(caret, caret);
       }
-      post('edited', control.id, [input.selectionStart], bytes);
-    });
+      post('edited', control.id, [caret], bytes);
+    };
+    control.element.addEventListener('input', read);
+    control.element.addEventListener('compositionend', read);
     listenToKeys(control);
   },
   Button: (control) => {

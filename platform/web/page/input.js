@@ -51,7 +51,8 @@ const isFunctionKey = (event) => /^F([1-9]|10)$/.test(event.key);
 
 function listenToKeys(control) {
   control.face.addEventListener('keydown', (event) => {
-    if (event.isComposing) return;
+    // Safari ends the composition before the Enter that confirms it.
+    if (event.isComposing || event.keyCode === 229) return;
     const isAnswer = event.key === 'Enter' || event.key === 'Escape';
     const controlKeys = {Enter: 13, Escape: 27, Backspace: 8};
     const letters = event.altKey || event.metaKey || event.ctrlKey ? [] : toBytes(letterOf(event));
