@@ -60,6 +60,19 @@ class Session(PageTest):
         begin, end = line.report(), line.report()
         self.assertGreater(end[0], begin[0], "the brakes are on")
 
+    def test_ctrl_and_a_click_release_the_brakes_on_a_mac(self):
+        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration="() => { "
+                                        "Object.defineProperty(navigator, 'platform', {get: () => 'MacIntel'}); }")
+        self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
+        _, page = self.begin()
+        line = self.log_in(page)
+        width, height = page.canvas_size()
+        page.mouse_to(width / 2 + 150, height / 2)
+        page.act({"type": "key", "id": "keys", "actions": [{"type": "keyDown", "value": page.keys["Control"]}]})
+        page.mouse({"type": "pointerDown", "button": LEFT}, {"type": "pointerUp", "button": LEFT})
+        begin, end = line.report(), line.report()
+        self.assertGreater(end[0], begin[0], "the brakes are on")
+
     def test_any_link_starts_the_game(self):
         server = self.start_server()
         for arguments in ("100%", "x" * 2000 + "&nosound"):

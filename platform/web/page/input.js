@@ -1,5 +1,8 @@
 // Turns mouse and key events into the program's. Buttons: 1 left, 2 right, 4 middle. Shift: 1 Shift, 2 Ctrl, 4 Alt.
 const buttonBits = [1, 4, 2];
+// On a Mac, Ctrl makes the button the right one.
+const isMac = navigator.platform.startsWith('Mac');
+const buttonBit = (event) => isMac && event.ctrlKey && event.button === 0 ? 2 : buttonBits[event.button] || 0;
 const shiftBits = (event) => (event.shiftKey ? 1 : 0) + (event.ctrlKey ? 2 : 0) + (event.altKey ? 4 : 0);
 
 // A mouse event's numbers: button, Shift, x and y in pixels of the control, 1 for inside.
@@ -29,7 +32,7 @@ function listenToMouse(control) {
     }
     if (event.pointerType === 'touch') showTouchButtons(control);
     if (event.pointerType === 'touch' && control.isView) return fingerDown(control, event);
-    tell('mouseDown', event, buttonBits[event.button] || 0);
+    tell('mouseDown', event, buttonBit(event));
   });
   element.addEventListener('pointermove', (event) => {
     if (fingers.has(event.pointerId) && event.pointerId !== steeringFinger()) return;
@@ -40,7 +43,7 @@ function listenToMouse(control) {
     tell('mouseMove', event, fingers.has(event.pointerId) ? 0 : event.buttons & 7);
   });
   element.addEventListener('pointerup', (event) => {
-    if (!fingers.has(event.pointerId) && isOwn(event)) tell('mouseUp', event, buttonBits[event.button] || 0);
+    if (!fingers.has(event.pointerId) && isOwn(event)) tell('mouseUp', event, buttonBit(event));
     fingerUp(control, event);
   });
   element.addEventListener('pointercancel', (event) => fingerUp(control, event));
