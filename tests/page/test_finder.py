@@ -70,6 +70,9 @@ class Finder(PageTest):
         for key, row in (("ArrowDown", 2), ("ArrowUp", 1)):
             page.press(key)
             page.wait_for(f"{CHOSEN}.join() === '{row}'")
+            # Screen readers read the chosen cell.
+            self.assertEqual(page.see("document.getElementById(document.querySelector('.grid table')"
+                                      ".getAttribute('aria-activedescendant')).dataset.row"), str(row))
         page.note_events()
         page.press("ArrowUp")
         self.assertEqual(page.see("noted.filter(([kind]) => kind === 'cellChosen')"), [])

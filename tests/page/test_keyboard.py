@@ -151,8 +151,8 @@ class Keyboard(PageTest):
         for wanted in ("INPUT", "INPUT", "INPUT", "TABLE", "BUTTON"):
             page.press("Tab")
             self.assertEqual(page.see("document.activeElement.tagName"), wanted)
+        page.press("Tab")
         self.assert_focused(page, "by('button', 'Refresh')")
-
         page.press("Shift+Tab", "Enter")
         page.wait_for(f"!{FINDER}")
 
@@ -175,17 +175,18 @@ class Keyboard(PageTest):
         page.see(f"{NAME}.dispatchEvent(new Event('keydown'))")
         self.assertFalse(page.see("hasEnded"))
         self.assertEqual(page.see(keys), ["keyDown"])
+
     def test_a_pasted_text_becomes_a_line_of_the_game(self):
         _, page = self.begin()
         page.see("named('Server Address:').select()")
         self.insert(page, "\t192.0.2.7\t2010\t")
         self.assertEqual(page.see("named('Server Address:').value"), "192.0.2.7 2010")
-        # Letters with their accents apart.
         # The tab at its end stands in mid-line, and is a blank with the caret behind it.
         page.press("Home")
         self.insert(page, "at\t")
         self.assertEqual(page.see("((box) => [box.value, box.selectionStart])(named('Server Address:'))"),
                          ["at 192.0.2.7 2010", 3])
+        # Letters with their accents apart.
         page.see(f"{NAME}.focus()")
         self.insert(page, "Zoe\u0308 Rene\u0301")
         self.assertEqual(page.see(f"[{NAME}.value, {NAME}.selectionStart]"), ["Zo\u00eb Ren\u00e9", 8])

@@ -103,6 +103,20 @@ class Screens(PageTest):
         page.press("Enter")
         page.wait_for("all('.form h2').some((title) => words(title) === 'Powerups')", "the store")
 
+    def test_screen_readers_know_windows_by_their_titles(self):
+        _, page = self.begin()
+        known = "all('.form:not(.main), dialog').map((one) => [one.getAttribute('role'), one.ariaModal === 'true', " \
+                "document.getElementById(one.getAttribute('aria-labelledby')).textContent])"
+        self.assertEqual(page.see(known), [["dialog", False, "Connect"]])
+        page.press_button("Connect", "dialog('Connect')")
+        page.wait_for("box()")
+        self.assertEqual(page.see(f"{known}[1]"), ["alertdialog", False, page.see("words(box().querySelector('p'))")])
+        page.press("Enter")
+        page.wait_for("!box()")
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("dialog('Game Finder')")
+        self.assertEqual(page.see(f"{known}[1]"), ["dialog", True, "Game Finder"])
+
     def test_a_click_hits_the_same_place_in_a_small_page(self):
         _, page = self.begin(size=(450, 700))
         line = self.log_in(page)
@@ -229,6 +243,11 @@ class Fingers(PageTest):
         page.wait_for("by('.menubar button', 'Exit')")
         self.assertTrue(page.see("document.activeElement === canvas()"))
 
+    def test_keyboards_on_the_screen_leave_texts_as_they_are(self):
+        _, page = self.begin()
+        self.assertEqual(page.see("[...new Set(all('.textbox').map((box) => "
+                                  "[box.autocapitalize, box.getAttribute('autocorrect')].join()))]"), ["none,off"])
+
     def test_the_chat_line_takes_the_keyboard(self):
         _, page = self.begin()
         self.log_in(page)
@@ -238,8 +257,3 @@ class Fingers(PageTest):
 
 if __name__ == "__main__":
     unittest.main()
-    def test_keyboards_on_the_screen_leave_texts_as_they_are(self):
-        _, page = self.begin()
-        self.assertEqual(page.see("[...new Set(all('.textbox').map((box) => "
-                                  "[box.autocapitalize, box.getAttribute('autocorrect')].join()))]"), ["none,off"])
-

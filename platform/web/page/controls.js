@@ -130,7 +130,12 @@ const ownProperties = {
         if (event.key === 'Enter' || event.key === ' ') for (const kind of ['mouseDown', 'mouseUp']) post(kind, control.id, [1, 0, 0, 0, 1]);
       });
     },
-    View: (control) => { control.isView = true; control.face.tabIndex = 0; },
+    View: (control) => {
+      control.isView = true;
+      control.face.tabIndex = 0;
+      control.face.setAttribute('role', 'application');  // screen readers leave it all keys
+      control.face.setAttribute('aria-label', 'Game');
+    },
     FrontWidth: (control, value) => { control.frontWidth = value; fitFront(control); },
     FrontHeight: (control, value) => { control.frontHeight = value; fitFront(control); },
   },

@@ -46,6 +46,9 @@ function showChosen(control) {
   for (const cell of control.table.querySelectorAll('td')) {
     const isChosen = Number(cell.dataset.row) === control.row;
     cell.setAttribute('aria-selected', isChosen);
-    if (isChosen && Number(cell.dataset.column) === control.column) cell.scrollIntoView({block: 'nearest'});
+    if (!isChosen || Number(cell.dataset.column) !== control.column) continue;
+    cell.scrollIntoView({block: 'nearest'});
+    cell.id = `cell${control.id}-${control.row}-${control.column}`;
+    control.table.setAttribute('aria-activedescendant', cell.id);
   }
 }

@@ -45,6 +45,8 @@ function makeWindow(control) {
   control.client = document.createElement('div');
   control.client.className = 'client';
   element.append(control.bar, control.client);
+  control.words.id = `title${id}`;
+  element.setAttribute('aria-labelledby', control.words.id);
   element.addEventListener('pointerdown', (event) => raiseWindow(control, event.pointerType === 'touch'));
   dragByBar(control);
   control.removed = () => leaveDesk(control);
@@ -161,6 +163,7 @@ function showWindow(control) {
   if (control === mainWindow) {
     fillPage(control);
   } else {
+    control.element.setAttribute('role', 'dialog');
     fitDialog(control);
     placeFirst(control);
   }
@@ -194,7 +197,10 @@ const windowProperties = {
   Height: (control, value) => { control.client.style.height = value + 'px'; },
   BackColor: (control, value) => { control.client.style.backgroundColor = colourText(value); },
   SystemColours: (control) => { control.element.classList.add('dialog'); },
-  Modal: (control, value) => { control.isModal = value !== 0; },
+  Modal: (control, value) => {
+    control.isModal = value !== 0;
+    control.element.setAttribute('aria-modal', control.isModal);
+  },
   Visible: (control, value) => {
     if (value) return shownWindows.includes(control) ? raiseWindow(control) : showWindow(control);
     control.element.hidden = true;
@@ -208,6 +214,9 @@ function showBox(id, text) {
   box.tabIndex = -1;  // a click beside the button leaves the focus in the box
   const words = document.createElement('p');
   words.textContent = text;
+  words.id = `box${id}`;
+  box.setAttribute('role', 'alertdialog');
+  box.setAttribute('aria-labelledby', words.id);
   const ok = document.createElement('button');
   ok.type = 'button';
   ok.className = 'button default';
