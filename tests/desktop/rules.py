@@ -68,9 +68,9 @@ def step(position, v):
 
 def is_flight(before, after, v):
     """True if these can be successive reports, four frames apart. A frame counts for more than one while painting takes
-    longer than 10 ms on average, as on a busy machine. This time scale has tenths and changes slowly."""
+    longer than 10 ms on average, as on a busy machine. This time scale has tenths."""
     for early in range(10, 60):
-        for late in range(max(10, early - 20), early + 20):
+        for late in range(10, 60):
             for change in range(4):
                 position = before
                 for frame in range(4):
