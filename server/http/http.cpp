@@ -123,6 +123,7 @@ HttpReader::Result HttpReader::read(std::string_view bytes) {
       .authorization = text(head[http::field::authorization]),
       .forwardedFor = lastLine(head, "X-Forwarded-For"),
       .ifNoneMatch = allLines(head, http::field::if_none_match),
+      .range = head.count(http::field::if_range) > 0 ? std::string() : text(head[http::field::range]),
       .acceptsGzip = takesGzip(head[http::field::accept_encoding]),
       // Bodies aren't read, so a connection with one can't be kept.
       .keepsAlive = parser.keep_alive() && !parser.chunked() && parser.content_length().value_or(0) == 0,

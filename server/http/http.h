@@ -18,6 +18,7 @@ struct HttpRequest {
   std::string authorization{};
   std::string forwardedFor{};
   std::string ifNoneMatch{};
+  std::string range{};  ///< empty if it depends on an If-Range, as clients must accept the whole file
   bool acceptsGzip = false;
   bool keepsAlive = false;
   bool isUpgrade = false;    ///< a correct one to WebSocket

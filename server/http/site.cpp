@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/wholeNumber.h"
 #include "server/system/process.h"
 
 namespace kelvora::server {
@@ -95,6 +96,23 @@ bool names(std::string_view condition, std::string_view tag) {
   return false;
 }
 
+struct Part {
+  std::size_t first = 0;
+  std::size_t size = 0;
+};
+
+/// The part of a file that "bytes=FIRST-LAST" or "bytes=FIRST-" names. The whole file may answer any other range.
+std::optional<Part> partOf(std::size_t fileSize, std::string_view range) {
+  constexpr std::string_view unit = "bytes=";
+  const std::size_t dash = range.find('-');
+  if (!range.starts_with(unit) || dash == std::string_view::npos) return std::nullopt;
+  const auto first = wholeNumber<std::size_t>(range.substr(unit.size(), dash - unit.size()));
+  const std::string_view end = range.substr(dash + 1);
+  const auto last = end.empty() ? std::optional(fileSize) : wholeNumber<std::size_t>(end);
+  if (!first || !last || *first > *last || *first >= fileSize) return std::nullopt;
+  return Part{.first = *first, .size = std::min(*last, fileSize - 1) - *first + 1};
+}
+
 }  // namespace
 
 Site::Site(fs::path folder) : folder_(std::move(folder)) {
@@ -139,9 +157,17 @@ std::optional<HttpAnswer> Site::answer(const HttpRequest& request, std::string_v
     answer.status = 304;
     return answer;
   }
-  if (isCompressed) answer.headers.emplace_back("Content-Encoding: gzip");
+  answer.headers.emplace_back(isCompressed ? "Content-Encoding: gzip" : "Accept-Ranges: bytes");
   answer.moreSize = copy->size;
-  answer.more = contents(std::move(copy->stream), copy->size);
+  const bool mayBePart = request.method == "GET" && !isCompressed;
+  if (const auto part = mayBePart ? partOf(copy->size, request.range) : std::nullopt) {
+    answer.status = 206;
+    answer.moreSize = part->size;
+    answer.headers.push_back("Content-Range: bytes " + std::to_string(part->first) + "-" +
+                             std::to_string(part->first + part->size - 1) + "/" + std::to_string(copy->size));
+    copy->stream->seekg(static_cast<std::streamoff>(part->first));
+  }
+  answer.more = contents(std::move(copy->stream), answer.moreSize);
   return answer;
 }
 

@@ -91,7 +91,7 @@ class OddRequests(Site):
                 (b"GET http://a.example HTTP/1.0\r\n\r\n", page),
                 (b"GET / HTTP/1.1\r\nhost:h\r\nconnection:CLOSE\r\n\r\n", page),
                 (b"GET / HTTP/1.1\r\nHost: h\r\nExpect: 100-continue\r\nConnection: close\r\n\r\n", page),
-                (b"GET / HTTP/1.1\r\nHost: h\r\nRange: bytes=0-2\r\nConnection: close\r\n\r\n", page),
+                (b"GET / HTTP/1.1\r\nHost: h\r\nRange: bytes=0-2,5-9\r\nConnection: close\r\n\r\n", page),
                 (b"HEAD / HTTP/1.0\r\n\r\n", b"\r\n\r\n"),
                 (b"GET / HTTP/1.1\r\nHost: h\r\n\r\n" * 5 + f"GET {UPDATE} HTTP/1.0\r\n\r\n".encode(), update),
                 (b"GET /?a=b#c HTTP/1.0\r\n\r\n", page)), 2):

@@ -106,6 +106,11 @@ TEST(HttpReader, ManyConditionsAreOneList) {
       "\"a\", \"b\", W/\"c\"");
 }
 
+TEST(HttpReader, AConditionalRangeIsTheWholeFile) {
+  EXPECT_EQ(request("GET / HTTP/1.1\r\nRange: bytes=0-1\r\n\r\n").range, "bytes=0-1");
+  EXPECT_EQ(request("GET / HTTP/1.1\r\nRange: bytes=0-1\r\nIf-Range: \"a\"\r\n\r\n").range, "");
+}
+
 TEST(HttpReader, TheLastForwardingLineIsTheProxys) {
   EXPECT_EQ(request("GET / HTTP/1.1\r\nX-Forwarded-For: 192.0.2.1\r\nHost: h\r\nx-forwarded-for: 192.0.2.2\r\n\r\n")
                 .forwardedFor,

@@ -81,6 +81,31 @@ TEST_F(SiteTest, AConditionMayListTagsWeakOrNotOrNameAnyCopy) {
   }
 }
 
+TEST_F(SiteTest, PlayersOfMediaGetParts) {
+  write("site/song.mp3", "abcde");
+  write("site/empty.mp3", "");
+  const Site site(folder);
+  EXPECT_EQ(header(ask(site, "/song.mp3"), "Accept-Ranges"), "bytes");
+  const auto answerTo = [&](const char* range, HttpRequest request = get("/song.mp3")) {
+    request.range = range;
+    const HttpAnswer answer = ask(site, request);
+    return std::to_string(answer.status) + " " + header(answer, "Content-Range") + " " + bodyOf(answer);
+  };
+  EXPECT_EQ(answerTo("bytes=0-1"), "206 bytes 0-1/5 ab");
+  EXPECT_EQ(answerTo("bytes=1-1"), "206 bytes 1-1/5 b");
+  EXPECT_EQ(answerTo("bytes=3-"), "206 bytes 3-4/5 de");
+  EXPECT_EQ(answerTo("bytes=4-99"), "206 bytes 4-4/5 e");
+  for (const char* other : {"", "bytes", "bytes=", "bytes=-", "bytes=-2", "bytes=5-", "bytes=2-1", "bytes=0-1,3-4",
+                            "bytes=a-1", "bytes=0-b", "bytes=+1-2", "bytes=0-99999999999999999999", "lines=0-1"}) {
+    EXPECT_EQ(answerTo(other), "200  abcde") << other;
+  }
+  EXPECT_EQ(answerTo("bytes=0-", get("/empty.mp3")), "200  ");
+  HttpRequest compressed = get("/js/game.wasm");
+  compressed.acceptsGzip = true;
+  EXPECT_EQ(answerTo("bytes=0-1", compressed), "200  zzz");
+  EXPECT_EQ(answerTo("bytes=0-1", {.method = "HEAD", .target = "/song.mp3"}), "200  abcde");
+}
+
 TEST_F(SiteTest, ShrunkFileIsPadded) {
   const HttpAnswer answer = ask(Site(folder), "/js/game.wasm");
   write("site/js/game.wasm", "new");
