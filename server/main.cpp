@@ -152,6 +152,7 @@ int main(int argc, char** argv) {
     }
   }
   ignoreFatalSignals();
+  ignoreConsoleClicks();
   try {
     serve(std::move(options));
     return 0;

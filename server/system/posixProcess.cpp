@@ -42,6 +42,9 @@ void ignoreFatalSignals() {
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
+// The system has no such consoles.
+void ignoreConsoleClicks() {}
+
 std::vector<int> stopSignals(bool withTerminal) {
   std::vector<int> signals{SIGINT, SIGTERM};
   // nohup ignores it.

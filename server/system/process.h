@@ -29,6 +29,9 @@ std::size_t provideDescriptors(std::size_t wanted);
 /// Ignores the signals of failed writes, so that the failing call returns an error: the game continues if nobody reads
 /// the log any more, or if it may not grow.
 void ignoreFatalSignals();
+/// Keeps clicks into a console of Windows from selecting text until the program ends. A program that prints there while
+/// text is selected would stand still.
+void ignoreConsoleClicks();
 /// The signals that ask the server to stop. Windows sends events instead, which become such signals after this call.
 /// `withTerminal` adds the one of a terminal that is closed, unless it is ignored.
 std::vector<int> stopSignals(bool withTerminal);

@@ -21,6 +21,26 @@ BOOL WINAPI takeConsoleEvent(DWORD event) {
   return TRUE;
 }
 
+/// Lets clicks into the console select no text. The mode is the console's, so the old one returns with the end of this.
+class NoSelecting {
+ public:
+  NoSelecting() {
+    // Fails without a console.
+    if (GetConsoleMode(input_, &before_) == 0) return;
+    isChanged_ = SetConsoleMode(input_, (before_ & ~DWORD{ENABLE_QUICK_EDIT_MODE}) | ENABLE_EXTENDED_FLAGS) != 0;
+  }
+  ~NoSelecting() {
+    if (isChanged_) SetConsoleMode(input_, before_ | ENABLE_EXTENDED_FLAGS);
+  }
+  NoSelecting(const NoSelecting&) = delete;
+  NoSelecting& operator=(const NoSelecting&) = delete;
+
+ private:
+  const HANDLE input_ = GetStdHandle(STD_INPUT_HANDLE);
+  DWORD before_ = 0;
+  bool isChanged_ = false;
+};
+
 }  // namespace
 
 std::vector<std::string> commandLine(int, char**) {
@@ -64,6 +84,8 @@ std::size_t provideDescriptors(std::size_t wanted) { return wanted; }
 
 // The system has no such signals.
 void ignoreFatalSignals() {}
+
+void ignoreConsoleClicks() { static const NoSelecting untilTheEnd; }
 
 std::vector<int> stopSignals(bool) {
   SetConsoleCtrlHandler(&takeConsoleEvent, TRUE);

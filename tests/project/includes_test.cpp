@@ -152,7 +152,8 @@ TEST(Includes, OnlyPlatformSoundIncludesItsLibraries) {
 
 TEST(Includes, OnlyTheRoomsOfWindowsIncludeItsHeaders) {
   expectOnlyIn(
-      {"app/windows", "bench/windows", "platform/sockets", "platform/win32", "server/system", "tests/platform/sockets"},
+      {"app/windows", "bench/windows", "platform/sockets", "platform/win32", "server/system", "tests/platform/sockets",
+       "tests/server/system/console"},
       R"re([<"]((?:windows|windowsx|winsock2|ws2tcpip|commctrl|mmsystem|shellapi|dwmapi|uxtheme|winhttp)\.h)[>"])re");
 }
 

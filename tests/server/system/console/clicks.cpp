@@ -1,0 +1,31 @@
+// Ends with 0 if the server's console lets clicks select no text while the server runs, and does so again afterwards.
+// Needs a console.
+
+#include <windows.h>
+
+#include <cstdlib>
+
+#include "server/system/process.h"
+
+namespace {
+
+DWORD mode() {
+  DWORD value = 0;
+  if (GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &value) == 0) std::_Exit(2);
+  return value;
+}
+
+DWORD before = 0;
+
+}  // namespace
+
+int main() {
+  SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode() | ENABLE_QUICK_EDIT_MODE | ENABLE_EXTENDED_FLAGS);
+  before = mode();
+  if ((before & ENABLE_QUICK_EDIT_MODE) == 0) return 3;
+  std::atexit([] {
+    if (mode() != before) std::_Exit(5);
+  });
+  kelvora::server::ignoreConsoleClicks();
+  return mode() == (before & ~DWORD{ENABLE_QUICK_EDIT_MODE}) ? 0 : 4;
+}
