@@ -19,10 +19,14 @@ Colour lighter(Colour colour) {
 /// A button that the game paints, so that it is as dark as the form.
 class PushPeer : public NativePeer {
  public:
-  PushPeer(Control& control, FormPeer& form) : NativePeer(control, form, WC_BUTTONW, BS_OWNERDRAW, FontSpec{}) {}
+  PushPeer(Control& control, const Property<std::string>& caption, FormPeer& form)
+      : NativePeer(control, form, WC_BUTTONW, BS_OWNERDRAW, FontSpec{}), caption_(caption) {
+    nameWindow();
+  }
 
   void changed(PropertyId id) override {
     NativePeer::changed(id);
+    if (id == PropertyId::Caption) nameWindow();
     InvalidateRect(window(), nullptr, FALSE);
   }
 
@@ -38,6 +42,7 @@ class PushPeer : public NativePeer {
 
  protected:
   virtual void paintFace(const Painter& painter, const Box& place, UINT state) = 0;
+  std::wstring caption() const { return toWide(caption_.get()); }
 
   bool handle(UINT message, WPARAM, LPARAM, LRESULT&) override {
     const auto mouse = mouseReport(message);
@@ -47,11 +52,17 @@ class PushPeer : public NativePeer {
     if (message == WM_SETFOCUS || message == WM_KILLFOCUS) InvalidateRect(window(), nullptr, FALSE);
     return false;
   }
+
+ private:
+  /// Screen readers say the window's text, which isn't in sight.
+  void nameWindow() const { SetWindowTextW(window(), caption().c_str()); }
+
+  const Property<std::string>& caption_;
 };
 
 class ButtonPeer : public PushPeer {
  public:
-  ButtonPeer(Button& button, FormPeer& form) : PushPeer(button, form), button_(button) {}
+  ButtonPeer(Button& button, FormPeer& form) : PushPeer(button, button.Caption, form), button_(button) {}
 
  protected:
   void paintFace(const Painter& painter, const Box& place, UINT state) override {
@@ -61,7 +72,7 @@ class ButtonPeer : public PushPeer {
     const bool isDefault = button_.role == Button::Role::Default;
     painter.fill(place, isPressed ? looks.ground : isDefault ? lighter(looks.raised) : looks.raised);
     painter.border(place, isFocused ? looks.chosen : looks.line);
-    painter.text(place, toWide(button_.Caption.get()), FontSpec{}, looks.text, centred);
+    painter.text(place, caption(), FontSpec{}, looks.text, centred);
   }
 
   bool handle(UINT message, WPARAM first, LPARAM second, LRESULT& result) override {
@@ -76,7 +87,7 @@ class ButtonPeer : public PushPeer {
 
 class CheckBoxPeer : public PushPeer {
  public:
-  CheckBoxPeer(CheckBox& box, FormPeer& form) : PushPeer(box, form), box_(box) {}
+  CheckBoxPeer(CheckBox& box, FormPeer& form) : PushPeer(box, box.Caption, form), box_(box) {}
 
   void take(const Input& input) override {
     if (input.kind == InputKind::Click) {
@@ -97,8 +108,8 @@ class CheckBoxPeer : public PushPeer {
     painter.border(square, (state & ODS_FOCUS) != 0 ? looks.chosen : looks.line);
     constexpr int inset = 3;
     if (box_.Value != 0) painter.tick({inset, square.top + inset, side - 2 * inset, side - 2 * inset}, looks.text);
-    painter.text({side + gap, 0, place.width - side - gap, place.height}, toWide(box_.Caption.get()), FontSpec{},
-                 looks.text, DT_LEFT | DT_VCENTER);
+    painter.text({side + gap, 0, place.width - side - gap, place.height}, caption(), FontSpec{}, looks.text,
+                 DT_LEFT | DT_VCENTER);
   }
 
  private:

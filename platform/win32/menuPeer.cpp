@@ -1,10 +1,13 @@
 #include <cmath>
+#include <string>
 
 #include "platform/desktop/handlerCall.h"
 #include "platform/menuItem.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/wideText.h"
+// After the above.
+#include <oleacc.h>
 
 namespace kelvora {
 
@@ -17,6 +20,12 @@ constexpr const wchar_t* separator = L"-";
 
 class MenuPeer : public Peer, public InputTarget {
  public:
+  /// What an item's data points to.
+  struct Data {
+    MSAAMENUINFO name;  ///< where screen readers look for it
+    int id;
+  };
+
   MenuPeer(MenuItem& item, FormPeer& form, HMENU menu, HMENU submenu)
       : item_(item), form_(form), menu_(menu), submenu_(submenu) {
     MENUITEMINFOW info = state();
@@ -24,11 +33,23 @@ class MenuPeer : public Peer, public InputTarget {
     info.fType = MFT_OWNERDRAW | (caption() == separator ? MFT_SEPARATOR : 0U);
     info.wID = static_cast<UINT>(id());
     info.hSubMenu = submenu;
-    info.dwItemData = static_cast<ULONG_PTR>(id());
+    info.dwItemData = reinterpret_cast<ULONG_PTR>(&data_);
+    renewName();
     InsertMenuItemW(menu, static_cast<UINT>(GetMenuItemCount(menu)), TRUE, &info);
   }
 
+  ~MenuPeer() override {
+    MENUITEMINFOW info{};
+    info.cbSize = sizeof info;
+    info.fMask = MIIM_DATA;
+    SetMenuItemInfoW(menu_, static_cast<UINT>(id()), FALSE, &info);
+  }
+
+  MenuPeer(const MenuPeer&) = delete;
+  MenuPeer& operator=(const MenuPeer&) = delete;
+
   void changed(PropertyId) override {
+    renewName();
     const MENUITEMINFOW info = state();
     SetMenuItemInfoW(menu_, static_cast<UINT>(id()), FALSE, &info);
     if (isInBar()) DrawMenuBar(form_.window());
@@ -45,6 +66,11 @@ class MenuPeer : public Peer, public InputTarget {
   bool hasSubmenu() const { return submenu_ != nullptr; }
 
  private:
+  void renewName() {
+    name_ = caption();
+    data_.name = {static_cast<DWORD>(MSAA_MENU_SIG), static_cast<DWORD>(name_.size()), name_.data()};
+  }
+
   MENUITEMINFOW state() const {
     MENUITEMINFOW info{};
     info.cbSize = sizeof info;
@@ -57,9 +83,15 @@ class MenuPeer : public Peer, public InputTarget {
   FormPeer& form_;
   HMENU menu_;
   HMENU submenu_;
+  std::wstring name_;
+  Data data_{{}, id()};
 };
 
-MenuPeer* menuPeer(ULONG_PTR data) { return dynamic_cast<MenuPeer*>(InputTarget::find(static_cast<int>(data))); }
+/// The item's peer; null if it has gone.
+MenuPeer* menuPeer(ULONG_PTR data) {
+  const auto* found = reinterpret_cast<const MenuPeer::Data*>(data);
+  return found == nullptr ? nullptr : dynamic_cast<MenuPeer*>(InputTarget::find(found->id));
+}
 
 bool addItems(Control& container, FormPeer& form, HMENU menu) {
   bool isAny = false;
