@@ -71,7 +71,7 @@ FormPeer::FormPeer(Form& form)
                             CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr,
                             GetModuleHandleW(nullptr), this);
   toolTip_ = std::make_unique<ToolTip>(window_);
-  scale_ = screenScale(window_);
+  scale_ = screenScale_ = screenScale(window_);
   constexpr DWORD darkTitle = 20;
   const BOOL isDark = TRUE;
   DwmSetWindowAttribute(window_, darkTitle, &isDark, sizeof isDark);
@@ -208,6 +208,8 @@ void FormPeer::hideWindow() {
 void FormPeer::placeWindow() {
   const bool isMain = mainForm == this;
   const RECT work = workArea();
+  // Its frame and scale are those of the game's screen.
+  if (!isMain) moveTo({work.left, work.top});
   RECT frame{};
   AdjustWindowRectExForDpi(&frame, styleOf(form_), GetMenu(window_) != nullptr, 0, GetDpiForWindow(window_));
   const int roomAcross = static_cast<int>(work.right - work.left - (frame.right - frame.left));

@@ -77,9 +77,10 @@ class FormPeer : public Peer, public InputTarget {
   HWND window_ = nullptr;
   std::unique_ptr<ToolTip> toolTip_;
   double scale_ = 1;
-  int keyTarget_ = 0;  ///< id of the control with the keyboard
-  int captured_ = 0;   ///< id of the control that was pressed, or of the form beside the controls; 0 for none
-  int below_ = 0;      ///< id of the form that a modal one gives the keyboard back to
+  double screenScale_ = 1;  ///< that of the window's screen
+  int keyTarget_ = 0;       ///< id of the control with the keyboard
+  int captured_ = 0;        ///< id of the control that was pressed, or of the form beside the controls; 0 for none
+  int below_ = 0;           ///< id of the form that a modal one gives the keyboard back to
   bool isShownBefore_ = false;
   bool isPlacedByGame_ = false;
 };

@@ -1,6 +1,7 @@
 #include <windowsx.h>
 
 #include <cmath>
+#include <utility>
 
 #include "platform/pictureBox.h"
 #include "platform/win32/formPeer.h"
@@ -87,9 +88,13 @@ LRESULT FormPeer::handle(UINT message, WPARAM first, LPARAM second) {
     }
     case WM_DPICHANGED: {
       const RECT& place = *reinterpret_cast<const RECT*>(second);
-      rescale(scaleAt(LOWORD(first)));
+      // A dialog that is shown smaller stays so.
+      const double screen = scaleAt(LOWORD(first));
+      rescale(scale_ * screen / std::exchange(screenScale_, screen));
       SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
                    SWP_NOZORDER | SWP_NOACTIVATE);
+      // The suggested size grows with the frame, too, and isn't exact.
+      if (form_.design.border == Form::Border::Fixed) resizeClient(clientWidth(), clientHeight());
       return 0;
     }
     default:

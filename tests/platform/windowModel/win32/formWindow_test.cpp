@@ -72,5 +72,41 @@ TEST_F(FormWindows, AFormThatIsShrunkToTheScreenStandsWhereTheGamePutsIt) {
   EXPECT_FLOAT_EQ(tall.Left, 100 * twipsPerPixel);
 }
 
+/// Tells a form that its screen now has this many dots per inch, and suggests a place and a size, as the system does.
+void tellDotsPerInch(const Form& form, int dots) {
+  RECT suggested{0, 0, 333, 333};
+  SendMessageW(windowOf(form), WM_DPICHANGED, static_cast<WPARAM>(MAKELONG(dots, dots)),
+               reinterpret_cast<LPARAM>(&suggested));
+  serveAll();
+}
+
+SIZE clientOf(const Form& form) {
+  RECT client{};
+  GetClientRect(windowOf(form), &client);
+  return {client.right, client.bottom};
+}
+
+TEST_F(FormWindows, ADialogIsExactlyAsLargeAsItsScreenIsScaled) {
+  Form dialog("Dialog", small);
+  dialog.Show();
+  tellDotsPerInch(dialog, 2 * USER_DEFAULT_SCREEN_DPI);
+  EXPECT_EQ(clientOf(dialog).cx, 2 * 200);
+  EXPECT_EQ(clientOf(dialog).cy, 2 * 200);
+  EXPECT_EQ(dialog.Width, 3000 + Form::frameWidth) << "to the game, the dialog hasn't changed";
+}
+
+TEST_F(FormWindows, AShrunkDialogShowsAllOfItselfOnAnotherScreen) {
+  Form tall("Tall", {.clientWidth = 3000, .clientHeight = 2 * 1080 * twipsPerPixel, .systemColours = true});
+  tall.Show();
+  const SIZE before = clientOf(tall);
+  ASSERT_LT(before.cy, 1080);
+  tellDotsPerInch(tall, 2 * USER_DEFAULT_SCREEN_DPI);
+  EXPECT_NEAR(clientOf(tall).cx, 2 * before.cx, 1);
+  EXPECT_NEAR(clientOf(tall).cy, 2 * before.cy, 1);
+  tellDotsPerInch(tall, USER_DEFAULT_SCREEN_DPI);
+  EXPECT_EQ(clientOf(tall).cx, before.cx);
+  EXPECT_EQ(clientOf(tall).cy, before.cy);
+}
+
 }  // namespace
 }  // namespace kelvora
