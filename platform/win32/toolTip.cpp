@@ -1,6 +1,7 @@
 #include "platform/win32/toolTip.h"
 
 #include <commctrl.h>
+#include <uxtheme.h>
 
 #include "platform/desktop/looks.h"
 #include "platform/win32/wideText.h"
@@ -21,6 +22,8 @@ TTTOOLINFOW toolOf(HWND form) {
 void ToolTip::create() {
   tip_ = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0,
                          form_, nullptr, GetModuleHandleW(nullptr), nullptr);
+  // Themed tips have the theme's colours.
+  SetWindowTheme(tip_, L"", L"");
   SendMessageW(tip_, TTM_SETTIPBKCOLOR, toColorRef(dialogLooks.ground), 0);
   SendMessageW(tip_, TTM_SETTIPTEXTCOLOR, toColorRef(dialogLooks.text), 0);
   TTTOOLINFOW tool = toolOf(form_);
