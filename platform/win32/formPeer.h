@@ -48,6 +48,7 @@ class FormPeer : public Peer, public InputTarget {
   bool handleMouse(UINT message, WPARAM first, LPARAM second);
   void handleKey(UINT message, WPARAM first);
   bool hidePointer() const;
+  void endWaitForDrag(POINT place) const;
 
   void paintWindow();
   void paintBuffered(HDC screen, const RECT& part) const;

@@ -76,6 +76,9 @@ LRESULT FormPeer::handle(UINT message, WPARAM first, LPARAM second) {
       handleKey(message, first);
       if (message == WM_SYSKEYDOWN) break;
       return 0;
+    case WM_NCLBUTTONDOWN:
+      if (first == HTCAPTION) endWaitForDrag({GET_X_LPARAM(second), GET_Y_LPARAM(second)});
+      break;
     case WM_ENTERMENULOOP:
     case WM_ENTERSIZEMOVE:
       systemLoopBegins();
@@ -181,6 +184,13 @@ bool FormPeer::handleMouse(UINT message, WPARAM first, LPARAM second) {
   }
   peer->post(input);
   return true;
+}
+
+/// After a press of the title at this place of the screen, Windows waits for half a second for a drag, and gives the
+/// game no turns meanwhile. Any move of the mouse ends the wait.
+void FormPeer::endWaitForDrag(POINT place) const {
+  ScreenToClient(window_, &place);
+  PostMessageW(window_, WM_MOUSEMOVE, 0, MAKELPARAM(place.x, place.y));
 }
 
 void FormPeer::handleKey(UINT message, WPARAM first) {

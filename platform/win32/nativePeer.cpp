@@ -79,7 +79,9 @@ LRESULT CALLBACK NativePeer::procedure(HWND window, UINT message, WPARAM first, 
       break;
     case WM_CONTEXTMENU:
     case WM_NCLBUTTONDOWN:
-      // A text box's menu and a list's scroll bar run loops of the system's.
+    case WM_LBUTTONDOWN:
+    case WM_RBUTTONDOWN:
+      // A text box's menu, a list's scroll bar, and a list that looks out for a drag run loops of the system's.
       systemLoopBegins();
       break;
     case WM_KEYDOWN:
