@@ -37,8 +37,8 @@ function listenToMouse(control) {
   element.addEventListener('pointermove', (event) => {
     if (fingers.has(event.pointerId) && event.pointerId !== steeringFinger()) return;
     if (event.buttons !== 0 && !isOwn(event)) return;
-    // While a button is held, browsers report those of others as moves.
-    const bit = buttonBits[event.button];
+    // While a button is held, browsers report those of others as moves. Safari names a button in other moves, too.
+    const bit = event.buttons ? buttonBits[event.button] : 0;
     if (bit) return tell(event.buttons & bit ? 'mouseDown' : 'mouseUp', event, bit);
     tell('mouseMove', event, fingers.has(event.pointerId) ? 0 : event.buttons & 7);
   });
