@@ -169,7 +169,7 @@ class OnAScriptedServer(Company):
                 reports.append((float(received[1][0]), float(received[1][1])))
 
     def test_the_ball_and_the_tail_are_where_the_reports_were(self):
-        # Slowly to the right, with the mouse 12 pixels off, and back before the ball leaves the view.
+        # Slowly to the right, with the mouse 6 pixels off, and back long before the ball leaves the view.
         self.steer_bob(1)
         stop, reports = threading.Event(), []
         relay = threading.Thread(target=self.relay_bob, args=(stop, reports))
@@ -184,12 +184,13 @@ class OnAScriptedServer(Company):
             relay.join()
 
     def steer_bob(self, side):
-        self.bob.mouse_to(763 // 2 + 12 * side, 304 - 6 * side)
+        self.bob.mouse_to(763 // 2 + 6 * side, 304 - 3 * side)
 
     def sees_tail(self, reports):
         """True if the tail is seen at several of the last positions. The ball has no pixel in the tail's colours."""
-        if reports and abs(reports[-1][0] - 50000) > 4000:
+        if reports and abs(reports[-1][0] - 50000) > 2500:
             self.steer_bob(-1 if reports[-1][0] > 50000 else 1)
+            return False
         return sum(self.tail_at(place) for place in reports[-60:]) >= 3
 
     def sees_ball(self, reports):
