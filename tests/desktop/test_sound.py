@@ -51,11 +51,16 @@ def is_at(samples, at, part):
                                    for begin in range(at - ears.RATE // 2, at + ears.RATE // 10))
 
 
+def without_silence(samples):
+    """Without the silent hundredths of a second. A game that stands still leaves as many as it takes."""
+    parts = (samples[at:at + ears.RATE // 100] for at in range(0, len(samples), ears.RATE // 100))
+    return array.array("h", b"".join(part.tobytes() for part in parts if any(part)))
+
+
 def plays_from_its_start(samples, heard):
-    """True if at least half of ten parts of the recording are the track's. A busy sound server leaves gaps."""
-    first = next(index for index, sample in enumerate(heard) if sample)
+    """True if at least half of ten parts of the recording are the track's, both without silence."""
     places = range(ears.RATE // 2, 3 * ears.RATE, ears.RATE // 4)
-    return sum(is_at(samples, at, heard[first + at:first + at + 500]) for at in places) >= len(places) / 2
+    return sum(is_at(samples, at, heard[at:at + 500]) for at in places) >= len(places) / 2
 
 
 class Sound(DesktopTest):
@@ -101,15 +106,14 @@ class Sound(DesktopTest):
 
     def test_a_track_of_the_rotation_plays_from_its_start_until_it_is_switched_off(self):
         client, line = self.start("")
-        wait_for(lambda: any(self.ears.heard()), "the music")
-        self.listen(3)
-        heard = self.ears.heard()
-        self.assertEqual(sum(plays_from_its_start(track(name), heard) for name in TRACKS[1:5]), 1,
+        wait_for(lambda: len(without_silence(self.ears.heard())) > 3 * ears.RATE, "three seconds of music")
+        heard = without_silence(self.ears.heard())
+        self.assertEqual(sum(plays_from_its_start(without_silence(track(name)), heard) for name in TRACKS[1:5]), 1,
                          "one of the second to the fifth track")
         client.choose(MENU, "Down", "Right", "Return")
         wait_for(lambda: not any(self.listen(1)), "silence")
         self.command(client, line, "~playmusic:0")
-        self.assertFalse(any(self.listen(1)))
+        self.assertFalse(any(self.listen(3)))
 
     def test_the_shopping_music_replaces_the_track(self):
         client, line = self.start("")
