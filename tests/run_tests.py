@@ -189,7 +189,7 @@ def main():
     record.write_text(json.dumps(passed))
     if not numbers:
         return 0
-    status = subprocess.run(["ctest", "--test-dir", build, "-j", str(arguments.jobs), "--timeout", "300",
+    status = subprocess.run(["ctest", "--test-dir", build, "-j", str(arguments.jobs), "--timeout", "900",
                              "--output-on-failure", "--output-junit", results,
                              "-I", f"{numbers[0]},{numbers[0]},1,{','.join(numbers)}"], check=False).returncode
     cases = ElementTree.parse(results).iter("testcase") if results.exists() else ()
