@@ -11,8 +11,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "base/numberFromText.h"
 #include "base/text.h"
-#include "base/wholeNumber.h"
 #include "protocol/messages.h"
 #include "protocol/wireFormat.h"
 
@@ -98,13 +98,13 @@ std::string toClient(const Values&... values) {
 template <FieldType type>
 auto readField(std::string_view text) {
   if constexpr (type == FieldType::int16) {
-    return wholeNumber<std::int16_t>(text);
+    return numberFromText<std::int16_t>(text);
   } else if constexpr (type == FieldType::int32) {
-    return wholeNumber<std::int32_t>(text);
+    return numberFromText<std::int32_t>(text);
   } else if constexpr (type == FieldType::text) {
     return std::optional(text);
   } else {
-    const auto value = wholeNumber<double>(text);
+    const auto value = numberFromText<double>(text);
     return value ? std::optional(Number{*value, text}) : std::nullopt;
   }
 }

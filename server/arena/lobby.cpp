@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "base/numberFromText.h"
 #include "base/search.h"
-#include "base/wholeNumber.h"
 #include "protocol/frames.h"
 #include "protocol/rules.h"
 #include "server/arena/names.h"
@@ -96,7 +96,7 @@ bool Lobby::mustWait(ClientId client, Visitor& visitor, std::string_view preferr
   visitor.wantedColour.reset();
   if (isBot(client)) return !roster_.hasFreeColour();
   const bool mayWait = now - *visitor.loginSince < colourPatience;
-  const auto wanted = wholeNumber<std::int16_t>(preferred);
+  const auto wanted = numberFromText<std::int16_t>(preferred);
   for (const auto& [other, player] : roster_.players()) {
     if (!isBot(other)) continue;
     const bool isWanted = wanted == player.colour && mayWait;
@@ -162,7 +162,7 @@ void Lobby::explainName(ClientId client, const std::string& typed, const std::st
 }
 
 std::optional<PlayerColour> Lobby::chooseColour(std::string_view preferred) const {
-  const auto wanted = wholeNumber<std::int16_t>(preferred);
+  const auto wanted = numberFromText<std::int16_t>(preferred);
   if (wanted && *wanted >= 0 && *wanted < Roster::colourCount && roster_.isColourFree(PlayerColour{*wanted}))
     return PlayerColour{*wanted};
   const auto free = findIf(playerColours, [&](PlayerColour colour) { return roster_.isColourFree(colour); });

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "base/codePage.h"
-#include "base/wholeNumber.h"
+#include "base/numberFromText.h"
 #include "protocol/wireFormat.h"
 #include "server/config/commaList.h"
 #include "server/lists/announcement.h"
@@ -195,14 +195,14 @@ struct Set {
     return Set{options, option, *bytes}(letters.target);
   }
   Outcome operator()(Whole set) const {
-    const auto number = wholeNumber<int>(value);
+    const auto number = numberFromText<int>(value);
     if (!number || *number < option.min || *number > option.max)
       return Outcome::refused("must be a whole number" + range(option));
     set(options, *number);
     return Outcome::done();
   }
   Outcome operator()(Decimal set) const {
-    const auto number = wholeNumber<double>(value);
+    const auto number = numberFromText<double>(value);
     // NaN fails every comparison.
     if (!number || !(*number >= option.min && *number <= option.max))
       return Outcome::refused("must be a number" + range(option));

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/wholeNumber.h"
+#include "base/numberFromText.h"
 #include "server/config/configFile.h"
 #include "server/config/optionTable.h"
 #include "server/records/database.h"
@@ -87,7 +87,7 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
 }
 
 Outcome takeAgonesPort(const std::string& value, Options& options) {
-  options.agonesPort = wholeNumber<std::uint16_t>(value);
+  options.agonesPort = numberFromText<std::uint16_t>(value);
   if (!options.agonesPort || *options.agonesPort == 0) return Outcome::refused("must be a port, not \"" + value + "\"");
   return Outcome::done();
 }

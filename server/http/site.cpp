@@ -10,7 +10,7 @@
 #include <system_error>
 #include <utility>
 
-#include "base/wholeNumber.h"
+#include "base/numberFromText.h"
 #include "server/system/process.h"
 
 namespace kelvora::server {
@@ -106,9 +106,9 @@ std::optional<Part> partOf(std::size_t fileSize, std::string_view range) {
   constexpr std::string_view unit = "bytes=";
   const std::size_t dash = range.find('-');
   if (!range.starts_with(unit) || dash == std::string_view::npos) return std::nullopt;
-  const auto first = wholeNumber<std::size_t>(range.substr(unit.size(), dash - unit.size()));
+  const auto first = numberFromText<std::size_t>(range.substr(unit.size(), dash - unit.size()));
   const std::string_view end = range.substr(dash + 1);
-  const auto last = end.empty() ? std::optional(fileSize) : wholeNumber<std::size_t>(end);
+  const auto last = end.empty() ? std::optional(fileSize) : numberFromText<std::size_t>(end);
   if (!first || !last || *first > *last || *first >= fileSize) return std::nullopt;
   return Part{.first = *first, .size = std::min(*last, fileSize - 1) - *first + 1};
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "base/wholeNumber.h"
+#include "base/numberFromText.h"
 
 namespace kelvora::server {
 
@@ -36,7 +36,7 @@ bool consistsOf(std::string_view text, std::string_view others) {
 }
 
 std::optional<std::uint16_t> number(const std::string& text, std::uint16_t min, std::uint16_t max) {
-  const auto value = wholeNumber<std::uint16_t>(text);
+  const auto value = numberFromText<std::uint16_t>(text);
   return value && *value >= min && *value <= max ? value : std::nullopt;
 }
 

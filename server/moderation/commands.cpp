@@ -3,9 +3,9 @@
 #include <array>
 #include <utility>
 
+#include "base/numberFromText.h"
 #include "base/search.h"
 #include "base/text.h"
-#include "base/wholeNumber.h"
 #include "protocol/rules.h"
 #include "server/arena/plainText.h"
 #include "server/moderation/commandLine.h"
@@ -134,7 +134,7 @@ Outcome Moderation::say(Call call) {
 }
 
 Outcome Moderation::setBots(Call call) {
-  const auto count = wholeNumber<int>(takeWord(call.rest));
+  const auto count = numberFromText<int>(takeWord(call.rest));
   if (!count || *count < 0 || *count > BotSettings::maxCount) {
     return Outcome::refused("The number of bots is 0 to " + std::to_string(BotSettings::maxCount) + ".");
   }

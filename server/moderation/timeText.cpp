@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "base/numberFromText.h"
 #include "base/search.h"
-#include "base/wholeNumber.h"
 
 namespace kelvora::server {
 
@@ -19,7 +19,7 @@ constexpr std::array<std::pair<char, Seconds>, 4> units = {{{'s', 1}, {'m', 60},
 
 /// The digits as a number, or nothing if there is anything else.
 std::optional<int> digits(std::string_view text) {
-  return text.find_first_not_of("0123456789") == text.npos ? wholeNumber<int>(text) : std::nullopt;
+  return text.find_first_not_of("0123456789") == text.npos ? numberFromText<int>(text) : std::nullopt;
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "base/wholeNumber.h"
+#include "base/numberFromText.h"
 #include "server/config/commaList.h"
 #include "server/moderation/network.h"
 #include "server/net/asio.h"
@@ -37,7 +37,8 @@ AddressList::AddressList(const std::string& option, const std::string& text) {
     boost::system::error_code error;
     const auto address = unmapped(asio::ip::make_address(entry.substr(0, slash), error));
     const std::size_t allBits = address.is_v4() ? 32 : 128;
-    const auto bits = slash < entry.size() ? wholeNumber<std::size_t>(entry.substr(slash + 1)) : std::optional(allBits);
+    const auto bits =
+        slash < entry.size() ? numberFromText<std::size_t>(entry.substr(slash + 1)) : std::optional(allBits);
     if (error || !bits || *bits > allBits) throw std::runtime_error(refusal(option, entry));
     networks_.push_back({address, *bits});
   }

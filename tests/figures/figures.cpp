@@ -7,9 +7,9 @@
 
 #include "base/bitCast.h"
 #include "base/fault.h"
+#include "base/numberFromText.h"
 #include "base/randomGenerator.h"
 #include "base/text.h"
-#include "base/wholeNumber.h"
 #include "platform/pictures/pictureFile.h"
 
 // Prints checksums of results that must be the same in every build: figures COUNT PICTURE... converts COUNT numbers of
@@ -82,7 +82,7 @@ void printNumbers(int count) {
     thousands.add(orFault([&] { return formatThousands(i % 8 == 0 ? real : -amount); }));
     const std::string text = randomNumberText(draws);
     reads.add(orFault([&] { return std::to_string(bitCast<std::uint64_t>(readNumber(text))); }));
-    const auto whole = wholeNumber<double>(i % 2 == 0 ? text.substr(0, 1 + draws() % 8) : text);
+    const auto whole = numberFromText<double>(i % 2 == 0 ? text.substr(0, 1 + draws() % 8) : text);
     wholes.add(whole ? bitCast<std::uint64_t>(*whole) : 0);
     if (i % 4 == 0) halfway.add(bitCast<std::uint64_t>(readNumber(halfwayText(draws))));
   }
@@ -90,7 +90,7 @@ void printNumbers(int count) {
   doubles.print("numberText(double)");
   thousands.print("formatThousands");
   reads.print("readNumber");
-  wholes.print("wholeNumber<double>");
+  wholes.print("numberFromText<double>");
   halfway.print("readNumber, half-way");
 
   RandomGenerator generator;

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "base/wholeNumber.h"
+#include "base/numberFromText.h"
 #include "protocol/messages.h"
 #include "protocol/powerupTable.h"
 #include "protocol/rules.h"
@@ -114,12 +114,12 @@ TEST(ProtocolDocument, ListsTheColours) {
 bool isOfType(std::string_view text, wire::FieldType type) {
   switch (type) {
     case wire::FieldType::int16:
-      return wholeNumber<std::int16_t>(text).has_value();
+      return numberFromText<std::int16_t>(text).has_value();
     case wire::FieldType::int32:
-      return wholeNumber<std::int32_t>(text).has_value();
+      return numberFromText<std::int32_t>(text).has_value();
     case wire::FieldType::single:
     case wire::FieldType::real:
-      return wholeNumber<double>(text).has_value();
+      return numberFromText<double>(text).has_value();
     case wire::FieldType::text:
       return true;
   }

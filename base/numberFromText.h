@@ -12,7 +12,7 @@ namespace kelvora {
 
 /// The whole text as one number of the given type, or nothing if it is anything else or doesn't fit.
 template <class Number>
-std::optional<Number> wholeNumber(std::string_view text) {
+std::optional<Number> numberFromText(std::string_view text) {
   if constexpr (std::is_same_v<Number, double>) {
     return parseWholeDecimal(text);
   } else {
