@@ -31,8 +31,8 @@ std::string quoted(const std::string& text) {
 }  // namespace
 
 void Film::cut(Millis now) {
-  constexpr Millis longestPause = 1000;
-  next_ = std::max(next_, now - longestPause);
+  constexpr Millis maxPause = 1000;
+  next_ = std::max(next_, now - maxPause);
 }
 
 void Film::startTrack() {

@@ -13,11 +13,11 @@ namespace {
 constexpr int httpPort = 80;
 
 int parsePort(std::string_view text) {
-  constexpr int highest = 65535;
+  constexpr int maxPort = 65535;
   int port = 0;
   const char* end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, port);
-  const bool isPort = error == std::errc{} && stop == end && 1 <= port && port <= highest;
+  const bool isPort = error == std::errc{} && stop == end && 1 <= port && port <= maxPort;
   return isPort ? port : httpPort;
 }
 

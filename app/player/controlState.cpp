@@ -229,8 +229,8 @@ std::unique_ptr<Control> makeControl(Unpack& unpack, Control* container) {
     case Kind::Shape:
       return std::make_unique<Shape>(container, Place{}, unpack.value<Colour>());
     case Kind::Slider: {
-      const int least = unpack.value<int>();
-      return std::make_unique<Slider>(container, Place{}, least, unpack.value<int>());
+      const int minimum = unpack.value<int>();
+      return std::make_unique<Slider>(container, Place{}, minimum, unpack.value<int>());
     }
     case Kind::Picture:
       return std::make_unique<PictureBox>(container, Place{});

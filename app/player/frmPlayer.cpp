@@ -105,9 +105,9 @@ void FrmPlayer::jumpToMark(Mark::Kind kind, int direction) {
 }
 
 void FrmPlayer::tick() {
-  constexpr Millis longest = 100;  // what a slow machine skips
+  constexpr Millis maxStep = 100;  // what a slow machine skips
   const Millis now = GetTickCount();
-  const auto passed = std::min(now - std::exchange(lastTick_, now), longest);
+  const auto passed = std::min(now - std::exchange(lastTick_, now), maxStep);
   playback_.serve();
   if (isStepping_ && !playback_.isBusy()) {
     isStepping_ = false;

@@ -86,8 +86,8 @@ void Playback::goTo(Millis time) { wanted_ = Target{std::max<Millis>(time, 0), a
 
 void Playback::goToFirstWindow() {
   constexpr Millis step = 100;
-  constexpr Millis longest = 60'000;
-  for (Millis time = 0; time <= longest && mirror_.forms().empty() && !isAtEnd_; time += step) {
+  constexpr Millis maxWait = 60'000;
+  for (Millis time = 0; time <= maxWait && mirror_.forms().empty() && !isAtEnd_; time += step) {
     goTo(time);
     wait();
     if (isScouted_ && time > length_) return;
@@ -95,8 +95,8 @@ void Playback::goToFirstWindow() {
 }
 
 void Playback::step() {
-  constexpr Millis longestPause = 1000;  // where there are no frames
-  wanted_ = Target{time_ + longestPause, frame_ + 1};
+  constexpr Millis maxPause = 1000;  // where there are no frames
+  wanted_ = Target{time_ + maxPause, frame_ + 1};
 }
 
 Playback::Snapshot* Playback::snapshotBefore(Millis time) {

@@ -13,7 +13,7 @@ class SnapshotPlan {
   static constexpr double maxSnapshots = 100;
   static constexpr double maxPixels = 200'000'000;  ///< of all snapshots
 
-  /// `interval` is the least time of the recording between two snapshots, in ms.
+  /// `interval` is the minimum time of the recording between two snapshots, in ms.
   explicit SnapshotPlan(Millis interval) : interval_(interval) {}
 
   bool isDue(Millis now) const { return now >= next_ && left_ > 0; }

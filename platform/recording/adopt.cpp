@@ -10,9 +10,9 @@ namespace kelvora::recording {
 
 namespace {
 
-float readLength(Reader& reader, float most) {
+float readLength(Reader& reader, float maximum) {
   const float twips = reader.real();
-  if (twips < 0 || twips > most) throw Damaged("a length is out of range");
+  if (twips < 0 || twips > maximum) throw Damaged("a length is out of range");
   return twips;
 }
 
@@ -51,9 +51,9 @@ void Replay::adopt() {
   } else if (auto* slider = dynamic_cast<Slider*>(&control); slider && id == PropertyId::Value) {
     slider->Value.adopt(reader_.within(slider->Min, slider->Max));
   } else if (auto* grid = dynamic_cast<Grid*>(&control); grid && id == PropertyId::CurrentCell) {
-    constexpr int most = 1'000'000;
-    const int row = reader_.within(-1, most);
-    grid->adoptCell(row, reader_.within(-1, most));
+    constexpr int maximum = 1'000'000;
+    const int row = reader_.within(-1, maximum);
+    grid->adoptCell(row, reader_.within(-1, maximum));
   } else {
     throw Damaged("a control has no such property");
   }

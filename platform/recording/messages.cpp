@@ -20,9 +20,9 @@ constexpr std::int64_t maxValue = 999'999'999;
 
 bool isDigit(char letter) { return '0' <= letter && letter <= '9'; }
 
-/// A whole number as the game writes it: one to `most` digits without a leading zero.
-std::optional<std::int64_t> wholeOf(std::string_view text, std::size_t most) {
-  if (text.empty() || text.size() > most || (text[0] == '0' && text.size() > 1)) return std::nullopt;
+/// A whole number as the game writes it: one to `maxDigits` digits without a leading zero.
+std::optional<std::int64_t> wholeOf(std::string_view text, std::size_t maxDigits) {
+  if (text.empty() || text.size() > maxDigits || (text[0] == '0' && text.size() > 1)) return std::nullopt;
   if (!std::all_of(text.begin(), text.end(), isDigit)) return std::nullopt;
   std::int64_t value = 0;
   for (const char digit : text) value = value * 10 + (digit - '0');

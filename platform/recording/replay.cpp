@@ -226,8 +226,8 @@ void Replay::playEvent() {
   Plane plane = Plane::Across;
   const auto read = [&]<class Argument>(Argument) -> Argument {
     if constexpr (std::is_same_v<Argument, int>) {
-      constexpr int most = 1'000'000;
-      return reader_.within(-most, most);
+      constexpr int maximum = 1'000'000;
+      return reader_.within(-maximum, maximum);
     } else {
       return reader_.coordinate(std::exchange(plane, Plane::Down));
     }

@@ -166,9 +166,9 @@ std::uint64_t Reader::number(Plane plane) {
 
 std::int64_t Reader::whole(Plane plane) { return unzigzag(number(plane)); }
 
-int Reader::within(int least, int most) {
+int Reader::within(int minimum, int maximum) {
   const std::int64_t value = whole();
-  if (value < least || value > most) throw Damaged("a number is out of range");
+  if (value < minimum || value > maximum) throw Damaged("a number is out of range");
   return static_cast<int>(value);
 }
 

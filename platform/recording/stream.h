@@ -75,8 +75,8 @@ class Reader {
   std::uint8_t byte(Plane plane = Plane::Records);
   std::uint64_t number(Plane plane = Plane::Records);
   std::int64_t whole(Plane plane = Plane::Records);
-  /// A whole number from `least` to `most`.
-  int within(int least, int most);
+  /// A whole number from `minimum` to `maximum`.
+  int within(int minimum, int maximum);
   float real(Plane plane = Plane::Records);
   std::string text(std::size_t limit);
   /// Appends the next bytes.

@@ -19,9 +19,9 @@ constexpr double ballClearance = 450;  // world units
 constexpr int directions = 16;
 
 double safeDistance(std::span<const Point> tail, Point head, Point point) {
-  double least = length(head - point);
-  for (const Point& corner : tail) least = std::min(least, length(corner - point));
-  return least;
+  double minimum = length(head - point);
+  for (const Point& corner : tail) minimum = std::min(minimum, length(corner - point));
+  return minimum;
 }
 
 }  // namespace
