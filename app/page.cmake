@@ -1,9 +1,9 @@
 # The page for browsers: the program, and what it loads. It is published in build/web/site, where the server finds it.
 set(stage ${CMAKE_BINARY_DIR}/stage)
 set(page ${CMAKE_SOURCE_DIR}/platform/web/page)
-add_executable(kelvora webMain.cpp recordGame.cpp gameState.cpp)
+add_executable(kelvora webMain.cpp)
 set_target_properties(kelvora PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${stage})
-target_link_libraries(kelvora PRIVATE kelvora_client kelvora_web kelvora_recording)
+target_link_libraries(kelvora PRIVATE kelvora_record_game kelvora_web)
 target_link_options(kelvora PRIVATE
   -sENVIRONMENT=web -sALLOW_MEMORY_GROWTH=1 -sINITIAL_MEMORY=32MB
   "-sEXPORTED_RUNTIME_METHODS=['callMain']"

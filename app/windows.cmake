@@ -1,5 +1,5 @@
-add_executable(kelvora windows/game.cpp gameState.cpp recordGame.cpp recordToFile.cpp)
-target_link_libraries(kelvora PRIVATE kelvora_client kelvora_recording kelvora_win32)
+add_executable(kelvora windows/game.cpp)
+target_link_libraries(kelvora PRIVATE kelvora_record_game kelvora_win32)
 target_link_options(kelvora PRIVATE -municode)
 set_target_properties(kelvora PROPERTIES WIN32_EXECUTABLE ON)
 kelvora_windows_program(kelvora "Kelvora, an arena game")
