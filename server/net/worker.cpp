@@ -1,5 +1,6 @@
 #include "server/net/worker.h"
 
+#include <system_error>
 #include <utility>
 
 namespace kelvora::server {
@@ -16,9 +17,13 @@ Worker::~Worker() {
 bool Worker::post(std::function<void()> job) {
   const std::lock_guard lock(mutex_);
   if (jobs_.size() >= maxPending) return false;
+  try {
+    if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
+  } catch (const std::system_error&) {
+    return false;
+  }
   jobs_.push_back(std::move(job));
   changed_.notify_one();
-  if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
   return true;
 }
 

@@ -19,7 +19,7 @@ class Worker {
   /// Finishes the pending jobs.
   ~Worker();
 
-  /// Starts the thread with the first job. False if too many jobs are pending.
+  /// Starts the thread with the first job. False if too many jobs are pending, or if the system has no thread.
   bool post(std::function<void()> job);
 
  private:

@@ -15,7 +15,7 @@ class Background {
   /// The time in seconds since 1970 in UTC.
   virtual std::int64_t wallClock() const = 0;
   /// Runs `work` on another thread, and then `finish` on this one. Never from within this call. One after the other, in
-  /// order. False, without either, if too much work is pending.
+  /// order. False, without either, if too much work is pending, or if the system has no thread.
   virtual bool runAside(std::function<void()> work, std::function<void()> finish) = 0;
 };
 
