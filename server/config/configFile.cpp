@@ -11,13 +11,6 @@ namespace {
 
 constexpr std::size_t maxFileSize = std::size_t{64} << 10;
 
-std::string_view trim(std::string_view text) {
-  constexpr std::string_view blanks = " \t\r";
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 }  // namespace
 
 Outcome readConfig(std::string_view text, const std::string& fileName, const TakeSetting& take) {
@@ -26,18 +19,18 @@ Outcome readConfig(std::string_view text, const std::string& fileName, const Tak
   std::map<std::string_view, int> lines;  // by name
   for (int number = 1; !text.empty(); ++number) {
     const std::size_t end = std::min(text.find('\n'), text.size());
-    const std::string_view line = trim(text.substr(0, end));
+    const std::string_view line = trimmedLine(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
     if (line.empty() || line.starts_with('#')) continue;
     const std::string where = fileName + ":" + std::to_string(number) + ": ";
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos) return Outcome::refused(where + "expected \"name = value\"");
-    const std::string_view name = trim(line.substr(0, equals));
+    const std::string_view name = trimmedLine(line.substr(0, equals));
     const auto [first, isNew] = lines.emplace(name, number);
     if (!isNew) {
       return Outcome::refused(where + std::string(name) + " is already set on line " + std::to_string(first->second));
     }
-    const Outcome outcome = take(name, std::string(trim(line.substr(equals + 1))));
+    const Outcome outcome = take(name, std::string(trimmedLine(line.substr(equals + 1))));
     if (outcome.isRefused()) return Outcome::refused(where + outcome.reason());
   }
   return Outcome::done();

@@ -12,18 +12,13 @@
 #include "server/arena/plainText.h"
 #include "server/moderation/commandLine.h"
 #include "server/moderation/network.h"
+#include "server/system/files.h"
 
 namespace kelvora::server {
 
 namespace {
 
 constexpr std::size_t maxComplaints = 20;
-constexpr std::string_view blanks = " \t\r";
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(blanks);
-  return first == text.npos ? std::string_view() : text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
 
 /// The text as a message and a line can hold it.
 std::string bounded(std::string_view text, std::size_t length) {
@@ -69,7 +64,7 @@ std::vector<std::string> Penalties::read(std::string_view text, Seconds now) {
   std::size_t remarks = 0;  // bytes
   for (int number = 1; !text.empty(); ++number) {
     const std::size_t end = std::min(text.find('\n'), text.size());
-    const std::string_view line = trimmed(text.substr(0, end));
+    const std::string_view line = trimmedLine(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
     if (line.empty()) continue;
     const bool isComment = line.starts_with('#');

@@ -31,6 +31,12 @@ FileText readFile(const std::string& path, std::size_t maxSize, bool mayBePipe) 
   return {.text = std::move(text)};
 }
 
+std::string_view trimmedLine(std::string_view line) {
+  constexpr std::string_view blanks = " \t\r";
+  const std::size_t first = line.find_first_not_of(blanks);
+  return first == line.npos ? std::string_view() : line.substr(first, line.find_last_not_of(blanks) - first + 1);
+}
+
 void requireFolderOf(const std::string& path) {
   const std::filesystem::path folder = pathFromUtf8(path).parent_path();
   if (folder.empty() || std::filesystem::is_directory(folder)) return;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace kelvora::server {
 
@@ -15,6 +16,9 @@ struct FileText {
   std::string error{};                ///< empty if it was read or doesn't exist
 };
 FileText readFile(const std::string& path, std::size_t maxSize, bool mayBePipe = false);
+
+/// A line of a text file, or a part of it, without blanks, tabs and carriage returns at both ends.
+std::string_view trimmedLine(std::string_view line);
 
 /// Throws std::runtime_error if there is no folder for this file, whose path may be mistyped.
 void requireFolderOf(const std::string& path);
