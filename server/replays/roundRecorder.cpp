@@ -86,10 +86,10 @@ void RoundRecorder::add(std::string_view frame, Millis now) {
 }
 
 void RoundRecorder::end(Millis now) {
-  const auto round = std::exchange(round_, std::nullopt);
+  auto round = std::exchange(round_, std::nullopt);
   if (!round || now - begun_ < minLength) return;
   const auto error = std::make_shared<std::string>();
-  const bool isUnderWay = host_.runAside([settings = settings_, round = *round, name = nameOfRound(begunAt_),
+  const bool isUnderWay = host_.runAside([settings = settings_, round = std::move(*round), name = nameOfRound(begunAt_),
                                           error] { *error = storeRound(settings, round, name); },
                                          [this, error] {
                                            if (!error->empty()) host_.log("the round is not recorded: " + *error);
