@@ -135,8 +135,8 @@ class clsPlayer {
   // Powerups (store/powerupRules.cpp).
   /// The number of owned powerups of all kinds. RuntimeFault "Overflow" beyond 16 bits.
   std::int16_t totalPowerups() const;
-  /// Asks the server to start the local player's powerup. Refusals go to the console. RuntimeFault outside 0
-  /// to 5.
+  /// Asks the server to start the local player's powerup. Refusals go to the console. RuntimeFault outside
+  /// 0 to 5.
   void requestActivatePowerup(PowerupSlot slot);
   /// The server started a powerup, or ended it early. For a slot outside 0 to 5, `activatePowerup` raises RuntimeFault
   /// and `unactivatePowerup` does nothing.

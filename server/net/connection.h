@@ -26,7 +26,7 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   static constexpr std::chrono::seconds openingTime{10};           ///< until the first byte, inside a WebSocket as well
   static constexpr std::chrono::seconds requestTime{5};            ///< for a complete request
   static constexpr std::chrono::seconds answerTime{5};             ///< for the client to take a piece of the answer
-  static constexpr std::chrono::seconds silence{120};              ///< clients send positions all the time
+  static constexpr std::chrono::seconds silence{120};              ///< clients answer a ping every 12 seconds
   static constexpr std::chrono::seconds goodbyeTime{2};            ///< for the client to take the last message
 
   struct Handlers {

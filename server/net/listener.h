@@ -25,9 +25,9 @@ class Listener {
   using Resolver = std::vector<asio::ip::address> (*)(asio::io_context& context, const std::string& name);
   static std::vector<asio::ip::address> resolve(asio::io_context& context, const std::string& name);
 
-  /// Listens at once. Port 0 is any free one. "::" is every address of the machine, in IPv4 as well. Of a
-  /// name's addresses, skips those that this machine lacks, unless it lacks all. Throws
-  /// std::runtime_error, whose text names both, for a bad address or port.
+  /// Listens at once. Port 0 is any free one. "::" is every address of the machine, in IPv4 as well. Skips those of a
+  /// name's addresses that this machine lacks, unless it lacks all. Throws std::runtime_error for a bad address or
+  /// port. Its text names both.
   Listener(asio::io_context& context, const std::string& address, std::uint16_t port, Handlers handlers,
            Resolver addressesOf = resolve);
 

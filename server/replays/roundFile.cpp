@@ -133,7 +133,7 @@ Moments readRound(std::string_view file) {
   Moments::Reader reader(*bytes);
   while (!reader.isAtEnd()) {
     const auto moment = reader.next();
-    if (!moment || !belongsInRound(moment->frame)) throw std::runtime_error("it holds what no round has");
+    if (!moment || !belongsInRound(moment->frame)) throw std::runtime_error("it has a message that no round contains");
     if (moment->at > Moments::maxLength) throw std::runtime_error("it is too long");
   }
   return Moments(*std::move(bytes));

@@ -37,7 +37,7 @@ std::string complaint() {
   const std::vector<Form*> forms = hands::visibleForms();
   if (std::any_of(forms.begin(), forms.end(), isModal) || hands::isBoxVisible()) {
     const hands::Window newest = hands::newestModal();
-    if (newest == nullptr) return "what is modal can't be reached";
+    if (newest == nullptr) return "the modal window can't be reached";
     for (Form* form : forms) {
       const hands::Window window = hands::windowOf(*form);
       if (window != newest && hands::takesClicks(window))

@@ -103,7 +103,7 @@ TEST(RoundFile, WithOtherMessagesThanARoundsIsRefused) {
         positionOf(1, "1\x80"), positionOf(1, "1\x81"), positionOf(1, "1\x82"),
         wire::toClient<wire::msgServerText>(std::string(5'000, 'x')), std::string("\x80\x86"), std::string("\x80\x81"),
         std::string("x\x86")}) {
-    EXPECT_EQ(refusal(fileWith(frame)), "it holds what no round has") << frame;
+    EXPECT_EQ(refusal(fileWith(frame)), "it has a message that no round contains") << frame;
   }
 }
 
