@@ -5,6 +5,7 @@
 #include "platform/desktop/soundModule.h"
 #include "platform/sound/mixerDevice.h"
 #include "platform/win32/musicStream.h"
+#include "platform/win32/shortPath.h"
 #include "platform/win32/wideText.h"
 
 namespace kelvora {
@@ -48,7 +49,8 @@ class MciDevice : public MixerDevice {
     if (found == effects_.end() || found->second.isSilent) return;
     Effect& effect = found->second;
     if (!effect.isOpen && !effect.file.empty()) {
-      effect.isOpen = command(L"open \"" + wideFromUtf8(effect.file) + L"\" type waveaudio alias " + nameOf(channel));
+      effect.isOpen =
+          command(L"open \"" + shortPath(wideFromUtf8(effect.file)) + L"\" type waveaudio alias " + nameOf(channel));
       effect.file.clear();
     }
     if (effect.isOpen) command(L"play " + nameOf(channel) + L" from 0");
