@@ -77,7 +77,7 @@ class WebHost:
     def hold(self):
         """From here on, connections have to wait, because our own connection fills the queue."""
         self.listener.listen(0)
-        self.plug = socket.create_connection(("127.0.0.1", self.port))
+        self.plug = socket.create_connection(("127.0.0.1", self.port), harness.PATIENCE)
 
     def let_in(self):
         self.listener.listen()

@@ -112,10 +112,12 @@ TEST_F(GameFinder, Q281DataBeyondFortyNineReadsWaitsForMore) {
 
 TEST_F(GameFinder, FindsTheEndMarkWhereverItIsSplit) {
   const std::string mark = "-END-";
-  for (std::size_t at = 0; at <= mark.size(); ++at) {
+  for (std::size_t at = 0; at < mark.size(); ++at) {
     frmGameFind->requestHostList();
     request();
     host().deliver("[a|1|0|n|1|2]" + mark.substr(0, at));
+    passEvents();
+    EXPECT_EQ(status(), "Requesting list...") << at;
     host().deliver(mark.substr(at));
     passEvents();
     EXPECT_EQ(status(), "Done") << at;
@@ -123,8 +125,10 @@ TEST_F(GameFinder, FindsTheEndMarkWhereverItIsSplit) {
   }
   frmGameFind->requestHostList();
   request();
-  for (const char c : mark) host().deliver(std::string(1, c));
-  passEvents();
+  for (const char c : mark) {
+    host().deliver(std::string(1, c));
+    passEvents();
+  }
   EXPECT_EQ(status(), "Done");
 }
 
