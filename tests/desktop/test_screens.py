@@ -139,7 +139,7 @@ class Two(DesktopTest):
         # The button on the title picture.
         self.display.xdotool("mousemove", *client.on_screen(200 // TWIPS + 20, 5200 // TWIPS + 20), "click", 1)
         dialog = client.wait_for_window("Connect")
-        edge, _, width, _ = dialog.geometry()
+        edge, _, width, _ = harness.wait_for_rest(dialog.geometry, "the dialog", looks=10)
         client.close()
         return edge, edge + width
 

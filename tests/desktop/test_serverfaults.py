@@ -37,11 +37,11 @@ class ServerFaults(unittest.TestCase):
             if stream:
                 self.addCleanup(stream.close)
         process.port = port
-
-        def is_listening():
-            with socket.socket() as probe:
-                return probe.connect_ex(("127.0.0.1", port)) == 0
-        wait_for(is_listening, "the server")
+        if process.stdout:
+            line = ""
+            while not line.startswith("listening on "):
+                line = process.stdout.readline()
+                self.assertTrue(line, "the server ended at once")
         return process
 
     def run_server(self, *arguments):
@@ -99,6 +99,11 @@ class ServerFaults(unittest.TestCase):
     def test_a_log_on_a_full_disk(self):
         with open("/dev/full", "w") as full:
             process = self.start(stdout=full, stderr=full)
+
+            def is_listening():
+                with socket.socket() as probe:
+                    return probe.connect_ex(("127.0.0.1", process.port)) == 0
+            wait_for(is_listening, "the server")
             self.assertEqual(self.log_in(process).recv_frame()[0], LOGIN_ACCEPTED)
             self.assertIsNone(process.poll())
 

@@ -57,9 +57,9 @@ class Store(DesktopTest):
         line.recv_frame()
         line.send(BUY_ACCEPTED, 4, 1, 80)
         store.wait_for_status()
-        self.assertNotEqual(store.pixels(STOCK, 4), before[0])
-        self.assertNotEqual(store.pixels(FUNDS_LABEL), before[1])
-        self.assertNotEqual(store.pixels(CAPACITY_LABEL), before[2])
+        store.wait_for_change(STOCK, before[0], 4)
+        store.wait_for_change(FUNDS_LABEL, before[1])
+        store.wait_for_change(CAPACITY_LABEL, before[2])
         self.assertEqual(store.pixels(STOCK, 3), before[3], "another row")
 
     def test_selling(self):
@@ -149,7 +149,8 @@ class RealServer(DesktopTest):
         store.click(BUY, 1)
         one = store.wait_for_change(STOCK, none, 1)
         store.wait_for_prices(6 * [TOO_DEAR])
-        bought = store.pixels(STATUS)
+        store.wait_for_status()
+        bought = harness.wait_for_rest(lambda: store.pixels(STATUS), "the text at the bottom")
         store.click(BUY, 1)
         store.wait_for_change(STATUS, bought)
         self.assertEqual(store.pixels(STOCK, 1), one)
@@ -166,6 +167,7 @@ class Keys(DesktopTest):
             self.assertEqual(line.recv_frame(), (ACTIVATE_REQUEST, [str(item).encode()]))
         # The pulse only fires behind a shield.
         self.display.xdotool("key", "F6")
+        self.display.screen.ping(client.window.identifier)  # by then it has handled the key
         self.assertEqual(line.frames_during(0.5), [])
         line.send(POWERUP_ON, 7, 0)
         line.ask()

@@ -89,7 +89,7 @@ class Canvas(DesktopTest):
     def test_border_is_not_in_view_in_the_middle_of_the_world(self):
         client, line = self.log_in()
         client.mouse_to(100, 100)
-        line.wait_for_paint()
+        harness.wait_until_it_holds(lambda: self.assert_ball(client, 0))
         picture = self.display.picture()
         for column in (100, 248, 515, 700):
             pixels = [picture.pixel(*client.on_screen(column, row)) for row in range(150, 450, 10)]

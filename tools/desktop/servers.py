@@ -108,12 +108,15 @@ class Line:
         return data[1], data[2:-1].split(bytes([harness.protocol.SEPARATOR]))
 
     def frames_during(self, seconds):
-        """All frames that arrive in this time."""
+        """All frames that arrive in this time. Looks once more after it, in case this test was interrupted."""
         frames = []
         deadline = time.monotonic() + seconds
-        while (left := deadline - time.monotonic()) > 0:
+        is_over = False
+        while not is_over:
+            left = deadline - time.monotonic()
+            is_over = left <= 0
             try:
-                received = self.recv_frame(left)
+                received = self.recv_frame(max(left, 0.001))
             except AssertionError:
                 break
             if received is None:
