@@ -35,8 +35,7 @@ list_windows_sources() {
   for room in platform/win32/ platform/sockets/windows server/system/win app/windows/; do
     unity=$PWD/$folder/${room%/*}.cpp
     mkdir -p "${unity%/*}"
-    # Without the entry points, of which a program has one.
-    grep -L "WINAPI WinMain" "$PWD/$room"*.cpp | sed 's/.*/#include "&"/' >"$unity"
+    printf '#include "%s"\n' "$PWD/$room"*.cpp >"$unity"
     printf '%s{\n  "directory": "%s",\n  "command": "clang++ --target=x86_64-w64-mingw32 %s -c \\"%s\\"",\n  "file": "%s"\n}' \
       "$separator" "$PWD" "$flags" "$unity" "$unity"
     separator=,

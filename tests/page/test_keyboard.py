@@ -78,9 +78,11 @@ class Keyboard(PageTest):
     def test_tab_closes_the_menus_that_it_leaves(self):
         page = self.begin_offline()
         page.choose("Settings")
-        while page.see("document.activeElement.closest('.menubar')"):
+        for _ in range(20):
             page.press("Tab")
-        self.assertFalse(page.see("all('.menubar [role=menu]').length"))
+            if not page.see("document.activeElement.closest('.menubar')"):
+                break
+        self.assertFalse(page.see("document.activeElement.closest('.menubar') || all('.menubar [role=menu]').length"))
 
     def test_typing_works_after_a_menu(self):
         _, page = self.begin()

@@ -50,12 +50,13 @@ function listenToMouse(control) {
   element.addEventListener('dblclick', (event) => tell('doubleClick', event, 1));
 }
 
+// Safari ends the composition before the Enter that confirms it.
+const isComposing = (event) => event.isComposing || event.keyCode === 229;
 const isFunctionKey = (event) => /^F([1-9]|10)$/.test(event.key);
 
 function listenToKeys(control) {
   control.face.addEventListener('keydown', (event) => {
-    // Safari ends the composition before the Enter that confirms it.
-    if (event.isComposing || event.keyCode === 229) return;
+    if (isComposing(event)) return;
     const isAnswer = event.key === 'Enter' || event.key === 'Escape';
     const controlKeys = {Enter: 13, Escape: 27, Backspace: 8};
     const letters = event.altKey || event.metaKey || event.ctrlKey ? [] : toBytes(letterOf(event));
@@ -105,7 +106,8 @@ function typeMoved(event) {
 // Tab goes round in a dialog and its title bar, and doesn't leave it for the windows behind it. Some browsers would pass
 // over buttons.
 document.addEventListener('keydown', (event) => {
-  const form = event.key === 'Tab' && event.target.closest('.form:not(.main)');
+  const isTab = event.key === 'Tab' && !isComposing(event);
+  const form = isTab && event.target.closest('.form:not(.main)');
   if (!form) return;
   const control = controls.get(Number(form.dataset.id));
   const order = [...tabOrder(control), control.bar.querySelector('.close')];
