@@ -81,7 +81,7 @@ LRESULT CALLBACK NativePeer::procedure(HWND window, UINT message, WPARAM first, 
     case WM_NCLBUTTONDOWN:
     case WM_LBUTTONDOWN:
     case WM_RBUTTONDOWN:
-      // A text box's menu, a list's scroll bar, and a list that looks out for a drag run loops of the system's.
+      // A text box's menu, a list's scroll bar, and a list that waits for a drag run loops of the system's.
       systemLoopBegins();
       break;
     case WM_KEYDOWN:

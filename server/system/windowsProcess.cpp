@@ -15,13 +15,13 @@ namespace {
 /// Called on a system thread.
 BOOL WINAPI takeConsoleEvent(DWORD event) {
   std::raise(event == CTRL_C_EVENT ? SIGINT : SIGTERM);
-  const bool mustEnd = event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT;
   // The system ends the program when this returns, or after a few seconds. The server ends by itself before that.
-  if (mustEnd) Sleep(INFINITE);
+  if (event == CTRL_CLOSE_EVENT) Sleep(INFINITE);
   return TRUE;
 }
 
-/// Lets clicks into the console select no text. The mode is the console's, so the old one returns with the end of this.
+/// Keeps clicks into the console from selecting text. The mode is the console's, so the destructor restores the old
+/// one.
 class NoSelecting {
  public:
   NoSelecting() {

@@ -82,8 +82,8 @@ class Steering(Flight):
         _, v = self.fly((390, 310), count=4)
         self.assertAlmostEqual(abs(v[0]) + abs(v[1]), 10.29, delta=0.01)
 
-    # These count whole frames. Slow painting changes those of the next second. Each attempt flies on towards the far
-    # corner.
+    # These count whole frames. After slow painting, the frames of the next second count for more, so they try again.
+    # Each attempt flies on towards the far corner.
 
     def test_brakes_stop_the_ball_in_steps_of_three(self):
         client, line = self.log_in(y=95000)

@@ -170,6 +170,14 @@ class Windows(PageTest):
         page.press("ArrowLeft", "ArrowDown", "ArrowDown")
         self.assertEqual(page.see("words(document.activeElement)"), "Exit")
 
+    def test_a_dialog_that_closes_leaves_menus_the_keyboard(self):
+        _, page = self.begin()
+        page.see("by('.menubar button', 'Settings').focus()")
+        page.press("ArrowDown")
+        page.see("by('button', 'Cancel', dialog('Connect')).click()")
+        page.wait_for("!dialog('Connect')")
+        self.assertEqual(page.see("words(document.activeElement)"), "Audio")
+
     def test_menus_work_by_mouse(self):
         _, page = self.begin()
         page.press_button("Cancel", "dialog('Connect')")

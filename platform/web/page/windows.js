@@ -122,7 +122,12 @@ function raiseWindow(control, isFinger = false) {
   orderWindows();
   if (!wasFront || !control.isActive) post('activated', control.id);
   for (const other of shownWindows) other.isActive = other === control;
-  if (!isFinger && !control.element.contains(document.activeElement)) control.focus?.focus({preventScroll: true});
+  if (!isFinger) takeFocus(control);
+}
+
+// Gives a window the keyboard, unless it has it already, as in its menus.
+function takeFocus(control) {
+  if (!control.element.contains(document.activeElement)) control.focus?.focus({preventScroll: true});
 }
 
 // Keeps the focused element for when its window is in front again, or its menus are left. Focus events can't tell it:
@@ -148,7 +153,7 @@ function leaveDesk(control) {
   orderWindows();
   const front = frontWindow();
   if (!front) return;
-  if (front.focus) front.focus.focus({preventScroll: true});
+  takeFocus(front);
   post('activated', front.id);
 }
 

@@ -1,5 +1,4 @@
-// Ends with 0 if the server's console lets clicks select no text while the server runs, and does so again afterwards.
-// Needs a console.
+// Ends with 0 if clicks into the console select no text while the server runs, and do afterwards. Needs a console.
 
 #include <windows.h>
 
