@@ -3,8 +3,8 @@
 
     bench/check_figures.py
 
-Prints minutes. In one clone, ./check runs four times: first, again, after a change of a test and after one of the game.
-In a second clone, ./check linux runs. Takes three quarters of an hour on a machine that should be otherwise idle.
+Prints minutes. In one clone, ./check runs first, again, and after a change of each of some sources. In a second clone,
+./check linux runs. Takes an hour on a machine that should be otherwise idle.
 Packages that are missing are installed beforehand. The output of ./check goes to standard error. If one fails, the
 script ends with status 1.
 """
@@ -17,7 +17,8 @@ import time
 from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parent.parent
-GAME, TEST = "tails.cpp", "tails_test.cpp"
+SOURCES = {"a test": "tails_test.cpp", "the windows of Windows": "labelPeer.cpp", "the page": "webGrid.cpp",
+           "the game": "tails.cpp"}
 # Changes every program that the source is linked into.
 CHANGE = "\nstatic volatile int checkFigure = 0;\n[[maybe_unused]] static const int checkFigures = checkFigure;\n"
 INSTALL = "source tools/common.sh; install_packages $linux_check_packages $web_check_packages $windows_check_packages"
@@ -49,10 +50,9 @@ def main():
         project, environment = clone(Path(folder))
         minutes("all systems", project, environment)
         minutes("again", project, environment)
-        change(TEST, project)
-        minutes("after a change of a test", project, environment)
-        change(GAME, project)
-        minutes("after a change of the game", project, environment)
+        for part, name in SOURCES.items():
+            change(name, project)
+            minutes(f"after a change of {part}", project, environment)
     with tempfile.TemporaryDirectory(prefix="kelvora-check-") as folder:
         minutes("linux", *clone(Path(folder)), "linux")
 
