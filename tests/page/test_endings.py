@@ -74,8 +74,8 @@ class Endings(PageTest):
         # A command that lacks its number is a fault of the game.
         page.type("~playsound")
         page.press("Enter")
-        page.wait_for(f"{END}.includes('Run-time error')")
-        page.wait_for(f"{END}.includes('Reload the page')")
+        lines = r"/^Run-time error: .*\nKelvora .*\nReload the page /"
+        page.wait_for(f"{lines}.test(document.querySelector('#end p').innerText)")
         page.keep("fault")
         page.reload()
         page.wait_for("dialog('Connect')")
