@@ -52,10 +52,10 @@ Outcome checkOrigins(const std::string& origins) {
   return Outcome::done();
 }
 
-template <int RecordSettings::*limit>
+template <int ReplaySettings::*limit>
 void recordLimit(Options& options, int value) {
-  options.record.*limit = value;
-  options.limitsRecords = true;
+  options.replays.*limit = value;
+  options.limitsReplays = true;
 }
 
 Option heading(std::string_view text) {
@@ -120,11 +120,11 @@ const std::array table = {
 
     heading("Recordings:"),
     Option{"record", "FOLDER", "folder that keeps each round (none)",
-           Text([](Options& o) -> std::string& { return o.record.folder; }), 0, maxPathLength},
+           Text([](Options& o) -> std::string& { return o.replays.folder; }), 0, maxPathLength},
     Option{"record-count", "COUNT", "maximum number of rounds in it (100)",
-           Whole(recordLimit<&RecordSettings::maxCount>), 1, 100'000},
+           Whole(recordLimit<&ReplaySettings::maxCount>), 1, 100'000},
     Option{"record-size", "MIB", "maximum size of all rounds in it (100)",
-           Whole(recordLimit<&RecordSettings::maxMebibytes>), 1, 1'000'000},
+           Whole(recordLimit<&ReplaySettings::maxMebibytes>), 1, 1'000'000},
     Option{"replay", "FILE", "show this round to everybody who connects, instead of a game (none)",
            Text([](Options& o) -> std::string& { return o.replayFile; }), 0, maxPathLength},
 

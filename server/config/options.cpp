@@ -69,8 +69,8 @@ Outcome parseOptions(std::span<const std::string> arguments, Options& options) {
   if (options.rules.spectators > 0 && !options.spectatorPort && options.port == 65'535) {
     return Outcome::refused("there is no port after the game's, so spectators need --spectator-port");
   }
-  const bool records = !options.record.folder.empty();
-  if (!records && options.limitsRecords) {
+  const bool records = !options.replays.folder.empty();
+  if (!records && options.limitsReplays) {
     return Outcome::refused("limits of recorded rounds need --record");
   }
   if ((records || !options.replayFile.empty()) && !canCompress()) {

@@ -25,8 +25,8 @@ struct Options {
   ModerationSettings moderation;
   int drainSeconds = 0;     ///< for the round after SIGTERM; 0 to stop at once
   std::string recordsFile;  ///< path in UTF-8; empty for no records
-  RecordSettings record;
-  bool limitsRecords = false;                  ///< whether a limit of `record` was given
+  ReplaySettings replays;
+  bool limitsReplays = false;                  ///< whether a limit of `replays` was given
   std::string replayFile;                      ///< path in UTF-8 of a round to show; empty to play
   std::optional<std::uint16_t> webPort;        ///< the second port; nothing for none, 0 for any free one
   std::optional<std::uint16_t> spectatorPort;  ///< nothing for the one after `port`, 0 for any free one

@@ -3,12 +3,12 @@
 #include <string>
 
 #include "server/arena/clientId.h"
-#include "server/system/background.h"
+#include "server/system/serverHost.h"
 
 namespace kelvora::server {
 
 /// The server as moderation sees it, besides the arena and its bots.
-class ModerationHost : public Background {
+class ModerationHost : public ServerHost {
  public:
   /// The network of a person, see `networkOf`.
   virtual std::string network(ClientId client) const = 0;

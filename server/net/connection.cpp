@@ -22,10 +22,10 @@ bool beginsRequest(char first) { return first == '\r' || (first >= 'A' && first 
 Connection::Connection(Socket socket, ClientId client, Handlers handlers)
     : stream_(std::move(socket)), client_(client), handlers_(std::move(handlers)) {
   if (handlers_.onForwarded) proxyLine_ = std::make_unique<ProxyLine>();
-  await(openingTime, "timed out before sending anything", opened_);
+  setDeadline(openingTime, "timed out before sending anything", opened_);
 }
 
-void Connection::await(std::chrono::seconds time, const char* reason, Clock::time_point from) {
+void Connection::setDeadline(std::chrono::seconds time, const char* reason, Clock::time_point from) {
   deadline_ = from + time;
   overdue_ = reason;
 }
@@ -50,9 +50,9 @@ void Connection::flush() {
 }
 
 void Connection::hangUp() {
-  if (speech_ == Speech::upgrading) return close("closed by the server");  // nothing can be sent during an upgrade
+  if (state_ == State::upgrading) return close("closed by the server");  // nothing can be sent during an upgrade
   if (std::exchange(hangingUp_, true)) return;
-  await(goodbyeTime, "closed by the server");
+  setDeadline(goodbyeTime, "closed by the server");
   writeMore();
 }
 
@@ -78,8 +78,8 @@ bool Connection::take(std::string_view bytes) {
   // While hanging up, incoming bytes are read and dropped. Unread ones would destroy the goodbye in transit.
   if (hangingUp_ || bytes.empty()) return true;
   if (proxyLine_) return readProxyLine(bytes);
-  if (speech_ == Speech::opening) return open(bytes);
-  return speech_ == Speech::game ? takeFrames(bytes) : takeRequest(bytes);
+  if (state_ == State::opening) return open(bytes);
+  return state_ == State::game ? takeFrames(bytes) : takeRequest(bytes);
 }
 
 bool Connection::readProxyLine(std::string_view bytes) {
@@ -96,7 +96,7 @@ bool Connection::readProxyLine(std::string_view bytes) {
 
 bool Connection::open(std::string_view bytes) {
   if (bytes[0] == wire::frameStart) {
-    speech_ = Speech::game;
+    state_ = State::game;
     handlers_.onGame(client_);
     return takeFrames(bytes);
   }
@@ -104,14 +104,14 @@ bool Connection::open(std::string_view bytes) {
     close("sent invalid data");
     return false;
   }
-  speech_ = Speech::request;
-  await(requestTime, "timed out during a request");
+  state_ = State::request;
+  setDeadline(requestTime, "timed out during a request");
   request_ = std::make_unique<HttpReader>();
   return takeRequest(bytes);
 }
 
 bool Connection::takeFrames(std::string_view bytes) {
-  await(silence, "timed out");
+  setDeadline(silence, "timed out");
   const bool isSound = frames_.read(bytes, [&](std::string_view text) {
     if (!closed_ && !hangingUp_) handlers_.onFrame(client_, text);
   });
@@ -148,8 +148,8 @@ bool Connection::answer(const HttpRequest& request) {
     upgrade();
     return false;
   }
-  speech_ = Speech::answering;
-  await(answerTime, stoppedReading);
+  state_ = State::answering;
+  setDeadline(answerTime, stoppedReading);
   keepsAlive_ = request.keepsAlive && answer.mayKeepAlive;
   queued_ += answer.head(keepsAlive_);
   if (!request.isHead()) {
@@ -165,7 +165,7 @@ bool Connection::answer(const HttpRequest& request) {
 }
 
 void Connection::upgrade() {
-  speech_ = Speech::upgrading;
+  state_ = State::upgrading;
   keepsAlive_ = false;
   const auto request = std::exchange(request_, nullptr);
   stream_.upgrade(std::string(request->head()), request->rest(), streamUser());
@@ -174,8 +174,8 @@ void Connection::upgrade() {
 void Connection::upgraded(error_code error) {
   if (closed_) return;
   if (error) return close(stream_.reasonOf(error));
-  speech_ = Speech::opening;
-  await(openingTime, "timed out before sending anything", opened_);
+  state_ = State::opening;
+  setDeadline(openingTime, "timed out before sending anything", opened_);
   readMore();
 }
 
@@ -185,9 +185,9 @@ void Connection::answered() {
     return readMore();  // reads until the client closes the connection
   }
   const auto before = std::exchange(request_, nullptr);
-  speech_ = Speech::opening;
+  state_ = State::opening;
   opened_ = Clock::now();
-  await(requestTime, "timed out between requests", opened_);
+  setDeadline(requestTime, "timed out between requests", opened_);
   if (before->rest().empty() || take(before->rest())) readMore();
 }
 
@@ -199,7 +199,7 @@ void Connection::writeMore() {
   }
   if (queued_.empty()) {
     if (hangingUp_) return stream_.endSending(streamUser());
-    if (speech_ == Speech::answering) answered();
+    if (state_ == State::answering) answered();
     return;
   }
   underWay_.swap(queued_);
@@ -218,7 +218,7 @@ void Connection::written(error_code error) {
   if (underWay_.capacity() > bodyPiece) std::string().swap(underWay_);  // a burst's memory
   if (closed_) return;
   if (error) return close(stream_.reasonOf(error));
-  if (speech_ == Speech::answering && !hangingUp_) await(answerTime, stoppedReading);
+  if (state_ == State::answering && !hangingUp_) setDeadline(answerTime, stoppedReading);
   writeMore();
 }
 

@@ -68,14 +68,14 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   /// When the connection, or the last answer, left it to the client to begin. An upgrade doesn't change this.
   Clock::time_point opened() const { return opened_; }
   /// True between the requests of a connection that a client has kept. Clients make a new one if they lose it then.
-  bool isKept() const { return speech_ == Speech::opening && keepsAlive_ && !closed_; }
+  bool isKept() const { return state_ == State::opening && keepsAlive_ && !closed_; }
   /// True if `onClosed` has been or is about to be called.
   bool isClosed() const { return closed_; }
   /// True if nothing is awaited but the client's end.
   bool isHangingUp() const { return hangingUp_; }
 
  private:
-  enum class Speech { opening, game, request, answering, upgrading };
+  enum class State { opening, game, request, answering, upgrading };
 
   void arrived(error_code error, std::size_t size) override;
   void written(error_code error) override;
@@ -97,12 +97,12 @@ class Connection final : public std::enable_shared_from_this<Connection>, privat
   void writeMore();
   /// Queues the next piece of the answer's body.
   void queueBody();
-  void await(std::chrono::seconds time, const char* reason, Clock::time_point from = Clock::now());
+  void setDeadline(std::chrono::seconds time, const char* reason, Clock::time_point from = Clock::now());
 
   ClientStream stream_;
   const ClientId client_;
   Handlers handlers_;
-  Speech speech_ = Speech::opening;
+  State state_ = State::opening;
   Clock::time_point opened_ = Clock::now();
   Clock::time_point deadline_;
   const char* overdue_ = "";  // the reason if the deadline passes

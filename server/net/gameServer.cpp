@@ -95,7 +95,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
     log_("port " + std::to_string(port()) + " is for browsers only: the game and lists accept ports up to " +
          std::to_string(maxListedPort));
   }
-  if (!options.record.folder.empty()) recorder_.emplace(static_cast<Background&>(*this), options.record);
+  if (!options.replays.folder.empty()) recorder_.emplace(static_cast<ServerHost&>(*this), options.replays);
   if (!options.replayFile.empty()) replay_.emplace(roundIn(options.replayFile));
   records_.open();
   publish();

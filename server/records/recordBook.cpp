@@ -15,8 +15,8 @@ struct RecordBook::File {
   std::optional<Database> database{};
 };
 
-RecordBook::RecordBook(Background& background, std::string path)
-    : background_(background), path_(std::move(path)), file_(std::make_shared<File>()) {
+RecordBook::RecordBook(ServerHost& host, std::string path)
+    : host_(host), path_(std::move(path)), file_(std::make_shared<File>()) {
   requireFolderOf(path_);
 }
 
@@ -38,7 +38,7 @@ void RecordBook::add(const std::vector<Score>& scores, bool isRoundOver, Millis 
     keys.push_back(skeletonOf(score.name));
   }
   const auto tables = std::make_shared<Tables>();
-  const std::int64_t today = background_.wallClock();
+  const std::int64_t today = host_.wallClock();
   const bool isUnderWay = use(
       [deeds = std::move(deeds), keys = std::move(keys), tables, today](Database& database) {
         if (!deeds.empty()) database.add(deeds, keys, today);
@@ -89,7 +89,7 @@ NameVerdict RecordBook::verdict(ClientId client, const std::string& name, const 
 bool RecordBook::claim(const std::string& name, const std::string& password,
                        std::function<void(const std::string& text)> finish) {
   const auto result = std::make_shared<Database::Claim>();
-  const std::int64_t now = background_.wallClock();
+  const std::int64_t now = host_.wallClock();
   return use(
       [key = skeletonOf(name), name, password, result, now](Database& database) {
         const std::string hash = hashOf(password);
@@ -111,7 +111,7 @@ bool RecordBook::claim(const std::string& name, const std::string& password,
 
 bool RecordBook::use(std::function<void(Database&)> work, std::function<void(const std::string& error)> finish) {
   const auto error = std::make_shared<std::string>();
-  return background_.runAside(
+  return host_.runAside(
       [file = file_, path = path_, work = std::move(work), error] {
         try {
           if (!file->database) file->database.emplace(path);
@@ -130,7 +130,7 @@ bool RecordBook::use(std::function<void(Database&)> work, std::function<void(con
 void RecordBook::report(const std::string& error) {
   if (error == reported_) return;
   reported_ = error;
-  background_.log(error.empty() ? "the records work again" : "no records: " + path_ + ": " + error);
+  host_.log(error.empty() ? "the records work again" : "no records: " + path_ + ": " + error);
 }
 
 }  // namespace kelvora::server

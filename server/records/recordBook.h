@@ -11,7 +11,7 @@
 #include "server/arena/nameVerdict.h"
 #include "server/arena/score.h"
 #include "server/records/database.h"
-#include "server/system/background.h"
+#include "server/system/serverHost.h"
 
 namespace kelvora::server {
 
@@ -22,7 +22,7 @@ class RecordBook {
   static constexpr std::size_t tableLength = 10;
 
   /// An empty path keeps no records. Throws std::runtime_error if the file's folder is missing.
-  RecordBook(Background& background, std::string path);
+  RecordBook(ServerHost& host, std::string path);
   RecordBook(const RecordBook&) = delete;
   RecordBook& operator=(const RecordBook&) = delete;
 
@@ -59,7 +59,7 @@ class RecordBook {
   /// Logs an error, or its end, but neither twice. A file that can be read may still be on a full disk.
   void report(const std::string& error);
 
-  Background& background_;
+  ServerHost& host_;
   const std::string path_;
   const std::shared_ptr<File> file_;
   std::string reported_;  // the last error

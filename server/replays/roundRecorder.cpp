@@ -41,7 +41,7 @@ std::vector<StoredRound> roundsIn(const fs::path& folder) {
   return rounds;
 }
 
-void removeOldest(const RecordSettings& settings, const fs::path& folder) {
+void removeOldest(const ReplaySettings& settings, const fs::path& folder) {
   const auto rounds = roundsIn(folder);
   std::size_t count = rounds.size();
   std::uintmax_t bytes = 0;
@@ -60,7 +60,7 @@ void removeOldest(const RecordSettings& settings, const fs::path& folder) {
 
 }  // namespace
 
-RoundRecorder::RoundRecorder(Background& host, RecordSettings settings) : host_(host), settings_(std::move(settings)) {
+RoundRecorder::RoundRecorder(ServerHost& host, ReplaySettings settings) : host_(host), settings_(std::move(settings)) {
   std::error_code error;
   const fs::path folder = pathFromUtf8(settings_.folder);
   fs::create_directories(folder, error);
@@ -105,7 +105,7 @@ std::string nameOfRound(std::int64_t begunAt) {
   return text;
 }
 
-std::string storeRound(const RecordSettings& settings, const Moments& round, const std::string& name) {
+std::string storeRound(const ReplaySettings& settings, const Moments& round, const std::string& name) {
   const fs::path folder = pathFromUtf8(settings.folder);
   std::error_code ignored;
   fs::path path = folder / (name + ending);

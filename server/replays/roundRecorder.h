@@ -7,7 +7,7 @@
 
 #include "server/replays/roundFile.h"
 #include "server/replays/settings.h"
-#include "server/system/background.h"
+#include "server/system/serverHost.h"
 
 namespace kelvora::server {
 
@@ -18,7 +18,7 @@ class RoundRecorder {
   static constexpr Millis minLength = 10'000;  ///< of a round that is kept
 
   /// Creates the folder. Throws std::runtime_error if that fails.
-  RoundRecorder(Background& host, RecordSettings settings);
+  RoundRecorder(ServerHost& host, ReplaySettings settings);
 
   bool isRecording() const { return round_.has_value(); }
   void begin(Millis now);
@@ -28,8 +28,8 @@ class RoundRecorder {
   void end(Millis now);
 
  private:
-  Background& host_;
-  const RecordSettings settings_;
+  ServerHost& host_;
+  const ReplaySettings settings_;
   std::optional<Moments> round_;
   Millis begun_ = 0;
   std::int64_t begunAt_ = 0;  // seconds since 1970
@@ -39,6 +39,6 @@ class RoundRecorder {
 std::string nameOfRound(std::int64_t begunAt);
 
 /// Stores a round, and removes the oldest ones that exceed the settings. Returns the error; empty if there was none.
-std::string storeRound(const RecordSettings& settings, const Moments& round, const std::string& name);
+std::string storeRound(const ReplaySettings& settings, const Moments& round, const std::string& name);
 
 }  // namespace kelvora::server

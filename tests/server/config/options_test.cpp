@@ -156,9 +156,9 @@ TEST(ServerOptions, RoundsAreRecordedOrShown) {
   if (!canCompress()) return;  // the server for Windows refuses them
   const Parsed options = parse({"--record", "rounds", "--record-count", "5", "--record-size", "7"});
   EXPECT_EQ(options.error, "");
-  EXPECT_EQ(options.record.folder, "rounds");
-  EXPECT_EQ(options.record.maxCount, 5);
-  EXPECT_EQ(options.record.maxMebibytes, 7);
+  EXPECT_EQ(options.replays.folder, "rounds");
+  EXPECT_EQ(options.replays.maxCount, 5);
+  EXPECT_EQ(options.replays.maxMebibytes, 7);
   EXPECT_NE(parse({"--record-count", "0"}).error, "");
   EXPECT_NE(parse({"--record-size", "0"}).error, "");
   EXPECT_EQ(parse({"--replay", "a.round"}).replayFile, "a.round");

@@ -24,7 +24,7 @@ constexpr std::int64_t day = 86'400;
 constexpr std::int64_t today = 20'000 * day + 500;
 
 /// A folder of its own, and work aside that waits for `finishWork`.
-class RecordsTest : public testing::Test, protected Background {
+class RecordsTest : public testing::Test, protected ServerHost {
  protected:
   const fs::path folder = fs::temp_directory_path() / ("kelvora-records-" + std::to_string(std::random_device{}()));
   const std::string path = (folder / "records").native();

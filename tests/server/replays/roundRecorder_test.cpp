@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class RoundRecorderTest : public testing::Test, protected Background {
+class RoundRecorderTest : public testing::Test, protected ServerHost {
  protected:
   const fs::path folder = fs::path(testing::TempDir()) / "kelvora-rounds" / "inner";
   std::vector<std::string> lines;
@@ -40,7 +40,7 @@ class RoundRecorderTest : public testing::Test, protected Background {
     return true;
   }
 
-  RecordSettings settings(int maxCount = 100) const {
+  ReplaySettings settings(int maxCount = 100) const {
     return {.folder = utf8FromPath(folder), .maxCount = maxCount, .maxMebibytes = 1};
   }
   std::vector<std::string> files() const {
@@ -86,7 +86,7 @@ TEST_F(RoundRecorderTest, ShortRoundsAreNotKept) {
 }
 
 TEST_F(RoundRecorderTest, RoundsOfTheSameSecondHaveDifferentNames) {
-  const RecordSettings here = settings();
+  const ReplaySettings here = settings();
   fs::create_directories(folder);
   EXPECT_EQ(storeRound(here, {}, nameOfRound(time)), "");
   EXPECT_EQ(storeRound(here, {}, nameOfRound(time)), "");
@@ -94,7 +94,7 @@ TEST_F(RoundRecorderTest, RoundsOfTheSameSecondHaveDifferentNames) {
 }
 
 TEST_F(RoundRecorderTest, TheOldestGoFirst) {
-  const RecordSettings here = settings(2);
+  const ReplaySettings here = settings(2);
   fs::create_directories(folder);
   std::ofstream(folder / "notes.txt") << "mine";
   for (int i = 0; i < 4; ++i) EXPECT_EQ(storeRound(here, {}, nameOfRound(time + i)), "");

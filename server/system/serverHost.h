@@ -6,10 +6,10 @@
 
 namespace kelvora::server {
 
-/// The process as pieces of the server see it.
-class Background {
+/// What pieces of the server need of its process.
+class ServerHost {
  public:
-  virtual ~Background() = default;
+  virtual ~ServerHost() = default;
   /// Logs a line for the operator, without a line break.
   virtual void log(const std::string& line) = 0;
   /// The time in seconds since 1970 in UTC.
