@@ -77,6 +77,19 @@ class Finder(PageTest):
         page.press("ArrowUp")
         self.assertEqual(page.see("noted.filter(([kind]) => kind === 'cellChosen')"), [])
 
+    def test_a_double_click_without_servers_is_refused_and_closes_the_finder(self):
+        # The list leaves out servers with a password, unless a player asks for them.
+        _, page = self.begin("--password", "secret")
+        page.press_button("Get List", "dialog('Connect')")
+        page.wait_for("by('.label', 'Done', dialog('Game Finder'))")
+        self.assertEqual(page.see("new Set(all('.grid [data-row]').map((one) => one.dataset.row)).size"), 1)
+        page.double_click_on("by('.grid [data-row]', 'Port')")
+        page.wait_for("box() && words(box()).includes('Invalid server port number')", "the box about the port")
+        self.assertTrue(page.see("dialog('Game Finder')"))
+        page.press("Enter")
+        page.wait_for("!dialog('Game Finder')")
+        self.assertTrue(page.see("dialog('Connect')"))
+
     def test_a_long_note_can_be_scrolled_into_sight(self):
         # It is wider than the room that the other columns leave.
         text = "i" * 125

@@ -53,8 +53,10 @@ class Session(PageTest):
         mouse = "[...Array(100).keys()].filter((id) => canvas().hasPointerCapture(id))"
         press = "canvas().dispatchEvent(new PointerEvent('pointermove', {pointerId, button: 3, buttons: 9}))"
         self.assertEqual(page.see(f"{mouse}.map((pointerId) => {press})"), [True])
-        page.mouse({"type": "pointerDown", "button": RIGHT}, {"type": "pointerUp", "button": LEFT},
-                   {"type": "pointerUp", "button": RIGHT})
+        page.mouse({"type": "pointerDown", "button": RIGHT})
+        page.mouse_to(width / 2 + 140, height / 2)
+        self.assertEqual(page.see("noted.at(-1)[0] === 'mouseMove' && noted.at(-1)[2]"), 3)
+        page.mouse({"type": "pointerUp", "button": LEFT}, {"type": "pointerUp", "button": RIGHT})
         # A mere move that names the left button, as in Safari.
         page.see("canvas().dispatchEvent(new PointerEvent('pointermove', {button: 0, buttons: 0}))")
         presses = page.see("noted.map(([kind, , button]) => [kind, button]).filter(([kind]) => /Down|Up/.test(kind))")
@@ -62,7 +64,7 @@ class Session(PageTest):
         begin, end = line.report(), line.report()
         self.assertGreater(end[0], begin[0], "the brakes are on")
 
-    def test_ctrl_and_a_click_release_the_brakes_on_a_mac(self):
+    def test_ctrl_makes_the_left_button_the_right_one_on_a_mac(self):
         script = self.browser.wire.call("script.addPreloadScript", functionDeclaration="() => { "
                                         "Object.defineProperty(navigator, 'platform', {get: () => 'MacIntel'}); }")
         self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
@@ -70,8 +72,17 @@ class Session(PageTest):
         line = self.log_in(page)
         width, height = page.canvas_size()
         page.mouse_to(width / 2 + 150, height / 2)
+        page.note_events()
         page.act({"type": "key", "id": "keys", "actions": [{"type": "keyDown", "value": page.keys["Control"]}]})
+        page.mouse({"type": "pointerDown", "button": LEFT})
+        page.mouse_to(width / 2 + 140, height / 2)
+        page.act({"type": "key", "id": "keys", "actions": [{"type": "keyUp", "value": page.keys["Control"]}]})
+        page.mouse({"type": "pointerUp", "button": LEFT})
+        page.mouse_to(width / 2 + 150, height / 2)
         page.mouse({"type": "pointerDown", "button": LEFT}, {"type": "pointerUp", "button": LEFT})
+        told = page.see("noted.filter(([kind]) => kind.startsWith('mouse')).map(([kind, , button]) => [kind, button])")
+        self.assertEqual(told, [["mouseDown", 2], ["mouseMove", 2], ["mouseMove", 2], ["mouseUp", 2],
+                                ["mouseMove", 0], ["mouseMove", 0], ["mouseDown", 1], ["mouseUp", 1]])
         begin, end = line.report(), line.report()
         self.assertGreater(end[0], begin[0], "the brakes are on")
 
@@ -131,8 +142,13 @@ class Session(PageTest):
         page.type("psst")
         page.press("Enter")
         self.assertEqual(spy.await_frame(CHAT), [node, b"(private) psst"])
-        # A click on the label of the line makes it public again.
-        page.click_on("all('.main .label').filter((one) => words(one) === 'Spy').at(-1)")
+        # A click on the label of the line makes it public again. Both labels take any button.
+        line = "all('.main .label').filter((one) => words(one) === 'Spy').at(-1)"
+        page.click_on(line, button=RIGHT)
+        page.wait_for("named('Public Chat')")
+        page.click_on("by('.main .label', 'Spy')", button=RIGHT)
+        page.wait_for("named('Spy')", "the chat line for Spy")
+        page.click_on(line)
         page.wait_for("named('Public Chat')")
         page.click_on("canvas()")
         page.type("all")

@@ -148,6 +148,19 @@ class Sound(PageTest):
         page.wait_for("!music.paused")
         self.assertEqual(page.complaints(), [])
 
+    def test_music_that_has_ended_is_not_begun_again_by_a_click(self):
+        page = self.open_watched("")
+        self.log_in(page)
+        page.click_on("document.querySelector('[aria-label=Store]')")
+        # While the store is open, no other track follows.
+        page.wait_for("music.src.endsWith('music_shopping.mp3') && music.currentTime > 0")
+        page.see("music.currentTime = music.duration - 0.1")
+        page.wait_for("musicState === 1")
+        # A browser begins a track, or doesn't, within the click.
+        page.see("(() => { window.begun = 0; music.addEventListener('play', () => { ++begun; }); })()")
+        page.click_on("by('h2', 'Powerups')")
+        self.assertEqual(page.see("[music.paused, begun]"), [True, 0])
+
     def test_music_that_is_switched_off_is_never_fetched(self):
         page = self.open_watched("nomusic")
         line = self.log_in(page)

@@ -122,6 +122,21 @@ class Windows(PageTest):
         sizes = [value for name, value in stored.items() if name.startswith("kelvora/fonts/")]
         self.assertIn(str(wanted), sizes, stored)
 
+    def test_a_colour_bar_reaches_a_hundred_inside_and_more_beyond(self):
+        _, page = self.begin()
+        self.open_fonts(page)
+        # As wide as 855 twips, unlike the red message's picture.
+        bar = "all('.label').find((one) => getComputedStyle(one).backgroundColor === 'rgb(255, 0, 0)'" \
+              " && one.offsetWidth === 57)"
+        left, top, width, height = page.place(bar)
+        middle = (left + width / 2, top + height / 2)
+        page.drag(middle, (left + width - 2, middle[1]))
+        # 55 of 57 pixels.
+        page.wait_for("localStorage.getItem('kelvora/fonts/0colorR') === '96'")
+        # The bar gets mouse moves far outside itself.
+        page.drag(middle, (left + 3 * width, middle[1]))
+        page.wait_for("localStorage.getItem('kelvora/fonts/0colorR') === '255'")
+
     def test_a_click_on_a_mark_sets_the_size(self):
         _, page = self.begin()
         self.open_fonts(page)

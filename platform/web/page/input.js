@@ -1,8 +1,6 @@
 // Turns mouse and key events into the program's. Buttons: 1 left, 2 right, 4 middle. Shift: 1 Shift, 2 Ctrl, 4 Alt.
 const buttonBits = [1, 4, 2];
-// On a Mac, Ctrl makes the button the right one.
 const isMac = navigator.platform.startsWith('Mac');
-const buttonBit = (event) => isMac && event.ctrlKey && event.button === 0 ? 2 : buttonBits[event.button] || 0;
 const shiftBits = (event) => (event.shiftKey ? 1 : 0) + (event.ctrlKey ? 2 : 0) + (event.altKey ? 4 : 0);
 
 // A mouse event's numbers: button, Shift, x and y in pixels of the control, 1 for inside.
@@ -21,9 +19,13 @@ function listenToMouse(control) {
   const isCaptor = kind === 'PictureBox' || kind === 'Label';
   // As on a desktop, a control doesn't hear of a press elsewhere, nor of its moves and release.
   const isOwn = (event) => !isCaptor || element.hasPointerCapture(event.pointerId);
-  const tell = (what, event, button) => post(what, id, mouseNumbers(element, event, button));
+  let isCtrlClick = false;
+  const known = (bits) => isCtrlClick && bits & 1 ? bits & 6 | 2 : bits & 7;
+  const tell = (what, event, bits) => post(what, id, mouseNumbers(element, event, known(bits)));
   element.addEventListener('pointerdown', (event) => {
     event.stopPropagation();
+    // On a Mac, Ctrl makes the left button the right one until it is released.
+    isCtrlClick = isMac && event.ctrlKey && event.button === 0;
     raiseWindow(windowOf(control), event.pointerType === 'touch');
     if (isCaptor) {
       element.setPointerCapture(event.pointerId);
@@ -32,7 +34,7 @@ function listenToMouse(control) {
     }
     if (event.pointerType === 'touch') showTouchButtons(control);
     if (event.pointerType === 'touch' && control.isView) return fingerDown(control, event);
-    tell('mouseDown', event, buttonBit(event));
+    tell('mouseDown', event, buttonBits[event.button]);
   });
   element.addEventListener('pointermove', (event) => {
     if (fingers.has(event.pointerId) && event.pointerId !== steeringFinger()) return;
@@ -40,10 +42,10 @@ function listenToMouse(control) {
     // While a button is held, browsers report those of others as moves. Safari names a button in other moves, too.
     const bit = event.buttons ? buttonBits[event.button] : 0;
     if (bit) return tell(event.buttons & bit ? 'mouseDown' : 'mouseUp', event, bit);
-    tell('mouseMove', event, fingers.has(event.pointerId) ? 0 : event.buttons & 7);
+    tell('mouseMove', event, fingers.has(event.pointerId) ? 0 : event.buttons);
   });
   element.addEventListener('pointerup', (event) => {
-    if (!fingers.has(event.pointerId) && isOwn(event)) tell('mouseUp', event, buttonBit(event));
+    if (!fingers.has(event.pointerId) && isOwn(event)) tell('mouseUp', event, buttonBits[event.button]);
     fingerUp(control, event);
   });
   element.addEventListener('pointercancel', (event) => fingerUp(control, event));

@@ -3,11 +3,10 @@ let speaker = null;
 const sounds = new Map();
 const music = new Audio();
 let musicState = 10;
-let wantsMusic = false;
 
 music.preload = 'none';
 music.onended = () => { musicState = 1; };
-music.onerror = () => { if (wantsMusic) musicState = 1; };
+music.onerror = () => { musicState = 1; };
 
 function startSpeaker() {
   if (!speaker && window.AudioContext) {
@@ -16,7 +15,7 @@ function startSpeaker() {
   }
   // The device may be taken, as by a phone call. Then the next press tries again.
   if (speaker && speaker.state !== 'running') speaker.resume().catch(() => {});
-  if (wantsMusic && music.paused) startMusic();
+  if (musicState === 3 && music.paused) startMusic();  // play() would restart a track that has ended
 }
 // A finger lets sound begin only when it leaves the screen.
 for (const act of ['pointerdown', 'touchend', 'click', 'keydown']) addEventListener(act, startSpeaker, true);
@@ -75,14 +74,12 @@ function startMusic() {
 
 function playMusic(file) {
   musicState = 3;
-  wantsMusic = true;
   music.src = file;
   if (speaker) startMusic();
 }
 
 function stopMusic() {
   musicState = 1;
-  wantsMusic = false;
   music.pause();
   music.removeAttribute('src');
 }
