@@ -36,6 +36,14 @@ bool SoundMixer::post(Command command) {
   return true;
 }
 
+void SoundMixer::postEffect(Command command) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (commands_.size() >= maxPending) return;
+  }
+  post(std::move(command));
+}
+
 void SoundMixer::loadNow() {
   {
     const std::lock_guard lock(mutex_);
@@ -91,19 +99,19 @@ void SoundMixer::closeEffect(int channel) {
 }
 
 void SoundMixer::silenceEffect(int channel, bool silent) {
-  post([channel, silent](MixerDevice& device) { device.silence(channel, silent); });
+  postEffect([channel, silent](MixerDevice& device) { device.silence(channel, silent); });
 }
 
 void SoundMixer::startEffect(int channel) {
   loadNow();
-  post([channel, latest = Clock::now() + maxDelay_](MixerDevice& device) {
+  postEffect([channel, latest = Clock::now() + maxDelay_](MixerDevice& device) {
     if (Clock::now() <= latest) device.wake();
     if (Clock::now() <= latest) device.startEffect(channel);
   });
 }
 
 void SoundMixer::stopEffect(int channel) {
-  post([channel](MixerDevice& device) { device.stopEffect(channel); });
+  postEffect([channel](MixerDevice& device) { device.stopEffect(channel); });
 }
 
 bool SoundMixer::noteMusic(int track, PlayState state) {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -28,6 +29,9 @@ class SoundMixer {
   static constexpr std::chrono::milliseconds loadDelay{400};
   /// The device closes after one to two of these intervals without a sound.
   static constexpr std::chrono::milliseconds usualRest{5000};
+  /// More commands to an effect are dropped while the thread is busy, as while the device hangs. The next one sets the
+  /// effect's state anew.
+  static constexpr std::size_t maxPending = 1'000;
 
   /// `module` is the path of the mixer's module. Without it, or without a sound device, everything is silent. Effects
   /// that couldn't be started within `maxDelay` are dropped, because a late sound would confuse.
@@ -57,6 +61,8 @@ class SoundMixer {
 
   /// Queues a command for the thread. False if no thread can be started.
   bool post(Command command);
+  /// Queues a command that servers can cause.
+  void postEffect(Command command);
   /// Loads the module without further delay, because an effect is waiting for the device.
   void loadNow();
   void work();

@@ -11,6 +11,7 @@
 #include "generated/sourceFolder.h"
 #include "platform/desktop/mixedAudio.h"
 #include "tests/platform/sound/recording.h"
+#include "tests/support/allocatedBytes.h"
 
 namespace kelvora {
 namespace {
@@ -320,6 +321,24 @@ TEST_F(HangingDevice, BlocksNobodyAndDropsLateEffects) {
   EXPECT_EQ(mixer.musicState(), psStopped);
   mixer.startEffect(effect);
   EXPECT_TRUE(waitFor([&] { return readSound(); })) << "from now on everything works";
+  breakDevice();
+}
+
+TEST_F(HangingDevice, CommandsThatWaitForItAreBounded) {
+  const int effect = mixer.openEffect(wave("effect.wav", constant(0.2, 5'000)));
+  mixer.startEffect(effect);
+  const std::size_t before = allocatedBytes();
+  for (int i = 0; i < 300'000; ++i) {
+    mixer.silenceEffect(effect, false);
+    mixer.startEffect(effect);
+    mixer.stopEffect(effect);
+  }
+  EXPECT_LT(allocatedBytes(), before + (std::size_t{1} << 20));
+  beginReading();
+  EXPECT_TRUE(waitFor([&] {
+    mixer.startEffect(effect);
+    return readSound();
+  })) << "from now on everything works";
   breakDevice();
 }
 
