@@ -6,8 +6,8 @@
 
 #include "app/gameState.h"
 #include "core/startUp.h"
-#include "platform/desktop/faultReport.h"
 #include "platform/recording/recorder.h"
+#include "platform/windowing/faultReport.h"
 
 namespace kelvora {
 

@@ -3,7 +3,7 @@
 #include <QPalette>
 #include <string>
 
-#include "platform/desktop/looks.h"
+#include "platform/windowing/looks.h"
 
 namespace kelvora {
 

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "platform/control.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/twips.h"
 
 namespace kelvora {

@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/desktop/processFaults.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/gameLooks.h"
@@ -16,6 +15,7 @@
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/qtGlyphs.h"
 #include "platform/qt/windowSystem.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/surface.h"
 
 namespace kelvora {

@@ -1,12 +1,12 @@
 #include <QKeyEvent>
 #include <QPushButton>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/inputEvents.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

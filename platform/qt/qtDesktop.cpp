@@ -11,10 +11,7 @@
 #include <QPixmapCache>
 #include <cstdlib>
 
-#include "platform/desktop/boxText.h"
 #include "platform/desktop/dataFolder.h"
-#include "platform/desktop/faultReport.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/desktop/mixedAudio.h"
 #include "platform/form.h"
 #include "platform/pictures/pictureFile.h"
@@ -23,6 +20,9 @@
 #include "platform/qt/qtForm.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/sockets/streamSocket.h"
+#include "platform/windowing/boxText.h"
+#include "platform/windowing/faultReport.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

@@ -8,10 +8,10 @@
 
 #include "base/randomGenerator.h"
 #include "platform/backend.h"
-#include "platform/desktop/framePacer.h"
 #include "platform/desktop/soundMixer.h"
 #include "platform/qt/qtSettings.h"
 #include "platform/sockets/networkSignal.h"
+#include "platform/windowing/framePacer.h"
 
 namespace kelvora {
 

@@ -2,9 +2,9 @@
 #include <QEventLoop>
 #include <thread>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/form.h"
 #include "platform/qt/qtDesktop.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

@@ -9,15 +9,15 @@
 #include <QWindow>
 #include <algorithm>
 
-#include "platform/desktop/answerKey.h"
-#include "platform/desktop/controlWalk.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/coveredWindows.h"
 #include "platform/qt/gameLooks.h"
 #include "platform/qt/qtMenu.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
+#include "platform/windowing/answerKey.h"
+#include "platform/windowing/controlWalk.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/twips.h"
 
 namespace kelvora {

@@ -5,12 +5,12 @@
 #include <QTableView>
 #include <QTimer>
 
-#include "platform/desktop/gridCells.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/grid.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"
+#include "platform/windowing/gridCells.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/twips.h"
 
 namespace kelvora {

@@ -1,10 +1,10 @@
 #include <QFontMetrics>
 
-#include "platform/desktop/shownLabel.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
+#include "platform/windowing/shownLabel.h"
 #include "raster/surface.h"
 
 namespace kelvora {

@@ -6,11 +6,11 @@
 #include <QPointer>
 #include <memory>
 
-#include "platform/desktop/handlerCall.h"
-#include "platform/desktop/looks.h"
 #include "platform/menuItem.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/widgetPeer.h"
+#include "platform/windowing/handlerCall.h"
+#include "platform/windowing/looks.h"
 
 namespace kelvora {
 

@@ -1,9 +1,9 @@
 #include <QSignalBlocker>
 #include <QSlider>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

@@ -2,13 +2,13 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
-#include "platform/desktop/faultReport.h"
-#include "platform/desktop/lineText.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/inputEvents.h"
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
+#include "platform/windowing/faultReport.h"
+#include "platform/windowing/lineText.h"
 
 namespace kelvora {
 

@@ -1,8 +1,8 @@
 #include <QTimer>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

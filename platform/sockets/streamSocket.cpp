@@ -7,11 +7,11 @@
 #include <span>
 #include <vector>
 
-#include "platform/desktop/faultReport.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/sockets/hostAddresses.h"
 #include "platform/sockets/networkSignal.h"
 #include "platform/sockets/wire.h"
+#include "platform/windowing/faultReport.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

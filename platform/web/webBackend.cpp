@@ -8,10 +8,6 @@
 #include <optional>
 
 #include "base/codePage.h"
-#include "platform/desktop/boxText.h"
-#include "platform/desktop/faultReport.h"
-#include "platform/desktop/handlerCall.h"
-#include "platform/desktop/polledTimers.h"
 #include "platform/form.h"
 #include "platform/pictures/pictureFile.h"
 #include "platform/web/page.h"
@@ -19,6 +15,10 @@
 #include "platform/web/webPeer.h"
 #include "platform/web/webSocket.h"
 #include "platform/web/webSound.h"
+#include "platform/windowing/boxText.h"
+#include "platform/windowing/faultReport.h"
+#include "platform/windowing/handlerCall.h"
+#include "platform/windowing/polledTimers.h"
 #include "raster/surface.h"
 
 namespace kelvora {

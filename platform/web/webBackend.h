@@ -4,8 +4,8 @@
 
 #include "base/randomGenerator.h"
 #include "platform/backend.h"
-#include "platform/desktop/framePacer.h"
 #include "platform/web/webGlyphs.h"
+#include "platform/windowing/framePacer.h"
 
 namespace kelvora {
 

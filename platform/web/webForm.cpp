@@ -1,11 +1,11 @@
 #include <memory>
 
-#include "platform/desktop/answerKey.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/form.h"
 #include "platform/web/page.h"
 #include "platform/web/webPeer.h"
 #include "platform/widgets.h"
+#include "platform/windowing/answerKey.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/twips.h"
 
 namespace kelvora {

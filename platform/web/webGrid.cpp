@@ -4,10 +4,10 @@
 #include <memory>
 #include <vector>
 
-#include "platform/desktop/gridCells.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/grid.h"
 #include "platform/web/webPeer.h"
+#include "platform/windowing/gridCells.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/twips.h"
 
 namespace kelvora {

@@ -1,9 +1,9 @@
 #include <memory>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/menuItem.h"
 #include "platform/web/page.h"
 #include "platform/web/webPeer.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

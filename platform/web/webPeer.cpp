@@ -2,13 +2,13 @@
 
 #include <cmath>
 
-#include "platform/desktop/handlerCall.h"
-#include "platform/desktop/polledTimers.h"
 #include "platform/grid.h"
 #include "platform/menuItem.h"
 #include "platform/pictureBox.h"
 #include "platform/web/page.h"
 #include "platform/widgets.h"
+#include "platform/windowing/handlerCall.h"
+#include "platform/windowing/polledTimers.h"
 #include "raster/twips.h"
 
 namespace kelvora {

@@ -1,11 +1,11 @@
 #include <memory>
 #include <string>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/pictureBox.h"
 #include "platform/web/page.h"
 #include "platform/web/webPeer.h"
 #include "platform/web/webPixels.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/twips.h"
 
 namespace kelvora {

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/web/page.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

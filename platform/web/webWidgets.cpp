@@ -1,13 +1,13 @@
 #include <algorithm>
 #include <memory>
 
-#include "platform/desktop/answerKey.h"
-#include "platform/desktop/handlerCall.h"
-#include "platform/desktop/shownLabel.h"
 #include "platform/web/page.h"
 #include "platform/web/webPeer.h"
 #include "platform/web/webPixels.h"
 #include "platform/widgets.h"
+#include "platform/windowing/answerKey.h"
+#include "platform/windowing/handlerCall.h"
+#include "platform/windowing/shownLabel.h"
 #include "raster/surface.h"
 #include "raster/twips.h"
 

@@ -1,12 +1,12 @@
 #include "platform/win32/controlPeer.h"
 
-#include "platform/desktop/handlerCall.h"
-#include "platform/desktop/polledTimers.h"
 #include "platform/grid.h"
 #include "platform/pictureBox.h"
 #include "platform/widgets.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/wideText.h"
+#include "platform/windowing/handlerCall.h"
+#include "platform/windowing/polledTimers.h"
 #include "raster/twips.h"
 
 namespace kelvora {

@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "platform/desktop/controlWalk.h"
 #include "platform/widgets.h"
 #include "platform/win32/formPeer.h"
+#include "platform/windowing/controlWalk.h"
 #include "raster/surface.h"
 
 namespace kelvora {

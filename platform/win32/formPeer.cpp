@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/desktop/answerKey.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/widgets.h"
 #include "platform/win32/wideText.h"
+#include "platform/windowing/answerKey.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/twips.h"
 
 namespace kelvora {

@@ -4,10 +4,10 @@
 #include <span>
 #include <vector>
 
-#include "platform/desktop/looks.h"
 #include "platform/form.h"
 #include "platform/win32/controlPeer.h"
 #include "platform/win32/toolTip.h"
+#include "platform/windowing/looks.h"
 
 namespace kelvora {
 

@@ -2,13 +2,13 @@
 #include <cmath>
 #include <string>
 
-#include "platform/desktop/gridCells.h"
 #include "platform/grid.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/nativePeer.h"
 #include "platform/win32/textLines.h"
 #include "platform/win32/wideText.h"
+#include "platform/windowing/gridCells.h"
 #include "raster/twips.h"
 // After the above.
 #include <uxtheme.h>

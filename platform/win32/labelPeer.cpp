@@ -1,11 +1,11 @@
 #include <vector>
 
-#include "platform/desktop/shownLabel.h"
 #include "platform/win32/controlPeer.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/textLines.h"
 #include "platform/win32/wideText.h"
+#include "platform/windowing/shownLabel.h"
 #include "raster/surface.h"
 
 namespace kelvora {

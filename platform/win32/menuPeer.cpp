@@ -1,11 +1,11 @@
 #include <cmath>
 #include <string>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/menuItem.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/wideText.h"
+#include "platform/windowing/handlerCall.h"
 // After the above.
 #include <oleacc.h>
 

@@ -1,10 +1,10 @@
 #include "platform/win32/nativePeer.h"
 
-#include "platform/desktop/answerKey.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/messagePump.h"
+#include "platform/windowing/answerKey.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

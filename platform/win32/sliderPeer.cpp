@@ -1,7 +1,7 @@
-#include "platform/desktop/handlerCall.h"
 #include "platform/widgets.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/nativePeer.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

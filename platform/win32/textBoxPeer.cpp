@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/desktop/lineText.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/nativePeer.h"
 #include "platform/win32/wideText.h"
+#include "platform/windowing/lineText.h"
 
 namespace kelvora {
 

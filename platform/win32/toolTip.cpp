@@ -3,8 +3,8 @@
 #include <commctrl.h>
 #include <uxtheme.h>
 
-#include "platform/desktop/looks.h"
 #include "platform/win32/wideText.h"
+#include "platform/windowing/looks.h"
 
 namespace kelvora {
 

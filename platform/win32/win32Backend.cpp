@@ -4,15 +4,15 @@
 #include <utility>
 
 #include "base/codePage.h"
-#include "platform/desktop/boxText.h"
 #include "platform/desktop/dataFolder.h"
-#include "platform/desktop/faultReport.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/desktop/mixedAudio.h"
 #include "platform/pictures/pictureFile.h"
 #include "platform/sockets/streamSocket.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/messageWindow.h"
+#include "platform/windowing/boxText.h"
+#include "platform/windowing/faultReport.h"
+#include "platform/windowing/handlerCall.h"
 #include "raster/surface.h"
 // After the above.
 #include <mmsystem.h>

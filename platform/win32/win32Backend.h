@@ -6,10 +6,10 @@
 
 #include "base/randomGenerator.h"
 #include "platform/backend.h"
-#include "platform/desktop/framePacer.h"
 #include "platform/desktop/soundMixer.h"
 #include "platform/win32/gdiGlyphs.h"
 #include "platform/win32/registrySettings.h"
+#include "platform/windowing/framePacer.h"
 
 namespace kelvora {
 

@@ -2,8 +2,6 @@
 #include <limits>
 #include <thread>
 
-#include "platform/desktop/handlerCall.h"
-#include "platform/desktop/polledTimers.h"
 #include "platform/form.h"
 #include "platform/sockets/networkSignal.h"
 #include "platform/sockets/streamSocket.h"
@@ -11,6 +9,8 @@
 #include "platform/win32/messagePump.h"
 #include "platform/win32/win32.h"
 #include "platform/win32/win32Backend.h"
+#include "platform/windowing/handlerCall.h"
+#include "platform/windowing/polledTimers.h"
 
 namespace kelvora {
 

@@ -3,13 +3,13 @@
 #include <string>
 
 #include "platform/desktop/dataFolder.h"
-#include "platform/desktop/faultReport.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/desktop/helpText.h"
 #include "platform/desktop/runDesktop.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/wideText.h"
 #include "platform/win32/win32Backend.h"
+#include "platform/windowing/faultReport.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

@@ -4,7 +4,7 @@
 #include <regex>
 #include <string>
 
-#include "platform/desktop/looks.h"
+#include "platform/windowing/looks.h"
 #include "tests/project/tree.h"
 
 namespace {

@@ -15,9 +15,9 @@
 #include "base/fault.h"
 #include "generated/sourceFolder.h"
 #include "platform/backend.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/qt/qtDesktop.h"
 #include "platform/qt/qtGlyphs.h"
+#include "platform/windowing/handlerCall.h"
 #include "tests/platform/qt/desktopTest.h"
 #include "tests/platform/qt/formProbe.h"
 

@@ -8,10 +8,10 @@
 
 #include "base/fault.h"
 #include "platform/backend.h"
-#include "platform/desktop/faultReport.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/qt/codePage.h"
 #include "platform/qt/qtSettings.h"
+#include "platform/windowing/faultReport.h"
+#include "platform/windowing/handlerCall.h"
 #include "tests/platform/qt/formProbe.h"
 
 namespace kelvora {

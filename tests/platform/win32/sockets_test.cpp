@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/win32/win32Backend.h"
+#include "platform/windowing/handlerCall.h"
 #include "tests/platform/sockets/loopbackServer.h"
 
 namespace kelvora {

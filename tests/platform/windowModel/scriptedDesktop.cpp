@@ -3,8 +3,8 @@
 #include <filesystem>
 
 #include "generated/sourceFolder.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/pictures/pictureFile.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

@@ -3,12 +3,12 @@
 #include <utility>
 
 #include "frontend/frmMain.h"
-#include "platform/desktop/polledTimers.h"
 #include "platform/menuItem.h"
 #include "platform/widgets.h"
 #include "platform/win32/eventQueue.h"
 #include "platform/win32/formPeer.h"
 #include "platform/win32/messageWindow.h"
+#include "platform/windowing/polledTimers.h"
 
 namespace kelvora::hands {
 

@@ -3,7 +3,7 @@
 #include <exception>
 #include <functional>
 
-#include "platform/desktop/faultReport.h"
+#include "platform/windowing/faultReport.h"
 
 namespace kelvora {
 

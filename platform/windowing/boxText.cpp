@@ -1,4 +1,4 @@
-#include "platform/desktop/boxText.h"
+#include "platform/windowing/boxText.h"
 
 #include "base/codePage.h"
 

@@ -1,4 +1,4 @@
-#include "platform/desktop/polledTimers.h"
+#include "platform/windowing/polledTimers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/desktop/faultReport.h"
+#include "platform/windowing/faultReport.h"
 
 #include <cstdio>
 #include <cstdlib>

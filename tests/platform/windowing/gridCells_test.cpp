@@ -1,4 +1,4 @@
-#include "platform/desktop/gridCells.h"
+#include "platform/windowing/gridCells.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#include "platform/desktop/polledTimers.h"
+#include "platform/windowing/polledTimers.h"
 
 #include <algorithm>
 #include <limits>
 #include <vector>
 
-#include "platform/desktop/handlerCall.h"
 #include "platform/widgets.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

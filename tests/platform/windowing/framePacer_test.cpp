@@ -1,4 +1,4 @@
-#include "platform/desktop/framePacer.h"
+#include "platform/windowing/framePacer.h"
 
 #include <gtest/gtest.h>
 

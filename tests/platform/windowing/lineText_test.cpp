@@ -1,4 +1,4 @@
-#include "platform/desktop/lineText.h"
+#include "platform/windowing/lineText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/desktop/handlerCall.h"
+#include "platform/windowing/handlerCall.h"
 
 #include <exception>
 

@@ -1,8 +1,8 @@
-#include "platform/desktop/answerKey.h"
+#include "platform/windowing/answerKey.h"
 
-#include "platform/desktop/controlWalk.h"
-#include "platform/desktop/handlerCall.h"
 #include "platform/widgets.h"
+#include "platform/windowing/controlWalk.h"
+#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 

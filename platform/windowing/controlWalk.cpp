@@ -1,4 +1,4 @@
-#include "platform/desktop/controlWalk.h"
+#include "platform/windowing/controlWalk.h"
 
 #include <algorithm>
 
