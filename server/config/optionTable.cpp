@@ -5,6 +5,7 @@
 #include "base/codePage.h"
 #include "base/numberFromText.h"
 #include "protocol/wireFormat.h"
+#include "server/config/addressList.h"
 #include "server/config/commaList.h"
 #include "server/lists/announcement.h"
 #include "server/system/passwords.h"
@@ -34,6 +35,17 @@ Outcome checkHash(const std::string& hash) {
 Outcome checkPublicAddress(const std::string& address) {
   if (isListable(address)) return Outcome::done();
   return Outcome::refused("must have letters, digits, points, colons and hyphens only");
+}
+
+Outcome checkAddress(const std::string& address) {
+  boost::system::error_code error;
+  boost::asio::ip::make_address(address, error);
+  return error ? Outcome::refused("must be an IP address") : Outcome::done();
+}
+
+Outcome checkAddresses(const std::string& addresses) {
+  if (AddressList::read(addresses)) return Outcome::done();
+  return Outcome::refused("needs IP addresses and networks, such as 192.0.2.7 and 10.0.0.0/8, or *");
 }
 
 Outcome checkUrls(const std::string& urls) {
@@ -77,11 +89,13 @@ const std::array table = {
     Option{"web-address", "ADDRESS", "address to listen on for the second port (as --address)",
            Text([](Options& o) -> std::string& { return o.webAddress; }), 0, maxTextLength},
     Option{"trusted-proxy", "ADDRESS", "IP address of a proxy that names its clients (none)",
-           Text([](Options& o) -> std::string& { return o.trustedProxy; }), 0, maxTextLength},
-    Option{"metrics-for", "ADDRESSES", "IP addresses that may read /metrics, besides this machine; * for all (none)",
-           Text([](Options& o) -> std::string& { return o.metricsFor; }), 0, maxPathLength},
-    Option{"unlimited-for", "ADDRESSES", "IP addresses and networks of your own, without the limits per address (none)",
-           Text([](Options& o) -> std::string& { return o.unlimitedFor; }), 0, maxPathLength},
+           Text([](Options& o) -> std::string& { return o.trustedProxy; }), 0, maxTextLength, checkAddress},
+    Option{"metrics-for", "ADDRESSES",
+           "addresses and networks that may read /metrics, besides this machine; * for all (none)",
+           Text([](Options& o) -> std::string& { return o.metricsFor; }), 0, maxPathLength, checkAddresses},
+    Option{"unlimited-for", "ADDRESSES",
+           "IP addresses and networks without the limits per address; * for all (none)",
+           Text([](Options& o) -> std::string& { return o.unlimitedFor; }), 0, maxPathLength, checkAddresses},
 
     heading("Game:"),
     Option{"round-seconds", "SECONDS", "length of a round (180)",

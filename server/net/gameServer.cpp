@@ -37,10 +37,7 @@ std::vector<std::unique_ptr<Publisher>> startPublishers(asio::io_context& contex
 
 std::optional<asio::ip::address> proxyAddress(const std::string& text) {
   if (text.empty()) return std::nullopt;
-  error_code error;
-  const auto address = asio::ip::make_address(text, error);
-  if (error) throw std::runtime_error("--trusted-proxy must be an IP address, not " + text);
-  return unmapped(address);
+  return unmapped(asio::ip::make_address(text));
 }
 
 /// A replay is there to be watched.
@@ -71,8 +68,8 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
       log_(std::move(log)),
       logAct_(logAct ? std::move(logAct) : log_),
       trustedProxy_(proxyAddress(options.trustedProxy)),
-      metricsFor_("--metrics-for", options.metricsFor),
-      unlimitedFor_("--unlimited-for", options.unlimitedFor),
+      metricsFor_(AddressList::read(options.metricsFor).value()),
+      unlimitedFor_(AddressList::read(options.unlimitedFor).value()),
       site_(pathFromUtf8(options.site.value_or(""))),
       listener_(context, options.address, options.port, listenerHandlers()),
       context_(context),

@@ -104,6 +104,8 @@ TEST(ServerConfig, ErrorsInAFileNameTheFileAndLine) {
       {"= 1", ":1: unknown option \"\""},
       {"help = 1", ":1: help is for the command line only"},
       {"\nversion =", ":2: version is for the command line only"},
+      {"\nunlimited-for = games.example",
+       ":2: unlimited-for needs IP addresses and networks, such as 192.0.2.7 and 10.0.0.0/8, or *"},
       {"config = other", ":1: config is for the command line only"},
   };
   for (const Row& row : rows) {

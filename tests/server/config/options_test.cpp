@@ -49,6 +49,25 @@ TEST(ServerOptions, EachListMustBeAWebServer) {
   }
 }
 
+TEST(ServerOptions, AddressesMustBeIpAddresses) {
+  for (const char* proxy : {"", "192.0.2.7", "2001:db8::7"}) {
+    EXPECT_EQ(parse({"--trusted-proxy", proxy}).error, "") << proxy;
+  }
+  for (const char* proxy : {"games.example", "192.0.2.0/24", "192.0.2.7, 192.0.2.8", "*"}) {
+    EXPECT_EQ(parse({"--trusted-proxy", proxy}).error, "--trusted-proxy must be an IP address") << proxy;
+  }
+  for (const std::string option : {"--metrics-for", "--unlimited-for"}) {
+    for (const char* addresses : {"", "*", "192.0.2.7, 10.0.0.0/8, 2001:db8::/32"}) {
+      EXPECT_EQ(parse({option, addresses}).error, "") << addresses;
+    }
+    for (const char* addresses : {"games.example", "10.0.0.0/33", "192.0.2.7 192.0.2.8"}) {
+      EXPECT_EQ(parse({option, addresses}).error,
+                option + " needs IP addresses and networks, such as 192.0.2.7 and 10.0.0.0/8, or *")
+          << addresses;
+    }
+  }
+}
+
 TEST(ServerOptions, PublicAddressesAreThoseThatListsAccept) {
   for (const char* address : {"", "games.example", "2001:db8::7", "my-server"}) {
     EXPECT_EQ(parse({"--public-address", address}).error, "") << address;

@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <stdexcept>
 #include <string>
 
-#include "server/net/addressList.h"
 #include "tests/server/net/runningServer.h"
 #include "tests/server/net/tcpClient.h"
 #include "tests/server/net/webAnswer.h"
@@ -188,46 +186,6 @@ TEST_F(Metrics, AHealthyServerSaysSoToEverybody) {
   }
   const RunningServer proxied(options({}, "127.0.0.5"));
   EXPECT_EQ(ask(proxied.port(), request({}, "/healthz"), 5).code(), 200) << "the proxy's own question";
-}
-
-bool listHas(const std::string& text, const char* address) {
-  return AddressList("--option", text).has(asio::ip::make_address(address));
-}
-
-TEST(AddressList, HasItsAddresses) {
-  EXPECT_FALSE(listHas("", "127.0.0.1"));
-  EXPECT_TRUE(listHas("192.0.2.1", "192.0.2.1"));
-  EXPECT_TRUE(listHas("192.0.2.1", "::ffff:192.0.2.1"));
-  EXPECT_TRUE(listHas(" ::ffff:192.0.2.1 ", "192.0.2.1"));
-  EXPECT_TRUE(listHas("192.0.2.1 ,2001:db8::1", "2001:db8::1"));
-  EXPECT_FALSE(listHas("192.0.2.1,2001:db8::1", "2001:db8::2"));
-  EXPECT_TRUE(listHas("192.0.2.1, *", "2001:db8::2"));
-}
-
-TEST(AddressList, HasTheAddressesOfItsNetworks) {
-  EXPECT_TRUE(listHas("192.0.2.77/24", "192.0.2.1"));
-  EXPECT_FALSE(listHas("192.0.2.0/24", "192.0.3.1"));
-  EXPECT_TRUE(listHas("192.0.2.128/25", "192.0.2.200"));
-  EXPECT_FALSE(listHas("192.0.2.128/25", "192.0.2.127"));
-  EXPECT_TRUE(listHas("10.0.0.0/15", "10.1.255.255"));
-  EXPECT_FALSE(listHas("10.0.0.0/15", "10.2.0.0"));
-  EXPECT_FALSE(listHas("192.0.2.1/32", "192.0.2.0"));
-  EXPECT_TRUE(listHas("0.0.0.0/0", "192.0.2.1"));
-  EXPECT_FALSE(listHas("0.0.0.0/0", "2001:db8::1")) << "the other family";
-  EXPECT_TRUE(listHas("2001:db8::/32", "2001:db8:ffff::1"));
-  EXPECT_FALSE(listHas("2001:db8::/32", "2001:db9::1"));
-}
-
-TEST(AddressList, RefusesAnythingElse) {
-  for (const char* text : {"localhost", ",", "192.0.2.1 192.0.2.2", "192.0.2.0/33", "192.0.2.0/", "192.0.2.0/-1",
-                           "2001:db8::/129", "/8", "**"}) {
-    try {
-      const AddressList list("--option", text);
-      ADD_FAILURE() << "takes " << text;
-    } catch (const std::runtime_error& error) {
-      EXPECT_TRUE(std::string(error.what()).starts_with("--option must have IP addresses, not \"")) << error.what();
-    }
-  }
 }
 
 }  // namespace

@@ -279,6 +279,7 @@ TEST(ServerProgram, TheSecondSignalIsHarmless) {
 TEST(ServerProgram, ReportsErrorsInItsExitStatus) {
   EXPECT_EQ(Program({"--prot", "1"}).status(), 2);
   EXPECT_EQ(Program({"--config", "/no/such/file"}).status(), 2);
+  EXPECT_EQ(Program({"--metrics-for", "games.example"}).status(), 2);
   EXPECT_EQ(Program({"--address", "no.such.address.invalid"}).status(), 1);
   Program help({"--help"});
   EXPECT_EQ(help.line(), "Usage: kelvora-server [options]\n");

@@ -1,21 +1,16 @@
-#include "server/net/addressList.h"
+#include "server/config/addressList.h"
 
 #include <algorithm>
-#include <optional>
-#include <stdexcept>
 
 #include "base/numberFromText.h"
 #include "server/config/commaList.h"
 #include "server/moderation/network.h"
-#include "server/net/asio.h"
 
 namespace kelvora::server {
 
-namespace {
+namespace asio = boost::asio;
 
-std::string refusal(const std::string& option, const std::string& entry) {
-  return option + " must have IP addresses, not \"" + entry + "\"";
-}
+namespace {
 
 /// True if the first `bits` bits are the same.
 template <class Bytes>
@@ -27,10 +22,11 @@ bool beginAlike(const Bytes& one, const Bytes& other, std::size_t bits) {
 
 }  // namespace
 
-AddressList::AddressList(const std::string& option, const std::string& text) {
+std::optional<AddressList> AddressList::read(const std::string& text) {
+  AddressList list;
   for (const std::string& entry : commaList(text)) {
     if (entry == "*") {
-      hasAll_ = true;
+      list.hasAll_ = true;
       continue;
     }
     const std::size_t slash = std::min(entry.find('/'), entry.size());
@@ -39,12 +35,13 @@ AddressList::AddressList(const std::string& option, const std::string& text) {
     const std::size_t allBits = address.is_v4() ? 32 : 128;
     const auto bits =
         slash < entry.size() ? numberFromText<std::size_t>(entry.substr(slash + 1)) : std::optional(allBits);
-    if (error || !bits || *bits > allBits) throw std::runtime_error(refusal(option, entry));
-    networks_.push_back({address, *bits});
+    if (error || !bits || *bits > allBits) return std::nullopt;
+    list.networks_.push_back({address, *bits});
   }
+  return list;
 }
 
-bool AddressList::has(const boost::asio::ip::address& address) const {
+bool AddressList::has(const asio::ip::address& address) const {
   const auto sought = unmapped(address);
   return hasAll_ || std::ranges::any_of(networks_, [&](const Network& network) {
            if (network.address.is_v4() != sought.is_v4()) return false;
