@@ -10,7 +10,7 @@ linux_check_packages="$play_packages ccache libgtest-dev libbenchmark-dev clang-
   openssl curl wget $window_test_packages"
 
 # Packages for the server alone, for the page for browsers, for the page's checks, and for tools/package.sh.
-server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev libsqlite3-dev"
+server_packages="g++ cmake ninja-build libboost-dev libcurl4-openssl-dev libsqlite3-dev zlib1g-dev"
 web_packages="cmake ninja-build emscripten libstb-dev flac fonts-comic-neue fonts-liberation"
 web_check_packages="$web_packages $play_packages ccache googletest chromium chromium-driver firefox-esr
   python3-websockets openssl nginx libnginx-mod-stream xvfb xdotool openbox x11-utils imagemagick"
