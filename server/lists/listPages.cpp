@@ -64,15 +64,18 @@ HttpAnswer ListPages::answer(const HttpRequest& request, const Requester& reques
 }
 
 HttpAnswer ListPages::listing(const HostQuery& query, Millis now) {
-  HostEntry own = host_;
-  if (own.address.empty()) own.address = ownAddress_;
-  HttpAnswer answer = textAnswer(200, matches(own, version_, query) ? hostRecord(own) : "");
+  HttpAnswer answer = textAnswer(200, "");
+  if (host_) {
+    HostEntry own = *host_;
+    if (own.address.empty()) own.address = ownAddress_;
+    if (matches(own, version_, query)) answer.body = hostRecord(own);
+  }
   answer.append(registry_.listing(query, now));
   return answer;
 }
 
 HttpAnswer ListPages::table(Millis now) {
-  HttpAnswer answer = htmlAnswer(listTableBegin() + listTableRow(host_));
+  HttpAnswer answer = htmlAnswer(listTableBegin() + (host_ ? listTableRow(*host_) : ""));
   answer.append(registry_.table(now));
   return answer;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "server/http/http.h"
@@ -25,9 +26,8 @@ class ListPages {
             std::size_t maxHosts = HostRegistry::usualMaxHosts)
       : version_(std::move(version)), key_(std::move(key)), ownAddress_(std::move(ownAddress)), registry_(maxHosts) {}
 
-  /// Sets this server's own entry. Browsers play it where they got the page if it has no address.
-  void setOwnEntry(HostEntry host) { host_ = std::move(host); }
-  const HostEntry& host() const { return host_; }
+  /// Sets this server's own entry, or removes it. Browsers play it where they got the page if it has no address.
+  void setOwnEntry(std::optional<HostEntry> host) { host_ = std::move(host); }
   /// True if this class answers the path.
   static bool has(std::string_view path);
   /// Answers a request whose path `has` accepts. Refusals are answers with an error status.
@@ -41,7 +41,7 @@ class ListPages {
   const std::string version_;
   const std::string key_;
   const std::string ownAddress_;
-  HostEntry host_;
+  std::optional<HostEntry> host_;
   HostRegistry registry_;
 };
 

@@ -41,10 +41,9 @@ std::optional<asio::ip::address> proxyAddress(const std::string& text) {
 }
 
 /// A replay is there to be watched.
-ArenaRules rulesFor(const Options& options) {
-  ArenaRules rules = options.rules;
-  if (!options.replayFile.empty() && rules.spectators == 0) rules.spectators = spectatorsOfReplay;
-  return rules;
+Options withSpectators(Options options) {
+  if (!options.replayFile.empty() && options.rules.spectators == 0) options.rules.spectators = spectatorsOfReplay;
+  return options;
 }
 
 Moments roundIn(const std::string& fileName) {
@@ -64,7 +63,7 @@ Moments roundIn(const std::string& fileName) {
 }  // namespace
 
 GameServer::GameServer(asio::io_context& context, const Options& options, WriteLine log, WriteLine logAct)
-    : options_(options),
+    : options_(withSpectators(options)),
       log_(std::move(log)),
       logAct_(logAct ? std::move(logAct) : log_),
       trustedProxy_(proxyAddress(options.trustedProxy)),
@@ -74,7 +73,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
       listener_(context, options.address, options.port, listenerHandlers()),
       context_(context),
       timer_(context),
-      arena_(*this, versionText(), options.password, std::random_device{}(), rulesFor(options)),
+      arena_(*this, versionText(), options.password, std::random_device{}(), options_.rules),
       bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
       records_(*this, options.recordsFile),
       moderation_(arena_, bots_, records_, *this, options.moderation),
@@ -85,18 +84,22 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
     const std::string& address = options.webAddress.empty() ? options.address : options.webAddress;
     webListener_.emplace(context, address, *options.webPort, listenerHandlers());
   }
-  if (options.rules.spectators > 0) {
+  if (options.rules.spectators > 0) {  // a replay needs no second port to be watched on
     spectatorListener_.emplace(context, options.address, options.portOfSpectators(), listenerHandlers(Role::spectator));
   }
-  if (port() > maxListedPort) {
-    log_("port " + std::to_string(port()) + " is for browsers only: the game and lists accept ports up to " +
-         std::to_string(maxListedPort));
-  }
+  warnOfPort(port());
+  if (spectatorListener_) warnOfPort(spectatorListener_->port());
   if (!options.replays.folder.empty()) recorder_.emplace(static_cast<ServerHost&>(*this), options.replays);
   if (!options.replayFile.empty()) replay_.emplace(roundIn(options.replayFile));
   records_.open();
   publish();
   tickMore();
+}
+
+void GameServer::warnOfPort(std::uint16_t port) const {
+  if (port <= maxListedPort) return;
+  log_("port " + std::to_string(port) + " is for browsers only: the game and lists accept ports up to " +
+       std::to_string(maxListedPort));
 }
 
 Listener::Handlers GameServer::listenerHandlers(Role role) {

@@ -116,6 +116,8 @@ class GameServer : private ArenaOutput, private ModerationHost {
   std::vector<RecordTable> recordTables() const;
 
   Listener::Handlers listenerHandlers(Role role = Role::player);
+  /// Logs that the game doesn't accept the port, if it doesn't.
+  void warnOfPort(std::uint16_t port) const;
   void beginGame(ClientId client);
   void received(ClientId client, std::string_view text);
   /// The number of people, without bots, who make room for them.

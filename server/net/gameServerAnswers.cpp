@@ -69,7 +69,8 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
     return textAnswer(403, "Pages from other sites may not play here.\n");
   }
   if (ListPages::has(path)) {
-    list_.setOwnEntry(hostEntry());
+    const bool isGame = !replay_ && !drainsUntil_;
+    list_.setOwnEntry(isGame ? std::optional(hostEntry()) : std::nullopt);
     return list_.answer(
         request,
         {.address = guest.address.to_string(), .network = guest.network, .isTrusted = unlimitedFor_.has(guest.address)},

@@ -4,6 +4,7 @@ import pathlib
 import subprocess
 import tempfile
 import unittest
+import urllib.request
 
 from realServer import PATIENCE, SERVER, RawPlayer, Server, connect, frame, protocol, wait_for
 from webSocketPlayer import WebSocket, WebSocketPlayer
@@ -39,9 +40,12 @@ class Replays(unittest.TestCase):
     def test_a_round_is_shown_again(self):
         file = self.record()
         with Server("--replay", str(file)) as server:
+            with urllib.request.urlopen(f"http://127.0.0.1:{server.port}/games") as answer:
+                self.assertNotIn(b" of 6", answer.read(), "it is no game to be listed")
             sue = RawPlayer(connect(server.port, 4), "Sue", 2)
             tom = WebSocketPlayer(WebSocket(f"ws://127.0.0.1:{server.port}/play", 5), "Tom", 3)
-            for spectator in (sue, tom):
+            pia = WebSocketPlayer(WebSocket(f"ws://127.0.0.1:{server.port}/watch", 6), "Pia", 4)
+            for spectator in (sue, tom, pia):
                 spectator.find(protocol.ALIVE_STATE, lambda fields: fields == ["-1", "0"])
                 for name in ("Ann", "Bob"):
                     spectator.find(protocol.PLAYER_JOINED, lambda fields, name=name: fields[2] == name)
@@ -55,8 +59,8 @@ class Replays(unittest.TestCase):
             sue.find(protocol.PLAYER_LEFT, start=end)
             sue.find(protocol.PLAYER_JOINED, start=end)
             self.assertFalse(any(b"secret" in text for text in sue.frames), "private lines are not recorded")
-            sue.close()
-            tom.close()
+            for spectator in (sue, tom, pia):
+                spectator.close()
 
     def test_files_that_are_no_round_are_refused(self):
         self.folder.mkdir()

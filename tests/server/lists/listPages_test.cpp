@@ -19,12 +19,12 @@ class ListPagesTest : public testing::Test {
 
   ListPagesTest() { publish(false, 3); }
   void publish(bool password, std::size_t players) {
-    pages.setOwnEntry({.address = "192.0.2.7",
-                       .port = 2010,
-                       .passwordRequired = password,
-                       .notes = "friendly game",
-                       .players = players,
-                       .maxPlayers = 6});
+    pages.setOwnEntry(HostEntry{.address = "192.0.2.7",
+                                .port = 2010,
+                                .passwordRequired = password,
+                                .notes = "friendly game",
+                                .players = players,
+                                .maxPlayers = 6});
   }
   HttpAnswer ask(const std::string& method, const std::string& target) {
     HttpRequest request;
@@ -50,6 +50,12 @@ TEST_F(ListPagesTest, HasItsFourPaths) {
   for (const char* path : {"/", "/games/", "/games/kelvora/", "/games/kelvora/ver.txt/", "/GAMES/KELVORA/VER.TXT"}) {
     EXPECT_FALSE(ListPages::has(path)) << path;
   }
+}
+
+TEST_F(ListPagesTest, MayLackTheServerItself) {
+  pages.setOwnEntry(std::nullopt);
+  EXPECT_EQ(list("version=" KELVORA_VERSION), "-END-\n");
+  EXPECT_EQ(text(ask("GET", "/games")).find(" of 6"), std::string::npos);
 }
 
 TEST_F(ListPagesTest, AnswersBothFormsOfATarget) {
@@ -114,7 +120,8 @@ std::vector<std::string> rows(std::string page) {
 }
 
 TEST_F(ListPagesTest, BrowsersGetATableWithALinkToPlayEachGame) {
-  pages.setOwnEntry({.address = "192.0.2.7", .port = 2010, .notes = "f\xFCr alle", .players = 1, .maxPlayers = 6});
+  pages.setOwnEntry(
+      HostEntry{.address = "192.0.2.7", .port = 2010, .notes = "f\xFCr alle", .players = 1, .maxPlayers = 6});
   const auto publish = [&](const std::string& query) {
     HttpRequest request{.method = "POST", .target = "/games/kelvora/publish?" + query};
     EXPECT_EQ(pages.answer(request, {.address = "198.51.100.1", .network = "n"}, 0).status, 200U) << query;
@@ -136,7 +143,7 @@ TEST_F(ListPagesTest, BrowsersGetATableWithALinkToPlayEachGame) {
 
 TEST_F(ListPagesTest, AServerWithoutAnAddressIsPlayedWhereThePageIs) {
   ListPages wildcard(KELVORA_VERSION, "", "0.0.0.0");
-  wildcard.setOwnEntry({.address = "", .port = 2010, .notes = "", .players = 0, .maxPlayers = 6});
+  wildcard.setOwnEntry(HostEntry{.address = "", .port = 2010, .notes = "", .players = 0, .maxPlayers = 6});
   const auto ask = [&](const std::string& target) {
     return text(wildcard.answer({.method = "GET", .target = target}, {.address = "198.51.100.1", .network = "n"}, 0));
   };
@@ -146,7 +153,7 @@ TEST_F(ListPagesTest, AServerWithoutAnAddressIsPlayedWhereThePageIs) {
 
 TEST_F(ListPagesTest, NothingInAnEntryBecomesMarkup) {
   const std::string evil = "</td><script>alert(1)</script>\"' onclick=x &lt; \x01\x7F";
-  pages.setOwnEntry({.address = evil, .port = 2010, .notes = evil, .players = 3, .maxPlayers = 6});
+  pages.setOwnEntry(HostEntry{.address = evil, .port = 2010, .notes = evil, .players = 3, .maxPlayers = 6});
   HttpRequest request{.method = "POST",
                       .target =
                           "/games/kelvora/publish?version=" KELVORA_VERSION

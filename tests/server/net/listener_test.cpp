@@ -99,12 +99,13 @@ TEST_F(ListenerOnAName, APortInUseIsAnError) {
   EXPECT_THROW(Listener(context, "several", port, {}, addressesOf), std::runtime_error);
 }
 
-/// The lines that a server on this port logs at its start. Nothing if the port is in use.
-std::optional<std::vector<std::string>> linesAtTheStart(std::uint16_t port) {
+/// The lines that a server on this port, and the next one for spectators, logs at its start. Nothing if one is in use.
+std::optional<std::vector<std::string>> linesAtTheStart(std::uint16_t port, int spectators) {
   asio::io_context context;
   std::vector<std::string> lines;
   Options options;
   options.port = port;
+  options.rules.spectators = spectators;
   try {
     const GameServer server(context, options, [&](const std::string& line) { lines.push_back(line); });
   } catch (const std::runtime_error&) {
@@ -119,11 +120,11 @@ TEST(ServerPort, ThatTheGameRefusesIsLogged) {
   std::uint16_t port = 0;
   for (int tries = 0; !lines && tries < 100; ++tries) {
     port = static_cast<std::uint16_t>(40'000 + random() % 20'000);
-    lines = linesAtTheStart(port);
+    lines = linesAtTheStart(port, 1);
   }
-  EXPECT_EQ(lines, std::vector<std::string>{"port " + std::to_string(port) +
-                                            " is for browsers only: the game and lists accept ports up to 32766"});
-  EXPECT_EQ(linesAtTheStart(0), std::vector<std::string>{});
+  const std::string rest = " is for browsers only: the game and lists accept ports up to 32766";
+  EXPECT_EQ(lines, (std::vector{"port " + std::to_string(port) + rest, "port " + std::to_string(port + 1) + rest}));
+  EXPECT_EQ(linesAtTheStart(0, 1), std::vector<std::string>{});
 }
 
 }  // namespace
