@@ -57,15 +57,11 @@ class SignalWatch {
  public:
   using WriteLine = GameServer::WriteLine;
 
-  SignalWatch(boost::asio::io_context& context, GameServer& server, const Options& options, WriteLine log)
-      : server_(server),
-        drainSeconds_(options.drainSeconds),
-        // Only a server with such a file has anything to read again.
-        reread_(options.moderation.bansFile.empty() ? std::nullopt : rereadSignal()),
-        log_(std::move(log)),
-        signals_(context) {
+  /// Adds the signals that stop a server. `reread` is among `signals`, if there is one.
+  SignalWatch(boost::asio::signal_set& signals, std::optional<int> reread, GameServer& server, int drainSeconds,
+              WriteLine log)
+      : server_(server), drainSeconds_(drainSeconds), reread_(reread), log_(std::move(log)), signals_(signals) {
     for (const int signal : stopSignals(!reread_)) signals_.add(signal);
-    if (reread_) signals_.add(*reread_);
     await();
   }
 
@@ -86,7 +82,8 @@ class SignalWatch {
       hasStopped_ = true;
       signals_.cancel();
     };
-    if (signal == SIGTERM && drainSeconds_ > 0 && !std::exchange(isDraining_, true)) {
+    const bool isFirst = !std::exchange(isEnding_, true);
+    if (signal == SIGTERM && drainSeconds_ > 0 && isFirst) {
       log_(signalName(signal) + ": shutting down after this round");
       return server_.drain(std::chrono::seconds(drainSeconds_), whenDone);
     }
@@ -98,9 +95,9 @@ class SignalWatch {
   const int drainSeconds_;
   const std::optional<int> reread_;
   const WriteLine log_;
-  boost::asio::signal_set signals_;
+  boost::asio::signal_set& signals_;
   bool hasStopped_ = false;
-  bool isDraining_ = false;
+  bool isEnding_ = false;
 };
 
 /// Runs the server until it is told to stop. Throws std::runtime_error or a derived class if it can't begin.
@@ -113,13 +110,18 @@ void serve(Options options) {
   if (const std::size_t limit = provideDescriptors(GameServer::descriptors); limit < GameServer::descriptors) {
     log("only " + std::to_string(limit) + " files may be open, so the server may have to turn players away");
   }
+  // Only a server with such a file has anything to read again. The signal waits until the server takes it, so no change
+  // of the file during the start is missed.
+  const auto reread = options.moderation.bansFile.empty() ? std::nullopt : rereadSignal();
+  boost::asio::signal_set signals(context);
+  if (reread) signals.add(*reread);
   if (!options.site) options.site = utf8FromPath(usualSite(programFolder()));
   GameServer server(context, options, log, logAct);
   if (!options.site->empty()) {
     const bool isThere = std::filesystem::exists(pathFromUtf8(*options.site) / "index.html");
     log("the page for browsers " + std::string(isThere ? "is in " : "can be put into ") + *options.site);
   }
-  SignalWatch signals(context, server, options, log);
+  const SignalWatch watch(signals, reread, server, options.drainSeconds, log);
   if (options.webPort) std::cout << "web on " << server.webEndpointText() << std::endl;
   if (options.rules.spectators > 0) std::cout << "spectators on " << server.spectatorEndpointText() << std::endl;
   std::cout << "listening on " << server.endpointText() << std::endl;

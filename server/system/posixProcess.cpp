@@ -48,7 +48,7 @@ void ignoreConsoleClicks() {}
 std::vector<int> stopSignals(bool withTerminal) {
   std::vector<int> signals{SIGINT, SIGTERM};
   // nohup ignores it.
-  if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN && withTerminal) signals.push_back(SIGHUP);
+  if (withTerminal && std::signal(SIGHUP, SIG_IGN) != SIG_IGN) signals.push_back(SIGHUP);
   return signals;
 }
 

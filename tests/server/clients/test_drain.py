@@ -2,8 +2,9 @@
 
 import signal
 import unittest
+import urllib.request
 
-from realServer import PATIENCE, RawPlayer, Server, connect, protocol, wait_for
+from realServer import PATIENCE, VERSION, RawPlayer, Server, connect, protocol, wait_for
 
 
 class Drain(unittest.TestCase):
@@ -48,6 +49,28 @@ class Drain(unittest.TestCase):
             server.process.send_signal(signal.SIGTERM)
             ann.find(protocol.SERVER_TEXT, lambda fields: fields[0] == "The server is shutting down.")
             wait_for(lambda: "SIGTERM: shutting down\n" in server.log(), "the log")
+
+    def test_a_second_signal_after_another_first_one_ends_at_once(self):
+        with Server("--drain", "3600", "--no-coach") as server:
+            ann = self.player(server, "Ann")
+            ann.find(protocol.LOGIN_ACCEPTED)
+            server.process.send_signal(signal.SIGINT)
+            ann.find(protocol.SERVER_TEXT, lambda fields: fields[0] == "The server is shutting down.")
+            server.process.send_signal(signal.SIGTERM)
+            wait_for(lambda: "SIGTERM: shutting down\n" in server.log(), "the log")
+
+    def test_its_list_no_longer_has_it(self):
+        def listed(server):
+            url = f"http://127.0.0.1:{server.port}/games/kelvora/gethosts.php?version={VERSION}"
+            with urllib.request.urlopen(url) as answer:
+                return answer.read()
+
+        with Server("--drain", "3600", "--round-seconds", "86400", "--no-coach") as server:
+            ann = self.player(server, "Ann")
+            ann.find(protocol.LOGIN_ACCEPTED)
+            self.assertIn(f"[127.0.0.1|{server.port}|".encode(), listed(server))
+            self.drain(server, ann)
+            self.assertEqual(listed(server), b"-END-\n")
 
 
 if __name__ == "__main__":

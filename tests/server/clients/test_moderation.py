@@ -1,5 +1,6 @@
 """Moderators, bans and the file that keeps them, with the real program and sockets."""
 
+import contextlib
 import os
 import pathlib
 import pty
@@ -10,7 +11,7 @@ import tempfile
 import termios
 import unittest
 
-from realServer import SERVER, RawPlayer, Server, connect, frame, protocol, wait_for
+from realServer import SERVER, RawPlayer, Server, connect, frame, free_port, protocol, wait_for
 
 
 def hash_of(password):
@@ -102,6 +103,37 @@ class Moderation(unittest.TestCase):
             wait_for(lambda: "1 bans and mutes" in server.log(), "the file is read")
             self.assertIn(f"{self.bans}:2: expected", server.log())
             self.assertEqual(self.refusal(server, 3), "You are banned forever: found out")
+
+    def test_a_signal_during_the_start_waits_until_the_server_takes_it(self):
+        self.bans.touch()
+        read_end, write_end = os.pipe()
+        self.addCleanup(os.close, read_end)
+        os.set_blocking(write_end, False)
+        with contextlib.suppress(BlockingIOError):
+            while os.write(write_end, b"x" * 4096):
+                pass
+        os.set_blocking(write_end, True)
+        port = free_port()
+        # It can't log the folder of its page, so the start takes until somebody reads.
+        with subprocess.Popen([SERVER, "--port", str(port), "--bans", str(self.bans), "--site", str(self.folder)],
+                              stdout=subprocess.PIPE, stderr=write_end) as server:
+            os.close(write_end)
+
+            def is_open():
+                with contextlib.suppress(ConnectionRefusedError):
+                    connect(port).close()
+                    return True
+
+            wait_for(is_open, "the port")
+            self.bans.write_text("ban 127.0.0.3 forever found out\n")
+            server.send_signal(signal.SIGHUP)
+            log = b""
+            while b"1 bans and mutes" not in log:
+                piece = os.read(read_end, 65536)
+                self.assertTrue(piece, f"the server has ended: {log[-200:]}")
+                log += piece
+            server.send_signal(signal.SIGTERM)
+            self.assertEqual(server.wait(60), 0)
 
     def test_a_killed_server_leaves_a_complete_file(self):
         known = 0
