@@ -14,7 +14,8 @@ namespace {
 
 /// Called on a system thread.
 BOOL WINAPI takeConsoleEvent(DWORD event) {
-  std::raise(event == CTRL_C_EVENT ? SIGINT : SIGTERM);
+  // Closing the console leaves a few seconds, too few for a round to play out.
+  std::raise(event == CTRL_BREAK_EVENT ? SIGTERM : SIGINT);
   // The system ends the program when this returns, or after a few seconds. The server ends by itself before that.
   if (event == CTRL_CLOSE_EVENT) Sleep(INFINITE);
   return TRUE;
@@ -94,7 +95,7 @@ std::vector<int> stopSignals(bool) {
 
 std::optional<int> rereadSignal() { return std::nullopt; }
 
-std::string signalName(int signal) { return signal == SIGINT ? "Ctrl+C" : "asked to end"; }
+std::string signalName(int signal) { return signal == SIGINT ? "Ctrl+C or a closed console" : "Ctrl+Break"; }
 
 void ignoreFurtherSignals() {
   std::signal(SIGINT, SIG_IGN);
