@@ -1,6 +1,8 @@
 #include "server/records/database.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include "server/records/statement.h"
 
@@ -41,6 +43,9 @@ bool Database::isSupported() { return true; }
 
 Database::Database(const std::string& path, int maxPlayers)
     : connection_(std::make_unique<Connection>()), maxPlayers_(maxPlayers) {
+  // The file has hashes of passwords, and SQLite would let everybody read a new one. The files that it puts beside this
+  // one get the same permissions.
+  if (const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR); file >= 0) ::close(file);
   constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
   if (sqlite3_open_v2(path.c_str(), &connection_->handle, flags, nullptr) != SQLITE_OK) {
     throw DatabaseError(sqlite3_errmsg(connection_->handle));

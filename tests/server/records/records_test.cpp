@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -241,6 +242,16 @@ TEST_F(RecordsTest, AGameOnADiskThatFillsUpGoesOn) {
   book.add({{.client = 1, .name = "Ann", .captures = 4}}, true, 180'000);
   EXPECT_EQ(found(book, "Ann").captures, 6);
   EXPECT_EQ(lines.back(), "the records work again");
+}
+
+TEST_F(RecordsTest, OnlyTheServersUserCanReadANewFile) {
+  const mode_t before = ::umask(S_IWGRP | S_IWOTH);
+  Database database(path);
+  database.add({once("Ann", 3)}, {"ann"}, today);
+  ::umask(before);
+  for (const char* ending : {"", "-wal", "-shm"}) {
+    EXPECT_EQ(fs::status(path + ending).permissions(), fs::perms::owner_read | fs::perms::owner_write) << ending;
+  }
 }
 
 TEST_F(RecordsTest, AMissingFolderIsAnErrorAtTheStart) {
