@@ -14,8 +14,7 @@ constexpr std::size_t maxFileSize = std::size_t{64} << 10;
 }  // namespace
 
 Outcome readConfig(std::string_view text, const std::string& fileName, const TakeSetting& take) {
-  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";  // editors for Windows write it
-  if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
+  text = withoutByteOrderMark(text);
   std::map<std::string_view, int> lines;  // by name
   for (int number = 1; !text.empty(); ++number) {
     const std::size_t end = std::min(text.find('\n'), text.size());

@@ -93,8 +93,7 @@ const std::array table = {
     Option{"metrics-for", "ADDRESSES",
            "addresses and networks that may read /metrics, besides this machine; * for all (none)",
            Text([](Options& o) -> std::string& { return o.metricsFor; }), 0, maxPathLength, checkAddresses},
-    Option{"unlimited-for", "ADDRESSES",
-           "IP addresses and networks without the limits per address; * for all (none)",
+    Option{"unlimited-for", "ADDRESSES", "IP addresses and networks without the limits per address; * for all (none)",
            Text([](Options& o) -> std::string& { return o.unlimitedFor; }), 0, maxPathLength, checkAddresses},
 
     heading("Game:"),

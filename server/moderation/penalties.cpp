@@ -59,6 +59,7 @@ std::string_view wordFor(PenaltyKind kind) { return kind == PenaltyKind::ban ? "
 std::vector<std::string> Penalties::read(std::string_view text, Seconds now) {
   penalties_.clear();
   remarks_.clear();
+  text = withoutByteOrderMark(text);
   std::vector<std::string> complaints;
   std::size_t others = 0;
   std::size_t remarks = 0;  // bytes

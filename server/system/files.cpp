@@ -31,6 +31,12 @@ FileText readFile(const std::string& path, std::size_t maxSize, bool mayBePipe) 
   return {.text = std::move(text)};
 }
 
+std::string_view withoutByteOrderMark(std::string_view text) {
+  constexpr std::string_view mark = "\xEF\xBB\xBF";
+  if (text.starts_with(mark)) text.remove_prefix(mark.size());
+  return text;
+}
+
 std::string_view trimmedLine(std::string_view line) {
   constexpr std::string_view blanks = " \t\r";
   const std::size_t first = line.find_first_not_of(blanks);

@@ -17,6 +17,9 @@ struct FileText {
 };
 FileText readFile(const std::string& path, std::size_t maxSize, bool mayBePipe = false);
 
+/// The text without the byte order mark at its start, which editors for Windows write.
+std::string_view withoutByteOrderMark(std::string_view text);
+
 /// A line of a text file, or a part of it, without blanks, tabs and carriage returns at both ends.
 std::string_view trimmedLine(std::string_view line);
 

@@ -52,6 +52,16 @@ TEST(Penalties, HandWrittenLinesMayDiffer) {
   EXPECT_EQ(penalties.text(), "# note\nban 2001:db8::/64 forever \"x\" why\n");
 }
 
+TEST(Penalties, AByteOrderMarkIsNotPartOfTheFirstLine) {
+  Penalties penalties;
+  EXPECT_TRUE(penalties
+                  .read("\xEF\xBB\xBF"
+                        "ban 192.0.2.1 forever\r\n",
+                        now)
+                  .empty());
+  EXPECT_EQ(penalties.text(), "ban 192.0.2.1 forever\n");
+}
+
 TEST(Penalties, InvalidLinesAreReportedAndKept) {
   Penalties penalties;
   const auto complaints = penalties.read(
