@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <system_error>
@@ -67,7 +68,10 @@ RoundRecorder::RoundRecorder(ServerHost& host, ReplaySettings settings) : host_(
   if (error || !fs::is_directory(folder, error)) {
     throw std::runtime_error("the folder " + settings_.folder + " for recordings can't be made");
   }
-  // Left by a killed server.
+  if (!std::ofstream(folder / ("probe" + std::string(ending) + ".new"))) {
+    throw std::runtime_error("the folder " + settings_.folder + " for recordings can't be written");
+  }
+  // Left by a killed server, or the probe.
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
     const fs::path& path = entry->path();
     std::error_code ignored;

@@ -62,6 +62,13 @@ class Replays(unittest.TestCase):
             for spectator in (sue, tom, pia):
                 spectator.close()
 
+    def test_a_folder_without_access_is_refused(self):
+        # Not even root can write there.
+        result = subprocess.run([SERVER, "--port", "0", "--record", "/proc/self"], capture_output=True, text=True,
+                                timeout=PATIENCE, check=False)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("the folder /proc/self for recordings can't be written", result.stderr)
+
     def test_files_that_are_no_round_are_refused(self):
         self.folder.mkdir()
         for name, contents, reason in (("text.round", b"kelvora", "it holds no recorded round"),
