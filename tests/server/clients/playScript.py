@@ -71,8 +71,8 @@ class PlayScript(unittest.TestCase):
         self.output = open(self.folder / "output", "w+", encoding="utf-8")
         self.addCleanup(self.output.close)
         surroundings = {name: value for name, value in os.environ.items() if name != "KELVORA_WEB_HOST"}
-        surroundings.update(PATH=f"{self.folder}/bin:{os.environ['PATH']}", KELVORA_SERVER=SERVER,
-                            KELVORA_PORT=str(self.port), DISPLAY=":77", **environment)
+        surroundings.update({"PATH": f"{self.folder}/bin:{os.environ['PATH']}", "KELVORA_SERVER": SERVER,
+                             "KELVORA_PORT": str(self.port), "DISPLAY": ":77", **environment})
         self.process = subprocess.Popen([self.folder / "play", *arguments], stdin=subprocess.DEVNULL,
                                         stdout=self.output, stderr=subprocess.STDOUT, env=surroundings)
         self.addCleanup(self.end)

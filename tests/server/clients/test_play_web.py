@@ -45,6 +45,22 @@ class PlayWeb(PlayScript):
         self.assertIn(f"Play in a browser: http://127.0.0.1:{self.port}/\n", self.said())
         self.assertIn("From other machines: ", self.said())
 
+    def test_of_a_name_with_two_addresses_tells_the_first(self):
+        self.write("page", "<p>page</p>")
+        self.script("server-of-two", '#!/bin/sh\ncase $* in *--version*) exit ;; esac\n'
+                    f'echo "listening on [::1]:{self.port}, 127.0.0.1:{self.port}"\nexec sleep 3600\n')
+        self.play("web", "--address", "localhost", KELVORA_SERVER=str(self.folder / "server-of-two"))
+        self.wait_to_hear("Ctrl+C stops the server")
+        self.assertIn(f"Play in a browser: http://[::1]:{self.port}/\n", self.said())
+
+    def test_without_a_network_tells_one_link(self):
+        self.write("page", "<p>page</p>")
+        self.script("bin/hostname", "#!/bin/sh\n")
+        self.play("web", "--address", "0.0.0.0")
+        self.wait_to_hear("Ctrl+C stops the server")
+        self.assertIn(f"Play in a browser: http://127.0.0.1:{self.port}/\n", self.said())
+        self.assertNotIn("From other machines", self.said())
+
     def test_shows_the_servers_version(self):
         self.write("page", "<p>page</p>")
         self.play("web", "--version")
