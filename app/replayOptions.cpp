@@ -99,7 +99,7 @@ std::string replayHelp() {
          "\n"
          "Exit status: 2 if the options are wrong, the recording can't be read, or a film can't be made.\n"
          "With --verify, --frames or --video, 1 if the replay is not exact or the recorded game failed,\n"
-         "130 if it was interrupted. 0 otherwise.\n";
+         "130 if it was interrupted. Without them, 1 if there is no screen. 0 otherwise.\n";
 }
 
 }  // namespace kelvora
