@@ -82,7 +82,8 @@ install_packages() {
   fail "apt-get could not install: ${missing[*]}" \
     "See above. Common remedies: connect to the network; wait for another installation to finish; on Ubuntu, enable" \
     "'universe' (add-apt-repository universe). Debian 12 has all of these packages, Ubuntu 24.04 all but Chromium and" \
-    "Firefox, which only './check web' needs. Then try again."
+    "Firefox, which only './check web' needs. Then try again, or install them alone:" \
+    "  ${as_root[*]:+sudo }apt-get install ${missing[*]}"
 }
 
 # configure PRESET [cmake arguments]: configures build/PRESET, with ccache where it is installed.
@@ -112,7 +113,8 @@ configure() {
     launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
   output=$(cmake --preset "$preset" "${launcher[@]}" "$@" 2>&1) ||
-    fail "$output" "cmake could not configure the $preset build. Run it alone:" "  cmake --preset $preset ${*@Q}"
+    fail "$output" "" "$(grep -A 3 '^CMake Error' <<<"$output" | head -n 6)" \
+      "cmake could not configure the $preset build. Run it alone:" "  cmake --preset $preset ${*@Q}"
 }
 
 # can_install_quietly NAME...: true if the packages are there or can be installed without asking for a password.

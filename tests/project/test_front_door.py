@@ -140,11 +140,12 @@ class Configure(FrontDoor):
         self.assertEqual(values["KEPT"], "from the preset")
         self.assertFalse(self.mark.exists())
 
-    def test_a_failure_ends_with_the_command(self):
-        (self.folder / "CMakeLists.txt").write_text("message(FATAL_ERROR wrong)\n")
+    def test_a_failure_ends_with_the_error_and_the_command(self):
+        more = "".join(f"message({number})\n" for number in range(20))
+        (self.folder / "CMakeLists.txt").write_text("message(SEND_ERROR wrong)\n" + more)
         done = self.run_in_folder("bash", "-c", f'source "{COMMON}"; configure made "-DROOMS=a;b" -DADDED=yes')
         self.assertEqual(done.returncode, 1)
-        self.assertIn("wrong", done.stderr)
+        self.assertIn("  wrong", done.stderr.splitlines()[-10:])
         said, command = done.stderr.strip().rsplit("\n", 1)
         self.assertTrue(said.endswith("cmake could not configure the made build. Run it alone:"), said)
         self.assertEqual(shlex.split(command), ["cmake", "--preset", "made", "-DROOMS=a;b", "-DADDED=yes"])

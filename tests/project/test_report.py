@@ -20,10 +20,12 @@ class Report(unittest.TestCase):
             today = line.split(" | ")[2].split()[0].rstrip(",")
             self.assertEqual(line, report.row(command, figure, float(today)))
 
-    def test_a_figure_is_rounded_before_it_is_held_against_its_goal(self):
+    def test_a_rounded_figure_shows_whether_it_misses_its_goal(self):
         at_least, at_most = (report.AT_LEAST, 4), (report.AT_MOST, 1.5)
-        for value, goal, cell in ((3.996, at_least, "4 ms"), (3.994, at_least, "3.99 ms, **missed**"),
-                                  (1.504, at_most, "1.5 ms"), (1.506, at_most, "1.51 ms, **missed**"),
+        for value, goal, cell in ((4.004, at_least, "4 ms"), (3.996, at_least, "3.996 ms, **missed**"),
+                                  (3.994, at_least, "3.99 ms, **missed**"), (1.496, at_most, "1.5 ms"),
+                                  (1.5004, at_most, "1.5004 ms, **missed**"), (1.506, at_most, "1.51 ms, **missed**"),
+                                  (1000.4, (report.AT_MOST, 1000), "1000.4 ms, **missed**"),
                                   (999.4, None, "999 ms"), (999.6, None, "1000 ms"), (2583.2, None, "2583 ms")):
             with self.subTest(value):
                 self.assertEqual(report.row("bench", ("sum", goal, "ms", ""), value).split(" | ")[2], cell)
