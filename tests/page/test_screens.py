@@ -216,6 +216,12 @@ class Fingers(PageTest):
         wait_for(flies_left, "the flight after a key")
         self.assertEqual(page.see("all('#brakes').length"), 1)
 
+    def test_a_tap_anywhere_shows_the_brakes(self):
+        _, page = self.begin(size=(390, 780))
+        self.assertEqual(page.see("all('#brakes').length"), 0)
+        page.tap(*page.middle("named('Player Name:', dialog('Connect'))"))
+        page.wait_for("all('#brakes').length === 1")
+
     def test_a_tap_on_an_icon_fires_its_powerup(self):
         _, page = self.begin(size=(780, 360))
         line = self.log_in(page)

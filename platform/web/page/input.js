@@ -32,7 +32,6 @@ function listenToMouse(control) {
       if (control.isView) element.focus({preventScroll: true});
       event.preventDefault();
     }
-    if (event.pointerType === 'touch') showTouchButtons(control);
     if (event.pointerType === 'touch' && control.isView) return fingerDown(control, event);
     tell('mouseDown', event, buttonBits[event.button]);
   });

@@ -24,9 +24,9 @@ function toggleBrakes(control) {
 }
 
 // The first touch shows the button, which people with a mouse don't need.
-function showTouchButtons(control) {
-  if (document.getElementById('brakes') || !mainWindow || windowOf(control) !== mainWindow) return;
+function showBrakes() {
   const view = [...controls.values()].find((one) => one.isView);
+  if (!view || document.getElementById('brakes')) return;
   const button = document.createElement('button');
   button.id = 'brakes';
   button.type = 'button';
@@ -39,3 +39,4 @@ function showTouchButtons(control) {
   button.addEventListener('click', (event) => { if (event.detail === 0) toggleBrakes(view); });
   view.element.append(button);
 }
+addEventListener('pointerdown', (event) => { if (event.pointerType === 'touch') showBrakes(); }, true);
