@@ -74,8 +74,7 @@ int find(const std::array<KeyRow, Count>& rows, Qt::Key key) {
 float toTwips(qreal pixels) { return static_cast<float>(qFloor(pixels) * twipsPerPixel); }
 
 void raiseTyped(Control& control, const QString& text) {
-  for (const char byte : toBytes(text))
-    raiseEvent(control, control.KeyPress, static_cast<int>(static_cast<unsigned char>(byte)));
+  for (const char byte : toBytes(text)) raiseKeyPress(control, static_cast<unsigned char>(byte));
 }
 
 using MouseEvent = std::function<void(int, int, float, float)>;

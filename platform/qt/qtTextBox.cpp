@@ -7,14 +7,11 @@
 #include "platform/qt/qtFonts.h"
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
-#include "platform/windowing/faultReport.h"
 #include "platform/windowing/lineText.h"
 
 namespace kelvora {
 
 namespace {
-
-constexpr int maxCommandLength = 60;  // characters of a command shown in the box
 
 /// A line of code page 1252.
 QString cleaned(const QString& text) { return toQString(cleanLine(toBytes(text))); }
@@ -40,8 +37,6 @@ class LineEdit : public QLineEdit {
     const bool goesToForm =
         event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Escape;
     if (goesToForm && formAnswers(*event)) return;
-    const bool isCommand = text().startsWith('~') && event->text() == "\r";
-    if (isCommand) noteForReport("the command " + toBytes(text().left(maxCommandLength)));
     raiseKey(box_, *event);
     QLineEdit::keyPressEvent(event);
   }

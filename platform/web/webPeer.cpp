@@ -69,7 +69,7 @@ void WebPeer::take(const PageEvent& event) {
     case PageEventKind::KeyDown:
       return raiseEvent(control_, control_.KeyDown, button, shift);
     case PageEventKind::KeyPress:
-      return raiseEvent(control_, control_.KeyPress, button);
+      return raiseKeyPress(control_, button);
     default:
       return;
   }

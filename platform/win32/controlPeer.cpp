@@ -120,7 +120,7 @@ void ControlPeer::take(const Input& input) {
     case InputKind::KeyDown:
       return raiseEvent(control_, control_.KeyDown, input.first, input.shift);
     case InputKind::KeyPress:
-      return raiseEvent(control_, control_.KeyPress, input.first);
+      return raiseKeyPress(control_, input.first);
     default:
       return;
   }

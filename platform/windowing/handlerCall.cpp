@@ -1,8 +1,11 @@
 #include "platform/windowing/handlerCall.h"
 
+#include <cstddef>
 #include <exception>
+#include <string>
 
 #include "platform/form.h"
+#include "platform/widgets.h"
 
 namespace kelvora {
 
@@ -28,6 +31,14 @@ void runGame(void (*game)()) {
 bool takesEvents(Control& control) {
   const auto* form = dynamic_cast<Form*>(&control.root());
   return !form || !form->isUnloaded();
+}
+
+void raiseKeyPress(Control& control, int byte) {
+  constexpr std::size_t maxCommandLength = 60;  // characters in the report
+  const auto* box = dynamic_cast<const TextBox*>(&control);
+  const std::string line = box ? box->Text.get() : std::string();
+  if (byte == keyEnter && line.starts_with('~')) noteForReport("the command " + line.substr(0, maxCommandLength));
+  raiseEvent(control, control.KeyPress, byte);
 }
 
 }  // namespace kelvora

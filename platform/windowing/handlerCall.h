@@ -52,4 +52,7 @@ void raiseEvent(Control& control, const std::function<void(Arguments...)>& event
   runHandler([handler = event, values...] { handler(values...); });
 }
 
+/// Raises KeyPress with this byte. A command of the game that Enter ends is noted for the report of a fault.
+void raiseKeyPress(Control& control, int byte);
+
 }  // namespace kelvora

@@ -74,7 +74,7 @@ class Endings(PageTest):
         # A command that lacks its number is a fault of the game.
         page.type("~playsound")
         page.press("Enter")
-        lines = r"/^Run-time error: .*\nKelvora .*\nReload the page /"
+        lines = r"/^Run-time error: .*\nJust before: the command ~playsound\.\nKelvora .*\nReload the page /"
         page.wait_for(f"{lines}.test(document.querySelector('#end p').innerText)")
         page.keep("fault")
         page.reload()
