@@ -81,15 +81,20 @@ class Fonts(DesktopTest):
         self.assertEqual((width, height), (451, 381))
         colours = [(128, 255, 128), (255, 255, 255), (255, 0, 255), (255, 255, 0), (255, 0, 0)]
         harness.wait_for(lambda: self.swatch(dialog, ERROR_MESSAGE) == colours[ERROR_MESSAGE], "the picture")
+        solids = [(255, 0, 0), (0, 255, 0), (0, 0, 255)]
+        bar_left = left + pixels(BAR_LEFT)
+
+        def bars():
+            picture = self.display.picture()
+            return [picture.pixel(bar_left + 28, top + row(purpose, y) + 6) for purpose in range(5) for y in BAR_TOPS]
+        harness.wait_for(lambda: bars() == solids * 5, bars)
         picture = self.display.picture()
         for purpose, colour in enumerate(colours):
             with self.subTest(purpose=purpose):
                 self.assertEqual(self.swatch(dialog, purpose), colour)
                 self.assertEqual(self.sample(dialog, purpose)[1], colour)
-                for channel, solid in enumerate([(255, 0, 0), (0, 255, 0), (0, 0, 255)]):
+                for channel, solid in enumerate(solids):
                     y = top + row(purpose, BAR_TOPS[channel])
-                    bar_left = left + pixels(BAR_LEFT)
-                    self.assertEqual(picture.pixel(bar_left + 28, y + 6), solid)
                     self.assertNotIn(picture.pixel(bar_left, y), (solid, BLACK))
                     self.assertEqual(picture.pixel(bar_left - 1, y), BLACK)
                     self.assertEqual(picture.pixel(bar_left + 57, y), BLACK)
