@@ -6,6 +6,5 @@ kelvora_windows_program(kelvora "Kelvora, an arena game")
 
 add_executable(kelvora-bots windows/playAgainstBots.cpp)
 target_link_libraries(kelvora-bots PRIVATE kelvora_options)
-target_compile_definitions(kelvora-bots PRIVATE UNICODE _UNICODE _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX)
 set_target_properties(kelvora-bots PROPERTIES WIN32_EXECUTABLE ON OUTPUT_NAME "Play against bots")
 kelvora_windows_program(kelvora-bots "Play against bots")

@@ -12,6 +12,11 @@ target_compile_options(kelvora_options INTERFACE
   -ffp-contract=off
   # In a unity build, locals of one source shadow declarations of another.
   $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>)
+if(WIN32)
+  # The system's headers: wide characters, Windows 10, no macros min and max.
+  target_compile_definitions(kelvora_options INTERFACE
+    UNICODE _UNICODE _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX)
+endif()
 if(KELVORA_SANITIZE)
   target_compile_options(kelvora_options INTERFACE
     -fsanitize=${KELVORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
