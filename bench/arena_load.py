@@ -14,6 +14,7 @@ import math
 import socket
 import subprocess
 import sys
+import tempfile
 import time
 from pathlib import Path
 
@@ -88,10 +89,14 @@ class Player:
 class Server:
     def __init__(self, program, *options):
         words = [program, "--port", "0", *options]
-        self.process = subprocess.Popen(words, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        log = tempfile.TemporaryFile("w+")
+        self.process = subprocess.Popen(words, stdout=subprocess.PIPE, stderr=log, text=True)
         ports = {}
         while "listening" not in ports:
-            what, _, endpoint = self.process.stdout.readline().split()
+            if not (line := self.process.stdout.readline()):
+                log.seek(0)
+                raise SystemExit(f"The server doesn't start: {log.read()}")
+            what, _, endpoint = line.split()
             ports[what] = int(endpoint.rsplit(":", 1)[1])
         self.port = ports["listening"]
         self.spectator_port = ports.get("spectators")

@@ -2,6 +2,7 @@
 
 import socket
 import subprocess
+import tempfile
 import time
 import urllib.request
 
@@ -45,24 +46,27 @@ class Server:
         assert harness.SERVER, "KELVORA_SERVER is unset: CMakeLists.txt lists the tests that start the server"
         self.port = free_port()
         self.web_host = None
+        self.log = tempfile.TemporaryFile("w+")
         self.process = subprocess.Popen(wine.command(harness.SERVER, "--address", "127.0.0.1", "--port", str(self.port),
                                                      "--speed-limit", "0", *arguments),
-                                        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                                        text=True)
+                                        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=self.log, text=True)
         opened.append(self)
         for line in self.process.stdout:
             if line.startswith("web on "):
                 self.web_host = line.split()[-1]
             if line.startswith("listening on "):
                 return
+        self.log.seek(0)
+        log = self.log.read()
         self.close()
-        raise AssertionError("the server ended at once")
+        raise AssertionError(f"the server ended at once: {log}")
 
     def close(self):
         if not take_out(self):
             return
         stop(self.process)
         self.process.stdout.close()
+        self.log.close()
 
 
 class Line:
