@@ -52,8 +52,9 @@ class Backend {
 void installBackend(Backend* backend);
 Backend& backend();
 
-/// Milliseconds since an unspecified start. Never decreases. Well above 32001 from the first call on, so that a stored
-/// tick of 0 counts as long ago.
+/// The first tick: well above 32001, so that a stored tick of 0 counts as long ago.
+inline constexpr Millis firstTick = 1'000'000;
+/// Milliseconds since an unspecified start, at least `firstTick`. Never decreases.
 Millis GetTickCount();
 /// Seconds since midnight, in local time.
 float Timer();

@@ -15,6 +15,9 @@ struct FontSpec {
   friend bool operator==(const FontSpec&, const FontSpec&) = default;
 };
 
+/// The height in pixels of a font of this size in points. Sizes below 1 or above 200 pixels are 12 pixels.
+int fontPixels(float points);
+
 /// The shape of one character: coverage 0 to 255, row by row.
 struct Glyph {
   int left = 0;     ///< pixels from the pen to the bitmap's left edge

@@ -29,7 +29,7 @@ class HeadlessBackend : public Backend {
   ~HeadlessBackend() override;
 
   // The outside world.
-  Millis ticks = 1'000'000;
+  Millis ticks = firstTick;
   int queriesPerTick = 0;           ///< if set, the clocks advance by 1 ms whenever they have been read this often
   double seconds = 43'200;          ///< since midnight
   std::deque<float> scriptedDraws;  ///< returned by Rnd() first; then the generator

@@ -11,6 +11,7 @@
 #include <QPixmapCache>
 #include <cstdlib>
 
+#include "platform/desktop/chosenWebHost.h"
 #include "platform/desktop/dataFolder.h"
 #include "platform/desktop/mixedAudio.h"
 #include "platform/form.h"
@@ -61,10 +62,7 @@ QtDesktop::QtDesktop(std::string commandLine)
   QObject::connect(&network_, &QSocketNotifier::activated, &network_, serveSockets);
 }
 
-Millis QtDesktop::tickCount() {
-  constexpr Millis first = 1'000'000;
-  return first + sinceStart_.elapsed();
-}
+Millis QtDesktop::tickCount() { return firstTick + sinceStart_.elapsed(); }
 
 // Every player asks for the time in every frame, and the system looks up a file for the local time. So it is asked once
 // a second, and computed in between.
@@ -120,9 +118,6 @@ void QtDesktop::realize(Form& form) {
   form.peer = std::move(peer);
 }
 
-std::string QtDesktop::webHost() {
-  const QByteArray chosen = qgetenv("KELVORA_WEB_HOST");
-  return chosen.isEmpty() ? KELVORA_DEFAULT_WEB_HOST : chosen.toStdString();
-}
+std::string QtDesktop::webHost() { return chosenWebHost(); }
 
 }  // namespace kelvora

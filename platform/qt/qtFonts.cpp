@@ -6,7 +6,6 @@
 #include <QFontMetrics>
 #include <QStringList>
 #include <clocale>
-#include <cmath>
 #include <system_error>
 
 #include "platform/qt/codePage.h"
@@ -46,8 +45,7 @@ QFont toQFont(const FontSpec& font) { return toQFont(font, font.size); }
 
 QFont toQFont(const FontSpec& font, float points) {
   QFont result(toQString(font.family));
-  const float pixels = std::round(points * 96 / 72);
-  result.setPixelSize(pixels >= 1 && pixels <= 200 ? static_cast<int>(pixels) : 12);
+  result.setPixelSize(fontPixels(points));
   result.setBold(font.bold);
   result.setHintingPreference(QFont::PreferFullHinting);
   return result;

@@ -5,7 +5,6 @@
 #include "platform/qt/widgetPeer.h"
 #include "platform/widgets.h"
 #include "platform/windowing/shownLabel.h"
-#include "raster/surface.h"
 
 namespace kelvora {
 
@@ -82,11 +81,7 @@ class LabelPeer : public WidgetPeer {
 
  private:
   void followCaption() {
-    if (!label_.design.autoSize) return;
-    FontSpec font = label_.design.font;
-    font.size = label_.FontSize;
-    label_.Width.adopt(Surface::textWidth(font, label_.Caption.get()));
-    widget()->setGeometry(pixelPlace(label_));
+    if (fitWidth(label_)) widget()->setGeometry(pixelPlace(label_));
   }
 
   Label& label_;

@@ -65,10 +65,7 @@ WebBackend::WebBackend() : pacer_(designFrame) {
   setFaultBox(showFault);
 }
 
-Millis WebBackend::tickCount() {
-  constexpr Millis first = 1'000'000;
-  return first + static_cast<Millis>(emscripten_get_now());
-}
+Millis WebBackend::tickCount() { return firstTick + static_cast<Millis>(emscripten_get_now()); }
 
 float WebBackend::secondsSinceMidnight() { return static_cast<float>(page_secondsSinceMidnight()); }
 

@@ -1,7 +1,5 @@
 #include "platform/web/webPeer.h"
 
-#include <cmath>
-
 #include "platform/grid.h"
 #include "platform/menuItem.h"
 #include "platform/pictureBox.h"
@@ -84,13 +82,11 @@ void WebPeer::set(const char* property, const std::string& text) const {
 void WebPeer::set(const char* property, Colour colour) const { set(property, static_cast<double>(toPixel(colour))); }
 
 std::string cssFont(const FontSpec& font, float points) {
-  const float pixels = std::round(points * 96 / 72);
-  const int size = pixels >= 1 && pixels <= 200 ? static_cast<int>(pixels) : 12;
   std::string family;
   for (const char letter : font.family) {
     if (letter != '"' && letter != '\\' && static_cast<unsigned char>(letter) >= 32) family += letter;
   }
-  return (font.bold ? "bold " : "") + std::to_string(size) + "px \"" + family + "\", \"MS Sans Serif\"";
+  return (font.bold ? "bold " : "") + std::to_string(fontPixels(points)) + "px \"" + family + "\", \"MS Sans Serif\"";
 }
 
 namespace {

@@ -8,7 +8,6 @@
 #include "platform/windowing/answerKey.h"
 #include "platform/windowing/handlerCall.h"
 #include "platform/windowing/shownLabel.h"
-#include "raster/surface.h"
 #include "raster/twips.h"
 
 namespace kelvora {
@@ -54,11 +53,7 @@ class LabelPeer : public WebPeer {
   }
 
   void followCaption() {
-    if (!label_.design.autoSize) return;
-    FontSpec font = label_.design.font;
-    font.size = label_.FontSize;
-    label_.Width.adopt(Surface::textWidth(font, label_.Caption.get()));
-    showPlace();
+    if (fitWidth(label_)) showPlace();
   }
 
   Label& label_;

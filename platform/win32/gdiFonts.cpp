@@ -1,7 +1,6 @@
 #include "platform/win32/gdiFonts.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <string>
 #include <tuple>
@@ -49,11 +48,8 @@ std::wstring familyFor(const std::string& family) {
 HFONT gdiFont(const FontSpec& font, double scale) {
   static std::map<std::string, std::wstring> families;
   static std::map<std::tuple<std::string, int, bool>, HFONT> fonts;
-  constexpr float pointsPerInch = 72;
-  const float pixels = std::round(font.size * USER_DEFAULT_SCREEN_DPI / pointsPerInch);
-  const int designed = pixels >= 1 && pixels <= 200 ? static_cast<int>(pixels) : 12;
   // Rounded down, so that texts fit where they do at scale 1.
-  const int height = std::max(static_cast<int>(designed * scale), 1);
+  const int height = std::max(static_cast<int>(fontPixels(font.size) * scale), 1);
   HFONT& found = fonts[{font.family, height, font.bold}];
   if (found != nullptr) return found;
   auto family = families.find(font.family);

@@ -6,7 +6,6 @@
 #include "platform/win32/textLines.h"
 #include "platform/win32/wideText.h"
 #include "platform/windowing/shownLabel.h"
-#include "raster/surface.h"
 
 namespace kelvora {
 
@@ -14,11 +13,11 @@ namespace {
 
 class LabelPeer : public ControlPeer {
  public:
-  LabelPeer(Label& label, FormPeer& form) : ControlPeer(label, form), label_(label) { followCaption(); }
+  LabelPeer(Label& label, FormPeer& form) : ControlPeer(label, form), label_(label) { fitWidth(label_); }
 
   void changed(PropertyId id) override {
     if (!shown_.isNew(id)) return;
-    if (id == PropertyId::Caption || id == PropertyId::FontSize) followCaption();
+    if (id == PropertyId::Caption || id == PropertyId::FontSize) fitWidth(label_);
     ControlPeer::changed(id);
   }
 
@@ -82,13 +81,6 @@ class LabelPeer : public ControlPeer {
       default:
         return DT_LEFT;
     }
-  }
-
-  void followCaption() {
-    if (!label_.design.autoSize) return;
-    FontSpec font = label_.design.font;
-    font.size = label_.FontSize;
-    label_.Width.adopt(Surface::textWidth(font, label_.Caption.get()));
   }
 
   Label& label_;

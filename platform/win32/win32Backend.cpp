@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/codePage.h"
+#include "platform/desktop/chosenWebHost.h"
 #include "platform/desktop/dataFolder.h"
 #include "platform/desktop/mixedAudio.h"
 #include "platform/pictures/pictureFile.h"
@@ -29,8 +30,7 @@ Win32Backend::Win32Backend(std::string commandLine) : commandLine_(std::move(com
 }
 
 Millis Win32Backend::tickCount() {
-  constexpr Millis first = 1'000'000;
-  return first + std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_).count();
+  return firstTick + std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_).count();
 }
 
 float Win32Backend::secondsSinceMidnight() {
@@ -91,9 +91,6 @@ void Win32Backend::realize(Form& form) {
   realizeChildren(form, window);
 }
 
-std::string Win32Backend::webHost() {
-  const char* chosen = std::getenv("KELVORA_WEB_HOST");
-  return chosen == nullptr || *chosen == '\0' ? KELVORA_DEFAULT_WEB_HOST : chosen;
-}
+std::string Win32Backend::webHost() { return chosenWebHost(); }
 
 }  // namespace kelvora

@@ -33,4 +33,7 @@ class ShownLabel {
   Colour back_;
 };
 
+/// Adapts the width of an auto-sized label to its caption. False for other labels.
+bool fitWidth(Label& label);
+
 }  // namespace kelvora
