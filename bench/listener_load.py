@@ -116,14 +116,14 @@ def deaf_memory(program, kind):
     play(speakers, 1)
     start = server.memory()[1]
     deaf = [kind(server.port, number, version) for number in range(2, 6)]
-    most, begin = 0, time.monotonic()
+    maximum, begin = 0, time.monotonic()
     while time.monotonic() < begin + 12:
         for speaker in speakers:
             speaker.send(protocol.frame(protocol.CHAT, "-1", "x" * 4000))
             speaker.read()
         time.sleep(0.1)
-        most = max(most, server.memory()[1])
-    print(f"  {kind.__name__} who reads nothing: {(most - start) / len(deaf):.0f} KiB at most")
+        maximum = max(maximum, server.memory()[1])
+    print(f"  {kind.__name__} who reads nothing: {(maximum - start) / len(deaf):.0f} KiB at most")
     server.end()
 
 

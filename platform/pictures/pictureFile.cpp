@@ -13,7 +13,7 @@ namespace kelvora {
 
 namespace {
 
-constexpr std::size_t maximumFileSize = std::size_t{64} << 20;
+constexpr std::size_t maxFileSize = std::size_t{64} << 20;
 
 std::optional<FileBytes> readWholeFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -23,7 +23,7 @@ std::optional<FileBytes> readWholeFile(const std::string& path) {
   while (file) {
     file.read(portion.data(), portion.size());
     bytes.insert(bytes.end(), portion.begin(), portion.begin() + file.gcount());
-    if (bytes.size() > maximumFileSize) return std::nullopt;
+    if (bytes.size() > maxFileSize) return std::nullopt;
   }
   if (file.bad()) return std::nullopt;
   return bytes;

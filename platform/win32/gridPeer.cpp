@@ -10,7 +10,7 @@
 #include "platform/win32/wideText.h"
 #include "platform/windowing/gridCells.h"
 #include "raster/twips.h"
-// After the above.
+// Needs <windows.h>.
 #include <uxtheme.h>
 
 namespace kelvora {

@@ -6,7 +6,7 @@
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/wideText.h"
 #include "platform/windowing/handlerCall.h"
-// After the above.
+// Needs <windows.h>.
 #include <oleacc.h>
 
 namespace kelvora {

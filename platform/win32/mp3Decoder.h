@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "platform/win32/win32.h"
-// After the above.
+// Needs <windows.h>.
 #include <mmsystem.h>
-// After the above.
+// Needs <mmsystem.h>.
 #include <mmreg.h>
 #include <msacm.h>
 

@@ -15,7 +15,7 @@
 #include "platform/windowing/faultReport.h"
 #include "platform/windowing/handlerCall.h"
 #include "raster/surface.h"
-// After the above.
+// Needs <windows.h>.
 #include <mmsystem.h>
 
 namespace kelvora {

@@ -24,8 +24,8 @@ struct DatabaseError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The deeds of all players, in total and per day, in an SQLite file that several servers may share. A player is
-/// whoever has a name of the same key. All functions wait for the disk and throw DatabaseError. One thread at a time
+/// The deeds of all players, in total and per day, in an SQLite file that several servers may share. Names with the
+/// same key belong to the same player. All functions wait for the disk and throw DatabaseError. One thread at a time
 /// may use it.
 class Database {
  public:

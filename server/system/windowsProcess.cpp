@@ -1,5 +1,5 @@
 #include <windows.h>
-// After the above.
+// Needs <windows.h>.
 #include <shellapi.h>
 
 #include <csignal>

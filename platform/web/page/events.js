@@ -8,7 +8,7 @@ const eventKinds = [
 const kindNumbers = Object.fromEntries(eventKinds.map((kind, number) => [kind, number]));
 const nothing = new Uint8Array(0);
 const pendingEvents = [];
-const maximumPendingEvents = 10000;
+const maxPendingEvents = 10000;
 let endWait = null;
 let hasEnded = false;
 
@@ -17,7 +17,7 @@ function post(kind, id, numbers = [], bytes = nothing) {
   const replaces = last && last.kind === kind && last.id === id && (kind === 'mouseMove' || kind === 'resized');
   if (replaces) pendingEvents.pop();
   // Reached only if the program has stopped taking events.
-  if (pendingEvents.length >= maximumPendingEvents && !kind.startsWith('socket')) return;
+  if (pendingEvents.length >= maxPendingEvents && !kind.startsWith('socket')) return;
   pendingEvents.push({kind, id, numbers, bytes});
   if (endWait) endWait();
 }
