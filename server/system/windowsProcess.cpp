@@ -37,7 +37,9 @@ class NoSelecting {
   NoSelecting& operator=(const NoSelecting&) = delete;
 
  private:
-  const HANDLE input_ = GetStdHandle(STD_INPUT_HANDLE);
+  /// The console's input, also if the standard input is redirected. Closed by the system.
+  const HANDLE input_ = CreateFileW(L"CONIN$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                    nullptr, OPEN_EXISTING, 0, nullptr);
   DWORD before_ = 0;
   bool isChanged_ = false;
 };

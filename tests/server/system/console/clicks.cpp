@@ -1,4 +1,5 @@
-// Ends with 0 if clicks into the console select no text while the server runs, and do afterwards. Needs a console.
+// Ends with 0 if clicks into the console select no text while the server runs, and do afterwards, with the standard
+// input redirected. Needs a console.
 
 #include <windows.h>
 
@@ -8,9 +9,11 @@
 
 namespace {
 
+const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+
 DWORD mode() {
   DWORD value = 0;
-  if (GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &value) == 0) std::_Exit(2);
+  if (GetConsoleMode(input, &value) == 0) std::_Exit(2);
   return value;
 }
 
@@ -19,12 +22,13 @@ DWORD before = 0;
 }  // namespace
 
 int main() {
-  SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode() | ENABLE_QUICK_EDIT_MODE | ENABLE_EXTENDED_FLAGS);
+  SetConsoleMode(input, mode() | ENABLE_QUICK_EDIT_MODE | ENABLE_EXTENDED_FLAGS);
   before = mode();
   if ((before & ENABLE_QUICK_EDIT_MODE) == 0) return 3;
   std::atexit([] {
     if (mode() != before) std::_Exit(5);
   });
+  SetStdHandle(STD_INPUT_HANDLE, nullptr);
   kelvora::server::ignoreConsoleClicks();
   return mode() == (before & ~DWORD{ENABLE_QUICK_EDIT_MODE}) ? 0 : 4;
 }
