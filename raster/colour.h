@@ -18,7 +18,7 @@ constexpr Colour RGB(int red, int green, int blue) {
   return {static_cast<std::uint8_t>(red), static_cast<std::uint8_t>(green), static_cast<std::uint8_t>(blue)};
 }
 
-/// A pixel in memory: 0x00RRGGBB. The top byte is always 0.
+/// A pixel in memory: 0x00RRGGBB. Backends may store the opacity in the top byte.
 using Pixel = std::uint32_t;
 
 constexpr Pixel toPixel(Colour colour) {
