@@ -92,10 +92,11 @@ class Company(PageTest):
         def chat():
             return bob.count_pixels("r === 128 && g === 255 && b === 128", area=lines)
         self.assertEqual(chat(), 0)
+        typed = "[words(document.activeElement), all('.main .textbox').map((box) => box.value)]"
         ann.click_on("canvas()")
         ann.type("hello")
         ann.press("Enter")
-        wait_for(lambda: chat() > 20, "Ann's line on Bob's page")
+        wait_for(lambda: chat() > 20, lambda: f"Ann's line on Bob's page; Ann has {ann.see(typed)}")
         self.assertTrue(node)
 
 
