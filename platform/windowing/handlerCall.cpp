@@ -36,8 +36,9 @@ bool takesEvents(Control& control) {
 void raiseKeyPress(Control& control, int byte) {
   constexpr std::size_t maxCommandLength = 60;  // characters in the report
   const auto* box = dynamic_cast<const TextBox*>(&control);
-  const std::string line = box ? box->Text.get() : std::string();
-  if (byte == keyEnter && line.starts_with('~')) noteForReport("the command " + line.substr(0, maxCommandLength));
+  if (box && box->KeyPress && takesEvents(control) && byte == keyEnter && box->Text.get().starts_with('~')) {
+    noteForReport("the command " + box->Text.get().substr(0, maxCommandLength));
+  }
   raiseEvent(control, control.KeyPress, byte);
 }
 

@@ -1,6 +1,7 @@
 #include "server/replays/roundRecorder.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
@@ -68,7 +69,9 @@ RoundRecorder::RoundRecorder(ServerHost& host, ReplaySettings settings) : host_(
   if (error || !fs::is_directory(folder, error)) {
     throw std::runtime_error("the folder " + settings_.folder + " for recordings can't be made");
   }
-  if (!std::ofstream(folder / ("probe" + std::string(ending) + ".new"))) {
+  errno = 0;
+  // A full disk may have room later.
+  if (!std::ofstream(folder / ("probe" + std::string(ending) + ".new")) && errno != ENOSPC) {
     throw std::runtime_error("the folder " + settings_.folder + " for recordings can't be written");
   }
   // Left by a killed server, or the probe.

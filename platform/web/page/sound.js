@@ -15,7 +15,7 @@ function startSpeaker() {
   }
   // The device may be taken, as by a phone call. Then the next press tries again.
   if (speaker && speaker.state !== 'running') speaker.resume().catch(() => {});
-  if (musicState === 3 && music.paused) startMusic();  // play() would restart a track that has ended
+  if (musicState === 3 && music.paused && !music.ended) startMusic();  // play() would restart a track that has ended
 }
 // A finger lets sound begin only when it leaves the screen.
 for (const act of ['pointerdown', 'touchend', 'click', 'keydown']) addEventListener(act, startSpeaker, true);

@@ -34,6 +34,18 @@ TEST(KeyPressDeathTest, NamesTheCommandThatFaults) {
   EXPECT_EXIT(press("~playsound", 13), ::testing::ExitedWithCode(4), "Subscript out of range");
 }
 
+TEST(KeyPressDeathTest, DoesNotNameACommandThatNobodyTook) {
+  const auto pressWithoutHandler = [] {
+    HeadlessBackend backend;
+    Form form("", {});
+    TextBox line(&form, {}, "~playsound");
+    setFaultBox(answer);
+    raiseKeyPress(line, 13);
+    runGame([] { raiseSubscriptOutOfRange(); });
+  };
+  EXPECT_EXIT(pressWithoutHandler(), ::testing::ExitedWithCode(3), "Subscript out of range");
+}
+
 TEST(KeyPressDeathTest, DoesNotNameWhatIsNoCommandOrNotEntered) {
   EXPECT_EXIT(press("playsound", 13), ::testing::ExitedWithCode(3), "Subscript out of range");
   EXPECT_EXIT(press("~playsound", 'x'), ::testing::ExitedWithCode(3), "Subscript out of range");

@@ -124,16 +124,19 @@ class Moderation(unittest.TestCase):
                     connect(port).close()
                     return True
 
-            wait_for(is_open, "the port")
-            self.bans.write_text("ban 127.0.0.3 forever found out\n")
-            server.send_signal(signal.SIGHUP)
-            log = b""
-            while b"1 bans and mutes" not in log:
-                piece = os.read(read_end, 65536)
-                self.assertTrue(piece, f"the server has ended: {log[-200:]}")
-                log += piece
-            server.send_signal(signal.SIGTERM)
-            self.assertEqual(server.wait(60), 0)
+            try:
+                wait_for(is_open, "the port")
+                self.bans.write_text("ban 127.0.0.3 forever found out\n")
+                server.send_signal(signal.SIGHUP)
+                log = b""
+                while b"1 bans and mutes" not in log:
+                    piece = os.read(read_end, 65536)
+                    self.assertTrue(piece, f"the server has ended: {log[-200:]}")
+                    log += piece
+                server.send_signal(signal.SIGTERM)
+                self.assertEqual(server.wait(60), 0)
+            finally:
+                server.kill()
 
     def test_a_killed_server_leaves_a_complete_file(self):
         known = 0
