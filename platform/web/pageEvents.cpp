@@ -1,5 +1,8 @@
 #include "platform/web/pageEvents.h"
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <unordered_map>
 
 #include "platform/web/page.h"
@@ -28,7 +31,11 @@ bool servePageEvent() {
   if (event.kind == PageEventKind::None) return false;
   event.bytes.resize(static_cast<std::size_t>(told[1]));
   page_takeEvent(event.bytes.data());
-  for (std::size_t i = 0; i < event.numbers.size(); ++i) event.numbers[i] = told[i + 2];
+  event.first = told[2];
+  event.shift = told[3];
+  event.x = told[4];
+  event.y = told[5];
+  event.isInside = told[6] != 0;
   const auto target = objects().find(told[0]);
   if (target != objects().end()) target->second->take(event);
   return true;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <string>
 
 namespace kelvora {
@@ -8,37 +7,38 @@ namespace kelvora {
 /// The kinds of page events, in the same order as `eventKinds` in page/events.js.
 enum class PageEventKind {
   None,
-  MouseDown,
-  MouseMove,
-  MouseUp,
-  DoubleClick,
+  MouseDown,    ///< button, shift, x, y, inside
+  MouseMove,    ///< buttons, shift, x, y, inside
+  MouseUp,      ///< as MouseDown
+  DoubleClick,  ///< as MouseDown
   Click,
-  KeyDown,
-  KeyPress,
-  Edited,
-  Scrolled,
-  Changed,
-  Ticked,
-  CellChosen,
-  Resized,
-  Moved,
+  KeyDown,     ///< code, shift
+  KeyPress,    ///< byte of code page 1252
+  Edited,      ///< caret; `bytes` has the text
+  Scrolled,    ///< value
+  Changed,     ///< value
+  Ticked,      ///< value
+  CellChosen,  ///< column and row, as x and y
+  Resized,     ///< width and height, as x and y
+  Moved,       ///< x, y
   Closed,
   Activated,
   SocketOpened,
-  SocketData,
+  SocketData,  ///< `bytes` has what came
   SocketClosed,
   SocketFailed,
-  Touched,
+  Touched,  ///< as MouseDown
   Released,
 };
 
 struct PageEvent {
   PageEventKind kind = PageEventKind::None;
-  /// Of a mouse event or touch: button, Shift, x and y in pixels, 1 for inside. Of a key event: KeyCode or KeyAscii,
-  /// and Shift. Of a slider: its value. Of an edited box: the caret. Of a cell: row and column. Of a form: its size or
-  /// place in pixels.
-  std::array<int, 5> numbers{};
-  std::string bytes;  ///< the text of an edited box, or what a socket has received
+  int first = 0;  ///< the first number that PageEventKind lists, except x
+  int shift = 0;
+  int x = 0;  ///< pixels
+  int y = 0;
+  bool isInside = false;  ///< of the control
+  std::string bytes;
 };
 
 /// A control, box or socket that the page addresses by its id. Events for destroyed objects are dropped.

@@ -47,16 +47,16 @@ class FormPeer : public WebPeer {
   }
 
   void take(const PageEvent& event) override {
-    const float first = static_cast<float>(event.numbers[0] * twipsPerPixel);
-    const float second = static_cast<float>(event.numbers[1] * twipsPerPixel);
+    const auto x = static_cast<float>(event.x * twipsPerPixel);
+    const auto y = static_cast<float>(event.y * twipsPerPixel);
     switch (event.kind) {
       case PageEventKind::Resized:
-        if (first + Form::frameWidth == form_.Width && second + Form::frameHeight == form_.Height) return;
-        if (takesEvents(form_)) runHandler([&] { form_.clientResized(first, second); });
+        if (x + Form::frameWidth == form_.Width && y + Form::frameHeight == form_.Height) return;
+        if (takesEvents(form_)) runHandler([&] { form_.clientResized(x, y); });
         return;
       case PageEventKind::Moved:
-        form_.Left.adopt(first);
-        form_.Top.adopt(second);
+        form_.Left.adopt(x);
+        form_.Top.adopt(y);
         return;
       case PageEventKind::Closed:
         if (takesEvents(form_)) runHandler([this] { form_.closedByUser(); });
@@ -64,7 +64,7 @@ class FormPeer : public WebPeer {
       case PageEventKind::Activated:
         return raiseEvent(form_, form_.Activate);
       case PageEventKind::KeyDown:
-        answerKey(form_, event.numbers[0] == keyEnter);
+        answerKey(form_, event.first == keyEnter);
         return;
       default:
         return;

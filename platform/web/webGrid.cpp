@@ -72,7 +72,7 @@ class GridPeer : public WebPeer {
 
   void take(const PageEvent& event) override {
     if (event.kind != PageEventKind::CellChosen) return WebPeer::take(event);
-    grid_.adoptCell(event.numbers[0], event.numbers[1]);
+    grid_.adoptCell(event.y, event.x);
     showChosen();
   }
 

@@ -50,24 +50,23 @@ void WebPeer::showTabIndex() const { set("TabIndex", control_.TabIndex >= 0 ? co
 void WebPeer::takeFocus() { page_focus(id()); }
 
 void WebPeer::take(const PageEvent& event) {
-  const auto [button, shift, x, y, isInside] = event.numbers;
-  const auto twipsX = static_cast<float>(x * twipsPerPixel);
-  const auto twipsY = static_cast<float>(y * twipsPerPixel);
+  const auto x = static_cast<float>(event.x * twipsPerPixel);
+  const auto y = static_cast<float>(event.y * twipsPerPixel);
   switch (event.kind) {
     case PageEventKind::MouseDown:
-      return raiseEvent(control_, control_.MouseDown, button, shift, twipsX, twipsY);
+      return raiseEvent(control_, control_.MouseDown, event.first, event.shift, x, y);
     case PageEventKind::MouseMove:
-      return raiseEvent(control_, control_.MouseMove, button, shift, twipsX, twipsY);
+      return raiseEvent(control_, control_.MouseMove, event.first, event.shift, x, y);
     case PageEventKind::MouseUp:
-      raiseEvent(control_, control_.MouseUp, button, shift, twipsX, twipsY);
-      if (isInside != 0 && button == leftButton) raiseEvent(control_, control_.Click);
+      raiseEvent(control_, control_.MouseUp, event.first, event.shift, x, y);
+      if (event.isInside && event.first == leftButton) raiseEvent(control_, control_.Click);
       return;
     case PageEventKind::DoubleClick:
       return raiseEvent(control_, control_.DblClick);
     case PageEventKind::KeyDown:
-      return raiseEvent(control_, control_.KeyDown, button, shift);
+      return raiseEvent(control_, control_.KeyDown, event.first, event.shift);
     case PageEventKind::KeyPress:
-      return raiseKeyPress(control_, button);
+      return raiseKeyPress(control_, event.first);
     default:
       return;
   }

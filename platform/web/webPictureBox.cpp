@@ -42,8 +42,8 @@ class PictureBoxPeer : public WebPeer {
 
   void take(const PageEvent& event) override {
     if (event.kind == PageEventKind::Touched) {
-      const auto x = static_cast<float>(event.numbers[2] * twipsPerPixel);
-      const auto y = static_cast<float>(event.numbers[3] * twipsPerPixel);
+      const auto x = static_cast<float>(event.x * twipsPerPixel);
+      const auto y = static_cast<float>(event.y * twipsPerPixel);
       const int key = touchedKey != nullptr ? touchedKey(x, y) : 0;
       isTouchHandled_ = key != 0;
       if (key != 0) raiseEvent(box_, box_.KeyDown, key, 0);
@@ -51,8 +51,7 @@ class PictureBoxPeer : public WebPeer {
     if (event.kind == PageEventKind::Released) isTouchHandled_ = false;
     if (event.kind == PageEventKind::MouseMove && isTouchHandled_) return;
     // Quirk Q-020: no moves outside the picture's edges, even while a button is held.
-    const bool isInside = event.numbers[4] != 0;
-    if (event.kind == PageEventKind::MouseMove && !isInside) return;
+    if (event.kind == PageEventKind::MouseMove && !event.isInside) return;
     WebPeer::take(event);
   }
 

@@ -73,14 +73,14 @@ class TextBoxPeer : public WebPeer {
   }
 
   void take(const PageEvent& event) override {
-    const int key = event.numbers[0];
     if (event.kind == PageEventKind::Edited) {
       shown_ = event.bytes;
       box_.Text.adopt(event.bytes);
-      box_.SelStart.adopt(key);
+      box_.SelStart.adopt(event.first);
       return;
     }
     // A default or cancel button of the form takes the key, and the box does not hear of it.
+    const int key = event.first;
     const bool isAnswer = key == keyEnter || key == keyEscape;
     if (event.kind == PageEventKind::KeyDown && isAnswer && takesEvents(box_) &&
         answerKey(box_.root(), key == keyEnter)) {
@@ -197,7 +197,7 @@ class SliderPeer : public WebPeer {
   void take(const PageEvent& event) override {
     const bool isScroll = event.kind == PageEventKind::Scrolled;
     if (!isScroll && event.kind != PageEventKind::Changed) return WebPeer::take(event);
-    slider_.Value.adopt(event.numbers[0]);
+    slider_.Value.adopt(event.first);
     raiseEvent(slider_, isScroll ? slider_.Scroll : slider_.Change);
   }
 
@@ -221,7 +221,7 @@ class CheckBoxPeer : public WebPeer {
   void take(const PageEvent& event) override {
     if (event.kind == PageEventKind::MouseUp) return;
     if (event.kind != PageEventKind::Ticked) return WebPeer::take(event);
-    box_.Value.adopt(event.numbers[0]);
+    box_.Value.adopt(event.first);
     raiseEvent(box_, box_.Click);
   }
 

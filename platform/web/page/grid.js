@@ -1,3 +1,7 @@
+function chooseCell(control, row, column) {
+  post('cellChosen', control.id, [0, 0, column, row]);
+}
+
 // A table of texts. Clicks and arrow keys choose a row, a double-click takes it.
 function makeGrid(control) {
   control.table = document.createElement('table');
@@ -6,14 +10,14 @@ function makeGrid(control) {
   control.face = control.table;
   control.table.addEventListener('pointerdown', (event) => {
     const cell = event.target.closest('td');
-    if (cell) post('cellChosen', control.id, [Number(cell.dataset.row), Number(cell.dataset.column)]);
+    if (cell) chooseCell(control, Number(cell.dataset.row), Number(cell.dataset.column));
   });
   control.table.addEventListener('keydown', (event) => {
     const steps = {ArrowUp: -1, ArrowDown: 1};
     if (!steps[event.key]) return;
     event.preventDefault();
     const row = control.row + steps[event.key];
-    if (control.table.querySelector(`td[data-row="${row}"]`)) post('cellChosen', control.id, [row, control.column]);
+    if (control.table.querySelector(`td[data-row="${row}"]`)) chooseCell(control, row, control.column);
   });
 }
 

@@ -75,7 +75,7 @@ function placeWindow(control, left, top) {
   const y = Math.round(Math.max(0, Math.min(top, deskHeight - element.offsetHeight * scale)));
   element.style.left = x + 'px';
   element.style.top = y + 'px';
-  post('moved', control.id, [x, y]);
+  post('moved', control.id, [0, 0, x, y]);
 }
 
 // In the middle of the page, unless the game has placed it.
@@ -87,7 +87,7 @@ function placeFirst(control) {
 }
 
 function fillPage(control) {
-  post('resized', control.id, [deskWidth, deskHeight - control.client.offsetTop]);
+  post('resized', control.id, [0, 0, deskWidth, deskHeight - control.client.offsetTop]);
 }
 
 addEventListener('resize', () => {
