@@ -30,7 +30,8 @@ void page_showEnd(const char* title, const char* text, std::size_t size);
 
 /// Yields to the browser until an event arrives or the time is over (infinite for never).
 void page_wait(double milliseconds);
-/// The kind of the oldest event, 0 if there is none. `numbers` gets seven: target, size of its bytes, first, shift, x, y, inside.
+/// The kind of the oldest event, 0 if there is none. `numbers` gets seven: target, size of its bytes, first, shift, x,
+/// y, inside.
 int page_nextEvent(std::int32_t* numbers);
 /// Removes that event and copies its bytes.
 void page_takeEvent(char* bytes);

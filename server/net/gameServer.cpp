@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <boost/asio/post.hpp>
 #include <random>
-#include <stdexcept>
 #include <utility>
 
 #include "protocol/rules.h"
 #include "server/config/commaList.h"
 #include "server/moderation/network.h"
-#include "server/system/files.h"
 #include "server/system/process.h"
 
 namespace kelvora::server {
@@ -46,20 +44,6 @@ Options withSpectators(Options options) {
   return options;
 }
 
-Moments roundIn(const std::string& fileName) {
-  const FileText file = readFile(fileName, Moments::maxSize);
-  const auto refuse = [&](const std::string& why) {
-    return std::runtime_error("the recording " + fileName + " can't be shown: " + why);
-  };
-  if (!file.error.empty()) throw refuse(file.error);
-  if (!file.text) throw refuse("there is no such file");
-  try {
-    return readRound(*file.text);
-  } catch (const std::runtime_error& error) {
-    throw refuse(error.what());
-  }
-}
-
 }  // namespace
 
 GameServer::GameServer(asio::io_context& context, const Options& options, WriteLine log, WriteLine logAct)
@@ -77,6 +61,7 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
       bots_(arena_, options.bots, options.password, versionText(), std::random_device{}()),
       records_(*this, options.recordsFile),
       moderation_(arena_, bots_, records_, *this, options.moderation),
+      rounds_(arena_, *this, options.replays, options.replayFile),
       list_(versionText(), options.listKey, options.address, options.listSize),
       publishers_(startPublishers(context, options, log_)),
       sidecar_(startSidecar()) {
@@ -89,8 +74,6 @@ GameServer::GameServer(asio::io_context& context, const Options& options, WriteL
   }
   warnOfPort(port());
   if (spectatorListener_) warnOfPort(spectatorListener_->port());
-  if (!options.replays.folder.empty()) recorder_.emplace(static_cast<ServerHost&>(*this), options.replays);
-  if (!options.replayFile.empty()) replay_.emplace(roundIn(options.replayFile));
   records_.open();
   publish();
   tickMore();
@@ -117,7 +100,7 @@ void GameServer::stop(std::function<void()> whenDone) {
   waitingRoom_.close();
   for (const auto& publisher : publishers_) publisher->signOff();
   if (sidecar_) sidecar_->finish();
-  if (recorder_) recorder_->end(now());
+  rounds_.end(now());
   arena_.tellAll("The server is shutting down.");
   for (const auto& [client, guest] : guests_) guest.connection->hangUp();
   timer_.expires_after(Connection::goodbyeTime);
@@ -155,7 +138,7 @@ void GameServer::finishStop() {
 
 void GameServer::send(ClientId client, const std::string& frame) {
   if (isBot(client)) return bots_.hear(client, frame, now());
-  if (client == observerClient) return recorder_->add(frame, now());
+  if (client == observerClient) return rounds_.add(frame, now());
   const auto found = guests_.find(client);
   if (found == guests_.end()) return;
   const Guest& guest = found->second;
@@ -235,8 +218,7 @@ void GameServer::tickMore() {
     arena_.tick(at(time));
     bots_.tick(at(time));
     moderation_.tick(at(time));
-    recordRounds(at(time));
-    replayRound(at(time));
+    rounds_.tick(at(time), people() > 0);
     if (isDrained()) return stop(std::move(whenStopped_));
     publish();
     const auto stop = stallWatch_.stoppedFor(time);
@@ -274,26 +256,8 @@ std::unique_ptr<Sidecar> GameServer::startSidecar() {
                                    Sidecar::Handlers{.log = logFromAside(context_, log_), .onPlace = onPlace});
 }
 
-void GameServer::recordRounds(Millis now) {
-  if (!recorder_) return;
-  const bool isOn = arena_.isRoundRunning() && people() > 0;
-  if (recorder_->isRecording() && (!isOn || arena_.roundCount() != recordedRound_)) {
-    arena_.observe(false, now);
-    recorder_->end(now);
-  }
-  if (!isOn || recorder_->isRecording()) return;
-  recorder_->begin(now);
-  recordedRound_ = arena_.roundCount();
-  arena_.observe(true, now);
-}
-
-void GameServer::replayRound(Millis now) {
-  if (!replay_) return;
-  replay_->tick(now, !arena_.spectators().empty(), [this](const std::string& frame) { arena_.show(frame); });
-}
-
 void GameServer::watches(ClientId client) {
-  if (replay_) replay_->show([this, client](const std::string& frame) { send(client, frame); });
+  rounds_.show([this, client](const std::string& frame) { send(client, frame); });
 }
 
 HostEntry GameServer::hostEntry() const {

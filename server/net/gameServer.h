@@ -27,12 +27,11 @@
 #include "server/net/door.h"
 #include "server/net/figures.h"
 #include "server/net/listener.h"
+#include "server/net/roundArchive.h"
 #include "server/net/stallWatch.h"
 #include "server/net/waitingRoom.h"
 #include "server/net/worker.h"
 #include "server/records/recordBook.h"
-#include "server/replays/roundPlayer.h"
-#include "server/replays/roundRecorder.h"
 
 namespace kelvora::server {
 
@@ -124,10 +123,6 @@ class GameServer : private ArenaOutput, private ModerationHost {
   std::size_t people() const;
   void closed(ClientId client, const std::string& reason);
   void tickMore();
-  /// Begins and ends the recordings of rounds.
-  void recordRounds(Millis now);
-  /// Shows spectators what is due of a recorded round.
-  void replayRound(Millis now);
   bool isDrained() const;
   void closeAll();
   void finishStop();
@@ -157,9 +152,7 @@ class GameServer : private ArenaOutput, private ModerationHost {
   BotKeeper bots_;
   RecordBook records_;
   Moderation moderation_;
-  std::optional<RoundRecorder> recorder_;                   // nothing if rounds aren't recorded
-  int recordedRound_ = 0;                                   // its number
-  std::optional<RoundPlayer> replay_;                       // nothing for a game
+  RoundArchive rounds_;
   std::vector<std::pair<ClientId, std::string>> commands_;  // of the frame in progress
   ListPages list_;
   std::vector<std::unique_ptr<Publisher>> publishers_;  // one for each list to announce to

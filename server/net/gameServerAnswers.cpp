@@ -69,7 +69,7 @@ HttpAnswer GameServer::answer(ClientId client, const HttpRequest& request) {
     return textAnswer(403, "Pages from other sites may not play here.\n");
   }
   if (ListPages::has(path)) {
-    const bool isGame = !replay_ && !drainsUntil_;
+    const bool isGame = !rounds_.isReplay() && !drainsUntil_;
     list_.setOwnEntry(isGame ? std::optional(hostEntry()) : std::nullopt);
     return list_.answer(
         request,

@@ -28,7 +28,7 @@ bool GameServer::enter(Newcomer& newcomer) {
   Guest guest{.connection = nullptr,
               .address = newcomer.address,
               .network = {},
-              .role = replay_ ? Role::spectator : newcomer.role};
+              .role = rounds_.isReplay() ? Role::spectator : newcomer.role};
   guest.isForwarded = guest.address == trustedProxy_;
   guest.isDirect = !guest.isForwarded;
   if (!guest.isForwarded && !admit(guest, guest.address)) return false;
