@@ -19,6 +19,7 @@ import time
 from pathlib import Path
 
 from process_figures import memory, processor_seconds
+from streams import RawStream
 
 
 def load_protocol(program):
@@ -33,10 +34,12 @@ def load_protocol(program):
 class Player:
     """Flies circles at the game's normal speed and reads everything it gets."""
 
+    Stream = RawStream
+
     def __init__(self, port, number, version):
         self.socket = self.connect(port)
         self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        self.open()
+        self.stream = self.Stream(self.socket)
         self.send(protocol.frame(protocol.LOGIN, f"Load{number}", "", str(number % 6), version))
         self.socket.setblocking(False)
         self.rest = b""
@@ -47,23 +50,16 @@ class Player:
     def connect(self, port):
         return socket.create_connection(("127.0.0.1", port))
 
-    def open(self):
-        """Overridden by transports with a handshake."""
-
     def hear(self, text):
         """Called with each frame, without its end."""
 
     def send(self, data):
-        self.socket.sendall(data)
-
-    def take(self, data):
-        """The protocol's bytes in the received data."""
-        return data
+        self.stream.send(data)
 
     def read(self):
         try:
             while data := self.socket.recv(65536):
-                self.rest += self.take(data)
+                self.rest += self.stream.take(data)
         except BlockingIOError:
             pass
         *whole, self.rest = self.rest.split(bytes([protocol.END]))

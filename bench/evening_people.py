@@ -8,8 +8,7 @@ import select
 import socket
 import time
 
-from arena_load import Player
-from listener_load import HANDSHAKE, WebPlayer
+from streams import RawStream, WebStream
 
 FAREWELL = "The server is shutting down."
 TICK = 0.04  # seconds
@@ -59,16 +58,10 @@ class Person:
                 return
             self.socket = socket.create_connection(("127.0.0.1", port), 60, (source, 0))
             self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-            self.rest = self.unread = b""
+            self.rest = b""
             self.centre, self.leaves, self.is_in, self.port = None, False, False, port
-            if self.is_web:
-                path = b"/watch" if self.is_watching else b"/play"
-                self.socket.sendall(HANDSHAKE.replace(b"/play", path))
-                head = b""
-                while not head.endswith(b"\r\n\r\n"):
-                    if not (byte := self.socket.recv(1)):
-                        raise ConnectionError("no handshake")
-                    head += byte
+            self.stream = (WebStream if self.is_web else RawStream)(
+                self.socket, b"/watch" if self.is_watching else b"/play")
             protocol = self.evening.protocol
             self.tell(protocol.LOGIN, self.name, "", str(self.number % 6), self.evening.version)
             self.socket.setblocking(False)
@@ -90,7 +83,7 @@ class Person:
     def tell(self, message, *fields):
         data = self.evening.protocol.frame(message, *fields)
         self.sent[self.port, message] += 1
-        (WebPlayer if self.is_web else Player).send(self, data)
+        self.stream.send(data)
 
     def say(self, text):
         self.tell(self.evening.protocol.CHAT, "-1", text)
@@ -106,7 +99,7 @@ class Person:
         data = b""
         try:
             while self.socket and (piece := self.socket.recv(65536)):
-                data += WebPlayer.take(self, piece) if self.is_web else piece
+                data += self.stream.take(piece)
             if self.socket:
                 self.take(data)
                 self.lose("the server hung up")

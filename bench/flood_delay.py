@@ -16,7 +16,8 @@ import tempfile
 import time
 
 from arena_load import Player, Server, load_protocol, play
-from listener_load import HANDSHAKE, from_host, web_frame
+from listener_load import from_host
+from streams import HANDSHAKE, web_frame
 
 PAGE = b"GET / HTTP/1.1\r\nHost: h\r\n\r\n"
 DOWNLOAD = b"GET /large HTTP/1.1\r\nHost: h\r\n\r\n"

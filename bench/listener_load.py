@@ -12,49 +12,17 @@ import resource
 import select
 import socket
 import statistics
-import struct
 import subprocess
 import time
 
 from arena_load import Player, Server, load_protocol, play
-
-HANDSHAKE = (b"GET /play HTTP/1.1\r\nHost: h\r\nConnection: Upgrade\r\nUpgrade: websocket\r\n"
-             b"Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n")
-
-
-def web_frame(data):
-    """A masked binary frame. The mask is all zeros, which costs the server the same."""
-    size = bytes([0x80 | len(data)]) if len(data) < 126 else b"\xfe" + struct.pack(">H", len(data))
-    return b"\x82" + size + bytes(4) + data
+from streams import HANDSHAKE, WebStream, web_frame
 
 
 class WebPlayer(Player):
     """A player over WebSocket."""
 
-    def open(self):
-        self.unread = b""
-        self.socket.sendall(HANDSHAKE)
-        head = b""
-        while not head.endswith(b"\r\n\r\n"):
-            head += self.socket.recv(1)
-
-    def send(self, data):
-        self.socket.sendall(web_frame(data))
-
-    def take(self, data):
-        self.unread += data
-        taken = b""
-        while len(self.unread) >= 2:
-            size, start = self.unread[1], 2
-            if size == 126:
-                if len(self.unread) < 4:
-                    break
-                size, start = struct.unpack(">H", self.unread[2:4])[0], 4
-            if len(self.unread) < start + size:
-                break
-            taken += self.unread[start:start + size]
-            self.unread = self.unread[start + size:]
-        return taken
+    Stream = WebStream
 
 
 def compare_players(programs, seconds):
@@ -169,7 +137,7 @@ def relay_times(watcher, flyer, count):
         flyer.send(protocol.frame(protocol.POSITION_REPORT, text.decode(), f"{y:.0f}"))
         while True:
             select.select([watcher.socket], [], [], 5)
-            if bytes([protocol.END]) in watcher.take(watcher.socket.recv(65536)):
+            if bytes([protocol.END]) in watcher.stream.take(watcher.socket.recv(65536)):
                 break
         times.append(time.monotonic() - start)
         time.sleep(0.04)
