@@ -130,6 +130,7 @@ std::string WebBackend::commandLine() { return placePart("arguments"); }
 PicturePointer WebBackend::loadPicture(const std::string& path) { return loadPictureFile(path); }
 
 std::string WebBackend::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
+  noteForReport("the setting \"" + key + "\" in section \"" + section + "\" of this page's store");
   const auto stored = pageText(
       [&](char* buffer, std::size_t size) { return page_readSetting(section.c_str(), key.c_str(), buffer, size); });
   if (stored) return *stored;

@@ -1,8 +1,10 @@
 #include "platform/web/webSocket.h"
 
+#include <string>
 #include <utility>
 
 #include "platform/web/page.h"
+#include "platform/windowing/faultReport.h"
 #include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
@@ -44,6 +46,7 @@ void WebSocketPeer::take(const PageEvent& event) {
       return runEvent(owner_.onConnect);
     case PageEventKind::SocketData:
       arrived_ += event.bytes;
+      noteForReport("bytes that came from " + owner_.RemoteHost + ":" + std::to_string(owner_.RemotePort));
       return runEvent(owner_.onDataArrival);
     case PageEventKind::SocketClosed:
       state_ = sckClosing;

@@ -82,10 +82,10 @@ class TextBoxPeer : public WebPeer {
     // A default or cancel button of the form takes the key, and the box does not hear of it.
     const int key = event.first;
     const bool isAnswer = key == keyEnter || key == keyEscape;
-    if (event.kind == PageEventKind::KeyDown && isAnswer && takesEvents(box_) &&
-        answerKey(box_.root(), key == keyEnter)) {
+    if (event.kind == PageEventKind::KeyDown && isAnswer && takesEvents(box_)) {
       isAnswered_ = true;
-      return;
+      if (answerKey(box_.root(), key == keyEnter)) return;
+      isAnswered_ = false;
     }
     if (event.kind == PageEventKind::KeyPress && isAnswered_) {
       isAnswered_ = false;

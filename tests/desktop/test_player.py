@@ -53,7 +53,7 @@ class Player(DesktopTest):
 
     def pause_at(self, time):
         self.press("space")
-        harness.wait_for_rest(self.canvas, "the picture")
+        harness.wait_for_rest(self.canvas, "the picture", looks=15)
         return self.go_to(time)
 
     def test_a_jump_back_shows_the_same_picture(self):

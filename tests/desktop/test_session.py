@@ -150,6 +150,9 @@ class Session(DesktopTest):
         self.display.xdotool("click", 1, "type", "--delay", "20", "hello there")
         self.display.xdotool("key", "Return")
         self.assertEqual(line.recv_frame(), (CHAT, [b"-1", b"hello there"]))
+        # The caret stands behind an older line and the blank that follows it.
+        self.display.xdotool("key", "Up", "x", "Return")
+        self.assertEqual(line.recv_frame(), (CHAT, [b"-1", b"hello there x"]))
 
     def test_the_game_runs_on_while_a_menu_is_open(self):
         client, line = self.log_in()

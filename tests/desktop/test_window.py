@@ -126,7 +126,7 @@ class Layout(DesktopTest):
         harness.wait_for(lambda: self.display.pixel(x, y) == (64, 0, 64), "the chat's box")
         # Its old position, 9225 twips from the top, now belongs to the canvas.
         x, y = client.on_screen(1440 // 15 + 20, 9225 // 15 + 12)
-        self.assertNotEqual(self.display.pixel(x, y), (64, 0, 64))
+        harness.wait_for(lambda: self.display.pixel(x, y) != (64, 0, 64), "the canvas")
 
     def test_window_too_small_for_the_canvas_does_no_harm(self):
         client, line = self.log_in()

@@ -68,7 +68,7 @@ class Victim(Spy):
 class Capture(PageTest):
 
     def test_a_loop_around_a_player_captures_them(self):
-        server, page = self.begin()
+        server, page = self.begin("--income", "0")
         victim = Victim(server.port)
         self.addCleanup(victim.close)
         page.connect()

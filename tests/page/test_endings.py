@@ -6,6 +6,7 @@ import tempfile
 import time
 
 from pageTest import KIND, SITE, PageTest, unittest
+from protocol import END as FRAME_END
 from protocol import PLAYER_JOINED, PLAYER_LEFT
 from spy import Spy
 
@@ -79,6 +80,23 @@ class Endings(PageTest):
         page.keep("fault")
         page.reload()
         page.wait_for("dialog('Connect')")
+
+    def test_a_fault_names_the_server_whose_bytes_came_before(self):
+        _, page = self.begin()
+        server, bridge = self.scripted_server()
+        page.connect(port=bridge)
+        line = server.accept()
+        line.recv_frame()
+        line.send_bytes(bytes([FRAME_END]))
+        page.wait_for("/\\nJust before: bytes that came from 127\\.0\\.0\\.1:\\d+\\.\\n/"
+                      ".test(document.querySelector('#end p').innerText)")
+
+    def test_a_fault_names_the_setting_that_is_no_boolean(self):
+        _, page = self.begin()
+        page.see("localStorage.setItem('kelvora/misc/updates', 'perhaps')")
+        page.reload()
+        page.wait_for("document.querySelector('#end p').innerText.includes("
+                      "'\\nJust before: the setting \"updates\" in section \"misc\" of this page\\'s store.\\n')")
 
     def test_exit_ends_the_game(self):
         _, page = self.begin()

@@ -6,7 +6,7 @@ import threading
 
 import attacks
 from harness import wait_for
-from pageTest import PageTest, unittest
+from pageTest import HANG, PageTest, unittest
 from protocol import CHAT, END, LOGIN_DENIED, PING, PING_REPLY, PLAYER_JOINED, POSITION, SPAWN_DENIED, START
 from spy import Spy
 
@@ -54,7 +54,7 @@ class Hostile(PageTest):
         def answers():
             line.send(PING, 1)
             return PING_REPLY in [identifier for identifier, _ in line.frames_during(0.5)]
-        wait_for(answers, "the answer to a ping")
+        wait_for(answers, "the answer to a ping", seconds=HANG)
 
     def assert_within(self, page, mebibytes):
         self.assertLess((self.memory(page) - self.before) / MIB, mebibytes)

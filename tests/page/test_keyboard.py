@@ -31,6 +31,14 @@ class Keyboard(PageTest):
             pass
         return received[1][1]
 
+    def press_at_once(self, page, *keys):
+        """Presses keys before the program takes any of them."""
+        page.see("(() => { const wait = waitForEvents; window.goOn = undefined; waitForEvents = (time, wakeUp) => { "
+                 "window.goOn = () => { waitForEvents = wait; wait(0, wakeUp); }; }; })()")
+        page.wait_for("window.goOn !== undefined")
+        page.press(*keys)
+        page.see("goOn()")
+
     def assert_focused(self, page, element, message=None):
         self.assertTrue(page.see(f"document.activeElement === {element}"), message)
 
@@ -116,16 +124,34 @@ class Keyboard(PageTest):
         _, page = self.begin()
         line = self.log_in(page)
         page.click_on("named('Public Chat')")
-        # The program takes no events before all keys are pressed.
-        page.see("(() => { const wait = waitForEvents; waitForEvents = (time, wakeUp) => { "
-                 "window.goOn = () => { waitForEvents = wait; wait(0, wakeUp); }; }; })()")
-        page.wait_for("window.goOn !== undefined")
-        page.press(*"hi", "Enter", *"yo")
-        page.see("goOn()")
+        self.press_at_once(page, *"hi", "Enter", *"you", "Backspace")
         self.assertEqual(self.await_chat(line), b"hi")
         page.wait_for("named('Public Chat').value === 'yo'")
         page.press("Enter")
         self.assertEqual(self.await_chat(line), b"yo")
+
+    def test_letters_behind_an_older_line_are_added_to_it(self):
+        _, page = self.begin()
+        line = self.log_in(page)
+        page.click_on("named('Public Chat')")
+        page.press(*"one", "Enter")
+        self.assertEqual(self.await_chat(line), b"one")
+        page.press(*"abc")
+        self.press_at_once(page, "ArrowUp", "Backspace", "x", "Enter")
+        self.assertEqual(self.await_chat(line), b"onex")
+        page.press("ArrowUp")
+        page.wait_for("named('Public Chat').value === 'onex '")
+        page.press("y", "Enter")
+        self.assertEqual(self.await_chat(line), b"onex y")
+
+    def test_option_makes_characters_on_a_mac(self):
+        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration="() => { "
+                                        "Object.defineProperty(navigator, 'platform', {get: () => 'MacIntel'}); }")
+        self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
+        _, page = self.begin()
+        self.log_in(page)
+        page.see("canvas().dispatchEvent(new KeyboardEvent('keydown', {key: '@', keyCode: 76, altKey: true}))")
+        page.wait_for("named('Public Chat').value === '@'")
 
     def test_tab_on_the_view_types_nothing(self):
         _, page = self.begin()

@@ -110,7 +110,7 @@ class Session(PageTest):
         page.wait_for("dialog('Connect')")
 
     def test_both_sides_chat(self):
-        server, page = self.begin()
+        server, page = self.begin("--no-coach")  # whose lines would move the others up
         spy = Spy(server.port, "Spy")
         self.addCleanup(spy.close)
         page.connect()

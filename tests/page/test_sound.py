@@ -164,6 +164,16 @@ class Sound(PageTest):
         page.click_on("by('h2', 'Powerups')")
         self.assertEqual(page.see("[music.paused, begun]"), [True, 0])
 
+    def test_the_next_track_follows_one_that_ends_or_is_missing(self):
+        page = self.open_watched("")
+        self.log_in(page)
+        page.wait_for("music.currentTime > 0")
+        for leave in ("music.currentTime = music.duration - 0.1", "music.src = 'sounds/missing.mp3'"):
+            with self.subTest(leave):
+                page.see("(() => { window.begun = 0; music.onplaying = () => { ++begun; }; })()")
+                page.see(leave)
+                page.wait_for("begun && musicState === 3 && !music.paused && !music.src.includes('missing')")
+
     def test_music_that_is_switched_off_is_never_fetched(self):
         page = self.open_watched("nomusic")
         line = self.log_in(page)

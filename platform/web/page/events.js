@@ -14,8 +14,9 @@ let hasEnded = false;
 
 function post(kind, id, numbers = [], bytes = nothing) {
   const last = pendingEvents[pendingEvents.length - 1];
-  const replaces = last && last.kind === kind && last.id === id && (kind === 'mouseMove' || kind === 'resized');
-  if (replaces) pendingEvents.pop();
+  // Of several moves the last one counts, and the last one inside the control, because the game ignores those outside.
+  const isOfSameKind = last && last.kind === kind && last.id === id && last.numbers[4] === numbers[4];
+  if (isOfSameKind && (kind === 'mouseMove' || kind === 'resized')) pendingEvents.pop();
   // Reached only if the program has stopped taking events.
   if (pendingEvents.length >= maxPendingEvents && !kind.startsWith('socket')) return;
   pendingEvents.push({kind, id, numbers, bytes});

@@ -60,11 +60,13 @@ function listenToKeys(control) {
     if (isComposing(event)) return;
     const isAnswer = event.key === 'Enter' || event.key === 'Escape';
     const controlKeys = {Enter: 13, Escape: 27, Backspace: 8};
-    const letters = event.altKey || event.metaKey || event.ctrlKey ? [] : toBytes(letterOf(event));
-    const typed = event.altKey || event.metaKey ? [] : controlKeys[event.key] ? [controlKeys[event.key]] : letters;
-    // Keys behind moved ones, or behind an Enter that may clear the line, must not overtake them. A browser would search
-    // the page for letters on a picture.
-    const isMoved = pendingEvents.some((other) => other.id === control.id && (other.isMoved || isEnter(other)));
+    // On a Mac, Option makes characters, as AltGr does elsewhere.
+    const hasAlt = event.metaKey || (event.altKey && !isMac);
+    const letters = hasAlt || event.ctrlKey ? [] : toBytes(letterOf(event));
+    const typed = hasAlt ? [] : controlKeys[event.key] ? [controlKeys[event.key]] : letters;
+    // Keys behind moved ones, or behind one that may change the line, must not overtake them. A browser would search the
+    // page for letters on a picture.
+    const isMoved = pendingEvents.some((other) => other.id === control.id && (other.isMoved || changesLine(other)));
     const isUnused = control.kind === 'PictureBox' && letters.length > 0;
     if (isMoved || isUnused || isAnswer || isFunctionKey(event)) event.preventDefault();
     const first = pendingEvents.length;
@@ -77,7 +79,9 @@ function listenToKeys(control) {
 // Password managers send keydown events without a key.
 const letterOf = ({key = ''}) => [...key].length === 1 ? key : '';
 const isKey = (event) => event.kind === 'keyDown' || event.kind === 'keyPress';
-const isEnter = (event) => event.kind === 'keyPress' && event.numbers[0] === 13;
+// The chat line clears itself at Enter, and shows an older line at Up and Down.
+const changesLine = ({kind, numbers: [key]}) =>
+  (kind === 'keyPress' && key === 13) || (kind === 'keyDown' && (key === 38 || key === 40));
 
 // Moves the keys that wait for the program from one control to another.
 function markMoved(from, to) {
@@ -93,13 +97,19 @@ function moveKeys(to) {
   if (from && from !== to) markMoved(from, to);
 }
 
-// The browser hasn't typed a moved letter into its text box.
+// The browser hasn't typed a moved letter into its text box, nor deleted one by a moved Backspace.
 function typeMoved(event) {
   const control = controls.get(event.id);
   const [byte] = event.numbers;
-  if (!event.isMoved || event.kind !== 'keyPress' || byte < 32 || !control || control.kind !== 'TextBox') return;
+  const isBackspace = byte === 8;
+  if (!event.isMoved || event.kind !== 'keyPress' || !(byte >= 32 || isBackspace) || control?.kind !== 'TextBox') return;
   const input = control.element;
-  input.setRangeText(toText(Uint8Array.of(byte)), input.selectionStart, input.selectionEnd, 'end');
+  const {selectionStart: start, selectionEnd: end} = input;
+  if (isBackspace) {
+    input.setRangeText('', start < end ? start : Math.max(start - 1, 0), end, 'end');
+  } else {
+    input.setRangeText(toText(Uint8Array.of(byte)), start, end, 'end');
+  }
   const edited = {kind: 'edited', id: event.id, numbers: [input.selectionStart], bytes: toBytes(input.value)};
   pendingEvents.splice(1, 0, edited);
 }

@@ -21,10 +21,10 @@ void answer(const std::string&, const std::string& advice) {
 }
 
 /// Types a byte behind this line, whose handler faults.
-void press(const std::string& text, int byte) {
+void press(const std::string& text, int byte, bool isSecret = false) {
   HeadlessBackend backend;
   Form form("", {});
-  TextBox line(&form, {}, text);
+  TextBox line(&form, {}, text, {.isSecret = isSecret});
   line.KeyPress = [](int) { raiseSubscriptOutOfRange(); };
   setFaultBox(answer);
   raiseKeyPress(line, byte);
@@ -49,6 +49,7 @@ TEST(KeyPressDeathTest, DoesNotNameACommandThatNobodyTook) {
 TEST(KeyPressDeathTest, DoesNotNameWhatIsNoCommandOrNotEntered) {
   EXPECT_EXIT(press("playsound", 13), ::testing::ExitedWithCode(3), "Subscript out of range");
   EXPECT_EXIT(press("~playsound", 'x'), ::testing::ExitedWithCode(3), "Subscript out of range");
+  EXPECT_EXIT(press("~password", 13, true), ::testing::ExitedWithCode(3), "Subscript out of range");
 }
 
 }  // namespace

@@ -66,6 +66,34 @@ TEST_F(FormMouse, APressBesideTheControlsReachesNone) {
   EXPECT_EQ(events_, "move ");
 }
 
+TEST_F(FormMouse, TheButtonsAreToldApart) {
+  std::string told;
+  picture_.MouseDown = [&](int Button, int, float, float) { told += "press " + std::to_string(Button) + " "; };
+  picture_.MouseMove = [&](int Button, int, float, float) { told += "move " + std::to_string(Button) + " "; };
+  picture_.MouseUp = [&](int Button, int, float, float) { told += "release " + std::to_string(Button) + " "; };
+  mouse(WM_LBUTTONDOWN, 50, 50, MK_LBUTTON);
+  mouse(WM_RBUTTONDOWN, 50, 50, MK_LBUTTON | MK_RBUTTON);
+  mouse(WM_MOUSEMOVE, 60, 50, MK_LBUTTON | MK_RBUTTON);
+  mouse(WM_RBUTTONUP, 60, 50, MK_LBUTTON);
+  mouse(WM_MOUSEMOVE, 50, 50, MK_LBUTTON);
+  // The picture keeps the mouse while any button is held.
+  mouse(WM_LBUTTONUP, 150, 50);
+  EXPECT_EQ(told, "press 1 press 2 move 3 release 2 move 1 release 1 ");
+}
+
+TEST_F(FormMouse, TheSecondPressOfADoubleClickIsAPress) {
+  for (const UINT message : {WM_RBUTTONDOWN, WM_RBUTTONUP, WM_RBUTTONDBLCLK, WM_RBUTTONUP}) {
+    mouse(message, 50, 50, message == WM_RBUTTONUP ? 0 : MK_RBUTTON);
+  }
+  EXPECT_EQ(events_, "press release press release ");
+}
+
+TEST_F(FormMouse, TheRightButtonClicksNoLabel) {
+  mouse(WM_RBUTTONDOWN, 150, 50, MK_RBUTTON);
+  mouse(WM_RBUTTONUP, 150, 50);
+  EXPECT_EQ(events_, "label's release ");
+}
+
 class GridMouse : public FormTest {
  protected:
   Grid grid_{&form_, {0, 0, 3000, 3000}};

@@ -50,5 +50,17 @@ TEST_F(Names, OfMenusAreTheirCaptions) {
   EXPECT_EQ(nameOf(GetSubMenu(bar, 0), 0), L"Leave");
 }
 
+TEST_F(Names, OfMenusAreToldWithTheirTicks) {
+  MenuItem settings(&form_, "Settings");
+  MenuItem never(&settings, "Never");
+  never.Checked = true;
+  show();
+  const HMENU list = GetSubMenu(GetMenu(windowOf(form_)), 0);
+  const auto isChecked = [&] { return (GetMenuState(list, 0, MF_BYPOSITION) & MF_CHECKED) != 0; };
+  EXPECT_TRUE(isChecked());
+  never.Checked = false;
+  EXPECT_FALSE(isChecked());
+}
+
 }  // namespace
 }  // namespace kelvora
