@@ -82,7 +82,7 @@ TEST_F(FormMouse, TheButtonsAreToldApart) {
 }
 
 TEST_F(FormMouse, TheSecondPressOfADoubleClickIsAPress) {
-  for (const UINT message : {WM_RBUTTONDOWN, WM_RBUTTONUP, WM_RBUTTONDBLCLK, WM_RBUTTONUP}) {
+  for (const UINT message : {UINT{WM_RBUTTONDOWN}, UINT{WM_RBUTTONUP}, UINT{WM_RBUTTONDBLCLK}, UINT{WM_RBUTTONUP}}) {
     mouse(message, 50, 50, message == WM_RBUTTONUP ? 0 : MK_RBUTTON);
   }
   EXPECT_EQ(events_, "press release press release ");
