@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "platform/recording/file.h"
 #include "protocol/wireFormat.h"
 #include "tests/app/memorySink.h"
+#include "tests/support/temporaryFolder.h"
 
 namespace kelvora {
 namespace {
@@ -18,7 +18,8 @@ using namespace recording;
 
 /// Writes the messages to a file one by one, and returns those read from it.
 std::vector<std::string> throughAFile(const std::vector<std::string>& all) {
-  const std::string path = (std::filesystem::temp_directory_path() / "kelvora-messages.recording").string();
+  const TemporaryFolder folder;
+  const std::string path = (folder.path() / "messages.recording").string();
   {
     Writer writer(std::make_unique<RecordingFile>(path));
     Messages messages;
@@ -28,7 +29,6 @@ std::vector<std::string> throughAFile(const std::vector<std::string>& all) {
   Messages messages;
   std::vector<std::string> result;
   while (!reader.isAtEnd()) result.push_back(messages.read(reader));
-  std::filesystem::remove(path);
   return result;
 }
 

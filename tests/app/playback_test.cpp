@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -13,6 +12,7 @@
 #include "app/player/pack.h"
 #include "tests/app/playerTest.h"
 #include "tests/app/recordedMatch.h"
+#include "tests/support/temporaryFolder.h"
 
 namespace kelvora::player {
 namespace {
@@ -98,8 +98,6 @@ TEST_F(PlayerTest, OpenWindowsOpenAgain) {
 
 class RecordedPlayerTest : public testing::Test {
  protected:
-  ~RecordedPlayerTest() override { std::filesystem::remove(path); }
-
   void record(const RecordedMatch::Script& script) const {
     RecordedMatch match(path, {.bots = 1, .seconds = 4}, [&](RecordedMatch& game) {
       if (game.frame() == 20) game.logIn();
@@ -108,10 +106,8 @@ class RecordedPlayerTest : public testing::Test {
     match.play();
   }
 
-  const std::string path =
-      (std::filesystem::temp_directory_path() /
-       ("player-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + ".recording"))
-          .string();
+  const TemporaryFolder folder;
+  const std::string path = (folder.path() / "player.recording").string();
 };
 
 TEST_F(RecordedPlayerTest, AnOpenMessageBoxOpensAgain) {

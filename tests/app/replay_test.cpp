@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -17,6 +16,7 @@
 #include "raster/surface.h"
 #include "tests/app/recordedMatch.h"
 #include "tests/support/gameTest.h"
+#include "tests/support/temporaryFolder.h"
 
 namespace kelvora {
 namespace {
@@ -25,13 +25,6 @@ using recording::ReplayEnd;
 
 class ReplayTest : public testing::Test {
  protected:
-  ReplayTest()
-      : path_((std::filesystem::temp_directory_path() /
-               (std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-" +
-                std::to_string(testing::UnitTest::GetInstance()->random_seed()) + ".recording"))
-                  .string()) {}
-  ~ReplayTest() override { std::filesystem::remove(path_); }
-
   /// Returns the fault that has ended the game; empty if none has.
   std::string record(const RecordedMatch::Rules& rules, const RecordedMatch::Script& script) const {
     RecordedMatch match(path_, rules, script);
@@ -73,7 +66,8 @@ class ReplayTest : public testing::Test {
     return {};
   }
 
-  const std::string path_;
+  const TemporaryFolder folder_;
+  const std::string path_ = (folder_.path() / "game.recording").string();
 };
 
 void playOn(RecordedMatch& match) {

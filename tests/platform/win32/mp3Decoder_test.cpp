@@ -10,6 +10,7 @@
 #include <iterator>
 
 #include "generated/sourceFolder.h"
+#include "tests/support/temporaryFolder.h"
 
 namespace kelvora {
 namespace {
@@ -25,8 +26,6 @@ std::string bytesOf(const fs::path& file) {
 
 class Mp3 : public ::testing::Test {
  protected:
-  ~Mp3() override { fs::remove(file_); }
-
   /// The samples of a file with these bytes. Nothing if it can't be played.
   std::vector<std::int16_t> decode(const std::string& bytes) const {
     std::ofstream(file_, std::ios::binary) << bytes;
@@ -47,7 +46,8 @@ class Mp3 : public ::testing::Test {
   }
 
  private:
-  fs::path file_ = fs::temp_directory_path() / "kelvora-decoder-test.mp3";
+  const TemporaryFolder folder_;
+  const fs::path file_ = folder_.path() / "track.mp3";
 };
 
 constexpr std::size_t samplesOfAFrame = 2 * 1152;

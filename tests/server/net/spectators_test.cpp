@@ -14,6 +14,7 @@
 #include "tests/server/net/tcpClient.h"
 #include "tests/server/net/webAnswer.h"
 #include "tests/server/net/webSocketClient.h"
+#include "tests/support/temporaryFolder.h"
 
 namespace kelvora::server {
 namespace {
@@ -80,11 +81,10 @@ TEST(SpectatorPort, IsTheOneAfterThePlayers) {
 }
 
 TEST(WatchLink, IsThePageOfTheGame) {
-  const auto folder = std::filesystem::path(testing::TempDir()) / "kelvora-watched-site";
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "index.html") << "the page";
+  const TemporaryFolder folder;
+  std::ofstream(folder.path() / "index.html") << "the page";
   Options options = withSpectators(1);
-  options.site = utf8FromPath(folder);
+  options.site = utf8FromPath(folder.path());
   {
     const RunningServer server(options);
     EXPECT_EQ(ask(server.port(), "GET /watch HTTP/1.0\r\n\r\n").body, "the page");
@@ -109,7 +109,6 @@ TEST(WatchLink, IsThePageOfTheGame) {
       EXPECT_EQ(answer.body.find("watch"), std::string::npos) << answer.body;
     }
   }
-  std::filesystem::remove_all(folder);
 }
 
 TEST(WatchLink, ObeysTheAllowedOrigins) {
@@ -121,7 +120,8 @@ TEST(WatchLink, ObeysTheAllowedOrigins) {
 }
 
 TEST(ShownRound, IsWatchedByEverybody) {
-  const auto file = std::filesystem::path(testing::TempDir()) / "kelvora-shown.round";
+  const TemporaryFolder folder;
+  const auto file = folder.path() / "shown.round";
   std::ofstream(file, std::ios::binary) << roundFile({});
   Options options;
   options.replayFile = utf8FromPath(file);
@@ -133,7 +133,6 @@ TEST(ShownRound, IsWatchedByEverybody) {
     EXPECT_NE(ask(server.port(), "GET /metrics HTTP/1.0\r\n\r\n").body.find("\nkelvora_spectators 1\n"),
               std::string::npos);
   }
-  std::filesystem::remove(file);
 }
 
 /// The number of spectators according to /metrics.

@@ -12,6 +12,7 @@
 #include "protocol/frames.h"
 #include "server/system/files.h"
 #include "server/system/process.h"
+#include "tests/support/temporaryFolder.h"
 
 namespace kelvora::server {
 namespace {
@@ -20,16 +21,11 @@ namespace fs = std::filesystem;
 
 class RoundRecorderTest : public testing::Test, protected ServerHost {
  protected:
-  const fs::path folder = fs::path(testing::TempDir()) / "kelvora-rounds" / "inner";
+  const TemporaryFolder home;
+  const fs::path folder = home.path() / "inner";
   std::vector<std::string> lines;
   bool isBusy = false;
   std::int64_t time = 1'000'000'000;  // 2001-09-09T01:46:40Z
-
-  RoundRecorderTest() { fs::remove_all(folder.parent_path()); }
-  ~RoundRecorderTest() override {
-    std::error_code ignored;
-    fs::remove_all(folder.parent_path(), ignored);
-  }
 
   void log(const std::string& line) override { lines.push_back(line); }
   std::int64_t wallClock() const override { return time; }
