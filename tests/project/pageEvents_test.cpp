@@ -9,12 +9,13 @@
 
 namespace {
 
-/// The words of a list in a file, from after `begin` to the next `end`.
+/// The words of a list in a file, from after `begin` to the next `end`, without comments.
 std::vector<std::string> wordsBetween(const std::string& path, const std::string& begin, char end) {
   const std::string text = tree::text(path);
   const std::size_t start = text.find(begin);
   if (start == std::string::npos) return {};
-  const std::string list = text.substr(start + begin.size(), text.find(end, start) - start - begin.size());
+  const std::string list = std::regex_replace(
+      text.substr(start + begin.size(), text.find(end, start) - start - begin.size()), std::regex("//.*"), "");
   static const std::regex word("[A-Za-z]+");
   return {std::sregex_token_iterator(list.begin(), list.end(), word), std::sregex_token_iterator()};
 }
