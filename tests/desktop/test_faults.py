@@ -211,6 +211,8 @@ class ClientFaults(DesktopTest):
         self.assertEqual(server.accept().recv_frame()[1][0], b"Ann")
         bob.connect(server.port, name="Bob", address="localhost")
         self.assertEqual(server.accept().recv_frame()[1][0], b"Bob")
+        # Afterwards the keyboard would be Bob's again.
+        wait_for(lambda: "Connect" not in bob.windows(), "the end of Bob's dialog")
         # Ann's client doesn't know what Bob's has saved, and saves something else: the first item of Settings, Audio.
         ann.choose(70, "Down", "Right", "Return")
         wait_for(lambda: ann.saved("audio", "music"), "the setting")

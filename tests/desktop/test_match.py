@@ -69,7 +69,7 @@ class Match(DesktopTest):
 
         def is_told():
             return sum(g > 60 and r == 0 and b == 0 for r, g, b in self.pixels(client, CENTRE_MESSAGE)) >= 20
-        # The words fade within two seconds. Whoever misses them is captured again.
+        # The words fade within two seconds. A client that misses them is captured again.
         pilot.play_until(lambda: is_captured() and not relay.is_alive and is_told(), "'You have been captured!'")
         self.keep("loss")
 
