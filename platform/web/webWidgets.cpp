@@ -79,18 +79,10 @@ class TextBoxPeer : public WebPeer {
       box_.SelStart.adopt(event.first);
       return;
     }
-    // A default or cancel button of the form takes the key, and the box does not hear of it.
     const int key = event.first;
     const bool isAnswer = key == keyEnter || key == keyEscape;
-    if (event.kind == PageEventKind::KeyDown && isAnswer && takesEvents(box_)) {
-      isAnswered_ = true;
-      if (answerKey(box_.root(), key == keyEnter)) return;
-      isAnswered_ = false;
-    }
-    if (event.kind == PageEventKind::KeyPress && isAnswered_) {
-      isAnswered_ = false;
-      return;
-    }
+    if (event.kind == PageEventKind::KeyDown && isAnswer && answered_.takeDown(box_, key == keyEnter)) return;
+    if (event.kind == PageEventKind::KeyPress && isAnswer && answered_.takeCharacter()) return;
     WebPeer::take(event);
   }
 
@@ -107,7 +99,7 @@ class TextBoxPeer : public WebPeer {
  private:
   TextBox& box_;
   std::string shown_ = box_.Text;
-  bool isAnswered_ = false;
+  AnsweredKeys answered_;
 };
 
 class ButtonPeer : public WebPeer {

@@ -3,8 +3,6 @@
 #include "platform/win32/formPeer.h"
 #include "platform/win32/gdiFonts.h"
 #include "platform/win32/messagePump.h"
-#include "platform/windowing/answerKey.h"
-#include "platform/windowing/handlerCall.h"
 
 namespace kelvora {
 
@@ -42,17 +40,10 @@ HBRUSH NativePeer::colours(HDC dc) const {
 }
 
 void NativePeer::take(const Input& input) {
-  // A default or cancel button of the form takes the key, and the control doesn't get it.
-  const bool isAnswer = input.first == VK_RETURN || input.first == VK_ESCAPE;
-  if (input.kind == InputKind::KeyDown && isAnswer && takesEvents(control())) {
-    isAnswered_ = true;
-    if (answerKey(control().root(), input.first == VK_RETURN)) return;
-    isAnswered_ = false;
-  }
-  if (input.kind == InputKind::KeyPress && isAnswer && isAnswered_) {
-    isAnswered_ = false;
-    return;
-  }
+  const bool isEnter = input.first == VK_RETURN;
+  const bool isAnswer = isEnter || input.first == VK_ESCAPE;
+  if (input.kind == InputKind::KeyDown && isAnswer && answered_.takeDown(control(), isEnter)) return;
+  if (input.kind == InputKind::KeyPress && isAnswer && answered_.takeCharacter()) return;
   ControlPeer::take(input);
 }
 

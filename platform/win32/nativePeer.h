@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/win32/controlPeer.h"
+#include "platform/windowing/answerKey.h"
 
 namespace kelvora {
 
@@ -35,7 +36,7 @@ class NativePeer : public ControlPeer {
 
   HWND window_;
   FontSpec font_;
-  bool isAnswered_ = false;  ///< the form has answered a key whose character is still to come
+  AnsweredKeys answered_;
 };
 
 }  // namespace kelvora

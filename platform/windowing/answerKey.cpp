@@ -18,4 +18,12 @@ bool answerKey(Control& form, bool enter) {
   return true;
 }
 
+bool AnsweredKeys::takeDown(Control& control, bool enter) {
+  if (!takesEvents(control)) return false;
+  isCharacterDue_ = true;  // before the button opens a box, under which the character may come
+  if (answerKey(control.root(), enter)) return true;
+  isCharacterDue_ = false;
+  return false;
+}
+
 }  // namespace kelvora

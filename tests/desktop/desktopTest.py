@@ -3,7 +3,6 @@
 import contextlib
 import functools
 import pathlib
-import shutil
 import signal
 import subprocess
 import unittest
@@ -16,16 +15,6 @@ from screen import Gone
 from servers import ScriptedServer, Server
 
 HANG = 300  # seconds; a test that takes longer hangs
-
-
-def stacks():
-    """Where every thread of the running clients and servers is, if gdb is installed."""
-    if not shutil.which("gdb"):
-        return ""
-    processes = [program.process for program in harness.opened if hasattr(program, "process")]
-    return "".join(subprocess.run(["gdb", "-p", str(process.pid), "-batch", "-ex", "thread apply all backtrace"],
-                                  capture_output=True, text=True, timeout=harness.PATIENCE, check=False).stdout
-                   for process in processes if process.poll() is None)
 
 
 class DesktopTest(unittest.TestCase):
@@ -96,5 +85,5 @@ class DesktopTest(unittest.TestCase):
         place.parent.mkdir(exist_ok=True)
         pathlib.Path(f"{place}.ppm").write_bytes(self.display.picture().ppm())
         windows = self.display.run("xwininfo", "-root", "-tree")
-        pathlib.Path(f"{place}.txt").write_text(windows + stacks(), encoding="utf-8")
+        pathlib.Path(f"{place}.txt").write_text(windows + harness.stacks(), encoding="utf-8")
         print(f"[screen, windows, stacks: {place}.*]", end=" ", flush=True)

@@ -89,6 +89,12 @@ class PageTest(unittest.TestCase):
             raise
         self.browser.empty_pages.append(page)
 
+    def pretend_mac(self):
+        """Makes pages that are opened from now on believe that they are on a Mac."""
+        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration="() => { "
+                                        "Object.defineProperty(navigator, 'platform', {get: () => 'MacIntel'}); }")
+        self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
+
     def begin(self, *options, **opening):
         """The real server and a page from it that shows the connect dialog."""
         server = self.start_server(*options)

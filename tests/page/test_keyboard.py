@@ -146,9 +146,7 @@ class Keyboard(PageTest):
         self.assertEqual(self.await_chat(line), b"one y")
 
     def test_option_makes_characters_on_a_mac(self):
-        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration="() => { "
-                                        "Object.defineProperty(navigator, 'platform', {get: () => 'MacIntel'}); }")
-        self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
+        self.pretend_mac()
         _, page = self.begin()
         self.log_in(page)
         page.see("canvas().dispatchEvent(new KeyboardEvent('keydown', {key: '@', keyCode: 76, altKey: true}))")

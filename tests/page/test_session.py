@@ -66,9 +66,7 @@ class Session(PageTest):
         self.assertGreater(end[0], begin[0], "the brakes are on")
 
     def test_ctrl_makes_the_left_button_the_right_one_on_a_mac(self):
-        script = self.browser.wire.call("script.addPreloadScript", functionDeclaration="() => { "
-                                        "Object.defineProperty(navigator, 'platform', {get: () => 'MacIntel'}); }")
-        self.addCleanup(self.browser.wire.call, "script.removePreloadScript", script=script["script"])
+        self.pretend_mac()
         _, page = self.begin()
         line = self.log_in(page)
         width, height = page.canvas_size()

@@ -1,9 +1,11 @@
 """The real client in a window."""
 
 import configparser
+import contextlib
 import os
 import shutil
 import subprocess
+import sys
 import tempfile
 
 import harness
@@ -40,7 +42,8 @@ class Client:
             self.window = self.wait_for_window(TITLE)
             display.last_window = max(display.last_window, self.window.identifier)
         except BaseException:
-            self.close()
+            with contextlib.closing(self):
+                print(harness.stacks(), file=sys.stderr)
             raise
         # The menu is the part of the window above the designed client area. It may end between two of its pixels.
         self.menu = self.window.geometry()[3] / scale - CLIENT_AREA[1]

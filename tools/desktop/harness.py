@@ -5,6 +5,7 @@ import atexit
 import os
 import pathlib
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -81,6 +82,21 @@ def take_out(program):
 def close_all():
     while opened:
         opened[-1].close()
+
+
+def stacks():
+    """Where every thread of the open programs is, and of Wine's own in their prefixes. Nothing without gdb."""
+    if not shutil.which("gdb"):
+        return ""
+    processes = set()
+    for program in opened:
+        if hasattr(program, "process") and program.process.poll() is None:
+            processes.add(program.process.pid)
+        if getattr(program, "prefix", None):
+            processes.update(wine.processes_in(program.prefix))
+    return "".join(subprocess.run(["gdb", "-p", str(process), "-batch", "-ex", "thread apply all backtrace"],
+                                  capture_output=True, text=True, errors="replace", timeout=PATIENCE, check=False).stdout
+                   for process in sorted(processes))
 
 
 def wait_for(condition, what, seconds=PATIENCE, pause=0.02):
