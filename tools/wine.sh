@@ -9,13 +9,19 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 # The prefix gets no menu entries, and neither .NET nor a browser. No program needs services, whose start takes most of
 # the time that a program needs in a new prefix.
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winemenubuilder.exe,mscoree,mshtml,services.exe=}"
+# At a random place, the heap of one process in some thousand covers an address that Wine needs. The program then ends
+# without a word, or has no window if the process was one of Wine's own. Some containers forbid fixed places.
+placed=
+setarch -R true 2>/dev/null && placed="setarch -R"
+export placed
 if [ "$WINEPREFIX" = "$build/wine" ] && [ ! -d "$WINEPREFIX/new" ]; then
   # Programs that start together share one prefix. The first of them creates it.
   # shellcheck disable=SC2016
   flock "$build/wine.lock" sh -c '[ -d "$WINEPREFIX/new" ] || {
-    wine wineboot -i && wineserver -w && mkdir -p "$WINEPREFIX/part" &&
+    $placed wine wineboot -i && wineserver -w && mkdir -p "$WINEPREFIX/part" &&
       cp "$WINEPREFIX"/*.reg "$WINEPREFIX/.update-timestamp" "$WINEPREFIX/part" &&
       mv "$WINEPREFIX/part" "$WINEPREFIX/new"
   }' >&2
 fi
-exec wine "$@"
+# shellcheck disable=SC2086
+exec $placed wine "$@"
