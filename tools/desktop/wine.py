@@ -107,9 +107,10 @@ def end(prefix):
     for option in ("-k", "-w"):
         run_quietly("wineserver", option, prefix=prefix)
     # Some of Wine's own programs don't notice that the server has ended, and would wait for it forever.
-    for process in set(processes_in(prefix)) - {os.getpid()}:
-        with contextlib.suppress(ProcessLookupError):
-            os.kill(process, signal.SIGKILL)
+    for process in processes_in(prefix):
+        if process != os.getpid():
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(process, signal.SIGKILL)
 
 
 def start():
