@@ -94,12 +94,13 @@ def run_quietly(*command, prefix, check=False):
 
 def processes_in(prefix):
     """The processes that run in a prefix."""
-    for environment in pathlib.Path("/proc").glob("[0-9]*/environ"):
+    for process in pathlib.Path("/proc").glob("[0-9]*"):
         try:
-            if f"WINEPREFIX={prefix}".encode() in environment.read_bytes().split(b"\0"):
-                yield int(environment.parent.name)
+            variables = (process / "environ").read_bytes().split(b"\0")
         except OSError:
-            pass  # has ended, or is another user's
+            continue  # has ended, or is another user's
+        if f"WINEPREFIX={prefix}".encode() in variables:
+            yield int(process.name)
 
 
 def end(prefix):
