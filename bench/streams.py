@@ -13,7 +13,7 @@ def web_frame(data):
 
 
 class RawStream:
-    def __init__(self, socket, _=b""):
+    def __init__(self, socket, _path=b""):
         self.socket = socket
 
     def send(self, data):

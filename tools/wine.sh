@@ -9,8 +9,8 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 # The prefix gets no menu entries, and neither .NET nor a browser. No program needs services, whose start takes most of
 # the time that a program needs in a new prefix.
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winemenubuilder.exe,mscoree,mshtml,services.exe=}"
-# At a random place, the heap of one process in some thousand covers an address that Wine needs. The program then ends
-# without a word, or has no window if the process was one of Wine's own. Some containers forbid fixed places.
+# At a random place, the heap of one process in several thousand covers an address that Wine needs. The program then
+# ends without a word, or has no window if the process was one of Wine's own. Some containers forbid fixed places.
 placed=
 setarch -R true 2>/dev/null && placed="setarch -R"
 export placed

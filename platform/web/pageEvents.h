@@ -24,7 +24,7 @@ enum class PageEventKind {
   Closed,
   Activated,
   SocketOpened,
-  SocketData,  ///< `bytes` has what came
+  SocketData,  ///< the received `bytes`
   SocketClosed,
   SocketFailed,
   Touched,  ///< as MouseDown
@@ -33,7 +33,7 @@ enum class PageEventKind {
 
 struct PageEvent {
   PageEventKind kind = PageEventKind::None;
-  int first = 0;  ///< the first number that PageEventKind lists, except x
+  int first = 0;  ///< the button, key code, character, caret or value
   int shift = 0;
   int x = 0;  ///< pixels
   int y = 0;

@@ -127,7 +127,10 @@ void WebBackend::endProcess() {
 
 std::string WebBackend::commandLine() { return placePart("arguments"); }
 
-PicturePointer WebBackend::loadPicture(const std::string& path) { return loadPictureFile(path); }
+PicturePointer WebBackend::loadPicture(const std::string& path) {
+  noteForReport("the picture " + path);
+  return loadPictureFile(path);
+}
 
 std::string WebBackend::readSetting(const std::string& section, const std::string& key, const std::string& fallback) {
   noteForReport("the setting \"" + key + "\" in section \"" + section + "\" of this page's store");

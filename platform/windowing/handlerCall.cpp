@@ -36,8 +36,8 @@ bool takesEvents(Control& control) {
 void raiseKeyPress(Control& control, int byte) {
   constexpr std::size_t maxCommandLength = 60;  // characters in the report
   const auto* box = dynamic_cast<const TextBox*>(&control);
-  const bool isHeard = box && box->KeyPress && takesEvents(control) && !box->design.isSecret;
-  if (isHeard && byte == keyEnter && box->Text.get().starts_with('~')) {
+  const bool isNoted = box && box->KeyPress && takesEvents(control) && !box->design.isSecret;
+  if (isNoted && byte == keyEnter && box->Text.get().starts_with('~')) {
     noteForReport("the command " + box->Text.get().substr(0, maxCommandLength));
   }
   raiseEvent(control, control.KeyPress, byte);

@@ -218,7 +218,7 @@ void GameServer::tickMore() {
     arena_.tick(at(time));
     bots_.tick(at(time));
     moderation_.tick(at(time));
-    rounds_.tick(at(time), people() > 0);
+    rounds_.tick(at(time), [this] { return people() > 0; });
     if (isDrained()) return stop(std::move(whenStopped_));
     publish();
     const auto stop = stallWatch_.stoppedFor(time);

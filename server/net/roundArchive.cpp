@@ -32,15 +32,15 @@ RoundArchive::RoundArchive(Arena& arena, ServerHost& host, const ReplaySettings&
   if (!replayFile.empty()) player_.emplace(roundIn(replayFile));
 }
 
-void RoundArchive::tick(Millis now, bool isPlayed) {
+void RoundArchive::tick(Millis now, const std::function<bool()>& isPlayed) {
   if (recorder_) record(now, isPlayed);
   if (player_) {
     player_->tick(now, !arena_.spectators().empty(), [this](const std::string& frame) { arena_.show(frame); });
   }
 }
 
-void RoundArchive::record(Millis now, bool isPlayed) {
-  const bool isOn = arena_.isRoundRunning() && isPlayed;
+void RoundArchive::record(Millis now, const std::function<bool()>& isPlayed) {
+  const bool isOn = arena_.isRoundRunning() && isPlayed();
   if (recorder_->isRecording() && (!isOn || arena_.roundCount() != recordedRound_)) {
     arena_.observe(false, now);
     recorder_->end(now);

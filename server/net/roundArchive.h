@@ -21,7 +21,7 @@ class RoundArchive {
 
   bool isReplay() const { return player_.has_value(); }
   /// Begins and ends recordings, and shows what is due. Rounds are recorded while somebody plays.
-  void tick(Millis now, bool isPlayed);
+  void tick(Millis now, const std::function<bool()>& isPlayed);
   /// Records a message to all players.
   void add(const std::string& frame, Millis now);
   /// Shows a new spectator the players of the recorded round.
@@ -30,7 +30,7 @@ class RoundArchive {
   void end(Millis now);
 
  private:
-  void record(Millis now, bool isPlayed);
+  void record(Millis now, const std::function<bool()>& isPlayed);
 
   Arena& arena_;
   std::optional<RoundRecorder> recorder_;  // nothing if rounds aren't recorded

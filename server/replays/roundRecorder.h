@@ -17,7 +17,7 @@ class RoundRecorder {
  public:
   static constexpr Millis minLength = 10'000;  ///< of a round that is kept
 
-  /// Creates the folder. Throws std::runtime_error if that fails.
+  /// Throws std::runtime_error if the folder can't be made or written. A disk that is full now is no error.
   RoundRecorder(ServerHost& host, ReplaySettings settings);
 
   bool isRecording() const { return round_.has_value(); }

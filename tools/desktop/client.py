@@ -1,7 +1,6 @@
 """The real client in a window."""
 
 import configparser
-import contextlib
 import os
 import shutil
 import subprocess
@@ -41,9 +40,9 @@ class Client:
         try:
             self.window = self.wait_for_window(TITLE)
             display.last_window = max(display.last_window, self.window.identifier)
-        except BaseException:
-            with contextlib.closing(self):
-                print(harness.stacks(), file=sys.stderr)
+        except Exception:
+            print(harness.stacks(), file=sys.stderr)
+            self.close()
             raise
         # The menu is the part of the window above the designed client area. It may end between two of its pixels.
         self.menu = self.window.geometry()[3] / scale - CLIENT_AREA[1]

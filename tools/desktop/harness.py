@@ -2,6 +2,7 @@
 machine, and everything started is stopped."""
 
 import atexit
+import contextlib
 import os
 import pathlib
 import re
@@ -94,9 +95,13 @@ def stacks():
             processes.add(program.process.pid)
         if getattr(program, "prefix", None):
             processes.update(wine.processes_in(program.prefix))
-    return "".join(subprocess.run(["gdb", "-p", str(process), "-batch", "-ex", "thread apply all backtrace"],
-                                  capture_output=True, text=True, errors="replace", timeout=PATIENCE, check=False).stdout
-                   for process in sorted(processes))
+    found = ""
+    for process in sorted(processes):
+        with contextlib.suppress(subprocess.TimeoutExpired):
+            found += subprocess.run(["gdb", "-p", str(process), "-batch", "-ex", "thread apply all backtrace"],
+                                    capture_output=True, text=True, errors="replace", timeout=PATIENCE,
+                                    check=False).stdout
+    return found
 
 
 def wait_for(condition, what, seconds=PATIENCE, pause=0.02):

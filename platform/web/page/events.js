@@ -14,7 +14,7 @@ let hasEnded = false;
 
 function post(kind, id, numbers = [], bytes = nothing) {
   const last = pendingEvents[pendingEvents.length - 1];
-  // Of several moves the last one counts, and the last one inside the control, because the game ignores those outside.
+  // Of several moves, the last one inside and the last one outside the control count: pictures ignore those outside.
   const isOfSameKind = last && last.kind === kind && last.id === id && last.numbers[4] === numbers[4];
   if (isOfSameKind && (kind === 'mouseMove' || kind === 'resized')) pendingEvents.pop();
   // Reached only if the program has stopped taking events.

@@ -79,7 +79,7 @@ function listenToKeys(control) {
 // Password managers send keydown events without a key.
 const letterOf = ({key = ''}) => [...key].length === 1 ? key : '';
 const isKey = (event) => event.kind === 'keyDown' || event.kind === 'keyPress';
-// The chat line clears itself at Enter, and shows an older line at Up and Down.
+// The chat line clears itself at Enter. Up and Down replace it by a line sent before.
 const changesLine = ({kind, numbers: [key]}) =>
   (kind === 'keyPress' && key === 13) || (kind === 'keyDown' && (key === 38 || key === 40));
 
