@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 
 #include "platform/widgets.h"
 #include "platform/win32/wideText.h"
@@ -70,6 +71,7 @@ FormPeer::FormPeer(Form& form)
   window_ = CreateWindowExW(0, windowClass(&FormPeer::procedure), toWide(form.Caption.get()).c_str(), styleOf(form),
                             CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr,
                             GetModuleHandleW(nullptr), this);
+  if (window_ == nullptr) throw std::runtime_error("there is no desktop to show a window on");
   toolTip_ = std::make_unique<ToolTip>(window_);
   scale_ = screenScale_ = screenScale(window_);
   constexpr DWORD darkTitle = 20;

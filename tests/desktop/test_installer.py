@@ -11,6 +11,7 @@ import zipfile
 import harness
 import wine
 from desktopTest import DesktopTest
+from display import Window
 
 PACKAGES = harness.PROJECT / "build" / "windows" / "packages"
 SETUP = PACKAGES / f"kelvora-{harness.VERSION}-setup.exe"
@@ -100,7 +101,8 @@ class Installer(DesktopTest):
         def window(title):
             return self.display.xdotool("search", "--onlyvisible", "--name", title).split()
         harness.wait_for(lambda: window("Connect"), "the connect dialog, the last window of the start")
-        self.display.xdotool("windowactivate", "--sync", window(harness.TITLE)[0], "key", "alt+F4")
+        Window(self.display, int(window(harness.TITLE)[0])).activate()
+        self.display.xdotool("key", "alt+F4")
         self.assertEqual(game.wait(harness.PATIENCE), 0)
         # A setting, as the game saves them.
         self.run_windows("reg.exe", "add", r"HKCU\Software\kelvora\last login", "/v", "user name", "/d", "Ann", "/f")
