@@ -1,6 +1,6 @@
 #!/bin/sh
-# Runs a Windows program in Wine. The prefix is $WINEPREFIX, or build/windows/wine, which is created when it is missing,
-# with a copy of its registry as it is then in the folder "new".
+# Runs a Windows program in Wine. The prefix is $WINEPREFIX, or build/windows/wine, which is created when it is missing.
+# Its folder "fresh" is to be copied: a prefix with a registry and users of its own, which shares the system's files.
 build=$(dirname "$0")/../build/windows
 mkdir -p "$build"
 build=$(cd "$build" && pwd)
@@ -13,15 +13,14 @@ export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winemenubuilder.exe,mscoree,mshtml,
 # ends without a word, or has no window if the process was one of Wine's own. Some containers forbid fixed places.
 placed=
 setarch -R true 2>/dev/null && placed="setarch -R"
-export placed
-if [ "$WINEPREFIX" = "$build/wine" ] && [ ! -d "$WINEPREFIX/new" ]; then
+if [ "$WINEPREFIX" = "$build/wine" ] && [ ! -d "$WINEPREFIX/fresh" ]; then
   # Programs that start together share one prefix. The first of them creates it.
   # shellcheck disable=SC2016
-  flock "$build/wine.lock" sh -c '[ -d "$WINEPREFIX/new" ] || {
-    $placed wine wineboot -i && wineserver -w && mkdir -p "$WINEPREFIX/part" &&
-      cp "$WINEPREFIX"/*.reg "$WINEPREFIX/.update-timestamp" "$WINEPREFIX/part" &&
-      mv "$WINEPREFIX/part" "$WINEPREFIX/new"
-  }' >&2
+  flock "$build/wine.lock" sh -c '[ -d "$WINEPREFIX/fresh" ] || {
+    $0 wine wineboot -i && wineserver -w && cd "$WINEPREFIX" && rm -rf part && mkdir -p part/drive_c &&
+      cp -R ./*.reg .update-timestamp dosdevices part && ln -s "$WINEPREFIX"/drive_c/* part/drive_c &&
+      rm part/drive_c/users && cp -R drive_c/users part/drive_c && mv part fresh
+  }' "$placed" >&2
 fi
 # shellcheck disable=SC2086
 exec $placed wine "$@"

@@ -69,13 +69,14 @@ def step(position, v):
 def is_flight(before, after, v):
     """True if these can be successive reports, four frames apart. A frame counts for more than one while painting takes
     longer than 10 ms on average, as on a busy machine. This time scale has tenths."""
-    for early in range(10, 60):
-        for late in range(10, 60):
+    # Beyond the top speed, a larger scale changes nothing.
+    speeds = list(dict.fromkeys(tuple(clamped(speed * tenths / 10) for speed in v) for tenths in range(10, 200)))
+    for early in speeds:
+        for late in speeds:
             for change in range(4):
                 position = before
                 for frame in range(4):
-                    scale = (early if frame < change else late) / 10
-                    position = step(position, [clamped(speed * scale) for speed in v])
+                    position = step(position, early if frame < change else late)
                 # Reports have seven digits, here down to hundredths, and each frame rounds.
                 if all(abs(a - b) < 0.1 for a, b in zip(position, after)):
                     return True

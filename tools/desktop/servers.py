@@ -22,8 +22,8 @@ def is_read(connection):
             _, local, remote, _, waiting = row.split()[:5]
             ports = tuple(int(address.rpartition(":")[2], 16) for address in (local, remote))
             queues[ports] = [int(length, 16) for length in waiting.split(":")]
-    unsent, unread = queues[ends][0], queues.get(ends[::-1], (0, 0))[1]
-    return unsent == 0 and unread == 0
+    # Either end may be missing: the table is read in parts, and changes meanwhile.
+    return all(end in queues for end in (ends, ends[::-1])) and queues[ends][0] == queues[ends[::-1]][1] == 0
 
 
 def listener():

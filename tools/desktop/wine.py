@@ -40,27 +40,17 @@ def run(program, *arguments, environment=None):
 
 def prefix_in(folder, scale=1):
     """The prefix of the programs whose settings are in this folder. A new one shares the system's files with the
-    template, but neither its registry nor its user. `scale` is that of its screen."""
+    template, but neither its registry nor its users. `scale` is that of its screen."""
     prefix = pathlib.Path(folder) / "wine"
     if not prefix.exists():
-        if not (TEMPLATE / "new").exists():
+        if not (TEMPLATE / "fresh").exists():
             environment = {name: value for name, value in os.environ.items() if name != "WINEPREFIX"}
             subprocess.run([RUN, "cmd", "/c", "exit"], env=environment, stdin=subprocess.DEVNULL, check=True)
-        shutil.copytree(TEMPLATE / "new", prefix)
+        shutil.copytree(TEMPLATE / "fresh", prefix, symlinks=True)
         registry = prefix / "user.reg"
         dots = b'"LogPixels"=dword:%08x\n' % round(DOTS_PER_INCH * scale)
         registry.write_bytes(re.sub(rb"(?m)^\[Control Panel\\\\Desktop\].*\n(#.*\n)?", lambda found: found[0] + dots,
                                     registry.read_bytes()))
-        shutil.copytree(TEMPLATE / "dosdevices", prefix / "dosdevices", symlinks=True)
-        (prefix / "drive_c").mkdir()
-        for entry in (TEMPLATE / "drive_c").iterdir():
-            own = prefix / "drive_c" / entry.name
-            if entry.name == "users":
-                # Without temporary files, which come and go meanwhile.
-                shutil.copytree(entry, own, symlinks=True,
-                                ignore=lambda folder, names: names if folder.endswith("/Temp") else ())
-            else:
-                own.symlink_to(entry)
     return str(prefix)
 
 
