@@ -17,6 +17,7 @@ CHAT_BOX = (300, 625)  # a pixel of the client area
 CONSOLE = (4, 582, 500, 20)  # the newest line
 PUBLIC, PRIVATE_SENT, PRIVATE_RECEIVED, SERVER = (128, 255, 128), (255, 255, 255), (255, 0, 255), (255, 255, 0)
 CENTRE_MESSAGE = (150, 270, 500, 30)
+BALL = (361, 284, 40, 40)  # the own player's, in the middle of the canvas
 
 
 def is_red(pixel):
@@ -206,16 +207,26 @@ class OnAScriptedServer(Company):
         return count(self.ann, (left - 2, top - 2, 5, 5), is_tail) > 0
 
     def test_a_capture_plays_out_on_both(self):
-        for line, client, name in zip(self.lines, (self.ann, self.bob), ("Ann", "Bob")):
+        # The words of the login look like those of a capture: green ones that fade, yellow ones that stay.
+        consoles = []
+        for client, is_own in ((self.ann, is_red), (self.bob, is_cyan)):
+            self.expect_on_screen(client, BALL, is_own, "the ball", least=300)
+            wait_for(lambda: count(client, CENTRE_MESSAGE, is_green) == 0, "the end of the first message")
+            consoles.append(self.console(client))
+        for line, client, console, name in zip(self.lines, (self.ann, self.bob), consoles, ("Ann", "Bob")):
             line.send(TAIL_CAPTURE, 4, 1, 1, 1)
             # First what fades.
             self.expect_on_screen(client, CENTRE_MESSAGE, is_green, f"the message in the middle of {name}'s canvas",
                                   least=20)
-            self.expect_line(client, SERVER, f"the words on {name}'s console")
+            wait_for(lambda: self.console(client) != console, f"the words on {name}'s console")
+            self.expect_line(client, SERVER, f"the colour of the words on {name}'s console")
             # The winner's strip, row 3, has a red mark in its first cell.
             strip = ((11580 + 660) // 15, (60 + 600 + 3 * 540) // 15, 11, 11)
             self.expect_on_screen(client, strip, is_red, f"the mark in {name}'s list")
         # Ann flies on as a ghost: only a red ring remains of her ball, in the middle of her canvas.
-        self.expect_on_screen(self.ann, (361, 284, 40, 40), is_red, "Ann's ring", least=100)
-        self.assertLess(count(self.ann, (373, 296, 16, 16), is_red), 10)
-        self.expect_on_screen(self.bob, (361, 284, 40, 40), is_cyan, "Bob's ball", least=300)
+        wait_for(lambda: count(self.ann, BALL, is_red) >= 100 and count(self.ann, (373, 296, 16, 16), is_red) < 10,
+                 "Ann's ring")
+        self.expect_on_screen(self.bob, BALL, is_cyan, "Bob's ball", least=300)
+
+    def console(self, client):
+        return list(client.display.picture((*client.on_screen(*CONSOLE[:2]), *CONSOLE[2:])).pixels())
